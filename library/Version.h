@@ -1,0 +1,11 @@
+#pragma once
+
+#include "library/Export.h"
+#include "platform/utility/VersionNo.h"
+
+namespace Vek::Chart::Library {
+
+/// The version of the library that is loaded, which may be newer than the headers that a program was built with.
+VEK_LIBRARY_API Utility::VersionNo Version();
+
+} // namespace Vek::Chart::Library

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/Export.h"
+
+#include <cstdint>
+
+namespace Vek::Chart::Core {
+
+/// A mark of a moment: every default-constructed stamp differs from every other; copies are equal. Thread-safe.
+class VEK_PLATFORM_API TimeStamp {
+public:
+  TimeStamp();
+
+  friend bool operator==(const TimeStamp& p_a, const TimeStamp& p_b) { return p_a._count == p_b._count; }
+  friend bool operator!=(const TimeStamp& p_a, const TimeStamp& p_b) { return !(p_a == p_b); }
+
+private:
+  std::uint64_t _count;
+};
+
+} // namespace Vek::Chart::Core

@@ -1,0 +1,173 @@
+#include "platform/debug/Logger.h"
+
+#include <iostream>
+#include <map>
+#include <mutex>
+#include <set>
+#include <streambuf>
+#include <utility>
+
+namespace vekdebug {
+
+/// Gathers characters until a line end and hands each full line to the logger.
+class line_buffer : public std::streambuf {
+public:
+  line_buffer(logger& p_logger, severity p_kind, std::string p_channel)
+      : _logger(p_logger)
+      , _kind(p_kind)
+      , _channel(std::move(p_channel)) {}
+
+protected:
+  int_type overflow(int_type p_character) override {
+    if (traits_type::eq_int_type(p_character, traits_type::eof()))
+      return traits_type::not_eof(p_character);
+    const char character = traits_type::to_char_type(p_character);
+    return xsputn(&character, 1) == 1 ? p_character : traits_type::eof();
+  }
+
+  std::streamsize xsputn(const char* p_text, std::streamsize p_count) override {
+    for (std::streamsize i = 0; i < p_count; ++i) {
+      if (p_text[i] != '\n') {
+        _line += p_text[i];
+        continue;
+      }
+      // A sink may throw: the buffer must be empty before it is called.
+      const std::string line = std::exchange(_line, {});
+      _logger.write(_kind, line, _channel);
+    }
+    return p_count;
+  }
+
+private:
+  logger& _logger;
+  severity _kind;
+  std::string _channel;
+  std::string _line;
+};
+
+namespace {
+
+class standard_error_sink : public sink {
+public:
+  void write(const report& p_report) override {
+    std::string line = p_report.channel.empty() ? p_report.text : "[" + p_report.channel + "] " + p_report.text;
+    line += '\n';
+    std::cerr << line << std::flush;
+  }
+};
+
+/// A stream together with its buffer, one for each thread and channel, so that lines of two threads never mix.
+class owned_stream {
+public:
+  owned_stream(logger& p_logger, severity p_kind, const std::string& p_channel)
+      : _buffer(p_logger, p_kind, p_channel)
+      , _stream(&_buffer) {
+    // A throwing sink must reach the caller; without this the stream would swallow it and stay bad.
+    _stream.exceptions(std::ios::badbit);
+  }
+  dbgostream& stream(bool p_active) {
+    std::streambuf* wanted = p_active ? &_buffer : nullptr;
+    if (_stream.rdbuf() != wanted) {
+      _stream.exceptions(std::ios::goodbit);
+      _stream.rdbuf(wanted); // also resets the stream's error state
+      if (wanted != nullptr)
+        _stream.exceptions(std::ios::badbit);
+    }
+    if (p_active && !_stream.good())
+      _stream.clear();
+    return _stream;
+  }
+
+private:
+  line_buffer _buffer;
+  dbgostream _stream;
+};
+
+} // namespace
+
+struct logger::state {
+  mutable std::mutex mutex;
+  std::shared_ptr<sink> current = std::make_shared<standard_error_sink>();
+  std::set<std::string> open_channels;
+};
+
+sink::~sink() = default;
+
+dbgostream::dbgostream(std::streambuf* p_buffer)
+    : std::ostream(p_buffer) {}
+dbgostream::~dbgostream() = default;
+
+logger::logger()
+    : _state(std::make_unique<state>()) {}
+logger::~logger() = default;
+
+logger& logger::instance() {
+  // Never destroyed: destructors of static objects may still report.
+  static logger* const the_logger = new logger;
+  return *the_logger;
+}
+
+void logger::write(severity p_kind, const std::string& p_text, const std::string& p_channel) {
+  std::shared_ptr<sink> current;
+  {
+    const std::lock_guard<std::mutex> lock(_state->mutex);
+    current = _state->current;
+  }
+  current->write(report{p_kind, p_text, p_channel});
+}
+
+void logger::ensure(bool p_condition, const std::string& p_text) {
+  if (!p_condition)
+    write(severity::ensure, p_text, {});
+}
+
+void logger::sentry(const std::string& p_text) {
+  write(severity::sentry, p_text, {});
+}
+
+void logger::chkptr(const void* p_object, const std::string& p_text) {
+  if (p_object == nullptr)
+    write(severity::pointer, p_text, {});
+}
+
+void logger::chkrng(std::uint64_t p_value, std::uint64_t p_first, std::uint64_t p_end, const std::string& p_text) {
+  if (p_value < p_first || p_value >= p_end)
+    write(severity::range, p_text, {});
+}
+
+dbgostream& logger::dout(const std::string& p_channel) {
+  thread_local std::map<std::string, std::unique_ptr<owned_stream>> streams;
+  std::unique_ptr<owned_stream>& channel = streams[p_channel];
+  if (!channel)
+    channel = std::make_unique<owned_stream>(*this, severity::debug, p_channel);
+  return channel->stream(is_open(p_channel));
+}
+
+dbgostream& logger::derr() {
+  thread_local owned_stream stream(*this, severity::error, {});
+  return stream.stream(true);
+}
+
+void logger::open(const std::string& p_channel) {
+  const std::lock_guard<std::mutex> lock(_state->mutex);
+  _state->open_channels.insert(p_channel);
+}
+
+void logger::close(const std::string& p_channel) {
+  const std::lock_guard<std::mutex> lock(_state->mutex);
+  _state->open_channels.erase(p_channel);
+}
+
+bool logger::is_open(const std::string& p_channel) const {
+  const std::lock_guard<std::mutex> lock(_state->mutex);
+  return _state->open_channels.count(p_channel) != 0;
+}
+
+std::shared_ptr<sink> logger::set_sink(std::shared_ptr<sink> p_sink) {
+  if (!p_sink)
+    p_sink = std::make_shared<standard_error_sink>();
+  const std::lock_guard<std::mutex> lock(_state->mutex);
+  return std::exchange(_state->current, std::move(p_sink));
+}
+
+} // namespace vekdebug

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "platform/Export.h"
+
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <ostream>
+#include <string>
+
+/// Reports of broken preconditions, unreachable code, warnings and debug output.
+///
+/// Reports never stop the caller: it goes on after each of them with a defined, harmless result. What happens to a
+/// report is decided by the sink of the logger: the default sink writes a line to standard error; a host engine can
+/// install one that counts, shows, breaks or throws. Reports may come from several threads at once.
+namespace vekdebug {
+
+/// What kind of report a text is.
+enum class severity : std::uint8_t {
+  ensure,  ///< a precondition does not hold; text: "expression" - signature
+  sentry,  ///< code that must not be reached was reached; text: signature @lineN
+  pointer, ///< a null object; text: "void*(obj)" - signature
+  range,   ///< an index outside its range; text: "expression" - signature
+  error,   ///< one line of the error stream; a warning begins with "WARNING: "
+  debug,   ///< one line of a debug channel
+};
+
+/// One report, as it reaches the sink. The references are valid during the call only.
+struct report {
+  severity kind;
+  const std::string& text;    ///< without a line end
+  const std::string& channel; ///< the name of the debug channel; empty for all other kinds
+};
+
+/// Receives all reports of a logger. `write` may be called from several threads at once and may throw: what it throws
+/// leaves the operation that reported through its caller.
+class VEK_PLATFORM_API sink {
+public:
+  virtual ~sink();
+  virtual void write(const report& p_report) = 0;
+};
+
+/// An output stream of the logger. It is active when it has a buffer; items written to an inactive stream are dropped
+/// and cost nothing but the test of `active()`. Every full line becomes one report.
+class VEK_PLATFORM_API dbgostream : public std::ostream {
+public:
+  explicit dbgostream(std::streambuf* p_buffer);
+  ~dbgostream() override;
+  bool active() const { return rdbuf() != nullptr; }
+};
+
+/// The one place that all reports go through; see `Utility::GetLogger`.
+class VEK_PLATFORM_API logger {
+public:
+  /// The logger of the process. It outlives every static object that uses it.
+  static logger& instance();
+
+  logger(const logger&) = delete;
+  logger& operator=(const logger&) = delete;
+
+  /// Reports `p_text` when `p_condition` is false.
+  void ensure(bool p_condition, const std::string& p_text);
+  /// Reports that a place was reached that must not be.
+  void sentry(const std::string& p_text);
+  /// Reports `p_text` when `p_object` is null.
+  void chkptr(const void* p_object, const std::string& p_text);
+  /// Reports `p_text` unless p_first <= p_value < p_end.
+  void chkrng(std::uint64_t p_value, std::uint64_t p_first, std::uint64_t p_end, const std::string& p_text);
+
+  /// The debug channel of that name, for the calling thread. A channel is inactive until `open` is called for it.
+  dbgostream& dout(const std::string& p_channel);
+  /// The error stream, for the calling thread; always active. A warning's text begins with "WARNING: ".
+  dbgostream& derr();
+
+  /// Switches a debug channel on or off for all threads.
+  void open(const std::string& p_channel);
+  void close(const std::string& p_channel);
+  bool is_open(const std::string& p_channel) const;
+
+  /// Installs a sink and returns the one it replaces; an empty pointer restores the default sink. The old sink may
+  /// still be called by a report that is under way on another thread.
+  std::shared_ptr<sink> set_sink(std::shared_ptr<sink> p_sink);
+
+private:
+  logger();
+  ~logger();
+  friend class line_buffer;
+  void write(severity p_kind, const std::string& p_text, const std::string& p_channel);
+
+  struct state;
+  std::unique_ptr<state> _state;
+};
+
+} // namespace vekdebug

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+namespace vekdebug {
+
+/// The name of a type as the host platform's compiler prints it in a signature; signatures of templates are put
+/// together from it. Types with other names specialise it beside their definition.
+template <class T>
+struct TypeName;
+
+#define VEK_TYPE_NAME(p_type, p_text)                                                                                  \
+  template <>                                                                                                          \
+  struct vekdebug::TypeName<p_type> {                                                                                  \
+    static std::string text() { return p_text; }                                                                       \
+  };
+
+} // namespace vekdebug
+
+VEK_TYPE_NAME(bool, "bool")
+VEK_TYPE_NAME(char, "char")
+VEK_TYPE_NAME(signed char, "signed char")
+VEK_TYPE_NAME(unsigned char, "unsigned char")
+VEK_TYPE_NAME(short, "short")
+VEK_TYPE_NAME(unsigned short, "unsigned short")
+VEK_TYPE_NAME(int, "int")
+VEK_TYPE_NAME(unsigned int, "unsigned int")
+VEK_TYPE_NAME(long, "__int64")
+VEK_TYPE_NAME(unsigned long, "unsigned __int64")
+VEK_TYPE_NAME(long long, "__int64")
+VEK_TYPE_NAME(unsigned long long, "unsigned __int64")
+VEK_TYPE_NAME(float, "float")
+VEK_TYPE_NAME(double, "double")

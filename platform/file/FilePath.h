@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/Export.h"
+
+#include <string>
+
+namespace vekfile {
+
+/// A path of a file or folder: the bytes that the operating system takes (UTF-8 by custom).
+class VEK_PLATFORM_API filepath {
+public:
+  /// An empty, invalid path.
+  filepath() = default;
+  filepath(const std::string& p_path); // NOLINT: implicit, so that a path can be written as text
+  filepath(const char* p_path);        // NOLINT: a null pointer is the empty path
+
+  const std::string& str() const { return _path; }
+  /// True when the path is not empty and holds no zero byte.
+  bool valid() const;
+
+  /// Joins a directory and a name with exactly one separator. An empty side yields the other one.
+  friend VEK_PLATFORM_API filepath operator+(const filepath& p_directory, const filepath& p_name);
+  friend bool operator==(const filepath& p_a, const filepath& p_b) { return p_a._path == p_b._path; }
+  friend bool operator!=(const filepath& p_a, const filepath& p_b) { return !(p_a == p_b); }
+
+private:
+  std::string _path;
+};
+
+/// True when a file or folder of that path exists and may be looked at.
+VEK_PLATFORM_API bool fileexists(const filepath& p_path);
+
+} // namespace vekfile

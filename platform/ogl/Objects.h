@@ -1,0 +1,74 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/ogl/GlFunctions.h"
+
+#include <boost/shared_ptr.hpp>
+
+namespace Vek::Chart::Ogl {
+
+// GL objects with shared ownership. Each is made by an operation of Rgl and deletes its GL name with its last holder;
+// that must happen while a context is current that shares objects with the one that made it.
+
+/// The name of a GL texture. Its target and contents are decided by whoever binds it first.
+class VEK_PLATFORM_API Texture {
+public:
+  explicit Texture(boost::shared_ptr<const GlFunctions> p_gl);
+  ~Texture();
+  Texture(const Texture&) = delete;
+  Texture& operator=(const Texture&) = delete;
+  unsigned int Name() const { return _name; }
+
+private:
+  boost::shared_ptr<const GlFunctions> _gl;
+  unsigned int _name = 0;
+};
+
+/// A display list: recorded once, replayed by calling it.
+class VEK_PLATFORM_API DisplayList {
+public:
+  explicit DisplayList(boost::shared_ptr<const GlFunctions> p_gl);
+  ~DisplayList();
+  DisplayList(const DisplayList&) = delete;
+  DisplayList& operator=(const DisplayList&) = delete;
+  unsigned int Name() const { return _name; }
+
+  /// Starts recording (GL_COMPILE: nothing is drawn meanwhile). Releasing the guard ends it. Lists cannot be nested.
+  boost::shared_ptr<void> Compile() const;
+  /// Replays what was recorded.
+  void operator()() const;
+
+private:
+  boost::shared_ptr<const GlFunctions> _gl;
+  unsigned int _name = 0;
+};
+
+/// A frame-buffer object without attachments of its own; whoever made it attaches textures or renderbuffers.
+class VEK_PLATFORM_API FrameBufferObject {
+public:
+  explicit FrameBufferObject(boost::shared_ptr<const GlFunctions> p_gl);
+  ~FrameBufferObject();
+  FrameBufferObject(const FrameBufferObject&) = delete;
+  FrameBufferObject& operator=(const FrameBufferObject&) = delete;
+  unsigned int Name() const { return _name; }
+
+private:
+  boost::shared_ptr<const GlFunctions> _gl;
+  unsigned int _name = 0;
+};
+
+/// Storage for one attachment of a frame-buffer object that is never sampled.
+class VEK_PLATFORM_API RenderBuffer {
+public:
+  explicit RenderBuffer(boost::shared_ptr<const GlFunctions> p_gl);
+  ~RenderBuffer();
+  RenderBuffer(const RenderBuffer&) = delete;
+  RenderBuffer& operator=(const RenderBuffer&) = delete;
+  unsigned int Name() const { return _name; }
+
+private:
+  boost::shared_ptr<const GlFunctions> _gl;
+  unsigned int _name = 0;
+};
+
+} // namespace Vek::Chart::Ogl

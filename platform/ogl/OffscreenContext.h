@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Size.h"
+#include "platform/utility/Scope.h"
+
+#include <QImage>
+
+#include <memory>
+
+namespace Vek::Chart::Ogl {
+
+/// A GL context (compatibility profile) without a window, through EGL without a display, with a frame buffer of its
+/// own: a hardware device where there is one, the software rasteriser elsewhere.
+///
+/// The frame buffer (8-bit RGBA, 24-bit depth, 8-bit stencil, optionally multisampled) is bound and the viewport covers
+/// it when the constructor returns.
+class VEK_PLATFORM_API OffscreenContext {
+public:
+  /// Throws std::runtime_error when no context can be made; the text says which step failed and what to install.
+  /// `p_samples` is the number of samples a pixel, 0 for none; it is lowered to what the device can do.
+  explicit OffscreenContext(Types::Size p_size, int p_samples = 0);
+  ~OffscreenContext();
+  OffscreenContext(const OffscreenContext&) = delete;
+  OffscreenContext& operator=(const OffscreenContext&) = delete;
+
+  /// Scopes opened on it make this context current.
+  const Utility::Unscoped<Rgl>& Handle() const;
+  Types::Size Size() const;
+  /// The name of the driver that renders, as GL_RENDERER says.
+  std::string Renderer() const;
+  /// Binds the context's own frame buffer and sets the viewport to it.
+  void BindFrameBuffer();
+  /// The frame buffer's colours (samples resolved), the first row on top, format ARGB32.
+  QImage Image();
+
+private:
+  struct State;
+  std::unique_ptr<State> _state;
+};
+
+} // namespace Vek::Chart::Ogl

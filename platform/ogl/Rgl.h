@@ -1,0 +1,159 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/ogl/DeviceFeatures.h"
+#include "platform/ogl/GlFunctions.h"
+#include "platform/ogl/GlTokens.h"
+#include "platform/ogl/Objects.h"
+#include "platform/types/Angle.h"
+#include "platform/types/Matrix.h"
+#include "platform/types/Transformation.h"
+#include "platform/types/Vector.h"
+#include "platform/types/Viewport.h"
+#include "platform/utility/Scope.h"
+#include "platform/utility/VersionNo.h"
+
+#include <boost/function.hpp>
+#include <boost/noncopyable.hpp>
+#include <boost/shared_ptr.hpp>
+
+#include <QColor>
+
+#include <memory>
+#include <string>
+
+namespace Vek::Chart::Ogl {
+
+class BufferPool;
+
+/// The rendering interface of one GL context, and the only class that calls GL. It is used through a rendering scope:
+///
+///     Utility::Unscoped<Rgl> handle = context.Handle();   // or Rgl::OnCurrentContext()
+///     Utility::Scoped<Rgl> gl(handle);                    // the context is current while this lives
+///     gl->Color(Qt::red);
+///     gl->Begin(RGL_TRIANGLES);
+///
+/// Two kinds of operations: those written out below take the project's value types; all GL functions of
+/// GlFunctionList.h are members as well, under GL's name without "gl" (`Enable`, `TexParameteri`, `ReadPixels`,
+/// `Sphere`, …), and do just what GL says. Rgl keeps no copy of any GL state, so the context may be shared with other
+/// code such as Qt's.
+///
+/// Not thread-safe: to be called on the thread that owns the context.
+class VEK_PLATFORM_API Rgl : private boost::noncopyable {
+public:
+  /// What a texture is bound as; the values are those of the GL targets.
+  enum TexSamplerType : GlEnum { Sampler1D = RGL_TEXTURE_1D, Sampler2D = RGL_TEXTURE_2D, Sampler3D = RGL_TEXTURE_3D };
+  /// The number of a texture coordinate set; added to RGL_TEXTURE0.
+  using TexCoordIndex = unsigned int;
+
+  /// `p_gl` must be set, each of its functions too. `p_make_current` is called when the outermost scope opens and must
+  /// make the context current; `p_release` when it closes. Both may be empty: then the context is current whenever a
+  /// scope is open.
+  explicit Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_make_current = {},
+               boost::function<void()> p_release = {});
+  ~Rgl();
+
+  /// For a host (a Qt widget, say) that makes its own context current before it opens a scope.
+  static Utility::Unscoped<Rgl> OnCurrentContext();
+
+  // The rendering scope; called by Utility::Scoped only.
+  void ScopeBegin();
+  void ScopeEnd();
+  /// How many scopes are open.
+  unsigned int ScopeDepth() const { return _scope_depth; }
+
+  // The GL functions by their own names, the raw entry points.
+#define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \
+  p_result p_name p_parameters const {                                                                                 \
+    return _gl->p_name p_arguments;                                                                                    \
+  }
+#include "platform/ogl/GlFunctionList.h"
+
+  // Immediate mode.
+  void Vertex(const Types::Vector3_Base<double>& p_position) const {
+    Vertex3d(p_position.x, p_position.y, p_position.z);
+  }
+  void Vertex(double p_x, double p_y, double p_z) const {
+    Vertex3d(p_x, p_y, p_z);
+  }
+  void Normal(const Types::Vector3_Base<double>& p_normal) const {
+    Normal3d(p_normal.x, p_normal.y, p_normal.z);
+  }
+  void Normal(double p_x, double p_y, double p_z) const {
+    Normal3d(p_x, p_y, p_z);
+  }
+  /// Sets the current colour from the colour's floating-point fractions.
+  void Color(const QColor& p_color) const;
+  void TexCoord(double p_s, double p_t) const {
+    TexCoord2d(p_s, p_t);
+  }
+  /// `p_unit` is a token: RGL_TEXTURE0 + n.
+  void MultiTexCoord(GlEnum p_unit, const Types::Vector3_Base<double>& p_coordinate) const {
+    MultiTexCoord3d(p_unit, p_coordinate.x, p_coordinate.y, p_coordinate.z);
+  }
+  /// A vertex at a corner of the pixel grid, in window pixels from the lower left. Meant for a projection that maps
+  /// pixels to the viewport; `PixelProjection` sets one.
+  void Pixel(int p_x, int p_y) const {
+    Vertex2i(p_x, p_y);
+  }
+
+  // Matrices.
+  void Translate(const Types::Vector3_Base<double>& p_offset) const {
+    Translated(p_offset.x, p_offset.y, p_offset.z);
+  }
+  void Scale(const Types::Vector3_Base<double>& p_factors) const {
+    Scaled(p_factors.x, p_factors.y, p_factors.z);
+  }
+  void Rotate(Types::Angle p_angle, const Types::Vector3_Base<double>& p_axis) const {
+    Rotated(p_angle.Degrees(), p_axis.x, p_axis.y, p_axis.z);
+  }
+  void MultMatrix(const Types::Transformation& p_transformation) const;
+  /// Replaces projection and model view so that one unit is one pixel of the viewport, with the origin in its lower
+  /// left corner. Releasing the guard restores both matrices and the matrix mode.
+  boost::shared_ptr<void> PixelProjection(const Types::Viewport<0>& p_viewport) const;
+
+  // State.
+  void Viewport(const Types::Viewport<0>& p_viewport) const;
+  void ClearColor(const QColor& p_color) const;
+  /// Pushes the attribute groups of the mask; releasing the guard pops them.
+  boost::shared_ptr<void> PushAttribScope(GlBitfield p_mask) const;
+
+  // Objects.
+  boost::shared_ptr<Texture> GenTexture() const;
+  void Bind(const boost::shared_ptr<Texture>& p_texture, TexSamplerType p_sampler) const;
+  boost::shared_ptr<DisplayList> GenDisplayList() const;
+  boost::shared_ptr<FrameBufferObject> GenFrameBufferObject() const;
+  boost::shared_ptr<RenderBuffer> GenRenderBuffer() const;
+  /// Binds for drawing and reading; releasing the guard restores the two bindings that were there before.
+  boost::shared_ptr<void> BindScope(const boost::shared_ptr<FrameBufferObject>& p_target) const;
+  /// The pool that makes GPU buffers in this context.
+  BufferPool& GetBufferPool() const;
+
+  // The device.
+  Utility::VersionNo GlVersion() const;
+  const DeviceFeatures& Features() const;
+  /// The largest width and height of a 2-D texture, in texels.
+  int GetMaxTextureSize() const;
+
+  /// Takes all pending GL errors; each is written to the error stream as "WARNING: ", its name, " - " and `p_location`.
+  /// Returns true when there was none.
+  bool CheckError(const std::string& p_location) const;
+
+  const boost::shared_ptr<const GlFunctions>& Functions() const {
+    return _gl;
+  }
+
+private:
+  boost::shared_ptr<const GlFunctions> _gl;
+  boost::function<void()> _make_current;
+  boost::function<void()> _release;
+  unsigned int _scope_depth = 0;
+  std::unique_ptr<BufferPool> _buffer_pool;
+  mutable std::unique_ptr<const DeviceFeatures> _features; // constant for a context, so no copy of state
+};
+
+} // namespace Vek::Chart::Ogl
+
+namespace Vek::Chart {
+using Ogl::Rgl;
+}

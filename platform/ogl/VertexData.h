@@ -1,0 +1,81 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/ogl/GlTypes.h"
+#include "platform/ogl/VertexBuffer.h"
+#include "platform/types/Property.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <cstddef>
+
+namespace Vek::Chart::Ogl {
+
+class Rgl;
+
+/// Geometry in CPU memory, ready to be drawn: positions, normals, texture coordinates and indices, each an array handed
+/// over with shared ownership, and what the vertices (or the indices, when there are some) describe.
+class VEK_PLATFORM_API VertexData {
+public:
+  enum ComponentType : GlEnum {
+    UnsignedByte = 0x1401,
+    UnsignedShort = 0x1403,
+    UnsignedInt = 0x1405,
+    Float = 0x1406,
+    Double = 0x140A
+  };
+
+  /// `count` elements of `components` scalars each, tightly packed. Empty (null data, count 0) until set.
+  struct Array {
+    boost::shared_ptr<const void> data;
+    std::size_t count = 0;
+    unsigned int components = 0;
+    ComponentType type = Float;
+
+    bool Empty() const { return count == 0; }
+    /// The scalars; T must be the type that `type` names.
+    template <class T>
+    const T* As() const {
+      return static_cast<const T*>(data.get());
+    }
+  };
+
+  VertexData();
+
+  /// Each replaces one array. An array without elements, or a null pointer, removes it.
+  void SetVertices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
+                   ComponentType p_type);
+  void SetNormals(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
+                  ComponentType p_type);
+  void SetTexCoords(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
+                    ComponentType p_type);
+  /// One component an element; unsigned integers.
+  void SetIndices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, ComponentType p_type);
+
+  const Array& Vertices() const { return _vertices; }
+  const Array& Normals() const { return _normals; }
+  const Array& TexCoords() const { return _tex_coords; }
+  const Array& Indices() const { return _indices; }
+
+  /// What is drawn; not set in a new object. Assigning a different value, or the first one, marks it changed and set.
+  Types::Property<VertexBuffer::PrimitiveType>& PrimitiveType() { return _primitive_type; }
+  const Types::Property<VertexBuffer::PrimitiveType>& PrimitiveType() const { return _primitive_type; }
+
+  /// Draws from the arrays with GL's fixed vertex attributes: positions, normals, and texture coordinates on the active
+  /// client texture unit. Restores the client state that it changes. Nothing is drawn, and the reason reported, when
+  /// there are no positions, the primitive type is not decided, another array is shorter than the positions, or an
+  /// index names none.
+  void Draw(Utility::Scoped<Rgl>& p_gl) const;
+  /// The same, `p_instances` times in one call; a vertex shader tells the instances apart. 0 draws nothing.
+  void Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const;
+
+private:
+  Array _vertices;
+  Array _normals;
+  Array _tex_coords;
+  Array _indices;
+  Types::Property<VertexBuffer::PrimitiveType> _primitive_type;
+};
+
+} // namespace Vek::Chart::Ogl

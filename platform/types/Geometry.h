@@ -1,0 +1,107 @@
+#pragma once
+
+#include "platform/types/Vector.h"
+
+#include <limits>
+
+namespace Vek::Chart::Types {
+
+/// A plane through a point, with a normal of any length. The plane of three points a, b, c has the point a and the
+/// normal (b − a) × (c − a): seen from the side that it points to, the three run counter-clockwise.
+class Plane {
+public:
+  /// The plane z = 0 with normal +z.
+  constexpr Plane() = default;
+  constexpr Plane(const Vector3_Base<double>& p_point, const Vector3_Base<double>& p_normal)
+      : _point(p_point)
+      , _normal(p_normal) {}
+  constexpr Plane(const Vector3_Base<double>& p_a, const Vector3_Base<double>& p_b, const Vector3_Base<double>& p_c)
+      : Plane(p_a, Cross(p_b - p_a, p_c - p_a)) {}
+
+  constexpr const Vector3_Base<double>& Point() const { return _point; }
+  constexpr const Vector3_Base<double>& Normal() const { return _normal; }
+
+  /// (a, b, c, d) with a·x + b·y + c·z + d = 0 on the plane: the normal as it is, and −(normal · point).
+  constexpr Vector4_Base<double> Equation() const { return {_normal.x, _normal.y, _normal.z, -Dot(_normal, _point)}; }
+
+private:
+  Vector3_Base<double> _point;
+  Vector3_Base<double> _normal{0, 0, 1};
+};
+
+/// A straight line: a point on it and a direction of any length.
+template <class T>
+struct Line3_Base {
+  Vector3_Base<T> point;
+  Vector3_Base<T> direction;
+
+  constexpr Line3_Base() = default;
+  constexpr Line3_Base(const Vector3_Base<T>& p_point, const Vector3_Base<T>& p_direction)
+      : point(p_point)
+      , direction(p_direction) {}
+};
+
+/// A ray: where it starts, and a direction whose length is the ray's reach.
+template <class T>
+struct Ray_Base {
+  Vector3_Base<T> origin;
+  Vector3_Base<T> direction;
+
+  constexpr Ray_Base() = default;
+  constexpr Ray_Base(const Vector3_Base<T>& p_origin, const Vector3_Base<T>& p_direction)
+      : origin(p_origin)
+      , direction(p_direction) {}
+};
+
+/// An axis-aligned box. A new box is empty: its minimum is +infinity and its maximum −infinity, so that it grows to
+/// exactly the points added.
+template <class T>
+class BoundingBox_Base {
+public:
+  constexpr BoundingBox_Base() = default;
+  constexpr BoundingBox_Base(const Vector3_Base<T>& p_min, const Vector3_Base<T>& p_max)
+      : _min(p_min)
+      , _max(p_max) {}
+
+  constexpr const Vector3_Base<T>& Min() const { return _min; }
+  constexpr const Vector3_Base<T>& Max() const { return _max; }
+
+  /// True when no point is inside: some minimum exceeds its maximum.
+  constexpr bool Empty() const { return !(_min.x <= _max.x && _min.y <= _max.y && _min.z <= _max.z); }
+  /// Edge lengths; zero for an empty box.
+  constexpr Vector3_Base<T> Extent() const { return Empty() ? Vector3_Base<T>() : _max - _min; }
+  /// The middle; zero for an empty box.
+  constexpr Vector3_Base<T> Center() const { return Empty() ? Vector3_Base<T>() : (_min + _max) * T(0.5); }
+
+  /// Grows the box to hold the point. A component that is NaN changes nothing.
+  constexpr BoundingBox_Base& operator+=(const Vector3_Base<T>& p_point) {
+    Grow(p_point.x, _min.x, _max.x);
+    Grow(p_point.y, _min.y, _max.y);
+    Grow(p_point.z, _min.z, _max.z);
+    return *this;
+  }
+  /// Grows the box to hold the other one.
+  constexpr BoundingBox_Base& operator+=(const BoundingBox_Base& p_box) {
+    if (p_box.Empty())
+      return *this;
+    *this += p_box._min;
+    return *this += p_box._max;
+  }
+
+  friend constexpr bool operator==(const BoundingBox_Base& p_a, const BoundingBox_Base& p_b) {
+    return p_a._min == p_b._min && p_a._max == p_b._max;
+  }
+
+private:
+  static constexpr void Grow(T p_value, T& p_min, T& p_max) {
+    if (p_value < p_min)
+      p_min = p_value;
+    if (p_value > p_max)
+      p_max = p_value;
+  }
+  static constexpr T Infinity = std::numeric_limits<T>::infinity();
+  Vector3_Base<T> _min{Infinity, Infinity, Infinity};
+  Vector3_Base<T> _max{-Infinity, -Infinity, -Infinity};
+};
+
+} // namespace Vek::Chart::Types

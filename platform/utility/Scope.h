@@ -1,0 +1,46 @@
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+
+#include <utility>
+
+namespace Vek::Chart::Utility {
+
+/// A handle to a rendering interface that is not open for calls: it can be copied and kept. `T` is `Ogl::Rgl`.
+template <class T>
+class Unscoped {
+public:
+  /// `p_object` must not be null.
+  explicit Unscoped(boost::shared_ptr<T> p_object)
+      : _object(std::move(p_object)) {}
+
+  const boost::shared_ptr<T>& Object() const { return _object; }
+
+private:
+  boost::shared_ptr<T> _object;
+};
+
+/// An open rendering scope: while it lives, the context of its `T` is current and may be called. Opening calls
+/// `T::ScopeBegin`, the end of the scope calls `T::ScopeEnd`; scopes of one `T` may be nested.
+template <class T>
+class Scoped {
+public:
+  explicit Scoped(const Unscoped<T>& p_handle)
+      : _handle(p_handle) {
+    _handle.Object()->ScopeBegin();
+  }
+  ~Scoped() { _handle.Object()->ScopeEnd(); }
+  Scoped(const Scoped&) = delete;
+  Scoped& operator=(const Scoped&) = delete;
+
+  T* operator->() const { return _handle.Object().get(); }
+  T& operator*() const { return *_handle.Object(); }
+
+  /// The handle that the scope was opened on, for calls that open their own.
+  const Unscoped<T>& Handle() const { return _handle; }
+
+private:
+  Unscoped<T> _handle;
+};
+
+} // namespace Vek::Chart::Utility

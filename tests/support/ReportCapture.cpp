@@ -1,0 +1,40 @@
+#include "tests/support/ReportCapture.h"
+
+namespace Vek::Test {
+
+class ReportCapture::Sink : public vekdebug::sink {
+public:
+  void write(const vekdebug::report& p_report) override {
+    const std::lock_guard<std::mutex> lock(mutex);
+    entries.push_back({p_report.kind, p_report.text, p_report.channel});
+  }
+  mutable std::mutex mutex;
+  std::vector<Entry> entries;
+};
+
+ReportCapture::ReportCapture()
+    : _sink(std::make_shared<Sink>())
+    , _previous(vekdebug::logger::instance().set_sink(_sink)) {}
+
+ReportCapture::~ReportCapture() {
+  vekdebug::logger::instance().set_sink(_previous);
+}
+
+std::vector<ReportCapture::Entry> ReportCapture::Entries() const {
+  const std::lock_guard<std::mutex> lock(_sink->mutex);
+  return _sink->entries;
+}
+
+std::vector<std::string> ReportCapture::Texts() const {
+  std::vector<std::string> texts;
+  for (const Entry& entry : Entries())
+    texts.push_back(entry.text);
+  return texts;
+}
+
+void ReportCapture::Clear() {
+  const std::lock_guard<std::mutex> lock(_sink->mutex);
+  _sink->entries.clear();
+}
+
+} // namespace Vek::Test

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/debug/Logger.h"
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace Vek::Test {
+
+/// While it lives, all reports are gathered here instead of being printed.
+class ReportCapture {
+public:
+  ReportCapture();
+  ~ReportCapture();
+  ReportCapture(const ReportCapture&) = delete;
+  ReportCapture& operator=(const ReportCapture&) = delete;
+
+  struct Entry {
+    vekdebug::severity kind;
+    std::string text;
+    std::string channel;
+  };
+  std::vector<Entry> Entries() const;
+  /// The texts of all reports so far, in order.
+  std::vector<std::string> Texts() const;
+  void Clear();
+
+private:
+  class Sink;
+  std::shared_ptr<Sink> _sink;
+  std::shared_ptr<vekdebug::sink> _previous;
+};
+
+} // namespace Vek::Test
