@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/interface/InterfaceID.h"
+#include "platform/interface/UnknownInterface.h"
+
+#include <type_traits>
+
+namespace Vek::SupportedInterface {
+
+/// Refers to an object under one of its interfaces; the answer to `ISupportedInterface::QuerySupportedInterface`.
+///
+/// It does not own the object and must not outlive it. Access names the interface again, and yields the object only
+/// when that is the very interface that it is held under: a base or a derived class of it is another interface.
+///
+///     AnyInterface any = AnyInterface::Of<VertexIndex>(*this);
+///     any.As<VertexIndex>();     // the object
+///     any.As<VertexAttribute1>() // null
+class AnyInterface {
+public:
+  /// Refers to nothing.
+  AnyInterface() = default;
+  /// Refers to `p_object` as a W. W is always written out, so that an object is never held under its own class by
+  /// chance.
+  template <class W>
+  static AnyInterface Of(std::common_type_t<W>& p_object) {
+    static_assert(std::is_class_v<W> && !std::is_const_v<W>, "an interface is a class, and is handed out for any use");
+    AnyInterface result;
+    result._object = &p_object;
+    result._id = InterfaceID::Of<W>();
+    return result;
+  }
+
+  bool Empty() const { return _object == nullptr; }
+  /// The interface that the object is held under; that of `void` when there is none.
+  const InterfaceID& ID() const { return _id; }
+
+  /// The object as a W, or null when it is not held under that interface.
+  template <class W>
+  W* As() const {
+    return _id == InterfaceID::Of<W>() ? static_cast<W*>(_object) : nullptr;
+  }
+  /// The object as a W; throws UnknownInterface when it is not held under that interface.
+  template <class W>
+  W& Get() const {
+    if (W* const object = As<W>())
+      return *object;
+    throw UnknownInterface(InterfaceID::Of<W>());
+  }
+
+private:
+  void* _object = nullptr; // was a W* for the W of _id, and is cast back to that only
+  InterfaceID _id = InterfaceID::Of<void>();
+};
+
+} // namespace Vek::SupportedInterface

@@ -1,0 +1,7 @@
+#include "platform/interface/ISupportedInterface.h"
+
+namespace Vek::SupportedInterface {
+
+ISupportedInterface::~ISupportedInterface() = default;
+
+} // namespace Vek::SupportedInterface

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/Export.h"
+
+#include <string>
+#include <typeindex>
+#include <typeinfo>
+
+namespace Vek::SupportedInterface {
+
+/// Names an interface by its run-time type information. Two ids are equal when they name the same interface, also
+/// across shared libraries; the order is total, but differs from run to run.
+class VEK_PLATFORM_API InterfaceID {
+public:
+  explicit InterfaceID(const std::type_info& p_interface)
+      : _interface(p_interface) {}
+  /// The id of the interface W.
+  template <class W>
+  static InterfaceID Of() {
+    return InterfaceID(typeid(W));
+  }
+
+  /// The interface's name as it is written in code, for messages.
+  std::string Name() const;
+
+  friend bool operator==(const InterfaceID& p_a, const InterfaceID& p_b) { return p_a._interface == p_b._interface; }
+  friend bool operator!=(const InterfaceID& p_a, const InterfaceID& p_b) { return p_a._interface != p_b._interface; }
+  friend bool operator<(const InterfaceID& p_a, const InterfaceID& p_b) { return p_a._interface < p_b._interface; }
+
+private:
+  std::type_index _interface;
+};
+
+} // namespace Vek::SupportedInterface

@@ -1,0 +1,102 @@
+#include "platform/interface/ISupportedInterface.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/make_shared.hpp>
+
+#include <set>
+
+using namespace Vek::SupportedInterface;
+
+namespace {
+
+struct Weight : virtual ISupportedInterface {
+  virtual int Grams() const = 0;
+};
+struct Tint : virtual ISupportedInterface {
+  virtual int Shade() const = 0;
+};
+struct Smell : virtual ISupportedInterface {};
+
+/// Offers two of the three interfaces.
+class Apple : public Weight, public Tint {
+public:
+  explicit Apple(bool& p_alive)
+      : _alive(p_alive) {
+    _alive = true;
+  }
+  ~Apple() override { _alive = false; }
+  int Grams() const override { return 150; }
+  int Shade() const override { return 3; }
+  bool IsSupportedInterface(const InterfaceID& p_id) const override {
+    return p_id == InterfaceID::Of<Weight>() || p_id == InterfaceID::Of<Tint>();
+  }
+  AnyInterface QuerySupportedInterface(const InterfaceID& p_id) override {
+    if (p_id == InterfaceID::Of<Weight>())
+      return AnyInterface::Of<Weight>(*this);
+    if (p_id == InterfaceID::Of<Tint>())
+      return AnyInterface::Of<Tint>(*this);
+    throw UnknownInterface(p_id);
+  }
+
+private:
+  bool& _alive;
+};
+
+} // namespace
+
+TEST(InterfaceID, ComparesAndOrdersByInterface) {
+  const InterfaceID weight = InterfaceID::Of<Weight>();
+  EXPECT_EQ(weight, InterfaceID(typeid(Weight)));
+  EXPECT_NE(weight, InterfaceID::Of<Tint>());
+  EXPECT_FALSE(weight < weight);
+  EXPECT_NE(weight < InterfaceID::Of<Tint>(), InterfaceID::Of<Tint>() < weight);
+  const std::set<InterfaceID> ids{weight, InterfaceID::Of<Tint>(), InterfaceID::Of<Smell>(), weight};
+  EXPECT_EQ(ids.size(), 3u);
+  EXPECT_EQ(InterfaceID::Of<ISupportedInterface>().Name(), "Vek::SupportedInterface::ISupportedInterface");
+}
+
+TEST(AnyInterface, YieldsTheObjectUnderItsOwnInterfaceOnly) {
+  bool alive = false;
+  Apple apple(alive);
+  const AnyInterface any = apple.QuerySupportedInterface(InterfaceID::Of<Tint>());
+  EXPECT_EQ(any.ID(), InterfaceID::Of<Tint>());
+  EXPECT_EQ(any.As<Tint>(), static_cast<Tint*>(&apple)); // not the object's address: Tint is the second base
+  EXPECT_EQ(any.Get<Tint>().Shade(), 3);
+  // Neither another interface of the object, nor its class, nor its base.
+  EXPECT_EQ(any.As<Weight>(), nullptr);
+  EXPECT_EQ(any.As<Apple>(), nullptr);
+  EXPECT_EQ(any.As<ISupportedInterface>(), nullptr);
+  EXPECT_THROW(any.Get<Weight>(), UnknownInterface);
+}
+
+TEST(AnyInterface, IsEmptyByDefault) {
+  const AnyInterface any;
+  EXPECT_TRUE(any.Empty());
+  EXPECT_EQ(any.As<Weight>(), nullptr);
+  EXPECT_THROW(any.Get<Weight>(), UnknownInterface);
+}
+
+TEST(UnknownInterface, NamesWhatWasAskedFor) {
+  const UnknownInterface error(InterfaceID::Of<ISupportedInterface>());
+  EXPECT_EQ(error.ID(), InterfaceID::Of<ISupportedInterface>());
+  EXPECT_STREQ(error.what(), "unknown interface Vek::SupportedInterface::ISupportedInterface");
+}
+
+TEST(QueryInterface, SharesOwnershipOfTheObject) {
+  bool alive = false;
+  boost::shared_ptr<ISupportedInterface> object = boost::make_shared<Apple>(alive);
+  boost::shared_ptr<Weight> weight = QueryInterface<Weight>(object);
+  ASSERT_TRUE(weight);
+  object.reset();
+  EXPECT_TRUE(alive);
+  EXPECT_EQ(weight->Grams(), 150);
+  weight.reset();
+  EXPECT_FALSE(alive);
+}
+
+TEST(QueryInterface, IsEmptyWithoutAnObjectAndForOtherInterfaces) {
+  bool alive = false;
+  EXPECT_FALSE(QueryInterface<Weight>({}));
+  EXPECT_FALSE(QueryInterface<Smell>(boost::make_shared<Apple>(alive)));
+}
