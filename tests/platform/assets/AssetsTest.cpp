@@ -1,0 +1,82 @@
+#include "platform/assets/ImageCache.h"
+#include "platform/assets/Resource.h"
+#include "tests/support/ReportCapture.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+using namespace Vek::Chart::Assets;
+using Vek::Test::ReportCapture;
+
+TEST(Resource, ImageFileIsTheNameInItsFolderWithTheEndingPng) {
+  EXPECT_EQ(Resource(vekfile::filepath("art/sprites")).ImageFile("symbol_star").str(), "art/sprites/symbol_star.png");
+  EXPECT_EQ(Resource(vekfile::filepath("art/")).ImageFile("a.b").str(), "art/a.b.png");
+  EXPECT_EQ(Resource(vekfile::filepath()).ImageFile("symbol_star").str(), "symbol_star.png");
+}
+
+namespace {
+
+class ImageCacheTest : public testing::Test {
+protected:
+  vekfile::filepath File(const std::string& p_name) const { return _folder.path().toStdString() + "/" + p_name; }
+  void Save(const std::string& p_name, QColor p_color) const {
+    QImage image(3, 5, QImage::Format_ARGB32);
+    image.fill(p_color);
+    ASSERT_TRUE(image.save(QString::fromStdString(File(p_name).str())));
+  }
+  std::string Warning(const std::string& p_name) const {
+    return "WARNING: Assets::ImageCache::Image: cannot read \"" + File(p_name).str() + "\"";
+  }
+  QTemporaryDir _folder;
+  ImageCache _cache;
+};
+
+} // namespace
+
+TEST_F(ImageCacheTest, ReadsAFileOnceAndKeepsItsAddress) {
+  Save("red.png", Qt::red);
+  const QImage& first = _cache.Image(File("red.png"));
+  EXPECT_EQ(first.size(), QSize(3, 5));
+  EXPECT_EQ(first.pixelColor(2, 4), QColor(Qt::red));
+  Save("red.png", Qt::blue);
+  for (int i = 0; i < 100; ++i) {
+    const std::string name = std::to_string(i) + ".png";
+    Save(name, QColor(i, 0, 0));
+    _cache.Image(File(name));
+  }
+  EXPECT_EQ(&_cache.Image(File("red.png")), &first);
+  EXPECT_EQ(first.pixelColor(0, 0), QColor(Qt::red));
+
+  _cache.Clear();
+  EXPECT_EQ(_cache.Image(File("red.png")).pixelColor(0, 0), QColor(Qt::blue));
+}
+
+TEST_F(ImageCacheTest, ABadFileIsANullImageAndOneWarning) {
+  std::ofstream(File("broken.png").str()) << "no picture";
+  for (const std::string name : {"missing.png", "broken.png", ""}) {
+    SCOPED_TRACE(name);
+    const ReportCapture reports;
+    const QImage& image = _cache.Image(File(name)); // the empty name is the folder itself
+    EXPECT_TRUE(image.isNull());
+    EXPECT_EQ(&_cache.Image(File(name)), &image);
+    EXPECT_EQ(reports.Texts(), std::vector<std::string>{Warning(name)});
+  }
+}
+
+TEST_F(ImageCacheTest, AFileThatCameLateIsReadAfterClear) {
+  const ReportCapture reports;
+  EXPECT_TRUE(_cache.Image(File("late.png")).isNull());
+  Save("late.png", Qt::green);
+  EXPECT_TRUE(_cache.Image(File("late.png")).isNull());
+  _cache.Clear();
+  EXPECT_FALSE(_cache.Image(File("late.png")).isNull());
+}
+
+TEST_F(ImageCacheTest, AnInvalidPathIsANullImage) {
+  const ReportCapture reports;
+  EXPECT_TRUE(_cache.Image(vekfile::filepath()).isNull());
+  EXPECT_EQ(reports.Texts(), std::vector<std::string>{"WARNING: Assets::ImageCache::Image: cannot read \"\""});
+}
