@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/types/StyleProperty.h"
+
+#include <QColor>
+
+#include <vector>
+
+namespace Vek::Chart::Types {
+
+/// The style record of a mapping from values to colours: what a user chose, from which `Library::ColorMap` is made. A
+/// new record has no colours.
+struct ColorMap {
+  StyleProperty<std::vector<QColor>> colors;
+  /// The widths of the colours relative to each other: none, or one for each colour.
+  StyleProperty<std::vector<double>> weights;
+  /// Whether neighbouring colours are blended.
+  StyleProperty<bool> gradient{false};
+};
+
+} // namespace Vek::Chart::Types

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/types/StyleProperty.h"
+
+#include <QColor>
+
+#include <cstdint>
+
+namespace Vek::Chart::Types {
+
+/// How an area is filled. A new record is a solid black fill.
+struct FillStyle {
+  /// The number of a `Library::Pattern::FillPattern`: 0 draws nothing, 1 is solid.
+  StyleProperty<std::uint32_t> pattern{1};
+  StyleProperty<QColor> color{QColor(Qt::black)};
+  /// Lies under the gaps of a pattern.
+  StyleProperty<QColor> secondColor{QColor(Qt::transparent)};
+};
+
+} // namespace Vek::Chart::Types

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/types/StyleProperty.h"
+
+#include <QColor>
+
+#include <cstdint>
+
+namespace Vek::Chart::Types {
+
+/// How a line is drawn. A new record is a solid black line of one pixel.
+struct LineStyle {
+  /// The number of a `Library::Pattern::LinePattern`: 0 draws nothing, 1 is solid.
+  StyleProperty<std::uint32_t> pattern{1};
+  StyleProperty<QColor> color{QColor(Qt::black)};
+  /// Lies under the gaps of a pattern.
+  StyleProperty<QColor> secondColor{QColor(Qt::transparent)};
+  /// In pixels; dashes grow with it.
+  StyleProperty<float> width{1.0f};
+  /// Whether edges are smoothed.
+  StyleProperty<bool> smooth{false};
+};
+
+} // namespace Vek::Chart::Types

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <utility>
+
+namespace Vek::Chart::Types {
+
+/// A property of a style record: its own value if it was set, else a default that it inherits.
+template <class T>
+class StyleProperty {
+public:
+  StyleProperty() = default;
+  /// Not set, with that default.
+  explicit StyleProperty(T p_default)
+      : _default(std::move(p_default)) {}
+
+  void Set(T p_value) { _value = std::move(p_value); }
+  /// Drops the own value: the default counts again.
+  void Reset() { _value.reset(); }
+  /// Changes the default; what was set stays.
+  void SetDefault(T p_default) { _default = std::move(p_default); }
+
+  bool IsSet() const { return _value.has_value(); }
+  /// The value that counts.
+  const T& Effective() const { return _value ? *_value : _default; }
+
+private:
+  std::optional<T> _value;
+  T _default{};
+};
+
+} // namespace Vek::Chart::Types
