@@ -1,0 +1,37 @@
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+
+namespace Vek::Chart::Ogl {
+
+/// A GL context (compatibility profile) that EGL made without a display or a window; implementation of
+/// `OffscreenContext`. It has no default frame buffer.
+class EglContext {
+public:
+  /// Tries the devices that EGL lists, hardware first, then the surfaceless platform. Throws std::runtime_error, with
+  /// what was tried and what to install, when none makes a context. The context is not current afterwards.
+  EglContext();
+  ~EglContext();
+  EglContext(const EglContext&) = delete;
+  EglContext& operator=(const EglContext&) = delete;
+
+  /// Makes the context current on this thread and remembers the one that was. Throws std::runtime_error if EGL refuses.
+  void MakeCurrent();
+  /// Makes the remembered context current again; leaves this one current where there was none.
+  void Restore() noexcept;
+  /// As MakeCurrent and Restore, for the lifetime of the guard.
+  boost::shared_ptr<void> CurrentScope();
+
+private:
+  // EGL's handles; its types are all void*.
+  void* _display = nullptr;
+  void* _context = nullptr;
+  struct Binding {
+    void* display = nullptr;
+    void* context = nullptr;
+    void* draw = nullptr;
+    void* read = nullptr;
+  } _previous;
+};
+
+} // namespace Vek::Chart::Ogl

@@ -1,0 +1,264 @@
+#include "platform/ogl/Rgl.h"
+
+#include "platform/debug/Check.h"
+#include "platform/ogl/BufferPool.h"
+#include "platform/ogl/Guard.h"
+
+#include <boost/make_shared.hpp>
+
+#include <charconv>
+#include <limits>
+#include <set>
+#include <string_view>
+#include <utility>
+
+namespace Vek::Chart::Ogl {
+
+Rgl::Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_make_current,
+         boost::function<void()> p_release)
+    : _gl(std::move(p_gl))
+    , _make_current(std::move(p_make_current))
+    , _release(std::move(p_release))
+    , _buffer_pool(std::make_unique<BufferPool>(_gl)) {}
+
+Rgl::~Rgl() = default;
+
+Utility::Unscoped<Rgl> Rgl::OnCurrentContext() {
+  const boost::shared_ptr<const GlFunctions> native(&NativeGl(), [](const GlFunctions*) {});
+  return Utility::Unscoped<Rgl>(boost::make_shared<Rgl>(native));
+}
+
+void Rgl::ScopeBegin() {
+  if (_scope_depth == 0 && _make_current)
+    _make_current(); // when it throws, no scope was opened
+  ++_scope_depth;
+}
+
+void Rgl::ScopeEnd() {
+  if (!VEK_ENSURE(_scope_depth > 0, "void __cdecl Vek::Chart::Ogl::Rgl::ScopeEnd(void)"))
+    return;
+  if (--_scope_depth == 0 && _release)
+    _release();
+}
+
+void Rgl::Color(const QColor& p_color) const {
+  Color4d(p_color.redF(), p_color.greenF(), p_color.blueF(), p_color.alphaF());
+}
+
+void Rgl::MultMatrix(const Types::Transformation& p_transformation) const {
+  MultMatrixd(p_transformation.ColumnMajor().data());
+}
+
+boost::shared_ptr<void> Rgl::PixelProjection(const Types::Viewport<0>& p_viewport) const {
+  int mode = 0;
+  GetIntegerv(RGL_MATRIX_MODE, &mode);
+  MatrixMode(RGL_PROJECTION);
+  PushMatrix();
+  LoadIdentity();
+  if (VEK_ENSURE(p_viewport.width > 0 && p_viewport.height > 0,
+                 "class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::Rgl::PixelProjection(const class "
+                 "Vek::Chart::Types::Viewport<0> &) const"))
+    Ortho(0, p_viewport.width, 0, p_viewport.height, -1, 1);
+  MatrixMode(RGL_MODELVIEW);
+  PushMatrix();
+  LoadIdentity();
+  return MakeGuard([gl = _gl, mode] {
+    gl->MatrixMode(RGL_PROJECTION);
+    gl->PopMatrix();
+    gl->MatrixMode(RGL_MODELVIEW);
+    gl->PopMatrix();
+    gl->MatrixMode(static_cast<GlEnum>(mode));
+  });
+}
+
+namespace {
+
+/// Truncated toward zero; what no int can hold becomes the nearest int, NaN becomes 0.
+int ToInt(float p_value) {
+  constexpr float limit = 2147483648.0F; // 2^31, one above the largest int
+  if (p_value >= limit)
+    return std::numeric_limits<int>::max();
+  if (p_value < -limit)
+    return std::numeric_limits<int>::min();
+  return p_value != p_value ? 0 : static_cast<int>(p_value);
+}
+
+} // namespace
+
+void Rgl::Viewport(const Types::Viewport<0>& p_viewport) const {
+  Viewport(ToInt(p_viewport.x), ToInt(p_viewport.y), ToInt(p_viewport.width), ToInt(p_viewport.height));
+}
+
+void Rgl::ClearColor(const QColor& p_color) const {
+  ClearColor(static_cast<float>(p_color.redF()), static_cast<float>(p_color.greenF()),
+             static_cast<float>(p_color.blueF()), static_cast<float>(p_color.alphaF()));
+}
+
+boost::shared_ptr<void> Rgl::PushAttribScope(GlBitfield p_mask) const {
+  PushAttrib(p_mask);
+  return MakeGuard([gl = _gl] { gl->PopAttrib(); });
+}
+
+boost::shared_ptr<Texture> Rgl::GenTexture() const {
+  return boost::make_shared<Texture>(_gl);
+}
+
+void Rgl::Bind(const boost::shared_ptr<Texture>& p_texture, TexSamplerType p_sampler) const {
+  VEK_CHECK_POINTER(p_texture, "void __cdecl Vek::Chart::Ogl::Rgl::Bind(const class boost::shared_ptr<class "
+                               "Vek::Chart::Ogl::Texture> &,enum Vek::Chart::Ogl::Rgl::TexSamplerType) const");
+  BindTexture(p_sampler, p_texture ? p_texture->Name() : 0);
+}
+
+boost::shared_ptr<DisplayList> Rgl::GenDisplayList() const {
+  return boost::make_shared<DisplayList>(_gl);
+}
+
+boost::shared_ptr<FrameBufferObject> Rgl::GenFrameBufferObject() const {
+  return boost::make_shared<FrameBufferObject>(_gl);
+}
+
+boost::shared_ptr<RenderBuffer> Rgl::GenRenderBuffer() const {
+  return boost::make_shared<RenderBuffer>(_gl);
+}
+
+boost::shared_ptr<void> Rgl::BindScope(const boost::shared_ptr<FrameBufferObject>& p_target) const {
+  if (!VEK_CHECK_POINTER(p_target, "class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::Rgl::BindScope(const class "
+                                   "boost::shared_ptr<class Vek::Chart::Ogl::FrameBufferObject> &) const"))
+    return MakeGuard([] {});
+  int draw = 0;
+  int read = 0;
+  GetIntegerv(RGL_DRAW_FRAMEBUFFER_BINDING, &draw);
+  GetIntegerv(RGL_READ_FRAMEBUFFER_BINDING, &read);
+  BindFramebuffer(RGL_FRAMEBUFFER, p_target->Name());
+  // The guard holds the target: a frame buffer that is deleted while bound would leave the default one bound.
+  return MakeGuard([gl = _gl, p_target, draw, read] {
+    gl->BindFramebuffer(RGL_DRAW_FRAMEBUFFER, static_cast<unsigned int>(draw));
+    gl->BindFramebuffer(RGL_READ_FRAMEBUFFER, static_cast<unsigned int>(read));
+  });
+}
+
+BufferPool& Rgl::GetBufferPool() const {
+  return *_buffer_pool;
+}
+
+namespace {
+
+std::string_view TextOf(const unsigned char* p_text) {
+  return p_text == nullptr ? std::string_view() : reinterpret_cast<const char*>(p_text);
+}
+
+/// "major.minor[.patch]", whatever follows; 0.0.0 when there is no such text.
+Utility::VersionNo ParseVersion(std::string_view p_text) {
+  int parts[3] = {0, 0, 0};
+  const char* position = p_text.data();
+  const char* const end = position + p_text.size();
+  for (int& part : parts) {
+    const std::from_chars_result result = std::from_chars(position, end, part);
+    if (result.ec != std::errc() || result.ptr == end || *result.ptr != '.')
+      break;
+    position = result.ptr + 1;
+  }
+  return {parts[0], parts[1], parts[2]};
+}
+
+/// What a feature needs: a GL version, or all extensions of one of the two lists (blank-separated).
+struct FeatureRule {
+  DeviceFeatures::Feature feature;
+  Utility::VersionNo version;
+  std::string_view extensions;
+  std::string_view other_extensions;
+};
+
+constexpr FeatureRule g_feature_rules[] = {
+    {DeviceFeatures::FeatureFrameBufferObject, {3, 0, 0}, "GL_ARB_framebuffer_object", ""},
+    {DeviceFeatures::FeatureFloatTextures, {3, 0, 0}, "GL_ARB_texture_float", ""},
+    {DeviceFeatures::FeatureInstancing, {3, 3, 0}, "GL_ARB_draw_instanced GL_ARB_instanced_arrays", ""},
+    {DeviceFeatures::FeatureSrgbFrameBuffer, {3, 0, 0}, "GL_ARB_framebuffer_sRGB", "GL_EXT_framebuffer_sRGB"},
+    {DeviceFeatures::FeatureMultisampleFrameBuffer, {3, 0, 0}, "GL_ARB_framebuffer_object", ""},
+    {DeviceFeatures::FeatureVolumeTextures, {1, 2, 0}, "GL_EXT_texture3D", ""},
+};
+
+std::set<std::string_view> Words(std::string_view p_text) {
+  std::set<std::string_view> words;
+  while (!p_text.empty()) {
+    const std::size_t length = std::min(p_text.find(' '), p_text.size());
+    if (length != 0)
+      words.insert(p_text.substr(0, length));
+    p_text.remove_prefix(std::min(length + 1, p_text.size()));
+  }
+  return words;
+}
+
+bool ContainsAll(const std::set<std::string_view>& p_words, std::string_view p_wanted) {
+  for (const std::string_view word : Words(p_wanted))
+    if (p_words.count(word) == 0)
+      return false;
+  return !p_wanted.empty();
+}
+
+} // namespace
+
+Utility::VersionNo Rgl::GlVersion() const {
+  return ParseVersion(TextOf(GetString(RGL_VERSION)));
+}
+
+const DeviceFeatures& Rgl::Features() const {
+  if (_features)
+    return *_features;
+  const Utility::VersionNo version = GlVersion();
+  // Newer contexts have everything in their core, and some of them no longer know the list of extensions.
+  const std::set<std::string_view> extensions =
+      version < Utility::VersionNo(3, 3, 0) ? Words(TextOf(GetString(RGL_EXTENSIONS))) : std::set<std::string_view>();
+  std::set<DeviceFeatures::Feature> supported;
+  for (const FeatureRule& rule : g_feature_rules)
+    if (version >= rule.version || ContainsAll(extensions, rule.extensions) ||
+        ContainsAll(extensions, rule.other_extensions))
+      supported.insert(rule.feature);
+  _features = std::make_unique<const DeviceFeatures>(std::move(supported));
+  return *_features;
+}
+
+int Rgl::GetMaxTextureSize() const {
+  int size = 0;
+  GetIntegerv(RGL_MAX_TEXTURE_SIZE, &size);
+  return size;
+}
+
+namespace {
+
+std::string ErrorName(GlEnum p_error) {
+  switch (p_error) {
+  case RGL_INVALID_ENUM:
+    return "GL_INVALID_ENUM";
+  case RGL_INVALID_VALUE:
+    return "GL_INVALID_VALUE";
+  case RGL_INVALID_OPERATION:
+    return "GL_INVALID_OPERATION";
+  case RGL_STACK_OVERFLOW:
+    return "GL_STACK_OVERFLOW";
+  case RGL_STACK_UNDERFLOW:
+    return "GL_STACK_UNDERFLOW";
+  case RGL_OUT_OF_MEMORY:
+    return "GL_OUT_OF_MEMORY";
+  case RGL_INVALID_FRAMEBUFFER_OPERATION:
+    return "GL_INVALID_FRAMEBUFFER_OPERATION";
+  default:
+    return "GL error " + std::to_string(p_error);
+  }
+}
+
+} // namespace
+
+bool Rgl::CheckError(const std::string& p_location) const {
+  // A context has few error flags; a lost one, though, answers with errors for ever.
+  constexpr int most_errors = 32;
+  for (int count = 0; count < most_errors; ++count) {
+    const GlEnum error = GetError();
+    if (error == RGL_NO_ERROR)
+      return count == 0;
+    vekdebug::warn(ErrorName(error) + " - " + p_location);
+  }
+  return false;
+}
+
+} // namespace Vek::Chart::Ogl

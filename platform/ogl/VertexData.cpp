@@ -1,0 +1,173 @@
+#include "platform/ogl/VertexData.h"
+
+#include "platform/debug/Check.h"
+#include "platform/ogl/Guard.h"
+#include "platform/ogl/Rgl.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+namespace Vek::Chart::Ogl {
+namespace {
+
+VertexData::Array MakeArray(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
+                            VertexData::ComponentType p_type) {
+  if (!p_data || p_count == 0)
+    return {};
+  return {p_data, p_count, p_components, p_type};
+}
+
+} // namespace
+
+VertexData::VertexData()
+    : _primitive_type(VertexBuffer::Undecided, Types::Property<VertexBuffer::PrimitiveType>::ChangedBit) {}
+
+void VertexData::SetVertices(const boost::shared_ptr<const void>& p_data, std::size_t p_count,
+                             unsigned int p_components, ComponentType p_type) {
+  _vertices = MakeArray(p_data, p_count, p_components, p_type);
+}
+void VertexData::SetNormals(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
+                            ComponentType p_type) {
+  _normals = MakeArray(p_data, p_count, p_components, p_type);
+}
+void VertexData::SetTexCoords(const boost::shared_ptr<const void>& p_data, std::size_t p_count,
+                              unsigned int p_components, ComponentType p_type) {
+  _tex_coords = MakeArray(p_data, p_count, p_components, p_type);
+}
+void VertexData::SetIndices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, ComponentType p_type) {
+  _indices = MakeArray(p_data, p_count, 1, p_type);
+}
+
+namespace {
+
+std::optional<GlEnum> Mode(const Types::Property<VertexBuffer::PrimitiveType>& p_type) {
+  constexpr GlEnum modes[] = {RGL_POINTS,         RGL_LINES,           RGL_LINE_STRIP, RGL_TRIANGLES,
+                              RGL_TRIANGLE_STRIP, RGL_LINES_ADJACENCY, RGL_QUAD_STRIP, RGL_QUADS};
+  const unsigned int number = p_type.Value();
+  if (!p_type.Defined() || number >= std::size(modes))
+    return std::nullopt;
+  return modes[number];
+}
+
+/// Whether GL takes such elements for a fixed vertex attribute.
+bool Drawable(const VertexData::Array& p_array, unsigned int p_least, unsigned int p_most) {
+  return (p_array.type == VertexData::Float || p_array.type == VertexData::Double) && p_array.components >= p_least &&
+         p_array.components <= p_most;
+}
+
+template <class T>
+std::size_t Largest(const VertexData::Array& p_indices) {
+  return *std::max_element(p_indices.As<T>(), p_indices.As<T>() + p_indices.count);
+}
+
+/// Whether all indices are below the end. They are looked at in each draw call, since their owner may have changed
+/// them.
+bool IndicesBelow(const VertexData::Array& p_indices, std::size_t p_end) {
+  switch (p_indices.type) {
+  case VertexData::UnsignedByte:
+    return Largest<unsigned char>(p_indices) < p_end;
+  case VertexData::UnsignedShort:
+    return Largest<unsigned short>(p_indices) < p_end;
+  case VertexData::UnsignedInt:
+    return Largest<unsigned int>(p_indices) < p_end;
+  default:
+    return false;
+  }
+}
+
+/// Whether everything can be drawn; reports the first reason why not.
+bool CheckArrays(const VertexData& p_data, const char* p_signature) {
+  const VertexData::Array& vertices = p_data.Vertices();
+  const VertexData::Array& normals = p_data.Normals();
+  const VertexData::Array& tex_coords = p_data.TexCoords();
+  const VertexData::Array& indices = p_data.Indices();
+  const std::size_t count = indices.Empty() ? vertices.count : indices.count;
+  const auto check = [p_signature](bool p_holds, const char* p_expression) {
+    return VEK_ENSURE_TEXT(p_holds, p_expression, p_signature);
+  };
+  return check(!vertices.Empty(), "!_vertices.Empty()") &&
+         check(Mode(p_data.PrimitiveType()).has_value(), "_primitive_type.Defined() && _primitive_type != Undecided") &&
+         check(Drawable(vertices, 2, 4), "Drawable(_vertices, 2, 4)") &&
+         check(normals.Empty() || Drawable(normals, 3, 3), "_normals.Empty() || Drawable(_normals, 3, 3)") &&
+         check(tex_coords.Empty() || Drawable(tex_coords, 1, 4), "_texCoords.Empty() || Drawable(_texCoords, 1, 4)") &&
+         check(normals.Empty() || normals.count >= vertices.count,
+               "_normals.Empty() || _normals.count >= _vertices.count") &&
+         check(tex_coords.Empty() || tex_coords.count >= vertices.count,
+               "_texCoords.Empty() || _texCoords.count >= _vertices.count") &&
+         check(count <= static_cast<std::size_t>(std::numeric_limits<int>::max()), "count <= INT_MAX") &&
+         check(indices.Empty() || IndicesBelow(indices, vertices.count), "_indices < _vertices.count");
+}
+
+/// Keeps the client arrays and buffer bindings as they are until it is released; no buffer is bound meanwhile.
+boost::shared_ptr<void> ClientArrayScope(const Rgl& p_gl) {
+  int array_buffer = 0;
+  int element_buffer = 0;
+  p_gl.GetIntegerv(RGL_ARRAY_BUFFER_BINDING, &array_buffer);
+  p_gl.GetIntegerv(RGL_ELEMENT_ARRAY_BUFFER_BINDING, &element_buffer);
+  p_gl.PushClientAttrib(RGL_CLIENT_VERTEX_ARRAY_BIT);
+  p_gl.BindBuffer(RGL_ARRAY_BUFFER, 0);
+  p_gl.BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, 0);
+  return MakeGuard([gl = p_gl.Functions(), array_buffer, element_buffer] {
+    gl->PopClientAttrib();
+    gl->BindBuffer(RGL_ARRAY_BUFFER, static_cast<unsigned int>(array_buffer));
+    gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, static_cast<unsigned int>(element_buffer));
+  });
+}
+
+void EnableArray(const Rgl& p_gl, GlEnum p_array, bool p_enable) {
+  if (p_enable)
+    p_gl.EnableClientState(p_array);
+  else
+    p_gl.DisableClientState(p_array);
+}
+
+void SetPointers(const Rgl& p_gl, const VertexData& p_data) {
+  const VertexData::Array& vertices = p_data.Vertices();
+  const VertexData::Array& normals = p_data.Normals();
+  const VertexData::Array& tex_coords = p_data.TexCoords();
+  EnableArray(p_gl, RGL_VERTEX_ARRAY, true);
+  EnableArray(p_gl, RGL_NORMAL_ARRAY, !normals.Empty());
+  EnableArray(p_gl, RGL_TEXTURE_COORD_ARRAY, !tex_coords.Empty());
+  p_gl.VertexPointer(static_cast<int>(vertices.components), vertices.type, 0, vertices.data.get());
+  if (!normals.Empty())
+    p_gl.NormalPointer(normals.type, 0, normals.data.get());
+  if (!tex_coords.Empty())
+    p_gl.TexCoordPointer(static_cast<int>(tex_coords.components), tex_coords.type, 0, tex_coords.data.get());
+}
+
+} // namespace
+
+void VertexData::Draw(Utility::Scoped<Rgl>& p_gl) const {
+  if (!CheckArrays(*this, "void __cdecl Vek::Chart::Ogl::VertexData::Draw(class Vek::Chart::Utility::Scoped<class "
+                          "Vek::Chart::Ogl::Rgl> &) const"))
+    return;
+  const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
+  SetPointers(*p_gl, *this);
+  const GlEnum mode = *Mode(_primitive_type);
+  if (_indices.Empty())
+    p_gl->DrawArrays(mode, 0, static_cast<int>(_vertices.count));
+  else
+    p_gl->DrawElements(mode, static_cast<int>(_indices.count), _indices.type, _indices.data.get());
+}
+
+void VertexData::Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const {
+  constexpr const char* signature =
+      "void __cdecl Vek::Chart::Ogl::VertexData::Draw(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> "
+      "&,unsigned int) const";
+  if (p_instances == 0 || !CheckArrays(*this, signature) ||
+      !VEK_ENSURE_TEXT(p_instances <= static_cast<unsigned int>(std::numeric_limits<int>::max()),
+                       "p_instances <= INT_MAX", signature) ||
+      !VEK_ENSURE(p_gl->Features().Supported(DeviceFeatures::FeatureInstancing), signature))
+    return;
+  const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
+  SetPointers(*p_gl, *this);
+  const GlEnum mode = *Mode(_primitive_type);
+  const int instances = static_cast<int>(p_instances);
+  if (_indices.Empty())
+    p_gl->DrawArraysInstanced(mode, 0, static_cast<int>(_vertices.count), instances);
+  else
+    p_gl->DrawElementsInstanced(mode, static_cast<int>(_indices.count), _indices.type, _indices.data.get(), instances);
+}
+
+} // namespace Vek::Chart::Ogl
