@@ -1,0 +1,12 @@
+#pragma once
+
+/// Marks what `Vek::ChartLibrary` exports of this folder.
+#if defined(_WIN32)
+#if defined(VEK_LIBRARY_BUILD)
+#define VEK_ALGORITHMS_API __declspec(dllexport)
+#else
+#define VEK_ALGORITHMS_API __declspec(dllimport)
+#endif
+#else
+#define VEK_ALGORITHMS_API __attribute__((visibility("default")))
+#endif
