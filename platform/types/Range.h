@@ -4,11 +4,13 @@
 
 namespace Vek::Chart::Types {
 
-/// The smallest and the largest of the values added; a new one is empty (minimum above maximum).
+/// The smallest and the largest of the values added; a new one is empty: its minimum is the largest value of the type
+/// (infinity where there is one), its maximum the smallest.
 template <class T>
 struct MinMax_Base {
-  T min = std::numeric_limits<T>::max();
-  T max = std::numeric_limits<T>::lowest();
+  using Limits = std::numeric_limits<T>;
+  T min = Limits::has_infinity ? Limits::infinity() : Limits::max();
+  T max = Limits::has_infinity ? -Limits::infinity() : Limits::lowest();
 
   constexpr MinMax_Base() = default;
   constexpr MinMax_Base(T p_min, T p_max)
