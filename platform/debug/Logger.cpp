@@ -1,6 +1,7 @@
 #include "platform/debug/Logger.h"
 
 #include <iostream>
+#include <list>
 #include <map>
 #include <mutex>
 #include <set>
@@ -56,7 +57,7 @@ public:
   }
 };
 
-/// A stream together with its buffer, one for each thread and channel, so that lines of two threads never mix.
+/// A stream together with its buffer.
 class owned_stream {
 public:
   owned_stream(logger& p_logger, severity p_kind, const std::string& p_channel)
@@ -82,6 +83,49 @@ private:
   line_buffer _buffer;
   dbgostream _stream;
 };
+
+/// The streams of one thread: each thread has its own, so that lines of two threads never mix.
+class thread_streams {
+public:
+  explicit thread_streams(bool& p_ended)
+      : _ended(p_ended) {}
+  ~thread_streams() { _ended = true; }
+
+  owned_stream& errors(logger& p_logger) {
+    if (!_errors)
+      _errors = std::make_unique<owned_stream>(p_logger, severity::error, std::string());
+    return *_errors;
+  }
+  owned_stream& channel(logger& p_logger, const std::string& p_name) {
+    std::unique_ptr<owned_stream>& stream = _channels[p_name];
+    if (!stream)
+      stream = std::make_unique<owned_stream>(p_logger, severity::debug, p_name);
+    return *stream;
+  }
+
+private:
+  bool& _ended;
+  std::unique_ptr<owned_stream> _errors;
+  std::map<std::string, std::unique_ptr<owned_stream>> _channels;
+};
+
+/// The calling thread's streams. Destructors of static and thread-local objects may report after the thread's streams
+/// are gone; they get others, which are kept for the life of the process.
+thread_streams& streams_of_this_thread() {
+  thread_local bool ended = false;
+  thread_local thread_streams* late = nullptr;
+  if (!ended) {
+    thread_local thread_streams streams(ended);
+    return streams;
+  }
+  if (late == nullptr) {
+    static std::mutex mutex;
+    static auto* const kept = new std::list<thread_streams>;
+    const std::lock_guard<std::mutex> lock(mutex);
+    late = &kept->emplace_back(ended);
+  }
+  return *late;
+}
 
 } // namespace
 
@@ -136,16 +180,11 @@ void logger::chkrng(std::uint64_t p_value, std::uint64_t p_first, std::uint64_t 
 }
 
 dbgostream& logger::dout(const std::string& p_channel) {
-  thread_local std::map<std::string, std::unique_ptr<owned_stream>> streams;
-  std::unique_ptr<owned_stream>& channel = streams[p_channel];
-  if (!channel)
-    channel = std::make_unique<owned_stream>(*this, severity::debug, p_channel);
-  return channel->stream(is_open(p_channel));
+  return streams_of_this_thread().channel(*this, p_channel).stream(is_open(p_channel));
 }
 
 dbgostream& logger::derr() {
-  thread_local owned_stream stream(*this, severity::error, {});
-  return stream.stream(true);
+  return streams_of_this_thread().errors(*this).stream(true);
 }
 
 void logger::open(const std::string& p_channel) {
