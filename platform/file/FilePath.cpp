@@ -23,8 +23,8 @@ filepath operator+(const filepath& p_directory, const filepath& p_name) {
   const std::size_t first = p_name._path.find_first_not_of('/');
   if (first == std::string::npos)
     return p_directory;
-  const bool separated = p_directory._path.back() == '/';
-  return p_directory._path + (separated ? "" : "/") + p_name._path.substr(first);
+  const std::size_t end = p_directory._path.find_last_not_of('/') + 1; // 0 for the root folder
+  return p_directory._path.substr(0, end) + '/' + p_name._path.substr(first);
 }
 
 bool fileexists(const filepath& p_path) {

@@ -1,0 +1,50 @@
+#include "platform/file/FilePath.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using vekfile::fileexists;
+using vekfile::filepath;
+
+TEST(FilePath, JoinsWithExactlyOneSeparator) {
+  const struct {
+    const char* directory;
+    const char* name;
+    const char* expected;
+  } rows[] = {
+      {"a", "b", "a/b"},
+      {"a/", "b", "a/b"},
+      {"a", "/b", "a/b"},
+      {"a//", "//b", "a/b"},
+      {"/", "b", "/b"},
+      {"", "b", "b"},
+      {"a", "", "a"},
+      {"", "", ""},
+      {"a/b", "c/", "a/b/c/"},
+      {"a", "/", "a"},
+      {"\xc3\xa4", "\xc3\xb6", "\xc3\xa4/\xc3\xb6"},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ((filepath(row.directory) + row.name).str(), row.expected) << row.directory << " + " << row.name;
+}
+
+TEST(FilePath, IsInvalidWhenEmptyOrCutByAZeroByte) {
+  EXPECT_FALSE(filepath().valid());
+  EXPECT_FALSE(filepath("").valid());
+  EXPECT_FALSE(filepath(static_cast<const char*>(nullptr)).valid());
+  EXPECT_FALSE(filepath(std::string("a\0b", 3)).valid());
+  EXPECT_TRUE(filepath("a b").valid());
+  EXPECT_EQ(filepath("a"), filepath(std::string("a")));
+  EXPECT_NE(filepath("a"), filepath("A"));
+}
+
+TEST(FilePath, ExistsForFilesAndFolders) {
+  const filepath root(VEK_SOURCE_DIR);
+  EXPECT_TRUE(fileexists(root));
+  EXPECT_TRUE(fileexists(root + "CMakeLists.txt"));
+  EXPECT_FALSE(fileexists(root + "CMakeLists.txt/x"));
+  EXPECT_FALSE(fileexists(root + "no such file"));
+  EXPECT_FALSE(fileexists(filepath()));
+  EXPECT_FALSE(fileexists(filepath((root + "CMakeLists.txt").str() + std::string("\0x", 2))));
+}
