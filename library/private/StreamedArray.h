@@ -1,0 +1,81 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace Vek::Chart::Library::Private {
+
+/// Fills a large array from front to back through a small buffer. Whole cache lines go to memory without being read
+/// first, which triples the rate where an array is too large for the caches anyway.
+template <class T>
+class StreamedArray {
+public:
+  /// The most elements that can be taken at a time.
+  static constexpr std::size_t Capacity = 8192 / sizeof(T);
+
+  /// `p_past_caches`: the array is so large that keeping it out of the caches pays.
+  StreamedArray(T* p_target, bool p_past_caches)
+      : _target(p_target)
+      , _past_caches(p_past_caches) {}
+  ~StreamedArray() {
+    Flush(_fill);
+#if defined(__SSE2__)
+    if (_past_caches)
+      _mm_sfence();
+#endif
+  }
+  StreamedArray(const StreamedArray&) = delete;
+  StreamedArray& operator=(const StreamedArray&) = delete;
+
+  /// The next `p_count` elements, to be written before the next call.
+  T* Take(std::size_t p_count) {
+    if (_fill + p_count > Capacity)
+      FlushLines();
+    T* const room = _buffer + _fill;
+    _fill += p_count;
+    return room;
+  }
+
+private:
+  static constexpr std::size_t Line = 64;
+
+  /// Moves out everything up to the last border between cache lines of the target.
+  void FlushLines() {
+    const std::size_t past_line = reinterpret_cast<std::uintptr_t>(_target + _fill) % Line / sizeof(T);
+    Flush(_fill - std::min(past_line, _fill));
+  }
+  void Flush(std::size_t p_count) {
+    Copy(p_count);
+    _target += p_count;
+    _fill -= p_count;
+    std::memmove(_buffer, _buffer + p_count, _fill * sizeof(T));
+  }
+  void Copy(std::size_t p_count) {
+    std::size_t done = 0;
+#if defined(__SSE2__)
+    if (_past_caches) {
+      const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(_target) % Line;
+      const std::size_t head = misaligned == 0 ? 0 : std::min((Line - misaligned) / sizeof(T), p_count);
+      std::memcpy(_target, _buffer, head * sizeof(T));
+      constexpr std::size_t Step = sizeof(__m128i) / sizeof(T);
+      for (done = head; done + Step <= p_count; done += Step)
+        _mm_stream_si128(reinterpret_cast<__m128i*>(_target + done),
+                         _mm_loadu_si128(reinterpret_cast<const __m128i*>(_buffer + done)));
+    }
+#endif
+    std::memcpy(_target + done, _buffer + done, (p_count - done) * sizeof(T));
+  }
+
+  T* _target;
+  bool _past_caches;
+  std::size_t _fill = 0;
+  alignas(Line) T _buffer[Capacity + Line / sizeof(T)];
+};
+
+} // namespace Vek::Chart::Library::Private
