@@ -1,0 +1,317 @@
+#pragma once
+
+#include "platform/ogl/RecordingGl.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace Vek::Chart::Ogl::Recording {
+
+/// Every GL function, doing nothing and returning 0; object names that should come back are 0.
+struct Defaults {
+#define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \
+  p_result p_name p_parameters {                                                                                       \
+    Nothing p_arguments;                                                                                               \
+    return static_cast<p_result>(0);                                                                                   \
+  }
+#include "platform/ogl/GlFunctionList.h"
+
+private:
+  template <class... Arguments>
+  void Nothing(const Arguments&...) {}
+  void Nothing(int p_count, unsigned int* p_names) {
+    std::fill_n(p_names, std::max(0, p_count), 0U);
+  }
+};
+
+using Matrix = std::array<double, 16>; ///< column by column, as GL has it
+
+/// What `RecordingGl` knows of a context. Functions of GL that it simulates hide those of Defaults; every other one
+/// passes without effect.
+class Model : public Defaults {
+public:
+  // Immediate mode.
+  void Begin(GlEnum p_mode);
+  void End();
+  void Vertex2i(int, int) { CountVertex("Vertex2i"); }
+  void Vertex3d(double, double, double) { CountVertex("Vertex3d"); }
+  void Color4d(double p_red, double p_green, double p_blue, double p_alpha);
+  void Normal3d(double p_x, double p_y, double p_z);
+
+  // Matrices.
+  void MatrixMode(GlEnum p_mode);
+  void LoadIdentity();
+  void LoadMatrixd(const double* p_elements);
+  void MultMatrixd(const double* p_elements);
+  void PushMatrix();
+  void PopMatrix();
+  void Translated(double p_x, double p_y, double p_z);
+  void Scaled(double p_x, double p_y, double p_z);
+  void Rotated(double p_degrees, double p_x, double p_y, double p_z);
+  void Ortho(double p_left, double p_right, double p_bottom, double p_top, double p_near, double p_far);
+
+  // State.
+  void Enable(GlEnum p_capability) { Set(p_capability, {1}); }
+  void Disable(GlEnum p_capability) { Set(p_capability, {0}); }
+  GlBoolean IsEnabled(GlEnum p_capability) { return Enabled(p_capability) ? 1 : 0; }
+  void PushAttrib(GlBitfield p_mask) { Push(_context.attribute_stack, p_mask, false); }
+  void PopAttrib() { Pop(_context.attribute_stack, "PopAttrib"); }
+  void PushClientAttrib(GlBitfield p_mask) { Push(_client_stack, p_mask, true); }
+  void PopClientAttrib() { Pop(_client_stack, "PopClientAttrib"); }
+  void Viewport(int p_x, int p_y, int p_width, int p_height);
+  void Scissor(int p_x, int p_y, int p_width, int p_height);
+  void ClearColor(float p_red, float p_green, float p_blue, float p_alpha);
+  void ColorMask(GlBoolean p_red, GlBoolean p_green, GlBoolean p_blue, GlBoolean p_alpha);
+  void DepthFunc(GlEnum p_function) { Set(RGL_DEPTH_FUNC, {double(p_function)}); }
+  void DepthMask(GlBoolean p_write) { Set(RGL_DEPTH_WRITEMASK, {double(p_write)}); }
+  void BlendFunc(GlEnum p_source, GlEnum p_destination);
+  void BlendFuncSeparate(GlEnum p_source, GlEnum p_destination, GlEnum p_source_alpha, GlEnum p_destination_alpha);
+  void CullFace(GlEnum p_face) { Set(RGL_CULL_FACE_MODE, {double(p_face)}); }
+  void FrontFace(GlEnum p_winding) { Set(RGL_FRONT_FACE, {double(p_winding)}); }
+  void ShadeModel(GlEnum p_model) { Set(RGL_SHADE_MODEL, {double(p_model)}); }
+  void PolygonMode(GlEnum p_face, GlEnum p_mode);
+  void PolygonStipple(const unsigned char* p_mask) { std::copy_n(p_mask, stipple_mask.size(), stipple_mask.begin()); }
+  void LineStipple(int p_factor, unsigned short p_pattern);
+  void LineWidth(float p_width);
+  void PointSize(float p_size);
+
+  // Queries.
+  GlEnum GetError();
+  const unsigned char* GetString(GlEnum p_name);
+  void GetIntegerv(GlEnum p_name, int* p_values) { Get(p_name, p_values); }
+  void GetFloatv(GlEnum p_name, float* p_values) { Get(p_name, p_values); }
+  void GetDoublev(GlEnum p_name, double* p_values) { Get(p_name, p_values); }
+
+  // Textures and pixels.
+  void ActiveTexture(GlEnum p_unit) { Set(RGL_ACTIVE_TEXTURE, {double(p_unit)}); }
+  void ClientActiveTexture(GlEnum p_unit) { Set(RGL_CLIENT_ACTIVE_TEXTURE, {double(p_unit)}); }
+  void GenTextures(int p_count, unsigned int* p_names) { Generate("texture", p_count, p_names); }
+  void DeleteTextures(int p_count, const unsigned int* p_names);
+  void BindTexture(GlEnum p_target, unsigned int p_name);
+  void TexParameteri(GlEnum p_target, GlEnum p_name, int p_value);
+  void TexEnvi(GlEnum, GlEnum p_name, int p_value) { Set(p_name, {double(p_value)}); }
+  void PixelStorei(GlEnum p_name, int p_value) { Set(p_name, {double(p_value)}); }
+  void TexImage2D(GlEnum p_target, int p_level, int p_internal_format, int p_width, int p_height, int p_border,
+                  GlEnum p_format, GlEnum p_type, const void* p_pixels);
+  void TexImage3D(GlEnum p_target, int p_level, int p_internal_format, int p_width, int p_height, int p_depth,
+                  int p_border, GlEnum p_format, GlEnum p_type, const void* p_pixels);
+  void GetTexImage(GlEnum p_target, int p_level, GlEnum p_format, GlEnum p_type, void* p_pixels);
+  void GetTexLevelParameteriv(GlEnum p_target, int p_level, GlEnum p_name, int* p_values);
+  void GenerateMipmap(GlEnum p_target);
+  void ReadPixels(int p_x, int p_y, int p_width, int p_height, GlEnum p_format, GlEnum p_type, void* p_pixels);
+
+  // Display lists.
+  unsigned int GenLists(int p_count);
+  void DeleteLists(unsigned int p_name, int p_count);
+  void NewList(unsigned int p_name, GlEnum p_mode);
+  void EndList();
+  void CallList(unsigned int p_name);
+
+  // Buffers and vertex arrays.
+  void GenBuffers(int p_count, unsigned int* p_names) { Generate("buffer", p_count, p_names); }
+  void DeleteBuffers(int p_count, const unsigned int* p_names);
+  void BindBuffer(GlEnum p_target, unsigned int p_name);
+  void BufferData(GlEnum p_target, GlSize p_size, const void* p_data, GlEnum p_usage);
+  void BufferSubData(GlEnum p_target, GlSize p_offset, GlSize p_size, const void* p_data);
+  void GetBufferSubData(GlEnum p_target, GlSize p_offset, GlSize p_size, void* p_data);
+  void* MapBufferRange(GlEnum p_target, GlSize p_offset, GlSize p_length, GlBitfield p_access);
+  GlBoolean UnmapBuffer(GlEnum p_target);
+  void EnableClientState(GlEnum p_array) { Arrays()[p_array].enabled = true; }
+  void DisableClientState(GlEnum p_array) { Arrays()[p_array].enabled = false; }
+  void VertexPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
+  void NormalPointer(GlEnum p_type, int p_stride, const void* p_pointer);
+  void ColorPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
+  void TexCoordPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
+  void EnableVertexAttribArray(unsigned int p_index) { Arrays()[p_index].enabled = true; }
+  void DisableVertexAttribArray(unsigned int p_index) { Arrays()[p_index].enabled = false; }
+  void VertexAttribPointer(unsigned int p_index, int p_size, GlEnum p_type, GlBoolean p_normalized, int p_stride,
+                           const void* p_pointer);
+  void VertexAttribDivisor(unsigned int p_index, unsigned int p_divisor) { Arrays()[p_index].divisor = p_divisor; }
+  void DrawArrays(GlEnum p_mode, int p_first, int p_count) { Draw("DrawArrays", p_mode, p_first, p_count, 1); }
+  void DrawElements(GlEnum p_mode, int p_count, GlEnum p_type, const void* p_indices);
+  void DrawArraysInstanced(GlEnum p_mode, int p_first, int p_count, int p_instances);
+  void DrawElementsInstanced(GlEnum p_mode, int p_count, GlEnum p_type, const void* p_indices, int p_instances);
+
+  // Frame buffers.
+  void GenFramebuffers(int p_count, unsigned int* p_names) { Generate("frame buffer", p_count, p_names); }
+  void DeleteFramebuffers(int p_count, const unsigned int* p_names);
+  void BindFramebuffer(GlEnum p_target, unsigned int p_name);
+  void FramebufferTexture2D(GlEnum p_target, GlEnum p_attachment, GlEnum, unsigned int p_name, int p_level);
+  void FramebufferRenderbuffer(GlEnum p_target, GlEnum p_attachment, GlEnum, unsigned int p_name);
+  GlEnum CheckFramebufferStatus(GlEnum p_target);
+  void GenRenderbuffers(int p_count, unsigned int* p_names) { Generate("renderbuffer", p_count, p_names); }
+  void DeleteRenderbuffers(int p_count, const unsigned int* p_names);
+  void BindRenderbuffer(GlEnum p_target, unsigned int p_name);
+
+  // Shaders.
+  unsigned int CreateShader(GlEnum p_type);
+  void DeleteShader(unsigned int p_name);
+  void ShaderSource(unsigned int p_name, int p_count, const char* const* p_texts, const int* p_lengths);
+  void CompileShader(unsigned int p_name);
+  void GetShaderiv(unsigned int p_name, GlEnum p_what, int* p_values);
+  void GetShaderInfoLog(unsigned int p_name, int p_room, int* p_length, char* p_text);
+  unsigned int CreateProgram();
+  void DeleteProgram(unsigned int p_name);
+  void AttachShader(unsigned int p_program, unsigned int p_shader);
+  void LinkProgram(unsigned int p_name);
+  void GetProgramiv(unsigned int p_name, GlEnum p_what, int* p_values);
+  void GetProgramInfoLog(unsigned int p_name, int p_room, int* p_length, char* p_text);
+  void UseProgram(unsigned int p_name);
+  int GetUniformLocation(unsigned int p_program, const char* p_uniform);
+
+  // Quadrics.
+  GlQuadric* NewQuadric();
+  void DeleteQuadric(GlQuadric* p_quadric);
+  void QuadricDrawStyle(GlQuadric* p_quadric, GlEnum) { NeedQuadric("QuadricDrawStyle", p_quadric); }
+  void QuadricNormals(GlQuadric* p_quadric, GlEnum) { NeedQuadric("QuadricNormals", p_quadric); }
+  void Cylinder(GlQuadric* p_quadric, double, double, double, int, int) { NeedQuadric("Cylinder", p_quadric); }
+  void Disk(GlQuadric* p_quadric, double, double, int, int) { NeedQuadric("Disk", p_quadric); }
+  void PartialDisk(GlQuadric* p_quadric, double, double, int, int, double, double) {
+    NeedQuadric("PartialDisk", p_quadric);
+  }
+  void Sphere(GlQuadric* p_quadric, double, int, int) { NeedQuadric("Sphere", p_quadric); }
+
+  // For the recorder.
+  /// Complains when a function is called between Begin and End that GL does not allow there.
+  void BeforeCall(const std::string& p_name);
+  void Complain(const std::string& p_text) { complaints.push_back(p_text); }
+  /// What would be left if everything ended now.
+  std::vector<std::string> Leftovers() const;
+  bool Enabled(GlEnum p_capability) const { return One(p_capability) != 0; }
+  /// The first value of a state variable, 0 where it has none.
+  double One(GlEnum p_name) const;
+  unsigned int OpenList() const { return _list; }
+
+  std::string version = "4.5.0 Recording";
+  std::string extensions;
+  std::string info_log = "recorded log";
+  std::map<GlEnum, std::vector<int>> answers;
+  std::deque<GlEnum> errors;
+  GlEnum framebuffer_status = RGL_FRAMEBUFFER_COMPLETE;
+  std::map<std::pair<int, int>, std::array<unsigned char, 4>> pixels;
+  std::vector<std::string> complaints;
+  std::array<unsigned char, 128> stipple_mask{};
+  std::map<unsigned int, RecordingGl::TextureObject> textures;
+  std::map<const GlQuadric*, int> quadric_numbers;
+
+  struct BufferObject {
+    std::vector<unsigned char> bytes;
+    /// A block of its own for the mapped range, so that memory checkers see its ends.
+    std::optional<std::vector<unsigned char>> mapping;
+    std::size_t mapping_offset = 0;
+    GlBitfield mapping_access = 0;
+  };
+  std::map<unsigned int, BufferObject> buffers;
+
+private:
+  using Values = std::vector<double>;
+  /// State variables by name; what exists once per texture unit has the unit's number in the upper half.
+  using Key = std::uint64_t;
+  using Variables = std::map<Key, Values>;
+  struct Array {
+    bool enabled = false;
+    int size = 4;
+    GlEnum type = RGL_FLOAT;
+    int stride = 0;
+    const void* pointer = nullptr;
+    unsigned int buffer = 0;
+    unsigned int divisor = 0;
+  };
+  /// Client arrays by GL's token, generic attributes by index.
+  using ArrayMap = std::map<unsigned int, Array>;
+  struct AttributeGroup {
+    GlBitfield mask = 0;
+    Variables variables;
+    ArrayMap arrays;
+  };
+  /// What a display list must not change while it is compiled.
+  struct Context {
+    Variables variables;
+    std::map<GlEnum, std::vector<Matrix>> matrices;
+    std::vector<AttributeGroup> attribute_stack;
+  };
+
+  Key KeyOf(GlEnum p_name) const;
+  void Set(GlEnum p_name, Values p_values) { _context.variables[KeyOf(p_name)] = std::move(p_values); }
+  template <class T>
+  void Get(GlEnum p_name, T* p_values);
+  std::optional<Values> Query(GlEnum p_name) const;
+  void Push(std::vector<AttributeGroup>& p_stack, GlBitfield p_mask, bool p_client);
+  void Pop(std::vector<AttributeGroup>& p_stack, const std::string& p_call);
+
+  void CountVertex(const std::string& p_call);
+  std::vector<Matrix>& Matrices();
+  const std::vector<Matrix>& Matrices(GlEnum p_mode) const;
+  void Multiply(const Matrix& p_right);
+
+  // Objects: which names of each kind exist.
+  void Generate(const std::string& p_kind, int p_count, unsigned int* p_names);
+  unsigned int NewName(const std::string& p_kind);
+  bool Exists(const std::string& p_kind, unsigned int p_name) const;
+  /// Complains unless the name exists; `p_call` is the function that wants it.
+  bool Need(const std::string& p_call, const std::string& p_kind, unsigned int p_name);
+  bool Remove(const std::string& p_call, const std::string& p_kind, unsigned int p_name);
+  void Unbind(GlEnum p_binding, unsigned int p_name);
+  bool NeedQuadric(const std::string& p_call, const GlQuadric* p_quadric);
+  std::map<std::string, std::set<unsigned int>> _names;
+  std::map<std::string, unsigned int> _made; // how many of each kind there ever were
+
+  // Pixels.
+  /// What one image occupies in client memory or in a bound pixel buffer.
+  struct PixelLayout {
+    std::size_t first = 0;
+    std::size_t row_bytes = 0;
+    std::size_t row_stride = 0;
+    std::size_t image_stride = 0;
+    std::size_t end = 0;
+  };
+  std::optional<PixelLayout> Layout(const std::string& p_call, bool p_unpack, int p_width, int p_height, int p_depth,
+                                    GlEnum p_format, GlEnum p_type);
+  void TexImage(const std::string& p_call, GlEnum p_target, int p_level, RecordingGl::TextureLevel p_image,
+                int p_border, const void* p_pixels);
+  RecordingGl::TextureObject* BoundTexture(const std::string& p_call, GlEnum p_target);
+  /// Where pixels are read from or written to: client memory, or the bound pixel buffer. Null when it is too small.
+  unsigned char* PixelMemory(const std::string& p_call, GlEnum p_binding, const void* p_pointer, std::size_t p_end);
+
+  // Buffers.
+  BufferObject* BoundBuffer(const std::string& p_call, GlEnum p_target);
+  BufferObject* BoundRange(const std::string& p_call, GlEnum p_target, GlSize p_offset, GlSize p_size);
+  ArrayMap& Arrays() { return _arrays; }
+  void SetArray(unsigned int p_array, int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
+  void Draw(const std::string& p_call, GlEnum p_mode, long long p_first, long long p_count, int p_instances);
+  void DrawIndexed(const std::string& p_call, GlEnum p_mode, int p_count, GlEnum p_type, const void* p_indices,
+                   int p_instances);
+  void CheckArrayEnds(const std::string& p_call, long long p_vertices, long long p_instances);
+  void Attach(const std::string& p_call, GlEnum p_target, GlEnum p_attachment, const std::string& p_kind,
+              unsigned int p_name);
+  void InfoLog(int p_room, int* p_length, char* p_text) const;
+  void Status(bool p_done, GlEnum p_status_name, GlEnum p_what, int* p_values) const;
+
+  Context _context;
+  std::vector<AttributeGroup> _client_stack;
+  ArrayMap _arrays;
+  std::optional<GlEnum> _primitive; // of an open Begin
+  std::size_t _vertices = 0;        // since Begin
+  unsigned int _list = 0;           // being compiled
+  std::optional<Context> _before_list;
+  std::set<unsigned int> _compiled; // shaders
+  std::set<unsigned int> _linked;
+  std::map<std::pair<unsigned int, std::string>, int> _uniforms;
+  std::map<GlEnum, RecordingGl::TextureLevel> _proxies;
+  std::map<const GlQuadric*, bool> _quadrics; // whether each still exists
+  std::deque<char> _quadric_addresses;
+};
+
+/// Bytes of one scalar of a GL type, 0 for unknown ones.
+std::size_t ScalarBytes(GlEnum p_type);
+/// Bytes of one pixel, 0 for an unknown combination.
+std::size_t PixelBytes(GlEnum p_format, GlEnum p_type);
+
+} // namespace Vek::Chart::Ogl::Recording

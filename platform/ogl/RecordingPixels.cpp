@@ -1,0 +1,298 @@
+// The recorder's textures and pixel transfers.
+
+#include "platform/ogl/RecordingModel.h"
+#include "platform/ogl/RecordingText.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace Vek::Chart::Ogl::Recording {
+namespace {
+
+std::string Name(GlEnum p_value) {
+  return EnumText(p_value, false);
+}
+
+std::size_t Components(GlEnum p_format) {
+  switch (p_format) {
+  case RGL_RED:
+  case RGL_ALPHA:
+  case RGL_LUMINANCE:
+  case RGL_DEPTH_COMPONENT:
+    return 1;
+  case RGL_RG:
+  case RGL_LUMINANCE_ALPHA:
+    return 2;
+  case RGL_RGB:
+    return 3;
+  case RGL_RGBA:
+  case RGL_BGRA:
+    return 4;
+  default:
+    return 0;
+  }
+}
+
+/// The state variable that holds what is bound to a texture target.
+GlEnum BindingOf(GlEnum p_target) {
+  switch (p_target) {
+  case RGL_TEXTURE_1D:
+    return RGL_TEXTURE_BINDING_1D;
+  case RGL_TEXTURE_2D:
+    return RGL_TEXTURE_BINDING_2D;
+  case RGL_TEXTURE_3D:
+    return RGL_TEXTURE_BINDING_3D;
+  default:
+    return 0;
+  }
+}
+
+bool IsProxy(GlEnum p_target) {
+  return p_target == RGL_PROXY_TEXTURE_2D || p_target == RGL_PROXY_TEXTURE_3D;
+}
+
+} // namespace
+
+std::size_t ScalarBytes(GlEnum p_type) {
+  switch (p_type) {
+  case RGL_BYTE:
+  case RGL_UNSIGNED_BYTE:
+    return 1;
+  case RGL_SHORT:
+  case RGL_UNSIGNED_SHORT:
+  case RGL_HALF_FLOAT:
+    return 2;
+  case RGL_INT:
+  case RGL_UNSIGNED_INT:
+  case RGL_FLOAT:
+  case RGL_UNSIGNED_INT_8_8_8_8_REV:
+  case RGL_UNSIGNED_INT_24_8:
+    return 4;
+  case RGL_DOUBLE:
+    return 8;
+  default:
+    return 0;
+  }
+}
+
+std::size_t PixelBytes(GlEnum p_format, GlEnum p_type) {
+  if (p_type == RGL_UNSIGNED_INT_24_8 || p_format == RGL_DEPTH_STENCIL)
+    return p_type == RGL_UNSIGNED_INT_24_8 && p_format == RGL_DEPTH_STENCIL ? 4 : 0;
+  if (p_type == RGL_UNSIGNED_INT_8_8_8_8_REV)
+    return Components(p_format) == 4 ? 4 : 0;
+  return p_type == RGL_DOUBLE ? 0 : Components(p_format) * ScalarBytes(p_type);
+}
+
+// Names
+
+void Model::DeleteTextures(int p_count, const unsigned int* p_names) {
+  for (int i = 0; i < p_count; ++i) {
+    if (!Remove("DeleteTextures", "texture", p_names[i]))
+      continue;
+    textures.erase(p_names[i]);
+    for (const GlEnum binding : {RGL_TEXTURE_BINDING_1D, RGL_TEXTURE_BINDING_2D, RGL_TEXTURE_BINDING_3D})
+      Unbind(binding, p_names[i]);
+  }
+}
+
+void Model::BindTexture(GlEnum p_target, unsigned int p_name) {
+  const GlEnum binding = BindingOf(p_target);
+  if (binding == 0)
+    return Complain("BindTexture: " + Name(p_target) + " is no target");
+  if (p_name != 0) {
+    if (!Need("BindTexture", "texture", p_name))
+      return;
+    RecordingGl::TextureObject& texture = textures[p_name];
+    if (texture.target != 0 && texture.target != p_target)
+      return Complain("BindTexture: texture " + std::to_string(p_name) + " was bound to " + Name(texture.target) +
+                      " before");
+    texture.target = p_target;
+  }
+  Set(binding, {double(p_name)});
+}
+
+RecordingGl::TextureObject* Model::BoundTexture(const std::string& p_call, GlEnum p_target) {
+  const auto found = textures.find(static_cast<unsigned int>(One(BindingOf(p_target))));
+  if (found != textures.end())
+    return &found->second;
+  Complain(p_call + ": no texture is bound to " + Name(p_target));
+  return nullptr;
+}
+
+void Model::TexParameteri(GlEnum p_target, GlEnum p_name, int p_value) {
+  if (RecordingGl::TextureObject* const texture = BoundTexture("TexParameteri", p_target))
+    texture->parameters[p_name] = p_value;
+}
+
+// Pixels in memory
+
+std::optional<Model::PixelLayout> Model::Layout(const std::string& p_call, bool p_unpack, int p_width, int p_height,
+                                                int p_depth, GlEnum p_format, GlEnum p_type) {
+  const std::size_t pixel = PixelBytes(p_format, p_type);
+  if (pixel == 0) {
+    Complain(p_call + ": no pixels of " + Name(p_format) + " and " + Name(p_type));
+    return std::nullopt;
+  }
+  if (p_width < 0 || p_height < 0 || p_depth < 0) {
+    Complain(p_call + ": a negative size");
+    return std::nullopt;
+  }
+  const auto stored = [this](GlEnum p_name) { return static_cast<std::size_t>(One(p_name)); };
+  const std::size_t row_length = stored(p_unpack ? RGL_UNPACK_ROW_LENGTH : RGL_PACK_ROW_LENGTH);
+  const std::size_t image_height = p_unpack ? stored(RGL_UNPACK_IMAGE_HEIGHT) : 0;
+  const std::size_t alignment = stored(p_unpack ? RGL_UNPACK_ALIGNMENT : RGL_PACK_ALIGNMENT);
+  const std::size_t skip_rows = stored(p_unpack ? RGL_UNPACK_SKIP_ROWS : RGL_PACK_SKIP_ROWS);
+  const std::size_t skip_pixels = stored(p_unpack ? RGL_UNPACK_SKIP_PIXELS : RGL_PACK_SKIP_PIXELS);
+  const auto width = static_cast<std::size_t>(p_width);
+  const auto height = static_cast<std::size_t>(p_height);
+  const auto depth = static_cast<std::size_t>(p_depth);
+  PixelLayout layout;
+  layout.row_bytes = width * pixel;
+  layout.row_stride = ((row_length == 0 ? width : row_length) * pixel + alignment - 1) / alignment * alignment;
+  layout.image_stride = (image_height == 0 ? height : image_height) * layout.row_stride;
+  layout.first = skip_rows * layout.row_stride + skip_pixels * pixel;
+  const bool empty = width == 0 || height == 0 || depth == 0;
+  layout.end =
+      empty ? 0
+            : layout.first + (depth - 1) * layout.image_stride + (height - 1) * layout.row_stride + layout.row_bytes;
+  return layout;
+}
+
+unsigned char* Model::PixelMemory(const std::string& p_call, GlEnum p_binding, const void* p_pointer,
+                                  std::size_t p_end) {
+  const auto name = static_cast<unsigned int>(One(p_binding));
+  if (name == 0)
+    return static_cast<unsigned char*>(const_cast<void*>(p_pointer));
+  // With a pixel buffer bound, the pointer is an offset into it.
+  std::vector<unsigned char>& bytes = buffers[name].bytes;
+  const auto offset = reinterpret_cast<std::uintptr_t>(p_pointer);
+  if (offset <= bytes.size() && p_end <= bytes.size() - offset)
+    return bytes.data() + offset;
+  Complain(p_call + ": " + std::to_string(p_end) + " bytes at " + std::to_string(offset) + " in a pixel buffer of " +
+           std::to_string(bytes.size()));
+  return nullptr;
+}
+
+// Texture images
+
+void Model::TexImage2D(GlEnum p_target, int p_level, int p_internal_format, int p_width, int p_height, int p_border,
+                       GlEnum p_format, GlEnum p_type, const void* p_pixels) {
+  TexImage("TexImage2D", p_target, p_level,
+           {static_cast<GlEnum>(p_internal_format), p_width, p_height, 1, p_format, p_type, {}}, p_border, p_pixels);
+}
+
+void Model::TexImage3D(GlEnum p_target, int p_level, int p_internal_format, int p_width, int p_height, int p_depth,
+                       int p_border, GlEnum p_format, GlEnum p_type, const void* p_pixels) {
+  TexImage("TexImage3D", p_target, p_level,
+           {static_cast<GlEnum>(p_internal_format), p_width, p_height, p_depth, p_format, p_type, {}}, p_border,
+           p_pixels);
+}
+
+void Model::TexImage(const std::string& p_call, GlEnum p_target, int p_level, RecordingGl::TextureLevel p_image,
+                     int p_border, const void* p_pixels) {
+  const bool volume = p_call == "TexImage3D";
+  const int limit =
+      static_cast<int>(Query(volume ? RGL_MAX_3D_TEXTURE_SIZE : RGL_MAX_TEXTURE_SIZE).value_or(Values{0}).front());
+  const bool fits = p_image.width <= limit && p_image.height <= limit && p_image.depth <= limit;
+  if (IsProxy(p_target)) {
+    _proxies[p_target] = fits ? p_image : RecordingGl::TextureLevel{0, 0, 0, 0, 0, 0, {}};
+    return;
+  }
+  RecordingGl::TextureObject* const texture = BoundTexture(p_call, p_target);
+  const std::optional<PixelLayout> layout =
+      Layout(p_call, true, p_image.width, p_image.height, p_image.depth, p_image.format, p_image.type);
+  if (p_border != 0 || p_level < 0)
+    Complain(p_call + ": a border or a negative level");
+  if (!fits)
+    Complain(p_call + ": larger than " + std::to_string(limit));
+  if (texture == nullptr || !layout || !fits)
+    return;
+  const bool is_depth = p_image.format == RGL_DEPTH_COMPONENT || p_image.format == RGL_DEPTH_STENCIL;
+  const std::set<GlEnum> depth_formats = {RGL_DEPTH_COMPONENT,    RGL_DEPTH_COMPONENT16, RGL_DEPTH_COMPONENT24,
+                                          RGL_DEPTH_COMPONENT32F, RGL_DEPTH24_STENCIL8,  RGL_DEPTH_STENCIL};
+  if (is_depth != (depth_formats.count(p_image.internal_format) != 0))
+    Complain(p_call + ": " + Name(p_image.format) + " does not go with " + Name(p_image.internal_format));
+  const unsigned char* source = PixelMemory(p_call, RGL_PIXEL_UNPACK_BUFFER_BINDING, p_pixels, layout->end);
+  if (source != nullptr && layout->end != 0) {
+    source += layout->first;
+    for (int z = 0; z < p_image.depth; ++z)
+      for (int y = 0; y < p_image.height; ++y) {
+        const unsigned char* const row = source + static_cast<std::size_t>(z) * layout->image_stride +
+                                         static_cast<std::size_t>(y) * layout->row_stride;
+        p_image.pixels.insert(p_image.pixels.end(), row, row + layout->row_bytes);
+      }
+  }
+  texture->levels[p_level] = std::move(p_image);
+}
+
+void Model::GetTexImage(GlEnum p_target, int p_level, GlEnum p_format, GlEnum p_type, void* p_pixels) {
+  const RecordingGl::TextureObject* const texture = BoundTexture("GetTexImage", p_target);
+  if (texture == nullptr)
+    return;
+  const auto found = texture->levels.find(p_level);
+  if (found == texture->levels.end() || found->second.format != p_format || found->second.type != p_type)
+    return Complain("GetTexImage: the recorder converts no pixels, and the level has others or none");
+  const RecordingGl::TextureLevel& image = found->second;
+  const std::optional<PixelLayout> layout =
+      Layout("GetTexImage", false, image.width, image.height, image.depth, p_format, p_type);
+  if (!layout || image.pixels.empty())
+    return;
+  unsigned char* const to = PixelMemory("GetTexImage", RGL_PIXEL_PACK_BUFFER_BINDING, p_pixels, layout->end);
+  const auto rows = static_cast<std::size_t>(image.height) * static_cast<std::size_t>(image.depth);
+  for (std::size_t row = 0; to != nullptr && row < rows; ++row)
+    std::memcpy(to + layout->first + row * layout->row_stride, image.pixels.data() + row * layout->row_bytes,
+                layout->row_bytes);
+}
+
+void Model::GetTexLevelParameteriv(GlEnum p_target, int p_level, GlEnum p_name, int* p_values) {
+  RecordingGl::TextureLevel image{0, 0, 0, 0, 0, 0, {}};
+  if (IsProxy(p_target)) {
+    image = _proxies[p_target];
+  } else if (const RecordingGl::TextureObject* const texture = BoundTexture("GetTexLevelParameteriv", p_target)) {
+    if (const auto found = texture->levels.find(p_level); found != texture->levels.end())
+      image = found->second;
+  }
+  switch (p_name) {
+  case RGL_TEXTURE_WIDTH:
+    *p_values = image.width;
+    break;
+  case RGL_TEXTURE_HEIGHT:
+    *p_values = image.height;
+    break;
+  case RGL_TEXTURE_DEPTH:
+    *p_values = image.depth;
+    break;
+  case RGL_TEXTURE_INTERNAL_FORMAT:
+    *p_values = static_cast<int>(image.internal_format);
+    break;
+  default:
+    Complain("GetTexLevelParameteriv: the recorder has no value for " + Name(p_name));
+  }
+}
+
+void Model::GenerateMipmap(GlEnum p_target) {
+  const RecordingGl::TextureObject* const texture = BoundTexture("GenerateMipmap", p_target);
+  if (texture != nullptr && texture->levels.count(0) == 0)
+    Complain("GenerateMipmap: the texture has no level 0");
+}
+
+void Model::ReadPixels(int p_x, int p_y, int p_width, int p_height, GlEnum p_format, GlEnum p_type, void* p_pixels) {
+  const std::optional<PixelLayout> layout = Layout("ReadPixels", false, p_width, p_height, 1, p_format, p_type);
+  if (!layout)
+    return;
+  unsigned char* const to = PixelMemory("ReadPixels", RGL_PIXEL_PACK_BUFFER_BINDING, p_pixels, layout->end);
+  if (to == nullptr)
+    return Complain("ReadPixels: nowhere to write to");
+  const bool bytes = p_type == RGL_UNSIGNED_BYTE || p_type == RGL_UNSIGNED_INT_8_8_8_8_REV; // little-endian machines
+  const bool swapped = p_format == RGL_BGRA;
+  for (int y = 0; y < p_height; ++y) {
+    unsigned char* const row = to + layout->first + static_cast<std::size_t>(y) * layout->row_stride;
+    std::memset(row, 0, layout->row_bytes);
+    for (int x = 0; bytes && (swapped || p_format == RGL_RGBA) && x < p_width; ++x)
+      if (const auto found = pixels.find({p_x + x, p_y + y}); found != pixels.end())
+        for (std::size_t i = 0; i < 4; ++i)
+          row[static_cast<std::size_t>(x) * 4 + i] = found->second[swapped && i < 3 ? 2 - i : i];
+  }
+}
+
+} // namespace Vek::Chart::Ogl::Recording

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "platform/ogl/GlTypes.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+namespace Vek::Chart::Ogl::Recording {
+
+/// How one GL function looks in the list: its name, whether it is GLU's, and the types and names of its parameters.
+struct Signature {
+  struct Parameter {
+    std::string type;
+    std::string name;
+  };
+  /// `p_parameters` is the parameter list as it stands in the source: "(GlEnum p_mode, int p_x)".
+  Signature(std::string_view p_name, std::string_view p_parameters, bool p_is_glu);
+
+  std::string name;
+  std::vector<Parameter> parameters;
+  bool is_glu;
+};
+
+/// "GL_BLEND" (or "GLU_FILL"); an unknown value in hex. Of the names that share 0 and 1, those of primitives and blend
+/// factors are chosen by the parameter's name.
+std::string EnumText(GlEnum p_value, bool p_is_glu, std::string_view p_parameter = {});
+/// Shortest text that reads back the same.
+std::string NumberText(double p_value);
+std::string NumberText(float p_value);
+
+/// Puts the line of one call together, argument by argument.
+class LineWriter {
+public:
+  LineWriter(const Signature& p_signature, const std::map<const GlQuadric*, int>& p_quadrics);
+
+  template <class... Arguments>
+  std::string operator()(Arguments... p_arguments) {
+    (Take(p_arguments), ...);
+    return _line + ")";
+  }
+
+private:
+  const Signature::Parameter& Begin();
+  std::string Integer(const Signature::Parameter& p_parameter, long long p_value);
+  std::string Bits(GlBitfield p_value) const;
+
+  template <class T>
+  void Take(T p_value) {
+    const Signature::Parameter& parameter = Begin();
+    if constexpr (std::is_pointer_v<T>)
+      _line += p_value == nullptr ? "null" : Pointer(p_value);
+    else if constexpr (std::is_floating_point_v<T>)
+      _line += NumberText(p_value);
+    else
+      _line += Integer(parameter, static_cast<long long>(p_value));
+  }
+  std::string Pointer(const void*) const { return "ptr"; }
+  std::string Pointer(const int*) const { return "ptr"; }
+  std::string Pointer(const char* const*) const { return "ptr"; }
+  std::string Pointer(char*) const { return "ptr"; }
+  std::string Pointer(float*) const { return "ptr"; }
+  std::string Pointer(double*) const { return "ptr"; }
+  std::string Pointer(const char* p_text) const;
+  std::string Pointer(const double* p_matrix) const;
+  std::string Pointer(const float* p_values) const;
+  std::string Pointer(const unsigned int* p_names) const;
+  std::string Pointer(const unsigned char* p_mask) const;
+  std::string Pointer(const GlQuadric* p_quadric) const;
+
+  const Signature& _signature;
+  const std::map<const GlQuadric*, int>& _quadrics;
+  std::string _line;
+  std::size_t _next = 0;
+  // What the length of an array depends on.
+  GlEnum _enumerant = 0;
+  long long _count = 0;
+};
+
+} // namespace Vek::Chart::Ogl::Recording
