@@ -54,5 +54,3 @@ VEK_PAIR(unsigned char, Index)
 VEK_PAIR(unsigned short, Index)
 
 } // namespace
-
-BENCHMARK_MAIN();
