@@ -1,0 +1,218 @@
+// Writes the models of the built-in symbols as OBJ files into a folder:
+//
+//     vek-make-symbols symbols
+//
+// The glyphs are those of VectorSymbol, so that a symbol looks the same drawn either way; the sphere with triangles of
+// even size and the torus are made here. Numbers are the shortest texts that read back as the same floats; the same
+// build writes the same bytes each time.
+
+#include "library/VectorSymbol.h"
+#include "platform/model/Symbol.h"
+#include "platform/ogl/VertexData.h"
+#include "platform/types/Vector.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace Vek::Chart;
+using Vector = Types::Vector3_Base<double>;
+
+namespace {
+
+constexpr unsigned int Segments = 24; // around the round glyphs
+constexpr int SphereSubdivisions = 3; // 642 vertices
+constexpr double TorusRadius = 0.35;  // of the circle that the tube is bent to,
+constexpr double TubeRadius = 0.15;   // and of the tube: together the half of a unit
+constexpr unsigned int TorusSegments = 32;
+constexpr unsigned int TubeSegments = 16;
+
+using Float3 = std::array<float, 3>;
+
+struct Mesh {
+  std::vector<Float3> positions;
+  std::vector<Float3> normals; // one a position, or none
+  std::vector<unsigned int> indices;
+  unsigned int corners = 3; // of a face; 2 for line segments
+
+  void AddVertex(const Vector& p_position, const Vector& p_normal) {
+    positions.push_back(Narrowed(p_position));
+    normals.push_back(Narrowed(p_normal));
+  }
+  static Float3 Narrowed(const Vector& p_vector) {
+    return {static_cast<float>(p_vector.x), static_cast<float>(p_vector.y), static_cast<float>(p_vector.z)};
+  }
+};
+
+std::vector<Float3> Triples(const Ogl::VertexData::Array& p_array) {
+  std::vector<Float3> triples(p_array.count);
+  for (std::size_t i = 0; i < triples.size(); ++i)
+    triples[i] = {p_array.As<float>()[3 * i], p_array.As<float>()[3 * i + 1], p_array.As<float>()[3 * i + 2]};
+  return triples;
+}
+
+Mesh Glyph(Model::Symbol::Shape p_shape) {
+  Library::VectorSymbol glyph(p_shape, Segments);
+  Ogl::VertexData data;
+  if (!glyph.BuildShape(data))
+    throw std::runtime_error("There is no glyph for shape " + std::to_string(p_shape) + ".");
+  Mesh mesh;
+  mesh.positions = Triples(data.Vertices());
+  const unsigned int* const indices = data.Indices().As<unsigned int>();
+  mesh.indices.assign(indices, indices + data.Indices().count);
+  if (glyph.GeometryDefinedAs() == Library::VectorSymbol::TopologyTriangles)
+    mesh.normals = Triples(data.Normals());
+  else
+    mesh.corners = 2;
+  return mesh;
+}
+
+// A unit sphere of triangles, made of an icosahedron whose triangles are divided into four again and again.
+class IcoSphere {
+public:
+  explicit IcoSphere(int p_subdivisions) {
+    const double g = (1 + std::sqrt(5.0)) / 2;
+    for (const Vector& corner :
+         {Vector(-1, g, 0), Vector(1, g, 0), Vector(-1, -g, 0), Vector(1, -g, 0), Vector(0, -1, g), Vector(0, 1, g),
+          Vector(0, -1, -g), Vector(0, 1, -g), Vector(g, 0, -1), Vector(g, 0, 1), Vector(-g, 0, -1), Vector(-g, 0, 1)})
+      _points.push_back(Normalize(corner));
+    _triangles = {{0, 11, 5},  {0, 5, 1},  {0, 1, 7},  {0, 7, 10}, {0, 10, 11}, {1, 5, 9}, {5, 11, 4},
+                  {11, 10, 2}, {10, 7, 6}, {7, 1, 8},  {3, 9, 4},  {3, 4, 2},   {3, 2, 6}, {3, 6, 8},
+                  {3, 8, 9},   {4, 9, 5},  {2, 4, 11}, {6, 2, 10}, {8, 6, 7},   {9, 8, 1}};
+    for (int i = 0; i < p_subdivisions; ++i)
+      Subdivide();
+  }
+
+  Mesh Scaled(double p_radius) const {
+    Mesh mesh;
+    for (const Vector& point : _points)
+      mesh.AddVertex(point * p_radius, point);
+    for (const Triangle& triangle : _triangles)
+      mesh.indices.insert(mesh.indices.end(), triangle.begin(), triangle.end());
+    return mesh;
+  }
+
+private:
+  using Triangle = std::array<unsigned int, 3>;
+
+  void Subdivide() {
+    std::vector<Triangle> finer;
+    for (const auto& [a, b, c] : _triangles) {
+      const unsigned int ab = Middle(a, b), bc = Middle(b, c), ca = Middle(c, a);
+      finer.insert(finer.end(), {{a, ab, ca}, {b, bc, ab}, {c, ca, bc}, {ab, bc, ca}});
+    }
+    _triangles = std::move(finer);
+    _middles.clear();
+  }
+  // Neighbours share the point in the middle of their edge.
+  unsigned int Middle(unsigned int p_a, unsigned int p_b) {
+    const auto [place, added] = _middles.try_emplace(std::minmax(p_a, p_b), static_cast<unsigned int>(_points.size()));
+    if (added)
+      _points.push_back(Normalize(_points[p_a] + _points[p_b]));
+    return place->second;
+  }
+
+  std::vector<Vector> _points;
+  std::vector<Triangle> _triangles;
+  std::map<std::pair<unsigned int, unsigned int>, unsigned int> _middles;
+};
+
+// A torus around the z axis.
+Mesh Torus() {
+  Mesh mesh;
+  const double turn = 2 * std::acos(-1.0);
+  for (unsigned int i = 0; i < TorusSegments; ++i) {
+    const double u = turn * i / TorusSegments;
+    const Vector outward(std::cos(u), std::sin(u), 0);
+    for (unsigned int j = 0; j < TubeSegments; ++j) {
+      const double v = turn * j / TubeSegments;
+      const Vector normal = outward * std::cos(v) + Vector(0, 0, std::sin(v));
+      mesh.AddVertex(outward * TorusRadius + normal * TubeRadius, normal);
+
+      // The quad to the next ring and to the next vertex of the ring.
+      const unsigned int ring = i * TubeSegments, next_ring = (i + 1) % TorusSegments * TubeSegments;
+      const unsigned int next = (j + 1) % TubeSegments;
+      mesh.indices.insert(mesh.indices.end(), {ring + j, next_ring + j, next_ring + next});
+      mesh.indices.insert(mesh.indices.end(), {ring + j, next_ring + next, ring + next});
+    }
+  }
+  return mesh;
+}
+
+void AppendLine(std::string& p_text, const char* p_keyword, const Float3& p_numbers) {
+  p_text += p_keyword;
+  for (const float number : p_numbers) {
+    char digits[32];
+    const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, number);
+    p_text.append(" ").append(digits, end.ptr);
+  }
+  p_text += '\n';
+}
+
+std::string ObjText(const std::string& p_name, const Mesh& p_mesh) {
+  std::string text = "# Symbol of Vek.Chart.Library, written by vek-make-symbols\no " + p_name + "\n";
+  for (const Float3& position : p_mesh.positions)
+    AppendLine(text, "v", position);
+  for (const Float3& normal : p_mesh.normals)
+    AppendLine(text, "vn", normal);
+  for (std::size_t i = 0; i < p_mesh.indices.size(); ++i) {
+    if (i % p_mesh.corners == 0)
+      text += p_mesh.corners == 3 ? "f" : "l";
+    const std::string number = std::to_string(p_mesh.indices[i] + 1);
+    text += " " + number + (p_mesh.normals.empty() ? "" : "//" + number);
+    if ((i + 1) % p_mesh.corners == 0)
+      text += '\n';
+  }
+  return text;
+}
+
+void WriteModel(const std::string& p_folder, const std::string& p_name, const Mesh& p_mesh) {
+  const std::string path = p_folder + "/" + p_name + ".obj";
+  std::ofstream file(path, std::ios::binary);
+  file << ObjText(p_name, p_mesh);
+  file.close();
+  if (!file)
+    throw std::runtime_error("Cannot write " + path + ".");
+}
+
+constexpr std::pair<Model::Symbol::Shape, const char*> Glyphs[] = {
+    {Model::Symbol::ShapeArrowHead1D, "ArrowHead1D"},
+    {Model::Symbol::ShapeArrow1D, "Arrow1D"},
+    {Model::Symbol::ShapeArrowHead2D, "ArrowHead2D"},
+    {Model::Symbol::ShapeArrow2D, "Arrow2D"},
+    {Model::Symbol::ShapePlane, "Plane"},
+    {Model::Symbol::ShapeArrowHead3D, "ArrowHead3D"},
+    {Model::Symbol::ShapeArrow3D, "Arrow3D"},
+    {Model::Symbol::ShapeCylinder, "Cylinder"},
+    {Model::Symbol::ShapeCone, "Cone"},
+    {Model::Symbol::ShapeCircularArrow3D, "CircularArrow3D"},
+    {Model::Symbol::ShapeCrosshair, "Crosshair"},
+    {Model::Symbol::ShapeCube, "Cube"},
+};
+
+} // namespace
+
+int main(int p_count, char** p_arguments) {
+  if (p_count != 2) {
+    std::fprintf(stderr, "usage: vek-make-symbols FOLDER\n");
+    return 2;
+  }
+  try {
+    const std::string folder = p_arguments[1];
+    for (const auto& [shape, name] : Glyphs)
+      WriteModel(folder, name, Glyph(shape));
+    WriteModel(folder, "IcoSphere", IcoSphere(SphereSubdivisions).Scaled(0.5));
+    WriteModel(folder, "Torus", Torus());
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "vek-make-symbols: %s\n", error.what());
+    return 1;
+  }
+  return 0;
+}
