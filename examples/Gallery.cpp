@@ -1,0 +1,83 @@
+// vek-gallery: draws all scenes off-screen and writes them as pictures with a page that shows them.
+
+#include "examples/scene/OffscreenQt.h"
+#include "examples/scene/Options.h"
+#include "examples/scene/Rendering.h"
+#include "examples/scene/Scene.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using namespace Vek::Chart::Gallery;
+
+constexpr int ExitInput = 1;
+constexpr int ExitUsage = 2;
+
+Options Defaults() {
+  const std::string root = VEK_SOURCE_DIR;
+  Options options;
+  options.inputs.winds = root + "/data/noaa_navy_winds_1987-01.csv";
+  options.inputs.relief = root + "/data/etopo60.txt";
+  options.inputs.quakes = root + "/data/earthquakes.csv";
+  options.inputs.symbols = root + "/symbols";
+  return options;
+}
+
+void MakePicture(const SceneEntry& p_entry, const Options& p_options) {
+  using Clock = std::chrono::steady_clock;
+  std::printf("%-12s ... ", p_entry.name.c_str());
+  std::fflush(stdout);
+  const Clock::time_point start = Clock::now();
+  const QImage image = RenderScene(p_entry, p_options.inputs, p_options.size);
+  const std::string path = p_options.out + "/" + p_entry.name + ".png";
+  if (!image.save(QString::fromStdString(path)))
+    throw std::runtime_error(path + ": cannot be written");
+  std::printf("%.1f s\n", std::chrono::duration<double>(Clock::now() - start).count());
+}
+
+void MakeGallery(const Options& p_options) {
+  std::error_code error;
+  std::filesystem::create_directories(p_options.out, error);
+  if (!std::filesystem::is_directory(p_options.out))
+    throw std::runtime_error(p_options.out + ": cannot be made a folder");
+  std::vector<SceneEntry> shown;
+  for (const SceneEntry& entry : Scenes()) {
+    if (p_options.only.empty() || std::count(p_options.only.begin(), p_options.only.end(), entry.name) != 0)
+      MakePicture(entry, p_options);
+    // Pictures of an earlier run stay on the page.
+    if (std::filesystem::exists(p_options.out + "/" + entry.name + ".png"))
+      shown.push_back(entry);
+  }
+  const std::string path = p_options.out + "/index.html";
+  std::ofstream page(path);
+  page << IndexPage(shown);
+  page.close();
+  if (!page)
+    throw std::runtime_error(path + ": cannot be written");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const Options options = ParseOptions({argv + 1, argv + argc}, Defaults());
+    if (options.help) {
+      std::fputs(HelpText().c_str(), stdout);
+      return 0;
+    }
+    const OffscreenQt qt;
+    MakeGallery(options);
+    return 0;
+  } catch (const UsageError& error) {
+    std::fprintf(stderr, "vek-gallery: %s\n", error.what());
+    return ExitUsage;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "vek-gallery: %s\n", error.what());
+    return ExitInput;
+  }
+}

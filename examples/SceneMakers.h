@@ -1,0 +1,14 @@
+#pragma once
+
+#include "examples/scene/Scene.h"
+
+#include <memory>
+
+namespace Vek::Chart::Gallery {
+
+// One function for each scene, in the source file of that name.
+std::unique_ptr<Scene> MakeWind(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+std::unique_ptr<Scene> MakeSymbols(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+std::unique_ptr<Scene> MakeEarthquakes(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+
+} // namespace Vek::Chart::Gallery

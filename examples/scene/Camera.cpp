@@ -1,0 +1,104 @@
+#include "examples/scene/Camera.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Vek::Chart::Gallery {
+
+namespace {
+
+using Types::Angle;
+using Point = Types::Vector3_Base<double>;
+
+struct Frame {
+  Point right;
+  Point up;
+  Point back; ///< from the target to the eye
+};
+
+Frame Axes(const Camera& p_camera) {
+  const double azimuth = Angle::FromDegrees(p_camera.azimuth).Radians();
+  const double elevation = Angle::FromDegrees(p_camera.elevation).Radians();
+  const Point right(std::cos(azimuth), -std::sin(azimuth), 0);
+  const Point back(-std::sin(azimuth) * std::cos(elevation), -std::cos(azimuth) * std::cos(elevation),
+                   std::sin(elevation));
+  return {right, Cross(back, right), back};
+}
+
+} // namespace
+
+Types::Vector3_Base<double> Camera::Eye() const {
+  return target + Axes(*this).back * distance;
+}
+
+std::array<double, 16> Camera::ViewMatrix() const {
+  const Frame axes = Axes(*this);
+  const Types::Matrix3 turn(axes.right, axes.up, axes.back);
+  return Types::Transformation(turn, -(turn * Eye())).ColumnMajor();
+}
+
+std::array<double, 16> Camera::ProjectionMatrix(double p_aspect) const {
+  const double focal = 1.0 / std::tan(Angle::FromDegrees(field_of_view / 2).Radians());
+  const double near_plane = std::max(distance - radius, distance * 0.01);
+  const double far_plane = distance + radius;
+  const double depth = near_plane - far_plane;
+  return {focal / p_aspect,
+          0,
+          0,
+          0,
+          0,
+          focal,
+          0,
+          0,
+          0,
+          0,
+          (far_plane + near_plane) / depth,
+          -1,
+          0,
+          0,
+          2 * far_plane * near_plane / depth,
+          0};
+}
+
+Camera::Pixel Camera::Project(const Point& p_point, const Types::Viewport<0>& p_viewport) const {
+  const Frame axes = Axes(*this);
+  const Point from_eye = p_point - Eye();
+  const double ahead = -Dot(from_eye, axes.back);
+  if (!(ahead > 0))
+    return {};
+  const double width = static_cast<double>(p_viewport.width);
+  const double height = static_cast<double>(p_viewport.height);
+  const double scale = height / 2 / std::tan(Angle::FromDegrees(field_of_view / 2).Radians()) / ahead;
+  return {static_cast<double>(p_viewport.x) + width / 2 + Dot(from_eye, axes.right) * scale,
+          static_cast<double>(p_viewport.y) + height / 2 + Dot(from_eye, axes.up) * scale, true};
+}
+
+void Camera::Orbit(double p_azimuth, double p_elevation) {
+  azimuth = std::fmod(azimuth + p_azimuth, 360.0);
+  elevation = std::clamp(elevation + p_elevation, -90.0, 90.0);
+}
+
+void Camera::Zoom(double p_factor) {
+  if (p_factor > 0)
+    distance = std::clamp(distance * p_factor, radius * 0.05, radius * 50);
+}
+
+boost::shared_ptr<void> Camera::Apply(const Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport) const {
+  const auto gl = p_gl.Handle().Object();
+  const boost::shared_ptr<void> mode = gl->PushAttribScope(RGL_TRANSFORM_BIT);
+  gl->MatrixMode(RGL_PROJECTION);
+  gl->PushMatrix();
+  const double height = std::max(1.0, static_cast<double>(p_viewport.height));
+  gl->LoadMatrixd(ProjectionMatrix(static_cast<double>(p_viewport.width) / height).data());
+  gl->MatrixMode(RGL_MODELVIEW);
+  gl->PushMatrix();
+  gl->LoadMatrixd(ViewMatrix().data());
+  return boost::shared_ptr<void>(nullptr, [gl, mode](void*) {
+    gl->MatrixMode(RGL_MODELVIEW);
+    gl->PopMatrix();
+    gl->MatrixMode(RGL_PROJECTION);
+    gl->PopMatrix();
+  });
+}
+
+} // namespace Vek::Chart::Gallery

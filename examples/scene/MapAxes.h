@@ -1,0 +1,27 @@
+#pragma once
+
+#include "examples/scene/MapFrame.h"
+#include "examples/scene/Overlay.h"
+
+#include "platform/ogl/Rgl.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace Vek::Chart::Gallery {
+
+/// "60° W", "0°", "45.5° N".
+QString LongitudeText(double p_degrees);
+QString LatitudeText(double p_degrees);
+
+/// Values at a round step (1, 2 or 5 times a power of ten; 15, 30, 60 for degrees in the tens) from `p_min` to `p_max`,
+/// `p_most` of them at most.
+std::vector<double> RoundTicks(double p_min, double p_max, std::size_t p_most);
+
+/// Thin meridians and parallels at round degrees, at height `p_z`.
+void DrawGraticule(Utility::Scoped<Rgl>& p_gl, const MapFrame& p_map, double p_z);
+/// Their names along the southern and western border.
+void LabelGraticule(Overlay& p_overlay, const MapFrame& p_map, double p_z);
+
+} // namespace Vek::Chart::Gallery

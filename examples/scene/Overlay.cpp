@@ -1,0 +1,97 @@
+#include "examples/scene/Overlay.h"
+
+#include "examples/scene/Theme.h"
+
+#include <cmath>
+
+namespace Vek::Chart::Gallery {
+
+Overlay::Overlay(Utility::Scoped<Rgl>& p_gl, const View& p_view, Lettering& p_lettering)
+    : _gl(p_gl)
+    , _view(p_view)
+    , _lettering(p_lettering)
+    , _point(p_view.PointSize())
+    , _width(static_cast<double>(p_view.viewport.width) / p_view.PointSize())
+    , _attributes(p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_COLOR_BUFFER_BIT | RGL_TEXTURE_BIT))
+    , _projection(p_gl->PixelProjection(p_view.viewport)) {
+  for (const Ogl::GlEnum capability : {RGL_LIGHTING, RGL_DEPTH_TEST, RGL_CULL_FACE, RGL_TEXTURE_2D})
+    _gl->Disable(capability);
+  _gl->Enable(RGL_BLEND);
+  _gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
+}
+
+void Overlay::Fill(const Rect& p_rect, const QColor& p_lower, const QColor& p_upper) {
+  _gl->Begin(RGL_QUADS);
+  _gl->Color(p_lower);
+  _gl->Vertex(p_rect.left * _point, p_rect.bottom * _point, 0.0);
+  _gl->Vertex(p_rect.right * _point, p_rect.bottom * _point, 0.0);
+  _gl->Color(p_upper);
+  _gl->Vertex(p_rect.right * _point, p_rect.top * _point, 0.0);
+  _gl->Vertex(p_rect.left * _point, p_rect.top * _point, 0.0);
+  _gl->End();
+}
+
+void Overlay::Line(double p_x0, double p_y0, double p_x1, double p_y1, double p_width, const QColor& p_color) {
+  // A quad, since the widths that GL offers for lines differ from device to device.
+  const double length = std::hypot(p_x1 - p_x0, p_y1 - p_y0);
+  if (!(length > 0))
+    return;
+  const double nx = -(p_y1 - p_y0) / length * p_width / 2;
+  const double ny = (p_x1 - p_x0) / length * p_width / 2;
+  _gl->Color(p_color);
+  _gl->Begin(RGL_QUADS);
+  _gl->Vertex((p_x0 - nx) * _point, (p_y0 - ny) * _point, 0.0);
+  _gl->Vertex((p_x1 - nx) * _point, (p_y1 - ny) * _point, 0.0);
+  _gl->Vertex((p_x1 + nx) * _point, (p_y1 + ny) * _point, 0.0);
+  _gl->Vertex((p_x0 + nx) * _point, (p_y0 + ny) * _point, 0.0);
+  _gl->End();
+}
+
+void Overlay::Text(const QString& p_text, double p_x, double p_y, Lettering::Anchor p_anchor,
+                   const Lettering::Style& p_style) {
+  _lettering.Draw(_gl, p_text, p_x * _point, p_y * _point, p_anchor, p_style, _point);
+}
+
+void Overlay::TextAt(const QString& p_text, const Types::Vector3_Base<double>& p_point, double p_dx, double p_dy,
+                     Lettering::Anchor p_anchor, const Lettering::Style& p_style) {
+  const Camera::Pixel pixel = _view.Project(p_point);
+  if (!pixel.visible)
+    return;
+  Text(p_text, (pixel.x - static_cast<double>(_view.viewport.x)) / _point + p_dx,
+       (pixel.y - static_cast<double>(_view.viewport.y)) / _point + p_dy, p_anchor, p_style);
+}
+
+void Overlay::Title(const QString& p_title, const QString& p_line) {
+  Text(p_title, 48, Height() - 60, {0, 0.5}, {Theme::TitleSize, Theme::Title, true});
+  Text(p_line, 49, Height() - 102, {0, 0.5}, {Theme::TextSize, Theme::Text, false});
+}
+
+void Overlay::Bar(const Rect& p_rect, const Library::ColorMap& p_colors, const QString& p_title,
+                  const std::vector<Tick>& p_ticks) {
+  {
+    const auto guard = _gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
+    p_colors(_gl, RGL_TEXTURE0);
+    _gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_REPLACE);
+    _gl->Begin(RGL_QUADS);
+    for (const auto& [s, t] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}}) {
+      _gl->TexCoord(s, 0.5);
+      _gl->Vertex((s == 0 ? p_rect.left : p_rect.right) * _point, (t == 0 ? p_rect.bottom : p_rect.top) * _point, 0.0);
+    }
+    _gl->End();
+  }
+  for (const Tick& tick : p_ticks) {
+    const double x = p_rect.left + (p_rect.right - p_rect.left) * tick.place;
+    Line(x, p_rect.bottom, x, p_rect.bottom - 6, 1.5, Theme::Text);
+    Text(tick.text, x, p_rect.bottom - 9, {0.5, 1}, {Theme::SmallSize, Theme::Text, false});
+  }
+  Text(p_title, p_rect.left - 2, p_rect.top + 6, {0, 0}, {Theme::SmallSize, Theme::Text, false});
+}
+
+void DrawBackground(Utility::Scoped<Rgl>& p_gl, const View& p_view, Lettering& p_lettering) {
+  p_gl->Viewport(p_view.viewport);
+  p_gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT);
+  Overlay overlay(p_gl, p_view, p_lettering);
+  overlay.Fill({0, 0, overlay.Width(), overlay.Height()}, Theme::BackgroundBottom, Theme::BackgroundTop);
+}
+
+} // namespace Vek::Chart::Gallery

@@ -1,0 +1,29 @@
+#include "examples/scene/Quakes.h"
+
+#include "examples/scene/Files.h"
+#include "examples/scene/TextTable.h"
+
+namespace Vek::Chart::Gallery {
+
+std::vector<Quake> ReadQuakes(std::istream& p_stream, const std::string& p_name) {
+  TextTable table(p_stream, p_name);
+  const std::size_t lon = table.Column("lon");
+  const std::size_t lat = table.Column("lat");
+  const std::size_t depth = table.Column("depth_km");
+  const std::size_t magnitude = table.Column("mag");
+  std::vector<Quake> quakes;
+  while (table.NextRow())
+    if (!table.Text(magnitude).empty())
+      quakes.push_back({table.Number(lon, -360, 720), table.Number(lat, -90, 90), table.Number(depth, -10, 7000),
+                        table.Number(magnitude, -5, 11)});
+  if (quakes.empty())
+    throw InputError(p_name + ": expected an earthquake at least, got none");
+  return quakes;
+}
+
+std::vector<Quake> ReadQuakesFile(const std::string& p_path) {
+  std::ifstream stream = OpenInput(p_path);
+  return ReadQuakes(stream, p_path);
+}
+
+} // namespace Vek::Chart::Gallery

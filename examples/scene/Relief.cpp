@@ -1,0 +1,130 @@
+#include "examples/scene/Relief.h"
+
+#include "examples/scene/Arrays.h"
+#include "examples/scene/Palettes.h"
+
+#include "platform/ogl/Vec.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Vek::Chart::Gallery {
+
+namespace {
+
+using Record = Ogl::Vec3<float>;
+
+Record ToRecord(const Types::Vector3_Base<double>& p_vector) {
+  return {static_cast<float>(p_vector.x), static_cast<float>(p_vector.y), static_cast<float>(p_vector.z)};
+}
+
+/// Corner indices of the two triangles of each cell of a grid, counter-clockwise where x and y grow.
+std::vector<unsigned int> GridIndices(std::size_t p_columns, std::size_t p_rows) {
+  std::vector<unsigned int> indices;
+  indices.reserve(6 * (p_columns - 1) * (p_rows - 1));
+  const auto width = static_cast<unsigned int>(p_columns);
+  for (unsigned int row = 0; row + 1 < p_rows; ++row)
+    for (unsigned int column = 0; column + 1 < p_columns; ++column) {
+      const unsigned int corner = row * width + column;
+      indices.insert(indices.end(),
+                     {corner, corner + 1, corner + width + 1, corner, corner + width + 1, corner + width});
+    }
+  return indices;
+}
+
+} // namespace
+
+Relief::Relief(const HeightField& p_heights, const MapFrame& p_map, double p_z_per_metre)
+    : _z_per_metre(p_z_per_metre) {
+  BuildSurface(p_heights, p_map);
+  BuildSides();
+}
+
+Library::ColorMap Relief::MutedColors() {
+  return Library::ColorMap(Palettes::Sampled({{-6000, 0x16212E},
+                                              {-4000, 0x1B2A39},
+                                              {-2000, 0x213443},
+                                              {-200, 0x2A414F},
+                                              {0, 0x304A58},
+                                              {1, 0x5D6159},
+                                              {600, 0x6C6C62},
+                                              {2000, 0x85806F},
+                                              {4000, 0xA59D8D},
+                                              {6000, 0xCFC9BD}},
+                                             2048),
+                           Library::ColorMap::Discrete);
+}
+
+void Relief::BuildSurface(const HeightField& p_heights, const MapFrame& p_map) {
+  _columns = static_cast<std::size_t>(MapFrame::Width) + 1;
+  _rows = static_cast<std::size_t>(std::ceil(p_map.Height())) + 1;
+  std::vector<Record> positions;
+  std::vector<Record> normals;
+  std::vector<float> colors;
+  const double lon_step = (p_map.East() - p_map.West()) / static_cast<double>(_columns - 1);
+  const double lat_step = (p_map.North() - p_map.South()) / static_cast<double>(_rows - 1);
+  const double x_step = MapFrame::Width / static_cast<double>(_columns - 1);
+  const double y_step = p_map.Height() / static_cast<double>(_rows - 1);
+  for (std::size_t row = 0; row < _rows; ++row)
+    for (std::size_t column = 0; column < _columns; ++column) {
+      const double lon = p_map.West() + lon_step * static_cast<double>(column);
+      const double lat = p_map.South() + lat_step * static_cast<double>(row);
+      const double height = p_heights.At(lon, lat);
+      const double slope_x =
+          (Z(p_heights.At(lon + lon_step, lat)) - Z(p_heights.At(lon - lon_step, lat))) / (2 * x_step);
+      const double slope_y =
+          (Z(p_heights.At(lon, lat + lat_step)) - Z(p_heights.At(lon, lat - lat_step))) / (2 * y_step);
+      positions.push_back(ToRecord(p_map.Place(lon, lat, Z(height))));
+      normals.push_back(ToRecord(Normalize(Types::Vector3_Base<double>(-slope_x, -slope_y, 1))));
+      colors.push_back(static_cast<float>((height - LowestColored) / (HighestColored - LowestColored)));
+      _top = std::max(_top, Z(height));
+      _base = std::min(_base, Z(height));
+    }
+  _base -= 2.5;
+  const std::size_t count = positions.size();
+  std::vector<unsigned int> indices = GridIndices(_columns, _rows);
+  const std::size_t index_count = indices.size();
+  _surface.SetVertices(Shared(std::move(positions)), count, 3, Ogl::VertexData::Float);
+  _surface.SetNormals(Shared(std::move(normals)), count, 3, Ogl::VertexData::Float);
+  _surface.SetTexCoords(Shared(std::move(colors)), count, 1, Ogl::VertexData::Float);
+  _surface.SetIndices(Shared(std::move(indices)), index_count, Ogl::VertexData::UnsignedInt);
+  _surface.PrimitiveType() = Ogl::VertexBuffer::Triangles;
+}
+
+void Relief::BuildSides() {
+  const Record* const surface = _surface.Vertices().As<Record>();
+  std::vector<Record> positions;
+  std::vector<Record> normals;
+  // A wall hangs below each border of the surface; `first` and `step` walk along the border.
+  const auto add_wall = [&](std::size_t p_first, std::size_t p_step, std::size_t p_count, const Record& p_normal) {
+    for (std::size_t i = 0; i + 1 < p_count; ++i) {
+      const Record& a = surface[p_first + i * p_step];
+      const Record& b = surface[p_first + (i + 1) * p_step];
+      const float base = static_cast<float>(_base);
+      for (const Record& corner : {a, Record{a.x, a.y, base}, Record{b.x, b.y, base}, b}) {
+        positions.push_back(corner);
+        normals.push_back(p_normal);
+      }
+    }
+  };
+  add_wall(0, 1, _columns, {0, -1, 0});
+  add_wall((_rows - 1) * _columns, 1, _columns, {0, 1, 0});
+  add_wall(0, _columns, _rows, {-1, 0, 0});
+  add_wall(_columns - 1, _columns, _rows, {1, 0, 0});
+  const std::size_t count = positions.size();
+  _sides.SetVertices(Shared(std::move(positions)), count, 3, Ogl::VertexData::Float);
+  _sides.SetNormals(Shared(std::move(normals)), count, 3, Ogl::VertexData::Float);
+  _sides.PrimitiveType() = Ogl::VertexBuffer::Quads;
+}
+
+void Relief::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) const {
+  const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT | RGL_LIGHTING_BIT);
+  p_colors(p_gl, RGL_TEXTURE0);
+  p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_MODULATE);
+  _surface.Draw(p_gl);
+  // The sides take one colour of the map, that of the deep sea.
+  p_gl->TexCoord1d(0.1);
+  _sides.Draw(p_gl);
+}
+
+} // namespace Vek::Chart::Gallery

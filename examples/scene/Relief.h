@@ -1,0 +1,49 @@
+#pragma once
+
+#include "examples/scene/HeightField.h"
+#include "examples/scene/MapFrame.h"
+
+#include "library/ColorMap.h"
+
+#include "platform/ogl/Rgl.h"
+#include "platform/ogl/VertexData.h"
+#include "platform/utility/Scope.h"
+
+namespace Vek::Chart::Gallery {
+
+/// The land and the sea floor as a block of relief over a map, coloured by height. Sea level is at z = 0.
+class Relief {
+public:
+  /// Colours from `LowestColored` metres below to `HighestColored` metres above the sea; the coast is at their border.
+  static constexpr double LowestColored = -6000;
+  static constexpr double HighestColored = 6000;
+  static constexpr double SeaFloorFlattening = 0.3;
+
+  Relief(const HeightField& p_heights, const MapFrame& p_map, double p_z_per_metre);
+
+  /// Muted colours that leave room for what is drawn above.
+  static Library::ColorMap MutedColors();
+
+  /// z of a height in metres; the sea floor is flattened, to be calmer than the land.
+  double Z(double p_metres) const { return p_metres * _z_per_metre * (p_metres < 0 ? SeaFloorFlattening : 1); }
+  /// z of the highest point and of the base of the block.
+  double Top() const { return _top; }
+  double Base() const { return _base; }
+
+  /// Needs lighting (see Light); `p_colors` gives the colours.
+  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) const;
+
+private:
+  void BuildSurface(const HeightField& p_heights, const MapFrame& p_map);
+  void BuildSides();
+
+  double _z_per_metre;
+  double _top = 0;
+  double _base = 0;
+  std::size_t _columns = 0;
+  std::size_t _rows = 0;
+  Ogl::VertexData _surface;
+  Ogl::VertexData _sides;
+};
+
+} // namespace Vek::Chart::Gallery

@@ -1,0 +1,82 @@
+#include "examples/scene/Rendering.h"
+
+#include "platform/ogl/OffscreenContext.h"
+
+namespace Vek::Chart::Gallery {
+
+namespace {
+
+constexpr int Oversampling = 2;
+constexpr int Samples = 4;
+
+std::string Escaped(const std::string& p_text) {
+  std::string result;
+  for (const char c : p_text)
+    switch (c) {
+    case '&':
+      result += "&amp;";
+      break;
+    case '<':
+      result += "&lt;";
+      break;
+    case '>':
+      result += "&gt;";
+      break;
+    case '"':
+      result += "&quot;";
+      break;
+    default:
+      result += c;
+    }
+  return result;
+}
+
+} // namespace
+
+QImage RenderScene(const SceneEntry& p_entry, const Inputs& p_inputs, Types::Size p_size) {
+  const Types::Size large(p_size.width * Oversampling, p_size.height * Oversampling);
+  Ogl::OffscreenContext context(large, Samples);
+  QImage image;
+  {
+    Utility::Scoped<Rgl> gl(context.Handle());
+    context.BindFrameBuffer();
+    const std::unique_ptr<Scene> scene = p_entry.make(gl, p_inputs);
+    const Types::Viewport<0> viewport(0, 0, static_cast<float>(large.width), static_cast<float>(large.height));
+    scene->Draw(gl, {scene->StartCamera(), viewport});
+    gl->CheckError(p_entry.name);
+    image = context.Image();
+  }
+  return image.convertToFormat(QImage::Format_RGB32)
+      .scaled(p_size.width, p_size.height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+std::string IndexPage(const std::vector<SceneEntry>& p_entries) {
+  std::string page = R"(<!DOCTYPE html>
+<html lang="en">
+<head>
+<meta charset="utf-8">
+<meta name="viewport" content="width=device-width, initial-scale=1">
+<title>Gallery of Vek.Chart.Library</title>
+<style>
+body { margin: 0 auto; max-width: 1600px; padding: 2rem 1rem; background: #0b1017; color: #b9c2cc;
+       font: 1.05rem/1.5 "DejaVu Sans", system-ui, sans-serif; }
+h1 { color: #f2f0ea; font-weight: 600; }
+figure { margin: 0 0 3rem; }
+img { display: block; width: 100%; height: auto; border-radius: 6px; }
+figcaption { padding: .7rem .2rem 0; }
+code { color: #74808d; }
+</style>
+</head>
+<body>
+<h1>Gallery of Vek.Chart.Library</h1>
+)";
+  for (const SceneEntry& entry : p_entries) {
+    const std::string name = Escaped(entry.name);
+    page += "<figure id=\"" + name + "\">\n<a href=\"" + name + ".png\"><img src=\"" + name + ".png\" alt=\"" + name +
+            "\"></a>\n<figcaption>" + Escaped(entry.caption) + " <code>" + Escaped(entry.source) +
+            "</code></figcaption>\n</figure>\n";
+  }
+  return page + "</body>\n</html>\n";
+}
+
+} // namespace Vek::Chart::Gallery

@@ -1,0 +1,213 @@
+#include "examples/scene/HeightField.h"
+#include "examples/scene/Quakes.h"
+#include "examples/scene/TextTable.h"
+#include "examples/scene/WindField.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <sstream>
+
+using namespace Vek::Chart::Gallery;
+
+namespace {
+
+/// The text of the InputError that a call throws; empty when it throws none.
+std::string ErrorOf(const std::function<void()>& p_call) {
+  try {
+    p_call();
+  } catch (const InputError& error) {
+    return error.what();
+  }
+  return {};
+}
+
+template <class Reader>
+auto ReadText(Reader p_reader, const std::string& p_text) {
+  std::istringstream stream(p_text);
+  return p_reader(stream, "in.txt");
+}
+
+std::string DataFile(const std::string& p_name) {
+  return std::string(VEK_SOURCE_DIR) + "/data/" + p_name;
+}
+
+double MeanEastward(const WindField& p_field, double p_lat) {
+  double sum = 0;
+  int count = 0;
+  for (const Wind& wind : p_field.winds)
+    if (wind.lat == p_lat) {
+      sum += wind.u;
+      ++count;
+    }
+  return sum / count;
+}
+
+} // namespace
+
+TEST(TextTable, ReadsColumnsByNameAndQuotedCells) {
+  std::istringstream stream("a,\"b, c\",d\r\n1,\"x \"\"y\"\", z\",-2.5\r\n\r\n 3 ,,+4e1\n");
+  TextTable table(stream, "in.txt");
+  EXPECT_TRUE(table.HasColumn("b, c"));
+  EXPECT_FALSE(table.HasColumn("b"));
+  const std::size_t d = table.Column("d");
+  ASSERT_TRUE(table.NextRow());
+  EXPECT_EQ(table.Text(1), "x \"y\", z");
+  EXPECT_EQ(table.Number(d), -2.5);
+  ASSERT_TRUE(table.NextRow());
+  EXPECT_EQ(table.Number(0), 3);
+  EXPECT_EQ(table.Number(d), 40);
+  EXPECT_FALSE(table.NextRow());
+}
+
+TEST(Readers, BadWindFilesNameFileAndLine) {
+  const struct {
+    const char* name;
+    const char* text;
+    const char* error;
+  } cases[] = {
+      {"empty", "", "in.txt: expected a header line with the names of the columns, got nothing"},
+      {"other columns", "lon,lat,x\n", "in.txt:1: expected a column named \"u\", got \"lon,lat,x\""},
+      {"short row", "lon,lat,u,v\n1,2,3,4\n1,2,3\n", "in.txt:3: expected 4 cells, got \"1,2,3\""},
+      {"no number", "lon,lat,u,v\n\n1,2,fast,4\n", "in.txt:3: expected a number for \"u\", got \"fast\""},
+      {"not finite", "lon,lat,u,v\n1,2,3,nan\n", "in.txt:2: expected a number for \"v\", got \"nan\""},
+      {"two numbers", "lon,lat,u,v\n1 2,2,3,4\n", "in.txt:2: expected a number for \"lon\", got \"1 2\""},
+      {"beyond the pole", "lon,lat,u,v\n1,90.5,3,4\n", "in.txt:2: expected \"lat\" from -90 to 90, got \"90.5\""},
+      {"no wind", "lon,lat,u,v\n", "in.txt: expected winds at two longitudes and two latitudes at least, got 0 rows"},
+      {"negative speed", "longitude,latitude,dir,speed\n1,2,90,-1\n",
+       "in.txt:2: expected \"speed\" from 0 to 1000, got \"-1\""},
+      {"long text is cut", "lon,lat,u,v\n1,2,aaaaaaaaaabbbbbbbbbbccccccccccdddddddddde,4\n",
+       "in.txt:2: expected a number for \"u\", got \"aaaaaaaaaabbbbbbbbbbccccccccccdddddddddd...\""},
+  };
+  for (const auto& row : cases)
+    EXPECT_EQ(ErrorOf([&] { ReadText(WindField::Read, row.text); }), row.error) << row.name;
+}
+
+TEST(Readers, BadHeightGridsNameFileAndLine) {
+  const struct {
+    const char* name;
+    const char* text;
+    const char* error;
+  } cases[] = {
+      {"empty", "", "in.txt:1: expected \"nx ny x0 dx y0 dy\", got \"\""},
+      {"short layout", "2 2 0 1 0\n", "in.txt:1: expected \"nx ny x0 dx y0 dy\", got \"2 2 0 1 0\""},
+      {"huge claim", "65536 65536 0 1 0 1\n1 2\n", "in.txt:2: expected a height in column 3, got \"\""},
+      {"fraction", "2.5 2 0 1 0 1\n",
+       "in.txt:1: expected \"nx ny x0 dx y0 dy\" with whole nx, ny from 2 to 65536 and steps that are not 0, got "
+       "\"2.5 2 0 1 0 1\""},
+      {"step 0", "2 2 0 0 0 1\n",
+       "in.txt:1: expected \"nx ny x0 dx y0 dy\" with whole nx, ny from 2 to 65536 and steps that are not 0, got "
+       "\"2 2 0 0 0 1\""},
+      {"word", "2 2 0 1 0 1\n1 2\n3 deep\n", "in.txt:3: expected a height in column 2, got \"deep\""},
+      {"long row", "2 2 0 1 0 1\n1 2 3\n", "in.txt:2: expected the end of the line after 2 heights, got \"3\""},
+      {"missing row", "2 2 0 1 0 1\n1 2\n", "in.txt: expected 2 rows of heights, got 1"},
+  };
+  for (const auto& row : cases)
+    EXPECT_EQ(ErrorOf([&] { ReadText(HeightField::Read, row.text); }), row.error) << row.name;
+}
+
+TEST(Readers, MissingFilesAndFoldersAreNamed) {
+  EXPECT_EQ(ErrorOf([] { WindField::ReadFile("no/such.csv"); }), "no/such.csv: no such file");
+  EXPECT_EQ(ErrorOf([] { HeightField::ReadFile(VEK_SOURCE_DIR); }),
+            std::string(VEK_SOURCE_DIR) + ": expected a file, got a folder");
+}
+
+TEST(HeightField, InterpolatesBetweenCellCentres) {
+  // Rows from north to south: dy is negative.
+  const HeightField field = ReadText(HeightField::Read, "3 2 10 2 50 -4\n0 4 8\n100 104 108\n");
+  EXPECT_EQ(field.At(10, 50), 0);
+  EXPECT_EQ(field.At(14, 46), 108);
+  EXPECT_EQ(field.At(11, 50), 2);
+  EXPECT_EQ(field.At(13, 48), 56);
+  EXPECT_EQ(field.At(-500, 80), 0) << "beyond the border, the border's height";
+  EXPECT_EQ(field.At(1e300, -1e300), 108);
+  EXPECT_EQ(field.RangeX().min, 9);
+  EXPECT_EQ(field.RangeX().max, 15);
+  EXPECT_EQ(field.RangeY().min, 44);
+  EXPECT_EQ(field.RangeY().max, 52);
+  EXPECT_EQ(field.Heights().max, 108);
+}
+
+TEST(HeightField, WrapsAroundTheGlobe) {
+  const HeightField field = ReadText(HeightField::Read, "4 2 45 90 -45 90\n1 2 3 4\n1 2 3 4\n");
+  EXPECT_EQ(field.At(0, 0), 2.5) << "between the last and the first column";
+  EXPECT_EQ(field.At(-45, 0), 4);
+  EXPECT_EQ(field.At(405, 0), 1);
+}
+
+TEST(HeightField, TheEarthIsWhereItBelongs) {
+  const HeightField earth = HeightField::ReadFile(DataFile("etopo60.txt"));
+  const struct {
+    const char* name;
+    double lon, lat, min, max;
+  } cases[] = {
+      {"Tibet", 88, 33, 4500, 6000},
+      {"Andes", -68, -17, 3500, 5000},
+      {"Greenland", -40, 72, 2000, 3500},
+      {"Sahara", 5, 23, 200, 1500},
+      {"Antarctica", 90, -80, 2500, 4500},
+      {"North Pacific", -160, 30, -7000, -4000},
+      {"South Atlantic", -20, -40, -6000, -2500},
+      {"Tasman Sea", 160, -38, -6000, -2500},
+  };
+  for (const auto& row : cases) {
+    EXPECT_GT(earth.At(row.lon, row.lat), row.min) << row.name;
+    EXPECT_LT(earth.At(row.lon, row.lat), row.max) << row.name;
+    EXPECT_NEAR(earth.At(row.lon + 360, row.lat), earth.At(row.lon, row.lat), 1e-6) << row.name;
+  }
+}
+
+TEST(WindField, DirectionIsWhereTheWindComesFrom) {
+  const WindField field = ReadText(WindField::Read, "longitude,latitude,dir,dirCat,speed\n"
+                                                    "1,50,270,270,4\n2,50,0,0,3\n1,51,225,225,2\n2,51,90,90,0\n");
+  const double diagonal = std::sqrt(2.0);
+  const struct { double u, v; } expected[] = {{4, 0}, {0, -3}, {diagonal, diagonal}, {0, 0}};
+  ASSERT_EQ(field.winds.size(), 4u);
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_NEAR(field.winds[i].u, expected[i].u, 1e-12) << i;
+    EXPECT_NEAR(field.winds[i].v, expected[i].v, 1e-12) << i;
+  }
+  EXPECT_FALSE(field.IsGlobal());
+}
+
+TEST(WindField, TheWorldsWindsBlowAsTheyDo) {
+  const WindField field = WindField::ReadFile(DataFile("noaa_navy_winds_1987-01.csv"));
+  EXPECT_EQ(field.winds.size(), 144u * 73u);
+  EXPECT_TRUE(field.IsGlobal());
+  EXPECT_GT(MeanEastward(field, -50), 5) << "the Roaring Forties and Furious Fifties blow towards the east";
+  EXPECT_LT(MeanEastward(field, 15), -3) << "trade winds blow towards the west";
+  EXPECT_LT(MeanEastward(field, -15), -1);
+  EXPECT_LT(field.SpeedQuantile(0.5), field.SpeedQuantile(0.95));
+  EXPECT_NEAR(field.SpeedQuantile(1), 21.298, 0.001);
+}
+
+TEST(WindField, ThinningKeepsDistanceAndSparesThePoles) {
+  const WindField field = WindField::ReadFile(DataFile("noaa_navy_winds_1987-01.csv"));
+  std::size_t at_equator = 0;
+  std::size_t near_pole = 0;
+  for (const Wind& wind : field.Thinned(48)) {
+    at_equator += std::abs(wind.lat) < 4 ? 1 : 0;
+    near_pole += wind.lat > 76 && wind.lat < 80 ? 1 : 0;
+  }
+  EXPECT_EQ(at_equator, 48u);
+  EXPECT_GT(near_pole, 8u);
+  EXPECT_LT(near_pole, 30u);
+  EXPECT_EQ(field.Thinned(1000).size() <= field.winds.size(), true);
+}
+
+TEST(Quakes, ReadsEventsAndSkipsUnknownMagnitudes) {
+  const auto quakes = ReadText(ReadQuakes, "time_ms,lon,lat,depth_km,mag,magtype,place\n"
+                                           "1,-118.5,34.25,26.5,2,ml,\"4km W of Castaic, CA\"\n"
+                                           "2,10,20,5,,ml,nowhere\n");
+  ASSERT_EQ(quakes.size(), 1u);
+  EXPECT_EQ(quakes[0].lon, -118.5);
+  EXPECT_EQ(quakes[0].lat, 34.25);
+  EXPECT_EQ(quakes[0].depth, 26.5);
+  EXPECT_EQ(quakes[0].magnitude, 2);
+  EXPECT_EQ(ErrorOf([] { ReadText(ReadQuakes, "lon,lat,depth_km,mag\n1,2,3,big\n"); }),
+            "in.txt:2: expected a number for \"mag\", got \"big\"");
+  EXPECT_EQ(ErrorOf([] { ReadText(ReadQuakes, "lon,lat,depth_km,mag\n"); }),
+            "in.txt: expected an earthquake at least, got none");
+  EXPECT_EQ(ReadQuakesFile(DataFile("earthquakes.csv")).size(), 1707u);
+}

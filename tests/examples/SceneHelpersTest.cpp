@@ -1,0 +1,177 @@
+#include "examples/scene/Camera.h"
+#include "examples/scene/MapAxes.h"
+#include "examples/scene/MapFrame.h"
+#include "examples/scene/Options.h"
+#include "examples/scene/Palettes.h"
+#include "examples/scene/Rendering.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace Vek::Chart;
+using namespace Vek::Chart::Gallery;
+
+namespace {
+
+using Point = Types::Vector3_Base<double>;
+
+/// Pixels of a point as GL's matrices give them.
+Camera::Pixel ThroughMatrices(const Camera& p_camera, const Point& p_point, const Types::Viewport<0>& p_viewport) {
+  const auto apply = [](const std::array<double, 16>& p_m, const Types::Vector4_Base<double>& p_v) {
+    return Types::Vector4_Base<double>(p_m[0] * p_v.x + p_m[4] * p_v.y + p_m[8] * p_v.z + p_m[12] * p_v.w,
+                                       p_m[1] * p_v.x + p_m[5] * p_v.y + p_m[9] * p_v.z + p_m[13] * p_v.w,
+                                       p_m[2] * p_v.x + p_m[6] * p_v.y + p_m[10] * p_v.z + p_m[14] * p_v.w,
+                                       p_m[3] * p_v.x + p_m[7] * p_v.y + p_m[11] * p_v.z + p_m[15] * p_v.w);
+  };
+  const double width = static_cast<double>(p_viewport.width);
+  const double height = static_cast<double>(p_viewport.height);
+  const auto clip = apply(p_camera.ProjectionMatrix(width / height),
+                          apply(p_camera.ViewMatrix(), Types::Homogeneous::FromVector3(p_point)));
+  return {static_cast<double>(p_viewport.x) + (clip.x / clip.w + 1) * width / 2,
+          static_cast<double>(p_viewport.y) + (clip.y / clip.w + 1) * height / 2, clip.w > 0};
+}
+
+std::string ErrorOf(const std::vector<std::string>& p_arguments) {
+  try {
+    ParseOptions(p_arguments, {});
+  } catch (const UsageError& error) {
+    return error.what();
+  }
+  return {};
+}
+
+} // namespace
+
+TEST(Camera, LooksWhereItsAnglesSay) {
+  const Types::Viewport<0> viewport(0, 0, 300, 200);
+  const struct {
+    const char* name;
+    double azimuth, elevation;
+    Point eye;   ///< of a camera at distance 10 from the origin
+    Point right; ///< a point that appears to the right of the middle
+    Point upper; ///< a point that appears above the middle
+  } cases[] = {
+      {"north", 0, 0, {0, -10, 0}, {1, 0, 0}, {0, 0, 1}},
+      {"east", 90, 0, {-10, 0, 0}, {0, -1, 0}, {0, 0, 1}},
+      {"from above", 0, 90, {0, 0, 10}, {1, 0, 0}, {0, 1, 0}},
+      {"from below", 0, -90, {0, 0, -10}, {1, 0, 0}, {0, -1, 0}},
+  };
+  for (const auto& row : cases) {
+    Camera camera;
+    camera.azimuth = row.azimuth;
+    camera.elevation = row.elevation;
+    EXPECT_NEAR(Length(camera.Eye() - row.eye), 0, 1e-12) << row.name;
+    const Camera::Pixel right = camera.Project(row.right, viewport);
+    const Camera::Pixel upper = camera.Project(row.upper, viewport);
+    EXPECT_GT(right.x, 160) << row.name;
+    EXPECT_NEAR(right.y, 100, 1e-9) << row.name;
+    EXPECT_GT(upper.y, 110) << row.name;
+    EXPECT_NEAR(upper.x, 150, 1e-9) << row.name;
+    EXPECT_FALSE(camera.Project(row.eye * 2.0, viewport).visible) << row.name;
+  }
+}
+
+TEST(Camera, ProjectsAsItsMatricesDo) {
+  const Types::Viewport<0> viewport(7, 11, 290, 140);
+  for (unsigned int seed = 0; seed < 50; ++seed) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> number(-4, 4);
+    Camera camera;
+    camera.target = {number(random), number(random), number(random)};
+    camera.Orbit(number(random) * 100, number(random) * 20);
+    const Point point(number(random), number(random), number(random));
+    const Camera::Pixel expected = ThroughMatrices(camera, point, viewport);
+    const Camera::Pixel pixel = camera.Project(point, viewport);
+    ASSERT_EQ(pixel.visible, expected.visible) << seed;
+    EXPECT_NEAR(pixel.x, expected.x, 1e-6) << seed;
+    EXPECT_NEAR(pixel.y, expected.y, 1e-6) << seed;
+  }
+}
+
+TEST(MapFrame, WrapsLongitudesIntoTheMap) {
+  const MapFrame world(-180, 180, -80, 84);
+  EXPECT_TRUE(world.IsGlobal());
+  EXPECT_EQ(world.Place(0, 2).x, 0);
+  EXPECT_EQ(world.Place(0, 2).y, 0);
+  EXPECT_EQ(world.Place(377.5, 2).x, 17.5);
+  EXPECT_EQ(world.Place(190, 2).x, -170);
+  EXPECT_EQ(world.Place(-180, 2).x, -180);
+  EXPECT_EQ(world.Place(180, 2).x, 180) << "the eastern border is not folded onto the western one";
+  EXPECT_FALSE(world.Contains(0, 85));
+
+  const MapFrame part(350, 370, 50, 70);
+  EXPECT_FALSE(part.IsGlobal());
+  EXPECT_NEAR(part.Place(-5, 60).x, -90, 1e-9);
+  EXPECT_NEAR(part.Place(0, 61).y, 36, 1e-9) << "at 60 degrees a degree of latitude is twice one of longitude";
+  EXPECT_TRUE(part.Contains(5, 60));
+  EXPECT_FALSE(part.Contains(15, 60));
+}
+
+TEST(MapAxes, NamesDegreesAndChoosesRoundOnes) {
+  EXPECT_EQ(LongitudeText(-60).toStdString(), "60° W");
+  EXPECT_EQ(LongitudeText(300).toStdString(), "60° W");
+  EXPECT_EQ(LongitudeText(180).toStdString(), "180°");
+  EXPECT_EQ(LongitudeText(0).toStdString(), "0°");
+  EXPECT_EQ(LatitudeText(45.5).toStdString(), "45.5° N");
+  const struct {
+    const char* name;
+    double min, max;
+    std::size_t most;
+    std::vector<double> ticks;
+  } cases[] = {
+      {"world", -180, 180, 8, {-180, -120, -60, 0, 60, 120, 180}},
+      {"speeds", 0, 15, 6, {0, 5, 10, 15}},
+      {"small", 0.1, 0.45, 5, {0.1, 0.2, 0.3, 0.4}},
+      {"no range", 3, 3, 5, {}},
+  };
+  for (const auto& row : cases) {
+    const std::vector<double> ticks = RoundTicks(row.min, row.max, row.most);
+    ASSERT_EQ(ticks.size(), row.ticks.size()) << row.name;
+    for (std::size_t i = 0; i < ticks.size(); ++i)
+      EXPECT_NEAR(ticks[i], row.ticks[i], 1e-12) << row.name;
+  }
+}
+
+TEST(Palettes, RunFromEndToEndAndGrowLighter) {
+  EXPECT_EQ(Palettes::Viridis().front(), QColor(0x440154));
+  EXPECT_EQ(Palettes::Viridis().back(), QColor(0xFDE725));
+  EXPECT_EQ(Palettes::Magma(1, 0).front(), QColor(0xFCFDBF));
+  EXPECT_EQ(Palettes::Plasma(0.5, 1).front(), QColor(0xCC4778));
+  const auto lightness = [](const QColor& p_color) {
+    return 0.2126 * p_color.redF() + 0.7152 * p_color.greenF() + 0.0722 * p_color.blueF();
+  };
+  for (const auto& colors : {Palettes::Viridis(), Palettes::Inferno(), Palettes::Magma(), Palettes::Plasma()})
+    for (std::size_t i = 16; i < colors.size(); i += 16)
+      EXPECT_GT(lightness(colors[i]), lightness(colors[i - 16])) << i;
+  const std::vector<QColor> sampled =
+      Palettes::Sampled({{0, 0x000000}, {1, 0x640000}, {1, 0x00FF00}, {2, 0x0000FF}}, 5);
+  ASSERT_EQ(sampled.size(), 5u);
+  EXPECT_EQ(sampled[1], QColor(50, 0, 0));
+  EXPECT_EQ(sampled[2], QColor(100, 0, 0));
+  EXPECT_EQ(sampled[4], QColor(0, 0, 255));
+}
+
+TEST(Options, TakesValuesAndRefusesTheRest) {
+  const Options options =
+      ParseOptions({"--out", "pictures", "--only", "wind", "--size", "320x200", "--winds", "w.csv"}, {});
+  EXPECT_EQ(options.out, "pictures");
+  EXPECT_EQ(options.only, std::vector<std::string>{"wind"});
+  EXPECT_TRUE(options.size == Types::Size(320, 200));
+  EXPECT_EQ(options.inputs.winds, "w.csv");
+  EXPECT_FALSE(options.help);
+  EXPECT_TRUE(ParseOptions({"--help"}, {}).help);
+
+  EXPECT_EQ(ErrorOf({"--fast"}), "unknown option '--fast'; --help lists what there is");
+  EXPECT_EQ(ErrorOf({"wind"}), "unknown option 'wind'; --help lists what there is");
+  EXPECT_EQ(ErrorOf({"--out"}), "--out needs a value: DIR");
+  EXPECT_EQ(ErrorOf({"--only", "tides"}).find("there is no picture 'tides'; there are: wind"), 0u);
+  for (const std::string size : {"320", "0x0", "320x", "x200", "320x200x1", "9000x100", "-20x200", "3e2x200", ""})
+    EXPECT_NE(ErrorOf({"--size", size}), "") << size;
+}
+
+TEST(IndexPage, ShowsEachPictureWithCaptionAndSource) {
+  const std::string page = IndexPage({{"a", "x < y & \"z\"", "examples/A.cpp", nullptr}});
+  EXPECT_NE(page.find("<img src=\"a.png\""), std::string::npos);
+  EXPECT_NE(page.find("x &lt; y &amp; &quot;z&quot; <code>examples/A.cpp</code>"), std::string::npos);
+}
