@@ -61,7 +61,8 @@ std::string Fault(const std::string& p_from, const std::string& p_to) {
   if (from[0] == "library")
     return to[0] == "platform" || to[0] == "algorithms" || to[0] == "library" ? "" : "points up";
   const bool below = to[0] == "platform" || to[0] == "algorithms" || to[0] == "library";
-  return below || to[0] == from[0] ? "" : "belongs to another program";
+  const bool own_test = StartsWith(p_from, "tests/" + to[0] + "/");
+  return below || own_test || to[0] == from[0] ? "" : "belongs to another program";
 }
 
 /// What is wrong with `p_from` having the line #include <p_to>.
@@ -105,6 +106,8 @@ const Row QuotedRows[] = {
     {"library/ColorMap.cpp", "tests/support/ReportCapture.h", "points up"},
     {"tests/library/ColorMapTest.cpp", "library/private/Gradient.h", "is hidden"},
     {"tests/library/ColorMapTest.cpp", "tests/support/ReportCapture.h", ""},
+    {"tests/examples/CameraTest.cpp", "examples/scene/Camera.h", ""},
+    {"tests/library/ColorMapTest.cpp", "examples/scene/Camera.h", "belongs to another program"},
     {"bench/ColorMapBench.cpp", "tests/support/ReportCapture.h", "belongs to another program"},
     {"examples/Gallery.cpp", "library/private/Gradient.h", "is hidden"},
     {"examples/Gallery.cpp", "platform/ogl/OffscreenContext.h", ""},
