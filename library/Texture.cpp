@@ -4,6 +4,7 @@
 #include "platform/debug/Check.h"
 
 #include <cstddef>
+#include <iterator>
 
 namespace Vek::Chart::Library {
 

@@ -1,4 +1,6 @@
 #include "library/ColorMap.h"
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +12,9 @@
 #include <random>
 #include <string>
 
-using Vek::Chart::Library::ColorMap;
+using namespace Vek::Chart;
+using Library::ColorMap;
+using Vek::Test::Lines;
 using Vek::Test::ReportCapture;
 using Colors = std::vector<QColor>;
 using Weights = std::vector<double>;
@@ -132,6 +136,11 @@ TEST(ColorMap, MakesBandsByWeight) {
       {"one colour", {{glass}, ColorMap::Interpolated}, {{glass, 1}}, {}},
       {"one weighted colour", {{glass}, {0.25}, ColorMap::Discrete}, {{glass, 1}}, {}},
       {"one colour left", {{red, glass}, {0, 2}, ColorMap::Discrete}, {{glass, 1}}, {}},
+      // 2 / (4 / 4093) = 2046.5
+      {"a half is rounded up",
+       {{red, green, blue}, {2, 1, 1}, ColorMap::Discrete},
+       {{red, 2048}, {green, 1024}, {blue, 1024}},
+       {2, 1, 1}},
       // 0.5 / (1.5 / 4094) = 1364.67, 2729.33
       {"one to two", {{red, blue}, {0.5, 1}, ColorMap::Discrete}, {{red, 1366}, {blue, 2730}}, {0.5, 1}},
       {"a hair still has a texel", {{red, blue}, {1e-9, 1}, ColorMap::Discrete}, {{red, 1}, {blue, 4095}}, {1e-9, 1}},
@@ -216,7 +225,7 @@ TEST(ColorMap, MatchesThePlainModelOnRandomLists) {
 }
 
 TEST(ColorMap, ScalesWideGradientsSmoothly) {
-  // Six bands of 683 texels; their middles keep the colour, and a texel that joins two bands mixes them.
+  // Six bands of 683 texels; their middles keep the colour.
   const Colors six{red, green, blue, Qt::white, Qt::black, red};
   const ColorMap bands(six, ColorMap::Discrete);
   for (std::size_t i = 0; i < six.size(); ++i)
@@ -224,6 +233,13 @@ TEST(ColorMap, ScalesWideGradientsSmoothly) {
 
   // Weights 1 : 3 are 1025 + 3072 texels.
   EXPECT_EQ(ColorMap({red, blue}, {1, 3}, ColorMap::Discrete).Size(), 4096);
+
+  Colors stripes;
+  for (int i = 0; i < 8192; ++i)
+    stripes.push_back(i % 2 == 0 ? Qt::black : Qt::white);
+  const ColorMap mixed(stripes, ColorMap::Discrete);
+  for (int x = 0; x < 4096; ++x)
+    ASSERT_NEAR(mixed.Color(x).red(), 128, 1) << x;
 
   // Translucent colours do not turn dark.
   ColorMap translucent(Colors(6, glass), ColorMap::Discrete);
@@ -389,6 +405,7 @@ TEST(ColorMap, IsSharedByCopies) {
 
 TEST(GenerateColorList, SpreadsTheListEvenly) {
   const QColor deep = QColor::fromRgba64(1000, 2001, 40003, 50005); // not a multiple of 257: 16 bits a channel
+  const QColor hsv = QColor::fromHsv(10, 200, 100);
   const QColor grey = QColor::fromRgbF(0.5, 0, 0.5);
   const struct {
     const char* name;
@@ -399,7 +416,7 @@ TEST(GenerateColorList, SpreadsTheListEvenly) {
       {"none wanted", {red}, 0, {}},
       {"fewer than none", {red}, -3, {}},
       {"nothing given", {}, 2, {Qt::white, Qt::white}},
-      {"as many as given", {deep, red}, 2, {deep, red}},
+      {"as many as given", {deep, hsv}, 2, {deep, hsv}},
       {"one of many", {deep, red, green}, 1, {deep}},
       {"many of one", {deep}, 3, {deep, deep, deep}},
       {"half-way", {red, blue}, 3, {red, grey, blue}},
@@ -469,5 +486,93 @@ TEST(GenerateWeightList, KeepsTheAreaUnderEachOutput) {
     for (int k = 0; k < count; ++k)
       ASSERT_NEAR(result[static_cast<std::size_t>(k)], area((k + 1.0) * n / count) - area(double(k) * n / count), 1e-8)
           << "seed " << seed << ", output " << k;
+  }
+}
+
+namespace {
+
+const Lines parameters_and_enables = {
+    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)",
+    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)",
+    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST)",
+    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST)",
+    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0)",
+    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0)",
+    "Enable(GL_TEXTURE_2D)",
+    "Disable(GL_TEXTURE_GEN_S)",
+    "Disable(GL_TEXTURE_GEN_T)",
+};
+
+Lines Joined(Lines p_first, const Lines& p_second) {
+  p_first.insert(p_first.end(), p_second.begin(), p_second.end());
+  return p_first;
+}
+
+class ColorMapCalls : public Vek::Test::RecordingFixture {};
+class ColorMapPixels : public Vek::Test::PixelFixture {};
+
+} // namespace
+
+TEST_F(ColorMapCalls, UploadsOnceAndSetsItsStateAtEachBind) {
+  {
+    Utility::Scoped<Rgl> gl(recorder.Handle());
+    const ColorMap map({glass, red, blue}, ColorMap::Discrete);
+    recorder.Clear();
+    map(gl, RGL_TEXTURE0 + 3);
+    EXPECT_EQ(recorder.Lines(),
+              Joined({"ActiveTexture(GL_TEXTURE3)", "GenTextures(1, [1001])", "BindTexture(GL_TEXTURE_2D, 1001)",
+                      "PixelStorei(GL_UNPACK_ALIGNMENT, 1)",
+                      "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 4095, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)"},
+                     parameters_and_enables));
+    ASSERT_TRUE(map.Handle());
+    EXPECT_EQ(map.Handle()->Name(), 1001u);
+
+    std::vector<unsigned char> bytes;
+    for (const QRgb texel : Texels(map))
+      for (const int channel : {qRed(texel), qGreen(texel), qBlue(texel), qAlpha(texel)})
+        bytes.push_back(static_cast<unsigned char>(channel));
+    EXPECT_TRUE(recorder.FindTexture(1001)->levels.at(0).pixels == bytes);
+
+    recorder.Clear();
+    const ColorMap copy = map;
+    copy(gl, RGL_TEXTURE0);
+    EXPECT_EQ(recorder.Lines(),
+              Joined({"ActiveTexture(GL_TEXTURE0)", "BindTexture(GL_TEXTURE_2D, 1001)"}, parameters_and_enables));
+  }
+}
+
+TEST_F(ColorMapCalls, UploadsNothingForAnEmptyMap) {
+  const ReportCapture reports;
+  Utility::Scoped<Rgl> gl(recorder.Handle());
+  const ColorMap map(Colors{}, ColorMap::Discrete);
+  recorder.Clear();
+  map(gl, RGL_TEXTURE0);
+  EXPECT_EQ(recorder.Lines(), Joined({"ActiveTexture(GL_TEXTURE0)", "GenTextures(1, [1001])",
+                                      "BindTexture(GL_TEXTURE_2D, 1001)", "PixelStorei(GL_UNPACK_ALIGNMENT, 1)"},
+                                     parameters_and_enables));
+}
+
+TEST_F(ColorMapPixels, DrawsTheTexelOfEachValue) {
+  Utility::Scoped<Rgl> gl(Handle());
+  gl->Viewport(0, 0, 29, 14);
+  const ColorMap maps[] = {{{red, green, blue, Qt::white}, {1, 2, 3, 4}, ColorMap::Discrete},
+                           {{red, QColor(0, 90, 180)}, ColorMap::Interpolated},
+                           {{QColor(12, 34, 56)}, ColorMap::Discrete}};
+  for (const ColorMap& map : maps) {
+    map(gl, RGL_TEXTURE0);
+    gl->Color(Qt::white);
+    gl->Begin(RGL_QUADS);
+    for (const auto& [x, y] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
+      gl->TexCoord(x, 0.5);
+      gl->Vertex(2 * x - 1, 2 * y - 1, 0);
+    }
+    gl->End();
+    const QImage image = Image();
+    for (int x = 0; x < 29; ++x) {
+      // GL takes the texel that the position lies in.
+      const QColor expected = map.Color(static_cast<int>((x + 0.5) / 29 * map.Size()));
+      for (const int y : {0, 6, 13})
+        EXPECT_TRUE(Vek::Test::SameColor(Vek::Test::PixelAt(image, x, y), expected, 1)) << x << ", " << y;
+    }
   }
 }

@@ -1,0 +1,251 @@
+#include "library/Texture.h"
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace Vek::Chart;
+using Library::Texture;
+using Vek::Test::Lines;
+using Vek::Test::ReportCapture;
+
+namespace {
+
+/// 9 × 3 texels, all different.
+QImage Checked() {
+  QImage image(9, 3, QImage::Format_ARGB32);
+  for (int y = 0; y < 3; ++y)
+    for (int x = 0; x < 9; ++x)
+      image.setPixel(x, y, qRgba(20 * x, 80 * y, 255 - 20 * x, 255));
+  return image;
+}
+
+/// Covers the viewport; texture coordinates from 0 to `p_repeats`.
+void DrawQuad(Utility::Scoped<Rgl>& p_gl, double p_repeats = 1) {
+  p_gl->Begin(RGL_QUADS);
+  for (const auto& [s, t] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
+    p_gl->TexCoord(s * p_repeats, t * p_repeats);
+    p_gl->Vertex(2 * s - 1, 2 * t - 1, 0);
+  }
+  p_gl->End();
+}
+
+class TextureCalls : public Vek::Test::RecordingFixture {};
+class TexturePixels : public Vek::Test::PixelFixture {};
+
+} // namespace
+
+TEST_F(TextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
+  {
+    Utility::Scoped<Rgl> gl(recorder.Handle());
+    Texture texture(Checked(), gl);
+    EXPECT_FALSE(texture.Handle());
+    recorder.Clear();
+    texture(gl, RGL_TEXTURE0 + 2);
+    EXPECT_EQ(recorder.Lines(),
+              (Lines{"ActiveTexture(GL_TEXTURE2)", "GenTextures(1, [1001])", "BindTexture(GL_TEXTURE_2D, 1001)",
+                     "PixelStorei(GL_UNPACK_ALIGNMENT, 1)",
+                     "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR)",
+                     "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE)", "Enable(GL_TEXTURE_2D)",
+                     "Disable(GL_TEXTURE_GEN_S)", "Disable(GL_TEXTURE_GEN_T)"}));
+    EXPECT_EQ(texture.Handle()->Name(), 1001u);
+    // The lowest row comes first.
+    const auto* const uploaded = recorder.FindTexture(1001);
+    ASSERT_NE(uploaded, nullptr);
+    EXPECT_EQ(
+        std::vector<unsigned char>(uploaded->levels.at(0).pixels.begin(), uploaded->levels.at(0).pixels.begin() + 8),
+        (std::vector<unsigned char>{0, 160, 255, 255, 20, 160, 235, 255}));
+
+    texture.sRgb = true; // too late
+    recorder.Clear();
+    texture(gl, RGL_TEXTURE0);
+    const Lines again = recorder.Lines();
+    ASSERT_EQ(again.size(), 12u);
+    EXPECT_EQ(again[1], "BindTexture(GL_TEXTURE_2D, 1001)");
+    EXPECT_EQ(again[2], "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0)");
+  }
+}
+
+TEST_F(TextureCalls, SetsOnlyWhatItKnows) {
+  const struct {
+    const char* name;
+    std::uint32_t filter, wrap, environment;
+    Lines expected;
+  } cases[] = {
+      {"lowest",
+       0,
+       0,
+       0,
+       {"TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)",
+        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT)",
+        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST)",
+        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR)",
+        "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE)"}},
+      {"second",
+       1,
+       1,
+       1,
+       {"TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT)",
+        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)",
+        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR)",
+        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST)",
+        "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_DECAL)"}},
+      {"just past the end", 2, 2, 3, {}},
+      {"far away", 7, 0xFFFFFFFF, 0xFFFFFFFF, {}},
+  };
+  Utility::Scoped<Rgl> gl(recorder.Handle());
+  for (const auto& c : cases) {
+    Texture texture(Checked(), gl);
+    texture.minFilter = c.filter;
+    texture.magFilter = c.filter < 2 ? 1 - c.filter : c.filter;
+    texture.wrapS = c.wrap;
+    texture.wrapT = c.wrap < 2 ? 1 - c.wrap : c.wrap;
+    texture.environment = c.environment;
+    texture(gl, RGL_TEXTURE0);
+    recorder.Clear();
+    texture(gl, RGL_TEXTURE0);
+    Lines settings = recorder.LinesOf({"TexParameteri", "TexEnvi"});
+    settings.erase(settings.begin(), settings.begin() + 2); // the levels
+    EXPECT_EQ(settings, c.expected) << c.name;
+  }
+}
+
+TEST_F(TextureCalls, StoresAsSrgbWhenAsked) {
+  Utility::Scoped<Rgl> gl(recorder.Handle());
+  Texture texture(Checked(), gl);
+  texture.sRgb = true;
+  texture(gl, RGL_TEXTURE0);
+  EXPECT_EQ(recorder.LinesOf({"TexImage2D"}),
+            Lines{"TexImage2D(GL_TEXTURE_2D, 0, GL_SRGB8_ALPHA8, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)"});
+}
+
+TEST_F(TextureCalls, SizesTheImageForTheVersion) {
+  const Lines invalid = {"\"_width > 0 && _height > 0 && \"Invalid Texture Size\"\" - __cdecl "
+                         "Vek::Chart::Library::Texture::Texture(const class QImage &,class "
+                         "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)"};
+  const struct {
+    const char* version;
+    int width, height;
+    int expected_width, expected_height;
+    bool uploads;
+    Lines reports;
+  } cases[] = {
+      {"1.5 Vendor", 100, 30, 128, 32, true, {}},
+      {"1.5.2", 64, 64, 64, 64, true, {}},
+      {"1.4", 65, 1, 128, 1, true, {}},
+      {"1.1", 1, 3, 1, 4, true, {}},
+      {"1.5", 0, 0, 1, 1, false, {}},
+      {"2.0", 100, 30, 100, 30, true, {}},
+      {"2.0.1", 1, 3, 1, 3, true, {}},
+      {"4.5 (Compatibility Profile)", 100, 30, 100, 30, true, {}},
+      {"2.0", 0, 0, 0, 0, false, invalid},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.version) + ", " + std::to_string(c.width) + " x " + std::to_string(c.height));
+    recorder.SetVersion(c.version);
+    recorder.Clear();
+    const ReportCapture reports;
+    Utility::Scoped<Rgl> gl(recorder.Handle());
+    QImage image(c.width, c.height, QImage::Format_ARGB32);
+    image.fill(Qt::red);
+    const Texture texture(image, gl);
+    EXPECT_EQ(texture.Width(), c.expected_width);
+    EXPECT_EQ(texture.Height(), c.expected_height);
+    texture(gl, RGL_TEXTURE0);
+    const std::string upload = "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, " + std::to_string(c.expected_width) + ", " +
+                               std::to_string(c.expected_height) + ", 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)";
+    EXPECT_EQ(recorder.LinesOf({"TexImage2D"}), c.uploads ? Lines{upload} : Lines());
+    EXPECT_EQ(reports.Texts(), c.reports);
+  }
+}
+
+TEST_F(TextureCalls, ScalesWithoutMixingColours) {
+  recorder.SetVersion("1.5");
+  Utility::Scoped<Rgl> gl(recorder.Handle());
+  const Texture texture(Checked(), gl);
+  texture(gl, RGL_TEXTURE0);
+  const auto& level = recorder.FindTexture(texture.Handle()->Name())->levels.at(0);
+  ASSERT_EQ(level.width, 16);
+  ASSERT_EQ(level.height, 4);
+  for (std::size_t i = 0; i < level.pixels.size(); i += 4) {
+    EXPECT_EQ(level.pixels[i] % 20, 0) << "texel " << i / 4;
+    EXPECT_EQ(level.pixels[i + 1] % 80, 0) << "texel " << i / 4;
+  }
+}
+
+TEST_F(TextureCalls, ReleasesItsTextureWithTheLastHolder) {
+  Utility::Scoped<Rgl> gl(recorder.Handle());
+  boost::shared_ptr<Ogl::Texture> handle;
+  {
+    const Texture texture(Checked(), gl);
+    texture(gl, RGL_TEXTURE0);
+    const Texture copy = texture;
+    handle = copy.Handle();
+  }
+  EXPECT_EQ(recorder.LinesOf({"DeleteTextures"}), Lines());
+  handle.reset();
+  EXPECT_EQ(recorder.LinesOf({"DeleteTextures"}), Lines{"DeleteTextures(1, [1001])"});
+}
+
+TEST_F(TexturePixels, ShowsTheImageUpright) {
+  Utility::Scoped<Rgl> gl(Handle());
+  gl->Viewport(0, 0, 9, 3);
+  Texture texture(Checked(), gl);
+  texture.minFilter = texture.magFilter = Texture::Nearest;
+  texture(gl, RGL_TEXTURE0);
+  gl->Color(Qt::red); // replaced
+  DrawQuad(gl);
+  EXPECT_TRUE(Vek::Test::SameImage(Image().copy(0, FrameSize.height - 3, 9, 3), Checked()));
+}
+
+TEST_F(TexturePixels, AppliesItsSettingsAtEachBind) {
+  Utility::Scoped<Rgl> gl(Handle());
+  gl->Viewport(0, 0, 8, 4);
+  QImage image(2, 1, QImage::Format_ARGB32);
+  image.setPixel(0, 0, qRgb(200, 0, 100));
+  image.setPixel(1, 0, qRgb(0, 200, 100));
+  Texture texture(image, gl);
+
+  const auto texel = [&](int p_x, double p_repeats) {
+    texture(gl, RGL_TEXTURE0);
+    gl->Color(QColor::fromRgbF(0.5, 1, 0));
+    DrawQuad(gl, p_repeats);
+    return Vek::Test::PixelAt(Image(), p_x, 1);
+  };
+  texture.magFilter = Texture::Nearest;
+  EXPECT_EQ(texel(3, 1), qRgb(200, 0, 100));
+  EXPECT_EQ(texel(4, 1), qRgb(0, 200, 100));
+  texture.magFilter = Texture::Linear; // pixel 3 is at 0.4375 × 2 − 0.5 = 0.375 between the texels
+  EXPECT_NEAR(qRed(texel(3, 1)), 125, 2);
+  EXPECT_NEAR(qGreen(texel(3, 1)), 75, 2);
+  texture.magFilter = texture.minFilter = Texture::Nearest;
+  EXPECT_EQ(texel(4, 2), qRgb(0, 200, 100)) << "clamped";
+  texture.wrapS = Texture::Repeat;
+  EXPECT_EQ(texel(4, 2), qRgb(200, 0, 100)) << "repeated";
+  texture.environment = Texture::Modulate;
+  EXPECT_EQ(texel(0, 1), qRgb(100, 0, 0));
+}
+
+TEST_F(TexturePixels, LinearisesWhatIsStoredAsSrgb) {
+  Utility::Scoped<Rgl> gl(Handle());
+  gl->Viewport(0, 0, 3, 3);
+  QImage image(5, 1, QImage::Format_ARGB32);
+  image.fill(qRgba(188, 188, 188, 77));
+  Texture texture(image, gl);
+  texture.sRgb = true;
+  texture(gl, RGL_TEXTURE0);
+  DrawQuad(gl);
+  EXPECT_NEAR(qRed(Vek::Test::PixelAt(Image(), 1, 1)), 128, 2); // ((188 / 255 + 0.055) / 1.055) ^ 2.4 = 0.503
+  EXPECT_EQ(qAlpha(Vek::Test::PixelAt(Image(), 1, 1)), 77);
+}
