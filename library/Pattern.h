@@ -1,0 +1,71 @@
+#pragma once
+
+#include "library/Export.h"
+#include "library/Texture.h"
+#include "platform/assets/ImageCache.h"
+#include "platform/assets/Resource.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <cstdint>
+
+namespace Vek::Chart::Library {
+
+/// Maps the engine's pattern numbers to what GL draws them with: a line stipple, a polygon stipple or a point-sprite
+/// texture. Any number is allowed; the ones that have no row of their own are solid (for points: the rectangle).
+class VEK_LIBRARY_API Pattern {
+public:
+  enum LinePattern : std::uint32_t {
+    LineNone = 0, ///< draws nothing (solid as a stipple)
+    LineSolid = 1,
+    LineDense = 2,  ///< three of four
+    LineDots = 3,   ///< every other
+    LineSparse = 4, ///< one of four
+    LineShort = 5,  ///< two on, two off
+    LineMedium = 6, ///< four on, four off
+    LineLong = 7,   ///< eight on, eight off
+    LineDotDash = 8,
+    LineDotsDash = 9,
+    LineLongDotDash = 10,
+  };
+  enum FillPattern : std::uint32_t {
+    FillNone = 0, ///< draws nothing (solid as a stipple)
+    FillSolid = 1,
+    FillDense = 2,        ///< three of four bits
+    FillHalf = 3,         ///< checkerboard
+    FillSparse = 4,       ///< one of four bits
+    FillHorizontal = 5,   ///< a line every fourth row
+    FillVertical = 6,     ///< a line every fourth column
+    FillGrid = 7,         ///< both
+    FillDiagonal = 8,     ///< one way
+    FillBackDiagonal = 9, ///< the other way
+    FillCrossHatch = 10,  ///< both diagonals
+    FillWeave = 11,
+    FillBackWeave = 12,
+  };
+  enum PointPattern : std::uint32_t {
+    PointNone = 0,
+    PointRectangle = 1,
+    PointEllipse = 2,
+    PointDiamond = 3,
+    PointHexagon = 4,
+    PointTriangle = 5,
+    PointCross = 6,
+    PointXCross = 7,
+    PointStar = 8,
+  };
+
+  /// The 16 bits for glLineStipple; the least significant bit is drawn first.
+  static unsigned short LineStipplePattern(LinePattern p_pattern);
+  /// The 128 bytes for glPolygonStipple: 32 rows of 32 bits, the bottom row first, the leftmost bit the most
+  /// significant one of a row's first byte. Owned by the library, valid as long as the program runs.
+  static const unsigned char* PolygonStipplePattern(FillPattern p_pattern);
+  /// A new texture of the image "symbol_" + shape, found through the resource and read through the cache, in the
+  /// environment mode modulate, so that the current colour tints it. A missing image is reported by the cache and by
+  /// the texture.
+  static boost::shared_ptr<Texture> PointSpritePattern(PointPattern p_pattern, const Assets::Resource& p_resource,
+                                                       Assets::ImageCache& p_cache, Utility::Scoped<Rgl>& p_gl);
+};
+
+} // namespace Vek::Chart::Library
