@@ -1,0 +1,50 @@
+#pragma once
+
+#include "library/ColorMap.h"
+#include "library/Export.h"
+#include "platform/ogl/Text.h"
+#include "platform/types/ColorMap.h"
+#include "platform/types/FillStyle.h"
+#include "platform/types/LineStyle.h"
+#include "platform/types/SymbolStyle.h"
+#include "platform/types/TextStyle.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/function.hpp>
+#include <boost/shared_ptr.hpp>
+
+namespace Vek::Chart::Library {
+
+/// Says whether a style draws anything, and draws with it. Only the effective values of a style's properties count.
+class VEK_LIBRARY_API Style {
+public:
+  // Whether a style would draw anything. A colour map, when there is one that is not empty, stands in for the colour.
+  static bool HasFill(const Types::FillStyle& p_style);
+  static bool HasFill(const Types::FillStyle& p_style, const boost::shared_ptr<ColorMap>& p_map);
+  /// A width that is not above 0, or NaN, draws no line.
+  static bool HasLine(const Types::LineStyle& p_style);
+  static bool HasLine(const Types::LineStyle& p_style, const boost::shared_ptr<ColorMap>& p_map);
+  static bool HasSymbol(const Types::SymbolStyle& p_style);
+  static bool HasSymbol(const Types::SymbolStyle& p_style, const boost::shared_ptr<ColorMap>& p_map);
+
+  /// Whether the map blends: at least two colours and the gradient flag.
+  static bool HasColorMapGradient(const Types::ColorMap& p_map);
+  /// Whether the map has usable weights: at least two colours and as many weights.
+  static bool HasColorMapWeightings(const Types::ColorMap& p_map);
+
+  /// Copies what differs to the text: both colours, the flag, and the size held to 2 to 96. An empty pointer is
+  /// reported.
+  static void ApplyStyle(boost::shared_ptr<Ogl::Text>& p_text, const Types::TextStyle& p_style);
+
+  /// Calls `p_draw` with the style's colour and stipple set: for a pattern with a visible second colour first with that
+  /// colour and unstippled, then with the colour and stippled. A pattern whose second colour is transparent is drawn
+  /// solid. Enables, polygon (or line) state and the current colour are as before when the call returns or throws; an
+  /// empty function throws boost::bad_function_call.
+  static void DrawInternal(const Types::FillStyle& p_style, Utility::Scoped<Rgl>& p_gl,
+                           boost::function<void(Utility::Scoped<Rgl>&)>& p_draw);
+  /// As above for lines; dashes grow with the width. A negative or NaN width has the stipple factor 0.
+  static void DrawInternal(const Types::LineStyle& p_style, Utility::Scoped<Rgl>& p_gl,
+                           boost::function<void(Utility::Scoped<Rgl>&)>& p_draw);
+};
+
+} // namespace Vek::Chart::Library

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Property.h"
+#include "platform/types/Size.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <QColor>
+#include <QImage>
+#include <QString>
+
+namespace Vek::Chart::Ogl {
+
+/// One line or several lines of text in window pixels, set in the application's default font family.
+///
+/// The letters have the first colour. The flag chooses what the second colour does: with the flag set it fills a box
+/// behind the text, without it draws an outline around the letters; a transparent second colour draws neither.
+///
+/// Qt needs a QGuiApplication for fonts (platform "offscreen" will do). Without one, `Image` is null and drawing does
+/// nothing; both report "qGuiApp != nullptr && "Text needs a QGuiApplication."".
+///
+/// The picture is made and uploaded again only after a change. Rendering thread only.
+class VEK_PLATFORM_API Text {
+public:
+  static constexpr unsigned int MinSize = 2;
+  static constexpr unsigned int MaxSize = 96;
+
+  explicit Text(const QString& p_text = {});
+
+  /// The text; lines are separated by line feeds.
+  Types::Property<QString> text;
+  /// The lower left corner of the text's box, in window pixels.
+  Types::Pos position;
+  Types::Property<QColor> firstColor{QColor(Qt::black)};
+  Types::Property<QColor> secondColor{QColor(Qt::transparent)};
+  Types::Property<bool> flag{false};
+  /// The height of the font in pixels; taken as the nearest of MinSize to MaxSize.
+  Types::Property<unsigned int> size{12};
+
+  /// The text's box with everything that belongs to it, premultiplied ARGB; null for an empty text.
+  const QImage& Image();
+
+  /// Draws at `position`, one texel a pixel, over what is there. The projection must map pixels to the viewport
+  /// (`Rgl::PixelProjection`). All attributes of GL are left as they were but for the binding of unit 0's 2-D texture,
+  /// which the attribute stack restores too.
+  void operator()(Utility::Scoped<Rgl>& p_gl);
+
+private:
+  bool Changed() const;
+  void Paint();
+
+  QImage _image;
+  bool _uploaded = false;
+  boost::shared_ptr<Texture> _texture;
+};
+
+} // namespace Vek::Chart::Ogl
