@@ -1,0 +1,29 @@
+#pragma once
+
+#include "library/Export.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Vector.h"
+#include "platform/utility/Scope.h"
+
+#include <cstdint>
+
+namespace Vek::Chart::Library {
+
+/// An arrow along +z, in model units: a cylindrical shaft and a conical head, both open. The head is always filled.
+///
+/// Drawn with the current colour and material and smooth normals. Leaves the GL state as it was: the translation is
+/// undone by its inverse. A quadric that GL cannot make is reported and nothing is drawn.
+class VEK_LIBRARY_API Arrow3D {
+public:
+  Types::Vector3_Base<double> position; ///< the tail
+  double length = 1.0;                  ///< from the tail to the tip
+  double headFraction = 0.3;            ///< the head's share of the length
+  double shaftRadius = 0.075;
+  double headRadius = 0.15;
+  std::uint32_t segments = 8; ///< slices around the axis
+  bool filled = true;         ///< the shaft as faces, or as lines
+
+  void operator()(const Utility::Unscoped<Rgl>& p_gl) const;
+};
+
+} // namespace Vek::Chart::Library

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "library/Export.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Viewport.h"
+#include "platform/utility/Scope.h"
+
+#include <QColor>
+
+namespace Vek::Chart::Library {
+
+/// A rectangle in window pixels, filled and outlined. Corners are truncated toward zero to whole pixels; a fully
+/// transparent colour leaves out its part, and with both transparent nothing is sent to GL.
+///
+/// The projection must map pixels to the viewport (`Rgl::PixelProjection`). Leaves the current colour changed.
+class VEK_LIBRARY_API Box {
+public:
+  Types::Viewport<0> rect;
+  QColor lineColor = Qt::black;
+  QColor fillColor = Qt::transparent;
+
+  void operator()(const Utility::Unscoped<Rgl>& p_gl) const;
+};
+
+} // namespace Vek::Chart::Library

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "library/Export.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Vector.h"
+#include "platform/utility/Scope.h"
+
+#include <cstdint>
+
+namespace Vek::Chart::Library {
+
+/// An open cylinder or truncated cone along +z, in model units. The default is a frustum whose top has half the radius
+/// of its base.
+///
+/// Drawn with the current colour and material and smooth normals. Leaves the GL state as it was: the translation is
+/// undone by its inverse. A quadric that GL cannot make is reported and nothing is drawn.
+class VEK_LIBRARY_API Cylinder {
+public:
+  Types::Vector3_Base<double> position; ///< the centre of the base
+  double baseRadius = 1.0;              ///< at z = position.z
+  double topRadius = 0.5;               ///< at z = position.z + height
+  double height = 1.0;
+  bool filled = true; ///< as faces, or as lines
+  std::uint32_t slices = 25;
+  std::uint32_t stacks = 25;
+
+  void operator()(const Utility::Unscoped<Rgl>& p_gl) const;
+};
+
+} // namespace Vek::Chart::Library

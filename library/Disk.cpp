@@ -1,0 +1,23 @@
+#include "library/Disk.h"
+
+#include "library/private/QuadricDraw.h"
+
+namespace Vek::Chart::Library {
+
+void Disk::operator()(const Utility::Unscoped<Rgl>& p_gl) const {
+  Utility::Scoped<Rgl> gl(p_gl);
+  const auto moved = Private::TranslateScope(gl, position);
+  const auto quadric = Private::MakeQuadric(gl, filled ? RGLU_FILL : RGLU_SILHOUETTE,
+                                            "void __cdecl Vek::Chart::Library::Disk::operator ()(const class "
+                                            "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const");
+  if (!quadric)
+    return;
+  const int slice_count = static_cast<int>(slices);
+  const int loop_count = static_cast<int>(loops);
+  if (sweepAngle == 360.0)
+    gl->Disk(quadric.get(), innerRadius, outerRadius, slice_count, loop_count);
+  else
+    gl->PartialDisk(quadric.get(), innerRadius, outerRadius, slice_count, loop_count, startAngle, sweepAngle);
+}
+
+} // namespace Vek::Chart::Library

@@ -1,0 +1,150 @@
+#include "library/Geometry.h"
+
+#include "library/Ring.h"
+#include "library/TexturedCube.h"
+#include "library/private/CircularArrowMesh.h"
+#include "library/private/QuadricDraw.h"
+
+namespace Vek::Chart::Library {
+
+namespace {
+
+#define VEK_RECORDER(p_name)                                                                                           \
+  "void __cdecl `anonymous-namespace'::" p_name "(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)"
+
+void DrawCone(Utility::Scoped<Rgl>& p_gl) {
+  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, VEK_RECORDER("DrawCone")))
+    p_gl->Cylinder(quadric.get(), 0.5, 0.0, 1.0, 16, 16);
+}
+
+void DrawCylinder(Utility::Scoped<Rgl>& p_gl) {
+  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, VEK_RECORDER("DrawCylinder")))
+    p_gl->Cylinder(quadric.get(), 0.5, 0.5, 1.0, 16, 16);
+}
+
+void DrawDisk(Utility::Scoped<Rgl>& p_gl) {
+  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, VEK_RECORDER("DrawDisk")))
+    p_gl->Disk(quadric.get(), 0.0, 0.5, 16, 16);
+}
+
+void DrawSphere(Utility::Scoped<Rgl>& p_gl) {
+  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, VEK_RECORDER("DrawSphere")))
+    p_gl->Sphere(quadric.get(), 0.5, 16, 16);
+}
+
+// Positions and normals, as a face's four vertices store them.
+//
+//        7-------6      z
+//       /|      /|      |  y
+//      4-------5 |      | /
+//      | 3-----|-2      |/
+//      |/      |/       0---- x
+//      0-------1
+struct CubeVertex {
+  float position[3];
+  float normal[3];
+};
+constexpr float h = 0.5f;
+constexpr CubeVertex CubeFaces[6][4] = {
+    // 0 3 2 1, down
+    {{{-h, -h, -h}, {0, 0, -1}}, {{-h, h, -h}, {0, 0, -1}}, {{h, h, -h}, {0, 0, -1}}, {{h, -h, -h}, {0, 0, -1}}},
+    // 0 1 5 4, front
+    {{{-h, -h, -h}, {0, -1, 0}}, {{h, -h, -h}, {0, -1, 0}}, {{h, -h, h}, {0, -1, 0}}, {{-h, -h, h}, {0, -1, 0}}},
+    // 1 2 6 5, right
+    {{{h, -h, -h}, {1, 0, 0}}, {{h, h, -h}, {1, 0, 0}}, {{h, h, h}, {1, 0, 0}}, {{h, -h, h}, {1, 0, 0}}},
+    // 2 3 7 6, back
+    {{{h, h, -h}, {0, 1, 0}}, {{-h, h, -h}, {0, 1, 0}}, {{-h, h, h}, {0, 1, 0}}, {{h, h, h}, {0, 1, 0}}},
+    // 0 4 7 3, left
+    {{{-h, -h, -h}, {-1, 0, 0}}, {{-h, -h, h}, {-1, 0, 0}}, {{-h, h, h}, {-1, 0, 0}}, {{-h, h, -h}, {-1, 0, 0}}},
+    // 4 5 6 7, up
+    {{{-h, -h, h}, {0, 0, 1}}, {{h, -h, h}, {0, 0, 1}}, {{h, h, h}, {0, 0, 1}}, {{-h, h, h}, {0, 0, 1}}},
+};
+
+void DrawCube(Utility::Scoped<Rgl>& p_gl) {
+  p_gl->Begin(RGL_QUADS);
+  for (const auto& face : CubeFaces) {
+    p_gl->Normal(face[0].normal[0], face[0].normal[1], face[0].normal[2]); // equal for all four
+    for (const CubeVertex& vertex : face)
+      p_gl->Vertex(vertex.position[0], vertex.position[1], vertex.position[2]);
+  }
+  p_gl->End();
+}
+
+/// Moves the mesh to the origin in y and stretches its thickness to 1, in single precision as it is stored. Normals
+/// stay: each is either along z or has no z.
+void DrawCircularArrow(Utility::Scoped<Rgl>& p_gl) {
+  const Private::CircularArrowMesh& mesh = Private::CircularArrowMesh::Instance();
+  p_gl->Begin(RGL_TRIANGLES);
+  for (const std::int32_t index : mesh.indices) {
+    const auto& [nx, ny, nz] = mesh.normals.at(static_cast<std::size_t>(index));
+    const auto& [x, y, z] = mesh.positions.at(static_cast<std::size_t>(index));
+    const float centred = y - 0.5f;
+    const float stretched = z / Private::CircularArrowMesh::Thickness - 0.5f;
+    p_gl->Normal(nx, ny, nz);
+    p_gl->Vertex(x, centred, stretched);
+  }
+  p_gl->End();
+}
+
+/// Records nothing: the ring is set up and not drawn. Charts rely on the empty list.
+void DrawRing(Utility::Scoped<Rgl>&) {
+  Ogl::Library::Ring ring;
+  ring.outerRadius = 0.5;
+  ring.innerRadius = 0.45;
+  ring.segments = 36;
+}
+
+void DrawVoxel(Utility::Scoped<Rgl>& p_gl) {
+  TexturedCube cube(0);
+  cube(p_gl);
+}
+
+boost::shared_ptr<Ogl::DisplayList> Record(Utility::Scoped<Rgl>& p_gl, void (*p_draw)(Utility::Scoped<Rgl>&)) {
+  const boost::shared_ptr<Ogl::DisplayList> list = p_gl->GenDisplayList();
+  const boost::shared_ptr<void> recording = list->Compile();
+  p_draw(p_gl);
+  return list;
+}
+
+} // namespace
+
+Geometry::Geometry(const Utility::Unscoped<Rgl>& p_gl) {
+  Utility::Scoped<Rgl> gl(p_gl);
+  _cube = Record(gl, DrawCube);
+  _sphere = Record(gl, DrawSphere);
+  _cone = Record(gl, DrawCone);
+  _cylinder = Record(gl, DrawCylinder);
+  _disk = Record(gl, DrawDisk);
+  _circularArrow = Record(gl, DrawCircularArrow);
+  _ring = Record(gl, DrawRing);
+  _voxel = Record(gl, DrawVoxel);
+}
+
+Geometry::~Geometry() = default;
+
+void Geometry::Cube(const Utility::Scoped<Rgl>&) const {
+  (*_cube)();
+}
+void Geometry::Sphere(const Utility::Scoped<Rgl>&) const {
+  (*_sphere)();
+}
+void Geometry::Cylinder(const Utility::Scoped<Rgl>&) const {
+  (*_cylinder)();
+}
+void Geometry::Disk(const Utility::Scoped<Rgl>&) const {
+  (*_disk)();
+}
+void Geometry::Cone(const Utility::Scoped<Rgl>&) const {
+  (*_cone)();
+}
+void Geometry::CircularArrow(const Utility::Scoped<Rgl>&) const {
+  (*_circularArrow)();
+}
+void Geometry::Ring(const Utility::Scoped<Rgl>&) const {
+  (*_ring)();
+}
+void Geometry::Voxel(const Utility::Scoped<Rgl>&) const {
+  (*_voxel)();
+}
+
+} // namespace Vek::Chart::Library

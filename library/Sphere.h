@@ -1,0 +1,27 @@
+#pragma once
+
+#include "library/Export.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Vector.h"
+#include "platform/utility/Scope.h"
+
+#include <cstdint>
+
+namespace Vek::Chart::Library {
+
+/// A sphere, in model units.
+///
+/// Drawn with the current colour and material and smooth normals. Leaves the GL state as it was: the translation is
+/// undone by its inverse. A quadric that GL cannot make is reported and nothing is drawn.
+class VEK_LIBRARY_API Sphere {
+public:
+  Types::Vector3_Base<double> position; ///< the centre
+  double radius = 1.0;
+  bool filled = true;        ///< as faces, or as lines
+  std::uint32_t slices = 25; ///< around the z axis
+  std::uint32_t stacks = 25; ///< along the z axis
+
+  void operator()(const Utility::Unscoped<Rgl>& p_gl) const;
+};
+
+} // namespace Vek::Chart::Library

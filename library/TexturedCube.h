@@ -1,0 +1,45 @@
+#pragma once
+
+#include "library/Export.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Property.h"
+#include "platform/types/Vector.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/array.hpp>
+
+namespace Vek::Chart::Library {
+
+/// The cube from 0 to 1 in model units. Every corner is sent with its own position as three-dimensional texture
+/// coordinate, so that a bound 3-D texture fills the cube exactly. No normals. Faces run counter-clockwise seen from
+/// outside.
+///
+/// Leaves the current texture coordinate of its unit changed.
+class VEK_LIBRARY_API TexturedCube {
+public:
+  /// Four corners of the cube, in drawing order.
+  class VEK_LIBRARY_API CubeFace {
+  public:
+    CubeFace() = default;
+    CubeFace(int p_a, int p_b, int p_c, int p_d)
+        : indices(boost::array<int, 4>{{p_a, p_b, p_c, p_d}}) {}
+
+    Types::Property<boost::array<int, 4>> indices;
+
+    /// Draws one quad. A face that was not given its corners is reported and drawn all the same, at corner 0; an index
+    /// that names no corner throws std::out_of_range.
+    void operator()(Utility::Scoped<Rgl>& p_gl, const boost::array<Types::Vector3_Base<double>, 8>& p_corners,
+                    Rgl::TexCoordIndex p_index);
+  };
+
+  /// The coordinates go to texture unit RGL_TEXTURE0 + p_index.
+  explicit TexturedCube(Rgl::TexCoordIndex p_index);
+
+  boost::array<Types::Vector3_Base<double>, 8> corners;
+  boost::array<CubeFace, 6> faces;
+  Rgl::TexCoordIndex texCoordIndex;
+
+  void operator()(Utility::Scoped<Rgl>& p_gl);
+};
+
+} // namespace Vek::Chart::Library

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "library/Export.h"
+#include "library/Texture.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Viewport.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <QColor>
+
+#include <cstdint>
+#include <vector>
+
+namespace Vek::Chart::Library {
+
+/// A rectangle in window pixels with one texture or several on top of each other, either stretched whole or as a
+/// nine-patch: with a border, the corners keep their size of `border` × `border` texels, the edges and the middle
+/// stretch.
+///
+/// Corners are truncated toward zero to whole pixels. A rectangle without a positive width and height draws nothing and
+/// touches no GL state. The projection must map pixels to the viewport (`Rgl::PixelProjection`).
+///
+/// What a call leaves changed: the current colour and texture coordinate, the active texture unit (the attribute stack
+/// restores it), and with several textures the blend function. Textures, enables and the depth function are restored.
+class VEK_LIBRARY_API TexturedQuad {
+public:
+  Types::Viewport<0> rect;
+  QColor color = Qt::white; ///< what the first texture is combined with, by its own environment setting
+  std::uint32_t border = 0; ///< in pixels and texels; 0 stretches the whole texture
+
+  void operator()(const Utility::Unscoped<Rgl>& p_gl, const Texture& p_texture) const;
+
+  /// Layers, the first at the bottom. From the second on, each replaces the colour, passes the depth test always, and
+  /// is blended by its environment setting: 2 not at all, 1 by its alpha, 0 by multiplying. Any other number leaves
+  /// blending as the layer before. A null pointer in the list is reported and left out.
+  void operator()(const Utility::Unscoped<Rgl>& p_gl, std::vector<boost::shared_ptr<Texture>> p_textures) const;
+
+private:
+  void DrawLayer(Utility::Scoped<Rgl>& p_gl, const Texture& p_texture, bool p_first) const;
+};
+
+} // namespace Vek::Chart::Library

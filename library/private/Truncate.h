@@ -1,0 +1,18 @@
+#pragma once
+
+#include <limits>
+
+namespace Vek::Chart::Library::Private {
+
+/// Toward zero, as for window pixels; a value beyond the range of int becomes its end, NaN becomes 0.
+inline int Truncate(double p_value) {
+  if (!(p_value == p_value))
+    return 0;
+  if (p_value >= static_cast<double>(std::numeric_limits<int>::max()))
+    return std::numeric_limits<int>::max();
+  if (p_value <= static_cast<double>(std::numeric_limits<int>::min()))
+    return std::numeric_limits<int>::min();
+  return static_cast<int>(p_value);
+}
+
+} // namespace Vek::Chart::Library::Private
