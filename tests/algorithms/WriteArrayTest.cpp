@@ -1,0 +1,123 @@
+#include "algorithms/InterpretArray.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+
+#include <cstring>
+#include <limits>
+
+using namespace Vek::Chart;
+using Vek::Test::ReportCapture;
+
+namespace {
+
+constexpr std::uint64_t Huge = std::numeric_limits<std::uint64_t>::max();
+
+const std::string Vec3Refusal =
+    "\"p_index < _count\" - class Vek::Chart::DataInterface::Array<class Vek::Chart::Ogl::Attribute<class "
+    "Vek::Chart::Ogl::Vec3<float> >,2>::WriteOnlyAccess __cdecl Vek::Chart::DataInterface::Array<class "
+    "Vek::Chart::Ogl::Attribute<class Vek::Chart::Ogl::Vec3<float> >,2>::operator [](const unsigned __int64)";
+const std::string FloatToVec3Copy =
+    "\"sourceArray.size() + p_destArrayOffset <= p_destArray.size()\" - void __cdecl "
+    "Vek::Chart::Algorithms::InterpretArray<class Vek::Chart::DataInterface::Array<float,0>,class "
+    "Vek::Chart::DataInterface::Array<float,0> >::CopyArrayToWithOffset<class Vek::Chart::Ogl::Vec3<float>,class "
+    "Vek::Chart::Ogl::BufferPool::WriteArray<class Vek::Chart::Ogl::Attribute<class Vek::Chart::Ogl::Vec3<float> > > "
+    ">(const class Vek::Chart::DataInterface::Array<float,0> &,class Vek::Chart::Ogl::BufferPool::WriteArray<class "
+    "Vek::Chart::Ogl::Attribute<class Vek::Chart::Ogl::Vec3<float> > > &,const unsigned __int64)";
+
+class ArrayCalls : public Vek::Test::RecordingFixture {
+protected:
+  /// Copies the source into records of a new buffer and returns all of the buffer's scalars; those not written are 0.
+  template <class D, class S>
+  auto Copied(const std::vector<S>& p_source, std::size_t p_records, std::uint64_t p_offset) {
+    using Source = DataInterface::Array<S, 0>;
+    using Record = Ogl::Attribute<D>;
+    const Utility::Scoped<Rgl> gl(recorder.Handle());
+    const auto buffer = gl->GetBufferPool().template CreateBuffer<Record>(p_records, Ogl::BufferUsage::Default);
+    {
+      Ogl::BufferPool::WriteArray<Record> records(buffer, 0, p_records, RGL_ARRAY_BUFFER);
+      std::memset(static_cast<void*>(records.Data()), 0, p_records * sizeof(Record));
+      Algorithms::InterpretArray<Source, Source>::template CopyArrayToWithOffset<D>(
+          Source(p_source.data(), p_source.size()), records, p_offset);
+    }
+    const std::vector<unsigned char> bytes = recorder.BufferBytes(buffer.Name());
+    std::vector<typename Algorithms::TupleTraits<D>::Scalar> scalars(bytes.size() / sizeof(scalars[0]));
+    std::memcpy(scalars.data(), bytes.data(), bytes.size());
+    return scalars;
+  }
+};
+
+template <class S>
+void ExpectWidened(const std::vector<unsigned int>& p_scalars, const std::vector<S>& p_source) {
+  ASSERT_EQ(p_scalars.size(), p_source.size() + 1);
+  for (std::size_t i = 0; i < p_source.size(); ++i)
+    ASSERT_EQ(p_scalars[i + 1], static_cast<unsigned int>(p_source[i])) << i;
+}
+
+template <class S>
+std::vector<S> Every() {
+  std::vector<S> values;
+  for (unsigned int value = 0; value <= std::numeric_limits<S>::max(); ++value)
+    values.push_back(static_cast<S>(value));
+  return values;
+}
+
+} // namespace
+
+TEST_F(ArrayCalls, AllInstancesConvertIntoMappedBuffers) {
+  const ReportCapture reports;
+  using Vec3 = Ogl::Vec3<float>;
+  using Vec1 = Ogl::Vec1<unsigned int>;
+  EXPECT_EQ((Copied<Vec3, float>({1, 2, 3, 4, 5, 6, 7}, 3, 1)), (std::vector<float>{0, 0, 0, 1, 2, 3, 4, 5, 6}));
+  EXPECT_EQ((Copied<Vec3, double>({0.1, 1e39, -1e39, 0x1.000001p0, 4, 5}, 3, 0)),
+            (std::vector<float>{0.1f, std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
+                                1, 4, 5, 0, 0, 0}));
+  ExpectWidened(Copied<Vec1>(Every<unsigned char>(), 257, 1), Every<unsigned char>());
+  ExpectWidened(Copied<Vec1>(Every<unsigned short>(), 65537, 1), Every<unsigned short>());
+  const std::vector<unsigned int> wide{0, 1, 2147483648u, 4294967295u};
+  ExpectWidened(Copied<Vec1>(wide, 5, 1), wide);
+  EXPECT_TRUE(reports.Texts().empty());
+}
+
+TEST_F(ArrayCalls, EachRefusedTupleIsReported) {
+  struct Case {
+    const char* name;
+    std::uint64_t offset;
+    std::vector<float> expected;
+    std::size_t refused;
+  };
+  const std::vector<float> source{1, 2, 3, 4, 5, 6, 7, 8, 9};
+  const Case cases[] = {
+      {"one too many", 1, {0, 0, 0, 1, 2, 3, 4, 5, 6}, 1},
+      {"two too many", 2, {0, 0, 0, 0, 0, 0, 1, 2, 3}, 2},
+      {"none fits", 3, {0, 0, 0, 0, 0, 0, 0, 0, 0}, 3},
+      {"an index that wraps", Huge - 1, {0, 0, 0, 0, 0, 0, 0, 0, 0}, 3},
+  };
+  for (const Case& row : cases) {
+    SCOPED_TRACE(row.name);
+    const ReportCapture reports;
+    EXPECT_EQ((Copied<Ogl::Vec3<float>>(source, 3, row.offset)), row.expected);
+    std::vector<std::string> expected{FloatToVec3Copy};
+    expected.insert(expected.end(), row.refused, Vec3Refusal);
+    EXPECT_EQ(reports.Texts(), expected);
+  }
+}
+
+TEST(WriteOnlyView, TakesValuesAndRefusesOthersPlaces) {
+  const ReportCapture reports;
+  using Record = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
+  Record memory[3];
+  DataInterface::Array<Record, 2> view(memory, 2);
+  view[1] = Record({7});
+  view[2] = Record({8});
+  DataInterface::Array<Record, 2>()[0] = Record({9});
+  EXPECT_EQ(memory[0].x, 0u);
+  EXPECT_EQ(memory[1].x, 7u);
+  EXPECT_EQ(memory[2].x, 0u);
+  EXPECT_EQ(reports.Texts(),
+            std::vector<std::string>(
+                2,
+                "\"p_index < _count\" - class Vek::Chart::DataInterface::Array<class Vek::Chart::Ogl::Attribute<class "
+                "Vek::Chart::Ogl::Vec1<unsigned int> >,2>::WriteOnlyAccess __cdecl "
+                "Vek::Chart::DataInterface::Array<class Vek::Chart::Ogl::Attribute<class "
+                "Vek::Chart::Ogl::Vec1<unsigned int> >,2>::operator [](const unsigned __int64)"));
+}
