@@ -214,12 +214,13 @@ void StreamFill(benchmark::State& p_state) {
 }
 #if defined(__SSE2__)
 void StreamPastCaches(benchmark::State& p_state) {
-  std::vector<__m128i> warm(Count * BytesPerGlyph(Arrow()) / sizeof(__m128i));
+  const std::size_t bytes = Count * BytesPerGlyph(Arrow());
+  const std::unique_ptr<char[]> warm(new char[bytes]()); // new aligns it to 16
   int value = 0;
   for (auto _ : p_state) {
     const __m128i filling = _mm_set1_epi32(++value);
-    for (__m128i& place : warm)
-      _mm_stream_si128(&place, filling);
+    for (std::size_t i = 0; i + sizeof filling <= bytes; i += sizeof filling)
+      _mm_stream_si128(reinterpret_cast<__m128i*>(warm.get() + i), filling);
     _mm_sfence();
     benchmark::ClobberMemory();
   }

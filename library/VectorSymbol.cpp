@@ -1,7 +1,6 @@
 #include "library/VectorSymbol.h"
 
 #include "library/private/GlyphLayer.h"
-#include "library/private/GlyphTransform.h"
 #include "library/private/SharedArray.h"
 #include "platform/debug/Check.h"
 #include "platform/types/Geometry.h"
@@ -94,14 +93,14 @@ Ogl::VertexBuffer::PrimitiveType PrimitiveOf(VectorSymbol::TopologyType p_topolo
   }
 }
 
-/// The arrays of a glyph or a layer while they are written; those that it does not have are null.
+/// The arrays of a glyph or a layer while they are written; those that it does not have stay null.
 struct GlyphArrays {
   std::size_t vertex_count = 0;
   std::size_t index_count = 0;
-  boost::shared_ptr<float> vertices;
-  boost::shared_ptr<float> normals;
-  boost::shared_ptr<float> tex_coords;
-  boost::shared_ptr<unsigned int> indices;
+  Private::SharedArray<float> vertices;
+  Private::SharedArray<float> normals;
+  Private::SharedArray<float> tex_coords;
+  Private::SharedArray<unsigned int> indices;
 
   /// Takes the arrays of `p_old` that can be written again, and makes the others.
   GlyphArrays(std::size_t p_vertices, std::size_t p_indices, bool p_tex_coords, const VertexData& p_old)
@@ -117,17 +116,20 @@ struct GlyphArrays {
 
   void HandOver(VectorSymbol::TopologyType p_topology, VertexData& p_vertex_data) const {
     p_vertex_data.PrimitiveType() = PrimitiveOf(p_topology);
-    p_vertex_data.SetVertices(vertices, vertex_count, 3, VertexData::Float);
-    p_vertex_data.SetNormals(normals, vertex_count, 3, VertexData::Float);
-    if (indices)
-      p_vertex_data.SetIndices(indices, index_count, VertexData::UnsignedInt);
-    if (tex_coords)
-      p_vertex_data.SetTexCoords(tex_coords, vertex_count, 1, VertexData::Float);
+    p_vertex_data.SetVertices(vertices.memory, vertex_count, 3, VertexData::Float);
+    p_vertex_data.SetNormals(normals.memory, vertex_count, 3, VertexData::Float);
+    if (indices.data != nullptr)
+      p_vertex_data.SetIndices(indices.memory, index_count, VertexData::UnsignedInt);
+    if (tex_coords.data != nullptr)
+      p_vertex_data.SetTexCoords(tex_coords.memory, vertex_count, 1, VertexData::Float);
   }
 };
 
 /// Normals for glyphs without their own.
-const Vector3_Base<double> DefaultNormal(0, 1, 0);
+constexpr Vector3_Base<double> DefaultNormal(0, 1, 0);
+
+/// For new arrays: there are none to take.
+const VertexData NoArrays;
 
 void StoreFloats(const Vector3_Base<double>& p_vector, float* p_out) {
   p_out[0] = static_cast<float>(p_vector.x);
@@ -200,12 +202,12 @@ void VectorSymbol::BuildPredefinedShape(const Model::Symbol::Shape p_shape) {
 bool VectorSymbol::BuildShape(VertexData& p_vertex_data) const {
   if (_vertices.empty())
     return false;
-  const GlyphArrays arrays(_vertices.size(), _indices.size(), false, VertexData());
+  const GlyphArrays arrays(_vertices.size(), _indices.size(), false, NoArrays);
   for (std::size_t i = 0; i < _vertices.size(); ++i) {
-    StoreFloats(_vertices[i], arrays.vertices.get() + 3 * i);
-    StoreFloats(HasNormals() ? _normals[i] : DefaultNormal, arrays.normals.get() + 3 * i);
+    StoreFloats(_vertices[i], arrays.vertices.data + 3 * i);
+    StoreFloats(HasNormals() ? _normals[i] : DefaultNormal, arrays.normals.data + 3 * i);
   }
-  std::copy(_indices.begin(), _indices.end(), arrays.indices.get());
+  std::copy(_indices.begin(), _indices.end(), arrays.indices.data);
   arrays.HandOver(_primitive, p_vertex_data);
   return true;
 }
@@ -219,17 +221,15 @@ bool VectorSymbol::OrientShape(double p_size, double p_anchor, const Vector3_Bas
   if (factor <= 0.0)
     return false;
 
-  const GlyphArrays arrays(_vertices.size(), _indices.size(), p_write_tex_coord, VertexData());
-  Private::PlacePoints(_vertices.data(), _vertices.size(), {p_rotation, p_position, p_anchor * _length, factor},
-                       arrays.vertices.get());
-  if (HasNormals())
-    Private::RotateDirections(_normals.data(), _normals.size(), p_rotation, arrays.normals.get());
-  else
-    for (std::size_t i = 0; i < _vertices.size(); ++i)
-      Private::RotateDirections(&DefaultNormal, 1, p_rotation, arrays.normals.get() + 3 * i);
-  std::copy(_indices.begin(), _indices.end(), arrays.indices.get());
+  const GlyphArrays arrays(_vertices.size(), _indices.size(), p_write_tex_coord, NoArrays);
+  const Vector3_Base<double> shift(0, 0, p_anchor * _length);
+  for (std::size_t i = 0; i < _vertices.size(); ++i) {
+    StoreFloats(p_rotation * ((_vertices[i] - shift) * factor) + p_position, arrays.vertices.data + 3 * i);
+    StoreFloats(p_rotation * (HasNormals() ? _normals[i] : DefaultNormal), arrays.normals.data + 3 * i);
+  }
+  std::copy(_indices.begin(), _indices.end(), arrays.indices.data);
   if (p_write_tex_coord)
-    std::fill_n(arrays.tex_coords.get(), _vertices.size(), static_cast<float>(p_tex_coord));
+    std::fill_n(arrays.tex_coords.data, _vertices.size(), static_cast<float>(p_tex_coord));
   arrays.HandOver(_primitive, p_vertex_data);
   return true;
 }
@@ -267,10 +267,10 @@ std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_an
   const GlyphArrays arrays(shown * _vertices.size(), shown * _indices.size(), p_instances.tex_coords != nullptr,
                            p_vertex_data);
   LayerMemory memory;
-  memory.vertices = {arrays.vertices.get(), 3 * arrays.vertex_count};
-  memory.normals = {arrays.normals.get(), 3 * arrays.vertex_count};
-  memory.tex_coords = {arrays.tex_coords.get(), arrays.vertex_count};
-  memory.indices = {arrays.indices.get(), arrays.index_count};
+  memory.vertices = {arrays.vertices.data, 3 * arrays.vertex_count};
+  memory.normals = {arrays.normals.data, 3 * arrays.vertex_count};
+  memory.tex_coords = {arrays.tex_coords.data, arrays.vertex_count};
+  memory.indices = {arrays.indices.data, arrays.index_count};
   WriteLayer(p_instances, p_anchor, p_scale, memory);
 
   p_vertex_data.SetIndices(nullptr, 0, VertexData::UnsignedInt);

@@ -1,6 +1,5 @@
 #include "library/private/GlyphLayer.h"
 
-#include "library/private/GlyphTransform.h"
 #include "library/private/StreamedArray.h"
 
 #include <algorithm>
@@ -60,37 +59,41 @@ private:
   std::optional<StreamedArray<T>> _stream;
 };
 
-/// Copies records of three floats; four are read of each, and written of each but the last.
-void Gather(const float* p_records, const unsigned int* p_index, std::size_t p_count, float* p_out) {
+/// Copies three floats each of records of four. The fourth goes along where the next record will replace it.
+void Gather(const std::vector<float>& p_records, const unsigned int* p_index, std::size_t p_count, float* p_out) {
+  const float* const records = p_records.data();
   for (std::size_t i = 0; i + 1 < p_count; ++i)
-    std::memcpy(p_out + 3 * i, p_records + 3 * std::size_t(p_index[i]), 4 * sizeof(float));
-  std::memcpy(p_out + 3 * (p_count - 1), p_records + 3 * std::size_t(p_index[p_count - 1]), 3 * sizeof(float));
+    std::memcpy(p_out + 3 * i, records + 4 * std::size_t(p_index[i]), 4 * sizeof(float));
+  std::memcpy(p_out + 3 * (p_count - 1), records + 4 * std::size_t(p_index[p_count - 1]), 3 * sizeof(float));
 }
 
 } // namespace
 
-DistinctVectors::DistinctVectors(const std::vector<Vector3_Base<double>>& p_list) {
+DistinctVectors DistinctVectors::Of(const std::vector<Vector3_Base<double>>& p_list) {
   std::unordered_map<Bits, unsigned int, BitsHash> known;
+  std::vector<Vector3_Base<double>> distinct;
+  std::vector<unsigned int> index_of;
   index_of.reserve(p_list.size());
   for (const Vector3_Base<double>& vector : p_list) {
-    const auto [place, is_new] = known.try_emplace(BitsOf(vector), static_cast<unsigned int>(vectors.size()));
+    const auto [place, is_new] = known.try_emplace(BitsOf(vector), static_cast<unsigned int>(distinct.size()));
     if (is_new)
-      vectors.push_back(vector);
+      distinct.push_back(vector);
     index_of.push_back(place->second);
   }
+  return {VectorColumns(distinct), std::move(index_of)};
 }
 
 GlyphLayer::GlyphLayer(const std::vector<Vector3_Base<double>>& p_vertices,
                        const std::vector<Vector3_Base<double>>& p_normals, const std::vector<unsigned int>& p_indices)
-    : _points(p_vertices)
-    , _directions(p_normals)
+    : _points(DistinctVectors::Of(p_vertices))
+    , _directions(DistinctVectors::Of(p_normals))
     , _indices(p_indices) {}
 
 void GlyphLayer::Write(const VectorSymbol::Instances& p_instances, double p_shift, double p_scale,
                        const VectorSymbol::LayerMemory& p_memory) const {
   const std::size_t vertex_count = _points.index_of.size();
-  std::vector<float> placed(3 * _points.vectors.size() + 1); // one more, as four floats are read of the last record
-  std::vector<float> rotated(3 * _directions.vectors.size() + 1);
+  std::vector<float> placed(4 * _points.vectors.Count());
+  std::vector<float> rotated(4 * _directions.vectors.Count());
   Output<float> vertices(p_memory.vertices);
   Output<float> normals(p_memory.normals);
   Output<float> tex_coords(p_memory.tex_coords);
@@ -102,17 +105,16 @@ void GlyphLayer::Write(const VectorSymbol::Instances& p_instances, double p_shif
     if (factor <= 0.0)
       continue;
     if (vertices) {
-      PlacePoints(_points.vectors.data(), _points.vectors.size(),
-                  {p_instances.rotations[k], p_instances.positions[k], p_shift, factor}, placed.data());
+      PlacePoints(_points.vectors, {p_instances.rotations[k], p_instances.positions[k], p_shift, factor},
+                  placed.data());
       vertices.ForPieces(vertex_count, 3, [&](std::size_t p_first, std::size_t p_count, float* p_out) {
-        Gather(placed.data(), _points.index_of.data() + p_first, p_count, p_out);
+        Gather(placed, _points.index_of.data() + p_first, p_count, p_out);
       });
     }
     if (normals) {
-      RotateDirections(_directions.vectors.data(), _directions.vectors.size(), p_instances.rotations[k],
-                       rotated.data());
+      RotateDirections(_directions.vectors, p_instances.rotations[k], rotated.data());
       normals.ForPieces(vertex_count, 3, [&](std::size_t p_first, std::size_t p_count, float* p_out) {
-        Gather(rotated.data(), _directions.index_of.data() + p_first, p_count, p_out);
+        Gather(rotated, _directions.index_of.data() + p_first, p_count, p_out);
       });
     }
     if (tex_coords && p_instances.tex_coords != nullptr) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/VectorSymbol.h"
+#include "library/private/GlyphTransform.h"
 
 #include <vector>
 
@@ -9,10 +10,10 @@ namespace Vek::Chart::Library::Private {
 /// The distinct vectors of a list and which of them each element of the list is. Vectors are the same when their bits
 /// are; corners of a mesh that differ in their normals only, for example, share a position.
 struct DistinctVectors {
-  std::vector<Types::Vector3_Base<double>> vectors;
+  VectorColumns vectors;
   std::vector<unsigned int> index_of;
 
-  explicit DistinctVectors(const std::vector<Types::Vector3_Base<double>>& p_list);
+  static DistinctVectors Of(const std::vector<Types::Vector3_Base<double>>& p_list);
 };
 
 /// One glyph, prepared to be written many times.

@@ -4,24 +4,33 @@
 #include "platform/types/Vector.h"
 
 #include <cstddef>
+#include <vector>
 
 namespace Vek::Chart::Library::Private {
 
-/// Where one copy of a glyph goes: rotation * ((p - (0, 0, shift)) * factor) + position.
-struct GlyphPlacement {
-  Types::Matrix3 rotation;
-  Types::Vector3_Base<double> position;
-  double shift = 0.0;
-  double factor = 1.0;
+/// Vectors by component, filled up with zero vectors to a multiple of eight, so that loops over them need no remainder.
+struct VectorColumns {
+  std::vector<double> x;
+  std::vector<double> y;
+  std::vector<double> z;
+
+  explicit VectorColumns(const std::vector<Types::Vector3_Base<double>>& p_vectors);
+  /// With the filling.
+  std::size_t Count() const { return x.size(); }
 };
 
-/// Places points, each stored as three floats. All floats of the library's glyphs come from these two functions, so
-/// that every way to draw a glyph gives the same bits.
-void PlacePoints(const Types::Vector3_Base<double>* p_points, std::size_t p_count, const GlyphPlacement& p_placement,
-                 float* p_out);
+/// Where one copy of a glyph goes: rotation * ((p - (0, 0, shift)) * factor) + position.
+struct GlyphPlacement {
+  const Types::Matrix3& rotation;
+  const Types::Vector3_Base<double>& position;
+  double shift;
+  double factor;
+};
 
-/// Rotates directions, each stored as three floats.
-void RotateDirections(const Types::Vector3_Base<double>* p_directions, std::size_t p_count,
-                      const Types::Matrix3& p_rotation, float* p_out);
+/// Places each vector of the columns as a point and stores it as four floats, the last one zero.
+void PlacePoints(const VectorColumns& p_points, const GlyphPlacement& p_placement, float* p_out);
+
+/// Rotates each vector of the columns and stores it as four floats, the last one zero.
+void RotateDirections(const VectorColumns& p_directions, const Types::Matrix3& p_rotation, float* p_out);
 
 } // namespace Vek::Chart::Library::Private

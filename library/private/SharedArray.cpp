@@ -18,17 +18,18 @@ constexpr std::size_t HugePageBytes = std::size_t(2) << 20;
 constexpr std::size_t SmallestHugeBlock = 2 * HugePageBytes;
 
 void* NewBlock(std::size_t p_bytes) {
-  if (p_bytes > std::numeric_limits<std::size_t>::max() / 2)
-    throw std::bad_alloc();
-  const std::size_t alignment = p_bytes >= SmallestHugeBlock ? HugePageBytes : HeaderBytes;
-  const std::size_t size = (p_bytes + alignment - 1) / alignment * alignment;
-  void* block = std::aligned_alloc(alignment, size);
+  void* block = nullptr;
+#if defined(__linux__)
+  if (p_bytes >= SmallestHugeBlock) {
+    const std::size_t whole_pages = (p_bytes + HugePageBytes - 1) / HugePageBytes * HugePageBytes;
+    block = std::aligned_alloc(HugePageBytes, whole_pages);
+    if (block != nullptr)
+      madvise(block, whole_pages, MADV_HUGEPAGE); // advice: nothing is lost when it is not taken
+  } else
+#endif
+    block = std::malloc(p_bytes);
   if (block == nullptr)
     throw std::bad_alloc();
-#if defined(__linux__)
-  if (alignment == HugePageBytes)
-    madvise(block, size, MADV_HUGEPAGE); // advice: nothing is lost when it is not taken
-#endif
   return block;
 }
 
@@ -68,7 +69,7 @@ struct SharedMemoryMark {
 } // namespace
 
 boost::shared_ptr<void> NewSharedMemory(std::size_t p_bytes) {
-  if (p_bytes > std::numeric_limits<std::size_t>::max() - HeaderBytes)
+  if (p_bytes > std::numeric_limits<std::size_t>::max() - HeaderBytes - HugePageBytes)
     throw std::bad_alloc();
   void* const block = NewBlock(HeaderBytes + p_bytes);
   return boost::shared_ptr<void>(static_cast<char*>(block) + HeaderBytes, SharedMemoryMark(),

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -11,8 +12,8 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// Fills a large array from front to back through a small buffer. Whole cache lines go to memory without being read
-/// first, which triples the rate where an array is too large for the caches anyway.
+/// Fills an array from front to back: directly, or, if it is too large for the caches, through a small buffer. From
+/// there whole cache lines go to memory without being read first, which triples the rate.
 template <class T>
 class StreamedArray {
 public:
@@ -24,10 +25,11 @@ public:
       : _target(p_target)
       , _past_caches(p_past_caches) {}
   ~StreamedArray() {
+    if (!_past_caches)
+      return;
     Flush(_fill);
 #if defined(__SSE2__)
-    if (_past_caches)
-      _mm_sfence();
+    _mm_sfence(); // what is stored next must not overtake it
 #endif
   }
   StreamedArray(const StreamedArray&) = delete;
@@ -35,6 +37,8 @@ public:
 
   /// The next `p_count` elements, to be written before the next call.
   T* Take(std::size_t p_count) {
+    if (!_past_caches)
+      return std::exchange(_target, _target + p_count);
     if (_fill + p_count > Capacity)
       FlushLines();
     T* const room = _buffer + _fill;
@@ -59,15 +63,13 @@ private:
   void Copy(std::size_t p_count) {
     std::size_t done = 0;
 #if defined(__SSE2__)
-    if (_past_caches) {
-      const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(_target) % Line;
-      const std::size_t head = misaligned == 0 ? 0 : std::min((Line - misaligned) / sizeof(T), p_count);
-      std::memcpy(_target, _buffer, head * sizeof(T));
-      constexpr std::size_t Step = sizeof(__m128i) / sizeof(T);
-      for (done = head; done + Step <= p_count; done += Step)
-        _mm_stream_si128(reinterpret_cast<__m128i*>(_target + done),
-                         _mm_loadu_si128(reinterpret_cast<const __m128i*>(_buffer + done)));
-    }
+    const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(_target) % Line;
+    const std::size_t head = misaligned == 0 ? 0 : std::min((Line - misaligned) / sizeof(T), p_count);
+    std::memcpy(_target, _buffer, head * sizeof(T));
+    constexpr std::size_t Step = sizeof(__m128i) / sizeof(T);
+    for (done = head; done + Step <= p_count; done += Step)
+      _mm_stream_si128(reinterpret_cast<__m128i*>(_target + done),
+                       _mm_loadu_si128(reinterpret_cast<const __m128i*>(_buffer + done)));
 #endif
     std::memcpy(_target + done, _buffer + done, (p_count - done) * sizeof(T));
   }
