@@ -1,7 +1,7 @@
 #include "platform/ogl/VertexData.h"
 
 #include "platform/debug/Check.h"
-#include "platform/ogl/Guard.h"
+#include "platform/ogl/DrawState.h"
 #include "platform/ogl/Rgl.h"
 
 #include <algorithm>
@@ -42,12 +42,7 @@ void VertexData::SetIndices(const boost::shared_ptr<const void>& p_data, std::si
 namespace {
 
 std::optional<GlEnum> Mode(const Types::Property<VertexBuffer::PrimitiveType>& p_type) {
-  constexpr GlEnum modes[] = {RGL_POINTS,         RGL_LINES,           RGL_LINE_STRIP, RGL_TRIANGLES,
-                              RGL_TRIANGLE_STRIP, RGL_LINES_ADJACENCY, RGL_QUAD_STRIP, RGL_QUADS};
-  const unsigned int number = p_type.Value();
-  if (!p_type.Defined() || number >= std::size(modes))
-    return std::nullopt;
-  return modes[number];
+  return p_type.Defined() ? PrimitiveToken(p_type.Value()) : std::nullopt;
 }
 
 /// Whether GL takes such elements for a fixed vertex attribute.
@@ -97,29 +92,6 @@ bool CheckArrays(const VertexData& p_data, const char* p_signature) {
                "_texCoords.Empty() || _texCoords.count >= _vertices.count") &&
          check(count <= static_cast<std::size_t>(std::numeric_limits<int>::max()), "count <= INT_MAX") &&
          check(indices.Empty() || IndicesBelow(indices, vertices.count), "_indices < _vertices.count");
-}
-
-/// Keeps the client arrays and buffer bindings as they are until it is released; no buffer is bound meanwhile.
-boost::shared_ptr<void> ClientArrayScope(const Rgl& p_gl) {
-  int array_buffer = 0;
-  int element_buffer = 0;
-  p_gl.GetIntegerv(RGL_ARRAY_BUFFER_BINDING, &array_buffer);
-  p_gl.GetIntegerv(RGL_ELEMENT_ARRAY_BUFFER_BINDING, &element_buffer);
-  p_gl.PushClientAttrib(RGL_CLIENT_VERTEX_ARRAY_BIT);
-  p_gl.BindBuffer(RGL_ARRAY_BUFFER, 0);
-  p_gl.BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, 0);
-  return MakeGuard([gl = p_gl.Functions(), array_buffer, element_buffer] {
-    gl->PopClientAttrib();
-    gl->BindBuffer(RGL_ARRAY_BUFFER, static_cast<unsigned int>(array_buffer));
-    gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, static_cast<unsigned int>(element_buffer));
-  });
-}
-
-void EnableArray(const Rgl& p_gl, GlEnum p_array, bool p_enable) {
-  if (p_enable)
-    p_gl.EnableClientState(p_array);
-  else
-    p_gl.DisableClientState(p_array);
 }
 
 void SetPointers(const Rgl& p_gl, const VertexData& p_data) {

@@ -1,0 +1,93 @@
+#include "platform/ogl/BufferDraw.h"
+
+#include "platform/debug/Check.h"
+#include "platform/ogl/DrawState.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace Vek::Chart::Ogl {
+namespace {
+
+constexpr std::size_t g_record_bytes = 3 * sizeof(float);
+constexpr std::size_t g_most = static_cast<std::size_t>(std::numeric_limits<int>::max());
+
+/// Whether at least one record lies at that place, and every stride can be handed to GL.
+bool Fits(const BufferDraw::RecordBuffer& p_buffer, unsigned int p_offset, unsigned int p_stride) {
+  const std::size_t bytes = p_buffer.Count() * g_record_bytes;
+  return p_offset <= bytes && g_record_bytes <= bytes - p_offset && p_stride <= g_most;
+}
+
+bool CheckBuffers(const BufferDraw& p_draw, std::size_t p_instances, const char* p_signature) {
+  const auto check = [p_signature](bool p_holds, const char* p_expression) {
+    return VEK_ENSURE_TEXT(p_holds, p_expression, p_signature);
+  };
+  const bool with_normals = (p_draw.attributes & BufferDraw::Normals) != 0;
+  const auto& instanced = p_draw.instance_attributes;
+  return check(PrimitiveToken(p_draw.type).has_value(), "type != VertexBuffer::Undecided") &&
+         check(p_draw.indices.Count() != 0 && p_draw.indices.Count() <= g_most, "indices.Count() != 0") &&
+         check(p_draw.vertices.Count() != 0, "vertices.Count() != 0") &&
+         check(Fits(p_draw.vertices, p_draw.position_offset, p_draw.position_stride),
+               "positionOffset + 12 <= vertices bytes") &&
+         check(!with_normals || Fits(p_draw.vertices, p_draw.normal_offset, p_draw.normal_stride),
+               "normalOffset + 12 <= vertices bytes") &&
+         check(p_instances <= g_most, "instances <= INT_MAX") &&
+         check(std::all_of(instanced.begin(), instanced.end(),
+                           [p_instances](const BufferDraw::InstanceAttribute& p_attribute) {
+                             return p_attribute.records.Count() >= p_instances;
+                           }),
+               "instanceAttribute.records.Count() >= instances");
+}
+
+const void* Offset(unsigned int p_bytes) {
+  return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(p_bytes)); // NOLINT: GL's way to pass an offset
+}
+
+void SetPointers(const Rgl& p_gl, const BufferDraw& p_draw) {
+  const bool with_normals = (p_draw.attributes & BufferDraw::Normals) != 0;
+  EnableArray(p_gl, RGL_VERTEX_ARRAY, true);
+  EnableArray(p_gl, RGL_NORMAL_ARRAY, with_normals);
+  EnableArray(p_gl, RGL_TEXTURE_COORD_ARRAY, false);
+  p_gl.BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, p_draw.indices.Name());
+  p_gl.BindBuffer(RGL_ARRAY_BUFFER, p_draw.vertices.Name());
+  p_gl.VertexPointer(3, RGL_FLOAT, static_cast<int>(p_draw.position_stride), Offset(p_draw.position_offset));
+  if (with_normals)
+    p_gl.NormalPointer(RGL_FLOAT, static_cast<int>(p_draw.normal_stride), Offset(p_draw.normal_offset));
+}
+
+void SetInstancePointers(const Rgl& p_gl, const std::vector<BufferDraw::InstanceAttribute>& p_attributes) {
+  for (const BufferDraw::InstanceAttribute& attribute : p_attributes) {
+    p_gl.BindBuffer(RGL_ARRAY_BUFFER, attribute.records.Name());
+    p_gl.EnableVertexAttribArray(attribute.location);
+    p_gl.VertexAttribPointer(attribute.location, 3, RGL_FLOAT, RGL_FALSE, 0, nullptr);
+    p_gl.VertexAttribDivisor(attribute.location, 1);
+  }
+}
+
+} // namespace
+
+void BufferDraw::Draw(Utility::Scoped<Rgl>& p_gl) const {
+  if (!CheckBuffers(*this, 1,
+                    "void __cdecl Vek::Chart::Ogl::BufferDraw::Draw(class Vek::Chart::Utility::Scoped<class "
+                    "Vek::Chart::Ogl::Rgl> &) const"))
+    return;
+  const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
+  SetPointers(*p_gl, *this);
+  p_gl->DrawElements(*PrimitiveToken(type), static_cast<int>(indices.Count()), RGL_UNSIGNED_INT, nullptr);
+}
+
+void BufferDraw::Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const {
+  constexpr const char* signature =
+      "void __cdecl Vek::Chart::Ogl::BufferDraw::Draw(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> "
+      "&,unsigned int) const";
+  if (p_instances == 0 || !CheckBuffers(*this, p_instances, signature) ||
+      !VEK_ENSURE(p_gl->Features().Supported(DeviceFeatures::FeatureInstancing), signature))
+    return;
+  const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
+  SetPointers(*p_gl, *this);
+  SetInstancePointers(*p_gl, instance_attributes);
+  p_gl->DrawElementsInstanced(*PrimitiveToken(type), static_cast<int>(indices.Count()), RGL_UNSIGNED_INT, nullptr,
+                              static_cast<int>(p_instances));
+}
+
+} // namespace Vek::Chart::Ogl

@@ -1,0 +1,155 @@
+#include "platform/ogl/BufferDraw.h"
+
+#include "platform/ogl/ShaderProgram.h"
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+using namespace Vek::Chart;
+using Ogl::BufferDraw;
+using Vek::Test::Lines;
+using Vek::Test::ReportCapture;
+
+namespace {
+
+using Scope = Utility::Scoped<Rgl>;
+using Record = Ogl::Attribute<Ogl::Vec3<float>>;
+using Index = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
+
+template <class T>
+Ogl::Buffer<T> MakeBuffer(const Rgl& p_gl, const std::vector<T>& p_values) {
+  const Ogl::Buffer<T> buffer = p_gl.GetBufferPool().CreateBuffer<T>(p_values.size(), Ogl::BufferUsage::Default);
+  const Ogl::BufferPool::WriteArray<T> array(buffer, 0, p_values.size(), RGL_ARRAY_BUFFER);
+  std::copy(p_values.begin(), p_values.end(), array.Data());
+  return buffer;
+}
+
+Record Point(float p_x, float p_y, float p_z) {
+  return Ogl::Vec3<float>{p_x, p_y, p_z};
+}
+
+std::vector<Index> Indices(const std::vector<unsigned int>& p_values) {
+  std::vector<Index> indices;
+  for (const unsigned int value : p_values)
+    indices.push_back(Ogl::Vec1<unsigned int>{value});
+  return indices;
+}
+
+/// A square over the pixels (0, 0) to (2, 2), with positions and normals interleaved.
+BufferDraw Square(const Rgl& p_gl) {
+  BufferDraw draw;
+  draw.type = Ogl::VertexBuffer::Triangles;
+  draw.indices = MakeBuffer(p_gl, Indices({0, 1, 2, 2, 3, 0}));
+  draw.vertices = MakeBuffer<Record>(p_gl, {Point(0, 0, 0), Point(0, 0, 1), Point(2, 0, 0), Point(0, 0, 1),
+                                            Point(2, 2, 0), Point(0, 0, 1), Point(0, 2, 0), Point(0, 0, 1)});
+  draw.attributes = BufferDraw::Positions | BufferDraw::Normals;
+  draw.position_stride = 24;
+  draw.normal_stride = 24;
+  draw.normal_offset = 12;
+  return draw;
+}
+
+class BufferDrawCalls : public Vek::Test::RecordingFixture {};
+
+TEST_F(BufferDrawCalls, DrawsFromItsBuffersAndRestoresTheBindings) {
+  Scope gl(recorder.Handle());
+  const BufferDraw draw = Square(*gl);
+  recorder.Clear();
+  draw.Draw(gl);
+  const Lines expected = {"PushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT)",
+                          "BindBuffer(GL_ARRAY_BUFFER, 0)",
+                          "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)",
+                          "EnableClientState(GL_VERTEX_ARRAY)",
+                          "EnableClientState(GL_NORMAL_ARRAY)",
+                          "DisableClientState(GL_TEXTURE_COORD_ARRAY)",
+                          "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 3001)",
+                          "BindBuffer(GL_ARRAY_BUFFER, 3002)",
+                          "VertexPointer(3, GL_FLOAT, 24, null)",
+                          "NormalPointer(GL_FLOAT, 24, ptr)",
+                          "DrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_INT, null)",
+                          "PopClientAttrib()",
+                          "BindBuffer(GL_ARRAY_BUFFER, 0)",
+                          "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)"};
+  EXPECT_EQ(recorder.LinesWithout({"GetIntegerv"}), expected);
+}
+
+TEST_F(BufferDrawCalls, TheRecorderSeesArraysThatAreTooShort) {
+  Scope gl(recorder.Handle());
+  BufferDraw draw = Square(*gl);
+  draw.indices = MakeBuffer(*gl, Indices({0, 1, 4})); // only vertices 0 to 3 are there
+  draw.Draw(gl);
+  EXPECT_EQ(recorder.TakeComplaints(), (Lines{"DrawElements: GL_VERTEX_ARRAY reaches to byte 108 of a buffer of 96",
+                                              "DrawElements: GL_NORMAL_ARRAY reaches to byte 120 of a buffer of 96"}));
+}
+
+TEST_F(BufferDrawCalls, UndrawableBuffersAreReported) {
+  struct Case {
+    const char* expression;
+    std::function<void(BufferDraw&)> spoil;
+  };
+  const Case cases[] = {
+      {"type != VertexBuffer::Undecided", [](BufferDraw& p_draw) { p_draw.type = Ogl::VertexBuffer::Undecided; }},
+      {"indices.Count() != 0", [](BufferDraw& p_draw) { p_draw.indices = {}; }},
+      {"vertices.Count() != 0", [](BufferDraw& p_draw) { p_draw.vertices = {}; }},
+      {"positionOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.position_offset = 85; }},
+      {"positionOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.position_offset = 0xFFFFFFFF; }},
+      {"normalOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.normal_stride = 0x80000000; }},
+      {"instanceAttribute.records.Count() >= instances",
+       [](BufferDraw& p_draw) {
+         p_draw.instance_attributes = {{3, {}}};
+       }},
+  };
+  Scope gl(recorder.Handle());
+  for (const Case& row : cases) {
+    BufferDraw draw = Square(*gl);
+    row.spoil(draw);
+    recorder.Clear();
+    ReportCapture reports;
+    draw.Draw(gl, 2);
+    EXPECT_EQ(reports.Texts(), Lines{"\"" + std::string(row.expression) +
+                                     "\" - void __cdecl Vek::Chart::Ogl::BufferDraw::Draw(class "
+                                     "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &,unsigned int) const"});
+    EXPECT_EQ(recorder.LinesOf({"DrawElementsInstanced", "PushClientAttrib"}), Lines());
+  }
+}
+
+class BufferDrawPixels : public Vek::Test::PixelFixture {};
+
+TEST_F(BufferDrawPixels, InstancesLieWhereTheirAttributesSay) {
+  Ogl::OffscreenContext context({9, 5});
+  {
+    Scope gl(context.Handle());
+    gl->Clear(RGL_COLOR_BUFFER_BIT);
+    const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, 9, 5});
+    BufferDraw draw = Square(*gl);
+    gl->Color(Qt::red);
+    draw.Draw(gl); // with the fixed functions, in the lower left corner
+    const Ogl::ShaderProgram program(gl,
+                                     "attribute vec3 offset;\n"
+                                     "varying vec4 color;\n"
+                                     "void main() {\n"
+                                     "  color = vec4(gl_Normal.z, 0.0, 0.0, 1.0);\n"
+                                     "  gl_Position = gl_ModelViewProjectionMatrix * (gl_Vertex + vec4(offset, 0.0));\n"
+                                     "}\n",
+                                     "varying vec4 color;\n"
+                                     "void main() { gl_FragColor = color; }\n",
+                                     {"", "", "", "", "", "", "offset"});
+    ASSERT_TRUE(program.Linked());
+    const boost::shared_ptr<void> in_use = program.Use(gl);
+    draw.instance_attributes = {{6, MakeBuffer<Record>(*gl, {Point(4, 1, 0), Point(7, 3, 0)})}};
+    draw.Draw(gl, 2);
+    draw.Draw(gl, 0);
+    EXPECT_TRUE(gl->CheckError("test"));
+  }
+  EXPECT_EQ(Vek::Test::Map(context.Image(), Qt::red), ".......##\n"
+                                                      ".......##\n"
+                                                      "....##...\n"
+                                                      "##..##...\n"
+                                                      "##.......\n");
+}
+
+} // namespace

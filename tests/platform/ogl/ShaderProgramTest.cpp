@@ -1,0 +1,144 @@
+#include "platform/ogl/ShaderProgram.h"
+
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+
+using namespace Vek::Chart;
+using Ogl::ShaderProgram;
+using Vek::Test::Lines;
+using Vek::Test::ReportCapture;
+
+namespace {
+
+using Scope = Utility::Scoped<Rgl>;
+
+class ShaderProgramCalls : public Vek::Test::RecordingFixture {};
+
+TEST_F(ShaderProgramCalls, CompilesLinksAndNamesLocations) {
+  Scope gl(recorder.Handle());
+  {
+    const ShaderProgram program(gl, "vertex", "fragment", {"position", "", "offset"});
+    EXPECT_TRUE(program.Linked());
+    EXPECT_EQ(program.Name(), 7001U);
+  }
+  const Lines expected = {"CreateShader(GL_VERTEX_SHADER)",
+                          "CreateShader(GL_FRAGMENT_SHADER)",
+                          "ShaderSource(6001, 1, ptr, ptr)",
+                          "CompileShader(6001)",
+                          "ShaderSource(6002, 1, ptr, ptr)",
+                          "CompileShader(6002)",
+                          "CreateProgram()",
+                          "AttachShader(7001, 6001)",
+                          "AttachShader(7001, 6002)",
+                          "BindAttribLocation(7001, 0, \"position\")",
+                          "BindAttribLocation(7001, 2, \"offset\")",
+                          "LinkProgram(7001)",
+                          "DeleteShader(6002)",
+                          "DeleteShader(6001)",
+                          "DeleteProgram(7001)"};
+  EXPECT_EQ(recorder.LinesWithout({"GetString", "GetShaderiv", "GetProgramiv"}), expected);
+}
+
+// Whatever fails, nothing leaks (the fixture looks), the reason is reported once, and nothing is used.
+TEST_F(ShaderProgramCalls, FailuresAreReportedWithTheLog) {
+  struct Case {
+    const char* function;
+    std::size_t number;
+    const char* log;
+    Lines reports;
+  };
+  const Case cases[] = {
+      {"CompileShader", 1, "0:1: syntax error\n", {"WARNING: vertex shader: 0:1: syntax error"}},
+      {"CompileShader", 2, "two\nlines\n\n", {"WARNING: fragment shader: two lines"}},
+      {"LinkProgram", 1, "", {"WARNING: shader program: "}},
+      {"CreateShader", 1, "unused", {"WARNING: vertex shader: "}},
+      {"CreateProgram", 1, "unused", {"WARNING: shader program: "}},
+  };
+  Scope gl(recorder.Handle());
+  for (const Case& row : cases) {
+    ReportCapture reports;
+    recorder.SetInfoLog(row.log);
+    recorder.Fail(row.function, row.number);
+    const ShaderProgram program(gl, "vertex", "fragment");
+    EXPECT_FALSE(program.Linked()) << row.function;
+    EXPECT_EQ(program.Name(), 0U);
+    EXPECT_EQ(reports.Texts(), row.reports) << row.function;
+    reports.Clear();
+    recorder.Clear();
+    program.Use(gl);
+    EXPECT_EQ(reports.Texts(),
+              Lines{"\"Linked()\" - class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::ShaderProgram::Use(class "
+                    "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &) const"});
+    EXPECT_EQ(recorder.LinesOf({"UseProgram"}), Lines());
+  }
+}
+
+TEST_F(ShaderProgramCalls, UseRestoresThePreviousProgram) {
+  Scope gl(recorder.Handle());
+  const ShaderProgram first(gl, "v", "f");
+  const ShaderProgram second(gl, "v", "f");
+  boost::shared_ptr<void> outer = first.Use(gl);
+  boost::shared_ptr<void> inner = second.Use(gl);
+  inner.reset();
+  outer.reset();
+  EXPECT_EQ(recorder.LinesOf({"UseProgram"}),
+            (Lines{"UseProgram(7001)", "UseProgram(7002)", "UseProgram(7001)", "UseProgram(0)"}));
+}
+
+TEST_F(ShaderProgramCalls, UniformsAreSetByName) {
+  Scope gl(recorder.Handle());
+  const ShaderProgram program(gl, "v", "f");
+  const boost::shared_ptr<void> in_use = program.Use(gl);
+  recorder.Clear();
+  program.SetUniform(gl, "a", 3);
+  program.SetUniform(gl, "b", 0.5F);
+  program.SetUniform(gl, "a", Types::Vector3_Base<double>(1, 2, 3));
+  program.SetUniform(gl, "b", QColor(255, 0, 51, 0));
+  program.SetUniform(gl, "a", Types::Transformation::Translation({7, 8, 9}));
+  const Lines expected = {"Uniform1i(0, 3)", "Uniform1f(1, 0.5)", "Uniform3f(0, 1, 2, 3)", "Uniform4f(1, 1, 0, 0.2, 0)",
+                          "UniformMatrix4fv(0, 1, GL_FALSE, [1 0 0 0 0 1 0 0 0 0 1 0 7 8 9 1])"};
+  EXPECT_EQ(recorder.LinesWithout({"GetUniformLocation"}), expected);
+}
+
+TEST_F(ShaderProgramCalls, OldDevicesAreNotAsked) {
+  recorder.SetVersion("1.5");
+  Scope gl(recorder.Handle());
+  ReportCapture reports;
+  EXPECT_FALSE(ShaderProgram(gl, "v", "f").Linked());
+  ASSERT_EQ(reports.Texts().size(), 1U);
+  EXPECT_EQ(reports.Texts().front().rfind("\"gl.GlVersion() >= Utility::VersionNo(2, 0, 0)\" - __cdecl ", 0), 0U);
+  EXPECT_EQ(recorder.LinesOf({"CreateShader", "CreateProgram"}), Lines());
+}
+
+class ShaderProgramPixels : public Vek::Test::PixelFixture {};
+
+TEST_F(ShaderProgramPixels, UniformsReachTheShader) {
+  Scope gl(Handle());
+  const ShaderProgram program(gl, "void main() { gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex; }",
+                              "uniform vec4 tint; uniform float part;\n"
+                              "void main() { gl_FragColor = tint * part; }");
+  ASSERT_TRUE(program.Linked());
+  const boost::shared_ptr<void> in_use = program.Use(gl);
+  program.SetUniform(gl, "tint", QColor(255, 255, 0, 255));
+  program.SetUniform(gl, "part", 0.2F);
+  program.SetUniform(gl, "no such name", 1);
+  gl->Begin(RGL_QUADS);
+  for (const auto& [x, y] : {std::pair(-1, -1), {1, -1}, {1, 1}, {-1, 1}})
+    gl->Vertex(x, y, 0);
+  gl->End();
+  EXPECT_TRUE(Vek::Test::SameColor(Vek::Test::PixelAt(Image(), 60, 0), QColor(51, 51, 0, 51), 1));
+}
+
+TEST_F(ShaderProgramPixels, TheDriversLogIsReported) {
+  Scope gl(Handle());
+  const ReportCapture reports;
+  EXPECT_FALSE(ShaderProgram(gl, "void main() { nonsense }", "void main() {}").Linked());
+  ASSERT_EQ(reports.Texts().size(), 1U);
+  const std::string text = reports.Texts().front();
+  EXPECT_EQ(text.rfind("WARNING: vertex shader: ", 0), 0U) << text;
+  EXPECT_GT(text.size(), std::string("WARNING: vertex shader: ").size() + 10) << text;
+  EXPECT_EQ(text.find('\n'), std::string::npos) << text;
+}
+
+} // namespace
