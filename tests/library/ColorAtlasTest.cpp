@@ -1,0 +1,487 @@
+#include "library/ColorAtlas.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <random>
+
+using namespace Vek::Chart;
+using Library::ColorAtlas;
+using Library::ColorCoords;
+using Vek::Test::Lines;
+using Vek::Test::ReportCapture;
+
+namespace {
+
+using Pixel = std::pair<int, int>;
+using Pieces = std::vector<std::pair<Pixel, Pixel>>;
+
+Pixel At(const ColorCoords::Pixel& p_pixel) {
+  return {static_cast<int>(p_pixel.x), static_cast<int>(p_pixel.y)};
+}
+
+Pieces PiecesOf(const ColorCoords& p_coords) {
+  Pieces pieces;
+  for (const auto& [first, last] : p_coords.PixelSpans())
+    pieces.push_back({At(first), At(last)});
+  return pieces;
+}
+
+/// Distinct for each number; never the red of the background.
+QColor Numbered(unsigned int p_number) {
+  return QColor::fromRgb(static_cast<int>(p_number % 251), static_cast<int>(p_number / 251 % 251), 200);
+}
+
+/// The rows of the picture, one letter a texel: '.' where it is background, '?' for a colour that is not in the legend.
+std::vector<std::string> Rows(const QImage& p_image, const std::map<char, QColor>& p_legend) {
+  std::vector<std::string> rows;
+  for (int y = 0; y < p_image.height(); ++y) {
+    rows.emplace_back();
+    for (int x = 0; x < p_image.width(); ++x) {
+      char letter = p_image.pixel(x, y) == QColor(Qt::red).rgba() ? '.' : '?';
+      for (const auto& [name, color] : p_legend)
+        if (p_image.pixel(x, y) == color.rgba())
+          letter = name;
+      rows.back() += letter;
+    }
+  }
+  return rows;
+}
+
+/// The layout rules once more, plainly: recursion and maps, texels by coordinates.
+class Reference {
+public:
+  Reference(int p_width, const std::vector<std::vector<unsigned int>>& p_children,
+            const std::map<unsigned int, std::vector<unsigned int>>& p_instances_of,
+            const std::map<unsigned int, std::map<unsigned int, QColor>>& p_replacements,
+            const std::map<unsigned int, QColor>& p_colors)
+      : W(p_width)
+      , children(p_children)
+      , instances_of(p_instances_of)
+      , replacements(p_replacements)
+      , colors(p_colors) {
+    std::vector<unsigned int> plain, instanced;
+    for (const unsigned int top : children[0])
+      (instances_of.count(top) != 0 ? instanced : plain).push_back(top);
+    for (const unsigned int top : plain)
+      Number(top, 0);
+    for (const unsigned int top : instanced)
+      Number(top, 0);
+    for (const unsigned int top : plain)
+      PlacePlain(top);
+    for (const unsigned int top : instanced)
+      PlaceInstanced(top);
+  }
+
+  std::map<Pixel, QRgb> texels; ///< by (x, y)
+  std::map<unsigned int, long> first_index;
+  std::map<unsigned int, std::pair<long, long>> offsets;
+  std::map<unsigned int, std::pair<long, long>> spans;
+
+private:
+  Pixel Of(long p_index) const { return {static_cast<int>(p_index % W), static_cast<int>(p_index / W)}; }
+
+  void Number(unsigned int p_id, int p_depth) {
+    spans[p_id].first = counter++;
+    depths[p_id] = p_depth;
+    for (const unsigned int child : children[p_id])
+      Number(child, p_depth + 1);
+    spans[p_id].second = counter - 1;
+  }
+
+  void PlacePlain(unsigned int p_id) {
+    first_index[p_id] = spans[p_id].first + shift;
+    texels[Of(first_index[p_id])] = colors.at(p_id).rgba();
+    for (const unsigned int child : children[p_id])
+      PlacePlain(child);
+  }
+
+  void PlaceInstanced(unsigned int p_top) {
+    const long length = spans[p_top].second - spans[p_top].first + 1;
+    const long unmoved = spans[p_top].first + shift;
+    if (static_cast<double>(length) <= std::floor(W * 0.5) && Of(unmoved).second != Of(unmoved + length - 1).second)
+      shift += W - unmoved % W;
+    PlacePlain(p_top);
+    const long start = spans[p_top].first + shift;
+    const Pixel pf = Of(start), pl = Of(start + length - 1);
+    const long rows = pl.second - pf.second + 1;
+    const bool one_row = pf.second == pl.second && length < W / 2;
+    long dx = 0, dy = 0;
+    for (const unsigned int instance : instances_of.at(p_top)) {
+      if (!one_row) {
+        shift += W * rows;
+        dy += rows;
+      } else if (pf.first + dx + 2 * length >= W) {
+        shift += W - dx - pf.first;
+        dx = -pf.first;
+        dy += rows;
+      } else {
+        shift += length;
+        dx += length;
+      }
+      offsets[instance] = {dx, dy};
+      const long d = (pf.second + dy) * W + pf.first + dx;
+      for (long i = 0; i < length; ++i)
+        texels[Of(d + i)] = texels.at(Of(start + i));
+      std::vector<std::pair<int, unsigned int>> by_depth;
+      for (const auto& [id, color] : replacements.at(instance))
+        by_depth.push_back({depths.at(id), id});
+      std::sort(by_depth.begin(), by_depth.end());
+      for (const auto& [depth, id] : by_depth)
+        for (long i = spans[id].first; i <= spans[id].second; ++i)
+          texels[Of(d + i - spans[p_top].first)] = replacements.at(instance).at(id).rgba();
+    }
+  }
+
+  long W;
+  const std::vector<std::vector<unsigned int>>& children;
+  const std::map<unsigned int, std::vector<unsigned int>>& instances_of;
+  const std::map<unsigned int, std::map<unsigned int, QColor>>& replacements;
+  const std::map<unsigned int, QColor>& colors;
+  std::map<unsigned int, int> depths;
+  long counter = 0;
+  long shift = 0;
+};
+
+class ColorAtlasCalls : public Vek::Test::RecordingFixture {
+protected:
+  void Build(ColorAtlas& p_atlas, int p_max_size) {
+    recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {p_max_size});
+    Utility::Scoped<Rgl> gl(recorder.Handle());
+    p_atlas.BuildAtlas(gl);
+  }
+  const std::map<char, QColor> legend = {{'a', Numbered(1)}, {'b', Numbered(2)}, {'c', Numbered(3)}, {'d', Numbered(4)},
+                                         {'e', Numbered(5)}, {'x', Numbered(8)}, {'y', Numbered(9)}};
+};
+
+} // namespace
+
+TEST(ColorAtlas, NumbersColorsAndInstancesTogether) {
+  ColorAtlas atlas;
+  EXPECT_EQ(atlas.RootAtlasId(), 0u);
+  EXPECT_EQ(atlas.ColorAt(0).color, QColor(Qt::white));
+  EXPECT_EQ(atlas.ColorAt(0).parent, ColorAtlas::NoParent);
+  const unsigned int first = atlas.AddColor(Qt::green, 0);
+  const ColorAtlas::ColorNode& node = atlas.ColorAt(first);
+  EXPECT_EQ(first, 1u);
+  EXPECT_EQ(atlas.AddInstance(first, {}), 2u);
+  EXPECT_EQ(atlas.AddColor(Qt::blue, first), 3u);
+  EXPECT_EQ(&atlas.ColorAt(2), &node) << "an instance answers its colour, and nodes keep their places";
+  EXPECT_EQ(node.children, std::vector<unsigned int>{3});
+  EXPECT_EQ(node.instanceCount, 1u);
+  EXPECT_FALSE(node.coords.Defined());
+}
+
+TEST_F(ColorAtlasCalls, PlacesSmallTreesAsWritten) {
+  struct Case {
+    const char* name;
+    int max_size;
+    std::function<void(ColorAtlas&)> fill;
+    std::vector<std::string> rows;
+  };
+  const Case cases[] = {
+      {"nothing but the root", 8, [](ColorAtlas&) {}, {"."}},
+      {"three colours",
+       1024,
+       [](ColorAtlas& a) {
+         for (const unsigned int n : {1, 2, 3})
+           a.AddColor(Numbered(n), 0);
+       },
+       {"abc."}},
+      {"depth first, instanced colours behind plain ones",
+       1024,
+       [](ColorAtlas& a) {
+         a.AddColor(Numbered(1), 0);           // id 1, instanced below
+         a.AddColor(Numbered(2), 0);           // id 2
+         a.AddColor(Numbered(3), 2);           // id 3
+         a.AddColor(Numbered(4), 1);           // id 4
+         a.AddInstance(1, {{4, Numbered(8)}}); // id 5
+       },
+       {"bcadax.."}},
+      {"the own colour of an instance, then a deeper one",
+       1024,
+       [](ColorAtlas& a) {
+         a.AddColor(Numbered(1), 0);
+         a.AddColor(Numbered(2), 1);
+         a.AddColor(Numbered(3), 2);
+         a.AddColor(Numbered(4), 1);
+         a.AddInstance(1, {{1, Numbered(8)}, {2, Numbered(9)}});
+       },
+       {"abcdxyyx"}},
+      {"a copy that would end at the border starts a new row",
+       8,
+       [](ColorAtlas& a) {
+         a.AddColor(Numbered(1), 0);
+         a.AddColor(Numbered(2), 1);
+         a.AddColor(Numbered(3), 1);
+         a.AddInstance(1, {});
+         a.AddInstance(1, {{2, Numbered(8)}});
+         a.AddInstance(1, {});
+       },
+       {"abcabc..", "axcabc.."}},
+      {"a span of half a row moves to the next row and is copied below",
+       8,
+       [](ColorAtlas& a) {
+         for (int i = 0; i < 6; ++i)
+           a.AddColor(Numbered(5), 0); // ids 1 to 6
+         a.AddColor(Numbered(1), 0);   // id 7
+         for (const unsigned int n : {2, 3, 4})
+           a.AddColor(Numbered(n), 7);
+         a.AddInstance(7, {{9, Numbered(9)}});
+       },
+       {"eeeeee..", "abcd....", "abyd....", "........"}},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.name);
+    ReportCapture reports;
+    ColorAtlas atlas;
+    test.fill(atlas);
+    Build(atlas, test.max_size);
+    EXPECT_EQ(Rows(atlas.AtlasImage(), legend), test.rows);
+    EXPECT_EQ(reports.Texts().size(), atlas.ColorAt(0).children.empty() ? 1u : 0u);
+  }
+}
+
+TEST_F(ColorAtlasCalls, DescribesRunsRowByRow) {
+  ColorAtlas atlas;
+  for (int i = 0; i < 5; ++i)
+    atlas.AddColor(Qt::gray, 0);
+  const unsigned int top = atlas.AddColor(Qt::gray, 0);
+  for (int i = 0; i < 9; ++i)
+    atlas.AddColor(Qt::gray, top);
+  Build(atlas, 8);
+  EXPECT_EQ(PiecesOf(atlas.ColorAt(top).coords), (Pieces{{{5, 0}, {7, 0}}, {{0, 1}, {6, 1}}}));
+  EXPECT_EQ(At(atlas.ColorAt(top).coords.First()), Pixel(5, 0));
+  EXPECT_EQ(At(atlas.ColorAt(15).coords.First()), Pixel(6, 1));
+  EXPECT_EQ(PiecesOf(atlas.ColorAt(15).coords), Pieces());
+  EXPECT_EQ(atlas.AtlasImage().size(), QSize(8, 2));
+  EXPECT_EQ(atlas.TexelCoordSpace().texel, (Ogl::Vec2<float>{0.125f, 0.5f}));
+  EXPECT_EQ(atlas.TexelCoordSpace().centre, (Ogl::Vec2<float>{0.0625f, 0.25f}));
+}
+
+TEST_F(ColorAtlasCalls, OffsetsAreSignedAndCountDownwards) {
+  ColorAtlas atlas;
+  for (int i = 0; i < 4; ++i)
+    atlas.AddColor(Qt::gray, 0);
+  const unsigned int top = atlas.AddColor(Qt::gray, 0);
+  const unsigned int behind = atlas.AddInstance(top, {});
+  for (int i = 0; i < 2; ++i)
+    atlas.AddInstance(top, {});
+  const unsigned int wrapped = atlas.AddInstance(top, {});
+  Build(atlas, 8);
+  EXPECT_EQ(atlas.InstanceOffset(behind), (Ogl::Vec2<float>{0.125f, -0.0f}));
+  EXPECT_TRUE(std::signbit(atlas.InstanceOffset(behind).y));
+  EXPECT_EQ(atlas.InstanceOffset(wrapped), (Ogl::Vec2<float>{-3 * 0.125f, -0.5f}));
+}
+
+TEST_F(ColorAtlasCalls, AgreesWithThePlainRulesOnRandomTrees) {
+  for (unsigned int seed = 0; seed < 400; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    const auto below = [&](unsigned int p_end) { return static_cast<unsigned int>(random() % p_end); };
+    const unsigned int width = 2 + below(40);
+    const unsigned int count = 1 + below(60);
+    const unsigned int bushiness = 1 + below(8);
+
+    ColorAtlas atlas;
+    std::vector<std::vector<unsigned int>> children(1);
+    std::vector<unsigned int> top_of{0};
+    std::map<unsigned int, QColor> colors;
+    for (unsigned int id = 1; id <= count; ++id) {
+      const unsigned int parent = below(bushiness) == 0 ? 0 : below(id);
+      colors[id] = Numbered(id);
+      ASSERT_EQ(atlas.AddColor(colors[id], parent), id);
+      children[parent].push_back(id);
+      children.emplace_back();
+      top_of.push_back(parent == 0 ? id : top_of[parent]);
+    }
+    std::map<unsigned int, std::vector<unsigned int>> instances_of;
+    std::map<unsigned int, std::map<unsigned int, QColor>> replacements;
+    for (unsigned int i = 0, instances = below(8); i < instances; ++i) {
+      const unsigned int top = children[0][below(static_cast<unsigned int>(children[0].size()))];
+      std::map<unsigned int, QColor> replaced;
+      for (unsigned int id = 1; id <= count; ++id)
+        if (top_of[id] == top && below(3) == 0)
+          replaced[id] = Numbered(1000 + 100 * i + id);
+      const unsigned int instance = atlas.AddInstance(top, replaced);
+      instances_of[top].push_back(instance);
+      replacements[instance] = replaced;
+    }
+
+    const ReportCapture reports;
+    Build(atlas, static_cast<int>(width));
+    const Reference expected(static_cast<int>(width), children, instances_of, replacements, colors);
+    bool fits = true;
+    for (const auto& [pixel, color] : expected.texels)
+      fits = fits && pixel.second < static_cast<int>(width);
+    if (!fits) { // too many rows for a square picture: reported, and nothing out of bounds
+      EXPECT_FALSE(reports.Texts().empty());
+      continue;
+    }
+    EXPECT_EQ(reports.Texts(), Lines());
+    const QImage& image = atlas.AtlasImage();
+    for (int y = 0; y < image.height(); ++y)
+      for (int x = 0; x < image.width(); ++x) {
+        const auto texel = expected.texels.find({x, y});
+        const QRgb color = texel == expected.texels.end() ? QColor(Qt::red).rgba() : texel->second;
+        ASSERT_EQ(image.pixel(x, y), color) << x << ", " << y;
+      }
+    for (const auto& [id, index] : expected.first_index)
+      ASSERT_EQ(At(atlas.ColorAt(id).coords.First()), Pixel(index % width, index / width)) << id;
+    for (const auto& [instance, offset] : expected.offsets) {
+      const Ogl::Vec2<float> texel = atlas.TexelCoordSpace().texel;
+      ASSERT_EQ(atlas.InstanceOffset(instance), (Ogl::Vec2<float>{static_cast<float>(offset.first) * texel.x,
+                                                                  -(static_cast<float>(offset.second) * texel.y)}));
+    }
+  }
+}
+
+TEST_F(ColorAtlasCalls, UploadsANearestClampedReplacingTexture) {
+  ColorAtlas atlas;
+  atlas.AddColor(Qt::green, 0);
+  Build(atlas, 64);
+  ASSERT_TRUE(atlas.Texture());
+  const Ogl::RecordingGl::TextureObject* texture = recorder.FindTexture(atlas.Texture()->Handle()->Name());
+  ASSERT_NE(texture, nullptr);
+  EXPECT_EQ(texture->levels.at(0).width, 1);
+  EXPECT_EQ(texture->levels.at(0).pixels, (std::vector<unsigned char>{0, 255, 0, 255}));
+  for (const unsigned int filter : {RGL_TEXTURE_MIN_FILTER, RGL_TEXTURE_MAG_FILTER})
+    EXPECT_EQ(texture->parameters.at(filter), static_cast<int>(RGL_NEAREST));
+  for (const unsigned int wrap : {RGL_TEXTURE_WRAP_S, RGL_TEXTURE_WRAP_T})
+    EXPECT_EQ(texture->parameters.at(wrap), static_cast<int>(RGL_CLAMP_TO_EDGE));
+  EXPECT_EQ(recorder.TextureEnvironment(RGL_TEXTURE_ENV_MODE), static_cast<int>(RGL_REPLACE));
+  const Lines lines = recorder.Lines();
+  ASSERT_GE(lines.size(), 2u);
+  EXPECT_EQ(Lines(lines.end() - 2, lines.end()), (Lines{"ActiveTexture(GL_TEXTURE0)", "Disable(GL_TEXTURE_2D)"}));
+}
+
+TEST_F(ColorAtlasCalls, CopiesShareTheTextureAndNothingElse) {
+  ColorAtlas atlas;
+  const unsigned int id = atlas.AddColor(Numbered(1), 0);
+  Build(atlas, 64);
+  ColorAtlas copy = atlas;
+  EXPECT_EQ(copy.Texture(), atlas.Texture());
+  atlas.AddColor(Numbered(2), id);
+  Build(atlas, 64);
+  EXPECT_NE(copy.Texture(), atlas.Texture());
+  EXPECT_EQ(copy.ColorAt(id).coords.PixelSpans().size(), 0u);
+  EXPECT_EQ(atlas.ColorAt(id).coords.PixelSpans().size(), 1u);
+}
+
+TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
+  const std::string layout = " - void __cdecl Vek::Chart::Library::Private::ColorAtlasImpl::";
+  const std::string process = layout + "InstanceCoordinateMapper::ProcessInstances(unsigned int,const class "
+                                       "Vek::Chart::Types::Span<unsigned int> &)";
+  const std::string color_at = " - struct Vek::Chart::Library::ColorAtlas::ColorNode &__cdecl "
+                               "Vek::Chart::Library::ColorAtlas::ColorAt(unsigned int)";
+  const std::string add_instance =
+      " - unsigned int __cdecl Vek::Chart::Library::ColorAtlas::AddInstance(unsigned int,const class std::map<unsigned "
+      "int,class QColor,struct std::less<unsigned int>,class std::allocator<struct std::pair<unsigned int const ,class "
+      "QColor> > > &)";
+  struct Case {
+    const char* name;
+    std::function<void(ColorAtlas&)> run;
+    std::vector<std::string> reports;
+  };
+  const Case cases[] = {
+      {"texture before a build",
+       [](ColorAtlas& a) { EXPECT_FALSE(a.Texture()); },
+       {"\"_map\" - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl "
+        "Vek::Chart::Library::ColorAtlas::Texture(void) const"}},
+      {"no colours",
+       [this](ColorAtlas& a) { Build(a, 8); },
+       {"\"_spans.size() != 0\" - void __cdecl Vek::Chart::Library::ColorAtlas::BuildAtlas(class "
+        "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)"}},
+      {"an unknown id",
+       [](ColorAtlas& a) { EXPECT_TRUE(a.ColorAt(77).children.empty()); },
+       {"\"instPos != _instances.end()\"" + color_at}},
+      {"an unknown parent",
+       [](ColorAtlas& a) { EXPECT_EQ(a.AddColor(Qt::blue, 77), 1u); },
+       {"\"instPos != _instances.end()\"" + color_at}},
+      {"an instance of a colour below the top",
+       [](ColorAtlas& a) {
+         a.AddColor(Qt::blue, 0);
+         a.AddColor(Qt::blue, 1);
+         EXPECT_EQ(a.AddInstance(2, {}), 3u);
+       },
+       {"\"instanceOf.parent == _rootId\"" + add_instance}},
+      {"offsets without a build, and of no instance",
+       [](ColorAtlas& a) {
+         a.AddColor(Qt::blue, 0);
+         a.InstanceOffset(a.AddInstance(1, {}));
+         a.InstanceOffset(1);
+       },
+       {"\"instance.Defined()\" - class Vek::Chart::Ogl::Vec2<float> __cdecl "
+        "Vek::Chart::Library::ColorAtlas::InstanceOffset(unsigned int) const",
+        "\"instanceIt != _instances.end()\" - class Vek::Chart::Ogl::Vec2<float> __cdecl "
+        "Vek::Chart::Library::ColorAtlas::InstanceOffset(unsigned int) const"}},
+      {"replacements that are not below the instanced colour",
+       [this](ColorAtlas& a) {
+         a.AddColor(Qt::blue, 0);                                             // 1, plain: before
+         a.AddColor(Qt::blue, 0);                                             // 2, instanced
+         a.AddColor(Qt::blue, ColorAtlas::NoParent);                          // 3, not laid out
+         a.AddInstance(2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}}); // 4
+         Build(a, 8);
+       },
+       {"\"subcolor.first >= base\"" + process, "\"node.coords.Defined()\"" + process,
+        "\"node.coords.Defined()\"" + process}},
+      {"a second build",
+       [this](ColorAtlas& a) {
+         a.AddColor(Qt::blue, 0);
+         a.AddInstance(1, {});
+         Build(a, 8);
+         Build(a, 8);
+       },
+       {"\"!instance.Defined()\"" + process}},
+      {"a colour that is its own grandchild",
+       [this](ColorAtlas& a) {
+         a.AddColor(Qt::blue, 0);
+         a.AddColor(Qt::blue, 1);
+         a.ColorAt(2).children.push_back(1);
+         Build(a, 8);
+       },
+       {"\"query.second\"" + layout +
+            "SpanBuilder::operator ()(class Vek::Chart::Library::Private::ColorAtlasImpl::AtlasTraversalState &,class "
+            "Vek::Chart::Library::Private::ColorAtlasImpl::AtlasTraversalState *)",
+        "\"!pixelEntryAlreadyExists && \"Error: coordinate has already been written to!\"\" - void __cdecl "
+        "Vek::Chart::Library::Private::ImageBuilder::WriteUniquePixel(const class Vek::Chart::Ogl::Vec2<unsigned int> "
+        "&,const class QColor &)",
+        "\"query.second && \"Coordinate p_spans must not have already been added\"\"" + layout +
+            "CoordinateMapper::MapSpan(unsigned int,struct Vek::Chart::Library::ColorAtlas::ColorNode &,const class "
+            "Vek::Chart::Types::Span<unsigned int> &)"}},
+      {"more colours than texels",
+       [this](ColorAtlas& a) {
+         for (int i = 0; i < 5; ++i)
+           a.AddColor(Qt::blue, 0);
+         Build(a, 2);
+       },
+       {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + layout +
+        "CoordinateMapper::WriteColor(unsigned int,const struct Vek::Chart::Library::ColorAtlas::ColorNode &,const "
+        "class "
+        "Vek::Chart::Types::Span<unsigned int> &)"}},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.name);
+    const ReportCapture reports;
+    ColorAtlas atlas;
+    test.run(atlas);
+    EXPECT_EQ(reports.Texts(), test.reports);
+  }
+}
+
+TEST_F(ColorAtlasCalls, BuildsChainsOfAnyDepth) {
+  ColorAtlas atlas;
+  constexpr unsigned int Depth = 100000;
+  std::map<unsigned int, QColor> all;
+  for (unsigned int i = 0; i < Depth; ++i)
+    all[atlas.AddColor(Numbered(i), i)] = Numbered(i + 7);
+  const unsigned int instance = atlas.AddInstance(1, all);
+  Build(atlas, 1024);
+  // Every colour of the chain is replaced on its own: a painter that repaints each run would write 2 · 10^10 texels.
+  const long row = std::lround(-atlas.InstanceOffset(instance).y / atlas.TexelCoordSpace().texel.y);
+  EXPECT_EQ(atlas.AtlasImage().pixel(Depth % 1024 - 1, static_cast<int>(row + Depth / 1024)),
+            Numbered(Depth + 6).rgba());
+}
