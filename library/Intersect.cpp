@@ -1,0 +1,248 @@
+#include "library/Intersect.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+namespace Vek::Chart::Library {
+
+namespace {
+
+using boost::logic::indeterminate;
+using boost::logic::tribool;
+using Vector3 = Types::Vector3_Base<double>;
+using Box = Types::BoundingBox_Base<double>;
+
+constexpr double Epsilon = std::numeric_limits<double>::epsilon();
+
+// The segment from p_start to p_end against the plane p_normal · p + p_d = 0; the point is written on a hit only.
+tribool CutSegment(const Vector3& p_normal, double p_d, const Vector3& p_start, const Vector3& p_end,
+                   Vector3& p_point) {
+  const double denominator = Dot(p_normal, p_start - p_end);
+  const double distance = Dot(p_normal, p_start) + p_d;
+  if (std::abs(denominator) <= Epsilon) {
+    if (std::abs(distance) <= Epsilon && std::abs(Dot(p_normal, p_end) + p_d) <= Epsilon)
+      return indeterminate;
+    return false;
+  }
+  const double t = distance / denominator;
+  if (t < 0 || t > 1)
+    return false;
+  p_point = p_start + (p_end - p_start) * t;
+  return true;
+}
+
+//        7-------6
+//       /|      /|     The corners of a box by number: 0 has all minima,
+//      4-------5 |     6 all maxima; x to the right, y to the back, z up.
+//      | 3-----|-2
+//      |/      |/
+//      0-------1
+using Corners = std::array<Vector3, 8>;
+
+Corners CornersOf(const Box& p_box) {
+  const Vector3& a = p_box.Min();
+  const Vector3& b = p_box.Max();
+  return {{{a.x, a.y, a.z},
+           {b.x, a.y, a.z},
+           {b.x, b.y, a.z},
+           {a.x, b.y, a.z},
+           {a.x, a.y, b.z},
+           {b.x, a.y, b.z},
+           {b.x, b.y, b.z},
+           {a.x, b.y, b.z}}};
+}
+
+// For each front corner, the corners in the order in which the edges below name them: the front corner, its three
+// neighbours, the three neighbours of the opposite corner, the opposite corner.
+using Sequence = std::array<unsigned char, 8>;
+constexpr Sequence Sequences[8] = {{0, 1, 3, 4, 5, 2, 7, 6}, {1, 5, 2, 0, 4, 6, 3, 7}, {2, 3, 1, 6, 7, 0, 5, 4},
+                                   {3, 7, 0, 2, 6, 4, 1, 5}, {4, 0, 7, 5, 1, 3, 6, 2}, {5, 4, 6, 1, 0, 7, 2, 3},
+                                   {6, 2, 5, 7, 3, 1, 4, 0}, {7, 6, 4, 3, 2, 5, 0, 1}};
+
+// The twelve edges in the order of their tests, by positions in a sequence. They make six steps. The edges of a step
+// lie on one path from the front corner to the opposite one, and the last of them that is hit gives the step's point.
+struct Edge {
+  unsigned char start;
+  unsigned char end;
+  unsigned char step;
+};
+constexpr std::size_t NumSteps = 6;
+constexpr Edge Edges[] = {{1, 4, 0}, {0, 1, 0}, {4, 7, 0}, //
+                          {1, 5, 1},                       //
+                          {2, 5, 2}, {0, 2, 2}, {5, 7, 2}, //
+                          {2, 6, 3},                       //
+                          {3, 6, 4}, {0, 3, 4}, {6, 7, 4}, //
+                          {3, 4, 5}};
+
+// For each front corner and each set of corners (bit i is corner i): the edges that lead into or out of the set, bit i
+// for edge i.
+using EdgeSets = std::array<std::array<std::uint16_t, 256>, 8>;
+
+constexpr EdgeSets MakeCrossingEdges() {
+  EdgeSets edges{};
+  for (std::size_t front = 0; front < 8; ++front)
+    for (unsigned set = 0; set < 256; ++set)
+      for (std::size_t i = 0; i < std::size(Edges); ++i) {
+        const unsigned start = set >> Sequences[front][Edges[i].start] & 1;
+        const unsigned end = set >> Sequences[front][Edges[i].end] & 1;
+        edges[front][set] = static_cast<std::uint16_t>(edges[front][set] | (start ^ end) << i);
+      }
+  return edges;
+}
+constexpr EdgeSets CrossingEdges = MakeCrossingEdges();
+
+// A box with the plane that cuts it; the distances of its corners have a sign.
+struct BoxCut {
+  Corners corners;
+  double distances[8];
+  Vector3 normal;
+  double d;
+};
+
+// The corner that is farthest in front, the first of several; no distance may be NaN.
+std::size_t FrontCorner(const double (&p_distances)[8]) {
+  std::size_t front[4];
+  for (std::size_t i = 0; i < 4; ++i)
+    front[i] = 2 * i + (p_distances[2 * i + 1] > p_distances[2 * i]);
+  front[0] = p_distances[front[1]] > p_distances[front[0]] ? front[1] : front[0];
+  front[2] = p_distances[front[3]] > p_distances[front[2]] ? front[3] : front[2];
+  return p_distances[front[2]] > p_distances[front[0]] ? front[2] : front[0];
+}
+
+// The two functions below write the polygon to `p_points`, room for NumSteps, and return the number of its corners.
+
+// The rule, for every box and plane.
+std::size_t CutEdgeByEdge(const BoxCut& p_cut, Vector3* p_points) {
+  bool behind = false;
+  bool before = false;
+  std::size_t front = 0;
+  for (std::size_t i = 0; i < 8; ++i) {
+    behind |= p_cut.distances[i] <= 0;
+    before |= p_cut.distances[i] >= 0;
+    if (p_cut.distances[i] > p_cut.distances[front])
+      front = i;
+  }
+  if (!behind || !before)
+    return 0;
+
+  std::size_t count = 0;
+  std::size_t lastStep = NumSteps;
+  for (const Edge& edge : Edges) {
+    const Vector3& start = p_cut.corners[Sequences[front][edge.start]];
+    const Vector3& end = p_cut.corners[Sequences[front][edge.end]];
+    Vector3 point;
+    if (!static_cast<bool>(CutSegment(p_cut.normal, p_cut.d, start, end, point)))
+      continue; // indeterminate too
+    if (edge.step != lastStep)
+      ++count;
+    lastStep = edge.step;
+    p_points[count - 1] = point;
+  }
+  return count;
+}
+
+// The same result, bit for bit, for corners that are all well off the plane: those behind it are given as a set, and
+// their distances and the others' exceed all rounding errors and Epsilon.
+//
+// The divisor of the segment routine, n·(start − end), is then the difference of the distances but for an error that
+// decides nothing. With both ends on one side the quotient is above 1 or below 0 (or the edge is parallel): a miss.
+// With the ends on two sides it lies between 0 and 1: a hit. Seen from the front corner, which has the largest
+// distance, no edge comes from behind the plane to before it, so that a step is hit once at most. What remains is the
+// point, and its distance has been computed already, by the same operations.
+std::size_t CutBetweenCorners(const BoxCut& p_cut, unsigned p_behind, Vector3* p_points) {
+  const std::size_t front = FrontCorner(p_cut.distances);
+  std::size_t count = 0;
+  for (unsigned edges = CrossingEdges[front][p_behind]; edges != 0; edges &= edges - 1) {
+    const Edge& edge = Edges[__builtin_ctz(edges)];
+    const std::size_t first = Sequences[front][edge.start];
+    const Vector3& start = p_cut.corners[first];
+    const Vector3& end = p_cut.corners[Sequences[front][edge.end]];
+    const double t = p_cut.distances[first] / Dot(p_cut.normal, start - end);
+    p_points[count++] = start + (end - start) * t;
+  }
+  return count;
+}
+
+// How far from the plane a corner must be for its sign to decide. The errors of distances and divisors stay below 2^-48
+// times the sum of |d| and all the coordinates. Infinite where sums might overflow; NaN counts as infinite.
+double DecisiveDistance(const Box& p_box, double p_d) {
+  const Vector3& a = p_box.Min();
+  const Vector3& b = p_box.Max();
+  const double scale = 1 + std::abs(p_d) + (std::abs(a.x) + std::abs(b.x)) + (std::abs(a.y) + std::abs(b.y)) +
+                       (std::abs(a.z) + std::abs(b.z));
+  return scale < 0x1p+1000 ? 0x1p-45 * scale : std::numeric_limits<double>::infinity();
+}
+
+} // namespace
+
+tribool Intersect::Intersection(const Types::Plane& p_first, const Types::Plane& p_second,
+                                Types::Line3_Base<double>& p_line) {
+  const Vector3& n1 = p_first.Normal();
+  const Vector3& n2 = p_second.Normal();
+  const Vector3 direction = Cross(n1, n2);
+  if (Epsilon > Dot(direction, direction))
+    return false;
+
+  // The loss of precision is part of the result.
+  const auto a = static_cast<float>(Dot(n1, n1));
+  const auto b = static_cast<float>(Dot(n1, n2));
+  const auto c = static_cast<float>(Dot(n2, n2));
+  const float determinant = c * a - b * b;
+  const double d1 = p_first.Equation().w;
+  const double d2 = p_second.Equation().w;
+  const auto k1 = static_cast<float>((b * d2 - c * d1) / determinant);
+  const auto k2 = static_cast<float>((b * d1 - a * d2) / determinant);
+  p_line = {n1 * static_cast<double>(k1) + n2 * static_cast<double>(k2), direction};
+  return true;
+}
+
+tribool Intersect::Intersection(const Types::Plane& p_plane, const Types::Ray_Base<double>& p_ray, Vector3& p_point) {
+  return Intersection(p_plane, p_ray.origin, p_ray.origin + p_ray.direction, p_point);
+}
+
+tribool Intersect::Intersection(const Types::Plane& p_plane, const Vector3& p_start, const Vector3& p_end,
+                                Vector3& p_point) {
+  return CutSegment(p_plane.Normal(), p_plane.Equation().w, p_start, p_end, p_point);
+}
+
+bool Intersect::Intersection(const Box& p_box, const Types::Plane& p_plane, std::vector<Vector3>& p_points) {
+  p_points.clear();
+  const Types::Plane plane(p_plane.Point(), -Normalize(p_plane.Normal()));
+  const Types::Vector4_Base<double> equation = plane.Equation();
+  BoxCut cut{CornersOf(p_box), {}, plane.Normal(), equation.w};
+  const double decisive = DecisiveDistance(p_box, equation.w);
+  unsigned behind = 0;
+  bool decided = true;
+  for (std::size_t i = 0; i < 8; ++i) {
+    const double distance = Dot(equation, Types::Homogeneous::FromVector3(cut.corners[i]));
+    cut.distances[i] = distance;
+    behind |= static_cast<unsigned>(std::signbit(distance)) << i;
+    decided &= std::abs(distance) > decisive;
+  }
+  if (decided && (behind == 0 || behind == 0xff))
+    return false;
+
+  p_points.resize(NumSteps);
+  p_points.resize(decided ? CutBetweenCorners(cut, behind, p_points.data()) : CutEdgeByEdge(cut, p_points.data()));
+  return !p_points.empty();
+}
+
+bool Intersect::Intersection(const Types::Viewport<0>& p_first, const Types::Viewport<0>& p_second,
+                             Types::Viewport<0>& p_result) {
+  const float left = std::max(p_first.x, p_second.x);
+  const float right = std::min(p_first.x + p_first.width, p_second.x + p_second.width);
+  const float bottom = std::max(p_first.y, p_second.y);
+  const float top = std::min(p_first.y + p_first.height, p_second.y + p_second.height);
+  p_result = {}; // only now: the result may be one of the arguments
+  if (bottom > top || left > right)
+    return false;
+  p_result = {left, bottom, static_cast<float>(static_cast<double>(right) - left),
+              static_cast<float>(static_cast<double>(top) - bottom)};
+  return true;
+}
+
+} // namespace Vek::Chart::Library

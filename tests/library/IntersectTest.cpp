@@ -1,0 +1,495 @@
+#include "library/Intersect.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace Vek::Chart;
+using boost::logic::indeterminate;
+using boost::logic::tribool;
+using Library::Intersect;
+using Vector3 = Types::Vector3_Base<double>;
+using Line = Types::Line3_Base<double>;
+using Ray = Types::Ray_Base<double>;
+using Box = Types::BoundingBox_Base<double>;
+using Viewport = Types::Viewport<0>;
+
+constexpr double Inf = std::numeric_limits<double>::infinity();
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double Eps = std::numeric_limits<double>::epsilon();
+const Vector3 Untouched(7, 8, 9);
+
+std::string Text(tribool p_value) {
+  return indeterminate(p_value) ? "indeterminate" : p_value ? "true" : "false";
+}
+std::string Text(const Vector3& p_v) {
+  char text[128];
+  std::snprintf(text, sizeof text, "(%.17g, %.17g, %.17g)", p_v.x, p_v.y, p_v.z);
+  return text;
+}
+
+// Equal bits; any NaN equals any other.
+bool SameBits(double p_a, double p_b) {
+  return (std::isnan(p_a) && std::isnan(p_b)) || std::memcmp(&p_a, &p_b, sizeof p_a) == 0;
+}
+bool SameBits(const Vector3& p_a, const Vector3& p_b) {
+  return SameBits(p_a.x, p_b.x) && SameBits(p_a.y, p_b.y) && SameBits(p_a.z, p_b.z);
+}
+
+TEST(IntersectPlanes, ParallelIsFalseAndLeavesTheLineAlone) {
+  const struct {
+    const char* name;
+    Types::Plane first;
+    Types::Plane second;
+    bool expected;
+  } cases[] = {
+      {"shifted", {{0, 0, 0}, {0, 0, 1}}, {{0, 0, 1}, {0, 0, 1}}, false},
+      {"coincident", {{0, 0, 0}, {0, 0, 1}}, {{5, 5, 0}, {0, 0, 1}}, false},
+      {"opposite", {{0, 0, 0}, {0, 0, 1}}, {{0, 0, 1}, {0, 0, -3}}, false},
+      {"no normal", {{0, 0, 0}, {0, 0, 0}}, {{0, 0, 1}, {1, 0, 0}}, false},
+      // The squared length of the product is compared with epsilon, 2^-52; epsilon itself passes.
+      {"just below", {{0, 0, 0}, {0, 0, 1}}, {{0, 0, 0}, {std::nextafter(0x1p-26, 0), 0, 1}}, false},
+      {"just epsilon", {{0, 0, 0}, {0, 0, 1}}, {{0, 0, 0}, {0x1p-26, 0, 1}}, true},
+      {"short normals", {{0, 0, 0}, {0, 0, 1e-4}}, {{0, 0, 0}, {1e-5, 0, 0}}, false},
+  };
+  for (const auto& c : cases) {
+    Line line(Untouched, Untouched);
+    EXPECT_EQ(Text(Intersect::Intersection(c.first, c.second, line)), c.expected ? "true" : "false") << c.name;
+    EXPECT_EQ(SameBits(line.point, Untouched) && SameBits(line.direction, Untouched), !c.expected) << c.name;
+  }
+}
+
+TEST(IntersectPlanes, GiveThePointAndTheUnnormalisedCrossProduct) {
+  Line line;
+  const Types::Plane level({0, 0, 2}, {0, 0, 2});
+  EXPECT_TRUE(bool(Intersect::Intersection(level, Types::Plane({3, 0, 0}, {4, 0, 0}), line)));
+  EXPECT_EQ(line.direction, Vector3(0, 8, 0));
+  EXPECT_EQ(line.point, Vector3(3, 0, 2));
+}
+
+TEST(IntersectPlanes, GoThroughSinglePrecision) {
+  const Types::Plane first({0, 0, 1.0 / 3}, {0, 0, 1});
+  const Types::Plane second({0.7, 0, 0}, {1, 0, 1.0 / 3});
+  const float b = 1.0F / 3;
+  const auto c = static_cast<float>(1 + (1.0 / 3) * (1.0 / 3));
+  const float squared = b * b;
+  const float determinant = c - squared;
+  const double d1 = -1.0 / 3;
+  const double d2 = -0.7;
+  const double k1 = static_cast<float>((b * d2 - c * d1) / determinant);
+  const double k2 = static_cast<float>((b * d1 - d2) / determinant);
+  Line line;
+  EXPECT_TRUE(bool(Intersect::Intersection(first, second, line)));
+  EXPECT_TRUE(SameBits(line.point, {k2, 0, k1 + 1.0 / 3 * k2})) << Text(line.point);
+  EXPECT_NE(line.point.z, 1.0 / 3) << "the loss must show";
+  EXPECT_NEAR(line.point.z, 1.0 / 3, 1e-6);
+}
+
+TEST(IntersectPlanes, NearlyParallelNormalsGiveAnInfinitePoint) {
+  Line line;
+  const Types::Plane tilted({0, 0, 2}, {1e-7, 0, 1});
+  EXPECT_TRUE(bool(Intersect::Intersection(Types::Plane({0, 0, 1}, {0, 0, 1}), tilted, line)));
+  EXPECT_FALSE(std::isfinite(line.point.x));
+  EXPECT_EQ(line.direction, Vector3(0, 1e-7, 0));
+}
+
+TEST(IntersectSegment, CountsBothEndsAndTellsParallelFromContained) {
+  const Types::Plane ground({4, 4, 0}, {0, 0, 1});
+  const Types::Plane longNormal({0, 0, 0}, {0, 0, 8}); // normals are taken as they are, not normalised
+  const Types::Plane shortNormal({0, 0, 0}, {0, 0, 1e-17});
+  const struct {
+    const char* name;
+    Types::Plane plane;
+    Vector3 start;
+    Vector3 end;
+    const char* expected;
+    Vector3 point;
+  } cases[] = {
+      {"crosses", ground, {1, 2, 3}, {1, 2, -1}, "true", {1, 2, 0}},
+      {"starts on it", ground, {1, 2, 0}, {1, 5, 6}, "true", {1, 2, 0}},
+      {"ends on it", ground, {1, 2, 8}, {1, 5, 0}, "true", {1, 5, 0}},
+      {"ends before it", ground, {1, 2, 8}, {1, 5, 1e-12}, "false", Untouched},
+      {"leaves it", ground, {1, 2, 1e-12}, {1, 5, 8}, "false", Untouched},
+      {"contained", ground, {0, 0, 0}, {1, 1, 0}, "indeterminate", Untouched},
+      {"a point on it", ground, {0, 0, 0}, {0, 0, 0}, "indeterminate", Untouched},
+      {"both ends within epsilon", ground, {0, 0, Eps}, {0, 0, Eps}, "indeterminate", Untouched},
+      {"only the start within epsilon", ground, {0, 0, Eps}, {0, 0, 2 * Eps}, "false", Untouched},
+      {"only the end within epsilon", ground, {0, 0, 2 * Eps}, {0, 0, Eps}, "false", Untouched},
+      {"parallel", ground, {0, 0, 1}, {1, 1, 1}, "false", Untouched},
+      {"long normal", longNormal, {0, 0, Eps}, {0, 0, 0}, "true", {0, 0, 0}},
+      {"short normal", shortNormal, {0, 0, 1}, {0, 0, -1}, "indeterminate", Untouched},
+      {"not a number", ground, {0, 0, NaN}, {0, 0, 1}, "true", {NaN, NaN, NaN}},
+  };
+  for (const auto& c : cases) {
+    Vector3 point = Untouched;
+    EXPECT_EQ(Text(Intersect::Intersection(c.plane, c.start, c.end, point)), c.expected) << c.name;
+    EXPECT_TRUE(SameBits(point, c.point)) << c.name << Text(point);
+  }
+}
+
+TEST(IntersectSegment, MayWriteItsPointIntoOneOfItsEnds) {
+  Vector3 start(1, 2, 3);
+  const Vector3 end(5, 2, -1);
+  EXPECT_TRUE(bool(Intersect::Intersection(Types::Plane(), start, end, start)));
+  EXPECT_EQ(start, Vector3(4, 2, 0));
+}
+
+TEST(IntersectRay, ReachesAsFarAsItsDirection) {
+  const struct {
+    double height;
+    const char* expected;
+  } cases[] = {{0.5, "true"}, {0, "true"}, {1, "true"}, {2, "false"}, {-0.5, "false"}};
+  for (const auto& c : cases) {
+    Vector3 point = Untouched;
+    const Ray up({0, 0, 0}, {0, 0, 1});
+    EXPECT_EQ(Text(Intersect::Intersection(Types::Plane({0, 0, c.height}, {0, 0, 1}), up, point)), c.expected);
+    EXPECT_EQ(point, std::string(c.expected) == "true" ? Vector3(0, 0, c.height) : Untouched) << c.height;
+  }
+  // The far end is a rounded sum: a direction that is lost in the origin leaves a segment without length.
+  Vector3 point = Untouched;
+  const Types::Plane far({0, 0, 1e17}, {0, 0, 1});
+  EXPECT_EQ(Text(Intersect::Intersection(far, Ray({0, 0, 1e17}, {0, 0, 1}), point)), "indeterminate");
+  EXPECT_EQ(point, Untouched);
+}
+
+TEST(IntersectViewports, CommonPart) {
+  const struct {
+    const char* name;
+    Viewport a;
+    Viewport b;
+    bool expected;
+    Viewport result;
+  } cases[] = {
+      {"overlap", {0, 0, 10, 10}, {3, -2, 20, 5}, true, {3, 0, 7, 3}},
+      {"inside", {0, 0, 10, 10}, {3, 4, 2, 1}, true, {3, 4, 2, 1}},
+      {"touch at the side", {0, 0, 10, 10}, {10, 0, 5, 5}, true, {10, 0, 0, 5}},
+      {"touch at the corner", {0, 0, 10, 10}, {10, 10, 5, 5}, true, {10, 10, 0, 0}},
+      {"apart in x", {0, 0, 10, 10}, {11, 0, 5, 5}, false, {}},
+      {"apart in y", {0, 0, 10, 10}, {0, -6, 5, 5}, false, {}},
+      {"negative width", {0, 0, -1, 10}, {0, 0, 5, 5}, false, {}},
+      // 16777216 + 3 is no float and rounds to even.
+      {"sums in single precision", {16777216, 0, 3, 1}, {0, 0, 16777300, 1}, true, {16777216, 0, 4, 1}},
+  };
+  for (const auto& c : cases) {
+    Viewport result(1, 2, 3, 4);
+    EXPECT_EQ(Intersect::Intersection(c.a, c.b, result), c.expected) << c.name;
+    EXPECT_EQ(result, c.result) << c.name;
+    EXPECT_EQ(Intersect::Intersection(c.b, c.a, result), c.expected) << c.name;
+    EXPECT_EQ(result, c.result) << c.name << ", swapped";
+    for (const bool second : {false, true}) {
+      Viewport a = c.a;
+      Viewport b = c.b;
+      EXPECT_EQ(Intersect::Intersection(a, b, second ? b : a), c.expected) << c.name;
+      EXPECT_EQ(second ? b : a, c.result) << c.name << ", into an argument";
+    }
+  }
+}
+
+// The rule for a box and a plane, word for word, in the plainest form.
+
+tribool PlainSegment(const Types::Plane& p_plane, const Vector3& p_start, const Vector3& p_end, Vector3& p_point) {
+  const Vector3 n = p_plane.Normal();
+  const double d = p_plane.Equation().w;
+  const double denom = Dot(n, p_start - p_end);
+  if (std::fabs(denom) <= Eps) {
+    if (std::fabs(Dot(n, p_start) + d) <= Eps && std::fabs(Dot(n, p_end) + d) <= Eps)
+      return indeterminate;
+    return false;
+  }
+  const double t = (Dot(n, p_start) + d) / denom;
+  if (t < 0 || t > 1)
+    return false;
+  p_point = p_start + (p_end - p_start) * t;
+  return true;
+}
+
+bool PlainCut(const Box& p_box, const Types::Plane& p_plane, std::vector<Vector3>& p_points) {
+  static const int rows[8][8] = {{0, 1, 3, 4, 5, 2, 7, 6}, {1, 5, 2, 0, 4, 6, 3, 7}, {2, 3, 1, 6, 7, 0, 5, 4},
+                                 {3, 7, 0, 2, 6, 4, 1, 5}, {4, 0, 7, 5, 1, 3, 6, 2}, {5, 4, 6, 1, 0, 7, 2, 3},
+                                 {6, 2, 5, 7, 3, 1, 4, 0}, {7, 6, 4, 3, 2, 5, 0, 1}};
+  p_points.clear();
+  const Vector3 lo = p_box.Min();
+  const Vector3 hi = p_box.Max();
+  const Vector3 corners[8] = {{lo.x, lo.y, lo.z}, {hi.x, lo.y, lo.z}, {hi.x, hi.y, lo.z}, {lo.x, hi.y, lo.z},
+                              {lo.x, lo.y, hi.z}, {hi.x, lo.y, hi.z}, {hi.x, hi.y, hi.z}, {lo.x, hi.y, hi.z}};
+  const Types::Plane working(p_plane.Point(), -Normalize(p_plane.Normal()));
+  int front = 0;
+  double largest = 0;
+  bool below = false;
+  bool above = false;
+  for (int i = 0; i < 8; ++i) {
+    const double dist = Dot(working.Equation(), Types::Homogeneous::FromVector3(corners[i]));
+    if (i == 0 || dist > largest) {
+      front = i;
+      largest = dist;
+    }
+    below = below || dist <= 0;
+    above = above || dist >= 0;
+  }
+  if (!(below && above))
+    return false;
+  Vector3 shared;
+  const auto edge = [&](int p_from, int p_to) {
+    return PlainSegment(working, corners[rows[front][p_from]], corners[rows[front][p_to]], shared);
+  };
+  const int steps[6][6] = {{1, 4, 0, 1, 4, 7}, {1, 5}, {2, 5, 0, 2, 5, 7}, {2, 6}, {3, 6, 0, 3, 6, 7}, {3, 4}};
+  for (int i = 0; i < 6; ++i) {
+    tribool hit = edge(steps[i][0], steps[i][1]);
+    if (i % 2 == 0) {
+      const tribool r2 = edge(steps[i][2], steps[i][3]);
+      const tribool r3 = edge(steps[i][4], steps[i][5]);
+      hit = (r2 || hit) || r3;
+    }
+    if (hit)
+      p_points.push_back(shared);
+  }
+  return !p_points.empty();
+}
+
+struct CutCase {
+  Box box;
+  Types::Plane plane;
+};
+
+// Random numbers for one case, seeded by its number.
+class Dice {
+public:
+  explicit Dice(unsigned p_index)
+      : _engine(p_index + 1) {}
+  int Integer(int p_min, int p_max) { return p_min + static_cast<int>((_engine() >> 8) % (p_max - p_min + 1)); }
+  double Real(double p_min, double p_max) {
+    const double high = static_cast<double>(_engine());
+    return p_min + (p_max - p_min) * ((high * 0x1p22 + static_cast<double>(_engine() >> 9)) * 0x1p-53);
+  }
+  /// 2 to a random power.
+  double Power(int p_min, int p_max) { return std::ldexp(1.0, Integer(p_min, p_max)); }
+  Vector3 Reals(double p_min, double p_max) {
+    const double x = Real(p_min, p_max);
+    const double y = Real(p_min, p_max);
+    return {x, y, Real(p_min, p_max)};
+  }
+  Vector3 Integers(int p_min, int p_max) {
+    const int x = Integer(p_min, p_max);
+    const int y = Integer(p_min, p_max);
+    return Vector3(x, y, Integer(p_min, p_max));
+  }
+  Vector3 Specials() {
+    static const double values[] = {0.0,   -0.0,   1,      -1,     Inf,     -Inf, NaN,
+                                    1e308, -1e308, 1e-308, 5e-324, -5e-324, 0.5,  1e17};
+    const int x = Integer(0, 13);
+    const int y = Integer(0, 13);
+    return {values[x], values[y], values[Integer(0, 13)]};
+  }
+  Box RealBox(double p_size) {
+    const Vector3 min = Reals(-p_size, p_size);
+    return {min, min + Reals(0, p_size)};
+  }
+  Vector3 CornerOf(const Box& p_box) {
+    const int corner = Integer(0, 7);
+    return {(corner & 1) != 0 ? p_box.Min().x : p_box.Max().x, (corner & 2) != 0 ? p_box.Min().y : p_box.Max().y,
+            (corner & 4) != 0 ? p_box.Min().z : p_box.Max().z};
+  }
+
+private:
+  std::minstd_rand _engine; // 31 bits a number, and cheap to seed
+};
+
+const struct {
+  const char* name;
+  CutCase (*make)(Dice&);
+} Families[] = {
+    {"proper",
+     [](Dice& d) {
+       const Box box = d.RealBox(10);
+       return CutCase{box, {box.Center() + d.Reals(-1, 1), d.Reals(-3, 3)}};
+     }},
+    {"through a corner",
+     [](Dice& d) {
+       const Box box = d.RealBox(10);
+       return CutCase{box, {d.CornerOf(box), d.Reals(-1, 1)}};
+     }},
+    {"through three corners",
+     [](Dice& d) {
+       const Box box = d.RealBox(10);
+       const Vector3 a = d.CornerOf(box);
+       const Vector3 b = d.CornerOf(box);
+       return CutCase{box, {a, b, d.CornerOf(box)}};
+     }},
+    {"a hair off a corner",
+     [](Dice& d) {
+       const Box box = d.RealBox(1);
+       const Vector3 hair = d.Reals(-1, 1) * d.Power(-56, -40);
+       return CutCase{box, {d.CornerOf(box) + hair, d.Reals(-1, 1)}};
+     }},
+    {"along an axis, often in a face",
+     [](Dice& d) {
+       const Box box = d.RealBox(10);
+       const int axis = d.Integer(0, 2);
+       const double sign = d.Integer(0, 1) == 0 ? 2 : -1;
+       return CutCase{box,
+                      {d.Integer(0, 1) == 0 ? d.CornerOf(box) : box.Center(),
+                       {axis == 0 ? sign : 0, axis == 1 ? sign : 0, axis == 2 ? sign : 0}}};
+     }},
+    {"almost along an axis",
+     [](Dice& d) {
+       const Box box = d.RealBox(10);
+       return CutCase{box, {box.Center(), Vector3(0, 1, 0) + d.Reals(-1, 1) * d.Power(-60, -45)}};
+     }},
+    {"on a lattice",
+     [](Dice& d) {
+       const Vector3 min = d.Integers(-2, 2);
+       const Vector3 size = d.Integers(0, 3);
+       const Vector3 point = d.Integers(-2, 4);
+       return CutCase{{min, min + size}, {point, d.Integers(-2, 2)}};
+     }},
+    {"inverted box",
+     [](Dice& d) {
+       const Vector3 min = d.Integers(-2, 2);
+       const Vector3 size = d.Reals(-3, 3);
+       return CutCase{{min, min + size}, {min + size * 0.5, d.Reals(-2, 2)}};
+     }},
+    {"tiny box",
+     [](Dice& d) {
+       const Box box = d.RealBox(d.Integer(0, 3) == 0 ? d.Power(-1060, -52) : d.Power(-51, -20));
+       return CutCase{box, {box.Center(), d.Reals(-1, 1)}};
+     }},
+    {"tiny box far out",
+     [](Dice& d) {
+       const Vector3 min = d.Reals(1000, 2000);
+       const Box box(min, min + d.Reals(0, 1) * d.Power(-45, -20));
+       return CutCase{box, {d.CornerOf(box), d.Reals(-1, 1)}};
+     }},
+    {"huge box",
+     [](Dice& d) {
+       const double size = d.Power(40, 1022);
+       const Box box = d.RealBox(size);
+       return CutCase{box, {box.Center() + d.Reals(-size / 4, size / 4), d.Reals(-1, 1)}};
+     }},
+    {"long and thin",
+     [](Dice& d) {
+       const Vector3 min = d.Reals(-1, 1);
+       const Vector3 size(d.Real(0, 1e-9), d.Real(0, 1e9), 1);
+       return CutCase{{min, min + size}, {min + size * 0.5, d.Reals(-1, 1)}};
+     }},
+    {"extreme normal",
+     [](Dice& d) {
+       const Box box = d.RealBox(2);
+       return CutCase{box, {box.Center(), d.Reals(-1, 1) * d.Power(-1073, 1023)}};
+     }},
+    {"special numbers",
+     [](Dice& d) {
+       const Vector3 min = d.Specials();
+       const Vector3 max = d.Specials();
+       const Vector3 point = d.Specials();
+       return CutCase{{min, max}, {point, d.Integer(0, 1) == 0 ? d.Specials() : d.Reals(-1, 1)}};
+     }},
+    {"empty box",
+     [](Dice& d) {
+       return CutCase{Box(), {{}, d.Reals(-1, 1)}};
+     }},
+};
+
+TEST(IntersectBox, IsTheRuleBitForBit) {
+  std::vector<Vector3> points;
+  std::vector<Vector3> expected;
+  for (const auto& family : Families) {
+    int cuts = 0;
+    for (unsigned i = 0; i < 100000; ++i) {
+      Dice dice(i);
+      const CutCase c = family.make(dice);
+      const bool cut = PlainCut(c.box, c.plane, expected);
+      bool same = Intersect::Intersection(c.box, c.plane, points) == cut && points.size() == expected.size();
+      for (std::size_t k = 0; same && k < points.size(); ++k)
+        same = SameBits(points[k], expected[k]);
+      ASSERT_TRUE(same) << family.name << ' ' << i << ": box " << Text(c.box.Min()) << Text(c.box.Max()) << ", plane "
+                        << Text(c.plane.Point()) << Text(c.plane.Normal());
+      cuts += cut ? 1 : 0;
+    }
+    EXPECT_GT(cuts, 10000) << family.name << " hardly ever cuts";
+  }
+}
+
+// On the plane, in the box, convex, and counter-clockwise seen from where the normal points.
+void ExpectProperPolygon(const CutCase& p_case, const std::vector<Vector3>& p_points, unsigned p_index) {
+  const Vector3& min = p_case.box.Min();
+  const Vector3& max = p_case.box.Max();
+  const double size = Length(max - min);
+  const double tolerance = 1e-14 * (size + Length(min));
+  const Vector3 normal = Normalize(p_case.plane.Normal());
+  const std::size_t n = p_points.size();
+  Vector3 area;
+  for (std::size_t i = 0; i < n; ++i) {
+    const Vector3& p = p_points[i];
+    ASSERT_LE(std::fabs(Dot(normal, p - p_case.plane.Point())), tolerance) << p_index;
+    ASSERT_TRUE(p.x >= min.x - tolerance && p.x <= max.x + tolerance) << p_index << Text(p);
+    ASSERT_TRUE(p.y >= min.y - tolerance && p.y <= max.y + tolerance) << p_index << Text(p);
+    ASSERT_TRUE(p.z >= min.z - tolerance && p.z <= max.z + tolerance) << p_index << Text(p);
+    const Vector3 side = p_points[(i + 1) % n] - p;
+    const Vector3 next = p_points[(i + 2) % n] - p_points[(i + 1) % n];
+    ASSERT_GE(Dot(Cross(side, next), normal), -tolerance * size) << p_index;
+    area += Cross(p - p_points[0], side);
+  }
+  ASSERT_GT(Dot(area, normal), 0) << p_index;
+}
+
+TEST(IntersectBox, AProperCutIsAConvexPolygonInOrder) {
+  std::vector<Vector3> points;
+  int sizes[7] = {};
+  for (unsigned i = 0; i < 100000; ++i) {
+    Dice dice(i);
+    const CutCase c = Families[0].make(dice);
+    if (!Intersect::Intersection(c.box, c.plane, points))
+      continue;
+    ASSERT_TRUE(points.size() >= 3 && points.size() <= 6) << i;
+    ++sizes[points.size()];
+    ASSERT_NO_FATAL_FAILURE(ExpectProperPolygon(c, points, i));
+  }
+  for (int n = 3; n <= 6; ++n)
+    EXPECT_GT(sizes[n], 500) << n << " corners are rare";
+}
+
+TEST(IntersectBox, SmallCasesByHand) {
+  const Box unit({0, 0, 0}, {1, 1, 1});
+  const struct {
+    const char* name;
+    Types::Plane plane;
+    std::vector<Vector3> expected;
+  } cases[] = {
+      {"half way up", {{0, 0, 0.5}, {0, 0, 7}}, {{1, 0, 0.5}, {1, 1, 0.5}, {0, 1, 0.5}, {0, 0, 0.5}}},
+      {"half way up, from below", {{0, 0, 0.5}, {0, 0, -7}}, {{0, 0, 0.5}, {0, 1, 0.5}, {1, 1, 0.5}, {1, 0, 0.5}}},
+      {"middle of the diagonal",
+       {{0.5, 0.5, 0.5}, {1, 1, 1}},
+       {{1, 0, 0.5}, {1, 0.5, 0}, {0.5, 1, 0}, {0, 1, 0.5}, {0, 0.5, 1}, {0.5, 0, 1}}},
+      {"no normal", {{0.5, 0.5, 0.5}, {0, 0, 0}}, {}},
+      {"above", {{0, 0, 1.5}, {0, 0, 1}}, {}},
+  };
+  for (const auto& c : cases) {
+    std::vector<Vector3> points(3, Untouched);
+    EXPECT_EQ(Intersect::Intersection(unit, c.plane, points), !c.expected.empty()) << c.name;
+    ASSERT_EQ(points.size(), c.expected.size()) << c.name;
+    for (std::size_t i = 0; i < points.size(); ++i)
+      EXPECT_LE(Length(points[i] - c.expected[i]), 1e-15) << c.name << i << Text(points[i]);
+  }
+}
+
+TEST(IntersectBox, TheFirstCutMakesRoomForAllOthers) {
+  std::vector<Vector3> points;
+  const Box unit({0, 0, 0}, {1, 1, 1});
+  EXPECT_TRUE(Intersect::Intersection(unit, Types::Plane({0.1, 0, 0}, {1, 1, 1}), points));
+  EXPECT_EQ(points.size(), 3u);
+  const Vector3* const data = points.data();
+  EXPECT_FALSE(Intersect::Intersection(unit, Types::Plane({9, 0, 0}, {1, 1, 1}), points));
+  EXPECT_TRUE(Intersect::Intersection(unit, Types::Plane({0.5, 0.5, 0.5}, {1, 1, 1}), points));
+  EXPECT_EQ(points.size(), 6u);
+  EXPECT_EQ(points.data(), data);
+}
+
+} // namespace
