@@ -1,0 +1,88 @@
+#pragma once
+
+#include "library/Export.h"
+#include "platform/file/FilePath.h"
+
+#include <boost/array.hpp>
+#include <boost/shared_ptr.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace Vek::Chart::Library {
+
+/// A picture with a high dynamic range, read from a Radiance file (RGBE, "#?RADIANCE").
+///
+/// Pixels are linear RGB in single precision, width × height of them, row by row from the bottom: the pixel at column
+/// x, row y has the offset y × width + x, and row 0 is the last scanline of the file.
+///
+/// Read are flat scanlines, the run codes of old files (1, 1, 1, n) and scanlines of separated, run-length encoded
+/// components. A value is mantissa / 256 × 2^(exponent − 128); an exponent byte of 0 gives exactly 0. No half unit is
+/// added to the mantissa and no EXPOSURE is applied (readers differ there); header lines are kept and can be asked for.
+/// Orientations other than "-Y … +X …" are reported, and their scanlines are kept in file order. Format: G. Ward, "Real
+/// Pixels", Graphics Gems II, 1991, and the Radiance reference manual, "File Formats".
+///
+/// Errors. What is wrong with the file is reported through the logger, and reading goes on: a wrong signature
+/// ("header == "#?RADIANCE""), a header line without one '=' ("param.size() == 2"), a wrong orientation, a run without
+/// a pixel to repeat ("previous"; a zero pixel is repeated), a file that ends too early ("!p_stream.eof()"; the rest is
+/// 0). A resolution line that cannot be read gives 0 × 0. Data that would run over the end of a scanline throw
+/// std::out_of_range; a resolution that is negative, or that claims more pixels than the file can hold, throws
+/// std::length_error.
+///
+/// Copies share their pixels. No GPU state, no threads of its own.
+class VEK_LIBRARY_API HdrImage {
+public:
+  /// A pixel as the file has it: the mantissas of red, green and blue, and the exponent that they share.
+  struct VEK_LIBRARY_API Rgbe8 {
+    boost::array<unsigned char, 4> bytes{{0, 0, 0, 0}};
+
+    /// Component 0 to 3. Any other index is reported; what is written there is lost.
+    unsigned char& operator[](std::size_t p_index);
+    const unsigned char& operator[](std::size_t p_index) const;
+  };
+
+  struct Rgb32F {
+    float red = 0;
+    float green = 0;
+    float blue = 0;
+  };
+
+  /// Reads a file from its first byte on. The stream must be binary; it is left behind the last byte of the picture
+  /// where it can seek.
+  explicit HdrImage(std::istream& p_stream);
+  /// Reads the file; one that cannot be opened is read as empty, which is reported as a wrong signature.
+  explicit HdrImage(const vekfile::filepath& p_path);
+
+  /// Reads another file into this image and all its copies.
+  void Load(std::istream& p_stream);
+
+  int Width() const;
+  int Height() const;
+  /// The pixel at a column and a row, counted from the bottom. A place outside the picture is reported; it reads as 0,
+  /// and what is written there is lost.
+  const Rgb32F& Pixel(int p_x, int p_y) const;
+  Rgb32F& Pixel(int p_x, int p_y);
+  const std::vector<Rgb32F>& Pixels() const;
+
+  /// The values of all header lines "name=value" with that name, in the order of the file.
+  std::vector<std::string> HeaderValues(const std::string& p_name) const;
+
+  /// The luminance in candela per square metre of a pixel in W/(sr·m²): (0.265 red + 0.67 green + 0.065 blue) × 179, in
+  /// single precision.
+  float Luminance(const Rgb32F& p_pixel) const;
+
+  /// Writes a portable float map (PF, little endian, scale 1, the bottom row first) and says so on standard output. A
+  /// file that cannot be written gives a warning.
+  void SaveAsPFM(const vekfile::filepath& p_path) const;
+  void SaveAsPFM(std::ostream& p_stream) const;
+
+private:
+  struct State;
+  boost::shared_ptr<State> _state;
+};
+
+} // namespace Vek::Chart::Library

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <istream>
+#include <string>
+#include <vector>
+
+namespace Vek::Chart::Library::Private {
+
+/// Reads bytes and lines from a stream through a window of memory, with a look ahead. At its end, reads yield less than
+/// was asked for, and never anything stale. Reads past the stream's buffer only: its state flags stay as they are, and
+/// a stream that is not good is taken as empty.
+class ByteSource {
+public:
+  explicit ByteSource(std::istream& p_stream);
+  /// Moves the stream back to the first byte that was not taken, where it can seek.
+  ~ByteSource();
+  ByteSource(const ByteSource&) = delete;
+  ByteSource& operator=(const ByteSource&) = delete;
+
+  /// Takes a line without its line feed. False, and an empty line, when there is nothing left.
+  bool GetLine(std::string& p_line);
+
+  /// Makes at least `p_count` bytes (at most WindowSize) available at Data(), and returns how many there are: fewer
+  /// only at the end.
+  std::size_t Prepare(std::size_t p_count) { return _end - _next >= p_count ? _end - _next : Refill(p_count); }
+  /// The available bytes; valid until the next Prepare, GetLine or Read.
+  const unsigned char* Data() const { return _window.data() + _next; }
+  /// Takes bytes that are available.
+  void Take(std::size_t p_count) { _next += p_count; }
+
+  /// Takes one byte, or returns −1 at the end.
+  int GetByte() {
+    if (_next == _end && Refill(1) == 0)
+      return -1;
+    return _window[_next++];
+  }
+  /// Takes up to `p_count` bytes into `p_to` and returns how many.
+  std::size_t Read(unsigned char* p_to, std::size_t p_count);
+
+  /// How many bytes are left, at most `p_limit`; reads ahead as far as it must to know.
+  std::uint64_t Remaining(std::uint64_t p_limit);
+
+  static constexpr std::size_t WindowSize = std::size_t{1} << 20;
+
+private:
+  std::size_t Refill(std::size_t p_count);
+
+  std::istream& _stream;
+  std::vector<unsigned char> _window;
+  std::size_t _next = 0;
+  std::size_t _end = 0;
+  bool _ended;
+};
+
+} // namespace Vek::Chart::Library::Private
