@@ -1,6 +1,7 @@
 #include "library/HdrImage.h"
 
 #include "library/private/ByteSource.h"
+#include "library/private/LargeVector.h"
 #include "library/private/PathHash.h"
 #include "library/private/RgbeScanline.h"
 #include "platform/debug/Check.h"
@@ -17,11 +18,6 @@
 #include <sstream>
 #include <stdexcept>
 #include <utility>
-
-#ifdef __linux__
-#include <sys/mman.h>
-#include <unistd.h>
-#endif
 
 namespace Vek::Chart::Library {
 
@@ -74,21 +70,6 @@ std::size_t CountPixels(const Resolution& p_resolution, Private::ByteSource& p_s
   if (width * height > std::int64_t{1} << 26 && p_source.Remaining(least_bytes) < least_bytes)
     throw std::length_error("HdrImage: a size of " + size + " pixels, which the file is too short for");
   return static_cast<std::size_t>(width * height);
-}
-
-/// Zeros, in large pages where the system has them: touching fresh small pages costs more than decoding into them.
-void ResizeZeroed(std::vector<HdrImage::Rgb32F>& p_pixels, std::size_t p_count) {
-  std::vector<HdrImage::Rgb32F>().swap(p_pixels);
-  p_pixels.reserve(p_count);
-#ifdef __linux__
-  const std::uintptr_t page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
-  const std::uintptr_t start = (reinterpret_cast<std::uintptr_t>(p_pixels.data()) + page - 1) / page * page;
-  const std::uintptr_t end = reinterpret_cast<std::uintptr_t>(p_pixels.data() + p_count);
-  constexpr std::uintptr_t Worthwhile = std::uintptr_t{8} << 20;
-  if (end > start + Worthwhile)
-    ::madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE); // only a hint: failure changes nothing
-#endif
-  p_pixels.resize(p_count);
 }
 
 } // namespace
@@ -154,7 +135,8 @@ void HdrImage::Load(std::istream& p_stream) {
   const std::size_t count = CountPixels(resolution, source);
   _state->width = resolution.width;
   _state->height = resolution.height;
-  ResizeZeroed(_state->pixels, count);
+  std::vector<Rgb32F>().swap(_state->pixels); // before the new ones are taken
+  _state->pixels = Private::LargeVector<Rgb32F>(count);
   const std::size_t width = static_cast<std::size_t>(resolution.width);
   Private::RgbeScanline scanline(width);
   for (std::size_t row = count == 0 ? 0 : static_cast<std::size_t>(resolution.height); row-- > 0;)

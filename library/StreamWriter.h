@@ -1,0 +1,195 @@
+#pragma once
+
+#include "algorithms/InterpretArray.h"
+#include "platform/data/StreamWriter.h"
+#include "platform/debug/Check.h"
+#include "platform/debug/ContainerTypeName.h"
+#include "platform/interface/AnyInterface.h"
+#include "platform/interface/UnknownInterface.h"
+
+#include <boost/array.hpp>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// Writers that append what a source pushes into a container, converted to the container's element type.
+///
+///     std::vector<boost::array<float, 3>> positions(source->Count()); // the final size: writers never grow it
+///     ContainerStreamWriter<std::vector<boost::array<float, 3>>, ContainerOperations::StaticContainer,
+///                           boost::array<float, 3>> writer(positions);
+///     source->Write(writer);
+///
+/// Data that would run past the end are reported by the copy and dropped; the write position moves on all the same.
+namespace Vek::Chart::Library {
+
+namespace ContainerOperations {
+/// The container keeps its size.
+class StaticContainer;
+} // namespace ContainerOperations
+
+/// Answers interface queries for the writer interface W, and for no other: those throw UnknownInterface.
+template <class W>
+class StreamWriterInterfaceImpl : public W {
+public:
+  bool IsSupportedInterface(const SupportedInterface::InterfaceID& p_id) const override { return p_id == ID(); }
+  SupportedInterface::AnyInterface QuerySupportedInterface(const SupportedInterface::InterfaceID& p_id) override {
+    if (p_id != ID())
+      throw SupportedInterface::UnknownInterface(p_id);
+    return SupportedInterface::AnyInterface::Of<W>(*this);
+  }
+
+private:
+  static const SupportedInterface::InterfaceID& ID() {
+    static const SupportedInterface::InterfaceID id = SupportedInterface::InterfaceID::Of<W>();
+    return id;
+  }
+};
+
+/// The base of what puts elements E into a container.
+template <class E, class Container>
+class DataWriterBase {
+public:
+  virtual ~DataWriterBase() = default;
+};
+
+template <class E, class Container, class Operations>
+class ContainerDataWriter;
+
+/// Puts elements into a vector, which must outlive the writer, from its start on.
+template <class E>
+class ContainerDataWriter<E, std::vector<E>, ContainerOperations::StaticContainer>
+    : public DataWriterBase<E, std::vector<E>> {
+public:
+  explicit ContainerDataWriter(std::vector<E>& p_dest)
+      : _dest(&p_dest) {}
+
+  /// Converts whole elements and moves on by as many.
+  template <class S>
+  void WriteData(const S* p_data, std::uint64_t p_scalarCount) {
+    using Source = DataInterface::Array<S, 0>;
+    Algorithms::InterpretArray<Source, Source>::template CopyArrayToWithOffset<E>(Source(p_data, p_scalarCount), *_dest,
+                                                                                  _currentIndex);
+    _currentIndex += p_scalarCount / Algorithms::TupleTraits<E>::Count;
+  }
+
+  /// Moves on by that many elements; a position past the end is reported.
+  void AdvanceWriteIndex(std::uint64_t p_offsetInDestinationTypeUnits) {
+    // The sum of the expression may wrap, the comparison here cannot.
+    const bool fits = _currentIndex <= _dest->size() && p_offsetInDestinationTypeUnits <= _dest->size() - _currentIndex;
+    VEK_ENSURE_TEXT(fits, "_currentIndex + p_offsetInDestinationTypeUnits <= _dest.size()", AdvanceSignature());
+    _currentIndex += p_offsetInDestinationTypeUnits;
+  }
+
+  /// The next element that is written.
+  std::uint64_t CurrentIndex() const { return _currentIndex; }
+
+private:
+  static std::string AdvanceSignature() {
+    return "void __cdecl Vek::Chart::Library::ContainerDataWriter<" + vekdebug::TypeName<E>::text() + "," +
+           vekdebug::TypeName<std::vector<E>>::text() +
+           ",class Vek::Chart::Library::ContainerOperations::StaticContainer>::AdvanceWriteIndex(const unsigned "
+           "__int64)";
+  }
+
+  std::vector<E>* _dest;
+  std::uint64_t _currentIndex = 0;
+};
+
+/// What all kinds of writers share: a data writer, and how to skip.
+template <class Writer>
+class StreamWriterBaseImpl {
+public:
+  /// The next destination element that is written.
+  std::uint64_t CurrentIndex() const { return _writer.CurrentIndex(); }
+
+protected:
+  template <class Container>
+  explicit StreamWriterBaseImpl(Container& p_dest)
+      : _writer(p_dest) {}
+  void SkipElements(std::uint64_t p_count) { _writer.AdvanceWriteIndex(p_count); }
+
+  Writer _writer;
+};
+
+// The typed writes of each kind, on top of a data writer.
+
+template <unsigned int N, class Writer>
+class BoolStreamWriterBase : public StreamWriterInterfaceImpl<DataInterface::BoolAttributeStreamWriter<N>>,
+                             public StreamWriterBaseImpl<Writer> {
+public:
+  using StreamWriterBaseImpl<Writer>::StreamWriterBaseImpl;
+  void Skip(std::uint64_t p_count) override { this->SkipElements(p_count); }
+  void Write(const unsigned char* p_data, std::uint64_t p_scalarCount) override {
+    this->_writer.WriteData(p_data, p_scalarCount);
+  }
+  void Write(const bool* p_data, std::uint64_t p_scalarCount) override {
+    this->_writer.WriteData(p_data, p_scalarCount);
+  }
+};
+
+template <unsigned int N, class Writer>
+class FloatStreamWriterBase : public StreamWriterInterfaceImpl<DataInterface::FloatAttributeStreamWriter<N>>,
+                              public StreamWriterBaseImpl<Writer> {
+public:
+  using StreamWriterBaseImpl<Writer>::StreamWriterBaseImpl;
+  void Skip(std::uint64_t p_count) override { this->SkipElements(p_count); }
+  void Write(const double* p_data, std::uint64_t p_scalarCount) override {
+    this->_writer.WriteData(p_data, p_scalarCount);
+  }
+  void Write(const float* p_data, std::uint64_t p_scalarCount) override {
+    this->_writer.WriteData(p_data, p_scalarCount);
+  }
+};
+
+template <unsigned int N, class Writer>
+class IntegerStreamWriterBase : public StreamWriterInterfaceImpl<DataInterface::IntegerAttributeStreamWriter<N>>,
+                                public StreamWriterBaseImpl<Writer> {
+public:
+  using StreamWriterBaseImpl<Writer>::StreamWriterBaseImpl;
+  void Skip(std::uint64_t p_count) override { this->SkipElements(p_count); }
+  void Write(const unsigned int* p_data, std::uint64_t p_scalarCount) override {
+    this->_writer.WriteData(p_data, p_scalarCount);
+  }
+  void Write(const unsigned short* p_data, std::uint64_t p_scalarCount) override {
+    this->_writer.WriteData(p_data, p_scalarCount);
+  }
+  void Write(const unsigned char* p_data, std::uint64_t p_scalarCount) override {
+    this->_writer.WriteData(p_data, p_scalarCount);
+  }
+};
+
+/// The kind of writer that an element type belongs to.
+template <class E, class Writer>
+struct StreamWriterKind;
+template <class Writer>
+struct StreamWriterKind<boost::array<unsigned char, 1>, Writer> {
+  using Base = BoolStreamWriterBase<1, Writer>;
+};
+template <std::size_t N, class Writer>
+struct StreamWriterKind<boost::array<float, N>, Writer> {
+  using Base = FloatStreamWriterBase<N, Writer>;
+};
+template <std::size_t N, class Writer>
+struct StreamWriterKind<boost::array<unsigned int, N>, Writer> {
+  using Base = IntegerStreamWriterBase<N, Writer>;
+};
+
+template <class Container, class Operations, class E>
+class ContainerStreamWriter;
+
+/// The complete writer into a vector of elements E: boost::array<unsigned char, 1>, boost::array<float, 1 to 4> or
+/// boost::array<unsigned int, 1 to 4>.
+template <class E>
+class ContainerStreamWriter<std::vector<E>, ContainerOperations::StaticContainer, E> final
+    : public StreamWriterKind<E, ContainerDataWriter<E, std::vector<E>, ContainerOperations::StaticContainer>>::Base {
+  using Base =
+      typename StreamWriterKind<E, ContainerDataWriter<E, std::vector<E>, ContainerOperations::StaticContainer>>::Base;
+
+public:
+  /// Starts at the vector's first element; the vector must outlive the writer.
+  explicit ContainerStreamWriter(std::vector<E>& p_destination)
+      : Base(p_destination) {}
+};
+
+} // namespace Vek::Chart::Library
