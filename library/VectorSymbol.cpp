@@ -288,7 +288,7 @@ std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_an
   const std::size_t shown = CountShown(p_instances, p_scale, p_memory.first_vertex);
   const std::size_t vertices = shown * _vertices.size();
   const auto has_room = [](const auto& p_target, std::size_t p_scalars) {
-    return p_target.data == nullptr || p_target.count >= p_scalars;
+    return !p_target.wanted || p_target.count >= p_scalars;
   };
   if (shown == 0 ||
       !VEK_ENSURE_TEXT(has_room(p_memory.vertices, 3 * vertices), "p_memory.vertices.count >= 3 * vertices",

@@ -87,21 +87,22 @@ public:
     const double* tex_coords = nullptr; ///< null: the layer gets no texture coordinates
   };
 
-  /// Memory of the caller's for scalars of one attribute. With null data the attribute is left out.
+  /// Memory of the caller's for scalars of one attribute. An attribute whose target is default-constructed is left out.
   template <class T>
   struct Target {
     T* data = nullptr;
     std::size_t count = 0;
+    bool wanted = false;
 
     Target() = default;
     Target(T* p_data, std::size_t p_count)
         : data(p_data)
-        , count(p_count) {}
+        , count(p_data == nullptr ? 0 : p_count)
+        , wanted(true) {}
     /// The scalars of mapped records whose components have type T.
     template <class Record>
     Target(const Ogl::BufferPool::WriteArray<Record>& p_array) // NOLINT: implicit, the same memory under another type
-        : data(reinterpret_cast<T*>(p_array.Data()))
-        , count(p_array.Count() * (sizeof(Record) / sizeof(T))) {
+        : Target(reinterpret_cast<T*>(p_array.Data()), p_array.Count() * (sizeof(Record) / sizeof(T))) {
       static_assert(std::is_same_v<decltype(Record::x), T>, "the records must have components of this type");
     }
   };
@@ -135,7 +136,8 @@ public:
   ///     memory.vertices = mapped;
   ///     const std::size_t written = arrow.OrientShapes(instances, 0.5, scale, memory);
   ///
-  /// Memory that is too small for the instances that are not left out is reported, nothing is written and 0 comes back.
+  /// Memory that is too small for the instances that are not left out, or that could not be mapped, is reported; then
+  /// nothing is written and 0 comes back.
   std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
                            const LayerMemory& p_memory) const;
 

@@ -31,7 +31,7 @@ VEK_INLINE void Place(const VectorColumns& p_points, const GlyphPlacement& p_pla
   const double* const xs = p_points.x.data();
   const double* const ys = p_points.y.data();
   const double* const zs = p_points.z.data();
-  const std::size_t count = p_points.Count() / 8 * 8; // which it is, but the compiler has to know
+  const std::size_t count = p_points.Count() / 4 * 4; // which it is, but the compiler has to know
   for (std::size_t i = 0; i < count; ++i) {
     const double x = xs[i] * factor;
     const double y = ys[i] * factor;
@@ -50,7 +50,7 @@ VEK_INLINE void Rotate(const VectorColumns& p_directions, const Matrix3& p_rotat
   const double* const xs = p_directions.x.data();
   const double* const ys = p_directions.y.data();
   const double* const zs = p_directions.z.data();
-  const std::size_t count = p_directions.Count() / 8 * 8;
+  const std::size_t count = p_directions.Count() / 4 * 4;
   for (std::size_t i = 0; i < count; ++i) {
     p_out[4 * i] = static_cast<float>(Product(row0, xs[i], ys[i], zs[i]));
     p_out[4 * i + 1] = static_cast<float>(Product(row1, xs[i], ys[i], zs[i]));
@@ -71,7 +71,7 @@ VEK_AVX2 void RotateWide(const VectorColumns& p_directions, const Matrix3& p_rot
 } // namespace
 
 VectorColumns::VectorColumns(const std::vector<Vector3_Base<double>>& p_vectors) {
-  const std::size_t count = (p_vectors.size() + 7) / 8 * 8;
+  const std::size_t count = (p_vectors.size() + 3) / 4 * 4;
   x.resize(count);
   y.resize(count);
   z.resize(count);

@@ -8,7 +8,7 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// Vectors by component, filled up with zero vectors to a multiple of eight, so that loops over them need no remainder.
+/// Vectors by component, filled up with zero vectors to a multiple of four, so that loops over them need no remainder.
 struct VectorColumns {
   std::vector<double> x;
   std::vector<double> y;

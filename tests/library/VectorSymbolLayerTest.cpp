@@ -1,5 +1,7 @@
 #include "library/VectorSymbol.h"
 
+#include "platform/ogl/Vec.h"
+#include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
 #include <gtest/gtest.h>
@@ -292,4 +294,42 @@ TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
   EXPECT_EQ(numbers[35], 16u + 7);
   EXPECT_EQ(floats, std::vector<float>(72, -1.f));
   EXPECT_TRUE(reports.Texts().empty());
+}
+
+class VectorSymbolLayerCalls : public Vek::Test::RecordingFixture {};
+
+TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersAndReportsThoseThatAreNot) {
+  using Position = Ogl::Attribute<Ogl::Vec3<float>>;
+  using Index = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
+  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 8);
+  const Layer layer(20);
+  const LayerWords expected = InstanceByInstance(arrow, layer.View(), 0, 1);
+  const Utility::Scoped<Rgl> gl(recorder.Handle());
+  const auto positions =
+      gl->GetBufferPool().CreateBuffer<Position>(expected.vertices.size() / 3, Ogl::BufferUsage::Default);
+  const auto indices = gl->GetBufferPool().CreateBuffer<Index>(expected.indices.size(), Ogl::BufferUsage::Default);
+  {
+    const Ogl::BufferPool::WriteArray<Position> vertex_array(positions, 0, positions.Count(), RGL_ARRAY_BUFFER);
+    const Ogl::BufferPool::WriteArray<Index> index_array(indices, 0, indices.Count(), RGL_ELEMENT_ARRAY_BUFFER);
+    VectorSymbol::LayerMemory memory;
+    memory.vertices = vertex_array;
+    memory.indices = index_array;
+    EXPECT_EQ(arrow.OrientShapes(layer.View(), 0, 1, memory), expected.written);
+  }
+  const auto words = [&](unsigned int p_buffer) {
+    const std::vector<unsigned char> bytes = recorder.BufferBytes(p_buffer);
+    Words result(bytes.size() / 4);
+    std::memcpy(result.data(), bytes.data(), bytes.size());
+    return result;
+  };
+  EXPECT_TRUE(words(positions.Name()) == expected.vertices);
+  EXPECT_TRUE(words(indices.Name()) == expected.indices);
+
+  const ReportCapture reports;
+  const Ogl::BufferPool::WriteArray<Position> outside(positions, 1, positions.Count(), RGL_ARRAY_BUFFER);
+  VectorSymbol::LayerMemory memory;
+  memory.vertices = outside;
+  EXPECT_EQ(arrow.OrientShapes(layer.View(), 0, 1, memory), 0u);
+  ASSERT_FALSE(reports.Texts().empty());
+  EXPECT_EQ(reports.Texts().back(), std::string("\"p_memory.vertices.count >= 3 * vertices\" - ") + Orient);
 }
