@@ -1,0 +1,125 @@
+#include "library/StreamLineShape.h"
+
+#include "platform/types/Angle.h"
+#include "platform/types/Geometry.h"
+
+#include <cmath>
+#include <cstddef>
+
+namespace Vek::Chart::Library {
+
+namespace {
+
+using Vector2 = Types::Vector2_Base<double>;
+using Vector3 = Types::Vector3_Base<double>;
+
+constexpr int NumTubeVertices = 12;
+
+// The right-hand normal of each edge, from a vertex to the next one round the closed outline.
+std::vector<Vector2> ComputeEdgeNormals(const std::vector<Vector2>& p_vertices) {
+  std::vector<Vector2> normals(p_vertices.size());
+  for (std::size_t i = 0; i < p_vertices.size(); ++i) {
+    const Vector2& current = p_vertices[i];
+    const Vector2& next = p_vertices[i + 1 == p_vertices.size() ? 0 : i + 1];
+    normals[i] = Normalize(Vector2(next.y - current.y, -(next.x - current.x)));
+  }
+  return normals;
+}
+
+// The mean of the normals of the two edges that meet in each vertex.
+std::vector<Vector2> ComputeOutlineNormals(const std::vector<Vector2>& p_edgeNormals) {
+  std::vector<Vector2> normals(p_edgeNormals.size());
+  for (std::size_t i = 0; i < p_edgeNormals.size(); ++i) {
+    const Vector2& previous = p_edgeNormals[i == 0 ? p_edgeNormals.size() - 1 : i - 1];
+    normals[i] = Normalize((previous + p_edgeNormals[i]) / 2.0);
+  }
+  return normals;
+}
+
+} // namespace
+
+StreamLineShape::StreamLineShape() {
+  BuildPredefinedShape(ShapeLine);
+}
+
+StreamLineShape::StreamLineShape(Shape p_shape, const std::vector<Vector2>& p_outline) {
+  if (p_shape != ShapeCustom)
+    BuildPredefinedShape(p_shape);
+  else if (p_outline.empty())
+    BuildPredefinedShape(ShapeLine);
+  else
+    BuildCustomShape(p_outline);
+}
+
+unsigned StreamLineShape::NumVertices() const {
+  return static_cast<unsigned>(_vertices.size());
+}
+
+bool StreamLineShape::HasNormals() const {
+  return !_normals.empty();
+}
+
+bool StreamLineShape::OrientShape(double p_size, const Vector3& p_position, double p_scale,
+                                  const Types::Matrix3& p_rotation, std::vector<Vector3>& p_outVertices,
+                                  std::vector<Vector3>& p_outNormals) const {
+  if (_vertices.empty())
+    return false;
+  const double factor = p_size * _extent * p_scale;
+  if (factor <= 0.0)
+    return false;
+
+  const Vector3 position = p_position; // may lie in a vector that is resized now
+  p_outVertices.resize(_vertices.size());
+  p_outNormals.resize(_vertices.size());
+  for (std::size_t i = 0; i < _vertices.size(); ++i)
+    p_outVertices[i] = p_rotation * (Vector3(_vertices[i].x, _vertices[i].y, 0) * factor) + position;
+  for (std::size_t i = 0; i < _vertices.size(); ++i)
+    p_outNormals[i] = p_rotation * (HasNormals() ? Vector3(_normals[i].x, _normals[i].y, 0) : Vector3(0, 1, 0));
+  return true;
+}
+
+void StreamLineShape::BuildPredefinedShape(Shape p_shape) {
+  _vertices.clear();
+  _normals.clear();
+  switch (p_shape) {
+  case ShapeLine:
+    _vertices = {{0, 0}};
+    break;
+  case ShapeRibbon:
+    _vertices = {{-0.5, 0}, {0.5, 0}};
+    _normals = {{0, -1}, {0, -1}};
+    break;
+  case ShapeTube:
+    _vertices.reserve(NumTubeVertices);
+    _normals.reserve(NumTubeVertices);
+    for (int i = 0; i < NumTubeVertices; ++i) {
+      const double angle = Types::Angle::FromDegrees(i * (360.0 / NumTubeVertices)).Radians();
+      _vertices.emplace_back(0.5 * std::cos(angle), 0.5 * std::sin(angle));
+      _normals.push_back(Normalize(_vertices.back()));
+    }
+    break;
+  default:
+    return;
+  }
+  _extent = 1.0;
+}
+
+void StreamLineShape::BuildCustomShape(const std::vector<Vector2>& p_outline) {
+  Types::BoundingBox_Base<double> bounds;
+  for (const Vector2& point : p_outline)
+    bounds += Vector3(point.x, point.y, 0);
+  const Vector3 size = bounds.Extent();
+  _extent = size.y > size.x ? size.y : size.x;
+  if (_extent == 0.0 || p_outline.size() == 1)
+    return BuildPredefinedShape(ShapeLine);
+  if (p_outline.size() == 2)
+    return BuildPredefinedShape(ShapeRibbon);
+
+  _vertices.reserve(p_outline.size());
+  for (const Vector2& point : p_outline)
+    _vertices.push_back(point / _extent);
+  _extent = 1.0;
+  _normals = ComputeOutlineNormals(ComputeEdgeNormals(_vertices));
+}
+
+} // namespace Vek::Chart::Library

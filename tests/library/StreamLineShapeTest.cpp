@@ -1,0 +1,157 @@
+#include "library/StreamLineShape.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace Vek::Chart;
+using Library::StreamLineShape;
+using Vector2 = Types::Vector2_Base<double>;
+using Vector3 = Types::Vector3_Base<double>;
+
+struct Ring {
+  std::vector<Vector3> vertices;
+  std::vector<Vector3> normals;
+};
+
+// The cross-section itself, as placed at the origin with factor 1.
+Ring Section(const StreamLineShape& p_shape) {
+  Ring ring;
+  EXPECT_TRUE(p_shape.OrientShape(1, {}, 1, {}, ring.vertices, ring.normals));
+  return ring;
+}
+
+void ExpectNear(const std::vector<Vector3>& p_actual, const std::vector<Vector3>& p_expected,
+                const std::string& p_name) {
+  ASSERT_EQ(p_actual.size(), p_expected.size()) << p_name;
+  for (std::size_t i = 0; i < p_actual.size(); ++i)
+    EXPECT_LE(Length(p_actual[i] - p_expected[i]), 1e-15) << p_name << ' ' << i;
+}
+
+const double R = std::sqrt(0.5);
+
+TEST(StreamLineShape, Sections) {
+  const double h = std::sqrt(0.75);
+  const double s5 = std::sqrt(5);
+  std::vector<Vector3> circle;
+  for (const Vector2& v : std::vector<Vector2>{{1, 0},
+                                               {h, .5},
+                                               {.5, h},
+                                               {0, 1},
+                                               {-.5, h},
+                                               {-h, .5},
+                                               {-1, 0},
+                                               {-h, -.5},
+                                               {-.5, -h},
+                                               {0, -1},
+                                               {.5, -h},
+                                               {h, -.5}})
+    circle.emplace_back(v.x, v.y, 0);
+  std::vector<Vector3> half = circle;
+  for (Vector3& v : half)
+    v = v * 0.5;
+  const Ring line{{{0, 0, 0}}, {{0, 1, 0}}}; // without normals of its own
+  const Ring ribbon{{{-0.5, 0, 0}, {0.5, 0, 0}}, {{0, -1, 0}, {0, -1, 0}}};
+  const Ring square{{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{-R, -R, 0}, {R, -R, 0}, {R, R, 0}, {-R, R, 0}}};
+  constexpr auto Custom = StreamLineShape::ShapeCustom;
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+
+  const struct {
+    const char* name;
+    StreamLineShape shape;
+    bool hasNormals;
+    Ring expected;
+  } cases[] = {
+      {"default", StreamLineShape(), false, line},
+      {"line", {StreamLineShape::ShapeLine, {}}, false, line},
+      {"ribbon, outline ignored", {StreamLineShape::ShapeRibbon, {{1, 1}, {2, 5}, {3, 3}}}, true, ribbon},
+      {"tube", {StreamLineShape::ShapeTube, {}}, true, {half, circle}},
+      {"empty outline", {Custom, {}}, false, line},
+      {"one point", {Custom, {{4, 4}}}, false, line},
+      {"two equal points", {Custom, {{4, 4}, {4, 4}}}, false, line},
+      {"many equal points", {Custom, {{4, 4}, {4, 4}, {4, 4}, {4, 4}}}, false, line},
+      {"nothing but NaN", {Custom, {{nan, nan}, {nan, nan}, {nan, nan}}}, false, line},
+      {"two points", {Custom, {{7, 1}, {9, 5}}}, true, ribbon},
+      {"square", {Custom, {{0, 0}, {2, 0}, {2, 2}, {0, 2}}}, true, square},
+      {"clockwise triangle, off centre and higher than wide",
+       {Custom, {{1, 1}, {1, 5}, {3, 1}}},
+       true,
+       {{{0.25, 0.25, 0}, {0.25, 1.25, 0}, {0.75, 0.25, 0}},
+        {{R, R, 0}, Normalize(Vector3(1 - 2 / s5, -1 / s5, 0)), Normalize(Vector3(-2 / s5, 1 - 1 / s5, 0))}}},
+      {"a repeated point",
+       {Custom, {{0, 0}, {4, 0}, {4, 0}, {4, 4}, {0, 4}}},
+       true,
+       {{{0, 0, 0}, {1, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}},
+        {{-R, -R, 0}, {0, -1, 0}, {1, 0, 0}, {R, R, 0}, {-R, R, 0}}}},
+  };
+  for (const auto& c : cases) {
+    const Ring ring = Section(c.shape);
+    EXPECT_EQ(c.shape.NumVertices(), c.expected.vertices.size()) << c.name;
+    EXPECT_EQ(c.shape.HasNormals(), c.hasNormals) << c.name;
+    ExpectNear(ring.vertices, c.expected.vertices, c.name);
+    ExpectNear(ring.normals, c.expected.normals, c.name);
+  }
+}
+
+TEST(StreamLineShape, UnknownShapesAreEmpty) {
+  for (const int value : {0, 5, -1, 1 << 30}) {
+    const StreamLineShape shape(static_cast<StreamLineShape::Shape>(value), {{0, 0}, {1, 0}, {0, 1}});
+    EXPECT_EQ(shape.NumVertices(), 0u) << value;
+    EXPECT_FALSE(shape.HasNormals()) << value;
+    std::vector<Vector3> vertices(3);
+    std::vector<Vector3> normals(2);
+    EXPECT_FALSE(shape.OrientShape(1, {}, 1, {}, vertices, normals)) << value;
+    EXPECT_TRUE(vertices.size() == 3 && normals.size() == 2) << value;
+  }
+}
+
+TEST(StreamLineShape, OrientsByFactorThenRotationThenPosition) {
+  // x to y, y to z, z to x; and twice as long, so that a normal that was made a unit vector again would show.
+  const Types::Matrix3 rotation({0, 0, 2}, {2, 0, 0}, {0, 2, 0});
+  Ring ring;
+  const StreamLineShape square(StreamLineShape::ShapeCustom, {{0, 0}, {2, 0}, {2, 2}, {0, 2}});
+  EXPECT_TRUE(square.OrientShape(3, {10, 20, 30}, 0.5, rotation, ring.vertices, ring.normals));
+  ExpectNear(ring.vertices, {{10, 20, 30}, {10, 23, 30}, {10, 23, 33}, {10, 20, 33}}, "square");
+  ExpectNear(ring.normals, {{0, -2 * R, -2 * R}, {0, 2 * R, -2 * R}, {0, 2 * R, 2 * R}, {0, -2 * R, 2 * R}}, "square");
+
+  EXPECT_TRUE(StreamLineShape().OrientShape(3, {10, 20, 30}, 0.5, rotation, ring.vertices, ring.normals));
+  ExpectNear(ring.vertices, {{10, 20, 30}}, "line");
+  ExpectNear(ring.normals, {{0, 0, 2}}, "line");
+}
+
+TEST(StreamLineShape, FactorsThatAreNotAboveZeroLeaveTheOutputAlone) {
+  const StreamLineShape tube(StreamLineShape::ShapeTube, {});
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const struct {
+    double size;
+    double scale;
+    bool expected;
+  } cases[] = {{0, 1, false},           {1, 0, false},  {-1, 1, false}, {1, -2, false},
+               {1e-200, 1e-200, false}, {-1, -1, true}, {nan, 1, true}, {1e-300, 1, true}};
+  for (const auto& c : cases) {
+    std::vector<Vector3> vertices(1, {4, 5, 6});
+    std::vector<Vector3> normals;
+    EXPECT_EQ(tube.OrientShape(c.size, {}, c.scale, {}, vertices, normals), c.expected) << c.size << ' ' << c.scale;
+    EXPECT_EQ(vertices.size(), c.expected ? 12u : 1u);
+    EXPECT_EQ(normals.size(), c.expected ? 12u : 0u);
+  }
+}
+
+TEST(StreamLineShape, ReusesMemoryAndTakesAPositionFromItsOwnOutput) {
+  const StreamLineShape tube(StreamLineShape::ShapeTube, {});
+  std::vector<Vector3> vertices(1, {4, 5, 6});
+  std::vector<Vector3> normals;
+  EXPECT_TRUE(tube.OrientShape(1, vertices[0], 1, {}, vertices, normals)); // grows under the reference
+  ExpectNear({vertices[3]}, {{4, 5.5, 6}}, "position");
+  const Vector3* const data[] = {vertices.data(), normals.data()};
+  EXPECT_TRUE(StreamLineShape().OrientShape(1, {}, 1, {}, vertices, normals));
+  EXPECT_TRUE(tube.OrientShape(2, {}, 1, {}, vertices, normals));
+  EXPECT_TRUE(vertices.data() == data[0] && normals.data() == data[1]);
+}
+
+} // namespace
