@@ -1,0 +1,79 @@
+#include "library/DepthCodec.h"
+
+#include "platform/ogl/HitRecord.h"
+#include "platform/types/Vector.h"
+
+#include <cfloat>
+#include <cmath>
+#include <cstddef>
+#include <locale>
+#include <sstream>
+
+namespace Vek::Chart::Library {
+
+namespace {
+
+static_assert(FLT_EVAL_METHOD == 0, "the packing is fixed in single precision, without excess precision");
+
+using Vector4 = Types::Vector4_Base<float>;
+
+constexpr Vector4 EncodeScale(1.0F, 255.0F, 65025.0F, 16581375.0F);
+// The floats as they are listed for the packing; the last two are no powers of the reciprocal below.
+constexpr Vector4 DecodeWeights(0x1p+0F, 0x1.010102p-8F, 0x1.020304p-16F, 0x1.03060ap-24F);
+// Stands for every division by 255.
+constexpr float Reciprocal = 0x1.010102p-8F;
+
+float Fraction(float p_value) {
+  return p_value - std::floor(p_value);
+}
+
+// The low 8 bits of what is left of the decimal point. Fractions keep the value far inside an int, or NaN.
+unsigned char LowByte(float p_value) {
+  return std::isnan(p_value) ? 0 : static_cast<unsigned char>(static_cast<int>(p_value) & 0xff);
+}
+
+// A float as a GLSL literal that reads back as the same float.
+std::string Literal(float p_value) {
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text.precision(FLT_DECIMAL_DIG);
+  text << std::showpoint << p_value;
+  return text.str();
+}
+
+std::string Literal(const Vector4& p_v) {
+  return "vec4(" + Literal(p_v.x) + ", " + Literal(p_v.y) + ", " + Literal(p_v.z) + ", " + Literal(p_v.w) + ")";
+}
+
+} // namespace
+
+boost::array<unsigned char, 4> DepthCodec::Encode(float p_depth) {
+  const Vector4 scaled = EncodeScale * p_depth;
+  const Vector4 e(Fraction(scaled.x), Fraction(scaled.y), Fraction(scaled.z), Fraction(scaled.w));
+  const Vector4 next(e.y * Reciprocal, e.z * Reciprocal, e.w * Reciprocal, 0.0F);
+  const Vector4 channels = (e - next) * 255.0F;
+  return {{LowByte(channels.x), LowByte(channels.y), LowByte(channels.z), LowByte(channels.w)}};
+}
+
+float DepthCodec::Decode(const boost::array<unsigned char, 4>& p_bytes) {
+  if (p_bytes[0] == 0 && p_bytes[1] == 0 && p_bytes[2] == 0 && p_bytes[3] == 0)
+    return static_cast<float>(Ogl::HitRecord::DepthFarthest);
+  const Vector4 bytes(p_bytes[0], p_bytes[1], p_bytes[2], p_bytes[3]);
+  return Dot(bytes * Reciprocal, DecodeWeights);
+}
+
+std::string DepthCodec::Glsl() {
+  // The target rounds a channel times 255 to the nearest step, so that a whole number of steps is kept. What is below
+  // zero by rounding becomes 0 when it is cut off.
+  return "vec4 EncodeDepth(float depth) {\n"
+         "  vec4 e = fract(" +
+         Literal(EncodeScale) +
+         " * depth);\n"
+         "  e = e - vec4(e.yzw * " +
+         Literal(Reciprocal) +
+         ", 0.0);\n"
+         "  return floor(max(e * 255.0, 0.0)) / 255.0;\n"
+         "}\n";
+}
+
+} // namespace Vek::Chart::Library

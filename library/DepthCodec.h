@@ -1,0 +1,43 @@
+#pragma once
+
+#include "library/Export.h"
+
+#include <boost/array.hpp>
+
+#include <string>
+
+namespace Vek::Chart::Library {
+
+/// Packs a depth in [0, 1) into the four 8-bit channels of a colour, and unpacks it again.
+///
+/// Each channel holds 8 further bits of the depth, as far as single precision has them: all arithmetic is in floats,
+/// and what is left of a channel is cut off, not rounded. Where a channel lands just below a whole number it loses that
+/// step, so that 0.123456 comes back as about 0.1195. Only static members; any thread may call them.
+struct VEK_LIBRARY_API DepthCodec {
+  /// How a render callback is to write depths.
+  enum Encoding : int {
+    EncodingRgba8 = 0 ///< the packing of `Encode` as red, green, blue, alpha
+  };
+
+  /// The four bytes, red first. Whole numbers, 1 among them, give four zeros, which `Decode` takes for an empty pixel;
+  /// depths outside [0, 1) wrap, negative ones upwards. What is infinite or not a number gives zeros.
+  static boost::array<unsigned char, 4> Encode(float p_depth);
+
+  /// The depth; `Ogl::HitRecord::DepthFarthest` for four zeros.
+  static float Decode(const boost::array<unsigned char, 4>& p_bytes);
+
+  /// `Encode` as GLSL, the text of a function for a fragment shader of any version (GLSL 1.10 and newer, ES with high
+  /// precision floats):
+  ///
+  ///     vec4 EncodeDepth(float depth);
+  ///
+  /// Its result is the colour to write, unblended, into an RGBA target with 8 bits a channel and no sRGB conversion:
+  ///
+  ///     gl_FragColor = EncodeDepth(gl_FragCoord.z);
+  ///
+  /// The same steps with the same constants. A device may round its products differently, and may fuse a product with
+  /// a subtraction; channels then differ where one lands next to a whole number.
+  static std::string Glsl();
+};
+
+} // namespace Vek::Chart::Library
