@@ -1,0 +1,23 @@
+#include "library/private/HugePages.h"
+
+#include <cstdint>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
+
+namespace Vek::Chart::Library::Private {
+
+void AdviseHugePages([[maybe_unused]] void* p_memory, [[maybe_unused]] std::size_t p_bytes) {
+#if defined(__linux__)
+  constexpr std::uintptr_t pageSize = std::uintptr_t(1) << 21;
+  // Only pages that lie inside entirely, so that no more memory is taken than there would be anyway.
+  const auto address = reinterpret_cast<std::uintptr_t>(p_memory);
+  const std::uintptr_t first = (address + pageSize - 1) / pageSize * pageSize;
+  const std::uintptr_t last = (address + p_bytes) / pageSize * pageSize;
+  if (first < last)
+    madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+#endif
+}
+
+} // namespace Vek::Chart::Library::Private
