@@ -85,7 +85,7 @@ public:
   explicit BufferPool(boost::shared_ptr<const GlFunctions> p_gl)
       : _gl(std::move(p_gl)) {}
 
-  /// A new buffer of `p_count` uninitialised records. A count of 0 reports
+  /// A new buffer of `p_count` uninitialised records; the array-buffer binding stays. A count of 0 reports
   /// "p_count != 0 && "Trying to allocate a buffer of 0 bytes!"" and yields an empty handle; so does, with the report
   /// "p_count <= …", a count whose bytes cannot be counted.
   template <class T>

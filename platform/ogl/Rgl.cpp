@@ -6,6 +6,7 @@
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <set>

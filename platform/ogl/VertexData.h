@@ -66,8 +66,12 @@ public:
   /// client texture unit. Restores the client state that it changes. Nothing is drawn, and the reason reported, when
   /// there are no positions, the primitive type is not decided, another array is shorter than the positions, or an
   /// index names none.
+  /// Positions have 2 to 4 components, normals 3, texture coordinates 1 to 4, all of type Float or Double; other types
+  /// are reported as well. Arrays of other attributes take part as the caller has set them. No vertex array object may
+  /// be bound.
   void Draw(Utility::Scoped<Rgl>& p_gl) const;
-  /// The same, `p_instances` times in one call; a vertex shader tells the instances apart. 0 draws nothing.
+  /// The same, `p_instances` times in one call; a vertex shader tells the instances apart. 0 draws nothing. A device
+  /// without instancing is reported.
   void Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const;
 
 private:
