@@ -1,0 +1,85 @@
+#pragma once
+
+#include "library/Export.h"
+#include "library/MipInfo.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Size.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <QImage>
+
+#include <cstdint>
+#include <vector>
+
+namespace Vek::Chart::Library {
+
+/// An off-screen target: a colour texture and a depth-stencil texture (24 + 8 bits) of one size in a frame-buffer
+/// object.
+///
+/// With samples, drawing goes to multisampled storage beside the textures; every access that reads resolves it first,
+/// so it must not happen between Begin and End.
+///
+///     RenderTexture target({640, 480}, RenderTexture::Rgba8, RenderTexture::Linear, 4);
+///     {
+///       const auto bound = target.BindForDraw(gl); // the viewport covers the target
+///       …                                          // clear and draw
+///     }                                            // what was bound before is bound again
+///     target.BindColor(gl, RGL_TEXTURE0);
+///
+/// GL objects are made by the first operation that takes a scope. They are shared by copies, and their last holder must
+/// let go while that context is current. A frame buffer that GL finds incomplete is reported with the name of the
+/// status.
+class VEK_LIBRARY_API RenderTexture {
+public:
+  enum ColorFormat : std::uint32_t {
+    Rgba8 = 0,     ///< 8 bits a channel; also any number that is not listed
+    RgbaHalf = 1,  ///< 16-bit floats
+    RgbaFloat = 2, ///< 32-bit floats
+    Float = 3,     ///< one channel, a 32-bit float
+  };
+  enum Space : std::uint32_t {
+    Linear = 0, ///< stored as written
+    Srgb = 1,   ///< 8-bit colours stored as sRGB: sampling yields linear light, and so does writing while
+                ///< RGL_FRAMEBUFFER_SRGB is enabled. Without meaning for float formats.
+  };
+
+  /// `p_samples`: samples a pixel, 0 for none; lowered to what the device can do.
+  explicit RenderTexture(Types::Size p_size, ColorFormat p_format = Rgba8, Space p_space = Linear, int p_samples = 0);
+
+  Types::Size Size() const;
+
+  /// Makes the single-sampled target the current frame buffer, for reading and drawing. Releasing the guard restores
+  /// what was bound before.
+  boost::shared_ptr<void> BindForRead(Utility::Scoped<Rgl>& p_gl) const;
+  /// Makes the target the current frame buffer for drawing (the multisampled one, if there is one) and covers it with
+  /// the viewport. Releasing the guard restores frame buffer and viewport.
+  boost::shared_ptr<void> BindForDraw(Utility::Scoped<Rgl>& p_gl) const;
+
+  /// The textures, for drawing with them elsewhere; not to be sampled while they are drawn to.
+  boost::shared_ptr<Ogl::Texture> ColorTexture(Utility::Scoped<Rgl>& p_gl) const;
+  boost::shared_ptr<Ogl::Texture> DepthTexture(Utility::Scoped<Rgl>& p_gl) const;
+  /// Binds the colour texture on the unit `p_unit` (RGL_TEXTURE0 + n), makes that unit active and enables 2-D
+  /// texturing.
+  void BindColor(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
+  void BindDepth(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
+
+  /// The levels that the colour texture can have.
+  MipInfo Mips() const { return MipInfo(Size()); }
+  /// Computes all levels of the colour texture from what was drawn, and lets minification use them from now on.
+  void GenerateMips(Utility::Scoped<Rgl>& p_gl) const;
+
+  /// The colours as bytes, the top row first, format ARGB32; sRGB colours as stored.
+  QImage ToImage(Utility::Scoped<Rgl>& p_gl) const;
+  /// The colours of all pixels, the bottom row first: four floats a pixel, one for the format Float.
+  std::vector<float> ReadColors(Utility::Scoped<Rgl>& p_gl) const;
+  /// The depths of all pixels, 0 (near) to 1 (far), the bottom row first.
+  std::vector<float> ReadDepths(Utility::Scoped<Rgl>& p_gl) const;
+
+private:
+  struct State;
+  boost::shared_ptr<State> _state;
+};
+
+} // namespace Vek::Chart::Library
