@@ -66,7 +66,7 @@ class VEK_PLATFORM_API AttributeStreamWriter : public Kind, public virtual Suppo
 
 public:
   /// The number of scalars in one destination element.
-  constexpr unsigned int Components() const { return N; }
+  unsigned int Components() const { return N; }
 };
 
 // The interfaces that writers answer queries for, and that sources write to.

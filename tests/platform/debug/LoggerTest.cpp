@@ -131,8 +131,8 @@ TEST(Logger, TheDefaultSinkWritesLinesToStandardError) {
 
 TEST(Logger, LinesOfTwoThreadsNeverMix) {
   const ReportCapture reports;
-  const int count = 500;
-  const auto write = [count](const char* p_name) {
+  constexpr int count = 500;
+  const auto write = [](const char* p_name) {
     for (int i = 0; i < count; ++i)
       logger::instance().derr() << p_name << ' ' << i << std::endl;
   };
