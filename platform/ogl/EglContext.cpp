@@ -183,13 +183,8 @@ void EglContext::Restore() noexcept {
 }
 
 boost::shared_ptr<void> EglContext::CurrentScope() {
-  // An open scope remembers a context already; it must still be there when that scope closes.
-  const Binding outer = _previous;
   MakeCurrent();
-  return MakeGuard([this, outer] {
-    Restore();
-    _previous = outer;
-  });
+  return MakeGuard([this] { Restore(); });
 }
 
 } // namespace Vek::Chart::Ogl
