@@ -1,0 +1,92 @@
+#pragma once
+
+#include "library/Export.h"
+#include "platform/file/FilePath.h"
+#include "platform/ogl/BufferPool.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/ogl/Vec.h"
+#include "platform/ogl/VertexBuffer.h"
+#include "platform/types/Geometry.h"
+#include "platform/utility/Scope.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace Vek::Chart::Library {
+
+/// Polygon models in GPU buffers: reads each model file once and hands out, by a number, what is needed to draw it.
+///
+///     ModelCache cache(context.Handle());
+///     const std::size_t id = cache.Register("models/ship.obj");
+///     const ModelCache::VertexBuffer vertices = cache.GetVertexBuffer(id);
+///     gl->BindBuffer(RGL_ARRAY_BUFFER, vertices.buffer.Name());
+///     // position i: 3 floats at vertices.positionOffset + i * vertices.positionStride
+///
+/// Ids count from 0 in the order of registration; nothing is ever removed. Each model has a vertex and an index buffer
+/// of its own. A copy of a cache shares the buffers registered so far. Buffers live as long as a cache or a record
+/// holds them; the context they were made in must be current when the last holder goes.
+class VEK_LIBRARY_API ModelCache {
+public:
+  using VertexRecord = Ogl::Attribute<Ogl::Vec3<float>>;
+  using IndexRecord = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
+
+  /// The indices of all groups of a model, one group after the other, zero-based into the model's vertices; as the
+  /// file has them, so those past the end (which were reported by the reader) are among them.
+  struct IndexBuffer {
+    Ogl::VertexBuffer::PrimitiveType type = Ogl::VertexBuffer::Undecided;
+    std::uint32_t first = 0; ///< primitives before the model's; always 0
+    std::uint32_t count = 0; ///< primitives, not indices
+    Ogl::Buffer<IndexRecord> buffer;
+  };
+
+  /// Positions and normals of a model, three floats each: position 0, normal 0, position 1, …; without normals the
+  /// positions alone. Strides and offsets are bytes.
+  struct VertexBuffer {
+    enum Attributes : std::uint32_t { Positions = 1, Normals = 2 };
+    std::uint32_t attributes = 0; ///< bits of Attributes
+    std::uint32_t positionStride = 0;
+    std::uint32_t normalStride = 0; ///< 0 without normals
+    std::uint32_t positionOffset = 0;
+    std::uint32_t normalOffset = 0; ///< 0 without normals
+    Ogl::Buffer<VertexRecord> buffer;
+  };
+
+  /// An empty cache. Each registration opens a scope on the handle.
+  explicit ModelCache(const Utility::Unscoped<Ogl::Rgl>& p_gl);
+  ModelCache(const ModelCache& p_other) = default;
+
+  /// Reads a model with LoadPolygonObjFile, uploads it and returns its id: a new one each time, also for a path that
+  /// was registered before.
+  ///
+  /// What the reader throws passes on and leaves the cache as it was. A model without positions or without indices,
+  /// such as that of a missing file, is reported by the buffer pool ("Trying to allocate a buffer of 0 bytes!") and
+  /// registered with empty buffers; one whose primitive type is undecided is reported and has 0 primitives. Memory that
+  /// cannot be mapped is reported and leaves a buffer with undefined contents.
+  std::size_t Register(const vekfile::filepath& p_path);
+
+  // What is stored under an id; an empty record, without a report, for an id that was never given.
+
+  /// The box around the positions as the vertex buffer holds them, narrowed to float.
+  Types::BoundingBox_Base<double> GetBoundingBox(std::size_t p_id) const;
+  IndexBuffer GetIndexBuffer(std::size_t p_id) const;
+  VertexBuffer GetVertexBuffer(std::size_t p_id) const;
+
+private:
+  struct IndexDescription {
+    std::uint32_t type, first, count;
+  };
+  struct VertexDescription {
+    std::uint32_t attributes, positionStride, normalStride, positionOffset, normalOffset;
+  };
+
+  Utility::Unscoped<Ogl::Rgl> _gl;
+  // In step: element i of each belongs to model i.
+  std::vector<Ogl::Buffer<VertexRecord>> _vertexBuffers;
+  std::vector<Ogl::Buffer<IndexRecord>> _indexBuffers;
+  std::vector<IndexDescription> _indexDescriptions;
+  std::vector<VertexDescription> _vertexDescriptions;
+  std::vector<Types::BoundingBox_Base<double>> _boundingBoxes;
+};
+
+} // namespace Vek::Chart::Library

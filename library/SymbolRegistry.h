@@ -1,0 +1,82 @@
+#pragma once
+
+#include "library/Export.h"
+#include "library/ModelCache.h"
+#include "platform/core/Ptr.h"
+#include "platform/file/FilePath.h"
+#include "platform/model/Symbol.h"
+#include "platform/types/Geometry.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Vek::Chart::Library {
+
+/// The models of a chart's symbols in GPU buffers: the built-in glyphs by shape, models of the user's by path.
+///
+///     Core::Ptr<ModelCache> cache(new ModelCache(context.Handle()));
+///     SymbolRegistry symbols(cache, "share/vek-chart/symbols");
+///     const ModelCache::IndexBuffer cone = symbols.GetIndexBuffer(Model::Symbol::ShapeCone);
+///     symbols.LoadModel("models/ship.obj");
+///     const ModelCache::IndexBuffer ship = symbols.GetIndexBuffer(vekfile::filepath("models/ship.obj"));
+///
+/// The models belong to the cache, which may be shared and may hold others.
+class VEK_LIBRARY_API SymbolRegistry {
+public:
+  /// A model that was registered by path.
+  struct VEK_LIBRARY_API HashID {
+    HashID(const vekfile::filepath& p_path, std::size_t p_id);
+
+    std::int32_t hash; ///< of the bytes of the path: 0 to 2147483646, 0 for the empty path; not unique
+    boost::shared_ptr<const std::string> path;
+    std::size_t id; ///< the cache's
+  };
+  /// A built-in model.
+  struct SymbolID {
+    Model::Symbol::Shape shape;
+    std::size_t id; ///< the cache's
+  };
+
+  /// Registers the built-in models with the cache, in the order of their shapes: for ShapeArrowHead1D (2) to
+  /// ShapeCustom (15) the files ArrowHead1D.obj, Arrow1D.obj, ArrowHead2D.obj, Arrow2D.obj, Plane.obj, ArrowHead3D.obj,
+  /// Arrow3D.obj, Cylinder.obj, Cone.obj, CircularArrow3D.obj, Crosshair.obj, Cube.obj, IcoSphere.obj and Torus.obj of
+  /// the directory. A missing file is registered as an empty model, with the cache's reports; what reading one throws
+  /// passes on. `p_cache` must not be null.
+  SymbolRegistry(const Core::Ptr<ModelCache>& p_cache, const vekfile::filepath& p_directory);
+  ~SymbolRegistry();
+  SymbolRegistry(const SymbolRegistry&) = delete;
+  SymbolRegistry& operator=(const SymbolRegistry&) = delete;
+
+  /// Registers a model of the user's with the cache, unless that was done for the same path (byte by byte) before.
+  /// What reading it throws passes on; the path then counts as not loaded.
+  void LoadModel(const vekfile::filepath& p_path);
+
+  // The cache's records of a built-in shape. A shape without a model (ShapePoint, 0, unknown ones) reports "result !=
+  // p_symbols.size() && "No model loaded for this shape!"" and is looked up in the cache as the number of built-in
+  // models: the first model registered after them when there is one, else an empty record.
+  Types::BoundingBox_Base<double> GetBoundingBox(Model::Symbol::Shape p_shape) const;
+  ModelCache::IndexBuffer GetIndexBuffer(Model::Symbol::Shape p_shape) const;
+  ModelCache::VertexBuffer GetVertexBuffer(Model::Symbol::Shape p_shape) const;
+
+  // The cache's records of a path. One that was not loaded reports "hashIndex < p_hashes.size() && "No model loaded
+  // with this path, call LoadModel first."" and yields the records of the cache's model 0.
+  Types::BoundingBox_Base<double> GetBoundingBox(const vekfile::filepath& p_path) const;
+  ModelCache::IndexBuffer GetIndexBuffer(const vekfile::filepath& p_path) const;
+  ModelCache::VertexBuffer GetVertexBuffer(const vekfile::filepath& p_path) const;
+
+private:
+  struct State;
+
+  void InitializeCache(const vekfile::filepath& p_directory);
+  static std::size_t FindSymbol(const std::vector<SymbolID>& p_symbols, Model::Symbol::Shape p_shape);
+  static std::size_t FindHashedSymbol(const std::vector<HashID>& p_hashes, const vekfile::filepath& p_path);
+
+  std::unique_ptr<State> _state;
+};
+
+} // namespace Vek::Chart::Library

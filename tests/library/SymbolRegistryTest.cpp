@@ -1,0 +1,217 @@
+#include "library/SymbolRegistry.h"
+
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+#include "tests/support/TempFolder.h"
+
+#include <boost/lexical_cast.hpp>
+
+#include <filesystem>
+#include <set>
+
+using namespace Vek::Chart;
+using namespace Vek::Chart::Model::Symbol;
+using Library::ModelCache;
+using Library::SymbolRegistry;
+using Vek::Test::Lines;
+using Vek::Test::ReportCapture;
+using Vek::Test::TempFolder;
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string BuiltIn = std::string(VEK_SOURCE_DIR) + "/symbols";
+
+const std::string NoShape =
+    "\"result != p_symbols.size() && \"No model loaded for this shape!\"\" - unsigned __int64 __cdecl "
+    "Vek::Chart::Library::SymbolRegistry::FindSymbol(const class std::vector<struct "
+    "Vek::Chart::Library::SymbolRegistry::SymbolID,class std::allocator<struct "
+    "Vek::Chart::Library::SymbolRegistry::SymbolID> > &,const enum Vek::Chart::Model::Symbol::Shape)";
+const std::string NoPath =
+    "\"hashIndex < p_hashes.size() && \"No model loaded with this path, call LoadModel first.\"\" - unsigned __int64 "
+    "__cdecl Vek::Chart::Library::SymbolRegistry::FindHashedSymbol(const class std::vector<struct "
+    "Vek::Chart::Library::SymbolRegistry::HashID,class std::allocator<struct "
+    "Vek::Chart::Library::SymbolRegistry::HashID> > &,const class vekfile::filepath &)";
+
+/// A model of so many equal triangles, told apart by their number.
+std::string Triangles(int p_count) {
+  std::string text = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
+  for (int i = 0; i < p_count; ++i)
+    text += "f 1 2 3\n";
+  return text;
+}
+
+class SymbolRegistryCalls : public Vek::Test::RecordingFixture {
+protected:
+  void TearDown() override {
+    cache.reset();
+    RecordingFixture::TearDown();
+  }
+  const TempFolder folder;
+  Core::Ptr<ModelCache> cache{new ModelCache(recorder.Handle())};
+};
+
+} // namespace
+
+TEST(PathHash, AgreesWithValuesWorkedOutElsewhere) {
+  const std::pair<std::string, std::int32_t> cases[] = {
+      {"", 0},
+      {"a", 97},
+      {"ab", 1229154139},
+      {"symbols/Cone.obj", 1987357810},
+      {"symbols/cone.obj", 1383439698},
+      {"\x80", 2147483519},
+      {"\xc3\xa9\xff.obj", 2121495954},
+      {"/usr/share/models/a long name with blanks, and more.obj", 1960703737},
+      {"gab.obj", 685636249},
+      {"fzpwjmb.obj", 685636249},
+  };
+  for (const auto& [path, hash] : cases)
+    EXPECT_EQ(SymbolRegistry::HashID(path, 3).hash, hash) << path;
+  const SymbolRegistry::HashID entry("some/path", 3);
+  EXPECT_EQ(*entry.path, "some/path");
+  EXPECT_EQ(entry.id, 3u);
+}
+
+TEST_F(SymbolRegistryCalls, FindsAModelForEveryShapeFromTwoToFifteen) {
+  const ReportCapture reports;
+  const SymbolRegistry symbols(cache, BuiltIn);
+  const std::uint32_t primitives[] = {0, 0, 2, 3, 1, 3, 2, 48, 144, 48, 24, 164, 3, 12, 1280, 1024}; // by shape
+  std::set<unsigned int> names;
+  for (int i = ShapeArrowHead1D; i <= ShapeCustom; ++i) {
+    const Shape shape = static_cast<Shape>(i);
+    const bool lines = i <= ShapeArrow1D || i == ShapeCrosshair;
+    EXPECT_EQ(symbols.GetIndexBuffer(shape).type,
+              lines ? Ogl::VertexBuffer::LineSegments : Ogl::VertexBuffer::Triangles)
+        << i;
+    EXPECT_EQ(symbols.GetIndexBuffer(shape).count, primitives[i]) << i;
+    EXPECT_EQ(symbols.GetVertexBuffer(shape).attributes, lines ? 1u : 3u) << i;
+    EXPECT_FALSE(symbols.GetBoundingBox(shape).Empty()) << i;
+    EXPECT_EQ(symbols.GetIndexBuffer(shape).buffer.Name(), cache->GetIndexBuffer(std::size_t(i) - 2).buffer.Name());
+    names.insert(symbols.GetVertexBuffer(shape).buffer.Name());
+  }
+  EXPECT_EQ(names.size(), 14u);
+  EXPECT_TRUE(reports.Texts().empty());
+}
+
+TEST_F(SymbolRegistryCalls, ShapesWithoutAModelAreLookedUpBehindTheLast) {
+  SymbolRegistry symbols(cache, BuiltIn);
+  const ReportCapture reports;
+  for (const int shape : {0, 1, 16, -1})
+    EXPECT_EQ(symbols.GetIndexBuffer(static_cast<Shape>(shape)).count, 0u) << shape;
+  EXPECT_TRUE(symbols.GetBoundingBox(ShapePoint).Empty());
+  EXPECT_EQ(symbols.GetVertexBuffer(ShapePoint).attributes, 0u);
+  EXPECT_EQ(reports.Texts(), Lines(6, NoShape));
+  // The first model of the user's stands there.
+  symbols.LoadModel(folder.Write("user.obj", Triangles(7)));
+  EXPECT_EQ(symbols.GetIndexBuffer(ShapePoint).count, 7u);
+}
+
+TEST_F(SymbolRegistryCalls, PathsAreLoadedOnceAndToldApartByTheirBytes) {
+  SymbolRegistry symbols(cache, BuiltIn);
+  const ReportCapture reports;
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.Path());
+  // The first two have the same hash.
+  const std::pair<const char*, int> models[] = {{"gab.obj", 5}, {"fzpwjmb.obj", 6}, {"Gab.obj", 7}};
+  for (const auto& [name, count] : models) {
+    folder.Write(name, Triangles(count));
+    symbols.LoadModel(name);
+    symbols.LoadModel(name);
+  }
+  folder.Write("gab.obj", Triangles(50)); // a change of the file is not seen
+  symbols.LoadModel("gab.obj");
+  fs::current_path(before);
+
+  for (const auto& [name, count] : models)
+    EXPECT_EQ(symbols.GetIndexBuffer(vekfile::filepath(name)).count, std::uint32_t(count)) << name;
+  EXPECT_EQ(symbols.GetVertexBuffer(vekfile::filepath("gab.obj")).buffer.Count(), 3u);
+  EXPECT_EQ(symbols.GetBoundingBox(vekfile::filepath("gab.obj")).Max().x, 1);
+  EXPECT_EQ(cache->GetIndexBuffer(17).count, 0u); // 14 + 3 and no more
+  EXPECT_TRUE(reports.Texts().empty());
+}
+
+TEST_F(SymbolRegistryCalls, PathsThatWereNotLoadedYieldTheFirstModel) {
+  SymbolRegistry symbols(cache, BuiltIn);
+  const ReportCapture reports;
+  const vekfile::filepath path("never.obj");
+  EXPECT_EQ(symbols.GetIndexBuffer(path).buffer.Name(), cache->GetIndexBuffer(0).buffer.Name());
+  EXPECT_EQ(symbols.GetVertexBuffer(path).buffer.Name(), cache->GetVertexBuffer(0).buffer.Name());
+  EXPECT_TRUE(symbols.GetBoundingBox(path) == cache->GetBoundingBox(0));
+  EXPECT_EQ(reports.Texts(), Lines(3, NoPath));
+}
+
+TEST_F(SymbolRegistryCalls, AModelThatFailsCanBeLoadedLater) {
+  SymbolRegistry symbols(cache, BuiltIn);
+  const std::string path = folder.Write("late.obj", "v 1 2 three\n");
+  EXPECT_THROW(symbols.LoadModel(path), boost::bad_lexical_cast);
+  {
+    const ReportCapture reports;
+    symbols.GetIndexBuffer(vekfile::filepath(path));
+    EXPECT_EQ(reports.Texts(), Lines{NoPath});
+  }
+  folder.Write("late.obj", Triangles(4));
+  symbols.LoadModel(path);
+  EXPECT_EQ(symbols.GetIndexBuffer(vekfile::filepath(path)).count, 4u);
+}
+
+TEST_F(SymbolRegistryCalls, ABuiltInModelThatFailsEndsTheConstruction) {
+  folder.Write("ArrowHead1D.obj", "v 0 0 0\nv 1 0 0\nl 1 2\n");
+  folder.Write("Arrow1D.obj", "v 0 0 none\n");
+  EXPECT_THROW(SymbolRegistry(cache, folder.Path().string()), boost::bad_lexical_cast);
+  EXPECT_EQ(cache->GetIndexBuffer(0).count, 1u);
+  EXPECT_EQ(cache->GetIndexBuffer(1).count, 0u);
+}
+
+TEST_F(SymbolRegistryCalls, AnEmptyFolderGivesEmptyModels) {
+  const ReportCapture reports;
+  const SymbolRegistry symbols(cache, folder.Path().string());
+  EXPECT_EQ(reports.Texts().size(), 14u * 3);
+  EXPECT_EQ(symbols.GetIndexBuffer(ShapeCone).buffer.Count(), 0u);
+  EXPECT_EQ(reports.Texts().size(), 14u * 3);
+}
+
+TEST_F(SymbolRegistryCalls, TheCacheMayHoldOthersModels) {
+  cache->Register(folder.Write("other.obj", Triangles(9)));
+  const SymbolRegistry symbols(cache, BuiltIn);
+  EXPECT_EQ(symbols.GetIndexBuffer(ShapeCube).count, 12u);
+}
+
+using SymbolRegistryPixels = Vek::Test::PixelFixture;
+
+TEST_F(SymbolRegistryPixels, DrawsACubeFromItsBuffers) {
+  const Core::Ptr<ModelCache> cache(new ModelCache(Handle()));
+  const SymbolRegistry symbols(cache, BuiltIn);
+  const ModelCache::VertexBuffer vertices = symbols.GetVertexBuffer(ShapeCube);
+  const ModelCache::IndexBuffer indices = symbols.GetIndexBuffer(ShapeCube);
+  const Utility::Scoped<Rgl> gl(Handle());
+  // Half of the frame in each direction, lit from the viewer's side: only a face with the normal +z is bright.
+  gl->Enable(RGL_DEPTH_TEST);
+  gl->Enable(RGL_CULL_FACE);
+  gl->Enable(RGL_LIGHTING);
+  gl->Enable(RGL_LIGHT0);
+  gl->BindBuffer(RGL_ARRAY_BUFFER, vertices.buffer.Name());
+  gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, indices.buffer.Name());
+  gl->EnableClientState(RGL_VERTEX_ARRAY);
+  gl->EnableClientState(RGL_NORMAL_ARRAY);
+  const auto offset = [](std::uint32_t p_bytes) { return reinterpret_cast<const void*>(std::uintptr_t(p_bytes)); };
+  gl->VertexPointer(3, RGL_FLOAT, int(vertices.positionStride), offset(vertices.positionOffset));
+  gl->NormalPointer(RGL_FLOAT, int(vertices.normalStride), offset(vertices.normalOffset));
+  gl->DrawElements(RGL_TRIANGLES, int(3 * indices.count), RGL_UNSIGNED_INT, nullptr);
+  gl->DisableClientState(RGL_NORMAL_ARRAY);
+  gl->DisableClientState(RGL_VERTEX_ARRAY);
+  gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, 0);
+  gl->BindBuffer(RGL_ARRAY_BUFFER, 0);
+
+  const QImage image = Image();
+  // Diffuse 0.8 and ambient 0.2 of 0.2.
+  const int bright = 214;
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x) {
+      const double px = (x + 0.5) / image.width() * 2 - 1, py = (y + 0.5) / image.height() * 2 - 1;
+      const bool inside = std::abs(px) < 0.5 && std::abs(py) < 0.5;
+      ASSERT_TRUE(Vek::Test::SameColor(image.pixel(x, y), inside ? QColor(bright, bright, bright) : Qt::transparent, 1))
+          << x << ", " << y;
+    }
+}

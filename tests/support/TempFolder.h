@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+#include <stdlib.h>
+
+namespace Vek::Test {
+
+/// An empty folder of its own for files that a test makes; gone with everything in it at the end.
+class TempFolder {
+public:
+  TempFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "vek-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr)
+      throw std::runtime_error("Cannot make a folder " + name);
+    _path = name;
+  }
+  ~TempFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(_path, ignored);
+  }
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  const std::filesystem::path& Path() const { return _path; }
+  /// Writes a file with these bytes and returns its path.
+  std::string Write(const std::string& p_name, const std::string& p_bytes) const {
+    const std::filesystem::path path = _path / p_name;
+    std::ofstream(path, std::ios::binary) << p_bytes;
+    return path.string();
+  }
+
+private:
+  std::filesystem::path _path;
+};
+
+} // namespace Vek::Test
