@@ -33,10 +33,15 @@ void MakePicture(const SceneEntry& p_entry, const Options& p_options) {
   std::printf("%-12s ... ", p_entry.name.c_str());
   std::fflush(stdout);
   const Clock::time_point start = Clock::now();
-  const QImage image = RenderScene(p_entry, p_options.inputs, p_options.size);
-  const std::string path = p_options.out + "/" + p_entry.name + ".png";
-  if (!image.save(QString::fromStdString(path)))
-    throw std::runtime_error(path + ": cannot be written");
+  try {
+    const QImage image = RenderScene(p_entry, p_options.inputs, p_options.size);
+    const std::string path = p_options.out + "/" + p_entry.name + ".png";
+    if (!image.save(QString::fromStdString(path)))
+      throw std::runtime_error(path + ": cannot be written");
+  } catch (...) {
+    std::puts("failed"); // ends the line, before the reason is told
+    throw;
+  }
   std::printf("%.1f s\n", std::chrono::duration<double>(Clock::now() - start).count());
 }
 

@@ -9,6 +9,16 @@ const std::vector<SceneEntry>& Scenes() {
        "speed. "
        "Glyphs by VectorSymbol, colours by two ColorMaps bound as textures.",
        "examples/Wind.cpp", MakeWind},
+      {"symbols",
+       "The fourteen built-in glyph models of the SymbolRegistry, drawn from their GPU buffers: one instanced call for "
+       "a "
+       "model and all its copies.",
+       "examples/Symbols.cpp", MakeSymbols},
+      {"earthquakes",
+       "A week of earthquakes where they lie below the surface: each a sphere, sized by magnitude and coloured by "
+       "depth, "
+       "all of them instances of one model.",
+       "examples/Earthquakes.cpp", MakeEarthquakes},
   };
   return scenes;
 }

@@ -157,7 +157,8 @@ private:
 
   void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view) {
     Overlay overlay(p_gl, p_view, _lettering);
-    LabelGraticule(overlay, _map, 0);
+    LabelMeridians(overlay, _map, 0);
+    LabelParallels(overlay, _map, 0);
     if (_is_monthly_mean)
       overlay.Title("Winds of the world", "Monthly mean at the surface, January 1987");
     else

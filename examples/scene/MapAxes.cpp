@@ -23,6 +23,10 @@ std::vector<double> Parallels(const MapFrame& p_map) {
   return RoundTicks(p_map.South(), p_map.North(), 7);
 }
 
+Lettering::Style LabelStyle() {
+  return {Theme::SmallSize, Theme::Faint, false};
+}
+
 } // namespace
 
 QString LongitudeText(double p_degrees) {
@@ -71,12 +75,14 @@ void DrawGraticule(Utility::Scoped<Rgl>& p_gl, const MapFrame& p_map, double p_z
   p_gl->End();
 }
 
-void LabelGraticule(Overlay& p_overlay, const MapFrame& p_map, double p_z) {
-  const Lettering::Style style{Theme::SmallSize, Theme::Faint, false};
+void LabelMeridians(Overlay& p_overlay, const MapFrame& p_map, double p_z) {
   for (const double lon : Meridians(p_map))
-    p_overlay.TextAt(LongitudeText(lon), p_map.Place(lon, p_map.South(), p_z), 0, -12, {0.5, 1}, style);
+    p_overlay.TextAt(LongitudeText(lon), p_map.Place(lon, p_map.South(), p_z), 0, -12, {0.5, 1}, LabelStyle());
+}
+
+void LabelParallels(Overlay& p_overlay, const MapFrame& p_map, double p_z) {
   for (const double lat : Parallels(p_map))
-    p_overlay.TextAt(LatitudeText(lat), p_map.Place(p_map.West(), lat, p_z), -12, 0, {1, 0.5}, style);
+    p_overlay.TextAt(LatitudeText(lat), p_map.Place(p_map.West(), lat, p_z), -12, 0, {1, 0.5}, LabelStyle());
 }
 
 } // namespace Vek::Chart::Gallery

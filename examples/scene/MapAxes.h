@@ -21,7 +21,8 @@ std::vector<double> RoundTicks(double p_min, double p_max, std::size_t p_most);
 
 /// Thin meridians and parallels at round degrees, at height `p_z`.
 void DrawGraticule(Utility::Scoped<Rgl>& p_gl, const MapFrame& p_map, double p_z);
-/// Their names along the southern and western border.
-void LabelGraticule(Overlay& p_overlay, const MapFrame& p_map, double p_z);
+/// Their names along the southern border, and along the western one.
+void LabelMeridians(Overlay& p_overlay, const MapFrame& p_map, double p_z);
+void LabelParallels(Overlay& p_overlay, const MapFrame& p_map, double p_z);
 
 } // namespace Vek::Chart::Gallery

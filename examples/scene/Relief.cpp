@@ -32,6 +32,14 @@ std::vector<unsigned int> GridIndices(std::size_t p_columns, std::size_t p_rows)
   return indices;
 }
 
+/// Binds the colours to be modulated by the light.
+boost::shared_ptr<void> TextureScope(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) {
+  const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT);
+  p_colors(p_gl, RGL_TEXTURE0);
+  p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_MODULATE);
+  return guard;
+}
+
 } // namespace
 
 Relief::Relief(const HeightField& p_heights, const MapFrame& p_map, double p_z_per_metre)
@@ -40,19 +48,23 @@ Relief::Relief(const HeightField& p_heights, const MapFrame& p_map, double p_z_p
   BuildSides();
 }
 
-Library::ColorMap Relief::MutedColors() {
-  return Library::ColorMap(Palettes::Sampled({{-6000, 0x16212E},
-                                              {-4000, 0x1B2A39},
-                                              {-2000, 0x213443},
-                                              {-200, 0x2A414F},
-                                              {0, 0x304A58},
-                                              {1, 0x5D6159},
-                                              {600, 0x6C6C62},
-                                              {2000, 0x85806F},
-                                              {4000, 0xA59D8D},
-                                              {6000, 0xCFC9BD}},
-                                             2048),
-                           Library::ColorMap::Discrete);
+Library::ColorMap Relief::MutedColors(double p_opacity, double p_brightness) {
+  std::vector<QColor> colors = Palettes::Sampled({{-6000, 0x16212E},
+                                                  {-4000, 0x1B2A39},
+                                                  {-2000, 0x213443},
+                                                  {-200, 0x2A414F},
+                                                  {0, 0x304A58},
+                                                  {1, 0x5D6159},
+                                                  {600, 0x6C6C62},
+                                                  {2000, 0x85806F},
+                                                  {4000, 0xA59D8D},
+                                                  {6000, 0xCFC9BD}},
+                                                 2048);
+  for (QColor& color : colors) {
+    color = color.lighter(static_cast<int>(100 * p_brightness));
+    color.setAlphaF(p_opacity);
+  }
+  return Library::ColorMap(colors, Library::ColorMap::Discrete);
 }
 
 void Relief::BuildSurface(const HeightField& p_heights, const MapFrame& p_map) {
@@ -118,13 +130,16 @@ void Relief::BuildSides() {
 }
 
 void Relief::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) const {
-  const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT | RGL_LIGHTING_BIT);
-  p_colors(p_gl, RGL_TEXTURE0);
-  p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_MODULATE);
-  _surface.Draw(p_gl);
+  DrawSurface(p_gl, p_colors);
+  const auto guard = TextureScope(p_gl, p_colors);
   // The sides take one colour of the map, that of the deep sea.
   p_gl->TexCoord1d(0.1);
   _sides.Draw(p_gl);
+}
+
+void Relief::DrawSurface(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) const {
+  const auto guard = TextureScope(p_gl, p_colors);
+  _surface.Draw(p_gl);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -21,8 +21,9 @@ public:
 
   Relief(const HeightField& p_heights, const MapFrame& p_map, double p_z_per_metre);
 
-  /// Muted colours that leave room for what is drawn above.
-  static Library::ColorMap MutedColors();
+  /// Muted colours that leave room for what is drawn above. A surface that lets the background through needs to be
+  /// brighter.
+  static Library::ColorMap MutedColors(double p_opacity = 1.0, double p_brightness = 1.0);
 
   /// z of a height in metres; the sea floor is flattened, to be calmer than the land.
   double Z(double p_metres) const { return p_metres * _z_per_metre * (p_metres < 0 ? SeaFloorFlattening : 1); }
@@ -32,6 +33,8 @@ public:
 
   /// Needs lighting (see Light); `p_colors` gives the colours.
   void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) const;
+  /// Without the sides of the block.
+  void DrawSurface(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) const;
 
 private:
   void BuildSurface(const HeightField& p_heights, const MapFrame& p_map);

@@ -5,14 +5,17 @@
 #include "examples/scene/Theme.h"
 
 #include "platform/ogl/OffscreenContext.h"
+#include "tests/support/ReportCapture.h"
 
 #include <QImage>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sys/wait.h>
 
 using namespace Vek::Chart;
@@ -116,12 +119,12 @@ struct Shot {
   }
 };
 
-Shot Shoot(const std::string& p_name, Types::Size p_size) {
+Shot Shoot(const std::string& p_name, Types::Size p_size, const Inputs& p_inputs = DataInputs()) {
   Shot shot;
-  shot.image = RenderScene(Entry(p_name), DataInputs(), p_size);
+  shot.image = RenderScene(Entry(p_name), p_inputs, p_size);
   Ogl::OffscreenContext context(Types::Size(16, 16));
   Utility::Scoped<Rgl> gl(context.Handle());
-  shot.camera = Entry(p_name).make(gl, DataInputs())->StartCamera();
+  shot.camera = Entry(p_name).make(gl, p_inputs)->StartCamera();
   return shot;
 }
 
@@ -136,7 +139,9 @@ const MapFrame World(-180, 180, -80, 84);
 
 TEST(GalleryPixels, EveryPictureIsFilledAndFramedByTheBackground) {
   for (const SceneEntry& entry : Scenes()) {
+    const Vek::Test::ReportCapture reports;
     const QImage image = RenderScene(entry, DataInputs(), Small);
+    EXPECT_EQ(reports.Texts(), std::vector<std::string>{}) << entry.name;
     ASSERT_EQ(image.size(), QSize(480, 300)) << entry.name;
     EXPECT_LT(Distance(image.pixelColor(0, 0), Theme::BackgroundTop), 6) << entry.name;
     EXPECT_LT(Distance(image.pixelColor(479, 299), Theme::BackgroundBottom), 6) << entry.name;
@@ -145,6 +150,11 @@ TEST(GalleryPixels, EveryPictureIsFilledAndFramedByTheBackground) {
       for (int x = 0; x < image.width(); ++x)
         drawn += Distance(image.pixelColor(x, y), image.pixelColor(0, y)) > 24 ? 1 : 0;
     EXPECT_GT(drawn, image.width() * image.height() / 12) << entry.name;
+    int title = 0;
+    for (int y = 10; y < 26; ++y)
+      for (int x = 10; x < 100; ++x)
+        title += Distance(image.pixelColor(x, y), Theme::Title) < 60 ? 1 : 0;
+    EXPECT_GT(title, 60) << entry.name;
     EXPECT_TRUE(fs::exists(std::string(VEK_SOURCE_DIR) + "/" + entry.source)) << entry.source;
   }
 }
@@ -164,10 +174,7 @@ TEST(WindPixels, CoastsAreWhereTheyBelong) {
   for (const auto& row : cases) {
     // The winds there are weak, so an arrow changes the mean only a little.
     const QColor color = shot.Mean(shot.At(World.Place(row.lon, row.lat, 0)), 4);
-    if (row.land)
-      EXPECT_GT(color.red(), color.blue()) << row.name << ' ' << color.name().toStdString();
-    else
-      EXPECT_GT(color.blue(), color.red()) << row.name << ' ' << color.name().toStdString();
+    EXPECT_EQ(color.red() > color.blue(), row.land) << row.name << ' ' << color.name().toStdString();
   }
 }
 
@@ -187,6 +194,71 @@ TEST(WindPixels, FastWindsShineAndWeakOnesDoNot) {
   EXPECT_LT(brightest(-66, -48, -12, 0), 150) << "the Amazon basin";
 }
 
+TEST(WindPixels, ArrowsPointWhereTheWindGoes) {
+  const struct {
+    const char* name;
+    const char* wind;
+    int right, up;
+  } cases[] = {{"east", "10,0", 1, 0}, {"west", "-10,0", -1, 0}, {"north", "0,10", 0, 1}, {"south", "0,-10", 0, -1}};
+  const TemporaryFolder folder;
+  for (const auto& row : cases) {
+    std::string table = "lon,lat,u,v\n";
+    for (const char* place : {"0,0", "5,0", "10,0", "0,5", "5,5", "10,5", "0,10", "5,10", "10,10"})
+      table += std::string(place) + ',' + row.wind + '\n';
+    Inputs inputs = DataInputs();
+    inputs.winds = folder.Write("wind.csv", table);
+    const Shot shot = Shoot("wind", {960, 600}, inputs);
+    // Along the wind, the arrow's last third, with the head, has more pixels than its first.
+    std::vector<int> along;
+    for (int y = -30; y <= 30; ++y)
+      for (int x = -30; x <= 30; ++x)
+        if (qRed(shot.image.pixel(shot.At({0, 0, 1}) + QPoint(x, y))) > 190)
+          along.push_back(x * row.right - y * row.up);
+    ASSERT_GT(along.size(), 60u) << row.name;
+    const auto [first, last] = std::minmax_element(along.begin(), along.end());
+    const int third = (*last - *first) / 3;
+    const auto tail = std::count_if(along.begin(), along.end(), [&](int p_at) { return p_at <= *first + third; });
+    const auto head = std::count_if(along.begin(), along.end(), [&](int p_at) { return p_at >= *last - third; });
+    EXPECT_GT(head * 5, tail * 6) << row.name << ": head " << head << ", tail " << tail;
+  }
+}
+
+TEST(SymbolsPixels, EachCellShowsItsModel) {
+  Inputs with_model = DataInputs();
+  with_model.model = with_model.symbols + "/Cube.obj";
+  const Shot without = Shoot("symbols", {960, 600});
+  const Shot with = Shoot("symbols", {960, 600}, with_model);
+  // Pixels of the large copy in the middle of cell c, which is orange; lines cover fewer than surfaces.
+  const auto orange = [](const Shot& p_shot, int p_cell) {
+    const QPoint center = p_shot.At({(p_cell % 5 - 2) * 3.75, 0, (1 - p_cell / 5) * 3.35 + 0.3});
+    int count = 0;
+    for (int y = center.y() - 36; y <= center.y() + 36; ++y)
+      for (int x = center.x() - 30; x <= center.x() + 30; ++x) {
+        const QColor color = p_shot.image.pixelColor(x, y);
+        count += color.red() > 90 && color.red() > color.green() * 5 / 4 && color.green() > color.blue() ? 1 : 0;
+      }
+    return count;
+  };
+  const std::set<int> lines = {0, 1, 10}; // ArrowHead1D, Arrow1D, Crosshair
+  for (int cell = 0; cell < 14; ++cell)
+    EXPECT_GT(orange(without, cell), lines.count(cell) != 0 ? 40 : 200) << cell;
+  EXPECT_LT(orange(without, 14), 10) << "no model of the user's";
+  EXPECT_GT(orange(with, 14), 400);
+}
+
+TEST(EarthquakesPixels, TheLargestShinesWhereItWas) {
+  const Shot shot = Shoot("earthquakes", {960, 600});
+  const MapFrame map(-25, 335, -70, 84);
+  const QColor hualien = shot.Mean(shot.At(map.Place(121.7, 24.1, 0.5)), 2);
+  EXPECT_GT(hualien.red(), 180) << hualien.name().toStdString();
+  EXPECT_GT(hualien.green(), 140);
+  EXPECT_LT(hualien.blue(), 110);
+  const QColor quiet = shot.Mean(shot.At(map.Place(85, -30, 0)), 2);
+  EXPECT_LT(quiet.red(), 60) << quiet.name().toStdString();
+  const QColor congo = shot.Mean(shot.At(map.Place(22, 5, 0)), 2);
+  EXPECT_GT(congo.red(), quiet.red() + 30) << "land is lighter than the sea";
+}
+
 TEST(GalleryPixels, TheProgramWritesPicturesAndTheirPage) {
   const TemporaryFolder folder;
   const Outcome outcome = RunGallery(folder, "--only wind --size 160x100 --out '" + folder.File("new/folder") + "'");
@@ -202,6 +274,10 @@ TEST(GalleryPixels, TheProgramWritesPicturesAndTheirPage) {
 TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
   const TemporaryFolder folder;
   const std::string bad_wind = folder.Write("bad.csv", "lon,lat,u,v\n0,0,1,1\n1,x,1,1\n");
+  const std::string quad = folder.Write("quad.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\n");
+  const std::string beyond = folder.Write("beyond.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nf 1 2 4\nf 0 1 2\n");
+  const std::string points = folder.Write("points.obj", "v 0 0 0\n");
+  const std::string words = folder.Write("words.obj", "v one two three\n");
   const std::string a_file = folder.Write("file", "");
   const std::string out = " --size 64x40 --out '" + folder.File("out") + "' ";
   const struct {
@@ -215,6 +291,22 @@ TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
       {"missing file", "--only wind --winds no.csv" + out, 1, "vek-gallery: no.csv: no such file\n"},
       {"bad row", "--only wind --winds " + bad_wind + out, 1,
        "vek-gallery: " + bad_wind + ":3: expected a number for \"lat\", got \"x\"\n"},
+      {"missing model", "--only symbols --model no.obj" + out, 1, "vek-gallery: no.obj: no such file\n"},
+      {"model is a folder", "--only symbols --model ." + out, 1, "vek-gallery: .: expected a file, got a folder\n"},
+      {"model of squares", "--only symbols --model " + quad + out, 1,
+       "vek-gallery: " + quad + ": expected an OBJ model of triangles or lines, and of nothing else\n"},
+      {"model without faces", "--only symbols --model " + points + out, 1,
+       "vek-gallery: " + points + ": expected an OBJ model of triangles or lines, and of nothing else\n"},
+      {"indices beyond", "--only symbols --model " + beyond + out, 1,
+       "vek-gallery: " + beyond + ": expected an OBJ model whose faces count their vertices and normals from 1\n"},
+      {"model of words", "--only symbols --model " + words + out, 1,
+       "vek-gallery: " + words +
+           ": cannot be read as an OBJ model: bad lexical cast: source type value could not be interpreted as "
+           "target\n"},
+      {"bad earthquake", "--only earthquakes --quakes " + bad_wind + out, 1,
+       "vek-gallery: " + bad_wind + ":1: expected a column named \"depth_km\", got \"lon,lat,u,v\"\n"},
+      {"bad relief", "--only wind --relief " + bad_wind + out, 1,
+       "vek-gallery: " + bad_wind + ":1: expected \"nx ny x0 dx y0 dy\", got \"lon,lat,u,v\"\n"},
       {"out is a file", "--out '" + a_file + "'", 1, "vek-gallery: " + a_file + ": cannot be made a folder\n"},
   };
   for (const auto& row : cases) {

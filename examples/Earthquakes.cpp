@@ -1,0 +1,207 @@
+// A week of earthquakes below a map that lets the light through. Shows how spheres of any size and colour are drawn as
+// instances of one model, and how a ColorMap with transparent colours makes a surface that is seen through.
+
+#include "examples/SceneMakers.h"
+
+#include "examples/scene/Files.h"
+#include "examples/scene/HeightField.h"
+#include "examples/scene/Instances.h"
+#include "examples/scene/Lettering.h"
+#include "examples/scene/Light.h"
+#include "examples/scene/MapAxes.h"
+#include "examples/scene/Overlay.h"
+#include "examples/scene/Palettes.h"
+#include "examples/scene/Quakes.h"
+#include "examples/scene/Relief.h"
+#include "examples/scene/Theme.h"
+
+#include "library/ColorMap.h"
+#include "library/ModelCache.h"
+#include "library/SymbolRegistry.h"
+
+#include <boost/make_shared.hpp>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Vek::Chart::Gallery {
+
+namespace {
+
+using Library::ColorMap;
+using Library::ModelCache;
+using Library::SymbolRegistry;
+using Point = Types::Vector3_Base<double>;
+
+constexpr double DeepestColored = 600; ///< km
+constexpr double UnitsPerKilometre = 0.1;
+constexpr double BoxDepth = -700 * UnitsPerKilometre;
+
+/// Units of the scene. Each step of magnitude is half as wide again, so that small ones stay visible beside large ones.
+double Diameter(double p_magnitude) {
+  return 1.25 * std::pow(1.5, p_magnitude - 2);
+}
+
+/// Shallow earthquakes, by far the most, get most of the colours.
+double ColorPlace(double p_depth) {
+  return std::sqrt(std::clamp(p_depth / DeepestColored, 0.0, 1.0));
+}
+
+class EarthquakesScene : public Scene {
+public:
+  EarthquakesScene(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs)
+      : _quakes(ReadQuakesFile(p_inputs.quakes))
+      , _file(QString::fromStdString(FileName(p_inputs.quakes)))
+      , _relief(HeightField::ReadFile(p_inputs.relief), _map, 3e-4)
+      , _painter(p_gl)
+      , _spheres(p_gl, Spheres())
+      , _key_spheres(p_gl, KeySpheres()) {
+    SymbolRegistry registry(boost::make_shared<ModelCache>(p_gl.Handle()), p_inputs.symbols);
+    const auto shape = Model::Symbol::ShapeSphere;
+    _sphere = {registry.GetVertexBuffer(shape), registry.GetIndexBuffer(shape), registry.GetBoundingBox(shape)};
+  }
+
+  Camera StartCamera() const override {
+    Camera camera;
+    camera.target = {0, -8, -30};
+    camera.elevation = 42;
+    camera.field_of_view = 14;
+    camera.distance = 1105;
+    camera.radius = 260;
+    return camera;
+  }
+
+  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
+    DrawBackground(p_gl, p_view, _lettering);
+    {
+      const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
+      DrawBox(p_gl, p_view);
+      Light bright;
+      bright.ambient = 0.55;
+      const auto light = bright.Apply(p_gl);
+      DrawStems(p_gl, p_view);
+      _painter.Draw(p_gl, _sphere, _spheres, _colors);
+      _painter.Draw(p_gl, _sphere, _key_spheres, _colors);
+      DrawSurface(p_gl);
+    }
+    DrawLegends(p_gl, p_view);
+  }
+
+private:
+  Point PlaceOf(const Quake& p_quake) const {
+    return _map.Place(p_quake.lon, p_quake.lat, -p_quake.depth * UnitsPerKilometre);
+  }
+
+  std::vector<Instance> Spheres() const {
+    std::vector<Instance> spheres;
+    for (const Quake& quake : _quakes)
+      if (_map.Contains(quake.lon, quake.lat))
+        spheres.push_back({PlaceOf(quake), SphereSize(quake.magnitude), ColorPlace(quake.depth), Types::Matrix3()});
+    return spheres;
+  }
+
+  /// The size of an instance is the diagonal of its box: for a sphere, its diameter times the root of 3.
+  static double SphereSize(double p_magnitude) { return Diameter(p_magnitude) * std::sqrt(3.0); }
+
+  static Point KeyPlace(int p_magnitude) { return {66.0 + 19.0 * (p_magnitude - 1), -112, BoxDepth}; }
+
+  static std::vector<Instance> KeySpheres() {
+    std::vector<Instance> spheres;
+    for (int magnitude = 2; magnitude <= 6; ++magnitude)
+      spheres.push_back({KeyPlace(magnitude), SphereSize(magnitude), ColorPlace(10), Types::Matrix3()});
+    return spheres;
+  }
+
+  /// The floor of the box and its edges.
+  void DrawBox(Utility::Scoped<Rgl>& p_gl, const View& p_view) const {
+    DrawGraticule(p_gl, _map, BoxDepth);
+    const auto guard = LineScope(p_gl, p_view, Theme::Line);
+    p_gl->Begin(RGL_LINES);
+    for (const double z : {0.0, BoxDepth}) {
+      p_gl->Vertex(_map.Place(_map.West(), _map.South(), z));
+      p_gl->Vertex(_map.Place(_map.East(), _map.South(), z));
+    }
+    for (const double lon : {_map.West(), _map.East()})
+      for (const double lat : {_map.South(), _map.North()}) {
+        p_gl->Vertex(_map.Place(lon, lat, 0));
+        p_gl->Vertex(_map.Place(lon, lat, BoxDepth));
+      }
+    for (int depth = 200; depth <= 600; depth += 200)
+      for (const double lon : {_map.West(), _map.East()}) {
+        p_gl->Vertex(_map.Place(lon, _map.South(), -depth * UnitsPerKilometre));
+        p_gl->Vertex(_map.Place(lon, _map.North(), -depth * UnitsPerKilometre));
+      }
+    p_gl->End();
+  }
+
+  /// Deep earthquakes hang from the place on the surface that they lie below.
+  void DrawStems(Utility::Scoped<Rgl>& p_gl, const View& p_view) const {
+    const auto guard = LineScope(p_gl, p_view, QColor(255, 255, 255, 70));
+    p_gl->Begin(RGL_LINES);
+    for (const Quake& quake : _quakes)
+      if (quake.depth > 50 && _map.Contains(quake.lon, quake.lat)) {
+        p_gl->Vertex(PlaceOf(quake));
+        p_gl->Vertex(_map.Place(quake.lon, quake.lat, 0));
+      }
+    p_gl->End();
+  }
+
+  boost::shared_ptr<void> LineScope(Utility::Scoped<Rgl>& p_gl, const View& p_view, const QColor& p_color) const {
+    auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_LINE_BIT | RGL_COLOR_BUFFER_BIT);
+    p_gl->Disable(RGL_LIGHTING);
+    p_gl->Enable(RGL_BLEND);
+    p_gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, p_view.PointSize())));
+    p_gl->Color(p_color);
+    return guard;
+  }
+
+  /// Drawn last, so that the spheres below shine through.
+  void DrawSurface(Utility::Scoped<Rgl>& p_gl) const {
+    const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_COLOR_BUFFER_BIT);
+    p_gl->Enable(RGL_BLEND);
+    p_gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
+    _relief.DrawSurface(p_gl, _relief_colors);
+  }
+
+  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view) {
+    Overlay overlay(p_gl, p_view, _lettering);
+    LabelMeridians(overlay, _map, BoxDepth);
+    LabelParallels(overlay, _map, 0);
+    if (_file == "earthquakes.csv")
+      overlay.Title("A week of earthquakes", "31 January to 7 February 2018, as they lie below the surface");
+    else
+      overlay.Title("Earthquakes", _file);
+    std::vector<Overlay::Tick> ticks;
+    for (const double depth : {0.0, 10.0, 50.0, 100.0, 200.0, 400.0, 600.0})
+      ticks.push_back({ColorPlace(depth), QString::number(depth)});
+    overlay.Bar({60, 62, 520, 78}, _colors, "Depth in km", ticks);
+    const Lettering::Style style{Theme::SmallSize, Theme::Text, false};
+    for (int magnitude = 2; magnitude <= 6; ++magnitude)
+      overlay.TextAt(QString::number(magnitude), KeyPlace(magnitude), 0, -30, {0.5, 0.5}, style);
+    overlay.TextAt("Magnitude", KeyPlace(2), -30, -30, {1, 0.5}, style);
+    for (int depth = 200; depth <= 600; depth += 200)
+      overlay.TextAt(QString::number(depth) + " km", _map.Place(_map.East(), _map.South(), -depth * UnitsPerKilometre),
+                     10, 0, {0, 0.5}, {Theme::SmallSize, Theme::Faint, false});
+  }
+
+  MapFrame _map{-25, 335, -70, 84}; ///< the Pacific with its rim of earthquakes in the middle
+  std::vector<Quake> _quakes;
+  QString _file;
+  Relief _relief;
+  InstancePainter _painter;
+  InstanceBuffers _spheres;
+  InstanceBuffers _key_spheres;
+  Mesh _sphere;
+  ColorMap _colors{Palettes::Plasma(0.97, 0.2), ColorMap::Interpolated};
+  ColorMap _relief_colors = Relief::MutedColors(0.45, 1.7);
+  Lettering _lettering;
+};
+
+} // namespace
+
+std::unique_ptr<Scene> MakeEarthquakes(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs) {
+  return std::make_unique<EarthquakesScene>(p_gl, p_inputs);
+}
+
+} // namespace Vek::Chart::Gallery
