@@ -10,5 +10,6 @@ namespace Vek::Chart::Gallery {
 std::unique_ptr<Scene> MakeWind(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeSymbols(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeEarthquakes(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+std::unique_ptr<Scene> MakeAtlas(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 
 } // namespace Vek::Chart::Gallery

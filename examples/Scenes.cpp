@@ -19,6 +19,11 @@ const std::vector<SceneEntry>& Scenes() {
        "depth, "
        "all of them instances of one model.",
        "examples/Earthquakes.cpp", MakeEarthquakes},
+      {"atlas",
+       "A chart in the colours of one texture: drawn three times from the same vertices, once in the atlas's own "
+       "colours and "
+       "twice moved onto instances with replaced colours. Below, the ColorAtlas itself, enlarged.",
+       "examples/Atlas.cpp", MakeAtlas},
   };
   return scenes;
 }

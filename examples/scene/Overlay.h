@@ -41,6 +41,8 @@ public:
   /// The size of the view in points.
   double Width() const { return _width; }
   double Height() const { return 1000; }
+  /// Pixels that make one point.
+  double PointSize() const { return _point; }
 
   void Fill(const Rect& p_rect, const QColor& p_lower, const QColor& p_upper);
   void Fill(const Rect& p_rect, const QColor& p_color) { Fill(p_rect, p_color, p_color); }
