@@ -143,8 +143,8 @@ public:
 
   Camera StartCamera() const override {
     Camera camera;
-    camera.target = {7.0, 0, -3.1};
-    camera.azimuth = -9;
+    camera.target = {6.9, 0, -2.8};
+    camera.azimuth = -3.5;
     camera.elevation = 15;
     camera.field_of_view = 12;
     camera.distance = 57;
