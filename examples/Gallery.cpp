@@ -75,7 +75,7 @@ int main(int argc, char** argv) {
       std::fputs(HelpText().c_str(), stdout);
       return 0;
     }
-    const OffscreenQt qt;
+    StartOffscreenQt();
     MakeGallery(options);
     return 0;
   } catch (const UsageError& error) {

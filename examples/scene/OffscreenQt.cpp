@@ -1,27 +1,35 @@
 #include "examples/scene/OffscreenQt.h"
 
+#include <QGuiApplication>
+
+#include <array>
 #include <cstdio>
 
 namespace Vek::Chart::Gallery {
 
 namespace {
 
-/// Readies the environment, and keeps to itself what Qt says about lacking a desktop; errors end the program anyway.
-int& Prepared(int& p_argc) {
+QGuiApplication* MakeApplication() {
+  static int argc = 1;
+  static std::array<char, 8> name{'g', 'a', 'l', 'l', 'e', 'r', 'y', '\0'};
+  static std::array<char*, 2> argv{name.data(), nullptr};
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
     qputenv("QT_QPA_PLATFORM", "offscreen");
+  // What Qt says about the lack of a desktop is of no use here; with an error it ends the program.
   qInstallMessageHandler([](QtMsgType p_type, const QMessageLogContext&, const QString& p_text) {
     if (p_type == QtFatalMsg || p_type == QtCriticalMsg)
       std::fprintf(stderr, "%s\n", qPrintable(p_text));
   });
-  return p_argc;
+  QGuiApplication* const application = new QGuiApplication(argc, argv.data());
+  qInstallMessageHandler(nullptr);
+  return application;
 }
 
 } // namespace
 
-OffscreenQt::OffscreenQt()
-    : _application(Prepared(_argc), _argv.data()) {
-  qInstallMessageHandler(nullptr);
+void StartOffscreenQt() {
+  static const QGuiApplication* const application = MakeApplication();
+  static_cast<void>(application);
 }
 
 } // namespace Vek::Chart::Gallery

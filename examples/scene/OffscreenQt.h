@@ -1,22 +1,10 @@
 #pragma once
 
-#include <QGuiApplication>
-
-#include <array>
-
 namespace Vek::Chart::Gallery {
 
-/// The application object that Qt's fonts need, for a program without windows: unless the environment says otherwise,
-/// Qt uses no display. One at a time.
-class OffscreenQt {
-public:
-  OffscreenQt();
-
-private:
-  int _argc = 1;
-  std::array<char, 8> _name{'g', 'a', 'l', 'l', 'e', 'r', 'y', '\0'};
-  std::array<char*, 2> _argv{_name.data(), nullptr};
-  QGuiApplication _application;
-};
+/// Makes the application object that Qt's fonts need, for a program without windows: unless the environment says
+/// otherwise, Qt uses no display. The first call counts; the object stays until the process ends, since the plugin for
+/// screens that do not exist loses memory when it is taken down.
+void StartOffscreenQt();
 
 } // namespace Vek::Chart::Gallery

@@ -28,11 +28,7 @@ namespace fs = std::filesystem;
 /// Text on pictures needs Qt's fonts.
 class QtEnvironment : public testing::Environment {
 public:
-  void SetUp() override { _qt = std::make_unique<OffscreenQt>(); }
-  void TearDown() override { _qt.reset(); }
-
-private:
-  std::unique_ptr<OffscreenQt> _qt;
+  void SetUp() override { StartOffscreenQt(); }
 };
 const testing::Environment* const qt = testing::AddGlobalTestEnvironment(new QtEnvironment);
 
