@@ -1,12 +1,10 @@
 #include "library/private/SharedArray.h"
 
+#include "library/private/HugePages.h"
+
 #include <cstdlib>
 #include <limits>
 #include <new>
-
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
 
 namespace Vek::Chart::Library::Private {
 
@@ -18,18 +16,13 @@ constexpr std::size_t HugePageBytes = std::size_t(2) << 20;
 constexpr std::size_t SmallestHugeBlock = 2 * HugePageBytes;
 
 void* NewBlock(std::size_t p_bytes) {
-  void* block = nullptr;
-#if defined(__linux__)
-  if (p_bytes >= SmallestHugeBlock) {
-    const std::size_t whole_pages = (p_bytes + HugePageBytes - 1) / HugePageBytes * HugePageBytes;
-    block = std::aligned_alloc(HugePageBytes, whole_pages);
-    if (block != nullptr)
-      madvise(block, whole_pages, MADV_HUGEPAGE); // advice: nothing is lost when it is not taken
-  } else
-#endif
-    block = std::malloc(p_bytes);
+  const bool huge = p_bytes >= SmallestHugeBlock;
+  const std::size_t whole_pages = (p_bytes + HugePageBytes - 1) / HugePageBytes * HugePageBytes;
+  void* const block = huge ? std::aligned_alloc(HugePageBytes, whole_pages) : std::malloc(p_bytes);
   if (block == nullptr)
     throw std::bad_alloc();
+  if (huge)
+    AdviseHugePages(block, whole_pages);
   return block;
 }
 
