@@ -2,6 +2,7 @@
 
 #include "platform/types/Angle.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace Vek::Chart::Gallery {
@@ -14,7 +15,7 @@ MapFrame::MapFrame(double p_west, double p_east, double p_south, double p_north)
     , _scale_x(Width / (p_east - p_west))
     , _scale_y(_scale_x) {
   if (!IsGlobal())
-    _scale_y = _scale_x / std::cos(Types::Angle::FromDegrees((_south + _north) / 2).Radians());
+    _scale_y = _scale_x / std::max(0.05, std::cos(Types::Angle::FromDegrees((_south + _north) / 2).Radians()));
 }
 
 double MapFrame::Wrapped(double p_lon) const {

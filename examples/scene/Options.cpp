@@ -8,7 +8,7 @@ namespace Vek::Chart::Gallery {
 namespace {
 
 int ParseSide(const std::string& p_text) {
-  constexpr int Largest = 8192;
+  constexpr int Largest = 4096;
   int side = 0;
   const auto [end, error] = std::from_chars(p_text.data(), p_text.data() + p_text.size(), side);
   const bool whole = error == std::errc() && end == p_text.data() + p_text.size();
@@ -20,7 +20,7 @@ Types::Size ParseSize(const std::string& p_text) {
   const Types::Size size(ParseSide(p_text.substr(0, cross)),
                          ParseSide(p_text.substr(std::min(cross + 1, p_text.size()))));
   if (size.width == 0 || size.height == 0)
-    throw UsageError("--size takes WIDTHxHEIGHT with sides from 16 to 8192, not '" + p_text + "'");
+    throw UsageError("--size takes WIDTHxHEIGHT with sides from 16 to 4096, not '" + p_text + "'");
   return size;
 }
 
@@ -49,7 +49,7 @@ constexpr Option AllOptions[] = {
      [](Options& p_options, const std::string& p_value) { p_options.only.push_back(CheckedName(p_value)); }},
     {"--size", "WxH", "pixels of a picture (1600x1000)",
      [](Options& p_options, const std::string& p_value) { p_options.size = ParseSize(p_value); }},
-    {"--winds", "FILE", "winds of your own: a table with the columns lon,lat,u,v or longitude,latitude,dir,speed",
+    {"--winds", "FILE", "winds of your own: columns lon,lat,u,v or longitude,latitude,dir,speed (dir: where from)",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.winds = p_value; }},
     {"--quakes", "FILE", "earthquakes of your own: a table with the columns lon,lat,depth_km,mag",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.quakes = p_value; }},

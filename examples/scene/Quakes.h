@@ -15,8 +15,8 @@ struct Quake {
   std::string place; ///< empty when the file has no such column
 };
 
-/// Reads comma-separated values with the columns lon, lat, depth_km, mag and, optionally, place. Events whose magnitude is not given are
-/// left out. Throws InputError when the text is something else or names no event.
+/// Reads comma-separated values with the columns lon, lat, depth_km, mag and, optionally, place. Events whose magnitude
+/// is not given are left out. Throws InputError when the text is something else or names no event.
 std::vector<Quake> ReadQuakes(std::istream& p_stream, const std::string& p_name);
 std::vector<Quake> ReadQuakesFile(const std::string& p_path);
 

@@ -69,7 +69,8 @@ Library::ColorMap Relief::MutedColors(double p_opacity, double p_brightness) {
 
 void Relief::BuildSurface(const HeightField& p_heights, const MapFrame& p_map) {
   _columns = static_cast<std::size_t>(MapFrame::Width) + 1;
-  _rows = static_cast<std::size_t>(std::ceil(p_map.Height())) + 1;
+  // A narrow strip from pole to pole is not followed in all its length.
+  _rows = static_cast<std::size_t>(std::clamp(std::ceil(p_map.Height()), 1.0, 4 * MapFrame::Width)) + 1;
   std::vector<Record> positions;
   std::vector<Record> normals;
   std::vector<float> colors;

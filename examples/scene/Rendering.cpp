@@ -7,7 +7,11 @@ namespace Vek::Chart::Gallery {
 namespace {
 
 constexpr int Oversampling = 2;
-constexpr int Samples = 4;
+
+/// Samples a pixel of the large picture; a poster's would take gigabytes.
+int Samples(Types::Size p_size) {
+  return static_cast<long>(p_size.width) * p_size.height <= 4'000'000 ? 4 : 0;
+}
 
 std::string Escaped(const std::string& p_text) {
   std::string result;
@@ -35,7 +39,7 @@ std::string Escaped(const std::string& p_text) {
 
 QImage RenderScene(const SceneEntry& p_entry, const Inputs& p_inputs, Types::Size p_size) {
   const Types::Size large(p_size.width * Oversampling, p_size.height * Oversampling);
-  Ogl::OffscreenContext context(large, Samples);
+  Ogl::OffscreenContext context(large, Samples(p_size));
   QImage image;
   {
     Utility::Scoped<Rgl> gl(context.Handle());

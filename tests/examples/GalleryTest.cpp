@@ -219,6 +219,18 @@ TEST(WindPixels, ArrowsPointWhereTheWindGoes) {
   }
 }
 
+TEST(WindPixels, NarrowStripsAndPolarWindsAreDrawn) {
+  const TemporaryFolder folder;
+  for (const char* rows :
+       {"0,-80,5,0\n0,80,5,0\n0.001,-80,5,0\n0.001,80,5,0\n", "0,89.9,0,0\n0,90,0,0\n1,89.9,0,0\n1,90,0,0\n"}) {
+    Inputs inputs = DataInputs();
+    inputs.winds = folder.Write("wind.csv", std::string("lon,lat,u,v\n") + rows);
+    const Vek::Test::ReportCapture reports;
+    EXPECT_EQ(RenderScene(Entry("wind"), inputs, Small).size(), QSize(480, 300)) << rows;
+    EXPECT_EQ(reports.Texts(), std::vector<std::string>{}) << rows;
+  }
+}
+
 TEST(SymbolsPixels, EachCellShowsItsModel) {
   Inputs with_model = DataInputs();
   with_model.model = with_model.symbols + "/Cube.obj";
