@@ -211,10 +211,12 @@ TEST(WindPixels, ArrowsPointWhereTheWindGoes) {
         if (qRed(shot.image.pixel(shot.At({0, 0, 1}) + QPoint(x, y))) > 190)
           along.push_back(x * row.right - y * row.up);
     ASSERT_GT(along.size(), 60u) << row.name;
-    const auto [first, last] = std::minmax_element(along.begin(), along.end());
-    const int third = (*last - *first) / 3;
-    const auto tail = std::count_if(along.begin(), along.end(), [&](int p_at) { return p_at <= *first + third; });
-    const auto head = std::count_if(along.begin(), along.end(), [&](int p_at) { return p_at >= *last - third; });
+    const auto ends = std::minmax_element(along.begin(), along.end());
+    const int first = *ends.first;
+    const int last = *ends.second;
+    const int third = (last - first) / 3;
+    const auto tail = std::count_if(along.begin(), along.end(), [&](int p_at) { return p_at <= first + third; });
+    const auto head = std::count_if(along.begin(), along.end(), [&](int p_at) { return p_at >= last - third; });
     EXPECT_GT(head * 5, tail * 6) << row.name << ": head " << head << ", tail " << tail;
   }
 }
