@@ -1,5 +1,6 @@
 #include "library/RenderTexture.h"
 
+#include "library/private/PixelStore.h"
 #include "platform/debug/Check.h"
 #include "platform/ogl/Guard.h"
 
@@ -49,9 +50,9 @@ std::string StatusName(GlEnum p_status) {
   }
 }
 
-void CheckComplete(Utility::Scoped<Rgl>& p_gl, Types::Size p_size, int p_samples) {
+bool CheckComplete(Utility::Scoped<Rgl>& p_gl, Types::Size p_size, int p_samples) {
   const GlEnum status = p_gl->CheckFramebufferStatus(RGL_FRAMEBUFFER);
-  VEK_ENSURE_TEXT(
+  return VEK_ENSURE_TEXT(
       status == RGL_FRAMEBUFFER_COMPLETE,
       "status == RGL_FRAMEBUFFER_COMPLETE && \"" + StatusName(status) + ", " + std::to_string(p_size.width) + " x " +
           std::to_string(p_size.height) + ", " + std::to_string(p_samples) + " samples\"",
@@ -59,17 +60,27 @@ void CheckComplete(Utility::Scoped<Rgl>& p_gl, Types::Size p_size, int p_samples
       "Vek::Chart::Library::RenderTexture::ColorFormat,enum Vek::Chart::Library::RenderTexture::Space,int)");
 }
 
-boost::shared_ptr<Ogl::Texture> MakeTexture(Utility::Scoped<Rgl>& p_gl, Types::Size p_size, GlEnum p_internal,
-                                            GlEnum p_format, GlEnum p_type, GlEnum p_filter) {
+/// Brings the texture of the active unit back. Not through the attribute stack: that would bring back the settings of
+/// the bound textures as well, which may be ours.
+boost::shared_ptr<void> TextureScope(Utility::Scoped<Rgl>& p_gl) {
+  const boost::shared_ptr<Rgl> gl = p_gl.Handle().Object();
+  int before = 0;
+  gl->GetIntegerv(RGL_TEXTURE_BINDING_2D, &before);
+  return Ogl::MakeGuard([gl, before] { gl->BindTexture(RGL_TEXTURE_2D, static_cast<unsigned int>(before)); });
+}
+
+void SetParameter(Utility::Scoped<Rgl>& p_gl, GlEnum p_name, GlEnum p_value) {
+  p_gl->TexParameteri(RGL_TEXTURE_2D, p_name, static_cast<int>(p_value));
+}
+
+boost::shared_ptr<Ogl::Texture> MakeTexture(Utility::Scoped<Rgl>& p_gl, GlEnum p_filter) {
   const boost::shared_ptr<Ogl::Texture> texture = p_gl->GenTexture();
   p_gl->Bind(texture, Rgl::Sampler2D);
-  p_gl->TexImage2D(RGL_TEXTURE_2D, 0, static_cast<int>(p_internal), p_size.width, p_size.height, 0, p_format, p_type,
-                   nullptr);
-  for (const GlEnum filter : {RGL_TEXTURE_MIN_FILTER, RGL_TEXTURE_MAG_FILTER})
-    p_gl->TexParameteri(RGL_TEXTURE_2D, filter, static_cast<int>(p_filter));
-  for (const GlEnum wrap : {RGL_TEXTURE_WRAP_S, RGL_TEXTURE_WRAP_T})
-    p_gl->TexParameteri(RGL_TEXTURE_2D, wrap, static_cast<int>(RGL_CLAMP_TO_EDGE));
-  p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_MAX_LEVEL, 0);
+  SetParameter(p_gl, RGL_TEXTURE_MIN_FILTER, p_filter);
+  SetParameter(p_gl, RGL_TEXTURE_MAG_FILTER, p_filter);
+  SetParameter(p_gl, RGL_TEXTURE_WRAP_S, RGL_CLAMP_TO_EDGE);
+  SetParameter(p_gl, RGL_TEXTURE_WRAP_T, RGL_CLAMP_TO_EDGE);
+  SetParameter(p_gl, RGL_TEXTURE_MAX_LEVEL, 0);
   return texture;
 }
 
@@ -85,24 +96,19 @@ boost::shared_ptr<Ogl::RenderBuffer> MakeSamples(Utility::Scoped<Rgl>& p_gl, Typ
   return buffer;
 }
 
-/// Tight rows into memory of ours, whatever the host has set.
-boost::shared_ptr<void> PackScope(Utility::Scoped<Rgl>& p_gl) {
-  const boost::shared_ptr<Rgl> gl = p_gl.Handle().Object();
-  gl->PushClientAttrib(RGL_CLIENT_PIXEL_STORE_BIT);
-  gl->BindBuffer(RGL_PIXEL_PACK_BUFFER, 0);
-  gl->PixelStorei(RGL_PACK_ALIGNMENT, 1);
-  for (const GlEnum none : {RGL_PACK_ROW_LENGTH, RGL_PACK_SKIP_ROWS, RGL_PACK_SKIP_PIXELS})
-    gl->PixelStorei(none, 0);
-  return Ogl::MakeGuard([gl] { gl->PopClientAttrib(); });
-}
-
 } // namespace
 
 struct RenderTexture::State {
-  Types::Size size;
-  FormatRow format;
-  Space space;
-  int samples;
+  State(Types::Size p_size, ColorFormat p_format, Space p_space, int p_samples)
+      : size(p_size)
+      , format(Formats[p_format < Formats.size() ? p_format : Rgba8])
+      , space(p_space)
+      , samples(p_samples) {}
+
+  const Types::Size size;
+  const FormatRow format;
+  const Space space;
+  int samples; ///< as asked for; once made, as it is
 
   boost::shared_ptr<Ogl::Texture> color;
   boost::shared_ptr<Ogl::Texture> depth;
@@ -110,13 +116,14 @@ struct RenderTexture::State {
   boost::shared_ptr<Ogl::RenderBuffer> color_samples; ///< these three only with samples
   boost::shared_ptr<Ogl::RenderBuffer> depth_samples;
   boost::shared_ptr<Ogl::FrameBufferObject> sampled_target;
+  bool complete = false; ///< whether there is anything to read
 
   GlEnum InternalFormat() const { return space == Srgb ? format.internal_srgb : format.internal; }
-  std::size_t Pixels() const {
-    return static_cast<std::size_t>(std::max(size.width, 0)) * static_cast<std::size_t>(std::max(size.height, 0));
-  }
+  /// Of a complete target.
+  std::size_t Pixels() const { return static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height); }
 
   void Make(Utility::Scoped<Rgl>& p_gl);
+  void MakeTextures(Utility::Scoped<Rgl>& p_gl, bool p_fits);
   void MakeSampled(Utility::Scoped<Rgl>& p_gl);
   void Resolve(Utility::Scoped<Rgl>& p_gl);
   /// Makes the objects if need be, and brings the textures up to date.
@@ -129,17 +136,32 @@ struct RenderTexture::State {
 void RenderTexture::State::Make(Utility::Scoped<Rgl>& p_gl) {
   if (target)
     return;
-  const boost::shared_ptr<void> textures = p_gl->PushAttribScope(RGL_TEXTURE_BIT);
-  color = MakeTexture(p_gl, size, InternalFormat(), format.channels, format.type, RGL_LINEAR);
-  depth = MakeTexture(p_gl, size, RGL_DEPTH24_STENCIL8, RGL_DEPTH_STENCIL, RGL_UNSIGNED_INT_24_8, RGL_NEAREST);
+  // A texture of a size that GL refuses stays without an image, so that the frame buffer says what is the matter.
+  const bool fits = size.width > 0 && size.height > 0 && std::max(size.width, size.height) <= p_gl->GetMaxTextureSize();
+  MakeTextures(p_gl, fits);
   target = p_gl->GenFrameBufferObject();
   {
     const boost::shared_ptr<void> bound = p_gl->BindScope(target);
     p_gl->FramebufferTexture2D(RGL_FRAMEBUFFER, RGL_COLOR_ATTACHMENT0, RGL_TEXTURE_2D, color->Name(), 0);
     p_gl->FramebufferTexture2D(RGL_FRAMEBUFFER, RGL_DEPTH_STENCIL_ATTACHMENT, RGL_TEXTURE_2D, depth->Name(), 0);
-    CheckComplete(p_gl, size, 0);
+    complete = CheckComplete(p_gl, size, 0) && fits;
   }
-  MakeSampled(p_gl);
+  if (complete)
+    MakeSampled(p_gl);
+}
+
+void RenderTexture::State::MakeTextures(Utility::Scoped<Rgl>& p_gl, bool p_fits) {
+  const boost::shared_ptr<void> texture = TextureScope(p_gl);
+  const boost::shared_ptr<void> unpacking = Private::UnpackScope(p_gl); // a bound pixel buffer would be read
+  const auto allocate = [&](GlEnum p_internal, GlEnum p_format, GlEnum p_type) {
+    if (p_fits)
+      p_gl->TexImage2D(RGL_TEXTURE_2D, 0, static_cast<int>(p_internal), size.width, size.height, 0, p_format, p_type,
+                       nullptr);
+  };
+  color = MakeTexture(p_gl, RGL_LINEAR);
+  allocate(InternalFormat(), format.channels, format.type);
+  depth = MakeTexture(p_gl, RGL_NEAREST);
+  allocate(RGL_DEPTH24_STENCIL8, RGL_DEPTH_STENCIL, RGL_UNSIGNED_INT_24_8);
 }
 
 void RenderTexture::State::MakeSampled(Utility::Scoped<Rgl>& p_gl) {
@@ -149,11 +171,16 @@ void RenderTexture::State::MakeSampled(Utility::Scoped<Rgl>& p_gl) {
   samples = std::min(samples, most);
   if (samples <= 0)
     return;
-  sampled_target = p_gl->GenFrameBufferObject();
-  const boost::shared_ptr<void> bound = p_gl->BindScope(sampled_target);
+  const boost::shared_ptr<Ogl::FrameBufferObject> sampled = p_gl->GenFrameBufferObject();
+  const boost::shared_ptr<void> bound = p_gl->BindScope(sampled);
   color_samples = MakeSamples(p_gl, size, samples, InternalFormat(), RGL_COLOR_ATTACHMENT0);
   depth_samples = MakeSamples(p_gl, size, samples, RGL_DEPTH24_STENCIL8, RGL_DEPTH_STENCIL_ATTACHMENT);
-  CheckComplete(p_gl, size, samples);
+  if (CheckComplete(p_gl, size, samples)) {
+    sampled_target = sampled;
+  } else {
+    color_samples.reset();
+    depth_samples.reset();
+  }
 }
 
 void RenderTexture::State::Resolve(Utility::Scoped<Rgl>& p_gl) {
@@ -162,14 +189,15 @@ void RenderTexture::State::Resolve(Utility::Scoped<Rgl>& p_gl) {
   const boost::shared_ptr<void> bound = p_gl->BindScope(sampled_target);
   const boost::shared_ptr<void> enables = p_gl->PushAttribScope(RGL_ENABLE_BIT);
   p_gl->Disable(RGL_SCISSOR_TEST); // it would cut the copy
+  if (space == Srgb && p_gl->Features().Supported(Ogl::DeviceFeatures::FeatureSrgbFrameBuffer))
+    p_gl->Enable(RGL_FRAMEBUFFER_SRGB); // samples are averaged as light
   p_gl->BindFramebuffer(RGL_DRAW_FRAMEBUFFER, target->Name());
   p_gl->BlitFramebuffer(0, 0, size.width, size.height, 0, 0, size.width, size.height,
                         RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT, RGL_NEAREST);
 }
 
 RenderTexture::RenderTexture(Types::Size p_size, ColorFormat p_format, Space p_space, int p_samples)
-    : _state(new State{
-          p_size, Formats[p_format < Formats.size() ? p_format : Rgba8], p_space, p_samples, {}, {}, {}, {}, {}, {}}) {}
+    : _state(new State(p_size, p_format, p_space, p_samples)) {}
 
 Types::Size RenderTexture::Size() const {
   return _state->size;
@@ -221,39 +249,43 @@ void RenderTexture::BindDepth(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) c
 
 void RenderTexture::GenerateMips(Utility::Scoped<Rgl>& p_gl) const {
   _state->Prepare(p_gl);
-  const boost::shared_ptr<void> textures = p_gl->PushAttribScope(RGL_TEXTURE_BIT);
+  if (!_state->complete)
+    return;
+  const boost::shared_ptr<void> texture = TextureScope(p_gl);
   p_gl->Bind(_state->color, Rgl::Sampler2D);
-  p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_MAX_LEVEL, std::max(Mips().Levels() - 1, 0));
-  p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_MIN_FILTER, static_cast<int>(RGL_LINEAR_MIPMAP_LINEAR));
+  p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_MAX_LEVEL, Mips().Levels() - 1);
+  SetParameter(p_gl, RGL_TEXTURE_MIN_FILTER, RGL_LINEAR_MIPMAP_LINEAR);
   p_gl->GenerateMipmap(RGL_TEXTURE_2D);
 }
 
 QImage RenderTexture::ToImage(Utility::Scoped<Rgl>& p_gl) const {
   const boost::shared_ptr<void> bound = BindForRead(p_gl);
-  const boost::shared_ptr<void> packing = PackScope(p_gl);
+  if (!_state->complete)
+    return {};
   QImage image(_state->size.width, _state->size.height, QImage::Format_RGBA8888);
-  if (image.isNull())
+  if (image.isNull()) // no memory
     return image;
-  image.fill(0); // where GL reads nothing
-  p_gl->ReadPixels(0, 0, _state->size.width, _state->size.height, RGL_RGBA, RGL_UNSIGNED_BYTE, image.bits());
+  const boost::shared_ptr<void> packing = Private::PackScope(p_gl);
+  p_gl->ReadPixels(0, 0, image.width(), image.height(), RGL_RGBA, RGL_UNSIGNED_BYTE, image.bits());
   return image.mirrored().convertToFormat(QImage::Format_ARGB32);
 }
 
 std::vector<float> RenderTexture::ReadColors(Utility::Scoped<Rgl>& p_gl) const {
-  const boost::shared_ptr<void> bound = BindForRead(p_gl);
-  const boost::shared_ptr<void> packing = PackScope(p_gl);
-  std::vector<float> values(_state->Pixels() * _state->format.channel_count);
-  if (!values.empty())
-    p_gl->ReadPixels(0, 0, _state->size.width, _state->size.height, _state->format.channels, RGL_FLOAT, values.data());
-  return values;
+  return ReadFloats(p_gl, _state->format.channels, _state->format.channel_count);
 }
 
 std::vector<float> RenderTexture::ReadDepths(Utility::Scoped<Rgl>& p_gl) const {
+  return ReadFloats(p_gl, RGL_DEPTH_COMPONENT, 1);
+}
+
+std::vector<float> RenderTexture::ReadFloats(Utility::Scoped<Rgl>& p_gl, Ogl::GlEnum p_format,
+                                             std::size_t p_count) const {
   const boost::shared_ptr<void> bound = BindForRead(p_gl);
-  const boost::shared_ptr<void> packing = PackScope(p_gl);
-  std::vector<float> values(_state->Pixels());
-  if (!values.empty())
-    p_gl->ReadPixels(0, 0, _state->size.width, _state->size.height, RGL_DEPTH_COMPONENT, RGL_FLOAT, values.data());
+  if (!_state->complete)
+    return {};
+  std::vector<float> values(_state->Pixels() * p_count);
+  const boost::shared_ptr<void> packing = Private::PackScope(p_gl);
+  p_gl->ReadPixels(0, 0, _state->size.width, _state->size.height, p_format, RGL_FLOAT, values.data());
   return values;
 }
 

@@ -10,6 +10,7 @@
 
 #include <QImage>
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -18,8 +19,8 @@ namespace Vek::Chart::Library {
 /// An off-screen target: a colour texture and a depth-stencil texture (24 + 8 bits) of one size in a frame-buffer
 /// object.
 ///
-/// With samples, drawing goes to multisampled storage beside the textures; every access that reads resolves it first,
-/// so it must not happen between Begin and End.
+/// With samples, drawing goes to multisampled storage beside the textures; every access that reads resolves it first.
+/// What is drawn under BindForRead goes to the textures only, and is lost at the next resolve.
 ///
 ///     RenderTexture target({640, 480}, RenderTexture::Rgba8, RenderTexture::Linear, 4);
 ///     {
@@ -28,9 +29,14 @@ namespace Vek::Chart::Library {
 ///     }                                            // what was bound before is bound again
 ///     target.BindColor(gl, RGL_TEXTURE0);
 ///
-/// GL objects are made by the first operation that takes a scope. They are shared by copies, and their last holder must
-/// let go while that context is current. A frame buffer that GL finds incomplete is reported with the name of the
-/// status.
+/// GL objects are made by the first operation that takes a scope, in a context that knows frame-buffer objects. They
+/// are shared by copies, and their last holder must let go while that context is current. Apart from what an operation
+/// says it binds, the host's state stays as it was, pixel store settings included.
+///
+/// A frame buffer that GL finds incomplete, for a size of 0 or one beyond the device's limit, say, is reported with the
+/// status by name: "status == RGL_FRAMEBUFFER_COMPLETE && "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT, 0 x 3, 0 samples"". It
+/// can be bound, but GL refuses to draw to it, and reading yields an empty result. When only the multisampled storage
+/// is incomplete, drawing goes on without samples.
 class VEK_LIBRARY_API RenderTexture {
 public:
   enum ColorFormat : std::uint32_t {
@@ -70,7 +76,8 @@ public:
   /// Computes all levels of the colour texture from what was drawn, and lets minification use them from now on.
   void GenerateMips(Utility::Scoped<Rgl>& p_gl) const;
 
-  /// The colours as bytes, the top row first, format ARGB32; sRGB colours as stored.
+  /// The colours as bytes, the top row first, format ARGB32; sRGB colours as stored, floats held to 0 and 1, the format
+  /// Float as red.
   QImage ToImage(Utility::Scoped<Rgl>& p_gl) const;
   /// The colours of all pixels, the bottom row first: four floats a pixel, one for the format Float.
   std::vector<float> ReadColors(Utility::Scoped<Rgl>& p_gl) const;
@@ -78,6 +85,8 @@ public:
   std::vector<float> ReadDepths(Utility::Scoped<Rgl>& p_gl) const;
 
 private:
+  std::vector<float> ReadFloats(Utility::Scoped<Rgl>& p_gl, Ogl::GlEnum p_format, std::size_t p_count) const;
+
   struct State;
   boost::shared_ptr<State> _state;
 };

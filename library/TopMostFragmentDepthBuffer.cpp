@@ -1,6 +1,7 @@
 #include "library/TopMostFragmentDepthBuffer.h"
 
 #include "library/RenderTexture.h"
+#include "library/private/PixelStore.h"
 #include "library/private/Truncate.h"
 #include "platform/ogl/HitRecord.h"
 
@@ -48,7 +49,10 @@ bool TopMostFragmentDepthBuffer::GetDepthAt(Utility::Scoped<Rgl>& p_gl, Types::V
   }
 
   boost::array<unsigned char, 4> bytes{{0, 0, 0, 0}};
-  p_gl->ReadPixels(p_position.x, p_position.y, 1, 1, RGL_RGBA, RGL_UNSIGNED_BYTE, bytes.data());
+  {
+    const boost::shared_ptr<void> packing = Private::PackScope(p_gl);
+    p_gl->ReadPixels(p_position.x, p_position.y, 1, 1, RGL_RGBA, RGL_UNSIGNED_BYTE, bytes.data());
+  }
   p_gl->CheckError("bool __cdecl Vek::Chart::Library::TopMostFragmentDepthBuffer::GetDepthAt(class "
                    "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &,const class "
                    "Vek::Chart::Types::Viewport<0>,const class Vek::Chart::Types::Pos &,const class "

@@ -38,8 +38,9 @@ public:
   /// `p_stamp`: the scene's; `p_render` is called when it differs from the last one, and when the size changed.
   /// `p_render`: draws the scene with the state that it finds (depth test on, stencil test off, viewport set), writing
   /// `DepthCodec::Encode` of each fragment's depth as RGBA. The host's scissor, blending, dithering, multisampling and
-  /// alpha test would spoil the packing: the callback must switch off what the host has on. When it throws, nothing is
-  /// kept and the next pick draws again.
+  /// alpha test would spoil the packing: the callback must switch off what the host has on. The target is cleared
+  /// before, under the host's scissor and write masks: with those in use, the callback clears again. When it throws,
+  /// the stamp is not taken over, so that the next pick with it draws again.
   ///
   /// Frame buffer, colour-buffer, enable and viewport state are as before when the call returns or throws. GL errors go
   /// to Rgl::CheckError.

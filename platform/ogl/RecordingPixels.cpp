@@ -143,6 +143,7 @@ std::optional<Model::PixelLayout> Model::Layout(const std::string& p_call, bool 
   const std::size_t alignment = stored(p_unpack ? RGL_UNPACK_ALIGNMENT : RGL_PACK_ALIGNMENT);
   const std::size_t skip_rows = stored(p_unpack ? RGL_UNPACK_SKIP_ROWS : RGL_PACK_SKIP_ROWS);
   const std::size_t skip_pixels = stored(p_unpack ? RGL_UNPACK_SKIP_PIXELS : RGL_PACK_SKIP_PIXELS);
+  const std::size_t skip_images = p_call == "TexImage3D" ? stored(RGL_UNPACK_SKIP_IMAGES) : 0;
   const auto width = static_cast<std::size_t>(p_width);
   const auto height = static_cast<std::size_t>(p_height);
   const auto depth = static_cast<std::size_t>(p_depth);
@@ -150,7 +151,7 @@ std::optional<Model::PixelLayout> Model::Layout(const std::string& p_call, bool 
   layout.row_bytes = width * pixel;
   layout.row_stride = ((row_length == 0 ? width : row_length) * pixel + alignment - 1) / alignment * alignment;
   layout.image_stride = (image_height == 0 ? height : image_height) * layout.row_stride;
-  layout.first = skip_rows * layout.row_stride + skip_pixels * pixel;
+  layout.first = skip_images * layout.image_stride + skip_rows * layout.row_stride + skip_pixels * pixel;
   const bool empty = width == 0 || height == 0 || depth == 0;
   layout.end =
       empty ? 0

@@ -100,6 +100,7 @@ constexpr StateVariable g_variables[] = {
     Client(RGL_UNPACK_SKIP_PIXELS, g_pixels),
     Client(RGL_UNPACK_SWAP_BYTES, g_pixels),
     Client(RGL_UNPACK_IMAGE_HEIGHT, g_pixels),
+    Client(RGL_UNPACK_SKIP_IMAGES, g_pixels),
     Client(RGL_PACK_ALIGNMENT, g_pixels, 4),
     Client(RGL_PACK_ROW_LENGTH, g_pixels),
     Client(RGL_PACK_SKIP_ROWS, g_pixels),

@@ -1,0 +1,407 @@
+#include "library/RenderTexture.h"
+
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace Vek::Chart;
+using Library::MipInfo;
+using Library::RenderTexture;
+using Vek::Test::Lines;
+using Vek::Test::ReportCapture;
+using Vek::Test::SameColor;
+
+namespace {
+
+using Scope = Utility::Scoped<Rgl>;
+using Floats = std::vector<float>;
+
+std::string Incomplete(const std::string& p_status) {
+  return "\"status == RGL_FRAMEBUFFER_COMPLETE && \"" + p_status +
+         "\"\" - __cdecl Vek::Chart::Library::RenderTexture::RenderTexture(class Vek::Chart::Types::Size,enum "
+         "Vek::Chart::Library::RenderTexture::ColorFormat,enum Vek::Chart::Library::RenderTexture::Space,int)";
+}
+
+int Integer(Scope& p_gl, Ogl::GlEnum p_name) {
+  int value = -1;
+  p_gl->GetIntegerv(p_name, &value);
+  return value;
+}
+
+/// Clears the whole target, with floats that a QColor could not hold.
+void Fill(Scope& p_gl, const RenderTexture& p_target, const std::array<float, 4>& p_color) {
+  const boost::shared_ptr<void> bound = p_target.BindForDraw(p_gl);
+  p_gl->ClearColor(p_color[0], p_color[1], p_color[2], p_color[3]);
+  p_gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+}
+
+/// A white rectangle, in pixels of the target, at depth 0.25.
+void DrawRectangle(Scope& p_gl, const RenderTexture& p_target, double p_left, double p_bottom, double p_right,
+                   double p_top) {
+  const boost::shared_ptr<void> bound = p_target.BindForDraw(p_gl);
+  const boost::shared_ptr<void> enables = p_gl->PushAttribScope(RGL_ENABLE_BIT);
+  p_gl->Enable(RGL_DEPTH_TEST);
+  p_gl->PushMatrix();
+  p_gl->LoadIdentity();
+  p_gl->Ortho(0, p_target.Size().width, 0, p_target.Size().height, -1, 1);
+  p_gl->Color(Qt::white);
+  p_gl->Begin(RGL_QUADS);
+  p_gl->Vertex(p_left, p_bottom, 0.5);
+  p_gl->Vertex(p_right, p_bottom, 0.5);
+  p_gl->Vertex(p_right, p_top, 0.5);
+  p_gl->Vertex(p_left, p_top, 0.5);
+  p_gl->End();
+  p_gl->PopMatrix();
+}
+
+class RenderTextureCalls : public Vek::Test::RecordingFixture {};
+class RenderTexturePixels : public Vek::Test::PixelFixture {};
+
+TEST(MipInfo, HalvesDownToOneTexel) {
+  struct Case {
+    Types::Size size;
+    std::vector<Types::Size> levels;
+  };
+  const Case cases[] = {
+      {{5, 3}, {{5, 3}, {2, 1}, {1, 1}}},
+      {{1, 9}, {{1, 9}, {1, 4}, {1, 2}, {1, 1}}},
+      {{1, 1}, {{1, 1}}},
+      {{0, 3}, {}},
+      {{7, -1}, {}},
+      {{2147483647, 1}, {{2147483647, 1}, {1073741823, 1}}},
+  };
+  for (const Case& row : cases) {
+    SCOPED_TRACE(std::to_string(row.size.width) + " x " + std::to_string(row.size.height));
+    const MipInfo mips(row.size);
+    for (std::size_t level = 0; level < row.levels.size(); ++level)
+      EXPECT_EQ(mips.LevelSize(static_cast<int>(level)), row.levels[level]) << level;
+    if (row.size.width == 2147483647)
+      continue; // and 29 more
+    EXPECT_EQ(mips.Levels(), static_cast<int>(row.levels.size()));
+    EXPECT_EQ(mips.LevelSize(mips.Levels()), Types::Size());
+    EXPECT_EQ(mips.LevelSize(-1), Types::Size());
+  }
+  EXPECT_EQ(MipInfo({2147483647, 1}).Levels(), 31);
+}
+
+TEST_F(RenderTextureCalls, MakesItsObjectsOnceAndRestoresWhatWasBound) {
+  Scope gl(recorder.Handle());
+  const RenderTexture target({9, 3});
+  EXPECT_EQ(target.Size(), Types::Size(9, 3));
+  EXPECT_EQ(recorder.Lines(), Lines());
+
+  const Lines quiet = {"GetIntegerv", "PixelStorei", "TexParameteri"};
+  {
+    const boost::shared_ptr<void> bound = target.BindForRead(gl);
+    EXPECT_EQ(Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING), 4001);
+    EXPECT_EQ(Integer(gl, RGL_READ_FRAMEBUFFER_BINDING), 4001);
+  }
+  EXPECT_EQ(recorder.LinesWithout(quiet),
+            (Lines{"PushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT)",
+                   "BindBuffer(GL_PIXEL_UNPACK_BUFFER, 0)",
+                   "GenTextures(1, [1001])",
+                   "BindTexture(GL_TEXTURE_2D, 1001)",
+                   "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, null)",
+                   "GenTextures(1, [1002])",
+                   "BindTexture(GL_TEXTURE_2D, 1002)",
+                   "TexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH24_STENCIL8, 9, 3, 0, GL_DEPTH_STENCIL, "
+                   "GL_UNSIGNED_INT_24_8, null)",
+                   "PopClientAttrib()",
+                   "BindTexture(GL_TEXTURE_2D, 0)",
+                   "GenFramebuffers(1, [4001])",
+                   "BindFramebuffer(GL_FRAMEBUFFER, 4001)",
+                   "FramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, 1001, 0)",
+                   "FramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_STENCIL_ATTACHMENT, GL_TEXTURE_2D, 1002, 0)",
+                   "CheckFramebufferStatus(GL_FRAMEBUFFER)",
+                   "BindFramebuffer(GL_DRAW_FRAMEBUFFER, 0)",
+                   "BindFramebuffer(GL_READ_FRAMEBUFFER, 0)",
+                   "BindFramebuffer(GL_FRAMEBUFFER, 4001)",
+                   "BindFramebuffer(GL_DRAW_FRAMEBUFFER, 0)",
+                   "BindFramebuffer(GL_READ_FRAMEBUFFER, 0)"}));
+
+  recorder.Clear();
+  const RenderTexture copy = target;
+  copy.BindColor(gl, RGL_TEXTURE0 + 2);
+  copy.BindDepth(gl, RGL_TEXTURE0);
+  EXPECT_EQ(recorder.Lines(),
+            (Lines{"ActiveTexture(GL_TEXTURE2)", "BindTexture(GL_TEXTURE_2D, 1001)", "Enable(GL_TEXTURE_2D)",
+                   "ActiveTexture(GL_TEXTURE0)", "BindTexture(GL_TEXTURE_2D, 1002)", "Enable(GL_TEXTURE_2D)"}));
+}
+
+TEST_F(RenderTextureCalls, FormatsAndSpaces) {
+  struct Case {
+    const char* name;
+    unsigned int format;
+    unsigned int space;
+    std::string expected;
+  };
+  const Case cases[] = {
+      {"8 bits", 0, 0, "GL_RGBA8, 4, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE"},
+      {"8 bits, sRGB", 0, 1, "GL_SRGB8_ALPHA8, 4, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE"},
+      {"half", 1, 0, "GL_RGBA16F, 4, 2, 0, GL_RGBA, GL_FLOAT"},
+      {"float", 2, 1, "GL_RGBA32F, 4, 2, 0, GL_RGBA, GL_FLOAT"},
+      {"one channel", 3, 0, "GL_R32F, 4, 2, 0, GL_RED, GL_FLOAT"},
+      {"neither is listed", 4, 2, "GL_RGBA8, 4, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE"},
+  };
+  Scope gl(recorder.Handle());
+  for (const Case& row : cases) {
+    recorder.Clear();
+    const RenderTexture target({4, 2}, static_cast<RenderTexture::ColorFormat>(row.format),
+                               static_cast<RenderTexture::Space>(row.space));
+    target.BindForDraw(gl);
+    EXPECT_EQ(recorder.LinesOf({"TexImage2D"}).at(0), "TexImage2D(GL_TEXTURE_2D, 0, " + row.expected + ", null)")
+        << row.name;
+  }
+}
+
+TEST_F(RenderTextureCalls, SamplesAreLoweredAndResolvedBeforeReading) {
+  Scope gl(recorder.Handle());
+  recorder.SetInteger(RGL_MAX_SAMPLES, {4});
+  const RenderTexture target({9, 3}, RenderTexture::Rgba8, RenderTexture::Srgb, 16);
+  {
+    const boost::shared_ptr<void> bound = target.BindForDraw(gl);
+    EXPECT_EQ(Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING), 4002);
+  }
+  EXPECT_EQ(recorder.LinesOf({"RenderbufferStorageMultisample", "FramebufferRenderbuffer", "BlitFramebuffer"}),
+            (Lines{"RenderbufferStorageMultisample(GL_RENDERBUFFER, 4, GL_SRGB8_ALPHA8, 9, 3)",
+                   "FramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, 5001)",
+                   "RenderbufferStorageMultisample(GL_RENDERBUFFER, 4, GL_DEPTH24_STENCIL8, 9, 3)",
+                   "FramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_STENCIL_ATTACHMENT, GL_RENDERBUFFER, 5002)"}));
+  recorder.Clear();
+  target.ColorTexture(gl);
+  EXPECT_EQ(
+      recorder.LinesWithout({"GetIntegerv", "GetString"}),
+      (Lines{"BindFramebuffer(GL_FRAMEBUFFER, 4002)", "PushAttrib(GL_ENABLE_BIT)", "Disable(GL_SCISSOR_TEST)",
+             "Enable(GL_FRAMEBUFFER_SRGB)", "BindFramebuffer(GL_DRAW_FRAMEBUFFER, 4001)",
+             "BlitFramebuffer(0, 0, 9, 3, 0, 0, 9, 3, GL_DEPTH_BUFFER_BIT|GL_COLOR_BUFFER_BIT, GL_NEAREST)",
+             "PopAttrib()", "BindFramebuffer(GL_DRAW_FRAMEBUFFER, 0)", "BindFramebuffer(GL_READ_FRAMEBUFFER, 0)"}));
+
+  // Where the device has none, there are none.
+  Vek::Chart::Ogl::RecordingGl old;
+  {
+    old.SetVersion("2.1");
+    Scope old_gl(old.Handle());
+    const RenderTexture plain({9, 3}, RenderTexture::Rgba8, RenderTexture::Linear, 4);
+    plain.BindForRead(old_gl);
+    EXPECT_EQ(old.LinesOf({"GenRenderbuffers", "BlitFramebuffer"}), Lines());
+  }
+  EXPECT_EQ(old.Complaints(), Lines());
+}
+
+TEST_F(RenderTextureCalls, IncompleteFrameBuffersAreReportedByName) {
+  struct Case {
+    Ogl::GlEnum status;
+    std::string name;
+  };
+  const Case cases[] = {
+      {RGL_FRAMEBUFFER_UNDEFINED, "GL_FRAMEBUFFER_UNDEFINED"},
+      {RGL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT, "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT"},
+      {RGL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT, "GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT"},
+      {RGL_FRAMEBUFFER_INCOMPLETE_DRAW_BUFFER, "GL_FRAMEBUFFER_INCOMPLETE_DRAW_BUFFER"},
+      {RGL_FRAMEBUFFER_INCOMPLETE_READ_BUFFER, "GL_FRAMEBUFFER_INCOMPLETE_READ_BUFFER"},
+      {RGL_FRAMEBUFFER_UNSUPPORTED, "GL_FRAMEBUFFER_UNSUPPORTED"},
+      {RGL_FRAMEBUFFER_INCOMPLETE_MULTISAMPLE, "GL_FRAMEBUFFER_INCOMPLETE_MULTISAMPLE"},
+      {0, "status 0"},
+  };
+  Scope gl(recorder.Handle());
+  for (const Case& row : cases) {
+    const ReportCapture reports;
+    recorder.SetFramebufferStatus(row.status);
+    const RenderTexture target({9, 3}, RenderTexture::Float, RenderTexture::Linear, 4);
+    target.GenerateMips(gl);
+    EXPECT_TRUE(target.ToImage(gl).isNull()) << row.name;
+    EXPECT_EQ(target.ReadColors(gl), Floats()) << row.name;
+    EXPECT_EQ(target.ReadDepths(gl), Floats()) << row.name;
+    EXPECT_EQ(reports.Texts(), Lines{Incomplete(row.name + ", 9 x 3, 0 samples")});
+  }
+  EXPECT_EQ(recorder.LinesOf({"ReadPixels", "GenerateMipmap", "GenRenderbuffers"}), Lines());
+}
+
+TEST_F(RenderTextureCalls, ReadsIntoItsOwnMemoryWhateverTheHostHasSet) {
+  Scope gl(recorder.Handle());
+  unsigned int buffer = 0;
+  gl->GenBuffers(1, &buffer);
+  gl->BindBuffer(RGL_PIXEL_PACK_BUFFER, buffer);
+  gl->BindBuffer(RGL_PIXEL_UNPACK_BUFFER, buffer);
+  gl->PixelStorei(RGL_PACK_SKIP_ROWS, 100);
+  gl->PixelStorei(RGL_PACK_ROW_LENGTH, 1000);
+  recorder.SetPixel(2, 0, {10, 20, 30, 40});
+  const RenderTexture target({3, 2});
+  const QImage image = target.ToImage(gl);
+  EXPECT_EQ(image.pixel(2, 1), qRgba(10, 20, 30, 40)); // the lowest row is the last
+  EXPECT_EQ(image.pixel(2, 0), qRgba(0, 0, 0, 0));
+  EXPECT_EQ(target.ReadColors(gl), Floats(3 * 2 * 4));
+  EXPECT_EQ(target.ReadDepths(gl), Floats(3 * 2));
+  EXPECT_EQ(Integer(gl, RGL_PACK_ROW_LENGTH), 1000);
+  EXPECT_EQ(Integer(gl, RGL_PIXEL_PACK_BUFFER_BINDING), static_cast<int>(buffer));
+  gl->DeleteBuffers(1, &buffer);
+}
+
+TEST_F(RenderTexturePixels, KnownClearsComeBack) {
+  Scope gl(Handle());
+  struct Case {
+    RenderTexture::ColorFormat format;
+    std::array<float, 4> color;
+    Floats expected;
+  };
+  const Case cases[] = {
+      {RenderTexture::Rgba8, {0.2F, 1.5F, -1, 0.6F}, {0.2F, 1, 0, 0.6F}},
+      {RenderTexture::RgbaHalf, {0.5F, 60000, -3, 0.25F}, {0.5F, 60000, -3, 0.25F}},
+      {RenderTexture::RgbaFloat, {1e10F, -1e10F, 1e-30F, 7}, {1e10F, -1e10F, 1e-30F, 7}},
+      {RenderTexture::Float, {-1e10F, 5, 6, 7}, {-1e10F}},
+  };
+  for (const Case& row : cases) {
+    SCOPED_TRACE(row.format);
+    const RenderTexture target({5, 3}, row.format);
+    Fill(gl, target, row.color);
+    const Floats colors = target.ReadColors(gl);
+    ASSERT_EQ(colors.size(), 15 * row.expected.size());
+    for (std::size_t i = 0; i < colors.size(); ++i)
+      EXPECT_FLOAT_EQ(colors[i], row.expected[i % row.expected.size()]) << i;
+    EXPECT_EQ(target.ReadDepths(gl), Floats(15, 1.0F));
+  }
+}
+
+TEST_F(RenderTexturePixels, WritesSrgbOnlyWhileThatIsEnabled) {
+  Scope gl(Handle());
+  const RenderTexture target({5, 3}, RenderTexture::Rgba8, RenderTexture::Srgb);
+  Fill(gl, target, {0.5F, 0, 1, 0.5F});
+  EXPECT_TRUE(SameColor(target.ToImage(gl).pixel(4, 2), QColor(128, 0, 255, 128), 1));
+  gl->Enable(RGL_FRAMEBUFFER_SRGB);
+  Fill(gl, target, {0.5F, 0, 1, 0.5F});
+  EXPECT_TRUE(SameColor(target.ToImage(gl).pixel(4, 2), QColor(188, 0, 255, 128), 1)); // alpha stays linear
+  const RenderTexture linear({5, 3});
+  Fill(gl, linear, {0.5F, 0, 1, 0.5F});
+  EXPECT_TRUE(SameColor(linear.ToImage(gl).pixel(4, 2), QColor(128, 0, 255, 128), 1));
+}
+
+TEST_F(RenderTexturePixels, RowsAndDepths) {
+  Scope gl(Handle());
+  const RenderTexture target({5, 3});
+  Fill(gl, target, {0, 0, 0, 1});
+  DrawRectangle(gl, target, 1, 0, 3, 2);
+  EXPECT_EQ(Vek::Test::Map(target.ToImage(gl), Qt::white, Qt::black), ".....\n"
+                                                                      ".##..\n"
+                                                                      ".##..\n");
+  const Floats depths = target.ReadDepths(gl);
+  const Floats expected = {1, 0.25, 0.25, 1, 1, 1, 0.25, 0.25, 1, 1, 1, 1, 1, 1, 1};
+  ASSERT_EQ(depths.size(), expected.size());
+  for (std::size_t i = 0; i < depths.size(); ++i)
+    EXPECT_NEAR(depths[i], expected[i], 1e-6) << i;
+  const Floats colors = target.ReadColors(gl);
+  EXPECT_EQ(colors[4 * 1], 1.0F);
+  EXPECT_EQ(colors[4 * 11], 0.0F);
+}
+
+TEST_F(RenderTexturePixels, BindsNestAndRepeat) {
+  Scope gl(Handle());
+  const int host = Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING);
+  const RenderTexture outer({9, 3});
+  const RenderTexture inner({5, 3});
+  {
+    const boost::shared_ptr<void> first = outer.BindForDraw(gl);
+    const int outer_name = Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING);
+    {
+      const boost::shared_ptr<void> second = inner.BindForDraw(gl);
+      const boost::shared_ptr<void> third = inner.BindForRead(gl);
+      const boost::shared_ptr<void> fourth = outer.BindForRead(gl);
+      EXPECT_EQ(Integer(gl, RGL_READ_FRAMEBUFFER_BINDING), outer_name);
+    }
+    EXPECT_EQ(Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING), outer_name);
+    EXPECT_EQ(Integer(gl, RGL_READ_FRAMEBUFFER_BINDING), outer_name);
+    std::array<int, 4> viewport{};
+    gl->GetIntegerv(RGL_VIEWPORT, viewport.data());
+    EXPECT_EQ(viewport, (std::array<int, 4>{0, 0, 9, 3}));
+  }
+  EXPECT_EQ(Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING), host);
+  EXPECT_EQ(Integer(gl, RGL_READ_FRAMEBUFFER_BINDING), host);
+  std::array<int, 4> viewport{};
+  gl->GetIntegerv(RGL_VIEWPORT, viewport.data());
+  EXPECT_EQ(viewport, (std::array<int, 4>{0, 0, FrameSize.width, FrameSize.height}));
+}
+
+TEST_F(RenderTexturePixels, SamplesResolveToGreyAtAnEdge) {
+  Scope gl(Handle());
+  struct Case {
+    RenderTexture::Space space;
+    int grey; // of half black, half white
+    int tolerance;
+  };
+  for (const Case& row : {Case{RenderTexture::Linear, 128, 2}, Case{RenderTexture::Srgb, 188, 2}}) {
+    SCOPED_TRACE(row.space);
+    const RenderTexture target({5, 3}, RenderTexture::Rgba8, row.space, 4);
+    Fill(gl, target, {0, 0, 0, 1});
+    DrawRectangle(gl, target, 0, 0, 2.5, 3);
+    gl->Enable(RGL_SCISSOR_TEST); // the host's, which must not cut the resolve
+    gl->Scissor(0, 0, 1, 1);
+    const QImage image = target.ToImage(gl);
+    EXPECT_TRUE(SameColor(image.pixel(1, 0), Qt::white));
+    EXPECT_TRUE(SameColor(image.pixel(2, 1), QColor(row.grey, row.grey, row.grey), row.tolerance));
+    EXPECT_TRUE(SameColor(image.pixel(3, 0), Qt::black));
+    EXPECT_NEAR(target.ReadDepths(gl)[1], 0.25, 1e-6);
+    gl->Disable(RGL_SCISSOR_TEST);
+  }
+}
+
+TEST_F(RenderTexturePixels, MipLevelsAreMeans) {
+  Scope gl(Handle());
+  const RenderTexture target({5, 3}, RenderTexture::RgbaFloat);
+  Fill(gl, target, {3, 3, 3, 3});
+  target.BindColor(gl, RGL_TEXTURE0); // bound while the levels are made
+  target.GenerateMips(gl);
+  target.BindColor(gl, RGL_TEXTURE0);
+  const MipInfo mips = target.Mips();
+  for (int level = 0; level < mips.Levels(); ++level) {
+    int width = 0;
+    int height = 0;
+    gl->GetTexLevelParameteriv(RGL_TEXTURE_2D, level, RGL_TEXTURE_WIDTH, &width);
+    gl->GetTexLevelParameteriv(RGL_TEXTURE_2D, level, RGL_TEXTURE_HEIGHT, &height);
+    EXPECT_EQ(Types::Size(width, height), mips.LevelSize(level));
+    Floats texels(static_cast<std::size_t>(width * height) * 4);
+    gl->GetTexImage(RGL_TEXTURE_2D, level, RGL_RGBA, RGL_FLOAT, texels.data());
+    EXPECT_EQ(texels, Floats(texels.size(), 3.0F)) << level;
+  }
+  // Drawn small, the smallest level is seen: white in one column of four is a quarter. Level 0 has black in its middle.
+  const RenderTexture striped({4, 4});
+  Fill(gl, striped, {0, 0, 0, 1});
+  DrawRectangle(gl, striped, 0, 0, 1, 4);
+  striped.BindColor(gl, RGL_TEXTURE0);
+  striped.GenerateMips(gl);
+  gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, static_cast<int>(RGL_REPLACE));
+  const RenderTexture small({1, 1});
+  {
+    const boost::shared_ptr<void> bound = small.BindForDraw(gl);
+    gl->Begin(RGL_QUADS);
+    for (const auto& [s, t] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
+      gl->TexCoord(s, t);
+      gl->Vertex(2 * s - 1, 2 * t - 1, 0);
+    }
+    gl->End();
+  }
+  gl->Disable(RGL_TEXTURE_2D);
+  EXPECT_TRUE(SameColor(small.ToImage(gl).pixel(0, 0), QColor(64, 64, 64), 1));
+}
+
+TEST_F(RenderTexturePixels, SizesThatGlRefusesAreReportedAndHarmless) {
+  Scope gl(Handle());
+  const int beyond = gl->GetMaxTextureSize() + 1;
+  for (const Types::Size size : {Types::Size(0, 3), Types::Size(3, 0), Types::Size(-5, -7), Types::Size(beyond, 1),
+                                 Types::Size(1, 2147483647)}) {
+    const ReportCapture reports;
+    const RenderTexture target(size, RenderTexture::Rgba8, RenderTexture::Linear, 4);
+    EXPECT_TRUE(target.ToImage(gl).isNull());
+    EXPECT_EQ(target.ReadColors(gl), Floats());
+    target.GenerateMips(gl);
+    EXPECT_EQ(reports.Texts(), Lines{Incomplete("GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT, " + std::to_string(size.width) +
+                                                " x " + std::to_string(size.height) + ", 0 samples")});
+    EXPECT_TRUE(gl->CheckError("an impossible size"));
+  }
+}
+
+} // namespace
