@@ -24,6 +24,11 @@ const std::vector<SceneEntry>& Scenes() {
        "colours and "
        "twice moved onto instances with replaced colours. Below, the ColorAtlas itself, enlarged.",
        "examples/Atlas.cpp", MakeAtlas},
+      {"hdr",
+       "A panorama with a high dynamic range, read by HdrImage, at five exposures, and the luminance along the row "
+       "that "
+       "is marked: what one exposure burns out or drowns, another shows.",
+       "examples/Hdr.cpp", MakeHdr},
   };
   return scenes;
 }

@@ -55,6 +55,8 @@ constexpr Option AllOptions[] = {
      [](Options& p_options, const std::string& p_value) { p_options.inputs.quakes = p_value; }},
     {"--relief", "FILE", "a height grid for the maps: \"nx ny x0 dx y0 dy\", then ny rows of nx metres",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.relief = p_value; }},
+    {"--hdr", "FILE.hdr", "a Radiance panorama of your own",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.hdr = p_value; }},
     {"--model", "FILE.obj", "a model of your own, shown among the symbols",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.model = p_value; }},
 };

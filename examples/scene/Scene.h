@@ -28,6 +28,7 @@ struct Inputs {
   std::string relief;
   std::string quakes;
   std::string symbols; ///< the folder of the built-in glyph models
+  std::string hdr;     ///< a panorama, Radiance HDR
   std::string model;   ///< an OBJ file of the user's; may be empty
 };
 

@@ -80,6 +80,7 @@ Inputs DataInputs() {
   inputs.relief = root + "/data/etopo60.txt";
   inputs.quakes = root + "/data/earthquakes.csv";
   inputs.symbols = root + "/symbols";
+  inputs.hdr = root + "/data/sky.hdr";
   return inputs;
 }
 
@@ -269,6 +270,29 @@ TEST(EarthquakesPixels, TheLargestShinesWhereItWas) {
   EXPECT_GT(congo.red(), quiet.red() + 30) << "land is lighter than the sea";
 }
 
+TEST(HdrPixels, ExposuresShowWhatTheyAreMadeFor) {
+  const Shot shot = Shoot("hdr", {800, 500});
+  // Sky and sun in the five pictures, a pixel of 512 × 256 taken to its place in a cell of 240 × 120.
+  const auto at = [](int p_column, int p_row, int p_left, int p_top) {
+    return QPoint(p_left + p_column * 240 / 512, p_top + p_row * 120 / 256);
+  };
+  const QPoint burnt = at(305, 90, 24, 100);
+  const QPoint middle = at(100, 20, 280, 100);
+  const QPoint dark = at(100, 20, 280, 290);
+  EXPECT_GT(shot.Mean(burnt, 1).value(), 250);
+  EXPECT_GT(shot.Mean(middle, 1).blue(), shot.Mean(middle, 1).red() + 20) << "a blue sky";
+  EXPECT_LT(shot.Mean(dark, 1).value(), 12);
+}
+
+TEST(AtlasPixels, InstancesReplaceColorsOfTheSameBars) {
+  const Shot shot = Shoot("atlas", {800, 500});
+  // The bar of the region with the most events: blue in the tree's own colours, grey in both instances.
+  const auto bar = [&](int p_panel) { return shot.Mean(shot.At({1 + 5.6 * p_panel, -0.23, 0}), 2); };
+  EXPECT_GT(bar(0).blue(), bar(0).red() + 30);
+  for (const int panel : {1, 2})
+    EXPECT_LT(std::abs(bar(panel).blue() - bar(panel).red()), 30) << panel;
+}
+
 TEST(GalleryPixels, TheProgramWritesPicturesAndTheirPage) {
   const TemporaryFolder folder;
   const Outcome outcome = RunGallery(folder, "--only wind --size 160x100 --out '" + folder.File("new/folder") + "'");
@@ -288,6 +312,7 @@ TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
   const std::string beyond = folder.Write("beyond.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nf 1 2 4\nf 0 1 2\n");
   const std::string points = folder.Write("points.obj", "v 0 0 0\n");
   const std::string words = folder.Write("words.obj", "v one two three\n");
+  const std::string cut = folder.Write("cut.hdr", "#?RADIANCE\n\n-Y 2 +X 2\nabcdefgh");
   const std::string a_file = folder.Write("file", "");
   const std::string out = " --size 64x40 --out '" + folder.File("out") + "' ";
   const struct {
@@ -317,6 +342,10 @@ TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
        "vek-gallery: " + bad_wind + ":1: expected a column named \"depth_km\", got \"lon,lat,u,v\"\n"},
       {"bad relief", "--only wind --relief " + bad_wind + out, 1,
        "vek-gallery: " + bad_wind + ":1: expected \"nx ny x0 dx y0 dy\", got \"lon,lat,u,v\"\n"},
+      {"no panorama", "--only hdr --hdr " + bad_wind + out, 1,
+       "vek-gallery: " + bad_wind + ": expected a Radiance picture (#?RADIANCE), got something else\n"},
+      {"a panorama cut short", "--only hdr --hdr " + cut + out, 1,
+       "vek-gallery: " + cut + ": expected a whole Radiance picture (-Y … +X …), got one that is cut or turned\n"},
       {"out is a file", "--out '" + a_file + "'", 1, "vek-gallery: " + a_file + ": cannot be made a folder\n"},
   };
   for (const auto& row : cases) {
