@@ -62,8 +62,8 @@ public:
 
   int Width() const;
   int Height() const;
-  /// The pixel at a column and a row, counted from the bottom. A place outside the picture is reported; it reads as 0,
-  /// and what is written there is lost.
+  /// The pixel at the offset y × width + x; rows are counted from the bottom. An offset outside the picture is reported
+  /// ("offset < _state->pixels.size()"); it reads as 0, and what is written there is lost.
   const Rgb32F& Pixel(int p_x, int p_y) const;
   Rgb32F& Pixel(int p_x, int p_y);
   const std::vector<Rgb32F>& Pixels() const;

@@ -1,13 +1,16 @@
 #include "library/private/ByteSource.h"
 
+#include "library/private/LineBlocks.h"
+
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace Vek::Chart::Library::Private {
 
 ByteSource::ByteSource(std::istream& p_stream)
     : _stream(p_stream)
-    , _window(WindowSize)
+    , _window(new unsigned char[_size])
     , _ended(!p_stream.good() || p_stream.rdbuf() == nullptr) {}
 
 ByteSource::~ByteSource() {
@@ -19,21 +22,35 @@ ByteSource::~ByteSource() {
   }
 }
 
-/// Moves what is left to the front of the window and reads on behind it.
+/// Moves what is left to the front of the window, or of a larger one, and reads on behind it.
 std::size_t ByteSource::Refill(std::size_t p_count) {
-  std::memmove(_window.data(), _window.data() + _next, _end - _next);
+  if (_size < p_count) {
+    std::unique_ptr<unsigned char[]> larger(new unsigned char[p_count]);
+    std::memcpy(larger.get(), Data(), _end - _next);
+    _window = std::move(larger);
+    _size = p_count;
+  } else {
+    std::memmove(_window.get(), Data(), _end - _next);
+  }
   _end -= _next;
   _next = 0;
-  if (_window.size() < p_count)
-    _window.resize(p_count);
   while (_end < p_count && !_ended) {
-    const std::streamsize got = _stream.rdbuf()->sgetn(reinterpret_cast<char*>(_window.data() + _end),
-                                                       static_cast<std::streamsize>(_window.size() - _end));
-    _ended = got <= 0;
-    if (!_ended)
-      _end += static_cast<std::size_t>(got);
+    const std::size_t got = ReadOn();
+    _end += got;
+    _ended = got == 0;
   }
   return _end;
+}
+
+/// Reads behind the end of the window and returns how many bytes came. What cannot be read, a folder for one, ends.
+std::size_t ByteSource::ReadOn() {
+  try {
+    const std::streamsize got = _stream.rdbuf()->sgetn(reinterpret_cast<char*>(_window.get() + _end),
+                                                       static_cast<std::streamsize>(_size - _end));
+    return got < 0 ? 0 : static_cast<std::size_t>(got);
+  } catch (...) {
+    return 0;
+  }
 }
 
 bool ByteSource::GetLine(std::string& p_line) {
@@ -67,8 +84,10 @@ std::size_t ByteSource::Read(unsigned char* p_to, std::size_t p_count) {
 }
 
 std::uint64_t ByteSource::Remaining(std::uint64_t p_limit) {
-  // Windows grow by doubling here, so that a stream much shorter than the limit costs what it holds.
   std::uint64_t available = _end - _next;
+  if (!_ended && available + RemainingBytes(_stream) >= p_limit)
+    return p_limit;
+  // Windows grow by doubling here, so that a stream much shorter than the limit costs what it holds.
   for (std::size_t wanted = WindowSize; available < p_limit; wanted *= 2) {
     available = Prepare(static_cast<std::size_t>(std::min<std::uint64_t>(wanted, p_limit)));
     if (available < std::min<std::uint64_t>(wanted, p_limit))

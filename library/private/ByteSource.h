@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <istream>
+#include <memory>
 #include <string>
-#include <vector>
 
 namespace Vek::Chart::Library::Private {
 
@@ -22,11 +22,11 @@ public:
   /// Takes a line without its line feed. False, and an empty line, when there is nothing left.
   bool GetLine(std::string& p_line);
 
-  /// Makes at least `p_count` bytes (at most WindowSize) available at Data(), and returns how many there are: fewer
-  /// only at the end.
+  /// Makes at least `p_count` bytes available at Data(), and returns how many there are: fewer only at the end. The
+  /// window grows to hold more than WindowSize.
   std::size_t Prepare(std::size_t p_count) { return _end - _next >= p_count ? _end - _next : Refill(p_count); }
   /// The available bytes; valid until the next Prepare, GetLine or Read.
-  const unsigned char* Data() const { return _window.data() + _next; }
+  const unsigned char* Data() const { return _window.get() + _next; }
   /// Takes bytes that are available.
   void Take(std::size_t p_count) { _next += p_count; }
 
@@ -39,16 +39,18 @@ public:
   /// Takes up to `p_count` bytes into `p_to` and returns how many.
   std::size_t Read(unsigned char* p_to, std::size_t p_count);
 
-  /// How many bytes are left, at most `p_limit`; reads ahead as far as it must to know.
+  /// How many bytes are left, at most `p_limit`. Where the stream cannot tell, it reads ahead as far as it must.
   std::uint64_t Remaining(std::uint64_t p_limit);
 
   static constexpr std::size_t WindowSize = std::size_t{1} << 20;
 
 private:
   std::size_t Refill(std::size_t p_count);
+  std::size_t ReadOn();
 
   std::istream& _stream;
-  std::vector<unsigned char> _window;
+  std::size_t _size = WindowSize;
+  std::unique_ptr<unsigned char[]> _window; ///< not initialised: most of it stays untouched by a small stream
   std::size_t _next = 0;
   std::size_t _end = 0;
   bool _ended;

@@ -57,28 +57,29 @@ HdrImage::Rgb32F ToFloats(const unsigned char* p_record, const std::array<float,
           static_cast<float>(p_record[2]) * factor};
 }
 
+/// All other widths are flat.
+bool MayBeSeparated(std::size_t p_width) {
+  return p_width >= 8 && p_width <= 32767;
+}
+
 } // namespace
 
 RgbeScanline::RgbeScanline(std::size_t p_width)
     : _width(p_width)
-    , _planes(4 * p_width) {}
+    , _planes(MayBeSeparated(p_width) ? 4 * p_width : 0) {}
 
-/// `p_count` when it fits behind the position.
-std::size_t RgbeScanline::Room(std::size_t p_position, std::uint64_t p_count) const {
+/// Throws unless so many values fit behind the position.
+void RgbeScanline::CheckRoom(std::size_t p_position, std::size_t p_count) const {
   if (p_count > _width - p_position)
     throw std::out_of_range("HdrImage: a run of " + std::to_string(p_count) + " at position " +
                             std::to_string(p_position) + " of a scanline of " + std::to_string(_width));
-  return static_cast<std::size_t>(p_count);
 }
 
 bool RgbeScanline::Decode(ByteSource& p_source, HdrImage::Rgb32F* p_pixels) {
-  const bool has_record = p_source.Prepare(4) >= 4;
-  // Widths below 8 wrap to large numbers.
-  const bool may_be_separated = static_cast<std::uint32_t>(_width) - 8u < 32760u;
-  if (has_record && may_be_separated && !IsPixelRunCode(p_source.Data()) &&
-      IsComponentRunScanlineHeader(p_source.Data()))
-    return DecodeComponentRun(p_source, p_pixels);
-  return DecodePixelRun(p_source, p_pixels);
+  const bool separated =
+      MayBeSeparated(_width) && p_source.Prepare(4) >= 4 && IsComponentRunScanlineHeader(p_source.Data());
+  const bool complete = separated ? DecodeComponentRun(p_source, p_pixels) : DecodePixelRun(p_source, p_pixels);
+  return VEK_ENSURE_TEXT(complete, "!p_stream.eof()", PixelRunSignature);
 }
 
 bool RgbeScanline::DecodeComponentRun(ByteSource& p_source, HdrImage::Rgb32F* p_pixels) {
@@ -99,26 +100,25 @@ bool RgbeScanline::DecodeComponentRun(ByteSource& p_source, HdrImage::Rgb32F* p_
     p_pixels[x] = {static_cast<float>(red[x]) * factor, static_cast<float>(green[x]) * factor,
                    static_cast<float>(blue[x]) * factor};
   }
-  VEK_ENSURE_TEXT(complete, "!p_stream.eof()", ComponentRunSignature);
   return complete;
 }
 
 bool RgbeScanline::DecodeComponent(ByteSource& p_source, unsigned char* p_component) {
   for (std::size_t position = 0; position < _width;) {
     const int code = p_source.GetByte();
-    if (code <= 128) { // a literal of that many bytes, or the end
-      const std::size_t count = code < 0 ? 0 : Room(position, static_cast<std::uint64_t>(code));
-      const std::size_t got = p_source.Read(p_component + position, count);
-      position += got;
-      if (code < 0 || got < count) {
-        std::fill(p_component + position, p_component + _width, static_cast<unsigned char>(0));
-        return false;
-      }
-    } else {
-      const std::size_t count = Room(position, static_cast<std::uint64_t>(code - 128));
-      const int value = p_source.GetByte();
-      std::memset(p_component + position, value < 0 ? 0 : value, count);
-      position += count;
+    const std::size_t count = code < 0 ? 0 : static_cast<std::size_t>(code <= 128 ? code : code - 128);
+    CheckRoom(position, count);
+    std::size_t got = 0;
+    if (code <= 128) { // a literal of that many bytes
+      got = p_source.Read(p_component + position, count);
+    } else if (const int value = p_source.GetByte(); value >= 0) {
+      std::memset(p_component + position, value, count);
+      got = count;
+    }
+    position += got;
+    if (code < 0 || got < count) {
+      std::fill(p_component + position, p_component + _width, static_cast<unsigned char>(0));
+      return false;
     }
   }
   return true;
@@ -130,10 +130,8 @@ bool RgbeScanline::DecodePixelRun(ByteSource& p_source, HdrImage::Rgb32F* p_pixe
   bool previous = false;
   for (std::size_t position = 0; position < _width;) {
     const std::size_t available = p_source.Prepare(4) / 4;
-    if (!VEK_ENSURE_TEXT(available != 0, "!p_stream.eof()", PixelRunSignature)) {
-      std::fill(p_pixels + position, p_pixels + _width, HdrImage::Rgb32F());
+    if (available == 0)
       return false;
-    }
     const unsigned char* record = p_source.Data();
     if (!IsPixelRunCode(record)) {
       const unsigned char* const end = record + 4 * std::min(available, _width - position);
@@ -153,9 +151,11 @@ bool RgbeScanline::DecodePixelRun(ByteSource& p_source, HdrImage::Rgb32F* p_pixe
         count |= static_cast<std::uint32_t>(p_source.Data()[3]) << shift;
       p_source.Take(4);
     }
-    const std::size_t room = Room(position, count);
-    std::fill_n(p_pixels + position, room, pixel);
-    position += room;
+    if (count > _width - position)
+      std::fill_n(p_pixels, position, HdrImage::Rgb32F()); // a scanline that throws leaves nothing
+    CheckRoom(position, count);
+    std::fill_n(p_pixels + position, count, pixel);
+    position += count;
     previous = false;
   }
   return true;

@@ -13,18 +13,16 @@ class RgbeScanline {
 public:
   explicit RgbeScanline(std::size_t p_width);
 
-  /// Decodes the next scanline to `p_pixels`, which has room for the width. False when the data end before the scanline
-  /// does; that is reported, and pixels that are not in the data are 0. Throws std::out_of_range when the data go on
-  /// behind the scanline's end.
+  /// Decodes the next scanline to `p_pixels`, as many as the width, which are 0 before. False when the data end before
+  /// the scanline does; that is reported, and pixels that are not in the data stay 0. Throws std::out_of_range when the
+  /// data go on behind the scanline's end; all of its pixels stay 0 then.
   bool Decode(ByteSource& p_source, HdrImage::Rgb32F* p_pixels);
 
 private:
-  using Record = HdrImage::Rgbe8;
-
   bool DecodeComponentRun(ByteSource& p_source, HdrImage::Rgb32F* p_pixels);
   bool DecodeComponent(ByteSource& p_source, unsigned char* p_component);
   bool DecodePixelRun(ByteSource& p_source, HdrImage::Rgb32F* p_pixels);
-  std::size_t Room(std::size_t p_position, std::uint64_t p_count) const;
+  void CheckRoom(std::size_t p_position, std::size_t p_count) const;
 
   std::size_t _width;
   std::vector<unsigned char> _planes; ///< the four components of a scanline, one behind the other
