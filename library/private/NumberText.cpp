@@ -74,4 +74,43 @@ int IntFromText(std::string_view p_text) {
   return value;
 }
 
+std::size_t FloatTextLength(std::string_view p_text) {
+  const auto is = [&](std::size_t p_at, char p_a, char p_b) {
+    return p_at < p_text.size() && (p_text[p_at] == p_a || p_text[p_at] == p_b);
+  };
+  bool digits = false;
+  bool point = false;
+  bool exponent = false;
+  std::size_t at = is(0, '+', '-') ? 1 : 0;
+  for (; at != p_text.size(); ++at) {
+    if (IsDigit(p_text[at])) {
+      digits = true;
+    } else if (p_text[at] == '.' && !point && !exponent) {
+      point = true;
+    } else if (is(at, 'e', 'E') && digits && !exponent) {
+      exponent = true;
+      at += is(at + 1, '+', '-') ? 1 : 0;
+    } else {
+      break;
+    }
+  }
+  return at;
+}
+
+bool StreamFloatFromText(std::string_view p_text, float& p_value) {
+  p_value = 0.0f;
+  if (p_text.empty())
+    return false;
+  const char* const end = p_text.data() + p_text.size();
+  const std::from_chars_result result = std::from_chars(WithoutPlus(p_text).data(), end, p_value);
+  if (result.ec == std::errc() && result.ptr == end)
+    return true;
+  p_value = 0.0f;
+  if (result.ec != std::errc::result_out_of_range)
+    return false;
+  std::istringstream stream{std::string(p_text)};
+  stream.imbue(std::locale::classic());
+  return static_cast<bool>(stream >> p_value);
+}
+
 } // namespace Vek::Chart::Library::Private

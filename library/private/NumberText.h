@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace Vek::Chart::Library::Private {
@@ -13,6 +14,14 @@ namespace Vek::Chart::Library::Private {
 double DoubleFromText(std::string_view p_text);
 /// The value of boost::lexical_cast<int>(text); throws boost::bad_lexical_cast.
 int IntFromText(std::string_view p_text);
+
+// What `std::istream >> float` does under the classic locale, for texts without white space in front.
+
+/// How many characters it takes from the front of the text: those that may belong to a number.
+std::size_t FloatTextLength(std::string_view p_text);
+/// What it makes of the characters taken; false where it fails, with the value that it stores then: 0, or the largest
+/// float for a number beyond it.
+bool StreamFloatFromText(std::string_view p_text, float& p_value);
 
 // The fast ways read a number at the front of a longer text, [p_first, p_last). They return the place behind it, or
 // null where the number needs the general way above; a value that they set is exactly the general one, provided that
@@ -63,6 +72,21 @@ inline const char* ShortDouble(const char* p_first, const char* p_last, double& 
     return nullptr;
   // Signs come at random: looked up, they cost no mispredicted branch.
   p_value = Signs[negative] * (static_cast<double>(static_cast<std::int64_t>(digits)) / PowersOfTen[decimals]);
+  return end;
+}
+
+/// As ShortDouble, correctly rounded to float.
+inline const char* ShortFloat(const char* p_first, const char* p_last, float& p_value) {
+  constexpr std::uint64_t lostBits = (std::uint64_t(1) << 29) - 1;
+  constexpr std::uint64_t middle = std::uint64_t(1) << 28;
+  double value = 0.0;
+  const char* const end = ShortDouble(p_first, p_last, value);
+  std::uint64_t bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  // Only a double right between two floats may have been rounded to there, and would be rounded a second time.
+  if ((bits & lostBits) == middle)
+    return nullptr;
+  p_value = static_cast<float>(value);
   return end;
 }
 
