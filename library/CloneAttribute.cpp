@@ -6,13 +6,19 @@
 #include "platform/data/VertexAttribute.h"
 #include "platform/data/VertexIndex.h"
 #include "platform/debug/Check.h"
+#include "platform/interface/UnknownInterface.h"
 #include "platform/utility/GetLogger.h"
 
+#include <boost/array.hpp>
 #include <boost/make_shared.hpp>
+#include <boost/shared_array.hpp>
 
+#include <cstddef>
+#include <cstdint>
 #include <ostream>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace Vek::Chart::Library {
 

@@ -9,6 +9,7 @@
 
 #include <boost/array.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
