@@ -1,0 +1,303 @@
+#include "library/StreamWriter.h"
+#include "tests/support/ReportCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/shared_ptr.hpp>
+
+#include <cmath>
+#include <limits>
+
+using namespace Vek::Chart;
+using namespace Vek::Chart::DataInterface;
+using namespace Vek::Chart::Library;
+using Vek::SupportedInterface::InterfaceID;
+using Vek::SupportedInterface::UnknownInterface;
+using Vek::Test::ReportCapture;
+
+namespace {
+
+constexpr std::uint64_t Huge = std::numeric_limits<std::uint64_t>::max();
+
+template <class E>
+using WriterOf = ContainerStreamWriter<std::vector<E>, ContainerOperations::StaticContainer, E>;
+
+using Texts = std::vector<std::string>;
+
+// The texts of reports, put together from the names that the host platform prints for the types.
+template <class T>
+const char* const Name = nullptr;
+template <>
+const char* const Name<bool> = "bool";
+template <>
+const char* const Name<unsigned char> = "unsigned char";
+template <>
+const char* const Name<unsigned short> = "unsigned short";
+template <>
+const char* const Name<unsigned int> = "unsigned int";
+template <>
+const char* const Name<float> = "float";
+template <>
+const char* const Name<double> = "double";
+
+template <class S>
+std::string EmptyText() {
+  const std::string scalar = Name<S>;
+  return "\"p_index < _count\" - const " + scalar + " &__cdecl Vek::Chart::DataInterface::Array<" + scalar +
+         ",0>::operator [](const unsigned __int64) const";
+}
+
+// A row of the matrix: source scalar, component and number of components of the elements.
+template <class S, class U, std::size_t N, class W>
+struct Row {
+  using Source = S;
+  using Scalar = U;
+  using Element = boost::array<U, N>;
+  using Interface = W;
+  static constexpr std::size_t Width = N;
+
+  static std::string ElementName() {
+    return "class boost::array<" + std::string(Name<U>) + "," + std::to_string(N) + ">";
+  }
+  static std::string VectorName() {
+    return "class std::vector<" + ElementName() + ",class std::allocator<" + ElementName() + " > >";
+  }
+  static std::string OverrunText() {
+    const std::string source = "class Vek::Chart::DataInterface::Array<" + std::string(Name<S>) + ",0>";
+    return "\"sourceArray.size() + p_destArrayOffset <= p_destArray.size()\" - void __cdecl "
+           "Vek::Chart::Algorithms::InterpretArray<" +
+           source + "," + source + " >::CopyArrayToWithOffset<" + ElementName() + "," + VectorName() + " >(const " +
+           source + " &," + VectorName() + " &,const unsigned __int64)";
+  }
+  static std::string SkipText() {
+    return "\"_currentIndex + p_offsetInDestinationTypeUnits <= _dest.size()\" - void __cdecl "
+           "Vek::Chart::Library::ContainerDataWriter<" +
+           ElementName() + "," + VectorName() +
+           ",class Vek::Chart::Library::ContainerOperations::StaticContainer>::AdvanceWriteIndex(const unsigned "
+           "__int64)";
+  }
+};
+template <class S, std::size_t N>
+using Floats = Row<S, float, N, FloatAttributeStreamWriter<N>>;
+template <class S, std::size_t N>
+using Integers = Row<S, unsigned int, N, IntegerAttributeStreamWriter<N>>;
+template <class S>
+using Bools = Row<S, unsigned char, 1, BoolAttributeStreamWriter<1>>;
+
+using Rows =
+    ::testing::Types<Bools<bool>, Bools<unsigned char>, Floats<float, 1>, Floats<float, 2>, Floats<float, 3>,
+                     Floats<float, 4>, Floats<double, 1>, Floats<double, 2>, Floats<double, 3>, Floats<double, 4>,
+                     Integers<unsigned char, 1>, Integers<unsigned char, 2>, Integers<unsigned char, 3>,
+                     Integers<unsigned char, 4>, Integers<unsigned short, 1>, Integers<unsigned short, 2>,
+                     Integers<unsigned short, 3>, Integers<unsigned short, 4>, Integers<unsigned int, 1>,
+                     Integers<unsigned int, 2>, Integers<unsigned int, 3>, Integers<unsigned int, 4>>;
+
+/// Scalars that are all different where the type allows it, never 0, and end in the largest value.
+template <class S>
+boost::shared_ptr<S[]> Scalars(std::size_t p_count) {
+  boost::shared_ptr<S[]> scalars(new S[p_count]);
+  for (std::size_t i = 0; i < p_count; ++i)
+    scalars[i] = static_cast<S>(i + 1.1);
+  if (p_count != 0)
+    scalars[p_count - 1] = std::numeric_limits<S>::max();
+  return scalars;
+}
+
+template <class S, class U>
+bool IsConverted(S p_source, U p_result) {
+  if constexpr (std::is_same_v<S, double>) // the nearest float; beyond the range, infinity
+    return p_source > 3.5e38 ? std::isinf(p_result) : p_result == static_cast<float>(p_source);
+  else
+    return p_result == static_cast<U>(p_source);
+}
+
+template <class E>
+std::vector<E> Filled(std::size_t p_count, typename E::value_type p_value) {
+  E element;
+  element.fill(p_value);
+  return std::vector<E>(p_count, element);
+}
+
+template <class RowType>
+class StreamWriterMatrix : public ::testing::Test {};
+TYPED_TEST_SUITE(StreamWriterMatrix, Rows, ); // the empty name generator keeps clang from warning
+
+} // namespace
+
+TYPED_TEST(StreamWriterMatrix, ConvertsWholeElementsOneRunAfterTheOther) {
+  using Element = typename TypeParam::Element;
+  constexpr std::size_t N = TypeParam::Width;
+  const ReportCapture reports;
+  auto dest = Filled<Element>(6, 77);
+  WriterOf<Element> writer(dest);
+  typename TypeParam::Interface& target = writer;
+  EXPECT_EQ(target.Components(), N);
+  const auto source = Scalars<typename TypeParam::Source>(3 * N);
+
+  target.Write(source.get(), 2 * N + (N - 1)); // what is left over is ignored
+  EXPECT_EQ(writer.CurrentIndex(), 2u);
+  target.Skip(1);
+  EXPECT_EQ(writer.CurrentIndex(), 3u);
+  target.Write(source.get() + N, 2 * N);
+  EXPECT_EQ(writer.CurrentIndex(), 5u);
+
+  const std::size_t origin[] = {0, 1, 9, 1, 2, 9}; // of each element; 9: none
+  for (std::size_t element = 0; element < dest.size(); ++element)
+    for (std::size_t c = 0; c < N; ++c) {
+      if (origin[element] == 9)
+        EXPECT_EQ(dest[element][c], typename TypeParam::Scalar(77)) << element << ' ' << c;
+      else
+        EXPECT_TRUE(IsConverted(source[origin[element] * N + c], dest[element][c])) << element << ' ' << c;
+    }
+  EXPECT_EQ(reports.Texts(), Texts());
+}
+
+TYPED_TEST(StreamWriterMatrix, ReportsAndDropsWhatDoesNotFit) {
+  using Element = typename TypeParam::Element;
+  constexpr std::size_t N = TypeParam::Width;
+  const auto source = Scalars<typename TypeParam::Source>(4 * N);
+  const std::string overrun = TypeParam::OverrunText();
+  const std::string skipped = TypeParam::SkipText();
+  const struct {
+    const char* name;
+    std::uint64_t skip;
+    std::size_t elements; ///< that are written after that
+    std::size_t stored;   ///< of the two elements of the destination
+    std::uint64_t position;
+    Texts texts;
+  } cases[] = {
+      {"exact fit", 0, 2, 2, 2, {}},
+      {"one too many", 0, 3, 2, 3, {overrun}},
+      {"the last place", 1, 2, 1, 3, {overrun}},
+      {"at the end", 2, 1, 0, 3, {overrun}},
+      {"past the end", 3, 1, 0, 4, {skipped, overrun}},
+      {"far past the end", Huge - 1, 1, 0, Huge, {skipped, overrun}},
+      {"sum of position and elements wraps", Huge - 1, 4, 0, 2, {skipped, overrun}},
+  };
+  for (const auto& row : cases) {
+    const ReportCapture reports;
+    auto dest = Filled<Element>(2, 0);
+    WriterOf<Element> writer(dest);
+    writer.Skip(row.skip);
+    writer.Write(source.get(), row.elements * N);
+    EXPECT_EQ(writer.CurrentIndex(), row.position) << row.name;
+    EXPECT_EQ(reports.Texts(), row.texts) << row.name;
+    std::size_t stored = 0;
+    for (const Element& element : dest)
+      stored += element[0] != 0 && element[N - 1] != 0;
+    EXPECT_EQ(stored, row.stored) << row.name;
+  }
+}
+
+TYPED_TEST(StreamWriterMatrix, WritingNothingReportsTheEmptySource) {
+  using Element = typename TypeParam::Element;
+  using Source = typename TypeParam::Source;
+  const auto source = Scalars<Source>(1);
+  const ReportCapture reports;
+  auto dest = Filled<Element>(2, 5);
+  WriterOf<Element> writer(dest);
+  writer.Write(source.get(), 0);
+  EXPECT_EQ(writer.CurrentIndex(), 0u);
+  // No data for the scalars that were announced: the position moves on all the same.
+  writer.Write(static_cast<const Source*>(nullptr), 2 * TypeParam::Width);
+  EXPECT_EQ(writer.CurrentIndex(), 2u);
+  EXPECT_EQ(reports.Texts(), (Texts{EmptyText<Source>(), EmptyText<Source>()}));
+  EXPECT_EQ(dest, Filled<Element>(2, 5));
+}
+
+TYPED_TEST(StreamWriterMatrix, AnswersForItsOwnInterfaceOnly) {
+  using Element = typename TypeParam::Element;
+  using Interface = typename TypeParam::Interface;
+  const InterfaceID all[] = {InterfaceID::Of<BoolAttributeStreamWriter<1>>(),
+                             InterfaceID::Of<FloatAttributeStreamWriter<1>>(),
+                             InterfaceID::Of<FloatAttributeStreamWriter<2>>(),
+                             InterfaceID::Of<FloatAttributeStreamWriter<3>>(),
+                             InterfaceID::Of<FloatAttributeStreamWriter<4>>(),
+                             InterfaceID::Of<IntegerAttributeStreamWriter<1>>(),
+                             InterfaceID::Of<IntegerAttributeStreamWriter<2>>(),
+                             InterfaceID::Of<IntegerAttributeStreamWriter<3>>(),
+                             InterfaceID::Of<IntegerAttributeStreamWriter<4>>(),
+                             InterfaceID::Of<Vek::SupportedInterface::ISupportedInterface>(),
+                             InterfaceID::Of<WriterOf<Element>>()};
+  std::vector<Element> dest;
+  WriterOf<Element> writer(dest);
+  Vek::SupportedInterface::ISupportedInterface& object = writer;
+  int answers = 0;
+  for (const InterfaceID& id : all) {
+    if (id == InterfaceID::Of<Interface>()) {
+      EXPECT_TRUE(object.IsSupportedInterface(id));
+      EXPECT_EQ(&object.QuerySupportedInterface(id).template Get<Interface>(), &writer);
+      ++answers;
+      continue;
+    }
+    EXPECT_FALSE(object.IsSupportedInterface(id)) << id.Name();
+    try {
+      object.QuerySupportedInterface(id);
+      ADD_FAILURE() << id.Name();
+    } catch (const UnknownInterface& error) {
+      EXPECT_EQ(error.ID(), id);
+    }
+  }
+  EXPECT_EQ(answers, 1);
+}
+
+TEST(StreamWriter, SkipReportsInFullAndMovesOnAllTheSame) {
+  const std::string text =
+      "\"_currentIndex + p_offsetInDestinationTypeUnits <= _dest.size()\" - void __cdecl "
+      "Vek::Chart::Library::ContainerDataWriter<class boost::array<float,3>,class std::vector<class "
+      "boost::array<float,3>,class std::allocator<class boost::array<float,3> > >,class "
+      "Vek::Chart::Library::ContainerOperations::StaticContainer>::AdvanceWriteIndex(const unsigned __int64)";
+  const struct {
+    const char* name;
+    std::size_t size;
+    std::vector<std::uint64_t> skips;
+    std::uint64_t position;
+    std::size_t reports;
+  } cases[] = {
+      {"nothing", 0, {0}, 0, 0},
+      {"an empty destination", 0, {5}, 5, 1},
+      {"to the end", 3, {1, 2, 0}, 3, 0},
+      {"past the end", 3, {3, 1}, 4, 1},
+      {"nothing, but past the end", 3, {4, 0}, 4, 2},
+      {"the sum wraps back into the destination", 3, {1, Huge}, 0, 1},
+      {"the sum wraps past it", 3, {2, Huge, 2}, 3, 1},
+  };
+  for (const auto& row : cases) {
+    const ReportCapture reports;
+    std::vector<boost::array<float, 3>> dest(row.size);
+    WriterOf<boost::array<float, 3>> writer(dest);
+    for (const std::uint64_t count : row.skips)
+      writer.Skip(count);
+    EXPECT_EQ(writer.CurrentIndex(), row.position) << row.name;
+    EXPECT_EQ(reports.Texts(), Texts(row.reports, text)) << row.name;
+  }
+}
+
+TEST(StreamWriter, KeepsBytesThatAreNoTruthValues) {
+  const unsigned char bytes[] = {0, 1, 2, 255};
+  std::vector<boost::array<unsigned char, 1>> dest(8);
+  WriterOf<boost::array<unsigned char, 1>> writer(dest);
+  writer.Write(bytes, 4);
+  writer.Write(reinterpret_cast<const bool*>(bytes), 4);
+  for (std::size_t i = 0; i < dest.size(); ++i)
+    EXPECT_EQ(dest[i][0], bytes[i % 4]) << i;
+}
+
+TEST(StreamWriter, RoundsDoublesToTheNearestFloat) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  const double source[] = {0.1, 16777217.0, 16777219.0, 1e39, -1e39, 1e-50, infinity, -0.0};
+  std::vector<boost::array<float, 4>> dest(2);
+  WriterOf<boost::array<float, 4>> writer(dest);
+  writer.Write(source, 8);
+  const boost::array<float, 4> first = {0.1f, 16777216.0f, 16777220.0f, std::numeric_limits<float>::infinity()};
+  const boost::array<float, 4> second = {-std::numeric_limits<float>::infinity(), 0.0f,
+                                         std::numeric_limits<float>::infinity(), 0.0f};
+  EXPECT_EQ(dest[0], first);
+  EXPECT_EQ(dest[1], second);
+  EXPECT_TRUE(std::signbit(dest[1][3]));
+
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  std::vector<boost::array<float, 1>> one(1);
+  WriterOf<boost::array<float, 1>>(one).Write(&nan, 1);
+  EXPECT_TRUE(std::isnan(one[0][0]));
+}
