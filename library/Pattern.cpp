@@ -8,8 +8,10 @@ namespace Vek::Chart::Library {
 
 namespace {
 
-constexpr std::array<unsigned short, 11> LineStipples = {
-    0xFFFF, 0xFFFF, 0xEEEE, 0xAAAA, 0x8888, 0xCCCC, 0xF0F0, 0xFF00, 0xE4E4, 0xEAEA, 0xF1E4,
+// Each table begins with pattern 1, which also stands for the numbers that have no row.
+
+constexpr std::array<unsigned short, 10> LineStipples = {
+    0xFFFF, 0xEEEE, 0xAAAA, 0x8888, 0xCCCC, 0xF0F0, 0xFF00, 0xE4E4, 0xEAEA, 0xF1E4,
 };
 
 using Mask = std::array<unsigned char, 128>;
@@ -23,8 +25,7 @@ constexpr Mask Repeat(unsigned char p_row0, unsigned char p_row1, unsigned char 
   return mask;
 }
 
-constexpr std::array<Mask, 13> FillStipples = {
-    Repeat(0xFF, 0xFF, 0xFF, 0xFF), // none
+constexpr std::array<Mask, 12> FillStipples = {
     Repeat(0xFF, 0xFF, 0xFF, 0xFF), // solid
     Repeat(0x77, 0xDD, 0x77, 0xDD), // dense
     Repeat(0x55, 0xAA, 0x55, 0xAA), // half
@@ -39,14 +40,15 @@ constexpr std::array<Mask, 13> FillStipples = {
     Repeat(0x99, 0x66, 0x99, 0x66), // back weave
 };
 
-constexpr std::array<const char*, 9> PointShapes = {
-    "rect", "rect", "ellipse", "diamond", "hexagon", "triangle", "cross", "xCross", "star",
+constexpr std::array<const char*, 8> PointShapes = {
+    "rect", "ellipse", "diamond", "hexagon", "triangle", "cross", "xCross", "star",
 };
 
-/// The row of a pattern; patterns without one have the row of 0.
+/// The row of a pattern; 0 wraps around and is past the end, like all numbers without a row.
 template <class Row, std::size_t Rows>
 constexpr const Row& RowOf(const std::array<Row, Rows>& p_rows, std::uint32_t p_pattern) {
-  return p_rows[p_pattern < Rows ? p_pattern : 0];
+  const std::uint32_t row = p_pattern - 1;
+  return p_rows[row < Rows ? row : 0];
 }
 
 } // namespace

@@ -38,11 +38,13 @@ public:
 
   /// Calls `p_draw` with the style's colour and stipple set: for a pattern with a visible second colour first with that
   /// colour and unstippled, then with the colour and stippled. A pattern whose second colour is transparent is drawn
-  /// solid. Enables, polygon (or line) state and the current colour are as before when the call returns or throws; an
-  /// empty function throws boost::bad_function_call.
+  /// solid. Enables, polygon state and the current colour are as before when the call returns or throws; what stays is
+  /// the polygon stipple's mask, which no longer shows once stippling is off. An empty function throws
+  /// boost::bad_function_call.
   static void DrawInternal(const Types::FillStyle& p_style, Utility::Scoped<Rgl>& p_gl,
                            boost::function<void(Utility::Scoped<Rgl>&)>& p_draw);
-  /// As above for lines; dashes grow with the width. A negative or NaN width has the stipple factor 0.
+  /// As above for lines, whose stipple is restored with the line state; dashes grow with the width. A negative or NaN
+  /// width has the stipple factor 0.
   static void DrawInternal(const Types::LineStyle& p_style, Utility::Scoped<Rgl>& p_gl,
                            boost::function<void(Utility::Scoped<Rgl>&)>& p_draw);
 };

@@ -1,0 +1,368 @@
+#include "library/Style.h"
+
+#include "library/Pattern.h"
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <stdexcept>
+
+using namespace Vek::Chart;
+using Library::ColorMap;
+using Library::Pattern;
+using Library::Style;
+using Vek::Test::Lines;
+using Vek::Test::PixelAt;
+using Vek::Test::ReportCapture;
+
+namespace {
+
+using Scope = Utility::Scoped<Rgl>;
+using DrawFunction = boost::function<void(Scope&)>;
+
+constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
+const QColor Clear(255, 0, 0, 0);
+const QColor Faint(0, 0, 0, 1);
+
+Types::FillStyle Fill(std::uint32_t p_pattern, const QColor& p_color, const QColor& p_second = Clear) {
+  Types::FillStyle style;
+  style.pattern.Set(p_pattern);
+  style.color.Set(p_color);
+  style.secondColor.Set(p_second);
+  return style;
+}
+
+Types::LineStyle Line(std::uint32_t p_pattern, float p_width, const QColor& p_color, const QColor& p_second = Clear) {
+  Types::LineStyle style;
+  style.pattern.Set(p_pattern);
+  style.width.Set(p_width);
+  style.color.Set(p_color);
+  style.secondColor.Set(p_second);
+  return style;
+}
+
+Types::SymbolStyle Symbol(std::uint32_t p_shape, std::uint32_t p_size, const QColor& p_color, const QColor& p_second) {
+  Types::SymbolStyle style;
+  style.shape.Set(p_shape);
+  style.size.Set(p_size);
+  style.color.Set(p_color);
+  style.secondColor.Set(p_second);
+  return style;
+}
+
+boost::shared_ptr<ColorMap> Map(const std::vector<QColor>& p_colors) {
+  const ReportCapture an_empty_map_is_reported;
+  return boost::shared_ptr<ColorMap>(new ColorMap(p_colors, ColorMap::Interpolated));
+}
+
+class StyleCalls : public Vek::Test::RecordingFixture {
+protected:
+  template <class Record>
+  Lines Drawn(const Record& p_style) {
+    Scope gl(recorder.Handle());
+    recorder.Clear();
+    DrawFunction draw = [](Scope& p_gl) { p_gl->DepthFunc(RGL_LESS); };
+    Style::DrawInternal(p_style, gl, draw);
+    return recorder.Lines();
+  }
+};
+class StylePixels : public Vek::Test::PixelFixture {};
+
+} // namespace
+
+TEST(Style, SaysWhatIsVisible) {
+  const boost::shared_ptr<ColorMap> none;
+  const auto empty = Map({});
+  const auto full = Map({Qt::red, Qt::blue});
+  ASSERT_EQ(empty->Size(), 0u);
+
+  const struct {
+    const char* name;
+    Types::FillStyle style;
+    bool plain, with_empty, with_full;
+  } fills[] = {
+      {"none", Fill(0, Qt::red), false, false, false},
+      {"solid", Fill(1, Faint), true, true, true},
+      {"transparent", Fill(1, Clear, Qt::red), false, false, true},
+      {"any pattern", Fill(77, Qt::red), true, true, true},
+  };
+  for (const auto& c : fills) {
+    EXPECT_EQ(Style::HasFill(c.style), c.plain) << c.name;
+    EXPECT_EQ(Style::HasFill(c.style, none), c.plain) << c.name;
+    EXPECT_EQ(Style::HasFill(c.style, empty), c.with_empty) << c.name;
+    EXPECT_EQ(Style::HasFill(c.style, full), c.with_full) << c.name;
+  }
+
+  const struct {
+    const char* name;
+    Types::LineStyle style;
+    bool plain, with_map;
+  } lines[] = {
+      {"none", Line(0, 1, Qt::red), false, false},
+      {"thin", Line(1, 1e-30f, Faint), true, true},
+      {"without a width", Line(1, 0, Qt::red), false, false},
+      {"negative", Line(1, -1, Qt::red), false, false},
+      {"not a number", Line(1, NaN, Qt::red), false, false},
+      {"transparent", Line(3, 2, Clear, Qt::red), false, true},
+  };
+  for (const auto& c : lines) {
+    EXPECT_EQ(Style::HasLine(c.style), c.plain) << c.name;
+    EXPECT_EQ(Style::HasLine(c.style, none), c.plain) << c.name;
+    EXPECT_EQ(Style::HasLine(c.style, empty), c.plain) << c.name;
+    EXPECT_EQ(Style::HasLine(c.style, full), c.with_map) << c.name;
+  }
+
+  const struct {
+    const char* name;
+    Types::SymbolStyle style;
+    bool plain, with_map;
+  } symbols[] = {
+      {"none", Symbol(0, 5, Qt::red, Qt::red), false, false},
+      {"without a size", Symbol(1, 0, Qt::red, Qt::red), false, false},
+      {"fill only", Symbol(1, 1, Faint, Clear), true, true},
+      {"outline only", Symbol(1, 1, Clear, Faint), true, true},
+      {"transparent", Symbol(1, 1, Clear, Clear), false, true},
+  };
+  for (const auto& c : symbols) {
+    EXPECT_EQ(Style::HasSymbol(c.style), c.plain) << c.name;
+    EXPECT_EQ(Style::HasSymbol(c.style, none), c.plain) << c.name;
+    EXPECT_EQ(Style::HasSymbol(c.style, empty), c.plain) << c.name;
+    EXPECT_EQ(Style::HasSymbol(c.style, full), c.with_map) << c.name;
+  }
+
+  Types::FillStyle inherited;
+  inherited.color.SetDefault(Clear);
+  EXPECT_FALSE(Style::HasFill(inherited));
+  inherited.color.Set(Qt::red);
+  EXPECT_TRUE(Style::HasFill(inherited));
+}
+
+TEST(Style, SaysWhatAColourMapHas) {
+  const struct {
+    std::size_t colors, weights;
+    bool flag, gradient, weightings;
+  } cases[] = {
+      {0, 0, true, false, false}, {1, 1, true, false, false}, {2, 0, true, true, false}, {2, 2, false, false, true},
+      {2, 3, true, true, false},  {3, 2, true, true, false},  {3, 3, true, true, true},
+  };
+  for (const auto& c : cases) {
+    Types::ColorMap map;
+    map.colors.Set(std::vector<QColor>(c.colors, Qt::red));
+    map.weights.Set(std::vector<double>(c.weights, 1));
+    map.gradient.Set(c.flag);
+    EXPECT_EQ(Style::HasColorMapGradient(map), c.gradient) << c.colors << " " << c.weights;
+    EXPECT_EQ(Style::HasColorMapWeightings(map), c.weightings) << c.colors << " " << c.weights;
+  }
+}
+
+TEST(Style, AppliesATextStyle) {
+  const struct {
+    std::uint32_t size;
+    unsigned int expected;
+  } sizes[] = {{0, 2}, {1, 2}, {2, 2}, {3, 3}, {96, 96}, {97, 96}, {500, 96}, {0xFFFFFFFFU, 96}};
+  for (const auto& c : sizes) {
+    boost::shared_ptr<Ogl::Text> text(new Ogl::Text);
+    Types::TextStyle style;
+    style.color.Set(Qt::red);
+    style.secondColor.Set(Qt::blue);
+    style.flag.Set(true);
+    style.size.Set(c.size);
+    Style::ApplyStyle(text, style);
+    EXPECT_EQ(text->size.Value(), c.expected) << c.size;
+    EXPECT_EQ(text->firstColor.Value(), QColor(Qt::red));
+    EXPECT_EQ(text->secondColor.Value(), QColor(Qt::blue));
+    EXPECT_TRUE(text->flag.Value());
+
+    for (const auto clear : {&Ogl::Text::firstColor, &Ogl::Text::secondColor})
+      ((*text).*clear).ClearChanged();
+    text->flag.ClearChanged();
+    text->size.ClearChanged();
+    Style::ApplyStyle(text, style);
+    EXPECT_FALSE(text->firstColor.Changed() || text->secondColor.Changed() || text->flag.Changed() ||
+                 text->size.Changed())
+        << "what is equal is left alone";
+  }
+  boost::shared_ptr<Ogl::Text> nothing;
+  const ReportCapture reports;
+  Style::ApplyStyle(nothing, {});
+  EXPECT_EQ(reports.Texts(),
+            Lines{"\"void*(obj)\" - void __cdecl Vek::Chart::Library::Style::ApplyStyle(class boost::shared_ptr<class "
+                  "Vek::Chart::Ogl::Text> &,const class Vek::Chart::Types::TextStyle &)"});
+}
+
+TEST_F(StyleCalls, FillsInUpToTwoPasses) {
+  const std::string push = "PushAttrib(GL_CURRENT_BIT|GL_POLYGON_BIT|GL_ENABLE_BIT)";
+  const std::string red = "Color4d(1, 0, 0, 1)", blue = "Color4d(0, 0, 1, 1)", draw = "DepthFunc(GL_LESS)";
+  const std::string on = "Enable(GL_POLYGON_STIPPLE)", pop = "PopAttrib()";
+  const auto mask = [this](std::uint32_t p_pattern) {
+    Scope gl(recorder.Handle());
+    recorder.Clear();
+    gl->PolygonStipple(Pattern::PolygonStipplePattern(static_cast<Pattern::FillPattern>(p_pattern)));
+    return recorder.Lines().front();
+  };
+  const struct {
+    const char* name;
+    Types::FillStyle style;
+    Lines expected;
+  } cases[] = {
+      {"none", Fill(0, Qt::red, Qt::blue), {}},
+      {"solid", Fill(1, Qt::red, Qt::blue), {push, red, draw, pop}},
+      {"pattern", Fill(8, Qt::red, Qt::blue), {push, blue, draw, on, mask(8), red, draw, pop}},
+      {"pattern over nothing is solid", Fill(8, Qt::red, Clear), {push, red, draw, pop}},
+      {"only the second colour", Fill(8, Clear, Qt::blue), {push, blue, draw, on, mask(8), pop}},
+      {"unknown pattern", Fill(99, Qt::red, Qt::blue), {push, blue, draw, on, mask(1), red, draw, pop}},
+      {"invisible", Fill(1, Clear, Clear), {push, pop}},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(Drawn(c.style), c.expected) << c.name;
+}
+
+TEST_F(StyleCalls, LinesInUpToTwoPasses) {
+  const std::string push = "PushAttrib(GL_CURRENT_BIT|GL_LINE_BIT|GL_ENABLE_BIT)", pop = "PopAttrib()";
+  const std::string red = "Color4d(1, 0, 0, 1)", blue = "Color4d(0, 0, 1, 1)", draw = "DepthFunc(GL_LESS)";
+  const std::string rough = "Disable(GL_LINE_SMOOTH)", on = "Enable(GL_LINE_STIPPLE)";
+  Types::LineStyle smooth = Line(1, 2.5f, Qt::red, Qt::blue);
+  smooth.smooth.Set(true);
+  const struct {
+    const char* name;
+    Types::LineStyle style;
+    Lines expected;
+  } cases[] = {
+      {"none", Line(0, 1, Qt::red, Qt::blue), {}},
+      {"smooth", smooth, {push, "Enable(GL_LINE_SMOOTH)", "LineWidth(2.5)", red, draw, pop}},
+      {"dotted",
+       Line(3, 3, Qt::red, Qt::blue),
+       {push, rough, "LineWidth(3)", blue, draw, on, "LineStipple(3, 0xAAAA)", red, draw, pop}},
+      {"over nothing it is solid", Line(3, 3, Qt::red, Clear), {push, rough, "LineWidth(3)", red, draw, pop}},
+      {"only the second colour",
+       Line(10, 6.99f, Clear, Qt::blue),
+       {push, rough, "LineWidth(6.99)", blue, draw, on, "LineStipple(6, 0xF1E4)", pop}},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(Drawn(c.style), c.expected) << c.name;
+
+  const struct {
+    float width;
+    const char* expected;
+  } factors[] = {
+      {0.5f, "LineStipple(0, 0xFF00)"}, {0, "LineStipple(0, 0xFF00)"},     {-3, "LineStipple(0, 0xFF00)"},
+      {NaN, "LineStipple(0, 0xFF00)"},  {1.99f, "LineStipple(1, 0xFF00)"}, {1e30f, "LineStipple(2147483647, 0xFF00)"},
+  };
+  for (const auto& c : factors) {
+    Drawn(Line(7, c.width, Qt::red, Qt::blue));
+    EXPECT_EQ(recorder.LinesOf({"LineStipple"}), Lines{c.expected}) << c.width;
+  }
+  EXPECT_EQ(recorder.TakeComplaints(), Lines(3, "LineWidth: not above 0")) << "GL refuses 0, -3 and NaN";
+}
+
+TEST_F(StyleCalls, RestoresTheStateWhenDrawingThrows) {
+  Scope gl(recorder.Handle());
+  for (int pass = 1; pass <= 2; ++pass) {
+    int calls = 0;
+    DrawFunction draw = [&](Scope&) {
+      if (++calls == pass)
+        throw std::runtime_error("draw");
+    };
+    recorder.Clear();
+    EXPECT_THROW(Style::DrawInternal(Fill(5, Qt::red, Qt::blue), gl, draw), std::runtime_error);
+    EXPECT_EQ(recorder.Lines().back(), "PopAttrib()");
+    calls = 0;
+    recorder.Clear();
+    EXPECT_THROW(Style::DrawInternal(Line(5, 1, Qt::red, Qt::blue), gl, draw), std::runtime_error);
+    EXPECT_EQ(recorder.Lines().back(), "PopAttrib()");
+  }
+  DrawFunction empty;
+  EXPECT_THROW(Style::DrawInternal(Fill(1, Qt::red), gl, empty), boost::bad_function_call);
+  EXPECT_THROW(Style::DrawInternal(Line(1, 1, Qt::red), gl, empty), boost::bad_function_call);
+  EXPECT_EQ(gl->IsEnabled(RGL_POLYGON_STIPPLE), 0);
+  EXPECT_EQ(gl->IsEnabled(RGL_LINE_STIPPLE), 0);
+  EXPECT_NO_THROW(Style::DrawInternal(Fill(0, Qt::red), gl, empty));
+  EXPECT_NO_THROW(Style::DrawInternal(Fill(1, Clear), gl, empty)) << "nothing to draw, so not called";
+}
+
+TEST_F(StylePixels, EveryFillPatternBitForBit) {
+  Scope gl(Handle());
+  const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
+  DrawFunction draw = [](Scope& p_gl) {
+    p_gl->Begin(RGL_QUADS);
+    p_gl->Pixel(3, 2);
+    p_gl->Pixel(58, 2);
+    p_gl->Pixel(58, 36);
+    p_gl->Pixel(3, 36);
+    p_gl->End();
+  };
+  for (std::uint32_t pattern = 1; pattern <= 13; ++pattern) {
+    gl->Clear(RGL_COLOR_BUFFER_BIT);
+    Style::DrawInternal(Fill(pattern, Qt::red, Qt::blue), gl, draw);
+    const unsigned char* const mask = Pattern::PolygonStipplePattern(static_cast<Pattern::FillPattern>(pattern));
+    QImage expected(FrameSize.width, FrameSize.height, QImage::Format_ARGB32);
+    expected.fill(Qt::transparent);
+    for (int y = 2; y < 36; ++y)
+      for (int x = 3; x < 58; ++x) {
+        // Anchored at the window's corner; the first bit of a row is its byte's most significant one.
+        const bool set = (mask[y % 32 * 4 + x % 32 / 8] >> (7 - x % 8) & 1) != 0;
+        expected.setPixelColor(x, FrameSize.height - 1 - y, set ? Qt::red : Qt::blue);
+      }
+    EXPECT_TRUE(Vek::Test::SameImage(Image(), expected)) << "pattern " << pattern;
+  }
+}
+
+TEST_F(StylePixels, EveryLinePatternPixelForPixel) {
+  Scope gl(Handle());
+  // Powers of two, so that window coordinates are exact: some rasterisers cut a stippled line at rounded ones.
+  const Types::Viewport<0> viewport(0, 0, 64, 32);
+  gl->Viewport(viewport);
+  const auto pixels = gl->PixelProjection(viewport);
+  DrawFunction draw = [](Scope& p_gl) {
+    p_gl->Begin(RGL_LINES);
+    p_gl->Vertex(4, 10.5, 0);
+    p_gl->Vertex(56, 10.5, 0);
+    p_gl->End();
+  };
+  for (std::uint32_t pattern = 1; pattern <= 11; ++pattern)
+    for (const int width : {1, 3}) {
+      gl->Clear(RGL_COLOR_BUFFER_BIT);
+      Style::DrawInternal(Line(pattern, static_cast<float>(width), Qt::red, Qt::blue), gl, draw);
+      const QImage image = Image();
+      std::string expected, actual;
+      for (int x = 4; x < 56; ++x) {
+        const unsigned bits = Pattern::LineStipplePattern(static_cast<Pattern::LinePattern>(pattern));
+        expected += pattern == 1 || (bits >> ((x - 4) / width % 16) & 1) != 0 ? '#' : '-';
+        const QRgb pixel = PixelAt(image, x, 10);
+        actual += pixel == QColor(Qt::red).rgba() ? '#' : pixel == QColor(Qt::blue).rgba() ? '-' : '?';
+      }
+      EXPECT_EQ(actual, expected) << "pattern " << pattern << ", width " << width;
+      for (int y = 7; y < 14; ++y)
+        EXPECT_EQ(qAlpha(PixelAt(image, 30, y)) != 0, std::abs(y - 10) <= width / 2) << "width " << width;
+    }
+}
+
+TEST_F(StylePixels, RestoresTheStateButTheMask) {
+  Scope gl(Handle());
+  gl->Color(Qt::green);
+  gl->LineWidth(2);
+  const auto floats = [&gl](Ogl::GlEnum p_name) {
+    std::vector<float> values(4);
+    gl->GetFloatv(p_name, values.data());
+    return values;
+  };
+  const auto color = floats(RGL_CURRENT_COLOR), width = floats(RGL_LINE_WIDTH);
+  const auto stipple = floats(RGL_LINE_STIPPLE_PATTERN), repeat = floats(RGL_LINE_STIPPLE_REPEAT);
+  DrawFunction draw = [](Scope& p_gl) {
+    p_gl->Begin(RGL_TRIANGLES);
+    for (int i = 0; i < 3; ++i)
+      p_gl->Vertex(i, i * i, 0);
+    p_gl->End();
+  };
+  Style::DrawInternal(Fill(8, Qt::red, Qt::blue), gl, draw);
+  Style::DrawInternal(Line(8, 5, Qt::red, Qt::blue), gl, draw);
+  EXPECT_EQ(floats(RGL_CURRENT_COLOR), color);
+  EXPECT_EQ(floats(RGL_LINE_WIDTH), width);
+  EXPECT_EQ(floats(RGL_LINE_STIPPLE_PATTERN), stipple);
+  EXPECT_EQ(floats(RGL_LINE_STIPPLE_REPEAT), repeat);
+  EXPECT_EQ(gl->IsEnabled(RGL_POLYGON_STIPPLE), 0);
+  EXPECT_EQ(gl->IsEnabled(RGL_LINE_STIPPLE), 0);
+}
