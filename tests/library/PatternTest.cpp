@@ -1,0 +1,194 @@
+#include "library/Pattern.h"
+
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+using namespace Vek::Chart;
+using Library::Pattern;
+using Library::Texture;
+using Vek::Test::Lines;
+using Vek::Test::ReportCapture;
+
+namespace {
+
+class PatternCalls : public Vek::Test::RecordingFixture {};
+class PatternPixels : public Vek::Test::PixelFixture {};
+
+const unsigned char* Mask(std::uint32_t p_pattern) {
+  return Pattern::PolygonStipplePattern(static_cast<Pattern::FillPattern>(p_pattern));
+}
+
+/// The rows of a mask in hex digits.
+std::vector<std::string> Rows(const unsigned char* p_mask) {
+  std::vector<std::string> rows;
+  for (int i = 0; i < 128; ++i) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    if (i % 4 == 0)
+      rows.emplace_back();
+    rows.back() += digits[p_mask[i] >> 4];
+    rows.back() += digits[p_mask[i] & 15];
+  }
+  return rows;
+}
+
+/// Remembers what it was asked for.
+class AskedResource : public Assets::Resource {
+public:
+  AskedResource()
+      : Resource(vekfile::filepath(VEK_SOURCE_DIR "/sprites")) {}
+  vekfile::filepath ImageFile(const std::string& p_name) const override {
+    names.push_back(p_name);
+    return Resource::ImageFile(p_name);
+  }
+  mutable std::vector<std::string> names;
+};
+
+constexpr struct {
+  std::uint32_t pattern;
+  const char* word;
+} Shapes[] = {
+    {0, "rect"},  {1, "rect"},   {2, "ellipse"}, {3, "diamond"}, {4, "hexagon"},        {5, "triangle"},
+    {6, "cross"}, {7, "xCross"}, {8, "star"},    {9, "rect"},    {0xFFFFFFFFU, "rect"},
+};
+
+} // namespace
+
+TEST(Pattern, LineStipples) {
+  const unsigned short expected[] = {0xFFFF, 0xFFFF, 0xEEEE, 0xAAAA, 0x8888, 0xCCCC, 0xF0F0,
+                                     0xFF00, 0xE4E4, 0xEAEA, 0xF1E4, 0xFFFF, 0xFFFF};
+  for (std::uint32_t i = 0; i < std::size(expected); ++i)
+    EXPECT_EQ(Pattern::LineStipplePattern(static_cast<Pattern::LinePattern>(i)), expected[i]) << i;
+  for (const std::uint32_t i : {99U, 0x80000000U, 0xFFFFFFFFU})
+    EXPECT_EQ(Pattern::LineStipplePattern(static_cast<Pattern::LinePattern>(i)), 0xFFFF) << i;
+}
+
+TEST(Pattern, FillStipples) {
+  const std::vector<std::string> expected[] = {
+      {"FFFFFFFF", "FFFFFFFF", "FFFFFFFF", "FFFFFFFF"}, {"77777777", "DDDDDDDD", "77777777", "DDDDDDDD"},
+      {"55555555", "AAAAAAAA", "55555555", "AAAAAAAA"}, {"44444444", "11111111", "44444444", "11111111"},
+      {"FFFFFFFF", "00000000", "00000000", "00000000"}, {"11111111", "11111111", "11111111", "11111111"},
+      {"FFFFFFFF", "11111111", "11111111", "11111111"}, {"88888888", "44444444", "22222222", "11111111"},
+      {"11111111", "22222222", "44444444", "88888888"}, {"AAAAAAAA", "44444444", "AAAAAAAA", "11111111"},
+      {"66666666", "99999999", "66666666", "99999999"}, {"99999999", "66666666", "99999999", "66666666"},
+  };
+  for (std::uint32_t pattern = 1; pattern <= std::size(expected); ++pattern) {
+    const std::vector<std::string> rows = Rows(Mask(pattern));
+    for (std::size_t row = 0; row < 32; ++row)
+      EXPECT_EQ(rows[row], expected[pattern - 1][row % 4]) << "pattern " << pattern << ", row " << row;
+    EXPECT_EQ(Mask(pattern), Mask(pattern));
+  }
+  for (const std::uint32_t solid : {0U, 13U, 99U, 0xFFFFFFFFU})
+    EXPECT_EQ(Mask(solid), Mask(1)) << solid;
+}
+
+TEST_F(PatternCalls, PointSpritesComeFromTheSpritesFolder) {
+  Utility::Scoped<Rgl> gl(recorder.Handle());
+  Assets::ImageCache cache;
+  for (const auto& [pattern, word] : Shapes) {
+    SCOPED_TRACE(pattern);
+    const AskedResource resource;
+    const ReportCapture reports;
+    const boost::shared_ptr<Texture> sprite =
+        Pattern::PointSpritePattern(static_cast<Pattern::PointPattern>(pattern), resource, cache, gl);
+    EXPECT_EQ(resource.names, std::vector<std::string>{std::string("symbol_") + word});
+    EXPECT_EQ(reports.Texts(), Lines());
+    EXPECT_EQ(sprite->Width(), 64);
+    EXPECT_EQ(sprite->Height(), 64);
+    EXPECT_EQ(sprite->environment, Texture::Modulate);
+    EXPECT_EQ(sprite->minFilter, Texture::Linear);
+    EXPECT_EQ(sprite->magFilter, Texture::Linear);
+    EXPECT_EQ(sprite->wrapS, Texture::ClampToEdge);
+    EXPECT_EQ(sprite->wrapT, Texture::ClampToEdge);
+    EXPECT_NE(sprite, Pattern::PointSpritePattern(static_cast<Pattern::PointPattern>(pattern), resource, cache, gl));
+  }
+  EXPECT_EQ(recorder.Lines(), (Lines(2 * std::size(Shapes), "GetString(GL_VERSION)"))) << "no upload before a bind";
+}
+
+TEST_F(PatternCalls, AMissingSpriteIsReportedByName) {
+  Utility::Scoped<Rgl> gl(recorder.Handle());
+  Assets::ImageCache cache;
+  const Assets::Resource nowhere(vekfile::filepath("no/such/folder"));
+  const ReportCapture reports;
+  const boost::shared_ptr<Texture> sprite = Pattern::PointSpritePattern(Pattern::PointXCross, nowhere, cache, gl);
+  EXPECT_EQ(reports.Texts(),
+            (Lines{"WARNING: Assets::ImageCache::Image: cannot read \"no/such/folder/symbol_xCross.png\"",
+                   "\"_width > 0 && _height > 0 && \"Invalid Texture Size\"\" - __cdecl "
+                   "Vek::Chart::Library::Texture::Texture(const class QImage &,class "
+                   "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)"}));
+  ASSERT_TRUE(sprite);
+  EXPECT_EQ(sprite->environment, Texture::Modulate);
+}
+
+TEST_F(PatternPixels, ASpriteIsTintedByTheCurrentColour) {
+  Utility::Scoped<Rgl> gl(Handle());
+  const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
+  gl->Enable(RGL_POINT_SPRITE);
+  gl->TexEnvi(RGL_POINT_SPRITE, RGL_COORD_REPLACE, 1);
+  Assets::ImageCache cache;
+  const AskedResource sprites;
+  const auto sprite = Pattern::PointSpritePattern(Pattern::PointDiamond, sprites, cache, gl);
+  (*sprite)(gl, RGL_TEXTURE0);
+  gl->Color(QColor(255, 128, 0));
+  gl->PointSize(32);
+  gl->Begin(RGL_POINTS);
+  gl->Pixel(30, 18);
+  gl->End();
+  const QImage image = Image();
+  EXPECT_TRUE(Vek::Test::SameColor(Vek::Test::PixelAt(image, 30, 18), QColor(255, 128, 0)));
+  EXPECT_TRUE(Vek::Test::SameColor(Vek::Test::PixelAt(image, 15, 3), QColor(255, 128, 0, 0))) << "the corner";
+  EXPECT_TRUE(Vek::Test::SameColor(Vek::Test::PixelAt(image, 30, 30), QColor(255, 128, 0))) << "the diamond's top";
+}
+
+TEST(Sprites, AreWhiteAndSymmetricWithAMargin) {
+  const struct {
+    const char* word;
+    bool upside_down;   ///< whether the lower half mirrors the upper one
+    bool turned;        ///< whether a quarter turn changes nothing
+    double least, most; ///< covered share of the picture
+  } cases[] = {
+      {"rect", true, true, 0.6, 0.8},     {"ellipse", true, true, 0.6, 0.75},    {"diamond", true, true, 0.4, 0.5},
+      {"hexagon", true, false, 0.5, 0.7}, {"triangle", false, false, 0.3, 0.45}, {"cross", true, true, 0.3, 0.6},
+      {"xCross", true, true, 0.2, 0.6},   {"star", false, false, 0.2, 0.45},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.word);
+    const QImage image(QString(VEK_SOURCE_DIR "/sprites/symbol_%1.png").arg(c.word));
+    ASSERT_EQ(image.size(), QSize(64, 64));
+    ASSERT_TRUE(image.hasAlphaChannel());
+    const auto alpha = [&image](int p_x, int p_y) { return qAlpha(image.pixel(p_x, p_y)); };
+    double covered = 0;
+    int partial = 0;
+    for (int y = 0; y < 64; ++y)
+      for (int x = 0; x < 64; ++x) {
+        ASSERT_EQ(image.pixel(x, y) | 0xFF000000U, 0xFFFFFFFFU) << "white also where it is transparent";
+        ASSERT_EQ(alpha(x, y), alpha(63 - x, y)) << x << ", " << y;
+        if (c.upside_down) {
+          ASSERT_EQ(alpha(x, y), alpha(x, 63 - y)) << x << ", " << y;
+        }
+        if (c.turned) {
+          ASSERT_EQ(alpha(x, y), alpha(y, 63 - x)) << x << ", " << y;
+        }
+        if (x < 2 || x > 61 || y < 2 || y > 61) {
+          ASSERT_EQ(alpha(x, y), 0) << x << ", " << y;
+        }
+        covered += alpha(x, y) / 255.0 / (64 * 64);
+        partial += alpha(x, y) != 0 && alpha(x, y) != 255;
+      }
+    for (const int x : {31, 32})
+      for (const int y : {31, 32})
+        EXPECT_EQ(alpha(x, y), 255) << "the centre";
+    EXPECT_GT(covered, c.least);
+    EXPECT_LT(covered, c.most);
+    if (std::string(c.word) != "rect" && std::string(c.word) != "cross") {
+      EXPECT_GT(partial, 50) << "smooth edges";
+    }
+  }
+}
