@@ -69,6 +69,8 @@ void Text::Paint() {
 
   const Layout layout(text, std::clamp(size.Value(), MinSize, MaxSize));
   _image = QImage(layout.width, layout.height, QImage::Format_ARGB32_Premultiplied);
+  if (_image.isNull()) // too large to be made
+    return;
   const bool box = flag && secondColor.Value().alpha() != 0;
   _image.fill(box ? secondColor.Value() : QColor(Qt::transparent));
   QPainter painter(&_image);
@@ -97,13 +99,15 @@ void Text::operator()(Utility::Scoped<Rgl>& p_gl) {
   const boost::shared_ptr<void> state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_COLOR_BUFFER_BIT |
                                                               RGL_CURRENT_BIT | RGL_POLYGON_BIT);
   p_gl->ActiveTexture(RGL_TEXTURE0);
-  if (!_texture)
-    _texture = p_gl->GenTexture();
+  if (!_uploaded)
+    _texture = p_gl->GenTexture(); // the last one may belong to a copy, too
   p_gl->Bind(_texture, Rgl::Sampler2D);
   if (!_uploaded) {
     const QImage rows = image.convertToFormat(QImage::Format_RGBA8888_Premultiplied).mirrored();
     p_gl->PushClientAttrib(RGL_CLIENT_PIXEL_STORE_BIT);
     p_gl->PixelStorei(RGL_UNPACK_ALIGNMENT, 1);
+    for (const GlEnum skipped : {RGL_UNPACK_ROW_LENGTH, RGL_UNPACK_SKIP_ROWS, RGL_UNPACK_SKIP_PIXELS})
+      p_gl->PixelStorei(skipped, 0);
     p_gl->TexImage2D(RGL_TEXTURE_2D, 0, RGL_RGBA, rows.width(), rows.height(), 0, RGL_RGBA, RGL_UNSIGNED_BYTE,
                      rows.constBits());
     p_gl->PopClientAttrib();
@@ -114,8 +118,8 @@ void Text::operator()(Utility::Scoped<Rgl>& p_gl) {
     _uploaded = true;
   }
   p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_REPLACE);
-  for (const GlEnum off : {RGL_LIGHTING, RGL_DEPTH_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_TEXTURE_GEN_S,
-                           RGL_TEXTURE_GEN_T, RGL_POLYGON_STIPPLE})
+  for (const GlEnum off : {RGL_LIGHTING, RGL_FOG, RGL_DEPTH_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_TEXTURE_3D,
+                           RGL_TEXTURE_GEN_S, RGL_TEXTURE_GEN_T, RGL_POLYGON_STIPPLE})
     p_gl->Disable(off);
   p_gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_FILL);
   p_gl->Enable(RGL_TEXTURE_2D);

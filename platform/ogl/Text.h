@@ -22,7 +22,8 @@ namespace Vek::Chart::Ogl {
 /// Qt needs a QGuiApplication for fonts (platform "offscreen" will do). Without one, `Image` is null and drawing does
 /// nothing; both report "qGuiApp != nullptr && "Text needs a QGuiApplication."".
 ///
-/// The picture is made and uploaded again only after a change. Rendering thread only.
+/// The picture is made and uploaded again, as a new texture, only after a change; copies share it until then. The last
+/// holder of a texture lets go of it while the context that made it is current. Rendering thread only.
 class VEK_PLATFORM_API Text {
 public:
   static constexpr unsigned int MinSize = 2;
@@ -44,8 +45,7 @@ public:
   const QImage& Image();
 
   /// Draws at `position`, one texel a pixel, over what is there. The projection must map pixels to the viewport
-  /// (`Rgl::PixelProjection`). All attributes of GL are left as they were but for the binding of unit 0's 2-D texture,
-  /// which the attribute stack restores too.
+  /// (`Rgl::PixelProjection`). All state of GL is left as it was: the attribute stack restores it.
   void operator()(Utility::Scoped<Rgl>& p_gl);
 
 private:

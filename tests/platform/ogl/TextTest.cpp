@@ -1,0 +1,205 @@
+#include "platform/ogl/Text.h"
+
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+
+#include <QGuiApplication>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+using namespace Vek::Chart;
+using Ogl::Text;
+using Vek::Test::Lines;
+using Vek::Test::PixelAt;
+using Vek::Test::ReportCapture;
+
+namespace {
+
+using Scope = Utility::Scoped<Rgl>;
+
+/// Makes the application that fonts need, without a screen. It is kept to the end: a second one would leak the screen
+/// of the first.
+void MakeApplication() {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  static int count = 1;
+  static char name[] = "test";
+  static char* arguments[] = {name, nullptr};
+  static auto* const application = new QGuiApplication(count, arguments);
+  ASSERT_EQ(QCoreApplication::instance(), application);
+}
+
+class TextCalls : public Vek::Test::RecordingFixture {};
+class TextPixels : public Vek::Test::PixelFixture {};
+
+/// How many pixels of an image have that colour.
+int Count(const QImage& p_image, const QColor& p_color) {
+  int count = 0;
+  for (int y = 0; y < p_image.height(); ++y)
+    for (int x = 0; x < p_image.width(); ++x)
+      count += p_image.pixel(x, y) == p_color.rgba();
+  return count;
+}
+
+} // namespace
+
+TEST_F(TextCalls, WithoutAnApplicationItIsReported) {
+  const std::string report =
+      "\"qGuiApp != nullptr && \"Text needs a QGuiApplication.\"\" - const class QImage &__cdecl "
+      "Vek::Chart::Ogl::Text::Image(void)";
+  ASSERT_EQ(QCoreApplication::instance(), nullptr) << "This test must be the first.";
+  Text text("text");
+  const ReportCapture reports;
+  EXPECT_TRUE(text.Image().isNull());
+  Scope gl(recorder.Handle());
+  text(gl);
+  EXPECT_EQ(reports.Texts(), (Lines{report, report}));
+  EXPECT_EQ(recorder.Lines(), Lines());
+
+  MakeApplication();
+  EXPECT_FALSE(text.Image().isNull()) << "later there are fonts";
+  EXPECT_EQ(reports.Texts().size(), 2u);
+}
+
+TEST(Text, PaintsWhatItsPropertiesSay) {
+  MakeApplication();
+  EXPECT_TRUE(Text().Image().isNull()) << "empty";
+
+  Text text("HH");
+  text.size = 40;
+  text.firstColor = QColor(Qt::red);
+  text.secondColor = QColor(Qt::transparent);
+  const QImage plain = text.Image();
+  EXPECT_GT(Count(plain, Qt::red), 100);
+  EXPECT_EQ(qAlpha(plain.pixel(0, 0)), 0);
+  EXPECT_EQ(Count(plain, Qt::blue), 0);
+
+  text.secondColor = QColor(Qt::blue);
+  const QImage outlined = text.Image();
+  EXPECT_GT(Count(outlined, Qt::blue), 100);
+  EXPECT_EQ(Count(outlined, Qt::red), Count(plain, Qt::red)) << "the outline lies behind the letters";
+  EXPECT_EQ(qAlpha(outlined.pixel(0, 0)), 0);
+  for (int x = 0; x < outlined.width(); ++x) {
+    EXPECT_LT(qAlpha(outlined.pixel(x, 0)), 255) << "cut off at the top";
+    EXPECT_LT(qAlpha(outlined.pixel(x, outlined.height() - 1)), 255) << "cut off at the bottom";
+  }
+
+  text.flag = true;
+  const QImage boxed = text.Image();
+  EXPECT_EQ(boxed.pixel(0, 0), QColor(Qt::blue).rgba());
+  EXPECT_EQ(boxed.size(), plain.size());
+  EXPECT_EQ(Count(boxed, Qt::red), Count(plain, Qt::red));
+
+  text.text = "HH\nHH";
+  EXPECT_EQ(text.Image().width(), plain.width());
+  EXPECT_NEAR(Count(text.Image(), Qt::red), 2 * Count(plain, Qt::red), 10);
+}
+
+TEST(Text, HoldsItsSizeWithinTheLimits) {
+  MakeApplication();
+  const auto height = [](unsigned int p_size) {
+    Text text("x");
+    text.size = p_size;
+    return text.Image().height();
+  };
+  EXPECT_EQ(height(0), height(2));
+  EXPECT_LT(height(2), height(12));
+  EXPECT_LT(height(12), height(96));
+  EXPECT_EQ(height(0xFFFFFFFFU), height(96));
+}
+
+TEST_F(TextCalls, UploadsAfterAChangeOnly) {
+  MakeApplication();
+  Scope gl(recorder.Handle());
+  Text text("text");
+  text(gl);
+  EXPECT_EQ(recorder.LinesOf({"TexImage2D"}).size(), 1u);
+  recorder.Clear();
+  text.firstColor = QColor(Qt::black); // it is
+  text(gl);
+  EXPECT_EQ(recorder.LinesOf({"TexImage2D", "GenTextures"}), Lines());
+  const Lines outside = recorder.LinesOf({"PushAttrib", "PopAttrib", "Begin", "End", "TexCoord2d", "Vertex2i"});
+  const std::string width = std::to_string(text.Image().width()), height = std::to_string(text.Image().height());
+  EXPECT_EQ(outside,
+            (Lines{"PushAttrib(GL_CURRENT_BIT|GL_POLYGON_BIT|GL_ENABLE_BIT|GL_COLOR_BUFFER_BIT|GL_TEXTURE_BIT)",
+                   "Begin(GL_QUADS)", "TexCoord2d(0, 0)", "Vertex2i(0, 0)", "TexCoord2d(1, 0)",
+                   "Vertex2i(" + width + ", 0)", "TexCoord2d(1, 1)", "Vertex2i(" + width + ", " + height + ")",
+                   "TexCoord2d(0, 1)", "Vertex2i(0, " + height + ")", "End()", "PopAttrib()"}));
+
+  Text copy = text;
+  recorder.Clear();
+  copy(gl);
+  EXPECT_EQ(recorder.LinesOf({"TexImage2D"}), Lines()) << "copies share what is equal";
+  copy.text = "other";
+  copy(gl);
+  recorder.Clear();
+  text(gl);
+  EXPECT_EQ(recorder.LinesOf({"BindTexture"}), Lines{"BindTexture(GL_TEXTURE_2D, 1001)"}) << "and no more than that";
+}
+
+TEST_F(TextPixels, StandsAtItsPositionTexelForPixel) {
+  MakeApplication();
+  Scope gl(Handle());
+  const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
+  Text text("Ag");
+  text.size = 13;
+  text.position = {7, 5};
+  text.firstColor = QColor(200, 100, 50);
+  text.secondColor = QColor(20, 40, 60);
+  text.flag = true;
+  // What a host may have left on.
+  gl->Enable(RGL_LIGHTING);
+  gl->Enable(RGL_POLYGON_STIPPLE);
+  gl->Enable(RGL_DEPTH_TEST);
+  gl->Enable(RGL_TEXTURE_3D);
+  gl->DepthFunc(RGL_NEVER);
+  gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_LINE);
+  gl->PixelStorei(RGL_UNPACK_ROW_LENGTH, 500);
+  gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 3);
+  text(gl);
+  gl->PixelStorei(RGL_UNPACK_ROW_LENGTH, 0);
+  gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 0);
+  const QImage image = text.Image().convertToFormat(QImage::Format_ARGB32);
+  ASSERT_LT(image.width() + 7, FrameSize.width);
+  ASSERT_LT(image.height() + 5, FrameSize.height);
+  const QImage frame = Image();
+  EXPECT_TRUE(Vek::Test::SameImage(frame.copy(7, FrameSize.height - 5 - image.height(), image.width(), image.height()),
+                                   image, 1));
+  EXPECT_EQ(qAlpha(PixelAt(frame, 6, 5)), 0);
+  EXPECT_EQ(qAlpha(PixelAt(frame, 7, 4)), 0);
+  EXPECT_EQ(qAlpha(PixelAt(frame, 7 + image.width(), 5)), 0);
+}
+
+TEST_F(TextPixels, LeavesTheStateAsItWas) {
+  MakeApplication();
+  Scope gl(Handle());
+  const auto other = gl->GenTexture();
+  gl->ActiveTexture(RGL_TEXTURE0 + 1);
+  gl->Bind(other, Rgl::Sampler2D);
+  gl->BlendFunc(RGL_DST_COLOR, RGL_ZERO);
+  gl->Color(Qt::green);
+  const Ogl::GlEnum names[] = {RGL_ACTIVE_TEXTURE,
+                               RGL_TEXTURE_BINDING_2D,
+                               RGL_BLEND_SRC_RGB,
+                               RGL_BLEND_DST_RGB,
+                               RGL_CURRENT_COLOR,
+                               RGL_TEXTURE_2D,
+                               RGL_BLEND,
+                               RGL_LIGHTING,
+                               RGL_POLYGON_MODE,
+                               RGL_UNPACK_ALIGNMENT,
+                               RGL_ATTRIB_STACK_DEPTH};
+  const auto state = [&] {
+    std::map<Ogl::GlEnum, std::vector<float>> values;
+    for (const Ogl::GlEnum name : names)
+      gl->GetFloatv(name, (values[name] = std::vector<float>(4)).data());
+    return values;
+  };
+  const auto before = state();
+  Text text("text");
+  text(gl);
+  EXPECT_EQ(state(), before);
+}
