@@ -102,7 +102,8 @@ void DrawVoxel(Utility::Scoped<Rgl>& p_gl) {
 boost::shared_ptr<Ogl::DisplayList> Record(Utility::Scoped<Rgl>& p_gl, void (*p_draw)(Utility::Scoped<Rgl>&)) {
   const boost::shared_ptr<Ogl::DisplayList> list = p_gl->GenDisplayList();
   const boost::shared_ptr<void> recording = list->Compile();
-  p_draw(p_gl);
+  if (list->Name() != 0) // else it would be drawn here and now
+    p_draw(p_gl);
   return list;
 }
 

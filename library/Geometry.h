@@ -25,7 +25,7 @@ namespace Vek::Chart::Library {
 /// All have normals but Voxel. Colour, material, texture and transformation are the caller's; a replay leaves the
 /// current normal (Voxel: the texture coordinate) changed. The lists belong to the context of the constructor's scope,
 /// which must be current when the object is destroyed. A quadric that GL cannot make is reported and leaves its list
-/// empty.
+/// empty; a list that GL cannot make is reported and its shape draws nothing.
 class VEK_LIBRARY_API Geometry {
 public:
   explicit Geometry(const Utility::Unscoped<Rgl>& p_gl);
