@@ -5,6 +5,7 @@
 namespace Vek::Chart::Library {
 
 void Arrow3D::operator()(const Utility::Unscoped<Rgl>& p_gl) const {
+  const Utility::Scoped<Rgl> gl(p_gl); // one for both parts
   const double shaft_length = (1 - headFraction) * length;
 
   Cylinder shaft;

@@ -11,8 +11,9 @@ namespace Vek::Chart::Library {
 
 /// An arrow along +z, in model units: a cylindrical shaft and a conical head, both open. The head is always filled.
 ///
-/// Drawn with the current colour and material and smooth normals. Leaves the GL state as it was: the translation is
-/// undone by its inverse. A quadric that GL cannot make is reported and nothing is drawn.
+/// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
+/// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
+/// cannot make is reported and nothing is drawn.
 class VEK_LIBRARY_API Arrow3D {
 public:
   Types::Vector3_Base<double> position; ///< the tail

@@ -11,8 +11,9 @@ namespace Vek::Chart::Library {
 
 /// An axis-aligned box in model units, drawn by stretching the unit cube of a `Geometry`.
 ///
-/// Drawn with the current colour and material. Leaves the GL state as it was: translation and scaling are undone by
-/// their inverses. An edge of length 0 has no inverse; the matrix is lost then.
+/// Drawn with the current colour and material. Leaves the current normal changed, and nothing else: translation and
+/// scaling are undone by their inverses, so that the matrix returns but for rounding. An edge of length 0 has no
+/// inverse; the matrix is lost then.
 class VEK_LIBRARY_API Cuboid {
 public:
   Types::Property<Types::Vector3_Base<double>> position{Types::Vector3_Base<double>(0, 0, 0)}; ///< the centre

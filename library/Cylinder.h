@@ -12,8 +12,9 @@ namespace Vek::Chart::Library {
 /// An open cylinder or truncated cone along +z, in model units. The default is a frustum whose top has half the radius
 /// of its base.
 ///
-/// Drawn with the current colour and material and smooth normals. Leaves the GL state as it was: the translation is
-/// undone by its inverse. A quadric that GL cannot make is reported and nothing is drawn.
+/// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
+/// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
+/// cannot make is reported and nothing is drawn.
 class VEK_LIBRARY_API Cylinder {
 public:
   Types::Vector3_Base<double> position; ///< the centre of the base

@@ -12,8 +12,9 @@ namespace Vek::Chart::Library {
 /// A disk, or a part of one, in the plane z = position.z, in model units; it faces +z. Not filled, only its silhouette
 /// is drawn. A new disk is empty until it gets a radius.
 ///
-/// Drawn with the current colour and material and smooth normals. Leaves the GL state as it was: the translation is
-/// undone by its inverse. A quadric that GL cannot make is reported and nothing is drawn.
+/// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
+/// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
+/// cannot make is reported and nothing is drawn.
 class VEK_LIBRARY_API Disk {
 public:
   Types::Vector3_Base<double> position; ///< the centre

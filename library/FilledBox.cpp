@@ -13,6 +13,7 @@ Types::Viewport<0> Outline(const Types::Viewport<0>& p_rect) {
 } // namespace
 
 void FilledBox::operator()(const Utility::Unscoped<Rgl>& p_gl) const {
+  const Utility::Scoped<Rgl> gl(p_gl); // one for all parts
   Box box;
   box.lineColor = lineColor;
   box.fillColor = fillColor;

@@ -17,9 +17,9 @@ namespace Vek::Chart::Ogl::Library {
 /// The mesh is built by the constructor from the default fields; changing a field later does not rebuild it. What
 /// drawing reads are `position`, `vertices` and `indices`; indices that name no vertex are reported and left out.
 ///
-/// Drawn with the current colour and material. Leaves the GL state as it was at the origin. Elsewhere the translation
-/// back is issued before `End`, where GL refuses it (GL_INVALID_OPERATION) and the matrix stays moved; callers that
-/// move a ring save the matrix themselves.
+/// Drawn with the current colour and material. Leaves the current normal changed, and at the origin nothing else.
+/// Elsewhere the translation back is issued before `End`, where GL refuses it (GL_INVALID_OPERATION) and the matrix
+/// stays moved; callers that move a ring save the matrix themselves.
 class VEK_LIBRARY_API Ring {
 public:
   Ring();

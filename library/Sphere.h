@@ -11,8 +11,9 @@ namespace Vek::Chart::Library {
 
 /// A sphere, in model units.
 ///
-/// Drawn with the current colour and material and smooth normals. Leaves the GL state as it was: the translation is
-/// undone by its inverse. A quadric that GL cannot make is reported and nothing is drawn.
+/// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
+/// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
+/// cannot make is reported and nothing is drawn.
 class VEK_LIBRARY_API Sphere {
 public:
   Types::Vector3_Base<double> position; ///< the centre

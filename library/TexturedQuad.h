@@ -22,8 +22,9 @@ namespace Vek::Chart::Library {
 /// Corners are truncated toward zero to whole pixels. A rectangle without a positive width and height draws nothing and
 /// touches no GL state. The projection must map pixels to the viewport (`Rgl::PixelProjection`).
 ///
-/// What a call leaves changed: the current colour and texture coordinate, the active texture unit (the attribute stack
-/// restores it), and with several textures the blend function. Textures, enables and the depth function are restored.
+/// What a call leaves changed: the current colour, the current texture coordinate of unit 0, the pixel store's unpack
+/// alignment when a texture is uploaded (it is 1 then), and the blend function when a layer was blended. The attribute
+/// stack restores textures and the active unit, enables and the depth function.
 class VEK_LIBRARY_API TexturedQuad {
 public:
   Types::Viewport<0> rect;

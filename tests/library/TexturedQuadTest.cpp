@@ -1,0 +1,331 @@
+#include "library/TexturedQuad.h"
+
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+using namespace Vek::Chart;
+using Library::Texture;
+using Library::TexturedQuad;
+using Vek::Test::Lines;
+using Vek::Test::PixelAt;
+using Vek::Test::ReportCapture;
+using Vek::Test::SameColor;
+
+namespace {
+
+using Scope = Utility::Scoped<Rgl>;
+using Rect = Types::Viewport<0>;
+
+QImage Plain(int p_width, int p_height, const QColor& p_color = Qt::red) {
+  QImage image(p_width, p_height, QImage::Format_ARGB32);
+  image.fill(p_color);
+  return image;
+}
+
+boost::shared_ptr<Texture> Layer(const QImage& p_image, Scope& p_gl, std::uint32_t p_environment) {
+  boost::shared_ptr<Texture> texture(new Texture(p_image, p_gl));
+  texture->minFilter = texture->magFilter = Texture::Nearest;
+  texture->environment = p_environment;
+  return texture;
+}
+
+TexturedQuad Quad(const Rect& p_rect, std::uint32_t p_border = 0) {
+  TexturedQuad quad;
+  quad.rect = p_rect;
+  quad.border = p_border;
+  return quad;
+}
+
+class TexturedQuadCalls : public Vek::Test::RecordingFixture {
+protected:
+  /// The corners that a quad with one texture sends, as "s t x y".
+  Lines Corners(const TexturedQuad& p_quad, const QImage& p_image) {
+    Scope gl(recorder.Handle());
+    const Texture texture(p_image, gl);
+    recorder.Clear();
+    p_quad(recorder.Handle(), texture);
+    const Lines sent = recorder.LinesOf({"TexCoord2d", "Vertex2i"});
+    Lines corners;
+    const auto arguments = [](const std::string& p_line) {
+      std::string text = p_line.substr(p_line.find('(') + 1);
+      text.pop_back();
+      text.erase(text.find(','), 1);
+      return text;
+    };
+    for (std::size_t i = 0; i + 1 < sent.size(); i += 2)
+      corners.push_back(arguments(sent[i]) + " " + arguments(sent[i + 1]));
+    return corners;
+  }
+};
+
+class TexturedQuadPixels : public Vek::Test::PixelFixture {};
+
+const Lines Bound = {"TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST)",
+                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST)"};
+const Lines Switched = {"Enable(GL_TEXTURE_2D)", "Disable(GL_TEXTURE_GEN_S)", "Disable(GL_TEXTURE_GEN_T)"};
+const Lines OneQuad = {"Begin(GL_QUADS)",  "TexCoord2d(0, 0)", "Vertex2i(1, 2)",   "TexCoord2d(1, 0)", "Vertex2i(4, 2)",
+                       "TexCoord2d(1, 1)", "Vertex2i(4, 6)",   "TexCoord2d(0, 1)", "Vertex2i(1, 6)",   "End()"};
+
+Lines operator+(Lines p_a, const Lines& p_b) {
+  p_a.insert(p_a.end(), p_b.begin(), p_b.end());
+  return p_a;
+}
+
+Lines Bind(unsigned int p_name, const char* p_environment) {
+  return Lines{"ActiveTexture(GL_TEXTURE0)", "BindTexture(GL_TEXTURE_2D, " + std::to_string(p_name) + ")"} + Bound +
+         Lines{std::string("TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, ") + p_environment + ")"} + Switched;
+}
+
+} // namespace
+
+TEST_F(TexturedQuadCalls, OneTexture) {
+  Scope gl(recorder.Handle());
+  const auto texture = Layer(Plain(9, 3), gl, Texture::Modulate);
+  (*texture)(gl, RGL_TEXTURE0);
+  TexturedQuad quad = Quad({1.9f, 2.5f, 3, 4});
+  quad.color = QColor(255, 0, 51, 102);
+  recorder.Clear();
+  quad(recorder.Handle(), *texture);
+  EXPECT_EQ(recorder.Lines(), (Lines{"Color4d(1, 0, 0.2, 0.4)", "PushAttrib(GL_ENABLE_BIT|GL_TEXTURE_BIT)"} +
+                               Bind(1001, "GL_MODULATE") + OneQuad + Lines{"PopAttrib()"}));
+}
+
+TEST_F(TexturedQuadCalls, Layers) {
+  Scope gl(recorder.Handle());
+  // The lowest layer's setting does not count; 7 leaves everything as it is.
+  std::vector<boost::shared_ptr<Texture>> textures;
+  for (const std::uint32_t environment : {1U, 2U, 1U, 0U, 7U}) {
+    textures.push_back(Layer(Plain(9, 3), gl, environment));
+    (*textures.back())(gl, RGL_TEXTURE0);
+  }
+  recorder.Clear();
+  Quad({1, 2, 3, 4})(recorder.Handle(), textures);
+  const Lines always = {"DepthFunc(GL_ALWAYS)"};
+  const Lines replaced = {"TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE)"};
+  const Lines unset = Lines{"ActiveTexture(GL_TEXTURE0)", "BindTexture(GL_TEXTURE_2D, 1005)"} + Bound + Switched;
+  EXPECT_EQ(recorder.Lines(),
+            (Lines{"Color4d(1, 1, 1, 1)", "PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT)"} +
+             Bind(1001, "GL_DECAL") + OneQuad +                                                    //
+             always + Lines{"Disable(GL_BLEND)"} + Bind(1002, "GL_REPLACE") + replaced + OneQuad + //
+             always +
+             Lines{"Enable(GL_BLEND)", "BlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ZERO, GL_ONE)"} +
+             Bind(1003, "GL_DECAL") + replaced + OneQuad + //
+             always + Lines{"Enable(GL_BLEND)", "BlendFuncSeparate(GL_DST_COLOR, GL_ZERO, GL_DST_ALPHA, GL_ZERO)"} +
+             Bind(1004, "GL_MODULATE") + replaced + OneQuad + //
+             always + unset + replaced + OneQuad + Lines{"PopAttrib()"}));
+}
+
+TEST_F(TexturedQuadCalls, NothingWithoutASize) {
+  Scope gl(recorder.Handle());
+  const auto texture = Layer(Plain(9, 3), gl, 0);
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  recorder.Clear();
+  for (const Rect& rect : {Rect{0, 0, 0, 5}, Rect{0, 0, 5, 0}, Rect{0, 0, -1, 5}, Rect{0, 0, 5, -1}, Rect{0, 0, nan, 5},
+                           Rect{0, 0, 5, nan}, Rect()}) {
+    Quad(rect)(recorder.Handle(), *texture);
+    Quad(rect, 3)(recorder.Handle(), {texture, texture});
+  }
+  EXPECT_EQ(recorder.Lines(), Lines());
+  Quad({0, 0, 1, 1})(recorder.Handle(), std::vector<boost::shared_ptr<Texture>>());
+  EXPECT_EQ(recorder.Lines(), (Lines{"Color4d(1, 1, 1, 1)",
+                                     "PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT)", "PopAttrib()"}))
+      << "no layers";
+}
+
+TEST_F(TexturedQuadCalls, LeavesOutAMissingLayer) {
+  Scope gl(recorder.Handle());
+  const auto texture = Layer(Plain(9, 3), gl, Texture::Replace);
+  const ReportCapture reports;
+  Quad({1, 2, 3, 4})(recorder.Handle(), {{}, texture});
+  EXPECT_EQ(reports.Texts(),
+            Lines{"\"void*(obj)\" - void __cdecl Vek::Chart::Library::TexturedQuad::operator ()(const class "
+                  "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &,class std::vector<class "
+                  "boost::shared_ptr<class Vek::Chart::Library::Texture>,class std::allocator<class "
+                  "boost::shared_ptr<class Vek::Chart::Library::Texture> > >) const"});
+  EXPECT_EQ(recorder.LinesOf({"Vertex2i"}).size(), 4u);
+}
+
+TEST_F(TexturedQuadCalls, TruncatesTowardZero) {
+  const struct {
+    const char* name;
+    Rect rect;
+    std::uint32_t border;
+    Lines expected;
+  } cases[] = {
+      {"both ends of the sum", {1.75f, 1.75f, 3.5f, 1.125f}, 0, {"0 0 1 1", "1 0 5 1", "1 1 5 2", "0 1 1 2"}},
+      {"negative", {-1.75f, -0.5f, 3, 4}, 0, {"0 0 -1 0", "1 0 1 0", "1 1 1 3", "0 1 -1 3"}},
+      {"summed in single precision",
+       {16777216, 0, 1, 1},
+       0,
+       {"0 0 16777216 0", "1 0 16777216 0", "1 1 16777216 1", "0 1 16777216 1"}},
+      {"far out",
+       {-1e20f, 0, 2e20f, 1},
+       0,
+       {"0 0 -2147483648 0", "1 0 2147483647 0", "1 1 2147483647 1", "0 1 -2147483648 1"}},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(Corners(Quad(c.rect, c.border), Plain(9, 3)), c.expected) << c.name;
+}
+
+TEST_F(TexturedQuadCalls, NinePatch) {
+  // s1 = 10 / 64, t1 = 10 / 32; the rectangle ends at trunc(trunc(2.9) + 50.2) = 52, not at 53.
+  EXPECT_EQ(Corners(Quad({2.9f, 3, 50.2f, 40}, 10), Plain(64, 32)), (Lines{
+                                                                        "0 0 2 3",
+                                                                        "0.15625 0 12 3",
+                                                                        "0.15625 0.3125 12 13",
+                                                                        "0 0.3125 2 13", // bottom left
+                                                                        "0.15625 0 12 3",
+                                                                        "0.84375 0 42 3",
+                                                                        "0.84375 0.3125 42 13",
+                                                                        "0.15625 0.3125 12 13", //
+                                                                        "0.84375 0 42 3",
+                                                                        "1 0 52 3",
+                                                                        "1 0.3125 52 13",
+                                                                        "0.84375 0.3125 42 13", //
+                                                                        "0 0.3125 2 13",
+                                                                        "0.15625 0.3125 12 13",
+                                                                        "0.15625 0.6875 12 33",
+                                                                        "0 0.6875 2 33", // middle
+                                                                        "0.15625 0.3125 12 13",
+                                                                        "0.84375 0.3125 42 13",
+                                                                        "0.84375 0.6875 42 33",
+                                                                        "0.15625 0.6875 12 33", //
+                                                                        "0.84375 0.3125 42 13",
+                                                                        "1 0.3125 52 13",
+                                                                        "1 0.6875 52 33",
+                                                                        "0.84375 0.6875 42 33", //
+                                                                        "0 0.6875 2 33",
+                                                                        "0.15625 0.6875 12 33",
+                                                                        "0.15625 1 12 43",
+                                                                        "0 1 2 43", // top
+                                                                        "0.15625 0.6875 12 33",
+                                                                        "0.84375 0.6875 42 33",
+                                                                        "0.84375 1 42 43",
+                                                                        "0.15625 1 12 43", //
+                                                                        "0.84375 0.6875 42 33",
+                                                                        "1 0.6875 52 33",
+                                                                        "1 1 52 43",
+                                                                        "0.84375 1 42 43",
+                                                                    }));
+}
+
+TEST_F(TexturedQuadCalls, NinePatchesThatDoNotFit) {
+  // Only where the quads begin and end: the columns of the lower row, then of the middle and the upper one.
+  const struct {
+    const char* name;
+    Rect rect;
+    std::uint32_t border;
+    Lines expected; ///< lower left and upper right pixel of each quad
+  } cases[] = {
+      {"no middle column, whose centre is sent all the same",
+       {0, 0, 15, 40},
+       10,
+       {"0 0-10 10", "10 0-15 10", "0 10-10 30", "10 10-10 30", "10 10-15 30", "0 30-10 40", "10 30-15 40"}},
+      {"no middle row",
+       {0, 0, 40, 15},
+       10,
+       {"0 0-10 10", "10 0-30 10", "30 0-40 10", "0 10-10 15", "10 10-30 15", "30 10-40 15"}},
+      {"just without a middle", {0, 0, 20, 20}, 10, {"0 0-10 10", "10 0-20 10", "0 10-10 20", "10 10-20 20"}},
+      {"smaller than a border", {5, 5, 4, 4}, 10, {"5 5-15 15", "15 5-9 15", "5 15-15 9", "15 15-9 9"}},
+  };
+  for (const auto& c : cases) {
+    const Lines corners = Corners(Quad(c.rect, c.border), Plain(64, 64));
+    const auto pixel = [](const std::string& p_corner) {
+      return p_corner.substr(p_corner.find(' ', p_corner.find(' ') + 1) + 1);
+    };
+    Lines quads;
+    for (std::size_t i = 0; i < corners.size(); i += 4)
+      quads.push_back(pixel(corners[i]) + "-" + pixel(corners[i + 2]));
+    EXPECT_EQ(quads, c.expected) << c.name;
+  }
+  // A border beyond all pixels.
+  EXPECT_EQ(Corners(Quad({0, 0, 4, 4}, 0xFFFFFFFFU), Plain(64, 64)).size(), 16u);
+  // A texture of no size: the coordinates are infinite, and sent.
+  const ReportCapture reports;
+  EXPECT_EQ(Corners(Quad({0, 0, 40, 40}, 10), QImage()).size(), 36u);
+}
+
+TEST_F(TexturedQuadPixels, CornersKeepTheSizeOfTexels) {
+  // 9 × 9 texels: 3 × 3 patches of one colour each, and a dark texel in the middle of each corner patch.
+  QImage image(9, 9, QImage::Format_ARGB32);
+  for (int y = 0; y < 9; ++y)
+    for (int x = 0; x < 9; ++x)
+      image.setPixel(x, y, qRgb(60 + 60 * (x / 3), 60 + 60 * (y / 3), 30));
+  for (const int x : {1, 7})
+    for (const int y : {1, 7})
+      image.setPixel(x, y, qRgb(1, 2, 3));
+  Scope gl(Handle());
+  const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
+  const auto texture = Layer(image, gl, Texture::Replace);
+  const Rect rect(5, 4, 47, 23);
+  Quad(rect, 3)(Handle(), *texture);
+  QImage expected(FrameSize.width, FrameSize.height, QImage::Format_ARGB32);
+  expected.fill(Qt::transparent);
+  for (int y = 0; y < 23; ++y)
+    for (int x = 0; x < 47; ++x) {
+      const int s = x < 3 ? x : x >= 44 ? x - 38 : 4, t = y < 3 ? y : y >= 20 ? y - 14 : 4;
+      expected.setPixel(5 + x, FrameSize.height - 1 - (4 + y), image.pixel(s, 8 - t));
+    }
+  EXPECT_TRUE(Vek::Test::SameImage(Image(), expected));
+}
+
+TEST_F(TexturedQuadPixels, BlendsLayers) {
+  Scope gl(Handle());
+  const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
+  gl->Enable(RGL_DEPTH_TEST); // without ALWAYS no layer would pass: all have one depth
+  const struct {
+    const char* name;
+    std::uint32_t environment;
+    QColor over;
+    QColor expected;
+  } cases[] = {
+      {"replaced", 2, QColor(10, 20, 30, 40), QColor(10, 20, 30, 40)},
+      {"blended by alpha, whose own alpha is kept", 1, QColor(255, 0, 85, 51), QColor(131, 80, 57, 204)},
+      {"multiplied", 0, QColor(51, 255, 0, 128), QColor(20, 100, 0, 102)},
+  };
+  TexturedQuad quad = Quad({2, 2, 20, 10});
+  quad.color = QColor(255, 0, 0); // for the first layer only, and its environment is Replace
+  for (const auto& c : cases) {
+    gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+    quad(Handle(),
+         {Layer(Plain(4, 4, QColor(100, 100, 50, 204)), gl, 2), Layer(Plain(5, 3, c.over), gl, c.environment)});
+    EXPECT_TRUE(SameColor(PixelAt(Image(), 10, 6), c.expected, 1)) << c.name;
+    EXPECT_EQ(qAlpha(PixelAt(Image(), 22, 6)), 0) << c.name;
+  }
+}
+
+TEST_F(TexturedQuadPixels, TheFirstLayerIsTintedAndTestsDepth) {
+  Scope gl(Handle());
+  const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
+  TexturedQuad quad = Quad({2, 2, 20, 10});
+  quad.color = QColor(51, 255, 102);
+  const auto texture = Layer(Plain(4, 4, QColor(200, 100, 50)), gl, Texture::Modulate);
+  quad(Handle(), *texture);
+  EXPECT_TRUE(SameColor(PixelAt(Image(), 10, 6), QColor(40, 100, 20), 1));
+  // Something nearer hides the first layer, but not the second one.
+  gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+  gl->Enable(RGL_DEPTH_TEST);
+  gl->Color(Qt::blue);
+  gl->Begin(RGL_QUADS);
+  gl->Vertex(0, 0, 0.5);
+  gl->Vertex(12, 0, 0.5);
+  gl->Vertex(12, 30, 0.5);
+  gl->Vertex(0, 30, 0.5);
+  gl->End();
+  quad(Handle(), *texture);
+  EXPECT_TRUE(SameColor(PixelAt(Image(), 10, 6), Qt::blue));
+  EXPECT_TRUE(SameColor(PixelAt(Image(), 14, 6), QColor(40, 100, 20), 1));
+  quad(Handle(), {texture, Layer(Plain(1, 1, Qt::green), gl, Texture::Replace)});
+  EXPECT_TRUE(SameColor(PixelAt(Image(), 10, 6), Qt::green));
+}
