@@ -1,0 +1,47 @@
+#include "fuzz/FuzzTarget.h"
+#include "library/HdrImage.h"
+
+#include <cstdlib>
+#include <stdexcept>
+
+using namespace Vek::Chart::Library;
+
+namespace {
+
+/// Whether some line may be a resolution that takes long: neither small nor refused.
+bool IsSlow(const std::string& p_text) {
+  std::istringstream text(p_text);
+  for (std::string line; std::getline(text, line);) {
+    std::istringstream words(line);
+    std::string axis;
+    double height = 0;
+    double width = 0;
+    words >> axis >> height >> axis >> width;
+    const bool refused = height * width > Vek::Fuzz::RefusedClaim && 4 * height > static_cast<double>(p_text.size());
+    if (height * width > Vek::Fuzz::SlowClaim && !refused)
+      return true;
+  }
+  return false;
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* p_bytes, std::size_t p_size) {
+  std::istringstream input = Vek::Fuzz::Input(p_bytes, p_size);
+  if (IsSlow(input.str()))
+    return 0;
+  try {
+    const HdrImage image(input);
+    const std::size_t count = static_cast<std::size_t>(image.Width()) * static_cast<std::size_t>(image.Height());
+    if (image.Pixels().size() != count)
+      std::abort();
+    for (const HdrImage::Rgb32F& pixel : image.Pixels())
+      if (!(pixel.red >= 0 && pixel.green >= 0 && pixel.blue >= 0))
+        std::abort();
+    std::ostringstream map;
+    image.SaveAsPFM(map);
+  } catch (const std::out_of_range&) { // the two that the loader may throw
+  } catch (const std::length_error&) {
+  }
+  return 0;
+}
