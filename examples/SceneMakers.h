@@ -12,5 +12,6 @@ std::unique_ptr<Scene> MakeSymbols(Utility::Scoped<Rgl>& p_gl, const Inputs& p_i
 std::unique_ptr<Scene> MakeEarthquakes(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeAtlas(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeHdr(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+std::unique_ptr<Scene> MakePicking(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 
 } // namespace Vek::Chart::Gallery

@@ -29,6 +29,11 @@ const std::vector<SceneEntry>& Scenes() {
        "that "
        "is marked: what one exposure burns out or drowns, another shows.",
        "examples/Hdr.cpp", MakeHdr},
+      {"picking",
+       "Places in the world under seven pixels, read from one drawing by a TopMostFragmentDepthBuffer. On the right, "
+       "all "
+       "the depths that DepthCodec unpacks from that drawing's colours, beside the true depth buffer.",
+       "examples/Picking.cpp", MakePicking},
   };
   return scenes;
 }

@@ -73,6 +73,17 @@ Camera::Pixel Camera::Project(const Point& p_point, const Types::Viewport<0>& p_
           static_cast<double>(p_viewport.y) + height / 2 + Dot(from_eye, axes.up) * scale, true};
 }
 
+Point Camera::Unproject(const Pixel& p_pixel, double p_depth, const Types::Viewport<0>& p_viewport) const {
+  const double width = static_cast<double>(p_viewport.width);
+  const double height = static_cast<double>(p_viewport.height);
+  const std::array<double, 16> projection = ProjectionMatrix(width / height);
+  const double x = 2 * (p_pixel.x - static_cast<double>(p_viewport.x)) / width - 1;
+  const double y = 2 * (p_pixel.y - static_cast<double>(p_viewport.y)) / height - 1;
+  const double ahead = projection[14] / (2 * p_depth - 1 + projection[10]);
+  const Frame axes = Axes(*this);
+  return Eye() + (axes.right * (x / projection[0]) + axes.up * (y / projection[5]) - axes.back) * ahead;
+}
+
 void Camera::Orbit(double p_azimuth, double p_elevation) {
   azimuth = std::fmod(azimuth + p_azimuth, 360.0);
   elevation = std::clamp(elevation + p_elevation, -90.0, 90.0);

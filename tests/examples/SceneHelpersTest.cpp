@@ -89,6 +89,21 @@ TEST(Camera, ProjectsAsItsMatricesDo) {
   }
 }
 
+TEST(Camera, UnprojectsTheDepthsOfItsMatrices) {
+  const Types::Viewport<0> viewport(7, 11, 290, 140);
+  Camera camera;
+  camera.target = {1, -2, 0.5};
+  camera.azimuth = 33;
+  camera.elevation = 21;
+  const std::array<double, 16> projection = camera.ProjectionMatrix(290.0 / 140.0);
+  for (const Point& point : {Point(1, -2, 0.5), Point(-1, 0, 2), Point(2.5, -3, -0.5)}) {
+    const double ahead = Dot(point - camera.Eye(), Normalize(camera.target - camera.Eye()));
+    const double depth = (projection[14] / ahead - projection[10] + 1) / 2;
+    const Point found = camera.Unproject(camera.Project(point, viewport), depth, viewport);
+    EXPECT_LT(Length(found - point), 1e-9) << point.x;
+  }
+}
+
 TEST(MapFrame, WrapsLongitudesIntoTheMap) {
   const MapFrame world(-180, 180, -80, 84);
   EXPECT_TRUE(world.IsGlobal());

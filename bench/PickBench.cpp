@@ -1,0 +1,106 @@
+#include "library/RenderTexture.h"
+#include "library/TopMostFragmentDepthBuffer.h"
+#include "platform/ogl/OffscreenContext.h"
+
+#include <benchmark/benchmark.h>
+
+#include <boost/array.hpp>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <vector>
+
+// A pick on an unchanged scene beside reads of one pixel, in turns within one run. The counters are ratios of medians:
+// `pick/read` over a bare read from the frame buffer that is bound already, `pick/bound_read` over one that binds the
+// target first and the host's frame buffer after, which no pick can do without. `renders` counts the drawings of the
+// scene for all the picks.
+
+using namespace Vek::Chart;
+using Library::DepthCodec;
+
+namespace {
+
+constexpr Types::Size Size{800, 600};
+
+double Median(std::vector<double>& p_values) {
+  const auto middle = p_values.begin() + static_cast<std::ptrdiff_t>(p_values.size() / 2);
+  std::nth_element(p_values.begin(), middle, p_values.end());
+  return *middle;
+}
+
+/// Of one call, as the mean of a short run.
+template <class Function>
+double SecondsOf(const Function& p_function) {
+  constexpr int Calls = 50;
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < Calls; ++i)
+    p_function();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / Calls;
+}
+
+/// A triangle in the packed colour of the depth 0.5.
+void DrawScene(Utility::Scoped<Rgl>& p_gl) {
+  const boost::array<unsigned char, 4> bytes = DepthCodec::Encode(0.5F);
+  p_gl->Color(QColor(bytes[0], bytes[1], bytes[2], bytes[3]));
+  p_gl->Begin(RGL_TRIANGLES);
+  p_gl->Vertex(-1, -1, 0);
+  p_gl->Vertex(3, -1, 0);
+  p_gl->Vertex(-1, 3, 0);
+  p_gl->End();
+}
+
+void Picks(benchmark::State& p_state) {
+  Ogl::OffscreenContext context(Size);
+  Utility::Scoped<Rgl> gl(context.Handle());
+  DrawScene(gl);
+  const Library::RenderTexture target(Size);
+  {
+    const auto bound = target.BindForDraw(gl);
+    DrawScene(gl);
+  }
+  const Types::Pos position(Size.width / 2, Size.height / 2);
+  const auto read = [&] {
+    std::array<unsigned char, 4> bytes{};
+    gl->ReadPixels(position.x, position.y, 1, 1, RGL_RGBA, RGL_UNSIGNED_BYTE, bytes.data());
+    benchmark::DoNotOptimize(bytes);
+  };
+  const auto bound_read = [&] {
+    const auto bound = target.BindForRead(gl);
+    read();
+  };
+
+  Library::TopMostFragmentDepthBuffer picker;
+  const Core::TimeStamp stamp;
+  const Types::Viewport<0> viewport(0, 0, Size.width, Size.height);
+  int renders = 0;
+  int misses = 0;
+  const auto pick = [&] {
+    const bool hit = picker.GetDepthAt(
+        gl, viewport, position, stamp,
+        [&](DepthCodec::Encoding) {
+          ++renders;
+          DrawScene(gl);
+        },
+        [](unsigned int, float) {});
+    misses += hit ? 0 : 1;
+  };
+
+  std::vector<double> reads;
+  std::vector<double> bound_reads;
+  std::vector<double> picks;
+  for (auto _ : p_state) {
+    reads.push_back(SecondsOf(read));
+    bound_reads.push_back(SecondsOf(bound_read));
+    picks.push_back(SecondsOf(pick));
+    p_state.SetIterationTime(picks.back());
+  }
+  if (misses != 0)
+    p_state.SkipWithError("a pick missed");
+  p_state.counters["pick/read"] = Median(picks) / Median(reads);
+  p_state.counters["pick/bound_read"] = Median(picks) / Median(bound_reads);
+  p_state.counters["renders"] = renders;
+}
+BENCHMARK(Picks)->UseManualTime()->Iterations(400);
+
+} // namespace

@@ -1,0 +1,293 @@
+// Picking by depth. A scene is drawn once with its depths as colours; a TopMostFragmentDepthBuffer then answers how
+// deep the surface under a pixel lies, which the camera turns into a place in the world. Beside it, all the decoded
+// depths and the true depth buffer of the same drawing.
+
+#include "examples/SceneMakers.h"
+
+#include "examples/scene/DepthPass.h"
+#include "examples/scene/Lettering.h"
+#include "examples/scene/Light.h"
+#include "examples/scene/Overlay.h"
+#include "examples/scene/Theme.h"
+
+#include "library/DepthCodec.h"
+#include "library/RenderTexture.h"
+#include "library/Texture.h"
+#include "library/TopMostFragmentDepthBuffer.h"
+#include "library/VectorSymbol.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+#include <tuple>
+#include <utility>
+
+namespace Vek::Chart::Gallery {
+
+namespace {
+
+using Library::DepthCodec;
+using Library::RenderTexture;
+using Library::VectorSymbol;
+using Point = Types::Vector3_Base<double>;
+
+/// A glyph's mesh, scaled, turned about z, and placed.
+struct Item {
+  Model::Symbol::Shape shape;
+  Point position;
+  Point scale;
+  double turn; ///< degrees
+  QColor color;
+};
+
+const QColor Gold(0xE3B04B);
+const QColor Teal(0x3FA7A0);
+const QColor Coral(0xE0705A);
+const QColor Violet(0x9A7BD0);
+const QColor Blue(0x5B8FD9);
+const QColor Stone(0x8B93A0);
+
+const std::vector<Item>& Items() {
+  using namespace Model::Symbol;
+  static const std::vector<Item> items = {
+      {ShapeCube, {0, 0, -0.1}, {12, 9, 0.2}, 0, Stone},
+      {ShapeSphere, {-3.2, 1.4, 1.3}, {2.6, 2.6, 2.6}, 0, Gold},
+      {ShapeCube, {0.6, 2.4, 1.1}, {2.2, 2.2, 2.2}, 28, Teal},
+      {ShapeArrowHead3D, {3.7, 0.9, 0}, {4.4, 4.4, 3.4}, 0, Coral},
+      {ShapeArrow3D, {-0.6, -0.6, 0}, {2.2, 2.2, 0.95}, 0, Blue},
+      {ShapeCircularArrow3D, {1.9, -2.2, 0.6}, {2.6, 2.6, 1.2}, 40, Violet},
+      {ShapeCube, {-3.4, -2.3, 0.5}, {1, 1, 1}, 15, Coral},
+      {ShapeCube, {-3.3, -2.25, 1.4}, {0.8, 0.8, 0.8}, 50, Gold},
+      {ShapeSphere, {-1.6, -2.7, 0.45}, {0.9, 0.9, 0.9}, 0, Teal},
+      {ShapeSphere, {4.6, -2.6, 0.6}, {1.2, 1.2, 1.2}, 0, Gold},
+  };
+  return items;
+}
+
+/// What is pointed at, as places that the picture shows; the last one is beside everything.
+constexpr std::array<Point, 7> Targets = {{{-3.2, 1.4, 1.9},
+                                           {0.6, 2.4, 2.2},
+                                           {3.7, 0.9, 1.4},
+                                           {-0.6, -0.6, 2.4},
+                                           {-3.3, -2.25, 1.5},
+                                           {4.6, -2.6, 0.7},
+                                           {5.4, 3.5, 4.2}}};
+
+/// Light is near, dark is far; transparent where nothing was drawn.
+QRgb Grey(double p_depth, double p_nearest, double p_farthest) {
+  const double far = std::clamp((p_depth - p_nearest) / std::max(p_farthest - p_nearest, 1e-9), 0.0, 1.0);
+  const int grey = static_cast<int>(std::lround(245 - 200 * far));
+  return qRgb(grey, grey, grey);
+}
+
+float Decoded(QRgb p_pixel) {
+  const auto byte = [](int p_value) { return static_cast<unsigned char>(p_value); };
+  return DepthCodec::Decode(
+      {{byte(qRed(p_pixel)), byte(qGreen(p_pixel)), byte(qBlue(p_pixel)), byte(qAlpha(p_pixel))}});
+}
+
+/// The depths of a whole picture, and what came of packing them.
+struct Depths {
+  QImage decoded;
+  QImage truth;
+  double largest_error = 0;
+};
+
+Depths Compare(const QImage& p_packed, const std::vector<float>& p_truth) {
+  Depths depths{QImage(p_packed.size(), QImage::Format_ARGB32), QImage(p_packed.size(), QImage::Format_ARGB32), 0};
+  depths.decoded.fill(Qt::transparent);
+  depths.truth.fill(Qt::transparent);
+  const auto width = static_cast<std::size_t>(p_packed.width());
+  if (p_truth.size() != width * static_cast<std::size_t>(p_packed.height()))
+    return depths;
+  double nearest = 1;
+  double farthest = 0;
+  for (const float depth : p_truth)
+    if (depth < 1.0F) {
+      nearest = std::min(nearest, static_cast<double>(depth));
+      farthest = std::max(farthest, static_cast<double>(depth));
+    }
+  for (int y = 0; y < p_packed.height(); ++y)
+    for (int x = 0; x < p_packed.width(); ++x) {
+      const auto row = static_cast<std::size_t>(p_packed.height() - 1 - y); // the buffer's lowest row is the first
+      const double truth = static_cast<double>(p_truth[row * width + static_cast<std::size_t>(x)]);
+      const double decoded = static_cast<double>(Decoded(p_packed.pixel(x, y)));
+      depths.largest_error = std::max(depths.largest_error, std::abs(decoded - truth));
+      if (decoded < 1)
+        depths.decoded.setPixel(x, y, Grey(decoded, nearest, farthest));
+      if (truth < 1)
+        depths.truth.setPixel(x, y, Grey(truth, nearest, farthest));
+    }
+  return depths;
+}
+
+class PickingScene : public Scene {
+public:
+  explicit PickingScene(Utility::Scoped<Rgl>& p_gl)
+      : _pass(p_gl) {
+    for (const Item& item : Items())
+      if (_meshes.find(item.shape) == _meshes.end())
+        VectorSymbol(item.shape, 64).BuildShape(_meshes[item.shape]);
+  }
+
+  Camera StartCamera() const override {
+    Camera camera;
+    camera.target = {0, 0, 0.75};
+    camera.azimuth = 24;
+    camera.elevation = 30;
+    camera.field_of_view = 23;
+    camera.distance = 31;
+    camera.radius = 8.5;
+    return camera;
+  }
+
+  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
+    DrawBackground(p_gl, p_view, _lettering);
+    const View scene{p_view.camera, Part(p_view, MainPart)};
+    DrawLit(p_gl, scene);
+    const std::vector<Pick> picks = PickAll(p_gl, scene);
+    const Depths depths = ReadAll(p_gl, scene, Part(p_view, DecodedPart));
+    Overlay overlay(p_gl, p_view, _lettering);
+    overlay.Title("Picking", "Where in the world a pixel lies, told by its depth");
+    DrawPanel(p_gl, overlay, p_view, depths.decoded, DecodedPart, "Depths unpacked from the colours of the picture");
+    DrawPanel(p_gl, overlay, p_view, depths.truth, TruePart, "The true depth buffer");
+    overlay.Text("Largest difference: " + QString::number(depths.largest_error, 'f', 5) + " = " +
+                     QString::number(depths.largest_error * 255, 'f', 2) + " / 255",
+                 TruePart.left, TruePart.bottom - 18, {0, 1}, {Theme::SmallSize, Theme::Title, false});
+    overlay.Text("Packing cuts off what a byte does not hold.", TruePart.left, TruePart.bottom - 44, {0, 1},
+                 {Theme::SmallSize, Theme::Faint, false});
+    for (const Pick& pick : picks)
+      DrawPick(overlay, p_view, pick);
+  }
+
+private:
+  /// A pixel that was pointed at, and what was found there.
+  struct Pick {
+    Camera::Pixel pixel;
+    bool hit = false;
+    Point place;
+  };
+
+  static constexpr Overlay::Rect MainPart{0, 30, 1090, 930};
+  static constexpr Overlay::Rect DecodedPart{1112, 545, 1552, 545 + 440 * 900.0 / 1090};
+  static constexpr Overlay::Rect TruePart{1112, 115, 1552, 115 + 440 * 900.0 / 1090};
+
+  /// Points of the whole view as pixels of the window.
+  static Types::Viewport<0> Part(const View& p_view, const Overlay::Rect& p_rect) {
+    const auto pixels = [&](double p_points) { return static_cast<float>(std::floor(p_points * p_view.PointSize())); };
+    return {p_view.viewport.x + pixels(p_rect.left), p_view.viewport.y + pixels(p_rect.bottom),
+            pixels(p_rect.right - p_rect.left), pixels(p_rect.top - p_rect.bottom)};
+  }
+
+  void DrawItems(Utility::Scoped<Rgl>& p_gl, const Camera& p_camera, const Types::Viewport<0>& p_viewport) const {
+    const auto camera = p_camera.Apply(p_gl, p_viewport);
+    for (const Item& item : Items()) {
+      p_gl->PushMatrix();
+      p_gl->Translate(item.position);
+      p_gl->Rotate(Types::Angle::FromDegrees(item.turn), {0, 0, 1});
+      p_gl->Scale(item.scale);
+      p_gl->Color(item.color);
+      _meshes.at(item.shape).Draw(p_gl);
+      p_gl->PopMatrix();
+    }
+  }
+
+  void DrawLit(Utility::Scoped<Rgl>& p_gl, const View& p_scene) const {
+    const auto state = p_gl->PushAttribScope(RGL_VIEWPORT_BIT | RGL_ENABLE_BIT | RGL_CURRENT_BIT);
+    p_gl->Viewport(p_scene.viewport);
+    const auto light = Light().Apply(p_gl);
+    p_gl->Enable(RGL_COLOR_MATERIAL);
+    DrawItems(p_gl, p_scene.camera, p_scene.viewport);
+  }
+
+  std::vector<Pick> PickAll(Utility::Scoped<Rgl>& p_gl, const View& p_scene) {
+    const Core::TimeStamp stamp; // of the view as it is now: all picks share one drawing
+    std::vector<Pick> picks;
+    for (const Point& target : Targets) {
+      Pick pick;
+      pick.pixel = p_scene.Project(target);
+      if (!pick.pixel.visible)
+        continue;
+      const int x = static_cast<int>(std::floor(pick.pixel.x - static_cast<double>(p_scene.viewport.x)));
+      const int y = static_cast<int>(std::floor(pick.pixel.y - static_cast<double>(p_scene.viewport.y)));
+      if (x < 0 || y < 0 || x >= static_cast<int>(p_scene.viewport.width) ||
+          y >= static_cast<int>(p_scene.viewport.height))
+        continue;
+      pick.hit = _picker.GetDepthAt(
+          p_gl, p_scene.viewport, {x, y}, stamp,
+          [&](DepthCodec::Encoding) { _pass.Draw(p_gl, [&] { DrawItems(p_gl, p_scene.camera, p_scene.viewport); }); },
+          [&](unsigned int, float p_depth) {
+            pick.place = p_scene.camera.Unproject({x + 0.5, y + 0.5, true}, static_cast<double>(p_depth),
+                                                  {0, 0, p_scene.viewport.width, p_scene.viewport.height});
+          });
+      picks.push_back(pick);
+    }
+    return picks;
+  }
+
+  /// The same drawing in the size of a panel, its colours decoded and its depth buffer.
+  Depths ReadAll(Utility::Scoped<Rgl>& p_gl, const View& p_scene, const Types::Viewport<0>& p_panel) const {
+    const RenderTexture target({static_cast<int>(p_panel.width), static_cast<int>(p_panel.height)});
+    {
+      const auto bound = target.BindForDraw(p_gl);
+      _pass.Draw(p_gl, [&] { DrawItems(p_gl, p_scene.camera, p_panel); });
+    }
+    return Compare(target.ToImage(p_gl), target.ReadDepths(p_gl));
+  }
+
+  static void DrawPanel(Utility::Scoped<Rgl>& p_gl, Overlay& p_overlay, const View& p_view, const QImage& p_image,
+                        const Overlay::Rect& p_rect, const QString& p_title) {
+    p_overlay.Fill(p_rect, Theme::BackgroundBottom);
+    const double point = p_view.PointSize();
+    if (!p_image.isNull()) {
+      const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
+      Library::Texture texture(p_image, p_gl);
+      texture(p_gl, RGL_TEXTURE0);
+      p_gl->Begin(RGL_QUADS);
+      for (const auto& [s, t] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}}) {
+        p_gl->TexCoord(s, t);
+        p_gl->Vertex((s == 0 ? p_rect.left : p_rect.right) * point, (t == 0 ? p_rect.bottom : p_rect.top) * point, 0.0);
+      }
+      p_gl->End();
+    }
+    p_overlay.Line(p_rect.left, p_rect.bottom, p_rect.right, p_rect.bottom, 1, Theme::Line);
+    p_overlay.Line(p_rect.left, p_rect.top, p_rect.right, p_rect.top, 1, Theme::Line);
+    p_overlay.Line(p_rect.left, p_rect.bottom, p_rect.left, p_rect.top, 1, Theme::Line);
+    p_overlay.Line(p_rect.right, p_rect.bottom, p_rect.right, p_rect.top, 1, Theme::Line);
+    p_overlay.Text(p_title, p_rect.left, p_rect.top + 8, {0, 0}, {Theme::SmallSize, Theme::Text, false});
+  }
+
+  static void DrawPick(Overlay& p_overlay, const View& p_view, const Pick& p_pick) {
+    const double x = (p_pick.pixel.x - static_cast<double>(p_view.viewport.x)) / p_view.PointSize();
+    const double y = (p_pick.pixel.y - static_cast<double>(p_view.viewport.y)) / p_view.PointSize();
+    const QColor dark(10, 14, 20, 230);
+    for (const auto& [width, length, color] : {std::tuple(5.0, 15.0, dark), {2.0, 13.5, QColor(Qt::white)}}) {
+      p_overlay.Line(x - length, y, x + length, y, width, color);
+      p_overlay.Line(x, y - length, x, y + length, width, color);
+    }
+    const auto number = [](double p_value) { return QString::number(p_value, 'f', 2).replace('-', QChar(0x2212)); };
+    const QString text = p_pick.hit
+                             ? number(p_pick.place.x) + ", " + number(p_pick.place.y) + ", " + number(p_pick.place.z)
+                             : QString("nothing here");
+    const bool near_panels = x > MainPart.right - 200;
+    const double text_x = near_panels ? x - 12 : x + 12;
+    const Lettering::Anchor anchor{near_panels ? 1.0 : 0.0, 0.5};
+    for (const auto& [dx, dy] : {std::pair(-1.5, 0.0), {1.5, 0.0}, {0.0, -1.5}, {0.0, 1.5}})
+      p_overlay.Text(text, text_x + dx, y + 18 + dy, anchor, {Theme::SmallSize, dark, true});
+    p_overlay.Text(text, text_x, y + 18, anchor, {Theme::SmallSize, Theme::Title, true});
+  }
+
+  std::map<Model::Symbol::Shape, Ogl::VertexData> _meshes;
+  DepthPass _pass;
+  Library::TopMostFragmentDepthBuffer _picker;
+  Lettering _lettering;
+};
+
+} // namespace
+
+std::unique_ptr<Scene> MakePicking(Utility::Scoped<Rgl>& p_gl, const Inputs&) {
+  return std::make_unique<PickingScene>(p_gl);
+}
+
+} // namespace Vek::Chart::Gallery
