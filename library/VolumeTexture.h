@@ -1,0 +1,80 @@
+#pragma once
+
+#include "library/Export.h"
+#include "library/VolumeImage.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <cstdint>
+
+namespace Vek::Chart::Library {
+
+/// A 3-D texture made from a volume.
+///
+/// Axes: the texture coordinate s runs along the volume's fastest extent, which VolumeImage answers as `Height()`, t
+/// along its `Width()` and r along its `Depth()`; voxel (0, 0, 0) lies at (0, 0, 0). So a TexturedCube shows x of the
+/// volume along x, and so on.
+///
+/// Texels: one channel is stored as luminance, which fixed-function drawing shows as grey and a shader reads as `.r`
+/// (and `.g` and `.b`; alpha is 1); four channels as RGBA. 8-bit values are sampled as 0 to 1, floats as they are.
+/// There are no mip-maps.
+///
+/// Ownership: the volume is shared and must not change until it is uploaded. The GL texture is created and uploaded by
+/// the first bind and lives as long as a VolumeTexture or another holder of `Handle()`; its last holder must let go of
+/// it while the context that made it is current. Copies share the GL texture if there is one already, and have settings
+/// of their own. A device without 3-D textures (GL before 1.2) cannot be used.
+///
+/// Errors: a null volume goes to the pointer check. One without voxels is reported as "sizeS > 0 && sizeT > 0 && sizeR
+/// > 0 && "Invalid Volume Size"", one that is larger than the device takes with the sizes: "largest <=
+/// GL_MAX_3D_TEXTURE_SIZE && "600 x 3 x 2 voxels, the limit is 512"", one whose channels are neither 1 nor 4 as
+/// "format", one with fewer bytes than its extents need as "bytes <= p_image->Bytes().size()". All of these can be
+/// bound, but nothing is uploaded for them.
+///
+///     VolumeTexture volume(image, gl);
+///     volume.magFilter = VolumeTexture::Nearest; // the settings count at each bind; sRgb at the first only
+///     volume(gl, RGL_TEXTURE0);
+///     TexturedCube cube(0);
+///     cube(gl);
+class VEK_LIBRARY_API VolumeTexture {
+public:
+  // The settings are plain numbers; with one that is not listed, a bind leaves that part of the GL state as it is.
+  enum Filter : std::uint32_t { Nearest = 0, Linear = 1 };
+  enum Wrap : std::uint32_t { ClampToEdge = 0, Repeat = 1 };
+  enum Environment : std::uint32_t { Modulate = 0, Decal = 1, Replace = 2 };
+
+  std::uint32_t minFilter = Linear;
+  std::uint32_t magFilter = Linear;
+  std::uint32_t wrapS = ClampToEdge;
+  std::uint32_t wrapT = ClampToEdge;
+  std::uint32_t wrapR = ClampToEdge;
+  std::uint32_t environment = Replace;
+  /// Whether 8-bit colours of four channels are stored as sRGB, so that sampling yields linear light; counts when the
+  /// texture is uploaded. Without meaning for all other volumes.
+  bool sRgb = false;
+
+  VolumeTexture(boost::shared_ptr<const VolumeImage> p_image, Utility::Scoped<Rgl>& p_gl);
+
+  /// Binds on the texture unit `p_unit` (a token: RGL_TEXTURE0 + n), which becomes the active one, applies the settings
+  /// and enables 3-D texturing there. The first call creates and uploads the GL texture.
+  void operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
+
+  // Voxels along the texture coordinates.
+  int SizeS() const { return _sizeS; } ///< the volume's Height()
+  int SizeT() const { return _sizeT; } ///< the volume's Width()
+  int SizeR() const { return _sizeR; } ///< the volume's Depth()
+  /// Empty before the first bind.
+  const boost::shared_ptr<Ogl::Texture>& Handle() const { return _handle; }
+
+private:
+  void Upload(Utility::Scoped<Rgl>& p_gl) const;
+
+  mutable boost::shared_ptr<Ogl::Texture> _handle;
+  boost::shared_ptr<const VolumeImage> _image; ///< null when there is nothing to upload
+  int _sizeS = 0;
+  int _sizeT = 0;
+  int _sizeR = 0;
+};
+
+} // namespace Vek::Chart::Library
