@@ -271,11 +271,12 @@ private:
                              ? number(p_pick.place.x) + ", " + number(p_pick.place.y) + ", " + number(p_pick.place.z)
                              : QString("nothing here");
     const bool near_panels = x > MainPart.right - 200;
-    const double text_x = near_panels ? x - 12 : x + 12;
-    const Lettering::Anchor anchor{near_panels ? 1.0 : 0.0, 0.5};
+    const double text_x = near_panels ? x : x + 12;
+    const double text_y = near_panels ? y + 58 : y + 18;
+    const Lettering::Anchor anchor{near_panels ? 0.5 : 0.0, 0.5};
     for (const auto& [dx, dy] : {std::pair(-1.5, 0.0), {1.5, 0.0}, {0.0, -1.5}, {0.0, 1.5}})
-      p_overlay.Text(text, text_x + dx, y + 18 + dy, anchor, {Theme::SmallSize, dark, true});
-    p_overlay.Text(text, text_x, y + 18, anchor, {Theme::SmallSize, Theme::Title, true});
+      p_overlay.Text(text, text_x + dx, text_y + dy, anchor, {Theme::SmallSize, dark, true});
+    p_overlay.Text(text, text_x, text_y, anchor, {Theme::SmallSize, Theme::Title, true});
   }
 
   std::map<Model::Symbol::Shape, Ogl::VertexData> _meshes;
