@@ -26,6 +26,7 @@ Options Defaults() {
   options.inputs.quakes = root + "/data/earthquakes.csv";
   options.inputs.symbols = root + "/symbols";
   options.inputs.hdr = root + "/data/sky.hdr";
+  options.inputs.sprites = root + "/sprites";
   return options;
 }
 

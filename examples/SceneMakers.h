@@ -13,5 +13,7 @@ std::unique_ptr<Scene> MakeEarthquakes(Utility::Scoped<Rgl>& p_gl, const Inputs&
 std::unique_ptr<Scene> MakeAtlas(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeHdr(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakePicking(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+std::unique_ptr<Scene> MakeStyles(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+std::unique_ptr<Scene> MakeShapes(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 
 } // namespace Vek::Chart::Gallery

@@ -34,6 +34,14 @@ const std::vector<SceneEntry>& Scenes() {
        "all "
        "the depths that DepthCodec unpacks from that drawing's colours, beside the true depth buffer.",
        "examples/Picking.cpp", MakePicking},
+      {"styles",
+       "All patterns that lines, areas and points can have, pixel by pixel, and texts from 2 to 96 pixels: Style and "
+       "Pattern at work.",
+       "examples/Styles.cpp", MakeStyles, true},
+      {"shapes",
+       "Everything that draws itself: the unit shapes of Geometry from display lists, solids filled and outlined, "
+       "boxes, nine-patch panels and layered textures.",
+       "examples/Shapes.cpp", MakeShapes},
   };
   return scenes;
 }

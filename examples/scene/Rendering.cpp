@@ -6,10 +6,15 @@ namespace Vek::Chart::Gallery {
 
 namespace {
 
-constexpr int Oversampling = 2;
+/// How many times a side of the picture is drawn larger.
+int Oversampling(const SceneEntry& p_entry) {
+  return p_entry.true_pixels ? 1 : 2;
+}
 
 /// Samples a pixel of the large picture; a poster's would take gigabytes.
-int Samples(Types::Size p_size) {
+int Samples(const SceneEntry& p_entry, Types::Size p_size) {
+  if (p_entry.true_pixels)
+    return 0;
   return static_cast<long>(p_size.width) * p_size.height <= 4'000'000 ? 4 : 0;
 }
 
@@ -38,8 +43,9 @@ std::string Escaped(const std::string& p_text) {
 } // namespace
 
 QImage RenderScene(const SceneEntry& p_entry, const Inputs& p_inputs, Types::Size p_size) {
-  const Types::Size large(p_size.width * Oversampling, p_size.height * Oversampling);
-  Ogl::OffscreenContext context(large, Samples(p_size));
+  const int scale = Oversampling(p_entry);
+  const Types::Size large(p_size.width * scale, p_size.height * scale);
+  Ogl::OffscreenContext context(large, Samples(p_entry, p_size));
   QImage image;
   {
     Utility::Scoped<Rgl> gl(context.Handle());

@@ -29,6 +29,7 @@ struct Inputs {
   std::string quakes;
   std::string symbols; ///< the folder of the built-in glyph models
   std::string hdr;     ///< a panorama, Radiance HDR
+  std::string sprites; ///< the folder of the point sprites
   std::string model;   ///< an OBJ file of the user's; may be empty
 };
 
@@ -54,6 +55,8 @@ struct SceneEntry {
   std::string source;  ///< the file that makes it, from the root of the project
   /// Throws InputError when an input is not what the scene needs.
   std::unique_ptr<Scene> (*make)(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+  /// Whether a picture shows single pixels, such as those of stipples, and must not be smoothed.
+  bool true_pixels = false;
 };
 
 /// All scenes, in the order of the gallery.

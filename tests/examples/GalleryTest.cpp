@@ -4,6 +4,8 @@
 #include "examples/scene/Scene.h"
 #include "examples/scene/Theme.h"
 
+#include "library/Pattern.h"
+
 #include "platform/ogl/OffscreenContext.h"
 #include "tests/support/ReportCapture.h"
 
@@ -12,11 +14,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <set>
 #include <sys/wait.h>
+#include <tuple>
 
 using namespace Vek::Chart;
 using namespace Vek::Chart::Gallery;
@@ -81,6 +85,7 @@ Inputs DataInputs() {
   inputs.quakes = root + "/data/earthquakes.csv";
   inputs.symbols = root + "/symbols";
   inputs.hdr = root + "/data/sky.hdr";
+  inputs.sprites = root + "/sprites";
   return inputs;
 }
 
@@ -291,6 +296,112 @@ TEST(AtlasPixels, InstancesReplaceColorsOfTheSameBars) {
   EXPECT_GT(bar(0).blue(), bar(0).red() + 30);
   for (const int panel : {1, 2})
     EXPECT_LT(std::abs(bar(panel).blue() - bar(panel).red()), 30) << panel;
+}
+
+TEST(StylesPixels, StipplesAreTrueBitForBit) {
+  const QImage image = Shoot("styles", {1600, 1000}).image; // one point is one pixel
+  const auto pixel = [&](int p_x, int p_y) { return image.pixelColor(p_x, 999 - p_y); };
+  for (int i = 0; i < 12; ++i) {
+    const auto* const mask = Library::Pattern::PolygonStipplePattern(static_cast<Library::Pattern::FillPattern>(i + 1));
+    const int left = 800 + 193 * (i % 4);
+    const int bottom = 724 - 141 * (i / 4);
+    const QColor first = pixel(left + 5, bottom + 5);
+    int wrong = 0;
+    for (int y = bottom; y < bottom + 84; ++y)
+      for (int x = left; x < left + 84; ++x) {
+        const bool set = (mask[4 * (y % 32) + x % 32 / 8] >> (7 - x % 8) & 1) != 0;
+        if (y < bottom + 16) // a transparent second colour draws solid
+          wrong += pixel(x, y) != first ? 1 : 0;
+        else if (y >= bottom + 20)
+          wrong += pixel(x, y) != (set ? first : QColor(0x283A4C)) ? 1 : 0;
+      }
+    EXPECT_EQ(wrong, 0) << "fill " << i + 1;
+  }
+  for (int i = 0; i < 10; ++i) {
+    const auto bits = Library::Pattern::LineStipplePattern(static_cast<Library::Pattern::LinePattern>(i + 1));
+    const int y = 796 - 41 * i;
+    const QColor first = pixel(700, y); // a transparent second colour draws solid
+    for (const auto& [width, left, right] : {std::tuple(1, 226, 326), {3, 348, 466}, {6, 488, 624}}) {
+      int wrong = 0;
+      for (int x = left; x < right; ++x)
+        wrong += pixel(x, y) != ((bits >> (x - left) / width % 16 & 1) != 0 ? first : QColor(0x48617C)) ? 1 : 0;
+      EXPECT_EQ(wrong, 0) << "line " << i + 1 << " of " << width << " pixels";
+    }
+  }
+}
+
+TEST(StylesPixels, SpritesStandUpright) {
+  const Shot shot = Shoot("styles", {1600, 1000});
+  // Whether pattern n, in its 64 pixels, covers the place right of and above its middle.
+  const auto covers = [&](int p_pattern, int p_right, int p_up) {
+    return shot.Mean({87 + 88 * (p_pattern - 1) + p_right, 999 - 286 - p_up}, 1).red() > 80;
+  };
+  const struct {
+    int pattern;
+    const char* name;
+    bool middle, corner, side, lower;
+  } cases[] = {{1, "rectangle", true, true, true, true},  {2, "ellipse", true, false, true, true},
+               {3, "diamond", true, false, true, false},  {4, "hexagon", true, false, true, true},
+               {5, "triangle", true, false, false, true}, {6, "cross", true, false, true, false},
+               {7, "x-cross", true, true, false, true},   {8, "star", true, false, false, false}};
+  for (const auto& row : cases) {
+    EXPECT_EQ(covers(row.pattern, 0, 0), row.middle) << row.name;
+    EXPECT_EQ(covers(row.pattern, 23, 23), row.corner) << row.name;
+    EXPECT_EQ(covers(row.pattern, 23, 0), row.side) << row.name;
+    EXPECT_EQ(covers(row.pattern, 17, -17), row.lower) << row.name;
+  }
+}
+
+TEST(ShapesPixels, SolidsAreLitAndTheUnitRingIsEmpty) {
+  const Shot shot = Shoot("shapes", {960, 600});
+  const auto cell = [&](int p_column, double p_y) {
+    return shot.Mean(shot.At({(306 + 163 * p_column - 800) * 0.01, 0, (p_y - 500) * 0.01 / std::cos(0.31416)}), 1);
+  };
+  for (const int column : {0, 1, 2, 3, 4, 6}) // 5 is the arrow that turns around the middle
+    EXPECT_GT(cell(column, 752).red(), 50) << "unit shape " << column;
+  for (const int column : {0, 1, 2, 5, 6})
+    EXPECT_GT(cell(column, 580).red(), 90) << "solid " << column;
+  const auto empty = [&](int p_column, double p_y) {
+    const QPoint place = shot.At({(306 + 163 * p_column - 800) * 0.01, 0, (p_y - 500) * 0.01 / std::cos(0.31416)});
+    int drawn = 0;
+    for (int y = place.y() - 40; y <= place.y() - 10; ++y) // above the note
+      for (int x = place.x() - 36; x <= place.x() + 36; ++x)
+        drawn += shot.image.pixelColor(x, y).red() > 60 ? 1 : 0;
+    return drawn == 0;
+  };
+  EXPECT_TRUE(empty(7, 752)) << "Geometry's ring";
+  EXPECT_FALSE(empty(7, 580)) << "the drawable ring";
+  EXPECT_TRUE(empty(7, 408)) << "no outlined ring";
+}
+
+TEST(ShapesPixels, PanelsKeepTheirCornersAndLayersBlend) {
+  const Shot shot = Shoot("shapes", {1600, 1000}); // one point is one pixel
+  const auto near = [&](int p_x, int p_y, const QColor& p_color) {
+    return Distance(shot.Mean({p_x, 999 - p_y}, 1), p_color) < 24;
+  };
+  const QColor dot(0xF6B44B);
+  for (const auto& [left, bottom, right, top] :
+       {std::tuple(500, 116, 548, 164), {500, 180, 588, 252}, {750, 196, 1060, 252}})
+    for (const int x : {left + 12, right - 12})
+      for (const int y : {bottom + 12, top - 12})
+        EXPECT_TRUE(near(x, y, dot)) << x << ' ' << y;
+  EXPECT_FALSE(near(762, 168, dot)) << "stretched whole";
+
+  const QColor disk(240, 110, 70);
+  const auto times = [](const QColor& p_a, const QColor& p_b) {
+    return QColor(p_a.red() * p_b.red() / 255, p_a.green() * p_b.green() / 255, p_a.blue() * p_b.blue() / 255);
+  };
+  // Places in a layer's square that show one stripe of the ground.
+  const auto layer = [&](int p_index, int p_x, int p_y) {
+    return shot.Mean({1110 + 150 * p_index + p_x, 999 - 116 - p_y}, 1);
+  };
+  EXPECT_LT(Distance(layer(0, 68, 68), disk), 6);
+  EXPECT_LT(Distance(layer(0, 10, 10), QColor(210, 210, 210)), 6);
+  EXPECT_LT(Distance(layer(1, 68, 68), disk), 6);
+  const QColor ground = layer(1, 10, 10);
+  EXPECT_GT(Distance(ground, QColor(210, 210, 210)), 200);
+  EXPECT_LT(Distance(layer(2, 10, 10), times(ground, QColor(210, 210, 210))), 9);
+  EXPECT_LT(layer(2, 68, 68).red(), disk.red() / 2) << "the ground has little red there";
 }
 
 TEST(GalleryPixels, TheProgramWritesPicturesAndTheirPage) {
