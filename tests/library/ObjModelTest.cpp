@@ -6,26 +6,16 @@
 using namespace Vek::Chart;
 using Library::ObjModel;
 
-TEST(ObjModel, StartsUndecidedWithOneEmptyDefaultGroup) {
-  const ObjModel model;
-  EXPECT_EQ(model.PrimitiveType(), 8);
-  ASSERT_EQ(model.Groups()->size(), 1u);
-  EXPECT_EQ(model.DefaultGroup(), model.Groups()->front());
-  EXPECT_EQ(model.DefaultGroup()->name, "");
-  EXPECT_TRUE(model.DefaultGroup()->indices.empty());
-  EXPECT_TRUE(model.Vertices()->empty());
-  EXPECT_TRUE(model.Normals()->empty());
-  EXPECT_NE(model.Vertices(), model.Normals());
-  EXPECT_TRUE(model.Bounds().Empty());
-}
-
-TEST(ObjModel, AppendsGroupsBehindTheDefaultGroup) {
+TEST(ObjModel, StartsUndecidedWithOneEmptyDefaultGroupAndAppendsOthers) {
   ObjModel model;
+  EXPECT_EQ(model.PrimitiveType(), 8);
+  EXPECT_TRUE(model.Vertices()->empty() && model.Normals()->empty() && model.Bounds().Empty());
+  EXPECT_NE(model.Vertices(), model.Normals());
   const auto first = model.DefaultGroup();
+  EXPECT_TRUE(first->name.empty() && first->indices.empty());
   const auto second = model.AddGroup();
   EXPECT_EQ(*model.Groups(), (ObjModel::GroupList{first, second}));
   EXPECT_EQ(model.DefaultGroup(), first);
-  EXPECT_EQ(second->name, "");
   model.Groups()->clear();
   EXPECT_EQ(model.DefaultGroup(), nullptr);
 }
@@ -34,32 +24,21 @@ TEST(ObjModel, CopiesShareArraysAndGroupsButNotTypeAndBounds) {
   ObjModel source;
   source.SetPrimitiveType(Ogl::VertexBuffer::Triangles);
   source.SetBoundingBox({{0, 0, 0}, {1, 2, 3}});
-  const ObjModel copy(source);
+  const auto vertices = source.Vertices();
+  const auto normals = source.Normals();
   ObjModel assigned;
   assigned = source;
-  for (const ObjModel* model : {&copy, static_cast<const ObjModel*>(&assigned)}) {
-    EXPECT_EQ(model->Groups(), source.Groups());
-    EXPECT_EQ(model->Vertices(), source.Vertices());
-    EXPECT_EQ(model->Normals(), source.Normals());
-    EXPECT_EQ(model->PrimitiveType(), Ogl::VertexBuffer::Triangles);
-    EXPECT_EQ(model->Bounds(), source.Bounds());
-  }
+  const ObjModel copy(source);
   source.AddGroup();
   source.SetPrimitiveType(Ogl::VertexBuffer::LineSegments);
   source.SetBoundingBox({});
-  EXPECT_EQ(copy.Groups()->size(), 2u);
-  EXPECT_EQ(copy.PrimitiveType(), Ogl::VertexBuffer::Triangles);
-  EXPECT_FALSE(copy.Bounds().Empty());
-}
-
-TEST(ObjModel, TakesOtherArrays) {
-  ObjModel model;
-  const ObjModel copy(model);
-  const auto vertices = boost::make_shared<ObjModel::VertexArray>(2);
-  const auto normals = boost::make_shared<ObjModel::VertexArray>(2);
-  model.SetVertices(vertices);
-  model.SetNormals(normals);
-  EXPECT_EQ(model.Vertices(), vertices);
-  EXPECT_EQ(model.Normals(), normals);
-  EXPECT_TRUE(copy.Vertices()->empty());
+  source.SetVertices(boost::make_shared<ObjModel::VertexArray>(2));
+  source.SetNormals(boost::make_shared<ObjModel::VertexArray>(2));
+  for (const ObjModel* model : {&copy, static_cast<const ObjModel*>(&assigned)}) {
+    EXPECT_EQ(model->Groups(), source.Groups());
+    EXPECT_TRUE(model->Vertices() == vertices && source.Vertices() != vertices);
+    EXPECT_TRUE(model->Normals() == normals && source.Normals() != normals);
+    EXPECT_EQ(model->PrimitiveType(), Ogl::VertexBuffer::Triangles);
+    EXPECT_FALSE(model->Bounds().Empty());
+  }
 }

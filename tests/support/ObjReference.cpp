@@ -154,7 +154,7 @@ private:
   Types::BoundingBox_Base<double> _bounds;
 };
 
-/// Makes one file.
+/// Makes one file, from patterns with N for a number, I for an index and C for a corner.
 class Generator {
 public:
   explicit Generator(unsigned int p_seed)
@@ -164,7 +164,7 @@ public:
   std::string File() {
     std::string text;
     for (std::size_t count = Below(60); count != 0; --count)
-      text += Line() + LineEnd();
+      text += Line() + (Rarely(20) ? OneOf({"\r\n", " \n", "\t\n", "\r\r\n", "\n\n", " \v\f\n"}) : "\n");
     for (std::size_t count = _oddity == 3 ? Below(6) : 0; count != 0 && !text.empty(); --count)
       Damage(text);
     return text;
@@ -176,15 +176,37 @@ private:
   bool Rarely(std::size_t p_times) { return _oddity != 0 && Below(p_times) < _oddity; }
   std::string OneOf(const Strings& p_texts) { return p_texts[Below(p_texts.size())]; }
 
-  std::string LineEnd() { return Rarely(20) ? OneOf({"\r\n", " \n", "\t\n", "\r\r\n", "\n\n", " \v\f\n"}) : "\n"; }
+  std::string Line() {
+    if (Below(10) == 0)
+      _cornerForm = Below(5);
+    std::string pattern = OneOf({"v N N N", "v N N N", "v N N N", "vn N N N", "vn N N N", "f C C C", "f C C C",
+                                 "f C C C", OneOf({"l C C", "# v 1 2 3", "vt 0 1", "s 1", "usemtl x", ""}),
+                                 OneOf({"g a", "g  b", "g c d", "o x", Rarely(20) ? "g" : "g e"})});
+    if (Rarely(40))
+      pattern = Below(2) == 0 ? pattern + OneOf({" N", " C C"}) : pattern.substr(0, Below(pattern.size() + 1));
+    return (Rarely(40) ? OneOf({" ", "\t", "\r"}) : "") + Filled(pattern);
+  }
+
+  std::string Filled(const std::string& p_pattern) {
+    const Strings corners = {"I", "I/I", "I/I/I", "I//I/I", "I//I"};
+    std::string text;
+    for (const char c : p_pattern)
+      text += c == 'N'   ? Number()
+              : c == 'I' ? Index()
+              : c == 'C' ? Filled(Rarely(12) ? OneOf(corners) : corners[_cornerForm])
+              : c == ' ' ? Blank()
+                         : std::string(1, c);
+    return text;
+  }
+
   std::string Blank() { return Rarely(60) ? OneOf({"  ", "\t", ""}) : " "; }
 
   std::string Number() {
     if (Rarely(100))
       return OneOf({"nan", "-inf", "1e39", "1e400", "1e-400", "+1", ".5", "1.", "1e", "x", "", "0x1", "-", "1e5",
                     "123456789012345678901234567890", "0.1000000000000000055511151231257827", "1,5"});
-    const std::string sign = Below(2) == 0 ? "-" : "";
-    return sign + std::to_string(Below(20)) + (Below(3) == 0 ? "" : "." + std::to_string(Below(1000000)));
+    return (Below(2) == 0 ? "-" : "") + std::to_string(Below(20)) +
+           (Below(3) == 0 ? "" : "." + std::to_string(Below(1000000)));
   }
 
   std::string Index() {
@@ -194,71 +216,14 @@ private:
     return std::to_string(1 + Below(_oddity == 0 ? 9 : 14));
   }
 
-  std::string Corner() {
-    const std::size_t form = Rarely(12) ? Below(6) : _cornerForm;
-    switch (form) {
-    case 0:
-      return Index();
-    case 1:
-      return Index() + "/" + Index();
-    case 2:
-      return Index() + "/" + Index() + "/" + Index();
-    case 3:
-      return Index() + "//" + Index() + "/" + Index();
-    default:
-      return Index() + "//" + Index();
-    }
-  }
-
-  std::string Listed(const std::string& p_keyword, std::size_t p_count, std::string (Generator::*p_item)()) {
-    std::string line = p_keyword;
-    if (Rarely(40))
-      p_count = Below(6);
-    for (; p_count != 0; --p_count)
-      line += Blank() + (this->*p_item)();
-    return Rarely(40) ? OneOf({" ", "\t", "\r"}) + line : line;
-  }
-
-  std::string Line() {
-    switch (Below(10)) {
-    case 0:
-    case 1:
-    case 2:
-      return Listed("v", 3, &Generator::Number);
-    case 3:
-    case 4:
-      return Listed("vn", 3, &Generator::Number);
-    case 5:
-    case 6:
-    case 7:
-      return Listed("f", 3, &Generator::Corner);
-    case 8:
-      return Below(4) == 0 ? Listed("l", 2, &Generator::Corner) : OneOf({"# v 1 2 3", "vt 0 1", "s 1", "usemtl x", ""});
-    default:
-      _cornerForm = Below(5);
-      return OneOf({"g a", "g  b", "g c d", "o x", Rarely(20) ? "g" : "g e"});
-    }
-  }
-
   /// A changed, a new or a missing byte, or the end cut off.
   void Damage(std::string& p_text) {
     const std::size_t at = Below(p_text.size());
     const char byte = Below(2) == 0 ? " /-.\n0#\0"[Below(8)] : char(Below(256));
-    switch (Below(8)) {
-    case 0:
+    if (Below(8) == 0)
       p_text.resize(at);
-      break;
-    case 1:
-    case 2:
-      p_text.erase(at, 1);
-      break;
-    case 3:
-    case 4:
-      p_text.insert(at, 1, byte);
-      break;
-    default:
-      p_text[at] = byte;
-    }
+    else
+      p_text.replace(at, Below(2), Below(3), byte);
   }
 
   std::mt19937 _random;
