@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <random>
@@ -13,8 +15,8 @@
 #include <vector>
 
 using namespace Vek::Chart;
+using namespace Vek::Chart::Model::Symbol;
 using Library::VectorSymbol;
-using Model::Symbol::Shape;
 using Ogl::VertexData;
 using Types::Matrix3;
 using Types::Vector3_Base;
@@ -41,20 +43,13 @@ struct Layer {
     }
     if (p_count > 5) {
       sizes[1] = 0.0;
-      sizes[2] = std::numeric_limits<double>::quiet_NaN();
-      sizes[3] = std::numeric_limits<double>::infinity();
-      sizes[p_count - 1] = 1.0;
+      sizes[2] = NAN;
+      sizes[3] = INFINITY;
     }
   }
 
   VectorSymbol::Instances View() const {
-    VectorSymbol::Instances view;
-    view.count = sizes.size();
-    view.positions = positions.data();
-    view.rotations = rotations.data();
-    view.sizes = sizes.data();
-    view.tex_coords = values.data();
-    return view;
+    return {sizes.size(), positions.data(), rotations.data(), sizes.data(), values.data()};
   }
 };
 
@@ -68,38 +63,35 @@ Words WordsOf(const VertexData::Array& p_array) {
   return words;
 }
 
+/// Vertices, normals, texture coordinates and indices.
+using ArrayWords = std::array<Words, 4>;
+
+ArrayWords WordsOf(const VertexData& p_data) {
+  return {WordsOf(p_data.Vertices()), WordsOf(p_data.Normals()), WordsOf(p_data.TexCoords()),
+          WordsOf(p_data.Indices())};
+}
+
 struct LayerWords {
   std::size_t written = 0;
-  Words vertices;
-  Words normals;
-  Words tex_coords;
-  Words indices;
+  ArrayWords arrays;
 };
 
 LayerWords InstanceByInstance(const VectorSymbol& p_symbol, const VectorSymbol::Instances& p_view, double p_anchor,
                               double p_scale) {
   LayerWords all;
-  const auto append = [](Words& p_to, const Words& p_more) { p_to.insert(p_to.end(), p_more.begin(), p_more.end()); };
   for (std::size_t i = 0; i < p_view.count; ++i) {
     VertexData one;
     if (!p_symbol.OrientShape(p_view.sizes[i], p_anchor, p_view.positions[i], true, p_view.tex_coords[i], p_scale,
                               p_view.rotations[i], one))
       continue;
-    for (const std::uint32_t index : WordsOf(one.Indices()))
-      all.indices.push_back(static_cast<std::uint32_t>(index + all.vertices.size() / 3));
-    append(all.vertices, WordsOf(one.Vertices()));
-    append(all.normals, WordsOf(one.Normals()));
-    append(all.tex_coords, WordsOf(one.TexCoords()));
+    ArrayWords words = WordsOf(one);
+    for (std::uint32_t& index : words[3])
+      index += static_cast<std::uint32_t>(all.arrays[0].size() / 3);
+    for (std::size_t a = 0; a < words.size(); ++a)
+      all.arrays[a].insert(all.arrays[a].end(), words[a].begin(), words[a].end());
     ++all.written;
   }
   return all;
-}
-
-void ExpectSame(const VertexData& p_data, const LayerWords& p_expected, const std::string& p_name) {
-  EXPECT_TRUE(WordsOf(p_data.Vertices()) == p_expected.vertices) << p_name;
-  EXPECT_TRUE(WordsOf(p_data.Normals()) == p_expected.normals) << p_name;
-  EXPECT_TRUE(WordsOf(p_data.TexCoords()) == p_expected.tex_coords) << p_name;
-  EXPECT_TRUE(WordsOf(p_data.Indices()) == p_expected.indices) << p_name;
 }
 
 constexpr const char* Count = "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::CountShown(const struct "
@@ -117,29 +109,25 @@ TEST(VectorSymbolLayer, HasTheBitsOfInstanceByInstance) {
     unsigned int resolution;
     std::size_t count;
   };
-  std::vector<Row> rows = {{Model::Symbol::ShapeSphere, 64, 30},
-                           {Model::Symbol::ShapeArrow3D, 8, 2000},
-                           {Model::Symbol::ShapePoint, 8, 50000},
-                           {Model::Symbol::ShapeCrosshair, 8, 9001}};
-  for (int shape = 1; shape <= 14; ++shape)
+  std::vector<Row> rows = {{ShapeSphere, 64, 30}, {ShapeArrow3D, 8, 2000}, {ShapePoint, 8, 50000}};
+  for (int shape = ShapePoint; shape <= ShapeSphere; ++shape)
     for (const std::size_t count : {1, 7, 100})
       rows.push_back({static_cast<Shape>(shape), 12, count});
   for (const Row& row : rows) {
-    const std::string name = "shape " + std::to_string(row.shape) + " × " + std::to_string(row.count);
+    SCOPED_TRACE("shape " + std::to_string(row.shape) + " × " + std::to_string(row.count));
     const VectorSymbol symbol(row.shape, row.resolution);
     const Layer layer(row.count);
     const LayerWords expected = InstanceByInstance(symbol, layer.View(), 0.3, 1.7);
-    VertexData data;
-    EXPECT_EQ(symbol.OrientShapes(layer.View(), 0.3, 1.7, data), expected.written) << name;
-    ExpectSame(data, expected, name);
-    VertexData single;
+    VertexData data, single;
+    EXPECT_EQ(symbol.OrientShapes(layer.View(), 0.3, 1.7, data), expected.written);
+    EXPECT_TRUE(WordsOf(data) == expected.arrays);
     symbol.BuildShape(single);
-    EXPECT_EQ(data.PrimitiveType().Value(), single.PrimitiveType().Value()) << name;
+    EXPECT_EQ(data.PrimitiveType().Value(), single.PrimitiveType().Value());
   }
 }
 
 TEST(VectorSymbolLayer, LeavesTheTargetWhenNothingIsShown) {
-  const VectorSymbol cone(Model::Symbol::ShapeCone, 8);
+  const VectorSymbol cone(ShapeCone, 8);
   const Layer layer(3);
   VertexData data;
   ASSERT_EQ(cone.OrientShapes(layer.View(), 0, 1, data), 3u);
@@ -147,33 +135,26 @@ TEST(VectorSymbolLayer, LeavesTheTargetWhenNothingIsShown) {
   EXPECT_EQ(cone.OrientShapes(layer.View(), 0, -0.0, data), 0u);
   EXPECT_EQ(cone.OrientShapes({}, 0, 1, data), 0u);
   ReportCapture reports;
-  EXPECT_EQ(VectorSymbol(Model::Symbol::ShapeCustom, 8).OrientShapes(layer.View(), 0, 1, data), 0u);
+  EXPECT_EQ(VectorSymbol(ShapeCustom, 8).OrientShapes(layer.View(), 0, 1, data), 0u);
   reports.Clear();
   EXPECT_EQ(data.Vertices().data.get(), before);
-  EXPECT_EQ(data.Vertices().count, 3 * 16u);
 
-  VectorSymbol::Instances broken = layer.View();
-  broken.positions = nullptr;
-  EXPECT_EQ(cone.OrientShapes(broken, 0, 1, data), 0u);
-  broken = layer.View();
-  broken.rotations = nullptr;
-  EXPECT_EQ(cone.OrientShapes(broken, 0, 1, data), 0u);
-  broken = layer.View();
-  broken.sizes = nullptr;
-  EXPECT_EQ(cone.OrientShapes(broken, 0, 1, data), 0u);
+  VectorSymbol::Instances broken[] = {layer.View(), layer.View(), layer.View()};
+  broken[0].positions = nullptr;
+  broken[1].rotations = nullptr;
+  broken[2].sizes = nullptr;
+  for (const VectorSymbol::Instances& view : broken)
+    EXPECT_EQ(cone.OrientShapes(view, 0, 1, data), 0u);
   EXPECT_EQ(reports.Texts(), std::vector<std::string>(3, std::string("\"void*(obj)\" - ") + Count));
   EXPECT_EQ(data.Vertices().data.get(), before);
 }
 
 TEST(VectorSymbolLayer, WritesItsOwnArraysAgainWhenNobodyElseHoldsThem) {
-  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 8);
+  const VectorSymbol arrow(ShapeArrow3D, 8);
   const Layer layer(100);
-  const Layer other = [] {
-    Layer result(100);
-    for (Vector3_Base<double>& position : result.positions)
-      position = position * 2.0;
-    return result;
-  }();
+  Layer other(100);
+  for (Vector3_Base<double>& position : other.positions)
+    position = position * 2.0;
   VertexData data;
   ASSERT_NE(arrow.OrientShapes(layer.View(), 0, 1, data), 0u);
   const void* const vertices = data.Vertices().data.get();
@@ -183,7 +164,7 @@ TEST(VectorSymbolLayer, WritesItsOwnArraysAgainWhenNobodyElseHoldsThem) {
   data.PrimitiveType().ClearChanged();
 
   ASSERT_NE(arrow.OrientShapes(other.View(), 0, 1, data), 0u);
-  ExpectSame(data, InstanceByInstance(arrow, other.View(), 0, 1), "again");
+  EXPECT_TRUE(WordsOf(data) == InstanceByInstance(arrow, other.View(), 0, 1).arrays);
   EXPECT_EQ(data.Vertices().data.get(), vertices);
   EXPECT_EQ(data.Indices().data.get(), indices);
   EXPECT_NE(data.Normals().data, held) << "somebody holds the old one";
@@ -202,94 +183,74 @@ TEST(VectorSymbolLayer, WritesItsOwnArraysAgainWhenNobodyElseHoldsThem) {
   VectorSymbol::Instances fewer = layer.View();
   fewer.count = 50;
   fewer.tex_coords = nullptr;
-  const VectorSymbol point;
-  const std::size_t written = point.OrientShapes(fewer, 0, 1, data);
-  EXPECT_EQ(data.Vertices().count, written);
-  EXPECT_TRUE(data.TexCoords().Empty());
-  EXPECT_TRUE(data.Indices().Empty());
+  EXPECT_EQ(VectorSymbol().OrientShapes(fewer, 0, 1, data), data.Vertices().count);
+  EXPECT_TRUE(data.TexCoords().Empty() && data.Indices().Empty());
   EXPECT_EQ(data.PrimitiveType().Value(), Ogl::VertexBuffer::Points);
 }
 
 TEST(VectorSymbolLayer, FillsTheCallersMemory) {
-  const VectorSymbol sphere(Model::Symbol::ShapeSphere, 32);
+  const VectorSymbol sphere(ShapeSphere, 32);
   const Layer layer(300);
   LayerWords expected = InstanceByInstance(sphere, layer.View(), 0.5, 1);
-  for (std::uint32_t& index : expected.indices)
+  for (std::uint32_t& index : expected.arrays[3])
     index += 1000;
-  constexpr std::uint32_t Guard = 0xABCDEF01;
+  constexpr std::uint32_t Guard = 0xABCDEF01; // what lies before and behind must stay as it is
   for (const std::size_t misaligned : {0, 1, 3, 15}) {
-    // what lies before and behind must stay as it is
-    const auto guarded = [&](const Words& p_words) { return Words(p_words.size() + misaligned + 16, Guard); };
-    Words vertices = guarded(expected.vertices);
-    Words normals = guarded(expected.normals);
-    Words tex_coords = guarded(expected.tex_coords);
-    Words indices = guarded(expected.indices);
-    const auto target = [&](Words& p_words, std::size_t p_count) {
-      return VectorSymbol::Target<float>(reinterpret_cast<float*>(p_words.data() + misaligned), p_count);
+    ArrayWords arrays;
+    ArrayWords framed;
+    for (std::size_t a = 0; a < arrays.size(); ++a) {
+      const Words& words = expected.arrays[a];
+      arrays[a].assign(words.size() + misaligned + 16, Guard);
+      framed[a] = arrays[a];
+      std::copy(words.begin(), words.end(), framed[a].begin() + std::ptrdiff_t(misaligned));
+    }
+    const auto target = [&](std::size_t p_array) {
+      return VectorSymbol::Target<float>(reinterpret_cast<float*>(arrays[p_array].data() + misaligned),
+                                         expected.arrays[p_array].size());
     };
-    VectorSymbol::LayerMemory memory;
-    memory.vertices = target(vertices, expected.vertices.size());
-    memory.normals = target(normals, expected.normals.size());
-    memory.tex_coords = target(tex_coords, expected.tex_coords.size());
-    memory.indices = {indices.data() + misaligned, expected.indices.size()};
-    memory.first_vertex = 1000;
+    VectorSymbol::LayerMemory memory{target(0), target(1), target(2), {}, 1000};
+    memory.indices = {arrays[3].data() + misaligned, expected.arrays[3].size()};
     ASSERT_EQ(sphere.OrientShapes(layer.View(), 0.5, 1, memory), expected.written);
-    const auto same = [&](const Words& p_words, const Words& p_expected) {
-      Words framed(misaligned, Guard);
-      framed.insert(framed.end(), p_expected.begin(), p_expected.end());
-      framed.insert(framed.end(), 16, Guard);
-      return p_words == framed;
-    };
-    EXPECT_TRUE(same(vertices, expected.vertices)) << misaligned;
-    EXPECT_TRUE(same(normals, expected.normals)) << misaligned;
-    EXPECT_TRUE(same(tex_coords, expected.tex_coords)) << misaligned;
-    EXPECT_TRUE(same(indices, expected.indices)) << misaligned;
+    EXPECT_TRUE(arrays == framed) << misaligned;
   }
 }
 
 TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
-  const VectorSymbol cone(Model::Symbol::ShapeCone, 4); // 8 vertices, 12 indices
+  const VectorSymbol cone(ShapeCone, 4); // 8 vertices, 12 indices
   const Layer layer(3);
   std::vector<float> floats(72, -1.f);
   std::vector<unsigned int> numbers(36, 5);
-  const auto full = [&] {
+  VectorSymbol::LayerMemory full;
+  full.vertices = full.normals = {floats.data(), 72};
+  full.tex_coords = {floats.data(), 24};
+  full.indices = {numbers.data(), 36};
+  struct Row {
     VectorSymbol::LayerMemory memory;
-    memory.vertices = memory.normals = {floats.data(), 72};
-    memory.tex_coords = {floats.data(), 24};
-    memory.indices = {numbers.data(), 36};
-    return memory;
+    std::string report;
   };
+  std::vector<Row> rows = {{full, std::string("p_memory.vertices.count >= 3 * vertices\" - ") + Orient},
+                           {full, std::string("p_memory.normals.count >= 3 * vertices\" - ") + Orient},
+                           {full, std::string("p_memory.tex_coords.count >= vertices\" - ") + Orient},
+                           {full, std::string("p_memory.indices.count >= indices\" - ") + Orient},
+                           {full, std::string("shown * VertexCount() <= max_index - first_vertex\" - ") + Count}};
+  --rows[0].memory.vertices.count;
+  --rows[1].memory.normals.count;
+  --rows[2].memory.tex_coords.count;
+  --rows[3].memory.indices.count;
+  rows[4].memory.first_vertex = std::numeric_limits<unsigned int>::max() - 22;
   ReportCapture reports;
-  const auto refused = [&](const VectorSymbol::LayerMemory& p_memory) {
+  for (const Row& row : rows) {
     reports.Clear();
-    EXPECT_EQ(cone.OrientShapes(layer.View(), 0, 1, p_memory), 0u);
+    EXPECT_EQ(cone.OrientShapes(layer.View(), 0, 1, row.memory), 0u);
     EXPECT_EQ(floats, std::vector<float>(72, -1.f));
     EXPECT_EQ(numbers, std::vector<unsigned int>(36, 5));
-    return reports.Texts();
-  };
-  const auto report = [](const std::string& p_expression, const char* p_signature) {
-    return std::vector<std::string>{"\"" + p_expression + "\" - " + p_signature};
-  };
-  VectorSymbol::LayerMemory memory = full();
-  memory.vertices.count = 71;
-  EXPECT_EQ(refused(memory), report("p_memory.vertices.count >= 3 * vertices", Orient));
-  memory = full();
-  memory.normals.count = 71;
-  EXPECT_EQ(refused(memory), report("p_memory.normals.count >= 3 * vertices", Orient));
-  memory = full();
-  memory.tex_coords.count = 23;
-  EXPECT_EQ(refused(memory), report("p_memory.tex_coords.count >= vertices", Orient));
-  memory = full();
-  memory.indices.count = 35;
-  EXPECT_EQ(refused(memory), report("p_memory.indices.count >= indices", Orient));
-  memory = full();
-  memory.first_vertex = std::numeric_limits<unsigned int>::max() - 22;
-  EXPECT_EQ(refused(memory), report("shown * VertexCount() <= max_index - first_vertex", Count));
+    EXPECT_EQ(reports.Texts(), std::vector<std::string>{"\"" + row.report});
+  }
 
   // Attributes without memory are left out.
   reports.Clear();
-  memory = {};
-  memory.indices = {numbers.data(), 36};
+  VectorSymbol::LayerMemory memory;
+  memory.indices = full.indices;
   EXPECT_EQ(cone.OrientShapes(layer.View(), 0, 1, memory), 3u);
   EXPECT_EQ(numbers[35], 16u + 7);
   EXPECT_EQ(floats, std::vector<float>(72, -1.f));
@@ -301,13 +262,13 @@ class VectorSymbolLayerCalls : public Vek::Test::RecordingFixture {};
 TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersAndReportsThoseThatAreNot) {
   using Position = Ogl::Attribute<Ogl::Vec3<float>>;
   using Index = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
-  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 8);
+  const VectorSymbol arrow(ShapeArrow3D, 8);
   const Layer layer(20);
   const LayerWords expected = InstanceByInstance(arrow, layer.View(), 0, 1);
   const Utility::Scoped<Rgl> gl(recorder.Handle());
   const auto positions =
-      gl->GetBufferPool().CreateBuffer<Position>(expected.vertices.size() / 3, Ogl::BufferUsage::Default);
-  const auto indices = gl->GetBufferPool().CreateBuffer<Index>(expected.indices.size(), Ogl::BufferUsage::Default);
+      gl->GetBufferPool().CreateBuffer<Position>(expected.arrays[0].size() / 3, Ogl::BufferUsage::Default);
+  const auto indices = gl->GetBufferPool().CreateBuffer<Index>(expected.arrays[3].size(), Ogl::BufferUsage::Default);
   {
     const Ogl::BufferPool::WriteArray<Position> vertex_array(positions, 0, positions.Count(), RGL_ARRAY_BUFFER);
     const Ogl::BufferPool::WriteArray<Index> index_array(indices, 0, indices.Count(), RGL_ELEMENT_ARRAY_BUFFER);
@@ -322,8 +283,8 @@ TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersAndReportsThoseThatAreNot) {
     std::memcpy(result.data(), bytes.data(), bytes.size());
     return result;
   };
-  EXPECT_TRUE(words(positions.Name()) == expected.vertices);
-  EXPECT_TRUE(words(indices.Name()) == expected.indices);
+  EXPECT_TRUE(words(positions.Name()) == expected.arrays[0]);
+  EXPECT_TRUE(words(indices.Name()) == expected.arrays[3]);
 
   const ReportCapture reports;
   const Ogl::BufferPool::WriteArray<Position> outside(positions, 1, positions.Count(), RGL_ARRAY_BUFFER);
