@@ -8,7 +8,6 @@
 #include <boost/lexical_cast.hpp>
 
 #include <filesystem>
-#include <set>
 
 using namespace Vek::Chart;
 using namespace Vek::Chart::Model::Symbol;
@@ -23,16 +22,16 @@ namespace {
 
 const std::string BuiltIn = std::string(VEK_SOURCE_DIR) + "/symbols";
 
+const std::string Class = "Vek::Chart::Library::SymbolRegistry::";
 const std::string NoShape =
-    "\"result != p_symbols.size() && \"No model loaded for this shape!\"\" - unsigned __int64 __cdecl "
-    "Vek::Chart::Library::SymbolRegistry::FindSymbol(const class std::vector<struct "
-    "Vek::Chart::Library::SymbolRegistry::SymbolID,class std::allocator<struct "
-    "Vek::Chart::Library::SymbolRegistry::SymbolID> > &,const enum Vek::Chart::Model::Symbol::Shape)";
+    "\"result != p_symbols.size() && \"No model loaded for this shape!\"\" - unsigned __int64 __cdecl " + Class +
+    "FindSymbol(const class std::vector<struct " + Class + "SymbolID,class std::allocator<struct " + Class +
+    "SymbolID> > &,const enum Vek::Chart::Model::Symbol::Shape)";
 const std::string NoPath =
     "\"hashIndex < p_hashes.size() && \"No model loaded with this path, call LoadModel first.\"\" - unsigned __int64 "
-    "__cdecl Vek::Chart::Library::SymbolRegistry::FindHashedSymbol(const class std::vector<struct "
-    "Vek::Chart::Library::SymbolRegistry::HashID,class std::allocator<struct "
-    "Vek::Chart::Library::SymbolRegistry::HashID> > &,const class vekfile::filepath &)";
+    "__cdecl " +
+    Class + "FindHashedSymbol(const class std::vector<struct " + Class + "HashID,class std::allocator<struct " + Class +
+    "HashID> > &,const class vekfile::filepath &)";
 
 /// A model of so many equal triangles, told apart by their number.
 std::string Triangles(int p_count) {
@@ -55,43 +54,31 @@ protected:
 } // namespace
 
 TEST(PathHash, AgreesWithValuesWorkedOutElsewhere) {
-  const std::pair<std::string, std::int32_t> cases[] = {
-      {"", 0},
-      {"a", 97},
-      {"ab", 1229154139},
-      {"symbols/Cone.obj", 1987357810},
-      {"symbols/cone.obj", 1383439698},
-      {"\x80", 2147483519},
-      {"\xc3\xa9\xff.obj", 2121495954},
-      {"/usr/share/models/a long name with blanks, and more.obj", 1960703737},
-      {"gab.obj", 685636249},
-      {"fzpwjmb.obj", 685636249},
-  };
+  const std::pair<std::string, std::int32_t> cases[] = {{"", 0},
+                                                        {"ab", 1229154139},
+                                                        {"symbols/Cone.obj", 1987357810},
+                                                        {"\xc3\xa9\xff.obj", 2121495954},
+                                                        {"gab.obj", 685636249},
+                                                        {"fzpwjmb.obj", 685636249}};
   for (const auto& [path, hash] : cases)
     EXPECT_EQ(SymbolRegistry::HashID(path, 3).hash, hash) << path;
-  const SymbolRegistry::HashID entry("some/path", 3);
-  EXPECT_EQ(*entry.path, "some/path");
-  EXPECT_EQ(entry.id, 3u);
 }
 
 TEST_F(SymbolRegistryCalls, FindsAModelForEveryShapeFromTwoToFifteen) {
   const ReportCapture reports;
   const SymbolRegistry symbols(cache, BuiltIn);
   const std::uint32_t primitives[] = {0, 0, 2, 3, 1, 3, 2, 48, 144, 48, 24, 164, 3, 12, 1280, 1024}; // by shape
-  std::set<unsigned int> names;
   for (int i = ShapeArrowHead1D; i <= ShapeCustom; ++i) {
+    SCOPED_TRACE(i);
     const Shape shape = static_cast<Shape>(i);
     const bool lines = i <= ShapeArrow1D || i == ShapeCrosshair;
     EXPECT_EQ(symbols.GetIndexBuffer(shape).type,
-              lines ? Ogl::VertexBuffer::LineSegments : Ogl::VertexBuffer::Triangles)
-        << i;
-    EXPECT_EQ(symbols.GetIndexBuffer(shape).count, primitives[i]) << i;
-    EXPECT_EQ(symbols.GetVertexBuffer(shape).attributes, lines ? 1u : 3u) << i;
-    EXPECT_FALSE(symbols.GetBoundingBox(shape).Empty()) << i;
+              lines ? Ogl::VertexBuffer::LineSegments : Ogl::VertexBuffer::Triangles);
+    EXPECT_EQ(symbols.GetIndexBuffer(shape).count, primitives[i]);
+    EXPECT_EQ(symbols.GetVertexBuffer(shape).attributes, lines ? 1u : 3u);
+    EXPECT_FALSE(symbols.GetBoundingBox(shape).Empty());
     EXPECT_EQ(symbols.GetIndexBuffer(shape).buffer.Name(), cache->GetIndexBuffer(std::size_t(i) - 2).buffer.Name());
-    names.insert(symbols.GetVertexBuffer(shape).buffer.Name());
   }
-  EXPECT_EQ(names.size(), 14u);
   EXPECT_TRUE(reports.Texts().empty());
 }
 
@@ -156,26 +143,20 @@ TEST_F(SymbolRegistryCalls, AModelThatFailsCanBeLoadedLater) {
   EXPECT_EQ(symbols.GetIndexBuffer(vekfile::filepath(path)).count, 4u);
 }
 
-TEST_F(SymbolRegistryCalls, ABuiltInModelThatFailsEndsTheConstruction) {
+TEST_F(SymbolRegistryCalls, ABuiltInModelThatFailsEndsTheConstructionOneThatIsMissingIsEmpty) {
+  {
+    const ReportCapture reports;
+    const SymbolRegistry symbols(cache, folder.Path().string());
+    EXPECT_EQ(symbols.GetIndexBuffer(ShapeCone).buffer.Count(), 0u);
+    EXPECT_EQ(reports.Texts().size(), 14u * 3);
+  }
   folder.Write("ArrowHead1D.obj", "v 0 0 0\nv 1 0 0\nl 1 2\n");
   folder.Write("Arrow1D.obj", "v 0 0 none\n");
   EXPECT_THROW(SymbolRegistry(cache, folder.Path().string()), boost::bad_lexical_cast);
-  EXPECT_EQ(cache->GetIndexBuffer(0).count, 1u);
-  EXPECT_EQ(cache->GetIndexBuffer(1).count, 0u);
-}
-
-TEST_F(SymbolRegistryCalls, AnEmptyFolderGivesEmptyModels) {
-  const ReportCapture reports;
-  const SymbolRegistry symbols(cache, folder.Path().string());
-  EXPECT_EQ(reports.Texts().size(), 14u * 3);
-  EXPECT_EQ(symbols.GetIndexBuffer(ShapeCone).buffer.Count(), 0u);
-  EXPECT_EQ(reports.Texts().size(), 14u * 3);
-}
-
-TEST_F(SymbolRegistryCalls, TheCacheMayHoldOthersModels) {
-  cache->Register(folder.Write("other.obj", Triangles(9)));
-  const SymbolRegistry symbols(cache, BuiltIn);
-  EXPECT_EQ(symbols.GetIndexBuffer(ShapeCube).count, 12u);
+  EXPECT_EQ(cache->GetIndexBuffer(14).count, 1u);
+  EXPECT_EQ(cache->GetIndexBuffer(15).count, 0u);
+  // The cache may hold others' models.
+  EXPECT_EQ(SymbolRegistry(cache, BuiltIn).GetIndexBuffer(ShapeCube).count, 12u);
 }
 
 using SymbolRegistryPixels = Vek::Test::PixelFixture;
@@ -204,14 +185,12 @@ TEST_F(SymbolRegistryPixels, DrawsACubeFromItsBuffers) {
   gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, 0);
   gl->BindBuffer(RGL_ARRAY_BUFFER, 0);
 
-  const QImage image = Image();
   // Diffuse 0.8 and ambient 0.2 of 0.2.
-  const int bright = 214;
-  for (int y = 0; y < image.height(); ++y)
-    for (int x = 0; x < image.width(); ++x) {
-      const double px = (x + 0.5) / image.width() * 2 - 1, py = (y + 0.5) / image.height() * 2 - 1;
-      const bool inside = std::abs(px) < 0.5 && std::abs(py) < 0.5;
-      ASSERT_TRUE(Vek::Test::SameColor(image.pixel(x, y), inside ? QColor(bright, bright, bright) : Qt::transparent, 1))
-          << x << ", " << y;
-    }
+  QImage expected(FrameSize.width, FrameSize.height, QImage::Format_ARGB32);
+  expected.fill(Qt::transparent);
+  for (int y = 0; y < expected.height(); ++y)
+    for (int x = 0; x < expected.width(); ++x)
+      if (std::abs((x + 0.5) / expected.width() - 0.5) < 0.25 && std::abs((y + 0.5) / expected.height() - 0.5) < 0.25)
+        expected.setPixel(x, y, qRgb(214, 214, 214));
+  EXPECT_TRUE(Vek::Test::SameImage(Image(), expected, 1));
 }
