@@ -160,87 +160,56 @@ TEST_F(TexturedQuadCalls, TruncatesTowardZero) {
   const struct {
     const char* name;
     Rect rect;
-    std::uint32_t border;
     Lines expected;
   } cases[] = {
-      {"both ends of the sum", {1.75f, 1.75f, 3.5f, 1.125f}, 0, {"0 0 1 1", "1 0 5 1", "1 1 5 2", "0 1 1 2"}},
-      {"negative", {-1.75f, -0.5f, 3, 4}, 0, {"0 0 -1 0", "1 0 1 0", "1 1 1 3", "0 1 -1 3"}},
+      {"both ends", {1.75f, 1.75f, 3.5f, 1.125f}, {"0 0 1 1", "1 0 5 1", "1 1 5 2", "0 1 1 2"}},
+      {"negative", {-1.75f, -0.5f, 3, 4}, {"0 0 -1 0", "1 0 1 0", "1 1 1 3", "0 1 -1 3"}},
       {"summed in single precision",
        {16777216, 0, 1, 1},
-       0,
        {"0 0 16777216 0", "1 0 16777216 0", "1 1 16777216 1", "0 1 16777216 1"}},
       {"far out",
        {-1e20f, 0, 2e20f, 1},
-       0,
        {"0 0 -2147483648 0", "1 0 2147483647 0", "1 1 2147483647 1", "0 1 -2147483648 1"}},
   };
   for (const auto& c : cases)
-    EXPECT_EQ(Corners(Quad(c.rect, c.border), Plain(9, 3)), c.expected) << c.name;
+    EXPECT_EQ(Corners(Quad(c.rect), Plain(9, 3)), c.expected) << c.name;
 }
 
 TEST_F(TexturedQuadCalls, NinePatch) {
-  // s1 = 10 / 64, t1 = 10 / 32; the rectangle ends at trunc(trunc(2.9) + 50.2) = 52, not at 53.
-  EXPECT_EQ(Corners(Quad({2.9f, 3, 50.2f, 40}, 10), Plain(64, 32)), (Lines{
-                                                                        "0 0 2 3",
-                                                                        "0.15625 0 12 3",
-                                                                        "0.15625 0.3125 12 13",
-                                                                        "0 0.3125 2 13", // bottom left
-                                                                        "0.15625 0 12 3",
-                                                                        "0.84375 0 42 3",
-                                                                        "0.84375 0.3125 42 13",
-                                                                        "0.15625 0.3125 12 13", //
-                                                                        "0.84375 0 42 3",
-                                                                        "1 0 52 3",
-                                                                        "1 0.3125 52 13",
-                                                                        "0.84375 0.3125 42 13", //
-                                                                        "0 0.3125 2 13",
-                                                                        "0.15625 0.3125 12 13",
-                                                                        "0.15625 0.6875 12 33",
-                                                                        "0 0.6875 2 33", // middle
-                                                                        "0.15625 0.3125 12 13",
-                                                                        "0.84375 0.3125 42 13",
-                                                                        "0.84375 0.6875 42 33",
-                                                                        "0.15625 0.6875 12 33", //
-                                                                        "0.84375 0.3125 42 13",
-                                                                        "1 0.3125 52 13",
-                                                                        "1 0.6875 52 33",
-                                                                        "0.84375 0.6875 42 33", //
-                                                                        "0 0.6875 2 33",
-                                                                        "0.15625 0.6875 12 33",
-                                                                        "0.15625 1 12 43",
-                                                                        "0 1 2 43", // top
-                                                                        "0.15625 0.6875 12 33",
-                                                                        "0.84375 0.6875 42 33",
-                                                                        "0.84375 1 42 43",
-                                                                        "0.15625 1 12 43", //
-                                                                        "0.84375 0.6875 42 33",
-                                                                        "1 0.6875 52 33",
-                                                                        "1 1 52 43",
-                                                                        "0.84375 1 42 43",
-                                                                    }));
+  // The rectangle ends at trunc(trunc(2.9) + 50.2) = 52, not at 53.
+  const char* const s[] = {"0", "0.15625", "0.84375", "1"}; // 10 of 64 texels
+  const char* const t[] = {"0", "0.3125", "0.6875", "1"};   // 10 of 32
+  const char* const x[] = {"2", "12", "42", "52"};
+  const char* const y[] = {"3", "13", "33", "43"};
+  const auto corner = [&](int p_column, int p_row) {
+    return std::string(s[p_column]) + " " + t[p_row] + " " + x[p_column] + " " + y[p_row];
+  };
+  Lines expected;
+  for (int row = 0; row < 3; ++row)
+    for (int column = 0; column < 3; ++column)
+      for (const std::string& sent :
+           {corner(column, row), corner(column + 1, row), corner(column + 1, row + 1), corner(column, row + 1)})
+        expected.push_back(sent);
+  EXPECT_EQ(Corners(Quad({2.9f, 3, 50.2f, 40}, 10), Plain(64, 32)), expected);
 }
 
 TEST_F(TexturedQuadCalls, NinePatchesThatDoNotFit) {
-  // Only where the quads begin and end: the columns of the lower row, then of the middle and the upper one.
   const struct {
     const char* name;
     Rect rect;
-    std::uint32_t border;
     Lines expected; ///< lower left and upper right pixel of each quad
   } cases[] = {
       {"no middle column, whose centre is sent all the same",
        {0, 0, 15, 40},
-       10,
        {"0 0-10 10", "10 0-15 10", "0 10-10 30", "10 10-10 30", "10 10-15 30", "0 30-10 40", "10 30-15 40"}},
       {"no middle row",
        {0, 0, 40, 15},
-       10,
        {"0 0-10 10", "10 0-30 10", "30 0-40 10", "0 10-10 15", "10 10-30 15", "30 10-40 15"}},
-      {"just without a middle", {0, 0, 20, 20}, 10, {"0 0-10 10", "10 0-20 10", "0 10-10 20", "10 10-20 20"}},
-      {"smaller than a border", {5, 5, 4, 4}, 10, {"5 5-15 15", "15 5-9 15", "5 15-15 9", "15 15-9 9"}},
+      {"just without a middle", {0, 0, 20, 20}, {"0 0-10 10", "10 0-20 10", "0 10-10 20", "10 10-20 20"}},
+      {"smaller than a border", {5, 5, 4, 4}, {"5 5-15 15", "15 5-9 15", "5 15-15 9", "15 15-9 9"}},
   };
   for (const auto& c : cases) {
-    const Lines corners = Corners(Quad(c.rect, c.border), Plain(64, 64));
+    const Lines corners = Corners(Quad(c.rect, 10), Plain(64, 64));
     const auto pixel = [](const std::string& p_corner) {
       return p_corner.substr(p_corner.find(' ', p_corner.find(' ') + 1) + 1);
     };
@@ -249,11 +218,9 @@ TEST_F(TexturedQuadCalls, NinePatchesThatDoNotFit) {
       quads.push_back(pixel(corners[i]) + "-" + pixel(corners[i + 2]));
     EXPECT_EQ(quads, c.expected) << c.name;
   }
-  // A border beyond all pixels.
-  EXPECT_EQ(Corners(Quad({0, 0, 4, 4}, 0xFFFFFFFFU), Plain(64, 64)).size(), 16u);
-  // A texture of no size: the coordinates are infinite, and sent.
+  EXPECT_EQ(Corners(Quad({0, 0, 4, 4}, 0xFFFFFFFFU), Plain(64, 64)).size(), 16u) << "a border beyond all pixels";
   const ReportCapture reports;
-  EXPECT_EQ(Corners(Quad({0, 0, 40, 40}, 10), QImage()).size(), 36u);
+  EXPECT_EQ(Corners(Quad({0, 0, 40, 40}, 10), QImage()).size(), 36u) << "no texels: infinite coordinates are sent";
 }
 
 TEST_F(TexturedQuadPixels, CornersKeepTheSizeOfTexels) {
@@ -283,49 +250,23 @@ TEST_F(TexturedQuadPixels, CornersKeepTheSizeOfTexels) {
 TEST_F(TexturedQuadPixels, BlendsLayers) {
   Scope gl(Handle());
   const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
-  gl->Enable(RGL_DEPTH_TEST); // without ALWAYS no layer would pass: all have one depth
+  gl->Enable(RGL_DEPTH_TEST); // without ALWAYS no further layer would pass: all have one depth
+  const auto lowest = Layer(Plain(4, 4, QColor(100, 100, 50, 204)), gl, 2);
   const struct {
     const char* name;
     std::uint32_t environment;
-    QColor over;
-    QColor expected;
+    QColor over, expected;
   } cases[] = {
       {"replaced", 2, QColor(10, 20, 30, 40), QColor(10, 20, 30, 40)},
       {"blended by alpha, whose own alpha is kept", 1, QColor(255, 0, 85, 51), QColor(131, 80, 57, 204)},
       {"multiplied", 0, QColor(51, 255, 0, 128), QColor(20, 100, 0, 102)},
   };
   TexturedQuad quad = Quad({2, 2, 20, 10});
-  quad.color = QColor(255, 0, 0); // for the first layer only, and its environment is Replace
+  quad.color = Qt::red; // for the first layer only, and its environment is Replace
   for (const auto& c : cases) {
     gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
-    quad(Handle(),
-         {Layer(Plain(4, 4, QColor(100, 100, 50, 204)), gl, 2), Layer(Plain(5, 3, c.over), gl, c.environment)});
+    quad(Handle(), {lowest, Layer(Plain(5, 3, c.over), gl, c.environment)});
     EXPECT_TRUE(SameColor(PixelAt(Image(), 10, 6), c.expected, 1)) << c.name;
     EXPECT_EQ(qAlpha(PixelAt(Image(), 22, 6)), 0) << c.name;
   }
-}
-
-TEST_F(TexturedQuadPixels, TheFirstLayerIsTintedAndTestsDepth) {
-  Scope gl(Handle());
-  const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
-  TexturedQuad quad = Quad({2, 2, 20, 10});
-  quad.color = QColor(51, 255, 102);
-  const auto texture = Layer(Plain(4, 4, QColor(200, 100, 50)), gl, Texture::Modulate);
-  quad(Handle(), *texture);
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 10, 6), QColor(40, 100, 20), 1));
-  // Something nearer hides the first layer, but not the second one.
-  gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
-  gl->Enable(RGL_DEPTH_TEST);
-  gl->Color(Qt::blue);
-  gl->Begin(RGL_QUADS);
-  gl->Vertex(0, 0, 0.5);
-  gl->Vertex(12, 0, 0.5);
-  gl->Vertex(12, 30, 0.5);
-  gl->Vertex(0, 30, 0.5);
-  gl->End();
-  quad(Handle(), *texture);
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 10, 6), Qt::blue));
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 14, 6), QColor(40, 100, 20), 1));
-  quad(Handle(), {texture, Layer(Plain(1, 1, Qt::green), gl, Texture::Replace)});
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 10, 6), Qt::green));
 }
