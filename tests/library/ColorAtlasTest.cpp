@@ -17,22 +17,19 @@ using Vek::Test::ReportCapture;
 namespace {
 
 using Pixel = std::pair<int, int>;
-using Pieces = std::vector<std::pair<Pixel, Pixel>>;
-
 Pixel At(const ColorCoords::Pixel& p_pixel) {
   return {static_cast<int>(p_pixel.x), static_cast<int>(p_pixel.y)};
-}
-
-Pieces PiecesOf(const ColorCoords& p_coords) {
-  Pieces pieces;
-  for (const auto& [first, last] : p_coords.PixelSpans())
-    pieces.push_back({At(first), At(last)});
-  return pieces;
 }
 
 /// Distinct for each number; never the red of the background.
 QColor Numbered(unsigned int p_number) {
   return QColor::fromRgb(static_cast<int>(p_number % 251), static_cast<int>(p_number / 251 % 251), 200);
+}
+
+/// Adds a colour of that number below that id, one after the other: ids from 1.
+void Add(ColorAtlas& p_atlas, const std::vector<std::pair<unsigned int, unsigned int>>& p_colors) {
+  for (const auto& [number, parent] : p_colors)
+    p_atlas.AddColor(Numbered(number), parent);
 }
 
 /// The rows of the picture, one letter a texel: '.' where it is background, '?' for a colour that is not in the legend.
@@ -184,39 +181,24 @@ TEST_F(ColorAtlasCalls, PlacesSmallTreesAsWritten) {
   };
   const Case cases[] = {
       {"nothing but the root", 8, [](ColorAtlas&) {}, {"."}},
-      {"three colours",
-       1024,
-       [](ColorAtlas& a) {
-         for (const unsigned int n : {1, 2, 3})
-           a.AddColor(Numbered(n), 0);
-       },
-       {"abc."}},
       {"depth first, instanced colours behind plain ones",
        1024,
        [](ColorAtlas& a) {
-         a.AddColor(Numbered(1), 0);           // id 1, instanced below
-         a.AddColor(Numbered(2), 0);           // id 2
-         a.AddColor(Numbered(3), 2);           // id 3
-         a.AddColor(Numbered(4), 1);           // id 4
-         a.AddInstance(1, {{4, Numbered(8)}}); // id 5
+         Add(a, {{1, 0}, {2, 0}, {3, 2}, {4, 1}});
+         a.AddInstance(1, {{4, Numbered(8)}});
        },
        {"bcadax.."}},
       {"the own colour of an instance, then a deeper one",
        1024,
        [](ColorAtlas& a) {
-         a.AddColor(Numbered(1), 0);
-         a.AddColor(Numbered(2), 1);
-         a.AddColor(Numbered(3), 2);
-         a.AddColor(Numbered(4), 1);
+         Add(a, {{1, 0}, {2, 1}, {3, 2}, {4, 1}});
          a.AddInstance(1, {{1, Numbered(8)}, {2, Numbered(9)}});
        },
        {"abcdxyyx"}},
       {"a copy that would end at the border starts a new row",
        8,
        [](ColorAtlas& a) {
-         a.AddColor(Numbered(1), 0);
-         a.AddColor(Numbered(2), 1);
-         a.AddColor(Numbered(3), 1);
+         Add(a, {{1, 0}, {2, 1}, {3, 1}});
          a.AddInstance(1, {});
          a.AddInstance(1, {{2, Numbered(8)}});
          a.AddInstance(1, {});
@@ -225,11 +207,7 @@ TEST_F(ColorAtlasCalls, PlacesSmallTreesAsWritten) {
       {"a span of half a row moves to the next row and is copied below",
        8,
        [](ColorAtlas& a) {
-         for (int i = 0; i < 6; ++i)
-           a.AddColor(Numbered(5), 0); // ids 1 to 6
-         a.AddColor(Numbered(1), 0);   // id 7
-         for (const unsigned int n : {2, 3, 4})
-           a.AddColor(Numbered(n), 7);
+         Add(a, {{5, 0}, {5, 0}, {5, 0}, {5, 0}, {5, 0}, {5, 0}, {1, 0}, {2, 7}, {3, 7}, {4, 7}});
          a.AddInstance(7, {{9, Numbered(9)}});
        },
        {"eeeeee..", "abcd....", "abyd....", "........"}},
@@ -245,46 +223,34 @@ TEST_F(ColorAtlasCalls, PlacesSmallTreesAsWritten) {
   }
 }
 
-TEST_F(ColorAtlasCalls, DescribesRunsRowByRow) {
+TEST_F(ColorAtlasCalls, DescribesRunsAndOffsets) {
   ColorAtlas atlas;
-  for (int i = 0; i < 5; ++i)
-    atlas.AddColor(Qt::gray, 0);
+  Add(atlas, {{1, 0}, {1, 0}, {1, 0}, {1, 0}, {1, 0}});
   const unsigned int top = atlas.AddColor(Qt::gray, 0);
   for (int i = 0; i < 9; ++i)
     atlas.AddColor(Qt::gray, top);
   Build(atlas, 8);
-  EXPECT_EQ(PiecesOf(atlas.ColorAt(top).coords), (Pieces{{{5, 0}, {7, 0}}, {{0, 1}, {6, 1}}}));
-  EXPECT_EQ(At(atlas.ColorAt(top).coords.First()), Pixel(5, 0));
-  EXPECT_EQ(At(atlas.ColorAt(15).coords.First()), Pixel(6, 1));
-  EXPECT_EQ(PiecesOf(atlas.ColorAt(15).coords), Pieces());
-  EXPECT_EQ(atlas.AtlasImage().size(), QSize(8, 2));
+  std::vector<Pixel> ends;
+  for (const auto& [first, last] : atlas.ColorAt(top).coords.PixelSpans())
+    ends.insert(ends.end(), {At(first), At(last)});
+  EXPECT_EQ(ends, (std::vector<Pixel>{{5, 0}, {7, 0}, {0, 1}, {6, 1}}));
+  EXPECT_TRUE(atlas.ColorAt(15).coords.PixelSpans().empty());
   EXPECT_EQ(atlas.TexelCoordSpace().texel, (Ogl::Vec2<float>{0.125f, 0.5f}));
   EXPECT_EQ(atlas.TexelCoordSpace().centre, (Ogl::Vec2<float>{0.0625f, 0.25f}));
-}
 
-TEST_F(ColorAtlasCalls, OffsetsAreSignedAndCountDownwards) {
-  ColorAtlas atlas;
-  for (int i = 0; i < 4; ++i)
-    atlas.AddColor(Qt::gray, 0);
-  const unsigned int top = atlas.AddColor(Qt::gray, 0);
-  const unsigned int behind = atlas.AddInstance(top, {});
-  for (int i = 0; i < 2; ++i)
-    atlas.AddInstance(top, {});
-  const unsigned int wrapped = atlas.AddInstance(top, {});
-  Build(atlas, 8);
-  EXPECT_EQ(atlas.InstanceOffset(behind), (Ogl::Vec2<float>{0.125f, -0.0f}));
-  EXPECT_TRUE(std::signbit(atlas.InstanceOffset(behind).y));
-  EXPECT_EQ(atlas.InstanceOffset(wrapped), (Ogl::Vec2<float>{-3 * 0.125f, -0.5f}));
+  ColorAtlas beside;
+  Add(beside, {{1, 0}});
+  const unsigned int instance = beside.AddInstance(1, {});
+  Build(beside, 8);
+  EXPECT_TRUE(std::signbit(beside.InstanceOffset(instance).y)) << "a zero that counts downwards";
 }
 
 TEST_F(ColorAtlasCalls, AgreesWithThePlainRulesOnRandomTrees) {
-  for (unsigned int seed = 0; seed < 400; ++seed) {
+  for (unsigned int seed = 0; seed < 300; ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     const auto below = [&](unsigned int p_end) { return static_cast<unsigned int>(random() % p_end); };
-    const unsigned int width = 2 + below(40);
-    const unsigned int count = 1 + below(60);
-    const unsigned int bushiness = 1 + below(8);
+    const unsigned int width = 2 + below(40), count = 1 + below(60), bushiness = 1 + below(8);
 
     ColorAtlas atlas;
     std::vector<std::vector<unsigned int>> children(1);
@@ -343,7 +309,6 @@ TEST_F(ColorAtlasCalls, UploadsANearestClampedReplacingTexture) {
   ColorAtlas atlas;
   atlas.AddColor(Qt::green, 0);
   Build(atlas, 64);
-  ASSERT_TRUE(atlas.Texture());
   const Ogl::RecordingGl::TextureObject* texture = recorder.FindTexture(atlas.Texture()->Handle()->Name());
   ASSERT_NE(texture, nullptr);
   EXPECT_EQ(texture->levels.at(0).width, 1);
@@ -356,31 +321,29 @@ TEST_F(ColorAtlasCalls, UploadsANearestClampedReplacingTexture) {
   const Lines lines = recorder.Lines();
   ASSERT_GE(lines.size(), 2u);
   EXPECT_EQ(Lines(lines.end() - 2, lines.end()), (Lines{"ActiveTexture(GL_TEXTURE0)", "Disable(GL_TEXTURE_2D)"}));
-}
 
-TEST_F(ColorAtlasCalls, CopiesShareTheTextureAndNothingElse) {
-  ColorAtlas atlas;
-  const unsigned int id = atlas.AddColor(Numbered(1), 0);
-  Build(atlas, 64);
-  ColorAtlas copy = atlas;
+  const ColorAtlas copy = atlas; // shares the texture and nothing else
   EXPECT_EQ(copy.Texture(), atlas.Texture());
-  atlas.AddColor(Numbered(2), id);
+  atlas.AddColor(Qt::blue, 1);
   Build(atlas, 64);
   EXPECT_NE(copy.Texture(), atlas.Texture());
-  EXPECT_EQ(copy.ColorAt(id).coords.PixelSpans().size(), 0u);
-  EXPECT_EQ(atlas.ColorAt(id).coords.PixelSpans().size(), 1u);
+  EXPECT_EQ(copy.AtlasImage().width(), 1);
 }
 
 TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
+  const std::string atlas_class = "Vek::Chart::Library::ColorAtlas::";
+  const std::string span = "const class Vek::Chart::Types::Span<unsigned int> &)";
   const std::string layout = " - void __cdecl Vek::Chart::Library::Private::ColorAtlasImpl::";
-  const std::string process = layout + "InstanceCoordinateMapper::ProcessInstances(unsigned int,const class "
-                                       "Vek::Chart::Types::Span<unsigned int> &)";
-  const std::string color_at = " - struct Vek::Chart::Library::ColorAtlas::ColorNode &__cdecl "
-                               "Vek::Chart::Library::ColorAtlas::ColorAt(unsigned int)";
+  const std::string process = layout + "InstanceCoordinateMapper::ProcessInstances(unsigned int," + span;
+  const std::string color_at =
+      " - struct " + atlas_class + "ColorNode &__cdecl " + atlas_class + "ColorAt(unsigned int)";
+  const std::string offset =
+      " - class Vek::Chart::Ogl::Vec2<float> __cdecl " + atlas_class + "InstanceOffset(unsigned int) const";
   const std::string add_instance =
-      " - unsigned int __cdecl Vek::Chart::Library::ColorAtlas::AddInstance(unsigned int,const class std::map<unsigned "
-      "int,class QColor,struct std::less<unsigned int>,class std::allocator<struct std::pair<unsigned int const ,class "
-      "QColor> > > &)";
+      " - unsigned int __cdecl " + atlas_class +
+      "AddInstance(unsigned int,const class std::map<unsigned int,class "
+      "QColor,struct std::less<unsigned int>,class std::allocator<struct std::pair<unsigned int const ,class QColor> "
+      "> > &)";
   struct Case {
     const char* name;
     std::function<void(ColorAtlas&)> run;
@@ -389,22 +352,21 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
   const Case cases[] = {
       {"texture before a build",
        [](ColorAtlas& a) { EXPECT_FALSE(a.Texture()); },
-       {"\"_map\" - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl "
-        "Vek::Chart::Library::ColorAtlas::Texture(void) const"}},
+       {"\"_map\" - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " + atlas_class +
+        "Texture(void) const"}},
       {"no colours",
        [this](ColorAtlas& a) { Build(a, 8); },
-       {"\"_spans.size() != 0\" - void __cdecl Vek::Chart::Library::ColorAtlas::BuildAtlas(class "
-        "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)"}},
-      {"an unknown id",
-       [](ColorAtlas& a) { EXPECT_TRUE(a.ColorAt(77).children.empty()); },
-       {"\"instPos != _instances.end()\"" + color_at}},
-      {"an unknown parent",
-       [](ColorAtlas& a) { EXPECT_EQ(a.AddColor(Qt::blue, 77), 1u); },
-       {"\"instPos != _instances.end()\"" + color_at}},
+       {"\"_spans.size() != 0\" - void __cdecl " + atlas_class +
+        "BuildAtlas(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)"}},
+      {"an unknown id and an unknown parent",
+       [](ColorAtlas& a) {
+         EXPECT_TRUE(a.ColorAt(77).children.empty());
+         EXPECT_EQ(a.AddColor(Qt::blue, 77), 1u);
+       },
+       {"\"instPos != _instances.end()\"" + color_at, "\"instPos != _instances.end()\"" + color_at}},
       {"an instance of a colour below the top",
        [](ColorAtlas& a) {
-         a.AddColor(Qt::blue, 0);
-         a.AddColor(Qt::blue, 1);
+         Add(a, {{1, 0}, {2, 1}});
          EXPECT_EQ(a.AddInstance(2, {}), 3u);
        },
        {"\"instanceOf.parent == _rootId\"" + add_instance}},
@@ -414,16 +376,11 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
          a.InstanceOffset(a.AddInstance(1, {}));
          a.InstanceOffset(1);
        },
-       {"\"instance.Defined()\" - class Vek::Chart::Ogl::Vec2<float> __cdecl "
-        "Vek::Chart::Library::ColorAtlas::InstanceOffset(unsigned int) const",
-        "\"instanceIt != _instances.end()\" - class Vek::Chart::Ogl::Vec2<float> __cdecl "
-        "Vek::Chart::Library::ColorAtlas::InstanceOffset(unsigned int) const"}},
+       {"\"instance.Defined()\"" + offset, "\"instanceIt != _instances.end()\"" + offset}},
       {"replacements that are not below the instanced colour",
        [this](ColorAtlas& a) {
-         a.AddColor(Qt::blue, 0);                                             // 1, plain: before
-         a.AddColor(Qt::blue, 0);                                             // 2, instanced
-         a.AddColor(Qt::blue, ColorAtlas::NoParent);                          // 3, not laid out
-         a.AddInstance(2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}}); // 4
+         Add(a, {{1, 0}, {2, 0}, {3, ColorAtlas::NoParent}}); // plain: before; instanced; not laid out
+         a.AddInstance(2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}});
          Build(a, 8);
        },
        {"\"subcolor.first >= base\"" + process, "\"node.coords.Defined()\"" + process,
@@ -438,8 +395,7 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
        {"\"!instance.Defined()\"" + process}},
       {"a colour that is its own grandchild",
        [this](ColorAtlas& a) {
-         a.AddColor(Qt::blue, 0);
-         a.AddColor(Qt::blue, 1);
+         Add(a, {{1, 0}, {2, 1}});
          a.ColorAt(2).children.push_back(1);
          Build(a, 8);
        },
@@ -450,18 +406,14 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
         "Vek::Chart::Library::Private::ImageBuilder::WriteUniquePixel(const class Vek::Chart::Ogl::Vec2<unsigned int> "
         "&,const class QColor &)",
         "\"query.second && \"Coordinate p_spans must not have already been added\"\"" + layout +
-            "CoordinateMapper::MapSpan(unsigned int,struct Vek::Chart::Library::ColorAtlas::ColorNode &,const class "
-            "Vek::Chart::Types::Span<unsigned int> &)"}},
+            "CoordinateMapper::MapSpan(unsigned int,struct " + atlas_class + "ColorNode &," + span}},
       {"more colours than texels",
        [this](ColorAtlas& a) {
-         for (int i = 0; i < 5; ++i)
-           a.AddColor(Qt::blue, 0);
+         Add(a, {{1, 0}, {2, 0}, {3, 0}, {4, 0}, {5, 0}});
          Build(a, 2);
        },
        {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + layout +
-        "CoordinateMapper::WriteColor(unsigned int,const struct Vek::Chart::Library::ColorAtlas::ColorNode &,const "
-        "class "
-        "Vek::Chart::Types::Span<unsigned int> &)"}},
+        "CoordinateMapper::WriteColor(unsigned int,const struct " + atlas_class + "ColorNode &," + span}},
   };
   for (const Case& test : cases) {
     SCOPED_TRACE(test.name);
