@@ -70,40 +70,25 @@ TEST_F(TextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
     texture.sRgb = true; // too late
     recorder.Clear();
     texture(gl, RGL_TEXTURE0);
-    const Lines again = recorder.Lines();
-    ASSERT_EQ(again.size(), 12u);
-    EXPECT_EQ(again[1], "BindTexture(GL_TEXTURE_2D, 1001)");
-    EXPECT_EQ(again[2], "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0)");
+    EXPECT_EQ(recorder.Lines().size(), 12u);
+    EXPECT_EQ(recorder.LinesOf({"GenTextures", "TexImage2D"}), Lines());
+
+    Texture linear(Checked(), gl);
+    linear.sRgb = true;
+    linear(gl, RGL_TEXTURE0);
+    EXPECT_EQ(recorder.LinesOf({"TexImage2D"}),
+              Lines{"TexImage2D(GL_TEXTURE_2D, 0, GL_SRGB8_ALPHA8, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)"});
   }
 }
 
 TEST_F(TextureCalls, SetsOnlyWhatItKnows) {
   const struct {
-    const char* name;
     std::uint32_t filter, wrap, environment;
-    Lines expected;
-  } cases[] = {
-      {"lowest",
-       0,
-       0,
-       0,
-       {"TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)",
-        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT)",
-        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST)",
-        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR)",
-        "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE)"}},
-      {"second",
-       1,
-       1,
-       1,
-       {"TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT)",
-        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)",
-        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR)",
-        "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST)",
-        "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_DECAL)"}},
-      {"just past the end", 2, 2, 3, {}},
-      {"far away", 7, 0xFFFFFFFF, 0xFFFFFFFF, {}},
-  };
+    std::string expected;
+  } cases[] = {{0, 0, 0, "CLAMP_TO_EDGE REPEAT NEAREST LINEAR MODULATE "},
+               {1, 1, 1, "REPEAT CLAMP_TO_EDGE LINEAR NEAREST DECAL "},
+               {2, 2, 3, ""}, // just past the end
+               {7, 0xFFFFFFFF, 0xFFFFFFFF, ""}};
   Utility::Scoped<Rgl> gl(recorder.Handle());
   for (const auto& c : cases) {
     Texture texture(Checked(), gl);
@@ -115,19 +100,12 @@ TEST_F(TextureCalls, SetsOnlyWhatItKnows) {
     texture(gl, RGL_TEXTURE0);
     recorder.Clear();
     texture(gl, RGL_TEXTURE0);
-    Lines settings = recorder.LinesOf({"TexParameteri", "TexEnvi"});
-    settings.erase(settings.begin(), settings.begin() + 2); // the levels
-    EXPECT_EQ(settings, c.expected) << c.name;
+    std::string settings;
+    for (const std::string& line : recorder.LinesOf({"TexParameteri", "TexEnvi"}))
+      if (line.find("_LEVEL") == std::string::npos)
+        settings += line.substr(line.rfind("GL_") + 3, line.size() - line.rfind("GL_") - 4) + ' ';
+    EXPECT_EQ(settings, c.expected) << c.filter;
   }
-}
-
-TEST_F(TextureCalls, StoresAsSrgbWhenAsked) {
-  Utility::Scoped<Rgl> gl(recorder.Handle());
-  Texture texture(Checked(), gl);
-  texture.sRgb = true;
-  texture(gl, RGL_TEXTURE0);
-  EXPECT_EQ(recorder.LinesOf({"TexImage2D"}),
-            Lines{"TexImage2D(GL_TEXTURE_2D, 0, GL_SRGB8_ALPHA8, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)"});
 }
 
 TEST_F(TextureCalls, SizesTheImageForTheVersion) {
@@ -141,18 +119,13 @@ TEST_F(TextureCalls, SizesTheImageForTheVersion) {
     bool uploads;
     Lines reports;
   } cases[] = {
-      {"1.5 Vendor", 100, 30, 128, 32, true, {}},
-      {"1.5.2", 64, 64, 64, 64, true, {}},
-      {"1.4", 65, 1, 128, 1, true, {}},
-      {"1.1", 1, 3, 1, 4, true, {}},
-      {"1.5", 0, 0, 1, 1, false, {}},
-      {"2.0", 100, 30, 100, 30, true, {}},
-      {"2.0.1", 1, 3, 1, 3, true, {}},
-      {"4.5 (Compatibility Profile)", 100, 30, 100, 30, true, {}},
+      {"1.5 Vendor", 100, 30, 128, 32, true, {}}, {"1.5.2", 64, 64, 64, 64, true, {}},
+      {"1.4", 65, 1, 128, 1, true, {}},           {"1.5", 0, 0, 1, 1, false, {}},
+      {"2.0", 100, 30, 100, 30, true, {}},        {"4.5 (Compatibility Profile)", 100, 30, 100, 30, true, {}},
       {"2.0", 0, 0, 0, 0, false, invalid},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.version) + ", " + std::to_string(c.width) + " x " + std::to_string(c.height));
+    SCOPED_TRACE(std::string(c.version) + ", " + std::to_string(c.width));
     recorder.SetVersion(c.version);
     recorder.Clear();
     const ReportCapture reports;
@@ -184,20 +157,6 @@ TEST_F(TextureCalls, ScalesWithoutMixingColours) {
   }
 }
 
-TEST_F(TextureCalls, ReleasesItsTextureWithTheLastHolder) {
-  Utility::Scoped<Rgl> gl(recorder.Handle());
-  boost::shared_ptr<Ogl::Texture> handle;
-  {
-    const Texture texture(Checked(), gl);
-    texture(gl, RGL_TEXTURE0);
-    const Texture copy = texture;
-    handle = copy.Handle();
-  }
-  EXPECT_EQ(recorder.LinesOf({"DeleteTextures"}), Lines());
-  handle.reset();
-  EXPECT_EQ(recorder.LinesOf({"DeleteTextures"}), Lines{"DeleteTextures(1, [1001])"});
-}
-
 TEST_F(TexturePixels, ShowsTheImageUpright) {
   Utility::Scoped<Rgl> gl(Handle());
   gl->Viewport(0, 0, 9, 3);
@@ -207,34 +166,11 @@ TEST_F(TexturePixels, ShowsTheImageUpright) {
   gl->Color(Qt::red); // replaced
   DrawQuad(gl);
   EXPECT_TRUE(Vek::Test::SameImage(Image().copy(0, FrameSize.height - 3, 9, 3), Checked()));
-}
-
-TEST_F(TexturePixels, AppliesItsSettingsAtEachBind) {
-  Utility::Scoped<Rgl> gl(Handle());
-  gl->Viewport(0, 0, 8, 4);
-  QImage image(2, 1, QImage::Format_ARGB32);
-  image.setPixel(0, 0, qRgb(200, 0, 100));
-  image.setPixel(1, 0, qRgb(0, 200, 100));
-  Texture texture(image, gl);
-
-  const auto texel = [&](int p_x, double p_repeats) {
-    texture(gl, RGL_TEXTURE0);
-    gl->Color(QColor::fromRgbF(0.5, 1, 0));
-    DrawQuad(gl, p_repeats);
-    return Vek::Test::PixelAt(Image(), p_x, 1);
-  };
-  texture.magFilter = Texture::Nearest;
-  EXPECT_EQ(texel(3, 1), qRgb(200, 0, 100));
-  EXPECT_EQ(texel(4, 1), qRgb(0, 200, 100));
-  texture.magFilter = Texture::Linear; // pixel 3 is at 0.4375 × 2 − 0.5 = 0.375 between the texels
-  EXPECT_NEAR(qRed(texel(3, 1)), 125, 2);
-  EXPECT_NEAR(qGreen(texel(3, 1)), 75, 2);
-  texture.magFilter = texture.minFilter = Texture::Nearest;
-  EXPECT_EQ(texel(4, 2), qRgb(0, 200, 100)) << "clamped";
   texture.wrapS = Texture::Repeat;
-  EXPECT_EQ(texel(4, 2), qRgb(200, 0, 100)) << "repeated";
   texture.environment = Texture::Modulate;
-  EXPECT_EQ(texel(0, 1), qRgb(100, 0, 0));
+  texture(gl, RGL_TEXTURE0);
+  DrawQuad(gl, 3);
+  EXPECT_EQ(Vek::Test::PixelAt(Image(), 4, 0), qRgb(80, 0, 0)) << "the fifth texel again, in red";
 }
 
 TEST_F(TexturePixels, LinearisesWhatIsStoredAsSrgb) {
