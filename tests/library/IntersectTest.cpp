@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -53,7 +55,6 @@ TEST(IntersectPlanes, ParallelIsFalseAndLeavesTheLineAlone) {
   } cases[] = {
       {"shifted", {{0, 0, 0}, {0, 0, 1}}, {{0, 0, 1}, {0, 0, 1}}, false},
       {"coincident", {{0, 0, 0}, {0, 0, 1}}, {{5, 5, 0}, {0, 0, 1}}, false},
-      {"opposite", {{0, 0, 0}, {0, 0, 1}}, {{0, 0, 1}, {0, 0, -3}}, false},
       {"no normal", {{0, 0, 0}, {0, 0, 0}}, {{0, 0, 1}, {1, 0, 0}}, false},
       // The squared length of the product is compared with epsilon, 2^-52; epsilon itself passes.
       {"just below", {{0, 0, 0}, {0, 0, 1}}, {{0, 0, 0}, {std::nextafter(0x1p-26, 0), 0, 1}}, false},
@@ -67,15 +68,7 @@ TEST(IntersectPlanes, ParallelIsFalseAndLeavesTheLineAlone) {
   }
 }
 
-TEST(IntersectPlanes, GiveThePointAndTheUnnormalisedCrossProduct) {
-  Line line;
-  const Types::Plane level({0, 0, 2}, {0, 0, 2});
-  EXPECT_TRUE(bool(Intersect::Intersection(level, Types::Plane({3, 0, 0}, {4, 0, 0}), line)));
-  EXPECT_EQ(line.direction, Vector3(0, 8, 0));
-  EXPECT_EQ(line.point, Vector3(3, 0, 2));
-}
-
-TEST(IntersectPlanes, GoThroughSinglePrecision) {
+TEST(IntersectPlanes, MeetInALineThroughSinglePrecision) {
   const Types::Plane first({0, 0, 1.0 / 3}, {0, 0, 1});
   const Types::Plane second({0.7, 0, 0}, {1, 0, 1.0 / 3});
   const float b = 1.0F / 3;
@@ -90,14 +83,9 @@ TEST(IntersectPlanes, GoThroughSinglePrecision) {
   EXPECT_TRUE(bool(Intersect::Intersection(first, second, line)));
   EXPECT_TRUE(SameBits(line.point, {k2, 0, k1 + 1.0 / 3 * k2})) << Text(line.point);
   EXPECT_NE(line.point.z, 1.0 / 3) << "the loss must show";
-  EXPECT_NEAR(line.point.z, 1.0 / 3, 1e-6);
-}
-
-TEST(IntersectPlanes, NearlyParallelNormalsGiveAnInfinitePoint) {
-  Line line;
-  const Types::Plane tilted({0, 0, 2}, {1e-7, 0, 1});
-  EXPECT_TRUE(bool(Intersect::Intersection(Types::Plane({0, 0, 1}, {0, 0, 1}), tilted, line)));
-  EXPECT_FALSE(std::isfinite(line.point.x));
+  EXPECT_EQ(line.direction, Vector3(0, 1, 0)) << "not normalised";
+  EXPECT_TRUE(bool(Intersect::Intersection({{0, 0, 1}, {0, 0, 1}}, {{0, 0, 2}, {1e-7, 0, 1}}, line)));
+  EXPECT_FALSE(std::isfinite(line.point.x)) << "nearly parallel";
   EXPECT_EQ(line.direction, Vector3(0, 1e-7, 0));
 }
 
@@ -119,7 +107,6 @@ TEST(IntersectSegment, CountsBothEndsAndTellsParallelFromContained) {
       {"ends before it", ground, {1, 2, 8}, {1, 5, 1e-12}, "false", Untouched},
       {"leaves it", ground, {1, 2, 1e-12}, {1, 5, 8}, "false", Untouched},
       {"contained", ground, {0, 0, 0}, {1, 1, 0}, "indeterminate", Untouched},
-      {"a point on it", ground, {0, 0, 0}, {0, 0, 0}, "indeterminate", Untouched},
       {"both ends within epsilon", ground, {0, 0, Eps}, {0, 0, Eps}, "indeterminate", Untouched},
       {"only the start within epsilon", ground, {0, 0, Eps}, {0, 0, 2 * Eps}, "false", Untouched},
       {"only the end within epsilon", ground, {0, 0, 2 * Eps}, {0, 0, Eps}, "false", Untouched},
@@ -133,31 +120,21 @@ TEST(IntersectSegment, CountsBothEndsAndTellsParallelFromContained) {
     EXPECT_EQ(Text(Intersect::Intersection(c.plane, c.start, c.end, point)), c.expected) << c.name;
     EXPECT_TRUE(SameBits(point, c.point)) << c.name << Text(point);
   }
-}
-
-TEST(IntersectSegment, MayWriteItsPointIntoOneOfItsEnds) {
-  Vector3 start(1, 2, 3);
-  const Vector3 end(5, 2, -1);
-  EXPECT_TRUE(bool(Intersect::Intersection(Types::Plane(), start, end, start)));
+  Vector3 start(1, 2, 3); // takes the point
+  EXPECT_TRUE(bool(Intersect::Intersection(Types::Plane(), start, {5, 2, -1}, start)));
   EXPECT_EQ(start, Vector3(4, 2, 0));
 }
 
 TEST(IntersectRay, ReachesAsFarAsItsDirection) {
-  const struct {
-    double height;
-    const char* expected;
-  } cases[] = {{0.5, "true"}, {0, "true"}, {1, "true"}, {2, "false"}, {-0.5, "false"}};
-  for (const auto& c : cases) {
-    Vector3 point = Untouched;
-    const Ray up({0, 0, 0}, {0, 0, 1});
-    EXPECT_EQ(Text(Intersect::Intersection(Types::Plane({0, 0, c.height}, {0, 0, 1}), up, point)), c.expected);
-    EXPECT_EQ(point, std::string(c.expected) == "true" ? Vector3(0, 0, c.height) : Untouched) << c.height;
-  }
   // The far end is a rounded sum: a direction that is lost in the origin leaves a segment without length.
-  Vector3 point = Untouched;
-  const Types::Plane far({0, 0, 1e17}, {0, 0, 1});
-  EXPECT_EQ(Text(Intersect::Intersection(far, Ray({0, 0, 1e17}, {0, 0, 1}), point)), "indeterminate");
-  EXPECT_EQ(point, Untouched);
+  const std::array<double, 2> heights[] = {{0, 0.5}, {0, 0}, {0, 1}, {0, 2}, {0, -0.5}, {1e17, 1e17}};
+  std::string found;
+  for (const auto& [origin, height] : heights) {
+    Vector3 point = Untouched;
+    found += Text(Intersect::Intersection({{0, 0, height}, {0, 0, 1}}, Ray({0, 0, origin}, {0, 0, 1}), point)) + ' ';
+    EXPECT_EQ(point, height >= 0 && height <= 1 ? Vector3(0, 0, height) : Untouched) << height;
+  }
+  EXPECT_EQ(found, "true true true false false indeterminate ");
 }
 
 TEST(IntersectViewports, CommonPart) {
@@ -169,8 +146,6 @@ TEST(IntersectViewports, CommonPart) {
     Viewport result;
   } cases[] = {
       {"overlap", {0, 0, 10, 10}, {3, -2, 20, 5}, true, {3, 0, 7, 3}},
-      {"inside", {0, 0, 10, 10}, {3, 4, 2, 1}, true, {3, 4, 2, 1}},
-      {"touch at the side", {0, 0, 10, 10}, {10, 0, 5, 5}, true, {10, 0, 0, 5}},
       {"touch at the corner", {0, 0, 10, 10}, {10, 10, 5, 5}, true, {10, 10, 0, 0}},
       {"apart in x", {0, 0, 10, 10}, {11, 0, 5, 5}, false, {}},
       {"apart in y", {0, 0, 10, 10}, {0, -6, 5, 5}, false, {}},
@@ -182,8 +157,6 @@ TEST(IntersectViewports, CommonPart) {
     Viewport result(1, 2, 3, 4);
     EXPECT_EQ(Intersect::Intersection(c.a, c.b, result), c.expected) << c.name;
     EXPECT_EQ(result, c.result) << c.name;
-    EXPECT_EQ(Intersect::Intersection(c.b, c.a, result), c.expected) << c.name;
-    EXPECT_EQ(result, c.result) << c.name << ", swapped";
     for (const bool second : {false, true}) {
       Viewport a = c.a;
       Viewport b = c.b;
@@ -255,6 +228,11 @@ bool PlainCut(const Box& p_box, const Types::Plane& p_plane, std::vector<Vector3
 }
 
 struct CutCase {
+  CutCase(const Box& p_box, const Types::Plane& p_plane)
+      : box(p_box)
+      , plane(p_plane) {}
+  CutCase(const Box& p_box, const Vector3& p_from_centre, const Vector3& p_normal)
+      : CutCase(p_box, {p_box.Center() + p_from_centre, p_normal}) {}
   Box box;
   Types::Plane plane;
 };
@@ -272,21 +250,18 @@ public:
   /// 2 to a random power.
   double Power(int p_min, int p_max) { return std::ldexp(1.0, Integer(p_min, p_max)); }
   Vector3 Reals(double p_min, double p_max) {
-    const double x = Real(p_min, p_max);
-    const double y = Real(p_min, p_max);
-    return {x, y, Real(p_min, p_max)};
+    const std::array<double, 3> v{Real(p_min, p_max), Real(p_min, p_max), Real(p_min, p_max)}; // in this order
+    return {v[0], v[1], v[2]};
   }
   Vector3 Integers(int p_min, int p_max) {
-    const int x = Integer(p_min, p_max);
-    const int y = Integer(p_min, p_max);
-    return Vector3(x, y, Integer(p_min, p_max));
+    const std::array<int, 3> v{Integer(p_min, p_max), Integer(p_min, p_max), Integer(p_min, p_max)};
+    return Vector3(v[0], v[1], v[2]);
   }
   Vector3 Specials() {
     static const double values[] = {0.0,   -0.0,   1,      -1,     Inf,     -Inf, NaN,
                                     1e308, -1e308, 1e-308, 5e-324, -5e-324, 0.5,  1e17};
-    const int x = Integer(0, 13);
-    const int y = Integer(0, 13);
-    return {values[x], values[y], values[Integer(0, 13)]};
+    const std::array<int, 3> v{Integer(0, 13), Integer(0, 13), Integer(0, 13)};
+    return {values[v[0]], values[v[1]], values[v[2]]};
   }
   Box RealBox(double p_size) {
     const Vector3 min = Reals(-p_size, p_size);
@@ -308,13 +283,13 @@ const struct {
 } Families[] = {
     {"proper",
      [](Dice& d) {
-       const Box box = d.RealBox(10);
-       return CutCase{box, {box.Center() + d.Reals(-1, 1), d.Reals(-3, 3)}};
+       return CutCase{d.RealBox(10), d.Reals(-1, 1), d.Reals(-3, 3)};
      }},
-    {"through a corner",
+    {"through a corner, or a hair off it",
      [](Dice& d) {
        const Box box = d.RealBox(10);
-       return CutCase{box, {d.CornerOf(box), d.Reals(-1, 1)}};
+       const Vector3 hair = d.Reals(-1, 1) * (d.Integer(0, 1) * d.Power(-56, -40));
+       return CutCase{box, {d.CornerOf(box) + hair, d.Reals(-1, 1)}};
      }},
     {"through three corners",
      [](Dice& d) {
@@ -323,27 +298,11 @@ const struct {
        const Vector3 b = d.CornerOf(box);
        return CutCase{box, {a, b, d.CornerOf(box)}};
      }},
-    {"a hair off a corner",
-     [](Dice& d) {
-       const Box box = d.RealBox(1);
-       const Vector3 hair = d.Reals(-1, 1) * d.Power(-56, -40);
-       return CutCase{box, {d.CornerOf(box) + hair, d.Reals(-1, 1)}};
-     }},
-    {"along an axis, often in a face",
-     [](Dice& d) {
-       const Box box = d.RealBox(10);
-       const int axis = d.Integer(0, 2);
-       const double sign = d.Integer(0, 1) == 0 ? 2 : -1;
-       return CutCase{box,
-                      {d.Integer(0, 1) == 0 ? d.CornerOf(box) : box.Center(),
-                       {axis == 0 ? sign : 0, axis == 1 ? sign : 0, axis == 2 ? sign : 0}}};
-     }},
     {"almost along an axis",
      [](Dice& d) {
-       const Box box = d.RealBox(10);
-       return CutCase{box, {box.Center(), Vector3(0, 1, 0) + d.Reals(-1, 1) * d.Power(-60, -45)}};
+       return CutCase{d.RealBox(10), {}, Vector3(0, 1, 0) + d.Reals(-1, 1) * d.Power(-60, -45)};
      }},
-    {"on a lattice",
+    {"on a lattice, often in a face",
      [](Dice& d) {
        const Vector3 min = d.Integers(-2, 2);
        const Vector3 size = d.Integers(0, 3);
@@ -358,8 +317,7 @@ const struct {
      }},
     {"tiny box",
      [](Dice& d) {
-       const Box box = d.RealBox(d.Integer(0, 3) == 0 ? d.Power(-1060, -52) : d.Power(-51, -20));
-       return CutCase{box, {box.Center(), d.Reals(-1, 1)}};
+       return CutCase{d.RealBox(d.Power(d.Integer(0, 3) == 0 ? -1060 : -51, -20)), {}, d.Reals(-1, 1)};
      }},
     {"tiny box far out",
      [](Dice& d) {
@@ -369,20 +327,11 @@ const struct {
      }},
     {"huge box",
      [](Dice& d) {
-       const double size = d.Power(40, 1022);
-       const Box box = d.RealBox(size);
-       return CutCase{box, {box.Center() + d.Reals(-size / 4, size / 4), d.Reals(-1, 1)}};
-     }},
-    {"long and thin",
-     [](Dice& d) {
-       const Vector3 min = d.Reals(-1, 1);
-       const Vector3 size(d.Real(0, 1e-9), d.Real(0, 1e9), 1);
-       return CutCase{{min, min + size}, {min + size * 0.5, d.Reals(-1, 1)}};
+       return CutCase{d.RealBox(d.Power(40, 1022)), {}, d.Reals(-1, 1)};
      }},
     {"extreme normal",
      [](Dice& d) {
-       const Box box = d.RealBox(2);
-       return CutCase{box, {box.Center(), d.Reals(-1, 1) * d.Power(-1073, 1023)}};
+       return CutCase{d.RealBox(2), {}, d.Reals(-1, 1) * d.Power(-1073, 1023)};
      }},
     {"special numbers",
      [](Dice& d) {
@@ -402,7 +351,7 @@ TEST(IntersectBox, IsTheRuleBitForBit) {
   std::vector<Vector3> expected;
   for (const auto& family : Families) {
     int cuts = 0;
-    for (unsigned i = 0; i < 100000; ++i) {
+    for (unsigned i = 0; i < 30000; ++i) {
       Dice dice(i);
       const CutCase c = family.make(dice);
       const bool cut = PlainCut(c.box, c.plane, expected);
@@ -413,47 +362,38 @@ TEST(IntersectBox, IsTheRuleBitForBit) {
                         << Text(c.plane.Point()) << Text(c.plane.Normal());
       cuts += cut ? 1 : 0;
     }
-    EXPECT_GT(cuts, 10000) << family.name << " hardly ever cuts";
+    EXPECT_GT(cuts, 2000) << family.name << " hardly ever cuts";
   }
 }
 
 // On the plane, in the box, convex, and counter-clockwise seen from where the normal points.
-void ExpectProperPolygon(const CutCase& p_case, const std::vector<Vector3>& p_points, unsigned p_index) {
-  const Vector3& min = p_case.box.Min();
-  const Vector3& max = p_case.box.Max();
-  const double size = Length(max - min);
-  const double tolerance = 1e-14 * (size + Length(min));
-  const Vector3 normal = Normalize(p_case.plane.Normal());
-  const std::size_t n = p_points.size();
-  Vector3 area;
-  for (std::size_t i = 0; i < n; ++i) {
-    const Vector3& p = p_points[i];
-    ASSERT_LE(std::fabs(Dot(normal, p - p_case.plane.Point())), tolerance) << p_index;
-    ASSERT_TRUE(p.x >= min.x - tolerance && p.x <= max.x + tolerance) << p_index << Text(p);
-    ASSERT_TRUE(p.y >= min.y - tolerance && p.y <= max.y + tolerance) << p_index << Text(p);
-    ASSERT_TRUE(p.z >= min.z - tolerance && p.z <= max.z + tolerance) << p_index << Text(p);
-    const Vector3 side = p_points[(i + 1) % n] - p;
-    const Vector3 next = p_points[(i + 2) % n] - p_points[(i + 1) % n];
-    ASSERT_GE(Dot(Cross(side, next), normal), -tolerance * size) << p_index;
-    area += Cross(p - p_points[0], side);
-  }
-  ASSERT_GT(Dot(area, normal), 0) << p_index;
-}
-
 TEST(IntersectBox, AProperCutIsAConvexPolygonInOrder) {
   std::vector<Vector3> points;
   int sizes[7] = {};
-  for (unsigned i = 0; i < 100000; ++i) {
+  for (unsigned i = 0; i < 30000; ++i) {
     Dice dice(i);
     const CutCase c = Families[0].make(dice);
     if (!Intersect::Intersection(c.box, c.plane, points))
       continue;
-    ASSERT_TRUE(points.size() >= 3 && points.size() <= 6) << i;
-    ++sizes[points.size()];
-    ASSERT_NO_FATAL_FAILURE(ExpectProperPolygon(c, points, i));
+    const std::size_t n = points.size();
+    ASSERT_TRUE(n >= 3 && n <= 6) << i;
+    ++sizes[n];
+    const Vector3 min = c.box.Min(), max = c.box.Max(), normal = Normalize(c.plane.Normal());
+    const double size = Length(max - min), tolerance = 1e-14 * (size + Length(min));
+    Vector3 area;
+    for (std::size_t k = 0; k < n; ++k) {
+      const Vector3 &p = points[k], q = points[(k + 1) % n];
+      ASSERT_LE(std::fabs(Dot(normal, p - c.plane.Point())), tolerance) << i;
+      const Vector3 outside =
+          p - Vector3(std::clamp(p.x, min.x, max.x), std::clamp(p.y, min.y, max.y), std::clamp(p.z, min.z, max.z));
+      ASSERT_LE(Length(outside), tolerance) << i << Text(p);
+      ASSERT_GE(Dot(Cross(q - p, points[(k + 2) % n] - q), normal), -tolerance * size) << i;
+      area += Cross(p - points[0], q - p);
+    }
+    ASSERT_GT(Dot(area, normal), 0) << i;
   }
   for (int n = 3; n <= 6; ++n)
-    EXPECT_GT(sizes[n], 500) << n << " corners are rare";
+    EXPECT_GT(sizes[n], 150) << n << " corners are rare";
 }
 
 TEST(IntersectBox, SmallCasesByHand) {
@@ -478,17 +418,11 @@ TEST(IntersectBox, SmallCasesByHand) {
     for (std::size_t i = 0; i < points.size(); ++i)
       EXPECT_LE(Length(points[i] - c.expected[i]), 1e-15) << c.name << i << Text(points[i]);
   }
-}
-
-TEST(IntersectBox, TheFirstCutMakesRoomForAllOthers) {
+  // The first cut makes room for all others.
   std::vector<Vector3> points;
-  const Box unit({0, 0, 0}, {1, 1, 1});
   EXPECT_TRUE(Intersect::Intersection(unit, Types::Plane({0.1, 0, 0}, {1, 1, 1}), points));
-  EXPECT_EQ(points.size(), 3u);
   const Vector3* const data = points.data();
-  EXPECT_FALSE(Intersect::Intersection(unit, Types::Plane({9, 0, 0}, {1, 1, 1}), points));
-  EXPECT_TRUE(Intersect::Intersection(unit, Types::Plane({0.5, 0.5, 0.5}, {1, 1, 1}), points));
-  EXPECT_EQ(points.size(), 6u);
+  EXPECT_TRUE(Intersect::Intersection(unit, cases[2].plane, points));
   EXPECT_EQ(points.data(), data);
 }
 
