@@ -11,6 +11,16 @@ namespace Vek::Test {
 
 using Lines = std::vector<std::string>;
 
+/// The calls of a text that has "; " between them, as the recorder writes them: one line each.
+inline Lines Calls(const std::string& p_text) {
+  Lines lines;
+  for (std::size_t begin = 0, end = 0; end != std::string::npos; begin = end + 2) {
+    end = p_text.find("; ", begin);
+    lines.push_back(p_text.substr(begin, end - begin));
+  }
+  return lines;
+}
+
 /// Gives each test a recorder of its own, and fails the test when the recorder has complaints at the end: misuse of GL,
 /// leaked objects, open pairs. A test that expects misuse takes it with `recorder.TakeComplaints()`.
 class RecordingFixture : public testing::Test {

@@ -11,6 +11,7 @@
 
 using namespace Vek::Chart;
 using Ogl::BufferDraw;
+using Vek::Test::Calls;
 using Vek::Test::Lines;
 using Vek::Test::ReportCapture;
 
@@ -53,32 +54,27 @@ BufferDraw Square(const Rgl& p_gl) {
   return draw;
 }
 
-class BufferDrawCalls : public Vek::Test::RecordingFixture {};
+class BufferDrawCalls : public Vek::Test::RecordingFixture {
+protected:
+  Scope gl{recorder.Handle()};
+};
 
 TEST_F(BufferDrawCalls, DrawsFromItsBuffersAndRestoresTheBindings) {
-  Scope gl(recorder.Handle());
   const BufferDraw draw = Square(*gl);
   recorder.Clear();
   draw.Draw(gl);
-  const Lines expected = {"PushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT)",
-                          "BindBuffer(GL_ARRAY_BUFFER, 0)",
-                          "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)",
-                          "EnableClientState(GL_VERTEX_ARRAY)",
-                          "EnableClientState(GL_NORMAL_ARRAY)",
-                          "DisableClientState(GL_TEXTURE_COORD_ARRAY)",
-                          "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 3001)",
-                          "BindBuffer(GL_ARRAY_BUFFER, 3002)",
-                          "VertexPointer(3, GL_FLOAT, 24, null)",
-                          "NormalPointer(GL_FLOAT, 24, ptr)",
-                          "DrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_INT, null)",
-                          "PopClientAttrib()",
-                          "BindBuffer(GL_ARRAY_BUFFER, 0)",
-                          "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)"};
-  EXPECT_EQ(recorder.LinesWithout({"GetIntegerv"}), expected);
+  EXPECT_EQ(recorder.LinesWithout({"GetIntegerv"}),
+            Calls("PushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT); "
+                  "BindBuffer(GL_ARRAY_BUFFER, 0); BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0); "
+                  "EnableClientState(GL_VERTEX_ARRAY); EnableClientState(GL_NORMAL_ARRAY); "
+                  "DisableClientState(GL_TEXTURE_COORD_ARRAY); "
+                  "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 3001); BindBuffer(GL_ARRAY_BUFFER, 3002); "
+                  "VertexPointer(3, GL_FLOAT, 24, null); NormalPointer(GL_FLOAT, 24, ptr); "
+                  "DrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_INT, null); PopClientAttrib(); "
+                  "BindBuffer(GL_ARRAY_BUFFER, 0); BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)"));
 }
 
 TEST_F(BufferDrawCalls, TheRecorderSeesArraysThatAreTooShort) {
-  Scope gl(recorder.Handle());
   BufferDraw draw = Square(*gl);
   draw.indices = MakeBuffer(*gl, Indices({0, 1, 4})); // only vertices 0 to 3 are there
   draw.Draw(gl);
@@ -99,11 +95,8 @@ TEST_F(BufferDrawCalls, UndrawableBuffersAreReported) {
       {"positionOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.position_offset = 0xFFFFFFFF; }},
       {"normalOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.normal_stride = 0x80000000; }},
       {"instanceAttribute.records.Count() >= instances",
-       [](BufferDraw& p_draw) {
-         p_draw.instance_attributes = {{3, {}}};
-       }},
+       [](BufferDraw& p_draw) { p_draw.instance_attributes.resize(1); }},
   };
-  Scope gl(recorder.Handle());
   for (const Case& row : cases) {
     BufferDraw draw = Square(*gl);
     row.spoil(draw);

@@ -12,6 +12,7 @@
 using namespace Vek::Chart;
 using Ogl::VertexBuffer;
 using Ogl::VertexData;
+using Vek::Test::Calls;
 using Vek::Test::Lines;
 using Vek::Test::ReportCapture;
 
@@ -35,44 +36,41 @@ VertexData Triangle() {
   return data;
 }
 
-TEST(VertexData, AnEmptyOneHasNothingAndIsNotDecided) {
-  const VertexData data;
-  EXPECT_TRUE(data.Vertices().Empty() && data.Normals().Empty() && data.TexCoords().Empty() && data.Indices().Empty());
-  EXPECT_FALSE(data.PrimitiveType().Defined());
-  EXPECT_EQ(data.PrimitiveType().Value(), VertexBuffer::Undecided);
-}
-
 TEST(VertexData, ArraysAreSharedAndRemovedByNothing) {
   VertexData data;
   const boost::shared_ptr<const void> block = Shared<double>({1, 2, 3, 4, 5, 6});
   data.SetNormals(block, 2, 3, VertexData::Double);
   EXPECT_EQ(data.Normals().data, block);
-  EXPECT_EQ(data.Normals().As<double>()[5], 6);
   EXPECT_EQ(block.use_count(), 2);
   data.SetNormals(block, 0, 3, VertexData::Double);
   EXPECT_TRUE(data.Normals().Empty());
   EXPECT_EQ(block.use_count(), 1);
   data.SetIndices(nullptr, 7, VertexData::UnsignedInt);
   EXPECT_EQ(data.Indices().count, 0U);
+  EXPECT_FALSE(data.PrimitiveType().Defined());
+  EXPECT_EQ(data.PrimitiveType().Value(), VertexBuffer::Undecided);
 }
 
-class VertexDataCalls : public Vek::Test::RecordingFixture {};
+class VertexDataCalls : public Vek::Test::RecordingFixture {
+protected:
+  Scope gl{recorder.Handle()};
+};
 
-TEST_F(VertexDataCalls, PlainArraysAreDrawnInOneCall) {
-  Scope gl(recorder.Handle());
+TEST_F(VertexDataCalls, DrawsInOneCallAndRestoresTheHostsState) {
+  unsigned int buffers[2] = {};
+  gl->GenBuffers(2, buffers);
+  gl->BindBuffer(RGL_ARRAY_BUFFER, buffers[0]);
+  gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, buffers[1]);
+  recorder.Clear();
   Triangle().Draw(gl);
-  const Lines expected = {"PushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT)",
-                          "BindBuffer(GL_ARRAY_BUFFER, 0)",
-                          "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)",
-                          "EnableClientState(GL_VERTEX_ARRAY)",
-                          "DisableClientState(GL_NORMAL_ARRAY)",
-                          "DisableClientState(GL_TEXTURE_COORD_ARRAY)",
-                          "VertexPointer(3, GL_FLOAT, 0, ptr)",
-                          "DrawArrays(GL_TRIANGLES, 0, 3)",
-                          "PopClientAttrib()",
-                          "BindBuffer(GL_ARRAY_BUFFER, 0)",
-                          "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)"};
-  EXPECT_EQ(recorder.LinesWithout({"GetIntegerv"}), expected);
+  EXPECT_EQ(recorder.LinesWithout({"GetIntegerv"}),
+            Calls("PushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT); "
+                  "BindBuffer(GL_ARRAY_BUFFER, 0); BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0); "
+                  "EnableClientState(GL_VERTEX_ARRAY); DisableClientState(GL_NORMAL_ARRAY); "
+                  "DisableClientState(GL_TEXTURE_COORD_ARRAY); "
+                  "VertexPointer(3, GL_FLOAT, 0, ptr); DrawArrays(GL_TRIANGLES, 0, 3); PopClientAttrib(); "
+                  "BindBuffer(GL_ARRAY_BUFFER, 3001); BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 3002)"));
+  gl->DeleteBuffers(2, buffers);
 }
 
 TEST_F(VertexDataCalls, AllArraysAndInstances) {
@@ -82,28 +80,22 @@ TEST_F(VertexDataCalls, AllArraysAndInstances) {
   data.SetTexCoords(Shared<float>({0, 1, 2, 3}), 4, 1, VertexData::Float);
   data.SetIndices(Shared<unsigned short>({0, 1, 2, 3, 2}), 5, VertexData::UnsignedShort);
   data.PrimitiveType() = VertexBuffer::TriangleStrip;
-  Scope gl(recorder.Handle());
   data.Draw(gl);
   data.Draw(gl, 7);
   data.SetIndices({}, 0, VertexData::UnsignedShort);
   data.Draw(gl, 1);
   data.Draw(gl, 0);
-  const Lines pointers = {"VertexPointer(2, GL_DOUBLE, 0, ptr)", "NormalPointer(GL_FLOAT, 0, ptr)",
-                          "TexCoordPointer(1, GL_FLOAT, 0, ptr)"};
-  Lines expected;
-  for (const char* const draw : {"DrawElements(GL_TRIANGLE_STRIP, 5, GL_UNSIGNED_SHORT, ptr)",
-                                 "DrawElementsInstanced(GL_TRIANGLE_STRIP, 5, GL_UNSIGNED_SHORT, ptr, 7)",
-                                 "DrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, 1)"}) {
-    expected.insert(expected.end(), pointers.begin(), pointers.end());
-    expected.push_back(draw);
-  }
+  const std::string pointers =
+      "VertexPointer(2, GL_DOUBLE, 0, ptr); NormalPointer(GL_FLOAT, 0, ptr); TexCoordPointer(1, GL_FLOAT, 0, ptr); ";
   EXPECT_EQ(recorder.LinesOf({"VertexPointer", "NormalPointer", "TexCoordPointer", "DrawArrays", "DrawElements",
                               "DrawArraysInstanced", "DrawElementsInstanced"}),
-            expected);
+            Calls(pointers + "DrawElements(GL_TRIANGLE_STRIP, 5, GL_UNSIGNED_SHORT, ptr); " + pointers +
+                  "DrawElementsInstanced(GL_TRIANGLE_STRIP, 5, GL_UNSIGNED_SHORT, ptr, 7); " + pointers +
+                  "DrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, 1)"));
 }
 
 TEST_F(VertexDataCalls, EveryKindHasItsPrimitive) {
-  const std::pair<VertexBuffer::PrimitiveType, const char*> kinds[] = {
+  const std::pair<VertexBuffer::PrimitiveType, std::string> kinds[] = {
       {VertexBuffer::Points, "GL_POINTS"},
       {VertexBuffer::LineSegments, "GL_LINES"},
       {VertexBuffer::LineStrip, "GL_LINE_STRIP"},
@@ -114,126 +106,78 @@ TEST_F(VertexDataCalls, EveryKindHasItsPrimitive) {
       {VertexBuffer::Quads, "GL_QUADS"},
   };
   VertexData data = Triangle();
-  Scope gl(recorder.Handle());
   for (const auto& [kind, token] : kinds) {
     recorder.Clear();
     data.PrimitiveType() = kind;
     data.Draw(gl);
-    EXPECT_EQ(recorder.LinesOf({"DrawArrays"}), Lines{"DrawArrays(" + std::string(token) + ", 0, 3)"});
+    EXPECT_EQ(recorder.LinesOf({"DrawArrays"}), Lines{"DrawArrays(" + token + ", 0, 3)"});
   }
-}
-
-TEST_F(VertexDataCalls, TheHostsClientStateComesBack) {
-  Scope gl(recorder.Handle());
-  unsigned int buffers[2] = {};
-  gl->GenBuffers(2, buffers);
-  gl->BindBuffer(RGL_ARRAY_BUFFER, buffers[0]);
-  gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, buffers[1]);
-  Triangle().Draw(gl);
-  int bound[2] = {};
-  gl->GetIntegerv(RGL_ARRAY_BUFFER_BINDING, &bound[0]);
-  gl->GetIntegerv(RGL_ELEMENT_ARRAY_BUFFER_BINDING, &bound[1]);
-  EXPECT_EQ(bound[0], static_cast<int>(buffers[0]));
-  EXPECT_EQ(bound[1], static_cast<int>(buffers[1]));
-  gl->DeleteBuffers(2, buffers);
 }
 
 // What would read outside an array, or what GL would refuse, is reported and draws nothing.
 TEST_F(VertexDataCalls, UndrawableDataIsReported) {
   struct Case {
-    const char* expression;
+    std::string expression;
     std::function<void(VertexData&)> spoil;
   };
   const auto floats = [](std::size_t p_count) { return Shared(std::vector<float>(p_count, 1)); };
+  const auto bytes = Shared<unsigned char>({0, 1, 3});
+  const auto integers = Shared<unsigned int>({0xFFFFFFFF, 0});
+  const std::string primitive = "_primitive_type.Defined() && _primitive_type != Undecided";
+  const auto beyond = static_cast<VertexBuffer::PrimitiveType>(1000);
   const Case cases[] = {
-      {"!_vertices.Empty()", [](VertexData& p_data) { p_data.SetVertices({}, 3, 3, VertexData::Float); }},
-      {"_primitive_type.Defined() && _primitive_type != Undecided",
-       [](VertexData& p_data) { p_data.PrimitiveType() = VertexBuffer::Undecided; }},
-      {"_primitive_type.Defined() && _primitive_type != Undecided",
-       [](VertexData& p_data) { p_data.PrimitiveType() = static_cast<VertexBuffer::PrimitiveType>(1000); }},
-      {"Drawable(_vertices, 2, 4)",
-       [&](VertexData& p_data) { p_data.SetVertices(floats(15), 3, 5, VertexData::Float); }},
-      {"Drawable(_vertices, 2, 4)",
-       [](VertexData& p_data) {
-         p_data.SetVertices(Shared<unsigned char>({1, 2, 3}), 1, 3, VertexData::UnsignedByte);
-       }},
+      {"!_vertices.Empty()", [](auto& p_data) { p_data.SetVertices({}, 3, 3, VertexData::Float); }},
+      {primitive, [](auto& p_data) { p_data.PrimitiveType() = VertexBuffer::Undecided; }},
+      {primitive, [=](auto& p_data) { p_data.PrimitiveType() = beyond; }},
+      {"Drawable(_vertices, 2, 4)", [&](auto& p_data) { p_data.SetVertices(floats(15), 3, 5, VertexData::Float); }},
+      {"Drawable(_vertices, 2, 4)", [&](auto& p_data) { p_data.SetVertices(bytes, 1, 3, VertexData::UnsignedByte); }},
       {"_normals.Empty() || Drawable(_normals, 3, 3)",
-       [&](VertexData& p_data) { p_data.SetNormals(floats(6), 3, 2, VertexData::Float); }},
+       [&](auto& p_data) { p_data.SetNormals(floats(6), 3, 2, VertexData::Float); }},
       {"_normals.Empty() || _normals.count >= _vertices.count",
-       [&](VertexData& p_data) { p_data.SetNormals(floats(6), 2, 3, VertexData::Float); }},
+       [&](auto& p_data) { p_data.SetNormals(floats(6), 2, 3, VertexData::Float); }},
       {"_texCoords.Empty() || _texCoords.count >= _vertices.count",
-       [&](VertexData& p_data) { p_data.SetTexCoords(floats(4), 2, 2, VertexData::Float); }},
-      {"_indices < _vertices.count",
-       [](VertexData& p_data) {
-         p_data.SetIndices(Shared<unsigned char>({0, 3}), 2, VertexData::UnsignedByte);
-       }},
-      {"_indices < _vertices.count",
-       [](VertexData& p_data) {
-         p_data.SetIndices(Shared<unsigned int>({0xFFFFFFFF, 0}), 2, VertexData::UnsignedInt);
-       }},
-      {"_indices < _vertices.count",
-       [](VertexData& p_data) {
-         p_data.SetIndices(Shared<float>({0, 1}), 2, VertexData::Float);
-       }},
+       [&](auto& p_data) { p_data.SetTexCoords(floats(4), 2, 2, VertexData::Float); }},
+      {"_indices < _vertices.count", [&](auto& p_data) { p_data.SetIndices(bytes, 3, VertexData::UnsignedByte); }},
+      {"_indices < _vertices.count", [&](auto& p_data) { p_data.SetIndices(integers, 2, VertexData::UnsignedInt); }},
+      {"_indices < _vertices.count", [&](auto& p_data) { p_data.SetIndices(floats(2), 2, VertexData::Float); }},
   };
-  Scope gl(recorder.Handle());
+  const std::string signature = "\" - void __cdecl Vek::Chart::Ogl::VertexData::Draw("
+                                "class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &";
   for (const Case& row : cases) {
     VertexData data = Triangle();
     row.spoil(data);
     ReportCapture reports;
     data.Draw(gl);
     data.Draw(gl, 2);
-    const std::string start = "\"" + std::string(row.expression) +
-                              "\" - void __cdecl Vek::Chart::Ogl::VertexData::Draw(" +
-                              "class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &";
+    const std::string start = '"' + row.expression + signature;
     EXPECT_EQ(reports.Texts(), (Lines{start + ") const", start + ",unsigned int) const"}));
   }
   EXPECT_EQ(recorder.Lines(), Lines());
-}
 
-TEST_F(VertexDataCalls, InstancesNeedADeviceThatHasThem) {
   recorder.SetVersion("2.1");
-  Scope gl(recorder.Handle());
+  Scope old(recorder.Handle());
   ReportCapture reports;
-  Triangle().Draw(gl, 3);
-  EXPECT_EQ(reports.Texts(),
-            Lines{"\"p_gl->Features().Supported(DeviceFeatures::FeatureInstancing)\" - void __cdecl "
-                  "Vek::Chart::Ogl::VertexData::Draw(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> "
-                  "&,unsigned int) const"});
+  Triangle().Draw(old, 3);
+  EXPECT_EQ(reports.Texts(), Lines{"\"p_gl->Features().Supported(DeviceFeatures::FeatureInstancing)" + signature +
+                                   ",unsigned int) const"});
   EXPECT_EQ(recorder.LinesOf({"DrawArraysInstanced"}), Lines());
 }
 
-class VertexDataPixels : public Vek::Test::PixelFixture {
-protected:
-  Ogl::OffscreenContext small{{7, 5}};
-};
+class VertexDataPixels : public Vek::Test::PixelFixture {};
 
-TEST_F(VertexDataPixels, ATriangleCoversThePixelsWithinIt) {
+// A triangle covers the pixels whose centres lie within it; a shader tells the instances of a square apart.
+TEST_F(VertexDataPixels, IndexedAndInstancedDataCoverTheirPixels) {
+  Ogl::OffscreenContext context({9, 5});
   {
-    Scope gl(small.Handle());
+    Scope gl(context.Handle());
     gl->Clear(RGL_COLOR_BUFFER_BIT);
-    const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, 7, 5});
-    gl->Color(Qt::green);
+    const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, 9, 5});
+    gl->Color(Qt::red);
     VertexData data;
     data.SetVertices(Shared<float>({0.25, 0.25, 0, 4.25, 0.25, 0, 0.25, 4.25, 0, 9, 9, 9}), 4, 3, VertexData::Float);
     data.SetIndices(Shared<unsigned char>({0, 1, 2}), 3, VertexData::UnsignedByte);
     data.PrimitiveType() = VertexBuffer::Triangles;
     data.Draw(gl);
-    EXPECT_TRUE(gl->CheckError("test"));
-  }
-  // Centres (x + 0.5, y + 0.5) with x + y + 1 < 4.5.
-  EXPECT_EQ(Vek::Test::Map(small.Image(), Qt::green), ".......\n"
-                                                      "#......\n"
-                                                      "##.....\n"
-                                                      "###....\n"
-                                                      "####...\n");
-}
-
-TEST_F(VertexDataPixels, AShaderTellsInstancesApart) {
-  {
-    Scope gl(small.Handle());
-    gl->Clear(RGL_COLOR_BUFFER_BIT);
-    const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, 7, 5});
     const Ogl::ShaderProgram program(gl,
                                      "#version 140\n"
                                      "#extension GL_ARB_compatibility : enable\n"
@@ -245,17 +189,17 @@ TEST_F(VertexDataPixels, AShaderTellsInstancesApart) {
                                      "void main() { gl_FragColor = vec4(1.0, 0.0, 0.0, 1.0); }\n");
     ASSERT_TRUE(program.Linked());
     const boost::shared_ptr<void> in_use = program.Use(gl);
-    VertexData data;
-    data.SetVertices(Shared<double>({0, 1, 2, 1, 2, 3, 0, 3}), 4, 2, VertexData::Double);
-    data.PrimitiveType() = VertexBuffer::Quads;
-    data.Draw(gl, 2);
+    VertexData square;
+    square.SetVertices(Shared<double>({4, 3, 6, 3, 6, 5, 4, 5}), 4, 2, VertexData::Double);
+    square.PrimitiveType() = VertexBuffer::Quads;
+    square.Draw(gl, 2);
     EXPECT_TRUE(gl->CheckError("test"));
   }
-  EXPECT_EQ(Vek::Test::Map(small.Image(), Qt::red), ".......\n"
-                                                    ".......\n"
-                                                    "##.##..\n"
-                                                    "##.##..\n"
-                                                    ".......\n");
+  EXPECT_EQ(Vek::Test::Map(context.Image(), Qt::red), "....##.##\n"
+                                                      "#...##.##\n"
+                                                      "##.......\n"
+                                                      "###......\n"
+                                                      "####.....\n");
 }
 
 } // namespace
