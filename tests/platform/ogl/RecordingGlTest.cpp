@@ -107,7 +107,7 @@ TEST_F(RecordingGlCalls, ComplainsAboutMisuse) {
   }
 }
 
-TEST_F(RecordingGlCalls, ComplainsAboutWhatIsLeftOpen) {
+TEST(RecorderEndCalls, ComplainsAboutWhatIsLeftOpen) {
   Ogl::RecordingGl fresh;
   boost::shared_ptr<Ogl::Texture> texture;
   {
@@ -129,7 +129,7 @@ TEST_F(RecordingGlCalls, ComplainsAboutWhatIsLeftOpen) {
   EXPECT_EQ(fresh.TakeComplaints(), Lines()) << "nothing of this is misuse yet";
 }
 
-TEST_F(RecordingGlCalls, AnObjectThatOutlivesItsRecorderIsReported) {
+TEST(RecorderEndCalls, AnObjectThatOutlivesItsRecorderIsReported) {
   boost::shared_ptr<Ogl::Texture> texture;
   {
     Ogl::RecordingGl fresh;

@@ -10,11 +10,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
 #include <ostream>
 #include <random>
-#include <string>
+#include <stdexcept>
 
 using namespace Vek::Chart::Types;
 
@@ -51,12 +52,8 @@ Vector3 RandomVector(std::mt19937& p_random) {
 
 TEST(Vector, ComponentsTakePartOneByOne) {
   Vector3 v(1, 2, 3);
-  EXPECT_EQ(v + Vector3(10, 20, 30), Vector3(11, 22, 33));
-  EXPECT_EQ(v - Vector3(10, 20, 30), Vector3(-9, -18, -27));
-  EXPECT_EQ(-v, Vector3(-1, -2, -3));
-  EXPECT_EQ(v * 2.0, Vector3(2, 4, 6));
-  EXPECT_EQ(2.0 * v, Vector3(2, 4, 6));
-  EXPECT_EQ(v / 2.0, Vector3(0.5, 1, 1.5));
+  EXPECT_EQ(-(v + Vector3(10, 20, 30)) * 2.0, Vector3(-22, -44, -66));
+  EXPECT_EQ(2.0 * v - v / 2.0, Vector3(1.5, 3, 4.5));
   EXPECT_EQ(Dot(v, Vector3(4, 5, 6)), 32);
   EXPECT_EQ(v += Vector3(1, 1, 1), Vector3(2, 3, 4));
   EXPECT_EQ(v -= Vector3(2, 2, 2), Vector3(0, 1, 2));
@@ -69,35 +66,16 @@ TEST(Vector, ComponentsTakePartOneByOne) {
   EXPECT_EQ(Dot(w, Vector2(1, 10)), 74);
 
   const Vector4 h = Homogeneous::FromVector3(Vector3(1, 2, 3));
-  EXPECT_TRUE(h == Vector4(1, 2, 3, 1));
   EXPECT_TRUE(h * 2.0 - Vector4(0, 0, 0, 1) == Vector4(2, 4, 6, 1));
   EXPECT_EQ(Dot(h, Vector4(1, 10, 100, 1000)), 1321);
 }
 
-TEST(Vector, CrossIsRightHandedAndPerpendicular) {
-  EXPECT_EQ(Cross(Vector3(1, 0, 0), Vector3(0, 1, 0)), Vector3(0, 0, 1));
-  EXPECT_EQ(Cross(Vector3(0, 1, 0), Vector3(0, 0, 1)), Vector3(1, 0, 0));
-  EXPECT_EQ(Cross(Vector3(0, 0, 1), Vector3(1, 0, 0)), Vector3(0, 1, 0));
-  for (unsigned i = 0; i < 50; ++i) {
-    std::mt19937 random(i);
-    const Vector3 a = RandomVector(random);
-    const Vector3 b = RandomVector(random);
-    EXPECT_NEAR(Dot(a, Cross(a, b)), 0, 1e-10) << i;
-    EXPECT_NEAR(Dot(b, Cross(a, b)), 0, 1e-10) << i;
-  }
-}
-
-TEST(Vector, NormalizeKeepsTheDirectionAndTheZeroVector) {
+TEST(Vector, CrossIsRightHandedAndNormalizeKeepsTheDirection) {
+  EXPECT_EQ(Cross(Vector3(1, 2, 3), Vector3(4, 5, 7)), Vector3(-1, 5, -3));
   EXPECT_EQ(Normalize(Vector3(0, 3, 4)), Vector3(0, 0.6, 0.8));
   EXPECT_EQ(Normalize(Vector3()), Vector3());
   EXPECT_TRUE(Normalize(Vector2(-5, 0)) == Vector2(-1, 0));
   EXPECT_EQ(Length(Vector2_Base<float>(3, 4)), 5.0f);
-}
-
-TEST(Angle, ConvertsBetweenDegreesAndRadians) {
-  EXPECT_EQ(Angle().Degrees(), 0);
-  EXPECT_DOUBLE_EQ(Angle::FromDegrees(180).Radians(), Angle::Pi);
-  EXPECT_DOUBLE_EQ(Angle::FromRadians(-Angle::Pi / 6).Degrees(), -30);
 }
 
 TEST(Matrix3, RowsColumnsAndProducts) {
@@ -106,61 +84,51 @@ TEST(Matrix3, RowsColumnsAndProducts) {
   EXPECT_EQ(a.Row(1), Vector3(4, 5, 6));
   EXPECT_THROW(a.Row(3), std::out_of_range);
   EXPECT_EQ(a * Vector3(1, 10, 100), Vector3(321, 654, 1087));
-  EXPECT_TRUE(a * Matrix3() == a);
   EXPECT_TRUE(a * b == Matrix3({5, 6, 4}, {14, 15, 10}, {24, 24, 17}));
   EXPECT_TRUE(a.Transposed() == Matrix3::FromColumns({1, 2, 3}, {4, 5, 6}, {7, 8, 10}));
 }
 
 TEST(Matrix3, RotationIsRightHandedAboutItsAxis) {
-  const Angle quarter = Angle::FromDegrees(90);
-  ExpectNear(Matrix3::Rotation(quarter, {0, 0, 5}) * Vector3(1, 0, 0), {0, 1, 0});
-  ExpectNear(Matrix3::Rotation(quarter, {2, 0, 0}) * Vector3(0, 1, 0), {0, 0, 1});
-  ExpectNear(Matrix3::Rotation(quarter, {0, 0.1, 0}) * Vector3(0, 0, 1), {1, 0, 0});
+  EXPECT_DOUBLE_EQ(Angle::FromRadians(-Angle::Pi / 6).Degrees(), -30);
+  EXPECT_TRUE(Matrix3::Rotation(Angle::FromDegrees(90), {}) == Matrix3());
   ExpectNear(Matrix3::Rotation(Angle::FromDegrees(120), {1, 1, 1}) * Vector3(1, 0, 0), {0, 1, 0});
-  EXPECT_TRUE(Matrix3::Rotation(quarter, {}) == Matrix3());
   for (unsigned i = 0; i < 50; ++i) {
     std::mt19937 random(i);
     const Vector3 axis = RandomVector(random);
     const Vector3 v = RandomVector(random);
-    const Matrix3 rotation = Matrix3::Rotation(Angle::FromDegrees(7.0 * i - 100), axis);
-    ExpectNear(rotation * axis, axis, 1e-10);
-    ExpectNear(rotation.Transposed() * (rotation * v), v, 1e-10);
+    const Angle angle = Angle::FromDegrees(7.0 * i - 100);
+    // Rodrigues: what lies along the axis stays, the rest turns in the plane across it.
+    const Vector3 n = axis / Length(axis);
+    const Vector3 turned = std::cos(angle.Radians()) * v + std::sin(angle.Radians()) * Cross(n, v) +
+                           (1 - std::cos(angle.Radians())) * Dot(n, v) * n;
+    ExpectNear(Matrix3::Rotation(angle, axis) * v, turned, 1e-10);
   }
 }
 
 TEST(Transformation, AppliesTheRightFactorFirst) {
   const Transformation move = Transformation::Translation({1, 2, 3});
   const Transformation scale = Transformation::Scaling({2, 4, 8});
-  EXPECT_EQ(Transformation() * Vector3(5, 6, 7), Vector3(5, 6, 7));
   EXPECT_EQ(move * scale * Vector3(1, 1, 1), Vector3(3, 6, 11));
   EXPECT_EQ(scale * move * Vector3(1, 1, 1), Vector3(4, 12, 32));
-  EXPECT_EQ(scale * (move * Vector3(1, 1, 1)), Vector3(4, 12, 32));
   ExpectNear(Transformation(Angle::FromDegrees(90), {0, 0, 1}) * Vector3(1, 0, 0), {0, 1, 0});
-}
-
-TEST(Transformation, ColumnMajorIsWhatGlTakes) {
   const Transformation t(Matrix3({1, 2, 3}, {4, 5, 6}, {7, 8, 9}), {10, 11, 12});
   EXPECT_EQ(t.ColumnMajor(), (std::array<double, 16>{1, 4, 7, 0, 2, 5, 8, 0, 3, 6, 9, 0, 10, 11, 12, 1}));
 }
 
 TEST(Plane, ThreePointsTurnCounterClockwiseAboutTheNormal) {
   const Plane plane({0, 0, 2}, {1, 0, 2}, {0, 3, 2});
-  EXPECT_EQ(plane.Point(), Vector3(0, 0, 2));
-  EXPECT_EQ(plane.Normal(), Vector3(0, 0, 3));
   EXPECT_TRUE(plane.Equation() == Vector4(0, 0, 3, -6));
   EXPECT_TRUE(Plane().Equation() == Vector4(0, 0, 1, 0));
 }
 
-TEST(BoundingBox, IsEmptyUntilItGrows) {
+TEST(BoundingBox, GrowsFromNothingAndNaNChangesNothingOfItsComponent) {
   Box box;
+  box += Box();
   EXPECT_TRUE(box.Empty());
   EXPECT_EQ(box.Extent(), Vector3());
   EXPECT_EQ(box.Center(), Vector3());
-  box += Box();
-  EXPECT_TRUE(box.Empty());
   box += Vector3(1, -2, 3);
   EXPECT_FALSE(box.Empty());
-  EXPECT_EQ(box.Extent(), Vector3());
   EXPECT_EQ(box.Center(), Vector3(1, -2, 3));
   box += Vector3(-1, 4, 3);
   EXPECT_TRUE(box == Box({-1, -2, 3}, {1, 4, 3}));
@@ -168,35 +136,28 @@ TEST(BoundingBox, IsEmptyUntilItGrows) {
   EXPECT_EQ(box.Center(), Vector3(0, 1, 3));
   box += Box({0, 0, 0}, {9, 0, 0});
   EXPECT_TRUE(box == Box({-1, -2, 0}, {9, 4, 3}));
-}
 
-TEST(BoundingBox, NaNChangesNothingOfItsComponent) {
-  Box box;
-  box += Vector3(NaN, 1, 1);
-  EXPECT_TRUE(box.Empty());
-  box += Vector3(2, NaN, 3);
-  EXPECT_TRUE(box == Box({2, 1, 1}, {2, 1, 3}));
+  Box part;
+  part += Vector3(NaN, 1, 1);
+  EXPECT_TRUE(part.Empty());
+  part += Vector3(2, NaN, 3);
+  EXPECT_TRUE(part == Box({2, 1, 1}, {2, 1, 3}));
 }
 
 TEST(MinMax, GrowsFromNothing) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
   MinMax_Base<double> range;
-  EXPECT_TRUE(range.Empty());
   range += NaN;
   EXPECT_TRUE(range.Empty());
+  range += infinity;
+  EXPECT_FALSE(range.Empty());
+  EXPECT_EQ(range.min, infinity);
   range += -3;
   EXPECT_EQ(range.min, -3);
-  EXPECT_EQ(range.max, -3);
-  range += 5;
-  EXPECT_EQ(range.min, -3);
-  EXPECT_EQ(range.max, 5);
-  MinMax_Base<double> wide;
-  wide += std::numeric_limits<double>::infinity();
-  EXPECT_FALSE(wide.Empty());
-  EXPECT_EQ(wide.min, std::numeric_limits<double>::infinity());
+  EXPECT_EQ(range.max, infinity);
 }
 
 TEST(Records, CompareByAllTheirFields) {
-  EXPECT_TRUE((Vek::Chart::Span<unsigned>(2, 5) == Span<unsigned>(2, 5)));
   EXPECT_FALSE((Span<unsigned>(2, 5) == Span<unsigned>(2, 6)));
   EXPECT_TRUE(Size(3, 4) != Size(4, 3));
   EXPECT_TRUE(Pos(3, 4) == Pos(3, 4));
@@ -207,7 +168,6 @@ TEST(Records, CompareByAllTheirFields) {
 
 TEST(Property, StateBitsFollowAssignments) {
   Property<int> property;
-  EXPECT_EQ(property.Value(), 0);
   EXPECT_FALSE(property.Defined());
   property = 0; // equal, but it was never set
   EXPECT_EQ(property.State(), 3u);
@@ -217,6 +177,5 @@ TEST(Property, StateBitsFollowAssignments) {
   property = 7;
   EXPECT_EQ(property.State(), 3u);
   EXPECT_EQ(property, 7);
-  EXPECT_EQ(Property<std::string>("x").State(), 3u);
   EXPECT_EQ(Property<int>(1, 0xfeu).State(), 2u);
 }

@@ -20,45 +20,31 @@ struct Interface {
   std::string log;
 };
 
-void Draw(const Unscoped<Interface>& p_handle) {
-  const Scoped<Interface> scope(p_handle);
-  scope->Call('d');
-}
-
 } // namespace
 
 TEST(Scoped, OpensAndClosesAroundItsCalls) {
   const Unscoped<Interface> handle(boost::make_shared<Interface>());
   const std::string& log = handle.Object()->log;
-  EXPECT_EQ(log, "");
   {
     const Scoped<Interface> outer(handle);
     outer->Call('a');
-    Draw(outer.Handle());
+    Scoped<Interface>(outer.Handle())->Call('d');
     (*outer).Call('b');
   }
   EXPECT_EQ(log, "(a(d)b)");
 }
 
-TEST(Scoped, ClosesWhenACallThrows) {
-  const Unscoped<Interface> handle(boost::make_shared<Interface>());
-  EXPECT_THROW(
-      {
-        const Scoped<Interface> scope(handle);
-        throw std::runtime_error("draw");
-      },
-      std::runtime_error);
-  EXPECT_EQ(handle.Object()->log, "()");
-}
-
-TEST(Scoped, KeepsItsObjectAlive) {
+TEST(Scoped, ClosesWhenACallThrowsAndKeepsItsObjectAlive) {
   boost::shared_ptr<Interface> object = boost::make_shared<Interface>();
   const boost::weak_ptr<Interface> watch = object;
-  {
-    const Scoped<Interface> scope{Unscoped<Interface>(std::move(object))};
-    EXPECT_FALSE(watch.expired());
+  try {
+    const Scoped<Interface> scope{Unscoped<Interface>(object)};
+    EXPECT_EQ(watch.use_count(), 2);
+    throw std::runtime_error("draw");
+  } catch (const std::runtime_error&) {
   }
-  EXPECT_TRUE(watch.expired());
+  EXPECT_EQ(object->log, "()");
+  EXPECT_EQ(watch.use_count(), 1);
 }
 
 TEST(VersionNo, OrdersByItsPartsFromLeftToRight) {
