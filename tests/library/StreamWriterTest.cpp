@@ -189,64 +189,42 @@ TYPED_TEST(StreamWriterMatrix, ReportsAndDropsWhatDoesNotFit) {
   }
 }
 
-TYPED_TEST(StreamWriterMatrix, WritingNothingReportsTheEmptySource) {
+TYPED_TEST(StreamWriterMatrix, ReportsAnEmptySource) {
   using Element = typename TypeParam::Element;
   using Source = typename TypeParam::Source;
-  const auto source = Scalars<Source>(1);
   const ReportCapture reports;
   auto dest = Filled<Element>(2, 5);
   WriterOf<Element> writer(dest);
-  writer.Write(source.get(), 0);
+  writer.Write(Scalars<Source>(1).get(), 0);
   EXPECT_EQ(writer.CurrentIndex(), 0u);
   // No data for the scalars that were announced: the position moves on all the same.
   writer.Write(static_cast<const Source*>(nullptr), 2 * TypeParam::Width);
   EXPECT_EQ(writer.CurrentIndex(), 2u);
-  EXPECT_EQ(reports.Texts(), (Texts{EmptyText<Source>(), EmptyText<Source>()}));
+  EXPECT_EQ(reports.Texts(), Texts(2, EmptyText<Source>()));
   EXPECT_EQ(dest, Filled<Element>(2, 5));
 }
 
 TYPED_TEST(StreamWriterMatrix, AnswersForItsOwnInterfaceOnly) {
   using Element = typename TypeParam::Element;
   using Interface = typename TypeParam::Interface;
-  const InterfaceID all[] = {InterfaceID::Of<BoolAttributeStreamWriter<1>>(),
-                             InterfaceID::Of<FloatAttributeStreamWriter<1>>(),
-                             InterfaceID::Of<FloatAttributeStreamWriter<2>>(),
-                             InterfaceID::Of<FloatAttributeStreamWriter<3>>(),
-                             InterfaceID::Of<FloatAttributeStreamWriter<4>>(),
-                             InterfaceID::Of<IntegerAttributeStreamWriter<1>>(),
-                             InterfaceID::Of<IntegerAttributeStreamWriter<2>>(),
-                             InterfaceID::Of<IntegerAttributeStreamWriter<3>>(),
-                             InterfaceID::Of<IntegerAttributeStreamWriter<4>>(),
-                             InterfaceID::Of<Vek::SupportedInterface::ISupportedInterface>(),
-                             InterfaceID::Of<WriterOf<Element>>()};
   std::vector<Element> dest;
   WriterOf<Element> writer(dest);
   Vek::SupportedInterface::ISupportedInterface& object = writer;
-  int answers = 0;
-  for (const InterfaceID& id : all) {
-    if (id == InterfaceID::Of<Interface>()) {
-      EXPECT_TRUE(object.IsSupportedInterface(id));
-      EXPECT_EQ(&object.QuerySupportedInterface(id).template Get<Interface>(), &writer);
-      ++answers;
-      continue;
-    }
-    EXPECT_FALSE(object.IsSupportedInterface(id)) << id.Name();
-    try {
-      object.QuerySupportedInterface(id);
-      ADD_FAILURE() << id.Name();
-    } catch (const UnknownInterface& error) {
-      EXPECT_EQ(error.ID(), id);
+  const InterfaceID own = InterfaceID::Of<Interface>();
+  EXPECT_TRUE(object.IsSupportedInterface(own));
+  EXPECT_EQ(&object.QuerySupportedInterface(own).template Get<Interface>(), &writer);
+  for (const InterfaceID& id :
+       {InterfaceID::Of<BoolAttributeStreamWriter<1>>(), InterfaceID::Of<FloatAttributeStreamWriter<1>>(),
+        InterfaceID::Of<FloatAttributeStreamWriter<4>>(), InterfaceID::Of<IntegerAttributeStreamWriter<1>>(),
+        InterfaceID::Of<Vek::SupportedInterface::ISupportedInterface>(), InterfaceID::Of<WriterOf<Element>>()}) {
+    EXPECT_EQ(object.IsSupportedInterface(id), id == own) << id.Name();
+    if (!(id == own)) {
+      EXPECT_THROW(object.QuerySupportedInterface(id), UnknownInterface) << id.Name();
     }
   }
-  EXPECT_EQ(answers, 1);
 }
 
-TEST(StreamWriter, SkipReportsInFullAndMovesOnAllTheSame) {
-  const std::string text =
-      "\"_currentIndex + p_offsetInDestinationTypeUnits <= _dest.size()\" - void __cdecl "
-      "Vek::Chart::Library::ContainerDataWriter<class boost::array<float,3>,class std::vector<class "
-      "boost::array<float,3>,class std::allocator<class boost::array<float,3> > >,class "
-      "Vek::Chart::Library::ContainerOperations::StaticContainer>::AdvanceWriteIndex(const unsigned __int64)";
+TEST(StreamWriter, SkipMovesOnAllTheSame) {
   const struct {
     const char* name;
     std::size_t size;
@@ -254,13 +232,10 @@ TEST(StreamWriter, SkipReportsInFullAndMovesOnAllTheSame) {
     std::uint64_t position;
     std::size_t reports;
   } cases[] = {
-      {"nothing", 0, {0}, 0, 0},
       {"an empty destination", 0, {5}, 5, 1},
       {"to the end", 3, {1, 2, 0}, 3, 0},
-      {"past the end", 3, {3, 1}, 4, 1},
       {"nothing, but past the end", 3, {4, 0}, 4, 2},
       {"the sum wraps back into the destination", 3, {1, Huge}, 0, 1},
-      {"the sum wraps past it", 3, {2, Huge, 2}, 3, 1},
   };
   for (const auto& row : cases) {
     const ReportCapture reports;
@@ -269,18 +244,8 @@ TEST(StreamWriter, SkipReportsInFullAndMovesOnAllTheSame) {
     for (const std::uint64_t count : row.skips)
       writer.Skip(count);
     EXPECT_EQ(writer.CurrentIndex(), row.position) << row.name;
-    EXPECT_EQ(reports.Texts(), Texts(row.reports, text)) << row.name;
+    EXPECT_EQ(reports.Texts(), Texts(row.reports, Floats<float, 3>::SkipText())) << row.name;
   }
-}
-
-TEST(StreamWriter, KeepsBytesThatAreNoTruthValues) {
-  const unsigned char bytes[] = {0, 1, 2, 255};
-  std::vector<boost::array<unsigned char, 1>> dest(8);
-  WriterOf<boost::array<unsigned char, 1>> writer(dest);
-  writer.Write(bytes, 4);
-  writer.Write(reinterpret_cast<const bool*>(bytes), 4);
-  for (std::size_t i = 0; i < dest.size(); ++i)
-    EXPECT_EQ(dest[i][0], bytes[i % 4]) << i;
 }
 
 TEST(StreamWriter, RoundsDoublesToTheNearestFloat) {
@@ -289,13 +254,9 @@ TEST(StreamWriter, RoundsDoublesToTheNearestFloat) {
   std::vector<boost::array<float, 4>> dest(2);
   WriterOf<boost::array<float, 4>> writer(dest);
   writer.Write(source, 8);
-  const boost::array<float, 4> first = {0.1f, 16777216.0f, 16777220.0f, std::numeric_limits<float>::infinity()};
-  const boost::array<float, 4> second = {-std::numeric_limits<float>::infinity(), 0.0f,
-                                         std::numeric_limits<float>::infinity(), 0.0f};
-  EXPECT_EQ(dest[0], first);
-  EXPECT_EQ(dest[1], second);
+  const float expected[] = {0.1f, 16777216, 16777220, HUGE_VALF, -HUGE_VALF, 0, HUGE_VALF, -0.0f};
+  EXPECT_TRUE(std::equal(expected, expected + 8, dest.front().begin()));
   EXPECT_TRUE(std::signbit(dest[1][3]));
-
   const double nan = std::numeric_limits<double>::quiet_NaN();
   std::vector<boost::array<float, 1>> one(1);
   WriterOf<boost::array<float, 1>>(one).Write(&nan, 1);
