@@ -25,6 +25,7 @@ Options Defaults() {
   options.inputs.relief = root + "/data/etopo60.txt";
   options.inputs.quakes = root + "/data/earthquakes.csv";
   options.inputs.symbols = root + "/symbols";
+  options.inputs.salinity = root + "/data/ocean_salinity.txt";
   options.inputs.hdr = root + "/data/sky.hdr";
   options.inputs.sprites = root + "/sprites";
   return options;

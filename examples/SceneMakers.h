@@ -11,6 +11,7 @@ std::unique_ptr<Scene> MakeWind(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inpu
 std::unique_ptr<Scene> MakeSymbols(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeEarthquakes(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeAtlas(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+std::unique_ptr<Scene> MakeVolume(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeHdr(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakePicking(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeStyles(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);

@@ -29,6 +29,11 @@ const std::vector<SceneEntry>& Scenes() {
        "that "
        "is marked: what one exposure burns out or drowns, another shows.",
        "examples/Hdr.cpp", MakeHdr},
+      {"volume",
+       "The salinity of the ocean as a volume, cut by three planes: Intersect makes the slices, a VolumeTexture fills "
+       "them, and "
+       "land is transparent.",
+       "examples/Volume.cpp", MakeVolume},
       {"picking",
        "Places in the world under seven pixels, read from one drawing by a TopMostFragmentDepthBuffer. On the right, "
        "all "

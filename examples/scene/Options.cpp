@@ -57,6 +57,8 @@ constexpr Option AllOptions[] = {
      [](Options& p_options, const std::string& p_value) { p_options.inputs.relief = p_value; }},
     {"--hdr", "FILE.hdr", "a Radiance panorama of your own",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.hdr = p_value; }},
+    {"--volume", "FILE", "a volume of your own: \"TextArray nx 1 ny nz\", then the numbers, x fastest",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.volume = p_value; }},
     {"--model", "FILE.obj", "a model of your own, shown among the symbols",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.model = p_value; }},
 };

@@ -7,8 +7,8 @@
 
 namespace Vek::Chart::Gallery {
 
-/// Counts the library's reports while it lives, instead of printing them: a file of the user's that gives reports is told
-/// of in one line of our own.
+/// Counts the library's reports while it lives, instead of printing them: a file of the user's that gives reports is
+/// told of in one line of our own.
 class ReportCounter {
 public:
   ReportCounter()

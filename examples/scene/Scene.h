@@ -27,10 +27,12 @@ struct Inputs {
   std::string winds;
   std::string relief;
   std::string quakes;
-  std::string symbols; ///< the folder of the built-in glyph models
-  std::string hdr;     ///< a panorama, Radiance HDR
-  std::string sprites; ///< the folder of the point sprites
-  std::string model;   ///< an OBJ file of the user's; may be empty
+  std::string symbols;  ///< the folder of the built-in glyph models
+  std::string salinity; ///< of the ocean, a TextArray volume
+  std::string volume;   ///< a TextArray volume of the user's; may be empty
+  std::string hdr;      ///< a panorama, Radiance HDR
+  std::string sprites;  ///< the folder of the point sprites
+  std::string model;    ///< an OBJ file of the user's; may be empty
 };
 
 /// One picture: it loads what it shows when it is made, and draws it as often as asked. GL objects belong to the

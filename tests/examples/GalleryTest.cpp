@@ -84,6 +84,7 @@ Inputs DataInputs() {
   inputs.relief = root + "/data/etopo60.txt";
   inputs.quakes = root + "/data/earthquakes.csv";
   inputs.symbols = root + "/symbols";
+  inputs.salinity = root + "/data/ocean_salinity.txt";
   inputs.hdr = root + "/data/sky.hdr";
   inputs.sprites = root + "/sprites";
   return inputs;
