@@ -119,8 +119,8 @@ public:
     _texture.minFilter = _texture.magFilter = Library::VolumeTexture::Nearest; // land must not bleed into the sea
     const Point size = _ocean ? Point(3.6, 1.8, 1.1) : SizeOf(*_image);
     _box = Box(size * -0.5, size * 0.5);
-    // A map's Atlantic at 30° west, its equator, and a depth half-way down; for other volumes the three middles.
-    const Point at = _ocean ? Point(_box.Min().x + size.x * (330.0 - 19.5) / 360.0, 0, -0.1 * size.z) : Point();
+    // A map's Atlantic at 30° west, its equator, and half-way down; for other volumes the three middles.
+    const Point at = VoxelCenter({_ocean ? (330.0 - 19.5) / 360.0 : 0.5, 0.5, _ocean ? 0.6 : 0.5});
     for (const Point& normal : {Point(0, 0, 1), Point(0, -1, 0), Point(-1, 0, 0)}) {
       std::vector<Point> slice;
       Library::Intersect::Intersection(_box, Types::Plane(at, normal), slice);
@@ -156,10 +156,20 @@ public:
   }
 
 private:
-  /// As long as its longest side has voxels, at 2.6 units; the voxels are taken as cubes.
+  /// As long as its longest side has voxels, at 2.1 units; the voxels are taken as cubes.
   static Point SizeOf(const VolumeImage& p_image) {
     const Point voxels(p_image.Height(), p_image.Width(), p_image.Depth());
-    return voxels * (2.6 / std::max({voxels.x, voxels.y, voxels.z}));
+    return voxels * (2.1 / std::max({voxels.x, voxels.y, voxels.z}));
+  }
+
+  /// The centre of the voxel at a place from 0 to 1 across the box: a plane between two layers would show now the one,
+  /// now the other.
+  Point VoxelCenter(const Point& p_place) const {
+    const auto centered = [](double p_part, int p_voxels) { return (std::floor(p_part * p_voxels) + 0.5) / p_voxels; };
+    const Point size = _box.Extent();
+    return _box.Min() + Point(size.x * centered(p_place.x, _image->Height()),
+                              size.y * centered(p_place.y, _image->Width()),
+                              size.z * centered(p_place.z, _image->Depth()));
   }
 
   /// 0 to 1 across the box. The ocean's layers count downwards.
