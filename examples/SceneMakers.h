@@ -16,5 +16,7 @@ std::unique_ptr<Scene> MakeHdr(Utility::Scoped<Rgl>& p_gl, const Inputs& p_input
 std::unique_ptr<Scene> MakePicking(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeStyles(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 std::unique_ptr<Scene> MakeShapes(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+std::unique_ptr<Scene> MakeStreamlines(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+std::unique_ptr<Scene> MakeFlow(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
 
 } // namespace Vek::Chart::Gallery

@@ -47,6 +47,15 @@ const std::vector<SceneEntry>& Scenes() {
        "Everything that draws itself: the unit shapes of Geometry from display lists, solids filled and outlined, "
        "boxes, nine-patch panels and layered textures.",
        "examples/Shapes.cpp", MakeShapes},
+      {"streamlines",
+       "The same wind as evenly spaced streamlines above the relief, coloured by speed: fast winds as tubes, calm ones "
+       "as ribbons, swept from the cross-sections of StreamLineShape without twist.",
+       "examples/Streamlines.cpp", MakeStreamlines},
+      {"flow",
+       "A flow in space as tubes from where it enters its box, with glyphs of VectorSymbol along them: a Burgers "
+       "vortex "
+       "that the scene computes itself, or a grid given with --flow.",
+       "examples/Flow.cpp", MakeFlow},
   };
   return scenes;
 }

@@ -61,6 +61,10 @@ constexpr Option AllOptions[] = {
      [](Options& p_options, const std::string& p_value) { p_options.inputs.volume = p_value; }},
     {"--model", "FILE.obj", "a model of your own, shown among the symbols",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.model = p_value; }},
+    {"--flow", "FILE",
+     "a flow in space of your own: \"# dims nx ny nz origin x y z spacing dx dy dz\", then a table with the columns "
+     "u,v,w, x fastest",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.flow = p_value; }},
 };
 
 } // namespace

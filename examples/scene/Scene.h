@@ -33,6 +33,7 @@ struct Inputs {
   std::string hdr;      ///< a panorama, Radiance HDR
   std::string sprites;  ///< the folder of the point sprites
   std::string model;    ///< an OBJ file of the user's; may be empty
+  std::string flow;     ///< a vector grid of the user's; may be empty
 };
 
 /// One picture: it loads what it shows when it is made, and draws it as often as asked. GL objects belong to the

@@ -39,9 +39,10 @@ bool ParseNumber(std::string_view p_text, double& p_value) {
   return error == std::errc() && end == p_text.data() + p_text.size() && std::isfinite(p_value);
 }
 
-TextTable::TextTable(std::istream& p_stream, std::string p_name)
+TextTable::TextTable(std::istream& p_stream, std::string p_name, std::size_t p_lines_before)
     : _stream(p_stream)
-    , _name(std::move(p_name)) {
+    , _name(std::move(p_name))
+    , _line(p_lines_before) {
   std::string line;
   if (!std::getline(_stream, line))
     throw InputError(_name + ": expected a header line with the names of the columns, got nothing");
@@ -61,7 +62,7 @@ std::size_t TextTable::Column(std::string_view p_title) const {
   std::string titles;
   for (const std::string& title : _titles)
     titles += (titles.empty() ? "" : ",") + title;
-  throw InputError(_name, 1, "a column named \"" + std::string(p_title) + "\"", titles);
+  throw InputError(_name, _line, "a column named \"" + std::string(p_title) + "\"", titles);
 }
 
 bool TextTable::NextRow() {

@@ -29,9 +29,9 @@ bool ParseNumber(std::string_view p_text, double& p_value);
 ///       sum += table.Number(u);
 class TextTable {
 public:
-  /// Reads the header. `p_name` is the name that errors give; the stream must outlive the table. Throws InputError when
-  /// there is no header.
-  TextTable(std::istream& p_stream, std::string p_name);
+  /// Reads the header. `p_name` is the name that errors give, `p_lines_before` how many lines of the file were read
+  /// already; the stream must outlive the table. Throws InputError when there is no header.
+  TextTable(std::istream& p_stream, std::string p_name, std::size_t p_lines_before = 0);
 
   bool HasColumn(std::string_view p_title) const;
   /// The column of that title; throws InputError when there is none.
@@ -40,6 +40,8 @@ public:
   /// Moves to the next row that is not blank; false at the end. Throws InputError for a row with too few or too many
   /// cells.
   bool NextRow();
+  /// The number of the line that was read last, from 1.
+  std::size_t Line() const { return _line; }
   /// Cells of the current row. `Number` throws InputError for one that is not a finite number in the given range.
   const std::string& Text(std::size_t p_column) const { return _cells[p_column]; }
   double Number(std::size_t p_column, double p_min = -1e300, double p_max = 1e300) const;
@@ -49,7 +51,7 @@ private:
 
   std::istream& _stream;
   std::string _name;
-  std::size_t _line = 0;
+  std::size_t _line;
   std::vector<std::string> _titles;
   std::vector<std::string> _cells;
 };

@@ -405,6 +405,34 @@ TEST(ShapesPixels, PanelsKeepTheirCornersAndLayersBlend) {
   EXPECT_LT(layer(2, 68, 68).red(), disk.red() / 2) << "the ground has little red there";
 }
 
+TEST(FlowPixels, TubesRunWhereTheFlowRuns) {
+  // Fast along x in the lower half of the box, at rest in the upper one.
+  std::string table = "# dims 4 4 5 origin 0 0 0 spacing 1 1 1\nu,v,w\n";
+  for (int node = 0; node < 80; ++node)
+    table += node < 48 ? "2,0,0\n" : "0,0,0\n";
+  const TemporaryFolder folder;
+  Inputs inputs = DataInputs();
+  inputs.flow = folder.Write("flow.csv", table);
+  const Shot shot = Shoot("flow", {960, 600}, inputs);
+  // Yellow pixels above and below the row where the first plane of nodes at rest ends.
+  const double unit = 58.0 / 4;
+  int border = shot.image.height();
+  for (const double x : {-1.5, 1.5})
+    for (const double y : {-1.5, 1.5})
+      border = std::min(border, shot.At(Types::Vector3_Base<double>(x * unit, y * unit, unit)).y());
+  ASSERT_GT(border, 100);
+  int above = 0;
+  int below = 0;
+  for (int y = 0; y < shot.image.height() * 4 / 5; ++y)
+    for (int x = 0; x < shot.image.width(); ++x) {
+      const QColor color = shot.image.pixelColor(x, y);
+      if (color.red() > 130 && color.green() > color.blue() + 60)
+        ++(y < border ? above : below);
+    }
+  EXPECT_EQ(above, 0);
+  EXPECT_GT(below, 1000);
+}
+
 TEST(GalleryPixels, TheProgramWritesPicturesAndTheirPage) {
   const TemporaryFolder folder;
   const Outcome outcome = RunGallery(folder, "--only wind --size 160x100 --out '" + folder.File("new/folder") + "'");
@@ -425,6 +453,10 @@ TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
   const std::string points = folder.Write("points.obj", "v 0 0 0\n");
   const std::string words = folder.Write("words.obj", "v one two three\n");
   const std::string cut = folder.Write("cut.hdr", "#?RADIANCE\n\n-Y 2 +X 2\nabcdefgh");
+  const std::string flow_head = "# dims 2 2 2\nu,v,w\n";
+  const std::string bad_flow = folder.Write("bad_flow.csv", flow_head + "1,1,1\n1,1,x\n");
+  const std::string still = "0,0,0\n0,0,0\n";
+  const std::string still_flow = folder.Write("still.csv", flow_head + still + still + still + still);
   const std::string a_file = folder.Write("file", "");
   const std::string out = " --size 64x40 --out '" + folder.File("out") + "' ";
   const struct {
@@ -452,6 +484,13 @@ TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
            "target\n"},
       {"bad earthquake", "--only earthquakes --quakes " + bad_wind + out, 1,
        "vek-gallery: " + bad_wind + ":1: expected a column named \"depth_km\", got \"lon,lat,u,v\"\n"},
+      {"flow without sizes", "--only flow --flow " + bad_wind + out, 1,
+       "vek-gallery: " + bad_wind +
+           ":1: expected \"# dims nx ny nz origin x y z spacing dx dy dz\", got \"lon,lat,u,v\"\n"},
+      {"bad flow", "--only flow --flow " + bad_flow + out, 1,
+       "vek-gallery: " + bad_flow + ":4: expected a number for \"w\", got \"x\"\n"},
+      {"flow at rest", "--only flow --flow " + still_flow + out, 1,
+       "vek-gallery: " + still_flow + ": expected a flow, got vectors that are all zero\n"},
       {"bad relief", "--only wind --relief " + bad_wind + out, 1,
        "vek-gallery: " + bad_wind + ":1: expected \"nx ny x0 dx y0 dy\", got \"lon,lat,u,v\"\n"},
       {"no panorama", "--only hdr --hdr " + bad_wind + out, 1,
@@ -467,6 +506,6 @@ TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
   }
   const Outcome help = RunGallery(folder, "--help");
   EXPECT_EQ(help.status, 0);
-  for (const char* option : {"--out", "--only", "--size", "--winds", "--model", "--help"})
+  for (const char* option : {"--out", "--only", "--size", "--winds", "--model", "--flow", "--help"})
     EXPECT_NE(help.out.find(option), std::string::npos) << option;
 }

@@ -1,0 +1,234 @@
+// A flow in space: tubes that start where it enters its box, with arrow heads along them. Shows a Burgers vortex, or a
+// grid of the user's own. Tubes are swept from StreamLineShape, heads are glyphs of VectorSymbol.
+
+#include "examples/SceneMakers.h"
+
+#include "examples/scene/Files.h"
+#include "examples/scene/FlowLines.h"
+#include "examples/scene/Lettering.h"
+#include "examples/scene/Light.h"
+#include "examples/scene/MapAxes.h"
+#include "examples/scene/Overlay.h"
+#include "examples/scene/Palettes.h"
+#include "examples/scene/Streamlines.h"
+#include "examples/scene/Sweep.h"
+#include "examples/scene/TextTable.h"
+#include "examples/scene/Theme.h"
+#include "examples/scene/VectorGrid.h"
+
+#include "library/ColorMap.h"
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+namespace Vek::Chart::Gallery {
+
+namespace {
+
+using Library::ColorMap;
+using Library::StreamLineShape;
+using Point = Types::Vector3_Base<double>;
+
+// Of the box, in units of the scene.
+constexpr double Diagonal = 100;
+constexpr double Tallest = 58;
+
+/// A vortex that is drawn in from the sides and stretched along its axis, an exact solution of the Navier-Stokes
+/// equations (Burgers 1948).
+Point BurgersVortex(const Point& p_place) {
+  constexpr double Strain = 0.7;
+  constexpr double Circulation = 4;
+  constexpr double Viscosity = 0.02;
+  const double square = p_place.x * p_place.x + p_place.y * p_place.y;
+  const double turns = -Circulation / (2 * M_PI) * std::expm1(-Strain * square / (4 * Viscosity));
+  const double swirl = square > 0 ? turns / square : 0;
+  return {-Strain / 2 * p_place.x - swirl * p_place.y, -Strain / 2 * p_place.y + swirl * p_place.x, Strain * p_place.z};
+}
+
+VectorGrid BurgersGrid() {
+  constexpr std::size_t Count = 61;
+  const Point origin(-1, -1, -0.8);
+  const Point spacing(2.0 / (Count - 1), 2.0 / (Count - 1), 1.6 / (Count - 1));
+  std::vector<Point> vectors;
+  for (std::size_t z = 0; z < Count; ++z)
+    for (std::size_t y = 0; y < Count; ++y)
+      for (std::size_t x = 0; x < Count; ++x)
+        vectors.push_back(
+            BurgersVortex(origin + Point(spacing.x * static_cast<double>(x), spacing.y * static_cast<double>(y),
+                                         spacing.z * static_cast<double>(z))));
+  return VectorGrid({Count, Count, Count}, origin, spacing, std::move(vectors));
+}
+
+/// Nodes where the flow is faster than `p_least`: first those on the border where it enters, then all others; each part
+/// in an order without order.
+std::vector<Point> Seeds(const VectorGrid& p_grid, double p_least) {
+  std::vector<Point> inlets;
+  std::vector<Point> others;
+  const VectorGrid::Counts& n = p_grid.Size();
+  for (std::size_t z = 0; z < n[2]; ++z)
+    for (std::size_t y = 0; y < n[1]; ++y)
+      for (std::size_t x = 0; x < n[0]; ++x) {
+        const Point& v = p_grid.Node(x, y, z);
+        if (!(Length(v) > p_least))
+          continue;
+        const auto enters = [p_least](std::size_t p_index, std::size_t p_count, double p_component) {
+          return (p_index == 0 && p_component > 0.3 * p_least) ||
+                 (p_index == p_count - 1 && p_component < -0.3 * p_least);
+        };
+        const bool inlet = enters(x, n[0], v.x) || enters(y, n[1], v.y) || enters(z, n[2], v.z);
+        (inlet ? inlets : others).push_back(p_grid.Place(x, y, z));
+      }
+  std::mt19937 random(3);
+  for (std::vector<Point>* seeds : {&inlets, &others})
+    for (std::size_t i = seeds->size(); i > 1; --i)
+      std::swap((*seeds)[i - 1], (*seeds)[random() % i]);
+  inlets.insert(inlets.end(), others.begin(), others.end());
+  return inlets;
+}
+
+class FlowScene : public Scene {
+public:
+  explicit FlowScene(const Inputs& p_inputs)
+      : _is_own(p_inputs.flow.empty())
+      , _file(QString::fromStdString(FileName(p_inputs.flow)))
+      , _grid(_is_own ? BurgersGrid() : VectorGrid::ReadFile(p_inputs.flow))
+      , _center((_grid.Min() + _grid.Max()) * 0.5)
+      , _scale(std::min(Diagonal / Length(_grid.Max() - _grid.Min()), Tallest / (_grid.Max() - _grid.Min()).z))
+      , _fastest(_grid.LengthQuantile(0.998)) {
+    if (!(_fastest > 0))
+      throw InputError(p_inputs.flow + ": expected a flow, got vectors that are all zero");
+    // A round number at the upper end of the colours.
+    const std::vector<double> ticks = RoundTicks(0, _fastest, 5);
+    if (ticks.size() > 1)
+      _fastest = std::ceil(_fastest / ticks[1] - 0.1) * ticks[1];
+    BuildLines();
+  }
+
+  Camera StartCamera() const override {
+    Camera camera;
+    camera.target = {0, 0, -2};
+    camera.azimuth = 28;
+    camera.elevation = 24;
+    camera.field_of_view = 22;
+    camera.distance = 236;
+    camera.radius = 80;
+    return camera;
+  }
+
+  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
+    DrawBackground(p_gl, p_view, _lettering);
+    {
+      const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
+      Light bright;
+      bright.ambient = 0.4;
+      const auto light = bright.Apply(p_gl);
+      DrawBox(p_gl, p_view);
+      DrawColored(p_gl, _colors, {&_tubes, &_heads});
+    }
+    DrawLegends(p_gl, p_view);
+  }
+
+private:
+  Point ToScene(const Point& p_place) const { return (p_place - _center) * _scale; }
+
+  /// What is slower counts as standing still: grids that were measured are full of faint noise.
+  double Slowest() const { return (_is_own ? 0.02 : 0.12) * _fastest; }
+
+  /// The distance between lines at which, all together, they are some fifty diagonals long.
+  double Distance(std::size_t p_moving_nodes) const {
+    const Point& cell = _grid.Spacing();
+    const double volume = static_cast<double>(p_moving_nodes) * cell.x * cell.y * cell.z;
+    const double length = 50 * Diagonal / _scale;
+    return std::max(std::sqrt(volume / length), 1.4 * std::min({cell.x, cell.y, cell.z}));
+  }
+
+  void BuildLines() {
+    const FlowFunction flow = [this](const Point& p_place, Point& p_vector) { return _grid.At(p_place, p_vector); };
+    const std::vector<Point> seeds = Seeds(_grid, Slowest());
+    const double distance = Distance(seeds.size());
+    const double diagonal = Diagonal / _scale;
+    TraceOptions options;
+    options.length = 4 * diagonal;
+    options.largest_step = diagonal / 160;
+    options.smallest_step = diagonal * 1e-5;
+    options.tolerance = diagonal * 2e-5;
+    options.stagnation = Slowest();
+    const std::vector<Streamline> lines =
+        SpacedStreamlines(flow, seeds, {distance, 0.2 * distance, diagonal / 6}, options);
+    Sweep tubes(StreamLineShape(StreamLineShape::ShapeTube, {}));
+    ArrowHeads heads;
+    for (const Streamline& line : lines) {
+      std::vector<SweepPoint> styled;
+      for (const Point& place : line) {
+        Point vector;
+        _grid.At(place, vector);
+        styled.push_back(
+            {ToScene(place), std::min(0.9, 0.26 * distance * _scale), std::min(1.0, Length(vector) / _fastest)});
+      }
+      tubes.Add(styled);
+      heads.AddAlong(styled, 16, 3);
+    }
+    _tubes = tubes.TakeMesh();
+    _heads = heads.Mesh();
+  }
+
+  void DrawBox(Utility::Scoped<Rgl>& p_gl, const View& p_view) const {
+    const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_LINE_BIT);
+    p_gl->Disable(RGL_LIGHTING);
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.5 * p_view.PointSize())));
+    p_gl->Color(Theme::Line);
+    const Point a = ToScene(_grid.Min());
+    const Point b = ToScene(_grid.Max());
+    p_gl->Begin(RGL_LINES);
+    for (const bool first : {false, true})
+      for (const bool second : {false, true}) {
+        const auto line = [&](const Point& p_from, const Point& p_to) {
+          p_gl->Vertex(p_from);
+          p_gl->Vertex(p_to);
+        };
+        const double x = (first ? b : a).x;
+        const double y1 = (first ? b : a).y;
+        const double y2 = (second ? b : a).y;
+        const double z = (second ? b : a).z;
+        line({a.x, y1, z}, {b.x, y1, z});
+        line({x, a.y, z}, {x, b.y, z});
+        line({x, y2, a.z}, {x, y2, b.z});
+      }
+    p_gl->End();
+  }
+
+  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view) {
+    Overlay overlay(p_gl, p_view, _lettering);
+    if (_is_own)
+      overlay.Title("A Burgers vortex", "Computed: drawn in from the sides, stretched along its axis");
+    else
+      overlay.Title("Flow", _file);
+    std::vector<Overlay::Tick> ticks;
+    const bool clipped = _grid.LengthQuantile(1) > _fastest * (1 + 1e-9);
+    for (const double speed : RoundTicks(0, _fastest, 5)) {
+      const QString beyond = clipped && speed == _fastest ? QString(QChar(0x2265)) + ' ' : QString();
+      ticks.push_back({speed / _fastest, beyond + QString::number(speed)});
+    }
+    overlay.Bar({60, 62, 520, 78}, _colors, _is_own ? "Speed (no unit)" : "Speed in the units of the file", ticks);
+  }
+
+  bool _is_own; ///< the scene's own vortex, no file
+  QString _file;
+  VectorGrid _grid;
+  Point _center;
+  double _scale;
+  double _fastest; ///< at the upper end of the colours
+  ColorMap _colors{Palettes::Plasma(0.12, 1.0), ColorMap::Interpolated};
+  Ogl::VertexData _tubes;
+  Ogl::VertexData _heads;
+  Lettering _lettering;
+};
+
+} // namespace
+
+std::unique_ptr<Scene> MakeFlow(Utility::Scoped<Rgl>&, const Inputs& p_inputs) {
+  return std::make_unique<FlowScene>(p_inputs);
+}
+
+} // namespace Vek::Chart::Gallery

@@ -1,0 +1,59 @@
+#include "examples/scene/FlowLines.h"
+
+#include "library/VectorSymbol.h"
+
+namespace Vek::Chart::Gallery {
+
+using Point = Types::Vector3_Base<double>;
+
+void ArrowHeads::AddAlong(const std::vector<SweepPoint>& p_line, double p_every, double p_size) {
+  double arc = 0;
+  double next = p_every / 2;
+  for (std::size_t i = 1; i < p_line.size(); ++i) {
+    const Point step = p_line[i].position - p_line[i - 1].position;
+    arc += Length(step);
+    if (arc < next)
+      continue;
+    Add(p_line[i], step, p_size);
+    next = arc + p_every;
+  }
+}
+
+void ArrowHeads::AddAtEnd(const std::vector<SweepPoint>& p_line, double p_size) {
+  if (p_line.size() > 1)
+    Add(p_line.back(), p_line.back().position - p_line[p_line.size() - 2].position, p_size);
+}
+
+void ArrowHeads::Add(const SweepPoint& p_point, const Point& p_direction, double p_size) {
+  if (!(Length(p_direction) > 0))
+    return;
+  _positions.push_back(p_point.position);
+  _rotations.push_back(Transported({}, Normalize(p_direction)));
+  _sizes.push_back(p_point.width * p_size);
+  _values.push_back(p_point.value);
+}
+
+Ogl::VertexData ArrowHeads::Mesh() const {
+  Library::VectorSymbol::Instances instances;
+  instances.count = _positions.size();
+  instances.positions = _positions.data();
+  instances.rotations = _rotations.data();
+  instances.sizes = _sizes.data();
+  instances.tex_coords = _values.data();
+  Ogl::VertexData mesh;
+  if (!_positions.empty())
+    Library::VectorSymbol(Model::Symbol::ShapeArrowHead3D, 16).OrientShapes(instances, 0.5, 1.0, mesh);
+  return mesh;
+}
+
+void DrawColored(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors,
+                 const std::vector<const Ogl::VertexData*>& p_meshes) {
+  const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
+  p_colors(p_gl, RGL_TEXTURE0);
+  p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_MODULATE);
+  for (const Ogl::VertexData* mesh : p_meshes)
+    if (!mesh->Vertices().Empty())
+      mesh->Draw(p_gl);
+}
+
+} // namespace Vek::Chart::Gallery

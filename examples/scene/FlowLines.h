@@ -1,0 +1,39 @@
+#pragma once
+
+#include "examples/scene/Sweep.h"
+
+#include "library/ColorMap.h"
+
+#include "platform/ogl/Rgl.h"
+#include "platform/ogl/VertexData.h"
+
+#include <vector>
+
+namespace Vek::Chart::Gallery {
+
+/// Arrow heads that tell which way lines run, as one layer of glyphs.
+class ArrowHeads {
+public:
+  /// Heads at every `p_every` of a line's length, the first half as far from its start, `p_size` times as wide as the
+  /// line is there. A line too short for any gets none.
+  void AddAlong(const std::vector<SweepPoint>& p_line, double p_every, double p_size);
+  /// A head at the end of a line, pointing on.
+  void AddAtEnd(const std::vector<SweepPoint>& p_line, double p_size);
+
+  /// Empty when there are no heads.
+  Ogl::VertexData Mesh() const;
+
+private:
+  void Add(const SweepPoint& p_point, const Types::Vector3_Base<double>& p_direction, double p_size);
+
+  std::vector<Types::Vector3_Base<double>> _positions;
+  std::vector<Types::Matrix3> _rotations;
+  std::vector<double> _sizes;
+  std::vector<double> _values;
+};
+
+/// Draws meshes coloured by their texture coordinate; needs lighting (see Light). Empty ones are passed over.
+void DrawColored(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors,
+                 const std::vector<const Ogl::VertexData*>& p_meshes);
+
+} // namespace Vek::Chart::Gallery

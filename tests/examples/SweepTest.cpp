@@ -1,0 +1,240 @@
+#include "examples/scene/Sweep.h"
+
+#include "platform/types/Geometry.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <map>
+#include <random>
+#include <set>
+#include <tuple>
+
+using namespace Vek::Chart;
+using namespace Vek::Chart::Gallery;
+
+namespace {
+
+using Library::StreamLineShape;
+using Point = Types::Vector3_Base<double>;
+using Line = std::vector<SweepPoint>;
+
+constexpr double Infinity = std::numeric_limits<double>::infinity();
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+
+struct Mesh {
+  std::vector<Point> positions;
+  std::vector<Point> normals;
+  std::vector<float> values;
+  std::vector<unsigned int> indices;
+
+  std::size_t Triangles() const { return indices.size() / 3; }
+  Point Corner(std::size_t p_triangle, std::size_t p_corner) const {
+    return positions.at(indices.at(3 * p_triangle + p_corner));
+  }
+};
+
+Mesh Swept(StreamLineShape::Shape p_shape, const std::vector<Line>& p_lines) {
+  Sweep sweep(StreamLineShape(p_shape, {{0, 0}, {2, 0}, {2, 1}, {0, 1}}));
+  for (const Line& line : p_lines)
+    sweep.Add(line);
+  const Ogl::VertexData data = sweep.TakeMesh();
+  EXPECT_TRUE(sweep.Empty());
+  Mesh mesh;
+  const auto vectors = [](const Ogl::VertexData::Array& p_array) {
+    std::vector<Point> result;
+    for (std::size_t i = 0; i < 3 * p_array.count; i += 3)
+      result.emplace_back(p_array.As<float>()[i], p_array.As<float>()[i + 1], p_array.As<float>()[i + 2]);
+    return result;
+  };
+  mesh.positions = vectors(data.Vertices());
+  mesh.normals = vectors(data.Normals());
+  mesh.values.assign(data.TexCoords().As<float>(), data.TexCoords().As<float>() + data.TexCoords().count);
+  mesh.indices.assign(data.Indices().As<unsigned int>(), data.Indices().As<unsigned int>() + data.Indices().count);
+  EXPECT_EQ(mesh.normals.size(), mesh.positions.size());
+  EXPECT_EQ(mesh.values.size(), mesh.positions.size());
+  return mesh;
+}
+
+Line Along(std::size_t p_count, const std::function<Point(double)>& p_place, double p_width = 0.2) {
+  Line line;
+  for (std::size_t i = 0; i < p_count; ++i) {
+    const double t = static_cast<double>(i) / static_cast<double>(p_count - 1);
+    line.push_back({p_place(t), p_width, t});
+  }
+  return line;
+}
+
+Point Helix(double p_t) {
+  return {std::cos(9 * p_t), std::sin(9 * p_t), 2 * p_t};
+}
+
+/// Every edge is shared by two triangles that run along it in opposite directions, places counting, not indices.
+bool IsClosed(const Mesh& p_mesh) {
+  using Key = std::tuple<double, double, double>;
+  const auto key = [](const Point& p_point) { return Key(p_point.x, p_point.y, p_point.z); };
+  std::map<std::pair<Key, Key>, int> edges;
+  for (std::size_t i = 0; i < p_mesh.Triangles(); ++i)
+    for (std::size_t corner = 0; corner < 3; ++corner)
+      ++edges[{key(p_mesh.Corner(i, corner)), key(p_mesh.Corner(i, (corner + 1) % 3))}];
+  for (const auto& [edge, count] : edges) {
+    const auto back = edges.find({edge.second, edge.first});
+    if (back == edges.end() || back->second != count)
+      return false;
+  }
+  return !edges.empty();
+}
+
+/// By the divergence theorem; positive only where the triangles face outward.
+double Volume(const Mesh& p_mesh) {
+  double volume = 0;
+  for (std::size_t i = 0; i < p_mesh.Triangles(); ++i)
+    volume += Dot(p_mesh.Corner(i, 0), Cross(p_mesh.Corner(i, 1), p_mesh.Corner(i, 2))) / 6;
+  return volume;
+}
+
+/// Numbers that are numbers, normals of unit length, and triangles that face where their normals point.
+void ExpectSound(const Mesh& p_mesh, const std::string& p_name) {
+  for (std::size_t i = 0; i < p_mesh.positions.size(); ++i) {
+    ASSERT_TRUE(std::isfinite(Length(p_mesh.positions[i]))) << p_name << ' ' << i;
+    ASSERT_NEAR(Length(p_mesh.normals[i]), 1, 1e-6) << p_name << ' ' << i;
+  }
+  for (std::size_t i = 0; i < p_mesh.Triangles(); ++i) {
+    const Point face = Cross(p_mesh.Corner(i, 1) - p_mesh.Corner(i, 0), p_mesh.Corner(i, 2) - p_mesh.Corner(i, 0));
+    for (std::size_t corner = 0; corner < 3; ++corner)
+      ASSERT_GT(Dot(face, p_mesh.normals[p_mesh.indices[3 * i + corner]]), 0) << p_name << ' ' << i;
+  }
+}
+
+} // namespace
+
+TEST(Sweep, TubesAreClosedAndFaceOutward) {
+  const double ring = 3.0; // area of twelve corners on a circle of radius 1, times the squared radius below
+  const struct {
+    const char* name;
+    Line line;
+    double volume;
+  } cases[] = {
+      {"straight", Along(2, [](double t) { return Point(0, 0, 4 * t); }), ring * 0.01 * 4},
+      {"straight against the hint", Along(5, [](double t) { return Point(1, 2, -4 * t); }), ring * 0.01 * 4},
+      {"half circle", Along(200, [](double t) { return Point(std::cos(M_PI * t), std::sin(M_PI * t), 0); }),
+       ring * 0.01 * M_PI},
+      {"helix", Along(300, Helix), ring * 0.01 * std::hypot(9, 2)},
+  };
+  for (const auto& row : cases) {
+    const Mesh mesh = Swept(StreamLineShape::ShapeTube, {row.line});
+    ExpectSound(mesh, row.name);
+    EXPECT_TRUE(IsClosed(mesh)) << row.name;
+    EXPECT_NEAR(Volume(mesh), row.volume, 0.002 * row.volume) << row.name;
+  }
+}
+
+TEST(Sweep, WidthAndValueFollowThePoints) {
+  const Mesh mesh = Swept(StreamLineShape::ShapeTube, {{{{0, 0, 0}, 1, 0.25}, {{5, 0, 0}, 3, 0.75}}});
+  ASSERT_EQ(mesh.positions.size(), 2 * 12 + 2 * 13u);
+  for (std::size_t i = 0; i < mesh.positions.size(); ++i) {
+    const Point& place = mesh.positions[i];
+    const bool end = place.x > 2.5;
+    EXPECT_EQ(mesh.values[i], end ? 0.75f : 0.25f) << i;
+    const double radius = std::hypot(place.y, place.z);
+    EXPECT_TRUE(std::abs(radius - (end ? 1.5 : 0.5)) < 1e-6 || radius < 1e-6) << i << ' ' << radius;
+  }
+}
+
+TEST(Sweep, OutlinesOfOnesOwnAreClosedToo) {
+  const Mesh mesh = Swept(StreamLineShape::ShapeCustom, {Along(50, Helix)});
+  EXPECT_TRUE(IsClosed(mesh));
+  EXPECT_GT(Volume(mesh), 0);
+}
+
+TEST(Sweep, RibbonsLieFlatAndFaceUp) {
+  const Line curve = Along(60, [](double t) { return Point(10 * t, std::sin(12 * t), 0); });
+  const Mesh mesh = Swept(StreamLineShape::ShapeRibbon, {curve});
+  ASSERT_EQ(mesh.positions.size(), 120u);
+  ASSERT_EQ(mesh.Triangles(), 118u);
+  ExpectSound(mesh, "ribbon");
+  for (std::size_t i = 0; i < mesh.positions.size(); ++i) {
+    EXPECT_NEAR(mesh.positions[i].z, 0, 1e-6) << i;
+    EXPECT_NEAR(mesh.normals[i].z, 1, 1e-6) << i;
+  }
+}
+
+TEST(Sweep, FramesDoNotTwist) {
+  // Around a flat circle, a frame comes back as it started; one that is turned by the smallest rotation each time
+  // never turns about its direction.
+  Types::Matrix3 frame = Types::Matrix3::FromColumns({0, 0.6, 0.8}, {0, -0.8, 0.6}, {1, 0, 0});
+  const Types::Matrix3 start = frame;
+  for (int i = 1; i <= 64; ++i) {
+    const double angle = 2 * M_PI * i / 64;
+    const Types::Matrix3 before = frame;
+    frame = Transported(frame, {std::cos(angle), std::sin(angle), 0});
+    const Types::Matrix3 turn = frame * before.Transposed();
+    // The axis of the rotation (from its antisymmetric part) is upright.
+    EXPECT_NEAR(turn.Row(2).y - turn.Row(1).z, 0, 1e-12) << i;
+    EXPECT_NEAR(turn.Row(0).z - turn.Row(2).x, 0, 1e-12) << i;
+  }
+  for (std::size_t row = 0; row < 3; ++row)
+    EXPECT_NEAR(Length(frame.Row(row) - start.Row(row)), 0, 1e-12);
+}
+
+TEST(Sweep, FramesStayRightHandedWhereverTheyAreTaken) {
+  for (unsigned int seed = 0; seed < 200; ++seed) {
+    std::mt19937 random(seed);
+    std::normal_distribution<double> number;
+    const auto direction = [&] { return Normalize(Point(number(random), number(random), number(random))); };
+    Types::Matrix3 frame;
+    for (int i = 0; i < 20; ++i) {
+      // Also the opposite direction, the same one, and nearly the opposite one.
+      const Point old = frame.Transposed().Row(2);
+      const Point target = i % 5 == 1   ? -old
+                           : i % 5 == 2 ? old
+                           : i % 5 == 3 ? Normalize(-old + direction() * 1e-5)
+                                        : direction();
+      frame = Transported(frame, target);
+      const Types::Matrix3 columns = frame.Transposed();
+      EXPECT_NEAR(Length(columns.Row(2) - target), 0, 1e-12) << seed;
+      EXPECT_NEAR(Length(Cross(columns.Row(0), columns.Row(1)) - target), 0, 1e-12) << seed;
+      EXPECT_NEAR(Dot(columns.Row(0), columns.Row(1)), 0, 1e-12) << seed;
+    }
+  }
+}
+
+TEST(Sweep, BrokenLinesStaySound) {
+  const struct {
+    const char* name;
+    Line line;
+    std::size_t rings; ///< of the pieces that are left
+    std::size_t pieces;
+  } cases[] = {
+      {"empty", {}, 0, 0},
+      {"one point", {{{1, 2, 3}}}, 0, 0},
+      {"all in one place", {{{1, 2, 3}}, {{1, 2, 3}}, {{1, 2, 3}}}, 0, 0},
+      {"coincident points", {{{0, 0, 0}}, {{0, 0, 0}}, {{1, 0, 0}}, {{1, 1e-9, 0}}, {{2, 0, 0}}, {{2, 0, 0}}}, 3, 1},
+      {"not finite", {{{0, 0, 0}}, {{NaN, 0, 0}}, {{1, 0, Infinity}}, {{2, 0, 0}}, {{3, 0, 0}, 1, NaN}}, 2, 1},
+      {"too far", {{{0, 0, 0}}, {{1e300, 0, 0}}, {{2, 0, 0}}}, 2, 1},
+      {"without width",
+       {{{0, 0, 0}, 1}, {{1, 0, 0}, 0}, {{2, 0, 0}, -1}, {{3, 0, 0}, NaN}, {{4, 0, 0}, Infinity}, {{5, 0, 0}, 1}},
+       2,
+       1},
+      {"there and back", {{{0, 0, 0}}, {{5, 0, 0}}, {{0, 0, 0}}}, 4, 2},
+      {"to and fro", {{{0, 0, 0}}, {{5, 0, 0}}, {{1, 0, 0}}, {{6, 0, 0}}, {{9, 0, 0}}}, 7, 3},
+      {"right angle", {{{0, 0, 0}}, {{5, 0, 0}}, {{5, 5, 0}}}, 3, 1},
+  };
+  for (const auto& row : cases) {
+    const Mesh mesh = Swept(StreamLineShape::ShapeTube, {row.line});
+    ExpectSound(mesh, row.name);
+    EXPECT_EQ(mesh.positions.size(), 12 * row.rings + 26 * row.pieces) << row.name;
+    EXPECT_EQ(IsClosed(mesh), row.pieces > 0) << row.name;
+  }
+}
+
+TEST(Sweep, LinesAreGatheredInOneMesh) {
+  const Line line = Along(7, Helix);
+  const Mesh one = Swept(StreamLineShape::ShapeTube, {line});
+  const Mesh two = Swept(StreamLineShape::ShapeTube, {line, line});
+  EXPECT_EQ(two.positions.size(), 2 * one.positions.size());
+  EXPECT_NEAR(Volume(two), 2 * Volume(one), 1e-6);
+  EXPECT_TRUE(Swept(StreamLineShape::ShapeLine, {line}).positions.empty());
+}
