@@ -78,7 +78,10 @@ double LargestNumber(const std::string& p_path) {
     skip(false);
   }
   double largest = 0;
-  for (skip(true); next != end; skip(true)) {
+  while (true) {
+    skip(true);
+    if (next == end)
+      break;
     double value = 0;
     std::from_chars(next, end, value);
     largest = std::max(largest, value);
