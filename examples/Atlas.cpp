@@ -133,12 +133,10 @@ QColor ClassShade(const QColor& p_hue, std::size_t p_class) {
 
 class AtlasScene : public Scene {
 public:
-  AtlasScene(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs)
-      : _regions(CountByRegion(ReadQuakesFile(p_inputs.quakes))) {
+  AtlasScene(const Inputs& p_inputs, Loading& p_loading)
+      : _regions(CountByRegion(ReadQuakesFile(p_inputs.quakes, p_loading))) {
     AddColors();
     AddInstances();
-    _atlas.BuildAtlas(p_gl);
-    BuildBars();
   }
 
   Camera StartCamera() const override {
@@ -154,6 +152,10 @@ public:
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
     DrawBackground(p_gl, p_view, _lettering);
+    if (_bars.Vertices().Empty()) {
+      _atlas.BuildAtlas(p_gl);
+      BuildBars(); // which show where the atlas has put its colours
+    }
     {
       const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
       const auto light = Light().Apply(p_gl);
@@ -334,8 +336,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Scene> MakeAtlas(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs) {
-  return std::make_unique<AtlasScene>(p_gl, p_inputs);
+std::unique_ptr<Scene> LoadAtlas(const Inputs& p_inputs, Loading& p_loading) {
+  return std::make_unique<AtlasScene>(p_inputs, p_loading);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -49,17 +49,13 @@ double ColorPlace(double p_depth) {
 
 class EarthquakesScene : public Scene {
 public:
-  EarthquakesScene(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs)
-      : _quakes(ReadQuakesFile(p_inputs.quakes))
+  EarthquakesScene(const Inputs& p_inputs, Loading& p_loading)
+      : _quakes(ReadQuakesFile(p_inputs.quakes, p_loading.Stage(0.5)))
       , _file(QString::fromStdString(FileName(p_inputs.quakes)))
-      , _relief(HeightField::ReadFile(p_inputs.relief), _map, 3e-4)
-      , _painter(p_gl)
-      , _spheres(p_gl, Spheres())
-      , _key_spheres(p_gl, KeySpheres()) {
-    SymbolRegistry registry(boost::make_shared<ModelCache>(p_gl.Handle()), p_inputs.symbols);
-    const auto shape = Model::Symbol::ShapeSphere;
-    _sphere = {registry.GetVertexBuffer(shape), registry.GetIndexBuffer(shape), registry.GetBoundingBox(shape)};
-  }
+      , _relief(HeightField::ReadFile(p_inputs.relief, p_loading.Stage(0.9)), _map, 3e-4)
+      , _symbols(p_inputs.symbols)
+      , _spheres(Spheres())
+      , _key_spheres(KeySpheres()) {}
 
   Camera StartCamera() const override {
     Camera camera;
@@ -73,6 +69,7 @@ public:
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
     DrawBackground(p_gl, p_view, _lettering);
+    Prepare(p_gl);
     {
       const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
       DrawBox(p_gl, p_view);
@@ -88,6 +85,14 @@ public:
   }
 
 private:
+  void Prepare(Utility::Scoped<Rgl>& p_gl) {
+    if (_registry)
+      return;
+    _registry = std::make_unique<SymbolRegistry>(boost::make_shared<ModelCache>(p_gl.Handle()), _symbols);
+    const auto shape = Model::Symbol::ShapeSphere;
+    _sphere = {_registry->GetVertexBuffer(shape), _registry->GetIndexBuffer(shape), _registry->GetBoundingBox(shape)};
+  }
+
   Point PlaceOf(const Quake& p_quake) const {
     return _map.Place(p_quake.lon, p_quake.lat, -p_quake.depth * UnitsPerKilometre);
   }
@@ -189,6 +194,8 @@ private:
   std::vector<Quake> _quakes;
   QString _file;
   Relief _relief;
+  std::string _symbols; ///< the folder of the models
+  std::unique_ptr<SymbolRegistry> _registry;
   InstancePainter _painter;
   InstanceBuffers _spheres;
   InstanceBuffers _key_spheres;
@@ -200,8 +207,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Scene> MakeEarthquakes(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs) {
-  return std::make_unique<EarthquakesScene>(p_gl, p_inputs);
+std::unique_ptr<Scene> LoadEarthquakes(const Inputs& p_inputs, Loading& p_loading) {
+  return std::make_unique<EarthquakesScene>(p_inputs, p_loading);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -89,10 +89,10 @@ std::vector<Point> Seeds(const VectorGrid& p_grid, double p_least) {
 
 class FlowScene : public Scene {
 public:
-  explicit FlowScene(const Inputs& p_inputs)
+  FlowScene(const Inputs& p_inputs, Loading& p_loading)
       : _is_own(p_inputs.flow.empty())
       , _file(QString::fromStdString(FileName(p_inputs.flow)))
-      , _grid(_is_own ? BurgersGrid() : VectorGrid::ReadFile(p_inputs.flow))
+      , _grid(_is_own ? BurgersGrid() : VectorGrid::ReadFile(p_inputs.flow, p_loading.Stage(0.5)))
       , _center((_grid.Min() + _grid.Max()) * 0.5)
       , _scale(std::min(Diagonal / Length(_grid.Max() - _grid.Min()), Tallest / (_grid.Max() - _grid.Min()).z))
       , _fastest(_grid.LengthQuantile(0.998)) {
@@ -227,8 +227,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Scene> MakeFlow(Utility::Scoped<Rgl>&, const Inputs& p_inputs) {
-  return std::make_unique<FlowScene>(p_inputs);
+std::unique_ptr<Scene> LoadFlow(const Inputs& p_inputs, Loading& p_loading) {
+  return std::make_unique<FlowScene>(p_inputs, p_loading);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -26,11 +26,12 @@ namespace {
 using Library::HdrImage;
 using Rgb = HdrImage::Rgb32F;
 
-HdrImage ReadPanorama(const std::string& p_path) {
-  OpenInput(p_path); // says so when there is no such file
+HdrImage ReadPanorama(const std::string& p_path, Loading& p_loading) {
+  const std::unique_ptr<std::istream> stream = p_loading.Open(p_path);
   const ReportCounter reports;
   try {
-    HdrImage image{vekfile::filepath(p_path)};
+    HdrImage image(*stream);
+    p_loading.CheckCancelled(); // which the reader takes for the end of the file
     if (image.Pixels().empty())
       throw InputError(p_path + ": expected a Radiance picture (#?RADIANCE), got something else");
     if (reports.Others() != 0)
@@ -87,21 +88,24 @@ QImage Exposed(const Reduced& p_picture, double p_gain) {
 
 class HdrScene : public Scene {
 public:
-  HdrScene(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs)
+  HdrScene(const Inputs& p_inputs, Loading& p_loading)
       : _file(FileName(p_inputs.hdr))
-      , _image(ReadPanorama(p_inputs.hdr)) {
+      , _image(ReadPanorama(p_inputs.hdr, p_loading.Stage(0.7))) {
     FindRow();
     const double gain = MiddleGain();
     ChooseStops(gain);
     const Reduced picture(_image, 1024);
     for (std::size_t i = 0; i < _stops.size(); ++i)
-      _exposures[i] = std::make_unique<Library::Texture>(Exposed(picture, gain * std::exp2(_stops[i])), p_gl);
+      _exposed[i] = Exposed(picture, gain * std::exp2(_stops[i]));
   }
 
   Camera StartCamera() const override { return {}; }
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
     DrawBackground(p_gl, p_view, _lettering);
+    for (std::size_t i = 0; i < _stops.size(); ++i)
+      if (!_exposures[i])
+        _exposures[i] = std::make_unique<Library::Texture>(_exposed[i], p_gl);
     Overlay overlay(p_gl, p_view, _lettering);
     overlay.Title("High dynamic range", QString("%1, %2 × %3 pixels, at five exposures")
                                             .arg(QString::fromStdString(_file))
@@ -227,14 +231,15 @@ private:
   int _row = 0; ///< of the brightest pixel
   /// Exposures relative to the one that makes the picture's mean a middle grey, in powers of two.
   std::array<int, 5> _stops = {2, 0, 0, 0, 0};
+  std::array<QImage, 5> _exposed;
   std::array<std::unique_ptr<Library::Texture>, 5> _exposures;
   Lettering _lettering;
 };
 
 } // namespace
 
-std::unique_ptr<Scene> MakeHdr(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs) {
-  return std::make_unique<HdrScene>(p_gl, p_inputs);
+std::unique_ptr<Scene> LoadHdr(const Inputs& p_inputs, Loading& p_loading) {
+  return std::make_unique<HdrScene>(p_inputs, p_loading);
 }
 
 } // namespace Vek::Chart::Gallery

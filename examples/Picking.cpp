@@ -20,6 +20,7 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -124,8 +125,7 @@ Depths Compare(const QImage& p_packed, const std::vector<float>& p_truth) {
 
 class PickingScene : public Scene {
 public:
-  explicit PickingScene(Utility::Scoped<Rgl>& p_gl)
-      : _pass(p_gl) {
+  PickingScene() {
     for (const Item& item : Items())
       if (_meshes.find(item.shape) == _meshes.end())
         VectorSymbol(item.shape, 64).BuildShape(_meshes[item.shape]);
@@ -144,6 +144,8 @@ public:
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
     DrawBackground(p_gl, p_view, _lettering);
+    if (!_pass)
+      _pass.emplace(p_gl);
     const View scene{p_view.camera, Part(p_view, MainPart)};
     DrawLit(p_gl, scene);
     const std::vector<Pick> picks = PickAll(p_gl, scene);
@@ -216,7 +218,7 @@ private:
         continue;
       pick.hit = _picker.GetDepthAt(
           p_gl, p_scene.viewport, {x, y}, stamp,
-          [&](DepthCodec::Encoding) { _pass.Draw(p_gl, [&] { DrawItems(p_gl, p_scene.camera, p_scene.viewport); }); },
+          [&](DepthCodec::Encoding) { _pass->Draw(p_gl, [&] { DrawItems(p_gl, p_scene.camera, p_scene.viewport); }); },
           [&](unsigned int, float p_depth) {
             pick.place = p_scene.camera.Unproject({x + 0.5, y + 0.5, true}, static_cast<double>(p_depth),
                                                   {0, 0, p_scene.viewport.width, p_scene.viewport.height});
@@ -231,7 +233,7 @@ private:
     const RenderTexture target({static_cast<int>(p_panel.width), static_cast<int>(p_panel.height)});
     {
       const auto bound = target.BindForDraw(p_gl);
-      _pass.Draw(p_gl, [&] { DrawItems(p_gl, p_scene.camera, p_panel); });
+      _pass->Draw(p_gl, [&] { DrawItems(p_gl, p_scene.camera, p_panel); });
     }
     return Compare(target.ToImage(p_gl), target.ReadDepths(p_gl));
   }
@@ -280,15 +282,15 @@ private:
   }
 
   std::map<Model::Symbol::Shape, Ogl::VertexData> _meshes;
-  DepthPass _pass;
+  std::optional<DepthPass> _pass;
   Library::TopMostFragmentDepthBuffer _picker;
   Lettering _lettering;
 };
 
 } // namespace
 
-std::unique_ptr<Scene> MakePicking(Utility::Scoped<Rgl>& p_gl, const Inputs&) {
-  return std::make_unique<PickingScene>(p_gl);
+std::unique_ptr<Scene> LoadPicking(const Inputs&, Loading&) {
+  return std::make_unique<PickingScene>();
 }
 
 } // namespace Vek::Chart::Gallery

@@ -7,16 +7,16 @@
 namespace Vek::Chart::Gallery {
 
 // One function for each scene, in the source file of that name.
-std::unique_ptr<Scene> MakeWind(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
-std::unique_ptr<Scene> MakeSymbols(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
-std::unique_ptr<Scene> MakeEarthquakes(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
-std::unique_ptr<Scene> MakeAtlas(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
-std::unique_ptr<Scene> MakeVolume(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
-std::unique_ptr<Scene> MakeHdr(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
-std::unique_ptr<Scene> MakePicking(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
-std::unique_ptr<Scene> MakeStyles(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
-std::unique_ptr<Scene> MakeShapes(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
-std::unique_ptr<Scene> MakeStreamlines(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
-std::unique_ptr<Scene> MakeFlow(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+std::unique_ptr<Scene> LoadWind(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadSymbols(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadEarthquakes(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadAtlas(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadVolume(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadHdr(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadPicking(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadStyles(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadShapes(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadStreamlines(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadFlow(const Inputs& p_inputs, Loading& p_loading);
 
 } // namespace Vek::Chart::Gallery

@@ -8,54 +8,54 @@ const std::vector<SceneEntry>& Scenes() {
        "The monthly mean wind of the world in January 1987 as arrows above the relief: length and colour tell the "
        "speed. "
        "Glyphs by VectorSymbol, colours by two ColorMaps bound as textures.",
-       "examples/Wind.cpp", MakeWind},
+       "examples/Wind.cpp", LoadWind},
       {"symbols",
        "The fourteen built-in glyph models of the SymbolRegistry, drawn from their GPU buffers: one instanced call for "
        "a "
        "model and all its copies.",
-       "examples/Symbols.cpp", MakeSymbols},
+       "examples/Symbols.cpp", LoadSymbols},
       {"earthquakes",
        "A week of earthquakes where they lie below the surface: each a sphere, sized by magnitude and coloured by "
        "depth, "
        "all of them instances of one model.",
-       "examples/Earthquakes.cpp", MakeEarthquakes},
+       "examples/Earthquakes.cpp", LoadEarthquakes},
       {"atlas",
        "A chart in the colours of one texture: drawn three times from the same vertices, once in the atlas's own "
        "colours and "
        "twice moved onto instances with replaced colours. Below, the ColorAtlas itself, enlarged.",
-       "examples/Atlas.cpp", MakeAtlas},
+       "examples/Atlas.cpp", LoadAtlas},
       {"hdr",
        "A panorama with a high dynamic range, read by HdrImage, at five exposures, and the luminance along the row "
        "that "
        "is marked: what one exposure burns out or drowns, another shows.",
-       "examples/Hdr.cpp", MakeHdr},
+       "examples/Hdr.cpp", LoadHdr},
       {"volume",
        "The salinity of the ocean as a volume, cut by three planes: Intersect makes the slices, a VolumeTexture fills "
        "them, and "
        "land is transparent.",
-       "examples/Volume.cpp", MakeVolume},
+       "examples/Volume.cpp", LoadVolume},
       {"picking",
        "Places in the world under seven pixels, read from one drawing by a TopMostFragmentDepthBuffer. On the right, "
        "all "
        "the depths that DepthCodec unpacks from that drawing's colours, beside the true depth buffer.",
-       "examples/Picking.cpp", MakePicking},
+       "examples/Picking.cpp", LoadPicking},
       {"styles",
        "All patterns that lines, areas and points can have, pixel by pixel, and texts from 2 to 96 pixels: Style and "
        "Pattern at work.",
-       "examples/Styles.cpp", MakeStyles, true},
+       "examples/Styles.cpp", LoadStyles, true},
       {"shapes",
        "Everything that draws itself: the unit shapes of Geometry from display lists, solids filled and outlined, "
        "boxes, nine-patch panels and layered textures.",
-       "examples/Shapes.cpp", MakeShapes},
+       "examples/Shapes.cpp", LoadShapes},
       {"streamlines",
        "The same wind as evenly spaced streamlines above the relief, coloured by speed: fast winds as tubes, calm ones "
        "as ribbons, swept from the cross-sections of StreamLineShape without twist.",
-       "examples/Streamlines.cpp", MakeStreamlines},
+       "examples/Streamlines.cpp", LoadStreamlines},
       {"flow",
        "A flow in space as tubes from where it enters its box, with glyphs of VectorSymbol along them: a Burgers "
        "vortex "
        "that the scene computes itself, or a grid given with --flow.",
-       "examples/Flow.cpp", MakeFlow},
+       "examples/Flow.cpp", LoadFlow},
   };
   return scenes;
 }

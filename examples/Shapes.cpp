@@ -24,6 +24,7 @@
 #include <boost/make_shared.hpp>
 
 #include <cmath>
+#include <optional>
 
 namespace Vek::Chart::Gallery {
 
@@ -161,17 +162,6 @@ QColor ColumnColor(std::size_t p_column) {
 
 class ShapesScene : public Scene {
 public:
-  explicit ShapesScene(Utility::Scoped<Rgl>& p_gl)
-      : _geometry(p_gl.Handle())
-      , _voxels(VoxelTexture(p_gl))
-      , _ground(boost::make_shared<Library::Texture>(GroundImage(), p_gl)) {
-    for (const std::uint32_t blending :
-         {Library::Texture::Replace, Library::Texture::Decal, Library::Texture::Modulate}) {
-      _layers.push_back(boost::make_shared<Library::Texture>(DiskImage(), p_gl));
-      _layers.back()->environment = blending;
-    }
-  }
-
   Camera StartCamera() const override {
     Camera camera;
     camera.target = {0, 0, 0};
@@ -185,6 +175,8 @@ public:
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
     DrawBackground(p_gl, p_view, _lettering);
+    if (!_geometry)
+      Prepare(p_gl);
     {
       const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
       const auto state = p_gl->PushAttribScope(RGL_CURRENT_BIT | RGL_LINE_BIT);
@@ -201,6 +193,17 @@ public:
   }
 
 private:
+  void Prepare(Utility::Scoped<Rgl>& p_gl) {
+    _geometry.emplace(p_gl.Handle());
+    _voxels = VoxelTexture(p_gl);
+    _ground = boost::make_shared<Library::Texture>(GroundImage(), p_gl);
+    for (const std::uint32_t blending :
+         {Library::Texture::Replace, Library::Texture::Decal, Library::Texture::Modulate}) {
+      _layers.push_back(boost::make_shared<Library::Texture>(DiskImage(), p_gl));
+      _layers.back()->environment = blending;
+    }
+  }
+
   void DrawSolids(Utility::Scoped<Rgl>& p_gl) const {
     Light bright;
     bright.ambient = 0.5;
@@ -224,7 +227,7 @@ private:
     p_gl->Rotate(Angle::FromDegrees(p_solid.lean), {1, 0, 0});
     p_gl->Rotate(Angle::FromDegrees(30), {0, 0, 1});
     p_gl->Color(ColumnColor(p_column));
-    p_solid.draw(p_gl, _geometry, p_filled);
+    p_solid.draw(p_gl, *_geometry, p_filled);
     p_gl->PopMatrix();
   }
 
@@ -239,7 +242,7 @@ private:
     p_gl->Translate(CellCenter(VoxelColumn, UnitRow));
     p_gl->Rotate(Angle::FromDegrees(30), {0, 0, 1});
     p_gl->Translate({-0.5, -0.5, -0.5});
-    _geometry.Voxel(p_gl);
+    _geometry->Voxel(p_gl);
     p_gl->PopMatrix();
   }
 
@@ -347,7 +350,7 @@ private:
     }
   }
 
-  Geometry _geometry;
+  std::optional<Geometry> _geometry;
   boost::shared_ptr<Ogl::Texture> _voxels;
   boost::shared_ptr<Library::Texture> _panel;
   boost::shared_ptr<Library::Texture> _ground;
@@ -357,8 +360,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Scene> MakeShapes(Utility::Scoped<Rgl>& p_gl, const Inputs&) {
-  return std::make_unique<ShapesScene>(p_gl);
+std::unique_ptr<Scene> LoadShapes(const Inputs&, Loading&) {
+  return std::make_unique<ShapesScene>();
 }
 
 } // namespace Vek::Chart::Gallery

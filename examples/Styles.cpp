@@ -91,11 +91,8 @@ void DrawFill(Utility::Scoped<Rgl>& p_gl, const Types::FillStyle& p_style, int p
 
 class StylesScene : public Scene {
 public:
-  StylesScene(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs) {
-    const Assets::Resource resource(p_inputs.sprites);
-    Assets::ImageCache cache;
-    for (std::uint32_t i = 0; i < std::size(PointNames); ++i)
-      _sprites.push_back(Pattern::PointSpritePattern(static_cast<Pattern::PointPattern>(i + 1), resource, cache, p_gl));
+  explicit StylesScene(const Inputs& p_inputs)
+      : _resource(p_inputs.sprites) {
     for (std::size_t i = 0; i < std::size(TextSizes); ++i)
       _ladder.push_back(boost::make_shared<Ogl::Text>());
     for (const char* text : {"One colour", "Outlined", "In a box"})
@@ -107,6 +104,8 @@ public:
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
     DrawBackground(p_gl, p_view, _lettering);
+    if (_sprites.empty())
+      LoadSprites(p_gl);
     Overlay overlay(p_gl, p_view, _lettering);
     overlay.Title("Styles", "Every pattern by its number, pixel by pixel; 0 draws nothing, unknown numbers are solid");
     DrawLines(p_gl, overlay);
@@ -116,6 +115,13 @@ public:
   }
 
 private:
+  void LoadSprites(Utility::Scoped<Rgl>& p_gl) {
+    Assets::ImageCache cache;
+    for (std::uint32_t i = 0; i < std::size(PointNames); ++i)
+      _sprites.push_back(
+          Pattern::PointSpritePattern(static_cast<Pattern::PointPattern>(i + 1), _resource, cache, p_gl));
+  }
+
   static void DrawLines(Utility::Scoped<Rgl>& p_gl, Overlay& p_overlay) {
     const struct {
       float width;
@@ -255,6 +261,7 @@ private:
     return metrics.horizontalAdvance(p_text.text.Value());
   }
 
+  Assets::Resource _resource; ///< the folder of the sprites
   std::vector<boost::shared_ptr<Library::Texture>> _sprites;
   std::vector<boost::shared_ptr<Ogl::Text>> _ladder;
   std::vector<boost::shared_ptr<Ogl::Text>> _kinds;
@@ -263,8 +270,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Scene> MakeStyles(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs) {
-  return std::make_unique<StylesScene>(p_gl, p_inputs);
+std::unique_ptr<Scene> LoadStyles(const Inputs& p_inputs, Loading&) {
+  return std::make_unique<StylesScene>(p_inputs);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -37,7 +37,7 @@ struct Shape {
   const char* name;
   double lean;
 };
-constexpr Shape Shapes[] = {{"ArrowHead1D", -20}, {"Arrow1D", -20},        {"ArrowHead2D", -40}, {"Arrow2D", -40},
+constexpr Shape Models[] = {{"ArrowHead1D", -20}, {"Arrow1D", -20},        {"ArrowHead2D", -40}, {"Arrow2D", -40},
                             {"Plane", 35},        {"ArrowHead3D", 0},      {"Arrow3D", -15},     {"Cylinder", 15},
                             {"Cone", 0},          {"CircularArrow3D", 35}, {"Crosshair", -20},   {"Cube", 15},
                             {"Sphere", 0},        {"Custom (torus)", 35}};
@@ -70,7 +70,7 @@ std::vector<Instance> Carousel(const Point& p_center, const Matrix3& p_large, co
 }
 
 std::vector<Instance> GlyphCarousel(int p_cell) {
-  const Matrix3 lean = Matrix3::Rotation(Angle::FromDegrees(Shapes[p_cell].lean), {1, 0, 0}) *
+  const Matrix3 lean = Matrix3::Rotation(Angle::FromDegrees(Models[p_cell].lean), {1, 0, 0}) *
                        Matrix3::Rotation(Angle::FromDegrees(30), {0, 1, 0});
   // The glyph's axis, +z, points outwards, its +y up.
   return Carousel(CellCenter(p_cell), lean, Matrix3::FromColumns({0, 1, 0}, {0, 0, 1}, {1, 0, 0}));
@@ -85,19 +85,15 @@ std::vector<Instance> ModelCarousel(int p_cell) {
 
 class SymbolsScene : public Scene {
 public:
-  SymbolsScene(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs)
-      : _painter(p_gl) {
-    const auto cache = boost::make_shared<ModelCache>(p_gl.Handle());
-    SymbolRegistry registry(cache, p_inputs.symbols);
+  SymbolsScene(const Inputs& p_inputs, Loading& p_loading)
+      : _folder(p_inputs.symbols) {
     int cell = 0;
-    for (const Shape& entry : Shapes) {
-      const auto shape = static_cast<Model::Symbol::Shape>(FirstShape + cell);
-      const Mesh mesh{registry.GetVertexBuffer(shape), registry.GetIndexBuffer(shape), registry.GetBoundingBox(shape)};
-      _symbols.push_back({entry.name, mesh, InstanceBuffers(p_gl, GlyphCarousel(cell++))});
-    }
-    if (!p_inputs.model.empty())
-      _symbols.push_back({QString::fromStdString(FileName(p_inputs.model)), LoadModelFile(registry, p_inputs.model),
-                          InstanceBuffers(p_gl, ModelCarousel(cell))});
+    for (const Shape& entry : Models)
+      _symbols.push_back({entry.name, {}, InstanceBuffers(GlyphCarousel(cell++))});
+    if (p_inputs.model.empty())
+      return;
+    _model = ReadModelFile(p_inputs.model, p_loading);
+    _symbols.push_back({QString::fromStdString(FileName(p_inputs.model)), {}, InstanceBuffers(ModelCarousel(cell))});
   }
 
   Camera StartCamera() const override {
@@ -112,6 +108,7 @@ public:
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
     DrawBackground(p_gl, p_view, _lettering);
+    Prepare(p_gl);
     {
       const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
       Light bright;
@@ -119,7 +116,7 @@ public:
       const auto light = bright.Apply(p_gl);
       const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
       p_gl->LineWidth(static_cast<float>(std::max(1.0, 3.0 * p_view.PointSize())));
-      for (const Symbol& symbol : _symbols)
+      for (Symbol& symbol : _symbols)
         _painter.Draw(p_gl, symbol.mesh, symbol.instances, _colors);
     }
     DrawLabels(p_gl, p_view);
@@ -131,6 +128,23 @@ private:
     Mesh mesh;
     InstanceBuffers instances;
   };
+
+  void Prepare(Utility::Scoped<Rgl>& p_gl) {
+    if (_registry)
+      return;
+    const auto cache = boost::make_shared<ModelCache>(p_gl.Handle());
+    _registry = std::make_unique<SymbolRegistry>(cache, _folder);
+    for (std::size_t i = 0; i < std::size(Models); ++i) {
+      const auto shape = static_cast<Model::Symbol::Shape>(FirstShape + i);
+      _symbols[i].mesh = {_registry->GetVertexBuffer(shape), _registry->GetIndexBuffer(shape),
+                          _registry->GetBoundingBox(shape)};
+    }
+    if (_model) {
+      const std::size_t id = cache->Register(*_model);
+      _symbols.back().mesh = {cache->GetVertexBuffer(id), cache->GetIndexBuffer(id), cache->GetBoundingBox(id)};
+      _model.reset();
+    }
+  }
 
   void DrawLabels(Utility::Scoped<Rgl>& p_gl, const View& p_view) {
     Overlay overlay(p_gl, p_view, _lettering);
@@ -147,6 +161,9 @@ private:
                      {Theme::SmallSize, p_color, false});
   }
 
+  std::string _folder;                               ///< of the built-in models
+  boost::shared_ptr<const Library::ObjModel> _model; ///< the user's, until it is in GPU buffers
+  std::unique_ptr<SymbolRegistry> _registry;
   InstancePainter _painter;
   std::vector<Symbol> _symbols;
   Library::ColorMap _colors{Palettes::Plasma(0.25, 0.95), Library::ColorMap::Interpolated};
@@ -155,8 +172,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Scene> MakeSymbols(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs) {
-  return std::make_unique<SymbolsScene>(p_gl, p_inputs);
+std::unique_ptr<Scene> LoadSymbols(const Inputs& p_inputs, Loading& p_loading) {
+  return std::make_unique<SymbolsScene>(p_inputs, p_loading);
 }
 
 } // namespace Vek::Chart::Gallery

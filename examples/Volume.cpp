@@ -22,9 +22,9 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
-#include <fstream>
 #include <iterator>
 #include <limits>
+#include <optional>
 
 namespace Vek::Chart::Gallery {
 
@@ -54,19 +54,20 @@ void main() {
 }
 )";
 
-boost::shared_ptr<VolumeImage> ReadVolume(const std::string& p_path) {
-  OpenInput(p_path); // says so when there is no such file
+boost::shared_ptr<VolumeImage> ReadVolume(const std::string& p_path, Loading& p_loading) {
+  const std::unique_ptr<std::istream> stream = p_loading.Open(p_path);
   const ReportCounter reports;
-  const boost::shared_ptr<VolumeImage> volume = VolumeImage::LoadFromFile(p_path, VolumeImage::TextArray);
+  const boost::shared_ptr<VolumeImage> volume = VolumeImage::LoadFromStream(*stream, VolumeImage::TextArray);
+  p_loading.CheckCancelled(); // which the reader takes for the end of the file
   if (!volume || reports.Others() != 0)
     throw InputError(p_path + ": expected a volume \"TextArray nx 1 ny nz\" and its nx * ny * nz numbers");
   return volume;
 }
 
 /// The largest number of a text volume, which the bytes of the VolumeImage are relative to.
-double LargestNumber(const std::string& p_path) {
-  std::ifstream stream = OpenInput(p_path);
-  const std::string text{std::istreambuf_iterator<char>(stream), {}};
+double LargestNumber(const std::string& p_path, Loading& p_loading) {
+  const std::unique_ptr<std::istream> stream = p_loading.Open(p_path);
+  const std::string text{std::istreambuf_iterator<char>(*stream), {}};
   const char* next = text.data();
   const char* const end = next + text.size();
   const auto skip = [&](bool p_blank) {
@@ -111,15 +112,12 @@ std::array<int, 2> Percentiles(const std::vector<unsigned char>& p_bytes, double
 
 class VolumeScene : public Scene {
 public:
-  VolumeScene(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs)
+  VolumeScene(const Inputs& p_inputs, Loading& p_loading)
       : _ocean(p_inputs.volume.empty())
       , _path(_ocean ? p_inputs.salinity : p_inputs.volume)
-      , _image(ReadVolume(_path))
-      , _largest(LargestNumber(_path))
-      , _range(Percentiles(_image->Bytes(), 0.02, 0.98))
-      , _texture(_image, p_gl)
-      , _program(p_gl, VertexText, FragmentText) {
-    _texture.minFilter = _texture.magFilter = Library::VolumeTexture::Nearest; // land must not bleed into the sea
+      , _image(ReadVolume(_path, p_loading.Stage(0.5)))
+      , _largest(LargestNumber(_path, p_loading.Stage(0.9)))
+      , _range(Percentiles(_image->Bytes(), 0.02, 0.98)) {
     const Point size = _ocean ? Point(3.6, 1.8, 1.1) : SizeOf(*_image);
     _box = Box(size * -0.5, size * 0.5);
     // A map's Atlantic at 30° west, its equator, and half-way down; for other volumes the three middles.
@@ -144,6 +142,7 @@ public:
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
     DrawBackground(p_gl, p_view, _lettering);
+    Prepare(p_gl);
     {
       const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
       const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT | RGL_LINE_BIT |
@@ -159,6 +158,14 @@ public:
   }
 
 private:
+  void Prepare(Utility::Scoped<Rgl>& p_gl) {
+    if (_texture)
+      return;
+    _texture.emplace(_image, p_gl);
+    _texture->minFilter = _texture->magFilter = Library::VolumeTexture::Nearest; // land must not bleed into the sea
+    _program.emplace(p_gl, VertexText, FragmentText);
+  }
+
   /// As long as its longest side has voxels, at 2.1 units; the voxels are taken as cubes.
   static Point SizeOf(const VolumeImage& p_image) {
     const Point voxels(p_image.Height(), p_image.Width(), p_image.Depth());
@@ -183,13 +190,13 @@ private:
   }
 
   void DrawSlices(Utility::Scoped<Rgl>& p_gl) {
-    const auto in_use = _program.Use(p_gl);
+    const auto in_use = _program->Use(p_gl);
     _colors(p_gl, RGL_TEXTURE1);
-    _texture(p_gl, RGL_TEXTURE0);
-    _program.SetUniform(p_gl, "volume", 0);
-    _program.SetUniform(p_gl, "colors", 1);
-    _program.SetUniform(p_gl, "low", static_cast<float>(_range[0]) / 255.0f);
-    _program.SetUniform(p_gl, "high", static_cast<float>(_range[1]) / 255.0f);
+    (*_texture)(p_gl, RGL_TEXTURE0);
+    _program->SetUniform(p_gl, "volume", 0);
+    _program->SetUniform(p_gl, "colors", 1);
+    _program->SetUniform(p_gl, "low", static_cast<float>(_range[0]) / 255.0f);
+    _program->SetUniform(p_gl, "high", static_cast<float>(_range[1]) / 255.0f);
     for (const std::vector<Point>& slice : _slices) {
       p_gl->Begin(RGL_POLYGON);
       for (const Point& corner : slice) {
@@ -274,8 +281,8 @@ private:
   boost::shared_ptr<VolumeImage> _image;
   double _largest;
   std::array<int, 2> _range; ///< the bytes of the first and the last colour
-  Library::VolumeTexture _texture;
-  Ogl::ShaderProgram _program;
+  std::optional<Library::VolumeTexture> _texture;
+  std::optional<Ogl::ShaderProgram> _program;
   Library::ColorMap _colors{Palettes::Viridis(), Library::ColorMap::Interpolated};
   Box _box;
   std::vector<std::vector<Point>> _slices;
@@ -284,8 +291,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Scene> MakeVolume(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs) {
-  return std::make_unique<VolumeScene>(p_gl, p_inputs);
+std::unique_ptr<Scene> LoadVolume(const Inputs& p_inputs, Loading& p_loading) {
+  return std::make_unique<VolumeScene>(p_inputs, p_loading);
 }
 
 } // namespace Vek::Chart::Gallery

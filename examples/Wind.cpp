@@ -45,10 +45,10 @@ Types::Matrix3 Heading(const Wind& p_wind) {
 
 class WindScene : public Scene {
 public:
-  explicit WindScene(const Inputs& p_inputs)
-      : _field(WindField::ReadFile(p_inputs.winds))
+  WindScene(const Inputs& p_inputs, Loading& p_loading)
+      : _field(WindField::ReadFile(p_inputs.winds, p_loading.Stage(0.4)))
       , _map(FrameOf(_field))
-      , _relief(HeightField::ReadFile(p_inputs.relief), _map, 4.5e-4)
+      , _relief(HeightField::ReadFile(p_inputs.relief, p_loading.Stage(0.6)), _map, 4.5e-4)
       , _is_monthly_mean(FileName(p_inputs.winds) == "noaa_navy_winds_1987-01.csv")
       , _file(QString::fromStdString(FileName(p_inputs.winds)))
       , _fastest(std::max(1.0, std::ceil(_field.SpeedQuantile(0.995) / 5) * 5))
@@ -191,8 +191,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Scene> MakeWind(Utility::Scoped<Rgl>&, const Inputs& p_inputs) {
-  return std::make_unique<WindScene>(p_inputs);
+std::unique_ptr<Scene> LoadWind(const Inputs& p_inputs, Loading& p_loading) {
+  return std::make_unique<WindScene>(p_inputs, p_loading);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -1,7 +1,6 @@
 #include "library/ModelCache.h"
 
 #include "algorithms/InterpretArray.h"
-#include "library/ObjModel.h"
 #include "platform/debug/Check.h"
 
 #include <algorithm>
@@ -109,16 +108,19 @@ ModelCache::ModelCache(const Utility::Unscoped<Ogl::Rgl>& p_gl)
     : _gl(p_gl) {}
 
 std::size_t ModelCache::Register(const vekfile::filepath& p_path) {
+  return Register(*LoadPolygonObjFile(p_path));
+}
+
+std::size_t ModelCache::Register(const ObjModel& p_model) {
   const std::size_t id = _boundingBoxes.size();
   const Utility::Scoped<Ogl::Rgl> gl(_gl);
   Ogl::BufferPool& pool = gl->GetBufferPool();
 
-  const boost::shared_ptr<const ObjModel> model = LoadPolygonObjFile(p_path);
-  const std::size_t index_count = IndexCount(*model);
-  const std::size_t position_count = model->Vertices()->size();
-  const bool has_normals = !model->Normals()->empty();
-  const IndexDescription indices{model->PrimitiveType(), 0,
-                                 NumPrimitives(model->PrimitiveType(), static_cast<std::uint32_t>(index_count))};
+  const std::size_t index_count = IndexCount(p_model);
+  const std::size_t position_count = p_model.Vertices()->size();
+  const bool has_normals = !p_model.Normals()->empty();
+  const IndexDescription indices{p_model.PrimitiveType(), 0,
+                                 NumPrimitives(p_model.PrimitiveType(), static_cast<std::uint32_t>(index_count))};
   const VertexDescription vertices =
       has_normals ? VertexDescription{VertexBuffer::Positions | VertexBuffer::Normals, 2 * sizeof(VertexRecord),
                                       2 * sizeof(VertexRecord), 0, sizeof(VertexRecord)}
@@ -127,9 +129,9 @@ std::size_t ModelCache::Register(const vekfile::filepath& p_path) {
   const auto vertex_buffer =
       pool.CreateBuffer<VertexRecord>(position_count * (has_normals ? 2 : 1), Ogl::BufferUsage::Default);
   const auto index_buffer = pool.CreateBuffer<IndexRecord>(index_count, Ogl::BufferUsage::Default);
-  WriteVertices(*model, vertex_buffer);
-  WriteIndices(*model, index_buffer);
-  const Types::BoundingBox_Base<double> bounds = BoundsOf(*model->Vertices());
+  WriteVertices(p_model, vertex_buffer);
+  WriteIndices(p_model, index_buffer);
+  const Types::BoundingBox_Base<double> bounds = BoundsOf(*p_model.Vertices());
 
   // Nothing throws from the first append on, so that the arrays stay in step.
   MakeRoom(_vertexBuffers);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/Export.h"
+#include "library/ObjModel.h"
 #include "platform/file/FilePath.h"
 #include "platform/ogl/BufferPool.h"
 #include "platform/ogl/Rgl.h"
@@ -64,6 +65,8 @@ public:
   /// registered with empty buffers; one whose primitive type is undecided is reported and has 0 primitives. Memory that
   /// cannot be mapped is reported and leaves a buffer with undefined contents.
   std::size_t Register(const vekfile::filepath& p_path);
+  /// Uploads a model that was read before, on another thread for one, likewise.
+  std::size_t Register(const ObjModel& p_model);
 
   // What is stored under an id; an empty record, without a report, for an id that was never given.
 

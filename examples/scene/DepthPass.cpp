@@ -4,9 +4,12 @@
 
 namespace Vek::Chart::Gallery {
 
+std::string PackedDepthText() {
+  return Library::DepthCodec::Glsl() + "void main() { gl_FragColor = EncodeDepth(gl_FragCoord.z); }\n";
+}
+
 DepthPass::DepthPass(Utility::Scoped<Rgl>& p_gl)
-    : _program(p_gl, "void main() { gl_Position = ftransform(); }\n",
-               Library::DepthCodec::Glsl() + "void main() { gl_FragColor = EncodeDepth(gl_FragCoord.z); }\n") {}
+    : _program(p_gl, "void main() { gl_Position = ftransform(); }\n", PackedDepthText()) {}
 
 void DepthPass::Draw(Utility::Scoped<Rgl>& p_gl, const boost::function<void()>& p_draw) const {
   const auto state =

@@ -6,7 +6,12 @@
 
 #include <boost/function.hpp>
 
+#include <string>
+
 namespace Vek::Chart::Gallery {
+
+/// A fragment shader that gives each pixel its depth, packed by DepthCodec.
+std::string PackedDepthText();
 
 /// Draws a scene so that every pixel holds its depth, packed as DepthCodec does: what a TopMostFragmentDepthBuffer
 /// wants of its render callback.
@@ -15,8 +20,7 @@ namespace Vek::Chart::Gallery {
 ///     picker.GetDepthAt(gl, viewport, pixel, stamp,
 ///                       [&](DepthCodec::Encoding) { pass.Draw(gl, [&] { DrawMyMeshes(gl); }); }, result);
 ///
-/// For scenes that fixed-function matrices place; those with a vertex shader of their own take the fragment shader from
-/// DepthCodec::Glsl() likewise.
+/// For meshes that fixed-function matrices place; those with a vertex shader of their own link it with PackedDepthText.
 class DepthPass {
 public:
   explicit DepthPass(Utility::Scoped<Rgl>& p_gl);

@@ -1,6 +1,5 @@
 #include "examples/scene/HeightField.h"
 
-#include "examples/scene/Files.h"
 #include "examples/scene/TextTable.h"
 
 #include <algorithm>
@@ -70,9 +69,8 @@ HeightField HeightField::Read(std::istream& p_stream, const std::string& p_name)
   return field;
 }
 
-HeightField HeightField::ReadFile(const std::string& p_path) {
-  std::ifstream stream = OpenInput(p_path);
-  return Read(stream, p_path);
+HeightField HeightField::ReadFile(const std::string& p_path, Loading& p_loading) {
+  return Read(*p_loading.Open(p_path), p_path);
 }
 
 bool HeightField::Wraps() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "examples/scene/Loading.h"
+
 #include "platform/types/Range.h"
 
 #include <cstddef>
@@ -14,7 +16,7 @@ class HeightField {
 public:
   /// Reads a height grid: "nx ny x0 dx y0 dy", then ny lines of nx heights. Throws InputError when the text is none.
   static HeightField Read(std::istream& p_stream, const std::string& p_name);
-  static HeightField ReadFile(const std::string& p_path);
+  static HeightField ReadFile(const std::string& p_path, Loading& p_loading);
 
   /// The height at a place, interpolated between the centres of the four cells around it; beyond the border of the
   /// field, that of the border.

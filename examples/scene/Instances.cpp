@@ -1,5 +1,7 @@
 #include "examples/scene/Instances.h"
 
+#include "examples/scene/DepthPass.h"
+
 #include "platform/ogl/BufferPool.h"
 
 #include <algorithm>
@@ -71,40 +73,16 @@ int SurfaceOf(const Mesh& p_model) {
   return (p_model.vertices.attributes & Library::ModelCache::VertexBuffer::Normals) != 0 ? 1 : 2;
 }
 
-} // namespace
-
-InstanceBuffers::InstanceBuffers(Utility::Scoped<Rgl>& p_gl, const std::vector<Instance>& p_instances)
-    : _count(static_cast<unsigned int>(p_instances.size())) {
-  if (p_instances.empty())
-    return;
-  const auto add = [&](Location p_location, auto p_record_of) {
-    const auto buffer = p_gl->GetBufferPool().CreateBuffer<Record>(p_instances.size(), Ogl::BufferUsage::Default);
-    const Ogl::BufferPool::WriteArray<Record> mapped(buffer, 0, p_instances.size(), RGL_ARRAY_BUFFER);
-    std::transform(p_instances.begin(), p_instances.begin() + static_cast<std::ptrdiff_t>(mapped.Count()),
-                   mapped.Data(), p_record_of);
-    _attributes.push_back({p_location, buffer});
-  };
-  add(PlaceLocation, [](const Instance& p_i) { return ToRecord(p_i.place); });
-  add(MeasureLocation, [](const Instance& p_i) { return ToRecord({p_i.size, p_i.value, 0}); });
-  add(AxisXLocation, [](const Instance& p_i) { return ToRecord(p_i.turn * Vector3_Base<double>(1, 0, 0)); });
-  add(AxisYLocation, [](const Instance& p_i) { return ToRecord(p_i.turn * Vector3_Base<double>(0, 1, 0)); });
-}
-
-InstancePainter::InstancePainter(Utility::Scoped<Rgl>& p_gl)
-    : _program(p_gl, VertexText, FragmentText, {"", "place", "", "", "", "measure", "axis_x", "axis_y"}) {}
-
-void InstancePainter::Draw(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, const InstanceBuffers& p_instances,
-                           const Library::ColorMap& p_colors) const {
+void DrawInstances(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_program, const Mesh& p_model,
+                   InstanceBuffers& p_instances) {
   const double diagonal = Length(p_model.box.Extent());
-  if (!_program.Linked() || !(diagonal > 0))
+  if (!p_program.Linked() || !(diagonal > 0))
     return;
-  const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-  p_colors(p_gl, RGL_TEXTURE0);
-  const auto in_use = _program.Use(p_gl);
-  _program.SetUniform(p_gl, "colors", 0);
-  _program.SetUniform(p_gl, "center", p_model.box.Center());
-  _program.SetUniform(p_gl, "fit", static_cast<float>(1.0 / diagonal));
-  _program.SetUniform(p_gl, "surface", SurfaceOf(p_model));
+  const auto in_use = p_program.Use(p_gl);
+  p_program.SetUniform(p_gl, "colors", 0);
+  p_program.SetUniform(p_gl, "center", p_model.box.Center());
+  p_program.SetUniform(p_gl, "fit", static_cast<float>(1.0 / diagonal));
+  p_program.SetUniform(p_gl, "surface", SurfaceOf(p_model));
   Ogl::BufferDraw draw;
   draw.type = p_model.indices.type;
   draw.indices = p_model.indices.buffer;
@@ -114,8 +92,47 @@ void InstancePainter::Draw(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, cons
   draw.normal_stride = p_model.vertices.normalStride;
   draw.position_offset = p_model.vertices.positionOffset;
   draw.normal_offset = p_model.vertices.normalOffset;
-  draw.instance_attributes = p_instances.Attributes();
+  draw.instance_attributes = p_instances.Attributes(p_gl);
   draw.Draw(p_gl, p_instances.Count());
+}
+
+/// The program that places instances and gives each pixel what the text of a fragment shader says.
+Ogl::ShaderProgram& Made(std::optional<Ogl::ShaderProgram>& p_program, Utility::Scoped<Rgl>& p_gl,
+                         const std::string& p_fragment_text) {
+  if (!p_program)
+    p_program.emplace(p_gl, VertexText, p_fragment_text,
+                      std::vector<std::string>{"", "place", "", "", "", "measure", "axis_x", "axis_y"});
+  return *p_program;
+}
+
+} // namespace
+
+const std::vector<Ogl::BufferDraw::InstanceAttribute>& InstanceBuffers::Attributes(Utility::Scoped<Rgl>& p_gl) {
+  if (!_attributes.empty() || _instances.empty())
+    return _attributes;
+  const auto add = [&](Location p_location, auto p_record_of) {
+    const auto buffer = p_gl->GetBufferPool().CreateBuffer<Record>(_instances.size(), Ogl::BufferUsage::Default);
+    const Ogl::BufferPool::WriteArray<Record> mapped(buffer, 0, _instances.size(), RGL_ARRAY_BUFFER);
+    std::transform(_instances.begin(), _instances.begin() + static_cast<std::ptrdiff_t>(mapped.Count()), mapped.Data(),
+                   p_record_of);
+    _attributes.push_back({p_location, buffer});
+  };
+  add(PlaceLocation, [](const Instance& p_i) { return ToRecord(p_i.place); });
+  add(MeasureLocation, [](const Instance& p_i) { return ToRecord({p_i.size, p_i.value, 0}); });
+  add(AxisXLocation, [](const Instance& p_i) { return ToRecord(p_i.turn * Vector3_Base<double>(1, 0, 0)); });
+  add(AxisYLocation, [](const Instance& p_i) { return ToRecord(p_i.turn * Vector3_Base<double>(0, 1, 0)); });
+  return _attributes;
+}
+
+void InstancePainter::Draw(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, InstanceBuffers& p_instances,
+                           const Library::ColorMap& p_colors) {
+  const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
+  p_colors(p_gl, RGL_TEXTURE0);
+  DrawInstances(p_gl, Made(_colored, p_gl, FragmentText), p_model, p_instances);
+}
+
+void InstancePainter::DrawDepths(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, InstanceBuffers& p_instances) {
+  DrawInstances(p_gl, Made(_packed, p_gl, PackedDepthText()), p_model, p_instances);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -10,6 +10,8 @@
 #include "platform/types/Matrix.h"
 #include "platform/types/Vector.h"
 
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace Vek::Chart::Gallery {
@@ -23,16 +25,17 @@ struct Instance {
   Types::Matrix3 turn;
 };
 
-/// Instances in GPU buffers.
+/// Instances that go to GPU buffers when they are drawn first.
 class InstanceBuffers {
 public:
-  InstanceBuffers(Utility::Scoped<Rgl>& p_gl, const std::vector<Instance>& p_instances);
+  explicit InstanceBuffers(std::vector<Instance> p_instances)
+      : _instances(std::move(p_instances)) {}
 
-  unsigned int Count() const { return _count; }
-  const std::vector<Ogl::BufferDraw::InstanceAttribute>& Attributes() const { return _attributes; }
+  unsigned int Count() const { return static_cast<unsigned int>(_instances.size()); }
+  const std::vector<Ogl::BufferDraw::InstanceAttribute>& Attributes(Utility::Scoped<Rgl>& p_gl);
 
 private:
-  unsigned int _count;
+  std::vector<Instance> _instances;
   std::vector<Ogl::BufferDraw::InstanceAttribute> _attributes;
 };
 
@@ -43,18 +46,20 @@ struct Mesh {
   Types::BoundingBox_Base<double> box;
 };
 
-/// The shader that draws all instances of a model in one call, each pixel lit by GL's light 0 (see Light). Surfaces are
-/// lit on both sides; lines, which have no normals, shine by themselves.
+/// The shaders that draw all instances of a model in one call. The model is moved to the middle of its box and scaled
+/// to a diagonal of 1 before the instances place it. A shader is made when it is used first.
 class InstancePainter {
 public:
-  explicit InstancePainter(Utility::Scoped<Rgl>& p_gl);
-
-  /// The model is moved to the middle of its box and scaled to a diagonal of 1 before the instances place it.
-  void Draw(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, const InstanceBuffers& p_instances,
-            const Library::ColorMap& p_colors) const;
+  /// Each pixel is lit by GL's light 0 (see Light). Surfaces are lit on both sides; lines, which have no normals, shine
+  /// by themselves.
+  void Draw(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, InstanceBuffers& p_instances,
+            const Library::ColorMap& p_colors);
+  /// Each pixel gets its depth, packed by DepthCodec (see DepthPass).
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, InstanceBuffers& p_instances);
 
 private:
-  Ogl::ShaderProgram _program;
+  std::optional<Ogl::ShaderProgram> _colored;
+  std::optional<Ogl::ShaderProgram> _packed;
 };
 
 } // namespace Vek::Chart::Gallery

@@ -1,28 +1,30 @@
 #include "examples/scene/ModelFile.h"
 
-#include "examples/scene/Files.h"
 #include "examples/scene/ReportCounter.h"
 #include "examples/scene/TextTable.h"
 
-#include "platform/file/FilePath.h"
-
+#include <algorithm>
 #include <exception>
 
 namespace Vek::Chart::Gallery {
 
-Mesh LoadModelFile(Library::SymbolRegistry& p_registry, const std::string& p_path) {
-  OpenInput(p_path); // a missing file would be an empty model
+boost::shared_ptr<const Library::ObjModel> ReadModelFile(const std::string& p_path, Loading& p_loading) {
+  const std::unique_ptr<std::istream> stream = p_loading.Open(p_path);
   const ReportCounter reports;
+  boost::shared_ptr<const Library::ObjModel> model;
   try {
-    p_registry.LoadModel(p_path);
+    model = Library::LoadPolygonObj(*stream);
   } catch (const std::exception& error) {
     throw InputError(p_path + ": cannot be read as an OBJ model: " + error.what());
   }
+  p_loading.CheckCancelled(); // which the reader may take for the end of the file
   if (reports.Indices() != 0)
     throw InputError(p_path + ": expected an OBJ model whose faces count their vertices and normals from 1");
-  if (reports.Others() != 0)
+  const auto is_empty = [](const auto& p_group) { return p_group->indices.empty(); };
+  if (reports.Others() != 0 || model->Vertices()->empty() ||
+      std::all_of(model->Groups()->begin(), model->Groups()->end(), is_empty))
     throw InputError(p_path + ": expected an OBJ model of triangles or lines, and of nothing else");
-  return {p_registry.GetVertexBuffer(p_path), p_registry.GetIndexBuffer(p_path), p_registry.GetBoundingBox(p_path)};
+  return model;
 }
 
 } // namespace Vek::Chart::Gallery

@@ -1,15 +1,17 @@
 #pragma once
 
-#include "examples/scene/Instances.h"
+#include "examples/scene/Loading.h"
 
-#include "library/SymbolRegistry.h"
+#include "library/ObjModel.h"
+
+#include <boost/shared_ptr.hpp>
 
 #include <string>
 
 namespace Vek::Chart::Gallery {
 
-/// Loads an OBJ file of the user's into the registry. Throws InputError when it is not a model of triangles or lines
-/// that the library reads without a report.
-Mesh LoadModelFile(Library::SymbolRegistry& p_registry, const std::string& p_path);
+/// Reads an OBJ file of the user's. Throws InputError when it is not a model of triangles or lines that the library
+/// reads without a report.
+boost::shared_ptr<const Library::ObjModel> ReadModelFile(const std::string& p_path, Loading& p_loading);
 
 } // namespace Vek::Chart::Gallery

@@ -1,6 +1,5 @@
 #include "examples/scene/Quakes.h"
 
-#include "examples/scene/Files.h"
 #include "examples/scene/TextTable.h"
 
 namespace Vek::Chart::Gallery {
@@ -23,9 +22,8 @@ std::vector<Quake> ReadQuakes(std::istream& p_stream, const std::string& p_name)
   return quakes;
 }
 
-std::vector<Quake> ReadQuakesFile(const std::string& p_path) {
-  std::ifstream stream = OpenInput(p_path);
-  return ReadQuakes(stream, p_path);
+std::vector<Quake> ReadQuakesFile(const std::string& p_path, Loading& p_loading) {
+  return ReadQuakes(*p_loading.Open(p_path), p_path);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "examples/scene/Loading.h"
+
 #include <istream>
 #include <string>
 #include <vector>
@@ -18,6 +20,6 @@ struct Quake {
 /// Reads comma-separated values with the columns lon, lat, depth_km, mag and, optionally, place. Events whose magnitude
 /// is not given are left out. Throws InputError when the text is something else or names no event.
 std::vector<Quake> ReadQuakes(std::istream& p_stream, const std::string& p_name);
-std::vector<Quake> ReadQuakesFile(const std::string& p_path);
+std::vector<Quake> ReadQuakesFile(const std::string& p_path, Loading& p_loading);
 
 } // namespace Vek::Chart::Gallery

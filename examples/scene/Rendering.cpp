@@ -50,7 +50,8 @@ QImage RenderScene(const SceneEntry& p_entry, const Inputs& p_inputs, Types::Siz
   {
     Utility::Scoped<Rgl> gl(context.Handle());
     context.BindFrameBuffer();
-    const std::unique_ptr<Scene> scene = p_entry.make(gl, p_inputs);
+    Loading loading;
+    const std::unique_ptr<Scene> scene = p_entry.load(p_inputs, loading);
     const Types::Viewport<0> viewport(0, 0, static_cast<float>(large.width), static_cast<float>(large.height));
     scene->Draw(gl, {scene->StartCamera(), viewport});
     gl->CheckError(p_entry.name);

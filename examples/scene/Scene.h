@@ -1,11 +1,15 @@
 #pragma once
 
 #include "examples/scene/Camera.h"
+#include "examples/scene/Loading.h"
 
 #include "platform/ogl/Rgl.h"
 #include "platform/types/Viewport.h"
 #include "platform/utility/Scope.h"
 
+#include <QColor>
+
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,8 +40,11 @@ struct Inputs {
   std::string flow;     ///< a vector grid of the user's; may be empty
 };
 
-/// One picture: it loads what it shows when it is made, and draws it as often as asked. GL objects belong to the
-/// context that was current when it was made, which must be current when it is drawn and when it ends.
+/// One picture: it has read and computed what it shows when it is made, without any GL, and draws it as often as asked.
+///
+/// GL objects are made by the first call that takes a scope, and belong to the context that is current then. It must be
+/// current for each further call that is not const, and when the scene ends. Before that call a scene belongs to no
+/// thread: it may be made on one, shown on another, or dropped.
 class Scene {
 public:
   Scene() = default;
@@ -49,6 +56,28 @@ public:
   virtual Camera StartCamera() const = 0;
   /// Fills the viewport: background, scene and legends. GL state is left as it was found.
   virtual void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) = 0;
+
+  // What an interactive program may offer; not every scene has all of it.
+
+  /// Whether there are surfaces that can be pointed at.
+  virtual bool HasSurfaces() const { return false; }
+  /// The part of the view that shows them.
+  virtual Types::Viewport<0> SurfaceViewport(const View& p_view) const { return p_view.viewport; }
+  /// Draws the surfaces so that each pixel gets its depth packed by DepthCodec; to be called within DepthPass::Draw,
+  /// whose shader does that for all surfaces without a shader of their own. `p_view.viewport` is what SurfaceViewport
+  /// returned: it gives the projection its form, but GL's viewport is the caller's.
+  virtual void DrawSurfaces(Utility::Scoped<Rgl>&, const View&) {}
+
+  /// Whether the scene colours values by a map that can be exchanged.
+  virtual bool TakesColors() const { return false; }
+  /// Colours values by this list from now on, interpolated. An empty list brings the scene's own colours back.
+  virtual void SetColors(const std::vector<QColor>&) {}
+
+  /// The names of the glyphs that the scene can show its values with; empty when there is no choice. The first one is
+  /// the scene's own.
+  virtual std::vector<std::string> Shapes() const { return {}; }
+  /// Takes the glyph of that index from now on; one that is not there changes nothing.
+  virtual void SetShape(std::size_t) {}
 };
 
 /// How a scene is listed.
@@ -56,8 +85,9 @@ struct SceneEntry {
   std::string name;    ///< of the picture file, and of the option --only
   std::string caption; ///< one or two sentences for the reader of the gallery
   std::string source;  ///< the file that makes it, from the root of the project
-  /// Throws InputError when an input is not what the scene needs.
-  std::unique_ptr<Scene> (*make)(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs);
+  /// Reads and computes what the scene shows; on any thread, since it needs no GL. Throws InputError when an input is
+  /// not what the scene needs, and Cancelled.
+  std::unique_ptr<Scene> (*load)(const Inputs& p_inputs, Loading& p_loading);
   /// Whether a picture shows single pixels, such as those of stipples, and must not be smoothed.
   bool true_pixels = false;
 };

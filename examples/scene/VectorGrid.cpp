@@ -1,6 +1,5 @@
 #include "examples/scene/VectorGrid.h"
 
-#include "examples/scene/Files.h"
 #include "examples/scene/TextTable.h"
 
 #include <algorithm>
@@ -112,9 +111,8 @@ VectorGrid VectorGrid::Read(std::istream& p_stream, const std::string& p_name) {
   return VectorGrid(header.counts, header.origin, header.spacing, std::move(vectors));
 }
 
-VectorGrid VectorGrid::ReadFile(const std::string& p_path) {
-  std::ifstream stream = OpenInput(p_path);
-  return Read(stream, p_path);
+VectorGrid VectorGrid::ReadFile(const std::string& p_path, Loading& p_loading) {
+  return Read(*p_loading.Open(p_path), p_path);
 }
 
 bool VectorGrid::At(const Vector& p_place, Vector& p_vector) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "examples/scene/Loading.h"
+
 #include "platform/types/Vector.h"
 
 #include <array>
@@ -25,7 +27,7 @@ public:
   /// and 1 1 1), then a table of comma-separated values with a header that names the columns u, v and w, one row a
   /// node, x fastest, then y. Further columns are passed over. Throws InputError when the text is anything else.
   static VectorGrid Read(std::istream& p_stream, const std::string& p_name);
-  static VectorGrid ReadFile(const std::string& p_path);
+  static VectorGrid ReadFile(const std::string& p_path, Loading& p_loading);
 
   /// The vector at a place, linear between the nodes around it; false, and nothing written, beyond the border.
   bool At(const Vector& p_place, Vector& p_vector) const;

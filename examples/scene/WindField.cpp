@@ -1,6 +1,5 @@
 #include "examples/scene/WindField.h"
 
-#include "examples/scene/Files.h"
 #include "examples/scene/TextTable.h"
 
 #include "platform/types/Angle.h"
@@ -60,9 +59,8 @@ WindField WindField::Read(std::istream& p_stream, const std::string& p_name) {
   return field;
 }
 
-WindField WindField::ReadFile(const std::string& p_path) {
-  std::ifstream stream = OpenInput(p_path);
-  return Read(stream, p_path);
+WindField WindField::ReadFile(const std::string& p_path, Loading& p_loading) {
+  return Read(*p_loading.Open(p_path), p_path);
 }
 
 bool WindField::IsGlobal() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "examples/scene/Loading.h"
+
 #include <cstddef>
 #include <istream>
 #include <string>
@@ -29,7 +31,7 @@ struct WindField {
   ///   as weather reports give it.
   /// Throws InputError when the text is neither, or holds no wind at all.
   static WindField Read(std::istream& p_stream, const std::string& p_name);
-  static WindField ReadFile(const std::string& p_path);
+  static WindField ReadFile(const std::string& p_path, Loading& p_loading);
 
   /// True when the longitudes go around the globe.
   bool IsGlobal() const;

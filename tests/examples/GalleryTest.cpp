@@ -125,9 +125,8 @@ struct Shot {
 Shot Shoot(const std::string& p_name, Types::Size p_size, const Inputs& p_inputs = DataInputs()) {
   Shot shot;
   shot.image = RenderScene(Entry(p_name), p_inputs, p_size);
-  Ogl::OffscreenContext context(Types::Size(16, 16));
-  Utility::Scoped<Rgl> gl(context.Handle());
-  shot.camera = Entry(p_name).make(gl, p_inputs)->StartCamera();
+  Loading loading;
+  shot.camera = Entry(p_name).load(p_inputs, loading)->StartCamera();
   return shot;
 }
 

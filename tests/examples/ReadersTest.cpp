@@ -29,8 +29,12 @@ auto ReadText(Reader p_reader, const std::string& p_text) {
   return p_reader(stream, "in.txt");
 }
 
-std::string DataFile(const std::string& p_name) {
-  return std::string(VEK_SOURCE_DIR) + "/data/" + p_name;
+template <class Reader>
+auto FromFile(Reader p_reader, const std::string& p_name) {
+  Loading loading;
+  auto result = p_reader(std::string(VEK_SOURCE_DIR) + "/data/" + p_name, loading);
+  EXPECT_EQ(loading.Progress(), 1) << p_name;
+  return result;
 }
 
 struct Bad {
@@ -90,8 +94,9 @@ TEST(Readers, BadFilesAreNamedWithTheirLine) {
 }
 
 TEST(Readers, MissingFilesAndFoldersAreNamed) {
-  EXPECT_EQ(ErrorOf([] { WindField::ReadFile("no/such.csv"); }), "no/such.csv: no such file");
-  EXPECT_EQ(ErrorOf([] { HeightField::ReadFile(VEK_SOURCE_DIR); }),
+  Loading loading;
+  EXPECT_EQ(ErrorOf([&] { WindField::ReadFile("no/such.csv", loading); }), "no/such.csv: no such file");
+  EXPECT_EQ(ErrorOf([&] { HeightField::ReadFile(VEK_SOURCE_DIR, loading); }),
             std::string(VEK_SOURCE_DIR) + ": expected a file, got a folder");
 }
 
@@ -117,7 +122,7 @@ TEST(HeightField, InterpolatesBetweenCellCentres) {
 
 // Known places tell a field that lies upside down, mirrored or shifted.
 TEST(HeightField, TheEarthIsWhereItBelongs) {
-  const HeightField earth = HeightField::ReadFile(DataFile("etopo60.txt"));
+  const HeightField earth = FromFile(HeightField::ReadFile, "etopo60.txt");
   EXPECT_GT(earth.At(88, 33), 4500) << "Tibet";
   EXPECT_GT(earth.At(-68, -17), 3500) << "Andes";
   EXPECT_GT(earth.At(-40, 72), 2000) << "Greenland";
@@ -139,7 +144,7 @@ TEST(WindField, DirectionIsWhereTheWindComesFrom) {
 }
 
 TEST(WindField, TheWorldsWindsBlowAsTheyDoAndThinEvenly) {
-  const WindField field = WindField::ReadFile(DataFile("noaa_navy_winds_1987-01.csv"));
+  const WindField field = FromFile(WindField::ReadFile, "noaa_navy_winds_1987-01.csv");
   EXPECT_EQ(field.winds.size(), 144u * 73u);
   EXPECT_TRUE(field.IsGlobal());
   double westerlies = 0;
@@ -172,5 +177,5 @@ TEST(Quakes, ReadsEventsAndSkipsUnknownMagnitudes) {
   EXPECT_EQ(quakes[0].lat, 34.25);
   EXPECT_EQ(quakes[0].depth, 26.5);
   EXPECT_EQ(quakes[0].magnitude, 2);
-  EXPECT_EQ(ReadQuakesFile(DataFile("earthquakes.csv")).size(), 1707u);
+  EXPECT_EQ(FromFile(ReadQuakesFile, "earthquakes.csv").size(), 1707u);
 }
