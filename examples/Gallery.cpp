@@ -1,5 +1,6 @@
 // vek-gallery: draws all scenes off-screen and writes them as pictures with a page that shows them.
 
+#include "examples/scene/DataFolder.h"
 #include "examples/scene/OffscreenQt.h"
 #include "examples/scene/Options.h"
 #include "examples/scene/Rendering.h"
@@ -17,19 +18,6 @@ using namespace Vek::Chart::Gallery;
 
 constexpr int ExitInput = 1;
 constexpr int ExitUsage = 2;
-
-Options Defaults() {
-  const std::string root = VEK_SOURCE_DIR;
-  Options options;
-  options.inputs.winds = root + "/data/noaa_navy_winds_1987-01.csv";
-  options.inputs.relief = root + "/data/etopo60.txt";
-  options.inputs.quakes = root + "/data/earthquakes.csv";
-  options.inputs.symbols = root + "/symbols";
-  options.inputs.salinity = root + "/data/ocean_salinity.txt";
-  options.inputs.hdr = root + "/data/sky.hdr";
-  options.inputs.sprites = root + "/sprites";
-  return options;
-}
 
 void MakePicture(const SceneEntry& p_entry, const Options& p_options) {
   using Clock = std::chrono::steady_clock;
@@ -73,11 +61,12 @@ void MakeGallery(const Options& p_options) {
 
 int main(int argc, char** argv) {
   try {
-    const Options options = ParseOptions({argv + 1, argv + argc}, Defaults());
+    Options options = ParseOptions({argv + 1, argv + argc}, {});
     if (options.help) {
       std::fputs(HelpText().c_str(), stdout);
       return 0;
     }
+    FillFromFolder(options.inputs, DataFolder(options.data, ThisProgram()));
     StartOffscreenQt();
     MakeGallery(options);
     return 0;

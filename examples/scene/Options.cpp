@@ -49,6 +49,8 @@ constexpr Option AllOptions[] = {
      [](Options& p_options, const std::string& p_value) { p_options.only.push_back(CheckedName(p_value)); }},
     {"--size", "WxH", "pixels of a picture (1600x1000)",
      [](Options& p_options, const std::string& p_value) { p_options.size = ParseSize(p_value); }},
+    {"--data", "FOLDER", "the folder with data/, symbols/ and sprites/ (found from the program's own place)",
+     [](Options& p_options, const std::string& p_value) { p_options.data = p_value; }},
     {"--winds", "FILE", "winds of your own: columns lon,lat,u,v or longitude,latitude,dir,speed (dir: where from)",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.winds = p_value; }},
     {"--quakes", "FILE", "earthquakes of your own: a table with the columns lon,lat,depth_km,mag",

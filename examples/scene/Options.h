@@ -16,6 +16,7 @@ struct Options {
   std::string out = "gallery";
   std::vector<std::string> only; ///< names of pictures; empty for all
   Types::Size size{1600, 1000};
+  std::string data; ///< the folder with the gallery's own files; empty for the one that belongs to the program
   Inputs inputs;
 };
 

@@ -1,0 +1,98 @@
+#include "examples/scene/DataFolder.h"
+#include "examples/scene/TextTable.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+using namespace Vek::Chart::Gallery;
+namespace fs = std::filesystem;
+
+namespace {
+
+/// An empty folder of the test's own that goes with it.
+class Prefix {
+public:
+  Prefix() {
+    std::string name = (fs::temp_directory_path() / "vek-data-XXXXXX").string();
+    if (mkdtemp(name.data()) != nullptr)
+      path = fs::canonical(name);
+  }
+  ~Prefix() { fs::remove_all(path); }
+  /// A data folder at a place below it; without the part that is named.
+  void Fill(const std::string& p_place, const std::string& p_without = "") const {
+    for (const std::string part : {"data", "symbols", "sprites"})
+      if (part != p_without)
+        fs::create_directories(path / p_place / part);
+  }
+  fs::path path;
+};
+
+} // namespace
+
+TEST(DataFolder, IsTheNearestAboveTheProgram) {
+  const std::string share = "share/vek-chart-library";
+  const struct {
+    const char* name;
+    std::vector<std::string> filled;
+    const char* program;
+    std::string found; ///< empty for an error
+  } cases[] = {
+      {"installed", {share}, "bin/vek-gallery", share},
+      {"installed deeper", {share}, "lib/games/bin/vek-gallery", share},
+      {"not yet there", {share}, "away/vek-gallery", share},
+      {"two prefixes", {share, "opt/" + share}, "opt/bin/vek-gallery", "opt/" + share},
+      {"other names", {"share/other", "data"}, "bin/vek-gallery", ""},
+  };
+  for (const auto& row : cases) {
+    const Prefix prefix;
+    for (const std::string& place : row.filled)
+      prefix.Fill(place);
+    fs::path found;
+    try {
+      found = DataFolder("", prefix.path / row.program);
+    } catch (const InputError&) {
+    }
+    EXPECT_EQ(found, row.found.empty() ? fs::path() : prefix.path / row.found) << row.name;
+  }
+}
+
+TEST(DataFolder, FollowsALinkToTheProgram) {
+  const Prefix prefix, elsewhere;
+  prefix.Fill("share/vek-chart-library");
+  fs::create_directories(prefix.path / "bin");
+  std::ofstream(prefix.path / "bin/vek-gallery");
+  fs::create_symlink(prefix.path / "bin/vek-gallery", elsewhere.path / "gallery");
+  EXPECT_EQ(DataFolder("", elsewhere.path / "gallery"), prefix.path / "share/vek-chart-library");
+}
+
+TEST(DataFolder, ErrorsSayWhereItLooked) {
+  const Prefix prefix;
+  prefix.Fill("mine");
+  prefix.Fill("partial", "sprites");
+  EXPECT_EQ(DataFolder(prefix.path / "mine", "/nowhere/vek-gallery"), prefix.path / "mine");
+  const auto error_of = [](const fs::path& p_chosen, const fs::path& p_program) -> std::string {
+    try {
+      return DataFolder(p_chosen, p_program).string();
+    } catch (const InputError& error) {
+      return error.what();
+    }
+  };
+  EXPECT_EQ(error_of(prefix.path / "partial", "/nowhere/vek-gallery"),
+            (prefix.path / "partial").string() + ": no folder with data/, symbols/ and sprites/");
+  EXPECT_EQ(error_of("", "/nowhere/bin/vek-gallery"),
+            "no folder with data/, symbols/ and sprites/ was found; looked at /nowhere/bin/share/vek-chart-library, "
+            "/nowhere/share/vek-chart-library, /share/vek-chart-library; --data FOLDER names one elsewhere");
+}
+
+TEST(DataFolder, FillsWhatIsNotNamed) {
+  Inputs inputs;
+  inputs.winds = "mine.csv";
+  FillFromFolder(inputs, DataFolder("", ThisProgram()));
+  EXPECT_EQ(inputs.winds, "mine.csv");
+  EXPECT_TRUE(fs::equivalent(inputs.symbols, VEK_SOURCE_DIR "/symbols"));
+  EXPECT_TRUE(fs::equivalent(inputs.sprites, VEK_SOURCE_DIR "/sprites"));
+  for (const std::string& file : {inputs.relief, inputs.quakes, inputs.salinity, inputs.hdr})
+    EXPECT_TRUE(fs::is_regular_file(file)) << file;
+  EXPECT_EQ(inputs.model, "") << "there is none but the user's";
+}
