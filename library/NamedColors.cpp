@@ -1,0 +1,101 @@
+#include "library/NamedColors.h"
+
+#include "library/private/NamedColorTables.h"
+#include "platform/debug/Check.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace Vek::Chart::Library {
+
+namespace {
+
+const char* const ColorsSignature =
+    "class std::vector<class QColor,class std::allocator<class QColor> > __cdecl "
+    "Vek::Chart::Library::NamedColors::Colors(const class std::basic_string<char,struct std::char_traits<char>,class "
+    "std::allocator<char> > &)";
+const char* const PartSignature =
+    "class std::vector<class QColor,class std::allocator<class QColor> > __cdecl "
+    "Vek::Chart::Library::NamedColors::Colors(const class std::basic_string<char,struct std::char_traits<char>,class "
+    "std::allocator<char> > &,int,double,double)";
+
+template <std::size_t Count>
+std::vector<QColor> Listed(const std::array<std::uint32_t, Count>& p_table) {
+  return {p_table.begin(), p_table.end()};
+}
+
+std::vector<QColor> Grey() {
+  std::vector<QColor> colors;
+  for (int level = 0; level < 256; ++level)
+    colors.emplace_back(level, level, level);
+  return colors;
+}
+
+struct Named {
+  const char* name;
+  std::vector<QColor> (*colors)();
+};
+constexpr Named Maps[] = {
+    {"viridis", [] { return Listed(Private::Viridis); }},   {"plasma", [] { return Listed(Private::Plasma); }},
+    {"inferno", [] { return Listed(Private::Inferno); }},   {"magma", [] { return Listed(Private::Magma); }},
+    {"cividis", [] { return Listed(Private::Cividis); }},   {"grey", Grey},
+    {"coolwarm", [] { return Listed(Private::CoolWarm); }},
+};
+
+std::vector<QColor> Find(const std::string& p_name, const char* p_signature) {
+  std::string names;
+  for (const Named& map : Maps) {
+    if (p_name == map.name)
+      return map.colors();
+    names += (names.empty() ? "" : ", ") + std::string(map.name);
+  }
+  vekdebug::fail_ensure("colour map \"" + p_name + "\" is one of " + names, p_signature);
+  return {};
+}
+
+double Clamped(double p_place) {
+  return p_place >= 0 ? std::min(p_place, 1.0) : 0.0;
+}
+
+QColor Blend(const QColor& p_a, const QColor& p_b, double p_t) {
+  const auto blend = [p_t](double p_from, double p_to) { return p_from * (1 - p_t) + p_to * p_t; };
+  return QColor::fromRgbF(blend(p_a.redF(), p_b.redF()), blend(p_a.greenF(), p_b.greenF()),
+                          blend(p_a.blueF(), p_b.blueF()));
+}
+
+/// The colour at a place in [0, 1] of a list of at least two.
+QColor At(const std::vector<QColor>& p_colors, double p_place) {
+  const double position = p_place * static_cast<double>(p_colors.size() - 1);
+  const std::size_t index = std::min(static_cast<std::size_t>(position), p_colors.size() - 2);
+  return Blend(p_colors[index], p_colors[index + 1], position - static_cast<double>(index));
+}
+
+} // namespace
+
+const std::vector<std::string>& NamedColors::Names() {
+  static const std::vector<std::string> names = [] {
+    std::vector<std::string> list;
+    for (const Named& map : Maps)
+      list.emplace_back(map.name);
+    return list;
+  }();
+  return names;
+}
+
+std::vector<QColor> NamedColors::Colors(const std::string& p_name) {
+  return Find(p_name, ColorsSignature);
+}
+
+std::vector<QColor> NamedColors::Colors(const std::string& p_name, int p_count, double p_from, double p_to) {
+  VEK_ENSURE(0 <= p_from && p_from <= 1, PartSignature);
+  VEK_ENSURE(0 <= p_to && p_to <= 1, PartSignature);
+  const std::vector<QColor> map = Find(p_name, PartSignature);
+  const double from = Clamped(p_from), to = Clamped(p_to);
+  std::vector<QColor> colors;
+  for (int i = 0; i < p_count && !map.empty(); ++i)
+    colors.push_back(At(map, from + (to - from) * i / std::max(p_count - 1, 1)));
+  return colors;
+}
+
+} // namespace Vek::Chart::Library
