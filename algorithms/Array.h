@@ -25,7 +25,8 @@ class Array;
 template <class T>
 class VEK_ALGORITHMS_API Array<T, 0> {
 public:
-  Array() = default;
+  Array() = default; ///< Empty.
+  /// A view of `p_count` scalars from `p_data` on. Copies of `p_owner` are held as long as views of the data are.
   Array(const T* p_data, const std::uint64_t p_count, boost::shared_ptr<const void> p_owner = {})
       : _data(p_data)
       , _end(p_data == nullptr ? nullptr : p_data + p_count)
@@ -40,8 +41,11 @@ public:
 
   /// The number of scalars.
   std::uint64_t size() const { return _count; }
+  ///@{
+  /// The scalars as a range; null pointers when empty.
   const T* begin() const { return _data; }
   const T* end() const { return _end; }
+  ///@}
 
 private:
   static std::string AccessSignature() {
@@ -77,7 +81,8 @@ public:
     T* _element;
   };
 
-  Array() = default;
+  Array() = default; ///< Empty.
+  /// A view of `p_count` elements from `p_data` on.
   Array(T* p_data, const std::uint64_t p_count)
       : _data(p_data)
       , _end(p_data == nullptr ? nullptr : p_data + p_count)
@@ -115,8 +120,10 @@ extern template class VEK_ALGORITHMS_API Array<Ogl::Attribute<Ogl::Vec1<unsigned
 
 } // namespace Vek::Chart::DataInterface
 
+/// In signatures.
 template <class T, int Access>
 struct vekdebug::TypeName<Vek::Chart::DataInterface::Array<T, Access>> {
+  /// As it stands in a signature.
   static std::string text() {
     return "class Vek::Chart::DataInterface::Array<" + TypeName<T>::text() + "," + std::to_string(Access) + ">";
   }

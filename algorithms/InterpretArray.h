@@ -20,8 +20,10 @@
 #include <type_traits>
 #include <vector>
 
+/// In signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::BufferPool::WriteArray<T>> {
+  /// As it stands in a signature.
   static std::string text() { return "class Vek::Chart::Ogl::BufferPool::WriteArray<" + TypeName<T>::text() + " >"; }
 };
 
@@ -32,29 +34,29 @@ struct vekdebug::TypeName<Vek::Chart::Ogl::BufferPool::WriteArray<T>> {
 /// without sign, double becomes the nearest float (infinity beyond the float range), float is copied, and of a bool
 /// the stored byte is kept, whatever it is.
 ///
-///     const DataInterface::Array<double, 0> source(values, 3 * count);
-///     std::vector<boost::array<float, 3>> positions(count);
-///     InterpretArray<DataInterface::Array<double, 0>, DataInterface::Array<double, 0>>::CopyArrayToWithOffset<
-///         boost::array<float, 3>>(source, positions, 0);
+/// \snippet DataSnippetsTest.cpp InterpretArray
 namespace Vek::Chart::Algorithms {
 
 /// What a tuple type consists of: `Count` components of type `Scalar` and nothing else.
 template <class D>
 struct TupleTraits;
+/// A boost::array: its element type and its length.
 template <class U, std::size_t N>
 struct TupleTraits<boost::array<U, N>> {
-  using Scalar = U;
-  static constexpr std::size_t Count = N;
+  using Scalar = U;                       ///< the type of a component
+  static constexpr std::size_t Count = N; ///< components
 };
+/// One component, x.
 template <class U>
 struct TupleTraits<Ogl::Vec1<U>> {
-  using Scalar = U;
-  static constexpr std::size_t Count = 1;
+  using Scalar = U;                       ///< the type of a component
+  static constexpr std::size_t Count = 1; ///< components
 };
+/// Three components: x, y, z.
 template <class U>
 struct TupleTraits<Ogl::Vec3<U>> {
-  using Scalar = U;
-  static constexpr std::size_t Count = 3;
+  using Scalar = U;                       ///< the type of a component
+  static constexpr std::size_t Count = 3; ///< components
 };
 
 /// Converts `p_count` scalars that lie one after the other. Both sides must hold that many; they must not overlap.
@@ -65,9 +67,12 @@ void ConvertScalars(const S* p_source, const std::uint64_t p_count, U* p_dest) {
   if (p_count != 0)
     std::memcpy(p_dest, p_source, p_count * sizeof(U));
 }
+///@{
+/// As above, to another type: the nearest float, infinite beyond the float range; integers widened without sign.
 VEK_ALGORITHMS_API void ConvertScalars(const double* p_source, std::uint64_t p_count, float* p_dest);
 VEK_ALGORITHMS_API void ConvertScalars(const unsigned char* p_source, std::uint64_t p_count, unsigned int* p_dest);
 VEK_ALGORITHMS_API void ConvertScalars(const unsigned short* p_source, std::uint64_t p_count, unsigned int* p_dest);
+///@}
 
 /// Converts the scalars of `p_count` tuples that lie one after the other.
 template <class D, class S>
@@ -110,9 +115,11 @@ private:
 template <class Source, class View>
 class InterpretArray;
 
+/// Copies an array of scalars S.
 template <class S>
 class VEK_ALGORITHMS_API InterpretArray<DataInterface::Array<S, 0>, DataInterface::Array<S, 0>> {
 public:
+  /// What is copied from.
   using Source = DataInterface::Array<S, 0>;
 
   /// A source as a sequence of tuples D. It refers to the data of the source, which must outlive it.
@@ -125,7 +132,9 @@ public:
         , _count(p_source.size() / TupleTraits<D>::Count)
         , _read(InterpretedArrayConverter<S, D>(_data, _count)) {}
 
+    /// How many whole tuples the source holds.
     std::uint64_t size() const { return _count; }
+    /// Tuple `p_index`; as InterpretedArrayConverter.
     D operator[](const std::size_t p_index) const { return _read(p_index); }
     /// The first scalar.
     const S* Data() const { return _data; }

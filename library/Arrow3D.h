@@ -14,16 +14,21 @@ namespace Vek::Chart::Library {
 /// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
 /// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
 /// cannot make is reported and nothing is drawn.
+///
+/// \snippet DrawingSnippetsTest.cpp Arrow3D
+/// \image html shapes.jpg
+/// \ingroup drawables
 class VEK_LIBRARY_API Arrow3D {
 public:
   Types::Vector3_Base<double> position; ///< the tail
   double length = 1.0;                  ///< from the tail to the tip
   double headFraction = 0.3;            ///< the head's share of the length
-  double shaftRadius = 0.075;
-  double headRadius = 0.15;
-  std::uint32_t segments = 8; ///< slices around the axis
-  bool filled = true;         ///< the shaft as faces, or as lines
+  double shaftRadius = 0.075;           ///< of the cylinder
+  double headRadius = 0.15;             ///< of the cone's base
+  std::uint32_t segments = 8;           ///< slices around the axis
+  bool filled = true;                   ///< the shaft as faces, or as lines
 
+  /// Draws the arrow under a scope of its own on the handle.
   void operator()(const Utility::Unscoped<Rgl>& p_gl) const;
 };
 

@@ -13,12 +13,17 @@ namespace Vek::Chart::Library {
 /// transparent colour leaves out its part, and with both transparent nothing is sent to GL.
 ///
 /// The projection must map pixels to the viewport (`Rgl::PixelProjection`). Leaves the current colour changed.
+///
+/// \snippet DrawingSnippetsTest.cpp Box
+/// \image html shapes.jpg
+/// \ingroup drawables
 class VEK_LIBRARY_API Box {
 public:
-  Types::Viewport<0> rect;
-  QColor lineColor = Qt::black;
-  QColor fillColor = Qt::transparent;
+  Types::Viewport<0> rect;            ///< in pixels from the lower left of the window
+  QColor lineColor = Qt::black;       ///< of the outline
+  QColor fillColor = Qt::transparent; ///< of the area
 
+  /// Draws the rectangle under a scope of its own on the handle.
   void operator()(const Utility::Unscoped<Rgl>& p_gl) const;
 };
 

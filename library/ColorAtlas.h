@@ -28,8 +28,11 @@ class ColorAtlasImpl;
 
 /// Where the sub-tree of a colour lies in the atlas image: one run of texels that goes on at the left of the next row
 /// when a row is full. Pixels count from the left and from the top row of the image.
+///
+/// \ingroup colours
 class VEK_LIBRARY_API ColorCoords {
 public:
+  /// A column and a row of the atlas image, from its upper left.
   using Pixel = Ogl::Vec2<unsigned int>;
 
   /// Not placed yet.
@@ -62,29 +65,27 @@ private:
 /// become texture coordinates, instances become an offset that moves the coordinates of the instanced sub-tree onto the
 /// copy:
 ///
-///     ColorAtlas atlas;
-///     const unsigned int body = atlas.AddColor(Qt::red, atlas.RootAtlasId());
-///     const unsigned int edge = atlas.AddColor(Qt::black, body);
-///     const unsigned int blue = atlas.AddInstance(body, {{body, QColor(Qt::blue)}});
-///     atlas.BuildAtlas(gl);
-///     // texel of edge:  atlas.ColorAt(edge).coords.First();  in the copy: plus atlas.InstanceOffset(blue)
-///
 /// Broken preconditions are reported through the logger, and the operation goes on without the part that cannot be
 /// done: unknown ids yield an empty node, replacements outside the instanced sub-tree are left out, texels beyond the
 /// largest texture are not written. Copies share the texture and nothing else.
 ///
 /// Building takes time linear in the number of texels, for trees of any depth. Rendering thread only.
+///
+/// \snippet ColorSnippetsTest.cpp ColorAtlas
+/// \image html atlas.jpg
+/// \ingroup colours
 class VEK_LIBRARY_API ColorAtlas {
 public:
   /// Stands for "no parent".
   static constexpr unsigned int NoParent = 0xFFFFFFFF;
 
+  /// A colour of the tree, as it was added.
   struct ColorNode {
     unsigned int parent = NoParent;     ///< the parent's id
     std::vector<unsigned int> children; ///< ids, in the order in which they were added
-    QColor color = Qt::white;
-    ColorCoords coords;             ///< defined by BuildAtlas
-    unsigned int instanceCount = 0; ///< how many instances were made of this colour
+    QColor color = Qt::white;           ///< its own, before any replacement
+    ColorCoords coords;                 ///< defined by BuildAtlas
+    unsigned int instanceCount = 0;     ///< how many instances were made of this colour
   };
 
   /// What turns pixels of the atlas image into texture coordinates: (pixel × texel + centre). The first row of the
@@ -107,13 +108,16 @@ public:
   /// The node of a colour, or of the colour that an instance is made of. References stay valid while colours are added.
   /// An unknown id is reported and yields an empty node that belongs to no colour.
   ColorNode& ColorAt(unsigned int p_id);
+  /// The same for an atlas that must not change.
   const ColorNode& ColorAt(unsigned int p_id) const;
 
   /// What to add to the texture coordinates of the instanced sub-tree; the second component is negated, since rows
   /// count downwards and t upwards. Valid after BuildAtlas.
   Ogl::Vec2<float> InstanceOffset(unsigned int p_id) const;
 
+  /// The id of the root, which is the parent of all top-level colours.
   unsigned int RootAtlasId() const { return _rootId; }
+  /// How pixels become texture coordinates. Valid after BuildAtlas.
   const TexelSpace& TexelCoordSpace() const { return _texelSpace; }
   /// The laid-out picture; texels that no colour uses are red. Null before the first BuildAtlas.
   const QImage& AtlasImage() const { return _atlasImage; }

@@ -29,10 +29,9 @@ namespace Vek::Chart::Library {
 /// colour is dropped), "size > 0" for a list without colours. Such a map is empty: its size is 0, all its look-ups
 /// give the transparent colour (0, 0, 0, 0), and binding it uploads nothing.
 ///
-///     const ColorMap map({Qt::blue, Qt::white, Qt::red}, ColorMap::Interpolated);
-///     const QColor legend = map.Color(0.25);  // half-way from blue to white
-///     map(gl, RGL_TEXTURE0);                  // bound, uploaded if this is the first time
-///     gl->TexCoord(value, 0.5);
+/// \snippet ColorSnippetsTest.cpp ColorMap
+/// \image html wind.jpg
+/// \ingroup colours
 class VEK_LIBRARY_API ColorMap {
 public:
   /// How the colours fill the gradient. Any number is allowed; all but 1 make bands.
@@ -50,7 +49,9 @@ public:
   /// All colours weigh 1.
   ColorMap(const std::vector<QColor>& p_colors, ColorMap::Style p_style);
   ~ColorMap();
+  /// Shares texels and texture.
   ColorMap(const ColorMap&) = default;
+  /// As the copy.
   ColorMap& operator=(const ColorMap&) = default;
 
   /// Binds the gradient on the texture unit `p_unit` (a token: RGL_TEXTURE0 + n), which becomes the active one, with

@@ -15,16 +15,21 @@ namespace Vek::Chart::Library {
 /// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
 /// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
 /// cannot make is reported and nothing is drawn.
+///
+/// \snippet DrawingSnippetsTest.cpp Cylinder
+/// \image html shapes.jpg
+/// \ingroup drawables
 class VEK_LIBRARY_API Cylinder {
 public:
   Types::Vector3_Base<double> position; ///< the centre of the base
   double baseRadius = 1.0;              ///< at z = position.z
   double topRadius = 0.5;               ///< at z = position.z + height
-  double height = 1.0;
-  bool filled = true; ///< as faces, or as lines
-  std::uint32_t slices = 25;
-  std::uint32_t stacks = 25;
+  double height = 1.0;                  ///< along z; a negative one points to −z
+  bool filled = true;                   ///< as faces, or as lines
+  std::uint32_t slices = 25;            ///< around the axis
+  std::uint32_t stacks = 25;            ///< along the axis
 
+  /// Draws the cylinder under a scope of its own on the handle.
   void operator()(const Utility::Unscoped<Rgl>& p_gl) const;
 };
 

@@ -13,6 +13,10 @@ namespace Vek::Chart::Library {
 /// Each channel holds 8 further bits of the depth, as far as single precision has them: all arithmetic is in floats,
 /// and what is left of a channel is cut off, not rounded. Where a channel lands just below a whole number it loses that
 /// step, so that 0.123456 comes back as about 0.1195. Only static members; any thread may call them.
+///
+/// \snippet PickingSnippetsTest.cpp DepthCodec
+/// \image html picking.jpg
+/// \ingroup picking
 struct VEK_LIBRARY_API DepthCodec {
   /// How a render callback is to write depths.
   enum Encoding : int {

@@ -15,17 +15,22 @@ namespace Vek::Chart::Library {
 /// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
 /// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
 /// cannot make is reported and nothing is drawn.
+///
+/// \snippet DrawingSnippetsTest.cpp Disk
+/// \image html shapes.jpg
+/// \ingroup drawables
 class VEK_LIBRARY_API Disk {
 public:
   Types::Vector3_Base<double> position; ///< the centre
-  double innerRadius = 0.0;
-  double outerRadius = 0.0;
-  std::uint32_t slices = 25;
-  std::uint32_t loops = 1;
-  double startAngle = 0.0;   ///< degrees, clockwise from +y
-  double sweepAngle = 360.0; ///< degrees; exactly 360 draws the whole disk
-  bool filled = true;
+  double innerRadius = 0.0;             ///< of the hole; 0 for none
+  double outerRadius = 0.0;             ///< of the rim
+  std::uint32_t slices = 25;            ///< around the centre
+  std::uint32_t loops = 1;              ///< from the centre to the rim
+  double startAngle = 0.0;              ///< degrees, clockwise from +y
+  double sweepAngle = 360.0;            ///< degrees; exactly 360 draws the whole disk
+  bool filled = true;                   ///< as a face, or its silhouette as lines
 
+  /// Draws the disk under a scope of its own on the handle.
   void operator()(const Utility::Unscoped<Rgl>& p_gl) const;
 };
 

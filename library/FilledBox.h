@@ -16,19 +16,25 @@ namespace Vek::Chart::Library {
 /// its last column and row.
 ///
 /// The projection must map pixels to the viewport (`Rgl::PixelProjection`). Leaves the current colour changed.
+///
+/// \snippet DrawingSnippetsTest.cpp FilledBox
+/// \image html shapes.jpg
+/// \ingroup drawables
 class VEK_LIBRARY_API FilledBox {
 public:
+  /// What is filled.
   enum Mode : std::int32_t {
-    FillInner = 0, ///< as is any other number but 1
-    FillFrame = 1,
+    FillInner = 0, ///< the inner rectangle, outlined; as is any other number but 1
+    FillFrame = 1, ///< what lies between the rectangles, both outlined
   };
 
-  std::int32_t mode = FillInner;
-  Types::Viewport<0> outer;
-  Types::Viewport<0> inner;
-  QColor lineColor = Qt::black;
-  QColor fillColor = Qt::transparent;
+  std::int32_t mode = FillInner;      ///< a Mode
+  Types::Viewport<0> outer;           ///< in pixels from the lower left of the window
+  Types::Viewport<0> inner;           ///< in pixels; meant to lie within `outer`, which is not checked
+  QColor lineColor = Qt::black;       ///< of the outlines
+  QColor fillColor = Qt::transparent; ///< of the area
 
+  /// Draws under a scope of its own on the handle.
   void operator()(const Utility::Unscoped<Rgl>& p_gl) const;
 };
 

@@ -26,14 +26,22 @@ namespace Vek::Chart::Library {
 /// current normal (Voxel: the texture coordinate) changed. The lists belong to the context of the constructor's scope,
 /// which must be current when the object is destroyed. A quadric that GL cannot make is reported and leaves its list
 /// empty; a list that GL cannot make is reported and its shape draws nothing.
+///
+/// \snippet DrawingSnippetsTest.cpp Geometry
+/// \image html shapes.jpg
+/// \ingroup drawables
 class VEK_LIBRARY_API Geometry {
 public:
+  /// Records all shapes in the context of the handle.
   explicit Geometry(const Utility::Unscoped<Rgl>& p_gl);
   ~Geometry();
+  /// Copies share the lists.
   Geometry(const Geometry&) = default;
+  /// As the copy.
   Geometry& operator=(const Geometry&) = default;
 
-  // The scope only proves that one is open.
+  ///@{
+  /// Replays the unit shape of that name (see the table). The scope only proves that one is open.
   void Cube(const Utility::Scoped<Rgl>& p_gl) const;
   void Sphere(const Utility::Scoped<Rgl>& p_gl) const;
   void Cylinder(const Utility::Scoped<Rgl>& p_gl) const;
@@ -42,6 +50,7 @@ public:
   void CircularArrow(const Utility::Scoped<Rgl>& p_gl) const;
   void Ring(const Utility::Scoped<Rgl>& p_gl) const;
   void Voxel(const Utility::Scoped<Rgl>& p_gl) const;
+  ///@}
 
 private:
   boost::shared_ptr<Ogl::DisplayList> _cube;

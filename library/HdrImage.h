@@ -34,21 +34,27 @@ namespace Vek::Chart::Library {
 /// std::length_error.
 ///
 /// Copies share their pixels. No GPU state, no threads of its own.
+///
+/// \snippet ImageSnippetsTest.cpp HdrImage
+/// \image html hdr.jpg
+/// \ingroup images
 class VEK_LIBRARY_API HdrImage {
 public:
   /// A pixel as the file has it: the mantissas of red, green and blue, and the exponent that they share.
   struct VEK_LIBRARY_API Rgbe8 {
-    boost::array<unsigned char, 4> bytes{{0, 0, 0, 0}};
+    boost::array<unsigned char, 4> bytes{{0, 0, 0, 0}}; ///< red, green, blue, exponent
 
     /// Component 0 to 3. Any other index is reported; what is written there is lost.
     unsigned char& operator[](std::size_t p_index);
+    /// As above, for reading; any other index than 0 to 3 reads as 0.
     const unsigned char& operator[](std::size_t p_index) const;
   };
 
+  /// A pixel as it is handed out: linear, in the file's unit.
   struct Rgb32F {
-    float red = 0;
-    float green = 0;
-    float blue = 0;
+    float red = 0;   ///< 0 and more, as are the others
+    float green = 0; ///< of the same unit
+    float blue = 0;  ///< of the same unit
   };
 
   /// Reads a file from its first byte on. The stream must be binary; it is left behind the last byte of the picture
@@ -60,12 +66,16 @@ public:
   /// Reads another file into this image and all its copies.
   void Load(std::istream& p_stream);
 
+  /// Pixels a row.
   int Width() const;
+  /// Rows.
   int Height() const;
   /// The pixel at the offset y × width + x; rows are counted from the bottom. An offset outside the picture is reported
   /// ("offset < _state->pixels.size()"); it reads as 0, and what is written there is lost.
   const Rgb32F& Pixel(int p_x, int p_y) const;
+  /// As above, for writing.
   Rgb32F& Pixel(int p_x, int p_y);
+  /// All pixels, Width() × Height(), from the lower left one on.
   const std::vector<Rgb32F>& Pixels() const;
 
   /// The values of all header lines "name=value" with that name, in the order of the file.
@@ -78,6 +88,7 @@ public:
   /// Writes a portable float map (PF, little endian, scale 1, the bottom row first) and says so on standard output. A
   /// file that cannot be written gives a warning.
   void SaveAsPFM(const vekfile::filepath& p_path) const;
+  /// As above, to a binary stream; says nothing on standard output.
   void SaveAsPFM(std::ostream& p_stream) const;
 
 private:

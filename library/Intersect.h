@@ -18,10 +18,9 @@ namespace Vek::Chart::Library {
 /// so. An out argument may be one of the arguments that are read. All geometry is in double precision except where a
 /// member says otherwise. `epsilon` below is the machine epsilon of double, 2^-52.
 ///
-///     std::vector<Types::Vector3_Base<double>> slice; // kept from one cut to the next
-///     for (const Types::Plane& plane : planes)
-///       if (Intersect::Intersection(box, plane, slice))
-///         DrawPolygon(slice);
+/// \snippet DataSnippetsTest.cpp Intersect
+/// \image html volume.jpg
+/// \ingroup cuts
 class VEK_LIBRARY_API Intersect {
 public:
   /// The line in which two planes meet: a point on both, and as direction the cross product of the two normals,

@@ -8,8 +8,12 @@ namespace Vek::Chart::Library {
 
 /// The mip-map levels of a 2-D texture: level 0 is the whole picture, each further one half of it in both directions,
 /// rounded down and at least 1, down to 1 × 1.
+///
+/// \snippet PickingSnippetsTest.cpp MipInfo
+/// \ingroup picking
 class MipInfo {
 public:
+  /// The levels of a texture of `p_size` texels.
   explicit MipInfo(Types::Size p_size)
       : _size(p_size) {}
 

@@ -18,43 +18,48 @@ namespace Vek::Chart::Library {
 
 /// Polygon models in GPU buffers: reads each model file once and hands out, by a number, what is needed to draw it.
 ///
-///     ModelCache cache(context.Handle());
-///     const std::size_t id = cache.Register("models/ship.obj");
-///     const ModelCache::VertexBuffer vertices = cache.GetVertexBuffer(id);
-///     gl->BindBuffer(RGL_ARRAY_BUFFER, vertices.buffer.Name());
-///     // position i: 3 floats at vertices.positionOffset + i * vertices.positionStride
-///
 /// Ids count from 0 in the order of registration; nothing is ever removed. Each model has a vertex and an index buffer
 /// of its own. A copy of a cache shares the buffers registered so far. Buffers live as long as a cache or a record
 /// holds them; the context they were made in must be current when the last holder goes.
+///
+/// \snippet GlyphSnippetsTest.cpp ModelCache
+/// \image html earthquakes.jpg
+/// \ingroup glyphs
 class VEK_LIBRARY_API ModelCache {
 public:
+  /// The records of vertex buffers: three floats.
   using VertexRecord = Ogl::Attribute<Ogl::Vec3<float>>;
+  /// The records of index buffers: one unsigned 32-bit number.
   using IndexRecord = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
 
   /// The indices of all groups of a model, one group after the other, zero-based into the model's vertices; as the
   /// file has them, so those past the end (which were reported by the reader) are among them.
   struct IndexBuffer {
-    Ogl::VertexBuffer::PrimitiveType type = Ogl::VertexBuffer::Undecided;
-    std::uint32_t first = 0; ///< primitives before the model's; always 0
-    std::uint32_t count = 0; ///< primitives, not indices
-    Ogl::Buffer<IndexRecord> buffer;
+    Ogl::VertexBuffer::PrimitiveType type = Ogl::VertexBuffer::Undecided; ///< what the indices describe
+    std::uint32_t first = 0;                                              ///< primitives before the model's; always 0
+    std::uint32_t count = 0;                                              ///< primitives, not indices
+    Ogl::Buffer<IndexRecord> buffer;                                      ///< empty for a model without indices
   };
 
   /// Positions and normals of a model, three floats each: position 0, normal 0, position 1, …; without normals the
   /// positions alone. Strides and offsets are bytes.
   struct VertexBuffer {
-    enum Attributes : std::uint32_t { Positions = 1, Normals = 2 };
-    std::uint32_t attributes = 0; ///< bits of Attributes
-    std::uint32_t positionStride = 0;
-    std::uint32_t normalStride = 0; ///< 0 without normals
-    std::uint32_t positionOffset = 0;
-    std::uint32_t normalOffset = 0; ///< 0 without normals
-    Ogl::Buffer<VertexRecord> buffer;
+    /// What the records hold.
+    enum Attributes : std::uint32_t {
+      Positions = 1, ///< always, but for an empty model
+      Normals = 2,   ///< when the file has some
+    };
+    std::uint32_t attributes = 0;     ///< bits of Attributes
+    std::uint32_t positionStride = 0; ///< from one position to the next
+    std::uint32_t normalStride = 0;   ///< 0 without normals
+    std::uint32_t positionOffset = 0; ///< of position 0
+    std::uint32_t normalOffset = 0;   ///< 0 without normals
+    Ogl::Buffer<VertexRecord> buffer; ///< empty for a model without positions
   };
 
   /// An empty cache. Each registration opens a scope on the handle.
   explicit ModelCache(const Utility::Unscoped<Ogl::Rgl>& p_gl);
+  /// Shares the buffers registered so far; what is registered later belongs to one of the two.
   ModelCache(const ModelCache& p_other) = default;
 
   /// Reads a model with LoadPolygonObjFile, uploads it and returns its id: a new one each time, also for a path that
@@ -68,11 +73,11 @@ public:
   /// Uploads a model that was read before, on another thread for one, likewise.
   std::size_t Register(const ObjModel& p_model);
 
-  // What is stored under an id; an empty record, without a report, for an id that was never given.
-
   /// The box around the positions as the vertex buffer holds them, narrowed to float.
   Types::BoundingBox_Base<double> GetBoundingBox(std::size_t p_id) const;
+  /// The indices of a model, and what they describe; an empty record for an id that was never given.
   IndexBuffer GetIndexBuffer(std::size_t p_id) const;
+  /// The vertices of a model, and how they lie; an empty record for an id that was never given.
   VertexBuffer GetVertexBuffer(std::size_t p_id) const;
 
 private:

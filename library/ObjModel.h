@@ -15,15 +15,16 @@
 
 namespace Vek::Chart::Library {
 
-/// A polygon model in memory: positions, normals, and named groups of indices into them.
+/// A polygon model in memory, read from a Wavefront OBJ file by LoadPolygonObjFile: positions, normals, and named
+/// groups of indices into them.
 ///
 /// All arrays are held by shared ownership. A copy of a model shares the group list and both arrays with its source, so
 /// a change through one is seen through the other; primitive type and bounds are copied. A model that nobody changes
 /// may be read from several threads.
 ///
-///     boost::shared_ptr<ObjModel> model = LoadPolygonObjFile(symbols + "cone.obj");
-///     for (const auto& group : *model->Groups())
-///       Draw(model->PrimitiveType(), *model->Vertices(), *model->Normals(), group->indices);
+/// \snippet GlyphSnippetsTest.cpp ObjModel
+/// \image html symbols.jpg
+/// \ingroup glyphs
 class VEK_LIBRARY_API ObjModel {
 public:
   /// A part of the model.
@@ -33,12 +34,16 @@ public:
     /// what its file says; an index past the end of the vertices was reported when it was read.
     std::vector<std::uint32_t> indices;
   };
+  /// The groups in the order of the file.
   using GroupList = std::vector<boost::shared_ptr<ObjGroup>>;
+  /// Positions or normals, three floats each.
   using VertexArray = std::vector<Ogl::Attribute<Ogl::Vec3<float>>>;
 
   /// An undecided primitive type, no vertices, no normals, empty bounds, and the default group.
   ObjModel();
+  /// Shares groups and arrays with `p_other`.
   ObjModel(const ObjModel& p_other);
+  /// As the copy.
   ObjModel& operator=(const ObjModel& p_other);
   ~ObjModel();
 
@@ -53,15 +58,19 @@ public:
   boost::shared_ptr<VertexArray> Vertices() const { return _vertices; }
   /// The shared array of normals itself: empty, or one for each vertex; zero for a vertex that no face gave a normal.
   boost::shared_ptr<VertexArray> Normals() const { return _normals; }
+  /// Takes another array, shared with whoever hands it over. The bounds stay as they are.
   void SetVertices(const boost::shared_ptr<VertexArray>& p_vertices) { _vertices = p_vertices; }
+  /// Takes another array, shared with whoever hands it over.
   void SetNormals(const boost::shared_ptr<VertexArray>& p_normals) { _normals = p_normals; }
 
   /// The box around all positions, in double precision.
   const Types::BoundingBox_Base<double>& Bounds() const { return _bounds; }
+  /// Sets the bounds, which are not held against the positions.
   void SetBoundingBox(const Types::BoundingBox_Base<double>& p_bounds) { _bounds = p_bounds; }
 
   /// What the indices of all groups describe: Triangles, LineSegments, or Undecided while nothing is drawn.
   Ogl::VertexBuffer::PrimitiveType PrimitiveType() const { return _primitiveType; }
+  /// Sets what the indices describe; the indices stay as they are.
   void SetPrimitiveType(Ogl::VertexBuffer::PrimitiveType p_type) { _primitiveType = p_type; }
 
 private:
@@ -95,11 +104,15 @@ private:
 /// Such a line is read on: missing coordinates are 0, missing corners are left out, and an index is stored as read,
 /// minus 1, as unsigned number. An index outside the array gives no vertex a normal.
 ///
-/// Throws boost::bad_lexical_cast for a part that is no number, by the rules of boost::lexical_cast<double> and <int>
+/// Throws boost::bad_lexical_cast for a part that is no number, by the rules of boost::lexical_cast to double and int
 /// under the classic locale, whatever the process's locale is; std::out_of_range for a g line without name.
+///
+/// \ingroup glyphs
 VEK_LIBRARY_API boost::shared_ptr<ObjModel> LoadPolygonObjFile(const vekfile::filepath& p_path);
 
 /// As LoadPolygonObjFile, from a stream, which is read to its end.
+///
+/// \ingroup glyphs
 VEK_LIBRARY_API boost::shared_ptr<ObjModel> LoadPolygonObj(std::istream& p_stream);
 
 } // namespace Vek::Chart::Library

@@ -14,24 +14,30 @@ namespace Vek::Chart::Library {
 
 /// Maps the engine's pattern numbers to what GL draws them with: a line stipple, a polygon stipple or a point-sprite
 /// texture. Any number is allowed; the ones that have no row of their own are solid (for points: the rectangle).
+///
+/// \snippet ColorSnippetsTest.cpp Pattern
+/// \image html styles.jpg
+/// \ingroup colours
 class VEK_LIBRARY_API Pattern {
 public:
+  /// Line stipples; sixteen pixels at a line width of 1, then again.
   enum LinePattern : std::uint32_t {
-    LineNone = 0, ///< draws nothing (solid as a stipple)
-    LineSolid = 1,
-    LineDense = 2,  ///< three of four
-    LineDots = 3,   ///< every other
-    LineSparse = 4, ///< one of four
-    LineShort = 5,  ///< two on, two off
-    LineMedium = 6, ///< four on, four off
-    LineLong = 7,   ///< eight on, eight off
-    LineDotDash = 8,
-    LineDotsDash = 9,
-    LineLongDotDash = 10,
+    LineNone = 0,         ///< draws nothing (solid as a stipple)
+    LineSolid = 1,        ///< no gaps
+    LineDense = 2,        ///< three of four
+    LineDots = 3,         ///< every other
+    LineSparse = 4,       ///< one of four
+    LineShort = 5,        ///< two on, two off
+    LineMedium = 6,       ///< four on, four off
+    LineLong = 7,         ///< eight on, eight off
+    LineDotDash = 8,      ///< a dot, a dash
+    LineDotsDash = 9,     ///< two dots, a dash
+    LineLongDotDash = 10, ///< a dot, two dashes of four
   };
+  /// Polygon stipples of 32 × 32 pixels, fixed to the window.
   enum FillPattern : std::uint32_t {
-    FillNone = 0, ///< draws nothing (solid as a stipple)
-    FillSolid = 1,
+    FillNone = 0,         ///< draws nothing (solid as a stipple)
+    FillSolid = 1,        ///< no gaps
     FillDense = 2,        ///< three of four bits
     FillHalf = 3,         ///< checkerboard
     FillSparse = 4,       ///< one of four bits
@@ -41,19 +47,20 @@ public:
     FillDiagonal = 8,     ///< one way
     FillBackDiagonal = 9, ///< the other way
     FillCrossHatch = 10,  ///< both diagonals
-    FillWeave = 11,
-    FillBackWeave = 12,
+    FillWeave = 11,       ///< pairs of bits, moved by two from row to row
+    FillBackWeave = 12,   ///< the same, moved by one row
   };
+  /// Point sprites; the name of the image follows after "symbol_".
   enum PointPattern : std::uint32_t {
-    PointNone = 0,
-    PointRectangle = 1,
-    PointEllipse = 2,
-    PointDiamond = 3,
-    PointHexagon = 4,
-    PointTriangle = 5,
-    PointCross = 6,
-    PointXCross = 7,
-    PointStar = 8,
+    PointNone = 0,      ///< draws nothing (the rectangle as a sprite)
+    PointRectangle = 1, ///< "rect"
+    PointEllipse = 2,   ///< "ellipse"
+    PointDiamond = 3,   ///< "diamond"
+    PointHexagon = 4,   ///< "hexagon"
+    PointTriangle = 5,  ///< "triangle"
+    PointCross = 6,     ///< "cross"
+    PointXCross = 7,    ///< "xCross"
+    PointStar = 8,      ///< "star"
   };
 
   /// The 16 bits for glLineStipple; the least significant bit is drawn first.

@@ -22,13 +22,6 @@ namespace Vek::Chart::Library {
 /// With samples, drawing goes to multisampled storage beside the textures; every access that reads resolves it first.
 /// What is drawn under BindForRead goes to the textures only, and is lost at the next resolve.
 ///
-///     RenderTexture target({640, 480}, RenderTexture::Rgba8, RenderTexture::Linear, 4);
-///     {
-///       const auto bound = target.BindForDraw(gl); // the viewport covers the target
-///       …                                          // clear and draw
-///     }                                            // what was bound before is bound again
-///     target.BindColor(gl, RGL_TEXTURE0);
-///
 /// GL objects are made by the first operation that takes a scope, in a context that knows frame-buffer objects. They
 /// are shared by copies, and their last holder must let go while that context is current. Apart from what an operation
 /// says it binds, the host's state stays as it was, pixel store settings included.
@@ -37,14 +30,20 @@ namespace Vek::Chart::Library {
 /// status by name: "status == RGL_FRAMEBUFFER_COMPLETE && "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT, 0 x 3, 0 samples"". It
 /// can be bound, but GL refuses to draw to it, and reading yields an empty result. When only the multisampled storage
 /// is incomplete, drawing goes on without samples.
+///
+/// \snippet PickingSnippetsTest.cpp RenderTexture
+/// \image html picking.jpg
+/// \ingroup picking
 class VEK_LIBRARY_API RenderTexture {
 public:
+  /// What the colour texture stores.
   enum ColorFormat : std::uint32_t {
     Rgba8 = 0,     ///< 8 bits a channel; also any number that is not listed
     RgbaHalf = 1,  ///< 16-bit floats
     RgbaFloat = 2, ///< 32-bit floats
     Float = 3,     ///< one channel, a 32-bit float
   };
+  /// How 8-bit colours are stored.
   enum Space : std::uint32_t {
     Linear = 0, ///< stored as written
     Srgb = 1,   ///< 8-bit colours stored as sRGB: sampling yields linear light, and so does writing while
@@ -54,6 +53,7 @@ public:
   /// `p_samples`: samples a pixel, 0 for none; lowered to what the device can do.
   explicit RenderTexture(Types::Size p_size, ColorFormat p_format = Rgba8, Space p_space = Linear, int p_samples = 0);
 
+  /// In pixels.
   Types::Size Size() const;
 
   /// Makes the single-sampled target the current frame buffer, for reading and drawing. Releasing the guard restores
@@ -63,12 +63,15 @@ public:
   /// the viewport. Releasing the guard restores frame buffer and viewport.
   boost::shared_ptr<void> BindForDraw(Utility::Scoped<Rgl>& p_gl) const;
 
-  /// The textures, for drawing with them elsewhere; not to be sampled while they are drawn to.
+  /// The colour texture, for drawing with it elsewhere; not to be sampled while it is drawn to.
   boost::shared_ptr<Ogl::Texture> ColorTexture(Utility::Scoped<Rgl>& p_gl) const;
+  /// The depth-stencil texture, likewise.
   boost::shared_ptr<Ogl::Texture> DepthTexture(Utility::Scoped<Rgl>& p_gl) const;
   /// Binds the colour texture on the unit `p_unit` (RGL_TEXTURE0 + n), makes that unit active and enables 2-D
   /// texturing.
   void BindColor(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
+  /// Binds the depth texture on the unit `p_unit` (RGL_TEXTURE0 + n), makes that unit active and enables 2-D
+  /// texturing.
   void BindDepth(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
 
   /// The levels that the colour texture can have.

@@ -14,14 +14,19 @@ namespace Vek::Chart::Library {
 /// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
 /// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
 /// cannot make is reported and nothing is drawn.
+///
+/// \snippet DrawingSnippetsTest.cpp Sphere
+/// \image html shapes.jpg
+/// \ingroup drawables
 class VEK_LIBRARY_API Sphere {
 public:
   Types::Vector3_Base<double> position; ///< the centre
-  double radius = 1.0;
-  bool filled = true;        ///< as faces, or as lines
-  std::uint32_t slices = 25; ///< around the z axis
-  std::uint32_t stacks = 25; ///< along the z axis
+  double radius = 1.0;                  ///< in model units
+  bool filled = true;                   ///< as faces, or as lines
+  std::uint32_t slices = 25;            ///< around the z axis
+  std::uint32_t stacks = 25;            ///< along the z axis
 
+  /// Draws the sphere under a scope of its own on the handle.
   void operator()(const Utility::Unscoped<Rgl>& p_gl) const;
 };
 

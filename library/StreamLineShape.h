@@ -15,12 +15,12 @@ namespace Vek::Chart::Library {
 /// normals, at one point of the line; connecting the rings is the caller's business. A cross-section does not change
 /// after its construction and may be read from several threads. Nothing is reported.
 ///
-///     const StreamLineShape tube(StreamLineShape::ShapeTube, {});
-///     for (const Sample& s : line)
-///       if (tube.OrientShape(s.width, s.position, 1.0, s.frame, ring, normals)) // the vectors are used again
-///         AppendRing(ring, normals);
+/// \snippet GlyphSnippetsTest.cpp StreamLineShape
+/// \image html streamlines.jpg
+/// \ingroup glyphs
 class VEK_LIBRARY_API StreamLineShape {
 public:
+  /// What the cross-section looks like.
   enum Shape : int {
     ShapeLine = 1,   ///< one vertex at the origin; no normals
     ShapeRibbon = 2, ///< (−0.5, 0) and (0.5, 0); both normals (0, −1)
@@ -41,6 +41,7 @@ public:
 
   /// The number of vertices in a ring.
   unsigned NumVertices() const;
+  /// Whether the shape has normals of its own: all have but the line.
   bool HasNormals() const;
 
   /// Places a ring: each vertex is (x, y, 0) × size × scale, then rotated, then moved to the position; each normal is

@@ -16,11 +16,6 @@
 
 /// Writers that append what a source pushes into a container, converted to the container's element type.
 ///
-///     std::vector<boost::array<float, 3>> positions(source->Count()); // the final size: writers never grow it
-///     ContainerStreamWriter<std::vector<boost::array<float, 3>>, ContainerOperations::StaticContainer,
-///                           boost::array<float, 3>> writer(positions);
-///     source->Write(writer);
-///
 /// Data that would run past the end are reported by the copy and dropped; the write position moves on all the same.
 namespace Vek::Chart::Library {
 
@@ -33,7 +28,9 @@ class StaticContainer;
 template <class W>
 class StreamWriterInterfaceImpl : public W {
 public:
+  /// True for the id of W only.
   bool IsSupportedInterface(const SupportedInterface::InterfaceID& p_id) const override { return p_id == ID(); }
+  /// The writer as a W; throws UnknownInterface for any other id.
   SupportedInterface::AnyInterface QuerySupportedInterface(const SupportedInterface::InterfaceID& p_id) override {
     if (p_id != ID())
       throw SupportedInterface::UnknownInterface(p_id);
@@ -62,6 +59,7 @@ template <class E>
 class ContainerDataWriter<E, std::vector<E>, ContainerOperations::StaticContainer>
     : public DataWriterBase<E, std::vector<E>> {
 public:
+  /// Starts at the first element of the vector, which must outlive the writer.
   explicit ContainerDataWriter(std::vector<E>& p_dest)
       : _dest(&p_dest) {}
 
@@ -105,16 +103,17 @@ public:
   std::uint64_t CurrentIndex() const { return _writer.CurrentIndex(); }
 
 protected:
+  /// Hands the container on to the data writer.
   template <class Container>
   explicit StreamWriterBaseImpl(Container& p_dest)
       : _writer(p_dest) {}
+  /// Moves the write position on by that many elements.
   void SkipElements(std::uint64_t p_count) { _writer.AdvanceWriteIndex(p_count); }
 
-  Writer _writer;
+  Writer _writer; ///< what puts the elements into the container
 };
 
-// The typed writes of each kind, on top of a data writer.
-
+/// The writes of truth values, on top of a data writer.
 template <unsigned int N, class Writer>
 class BoolStreamWriterBase : public StreamWriterInterfaceImpl<DataInterface::BoolAttributeStreamWriter<N>>,
                              public StreamWriterBaseImpl<Writer> {
@@ -129,6 +128,7 @@ public:
   }
 };
 
+/// The writes of floating-point numbers, on top of a data writer.
 template <unsigned int N, class Writer>
 class FloatStreamWriterBase : public StreamWriterInterfaceImpl<DataInterface::FloatAttributeStreamWriter<N>>,
                               public StreamWriterBaseImpl<Writer> {
@@ -143,6 +143,7 @@ public:
   }
 };
 
+/// The writes of unsigned integers, on top of a data writer.
 template <unsigned int N, class Writer>
 class IntegerStreamWriterBase : public StreamWriterInterfaceImpl<DataInterface::IntegerAttributeStreamWriter<N>>,
                                 public StreamWriterBaseImpl<Writer> {
@@ -163,17 +164,20 @@ public:
 /// The kind of writer that an element type belongs to.
 template <class E, class Writer>
 struct StreamWriterKind;
+/// Bytes take truth values.
 template <class Writer>
 struct StreamWriterKind<boost::array<unsigned char, 1>, Writer> {
-  using Base = BoolStreamWriterBase<1, Writer>;
+  using Base = BoolStreamWriterBase<1, Writer>; ///< the typed writes
 };
+/// Floats take floating-point numbers.
 template <std::size_t N, class Writer>
 struct StreamWriterKind<boost::array<float, N>, Writer> {
-  using Base = FloatStreamWriterBase<N, Writer>;
+  using Base = FloatStreamWriterBase<N, Writer>; ///< the typed writes
 };
+/// Unsigned integers take unsigned integers.
 template <std::size_t N, class Writer>
 struct StreamWriterKind<boost::array<unsigned int, N>, Writer> {
-  using Base = IntegerStreamWriterBase<N, Writer>;
+  using Base = IntegerStreamWriterBase<N, Writer>; ///< the typed writes
 };
 
 template <class Container, class Operations, class E>
@@ -181,6 +185,9 @@ class ContainerStreamWriter;
 
 /// The complete writer into a vector of elements E: boost::array<unsigned char, 1>, boost::array<float, 1 to 4> or
 /// boost::array<unsigned int, 1 to 4>.
+///
+/// \snippet DataSnippetsTest.cpp ContainerStreamWriter
+/// \ingroup data
 template <class E>
 class ContainerStreamWriter<std::vector<E>, ContainerOperations::StaticContainer, E> final
     : public StreamWriterKind<E, ContainerDataWriter<E, std::vector<E>, ContainerOperations::StaticContainer>>::Base {

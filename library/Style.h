@@ -16,16 +16,29 @@
 namespace Vek::Chart::Library {
 
 /// Says whether a style draws anything, and draws with it. Only the effective values of a style's properties count.
+///
+/// \snippet ColorSnippetsTest.cpp Style
+/// \image html styles.jpg
+/// \ingroup colours
 class VEK_LIBRARY_API Style {
 public:
-  // Whether a style would draw anything. A colour map, when there is one that is not empty, stands in for the colour.
+  ///@{
+  /// Whether an area would show: the pattern is not 0, and the colour not transparent. A colour map, when there is one
+  /// that is not empty, stands in for the colour.
   static bool HasFill(const Types::FillStyle& p_style);
   static bool HasFill(const Types::FillStyle& p_style, const boost::shared_ptr<ColorMap>& p_map);
-  /// A width that is not above 0, or NaN, draws no line.
+  ///@}
+  ///@{
+  /// Whether a line would show: as above, and the width is above 0 (NaN is not).
   static bool HasLine(const Types::LineStyle& p_style);
   static bool HasLine(const Types::LineStyle& p_style, const boost::shared_ptr<ColorMap>& p_map);
+  ///@}
+  ///@{
+  /// Whether a symbol would show: neither shape nor size is 0, and a colour is not transparent. A colour map, when
+  /// there is one that is not empty, stands in for both colours.
   static bool HasSymbol(const Types::SymbolStyle& p_style);
   static bool HasSymbol(const Types::SymbolStyle& p_style, const boost::shared_ptr<ColorMap>& p_map);
+  ///@}
 
   /// Whether the map blends: at least two colours and the gradient flag.
   static bool HasColorMapGradient(const Types::ColorMap& p_map);

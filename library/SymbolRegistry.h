@@ -19,27 +19,26 @@ namespace Vek::Chart::Library {
 
 /// The models of a chart's symbols in GPU buffers: the built-in glyphs by shape, models of the user's by path.
 ///
-///     Core::Ptr<ModelCache> cache(new ModelCache(context.Handle()));
-///     SymbolRegistry symbols(cache, "share/vek-chart/symbols");
-///     const ModelCache::IndexBuffer cone = symbols.GetIndexBuffer(Model::Symbol::ShapeCone);
-///     symbols.LoadModel("models/ship.obj");
-///     const ModelCache::IndexBuffer ship = symbols.GetIndexBuffer(vekfile::filepath("models/ship.obj"));
-///
 /// The models belong to the cache, which may be shared and may hold others.
+///
+/// \snippet GlyphSnippetsTest.cpp SymbolRegistry
+/// \image html symbols.jpg
+/// \ingroup glyphs
 class VEK_LIBRARY_API SymbolRegistry {
 public:
   /// A model that was registered by path.
   struct VEK_LIBRARY_API HashID {
+    /// Hashes the path, and keeps a copy of it.
     HashID(const vekfile::filepath& p_path, std::size_t p_id);
 
     std::int32_t hash; ///< of the bytes of the path: 0 to 2147483646, 0 for the empty path; not unique
-    boost::shared_ptr<const std::string> path;
-    std::size_t id; ///< the cache's
+    boost::shared_ptr<const std::string> path; ///< byte by byte as it was given
+    std::size_t id;                            ///< the cache's
   };
   /// A built-in model.
   struct SymbolID {
-    Model::Symbol::Shape shape;
-    std::size_t id; ///< the cache's
+    Model::Symbol::Shape shape; ///< 2 to 15
+    std::size_t id;             ///< the cache's
   };
 
   /// Registers the built-in models with the cache, in the order of their shapes: for ShapeArrowHead1D (2) to
@@ -56,18 +55,22 @@ public:
   /// What reading it throws passes on; the path then counts as not loaded.
   void LoadModel(const vekfile::filepath& p_path);
 
-  // The cache's records of a built-in shape. A shape without a model (ShapePoint, 0, unknown ones) reports "result !=
-  // p_symbols.size() && "No model loaded for this shape!"" and is looked up in the cache as the number of built-in
-  // models: the first model registered after them when there is one, else an empty record.
+  ///@{
+  /// The cache's records of a built-in shape. A shape without a model (ShapePoint, 0, unknown ones) reports "result !=
+  /// p_symbols.size() && "No model loaded for this shape!"" and is looked up in the cache as the number of built-in
+  /// models: the first model registered after them when there is one, else an empty record.
   Types::BoundingBox_Base<double> GetBoundingBox(Model::Symbol::Shape p_shape) const;
   ModelCache::IndexBuffer GetIndexBuffer(Model::Symbol::Shape p_shape) const;
   ModelCache::VertexBuffer GetVertexBuffer(Model::Symbol::Shape p_shape) const;
+  ///@}
 
-  // The cache's records of a path. One that was not loaded reports "hashIndex < p_hashes.size() && "No model loaded
-  // with this path, call LoadModel first."" and yields the records of the cache's model 0.
+  ///@{
+  /// The cache's records of a path. One that was not loaded reports "hashIndex < p_hashes.size() && "No model loaded
+  /// with this path, call LoadModel first."" and yields the records of the cache's model 0.
   Types::BoundingBox_Base<double> GetBoundingBox(const vekfile::filepath& p_path) const;
   ModelCache::IndexBuffer GetIndexBuffer(const vekfile::filepath& p_path) const;
   ModelCache::VertexBuffer GetVertexBuffer(const vekfile::filepath& p_path) const;
+  ///@}
 
 private:
   struct State;

@@ -23,34 +23,52 @@ namespace Vek::Chart::Library {
 /// Errors: an image without texels is reported as "_width > 0 && _height > 0 && "Invalid Texture Size"" (not before GL
 /// 2.0, where it is taken as 1 × 1). It can be bound, but nothing is uploaded for it.
 ///
-///     Texture sprite(image, gl);
-///     sprite.environment = Texture::Modulate; // the settings count at each bind; sRgb at the first only
-///     sprite(gl, RGL_TEXTURE0);
+/// \snippet ColorSnippetsTest.cpp Texture
+/// \image html shapes.jpg
+/// \ingroup colours
 class VEK_LIBRARY_API Texture {
 public:
-  // The settings are plain numbers; with one that is not listed, a bind leaves that part of the GL state as it is.
-  enum Filter : std::uint32_t { Nearest = 0, Linear = 1 };
-  enum Wrap : std::uint32_t { ClampToEdge = 0, Repeat = 1 };
-  enum Environment : std::uint32_t { Modulate = 0, Decal = 1, Replace = 2 };
+  /// Between texels, or where several fall on a pixel: the nearest one, or a blend.
+  enum Filter : std::uint32_t {
+    Nearest = 0, ///< the texel whose centre is nearest
+    Linear = 1,  ///< the four texels around, by distance
+  };
+  /// What is seen outside of [0, 1].
+  enum Wrap : std::uint32_t {
+    ClampToEdge = 0, ///< the texels at the edge
+    Repeat = 1,      ///< the texture again
+  };
+  /// How the texture meets the colour that is there.
+  enum Environment : std::uint32_t {
+    Modulate = 0, ///< both multiplied
+    Decal = 1,    ///< the texture over the colour, by the texture's alpha
+    Replace = 2,  ///< the texture alone
+  };
 
-  std::uint32_t minFilter = Linear;
-  std::uint32_t magFilter = Linear;
-  std::uint32_t wrapS = ClampToEdge;
-  std::uint32_t wrapT = ClampToEdge;
-  std::uint32_t environment = Replace;
+  // The settings are plain numbers; with one that is not listed, a bind leaves that part of the GL state as it is.
+  std::uint32_t minFilter = Linear;    ///< a Filter: where texels are smaller than pixels
+  std::uint32_t magFilter = Linear;    ///< a Filter: where texels are larger than pixels
+  std::uint32_t wrapS = ClampToEdge;   ///< a Wrap, along the width
+  std::uint32_t wrapT = ClampToEdge;   ///< a Wrap, along the height
+  std::uint32_t environment = Replace; ///< an Environment
   /// Whether the colours are stored as sRGB, so that sampling yields linear light; counts when the texture is uploaded.
   bool sRgb = false;
 
+  /// A texture of the image; nothing is uploaded yet. The scope's GL version decides about the size.
   Texture(const QImage& p_image, Utility::Scoped<Rgl>& p_gl);
   ~Texture();
+  /// Shares the GL texture, if there is one already.
   Texture(const Texture&) = default;
+  /// As the copy.
   Texture& operator=(const Texture&) = default;
 
   /// Binds on the texture unit `p_unit` (a token: RGL_TEXTURE0 + n), which becomes the active one, applies the settings
   /// and enables 2-D texturing there. The first call creates and uploads the GL texture.
   void operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
 
+  /// Texels a row; 0 for an image without texels.
   int Width() const { return _width; }
+  /// Rows; 0 for an image without texels.
   int Height() const { return _height; }
   /// Empty before the first bind.
   const boost::shared_ptr<Ogl::Texture>& Handle() const { return _handle; }

@@ -25,12 +25,17 @@ namespace Vek::Chart::Library {
 /// What a call leaves changed: the current colour, the current texture coordinate of unit 0, the pixel store's unpack
 /// alignment when a texture is uploaded (it is 1 then), and the blend function when a layer was blended. The attribute
 /// stack restores textures and the active unit, enables and the depth function.
+///
+/// \snippet DrawingSnippetsTest.cpp TexturedQuad
+/// \image html shapes.jpg
+/// \ingroup drawables
 class VEK_LIBRARY_API TexturedQuad {
 public:
-  Types::Viewport<0> rect;
+  Types::Viewport<0> rect;  ///< in pixels from the lower left of the window
   QColor color = Qt::white; ///< what the first texture is combined with, by its own environment setting
   std::uint32_t border = 0; ///< in pixels and texels; 0 stretches the whole texture
 
+  /// Draws one texture, combined with `color` by the texture's environment.
   void operator()(const Utility::Unscoped<Rgl>& p_gl, const Texture& p_texture) const;
 
   /// Layers, the first at the bottom. From the second on, each replaces the colour, passes the depth test always, and

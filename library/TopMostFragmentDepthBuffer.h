@@ -17,12 +17,11 @@ namespace Vek::Chart::Library {
 /// Answers how deep the nearest surface under a pixel is, for picking. The scene is drawn once into an off-screen
 /// target, with every fragment's depth packed into its colour; picks read single pixels of it until the scene changes.
 ///
-///     TopMostFragmentDepthBuffer picker;
-///     const bool hit = picker.GetDepthAt(gl, viewport, {x, y}, sceneStamp,
-///         [&](DepthCodec::Encoding) { DrawScene(depthShader); },
-///         [&](unsigned int, float depth) { Unproject(x, y, depth); });
-///
 /// Owns GL objects from the first pick on; to be destroyed while that context is current. Rendering thread only.
+///
+/// \snippet PickingSnippetsTest.cpp TopMostFragmentDepthBuffer
+/// \image html picking.jpg
+/// \ingroup picking
 class VEK_LIBRARY_API TopMostFragmentDepthBuffer {
 public:
   TopMostFragmentDepthBuffer();

@@ -25,19 +25,25 @@ namespace Vek::Chart::Library {
 /// Built completely by its constructor and never changed afterwards: all other operations are const and may be called
 /// from several threads, each with a target of its own.
 ///
-///     const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 16);
-///     Ogl::VertexData data;
-///     if (arrow.OrientShape(size, 0.5, point, true, value, scale, rotation, data))
-///       data.Draw(gl);
-///
 /// No operation needs a GL context. Memory exhaustion is thrown as std::bad_alloc and leaves the targets as they were.
+///
+/// \snippet GlyphSnippetsTest.cpp VectorSymbol
+/// \image html wind.jpg
+/// \ingroup glyphs
 class VEK_LIBRARY_API VectorSymbol {
 public:
-  enum TopologyType : std::uint32_t { TopologyPoints = 0, TopologyLines = 1, TopologyTriangles = 2 };
+  /// What vertices or indices describe.
+  enum TopologyType : std::uint32_t {
+    TopologyPoints = 0,    ///< a point each; no indices
+    TopologyLines = 1,     ///< two indices a line
+    TopologyTriangles = 2, ///< three indices a triangle
+  };
 
   /// The point glyph.
   VectorSymbol();
+  /// Copies hold meshes of their own.
   VectorSymbol(const VectorSymbol&) = default;
+  /// As the copy.
   VectorSymbol& operator=(const VectorSymbol&) = default;
   /// `p_resolution` is the number of segments around round shapes: rounded down to a multiple of 4, at least 4. The
   /// circular arrow has at most 24.
@@ -55,6 +61,7 @@ public:
   /// Whether the glyph has an axis (+z) that is meant to follow a direction.
   bool IsDirectionalSymbol() const { return _directional; }
 
+  /// Vertices in one glyph; 0 for an empty one.
   std::size_t VertexCount() const { return _vertices.size(); }
   /// Two a line or three a triangle; 0 for points.
   std::size_t IndexCount() const { return _indices.size(); }
@@ -80,21 +87,22 @@ public:
 
   /// The glyphs of a layer, one element each in arrays of the caller's.
   struct Instances {
-    std::size_t count = 0;
-    const Types::Vector3_Base<double>* positions = nullptr;
-    const Types::Matrix3* rotations = nullptr;
-    const double* sizes = nullptr;
-    const double* tex_coords = nullptr; ///< null: the layer gets no texture coordinates
+    std::size_t count = 0;                                  ///< elements in each array
+    const Types::Vector3_Base<double>* positions = nullptr; ///< where the anchors go
+    const Types::Matrix3* rotations = nullptr;              ///< the glyph's frame: column 3 is its axis
+    const double* sizes = nullptr;                          ///< multiplied by the scale of the layer
+    const double* tex_coords = nullptr;                     ///< null: the layer gets no texture coordinates
   };
 
   /// Memory of the caller's for scalars of one attribute. An attribute whose target is default-constructed is left out.
   template <class T>
   struct Target {
-    T* data = nullptr;
-    std::size_t count = 0;
-    bool wanted = false;
+    T* data = nullptr;     ///< the first scalar; may be null when nothing is to be written
+    std::size_t count = 0; ///< scalars
+    bool wanted = false;   ///< whether the attribute is written at all
 
-    Target() = default;
+    Target() = default; ///< not wanted
+    /// Room for `p_count` scalars; a null pointer is wanted all the same, and has none.
     Target(T* p_data, std::size_t p_count)
         : data(p_data)
         , count(p_data == nullptr ? 0 : p_count)
@@ -129,15 +137,12 @@ public:
   std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
                            Ogl::VertexData& p_vertex_data) const;
 
-  /// The same into the caller's memory, mapped buffers for example:
-  ///
-  ///     Ogl::BufferPool::WriteArray<Ogl::Vec3<float>> mapped(buffer, 0, n * arrow.VertexCount(), RGL_ARRAY_BUFFER);
-  ///     VectorSymbol::LayerMemory memory;
-  ///     memory.vertices = mapped;
-  ///     const std::size_t written = arrow.OrientShapes(instances, 0.5, scale, memory);
+  /// The same into the caller's memory, mapped buffers for example.
   ///
   /// Memory that is too small for the instances that are not left out, or that could not be mapped, is reported; then
   /// nothing is written and 0 comes back.
+  ///
+  /// \snippet GlyphSnippetsTest.cpp MappedLayer
   std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
                            const LayerMemory& p_memory) const;
 

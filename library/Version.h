@@ -6,6 +6,9 @@
 namespace Vek::Chart::Library {
 
 /// The version of the library that is loaded, which may be newer than the headers that a program was built with.
+///
+/// \snippet HostSnippetsTest.cpp Version
+/// \ingroup host
 VEK_LIBRARY_API Utility::VersionNo Version();
 
 } // namespace Vek::Chart::Library

@@ -18,31 +18,34 @@
 namespace Vek::Chart::Library {
 
 /// The voxels of a volume: voxel (x, y, z) has the index x + size0 × y + slice × z, so size 0 varies fastest.
+///
+/// \ingroup images
 struct VEK_LIBRARY_API VolumeImageData {
-  std::vector<unsigned char> _rawBytes;
-  std::uint64_t _voxelSizeBytes = 0;
-  std::uint64_t _size0 = 0;
-  std::uint64_t _size1 = 0;
-  std::uint64_t _size2 = 0;
-  std::uint64_t _slice = 0; ///< size 0 × size 1
-  std::uint64_t _count = 0; ///< size 0 × size 1 × size 2
+  std::vector<unsigned char> _rawBytes; ///< the voxels, one after the other
+  std::uint64_t _voxelSizeBytes = 0;    ///< bytes a voxel: 1, 4 or 16
+  std::uint64_t _size0 = 0;             ///< voxels along the axis that varies fastest
+  std::uint64_t _size1 = 0;             ///< voxels along the second axis
+  std::uint64_t _size2 = 0;             ///< voxels along the slowest axis
+  std::uint64_t _slice = 0;             ///< size 0 × size 1
+  std::uint64_t _count = 0;             ///< size 0 × size 1 × size 2
 
   /// The first byte of a voxel. A voxel that is not there is reported ("p_index*_voxelSizeBytes < _rawBytes.size()");
   /// 16 bytes of 0 stand for it, and what is written there is lost.
   unsigned char* At(std::uint64_t p_index);
+  /// As above, for reading.
   const unsigned char* At(std::uint64_t p_index) const;
 };
 
 /// A grid of voxels in memory, ready to become a 3-D texture: raw bytes in one of four formats.
 ///
-///     VolumeImage image(VolumeImage::Float4, 64, 64, 32);
-///     VolumeImage::TypeArray<float> voxel(image.Data().At(0), std::size_t(image.Channels()));
-///     voxel[3] = 1.0f;
-///
 /// A value class: a copy has voxels of its own. No GPU state.
 ///
 /// Errors are reported through the logger, and what was asked for goes on as far as it can. Extents whose product is
 /// more than memory can hold throw std::length_error and change nothing.
+///
+/// \snippet ImageSnippetsTest.cpp VolumeImage
+/// \image html volume.jpg
+/// \ingroup images
 class VEK_LIBRARY_API VolumeImage {
 public:
   /// Channels × component type of a voxel.
@@ -58,8 +61,9 @@ public:
     Precision8 = 0,   ///< 8 bits
     Precision32F = 4, ///< 32-bit float
   };
+  /// What a file is written in.
   enum FileType : std::int32_t {
-    TextArray = 0,
+    TextArray = 0, ///< text; see LoadFromFile
   };
 
   /// A view of the components of one voxel. T is the type that the volume's precision names: char or float.
@@ -68,6 +72,7 @@ public:
     static_assert(std::is_same_v<T, char> || std::is_same_v<T, float>);
 
   public:
+    /// The `p_channels` components from `p_voxel` on, which must outlive the view.
     TypeArray(unsigned char* p_voxel, std::size_t p_channels)
         : _voxel(p_voxel)
         , _channels(p_channels) {}
@@ -103,13 +108,20 @@ public:
   /// Whether there are any bytes.
   bool Valid() const { return !_data._rawBytes.empty(); }
 
+  ///@{
+  /// All bytes, in the order of the voxels. Resizing them by hand leaves the extents as they are.
   std::vector<unsigned char>& Bytes() { return _data._rawBytes; }
   const std::vector<unsigned char>& Bytes() const { return _data._rawBytes; }
+  ///@}
+  ///@{
+  /// The voxels and their extents.
   VolumeImageData& Data() { return _data; }
   const VolumeImageData& Data() const { return _data; }
+  ///@}
 
   /// The number of components of a voxel.
   const Types::Property<std::int32_t>& Channels() const { return _channels; }
+  /// The type of a component.
   const Types::Property<DataPrecision>& Precision() const { return _precision; }
   /// Always 0, whatever the voxels are: the layout is in Channels and Precision.
   const Types::Property<VoxelFormat>& Format() const { return _format; }
@@ -131,9 +143,9 @@ public:
   /// Reported are a path that is not valid or does not exist, another first word ("header == \"TextArray\""), a number
   /// that cannot be read or is missing ("file"; it counts as 0, but as the largest float where it is too large, and no
   /// number is read after it; such reports end after the first thousand), and "channels == 1". The result is empty,
-  /// after a report of the place, where a size is missing or below 1 (@line161), where the sizes multiply to more than
-  /// 64 bits hold (@line217), and where they claim more than 2^26 numbers which the file is too short for (@line221).
-  /// It is empty for any other file type, too, which is reported.
+  /// after a report of the place, where a size is missing or below 1 ("@line161"), where the sizes multiply to more
+  /// than 64 bits hold ("@line217"), and where they claim more than 2^26 numbers which the file is too short for
+  /// ("@line221"). It is empty for any other file type, too, which is reported.
   static boost::shared_ptr<VolumeImage> LoadFromFile(const vekfile::filepath& p_path, FileType p_type);
   /// As LoadFromFile, from a stream.
   static boost::shared_ptr<VolumeImage> LoadFromStream(std::istream& p_stream, FileType p_type);

@@ -32,28 +32,40 @@ namespace Vek::Chart::Library {
 /// "format", one with fewer bytes than its extents need as "bytes <= p_image->Bytes().size()". All of these can be
 /// bound, but nothing is uploaded for them.
 ///
-///     VolumeTexture volume(image, gl);
-///     volume.magFilter = VolumeTexture::Nearest; // the settings count at each bind; sRgb at the first only
-///     volume(gl, RGL_TEXTURE0);
-///     TexturedCube cube(0);
-///     cube(gl);
+/// \snippet ImageSnippetsTest.cpp VolumeTexture
+/// \image html volume.jpg
+/// \ingroup images
 class VEK_LIBRARY_API VolumeTexture {
 public:
-  // The settings are plain numbers; with one that is not listed, a bind leaves that part of the GL state as it is.
-  enum Filter : std::uint32_t { Nearest = 0, Linear = 1 };
-  enum Wrap : std::uint32_t { ClampToEdge = 0, Repeat = 1 };
-  enum Environment : std::uint32_t { Modulate = 0, Decal = 1, Replace = 2 };
+  /// Between texels, or where several fall on a pixel: the nearest one, or a blend.
+  enum Filter : std::uint32_t {
+    Nearest = 0, ///< the texel whose centre is nearest
+    Linear = 1,  ///< the eight texels around, by distance
+  };
+  /// What is seen outside of [0, 1].
+  enum Wrap : std::uint32_t {
+    ClampToEdge = 0, ///< the texels at the edge
+    Repeat = 1,      ///< the texture again
+  };
+  /// How the texture meets the colour that is there.
+  enum Environment : std::uint32_t {
+    Modulate = 0, ///< both multiplied
+    Decal = 1,    ///< the texture over the colour, by the texture's alpha
+    Replace = 2,  ///< the texture alone
+  };
 
-  std::uint32_t minFilter = Linear;
-  std::uint32_t magFilter = Linear;
-  std::uint32_t wrapS = ClampToEdge;
-  std::uint32_t wrapT = ClampToEdge;
-  std::uint32_t wrapR = ClampToEdge;
-  std::uint32_t environment = Replace;
+  // The settings are plain numbers; with one that is not listed, a bind leaves that part of the GL state as it is.
+  std::uint32_t minFilter = Linear;    ///< a Filter: where texels are smaller than pixels
+  std::uint32_t magFilter = Linear;    ///< a Filter: where texels are larger than pixels
+  std::uint32_t wrapS = ClampToEdge;   ///< a Wrap, along the texture coordinate s
+  std::uint32_t wrapT = ClampToEdge;   ///< a Wrap, along t
+  std::uint32_t wrapR = ClampToEdge;   ///< a Wrap, along r
+  std::uint32_t environment = Replace; ///< an Environment
   /// Whether 8-bit colours of four channels are stored as sRGB, so that sampling yields linear light; counts when the
   /// texture is uploaded. Without meaning for all other volumes.
   bool sRgb = false;
 
+  /// A texture of the volume; nothing is uploaded yet. The scope's device decides which sizes it can take.
   VolumeTexture(boost::shared_ptr<const VolumeImage> p_image, Utility::Scoped<Rgl>& p_gl);
 
   /// Binds on the texture unit `p_unit` (a token: RGL_TEXTURE0 + n), which becomes the active one, applies the settings

@@ -23,7 +23,9 @@ public:
 
 protected:
   StreamWriterBase() = default;
+  /// For writers that can be copied.
   StreamWriterBase(const StreamWriterBase&) = default;
+  /// As the copy.
   StreamWriterBase& operator=(const StreamWriterBase&) = default;
   ~StreamWriterBase() = default;
 };
@@ -31,8 +33,11 @@ protected:
 /// Takes truth values: bytes that are 0 or 1, or bools.
 class VEK_PLATFORM_API BoolStreamWriter : public StreamWriterBase {
 public:
+  ///@{
+  /// Stores `p_scalarCount` values and moves the write position on.
   virtual void Write(const unsigned char* p_data, std::uint64_t p_scalarCount) = 0;
   virtual void Write(const bool* p_data, std::uint64_t p_scalarCount) = 0;
+  ///@}
 
 protected:
   ~BoolStreamWriter() = default;
@@ -41,8 +46,11 @@ protected:
 /// Takes floating-point numbers of either precision.
 class VEK_PLATFORM_API FloatStreamWriter : public StreamWriterBase {
 public:
+  ///@{
+  /// Stores `p_scalarCount` numbers and moves the write position on.
   virtual void Write(const double* p_data, std::uint64_t p_scalarCount) = 0;
   virtual void Write(const float* p_data, std::uint64_t p_scalarCount) = 0;
+  ///@}
 
 protected:
   ~FloatStreamWriter() = default;
@@ -51,9 +59,12 @@ protected:
 /// Takes unsigned integers of 32, 16 or 8 bits.
 class VEK_PLATFORM_API IntegerStreamWriter : public StreamWriterBase {
 public:
+  ///@{
+  /// Stores `p_scalarCount` integers and moves the write position on.
   virtual void Write(const unsigned int* p_data, std::uint64_t p_scalarCount) = 0;
   virtual void Write(const unsigned short* p_data, std::uint64_t p_scalarCount) = 0;
   virtual void Write(const unsigned char* p_data, std::uint64_t p_scalarCount) = 0;
+  ///@}
 
 protected:
   ~IntegerStreamWriter() = default;
@@ -69,13 +80,14 @@ public:
   unsigned int Components() const { return N; }
 };
 
-// The interfaces that writers answer queries for, and that sources write to.
-
+/// What a source of truth values writes to; writers answer queries for it.
+/// What a source of floating-point numbers writes to; writers answer queries for it.
 template <unsigned int N>
 class VEK_PLATFORM_API BoolAttributeStreamWriter : public AttributeStreamWriter<N, BoolStreamWriter> {
   static_assert(N == 1, "truth values come one at a time");
 };
 
+/// What a source of indices writes to; writers answer queries for it.
 template <unsigned int N>
 class VEK_PLATFORM_API FloatAttributeStreamWriter : public AttributeStreamWriter<N, FloatStreamWriter> {};
 

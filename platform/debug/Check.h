@@ -10,11 +10,11 @@
 /// The condition is tested first; the message is built only when it fails. Each macro is an expression of type bool,
 /// true when the check passed, so that the caller can choose a harmless way on:
 ///
-///     if (!VEK_ENSURE(size > 0, "void __cdecl Vek::Chart::Library::…"))
-///       return;
-///
 /// The message is "expression" - signature, the signature in the form that the host platform's compiler prints it.
 /// Conditions are written so that NaN fails where it must (`value >= 0`, not `!(value < 0)`).
+///
+/// \snippet HostSnippetsTest.cpp Check
+/// \ingroup host
 #define VEK_ENSURE(p_condition, p_signature) VEK_ENSURE_TEXT(p_condition, #p_condition, p_signature)
 
 /// As VEK_ENSURE, with the text of the expression given where it differs from the condition that the code tests.
@@ -38,13 +38,15 @@ namespace vekdebug {
 /// The text of a failed check: the quoted expression, " - " and the signature.
 VEK_PLATFORM_API std::string check_text(const std::string& p_expression, const std::string& p_signature);
 
-// The slow halves of the macros; all return false.
+///@{
+/// The slow half of the macro of that name: reports, and returns false.
 VEK_PLATFORM_API bool fail_ensure(const std::string& p_expression, const std::string& p_signature);
 VEK_PLATFORM_API bool fail_range(std::uint64_t p_value, std::uint64_t p_end, const std::string& p_expression,
                                  const std::string& p_signature);
 VEK_PLATFORM_API bool fail_pointer(const std::string& p_signature);
 VEK_PLATFORM_API bool fail_sentry(const std::string& p_signature, int p_line);
-/// Writes "WARNING: " and the text as one line of the error stream.
+///@}
+/// Writes "WARNING: " and the text as one line of the error stream. Returns false.
 VEK_PLATFORM_API bool warn(const std::string& p_text);
 
 } // namespace vekdebug

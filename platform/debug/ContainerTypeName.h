@@ -8,14 +8,18 @@
 #include <string>
 #include <vector>
 
-// The names of standard and boost containers, for the signatures of templates over them.
+// In the signatures of templates over standard and boost containers.
 
+/// The name of an array.
 template <class T, std::size_t N>
 struct vekdebug::TypeName<boost::array<T, N>> {
+  /// As it stands in a signature.
   static std::string text() { return "class boost::array<" + TypeName<T>::text() + "," + std::to_string(N) + ">"; }
 };
+/// The name of a vector with its allocator.
 template <class T>
 struct vekdebug::TypeName<std::vector<T>> {
+  /// As it stands in a signature.
   static std::string text() {
     const std::string element = TypeName<T>::text();
     return "class std::vector<" + element + ",class std::allocator<" + element + (element.back() == '>' ? " " : "") +

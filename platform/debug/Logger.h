@@ -18,7 +18,7 @@ namespace vekdebug {
 /// What kind of report a text is.
 enum class severity : std::uint8_t {
   ensure,  ///< a precondition does not hold; text: "expression" - signature
-  sentry,  ///< code that must not be reached was reached; text: signature @lineN
+  sentry,  ///< code that must not be reached was reached; text: signature, a blank, "@line" and the line's number
   pointer, ///< a null object; text: "void*(obj)" - signature
   range,   ///< an index outside its range; text: "expression" - signature
   error,   ///< one line of the error stream; a warning begins with "WARNING: "
@@ -27,7 +27,7 @@ enum class severity : std::uint8_t {
 
 /// One report, as it reaches the sink. The references are valid during the call only.
 struct report {
-  severity kind;
+  severity kind;              ///< what happened
   const std::string& text;    ///< without a line end
   const std::string& channel; ///< the name of the debug channel; empty for all other kinds
 };
@@ -37,6 +37,7 @@ struct report {
 class VEK_PLATFORM_API sink {
 public:
   virtual ~sink();
+  /// Takes one report. What it reports itself comes back to it.
   virtual void write(const report& p_report) = 0;
 };
 
@@ -44,12 +45,17 @@ public:
 /// and cost nothing but the test of `active()`. Every full line becomes one report.
 class VEK_PLATFORM_API dbgostream : public std::ostream {
 public:
+  /// A stream into that buffer, which must outlive it; inactive for a null pointer.
   explicit dbgostream(std::streambuf* p_buffer);
   ~dbgostream() override;
+  /// Whether items are written anywhere.
   bool active() const { return rdbuf() != nullptr; }
 };
 
 /// The one place that all reports go through; see `Utility::GetLogger`.
+///
+/// \snippet HostSnippetsTest.cpp Reports
+/// \ingroup host
 class VEK_PLATFORM_API logger {
 public:
   /// The logger of the process. It outlives every static object that uses it.
@@ -72,9 +78,12 @@ public:
   /// The error stream, for the calling thread; always active. A warning's text begins with "WARNING: ".
   dbgostream& derr();
 
+  ///@{
   /// Switches a debug channel on or off for all threads.
   void open(const std::string& p_channel);
   void close(const std::string& p_channel);
+  ///@}
+  /// Whether the channel is switched on.
   bool is_open(const std::string& p_channel) const;
 
   /// Installs a sink and returns the one it replaces; an empty pointer restores the default sink. The old sink may

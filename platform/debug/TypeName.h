@@ -9,6 +9,7 @@ namespace vekdebug {
 template <class T>
 struct TypeName;
 
+/// Names a type; to be used at global scope.
 #define VEK_TYPE_NAME(p_type, p_text)                                                                                  \
   template <>                                                                                                          \
   struct vekdebug::TypeName<p_type> {                                                                                  \

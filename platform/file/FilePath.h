@@ -11,17 +11,24 @@ class VEK_PLATFORM_API filepath {
 public:
   /// An empty, invalid path.
   filepath() = default;
+  ///@{
+  /// The path of these bytes; a null pointer is the empty path.
   filepath(const std::string& p_path); // NOLINT: implicit, so that a path can be written as text
-  filepath(const char* p_path);        // NOLINT: a null pointer is the empty path
+  filepath(const char* p_path);        // NOLINT: as above
+  ///@}
 
+  /// The bytes.
   const std::string& str() const { return _path; }
   /// True when the path is not empty and holds no zero byte.
   bool valid() const;
 
   /// Joins a directory and a name with exactly one separator. An empty side yields the other one.
   friend VEK_PLATFORM_API filepath operator+(const filepath& p_directory, const filepath& p_name);
+  ///@{
+  /// Compares byte by byte; "a/b" and "a//b" differ.
   friend bool operator==(const filepath& p_a, const filepath& p_b) { return p_a._path == p_b._path; }
   friend bool operator!=(const filepath& p_a, const filepath& p_b) { return !(p_a == p_b); }
+  ///@}
 
 private:
   std::string _path;

@@ -12,9 +12,8 @@ namespace Vek::SupportedInterface {
 /// It does not own the object and must not outlive it. Access names the interface again, and yields the object only
 /// when that is the very interface that it is held under: a base or a derived class of it is another interface.
 ///
-///     AnyInterface any = AnyInterface::Of<VertexIndex>(*this);
-///     any.As<VertexIndex>();     // the object
-///     any.As<VertexAttribute1>() // null
+/// \snippet DataSnippetsTest.cpp AnyInterface
+/// \ingroup data
 class AnyInterface {
 public:
   /// Refers to nothing.
@@ -30,6 +29,7 @@ public:
     return result;
   }
 
+  /// Whether it refers to nothing.
   bool Empty() const { return _object == nullptr; }
   /// The interface that the object is held under; that of `void` when there is none.
   const InterfaceID& ID() const { return _id; }

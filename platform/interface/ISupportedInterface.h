@@ -21,7 +21,9 @@ public:
 
 protected:
   ISupportedInterface() = default;
+  /// For objects that can be copied.
   ISupportedInterface(const ISupportedInterface&) = default;
+  /// As the copy.
   ISupportedInterface& operator=(const ISupportedInterface&) = default;
 };
 

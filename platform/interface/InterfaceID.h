@@ -12,6 +12,7 @@ namespace Vek::SupportedInterface {
 /// across shared libraries; the order is total, but differs from run to run.
 class VEK_PLATFORM_API InterfaceID {
 public:
+  /// The id of the interface with that type information.
   explicit InterfaceID(const std::type_info& p_interface)
       : _interface(p_interface) {}
   /// The id of the interface W.

@@ -11,6 +11,7 @@ namespace Vek::SupportedInterface {
 /// name of that interface.
 class VEK_PLATFORM_API UnknownInterface : public std::runtime_error {
 public:
+  /// Made from the id that was asked for.
   explicit UnknownInterface(const InterfaceID& p_id);
   ~UnknownInterface() override;
 

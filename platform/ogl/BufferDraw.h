@@ -16,36 +16,36 @@ namespace Vek::Chart::Ogl {
 /// Positions and normals go to GL's fixed vertex attributes (`gl_Vertex` and `gl_Normal` in a shader). With instances,
 /// a vertex shader tells them apart: by `gl_InstanceID`, or by attributes that advance once an instance.
 ///
-///     BufferDraw draw;
-///     draw.type = indices.type;             // as the cache describes a model
-///     draw.indices = indices.buffer;
-///     draw.vertices = vertices.buffer;
-///     draw.attributes = vertices.attributes;
-///     draw.position_stride = vertices.positionStride; …
-///     draw.instance_attributes = {{3, offsets}}; // the shader's attribute with location 3
-///     draw.Draw(gl, 1000);
+/// \snippet GlyphSnippetsTest.cpp BufferDraw
+/// \image html symbols.jpg
+/// \ingroup host
 struct VEK_PLATFORM_API BufferDraw {
+  /// Unsigned 32-bit indices.
   using IndexBuffer = Buffer<Attribute<Vec1<unsigned int>>>;
+  /// Records of three floats.
   using RecordBuffer = Buffer<Attribute<Vec3<float>>>;
 
-  enum AttributeBits : unsigned int { Positions = 1, Normals = 2 };
+  /// What the vertex buffer holds.
+  enum AttributeBits : unsigned int {
+    Positions = 1, ///< must be there
+    Normals = 2,   ///< may be there
+  };
 
   /// Three floats an instance, for the shader's attribute of that location; one record each.
   struct InstanceAttribute {
-    unsigned int location = 0;
-    RecordBuffer records;
+    unsigned int location = 0; ///< the shader's attribute
+    RecordBuffer records;      ///< record i goes to instance i
   };
 
-  VertexBuffer::PrimitiveType type = VertexBuffer::Undecided;
-  IndexBuffer indices;
-  RecordBuffer vertices;
-  unsigned int attributes = Positions;
-  // In bytes; a stride of 0 means tightly packed.
-  unsigned int position_stride = 0;
-  unsigned int normal_stride = 0;
-  unsigned int position_offset = 0;
-  unsigned int normal_offset = 0;
-  std::vector<InstanceAttribute> instance_attributes;
+  VertexBuffer::PrimitiveType type = VertexBuffer::Undecided; ///< what the indices describe
+  IndexBuffer indices;                                        ///< all of them are drawn
+  RecordBuffer vertices;                                      ///< positions and normals
+  unsigned int attributes = Positions;                        ///< bits of AttributeBits
+  unsigned int position_stride = 0; ///< bytes from one position to the next; 0 when they are tightly packed
+  unsigned int normal_stride = 0;   ///< the same for normals
+  unsigned int position_offset = 0; ///< bytes in front of the first position
+  unsigned int normal_offset = 0;   ///< the same for normals
+  std::vector<InstanceAttribute> instance_attributes; ///< what the instances differ in
 
   /// Draws all indices and restores the client state that it changes. Nothing is drawn, and the reason reported, when a
   /// buffer is empty, the primitive type is not decided, the layout does not fit into the vertex buffer, or an instance

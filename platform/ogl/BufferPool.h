@@ -16,6 +16,7 @@ namespace Vek::Chart::Ogl {
 
 /// How a buffer's contents will be used.
 struct BufferUsage {
+  /// How often the contents change.
   enum Kind : unsigned int {
     Default = 0, ///< written once, drawn often
     Dynamic = 1, ///< written again and again
@@ -27,13 +28,17 @@ struct BufferUsage {
 /// happen while the context that made it, or one that shares with it, is current.
 class VEK_PLATFORM_API BufferStorage {
 public:
+  /// A new buffer of `p_bytes` uninitialised bytes in the context that is current; the array-buffer binding stays.
   BufferStorage(boost::shared_ptr<const GlFunctions> p_gl, std::size_t p_bytes, BufferUsage::Kind p_usage);
   ~BufferStorage();
   BufferStorage(const BufferStorage&) = delete;
   BufferStorage& operator=(const BufferStorage&) = delete;
 
+  /// The name of the buffer in GL; 0 when GL made none.
   unsigned int Name() const { return _name; }
+  /// Its size.
   std::size_t Bytes() const { return _bytes; }
+  /// The functions of the context that made it.
   const GlFunctions& Gl() const { return *_gl; }
 
 private:
@@ -47,13 +52,17 @@ private:
 template <class T>
 class Buffer {
 public:
-  Buffer() = default;
+  Buffer() = default; ///< empty
+  /// `p_count` records in a storage that has room for them, which is not checked.
   Buffer(boost::shared_ptr<BufferStorage> p_storage, std::size_t p_count)
       : _storage(std::move(p_storage))
       , _count(p_count) {}
 
+  /// Records.
   std::size_t Count() const { return _count; }
+  /// The name of the buffer in GL; 0 for an empty handle.
   unsigned int Name() const { return _storage ? _storage->Name() : 0; }
+  /// The memory; empty for an empty handle.
   const boost::shared_ptr<BufferStorage>& Storage() const { return _storage; }
 
 private:
@@ -82,6 +91,7 @@ private:
 /// Makes GPU buffers in one context.
 class VEK_PLATFORM_API BufferPool {
 public:
+  /// A pool that calls these functions. Applications take the one of Rgl::GetBufferPool.
   explicit BufferPool(boost::shared_ptr<const GlFunctions> p_gl)
       : _gl(std::move(p_gl)) {}
 
@@ -111,6 +121,7 @@ public:
   template <class T>
   class WriteArray {
   public:
+    /// Maps `p_count` records from record `p_first` on, through the binding `p_target` (RGL_ARRAY_BUFFER, for example).
     WriteArray(const Buffer<T>& p_buffer, std::size_t p_first, std::size_t p_count, GlEnum p_target)
         : _range(p_buffer.Storage(), InRange(p_buffer, p_first, p_count) ? p_first * sizeof(T) : 0,
                  InRange(p_buffer, p_first, p_count) ? p_count * sizeof(T) : 0, p_target)

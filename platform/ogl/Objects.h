@@ -13,10 +13,12 @@ namespace Vek::Chart::Ogl {
 /// The name of a GL texture. Its target and contents are decided by whoever binds it first.
 class VEK_PLATFORM_API Texture {
 public:
+  /// A new name in the context that is current; 0 when GL makes none.
   explicit Texture(boost::shared_ptr<const GlFunctions> p_gl);
   ~Texture();
   Texture(const Texture&) = delete;
   Texture& operator=(const Texture&) = delete;
+  /// The name in GL.
   unsigned int Name() const { return _name; }
 
 private:
@@ -27,10 +29,12 @@ private:
 /// A display list: recorded once, replayed by calling it.
 class VEK_PLATFORM_API DisplayList {
 public:
+  /// A new, empty list in the context that is current; name 0 when GL makes none.
   explicit DisplayList(boost::shared_ptr<const GlFunctions> p_gl);
   ~DisplayList();
   DisplayList(const DisplayList&) = delete;
   DisplayList& operator=(const DisplayList&) = delete;
+  /// The name in GL.
   unsigned int Name() const { return _name; }
 
   /// Starts recording (GL_COMPILE: nothing is drawn meanwhile). Releasing the guard ends it. Lists cannot be nested.
@@ -46,10 +50,12 @@ private:
 /// A frame-buffer object without attachments of its own; whoever made it attaches textures or renderbuffers.
 class VEK_PLATFORM_API FrameBufferObject {
 public:
+  /// A new name in the context that is current; 0 when GL makes none.
   explicit FrameBufferObject(boost::shared_ptr<const GlFunctions> p_gl);
   ~FrameBufferObject();
   FrameBufferObject(const FrameBufferObject&) = delete;
   FrameBufferObject& operator=(const FrameBufferObject&) = delete;
+  /// The name in GL.
   unsigned int Name() const { return _name; }
 
 private:
@@ -60,10 +66,12 @@ private:
 /// Storage for one attachment of a frame-buffer object that is never sampled.
 class VEK_PLATFORM_API RenderBuffer {
 public:
+  /// A new name in the context that is current; 0 when GL makes none.
   explicit RenderBuffer(boost::shared_ptr<const GlFunctions> p_gl);
   ~RenderBuffer();
   RenderBuffer(const RenderBuffer&) = delete;
   RenderBuffer& operator=(const RenderBuffer&) = delete;
+  /// The name in GL.
   unsigned int Name() const { return _name; }
 
 private:

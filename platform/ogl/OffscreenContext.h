@@ -16,6 +16,9 @@ namespace Vek::Chart::Ogl {
 ///
 /// The frame buffer (8-bit RGBA, 24-bit depth, 8-bit stencil, optionally multisampled) is bound and the viewport covers
 /// it when the constructor returns.
+///
+/// \snippet HostSnippetsTest.cpp OffscreenContext
+/// \ingroup host
 class VEK_PLATFORM_API OffscreenContext {
 public:
   /// Throws std::runtime_error when no context can be made; the text says which step failed and what to install.
@@ -27,6 +30,7 @@ public:
 
   /// Scopes opened on it make this context current.
   const Utility::Unscoped<Rgl>& Handle() const;
+  /// The size of the frame buffer in pixels.
   Types::Size Size() const;
   /// The name of the driver that renders, as GL_RENDERER says.
   std::string Renderer() const;

@@ -17,15 +17,6 @@ namespace Vek::Chart::Ogl {
 /// A GL without a device, for tests: it writes every call down as one line of text, keeps the state that calls can ask
 /// for, and complains about misuse that a driver would pass over.
 ///
-///     RecordingGl recorder;
-///     {
-///       Utility::Scoped<Rgl> gl(recorder.Handle());
-///       gl->Enable(RGL_BLEND);
-///       gl->Color(Qt::red);
-///     }
-///     recorder.Lines();      // {"Enable(GL_BLEND)", "Color4d(1, 0, 0, 1)"}
-///     recorder.Complaints(); // empty: nothing leaked, all pairs closed
-///
 /// A line is the name of the function without "gl" ("glu") and the arguments as they were when it returned:
 /// - enumerants and bit fields by name ("GL_TRIANGLES", "GL_ENABLE_BIT|GL_LINE_BIT", "GLU_FILL"), unknown ones in hex;
 /// - numbers in the shortest form that reads back the same ("0.1", "1", "-0"), stipple patterns in hex ("0xAAAA");
@@ -39,6 +30,9 @@ namespace Vek::Chart::Ogl {
 /// While a list is compiled with GL_COMPILE, calls change no state, as in GL; CallList changes none either. GetError
 /// answers only with what was queued. The recorder is used on one thread; it may end before objects that were made with
 /// it (that is a leak, and complained about), whose deletion is then reported and does nothing.
+///
+/// \snippet HostSnippetsTest.cpp RecordingGl
+/// \ingroup host
 class VEK_PLATFORM_API RecordingGl {
 public:
   RecordingGl();
@@ -50,10 +44,11 @@ public:
   /// released then, unless another recorder was called before.
   const Utility::Unscoped<Rgl>& Handle() const;
 
-  // What was called.
+  /// All calls so far, in order.
   std::vector<std::string> Lines() const;
-  /// The lines of the functions with these names only, or of all others.
+  /// The lines of the functions with these names only.
   std::vector<std::string> LinesOf(const std::vector<std::string>& p_names) const;
+  /// The lines of all functions but these.
   std::vector<std::string> LinesWithout(const std::vector<std::string>& p_names) const;
   /// What was recorded in a display list.
   std::vector<std::string> ListLines(unsigned int p_list) const;
@@ -67,11 +62,14 @@ public:
   std::vector<std::string> TakeComplaints();
 
   // What the device answers.
+
+  /// What GetString answers for GL_VERSION.
   void SetVersion(const std::string& p_version);
   /// A list separated by blanks; empty unless set.
   void SetExtensions(const std::string& p_extensions);
   /// What GetIntegerv, GetFloatv and GetDoublev answer for a name, instead of the state.
   void SetInteger(GlEnum p_name, const std::vector<int>& p_values);
+  /// What CheckFramebufferStatus answers.
   void SetFramebufferStatus(GlEnum p_status);
   /// The colour that ReadPixels finds at a pixel; all others are 0.
   void SetPixel(int p_x, int p_y, const std::array<unsigned char, 4>& p_rgba);
@@ -88,19 +86,22 @@ public:
   void QueueError(GlEnum p_error);
 
   // What the objects hold.
+
+  /// One level of a texture, as it was uploaded.
   struct TextureLevel {
-    GlEnum internal_format = 0;
-    int width = 0;
-    int height = 0;
-    int depth = 1;
-    GlEnum format = 0;
-    GlEnum type = 0;
+    GlEnum internal_format = 0;        ///< what was asked for
+    int width = 0;                     ///< texels along s
+    int height = 0;                    ///< texels along t; 1 for a 1-D texture
+    int depth = 1;                     ///< texels along r
+    GlEnum format = 0;                 ///< of the source
+    GlEnum type = 0;                   ///< of the source's components
     std::vector<unsigned char> pixels; ///< rows without padding; empty when no source was given
   };
+  /// What a texture holds.
   struct TextureObject {
-    GlEnum target = 0; ///< what it was bound as first
-    std::map<int, TextureLevel> levels;
-    std::map<GlEnum, int> parameters; ///< those that were set
+    GlEnum target = 0;                  ///< what it was bound as first
+    std::map<int, TextureLevel> levels; ///< by number
+    std::map<GlEnum, int> parameters;   ///< those that were set
   };
   /// Null when there is no such texture; valid until it is deleted.
   const TextureObject* FindTexture(unsigned int p_name) const;

@@ -28,21 +28,23 @@ class BufferPool;
 
 /// The rendering interface of one GL context, and the only class that calls GL. It is used through a rendering scope:
 ///
-///     Utility::Unscoped<Rgl> handle = context.Handle();   // or Rgl::OnCurrentContext()
-///     Utility::Scoped<Rgl> gl(handle);                    // the context is current while this lives
-///     gl->Color(Qt::red);
-///     gl->Begin(RGL_TRIANGLES);
-///
 /// Two kinds of operations: those written out below take the project's value types; all GL functions of
 /// GlFunctionList.h are members as well, under GL's name without "gl" (`Enable`, `TexParameteri`, `ReadPixels`,
 /// `Sphere`, …), and do just what GL says. Rgl keeps no copy of any GL state, so the context may be shared with other
 /// code such as Qt's.
 ///
 /// Not thread-safe: to be called on the thread that owns the context.
+///
+/// \snippet HostSnippetsTest.cpp Rgl
+/// \ingroup host
 class VEK_PLATFORM_API Rgl : private boost::noncopyable {
 public:
   /// What a texture is bound as; the values are those of the GL targets.
-  enum TexSamplerType : GlEnum { Sampler1D = RGL_TEXTURE_1D, Sampler2D = RGL_TEXTURE_2D, Sampler3D = RGL_TEXTURE_3D };
+  enum TexSamplerType : GlEnum {
+    Sampler1D = RGL_TEXTURE_1D, ///< a row
+    Sampler2D = RGL_TEXTURE_2D, ///< a picture
+    Sampler3D = RGL_TEXTURE_3D, ///< a volume
+  };
   /// The number of a texture coordinate set; added to RGL_TEXTURE0.
   using TexCoordIndex = unsigned int;
 
@@ -56,9 +58,11 @@ public:
   /// For a host (a Qt widget, say) that makes its own context current before it opens a scope.
   static Utility::Unscoped<Rgl> OnCurrentContext();
 
-  // The rendering scope; called by Utility::Scoped only.
+  ///@{
+  /// Opens and closes the rendering scope; called by Utility::Scoped only.
   void ScopeBegin();
   void ScopeEnd();
+  ///@}
   /// How many scopes are open.
   unsigned int ScopeDepth() const { return _scope_depth; }
 
@@ -70,24 +74,32 @@ public:
 #include "platform/ogl/GlFunctionList.h"
 
   // Immediate mode.
+
+  ///@{
+  /// A vertex, in model units.
   void Vertex(const Types::Vector3_Base<double>& p_position) const {
     Vertex3d(p_position.x, p_position.y, p_position.z);
   }
   void Vertex(double p_x, double p_y, double p_z) const {
     Vertex3d(p_x, p_y, p_z);
   }
+  ///@}
+  ///@{
+  /// Sets the current normal, which GL does not make a unit vector unless RGL_NORMALIZE is enabled.
   void Normal(const Types::Vector3_Base<double>& p_normal) const {
     Normal3d(p_normal.x, p_normal.y, p_normal.z);
   }
   void Normal(double p_x, double p_y, double p_z) const {
     Normal3d(p_x, p_y, p_z);
   }
+  ///@}
   /// Sets the current colour from the colour's floating-point fractions.
   void Color(const QColor& p_color) const;
+  /// Sets the current texture coordinate of unit 0.
   void TexCoord(double p_s, double p_t) const {
     TexCoord2d(p_s, p_t);
   }
-  /// `p_unit` is a token: RGL_TEXTURE0 + n.
+  /// Sets the current texture coordinate of a unit; `p_unit` is a token: RGL_TEXTURE0 + n.
   void MultiTexCoord(GlEnum p_unit, const Types::Vector3_Base<double>& p_coordinate) const {
     MultiTexCoord3d(p_unit, p_coordinate.x, p_coordinate.y, p_coordinate.z);
   }
@@ -97,32 +109,46 @@ public:
     Vertex2i(p_x, p_y);
   }
 
-  // Matrices.
+  // Matrices. Each multiplies the current matrix from the right: what is drawn next is moved first by the last one.
+
+  /// Moves what is drawn next.
   void Translate(const Types::Vector3_Base<double>& p_offset) const {
     Translated(p_offset.x, p_offset.y, p_offset.z);
   }
+  /// Stretches what is drawn next along the axes.
   void Scale(const Types::Vector3_Base<double>& p_factors) const {
     Scaled(p_factors.x, p_factors.y, p_factors.z);
   }
+  /// Turns what is drawn next, right-handed about an axis through the origin.
   void Rotate(Types::Angle p_angle, const Types::Vector3_Base<double>& p_axis) const {
     Rotated(p_angle.Degrees(), p_axis.x, p_axis.y, p_axis.z);
   }
+  /// Moves and turns what is drawn next.
   void MultMatrix(const Types::Transformation& p_transformation) const;
   /// Replaces projection and model view so that one unit is one pixel of the viewport, with the origin in its lower
   /// left corner. Releasing the guard restores both matrices and the matrix mode.
   boost::shared_ptr<void> PixelProjection(const Types::Viewport<0>& p_viewport) const;
 
   // State.
+
+  /// Sets the viewport; all four numbers are truncated to whole pixels.
   void Viewport(const Types::Viewport<0>& p_viewport) const;
+  /// Sets the colour that Clear fills the frame buffer with.
   void ClearColor(const QColor& p_color) const;
   /// Pushes the attribute groups of the mask; releasing the guard pops them.
   boost::shared_ptr<void> PushAttribScope(GlBitfield p_mask) const;
 
   // Objects.
+
+  /// A new texture of this context.
   boost::shared_ptr<Texture> GenTexture() const;
+  /// Binds a texture on the active unit; an empty pointer is reported and binds none.
   void Bind(const boost::shared_ptr<Texture>& p_texture, TexSamplerType p_sampler) const;
+  /// A new, empty display list of this context.
   boost::shared_ptr<DisplayList> GenDisplayList() const;
+  /// A new frame-buffer object of this context, without attachments.
   boost::shared_ptr<FrameBufferObject> GenFrameBufferObject() const;
+  /// A new renderbuffer of this context, without storage.
   boost::shared_ptr<RenderBuffer> GenRenderBuffer() const;
   /// Binds for drawing and reading; releasing the guard restores the two bindings that were there before.
   boost::shared_ptr<void> BindScope(const boost::shared_ptr<FrameBufferObject>& p_target) const;
@@ -130,7 +156,10 @@ public:
   BufferPool& GetBufferPool() const;
 
   // The device.
+
+  /// The version of the context, from the front of GL_VERSION.
   Utility::VersionNo GlVersion() const;
+  /// What the device can do; asked once.
   const DeviceFeatures& Features() const;
   /// The largest width and height of a 2-D texture, in texels.
   int GetMaxTextureSize() const;
@@ -139,6 +168,7 @@ public:
   /// Returns true when there was none.
   bool CheckError(const std::string& p_location) const;
 
+  /// The table that all calls go through.
   const boost::shared_ptr<const GlFunctions>& Functions() const {
     return _gl;
   }

@@ -16,12 +16,10 @@ namespace Vek::Chart::Ogl {
 
 /// A GLSL program of one vertex and one fragment shader.
 ///
-///     ShaderProgram program(gl, vertex_text, fragment_text, {"position", "normal"});
-///     const boost::shared_ptr<void> in_use = program.Use(gl);
-///     program.SetUniform(gl, "scale", 2.0F);
-///     draw.Draw(gl, …);
-///
 /// The name of the program is deleted with the last copy, while the context that made it must be current.
+///
+/// \snippet HostSnippetsTest.cpp ShaderProgram
+/// \ingroup host
 class VEK_PLATFORM_API ShaderProgram {
 public:
   /// Compiles and links. `p_attributes` are the names of vertex attributes in the order of their locations, from 0 on;
@@ -39,15 +37,17 @@ public:
   /// linked leaves the current one, with the report "Linked()".
   boost::shared_ptr<void> Use(Utility::Scoped<Rgl>& p_gl) const;
 
-  // Values of the uniforms of this program, which must be the current one. A name that the program does not have, or
-  // does not need, is passed over, as GL does.
+  ///@{
+  /// Sets a uniform of this program, which must be the current one: an int or sampler, a float, a vec3, a vec4 (red,
+  /// green, blue, alpha from 0 to 1), a mat4. A name that the program does not have, or does not need, is passed over,
+  /// as GL does.
   void SetUniform(Utility::Scoped<Rgl>& p_gl, const std::string& p_name, int p_value) const;
   void SetUniform(Utility::Scoped<Rgl>& p_gl, const std::string& p_name, float p_value) const;
   void SetUniform(Utility::Scoped<Rgl>& p_gl, const std::string& p_name,
                   const Types::Vector3_Base<double>& p_value) const;
-  /// Red, green, blue, alpha from 0 to 1.
   void SetUniform(Utility::Scoped<Rgl>& p_gl, const std::string& p_name, const QColor& p_value) const;
   void SetUniform(Utility::Scoped<Rgl>& p_gl, const std::string& p_name, const Types::Transformation& p_value) const;
+  ///@}
 
 private:
   class Handle;

@@ -24,19 +24,26 @@ namespace Vek::Chart::Ogl {
 ///
 /// The picture is made and uploaded again, as a new texture, only after a change; copies share it until then. The last
 /// holder of a texture lets go of it while the context that made it is current. Rendering thread only.
+///
+/// \image html styles.jpg
+/// \ingroup host
 class VEK_PLATFORM_API Text {
 public:
-  static constexpr unsigned int MinSize = 2;
-  static constexpr unsigned int MaxSize = 96;
+  static constexpr unsigned int MinSize = 2;  ///< the smallest height in pixels
+  static constexpr unsigned int MaxSize = 96; ///< the largest height in pixels
 
+  /// A black text of 12 pixels.
   explicit Text(const QString& p_text = {});
 
   /// The text; lines are separated by line feeds.
   Types::Property<QString> text;
   /// The lower left corner of the text's box, in window pixels.
   Types::Pos position;
+  /// The letters' colour.
   Types::Property<QColor> firstColor{QColor(Qt::black)};
+  /// The colour of the box or outline; transparent draws neither.
   Types::Property<QColor> secondColor{QColor(Qt::transparent)};
+  /// Whether the second colour fills a box, or draws outlines.
   Types::Property<bool> flag{false};
   /// The height of the font in pixels; taken as the nearest of MinSize to MaxSize.
   Types::Property<unsigned int> size{12};

@@ -8,22 +8,27 @@ namespace Vek::Chart::Ogl {
 
 // Plain component records: the elements of vertex arrays and GPU buffers. They hold their components and nothing else.
 
+/// One component.
 template <class T>
 struct Vec1 {
-  T x{};
+  T x{}; ///< the only component
 };
+/// Two components.
 template <class T>
 struct Vec2 {
-  T x{};
-  T y{};
+  T x{}; ///< first
+  T y{}; ///< second
 };
+/// Three components.
 template <class T>
 struct Vec3 {
-  T x{};
-  T y{};
-  T z{};
+  T x{}; ///< first
+  T y{}; ///< second
+  T z{}; ///< third
 };
 
+///@{
+/// Compares component by component.
 template <class T>
 constexpr bool operator==(const Vec1<T>& p_a, const Vec1<T>& p_b) {
   return p_a.x == p_b.x;
@@ -36,11 +41,13 @@ template <class T>
 constexpr bool operator==(const Vec3<T>& p_a, const Vec3<T>& p_b) {
   return p_a.x == p_b.x && p_a.y == p_b.y && p_a.z == p_b.z;
 }
+///@}
 
 /// One element of a vertex attribute: a component record and nothing else, with the record's members.
 template <class T>
 struct Attribute : T {
-  constexpr Attribute() = default;
+  constexpr Attribute() = default; ///< zeros
+  /// The record.
   constexpr Attribute(const T& p_value) // NOLINT: implicit, an attribute is its record
       : T(p_value) {}
 };
@@ -51,20 +58,27 @@ static_assert(std::is_trivially_copyable_v<Attribute<Vec3<float>>>);
 
 } // namespace Vek::Chart::Ogl
 
+/// In signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec1<T>> {
+  /// As it stands in a signature.
   static std::string text() { return "class Vek::Chart::Ogl::Vec1<" + TypeName<T>::text() + ">"; }
 };
+/// In signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec2<T>> {
+  /// As it stands in a signature.
   static std::string text() { return "class Vek::Chart::Ogl::Vec2<" + TypeName<T>::text() + ">"; }
 };
+/// In signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec3<T>> {
+  /// As it stands in a signature.
   static std::string text() { return "class Vek::Chart::Ogl::Vec3<" + TypeName<T>::text() + ">"; }
 };
-// A template argument list that ends in '>' is closed after a blank.
+/// In signatures. A template argument list that ends in '>' is closed after a blank.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Attribute<T>> {
+  /// As it stands in a signature.
   static std::string text() { return "class Vek::Chart::Ogl::Attribute<" + TypeName<T>::text() + " >"; }
 };

@@ -18,21 +18,23 @@ class Rgl;
 /// over with shared ownership, and what the vertices (or the indices, when there are some) describe.
 class VEK_PLATFORM_API VertexData {
 public:
+  /// The type of a scalar; the values are GL's.
   enum ComponentType : GlEnum {
-    UnsignedByte = 0x1401,
-    UnsignedShort = 0x1403,
-    UnsignedInt = 0x1405,
-    Float = 0x1406,
-    Double = 0x140A
+    UnsignedByte = 0x1401,  ///< 8 bits
+    UnsignedShort = 0x1403, ///< 16 bits
+    UnsignedInt = 0x1405,   ///< 32 bits
+    Float = 0x1406,         ///< single precision
+    Double = 0x140A         ///< double precision
   };
 
   /// `count` elements of `components` scalars each, tightly packed. Empty (null data, count 0) until set.
   struct Array {
-    boost::shared_ptr<const void> data;
-    std::size_t count = 0;
-    unsigned int components = 0;
-    ComponentType type = Float;
+    boost::shared_ptr<const void> data; ///< the scalars, with shared ownership
+    std::size_t count = 0;              ///< elements
+    unsigned int components = 0;        ///< scalars an element
+    ComponentType type = Float;         ///< of the scalars
 
+    /// Whether there are no elements.
     bool Empty() const { return count == 0; }
     /// The scalars; T must be the type that `type` names.
     template <class T>
@@ -41,26 +43,34 @@ public:
     }
   };
 
+  /// No arrays; nothing is drawn.
   VertexData();
 
-  /// Each replaces one array. An array without elements, or a null pointer, removes it.
+  ///@{
+  /// Replaces one array. An array without elements, or a null pointer, removes it.
   void SetVertices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
                    ComponentType p_type);
   void SetNormals(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
                   ComponentType p_type);
   void SetTexCoords(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
                     ComponentType p_type);
-  /// One component an element; unsigned integers.
+  ///@}
+  /// Replaces the indices: one component an element, unsigned integers. None, or a null pointer, removes them.
   void SetIndices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, ComponentType p_type);
 
+  ///@{
+  /// One array, as it was set.
   const Array& Vertices() const { return _vertices; }
   const Array& Normals() const { return _normals; }
   const Array& TexCoords() const { return _tex_coords; }
   const Array& Indices() const { return _indices; }
+  ///@}
 
+  ///@{
   /// What is drawn; not set in a new object. Assigning a different value, or the first one, marks it changed and set.
   Types::Property<VertexBuffer::PrimitiveType>& PrimitiveType() { return _primitive_type; }
   const Types::Property<VertexBuffer::PrimitiveType>& PrimitiveType() const { return _primitive_type; }
+  ///@}
 
   /// Draws from the arrays with GL's fixed vertex attributes: positions, normals, and texture coordinates on the active
   /// client texture unit. Restores the client state that it changes. Nothing is drawn, and the reason reported, when

@@ -5,13 +5,17 @@ namespace Vek::Chart::Types {
 /// An angle, kept in radians.
 class Angle {
 public:
-  static constexpr double Pi = 3.14159265358979323846;
+  static constexpr double Pi = 3.14159265358979323846; ///< half a turn in radians
 
-  constexpr Angle() = default;
+  constexpr Angle() = default; ///< zero
+  /// The angle of so many radians, whole turns included.
   static constexpr Angle FromRadians(double p_radians) { return Angle(p_radians); }
+  /// The angle of so many degrees, whole turns included.
   static constexpr Angle FromDegrees(double p_degrees) { return Angle(p_degrees * Pi / 180.0); }
 
+  /// In radians.
   constexpr double Radians() const { return _radians; }
+  /// In degrees.
   constexpr double Degrees() const { return _radians * 180.0 / Pi; }
 
 private:

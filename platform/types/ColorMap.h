@@ -11,6 +11,7 @@ namespace Vek::Chart::Types {
 /// The style record of a mapping from values to colours: what a user chose, from which `Library::ColorMap` is made. A
 /// new record has no colours.
 struct ColorMap {
+  /// The colours from the lowest value to the highest.
   StyleProperty<std::vector<QColor>> colors;
   /// The widths of the colours relative to each other: none, or one for each colour.
   StyleProperty<std::vector<double>> weights;

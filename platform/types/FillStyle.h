@@ -12,6 +12,7 @@ namespace Vek::Chart::Types {
 struct FillStyle {
   /// The number of a `Library::Pattern::FillPattern`: 0 draws nothing, 1 is solid.
   StyleProperty<std::uint32_t> pattern{1};
+  /// The colour of the area, or of a pattern's set bits.
   StyleProperty<QColor> color{QColor(Qt::black)};
   /// Lies under the gaps of a pattern.
   StyleProperty<QColor> secondColor{QColor(Qt::transparent)};

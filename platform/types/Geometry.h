@@ -12,13 +12,17 @@ class Plane {
 public:
   /// The plane z = 0 with normal +z.
   constexpr Plane() = default;
+  /// The plane through `p_point` with that normal; a zero normal makes no plane, which is not checked.
   constexpr Plane(const Vector3_Base<double>& p_point, const Vector3_Base<double>& p_normal)
       : _point(p_point)
       , _normal(p_normal) {}
+  /// The plane of three points, which must not lie in one line.
   constexpr Plane(const Vector3_Base<double>& p_a, const Vector3_Base<double>& p_b, const Vector3_Base<double>& p_c)
       : Plane(p_a, Cross(p_b - p_a, p_c - p_a)) {}
 
+  /// A point in the plane: the one it was made from.
   constexpr const Vector3_Base<double>& Point() const { return _point; }
+  /// As it was given; not made a unit vector.
   constexpr const Vector3_Base<double>& Normal() const { return _normal; }
 
   /// (a, b, c, d) with a·x + b·y + c·z + d = 0 on the plane: the normal as it is, and −(normal · point).
@@ -32,10 +36,11 @@ private:
 /// A straight line: a point on it and a direction of any length.
 template <class T>
 struct Line3_Base {
-  Vector3_Base<T> point;
-  Vector3_Base<T> direction;
+  Vector3_Base<T> point;     ///< any point on the line
+  Vector3_Base<T> direction; ///< of any length
 
-  constexpr Line3_Base() = default;
+  constexpr Line3_Base() = default; ///< zeros, which are no line
+  /// The line through a point along a direction.
   constexpr Line3_Base(const Vector3_Base<T>& p_point, const Vector3_Base<T>& p_direction)
       : point(p_point)
       , direction(p_direction) {}
@@ -44,10 +49,11 @@ struct Line3_Base {
 /// A ray: where it starts, and a direction whose length is the ray's reach.
 template <class T>
 struct Ray_Base {
-  Vector3_Base<T> origin;
-  Vector3_Base<T> direction;
+  Vector3_Base<T> origin;    ///< where it starts
+  Vector3_Base<T> direction; ///< its length is the reach
 
-  constexpr Ray_Base() = default;
+  constexpr Ray_Base() = default; ///< zeros, which are no ray
+  /// The ray from `p_origin` to p_origin + p_direction.
   constexpr Ray_Base(const Vector3_Base<T>& p_origin, const Vector3_Base<T>& p_direction)
       : origin(p_origin)
       , direction(p_direction) {}
@@ -58,12 +64,15 @@ struct Ray_Base {
 template <class T>
 class BoundingBox_Base {
 public:
-  constexpr BoundingBox_Base() = default;
+  constexpr BoundingBox_Base() = default; ///< empty
+  /// The box between two corners, which are taken as they are: one minimum above its maximum makes it empty.
   constexpr BoundingBox_Base(const Vector3_Base<T>& p_min, const Vector3_Base<T>& p_max)
       : _min(p_min)
       , _max(p_max) {}
 
+  /// The lower corner.
   constexpr const Vector3_Base<T>& Min() const { return _min; }
+  /// The upper corner.
   constexpr const Vector3_Base<T>& Max() const { return _max; }
 
   /// True when no point is inside: some minimum exceeds its maximum.
@@ -88,6 +97,7 @@ public:
     return *this += p_box._max;
   }
 
+  /// Compares the corners. Empty boxes are equal only when their corners are.
   friend constexpr bool operator==(const BoundingBox_Base& p_a, const BoundingBox_Base& p_b) {
     return p_a._min == p_b._min && p_a._max == p_b._max;
   }

@@ -40,8 +40,11 @@ public:
   /// Row 0 to 2; an index beyond throws std::out_of_range.
   const Vector3_Base<double>& Row(std::size_t p_index) const { return _rows.at(p_index); }
 
+  /// Rows and columns exchanged; the inverse of a rotation.
   constexpr Matrix3 Transposed() const { return FromColumns(_rows[0], _rows[1], _rows[2]); }
 
+  ///@{
+  /// The product; products of matrices apply the right factor first.
   friend constexpr Vector3_Base<double> operator*(const Matrix3& p_matrix, const Vector3_Base<double>& p_vector) {
     return {Dot(p_matrix._rows[0], p_vector), Dot(p_matrix._rows[1], p_vector), Dot(p_matrix._rows[2], p_vector)};
   }
@@ -49,6 +52,8 @@ public:
     const Matrix3 columns = p_b.Transposed();
     return FromColumns(p_a * columns._rows[0], p_a * columns._rows[1], p_a * columns._rows[2]);
   }
+  ///@}
+  /// Compares element by element.
   friend constexpr bool operator==(const Matrix3& p_a, const Matrix3& p_b) {
     return p_a._rows[0] == p_b._rows[0] && p_a._rows[1] == p_b._rows[1] && p_a._rows[2] == p_b._rows[2];
   }

@@ -12,7 +12,11 @@ namespace Vek::Chart::Types {
 template <class T>
 class Property {
 public:
-  enum StateBits : std::uint8_t { ChangedBit = 1, SetBit = 2 };
+  /// The state of a property.
+  enum StateBits : std::uint8_t {
+    ChangedBit = 1, ///< differs from what was last used
+    SetBit = 2,     ///< was assigned
+  };
 
   /// A value-initialised value, marked changed but not set.
   Property()
@@ -25,6 +29,7 @@ public:
       : _value(std::move(p_value))
       , _state(static_cast<std::uint8_t>(p_state & (ChangedBit | SetBit))) {}
 
+  /// Stores the value and sets both bits, unless it is set and equal already.
   Property& operator=(T p_value) {
     if (Defined() && _value == p_value)
       return *this;
@@ -33,11 +38,17 @@ public:
     return *this;
   }
 
+  ///@{
+  /// The value, set or not.
   const T& Value() const { return _value; }
   operator const T&() const { return _value; } // NOLINT: implicit, as above
+  ///@}
 
+  /// Whether it changed since `ClearChanged`.
   bool Changed() const { return (_state & ChangedBit) != 0; }
+  /// Whether it was ever set.
   bool Defined() const { return (_state & SetBit) != 0; }
+  /// Both StateBits.
   unsigned State() const { return _state; }
   /// Marks the value as used: clears the changed bit.
   void ClearChanged() { _state = static_cast<std::uint8_t>(_state & ~ChangedBit); }

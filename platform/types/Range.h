@@ -8,15 +8,18 @@ namespace Vek::Chart::Types {
 /// (infinity where there is one), its maximum the smallest.
 template <class T>
 struct MinMax_Base {
+  /// What the type can hold.
   using Limits = std::numeric_limits<T>;
-  T min = Limits::has_infinity ? Limits::infinity() : Limits::max();
-  T max = Limits::has_infinity ? -Limits::infinity() : Limits::lowest();
+  T min = Limits::has_infinity ? Limits::infinity() : Limits::max();     ///< the smallest value added
+  T max = Limits::has_infinity ? -Limits::infinity() : Limits::lowest(); ///< the largest value added
 
-  constexpr MinMax_Base() = default;
+  constexpr MinMax_Base() = default; ///< empty
+  /// The range between two values, which are taken as they are.
   constexpr MinMax_Base(T p_min, T p_max)
       : min(p_min)
       , max(p_max) {}
 
+  /// Whether nothing was added: the minimum is above the maximum, or NaN.
   constexpr bool Empty() const { return !(min <= max); }
   /// Grows the range to hold the value; NaN changes nothing.
   constexpr MinMax_Base& operator+=(T p_value) {
@@ -31,14 +34,16 @@ struct MinMax_Base {
 /// An inclusive range of indices.
 template <class T>
 struct Span {
-  T first{};
-  T last{};
+  T first{}; ///< the first index
+  T last{};  ///< the last index, which belongs to the range
 
-  constexpr Span() = default;
+  constexpr Span() = default; ///< from 0 to 0
+  /// From `p_first` to `p_last`, both included.
   constexpr Span(T p_first, T p_last)
       : first(p_first)
       , last(p_last) {}
 };
+/// Compares both ends.
 template <class T>
 constexpr bool operator==(const Span<T>& p_a, const Span<T>& p_b) {
   return p_a.first == p_b.first && p_a.last == p_b.last;

@@ -9,17 +9,19 @@ namespace Vek::Chart::Types {
 template <class T>
 class StyleProperty {
 public:
-  StyleProperty() = default;
+  StyleProperty() = default; ///< not set, with a value-initialised default
   /// Not set, with that default.
   explicit StyleProperty(T p_default)
       : _default(std::move(p_default)) {}
 
+  /// Gives the property a value of its own.
   void Set(T p_value) { _value = std::move(p_value); }
   /// Drops the own value: the default counts again.
   void Reset() { _value.reset(); }
   /// Changes the default; what was set stays.
   void SetDefault(T p_default) { _default = std::move(p_default); }
 
+  /// Whether it has a value of its own.
   bool IsSet() const { return _value.has_value(); }
   /// The value that counts.
   const T& Effective() const { return _value ? *_value : _default; }

@@ -10,7 +10,9 @@ namespace Vek::Chart::Types {
 
 /// How a text is drawn. A new record is black text of 12 pixels on nothing.
 struct TextStyle {
+  /// The colour of the letters.
   StyleProperty<QColor> color{QColor(Qt::black)};
+  /// The colour behind or around the letters.
   StyleProperty<QColor> secondColor{QColor(Qt::transparent)};
   /// Handed to the text object as it is.
   StyleProperty<bool> flag{false};

@@ -11,6 +11,7 @@ class Transformation {
 public:
   /// The identity.
   constexpr Transformation() = default;
+  /// The matrix first, then the translation.
   constexpr Transformation(const Matrix3& p_linear, const Vector3_Base<double>& p_translation)
       : _linear(p_linear)
       , _translation(p_translation) {}
@@ -18,12 +19,16 @@ public:
   Transformation(Angle p_angle, const Vector3_Base<double>& p_axis)
       : _linear(Matrix3::Rotation(p_angle, p_axis)) {}
 
+  /// Moves by an offset.
   static constexpr Transformation Translation(const Vector3_Base<double>& p_offset) { return {Matrix3(), p_offset}; }
+  /// Stretches along the axes.
   static constexpr Transformation Scaling(const Vector3_Base<double>& p_factors) {
     return {Matrix3({p_factors.x, 0, 0}, {0, p_factors.y, 0}, {0, 0, p_factors.z}), {}};
   }
 
+  /// The matrix.
   constexpr const Matrix3& Linear() const { return _linear; }
+  /// The translation.
   constexpr const Vector3_Base<double>& Offset() const { return _translation; }
 
   /// The sixteen elements of the 4 × 4 matrix, column by column, as GL takes them.
@@ -33,12 +38,15 @@ public:
             c.Row(2).x, c.Row(2).y, c.Row(2).z, 0, _translation.x, _translation.y, _translation.z, 1};
   }
 
+  ///@{
+  /// The product; products of transformations apply the right factor first.
   friend constexpr Vector3_Base<double> operator*(const Transformation& p_t, const Vector3_Base<double>& p_point) {
     return p_t._linear * p_point + p_t._translation;
   }
   friend constexpr Transformation operator*(const Transformation& p_a, const Transformation& p_b) {
     return {p_a._linear * p_b._linear, p_a * p_b._translation};
   }
+  ///@}
 
 private:
   Matrix3 _linear;

@@ -8,10 +8,11 @@ namespace Vek::Chart::Types {
 /// A vector or point with two components.
 template <class T>
 struct Vector2_Base {
-  T x{};
-  T y{};
+  T x{}; ///< first component
+  T y{}; ///< second component
 
-  constexpr Vector2_Base() = default;
+  constexpr Vector2_Base() = default; ///< zeros
+  /// From its components.
   constexpr Vector2_Base(T p_x, T p_y)
       : x(p_x)
       , y(p_y) {}
@@ -20,11 +21,12 @@ struct Vector2_Base {
 /// A vector or point with three components.
 template <class T>
 struct Vector3_Base {
-  T x{};
-  T y{};
-  T z{};
+  T x{}; ///< first component
+  T y{}; ///< second component
+  T z{}; ///< third component
 
-  constexpr Vector3_Base() = default;
+  constexpr Vector3_Base() = default; ///< zeros
+  /// From its components.
   constexpr Vector3_Base(T p_x, T p_y, T p_z)
       : x(p_x)
       , y(p_y)
@@ -34,12 +36,13 @@ struct Vector3_Base {
 /// A vector with four components; as a homogeneous point, w is 1, as a plane's equation, w is the constant term.
 template <class T>
 struct Vector4_Base {
-  T x{};
-  T y{};
-  T z{};
-  T w{};
+  T x{}; ///< first component
+  T y{}; ///< second component
+  T z{}; ///< third component
+  T w{}; ///< fourth component
 
-  constexpr Vector4_Base() = default;
+  constexpr Vector4_Base() = default; ///< zeros
+  /// From its components.
   constexpr Vector4_Base(T p_x, T p_y, T p_z, T p_w)
       : x(p_x)
       , y(p_y)
@@ -47,8 +50,8 @@ struct Vector4_Base {
       , w(p_w) {}
 };
 
-// Component-wise arithmetic. Sums of products are formed from left to right, in the order of the components.
-
+///@{
+/// Component-wise; Dot sums the products from left to right, in the order of the components.
 template <class T>
 constexpr Vector2_Base<T> operator+(const Vector2_Base<T>& p_a, const Vector2_Base<T>& p_b) {
   return {p_a.x + p_b.x, p_a.y + p_b.y};
@@ -106,12 +109,16 @@ template <class T>
 constexpr T Dot(const Vector3_Base<T>& p_a, const Vector3_Base<T>& p_b) {
   return p_a.x * p_b.x + p_a.y * p_b.y + p_a.z * p_b.z;
 }
+///@}
+
 /// The right-handed cross product: Cross(x, y) = z.
 template <class T>
 constexpr Vector3_Base<T> Cross(const Vector3_Base<T>& p_a, const Vector3_Base<T>& p_b) {
   return {p_a.y * p_b.z - p_a.z * p_b.y, p_a.z * p_b.x - p_a.x * p_b.z, p_a.x * p_b.y - p_a.y * p_b.x};
 }
 
+///@{
+/// Component-wise, for vectors of four components.
 template <class T>
 constexpr Vector4_Base<T> operator+(const Vector4_Base<T>& p_a, const Vector4_Base<T>& p_b) {
   return {p_a.x + p_b.x, p_a.y + p_b.y, p_a.z + p_b.z, p_a.w + p_b.w};
@@ -132,9 +139,10 @@ template <class T>
 constexpr T Dot(const Vector4_Base<T>& p_a, const Vector4_Base<T>& p_b) {
   return p_a.x * p_b.x + p_a.y * p_b.y + p_a.z * p_b.z + p_a.w * p_b.w;
 }
+///@}
 
-// What follows from the products, for all three kinds.
-
+///@{
+/// What follows from the products, for all three kinds.
 template <class Vector>
 constexpr auto operator!=(const Vector& p_a, const Vector& p_b) -> decltype(Dot(p_a, p_b), bool()) {
   return !(p_a == p_b);
@@ -151,6 +159,9 @@ template <class Vector>
 constexpr auto operator-=(Vector& p_a, const Vector& p_b) -> decltype(Dot(p_a, p_b), p_a) {
   return p_a = p_a - p_b;
 }
+///@}
+
+/// The Euclidean length.
 template <class Vector>
 auto Length(const Vector& p_a) -> decltype(Dot(p_a, p_a)) {
   return std::sqrt(Dot(p_a, p_a));

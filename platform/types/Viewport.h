@@ -6,12 +6,13 @@ namespace Vek::Chart::Types {
 /// viewports apart; the library uses kind 0 only.
 template <int Kind>
 struct Viewport {
-  float x = 0;
-  float y = 0;
-  float width = 0;
-  float height = 0;
+  float x = 0;      ///< of the left edge
+  float y = 0;      ///< of the lower edge
+  float width = 0;  ///< to the right
+  float height = 0; ///< upwards
 
-  constexpr Viewport() = default;
+  constexpr Viewport() = default; ///< no pixels, at the origin
+  /// From its numbers, which are taken as they are.
   constexpr Viewport(float p_x, float p_y, float p_width, float p_height)
       : x(p_x)
       , y(p_y)
@@ -19,6 +20,8 @@ struct Viewport {
       , height(p_height) {}
 };
 
+///@{
+/// Compares all four numbers.
 template <int Kind>
 constexpr bool operator==(const Viewport<Kind>& p_a, const Viewport<Kind>& p_b) {
   return p_a.x == p_b.x && p_a.y == p_b.y && p_a.width == p_b.width && p_a.height == p_b.height;
@@ -27,5 +30,6 @@ template <int Kind>
 constexpr bool operator!=(const Viewport<Kind>& p_a, const Viewport<Kind>& p_b) {
   return !(p_a == p_b);
 }
+///@}
 
 } // namespace Vek::Chart::Types

@@ -14,6 +14,7 @@ public:
   explicit Unscoped(boost::shared_ptr<T> p_object)
       : _object(std::move(p_object)) {}
 
+  /// The object itself; never null.
   const boost::shared_ptr<T>& Object() const { return _object; }
 
 private:
@@ -25,6 +26,7 @@ private:
 template <class T>
 class Scoped {
 public:
+  /// Opens the scope; what ScopeBegin throws passes on.
   explicit Scoped(const Unscoped<T>& p_handle)
       : _handle(p_handle) {
     _handle.Object()->ScopeBegin();
@@ -33,8 +35,11 @@ public:
   Scoped(const Scoped&) = delete;
   Scoped& operator=(const Scoped&) = delete;
 
+  ///@{
+  /// The interface, open for calls.
   T* operator->() const { return _handle.Object().get(); }
   T& operator*() const { return *_handle.Object(); }
+  ///@}
 
   /// The handle that the scope was opened on, for calls that open their own.
   const Unscoped<T>& Handle() const { return _handle; }
