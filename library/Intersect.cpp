@@ -78,6 +78,27 @@ constexpr Edge Edges[] = {{1, 4, 0}, {0, 1, 0}, {4, 7, 0}, //
                           {3, 6, 4}, {0, 3, 4}, {6, 7, 4}, //
                           {3, 4, 5}};
 
+// For each front corner: the corners of each edge, and the axis that it is parallel to.
+struct PlacedEdge {
+  unsigned char start;
+  unsigned char end;
+  unsigned char axis;
+};
+using PlacedEdges = std::array<std::array<PlacedEdge, std::size(Edges)>, 8>;
+
+constexpr PlacedEdges MakePlacedEdges() {
+  PlacedEdges edges{};
+  for (std::size_t front = 0; front < 8; ++front)
+    for (std::size_t i = 0; i < std::size(Edges); ++i) {
+      const unsigned char start = Sequences[front][Edges[i].start];
+      const unsigned char end = Sequences[front][Edges[i].end];
+      const int difference = start ^ end; // of numbers that count round the lower face, then round the upper one
+      edges[front][i] = {start, end, static_cast<unsigned char>(difference >= 4 ? 2 : difference >= 2 ? 1 : 0)};
+    }
+  return edges;
+}
+constexpr PlacedEdges EdgesFrom = MakePlacedEdges();
+
 // For each front corner and each set of corners (bit i is corner i): the edges that lead into or out of the set, bit i
 // for edge i.
 using EdgeSets = std::array<std::array<std::uint16_t, 256>, 8>;
@@ -87,9 +108,8 @@ constexpr EdgeSets MakeCrossingEdges() {
   for (std::size_t front = 0; front < 8; ++front)
     for (unsigned set = 0; set < 256; ++set)
       for (std::size_t i = 0; i < std::size(Edges); ++i) {
-        const unsigned start = set >> Sequences[front][Edges[i].start] & 1;
-        const unsigned end = set >> Sequences[front][Edges[i].end] & 1;
-        edges[front][set] = static_cast<std::uint16_t>(edges[front][set] | (start ^ end) << i);
+        const unsigned crosses = (set >> EdgesFrom[front][i].start ^ set >> EdgesFrom[front][i].end) & 1;
+        edges[front][set] = static_cast<std::uint16_t>(edges[front][set] | crosses << i);
       }
   return edges;
 }
@@ -102,6 +122,32 @@ struct BoxCut {
   Vector3 normal;
   double d;
 };
+
+// The products of a normal's components and a box's extremes, which are all that the dot products with its corners
+// need.
+struct Products {
+  double x0, x1;
+  double y0, y1;
+  double z0, z1;
+};
+
+Products ProductsOf(const Vector3& p_normal, const Box& p_box) {
+  return {p_normal.x * p_box.Min().x, p_normal.x * p_box.Max().x, p_normal.y * p_box.Min().y,
+          p_normal.y * p_box.Max().y, p_normal.z * p_box.Min().z, p_normal.z * p_box.Max().z};
+}
+
+// The plane's equation for each corner, (a·x + b·y) + c·z + d.
+void MeasureDistances(const Box& p_box, BoxCut& p_cut) {
+  const Products n = ProductsOf(p_cut.normal, p_box);
+  p_cut.distances[0] = n.x0 + n.y0 + n.z0 + p_cut.d;
+  p_cut.distances[1] = n.x1 + n.y0 + n.z0 + p_cut.d;
+  p_cut.distances[2] = n.x1 + n.y1 + n.z0 + p_cut.d;
+  p_cut.distances[3] = n.x0 + n.y1 + n.z0 + p_cut.d;
+  p_cut.distances[4] = n.x0 + n.y0 + n.z1 + p_cut.d;
+  p_cut.distances[5] = n.x1 + n.y0 + n.z1 + p_cut.d;
+  p_cut.distances[6] = n.x1 + n.y1 + n.z1 + p_cut.d;
+  p_cut.distances[7] = n.x0 + n.y1 + n.z1 + p_cut.d;
+}
 
 // The corner that is farthest in front, the first of several; no distance may be NaN.
 std::size_t FrontCorner(const double (&p_distances)[8]) {
@@ -152,17 +198,21 @@ std::size_t CutEdgeByEdge(const BoxCut& p_cut, Vector3* p_points) {
 // decides nothing. With both ends on one side the quotient is above 1 or below 0 (or the edge is parallel): a miss.
 // With the ends on two sides it lies between 0 and 1: a hit. Seen from the front corner, which has the largest
 // distance, no edge comes from behind the plane to before it, so that a step is hit once at most. What remains is the
-// point, and its distance has been computed already, by the same operations.
+// point. Its distance has been computed already, by the same operations, and across the edge start and end are equal:
+// the terms that vanish there are left out, but for turning −0 into 0.
 std::size_t CutBetweenCorners(const BoxCut& p_cut, unsigned p_behind, Vector3* p_points) {
+  constexpr double Vector3::*axes[] = {&Vector3::x, &Vector3::y, &Vector3::z};
   const std::size_t front = FrontCorner(p_cut.distances);
   std::size_t count = 0;
   for (unsigned edges = CrossingEdges[front][p_behind]; edges != 0; edges &= edges - 1) {
-    const Edge& edge = Edges[__builtin_ctz(edges)];
-    const std::size_t first = Sequences[front][edge.start];
-    const Vector3& start = p_cut.corners[first];
-    const Vector3& end = p_cut.corners[Sequences[front][edge.end]];
-    const double t = p_cut.distances[first] / Dot(p_cut.normal, start - end);
-    p_points[count++] = start + (end - start) * t;
+    const PlacedEdge& edge = EdgesFrom[front][__builtin_ctz(edges)];
+    const auto axis = axes[edge.axis];
+    const Vector3& start = p_cut.corners[edge.start];
+    const double length = p_cut.corners[edge.end].*axis - start.*axis;
+    const double t = p_cut.distances[edge.start] / (p_cut.normal.*axis * -length);
+    Vector3& point = p_points[count++];
+    point = start + Vector3();
+    point.*axis = start.*axis + length * t;
   }
   return count;
 }
@@ -175,6 +225,22 @@ double DecisiveDistance(const Box& p_box, double p_d) {
   const double scale = 1 + std::abs(p_d) + (std::abs(a.x) + std::abs(b.x)) + (std::abs(a.y) + std::abs(b.y)) +
                        (std::abs(a.z) + std::abs(b.z));
   return scale < 0x1p+1000 ? 0x1p-45 * scale : std::numeric_limits<double>::infinity();
+}
+
+// Whether the box lies on one side of the plane, off it by more than all rounding errors of the rule, which are
+// measured by the products that it sums up. Most misses end here, without the square root and the divisions that the
+// unit normal takes. The bounds keep the rule from running out of exponents.
+bool PassesBy(const Box& p_box, const Types::Plane& p_plane) {
+  const Products n = ProductsOf(p_plane.Normal(), p_box);
+  const Vector3& normal = p_plane.Normal();
+  const Vector3& point = p_plane.Point();
+  const double d = Dot(normal, point);
+  const double lowest = std::min(n.x0, n.x1) + std::min(n.y0, n.y1) + std::min(n.z0, n.z1) - d;
+  const double highest = std::max(n.x0, n.x1) + std::max(n.y0, n.y1) + std::max(n.z0, n.z1) - d;
+  const double scale = (std::abs(normal.x * point.x) + std::abs(n.x0) + std::abs(n.x1)) +
+                       (std::abs(normal.y * point.y) + std::abs(n.y0) + std::abs(n.y1)) +
+                       (std::abs(normal.z * point.z) + std::abs(n.z0) + std::abs(n.z1));
+  return std::max(lowest, -highest) > 0x1p-45 * scale && scale > 0x1p-400 && scale < 0x1p+400;
 }
 
 } // namespace
@@ -210,21 +276,20 @@ tribool Intersect::Intersection(const Types::Plane& p_plane, const Vector3& p_st
 }
 
 bool Intersect::Intersection(const Box& p_box, const Types::Plane& p_plane, std::vector<Vector3>& p_points) {
-  p_points.clear();
-  const Types::Plane plane(p_plane.Point(), -Normalize(p_plane.Normal()));
-  const Types::Vector4_Base<double> equation = plane.Equation();
-  BoxCut cut{CornersOf(p_box), {}, plane.Normal(), equation.w};
-  const double decisive = DecisiveDistance(p_box, equation.w);
-  unsigned behind = 0;
-  bool decided = true;
-  for (std::size_t i = 0; i < 8; ++i) {
-    const double distance = Dot(equation, Types::Homogeneous::FromVector3(cut.corners[i]));
-    cut.distances[i] = distance;
-    behind |= static_cast<unsigned>(std::signbit(distance)) << i;
-    decided &= std::abs(distance) > decisive;
-  }
-  if (decided && (behind == 0 || behind == 0xff))
+  if (PassesBy(p_box, p_plane)) {
+    p_points.clear();
     return false;
+  }
+  const Types::Plane plane(p_plane.Point(), -Normalize(p_plane.Normal()));
+  BoxCut cut{CornersOf(p_box), {}, plane.Normal(), plane.Equation().w};
+  MeasureDistances(p_box, cut);
+  unsigned behind = 0;
+  double nearest = std::numeric_limits<double>::infinity();
+  for (std::size_t i = 0; i < 8; ++i) {
+    behind |= static_cast<unsigned>(std::signbit(cut.distances[i])) << i;
+    nearest = std::min(nearest, std::abs(cut.distances[i])); // skips NaN, but then no distance is decisive
+  }
+  const bool decided = nearest > DecisiveDistance(p_box, cut.d);
 
   p_points.resize(NumSteps);
   p_points.resize(decided ? CutBetweenCorners(cut, behind, p_points.data()) : CutEdgeByEdge(cut, p_points.data()));

@@ -333,6 +333,25 @@ const struct {
      [](Dice& d) {
        return CutCase{d.RealBox(2), {}, d.Reals(-1, 1) * d.Power(-1073, 1023)};
      }},
+    {"zeros of both signs",
+     [](Dice& d) {
+       const double zeros[] = {0.0, -0.0};
+       const Vector3 zero(zeros[d.Integer(0, 1)], zeros[d.Integer(0, 1)], zeros[d.Integer(0, 1)]);
+       const Vector3 other = d.Integers(0, 1) * 2.0 - Vector3(1, 1, 1);
+       const Vector3 point = d.Reals(-0.7, 0.7);
+       return CutCase{d.Integer(0, 1) == 0 ? Box(zero, other) : Box(other, zero), point, d.Reals(-1, 1)};
+     }},
+    {"barely missing, or not, at any scale",
+     [](Dice& d) {
+       const double scale = d.Power(-600, 600);
+       const Vector3 normal = d.Reals(-1, 1);
+       const Vector3 min = d.Reals(-1, 1);
+       const Box box(min * scale, (min + d.Reals(0, 1)) * scale);
+       const Vector3 support((normal.x > 0 ? box.Max() : box.Min()).x, (normal.y > 0 ? box.Max() : box.Min()).y,
+                             (normal.z > 0 ? box.Max() : box.Min()).z);
+       const double hair = d.Integer(-1, 1) * d.Power(-54, -1);
+       return CutCase{box, {support + normal * (hair * scale), normal * d.Power(-540, 500)}};
+     }},
     {"special numbers",
      [](Dice& d) {
        const Vector3 min = d.Specials();
