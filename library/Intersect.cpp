@@ -106,11 +106,15 @@ using EdgeSets = std::array<std::array<std::uint16_t, 256>, 8>;
 constexpr EdgeSets MakeCrossingEdges() {
   EdgeSets edges{};
   for (std::size_t front = 0; front < 8; ++front)
-    for (unsigned set = 0; set < 256; ++set)
-      for (std::size_t i = 0; i < std::size(Edges); ++i) {
-        const unsigned crosses = (set >> EdgesFrom[front][i].start ^ set >> EdgesFrom[front][i].end) & 1;
-        edges[front][set] = static_cast<std::uint16_t>(edges[front][set] | crosses << i);
+    for (unsigned set = 0; set < 256; ++set) {
+      unsigned crossing = 0;
+      unsigned bit = 1;
+      for (const PlacedEdge& edge : EdgesFrom[front]) {
+        crossing |= ((set >> edge.start ^ set >> edge.end) & 1) * bit;
+        bit <<= 1;
       }
+      edges[front][set] = static_cast<std::uint16_t>(crossing);
+    }
   return edges;
 }
 constexpr EdgeSets CrossingEdges = MakeCrossingEdges();
