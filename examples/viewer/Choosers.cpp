@@ -1,0 +1,73 @@
+#include "examples/viewer/Choosers.h"
+
+#include "library/NamedColors.h"
+
+#include <QLabel>
+#include <QPainter>
+#include <QPixmap>
+#include <QSignalBlocker>
+
+namespace Vek::Chart::Viewer {
+
+namespace {
+
+constexpr QSize SwatchSize(64, 12);
+
+QIcon Swatch(const std::vector<QColor>& p_colors) {
+  QPixmap swatch(SwatchSize);
+  QPainter painter(&swatch);
+  for (int x = 0; x < SwatchSize.width(); ++x) {
+    const std::size_t index =
+        p_colors.size() * static_cast<std::size_t>(x) / static_cast<std::size_t>(SwatchSize.width());
+    painter.fillRect(x, 0, 1, SwatchSize.height(), p_colors[index]);
+  }
+  return QIcon(swatch);
+}
+
+} // namespace
+
+Choosers::Choosers(QWidget* p_parent)
+    : QToolBar("Choosers", p_parent)
+    , _colors(AddChooser("Colours", "colors", _color_actions))
+    , _shapes(AddChooser("Shape", "shapes", _shape_actions)) {
+  _colors->setIconSize(SwatchSize);
+  _colors->addItem("as the scene has them");
+  for (const std::string& name : Library::NamedColors::Names())
+    _colors->addItem(Swatch(Library::NamedColors::Colors(name)), QString::fromStdString(name));
+  const auto activated = QOverload<int>::of(&QComboBox::currentIndexChanged);
+  connect(_colors, activated, this, [this](int p_index) {
+    const std::string name = _colors->itemText(p_index).toStdString();
+    emit ColorsChosen(p_index == 0 ? std::vector<QColor>() : Library::NamedColors::Colors(name));
+  });
+  connect(_shapes, activated, this, [this](int p_index) {
+    if (p_index >= 0)
+      emit ShapeChosen(static_cast<std::size_t>(p_index));
+  });
+  Offer(nullptr);
+}
+
+QComboBox* Choosers::AddChooser(const QString& p_label, const QString& p_name, QList<QAction*>& p_actions) {
+  auto* const label = new QLabel(p_label, this);
+  auto* const box = new QComboBox(this);
+  box->setObjectName(p_name);
+  box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  label->setBuddy(box);
+  p_actions = {addWidget(label), addWidget(box)};
+  return box;
+}
+
+void Choosers::Offer(const Gallery::Scene* p_scene) {
+  const QSignalBlocker silent_colors(_colors);
+  const QSignalBlocker silent_shapes(_shapes);
+  _colors->setCurrentIndex(0);
+  _shapes->clear();
+  if (p_scene != nullptr)
+    for (const std::string& shape : p_scene->Shapes())
+      _shapes->addItem(QString::fromStdString(shape));
+  for (QAction* action : _color_actions)
+    action->setVisible(p_scene != nullptr && p_scene->TakesColors());
+  for (QAction* action : _shape_actions)
+    action->setVisible(_shapes->count() > 0);
+}
+
+} // namespace Vek::Chart::Viewer

@@ -1,0 +1,229 @@
+#include "examples/viewer/SceneView.h"
+
+#include "examples/scene/Theme.h"
+#include "examples/viewer/MousePlace.h"
+#include "examples/viewer/PictureFrame.h"
+
+#include <QMouseEvent>
+#include <QOpenGLContext>
+#include <QWheelEvent>
+
+#include <exception>
+#include <utility>
+
+namespace Vek::Chart::Viewer {
+
+SceneView::SceneView(const Utility::Unscoped<Rgl>& p_gl, QWidget* p_parent)
+    : QOpenGLWidget(p_parent)
+    , _gl(p_gl) {
+  setMouseTracking(true);
+  setFocusPolicy(Qt::StrongFocus);
+  setMinimumSize(320, 200);
+  _point_soon.setSingleShot(true);
+  _point_soon.setInterval(0);
+  connect(&_point_soon, &QTimer::timeout, this, &SceneView::Point);
+}
+
+SceneView::~SceneView() {
+  Release();
+  if (context() != nullptr)
+    context()->disconnect(this); // it goes when this is but a QOpenGLWidget
+}
+
+QSurfaceFormat SceneView::Format() {
+  QSurfaceFormat format;
+  format.setRenderableType(QSurfaceFormat::OpenGL);
+  format.setProfile(QSurfaceFormat::CompatibilityProfile);
+  format.setVersion(2, 1); // the least; drivers give the newest that is compatible
+  format.setDepthBufferSize(24);
+  format.setStencilBufferSize(8);
+  format.setAlphaBufferSize(0);
+  format.setSamples(4);
+  return format;
+}
+
+template <class Function>
+void SceneView::WithContext(const Function& p_function) {
+  if (context() == nullptr)
+    return;
+  makeCurrent();
+  {
+    Utility::Scoped<Rgl> gl(_gl);
+    p_function(gl);
+  }
+  doneCurrent();
+}
+
+void SceneView::Show(std::unique_ptr<Gallery::Scene> p_scene, const ShownScene& p_about) {
+  _incoming = {std::move(p_scene), p_about}; // one that waits there owns no GL objects yet
+  update();
+}
+
+void SceneView::SetColors(const std::vector<QColor>& p_colors) {
+  WithContext([&](Utility::Scoped<Rgl>&) {
+    if (_shown.scene)
+      _shown.scene->SetColors(p_colors);
+  });
+  update();
+}
+
+void SceneView::SetShape(std::size_t p_index) {
+  WithContext([&](Utility::Scoped<Rgl>&) {
+    if (_shown.scene)
+      _shown.scene->SetShape(p_index);
+  });
+  SurfacesChanged();
+  update();
+}
+
+void SceneView::ResetCamera() {
+  _orbit.Reset();
+  SurfacesChanged();
+  update();
+}
+
+Gallery::View SceneView::View() const {
+  const double ratio = devicePixelRatioF();
+  return {_orbit.Camera(), PictureFrame(qRound(width() * ratio), qRound(height() * ratio))};
+}
+
+QImage SceneView::Picture() {
+  return grabFramebuffer().convertToFormat(QImage::Format_RGB32);
+}
+
+std::optional<SurfacePoint> SceneView::SurfaceAt(const QPointF& p_place) {
+  std::optional<SurfacePoint> point;
+  if (!_shown.scene || !rect().contains(p_place.toPoint()))
+    return point;
+  const QPointF pixel = p_place * devicePixelRatioF();
+  const int top = qRound(height() * devicePixelRatioF()) - 1;
+  WithContext([&](Utility::Scoped<Rgl>& p_gl) {
+    if (!_picker)
+      _picker.emplace();
+    point = _picker->At(p_gl, *_shown.scene, View(), {static_cast<int>(pixel.x()), top - static_cast<int>(pixel.y())});
+  });
+  return point;
+}
+
+void SceneView::initializeGL() {
+  connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, &SceneView::Release);
+}
+
+void SceneView::Release() {
+  WithContext([this](Utility::Scoped<Rgl>&) {
+    _incoming.scene.reset();
+    _shown.scene.reset();
+    _picker.reset();
+  });
+}
+
+void SceneView::resizeGL(int, int) {
+  SurfacesChanged(); // it is drawn in any case
+}
+
+void SceneView::paintGL() {
+  Utility::Scoped<Rgl> gl(_gl);
+  const Gallery::View view = View();
+  if (!DrawIncoming(gl) && _shown.scene && !Draw(gl, _shown, view))
+    _shown.scene.reset();
+  const Types::Viewport<0>& frame = view.viewport;
+  DrawAround(gl, _shown.scene ? frame : Types::Viewport<0>(0, frame.y + frame.height / 2, frame.width, 0));
+  gl->CheckError("SceneView");
+}
+
+bool SceneView::DrawIncoming(Utility::Scoped<Rgl>& p_gl) {
+  if (!_incoming.scene)
+    return false;
+  Content content = std::exchange(_incoming, {});
+  const OrbitController orbit(content.scene->StartCamera());
+  if (!Draw(p_gl, content, {orbit.Camera(), View().viewport}))
+    return false;
+  _shown = std::move(content);
+  _orbit = orbit;
+  SurfacesChanged();
+  QMetaObject::invokeMethod(
+      this, [this] { emit Shown(); }, Qt::QueuedConnection);
+  return true;
+}
+
+bool SceneView::Draw(Utility::Scoped<Rgl>& p_gl, const Content& p_content, const Gallery::View& p_view) {
+  const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_VIEWPORT_BIT);
+  p_gl->Viewport(p_view.viewport);
+  if (p_content.about.true_pixels)
+    p_gl->Disable(RGL_MULTISAMPLE);
+  try {
+    p_content.scene->Draw(p_gl, p_view);
+    return true;
+  } catch (const std::exception& error) {
+    const QString reason = QString::fromStdString(p_content.about.name + ": " + error.what());
+    QMetaObject::invokeMethod(
+        this, [this, reason] { emit Rejected(reason); }, Qt::QueuedConnection);
+    return false;
+  }
+}
+
+void SceneView::DrawAround(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_picture) const {
+  const auto state = p_gl->PushAttribScope(RGL_SCISSOR_BIT | RGL_ENABLE_BIT | RGL_COLOR_BUFFER_BIT);
+  const int width = static_cast<int>(p_picture.width);
+  const int lower = static_cast<int>(p_picture.y);
+  const int upper = static_cast<int>(p_picture.y + p_picture.height);
+  const int top = qRound(height() * devicePixelRatioF());
+  const auto fill = [&](int p_from, int p_to, const QColor& p_color) {
+    p_gl->Scissor(0, p_from, width, std::max(p_to - p_from, 0));
+    p_gl->ClearColor(p_color);
+    p_gl->Clear(RGL_COLOR_BUFFER_BIT);
+  };
+  p_gl->Enable(RGL_SCISSOR_TEST);
+  fill(0, lower, Gallery::Theme::BackgroundBottom);
+  fill(upper, top, Gallery::Theme::BackgroundTop);
+}
+
+void SceneView::SurfacesChanged() {
+  constexpr int Rest = 100; // ms without another change
+  if (_picker)
+    _picker->Invalidate();
+  _point_soon.start(Rest);
+}
+
+void SceneView::Point() {
+  if (_pointer)
+    emit Pointed(SurfaceAt(*_pointer));
+}
+
+void SceneView::mousePressEvent(QMouseEvent* p_event) {
+  _drag_from = MousePlace(*p_event);
+}
+
+void SceneView::mouseMoveEvent(QMouseEvent* p_event) {
+  const QPointF place = MousePlace(*p_event);
+  const QPointF moved = place - std::exchange(_drag_from, place);
+  _pointer = place;
+  const Qt::MouseButtons buttons = p_event->buttons();
+  const bool shift = p_event->modifiers().testFlag(Qt::ShiftModifier);
+  if (buttons == Qt::NoButton) {
+    _point_soon.start(0);
+    return;
+  }
+  if (buttons.testFlag(Qt::MiddleButton) || (buttons.testFlag(Qt::LeftButton) && shift))
+    _orbit.Pan(moved * devicePixelRatioF(), static_cast<double>(View().viewport.height));
+  else if (buttons.testFlag(Qt::LeftButton))
+    _orbit.Orbit(moved);
+  else if (buttons.testFlag(Qt::RightButton))
+    _orbit.Zoom(-moved.y() / 24); // that many pixels are a notch of the wheel
+  SurfacesChanged();
+  update();
+}
+
+void SceneView::wheelEvent(QWheelEvent* p_event) {
+  constexpr double Notch = 120;
+  _orbit.Zoom(p_event->angleDelta().y() / Notch);
+  SurfacesChanged();
+  update();
+}
+
+void SceneView::leaveEvent(QEvent*) {
+  _pointer.reset();
+  emit Pointed({});
+}
+
+} // namespace Vek::Chart::Viewer

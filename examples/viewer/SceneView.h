@@ -1,0 +1,101 @@
+#pragma once
+
+#include "examples/viewer/OrbitController.h"
+#include "examples/viewer/ShownScene.h"
+#include "examples/viewer/SurfacePicker.h"
+
+#include "examples/scene/Scene.h"
+
+#include <QColor>
+#include <QImage>
+#include <QOpenGLWidget>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace Vek::Chart::Viewer {
+
+/// Shows a scene in a window and lets a mouse move around it: the left button turns, the middle one (or shift and the
+/// left) slides, the right one and the wheel come nearer. Without a button, the surface below the pointer is told.
+///
+/// It draws when something has changed, and only then. The GL objects of scenes are released with the widget's context
+/// current: when another scene comes, and when the context goes.
+class SceneView : public QOpenGLWidget {
+  Q_OBJECT
+public:
+  /// `p_gl` is to work on whatever context is current, as Rgl::OnCurrentContext() does.
+  explicit SceneView(const Utility::Unscoped<Rgl>& p_gl, QWidget* p_parent = nullptr);
+  ~SceneView() override;
+
+  /// The format that its context needs; for QSurfaceFormat::setDefaultFormat before the first window.
+  static QSurfaceFormat Format();
+
+  /// Shows a scene from its start camera as soon as the widget is drawn; followed by Shown, or by Rejected when its
+  /// first drawing throws. Then, and until then, the scene before stays.
+  void Show(std::unique_ptr<Gallery::Scene> p_scene, const ShownScene& p_about);
+  /// The scene that is shown; null before the first one.
+  const Gallery::Scene* Scene() const { return _shown.scene.get(); }
+  const ShownScene& About() const { return _shown.about; }
+
+  // Of the scene that is shown; see Gallery::Scene.
+  void SetColors(const std::vector<QColor>& p_colors);
+  void SetShape(std::size_t p_index);
+  void ResetCamera();
+
+  /// What is drawn, in pixels of the device.
+  Gallery::View View() const;
+  /// The picture as it is shown.
+  QImage Picture();
+  /// The surface below a place of the widget.
+  std::optional<SurfacePoint> SurfaceAt(const QPointF& p_place);
+  /// How often the surfaces of scenes were drawn for picking.
+  int PickDrawings() const { return _picker ? _picker->Drawings() : 0; }
+
+signals:
+  void Shown();
+  /// A scene cannot be drawn.
+  void Rejected(const QString& p_reason);
+  /// The pointer rests on a surface, or on none.
+  void Pointed(const std::optional<Vek::Chart::Viewer::SurfacePoint>& p_point);
+
+protected:
+  void initializeGL() override;
+  void paintGL() override;
+  void resizeGL(int p_width, int p_height) override;
+  void mousePressEvent(QMouseEvent* p_event) override;
+  void mouseMoveEvent(QMouseEvent* p_event) override;
+  void wheelEvent(QWheelEvent* p_event) override;
+  void leaveEvent(QEvent* p_event) override;
+
+private:
+  struct Content {
+    std::unique_ptr<Gallery::Scene> scene;
+    ShownScene about;
+  };
+
+  /// Calls with a scope while the context is current; not at all before there is one.
+  template <class Function>
+  void WithContext(const Function& p_function);
+  void Release();
+  /// True when the scene that waits was drawn, and took the place of the one before.
+  bool DrawIncoming(Utility::Scoped<Rgl>& p_gl);
+  /// False when drawing threw, which is told.
+  bool Draw(Utility::Scoped<Rgl>& p_gl, const Content& p_content, const Gallery::View& p_view);
+  /// Continues the background of pictures above and below one.
+  void DrawAround(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_picture) const;
+  void SurfacesChanged();
+  void Point();
+
+  Utility::Unscoped<Rgl> _gl;
+  Content _shown;
+  Content _incoming; ///< not drawn yet
+  OrbitController _orbit;
+  std::optional<SurfacePicker> _picker;
+  QTimer _point_soon;              ///< once for all moves of the pointer that wait in the queue
+  std::optional<QPointF> _pointer; ///< while it is above the widget
+  QPointF _drag_from;
+};
+
+} // namespace Vek::Chart::Viewer

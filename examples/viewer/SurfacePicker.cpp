@@ -1,0 +1,32 @@
+#include "examples/viewer/SurfacePicker.h"
+
+namespace Vek::Chart::Viewer {
+
+std::optional<SurfacePoint> SurfacePicker::At(Utility::Scoped<Rgl>& p_gl, Gallery::Scene& p_scene,
+                                              const Gallery::View& p_view, const Types::Pos& p_pixel) {
+  if (!p_scene.HasSurfaces())
+    return {};
+  // The part of the window that shows the surfaces, and the same with its lower left corner as the origin.
+  const Types::Viewport<0> part = p_scene.SurfaceViewport(p_view);
+  const Gallery::View moved{p_view.camera, {0, 0, part.width, part.height}};
+  const Types::Pos pixel(p_pixel.x - static_cast<int>(part.x), p_pixel.y - static_cast<int>(part.y));
+  if (pixel.x < 0 || pixel.y < 0 || pixel.x >= static_cast<int>(part.width) || pixel.y >= static_cast<int>(part.height))
+    return {};
+  if (!_pass)
+    _pass.emplace(p_gl);
+  std::optional<SurfacePoint> result;
+  _depths.GetDepthAt(
+      p_gl, moved.viewport, pixel, _shown,
+      [&](Library::DepthCodec::Encoding) {
+        ++_drawings;
+        _pass->Draw(p_gl, [&] { p_scene.DrawSurfaces(p_gl, moved); });
+      },
+      [&](unsigned int, float p_depth) {
+        const double depth = static_cast<double>(p_depth);
+        const Gallery::Camera::Pixel center{pixel.x + 0.5, pixel.y + 0.5, true};
+        result = SurfacePoint{depth, moved.camera.Unproject(center, depth, moved.viewport)};
+      });
+  return result;
+}
+
+} // namespace Vek::Chart::Viewer
