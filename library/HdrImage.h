@@ -27,11 +27,12 @@ namespace Vek::Chart::Library {
 /// Pixels", Graphics Gems II, 1991, and the Radiance reference manual, "File Formats".
 ///
 /// Errors. What is wrong with the file is reported through the logger, and reading goes on: a wrong signature
-/// ("header == "#?RADIANCE""), a header line without one '=' ("param.size() == 2"), a wrong orientation, a run without
-/// a pixel to repeat ("previous"; a zero pixel is repeated), a file that ends too early ("!p_stream.eof()"; the rest is
-/// 0). A resolution line that cannot be read gives 0 × 0. Data that would run over the end of a scanline throw
-/// std::out_of_range; a resolution that is negative, or that claims more pixels than the file can hold, throws
-/// std::length_error.
+/// ("header.size() == 10", "header == "#?RADIANCE""), a header line without one '=' ("param.size() == 2", and for none
+/// "line.find_first_of('=') != std::string::npos"), a wrong orientation ("(axisY == "-Y") && (axisX == "+X")"), a run
+/// without a pixel to repeat ("previous"; a zero pixel is repeated), a separated scanline of another width
+/// ("scanlineWidth == p_scanline.size()"), a file that ends too early ("!p_stream.eof()"; the rest is 0). A resolution
+/// line that cannot be read gives 0 × 0. Data that would run over the end of a scanline throw std::out_of_range; a
+/// resolution that is negative, or that claims more pixels than the file can hold, throws std::length_error.
 ///
 /// Copies share their pixels. No GPU state, no threads of its own.
 ///

@@ -6,8 +6,8 @@
 
 namespace Vek::Chart::Library {
 
-/// The mip-map levels of a 2-D texture: level 0 is the whole picture, each further one half of it in both directions,
-/// rounded down and at least 1, down to 1 × 1.
+/// The mip-map levels of a 2-D texture, and their sizes. Level 0 is the whole picture, each further one half of it in
+/// both directions, rounded down and at least 1, down to 1 × 1.
 ///
 /// \snippet PickingSnippetsTest.cpp MipInfo
 /// \ingroup picking

@@ -18,9 +18,9 @@ namespace Vek::Chart::Library {
 ///
 /// An unknown name is reported with the names that are known, and gives no colours. Safe from several threads at once.
 ///
-///     const ColorMap blended(NamedColors::Colors("viridis"), ColorMap::Interpolated);
-///     const ColorMap classed(NamedColors::Colors("viridis", 7), ColorMap::Discrete);
-///     const ColorMap downwards(NamedColors::Colors("magma", 256, 0.9, 0.1), ColorMap::Interpolated);
+/// \snippet ColorSnippetsTest.cpp NamedColors
+/// \image html wind.jpg
+/// \ingroup colours
 class VEK_LIBRARY_API NamedColors {
 public:
   /// All names, in the order of a list to choose from.
@@ -36,7 +36,7 @@ public:
   /// "0 <= p_from && p_from <= 1", "0 <= p_to && p_to <= 1".
   static std::vector<QColor> Colors(const std::string& p_name, int p_count, double p_from = 0, double p_to = 1);
 
-  NamedColors() = delete;
+  NamedColors() = delete; ///< only static members
 };
 
 } // namespace Vek::Chart::Library

@@ -183,8 +183,8 @@ struct StreamWriterKind<boost::array<unsigned int, N>, Writer> {
 template <class Container, class Operations, class E>
 class ContainerStreamWriter;
 
-/// The complete writer into a vector of elements E: boost::array<unsigned char, 1>, boost::array<float, 1 to 4> or
-/// boost::array<unsigned int, 1 to 4>.
+/// Puts what a source of vertex data pushes into a vector, converted to its elements E. These are
+/// boost::array<unsigned char, 1>, boost::array<float, 1 to 4> or boost::array<unsigned int, 1 to 4>.
 ///
 /// \snippet DataSnippetsTest.cpp ContainerStreamWriter
 /// \ingroup data

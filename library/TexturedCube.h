@@ -10,9 +10,9 @@
 
 namespace Vek::Chart::Library {
 
-/// The cube from 0 to 1 in model units. Every corner is sent with its own position as three-dimensional texture
-/// coordinate, so that a bound 3-D texture fills the cube exactly. No normals. Faces run counter-clockwise seen from
-/// outside.
+/// The cube from 0 to 1 in model units, filled by a 3-D texture. Every corner is sent with its own position as
+/// three-dimensional texture coordinate, so that the bound texture fills the cube exactly. No normals. Faces run
+/// counter-clockwise seen from outside.
 ///
 /// Leaves the current texture coordinate of its unit changed.
 ///

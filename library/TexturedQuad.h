@@ -15,9 +15,8 @@
 
 namespace Vek::Chart::Library {
 
-/// A rectangle in window pixels with one texture or several on top of each other, either stretched whole or as a
-/// nine-patch: with a border, the corners keep their size of `border` × `border` texels, the edges and the middle
-/// stretch.
+/// A rectangle in window pixels with one texture or several on top of each other, stretched whole or as a nine-patch.
+/// With a border, the corners keep their size of `border` × `border` texels, the edges and the middle stretch.
 ///
 /// Corners are truncated toward zero to whole pixels. A rectangle without a positive width and height draws nothing and
 /// touches no GL state. The projection must map pixels to the viewport (`Rgl::PixelProjection`).
