@@ -5,11 +5,11 @@
 #include "examples/SceneMakers.h"
 
 #include "examples/scene/Arrays.h"
-#include "examples/scene/Lettering.h"
 #include "examples/scene/Light.h"
 #include "examples/scene/Overlay.h"
 #include "examples/scene/Palettes.h"
 #include "examples/scene/Quakes.h"
+#include "examples/scene/SpaceScene.h"
 #include "examples/scene/Theme.h"
 
 #include "library/ColorAtlas.h"
@@ -131,7 +131,7 @@ QColor ClassShade(const QColor& p_hue, std::size_t p_class) {
                      : Mixed(p_hue, Qt::black, 0.18 * static_cast<double>(p_class - 1));
 }
 
-class AtlasScene : public Scene {
+class AtlasScene : public SpaceScene {
 public:
   AtlasScene(const Inputs& p_inputs, Loading& p_loading)
       : _regions(CountByRegion(ReadQuakesFile(p_inputs.quakes, p_loading))) {
@@ -150,22 +150,44 @@ public:
     return camera;
   }
 
-  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
-    DrawBackground(p_gl, p_view, _lettering);
-    if (_bars.Vertices().Empty()) {
-      _atlas.BuildAtlas(p_gl);
-      BuildBars(); // which show where the atlas has put its colours
+protected:
+  void Prepare(Utility::Scoped<Rgl>& p_gl) override {
+    _atlas.BuildAtlas(p_gl);
+    BuildBars(); // which show where the atlas has put its colours
+  }
+
+  void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View&) override {
+    const auto light = Light().Apply(p_gl);
+    const auto textures = p_gl->PushAttribScope(RGL_TEXTURE_BIT | RGL_ENABLE_BIT);
+    (*_atlas.Texture())(p_gl, RGL_TEXTURE0);
+    p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_MODULATE); // the light shades the atlas's colours
+    DrawDepths(p_gl);
+  }
+
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override {
+    for (std::size_t i = 0; i < Panels.size(); ++i)
+      DrawPanel(p_gl, i);
+  }
+
+  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View&, Overlay& p_overlay) override {
+    p_overlay.Title("Colour atlas",
+                    "A week of earthquakes by region and magnitude, drawn three times with one texture");
+    const Lettering::Style text{Theme::SmallSize, Theme::Text, false};
+    for (std::size_t panel = 0; panel < Panels.size(); ++panel) {
+      const Point origin(PanelPitch * static_cast<double>(panel), 0, 0);
+      const Point top = origin + Point(-0.42, 0, 0.8);
+      p_overlay.TextAt(Panels[panel].title, top, 0, 26, {0, 0.5}, {Theme::TextSize, Theme::Title, true});
+      p_overlay.TextAt(Panels[panel].line, top, 0, 0, {0, 0.5}, text);
+      for (std::size_t row = 0; row < _regions.size(); ++row) {
+        const Point end = origin + RowStart(row) + Point(BarLength(_regions[row].Total()), 0, 0);
+        p_overlay.TextAt(QString::number(_regions[row].Total()), end, 14, 0, {0, 0.5}, text);
+        if (panel == 0)
+          p_overlay.TextAt(QString::fromStdString(_regions[row].name), RowStart(row) + Point(-0.42, 0, 0), -14, 0,
+                           {1, 0.5}, text);
+      }
     }
-    {
-      const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
-      const auto light = Light().Apply(p_gl);
-      const auto textures = p_gl->PushAttribScope(RGL_TEXTURE_BIT | RGL_ENABLE_BIT);
-      (*_atlas.Texture())(p_gl, RGL_TEXTURE0);
-      p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_MODULATE); // the light shades the atlas's colours
-      for (std::size_t i = 0; i < Panels.size(); ++i)
-        DrawPanel(p_gl, i);
-    }
-    DrawLabels(p_gl, p_view);
+    DrawLegend(p_overlay);
+    DrawAtlas(p_gl, p_overlay);
   }
 
 private:
@@ -260,27 +282,6 @@ private:
     p_gl->MatrixMode(RGL_MODELVIEW);
   }
 
-  void DrawLabels(Utility::Scoped<Rgl>& p_gl, const View& p_view) {
-    Overlay overlay(p_gl, p_view, _lettering);
-    overlay.Title("Colour atlas", "A week of earthquakes by region and magnitude, drawn three times with one texture");
-    const Lettering::Style text{Theme::SmallSize, Theme::Text, false};
-    for (std::size_t panel = 0; panel < Panels.size(); ++panel) {
-      const Point origin(PanelPitch * static_cast<double>(panel), 0, 0);
-      const Point top = origin + Point(-0.42, 0, 0.8);
-      overlay.TextAt(Panels[panel].title, top, 0, 26, {0, 0.5}, {Theme::TextSize, Theme::Title, true});
-      overlay.TextAt(Panels[panel].line, top, 0, 0, {0, 0.5}, text);
-      for (std::size_t row = 0; row < _regions.size(); ++row) {
-        const Point end = origin + RowStart(row) + Point(BarLength(_regions[row].Total()), 0, 0);
-        overlay.TextAt(QString::number(_regions[row].Total()), end, 14, 0, {0, 0.5}, text);
-        if (panel == 0)
-          overlay.TextAt(QString::fromStdString(_regions[row].name), RowStart(row) + Point(-0.42, 0, 0), -14, 0,
-                         {1, 0.5}, text);
-      }
-    }
-    DrawLegend(overlay);
-    DrawAtlas(p_gl, overlay);
-  }
-
   /// The shades of the first region's classes.
   void DrawLegend(Overlay& p_overlay) const {
     const Lettering::Style text{Theme::SmallSize, Theme::Text, false};
@@ -331,7 +332,6 @@ private:
   std::vector<std::array<unsigned int, Classes>> _class_ids;
   std::array<unsigned int, 2> _instances{};
   Ogl::VertexData _bars;
-  Lettering _lettering;
 };
 
 } // namespace

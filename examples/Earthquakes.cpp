@@ -4,15 +4,16 @@
 #include "examples/SceneMakers.h"
 
 #include "examples/scene/Files.h"
+#include "examples/scene/Glyphs.h"
 #include "examples/scene/HeightField.h"
 #include "examples/scene/Instances.h"
-#include "examples/scene/Lettering.h"
 #include "examples/scene/Light.h"
 #include "examples/scene/MapAxes.h"
 #include "examples/scene/Overlay.h"
 #include "examples/scene/Palettes.h"
 #include "examples/scene/Quakes.h"
 #include "examples/scene/Relief.h"
+#include "examples/scene/SpaceScene.h"
 #include "examples/scene/Theme.h"
 
 #include "library/ColorMap.h"
@@ -47,10 +48,20 @@ double ColorPlace(double p_depth) {
   return std::sqrt(std::clamp(p_depth / DeepestColored, 0.0, 1.0));
 }
 
-class EarthquakesScene : public Scene {
+/// What can mark an earthquake, in their middle upright.
+struct Marker {
+  Model::Symbol::Shape shape;
+};
+constexpr Marker Markers[] = {{Model::Symbol::ShapeSphere},      {Model::Symbol::ShapeCube},
+                              {Model::Symbol::ShapeCone},        {Model::Symbol::ShapeCylinder},
+                              {Model::Symbol::ShapeArrowHead3D}, {Model::Symbol::ShapeCircularArrow3D},
+                              {Model::Symbol::ShapeCrosshair}};
+
+class EarthquakesScene : public SpaceScene {
 public:
   EarthquakesScene(const Inputs& p_inputs, Loading& p_loading)
-      : _quakes(ReadQuakesFile(p_inputs.quakes, p_loading.Stage(0.5)))
+      : SpaceScene(Palettes::Plasma(0.97, 0.2))
+      , _quakes(ReadQuakesFile(p_inputs.quakes, p_loading.Stage(0.5)))
       , _file(QString::fromStdString(FileName(p_inputs.quakes)))
       , _relief(HeightField::ReadFile(p_inputs.relief, p_loading.Stage(0.9)), _map, 3e-4)
       , _symbols(p_inputs.symbols)
@@ -67,32 +78,62 @@ public:
     return camera;
   }
 
-  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
-    DrawBackground(p_gl, p_view, _lettering);
-    Prepare(p_gl);
-    {
-      const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
-      DrawBox(p_gl, p_view);
-      Light bright;
-      bright.ambient = 0.55;
-      const auto light = bright.Apply(p_gl);
-      DrawStems(p_gl, p_view);
-      _painter.Draw(p_gl, _sphere, _spheres, _colors);
-      _painter.Draw(p_gl, _sphere, _key_spheres, _colors);
-      DrawSurface(p_gl);
-    }
-    DrawLegends(p_gl, p_view);
+  std::vector<std::string> Shapes() const override { return ShapeNames(Markers); }
+  void SetShape(std::size_t p_index) override {
+    if (p_index < std::size(Markers))
+      _shape = Markers[p_index].shape;
+  }
+
+protected:
+  void Prepare(Utility::Scoped<Rgl>& p_gl) override {
+    _registry = std::make_unique<SymbolRegistry>(boost::make_shared<ModelCache>(p_gl.Handle()), _symbols);
+  }
+
+  void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
+    DrawBox(p_gl, p_world);
+    Light bright;
+    bright.ambient = 0.55;
+    const auto light = bright.Apply(p_gl);
+    DrawStems(p_gl, p_world);
+    const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 2 * p_world.PointSize())));
+    const Mesh marker = MeshOf(*_registry, _shape);
+    _painter.Draw(p_gl, marker, _spheres, Colors());
+    _painter.Draw(p_gl, marker, _key_spheres, Colors());
+    DrawSurface(p_gl);
+  }
+
+  /// The map lets what lies below shine through, so that is what one points at.
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override {
+    _relief.DrawSurface(p_gl, _relief_colors);
+    p_gl->Clear(RGL_DEPTH_BUFFER_BIT);
+    const Mesh marker = MeshOf(*_registry, _shape);
+    _painter.DrawDepths(p_gl, marker, _spheres);
+    _painter.DrawDepths(p_gl, marker, _key_spheres);
+  }
+
+  void DrawLegends(Utility::Scoped<Rgl>&, const View&, Overlay& p_overlay) override {
+    LabelMeridians(p_overlay, _map, BoxDepth);
+    LabelParallels(p_overlay, _map, 0);
+    if (_file == "earthquakes.csv")
+      p_overlay.Title("A week of earthquakes", "31 January to 7 February 2018, as they lie below the surface");
+    else
+      p_overlay.Title("Earthquakes", _file);
+    std::vector<Overlay::Tick> ticks;
+    for (const double depth : {0.0, 10.0, 50.0, 100.0, 200.0, 400.0, 600.0})
+      ticks.push_back({ColorPlace(depth), QString::number(depth)});
+    p_overlay.Bar({60, 62, 520, 78}, Colors(), "Depth in km", ticks);
+    const Lettering::Style style{Theme::SmallSize, Theme::Text, false};
+    for (int magnitude = 2; magnitude <= 6; ++magnitude)
+      p_overlay.TextAt(QString::number(magnitude), KeyPlace(magnitude), 0, -30, {0.5, 0.5}, style);
+    p_overlay.TextAt("Magnitude", KeyPlace(2), -30, -30, {1, 0.5}, style);
+    for (int depth = 200; depth <= 600; depth += 200)
+      p_overlay.TextAt(QString::number(depth) + " km",
+                       _map.Place(_map.East(), _map.South(), -depth * UnitsPerKilometre), 10, 0, {0, 0.5},
+                       {Theme::SmallSize, Theme::Faint, false});
   }
 
 private:
-  void Prepare(Utility::Scoped<Rgl>& p_gl) {
-    if (_registry)
-      return;
-    _registry = std::make_unique<SymbolRegistry>(boost::make_shared<ModelCache>(p_gl.Handle()), _symbols);
-    const auto shape = Model::Symbol::ShapeSphere;
-    _sphere = {_registry->GetVertexBuffer(shape), _registry->GetIndexBuffer(shape), _registry->GetBoundingBox(shape)};
-  }
-
   Point PlaceOf(const Quake& p_quake) const {
     return _map.Place(p_quake.lon, p_quake.lat, -p_quake.depth * UnitsPerKilometre);
   }
@@ -169,27 +210,6 @@ private:
     _relief.DrawSurface(p_gl, _relief_colors);
   }
 
-  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view) {
-    Overlay overlay(p_gl, p_view, _lettering);
-    LabelMeridians(overlay, _map, BoxDepth);
-    LabelParallels(overlay, _map, 0);
-    if (_file == "earthquakes.csv")
-      overlay.Title("A week of earthquakes", "31 January to 7 February 2018, as they lie below the surface");
-    else
-      overlay.Title("Earthquakes", _file);
-    std::vector<Overlay::Tick> ticks;
-    for (const double depth : {0.0, 10.0, 50.0, 100.0, 200.0, 400.0, 600.0})
-      ticks.push_back({ColorPlace(depth), QString::number(depth)});
-    overlay.Bar({60, 62, 520, 78}, _colors, "Depth in km", ticks);
-    const Lettering::Style style{Theme::SmallSize, Theme::Text, false};
-    for (int magnitude = 2; magnitude <= 6; ++magnitude)
-      overlay.TextAt(QString::number(magnitude), KeyPlace(magnitude), 0, -30, {0.5, 0.5}, style);
-    overlay.TextAt("Magnitude", KeyPlace(2), -30, -30, {1, 0.5}, style);
-    for (int depth = 200; depth <= 600; depth += 200)
-      overlay.TextAt(QString::number(depth) + " km", _map.Place(_map.East(), _map.South(), -depth * UnitsPerKilometre),
-                     10, 0, {0, 0.5}, {Theme::SmallSize, Theme::Faint, false});
-  }
-
   MapFrame _map{-25, 335, -70, 84}; ///< the Pacific with its rim of earthquakes in the middle
   std::vector<Quake> _quakes;
   QString _file;
@@ -199,10 +219,8 @@ private:
   InstancePainter _painter;
   InstanceBuffers _spheres;
   InstanceBuffers _key_spheres;
-  Mesh _sphere;
-  ColorMap _colors{Palettes::Plasma(0.97, 0.2), ColorMap::Interpolated};
+  Model::Symbol::Shape _shape = Markers[0].shape;
   ColorMap _relief_colors = Relief::MutedColors(0.45, 1.7);
-  Lettering _lettering;
 };
 
 } // namespace

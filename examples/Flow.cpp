@@ -5,18 +5,17 @@
 
 #include "examples/scene/Files.h"
 #include "examples/scene/FlowLines.h"
-#include "examples/scene/Lettering.h"
+#include "examples/scene/Glyphs.h"
 #include "examples/scene/Light.h"
 #include "examples/scene/MapAxes.h"
 #include "examples/scene/Overlay.h"
 #include "examples/scene/Palettes.h"
+#include "examples/scene/SpaceScene.h"
 #include "examples/scene/Streamlines.h"
 #include "examples/scene/Sweep.h"
 #include "examples/scene/TextTable.h"
 #include "examples/scene/Theme.h"
 #include "examples/scene/VectorGrid.h"
-
-#include "library/ColorMap.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,7 +25,6 @@ namespace Vek::Chart::Gallery {
 
 namespace {
 
-using Library::ColorMap;
 using Library::StreamLineShape;
 using Point = Types::Vector3_Base<double>;
 
@@ -81,16 +79,16 @@ std::vector<Point> Seeds(const VectorGrid& p_grid, double p_least) {
       }
   std::mt19937 random(3);
   for (std::vector<Point>* seeds : {&inlets, &others})
-    for (std::size_t i = seeds->size(); i > 1; --i)
-      std::swap((*seeds)[i - 1], (*seeds)[random() % i]);
+    Shuffle(*seeds, random);
   inlets.insert(inlets.end(), others.begin(), others.end());
   return inlets;
 }
 
-class FlowScene : public Scene {
+class FlowScene : public SpaceScene {
 public:
   FlowScene(const Inputs& p_inputs, Loading& p_loading)
-      : _is_own(p_inputs.flow.empty())
+      : SpaceScene(Palettes::Plasma(0.12, 1.0))
+      , _is_own(p_inputs.flow.empty())
       , _file(QString::fromStdString(FileName(p_inputs.flow)))
       , _grid(_is_own ? BurgersGrid() : VectorGrid::ReadFile(p_inputs.flow, p_loading.Stage(0.5)))
       , _center((_grid.Min() + _grid.Max()) * 0.5)
@@ -102,7 +100,8 @@ public:
     const std::vector<double> ticks = RoundTicks(0, _fastest, 5);
     if (ticks.size() > 1)
       _fastest = std::ceil(_fastest / ticks[1] - 0.1) * ticks[1];
-    BuildLines();
+    _clipped = _grid.LengthQuantile(1) > _fastest * (1 + 1e-9);
+    BuildLines(p_loading.Stage(1));
   }
 
   Camera StartCamera() const override {
@@ -116,17 +115,27 @@ public:
     return camera;
   }
 
-  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
-    DrawBackground(p_gl, p_view, _lettering);
-    {
-      const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
-      Light bright;
-      bright.ambient = 0.4;
-      const auto light = bright.Apply(p_gl);
-      DrawBox(p_gl, p_view);
-      DrawColored(p_gl, _colors, {&_tubes, &_heads});
-    }
-    DrawLegends(p_gl, p_view);
+  std::vector<std::string> Shapes() const override { return ShapeNames(ArrowHeads::Glyphs()); }
+  void SetShape(std::size_t p_index) override { _heads.SetGlyph(p_index); }
+
+protected:
+  void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
+    Light bright;
+    bright.ambient = 0.4;
+    const auto light = bright.Apply(p_gl);
+    DrawBox(p_gl, p_world);
+    DrawDepths(p_gl);
+  }
+
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override { DrawColored(p_gl, Colors(), {&_tubes, &_heads.Mesh()}); }
+
+  void DrawLegends(Utility::Scoped<Rgl>&, const View&, Overlay& p_overlay) override {
+    if (_is_own)
+      p_overlay.Title("A Burgers vortex", "Computed: drawn in from the sides, stretched along its axis");
+    else
+      p_overlay.Title("Flow", _file);
+    p_overlay.Bar({60, 62, 520, 78}, Colors(), _is_own ? "Speed (no unit)" : "Speed in the units of the file",
+                  TicksFromZero(_fastest, 5, _clipped));
   }
 
 private:
@@ -143,8 +152,11 @@ private:
     return std::max(std::sqrt(volume / length), 1.4 * std::min({cell.x, cell.y, cell.z}));
   }
 
-  void BuildLines() {
-    const FlowFunction flow = [this](const Point& p_place, Point& p_vector) { return _grid.At(p_place, p_vector); };
+  void BuildLines(const Loading& p_loading) {
+    const FlowFunction flow = [&](const Point& p_place, Point& p_vector) {
+      p_loading.CheckCancelled();
+      return _grid.At(p_place, p_vector);
+    };
     const std::vector<Point> seeds = Seeds(_grid, Slowest());
     const double distance = Distance(seeds.size());
     const double diagonal = Diagonal / _scale;
@@ -157,7 +169,6 @@ private:
     const std::vector<Streamline> lines =
         SpacedStreamlines(flow, seeds, {distance, 0.2 * distance, diagonal / 6}, options);
     Sweep tubes(StreamLineShape(StreamLineShape::ShapeTube, {}));
-    ArrowHeads heads;
     for (const Streamline& line : lines) {
       std::vector<SweepPoint> styled;
       for (const Point& place : line) {
@@ -167,10 +178,9 @@ private:
             {ToScene(place), std::min(0.9, 0.26 * distance * _scale), std::min(1.0, Length(vector) / _fastest)});
       }
       tubes.Add(styled);
-      heads.AddAlong(styled, 16, 3);
+      _heads.AddAlong(styled, 16, 3);
     }
     _tubes = tubes.TakeMesh();
-    _heads = heads.Mesh();
   }
 
   void DrawBox(Utility::Scoped<Rgl>& p_gl, const View& p_view) const {
@@ -198,31 +208,15 @@ private:
     p_gl->End();
   }
 
-  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view) {
-    Overlay overlay(p_gl, p_view, _lettering);
-    if (_is_own)
-      overlay.Title("A Burgers vortex", "Computed: drawn in from the sides, stretched along its axis");
-    else
-      overlay.Title("Flow", _file);
-    std::vector<Overlay::Tick> ticks;
-    const bool clipped = _grid.LengthQuantile(1) > _fastest * (1 + 1e-9);
-    for (const double speed : RoundTicks(0, _fastest, 5)) {
-      const QString beyond = clipped && speed == _fastest ? QString(QChar(0x2265)) + ' ' : QString();
-      ticks.push_back({speed / _fastest, beyond + QString::number(speed)});
-    }
-    overlay.Bar({60, 62, 520, 78}, _colors, _is_own ? "Speed (no unit)" : "Speed in the units of the file", ticks);
-  }
-
   bool _is_own; ///< the scene's own vortex, no file
   QString _file;
   VectorGrid _grid;
   Point _center;
   double _scale;
   double _fastest; ///< at the upper end of the colours
-  ColorMap _colors{Palettes::Plasma(0.12, 1.0), ColorMap::Interpolated};
+  bool _clipped;   ///< whether there are faster flows
   Ogl::VertexData _tubes;
-  Ogl::VertexData _heads;
-  Lettering _lettering;
+  ArrowHeads _heads;
 };
 
 } // namespace

@@ -4,10 +4,11 @@
 
 #include "examples/SceneMakers.h"
 
+#include "examples/scene/DepthImages.h"
 #include "examples/scene/DepthPass.h"
-#include "examples/scene/Lettering.h"
 #include "examples/scene/Light.h"
 #include "examples/scene/Overlay.h"
+#include "examples/scene/SpaceScene.h"
 #include "examples/scene/Theme.h"
 
 #include "library/DepthCodec.h"
@@ -75,55 +76,7 @@ constexpr std::array<Point, 7> Targets = {{{-3.2, 1.4, 1.9},
                                            {4.6, -2.6, 0.7},
                                            {5.4, 3.5, 4.2}}};
 
-/// Light is near, dark is far; transparent where nothing was drawn.
-QRgb Grey(double p_depth, double p_nearest, double p_farthest) {
-  const double far = std::clamp((p_depth - p_nearest) / std::max(p_farthest - p_nearest, 1e-9), 0.0, 1.0);
-  const int grey = static_cast<int>(std::lround(245 - 200 * far));
-  return qRgb(grey, grey, grey);
-}
-
-float Decoded(QRgb p_pixel) {
-  const auto byte = [](int p_value) { return static_cast<unsigned char>(p_value); };
-  return DepthCodec::Decode(
-      {{byte(qRed(p_pixel)), byte(qGreen(p_pixel)), byte(qBlue(p_pixel)), byte(qAlpha(p_pixel))}});
-}
-
-/// The depths of a whole picture, and what came of packing them.
-struct Depths {
-  QImage decoded;
-  QImage truth;
-  double largest_error = 0;
-};
-
-Depths Compare(const QImage& p_packed, const std::vector<float>& p_truth) {
-  Depths depths{QImage(p_packed.size(), QImage::Format_ARGB32), QImage(p_packed.size(), QImage::Format_ARGB32), 0};
-  depths.decoded.fill(Qt::transparent);
-  depths.truth.fill(Qt::transparent);
-  const auto width = static_cast<std::size_t>(p_packed.width());
-  if (p_truth.size() != width * static_cast<std::size_t>(p_packed.height()))
-    return depths;
-  double nearest = 1;
-  double farthest = 0;
-  for (const float depth : p_truth)
-    if (depth < 1.0F) {
-      nearest = std::min(nearest, static_cast<double>(depth));
-      farthest = std::max(farthest, static_cast<double>(depth));
-    }
-  for (int y = 0; y < p_packed.height(); ++y)
-    for (int x = 0; x < p_packed.width(); ++x) {
-      const auto row = static_cast<std::size_t>(p_packed.height() - 1 - y); // the buffer's lowest row is the first
-      const double truth = static_cast<double>(p_truth[row * width + static_cast<std::size_t>(x)]);
-      const double decoded = static_cast<double>(Decoded(p_packed.pixel(x, y)));
-      depths.largest_error = std::max(depths.largest_error, std::abs(decoded - truth));
-      if (decoded < 1)
-        depths.decoded.setPixel(x, y, Grey(decoded, nearest, farthest));
-      if (truth < 1)
-        depths.truth.setPixel(x, y, Grey(truth, nearest, farthest));
-    }
-  return depths;
-}
-
-class PickingScene : public Scene {
+class PickingScene : public SpaceScene {
 public:
   PickingScene() {
     for (const Item& item : Items())
@@ -142,25 +95,48 @@ public:
     return camera;
   }
 
-  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
-    DrawBackground(p_gl, p_view, _lettering);
-    if (!_pass)
-      _pass.emplace(p_gl);
-    const View scene{p_view.camera, Part(p_view, MainPart)};
-    DrawLit(p_gl, scene);
-    const std::vector<Pick> picks = PickAll(p_gl, scene);
-    const Depths depths = ReadAll(p_gl, scene, Part(p_view, DecodedPart));
-    Overlay overlay(p_gl, p_view, _lettering);
-    overlay.Title("Picking", "Where in the world a pixel lies, told by its depth");
-    DrawPanel(p_gl, overlay, p_view, depths.decoded, DecodedPart, "Depths unpacked from the colours of the picture");
-    DrawPanel(p_gl, overlay, p_view, depths.truth, TruePart, "The true depth buffer");
-    overlay.Text("Largest difference: " + QString::number(depths.largest_error, 'f', 5) + " = " +
-                     QString::number(depths.largest_error * 255, 'f', 2) + " / 255",
-                 TruePart.left, TruePart.bottom - 18, {0, 1}, {Theme::SmallSize, Theme::Title, false});
-    overlay.Text("Packing cuts off what a byte does not hold.", TruePart.left, TruePart.bottom - 44, {0, 1},
-                 {Theme::SmallSize, Theme::Faint, false});
-    for (const Pick& pick : picks)
-      DrawPick(overlay, p_view, pick);
+  Types::Viewport<0> SurfaceViewport(const View& p_view) const override { return Part(p_view, MainPart); }
+
+protected:
+  void Prepare(Utility::Scoped<Rgl>& p_gl) override { _pass.emplace(p_gl); }
+
+  void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
+    const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT);
+    {
+      const auto light = Light().Apply(p_gl);
+      p_gl->Enable(RGL_COLOR_MATERIAL);
+      DrawDepths(p_gl);
+    }
+    if (_shown && _shown->camera == p_world.camera && _shown->viewport == p_world.viewport)
+      return;
+    _picks = PickAll(p_gl, p_world);
+    ReadAll(p_gl, p_world);
+    _shown = p_world;
+  }
+
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override {
+    for (const Item& item : Items()) {
+      p_gl->PushMatrix();
+      p_gl->Translate(item.position);
+      p_gl->Rotate(Types::Angle::FromDegrees(item.turn), {0, 0, 1});
+      p_gl->Scale(item.scale);
+      p_gl->Color(item.color);
+      _meshes.at(item.shape).Draw(p_gl);
+      p_gl->PopMatrix();
+    }
+  }
+
+  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view, Overlay& p_overlay) override {
+    p_overlay.Title("Picking", "Where in the world a pixel lies, told by its depth");
+    DrawPanel(p_gl, p_overlay, _decoded, DecodedPart, "Depths unpacked from the colours of the picture");
+    DrawPanel(p_gl, p_overlay, _truth, TruePart, "The true depth buffer");
+    p_overlay.Text("Largest difference: " + QString::number(_largest_error, 'f', 5) + " = " +
+                       QString::number(_largest_error * 255, 'f', 2) + " / 255",
+                   TruePart.left, TruePart.bottom - 18, {0, 1}, {Theme::SmallSize, Theme::Title, false});
+    p_overlay.Text("Packing cuts off what a byte does not hold.", TruePart.left, TruePart.bottom - 44, {0, 1},
+                   {Theme::SmallSize, Theme::Faint, false});
+    for (const Pick& pick : _picks)
+      DrawPick(p_overlay, p_view, pick);
   }
 
 private:
@@ -182,27 +158,6 @@ private:
             pixels(p_rect.right - p_rect.left), pixels(p_rect.top - p_rect.bottom)};
   }
 
-  void DrawItems(Utility::Scoped<Rgl>& p_gl, const Camera& p_camera, const Types::Viewport<0>& p_viewport) const {
-    const auto camera = p_camera.Apply(p_gl, p_viewport);
-    for (const Item& item : Items()) {
-      p_gl->PushMatrix();
-      p_gl->Translate(item.position);
-      p_gl->Rotate(Types::Angle::FromDegrees(item.turn), {0, 0, 1});
-      p_gl->Scale(item.scale);
-      p_gl->Color(item.color);
-      _meshes.at(item.shape).Draw(p_gl);
-      p_gl->PopMatrix();
-    }
-  }
-
-  void DrawLit(Utility::Scoped<Rgl>& p_gl, const View& p_scene) const {
-    const auto state = p_gl->PushAttribScope(RGL_VIEWPORT_BIT | RGL_ENABLE_BIT | RGL_CURRENT_BIT);
-    p_gl->Viewport(p_scene.viewport);
-    const auto light = Light().Apply(p_gl);
-    p_gl->Enable(RGL_COLOR_MATERIAL);
-    DrawItems(p_gl, p_scene.camera, p_scene.viewport);
-  }
-
   std::vector<Pick> PickAll(Utility::Scoped<Rgl>& p_gl, const View& p_scene) {
     const Core::TimeStamp stamp; // of the view as it is now: all picks share one drawing
     std::vector<Pick> picks;
@@ -218,7 +173,7 @@ private:
         continue;
       pick.hit = _picker.GetDepthAt(
           p_gl, p_scene.viewport, {x, y}, stamp,
-          [&](DepthCodec::Encoding) { _pass->Draw(p_gl, [&] { DrawItems(p_gl, p_scene.camera, p_scene.viewport); }); },
+          [&](DepthCodec::Encoding) { _pass->Draw(p_gl, [&] { DrawSurfaces(p_gl, p_scene); }); },
           [&](unsigned int, float p_depth) {
             pick.place = p_scene.camera.Unproject({x + 0.5, y + 0.5, true}, static_cast<double>(p_depth),
                                                   {0, 0, p_scene.viewport.width, p_scene.viewport.height});
@@ -229,23 +184,35 @@ private:
   }
 
   /// The same drawing in the size of a panel, its colours decoded and its depth buffer.
-  Depths ReadAll(Utility::Scoped<Rgl>& p_gl, const View& p_scene, const Types::Viewport<0>& p_panel) const {
-    const RenderTexture target({static_cast<int>(p_panel.width), static_cast<int>(p_panel.height)});
+  void ReadAll(Utility::Scoped<Rgl>& p_gl, const View& p_scene) {
+    // The panels have the form of the main part.
+    const double scale = (DecodedPart.right - DecodedPart.left) / (MainPart.right - MainPart.left);
+    const Types::Size size(static_cast<int>(static_cast<double>(p_scene.viewport.width) * scale),
+                           static_cast<int>(static_cast<double>(p_scene.viewport.height) * scale));
+    _decoded.reset();
+    _truth.reset();
+    if (size.width < 1 || size.height < 1)
+      return;
+    if (!_target || _target->Size() != size)
+      _target.emplace(size);
     {
-      const auto bound = target.BindForDraw(p_gl);
-      _pass->Draw(p_gl, [&] { DrawItems(p_gl, p_scene.camera, p_panel); });
+      const auto bound = _target->BindForDraw(p_gl);
+      _pass->Draw(p_gl, [&] { DrawSurfaces(p_gl, p_scene); });
     }
-    return Compare(target.ToImage(p_gl), target.ReadDepths(p_gl));
+    const DepthImages images(_target->ToImage(p_gl), _target->ReadDepths(p_gl));
+    _decoded.emplace(images.decoded, p_gl);
+    _truth.emplace(images.truth, p_gl);
+    _largest_error = images.largest_error;
   }
 
-  static void DrawPanel(Utility::Scoped<Rgl>& p_gl, Overlay& p_overlay, const View& p_view, const QImage& p_image,
-                        const Overlay::Rect& p_rect, const QString& p_title) {
+  static void DrawPanel(Utility::Scoped<Rgl>& p_gl, Overlay& p_overlay,
+                        const std::optional<Library::Texture>& p_picture, const Overlay::Rect& p_rect,
+                        const QString& p_title) {
     p_overlay.Fill(p_rect, Theme::BackgroundBottom);
-    const double point = p_view.PointSize();
-    if (!p_image.isNull()) {
+    const double point = p_overlay.PointSize();
+    if (p_picture) {
       const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-      Library::Texture texture(p_image, p_gl);
-      texture(p_gl, RGL_TEXTURE0);
+      (*p_picture)(p_gl, RGL_TEXTURE0);
       p_gl->Begin(RGL_QUADS);
       for (const auto& [s, t] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}}) {
         p_gl->TexCoord(s, t);
@@ -283,8 +250,14 @@ private:
 
   std::map<Model::Symbol::Shape, Ogl::VertexData> _meshes;
   std::optional<DepthPass> _pass;
+  // Of the view that was shown last.
+  std::optional<View> _shown;
+  std::vector<Pick> _picks;
+  std::optional<RenderTexture> _target;
+  std::optional<Library::Texture> _decoded;
+  std::optional<Library::Texture> _truth;
+  double _largest_error = 0;
   Library::TopMostFragmentDepthBuffer _picker;
-  Lettering _lettering;
 };
 
 } // namespace

@@ -3,11 +3,11 @@
 
 #include "examples/SceneMakers.h"
 
-#include "examples/scene/Lettering.h"
 #include "examples/scene/Light.h"
 #include "examples/scene/Overlay.h"
 #include "examples/scene/Palettes.h"
 #include "examples/scene/ShapeTextures.h"
+#include "examples/scene/SpaceScene.h"
 #include "examples/scene/Theme.h"
 
 #include "library/Arrow3D.h"
@@ -160,7 +160,7 @@ QColor ColumnColor(std::size_t p_column) {
   return colors[p_column * (colors.size() - 1) / 7];
 }
 
-class ShapesScene : public Scene {
+class ShapesScene : public SpaceScene {
 public:
   Camera StartCamera() const override {
     Camera camera;
@@ -173,27 +173,8 @@ public:
     return camera;
   }
 
-  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
-    DrawBackground(p_gl, p_view, _lettering);
-    if (!_geometry)
-      Prepare(p_gl);
-    {
-      const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
-      const auto state = p_gl->PushAttribScope(RGL_CURRENT_BIT | RGL_LINE_BIT);
-      p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.2 * p_view.PointSize())));
-      DrawSolids(p_gl);
-      DrawVoxel(p_gl);
-    }
-    Overlay overlay(p_gl, p_view, _lettering);
-    const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
-    DrawLabels(overlay);
-    DrawBoxes(p_gl, overlay);
-    DrawPanels(p_gl, overlay);
-    DrawLayers(p_gl, overlay);
-  }
-
-private:
-  void Prepare(Utility::Scoped<Rgl>& p_gl) {
+protected:
+  void Prepare(Utility::Scoped<Rgl>& p_gl) override {
     _geometry.emplace(p_gl.Handle());
     _voxels = VoxelTexture(p_gl);
     _ground = boost::make_shared<Library::Texture>(GroundImage(), p_gl);
@@ -204,11 +185,34 @@ private:
     }
   }
 
+  void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
+    const auto state = p_gl->PushAttribScope(RGL_CURRENT_BIT | RGL_LINE_BIT);
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.2 * p_world.PointSize())));
+    {
+      Light bright;
+      bright.ambient = 0.5;
+      const auto light = bright.Apply(p_gl);
+      p_gl->Enable(RGL_COLOR_MATERIAL);
+      DrawSolids(p_gl);
+    }
+    DrawVoxel(p_gl);
+  }
+
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override {
+    DrawSolids(p_gl);
+    DrawVoxel(p_gl);
+  }
+
+  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View&, Overlay& p_overlay) override {
+    const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
+    DrawLabels(p_overlay);
+    DrawBoxes(p_gl, p_overlay);
+    DrawPanels(p_gl, p_overlay);
+    DrawLayers(p_gl, p_overlay);
+  }
+
+private:
   void DrawSolids(Utility::Scoped<Rgl>& p_gl) const {
-    Light bright;
-    bright.ambient = 0.5;
-    const auto light = bright.Apply(p_gl);
-    p_gl->Enable(RGL_COLOR_MATERIAL);
     std::size_t column = 0;
     for (const Solid& solid : UnitShapes)
       DrawSolid(p_gl, solid, column++, UnitRow, true);
@@ -355,7 +359,6 @@ private:
   boost::shared_ptr<Library::Texture> _panel;
   boost::shared_ptr<Library::Texture> _ground;
   std::vector<boost::shared_ptr<Library::Texture>> _layers;
-  Lettering _lettering;
 };
 
 } // namespace

@@ -4,15 +4,15 @@
 #include "examples/SceneMakers.h"
 
 #include "examples/scene/Files.h"
+#include "examples/scene/Glyphs.h"
 #include "examples/scene/Instances.h"
-#include "examples/scene/Lettering.h"
 #include "examples/scene/Light.h"
 #include "examples/scene/ModelFile.h"
 #include "examples/scene/Overlay.h"
 #include "examples/scene/Palettes.h"
+#include "examples/scene/SpaceScene.h"
 #include "examples/scene/Theme.h"
 
-#include "library/ColorMap.h"
 #include "library/ModelCache.h"
 #include "library/SymbolRegistry.h"
 
@@ -31,17 +31,19 @@ using Types::Angle;
 using Types::Matrix3;
 using Point = Types::Vector3_Base<double>;
 
-/// The shapes of the registry, in their order, and by how many degrees the large copy leans towards the viewer: flat
+/// The shapes of the registry, and by how many degrees the large copy leans towards the viewer: flat
 /// shapes lean back to catch the light, open ones show their inside.
 struct Shape {
-  const char* name;
+  Model::Symbol::Shape shape;
   double lean;
 };
-constexpr Shape Models[] = {{"ArrowHead1D", -20}, {"Arrow1D", -20},        {"ArrowHead2D", -40}, {"Arrow2D", -40},
-                            {"Plane", 35},        {"ArrowHead3D", 0},      {"Arrow3D", -15},     {"Cylinder", 15},
-                            {"Cone", 0},          {"CircularArrow3D", 35}, {"Crosshair", -20},   {"Cube", 15},
-                            {"Sphere", 0},        {"Custom (torus)", 35}};
-constexpr int FirstShape = Model::Symbol::ShapeArrowHead1D;
+constexpr Shape Models[] = {{Model::Symbol::ShapeArrowHead1D, -20}, {Model::Symbol::ShapeArrow1D, -20},
+                            {Model::Symbol::ShapeArrowHead2D, -40}, {Model::Symbol::ShapeArrow2D, -40},
+                            {Model::Symbol::ShapePlane, 35},        {Model::Symbol::ShapeArrowHead3D, 0},
+                            {Model::Symbol::ShapeArrow3D, -15},     {Model::Symbol::ShapeCylinder, 15},
+                            {Model::Symbol::ShapeCone, 0},          {Model::Symbol::ShapeCircularArrow3D, 35},
+                            {Model::Symbol::ShapeCrosshair, -20},   {Model::Symbol::ShapeCube, 15},
+                            {Model::Symbol::ShapeSphere, 0},        {Model::Symbol::ShapeCustom, 35}};
 
 constexpr int Columns = 5;
 constexpr int Rows = 3;
@@ -83,13 +85,14 @@ std::vector<Instance> ModelCarousel(int p_cell) {
                   Matrix3::Rotation(Angle::FromDegrees(90), {0, 0, 1}) * upright);
 }
 
-class SymbolsScene : public Scene {
+class SymbolsScene : public SpaceScene {
 public:
   SymbolsScene(const Inputs& p_inputs, Loading& p_loading)
-      : _folder(p_inputs.symbols) {
+      : SpaceScene(Palettes::Plasma(0.25, 0.95))
+      , _folder(p_inputs.symbols) {
     int cell = 0;
     for (const Shape& entry : Models)
-      _symbols.push_back({entry.name, {}, InstanceBuffers(GlyphCarousel(cell++))});
+      _symbols.push_back({QString::fromStdString(ShapeName(entry.shape)), {}, InstanceBuffers(GlyphCarousel(cell++))});
     if (p_inputs.model.empty())
       return;
     _model = ReadModelFile(p_inputs.model, p_loading);
@@ -106,20 +109,39 @@ public:
     return camera;
   }
 
-  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
-    DrawBackground(p_gl, p_view, _lettering);
-    Prepare(p_gl);
-    {
-      const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
-      Light bright;
-      bright.ambient = 0.5;
-      const auto light = bright.Apply(p_gl);
-      const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
-      p_gl->LineWidth(static_cast<float>(std::max(1.0, 3.0 * p_view.PointSize())));
-      for (Symbol& symbol : _symbols)
-        _painter.Draw(p_gl, symbol.mesh, symbol.instances, _colors);
-    }
-    DrawLabels(p_gl, p_view);
+protected:
+  void Prepare(Utility::Scoped<Rgl>& p_gl) override {
+    const auto cache = boost::make_shared<ModelCache>(p_gl.Handle());
+    const SymbolRegistry registry(cache, _folder);
+    for (std::size_t i = 0; i < std::size(Models); ++i)
+      _symbols[i].mesh = MeshOf(registry, Models[i].shape);
+    if (_model)
+      _symbols.back().mesh = MeshOf(*cache, cache->Register(*_model));
+    _model.reset();
+  }
+
+  void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
+    Light bright;
+    bright.ambient = 0.5;
+    const auto light = bright.Apply(p_gl);
+    const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 3.0 * p_world.PointSize())));
+    for (Symbol& symbol : _symbols)
+      _painter.Draw(p_gl, symbol.mesh, symbol.instances, Colors());
+  }
+
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override {
+    for (Symbol& symbol : _symbols)
+      _painter.DrawDepths(p_gl, symbol.mesh, symbol.instances);
+  }
+
+  void DrawLegends(Utility::Scoped<Rgl>&, const View&, Overlay& p_overlay) override {
+    p_overlay.Title("Symbols", "The built-in glyph models, each with all its copies in one draw call");
+    int cell = 0;
+    for (const Symbol& symbol : _symbols)
+      LabelCell(p_overlay, cell++, symbol.name, Theme::Text);
+    if (cell < Columns * Rows)
+      LabelCell(p_overlay, cell, "yours: --model FILE.obj", Theme::Faint);
   }
 
 private:
@@ -129,33 +151,6 @@ private:
     InstanceBuffers instances;
   };
 
-  void Prepare(Utility::Scoped<Rgl>& p_gl) {
-    if (_registry)
-      return;
-    const auto cache = boost::make_shared<ModelCache>(p_gl.Handle());
-    _registry = std::make_unique<SymbolRegistry>(cache, _folder);
-    for (std::size_t i = 0; i < std::size(Models); ++i) {
-      const auto shape = static_cast<Model::Symbol::Shape>(FirstShape + i);
-      _symbols[i].mesh = {_registry->GetVertexBuffer(shape), _registry->GetIndexBuffer(shape),
-                          _registry->GetBoundingBox(shape)};
-    }
-    if (_model) {
-      const std::size_t id = cache->Register(*_model);
-      _symbols.back().mesh = {cache->GetVertexBuffer(id), cache->GetIndexBuffer(id), cache->GetBoundingBox(id)};
-      _model.reset();
-    }
-  }
-
-  void DrawLabels(Utility::Scoped<Rgl>& p_gl, const View& p_view) {
-    Overlay overlay(p_gl, p_view, _lettering);
-    overlay.Title("Symbols", "The built-in glyph models, each with all its copies in one draw call");
-    int cell = 0;
-    for (const Symbol& symbol : _symbols)
-      LabelCell(overlay, cell++, symbol.name, Theme::Text);
-    if (cell < Columns * Rows)
-      LabelCell(overlay, cell, "yours: --model FILE.obj", Theme::Faint);
-  }
-
   static void LabelCell(Overlay& p_overlay, int p_cell, const QString& p_text, const QColor& p_color) {
     p_overlay.TextAt(p_text, CellCenter(p_cell) + Point(0, 0, -0.44 * CellHeight), 0, 0, {0.5, 0.5},
                      {Theme::SmallSize, p_color, false});
@@ -163,11 +158,8 @@ private:
 
   std::string _folder;                               ///< of the built-in models
   boost::shared_ptr<const Library::ObjModel> _model; ///< the user's, until it is in GPU buffers
-  std::unique_ptr<SymbolRegistry> _registry;
   InstancePainter _painter;
   std::vector<Symbol> _symbols;
-  Library::ColorMap _colors{Palettes::Plasma(0.25, 0.95), Library::ColorMap::Interpolated};
-  Lettering _lettering;
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace Vek::Chart::Gallery {
 
@@ -110,6 +111,14 @@ boost::shared_ptr<void> Camera::Apply(const Utility::Scoped<Rgl>& p_gl, const Ty
     gl->MatrixMode(RGL_PROJECTION);
     gl->PopMatrix();
   });
+}
+
+bool operator==(const Camera& p_a, const Camera& p_b) {
+  const auto all = [](const Camera& p_c) {
+    return std::tuple(p_c.target.x, p_c.target.y, p_c.target.z, p_c.distance, p_c.azimuth, p_c.elevation,
+                      p_c.field_of_view, p_c.radius);
+  };
+  return all(p_a) == all(p_b);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -47,4 +47,7 @@ struct Camera {
   boost::shared_ptr<void> Apply(const Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport) const;
 };
 
+/// Whether two cameras show the same.
+bool operator==(const Camera& p_a, const Camera& p_b);
+
 } // namespace Vek::Chart::Gallery

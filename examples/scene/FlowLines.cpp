@@ -31,19 +31,34 @@ void ArrowHeads::Add(const SweepPoint& p_point, const Point& p_direction, double
   _rotations.push_back(Transported({}, Normalize(p_direction)));
   _sizes.push_back(p_point.width * p_size);
   _values.push_back(p_point.value);
+  _mesh = {};
 }
 
-Ogl::VertexData ArrowHeads::Mesh() const {
+const std::vector<ArrowHeads::Glyph>& ArrowHeads::Glyphs() {
+  static const std::vector<Glyph> glyphs = {{Model::Symbol::ShapeArrowHead3D, 1}, {Model::Symbol::ShapeCone, 1},
+                                            {Model::Symbol::ShapeArrow3D, 0.8},   {Model::Symbol::ShapeCylinder, 0.7},
+                                            {Model::Symbol::ShapeSphere, 0.8},    {Model::Symbol::ShapeCube, 0.6}};
+  return glyphs;
+}
+
+void ArrowHeads::SetGlyph(std::size_t p_index) {
+  if (p_index >= Glyphs().size())
+    return;
+  _glyph = Glyphs()[p_index];
+  _mesh = {};
+}
+
+const Ogl::VertexData& ArrowHeads::Mesh() const {
+  if (_positions.empty() || !_mesh.Vertices().Empty())
+    return _mesh;
   Library::VectorSymbol::Instances instances;
   instances.count = _positions.size();
   instances.positions = _positions.data();
   instances.rotations = _rotations.data();
   instances.sizes = _sizes.data();
   instances.tex_coords = _values.data();
-  Ogl::VertexData mesh;
-  if (!_positions.empty())
-    Library::VectorSymbol(Model::Symbol::ShapeArrowHead3D, 16).OrientShapes(instances, 0.5, 1.0, mesh);
-  return mesh;
+  Library::VectorSymbol(_glyph.shape, 16).OrientShapes(instances, 0.5, _glyph.size, _mesh);
+  return _mesh;
 }
 
 void DrawColored(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors,

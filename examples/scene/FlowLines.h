@@ -4,6 +4,7 @@
 
 #include "library/ColorMap.h"
 
+#include "platform/model/Symbol.h"
 #include "platform/ogl/Rgl.h"
 #include "platform/ogl/VertexData.h"
 
@@ -20,8 +21,17 @@ public:
   /// A head at the end of a line, pointing on.
   void AddAtEnd(const std::vector<SweepPoint>& p_line, double p_size);
 
-  /// Empty when there are no heads.
-  Ogl::VertexData Mesh() const;
+  /// The glyphs that a head can be; the first one is taken until another is set.
+  struct Glyph {
+    Model::Symbol::Shape shape;
+    double size; ///< of a head, relative to the first one
+  };
+  static const std::vector<Glyph>& Glyphs();
+  /// A number that is not in the list changes nothing.
+  void SetGlyph(std::size_t p_index);
+
+  /// Empty when there are no heads. Valid until a head is added or a glyph is set.
+  const Ogl::VertexData& Mesh() const;
 
 private:
   void Add(const SweepPoint& p_point, const Types::Vector3_Base<double>& p_direction, double p_size);
@@ -30,6 +40,8 @@ private:
   std::vector<Types::Matrix3> _rotations;
   std::vector<double> _sizes;
   std::vector<double> _values;
+  Glyph _glyph = Glyphs().front();
+  mutable Ogl::VertexData _mesh; ///< empty when it is to be built
 };
 
 /// Draws meshes coloured by their texture coordinate; needs lighting (see Light). Empty ones are passed over.

@@ -124,6 +124,14 @@ const std::vector<Ogl::BufferDraw::InstanceAttribute>& InstanceBuffers::Attribut
   return _attributes;
 }
 
+Mesh MeshOf(const Library::SymbolRegistry& p_registry, Model::Symbol::Shape p_shape) {
+  return {p_registry.GetVertexBuffer(p_shape), p_registry.GetIndexBuffer(p_shape), p_registry.GetBoundingBox(p_shape)};
+}
+
+Mesh MeshOf(const Library::ModelCache& p_cache, std::size_t p_id) {
+  return {p_cache.GetVertexBuffer(p_id), p_cache.GetIndexBuffer(p_id), p_cache.GetBoundingBox(p_id)};
+}
+
 void InstancePainter::Draw(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, InstanceBuffers& p_instances,
                            const Library::ColorMap& p_colors) {
   const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);

@@ -2,6 +2,7 @@
 
 #include "library/ColorMap.h"
 #include "library/ModelCache.h"
+#include "library/SymbolRegistry.h"
 
 #include "platform/ogl/BufferDraw.h"
 #include "platform/ogl/Rgl.h"
@@ -45,6 +46,10 @@ struct Mesh {
   Library::ModelCache::IndexBuffer indices;
   Types::BoundingBox_Base<double> box;
 };
+
+/// A built-in model, and a model of a cache.
+Mesh MeshOf(const Library::SymbolRegistry& p_registry, Model::Symbol::Shape p_shape);
+Mesh MeshOf(const Library::ModelCache& p_cache, std::size_t p_id);
 
 /// The shaders that draw all instances of a model in one call. The model is moved to the middle of its box and scaled
 /// to a diagonal of 1 before the instances place it. A shader is made when it is used first.

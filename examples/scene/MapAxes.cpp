@@ -54,6 +54,15 @@ std::vector<double> RoundTicks(double p_min, double p_max, std::size_t p_most) {
   return ticks;
 }
 
+std::vector<Overlay::Tick> TicksFromZero(double p_max, std::size_t p_most, bool p_open) {
+  std::vector<Overlay::Tick> ticks;
+  for (const double value : RoundTicks(0, p_max, p_most)) {
+    const QString beyond = p_open && value == p_max ? QString(QChar(0x2265)) + ' ' : QString();
+    ticks.push_back({value / p_max, beyond + QString::number(value)});
+  }
+  return ticks;
+}
+
 void DrawGraticule(Utility::Scoped<Rgl>& p_gl, const MapFrame& p_map, double p_z) {
   const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_LINE_BIT | RGL_COLOR_BUFFER_BIT);
   p_gl->Disable(RGL_LIGHTING);

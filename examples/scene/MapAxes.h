@@ -19,6 +19,10 @@ QString LatitudeText(double p_degrees);
 /// `p_most` of them at most.
 std::vector<double> RoundTicks(double p_min, double p_max, std::size_t p_most);
 
+/// Ticks of a scale from 0 to `p_max` at such values; with `p_open`, the one at the upper end says that there are
+/// values beyond it.
+std::vector<Overlay::Tick> TicksFromZero(double p_max, std::size_t p_most, bool p_open);
+
 /// Thin meridians and parallels at round degrees, at height `p_z`.
 void DrawGraticule(Utility::Scoped<Rgl>& p_gl, const MapFrame& p_map, double p_z);
 /// Their names along the southern border, and along the western one.

@@ -180,6 +180,12 @@ double ArcLength(const Streamline& p_line) {
   return length;
 }
 
+void Shuffle(std::vector<Point>& p_seeds, std::mt19937& p_random) {
+  // Drawn by hand, since the standard's shuffle differs from library to library.
+  for (std::size_t i = p_seeds.size(); i > 1; --i)
+    std::swap(p_seeds[i - 1], p_seeds[p_random() % i]);
+}
+
 std::vector<Streamline> SpacedStreamlines(const FlowFunction& p_flow, const std::vector<Point>& p_seeds,
                                           const Spacing& p_spacing, const TraceOptions& p_options,
                                           std::vector<Streamline> p_before) {

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <map>
+#include <random>
 #include <tuple>
 #include <vector>
 
@@ -42,6 +43,9 @@ Streamline TraceBoth(const FlowFunction& p_flow, const Types::Vector3_Base<doubl
 
 /// The length of a polyline.
 double ArcLength(const Streamline& p_line);
+
+/// Brings seeds into an order without order; the same one with every standard library.
+void Shuffle(std::vector<Types::Vector3_Base<double>>& p_seeds, std::mt19937& p_random);
 
 /// How far apart streamlines are kept.
 struct Spacing {

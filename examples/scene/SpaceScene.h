@@ -1,0 +1,49 @@
+#pragma once
+
+#include "examples/scene/Lettering.h"
+#include "examples/scene/Overlay.h"
+#include "examples/scene/Scene.h"
+
+#include "library/ColorMap.h"
+
+#include <optional>
+#include <vector>
+
+namespace Vek::Chart::Gallery {
+
+/// A scene in space: a background, the world as the camera sees it, and legends over it. What derives from it says what
+/// these are; the order of drawing, the surfaces to point at and the exchange of colours are common to all.
+class SpaceScene : public Scene {
+public:
+  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) final;
+  bool HasSurfaces() const final { return true; }
+  void DrawSurfaces(Utility::Scoped<Rgl>& p_gl, const View& p_view) final;
+  bool TakesColors() const final { return _colors.has_value(); }
+  void SetColors(const std::vector<QColor>& p_colors) final;
+
+protected:
+  /// A scene whose colours tell no values.
+  SpaceScene() = default;
+  /// Values are shown in these colours, interpolated, until others are set.
+  explicit SpaceScene(const std::vector<QColor>& p_colors);
+
+  const Library::ColorMap& Colors() const { return *_colors; }
+
+  /// Makes GL objects; called once, before anything is drawn.
+  virtual void Prepare(Utility::Scoped<Rgl>&) {}
+  /// Draws into the part of the view that shows surfaces, which `p_world` is, under its camera.
+  virtual void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) = 0;
+  /// Draws the surfaces under the same camera, each pixel of which gets its packed depth (see Scene::DrawSurfaces).
+  virtual void DrawDepths(Utility::Scoped<Rgl>& p_gl) = 0;
+  virtual void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view, Overlay& p_overlay) = 0;
+
+private:
+  void PrepareOnce(Utility::Scoped<Rgl>& p_gl);
+
+  bool _prepared = false;
+  std::vector<QColor> _own_colors;
+  std::optional<Library::ColorMap> _colors;
+  Lettering _lettering;
+};
+
+} // namespace Vek::Chart::Gallery
