@@ -1,0 +1,317 @@
+// The rule of the classes is applied here once more, slowly: compare a value as an exact number with the bounds, one
+// after the other. Whole arrays must follow it for every bit pattern, next to every bound, at every length and place.
+
+#include "library/ColorScale.h"
+#include "tests/support/ReportCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <string>
+
+using namespace Vek::Chart;
+using Library::ColorMap;
+using Library::ColorScale;
+using Vek::Test::ReportCapture;
+using Colors = std::vector<QColor>;
+using Bytes = std::vector<unsigned char>;
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
+constexpr double largest = std::numeric_limits<double>::max();
+constexpr double smallest = std::numeric_limits<double>::denorm_min();
+
+/// Colours that tell their number; so do those outside the classes.
+QColor Numbered(int p_number) {
+  return {p_number >> 8, p_number & 255, 7, 9};
+}
+Colors Numbered(int p_first, int p_count) {
+  Colors colors;
+  for (int i = 0; i < p_count; ++i)
+    colors.push_back(Numbered(p_first + i));
+  return colors;
+}
+constexpr int Below = 60000, Above = 60001, Nan = 60002;
+ColorScale::Outside NumberedOutside() {
+  return {Numbered(Below), Numbered(Above), Numbered(Nan)};
+}
+
+/// The rule.
+int ClassOf(const std::vector<double>& p_bounds, long double p_value) {
+  if (std::isnan(p_value))
+    return Nan;
+  if (p_value < p_bounds.front())
+    return Below;
+  if (p_value > p_bounds.back())
+    return Above;
+  std::size_t i = p_bounds.size() - 2; // the last class has its upper bound, too
+  while (p_value < p_bounds[i])
+    --i;
+  return static_cast<int>(i);
+}
+
+template <class T>
+std::vector<int> Mapped(const ColorScale& p_scale, const std::vector<T>& p_values) {
+  Bytes rgba(4 * p_values.size());
+  p_scale.Map(DataInterface::Array<T, 0>(p_values.data(), p_values.size()), rgba.data());
+  std::vector<int> numbers;
+  for (std::size_t i = 0; i < p_values.size(); ++i) {
+    const unsigned char* const pixel = rgba.data() + 4 * i;
+    numbers.push_back(pixel[2] == 7 && pixel[3] == 9 ? pixel[0] << 8 | pixel[1] : -1);
+  }
+  return numbers;
+}
+
+/// Any bits; places all over the range; every bound with its neighbours; and the numbers that are special.
+template <class T>
+std::vector<T> Probes(const std::vector<double>& p_bounds, unsigned int p_seed) {
+  using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+  using Limits = std::numeric_limits<T>;
+  std::mt19937_64 random(p_seed);
+  std::vector<T> probes{0,
+                        -T(0),
+                        1,
+                        -1,
+                        Limits::infinity(),
+                        -Limits::infinity(),
+                        Limits::quiet_NaN(),
+                        -Limits::quiet_NaN(),
+                        Limits::max(),
+                        Limits::lowest(),
+                        Limits::denorm_min(),
+                        -Limits::denorm_min(),
+                        Limits::min()};
+  for (int i = 0; i < 2000; ++i) {
+    const auto bits = static_cast<Bits>(random());
+    T value;
+    std::memcpy(&value, &bits, sizeof value);
+    probes.push_back(value);
+    const double t = std::uniform_real_distribution<double>(-0.1, 1.1)(random);
+    probes.push_back(static_cast<T>(p_bounds.front() * (1 - t) + p_bounds.back() * t));
+  }
+  for (const double bound : p_bounds) {
+    if (std::abs(bound) > Limits::max())
+      continue;
+    const T near = static_cast<T>(bound);
+    probes.insert(probes.end(),
+                  {std::nextafter(near, -Limits::infinity()), near, std::nextafter(near, Limits::infinity())});
+  }
+  return probes;
+}
+
+template <class T>
+void ExpectTheRule(const ColorScale& p_scale, unsigned int p_seed) {
+  const std::vector<T> probes = Probes<T>(p_scale.Bounds(), p_seed);
+  const std::vector<int> numbers = Mapped(p_scale, probes);
+  int faults = 0;
+  for (std::size_t i = 0; i < probes.size() && faults < 5; ++i) {
+    const int expected = ClassOf(p_scale.Bounds(), probes[i]);
+    faults += numbers[i] != expected;
+    EXPECT_EQ(numbers[i], expected) << sizeof(T) << " bytes, value " << std::hexfloat << probes[i];
+    EXPECT_EQ(p_scale.Color(probes[i]), Numbered(expected)) << std::hexfloat << probes[i];
+  }
+}
+
+struct Range {
+  const char* name;
+  double lower, upper;
+  ColorScale::Spacing spacing;
+};
+
+TEST(ColorScale, PutsEveryValueIntoItsClass) {
+  const auto linear = ColorScale::Linear, logarithmic = ColorScale::Logarithmic;
+  const Range ranges[] = {
+      {"unit", 0, 1, linear},
+      {"both signs", -3.7, 11.1, linear},
+      {"far from zero", 1e6, 1e6 + 1, linear},
+      {"not floats", 0.1, 0.3, linear},
+      {"between two floats", 1 + 1e-10, 1 + 2e-10, linear},
+      {"two neighbours", 1, std::nextafter(1, 2), linear},
+      {"subnormal", 0, 40 * smallest, linear},
+      {"beyond float", -1e300, 1e300, linear},
+      {"all of double", -largest, largest, linear},
+      {"above float", 1e100, 1e101, linear},
+      {"six decades", 1e-3, 1e3, logarithmic},
+      {"an octave", 5, 10, logarithmic},
+      {"a hair", 1, 1 + 1e-6, logarithmic},
+      {"all positive doubles", smallest, largest, logarithmic},
+      {"below float", 1e-300, 1e-200, logarithmic},
+      {"into subnormal floats", 1e-44, 1e-30, logarithmic},
+      {"no spacing of that number", 2, 4, static_cast<ColorScale::Spacing>(7)},
+  };
+  unsigned int seed = 0;
+  for (const Range& range : ranges)
+    for (const int classes : {1, 2, 7, 256, 4097}) {
+      SCOPED_TRACE(std::string(range.name) + ", " + std::to_string(classes) + " classes");
+      const ColorScale scale(Numbered(0, classes), range.lower, range.upper, range.spacing, NumberedOutside());
+      ASSERT_EQ(scale.Bounds().size(), static_cast<std::size_t>(classes) + 1);
+      ExpectTheRule<float>(scale, ++seed);
+      ExpectTheRule<double>(scale, ++seed);
+    }
+
+  const std::vector<double> lists[] = {
+      {0, 1}, {5, 5}, {0, 0.001, 1, 1000, 1e6}, {-6000, -200, 0, 0, 0, 4000}, {1, 2, 2, 2}, {-largest, 0, largest}};
+  for (const std::vector<double>& bounds : lists) {
+    SCOPED_TRACE("bounds " + std::to_string(&bounds - lists));
+    const ColorScale scale(Numbered(0, static_cast<int>(bounds.size()) - 1), bounds, NumberedOutside());
+    EXPECT_EQ(scale.Bounds(), bounds);
+    ExpectTheRule<float>(scale, ++seed);
+    ExpectTheRule<double>(scale, ++seed);
+  }
+}
+
+TEST(ColorScale, HasItsBoundsWhereTheyAreExpected) {
+  const struct {
+    Range range;
+    std::vector<double> bounds;
+  } cases[] = {
+      {{"decades", 0.001, 1000, ColorScale::Logarithmic}, {0.001, 0.01, 0.1, 1, 10, 100, 1000}},
+      {{"powers of two", 0.25, 16, ColorScale::Logarithmic}, {0.25, 0.5, 1, 2, 4, 8, 16}},
+      {{"thirds", -1, 2, ColorScale::Linear}, {-1, 0, 1, 2}},
+      {{"tenths", 0, 1, ColorScale::Linear}, {0, 0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9, 1}},
+      {{"wide", -largest, largest, ColorScale::Linear}, {-largest, -largest / 2, 0, largest / 2, largest}},
+  };
+  for (const auto& row : cases) {
+    const ColorScale scale(Numbered(0, static_cast<int>(row.bounds.size()) - 1), row.range.lower, row.range.upper,
+                           row.range.spacing);
+    EXPECT_EQ(scale.Bounds(), row.bounds) << row.range.name;
+  }
+  // By logarithms: no value of ten thousand comes out one class off unless it lies on the bound itself.
+  const ColorScale scale(Numbered(0, 256), 0.02, 3e5, ColorScale::Logarithmic, NumberedOutside());
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> decade(std::log10(0.02), std::log10(3e5));
+  std::vector<double> values;
+  for (int i = 0; i < 10000; ++i)
+    values.push_back(std::pow(10.0, decade(random)));
+  const std::vector<int> numbers = Mapped(scale, values);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const long double place = 256 * std::log(static_cast<long double>(values[i]) / 0.02L) / std::log(3e5L / 0.02L);
+    EXPECT_LT(std::abs(place - (numbers[i] + 0.5L)), 0.5L + 1e-12L) << values[i];
+  }
+}
+
+TEST(ColorScale, WritesFourBytesAValueAndNothingElse) {
+  const Colors colors{QColor(1, 2, 3, 4), QColor(250, 251, 252, 253)};
+  const struct {
+    const char* name;
+    ColorScale::Outside outside;
+    Bytes expected; ///< of NaN, -1, 0, 1, 2, 3
+  } cases[] = {
+      {"by default", {}, {0,   0,   0,   0,   1,   2,   3,   4,   1,   2,   3,   4,
+                          250, 251, 252, 253, 250, 251, 252, 253, 250, 251, 252, 253}},
+      {"chosen",
+       {QColor(10, 11, 12), QColor(20, 21, 22, 23), QColor(30, 31, 32, 33)},
+       {30, 31, 32, 33, 10, 11, 12, 255, 1, 2, 3, 4, 250, 251, 252, 253, 250, 251, 252, 253, 20, 21, 22, 23}},
+  };
+  const std::vector<double> values{not_a_number, -1, 0, 1, 2, 3};
+  for (const auto& row : cases) {
+    Bytes rgba(24);
+    ColorScale(colors, 0, 2, ColorScale::Linear, row.outside).Map(values.data(), values.size(), rgba.data());
+    EXPECT_EQ(rgba, row.expected) << row.name;
+  }
+
+  // Short and long arrays, at every offset from the borders that memory has; each piece as it comes alone.
+  const ColorScale scale(Numbered(0, 100), 0, 100);
+  std::vector<float> many((1 << 20) + 70);
+  for (std::size_t i = 0; i < many.size(); ++i)
+    many[i] = static_cast<float>(i * 7919 % 1000) / 10;
+  Bytes one_by_one(4 * many.size());
+  for (std::size_t i = 0; i < many.size(); ++i)
+    scale.Map(many.data() + i, 1, one_by_one.data() + 4 * i);
+  for (const std::size_t count : {std::size_t(0), std::size_t(1), std::size_t(15), std::size_t(37), many.size() - 3})
+    for (const std::size_t offset : {0, 1, 4, 12}) {
+      const Bytes expected(one_by_one.begin() + 12, one_by_one.begin() + 12 + static_cast<std::ptrdiff_t>(4 * count));
+      Bytes rgba(offset + 4 * count + 64, 0xAB);
+      scale.Map(many.data() + 3, count, rgba.data() + offset);
+      const auto written = rgba.begin() + static_cast<std::ptrdiff_t>(offset);
+      const auto end = written + static_cast<std::ptrdiff_t>(4 * count);
+      EXPECT_TRUE(std::equal(written, end, expected.begin())) << count << " at " << offset;
+      EXPECT_EQ(std::count(rgba.begin(), written, 0xAB) + std::count(end, rgba.end(), 0xAB),
+                static_cast<std::ptrdiff_t>(offset + 64))
+          << count << " at " << offset;
+    }
+}
+
+TEST(ColorScale, ReportsWhatMakesNoClasses) {
+  const Colors two{Qt::red, Qt::blue};
+  ColorScale::Outside outside;
+  outside.nan = QColor(1, 2, 3);
+  const auto even = [&](const Colors& p_colors, double p_lower, double p_upper, ColorScale::Spacing p_spacing) {
+    return ColorScale(p_colors, p_lower, p_upper, p_spacing, outside);
+  };
+  const std::string list =
+      "__cdecl Vek::Chart::Library::ColorScale::ColorScale(const class std::vector<class QColor,class "
+      "std::allocator<class QColor> > &,";
+  const std::string tail = "const struct Vek::Chart::Library::ColorScale::Outside &)";
+  const std::string range = "\" - " + list + "double,double,enum Vek::Chart::Library::ColorScale::Spacing," + tail;
+  const std::string bounds = "\" - " + list + "const class std::vector<double,class std::allocator<double> > &," + tail;
+  const auto linear = ColorScale::Linear, logarithmic = ColorScale::Logarithmic;
+  ReportCapture reports;
+  const ColorMap empty(Colors(), ColorMap::Discrete);
+  reports.Clear();
+  const std::pair<ColorScale, std::string> cases[] = {
+      {even({}, 0, 1, linear), "\"!p_colors.empty()" + range},
+      {even(two, 1, 1, linear), "\"p_lower < p_upper" + range},
+      {even(two, 2, 1, linear), "\"p_lower < p_upper" + range},
+      {even(two, not_a_number, 1, linear), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
+      {even(two, 0, infinity, linear), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
+      {even(two, 0, 1, logarithmic), "\"p_lower > 0" + range},
+      {even(two, -1, 1, logarithmic), "\"p_lower > 0" + range},
+      {ColorScale(empty, 0, 1, linear, outside), "\"!p_colors.empty()" + range},
+      {ColorScale(Colors(), std::vector<double>{0}, outside), "\"!p_colors.empty()" + bounds},
+      {ColorScale(two, {0, 1}, outside), "\"p_bounds.size() == p_colors.size() + 1" + bounds},
+      {ColorScale(two, {0, 2, 1}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
+      {ColorScale(two, {0, not_a_number, 1}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
+      {ColorScale(two, {0, 1, infinity}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
+  };
+  std::vector<std::string> expected;
+  for (const auto& [scale, text] : cases) {
+    expected.push_back(text);
+    for (const double value : {0.5, 1.0, infinity, not_a_number})
+      EXPECT_EQ(scale.Color(value), outside.nan) << text << value;
+    float value = 0.5f;
+    Bytes rgba(4);
+    scale.Map(&value, 1, rgba.data());
+    EXPECT_EQ(rgba, (Bytes{1, 2, 3, 255})) << text;
+    EXPECT_TRUE(scale.Bounds().empty());
+  }
+  EXPECT_EQ(reports.Texts(), expected);
+
+  reports.Clear();
+  Bytes rgba(4);
+  const ColorScale scale(two, 0, 1);
+  scale.Map(static_cast<const float*>(nullptr), 1, rgba.data());
+  scale.Map(std::vector<double>(1).data(), 1, nullptr);
+  scale.Map(static_cast<const double*>(nullptr), 0, nullptr);
+  const std::string check = "\"p_count == 0 || (p_values != nullptr && p_rgba != nullptr)\" - void __cdecl "
+                            "Vek::Chart::Library::ColorScale::Map(const ";
+  EXPECT_EQ(reports.Texts(), (std::vector<std::string>{check + "float *,unsigned __int64,unsigned char *) const",
+                                                       check + "double *,unsigned __int64,unsigned char *) const"}));
+}
+
+TEST(ColorScale, AgreesWithTheLookUpsOfItsMap) {
+  const ColorMap maps[] = {{{Qt::black, Qt::white}, ColorMap::Interpolated},
+                           {{Qt::red, Qt::green, Qt::blue}, {1, 2, 5}, ColorMap::Discrete},
+                           {{Qt::red}, ColorMap::Discrete}};
+  for (const ColorMap& map : maps) {
+    const ColorScale scale(map, 0, 1);
+    ASSERT_EQ(scale.Bounds().size(), static_cast<std::size_t>(map.Size()) + 1);
+    std::mt19937 random(1);
+    for (int i = 0; i < 3000; ++i) {
+      const double value = i == 0 ? 1 : std::uniform_real_distribution<double>(0, 1)(random);
+      const int texel = std::min(static_cast<int>(value * map.Size()), map.Size() - 1);
+      EXPECT_EQ(scale.Color(value), map.Color(texel)) << value;
+      EXPECT_TRUE(map.Color(value) == map.Color(texel) || map.Color(value) == map.Color(std::max(texel - 1, 0)))
+          << value;
+    }
+  }
+}
+
+} // namespace
