@@ -1,21 +1,39 @@
-# The installed package: libraries, public headers with their folders, symbol models and sprites, and what
-# find_package(VekChartLibrary) needs.
+# What is installed, and where: the libraries with what find_package(VekChartLibrary) and pkg-config need, the files that
+# glyphs and pictures are made of, the programs, and the documentation. Nothing that is installed knows where it lies.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/VekChartLibrary)
-set(share_dir ${CMAKE_INSTALL_DATADIR}/vek-chart)
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/vek-chart)
+set(share_dir ${CMAKE_INSTALL_DATADIR}/vek-chart-library)
+set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/vek-chart-library)
 
-# The two libraries lie side by side.
+# The libraries lie side by side, and programs find them from their own place.
+set(lib_from_bin /${CMAKE_INSTALL_LIBDIR})
+cmake_path(RELATIVE_PATH lib_from_bin BASE_DIRECTORY /${CMAKE_INSTALL_BINDIR})
 set_target_properties(vek-platform vek-chart-library PROPERTIES INSTALL_RPATH $ORIGIN)
+foreach(target vek-platform vek-chart-library)
+  target_include_directories(${target} INTERFACE $<INSTALL_INTERFACE:${header_dir}>)
+endforeach()
 install(TARGETS vek-platform vek-chart-library EXPORT VekChartLibraryTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(DIRECTORY platform algorithms library DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vek-chart
-  FILES_MATCHING PATTERN "*.h" PATTERN private EXCLUDE)
-install(DIRECTORY symbols sprites DESTINATION ${share_dir} OPTIONAL FILES_MATCHING PATTERN "*.obj" PATTERN "*.png")
-install(FILES LICENSE DESTINATION ${share_dir})
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+foreach(program vek-gallery vek-viewer)
+  if(TARGET ${program})
+    set_target_properties(${program} PROPERTIES INSTALL_RPATH $ORIGIN/${lib_from_bin})
+    install(TARGETS ${program} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+  endif()
+endforeach()
 
-install(EXPORT VekChartLibraryTargets NAMESPACE Vek:: DESTINATION ${package_dir})
+install(DIRECTORY platform algorithms library DESTINATION ${header_dir} COMPONENT development
+  FILES_MATCHING PATTERN "*.h" PATTERN private EXCLUDE)
+install(DIRECTORY data symbols sprites DESTINATION ${share_dir} COMPONENT data)
+install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${doc_dir} COMPONENT development)
+install(DIRECTORY docs DESTINATION ${doc_dir} COMPONENT development
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+install(DIRECTORY build/docs/html DESTINATION ${doc_dir} COMPONENT development OPTIONAL) # where scripts/docs made it
+
+install(EXPORT VekChartLibraryTargets NAMESPACE Vek:: DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/VekChartLibraryConfig.cmake.in
   ${CMAKE_CURRENT_BINARY_DIR}/VekChartLibraryConfig.cmake
   INSTALL_DESTINATION ${package_dir} PATH_VARS share_dir)
@@ -24,4 +42,11 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/VekChartLibraryConf
 install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/VekChartLibraryConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/VekChartLibraryConfigVersion.cmake
-  DESTINATION ${package_dir})
+  DESTINATION ${package_dir} COMPONENT development)
+
+set(prefix_from_pkgconfig /)
+cmake_path(RELATIVE_PATH prefix_from_pkgconfig BASE_DIRECTORY /${pkgconfig_dir})
+foreach(module vek-platform vek-chart-library)
+  configure_file(cmake/${module}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
+endforeach()

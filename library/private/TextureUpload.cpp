@@ -1,6 +1,6 @@
 #include "library/private/TextureUpload.h"
 
-#include <QGLWidget>
+#include "library/private/GlFormat.h"
 
 namespace Vek::Chart::Library::Private {
 
@@ -8,7 +8,7 @@ void UploadImage(Utility::Scoped<Rgl>& p_gl, const QImage& p_image, Ogl::GlEnum 
   p_gl->PixelStorei(RGL_UNPACK_ALIGNMENT, 1);
   if (p_image.isNull())
     return;
-  const QImage texels = QGLWidget::convertToGLFormat(p_image);
+  const QImage texels = GlFormat(p_image);
   if (texels.isNull()) // no memory for a second image
     return;
   p_gl->TexImage2D(RGL_TEXTURE_2D, 0, static_cast<int>(p_internal_format), texels.width(), texels.height(), 0, RGL_RGBA,

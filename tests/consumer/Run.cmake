@@ -1,0 +1,51 @@
+# Installs the build in BUILD_DIR below WORK_DIR, moves what was installed, looks at it, and builds and runs a program
+# against it: by CMake, and by pkg-config. The programs that were installed run from another folder.
+file(REMOVE_RECURSE ${WORK_DIR})
+file(MAKE_DIRECTORY ${WORK_DIR}/make)
+set(prefix ${WORK_DIR}/moved)
+function(run)
+  execute_process(COMMAND ${ARGV} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+function(check_output program expected)
+  execute_process(COMMAND ${program} ${ARGN} WORKING_DIRECTORY / OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+  if(NOT output MATCHES "${expected}")
+    message(FATAL_ERROR "${program} printed: ${output}")
+  endif()
+endfunction()
+set(drawn "^1 #ff0000 #0000ff\n$") # the version, and the colours of the glyph and of what is beside it
+
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/installed)
+file(RENAME ${WORK_DIR}/installed ${prefix})
+
+# What is there, and what is not.
+foreach(file bin/vek-gallery ${LIB_DIR}/libvek-platform.so.1 ${LIB_DIR}/libvek-chart-library.so.1
+    include/vek-chart/library/ColorMap.h include/vek-chart/algorithms/Array.h share/vek-chart-library/symbols/Cone.obj
+    share/vek-chart-library/sprites/symbol_star.png share/vek-chart-library/data/README.md
+    share/doc/vek-chart-library/LICENSE share/doc/vek-chart-library/docs/images/wind.png)
+  if(NOT EXISTS ${prefix}/${file} AND (EXAMPLES OR NOT file MATCHES "^bin/"))
+    message(SEND_ERROR "not installed: ${file}")
+  endif()
+endforeach()
+file(GLOB_RECURSE hidden ${prefix}/*/private/*)
+if(hidden)
+  message(SEND_ERROR "private files are installed: ${hidden}")
+endif()
+execute_process(COMMAND grep -rlF -e ${SOURCE_DIR} -e ${BUILD_DIR} -e ${WORK_DIR}/installed ${prefix}
+  RESULT_VARIABLE none OUTPUT_VARIABLE files)
+if(NOT none EQUAL 1)
+  message(SEND_ERROR "these hold a path of the machine that built them:\n${files}")
+endif()
+
+run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${WORK_DIR}/build -G ${GENERATOR} -DQT=${QT}
+  -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCMAKE_PREFIX_PATH=${prefix})
+run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
+check_output(${WORK_DIR}/build/consumer "${drawn}")
+
+set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIB_DIR}/pkgconfig)
+check_output(pkg-config "^${QT}\n$" --variable=qt vek-chart-library)
+run(make -s -C ${CMAKE_CURRENT_LIST_DIR} CXX=${COMPILER} OUT=${WORK_DIR}/make)
+check_output(${WORK_DIR}/make/consumer "${drawn}")
+
+if(EXAMPLES)
+  check_output(${prefix}/bin/vek-gallery "symbols +\\.\\.\\. [0-9.]+ s" --only symbols --size 64x40 --out ${WORK_DIR}/out)
+endif()
