@@ -8,7 +8,7 @@
 
 #include <boost/algorithm/string/trim.hpp>
 
-#include <array>
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <iostream>
@@ -58,15 +58,16 @@ struct Resolution {
   int height = 0;
 };
 
-/// How many pixels a resolution has. A claim of more than 2^26 is believed only where the data have at least four bytes
-/// for each scanline, which is the least that a scanline takes.
+/// How many pixels a resolution has. A claim of more than 2^26 is believed only where the data can make it good: a
+/// scanline takes four bytes at least, and a run of the old kind repeats up to 255 pixels in four bytes. Such runs can
+/// be chained to count on, up to gigabytes out of a few bytes, but not for pictures of that size.
 std::size_t CountPixels(const Resolution& p_resolution, Private::ByteSource& p_source) {
   const std::int64_t width = p_resolution.width;
   const std::int64_t height = p_resolution.height;
   const std::string size = std::to_string(width) + " x " + std::to_string(height);
   if (width < 0 || height < 0 || width * height > std::numeric_limits<int>::max())
     throw std::length_error("HdrImage: a size of " + size + " pixels");
-  const std::uint64_t least_bytes = 4 * static_cast<std::uint64_t>(height);
+  const std::uint64_t least_bytes = static_cast<std::uint64_t>(std::max(4 * height, width * height / 64));
   if (width * height > std::int64_t{1} << 26 && p_source.Remaining(least_bytes) < least_bytes)
     throw std::length_error("HdrImage: a size of " + size + " pixels, which the file is too short for");
   return static_cast<std::size_t>(width * height);
@@ -80,7 +81,25 @@ struct HdrImage::State {
   std::vector<Rgb32F> pixels;
   std::multimap<std::int32_t, Command> commands; ///< by the hash of the name
   Rgb32F nowhere;                                ///< what a place outside the picture answers
+
+  void Decode(Private::ByteSource& p_source);
 };
+
+/// Sets all pixels: to 0 where the data end before, or where decoding throws.
+void HdrImage::State::Decode(Private::ByteSource& p_source) {
+  struct Missing {
+    Rgb32F* first;
+    std::size_t count;
+    ~Missing() { Private::ClearMemory(first, count * sizeof(Rgb32F)); }
+  } missing{pixels.data(), pixels.size()};
+
+  Private::RgbeScanline scanline(static_cast<std::size_t>(width));
+  for (bool complete = true; complete && missing.count != 0;) {
+    const std::size_t start = missing.count - static_cast<std::size_t>(width);
+    complete = scanline.Decode(p_source, missing.first + start);
+    missing.count = start;
+  }
+}
 
 unsigned char& HdrImage::Rgbe8::operator[](std::size_t p_index) {
   thread_local unsigned char nowhere;
@@ -135,13 +154,11 @@ void HdrImage::Load(std::istream& p_stream) {
   const std::size_t count = CountPixels(resolution, source);
   _state->width = resolution.width;
   _state->height = resolution.height;
-  std::vector<Rgb32F>().swap(_state->pixels); // before the new ones are taken
-  _state->pixels = Private::LargeVector<Rgb32F>(count);
-  const std::size_t width = static_cast<std::size_t>(resolution.width);
-  Private::RgbeScanline scanline(width);
-  for (std::size_t row = count == 0 ? 0 : static_cast<std::size_t>(resolution.height); row-- > 0;)
-    if (!scanline.Decode(source, _state->pixels.data() + row * width))
-      break; // the rows that are missing stay 0
+  if (_state->pixels.size() != count) {
+    std::vector<Rgb32F>().swap(_state->pixels); // before the new ones are taken
+    _state->pixels = Private::UnsetVector<Rgb32F, Unset>(count);
+  }
+  _state->Decode(source);
   const std::string& axisY = resolution.axisY;
   const std::string& axisX = resolution.axisX;
   VEK_ENSURE((axisY == "-Y") && (axisX == "+X"), LoadSignature);

@@ -31,8 +31,14 @@ namespace Vek::Chart::Library {
 /// "line.find_first_of('=') != std::string::npos"), a wrong orientation ("(axisY == "-Y") && (axisX == "+X")"), a run
 /// without a pixel to repeat ("previous"; a zero pixel is repeated), a separated scanline of another width
 /// ("scanlineWidth == p_scanline.size()"), a file that ends too early ("!p_stream.eof()"; the rest is 0). A resolution
-/// line that cannot be read gives 0 × 0. Data that would run over the end of a scanline throw std::out_of_range; a
-/// resolution that is negative, or that claims more pixels than the file can hold, throws std::length_error.
+/// line that cannot be read gives 0 × 0.
+/// Data that would run over the end of a scanline throw
+/// std::out_of_range, and that scanline and those behind it are 0. A resolution that is negative or of more than 2^31 −
+/// 1 pixels throws std::length_error, and so does one of more than 2^26 pixels for which the file is too short: there
+/// must be four bytes for each scanline, and one for every 64 pixels, which no known writer undercuts.
+///
+/// Memory: the pixels, and a window of 1 MiB. Where the system gives out memory page by page, a file that claims more
+/// pixels than it has takes no pages for those that are missing.
 ///
 /// Copies share their pixels. No GPU state, no threads of its own.
 ///
@@ -40,6 +46,8 @@ namespace Vek::Chart::Library {
 /// \image html hdr.jpg
 /// \ingroup images
 class VEK_LIBRARY_API HdrImage {
+  struct Unset {};
+
 public:
   /// A pixel as the file has it: the mantissas of red, green and blue, and the exponent that they share.
   struct VEK_LIBRARY_API Rgbe8 {
@@ -53,9 +61,20 @@ public:
 
   /// A pixel as it is handed out: linear, in the file's unit.
   struct Rgb32F {
-    float red = 0;   ///< 0 and more, as are the others
-    float green = 0; ///< of the same unit
-    float blue = 0;  ///< of the same unit
+    /// From its components.
+    constexpr Rgb32F(float p_red, float p_green, float p_blue)
+        : red(p_red)
+        , green(p_green)
+        , blue(p_blue) {}
+    /// Black.
+    constexpr Rgb32F()
+        : Rgb32F(0, 0, 0) {}
+    /// For HdrImage only, which sets its pixels while it decodes: leaves the memory as it is.
+    explicit Rgb32F(const Unset&) {}
+
+    float red;   ///< 0 and more, as are the others
+    float green; ///< of the same unit
+    float blue;  ///< of the same unit
   };
 
   /// Reads a file from its first byte on. The stream must be binary; it is left behind the last byte of the picture

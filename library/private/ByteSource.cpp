@@ -10,7 +10,7 @@ namespace Vek::Chart::Library::Private {
 
 ByteSource::ByteSource(std::istream& p_stream)
     : _stream(p_stream)
-    , _window(new unsigned char[_size])
+    , _window(new unsigned char[_size + Slack])
     , _ended(!p_stream.good() || p_stream.rdbuf() == nullptr) {}
 
 ByteSource::~ByteSource() {
@@ -25,7 +25,7 @@ ByteSource::~ByteSource() {
 /// Moves what is left to the front of the window, or of a larger one, and reads on behind it.
 std::size_t ByteSource::Refill(std::size_t p_count) {
   if (_size < p_count) {
-    std::unique_ptr<unsigned char[]> larger(new unsigned char[p_count]);
+    std::unique_ptr<unsigned char[]> larger(new unsigned char[p_count + Slack]);
     std::memcpy(larger.get(), Data(), _end - _next);
     _window = std::move(larger);
     _size = p_count;
@@ -68,19 +68,6 @@ bool ByteSource::GetLine(std::string& p_line) {
     }
   }
   return true;
-}
-
-std::size_t ByteSource::Read(unsigned char* p_to, std::size_t p_count) {
-  std::size_t done = 0;
-  while (done < p_count) {
-    const std::size_t part = std::min(Prepare(1), p_count - done);
-    if (part == 0)
-      break;
-    std::memcpy(p_to + done, Data(), part);
-    Take(part);
-    done += part;
-  }
-  return done;
 }
 
 std::uint64_t ByteSource::Remaining(std::uint64_t p_limit) {

@@ -25,24 +25,17 @@ public:
   /// Makes at least `p_count` bytes available at Data(), and returns how many there are: fewer only at the end. The
   /// window grows to hold more than WindowSize.
   std::size_t Prepare(std::size_t p_count) { return _end - _next >= p_count ? _end - _next : Refill(p_count); }
-  /// The available bytes; valid until the next Prepare, GetLine or Read.
+  /// The available bytes; valid until the next Prepare or GetLine. Slack bytes behind them may be read, too; they
+  /// have no meaning.
   const unsigned char* Data() const { return _window.get() + _next; }
   /// Takes bytes that are available.
   void Take(std::size_t p_count) { _next += p_count; }
-
-  /// Takes one byte, or returns −1 at the end.
-  int GetByte() {
-    if (_next == _end && Refill(1) == 0)
-      return -1;
-    return _window[_next++];
-  }
-  /// Takes up to `p_count` bytes into `p_to` and returns how many.
-  std::size_t Read(unsigned char* p_to, std::size_t p_count);
 
   /// How many bytes are left, at most `p_limit`. Where the stream cannot tell, it reads ahead as far as it must.
   std::uint64_t Remaining(std::uint64_t p_limit);
 
   static constexpr std::size_t WindowSize = std::size_t{1} << 20;
+  static constexpr std::size_t Slack = 128;
 
 private:
   std::size_t Refill(std::size_t p_count);

@@ -1,6 +1,9 @@
 #include "library/private/HugePages.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
 
 #if defined(__linux__)
 #include <sys/mman.h>
@@ -18,6 +21,18 @@ void AdviseHugePages([[maybe_unused]] void* p_memory, [[maybe_unused]] std::size
   if (first < last)
     madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
 #endif
+}
+
+void ClearMemory(void* p_memory, std::size_t p_bytes) {
+  static constexpr std::array<unsigned char, 4096> zeros{};
+  unsigned char* at = static_cast<unsigned char*>(p_memory);
+  for (std::size_t left = p_bytes; left != 0;) {
+    const std::size_t part = std::min(left, zeros.size());
+    if (std::memcmp(at, zeros.data(), part) != 0)
+      std::memset(at, 0, part);
+    at += part;
+    left -= part;
+  }
 }
 
 } // namespace Vek::Chart::Library::Private

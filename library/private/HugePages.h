@@ -9,6 +9,10 @@ namespace Vek::Chart::Library::Private {
 /// filling them. A hint; it does nothing for less than some megabytes and where the system has no such pages.
 void AdviseHugePages(void* p_memory, std::size_t p_bytes);
 
+/// Sets memory to 0, but leaves alone what is 0 already: new memory of the system is, and takes no pages until it is
+/// written.
+void ClearMemory(void* p_memory, std::size_t p_bytes);
+
 /// Reserves memory for a vector that will be filled with that many elements.
 template <class T>
 void ReserveLarge(std::vector<T>& p_vector, std::size_t p_count) {

@@ -2,6 +2,8 @@
 
 #include "library/private/HugePages.h"
 
+#include <boost/iterator/iterator_facade.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -24,6 +26,27 @@ std::vector<T> LargeVector(std::size_t p_count) {
     const std::size_t count = std::min(block.size(), p_count - elements.size());
     elements.insert(elements.end(), block.data(), block.data() + count);
   }
+  return elements;
+}
+
+/// As LargeVector, but without touching the memory: its pages are taken from the system when they are written. `Unset`
+/// is a type of T's that it can be made from, and whose constructor leaves the members alone.
+template <class T, class Unset>
+std::vector<T> UnsetVector(std::size_t p_count) {
+  struct Counter : boost::iterator_facade<Counter, const Unset, boost::random_access_traversal_tag> {
+    explicit Counter(std::size_t p_at)
+        : at(p_at) {}
+    const Unset& dereference() const { return unset; }
+    bool equal(const Counter& p_other) const { return at == p_other.at; }
+    void increment() { ++at; }
+    void decrement() { --at; }
+    void advance(std::ptrdiff_t p_by) { at += static_cast<std::size_t>(p_by); }
+    std::ptrdiff_t distance_to(const Counter& p_other) const { return static_cast<std::ptrdiff_t>(p_other.at - at); }
+    std::size_t at;
+    Unset unset;
+  };
+  std::vector<T> elements(Counter(0), Counter(p_count));
+  AdviseHugePages(elements.data(), p_count * sizeof(T));
   return elements;
 }
 

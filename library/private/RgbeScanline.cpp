@@ -1,11 +1,13 @@
 #include "library/private/RgbeScanline.h"
 
+#include "library/private/RgbeFloats.h"
 #include "platform/debug/Check.h"
 
 #include <algorithm>
-#include <array>
+#include <cstdint>
 #include <cstring>
 #include <stdexcept>
+#include <string>
 
 namespace Vek::Chart::Library::Private {
 
@@ -21,27 +23,9 @@ const char* const ComponentRunSignature =
 const char* const PixelRunSignature =
     "void __cdecl Vek::Chart::Library::HdrImage::DecodePixelRun(" VEK_STREAM "," VEK_SCANLINE ")";
 
-/// By exponent byte: what a mantissa is multiplied with, 2^e / 256 with e = byte − 128. The power is built by repeated
-/// squaring of 2 in single precision and inverted for negative e, so that e = −128 gives 1 / infinity, which is 0. All
-/// other products with a mantissa are exact.
-std::array<float, 256> MakeFactors() {
-  std::array<float, 256> factors{};
-  for (int exponent = 0; exponent < 256; ++exponent) {
-    const int e = exponent - 128;
-    float power = 1.0f;
-    float square = 2.0f;
-    for (int rest = e < 0 ? -e : e; rest != 0; rest /= 2, square *= square)
-      if (rest % 2 != 0)
-        power *= square;
-    factors[static_cast<std::size_t>(exponent)] = 0.00390625f * (e < 0 ? 1.0f / power : power);
-  }
-  return factors;
-}
-
-const std::array<float, 256>& Factors() {
-  static const std::array<float, 256> factors = MakeFactors();
-  return factors;
-}
+/// What a code of separated components stands for at most.
+constexpr std::size_t LongestCode = 128;
+static_assert(LongestCode <= ByteSource::Slack, "literals are copied in one piece of that size");
 
 bool IsPixelRunCode(const unsigned char* p_record) {
   return p_record[0] == 1 && p_record[1] == 1 && p_record[2] == 1;
@@ -51,10 +35,43 @@ bool IsComponentRunScanlineHeader(const unsigned char* p_record) {
   return p_record[0] == 2 && p_record[1] == 2 && p_record[2] * 256 + p_record[3] < 32768;
 }
 
-HdrImage::Rgb32F ToFloats(const unsigned char* p_record, const std::array<float, 256>& p_factors) {
-  const float factor = p_factors[p_record[3]];
-  return {static_cast<float>(p_record[0]) * factor, static_cast<float>(p_record[1]) * factor,
-          static_cast<float>(p_record[2]) * factor};
+std::uint32_t Word(const unsigned char* p_record) {
+  std::uint32_t word;
+  std::memcpy(&word, p_record, sizeof word);
+  return word;
+}
+
+/// How many records stand in front of the first run code, of p_count records.
+std::size_t CountPlain(const unsigned char* p_records, std::size_t p_count) {
+  constexpr unsigned char mask_bytes[] = {255, 255, 255, 0};
+  constexpr unsigned char code_bytes[] = {1, 1, 1, 0};
+  const std::uint32_t mask = Word(mask_bytes);
+  const std::uint32_t code = Word(code_bytes);
+  constexpr std::size_t block = 64; // without a way out, so that the compiler looks at several records at once
+  std::size_t plain = 0;
+  for (; p_count - plain >= block; plain += block) {
+    unsigned int codes = 0;
+    for (std::size_t i = plain; i < plain + block; ++i)
+      codes += (Word(p_records + 4 * i) & mask) == code ? 1 : 0;
+    if (codes != 0)
+      break;
+  }
+  while (plain < p_count && !IsPixelRunCode(p_records + 4 * plain))
+    ++plain;
+  return plain;
+}
+
+/// Takes a run code and those behind it, which are the higher bytes of its count, even where they stand in front of the
+/// next scanline.
+std::size_t TakeRunCount(ByteSource& p_source) {
+  std::uint32_t count = p_source.Data()[3];
+  p_source.Take(4);
+  for (unsigned int shift = 8; p_source.Prepare(4) >= 4 && IsPixelRunCode(p_source.Data()); shift += 8) {
+    if (VEK_ENSURE(shift <= 24, PixelRunSignature))
+      count |= static_cast<std::uint32_t>(p_source.Data()[3]) << shift;
+    p_source.Take(4);
+  }
+  return count;
 }
 
 /// All other widths are flat.
@@ -66,7 +83,7 @@ bool MayBeSeparated(std::size_t p_width) {
 
 RgbeScanline::RgbeScanline(std::size_t p_width)
     : _width(p_width)
-    , _planes(MayBeSeparated(p_width) ? 4 * p_width : 0) {}
+    , _planes(MayBeSeparated(p_width) ? 4 * p_width + LongestCode : 0) {}
 
 /// Throws unless so many values fit behind the position.
 void RgbeScanline::CheckRoom(std::size_t p_position, std::size_t p_count) const {
@@ -87,72 +104,75 @@ bool RgbeScanline::DecodeComponentRun(ByteSource& p_source, HdrImage::Rgb32F* p_
   p_source.Take(4);
   VEK_ENSURE_TEXT(scanlineWidth == _width, "scanlineWidth == p_scanline.size()", ComponentRunSignature);
 
-  unsigned char* const red = _planes.data();
-  unsigned char* const green = red + _width;
-  unsigned char* const blue = green + _width;
-  unsigned char* const exponent = blue + _width;
-  std::fill_n(exponent, _width, static_cast<unsigned char>(0)); // pixels whose exponent is missing are 0
-  const bool complete = DecodeComponent(p_source, red) && DecodeComponent(p_source, green) &&
-                        DecodeComponent(p_source, blue) && DecodeComponent(p_source, exponent);
-  const std::array<float, 256>& factors = Factors();
-  for (std::size_t x = 0; x < _width; ++x) {
-    const float factor = factors[exponent[x]];
-    p_pixels[x] = {static_cast<float>(red[x]) * factor, static_cast<float>(green[x]) * factor,
-                   static_cast<float>(blue[x]) * factor};
-  }
-  return complete;
+  unsigned char* const planes = _planes.data();
+  unsigned char* const exponents = planes + 3 * _width;
+  std::size_t component = 0;
+  while (component < 4 && DecodeComponent(p_source, planes + component * _width))
+    ++component;
+  if (component < 3)
+    std::fill_n(exponents, _width, static_cast<unsigned char>(0)); // pixels whose exponent is missing are 0
+  ConvertPlanes({planes, planes + _width, planes + 2 * _width, exponents}, _width, p_pixels);
+  return component == 4;
 }
 
+/// Copies and fills pieces of LongestCode bytes, whatever the count: a fixed size takes a few instructions, and what is
+/// too much is overwritten by what follows. Components are decoded from front to back, and the last has room behind it.
 bool RgbeScanline::DecodeComponent(ByteSource& p_source, unsigned char* p_component) {
-  for (std::size_t position = 0; position < _width;) {
-    const int code = p_source.GetByte();
-    const std::size_t count = code < 0 ? 0 : static_cast<std::size_t>(code <= 128 ? code : code - 128);
+  std::size_t position = 0;
+  const unsigned char* at = p_source.Data();
+  const unsigned char* last = at + p_source.Prepare(0);
+  while (position < _width) {
+    if (static_cast<std::size_t>(last - at) <= LongestCode) { // the window may end within the next code
+      p_source.Take(static_cast<std::size_t>(at - p_source.Data()));
+      const std::size_t available = p_source.Prepare(LongestCode + 1);
+      at = p_source.Data();
+      last = at + available;
+      if (available == 0)
+        break;
+    }
+    const std::size_t code = *at++;
+    const bool run = code > 128;
+    const std::size_t count = run ? code - 128 : code;
     CheckRoom(position, count);
-    std::size_t got = 0;
-    if (code <= 128) { // a literal of that many bytes
-      got = p_source.Read(p_component + position, count);
-    } else if (const int value = p_source.GetByte(); value >= 0) {
-      std::memset(p_component + position, value, count);
-      got = count;
+    const std::size_t available = static_cast<std::size_t>(last - at);
+    if (available < (run ? 1 : count)) {
+      const std::size_t part = run ? 0 : available;
+      std::copy_n(at, part, p_component + position);
+      position += part;
+      at += part;
+      break;
     }
-    position += got;
-    if (code < 0 || got < count) {
-      std::fill(p_component + position, p_component + _width, static_cast<unsigned char>(0));
-      return false;
-    }
+    if (run)
+      std::memset(p_component + position, *at, LongestCode);
+    else
+      std::memcpy(p_component + position, at, LongestCode);
+    at += run ? 1 : count;
+    position += count;
   }
-  return true;
+  p_source.Take(static_cast<std::size_t>(at - p_source.Data()));
+  std::fill(p_component + position, p_component + _width, static_cast<unsigned char>(0));
+  return position == _width;
 }
 
 bool RgbeScanline::DecodePixelRun(ByteSource& p_source, HdrImage::Rgb32F* p_pixels) {
-  const std::array<float, 256>& factors = Factors();
   HdrImage::Rgb32F pixel; // the previous one; kept after a run, though no longer to be repeated
   bool previous = false;
   for (std::size_t position = 0; position < _width;) {
     const std::size_t available = p_source.Prepare(4) / 4;
-    if (available == 0)
+    if (available == 0) {
+      std::fill_n(p_pixels + position, _width - position, HdrImage::Rgb32F());
       return false;
-    const unsigned char* record = p_source.Data();
-    if (!IsPixelRunCode(record)) {
-      const unsigned char* const end = record + 4 * std::min(available, _width - position);
-      for (; record != end && !IsPixelRunCode(record); record += 4)
-        p_pixels[position++] = ToFloats(record, factors);
+    }
+    if (const std::size_t plain = CountPlain(p_source.Data(), std::min(available, _width - position)); plain != 0) {
+      ConvertRecords(p_source.Data(), plain, p_pixels + position);
+      p_source.Take(4 * plain);
+      position += plain;
       pixel = p_pixels[position - 1];
       previous = true;
-      p_source.Take(static_cast<std::size_t>(record - p_source.Data()));
       continue;
     }
     VEK_ENSURE(previous, PixelRunSignature);
-    std::uint32_t count = record[3];
-    p_source.Take(4);
-    // Further codes are the higher bytes of the count, even where they stand in front of the next scanline.
-    for (unsigned int shift = 8; p_source.Prepare(4) >= 4 && IsPixelRunCode(p_source.Data()); shift += 8) {
-      if (VEK_ENSURE(shift <= 24, PixelRunSignature))
-        count |= static_cast<std::uint32_t>(p_source.Data()[3]) << shift;
-      p_source.Take(4);
-    }
-    if (count > _width - position)
-      std::fill_n(p_pixels, position, HdrImage::Rgb32F()); // a scanline that throws leaves nothing
+    const std::size_t count = TakeRunCount(p_source);
     CheckRoom(position, count);
     std::fill_n(p_pixels + position, count, pixel);
     position += count;

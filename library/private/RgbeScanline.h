@@ -13,9 +13,9 @@ class RgbeScanline {
 public:
   explicit RgbeScanline(std::size_t p_width);
 
-  /// Decodes the next scanline to `p_pixels`, as many as the width, which are 0 before. False when the data end before
-  /// the scanline does; that is reported, and pixels that are not in the data stay 0. Throws std::out_of_range when the
-  /// data go on behind the scanline's end; all of its pixels stay 0 then.
+  /// Decodes the next scanline to `p_pixels`, as many as the width; all of them are set. False when the data end before
+  /// the scanline does; that is reported, and pixels that are not in the data are 0. Throws std::out_of_range when the
+  /// data go on behind the scanline's end; its pixels are not to be used then.
   bool Decode(ByteSource& p_source, HdrImage::Rgb32F* p_pixels);
 
 private:
@@ -25,7 +25,7 @@ private:
   void CheckRoom(std::size_t p_position, std::size_t p_count) const;
 
   std::size_t _width;
-  std::vector<unsigned char> _planes; ///< the four components of a scanline, one behind the other
+  std::vector<unsigned char> _planes; ///< the four components of a scanline, one behind the other, and room for a code
 };
 
 } // namespace Vek::Chart::Library::Private
