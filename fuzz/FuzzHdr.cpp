@@ -1,6 +1,7 @@
 #include "fuzz/FuzzTarget.h"
 #include "library/HdrImage.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -17,7 +18,8 @@ bool IsSlow(const std::string& p_text) {
     double height = 0;
     double width = 0;
     words >> axis >> height >> axis >> width;
-    const bool refused = height * width > Vek::Fuzz::RefusedClaim && 4 * height > static_cast<double>(p_text.size());
+    const double least_bytes = std::max(4 * height, height * width / 64);
+    const bool refused = height * width > Vek::Fuzz::RefusedClaim && least_bytes > static_cast<double>(p_text.size());
     if (height * width > Vek::Fuzz::SlowClaim && !refused)
       return true;
   }

@@ -11,8 +11,8 @@
 #include <fstream>
 #include <limits>
 #include <locale>
+#include <memory>
 #include <string>
-#include <vector>
 
 namespace Vek::Chart::Library::Private {
 
@@ -62,26 +62,56 @@ const char* Text(const ByteSource& p_source) {
 }
 
 const char* SkipBlanks(const char* p_first, const char* p_last) {
-  while (p_first != p_last && (*p_first == ' ' || (*p_first >= '\t' && *p_first <= '\r')))
+  while (p_first != p_last && Scan::IsBlank(*p_first))
     ++p_first;
   return p_first;
 }
 
-/// Reads plain numbers as long as they are all there in the window, at most p_count in all, and stops in front of the
-/// first one that is not.
-void ReadPlainNumbers(ByteSource& p_source, std::size_t p_count, std::vector<float>& p_numbers) {
-  const char* const first = Text(p_source);
-  const char* const last = first + p_source.Prepare(0);
-  const char* at = first;
-  while (p_numbers.size() < p_count) {
-    float number;
-    const char* const end = Scan::ShortFloat(SkipBlanks(at, last), last, number);
-    if (end == nullptr || end == last || *end == 'e' || *end == 'E')
-      break;
-    p_numbers.push_back(number);
-    at = end;
+unsigned char ToByte(float p_value, float p_scale) {
+  const double scaled = static_cast<double>(p_value * p_scale) * 255.0;
+  return static_cast<unsigned char>(scaled > 0.0 ? std::min(scaled, 255.0) : 0.0); // not a number: 0
+}
+
+/// Turns the numbers of a file into voxels: those of the first channel, by the largest of all. Numbers become bytes as
+/// soon as they are read, by the largest so far, while the processor still has them in its cache. Only those in front
+/// of the last change of the largest are converted again at the end.
+class Voxels {
+public:
+  Voxels(ByteSource& p_source, std::size_t p_count, std::size_t p_channels, unsigned char* p_bytes);
+
+  /// Reads the numbers. As soon as one fails, those behind it are 0; each that fails is reported, up to a number that
+  /// says enough about a file that was cut.
+  void Read();
+
+private:
+  void ReadPlain();
+  void Append(float p_number) {
+    _numbers[_read++] = p_number;
+    _maximum = p_number > _maximum ? p_number : _maximum;
   }
-  p_source.Take(static_cast<std::size_t>(at - first));
+  void ConvertNew();
+  void Convert(std::size_t p_first, std::size_t p_last);
+
+  ByteSource& _source;
+  const std::size_t _count;
+  const std::size_t _channels;
+  unsigned char* const _bytes;
+  std::unique_ptr<float[]> _numbers; ///< not initialised
+  std::size_t _read = 0;
+  float _maximum = -1e10f;
+
+  std::size_t _converted = 0;
+  std::size_t _settled = 0; ///< from here on, by the largest so far
+  float _convertedMaximum = _maximum;
+};
+
+/// The value of a plain number that is all there in the text, and the place behind it; null otherwise.
+const char* PlainNumber(const char* p_first, const char* p_last, float& p_value) {
+  if (p_last - p_first >= 8)
+    if (const char* const end = Scan::TinyFloat(p_first, p_value))
+      return end;
+  const char* const end = Scan::ShortFloat(p_first, p_last, p_value);
+  return end == nullptr || end == p_last || *end == 'e' || *end == 'E' ? nullptr : end;
 }
 
 /// Reads a number of any kind. False when there is none, or none that can be read; p_number is then what a stream would
@@ -107,39 +137,73 @@ bool ReadNumber(ByteSource& p_source, float& p_number) {
   return taken;
 }
 
-/// Reads p_count numbers. As soon as one fails, those behind it are 0, and are left out. Each that fails is reported,
-/// up to a number that says enough about a file that was cut.
-std::vector<float> ReadNumbers(ByteSource& p_source, std::size_t p_count) {
-  constexpr std::size_t mostReports = 1000;
-  std::vector<float> numbers;
-  // No more than the bytes allow: two for each number, a digit and what stands between.
-  ReserveLarge(numbers, static_cast<std::size_t>(p_source.Remaining(2 * p_count) / 2 + 1));
-  bool good = true;
-  while (good && numbers.size() < p_count) {
-    ReadPlainNumbers(p_source, p_count, numbers);
-    if (numbers.size() == p_count)
+Voxels::Voxels(ByteSource& p_source, std::size_t p_count, std::size_t p_channels, unsigned char* p_bytes)
+    : _source(p_source)
+    , _count(p_count)
+    , _channels(p_channels)
+    , _bytes(p_bytes) {
+  // No more than the file's bytes allow: two for each number, a digit and what stands between.
+  const std::size_t most = std::min(p_count, static_cast<std::size_t>(p_source.Remaining(2 * p_count) / 2 + 1));
+  _numbers.reset(new float[most]);
+  AdviseHugePages(_numbers.get(), most * sizeof(float));
+}
+
+/// Reads plain numbers as long as they are all there in the window, and stops in front of the first one that is not.
+void Voxels::ReadPlain() {
+  const char* const first = Text(_source);
+  const char* const last = first + _source.Prepare(0);
+  const char* at = first;
+  while (_read < _count) {
+    float value;
+    const char* const end = PlainNumber(SkipBlanks(at, last), last, value);
+    if (end == nullptr)
       break;
-    float number;
-    good = ReadNumber(p_source, number);
-    numbers.push_back(number);
+    Append(value);
+    at = end;
+  }
+  _source.Take(static_cast<std::size_t>(at - first));
+}
+
+void Voxels::Read() {
+  constexpr std::size_t mostReports = 1000;
+  constexpr std::size_t worthConverting = 4096;
+  bool good = true;
+  while (good && _read < _count) {
+    ReadPlain();
+    if (_read < _count) {
+      float number;
+      good = ReadNumber(_source, number);
+      Append(number);
+    }
+    if (_read - _converted >= worthConverting)
+      ConvertNew();
   }
   if (!good)
-    for (std::size_t failed = std::min(p_count - numbers.size() + 1, mostReports); failed != 0; --failed)
+    for (std::size_t failed = std::min(_count - _read + 1, mostReports); failed != 0; --failed)
       VEK_ENSURE_TEXT(false, "file", LoadSignature);
-  return numbers;
+  if (_read < _count && _maximum < 0.0f) // numbers that are missing are 0
+    _maximum = 0.0f;
+  ConvertNew();
+  Convert(0, _settled);
 }
 
-/// The value that is mapped to 255; a number that is missing counts as 0.
-float Maximum(const std::vector<float>& p_numbers, std::size_t p_count) {
-  float maximum = -1e10f;
-  for (const float number : p_numbers)
-    maximum = number > maximum ? number : maximum;
-  return p_numbers.size() < p_count && maximum < 0.0f ? 0.0f : maximum;
+void Voxels::ConvertNew() {
+  if (_maximum != _convertedMaximum)
+    _settled = _converted;
+  _convertedMaximum = _maximum;
+  Convert(_converted, _read);
+  _converted = _read;
 }
 
-unsigned char ToByte(float p_value, float p_scale) {
-  const double scaled = static_cast<double>(p_value * p_scale) * 255.0;
-  return static_cast<unsigned char>(scaled > 0.0 ? std::min(scaled, 255.0) : 0.0); // not a number: 0
+void Voxels::Convert(std::size_t p_first, std::size_t p_last) {
+  const float scale = static_cast<float>(1.0 / static_cast<double>(_maximum));
+  if (_channels == 1) {
+    std::transform(_numbers.get() + p_first, _numbers.get() + p_last, _bytes + p_first,
+                   [scale](float p_value) { return ToByte(p_value, scale); });
+    return;
+  }
+  for (std::size_t i = (p_first + _channels - 1) / _channels; i * _channels < p_last; ++i)
+    _bytes[i] = ToByte(_numbers[i * _channels], scale);
 }
 
 } // namespace
@@ -171,17 +235,12 @@ boost::shared_ptr<VolumeImage> LoadTextArray(std::istream& p_stream) {
     return {};
   }
 
-  const std::vector<float> numbers = ReadNumbers(source, static_cast<std::size_t>(count));
-  const std::size_t channels = static_cast<std::size_t>(file.channels);
-  VEK_ENSURE(channels == 1, LoadSignature);
   auto volume =
       boost::make_shared<VolumeImage>(VolumeImage::Byte1, static_cast<std::uint64_t>(file.s0),
                                       static_cast<std::uint64_t>(file.s1), static_cast<std::uint64_t>(file.s2));
-  // The first channel; voxels whose numbers are missing stay 0.
-  const float scale = static_cast<float>(1.0 / static_cast<double>(Maximum(numbers, static_cast<std::size_t>(count))));
-  unsigned char* voxel = volume->Bytes().data();
-  for (std::size_t i = 0; i < numbers.size(); i += channels)
-    *voxel++ = ToByte(numbers[i], scale);
+  const std::size_t channels = static_cast<std::size_t>(file.channels);
+  Voxels(source, static_cast<std::size_t>(count), channels, volume->Bytes().data()).Read();
+  VEK_ENSURE(channels == 1, LoadSignature);
   return volume;
 }
 

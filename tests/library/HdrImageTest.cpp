@@ -219,6 +219,9 @@ TEST(HdrImage, RefusesHostileSizesBeforeTakingMemory) {
     EXPECT_TRUE(outcome.pixels.empty());
     EXPECT_EQ(outcome.width, 0);
   }
+  // Four bytes are enough for a scanline, but not for one of gigabytes.
+  EXPECT_EQ(Load(Picture(2000000000, 1, A)).exception, "length_error");
+  EXPECT_EQ(Load(Picture(1 << 27, 1, A + Repeat(Bytes({1, 1, 1, 255}), 4))).exception, "length_error");
 }
 
 TEST(HdrImage, KeepsHeaderValues) {
