@@ -130,13 +130,17 @@ private:
       for (; done + 16 <= p_count; done += 16) {
         _mm_prefetch(reinterpret_cast<const char*>(p_values + std::min(done + FetchedAhead / sizeof(T), p_count - 1)),
                      _MM_HINT_T0);
-        for (std::size_t i = done; i < done + 16; i += 4)
-          p_store(reinterpret_cast<__m128i*>(p_rgba + 4 * i), four(p_values + i));
+        // All four before any is stored: a cache line that is written in one go needs no reading.
+        const __m128i colors[] = {four(p_values + done), four(p_values + done + 4), four(p_values + done + 8),
+                                  four(p_values + done + 12)};
+        for (std::size_t i = 0; i < 4; ++i)
+          p_store(reinterpret_cast<__m128i*>(p_rgba + 4 * done) + i, colors[i]);
       }
     };
-    const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(p_rgba) % sizeof(__m128i);
+    constexpr std::size_t Line = 64;
+    const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(p_rgba) % Line;
     if (p_count > CachedBytes / 4 && misaligned % 4 == 0) {
-      done = (sizeof(__m128i) - misaligned) % sizeof(__m128i) / 4;
+      done = (Line - misaligned) % Line / 4;
       MapOneByOne(p_values, done, p_rgba, one);
       map_sixteens([](__m128i* p_target, __m128i p_colors) { _mm_stream_si128(p_target, p_colors); });
       _mm_sfence(); // what is stored next must not overtake it
