@@ -32,11 +32,9 @@ namespace Vek::Chart::Library {
 /// "p_lower < p_upper", "p_lower > 0" on a logarithmic scale,
 /// "std::isfinite(p_lower) && std::isfinite(p_upper)".
 ///
-///     ColorScale::Outside outside;
-///     outside.nan = Qt::gray;
-///     const ColorScale scale(NamedColors::Colors("viridis"), 0.1, 1000, ColorScale::Logarithmic, outside);
-///     std::vector<unsigned char> rgba(4 * values.size());
-///     scale.Map(values.data(), values.size(), rgba.data());
+/// \snippet ColorSnippetsTest.cpp ColorScale
+/// \image html wind.jpg
+/// \ingroup colours
 class VEK_LIBRARY_API ColorScale {
 public:
   /// What is even about the classes. Any number is allowed; all but 1 are linear.

@@ -2,6 +2,7 @@
 
 #include "library/ColorAtlas.h"
 #include "library/ColorMap.h"
+#include "library/ColorScale.h"
 #include "library/NamedColors.h"
 #include "library/Pattern.h"
 #include "library/Style.h"
@@ -129,6 +130,27 @@ TEST(ColorSnippets, NamedColors) {
   //! [NamedColors]
   EXPECT_EQ(blended.Color(0.0).rgba(), classed.Color(0.1).rgba()) << "the first class is the lowest colour";
   EXPECT_GT(downwards.Color(0.0).lightness(), downwards.Color(1.0).lightness());
+}
+
+TEST(ColorSnippets, ColorScale) {
+  //! [ColorScale]
+  const std::vector<float> values = {0.1F, 10, 1000, 0, std::numeric_limits<float>::quiet_NaN()};
+  ColorScale::Outside outside;
+  outside.below = Qt::black; // what is zero or less has no logarithm, and is below
+  outside.nan = Qt::gray;
+  const ColorScale scale(NamedColors::Colors("viridis"), 0.1, 1000, ColorScale::Logarithmic, outside);
+  std::vector<unsigned char> rgba(4 * values.size());
+  scale.Map(values.data(), values.size(), rgba.data());
+  //! [ColorScale]
+  const auto color = [&](std::size_t p_index) {
+    return QColor(rgba[4 * p_index], rgba[4 * p_index + 1], rgba[4 * p_index + 2], rgba[4 * p_index + 3]);
+  };
+  const std::vector<QColor> viridis = NamedColors::Colors("viridis");
+  EXPECT_EQ(color(0), scale.Color(0.1F));
+  EXPECT_EQ(color(1), viridis[128]) << "half the decades";
+  EXPECT_EQ(color(2), viridis.back());
+  EXPECT_EQ(color(3), QColor(Qt::black));
+  EXPECT_EQ(color(4), QColor(Qt::gray));
 }
 
 TEST_F(ColorSnippetPixels, ColorAtlas) {
