@@ -95,7 +95,7 @@ public:
     return camera;
   }
 
-  Types::Viewport<0> SurfaceViewport(const View& p_view) const override { return Part(p_view, MainPart); }
+  Types::Viewport<0> SurfaceViewport(const View& p_view) const override { return PartOf(p_view, MainPart); }
 
 protected:
   void Prepare(Utility::Scoped<Rgl>& p_gl) override { _pass.emplace(p_gl); }
@@ -150,13 +150,6 @@ private:
   static constexpr Overlay::Rect MainPart{0, 30, 1090, 930};
   static constexpr Overlay::Rect DecodedPart{1112, 545, 1552, 545 + 440 * 900.0 / 1090};
   static constexpr Overlay::Rect TruePart{1112, 115, 1552, 115 + 440 * 900.0 / 1090};
-
-  /// Points of the whole view as pixels of the window.
-  static Types::Viewport<0> Part(const View& p_view, const Overlay::Rect& p_rect) {
-    const auto pixels = [&](double p_points) { return static_cast<float>(std::floor(p_points * p_view.PointSize())); };
-    return {p_view.viewport.x + pixels(p_rect.left), p_view.viewport.y + pixels(p_rect.bottom),
-            pixels(p_rect.right - p_rect.left), pixels(p_rect.top - p_rect.bottom)};
-  }
 
   std::vector<Pick> PickAll(Utility::Scoped<Rgl>& p_gl, const View& p_scene) {
     const Core::TimeStamp stamp; // of the view as it is now: all picks share one drawing
@@ -220,10 +213,7 @@ private:
       }
       p_gl->End();
     }
-    p_overlay.Line(p_rect.left, p_rect.bottom, p_rect.right, p_rect.bottom, 1, Theme::Line);
-    p_overlay.Line(p_rect.left, p_rect.top, p_rect.right, p_rect.top, 1, Theme::Line);
-    p_overlay.Line(p_rect.left, p_rect.bottom, p_rect.left, p_rect.top, 1, Theme::Line);
-    p_overlay.Line(p_rect.right, p_rect.bottom, p_rect.right, p_rect.top, 1, Theme::Line);
+    p_overlay.Frame(p_rect, 1, Theme::Line);
     p_overlay.Text(p_title, p_rect.left, p_rect.top + 8, {0, 0}, {Theme::SmallSize, Theme::Text, false});
   }
 

@@ -12,6 +12,7 @@ std::unique_ptr<Scene> LoadSymbols(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadEarthquakes(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadAtlas(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadVolume(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadCuts(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadHdr(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadPicking(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadStyles(const Inputs& p_inputs, Loading& p_loading);

@@ -34,6 +34,11 @@ const std::vector<SceneEntry>& Scenes() {
        "them, and "
        "land is transparent.",
        "examples/Volume.cpp", LoadVolume},
+      {"cuts",
+       "Everything that Intersect computes: a volume cut by five planes, filled by a VolumeTexture; the line of two "
+       "planes; and rays that meet a plane, end on it, lie in it or stop short. The volume is a formula that the scene "
+       "computes itself, or one given with --volume.",
+       "examples/Cuts.cpp", LoadCuts},
       {"picking",
        "Places in the world under seven pixels, read from one drawing by a TopMostFragmentDepthBuffer. On the right, "
        "all "

@@ -31,6 +31,13 @@ void Overlay::Fill(const Rect& p_rect, const QColor& p_lower, const QColor& p_up
   _gl->End();
 }
 
+void Overlay::Frame(const Rect& p_rect, double p_width, const QColor& p_color) {
+  Line(p_rect.left, p_rect.bottom, p_rect.right, p_rect.bottom, p_width, p_color);
+  Line(p_rect.left, p_rect.top, p_rect.right, p_rect.top, p_width, p_color);
+  Line(p_rect.left, p_rect.bottom, p_rect.left, p_rect.top, p_width, p_color);
+  Line(p_rect.right, p_rect.bottom, p_rect.right, p_rect.top, p_width, p_color);
+}
+
 void Overlay::Line(double p_x0, double p_y0, double p_x1, double p_y1, double p_width, const QColor& p_color) {
   // A quad, since the widths that GL offers for lines differ from device to device.
   const double length = std::hypot(p_x1 - p_x0, p_y1 - p_y0);
@@ -85,6 +92,12 @@ void Overlay::Bar(const Rect& p_rect, const Library::ColorMap& p_colors, const Q
     Text(tick.text, x, p_rect.bottom - 9, {0.5, 1}, {Theme::SmallSize, Theme::Text, false});
   }
   Text(p_title, p_rect.left - 2, p_rect.top + 6, {0, 0}, {Theme::SmallSize, Theme::Text, false});
+}
+
+Types::Viewport<0> PartOf(const View& p_view, const Overlay::Rect& p_rect) {
+  const auto pixels = [&](double p_points) { return static_cast<float>(std::floor(p_points * p_view.PointSize())); };
+  return {p_view.viewport.x + pixels(p_rect.left), p_view.viewport.y + pixels(p_rect.bottom),
+          pixels(p_rect.right - p_rect.left), pixels(p_rect.top - p_rect.bottom)};
 }
 
 void DrawBackground(Utility::Scoped<Rgl>& p_gl, const View& p_view, Lettering& p_lettering) {

@@ -46,6 +46,8 @@ public:
 
   void Fill(const Rect& p_rect, const QColor& p_lower, const QColor& p_upper);
   void Fill(const Rect& p_rect, const QColor& p_color) { Fill(p_rect, p_color, p_color); }
+  /// The border of a rectangle.
+  void Frame(const Rect& p_rect, double p_width, const QColor& p_color);
   void Line(double p_x0, double p_y0, double p_x1, double p_y1, double p_width, const QColor& p_color);
   void Text(const QString& p_text, double p_x, double p_y, Lettering::Anchor p_anchor, const Lettering::Style& p_style);
   /// A text beside the place where a point of the scene appears, moved by points.
@@ -67,6 +69,9 @@ private:
   boost::shared_ptr<void> _attributes;
   boost::shared_ptr<void> _projection;
 };
+
+/// A part of a view, told in points, as pixels of the window.
+Types::Viewport<0> PartOf(const View& p_view, const Overlay::Rect& p_rect);
 
 /// Clears the view and fills it with the theme's background.
 void DrawBackground(Utility::Scoped<Rgl>& p_gl, const View& p_view, Lettering& p_lettering);
