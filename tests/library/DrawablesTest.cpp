@@ -15,24 +15,17 @@
 
 #include <boost/make_shared.hpp>
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <functional>
 #include <limits>
 #include <map>
 #include <set>
 #include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
 using namespace Vek::Chart;
 using namespace Vek::Chart::Library;
+using namespace Vek::Test;
 using Ogl::Library::Ring;
-using Vek::Test::Lines;
-using Vek::Test::PixelAt;
-using Vek::Test::ReportCapture;
 using Vector = Types::Vector3_Base<double>;
 using Rect = Types::Viewport<0>;
 
@@ -54,42 +47,29 @@ constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
 
 class DrawablesPixels : public Vek::Test::PixelFixture {};
 
-Lines operator+(Lines p_a, const Lines& p_b) {
-  p_a.insert(p_a.end(), p_b.begin(), p_b.end());
-  return p_a;
-}
-
-Lines Corners(const char* p_color, const char* p_mode, int p_left, int p_bottom, int p_right, int p_top) {
+/// A red face or a black outline.
+Lines Corners(const std::string& p_begin, int p_left, int p_bottom, int p_right, int p_top) {
   const auto pixel = [](int p_x, int p_y) {
-    return "Vertex2i(" + std::to_string(p_x) + ", " + std::to_string(p_y) + ")";
+    return "Vertex2i(" + std::to_string(p_x) + ", " + std::to_string(p_y) + "); ";
   };
-  return {std::string("Color4d(") + p_color + ")",
-          std::string("Begin(") + p_mode + ")",
-          pixel(p_left, p_bottom),
-          pixel(p_right, p_bottom),
-          pixel(p_right, p_top),
-          pixel(p_left, p_top),
-          "End()"};
+  return Calls(p_begin + pixel(p_left, p_bottom) + pixel(p_right, p_bottom) + pixel(p_right, p_top) +
+               pixel(p_left, p_top) + "End()");
 }
-/// A red face and a black outline.
 Lines Fill(int p_left, int p_bottom, int p_right, int p_top) {
-  return Corners("1, 0, 0, 1", "GL_QUADS", p_left, p_bottom, p_right, p_top);
+  return Corners("Color4d(1, 0, 0, 1); Begin(GL_QUADS); ", p_left, p_bottom, p_right, p_top);
 }
 Lines Outline(int p_left, int p_bottom, int p_right, int p_top) {
-  return Corners("0, 0, 0, 1", "GL_LINE_LOOP", p_left, p_bottom, p_right, p_top);
+  return Corners("Color4d(0, 0, 0, 1); Begin(GL_LINE_LOOP); ", p_left, p_bottom, p_right, p_top);
 }
 
-/// What a quadric drawable at (1, 2, 3) sends; `p_number` is the number of its quadric.
+/// What a quadric drawable
 Lines Quadric(int p_number, const std::string& p_style, const std::string& p_shape, const std::string& p_to = "1, 2, 3",
               const std::string& p_back = "-1, -2, -3") {
   const std::string quadric = "quadric" + std::to_string(p_number);
-  return {"Translated(" + p_to + ")",
-          "NewQuadric()",
-          "QuadricDrawStyle(" + quadric + ", " + p_style + ")",
-          "QuadricNormals(" + quadric + ", GLU_SMOOTH)",
-          p_shape.substr(0, p_shape.find('(') + 1) + quadric + ", " + p_shape.substr(p_shape.find('(') + 1),
-          "DeleteQuadric(" + quadric + ")",
-          "Translated(" + p_back + ")"};
+  return Calls("Translated(" + p_to + "); NewQuadric(); QuadricDrawStyle(" + quadric + ", " + p_style +
+               "); QuadricNormals(" + quadric + ", GLU_SMOOTH); " + p_shape.substr(0, p_shape.find('(') + 1) + quadric +
+               ", " + p_shape.substr(p_shape.find('(') + 1) + "; DeleteQuadric(" + quadric + "); Translated(" + p_back +
+               ")");
 }
 
 /// A drawable with some fields set: With(drawable, field, value, field, value, ...).
@@ -139,7 +119,7 @@ TEST_F(DrawablesCalls, Box) {
 }
 
 TEST_F(DrawablesCalls, FilledBox) {
-  const Rect outer(10, 20, 50, 40), inner(15, 26, 30, 20);
+  const Rect outer(10, 20, 50, 40), inner(15, 26, 30, 20), touching(10, 26, 30, 34), broken(NaN, 26, 30, 34);
   const Lines outlines = Outline(10, 20, 59, 59) + Outline(15, 26, 44, 45);
   const Lines inside = Fill(15, 26, 44, 45) + Outline(15, 26, 44, 45);
   const struct {
@@ -153,18 +133,10 @@ TEST_F(DrawablesCalls, FilledBox) {
       {"other modes too", -7, inner, Qt::black, Qt::red, inside},
       {"frame", 1, inner, Qt::black, Qt::red,
        Fill(10, 20, 15, 60) + Fill(15, 20, 45, 26) + Fill(45, 20, 60, 60) + Fill(15, 46, 45, 60) + outlines},
-      {"frame that touches on the left and above",
-       1,
-       {10, 26, 30, 34},
-       Qt::black,
-       Qt::red,
+      {"frame that touches on the left and above", 1, touching, Qt::black, Qt::red,
        Fill(10, 20, 40, 26) + Fill(40, 20, 60, 60) + Outline(10, 20, 59, 59) + Outline(10, 26, 39, 59)},
       {"frame of nothing", 1, outer, Qt::black, Qt::red, Outline(10, 20, 59, 59) + Outline(10, 20, 59, 59)},
-      {"no numbers",
-       1,
-       {NaN, 26, 30, 34},
-       Qt::black,
-       Qt::red,
+      {"no numbers", 1, broken, Qt::black, Qt::red,
        Fill(0, 20, 0, 26) + Outline(10, 20, 59, 59) + Outline(0, 26, 0, 59)},
       {"transparent frame", 1, inner, Qt::black, Qt::transparent, outlines},
       {"nothing visible", 1, inner, Qt::transparent, Qt::transparent, {}},
@@ -257,14 +229,9 @@ TEST_F(DrawablesCalls, Cuboid) {
     return recorder.Lines();
   };
   const auto expected = [](const std::string& p_mode, const std::string& p_size, const std::string& p_inverse) {
-    return Lines{"PushAttrib(GL_POLYGON_BIT)",
-                 "PolygonMode(GL_FRONT_AND_BACK, " + p_mode + ")",
-                 "Translated(1, 2, 3)",
-                 "Scaled(" + p_size + ")",
-                 "CallList(2001)",
-                 "Scaled(" + p_inverse + ")",
-                 "Translated(-1, -2, -3)",
-                 "PopAttrib()"};
+    return Calls("PushAttrib(GL_POLYGON_BIT); PolygonMode(GL_FRONT_AND_BACK, " + p_mode +
+                 "); Translated(1, 2, 3); Scaled(" + p_size + "); CallList(2001); Scaled(" + p_inverse +
+                 "); Translated(-1, -2, -3); PopAttrib()");
   };
   EXPECT_EQ(drawn(), expected("GL_FILL", "2, 4, 0.5", "0.5, 0.25, 2"));
   EXPECT_EQ(cuboid.inverseSize, Vector(0.5, 0.25, 2));
@@ -297,39 +264,30 @@ TEST(Ring, HasTheMeshOfATube) {
   EXPECT_EQ(ring.indices, expected);
 }
 
-TEST_F(DrawablesCalls, RingSendsItsMeshWithTheNormalsOfItsFaces) {
-  const Ring ring;
-  const Lines lines = Drawn(ring);
-  ASSERT_EQ(lines.size(), 2u + 2 * 864) << "no translation at the origin";
-  Ogl::RecordingGl other;
-  {
-    const Scope gl(other.Handle());
-    gl->Begin(RGL_TRIANGLES);
-    for (std::size_t k = 0; k < ring.indices.size(); ++k) {
-      const Vector& v = ring.vertices[ring.indices[k]];
-      const double length = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); // z counts too
-      const Vector normals[4] = {{-v.x / length, -v.y / length, -v.z / length},
-                                 {0, 0, 1},
-                                 {v.x / length, v.y / length, v.z / length},
-                                 {0, 0, -1}};
-      gl->Normal(normals[k / 6 % 4]);
-      gl->Vertex(v);
+TEST_F(DrawablesCalls, RingSendsItsMeshWithTheNormalsOfItsFacesAndMovesBackBeforeEnd) {
+  for (const bool moved : {false, true}) {
+    const Ring ring = moved ? At123<Ring>() : Ring();
+    Ogl::RecordingGl other;
+    {
+      const Scope gl(other.Handle());
+      if (moved)
+        gl->Translate({1, 2, 3});
+      gl->Begin(RGL_TRIANGLES);
+      for (std::size_t k = 0; k < ring.indices.size(); ++k) {
+        const Vector& v = ring.vertices[ring.indices[k]];
+        const Vector out = v / std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); // z counts too
+        const Vector normals[4] = {{-out.x, -out.y, -out.z}, {0, 0, 1}, out, {0, 0, -1}};
+        gl->Normal(normals[k / 6 % 4]);
+        gl->Vertex(v);
+      }
+      if (moved)
+        gl->Translate({-1, -2, -3});
+      gl->End();
     }
-    gl->End();
+    EXPECT_EQ(Drawn(ring), other.Lines());
+    EXPECT_EQ(recorder.TakeComplaints(), Lines(moved, "Translated: not allowed between Begin and End"));
+    other.TakeComplaints();
   }
-  EXPECT_EQ(lines, other.Lines());
-}
-
-TEST_F(DrawablesCalls, RingMovesBackBeforeEnd) {
-  Ring ring = At123<Ring>();
-  ring.indices.resize(24);
-  const Lines lines = Drawn(ring);
-  ASSERT_EQ(lines.size(), 52u);
-  EXPECT_EQ(lines[0], "Translated(1, 2, 3)");
-  EXPECT_EQ(lines[1], "Begin(GL_TRIANGLES)");
-  EXPECT_EQ(lines[50], "Translated(-1, -2, -3)");
-  EXPECT_EQ(lines[51], "End()");
-  EXPECT_EQ(recorder.TakeComplaints(), Lines{"Translated: not allowed between Begin and End"});
 }
 
 TEST_F(DrawablesCalls, RingReportsABrokenMesh) {
@@ -350,49 +308,15 @@ TEST_F(DrawablesCalls, RingReportsABrokenMesh) {
 
 // On the rasteriser
 
-TEST_F(DrawablesPixels, BoxesToThePixel) {
-  Scope gl(Handle());
-  // Powers of two, so that window coordinates are exact where lines meet the centres of pixels.
-  const Rect viewport(0, 0, 64, 32);
-  gl->Viewport(viewport);
-  const auto pixels = gl->PixelProjection(viewport);
-  const auto rows = [&gl](const auto& p_drawable) {
-    gl->Clear(RGL_COLOR_BUFFER_BIT);
-    p_drawable(Handle());
-    const QImage image = Image();
-    Lines found;
-    for (int y = 7; y >= 0; --y) {
-      found.emplace_back();
-      for (int x = 0; x < 11; ++x) {
-        const QColor pixel = QColor::fromRgba(PixelAt(image, x, y));
-        found.back() += pixel == Qt::red ? 'f' : pixel == Qt::blue ? 'l' : pixel.alpha() != 0 ? '?' : '.';
-      }
-    }
-    return found;
-  };
-  // Fills meet the corners of pixels; outlines are moved close to their centres.
-  EXPECT_EQ(rows(With(Box(), &Box::rect, Rect(2.9f, 1.2f, 5.1f, 3), // to (8, 4.2)
-                      &Box::lineColor, Qt::transparent, &Box::fillColor, Qt::red)),
-            (Lines{"...........", "...........", "...........", "...........", "..ffffff...", "..ffffff...",
-                   "..ffffff...", "..........."}));
-  const FilledBox frame =
-      With(FilledBox(), &FilledBox::mode, 1, &FilledBox::outer, Rect(1, 1, 9, 6), &FilledBox::inner, Rect(3, 2, 4, 3),
-           &FilledBox::lineColor, Qt::transparent, &FilledBox::fillColor, Qt::red);
-  EXPECT_EQ(rows(frame), (Lines{"...........", ".fffffffff.", ".fffffffff.", ".ff....fff.", ".ff....fff.",
-                                ".ff....fff.", ".fffffffff.", "..........."}));
-  gl->Translate({0.375, 0.375, 0});
-  EXPECT_EQ(rows(With(frame, &FilledBox::lineColor, Qt::blue)),
-            (Lines{"...........", ".lllllllll.", ".lfffffffl.", ".lfllllffl.", ".lfl..lffl.", ".lfllllffl.",
-                   ".lllllllll.", "..........."}));
-}
-
 /// The GL state before and after each drawable: exactly what its header names has changed.
 TEST_F(DrawablesPixels, LeaveTheStateAsTheirHeadersSay) {
   Scope gl(Handle());
   const Geometry geometry(Handle());
   QImage image(5, 3, QImage::Format_ARGB32);
   image.fill(Qt::red);
+  using Layers = std::vector<boost::shared_ptr<Texture>>;
   const boost::shared_ptr<Texture> texture(new Texture(image, gl)), decal(new Texture(image, gl));
+  const Layers replaced = {texture, texture}, blended = {texture, decal};
   (*texture)(gl, RGL_TEXTURE0); // uploads
   (*decal)(gl, RGL_TEXTURE0);
   decal->environment = Texture::Decal;
@@ -430,39 +354,31 @@ TEST_F(DrawablesPixels, LeaveTheStateAsTheirHeadersSay) {
   auto cuboid = At123<Cuboid>(&Cuboid::size, Vector(2, 4, 0.5), &Cuboid::filled, false);
   const TexturedQuad quad = With(TexturedQuad(), &TexturedQuad::rect, box.rect);
   using Names = std::set<std::string>;
-  const Names normal = {"current normal"}, textured = {"current colour", "texture coordinate"};
+  const Names color = {"current colour"}, normal = {"current normal"}, coords = {"texture coordinate"},
+              textured = {"current colour", "texture coordinate"};
   const struct {
     const char* name;
     std::function<void()> draw;
     Names changed;
   } cases[] = {
-      {"Box", [&] { box(Handle()); }, {"current colour"}},
-      {"FilledBox", [&] { frame(Handle()); }, {"current colour"}},
+      {"Box", [&] { box(Handle()); }, color},
+      {"FilledBox", [&] { frame(Handle()); }, color},
       {"Cylinder", [&] { cylinder(Handle()); }, normal},
       {"Disk", [&] { disk(Handle()); }, normal},
       {"Sphere", [&] { At123<Sphere>()(Handle()); }, normal},
       {"Arrow3D", [&] { arrow(Handle()); }, normal},
       {"Cuboid", [&] { cuboid(Handle(), geometry); }, normal},
       {"Ring", [&] { Ring()(Handle()); }, normal},
-      {"TexturedCube", [&] { TexturedCube(0)(gl); }, {"texture coordinate"}},
+      {"TexturedCube", [&] { TexturedCube(0)(gl); }, coords},
       {"TexturedCube on another unit", [&] { TexturedCube(1)(gl); }, {}},
-      {"Geometry::Cube", [&] { geometry.Cube(gl); }, normal},
       {"Geometry::Sphere", [&] { geometry.Sphere(gl); }, normal},
       {"Geometry::CircularArrow", [&] { geometry.CircularArrow(gl); }, normal},
-      {"Geometry::Voxel", [&] { geometry.Voxel(gl); }, {"texture coordinate"}},
+      {"Geometry::Voxel", [&] { geometry.Voxel(gl); }, coords},
       {"TexturedQuad without a size", [&] { TexturedQuad()(Handle(), *texture); }, {}},
       {"TexturedQuad", [&] { quad(Handle(), *texture); }, textured},
-      {"TexturedQuad of layers",
-       [&] {
-         quad(Handle(), {texture, texture});
-       },
-       textured},
-      {"TexturedQuad of blended layers",
-       [&] {
-         quad(Handle(), {texture, decal});
-       },
-       {"current colour", "texture coordinate", "blend function"}},
-      {"TexturedQuad that uploads",
+      {"layers", [&] { quad(Handle(), replaced); }, textured},
+      {"blended", [&] { quad(Handle(), blended); }, {"current colour", "texture coordinate", "blend function"}},
+      {"uploading",
        [&] { quad(Handle(), Texture(image, gl)); },
        {"current colour", "texture coordinate", "unpack alignment"}},
   };

@@ -49,6 +49,15 @@ void PixelFixture::TearDown() {
   }
 }
 
+void DrawTexturedSquare(const Chart::Utility::Scoped<Chart::Ogl::Rgl>& p_gl, double p_repeats) {
+  p_gl->Begin(RGL_QUADS);
+  for (const auto& [s, t] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
+    p_gl->TexCoord(s * p_repeats, t * p_repeats);
+    p_gl->Vertex(2 * s - 1, 2 * t - 1, 0);
+  }
+  p_gl->End();
+}
+
 QRgb PixelAt(const QImage& p_image, int p_x, int p_y) {
   return p_image.pixel(p_x, p_image.height() - 1 - p_y);
 }

@@ -26,6 +26,9 @@ protected:
   static QImage Image() { return Context().Image(); }
 };
 
+/// A square that fills the viewport under identity matrices; texture coordinates from 0 to `p_repeats`.
+void DrawTexturedSquare(const Chart::Utility::Scoped<Chart::Ogl::Rgl>& p_gl, double p_repeats = 1);
+
 /// The colour of a pixel counted from the lower left corner, as GL counts.
 QRgb PixelAt(const QImage& p_image, int p_x, int p_y);
 

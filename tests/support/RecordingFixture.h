@@ -21,6 +21,12 @@ inline Lines Calls(const std::string& p_text) {
   return lines;
 }
 
+/// The calls of one list, then those of the other.
+inline Lines operator+(Lines p_first, const Lines& p_second) {
+  p_first.insert(p_first.end(), p_second.begin(), p_second.end());
+  return p_first;
+}
+
 /// Gives each test a recorder of its own, and fails the test when the recorder has complaints at the end: misuse of GL,
 /// leaked objects, open pairs. A test that expects misuse takes it with `recorder.TakeComplaints()`.
 class RecordingFixture : public testing::Test {

@@ -1,0 +1,66 @@
+#include "tests/support/Surface.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+
+namespace Vek::Test {
+
+using Chart::Ogl::VertexData;
+
+namespace {
+
+using Place = std::array<double, 3>;
+
+/// For each pair of places how often it is walked upwards, less how often downwards.
+std::map<std::pair<Place, Place>, int> Edges(const Surface& p_surface) {
+  std::map<std::pair<Place, Place>, int> edges;
+  for (std::size_t i = 0; i < p_surface.indices.size(); ++i) {
+    const Vector a = p_surface.Corner(i), b = p_surface.Corner(i % 3 == 2 ? i - 2 : i + 1);
+    const Place from{a.x, a.y, a.z}, to{b.x, b.y, b.z};
+    edges[std::minmax(from, to)] += from < to ? 1 : -1;
+  }
+  return edges;
+}
+
+} // namespace
+
+std::vector<Vector> VectorsOf(const VertexData::Array& p_array) {
+  EXPECT_TRUE(p_array.Empty() || (p_array.components == 3 && p_array.type == VertexData::Float));
+  std::vector<Vector> vectors;
+  for (std::size_t i = 0; i < 3 * p_array.count; i += 3)
+    vectors.emplace_back(p_array.As<float>()[i], p_array.As<float>()[i + 1], p_array.As<float>()[i + 2]);
+  return vectors;
+}
+
+Surface SurfaceOf(const VertexData& p_data) {
+  const VertexData::Array& indices = p_data.Indices();
+  EXPECT_TRUE(indices.Empty() || indices.type == VertexData::UnsignedInt);
+  const unsigned int* const first = indices.As<unsigned int>();
+  return {VectorsOf(p_data.Vertices()), VectorsOf(p_data.Normals()), {first, first + indices.count}};
+}
+
+bool IsClosed(const Surface& p_surface) {
+  const auto edges = Edges(p_surface);
+  return std::all_of(edges.begin(), edges.end(), [](const auto& p_edge) { return p_edge.second == 0; });
+}
+
+double EnclosedVolume(const Surface& p_surface) {
+  double six_volumes = 0;
+  for (std::size_t i = 0; i < p_surface.indices.size(); i += 3)
+    six_volumes += Dot(p_surface.Corner(i), Cross(p_surface.Corner(i + 1), p_surface.Corner(i + 2)));
+  return six_volumes / 6;
+}
+
+int EulerNumber(const Surface& p_surface) {
+  const auto edges = Edges(p_surface);
+  std::set<Place> places;
+  for (const auto& [edge, walks] : edges)
+    places.insert({edge.first, edge.second});
+  return int(places.size()) - int(edges.size()) + int(p_surface.indices.size() / 3);
+}
+
+} // namespace Vek::Test
