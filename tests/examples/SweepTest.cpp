@@ -1,16 +1,13 @@
 #include "examples/scene/Sweep.h"
 
-#include "platform/types/Geometry.h"
+#include "tests/support/Surface.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <map>
 #include <random>
-#include <set>
-#include <tuple>
 
 using namespace Vek::Chart;
 using namespace Vek::Chart::Gallery;
@@ -18,22 +15,14 @@ using namespace Vek::Chart::Gallery;
 namespace {
 
 using Library::StreamLineShape;
-using Point = Types::Vector3_Base<double>;
+using Point = Vek::Test::Vector;
 using Line = std::vector<SweepPoint>;
 
 constexpr double Infinity = std::numeric_limits<double>::infinity();
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
-struct Mesh {
-  std::vector<Point> positions;
-  std::vector<Point> normals;
+struct Mesh : Vek::Test::Surface {
   std::vector<float> values;
-  std::vector<unsigned int> indices;
-
-  std::size_t Triangles() const { return indices.size() / 3; }
-  Point Corner(std::size_t p_triangle, std::size_t p_corner) const {
-    return positions.at(indices.at(3 * p_triangle + p_corner));
-  }
 };
 
 Mesh Swept(StreamLineShape::Shape p_shape, const std::vector<Line>& p_lines) {
@@ -42,17 +31,8 @@ Mesh Swept(StreamLineShape::Shape p_shape, const std::vector<Line>& p_lines) {
     sweep.Add(line);
   const Ogl::VertexData data = sweep.TakeMesh();
   EXPECT_TRUE(sweep.Empty());
-  Mesh mesh;
-  const auto vectors = [](const Ogl::VertexData::Array& p_array) {
-    std::vector<Point> result;
-    for (std::size_t i = 0; i < 3 * p_array.count; i += 3)
-      result.emplace_back(p_array.As<float>()[i], p_array.As<float>()[i + 1], p_array.As<float>()[i + 2]);
-    return result;
-  };
-  mesh.positions = vectors(data.Vertices());
-  mesh.normals = vectors(data.Normals());
-  mesh.values.assign(data.TexCoords().As<float>(), data.TexCoords().As<float>() + data.TexCoords().count);
-  mesh.indices.assign(data.Indices().As<unsigned int>(), data.Indices().As<unsigned int>() + data.Indices().count);
+  const Ogl::VertexData::Array& values = data.TexCoords();
+  const Mesh mesh{Vek::Test::SurfaceOf(data), {values.As<float>(), values.As<float>() + values.count}};
   EXPECT_EQ(mesh.normals.size(), mesh.positions.size());
   EXPECT_EQ(mesh.values.size(), mesh.positions.size());
   return mesh;
@@ -71,40 +51,16 @@ Point Helix(double p_t) {
   return {std::cos(9 * p_t), std::sin(9 * p_t), 2 * p_t};
 }
 
-/// Every edge is shared by two triangles that run along it in opposite directions, places counting, not indices.
-bool IsClosed(const Mesh& p_mesh) {
-  using Key = std::tuple<double, double, double>;
-  const auto key = [](const Point& p_point) { return Key(p_point.x, p_point.y, p_point.z); };
-  std::map<std::pair<Key, Key>, int> edges;
-  for (std::size_t i = 0; i < p_mesh.Triangles(); ++i)
-    for (std::size_t corner = 0; corner < 3; ++corner)
-      ++edges[{key(p_mesh.Corner(i, corner)), key(p_mesh.Corner(i, (corner + 1) % 3))}];
-  for (const auto& [edge, count] : edges) {
-    const auto back = edges.find({edge.second, edge.first});
-    if (back == edges.end() || back->second != count)
-      return false;
-  }
-  return !edges.empty();
-}
-
-/// By the divergence theorem; positive only where the triangles face outward.
-double Volume(const Mesh& p_mesh) {
-  double volume = 0;
-  for (std::size_t i = 0; i < p_mesh.Triangles(); ++i)
-    volume += Dot(p_mesh.Corner(i, 0), Cross(p_mesh.Corner(i, 1), p_mesh.Corner(i, 2))) / 6;
-  return volume;
-}
-
 /// Numbers that are numbers, normals of unit length, and triangles that face where their normals point.
 void ExpectSound(const Mesh& p_mesh, const std::string& p_name) {
   for (std::size_t i = 0; i < p_mesh.positions.size(); ++i) {
     ASSERT_TRUE(std::isfinite(Length(p_mesh.positions[i]))) << p_name << ' ' << i;
     ASSERT_NEAR(Length(p_mesh.normals[i]), 1, 1e-6) << p_name << ' ' << i;
   }
-  for (std::size_t i = 0; i < p_mesh.Triangles(); ++i) {
-    const Point face = Cross(p_mesh.Corner(i, 1) - p_mesh.Corner(i, 0), p_mesh.Corner(i, 2) - p_mesh.Corner(i, 0));
-    for (std::size_t corner = 0; corner < 3; ++corner)
-      ASSERT_GT(Dot(face, p_mesh.normals[p_mesh.indices[3 * i + corner]]), 0) << p_name << ' ' << i;
+  for (std::size_t i = 0; i < p_mesh.indices.size(); i += 3) {
+    const Point first = p_mesh.Corner(i), face = Cross(p_mesh.Corner(i + 1) - first, p_mesh.Corner(i + 2) - first);
+    for (std::size_t k = i; k < i + 3; ++k)
+      ASSERT_GT(Dot(face, p_mesh.normals[p_mesh.indices[k]]), 0) << p_name << ' ' << i / 3;
   }
 }
 
@@ -127,7 +83,7 @@ TEST(Sweep, TubesAreClosedAndFaceOutward) {
     const Mesh mesh = Swept(StreamLineShape::ShapeTube, {row.line});
     ExpectSound(mesh, row.name);
     EXPECT_TRUE(IsClosed(mesh)) << row.name;
-    EXPECT_NEAR(Volume(mesh), row.volume, 0.002 * row.volume) << row.name;
+    EXPECT_NEAR(EnclosedVolume(mesh), row.volume, 0.002 * row.volume) << row.name;
   }
 }
 
@@ -146,14 +102,14 @@ TEST(Sweep, WidthAndValueFollowThePoints) {
 TEST(Sweep, OutlinesOfOnesOwnAreClosedToo) {
   const Mesh mesh = Swept(StreamLineShape::ShapeCustom, {Along(50, Helix)});
   EXPECT_TRUE(IsClosed(mesh));
-  EXPECT_GT(Volume(mesh), 0);
+  EXPECT_GT(EnclosedVolume(mesh), 0);
 }
 
 TEST(Sweep, RibbonsLieFlatAndFaceUp) {
   const Line curve = Along(60, [](double t) { return Point(10 * t, std::sin(12 * t), 0); });
   const Mesh mesh = Swept(StreamLineShape::ShapeRibbon, {curve});
   ASSERT_EQ(mesh.positions.size(), 120u);
-  ASSERT_EQ(mesh.Triangles(), 118u);
+  ASSERT_EQ(mesh.indices.size(), 3 * 118u);
   ExpectSound(mesh, "ribbon");
   for (std::size_t i = 0; i < mesh.positions.size(); ++i) {
     EXPECT_NEAR(mesh.positions[i].z, 0, 1e-6) << i;
@@ -235,6 +191,6 @@ TEST(Sweep, LinesAreGatheredInOneMesh) {
   const Mesh one = Swept(StreamLineShape::ShapeTube, {line});
   const Mesh two = Swept(StreamLineShape::ShapeTube, {line, line});
   EXPECT_EQ(two.positions.size(), 2 * one.positions.size());
-  EXPECT_NEAR(Volume(two), 2 * Volume(one), 1e-6);
+  EXPECT_NEAR(EnclosedVolume(two), 2 * EnclosedVolume(one), 1e-6);
   EXPECT_TRUE(Swept(StreamLineShape::ShapeLine, {line}).positions.empty());
 }

@@ -43,9 +43,17 @@ Surface SurfaceOf(const VertexData& p_data) {
   return {VectorsOf(p_data.Vertices()), VectorsOf(p_data.Normals()), {first, first + indices.count}};
 }
 
+Chart::Types::BoundingBox_Base<double> BoundsOf(const std::vector<Vector>& p_positions) {
+  Chart::Types::BoundingBox_Base<double> bounds;
+  for (const Vector& position : p_positions)
+    bounds += position;
+  return bounds;
+}
+
 bool IsClosed(const Surface& p_surface) {
   const auto edges = Edges(p_surface);
-  return std::all_of(edges.begin(), edges.end(), [](const auto& p_edge) { return p_edge.second == 0; });
+  return !edges.empty() &&
+         std::all_of(edges.begin(), edges.end(), [](const auto& p_edge) { return p_edge.second == 0; });
 }
 
 double EnclosedVolume(const Surface& p_surface) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/ogl/VertexData.h"
-#include "platform/types/Vector.h"
+#include "platform/types/Geometry.h"
 
 #include <vector>
 
@@ -23,7 +23,8 @@ std::vector<Vector> VectorsOf(const Chart::Ogl::VertexData::Array& p_array);
 /// What somebody has put there, read back.
 Surface SurfaceOf(const Chart::Ogl::VertexData& p_data);
 
-/// Whether each edge is walked as often from one place to the other as back.
+Chart::Types::BoundingBox_Base<double> BoundsOf(const std::vector<Vector>& p_positions);
+/// Whether there are edges, each walked as often from one place to the other as back.
 bool IsClosed(const Surface& p_surface);
 /// Positive where a closed surface faces outward.
 double EnclosedVolume(const Surface& p_surface);

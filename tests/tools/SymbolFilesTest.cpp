@@ -3,16 +3,12 @@
 #include "library/ObjModel.h"
 #include "library/VectorSymbol.h"
 #include "tests/support/ReportCapture.h"
+#include "tests/support/Surface.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <set>
@@ -20,8 +16,8 @@
 
 using namespace Vek::Chart;
 using namespace Vek::Chart::Model::Symbol;
+using namespace Vek::Test;
 namespace fs = std::filesystem;
-using Vector = Types::Vector3_Base<double>;
 
 namespace {
 
@@ -55,28 +51,14 @@ std::set<std::string> Names(const fs::path& p_folder) {
   return names;
 }
 
-std::vector<Vector> Vectors(const float* p_scalars, std::size_t p_count) {
+std::vector<Vector> Vectors(const Library::ObjModel::VertexArray& p_array) {
   std::vector<Vector> vectors;
-  for (std::size_t i = 0; i < p_count; ++i, p_scalars += 3)
-    vectors.emplace_back(p_scalars[0], p_scalars[1], p_scalars[2]);
+  for (const auto& element : p_array)
+    vectors.emplace_back(element.x, element.y, element.z);
   return vectors;
 }
 
-std::vector<Vector> Vectors(const Library::ObjModel::VertexArray& p_array) {
-  return p_array.empty() ? std::vector<Vector>() : Vectors(&p_array[0].x, p_array.size());
-}
-
-Types::BoundingBox_Base<double> Box(const std::vector<Vector>& p_positions) {
-  Types::BoundingBox_Base<double> box;
-  for (const Vector& position : p_positions)
-    box += position;
-  return box;
-}
-
-struct Mesh {
-  std::vector<Vector> positions;
-  std::vector<Vector> normals;
-  std::vector<std::uint32_t> indices;
+struct Mesh : Surface {
   Ogl::VertexBuffer::PrimitiveType type;
 
   explicit Mesh(const std::string& p_name) {
@@ -90,39 +72,23 @@ struct Mesh {
   explicit Mesh(Shape p_shape) {
     Ogl::VertexData glyph;
     EXPECT_TRUE(Library::VectorSymbol(p_shape, 24).BuildShape(glyph));
-    positions = Vectors(glyph.Vertices().As<float>(), glyph.Vertices().count);
+    static_cast<Surface&>(*this) = SurfaceOf(glyph);
     type = glyph.PrimitiveType().Value();
-    if (type == Ogl::VertexBuffer::Triangles) // the files of the others have none
-      normals = Vectors(glyph.Normals().As<float>(), glyph.Normals().count);
-    const unsigned int* const first = glyph.Indices().As<unsigned int>();
-    indices.assign(first, first + glyph.Indices().count);
+    if (type != Ogl::VertexBuffer::Triangles) // the files of these have none
+      normals.clear();
   }
 };
 
 /// Passes when the surface has no edge, faces outwards as its normals do, and has that many handles.
-void ExpectSolid(const Mesh& p_mesh, int p_handles) {
-  // Edges as pairs of places, so that vertices doubled for the sake of their normals count as one.
-  using Place = std::array<double, 3>;
-  std::set<Place> places;
-  std::map<std::pair<Place, Place>, int> edges;
-  double six_volumes = 0;
+void ExpectSolid(const Surface& p_mesh, int p_handles) {
+  EXPECT_TRUE(IsClosed(p_mesh));
+  EXPECT_GT(EnclosedVolume(p_mesh), 0);
+  EXPECT_EQ(EulerNumber(p_mesh), 2 - 2 * p_handles);
   for (std::size_t i = 0; i < p_mesh.indices.size(); i += 3) {
-    Vector corner[3];
-    for (std::size_t k = 0; k < 3; ++k)
-      corner[k] = p_mesh.positions[p_mesh.indices[i + k]];
-    const Vector face = Cross(corner[1] - corner[0], corner[2] - corner[0]);
-    six_volumes += Dot(corner[0], Cross(corner[1], corner[2]));
-    for (std::size_t k = 0; k < 3; ++k) {
-      const Vector &a = corner[k], &b = corner[(k + 1) % 3];
-      const Place from = {a.x, a.y, a.z}, to = {b.x, b.y, b.z};
-      places.insert(from);
-      edges[std::minmax(from, to)] += from < to ? 1 : -1;
-      ASSERT_GT(Dot(face, p_mesh.normals[p_mesh.indices[i + k]]), 0) << "triangle " << i / 3;
-    }
+    const Vector first = p_mesh.Corner(i), face = Cross(p_mesh.Corner(i + 1) - first, p_mesh.Corner(i + 2) - first);
+    for (std::size_t k = i; k < i + 3; ++k)
+      ASSERT_GT(Dot(face, p_mesh.normals[p_mesh.indices[k]]), 0) << "triangle " << i / 3;
   }
-  EXPECT_TRUE(std::all_of(edges.begin(), edges.end(), [](const auto& p_edge) { return p_edge.second == 0; }));
-  EXPECT_GT(six_volumes, 0);
-  EXPECT_EQ(int(places.size()) - int(edges.size()) + int(p_mesh.indices.size() / 3), 2 - 2 * p_handles);
 }
 
 } // namespace
@@ -177,7 +143,7 @@ TEST(SymbolFiles, ReadBackAsTheGlyphs) {
 
 TEST(SymbolFiles, HoldARoundSphereOfTheGlyphsSize) {
   const Mesh sphere("IcoSphere.obj");
-  EXPECT_TRUE(Box(sphere.positions) == Box(Mesh(ShapeSphere).positions));
+  EXPECT_TRUE(BoundsOf(sphere.positions) == BoundsOf(Mesh(ShapeSphere).positions));
   for (std::size_t i = 0; i < sphere.positions.size(); ++i) {
     ASSERT_NEAR(Length(sphere.positions[i]), 0.5, 1e-7);
     ASSERT_NEAR(Length(sphere.positions[i] - sphere.normals[i] * 0.5), 0, 1e-7);
@@ -187,7 +153,7 @@ TEST(SymbolFiles, HoldARoundSphereOfTheGlyphsSize) {
 
 TEST(SymbolFiles, HoldATorusOfOneUnit) {
   const Mesh torus("Torus.obj");
-  const auto box = Box(torus.positions);
+  const auto box = BoundsOf(torus.positions);
   EXPECT_EQ(box.Min(), Vector(-0.5, -0.5, -double(0.15f)));
   EXPECT_EQ(box.Max(), Vector(0.5, 0.5, double(0.15f)));
   for (std::size_t i = 0; i < torus.positions.size(); ++i) {
