@@ -2,17 +2,15 @@
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <functional>
 #include <random>
+#include <sstream>
 
 using namespace Vek::Chart;
+using namespace Vek::Test;
 using Library::ColorAtlas;
 using Library::ColorCoords;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
 
 namespace {
 
@@ -26,25 +24,30 @@ QColor Numbered(unsigned int p_number) {
   return QColor::fromRgb(static_cast<int>(p_number % 251), static_cast<int>(p_number / 251 % 251), 200);
 }
 
-/// Adds a colour of that number below that id, one after the other: ids from 1.
-void Add(ColorAtlas& p_atlas, const std::vector<std::pair<unsigned int, unsigned int>>& p_colors) {
-  for (const auto& [number, parent] : p_colors)
-    p_atlas.AddColor(Numbered(number), parent);
+/// Adds colours, a letter and the number of its parent each, which get the ids from 1 on; then instances of colours
+/// with what they replace.
+using Instances = std::vector<std::pair<unsigned int, std::map<unsigned int, QColor>>>;
+void Add(ColorAtlas& p_atlas, const std::string& p_colors, const Instances& p_instances = {}) {
+  std::istringstream colors(p_colors);
+  char letter = 0;
+  for (unsigned int parent = 0; colors >> letter >> parent;)
+    p_atlas.AddColor(Numbered(static_cast<unsigned int>(letter - 'a' + 1)), parent);
+  for (const auto& [color, replaced] : p_instances)
+    p_atlas.AddInstance(color, replaced);
 }
 
-/// The rows of the picture, one letter a texel: '.' where it is background, '?' for a colour that is not in the legend.
-std::vector<std::string> Rows(const QImage& p_image, const std::map<char, QColor>& p_legend) {
-  std::vector<std::string> rows;
-  for (int y = 0; y < p_image.height(); ++y) {
-    rows.emplace_back();
+/// The rows of the picture with a blank behind each, one letter a texel: '.' where it is background, '?' for a colour
+/// that no letter has; 'x' and 'y' are replacements.
+std::string Rows(const QImage& p_image) {
+  std::map<QRgb, char> letters = {{QColor(Qt::red).rgba(), '.'}, {Numbered(8).rgba(), 'x'}, {Numbered(9).rgba(), 'y'}};
+  for (unsigned int i = 1; i < 6; ++i)
+    letters[Numbered(i).rgba()] = static_cast<char>('a' + i - 1);
+  std::string rows;
+  for (int y = 0; y < p_image.height(); ++y, rows += ' ')
     for (int x = 0; x < p_image.width(); ++x) {
-      char letter = p_image.pixel(x, y) == QColor(Qt::red).rgba() ? '.' : '?';
-      for (const auto& [name, color] : p_legend)
-        if (p_image.pixel(x, y) == color.rgba())
-          letter = name;
-      rows.back() += letter;
+      const auto letter = letters.find(p_image.pixel(x, y));
+      rows += letter == letters.end() ? '?' : letter->second;
     }
-  }
   return rows;
 }
 
@@ -143,15 +146,13 @@ private:
   long shift = 0;
 };
 
-class ColorAtlasCalls : public Vek::Test::RecordingFixture {
+class ColorAtlasCalls : public RecordingFixture {
 protected:
   void Build(ColorAtlas& p_atlas, int p_max_size) {
     recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {p_max_size});
     Utility::Scoped<Rgl> gl(recorder.Handle());
     p_atlas.BuildAtlas(gl);
   }
-  const std::map<char, QColor> legend = {{'a', Numbered(1)}, {'b', Numbered(2)}, {'c', Numbered(3)}, {'d', Numbered(4)},
-                                         {'e', Numbered(5)}, {'x', Numbered(8)}, {'y', Numbered(9)}};
 };
 
 } // namespace
@@ -173,59 +174,34 @@ TEST(ColorAtlas, NumbersColorsAndInstancesTogether) {
 }
 
 TEST_F(ColorAtlasCalls, PlacesSmallTreesAsWritten) {
-  struct Case {
+  const QColor x = Numbered(8), y = Numbered(9);
+  const struct {
     const char* name;
     int max_size;
-    std::function<void(ColorAtlas&)> fill;
-    std::vector<std::string> rows;
+    std::string colors;
+    Instances instances;
+    std::string rows;
+  } cases[] = {
+      {"only the root", 8, "", {}, ". "},
+      {"depth first, instanced last", 1024, "a0 b0 c2 d1", {{1, {{4, x}}}}, "bcadax.. "},
+      {"own colour, then a deeper one", 1024, "a0 b1 c2 d1", {{1, {{1, x}, {2, y}}}}, "abcdxyyx "},
+      {"ends at the border", 8, "a0 b1 c1", {{1, {}}, {1, {{2, x}}}, {1, {}}}, "abcabc.. axcabc.. "},
+      {"half a row", 8, "e0 e0 e0 e0 e0 e0 a0 b7 c7 d7", {{7, {{9, y}}}}, "eeeeee.. abcd.... abyd.... ........ "},
   };
-  const Case cases[] = {
-      {"nothing but the root", 8, [](ColorAtlas&) {}, {"."}},
-      {"depth first, instanced colours behind plain ones",
-       1024,
-       [](ColorAtlas& a) {
-         Add(a, {{1, 0}, {2, 0}, {3, 2}, {4, 1}});
-         a.AddInstance(1, {{4, Numbered(8)}});
-       },
-       {"bcadax.."}},
-      {"the own colour of an instance, then a deeper one",
-       1024,
-       [](ColorAtlas& a) {
-         Add(a, {{1, 0}, {2, 1}, {3, 2}, {4, 1}});
-         a.AddInstance(1, {{1, Numbered(8)}, {2, Numbered(9)}});
-       },
-       {"abcdxyyx"}},
-      {"a copy that would end at the border starts a new row",
-       8,
-       [](ColorAtlas& a) {
-         Add(a, {{1, 0}, {2, 1}, {3, 1}});
-         a.AddInstance(1, {});
-         a.AddInstance(1, {{2, Numbered(8)}});
-         a.AddInstance(1, {});
-       },
-       {"abcabc..", "axcabc.."}},
-      {"a span of half a row moves to the next row and is copied below",
-       8,
-       [](ColorAtlas& a) {
-         Add(a, {{5, 0}, {5, 0}, {5, 0}, {5, 0}, {5, 0}, {5, 0}, {1, 0}, {2, 7}, {3, 7}, {4, 7}});
-         a.AddInstance(7, {{9, Numbered(9)}});
-       },
-       {"eeeeee..", "abcd....", "abyd....", "........"}},
-  };
-  for (const Case& test : cases) {
+  for (const auto& test : cases) {
     SCOPED_TRACE(test.name);
     ReportCapture reports;
     ColorAtlas atlas;
-    test.fill(atlas);
+    Add(atlas, test.colors, test.instances);
     Build(atlas, test.max_size);
-    EXPECT_EQ(Rows(atlas.AtlasImage(), legend), test.rows);
-    EXPECT_EQ(reports.Texts().size(), atlas.ColorAt(0).children.empty() ? 1u : 0u);
+    EXPECT_EQ(Rows(atlas.AtlasImage()), test.rows);
+    EXPECT_EQ(reports.Texts().size(), test.colors.empty() ? 1u : 0u);
   }
 }
 
 TEST_F(ColorAtlasCalls, DescribesRunsAndOffsets) {
   ColorAtlas atlas;
-  Add(atlas, {{1, 0}, {1, 0}, {1, 0}, {1, 0}, {1, 0}});
+  Add(atlas, "a0 a0 a0 a0 a0");
   const unsigned int top = atlas.AddColor(Qt::gray, 0);
   for (int i = 0; i < 9; ++i)
     atlas.AddColor(Qt::gray, top);
@@ -239,7 +215,7 @@ TEST_F(ColorAtlasCalls, DescribesRunsAndOffsets) {
   EXPECT_EQ(atlas.TexelCoordSpace().centre, (Ogl::Vec2<float>{0.0625f, 0.25f}));
 
   ColorAtlas beside;
-  Add(beside, {{1, 0}});
+  Add(beside, "a0");
   const unsigned int instance = beside.AddInstance(1, {});
   Build(beside, 8);
   EXPECT_TRUE(std::signbit(beside.InstanceOffset(instance).y)) << "a zero that counts downwards";
@@ -313,14 +289,15 @@ TEST_F(ColorAtlasCalls, UploadsANearestClampedReplacingTexture) {
   ASSERT_NE(texture, nullptr);
   EXPECT_EQ(texture->levels.at(0).width, 1);
   EXPECT_EQ(texture->levels.at(0).pixels, (std::vector<unsigned char>{0, 255, 0, 255}));
-  for (const unsigned int filter : {RGL_TEXTURE_MIN_FILTER, RGL_TEXTURE_MAG_FILTER})
-    EXPECT_EQ(texture->parameters.at(filter), static_cast<int>(RGL_NEAREST));
-  for (const unsigned int wrap : {RGL_TEXTURE_WRAP_S, RGL_TEXTURE_WRAP_T})
-    EXPECT_EQ(texture->parameters.at(wrap), static_cast<int>(RGL_CLAMP_TO_EDGE));
-  EXPECT_EQ(recorder.TextureEnvironment(RGL_TEXTURE_ENV_MODE), static_cast<int>(RGL_REPLACE));
-  const Lines lines = recorder.Lines();
-  ASSERT_GE(lines.size(), 2u);
-  EXPECT_EQ(Lines(lines.end() - 2, lines.end()), (Lines{"ActiveTexture(GL_TEXTURE0)", "Disable(GL_TEXTURE_2D)"}));
+  EXPECT_EQ(recorder.LinesOf({"TexParameteri", "TexEnvi", "ActiveTexture", "Disable"}),
+            Calls("ActiveTexture(GL_TEXTURE0); TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0); "
+                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0); "
+                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
+                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
+                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST); "
+                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST); "
+                  "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE); Disable(GL_TEXTURE_GEN_S); "
+                  "Disable(GL_TEXTURE_GEN_T); ActiveTexture(GL_TEXTURE0); Disable(GL_TEXTURE_2D)"));
 
   const ColorAtlas copy = atlas; // shares the texture and nothing else
   EXPECT_EQ(copy.Texture(), atlas.Texture());
@@ -344,12 +321,11 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
       "AddInstance(unsigned int,const class std::map<unsigned int,class "
       "QColor,struct std::less<unsigned int>,class std::allocator<struct std::pair<unsigned int const ,class QColor> "
       "> > &)";
-  struct Case {
+  const struct {
     const char* name;
     std::function<void(ColorAtlas&)> run;
-    std::vector<std::string> reports;
-  };
-  const Case cases[] = {
+    Lines reports;
+  } cases[] = {
       {"texture before a build",
        [](ColorAtlas& a) { EXPECT_FALSE(a.Texture()); },
        {"\"_map\" - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " + atlas_class +
@@ -366,36 +342,35 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
        {"\"instPos != _instances.end()\"" + color_at, "\"instPos != _instances.end()\"" + color_at}},
       {"an instance of a colour below the top",
        [](ColorAtlas& a) {
-         Add(a, {{1, 0}, {2, 1}});
-         EXPECT_EQ(a.AddInstance(2, {}), 3u);
+         Add(a, "a0 b1", {{2, {}}});
        },
        {"\"instanceOf.parent == _rootId\"" + add_instance}},
       {"offsets without a build, and of no instance",
        [](ColorAtlas& a) {
-         a.AddColor(Qt::blue, 0);
-         a.InstanceOffset(a.AddInstance(1, {}));
+         Add(a, "a0", {{1, {}}});
+         a.InstanceOffset(2);
          a.InstanceOffset(1);
        },
        {"\"instance.Defined()\"" + offset, "\"instanceIt != _instances.end()\"" + offset}},
       {"replacements that are not below the instanced colour",
        [this](ColorAtlas& a) {
-         Add(a, {{1, 0}, {2, 0}, {3, ColorAtlas::NoParent}}); // plain: before; instanced; not laid out
-         a.AddInstance(2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}});
+         // before, instanced, not laid out
+         Add(a, "a0 b0 c" + std::to_string(ColorAtlas::NoParent),
+             {{2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}}}});
          Build(a, 8);
        },
        {"\"subcolor.first >= base\"" + process, "\"node.coords.Defined()\"" + process,
         "\"node.coords.Defined()\"" + process}},
       {"a second build",
        [this](ColorAtlas& a) {
-         a.AddColor(Qt::blue, 0);
-         a.AddInstance(1, {});
+         Add(a, "a0", {{1, {}}});
          Build(a, 8);
          Build(a, 8);
        },
        {"\"!instance.Defined()\"" + process}},
       {"a colour that is its own grandchild",
        [this](ColorAtlas& a) {
-         Add(a, {{1, 0}, {2, 1}});
+         Add(a, "a0 b1");
          a.ColorAt(2).children.push_back(1);
          Build(a, 8);
        },
@@ -409,13 +384,13 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
             "CoordinateMapper::MapSpan(unsigned int,struct " + atlas_class + "ColorNode &," + span}},
       {"more colours than texels",
        [this](ColorAtlas& a) {
-         Add(a, {{1, 0}, {2, 0}, {3, 0}, {4, 0}, {5, 0}});
+         Add(a, "a0 b0 c0 d0 e0");
          Build(a, 2);
        },
        {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + layout +
         "CoordinateMapper::WriteColor(unsigned int,const struct " + atlas_class + "ColorNode &," + span}},
   };
-  for (const Case& test : cases) {
+  for (const auto& test : cases) {
     SCOPED_TRACE(test.name);
     const ReportCapture reports;
     ColorAtlas atlas;

@@ -3,23 +3,18 @@
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <limits>
 #include <map>
 #include <numeric>
 #include <random>
 #include <regex>
-#include <string>
 
 using namespace Vek::Chart;
+using namespace Vek::Test;
 using Library::ColorMap;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
 using Colors = std::vector<QColor>;
 using Weights = std::vector<double>;
 
@@ -246,7 +241,7 @@ TEST(ColorMap, ScalesWideGradientsSmoothly) {
   ColorMap translucent(Colors(6, glass), ColorMap::Discrete);
   EXPECT_EQ(translucent.GetImage().format(), QImage::Format_ARGB32);
   for (const QRgb texel : Texels(translucent))
-    ASSERT_TRUE(Vek::Test::SameColor(texel, glass, 1)) << "translucent colours do not turn dark";
+    ASSERT_TRUE(SameColor(texel, glass, 1)) << "translucent colours do not turn dark";
 }
 
 TEST(ColorMap, LooksUpByNumberAndByValue) {
@@ -325,38 +320,28 @@ TEST(GenerateWeightList, KeepsTheAreaUnderEachOutput) {
 
 namespace {
 
-const Lines parameters_and_enables = {
-    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)",
-    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)",
-    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST)",
-    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST)",
-    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0)",
-    "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0)",
-    "Enable(GL_TEXTURE_2D)",
-    "Disable(GL_TEXTURE_GEN_S)",
-    "Disable(GL_TEXTURE_GEN_T)",
-};
-
-Lines Joined(Lines p_first, const Lines& p_second) {
-  p_first.insert(p_first.end(), p_second.begin(), p_second.end());
-  return p_first;
-}
-
-class ColorMapCalls : public Vek::Test::RecordingFixture {};
-class ColorMapPixels : public Vek::Test::PixelFixture {};
+using ColorMapCalls = RecordingFixture;
+using ColorMapPixels = PixelFixture;
 
 } // namespace
 
 TEST_F(ColorMapCalls, UploadsOnceForAllCopiesAndSetsItsStateAtEachBind) {
   Utility::Scoped<Rgl> gl(recorder.Handle());
   const ColorMap map({glass, red, blue}, ColorMap::Discrete);
+  const Lines state = Calls("TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
+                            "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
+                            "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST); "
+                            "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST); "
+                            "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0); "
+                            "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0); Enable(GL_TEXTURE_2D); "
+                            "Disable(GL_TEXTURE_GEN_S); Disable(GL_TEXTURE_GEN_T)");
   recorder.Clear();
   map(gl, RGL_TEXTURE0 + 3);
   EXPECT_EQ(recorder.Lines(),
-            Joined({"ActiveTexture(GL_TEXTURE3)", "GenTextures(1, [1001])", "BindTexture(GL_TEXTURE_2D, 1001)",
-                    "PixelStorei(GL_UNPACK_ALIGNMENT, 1)",
-                    "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 4095, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)"},
-                   parameters_and_enables));
+            Calls("ActiveTexture(GL_TEXTURE3); GenTextures(1, [1001]); BindTexture(GL_TEXTURE_2D, 1001); "
+                  "PixelStorei(GL_UNPACK_ALIGNMENT, 1); "
+                  "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 4095, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)") +
+                state);
   ASSERT_TRUE(map.Handle());
   EXPECT_EQ(map.Handle()->Name(), 1001u);
   std::vector<unsigned char> bytes;
@@ -368,8 +353,7 @@ TEST_F(ColorMapCalls, UploadsOnceForAllCopiesAndSetsItsStateAtEachBind) {
   recorder.Clear();
   const ColorMap copy = map;
   copy(gl, RGL_TEXTURE0);
-  EXPECT_EQ(recorder.Lines(),
-            Joined({"ActiveTexture(GL_TEXTURE0)", "BindTexture(GL_TEXTURE_2D, 1001)"}, parameters_and_enables));
+  EXPECT_EQ(recorder.Lines(), Calls("ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_2D, 1001)") + state);
 }
 
 TEST_F(ColorMapCalls, UploadsNothingForAnEmptyMap) {
@@ -388,18 +372,13 @@ TEST_F(ColorMapPixels, DrawsTheTexelOfEachValue) {
   for (const ColorMap& map : maps) {
     map(gl, RGL_TEXTURE0);
     gl->Color(Qt::white);
-    gl->Begin(RGL_QUADS);
-    for (const auto& [x, y] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
-      gl->TexCoord(x, 0.5);
-      gl->Vertex(2 * x - 1, 2 * y - 1, 0);
-    }
-    gl->End();
+    DrawTexturedSquare(gl);
     const QImage image = Image();
     for (int x = 0; x < 29; ++x) {
       // GL takes the texel that the position lies in.
       const QColor expected = map.Color(static_cast<int>((x + 0.5) / 29 * map.Size()));
       for (const int y : {0, 6, 13})
-        EXPECT_TRUE(Vek::Test::SameColor(Vek::Test::PixelAt(image, x, y), expected, 1)) << x << ", " << y;
+        EXPECT_TRUE(SameColor(PixelAt(image, x, y), expected, 1)) << x << ", " << y;
     }
   }
 }

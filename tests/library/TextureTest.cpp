@@ -3,16 +3,9 @@
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-#include <vector>
-
 using namespace Vek::Chart;
+using namespace Vek::Test;
 using Library::Texture;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
 
 namespace {
 
@@ -25,60 +18,42 @@ QImage Checked() {
   return image;
 }
 
-/// Covers the viewport; texture coordinates from 0 to `p_repeats`.
-void DrawQuad(Utility::Scoped<Rgl>& p_gl, double p_repeats = 1) {
-  p_gl->Begin(RGL_QUADS);
-  for (const auto& [s, t] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
-    p_gl->TexCoord(s * p_repeats, t * p_repeats);
-    p_gl->Vertex(2 * s - 1, 2 * t - 1, 0);
-  }
-  p_gl->End();
-}
-
-class TextureCalls : public Vek::Test::RecordingFixture {};
-class TexturePixels : public Vek::Test::PixelFixture {};
+using TextureCalls = RecordingFixture;
+using TexturePixels = PixelFixture;
 
 } // namespace
 
 TEST_F(TextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
-  {
-    Utility::Scoped<Rgl> gl(recorder.Handle());
-    Texture texture(Checked(), gl);
-    EXPECT_FALSE(texture.Handle());
-    recorder.Clear();
-    texture(gl, RGL_TEXTURE0 + 2);
-    EXPECT_EQ(recorder.Lines(),
-              (Lines{"ActiveTexture(GL_TEXTURE2)", "GenTextures(1, [1001])", "BindTexture(GL_TEXTURE_2D, 1001)",
-                     "PixelStorei(GL_UNPACK_ALIGNMENT, 1)",
-                     "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR)",
-                     "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE)", "Enable(GL_TEXTURE_2D)",
-                     "Disable(GL_TEXTURE_GEN_S)", "Disable(GL_TEXTURE_GEN_T)"}));
-    EXPECT_EQ(texture.Handle()->Name(), 1001u);
-    // The lowest row comes first.
-    const auto* const uploaded = recorder.FindTexture(1001);
-    ASSERT_NE(uploaded, nullptr);
-    EXPECT_EQ(
-        std::vector<unsigned char>(uploaded->levels.at(0).pixels.begin(), uploaded->levels.at(0).pixels.begin() + 8),
-        (std::vector<unsigned char>{0, 160, 255, 255, 20, 160, 235, 255}));
+  Utility::Scoped<Rgl> gl(recorder.Handle());
+  Texture texture(Checked(), gl);
+  EXPECT_FALSE(texture.Handle());
+  recorder.Clear();
+  texture(gl, RGL_TEXTURE0 + 2);
+  const Lines settings = Calls("TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0); "
+                               "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0); "
+                               "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
+                               "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
+                               "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR); "
+                               "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR); "
+                               "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE); Enable(GL_TEXTURE_2D); "
+                               "Disable(GL_TEXTURE_GEN_S); Disable(GL_TEXTURE_GEN_T)");
+  EXPECT_EQ(recorder.Lines(),
+            Calls("ActiveTexture(GL_TEXTURE2); GenTextures(1, [1001]); BindTexture(GL_TEXTURE_2D, 1001); "
+                  "PixelStorei(GL_UNPACK_ALIGNMENT, 1); "
+                  "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)") +
+                settings);
+  EXPECT_EQ(texture.Handle()->Name(), 1001u);
 
-    texture.sRgb = true; // too late
-    recorder.Clear();
-    texture(gl, RGL_TEXTURE0);
-    EXPECT_EQ(recorder.Lines().size(), 12u);
-    EXPECT_EQ(recorder.LinesOf({"GenTextures", "TexImage2D"}), Lines());
+  texture.sRgb = true; // too late
+  recorder.Clear();
+  texture(gl, RGL_TEXTURE0);
+  EXPECT_EQ(recorder.Lines(), Calls("ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_2D, 1001)") + settings);
 
-    Texture linear(Checked(), gl);
-    linear.sRgb = true;
-    linear(gl, RGL_TEXTURE0);
-    EXPECT_EQ(recorder.LinesOf({"TexImage2D"}),
-              Lines{"TexImage2D(GL_TEXTURE_2D, 0, GL_SRGB8_ALPHA8, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)"});
-  }
+  Texture linear(Checked(), gl);
+  linear.sRgb = true;
+  linear(gl, RGL_TEXTURE0);
+  EXPECT_EQ(recorder.LinesOf({"TexImage2D"}),
+            Lines{"TexImage2D(GL_TEXTURE_2D, 0, GL_SRGB8_ALPHA8, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)"});
 }
 
 TEST_F(TextureCalls, SetsOnlyWhatItKnows) {
@@ -151,9 +126,11 @@ TEST_F(TextureCalls, ScalesWithoutMixingColours) {
   const auto& level = recorder.FindTexture(texture.Handle()->Name())->levels.at(0);
   ASSERT_EQ(level.width, 16);
   ASSERT_EQ(level.height, 4);
-  for (std::size_t i = 0; i < level.pixels.size(); i += 4) {
-    EXPECT_EQ(level.pixels[i] % 20, 0) << "texel " << i / 4;
-    EXPECT_EQ(level.pixels[i + 1] % 80, 0) << "texel " << i / 4;
+  for (int i = 0; i < 16 * 4; ++i) {
+    // The texel of the image that lies below the middle of this one; the lowest row comes first.
+    const QRgb nearest = Checked().pixel((2 * (i % 16) + 1) * 9 / 32, 2 - (2 * (i / 16) + 1) * 3 / 8);
+    const unsigned char* const texel = level.pixels.data() + 4 * i;
+    EXPECT_EQ(qRgba(texel[0], texel[1], texel[2], texel[3]), nearest) << "texel " << i;
   }
 }
 
@@ -164,13 +141,13 @@ TEST_F(TexturePixels, ShowsTheImageUpright) {
   texture.minFilter = texture.magFilter = Texture::Nearest;
   texture(gl, RGL_TEXTURE0);
   gl->Color(Qt::red); // replaced
-  DrawQuad(gl);
-  EXPECT_TRUE(Vek::Test::SameImage(Image().copy(0, FrameSize.height - 3, 9, 3), Checked()));
+  DrawTexturedSquare(gl);
+  EXPECT_TRUE(SameImage(Image().copy(0, FrameSize.height - 3, 9, 3), Checked()));
   texture.wrapS = Texture::Repeat;
   texture.environment = Texture::Modulate;
   texture(gl, RGL_TEXTURE0);
-  DrawQuad(gl, 3);
-  EXPECT_EQ(Vek::Test::PixelAt(Image(), 4, 0), qRgb(80, 0, 0)) << "the fifth texel again, in red";
+  DrawTexturedSquare(gl, 3);
+  EXPECT_EQ(PixelAt(Image(), 4, 0), qRgb(80, 0, 0)) << "the fifth texel again, in red";
 }
 
 TEST_F(TexturePixels, LinearisesWhatIsStoredAsSrgb) {
@@ -181,7 +158,7 @@ TEST_F(TexturePixels, LinearisesWhatIsStoredAsSrgb) {
   Texture texture(image, gl);
   texture.sRgb = true;
   texture(gl, RGL_TEXTURE0);
-  DrawQuad(gl);
-  EXPECT_NEAR(qRed(Vek::Test::PixelAt(Image(), 1, 1)), 128, 2); // ((188 / 255 + 0.055) / 1.055) ^ 2.4 = 0.503
-  EXPECT_EQ(qAlpha(Vek::Test::PixelAt(Image(), 1, 1)), 77);
+  DrawTexturedSquare(gl);
+  EXPECT_NEAR(qRed(PixelAt(Image(), 1, 1)), 128, 2); // ((188 / 255 + 0.055) / 1.055) ^ 2.4 = 0.503
+  EXPECT_EQ(qAlpha(PixelAt(Image(), 1, 1)), 77);
 }
