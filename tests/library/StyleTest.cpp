@@ -5,18 +5,15 @@
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
-#include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
 #include <limits>
 #include <stdexcept>
 
 using namespace Vek::Chart;
-using Library::ColorMap;
+using namespace Vek::Test;
 using Library::Pattern;
 using Library::Style;
-using Vek::Test::Lines;
-using Vek::Test::PixelAt;
-using Vek::Test::ReportCapture;
 
 namespace {
 
@@ -53,12 +50,12 @@ Types::SymbolStyle Symbol(std::uint32_t p_shape, std::uint32_t p_size, const QCo
   return style;
 }
 
-boost::shared_ptr<ColorMap> Map(const std::vector<QColor>& p_colors) {
+boost::shared_ptr<Library::ColorMap> Gradient(const std::vector<QColor>& p_colors) {
   const ReportCapture an_empty_map_is_reported;
-  return boost::shared_ptr<ColorMap>(new ColorMap(p_colors, ColorMap::Interpolated));
+  return boost::make_shared<Library::ColorMap>(p_colors, Library::ColorMap::Interpolated);
 }
 
-class StyleCalls : public Vek::Test::RecordingFixture {
+class StyleCalls : public RecordingFixture {
 protected:
   template <class Record>
   Lines Drawn(const Record& p_style) {
@@ -69,69 +66,36 @@ protected:
     return recorder.Lines();
   }
 };
-class StylePixels : public Vek::Test::PixelFixture {};
+using StylePixels = PixelFixture;
 
 } // namespace
 
 TEST(Style, SaysWhatIsVisible) {
-  const boost::shared_ptr<ColorMap> none;
-  const auto empty = Map({});
-  const auto full = Map({Qt::red, Qt::blue});
+  const auto empty = Gradient({}), full = Gradient({Qt::red, Qt::blue});
   ASSERT_EQ(empty->Size(), 0u);
-
-  const struct {
-    const char* name;
-    Types::FillStyle style;
-    bool plain, with_empty, with_full;
-  } fills[] = {
-      {"none", Fill(0, Qt::red), false, false, false},
-      {"solid", Fill(1, Faint), true, true, true},
-      {"transparent", Fill(1, Clear, Qt::red), false, false, true},
-      {"any pattern", Fill(77, Qt::red), true, true, true},
+  const auto check = [&](const auto& p_has, const char* p_name, const auto& p_style, bool p_plain, bool p_full) {
+    EXPECT_EQ(p_has(p_style), p_plain) << p_name;
+    EXPECT_EQ(p_has(p_style, boost::shared_ptr<Library::ColorMap>()), p_plain) << p_name;
+    EXPECT_EQ(p_has(p_style, empty), p_plain) << p_name;
+    EXPECT_EQ(p_has(p_style, full), p_full) << p_name;
   };
-  for (const auto& c : fills) {
-    EXPECT_EQ(Style::HasFill(c.style), c.plain) << c.name;
-    EXPECT_EQ(Style::HasFill(c.style, none), c.plain) << c.name;
-    EXPECT_EQ(Style::HasFill(c.style, empty), c.with_empty) << c.name;
-    EXPECT_EQ(Style::HasFill(c.style, full), c.with_full) << c.name;
-  }
-
-  const struct {
-    const char* name;
-    Types::LineStyle style;
-    bool plain, with_map;
-  } lines[] = {
-      {"none", Line(0, 1, Qt::red), false, false},
-      {"thin", Line(1, 1e-30f, Faint), true, true},
-      {"without a width", Line(1, 0, Qt::red), false, false},
-      {"negative", Line(1, -1, Qt::red), false, false},
-      {"not a number", Line(1, NaN, Qt::red), false, false},
-      {"transparent", Line(3, 2, Clear, Qt::red), false, true},
-  };
-  for (const auto& c : lines) {
-    EXPECT_EQ(Style::HasLine(c.style), c.plain) << c.name;
-    EXPECT_EQ(Style::HasLine(c.style, none), c.plain) << c.name;
-    EXPECT_EQ(Style::HasLine(c.style, empty), c.plain) << c.name;
-    EXPECT_EQ(Style::HasLine(c.style, full), c.with_map) << c.name;
-  }
-
-  const struct {
-    const char* name;
-    Types::SymbolStyle style;
-    bool plain, with_map;
-  } symbols[] = {
-      {"none", Symbol(0, 5, Qt::red, Qt::red), false, false},
-      {"without a size", Symbol(1, 0, Qt::red, Qt::red), false, false},
-      {"fill only", Symbol(1, 1, Faint, Clear), true, true},
-      {"outline only", Symbol(1, 1, Clear, Faint), true, true},
-      {"transparent", Symbol(1, 1, Clear, Clear), false, true},
-  };
-  for (const auto& c : symbols) {
-    EXPECT_EQ(Style::HasSymbol(c.style), c.plain) << c.name;
-    EXPECT_EQ(Style::HasSymbol(c.style, none), c.plain) << c.name;
-    EXPECT_EQ(Style::HasSymbol(c.style, empty), c.plain) << c.name;
-    EXPECT_EQ(Style::HasSymbol(c.style, full), c.with_map) << c.name;
-  }
+  const auto fill = [](const auto&... p_arguments) { return Style::HasFill(p_arguments...); };
+  check(fill, "none", Fill(0, Qt::red), false, false);
+  check(fill, "solid", Fill(1, Faint), true, true);
+  check(fill, "transparent", Fill(1, Clear, Qt::red), false, true);
+  check(fill, "any pattern", Fill(77, Qt::red), true, true);
+  const auto line = [](const auto&... p_arguments) { return Style::HasLine(p_arguments...); };
+  check(line, "none", Line(0, 1, Qt::red), false, false);
+  check(line, "thin", Line(1, 1e-30f, Faint), true, true);
+  for (const float width : {0.f, -1.f, NaN})
+    check(line, "no width", Line(1, width, Qt::red), false, false);
+  check(line, "transparent", Line(3, 2, Clear, Qt::red), false, true);
+  const auto symbol = [](const auto&... p_arguments) { return Style::HasSymbol(p_arguments...); };
+  check(symbol, "none", Symbol(0, 5, Qt::red, Qt::red), false, false);
+  check(symbol, "without a size", Symbol(1, 0, Qt::red, Qt::red), false, false);
+  check(symbol, "fill only", Symbol(1, 1, Faint, Clear), true, true);
+  check(symbol, "outline only", Symbol(1, 1, Clear, Faint), true, true);
+  check(symbol, "transparent", Symbol(1, 1, Clear, Clear), false, true);
 
   Types::FillStyle inherited;
   inherited.color.SetDefault(Clear);
@@ -159,25 +123,23 @@ TEST(Style, SaysWhatAColourMapHas) {
 }
 
 TEST(Style, AppliesATextStyle) {
-  const struct {
-    std::uint32_t size;
-    unsigned int expected;
-  } sizes[] = {{0, 2}, {1, 2}, {2, 2}, {3, 3}, {96, 96}, {97, 96}, {500, 96}, {0xFFFFFFFFU, 96}};
-  for (const auto& c : sizes) {
+  const std::pair<std::uint32_t, unsigned int> sizes[] = {{0, 2},   {1, 2},   {2, 2},           {3, 3},
+                                                          {96, 96}, {97, 96}, {0xFFFFFFFFU, 96}};
+  for (const auto& [size, expected] : sizes) {
     boost::shared_ptr<Ogl::Text> text(new Ogl::Text);
     Types::TextStyle style;
     style.color.Set(Qt::red);
     style.secondColor.Set(Qt::blue);
     style.flag.Set(true);
-    style.size.Set(c.size);
+    style.size.Set(size);
     Style::ApplyStyle(text, style);
-    EXPECT_EQ(text->size.Value(), c.expected) << c.size;
+    EXPECT_EQ(text->size.Value(), expected) << size;
     EXPECT_EQ(text->firstColor.Value(), QColor(Qt::red));
     EXPECT_EQ(text->secondColor.Value(), QColor(Qt::blue));
     EXPECT_TRUE(text->flag.Value());
 
-    for (const auto clear : {&Ogl::Text::firstColor, &Ogl::Text::secondColor})
-      ((*text).*clear).ClearChanged();
+    text->firstColor.ClearChanged();
+    text->secondColor.ClearChanged();
     text->flag.ClearChanged();
     text->size.ClearChanged();
     Style::ApplyStyle(text, style);
@@ -244,16 +206,13 @@ TEST_F(StyleCalls, LinesInUpToTwoPasses) {
   for (const auto& c : cases)
     EXPECT_EQ(Drawn(c.style), c.expected) << c.name;
 
-  const struct {
-    float width;
-    const char* expected;
-  } factors[] = {
+  const std::pair<float, const char*> factors[] = {
       {0.5f, "LineStipple(0, 0xFF00)"}, {0, "LineStipple(0, 0xFF00)"},     {-3, "LineStipple(0, 0xFF00)"},
       {NaN, "LineStipple(0, 0xFF00)"},  {1.99f, "LineStipple(1, 0xFF00)"}, {1e30f, "LineStipple(2147483647, 0xFF00)"},
   };
-  for (const auto& c : factors) {
-    Drawn(Line(7, c.width, Qt::red, Qt::blue));
-    EXPECT_EQ(recorder.LinesOf({"LineStipple"}), Lines{c.expected}) << c.width;
+  for (const auto& [width, expected] : factors) {
+    Drawn(Line(7, width, Qt::red, Qt::blue));
+    EXPECT_EQ(recorder.LinesOf({"LineStipple"}), Lines{expected}) << width;
   }
   EXPECT_EQ(recorder.TakeComplaints(), Lines(3, "LineWidth: not above 0")) << "GL refuses 0, -3 and NaN";
 }
@@ -306,7 +265,7 @@ TEST_F(StylePixels, EveryFillPatternBitForBit) {
         const bool set = (mask[y % 32 * 4 + x % 32 / 8] >> (7 - x % 8) & 1) != 0;
         expected.setPixelColor(x, FrameSize.height - 1 - y, set ? Qt::red : Qt::blue);
       }
-    EXPECT_TRUE(Vek::Test::SameImage(Image(), expected)) << "pattern " << pattern;
+    EXPECT_TRUE(SameImage(Image(), expected)) << "pattern " << pattern;
   }
 }
 
@@ -338,31 +297,4 @@ TEST_F(StylePixels, EveryLinePatternPixelForPixel) {
       for (int y = 7; y < 14; ++y)
         EXPECT_EQ(qAlpha(PixelAt(image, 30, y)) != 0, std::abs(y - 10) <= width / 2) << "width " << width;
     }
-}
-
-TEST_F(StylePixels, RestoresTheStateButTheMask) {
-  Scope gl(Handle());
-  gl->Color(Qt::green);
-  gl->LineWidth(2);
-  const auto floats = [&gl](Ogl::GlEnum p_name) {
-    std::vector<float> values(4);
-    gl->GetFloatv(p_name, values.data());
-    return values;
-  };
-  const auto color = floats(RGL_CURRENT_COLOR), width = floats(RGL_LINE_WIDTH);
-  const auto stipple = floats(RGL_LINE_STIPPLE_PATTERN), repeat = floats(RGL_LINE_STIPPLE_REPEAT);
-  DrawFunction draw = [](Scope& p_gl) {
-    p_gl->Begin(RGL_TRIANGLES);
-    for (int i = 0; i < 3; ++i)
-      p_gl->Vertex(i, i * i, 0);
-    p_gl->End();
-  };
-  Style::DrawInternal(Fill(8, Qt::red, Qt::blue), gl, draw);
-  Style::DrawInternal(Line(8, 5, Qt::red, Qt::blue), gl, draw);
-  EXPECT_EQ(floats(RGL_CURRENT_COLOR), color);
-  EXPECT_EQ(floats(RGL_LINE_WIDTH), width);
-  EXPECT_EQ(floats(RGL_LINE_STIPPLE_PATTERN), stipple);
-  EXPECT_EQ(floats(RGL_LINE_STIPPLE_REPEAT), repeat);
-  EXPECT_EQ(gl->IsEnabled(RGL_POLYGON_STIPPLE), 0);
-  EXPECT_EQ(gl->IsEnabled(RGL_LINE_STIPPLE), 0);
 }
