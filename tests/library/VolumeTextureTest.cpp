@@ -8,17 +8,11 @@
 #include <boost/make_shared.hpp>
 
 #include <array>
-#include <cstddef>
-#include <string>
-#include <utility>
-#include <vector>
 
 using namespace Vek::Chart;
+using namespace Vek::Test;
 using Library::VolumeImage;
 using Library::VolumeTexture;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
-using Vek::Test::SameColor;
 
 namespace {
 
@@ -42,8 +36,8 @@ boost::shared_ptr<VolumeImage> Counted(VolumeImage::VoxelFormat p_format, unsign
   return image;
 }
 
-class VolumeTextureCalls : public Vek::Test::RecordingFixture {};
-class VolumeTexturePixels : public Vek::Test::PixelFixture {};
+using VolumeTextureCalls = RecordingFixture;
+using VolumeTexturePixels = PixelFixture;
 
 TEST_F(VolumeTextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
   Scope gl(recorder.Handle());
@@ -57,18 +51,20 @@ TEST_F(VolumeTextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
   gl->PixelStorei(RGL_UNPACK_ROW_LENGTH, 1000);
   recorder.Clear();
   texture(gl, RGL_TEXTURE0 + 2);
+  const std::string level = "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_BASE_LEVEL, 0); "
+                            "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAX_LEVEL, 0); ";
   EXPECT_EQ(recorder.LinesWithout({"PixelStorei"}),
-            (Lines{"ActiveTexture(GL_TEXTURE2)", "GenTextures(1, [1001])", "BindTexture(GL_TEXTURE_3D, 1001)",
-                   "PushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT)", "BindBuffer(GL_PIXEL_UNPACK_BUFFER, 0)",
-                   "TexImage3D(GL_TEXTURE_3D, 0, GL_LUMINANCE8, 5, 3, 2, 0, GL_LUMINANCE, GL_UNSIGNED_BYTE, ptr)",
-                   "PopClientAttrib()", "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_BASE_LEVEL, 0)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAX_LEVEL, 0)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MIN_FILTER, GL_LINEAR)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAG_FILTER, GL_LINEAR)",
-                   "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE)", "Enable(GL_TEXTURE_3D)"}));
+            Calls("ActiveTexture(GL_TEXTURE2); GenTextures(1, [1001]); BindTexture(GL_TEXTURE_3D, 1001); "
+                  "PushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT); BindBuffer(GL_PIXEL_UNPACK_BUFFER, 0); "
+                  "TexImage3D(GL_TEXTURE_3D, 0, GL_LUMINANCE8, 5, 3, 2, 0, GL_LUMINANCE, GL_UNSIGNED_BYTE, ptr); "
+                  "PopClientAttrib(); " +
+                  level +
+                  "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
+                  "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
+                  "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE); "
+                  "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MIN_FILTER, GL_LINEAR); "
+                  "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAG_FILTER, GL_LINEAR); "
+                  "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE); Enable(GL_TEXTURE_3D)"));
   EXPECT_EQ(recorder.FindTexture(1001)->levels.at(0).pixels, image->Bytes());
   int skipped = 0;
   gl->GetIntegerv(RGL_UNPACK_SKIP_IMAGES, &skipped);
@@ -83,23 +79,20 @@ TEST_F(VolumeTextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
   recorder.Clear();
   VolumeTexture copy = texture;
   copy(gl, RGL_TEXTURE0);
-  EXPECT_EQ(recorder.Lines(),
-            (Lines{"ActiveTexture(GL_TEXTURE0)", "BindTexture(GL_TEXTURE_3D, 1001)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_BASE_LEVEL, 0)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAX_LEVEL, 0)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_S, GL_REPEAT)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_R, GL_REPEAT)",
-                   "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MIN_FILTER, GL_NEAREST)",
-                   "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE)", "Enable(GL_TEXTURE_3D)"}));
+  EXPECT_EQ(recorder.Lines(), Calls("ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_3D, 1001); " + level +
+                                    "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_S, GL_REPEAT); "
+                                    "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_R, GL_REPEAT); "
+                                    "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MIN_FILTER, GL_NEAREST); "
+                                    "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE); "
+                                    "Enable(GL_TEXTURE_3D)"));
 }
 
 TEST_F(VolumeTextureCalls, InternalFormats) {
-  struct Case {
+  const struct {
     VolumeImage::VoxelFormat format;
     bool srgb;
     std::string expected;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {VolumeImage::Byte1, false, "GL_LUMINANCE8, 2, 1, 1, 0, GL_LUMINANCE, GL_UNSIGNED_BYTE"},
       {VolumeImage::Byte1, true, "GL_LUMINANCE8, 2, 1, 1, 0, GL_LUMINANCE, GL_UNSIGNED_BYTE"},
       {VolumeImage::Float1, true, "GL_LUMINANCE32F_ARB, 2, 1, 1, 0, GL_LUMINANCE, GL_FLOAT"},
@@ -108,7 +101,7 @@ TEST_F(VolumeTextureCalls, InternalFormats) {
       {VolumeImage::Float4, true, "GL_RGBA32F, 2, 1, 1, 0, GL_RGBA, GL_FLOAT"},
   };
   Scope gl(recorder.Handle());
-  for (const Case& row : cases) {
+  for (const auto& row : cases) {
     recorder.Clear();
     VolumeTexture texture(Counted(row.format, 2, 1, 1), gl);
     texture.sRgb = row.srgb;
@@ -120,34 +113,31 @@ TEST_F(VolumeTextureCalls, InternalFormats) {
 TEST_F(VolumeTextureCalls, WhatCannotBeUploadedIsReported) {
   const auto cut = Counted(VolumeImage::Byte4, 5, 3, 2);
   cut->Bytes().resize(119);
-  struct Case {
+  const auto volume = [](unsigned p_t, unsigned p_r) {
+    return boost::make_shared<VolumeImage>(VolumeImage::Byte1, 2, p_t, p_r);
+  };
+  const std::string size = "\"sizeS > 0 && sizeT > 0 && sizeR > 0 && \"Invalid Volume Size\"\" - " + Constructor;
+  const struct {
     const char* name;
     boost::shared_ptr<const VolumeImage> image;
-    Lines reports;
-  };
-  const Case cases[] = {
-      {"null", nullptr, {"\"void*(obj)\" - " + Constructor}},
-      {"empty",
-       boost::make_shared<VolumeImage>(),
-       {"\"sizeS > 0 && sizeT > 0 && sizeR > 0 && \"Invalid Volume Size\"\" - " + Constructor}},
-      {"flat",
-       boost::make_shared<VolumeImage>(VolumeImage::Byte1, 5, 3, 0),
-       {"\"sizeS > 0 && sizeT > 0 && sizeR > 0 && \"Invalid Volume Size\"\" - " + Constructor}},
-      {"large",
-       boost::make_shared<VolumeImage>(VolumeImage::Byte1, 2, 513, 1),
-       {"\"largest <= GL_MAX_3D_TEXTURE_SIZE && \"2 x 513 x 1 voxels, the limit is 512\"\" - " + Constructor}},
-      {"cut",
-       cut,
-       {"\"bytes <= p_image->Bytes().size()\" - void __cdecl Vek::Chart::Library::VolumeTexture::Upload(class "
-        "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &) const"}},
+    std::string report;
+  } cases[] = {
+      {"null", nullptr, "\"void*(obj)\" - " + Constructor},
+      {"empty", boost::make_shared<VolumeImage>(), size},
+      {"flat", volume(3, 0), size},
+      {"large", volume(513, 1),
+       "\"largest <= GL_MAX_3D_TEXTURE_SIZE && \"2 x 513 x 1 voxels, the limit is 512\"\" - " + Constructor},
+      {"cut", cut,
+       "\"bytes <= p_image->Bytes().size()\" - void __cdecl Vek::Chart::Library::VolumeTexture::Upload(class "
+       "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &) const"},
   };
   Scope gl(recorder.Handle());
-  for (const Case& row : cases) {
+  for (const auto& row : cases) {
     const ReportCapture reports;
     const VolumeTexture texture(row.image, gl);
     texture(gl, RGL_TEXTURE0);
     texture(gl, RGL_TEXTURE0);
-    EXPECT_EQ(reports.Texts(), row.reports) << row.name;
+    EXPECT_EQ(reports.Texts(), Lines{row.report}) << row.name;
   }
   {
     const ReportCapture reports;
@@ -162,36 +152,20 @@ TEST_F(VolumeTextureCalls, WhatCannotBeUploadedIsReported) {
 
 TEST_F(VolumeTexturePixels, VoxelsComeBackAsTheyWere) {
   Scope gl(Handle());
-  struct Case {
-    VolumeImage::VoxelFormat format;
-    Ogl::GlEnum channels;
-    Ogl::GlEnum type;
-  };
-  for (const Case& row :
-       {Case{VolumeImage::Byte1, RGL_LUMINANCE, RGL_UNSIGNED_BYTE}, Case{VolumeImage::Float1, RGL_RED, RGL_FLOAT},
-        Case{VolumeImage::Byte4, RGL_RGBA, RGL_UNSIGNED_BYTE}, Case{VolumeImage::Float4, RGL_RGBA, RGL_FLOAT}}) {
-    const auto image = Counted(row.format, 5, 3, 2);
+  for (const auto& [format, channels, type] : {std::tuple(VolumeImage::Byte1, RGL_LUMINANCE, RGL_UNSIGNED_BYTE),
+                                               {VolumeImage::Float1, RGL_RED, RGL_FLOAT},
+                                               {VolumeImage::Byte4, RGL_RGBA, RGL_UNSIGNED_BYTE},
+                                               {VolumeImage::Float4, RGL_RGBA, RGL_FLOAT}}) {
+    const auto image = Counted(format, 5, 3, 2);
     const VolumeTexture texture(image, gl);
     texture(gl, RGL_TEXTURE0);
     std::vector<unsigned char> bytes(image->Bytes().size());
     gl->PixelStorei(RGL_PACK_ALIGNMENT, 1);
-    gl->GetTexImage(RGL_TEXTURE_3D, 0, row.channels, row.type, bytes.data());
+    gl->GetTexImage(RGL_TEXTURE_3D, 0, channels, type, bytes.data());
     gl->PixelStorei(RGL_PACK_ALIGNMENT, 4);
-    EXPECT_EQ(bytes, image->Bytes()) << row.format;
+    EXPECT_EQ(bytes, image->Bytes()) << format;
     gl->Disable(RGL_TEXTURE_3D);
   }
-}
-
-/// Draws the textured cube so that the given axes of it run to the right and up, seen against the third.
-void DrawFace(Scope& p_gl, const VolumeTexture& p_texture, const std::array<double, 16>& p_matrix) {
-  const auto enables = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-  p_texture(p_gl, RGL_TEXTURE0);
-  p_gl->Enable(RGL_DEPTH_TEST);
-  p_gl->PushMatrix();
-  p_gl->LoadMatrixd(p_matrix.data());
-  Library::TexturedCube cube(0);
-  cube(p_gl);
-  p_gl->PopMatrix();
 }
 
 TEST_F(VolumeTexturePixels, CubesShowTheirVoxelsAlongTheAxes) {
@@ -205,23 +179,26 @@ TEST_F(VolumeTexturePixels, CubesShowTheirVoxelsAlongTheAxes) {
   texture.minFilter = VolumeTexture::Nearest;
   texture.magFilter = VolumeTexture::Nearest;
 
-  // Column by column; the last row of z turns which face is near.
-  const std::array<double, 16> from_below = {2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 1, 0, -1, -1, -0.5, 1};
-  DrawFace(gl, texture, from_below); // the face z = 0 is near
-  const QImage bottom = Image();
-  const std::array<double, 16> from_above = {2, 0, 0, 0, 0, 2, 0, 0, 0, 0, -1, 0, -1, -1, 0.5, 1};
-  gl->Clear(RGL_DEPTH_BUFFER_BIT);
-  DrawFace(gl, texture, from_above); // the face z = 1 is near
-  const QImage top = Image();
-  for (int y = 0; y < 2; ++y)
-    for (int x = 0; x < 3; ++x) {
-      const int column = (2 * x + 1) * FrameSize.width / 6;
-      const int row = (2 * y + 1) * FrameSize.height / 4;
-      const int low = grey(x, y, 0);
-      const int high = grey(x, y, 1);
-      EXPECT_TRUE(SameColor(Vek::Test::PixelAt(bottom, column, row), QColor(low, low, low))) << x << ' ' << y;
-      EXPECT_TRUE(SameColor(Vek::Test::PixelAt(top, column, row), QColor(high, high, high))) << x << ' ' << y;
-    }
+  // The face z = 0 is near, then z = 1.
+  gl->Enable(RGL_DEPTH_TEST);
+  texture(gl, RGL_TEXTURE0);
+  Library::TexturedCube cube(0);
+  for (const int z : {0, 1}) {
+    gl->Clear(RGL_DEPTH_BUFFER_BIT);
+    gl->LoadIdentity();
+    gl->Translate({-1, -1, z - 0.5});
+    gl->Scale({2, 2, 1.0 - 2 * z});
+    cube(gl);
+    const QImage image_of_face = Image();
+    for (int y = 0; y < 2; ++y)
+      for (int x = 0; x < 3; ++x) {
+        const QRgb pixel =
+            PixelAt(image_of_face, (2 * x + 1) * FrameSize.width / 6, (2 * y + 1) * FrameSize.height / 4);
+        const int expected = grey(x, y, z);
+        EXPECT_TRUE(SameColor(pixel, QColor(expected, expected, expected))) << x << ' ' << y << ' ' << z;
+      }
+  }
+  gl->LoadIdentity();
 }
 
 } // namespace
