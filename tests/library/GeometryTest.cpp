@@ -1,6 +1,5 @@
 #include "library/Geometry.h"
 
-#include "tests/support/PixelFixture.h"
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 #include "tests/support/Surface.h"
@@ -32,7 +31,6 @@ constexpr struct {
 constexpr unsigned int CubeList = 2001, ArrowList = 2006, RingList = 2007, VoxelList = 2008;
 
 using GeometryCalls = RecordingFixture;
-using GeometryPixels = PixelFixture;
 
 /// The three numbers of "Name(x, y, z)".
 Vector Numbers(const std::string& p_line) {
@@ -183,56 +181,4 @@ TEST_F(GeometryCalls, DrawsNothingNowWhenAListCannotBeMade) {
   recorder.Clear();
   geometry.Cube(gl);
   EXPECT_EQ(recorder.Lines(), Lines());
-}
-
-TEST_F(GeometryPixels, ShapesCoverTheirExtent) {
-  // Seen along z, then along x with z to the right; 16 pixels a unit around the pixel (20, 18).
-  using Box = std::array<int, 4>; // left, right, bottom, top
-  constexpr Box Nothing{1000, -1000, 1000, -1000}, Middle{12, 28, 10, 26}, Behind{20, 36, 10, 26};
-  const struct {
-    const char* name;
-    Draw draw;
-    Box front, side;
-  } cases[] = {
-      {"cube", &Geometry::Cube, Middle, Middle},
-      {"sphere", &Geometry::Sphere, Middle, Middle},
-      {"cone", &Geometry::Cone, Middle, Behind},
-      {"cylinder, open at both ends", &Geometry::Cylinder, Nothing, Behind},
-      {"disk", &Geometry::Disk, Middle, Nothing},
-      {"arrow", &Geometry::CircularArrow, {12, 28, 10, 25}, {12, 28, 10, 25}},
-      {"ring", &Geometry::Ring, Nothing, Nothing},
-      {"voxel", &Geometry::Voxel, {20, 36, 18, 34}, {20, 36, 18, 34}},
-  };
-  Scope gl(Handle());
-  const Geometry geometry(Handle());
-  const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
-  gl->MatrixMode(RGL_PROJECTION);
-  gl->LoadIdentity();
-  gl->Ortho(0, FrameSize.width, 0, FrameSize.height, -100, 100);
-  gl->MatrixMode(RGL_MODELVIEW);
-  const auto bounds = [&](Draw p_draw, bool p_along_x) {
-    gl->Clear(RGL_COLOR_BUFFER_BIT);
-    gl->LoadIdentity();
-    gl->Translate({20, 18, 0});
-    gl->Scale({16, 16, 16});
-    if (p_along_x)
-      gl->Rotate(Types::Angle::FromDegrees(90), {0, 1, 0}); // +z comes to lie along +x
-    gl->Color(Qt::white);
-    (geometry.*p_draw)(gl);
-    const QImage image = Image();
-    Box box = Nothing;
-    for (int y = 0; y < FrameSize.height; ++y)
-      for (int x = 0; x < FrameSize.width; ++x)
-        if (qAlpha(Vek::Test::PixelAt(image, x, y)) != 0)
-          box = {std::min(box[0], x), std::max(box[1], x + 1), std::min(box[2], y), std::max(box[3], y + 1)};
-    return box;
-  };
-  for (const auto& c : cases) {
-    const Box front = bounds(c.draw, false), side = bounds(c.draw, true);
-    // Shapes of 16 slices narrow towards their outermost points, where no pixel's centre is met.
-    for (std::size_t i = 0; i < 4; ++i) {
-      EXPECT_NEAR(front[i], c.front[i], 2) << c.name << ' ' << i;
-      EXPECT_NEAR(side[i], c.side[i], 3) << c.name << ' ' << i;
-    }
-  }
 }

@@ -1,6 +1,5 @@
 #include "library/SymbolRegistry.h"
 
-#include "tests/support/PixelFixture.h"
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 #include "tests/support/TempFolder.h"
@@ -11,11 +10,9 @@
 
 using namespace Vek::Chart;
 using namespace Vek::Chart::Model::Symbol;
+using namespace Vek::Test;
 using Library::ModelCache;
 using Library::SymbolRegistry;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
-using Vek::Test::TempFolder;
 namespace fs = std::filesystem;
 
 namespace {
@@ -41,7 +38,7 @@ std::string Triangles(int p_count) {
   return text;
 }
 
-class SymbolRegistryCalls : public Vek::Test::RecordingFixture {
+class SymbolRegistryCalls : public RecordingFixture {
 protected:
   void TearDown() override {
     cache.reset();
@@ -157,40 +154,4 @@ TEST_F(SymbolRegistryCalls, ABuiltInModelThatFailsEndsTheConstructionOneThatIsMi
   EXPECT_EQ(cache->GetIndexBuffer(15).count, 0u);
   // The cache may hold others' models.
   EXPECT_EQ(SymbolRegistry(cache, BuiltIn).GetIndexBuffer(ShapeCube).count, 12u);
-}
-
-using SymbolRegistryPixels = Vek::Test::PixelFixture;
-
-TEST_F(SymbolRegistryPixels, DrawsACubeFromItsBuffers) {
-  const Core::Ptr<ModelCache> cache(new ModelCache(Handle()));
-  const SymbolRegistry symbols(cache, BuiltIn);
-  const ModelCache::VertexBuffer vertices = symbols.GetVertexBuffer(ShapeCube);
-  const ModelCache::IndexBuffer indices = symbols.GetIndexBuffer(ShapeCube);
-  const Utility::Scoped<Rgl> gl(Handle());
-  // Half of the frame in each direction, lit from the viewer's side: only a face with the normal +z is bright.
-  gl->Enable(RGL_DEPTH_TEST);
-  gl->Enable(RGL_CULL_FACE);
-  gl->Enable(RGL_LIGHTING);
-  gl->Enable(RGL_LIGHT0);
-  gl->BindBuffer(RGL_ARRAY_BUFFER, vertices.buffer.Name());
-  gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, indices.buffer.Name());
-  gl->EnableClientState(RGL_VERTEX_ARRAY);
-  gl->EnableClientState(RGL_NORMAL_ARRAY);
-  const auto offset = [](std::uint32_t p_bytes) { return reinterpret_cast<const void*>(std::uintptr_t(p_bytes)); };
-  gl->VertexPointer(3, RGL_FLOAT, int(vertices.positionStride), offset(vertices.positionOffset));
-  gl->NormalPointer(RGL_FLOAT, int(vertices.normalStride), offset(vertices.normalOffset));
-  gl->DrawElements(RGL_TRIANGLES, int(3 * indices.count), RGL_UNSIGNED_INT, nullptr);
-  gl->DisableClientState(RGL_NORMAL_ARRAY);
-  gl->DisableClientState(RGL_VERTEX_ARRAY);
-  gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, 0);
-  gl->BindBuffer(RGL_ARRAY_BUFFER, 0);
-
-  // Diffuse 0.8 and ambient 0.2 of 0.2.
-  QImage expected(FrameSize.width, FrameSize.height, QImage::Format_ARGB32);
-  expected.fill(Qt::transparent);
-  for (int y = 0; y < expected.height(); ++y)
-    for (int x = 0; x < expected.width(); ++x)
-      if (std::abs((x + 0.5) / expected.width() - 0.5) < 0.25 && std::abs((y + 0.5) / expected.height() - 0.5) < 0.25)
-        expected.setPixel(x, y, qRgb(214, 214, 214));
-  EXPECT_TRUE(Vek::Test::SameImage(Image(), expected, 1));
 }

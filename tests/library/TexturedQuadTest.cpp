@@ -4,19 +4,12 @@
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
-#include <gtest/gtest.h>
-
 #include <limits>
-#include <string>
-#include <vector>
 
 using namespace Vek::Chart;
+using namespace Vek::Test;
 using Library::Texture;
 using Library::TexturedQuad;
-using Vek::Test::Lines;
-using Vek::Test::PixelAt;
-using Vek::Test::ReportCapture;
-using Vek::Test::SameColor;
 
 namespace {
 
@@ -43,7 +36,7 @@ TexturedQuad Quad(const Rect& p_rect, std::uint32_t p_border = 0) {
   return quad;
 }
 
-class TexturedQuadCalls : public Vek::Test::RecordingFixture {
+class TexturedQuadCalls : public RecordingFixture {
 protected:
   /// The corners that a quad with one texture sends, as "s t x y".
   Lines Corners(const TexturedQuad& p_quad, const QImage& p_image) {
@@ -65,26 +58,23 @@ protected:
   }
 };
 
-class TexturedQuadPixels : public Vek::Test::PixelFixture {};
+using TexturedQuadPixels = PixelFixture;
 
-const Lines Bound = {"TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST)",
-                     "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST)"};
-const Lines Switched = {"Enable(GL_TEXTURE_2D)", "Disable(GL_TEXTURE_GEN_S)", "Disable(GL_TEXTURE_GEN_T)"};
-const Lines OneQuad = {"Begin(GL_QUADS)",  "TexCoord2d(0, 0)", "Vertex2i(1, 2)",   "TexCoord2d(1, 0)", "Vertex2i(4, 2)",
-                       "TexCoord2d(1, 1)", "Vertex2i(4, 6)",   "TexCoord2d(0, 1)", "Vertex2i(1, 6)",   "End()"};
+const std::string Bound = "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0); "
+                          "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0); "
+                          "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
+                          "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
+                          "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST); "
+                          "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST); ";
+const std::string OneQuad = "Begin(GL_QUADS); TexCoord2d(0, 0); Vertex2i(1, 2); TexCoord2d(1, 0); Vertex2i(4, 2); "
+                            "TexCoord2d(1, 1); Vertex2i(4, 6); TexCoord2d(0, 1); Vertex2i(1, 6); End(); ";
 
-Lines operator+(Lines p_a, const Lines& p_b) {
-  p_a.insert(p_a.end(), p_b.begin(), p_b.end());
-  return p_a;
+std::string Environment(const std::string& p_mode) {
+  return p_mode.empty() ? "" : "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, " + p_mode + "); ";
 }
-
-Lines Bind(unsigned int p_name, const char* p_environment) {
-  return Lines{"ActiveTexture(GL_TEXTURE0)", "BindTexture(GL_TEXTURE_2D, " + std::to_string(p_name) + ")"} + Bound +
-         Lines{std::string("TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, ") + p_environment + ")"} + Switched;
+std::string Bind(unsigned int p_name, const std::string& p_environment) {
+  return "ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_2D, " + std::to_string(p_name) + "); " + Bound +
+         Environment(p_environment) + "Enable(GL_TEXTURE_2D); Disable(GL_TEXTURE_GEN_S); Disable(GL_TEXTURE_GEN_T); ";
 }
 
 } // namespace
@@ -97,8 +87,8 @@ TEST_F(TexturedQuadCalls, OneTexture) {
   quad.color = QColor(255, 0, 51, 102);
   recorder.Clear();
   quad(recorder.Handle(), *texture);
-  EXPECT_EQ(recorder.Lines(), (Lines{"Color4d(1, 0, 0.2, 0.4)", "PushAttrib(GL_ENABLE_BIT|GL_TEXTURE_BIT)"} +
-                               Bind(1001, "GL_MODULATE") + OneQuad + Lines{"PopAttrib()"}));
+  EXPECT_EQ(recorder.Lines(), Calls("Color4d(1, 0, 0.2, 0.4); PushAttrib(GL_ENABLE_BIT|GL_TEXTURE_BIT); " +
+                                    Bind(1001, "GL_MODULATE") + OneQuad + "PopAttrib()"));
 }
 
 TEST_F(TexturedQuadCalls, Layers) {
@@ -111,19 +101,15 @@ TEST_F(TexturedQuadCalls, Layers) {
   }
   recorder.Clear();
   Quad({1, 2, 3, 4})(recorder.Handle(), textures);
-  const Lines always = {"DepthFunc(GL_ALWAYS)"};
-  const Lines replaced = {"TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE)"};
-  const Lines unset = Lines{"ActiveTexture(GL_TEXTURE0)", "BindTexture(GL_TEXTURE_2D, 1005)"} + Bound + Switched;
+  const std::string always = "DepthFunc(GL_ALWAYS); ", replaced = Environment("GL_REPLACE") + OneQuad;
   EXPECT_EQ(recorder.Lines(),
-            (Lines{"Color4d(1, 1, 1, 1)", "PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT)"} +
-             Bind(1001, "GL_DECAL") + OneQuad +                                                    //
-             always + Lines{"Disable(GL_BLEND)"} + Bind(1002, "GL_REPLACE") + replaced + OneQuad + //
-             always +
-             Lines{"Enable(GL_BLEND)", "BlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ZERO, GL_ONE)"} +
-             Bind(1003, "GL_DECAL") + replaced + OneQuad + //
-             always + Lines{"Enable(GL_BLEND)", "BlendFuncSeparate(GL_DST_COLOR, GL_ZERO, GL_DST_ALPHA, GL_ZERO)"} +
-             Bind(1004, "GL_MODULATE") + replaced + OneQuad + //
-             always + unset + replaced + OneQuad + Lines{"PopAttrib()"}));
+            Calls("Color4d(1, 1, 1, 1); PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT); " +
+                  Bind(1001, "GL_DECAL") + OneQuad + //
+                  always + "Disable(GL_BLEND); " + Bind(1002, "GL_REPLACE") + replaced + always +
+                  "Enable(GL_BLEND); BlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ZERO, GL_ONE); " +
+                  Bind(1003, "GL_DECAL") + replaced + always +
+                  "Enable(GL_BLEND); BlendFuncSeparate(GL_DST_COLOR, GL_ZERO, GL_DST_ALPHA, GL_ZERO); " +
+                  Bind(1004, "GL_MODULATE") + replaced + always + Bind(1005, "") + replaced + "PopAttrib()"));
 }
 
 TEST_F(TexturedQuadCalls, NothingWithoutASize) {
@@ -131,15 +117,15 @@ TEST_F(TexturedQuadCalls, NothingWithoutASize) {
   const auto texture = Layer(Plain(9, 3), gl, 0);
   constexpr float nan = std::numeric_limits<float>::quiet_NaN();
   recorder.Clear();
-  for (const Rect& rect : {Rect{0, 0, 0, 5}, Rect{0, 0, 5, 0}, Rect{0, 0, -1, 5}, Rect{0, 0, 5, -1}, Rect{0, 0, nan, 5},
-                           Rect{0, 0, 5, nan}, Rect()}) {
+  for (const Rect& rect : std::vector<Rect>{
+           {0, 0, 0, 5}, {0, 0, 5, 0}, {0, 0, -1, 5}, {0, 0, 5, -1}, {0, 0, nan, 5}, {0, 0, 5, nan}, {}}) {
     Quad(rect)(recorder.Handle(), *texture);
     Quad(rect, 3)(recorder.Handle(), {texture, texture});
   }
   EXPECT_EQ(recorder.Lines(), Lines());
   Quad({0, 0, 1, 1})(recorder.Handle(), std::vector<boost::shared_ptr<Texture>>());
-  EXPECT_EQ(recorder.Lines(), (Lines{"Color4d(1, 1, 1, 1)",
-                                     "PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT)", "PopAttrib()"}))
+  EXPECT_EQ(recorder.Lines(), Calls("Color4d(1, 1, 1, 1); "
+                                    "PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT); PopAttrib()"))
       << "no layers";
 }
 
@@ -221,30 +207,6 @@ TEST_F(TexturedQuadCalls, NinePatchesThatDoNotFit) {
   EXPECT_EQ(Corners(Quad({0, 0, 4, 4}, 0xFFFFFFFFU), Plain(64, 64)).size(), 16u) << "a border beyond all pixels";
   const ReportCapture reports;
   EXPECT_EQ(Corners(Quad({0, 0, 40, 40}, 10), QImage()).size(), 36u) << "no texels: infinite coordinates are sent";
-}
-
-TEST_F(TexturedQuadPixels, CornersKeepTheSizeOfTexels) {
-  // 9 × 9 texels: 3 × 3 patches of one colour each, and a dark texel in the middle of each corner patch.
-  QImage image(9, 9, QImage::Format_ARGB32);
-  for (int y = 0; y < 9; ++y)
-    for (int x = 0; x < 9; ++x)
-      image.setPixel(x, y, qRgb(60 + 60 * (x / 3), 60 + 60 * (y / 3), 30));
-  for (const int x : {1, 7})
-    for (const int y : {1, 7})
-      image.setPixel(x, y, qRgb(1, 2, 3));
-  Scope gl(Handle());
-  const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
-  const auto texture = Layer(image, gl, Texture::Replace);
-  const Rect rect(5, 4, 47, 23);
-  Quad(rect, 3)(Handle(), *texture);
-  QImage expected(FrameSize.width, FrameSize.height, QImage::Format_ARGB32);
-  expected.fill(Qt::transparent);
-  for (int y = 0; y < 23; ++y)
-    for (int x = 0; x < 47; ++x) {
-      const int s = x < 3 ? x : x >= 44 ? x - 38 : 4, t = y < 3 ? y : y >= 20 ? y - 14 : 4;
-      expected.setPixel(5 + x, FrameSize.height - 1 - (4 + y), image.pixel(s, 8 - t));
-    }
-  EXPECT_TRUE(Vek::Test::SameImage(Image(), expected));
 }
 
 TEST_F(TexturedQuadPixels, BlendsLayers) {

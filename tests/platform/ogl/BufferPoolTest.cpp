@@ -1,7 +1,6 @@
 #include "platform/ogl/BufferPool.h"
 
 #include "platform/ogl/Vec.h"
-#include "tests/support/PixelFixture.h"
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
@@ -136,25 +135,6 @@ TEST_F(BufferPoolCalls, FailuresLeaveNothingBound) {
   EXPECT_EQ(recorder.LinesOf({"BindBuffer"}).back(), "BindBuffer(GL_ARRAY_BUFFER, 0)");
   gl->BindBuffer(RGL_ARRAY_BUFFER, buffer.Name()); // it stays mapped in the recorder, whose call failed
   gl->UnmapBuffer(RGL_ARRAY_BUFFER);
-}
-
-class BufferPoolPixels : public Vek::Test::PixelFixture {};
-
-TEST_F(BufferPoolPixels, WhatIsWrittenLiesOnTheDevice) {
-  const Scope gl(Handle());
-  const Ogl::Buffer<Index> buffer = gl->GetBufferPool().CreateBuffer<Index>(3, Ogl::BufferUsage::Default);
-  {
-    const WriteArray<Index> array(buffer, 1, 2, RGL_ARRAY_BUFFER);
-    ASSERT_EQ(array.Count(), 2U);
-    array.Data()[0].x = 7;
-    array.Data()[1].x = 8;
-  }
-  unsigned int read[2] = {};
-  gl->BindBuffer(RGL_ARRAY_BUFFER, buffer.Name());
-  gl->GetBufferSubData(RGL_ARRAY_BUFFER, 4, sizeof(read), read);
-  gl->BindBuffer(RGL_ARRAY_BUFFER, 0);
-  EXPECT_EQ(read[0], 7U);
-  EXPECT_EQ(read[1], 8U);
 }
 
 } // namespace

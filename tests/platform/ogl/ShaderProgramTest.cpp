@@ -1,6 +1,5 @@
 #include "platform/ogl/ShaderProgram.h"
 
-#include "tests/support/PixelFixture.h"
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
@@ -99,25 +98,6 @@ TEST_F(ShaderProgramCalls, OldDevicesAreNotAsked) {
   ASSERT_EQ(reports.Texts().size(), 1U);
   EXPECT_EQ(reports.Texts().front().rfind("\"gl.GlVersion() >= Utility::VersionNo(2, 0, 0)\" - __cdecl ", 0), 0U);
   EXPECT_EQ(recorder.LinesOf({"CreateShader", "CreateProgram"}), Lines());
-}
-
-class ShaderProgramPixels : public Vek::Test::PixelFixture {};
-
-TEST_F(ShaderProgramPixels, UniformsReachTheShader) {
-  Scope gl(Handle());
-  const ShaderProgram program(gl, "void main() { gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex; }",
-                              "uniform vec4 tint; uniform float part;\n"
-                              "void main() { gl_FragColor = tint * part; }");
-  ASSERT_TRUE(program.Linked());
-  const boost::shared_ptr<void> in_use = program.Use(gl);
-  program.SetUniform(gl, "tint", QColor(255, 255, 0, 255));
-  program.SetUniform(gl, "part", 0.2F);
-  program.SetUniform(gl, "no such name", 1);
-  gl->Begin(RGL_QUADS);
-  for (const auto& [x, y] : {std::pair(-1, -1), {1, -1}, {1, 1}, {-1, 1}})
-    gl->Vertex(x, y, 0);
-  gl->End();
-  EXPECT_TRUE(Vek::Test::SameColor(Vek::Test::PixelAt(Image(), 60, 0), QColor(51, 51, 0, 51), 1));
 }
 
 } // namespace
