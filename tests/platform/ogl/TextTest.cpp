@@ -6,16 +6,11 @@
 
 #include <QGuiApplication>
 
-#include <gtest/gtest.h>
-
 #include <map>
-#include <string>
 
 using namespace Vek::Chart;
+using namespace Vek::Test;
 using Ogl::Text;
-using Vek::Test::Lines;
-using Vek::Test::PixelAt;
-using Vek::Test::ReportCapture;
 
 namespace {
 
@@ -32,8 +27,8 @@ void MakeApplication() {
   ASSERT_EQ(QCoreApplication::instance(), application);
 }
 
-class TextCalls : public Vek::Test::RecordingFixture {};
-class TextPixels : public Vek::Test::PixelFixture {};
+using TextCalls = RecordingFixture;
+using TextPixels = PixelFixture;
 
 /// How many pixels of an image have that colour.
 int Count(const QImage& p_image, const QColor& p_color) {
@@ -121,13 +116,12 @@ TEST_F(TextCalls, UploadsAfterAChangeOnly) {
   text.firstColor = QColor(Qt::black); // it is
   text(gl);
   EXPECT_EQ(recorder.LinesOf({"TexImage2D", "GenTextures"}), Lines());
-  const Lines outside = recorder.LinesOf({"PushAttrib", "PopAttrib", "Begin", "End", "TexCoord2d", "Vertex2i"});
   const std::string width = std::to_string(text.Image().width()), height = std::to_string(text.Image().height());
-  EXPECT_EQ(outside,
-            (Lines{"PushAttrib(GL_CURRENT_BIT|GL_POLYGON_BIT|GL_ENABLE_BIT|GL_COLOR_BUFFER_BIT|GL_TEXTURE_BIT)",
-                   "Begin(GL_QUADS)", "TexCoord2d(0, 0)", "Vertex2i(0, 0)", "TexCoord2d(1, 0)",
-                   "Vertex2i(" + width + ", 0)", "TexCoord2d(1, 1)", "Vertex2i(" + width + ", " + height + ")",
-                   "TexCoord2d(0, 1)", "Vertex2i(0, " + height + ")", "End()", "PopAttrib()"}));
+  EXPECT_EQ(recorder.LinesOf({"PushAttrib", "PopAttrib", "Begin", "End", "TexCoord2d", "Vertex2i"}),
+            Calls("PushAttrib(GL_CURRENT_BIT|GL_POLYGON_BIT|GL_ENABLE_BIT|GL_COLOR_BUFFER_BIT|GL_TEXTURE_BIT); "
+                  "Begin(GL_QUADS); TexCoord2d(0, 0); Vertex2i(0, 0); TexCoord2d(1, 0); Vertex2i(" +
+                  width + ", 0); TexCoord2d(1, 1); Vertex2i(" + width + ", " + height +
+                  "); TexCoord2d(0, 1); Vertex2i(0, " + height + "); End(); PopAttrib()"));
 
   Text copy = text;
   recorder.Clear();
@@ -150,11 +144,8 @@ TEST_F(TextPixels, StandsAtItsPositionTexelForPixel) {
   text.firstColor = QColor(200, 100, 50);
   text.secondColor = QColor(20, 40, 60);
   text.flag = true;
-  // What a host may have left on.
-  gl->Enable(RGL_LIGHTING);
-  gl->Enable(RGL_POLYGON_STIPPLE);
-  gl->Enable(RGL_DEPTH_TEST);
-  gl->Enable(RGL_TEXTURE_3D);
+  for (const Ogl::GlEnum left_on : {RGL_LIGHTING, RGL_POLYGON_STIPPLE, RGL_DEPTH_TEST, RGL_TEXTURE_3D})
+    gl->Enable(left_on);
   gl->DepthFunc(RGL_NEVER);
   gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_LINE);
   gl->PixelStorei(RGL_UNPACK_ROW_LENGTH, 500);
@@ -166,8 +157,8 @@ TEST_F(TextPixels, StandsAtItsPositionTexelForPixel) {
   ASSERT_LT(image.width() + 7, FrameSize.width);
   ASSERT_LT(image.height() + 5, FrameSize.height);
   const QImage frame = Image();
-  EXPECT_TRUE(Vek::Test::SameImage(frame.copy(7, FrameSize.height - 5 - image.height(), image.width(), image.height()),
-                                   image, 1));
+  const QRect place(7, FrameSize.height - 5 - image.height(), image.width(), image.height());
+  EXPECT_TRUE(SameImage(frame.copy(place), image, 1));
   EXPECT_EQ(qAlpha(PixelAt(frame, 6, 5)), 0);
   EXPECT_EQ(qAlpha(PixelAt(frame, 7, 4)), 0);
   EXPECT_EQ(qAlpha(PixelAt(frame, 7 + image.width(), 5)), 0);
