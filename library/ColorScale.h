@@ -61,13 +61,16 @@ public:
   ColorScale(const std::vector<QColor>& p_colors, const std::vector<double>& p_bounds,
              const Outside& p_outside = Outside());
   ~ColorScale();
+  /// Shares the classes.
   ColorScale(const ColorScale&) = default;
+  /// Shares the classes.
   ColorScale& operator=(const ColorScale&) = default;
 
   /// Writes the colours of `p_count` values, four bytes each: red, green, blue, alpha. The caller's buffer holds
   /// 4 * `p_count` bytes, need not be aligned, and is not the memory of the values. Large arrays are written past the
   /// caches.
   void Map(const float* p_values, std::size_t p_count, unsigned char* p_rgba) const;
+  /// The same for doubles.
   void Map(const double* p_values, std::size_t p_count, unsigned char* p_rgba) const;
   /// The same for a view of floats or doubles.
   template <class T>
