@@ -39,8 +39,8 @@ class VEK_LIBRARY_API ColorScale {
 public:
   /// What is even about the classes. Any number is allowed; all but 1 are linear.
   enum Spacing : int {
-    Linear = 0,
-    Logarithmic = 1,
+    Linear = 0,      ///< in the values
+    Logarithmic = 1, ///< in their logarithms; the range is above 0
   };
 
   /// The colours of values without a class.
