@@ -1,0 +1,51 @@
+# Debian packages, made by scripts/package: the libraries, what one builds against them, the files of glyphs and pictures,
+# and the programs. What they depend on at run time is read from the binaries.
+set(VEK_MAINTAINER "Vek.Chart.Library maintainers <maintainers@example.org>" CACHE STRING "Whom the packages name")
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME vek-chart-library)
+set(CPACK_PACKAGE_CONTACT ${VEK_MAINTAINER})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "building blocks for 3-D charts and scientific pictures")
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
+set(CPACK_COMPONENTS_ALL runtime development data programs)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+
+file(WRITE ${PROJECT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/triggers)
+
+set(version "(= ${PROJECT_VERSION}-1)")
+set(runtime libvek-chart${PROJECT_VERSION_MAJOR})
+if(VEK_QT EQUAL 5)
+  set(qt_dev qtbase5-dev)
+else()
+  set(qt_dev qt6-base-dev)
+endif()
+# component, package, section, dependencies beside those of the binaries, and a description
+function(vek_debian_package component name section depends description)
+  string(TOUPPER ${component} key)
+  set(CPACK_DEBIAN_${key}_PACKAGE_NAME ${name} PARENT_SCOPE)
+  set(CPACK_DEBIAN_${key}_PACKAGE_SECTION ${section} PARENT_SCOPE)
+  set(CPACK_DEBIAN_${key}_PACKAGE_DEPENDS "${depends}" PARENT_SCOPE)
+  set(CPACK_COMPONENT_${key}_DESCRIPTION "${description}" PARENT_SCOPE)
+  install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name} RENAME copyright COMPONENT ${component})
+endfunction()
+vek_debian_package(runtime ${runtime} libs ""
+  "The shared libraries.\n Colours, glyphs, models, volumes and cuts, turned into what OpenGL draws.")
+vek_debian_package(development libvek-chart-dev libdevel
+  "${runtime} ${version}, vek-chart-data ${version}, ${qt_dev}, libboost-dev"
+  "Development files.\n Headers, CMake and pkg-config files, and documentation.")
+vek_debian_package(data vek-chart-data science ""
+  "Models and data.\n Models of the built-in glyphs, point sprites, and the gallery's data sets.")
+vek_debian_package(programs vek-chart-examples science "${runtime} ${version}, vek-chart-data ${version}, libegl-mesa0"
+  "Gallery and viewer.\n Programs that draw all examples as pictures or in a window.")
+set(CPACK_DEBIAN_DATA_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DATA_PACKAGE_SHLIBDEPS OFF)
+include(CPack)
