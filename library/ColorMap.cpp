@@ -2,9 +2,11 @@
 
 #include "library/private/TextureUpload.h"
 #include "platform/debug/Check.h"
+#include "platform/types/ColorChannels.h"
 #include "platform/types/Math.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -44,16 +46,12 @@ std::vector<double> ComputeDistribution(const std::vector<double>& p_weights, un
   return distribution;
 }
 
-/// A colour as floating-point fractions: red, green, blue, alpha.
-struct Fractions {
-  explicit Fractions(const QColor& p_color)
-      : values{p_color.redF(), p_color.greenF(), p_color.blueF(), p_color.alphaF()} {}
-  double values[4];
-};
+/// Red, green, blue and alpha as fractions.
+using Fractions = std::array<double, 4>;
 
 QColor BlendColors(const Fractions& p_a, const Fractions& p_b, double p_t) {
-  const auto blend = [&](int p_channel) { return p_a.values[p_channel] * (1 - p_t) + p_b.values[p_channel] * p_t; };
-  return QColor::fromRgbF(blend(0), blend(1), blend(2), blend(3));
+  const auto blend = [&](std::size_t p_i) { return p_a[p_i] * (1 - p_t) + p_b[p_i] * p_t; };
+  return Types::ColorOfChannels({blend(0), blend(1), blend(2), blend(3)});
 }
 
 /// The texels of an ARGB32 image of one row, to be written from left to right and never past the end.
@@ -99,7 +97,7 @@ void FillInterpolated(QImage& p_image, const std::vector<double>& p_distribution
   for (std::size_t i = 0; i + 1 < std::min(p_distribution.size(), p_colors.size()); i += 2) {
     const double length = std::trunc(p_distribution[i] + p_distribution[i + 1]);
     const double step = length / p_image.width();
-    const Fractions a(p_colors[i]), b(p_colors[i + 1]);
+    const Fractions a = Types::ColorChannels(p_colors[i]), b = Types::ColorChannels(p_colors[i + 1]);
     const auto [first, last] = row.Take(length);
     for (QRgb* texel = first; texel != last; ++texel) {
       const double t = (static_cast<double>(texel - first) * step) / (length * step);
@@ -265,8 +263,8 @@ std::vector<QColor> ColorMap::GenerateColorList(const std::vector<QColor>& p_col
   std::vector<QColor> result;
   result.reserve(count);
   for (std::size_t k = 0; k < count; ++k) {
-    result.push_back(
-        BlendColors(Fractions(*a), Fractions(*b), static_cast<double>(position) / static_cast<double>(gaps)));
+    result.push_back(BlendColors(Types::ColorChannels(*a), Types::ColorChannels(*b),
+                                 static_cast<double>(position) / static_cast<double>(gaps)));
     for (position += step; position >= gaps; position -= gaps) {
       a = b;
       if (b + 1 != p_colors.end())

@@ -2,8 +2,10 @@
 
 #include "library/private/NamedColorTables.h"
 #include "platform/debug/Check.h"
+#include "platform/types/ColorChannels.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -59,9 +61,10 @@ double Clamped(double p_place) {
 }
 
 QColor Blend(const QColor& p_a, const QColor& p_b, double p_t) {
-  const auto blend = [p_t](double p_from, double p_to) { return p_from * (1 - p_t) + p_to * p_t; };
-  return QColor::fromRgbF(blend(p_a.redF(), p_b.redF()), blend(p_a.greenF(), p_b.greenF()),
-                          blend(p_a.blueF(), p_b.blueF()));
+  const std::array<double, 4> from = Types::ColorChannels(p_a);
+  const std::array<double, 4> to = Types::ColorChannels(p_b);
+  const auto blend = [&](std::size_t p_i) { return from[p_i] * (1 - p_t) + to[p_i] * p_t; };
+  return Types::ColorOfChannels({blend(0), blend(1), blend(2), 1});
 }
 
 /// The colour at a place in [0, 1] of a list of at least two.

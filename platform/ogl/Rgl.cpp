@@ -3,6 +3,7 @@
 #include "platform/debug/Check.h"
 #include "platform/ogl/BufferPool.h"
 #include "platform/ogl/Guard.h"
+#include "platform/types/ColorChannels.h"
 
 #include <boost/make_shared.hpp>
 
@@ -43,7 +44,8 @@ void Rgl::ScopeEnd() {
 }
 
 void Rgl::Color(const QColor& p_color) const {
-  Color4d(p_color.redF(), p_color.greenF(), p_color.blueF(), p_color.alphaF());
+  const auto [red, green, blue, alpha] = Types::ColorChannels(p_color);
+  Color4d(red, green, blue, alpha);
 }
 
 void Rgl::MultMatrix(const Types::Transformation& p_transformation) const {

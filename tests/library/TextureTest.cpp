@@ -162,3 +162,29 @@ TEST_F(TexturePixels, LinearisesWhatIsStoredAsSrgb) {
   EXPECT_NEAR(qRed(PixelAt(Image(), 1, 1)), 128, 2); // ((188 / 255 + 0.055) / 1.055) ^ 2.4 = 0.503
   EXPECT_EQ(qAlpha(PixelAt(Image(), 1, 1)), 77);
 }
+
+TEST_F(TexturePixels, TakesEveryFormatAsBytesOfRedGreenBlueAndAlpha) {
+  QImage source(5, 3, QImage::Format_ARGB32);
+  for (int i = 0; i < 15; ++i)
+    source.setPixel(i % 5, i / 5, qRgba(17 * i, 255 - 13 * i, (91 * i) % 256, 255 - 16 * i));
+  Utility::Scoped<Rgl> gl(Handle());
+  for (const QImage::Format format :
+       {QImage::Format_ARGB32, QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied, QImage::Format_RGBA8888,
+        QImage::Format_RGBA8888_Premultiplied, QImage::Format_RGB888, QImage::Format_RGB16, QImage::Format_Indexed8,
+        QImage::Format_Grayscale8, QImage::Format_Mono, QImage::Format_RGBA64}) {
+    const QImage image = source.convertToFormat(format);
+    const Texture texture(image, gl);
+    texture(gl, RGL_TEXTURE0);
+    std::vector<unsigned char> bytes(5 * 3 * 4);
+    gl->GetTexImage(RGL_TEXTURE_2D, 0, RGL_RGBA, RGL_UNSIGNED_BYTE, bytes.data());
+    std::vector<unsigned char> expected;
+    for (int y = 2; y >= 0; --y) // GL counts rows from below
+      for (int x = 0; x < 5; ++x) {
+        const bool multiplied = image.pixelFormat().premultiplied() == QPixelFormat::Premultiplied;
+        const QRgb pixel = multiplied ? qUnpremultiply(image.pixel(x, y)) : image.pixel(x, y);
+        for (const int channel : {qRed(pixel), qGreen(pixel), qBlue(pixel), qAlpha(pixel)})
+          expected.push_back(static_cast<unsigned char>(channel));
+      }
+    EXPECT_EQ(bytes, expected) << "format " << format;
+  }
+}

@@ -1,4 +1,5 @@
 #include "platform/types/Angle.h"
+#include "platform/types/ColorChannels.h"
 #include "platform/types/Geometry.h"
 #include "platform/types/Matrix.h"
 #include "platform/types/Property.h"
@@ -178,4 +179,21 @@ TEST(Property, StateBitsFollowAssignments) {
   EXPECT_EQ(property.State(), 3u);
   EXPECT_EQ(property, 7);
   EXPECT_EQ(Property<int>(1, 0xfeu).State(), 2u);
+}
+
+TEST(ColorChannels, KeepAll16BitsInDoublePrecision) {
+  for (int bits = 0; bits <= 0xFFFF; ++bits) {
+    const auto value = static_cast<quint16>(bits);
+    const QColor color = QColor::fromRgba64(value, 0, 0xFFFF, static_cast<quint16>(0xFFFF - bits));
+    const std::array<double, 4> channels = ColorChannels(color);
+    ASSERT_EQ(channels, (std::array<double, 4>{bits / 65535.0, 0, 1, (0xFFFF - bits) / 65535.0}));
+    ASSERT_EQ(ColorOfChannels(channels), color);
+    // Halves round up, which single precision cannot tell from what lies just below.
+    if (bits < 0xFFFF) {
+      ASSERT_EQ(ColorOfChannels({(bits + 0.499999) / 65535, 0, 0, 1}).rgba64().red(), bits);
+      ASSERT_EQ(ColorOfChannels({(bits + 0.500001) / 65535, 0, 0, 1}).rgba64().red(), bits + 1);
+    }
+  }
+  EXPECT_EQ(ColorChannels(QColor::fromHsv(120, 255, 255, 51)), (std::array<double, 4>{0, 1, 0, 0.2}));
+  EXPECT_EQ(ColorChannels(QColor::fromRgbF(2.5, -1, 0, 0.5)), (std::array<double, 4>{2.5, -1, 0, 0.5})) << "extended";
 }
