@@ -73,7 +73,8 @@ std::string SystemFault(const std::string& p_from, const std::string& p_to) {
     return "";
   // A window brings the context on which the abstraction works: the viewer's, and the one that the README shows. What
   // else Qt has for GL stays out.
-  const bool window = StartsWith(p_from, "examples/viewer/") || p_from == "tests/docs/QtWidgetSnippetsTest.cpp";
+  const bool window = StartsWith(p_from, "examples/viewer/") || StartsWith(p_from, "tests/examples/viewer/") ||
+                      p_from == "tests/docs/QtWidgetSnippetsTest.cpp";
   if (window && (p_to == "QOpenGLWidget" || p_to == "QOpenGLContext"))
     return "";
   const bool abstraction = StartsWith(p_from, "platform/ogl/") && fs::path(p_from).extension() == ".cpp";
