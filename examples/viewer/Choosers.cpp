@@ -43,6 +43,7 @@ Choosers::Choosers(QWidget* p_parent)
     if (p_index >= 0)
       emit ShapeChosen(static_cast<std::size_t>(p_index));
   });
+  setMinimumHeight(sizeHint().height()); // the picture keeps its place when they go
   Offer(nullptr);
 }
 

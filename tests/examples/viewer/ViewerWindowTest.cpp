@@ -165,7 +165,9 @@ protected:
   bool ShownAfter(const Start& p_start) {
     const int before = _shown;
     p_start();
-    return WaitFor([&] { return _shown > before; });
+    const bool shown = WaitFor([&] { return _shown > before; });
+    Rest(50); // the choosers find their places
+    return shown;
   }
   bool Show(const std::string& p_name) {
     for (int row = 0; row < _window->List().count(); ++row)
