@@ -156,7 +156,7 @@ TEST(GalleryPixels, EveryPictureIsFilledAndFramedByTheBackground) {
     for (int y = 10; y < 26; ++y)
       for (int x = 10; x < 100; ++x)
         title += Distance(image.pixelColor(x, y), Theme::Title) < 60 ? 1 : 0;
-    EXPECT_GT(title, 60) << entry.name;
+    EXPECT_GT(title, 40) << entry.name; // the shortest is "Cuts"
     EXPECT_TRUE(fs::exists(std::string(VEK_SOURCE_DIR) + "/" + entry.source)) << entry.source;
   }
 }
