@@ -130,10 +130,9 @@ protected:
     p_overlay.Title("Picking", "Where in the world a pixel lies, told by its depth");
     DrawPanel(p_gl, p_overlay, _decoded, DecodedPart, "Depths unpacked from the colours of the picture");
     DrawPanel(p_gl, p_overlay, _truth, TruePart, "The true depth buffer");
-    p_overlay.Text("Largest difference: " + QString::number(_largest_error, 'f', 5) + " = " +
-                       QString::number(_largest_error * 255, 'f', 2) + " / 255",
+    p_overlay.Text("Largest difference: " + QString::number(_largest_error * 1e6, 'f', 2) + " millionths",
                    TruePart.left, TruePart.bottom - 18, {0, 1}, {Theme::SmallSize, Theme::Title, false});
-    p_overlay.Text("Packing cuts off what a byte does not hold.", TruePart.left, TruePart.bottom - 44, {0, 1},
+    p_overlay.Text("Depths run from 0, nearest, to 1, farthest.", TruePart.left, TruePart.bottom - 44, {0, 1},
                    {Theme::SmallSize, Theme::Faint, false});
     for (const Pick& pick : _picks)
       DrawPick(p_overlay, p_view, pick);

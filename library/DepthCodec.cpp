@@ -76,4 +76,19 @@ std::string DepthCodec::Glsl() {
          "}\n";
 }
 
+std::string DepthCodec::PreciseGlsl() {
+  // The remainders are exact: only the products round.
+  return "vec4 EncodeDepth(float depth) {\n"
+         "  vec4 steps;\n"
+         "  float rest = depth * 255.0;\n"
+         "  steps.x = floor(rest);\n"
+         "  rest = (rest - steps.x) * 255.0;\n"
+         "  steps.y = floor(rest);\n"
+         "  rest = (rest - steps.y) * 255.0;\n"
+         "  steps.z = floor(rest);\n"
+         "  steps.w = floor((rest - steps.z) * 255.0 + 0.5);\n"
+         "  return steps / 255.0;\n"
+         "}\n";
+}
+
 } // namespace Vek::Chart::Library

@@ -12,7 +12,8 @@ namespace Vek::Chart::Library {
 ///
 /// Each channel holds 8 further bits of the depth, as far as single precision has them: all arithmetic is in floats,
 /// and what is left of a channel is cut off, not rounded. Where a channel lands just below a whole number it loses that
-/// step, so that 0.123456 comes back as about 0.1195. Only static members; any thread may call them.
+/// step, so that 0.123456 comes back as about 0.1195; `PreciseGlsl` packs without that loss. Only static members; any
+/// thread may call them.
 ///
 /// \snippet PickingSnippetsTest.cpp DepthCodec
 /// \image html picking.jpg
@@ -42,6 +43,11 @@ struct VEK_LIBRARY_API DepthCodec {
   /// The same steps with the same constants. A device may round its products differently, and may fuse a product with
   /// a subtraction; channels then differ where one lands next to a whole number.
   static std::string Glsl();
+
+  /// A function of the same name that loses next to nothing: what is left of a channel goes on to the next one before
+  /// it is cut off, and the last is rounded. `Decode` is within 2^-23 of the depth. For picking, where `Encode`'s lost
+  /// steps would move a point by up to 1/255 of the depth range. A depth of 1 is kept, one of 0 is still "nothing".
+  static std::string PreciseGlsl();
 };
 
 } // namespace Vek::Chart::Library

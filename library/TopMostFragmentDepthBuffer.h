@@ -36,10 +36,10 @@ public:
   /// `p_position`: a pixel of the target, from its lower left. Outside it, GL does not say what is read.
   /// `p_stamp`: the scene's; `p_render` is called when it differs from the last one, and when the size changed.
   /// `p_render`: draws the scene with the state that it finds (depth test on, stencil test off, viewport set), writing
-  /// `DepthCodec::Encode` of each fragment's depth as RGBA. The host's scissor, blending, dithering, multisampling and
-  /// alpha test would spoil the packing: the callback must switch off what the host has on. The target is cleared
-  /// before, under the host's scissor and write masks: with those in use, the callback clears again. When it throws,
-  /// the stamp is not taken over, so that the next pick with it draws again.
+  /// each fragment's depth as RGBA, packed as `DepthCodec::Encode` or by one of its shaders. The host's scissor,
+  /// blending, dithering, multisampling and alpha test would spoil the packing: the callback must switch off what the
+  /// host has on. The target is cleared before, under the host's scissor and write masks: with those in use, the
+  /// callback clears again. When it throws, the stamp is not taken over, so that the next pick with it draws again.
   ///
   /// Frame buffer, colour-buffer, enable and viewport state are as before when the call returns or throws. GL errors go
   /// to Rgl::CheckError.

@@ -5,7 +5,7 @@
 namespace Vek::Chart::Gallery {
 
 std::string PackedDepthText() {
-  return Library::DepthCodec::Glsl() + "void main() { gl_FragColor = EncodeDepth(gl_FragCoord.z); }\n";
+  return Library::DepthCodec::PreciseGlsl() + "void main() { gl_FragColor = EncodeDepth(gl_FragCoord.z); }\n";
 }
 
 DepthPass::DepthPass(Utility::Scoped<Rgl>& p_gl)

@@ -51,7 +51,7 @@ SlicePainter::SlicePainter(Utility::Scoped<Rgl>& p_gl, const boost::shared_ptr<c
     , _downwards(p_downwards)
     , _texture(p_image, p_gl)
     , _colored(p_gl, VertexText, ColorText)
-    , _packed(p_gl, VertexText, Library::DepthCodec::Glsl() + DepthText) {
+    , _packed(p_gl, VertexText, Library::DepthCodec::PreciseGlsl() + DepthText) {
   _texture.minFilter = _texture.magFilter = p_filter;
 }
 

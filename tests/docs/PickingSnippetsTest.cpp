@@ -58,7 +58,7 @@ TEST_F(PickingSnippetPixels, TopMostFragmentDepthBuffer) {
   Types::Pos mouse(10, 20);
   //! [DepthShader]
   const Ogl::ShaderProgram depthShader(gl, "void main() { gl_Position = ftransform(); }",
-                                       DepthCodec::Glsl() +
+                                       DepthCodec::PreciseGlsl() +
                                            "void main() { gl_FragColor = EncodeDepth(gl_FragCoord.z); }");
   //! [DepthShader]
   //! [Callback]

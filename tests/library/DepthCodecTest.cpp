@@ -117,35 +117,43 @@ TEST(DepthCodec, HandsOutItsConstantsAsGlsl) {
 class DepthCodecPixels : public Vek::Test::PixelFixture {};
 
 // One depth a pixel. The device may round its products differently, which may lose or keep a step of a channel: the
-// decoded depth has the bounds of `Encode`, and nearly all pixels have its bytes.
-TEST_F(DepthCodecPixels, TheShaderPacksLikeEncode) {
-  Utility::Scoped<Ogl::Rgl> gl(Handle());
-  const Ogl::ShaderProgram program(gl, "void main() { gl_Position = gl_Vertex; }",
-                                   DepthCodec::Glsl() +
-                                       "void main() {\n"
-                                       "  vec2 pixel = floor(gl_FragCoord.xy);\n"
-                                       "  gl_FragColor = EncodeDepth((pixel.x + 64.0 * pixel.y + 0.375) / 2368.0);\n"
-                                       "}\n");
-  ASSERT_TRUE(program.Linked());
-  const boost::shared_ptr<void> inUse = program.Use(gl);
-  gl->Begin(RGL_QUADS);
-  for (const auto& [x, y] : {std::pair(-1, -1), {1, -1}, {1, 1}, {-1, 1}})
-    gl->Vertex(x, y, 0);
-  gl->End();
+// decoded depth has the bounds of `Encode`, and nearly all pixels have its bytes. The precise packing has no such
+// steps.
+TEST_F(DepthCodecPixels, TheShadersPackLikeEncodeAndPrecisely) {
+  for (const bool precise : {false, true}) {
+    SCOPED_TRACE(precise);
+    Utility::Scoped<Ogl::Rgl> gl(Handle());
+    const Ogl::ShaderProgram program(gl, "void main() { gl_Position = gl_Vertex; }",
+                                     (precise ? DepthCodec::PreciseGlsl() : DepthCodec::Glsl()) +
+                                         "void main() {\n"
+                                         "  vec2 pixel = floor(gl_FragCoord.xy);\n"
+                                         "  gl_FragColor = EncodeDepth((pixel.x + 64.0 * pixel.y + 0.375) / 2368.0);\n"
+                                         "}\n");
+    ASSERT_TRUE(program.Linked());
+    const boost::shared_ptr<void> inUse = program.Use(gl);
+    gl->Begin(RGL_QUADS);
+    for (const auto& [x, y] : {std::pair(-1, -1), {1, -1}, {1, 1}, {-1, 1}})
+      gl->Vertex(x, y, 0);
+    gl->End();
 
-  const QImage image = Image();
-  int same = 0;
-  for (int y = 0; y < FrameSize.height; ++y)
-    for (int x = 0; x < FrameSize.width; ++x) {
-      const QRgb pixel = Vek::Test::PixelAt(image, x, y);
-      const Bytes bytes = {{static_cast<unsigned char>(qRed(pixel)), static_cast<unsigned char>(qGreen(pixel)),
-                            static_cast<unsigned char>(qBlue(pixel)), static_cast<unsigned char>(qAlpha(pixel))}};
-      const float depth = (static_cast<float>(x + 64 * y) + 0.375F) / 2368.0F;
-      ASSERT_LE(DepthCodec::Decode(bytes), depth + 1e-6F) << x << ' ' << y;
-      ASSERT_GE(DepthCodec::Decode(bytes), depth - 1.01F / 255) << x << ' ' << y;
-      same += bytes == DepthCodec::Encode(depth) ? 1 : 0;
-    }
-  EXPECT_GE(same, FrameSize.width * FrameSize.height * 9 / 10);
+    const QImage image = Image();
+    int same = 0;
+    for (int y = 0; y < FrameSize.height; ++y)
+      for (int x = 0; x < FrameSize.width; ++x) {
+        const QRgb pixel = Vek::Test::PixelAt(image, x, y);
+        const Bytes bytes = {{static_cast<unsigned char>(qRed(pixel)), static_cast<unsigned char>(qGreen(pixel)),
+                              static_cast<unsigned char>(qBlue(pixel)), static_cast<unsigned char>(qAlpha(pixel))}};
+        const float depth = (static_cast<float>(x + 64 * y) + 0.375F) / 2368.0F;
+        if (precise) {
+          ASSERT_NEAR(DepthCodec::Decode(bytes), depth, 0x1p-23) << x << ' ' << y;
+          continue;
+        }
+        ASSERT_LE(DepthCodec::Decode(bytes), depth + 1e-6F) << x << ' ' << y;
+        ASSERT_GE(DepthCodec::Decode(bytes), depth - 1.01F / 255) << x << ' ' << y;
+        same += bytes == DepthCodec::Encode(depth) ? 1 : 0;
+      }
+    EXPECT_GE(same, precise ? 0 : FrameSize.width * FrameSize.height * 9 / 10);
+  }
 }
 
 } // namespace
