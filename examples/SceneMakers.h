@@ -11,6 +11,7 @@ std::unique_ptr<Scene> LoadWind(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadSymbols(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadEarthquakes(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadAtlas(const Inputs& p_inputs, Loading& p_loading);
+std::unique_ptr<Scene> LoadColors(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadVolume(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadCuts(const Inputs& p_inputs, Loading& p_loading);
 std::unique_ptr<Scene> LoadHdr(const Inputs& p_inputs, Loading& p_loading);

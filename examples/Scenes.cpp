@@ -24,6 +24,11 @@ const std::vector<SceneEntry>& Scenes() {
        "colours and "
        "twice moved onto instances with replaced colours. Below, the ColorAtlas itself, enlarged.",
        "examples/Atlas.cpp", LoadAtlas},
+      {"colors",
+       "All maps of NamedColors, blended and in classes, above the lightness of their colours. Below, real fields that "
+       "ColorScale turned into colours, each in one call: on a linear and a logarithmic range and in classes of given "
+       "bounds, with colours of their own for values below, above and not a number.",
+       "examples/Colors.cpp", LoadColors},
       {"hdr",
        "A panorama with a high dynamic range, read by HdrImage, at five exposures, and the luminance along the row "
        "that "

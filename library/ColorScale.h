@@ -33,7 +33,7 @@ namespace Vek::Chart::Library {
 /// "std::isfinite(p_lower) && std::isfinite(p_upper)".
 ///
 /// \snippet ColorSnippetsTest.cpp ColorScale
-/// \image html wind.jpg
+/// \image html colors.jpg
 /// \ingroup colours
 class VEK_LIBRARY_API ColorScale {
 public:

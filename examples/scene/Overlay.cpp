@@ -38,6 +38,14 @@ void Overlay::Frame(const Rect& p_rect, double p_width, const QColor& p_color) {
   Line(p_rect.right, p_rect.bottom, p_rect.right, p_rect.top, p_width, p_color);
 }
 
+void Overlay::Triangle(const Place& p_a, const Place& p_b, const Place& p_c, const QColor& p_color) {
+  _gl->Color(p_color);
+  _gl->Begin(RGL_TRIANGLES);
+  for (const Place& corner : {p_a, p_b, p_c})
+    _gl->Vertex(corner.x * _point, corner.y * _point, 0.0);
+  _gl->End();
+}
+
 void Overlay::Line(double p_x0, double p_y0, double p_x1, double p_y1, double p_width, const QColor& p_color) {
   // A quad, since the widths that GL offers for lines differ from device to device.
   const double length = std::hypot(p_x1 - p_x0, p_y1 - p_y0);
@@ -88,10 +96,12 @@ void Overlay::Bar(const Rect& p_rect, const Library::ColorMap& p_colors, const Q
   }
   for (const Tick& tick : p_ticks) {
     const double x = p_rect.left + (p_rect.right - p_rect.left) * tick.place;
-    Line(x, p_rect.bottom, x, p_rect.bottom - 6, 1.5, Theme::Text);
-    Text(tick.text, x, p_rect.bottom - 9, {0.5, 1}, {Theme::SmallSize, Theme::Text, false});
+    Line(x, p_rect.bottom, x, p_rect.bottom - (tick.text.isEmpty() ? 4 : 6), 1.5, Theme::Text);
+    if (!tick.text.isEmpty())
+      Text(tick.text, x, p_rect.bottom - 9, {0.5, 1}, {Theme::SmallSize, Theme::Text, false});
   }
-  Text(p_title, p_rect.left - 2, p_rect.top + 6, {0, 0}, {Theme::SmallSize, Theme::Text, false});
+  if (!p_title.isEmpty())
+    Text(p_title, p_rect.left - 2, p_rect.top + 6, {0, 0}, {Theme::SmallSize, Theme::Text, false});
 }
 
 Types::Viewport<0> PartOf(const View& p_view, const Overlay::Rect& p_rect) {

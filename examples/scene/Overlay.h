@@ -30,7 +30,7 @@ public:
     double right = 0;
     double top = 0;
   };
-  /// A place on a scale, 0 to 1, and what is written there.
+  /// A place on a scale, 0 to 1, and what is written there; a tick is shorter where nothing is.
   struct Tick {
     double place = 0;
     QString text;
@@ -48,6 +48,8 @@ public:
   void Fill(const Rect& p_rect, const QColor& p_color) { Fill(p_rect, p_color, p_color); }
   /// The border of a rectangle.
   void Frame(const Rect& p_rect, double p_width, const QColor& p_color);
+  using Place = Types::Vector2_Base<double>;
+  void Triangle(const Place& p_a, const Place& p_b, const Place& p_c, const QColor& p_color);
   void Line(double p_x0, double p_y0, double p_x1, double p_y1, double p_width, const QColor& p_color);
   void Text(const QString& p_text, double p_x, double p_y, Lettering::Anchor p_anchor, const Lettering::Style& p_style);
   /// A text beside the place where a point of the scene appears, moved by points.
@@ -56,7 +58,7 @@ public:
 
   /// Title and line below it in the upper left corner.
   void Title(const QString& p_title, const QString& p_line);
-  /// A horizontal colour bar with its title above and its ticks below.
+  /// A horizontal colour bar with its title above, if it has one, and its ticks below.
   void Bar(const Rect& p_rect, const Library::ColorMap& p_colors, const QString& p_title,
            const std::vector<Tick>& p_ticks);
 

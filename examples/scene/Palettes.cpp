@@ -3,6 +3,7 @@
 #include "library/NamedColors.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Vek::Chart::Gallery::Palettes {
 
@@ -44,6 +45,15 @@ std::vector<QColor> Inferno(double p_from, double p_to) {
 }
 std::vector<QColor> Magma(double p_from, double p_to) {
   return Library::NamedColors::Colors("magma", 256, p_from, p_to);
+}
+
+double Lightness(const QColor& p_color) {
+  const auto linear = [](double p_channel) {
+    return p_channel <= 0.04045 ? p_channel / 12.92 : std::pow((p_channel + 0.055) / 1.055, 2.4);
+  };
+  const double luminance =
+      0.2126 * linear(p_color.redF()) + 0.7152 * linear(p_color.greenF()) + 0.0722 * linear(p_color.blueF());
+  return luminance > 216.0 / 24389 ? 116 * std::cbrt(luminance) - 16 : luminance * 24389 / 27;
 }
 
 } // namespace Vek::Chart::Gallery::Palettes

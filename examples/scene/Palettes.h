@@ -21,4 +21,7 @@ std::vector<QColor> Plasma(double p_from = 0, double p_to = 1);
 std::vector<QColor> Inferno(double p_from = 0, double p_to = 1);
 std::vector<QColor> Magma(double p_from = 0, double p_to = 1);
 
+/// CIE L* of an opaque sRGB colour: how light it looks, from 0 for black to 100 for white.
+double Lightness(const QColor& p_color);
+
 } // namespace Vek::Chart::Gallery::Palettes

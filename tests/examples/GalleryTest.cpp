@@ -1,15 +1,10 @@
 #include "examples/scene/MapFrame.h"
-#include "examples/scene/OffscreenQt.h"
-#include "examples/scene/Rendering.h"
-#include "examples/scene/Scene.h"
 #include "examples/scene/Theme.h"
 
 #include "library/Pattern.h"
 
-#include "platform/ogl/OffscreenContext.h"
+#include "tests/examples/SceneShots.h"
 #include "tests/support/ReportCapture.h"
-
-#include <QImage>
 
 #include <gtest/gtest.h>
 
@@ -28,13 +23,6 @@ using namespace Vek::Chart::Gallery;
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Text on pictures needs Qt's fonts.
-class QtEnvironment : public testing::Environment {
-public:
-  void SetUp() override { StartOffscreenQt(); }
-};
-const testing::Environment* const qt = testing::AddGlobalTestEnvironment(new QtEnvironment);
 
 /// A folder of the test's own that goes with it.
 class TemporaryFolder {
@@ -75,63 +63,6 @@ Outcome RunGallery(const TemporaryFolder& p_folder, const std::string& p_argumen
   const std::string err = p_folder.File("stderr.txt");
   const int result = std::system((VEK_GALLERY " " + p_arguments + " >'" + out + "' 2>'" + err + "'").c_str());
   return {WIFEXITED(result) ? WEXITSTATUS(result) : -1, Contents(out), Contents(err)};
-}
-
-Inputs DataInputs() {
-  const std::string root = VEK_SOURCE_DIR;
-  Inputs inputs;
-  inputs.winds = root + "/data/noaa_navy_winds_1987-01.csv";
-  inputs.relief = root + "/data/etopo60.txt";
-  inputs.quakes = root + "/data/earthquakes.csv";
-  inputs.symbols = root + "/symbols";
-  inputs.salinity = root + "/data/ocean_salinity.txt";
-  inputs.hdr = root + "/data/sky.hdr";
-  inputs.sprites = root + "/sprites";
-  return inputs;
-}
-
-const SceneEntry& Entry(const std::string& p_name) {
-  for (const SceneEntry& entry : Scenes())
-    if (entry.name == p_name)
-      return entry;
-  throw std::logic_error("no scene " + p_name);
-}
-
-/// A picture and the camera that it was taken with.
-struct Shot {
-  QImage image;
-  Camera camera;
-
-  /// Where a point of the scene appears on the image, whose first row is on top.
-  QPoint At(const Types::Vector3_Base<double>& p_point) const {
-    const Types::Viewport<0> viewport(0, 0, static_cast<float>(image.width()), static_cast<float>(image.height()));
-    const Camera::Pixel pixel = camera.Project(p_point, viewport);
-    return {static_cast<int>(pixel.x), image.height() - 1 - static_cast<int>(pixel.y)};
-  }
-  /// The mean colour of the square of 2 · p_radius + 1 pixels around a point.
-  QColor Mean(const QPoint& p_center, int p_radius) const {
-    int red = 0, green = 0, blue = 0, count = 0;
-    for (int y = p_center.y() - p_radius; y <= p_center.y() + p_radius; ++y)
-      for (int x = p_center.x() - p_radius; x <= p_center.x() + p_radius; ++x, ++count) {
-        const QRgb pixel = image.pixel(x, y);
-        red += qRed(pixel);
-        green += qGreen(pixel);
-        blue += qBlue(pixel);
-      }
-    return QColor(red / count, green / count, blue / count);
-  }
-};
-
-Shot Shoot(const std::string& p_name, Types::Size p_size, const Inputs& p_inputs = DataInputs()) {
-  Shot shot;
-  shot.image = RenderScene(Entry(p_name), p_inputs, p_size);
-  Loading loading;
-  shot.camera = Entry(p_name).load(p_inputs, loading)->StartCamera();
-  return shot;
-}
-
-int Distance(const QColor& p_a, const QColor& p_b) {
-  return std::abs(p_a.red() - p_b.red()) + std::abs(p_a.green() - p_b.green()) + std::abs(p_a.blue() - p_b.blue());
 }
 
 constexpr Types::Size Small(480, 300);

@@ -4,6 +4,7 @@
 #include "examples/scene/Options.h"
 #include "examples/scene/Palettes.h"
 #include "examples/scene/Rendering.h"
+#include "examples/scene/ScaleBar.h"
 
 #include <gtest/gtest.h>
 
@@ -148,6 +149,31 @@ TEST(Palettes, RunFromEndToEndAndGrowLighter) {
   EXPECT_EQ(sampled[1], QColor(50, 0, 0));
   EXPECT_EQ(sampled[2], QColor(100, 0, 0));
   EXPECT_EQ(sampled[4], QColor(0, 0, 255));
+}
+
+TEST(Palettes, LightnessIsThatOfCie) {
+  const std::pair<QColor, double> cases[] = {
+      {Qt::black, 0},     {QColor(1, 1, 1), 0.2742}, {QColor(119, 119, 119), 50.0344},
+      {Qt::red, 53.2408}, {Qt::green, 87.7347},      {Qt::blue, 32.2970},
+      {Qt::white, 100}};
+  for (const auto& [color, lightness] : cases)
+    EXPECT_NEAR(Palettes::Lightness(color), lightness, 0.01) << color.name().toStdString();
+}
+
+TEST(ScaleBar, LogarithmicTicksAreWrittenAtPowersOfTenAndAtTheEnds) {
+  const struct {
+    double min, max;
+    const char* ticks;
+  } cases[] = {{10, 600, "0:10 0.17: 0.27: 0.34: 0.39: 0.44: 0.48: 0.51: 0.54: 0.56:100 0.73: 0.83: 0.9: 0.96: 1:600 "},
+               {0.5, 3, "0:0.5 0.1: 0.19: 0.26: 0.33: 0.39:1 0.77: 1:3 "},
+               {0, 1, ""},
+               {2, 2, ""}};
+  for (const auto& row : cases) {
+    QString ticks;
+    for (const Overlay::Tick& tick : LogTicks(row.min, row.max))
+      ticks += QString::number(std::round(tick.place * 100) / 100) + ':' + tick.text + ' ';
+    EXPECT_EQ(ticks.toStdString(), row.ticks) << row.min;
+  }
 }
 
 TEST(Options, TakesValuesAndRefusesTheRest) {

@@ -1,9 +1,8 @@
 #include "examples/scene/DepthPass.h"
-#include "examples/scene/OffscreenQt.h"
-#include "examples/scene/Scene.h"
 
 #include "library/RenderTexture.h"
 #include "platform/ogl/OffscreenContext.h"
+#include "tests/examples/SceneShots.h"
 #include "tests/support/PixelFixture.h"
 #include "tests/support/ReportCapture.h"
 
@@ -13,25 +12,6 @@ using namespace Vek::Chart;
 using namespace Vek::Chart::Gallery;
 
 namespace {
-
-class QtEnvironment : public testing::Environment {
-public:
-  void SetUp() override { StartOffscreenQt(); }
-};
-const testing::Environment* const qt = testing::AddGlobalTestEnvironment(new QtEnvironment);
-
-Inputs DataInputs() {
-  const std::string root = VEK_SOURCE_DIR;
-  Inputs inputs;
-  inputs.winds = root + "/data/noaa_navy_winds_1987-01.csv";
-  inputs.relief = root + "/data/etopo60.txt";
-  inputs.quakes = root + "/data/earthquakes.csv";
-  inputs.symbols = root + "/symbols";
-  inputs.salinity = root + "/data/ocean_salinity.txt";
-  inputs.hdr = root + "/data/sky.hdr";
-  inputs.sprites = root + "/sprites";
-  return inputs;
-}
 
 /// A context of the size of a small window, in which scenes are drawn again and again.
 class SceneInterfacePixels : public testing::Test {
@@ -113,7 +93,8 @@ TEST_F(SceneInterfacePixels, SurfacesHaveDepthsWhereThePictureShowsThem) {
 TEST(Loading, ACancelledLoadIsNoInputError) {
   for (const SceneEntry& entry : Scenes()) {
     const std::string name = entry.name;
-    if (name != "wind" && name != "streamlines" && name != "earthquakes" && name != "hdr" && name != "volume")
+    if (name != "wind" && name != "streamlines" && name != "earthquakes" && name != "hdr" && name != "volume" &&
+        name != "colors")
       continue; // the others read no file
     Loading loading;
     loading.Cancel();
