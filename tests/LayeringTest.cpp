@@ -51,10 +51,10 @@ std::string Fault(const std::string& p_from, const std::string& p_to) {
   const std::vector<std::string> to = Parts(p_to);
   if (to.size() < 2 || Roots.count(to[0]) == 0)
     return "does not start at the root";
-  if (StartsWith(p_to, "library/private/")) {
-    const bool hidden =
-        StartsWith(p_from, "library/private/") || (from[0] == "library" && fs::path(p_from).extension() == ".cpp");
-    return hidden ? "" : "is hidden";
+  if (const std::size_t end = p_to.find("/private/"); end != std::string::npos) {
+    const std::string owner = p_to.substr(0, end + 1);
+    const bool inside = StartsWith(p_from, owner + "private/") || fs::path(p_from).extension() == ".cpp";
+    return inside && StartsWith(p_from, owner) ? "" : "is hidden";
   }
   if (from[0] == "platform" && to[0] == "platform")
     return PlatformFault(from, to);
@@ -102,6 +102,10 @@ const Row Rows[] = {
     {"library/ColorMap.h", "library/private/Gradient.h", "is hidden"},
     {"library/ColorMap.cpp", "library/private/Gradient.h", ""},
     {"library/private/Gradient.h", "library/private/Weights.h", ""},
+    {"platform/ogl/Rgl.cpp", "platform/ogl/private/Model.h", ""},
+    {"platform/ogl/Rgl.h", "platform/ogl/private/Model.h", "is hidden"},
+    {"platform/assets/ImageCache.cpp", "platform/ogl/private/Model.h", "is hidden"},
+    {"library/ColorMap.cpp", "platform/ogl/private/Model.h", "is hidden"},
     {"library/ColorMap.cpp", "tests/support/ReportCapture.h", "points up"},
     {"tests/library/ColorMapTest.cpp", "library/private/Gradient.h", "is hidden"},
     {"tests/library/ColorMapTest.cpp", "tests/support/ReportCapture.h", ""},

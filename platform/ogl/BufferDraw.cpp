@@ -1,7 +1,7 @@
 #include "platform/ogl/BufferDraw.h"
 
 #include "platform/debug/Check.h"
-#include "platform/ogl/DrawState.h"
+#include "platform/ogl/private/DrawState.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,7 +1,7 @@
 #include "platform/ogl/OffscreenContext.h"
 
-#include "platform/ogl/EglContext.h"
 #include "platform/ogl/Guard.h"
+#include "platform/ogl/private/EglContext.h"
 
 #include <boost/make_shared.hpp>
 

@@ -1,8 +1,8 @@
 #include "platform/ogl/RecordingGl.h"
 
 #include "platform/debug/Check.h"
-#include "platform/ogl/RecordingModel.h"
-#include "platform/ogl/RecordingText.h"
+#include "platform/ogl/private/RecordingModel.h"
+#include "platform/ogl/private/RecordingText.h"
 
 #include <boost/make_shared.hpp>
 #include <boost/weak_ptr.hpp>

@@ -1,8 +1,8 @@
 #include "platform/ogl/VertexData.h"
 
 #include "platform/debug/Check.h"
-#include "platform/ogl/DrawState.h"
 #include "platform/ogl/Rgl.h"
+#include "platform/ogl/private/DrawState.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "platform/ogl/EglContext.h"
+#include "platform/ogl/private/EglContext.h"
 
 #include "platform/debug/Check.h"
 #include "platform/ogl/Guard.h"

@@ -1,7 +1,7 @@
-#include "platform/ogl/RecordingModel.h"
+#include "platform/ogl/private/RecordingModel.h"
 
-#include "platform/ogl/RecordingState.h"
-#include "platform/ogl/RecordingText.h"
+#include "platform/ogl/private/RecordingState.h"
+#include "platform/ogl/private/RecordingText.h"
 #include "platform/types/Matrix.h"
 
 #include <algorithm>

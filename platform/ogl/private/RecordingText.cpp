@@ -1,4 +1,4 @@
-#include "platform/ogl/RecordingText.h"
+#include "platform/ogl/private/RecordingText.h"
 
 #include "platform/ogl/GlTokens.h"
 

@@ -1,4 +1,4 @@
-#include "platform/ogl/DrawState.h"
+#include "platform/ogl/private/DrawState.h"
 
 #include "platform/ogl/Guard.h"
 
