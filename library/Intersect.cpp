@@ -284,8 +284,9 @@ bool Intersect::Intersection(const Box& p_box, const Types::Plane& p_plane, std:
     p_points.clear();
     return false;
   }
-  const Types::Plane plane(p_plane.Point(), -Normalize(p_plane.Normal()));
-  BoxCut cut{CornersOf(p_box), {}, plane.Normal(), plane.Equation().w};
+  const Vector3 n = -Normalize(p_plane.Normal());
+  // By components: a copy as a whole would wait for each of them to be stored.
+  BoxCut cut{CornersOf(p_box), {}, {n.x, n.y, n.z}, -Dot(n, p_plane.Point())};
   MeasureDistances(p_box, cut);
   unsigned behind = 0;
   double nearest = std::numeric_limits<double>::infinity();
