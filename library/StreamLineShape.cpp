@@ -3,6 +3,7 @@
 #include "platform/types/Angle.h"
 #include "platform/types/Geometry.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -34,6 +35,16 @@ std::vector<Vector2> ComputeOutlineNormals(const std::vector<Vector2>& p_edgeNor
     normals[i] = Normalize((previous + p_edgeNormals[i]) / 2.0);
   }
   return normals;
+}
+
+// Sets results[i] to p_place(x, y, 0) of the point i. The results lie apart from everything that is read, which makes
+// vectors of the loop.
+template <class Place>
+void PlaceEach(const std::vector<Vector2>& p_points, Vector3* __restrict p_results, const Place& p_place) {
+  const Vector2* const points = p_points.data();
+  const std::size_t count = p_points.size();
+  for (std::size_t i = 0; i < count; ++i)
+    p_results[i] = p_place(Vector3(points[i].x, points[i].y, 0));
 }
 
 } // namespace
@@ -71,10 +82,12 @@ bool StreamLineShape::OrientShape(double p_size, const Vector3& p_position, doub
   const Vector3 position = p_position; // may lie in a vector that is resized now
   p_outVertices.resize(_vertices.size());
   p_outNormals.resize(_vertices.size());
-  for (std::size_t i = 0; i < _vertices.size(); ++i)
-    p_outVertices[i] = p_rotation * (Vector3(_vertices[i].x, _vertices[i].y, 0) * factor) + position;
-  for (std::size_t i = 0; i < _vertices.size(); ++i)
-    p_outNormals[i] = p_rotation * (HasNormals() ? Vector3(_normals[i].x, _normals[i].y, 0) : Vector3(0, 1, 0));
+  PlaceEach(_vertices, p_outVertices.data(),
+            [&](const Vector3& p_vertex) { return p_rotation * (p_vertex * factor) + position; });
+  if (HasNormals())
+    PlaceEach(_normals, p_outNormals.data(), [&](const Vector3& p_normal) { return p_rotation * p_normal; });
+  else
+    std::fill(p_outNormals.begin(), p_outNormals.end(), p_rotation * Vector3(0, 1, 0));
   return true;
 }
 
