@@ -25,7 +25,7 @@ public:
       : _thresholds(std::move(p_thresholds))
       , _colors(std::move(p_colors)) {
     if (!_thresholds.empty() && !(p_by_magnitude ? FillByBits() : FillBySteps()))
-      _buckets.clear();
+      _limits.clear();
   }
 
   std::uint32_t Color(T p_value) const {
@@ -35,16 +35,12 @@ public:
 
   /// Writes one colour of four bytes for each value.
   void Map(const T* p_values, std::size_t p_count, unsigned char* p_rgba) const {
-    if (_buckets.empty())
+    if (_limits.empty())
       return MapOneByOne(p_values, p_count, p_rgba, [this](T p_value) { return Color(p_value); });
     std::visit([&](const auto& p_key) { MapByKey(p_key, p_values, p_count, p_rgba); }, _key);
   }
 
 private:
-  struct Bucket {
-    T threshold = std::numeric_limits<T>::quiet_NaN(); ///< NaN where there is none
-    std::uint32_t color = 0;                           ///< of the values below it; all others have the next bucket's
-  };
   using Limits = std::numeric_limits<T>;
 
   /// More buckets than this would not stay in the near caches.
@@ -90,19 +86,20 @@ private:
   /// False if a bucket would hold two different thresholds, or the first one would fall among the NaN.
   template <class Key>
   bool Fill(const Key& p_key, std::size_t p_last) {
-    _buckets.assign(p_last + 2, {});
+    _limits.assign(p_last + 1, Limits::quiet_NaN());
+    _colors_below.assign(p_last + 2, 0);
     std::size_t next = 0;
     for (std::size_t k = 0; k <= p_last; ++k) {
-      Bucket& bucket = _buckets[k];
-      bucket.color = _colors[1 + next];
+      _colors_below[k] = _colors[1 + next];
       for (; next < _thresholds.size() && p_key(_thresholds[next]) == static_cast<std::int32_t>(k); ++next) {
-        if (k == 0 || (bucket.threshold == bucket.threshold && bucket.threshold != _thresholds[next]))
+        if (k == 0 || (_limits[k] == _limits[k] && _limits[k] != _thresholds[next]))
           return false;
-        bucket.threshold = _thresholds[next];
+        _limits[k] = _thresholds[next];
       }
     }
-    _buckets.back().color = _colors[1 + next];
-    _buckets.front() = {-Limits::infinity(), _colors[0]}; // which only NaN does not reach
+    _colors_below.back() = _colors[1 + next];
+    _limits.front() = -Limits::infinity(); // which only NaN does not reach
+    _colors_below.front() = _colors[0];
     _key = p_key;
     return next == _thresholds.size();
   }
@@ -110,13 +107,15 @@ private:
   /// A copy of the key, so that nothing that is written can change it.
   template <class Key>
   void MapByKey(const Key p_key, const T* p_values, std::size_t p_count, unsigned char* p_rgba) const {
-    const Bucket* const buckets = _buckets.data();
-    const auto color = [buckets](std::uint32_t p_bucket, T p_value) {
-      return buckets[p_bucket + (p_value >= buckets[p_bucket].threshold ? 1 : 0)].color;
+    const T* const limits = _limits.data();
+    const std::uint32_t* const colors_below = _colors_below.data();
+    const auto color = [limits, colors_below](std::uint32_t p_bucket, T p_value) {
+      return colors_below[p_bucket + (p_value >= limits[p_bucket] ? 1 : 0)];
     };
     const auto one = [&](T p_value) { return color(static_cast<std::uint32_t>(p_key(p_value)), p_value); };
     std::size_t done = 0;
 #if defined(__SSE2__)
+    constexpr std::size_t Line = 64;
     const auto four = [&](const T* p_four) {
       const __m128i keys = Keys(p_key, p_four);
       const auto a = static_cast<std::uint64_t>(_mm_cvtsi128_si64(keys));
@@ -128,8 +127,10 @@ private:
     };
     const auto map_sixteens = [&](auto p_store) {
       for (; done + 16 <= p_count; done += 16) {
-        _mm_prefetch(reinterpret_cast<const char*>(p_values + std::min(done + FetchedAhead / sizeof(T), p_count - 1)),
-                     _MM_HINT_T0);
+        for (std::size_t i = 0; i < 16; i += Line / sizeof(T))
+          _mm_prefetch(
+              reinterpret_cast<const char*>(p_values + std::min(done + i + FetchedAhead / sizeof(T), p_count - 1)),
+              _MM_HINT_T0);
         // All four before any is stored: a cache line that is written in one go needs no reading.
         const __m128i colors[] = {four(p_values + done), four(p_values + done + 4), four(p_values + done + 8),
                                   four(p_values + done + 12)};
@@ -137,7 +138,6 @@ private:
           p_store(reinterpret_cast<__m128i*>(p_rgba + 4 * done) + i, colors[i]);
       }
     };
-    constexpr std::size_t Line = 64;
     const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(p_rgba) % Line;
     if (p_count > CachedBytes / 4 && misaligned % 4 == 0) {
       done = (Line - misaligned) % Line / 4;
@@ -161,7 +161,8 @@ private:
 
   std::vector<T> _thresholds;
   std::vector<std::uint32_t> _colors;
-  std::vector<Bucket> _buckets; ///< empty: search the thresholds
+  std::vector<T> _limits;                   ///< of each bucket, NaN where there is none; empty: search the thresholds
+  std::vector<std::uint32_t> _colors_below; ///< of the bucket's values below its limit; all others have the next one's
   std::variant<StepKey<T>, BitKey<T>> _key;
 };
 
