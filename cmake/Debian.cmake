@@ -1,5 +1,5 @@
 # Debian packages, made by scripts/package: the libraries, what one builds against them, the files of glyphs and pictures,
-# and the programs. What they depend on at run time is read from the binaries.
+# the programs, and the documentation. What they depend on at run time is read from the binaries.
 set(VEK_MAINTAINER "Vek.Chart.Library maintainers <maintainers@example.org>" CACHE STRING "Whom the packages name")
 
 set(CPACK_GENERATOR DEB)
@@ -10,7 +10,7 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
-set(CPACK_COMPONENTS_ALL runtime development data programs)
+set(CPACK_COMPONENTS_ALL runtime development data programs documentation)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
@@ -20,6 +20,14 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 
 file(WRITE ${PROJECT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/triggers)
+
+# Debian's own record of changes, which each package has; ours are in CHANGELOG.md.
+set(changelog ${PROJECT_BINARY_DIR}/changelog.Debian)
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
+file(WRITE ${changelog} "${CPACK_PACKAGE_NAME} (${PROJECT_VERSION}-1) unstable; urgency=medium\n
+  * Version ${PROJECT_VERSION}.\n
+ -- ${VEK_MAINTAINER}  ${date}\n")
+execute_process(COMMAND gzip -9nf ${changelog} COMMAND_ERROR_IS_FATAL ANY)
 
 set(version "(= ${PROJECT_VERSION}-1)")
 set(runtime libvek-chart${PROJECT_VERSION_MAJOR})
@@ -36,16 +44,22 @@ function(vek_debian_package component name section depends description)
   set(CPACK_DEBIAN_${key}_PACKAGE_DEPENDS "${depends}" PARENT_SCOPE)
   set(CPACK_COMPONENT_${key}_DESCRIPTION "${description}" PARENT_SCOPE)
   install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name} RENAME copyright COMPONENT ${component})
+  install(FILES ${changelog}.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name} COMPONENT ${component})
 endfunction()
 vek_debian_package(runtime ${runtime} libs ""
   "The shared libraries.\n Colours, glyphs, models, volumes and cuts, turned into what OpenGL draws.")
 vek_debian_package(development libvek-chart-dev libdevel
   "${runtime} ${version}, vek-chart-data ${version}, ${qt_dev}, libboost-dev"
-  "Development files.\n Headers, CMake and pkg-config files, and documentation.")
+  "Development files.\n Headers, and what CMake and pkg-config need to find them.")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libvek-chart-doc)
 vek_debian_package(data vek-chart-data science ""
   "Models and data.\n Models of the built-in glyphs, point sprites, and the gallery's data sets.")
 vek_debian_package(programs vek-chart-examples science "${runtime} ${version}, vek-chart-data ${version}, libegl-mesa0"
   "Gallery and viewer.\n Programs that draw all examples as pictures or in a window.")
-set(CPACK_DEBIAN_DATA_PACKAGE_ARCHITECTURE all)
-set(CPACK_DEBIAN_DATA_PACKAGE_SHLIBDEPS OFF)
+vek_debian_package(documentation libvek-chart-doc doc ""
+  "Documentation.\n The reference of all public names, with examples and pictures.")
+foreach(component DATA DOCUMENTATION)
+  set(CPACK_DEBIAN_${component}_PACKAGE_ARCHITECTURE all)
+  set(CPACK_DEBIAN_${component}_PACKAGE_SHLIBDEPS OFF)
+endforeach()
 include(CPack)

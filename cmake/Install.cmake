@@ -22,16 +22,21 @@ foreach(program vek-gallery vek-viewer)
   if(TARGET ${program})
     set_target_properties(${program} PROPERTIES INSTALL_RPATH $ORIGIN/${lib_from_bin})
     install(TARGETS ${program} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+    set(page ${CMAKE_CURRENT_BINARY_DIR}/${program}.1)
+    configure_file(docs/man/${program}.1 ${page} COPYONLY)
+    execute_process(COMMAND gzip -9nkf ${page} COMMAND_ERROR_IS_FATAL ANY)
+    install(FILES ${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)
   endif()
 endforeach()
 
 install(DIRECTORY platform algorithms library DESTINATION ${header_dir} COMPONENT development
   FILES_MATCHING PATTERN "*.h" PATTERN private EXCLUDE)
 install(DIRECTORY data symbols sprites DESTINATION ${share_dir} COMPONENT data)
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${doc_dir} COMPONENT development)
-install(DIRECTORY docs DESTINATION ${doc_dir} COMPONENT development
-  FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
-install(DIRECTORY build/docs/html DESTINATION ${doc_dir} COMPONENT development OPTIONAL) # where scripts/docs made it
+install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${doc_dir} COMPONENT documentation)
+install(DIRECTORY docs DESTINATION ${doc_dir} COMPONENT documentation FILES_MATCHING PATTERN "*.md" PATTERN "*.png"
+  PATTERN man EXCLUDE)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${doc_dir} COMPONENT documentation
+  OPTIONAL) # where the target vek-docs, or the test of the reference, has made it
 
 install(EXPORT VekChartLibraryTargets NAMESPACE Vek:: DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/VekChartLibraryConfig.cmake.in

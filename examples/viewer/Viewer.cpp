@@ -77,7 +77,7 @@ void TellNoDisplay(QtMsgType p_type, const QMessageLogContext&, const QString& p
     return;
   std::fprintf(stderr,
                "vek-viewer: no window can be opened. It needs a display (an X server or Wayland; is DISPLAY set?); "
-               "scripts/gallery draws all pictures without one.\n%s\n",
+               "vek-gallery draws all pictures without one.\n%s\n",
                qPrintable(p_text));
   _exit(ExitInput);
 }

@@ -18,11 +18,13 @@ run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/installed)
 file(RENAME ${WORK_DIR}/installed ${prefix})
 
 # What is there, and what is not.
-foreach(file bin/vek-gallery ${LIB_DIR}/libvek-platform.so.1 ${LIB_DIR}/libvek-chart-library.so.1
+foreach(file bin/vek-gallery share/man/man1/vek-gallery.1.gz
+    ${LIB_DIR}/libvek-platform.so.1 ${LIB_DIR}/libvek-chart-library.so.1
     include/vek-chart/library/ColorMap.h include/vek-chart/algorithms/Array.h share/vek-chart-library/symbols/Cone.obj
     share/vek-chart-library/sprites/symbol_star.png share/vek-chart-library/data/README.md
-    share/doc/vek-chart-library/LICENSE share/doc/vek-chart-library/docs/images/wind.png)
-  if(NOT EXISTS ${prefix}/${file} AND (EXAMPLES OR NOT file MATCHES "^bin/"))
+    share/doc/vek-chart-library/LICENSE share/doc/vek-chart-library/docs/images/wind.png
+    share/doc/vek-chart-library/html/index.html)
+  if(NOT EXISTS ${prefix}/${file} AND (EXAMPLES OR NOT file MATCHES "vek-gallery"))
     message(SEND_ERROR "not installed: ${file}")
   endif()
 endforeach()
