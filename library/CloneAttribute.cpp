@@ -1,7 +1,7 @@
 #include "library/CloneAttribute.h"
 
 #include "library/StreamWriter.h"
-#include "library/private/LargeVector.h"
+#include "library/private/GrowingDataWriter.h"
 #include "platform/data/QuantityUnit.h"
 #include "platform/data/VertexAttribute.h"
 #include "platform/data/VertexIndex.h"
@@ -156,13 +156,26 @@ void LogClone(const char* p_type, std::uint32_t p_count, std::size_t p_element_b
   out << "    bytes = " << std::to_string(std::uint64_t{p_count} * p_element_bytes) << std::endl;
 }
 
+/// What a source writes its elements to.
+template <class E>
+class CloneWriter final : public StreamWriterKind<E, Private::GrowingDataWriter<E>>::Base {
+  using Base = typename StreamWriterKind<E, Private::GrowingDataWriter<E>>::Base;
+
+public:
+  using Destination = typename Private::GrowingDataWriter<E>::Destination;
+  explicit CloneWriter(const Destination& p_dest)
+      : Base(p_dest) {}
+  void Finish() { this->_writer.Finish(); }
+};
+
 /// Lets the source write all its elements into a new vector.
 template <class E, class W>
 Elements<E> CopyElements(const W& p_source, std::uint32_t p_count) {
-  const Elements<E> elements = boost::make_shared<std::vector<E>>(Private::LargeVector<E>(p_count));
+  const Elements<E> elements = boost::make_shared<std::vector<E>>();
   if (p_count != 0) {
-    ContainerStreamWriter<std::vector<E>, ContainerOperations::StaticContainer, E> writer(*elements);
+    CloneWriter<E> writer({*elements, p_count});
     p_source.Write(writer);
+    writer.Finish();
   }
   return elements;
 }

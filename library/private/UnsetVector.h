@@ -4,33 +4,14 @@
 
 #include <boost/iterator/iterator_facade.hpp>
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
-#include <type_traits>
 #include <vector>
 
 namespace Vek::Chart::Library::Private {
 
-/// A vector of value-initialised elements in one allocation, in huge pages where it is large and the system has them.
-///
-/// They are copied block by block, which is as fast as memory; a vector makes small elements one by one, arrays of one
-/// byte ten times as slowly.
-template <class T>
-std::vector<T> LargeVector(std::size_t p_count) {
-  static_assert(std::is_trivially_copyable_v<T>);
-  static const std::array<T, 1 + 16384 / sizeof(T)> block{};
-  std::vector<T> elements;
-  ReserveLarge(elements, p_count);
-  while (elements.size() < p_count) {
-    const std::size_t count = std::min(block.size(), p_count - elements.size());
-    elements.insert(elements.end(), block.data(), block.data() + count);
-  }
-  return elements;
-}
-
-/// As LargeVector, but without touching the memory: its pages are taken from the system when they are written. `Unset`
-/// is a type of T's that it can be made from, and whose constructor leaves the members alone.
+/// A vector in one allocation whose memory is not touched: its pages, huge ones where it is large and the system has
+/// them, are taken from the system when they are written. `Unset` is a type that T can be made from by a constructor
+/// which leaves the members alone.
 template <class T, class Unset>
 std::vector<T> UnsetVector(std::size_t p_count) {
   struct Counter : boost::iterator_facade<Counter, const Unset, boost::random_access_traversal_tag> {
