@@ -239,7 +239,8 @@ private:
   static QString Coordinates(const Point& p_point) {
     QString text;
     for (const double part : {p_point.x, p_point.y, p_point.z})
-      text += (text.isEmpty() ? "" : ", ") + QString::number(part, 'f', 2).replace('-', QChar(0x2212));
+      text += (text.isEmpty() ? "" : ", ") +
+              QString::number(std::round(100 * part) / 100 + 0.0).replace('-', QChar(0x2212));
     return text;
   }
   static void DrawRay(Sketch& p_sketch, const Point& p_from, const Point& p_to, const Ray& p_ray) {
@@ -330,8 +331,8 @@ protected:
 
     const Camera start = StartCamera();
     Camera camera = p_view.camera; // the panels turn with the picture
-    camera.target = {};
-    camera.distance = 8;
+    camera.target = {0, 0, -0.08};
+    camera.distance = 8.4;
     camera.azimuth += 28 - start.azimuth;
     camera.field_of_view = 20;
     Panel(p_overlay, PlanesPart, "The line of two planes, within the box");
@@ -339,7 +340,8 @@ protected:
     _planes.Draw(planes, camera.Eye());
     Panel(p_overlay, RaysPart, "Rays and a plane");
     camera.azimuth -= 16;
-    camera.target = {0, 0, 0.2};
+    camera.target = {0, 0, 0.15};
+    camera.distance = 8;
     Sketch rays(p_gl, p_overlay, RaysPart, camera);
     _rays.Draw(rays);
     _rays.DrawResults(p_overlay, RaysPart.left, RaysPart.bottom - 24);

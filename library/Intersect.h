@@ -19,7 +19,7 @@ namespace Vek::Chart::Library {
 /// member says otherwise. `epsilon` below is the machine epsilon of double, 2^-52.
 ///
 /// \snippet DataSnippetsTest.cpp Intersect
-/// \image html volume.jpg
+/// \image html cuts.jpg
 /// \ingroup cuts
 class VEK_LIBRARY_API Intersect {
 public:

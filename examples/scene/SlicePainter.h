@@ -26,8 +26,8 @@ class SlicePainter {
 public:
   /// How values become colours.
   struct Look {
-    float low = 0;         ///< the values that get the first and the last colour
-    float high = 1;        ///<
+    float low = 0;         ///< the value of the first colour
+    float high = 1;        ///< the value of the last one
     float low_opacity = 1; ///< of the first colour; the last one is opaque
   };
 
