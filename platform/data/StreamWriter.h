@@ -80,18 +80,16 @@ public:
   unsigned int Components() const { return N; }
 };
 
-/// What a source of truth values writes to; writers answer queries for it.
-/// What a source of floating-point numbers writes to; writers answer queries for it.
+///@{
+/// What a source of truth values, of floating-point numbers or of indices writes to; writers answer queries for it.
 template <unsigned int N>
 class VEK_PLATFORM_API BoolAttributeStreamWriter : public AttributeStreamWriter<N, BoolStreamWriter> {
   static_assert(N == 1, "truth values come one at a time");
 };
-
-/// What a source of indices writes to; writers answer queries for it.
 template <unsigned int N>
 class VEK_PLATFORM_API FloatAttributeStreamWriter : public AttributeStreamWriter<N, FloatStreamWriter> {};
-
 template <unsigned int N>
 class VEK_PLATFORM_API IntegerAttributeStreamWriter : public AttributeStreamWriter<N, IntegerStreamWriter> {};
+///@}
 
 } // namespace Vek::Chart::DataInterface
