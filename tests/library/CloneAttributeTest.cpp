@@ -13,6 +13,7 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <set>
 #include <stdexcept>
 
@@ -44,6 +45,7 @@ struct Kind;
   struct Kind<VertexAttribute##p_n> {                                                                                  \
     using Element = boost::array<float, p_n>;                                                                          \
     using Writer = FloatAttributeStreamWriter<p_n>;                                                                    \
+    using OtherScalar = double;                                                                                        \
     static constexpr bool Measured = true;                                                                             \
     static constexpr const char* Name = "VertexAttribute" #p_n;                                                        \
     static constexpr const char* Raw =                                                                                 \
@@ -62,6 +64,7 @@ template <>
 struct Kind<VertexAttribute1B> {
   using Element = boost::array<unsigned char, 1>;
   using Writer = BoolAttributeStreamWriter<1>;
+  using OtherScalar = bool;
   static constexpr bool Measured = false;
   static constexpr const char* Name = "VertexAttribute1B";
   static constexpr const char* Raw = "Attribute1B(void) const @line93";
@@ -72,6 +75,7 @@ template <>
 struct Kind<VertexIndex> {
   using Element = boost::array<unsigned int, 1>;
   using Writer = IntegerAttributeStreamWriter<1>;
+  using OtherScalar = unsigned short;
   static constexpr bool Measured = false;
   static constexpr const char* Name = "VertexIndex";
   static constexpr const char* Raw = "Indices(enum Vek::Chart::DataInterface::VertexIndex::IndexType &) const @line310";
@@ -117,13 +121,13 @@ public:
     return offered.count(p_id) != 0;
   }
   AnyInterface QuerySupportedInterface(const InterfaceID& p_id) override {
-    return p_id == Order[0]   ? AnyInterface::Of<VertexAttribute1>(*this)
-           : p_id == Order[1] ? AnyInterface::Of<VertexAttribute1B>(*this)
-           : p_id == Order[2] ? AnyInterface::Of<VertexAttribute2>(*this)
-           : p_id == Order[3] ? AnyInterface::Of<VertexAttribute3>(*this)
-           : p_id == Order[4] ? AnyInterface::Of<VertexAttribute4>(*this)
-           : p_id == Order[5] ? AnyInterface::Of<VertexIndex>(*this)
-                              : AnyInterface::Of<QuantityUnit>(*this);
+    for (const AnyInterface& answer :
+         {AnyInterface::Of<VertexAttribute1>(*this), AnyInterface::Of<VertexAttribute1B>(*this),
+          AnyInterface::Of<VertexAttribute2>(*this), AnyInterface::Of<VertexAttribute3>(*this),
+          AnyInterface::Of<VertexAttribute4>(*this), AnyInterface::Of<VertexIndex>(*this)})
+      if (answer.ID() == p_id)
+        return answer;
+    return AnyInterface::Of<QuantityUnit>(*this);
   }
 };
 
@@ -208,12 +212,9 @@ private:
 };
 
 /// Opens the channel that clones are described on.
-class OpenChannel {
-public:
+struct OpenChannel {
   OpenChannel() { Utility::GetLogger().open("DataRepository"); }
   ~OpenChannel() { Utility::GetLogger().close("DataRepository"); }
-  OpenChannel(const OpenChannel&) = delete;
-  OpenChannel& operator=(const OpenChannel&) = delete;
 };
 
 template <class W>
@@ -336,13 +337,26 @@ TYPED_TEST(CloneOf, TakesWhatTheSourceWritesWithinItsCount) {
   }
 }
 
-TYPED_TEST(CloneOf, LetsExceptionsOfTheSourceThrough) {
+TYPED_TEST(CloneOf, ConvertsLongRuns) {
   using Element = typename Kind<TypeParam>::Element;
-  const Object source = MakeSource<TypeParam>(1000, [](auto& p_writer) {
-    const Element element{};
-    p_writer.Write(element.data(), Element::static_size);
-    throw std::runtime_error("the disk is gone");
-  });
+  using Scalar = typename Kind<TypeParam>::OtherScalar;
+  constexpr std::size_t N = Element::static_size, Count = 50000, Written = Count - 5;
+  const std::unique_ptr<Scalar[]> scalars(new Scalar[Count * N]);
+  std::vector<Element> expected(Count);
+  for (std::size_t i = 0; i < Written * N; ++i) {
+    scalars[i] = static_cast<Scalar>(i % 3 == 0 ? 0 : 0.1 + static_cast<double>(i % 40000));
+    expected[i / N][i % N] = static_cast<typename Element::value_type>(scalars[i]);
+  }
+  const auto write = [&](auto& p_writer) {
+    p_writer.Write(scalars.get(), N);
+    p_writer.Write(scalars.get() + N, (Written - 1) * N);
+  };
+  EXPECT_EQ(ElementsOf<TypeParam>(CloneAttribute(MakeSource<TypeParam>(Count, write))), expected);
+}
+
+TYPED_TEST(CloneOf, LetsExceptionsOfTheSourceThrough) {
+  const Object source = MakeSource<TypeParam>(
+      1000, [](auto& p_writer) { p_writer.Skip(1), throw std::runtime_error("the disk is gone"); });
   const ReportCapture reports;
   EXPECT_THROW(CloneAttribute(source), std::runtime_error);
   EXPECT_EQ(source.use_count(), 1);

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <limits>
 #include <random>
 #include <string>
@@ -243,127 +244,100 @@ public:
   explicit Dice(unsigned p_index)
       : _engine(p_index + 1) {}
   int Integer(int p_min, int p_max) { return p_min + static_cast<int>((_engine() >> 8) % (p_max - p_min + 1)); }
-  double Real(double p_min, double p_max) {
-    const double high = static_cast<double>(_engine());
-    return p_min + (p_max - p_min) * ((high * 0x1p22 + static_cast<double>(_engine() >> 9)) * 0x1p-53);
-  }
+  double Real(double p_min, double p_max) { return std::uniform_real_distribution<double>(p_min, p_max)(_engine); }
   /// 2 to a random power.
   double Power(int p_min, int p_max) { return std::ldexp(1.0, Integer(p_min, p_max)); }
-  Vector3 Reals(double p_min, double p_max) {
-    const std::array<double, 3> v{Real(p_min, p_max), Real(p_min, p_max), Real(p_min, p_max)}; // in this order
-    return {v[0], v[1], v[2]};
+  double OneOf(std::initializer_list<double> p_values) {
+    return p_values.begin()[Integer(0, static_cast<int>(p_values.size()) - 1)];
   }
+  double Special() {
+    return OneOf({0.0, -0.0, 1, -1, Inf, -Inf, NaN, 1e308, -1e308, 1e-308, 5e-324, -5e-324, 0.5, 1e17});
+  }
+  // Braces keep the order of the calls.
+  Vector3 Reals(double p_min, double p_max) { return {Real(p_min, p_max), Real(p_min, p_max), Real(p_min, p_max)}; }
   Vector3 Integers(int p_min, int p_max) {
-    const std::array<int, 3> v{Integer(p_min, p_max), Integer(p_min, p_max), Integer(p_min, p_max)};
-    return Vector3(v[0], v[1], v[2]);
+    return {1.0 * Integer(p_min, p_max), 1.0 * Integer(p_min, p_max), 1.0 * Integer(p_min, p_max)};
   }
-  Vector3 Specials() {
-    static const double values[] = {0.0,   -0.0,   1,      -1,     Inf,     -Inf, NaN,
-                                    1e308, -1e308, 1e-308, 5e-324, -5e-324, 0.5,  1e17};
-    const std::array<int, 3> v{Integer(0, 13), Integer(0, 13), Integer(0, 13)};
-    return {values[v[0]], values[v[1]], values[v[2]]};
-  }
+  Vector3 Specials() { return {Special(), Special(), Special()}; }
   Box RealBox(double p_size) {
     const Vector3 min = Reals(-p_size, p_size);
     return {min, min + Reals(0, p_size)};
   }
   Vector3 CornerOf(const Box& p_box) {
-    const int corner = Integer(0, 7);
-    return {(corner & 1) != 0 ? p_box.Min().x : p_box.Max().x, (corner & 2) != 0 ? p_box.Min().y : p_box.Max().y,
-            (corner & 4) != 0 ? p_box.Min().z : p_box.Max().z};
+    const Vector3 &a = p_box.Min(), &b = p_box.Max();
+    return {OneOf({a.x, b.x}), OneOf({a.y, b.y}), OneOf({a.z, b.z})};
   }
 
 private:
   std::minstd_rand _engine; // 31 bits a number, and cheap to seed
 };
 
-const struct {
+struct Family {
+  static CutCase Proper(Dice& d) { return {d.RealBox(10), d.Reals(-1, 1), d.Reals(-3, 3)}; }
+  static CutCase Corner(Dice& d) {
+    const Box box = d.RealBox(10);
+    const Vector3 hair = d.Reals(-1, 1) * (d.Integer(0, 1) * d.Power(-56, -40));
+    return {box, {d.CornerOf(box) + hair, d.Reals(-1, 1)}};
+  }
+  static CutCase ThreeCorners(Dice& d) {
+    const Box box = d.RealBox(10);
+    return {box, {d.CornerOf(box), d.CornerOf(box), d.CornerOf(box)}};
+  }
+  static CutCase Axis(Dice& d) { return {d.RealBox(10), {}, Vector3(0, 1, 0) + d.Reals(-1, 1) * d.Power(-60, -45)}; }
+  static CutCase Lattice(Dice& d) {
+    const Vector3 min = d.Integers(-2, 2);
+    return {{min, min + d.Integers(0, 3)}, {d.Integers(-2, 4), d.Integers(-2, 2)}};
+  }
+  static CutCase Inverted(Dice& d) {
+    const Vector3 min = d.Integers(-2, 2), size = d.Reals(-3, 3);
+    return {{min, min + size}, {min + size * 0.5, d.Reals(-2, 2)}};
+  }
+  static CutCase Tiny(Dice& d) {
+    return {d.RealBox(d.Power(d.Integer(0, 3) == 0 ? -1060 : -51, -20)), {}, d.Reals(-1, 1)};
+  }
+  static CutCase TinyFarOut(Dice& d) {
+    const Vector3 min = d.Reals(1000, 2000);
+    const Box box(min, min + d.Reals(0, 1) * d.Power(-45, -20));
+    return {box, {d.CornerOf(box), d.Reals(-1, 1)}};
+  }
+  static CutCase Huge(Dice& d) { return {d.RealBox(d.Power(40, 1022)), {}, d.Reals(-1, 1)}; }
+  static CutCase Normal(Dice& d) { return {d.RealBox(2), {}, d.Reals(-1, 1) * d.Power(-1073, 1023)}; }
+  static CutCase Zeros(Dice& d) {
+    const Vector3 zero(d.OneOf({0, -0.0}), d.OneOf({0, -0.0}), d.OneOf({0, -0.0}));
+    const Vector3 other = d.Integers(0, 1) * 2.0 - Vector3(1, 1, 1);
+    return {d.Integer(0, 1) == 0 ? Box(zero, other) : Box(other, zero), d.Reals(-0.7, 0.7), d.Reals(-1, 1)};
+  }
+  static CutCase Barely(Dice& d) {
+    const double scale = d.Power(-600, 600), hair = d.Integer(-1, 1) * d.Power(-54, -1);
+    const Vector3 normal = d.Reals(-1, 1), min = d.Reals(-1, 1);
+    const Box box(min * scale, (min + d.Reals(0, 1)) * scale);
+    const Vector3 support((normal.x > 0 ? box.Max() : box.Min()).x, (normal.y > 0 ? box.Max() : box.Min()).y,
+                          (normal.z > 0 ? box.Max() : box.Min()).z);
+    return {box, {support + normal * (hair * scale), normal * d.Power(-540, 500)}};
+  }
+  static CutCase Special(Dice& d) {
+    const Box box{d.Specials(), d.Specials()};
+    return {box, {d.Specials(), d.Integer(0, 1) == 0 ? d.Specials() : d.Reals(-1, 1)}};
+  }
+  static CutCase Empty(Dice& d) { return {Box(), {{}, d.Reals(-1, 1)}}; }
+
   const char* name;
   CutCase (*make)(Dice&);
-} Families[] = {
-    {"proper",
-     [](Dice& d) {
-       return CutCase{d.RealBox(10), d.Reals(-1, 1), d.Reals(-3, 3)};
-     }},
-    {"through a corner, or a hair off it",
-     [](Dice& d) {
-       const Box box = d.RealBox(10);
-       const Vector3 hair = d.Reals(-1, 1) * (d.Integer(0, 1) * d.Power(-56, -40));
-       return CutCase{box, {d.CornerOf(box) + hair, d.Reals(-1, 1)}};
-     }},
-    {"through three corners",
-     [](Dice& d) {
-       const Box box = d.RealBox(10);
-       const Vector3 a = d.CornerOf(box);
-       const Vector3 b = d.CornerOf(box);
-       return CutCase{box, {a, b, d.CornerOf(box)}};
-     }},
-    {"almost along an axis",
-     [](Dice& d) {
-       return CutCase{d.RealBox(10), {}, Vector3(0, 1, 0) + d.Reals(-1, 1) * d.Power(-60, -45)};
-     }},
-    {"on a lattice, often in a face",
-     [](Dice& d) {
-       const Vector3 min = d.Integers(-2, 2);
-       const Vector3 size = d.Integers(0, 3);
-       const Vector3 point = d.Integers(-2, 4);
-       return CutCase{{min, min + size}, {point, d.Integers(-2, 2)}};
-     }},
-    {"inverted box",
-     [](Dice& d) {
-       const Vector3 min = d.Integers(-2, 2);
-       const Vector3 size = d.Reals(-3, 3);
-       return CutCase{{min, min + size}, {min + size * 0.5, d.Reals(-2, 2)}};
-     }},
-    {"tiny box",
-     [](Dice& d) {
-       return CutCase{d.RealBox(d.Power(d.Integer(0, 3) == 0 ? -1060 : -51, -20)), {}, d.Reals(-1, 1)};
-     }},
-    {"tiny box far out",
-     [](Dice& d) {
-       const Vector3 min = d.Reals(1000, 2000);
-       const Box box(min, min + d.Reals(0, 1) * d.Power(-45, -20));
-       return CutCase{box, {d.CornerOf(box), d.Reals(-1, 1)}};
-     }},
-    {"huge box",
-     [](Dice& d) {
-       return CutCase{d.RealBox(d.Power(40, 1022)), {}, d.Reals(-1, 1)};
-     }},
-    {"extreme normal",
-     [](Dice& d) {
-       return CutCase{d.RealBox(2), {}, d.Reals(-1, 1) * d.Power(-1073, 1023)};
-     }},
-    {"zeros of both signs",
-     [](Dice& d) {
-       const double zeros[] = {0.0, -0.0};
-       const Vector3 zero(zeros[d.Integer(0, 1)], zeros[d.Integer(0, 1)], zeros[d.Integer(0, 1)]);
-       const Vector3 other = d.Integers(0, 1) * 2.0 - Vector3(1, 1, 1);
-       const Vector3 point = d.Reals(-0.7, 0.7);
-       return CutCase{d.Integer(0, 1) == 0 ? Box(zero, other) : Box(other, zero), point, d.Reals(-1, 1)};
-     }},
-    {"barely missing, or not, at any scale",
-     [](Dice& d) {
-       const double scale = d.Power(-600, 600);
-       const Vector3 normal = d.Reals(-1, 1);
-       const Vector3 min = d.Reals(-1, 1);
-       const Box box(min * scale, (min + d.Reals(0, 1)) * scale);
-       const Vector3 support((normal.x > 0 ? box.Max() : box.Min()).x, (normal.y > 0 ? box.Max() : box.Min()).y,
-                             (normal.z > 0 ? box.Max() : box.Min()).z);
-       const double hair = d.Integer(-1, 1) * d.Power(-54, -1);
-       return CutCase{box, {support + normal * (hair * scale), normal * d.Power(-540, 500)}};
-     }},
-    {"special numbers",
-     [](Dice& d) {
-       const Vector3 min = d.Specials();
-       const Vector3 max = d.Specials();
-       const Vector3 point = d.Specials();
-       return CutCase{{min, max}, {point, d.Integer(0, 1) == 0 ? d.Specials() : d.Reals(-1, 1)}};
-     }},
-    {"empty box",
-     [](Dice& d) {
-       return CutCase{Box(), {{}, d.Reals(-1, 1)}};
-     }},
 };
+const Family Families[] = {{"proper", Family::Proper},
+                           {"through a corner, or a hair off it", Family::Corner},
+                           {"through three corners", Family::ThreeCorners},
+                           {"almost along an axis", Family::Axis},
+                           {"on a lattice, often in a face", Family::Lattice},
+                           {"inverted box", Family::Inverted},
+                           {"tiny box", Family::Tiny},
+                           {"tiny box far out", Family::TinyFarOut},
+                           {"huge box", Family::Huge},
+                           {"extreme normal", Family::Normal},
+                           {"zeros of both signs", Family::Zeros},
+                           {"barely missing, or not, at any scale", Family::Barely},
+                           {"special numbers", Family::Special},
+                           {"empty box", Family::Empty}};
 
 TEST(IntersectBox, IsTheRuleBitForBit) {
   std::vector<Vector3> points;
