@@ -7,6 +7,7 @@
 #include "examples/scene/Glyphs.h"
 #include "examples/scene/HeightField.h"
 #include "examples/scene/Instances.h"
+#include "examples/scene/LeveledInstances.h"
 #include "examples/scene/Light.h"
 #include "examples/scene/MapAxes.h"
 #include "examples/scene/Overlay.h"
@@ -24,6 +25,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace Vek::Chart::Gallery {
 
@@ -82,11 +84,15 @@ public:
   void SetShape(std::size_t p_index) override {
     if (p_index < std::size(Markers))
       _shape = Markers[p_index].shape;
+    SetLevels();
   }
 
 protected:
   void Prepare(Utility::Scoped<Rgl>& p_gl) override {
-    _registry = std::make_unique<SymbolRegistry>(boost::make_shared<ModelCache>(p_gl.Handle()), _symbols);
+    const auto cache = boost::make_shared<ModelCache>(p_gl.Handle());
+    _registry = std::make_unique<SymbolRegistry>(cache, _symbols);
+    _coarse_spheres = CoarseSpheres(*cache);
+    SetLevels();
   }
 
   void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
@@ -97,19 +103,17 @@ protected:
     DrawStems(p_gl, p_world);
     const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
     p_gl->LineWidth(static_cast<float>(std::max(1.0, 2 * p_world.PointSize())));
-    const Mesh marker = MeshOf(*_registry, _shape);
-    _painter.Draw(p_gl, marker, _spheres, Colors());
-    _painter.Draw(p_gl, marker, _key_spheres, Colors());
-    DrawSurface(p_gl);
+    _spheres.Draw(p_gl, _painter, _levels, p_world, Colors());
+    _key_spheres.Draw(p_gl, _painter, _levels, p_world, Colors());
+    DrawSurface(p_gl, p_world);
   }
 
   /// The map lets what lies below shine through, so that is what one points at.
   void DrawDepths(Utility::Scoped<Rgl>& p_gl) override {
     _relief.DrawSurface(p_gl, _relief_colors);
     p_gl->Clear(RGL_DEPTH_BUFFER_BIT);
-    const Mesh marker = MeshOf(*_registry, _shape);
-    _painter.DrawDepths(p_gl, marker, _spheres);
-    _painter.DrawDepths(p_gl, marker, _key_spheres);
+    _spheres.DrawDepths(p_gl, _painter, _levels);
+    _key_spheres.DrawDepths(p_gl, _painter, _levels);
   }
 
   void DrawLegends(Utility::Scoped<Rgl>&, const View&, Overlay& p_overlay) override {
@@ -136,6 +140,14 @@ protected:
 private:
   Point PlaceOf(const Quake& p_quake) const {
     return _map.Place(p_quake.lon, p_quake.lat, -p_quake.depth * UnitsPerKilometre);
+  }
+
+  /// The models of the marker that is chosen, when there are models.
+  void SetLevels() {
+    if (!_registry)
+      return;
+    _levels = _shape == Model::Symbol::ShapeSphere ? _coarse_spheres : std::vector<ModelLevel>();
+    _levels.push_back({MeshOf(*_registry, _shape), std::numeric_limits<double>::infinity()});
   }
 
   std::vector<Instance> Spheres() const {
@@ -203,11 +215,11 @@ private:
   }
 
   /// Drawn last, so that the spheres below shine through.
-  void DrawSurface(Utility::Scoped<Rgl>& p_gl) const {
+  void DrawSurface(Utility::Scoped<Rgl>& p_gl, const View& p_world) const {
     const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_COLOR_BUFFER_BIT);
     p_gl->Enable(RGL_BLEND);
     p_gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
-    _relief.DrawSurface(p_gl, _relief_colors);
+    _relief.DrawSurface(p_gl, _relief_colors, p_world.camera.PixelsPerUnit(p_world.camera.target, p_world.viewport));
   }
 
   MapFrame _map{-25, 335, -70, 84}; ///< the Pacific with its rim of earthquakes in the middle
@@ -217,8 +229,10 @@ private:
   std::string _symbols; ///< the folder of the models
   std::unique_ptr<SymbolRegistry> _registry;
   InstancePainter _painter;
-  InstanceBuffers _spheres;
-  InstanceBuffers _key_spheres;
+  std::vector<ModelLevel> _coarse_spheres;
+  std::vector<ModelLevel> _levels; ///< of what marks an earthquake
+  LeveledInstances _spheres;
+  LeveledInstances _key_spheres;
   Model::Symbol::Shape _shape = Markers[0].shape;
   ColorMap _relief_colors = Relief::MutedColors(0.45, 1.7);
 };

@@ -177,7 +177,7 @@ private:
         styled.push_back(
             {ToScene(place), std::min(0.9, 0.26 * distance * _scale), std::min(1.0, Length(vector) / _fastest)});
       }
-      tubes.Add(styled);
+      tubes.Add(Thinned(styled));
       _heads.AddAlong(styled, 16, 3);
     }
     _tubes = tubes.TakeMesh();

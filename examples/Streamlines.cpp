@@ -52,8 +52,8 @@ public:
   void SetShape(std::size_t p_index) override { _heads.SetGlyph(p_index); }
 
 protected:
-  void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View&) override {
-    _ground.Draw(p_gl);
+  void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
+    _ground.Draw(p_gl, p_world);
     Light bright;
     bright.ambient = 0.55;
     const auto light = bright.Apply(p_gl);
@@ -101,7 +101,7 @@ private:
         mean += _wind.SpeedAt(place) / static_cast<double>(line.size());
       const bool is_tube = mean > calm;
       const std::vector<SweepPoint> styled = Styled(line, is_tube ? 1.0 : 1.5);
-      (is_tube ? tubes : ribbons).Add(styled);
+      (is_tube ? tubes : ribbons).Add(Thinned(styled));
       _heads.AddAtEnd(styled, is_tube ? 2.4 : 1.9);
       _heads.AddAlong(styled, 46, is_tube ? 2.4 : 1.9);
     }

@@ -63,9 +63,11 @@ protected:
   void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
     const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
     p_gl->LineWidth(static_cast<float>(std::max(1.0, 3 * p_world.PointSize())));
-    _ground.Draw(p_gl);
+    _ground.Draw(p_gl, p_world);
     DrawShadows(p_gl);
-    DrawReliefDepths(p_gl);
+    p_gl->Clear(RGL_DEPTH_BUFFER_BIT); // of the shadows
+    if (p_world.camera.Eye().z < _hover)
+      DrawReliefDepths(p_gl); // from above, the relief hides no glyph
     Light bright;
     bright.ambient = 0.62;
     const auto light = bright.Apply(p_gl);
@@ -111,7 +113,8 @@ private:
     instances.sizes = sizes.data();
     instances.tex_coords = values.data();
     // An anchor of a half centres the glyph.
-    VectorSymbol(p_glyph.shape, 16).OrientShapes(instances, 0.5, 1.0 / p_glyph.length, _glyphs);
+    const unsigned int slices = _columns > 24 ? 8 : 16; // round enough for so small ones
+    VectorSymbol(p_glyph.shape, slices).OrientShapes(instances, 0.5, 1.0 / p_glyph.length, _glyphs);
   }
 
   double KeySpeed() const { return _ground.Fastest() * 2 / 3; }
@@ -137,7 +140,6 @@ private:
   /// The relief hides what is behind it, though its colours stand already.
   void DrawReliefDepths(Utility::Scoped<Rgl>& p_gl) const {
     const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_COLOR_BUFFER_BIT);
-    p_gl->Clear(RGL_DEPTH_BUFFER_BIT);
     p_gl->Enable(RGL_DEPTH_TEST);
     p_gl->ColorMask(false, false, false, false);
     _ground.DrawRelief(p_gl);

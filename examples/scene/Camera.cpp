@@ -64,14 +64,21 @@ std::array<double, 16> Camera::ProjectionMatrix(double p_aspect) const {
 Camera::Pixel Camera::Project(const Point& p_point, const Types::Viewport<0>& p_viewport) const {
   const Frame axes = Axes(*this);
   const Point from_eye = p_point - Eye();
-  const double ahead = -Dot(from_eye, axes.back);
-  if (!(ahead > 0))
+  const double scale = PixelsPerUnit(p_point, p_viewport);
+  if (!(scale > 0))
     return {};
   const double width = static_cast<double>(p_viewport.width);
   const double height = static_cast<double>(p_viewport.height);
-  const double scale = height / 2 / std::tan(Angle::FromDegrees(field_of_view / 2).Radians()) / ahead;
   return {static_cast<double>(p_viewport.x) + width / 2 + Dot(from_eye, axes.right) * scale,
           static_cast<double>(p_viewport.y) + height / 2 + Dot(from_eye, axes.up) * scale, true};
+}
+
+double Camera::PixelsPerUnit(const Point& p_point, const Types::Viewport<0>& p_viewport) const {
+  const double ahead = Dot(Eye() - p_point, Axes(*this).back);
+  if (!(ahead > 0))
+    return 0;
+  const double height = static_cast<double>(p_viewport.height);
+  return height / 2 / std::tan(Angle::FromDegrees(field_of_view / 2).Radians()) / ahead;
 }
 
 Point Camera::Unproject(const Pixel& p_pixel, double p_depth, const Types::Viewport<0>& p_viewport) const {

@@ -33,6 +33,8 @@ struct Camera {
   std::array<double, 16> ViewMatrix() const;
   std::array<double, 16> ProjectionMatrix(double p_aspect) const;
   Pixel Project(const Types::Vector3_Base<double>& p_point, const Types::Viewport<0>& p_viewport) const;
+  /// How large a unit appears at a place; 0 behind the camera.
+  double PixelsPerUnit(const Types::Vector3_Base<double>& p_point, const Types::Viewport<0>& p_viewport) const;
 
   /// The place that appears at a pixel and has a depth there, 0 (near) to 1 (far), as a depth buffer holds it.
   Types::Vector3_Base<double> Unproject(const Pixel& p_pixel, double p_depth,

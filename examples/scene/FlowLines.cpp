@@ -2,9 +2,48 @@
 
 #include "library/VectorSymbol.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace Vek::Chart::Gallery {
 
 using Point = Types::Vector3_Base<double>;
+
+namespace {
+
+/// Whether the straight piece from one point to another passes by a third one between them.
+bool Covers(const SweepPoint& p_from, const SweepPoint& p_to, const SweepPoint& p_between) {
+  constexpr double Error = 0.05; // of the width
+  constexpr double ValueError = 0.01;
+  const Point along = p_to.position - p_from.position;
+  const Point way = p_between.position - p_from.position;
+  const double share = std::clamp(Dot(way, along) / std::max(Dot(along, along), 1e-300), 0.0, 1.0);
+  const auto at = [share](double p_a, double p_b) { return p_a + (p_b - p_a) * share; };
+  return Length(way - along * share) <= Error * p_between.width &&
+         std::abs(at(p_from.width, p_to.width) - p_between.width) <= Error * p_between.width &&
+         std::abs(at(p_from.value, p_to.value) - p_between.value) <= ValueError;
+}
+
+} // namespace
+
+std::vector<SweepPoint> Thinned(const std::vector<SweepPoint>& p_line) {
+  constexpr std::size_t Longest = 32; // points in a piece
+  std::vector<SweepPoint> thinned;
+  std::size_t from = 0;
+  for (std::size_t i = 0; i < p_line.size(); ++i) {
+    const auto begin = p_line.begin() + static_cast<std::ptrdiff_t>(from);
+    const std::size_t count = i - from; // to the point
+    const bool straight =
+        count > 0 && count < Longest && i + 1 < p_line.size() &&
+        std::all_of(begin + 1, begin + static_cast<std::ptrdiff_t>(count) + 1,
+                    [&](const SweepPoint& p_between) { return Covers(p_line[from], p_line[i + 1], p_between); });
+    if (straight)
+      continue;
+    thinned.push_back(p_line[i]);
+    from = i;
+  }
+  return thinned;
+}
 
 void ArrowHeads::AddAlong(const std::vector<SweepPoint>& p_line, double p_every, double p_size) {
   double arc = 0;

@@ -12,6 +12,10 @@
 
 namespace Vek::Chart::Gallery {
 
+/// The points of a line that its sweep needs: what it passes without the others differs by less than a twentieth of its
+/// width, and by less than a hundredth of the colours.
+std::vector<SweepPoint> Thinned(const std::vector<SweepPoint>& p_line);
+
 /// Arrow heads that tell which way lines run, as one layer of glyphs.
 class ArrowHeads {
 public:

@@ -18,16 +18,18 @@ Record ToRecord(const Types::Vector3_Base<double>& p_vector) {
   return {static_cast<float>(p_vector.x), static_cast<float>(p_vector.y), static_cast<float>(p_vector.z)};
 }
 
-/// Corner indices of the two triangles of each cell of a grid, counter-clockwise where x and y grow.
-std::vector<unsigned int> GridIndices(std::size_t p_columns, std::size_t p_rows) {
+/// Corner indices of the two triangles of each cell of a grid, counter-clockwise where x and y grow. A cell is
+/// `p_step` vertices wide and high, less at the upper borders where there are no more.
+std::vector<unsigned int> GridIndices(std::size_t p_columns, std::size_t p_rows, std::size_t p_step) {
   std::vector<unsigned int> indices;
-  indices.reserve(6 * (p_columns - 1) * (p_rows - 1));
-  const auto width = static_cast<unsigned int>(p_columns);
-  for (unsigned int row = 0; row + 1 < p_rows; ++row)
-    for (unsigned int column = 0; column + 1 < p_columns; ++column) {
-      const unsigned int corner = row * width + column;
-      indices.insert(indices.end(),
-                     {corner, corner + 1, corner + width + 1, corner, corner + width + 1, corner + width});
+  for (std::size_t row = 0; row + 1 < p_rows; row += p_step)
+    for (std::size_t column = 0; column + 1 < p_columns; column += p_step) {
+      const auto corner = [&](std::size_t p_right, std::size_t p_up) {
+        return static_cast<unsigned int>(std::min(row + p_up, p_rows - 1) * p_columns +
+                                         std::min(column + p_right, p_columns - 1));
+      };
+      indices.insert(indices.end(), {corner(0, 0), corner(p_step, 0), corner(p_step, p_step), corner(0, 0),
+                                     corner(p_step, p_step), corner(0, p_step)});
     }
   return indices;
 }
@@ -95,13 +97,18 @@ void Relief::BuildSurface(const HeightField& p_heights, const MapFrame& p_map) {
     }
   _base -= 2.5;
   const std::size_t count = positions.size();
-  std::vector<unsigned int> indices = GridIndices(_columns, _rows);
-  const std::size_t index_count = indices.size();
   _surface.SetVertices(Shared(std::move(positions)), count, 3, Ogl::VertexData::Float);
   _surface.SetNormals(Shared(std::move(normals)), count, 3, Ogl::VertexData::Float);
   _surface.SetTexCoords(Shared(std::move(colors)), count, 1, Ogl::VertexData::Float);
-  _surface.SetIndices(Shared(std::move(indices)), index_count, Ogl::VertexData::UnsignedInt);
   _surface.PrimitiveType() = Ogl::VertexBuffer::Triangles;
+  _coarse_surface = _surface;
+  const auto set_cells = [this](Ogl::VertexData& p_mesh, std::size_t p_step) {
+    std::vector<unsigned int> indices = GridIndices(_columns, _rows, p_step);
+    const std::size_t index_count = indices.size();
+    p_mesh.SetIndices(Shared(std::move(indices)), index_count, Ogl::VertexData::UnsignedInt);
+  };
+  set_cells(_surface, 1);
+  set_cells(_coarse_surface, 2);
 }
 
 void Relief::BuildSides() {
@@ -130,17 +137,19 @@ void Relief::BuildSides() {
   _sides.PrimitiveType() = Ogl::VertexBuffer::Quads;
 }
 
-void Relief::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) const {
-  DrawSurface(p_gl, p_colors);
+void Relief::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, double p_pixels_per_unit) const {
+  DrawSurface(p_gl, p_colors, p_pixels_per_unit);
   const auto guard = TextureScope(p_gl, p_colors);
   // The sides take one colour of the map, that of the deep sea.
   p_gl->TexCoord1d(0.1);
   _sides.Draw(p_gl);
 }
 
-void Relief::DrawSurface(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) const {
+void Relief::DrawSurface(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors,
+                         double p_pixels_per_unit) const {
+  constexpr double LargestCell = 4; // pixels
   const auto guard = TextureScope(p_gl, p_colors);
-  _surface.Draw(p_gl);
+  (2 * p_pixels_per_unit <= LargestCell ? _coarse_surface : _surface).Draw(p_gl);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -31,10 +31,10 @@ public:
   double Top() const { return _top; }
   double Base() const { return _base; }
 
-  /// Needs lighting (see Light); `p_colors` gives the colours.
-  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) const;
+  /// Needs lighting (see Light); `p_colors` gives the colours. The fewer pixels a unit has, the coarser it is drawn.
+  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, double p_pixels_per_unit = 100) const;
   /// Without the sides of the block.
-  void DrawSurface(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) const;
+  void DrawSurface(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, double p_pixels_per_unit = 100) const;
 
 private:
   void BuildSurface(const HeightField& p_heights, const MapFrame& p_map);
@@ -46,6 +46,7 @@ private:
   std::size_t _columns = 0;
   std::size_t _rows = 0;
   Ogl::VertexData _surface;
+  Ogl::VertexData _coarse_surface; ///< half as many cells along each side, of the same vertices
   Ogl::VertexData _sides;
 };
 

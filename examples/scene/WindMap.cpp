@@ -38,9 +38,9 @@ Camera WindMap::StartCamera(double p_distance) const {
   return camera;
 }
 
-void WindMap::Draw(Utility::Scoped<Rgl>& p_gl) const {
+void WindMap::Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) const {
   const auto light = Light().Apply(p_gl);
-  DrawRelief(p_gl);
+  _relief.Draw(p_gl, _relief_colors, p_view.camera.PixelsPerUnit(p_view.camera.target, p_view.viewport));
   DrawGraticule(p_gl, _map, 0);
 }
 

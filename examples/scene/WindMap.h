@@ -31,8 +31,8 @@ public:
   double Zoom() const { return _zoom; }
   Camera StartCamera(double p_distance) const;
 
-  /// The relief with the graticule on it, lit.
-  void Draw(Utility::Scoped<Rgl>& p_gl) const;
+  /// The relief with the graticule on it, lit, as fine as the view needs it.
+  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) const;
   /// The relief alone, with the light and the shader that are in use.
   void DrawRelief(Utility::Scoped<Rgl>& p_gl) const { _relief.Draw(p_gl, _relief_colors); }
   /// Degrees along the map, the bar of the speeds, and a title: of the monthly mean that comes with the gallery, or of

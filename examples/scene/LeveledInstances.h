@@ -1,0 +1,42 @@
+#pragma once
+
+#include "examples/scene/Instances.h"
+#include "examples/scene/Scene.h"
+
+#include "library/ModelCache.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace Vek::Chart::Gallery {
+
+/// A model that is fine enough for instances up to a size in the picture.
+struct ModelLevel {
+  Mesh mesh;
+  double most_pixels; ///< of an instance's size
+};
+
+/// Spheres of 20, 80 and 320 triangles, each up to the size at which its outline leaves the circle by a fifth of a
+/// pixel. Larger ones take what the caller adds.
+std::vector<ModelLevel> CoarseSpheres(Library::ModelCache& p_cache);
+
+/// Instances that are drawn as finely as they appear: thousands of dots do not cost the triangles of as many balls.
+class LeveledInstances {
+public:
+  explicit LeveledInstances(std::vector<Instance> p_instances);
+
+  /// Draws each instance with the first level that is fine enough for it, or with the last one.
+  void Draw(Utility::Scoped<Rgl>& p_gl, InstancePainter& p_painter, const std::vector<ModelLevel>& p_levels,
+            const View& p_view, const Library::ColorMap& p_colors);
+  /// Draws what the picture showed last; before the first one, all instances with the last level.
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl, InstancePainter& p_painter, const std::vector<ModelLevel>& p_levels);
+
+private:
+  void Take(const std::vector<std::size_t>& p_level_of, std::size_t p_count);
+
+  std::vector<Instance> _instances;
+  std::vector<std::size_t> _level_of;   ///< for each instance
+  std::vector<InstanceBuffers> _levels; ///< the instances of each
+};
+
+} // namespace Vek::Chart::Gallery
