@@ -9,6 +9,7 @@
 #include <QImage>
 #include <QString>
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <tuple>
@@ -19,10 +20,12 @@ namespace Vek::Chart::Gallery {
 /// being the size of the letters. Needs a QGuiApplication. Never empty.
 QImage TextImage(const QString& p_text, int p_pixels, bool p_bold, const QColor& p_color);
 
-/// Draws lines of text as textured quads; each text becomes a texture once. Its textures end with it, which must happen
-/// while the context is current.
+/// Draws lines of text as textured quads; each text becomes a texture once, until there are too many: texts may change
+/// with each movement of a mouse. Its textures end with it, which must happen while the context is current.
 class Lettering {
 public:
+  static constexpr std::size_t MostTextures = 256;
+
   struct Style {
     double size = 19; ///< in points
     QColor color;
