@@ -18,10 +18,11 @@ SceneView::SceneView(const Utility::Unscoped<Rgl>& p_gl, QWidget* p_parent)
     , _gl(p_gl) {
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
-  setMinimumSize(320, 200);
+  setMinimumSize(440, 275); // a narrow window takes room from the list, not from the picture
   _point_soon.setSingleShot(true);
   _point_soon.setInterval(0);
   connect(&_point_soon, &QTimer::timeout, this, &SceneView::Point);
+  connect(this, &QOpenGLWidget::frameSwapped, this, [this] { _paint_ms = _painting.elapsed(); });
 }
 
 SceneView::~SceneView() {
@@ -88,6 +89,7 @@ Gallery::View SceneView::View() const {
 }
 
 QImage SceneView::Picture() {
+  _is_moving = false;
   return grabFramebuffer().convertToFormat(QImage::Format_RGB32);
 }
 
@@ -122,6 +124,7 @@ void SceneView::resizeGL(int, int) {
 }
 
 void SceneView::paintGL() {
+  _painting.start();
   Utility::Scoped<Rgl> gl(_gl);
   const Gallery::View view = View();
   if (!DrawIncoming(gl) && _shown.scene && !Draw(gl, _shown, view))
@@ -149,7 +152,7 @@ bool SceneView::DrawIncoming(Utility::Scoped<Rgl>& p_gl) {
 bool SceneView::Draw(Utility::Scoped<Rgl>& p_gl, const Content& p_content, const Gallery::View& p_view) {
   const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_VIEWPORT_BIT);
   p_gl->Viewport(p_view.viewport);
-  if (p_content.about.true_pixels)
+  if (p_content.about.true_pixels || _is_moving)
     p_gl->Disable(RGL_MULTISAMPLE);
   try {
     p_content.scene->Draw(p_gl, p_view);
@@ -185,7 +188,16 @@ void SceneView::SurfacesChanged() {
   _point_soon.start(Rest);
 }
 
+void SceneView::Move() {
+  constexpr qint64 Slow = 40; // ms
+  _is_moving = _is_moving || _paint_ms > Slow;
+  SurfacesChanged();
+  update();
+}
+
 void SceneView::Point() {
+  if (std::exchange(_is_moving, false))
+    update();
   if (_pointer)
     emit Pointed(SurfaceAt(*_pointer));
 }
@@ -210,15 +222,13 @@ void SceneView::mouseMoveEvent(QMouseEvent* p_event) {
     _orbit.Orbit(moved);
   else if (buttons.testFlag(Qt::RightButton))
     _orbit.Zoom(-moved.y() / 24); // that many pixels are a notch of the wheel
-  SurfacesChanged();
-  update();
+  Move();
 }
 
 void SceneView::wheelEvent(QWheelEvent* p_event) {
   constexpr double Notch = 120;
   _orbit.Zoom(p_event->angleDelta().y() / Notch);
-  SurfacesChanged();
-  update();
+  Move();
 }
 
 void SceneView::leaveEvent(QEvent*) {

@@ -7,6 +7,7 @@
 #include "examples/scene/Scene.h"
 
 #include <QColor>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QOpenGLWidget>
 #include <QTimer>
@@ -20,8 +21,9 @@ namespace Vek::Chart::Viewer {
 /// Shows a scene in a window and lets a mouse move around it: the left button turns, the middle one (or shift and the
 /// left) slides, the right one and the wheel come nearer. Without a button, the surface below the pointer is told.
 ///
-/// It draws when something has changed, and only then. The GL objects of scenes are released with the widget's context
-/// current: when another scene comes, and when the context goes.
+/// It draws when something has changed, and only then. While a hand moves the camera of a scene that takes long to
+/// draw, edges are not smoothed. The GL objects of scenes are released with the widget's context current: when another
+/// scene comes, and when the context goes.
 class SceneView : public QOpenGLWidget {
   Q_OBJECT
 public:
@@ -83,6 +85,8 @@ private:
   bool DrawIncoming(Utility::Scoped<Rgl>& p_gl);
   /// False when drawing threw, which is told.
   bool Draw(Utility::Scoped<Rgl>& p_gl, const Content& p_content, const Gallery::View& p_view);
+  /// A hand moves the camera.
+  void Move();
   /// Continues the background of pictures above and below one.
   void DrawAround(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_picture) const;
   void SurfacesChanged();
@@ -96,6 +100,9 @@ private:
   QTimer _point_soon;              ///< once for all moves of the pointer that wait in the queue
   std::optional<QPointF> _pointer; ///< while it is above the widget
   QPointF _drag_from;
+  bool _is_moving = false; ///< the picture is to come soon, rather than smooth
+  QElapsedTimer _painting;
+  qint64 _paint_ms = 0; ///< how long the last picture took
 };
 
 } // namespace Vek::Chart::Viewer

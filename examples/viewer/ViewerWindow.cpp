@@ -108,6 +108,7 @@ void ViewerWindow::AddStatusBar() {
   };
   connect(_reports, &ReportPanel::CountChanged, this, tell);
   tell(_reports->Count());
+  _reports->hide(); // until there is something to read
   statusBar()->addPermanentWidget(count);
 }
 
