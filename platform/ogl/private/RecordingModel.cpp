@@ -2,7 +2,6 @@
 
 #include "platform/ogl/private/RecordingState.h"
 #include "platform/ogl/private/RecordingText.h"
-#include "platform/types/Matrix.h"
 
 #include <algorithm>
 
@@ -78,98 +77,26 @@ void Model::Normal3d(double p_x, double p_y, double p_z) {
 
 // Matrices
 
-namespace {
-
-constexpr Matrix g_identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-constexpr std::size_t g_most_matrices = 32;
-constexpr std::size_t g_most_groups = 16;
-
-} // namespace
-
-std::vector<Matrix>& Model::Matrices() {
-  std::vector<Matrix>& stack = _context.matrices[static_cast<GlEnum>(One(RGL_MATRIX_MODE))];
-  if (stack.empty())
-    stack.push_back(g_identity);
-  return stack;
-}
-
-const std::vector<Matrix>& Model::Matrices(GlEnum p_mode) const {
-  static const std::vector<Matrix> untouched = {g_identity};
-  const auto found = _context.matrices.find(p_mode);
-  return found == _context.matrices.end() ? untouched : found->second;
-}
-
 void Model::MatrixMode(GlEnum p_mode) {
   if (p_mode != RGL_MODELVIEW && p_mode != RGL_PROJECTION && p_mode != RGL_TEXTURE)
     return Complain("MatrixMode: " + Name(p_mode) + " is no matrix");
   Set(RGL_MATRIX_MODE, {double(p_mode)});
 }
 
-void Model::LoadIdentity() {
-  Matrices().back() = g_identity;
-}
-
-void Model::LoadMatrixd(const double* p_elements) {
-  std::copy_n(p_elements, 16, Matrices().back().begin());
-}
-
-void Model::MultMatrixd(const double* p_elements) {
-  Matrix right;
-  std::copy_n(p_elements, 16, right.begin());
-  Multiply(right);
-}
-
-void Model::Multiply(const Matrix& p_right) {
-  Matrix& top = Matrices().back();
-  const Matrix left = top;
-  for (std::size_t column = 0; column < 4; ++column)
-    for (std::size_t row = 0; row < 4; ++row) {
-      double sum = 0;
-      for (std::size_t k = 0; k < 4; ++k)
-        sum += left[k * 4 + row] * p_right[column * 4 + k];
-      top[column * 4 + row] = sum;
-    }
-}
-
 void Model::PushMatrix() {
-  std::vector<Matrix>& stack = Matrices();
-  if (stack.size() >= g_most_matrices)
-    return Complain("PushMatrix: more than " + std::to_string(g_most_matrices) + " matrices");
-  stack.push_back(Matrix(stack.back()));
+  if (const std::string fault = _context.matrices.Push(CurrentMode()); !fault.empty())
+    Complain("PushMatrix: " + fault);
 }
 
 void Model::PopMatrix() {
-  std::vector<Matrix>& stack = Matrices();
-  if (stack.size() == 1)
-    return Complain("PopMatrix: without PushMatrix");
-  stack.pop_back();
-}
-
-void Model::Translated(double p_x, double p_y, double p_z) {
-  Multiply({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, p_x, p_y, p_z, 1});
-}
-
-void Model::Scaled(double p_x, double p_y, double p_z) {
-  Multiply({p_x, 0, 0, 0, 0, p_y, 0, 0, 0, 0, p_z, 0, 0, 0, 0, 1});
-}
-
-void Model::Rotated(double p_degrees, double p_x, double p_y, double p_z) {
-  const Types::Matrix3 columns =
-      Types::Matrix3::Rotation(Types::Angle::FromDegrees(p_degrees), {p_x, p_y, p_z}).Transposed();
-  const auto x = columns.Row(0);
-  const auto y = columns.Row(1);
-  const auto z = columns.Row(2);
-  Multiply({x.x, x.y, x.z, 0, y.x, y.y, y.z, 0, z.x, z.y, z.z, 0, 0, 0, 0, 1});
+  if (const std::string fault = _context.matrices.Pop(CurrentMode()); !fault.empty())
+    Complain("PopMatrix: " + fault);
 }
 
 void Model::Ortho(double p_left, double p_right, double p_bottom, double p_top, double p_near, double p_far) {
-  const double width = p_right - p_left;
-  const double height = p_top - p_bottom;
-  const double depth = p_far - p_near;
-  if (width == 0 || height == 0 || depth == 0)
+  if (p_left == p_right || p_bottom == p_top || p_near == p_far)
     return Complain("Ortho: an empty volume");
-  Multiply({2 / width, 0, 0, 0, 0, 2 / height, 0, 0, 0, 0, -2 / depth, 0, -(p_right + p_left) / width,
-            -(p_top + p_bottom) / height, -(p_far + p_near) / depth, 1});
+  Multiply(OrthoMatrix(p_left, p_right, p_bottom, p_top, p_near, p_far));
 }
 
 // State variables
@@ -252,6 +179,8 @@ void Model::PointSize(float p_size) {
 
 namespace {
 
+constexpr std::size_t g_most_groups = 16;
+
 bool Saves(GlBitfield p_mask, bool p_client, std::uint64_t p_key) {
   const StateVariable* const variable = FindStateVariable(static_cast<GlEnum>(p_key));
   return variable != nullptr && variable->client == p_client && (variable->groups & p_mask) != 0;
@@ -303,18 +232,21 @@ const unsigned char* Model::GetString(GlEnum p_name) {
 }
 
 std::optional<Model::Values> Model::Query(GlEnum p_name) const {
-  const auto of_matrix = [](const Matrix& p_matrix) { return Values(p_matrix.begin(), p_matrix.end()); };
+  const auto matrix = [this](GlEnum p_mode) {
+    const Matrix& top = _context.matrices.Top(p_mode);
+    return Values(top.begin(), top.end());
+  };
   switch (p_name) {
   case RGL_MODELVIEW_MATRIX:
-    return of_matrix(Matrices(RGL_MODELVIEW).back());
+    return matrix(RGL_MODELVIEW);
   case RGL_PROJECTION_MATRIX:
-    return of_matrix(Matrices(RGL_PROJECTION).back());
+    return matrix(RGL_PROJECTION);
   case RGL_TEXTURE_MATRIX:
-    return of_matrix(Matrices(RGL_TEXTURE).back());
+    return matrix(RGL_TEXTURE);
   case RGL_MODELVIEW_STACK_DEPTH:
-    return Values{double(Matrices(RGL_MODELVIEW).size())};
+    return Values{double(_context.matrices.Depth(RGL_MODELVIEW))};
   case RGL_PROJECTION_STACK_DEPTH:
-    return Values{double(Matrices(RGL_PROJECTION).size())};
+    return Values{double(_context.matrices.Depth(RGL_PROJECTION))};
   case RGL_ATTRIB_STACK_DEPTH:
     return Values{double(_context.attribute_stack.size())};
   case RGL_CLIENT_ATTRIB_STACK_DEPTH:
@@ -379,11 +311,9 @@ void Model::EndList() {
   if (_before_list) {
     if (_context.attribute_stack.size() != _before_list->attribute_stack.size())
       Complain("EndList: PushAttrib and PopAttrib are not balanced in the list");
-    for (const GlEnum mode : {RGL_MODELVIEW, RGL_PROJECTION, RGL_TEXTURE}) {
-      const auto before = _before_list->matrices.find(mode);
-      if (Matrices(mode).size() != (before == _before_list->matrices.end() ? 1 : before->second.size()))
+    for (const GlEnum mode : {RGL_MODELVIEW, RGL_PROJECTION, RGL_TEXTURE})
+      if (_context.matrices.Depth(mode) != _before_list->matrices.Depth(mode))
         Complain("EndList: PushMatrix and PopMatrix are not balanced in the list");
-    }
     // What the client holds was changed at once.
     for (const auto& [key, values] : _context.variables)
       if (const StateVariable* const variable = FindStateVariable(static_cast<GlEnum>(key));
@@ -432,9 +362,8 @@ std::vector<std::string> Model::Leftovers() const {
     texts.push_back("Begin(" + EnumText(*_primitive, false, "p_mode") + ") without End");
   if (_list != 0)
     texts.push_back("NewList(" + std::to_string(_list) + ") without EndList");
-  for (const auto& [mode, stack] : _context.matrices)
-    if (stack.size() > 1)
-      texts.push_back("PushMatrix without PopMatrix: " + std::to_string(stack.size() - 1) + " of " + Name(mode));
+  for (const auto& [mode, count] : _context.matrices.Unpopped())
+    texts.push_back("PushMatrix without PopMatrix: " + std::to_string(count) + " of " + Name(mode));
   if (!_context.attribute_stack.empty())
     texts.push_back("PushAttrib without PopAttrib: " + std::to_string(_context.attribute_stack.size()));
   if (!_client_stack.empty())

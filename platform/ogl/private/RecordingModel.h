@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ogl/RecordingGl.h"
+#include "platform/ogl/private/RecordingMatrices.h"
 
 #include <algorithm>
 #include <array>
@@ -31,8 +32,6 @@ private:
   }
 };
 
-using Matrix = std::array<double, 16>; ///< column by column, as GL has it
-
 /// What `RecordingGl` knows of a context. Functions of GL that it simulates hide those of Defaults; every other one
 /// passes without effect.
 class Model : public Defaults {
@@ -47,14 +46,16 @@ public:
 
   // Matrices.
   void MatrixMode(GlEnum p_mode);
-  void LoadIdentity();
-  void LoadMatrixd(const double* p_elements);
-  void MultMatrixd(const double* p_elements);
+  void LoadIdentity() { _context.matrices.Load(CurrentMode(), IdentityMatrix()); }
+  void LoadMatrixd(const double* p_elements) { _context.matrices.Load(CurrentMode(), MatrixOf(p_elements)); }
+  void MultMatrixd(const double* p_elements) { Multiply(MatrixOf(p_elements)); }
   void PushMatrix();
   void PopMatrix();
-  void Translated(double p_x, double p_y, double p_z);
-  void Scaled(double p_x, double p_y, double p_z);
-  void Rotated(double p_degrees, double p_x, double p_y, double p_z);
+  void Translated(double p_x, double p_y, double p_z) { Multiply(TranslationMatrix(p_x, p_y, p_z)); }
+  void Scaled(double p_x, double p_y, double p_z) { Multiply(ScalingMatrix(p_x, p_y, p_z)); }
+  void Rotated(double p_degrees, double p_x, double p_y, double p_z) {
+    Multiply(RotationMatrix(p_degrees, p_x, p_y, p_z));
+  }
   void Ortho(double p_left, double p_right, double p_bottom, double p_top, double p_near, double p_far);
 
   // State.
@@ -234,7 +235,7 @@ private:
   /// What a display list must not change while it is compiled.
   struct Context {
     Variables variables;
-    std::map<GlEnum, std::vector<Matrix>> matrices;
+    MatrixStacks matrices;
     std::vector<AttributeGroup> attribute_stack;
   };
 
@@ -247,9 +248,8 @@ private:
   void Pop(std::vector<AttributeGroup>& p_stack, const std::string& p_call);
 
   void CountVertex(const std::string& p_call);
-  std::vector<Matrix>& Matrices();
-  const std::vector<Matrix>& Matrices(GlEnum p_mode) const;
-  void Multiply(const Matrix& p_right);
+  GlEnum CurrentMode() const { return static_cast<GlEnum>(One(RGL_MATRIX_MODE)); }
+  void Multiply(const Matrix& p_right) { _context.matrices.Multiply(CurrentMode(), p_right); }
 
   // Objects: which names of each kind exist.
   void Generate(const std::string& p_kind, int p_count, unsigned int* p_names);
