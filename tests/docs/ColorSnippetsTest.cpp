@@ -8,21 +8,16 @@
 #include "library/Style.h"
 #include "library/Texture.h"
 #include "tests/support/PixelFixture.h"
-#include "tests/support/ReportCapture.h"
 
 #include <limits>
 
 using namespace Vek::Chart;
 using namespace Vek::Chart::Library;
-using Vek::Test::PixelAt;
 using Vek::Test::SameColor;
 
 namespace {
 
-class ColorSnippetPixels : public Vek::Test::PixelFixture {
-protected:
-  Utility::Scoped<Rgl> gl{Handle()};
-};
+using ColorSnippetPixels = Vek::Test::PixelScopeFixture;
 
 /// A rectangle over the whole frame.
 void DrawFrame(Utility::Scoped<Rgl>& p_gl) {
@@ -46,8 +41,8 @@ TEST_F(ColorSnippetPixels, ColorMap) {
   gl->End();
   //! [ColorMap]
   EXPECT_TRUE(SameColor(legend.rgba(), QColor(127, 127, 255), 1));
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 0, 18), Qt::blue, 5));
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 60, 18), Qt::red, 5));
+  EXPECT_TRUE(SameColor(At(0, 18).rgba(), Qt::blue, 5));
+  EXPECT_TRUE(SameColor(At(60, 18).rgba(), Qt::red, 5));
 }
 
 TEST(ColorSnippets, Weights) {
@@ -66,33 +61,6 @@ TEST(ColorSnippets, Segments) {
   const QColor middle = map.Color(1.0 / 3); // red: the first segment has the weight 1, the second 2
   //! [Segments]
   EXPECT_TRUE(SameColor(middle.rgba(), Qt::red, 1));
-}
-
-// What the page about colours says of look-ups on the edge, and of weights that are left out.
-TEST(ColorSnippets, Rules) {
-  Vek::Test::ReportCapture reports;
-  const auto left = [](const std::vector<double>& p_weights) {
-    return ColorMap({Qt::red, Qt::green, Qt::blue}, p_weights, ColorMap::Discrete).Weightings();
-  };
-  EXPECT_EQ(left({1, 0, 2}), (std::vector<double>{1, 2}));
-  EXPECT_TRUE(reports.Texts().empty()) << "a weight of 0 is no fault";
-  EXPECT_EQ(left({1, -1, 2}), (std::vector<double>{1, 2}));
-  EXPECT_EQ(left({1, std::numeric_limits<double>::quiet_NaN(), 2}), (std::vector<double>{1, 2}));
-  ASSERT_EQ(reports.Texts().size(), 2U);
-  EXPECT_EQ(reports.Texts().front().substr(0, 9), "WARNING: ");
-  EXPECT_EQ(left({0, 0, 0}), (std::vector<double>{1, 1, 1}));
-  reports.Clear();
-  EXPECT_EQ(left({1, 2}), (std::vector<double>{1, 2}));
-  EXPECT_EQ(left({1, 2, 3, 4}), (std::vector<double>{1, 2, 3}));
-  EXPECT_EQ(reports.Texts().size(), 2U);
-
-  const ColorMap map({Qt::black, Qt::white}, ColorMap::Interpolated);
-  const QImage texels = ColorMap(map).GetImage();
-  const double last = map.Size() - 1;
-  EXPECT_EQ(map.Color(0.999999).rgba(), texels.pixel(static_cast<int>(last) - 1, 0)) << "only 1 gives the last texel";
-  EXPECT_EQ(map.Color(1.0).rgba(), texels.pixel(static_cast<int>(last), 0));
-  EXPECT_EQ(map.Color(-1).rgba(), map.Color(0xFFFFFFFFU).rgba());
-  EXPECT_EQ(ColorMap({}, ColorMap::Discrete).Color(0.5).alpha(), 0);
 }
 
 TEST(ColorSnippets, LookUps) {
@@ -172,10 +140,10 @@ TEST_F(ColorSnippetPixels, ColorAtlas) {
   gl->TexCoord(coordinate(body).x + offset.x, coordinate(body).y + offset.y);
   //! [ColorAtlas]
   DrawFrame(gl);
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 30, 18), Qt::blue));
+  EXPECT_EQ(At(30, 18), QColor(Qt::blue));
   gl->TexCoord(coordinate(edge).x, coordinate(edge).y);
   DrawFrame(gl);
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 30, 18), Qt::black));
+  EXPECT_EQ(At(30, 18), QColor(Qt::black));
 }
 
 TEST_F(ColorSnippetPixels, Texture) {
@@ -188,7 +156,7 @@ TEST_F(ColorSnippetPixels, Texture) {
   gl->Color(Qt::green); // tints it
   //! [Texture]
   DrawFrame(gl);
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 30, 18), Qt::green));
+  EXPECT_EQ(At(30, 18), QColor(Qt::green));
 }
 
 TEST_F(ColorSnippetPixels, Pattern) {
@@ -217,8 +185,8 @@ TEST_F(ColorSnippetPixels, Style) {
   if (Style::HasFill(style))
     Style::DrawInternal(style, gl, draw);
   //! [Style]
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 30, 4), Qt::red));
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 30, 5), Qt::yellow));
+  EXPECT_EQ(At(30, 4), QColor(Qt::red));
+  EXPECT_EQ(At(30, 5), QColor(Qt::yellow));
 }
 
 } // namespace

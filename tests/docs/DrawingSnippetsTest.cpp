@@ -18,20 +18,12 @@
 
 using namespace Vek::Chart;
 using namespace Vek::Chart::Library;
-using Vek::Test::PixelAt;
-using Vek::Test::SameColor;
 
 namespace {
 
 constexpr Types::Viewport<0> Window(0, 0, 61, 37);
 
-class DrawingSnippetPixels : public Vek::Test::PixelFixture {
-protected:
-  QColor At(int p_x, int p_y) const { return QColor::fromRgba(PixelAt(Image(), p_x, p_y)); }
-
-  const Utility::Unscoped<Rgl>& handle = Handle();
-  Utility::Scoped<Rgl> gl{handle};
-};
+using DrawingSnippetPixels = Vek::Test::PixelScopeFixture;
 
 TEST_F(DrawingSnippetPixels, Geometry) {
   //! [Geometry]

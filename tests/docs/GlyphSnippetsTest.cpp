@@ -8,6 +8,7 @@
 #include "platform/ogl/BufferDraw.h"
 #include "platform/ogl/ShaderProgram.h"
 #include "tests/support/PixelFixture.h"
+#include "tests/support/Surface.h"
 #include "tests/support/TempFolder.h"
 
 #include <fstream>
@@ -16,26 +17,12 @@ using namespace Vek::Chart;
 using namespace Vek::Chart::Library;
 using Types::Matrix3;
 using Point = Types::Vector3_Base<double>;
-using Vek::Test::PixelAt;
-using Vek::Test::SameColor;
 
 namespace {
 
-class GlyphSnippetPixels : public Vek::Test::PixelFixture {
-protected:
-  QColor At(int p_x, int p_y) const { return QColor::fromRgba(PixelAt(Image(), p_x, p_y)); }
+using GlyphSnippetPixels = Vek::Test::PixelScopeFixture;
 
-  const Utility::Unscoped<Rgl>& handle = Handle();
-  Utility::Scoped<Rgl> gl{handle};
-};
-
-Types::BoundingBox_Base<double> BoundsOf(const Ogl::VertexData& p_data) {
-  Types::BoundingBox_Base<double> bounds;
-  const float* const xyz = p_data.Vertices().As<float>();
-  for (std::size_t i = 0; i < p_data.Vertices().count; ++i)
-    bounds += Point(xyz[3 * i], xyz[3 * i + 1], xyz[3 * i + 2]);
-  return bounds;
-}
+const char* const Ship = "v -1 -1 0\nv 1 -1 0\nv 0 1 0\nf 1 2 3\n";
 
 TEST_F(GlyphSnippetPixels, VectorSymbol) {
   const double speed = 0.5;
@@ -60,8 +47,9 @@ TEST(GlyphSnippets, ArrowLength) {
   Ogl::VertexData data;
   arrow.OrientShape(speed, 0, {10, 0, 0}, false, 0, scale, toEast, data); // from x = 10 to 10 + 12 × 0.25 = 13
   //! [ArrowLength]
-  EXPECT_NEAR(BoundsOf(data).Min().x, 10, 1e-5);
-  EXPECT_NEAR(BoundsOf(data).Max().x, 13, 1e-5);
+  const auto bounds = Vek::Test::BoundsOf(Vek::Test::VectorsOf(data.Vertices()));
+  EXPECT_NEAR(bounds.Min().x, 10, 1e-5);
+  EXPECT_NEAR(bounds.Max().x, 13, 1e-5);
 }
 
 TEST(GlyphSnippets, Frame) {
@@ -74,37 +62,6 @@ TEST(GlyphSnippets, Frame) {
   //! [Frame]
   EXPECT_NEAR(Types::Length(frame * Point(0, 0, 3) - direction), 0, 1e-12);
   EXPECT_NEAR(Types::Dot(Types::Cross(side, Types::Cross(axis, side)), axis), 1, 1e-12) << "not mirrored";
-}
-
-// The table on the page about glyphs.
-TEST(GlyphSnippets, Extents) {
-  constexpr double third = 1.0 / 3;
-  const struct {
-    Model::Symbol::Shape shape;
-    Point min, max;
-  } cases[] = {
-      {Model::Symbol::ShapeArrowHead1D, {-third, 0, 0}, {third, 0, 1}},
-      {Model::Symbol::ShapeArrow1D, {-third, 0, 0}, {third, 0, 3}},
-      {Model::Symbol::ShapeArrowHead2D, {-third, 0, 0}, {third, 0, 1}},
-      {Model::Symbol::ShapeArrow2D, {-third, 0, 0}, {third, 0, 3}},
-      {Model::Symbol::ShapePlane, {-0.5, -0.5, 0}, {0.5, 0.5, 0}},
-      {Model::Symbol::ShapeArrowHead3D, {-third, -third, 0}, {third, third, 1}},
-      {Model::Symbol::ShapeArrow3D, {-third, -third, 0}, {third, third, 3}},
-      {Model::Symbol::ShapeCylinder, {-0.5, -0.5, -0.5}, {0.5, 0.5, 0.5}},
-      {Model::Symbol::ShapeCone, {-0.5, -0.5, 0}, {0.5, 0.5, 1}},
-      {Model::Symbol::ShapeCrosshair, {-0.5, -0.5, -0.5}, {0.5, 0.5, 0.5}},
-      {Model::Symbol::ShapeCube, {-0.5, -0.5, -0.5}, {0.5, 0.5, 0.5}},
-      {Model::Symbol::ShapeSphere, {-0.5, -0.5, -0.5}, {0.5, 0.5, 0.5}},
-  };
-  for (const auto& row : cases) {
-    Ogl::VertexData data;
-    ASSERT_TRUE(VectorSymbol(row.shape, 64).BuildShape(data)) << row.shape;
-    const Types::BoundingBox_Base<double> bounds = BoundsOf(data);
-    EXPECT_LT(Types::Length(bounds.Min() - row.min), 1e-6)
-        << row.shape << ": " << bounds.Min().x << ' ' << bounds.Min().y << ' ' << bounds.Min().z;
-    EXPECT_LT(Types::Length(bounds.Max() - row.max), 1e-6)
-        << row.shape << ": " << bounds.Max().x << ' ' << bounds.Max().y << ' ' << bounds.Max().z;
-  }
 }
 
 TEST(GlyphSnippets, Layer) {
@@ -190,7 +147,7 @@ TEST(GlyphSnippets, ObjModel) {
 
 TEST_F(GlyphSnippetPixels, ModelCacheAndBufferDraw) {
   const Vek::Test::TempFolder folder;
-  const std::string file = folder.Write("ship.obj", "v -1 -1 0\nv 1 -1 0\nv 0 1 0\nf 1 2 3\n");
+  const std::string file = folder.Write("ship.obj", Ship);
   //! [ModelCache]
   ModelCache cache(handle);
   const std::size_t ship = cache.Register(file); // reads it, once
@@ -216,7 +173,7 @@ TEST_F(GlyphSnippetPixels, ModelCacheAndBufferDraw) {
 
 TEST_F(GlyphSnippetPixels, SymbolRegistry) {
   const Vek::Test::TempFolder folder;
-  const vekfile::filepath ship = folder.Write("ship.obj", "v -1 -1 0\nv 1 -1 0\nv 0 1 0\nf 1 2 3\n");
+  const vekfile::filepath ship = folder.Write("ship.obj", Ship);
   const vekfile::filepath folderOfSymbols(VEK_SOURCE_DIR "/symbols");
   //! [SymbolRegistry]
   const Core::Ptr<ModelCache> cache(new ModelCache(handle));

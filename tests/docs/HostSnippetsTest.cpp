@@ -18,7 +18,6 @@
 
 using namespace Vek::Chart;
 using Vek::Test::PixelAt;
-using Vek::Test::SameColor;
 
 namespace {
 
@@ -87,7 +86,7 @@ TEST(HostSnippetCalls, RecordingGl) {
   EXPECT_TRUE(faultless);
 }
 
-class HostSnippetPixels : public Vek::Test::PixelFixture {};
+using HostSnippetPixels = Vek::Test::PixelFixture;
 
 TEST_F(HostSnippetPixels, Rgl) {
   const Utility::Unscoped<Rgl>& handle = Handle();
@@ -101,7 +100,7 @@ TEST_F(HostSnippetPixels, Rgl) {
   gl->End();
   gl->CheckError("MyScene::Draw"); // reports what GL did not like
   //! [Rgl]
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 30, 10), Qt::red));
+  EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::red).rgba());
 }
 
 TEST_F(HostSnippetPixels, ShaderProgram) {
@@ -119,7 +118,7 @@ TEST_F(HostSnippetPixels, ShaderProgram) {
     gl->End();
   } // the program before is current again
   //! [ShaderProgram]
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 30, 10), Qt::green));
+  EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::green).rgba());
 }
 
 // A context that somebody else made current.
@@ -133,7 +132,7 @@ TEST_F(HostSnippetPixels, OnCurrentContext) {
     gl->Clear(RGL_COLOR_BUFFER_BIT);
   }
   //! [OnCurrentContext]
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 30, 10), Qt::blue));
+  EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::blue).rgba());
 }
 
 // The host's own way of making a context current, and of finding GL's functions.
@@ -165,12 +164,12 @@ TEST_F(HostSnippetPixels, OwnLoader) {
     gl->ClearColor(Qt::green);
     gl->Clear(RGL_COLOR_BUFFER_BIT);
   }
-  EXPECT_TRUE(SameColor(PixelAt(Image(), 30, 10), Qt::green));
+  EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::green).rgba());
   EXPECT_EQ(window.made, 1);
   EXPECT_EQ(window.left, 1);
 }
 
-TEST(HostSnippetsPixels, OffscreenContext) {
+TEST_F(HostSnippetPixels, OffscreenContext) {
   //! [OffscreenContext]
   Ogl::OffscreenContext context({64, 32}, 4); // with a frame buffer of its own, four samples a pixel
   {

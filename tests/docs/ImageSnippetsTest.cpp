@@ -1,11 +1,9 @@
 // The examples of the reference for images, volumes and files: what stands between two marks is shown there.
 
 #include "library/HdrImage.h"
-#include "library/ObjModel.h"
 #include "library/VolumeImage.h"
 #include "library/VolumeTexture.h"
 #include "tests/support/PixelFixture.h"
-#include "tests/support/ReportCapture.h"
 #include "tests/support/TempFolder.h"
 
 #include <sstream>
@@ -14,8 +12,6 @@ using namespace Vek::Chart;
 using namespace Vek::Chart::Library;
 
 namespace {
-
-using Texts = std::vector<std::string>;
 
 TEST(ImageSnippets, HdrImage) {
   const Vek::Test::TempFolder folder;
@@ -54,10 +50,9 @@ TEST(ImageSnippets, TextArray) {
   EXPECT_EQ(bytes, (std::vector<unsigned char>{0, 51, 102, 153, 204, 255}));
 }
 
-class ImageSnippetPixels : public Vek::Test::PixelFixture {};
+using ImageSnippetPixels = Vek::Test::PixelScopeFixture;
 
 TEST_F(ImageSnippetPixels, VolumeTexture) {
-  Utility::Scoped<Rgl> gl(Handle());
   const vekfile::filepath data(VEK_SOURCE_DIR "/data");
   //! [VolumeTexture]
   const boost::shared_ptr<VolumeImage> ocean =
@@ -68,47 +63,6 @@ TEST_F(ImageSnippetPixels, VolumeTexture) {
   //! [VolumeTexture]
   EXPECT_EQ(volume.SizeS(), 180);
   EXPECT_EQ(volume.SizeR(), 20);
-}
-
-// What the page about files says of files with faults: the reports, and what comes of the file.
-TEST(ImageSnippets, FilesWithFaults) {
-  Vek::Test::ReportCapture reports;
-  const auto first = [&reports] {
-    const Texts texts = reports.Texts();
-    reports.Clear();
-    return texts.empty() ? std::string() : texts.front().substr(0, texts.front().find(" - "));
-  };
-  const auto obj = [](const char* p_text) {
-    std::istringstream file(p_text);
-    return LoadPolygonObj(file);
-  };
-  EXPECT_EQ(obj("v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\n")->DefaultGroup()->indices.size(), 3U);
-  EXPECT_EQ(first(), "\"parts.size() == 4\"") << "a quad: three corners are taken";
-  EXPECT_EQ(obj("v 0 0 0\nf -1 -1 -1\n")->DefaultGroup()->indices.front(), 0xFFFFFFFEU);
-  EXPECT_EQ(first(), "\"0 <= vertexIndex < vertices->size()\"") << "relative indices are not resolved";
-  EXPECT_TRUE(obj("v 0 0 0\nvt 0 0\nusemtl red\n")->DefaultGroup()->indices.empty());
-  EXPECT_EQ(first(), "") << "what is not read is passed over";
-  EXPECT_ANY_THROW(obj("v one 2 3\n"));
-
-  std::istringstream rgbe("#?RGBE\n\n-Y 1 +X 1\n\x80\x80\x80\x81");
-  EXPECT_EQ(HdrImage(rgbe).Pixel(0, 0).red, 1);
-  EXPECT_EQ(first(), "\"header.size() == 10\"") << "and read all the same";
-  std::istringstream huge("#?RADIANCE\n\n-Y 60000 +X 60000\n");
-  EXPECT_THROW(HdrImage{huge}, std::length_error);
-  reports.Clear();
-
-  const auto volume = [](const char* p_text) {
-    std::istringstream file(p_text);
-    return VolumeImage::LoadFromStream(file, VolumeImage::TextArray);
-  };
-  EXPECT_TRUE(volume("Volume 1 1 1 1 0"));
-  EXPECT_EQ(first(), "\"header == \"TextArray\"\"") << "and read all the same";
-  EXPECT_FALSE(volume("TextArray 1 1 0 1"));
-  reports.Clear();
-  EXPECT_EQ(volume("TextArray 2 1 1 1 5")->Bytes(), (std::vector<unsigned char>{255, 0}));
-  EXPECT_EQ(first(), "\"file\"") << "a missing number counts as 0";
-  EXPECT_EQ(volume("TextArray 1 2 1 1 1 4")->Bytes(), (std::vector<unsigned char>{63}));
-  EXPECT_EQ(first(), "\"channels == 1\"") << "the first channel, by the largest of both";
 }
 
 } // namespace

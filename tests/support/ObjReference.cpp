@@ -35,10 +35,9 @@ std::string Describe(const ObjModel& p_model) {
     text += "--\n";
   }
   for (const auto& group : *p_model.Groups()) {
-    text += "group '" + group->name + "': ";
+    text += "\ngroup '" + group->name + "': ";
     for (const std::uint32_t index : group->indices)
       text += std::to_string(index) + " ";
-    text += "\n";
   }
   const auto& bounds = p_model.Bounds();
   for (const auto& corner : {bounds.Min(), bounds.Max()})

@@ -1,7 +1,6 @@
 #include "tests/support/PixelFixture.h"
 
 #include <cstdlib>
-#include <stdexcept>
 
 namespace Vek::Test {
 
@@ -14,12 +13,8 @@ Ogl::OffscreenContext& PixelFixture::Context() {
 }
 
 void PixelFixture::SetUp() {
-  try {
-    Context().BindFrameBuffer();
-  } catch (const std::runtime_error& error) {
-    FAIL() << error.what();
-  }
-  const Utility::Scoped<Rgl> gl(Handle());
+  Context().BindFrameBuffer();
+  const Scope gl(Handle());
   gl->PushAttrib(RGL_ALL_ATTRIB_BITS);
   gl->ClearColor(Qt::transparent);
   gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT);
@@ -28,7 +23,7 @@ void PixelFixture::SetUp() {
 void PixelFixture::TearDown() {
   if (HasFatalFailure())
     return;
-  const Utility::Scoped<Rgl> gl(Handle());
+  const Scope gl(Handle());
   const auto depth = [&gl](Ogl::GlEnum p_name) {
     int value = 0;
     gl->GetIntegerv(p_name, &value);
@@ -49,7 +44,11 @@ void PixelFixture::TearDown() {
   }
 }
 
-void DrawTexturedSquare(const Chart::Utility::Scoped<Chart::Ogl::Rgl>& p_gl, double p_repeats) {
+QColor PixelScopeFixture::At(int p_x, int p_y) {
+  return QColor::fromRgba(PixelAt(Image(), p_x, p_y));
+}
+
+void DrawTexturedSquare(const Scope& p_gl, double p_repeats) {
   p_gl->Begin(RGL_QUADS);
   for (const auto& [s, t] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
     p_gl->TexCoord(s * p_repeats, t * p_repeats);
@@ -96,8 +95,7 @@ testing::AssertionResult SameColor(QRgb p_actual, const QColor& p_expected, int 
   if (Near(p_actual, p_expected.rgba(), p_tolerance))
     return testing::AssertionSuccess();
   return testing::AssertionFailure() << Text(p_actual) << " is not " << Text(p_expected.rgba())
-                                     << " (red, green, blue, "
-                                     << "alpha; tolerance " << p_tolerance << ")";
+                                     << " (red, green, blue, alpha; tolerance " << p_tolerance << ")";
 }
 
 testing::AssertionResult SameImage(const QImage& p_actual, const QImage& p_expected, int p_tolerance) {

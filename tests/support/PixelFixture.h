@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ogl/OffscreenContext.h"
+#include "tests/support/Scope.h"
 
 #include <gtest/gtest.h>
 
@@ -24,10 +25,24 @@ protected:
   static const Chart::Utility::Unscoped<Chart::Ogl::Rgl>& Handle() { return Context().Handle(); }
   /// The frame buffer; the first row on top.
   static QImage Image() { return Context().Image(); }
+  /// So many pixels of it, in the lower left corner.
+  static QImage Corner(int p_width, int p_height) {
+    return Image().copy(0, FrameSize.height - p_height, p_width, p_height);
+  }
+};
+
+/// The same, with GL's functions at hand while the test runs.
+class PixelScopeFixture : public PixelFixture {
+protected:
+  /// A pixel of the frame buffer as it is now, counted from the lower left.
+  static QColor At(int p_x, int p_y);
+
+  const Chart::Utility::Unscoped<Chart::Rgl>& handle = Handle();
+  Scope gl{handle};
 };
 
 /// A square that fills the viewport under identity matrices; texture coordinates from 0 to `p_repeats`.
-void DrawTexturedSquare(const Chart::Utility::Scoped<Chart::Ogl::Rgl>& p_gl, double p_repeats = 1);
+void DrawTexturedSquare(const Scope& p_gl, double p_repeats = 1);
 
 /// The colour of a pixel counted from the lower left corner, as GL counts.
 QRgb PixelAt(const QImage& p_image, int p_x, int p_y);

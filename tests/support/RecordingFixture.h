@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ogl/RecordingGl.h"
+#include "tests/support/Scope.h"
 
 #include <gtest/gtest.h>
 
@@ -27,6 +28,16 @@ inline Lines operator+(Lines p_first, const Lines& p_second) {
   return p_first;
 }
 
+/// What a texture of one filter sets at each bind, as `Calls` reads it; no environment stands for one without effect.
+inline std::string TextureSettings(const std::string& p_filter, const std::string& p_environment) {
+  const std::string set = "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_";
+  return set + "BASE_LEVEL, 0); " + set + "MAX_LEVEL, 0); " + set + "WRAP_S, GL_CLAMP_TO_EDGE); " + set +
+         "WRAP_T, GL_CLAMP_TO_EDGE); " + set + "MIN_FILTER, " + p_filter + "); " + set + "MAG_FILTER, " + p_filter +
+         "); " +
+         (p_environment.empty() ? "" : "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, " + p_environment + "); ") +
+         "Enable(GL_TEXTURE_2D); Disable(GL_TEXTURE_GEN_S); Disable(GL_TEXTURE_GEN_T)";
+}
+
 /// Gives each test a recorder of its own, and fails the test when the recorder has complaints at the end: misuse of GL,
 /// leaked objects, open pairs. A test that expects misuse takes it with `recorder.TakeComplaints()`.
 class RecordingFixture : public testing::Test {
@@ -34,6 +45,12 @@ protected:
   void TearDown() override { EXPECT_EQ(recorder.Complaints(), Lines()); }
 
   Chart::Ogl::RecordingGl recorder;
+};
+
+/// A recorder whose functions are at hand while the test runs.
+class RecordingScopeFixture : public RecordingFixture {
+protected:
+  Scope gl{recorder.Handle()};
 };
 
 } // namespace Vek::Test

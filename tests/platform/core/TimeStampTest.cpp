@@ -12,8 +12,7 @@ TEST(TimeStamp, CopiesAreEqualAndNewOnesDiffer) {
   const TimeStamp first;
   const TimeStamp copy = first;
   TimeStamp second;
-  EXPECT_TRUE(copy == first);
-  EXPECT_FALSE(copy != first);
+  EXPECT_TRUE(copy == first && !(copy != first));
   EXPECT_TRUE(second != first);
   second = first;
   EXPECT_TRUE(second == first);

@@ -10,14 +10,11 @@
 #include <vector>
 
 using namespace Vek::Chart;
+using namespace Vek::Test;
 using Ogl::BufferDraw;
-using Vek::Test::Calls;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
 
 namespace {
 
-using Scope = Utility::Scoped<Rgl>;
 using Record = Ogl::Attribute<Ogl::Vec3<float>>;
 using Index = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
 
@@ -33,18 +30,18 @@ Record Point(float p_x, float p_y, float p_z) {
   return Ogl::Vec3<float>{p_x, p_y, p_z};
 }
 
-std::vector<Index> Indices(const std::vector<unsigned int>& p_values) {
+Ogl::Buffer<Index> Indices(const Rgl& p_gl, const std::vector<unsigned int>& p_values) {
   std::vector<Index> indices;
   for (const unsigned int value : p_values)
     indices.push_back(Ogl::Vec1<unsigned int>{value});
-  return indices;
+  return MakeBuffer(p_gl, indices);
 }
 
 /// A square over the pixels (0, 0) to (2, 2), with positions and normals interleaved.
 BufferDraw Square(const Rgl& p_gl) {
   BufferDraw draw;
   draw.type = Ogl::VertexBuffer::Triangles;
-  draw.indices = MakeBuffer(p_gl, Indices({0, 1, 2, 2, 3, 0}));
+  draw.indices = Indices(p_gl, {0, 1, 2, 2, 3, 0});
   draw.vertices = MakeBuffer<Record>(p_gl, {Point(0, 0, 0), Point(0, 0, 1), Point(2, 0, 0), Point(0, 0, 1),
                                             Point(2, 2, 0), Point(0, 0, 1), Point(0, 2, 0), Point(0, 0, 1)});
   draw.attributes = BufferDraw::Positions | BufferDraw::Normals;
@@ -54,10 +51,8 @@ BufferDraw Square(const Rgl& p_gl) {
   return draw;
 }
 
-class BufferDrawCalls : public Vek::Test::RecordingFixture {
-protected:
-  Scope gl{recorder.Handle()};
-};
+using BufferDrawCalls = RecordingScopeFixture;
+using BufferDrawPixels = PixelScopeFixture;
 
 TEST_F(BufferDrawCalls, DrawsFromItsBuffersAndRestoresTheBindings) {
   const BufferDraw draw = Square(*gl);
@@ -76,18 +71,14 @@ TEST_F(BufferDrawCalls, DrawsFromItsBuffersAndRestoresTheBindings) {
 
 TEST_F(BufferDrawCalls, TheRecorderSeesArraysThatAreTooShort) {
   BufferDraw draw = Square(*gl);
-  draw.indices = MakeBuffer(*gl, Indices({0, 1, 4})); // only vertices 0 to 3 are there
+  draw.indices = Indices(*gl, {0, 1, 4}); // only vertices 0 to 3 are there
   draw.Draw(gl);
   EXPECT_EQ(recorder.TakeComplaints(), (Lines{"DrawElements: GL_VERTEX_ARRAY reaches to byte 108 of a buffer of 96",
                                               "DrawElements: GL_NORMAL_ARRAY reaches to byte 120 of a buffer of 96"}));
 }
 
 TEST_F(BufferDrawCalls, UndrawableBuffersAreReported) {
-  struct Case {
-    const char* expression;
-    std::function<void(BufferDraw&)> spoil;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, std::function<void(BufferDraw&)>> cases[] = {
       {"type != VertexBuffer::Undecided", [](BufferDraw& p_draw) { p_draw.type = Ogl::VertexBuffer::Undecided; }},
       {"indices.Count() != 0", [](BufferDraw& p_draw) { p_draw.indices = {}; }},
       {"vertices.Count() != 0", [](BufferDraw& p_draw) { p_draw.vertices = {}; }},
@@ -97,52 +88,42 @@ TEST_F(BufferDrawCalls, UndrawableBuffersAreReported) {
       {"instanceAttribute.records.Count() >= instances",
        [](BufferDraw& p_draw) { p_draw.instance_attributes.resize(1); }},
   };
-  for (const Case& row : cases) {
+  for (const auto& [expression, spoil] : cases) {
     BufferDraw draw = Square(*gl);
-    row.spoil(draw);
+    spoil(draw);
     recorder.Clear();
     ReportCapture reports;
     draw.Draw(gl, 2);
-    EXPECT_EQ(reports.Texts(), Lines{"\"" + std::string(row.expression) +
+    EXPECT_EQ(reports.Texts(), Lines{"\"" + std::string(expression) +
                                      "\" - void __cdecl Vek::Chart::Ogl::BufferDraw::Draw(class "
                                      "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &,unsigned int) const"});
     EXPECT_EQ(recorder.LinesOf({"DrawElementsInstanced", "PushClientAttrib"}), Lines());
   }
 }
 
-class BufferDrawPixels : public Vek::Test::PixelFixture {};
-
 TEST_F(BufferDrawPixels, InstancesLieWhereTheirAttributesSay) {
-  Ogl::OffscreenContext context({9, 5});
-  {
-    Scope gl(context.Handle());
-    gl->Clear(RGL_COLOR_BUFFER_BIT);
-    const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, 9, 5});
-    BufferDraw draw = Square(*gl);
-    gl->Color(Qt::red);
-    draw.Draw(gl); // with the fixed functions, in the lower left corner
-    const Ogl::ShaderProgram program(gl,
-                                     "attribute vec3 offset;\n"
-                                     "varying vec4 color;\n"
-                                     "void main() {\n"
-                                     "  color = vec4(gl_Normal.z, 0.0, 0.0, 1.0);\n"
-                                     "  gl_Position = gl_ModelViewProjectionMatrix * (gl_Vertex + vec4(offset, 0.0));\n"
-                                     "}\n",
-                                     "varying vec4 color;\n"
-                                     "void main() { gl_FragColor = color; }\n",
-                                     {"", "", "", "", "", "", "offset"});
-    ASSERT_TRUE(program.Linked());
-    const boost::shared_ptr<void> in_use = program.Use(gl);
-    draw.instance_attributes = {{6, MakeBuffer<Record>(*gl, {Point(4, 1, 0), Point(7, 3, 0)})}};
-    draw.Draw(gl, 2);
-    draw.Draw(gl, 0);
-    EXPECT_TRUE(gl->CheckError("test"));
-  }
-  EXPECT_EQ(Vek::Test::Map(context.Image(), Qt::red), ".......##\n"
-                                                      ".......##\n"
-                                                      "....##...\n"
-                                                      "##..##...\n"
-                                                      "##.......\n");
+  const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
+  BufferDraw draw = Square(*gl);
+  gl->Color(Qt::red);
+  draw.Draw(gl); // with the fixed functions, in the lower left corner
+  const Ogl::ShaderProgram program(gl,
+                                   "attribute vec3 offset; varying vec4 color;\n"
+                                   "void main() {\n"
+                                   "  color = vec4(gl_Normal.z, 0.0, 0.0, 1.0);\n"
+                                   "  gl_Position = gl_ModelViewProjectionMatrix * (gl_Vertex + vec4(offset, 0.0));\n"
+                                   "}\n",
+                                   "varying vec4 color; void main() { gl_FragColor = color; }\n",
+                                   {"", "", "", "", "", "", "offset"});
+  ASSERT_TRUE(program.Linked());
+  const boost::shared_ptr<void> in_use = program.Use(gl);
+  draw.instance_attributes = {{6, MakeBuffer<Record>(*gl, {Point(4, 1, 0), Point(7, 3, 0)})}};
+  draw.Draw(gl, 2);
+  draw.Draw(gl, 0);
+  EXPECT_EQ(Map(Corner(9, 5), Qt::red), ".......##\n"
+                                        ".......##\n"
+                                        "....##...\n"
+                                        "##..##...\n"
+                                        "##.......\n");
 }
 
 } // namespace

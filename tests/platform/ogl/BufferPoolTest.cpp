@@ -8,26 +8,22 @@
 #include <limits>
 
 using namespace Vek::Chart;
-using Vek::Test::Calls;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
+using namespace Vek::Test;
 
 namespace {
 
-using Scope = Utility::Scoped<Rgl>;
 using Record = Ogl::Attribute<Ogl::Vec3<float>>;
 using Index = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
 constexpr std::size_t Most = std::numeric_limits<std::size_t>::max();
 template <class T>
 using WriteArray = Ogl::BufferPool::WriteArray<T>;
 
-class BufferPoolCalls : public Vek::Test::RecordingFixture {
+class BufferPoolCalls : public RecordingScopeFixture {
 protected:
   template <class T>
   Ogl::Buffer<T> Make(std::size_t p_count, Ogl::BufferUsage::Kind p_usage = Ogl::BufferUsage::Default) const {
     return gl->GetBufferPool().CreateBuffer<T>(p_count, p_usage);
   }
-  const Scope gl{recorder.Handle()};
   const ReportCapture reports;
 };
 
@@ -72,11 +68,8 @@ TEST_F(BufferPoolCalls, CountsThatMakeNoBufferAreReported) {
 
 TEST_F(BufferPoolCalls, WriteArraysMapTheirRangeOnly) {
   const Ogl::Buffer<Index> buffer = Make<Index>(4);
-  {
-    const WriteArray<Index> all(buffer, 0, 4, RGL_ARRAY_BUFFER);
-    for (unsigned int i = 0; i < 4; ++i)
-      all.Data()[i].x = 100 + i;
-  }
+  for (unsigned int i = 0; i < 4; ++i)
+    WriteArray<Index>(buffer, i, 1, RGL_ARRAY_BUFFER).Data()->x = 100 + i;
   recorder.Clear();
   {
     const WriteArray<Index> middle(buffer, 1, 2, RGL_ELEMENT_ARRAY_BUFFER);
@@ -96,20 +89,15 @@ TEST_F(BufferPoolCalls, WriteArraysMapTheirRangeOnly) {
 }
 
 TEST_F(BufferPoolCalls, RangesOutsideTheBufferMapNothing) {
-  struct Case {
-    const char* name;
-    std::size_t first;
-    std::size_t count;
-  };
-  const Case cases[] = {{"one too many", 0, 5},         {"starts at the end", 4, 1}, {"starts beyond", 5, 0},
-                        {"the sum wraps", 2, Most - 1}, {"nothing", 2, 0},           {"first wraps", Most, 2},
-                        {"bytes wrap", Most / 4 + 1, 1}};
+  const std::tuple<const char*, std::size_t, std::size_t> cases[] = {
+      {"one too many", 0, 5},         {"starts at the end", 4, 1}, {"starts beyond", 5, 0},
+      {"the sum wraps", 2, Most - 1}, {"nothing", 2, 0},           {"first wraps", Most, 2},
+      {"bytes wrap", Most / 4 + 1, 1}};
   const Ogl::Buffer<Index> buffer = Make<Index>(4);
   recorder.Clear();
-  for (const Case& row : cases) {
-    const WriteArray<Index> array(buffer, row.first, row.count, RGL_ARRAY_BUFFER);
-    EXPECT_EQ(array.Count(), 0U) << row.name;
-    EXPECT_EQ(array.Data(), nullptr) << row.name;
+  for (const auto& [name, first, count] : cases) {
+    const WriteArray<Index> array(buffer, first, count, RGL_ARRAY_BUFFER);
+    EXPECT_TRUE(array.Count() == 0 && array.Data() == nullptr) << name;
   }
   const WriteArray<Index> empty(Ogl::Buffer<Index>(), 0, 1, RGL_ARRAY_BUFFER);
   EXPECT_EQ(empty.Count(), 0U);
@@ -121,8 +109,7 @@ TEST_F(BufferPoolCalls, FailuresLeaveNothingBound) {
   recorder.Fail("MapBufferRange");
   {
     const WriteArray<Index> array(buffer, 0, 4, RGL_ARRAY_BUFFER);
-    EXPECT_EQ(array.Count(), 0U);
-    EXPECT_EQ(array.Data(), nullptr);
+    EXPECT_TRUE(array.Count() == 0 && array.Data() == nullptr);
     EXPECT_EQ(recorder.LinesOf({"BindBuffer"}).back(), "BindBuffer(GL_ARRAY_BUFFER, 0)");
     EXPECT_EQ(reports.Texts(), Lines());
   }

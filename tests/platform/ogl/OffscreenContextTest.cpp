@@ -9,11 +9,9 @@
 #include <vector>
 
 using namespace Vek::Chart;
-using Vek::Test::SameColor;
+using namespace Vek::Test;
 
 namespace {
-
-using Scope = Utility::Scoped<Rgl>;
 
 void Clear(const Ogl::OffscreenContext& p_context, const QColor& p_color) {
   const Scope gl(p_context.Handle());
@@ -37,7 +35,7 @@ TEST(OffscreenContextPixels, TheImageHoldsTheFrameAtAnySize) {
       QImage expected(size.width, size.height, QImage::Format_ARGB32);
       expected.fill(color.rgba());
       EXPECT_EQ(context.Image().format(), QImage::Format_ARGB32);
-      EXPECT_TRUE(Vek::Test::SameImage(context.Image(), expected));
+      EXPECT_TRUE(SameImage(context.Image(), expected));
     }
 }
 
@@ -46,17 +44,15 @@ TEST(OffscreenContextPixels, SamplesAreResolvedToTheirMeanTopRowFirst) {
   for (const int samples : {0, 4}) {
     Ogl::OffscreenContext context({5, 3}, samples);
     Clear(context, Qt::black);
-    {
-      const Scope gl(context.Handle());
-      const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, 5, 3});
-      gl->Color(Qt::white);
-      gl->Begin(RGL_QUADS);
-      for (const auto& [x, y] : {std::pair(0.0, 1.0), {2.4, 1.0}, {2.4, 3.0}, {0.0, 3.0}})
-        gl->Vertex(x, y, 0);
-      gl->End();
-      gl->Enable(RGL_SCISSOR_TEST); // must not cut the resolving copy
-      gl->Scissor(0, 0, 1, 1);
-    }
+    const Scope gl(context.Handle());
+    const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, 5, 3});
+    gl->Color(Qt::white);
+    gl->Begin(RGL_QUADS);
+    for (const auto& [x, y] : {std::pair(0.0, 1.0), {2.4, 1.0}, {2.4, 3.0}, {0.0, 3.0}})
+      gl->Vertex(x, y, 0);
+    gl->End();
+    gl->Enable(RGL_SCISSOR_TEST); // must not cut the resolving copy
+    gl->Scissor(0, 0, 1, 1);
     const QImage image = context.Image();
     const int edge = qRed(image.pixel(2, 1));
     EXPECT_TRUE(SameColor(image.pixel(1, 0), Qt::white));
@@ -69,9 +65,9 @@ TEST(OffscreenContextPixels, SamplesAreResolvedToTheirMeanTopRowFirst) {
 TEST(OffscreenContextPixels, ViewportAndDepthBufferCoverTheFrame) {
   Ogl::OffscreenContext context({29, 14});
   const Scope gl(context.Handle());
-  int viewport[4] = {};
-  gl->GetIntegerv(RGL_VIEWPORT, viewport);
-  EXPECT_EQ(std::vector<int>(viewport, viewport + 4), (std::vector<int>{0, 0, 29, 14}));
+  std::vector<int> viewport(4);
+  gl->GetIntegerv(RGL_VIEWPORT, viewport.data());
+  EXPECT_EQ(viewport, (std::vector<int>{0, 0, 29, 14}));
   float depth = 0;
   gl->ClearDepth(0.25);
   gl->Clear(RGL_DEPTH_BUFFER_BIT);
@@ -101,8 +97,7 @@ TEST(OffscreenContextPixels, ReadingTheImageKeepsTheHostsState) {
   for (const int samples : {0, 4}) {
     Ogl::OffscreenContext context({9, 3}, samples);
     const Scope outer(context.Handle()); // stands for the host that made its context current
-    const Utility::Unscoped<Rgl> handle = Rgl::OnCurrentContext();
-    const Scope gl(handle);
+    const Scope gl(Rgl::OnCurrentContext());
     Clear(context, Qt::cyan);
     const boost::shared_ptr<Ogl::FrameBufferObject> own = gl->GenFrameBufferObject();
     gl->BindFramebuffer(RGL_READ_FRAMEBUFFER, own->Name());

@@ -11,14 +11,9 @@
 #include <vector>
 
 using namespace Vek::Chart;
-using Vek::Test::Calls;
-using Vek::Test::Lines;
-using Vek::Test::PixelAt;
-using Vek::Test::ReportCapture;
+using namespace Vek::Test;
 
 namespace {
-
-using Scope = Utility::Scoped<Rgl>;
 
 TEST(Rgl, OnlyTheOutermostScopeSwitchesContexts) {
   const boost::shared_ptr<const Ogl::GlFunctions> functions(new Ogl::GlFunctions);
@@ -43,9 +38,8 @@ TEST(Rgl, OnlyTheOutermostScopeSwitchesContexts) {
   EXPECT_EQ(broken.ScopeDepth(), 0U);
 }
 
-class RglCalls : public Vek::Test::RecordingFixture {
+class RglCalls : public RecordingScopeFixture {
 protected:
-  const Scope gl{recorder.Handle()};
   const ReportCapture reports;
 };
 
@@ -195,27 +189,22 @@ TEST_F(RglCalls, ErrorsAreReportedAndTaken) {
   EXPECT_FALSE(gl->CheckError("lost"));
 }
 
-class RglPixels : public Vek::Test::PixelFixture {};
+using RglPixels = PixelScopeFixture;
 
 // GL, the recorder and our own arithmetic must agree about the same calls.
 TEST_F(RglPixels, TheRecorderMultipliesMatricesAsTheDriverDoes) {
-  const auto draw = [](const Utility::Unscoped<Rgl>& p_handle) {
-    const Scope gl(p_handle);
-    gl->PushMatrix();
-    gl->LoadIdentity();
-    gl->Translate({1, 2, 3});
-    gl->Rotate(Types::Angle::FromDegrees(33), {1, 2, -1});
-    gl->Scale({2, 0.5, -1});
-    gl->MultMatrix({Types::Matrix3({1, 2, 3}, {4, 5, 6}, {7, 8, 10}), {-1, 0.25, 4}});
-    gl->Ortho(-3, 5, 1, 2, 0.5, 8);
+  const auto multiply = [](const Scope& p_gl) {
+    p_gl->Translate({1, 2, 3});
+    p_gl->Rotate(Types::Angle::FromDegrees(33), {1, 2, -1});
+    p_gl->Scale({2, 0.5, -1});
+    p_gl->MultMatrix({Types::Matrix3({1, 2, 3}, {4, 5, 6}, {7, 8, 10}), {-1, 0.25, 4}});
+    p_gl->Ortho(-3, 5, 1, 2, 0.5, 8);
     std::vector<double> matrix(16);
-    gl->GetDoublev(RGL_MODELVIEW_MATRIX, matrix.data());
-    gl->PopMatrix();
+    p_gl->GetDoublev(RGL_MODELVIEW_MATRIX, matrix.data());
     return matrix;
   };
-  Ogl::RecordingGl recorder;
-  const std::vector<double> recorded = draw(recorder.Handle());
-  const std::vector<double> real = draw(Handle());
+  const Ogl::RecordingGl recorder;
+  const std::vector<double> recorded = multiply(Scope(recorder.Handle())), real = multiply(gl);
   for (std::size_t i = 0; i < 16; ++i)
     EXPECT_NEAR(recorded[i], real[i], 1e-5 * std::max(1.0, std::abs(real[i]))) << "element " << i;
 }
@@ -245,27 +234,8 @@ TEST_F(RglPixels, TheRecorderStartsInGlsFirstState) {
         << std::hex << capability;
 }
 
-TEST_F(RglPixels, ListsOfQuadricsDrawWhenCalledAndRealErrorsAreTaken) {
-  const Scope gl(Handle());
-  const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, 61, 37});
-  const boost::shared_ptr<Ogl::DisplayList> list = gl->GenDisplayList();
-  {
-    const boost::shared_ptr<void> recording = list->Compile();
-    Ogl::GlQuadric* const quadric = gl->NewQuadric();
-    ASSERT_NE(quadric, nullptr);
-    gl->QuadricDrawStyle(quadric, RGLU_FILL);
-    gl->Disk(quadric, 0, 8, 32, 1);
-    gl->DeleteQuadric(quadric);
-  }
-  gl->Color(Qt::blue);
-  EXPECT_EQ(PixelAt(Image(), 30, 18), 0U) << "recording draws nothing";
-  gl->Translate({30, 18, 0});
-  (*list)();
-  EXPECT_TRUE(Vek::Test::SameColor(PixelAt(Image(), 30, 18), Qt::blue));
-  EXPECT_TRUE(Vek::Test::SameColor(PixelAt(Image(), 36, 18), Qt::blue));
-  EXPECT_EQ(PixelAt(Image(), 39, 18), 0U) << "outside the radius";
-
-  ReportCapture reports;
+TEST_F(RglPixels, RealErrorsAreTaken) {
+  const ReportCapture reports;
   gl->Enable(0x7777);
   EXPECT_FALSE(gl->CheckError("wrong capability"));
   EXPECT_EQ(reports.Texts(), Lines{"WARNING: GL_INVALID_ENUM - wrong capability"});

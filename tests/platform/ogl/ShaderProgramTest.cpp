@@ -4,19 +4,12 @@
 #include "tests/support/ReportCapture.h"
 
 using namespace Vek::Chart;
+using namespace Vek::Test;
 using Ogl::ShaderProgram;
-using Vek::Test::Calls;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
 
 namespace {
 
-using Scope = Utility::Scoped<Rgl>;
-
-class ShaderProgramCalls : public Vek::Test::RecordingFixture {
-protected:
-  Scope gl{recorder.Handle()};
-};
+using ShaderProgramCalls = RecordingScopeFixture;
 
 TEST_F(ShaderProgramCalls, CompilesLinksAndNamesLocations) {
   {
@@ -34,27 +27,20 @@ TEST_F(ShaderProgramCalls, CompilesLinksAndNamesLocations) {
 
 // Whatever fails, nothing leaks (the fixture looks), the reason is reported once, and nothing is used.
 TEST_F(ShaderProgramCalls, FailuresAreReportedWithTheLog) {
-  struct Case {
-    const char* function;
-    std::size_t number;
-    const char* log;
-    Lines reports;
+  const std::tuple<const char*, std::size_t, const char*, std::string> cases[] = {
+      {"CompileShader", 1, "0:1: syntax error\n", "WARNING: vertex shader: 0:1: syntax error"},
+      {"CompileShader", 2, "two\nlines\n\n", "WARNING: fragment shader: two lines"},
+      {"LinkProgram", 1, "", "WARNING: shader program: "},
+      {"CreateShader", 1, "unused", "WARNING: vertex shader: "},
+      {"CreateProgram", 1, "unused", "WARNING: shader program: "},
   };
-  const Case cases[] = {
-      {"CompileShader", 1, "0:1: syntax error\n", {"WARNING: vertex shader: 0:1: syntax error"}},
-      {"CompileShader", 2, "two\nlines\n\n", {"WARNING: fragment shader: two lines"}},
-      {"LinkProgram", 1, "", {"WARNING: shader program: "}},
-      {"CreateShader", 1, "unused", {"WARNING: vertex shader: "}},
-      {"CreateProgram", 1, "unused", {"WARNING: shader program: "}},
-  };
-  for (const Case& row : cases) {
+  for (const auto& [function, number, log, report] : cases) {
     ReportCapture reports;
-    recorder.SetInfoLog(row.log);
-    recorder.Fail(row.function, row.number);
+    recorder.SetInfoLog(log);
+    recorder.Fail(function, number);
     const ShaderProgram program(gl, "vertex", "fragment");
-    EXPECT_FALSE(program.Linked()) << row.function;
-    EXPECT_EQ(program.Name(), 0U);
-    EXPECT_EQ(reports.Texts(), row.reports) << row.function;
+    EXPECT_TRUE(!program.Linked() && program.Name() == 0) << function;
+    EXPECT_EQ(reports.Texts(), Lines{report}) << function;
     reports.Clear();
     recorder.Clear();
     program.Use(gl);
@@ -68,10 +54,10 @@ TEST_F(ShaderProgramCalls, FailuresAreReportedWithTheLog) {
 TEST_F(ShaderProgramCalls, UseRestoresThePreviousProgram) {
   const ShaderProgram first(gl, "v", "f");
   const ShaderProgram second(gl, "v", "f");
-  boost::shared_ptr<void> outer = first.Use(gl);
-  boost::shared_ptr<void> inner = second.Use(gl);
-  inner.reset();
-  outer.reset();
+  {
+    const boost::shared_ptr<void> outer = first.Use(gl);
+    second.Use(gl);
+  }
   EXPECT_EQ(recorder.LinesOf({"UseProgram"}),
             (Lines{"UseProgram(7001)", "UseProgram(7002)", "UseProgram(7001)", "UseProgram(0)"}));
 }
@@ -92,9 +78,8 @@ TEST_F(ShaderProgramCalls, UniformsAreSetByName) {
 
 TEST_F(ShaderProgramCalls, OldDevicesAreNotAsked) {
   recorder.SetVersion("1.5");
-  Scope old(recorder.Handle());
-  ReportCapture reports;
-  EXPECT_FALSE(ShaderProgram(old, "v", "f").Linked());
+  const ReportCapture reports;
+  EXPECT_FALSE(ShaderProgram(gl, "v", "f").Linked());
   ASSERT_EQ(reports.Texts().size(), 1U);
   EXPECT_EQ(reports.Texts().front().rfind("\"gl.GlVersion() >= Utility::VersionNo(2, 0, 0)\" - __cdecl ", 0), 0U);
   EXPECT_EQ(recorder.LinesOf({"CreateShader", "CreateProgram"}), Lines());

@@ -14,8 +14,6 @@ using Ogl::Text;
 
 namespace {
 
-using Scope = Utility::Scoped<Rgl>;
-
 /// Makes the application that fonts need, without a screen. It is kept to the end: a second one would leak the screen
 /// of the first.
 void MakeApplication() {
@@ -27,8 +25,8 @@ void MakeApplication() {
   ASSERT_EQ(QCoreApplication::instance(), application);
 }
 
-using TextCalls = RecordingFixture;
-using TextPixels = PixelFixture;
+using TextCalls = RecordingScopeFixture;
+using TextPixels = PixelScopeFixture;
 
 /// How many pixels of an image have that colour.
 int Count(const QImage& p_image, const QColor& p_color) {
@@ -49,7 +47,6 @@ TEST_F(TextCalls, WithoutAnApplicationItIsReported) {
   Text text("text");
   const ReportCapture reports;
   EXPECT_TRUE(text.Image().isNull());
-  Scope gl(recorder.Handle());
   text(gl);
   EXPECT_EQ(reports.Texts(), (Lines{report, report}));
   EXPECT_EQ(recorder.Lines(), Lines());
@@ -108,7 +105,6 @@ TEST(Text, HoldsItsSizeWithinTheLimits) {
 
 TEST_F(TextCalls, UploadsAfterAChangeOnly) {
   MakeApplication();
-  Scope gl(recorder.Handle());
   Text text("text");
   text(gl);
   EXPECT_EQ(recorder.LinesOf({"TexImage2D"}).size(), 1u);
@@ -136,7 +132,6 @@ TEST_F(TextCalls, UploadsAfterAChangeOnly) {
 
 TEST_F(TextPixels, StandsAtItsPositionTexelForPixel) {
   MakeApplication();
-  Scope gl(Handle());
   const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
   Text text("Ag");
   text.size = 13;
@@ -159,38 +154,26 @@ TEST_F(TextPixels, StandsAtItsPositionTexelForPixel) {
   const QImage frame = Image();
   const QRect place(7, FrameSize.height - 5 - image.height(), image.width(), image.height());
   EXPECT_TRUE(SameImage(frame.copy(place), image, 1));
-  EXPECT_EQ(qAlpha(PixelAt(frame, 6, 5)), 0);
-  EXPECT_EQ(qAlpha(PixelAt(frame, 7, 4)), 0);
-  EXPECT_EQ(qAlpha(PixelAt(frame, 7 + image.width(), 5)), 0);
+  for (const auto& [x, y] : {std::pair(6, 5), {7, 4}, {7 + image.width(), 5}})
+    EXPECT_EQ(qAlpha(PixelAt(frame, x, y)), 0) << x << ", " << y;
 }
 
 TEST_F(TextPixels, LeavesTheStateAsItWas) {
   MakeApplication();
-  Scope gl(Handle());
   const auto other = gl->GenTexture();
   gl->ActiveTexture(RGL_TEXTURE0 + 1);
   gl->Bind(other, Rgl::Sampler2D);
   gl->BlendFunc(RGL_DST_COLOR, RGL_ZERO);
   gl->Color(Qt::green);
-  const Ogl::GlEnum names[] = {RGL_ACTIVE_TEXTURE,
-                               RGL_TEXTURE_BINDING_2D,
-                               RGL_BLEND_SRC_RGB,
-                               RGL_BLEND_DST_RGB,
-                               RGL_CURRENT_COLOR,
-                               RGL_TEXTURE_2D,
-                               RGL_BLEND,
-                               RGL_LIGHTING,
-                               RGL_POLYGON_MODE,
-                               RGL_UNPACK_ALIGNMENT,
-                               RGL_ATTRIB_STACK_DEPTH};
   const auto state = [&] {
     std::map<Ogl::GlEnum, std::vector<float>> values;
-    for (const Ogl::GlEnum name : names)
+    for (const Ogl::GlEnum name :
+         {RGL_ACTIVE_TEXTURE, RGL_TEXTURE_BINDING_2D, RGL_BLEND_SRC_RGB, RGL_BLEND_DST_RGB, RGL_CURRENT_COLOR,
+          RGL_TEXTURE_2D, RGL_BLEND, RGL_LIGHTING, RGL_POLYGON_MODE, RGL_UNPACK_ALIGNMENT, RGL_ATTRIB_STACK_DEPTH})
       gl->GetFloatv(name, (values[name] = std::vector<float>(4)).data());
     return values;
   };
   const auto before = state();
-  Text text("text");
-  text(gl);
+  Text("text")(gl);
   EXPECT_EQ(state(), before);
 }

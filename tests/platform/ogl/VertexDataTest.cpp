@@ -10,15 +10,11 @@
 #include <vector>
 
 using namespace Vek::Chart;
+using namespace Vek::Test;
 using Ogl::VertexBuffer;
 using Ogl::VertexData;
-using Vek::Test::Calls;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
 
 namespace {
-
-using Scope = Utility::Scoped<Rgl>;
 
 /// Shared ownership of an array of just that size, so that memory checkers see its ends.
 template <class T>
@@ -51,10 +47,8 @@ TEST(VertexData, ArraysAreSharedAndRemovedByNothing) {
   EXPECT_EQ(data.PrimitiveType().Value(), VertexBuffer::Undecided);
 }
 
-class VertexDataCalls : public Vek::Test::RecordingFixture {
-protected:
-  Scope gl{recorder.Handle()};
-};
+using VertexDataCalls = RecordingScopeFixture;
+using VertexDataPixels = PixelScopeFixture;
 
 TEST_F(VertexDataCalls, DrawsInOneCallAndRestoresTheHostsState) {
   unsigned int buffers[2] = {};
@@ -95,37 +89,25 @@ TEST_F(VertexDataCalls, AllArraysAndInstances) {
 }
 
 TEST_F(VertexDataCalls, EveryKindHasItsPrimitive) {
-  const std::pair<VertexBuffer::PrimitiveType, std::string> kinds[] = {
-      {VertexBuffer::Points, "GL_POINTS"},
-      {VertexBuffer::LineSegments, "GL_LINES"},
-      {VertexBuffer::LineStrip, "GL_LINE_STRIP"},
-      {VertexBuffer::Triangles, "GL_TRIANGLES"},
-      {VertexBuffer::TriangleStrip, "GL_TRIANGLE_STRIP"},
-      {VertexBuffer::LinesAdjacency, "GL_LINES_ADJACENCY"},
-      {VertexBuffer::QuadStrip, "GL_QUAD_STRIP"},
-      {VertexBuffer::Quads, "GL_QUADS"},
-  };
   VertexData data = Triangle();
-  for (const auto& [kind, token] : kinds) {
-    recorder.Clear();
-    data.PrimitiveType() = kind;
+  Lines expected;
+  for (const char* const token : {"POINTS", "LINES", "LINE_STRIP", "TRIANGLES", "TRIANGLE_STRIP", "LINES_ADJACENCY",
+                                  "QUAD_STRIP", "QUADS"}) { // from Points on
+    data.PrimitiveType() = static_cast<VertexBuffer::PrimitiveType>(expected.size());
     data.Draw(gl);
-    EXPECT_EQ(recorder.LinesOf({"DrawArrays"}), Lines{"DrawArrays(" + token + ", 0, 3)"});
+    expected.push_back(std::string("DrawArrays(GL_") + token + ", 0, 3)");
   }
+  EXPECT_EQ(recorder.LinesOf({"DrawArrays"}), expected);
 }
 
 // What would read outside an array, or what GL would refuse, is reported and draws nothing.
 TEST_F(VertexDataCalls, UndrawableDataIsReported) {
-  struct Case {
-    std::string expression;
-    std::function<void(VertexData&)> spoil;
-  };
   const auto floats = [](std::size_t p_count) { return Shared(std::vector<float>(p_count, 1)); };
   const auto bytes = Shared<unsigned char>({0, 1, 3});
   const auto integers = Shared<unsigned int>({0xFFFFFFFF, 0});
   const std::string primitive = "_primitive_type.Defined() && _primitive_type != Undecided";
   const auto beyond = static_cast<VertexBuffer::PrimitiveType>(1000);
-  const Case cases[] = {
+  const std::pair<std::string, std::function<void(VertexData&)>> cases[] = {
       {"!_vertices.Empty()", [](auto& p_data) { p_data.SetVertices({}, 3, 3, VertexData::Float); }},
       {primitive, [](auto& p_data) { p_data.PrimitiveType() = VertexBuffer::Undecided; }},
       {primitive, [=](auto& p_data) { p_data.PrimitiveType() = beyond; }},
@@ -143,63 +125,53 @@ TEST_F(VertexDataCalls, UndrawableDataIsReported) {
   };
   const std::string signature = "\" - void __cdecl Vek::Chart::Ogl::VertexData::Draw("
                                 "class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &";
-  for (const Case& row : cases) {
+  for (const auto& [expression, spoil] : cases) {
     VertexData data = Triangle();
-    row.spoil(data);
+    spoil(data);
     ReportCapture reports;
     data.Draw(gl);
     data.Draw(gl, 2);
-    const std::string start = '"' + row.expression + signature;
+    const std::string start = '"' + expression + signature;
     EXPECT_EQ(reports.Texts(), (Lines{start + ") const", start + ",unsigned int) const"}));
   }
   EXPECT_EQ(recorder.Lines(), Lines());
 
   recorder.SetVersion("2.1");
-  Scope old(recorder.Handle());
-  ReportCapture reports;
-  Triangle().Draw(old, 3);
+  const ReportCapture reports;
+  Triangle().Draw(gl, 3);
   EXPECT_EQ(reports.Texts(), Lines{"\"p_gl->Features().Supported(DeviceFeatures::FeatureInstancing)" + signature +
                                    ",unsigned int) const"});
   EXPECT_EQ(recorder.LinesOf({"DrawArraysInstanced"}), Lines());
 }
 
-class VertexDataPixels : public Vek::Test::PixelFixture {};
-
 // A triangle covers the pixels whose centres lie within it; a shader tells the instances of a square apart.
 TEST_F(VertexDataPixels, IndexedAndInstancedDataCoverTheirPixels) {
-  Ogl::OffscreenContext context({9, 5});
-  {
-    Scope gl(context.Handle());
-    gl->Clear(RGL_COLOR_BUFFER_BIT);
-    const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, 9, 5});
-    gl->Color(Qt::red);
-    VertexData data;
-    data.SetVertices(Shared<float>({0.25, 0.25, 0, 4.25, 0.25, 0, 0.25, 4.25, 0, 9, 9, 9}), 4, 3, VertexData::Float);
-    data.SetIndices(Shared<unsigned char>({0, 1, 2}), 3, VertexData::UnsignedByte);
-    data.PrimitiveType() = VertexBuffer::Triangles;
-    data.Draw(gl);
-    const Ogl::ShaderProgram program(gl,
-                                     "#version 140\n"
-                                     "#extension GL_ARB_compatibility : enable\n"
-                                     "void main() {\n"
-                                     "  gl_Position = gl_ModelViewProjectionMatrix *\n"
-                                     "    (gl_Vertex + vec4(3.0 * float(gl_InstanceID), 0.0, 0.0, 0.0));\n"
-                                     "}\n",
-                                     "#version 140\n"
-                                     "void main() { gl_FragColor = vec4(1.0, 0.0, 0.0, 1.0); }\n");
-    ASSERT_TRUE(program.Linked());
-    const boost::shared_ptr<void> in_use = program.Use(gl);
-    VertexData square;
-    square.SetVertices(Shared<double>({4, 3, 6, 3, 6, 5, 4, 5}), 4, 2, VertexData::Double);
-    square.PrimitiveType() = VertexBuffer::Quads;
-    square.Draw(gl, 2);
-    EXPECT_TRUE(gl->CheckError("test"));
-  }
-  EXPECT_EQ(Vek::Test::Map(context.Image(), Qt::red), "....##.##\n"
-                                                      "#...##.##\n"
-                                                      "##.......\n"
-                                                      "###......\n"
-                                                      "####.....\n");
+  const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
+  gl->Color(Qt::red);
+  VertexData data;
+  data.SetVertices(Shared<float>({0.25, 0.25, 0, 4.25, 0.25, 0, 0.25, 4.25, 0, 9, 9, 9}), 4, 3, VertexData::Float);
+  data.SetIndices(Shared<unsigned char>({0, 1, 2}), 3, VertexData::UnsignedByte);
+  data.PrimitiveType() = VertexBuffer::Triangles;
+  data.Draw(gl);
+  const Ogl::ShaderProgram program(gl,
+                                   "#version 140\n"
+                                   "#extension GL_ARB_compatibility : enable\n"
+                                   "void main() {\n"
+                                   "  vec4 step = vec4(3.0 * float(gl_InstanceID), 0.0, 0.0, 0.0);\n"
+                                   "  gl_Position = gl_ModelViewProjectionMatrix * (gl_Vertex + step);\n"
+                                   "}\n",
+                                   "void main() { gl_FragColor = vec4(1.0, 0.0, 0.0, 1.0); }\n");
+  ASSERT_TRUE(program.Linked());
+  const boost::shared_ptr<void> in_use = program.Use(gl);
+  VertexData square;
+  square.SetVertices(Shared<double>({4, 3, 6, 3, 6, 5, 4, 5}), 4, 2, VertexData::Double);
+  square.PrimitiveType() = VertexBuffer::Quads;
+  square.Draw(gl, 2);
+  EXPECT_EQ(Map(Corner(9, 5), Qt::red), "....##.##\n"
+                                        "#...##.##\n"
+                                        "##.......\n"
+                                        "###......\n"
+                                        "####.....\n");
 }
 
 } // namespace
