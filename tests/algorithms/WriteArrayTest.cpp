@@ -12,10 +12,13 @@ namespace {
 
 constexpr std::uint64_t Huge = std::numeric_limits<std::uint64_t>::max();
 
-const std::string Vec3Refusal =
-    "\"p_index < _count\" - class Vek::Chart::DataInterface::Array<class Vek::Chart::Ogl::Attribute<class "
-    "Vek::Chart::Ogl::Vec3<float> >,2>::WriteOnlyAccess __cdecl Vek::Chart::DataInterface::Array<class "
-    "Vek::Chart::Ogl::Attribute<class Vek::Chart::Ogl::Vec3<float> >,2>::operator [](const unsigned __int64)";
+std::string Refusal(const std::string& p_vector) {
+  const std::string array =
+      "Vek::Chart::DataInterface::Array<class Vek::Chart::Ogl::Attribute<class Vek::Chart::Ogl::" + p_vector +
+      " >,2>::";
+  return "\"p_index < _count\" - class " + array + "WriteOnlyAccess __cdecl " + array +
+         "operator [](const unsigned __int64)";
+}
 const std::string FloatToVec3Copy =
     "\"sourceArray.size() + p_destArrayOffset <= p_destArray.size()\" - void __cdecl "
     "Vek::Chart::Algorithms::InterpretArray<class Vek::Chart::DataInterface::Array<float,0>,class "
@@ -24,14 +27,13 @@ const std::string FloatToVec3Copy =
     ">(const class Vek::Chart::DataInterface::Array<float,0> &,class Vek::Chart::Ogl::BufferPool::WriteArray<class "
     "Vek::Chart::Ogl::Attribute<class Vek::Chart::Ogl::Vec3<float> > > &,const unsigned __int64)";
 
-class ArrayCalls : public Vek::Test::RecordingFixture {
+class ArrayCalls : public Vek::Test::RecordingScopeFixture {
 protected:
   /// Copies the source into records of a new buffer and returns all of the buffer's scalars; those not written are 0.
   template <class D, class S>
   auto Copied(const std::vector<S>& p_source, std::size_t p_records, std::uint64_t p_offset) {
     using Source = DataInterface::Array<S, 0>;
     using Record = Ogl::Attribute<D>;
-    const Utility::Scoped<Rgl> gl(recorder.Handle());
     const auto buffer = gl->GetBufferPool().template CreateBuffer<Record>(p_records, Ogl::BufferUsage::Default);
     {
       Ogl::BufferPool::WriteArray<Record> records(buffer, 0, p_records, RGL_ARRAY_BUFFER);
@@ -64,22 +66,18 @@ TEST_F(ArrayCalls, AllInstancesConvertIntoMappedBuffers) {
 }
 
 TEST_F(ArrayCalls, EachRefusedTupleIsReported) {
-  struct Case {
-    std::uint64_t offset;
-    std::vector<float> expected;
-    std::size_t refused;
-  };
-  const Case cases[] = {{1, {0, 0, 0, 1, 2, 3, 4, 5, 6}, 1},
-                        {2, {0, 0, 0, 0, 0, 0, 1, 2, 3}, 2},
-                        {3, std::vector<float>(9), 3},
-                        {Huge - 1, std::vector<float>(9), 3}}; // an index that wraps
-  for (const Case& row : cases) {
-    SCOPED_TRACE(row.offset);
+  const std::tuple<std::uint64_t, std::vector<float>, std::size_t> cases[] = {
+      {1, {0, 0, 0, 1, 2, 3, 4, 5, 6}, 1},
+      {2, {0, 0, 0, 0, 0, 0, 1, 2, 3}, 2},
+      {3, std::vector<float>(9), 3},
+      {Huge - 1, std::vector<float>(9), 3}}; // an index that wraps
+  for (const auto& [offset, expected, refused] : cases) {
+    SCOPED_TRACE(offset);
     const ReportCapture reports;
-    EXPECT_EQ((Copied<Ogl::Vec3<float>, float>({1, 2, 3, 4, 5, 6, 7, 8, 9}, 3, row.offset)), row.expected);
-    std::vector<std::string> expected{FloatToVec3Copy};
-    expected.insert(expected.end(), row.refused, Vec3Refusal);
-    EXPECT_EQ(reports.Texts(), expected);
+    EXPECT_EQ((Copied<Ogl::Vec3<float>, float>({1, 2, 3, 4, 5, 6, 7, 8, 9}, 3, offset)), expected);
+    std::vector<std::string> texts{FloatToVec3Copy};
+    texts.insert(texts.end(), refused, Refusal("Vec3<float>"));
+    EXPECT_EQ(reports.Texts(), texts);
   }
 }
 
@@ -94,11 +92,5 @@ TEST(WriteOnlyView, TakesValuesAndRefusesOthersPlaces) {
   EXPECT_EQ(memory[0].x, 0u);
   EXPECT_EQ(memory[1].x, 7u);
   EXPECT_EQ(memory[2].x, 0u);
-  EXPECT_EQ(reports.Texts(),
-            std::vector<std::string>(
-                2,
-                "\"p_index < _count\" - class Vek::Chart::DataInterface::Array<class Vek::Chart::Ogl::Attribute<class "
-                "Vek::Chart::Ogl::Vec1<unsigned int> >,2>::WriteOnlyAccess __cdecl "
-                "Vek::Chart::DataInterface::Array<class Vek::Chart::Ogl::Attribute<class "
-                "Vek::Chart::Ogl::Vec1<unsigned int> >,2>::operator [](const unsigned __int64)"));
+  EXPECT_EQ(reports.Texts(), std::vector<std::string>(2, Refusal("Vec1<unsigned int>")));
 }

@@ -2,6 +2,7 @@
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <random>
@@ -51,29 +52,27 @@ std::string Rows(const QImage& p_image) {
   return rows;
 }
 
+/// What was added to an atlas.
+struct Tree {
+  std::vector<std::vector<unsigned int>> children{1}; ///< of the root, then of each colour
+  std::map<unsigned int, QColor> colors;
+  std::map<unsigned int, std::vector<unsigned int>> instances_of;
+  std::map<unsigned int, std::map<unsigned int, QColor>> replacements; ///< of each instance
+};
+
 /// The layout rules once more, plainly: recursion and maps, texels by coordinates.
-class Reference {
+class Reference : Tree {
 public:
-  Reference(int p_width, const std::vector<std::vector<unsigned int>>& p_children,
-            const std::map<unsigned int, std::vector<unsigned int>>& p_instances_of,
-            const std::map<unsigned int, std::map<unsigned int, QColor>>& p_replacements,
-            const std::map<unsigned int, QColor>& p_colors)
-      : W(p_width)
-      , children(p_children)
-      , instances_of(p_instances_of)
-      , replacements(p_replacements)
-      , colors(p_colors) {
-    std::vector<unsigned int> plain, instanced;
-    for (const unsigned int top : children[0])
-      (instances_of.count(top) != 0 ? instanced : plain).push_back(top);
-    for (const unsigned int top : plain)
+  Reference(int p_width, const Tree& p_tree)
+      : Tree(p_tree)
+      , W(p_width) {
+    std::vector<unsigned int> tops = children[0];
+    const auto is_plain = [this](unsigned int p_top) { return instances_of.count(p_top) == 0; };
+    std::stable_partition(tops.begin(), tops.end(), is_plain);
+    for (const unsigned int top : tops)
       Number(top, 0);
-    for (const unsigned int top : instanced)
-      Number(top, 0);
-    for (const unsigned int top : plain)
-      PlacePlain(top);
-    for (const unsigned int top : instanced)
-      PlaceInstanced(top);
+    for (const unsigned int top : tops)
+      is_plain(top) ? PlacePlain(top) : PlaceInstanced(top);
   }
 
   std::map<Pixel, QRgb> texels; ///< by (x, y)
@@ -137,20 +136,15 @@ private:
   }
 
   long W;
-  const std::vector<std::vector<unsigned int>>& children;
-  const std::map<unsigned int, std::vector<unsigned int>>& instances_of;
-  const std::map<unsigned int, std::map<unsigned int, QColor>>& replacements;
-  const std::map<unsigned int, QColor>& colors;
   std::map<unsigned int, int> depths;
   long counter = 0;
   long shift = 0;
 };
 
-class ColorAtlasCalls : public RecordingFixture {
+class ColorAtlasCalls : public RecordingScopeFixture {
 protected:
   void Build(ColorAtlas& p_atlas, int p_max_size) {
     recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {p_max_size});
-    Utility::Scoped<Rgl> gl(recorder.Handle());
     p_atlas.BuildAtlas(gl);
   }
 };
@@ -159,18 +153,15 @@ protected:
 
 TEST(ColorAtlas, NumbersColorsAndInstancesTogether) {
   ColorAtlas atlas;
-  EXPECT_EQ(atlas.RootAtlasId(), 0u);
-  EXPECT_EQ(atlas.ColorAt(0).color, QColor(Qt::white));
+  EXPECT_EQ(atlas.ColorAt(atlas.RootAtlasId()).color, QColor(Qt::white));
   EXPECT_EQ(atlas.ColorAt(0).parent, ColorAtlas::NoParent);
   const unsigned int first = atlas.AddColor(Qt::green, 0);
   const ColorAtlas::ColorNode& node = atlas.ColorAt(first);
-  EXPECT_EQ(first, 1u);
   EXPECT_EQ(atlas.AddInstance(first, {}), 2u);
   EXPECT_EQ(atlas.AddColor(Qt::blue, first), 3u);
   EXPECT_EQ(&atlas.ColorAt(2), &node) << "an instance answers its colour, and nodes keep their places";
   EXPECT_EQ(node.children, std::vector<unsigned int>{3});
   EXPECT_EQ(node.instanceCount, 1u);
-  EXPECT_FALSE(node.coords.Defined());
 }
 
 TEST_F(ColorAtlasCalls, PlacesSmallTreesAsWritten) {
@@ -229,33 +220,30 @@ TEST_F(ColorAtlasCalls, AgreesWithThePlainRulesOnRandomTrees) {
     const unsigned int width = 2 + below(40), count = 1 + below(60), bushiness = 1 + below(8);
 
     ColorAtlas atlas;
-    std::vector<std::vector<unsigned int>> children(1);
+    Tree tree;
     std::vector<unsigned int> top_of{0};
-    std::map<unsigned int, QColor> colors;
     for (unsigned int id = 1; id <= count; ++id) {
       const unsigned int parent = below(bushiness) == 0 ? 0 : below(id);
-      colors[id] = Numbered(id);
-      ASSERT_EQ(atlas.AddColor(colors[id], parent), id);
-      children[parent].push_back(id);
-      children.emplace_back();
+      tree.colors[id] = Numbered(id);
+      ASSERT_EQ(atlas.AddColor(tree.colors[id], parent), id);
+      tree.children[parent].push_back(id);
+      tree.children.emplace_back();
       top_of.push_back(parent == 0 ? id : top_of[parent]);
     }
-    std::map<unsigned int, std::vector<unsigned int>> instances_of;
-    std::map<unsigned int, std::map<unsigned int, QColor>> replacements;
     for (unsigned int i = 0, instances = below(8); i < instances; ++i) {
-      const unsigned int top = children[0][below(static_cast<unsigned int>(children[0].size()))];
+      const unsigned int top = tree.children[0][below(static_cast<unsigned int>(tree.children[0].size()))];
       std::map<unsigned int, QColor> replaced;
       for (unsigned int id = 1; id <= count; ++id)
         if (top_of[id] == top && below(3) == 0)
           replaced[id] = Numbered(1000 + 100 * i + id);
       const unsigned int instance = atlas.AddInstance(top, replaced);
-      instances_of[top].push_back(instance);
-      replacements[instance] = replaced;
+      tree.instances_of[top].push_back(instance);
+      tree.replacements[instance] = replaced;
     }
 
     const ReportCapture reports;
     Build(atlas, static_cast<int>(width));
-    const Reference expected(static_cast<int>(width), children, instances_of, replacements, colors);
+    const Reference expected(static_cast<int>(width), tree);
     bool fits = true;
     for (const auto& [pixel, color] : expected.texels)
       fits = fits && pixel.second < static_cast<int>(width);
@@ -267,9 +255,8 @@ TEST_F(ColorAtlasCalls, AgreesWithThePlainRulesOnRandomTrees) {
     const QImage& image = atlas.AtlasImage();
     for (int y = 0; y < image.height(); ++y)
       for (int x = 0; x < image.width(); ++x) {
-        const auto texel = expected.texels.find({x, y});
-        const QRgb color = texel == expected.texels.end() ? QColor(Qt::red).rgba() : texel->second;
-        ASSERT_EQ(image.pixel(x, y), color) << x << ", " << y;
+        const bool set = expected.texels.count({x, y}) != 0;
+        ASSERT_EQ(image.pixel(x, y), set ? expected.texels.at({x, y}) : QColor(Qt::red).rgba()) << x << ", " << y;
       }
     for (const auto& [id, index] : expected.first_index)
       ASSERT_EQ(At(atlas.ColorAt(id).coords.First()), Pixel(index % width, index / width)) << id;
@@ -286,18 +273,10 @@ TEST_F(ColorAtlasCalls, UploadsANearestClampedReplacingTexture) {
   atlas.AddColor(Qt::green, 0);
   Build(atlas, 64);
   const Ogl::RecordingGl::TextureObject* texture = recorder.FindTexture(atlas.Texture()->Handle()->Name());
-  ASSERT_NE(texture, nullptr);
-  EXPECT_EQ(texture->levels.at(0).width, 1);
   EXPECT_EQ(texture->levels.at(0).pixels, (std::vector<unsigned char>{0, 255, 0, 255}));
-  EXPECT_EQ(recorder.LinesOf({"TexParameteri", "TexEnvi", "ActiveTexture", "Disable"}),
-            Calls("ActiveTexture(GL_TEXTURE0); TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0); "
-                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0); "
-                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
-                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
-                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST); "
-                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST); "
-                  "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE); Disable(GL_TEXTURE_GEN_S); "
-                  "Disable(GL_TEXTURE_GEN_T); ActiveTexture(GL_TEXTURE0); Disable(GL_TEXTURE_2D)"));
+  EXPECT_EQ(recorder.LinesOf({"TexParameteri", "TexEnvi", "ActiveTexture", "Enable", "Disable"}),
+            Calls("ActiveTexture(GL_TEXTURE0); " + TextureSettings("GL_NEAREST", "GL_REPLACE") +
+                  "; ActiveTexture(GL_TEXTURE0); Disable(GL_TEXTURE_2D)"));
 
   const ColorAtlas copy = atlas; // shares the texture and nothing else
   EXPECT_EQ(copy.Texture(), atlas.Texture());
@@ -318,20 +297,20 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
       " - class Vek::Chart::Ogl::Vec2<float> __cdecl " + atlas_class + "InstanceOffset(unsigned int) const";
   const std::string add_instance =
       " - unsigned int __cdecl " + atlas_class +
-      "AddInstance(unsigned int,const class std::map<unsigned int,class "
-      "QColor,struct std::less<unsigned int>,class std::allocator<struct std::pair<unsigned int const ,class QColor> "
-      "> > &)";
-  const struct {
-    const char* name;
-    std::function<void(ColorAtlas&)> run;
-    Lines reports;
-  } cases[] = {
+      "AddInstance(unsigned int,const class std::map<unsigned int,class QColor,struct std::less<unsigned int>,class "
+      "std::allocator<struct std::pair<unsigned int const ,class QColor> > > &)";
+  using Run = std::function<void(ColorAtlas&)>;
+  const auto built = [this](const std::string& p_colors, int p_size, const Instances& p_instances = {}) -> Run {
+    return [=](ColorAtlas& a) { Add(a, p_colors, p_instances), Build(a, p_size); };
+  };
+  const std::string not_laid_out = std::to_string(ColorAtlas::NoParent);
+  const std::tuple<const char*, Run, Lines> cases[] = {
       {"texture before a build",
        [](ColorAtlas& a) { EXPECT_FALSE(a.Texture()); },
        {"\"_map\" - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " + atlas_class +
         "Texture(void) const"}},
       {"no colours",
-       [this](ColorAtlas& a) { Build(a, 8); },
+       built("", 8),
        {"\"_spans.size() != 0\" - void __cdecl " + atlas_class +
         "BuildAtlas(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)"}},
       {"an unknown id and an unknown parent",
@@ -353,19 +332,12 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
        },
        {"\"instance.Defined()\"" + offset, "\"instanceIt != _instances.end()\"" + offset}},
       {"replacements that are not below the instanced colour",
-       [this](ColorAtlas& a) {
-         // before, instanced, not laid out
-         Add(a, "a0 b0 c" + std::to_string(ColorAtlas::NoParent),
-             {{2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}}}});
-         Build(a, 8);
-       },
+       built("a0 b0 c" + not_laid_out, 8, {{2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}}}}),
        {"\"subcolor.first >= base\"" + process, "\"node.coords.Defined()\"" + process,
         "\"node.coords.Defined()\"" + process}},
       {"a second build",
-       [this](ColorAtlas& a) {
-         Add(a, "a0", {{1, {}}});
-         Build(a, 8);
-         Build(a, 8);
+       [&](ColorAtlas& a) {
+         built("a0", 8, {{1, {}}})(a), Build(a, 8);
        },
        {"\"!instance.Defined()\"" + process}},
       {"a colour that is its own grandchild",
@@ -383,19 +355,15 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
         "\"query.second && \"Coordinate p_spans must not have already been added\"\"" + layout +
             "CoordinateMapper::MapSpan(unsigned int,struct " + atlas_class + "ColorNode &," + span}},
       {"more colours than texels",
-       [this](ColorAtlas& a) {
-         Add(a, "a0 b0 c0 d0 e0");
-         Build(a, 2);
-       },
+       built("a0 b0 c0 d0 e0", 2),
        {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + layout +
         "CoordinateMapper::WriteColor(unsigned int,const struct " + atlas_class + "ColorNode &," + span}},
   };
-  for (const auto& test : cases) {
-    SCOPED_TRACE(test.name);
+  for (const auto& [name, run, texts] : cases) {
     const ReportCapture reports;
     ColorAtlas atlas;
-    test.run(atlas);
-    EXPECT_EQ(reports.Texts(), test.reports);
+    run(atlas);
+    EXPECT_EQ(reports.Texts(), texts) << name;
   }
 }
 

