@@ -62,6 +62,11 @@ TEST_F(RecordingGlCalls, ComplainsAboutMisuse) {
       {"PopAttrib: nothing was pushed", [](Rgl& p_gl) { p_gl.PopAttrib(); }},
       {"LineWidth: not above 0", [](Rgl& p_gl) { p_gl.LineWidth(0); }},
       {"EndList: without NewList", [](Rgl& p_gl) { p_gl.EndList(); }},
+      {"EndList: PushMatrix and PopMatrix are not balanced in the list",
+       [](Rgl& p_gl) {
+         const boost::shared_ptr<Ogl::DisplayList> list = p_gl.GenDisplayList();
+         p_gl.NewList(list->Name(), RGL_COMPILE), p_gl.PushMatrix(), p_gl.EndList();
+       }},
       {"CallList: 77 names no display list", [](Rgl& p_gl) { p_gl.CallList(77); }},
       {"DeleteTextures: 77 names no texture", [&](Rgl& p_gl) { p_gl.DeleteTextures(1, &stranger); }},
       {"BindBuffer: 77 names no buffer", [&](Rgl& p_gl) { p_gl.BindBuffer(RGL_ARRAY_BUFFER, stranger); }},
