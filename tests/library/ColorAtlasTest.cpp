@@ -166,27 +166,20 @@ TEST(ColorAtlas, NumbersColorsAndInstancesTogether) {
 
 TEST_F(ColorAtlasCalls, PlacesSmallTreesAsWritten) {
   const QColor x = Numbered(8), y = Numbered(9);
-  const struct {
-    const char* name;
-    int max_size;
-    std::string colors;
-    Instances instances;
-    std::string rows;
-  } cases[] = {
+  const std::tuple<const char*, int, std::string, Instances, std::string> cases[] = {
       {"only the root", 8, "", {}, ". "},
       {"depth first, instanced last", 1024, "a0 b0 c2 d1", {{1, {{4, x}}}}, "bcadax.. "},
       {"own colour, then a deeper one", 1024, "a0 b1 c2 d1", {{1, {{1, x}, {2, y}}}}, "abcdxyyx "},
       {"ends at the border", 8, "a0 b1 c1", {{1, {}}, {1, {{2, x}}}, {1, {}}}, "abcabc.. axcabc.. "},
       {"half a row", 8, "e0 e0 e0 e0 e0 e0 a0 b7 c7 d7", {{7, {{9, y}}}}, "eeeeee.. abcd.... abyd.... ........ "},
   };
-  for (const auto& test : cases) {
-    SCOPED_TRACE(test.name);
-    ReportCapture reports;
+  for (const auto& [name, max_size, colors, instances, rows] : cases) {
+    const ReportCapture reports;
     ColorAtlas atlas;
-    Add(atlas, test.colors, test.instances);
-    Build(atlas, test.max_size);
-    EXPECT_EQ(Rows(atlas.AtlasImage()), test.rows);
-    EXPECT_EQ(reports.Texts().size(), test.colors.empty() ? 1u : 0u);
+    Add(atlas, colors, instances);
+    Build(atlas, max_size);
+    EXPECT_EQ(Rows(atlas.AtlasImage()), rows) << name;
+    EXPECT_EQ(reports.Texts().size(), colors.empty() ? 1u : 0u) << name;
   }
 }
 

@@ -7,19 +7,13 @@
 #include "library/Geometry.h"
 #include "library/Ring.h"
 #include "library/Sphere.h"
-#include "library/TexturedCube.h"
-#include "library/TexturedQuad.h"
-#include "tests/support/PixelFixture.h"
 #include "tests/support/RecordingFixture.h"
 #include "tests/support/ReportCapture.h"
 
 #include <boost/make_shared.hpp>
 
 #include <cmath>
-#include <functional>
 #include <limits>
-#include <map>
-#include <set>
 #include <stdexcept>
 
 using namespace Vek::Chart;
@@ -42,8 +36,6 @@ protected:
 };
 
 constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
-
-using DrawablesPixels = PixelScopeFixture;
 
 /// A red face or a black outline.
 Lines Corners(const std::string& p_begin, int p_left, int p_bottom, int p_right, int p_top) {
@@ -296,100 +288,4 @@ TEST_F(DrawablesCalls, RingReportsABrokenMesh) {
   recorder.TakeComplaints(); // of the two vertices too few
   ring.indices.clear();
   EXPECT_EQ(Drawn(ring), (Lines{"Begin(GL_TRIANGLES)", "End()"}));
-}
-
-// On the rasteriser
-
-/// The GL state before and after each drawable: exactly what its header names has changed.
-TEST_F(DrawablesPixels, LeaveTheStateAsTheirHeadersSay) {
-  const Geometry geometry(Handle());
-  const QImage image(5, 3, QImage::Format_ARGB32);
-  const auto texture = boost::make_shared<Texture>(image, gl), decal = boost::make_shared<Texture>(image, gl);
-  const std::vector<boost::shared_ptr<Texture>> replaced = {texture, texture}, blended = {texture, decal};
-  (*texture)(gl, RGL_TEXTURE0); // uploads
-  (*decal)(gl, RGL_TEXTURE0);
-  decal->environment = Texture::Decal;
-
-  const std::map<std::string, std::vector<Ogl::GlEnum>> variables = {
-      {"current colour", {RGL_CURRENT_COLOR}},
-      {"current normal", {RGL_CURRENT_NORMAL}},
-      {"texture coordinate", {RGL_CURRENT_TEXTURE_COORDS}},
-      {"matrices", {RGL_MODELVIEW_MATRIX, RGL_PROJECTION_MATRIX, RGL_MATRIX_MODE}},
-      {"depth test", {RGL_DEPTH_FUNC, RGL_DEPTH_WRITEMASK}},
-      {"blend function", {RGL_BLEND_SRC_RGB, RGL_BLEND_DST_RGB, RGL_BLEND_SRC_ALPHA, RGL_BLEND_DST_ALPHA}},
-      {"texture", {RGL_ACTIVE_TEXTURE, RGL_TEXTURE_BINDING_2D}},
-      {"faces and lines", {RGL_POLYGON_MODE, RGL_LINE_WIDTH}},
-      {"unpack alignment", {RGL_UNPACK_ALIGNMENT}},
-      {"enabled", {RGL_BLEND, RGL_DEPTH_TEST, RGL_TEXTURE_2D, RGL_TEXTURE_GEN_S, RGL_LIGHTING, RGL_NORMALIZE}},
-  };
-  const auto state = [&] {
-    std::map<std::string, std::vector<double>> values;
-    for (const auto& [name, tokens] : variables)
-      for (const Ogl::GlEnum token : tokens) {
-        values[name].resize(values[name].size() + 16);
-        gl->GetDoublev(token, values[name].data() + values[name].size() - 16);
-      }
-    return values;
-  };
-
-  const Box box = With(Box(), &Box::rect, Rect(3, 2, 20, 10), &Box::fillColor, Qt::red);
-  const FilledBox frame = With(FilledBox(), &FilledBox::mode, 1, &FilledBox::outer, box.rect);
-  auto cuboid = At123<Cuboid>(&Cuboid::size, Vector(2, 4, 0.5), &Cuboid::filled, false);
-  const TexturedQuad quad = With(TexturedQuad(), &TexturedQuad::rect, box.rect);
-  using Names = std::set<std::string>;
-  const Names color = {"current colour"}, normal = {"current normal"}, coords = {"texture coordinate"};
-  const Names textured = {"current colour", "texture coordinate"};
-  const struct {
-    const char* name;
-    std::function<void()> draw;
-    Names changed;
-  } cases[] = {
-      {"Box", [&] { box(Handle()); }, color},
-      {"FilledBox", [&] { frame(Handle()); }, color},
-      {"Cylinder", [&] { At123<Cylinder>(&Cylinder::filled, false)(Handle()); }, normal},
-      {"Disk", [&] { At123<Disk>(&Disk::outerRadius, 1)(Handle()); }, normal},
-      {"Sphere", [&] { At123<Sphere>()(Handle()); }, normal},
-      {"Arrow3D", [&] { At123<Arrow3D>(&Arrow3D::headFraction, 0.25)(Handle()); }, normal},
-      {"Cuboid", [&] { cuboid(Handle(), geometry); }, normal},
-      {"Ring", [&] { Ring()(Handle()); }, normal},
-      {"TexturedCube", [&] { TexturedCube(0)(gl); }, coords},
-      {"TexturedCube on another unit", [&] { TexturedCube(1)(gl); }, {}},
-      {"Geometry::Sphere", [&] { geometry.Sphere(gl); }, normal},
-      {"Geometry::CircularArrow", [&] { geometry.CircularArrow(gl); }, normal},
-      {"Geometry::Voxel", [&] { geometry.Voxel(gl); }, coords},
-      {"TexturedQuad without a size", [&] { TexturedQuad()(Handle(), *texture); }, {}},
-      {"TexturedQuad", [&] { quad(Handle(), *texture); }, textured},
-      {"layers", [&] { quad(Handle(), replaced); }, textured},
-      {"blended", [&] { quad(Handle(), blended); }, {"current colour", "texture coordinate", "blend function"}},
-      {"uploading",
-       [&] { quad(Handle(), Texture(image, gl)); },
-       {"current colour", "texture coordinate", "unpack alignment"}},
-  };
-  const auto bound = gl->GenTexture();
-  for (const auto& c : cases) {
-    // A state that differs from what any drawable would set.
-    const auto attributes = gl->PushAttribScope(RGL_ALL_ATTRIB_BITS);
-    gl->ActiveTexture(RGL_TEXTURE0);
-    gl->Bind(bound, Rgl::Sampler2D);
-    gl->Disable(RGL_TEXTURE_2D);
-    gl->Enable(RGL_TEXTURE_GEN_S);
-    gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_POINT);
-    gl->DepthFunc(RGL_GEQUAL);
-    gl->BlendFuncSeparate(RGL_DST_ALPHA, RGL_SRC_COLOR, RGL_ONE_MINUS_DST_ALPHA, RGL_SRC_ALPHA);
-    gl->PixelStorei(RGL_UNPACK_ALIGNMENT, 8);
-    gl->Color(QColor(255, 127, 63, 31));
-    gl->Normal(0.6, 0, 0.8);
-    gl->TexCoord(0.25, 0.125);
-    gl->Translate({0.5, 0.25, 8});
-
-    const auto before = state();
-    c.draw();
-    Names changed;
-    for (const auto& [name, values] : state())
-      if (before.at(name) != values)
-        changed.insert(name);
-    EXPECT_EQ(changed, c.changed) << c.name;
-    EXPECT_TRUE(gl->CheckError(c.name));
-  }
-  gl->PixelStorei(RGL_UNPACK_ALIGNMENT, 4);
 }

@@ -156,11 +156,7 @@ TEST_F(StyleCalls, FillsInUpToTwoPasses) {
     gl->PolygonStipple(Pattern::PolygonStipplePattern(static_cast<Pattern::FillPattern>(p_pattern)));
     return recorder.Lines().back();
   };
-  const struct {
-    const char* name;
-    Types::FillStyle style;
-    Lines expected;
-  } cases[] = {
+  const std::tuple<const char*, Types::FillStyle, Lines> cases[] = {
       {"none", Fill(0, Qt::red, Qt::blue), {}},
       {"solid", Fill(1, Qt::red, Qt::blue), {push, red, draw, pop}},
       {"pattern", Fill(8, Qt::red, Qt::blue), {push, blue, draw, on, mask(8), red, draw, pop}},
@@ -169,8 +165,8 @@ TEST_F(StyleCalls, FillsInUpToTwoPasses) {
       {"unknown pattern", Fill(99, Qt::red, Qt::blue), {push, blue, draw, on, mask(1), red, draw, pop}},
       {"invisible", Fill(1, Clear, Clear), {push, pop}},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(Drawn(c.style), c.expected) << c.name;
+  for (const auto& [name, style, expected] : cases)
+    EXPECT_EQ(Drawn(style), expected) << name;
 }
 
 TEST_F(StyleCalls, LinesInUpToTwoPasses) {
@@ -179,11 +175,7 @@ TEST_F(StyleCalls, LinesInUpToTwoPasses) {
   const std::string rough = "Disable(GL_LINE_SMOOTH)", on = "Enable(GL_LINE_STIPPLE)";
   Types::LineStyle smooth = Line(1, 2.5f, Qt::red, Qt::blue);
   smooth.smooth.Set(true);
-  const struct {
-    const char* name;
-    Types::LineStyle style;
-    Lines expected;
-  } cases[] = {
+  const std::tuple<const char*, Types::LineStyle, Lines> cases[] = {
       {"none", Line(0, 1, Qt::red, Qt::blue), {}},
       {"smooth", smooth, {push, "Enable(GL_LINE_SMOOTH)", "LineWidth(2.5)", red, draw, pop}},
       {"dotted",
@@ -194,8 +186,8 @@ TEST_F(StyleCalls, LinesInUpToTwoPasses) {
        Line(10, 6.99f, Clear, Qt::blue),
        {push, rough, "LineWidth(6.99)", blue, draw, on, "LineStipple(6, 0xF1E4)", pop}},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(Drawn(c.style), c.expected) << c.name;
+  for (const auto& [name, style, expected] : cases)
+    EXPECT_EQ(Drawn(style), expected) << name;
 
   const std::pair<float, const char*> factors[] = {
       {0.5f, "LineStipple(0, 0xFF00)"}, {0, "LineStipple(0, 0xFF00)"},     {-3, "LineStipple(0, 0xFF00)"},
@@ -251,33 +243,4 @@ TEST_F(StylePixels, EveryFillPatternBitForBit) {
       }
     EXPECT_TRUE(SameImage(Image(), expected)) << "pattern " << pattern;
   }
-}
-
-TEST_F(StylePixels, EveryLinePatternPixelForPixel) {
-  // Powers of two, so that window coordinates are exact: some rasterisers cut a stippled line at rounded ones.
-  const Types::Viewport<0> viewport(0, 0, 64, 32);
-  gl->Viewport(viewport);
-  const auto pixels = gl->PixelProjection(viewport);
-  DrawFunction draw = [](Scope& p_gl) {
-    p_gl->Begin(RGL_LINES);
-    p_gl->Vertex(4, 10.5, 0);
-    p_gl->Vertex(56, 10.5, 0);
-    p_gl->End();
-  };
-  for (std::uint32_t pattern = 1; pattern <= 11; ++pattern)
-    for (const int width : {1, 3}) {
-      gl->Clear(RGL_COLOR_BUFFER_BIT);
-      Style::DrawInternal(Line(pattern, static_cast<float>(width), Qt::red, Qt::blue), gl, draw);
-      const QImage image = Image();
-      std::string expected, actual;
-      for (int x = 4; x < 56; ++x) {
-        const unsigned bits = Pattern::LineStipplePattern(static_cast<Pattern::LinePattern>(pattern));
-        expected += pattern == 1 || (bits >> ((x - 4) / width % 16) & 1) != 0 ? '#' : '-';
-        const QRgb pixel = PixelAt(image, x, 10);
-        actual += pixel == QColor(Qt::red).rgba() ? '#' : pixel == QColor(Qt::blue).rgba() ? '-' : '?';
-      }
-      EXPECT_EQ(actual, expected) << "pattern " << pattern << ", width " << width;
-      for (int y = 7; y < 14; ++y)
-        EXPECT_EQ(qAlpha(PixelAt(image, 30, y)) != 0, std::abs(y - 10) <= width / 2) << "width " << width;
-    }
 }
