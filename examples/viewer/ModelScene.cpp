@@ -13,6 +13,8 @@
 
 #include "platform/ogl/VertexData.h"
 
+#include <boost/lexical_cast.hpp>
+
 #include <algorithm>
 #include <cmath>
 
@@ -77,7 +79,7 @@ public:
   ModelScene(const std::string& p_path, Gallery::Loading& p_loading)
       : _file(QString::fromStdString(Gallery::FileName(p_path))) {
     const auto stream = p_loading.Stage(0.8).Open(p_path);
-    const boost::shared_ptr<const ObjModel> model = Library::LoadPolygonObj(*stream);
+    const boost::shared_ptr<const ObjModel> model = Read(*stream, p_path);
     p_loading.CheckCancelled(); // which the reader may take for the end of the file
     _lines = model->PrimitiveType() == Ogl::VertexBuffer::LineSegments;
     const std::vector<unsigned int> indices = SoundIndices(*model, _lines ? 2 : 3);
@@ -135,6 +137,14 @@ public:
   }
 
 private:
+  static boost::shared_ptr<const ObjModel> Read(std::istream& p_stream, const std::string& p_path) {
+    try {
+      return Library::LoadPolygonObj(p_stream);
+    } catch (const boost::bad_lexical_cast&) {
+      throw Gallery::InputError(p_path + ": expected an OBJ model, got words where its numbers should be");
+    }
+  }
+
   static ColorMap OwnColors() { return {NamedColors::Colors("viridis", 256, 0.2, 1), ColorMap::Interpolated}; }
 
   void Build(const ObjModel& p_model, std::vector<unsigned int> p_indices) {

@@ -374,6 +374,8 @@ TEST_F(ViewerTest, KeepsTheSceneWhenAFileIsBroken) {
     EXPECT_TRUE(WaitFor([&] { return Reports().Count() > count && !_window->Loader().IsLoading(); })) << name;
     count = Reports().Count();
     EXPECT_TRUE(Reports().Lines().last().contains(name)) << Reports().Lines().last().toStdString();
+    EXPECT_EQ(Reports().Lines().last().endsWith("got words where its numbers should be"),
+              name == std::string("words.obj"));
     const QString expected = "expected an OBJ model, a Radiance picture, a TextArray volume, a table of winds or "
                              "earthquakes, or a flow on a grid";
     EXPECT_EQ(Reports().Lines().last().contains(expected), name == std::string("notes.doc") || *text == 0) << name;
