@@ -9,6 +9,8 @@
 
 #include <QColor>
 
+#include <string>
+
 namespace Vek::Chart::Library {
 
 struct TopMostFragmentDepthBuffer::State {
@@ -50,15 +52,17 @@ bool TopMostFragmentDepthBuffer::GetDepthAt(Utility::Scoped<Rgl>& p_gl, Types::V
 
   boost::array<unsigned char, 4> bytes{{0, 0, 0, 0}};
   {
-    const boost::shared_ptr<void> packing = Private::PackScope(p_gl);
+    const boost::shared_ptr<void> packing = Private::PixelPackScope(p_gl);
     p_gl->ReadPixels(p_position.x, p_position.y, 1, 1, RGL_RGBA, RGL_UNSIGNED_BYTE, bytes.data());
   }
-  p_gl->CheckError("bool __cdecl Vek::Chart::Library::TopMostFragmentDepthBuffer::GetDepthAt(class "
-                   "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &,const class "
-                   "Vek::Chart::Types::Viewport<0>,const class Vek::Chart::Types::Pos &,const class "
-                   "Vek::Chart::Core::TimeStamp &,const class boost::function<void __cdecl(enum "
-                   "Vek::Chart::Library::DepthCodec::Encoding)> &,const class boost::function<void __cdecl(unsigned "
-                   "int,float)> &) @line86");
+  // Made once: it costs as much as binding the target.
+  static const std::string location =
+      "bool __cdecl Vek::Chart::Library::TopMostFragmentDepthBuffer::GetDepthAt(class "
+      "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &,const class Vek::Chart::Types::Viewport<0>,const "
+      "class Vek::Chart::Types::Pos &,const class Vek::Chart::Core::TimeStamp &,const class boost::function<void "
+      "__cdecl(enum Vek::Chart::Library::DepthCodec::Encoding)> &,const class boost::function<void __cdecl(unsigned "
+      "int,float)> &) @line86";
+  p_gl->CheckError(location);
   const float depth = DepthCodec::Decode(bytes);
   if (!(Ogl::HitRecord::DepthFarthest > static_cast<double>(depth)))
     return false;

@@ -27,6 +27,16 @@ boost::shared_ptr<void> PackScope(Utility::Scoped<Rgl>& p_gl) {
                     {RGL_PACK_ROW_LENGTH, RGL_PACK_SKIP_ROWS, RGL_PACK_SKIP_PIXELS, RGL_PACK_SWAP_BYTES});
 }
 
+boost::shared_ptr<void> PixelPackScope(Utility::Scoped<Rgl>& p_gl) {
+  for (const Ogl::GlEnum name : {RGL_PIXEL_PACK_BUFFER_BINDING, RGL_PACK_SKIP_ROWS, RGL_PACK_SKIP_PIXELS}) {
+    int value = 0;
+    p_gl->GetIntegerv(name, &value);
+    if (value != 0)
+      return PackScope(p_gl);
+  }
+  return {};
+}
+
 boost::shared_ptr<void> UnpackScope(Utility::Scoped<Rgl>& p_gl) {
   return TightScope(p_gl, RGL_PIXEL_UNPACK_BUFFER, RGL_UNPACK_ALIGNMENT,
                     {RGL_UNPACK_ROW_LENGTH, RGL_UNPACK_SKIP_ROWS, RGL_UNPACK_SKIP_PIXELS, RGL_UNPACK_SWAP_BYTES,

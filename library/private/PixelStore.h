@@ -13,6 +13,8 @@ namespace Vek::Chart::Library::Private {
 
 /// For what GL writes: ReadPixels, GetTexImage.
 boost::shared_ptr<void> PackScope(Utility::Scoped<Rgl>& p_gl);
+/// For one pixel of bytes that GL writes. Empty, and much cheaper, where the host has set nothing that moves it.
+boost::shared_ptr<void> PixelPackScope(Utility::Scoped<Rgl>& p_gl);
 /// For what GL reads: TexImage2D, TexImage3D.
 boost::shared_ptr<void> UnpackScope(Utility::Scoped<Rgl>& p_gl);
 

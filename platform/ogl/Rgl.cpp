@@ -134,9 +134,10 @@ boost::shared_ptr<void> Rgl::BindScope(const boost::shared_ptr<FrameBufferObject
   GetIntegerv(RGL_READ_FRAMEBUFFER_BINDING, &read);
   BindFramebuffer(RGL_FRAMEBUFFER, p_target->Name());
   // The guard holds the target: a frame buffer that is deleted while bound would leave the default one bound.
-  return MakeGuard([gl = _gl, p_target, draw, read] {
-    gl->BindFramebuffer(RGL_DRAW_FRAMEBUFFER, static_cast<unsigned int>(draw));
-    gl->BindFramebuffer(RGL_READ_FRAMEBUFFER, static_cast<unsigned int>(read));
+  return MakeGuard([gl = _gl, target = p_target, draw, read] {
+    gl->BindFramebuffer(draw == read ? RGL_FRAMEBUFFER : RGL_DRAW_FRAMEBUFFER, static_cast<unsigned int>(draw));
+    if (draw != read)
+      gl->BindFramebuffer(RGL_READ_FRAMEBUFFER, static_cast<unsigned int>(read));
   });
 }
 

@@ -85,7 +85,7 @@ TEST_F(RenderTextureCalls, MakesItsObjectsOnceAndRestoresWhatWasBound) {
     EXPECT_EQ(Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING), 4001);
     EXPECT_EQ(Integer(gl, RGL_READ_FRAMEBUFFER_BINDING), 4001);
   }
-  const std::string restored = "BindFramebuffer(GL_DRAW_FRAMEBUFFER, 0); BindFramebuffer(GL_READ_FRAMEBUFFER, 0)";
+  const std::string restored = "BindFramebuffer(GL_FRAMEBUFFER, 0)";
   EXPECT_EQ(recorder.LinesWithout(quiet),
             Calls("PushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT); BindBuffer(GL_PIXEL_UNPACK_BUFFER, 0); "
                   "GenTextures(1, [1001]); BindTexture(GL_TEXTURE_2D, 1001); "

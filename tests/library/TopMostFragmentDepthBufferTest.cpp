@@ -72,15 +72,14 @@ TEST_F(TopMostFragmentDepthBufferCalls, StepsInOrder) {
                         "PushClientAttrib", "PopClientAttrib",      "BindBuffer",  "CheckFramebufferStatus"};
   Lines lines = recorder.LinesWithout(making);
   // While it was made, the frame buffer was bound once.
-  lines.erase(lines.begin() + 1, lines.begin() + 4);
+  lines.erase(lines.begin() + 1, lines.begin() + 3);
   EXPECT_EQ(
       lines,
       (Lines{"PushAttrib(GL_VIEWPORT_BIT|GL_ENABLE_BIT|GL_COLOR_BUFFER_BIT)", "BindFramebuffer(GL_FRAMEBUFFER, 4001)",
              "Viewport(0, 0, 9, 3)", "Disable(GL_FRAMEBUFFER_SRGB)", "ClearColor(0, 0, 0, 0)",
              "Clear(GL_DEPTH_BUFFER_BIT|GL_STENCIL_BUFFER_BIT|GL_COLOR_BUFFER_BIT)", "Disable(GL_STENCIL_TEST)",
              "Enable(GL_DEPTH_TEST)", "Enable(GL_BLEND)", "ReadPixels(4, 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, ptr)",
-             "GetError()", "BindFramebuffer(GL_DRAW_FRAMEBUFFER, 0)", "BindFramebuffer(GL_READ_FRAMEBUFFER, 0)",
-             "PopAttrib()"}));
+             "GetError()", "BindFramebuffer(GL_FRAMEBUFFER, 0)", "PopAttrib()"}));
   EXPECT_EQ(recorder.LinesOf({"TexImage2D"}).at(0),
             "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, null)");
 
@@ -89,12 +88,11 @@ TEST_F(TopMostFragmentDepthBufferCalls, StepsInOrder) {
   EXPECT_FALSE(second.hit); // nothing there
   EXPECT_EQ(second.renders, 0);
   EXPECT_TRUE(second.results.empty());
-  EXPECT_EQ(
-      recorder.LinesWithout({"GetIntegerv", "PixelStorei", "PushClientAttrib", "PopClientAttrib", "BindBuffer"}),
-      (Lines{"PushAttrib(GL_VIEWPORT_BIT|GL_ENABLE_BIT|GL_COLOR_BUFFER_BIT)", "BindFramebuffer(GL_FRAMEBUFFER, 4001)",
-             "Viewport(0, 0, 9, 3)", "Disable(GL_FRAMEBUFFER_SRGB)",
-             "ReadPixels(5, 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, ptr)", "GetError()",
-             "BindFramebuffer(GL_DRAW_FRAMEBUFFER, 0)", "BindFramebuffer(GL_READ_FRAMEBUFFER, 0)", "PopAttrib()"}));
+  EXPECT_EQ(recorder.LinesWithout({"GetIntegerv", "PixelStorei", "PushClientAttrib", "PopClientAttrib", "BindBuffer"}),
+            (Lines{"PushAttrib(GL_VIEWPORT_BIT|GL_ENABLE_BIT|GL_COLOR_BUFFER_BIT)",
+                   "BindFramebuffer(GL_FRAMEBUFFER, 4001)", "Viewport(0, 0, 9, 3)", "Disable(GL_FRAMEBUFFER_SRGB)",
+                   "ReadPixels(5, 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, ptr)", "GetError()",
+                   "BindFramebuffer(GL_FRAMEBUFFER, 0)", "PopAttrib()"}));
 }
 
 TEST_F(TopMostFragmentDepthBufferCalls, DrawsAgainForNewStampsAndSizesOnly) {
@@ -133,8 +131,7 @@ TEST_F(TopMostFragmentDepthBufferCalls, ThrowingCallbacksLeaveTheStampAndRestore
   EXPECT_THROW(Pick(gl, picker, {0, 0, 9, 3}, {0, 0}, stamp, [] { throw std::runtime_error("no scene"); }),
                std::runtime_error);
   const Lines lines = recorder.Lines();
-  EXPECT_EQ(Lines(lines.end() - 3, lines.end()), (Lines{"BindFramebuffer(GL_DRAW_FRAMEBUFFER, 0)",
-                                                        "BindFramebuffer(GL_READ_FRAMEBUFFER, 0)", "PopAttrib()"}));
+  EXPECT_EQ(Lines(lines.end() - 2, lines.end()), (Lines{"BindFramebuffer(GL_FRAMEBUFFER, 0)", "PopAttrib()"}));
   EXPECT_EQ(recorder.LinesOf({"ReadPixels"}), Lines());
   EXPECT_EQ(Pick(gl, picker, {0, 0, 9, 3}, {0, 0}, stamp).renders, 1);
   EXPECT_EQ(Pick(gl, picker, {0, 0, 9, 3}, {0, 0}, stamp).renders, 0);
@@ -172,14 +169,6 @@ TEST_F(TopMostFragmentDepthBufferCalls, LeavesSrgbAloneWhereThereIsNone) {
     }
     EXPECT_EQ(device.Complaints(), Lines());
   }
-}
-
-TEST_F(TopMostFragmentDepthBufferCalls, ReadsOnlyItsFourBytesWhateverTheHostHasSet) {
-  Scope gl(recorder.Handle());
-  TopMostFragmentDepthBuffer picker;
-  recorder.SetPixel(1, 1, {63, 191, 63, 191});
-  gl->PixelStorei(RGL_PACK_SKIP_PIXELS, 1000);
-  EXPECT_TRUE(Pick(gl, picker, {0, 0, 9, 3}, {1, 1}, Core::TimeStamp()).hit);
 }
 
 // On the real rasteriser
@@ -240,6 +229,39 @@ TEST_F(TopMostFragmentDepthBufferPixels, PicksTheNearestSurface) {
   EXPECT_FALSE(gl->IsEnabled(RGL_DEPTH_TEST));
   EXPECT_TRUE(gl->IsEnabled(RGL_FRAMEBUFFER_SRGB));
   EXPECT_EQ(Vek::Test::PixelAt(Image(), 2, 1), qRgba(0, 0, 0, 0)); // nothing was drawn to the host's frame buffer
+}
+
+TEST_F(TopMostFragmentDepthBufferPixels, ReadsOnlyItsFourBytesWhateverTheHostHasSet) {
+  Scope gl(Handle());
+  unsigned int buffer = 0;
+  gl->GenBuffers(1, &buffer);
+  TopMostFragmentDepthBuffer picker;
+  const Core::TimeStamp stamp;
+  const auto clear = [&] {
+    gl->ClearColor(63 / 255.0F, 191 / 255.0F, 63 / 255.0F, 191 / 255.0F);
+    gl->Clear(RGL_COLOR_BUFFER_BIT);
+  };
+  for (const Ogl::GlEnum setting : {RGL_PIXEL_PACK_BUFFER_BINDING, RGL_PACK_SKIP_PIXELS, RGL_PACK_SKIP_ROWS,
+                                    RGL_PACK_ROW_LENGTH, RGL_PACK_ALIGNMENT, RGL_PACK_SWAP_BYTES}) {
+    const int value = setting == RGL_PACK_SWAP_BYTES ? 1 : setting == RGL_PACK_ALIGNMENT ? 8 : 1000;
+    if (setting == RGL_PIXEL_PACK_BUFFER_BINDING)
+      gl->BindBuffer(RGL_PIXEL_PACK_BUFFER, buffer);
+    else
+      gl->PixelStorei(setting, value);
+    const Pick pick(gl, picker, {0, 0, 5, 3}, {1, 1}, stamp, clear);
+    ASSERT_TRUE(pick.hit) << setting;
+    EXPECT_EQ(pick.results.at(0).second, DepthCodec::Decode({{63, 191, 63, 191}})) << setting;
+    int after = 0;
+    gl->GetIntegerv(setting, &after);
+    if (setting == RGL_PIXEL_PACK_BUFFER_BINDING) {
+      EXPECT_EQ(after, static_cast<int>(buffer));
+      gl->BindBuffer(RGL_PIXEL_PACK_BUFFER, 0);
+    } else {
+      EXPECT_EQ(after, value) << setting;
+      gl->PixelStorei(setting, setting == RGL_PACK_ALIGNMENT ? 4 : 0);
+    }
+  }
+  gl->DeleteBuffers(1, &buffer);
 }
 
 // What is cut off a channel loses one step of it, and of the ones behind: 1 / 255 + 1 / 65025 + … at worst.
