@@ -1,5 +1,6 @@
-// Reads generated Radiance pictures of 4096 x 2048 pixels, run-length encoded and flat. The limit is what any reader
-// has to do: read the file and touch the memory of the result once.
+// Reads generated Radiance pictures of 4096 x 2048 pixels, run-length encoded and flat. There are two limits: what it
+// takes to read the file and to touch one byte of each page of the result, which is little more than the system's own
+// part; and to read the file and to write each byte of the result once, in pages as large as the system has.
 
 #include "library/HdrImage.h"
 
@@ -19,6 +20,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -114,7 +116,8 @@ void CountPixels(benchmark::State& p_state) {
   p_state.SetItemsProcessed(p_state.iterations() * std::int64_t(Width * Height));
 }
 
-void ReadAndTouchPages(benchmark::State& p_state) {
+/// Writes one byte out of `p_step`.
+void ReadAndWrite(benchmark::State& p_state, std::size_t p_step) {
   constexpr std::size_t hugePage = std::size_t(1) << 21;
   const std::string& path = PicturePath(p_state.range(0) != 0);
   std::vector<char> window(std::size_t(1) << 20);
@@ -128,11 +131,22 @@ void ReadAndTouchPages(benchmark::State& p_state) {
 #ifdef __linux__
     madvise(result.get(), size, MADV_HUGEPAGE);
 #endif
-    for (std::size_t at = 0; at < size; at += 4096)
-      result.get()[at] = 1;
+    if (p_step == 1)
+      std::memset(result.get(), 1, size);
+    else
+      for (std::size_t at = 0; at < size; at += p_step)
+        result.get()[at] = 1;
     benchmark::DoNotOptimize(result.get());
   }
   CountPixels(p_state);
+}
+
+void ReadAndTouchPages(benchmark::State& p_state) {
+  ReadAndWrite(p_state, 4096);
+}
+
+void ReadAndWriteAll(benchmark::State& p_state) {
+  ReadAndWrite(p_state, 1);
 }
 
 void LoadPicture(benchmark::State& p_state) {
@@ -148,6 +162,7 @@ void LoadPicture(benchmark::State& p_state) {
   BENCHMARK(p_function)->ArgName("runs")->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond)->UseRealTime()
 
 VEK_HDR_BENCHMARK(ReadAndTouchPages);
+VEK_HDR_BENCHMARK(ReadAndWriteAll);
 VEK_HDR_BENCHMARK(LoadPicture);
 
 #ifdef VEK_BENCH_STB
