@@ -1,9 +1,11 @@
 #include "library/private/ByteSource.h"
 
 #include "library/private/LineBlocks.h"
+#include "platform/debug/Check.h"
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <utility>
 
 namespace Vek::Chart::Library::Private {
@@ -42,15 +44,19 @@ std::size_t ByteSource::Refill(std::size_t p_count) {
   return _end;
 }
 
-/// Reads behind the end of the window and returns how many bytes came. What cannot be read, a folder for one, ends.
+/// Reads behind the end of the window and returns how many bytes came. What cannot be read, a folder for one, ends, and
+/// the reason is told: a file that was read in part is not to be taken for a short one.
 std::size_t ByteSource::ReadOn() {
   try {
     const std::streamsize got = _stream.rdbuf()->sgetn(reinterpret_cast<char*>(_window.get() + _end),
                                                        static_cast<std::streamsize>(_size - _end));
     return got < 0 ? 0 : static_cast<std::size_t>(got);
+  } catch (const std::exception& p_failure) {
+    vekdebug::warn(std::string("a stream failed while it was read: ") + p_failure.what());
   } catch (...) {
-    return 0;
+    vekdebug::warn("a stream failed while it was read");
   }
+  return 0;
 }
 
 bool ByteSource::GetLine(std::string& p_line) {

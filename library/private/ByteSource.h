@@ -10,7 +10,8 @@ namespace Vek::Chart::Library::Private {
 
 /// Reads bytes and lines from a stream through a window of memory, with a look ahead. At its end, reads yield less than
 /// was asked for, and never anything stale. Reads past the stream's buffer only: its state flags stay as they are, and
-/// a stream that is not good is taken as empty.
+/// a stream that is not good is taken as empty. A stream that throws has ended; that is written to the error stream,
+/// with the text of the exception.
 class ByteSource {
 public:
   explicit ByteSource(std::istream& p_stream);

@@ -153,14 +153,20 @@ void Voxels::ReadPlain() {
   const char* const first = Text(_source);
   const char* const last = first + _source.Prepare(0);
   const char* at = first;
-  while (_read < _count) {
+  // Kept apart from the members, which the compiler would write for each number.
+  std::size_t read = _read;
+  float maximum = _maximum;
+  while (read < _count) {
     float value;
     const char* const end = PlainNumber(SkipBlanks(at, last), last, value);
     if (end == nullptr)
       break;
-    Append(value);
+    _numbers[read++] = value;
+    maximum = value > maximum ? value : maximum;
     at = end;
   }
+  _read = read;
+  _maximum = maximum;
   _source.Take(static_cast<std::size_t>(at - first));
 }
 

@@ -1,17 +1,26 @@
-// What must take memory once or not at all, by counting calls of operator new.
+// What must take memory once, not at all or within bounds, by counting calls of operator new.
 
 #include "library/CloneAttribute.h"
+#include "library/HdrImage.h"
 #include "library/Intersect.h"
+#include "library/ObjModel.h"
 #include "library/StreamLineShape.h"
+#include "library/VolumeImage.h"
 #include "platform/data/VertexAttribute.h"
 #include "platform/data/VertexIndex.h"
+#include "tests/support/ReportCapture.h"
 
 #include <gtest/gtest.h>
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <new>
+#include <sstream>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace {
@@ -19,11 +28,13 @@ namespace {
 constexpr std::size_t Large = 10000; // bytes; smaller allocations are those of objects, not of data
 std::size_t all = 0;
 std::size_t large = 0;
+std::size_t bytes = 0; // of all, released or not
 
 } // namespace
 
 void* operator new(std::size_t p_size) {
   ++all;
+  bytes += p_size;
   large += p_size >= Large ? 1 : 0;
   if (void* const memory = std::malloc(p_size != 0 ? p_size : 1))
     return memory;
@@ -110,6 +121,57 @@ TEST(Allocations, NoneAfterTheFirstRingOrCut) {
   before = all;
   run(1000);
   EXPECT_EQ(all, before);
+}
+
+// A few bytes that claim a lot. What a reader takes is its window, and the result where the claim is to be believed.
+TEST(Allocations, ClaimsTakeNoMemory) {
+  using namespace Library;
+  constexpr std::size_t window = std::size_t{1} << 20;
+  constexpr std::size_t little = std::size_t{1} << 17;
+  const auto picture = [](std::istream& p_stream) { HdrImage image(p_stream); };
+  const auto volume = [](std::istream& p_stream) { VolumeImage::LoadFromStream(p_stream, VolumeImage::TextArray); };
+  const auto model = [](std::istream& p_stream) { LoadPolygonObj(p_stream); };
+  const std::string radiance = "#?RADIANCE\n\n";
+  std::string pointer = "v 0 0 0\nvn 0 0 1\n";
+  for (int i = 0; i < 100; ++i)
+    pointer += "f 2147483647//2147483647 -2147483648//-1 999999999//1\nl 2147483647 1\n";
+  const struct {
+    const char* name;
+    std::function<void(std::istream&)> read;
+    std::string text;
+    std::size_t most;
+  } rows[] = {
+      {"picture, overflow", picture, radiance + "-Y 65536 +X 65536\n", window},
+      {"picture, most pixels of an int", picture, radiance + "-Y 1 +X 2147483647\n\1\1\1\377", 2 * window},
+      {"picture, just too much", picture, radiance + "-Y 8192 +X 8193\n\2\2\x20\1", 2 * window},
+      {"picture, many rows without columns", picture, radiance + "-Y 2147483647 +X 0\n", 2 * window},
+      {"picture, one long row", picture, radiance + "-Y 0 +X 2147483647\n", 2 * window},
+      {"picture, separated row", picture, radiance + "-Y 1 +X 32767\n\2\2\x7f\xff\xff", window + 32767 * 16},
+      {"picture, run beyond the row", picture, radiance + "-Y 1 +X 9\n1234" + "\1\1\1\377\1\1\1\377", window},
+      {"volume, overflow", volume, "TextArray 65536 65536 65536 65536 1", 0},
+      {"volume, 2^60", volume, "TextArray 32768 32768 32768 32768 1", 2 * window},
+      {"volume, just too much", volume, "TextArray 1 67108865 1 1 1 2 3", 2 * window},
+      {"volume, to be believed", volume, "TextArray 4096 1 4096 4 1 2 3", window + (std::size_t{1} << 26)},
+      {"volume, channels to be believed", volume, "TextArray 1 67108864 1 1 1 2 3", window},
+      {"model, indices", model, pointer, window},
+      {"model, groups", model, "g a\ng b\ng c\nf 1 1 1\n", window},
+  };
+  std::size_t most_taken = 0;
+  for (const auto& row : rows) {
+    const Vek::Test::ReportCapture reports;
+    std::istringstream stream(row.text);
+    const std::size_t before = bytes;
+    try {
+      row.read(stream);
+    } catch (const std::length_error&) {
+    } catch (const std::out_of_range&) {
+    }
+    const std::size_t of_reports = 3000 * reports.Texts().size();
+    const std::size_t taken = bytes - before;
+    EXPECT_LE(taken, row.most + little + of_reports) << row.name;
+    most_taken = std::max(most_taken, taken);
+  }
+  EXPECT_GE(most_taken, std::size_t{1} << 26) << "nothing is counted";
 }
 
 } // namespace

@@ -15,6 +15,7 @@
 #include <random>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 using Vek::Chart::Library::HdrImage;
 using Vek::Test::ReportCapture;
@@ -496,13 +497,44 @@ TEST(HdrImage, ReadsFiles) {
   EXPECT_EQ(HdrImage(vekfile::filepath(path)).Pixel(2, 0).blue, 4.0f);
   std::filesystem::remove(path);
 
-  for (const std::string& missing : {path, testing::TempDir(), std::string()}) { // a folder opens, but cannot be read
+  const Texts empty = {LoadReport("header.size() == 10"), LoadReport("header == \"#?RADIANCE\""), Orientation};
+  for (const std::string& missing : {path, std::string(), testing::TempDir()}) { // a folder opens, but cannot be read
     const ReportCapture reports;
     const HdrImage image{vekfile::filepath(missing)};
     EXPECT_EQ(image.Width(), 0);
-    EXPECT_EQ(reports.Texts(),
-              (Texts{LoadReport("header.size() == 10"), LoadReport("header == \"#?RADIANCE\""), Orientation}))
-        << missing;
+    Texts texts = reports.Texts();
+    if (missing == testing::TempDir()) {
+      EXPECT_EQ(texts.at(0).find("WARNING: a stream failed while it was read: "), 0u) << texts.at(0);
+      texts.erase(texts.begin());
+    }
+    EXPECT_EQ(texts, empty) << missing;
+  }
+}
+
+TEST(HdrImage, TellsWhyAStreamFailed) {
+  struct FailingBuffer : std::streambuf {
+    explicit FailingBuffer(bool p_standard)
+        : standard(p_standard) {}
+    std::streamsize xsgetn(char* p_to, std::streamsize) override {
+      if (text.empty() && standard)
+        throw std::runtime_error("the disk is gone");
+      if (text.empty())
+        throw 1;
+      return static_cast<std::streamsize>(std::exchange(text, "").copy(p_to, std::string::npos));
+    }
+    bool standard;
+    std::string text = Picture(2, 2, A + B + C);
+  };
+  for (const bool standard : {true, false}) {
+    FailingBuffer buffer(standard);
+    std::istream stream(&buffer);
+    const ReportCapture reports;
+    const HdrImage image(stream);
+    EXPECT_EQ(image.Pixel(1, 1).red, PixelB[0]);
+    EXPECT_EQ(image.Pixel(0, 0).red, PixelC[0]);
+    EXPECT_EQ(image.Pixel(1, 0).red, 0.0f);
+    const std::string cause = standard ? ": the disk is gone" : "";
+    EXPECT_EQ(reports.Texts(), (Texts{"WARNING: a stream failed while it was read" + cause, Cut}));
   }
 }
 
