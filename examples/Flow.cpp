@@ -10,6 +10,7 @@
 #include "examples/scene/MapAxes.h"
 #include "examples/scene/Overlay.h"
 #include "examples/scene/Palettes.h"
+#include "examples/scene/SlicePainter.h"
 #include "examples/scene/SpaceScene.h"
 #include "examples/scene/Streamlines.h"
 #include "examples/scene/Sweep.h"
@@ -133,7 +134,11 @@ protected:
     if (_is_own)
       p_overlay.Title("A Burgers vortex", "Computed: drawn in from the sides, stretched along its axis");
     else
-      p_overlay.Title("Flow", _file);
+      p_overlay.Title("Flow", QString("%1, a grid of %2 × %3 × %4 nodes")
+                                  .arg(_file)
+                                  .arg(_grid.Size()[0])
+                                  .arg(_grid.Size()[1])
+                                  .arg(_grid.Size()[2]));
     p_overlay.Bar({60, 62, 520, 78}, Colors(), _is_own ? "Speed (no unit)" : "Speed in the units of the file",
                   TicksFromZero(_fastest, 5, _clipped));
   }
@@ -188,24 +193,7 @@ private:
     p_gl->Disable(RGL_LIGHTING);
     p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.5 * p_view.PointSize())));
     p_gl->Color(Theme::Line);
-    const Point a = ToScene(_grid.Min());
-    const Point b = ToScene(_grid.Max());
-    p_gl->Begin(RGL_LINES);
-    for (const bool first : {false, true})
-      for (const bool second : {false, true}) {
-        const auto line = [&](const Point& p_from, const Point& p_to) {
-          p_gl->Vertex(p_from);
-          p_gl->Vertex(p_to);
-        };
-        const double x = (first ? b : a).x;
-        const double y1 = (first ? b : a).y;
-        const double y2 = (second ? b : a).y;
-        const double z = (second ? b : a).z;
-        line({a.x, y1, z}, {b.x, y1, z});
-        line({x, a.y, z}, {x, b.y, z});
-        line({x, y2, a.z}, {x, y2, b.z});
-      }
-    p_gl->End();
+    DrawEdges(p_gl, {ToScene(_grid.Min()), ToScene(_grid.Max())});
   }
 
   bool _is_own; ///< the scene's own vortex, no file
