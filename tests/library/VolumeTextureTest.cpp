@@ -80,11 +80,7 @@ TEST_F(VolumeTextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
 }
 
 TEST_F(VolumeTextureCalls, InternalFormats) {
-  const struct {
-    VolumeImage::VoxelFormat format;
-    bool srgb;
-    std::string expected;
-  } cases[] = {
+  const std::tuple<VolumeImage::VoxelFormat, bool, std::string> cases[] = {
       {VolumeImage::Byte1, false, "GL_LUMINANCE8, 2, 1, 1, 0, GL_LUMINANCE, GL_UNSIGNED_BYTE"},
       {VolumeImage::Byte1, true, "GL_LUMINANCE8, 2, 1, 1, 0, GL_LUMINANCE, GL_UNSIGNED_BYTE"},
       {VolumeImage::Float1, true, "GL_LUMINANCE32F_ARB, 2, 1, 1, 0, GL_LUMINANCE, GL_FLOAT"},
@@ -92,12 +88,12 @@ TEST_F(VolumeTextureCalls, InternalFormats) {
       {VolumeImage::Byte4, true, "GL_SRGB8_ALPHA8, 2, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE"},
       {VolumeImage::Float4, true, "GL_RGBA32F, 2, 1, 1, 0, GL_RGBA, GL_FLOAT"},
   };
-  for (const auto& row : cases) {
+  for (const auto& [format, srgb, expected] : cases) {
     recorder.Clear();
-    VolumeTexture texture(Counted(row.format, 2, 1, 1), gl);
-    texture.sRgb = row.srgb;
+    VolumeTexture texture(Counted(format, 2, 1, 1), gl);
+    texture.sRgb = srgb;
     texture(gl, RGL_TEXTURE0);
-    EXPECT_EQ(recorder.LinesOf({"TexImage3D"}), Lines{"TexImage3D(GL_TEXTURE_3D, 0, " + row.expected + ", ptr)"});
+    EXPECT_EQ(recorder.LinesOf({"TexImage3D"}), Lines{"TexImage3D(GL_TEXTURE_3D, 0, " + expected + ", ptr)"});
   }
 }
 
@@ -110,11 +106,7 @@ TEST_F(VolumeTextureCalls, WhatCannotBeUploadedIsReported) {
   const ReportCapture without_format;
   const auto raw = boost::make_shared<VolumeImage>(VolumeImage::NoFormat, 5, 3, 2);
   const std::string size = "\"sizeS > 0 && sizeT > 0 && sizeR > 0 && \"Invalid Volume Size\"\" - " + Constructor;
-  const struct {
-    const char* name;
-    boost::shared_ptr<const VolumeImage> image;
-    std::string report;
-  } cases[] = {
+  const std::tuple<const char*, boost::shared_ptr<const VolumeImage>, std::string> cases[] = {
       {"null", nullptr, "\"void*(obj)\" - " + Constructor},
       {"empty", boost::make_shared<VolumeImage>(), size},
       {"flat", volume(3, 0), size},
@@ -125,12 +117,12 @@ TEST_F(VolumeTextureCalls, WhatCannotBeUploadedIsReported) {
        "\"bytes <= p_image->Bytes().size()\" - void __cdecl Vek::Chart::Library::VolumeTexture::Upload(class "
        "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &) const"},
   };
-  for (const auto& row : cases) {
+  for (const auto& [name, image, report] : cases) {
     const ReportCapture reports;
-    const VolumeTexture texture(row.image, gl);
+    const VolumeTexture texture(image, gl);
     texture(gl, RGL_TEXTURE0);
     texture(gl, RGL_TEXTURE0);
-    EXPECT_EQ(reports.Texts(), Lines{row.report}) << row.name;
+    EXPECT_EQ(reports.Texts(), Lines{report}) << name;
   }
   EXPECT_EQ(recorder.LinesOf({"TexImage3D"}), Lines());
 }
