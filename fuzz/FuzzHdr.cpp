@@ -15,12 +15,13 @@ bool IsSlow(const std::string& p_text) {
   for (std::string line; std::getline(text, line);) {
     std::istringstream words(line);
     std::string axis;
-    double height = 0;
-    double width = 0;
+    std::int64_t height = 0; // as the reader takes them: "655e" is 655
+    std::int64_t width = 0;
     words >> axis >> height >> axis >> width;
-    const double least_bytes = std::max(4 * height, height * width / 64);
-    const bool refused = height * width > Vek::Fuzz::RefusedClaim && least_bytes > static_cast<double>(p_text.size());
-    if (height * width > Vek::Fuzz::SlowClaim && !refused)
+    const double pixels = static_cast<double>(height) * static_cast<double>(width);
+    const double least_bytes = std::max(4 * static_cast<double>(height), pixels / 64);
+    const bool refused = pixels > Vek::Fuzz::RefusedClaim && least_bytes > static_cast<double>(p_text.size());
+    if (pixels > Vek::Fuzz::SlowClaim && !refused)
       return true;
   }
   return false;

@@ -14,9 +14,9 @@ bool IsSlow(const std::string& p_text) {
   double count = 1;
   text >> word;
   for (int i = 0; i < 4; ++i) {
-    double size = 0;
+    std::int64_t size = 0;
     text >> size;
-    count *= size;
+    count *= static_cast<double>(size);
   }
   return count > Vek::Fuzz::SlowClaim && count <= Vek::Fuzz::RefusedClaim;
 }
