@@ -42,16 +42,9 @@ constexpr float T = 1.f / 3; // a third
 constexpr float N = 1.f / 9; // a ninth
 constexpr float H = 0.5f;
 
-struct SmallMesh {
-  const char* name;
-  Shape shape;
-  Points vertices;
-  Indices indices;
-};
-
 // clang-format off
 /// All but the circular arrow, of four segments where they are round.
-const SmallMesh SmallMeshes[] = {
+const std::tuple<const char*, Shape, Points, Indices> SmallMeshes[] = {
     {"point", ShapePoint, {{0, 0, 0}}, {}},
     {"line chevron", ShapeArrowHead1D, {{0, 0, 1}, {-T, 0, 0}, {T, 0, 0}}, {1, 0, 2, 0}},
     {"line arrow", ShapeArrow1D, {{0, 0, 0}, {0, 0, 3}, {-T, 0, 2}, {T, 0, 2}}, {0, 1, 2, 1, 3, 1}},
@@ -123,10 +116,10 @@ const Vector Origin(0, 0, 0);
 } // namespace
 
 TEST(VectorSymbolMesh, SmallMeshesAreWrittenOut) {
-  for (const SmallMesh& row : SmallMeshes) {
-    const Surface mesh = Built(VectorSymbol(row.shape, 4));
-    ExpectNear(mesh.positions, row.vertices, row.name);
-    EXPECT_EQ(mesh.indices, row.indices) << row.name;
+  for (const auto& [name, shape, vertices, indices] : SmallMeshes) {
+    const Surface mesh = Built(VectorSymbol(shape, 4));
+    ExpectNear(mesh.positions, vertices, name);
+    EXPECT_EQ(mesh.indices, indices) << name;
   }
 }
 

@@ -4,10 +4,8 @@
 #include "platform/types/Matrix.h"
 #include "platform/types/Property.h"
 #include "platform/types/Range.h"
-#include "platform/types/Size.h"
 #include "platform/types/Transformation.h"
 #include "platform/types/Vector.h"
-#include "platform/types/Viewport.h"
 
 #include <gtest/gtest.h>
 
@@ -150,14 +148,6 @@ TEST(MinMax, GrowsFromNothing) {
   EXPECT_TRUE(!range.Empty() && range.min == infinity);
   range += -3;
   EXPECT_TRUE(range.min == -3 && range.max == infinity);
-}
-
-TEST(Records, CompareByAllTheirFields) {
-  EXPECT_FALSE((Span<unsigned>(2, 5) == Span<unsigned>(2, 6)));
-  EXPECT_TRUE(Size(3, 4) != Size(4, 3));
-  EXPECT_TRUE(Pos(3, 4) == Pos(3, 4));
-  EXPECT_TRUE((Viewport<0>(1, 2, 3, 4) == Viewport<0>(1, 2, 3, 4)));
-  EXPECT_TRUE((Viewport<0>(1, 2, 3, 4) != Viewport<0>(1, 2, 4, 4)));
 }
 
 TEST(Property, StateBitsFollowAssignments) {
