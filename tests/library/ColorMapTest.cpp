@@ -83,13 +83,13 @@ std::vector<int> ModelCounts(const Weights& p_weights, int p_resolution) {
   return counts;
 }
 
-int ModelChannel(int p_from, int p_to, double p_t) {
-  const double fraction = p_from / 255.0 * (1 - p_t) + p_to / 255.0 * p_t;
-  return static_cast<int>(std::lround(std::lround(fraction * 65535) / 257.0));
-}
 QRgb ModelBlend(const QColor& p_a, const QColor& p_b, double p_t) {
-  return qRgba(ModelChannel(p_a.red(), p_b.red(), p_t), ModelChannel(p_a.green(), p_b.green(), p_t),
-               ModelChannel(p_a.blue(), p_b.blue(), p_t), ModelChannel(p_a.alpha(), p_b.alpha(), p_t));
+  const auto channel = [p_t](int p_from, int p_to) {
+    const double fraction = p_from / 255.0 * (1 - p_t) + p_to / 255.0 * p_t;
+    return static_cast<int>(std::lround(std::lround(fraction * 65535) / 257.0));
+  };
+  return qRgba(channel(p_a.red(), p_b.red()), channel(p_a.green(), p_b.green()), channel(p_a.blue(), p_b.blue()),
+               channel(p_a.alpha(), p_b.alpha()));
 }
 
 std::vector<QRgb> ModelTexels(const Colors& p_colors, const Weights& p_weights, bool p_interpolated) {
@@ -172,10 +172,7 @@ TEST(ColorMap, MakesBandsOfTheUsableWeights) {
 
 TEST(ColorMap, IsAsWideAsTheRoundedBandsAllow) {
   const double tiny = std::numeric_limits<double>::denorm_min(), huge = std::numeric_limits<double>::max();
-  const struct {
-    ColorMap map;
-    int size;
-  } cases[] = {
+  const std::pair<ColorMap, int> cases[] = {
       {{Numbered(5), ColorMap::Discrete}, 4095},
       {{Numbered(6), ColorMap::Discrete}, 4096}, // 4098, scaled
       {{Numbered(1000), ColorMap::Discrete}, 4000},
@@ -188,10 +185,8 @@ TEST(ColorMap, IsAsWideAsTheRoundedBandsAllow) {
       {{Numbered(2), {tiny, tiny}, ColorMap::Interpolated}, 2}, // nothing is left of a half
       {{Numbered(2), {tiny, tiny}, ColorMap::Discrete}, 4096},  // no unit: both want all
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(c.map.Size(), c.size) << &c - cases;
-    EXPECT_EQ(Texels(c.map).size(), static_cast<std::size_t>(c.size)) << &c - cases;
-  }
+  for (const auto& c : cases)
+    EXPECT_TRUE(c.first.Size() == c.second && Texels(c.first).size() == std::size_t(c.second)) << &c - cases;
 }
 
 TEST(ColorMap, MatchesThePlainModelOnRandomLists) {
@@ -263,13 +258,9 @@ TEST(GenerateColorList, SpreadsTheListEvenly) {
   const auto rgb = [](int r, int g, int b, int a) { return QColor::fromRgba64(r, g, b, a); };
   const QColor deep = rgb(1000, 2001, 40003, 50005); // not a multiple of 257: 16 bits a channel
   const QColor hsv = QColor::fromHsv(10, 200, 100);
-  const struct {
-    Colors colors;
-    int count;
-    Colors expected;
-  } cases[] = {
+  const std::tuple<Colors, int, Colors> cases[] = {
       {{red}, -3, {}},
-      {{}, 2, {Qt::white, Qt::white}},
+      {Colors(), 2, {Qt::white, Qt::white}},
       {{deep, hsv}, 2, {deep, hsv}},
       {{deep, red, green}, 1, {deep}},
       {{deep}, 3, {deep, deep, deep}},
@@ -277,8 +268,8 @@ TEST(GenerateColorList, SpreadsTheListEvenly) {
       {{red, deep, blue}, 5, {red, rgb(33268, 1001, 20002, 57770), deep, rgb(500, 1001, 52769, 57770), blue}},
       {{red, blue}, 4, {red, rgb(43690, 0, 21845, 65535), rgb(21845, 0, 43690, 65535), blue}},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(ColorMap::GenerateColorList(c.colors, c.count), c.expected) << &c - cases;
+  for (const auto& [colors, count, expected] : cases)
+    EXPECT_EQ(ColorMap::GenerateColorList(colors, count), expected) << colors.size() << " to " << count;
 }
 
 TEST(GenerateWeightList, KeepsTheAreaUnderEachOutput) {

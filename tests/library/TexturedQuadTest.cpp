@@ -125,11 +125,7 @@ TEST_F(TexturedQuadCalls, LeavesOutAMissingLayer) {
 }
 
 TEST_F(TexturedQuadCalls, TruncatesTowardZero) {
-  const struct {
-    const char* name;
-    Rect rect;
-    Lines expected;
-  } cases[] = {
+  const std::tuple<const char*, Rect, Lines> cases[] = {
       {"both ends", {1.75f, 1.75f, 3.5f, 1.125f}, {"0 0 1 1", "1 0 5 1", "1 1 5 2", "0 1 1 2"}},
       {"negative", {-1.75f, -0.5f, 3, 4}, {"0 0 -1 0", "1 0 1 0", "1 1 1 3", "0 1 -1 3"}},
       {"summed in single precision",
@@ -139,8 +135,8 @@ TEST_F(TexturedQuadCalls, TruncatesTowardZero) {
        {-1e20f, 0, 2e20f, 1},
        {"0 0 -2147483648 0", "1 0 2147483647 0", "1 1 2147483647 1", "0 1 -2147483648 1"}},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(Corners(Quad(c.rect), Plain(9, 3)), c.expected) << c.name;
+  for (const auto& [name, rect, expected] : cases)
+    EXPECT_EQ(Corners(Quad(rect), Plain(9, 3)), expected) << name;
 }
 
 TEST_F(TexturedQuadCalls, NinePatch) {
