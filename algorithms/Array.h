@@ -35,8 +35,8 @@ public:
 
   /// Scalar `p_index`. An index past the end reports "p_index < _count" and yields a zero that lives for ever.
   const T& operator[](const std::uint64_t p_index) const {
-    static constexpr T nothing{};
-    return VEK_ENSURE(p_index < _count, AccessSignature()) ? _data[p_index] : nothing;
+    static constexpr T Nothing{};
+    return VEK_ENSURE(p_index < _count, AccessSignature()) ? _data[p_index] : Nothing;
   }
 
   /// The number of scalars.
@@ -102,7 +102,7 @@ private:
     const std::string view = "class " + ViewName();
     return view + "::WriteOnlyAccess __cdecl " + ViewName() + "::operator [](const unsigned __int64)";
   }
-  static std::string ViewName() { return "Vek::Chart::DataInterface::Array<" + vekdebug::TypeName<T>::text() + ",2>"; }
+  static std::string ViewName() { return "Vek::Chart::DataInterface::Array<" + vekdebug::TypeName<T>::Text() + ",2>"; }
 
   T* _data = nullptr;
   T* _end = nullptr;
@@ -124,7 +124,7 @@ extern template class VEK_ALGORITHMS_API Array<Ogl::Attribute<Ogl::Vec1<unsigned
 template <class T, int Access>
 struct vekdebug::TypeName<Vek::Chart::DataInterface::Array<T, Access>> {
   /// As it stands in a signature.
-  static std::string text() {
+  static std::string Text() {
     return "class Vek::Chart::DataInterface::Array<" + TypeName<T>::text() + "," + std::to_string(Access) + ">";
   }
 };

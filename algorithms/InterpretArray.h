@@ -24,7 +24,7 @@
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::BufferPool::WriteArray<T>> {
   /// As it stands in a signature.
-  static std::string text() { return "class Vek::Chart::Ogl::BufferPool::WriteArray<" + TypeName<T>::text() + " >"; }
+  static std::string Text() { return "class Vek::Chart::Ogl::BufferPool::WriteArray<" + TypeName<T>::Text() + " >"; }
 };
 
 /// Flat arrays of scalars, read as sequences of tuples.
@@ -102,7 +102,7 @@ public:
 
 private:
   static std::string CallSignature() {
-    const std::string tuple = vekdebug::TypeName<D>::text();
+    const std::string tuple = vekdebug::TypeName<D>::Text();
     return tuple + " __cdecl Vek::Chart::Algorithms::InterpretedArrayConverter<" + vekdebug::TypeName<S>::text() + "," +
            tuple + " >::operator ()(const unsigned __int64) const";
   }
@@ -202,10 +202,10 @@ private:
 
   template <class D, class Container>
   static std::string CopySignature() {
-    const std::string source = vekdebug::TypeName<Source>::text();
-    const std::string container = vekdebug::TypeName<Container>::text();
+    const std::string source = vekdebug::TypeName<Source>::Text();
+    const std::string container = vekdebug::TypeName<Container>::Text();
     return "void __cdecl Vek::Chart::Algorithms::InterpretArray<" + source + "," + source +
-           " >::CopyArrayToWithOffset<" + vekdebug::TypeName<D>::text() + "," + container + " >(const " + source +
+           " >::CopyArrayToWithOffset<" + vekdebug::TypeName<D>::Text() + "," + container + " >(const " + source +
            " &," + container + " &,const unsigned __int64)";
   }
 };

@@ -59,20 +59,20 @@ Scanline Sky(std::size_t p_row) {
 
 /// Runs of four and more become runs, all else literals.
 void AppendRuns(const Component& p_values, std::string& p_data) {
-  const auto run_at = [&](std::size_t p_at) {
+  const auto runAt = [&](std::size_t p_at) {
     std::size_t end = p_at + 1;
     while (end < Width && end - p_at < 127 && p_values[end] == p_values[p_at])
       ++end;
     return end - p_at;
   };
   for (std::size_t at = 0; at < Width;) {
-    if (const std::size_t length = run_at(at); length >= 4) {
+    if (const std::size_t length = runAt(at); length >= 4) {
       p_data += {static_cast<char>(128 + length), static_cast<char>(p_values[at])};
       at += length;
       continue;
     }
     const std::size_t first = at;
-    while (at < Width && at - first < 128 && run_at(at) < 4)
+    while (at < Width && at - first < 128 && runAt(at) < 4)
       ++at;
     p_data += static_cast<char>(at - first);
     p_data.append(p_values.begin() + first, p_values.begin() + at);

@@ -50,7 +50,7 @@ struct Layer {
     view.positions = positions.data();
     view.rotations = rotations.data();
     view.sizes = sizes.data();
-    view.tex_coords = values.data();
+    view.texCoords = values.data();
     return view;
   }
 };
@@ -104,7 +104,7 @@ struct PlainGlyph {
 struct PlainArrays {
   std::unique_ptr<float[]> vertices;
   std::unique_ptr<float[]> normals;
-  std::unique_ptr<float[]> tex_coords;
+  std::unique_ptr<float[]> texCoords;
   std::unique_ptr<unsigned int[]> indices;
 };
 
@@ -128,7 +128,7 @@ PlainArrays OrientPlain(const PlainGlyph& p_glyph, std::size_t p_instance) {
   for (std::size_t i = 0; i < n; ++i) {
     StorePlain(rotation * ((p_glyph.vertices[i] - shift) * factor) + position, arrays.vertices.get() + 3 * i);
     StorePlain(rotation * p_glyph.normals[i], arrays.normals.get() + 3 * i);
-    arrays.tex_coords[i] = value;
+    arrays.texCoords[i] = value;
   }
   std::copy(p_glyph.indices.begin(), p_glyph.indices.end(), arrays.indices.get());
   return arrays;

@@ -52,13 +52,13 @@ std::string RegionOf(const std::string& p_place) {
 }
 
 std::vector<Region> CountByRegion(const std::vector<Quake>& p_quakes) {
-  std::map<std::string, Region> by_name;
+  std::map<std::string, Region> byName;
   for (const Quake& quake : p_quakes) {
-    Region& region = by_name[RegionOf(quake.place)];
+    Region& region = byName[RegionOf(quake.place)];
     ++region.counts[static_cast<std::size_t>(std::clamp(std::floor(quake.magnitude), 0.0, Classes - 1.0))];
   }
   std::vector<Region> regions;
-  for (auto& [name, region] : by_name) {
+  for (auto& [name, region] : byName) {
     region.name = name;
     regions.push_back(region);
   }
@@ -144,7 +144,7 @@ public:
     camera.target = {6.9, 0, -2.8};
     camera.azimuth = -3.5;
     camera.elevation = 15;
-    camera.field_of_view = 12;
+    camera.fieldOfView = 12;
     camera.distance = 57;
     camera.radius = 14;
     return camera;
@@ -209,17 +209,17 @@ private:
     _chart = _atlas.AddColor(QColor(0x8FA0B2), _atlas.RootAtlasId());
     for (std::size_t row = 0; row < _regions.size(); ++row) {
       const QColor hue(Hues[row]);
-      _region_ids.push_back(_atlas.AddColor(hue, _chart));
-      _class_ids.emplace_back();
+      _regionIds.push_back(_atlas.AddColor(hue, _chart));
+      _classIds.emplace_back();
       for (std::size_t i = 0; i < Classes; ++i)
-        _class_ids.back()[i] = _atlas.AddColor(ClassShade(hue, i), _region_ids.back());
+        _classIds.back()[i] = _atlas.AddColor(ClassShade(hue, i), _regionIds.back());
     }
   }
 
   void AddInstances() {
     const QColor grey(0x4B5865);
     std::map<unsigned int, QColor> strong{{_chart, grey}}; // covers everything below
-    for (const auto& ids : _class_ids) {
+    for (const auto& ids : _classIds) {
       strong[ids[3]] = QColor(0xF6B44B);
       strong[ids[4]] = QColor(0xF0563F);
     }
@@ -228,9 +228,9 @@ private:
     std::map<unsigned int, QColor> region{{_chart, grey}};
     const std::vector<QColor> shades = Palettes::Sampled({{0, 0xE9F7B8}, {0.5, 0x49B9B4}, {1, 0x1F5FA8}}, Classes);
     const std::size_t picked = std::min<std::size_t>(1, _regions.size() - 1);
-    region[_region_ids[picked]] = shades[2];
+    region[_regionIds[picked]] = shades[2];
     for (std::size_t i = 0; i < Classes; ++i)
-      region[_class_ids[picked][i]] = shades[i];
+      region[_classIds[picked][i]] = shades[i];
     _instances[1] = _atlas.AddInstance(_chart, region);
   }
 
@@ -253,12 +253,12 @@ private:
     boxes.Add({-0.09, -half, bottom.z - 0.5}, {-0.03, half, 0.5}, TexelOf(_chart));
     for (std::size_t row = 0; row < _regions.size(); ++row) {
       const Point start = RowStart(row);
-      boxes.Add(start + Point(-0.42, -half, -half), start + Point(-0.18, half, half), TexelOf(_region_ids[row]));
+      boxes.Add(start + Point(-0.42, -half, -half), start + Point(-0.18, half, half), TexelOf(_regionIds[row]));
       double x = 0;
       for (std::size_t i = 0; i < Classes; ++i) {
         const double next = x + BarLength(_regions[row].counts[i]);
         if (next > x)
-          boxes.Add(start + Point(x, -half, -half), start + Point(next, half, half), TexelOf(_class_ids[row][i]));
+          boxes.Add(start + Point(x, -half, -half), start + Point(next, half, half), TexelOf(_classIds[row][i]));
         x = next;
       }
     }
@@ -288,7 +288,7 @@ private:
     double x = 208;
     p_overlay.Text("Magnitude", 58, 206, {0, 0.5}, text);
     for (std::size_t i = 0; i < Classes; ++i, x += 150) {
-      p_overlay.Fill({x, 196, x + 26, 216}, _atlas.ColorAt(_class_ids[0][i]).color);
+      p_overlay.Fill({x, 196, x + 26, 216}, _atlas.ColorAt(_classIds[0][i]).color);
       p_overlay.Text(ClassNames[i], x + 36, 206, {0, 0.5}, text);
     }
   }
@@ -328,8 +328,8 @@ private:
   std::vector<Region> _regions;
   ColorAtlas _atlas;
   unsigned int _chart = 0;
-  std::vector<unsigned int> _region_ids;
-  std::vector<std::array<unsigned int, Classes>> _class_ids;
+  std::vector<unsigned int> _regionIds;
+  std::vector<std::array<unsigned int, Classes>> _classIds;
   std::array<unsigned int, 2> _instances{};
   Ogl::VertexData _bars;
 };

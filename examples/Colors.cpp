@@ -43,11 +43,11 @@ struct Field {
   static constexpr double West = -25;
 
   template <class Function>
-  explicit Field(const Function& p_value_at) {
+  explicit Field(const Function& p_valueAt) {
     for (int row = 0; row < Rows; ++row)
       for (int column = 0; column < Columns; ++column)
         values.push_back(
-            static_cast<float>(p_value_at(West + 360 * (column + 0.5) / Columns, 90 - 180 * (row + 0.5) / Rows)));
+            static_cast<float>(p_valueAt(West + 360 * (column + 0.5) / Columns, 90 - 180 * (row + 0.5) / Rows)));
   }
 
   QImage Colored(const ColorScale& p_scale) const {

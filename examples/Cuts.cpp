@@ -71,11 +71,11 @@ Values FromFile(const std::string& p_path, Loading& p_loading) {
 std::vector<Plane> TurningPlanes(const Box& p_box) {
   constexpr int Count = 5;
   const Point size = p_box.Extent();
-  const double most_lift = 0.35 * std::min(1.0, size.x / size.z); // else they cross in tall boxes
+  const double mostLift = 0.35 * std::min(1.0, size.x / size.z); // else they cross in tall boxes
   std::vector<Plane> planes;
   for (int i = 0; i < Count; ++i) {
     const double part = 2.0 * i / (Count - 1) - 1; // −1 to 1
-    const double turn = -0.3 * part, lift = most_lift * part;
+    const double turn = -0.3 * part, lift = mostLift * part;
     planes.emplace_back(p_box.Center() + size * (0.39 * part),
                         Point(std::cos(turn) * std::cos(lift), std::sin(turn) * std::cos(lift), std::sin(lift)));
   }
@@ -145,12 +145,12 @@ public:
       return Length(Middle(p_a.polygon) - p_eye) > Length(Middle(p_b.polygon) - p_eye);
     });
     for (const Part& part : parts) {
-      QColor color = Colors[part.plane];
+      QColor color = _colors[part.plane];
       color.setAlphaF(0.55f);
       p_sketch.Fill(part.polygon, color);
     }
     for (std::size_t i = 0; i < 2; ++i)
-      p_sketch.Outline(_outlines[i], 2, Colors[i].lighter(130));
+      p_sketch.Outline(_outlines[i], 2, _colors[i].lighter(130));
     if (_ends.size() < 2)
       return;
     p_sketch.Line(_ends.front(), _ends.back(), 4, Gold);
@@ -166,7 +166,7 @@ private:
     std::size_t plane;
   };
 
-  const std::array<QColor, 2> Colors = {Teal, Coral};
+  const std::array<QColor, 2> _colors = {Teal, Coral};
   Box _box{{-1.2, -0.9, -0.75}, {1.2, 0.9, 0.75}};
   std::array<Plane, 2> _planes = {Plane({0.1, 0, -0.05}, {-0.2, -0.5, 1}), Plane({-0.1, 0, 0}, {-1, -0.45, 0.25})};
   std::array<Slice, 2> _outlines;
@@ -273,7 +273,7 @@ public:
     Camera camera;
     camera.azimuth = 42;
     camera.elevation = 24;
-    camera.field_of_view = 20;
+    camera.fieldOfView = 20;
     camera.distance = 8.4 * std::max(1.0, _box.Extent().z / 1.9);
     camera.radius = 4;
     return camera;
@@ -334,7 +334,7 @@ protected:
     camera.target = {0, 0, -0.08};
     camera.distance = 8.4;
     camera.azimuth += 28 - start.azimuth;
-    camera.field_of_view = 20;
+    camera.fieldOfView = 20;
     Panel(p_overlay, PlanesPart, "The line of two planes, within the box");
     Sketch planes(p_gl, p_overlay, PlanesPart, camera);
     _planes.Draw(planes, camera.Eye());

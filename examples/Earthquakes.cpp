@@ -68,13 +68,13 @@ public:
       , _relief(HeightField::ReadFile(p_inputs.relief, p_loading.Stage(0.9)), _map, 3e-4)
       , _symbols(p_inputs.symbols)
       , _spheres(Spheres())
-      , _key_spheres(KeySpheres()) {}
+      , _keySpheres(KeySpheres()) {}
 
   Camera StartCamera() const override {
     Camera camera;
     camera.target = {0, -8, -30};
     camera.elevation = 42;
-    camera.field_of_view = 14;
+    camera.fieldOfView = 14;
     camera.distance = 1105;
     camera.radius = 260;
     return camera;
@@ -91,7 +91,7 @@ protected:
   void Prepare(Utility::Scoped<Rgl>& p_gl) override {
     const auto cache = boost::make_shared<ModelCache>(p_gl.Handle());
     _registry = std::make_unique<SymbolRegistry>(cache, _symbols);
-    _coarse_spheres = CoarseSpheres(*cache);
+    _coarseSpheres = CoarseSpheres(*cache);
     SetLevels();
   }
 
@@ -104,16 +104,16 @@ protected:
     const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
     p_gl->LineWidth(static_cast<float>(std::max(1.0, 2 * p_world.PointSize())));
     _spheres.Draw(p_gl, _painter, _levels, p_world, Colors());
-    _key_spheres.Draw(p_gl, _painter, _levels, p_world, Colors());
+    _keySpheres.Draw(p_gl, _painter, _levels, p_world, Colors());
     DrawSurface(p_gl, p_world);
   }
 
   /// The map lets what lies below shine through, so that is what one points at.
   void DrawDepths(Utility::Scoped<Rgl>& p_gl) override {
-    _relief.DrawSurface(p_gl, _relief_colors);
+    _relief.DrawSurface(p_gl, _reliefColors);
     p_gl->Clear(RGL_DEPTH_BUFFER_BIT);
     _spheres.DrawDepths(p_gl, _painter, _levels);
-    _key_spheres.DrawDepths(p_gl, _painter, _levels);
+    _keySpheres.DrawDepths(p_gl, _painter, _levels);
   }
 
   void DrawLegends(Utility::Scoped<Rgl>&, const View&, Overlay& p_overlay) override {
@@ -146,7 +146,7 @@ private:
   void SetLevels() {
     if (!_registry)
       return;
-    _levels = _shape == Model::Symbol::ShapeSphere ? _coarse_spheres : std::vector<ModelLevel>();
+    _levels = _shape == Model::Symbol::ShapeSphere ? _coarseSpheres : std::vector<ModelLevel>();
     _levels.push_back({MeshOf(*_registry, _shape), std::numeric_limits<double>::infinity()});
   }
 
@@ -219,7 +219,7 @@ private:
     const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_COLOR_BUFFER_BIT);
     p_gl->Enable(RGL_BLEND);
     p_gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
-    _relief.DrawSurface(p_gl, _relief_colors, p_world.camera.PixelsPerUnit(p_world.camera.target, p_world.viewport));
+    _relief.DrawSurface(p_gl, _reliefColors, p_world.camera.PixelsPerUnit(p_world.camera.target, p_world.viewport));
   }
 
   MapFrame _map{-25, 335, -70, 84}; ///< the Pacific with its rim of earthquakes in the middle
@@ -229,12 +229,12 @@ private:
   std::string _symbols; ///< the folder of the models
   std::unique_ptr<SymbolRegistry> _registry;
   InstancePainter _painter;
-  std::vector<ModelLevel> _coarse_spheres;
+  std::vector<ModelLevel> _coarseSpheres;
   std::vector<ModelLevel> _levels; ///< of what marks an earthquake
   LeveledInstances _spheres;
-  LeveledInstances _key_spheres;
+  LeveledInstances _keySpheres;
   Model::Symbol::Shape _shape = Markers[0].shape;
-  ColorMap _relief_colors = Relief::MutedColors(0.45, 1.7);
+  ColorMap _reliefColors = Relief::MutedColors(0.45, 1.7);
 };
 
 } // namespace

@@ -89,9 +89,9 @@ class FlowScene : public SpaceScene {
 public:
   FlowScene(const Inputs& p_inputs, Loading& p_loading)
       : SpaceScene(Palettes::Plasma(0.12, 1.0))
-      , _is_own(p_inputs.flow.empty())
+      , _isOwn(p_inputs.flow.empty())
       , _file(QString::fromStdString(FileName(p_inputs.flow)))
-      , _grid(_is_own ? BurgersGrid() : VectorGrid::ReadFile(p_inputs.flow, p_loading.Stage(0.5)))
+      , _grid(_isOwn ? BurgersGrid() : VectorGrid::ReadFile(p_inputs.flow, p_loading.Stage(0.5)))
       , _center((_grid.Min() + _grid.Max()) * 0.5)
       , _scale(std::min(Diagonal / Length(_grid.Max() - _grid.Min()), Tallest / (_grid.Max() - _grid.Min()).z))
       , _fastest(_grid.LengthQuantile(0.998)) {
@@ -110,7 +110,7 @@ public:
     camera.target = {0, 0, -2};
     camera.azimuth = 28;
     camera.elevation = 24;
-    camera.field_of_view = 22;
+    camera.fieldOfView = 22;
     camera.distance = 236;
     camera.radius = 80;
     return camera;
@@ -131,7 +131,7 @@ protected:
   void DrawDepths(Utility::Scoped<Rgl>& p_gl) override { DrawColored(p_gl, Colors(), {&_tubes, &_heads.Mesh()}); }
 
   void DrawLegends(Utility::Scoped<Rgl>&, const View&, Overlay& p_overlay) override {
-    if (_is_own)
+    if (_isOwn)
       p_overlay.Title("A Burgers vortex", "Computed: drawn in from the sides, stretched along its axis");
     else
       p_overlay.Title("Flow", QString("%1, a grid of %2 × %3 × %4 nodes")
@@ -139,7 +139,7 @@ protected:
                                   .arg(_grid.Size()[0])
                                   .arg(_grid.Size()[1])
                                   .arg(_grid.Size()[2]));
-    p_overlay.Bar({60, 62, 520, 78}, Colors(), _is_own ? "Speed (no unit)" : "Speed in the units of the file",
+    p_overlay.Bar({60, 62, 520, 78}, Colors(), _isOwn ? "Speed (no unit)" : "Speed in the units of the file",
                   TicksFromZero(_fastest, 5, _clipped));
   }
 
@@ -147,12 +147,12 @@ private:
   Point ToScene(const Point& p_place) const { return (p_place - _center) * _scale; }
 
   /// What is slower counts as standing still: grids that were measured are full of faint noise.
-  double Slowest() const { return (_is_own ? 0.02 : 0.12) * _fastest; }
+  double Slowest() const { return (_isOwn ? 0.02 : 0.12) * _fastest; }
 
   /// The distance between lines at which, all together, they are some fifty diagonals long.
-  double Distance(std::size_t p_moving_nodes) const {
+  double Distance(std::size_t p_movingNodes) const {
     const Point& cell = _grid.Spacing();
-    const double volume = static_cast<double>(p_moving_nodes) * cell.x * cell.y * cell.z;
+    const double volume = static_cast<double>(p_movingNodes) * cell.x * cell.y * cell.z;
     const double length = 50 * Diagonal / _scale;
     return std::max(std::sqrt(volume / length), 1.4 * std::min({cell.x, cell.y, cell.z}));
   }
@@ -167,8 +167,8 @@ private:
     const double diagonal = Diagonal / _scale;
     TraceOptions options;
     options.length = 4 * diagonal;
-    options.largest_step = diagonal / 160;
-    options.smallest_step = diagonal * 1e-5;
+    options.largestStep = diagonal / 160;
+    options.smallestStep = diagonal * 1e-5;
     options.tolerance = diagonal * 2e-5;
     options.stagnation = Slowest();
     const std::vector<Streamline> lines =
@@ -196,7 +196,7 @@ private:
     DrawEdges(p_gl, {ToScene(_grid.Min()), ToScene(_grid.Max())});
   }
 
-  bool _is_own; ///< the scene's own vortex, no file
+  bool _isOwn; ///< the scene's own vortex, no file
   QString _file;
   VectorGrid _grid;
   Point _center;

@@ -199,21 +199,21 @@ private:
     const int last = std::max(static_cast<int>(std::ceil(std::min(*most, 12.0))), first + 1);
 
     const Lettering::Style text{Theme::SmallSize, Theme::Text, false};
-    const auto y_of = [&](double p_log) {
+    const auto yOf = [&](double p_log) {
       return frame.bottom +
              (frame.top - frame.bottom) * (std::clamp(p_log, double(first), double(last)) - first) / (last - first);
     };
     const int every = (last - first) / 7 + 1; // so that the labels have room
     for (int decade = first; decade <= last; decade += every) {
-      p_overlay.Line(frame.left, y_of(decade), frame.right, y_of(decade), 1, Theme::Line);
-      p_overlay.Text(PowerOfTen(decade), frame.left - 10, y_of(decade), {1, 0.5}, text);
+      p_overlay.Line(frame.left, yOf(decade), frame.right, yOf(decade), 1, Theme::Line);
+      p_overlay.Text(PowerOfTen(decade), frame.left - 10, yOf(decade), {1, 0.5}, text);
     }
     const double columns = static_cast<double>(std::max<std::size_t>(logs.size() - 1, 1));
-    const auto x_of = [&](std::size_t p_column) {
+    const auto xOf = [&](std::size_t p_column) {
       return frame.left + (frame.right - frame.left) * static_cast<double>(p_column) / columns;
     };
     for (std::size_t x = 0; x + 1 < logs.size(); ++x)
-      p_overlay.Line(x_of(x), y_of(logs[x]), x_of(x + 1), y_of(logs[x + 1]), 2, QColor(0xF6B44B));
+      p_overlay.Line(xOf(x), yOf(logs[x]), xOf(x + 1), yOf(logs[x + 1]), 2, QColor(0xF6B44B));
     p_overlay.Text("Luminance along the marked row in cd/m²", frame.left, frame.bottom - 8, {0, 1}, text);
   }
 

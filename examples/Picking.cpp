@@ -52,7 +52,7 @@ const QColor Stone(0x8B93A0);
 
 const std::vector<Item>& Items() {
   using namespace Model::Symbol;
-  static const std::vector<Item> items = {
+  static const std::vector<Item> Items = {
       {ShapeCube, {0, 0, -0.1}, {12, 9, 0.2}, 0, Stone},
       {ShapeSphere, {-3.2, 1.4, 1.3}, {2.6, 2.6, 2.6}, 0, Gold},
       {ShapeCube, {0.6, 2.4, 1.1}, {2.2, 2.2, 2.2}, 28, Teal},
@@ -64,7 +64,7 @@ const std::vector<Item>& Items() {
       {ShapeSphere, {-1.6, -2.7, 0.45}, {0.9, 0.9, 0.9}, 0, Teal},
       {ShapeSphere, {4.6, -2.6, 0.6}, {1.2, 1.2, 1.2}, 0, Gold},
   };
-  return items;
+  return Items;
 }
 
 /// What is pointed at, as places that the picture shows; the last one is beside everything.
@@ -89,7 +89,7 @@ public:
     camera.target = {0, 0, 0.75};
     camera.azimuth = 24;
     camera.elevation = 30;
-    camera.field_of_view = 23;
+    camera.fieldOfView = 23;
     camera.distance = 31;
     camera.radius = 8.5;
     return camera;
@@ -130,8 +130,8 @@ protected:
     p_overlay.Title("Picking", "Where in the world a pixel lies, told by its depth");
     DrawPanel(p_gl, p_overlay, _decoded, DecodedPart, "Depths unpacked from the colours of the picture");
     DrawPanel(p_gl, p_overlay, _truth, TruePart, "The true depth buffer");
-    p_overlay.Text("Largest difference: " + QString::number(_largest_error * 1e6, 'f', 2) + " millionths",
-                   TruePart.left, TruePart.bottom - 18, {0, 1}, {Theme::SmallSize, Theme::Title, false});
+    p_overlay.Text("Largest difference: " + QString::number(_largestError * 1e6, 'f', 2) + " millionths", TruePart.left,
+                   TruePart.bottom - 18, {0, 1}, {Theme::SmallSize, Theme::Title, false});
     p_overlay.Text("Depths run from 0, nearest, to 1, farthest.", TruePart.left, TruePart.bottom - 44, {0, 1},
                    {Theme::SmallSize, Theme::Faint, false});
     for (const Pick& pick : _picks)
@@ -194,7 +194,7 @@ private:
     const DepthImages images(_target->ToImage(p_gl), _target->ReadDepths(p_gl));
     _decoded.emplace(images.decoded, p_gl);
     _truth.emplace(images.truth, p_gl);
-    _largest_error = images.largest_error;
+    _largestError = images.largestError;
   }
 
   static void DrawPanel(Utility::Scoped<Rgl>& p_gl, Overlay& p_overlay,
@@ -228,13 +228,13 @@ private:
     const QString text = p_pick.hit
                              ? number(p_pick.place.x) + ", " + number(p_pick.place.y) + ", " + number(p_pick.place.z)
                              : QString("nothing here");
-    const bool near_panels = x > MainPart.right - 200;
-    const double text_x = near_panels ? x : x + 12;
-    const double text_y = near_panels ? y + 58 : y + 18;
-    const Lettering::Anchor anchor{near_panels ? 0.5 : 0.0, 0.5};
+    const bool nearPanels = x > MainPart.right - 200;
+    const double textX = nearPanels ? x : x + 12;
+    const double textY = nearPanels ? y + 58 : y + 18;
+    const Lettering::Anchor anchor{nearPanels ? 0.5 : 0.0, 0.5};
     for (const auto& [dx, dy] : {std::pair(-1.5, 0.0), {1.5, 0.0}, {0.0, -1.5}, {0.0, 1.5}})
-      p_overlay.Text(text, text_x + dx, text_y + dy, anchor, {Theme::SmallSize, dark, true});
-    p_overlay.Text(text, text_x, text_y, anchor, {Theme::SmallSize, Theme::Title, true});
+      p_overlay.Text(text, textX + dx, textY + dy, anchor, {Theme::SmallSize, dark, true});
+    p_overlay.Text(text, textX, textY, anchor, {Theme::SmallSize, Theme::Title, true});
   }
 
   std::map<Model::Symbol::Shape, Ogl::VertexData> _meshes;
@@ -245,7 +245,7 @@ private:
   std::optional<RenderTexture> _target;
   std::optional<Library::Texture> _decoded;
   std::optional<Library::Texture> _truth;
-  double _largest_error = 0;
+  double _largestError = 0;
   Library::TopMostFragmentDepthBuffer _picker;
 };
 

@@ -3,7 +3,7 @@
 namespace Vek::Chart::Gallery {
 
 const std::vector<SceneEntry>& Scenes() {
-  static const std::vector<SceneEntry> scenes = {
+  static const std::vector<SceneEntry> Scenes = {
       {"wind",
        "The monthly mean wind of the world in January 1987 as arrows above the relief: length and colour tell the "
        "speed. "
@@ -67,7 +67,7 @@ const std::vector<SceneEntry>& Scenes() {
        "that the scene computes itself, or a grid given with --flow.",
        "examples/Flow.cpp", LoadFlow},
   };
-  return scenes;
+  return Scenes;
 }
 
 } // namespace Vek::Chart::Gallery

@@ -156,8 +156,8 @@ constexpr double FilledRow = 580;
 constexpr double OutlinedRow = 408;
 
 QColor ColumnColor(std::size_t p_column) {
-  static const std::vector<QColor> colors = Palettes::Plasma(0.38, 0.95);
-  return colors[p_column * (colors.size() - 1) / 7];
+  static const std::vector<QColor> Colors = Palettes::Plasma(0.38, 0.95);
+  return Colors[p_column * (Colors.size() - 1) / 7];
 }
 
 class ShapesScene : public SpaceScene {
@@ -166,9 +166,9 @@ public:
     Camera camera;
     camera.target = {0, 0, 0};
     camera.elevation = Elevation;
-    camera.field_of_view = 3; // nearly parallel, so that columns stay upright
+    camera.fieldOfView = 3; // nearly parallel, so that columns stay upright
     // A thousand points are the height of the view.
-    camera.distance = 500 * UnitsAPoint / std::tan(Angle::FromDegrees(camera.field_of_view / 2).Radians());
+    camera.distance = 500 * UnitsAPoint / std::tan(Angle::FromDegrees(camera.fieldOfView / 2).Radians());
     camera.radius = 20;
     return camera;
   }

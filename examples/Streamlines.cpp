@@ -79,9 +79,9 @@ private:
     };
     TraceOptions options;
     options.length = 110;
-    options.largest_step = 1;
+    options.largestStep = 1;
     options.tolerance = 5e-3;
-    options.smallest_step = 0.02;
+    options.smallestStep = 0.02;
     options.stagnation = 0.02 * _ground.Fastest();
     const std::vector<Point> seeds = Seeds(_ground.Map(), 2.5);
     std::vector<Streamline> lines;
@@ -99,11 +99,11 @@ private:
       double mean = 0;
       for (const Point& place : line)
         mean += _wind.SpeedAt(place) / static_cast<double>(line.size());
-      const bool is_tube = mean > calm;
-      const std::vector<SweepPoint> styled = Styled(line, is_tube ? 1.0 : 1.5);
-      (is_tube ? tubes : ribbons).Add(Thinned(styled));
-      _heads.AddAtEnd(styled, is_tube ? 2.4 : 1.9);
-      _heads.AddAlong(styled, 46, is_tube ? 2.4 : 1.9);
+      const bool isTube = mean > calm;
+      const std::vector<SweepPoint> styled = Styled(line, isTube ? 1.0 : 1.5);
+      (isTube ? tubes : ribbons).Add(Thinned(styled));
+      _heads.AddAtEnd(styled, isTube ? 2.4 : 1.9);
+      _heads.AddAlong(styled, 46, isTube ? 2.4 : 1.9);
     }
     _tubes = tubes.TakeMesh();
     _ribbons = ribbons.TakeMesh();

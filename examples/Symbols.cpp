@@ -103,7 +103,7 @@ public:
     Camera camera;
     camera.target = {0, 0, 0.4};
     camera.elevation = 24;
-    camera.field_of_view = 12;
+    camera.fieldOfView = 12;
     camera.distance = 58;
     camera.radius = 14;
     return camera;

@@ -50,7 +50,7 @@ public:
     camera.target = {0, 0, -0.12};
     camera.azimuth = 24;
     camera.elevation = 30;
-    camera.field_of_view = 20;
+    camera.fieldOfView = 20;
     camera.distance = 9.6;
     camera.radius = 4;
     return camera;

@@ -111,7 +111,7 @@ private:
     instances.positions = positions.data();
     instances.rotations = rotations.data();
     instances.sizes = sizes.data();
-    instances.tex_coords = values.data();
+    instances.texCoords = values.data();
     // An anchor of a half centres the glyph.
     const unsigned int slices = _columns > 24 ? 8 : 16; // round enough for so small ones
     VectorSymbol(p_glyph.shape, slices).OrientShapes(instances, 0.5, 1.0 / p_glyph.length, _glyphs);

@@ -19,8 +19,8 @@ bool IsSlow(const std::string& p_text) {
     std::int64_t width = 0;
     words >> axis >> height >> axis >> width;
     const double pixels = static_cast<double>(height) * static_cast<double>(width);
-    const double least_bytes = std::max(4 * static_cast<double>(height), pixels / 64);
-    const bool refused = pixels > Vek::Fuzz::RefusedClaim && least_bytes > static_cast<double>(p_text.size());
+    const double leastBytes = std::max(4 * static_cast<double>(height), pixels / 64);
+    const bool refused = pixels > Vek::Fuzz::RefusedClaim && leastBytes > static_cast<double>(p_text.size());
     if (pixels > Vek::Fuzz::SlowClaim && !refused)
       return true;
   }

@@ -18,7 +18,7 @@ inline void Silence() {
   struct Nothing : vekdebug::sink {
     void write(const vekdebug::report&) override {}
   };
-  static const std::shared_ptr<vekdebug::sink> previous =
+  static const std::shared_ptr<vekdebug::sink> Previous =
       vekdebug::logger::instance().set_sink(std::make_shared<Nothing>());
 }
 

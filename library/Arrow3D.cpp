@@ -6,19 +6,19 @@ namespace Vek::Chart::Library {
 
 void Arrow3D::operator()(const Utility::Unscoped<Rgl>& p_gl) const {
   const Utility::Scoped<Rgl> gl(p_gl); // one for both parts
-  const double shaft_length = (1 - headFraction) * length;
+  const double shaftLength = (1 - headFraction) * length;
 
   Cylinder shaft;
   shaft.position = position;
   shaft.baseRadius = shaft.topRadius = shaftRadius;
-  shaft.height = shaft_length;
+  shaft.height = shaftLength;
   shaft.filled = filled;
   shaft.slices = segments;
   shaft.stacks = 1;
   shaft(p_gl);
 
   Cylinder head;
-  head.position = position + Types::Vector3_Base<double>(0, 0, shaft_length);
+  head.position = position + Types::Vector3_Base<double>(0, 0, shaftLength);
   head.baseRadius = headRadius;
   head.topRadius = 0.0;
   head.height = length * headFraction;

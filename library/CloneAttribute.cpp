@@ -142,7 +142,7 @@ public:
 };
 
 /// Describes a clone on the debug channel. `p_unit` is null for data without quantity and unit.
-void LogClone(const char* p_type, std::uint32_t p_count, std::size_t p_element_bytes, const QuantityUnitPair* p_unit) {
+void LogClone(const char* p_type, std::uint32_t p_count, std::size_t p_elementBytes, const QuantityUnitPair* p_unit) {
   vekdebug::dbgostream& out = Utility::GetLogger().dout("DataRepository");
   if (!out.active())
     return;
@@ -153,7 +153,7 @@ void LogClone(const char* p_type, std::uint32_t p_count, std::size_t p_element_b
     out << "    quantity = " << p_unit->quantity << std::endl;
     out << "    unit = " << p_unit->unit << std::endl;
   }
-  out << "    bytes = " << std::to_string(std::uint64_t{p_count} * p_element_bytes) << std::endl;
+  out << "    bytes = " << std::to_string(std::uint64_t{p_count} * p_elementBytes) << std::endl;
 }
 
 /// What a source writes its elements to.

@@ -70,9 +70,9 @@ ColorAtlas::ColorNode& ColorAtlas::ColorAt(unsigned int p_id) {
 }
 
 const ColorAtlas::ColorNode& ColorAtlas::ColorAt(unsigned int p_id) const {
-  static const ColorNode unknown;
+  static const ColorNode Unknown;
   const std::uint32_t slot = FindSlot(p_id);
-  return slot == NoSlot ? unknown : _nodes[slot];
+  return slot == NoSlot ? Unknown : _nodes[slot];
 }
 
 Ogl::Vec2<float> ColorAtlas::InstanceOffset(unsigned int p_id) const {

@@ -190,17 +190,17 @@ void ColorMap::CreateNonLinearMap(const std::vector<QColor>& p_colors, const std
   _weightings = p_weightings;
   _weightings.resize(p_colors.size(), 0.0);
   _size = p_resolution;
-  const auto make_row = [this] { return QImage(static_cast<int>(_size), 1, QImage::Format_ARGB32); };
+  const auto makeRow = [this] { return QImage(static_cast<int>(_size), 1, QImage::Format_ARGB32); };
   if (p_style == Interpolated) {
     std::vector<double> weights = SegmentEnds(_weightings);
     for (double& weight : weights)
       weight *= 0.5;
     const std::vector<double> distribution = ComputeDistribution(weights, _size);
-    _image = make_row();
+    _image = makeRow();
     FillInterpolated(_image, distribution, SegmentEnds(p_colors));
   } else {
     const std::vector<double> distribution = ComputeDistribution(_weightings, _size);
-    _image = make_row();
+    _image = makeRow();
     Fill(_image, distribution, p_colors);
   }
 

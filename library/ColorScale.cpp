@@ -75,16 +75,16 @@ std::vector<T> Thresholds(const std::vector<double>& p_bounds) {
 
 /// In the order of ValueBuckets: of NaN, below, the classes', above; without classes, that of NaN for all.
 std::vector<std::uint32_t> PackedColors(const std::vector<QColor>& p_colors, const ColorScale::Outside& p_outside) {
-  const auto or_else = [](const QColor& p_color, const QColor& p_other) {
+  const auto orElse = [](const QColor& p_color, const QColor& p_other) {
     return Packed(p_color.isValid() ? p_color : p_other);
   };
-  const std::uint32_t nan = or_else(p_outside.nan, QColor(0, 0, 0, 0));
+  const std::uint32_t nan = orElse(p_outside.nan, QColor(0, 0, 0, 0));
   if (p_colors.empty())
     return {nan, nan};
-  std::vector<std::uint32_t> packed{nan, or_else(p_outside.below, p_colors.front())};
+  std::vector<std::uint32_t> packed{nan, orElse(p_outside.below, p_colors.front())};
   for (const QColor& color : p_colors)
     packed.push_back(Packed(color));
-  packed.push_back(or_else(p_outside.above, p_colors.back()));
+  packed.push_back(orElse(p_outside.above, p_colors.back()));
   return packed;
 }
 

@@ -12,12 +12,12 @@ void Disk::operator()(const Utility::Unscoped<Rgl>& p_gl) const {
                                             "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const");
   if (!quadric)
     return;
-  const int slice_count = static_cast<int>(slices);
-  const int loop_count = static_cast<int>(loops);
+  const int sliceCount = static_cast<int>(slices);
+  const int loopCount = static_cast<int>(loops);
   if (sweepAngle == 360.0)
-    gl->Disk(quadric.get(), innerRadius, outerRadius, slice_count, loop_count);
+    gl->Disk(quadric.get(), innerRadius, outerRadius, sliceCount, loopCount);
   else
-    gl->PartialDisk(quadric.get(), innerRadius, outerRadius, slice_count, loop_count, startAngle, sweepAngle);
+    gl->PartialDisk(quadric.get(), innerRadius, outerRadius, sliceCount, loopCount, startAngle, sweepAngle);
 }
 
 } // namespace Vek::Chart::Library

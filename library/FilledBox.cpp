@@ -18,13 +18,13 @@ void FilledBox::operator()(const Utility::Unscoped<Rgl>& p_gl) const {
   box.lineColor = lineColor;
   box.fillColor = fillColor;
   if (mode == FillFrame) {
-    const float inner_right = inner.x + inner.width;
-    const float inner_top = inner.y + inner.height;
+    const float innerRight = inner.x + inner.width;
+    const float innerTop = inner.y + inner.height;
     const Types::Viewport<0> pieces[] = {
-        {outer.x, outer.y, inner.x - outer.x, outer.height},                       // left
-        {inner.x, outer.y, inner.width, inner.y - outer.y},                        // bottom
-        {inner_right, outer.y, outer.x + outer.width - inner_right, outer.height}, // right
-        {inner.x, inner_top, inner.width, outer.y + outer.height - inner_top},     // top
+        {outer.x, outer.y, inner.x - outer.x, outer.height},                     // left
+        {inner.x, outer.y, inner.width, inner.y - outer.y},                      // bottom
+        {innerRight, outer.y, outer.x + outer.width - innerRight, outer.height}, // right
+        {inner.x, innerTop, inner.width, outer.y + outer.height - innerTop},     // top
     };
     box.lineColor = Qt::transparent;
     for (const Types::Viewport<0>& piece : pieces) {

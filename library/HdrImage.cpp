@@ -33,8 +33,8 @@ using Command = std::pair<std::string, std::string>;
 /// the value.
 Command ParseCommand(const std::string& p_line) {
   const std::size_t sign = p_line.find('=');
-  const bool one_sign = sign != std::string::npos && p_line.find('=', sign + 1) == std::string::npos;
-  VEK_ENSURE_TEXT(one_sign, "param.size() == 2",
+  const bool oneSign = sign != std::string::npos && p_line.find('=', sign + 1) == std::string::npos;
+  VEK_ENSURE_TEXT(oneSign, "param.size() == 2",
                   "struct std::pair<class std::basic_string<char,struct std::char_traits<char>,class "
                   "std::allocator<char> >,class std::basic_string<char,struct std::char_traits<char>,class "
                   "std::allocator<char> > > __cdecl Vek::Chart::Library::HdrImage::ParseCommand(const class "
@@ -67,8 +67,8 @@ std::size_t CountPixels(const Resolution& p_resolution, Private::ByteSource& p_s
   const std::string size = std::to_string(width) + " x " + std::to_string(height);
   if (width < 0 || height < 0 || width * height > std::numeric_limits<int>::max())
     throw std::length_error("HdrImage: a size of " + size + " pixels");
-  const std::uint64_t least_bytes = static_cast<std::uint64_t>(std::max(4 * height, width * height / 64));
-  if (width * height > std::int64_t{1} << 26 && p_source.Remaining(least_bytes) < least_bytes)
+  const std::uint64_t leastBytes = static_cast<std::uint64_t>(std::max(4 * height, width * height / 64));
+  if (width * height > std::int64_t{1} << 26 && p_source.Remaining(leastBytes) < leastBytes)
     throw std::length_error("HdrImage: a size of " + size + " pixels, which the file is too short for");
   return static_cast<std::size_t>(width * height);
 }
@@ -110,12 +110,12 @@ unsigned char& HdrImage::Rgbe8::operator[](std::size_t p_index) {
 }
 
 const unsigned char& HdrImage::Rgbe8::operator[](std::size_t p_index) const {
-  static const unsigned char nowhere = 0;
+  static const unsigned char Nowhere = 0;
   if (VEK_CHECK_RANGE(p_index, bytes.size(), "0 <= p_index < bytes.size()",
                       "const unsigned char &__cdecl Vek::Chart::Library::HdrImage::Rgbe8::operator [](unsigned "
                       "__int64) const"))
     return bytes[p_index];
-  return nowhere;
+  return Nowhere;
 }
 
 HdrImage::HdrImage(std::istream& p_stream)
@@ -181,12 +181,12 @@ HdrImage::Rgb32F& HdrImage::Pixel(int p_x, int p_y) {
 }
 
 const HdrImage::Rgb32F& HdrImage::Pixel(int p_x, int p_y) const {
-  static const Rgb32F nowhere;
+  static const Rgb32F Nowhere;
   const std::size_t offset = static_cast<std::size_t>(std::int64_t{p_y} * _state->width + p_x);
   if (VEK_ENSURE(offset < _state->pixels.size(), "const struct Vek::Chart::Library::HdrImage::Rgb32F &__cdecl "
                                                  "Vek::Chart::Library::HdrImage::Pixel(const int,const int) const"))
     return _state->pixels[offset];
-  return nowhere;
+  return Nowhere;
 }
 
 const std::vector<HdrImage::Rgb32F>& HdrImage::Pixels() const {

@@ -205,12 +205,12 @@ std::size_t CutEdgeByEdge(const BoxCut& p_cut, Vector3* p_points) {
 // point. Its distance has been computed already, by the same operations, and across the edge start and end are equal:
 // the terms that vanish there are left out, but for turning −0 into 0.
 std::size_t CutBetweenCorners(const BoxCut& p_cut, unsigned p_behind, Vector3* p_points) {
-  constexpr double Vector3::*axes[] = {&Vector3::x, &Vector3::y, &Vector3::z};
+  constexpr double Vector3::*Axes[] = {&Vector3::x, &Vector3::y, &Vector3::z};
   const std::size_t front = FrontCorner(p_cut.distances);
   std::size_t count = 0;
   for (unsigned edges = CrossingEdges[front][p_behind]; edges != 0; edges &= edges - 1) {
     const PlacedEdge& edge = EdgesFrom[front][__builtin_ctz(edges)];
-    const auto axis = axes[edge.axis];
+    const auto axis = Axes[edge.axis];
     const Vector3& start = p_cut.corners[edge.start];
     const double length = p_cut.corners[edge.end].*axis - start.*axis;
     const double t = p_cut.distances[edge.start] / (p_cut.normal.*axis * -length);

@@ -116,21 +116,21 @@ std::size_t ModelCache::Register(const ObjModel& p_model) {
   const Utility::Scoped<Ogl::Rgl> gl(_gl);
   Ogl::BufferPool& pool = gl->GetBufferPool();
 
-  const std::size_t index_count = IndexCount(p_model);
-  const std::size_t position_count = p_model.Vertices()->size();
-  const bool has_normals = !p_model.Normals()->empty();
+  const std::size_t indexCount = IndexCount(p_model);
+  const std::size_t positionCount = p_model.Vertices()->size();
+  const bool hasNormals = !p_model.Normals()->empty();
   const IndexDescription indices{p_model.PrimitiveType(), 0,
-                                 NumPrimitives(p_model.PrimitiveType(), static_cast<std::uint32_t>(index_count))};
+                                 NumPrimitives(p_model.PrimitiveType(), static_cast<std::uint32_t>(indexCount))};
   const VertexDescription vertices =
-      has_normals ? VertexDescription{VertexBuffer::Positions | VertexBuffer::Normals, 2 * sizeof(VertexRecord),
-                                      2 * sizeof(VertexRecord), 0, sizeof(VertexRecord)}
-                  : VertexDescription{VertexBuffer::Positions, sizeof(VertexRecord), 0, 0, 0};
+      hasNormals ? VertexDescription{VertexBuffer::Positions | VertexBuffer::Normals, 2 * sizeof(VertexRecord),
+                                     2 * sizeof(VertexRecord), 0, sizeof(VertexRecord)}
+                 : VertexDescription{VertexBuffer::Positions, sizeof(VertexRecord), 0, 0, 0};
 
-  const auto vertex_buffer =
-      pool.CreateBuffer<VertexRecord>(position_count * (has_normals ? 2 : 1), Ogl::BufferUsage::Default);
-  const auto index_buffer = pool.CreateBuffer<IndexRecord>(index_count, Ogl::BufferUsage::Default);
-  WriteVertices(p_model, vertex_buffer);
-  WriteIndices(p_model, index_buffer);
+  const auto vertexBuffer =
+      pool.CreateBuffer<VertexRecord>(positionCount * (hasNormals ? 2 : 1), Ogl::BufferUsage::Default);
+  const auto indexBuffer = pool.CreateBuffer<IndexRecord>(indexCount, Ogl::BufferUsage::Default);
+  WriteVertices(p_model, vertexBuffer);
+  WriteIndices(p_model, indexBuffer);
   const Types::BoundingBox_Base<double> bounds = BoundsOf(*p_model.Vertices());
 
   // Nothing throws from the first append on, so that the arrays stay in step.
@@ -139,8 +139,8 @@ std::size_t ModelCache::Register(const ObjModel& p_model) {
   MakeRoom(_indexDescriptions);
   MakeRoom(_vertexDescriptions);
   MakeRoom(_boundingBoxes);
-  _vertexBuffers.push_back(vertex_buffer);
-  _indexBuffers.push_back(index_buffer);
+  _vertexBuffers.push_back(vertexBuffer);
+  _indexBuffers.push_back(indexBuffer);
   _indexDescriptions.push_back(indices);
   _vertexDescriptions.push_back(vertices);
   _boundingBoxes.push_back(bounds);

@@ -77,13 +77,13 @@ QColor At(const std::vector<QColor>& p_colors, double p_place) {
 } // namespace
 
 const std::vector<std::string>& NamedColors::Names() {
-  static const std::vector<std::string> names = [] {
+  static const std::vector<std::string> Names = [] {
     std::vector<std::string> list;
     for (const Named& map : Maps)
       list.emplace_back(map.name);
     return list;
   }();
-  return names;
+  return Names;
 }
 
 std::vector<QColor> NamedColors::Colors(const std::string& p_name) {

@@ -20,10 +20,10 @@ using Ogl::GlEnum;
 /// How a colour format is kept in a texture, and read back as floats.
 struct FormatRow {
   GlEnum internal;
-  GlEnum internal_srgb;
+  GlEnum internalSrgb;
   GlEnum type;
   GlEnum channels;
-  std::size_t channel_count;
+  std::size_t channelCount;
 };
 constexpr std::array<FormatRow, 4> Formats = {{
     {RGL_RGBA8, RGL_SRGB8_ALPHA8, RGL_UNSIGNED_BYTE, RGL_RGBA, 4},
@@ -113,12 +113,12 @@ struct RenderTexture::State {
   boost::shared_ptr<Ogl::Texture> color;
   boost::shared_ptr<Ogl::Texture> depth;
   boost::shared_ptr<Ogl::FrameBufferObject> target;
-  boost::shared_ptr<Ogl::RenderBuffer> color_samples; ///< these three only with samples
-  boost::shared_ptr<Ogl::RenderBuffer> depth_samples;
-  boost::shared_ptr<Ogl::FrameBufferObject> sampled_target;
+  boost::shared_ptr<Ogl::RenderBuffer> colorSamples; ///< these three only with samples
+  boost::shared_ptr<Ogl::RenderBuffer> depthSamples;
+  boost::shared_ptr<Ogl::FrameBufferObject> sampledTarget;
   bool complete = false; ///< whether there is anything to read
 
-  GlEnum InternalFormat() const { return space == Srgb ? format.internal_srgb : format.internal; }
+  GlEnum InternalFormat() const { return space == Srgb ? format.internalSrgb : format.internal; }
   /// Of a complete target.
   std::size_t Pixels() const { return static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height); }
 
@@ -173,20 +173,20 @@ void RenderTexture::State::MakeSampled(Utility::Scoped<Rgl>& p_gl) {
     return;
   const boost::shared_ptr<Ogl::FrameBufferObject> sampled = p_gl->GenFrameBufferObject();
   const boost::shared_ptr<void> bound = p_gl->BindScope(sampled);
-  color_samples = MakeSamples(p_gl, size, samples, InternalFormat(), RGL_COLOR_ATTACHMENT0);
-  depth_samples = MakeSamples(p_gl, size, samples, RGL_DEPTH24_STENCIL8, RGL_DEPTH_STENCIL_ATTACHMENT);
+  colorSamples = MakeSamples(p_gl, size, samples, InternalFormat(), RGL_COLOR_ATTACHMENT0);
+  depthSamples = MakeSamples(p_gl, size, samples, RGL_DEPTH24_STENCIL8, RGL_DEPTH_STENCIL_ATTACHMENT);
   if (CheckComplete(p_gl, size, samples)) {
-    sampled_target = sampled;
+    sampledTarget = sampled;
   } else {
-    color_samples.reset();
-    depth_samples.reset();
+    colorSamples.reset();
+    depthSamples.reset();
   }
 }
 
 void RenderTexture::State::Resolve(Utility::Scoped<Rgl>& p_gl) {
-  if (!sampled_target)
+  if (!sampledTarget)
     return;
-  const boost::shared_ptr<void> bound = p_gl->BindScope(sampled_target);
+  const boost::shared_ptr<void> bound = p_gl->BindScope(sampledTarget);
   const boost::shared_ptr<void> enables = p_gl->PushAttribScope(RGL_ENABLE_BIT);
   p_gl->Disable(RGL_SCISSOR_TEST); // it would cut the copy
   if (space == Srgb && p_gl->Features().Supported(Ogl::DeviceFeatures::FeatureSrgbFrameBuffer))
@@ -217,7 +217,7 @@ boost::shared_ptr<void> RenderTexture::BindForDraw(Utility::Scoped<Rgl>& p_gl) c
   };
   const boost::shared_ptr<Bound> bound = boost::make_shared<Bound>();
   bound->viewport = p_gl->PushAttribScope(RGL_VIEWPORT_BIT);
-  bound->target = p_gl->BindScope(_state->sampled_target ? _state->sampled_target : _state->target);
+  bound->target = p_gl->BindScope(_state->sampledTarget ? _state->sampledTarget : _state->target);
   p_gl->Viewport(
       Types::Viewport<0>(0, 0, static_cast<float>(_state->size.width), static_cast<float>(_state->size.height)));
   return bound;
@@ -271,7 +271,7 @@ QImage RenderTexture::ToImage(Utility::Scoped<Rgl>& p_gl) const {
 }
 
 std::vector<float> RenderTexture::ReadColors(Utility::Scoped<Rgl>& p_gl) const {
-  return ReadFloats(p_gl, _state->format.channels, _state->format.channel_count);
+  return ReadFloats(p_gl, _state->format.channels, _state->format.channelCount);
 }
 
 std::vector<float> RenderTexture::ReadDepths(Utility::Scoped<Rgl>& p_gl) const {

@@ -39,8 +39,8 @@ public:
 
 private:
   static const SupportedInterface::InterfaceID& ID() {
-    static const SupportedInterface::InterfaceID id = SupportedInterface::InterfaceID::Of<W>();
-    return id;
+    static const SupportedInterface::InterfaceID Id = SupportedInterface::InterfaceID::Of<W>();
+    return Id;
   }
 };
 
@@ -85,8 +85,8 @@ public:
 
 private:
   static std::string AdvanceSignature() {
-    return "void __cdecl Vek::Chart::Library::ContainerDataWriter<" + vekdebug::TypeName<E>::text() + "," +
-           vekdebug::TypeName<std::vector<E>>::text() +
+    return "void __cdecl Vek::Chart::Library::ContainerDataWriter<" + vekdebug::TypeName<E>::Text() + "," +
+           vekdebug::TypeName<std::vector<E>>::Text() +
            ",class Vek::Chart::Library::ContainerOperations::StaticContainer>::AdvanceWriteIndex(const unsigned "
            "__int64)";
   }

@@ -11,9 +11,9 @@ namespace Vek::Chart::Library {
 namespace {
 
 // The GL values of the settings, in the order of the enumerations.
-constexpr Ogl::GlEnum filters[] = {RGL_NEAREST, RGL_LINEAR};
-constexpr Ogl::GlEnum wraps[] = {RGL_CLAMP_TO_EDGE, RGL_REPEAT};
-constexpr Ogl::GlEnum environments[] = {RGL_MODULATE, RGL_DECAL, RGL_REPLACE};
+constexpr Ogl::GlEnum Filters[] = {RGL_NEAREST, RGL_LINEAR};
+constexpr Ogl::GlEnum Wraps[] = {RGL_CLAMP_TO_EDGE, RGL_REPEAT};
+constexpr Ogl::GlEnum Environments[] = {RGL_MODULATE, RGL_DECAL, RGL_REPLACE};
 
 template <std::size_t Count>
 void SetParameter(Utility::Scoped<Rgl>& p_gl, Ogl::GlEnum p_name, const Ogl::GlEnum (&p_values)[Count],
@@ -72,18 +72,18 @@ void Texture::operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const 
 }
 
 void Texture::UseFilter(Utility::Scoped<Rgl>& p_gl) const {
-  SetParameter(p_gl, RGL_TEXTURE_MIN_FILTER, filters, minFilter);
-  SetParameter(p_gl, RGL_TEXTURE_MAG_FILTER, filters, magFilter);
+  SetParameter(p_gl, RGL_TEXTURE_MIN_FILTER, Filters, minFilter);
+  SetParameter(p_gl, RGL_TEXTURE_MAG_FILTER, Filters, magFilter);
 }
 
 void Texture::UseWrap(Utility::Scoped<Rgl>& p_gl) const {
-  SetParameter(p_gl, RGL_TEXTURE_WRAP_S, wraps, wrapS);
-  SetParameter(p_gl, RGL_TEXTURE_WRAP_T, wraps, wrapT);
+  SetParameter(p_gl, RGL_TEXTURE_WRAP_S, Wraps, wrapS);
+  SetParameter(p_gl, RGL_TEXTURE_WRAP_T, Wraps, wrapT);
 }
 
 void Texture::UseEnvironment(Utility::Scoped<Rgl>& p_gl) const {
-  if (environment < std::size(environments))
-    p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, static_cast<int>(environments[environment]));
+  if (environment < std::size(Environments))
+    p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, static_cast<int>(Environments[environment]));
 }
 
 } // namespace Vek::Chart::Library

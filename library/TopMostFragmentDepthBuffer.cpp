@@ -56,13 +56,13 @@ bool TopMostFragmentDepthBuffer::GetDepthAt(Utility::Scoped<Rgl>& p_gl, Types::V
     p_gl->ReadPixels(p_position.x, p_position.y, 1, 1, RGL_RGBA, RGL_UNSIGNED_BYTE, bytes.data());
   }
   // Made once: it costs as much as binding the target.
-  static const std::string location =
+  static const std::string Location =
       "bool __cdecl Vek::Chart::Library::TopMostFragmentDepthBuffer::GetDepthAt(class "
       "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &,const class Vek::Chart::Types::Viewport<0>,const "
       "class Vek::Chart::Types::Pos &,const class Vek::Chart::Core::TimeStamp &,const class boost::function<void "
       "__cdecl(enum Vek::Chart::Library::DepthCodec::Encoding)> &,const class boost::function<void __cdecl(unsigned "
       "int,float)> &) @line86";
-  p_gl->CheckError(location);
+  p_gl->CheckError(Location);
   const float depth = DepthCodec::Decode(bytes);
   if (!(Ogl::HitRecord::DepthFarthest > static_cast<double>(depth)))
     return false;

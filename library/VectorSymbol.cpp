@@ -69,17 +69,17 @@ VectorList ComputeFaceNormals(const VectorList& p_vertices, const std::vector<un
 }
 
 /// The mean of the normals of the triangles around each vertex, at unit length; zero where there are none.
-void AccumulateVertexNormals(const VectorList& p_face_normals, const std::vector<unsigned int>& p_indices,
-                             std::size_t p_vertex_count, VectorList& p_normals) {
-  p_normals.resize(p_vertex_count);
-  std::vector<unsigned int> face_counts(p_vertex_count);
+void AccumulateVertexNormals(const VectorList& p_faceNormals, const std::vector<unsigned int>& p_indices,
+                             std::size_t p_vertexCount, VectorList& p_normals) {
+  p_normals.resize(p_vertexCount);
+  std::vector<unsigned int> faceCounts(p_vertexCount);
   for (std::size_t i = 0; i < p_indices.size(); ++i) {
-    p_normals[p_indices[i]] += p_face_normals[i / 3];
-    ++face_counts[p_indices[i]];
+    p_normals[p_indices[i]] += p_faceNormals[i / 3];
+    ++faceCounts[p_indices[i]];
   }
-  for (std::size_t v = 0; v < p_vertex_count; ++v)
-    if (face_counts[v] != 0)
-      p_normals[v] = Types::Normalize(p_normals[v] / static_cast<double>(face_counts[v]));
+  for (std::size_t v = 0; v < p_vertexCount; ++v)
+    if (faceCounts[v] != 0)
+      p_normals[v] = Types::Normalize(p_normals[v] / static_cast<double>(faceCounts[v]));
 }
 
 Ogl::VertexBuffer::PrimitiveType PrimitiveOf(VectorSymbol::TopologyType p_topology) {
@@ -95,33 +95,33 @@ Ogl::VertexBuffer::PrimitiveType PrimitiveOf(VectorSymbol::TopologyType p_topolo
 
 /// The arrays of a glyph or a layer while they are written; those that it does not have stay null.
 struct GlyphArrays {
-  std::size_t vertex_count = 0;
-  std::size_t index_count = 0;
+  std::size_t vertexCount = 0;
+  std::size_t indexCount = 0;
   Private::SharedArray<float> vertices;
   Private::SharedArray<float> normals;
-  Private::SharedArray<float> tex_coords;
+  Private::SharedArray<float> texCoords;
   Private::SharedArray<unsigned int> indices;
 
   /// Takes the arrays of `p_old` that can be written again, and makes the others.
-  GlyphArrays(std::size_t p_vertices, std::size_t p_indices, bool p_tex_coords, const VertexData& p_old)
-      : vertex_count(p_vertices)
-      , index_count(p_indices)
+  GlyphArrays(std::size_t p_vertices, std::size_t p_indices, bool p_texCoords, const VertexData& p_old)
+      : vertexCount(p_vertices)
+      , indexCount(p_indices)
       , vertices(Private::ReuseOrNew<float>(p_old.Vertices(), p_vertices, 3, VertexData::Float))
       , normals(Private::ReuseOrNew<float>(p_old.Normals(), p_vertices, 3, VertexData::Float)) {
     if (p_indices != 0)
       indices = Private::ReuseOrNew<unsigned int>(p_old.Indices(), p_indices, 1, VertexData::UnsignedInt);
-    if (p_tex_coords)
-      tex_coords = Private::ReuseOrNew<float>(p_old.TexCoords(), p_vertices, 1, VertexData::Float);
+    if (p_texCoords)
+      texCoords = Private::ReuseOrNew<float>(p_old.TexCoords(), p_vertices, 1, VertexData::Float);
   }
 
-  void HandOver(VectorSymbol::TopologyType p_topology, VertexData& p_vertex_data) const {
-    p_vertex_data.PrimitiveType() = PrimitiveOf(p_topology);
-    p_vertex_data.SetVertices(vertices.memory, vertex_count, 3, VertexData::Float);
-    p_vertex_data.SetNormals(normals.memory, vertex_count, 3, VertexData::Float);
+  void HandOver(VectorSymbol::TopologyType p_topology, VertexData& p_vertexData) const {
+    p_vertexData.PrimitiveType() = PrimitiveOf(p_topology);
+    p_vertexData.SetVertices(vertices.memory, vertexCount, 3, VertexData::Float);
+    p_vertexData.SetNormals(normals.memory, vertexCount, 3, VertexData::Float);
     if (indices.data != nullptr)
-      p_vertex_data.SetIndices(indices.memory, index_count, VertexData::UnsignedInt);
-    if (tex_coords.data != nullptr)
-      p_vertex_data.SetTexCoords(tex_coords.memory, vertex_count, 1, VertexData::Float);
+      p_vertexData.SetIndices(indices.memory, indexCount, VertexData::UnsignedInt);
+    if (texCoords.data != nullptr)
+      p_vertexData.SetTexCoords(texCoords.memory, vertexCount, 1, VertexData::Float);
   }
 };
 
@@ -199,7 +199,7 @@ void VectorSymbol::BuildPredefinedShape(const Model::Symbol::Shape p_shape) {
     AccumulateVertexNormals(ComputeFaceNormals(_vertices, _indices), _indices, _vertices.size(), _normals);
 }
 
-bool VectorSymbol::BuildShape(VertexData& p_vertex_data) const {
+bool VectorSymbol::BuildShape(VertexData& p_vertexData) const {
   if (_vertices.empty())
     return false;
   const GlyphArrays arrays(_vertices.size(), _indices.size(), false, NoArrays);
@@ -208,33 +208,33 @@ bool VectorSymbol::BuildShape(VertexData& p_vertex_data) const {
     StoreFloats(HasNormals() ? _normals[i] : DefaultNormal, arrays.normals.data + 3 * i);
   }
   std::copy(_indices.begin(), _indices.end(), arrays.indices.data);
-  arrays.HandOver(_primitive, p_vertex_data);
+  arrays.HandOver(_primitive, p_vertexData);
   return true;
 }
 
 bool VectorSymbol::OrientShape(double p_size, double p_anchor, const Vector3_Base<double>& p_position,
-                               bool p_write_tex_coord, double p_tex_coord, double p_scale,
-                               const Types::Matrix3& p_rotation, VertexData& p_vertex_data) const {
+                               bool p_writeTexCoord, double p_texCoord, double p_scale,
+                               const Types::Matrix3& p_rotation, VertexData& p_vertexData) const {
   if (_vertices.empty())
     return false;
   const double factor = p_size * p_scale;
   if (factor <= 0.0)
     return false;
 
-  const GlyphArrays arrays(_vertices.size(), _indices.size(), p_write_tex_coord, NoArrays);
+  const GlyphArrays arrays(_vertices.size(), _indices.size(), p_writeTexCoord, NoArrays);
   const Vector3_Base<double> shift(0, 0, p_anchor * _length);
   for (std::size_t i = 0; i < _vertices.size(); ++i) {
     StoreFloats(p_rotation * ((_vertices[i] - shift) * factor) + p_position, arrays.vertices.data + 3 * i);
     StoreFloats(p_rotation * (HasNormals() ? _normals[i] : DefaultNormal), arrays.normals.data + 3 * i);
   }
   std::copy(_indices.begin(), _indices.end(), arrays.indices.data);
-  if (p_write_tex_coord)
-    std::fill_n(arrays.tex_coords.data, _vertices.size(), static_cast<float>(p_tex_coord));
-  arrays.HandOver(_primitive, p_vertex_data);
+  if (p_writeTexCoord)
+    std::fill_n(arrays.texCoords.data, _vertices.size(), static_cast<float>(p_texCoord));
+  arrays.HandOver(_primitive, p_vertexData);
   return true;
 }
 
-std::size_t VectorSymbol::CountShown(const Instances& p_instances, double p_scale, unsigned int p_first_vertex) const {
+std::size_t VectorSymbol::CountShown(const Instances& p_instances, double p_scale, unsigned int p_firstVertex) const {
   constexpr const char* Signature = "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::CountShown(const "
                                     "struct Vek::Chart::Library::VectorSymbol::Instances &,double,unsigned int) const";
   if (_vertices.empty() || p_instances.count == 0)
@@ -245,8 +245,8 @@ std::size_t VectorSymbol::CountShown(const Instances& p_instances, double p_scal
   const auto shown =
       static_cast<std::size_t>(std::count_if(p_instances.sizes, p_instances.sizes + p_instances.count,
                                              [p_scale](double p_size) { return !(p_size * p_scale <= 0.0); }));
-  const std::size_t most = (std::numeric_limits<unsigned int>::max() - p_first_vertex) / _vertices.size();
-  if (!VEK_ENSURE_TEXT(_indices.empty() || shown <= most, "shown * VertexCount() <= max_index - first_vertex",
+  const std::size_t most = (std::numeric_limits<unsigned int>::max() - p_firstVertex) / _vertices.size();
+  if (!VEK_ENSURE_TEXT(_indices.empty() || shown <= most, "shown * VertexCount() <= max_index - firstVertex",
                        Signature))
     return 0;
   return shown;
@@ -260,22 +260,22 @@ void VectorSymbol::WriteLayer(const Instances& p_instances, double p_anchor, dou
 }
 
 std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
-                                       VertexData& p_vertex_data) const {
+                                       VertexData& p_vertexData) const {
   const std::size_t shown = CountShown(p_instances, p_scale, 0);
   if (shown == 0)
     return 0;
-  const GlyphArrays arrays(shown * _vertices.size(), shown * _indices.size(), p_instances.tex_coords != nullptr,
-                           p_vertex_data);
+  const GlyphArrays arrays(shown * _vertices.size(), shown * _indices.size(), p_instances.texCoords != nullptr,
+                           p_vertexData);
   LayerMemory memory;
-  memory.vertices = {arrays.vertices.data, 3 * arrays.vertex_count};
-  memory.normals = {arrays.normals.data, 3 * arrays.vertex_count};
-  memory.tex_coords = {arrays.tex_coords.data, arrays.vertex_count};
-  memory.indices = {arrays.indices.data, arrays.index_count};
+  memory.vertices = {arrays.vertices.data, 3 * arrays.vertexCount};
+  memory.normals = {arrays.normals.data, 3 * arrays.vertexCount};
+  memory.texCoords = {arrays.texCoords.data, arrays.vertexCount};
+  memory.indices = {arrays.indices.data, arrays.indexCount};
   WriteLayer(p_instances, p_anchor, p_scale, memory);
 
-  p_vertex_data.SetIndices(nullptr, 0, VertexData::UnsignedInt);
-  p_vertex_data.SetTexCoords(nullptr, 0, 1, VertexData::Float);
-  arrays.HandOver(_primitive, p_vertex_data);
+  p_vertexData.SetIndices(nullptr, 0, VertexData::UnsignedInt);
+  p_vertexData.SetTexCoords(nullptr, 0, 1, VertexData::Float);
+  arrays.HandOver(_primitive, p_vertexData);
   return shown;
 }
 
@@ -285,17 +285,17 @@ std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_an
       "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::OrientShapes(const struct "
       "Vek::Chart::Library::VectorSymbol::Instances &,double,double,const struct "
       "Vek::Chart::Library::VectorSymbol::LayerMemory &) const";
-  const std::size_t shown = CountShown(p_instances, p_scale, p_memory.first_vertex);
+  const std::size_t shown = CountShown(p_instances, p_scale, p_memory.firstVertex);
   const std::size_t vertices = shown * _vertices.size();
-  const auto has_room = [](const auto& p_target, std::size_t p_scalars) {
+  const auto hasRoom = [](const auto& p_target, std::size_t p_scalars) {
     return !p_target.wanted || p_target.count >= p_scalars;
   };
   if (shown == 0 ||
-      !VEK_ENSURE_TEXT(has_room(p_memory.vertices, 3 * vertices), "p_memory.vertices.count >= 3 * vertices",
+      !VEK_ENSURE_TEXT(hasRoom(p_memory.vertices, 3 * vertices), "p_memory.vertices.count >= 3 * vertices",
                        Signature) ||
-      !VEK_ENSURE_TEXT(has_room(p_memory.normals, 3 * vertices), "p_memory.normals.count >= 3 * vertices", Signature) ||
-      !VEK_ENSURE_TEXT(has_room(p_memory.tex_coords, vertices), "p_memory.tex_coords.count >= vertices", Signature) ||
-      !VEK_ENSURE_TEXT(has_room(p_memory.indices, shown * _indices.size()), "p_memory.indices.count >= indices",
+      !VEK_ENSURE_TEXT(hasRoom(p_memory.normals, 3 * vertices), "p_memory.normals.count >= 3 * vertices", Signature) ||
+      !VEK_ENSURE_TEXT(hasRoom(p_memory.texCoords, vertices), "p_memory.texCoords.count >= vertices", Signature) ||
+      !VEK_ENSURE_TEXT(hasRoom(p_memory.indices, shown * _indices.size()), "p_memory.indices.count >= indices",
                        Signature))
     return 0;
   WriteLayer(p_instances, p_anchor, p_scale, p_memory);

@@ -67,7 +67,7 @@ public:
   std::size_t IndexCount() const { return _indices.size(); }
 
   /// Writes the glyph as it is. Returns false, and writes nothing, when it is empty. Otherwise as OrientShape.
-  bool BuildShape(Ogl::VertexData& p_vertex_data) const;
+  bool BuildShape(Ogl::VertexData& p_vertexData) const;
 
   /// Writes a placed copy of the glyph: each vertex v becomes
   ///
@@ -77,13 +77,13 @@ public:
   /// directional glyph there. Normals are rotated only, so they keep their length under a rotation matrix.
   ///
   /// Sets vertices (3 floats), normals (3 floats), indices (unsigned 32 bit; not for points), texture coordinates
-  /// (1 float, the same for all vertices; only with `p_write_tex_coord`), one new array each, and the primitive type,
+  /// (1 float, the same for all vertices; only with `p_writeTexCoord`), one new array each, and the primitive type,
   /// which is marked changed only if it was another one. Arrays that are not written stay as they were.
   ///
   /// Returns false, and writes nothing, when the glyph is empty or size * scale <= 0 (NaN is not).
-  bool OrientShape(double p_size, double p_anchor, const Types::Vector3_Base<double>& p_position,
-                   bool p_write_tex_coord, double p_tex_coord, double p_scale, const Types::Matrix3& p_rotation,
-                   Ogl::VertexData& p_vertex_data) const;
+  bool OrientShape(double p_size, double p_anchor, const Types::Vector3_Base<double>& p_position, bool p_writeTexCoord,
+                   double p_texCoord, double p_scale, const Types::Matrix3& p_rotation,
+                   Ogl::VertexData& p_vertexData) const;
 
   /// The glyphs of a layer, one element each in arrays of the caller's.
   struct Instances {
@@ -91,7 +91,7 @@ public:
     const Types::Vector3_Base<double>* positions = nullptr; ///< where the anchors go
     const Types::Matrix3* rotations = nullptr;              ///< the glyph's frame: column 3 is its axis
     const double* sizes = nullptr;                          ///< multiplied by the scale of the layer
-    const double* tex_coords = nullptr;                     ///< null: the layer gets no texture coordinates
+    const double* texCoords = nullptr;                      ///< null: the layer gets no texture coordinates
   };
 
   /// Memory of the caller's for scalars of one attribute. An attribute whose target is default-constructed is left out.
@@ -117,25 +117,25 @@ public:
 
   /// Where a layer is written to. Memory may be write-only and is filled from front to back.
   struct LayerMemory {
-    Target<float> vertices;        ///< 3 floats a vertex
-    Target<float> normals;         ///< 3 floats a vertex
-    Target<float> tex_coords;      ///< 1 float a vertex
-    Target<unsigned int> indices;  ///< IndexCount() an instance
-    unsigned int first_vertex = 0; ///< the index of the first vertex written, where the memory is a part of a buffer
+    Target<float> vertices;       ///< 3 floats a vertex
+    Target<float> normals;        ///< 3 floats a vertex
+    Target<float> texCoords;      ///< 1 float a vertex
+    Target<unsigned int> indices; ///< IndexCount() an instance
+    unsigned int firstVertex = 0; ///< the index of the first vertex written, where the memory is a part of a buffer
   };
 
   /// Writes a whole layer as one mesh, instance after instance, the indices counting on: the same floats, bit for bit,
   /// as OrientShape gives instance by instance. Instances with size * scale <= 0 are left out, as there; the mesh then
   /// has no gap in their place. Returns how many instances were written.
   ///
-  /// There is one array per attribute. An array that an earlier call put into `p_vertex_data` is written again instead
+  /// There is one array per attribute. An array that an earlier call put into `p_vertexData` is written again instead
   /// of allocated when it has the right size and no other owner, so a layer that is rebuilt into the same object costs
   /// no memory traffic but its own. Indices and texture coordinates that the layer does not have are removed.
   ///
-  /// When nothing is left to write, `p_vertex_data` stays as it was and 0 comes back. Likewise after a report: a null
+  /// When nothing is left to write, `p_vertexData` stays as it was and 0 comes back. Likewise after a report: a null
   /// array of positions, rotations or sizes, and more vertices than 32-bit indices can count.
   std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
-                           Ogl::VertexData& p_vertex_data) const;
+                           Ogl::VertexData& p_vertexData) const;
 
   /// The same into the caller's memory, mapped buffers for example.
   ///
@@ -158,7 +158,7 @@ private:
   void BuildShapeSphere();
 
   /// How many instances of a layer are written; 0 after a report.
-  std::size_t CountShown(const Instances& p_instances, double p_scale, unsigned int p_first_vertex) const;
+  std::size_t CountShown(const Instances& p_instances, double p_scale, unsigned int p_firstVertex) const;
   /// Writes them; the memory has room.
   void WriteLayer(const Instances& p_instances, double p_anchor, double p_scale, const LayerMemory& p_memory) const;
 

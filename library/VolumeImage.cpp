@@ -72,7 +72,7 @@ void VolumeImage::Initialize(VoxelFormat p_format, std::uint64_t p_size0, std::u
     std::int32_t channels;
     DataPrecision precision;
   };
-  static constexpr Layout layouts[] = {
+  static constexpr Layout Layouts[] = {
       {1, Precision32F}, // Float1
       {1, Precision8},   // Byte1
       {0, Precision8},   // NoFormat
@@ -80,7 +80,7 @@ void VolumeImage::Initialize(VoxelFormat p_format, std::uint64_t p_size0, std::u
       {4, Precision8},   // Byte4
   };
   const bool known = p_format >= Float1 && p_format <= Byte4 && p_format != NoFormat;
-  const Layout layout = layouts[known ? p_format : NoFormat];
+  const Layout layout = Layouts[known ? p_format : NoFormat];
   const std::uint64_t componentBytes = layout.precision == Precision32F ? sizeof(float) : 1;
   const std::uint64_t voxelSizeBytes = static_cast<std::uint64_t>(layout.channels) * componentBytes;
   const std::uint64_t slice = Product(p_size0, p_size1);

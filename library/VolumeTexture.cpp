@@ -19,9 +19,9 @@ using Ogl::GlEnum;
 struct FormatRow {
   std::int32_t channels;
   VolumeImage::DataPrecision precision;
-  std::uint64_t voxel_bytes;
+  std::uint64_t voxelBytes;
   GlEnum internal;
-  GlEnum internal_srgb;
+  GlEnum internalSrgb;
   GlEnum format;
   GlEnum type;
 };
@@ -45,9 +45,9 @@ constexpr const char* ConstructorSignature =
     "Vek::Chart::Library::VolumeImage const >,class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)";
 
 // The GL values of the settings, in the order of the enumerations.
-constexpr GlEnum filters[] = {RGL_NEAREST, RGL_LINEAR};
-constexpr GlEnum wraps[] = {RGL_CLAMP_TO_EDGE, RGL_REPEAT};
-constexpr GlEnum environments[] = {RGL_MODULATE, RGL_DECAL, RGL_REPLACE};
+constexpr GlEnum Filters[] = {RGL_NEAREST, RGL_LINEAR};
+constexpr GlEnum Wraps[] = {RGL_CLAMP_TO_EDGE, RGL_REPEAT};
+constexpr GlEnum Environments[] = {RGL_MODULATE, RGL_DECAL, RGL_REPLACE};
 
 template <std::size_t Count>
 void SetParameter(Utility::Scoped<Rgl>& p_gl, GlEnum p_name, const GlEnum (&p_values)[Count], std::uint32_t p_setting) {
@@ -94,13 +94,13 @@ void VolumeTexture::operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) 
   }
   p_gl->TexParameteri(RGL_TEXTURE_3D, RGL_TEXTURE_BASE_LEVEL, 0);
   p_gl->TexParameteri(RGL_TEXTURE_3D, RGL_TEXTURE_MAX_LEVEL, 0);
-  SetParameter(p_gl, RGL_TEXTURE_WRAP_S, wraps, wrapS);
-  SetParameter(p_gl, RGL_TEXTURE_WRAP_T, wraps, wrapT);
-  SetParameter(p_gl, RGL_TEXTURE_WRAP_R, wraps, wrapR);
-  SetParameter(p_gl, RGL_TEXTURE_MIN_FILTER, filters, minFilter);
-  SetParameter(p_gl, RGL_TEXTURE_MAG_FILTER, filters, magFilter);
-  if (environment < std::size(environments))
-    p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, static_cast<int>(environments[environment]));
+  SetParameter(p_gl, RGL_TEXTURE_WRAP_S, Wraps, wrapS);
+  SetParameter(p_gl, RGL_TEXTURE_WRAP_T, Wraps, wrapT);
+  SetParameter(p_gl, RGL_TEXTURE_WRAP_R, Wraps, wrapR);
+  SetParameter(p_gl, RGL_TEXTURE_MIN_FILTER, Filters, minFilter);
+  SetParameter(p_gl, RGL_TEXTURE_MAG_FILTER, Filters, magFilter);
+  if (environment < std::size(Environments))
+    p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, static_cast<int>(Environments[environment]));
   p_gl->Enable(RGL_TEXTURE_3D);
 }
 
@@ -110,14 +110,14 @@ void VolumeTexture::Upload(Utility::Scoped<Rgl>& p_gl) const {
     return;
   // Each extent is below the device's limit, so that the product fits.
   const std::uint64_t bytes = static_cast<std::uint64_t>(_sizeS) * static_cast<std::uint64_t>(_sizeT) *
-                              static_cast<std::uint64_t>(_sizeR) * format->voxel_bytes;
+                              static_cast<std::uint64_t>(_sizeR) * format->voxelBytes;
   if (!VEK_ENSURE_TEXT(
           bytes <= _image->Bytes().size(), "bytes <= p_image->Bytes().size()",
           "void __cdecl Vek::Chart::Library::VolumeTexture::Upload(class Vek::Chart::Utility::Scoped<class "
           "Vek::Chart::Ogl::Rgl> &) const"))
     return;
   const boost::shared_ptr<void> unpacking = Private::UnpackScope(p_gl);
-  p_gl->TexImage3D(RGL_TEXTURE_3D, 0, static_cast<int>(sRgb ? format->internal_srgb : format->internal), _sizeS, _sizeT,
+  p_gl->TexImage3D(RGL_TEXTURE_3D, 0, static_cast<int>(sRgb ? format->internalSrgb : format->internal), _sizeS, _sizeT,
                    _sizeR, 0, format->format, format->type, _image->Bytes().data());
 }
 

@@ -58,18 +58,18 @@ std::string Fault(const std::string& p_from, const std::string& p_to) {
   }
   if (from[0] == "platform" && to[0] == "platform")
     return PlatformFault(from, to);
-  const auto from_floor = std::find(Floors.begin(), Floors.end(), from[0]);
-  const auto to_floor = std::find(Floors.begin(), Floors.end(), to[0]);
-  if (from_floor != Floors.end())
-    return to_floor <= from_floor ? "" : "points up";
-  const bool own_test = StartsWith(p_from, "tests/" + to[0] + "/");
-  return to_floor != Floors.end() || own_test || to[0] == from[0] ? "" : "belongs to another program";
+  const auto fromFloor = std::find(Floors.begin(), Floors.end(), from[0]);
+  const auto toFloor = std::find(Floors.begin(), Floors.end(), to[0]);
+  if (fromFloor != Floors.end())
+    return toFloor <= fromFloor ? "" : "points up";
+  const bool ownTest = StartsWith(p_from, "tests/" + to[0] + "/");
+  return toFloor != Floors.end() || ownTest || to[0] == from[0] ? "" : "belongs to another program";
 }
 
 /// What is wrong with `p_from` having the line #include <p_to>.
 std::string SystemFault(const std::string& p_from, const std::string& p_to) {
-  static const std::regex gl("(GL|EGL|GLES[0-9]?|epoxy)/.*|qopengl.*|QOpenGL.*", std::regex::icase);
-  if (!std::regex_match(p_to, gl) || Roots.count(Parts(p_from)[0]) == 0)
+  static const std::regex Gl("(GL|EGL|GLES[0-9]?|epoxy)/.*|qopengl.*|QOpenGL.*", std::regex::icase);
+  if (!std::regex_match(p_to, Gl) || Roots.count(Parts(p_from)[0]) == 0)
     return "";
   // A window brings the context on which the abstraction works: the viewer's, and the one that the README shows. What
   // else Qt has for GL stays out.

@@ -107,10 +107,10 @@ const Vector Eye(0, 0, GroundRadius + EyeHeight);
 Rgb Scattered(const Vector& p_direction) {
   constexpr int Steps = 64;
   const double cosine = Dot(p_direction, Sun);
-  const double air_phase = 3 / (16 * Angle::Pi) * (1 + cosine * cosine);
+  const double airPhase = 3 / (16 * Angle::Pi) * (1 + cosine * cosine);
   const double g = HazeForward;
-  const double haze_phase = 3 / (8 * Angle::Pi) * (1 - g * g) * (1 + cosine * cosine) /
-                            ((2 + g * g) * std::pow(1 + g * g - 2 * g * cosine, 1.5));
+  const double hazePhase = 3 / (8 * Angle::Pi) * (1 - g * g) * (1 + cosine * cosine) /
+                           ((2 + g * g) * std::pow(1 + g * g - 2 * g * cosine, 1.5));
   const double length = DistanceToSphere(Eye, p_direction, TopRadius);
   Rgb depth;
   Rgb radiance;
@@ -124,7 +124,7 @@ Rgb Scattered(const Vector& p_direction) {
     const Rgb here = depth + density.Extinction() * (step / 2);
     if (!HitsGround(at, Sun)) {
       const Rgb scattering =
-          AirScattering * (density.air * air_phase) + Rgb(1, 1, 1) * (HazeScattering * density.haze * haze_phase);
+          AirScattering * (density.air * airPhase) + Rgb(1, 1, 1) * (HazeScattering * density.haze * hazePhase);
       radiance += Times(Times(scattering, Exp(-here)), Transmittance(at, Sun)) * (SunIrradiance * step);
     }
     depth += density.Extinction() * step;
@@ -139,10 +139,10 @@ Rgb SunDisc(const Vector& p_direction) {
   if (angle >= SunRadius)
     return {};
   const double mu = std::sqrt(1 - angle * angle / (SunRadius * SunRadius));
-  const double solid_angle = 2 * Angle::Pi * (1 - std::cos(Angle::FromDegrees(SunRadius).Radians()));
+  const double solidAngle = 2 * Angle::Pi * (1 - std::cos(Angle::FromDegrees(SunRadius).Radians()));
   constexpr double Darkening = 0.6; // linear; its mean over the disc is 1 − 0.6 / 3
   const double limb = (1 - Darkening * (1 - mu)) / (1 - Darkening / 3);
-  return Transmittance(Eye, Sun) * (SunIrradiance / solid_angle * limb);
+  return Transmittance(Eye, Sun) * (SunIrradiance / solidAngle * limb);
 }
 
 /// The part of a panorama above the horizon, without the sun's disc: what the sea mirrors.
@@ -205,7 +205,7 @@ double Mirrored(double p_cosine) {
 
 /// What the sea shows in a direction below the horizon.
 Rgb SeaRadiance(const Vector& p_direction, const Sky& p_sky, const Rgb& p_water) {
-  const Vector to_eye = -p_direction;
+  const Vector toEye = -p_direction;
   const double deviation = std::sqrt(SlopeVariance);
   constexpr int Reach = 5; // slopes up to two and a half deviations
   Rgb mirrored;
@@ -214,21 +214,21 @@ Rgb SeaRadiance(const Vector& p_direction, const Sky& p_sky, const Rgb& p_water)
   for (int i = -Reach; i <= Reach; ++i)
     for (int j = -Reach; j <= Reach; ++j) {
       const Vector normal = Normalize(Vector(i * deviation / 2, j * deviation / 2, 1));
-      const double facing = Dot(normal, to_eye);
+      const double facing = Dot(normal, toEye);
       if (facing <= 0)
         continue;
       const double weight = std::exp(-(i * i + j * j) / 8.0) * facing / normal.z;
       const double share = Mirrored(facing);
-      mirrored += p_sky.At(normal * (2 * facing) - to_eye) * (weight * share);
+      mirrored += p_sky.At(normal * (2 * facing) - toEye) * (weight * share);
       passed += weight * (1 - share);
       weights += weight;
     }
   // The glitter: waves that lean half-way between the eye and the sun.
-  const Vector half = Normalize(to_eye + Sun);
+  const Vector half = Normalize(toEye + Sun);
   const double slope = (half.x * half.x + half.y * half.y) / (half.z * half.z);
   const double density = std::exp(-slope / (2 * SlopeVariance)) / (2 * Angle::Pi * SlopeVariance);
   constexpr double Grazing = 0.04; // waves hide each other towards the horizon
-  const double glitter = Mirrored(Dot(half, Sun)) * density / (4 * std::max(to_eye.z, Grazing) * std::pow(half.z, 4));
+  const double glitter = Mirrored(Dot(half, Sun)) * density / (4 * std::max(toEye.z, Grazing) * std::pow(half.z, 4));
   return (mirrored + p_water * passed) * (1 / weights) + Transmittance(Eye, Sun) * (SunIrradiance * glitter);
 }
 
@@ -269,20 +269,20 @@ Rgbe Encode(const Rgb& p_color) {
 /// One component of a scanline: runs of four and more as two bytes, everything else as literals.
 void WriteComponent(std::ostream& p_out, const std::vector<Rgbe>& p_line, std::size_t p_component) {
   const auto byte = [&](std::size_t p_x) { return p_line[p_x][p_component]; };
-  const auto run_at = [&](std::size_t p_x) {
+  const auto runAt = [&](std::size_t p_x) {
     std::size_t end = p_x + 1;
     while (end < p_line.size() && end - p_x < 127 && byte(end) == byte(p_x))
       ++end;
     return end - p_x;
   };
   for (std::size_t x = 0; x < p_line.size();) {
-    if (const std::size_t run = run_at(x); run >= 4) {
+    if (const std::size_t run = runAt(x); run >= 4) {
       p_out.put(static_cast<char>(128 + run)).put(static_cast<char>(byte(x)));
       x += run;
       continue;
     }
     std::size_t end = x;
-    while (end < p_line.size() && end - x < 128 && run_at(end) < 4)
+    while (end < p_line.size() && end - x < 128 && runAt(end) < 4)
       ++end;
     p_out.put(static_cast<char>(end - x));
     for (; x < end; ++x)

@@ -37,42 +37,42 @@ bool InDiamond(double p_x, double p_y) {
 
 /// Points up, with a radius of 30.
 bool InHexagon(double p_x, double p_y) {
-  const double inner_radius = 15 * Root3;
-  return p_x <= inner_radius && p_x / 2 + std::abs(p_y) * Root3 / 2 <= inner_radius;
+  const double innerRadius = 15 * Root3;
+  return p_x <= innerRadius && p_x / 2 + std::abs(p_y) * Root3 / 2 <= innerRadius;
 }
 
 /// Equilateral, with an edge of 60.
 bool InTriangle(double p_x, double p_y) {
-  const double half_height = 15 * Root3;
-  return p_y >= -half_height && p_x * Root3 + p_y <= half_height;
+  const double halfHeight = 15 * Root3;
+  return p_y >= -halfHeight && p_x * Root3 + p_y <= halfHeight;
 }
 
 bool InCross(double p_x, double p_y) {
-  constexpr double half_width = 9;
+  constexpr double HalfWidth = 9;
   const double y = std::abs(p_y);
-  return (p_x <= 30 && y <= half_width) || (p_x <= half_width && y <= 30);
+  return (p_x <= 30 && y <= HalfWidth) || (p_x <= HalfWidth && y <= 30);
 }
 
 bool InXCross(double p_x, double p_y) {
-  constexpr double half_width = 8;
-  const double half_length = 30 * Root2 - half_width;
+  constexpr double HalfWidth = 8;
+  const double halfLength = 30 * Root2 - HalfWidth;
   // As seen from the diagonals, of which the longer coordinate counts as the length.
   const double u = (p_x + std::abs(p_y)) / Root2, v = std::abs(p_x - std::abs(p_y)) / Root2;
-  return u <= half_length && v <= half_width;
+  return u <= halfLength && v <= HalfWidth;
 }
 
 /// Five points, the first up; moved down so that as much is left free above as below.
 bool InStar(double p_x, double p_y) {
-  constexpr double radius = 31.5, inner_radius = 13, shift = 3;
-  const double y = p_y + shift;
+  constexpr double Radius = 31.5, InnerRadius = 13, Shift = 3;
+  const double y = p_y + Shift;
   const double turn = 2 * std::acos(-1.0) / 5;
   // Folded into the half of a point next to +y: between the point at angle 0 and the notch at half a turn.
   double angle = std::abs(std::atan2(p_x, y));
   angle = std::abs(angle - turn * std::round(angle / turn));
   const double r = std::hypot(p_x, y);
   const double across = r * std::sin(angle), along = r * std::cos(angle);
-  const double notch_across = inner_radius * std::sin(turn / 2), notch_along = inner_radius * std::cos(turn / 2);
-  return (radius - along) * notch_across >= (radius - notch_along) * across;
+  const double notchAcross = InnerRadius * std::sin(turn / 2), notchAlong = InnerRadius * std::cos(turn / 2);
+  return (Radius - along) * notchAcross >= (Radius - notchAlong) * across;
 }
 
 constexpr struct {

@@ -137,10 +137,10 @@ Mesh Torus() {
       mesh.AddVertex(outward * TorusRadius + normal * TubeRadius, normal);
 
       // The quad to the next ring and to the next vertex of the ring.
-      const unsigned int ring = i * TubeSegments, next_ring = (i + 1) % TorusSegments * TubeSegments;
+      const unsigned int ring = i * TubeSegments, nextRing = (i + 1) % TorusSegments * TubeSegments;
       const unsigned int next = (j + 1) % TubeSegments;
-      mesh.indices.insert(mesh.indices.end(), {ring + j, next_ring + j, next_ring + next});
-      mesh.indices.insert(mesh.indices.end(), {ring + j, next_ring + next, ring + next});
+      mesh.indices.insert(mesh.indices.end(), {ring + j, nextRing + j, nextRing + next});
+      mesh.indices.insert(mesh.indices.end(), {ring + j, nextRing + next, ring + next});
     }
   }
   return mesh;

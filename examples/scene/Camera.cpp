@@ -39,10 +39,10 @@ std::array<double, 16> Camera::ViewMatrix() const {
 }
 
 std::array<double, 16> Camera::ProjectionMatrix(double p_aspect) const {
-  const double focal = 1.0 / std::tan(Angle::FromDegrees(field_of_view / 2).Radians());
-  const double near_plane = std::max(distance - radius, distance * 0.01);
-  const double far_plane = distance + radius;
-  const double depth = near_plane - far_plane;
+  const double focal = 1.0 / std::tan(Angle::FromDegrees(fieldOfView / 2).Radians());
+  const double nearPlane = std::max(distance - radius, distance * 0.01);
+  const double farPlane = distance + radius;
+  const double depth = nearPlane - farPlane;
   return {focal / p_aspect,
           0,
           0,
@@ -53,24 +53,24 @@ std::array<double, 16> Camera::ProjectionMatrix(double p_aspect) const {
           0,
           0,
           0,
-          (far_plane + near_plane) / depth,
+          (farPlane + nearPlane) / depth,
           -1,
           0,
           0,
-          2 * far_plane * near_plane / depth,
+          2 * farPlane * nearPlane / depth,
           0};
 }
 
 Camera::Pixel Camera::Project(const Point& p_point, const Types::Viewport<0>& p_viewport) const {
   const Frame axes = Axes(*this);
-  const Point from_eye = p_point - Eye();
+  const Point fromEye = p_point - Eye();
   const double scale = PixelsPerUnit(p_point, p_viewport);
   if (!(scale > 0))
     return {};
   const double width = static_cast<double>(p_viewport.width);
   const double height = static_cast<double>(p_viewport.height);
-  return {static_cast<double>(p_viewport.x) + width / 2 + Dot(from_eye, axes.right) * scale,
-          static_cast<double>(p_viewport.y) + height / 2 + Dot(from_eye, axes.up) * scale, true};
+  return {static_cast<double>(p_viewport.x) + width / 2 + Dot(fromEye, axes.right) * scale,
+          static_cast<double>(p_viewport.y) + height / 2 + Dot(fromEye, axes.up) * scale, true};
 }
 
 double Camera::PixelsPerUnit(const Point& p_point, const Types::Viewport<0>& p_viewport) const {
@@ -78,7 +78,7 @@ double Camera::PixelsPerUnit(const Point& p_point, const Types::Viewport<0>& p_v
   if (!(ahead > 0))
     return 0;
   const double height = static_cast<double>(p_viewport.height);
-  return height / 2 / std::tan(Angle::FromDegrees(field_of_view / 2).Radians()) / ahead;
+  return height / 2 / std::tan(Angle::FromDegrees(fieldOfView / 2).Radians()) / ahead;
 }
 
 Point Camera::Unproject(const Pixel& p_pixel, double p_depth, const Types::Viewport<0>& p_viewport) const {
@@ -123,7 +123,7 @@ boost::shared_ptr<void> Camera::Apply(const Utility::Scoped<Rgl>& p_gl, const Ty
 bool operator==(const Camera& p_a, const Camera& p_b) {
   const auto all = [](const Camera& p_c) {
     return std::tuple(p_c.target.x, p_c.target.y, p_c.target.z, p_c.distance, p_c.azimuth, p_c.elevation,
-                      p_c.field_of_view, p_c.radius);
+                      p_c.fieldOfView, p_c.radius);
   };
   return all(p_a) == all(p_b);
 }

@@ -16,10 +16,10 @@ namespace Vek::Chart::Gallery {
 struct Camera {
   Types::Vector3_Base<double> target;
   double distance = 10;
-  double azimuth = 0;        ///< degrees
-  double elevation = 30;     ///< degrees above the horizon, −90 to 90
-  double field_of_view = 30; ///< degrees from the lower to the upper border
-  double radius = 5;         ///< what is farther than this from the target may be clipped
+  double azimuth = 0;      ///< degrees
+  double elevation = 30;   ///< degrees above the horizon, −90 to 90
+  double fieldOfView = 30; ///< degrees from the lower to the upper border
+  double radius = 5;       ///< what is farther than this from the target may be clipped
 
   /// Where a point of the scene falls: window pixels from the lower left, and whether it lies before the camera.
   struct Pixel {

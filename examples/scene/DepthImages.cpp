@@ -47,14 +47,14 @@ DepthImages::DepthImages(const QImage& p_packed, const std::vector<float>& p_tru
   for (int y = 0; y < height; ++y) {
     const QRgb* const colors = reinterpret_cast<const QRgb*>(packed.constScanLine(y));
     const float* const depths = p_truth.data() + static_cast<std::ptrdiff_t>(height - 1 - y) * width;
-    QRgb* const decoded_line = Line(decoded, y);
-    QRgb* const truth_line = Line(truth, y);
+    QRgb* const decodedLine = Line(decoded, y);
+    QRgb* const truthLine = Line(truth, y);
     for (int x = 0; x < width; ++x) {
-      const double from_color = static_cast<double>(Decoded(colors[x]));
-      const double from_buffer = static_cast<double>(depths[x]);
-      largest_error = std::max(largest_error, std::abs(from_color - from_buffer));
-      decoded_line[x] = Grey(from_color, nearest, farthest);
-      truth_line[x] = Grey(from_buffer, nearest, farthest);
+      const double fromColor = static_cast<double>(Decoded(colors[x]));
+      const double fromBuffer = static_cast<double>(depths[x]);
+      largestError = std::max(largestError, std::abs(fromColor - fromBuffer));
+      decodedLine[x] = Grey(fromColor, nearest, farthest);
+      truthLine[x] = Grey(fromBuffer, nearest, farthest);
     }
   }
 }

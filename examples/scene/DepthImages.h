@@ -11,7 +11,7 @@ namespace Vek::Chart::Gallery {
 struct DepthImages {
   QImage decoded; ///< from packed colours
   QImage truth;   ///< from the depth buffer
-  double largest_error = 0;
+  double largestError = 0;
 
   /// `p_packed` holds colours of DepthCodec, `p_truth` the depths of the same pixels, the lowest row first. Empty
   /// pictures when there are not as many of both.

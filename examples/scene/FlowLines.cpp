@@ -74,10 +74,10 @@ void ArrowHeads::Add(const SweepPoint& p_point, const Point& p_direction, double
 }
 
 const std::vector<ArrowHeads::Glyph>& ArrowHeads::Glyphs() {
-  static const std::vector<Glyph> glyphs = {{Model::Symbol::ShapeArrowHead3D, 1}, {Model::Symbol::ShapeCone, 1},
+  static const std::vector<Glyph> Glyphs = {{Model::Symbol::ShapeArrowHead3D, 1}, {Model::Symbol::ShapeCone, 1},
                                             {Model::Symbol::ShapeArrow3D, 0.8},   {Model::Symbol::ShapeCylinder, 0.7},
                                             {Model::Symbol::ShapeSphere, 0.8},    {Model::Symbol::ShapeCube, 0.6}};
-  return glyphs;
+  return Glyphs;
 }
 
 void ArrowHeads::SetGlyph(std::size_t p_index) {
@@ -95,7 +95,7 @@ const Ogl::VertexData& ArrowHeads::Mesh() const {
   instances.positions = _positions.data();
   instances.rotations = _rotations.data();
   instances.sizes = _sizes.data();
-  instances.tex_coords = _values.data();
+  instances.texCoords = _values.data();
   Library::VectorSymbol(_glyph.shape, 16).OrientShapes(instances, 0.5, _glyph.size, _mesh);
   return _mesh;
 }

@@ -26,10 +26,10 @@ std::array<double, 6> ReadLayout(const std::string& p_line, const std::string& p
   for (double& value : layout)
     if (!ParseNumber(NextWord(rest), value))
       throw InputError(p_name, 1, "\"nx ny x0 dx y0 dy\"", p_line);
-  const auto is_count = [](double p_value) {
+  const auto isCount = [](double p_value) {
     return p_value >= 2 && p_value <= 65536 && p_value == std::floor(p_value);
   };
-  if (!is_count(layout[0]) || !is_count(layout[1]) || layout[3] == 0 || layout[5] == 0 || !NextWord(rest).empty())
+  if (!isCount(layout[0]) || !isCount(layout[1]) || layout[3] == 0 || layout[5] == 0 || !NextWord(rest).empty())
     throw InputError(p_name, 1, "\"nx ny x0 dx y0 dy\" with whole nx, ny from 2 to 65536 and steps that are not 0",
                      p_line);
   return layout;

@@ -78,7 +78,7 @@ void DrawInstances(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_progr
   const double diagonal = Length(p_model.box.Extent());
   if (!p_program.Linked() || !(diagonal > 0))
     return;
-  const auto in_use = p_program.Use(p_gl);
+  const auto inUse = p_program.Use(p_gl);
   p_program.SetUniform(p_gl, "colors", 0);
   p_program.SetUniform(p_gl, "center", p_model.box.Center());
   p_program.SetUniform(p_gl, "fit", static_cast<float>(1.0 / diagonal));
@@ -88,19 +88,19 @@ void DrawInstances(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_progr
   draw.indices = p_model.indices.buffer;
   draw.vertices = p_model.vertices.buffer;
   draw.attributes = p_model.vertices.attributes;
-  draw.position_stride = p_model.vertices.positionStride;
-  draw.normal_stride = p_model.vertices.normalStride;
-  draw.position_offset = p_model.vertices.positionOffset;
-  draw.normal_offset = p_model.vertices.normalOffset;
-  draw.instance_attributes = p_instances.Attributes(p_gl);
+  draw.positionStride = p_model.vertices.positionStride;
+  draw.normalStride = p_model.vertices.normalStride;
+  draw.positionOffset = p_model.vertices.positionOffset;
+  draw.normalOffset = p_model.vertices.normalOffset;
+  draw.instanceAttributes = p_instances.Attributes(p_gl);
   draw.Draw(p_gl, p_instances.Count());
 }
 
 /// The program that places instances and gives each pixel what the text of a fragment shader says.
 Ogl::ShaderProgram& Made(std::optional<Ogl::ShaderProgram>& p_program, Utility::Scoped<Rgl>& p_gl,
-                         const std::string& p_fragment_text) {
+                         const std::string& p_fragmentText) {
   if (!p_program)
-    p_program.emplace(p_gl, VertexText, p_fragment_text,
+    p_program.emplace(p_gl, VertexText, p_fragmentText,
                       std::vector<std::string>{"", "place", "", "", "", "measure", "axis_x", "axis_y"});
   return *p_program;
 }
@@ -110,11 +110,11 @@ Ogl::ShaderProgram& Made(std::optional<Ogl::ShaderProgram>& p_program, Utility::
 const std::vector<Ogl::BufferDraw::InstanceAttribute>& InstanceBuffers::Attributes(Utility::Scoped<Rgl>& p_gl) {
   if (!_attributes.empty() || _instances.empty())
     return _attributes;
-  const auto add = [&](Location p_location, auto p_record_of) {
+  const auto add = [&](Location p_location, auto p_recordOf) {
     const auto buffer = p_gl->GetBufferPool().CreateBuffer<Record>(_instances.size(), Ogl::BufferUsage::Default);
     const Ogl::BufferPool::WriteArray<Record> mapped(buffer, 0, _instances.size(), RGL_ARRAY_BUFFER);
     std::transform(_instances.begin(), _instances.begin() + static_cast<std::ptrdiff_t>(mapped.Count()), mapped.Data(),
-                   p_record_of);
+                   p_recordOf);
     _attributes.push_back({p_location, buffer});
   };
   add(PlaceLocation, [](const Instance& p_i) { return ToRecord(p_i.place); });

@@ -37,8 +37,8 @@ QImage TextImage(const QString& p_text, int p_pixels, bool p_bold, const QColor&
 }
 
 void Lettering::Draw(Utility::Scoped<Rgl>& p_gl, const QString& p_text, double p_x, double p_y, Anchor p_anchor,
-                     const Style& p_style, double p_point_size) {
-  const int pixels = std::max(1, static_cast<int>(std::lround(p_style.size * p_point_size)));
+                     const Style& p_style, double p_pointSize) {
+  const int pixels = std::max(1, static_cast<int>(std::lround(p_style.size * p_pointSize)));
   const Key key{p_text, pixels, p_style.bold, p_style.color.rgba()};
   if (_textures.size() >= MostTextures && _textures.count(key) == 0)
     _textures.clear(); // those that are still shown come again

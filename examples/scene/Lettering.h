@@ -40,7 +40,7 @@ public:
 
   /// To be called with a projection of one unit a pixel (see Overlay); the place is in pixels from the lower left.
   void Draw(Utility::Scoped<Rgl>& p_gl, const QString& p_text, double p_x, double p_y, Anchor p_anchor,
-            const Style& p_style, double p_point_size);
+            const Style& p_style, double p_pointSize);
 
 private:
   using Key = std::tuple<QString, int, bool, QRgb>;

@@ -110,14 +110,14 @@ LeveledInstances::LeveledInstances(std::vector<Instance> p_instances)
 void LeveledInstances::Draw(Utility::Scoped<Rgl>& p_gl, InstancePainter& p_painter,
                             const std::vector<ModelLevel>& p_levels, const View& p_view,
                             const Library::ColorMap& p_colors) {
-  std::vector<std::size_t> level_of;
+  std::vector<std::size_t> levelOf;
   for (const Instance& instance : _instances) {
     const double pixels = instance.size * p_view.camera.PixelsPerUnit(instance.place, p_view.viewport);
     const auto fine = std::find_if(p_levels.begin(), p_levels.end() - 1,
-                                   [pixels](const ModelLevel& p_level) { return pixels <= p_level.most_pixels; });
-    level_of.push_back(static_cast<std::size_t>(fine - p_levels.begin()));
+                                   [pixels](const ModelLevel& p_level) { return pixels <= p_level.mostPixels; });
+    levelOf.push_back(static_cast<std::size_t>(fine - p_levels.begin()));
   }
-  Take(level_of, p_levels.size());
+  Take(levelOf, p_levels.size());
   for (std::size_t i = 0; i < p_levels.size(); ++i)
     p_painter.Draw(p_gl, p_levels[i].mesh, _levels[i], p_colors);
 }
@@ -130,16 +130,16 @@ void LeveledInstances::DrawDepths(Utility::Scoped<Rgl>& p_gl, InstancePainter& p
     p_painter.DrawDepths(p_gl, p_levels[i].mesh, _levels[i]);
 }
 
-void LeveledInstances::Take(const std::vector<std::size_t>& p_level_of, std::size_t p_count) {
-  if (_levels.size() == p_count && _level_of == p_level_of)
+void LeveledInstances::Take(const std::vector<std::size_t>& p_levelOf, std::size_t p_count) {
+  if (_levels.size() == p_count && _levelOf == p_levelOf)
     return; // as in the picture before
   std::vector<std::vector<Instance>> parts(p_count);
   for (std::size_t i = 0; i < _instances.size(); ++i)
-    parts[p_level_of[i]].push_back(_instances[i]);
+    parts[p_levelOf[i]].push_back(_instances[i]);
   _levels.clear();
   for (std::vector<Instance>& part : parts)
     _levels.emplace_back(std::move(part));
-  _level_of = p_level_of;
+  _levelOf = p_levelOf;
 }
 
 } // namespace Vek::Chart::Gallery

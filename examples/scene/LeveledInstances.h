@@ -13,7 +13,7 @@ namespace Vek::Chart::Gallery {
 /// A model that is fine enough for instances up to a size in the picture.
 struct ModelLevel {
   Mesh mesh;
-  double most_pixels; ///< of an instance's size
+  double mostPixels; ///< of an instance's size
 };
 
 /// Spheres of 20, 80 and 320 triangles, each up to the size at which its outline leaves the circle by a fifth of a
@@ -32,10 +32,10 @@ public:
   void DrawDepths(Utility::Scoped<Rgl>& p_gl, InstancePainter& p_painter, const std::vector<ModelLevel>& p_levels);
 
 private:
-  void Take(const std::vector<std::size_t>& p_level_of, std::size_t p_count);
+  void Take(const std::vector<std::size_t>& p_levelOf, std::size_t p_count);
 
   std::vector<Instance> _instances;
-  std::vector<std::size_t> _level_of;   ///< for each instance
+  std::vector<std::size_t> _levelOf;    ///< for each instance
   std::vector<InstanceBuffers> _levels; ///< the instances of each
 };
 

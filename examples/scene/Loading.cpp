@@ -76,9 +76,9 @@ private:
 } // namespace
 
 Loading& Loading::Stage(double p_end) {
-  _from = _has_stages ? _to : 0;
+  _from = _hasStages ? _to : 0;
   _to = p_end;
-  _has_stages = true;
+  _hasStages = true;
   Advance(0);
   return *this;
 }

@@ -56,8 +56,8 @@ public:
 private:
   std::atomic<double> _progress{0};
   std::atomic<bool> _cancelled{false};
-  bool _has_stages = false; ///< without any, all is one stage
-  double _from = 0;         ///< the progress at the begin and the end of the stage
+  bool _hasStages = false; ///< without any, all is one stage
+  double _from = 0;        ///< the progress at the begin and the end of the stage
   double _to = 1;
 };
 

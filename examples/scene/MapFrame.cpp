@@ -12,10 +12,10 @@ MapFrame::MapFrame(double p_west, double p_east, double p_south, double p_north)
     , _east(p_east)
     , _south(p_south)
     , _north(p_north)
-    , _scale_x(Width / (p_east - p_west))
-    , _scale_y(_scale_x) {
+    , _scaleX(Width / (p_east - p_west))
+    , _scaleY(_scaleX) {
   if (!IsGlobal())
-    _scale_y = _scale_x / std::max(0.05, std::cos(Types::Angle::FromDegrees((_south + _north) / 2).Radians()));
+    _scaleY = _scaleX / std::max(0.05, std::cos(Types::Angle::FromDegrees((_south + _north) / 2).Radians()));
 }
 
 double MapFrame::Wrapped(double p_lon) const {
@@ -26,7 +26,7 @@ double MapFrame::Wrapped(double p_lon) const {
 }
 
 Types::Vector2_Base<double> MapFrame::Place(double p_lon, double p_lat) const {
-  return {(Wrapped(p_lon) - (_west + _east) / 2) * _scale_x, (p_lat - (_south + _north) / 2) * _scale_y};
+  return {(Wrapped(p_lon) - (_west + _east) / 2) * _scaleX, (p_lat - (_south + _north) / 2) * _scaleY};
 }
 
 Types::Vector3_Base<double> MapFrame::Place(double p_lon, double p_lat, double p_z) const {

@@ -18,7 +18,7 @@ public:
   double East() const { return _east; }
   double South() const { return _south; }
   double North() const { return _north; }
-  double Height() const { return (_north - _south) * _scale_y; }
+  double Height() const { return (_north - _south) * _scaleY; }
   bool IsGlobal() const { return _east - _west >= 359.5; }
 
   /// The place of a point, at the longitude that lies within the map if one does.
@@ -30,7 +30,7 @@ private:
   double Wrapped(double p_lon) const;
 
   double _west, _east, _south, _north;
-  double _scale_x, _scale_y;
+  double _scaleX, _scaleY;
 };
 
 } // namespace Vek::Chart::Gallery

@@ -20,9 +20,9 @@ boost::shared_ptr<const Library::ObjModel> ReadModelFile(const std::string& p_pa
   p_loading.CheckCancelled(); // which the reader may take for the end of the file
   if (reports.Indices() != 0)
     throw InputError(p_path + ": expected an OBJ model whose faces count their vertices and normals from 1");
-  const auto is_empty = [](const auto& p_group) { return p_group->indices.empty(); };
+  const auto isEmpty = [](const auto& p_group) { return p_group->indices.empty(); };
   if (reports.Others() != 0 || model->Vertices()->empty() ||
-      std::all_of(model->Groups()->begin(), model->Groups()->end(), is_empty))
+      std::all_of(model->Groups()->begin(), model->Groups()->end(), isEmpty))
     throw InputError(p_path + ": expected an OBJ model of triangles or lines, and of nothing else");
   return model;
 }

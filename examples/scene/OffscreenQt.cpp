@@ -28,8 +28,8 @@ QGuiApplication* MakeApplication() {
 } // namespace
 
 void StartOffscreenQt() {
-  static const QGuiApplication* const application = MakeApplication();
-  static_cast<void>(application);
+  static const QGuiApplication* const Application = MakeApplication();
+  static_cast<void>(Application);
 }
 
 } // namespace Vek::Chart::Gallery

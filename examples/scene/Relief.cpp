@@ -44,8 +44,8 @@ boost::shared_ptr<void> TextureScope(Utility::Scoped<Rgl>& p_gl, const Library::
 
 } // namespace
 
-Relief::Relief(const HeightField& p_heights, const MapFrame& p_map, double p_z_per_metre)
-    : _z_per_metre(p_z_per_metre) {
+Relief::Relief(const HeightField& p_heights, const MapFrame& p_map, double p_zPerMetre)
+    : _zPerMetre(p_zPerMetre) {
   BuildSurface(p_heights, p_map);
   BuildSides();
 }
@@ -76,21 +76,19 @@ void Relief::BuildSurface(const HeightField& p_heights, const MapFrame& p_map) {
   std::vector<Record> positions;
   std::vector<Record> normals;
   std::vector<float> colors;
-  const double lon_step = (p_map.East() - p_map.West()) / static_cast<double>(_columns - 1);
-  const double lat_step = (p_map.North() - p_map.South()) / static_cast<double>(_rows - 1);
-  const double x_step = MapFrame::Width / static_cast<double>(_columns - 1);
-  const double y_step = p_map.Height() / static_cast<double>(_rows - 1);
+  const double lonStep = (p_map.East() - p_map.West()) / static_cast<double>(_columns - 1);
+  const double latStep = (p_map.North() - p_map.South()) / static_cast<double>(_rows - 1);
+  const double xStep = MapFrame::Width / static_cast<double>(_columns - 1);
+  const double yStep = p_map.Height() / static_cast<double>(_rows - 1);
   for (std::size_t row = 0; row < _rows; ++row)
     for (std::size_t column = 0; column < _columns; ++column) {
-      const double lon = p_map.West() + lon_step * static_cast<double>(column);
-      const double lat = p_map.South() + lat_step * static_cast<double>(row);
+      const double lon = p_map.West() + lonStep * static_cast<double>(column);
+      const double lat = p_map.South() + latStep * static_cast<double>(row);
       const double height = p_heights.At(lon, lat);
-      const double slope_x =
-          (Z(p_heights.At(lon + lon_step, lat)) - Z(p_heights.At(lon - lon_step, lat))) / (2 * x_step);
-      const double slope_y =
-          (Z(p_heights.At(lon, lat + lat_step)) - Z(p_heights.At(lon, lat - lat_step))) / (2 * y_step);
+      const double slopeX = (Z(p_heights.At(lon + lonStep, lat)) - Z(p_heights.At(lon - lonStep, lat))) / (2 * xStep);
+      const double slopeY = (Z(p_heights.At(lon, lat + latStep)) - Z(p_heights.At(lon, lat - latStep))) / (2 * yStep);
       positions.push_back(ToRecord(p_map.Place(lon, lat, Z(height))));
-      normals.push_back(ToRecord(Normalize(Types::Vector3_Base<double>(-slope_x, -slope_y, 1))));
+      normals.push_back(ToRecord(Normalize(Types::Vector3_Base<double>(-slopeX, -slopeY, 1))));
       colors.push_back(static_cast<float>((height - LowestColored) / (HighestColored - LowestColored)));
       _top = std::max(_top, Z(height));
       _base = std::min(_base, Z(height));
@@ -101,14 +99,14 @@ void Relief::BuildSurface(const HeightField& p_heights, const MapFrame& p_map) {
   _surface.SetNormals(Shared(std::move(normals)), count, 3, Ogl::VertexData::Float);
   _surface.SetTexCoords(Shared(std::move(colors)), count, 1, Ogl::VertexData::Float);
   _surface.PrimitiveType() = Ogl::VertexBuffer::Triangles;
-  _coarse_surface = _surface;
-  const auto set_cells = [this](Ogl::VertexData& p_mesh, std::size_t p_step) {
+  _coarseSurface = _surface;
+  const auto setCells = [this](Ogl::VertexData& p_mesh, std::size_t p_step) {
     std::vector<unsigned int> indices = GridIndices(_columns, _rows, p_step);
-    const std::size_t index_count = indices.size();
-    p_mesh.SetIndices(Shared(std::move(indices)), index_count, Ogl::VertexData::UnsignedInt);
+    const std::size_t indexCount = indices.size();
+    p_mesh.SetIndices(Shared(std::move(indices)), indexCount, Ogl::VertexData::UnsignedInt);
   };
-  set_cells(_surface, 1);
-  set_cells(_coarse_surface, 2);
+  setCells(_surface, 1);
+  setCells(_coarseSurface, 2);
 }
 
 void Relief::BuildSides() {
@@ -116,7 +114,7 @@ void Relief::BuildSides() {
   std::vector<Record> positions;
   std::vector<Record> normals;
   // A wall hangs below each border of the surface; `first` and `step` walk along the border.
-  const auto add_wall = [&](std::size_t p_first, std::size_t p_step, std::size_t p_count, const Record& p_normal) {
+  const auto addWall = [&](std::size_t p_first, std::size_t p_step, std::size_t p_count, const Record& p_normal) {
     for (std::size_t i = 0; i + 1 < p_count; ++i) {
       const Record& a = surface[p_first + i * p_step];
       const Record& b = surface[p_first + (i + 1) * p_step];
@@ -127,29 +125,28 @@ void Relief::BuildSides() {
       }
     }
   };
-  add_wall(0, 1, _columns, {0, -1, 0});
-  add_wall((_rows - 1) * _columns, 1, _columns, {0, 1, 0});
-  add_wall(0, _columns, _rows, {-1, 0, 0});
-  add_wall(_columns - 1, _columns, _rows, {1, 0, 0});
+  addWall(0, 1, _columns, {0, -1, 0});
+  addWall((_rows - 1) * _columns, 1, _columns, {0, 1, 0});
+  addWall(0, _columns, _rows, {-1, 0, 0});
+  addWall(_columns - 1, _columns, _rows, {1, 0, 0});
   const std::size_t count = positions.size();
   _sides.SetVertices(Shared(std::move(positions)), count, 3, Ogl::VertexData::Float);
   _sides.SetNormals(Shared(std::move(normals)), count, 3, Ogl::VertexData::Float);
   _sides.PrimitiveType() = Ogl::VertexBuffer::Quads;
 }
 
-void Relief::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, double p_pixels_per_unit) const {
-  DrawSurface(p_gl, p_colors, p_pixels_per_unit);
+void Relief::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, double p_pixelsPerUnit) const {
+  DrawSurface(p_gl, p_colors, p_pixelsPerUnit);
   const auto guard = TextureScope(p_gl, p_colors);
   // The sides take one colour of the map, that of the deep sea.
   p_gl->TexCoord1d(0.1);
   _sides.Draw(p_gl);
 }
 
-void Relief::DrawSurface(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors,
-                         double p_pixels_per_unit) const {
+void Relief::DrawSurface(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, double p_pixelsPerUnit) const {
   constexpr double LargestCell = 4; // pixels
   const auto guard = TextureScope(p_gl, p_colors);
-  (2 * p_pixels_per_unit <= LargestCell ? _coarse_surface : _surface).Draw(p_gl);
+  (2 * p_pixelsPerUnit <= LargestCell ? _coarseSurface : _surface).Draw(p_gl);
 }
 
 } // namespace Vek::Chart::Gallery

@@ -8,12 +8,12 @@ namespace {
 
 /// How many times a side of the picture is drawn larger.
 int Oversampling(const SceneEntry& p_entry) {
-  return p_entry.true_pixels ? 1 : 2;
+  return p_entry.truePixels ? 1 : 2;
 }
 
 /// Samples a pixel of the large picture; a poster's would take gigabytes.
 int Samples(const SceneEntry& p_entry, Types::Size p_size) {
-  if (p_entry.true_pixels)
+  if (p_entry.truePixels)
     return 0;
   return static_cast<long>(p_size.width) * p_size.height <= 4'000'000 ? 4 : 0;
 }

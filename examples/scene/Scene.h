@@ -89,7 +89,7 @@ struct SceneEntry {
   /// not what the scene needs, and Cancelled.
   std::unique_ptr<Scene> (*load)(const Inputs& p_inputs, Loading& p_loading);
   /// Whether a picture shows single pixels, such as those of stipples, and must not be smoothed.
-  bool true_pixels = false;
+  bool truePixels = false;
 };
 
 /// All scenes, in the order of the gallery.

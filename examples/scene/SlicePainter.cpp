@@ -24,13 +24,13 @@ uniform sampler3D volume; // 0 to 1; 0 where there is nothing
 uniform sampler2D colors;
 uniform float low;        // the values that get the first and the last colour
 uniform float high;
-uniform float low_opacity;
+uniform float lowOpacity;
 void main() {
   float value = texture3D(volume, gl_TexCoord[0].xyz).r;
   if (value < 0.5 / 255.0)
     discard;
   float place = clamp((value - low) / (high - low), 0.0, 1.0);
-  gl_FragColor = vec4(texture2D(colors, vec2(place, 0.5)).rgb, mix(low_opacity, 1.0, place));
+  gl_FragColor = vec4(texture2D(colors, vec2(place, 0.5)).rgb, mix(lowOpacity, 1.0, place));
 }
 )";
 
@@ -58,19 +58,19 @@ SlicePainter::SlicePainter(Utility::Scoped<Rgl>& p_gl, const boost::shared_ptr<c
 void SlicePainter::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices,
                         const Library::ColorMap& p_colors, const Look& p_look) const {
   const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-  const auto in_use = _colored.Use(p_gl);
+  const auto inUse = _colored.Use(p_gl);
   p_colors(p_gl, RGL_TEXTURE1);
   _colored.SetUniform(p_gl, "volume", 0);
   _colored.SetUniform(p_gl, "colors", 1);
   _colored.SetUniform(p_gl, "low", p_look.low);
   _colored.SetUniform(p_gl, "high", p_look.high);
-  _colored.SetUniform(p_gl, "low_opacity", p_look.low_opacity);
+  _colored.SetUniform(p_gl, "lowOpacity", p_look.lowOpacity);
   Fill(p_gl, p_slices);
 }
 
 void SlicePainter::DrawDepths(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices) const {
   const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-  const auto in_use = _packed.Use(p_gl);
+  const auto inUse = _packed.Use(p_gl);
   _packed.SetUniform(p_gl, "volume", 0);
   Fill(p_gl, p_slices);
 }

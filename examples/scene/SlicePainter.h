@@ -26,9 +26,9 @@ class SlicePainter {
 public:
   /// How values become colours.
   struct Look {
-    float low = 0;         ///< the value of the first colour
-    float high = 1;        ///< the value of the last one
-    float low_opacity = 1; ///< of the first colour; the last one is opaque
+    float low = 0;        ///< the value of the first colour
+    float high = 1;       ///< the value of the last one
+    float lowOpacity = 1; ///< of the first colour; the last one is opaque
   };
 
   /// The volume fills `p_box`, its first layer below, or above with `p_downwards`.

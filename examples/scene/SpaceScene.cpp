@@ -5,12 +5,12 @@ namespace Vek::Chart::Gallery {
 using Library::ColorMap;
 
 SpaceScene::SpaceScene(const std::vector<QColor>& p_colors)
-    : _own_colors(p_colors)
+    : _ownColors(p_colors)
     , _colors(ColorMap(p_colors, ColorMap::Interpolated)) {}
 
 void SpaceScene::SetColors(const std::vector<QColor>& p_colors) {
   if (_colors)
-    _colors = ColorMap(p_colors.empty() ? _own_colors : p_colors, ColorMap::Interpolated);
+    _colors = ColorMap(p_colors.empty() ? _ownColors : p_colors, ColorMap::Interpolated);
 }
 
 void SpaceScene::PrepareOnce(Utility::Scoped<Rgl>& p_gl) {

@@ -41,7 +41,7 @@ private:
   void PrepareOnce(Utility::Scoped<Rgl>& p_gl);
 
   bool _prepared = false;
-  std::vector<QColor> _own_colors;
+  std::vector<QColor> _ownColors;
   std::optional<Library::ColorMap> _colors;
   Lettering _lettering;
 };

@@ -17,21 +17,21 @@ public:
       , _options(p_options)
       , _sign(p_sign) {}
 
-  Streamline Trace(const Point& p_seed, const GoOnFunction& p_go_on) {
+  Streamline Trace(const Point& p_seed, const GoOnFunction& p_goOn) {
     Streamline line;
     Point direction;
     if (!Direction(p_seed, direction))
       return line;
     line.push_back(p_seed);
-    double step = _options.largest_step;
+    double step = _options.largestStep;
     double arc = 0;
     while (arc < _options.length) {
       Point next;
-      step = std::min({step, _options.largest_step, std::max(_options.length - arc, _options.smallest_step)});
+      step = std::min({step, _options.largestStep, std::max(_options.length - arc, _options.smallestStep)});
       if (!Advance(line.back(), direction, step, next))
         break;
       arc += _taken;
-      if (!p_go_on.empty() && !p_go_on(next, arc))
+      if (!p_goOn.empty() && !p_goOn(next, arc))
         break;
       line.push_back(next);
     }
@@ -58,10 +58,10 @@ private:
       Point k4;
       const double taken = p_step;
       const bool inside = Try(p_place, p_direction, taken, p_next, k4, error);
-      const bool smallest = taken <= _options.smallest_step;
+      const bool smallest = taken <= _options.smallestStep;
       if (inside && (error <= _options.tolerance || smallest)) {
         const double growth = error > 0 ? 0.9 * std::cbrt(_options.tolerance / error) : 2.0;
-        p_step = std::max(_options.smallest_step, taken * std::clamp(growth, 0.2, 2.0));
+        p_step = std::max(_options.smallestStep, taken * std::clamp(growth, 0.2, 2.0));
         p_direction = k4;
         _taken = taken;
         return true;
@@ -69,7 +69,7 @@ private:
       if (smallest)
         return false;
       const double shrink = inside ? 0.9 * std::cbrt(_options.tolerance / error) : 0.5;
-      p_step = std::max(_options.smallest_step, taken * std::clamp(shrink, 0.1, 0.5));
+      p_step = std::max(_options.smallestStep, taken * std::clamp(shrink, 0.1, 0.5));
     }
   }
 
@@ -163,14 +163,14 @@ Streamline Joined(Streamline p_upstream, const Streamline& p_downstream) {
 } // namespace
 
 Streamline TraceDownstream(const FlowFunction& p_flow, const Point& p_seed, const TraceOptions& p_options,
-                           const GoOnFunction& p_go_on) {
-  return Tracer(p_flow, p_options, 1).Trace(p_seed, p_go_on);
+                           const GoOnFunction& p_goOn) {
+  return Tracer(p_flow, p_options, 1).Trace(p_seed, p_goOn);
 }
 
 Streamline TraceBoth(const FlowFunction& p_flow, const Point& p_seed, const TraceOptions& p_options,
-                     const GoOnFunction& p_go_on) {
-  return Joined(Tracer(p_flow, p_options, -1).Trace(p_seed, p_go_on),
-                Tracer(p_flow, p_options, 1).Trace(p_seed, p_go_on));
+                     const GoOnFunction& p_goOn) {
+  return Joined(Tracer(p_flow, p_options, -1).Trace(p_seed, p_goOn),
+                Tracer(p_flow, p_options, 1).Trace(p_seed, p_goOn));
 }
 
 double ArcLength(const Streamline& p_line) {
@@ -197,23 +197,23 @@ std::vector<Streamline> SpacedStreamlines(const FlowFunction& p_flow, const std:
   for (const Point& seed : p_seeds) {
     if (others.HasNear(seed, p_spacing.seeds))
       continue;
-    OwnTrail up_trail(nearest);
+    OwnTrail upTrail(nearest);
     const Streamline upstream = Tracer(p_flow, p_options, -1).Trace(seed, [&](const Point& p_place, double p_arc) {
-      return !others.HasNear(p_place, nearest) && up_trail.MayPass(p_place, p_arc);
+      return !others.HasNear(p_place, nearest) && upTrail.MayPass(p_place, p_arc);
     });
     // The way downstream must not run into the one upstream either, but where both begin they are near each other.
     const double beginning = 2 * p_spacing.seeds;
     Neighbourhood passed(p_spacing.seeds);
-    Neighbourhood passed_far(p_spacing.seeds);
+    Neighbourhood passedFar(p_spacing.seeds);
     double arc = 0;
     for (std::size_t i = 1; i < upstream.size(); ++i) {
       arc += Length(upstream[i] - upstream[i - 1]);
-      (arc < beginning ? passed : passed_far).Add(upstream[i]);
+      (arc < beginning ? passed : passedFar).Add(upstream[i]);
     }
-    OwnTrail down_trail(nearest);
+    OwnTrail downTrail(nearest);
     const Streamline downstream = Tracer(p_flow, p_options, 1).Trace(seed, [&](const Point& p_place, double p_arc) {
-      return !others.HasNear(p_place, nearest) && !passed_far.HasNear(p_place, nearest) &&
-             (p_arc < beginning || !passed.HasNear(p_place, nearest)) && down_trail.MayPass(p_place, p_arc);
+      return !others.HasNear(p_place, nearest) && !passedFar.HasNear(p_place, nearest) &&
+             (p_arc < beginning || !passed.HasNear(p_place, nearest)) && downTrail.MayPass(p_place, p_arc);
     });
     Streamline line = Joined(upstream, downstream);
     if (line.size() < 2 || ArcLength(line) < p_spacing.shortest)

@@ -20,9 +20,9 @@ using GoOnFunction = boost::function<bool(const Types::Vector3_Base<double>& p_p
 
 /// How a streamline is followed. Lengths are those of the field's places.
 struct TraceOptions {
-  double length = 100;     ///< where a line ends at the latest, in each direction
-  double largest_step = 1; ///< between points of the line; also the first step
-  double smallest_step = 1e-4;
+  double length = 100;    ///< where a line ends at the latest, in each direction
+  double largestStep = 1; ///< between points of the line; also the first step
+  double smallestStep = 1e-4;
   double tolerance = 1e-4;  ///< of a step's place
   double stagnation = 1e-6; ///< a vector that is no longer than this has no direction: the line ends
 };
@@ -32,14 +32,14 @@ using Streamline = std::vector<Types::Vector3_Base<double>>;
 
 /// Follows the direction of the field from a seed by the Runge-Kutta pair of Bogacki and Shampine (orders 3 and 2),
 /// whose difference controls the step. Every point of the line lies within the field; the last one is as near to the
-/// border as the smallest step. A line also ends at stagnation, after `p_options.length`, and where `p_go_on`, if there
+/// border as the smallest step. A line also ends at stagnation, after `p_options.length`, and where `p_goOn`, if there
 /// is one, forbids the next point. Empty when the seed itself is outside or stagnant.
 ///
 /// `TraceDownstream` starts at the seed, `TraceBoth` goes through it.
 Streamline TraceDownstream(const FlowFunction& p_flow, const Types::Vector3_Base<double>& p_seed,
-                           const TraceOptions& p_options, const GoOnFunction& p_go_on = {});
+                           const TraceOptions& p_options, const GoOnFunction& p_goOn = {});
 Streamline TraceBoth(const FlowFunction& p_flow, const Types::Vector3_Base<double>& p_seed,
-                     const TraceOptions& p_options, const GoOnFunction& p_go_on = {});
+                     const TraceOptions& p_options, const GoOnFunction& p_goOn = {});
 
 /// The length of a polyline.
 double ArcLength(const Streamline& p_line);

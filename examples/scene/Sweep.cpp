@@ -120,9 +120,9 @@ void Sweep::AddPiece(const std::vector<SweepPoint>& p_piece, Matrix3& p_frame) {
 }
 
 void Sweep::AddRing(const SweepPoint& p_point, const Matrix3& p_frame) {
-  _shape.OrientShape(p_point.width, p_point.position, 1.0, p_frame, _ring, _ring_normals);
+  _shape.OrientShape(p_point.width, p_point.position, 1.0, p_frame, _ring, _ringNormals);
   for (std::size_t i = 0; i < _ring.size(); ++i)
-    AddVertex(_ring[i], _ring_normals[i], p_point.value);
+    AddVertex(_ring[i], _ringNormals[i], p_point.value);
 }
 
 void Sweep::AddCap(unsigned int p_ring, const Point& p_normal, bool p_end) {
@@ -154,12 +154,12 @@ void Sweep::AddVertex(const Point& p_position, const Point& p_normal, double p_v
 
 Ogl::VertexData Sweep::TakeMesh() {
   const std::size_t count = _positions.size();
-  const std::size_t index_count = _indices.size();
+  const std::size_t indexCount = _indices.size();
   Ogl::VertexData mesh;
   mesh.SetVertices(Shared(std::move(_positions)), count, 3, Ogl::VertexData::Float);
   mesh.SetNormals(Shared(std::move(_normals)), count, 3, Ogl::VertexData::Float);
   mesh.SetTexCoords(Shared(std::move(_values)), count, 1, Ogl::VertexData::Float);
-  mesh.SetIndices(Shared(std::move(_indices)), index_count, Ogl::VertexData::UnsignedInt);
+  mesh.SetIndices(Shared(std::move(_indices)), indexCount, Ogl::VertexData::UnsignedInt);
   mesh.PrimitiveType() = Ogl::VertexBuffer::Triangles;
   _positions = {};
   _normals = {};

@@ -59,7 +59,7 @@ private:
 
   Library::StreamLineShape _shape;
   std::vector<Types::Vector3_Base<double>> _ring; ///< of the section placed last
-  std::vector<Types::Vector3_Base<double>> _ring_normals;
+  std::vector<Types::Vector3_Base<double>> _ringNormals;
   std::vector<Record> _positions;
   std::vector<Record> _normals;
   std::vector<float> _values;

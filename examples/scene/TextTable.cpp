@@ -39,10 +39,10 @@ bool ParseNumber(std::string_view p_text, double& p_value) {
   return error == std::errc() && end == p_text.data() + p_text.size() && std::isfinite(p_value);
 }
 
-TextTable::TextTable(std::istream& p_stream, std::string p_name, std::size_t p_lines_before)
+TextTable::TextTable(std::istream& p_stream, std::string p_name, std::size_t p_linesBefore)
     : _stream(p_stream)
     , _name(std::move(p_name))
-    , _line(p_lines_before) {
+    , _line(p_linesBefore) {
   std::string line;
   if (!std::getline(_stream, line))
     throw InputError(_name + ": expected a header line with the names of the columns, got nothing");

@@ -29,9 +29,9 @@ bool ParseNumber(std::string_view p_text, double& p_value);
 ///       sum += table.Number(u);
 class TextTable {
 public:
-  /// Reads the header. `p_name` is the name that errors give, `p_lines_before` how many lines of the file were read
+  /// Reads the header. `p_name` is the name that errors give, `p_linesBefore` how many lines of the file were read
   /// already; the stream must outlive the table. Throws InputError when there is no header.
-  TextTable(std::istream& p_stream, std::string p_name, std::size_t p_lines_before = 0);
+  TextTable(std::istream& p_stream, std::string p_name, std::size_t p_linesBefore = 0);
 
   bool HasColumn(std::string_view p_title) const;
   /// The column of that title; throws InputError when there is none.

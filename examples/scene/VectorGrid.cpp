@@ -121,13 +121,13 @@ bool VectorGrid::At(const Vector& p_place, Vector& p_vector) const {
   if (!Locate(from.x / _spacing.x, _counts[0], _wraps, x) || !Locate(from.y / _spacing.y, _counts[1], false, y) ||
       !Locate(from.z / _spacing.z, _counts[2], false, z))
     return false;
-  const auto along_x = [&](std::size_t p_y, std::size_t p_z) {
+  const auto alongX = [&](std::size_t p_y, std::size_t p_z) {
     return Node(x.lower, p_y, p_z) * (1 - x.share) + Node(x.upper, p_y, p_z) * x.share;
   };
-  const auto along_y = [&](std::size_t p_z) {
-    return along_x(y.lower, p_z) * (1 - y.share) + along_x(y.upper, p_z) * y.share;
+  const auto alongY = [&](std::size_t p_z) {
+    return alongX(y.lower, p_z) * (1 - y.share) + alongX(y.upper, p_z) * y.share;
   };
-  p_vector = along_y(z.lower) * (1 - z.share) + along_y(z.upper) * z.share;
+  p_vector = alongY(z.lower) * (1 - z.share) + alongY(z.upper) * z.share;
   return true;
 }
 

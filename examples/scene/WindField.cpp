@@ -30,15 +30,15 @@ double Wind::Speed() const {
 
 WindField WindField::Read(std::istream& p_stream, const std::string& p_name) {
   TextTable table(p_stream, p_name);
-  const bool by_direction = table.HasColumn("dir");
-  const std::size_t lon = table.Column(by_direction ? "longitude" : "lon");
-  const std::size_t lat = table.Column(by_direction ? "latitude" : "lat");
-  const std::size_t first = table.Column(by_direction ? "dir" : "u");
-  const std::size_t second = table.Column(by_direction ? "speed" : "v");
+  const bool byDirection = table.HasColumn("dir");
+  const std::size_t lon = table.Column(byDirection ? "longitude" : "lon");
+  const std::size_t lat = table.Column(byDirection ? "latitude" : "lat");
+  const std::size_t first = table.Column(byDirection ? "dir" : "u");
+  const std::size_t second = table.Column(byDirection ? "speed" : "v");
   WindField field;
   while (table.NextRow()) {
     Wind wind{table.Number(lon, -360, 720), table.Number(lat, -90, 90), 0, 0};
-    if (by_direction) {
+    if (byDirection) {
       const double from = Angle::FromDegrees(table.Number(first, -360, 720)).Radians();
       const double speed = table.Number(second, 0, 1000);
       wind.u = -speed * std::sin(from);

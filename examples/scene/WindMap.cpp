@@ -32,7 +32,7 @@ Camera WindMap::StartCamera(double p_distance) const {
   Camera camera;
   camera.target = {0, -0.05 * _map.Height(), 0};
   camera.elevation = 64;
-  camera.field_of_view = 14;
+  camera.fieldOfView = 14;
   camera.distance = p_distance * _zoom;
   camera.radius = 260 * _zoom;
   return camera;
@@ -40,18 +40,18 @@ Camera WindMap::StartCamera(double p_distance) const {
 
 void WindMap::Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) const {
   const auto light = Light().Apply(p_gl);
-  _relief.Draw(p_gl, _relief_colors, p_view.camera.PixelsPerUnit(p_view.camera.target, p_view.viewport));
+  _relief.Draw(p_gl, _reliefColors, p_view.camera.PixelsPerUnit(p_view.camera.target, p_view.viewport));
   DrawGraticule(p_gl, _map, 0);
 }
 
-void WindMap::DrawLegends(Overlay& p_overlay, const Library::ColorMap& p_colors, const QString& p_mean_title,
-                          const QString& p_file_title) const {
+void WindMap::DrawLegends(Overlay& p_overlay, const Library::ColorMap& p_colors, const QString& p_meanTitle,
+                          const QString& p_fileTitle) const {
   LabelMeridians(p_overlay, _map, 0);
   LabelParallels(p_overlay, _map, 0);
   if (_file == "noaa_navy_winds_1987-01.csv")
-    p_overlay.Title(p_mean_title, "Monthly mean at the surface, January 1987");
+    p_overlay.Title(p_meanTitle, "Monthly mean at the surface, January 1987");
   else
-    p_overlay.Title(p_file_title, _file);
+    p_overlay.Title(p_fileTitle, _file);
   p_overlay.Bar({60, 62, 520, 78}, p_colors, "Speed in m/s", TicksFromZero(_fastest, 6, _clipped));
 }
 

@@ -34,11 +34,11 @@ public:
   /// The relief with the graticule on it, lit, as fine as the view needs it.
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) const;
   /// The relief alone, with the light and the shader that are in use.
-  void DrawRelief(Utility::Scoped<Rgl>& p_gl) const { _relief.Draw(p_gl, _relief_colors); }
+  void DrawRelief(Utility::Scoped<Rgl>& p_gl) const { _relief.Draw(p_gl, _reliefColors); }
   /// Degrees along the map, the bar of the speeds, and a title: of the monthly mean that comes with the gallery, or of
   /// another file.
-  void DrawLegends(Overlay& p_overlay, const Library::ColorMap& p_colors, const QString& p_mean_title,
-                   const QString& p_file_title) const;
+  void DrawLegends(Overlay& p_overlay, const Library::ColorMap& p_colors, const QString& p_meanTitle,
+                   const QString& p_fileTitle) const;
 
 private:
   WindField _field;
@@ -48,7 +48,7 @@ private:
   double _fastest;
   bool _clipped; ///< whether there are faster winds
   double _zoom;
-  Library::ColorMap _relief_colors = Relief::MutedColors();
+  Library::ColorMap _reliefColors = Relief::MutedColors();
 };
 
 } // namespace Vek::Chart::Gallery

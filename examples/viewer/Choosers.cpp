@@ -28,8 +28,8 @@ QIcon Swatch(const std::vector<QColor>& p_colors) {
 
 Choosers::Choosers(QWidget* p_parent)
     : QToolBar("Choosers", p_parent)
-    , _colors(AddChooser("Colours", "colors", _color_actions))
-    , _shapes(AddChooser("Shape", "shapes", _shape_actions)) {
+    , _colors(AddChooser("Colours", "colors", _colorActions))
+    , _shapes(AddChooser("Shape", "shapes", _shapeActions)) {
   _colors->setIconSize(SwatchSize);
   _colors->addItem("as the scene has them");
   for (const std::string& name : Library::NamedColors::Names())
@@ -58,16 +58,16 @@ QComboBox* Choosers::AddChooser(const QString& p_label, const QString& p_name, Q
 }
 
 void Choosers::Offer(const Gallery::Scene* p_scene) {
-  const QSignalBlocker silent_colors(_colors);
-  const QSignalBlocker silent_shapes(_shapes);
+  const QSignalBlocker silentColors(_colors);
+  const QSignalBlocker silentShapes(_shapes);
   _colors->setCurrentIndex(0);
   _shapes->clear();
   if (p_scene != nullptr)
     for (const std::string& shape : p_scene->Shapes())
       _shapes->addItem(QString::fromStdString(shape));
-  for (QAction* action : _color_actions)
+  for (QAction* action : _colorActions)
     action->setVisible(p_scene != nullptr && p_scene->TakesColors());
-  for (QAction* action : _shape_actions)
+  for (QAction* action : _shapeActions)
     action->setVisible(_shapes->count() > 0);
 }
 

@@ -27,8 +27,8 @@ signals:
 private:
   QComboBox* AddChooser(const QString& p_label, const QString& p_name, QList<QAction*>& p_actions);
 
-  QList<QAction*> _color_actions; ///< the label and its box, which appear and go together
-  QList<QAction*> _shape_actions;
+  QList<QAction*> _colorActions; ///< the label and its box, which appear and go together
+  QList<QAction*> _shapeActions;
   QComboBox* _colors;
   QComboBox* _shapes;
 };

@@ -98,7 +98,7 @@ public:
     camera.target = _box.Center();
     camera.azimuth = 30;
     camera.elevation = 20;
-    camera.field_of_view = 24;
+    camera.fieldOfView = 24;
     camera.distance = 2.6 * size;
     camera.radius = 0.6 * size;
     return camera;
@@ -158,10 +158,10 @@ private:
     const std::size_t count = positions.size();
     if (!_lines)
       _mesh.SetNormals(Gallery::Shared(Normals(p_model, positions, p_indices)), count, 3, Ogl::VertexData::Float);
-    const std::size_t index_count = p_indices.size();
+    const std::size_t indexCount = p_indices.size();
     _mesh.SetVertices(Gallery::Shared(std::move(positions)), count, 3, Ogl::VertexData::Float);
     _mesh.SetTexCoords(Gallery::Shared(std::move(heights)), count, 1, Ogl::VertexData::Float);
-    _mesh.SetIndices(Gallery::Shared(std::move(p_indices)), index_count, Ogl::VertexData::UnsignedInt);
+    _mesh.SetIndices(Gallery::Shared(std::move(p_indices)), indexCount, Ogl::VertexData::UnsignedInt);
     _mesh.PrimitiveType() = _lines ? Ogl::VertexBuffer::LineSegments : Ogl::VertexBuffer::Triangles;
   }
 

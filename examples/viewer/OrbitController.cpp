@@ -12,13 +12,13 @@ void OrbitController::Orbit(const QPointF& p_pixels) {
 void OrbitController::Pan(const QPointF& p_pixels, double p_height) {
   if (!(p_height > 0))
     return;
-  const double angle = Types::Angle::FromDegrees(_camera.field_of_view / 2).Radians();
-  const double units_per_pixel = 2 * _camera.distance * std::tan(angle) / p_height;
+  const double angle = Types::Angle::FromDegrees(_camera.fieldOfView / 2).Radians();
+  const double unitsPerPixel = 2 * _camera.distance * std::tan(angle) / p_height;
   // The upper rows of the view matrix are the axes of the picture.
   const auto view = _camera.ViewMatrix();
   const Types::Vector3_Base<double> right(view[0], view[4], view[8]);
   const Types::Vector3_Base<double> up(view[1], view[5], view[9]);
-  _camera.target = _camera.target + (up * p_pixels.y() - right * p_pixels.x()) * units_per_pixel;
+  _camera.target = _camera.target + (up * p_pixels.y() - right * p_pixels.x()) * unitsPerPixel;
   // The scene stays where it is, and must not be clipped for that.
   _camera.radius = _start.radius + Length(_camera.target - _start.target);
 }

@@ -19,10 +19,10 @@ SceneView::SceneView(const Utility::Unscoped<Rgl>& p_gl, QWidget* p_parent)
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
   setMinimumSize(440, 275); // a narrow window takes room from the list, not from the picture
-  _point_soon.setSingleShot(true);
-  _point_soon.setInterval(0);
-  connect(&_point_soon, &QTimer::timeout, this, &SceneView::Point);
-  connect(this, &QOpenGLWidget::frameSwapped, this, [this] { _paint_ms = _painting.elapsed(); });
+  _pointSoon.setSingleShot(true);
+  _pointSoon.setInterval(0);
+  connect(&_pointSoon, &QTimer::timeout, this, &SceneView::Point);
+  connect(this, &QOpenGLWidget::frameSwapped, this, [this] { _paintMs = _painting.elapsed(); });
 }
 
 SceneView::~SceneView() {
@@ -89,7 +89,7 @@ Gallery::View SceneView::View() const {
 }
 
 QImage SceneView::Picture() {
-  _is_moving = false;
+  _isMoving = false;
   return grabFramebuffer().convertToFormat(QImage::Format_RGB32);
 }
 
@@ -152,7 +152,7 @@ bool SceneView::DrawIncoming(Utility::Scoped<Rgl>& p_gl) {
 bool SceneView::Draw(Utility::Scoped<Rgl>& p_gl, const Content& p_content, const Gallery::View& p_view) {
   const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_VIEWPORT_BIT);
   p_gl->Viewport(p_view.viewport);
-  if (p_content.about.true_pixels || _is_moving)
+  if (p_content.about.truePixels || _isMoving)
     p_gl->Disable(RGL_MULTISAMPLE);
   try {
     p_content.scene->Draw(p_gl, p_view);
@@ -185,35 +185,35 @@ void SceneView::SurfacesChanged() {
   constexpr int Rest = 100; // ms without another change
   if (_picker)
     _picker->Invalidate();
-  _point_soon.start(Rest);
+  _pointSoon.start(Rest);
 }
 
 void SceneView::Move() {
   constexpr qint64 Slow = 40; // ms
-  _is_moving = _is_moving || _paint_ms > Slow;
+  _isMoving = _isMoving || _paintMs > Slow;
   SurfacesChanged();
   update();
 }
 
 void SceneView::Point() {
-  if (std::exchange(_is_moving, false))
+  if (std::exchange(_isMoving, false))
     update();
   if (_pointer)
     emit Pointed(SurfaceAt(*_pointer));
 }
 
 void SceneView::mousePressEvent(QMouseEvent* p_event) {
-  _drag_from = MousePlace(*p_event);
+  _dragFrom = MousePlace(*p_event);
 }
 
 void SceneView::mouseMoveEvent(QMouseEvent* p_event) {
   const QPointF place = MousePlace(*p_event);
-  const QPointF moved = place - std::exchange(_drag_from, place);
+  const QPointF moved = place - std::exchange(_dragFrom, place);
   _pointer = place;
   const Qt::MouseButtons buttons = p_event->buttons();
   const bool shift = p_event->modifiers().testFlag(Qt::ShiftModifier);
   if (buttons == Qt::NoButton) {
-    _point_soon.start(0);
+    _pointSoon.start(0);
     return;
   }
   if (buttons.testFlag(Qt::MiddleButton) || (buttons.testFlag(Qt::LeftButton) && shift))

@@ -97,12 +97,12 @@ private:
   Content _incoming; ///< not drawn yet
   OrbitController _orbit;
   std::optional<SurfacePicker> _picker;
-  QTimer _point_soon;              ///< once for all moves of the pointer that wait in the queue
+  QTimer _pointSoon;               ///< once for all moves of the pointer that wait in the queue
   std::optional<QPointF> _pointer; ///< while it is above the widget
-  QPointF _drag_from;
-  bool _is_moving = false; ///< the picture is to come soon, rather than smooth
+  QPointF _dragFrom;
+  bool _isMoving = false; ///< the picture is to come soon, rather than smooth
   QElapsedTimer _painting;
-  qint64 _paint_ms = 0; ///< how long the last picture took
+  qint64 _paintMs = 0; ///< how long the last picture took
 };
 
 } // namespace Vek::Chart::Viewer

@@ -3,7 +3,7 @@
 namespace Vek::Chart::Viewer {
 
 ShownScene GalleryScene(const Gallery::SceneEntry& p_entry, const Gallery::Inputs& p_inputs) {
-  return {p_entry.name, p_entry.caption, p_entry.true_pixels,
+  return {p_entry.name, p_entry.caption, p_entry.truePixels,
           [load = p_entry.load, p_inputs](Gallery::Loading& p_loading) { return load(p_inputs, p_loading); }};
 }
 

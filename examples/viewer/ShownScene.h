@@ -13,7 +13,7 @@ namespace Vek::Chart::Viewer {
 struct ShownScene {
   std::string name;
   std::string caption;
-  bool true_pixels = false; ///< shows single pixels, which must not be smoothed
+  bool truePixels = false; ///< shows single pixels, which must not be smoothed
   /// For any thread; see Gallery::SceneEntry.
   std::function<std::unique_ptr<Gallery::Scene>(Gallery::Loading&)> load;
 };

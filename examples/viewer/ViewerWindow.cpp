@@ -55,7 +55,7 @@ void ViewerWindow::Connect() {
   connect(_loader, &SceneLoader::Failed, this, [this](const QString& p_reason) {
     Fail(p_reason.contains(_loading) ? p_reason : _loading + ": " + p_reason);
   });
-  connect(_loader, &SceneLoader::Dropped, this, [this] { _list->Mark(_shown_row); });
+  connect(_loader, &SceneLoader::Dropped, this, [this] { _list->Mark(_shownRow); });
   connect(_view, &SceneView::Shown, this, &ViewerWindow::TellShown);
   connect(_view, &SceneView::Rejected, this, &ViewerWindow::Fail);
   connect(_view, &SceneView::Pointed, this, &ViewerWindow::TellPoint);
@@ -137,16 +137,16 @@ void ViewerWindow::Load(const QString& p_name, std::function<ShownScene(Gallery:
 void ViewerWindow::TellShown() {
   const ShownScene& shown = _view->About();
   const int row = _list->Find(shown.caption);
-  _shown_row = row >= 0 ? row : _list->Add(shown);
+  _shownRow = row >= 0 ? row : _list->Add(shown);
   if (!_loader->IsLoading())
-    _list->Mark(_shown_row);
+    _list->Mark(_shownRow);
   _choosers->Offer(_view->Scene());
   setWindowTitle(QString::fromStdString(shown.name) + " – Vek viewer");
 }
 
 void ViewerWindow::Fail(const QString& p_reason) {
   _reports->AddFailure(p_reason);
-  _list->Mark(_shown_row);
+  _list->Mark(_shownRow);
   if (_view->Scene() == nullptr)
     _choosers->Offer(nullptr);
 }
@@ -164,8 +164,8 @@ void ViewerWindow::AskWhereToSave() {
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->setAcceptMode(QFileDialog::AcceptSave);
   dialog->setDefaultSuffix("png");
-  if (_shown_row >= 0)
-    dialog->selectFile(QFileInfo(QString::fromStdString(_list->At(_shown_row).name)).completeBaseName() + ".png");
+  if (_shownRow >= 0)
+    dialog->selectFile(QFileInfo(QString::fromStdString(_list->At(_shownRow).name)).completeBaseName() + ".png");
   connect(dialog, &QFileDialog::fileSelected, this, &ViewerWindow::SavePicture);
   dialog->open();
 }

@@ -66,7 +66,7 @@ private:
   QLabel* _point;
   std::shared_ptr<Arrival> _arrival; ///< of the load that was started last
   QString _loading;                  ///< its name
-  int _shown_row = -1;
+  int _shownRow = -1;
 };
 
 } // namespace Vek::Chart::Viewer

@@ -21,12 +21,12 @@ int PaddedSize(unsigned int p_used, int p_max) {
 
 } // namespace
 
-ImageBuilder::ImageBuilder(int p_max_width, int p_max_height)
-    : _max_width(std::max(p_max_width, 1))
-    , _max_height(std::max(p_max_height, 1)) {}
+ImageBuilder::ImageBuilder(int p_maxWidth, int p_maxHeight)
+    : _maxWidth(std::max(p_maxWidth, 1))
+    , _maxHeight(std::max(p_maxHeight, 1)) {}
 
 bool ImageBuilder::Contains(Pixel p_pixel) const {
-  return p_pixel.x < static_cast<unsigned int>(_max_width) && p_pixel.y < static_cast<unsigned int>(_max_height);
+  return p_pixel.x < static_cast<unsigned int>(_maxWidth) && p_pixel.y < static_cast<unsigned int>(_maxHeight);
 }
 
 std::size_t ImageBuilder::IndexOf(Pixel p_pixel) const {
@@ -39,8 +39,8 @@ void ImageBuilder::Grow(Pixel p_pixel) {
     _texels.resize(index + 1);
     _written.resize(index + 1);
   }
-  _extent_y = std::max(_extent_y, p_pixel.y);
-  _extent_x = _extent_y != 0 ? Width() - 1 : std::max(_extent_x, p_pixel.x);
+  _extentY = std::max(_extentY, p_pixel.y);
+  _extentX = _extentY != 0 ? Width() - 1 : std::max(_extentX, p_pixel.x);
 }
 
 void ImageBuilder::WriteUniquePixel(Pixel p_pixel, QRgb p_color) {
@@ -78,7 +78,7 @@ QImage ImageBuilder::CreateImage(QRgb p_background) const {
   struct {
     int width;
     int height;
-  } const size = {PaddedSize(_extent_x + 1, _max_width), PaddedSize(_extent_y + 1, _max_height)};
+  } const size = {PaddedSize(_extentX + 1, _maxWidth), PaddedSize(_extentY + 1, _maxHeight)};
   const char* const signature =
       "class QImage __cdecl Vek::Chart::Library::Private::ImageBuilder::CreateImage(const class QColor &) const";
   VEK_ENSURE(size.width <= MaxWidth(), signature);

@@ -51,8 +51,8 @@ std::size_t ByteSource::ReadOn() {
     const std::streamsize got = _stream.rdbuf()->sgetn(reinterpret_cast<char*>(_window.get() + _end),
                                                        static_cast<std::streamsize>(_size - _end));
     return got < 0 ? 0 : static_cast<std::size_t>(got);
-  } catch (const std::exception& p_failure) {
-    vekdebug::warn(std::string("a stream failed while it was read: ") + p_failure.what());
+  } catch (const std::exception& pFailure) {
+    vekdebug::warn(std::string("a stream failed while it was read: ") + pFailure.what());
   } catch (...) {
     vekdebug::warn("a stream failed while it was read");
   }
@@ -64,11 +64,11 @@ bool ByteSource::GetLine(std::string& p_line) {
   if (Prepare(1) == 0)
     return false;
   while (Prepare(1) != 0) {
-    const unsigned char* const line_feed = static_cast<const unsigned char*>(std::memchr(Data(), '\n', _end - _next));
-    const std::size_t length = line_feed == nullptr ? _end - _next : static_cast<std::size_t>(line_feed - Data());
+    const unsigned char* const lineFeed = static_cast<const unsigned char*>(std::memchr(Data(), '\n', _end - _next));
+    const std::size_t length = lineFeed == nullptr ? _end - _next : static_cast<std::size_t>(lineFeed - Data());
     p_line.append(reinterpret_cast<const char*>(Data()), length);
     Take(length);
-    if (line_feed != nullptr) {
+    if (lineFeed != nullptr) {
       Take(1);
       break;
     }

@@ -54,23 +54,23 @@ public:
       AddArc(FirstAngle + k * OuterStep, OuterRadius, 1);
     const Vector2 out = Direction(head);
     const Vector2 back = Direction(head + backward);
-    const Vector2 outer_side = Outward(Point(head, OuterBarbRadius), Tip);
-    const Vector2 inner_side = Outward(Tip, Point(head, InnerBarbRadius));
+    const Vector2 outerSide = Outward(Point(head, OuterBarbRadius), Tip);
+    const Vector2 innerSide = Outward(Tip, Point(head, InnerBarbRadius));
     Add(Point(head, OuterRadius), Types::Normalize(out + back));
     Add(Point(head, OuterBarbRadius), back);
-    Add(Point(head, OuterBarbRadius), outer_side);
-    Add(Tip, Types::Normalize(outer_side + inner_side));
-    Add(Point(head, InnerBarbRadius), inner_side);
+    Add(Point(head, OuterBarbRadius), outerSide);
+    Add(Tip, Types::Normalize(outerSide + innerSide));
+    Add(Point(head, InnerBarbRadius), innerSide);
     Add(Point(head, InnerBarbRadius), back);
     Add(Point(head, InnerRadius), Types::Normalize(back - out));
     for (int k = 1; k < InnerSteps; ++k)
       AddArc(head + k * InnerStep, InnerRadius, -1);
-    const Vector2 tail_out = Direction(TailAngle);
-    const Vector2 tail_back = Direction(TailAngle + backward);
-    Add(Point(TailAngle, InnerRadius), -tail_out);
-    Add(Point(TailAngle, InnerRadius), tail_back);
-    Add(Point(TailAngle, OuterRadius), tail_back);
-    Add(Point(TailAngle, OuterRadius), tail_out);
+    const Vector2 tailOut = Direction(TailAngle);
+    const Vector2 tailBack = Direction(TailAngle + backward);
+    Add(Point(TailAngle, InnerRadius), -tailOut);
+    Add(Point(TailAngle, InnerRadius), tailBack);
+    Add(Point(TailAngle, OuterRadius), tailBack);
+    Add(Point(TailAngle, OuterRadius), tailOut);
     AddArc(TailAngle + OuterStep, OuterRadius, 1);
   }
 
@@ -101,8 +101,8 @@ std::vector<std::array<int, 3>> FaceTriangles() {
   constexpr int OuterSteps = 11;
   // The band between the arcs: a strip that always moves on along the side that lags behind.
   for (int i = 0, j = 0; i < OuterSteps || j < InnerSteps;) {
-    const bool outer_lags = j == InnerSteps || (i < OuterSteps && (i + 1) * InnerSteps <= (j + 1) * OuterSteps);
-    if (outer_lags) {
+    const bool outerLags = j == InnerSteps || (i < OuterSteps && (i + 1) * InnerSteps <= (j + 1) * OuterSteps);
+    if (outerLags) {
       triangles.push_back({Outline::Outer(i), Outline::Outer(i + 1), Outline::Inner(j)});
       ++i;
     } else {
@@ -110,11 +110,11 @@ std::vector<std::array<int, 3>> FaceTriangles() {
       ++j;
     }
   }
-  const int outer_neck = Outline::Outer(OuterSteps);
-  const int inner_neck = Outline::Inner(InnerSteps);
-  triangles.push_back({Outline::TipEntry, Outline::InnerBarb, inner_neck});
-  triangles.push_back({Outline::TipEntry, inner_neck, outer_neck});
-  triangles.push_back({Outline::TipEntry, outer_neck, Outline::OuterBarb});
+  const int outerNeck = Outline::Outer(OuterSteps);
+  const int innerNeck = Outline::Inner(InnerSteps);
+  triangles.push_back({Outline::TipEntry, Outline::InnerBarb, innerNeck});
+  triangles.push_back({Outline::TipEntry, innerNeck, outerNeck});
+  triangles.push_back({Outline::TipEntry, outerNeck, Outline::OuterBarb});
   return triangles;
 }
 
@@ -157,8 +157,8 @@ CircularArrowMesh Build() {
 } // namespace
 
 const CircularArrowMesh& CircularArrowMesh::Instance() {
-  static const CircularArrowMesh mesh = Build();
-  return mesh;
+  static const CircularArrowMesh Mesh = Build();
+  return Mesh;
 }
 
 } // namespace Vek::Chart::Library::Private

@@ -198,7 +198,7 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ProcessInstances(std::uint32_t p_
   const Pixel last = PixelOf(p_span.last, _image);
   const std::int64_t rows = static_cast<std::int64_t>(last.y) - first.y + 1;
   // Half a row is not short enough here, although MoveToNextRow moves spans of exactly half a row: both are meant.
-  const bool one_row = first.y == last.y && length < width / 2;
+  const bool oneRow = first.y == last.y && length < width / 2;
 
   const unsigned int id = _atlas._ids[p_slot];
   const auto dataIt = _atlas._instanceData.find(id);
@@ -207,11 +207,11 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ProcessInstances(std::uint32_t p_
     return;
   std::int64_t dx = 0;
   std::int64_t dy = 0;
-  for (const unsigned int instance_id : dataIt->second) {
-    const auto mapIt = _atlas._instances.find(instance_id);
+  for (const unsigned int instanceId : dataIt->second) {
+    const auto mapIt = _atlas._instances.find(instanceId);
     if (!VEK_ENSURE_TEXT(mapIt != _atlas._instances.end(), "mapIt != _instances.end()", ProcessInstancesSignature))
       continue;
-    if (!one_row) { // as many rows lower, in the same columns
+    if (!oneRow) { // as many rows lower, in the same columns
       _shift += static_cast<unsigned int>(width * rows);
       dy += rows;
     } else if (first.x + dx + 2 * length >= width) { // at the left of the next row
@@ -265,7 +265,7 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const ColorAtlas::I
 
   std::vector<Run> open; // the runs around the place of the sweep, the deepest last
   std::uint64_t place = 0;
-  const auto sweep_to = [&](std::uint64_t p_end) {
+  const auto sweepTo = [&](std::uint64_t p_end) {
     for (; !open.empty() && place < p_end;) {
       const std::uint64_t end = std::min(p_end, open.back().end);
       OverwritePixelSpan(p_start + place, open.back().color, end - place);
@@ -276,11 +276,11 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const ColorAtlas::I
     place = std::max(place, p_end);
   };
   for (const Run& run : runs) {
-    sweep_to(run.first);
+    sweepTo(run.first);
     open.push_back(run);
   }
   if (!open.empty())
-    sweep_to(open.front().end);
+    sweepTo(open.front().end);
 }
 
 void ColorAtlasImpl::InstanceCoordinateMapper::OverwritePixelSpan(std::uint64_t p_start, QRgb p_color,

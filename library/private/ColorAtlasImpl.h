@@ -17,11 +17,11 @@ public:
   using Pixel = ColorCoords::Pixel;
 
   /// Sizes below 1 count as 1.
-  ImageBuilder(int p_max_width, int p_max_height);
+  ImageBuilder(int p_maxWidth, int p_maxHeight);
 
-  int MaxWidth() const { return _max_width; }
-  int MaxHeight() const { return _max_height; }
-  unsigned int Width() const { return static_cast<unsigned int>(_max_width); }
+  int MaxWidth() const { return _maxWidth; }
+  int MaxHeight() const { return _maxHeight; }
+  unsigned int Width() const { return static_cast<unsigned int>(_maxWidth); }
   bool Contains(Pixel p_pixel) const;
 
   /// Writes a texel that must not have been written before; one that was keeps its colour and is reported.
@@ -37,10 +37,10 @@ private:
   std::size_t IndexOf(Pixel p_pixel) const;
   void Grow(Pixel p_pixel);
 
-  int _max_width;
-  int _max_height;
-  unsigned int _extent_x = 0; ///< the largest coordinates written
-  unsigned int _extent_y = 0;
+  int _maxWidth;
+  int _maxHeight;
+  unsigned int _extentX = 0; ///< the largest coordinates written
+  unsigned int _extentY = 0;
   std::vector<QRgb> _texels;
   std::vector<bool> _written;
 };

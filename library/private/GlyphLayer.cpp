@@ -72,15 +72,15 @@ void Gather(const std::vector<float>& p_records, const unsigned int* p_index, st
 DistinctVectors DistinctVectors::Of(const std::vector<Vector3_Base<double>>& p_list) {
   std::unordered_map<Bits, unsigned int, BitsHash> known;
   std::vector<Vector3_Base<double>> distinct;
-  std::vector<unsigned int> index_of;
-  index_of.reserve(p_list.size());
+  std::vector<unsigned int> indexOf;
+  indexOf.reserve(p_list.size());
   for (const Vector3_Base<double>& vector : p_list) {
     const auto [place, is_new] = known.try_emplace(BitsOf(vector), static_cast<unsigned int>(distinct.size()));
     if (is_new)
       distinct.push_back(vector);
-    index_of.push_back(place->second);
+    indexOf.push_back(place->second);
   }
-  return {VectorColumns(distinct), std::move(index_of)};
+  return {VectorColumns(distinct), std::move(indexOf)};
 }
 
 GlyphLayer::GlyphLayer(const std::vector<Vector3_Base<double>>& p_vertices,
@@ -91,14 +91,14 @@ GlyphLayer::GlyphLayer(const std::vector<Vector3_Base<double>>& p_vertices,
 
 void GlyphLayer::Write(const VectorSymbol::Instances& p_instances, double p_shift, double p_scale,
                        const VectorSymbol::LayerMemory& p_memory) const {
-  const std::size_t vertex_count = _points.index_of.size();
+  const std::size_t vertexCount = _points.indexOf.size();
   std::vector<float> placed(4 * _points.vectors.Count());
   std::vector<float> rotated(4 * _directions.vectors.Count());
   Output<float> vertices(p_memory.vertices);
   Output<float> normals(p_memory.normals);
-  Output<float> tex_coords(p_memory.tex_coords);
+  Output<float> texCoords(p_memory.texCoords);
   Output<unsigned int> indices(p_memory.indices);
-  unsigned int base = p_memory.first_vertex;
+  unsigned int base = p_memory.firstVertex;
 
   for (std::size_t k = 0; k < p_instances.count; ++k) {
     const double factor = p_instances.sizes[k] * p_scale;
@@ -107,19 +107,19 @@ void GlyphLayer::Write(const VectorSymbol::Instances& p_instances, double p_shif
     if (vertices) {
       PlacePoints(_points.vectors, {p_instances.rotations[k], p_instances.positions[k], p_shift, factor},
                   placed.data());
-      vertices.ForPieces(vertex_count, 3, [&](std::size_t p_first, std::size_t p_count, float* p_out) {
-        Gather(placed, _points.index_of.data() + p_first, p_count, p_out);
+      vertices.ForPieces(vertexCount, 3, [&](std::size_t p_first, std::size_t p_count, float* p_out) {
+        Gather(placed, _points.indexOf.data() + p_first, p_count, p_out);
       });
     }
     if (normals) {
       RotateDirections(_directions.vectors, p_instances.rotations[k], rotated.data());
-      normals.ForPieces(vertex_count, 3, [&](std::size_t p_first, std::size_t p_count, float* p_out) {
-        Gather(rotated, _directions.index_of.data() + p_first, p_count, p_out);
+      normals.ForPieces(vertexCount, 3, [&](std::size_t p_first, std::size_t p_count, float* p_out) {
+        Gather(rotated, _directions.indexOf.data() + p_first, p_count, p_out);
       });
     }
-    if (tex_coords && p_instances.tex_coords != nullptr) {
-      const float value = static_cast<float>(p_instances.tex_coords[k]);
-      tex_coords.ForPieces(vertex_count, 1, [value](std::size_t, std::size_t p_count, float* p_out) {
+    if (texCoords && p_instances.texCoords != nullptr) {
+      const float value = static_cast<float>(p_instances.texCoords[k]);
+      texCoords.ForPieces(vertexCount, 1, [value](std::size_t, std::size_t p_count, float* p_out) {
         std::fill_n(p_out, p_count, value);
       });
     }
@@ -128,7 +128,7 @@ void GlyphLayer::Write(const VectorSymbol::Instances& p_instances, double p_shif
         for (std::size_t i = 0; i < p_count; ++i)
           p_out[i] = _indices[p_first + i] + base;
       });
-    base += static_cast<unsigned int>(vertex_count);
+    base += static_cast<unsigned int>(vertexCount);
   }
 }
 

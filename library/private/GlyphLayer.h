@@ -11,7 +11,7 @@ namespace Vek::Chart::Library::Private {
 /// are; corners of a mesh that differ in their normals only, for example, share a position.
 struct DistinctVectors {
   VectorColumns vectors;
-  std::vector<unsigned int> index_of;
+  std::vector<unsigned int> indexOf;
 
   static DistinctVectors Of(const std::vector<Types::Vector3_Base<double>>& p_list);
 };

@@ -64,7 +64,7 @@ inline const char* ShortInt(const char* p_first, const char* p_last, int& p_valu
 /// A decimal number without exponent whose digits, read as an integer, a double holds exactly. Its value is then one
 /// division by a power of ten that is exact as well, so it is correctly rounded.
 inline const char* ShortDouble(const char* p_first, const char* p_last, double& p_value) {
-  constexpr std::uint64_t largestExact = std::uint64_t(1) << 53;
+  constexpr std::uint64_t LargestExact = std::uint64_t(1) << 53;
   const bool negative = p_first != p_last && *p_first == '-';
   const char* const whole = p_first + negative;
   std::uint64_t digits = 0;
@@ -77,7 +77,7 @@ inline const char* ShortDouble(const char* p_first, const char* p_last, double& 
     decimals = end - fraction;
     count += decimals;
   }
-  if (count == 0 || count > MostDigits || digits > largestExact)
+  if (count == 0 || count > MostDigits || digits > LargestExact)
     return nullptr;
   // Signs come at random: looked up, they cost no mispredicted branch.
   p_value = Signs[negative] * (static_cast<double>(static_cast<std::int64_t>(digits)) / PowersOfTen[decimals]);
@@ -86,14 +86,14 @@ inline const char* ShortDouble(const char* p_first, const char* p_last, double& 
 
 /// As ShortDouble, correctly rounded to float.
 inline const char* ShortFloat(const char* p_first, const char* p_last, float& p_value) {
-  constexpr std::uint64_t lostBits = (std::uint64_t(1) << 29) - 1;
-  constexpr std::uint64_t middle = std::uint64_t(1) << 28;
+  constexpr std::uint64_t LostBits = (std::uint64_t(1) << 29) - 1;
+  constexpr std::uint64_t Middle = std::uint64_t(1) << 28;
   double value = 0.0;
   const char* const end = ShortDouble(p_first, p_last, value);
   std::uint64_t bits;
   std::memcpy(&bits, &value, sizeof bits);
   // Only a double right between two floats may have been rounded to there, and would be rounded a second time.
-  if ((bits & lostBits) == middle)
+  if ((bits & LostBits) == Middle)
     return nullptr;
   p_value = static_cast<float>(value);
   return end;
@@ -104,13 +104,13 @@ inline const char* ShortFloat(const char* p_first, const char* p_last, float& p_
 /// lengths stand in a row. Seven digits and powers of ten up to there are floats, so that their quotient is correctly
 /// rounded.
 inline const char* TinyFloat(const char* p_first, float& p_value) {
-  constexpr float signs[] = {1.0f, -1.0f};
-  constexpr float powersOfTen[] = {1e0f, 1e1f, 1e2f, 1e3f, 1e4f, 1e5f, 1e6f, 1e7f};
-  constexpr std::uint64_t ones = 0x0101010101010101;
-  constexpr std::uint64_t tops = 0x8080808080808080; // the highest bit of each character
+  constexpr float FloatSigns[] = {1.0f, -1.0f};
+  constexpr float FloatPowersOfTen[] = {1e0f, 1e1f, 1e2f, 1e3f, 1e4f, 1e5f, 1e6f, 1e7f};
+  constexpr std::uint64_t Ones = 0x0101010101010101;
+  constexpr std::uint64_t Tops = 0x8080808080808080; // the highest bit of each character
   const std::uint64_t text = boost::endian::load_little_u64(reinterpret_cast<const unsigned char*>(p_first));
   // The top bit of each blank or control character. Borrows disturb what is behind the first one only.
-  const std::uint64_t blanks = (text - '!' * ones) & ~text & tops;
+  const std::uint64_t blanks = (text - '!' * Ones) & ~text & Tops;
   if (blanks == 0)
     return nullptr;
   unsigned int bits = qCountTrailingZeroBits(static_cast<quint64>(blanks)) - 7; // of the number, eight a character
@@ -118,11 +118,11 @@ inline const char* TinyFloat(const char* p_first, float& p_value) {
 
   // Digits become 0 to 9, and a sign a leading zero.
   const unsigned int sign = (text & 255) == '-' ? 1 : 0;
-  std::uint64_t digits = text ^ ('0' * ones) ^ (sign * ('-' ^ '0'));
+  std::uint64_t digits = text ^ ('0' * Ones) ^ (sign * ('-' ^ '0'));
   unsigned int decimals = 0;
-  const std::uint64_t differences = text ^ ('.' * ones);
+  const std::uint64_t differences = text ^ ('.' * Ones);
   const std::uint64_t number = blanks ^ (blanks - 1);
-  if (const std::uint64_t points = (differences - ones) & ~differences & tops & number) {
+  if (const std::uint64_t points = (differences - Ones) & ~differences & Tops & number) {
     const std::uint64_t whole = ((points & (~points + 1)) >> 7) - 1; // what is in front of the first point
     digits = (digits & whole) | ((digits >> 8) & ~whole);
     bits -= 8;
@@ -131,13 +131,13 @@ inline const char* TinyFloat(const char* p_first, float& p_value) {
   if (bits <= 8 * sign)
     return nullptr;
   digits <<= 64 - bits; // the last digit to the last place
-  if (((digits | (digits + 0x76 * ones)) & tops) != 0)
+  if (((digits | (digits + 0x76 * Ones)) & Tops) != 0)
     return nullptr; // something above 9
   // Neighbours join: to pairs, to fours, to one.
   digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FF;
   digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFF;
   digits = (digits * 10000 + (digits >> 32)) & 0x00000000FFFFFFFF;
-  p_value = signs[sign] * (static_cast<float>(static_cast<std::int32_t>(digits)) / powersOfTen[decimals]);
+  p_value = FloatSigns[sign] * (static_cast<float>(static_cast<std::int32_t>(digits)) / FloatPowersOfTen[decimals]);
   return end;
 }
 

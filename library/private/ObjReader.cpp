@@ -30,10 +30,10 @@ constexpr const char Signature[] = "class boost::shared_ptr<class Vek::Chart::Li
 
 /// Without white space at both ends, as the classic locale has it.
 std::string_view Trimmed(std::string_view p_text) {
-  constexpr std::string_view whiteSpace = " \t\n\v\f\r";
-  const std::size_t first = p_text.find_first_not_of(whiteSpace);
+  constexpr std::string_view WhiteSpace = " \t\n\v\f\r";
+  const std::size_t first = p_text.find_first_not_of(WhiteSpace);
   return first == std::string_view::npos ? std::string_view()
-                                         : p_text.substr(first, p_text.find_last_not_of(whiteSpace) + 1 - first);
+                                         : p_text.substr(first, p_text.find_last_not_of(WhiteSpace) + 1 - first);
 }
 
 /// A line split at every blank. No keyword needs more than the first four parts; the others are only counted.
@@ -157,11 +157,11 @@ void ObjReader::ReadBlock(const char* p_first, const char* p_last, std::uint64_t
 /// last one: a list of many megabytes should not move again and again. A file's size is a mere claim, so there
 /// are bounds to that.
 void ObjReader::ReserveIndices(std::size_t p_gained, double p_blocksLeft) {
-  constexpr double margin = 1.02;
-  constexpr double mostGrowth = 64.0;
+  constexpr double Margin = 1.02;
+  constexpr double MostGrowth = 64.0;
   const double size = double(_indices.size());
   if (_indices.size() + p_gained > _indices.capacity())
-    ReserveLarge(_indices, std::size_t(std::min(size + margin * double(p_gained) * p_blocksLeft, mostGrowth * size)));
+    ReserveLarge(_indices, std::size_t(std::min(size + Margin * double(p_gained) * p_blocksLeft, MostGrowth * size)));
 }
 
 const char* ObjReader::ReadPlainLine(const char* p_first, const char* p_last) {
@@ -311,8 +311,8 @@ void ObjReader::FinishGroup() {
   SettlePendingNormals();
   // A long list in memory of about its size is handed over; a copy would double the peak. Any other is copied: its
   // memory fits and serves the next group.
-  constexpr std::size_t longList = std::size_t(1) << 18;
-  if (_indices.size() >= longList && _indices.capacity() - _indices.size() <= _indices.size() / 8)
+  constexpr std::size_t LongList = std::size_t(1) << 18;
+  if (_indices.size() >= LongList && _indices.capacity() - _indices.size() <= _indices.size() / 8)
     _group->indices = std::exchange(_indices, {});
   else
     _group->indices = _indices;

@@ -67,13 +67,13 @@ Converter BestConverter() {
 } // namespace
 
 void ConvertPlanes(const RgbeBytes& p_bytes, std::size_t p_count, HdrImage::Rgb32F* p_pixels) {
-  static const Converter convert = BestConverter<1>();
-  convert(p_bytes, p_count, p_pixels);
+  static const Converter Convert = BestConverter<1>();
+  Convert(p_bytes, p_count, p_pixels);
 }
 
 void ConvertRecords(const unsigned char* p_records, std::size_t p_count, HdrImage::Rgb32F* p_pixels) {
-  static const Converter convert = BestConverter<4>();
-  convert({p_records, p_records + 1, p_records + 2, p_records + 3}, p_count, p_pixels);
+  static const Converter Convert = BestConverter<4>();
+  Convert({p_records, p_records + 1, p_records + 2, p_records + 3}, p_count, p_pixels);
 }
 
 } // namespace Vek::Chart::Library::Private

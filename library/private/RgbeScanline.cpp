@@ -43,15 +43,15 @@ std::uint32_t Word(const unsigned char* p_record) {
 
 /// How many records stand in front of the first run code, of p_count records.
 std::size_t CountPlain(const unsigned char* p_records, std::size_t p_count) {
-  constexpr unsigned char mask_bytes[] = {255, 255, 255, 0};
-  constexpr unsigned char code_bytes[] = {1, 1, 1, 0};
-  const std::uint32_t mask = Word(mask_bytes);
-  const std::uint32_t code = Word(code_bytes);
-  constexpr std::size_t block = 64; // without a way out, so that the compiler looks at several records at once
+  constexpr unsigned char MaskBytes[] = {255, 255, 255, 0};
+  constexpr unsigned char CodeBytes[] = {1, 1, 1, 0};
+  const std::uint32_t mask = Word(MaskBytes);
+  const std::uint32_t code = Word(CodeBytes);
+  constexpr std::size_t Block = 64; // without a way out, so that the compiler looks at several records at once
   std::size_t plain = 0;
-  for (; p_count - plain >= block; plain += block) {
+  for (; p_count - plain >= Block; plain += Block) {
     unsigned int codes = 0;
-    for (std::size_t i = plain; i < plain + block; ++i)
+    for (std::size_t i = plain; i < plain + Block; ++i)
       codes += (Word(p_records + 4 * i) & mask) == code ? 1 : 0;
     if (codes != 0)
       break;

@@ -17,12 +17,12 @@ constexpr std::size_t SmallestHugeBlock = 2 * HugePageBytes;
 
 void* NewBlock(std::size_t p_bytes) {
   const bool huge = p_bytes >= SmallestHugeBlock;
-  const std::size_t whole_pages = (p_bytes + HugePageBytes - 1) / HugePageBytes * HugePageBytes;
-  void* const block = huge ? std::aligned_alloc(HugePageBytes, whole_pages) : std::malloc(p_bytes);
+  const std::size_t wholePages = (p_bytes + HugePageBytes - 1) / HugePageBytes * HugePageBytes;
+  void* const block = huge ? std::aligned_alloc(HugePageBytes, wholePages) : std::malloc(p_bytes);
   if (block == nullptr)
     throw std::bad_alloc();
   if (huge)
-    AdviseHugePages(block, whole_pages);
+    AdviseHugePages(block, wholePages);
   return block;
 }
 

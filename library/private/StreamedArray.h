@@ -20,12 +20,12 @@ public:
   /// The most elements that can be taken at a time.
   static constexpr std::size_t Capacity = 8192 / sizeof(T);
 
-  /// `p_past_caches`: the array is so large that keeping it out of the caches pays.
-  StreamedArray(T* p_target, bool p_past_caches)
+  /// `p_pastCaches`: the array is so large that keeping it out of the caches pays.
+  StreamedArray(T* p_target, bool p_pastCaches)
       : _target(p_target)
-      , _past_caches(p_past_caches) {}
+      , _pastCaches(p_pastCaches) {}
   ~StreamedArray() {
-    if (!_past_caches)
+    if (!_pastCaches)
       return;
     Flush(_fill);
 #if defined(__SSE2__)
@@ -37,7 +37,7 @@ public:
 
   /// The next `p_count` elements, to be written before the next call.
   T* Take(std::size_t p_count) {
-    if (!_past_caches)
+    if (!_pastCaches)
       return std::exchange(_target, _target + p_count);
     if (_fill + p_count > Capacity)
       FlushLines();
@@ -51,8 +51,8 @@ private:
 
   /// Moves out everything up to the last border between cache lines of the target.
   void FlushLines() {
-    const std::size_t past_line = reinterpret_cast<std::uintptr_t>(_target + _fill) % Line / sizeof(T);
-    Flush(_fill - std::min(past_line, _fill));
+    const std::size_t pastLine = reinterpret_cast<std::uintptr_t>(_target + _fill) % Line / sizeof(T);
+    Flush(_fill - std::min(pastLine, _fill));
   }
   void Flush(std::size_t p_count) {
     Copy(p_count);
@@ -75,7 +75,7 @@ private:
   }
 
   T* _target;
-  bool _past_caches;
+  bool _pastCaches;
   std::size_t _fill = 0;
   alignas(Line) T _buffer[Capacity + Line / sizeof(T)];
 };

@@ -46,10 +46,10 @@ struct Header {
 
   /// How many numbers follow; 0 when those are more than memory could ever hold.
   std::uint64_t CountNumbers() const {
-    constexpr std::uint64_t most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
+    constexpr std::uint64_t Most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
     std::uint64_t count = 1;
     for (const std::int32_t size : {s0, channels, s1, s2}) {
-      if (count > most / static_cast<std::uint64_t>(size))
+      if (count > Most / static_cast<std::uint64_t>(size))
         return 0;
       count *= static_cast<std::uint64_t>(size);
     }
@@ -171,8 +171,8 @@ void Voxels::ReadPlain() {
 }
 
 void Voxels::Read() {
-  constexpr std::size_t mostReports = 1000;
-  constexpr std::size_t worthConverting = 4096;
+  constexpr std::size_t MostReports = 1000;
+  constexpr std::size_t WorthConverting = 4096;
   bool good = true;
   while (good && _read < _count) {
     ReadPlain();
@@ -181,11 +181,11 @@ void Voxels::Read() {
       good = ReadNumber(_source, number);
       Append(number);
     }
-    if (_read - _converted >= worthConverting)
+    if (_read - _converted >= WorthConverting)
       ConvertNew();
   }
   if (!good)
-    for (std::size_t failed = std::min(_count - _read + 1, mostReports); failed != 0; --failed)
+    for (std::size_t failed = std::min(_count - _read + 1, MostReports); failed != 0; --failed)
       VEK_ENSURE_TEXT(false, "file", LoadSignature);
   if (_read < _count && _maximum < 0.0f) // numbers that are missing are 0
     _maximum = 0.0f;

@@ -20,11 +20,11 @@ template <class T>
 class ValueBuckets {
 public:
   /// `p_colors`: that of NaN, that of values below the first threshold, and one for the values from each threshold on.
-  /// `p_by_magnitude`: the thresholds are positive and are even in their logarithm, not in themselves.
-  ValueBuckets(std::vector<T> p_thresholds, std::vector<std::uint32_t> p_colors, bool p_by_magnitude)
+  /// `p_byMagnitude`: the thresholds are positive and are even in their logarithm, not in themselves.
+  ValueBuckets(std::vector<T> p_thresholds, std::vector<std::uint32_t> p_colors, bool p_byMagnitude)
       : _thresholds(std::move(p_thresholds))
       , _colors(std::move(p_colors)) {
-    if (!_thresholds.empty() && !(p_by_magnitude ? FillByBits() : FillBySteps()))
+    if (!_thresholds.empty() && !(p_byMagnitude ? FillByBits() : FillBySteps()))
       _limits.clear();
   }
 
@@ -87,19 +87,19 @@ private:
   template <class Key>
   bool Fill(const Key& p_key, std::size_t p_last) {
     _limits.assign(p_last + 1, Limits::quiet_NaN());
-    _colors_below.assign(p_last + 2, 0);
+    _colorsBelow.assign(p_last + 2, 0);
     std::size_t next = 0;
     for (std::size_t k = 0; k <= p_last; ++k) {
-      _colors_below[k] = _colors[1 + next];
+      _colorsBelow[k] = _colors[1 + next];
       for (; next < _thresholds.size() && p_key(_thresholds[next]) == static_cast<std::int32_t>(k); ++next) {
         if (k == 0 || (_limits[k] == _limits[k] && _limits[k] != _thresholds[next]))
           return false;
         _limits[k] = _thresholds[next];
       }
     }
-    _colors_below.back() = _colors[1 + next];
+    _colorsBelow.back() = _colors[1 + next];
     _limits.front() = -Limits::infinity(); // which only NaN does not reach
-    _colors_below.front() = _colors[0];
+    _colorsBelow.front() = _colors[0];
     _key = p_key;
     return next == _thresholds.size();
   }
@@ -108,9 +108,9 @@ private:
   template <class Key>
   void MapByKey(const Key p_key, const T* p_values, std::size_t p_count, unsigned char* p_rgba) const {
     const T* const limits = _limits.data();
-    const std::uint32_t* const colors_below = _colors_below.data();
-    const auto color = [limits, colors_below](std::uint32_t p_bucket, T p_value) {
-      return colors_below[p_bucket + (p_value >= limits[p_bucket] ? 1 : 0)];
+    const std::uint32_t* const colorsBelow = _colorsBelow.data();
+    const auto color = [limits, colorsBelow](std::uint32_t p_bucket, T p_value) {
+      return colorsBelow[p_bucket + (p_value >= limits[p_bucket] ? 1 : 0)];
     };
     const auto one = [&](T p_value) { return color(static_cast<std::uint32_t>(p_key(p_value)), p_value); };
     std::size_t done = 0;
@@ -125,7 +125,7 @@ private:
       };
       return _mm_setr_epi32(of(a, p_four[0]), of(a >> 32, p_four[1]), of(b, p_four[2]), of(b >> 32, p_four[3]));
     };
-    const auto map_sixteens = [&](auto p_store) {
+    const auto mapSixteens = [&](auto p_store) {
       for (; done + 16 <= p_count; done += 16) {
         for (std::size_t i = 0; i < 16; i += Line / sizeof(T))
           _mm_prefetch(
@@ -142,27 +142,27 @@ private:
     if (p_count > CachedBytes / 4 && misaligned % 4 == 0) {
       done = (Line - misaligned) % Line / 4;
       MapOneByOne(p_values, done, p_rgba, one);
-      map_sixteens([](__m128i* p_target, __m128i p_colors) { _mm_stream_si128(p_target, p_colors); });
+      mapSixteens([](__m128i* p_target, __m128i p_colors) { _mm_stream_si128(p_target, p_colors); });
       _mm_sfence(); // what is stored next must not overtake it
     } else {
-      map_sixteens([](__m128i* p_target, __m128i p_colors) { _mm_storeu_si128(p_target, p_colors); });
+      mapSixteens([](__m128i* p_target, __m128i p_colors) { _mm_storeu_si128(p_target, p_colors); });
     }
 #endif
     MapOneByOne(p_values + done, p_count - done, p_rgba + 4 * done, one);
   }
 
   template <class ColorOf>
-  static void MapOneByOne(const T* p_values, std::size_t p_count, unsigned char* p_rgba, ColorOf p_color_of) {
+  static void MapOneByOne(const T* p_values, std::size_t p_count, unsigned char* p_rgba, ColorOf p_colorOf) {
     for (std::size_t i = 0; i < p_count; ++i) {
-      const std::uint32_t color = p_color_of(p_values[i]);
+      const std::uint32_t color = p_colorOf(p_values[i]);
       std::memcpy(p_rgba + 4 * i, &color, sizeof color);
     }
   }
 
   std::vector<T> _thresholds;
   std::vector<std::uint32_t> _colors;
-  std::vector<T> _limits;                   ///< of each bucket, NaN where there is none; empty: search the thresholds
-  std::vector<std::uint32_t> _colors_below; ///< of the bucket's values below its limit; all others have the next one's
+  std::vector<T> _limits;                  ///< of each bucket, NaN where there is none; empty: search the thresholds
+  std::vector<std::uint32_t> _colorsBelow; ///< of the bucket's values below its limit; all others have the next one's
   std::variant<StepKey<T>, BitKey<T>> _key;
 };
 

@@ -150,14 +150,14 @@ void AddRingFace(MeshBuilder& p_mesh, unsigned int p_segments, double p_z) {
 /// Walls between a face in front and its copy at the back. Each has vertices of its own, so that its edges stay hard.
 class RingWalls {
 public:
-  RingWalls(MeshBuilder& p_mesh, unsigned int p_front_count)
+  RingWalls(MeshBuilder& p_mesh, unsigned int p_frontCount)
       : _mesh(p_mesh)
-      , _front_count(p_front_count) {}
+      , _frontCount(p_frontCount) {}
 
   void AddAll() {
     for (unsigned int v = 1; v <= 4; ++v)
       AddHeadEdge(v);
-    const unsigned int notch = _front_count - 1;
+    const unsigned int notch = _frontCount - 1;
     for (unsigned int v = 5; v < notch; v += 2)
       AddBandStep(v);
     AddTail(notch);
@@ -166,7 +166,7 @@ public:
 private:
   /// The copies of a vertex of the face at the back and in front.
   void AddPair(unsigned int p_vertex) {
-    _mesh.AddCopy(p_vertex + _front_count);
+    _mesh.AddCopy(p_vertex + _frontCount);
     _mesh.AddCopy(p_vertex);
   }
   void AddHeadEdge(unsigned int p_vertex) {
@@ -200,7 +200,7 @@ private:
   }
 
   MeshBuilder& _mesh;
-  unsigned int _front_count;
+  unsigned int _frontCount;
 };
 
 } // namespace
@@ -265,21 +265,21 @@ void VectorSymbol::BuildShapeArrow(const Model::Symbol::Shape p_shape) {
 }
 
 void VectorSymbol::BuildShapeCube(const Model::Symbol::Shape p_shape) {
-  constexpr double h = 0.5;
-  const bool is_cube = p_shape == Model::Symbol::ShapeCube;
-  const double front = is_cube ? h : 0.0;
+  constexpr double H = 0.5;
+  const bool isCube = p_shape == Model::Symbol::ShapeCube;
+  const double front = isCube ? H : 0.0;
   const Vector3_Base<double> faces[6][4] = {
-      {{-h, -h, front}, {h, -h, front}, {h, h, front}, {-h, h, front}}, // +z, the plane's only one
-      {{h, -h, -h}, {-h, -h, -h}, {-h, h, -h}, {h, h, -h}},             // -z
-      {{-h, h, -h}, {-h, -h, -h}, {-h, -h, h}, {-h, h, h}},             // -x
-      {{h, -h, -h}, {h, h, -h}, {h, h, h}, {h, -h, h}},                 // +x
-      {{-h, -h, -h}, {h, -h, -h}, {h, -h, h}, {-h, -h, h}},             // -y
-      {{h, h, -h}, {-h, h, -h}, {-h, h, h}, {h, h, h}},                 // +y
+      {{-H, -H, front}, {H, -H, front}, {H, H, front}, {-H, H, front}}, // +z, the plane's only one
+      {{H, -H, -H}, {-H, -H, -H}, {-H, H, -H}, {H, H, -H}},             // -z
+      {{-H, H, -H}, {-H, -H, -H}, {-H, -H, H}, {-H, H, H}},             // -x
+      {{H, -H, -H}, {H, H, -H}, {H, H, H}, {H, -H, H}},                 // +x
+      {{-H, -H, -H}, {H, -H, -H}, {H, -H, H}, {-H, -H, H}},             // -y
+      {{H, H, -H}, {-H, H, -H}, {-H, H, H}, {H, H, H}},                 // +y
   };
   _length = 1.0;
   _primitive = TopologyTriangles;
   MeshBuilder mesh(_vertices, _indices);
-  for (int face = 0; face < (is_cube ? 6 : 1); ++face) {
+  for (int face = 0; face < (isCube ? 6 : 1); ++face) {
     const unsigned int b = mesh.Count();
     mesh.AddTriangle(b, b + 1, b + 2);
     mesh.AddTriangle(b, b + 2, b + 3);
@@ -321,26 +321,26 @@ void VectorSymbol::BuildShapeCone() {
 
 void VectorSymbol::BuildCircularArrow(const Model::Symbol::Shape p_shape) {
   constexpr unsigned int MaximalSegments = 24;
-  const bool is_solid = p_shape == Model::Symbol::ShapeCircularArrow3D;
-  const double front = is_solid ? 0.5 : 0.0;
-  _length = is_solid ? 1.0 : 0.0;
+  const bool isSolid = p_shape == Model::Symbol::ShapeCircularArrow3D;
+  const double front = isSolid ? 0.5 : 0.0;
+  _length = isSolid ? 1.0 : 0.0;
   _primitive = TopologyTriangles;
   MeshBuilder mesh(_vertices, _indices);
   AddRingFace(mesh, std::min(_resolution, MaximalSegments), front);
-  if (!is_solid) {
+  if (!isSolid) {
     VEK_SENTRY("void __cdecl Vek::Chart::Library::VectorSymbol::BuildCircularArrow(const enum "
                "Vek::Chart::Model::Symbol::Shape)",
                927);
     return;
   }
 
-  const unsigned int front_count = mesh.Count();
-  for (unsigned int v = 0; v < front_count; ++v)
+  const unsigned int frontCount = mesh.Count();
+  for (unsigned int v = 0; v < frontCount; ++v)
     mesh.AddVertex(_vertices[v].x, _vertices[v].y, -front);
-  const std::size_t front_indices = _indices.size();
-  for (std::size_t i = 0; i < front_indices; i += 3) // reversed, to face backwards
-    mesh.AddTriangle(_indices[i] + front_count, _indices[i + 2] + front_count, _indices[i + 1] + front_count);
-  RingWalls(mesh, front_count).AddAll();
+  const std::size_t frontIndices = _indices.size();
+  for (std::size_t i = 0; i < frontIndices; i += 3) // reversed, to face backwards
+    mesh.AddTriangle(_indices[i] + frontCount, _indices[i + 2] + frontCount, _indices[i + 1] + frontCount);
+  RingWalls(mesh, frontCount).AddAll();
 }
 
 void VectorSymbol::BuildShapeCrossHair() {

@@ -48,7 +48,7 @@ private:
 
 namespace {
 
-class standard_error_sink : public sink {
+class StandardErrorSink : public sink {
 public:
   void write(const report& p_report) override {
     std::string line = p_report.channel.empty() ? p_report.text : "[" + p_report.channel + "] " + p_report.text;
@@ -58,15 +58,15 @@ public:
 };
 
 /// A stream together with its buffer.
-class owned_stream {
+class OwnedStream {
 public:
-  owned_stream(logger& p_logger, severity p_kind, const std::string& p_channel)
+  OwnedStream(logger& p_logger, severity p_kind, const std::string& p_channel)
       : _buffer(p_logger, p_kind, p_channel)
       , _stream(&_buffer) {
     // A throwing sink must reach the caller; without this the stream would swallow it and stay bad.
     _stream.exceptions(std::ios::badbit);
   }
-  dbgostream& stream(bool p_active) {
+  dbgostream& Stream(bool p_active) {
     std::streambuf* wanted = p_active ? &_buffer : nullptr;
     if (_stream.rdbuf() != wanted) {
       _stream.exceptions(std::ios::goodbit);
@@ -85,44 +85,44 @@ private:
 };
 
 /// The streams of one thread: each thread has its own, so that lines of two threads never mix.
-class thread_streams {
+class ThreadStreams {
 public:
-  explicit thread_streams(bool& p_ended)
+  explicit ThreadStreams(bool& p_ended)
       : _ended(p_ended) {}
-  ~thread_streams() { _ended = true; }
+  ~ThreadStreams() { _ended = true; }
 
-  owned_stream& errors(logger& p_logger) {
+  OwnedStream& Errors(logger& p_logger) {
     if (!_errors)
-      _errors = std::make_unique<owned_stream>(p_logger, severity::error, std::string());
+      _errors = std::make_unique<OwnedStream>(p_logger, severity::error, std::string());
     return *_errors;
   }
-  owned_stream& channel(logger& p_logger, const std::string& p_name) {
-    std::unique_ptr<owned_stream>& stream = _channels[p_name];
+  OwnedStream& Channel(logger& p_logger, const std::string& p_name) {
+    std::unique_ptr<OwnedStream>& stream = _channels[p_name];
     if (!stream)
-      stream = std::make_unique<owned_stream>(p_logger, severity::debug, p_name);
+      stream = std::make_unique<OwnedStream>(p_logger, severity::debug, p_name);
     return *stream;
   }
 
 private:
   bool& _ended;
-  std::unique_ptr<owned_stream> _errors;
-  std::map<std::string, std::unique_ptr<owned_stream>> _channels;
+  std::unique_ptr<OwnedStream> _errors;
+  std::map<std::string, std::unique_ptr<OwnedStream>> _channels;
 };
 
 /// The calling thread's streams. Destructors of static and thread-local objects may report after the thread's streams
 /// are gone; they get others, which are kept for the life of the process.
-thread_streams& streams_of_this_thread() {
+ThreadStreams& StreamsOfThisThread() {
   thread_local bool ended = false;
-  thread_local thread_streams* late = nullptr;
+  thread_local ThreadStreams* late = nullptr;
   if (!ended) {
-    thread_local thread_streams streams(ended);
+    thread_local ThreadStreams streams(ended);
     return streams;
   }
   if (late == nullptr) {
     static std::mutex mutex;
-    static auto* const kept = new std::list<thread_streams>;
+    static auto* const Kept = new std::list<ThreadStreams>;
     const std::lock_guard<std::mutex> lock(mutex);
-    late = &kept->emplace_back(ended);
+    late = &Kept->emplace_back(ended);
   }
   return *late;
 }
@@ -131,8 +131,8 @@ thread_streams& streams_of_this_thread() {
 
 struct logger::state {
   mutable std::mutex mutex;
-  std::shared_ptr<sink> current = std::make_shared<standard_error_sink>();
-  std::set<std::string> open_channels;
+  std::shared_ptr<sink> current = std::make_shared<StandardErrorSink>();
+  std::set<std::string> openChannels;
 };
 
 sink::~sink() = default;
@@ -147,8 +147,8 @@ logger::~logger() = default;
 
 logger& logger::instance() {
   // Never destroyed: destructors of static objects may still report.
-  static logger* const the_logger = new logger;
-  return *the_logger;
+  static logger* const TheLogger = new logger;
+  return *TheLogger;
 }
 
 void logger::write(severity p_kind, const std::string& p_text, const std::string& p_channel) {
@@ -180,31 +180,31 @@ void logger::chkrng(std::uint64_t p_value, std::uint64_t p_first, std::uint64_t 
 }
 
 dbgostream& logger::dout(const std::string& p_channel) {
-  return streams_of_this_thread().channel(*this, p_channel).stream(is_open(p_channel));
+  return StreamsOfThisThread().Channel(*this, p_channel).Stream(is_open(p_channel));
 }
 
 dbgostream& logger::derr() {
-  return streams_of_this_thread().errors(*this).stream(true);
+  return StreamsOfThisThread().Errors(*this).Stream(true);
 }
 
 void logger::open(const std::string& p_channel) {
   const std::lock_guard<std::mutex> lock(_state->mutex);
-  _state->open_channels.insert(p_channel);
+  _state->openChannels.insert(p_channel);
 }
 
 void logger::close(const std::string& p_channel) {
   const std::lock_guard<std::mutex> lock(_state->mutex);
-  _state->open_channels.erase(p_channel);
+  _state->openChannels.erase(p_channel);
 }
 
 bool logger::is_open(const std::string& p_channel) const {
   const std::lock_guard<std::mutex> lock(_state->mutex);
-  return _state->open_channels.count(p_channel) != 0;
+  return _state->openChannels.count(p_channel) != 0;
 }
 
 std::shared_ptr<sink> logger::set_sink(std::shared_ptr<sink> p_sink) {
   if (!p_sink)
-    p_sink = std::make_shared<standard_error_sink>();
+    p_sink = std::make_shared<StandardErrorSink>();
   const std::lock_guard<std::mutex> lock(_state->mutex);
   return std::exchange(_state->current, std::move(p_sink));
 }

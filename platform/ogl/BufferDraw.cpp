@@ -9,29 +9,29 @@
 namespace Vek::Chart::Ogl {
 namespace {
 
-constexpr std::size_t g_record_bytes = 3 * sizeof(float);
-constexpr std::size_t g_most = static_cast<std::size_t>(std::numeric_limits<int>::max());
+constexpr std::size_t RecordBytes = 3 * sizeof(float);
+constexpr std::size_t Most = static_cast<std::size_t>(std::numeric_limits<int>::max());
 
 /// Whether at least one record lies at that place, and every stride can be handed to GL.
 bool Fits(const BufferDraw::RecordBuffer& p_buffer, unsigned int p_offset, unsigned int p_stride) {
-  const std::size_t bytes = p_buffer.Count() * g_record_bytes;
-  return p_offset <= bytes && g_record_bytes <= bytes - p_offset && p_stride <= g_most;
+  const std::size_t bytes = p_buffer.Count() * RecordBytes;
+  return p_offset <= bytes && RecordBytes <= bytes - p_offset && p_stride <= Most;
 }
 
 bool CheckBuffers(const BufferDraw& p_draw, std::size_t p_instances, const char* p_signature) {
   const auto check = [p_signature](bool p_holds, const char* p_expression) {
     return VEK_ENSURE_TEXT(p_holds, p_expression, p_signature);
   };
-  const bool with_normals = (p_draw.attributes & BufferDraw::Normals) != 0;
-  const auto& instanced = p_draw.instance_attributes;
+  const bool withNormals = (p_draw.attributes & BufferDraw::Normals) != 0;
+  const auto& instanced = p_draw.instanceAttributes;
   return check(PrimitiveToken(p_draw.type).has_value(), "type != VertexBuffer::Undecided") &&
-         check(p_draw.indices.Count() != 0 && p_draw.indices.Count() <= g_most, "indices.Count() != 0") &&
+         check(p_draw.indices.Count() != 0 && p_draw.indices.Count() <= Most, "indices.Count() != 0") &&
          check(p_draw.vertices.Count() != 0, "vertices.Count() != 0") &&
-         check(Fits(p_draw.vertices, p_draw.position_offset, p_draw.position_stride),
+         check(Fits(p_draw.vertices, p_draw.positionOffset, p_draw.positionStride),
                "positionOffset + 12 <= vertices bytes") &&
-         check(!with_normals || Fits(p_draw.vertices, p_draw.normal_offset, p_draw.normal_stride),
+         check(!withNormals || Fits(p_draw.vertices, p_draw.normalOffset, p_draw.normalStride),
                "normalOffset + 12 <= vertices bytes") &&
-         check(p_instances <= g_most, "instances <= INT_MAX") &&
+         check(p_instances <= Most, "instances <= INT_MAX") &&
          check(std::all_of(instanced.begin(), instanced.end(),
                            [p_instances](const BufferDraw::InstanceAttribute& p_attribute) {
                              return p_attribute.records.Count() >= p_instances;
@@ -44,15 +44,15 @@ const void* Offset(unsigned int p_bytes) {
 }
 
 void SetPointers(const Rgl& p_gl, const BufferDraw& p_draw) {
-  const bool with_normals = (p_draw.attributes & BufferDraw::Normals) != 0;
+  const bool withNormals = (p_draw.attributes & BufferDraw::Normals) != 0;
   EnableArray(p_gl, RGL_VERTEX_ARRAY, true);
-  EnableArray(p_gl, RGL_NORMAL_ARRAY, with_normals);
+  EnableArray(p_gl, RGL_NORMAL_ARRAY, withNormals);
   EnableArray(p_gl, RGL_TEXTURE_COORD_ARRAY, false);
   p_gl.BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, p_draw.indices.Name());
   p_gl.BindBuffer(RGL_ARRAY_BUFFER, p_draw.vertices.Name());
-  p_gl.VertexPointer(3, RGL_FLOAT, static_cast<int>(p_draw.position_stride), Offset(p_draw.position_offset));
-  if (with_normals)
-    p_gl.NormalPointer(RGL_FLOAT, static_cast<int>(p_draw.normal_stride), Offset(p_draw.normal_offset));
+  p_gl.VertexPointer(3, RGL_FLOAT, static_cast<int>(p_draw.positionStride), Offset(p_draw.positionOffset));
+  if (withNormals)
+    p_gl.NormalPointer(RGL_FLOAT, static_cast<int>(p_draw.normalStride), Offset(p_draw.normalOffset));
 }
 
 void SetInstancePointers(const Rgl& p_gl, const std::vector<BufferDraw::InstanceAttribute>& p_attributes) {
@@ -77,15 +77,15 @@ void BufferDraw::Draw(Utility::Scoped<Rgl>& p_gl) const {
 }
 
 void BufferDraw::Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const {
-  constexpr const char* signature =
+  constexpr const char* Signature =
       "void __cdecl Vek::Chart::Ogl::BufferDraw::Draw(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> "
       "&,unsigned int) const";
-  if (p_instances == 0 || !CheckBuffers(*this, p_instances, signature) ||
-      !VEK_ENSURE(p_gl->Features().Supported(DeviceFeatures::FeatureInstancing), signature))
+  if (p_instances == 0 || !CheckBuffers(*this, p_instances, Signature) ||
+      !VEK_ENSURE(p_gl->Features().Supported(DeviceFeatures::FeatureInstancing), Signature))
     return;
   const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
   SetPointers(*p_gl, *this);
-  SetInstancePointers(*p_gl, instance_attributes);
+  SetInstancePointers(*p_gl, instanceAttributes);
   p_gl->DrawElementsInstanced(*PrimitiveToken(type), static_cast<int>(indices.Count()), RGL_UNSIGNED_INT, nullptr,
                               static_cast<int>(p_instances));
 }

@@ -41,11 +41,11 @@ struct VEK_PLATFORM_API BufferDraw {
   IndexBuffer indices;                                        ///< all of them are drawn
   RecordBuffer vertices;                                      ///< positions and normals
   unsigned int attributes = Positions;                        ///< bits of AttributeBits
-  unsigned int position_stride = 0; ///< bytes from one position to the next; 0 when they are tightly packed
-  unsigned int normal_stride = 0;   ///< the same for normals
-  unsigned int position_offset = 0; ///< bytes in front of the first position
-  unsigned int normal_offset = 0;   ///< the same for normals
-  std::vector<InstanceAttribute> instance_attributes; ///< what the instances differ in
+  unsigned int positionStride = 0; ///< bytes from one position to the next; 0 when they are tightly packed
+  unsigned int normalStride = 0;   ///< the same for normals
+  unsigned int positionOffset = 0; ///< bytes in front of the first position
+  unsigned int normalOffset = 0;   ///< the same for normals
+  std::vector<InstanceAttribute> instanceAttributes; ///< what the instances differ in
 
   /// Draws all indices and restores the client state that it changes. Nothing is drawn, and the reason reported, when a
   /// buffer is empty, the primitive type is not decided, the layout does not fit into the vertex buffer, or an instance

@@ -102,7 +102,7 @@ public:
   Buffer<T> CreateBuffer(std::size_t p_count, BufferUsage::Kind p_usage) {
     static_assert(std::is_trivially_copyable_v<T>);
     const auto signature = [] {
-      const std::string element = vekdebug::TypeName<T>::text();
+      const std::string element = vekdebug::TypeName<T>::Text();
       return "class Vek::Chart::Ogl::Buffer<" + element + (element.back() == '>' ? " " : "") +
              "> __cdecl Vek::Chart::Ogl::BufferPool::CreateBuffer(unsigned __int64,enum "
              "Vek::Chart::Ogl::BufferUsage::Kind)";

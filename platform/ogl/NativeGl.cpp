@@ -47,8 +47,8 @@ GlFunctions MakeNativeGl() {
 } // namespace
 
 const GlFunctions& NativeGl() {
-  static const GlFunctions table = MakeNativeGl();
-  return table;
+  static const GlFunctions Table = MakeNativeGl();
+  return Table;
 }
 
 } // namespace Vek::Chart::Ogl

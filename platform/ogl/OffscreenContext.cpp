@@ -28,8 +28,8 @@ void CheckSize(const Rgl& p_gl, Types::Size p_size) {
 /// A frame-buffer object with the storage behind it.
 struct Target {
   boost::shared_ptr<RenderBuffer> color;
-  boost::shared_ptr<RenderBuffer> depth_stencil;
-  boost::shared_ptr<FrameBufferObject> frame_buffer;
+  boost::shared_ptr<RenderBuffer> depthStencil;
+  boost::shared_ptr<FrameBufferObject> frameBuffer;
 };
 
 boost::shared_ptr<RenderBuffer> MakeStorage(const Rgl& p_gl, GlEnum p_format, Types::Size p_size, int p_samples) {
@@ -44,13 +44,13 @@ boost::shared_ptr<RenderBuffer> MakeStorage(const Rgl& p_gl, GlEnum p_format, Ty
 Target MakeTarget(const Rgl& p_gl, Types::Size p_size, int p_samples, bool p_depth) {
   Target target;
   target.color = MakeStorage(p_gl, RGL_RGBA8, p_size, p_samples);
-  target.frame_buffer = p_gl.GenFrameBufferObject();
-  p_gl.BindFramebuffer(RGL_FRAMEBUFFER, target.frame_buffer->Name());
+  target.frameBuffer = p_gl.GenFrameBufferObject();
+  p_gl.BindFramebuffer(RGL_FRAMEBUFFER, target.frameBuffer->Name());
   p_gl.FramebufferRenderbuffer(RGL_FRAMEBUFFER, RGL_COLOR_ATTACHMENT0, RGL_RENDERBUFFER, target.color->Name());
   if (p_depth) {
-    target.depth_stencil = MakeStorage(p_gl, RGL_DEPTH24_STENCIL8, p_size, p_samples);
+    target.depthStencil = MakeStorage(p_gl, RGL_DEPTH24_STENCIL8, p_size, p_samples);
     p_gl.FramebufferRenderbuffer(RGL_FRAMEBUFFER, RGL_DEPTH_STENCIL_ATTACHMENT, RGL_RENDERBUFFER,
-                                 target.depth_stencil->Name());
+                                 target.depthStencil->Name());
   }
   const GlEnum status = p_gl.CheckFramebufferStatus(RGL_FRAMEBUFFER);
   const GlEnum error = p_gl.GetError();
@@ -81,17 +81,15 @@ struct OffscreenContext::State {
   }
 
   void MakeTargets(const Rgl& p_gl, int p_samples) {
-    int most_samples = 0;
-    p_gl.GetIntegerv(RGL_MAX_SAMPLES, &most_samples);
-    const int samples = std::clamp(p_samples, 0, std::max(0, most_samples));
+    int mostSamples = 0;
+    p_gl.GetIntegerv(RGL_MAX_SAMPLES, &mostSamples);
+    const int samples = std::clamp(p_samples, 0, std::max(0, mostSamples));
     plain = MakeTarget(p_gl, size, 0, samples == 0);
     if (samples != 0)
       multisampled = MakeTarget(p_gl, size, samples, true);
   }
   /// Where everything is drawn.
-  unsigned int FrameBufferName() const {
-    return (multisampled.frame_buffer ? multisampled : plain).frame_buffer->Name();
-  }
+  unsigned int FrameBufferName() const { return (multisampled.frameBuffer ? multisampled : plain).frameBuffer->Name(); }
 
   Types::Size size;
   EglContext egl;
@@ -136,16 +134,16 @@ namespace {
 
 /// Packs pixels tightly into client memory until the guard is released.
 boost::shared_ptr<void> PlainPixelStore(const Rgl& p_gl) {
-  int pack_buffer = 0;
-  p_gl.GetIntegerv(RGL_PIXEL_PACK_BUFFER_BINDING, &pack_buffer);
+  int packBuffer = 0;
+  p_gl.GetIntegerv(RGL_PIXEL_PACK_BUFFER_BINDING, &packBuffer);
   p_gl.PushClientAttrib(RGL_CLIENT_PIXEL_STORE_BIT);
   p_gl.BindBuffer(RGL_PIXEL_PACK_BUFFER, 0);
   p_gl.PixelStorei(RGL_PACK_ALIGNMENT, 4);
   for (const GlEnum parameter : {RGL_PACK_ROW_LENGTH, RGL_PACK_SKIP_ROWS, RGL_PACK_SKIP_PIXELS, RGL_PACK_SWAP_BYTES})
     p_gl.PixelStorei(parameter, 0);
-  return MakeGuard([gl = p_gl.Functions(), pack_buffer] {
+  return MakeGuard([gl = p_gl.Functions(), packBuffer] {
     gl->PopClientAttrib();
-    gl->BindBuffer(RGL_PIXEL_PACK_BUFFER, static_cast<unsigned int>(pack_buffer));
+    gl->BindBuffer(RGL_PIXEL_PACK_BUFFER, static_cast<unsigned int>(packBuffer));
   });
 }
 
@@ -153,8 +151,8 @@ boost::shared_ptr<void> PlainPixelStore(const Rgl& p_gl) {
 void ResolveSamples(const Rgl& p_gl, const Target& p_from, const Target& p_to, Types::Size p_size) {
   const boost::shared_ptr<void> state = p_gl.PushAttribScope(RGL_ENABLE_BIT);
   p_gl.Disable(RGL_SCISSOR_TEST);
-  p_gl.BindFramebuffer(RGL_READ_FRAMEBUFFER, p_from.frame_buffer->Name());
-  p_gl.BindFramebuffer(RGL_DRAW_FRAMEBUFFER, p_to.frame_buffer->Name());
+  p_gl.BindFramebuffer(RGL_READ_FRAMEBUFFER, p_from.frameBuffer->Name());
+  p_gl.BindFramebuffer(RGL_DRAW_FRAMEBUFFER, p_to.frameBuffer->Name());
   p_gl.BlitFramebuffer(0, 0, p_size.width, p_size.height, 0, 0, p_size.width, p_size.height, RGL_COLOR_BUFFER_BIT,
                        RGL_NEAREST);
 }
@@ -163,12 +161,12 @@ void ResolveSamples(const Rgl& p_gl, const Target& p_from, const Target& p_to, T
 
 QImage OffscreenContext::Image() {
   const Utility::Scoped<Rgl> gl(_state->handle);
-  const boost::shared_ptr<void> bindings = gl->BindScope(_state->plain.frame_buffer);
-  if (_state->multisampled.frame_buffer) {
+  const boost::shared_ptr<void> bindings = gl->BindScope(_state->plain.frameBuffer);
+  if (_state->multisampled.frameBuffer) {
     ResolveSamples(*gl, _state->multisampled, _state->plain, _state->size);
-    gl->BindFramebuffer(RGL_READ_FRAMEBUFFER, _state->plain.frame_buffer->Name());
+    gl->BindFramebuffer(RGL_READ_FRAMEBUFFER, _state->plain.frameBuffer->Name());
   }
-  const boost::shared_ptr<void> pixel_store = PlainPixelStore(*gl);
+  const boost::shared_ptr<void> pixelStore = PlainPixelStore(*gl);
   QImage image(_state->size.width, _state->size.height, QImage::Format_ARGB32);
   if (image.isNull())
     throw std::runtime_error("No memory for an image of " + SizeText(_state->size) + " pixels");

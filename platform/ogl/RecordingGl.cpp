@@ -33,21 +33,21 @@ struct RecordingGl::State {
 
   template <class Arguments>
   void Write(const Recording::Signature& p_signature, const Arguments& p_arguments) {
-    const std::string line = std::apply(Recording::LineWriter(p_signature, model.quadric_numbers), p_arguments);
+    const std::string line = std::apply(Recording::LineWriter(p_signature, model.quadricNumbers), p_arguments);
     lines.push_back({p_signature.name, line});
     // The call that ends a list, like the one that begins it, is not part of it.
     if (model.OpenList() != 0 && p_signature.name != "NewList")
-      list_lines[model.OpenList()].push_back(line);
+      listLines[model.OpenList()].push_back(line);
     else if (p_signature.name == "NewList")
-      list_lines[model.OpenList()].clear();
+      listLines[model.OpenList()].clear();
   }
 
   bool IsToFail(const Recording::Signature& p_signature) {
     ++calls;
-    ++calls_of[p_signature.name];
-    bool fails = failing_calls.erase(calls) != 0;
-    fails = failing_names.erase({p_signature.name, calls_of[p_signature.name]}) != 0 || fails;
-    if (fails && !p_signature.is_glu && p_signature.name != "GetError")
+    ++callsOf[p_signature.name];
+    bool fails = failingCalls.erase(calls) != 0;
+    fails = failingNames.erase({p_signature.name, callsOf[p_signature.name]}) != 0 || fails;
+    if (fails && !p_signature.isGlu && p_signature.name != "GetError")
       model.errors.push_back(RGL_OUT_OF_MEMORY);
     return fails;
   }
@@ -59,22 +59,22 @@ struct RecordingGl::State {
   };
   Recording::Model model;
   std::vector<Line> lines;
-  std::map<unsigned int, std::vector<std::string>> list_lines;
+  std::map<unsigned int, std::vector<std::string>> listLines;
   std::size_t calls = 0;
-  std::map<std::string, std::size_t> calls_of;
-  std::set<std::size_t> failing_calls;
-  std::set<std::pair<std::string, std::size_t>> failing_names;
+  std::map<std::string, std::size_t> callsOf;
+  std::set<std::size_t> failingCalls;
+  std::set<std::pair<std::string, std::size_t>> failingNames;
 };
 
 namespace {
 
 /// The recorder that this thread's calls go to.
-thread_local boost::shared_ptr<RecordingGl::State> t_active;
+thread_local boost::shared_ptr<RecordingGl::State> active;
 
 template <class Run, class Refuse, class Arguments>
 auto Dispatch(const Recording::Signature& p_signature, Run p_run, Refuse p_refuse, const Arguments& p_arguments) {
-  if (t_active)
-    return t_active->Call(p_signature, p_run, p_refuse, p_arguments);
+  if (active)
+    return active->Call(p_signature, p_run, p_refuse, p_arguments);
   vekdebug::warn("RecordingGl: " + p_signature.name + " without a recorder");
   Recording::Model nobody;
   return p_refuse(nobody);
@@ -82,12 +82,12 @@ auto Dispatch(const Recording::Signature& p_signature, Run p_run, Refuse p_refus
 
 GlFunctions MakeRecordingTable() {
   GlFunctions table;
-#define VEK_RECORD(p_result, p_name, p_parameters, p_arguments, p_is_glu)                                              \
+#define VEK_RECORD(p_result, p_name, p_parameters, p_arguments, p_isGlu)                                               \
   table.p_name = [] p_parameters -> p_result {                                                                         \
-    static const Recording::Signature signature(#p_name, #p_parameters, p_is_glu);                                     \
+    static const Recording::Signature signature(#p_name, #p_parameters, p_isGlu);                                      \
     return Dispatch(                                                                                                   \
-        signature, [&](Recording::Model& p_gl_model) { return p_gl_model.p_name p_arguments; },                        \
-        [&](Recording::Model& p_gl_model) { return p_gl_model.Defaults::p_name p_arguments; },                         \
+        signature, [&](Recording::Model& p_glModel) { return p_glModel.p_name p_arguments; },                          \
+        [&](Recording::Model& p_glModel) { return p_glModel.Defaults::p_name p_arguments; },                           \
         std::make_tuple p_arguments);                                                                                  \
   };
 #define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \
@@ -99,8 +99,8 @@ GlFunctions MakeRecordingTable() {
 }
 
 boost::shared_ptr<const GlFunctions> RecordingTable() {
-  static const boost::shared_ptr<const GlFunctions> table = boost::make_shared<GlFunctions>(MakeRecordingTable());
-  return table;
+  static const boost::shared_ptr<const GlFunctions> Table = boost::make_shared<GlFunctions>(MakeRecordingTable());
+  return Table;
 }
 
 } // namespace
@@ -110,17 +110,17 @@ RecordingGl::RecordingGl()
     , _handle(boost::make_shared<Rgl>(
           RecordingTable(),
           [state = _state] {
-            state->previous = t_active;
-            t_active = state;
+            state->previous = active;
+            active = state;
           },
           [state = _state] {
             if (const boost::shared_ptr<State> previous = state->previous.lock())
-              t_active = previous;
+              active = previous;
           })) {}
 
 RecordingGl::~RecordingGl() {
-  if (t_active == _state)
-    t_active.reset();
+  if (active == _state)
+    active.reset();
 }
 
 const Utility::Unscoped<Rgl>& RecordingGl::Handle() const {
@@ -157,8 +157,8 @@ std::vector<std::string> RecordingGl::LinesWithout(const std::vector<std::string
 }
 
 std::vector<std::string> RecordingGl::ListLines(unsigned int p_list) const {
-  const auto found = _state->list_lines.find(p_list);
-  return found == _state->list_lines.end() ? std::vector<std::string>() : found->second;
+  const auto found = _state->listLines.find(p_list);
+  return found == _state->listLines.end() ? std::vector<std::string>() : found->second;
 }
 
 void RecordingGl::Clear() {
@@ -189,7 +189,7 @@ void RecordingGl::SetInteger(GlEnum p_name, const std::vector<int>& p_values) {
 }
 
 void RecordingGl::SetFramebufferStatus(GlEnum p_status) {
-  _state->model.framebuffer_status = p_status;
+  _state->model.framebufferStatus = p_status;
 }
 
 void RecordingGl::SetPixel(int p_x, int p_y, const std::array<unsigned char, 4>& p_rgba) {
@@ -197,15 +197,15 @@ void RecordingGl::SetPixel(int p_x, int p_y, const std::array<unsigned char, 4>&
 }
 
 void RecordingGl::SetInfoLog(const std::string& p_text) {
-  _state->model.info_log = p_text;
+  _state->model.infoLog = p_text;
 }
 
 void RecordingGl::FailCall(std::size_t p_number) {
-  _state->failing_calls.insert(_state->calls + p_number);
+  _state->failingCalls.insert(_state->calls + p_number);
 }
 
 void RecordingGl::Fail(const std::string& p_name, std::size_t p_number) {
-  _state->failing_names.insert({p_name, _state->calls_of[p_name] + p_number});
+  _state->failingNames.insert({p_name, _state->callsOf[p_name] + p_number});
 }
 
 void RecordingGl::QueueError(GlEnum p_error) {
@@ -223,7 +223,7 @@ std::vector<unsigned char> RecordingGl::BufferBytes(unsigned int p_name) const {
 }
 
 const std::array<unsigned char, 128>& RecordingGl::PolygonStippleMask() const {
-  return _state->model.stipple_mask;
+  return _state->model.stippleMask;
 }
 
 int RecordingGl::TextureEnvironment(GlEnum p_name) const {

@@ -89,7 +89,7 @@ public:
 
   /// One level of a texture, as it was uploaded.
   struct TextureLevel {
-    GlEnum internal_format = 0;        ///< what was asked for
+    GlEnum internalFormat = 0;         ///< what was asked for
     int width = 0;                     ///< texels along s
     int height = 0;                    ///< texels along t; 1 for a 1-D texture
     int depth = 1;                     ///< texels along r

@@ -16,12 +16,12 @@
 
 namespace Vek::Chart::Ogl {
 
-Rgl::Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_make_current,
+Rgl::Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_makeCurrent,
          boost::function<void()> p_release)
     : _gl(std::move(p_gl))
-    , _make_current(std::move(p_make_current))
+    , _makeCurrent(std::move(p_makeCurrent))
     , _release(std::move(p_release))
-    , _buffer_pool(std::make_unique<BufferPool>(_gl)) {}
+    , _bufferPool(std::make_unique<BufferPool>(_gl)) {}
 
 Rgl::~Rgl() = default;
 
@@ -31,15 +31,15 @@ Utility::Unscoped<Rgl> Rgl::OnCurrentContext() {
 }
 
 void Rgl::ScopeBegin() {
-  if (_scope_depth == 0 && _make_current)
-    _make_current(); // when it throws, no scope was opened
-  ++_scope_depth;
+  if (_scopeDepth == 0 && _makeCurrent)
+    _makeCurrent(); // when it throws, no scope was opened
+  ++_scopeDepth;
 }
 
 void Rgl::ScopeEnd() {
-  if (!VEK_ENSURE(_scope_depth > 0, "void __cdecl Vek::Chart::Ogl::Rgl::ScopeEnd(void)"))
+  if (!VEK_ENSURE(_scopeDepth > 0, "void __cdecl Vek::Chart::Ogl::Rgl::ScopeEnd(void)"))
     return;
-  if (--_scope_depth == 0 && _release)
+  if (--_scopeDepth == 0 && _release)
     _release();
 }
 
@@ -78,10 +78,10 @@ namespace {
 
 /// Truncated toward zero; what no int can hold becomes the nearest int, NaN becomes 0.
 int ToInt(float p_value) {
-  constexpr float limit = 2147483648.0F; // 2^31, one above the largest int
-  if (p_value >= limit)
+  constexpr float Limit = 2147483648.0F; // 2^31, one above the largest int
+  if (p_value >= Limit)
     return std::numeric_limits<int>::max();
-  if (p_value < -limit)
+  if (p_value < -Limit)
     return std::numeric_limits<int>::min();
   return p_value != p_value ? 0 : static_cast<int>(p_value);
 }
@@ -142,7 +142,7 @@ boost::shared_ptr<void> Rgl::BindScope(const boost::shared_ptr<FrameBufferObject
 }
 
 BufferPool& Rgl::GetBufferPool() const {
-  return *_buffer_pool;
+  return *_bufferPool;
 }
 
 namespace {
@@ -170,10 +170,10 @@ struct FeatureRule {
   DeviceFeatures::Feature feature;
   Utility::VersionNo version;
   std::string_view extensions;
-  std::string_view other_extensions;
+  std::string_view otherExtensions;
 };
 
-constexpr FeatureRule g_feature_rules[] = {
+constexpr FeatureRule FeatureRules[] = {
     {DeviceFeatures::FeatureFrameBufferObject, {3, 0, 0}, "GL_ARB_framebuffer_object", ""},
     {DeviceFeatures::FeatureFloatTextures, {3, 0, 0}, "GL_ARB_texture_float", ""},
     {DeviceFeatures::FeatureInstancing, {3, 3, 0}, "GL_ARB_draw_instanced GL_ARB_instanced_arrays", ""},
@@ -214,9 +214,9 @@ const DeviceFeatures& Rgl::Features() const {
   const std::set<std::string_view> extensions =
       version < Utility::VersionNo(3, 3, 0) ? Words(TextOf(GetString(RGL_EXTENSIONS))) : std::set<std::string_view>();
   std::set<DeviceFeatures::Feature> supported;
-  for (const FeatureRule& rule : g_feature_rules)
+  for (const FeatureRule& rule : FeatureRules)
     if (version >= rule.version || ContainsAll(extensions, rule.extensions) ||
-        ContainsAll(extensions, rule.other_extensions))
+        ContainsAll(extensions, rule.otherExtensions))
       supported.insert(rule.feature);
   _features = std::make_unique<const DeviceFeatures>(std::move(supported));
   return *_features;
@@ -255,8 +255,8 @@ std::string ErrorName(GlEnum p_error) {
 
 bool Rgl::CheckError(const std::string& p_location) const {
   // A context has few error flags; a lost one, though, answers with errors for ever.
-  constexpr int most_errors = 32;
-  for (int count = 0; count < most_errors; ++count) {
+  constexpr int MostErrors = 32;
+  for (int count = 0; count < MostErrors; ++count) {
     const GlEnum error = GetError();
     if (error == RGL_NO_ERROR)
       return count == 0;

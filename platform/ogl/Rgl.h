@@ -48,10 +48,10 @@ public:
   /// The number of a texture coordinate set; added to RGL_TEXTURE0.
   using TexCoordIndex = unsigned int;
 
-  /// `p_gl` must be set, each of its functions too. `p_make_current` is called when the outermost scope opens and must
+  /// `p_gl` must be set, each of its functions too. `p_makeCurrent` is called when the outermost scope opens and must
   /// make the context current; `p_release` when it closes. Both may be empty: then the context is current whenever a
   /// scope is open.
-  explicit Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_make_current = {},
+  explicit Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_makeCurrent = {},
                boost::function<void()> p_release = {});
   ~Rgl();
 
@@ -64,7 +64,7 @@ public:
   void ScopeEnd();
   ///@}
   /// How many scopes are open.
-  unsigned int ScopeDepth() const { return _scope_depth; }
+  unsigned int ScopeDepth() const { return _scopeDepth; }
 
   // The GL functions by their own names, the raw entry points.
 #define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \
@@ -175,10 +175,10 @@ public:
 
 private:
   boost::shared_ptr<const GlFunctions> _gl;
-  boost::function<void()> _make_current;
+  boost::function<void()> _makeCurrent;
   boost::function<void()> _release;
-  unsigned int _scope_depth = 0;
-  std::unique_ptr<BufferPool> _buffer_pool;
+  unsigned int _scopeDepth = 0;
+  std::unique_ptr<BufferPool> _bufferPool;
   mutable std::unique_ptr<const DeviceFeatures> _features; // constant for a context, so no copy of state
 };
 

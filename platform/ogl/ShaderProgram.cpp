@@ -82,8 +82,8 @@ bool Compile(const Rgl& p_gl, const char* p_step, unsigned int p_name, const std
 
 } // namespace
 
-ShaderProgram::ShaderProgram(Utility::Scoped<Rgl>& p_gl, const std::string& p_vertex_text,
-                             const std::string& p_fragment_text, const std::vector<std::string>& p_attributes) {
+ShaderProgram::ShaderProgram(Utility::Scoped<Rgl>& p_gl, const std::string& p_vertexText,
+                             const std::string& p_fragmentText, const std::vector<std::string>& p_attributes) {
   const Rgl& gl = *p_gl;
   if (!VEK_ENSURE(gl.GlVersion() >= Utility::VersionNo(2, 0, 0),
                   "__cdecl Vek::Chart::Ogl::ShaderProgram::ShaderProgram(class Vek::Chart::Utility::Scoped<class "
@@ -95,9 +95,9 @@ ShaderProgram::ShaderProgram(Utility::Scoped<Rgl>& p_gl, const std::string& p_ve
     return;
   const Shader vertex(gl, RGL_VERTEX_SHADER);
   const Shader fragment(gl, RGL_FRAGMENT_SHADER);
-  const bool vertex_compiled = Compile(gl, "vertex shader", vertex.Name(), p_vertex_text);
-  const bool fragment_compiled = Compile(gl, "fragment shader", fragment.Name(), p_fragment_text);
-  if (!vertex_compiled || !fragment_compiled)
+  const bool vertexCompiled = Compile(gl, "vertex shader", vertex.Name(), p_vertexText);
+  const bool fragmentCompiled = Compile(gl, "fragment shader", fragment.Name(), p_fragmentText);
+  if (!vertexCompiled || !fragmentCompiled)
     return;
   boost::shared_ptr<const Handle> handle = boost::make_shared<Handle>(gl.Functions());
   if (handle->Name() != 0) {

@@ -25,7 +25,7 @@ public:
   /// Compiles and links. `p_attributes` are the names of vertex attributes in the order of their locations, from 0 on;
   /// an empty name leaves a location to GL. What GL refuses is reported, as "WARNING: ", the step, ": " and GL's log;
   /// the program is then not linked.
-  ShaderProgram(Utility::Scoped<Rgl>& p_gl, const std::string& p_vertex_text, const std::string& p_fragment_text,
+  ShaderProgram(Utility::Scoped<Rgl>& p_gl, const std::string& p_vertexText, const std::string& p_fragmentText,
                 const std::vector<std::string>& p_attributes = {});
 
   /// Whether it can be used.

@@ -25,24 +25,24 @@ struct Layout {
     // Room for the outline, half of which lies outside the letters, and for letters that lean out of their box.
     margin = 2 + static_cast<int>(p_size) / 6;
     ascent = metrics.ascent();
-    line_height = metrics.lineSpacing();
-    int text_width = 0;
+    lineHeight = metrics.lineSpacing();
+    int textWidth = 0;
     for (const QString& line : lines)
-      text_width = std::max(text_width, metrics.horizontalAdvance(line));
-    width = text_width + 2 * margin;
-    height = line_height * (lines.size() - 1) + metrics.height() + 2 * margin;
+      textWidth = std::max(textWidth, metrics.horizontalAdvance(line));
+    width = textWidth + 2 * margin;
+    height = lineHeight * (lines.size() - 1) + metrics.height() + 2 * margin;
   }
   QPainterPath Letters() const {
     QPainterPath letters;
     for (int i = 0; i < lines.size(); ++i)
-      letters.addText(margin, margin + ascent + i * line_height, font, lines[i]);
+      letters.addText(margin, margin + ascent + i * lineHeight, font, lines[i]);
     return letters;
   }
   QStringList lines;
   QFont font;
   int margin;
   int ascent;
-  int line_height;
+  int lineHeight;
   int width;
   int height;
 };

@@ -62,23 +62,23 @@ static_assert(std::is_trivially_copyable_v<Attribute<Vec3<float>>>);
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec1<T>> {
   /// As it stands in a signature.
-  static std::string text() { return "class Vek::Chart::Ogl::Vec1<" + TypeName<T>::text() + ">"; }
+  static std::string Text() { return "class Vek::Chart::Ogl::Vec1<" + TypeName<T>::text() + ">"; }
 };
 /// In signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec2<T>> {
   /// As it stands in a signature.
-  static std::string text() { return "class Vek::Chart::Ogl::Vec2<" + TypeName<T>::text() + ">"; }
+  static std::string Text() { return "class Vek::Chart::Ogl::Vec2<" + TypeName<T>::text() + ">"; }
 };
 /// In signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec3<T>> {
   /// As it stands in a signature.
-  static std::string text() { return "class Vek::Chart::Ogl::Vec3<" + TypeName<T>::text() + ">"; }
+  static std::string Text() { return "class Vek::Chart::Ogl::Vec3<" + TypeName<T>::text() + ">"; }
 };
 /// In signatures. A template argument list that ends in '>' is closed after a blank.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Attribute<T>> {
   /// As it stands in a signature.
-  static std::string text() { return "class Vek::Chart::Ogl::Attribute<" + TypeName<T>::text() + " >"; }
+  static std::string Text() { return "class Vek::Chart::Ogl::Attribute<" + TypeName<T>::Text() + " >"; }
 };

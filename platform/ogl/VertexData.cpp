@@ -21,7 +21,7 @@ VertexData::Array MakeArray(const boost::shared_ptr<const void>& p_data, std::si
 } // namespace
 
 VertexData::VertexData()
-    : _primitive_type(VertexBuffer::Undecided, Types::Property<VertexBuffer::PrimitiveType>::ChangedBit) {}
+    : _primitiveType(VertexBuffer::Undecided, Types::Property<VertexBuffer::PrimitiveType>::ChangedBit) {}
 
 void VertexData::SetVertices(const boost::shared_ptr<const void>& p_data, std::size_t p_count,
                              unsigned int p_components, ComponentType p_type) {
@@ -33,7 +33,7 @@ void VertexData::SetNormals(const boost::shared_ptr<const void>& p_data, std::si
 }
 void VertexData::SetTexCoords(const boost::shared_ptr<const void>& p_data, std::size_t p_count,
                               unsigned int p_components, ComponentType p_type) {
-  _tex_coords = MakeArray(p_data, p_count, p_components, p_type);
+  _texCoords = MakeArray(p_data, p_count, p_components, p_type);
 }
 void VertexData::SetIndices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, ComponentType p_type) {
   _indices = MakeArray(p_data, p_count, 1, p_type);
@@ -75,20 +75,20 @@ bool IndicesBelow(const VertexData::Array& p_indices, std::size_t p_end) {
 bool CheckArrays(const VertexData& p_data, const char* p_signature) {
   const VertexData::Array& vertices = p_data.Vertices();
   const VertexData::Array& normals = p_data.Normals();
-  const VertexData::Array& tex_coords = p_data.TexCoords();
+  const VertexData::Array& texCoords = p_data.TexCoords();
   const VertexData::Array& indices = p_data.Indices();
   const std::size_t count = indices.Empty() ? vertices.count : indices.count;
   const auto check = [p_signature](bool p_holds, const char* p_expression) {
     return VEK_ENSURE_TEXT(p_holds, p_expression, p_signature);
   };
   return check(!vertices.Empty(), "!_vertices.Empty()") &&
-         check(Mode(p_data.PrimitiveType()).has_value(), "_primitive_type.Defined() && _primitive_type != Undecided") &&
+         check(Mode(p_data.PrimitiveType()).has_value(), "_primitiveType.Defined() && _primitiveType != Undecided") &&
          check(Drawable(vertices, 2, 4), "Drawable(_vertices, 2, 4)") &&
          check(normals.Empty() || Drawable(normals, 3, 3), "_normals.Empty() || Drawable(_normals, 3, 3)") &&
-         check(tex_coords.Empty() || Drawable(tex_coords, 1, 4), "_texCoords.Empty() || Drawable(_texCoords, 1, 4)") &&
+         check(texCoords.Empty() || Drawable(texCoords, 1, 4), "_texCoords.Empty() || Drawable(_texCoords, 1, 4)") &&
          check(normals.Empty() || normals.count >= vertices.count,
                "_normals.Empty() || _normals.count >= _vertices.count") &&
-         check(tex_coords.Empty() || tex_coords.count >= vertices.count,
+         check(texCoords.Empty() || texCoords.count >= vertices.count,
                "_texCoords.Empty() || _texCoords.count >= _vertices.count") &&
          check(count <= static_cast<std::size_t>(std::numeric_limits<int>::max()), "count <= INT_MAX") &&
          check(indices.Empty() || IndicesBelow(indices, vertices.count), "_indices < _vertices.count");
@@ -97,15 +97,15 @@ bool CheckArrays(const VertexData& p_data, const char* p_signature) {
 void SetPointers(const Rgl& p_gl, const VertexData& p_data) {
   const VertexData::Array& vertices = p_data.Vertices();
   const VertexData::Array& normals = p_data.Normals();
-  const VertexData::Array& tex_coords = p_data.TexCoords();
+  const VertexData::Array& texCoords = p_data.TexCoords();
   EnableArray(p_gl, RGL_VERTEX_ARRAY, true);
   EnableArray(p_gl, RGL_NORMAL_ARRAY, !normals.Empty());
-  EnableArray(p_gl, RGL_TEXTURE_COORD_ARRAY, !tex_coords.Empty());
+  EnableArray(p_gl, RGL_TEXTURE_COORD_ARRAY, !texCoords.Empty());
   p_gl.VertexPointer(static_cast<int>(vertices.components), vertices.type, 0, vertices.data.get());
   if (!normals.Empty())
     p_gl.NormalPointer(normals.type, 0, normals.data.get());
-  if (!tex_coords.Empty())
-    p_gl.TexCoordPointer(static_cast<int>(tex_coords.components), tex_coords.type, 0, tex_coords.data.get());
+  if (!texCoords.Empty())
+    p_gl.TexCoordPointer(static_cast<int>(texCoords.components), texCoords.type, 0, texCoords.data.get());
 }
 
 } // namespace
@@ -116,7 +116,7 @@ void VertexData::Draw(Utility::Scoped<Rgl>& p_gl) const {
     return;
   const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
   SetPointers(*p_gl, *this);
-  const GlEnum mode = *Mode(_primitive_type);
+  const GlEnum mode = *Mode(_primitiveType);
   if (_indices.Empty())
     p_gl->DrawArrays(mode, 0, static_cast<int>(_vertices.count));
   else
@@ -124,17 +124,17 @@ void VertexData::Draw(Utility::Scoped<Rgl>& p_gl) const {
 }
 
 void VertexData::Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const {
-  constexpr const char* signature =
+  constexpr const char* Signature =
       "void __cdecl Vek::Chart::Ogl::VertexData::Draw(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> "
       "&,unsigned int) const";
-  if (p_instances == 0 || !CheckArrays(*this, signature) ||
+  if (p_instances == 0 || !CheckArrays(*this, Signature) ||
       !VEK_ENSURE_TEXT(p_instances <= static_cast<unsigned int>(std::numeric_limits<int>::max()),
-                       "p_instances <= INT_MAX", signature) ||
-      !VEK_ENSURE(p_gl->Features().Supported(DeviceFeatures::FeatureInstancing), signature))
+                       "p_instances <= INT_MAX", Signature) ||
+      !VEK_ENSURE(p_gl->Features().Supported(DeviceFeatures::FeatureInstancing), Signature))
     return;
   const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
   SetPointers(*p_gl, *this);
-  const GlEnum mode = *Mode(_primitive_type);
+  const GlEnum mode = *Mode(_primitiveType);
   const int instances = static_cast<int>(p_instances);
   if (_indices.Empty())
     p_gl->DrawArraysInstanced(mode, 0, static_cast<int>(_vertices.count), instances);

@@ -62,14 +62,14 @@ public:
   /// One array, as it was set.
   const Array& Vertices() const { return _vertices; }
   const Array& Normals() const { return _normals; }
-  const Array& TexCoords() const { return _tex_coords; }
+  const Array& TexCoords() const { return _texCoords; }
   const Array& Indices() const { return _indices; }
   ///@}
 
   ///@{
   /// What is drawn; not set in a new object. Assigning a different value, or the first one, marks it changed and set.
-  Types::Property<VertexBuffer::PrimitiveType>& PrimitiveType() { return _primitive_type; }
-  const Types::Property<VertexBuffer::PrimitiveType>& PrimitiveType() const { return _primitive_type; }
+  Types::Property<VertexBuffer::PrimitiveType>& PrimitiveType() { return _primitiveType; }
+  const Types::Property<VertexBuffer::PrimitiveType>& PrimitiveType() const { return _primitiveType; }
   ///@}
 
   /// Draws from the arrays with GL's fixed vertex attributes: positions, normals, and texture coordinates on the active
@@ -87,9 +87,9 @@ public:
 private:
   Array _vertices;
   Array _normals;
-  Array _tex_coords;
+  Array _texCoords;
   Array _indices;
-  Types::Property<VertexBuffer::PrimitiveType> _primitive_type;
+  Types::Property<VertexBuffer::PrimitiveType> _primitiveType;
 };
 
 } // namespace Vek::Chart::Ogl

@@ -4,26 +4,26 @@ namespace Vek::Chart::Utility {
 
 /// A version number, ordered by its parts from left to right.
 struct VersionNo {
-  int major_part = 0; ///< changes with the interface
-  int minor_part = 0; ///< grows with additions
-  int patch_part = 0; ///< grows with repairs
+  int majorPart = 0; ///< changes with the interface
+  int minorPart = 0; ///< grows with additions
+  int patchPart = 0; ///< grows with repairs
 
   constexpr VersionNo() = default; ///< 0.0.0
   /// From its parts.
   constexpr VersionNo(int p_major, int p_minor, int p_patch)
-      : major_part(p_major)
-      , minor_part(p_minor)
-      , patch_part(p_patch) {}
+      : majorPart(p_major)
+      , minorPart(p_minor)
+      , patchPart(p_patch) {}
 };
 
 ///@{
 /// Compares part by part, from left to right.
 constexpr bool operator<(const VersionNo& p_a, const VersionNo& p_b) {
-  if (p_a.major_part != p_b.major_part)
-    return p_a.major_part < p_b.major_part;
-  if (p_a.minor_part != p_b.minor_part)
-    return p_a.minor_part < p_b.minor_part;
-  return p_a.patch_part < p_b.patch_part;
+  if (p_a.majorPart != p_b.majorPart)
+    return p_a.majorPart < p_b.majorPart;
+  if (p_a.minorPart != p_b.minorPart)
+    return p_a.minorPart < p_b.minorPart;
+  return p_a.patchPart < p_b.patchPart;
 }
 constexpr bool operator>(const VersionNo& p_a, const VersionNo& p_b) {
   return p_b < p_a;

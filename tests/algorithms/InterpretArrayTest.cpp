@@ -151,9 +151,9 @@ TEST(ArrayView, YieldsZeroOutsideAfterAReport) {
   EXPECT_FALSE((Array<bool, 0>()[0]));
   const std::string start = "\"p_index < _count\" - const ", middle = " &__cdecl Vek::Chart::DataInterface::Array<",
                     end = ",0>::operator [](const unsigned __int64) const";
-  const std::string of_double = start + "double" + middle + "double" + end;
+  const std::string ofDouble = start + "double" + middle + "double" + end;
   EXPECT_EQ(reports.Texts(),
-            (std::vector<std::string>{of_double, of_double, FloatAccess, start + "bool" + middle + "bool" + end}));
+            (std::vector<std::string>{ofDouble, ofDouble, FloatAccess, start + "bool" + middle + "bool" + end}));
 }
 
 TEST(InterpretArray, TakesWholeTuplesOnlyAndWhatFits) {

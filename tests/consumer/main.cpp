@@ -20,6 +20,6 @@ int main() {
     return 1;
   glyph.Draw(gl);
   const QImage image = context.Image();
-  std::cout << Library::Version().major_part << ' ' << image.pixelColor(16, 10).name().toStdString() << ' '
+  std::cout << Library::Version().majorPart << ' ' << image.pixelColor(16, 10).name().toStdString() << ' '
             << image.pixelColor(0, 0).name().toStdString() << '\n';
 }

@@ -75,7 +75,7 @@ TEST(GlyphSnippets, Layer) {
   instances.positions = positions.data();
   instances.rotations = rotations.data();
   instances.sizes = speeds.data();
-  instances.tex_coords = speeds.data(); // to be looked up in a ColorMap
+  instances.texCoords = speeds.data(); // to be looked up in a ColorMap
 
   const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 8);
   Ogl::VertexData data; // kept: a layer that is built again writes into the same arrays
@@ -160,10 +160,10 @@ TEST_F(GlyphSnippetPixels, ModelCacheAndBufferDraw) {
   draw.indices = indices.buffer;
   draw.vertices = vertices.buffer;
   draw.attributes = vertices.attributes;
-  draw.position_stride = vertices.positionStride;
-  draw.normal_stride = vertices.normalStride;
-  draw.position_offset = vertices.positionOffset;
-  draw.normal_offset = vertices.normalOffset;
+  draw.positionStride = vertices.positionStride;
+  draw.normalStride = vertices.normalStride;
+  draw.positionOffset = vertices.positionOffset;
+  draw.normalOffset = vertices.normalOffset;
   draw.Draw(gl);
   //! [BufferDraw]
   EXPECT_EQ(indices.count, 1U);

@@ -59,8 +59,8 @@ TEST_F(QtWidgetSnippetPixels, Widget) {
   static int argc = 1;
   static char name[] = "QtWidgetSnippetsTest";
   static char* argv[] = {name, nullptr};
-  static auto* const application = new QApplication(argc, argv); // never destroyed: the platform would leak its screen
-  ASSERT_EQ(QCoreApplication::instance(), application);
+  static auto* const Application = new QApplication(argc, argv); // never destroyed: the platform would leak its screen
+  ASSERT_EQ(QCoreApplication::instance(), Application);
   const Utility::Scoped<Rgl> current(Handle());
   Painted widget;
   EXPECT_EQ(widget.format().profile(), QSurfaceFormat::CompatibilityProfile);

@@ -21,8 +21,8 @@ namespace {
 
 /// A pixel by its points from the lower left, of a picture where both are the same.
 QColor PixelAt(int p_x, int p_y) {
-  static const QImage image = Shoot("colors", {1600, 1000}).image;
-  return image.pixelColor(p_x, 999 - p_y);
+  static const QImage Image = Shoot("colors", {1600, 1000}).image;
+  return Image.pixelColor(p_x, 999 - p_y);
 }
 
 } // namespace
@@ -68,7 +68,7 @@ TEST(ColorsPixels, FieldsHaveTheColorsOfTheirValues) {
   const Library::ColorMap map(Library::NamedColors::Colors("viridis", 256, 1, 0.04), Library::ColorMap::Interpolated);
   const QColor nan(0x323E4B), below(0xF25F8B), above(0xFFB000);
   const auto pixel = [&](int p_field, int p_x, int p_y) { return PixelAt(48 + 512 * p_field + p_x, 461 - p_y); };
-  int land = 0, sea = 0, wrong_land = 0, wrong_linear = 0, wrong_logarithmic = 0;
+  int land = 0, sea = 0, wrongLand = 0, wrongLinear = 0, wrongLogarithmic = 0;
   for (int y = 0; y < 240; ++y)
     for (int x = 0; x < 480; ++x) {
       double least = 1e9, most = -1e9; // of the four values that a pixel is made of
@@ -80,19 +80,19 @@ TEST(ColorsPixels, FieldsHaveTheColorsOfTheirValues) {
       const double depth = -(least + most) / 2;
       if (least > 0) {
         ++land;
-        wrong_land += pixel(0, x, y) != nan || pixel(1, x, y) != nan ? 1 : 0;
+        wrongLand += pixel(0, x, y) != nan || pixel(1, x, y) != nan ? 1 : 0;
       } else if (most < -20 && least > -6000) {
         ++sea;
-        wrong_linear += Distance(pixel(0, x, y), map.Color(depth / 6000)) > 30 ? 1 : 0;
-        wrong_logarithmic +=
+        wrongLinear += Distance(pixel(0, x, y), map.Color(depth / 6000)) > 30 ? 1 : 0;
+        wrongLogarithmic +=
             Distance(pixel(1, x, y), map.Color(std::log(depth / 10) / std::log(6000 / 10))) > 30 ? 1 : 0;
       }
     }
   EXPECT_GT(land, 25000);
   EXPECT_GT(sea, 60000);
-  EXPECT_EQ(wrong_land, 0);
-  EXPECT_LT(wrong_linear, sea / 100);
-  EXPECT_LT(wrong_logarithmic, sea / 100);
+  EXPECT_EQ(wrongLand, 0);
+  EXPECT_LT(wrongLinear, sea / 100);
+  EXPECT_LT(wrongLogarithmic, sea / 100);
 
   const struct {
     const char* name;

@@ -71,16 +71,16 @@ TEST(DataFolder, ErrorsSayWhereItLooked) {
   prefix.Fill("mine");
   prefix.Fill("partial", "sprites");
   EXPECT_EQ(DataFolder(prefix.path / "mine", "/nowhere/vek-gallery"), prefix.path / "mine");
-  const auto error_of = [](const fs::path& p_chosen, const fs::path& p_program) -> std::string {
+  const auto errorOf = [](const fs::path& p_chosen, const fs::path& p_program) -> std::string {
     try {
       return DataFolder(p_chosen, p_program).string();
     } catch (const InputError& error) {
       return error.what();
     }
   };
-  EXPECT_EQ(error_of(prefix.path / "partial", "/nowhere/vek-gallery"),
+  EXPECT_EQ(errorOf(prefix.path / "partial", "/nowhere/vek-gallery"),
             (prefix.path / "partial").string() + ": no folder with data/, symbols/ and sprites/");
-  EXPECT_EQ(error_of("", "/nowhere/bin/vek-gallery"),
+  EXPECT_EQ(errorOf("", "/nowhere/bin/vek-gallery"),
             "no folder with data/, symbols/ and sprites/ was found; looked at /nowhere/bin/share/vek-chart-library, "
             "/nowhere/share/vek-chart-library, /share/vek-chart-library; --data FOLDER names one elsewhere");
 }

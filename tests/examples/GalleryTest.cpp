@@ -171,10 +171,10 @@ TEST(WindPixels, NarrowStripsAndPolarWindsAreDrawn) {
 }
 
 TEST(SymbolsPixels, EachCellShowsItsModel) {
-  Inputs with_model = DataInputs();
-  with_model.model = with_model.symbols + "/Cube.obj";
+  Inputs withModel = DataInputs();
+  withModel.model = withModel.symbols + "/Cube.obj";
   const Shot without = Shoot("symbols", {960, 600});
-  const Shot with = Shoot("symbols", {960, 600}, with_model);
+  const Shot with = Shoot("symbols", {960, 600}, withModel);
   // Pixels of the large copy in the middle of cell c, which is orange; lines cover fewer than surfaces.
   const auto orange = [](const Shot& p_shot, int p_cell) {
     const QPoint center = p_shot.At({(p_cell % 5 - 2) * 3.75, 0, (1 - p_cell / 5) * 3.35 + 0.3});
@@ -377,17 +377,17 @@ TEST(GalleryPixels, TheProgramWritesPicturesAndTheirPage) {
 
 TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
   const TemporaryFolder folder;
-  const std::string bad_wind = folder.Write("bad.csv", "lon,lat,u,v\n0,0,1,1\n1,x,1,1\n");
+  const std::string badWind = folder.Write("bad.csv", "lon,lat,u,v\n0,0,1,1\n1,x,1,1\n");
   const std::string quad = folder.Write("quad.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\n");
   const std::string beyond = folder.Write("beyond.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nf 1 2 4\nf 0 1 2\n");
   const std::string points = folder.Write("points.obj", "v 0 0 0\n");
   const std::string words = folder.Write("words.obj", "v one two three\n");
   const std::string cut = folder.Write("cut.hdr", "#?RADIANCE\n\n-Y 2 +X 2\nabcdefgh");
-  const std::string flow_head = "# dims 2 2 2\nu,v,w\n";
-  const std::string bad_flow = folder.Write("bad_flow.csv", flow_head + "1,1,1\n1,1,x\n");
+  const std::string flowHead = "# dims 2 2 2\nu,v,w\n";
+  const std::string badFlow = folder.Write("badFlow.csv", flowHead + "1,1,1\n1,1,x\n");
   const std::string still = "0,0,0\n0,0,0\n";
-  const std::string still_flow = folder.Write("still.csv", flow_head + still + still + still + still);
-  const std::string a_file = folder.Write("file", "");
+  const std::string stillFlow = folder.Write("still.csv", flowHead + still + still + still + still);
+  const std::string aFile = folder.Write("file", "");
   const std::string out = " --size 64x40 --out '" + folder.File("out") + "' ";
   const struct {
     const char* name;
@@ -398,8 +398,8 @@ TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
       {"unknown option", "--speed 3", 2, "vek-gallery: unknown option '--speed'; --help lists what there is\n"},
       {"missing value", "--only", 2, "vek-gallery: --only needs a value: NAME\n"},
       {"missing file", "--only wind --winds no.csv" + out, 1, "vek-gallery: no.csv: no such file\n"},
-      {"bad row", "--only wind --winds " + bad_wind + out, 1,
-       "vek-gallery: " + bad_wind + ":3: expected a number for \"lat\", got \"x\"\n"},
+      {"bad row", "--only wind --winds " + badWind + out, 1,
+       "vek-gallery: " + badWind + ":3: expected a number for \"lat\", got \"x\"\n"},
       {"missing model", "--only symbols --model no.obj" + out, 1, "vek-gallery: no.obj: no such file\n"},
       {"model is a folder", "--only symbols --model ." + out, 1, "vek-gallery: .: expected a file, got a folder\n"},
       {"model of squares", "--only symbols --model " + quad + out, 1,
@@ -412,22 +412,22 @@ TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
        "vek-gallery: " + words +
            ": cannot be read as an OBJ model: bad lexical cast: source type value could not be interpreted as "
            "target\n"},
-      {"bad earthquake", "--only earthquakes --quakes " + bad_wind + out, 1,
-       "vek-gallery: " + bad_wind + ":1: expected a column named \"depth_km\", got \"lon,lat,u,v\"\n"},
-      {"flow without sizes", "--only flow --flow " + bad_wind + out, 1,
-       "vek-gallery: " + bad_wind +
+      {"bad earthquake", "--only earthquakes --quakes " + badWind + out, 1,
+       "vek-gallery: " + badWind + ":1: expected a column named \"depth_km\", got \"lon,lat,u,v\"\n"},
+      {"flow without sizes", "--only flow --flow " + badWind + out, 1,
+       "vek-gallery: " + badWind +
            ":1: expected \"# dims nx ny nz origin x y z spacing dx dy dz\", got \"lon,lat,u,v\"\n"},
-      {"bad flow", "--only flow --flow " + bad_flow + out, 1,
-       "vek-gallery: " + bad_flow + ":4: expected a number for \"w\", got \"x\"\n"},
-      {"flow at rest", "--only flow --flow " + still_flow + out, 1,
-       "vek-gallery: " + still_flow + ": expected a flow, got vectors that are all zero\n"},
-      {"bad relief", "--only wind --relief " + bad_wind + out, 1,
-       "vek-gallery: " + bad_wind + ":1: expected \"nx ny x0 dx y0 dy\", got \"lon,lat,u,v\"\n"},
-      {"no panorama", "--only hdr --hdr " + bad_wind + out, 1,
-       "vek-gallery: " + bad_wind + ": expected a Radiance picture (#?RADIANCE), got something else\n"},
+      {"bad flow", "--only flow --flow " + badFlow + out, 1,
+       "vek-gallery: " + badFlow + ":4: expected a number for \"w\", got \"x\"\n"},
+      {"flow at rest", "--only flow --flow " + stillFlow + out, 1,
+       "vek-gallery: " + stillFlow + ": expected a flow, got vectors that are all zero\n"},
+      {"bad relief", "--only wind --relief " + badWind + out, 1,
+       "vek-gallery: " + badWind + ":1: expected \"nx ny x0 dx y0 dy\", got \"lon,lat,u,v\"\n"},
+      {"no panorama", "--only hdr --hdr " + badWind + out, 1,
+       "vek-gallery: " + badWind + ": expected a Radiance picture (#?RADIANCE), got something else\n"},
       {"a panorama cut short", "--only hdr --hdr " + cut + out, 1,
        "vek-gallery: " + cut + ": expected a whole Radiance picture (-Y … +X …), got one that is cut or turned\n"},
-      {"out is a file", "--out '" + a_file + "'", 1, "vek-gallery: " + a_file + ": cannot be made a folder\n"},
+      {"out is a file", "--out '" + aFile + "'", 1, "vek-gallery: " + aFile + ": cannot be made a folder\n"},
   };
   for (const auto& row : cases) {
     const Outcome outcome = RunGallery(folder, row.arguments);

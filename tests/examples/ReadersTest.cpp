@@ -158,14 +158,14 @@ TEST(WindField, TheWorldsWindsBlowAsTheyDoAndThinEvenly) {
   EXPECT_LT(field.SpeedQuantile(0.5), field.SpeedQuantile(0.95));
   EXPECT_NEAR(field.SpeedQuantile(1), 21.298, 0.001);
 
-  std::size_t at_equator = 0;
-  std::size_t near_pole = 0;
+  std::size_t atEquator = 0;
+  std::size_t nearPole = 0;
   for (const Wind& wind : field.Thinned(48)) {
-    at_equator += std::abs(wind.lat) < 4 ? 1 : 0;
-    near_pole += wind.lat > 76 && wind.lat < 80 ? 1 : 0;
+    atEquator += std::abs(wind.lat) < 4 ? 1 : 0;
+    nearPole += wind.lat > 76 && wind.lat < 80 ? 1 : 0;
   }
-  EXPECT_EQ(at_equator, 48u);
-  EXPECT_TRUE(near_pole > 8 && near_pole < 30) << near_pole;
+  EXPECT_EQ(atEquator, 48u);
+  EXPECT_TRUE(nearPole > 8 && nearPole < 30) << nearPole;
 }
 
 TEST(Quakes, ReadsEventsAndSkipsUnknownMagnitudes) {

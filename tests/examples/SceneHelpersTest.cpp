@@ -123,15 +123,15 @@ TEST(MapAxes, NamesDegreesAndChoosesRoundOnes) {
   EXPECT_EQ(LongitudeText(300).toStdString(), "60° W");
   EXPECT_EQ(LongitudeText(180).toStdString(), "180°");
   EXPECT_EQ(LatitudeText(45.5).toStdString(), "45.5° N");
-  const auto expect_ticks = [](double p_min, double p_max, std::size_t p_most, const std::vector<double>& p_expected) {
+  const auto expectTicks = [](double p_min, double p_max, std::size_t p_most, const std::vector<double>& p_expected) {
     const std::vector<double> ticks = RoundTicks(p_min, p_max, p_most);
     ASSERT_EQ(ticks.size(), p_expected.size()) << p_min;
     for (std::size_t i = 0; i < ticks.size(); ++i)
       EXPECT_NEAR(ticks[i], p_expected[i], 1e-12) << p_min;
   };
-  expect_ticks(-180, 180, 8, {-180, -120, -60, 0, 60, 120, 180});
-  expect_ticks(0.1, 0.45, 5, {0.1, 0.2, 0.3, 0.4});
-  expect_ticks(3, 3, 5, {});
+  expectTicks(-180, 180, 8, {-180, -120, -60, 0, 60, 120, 180});
+  expectTicks(0.1, 0.45, 5, {0.1, 0.2, 0.3, 0.4});
+  expectTicks(3, 3, 5, {});
 }
 
 TEST(Palettes, RunFromEndToEndAndGrowLighter) {

@@ -21,7 +21,7 @@ class QtEnvironment : public testing::Environment {
 public:
   void SetUp() override { StartOffscreenQt(); }
 };
-inline const testing::Environment* const qt = testing::AddGlobalTestEnvironment(new QtEnvironment);
+inline const testing::Environment* const Qt = testing::AddGlobalTestEnvironment(new QtEnvironment);
 
 inline Inputs DataInputs() {
   Inputs inputs;

@@ -36,7 +36,7 @@ bool Sink(const Point& p_place, Point& p_vector) {
 TraceOptions Options(double p_length) {
   TraceOptions options;
   options.length = p_length;
-  options.largest_step = 0.5;
+  options.largestStep = 0.5;
   options.tolerance = 1e-6;
   return options;
 }
@@ -90,8 +90,8 @@ TEST(Streamlines, TheToleranceControlsTheStep) {
 TEST(Streamlines, EndAtTheBorder) {
   const TraceOptions options = Options(100);
   const Streamline line = TraceBoth(UniformInBox, {0, 1, 2}, options);
-  EXPECT_NEAR(line.front().x, -10, 2 * options.smallest_step);
-  EXPECT_NEAR(line.back().x, 10, 2 * options.smallest_step);
+  EXPECT_NEAR(line.front().x, -10, 2 * options.smallestStep);
+  EXPECT_NEAR(line.back().x, 10, 2 * options.smallestStep);
   for (const Point& point : line) {
     EXPECT_LE(std::abs(point.x), 10);
     EXPECT_NEAR(point.y, 1, 1e-12);
@@ -103,15 +103,15 @@ TEST(Streamlines, EndAtStagnation) {
   TraceOptions options = Options(100);
   options.stagnation = 0.25;
   const Streamline line = TraceDownstream(Sink, {3, 0, 0}, options);
-  EXPECT_NEAR(line.back().x, 0.25, 2 * options.smallest_step);
+  EXPECT_NEAR(line.back().x, 0.25, 2 * options.smallestStep);
   options.stagnation = 0;
   EXPECT_NEAR(Length(TraceDownstream(Sink, {3, 0, 0}, options).back()), 0, 1e-2);
   EXPECT_TRUE(TraceDownstream(Sink, {0, 0, 0}, options).empty());
-  const auto not_a_number = [](const Point& p_place, Point& p_vector) {
+  const auto notANumber = [](const Point& p_place, Point& p_vector) {
     p_vector = {p_place.x > 2 ? std::numeric_limits<double>::quiet_NaN() : 1.0, 0, 0};
     return true;
   };
-  EXPECT_NEAR(TraceDownstream(not_a_number, {0, 0, 0}, options).back().x, 2, 2 * options.smallest_step);
+  EXPECT_NEAR(TraceDownstream(notANumber, {0, 0, 0}, options).back().x, 2, 2 * options.smallestStep);
 }
 
 TEST(Streamlines, EndAfterTheirLength) {
@@ -132,7 +132,7 @@ TEST(Streamlines, KeepTheirDistance) {
     seeds.emplace_back(x, number(random), 0);
   }
   TraceOptions options = Options(100);
-  options.largest_step = 0.2;
+  options.largestStep = 0.2;
   const std::vector<Streamline> lines = SpacedStreamlines(Rotation, seeds, {1, 0.5, 2}, options);
   EXPECT_GE(lines.size(), 5u);
   EXPECT_LE(lines.size(), 9u);

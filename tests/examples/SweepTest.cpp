@@ -73,9 +73,9 @@ TEST(Sweep, TubesAreClosedAndFaceOutward) {
     Line line;
     double volume;
   } cases[] = {
-      {"straight", Along(2, [](double t) { return Point(0, 0, 4 * t); }), ring * 0.01 * 4},
-      {"straight against the hint", Along(5, [](double t) { return Point(1, 2, -4 * t); }), ring * 0.01 * 4},
-      {"half circle", Along(200, [](double t) { return Point(std::cos(M_PI * t), std::sin(M_PI * t), 0); }),
+      {"straight", Along(2, [](double p_t) { return Point(0, 0, 4 * p_t); }), ring * 0.01 * 4},
+      {"straight against the hint", Along(5, [](double p_t) { return Point(1, 2, -4 * p_t); }), ring * 0.01 * 4},
+      {"half circle", Along(200, [](double p_t) { return Point(std::cos(M_PI * p_t), std::sin(M_PI * p_t), 0); }),
        ring * 0.01 * M_PI},
       {"helix", Along(300, Helix), ring * 0.01 * std::hypot(9, 2)},
   };
@@ -106,7 +106,7 @@ TEST(Sweep, OutlinesOfOnesOwnAreClosedToo) {
 }
 
 TEST(Sweep, RibbonsLieFlatAndFaceUp) {
-  const Line curve = Along(60, [](double t) { return Point(10 * t, std::sin(12 * t), 0); });
+  const Line curve = Along(60, [](double p_t) { return Point(10 * p_t, std::sin(12 * p_t), 0); });
   const Mesh mesh = Swept(StreamLineShape::ShapeRibbon, {curve});
   ASSERT_EQ(mesh.positions.size(), 120u);
   ASSERT_EQ(mesh.indices.size(), 3 * 118u);

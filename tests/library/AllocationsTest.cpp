@@ -126,8 +126,8 @@ TEST(Allocations, NoneAfterTheFirstRingOrCut) {
 // A few bytes that claim a lot. What a reader takes is its window, and the result where the claim is to be believed.
 TEST(Allocations, ClaimsTakeNoMemory) {
   using namespace Library;
-  constexpr std::size_t window = std::size_t{1} << 20;
-  constexpr std::size_t little = std::size_t{1} << 17;
+  constexpr std::size_t Window = std::size_t{1} << 20;
+  constexpr std::size_t Little = std::size_t{1} << 17;
   const auto picture = [](std::istream& p_stream) { HdrImage image(p_stream); };
   const auto volume = [](std::istream& p_stream) { VolumeImage::LoadFromStream(p_stream, VolumeImage::TextArray); };
   const auto model = [](std::istream& p_stream) { LoadPolygonObj(p_stream); };
@@ -141,22 +141,22 @@ TEST(Allocations, ClaimsTakeNoMemory) {
     std::string text;
     std::size_t most;
   } rows[] = {
-      {"picture, overflow", picture, radiance + "-Y 65536 +X 65536\n", window},
-      {"picture, most pixels of an int", picture, radiance + "-Y 1 +X 2147483647\n\1\1\1\377", 2 * window},
-      {"picture, just too much", picture, radiance + "-Y 8192 +X 8193\n\2\2\x20\1", 2 * window},
-      {"picture, many rows without columns", picture, radiance + "-Y 2147483647 +X 0\n", 2 * window},
-      {"picture, one long row", picture, radiance + "-Y 0 +X 2147483647\n", 2 * window},
-      {"picture, separated row", picture, radiance + "-Y 1 +X 32767\n\2\2\x7f\xff\xff", window + 32767 * 16},
-      {"picture, run beyond the row", picture, radiance + "-Y 1 +X 9\n1234" + "\1\1\1\377\1\1\1\377", window},
+      {"picture, overflow", picture, radiance + "-Y 65536 +X 65536\n", Window},
+      {"picture, most pixels of an int", picture, radiance + "-Y 1 +X 2147483647\n\1\1\1\377", 2 * Window},
+      {"picture, just too much", picture, radiance + "-Y 8192 +X 8193\n\2\2\x20\1", 2 * Window},
+      {"picture, many rows without columns", picture, radiance + "-Y 2147483647 +X 0\n", 2 * Window},
+      {"picture, one long row", picture, radiance + "-Y 0 +X 2147483647\n", 2 * Window},
+      {"picture, separated row", picture, radiance + "-Y 1 +X 32767\n\2\2\x7f\xff\xff", Window + 32767 * 16},
+      {"picture, run beyond the row", picture, radiance + "-Y 1 +X 9\n1234" + "\1\1\1\377\1\1\1\377", Window},
       {"volume, overflow", volume, "TextArray 65536 65536 65536 65536 1", 0},
-      {"volume, 2^60", volume, "TextArray 32768 32768 32768 32768 1", 2 * window},
-      {"volume, just too much", volume, "TextArray 1 67108865 1 1 1 2 3", 2 * window},
-      {"volume, to be believed", volume, "TextArray 4096 1 4096 4 1 2 3", window + (std::size_t{1} << 26)},
-      {"volume, channels to be believed", volume, "TextArray 1 67108864 1 1 1 2 3", window},
-      {"model, indices", model, pointer, window},
-      {"model, groups", model, "g a\ng b\ng c\nf 1 1 1\n", window},
+      {"volume, 2^60", volume, "TextArray 32768 32768 32768 32768 1", 2 * Window},
+      {"volume, just too much", volume, "TextArray 1 67108865 1 1 1 2 3", 2 * Window},
+      {"volume, to be believed", volume, "TextArray 4096 1 4096 4 1 2 3", Window + (std::size_t{1} << 26)},
+      {"volume, channels to be believed", volume, "TextArray 1 67108864 1 1 1 2 3", Window},
+      {"model, indices", model, pointer, Window},
+      {"model, groups", model, "g a\ng b\ng c\nf 1 1 1\n", Window},
   };
-  std::size_t most_taken = 0;
+  std::size_t mostTaken = 0;
   for (const auto& row : rows) {
     const Vek::Test::ReportCapture reports;
     std::istringstream stream(row.text);
@@ -166,12 +166,12 @@ TEST(Allocations, ClaimsTakeNoMemory) {
     } catch (const std::length_error&) {
     } catch (const std::out_of_range&) {
     }
-    const std::size_t of_reports = 3000 * reports.Texts().size();
+    const std::size_t ofReports = 3000 * reports.Texts().size();
     const std::size_t taken = bytes - before;
-    EXPECT_LE(taken, row.most + little + of_reports) << row.name;
-    most_taken = std::max(most_taken, taken);
+    EXPECT_LE(taken, row.most + Little + ofReports) << row.name;
+    mostTaken = std::max(mostTaken, taken);
   }
-  EXPECT_GE(most_taken, std::size_t{1} << 26) << "nothing is counted";
+  EXPECT_GE(mostTaken, std::size_t{1} << 26) << "nothing is counted";
 }
 
 } // namespace

@@ -320,11 +320,11 @@ TYPED_TEST(CloneOf, TakesWhatTheSourceWritesWithinItsCount) {
     std::size_t reports;
   } cases[] = {
       {"nothing", [](Writer&) {}, {0, 0, 0}, 0},
-      {"too little", [&](Writer& w) { w.Write(scalars, 2 * N); }, {1, 2, 0}, 0},
-      {"too much at once", [&](Writer& w) { w.Write(scalars, 6 * N); }, {1, 2, 3}, 1},
-      {"too much in runs", [&](Writer& w) { w.Write(scalars, 2 * N), w.Write(scalars, 2 * N); }, {1, 2, 1}, 1},
-      {"with a gap", [&](Writer& w) { w.Write(scalars, N), w.Skip(1), w.Write(scalars + N, N); }, {1, 0, 2}, 0},
-      {"beyond the end only", [&](Writer& w) { w.Skip(~std::uint64_t{0}), w.Write(scalars, N); }, {0, 0, 0}, 2},
+      {"too little", [&](Writer& p_w) { p_w.Write(scalars, 2 * N); }, {1, 2, 0}, 0},
+      {"too much at once", [&](Writer& p_w) { p_w.Write(scalars, 6 * N); }, {1, 2, 3}, 1},
+      {"too much in runs", [&](Writer& p_w) { p_w.Write(scalars, 2 * N), p_w.Write(scalars, 2 * N); }, {1, 2, 1}, 1},
+      {"with a gap", [&](Writer& p_w) { p_w.Write(scalars, N), p_w.Skip(1), p_w.Write(scalars + N, N); }, {1, 0, 2}, 0},
+      {"beyond the end only", [&](Writer& p_w) { p_w.Skip(~std::uint64_t{0}), p_w.Write(scalars, N); }, {0, 0, 0}, 2},
   };
   for (const auto& row : cases) {
     const ReportCapture reports;

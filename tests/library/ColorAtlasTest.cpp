@@ -56,7 +56,7 @@ std::string Rows(const QImage& p_image) {
 struct Tree {
   std::vector<std::vector<unsigned int>> children{1}; ///< of the root, then of each colour
   std::map<unsigned int, QColor> colors;
-  std::map<unsigned int, std::vector<unsigned int>> instances_of;
+  std::map<unsigned int, std::vector<unsigned int>> instancesOf;
   std::map<unsigned int, std::map<unsigned int, QColor>> replacements; ///< of each instance
 };
 
@@ -65,86 +65,86 @@ class Reference : Tree {
 public:
   Reference(int p_width, const Tree& p_tree)
       : Tree(p_tree)
-      , W(p_width) {
+      , _w(p_width) {
     std::vector<unsigned int> tops = children[0];
-    const auto is_plain = [this](unsigned int p_top) { return instances_of.count(p_top) == 0; };
-    std::stable_partition(tops.begin(), tops.end(), is_plain);
+    const auto isPlain = [this](unsigned int p_top) { return instancesOf.count(p_top) == 0; };
+    std::stable_partition(tops.begin(), tops.end(), isPlain);
     for (const unsigned int top : tops)
       Number(top, 0);
     for (const unsigned int top : tops)
-      is_plain(top) ? PlacePlain(top) : PlaceInstanced(top);
+      isPlain(top) ? PlacePlain(top) : PlaceInstanced(top);
   }
 
   std::map<Pixel, QRgb> texels; ///< by (x, y)
-  std::map<unsigned int, long> first_index;
+  std::map<unsigned int, long> firstIndex;
   std::map<unsigned int, std::pair<long, long>> offsets;
   std::map<unsigned int, std::pair<long, long>> spans;
 
 private:
-  Pixel Of(long p_index) const { return {static_cast<int>(p_index % W), static_cast<int>(p_index / W)}; }
+  Pixel Of(long p_index) const { return {static_cast<int>(p_index % _w), static_cast<int>(p_index / _w)}; }
 
   void Number(unsigned int p_id, int p_depth) {
-    spans[p_id].first = counter++;
-    depths[p_id] = p_depth;
+    spans[p_id].first = _counter++;
+    _depths[p_id] = p_depth;
     for (const unsigned int child : children[p_id])
       Number(child, p_depth + 1);
-    spans[p_id].second = counter - 1;
+    spans[p_id].second = _counter - 1;
   }
 
   void PlacePlain(unsigned int p_id) {
-    first_index[p_id] = spans[p_id].first + shift;
-    texels[Of(first_index[p_id])] = colors.at(p_id).rgba();
+    firstIndex[p_id] = spans[p_id].first + _shift;
+    texels[Of(firstIndex[p_id])] = colors.at(p_id).rgba();
     for (const unsigned int child : children[p_id])
       PlacePlain(child);
   }
 
   void PlaceInstanced(unsigned int p_top) {
     const long length = spans[p_top].second - spans[p_top].first + 1;
-    const long unmoved = spans[p_top].first + shift;
-    if (static_cast<double>(length) <= std::floor(W * 0.5) && Of(unmoved).second != Of(unmoved + length - 1).second)
-      shift += W - unmoved % W;
+    const long unmoved = spans[p_top].first + _shift;
+    if (static_cast<double>(length) <= std::floor(_w * 0.5) && Of(unmoved).second != Of(unmoved + length - 1).second)
+      _shift += _w - unmoved % _w;
     PlacePlain(p_top);
-    const long start = spans[p_top].first + shift;
+    const long start = spans[p_top].first + _shift;
     const Pixel pf = Of(start), pl = Of(start + length - 1);
     const long rows = pl.second - pf.second + 1;
-    const bool one_row = pf.second == pl.second && length < W / 2;
+    const bool oneRow = pf.second == pl.second && length < _w / 2;
     long dx = 0, dy = 0;
-    for (const unsigned int instance : instances_of.at(p_top)) {
-      if (!one_row) {
-        shift += W * rows;
+    for (const unsigned int instance : instancesOf.at(p_top)) {
+      if (!oneRow) {
+        _shift += _w * rows;
         dy += rows;
-      } else if (pf.first + dx + 2 * length >= W) {
-        shift += W - dx - pf.first;
+      } else if (pf.first + dx + 2 * length >= _w) {
+        _shift += _w - dx - pf.first;
         dx = -pf.first;
         dy += rows;
       } else {
-        shift += length;
+        _shift += length;
         dx += length;
       }
       offsets[instance] = {dx, dy};
-      const long d = (pf.second + dy) * W + pf.first + dx;
+      const long d = (pf.second + dy) * _w + pf.first + dx;
       for (long i = 0; i < length; ++i)
         texels[Of(d + i)] = texels.at(Of(start + i));
-      std::vector<std::pair<int, unsigned int>> by_depth;
+      std::vector<std::pair<int, unsigned int>> byDepth;
       for (const auto& [id, color] : replacements.at(instance))
-        by_depth.push_back({depths.at(id), id});
-      std::sort(by_depth.begin(), by_depth.end());
-      for (const auto& [depth, id] : by_depth)
+        byDepth.push_back({_depths.at(id), id});
+      std::sort(byDepth.begin(), byDepth.end());
+      for (const auto& [depth, id] : byDepth)
         for (long i = spans[id].first; i <= spans[id].second; ++i)
           texels[Of(d + i - spans[p_top].first)] = replacements.at(instance).at(id).rgba();
     }
   }
 
-  long W;
-  std::map<unsigned int, int> depths;
-  long counter = 0;
-  long shift = 0;
+  long _w;
+  std::map<unsigned int, int> _depths;
+  long _counter = 0;
+  long _shift = 0;
 };
 
 class ColorAtlasCalls : public RecordingScopeFixture {
 protected:
-  void Build(ColorAtlas& p_atlas, int p_max_size) {
-    recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {p_max_size});
+  void Build(ColorAtlas& p_atlas, int p_maxSize) {
+    recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {p_maxSize});
     p_atlas.BuildAtlas(gl);
   }
 };
@@ -214,23 +214,23 @@ TEST_F(ColorAtlasCalls, AgreesWithThePlainRulesOnRandomTrees) {
 
     ColorAtlas atlas;
     Tree tree;
-    std::vector<unsigned int> top_of{0};
+    std::vector<unsigned int> topOf{0};
     for (unsigned int id = 1; id <= count; ++id) {
       const unsigned int parent = below(bushiness) == 0 ? 0 : below(id);
       tree.colors[id] = Numbered(id);
       ASSERT_EQ(atlas.AddColor(tree.colors[id], parent), id);
       tree.children[parent].push_back(id);
       tree.children.emplace_back();
-      top_of.push_back(parent == 0 ? id : top_of[parent]);
+      topOf.push_back(parent == 0 ? id : topOf[parent]);
     }
     for (unsigned int i = 0, instances = below(8); i < instances; ++i) {
       const unsigned int top = tree.children[0][below(static_cast<unsigned int>(tree.children[0].size()))];
       std::map<unsigned int, QColor> replaced;
       for (unsigned int id = 1; id <= count; ++id)
-        if (top_of[id] == top && below(3) == 0)
+        if (topOf[id] == top && below(3) == 0)
           replaced[id] = Numbered(1000 + 100 * i + id);
       const unsigned int instance = atlas.AddInstance(top, replaced);
-      tree.instances_of[top].push_back(instance);
+      tree.instancesOf[top].push_back(instance);
       tree.replacements[instance] = replaced;
     }
 
@@ -251,7 +251,7 @@ TEST_F(ColorAtlasCalls, AgreesWithThePlainRulesOnRandomTrees) {
         const bool set = expected.texels.count({x, y}) != 0;
         ASSERT_EQ(image.pixel(x, y), set ? expected.texels.at({x, y}) : QColor(Qt::red).rgba()) << x << ", " << y;
       }
-    for (const auto& [id, index] : expected.first_index)
+    for (const auto& [id, index] : expected.firstIndex)
       ASSERT_EQ(At(atlas.ColorAt(id).coords.First()), Pixel(index % width, index / width)) << id;
     for (const auto& [instance, offset] : expected.offsets) {
       const Ogl::Vec2<float> texel = atlas.TexelCoordSpace().texel;
@@ -280,64 +280,63 @@ TEST_F(ColorAtlasCalls, UploadsANearestClampedReplacingTexture) {
 }
 
 TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
-  const std::string atlas_class = "Vek::Chart::Library::ColorAtlas::";
+  const std::string atlasClass = "Vek::Chart::Library::ColorAtlas::";
   const std::string span = "const class Vek::Chart::Types::Span<unsigned int> &)";
   const std::string layout = " - void __cdecl Vek::Chart::Library::Private::ColorAtlasImpl::";
   const std::string process = layout + "InstanceCoordinateMapper::ProcessInstances(unsigned int," + span;
-  const std::string color_at =
-      " - struct " + atlas_class + "ColorNode &__cdecl " + atlas_class + "ColorAt(unsigned int)";
+  const std::string colorAt = " - struct " + atlasClass + "ColorNode &__cdecl " + atlasClass + "ColorAt(unsigned int)";
   const std::string offset =
-      " - class Vek::Chart::Ogl::Vec2<float> __cdecl " + atlas_class + "InstanceOffset(unsigned int) const";
-  const std::string add_instance =
-      " - unsigned int __cdecl " + atlas_class +
+      " - class Vek::Chart::Ogl::Vec2<float> __cdecl " + atlasClass + "InstanceOffset(unsigned int) const";
+  const std::string addInstance =
+      " - unsigned int __cdecl " + atlasClass +
       "AddInstance(unsigned int,const class std::map<unsigned int,class QColor,struct std::less<unsigned int>,class "
       "std::allocator<struct std::pair<unsigned int const ,class QColor> > > &)";
   using Run = std::function<void(ColorAtlas&)>;
   const auto built = [this](const std::string& p_colors, int p_size, const Instances& p_instances = {}) -> Run {
-    return [=](ColorAtlas& a) { Add(a, p_colors, p_instances), Build(a, p_size); };
+    return [=](ColorAtlas& p_a) { Add(p_a, p_colors, p_instances), Build(p_a, p_size); };
   };
-  const std::string not_laid_out = std::to_string(ColorAtlas::NoParent);
+  const std::string notLaidOut = std::to_string(ColorAtlas::NoParent);
   const std::tuple<const char*, Run, Lines> cases[] = {
       {"texture before a build",
-       [](ColorAtlas& a) { EXPECT_FALSE(a.Texture()); },
-       {"\"_map\" - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " + atlas_class +
+       [](ColorAtlas& p_a) { EXPECT_FALSE(p_a.Texture()); },
+       {"\"_map\" - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " + atlasClass +
         "Texture(void) const"}},
       {"no colours",
        built("", 8),
-       {"\"_spans.size() != 0\" - void __cdecl " + atlas_class +
+       {"\"_spans.size() != 0\" - void __cdecl " + atlasClass +
         "BuildAtlas(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)"}},
       {"an unknown id and an unknown parent",
-       [](ColorAtlas& a) {
-         EXPECT_TRUE(a.ColorAt(77).children.empty());
-         EXPECT_EQ(a.AddColor(Qt::blue, 77), 1u);
+       [](ColorAtlas& p_a) {
+         EXPECT_TRUE(p_a.ColorAt(77).children.empty());
+         EXPECT_EQ(p_a.AddColor(Qt::blue, 77), 1u);
        },
-       {"\"instPos != _instances.end()\"" + color_at, "\"instPos != _instances.end()\"" + color_at}},
+       {"\"instPos != _instances.end()\"" + colorAt, "\"instPos != _instances.end()\"" + colorAt}},
       {"an instance of a colour below the top",
-       [](ColorAtlas& a) {
-         Add(a, "a0 b1", {{2, {}}});
+       [](ColorAtlas& p_a) {
+         Add(p_a, "a0 b1", {{2, {}}});
        },
-       {"\"instanceOf.parent == _rootId\"" + add_instance}},
+       {"\"instanceOf.parent == _rootId\"" + addInstance}},
       {"offsets without a build, and of no instance",
-       [](ColorAtlas& a) {
-         Add(a, "a0", {{1, {}}});
-         a.InstanceOffset(2);
-         a.InstanceOffset(1);
+       [](ColorAtlas& p_a) {
+         Add(p_a, "a0", {{1, {}}});
+         p_a.InstanceOffset(2);
+         p_a.InstanceOffset(1);
        },
        {"\"instance.Defined()\"" + offset, "\"instanceIt != _instances.end()\"" + offset}},
       {"replacements that are not below the instanced colour",
-       built("a0 b0 c" + not_laid_out, 8, {{2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}}}}),
+       built("a0 b0 c" + notLaidOut, 8, {{2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}}}}),
        {"\"subcolor.first >= base\"" + process, "\"node.coords.Defined()\"" + process,
         "\"node.coords.Defined()\"" + process}},
       {"a second build",
-       [&](ColorAtlas& a) {
-         built("a0", 8, {{1, {}}})(a), Build(a, 8);
+       [&](ColorAtlas& p_a) {
+         built("a0", 8, {{1, {}}})(p_a), Build(p_a, 8);
        },
        {"\"!instance.Defined()\"" + process}},
       {"a colour that is its own grandchild",
-       [this](ColorAtlas& a) {
-         Add(a, "a0 b1");
-         a.ColorAt(2).children.push_back(1);
-         Build(a, 8);
+       [this](ColorAtlas& p_a) {
+         Add(p_a, "a0 b1");
+         p_a.ColorAt(2).children.push_back(1);
+         Build(p_a, 8);
        },
        {"\"query.second\"" + layout +
             "SpanBuilder::operator ()(class Vek::Chart::Library::Private::ColorAtlasImpl::AtlasTraversalState &,class "
@@ -346,11 +345,11 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
         "Vek::Chart::Library::Private::ImageBuilder::WriteUniquePixel(const class Vek::Chart::Ogl::Vec2<unsigned int> "
         "&,const class QColor &)",
         "\"query.second && \"Coordinate p_spans must not have already been added\"\"" + layout +
-            "CoordinateMapper::MapSpan(unsigned int,struct " + atlas_class + "ColorNode &," + span}},
+            "CoordinateMapper::MapSpan(unsigned int,struct " + atlasClass + "ColorNode &," + span}},
       {"more colours than texels",
        built("a0 b0 c0 d0 e0", 2),
        {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + layout +
-        "CoordinateMapper::WriteColor(unsigned int,const struct " + atlas_class + "ColorNode &," + span}},
+        "CoordinateMapper::WriteColor(unsigned int,const struct " + atlasClass + "ColorNode &," + span}},
   };
   for (const auto& [name, run, texts] : cases) {
     const ReportCapture reports;

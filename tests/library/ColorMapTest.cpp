@@ -20,13 +20,13 @@ using Weights = std::vector<double>;
 
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
+constexpr double Infinity = std::numeric_limits<double>::infinity();
+constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 
 using ColorMapCalls = RecordingScopeFixture;
 using ColorMapPixels = PixelScopeFixture;
 
-const QColor red(255, 0, 0), green(0, 255, 0), blue(0, 0, 255), glass(200, 100, 50, 128);
+const QColor Red(255, 0, 0), Green(0, 255, 0), Blue(0, 0, 255), Glass(200, 100, 50, 128);
 
 /// Colours that tell their number.
 Colors Numbered(int p_count) {
@@ -49,7 +49,7 @@ std::vector<QRgb> Texels(ColorMap p_map) {
 
 /// The gradient as bands of equal texels, "r3 b4": letters of the colours above ('x' is glass), '?' for any other.
 std::string Bands(const ColorMap& p_map) {
-  const std::map<QRgb, char> letters{{red.rgba(), 'r'}, {green.rgba(), 'g'}, {blue.rgba(), 'b'}, {glass.rgba(), 'x'}};
+  const std::map<QRgb, char> letters{{Red.rgba(), 'r'}, {Green.rgba(), 'g'}, {Blue.rgba(), 'b'}, {Glass.rgba(), 'x'}};
   const std::vector<QRgb> texels = Texels(p_map);
   std::string bands;
   for (auto band = texels.begin(); band != texels.end();) {
@@ -115,21 +115,21 @@ std::vector<QRgb> ModelTexels(const Colors& p_colors, const Weights& p_weights, 
   return texels;
 }
 
-const std::string in_constructor =
+const std::string InConstructor =
     " - __cdecl Vek::Chart::Library::ColorMap::ColorMap(const class std::vector<class QColor,class "
     "std::allocator<class QColor> > &,const class std::vector<double,class std::allocator<double> > &,enum "
     "Vek::Chart::Library::ColorMap::Style)";
-const std::string empty_list =
+const std::string EmptyList =
     "\"size > 0\" - void __cdecl Vek::Chart::Library::ColorMap::CreateLinearMap(const class std::vector<class "
     "QColor,class std::allocator<class QColor> > &,enum Vek::Chart::Library::ColorMap::Style)";
-const std::string size_mismatch = "\"size == p_weightings.size()\"" + in_constructor;
-const std::string bad_weight =
-    "WARNING: \"(p_weightings[i] >= 0) && \"Invalid color weight specified.\"\"" + in_constructor + " @lineN";
+const std::string SizeMismatch = "\"size == p_weightings.size()\"" + InConstructor;
+const std::string BadWeight =
+    "WARNING: \"(p_weightings[i] >= 0) && \"Invalid color weight specified.\"\"" + InConstructor + " @lineN";
 
 } // namespace
 
 TEST(ColorMap, MakesBandsOfTheUsableWeights) {
-  const Colors two{red, blue}, three{red, green, blue};
+  const Colors two{Red, Blue}, three{Red, Green, Blue};
   const struct {
     const char* name;
     Colors colors;
@@ -143,18 +143,18 @@ TEST(ColorMap, MakesBandsOfTheUsableWeights) {
       {"a hair still has a texel", two, {1e-9, 1}, "r1 b4095", {1e-9, 1}, {}},
       {"zero drops the colour", three, {0, 1, 1}, "g2048 b2048", {1, 1}, {}},
       {"negative zero is zero", three, {1, 1, -0.0}, "r2048 g2048", {1, 1}, {}},
-      {"one colour", {glass}, {0.25}, "x1", {}, {}},
-      {"one colour left", {red, glass}, {0, 2}, "x1", {}, {}},
+      {"one colour", {Glass}, {0.25}, "x1", {}, {}},
+      {"one colour left", {Red, Glass}, {0, 2}, "x1", {}, {}},
       {"no weight at all", two, {0, 0}, "r2048 b2048", {1, 1}, {}},
-      {"negative", three, {-1, 2, 2}, "g2048 b2048", {2, 2}, {bad_weight}},
-      {"NaN", three, {1, not_a_number, 1}, "r2048 b2048", {1, 1}, {bad_weight}},
-      {"all unusable", two, {not_a_number, -infinity}, "r2048 b2048", {1, 1}, {bad_weight, bad_weight}},
-      {"too few", three, {1, 1}, "r2048 g2048", {1, 1}, {size_mismatch}},
-      {"too many", three, {0, 1, 1, -5}, "g2048 b2048", {1, 1}, {size_mismatch}},
-      {"no weights", three, {}, "r1365 g1365 b1365", {1, 1, 1}, {size_mismatch}},
-      {"no colours", {}, {}, "", {}, {empty_list}},
-      {"weights only", {}, {1}, "", {}, {size_mismatch, empty_list}},
-      {"an infinite weight", two, {infinity, 1}, "r1 b1", {infinity, 1}, {}},
+      {"negative", three, {-1, 2, 2}, "g2048 b2048", {2, 2}, {BadWeight}},
+      {"NaN", three, {1, NotANumber, 1}, "r2048 b2048", {1, 1}, {BadWeight}},
+      {"all unusable", two, {NotANumber, -Infinity}, "r2048 b2048", {1, 1}, {BadWeight, BadWeight}},
+      {"too few", three, {1, 1}, "r2048 g2048", {1, 1}, {SizeMismatch}},
+      {"too many", three, {0, 1, 1, -5}, "g2048 b2048", {1, 1}, {SizeMismatch}},
+      {"no weights", three, {}, "r1365 g1365 b1365", {1, 1, 1}, {SizeMismatch}},
+      {"no colours", {}, {}, "", {}, {EmptyList}},
+      {"weights only", {}, {1}, "", {}, {SizeMismatch, EmptyList}},
+      {"an infinite weight", two, {Infinity, 1}, "r1 b1", {Infinity, 1}, {}},
       {"an infinite sum", two, {1.7e308, 1.7e308}, "r1 b1", {1.7e308, 1.7e308}, {}},
   };
   for (const auto& c : cases) {
@@ -166,8 +166,8 @@ TEST(ColorMap, MakesBandsOfTheUsableWeights) {
     EXPECT_EQ(static_cast<std::size_t>(map.Size()), Texels(map).size());
     EXPECT_EQ(Reports(reports), c.reports);
   }
-  EXPECT_EQ(Bands({{red, glass}, ColorMap::Style(7)}), "r2048 x2048") << "any other style makes bands";
-  EXPECT_EQ(Bands({{glass}, ColorMap::Interpolated}), "x1");
+  EXPECT_EQ(Bands({{Red, Glass}, ColorMap::Style(7)}), "r2048 x2048") << "any other style makes bands";
+  EXPECT_EQ(Bands({{Glass}, ColorMap::Interpolated}), "x1");
 }
 
 TEST(ColorMap, IsAsWideAsTheRoundedBandsAllow) {
@@ -180,7 +180,7 @@ TEST(ColorMap, IsAsWideAsTheRoundedBandsAllow) {
       {{Numbered(4), ColorMap::Interpolated}, 4096},    // 6 half weights of 683, scaled
       {{Numbered(2049), ColorMap::Interpolated}, 4096}, // no texel left to share out
       {{Numbered(9000), ColorMap::Interpolated}, 4096},
-      {{Numbered(2), {infinity, infinity}, ColorMap::Interpolated}, 2},
+      {{Numbered(2), {Infinity, Infinity}, ColorMap::Interpolated}, 2},
       {{Numbered(3), {huge, huge, huge}, ColorMap::Interpolated}, 4},
       {{Numbered(2), {tiny, tiny}, ColorMap::Interpolated}, 2}, // nothing is left of a half
       {{Numbered(2), {tiny, tiny}, ColorMap::Discrete}, 4096},  // no unit: both want all
@@ -215,7 +215,7 @@ TEST(ColorMap, MatchesThePlainModelOnRandomLists) {
 
 TEST(ColorMap, ScalesWideGradientsSmoothly) {
   // Six bands of 683 texels; their middles keep the colour.
-  const Colors six{red, green, blue, Qt::white, Qt::black, red};
+  const Colors six{Red, Green, Blue, Qt::white, Qt::black, Red};
   const ColorMap bands(six, ColorMap::Discrete);
   for (std::size_t i = 0; i < six.size(); ++i)
     EXPECT_EQ(bands.Color((i + 0.5) / 6), six[i]) << i;
@@ -227,10 +227,10 @@ TEST(ColorMap, ScalesWideGradientsSmoothly) {
   for (int x = 0; x < 4096; ++x)
     ASSERT_NEAR(mixed.Color(x).red(), 128, 1) << x;
 
-  ColorMap translucent(Colors(6, glass), ColorMap::Discrete);
+  ColorMap translucent(Colors(6, Glass), ColorMap::Discrete);
   EXPECT_EQ(translucent.GetImage().format(), QImage::Format_ARGB32);
   for (const QRgb texel : Texels(translucent))
-    ASSERT_TRUE(SameColor(texel, glass, 1)) << "translucent colours do not turn dark";
+    ASSERT_TRUE(SameColor(texel, Glass, 1)) << "translucent colours do not turn dark";
 }
 
 TEST(ColorMap, LooksUpByNumberAndByValue) {
@@ -241,8 +241,8 @@ TEST(ColorMap, LooksUpByNumberAndByValue) {
     EXPECT_EQ(Number(odd.Color(index)), in_odd) << index;
   }
   const std::pair<double, int> values[] = {
-      {-0.0, 0},       {-3, 0},     {-infinity, 0}, {not_a_number, 0}, {0.9999 / 4095, 0},
-      {1.0 / 4095, 1}, {0.5, 2047}, {1, 4095},      {infinity, 4095},  {std::nextafter(1.0, 0.0), 4094}};
+      {-0.0, 0},       {-3, 0},     {-Infinity, 0}, {NotANumber, 0},  {0.9999 / 4095, 0},
+      {1.0 / 4095, 1}, {0.5, 2047}, {1, 4095},      {Infinity, 4095}, {std::nextafter(1.0, 0.0), 4094}};
   for (const auto& [value, texel] : values)
     EXPECT_EQ(Number(full.Color(value)), texel) << value;
 
@@ -251,22 +251,22 @@ TEST(ColorMap, LooksUpByNumberAndByValue) {
   EXPECT_EQ(Number(full.Color(short{2})), 2);
   EXPECT_EQ(Number(full.Color((std::uint64_t{1} << 32) + 5)), 5);
   EXPECT_EQ(Number(full.Color(0.5f)), 2047);
-  EXPECT_EQ(ColorMap({glass}, ColorMap::Discrete).Color(17), glass);
+  EXPECT_EQ(ColorMap({Glass}, ColorMap::Discrete).Color(17), Glass);
 }
 
 TEST(GenerateColorList, SpreadsTheListEvenly) {
-  const auto rgb = [](int r, int g, int b, int a) { return QColor::fromRgba64(r, g, b, a); };
+  const auto rgb = [](int p_r, int p_g, int p_b, int p_a) { return QColor::fromRgba64(p_r, p_g, p_b, p_a); };
   const QColor deep = rgb(1000, 2001, 40003, 50005); // not a multiple of 257: 16 bits a channel
   const QColor hsv = QColor::fromHsv(10, 200, 100);
   const std::tuple<Colors, int, Colors> cases[] = {
-      {{red}, -3, {}},
+      {{Red}, -3, {}},
       {Colors(), 2, {Qt::white, Qt::white}},
       {{deep, hsv}, 2, {deep, hsv}},
-      {{deep, red, green}, 1, {deep}},
+      {{deep, Red, Green}, 1, {deep}},
       {{deep}, 3, {deep, deep, deep}},
-      {{red, green, blue, Qt::white, Qt::black}, 3, {red, blue, Qt::black}},
-      {{red, deep, blue}, 5, {red, rgb(33268, 1001, 20002, 57770), deep, rgb(500, 1001, 52769, 57770), blue}},
-      {{red, blue}, 4, {red, rgb(43690, 0, 21845, 65535), rgb(21845, 0, 43690, 65535), blue}},
+      {{Red, Green, Blue, Qt::white, Qt::black}, 3, {Red, Blue, Qt::black}},
+      {{Red, deep, Blue}, 5, {Red, rgb(33268, 1001, 20002, 57770), deep, rgb(500, 1001, 52769, 57770), Blue}},
+      {{Red, Blue}, 4, {Red, rgb(43690, 0, 21845, 65535), rgb(21845, 0, 43690, 65535), Blue}},
   };
   for (const auto& [colors, count, expected] : cases)
     EXPECT_EQ(ColorMap::GenerateColorList(colors, count), expected) << colors.size() << " to " << count;
@@ -299,7 +299,7 @@ TEST(GenerateWeightList, KeepsTheAreaUnderEachOutput) {
 }
 
 TEST_F(ColorMapCalls, UploadsOnceForAllCopiesAndSetsItsStateAtEachBind) {
-  const ColorMap map({glass, red, blue}, ColorMap::Discrete);
+  const ColorMap map({Glass, Red, Blue}, ColorMap::Discrete);
   const Lines state = Calls("TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
                             "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
                             "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST); "
@@ -336,8 +336,8 @@ TEST_F(ColorMapCalls, AnEmptyMapIsTransparentAndUploadsNothing) {
 
 TEST_F(ColorMapPixels, DrawsTheTexelOfEachValue) {
   gl->Viewport(0, 0, 29, 14);
-  const ColorMap maps[] = {{{red, green, blue, Qt::white}, {1, 2, 3, 4}, ColorMap::Discrete},
-                           {{red, QColor(0, 90, 180)}, ColorMap::Interpolated}};
+  const ColorMap maps[] = {{{Red, Green, Blue, Qt::white}, {1, 2, 3, 4}, ColorMap::Discrete},
+                           {{Red, QColor(0, 90, 180)}, ColorMap::Interpolated}};
   for (const ColorMap& map : maps) {
     map(gl, RGL_TEXTURE0);
     gl->Color(Qt::white);

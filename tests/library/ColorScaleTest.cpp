@@ -23,10 +23,10 @@ using Bytes = std::vector<unsigned char>;
 
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
-constexpr double largest = std::numeric_limits<double>::max();
-constexpr double smallest = std::numeric_limits<double>::denorm_min();
+constexpr double Infinity = std::numeric_limits<double>::infinity();
+constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double Largest = std::numeric_limits<double>::max();
+constexpr double Smallest = std::numeric_limits<double>::denorm_min();
 
 /// Colours that tell their number; so do those outside the classes.
 QColor Numbered(int p_number) {
@@ -119,14 +119,14 @@ TEST(ColorScale, PutsEveryValueIntoItsClass) {
       {"not floats", 0.1, 0.3, linear},
       {"between two floats", 1 + 1e-10, 1 + 2e-10, linear},
       {"two neighbours", 1, std::nextafter(1, 2), linear},
-      {"subnormal", 0, 40 * smallest, linear},
+      {"subnormal", 0, 40 * Smallest, linear},
       {"beyond float", -1e300, 1e300, linear},
-      {"all of double", -largest, largest, linear},
+      {"all of double", -Largest, Largest, linear},
       {"above float", 1e100, 1e101, linear},
       {"six decades", 1e-3, 1e3, logarithmic},
       {"an octave", 5, 10, logarithmic},
       {"a hair", 1, 1 + 1e-6, logarithmic},
-      {"all positive doubles", smallest, largest, logarithmic},
+      {"all positive doubles", Smallest, Largest, logarithmic},
       {"below float", 1e-300, 1e-200, logarithmic},
       {"into subnormal floats", 1e-44, 1e-30, logarithmic},
       {"no spacing of that number", 2, 4, static_cast<ColorScale::Spacing>(7)},
@@ -142,7 +142,7 @@ TEST(ColorScale, PutsEveryValueIntoItsClass) {
     }
 
   const std::vector<double> lists[] = {
-      {0, 1}, {5, 5}, {0, 0.001, 1, 1000, 1e6}, {-6000, -200, 0, 0, 0, 4000}, {1, 2, 2, 2}, {-largest, 0, largest}};
+      {0, 1}, {5, 5}, {0, 0.001, 1, 1000, 1e6}, {-6000, -200, 0, 0, 0, 4000}, {1, 2, 2, 2}, {-Largest, 0, Largest}};
   for (const std::vector<double>& bounds : lists) {
     SCOPED_TRACE("bounds " + std::to_string(&bounds - lists));
     const ColorScale scale(Numbered(0, static_cast<int>(bounds.size()) - 1), bounds, NumberedOutside());
@@ -158,7 +158,7 @@ TEST(ColorScale, HasItsBoundsWhereTheyAreExpected) {
       {ColorScale::Logarithmic, {0.25, 0.5, 1, 2, 4, 8, 16}},
       {ColorScale::Linear, {-1, 0, 1, 2}},
       {ColorScale::Linear, {0, 0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9, 1}},
-      {ColorScale::Linear, {-largest, -largest / 2, 0, largest / 2, largest}},
+      {ColorScale::Linear, {-Largest, -Largest / 2, 0, Largest / 2, Largest}},
   };
   for (const auto& [spacing, bounds] : cases) {
     const Colors colors = Numbered(0, static_cast<int>(bounds.size()) - 1);
@@ -183,7 +183,7 @@ TEST(ColorScale, WritesFourBytesAValueAndNothingElse) {
        {QColor(10, 11, 12), QColor(20, 21, 22, 23), QColor(30, 31, 32, 33)},
        {30, 31, 32, 33, 10, 11, 12, 255, 1, 2, 3, 4, 250, 251, 252, 253, 250, 251, 252, 253, 20, 21, 22, 23}},
   };
-  const std::vector<double> values{not_a_number, -1, 0, 1, 2, 3};
+  const std::vector<double> values{NotANumber, -1, 0, 1, 2, 3};
   for (const auto& row : cases) {
     Bytes rgba(24);
     ColorScale(colors, 0, 2, ColorScale::Linear, row.outside).Map(values.data(), values.size(), rgba.data());
@@ -195,13 +195,13 @@ TEST(ColorScale, WritesFourBytesAValueAndNothingElse) {
   std::vector<float> many((1 << 20) + 70);
   for (std::size_t i = 0; i < many.size(); ++i)
     many[i] = static_cast<float>(i * 7919 % 1000) / 10;
-  Bytes one_by_one(4 * many.size());
+  Bytes oneByOne(4 * many.size());
   for (std::size_t i = 0; i < many.size(); ++i)
-    scale.Map(many.data() + i, 1, one_by_one.data() + 4 * i);
+    scale.Map(many.data() + i, 1, oneByOne.data() + 4 * i);
   for (const std::size_t count : {std::size_t(0), std::size_t(1), std::size_t(15), std::size_t(37), many.size() - 3})
     for (const std::size_t offset : {0, 1, 4, 12}) {
       Bytes rgba(offset + 4 * count + 64, 0xAB), framed = rgba;
-      std::copy_n(one_by_one.begin() + 12, 4 * count, framed.begin() + static_cast<std::ptrdiff_t>(offset));
+      std::copy_n(oneByOne.begin() + 12, 4 * count, framed.begin() + static_cast<std::ptrdiff_t>(offset));
       scale.Map(many.data() + 3, count, rgba.data() + offset);
       EXPECT_TRUE(rgba == framed) << count << " at " << offset;
     }
@@ -228,21 +228,21 @@ TEST(ColorScale, ReportsWhatMakesNoClasses) {
       {even({}, 0, 1, linear), "\"!p_colors.empty()" + range},
       {even(two, 1, 1, linear), "\"p_lower < p_upper" + range},
       {even(two, 2, 1, linear), "\"p_lower < p_upper" + range},
-      {even(two, not_a_number, 1, linear), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
-      {even(two, 0, infinity, linear), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
+      {even(two, NotANumber, 1, linear), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
+      {even(two, 0, Infinity, linear), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
       {even(two, 0, 1, logarithmic), "\"p_lower > 0" + range},
       {even(two, -1, 1, logarithmic), "\"p_lower > 0" + range},
       {ColorScale(empty, 0, 1, linear, outside), "\"!p_colors.empty()" + range},
       {ColorScale(Colors(), std::vector<double>{0}, outside), "\"!p_colors.empty()" + bounds},
       {ColorScale(two, {0, 1}, outside), "\"p_bounds.size() == p_colors.size() + 1" + bounds},
       {ColorScale(two, {0, 2, 1}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
-      {ColorScale(two, {0, not_a_number, 1}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
-      {ColorScale(two, {0, 1, infinity}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
+      {ColorScale(two, {0, NotANumber, 1}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
+      {ColorScale(two, {0, 1, Infinity}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
   };
   std::vector<std::string> expected;
   for (const auto& [scale, text] : cases) {
     expected.push_back(text);
-    for (const double value : {0.5, 1.0, infinity, not_a_number})
+    for (const double value : {0.5, 1.0, Infinity, NotANumber})
       EXPECT_EQ(scale.Color(value), outside.nan) << text << value;
     float value = 0.5f;
     Bytes rgba(4);

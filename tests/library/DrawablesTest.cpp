@@ -190,7 +190,7 @@ TEST_F(DrawablesCalls, QuadricsCleanUpWhenDrawingThrows) {
   const Scope recording(recorder.Handle());
   const Utility::Unscoped<Rgl> throwing(boost::make_shared<Rgl>(table));
   int number = 0;
-  const auto expect_clean = [&](const auto& p_drawable) {
+  const auto expectClean = [&](const auto& p_drawable) {
     recorder.Clear();
     EXPECT_THROW(p_drawable(throwing), std::runtime_error);
     Lines expected = Quadric(++number, "GLU_FILL", "-()");
@@ -198,10 +198,10 @@ TEST_F(DrawablesCalls, QuadricsCleanUpWhenDrawingThrows) {
     EXPECT_EQ(recorder.Lines(), expected);
     EXPECT_EQ(throwing.Object()->ScopeDepth(), 0u);
   };
-  expect_clean(At123<Cylinder>());
-  expect_clean(At123<Disk>());
-  expect_clean(At123<Sphere>());
-  expect_clean(At123<Arrow3D>());
+  expectClean(At123<Cylinder>());
+  expectClean(At123<Disk>());
+  expectClean(At123<Sphere>());
+  expectClean(At123<Arrow3D>());
 }
 
 TEST_F(DrawablesCalls, Cuboid) {
@@ -232,9 +232,9 @@ TEST_F(DrawablesCalls, Cuboid) {
 TEST(Ring, HasTheMeshOfATube) {
   const Ring ring;
   ASSERT_EQ(ring.vertices.size(), 144u);
-  constexpr double turn = 2 * 3.14159265358979323846;
+  constexpr double Turn = 2 * 3.14159265358979323846;
   for (std::size_t i = 0; i < ring.vertices.size(); ++i) {
-    const double angle = turn / 36 * static_cast<double>(i / 4), radius = i % 2 == 0 ? 0.45 : 0.5;
+    const double angle = Turn / 36 * static_cast<double>(i / 4), radius = i % 2 == 0 ? 0.45 : 0.5;
     EXPECT_NEAR(ring.vertices[i].x, radius * std::cos(angle), 1e-12) << i;
     EXPECT_NEAR(ring.vertices[i].y, radius * std::sin(angle), 1e-12) << i;
     EXPECT_NEAR(ring.vertices[i].z, i % 4 < 2 ? 0.05 : -0.05, 1e-12) << i;

@@ -68,12 +68,12 @@ Lines QuadricLines(const std::string& p_number, const std::string& p_shape) {
 TEST_F(GeometryCalls, RecordsEightListsInOrder) {
   {
     const Geometry geometry(recorder.Handle());
-    Lines expected_order;
+    Lines expectedOrder;
     for (unsigned int list = CubeList; list <= VoxelList; ++list)
       for (const std::string& line :
            {std::string("GenLists(1)"), "NewList(" + std::to_string(list) + ", GL_COMPILE)", std::string("EndList()")})
-        expected_order.push_back(line);
-    EXPECT_EQ(recorder.LinesOf({"GenLists", "NewList", "EndList"}), expected_order);
+        expectedOrder.push_back(line);
+    EXPECT_EQ(recorder.LinesOf({"GenLists", "NewList", "EndList"}), expectedOrder);
 
     EXPECT_EQ(recorder.ListLines(2002), QuadricLines("1", "Sphere(quadric1, 0.5, 16, 16)"));
     EXPECT_EQ(recorder.ListLines(2003), QuadricLines("2", "Cylinder(quadric2, 0.5, 0, 1, 16, 16)"));
@@ -134,7 +134,7 @@ TEST_F(GeometryCalls, CircularArrowIsAClosedSolid) {
 
   const auto single = [](float p_y) { return static_cast<double>(p_y - 0.5f); };
   std::set<std::array<double, 2>> outline;
-  std::set<std::array<double, 3>> at_first; // the wall's normal, and those of the two faces
+  std::set<std::array<double, 3>> atFirst; // the wall's normal, and those of the two faces
   for (std::size_t i = 0; i < 300; ++i) {
     const Vector &position = arrow.positions[i], &normal = arrow.normals[i];
     EXPECT_NEAR(Length(normal), 1, 1e-6);
@@ -142,7 +142,7 @@ TEST_F(GeometryCalls, CircularArrowIsAClosedSolid) {
     EXPECT_EQ(std::abs(position.z), 0.5) << "0 and 0.15 / 0.15 in single precision";
     outline.insert({position.x, position.y});
     if (position.x == -0.499f && position.y == single(0.464f)) // stored first
-      at_first.insert({std::round(normal.x * 1000), std::round(normal.y * 1000), normal.z});
+      atFirst.insert({std::round(normal.x * 1000), std::round(normal.y * 1000), normal.z});
     const std::size_t first = i - i % 3;
     const Vector face =
         Normalize(Cross(arrow.Corner(first + 1) - arrow.Corner(first), arrow.Corner(first + 2) - arrow.Corner(first)));
@@ -151,7 +151,7 @@ TEST_F(GeometryCalls, CircularArrowIsAClosedSolid) {
   EXPECT_EQ(BoundsOf(arrow.positions).Min(), Vector(-0.499f, single(0.011f), -0.5));
   EXPECT_EQ(BoundsOf(arrow.positions).Max(), Vector(0.499f, single(0.95f), 0.5));
   EXPECT_EQ(outline.size(), 26u);
-  EXPECT_EQ(at_first, (std::set<std::array<double, 3>>{{-997, -71, 0}, {0, 0, -1}, {0, 0, 1}}));
+  EXPECT_EQ(atFirst, (std::set<std::array<double, 3>>{{-997, -71, 0}, {0, 0, -1}, {0, 0, 1}}));
 }
 
 TEST_F(GeometryCalls, ReportsAndLeavesOutAQuadricThatCannotBeMade) {

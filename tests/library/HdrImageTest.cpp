@@ -240,7 +240,7 @@ TEST(HdrImage, KeepsHeaderValues) {
 
 TEST(HdrImage, ReadsFlatScanlines) {
   const std::string run = Bytes({1, 1, 1});
-  const auto run_of = [&](int p_count) { return run + Bytes({p_count}); };
+  const auto runOf = [&](int p_count) { return run + Bytes({p_count}); };
   Check({
       {"bottom row first", Picture(1, 2, A + B), 1, 2, {PixelB, PixelA}, {}},
       {"rows and columns",
@@ -262,43 +262,43 @@ TEST(HdrImage, ReadsFlatScanlines) {
        1,
        Concatenated({{{std::ldexp(2.0f, -129), std::ldexp(2.0f, -129), 0.0f}}, Times(6, PixelA)}),
        {}},
-      {"run", Picture(4, 1, A + run_of(2) + B), 4, 1, {PixelA, PixelA, PixelA, PixelB}, {}},
-      {"run as the last record", Picture(3, 1, A + run_of(2)), 3, 1, Times(3, PixelA), {}},
-      {"run of nothing", Picture(2, 1, A + run_of(0) + B), 2, 1, {PixelA, PixelB}, {}},
-      {"chained run", Picture(260, 1, A + run_of(3) + run_of(1)), 260, 1, Times(260, PixelA), {}},
+      {"run", Picture(4, 1, A + runOf(2) + B), 4, 1, {PixelA, PixelA, PixelA, PixelB}, {}},
+      {"run as the last record", Picture(3, 1, A + runOf(2)), 3, 1, Times(3, PixelA), {}},
+      {"run of nothing", Picture(2, 1, A + runOf(0) + B), 2, 1, {PixelA, PixelB}, {}},
+      {"chained run", Picture(260, 1, A + runOf(3) + runOf(1)), 260, 1, Times(260, PixelA), {}},
       {"chained run with a third byte",
-       Picture(65538, 1, A + run_of(0) + run_of(0) + run_of(1) + B),
+       Picture(65538, 1, A + runOf(0) + runOf(0) + runOf(1) + B),
        65538,
        1,
        Concatenated({Times(65537, PixelA), {PixelB}}),
        {}},
-      {"run without a pixel", Picture(3, 1, run_of(2) + A), 3, 1, {Black, Black, PixelA}, {FlatReport("previous")}},
+      {"run without a pixel", Picture(3, 1, runOf(2) + A), 3, 1, {Black, Black, PixelA}, {FlatReport("previous")}},
       {"the previous pixel ends with the scanline",
-       Picture(2, 2, A + B + run_of(2)),
+       Picture(2, 2, A + B + runOf(2)),
        2,
        2,
        {Black, Black, PixelA, PixelB},
        {FlatReport("previous")}},
       {"codes chain across the ends of rows",
-       Picture(3, 2, A + run_of(2) + run_of(0) + B + B + C),
+       Picture(3, 2, A + runOf(2) + runOf(0) + B + B + C),
        3,
        2,
        {PixelB, PixelB, PixelC, PixelA, PixelA, PixelA},
        {}},
       {"a fifth byte of a count is too much",
-       Picture(3, 1, A + run_of(2) + Repeat(run_of(0), 3) + run_of(7)),
+       Picture(3, 1, A + runOf(2) + Repeat(runOf(0), 3) + runOf(7)),
        3,
        1,
        Times(3, PixelA),
        {FlatReport("shift <= 24")}},
       {"overrun",
-       Picture(3, 2, A + A + A + B + run_of(3)),
+       Picture(3, 2, A + A + A + B + runOf(3)),
        3,
        2,
        Concatenated({Times(3, Black), Times(3, PixelA)}),
        {},
        "out_of_range"},
-      {"the longest run", Picture(3, 1, A + Repeat(run_of(255), 4)), 3, 1, Times(3, Black), {}, "out_of_range"},
+      {"the longest run", Picture(3, 1, A + Repeat(runOf(255), 4)), 3, 1, Times(3, Black), {}, "out_of_range"},
       {"cut run code", Picture(3, 1, A + run), 3, 1, {PixelA, Black, Black}, {Cut}},
   });
 }
@@ -307,17 +307,17 @@ TEST(HdrImage, ReadsSeparatedComponents) {
   const auto literal = [](std::initializer_list<int> p_values) {
     return Bytes({static_cast<int>(p_values.size())}) + Bytes(p_values);
   };
-  const auto run_of = [](int p_count, int p_value) { return Bytes({128 + p_count, p_value}); };
+  const auto runOf = [](int p_count, int p_value) { return Bytes({128 + p_count, p_value}); };
   const std::string start = Bytes({2, 2, 0, 8});
-  const std::string a8 = run_of(8, 128) + run_of(8, 64) + run_of(8, 32) + run_of(8, 129);
+  const std::string a8 = runOf(8, 128) + runOf(8, 64) + runOf(8, 32) + runOf(8, 129);
   const std::string wide = Bytes({2, 2, 127, 255});
-  const auto wide_run = [&](int p_value) { return Repeat(run_of(127, p_value), 258) + run_of(1, p_value); };
+  const auto wideRun = [&](int p_value) { return Repeat(runOf(127, p_value), 258) + runOf(1, p_value); };
   Check({
       {"runs", Picture(8, 1, start + a8), 8, 1, Times(8, PixelA), {}},
       {"literals and runs",
        Picture(8, 1,
-               start + literal({128, 1, 0}) + run_of(5, 128) + literal({64, 64, 64, 64, 64, 64, 64, 64}) +
-                   run_of(1, 32) + run_of(7, 32) + literal({129, 137}) + run_of(6, 129)),
+               start + literal({128, 1, 0}) + runOf(5, 128) + literal({64, 64, 64, 64, 64, 64, 64, 64}) + runOf(1, 32) +
+                   runOf(7, 32) + literal({129, 137}) + runOf(6, 129)),
        8,
        1,
        Concatenated({{PixelA, {2.0f, 128.0f, 64.0f}, {0.0f, 0.5f, 0.25f}}, Times(5, PixelA)}),
@@ -325,7 +325,7 @@ TEST(HdrImage, ReadsSeparatedComponents) {
       {"empty literals", Picture(8, 1, start + Bytes({0, 0}) + a8), 8, 1, Times(8, PixelA), {}},
       {"rows", Picture(8, 2, start + a8 + Repeat(C, 8)), 8, 2, Concatenated({Times(8, PixelC), Times(8, PixelA)}), {}},
       {"the widest",
-       Picture(32767, 1, wide + wide_run(128) + wide_run(64) + wide_run(32) + wide_run(129)),
+       Picture(32767, 1, wide + wideRun(128) + wideRun(64) + wideRun(32) + wideRun(129)),
        32767,
        1,
        Times(32767, PixelA),
@@ -343,7 +343,7 @@ TEST(HdrImage, ReadsSeparatedComponents) {
        Concatenated({{{2.0f, 2.0f, 128.0f}}, Times(7, PixelA)}),
        {}},
       {"another width", Picture(8, 1, Bytes({2, 2, 0, 9}) + a8), 8, 1, Times(8, PixelA), {OtherWidth}},
-      {"run over the end", Picture(8, 1, start + run_of(9, 1)), 8, 1, Times(8, Black), {}, "out_of_range"},
+      {"run over the end", Picture(8, 1, start + runOf(9, 1)), 8, 1, Times(8, Black), {}, "out_of_range"},
       {"literal over the end",
        Picture(8, 1, start + literal({1, 2, 3, 4, 5, 6}) + literal({7, 8, 9})),
        8,
@@ -352,7 +352,7 @@ TEST(HdrImage, ReadsSeparatedComponents) {
        {},
        "out_of_range"},
       {"overrun in the second row",
-       Picture(8, 2, start + a8 + start + run_of(127, 1)),
+       Picture(8, 2, start + a8 + start + runOf(127, 1)),
        8,
        2,
        Concatenated({Times(8, Black), Times(8, PixelA)}),
@@ -651,22 +651,22 @@ private:
   }
 
   void Records(std::vector<Record>& p_scanline) {
-    const auto is_run = [](const Record& p_record) { return p_record[0] == 1 && p_record[1] == 1 && p_record[2] == 1; };
+    const auto isRun = [](const Record& p_record) { return p_record[0] == 1 && p_record[1] == 1 && p_record[2] == 1; };
     Record previous{};
-    bool has_previous = false;
+    bool hasPrevious = false;
     for (std::size_t x = 0; x < p_scanline.size();) {
       Record record{};
       if (!Read(record))
         throw End();
-      if (!is_run(record)) {
+      if (!isRun(record)) {
         p_scanline.at(x++) = previous = record;
-        has_previous = true;
+        hasPrevious = true;
         continue;
       }
-      Ensure(has_previous, FlatReport("previous"));
+      Ensure(hasPrevious, FlatReport("previous"));
       std::uint64_t count = record[3];
       auto behind = _stream.tellg();
-      for (unsigned shift = 8; Read(record) && is_run(record); shift += 8) {
+      for (unsigned shift = 8; Read(record) && isRun(record); shift += 8) {
         Ensure(shift <= 24, FlatReport("shift <= 24"));
         if (shift <= 24)
           count |= std::uint64_t(record[3]) << shift;
@@ -675,7 +675,7 @@ private:
       SeekTo(behind);
       for (; count != 0; --count)
         p_scanline.at(x++) = previous;
-      has_previous = false;
+      hasPrevious = false;
     }
   }
 

@@ -186,7 +186,7 @@ tribool PlainSegment(const Types::Plane& p_plane, const Vector3& p_start, const 
 }
 
 bool PlainCut(const Box& p_box, const Types::Plane& p_plane, std::vector<Vector3>& p_points) {
-  static const int rows[8][8] = {{0, 1, 3, 4, 5, 2, 7, 6}, {1, 5, 2, 0, 4, 6, 3, 7}, {2, 3, 1, 6, 7, 0, 5, 4},
+  static const int Rows[8][8] = {{0, 1, 3, 4, 5, 2, 7, 6}, {1, 5, 2, 0, 4, 6, 3, 7}, {2, 3, 1, 6, 7, 0, 5, 4},
                                  {3, 7, 0, 2, 6, 4, 1, 5}, {4, 0, 7, 5, 1, 3, 6, 2}, {5, 4, 6, 1, 0, 7, 2, 3},
                                  {6, 2, 5, 7, 3, 1, 4, 0}, {7, 6, 4, 3, 2, 5, 0, 1}};
   p_points.clear();
@@ -212,7 +212,7 @@ bool PlainCut(const Box& p_box, const Types::Plane& p_plane, std::vector<Vector3
     return false;
   Vector3 shared;
   const auto edge = [&](int p_from, int p_to) {
-    return PlainSegment(working, corners[rows[front][p_from]], corners[rows[front][p_to]], shared);
+    return PlainSegment(working, corners[Rows[front][p_from]], corners[Rows[front][p_to]], shared);
   };
   const int steps[6][6] = {{1, 4, 0, 1, 4, 7}, {1, 5}, {2, 5, 0, 2, 5, 7}, {2, 6}, {3, 6, 0, 3, 6, 7}, {3, 4}};
   for (int i = 0; i < 6; ++i) {
@@ -232,8 +232,8 @@ struct CutCase {
   CutCase(const Box& p_box, const Types::Plane& p_plane)
       : box(p_box)
       , plane(p_plane) {}
-  CutCase(const Box& p_box, const Vector3& p_from_centre, const Vector3& p_normal)
-      : CutCase(p_box, {p_box.Center() + p_from_centre, p_normal}) {}
+  CutCase(const Box& p_box, const Vector3& p_fromCentre, const Vector3& p_normal)
+      : CutCase(p_box, {p_box.Center() + p_fromCentre, p_normal}) {}
   Box box;
   Types::Plane plane;
 };
@@ -273,53 +273,55 @@ private:
 };
 
 struct Family {
-  static CutCase Proper(Dice& d) { return {d.RealBox(10), d.Reals(-1, 1), d.Reals(-3, 3)}; }
-  static CutCase Corner(Dice& d) {
-    const Box box = d.RealBox(10);
-    const Vector3 hair = d.Reals(-1, 1) * (d.Integer(0, 1) * d.Power(-56, -40));
-    return {box, {d.CornerOf(box) + hair, d.Reals(-1, 1)}};
+  static CutCase Proper(Dice& p_d) { return {p_d.RealBox(10), p_d.Reals(-1, 1), p_d.Reals(-3, 3)}; }
+  static CutCase Corner(Dice& p_d) {
+    const Box box = p_d.RealBox(10);
+    const Vector3 hair = p_d.Reals(-1, 1) * (p_d.Integer(0, 1) * p_d.Power(-56, -40));
+    return {box, {p_d.CornerOf(box) + hair, p_d.Reals(-1, 1)}};
   }
-  static CutCase ThreeCorners(Dice& d) {
-    const Box box = d.RealBox(10);
-    return {box, {d.CornerOf(box), d.CornerOf(box), d.CornerOf(box)}};
+  static CutCase ThreeCorners(Dice& p_d) {
+    const Box box = p_d.RealBox(10);
+    return {box, {p_d.CornerOf(box), p_d.CornerOf(box), p_d.CornerOf(box)}};
   }
-  static CutCase Axis(Dice& d) { return {d.RealBox(10), {}, Vector3(0, 1, 0) + d.Reals(-1, 1) * d.Power(-60, -45)}; }
-  static CutCase Lattice(Dice& d) {
-    const Vector3 min = d.Integers(-2, 2);
-    return {{min, min + d.Integers(0, 3)}, {d.Integers(-2, 4), d.Integers(-2, 2)}};
+  static CutCase Axis(Dice& p_d) {
+    return {p_d.RealBox(10), {}, Vector3(0, 1, 0) + p_d.Reals(-1, 1) * p_d.Power(-60, -45)};
   }
-  static CutCase Inverted(Dice& d) {
-    const Vector3 min = d.Integers(-2, 2), size = d.Reals(-3, 3);
-    return {{min, min + size}, {min + size * 0.5, d.Reals(-2, 2)}};
+  static CutCase Lattice(Dice& p_d) {
+    const Vector3 min = p_d.Integers(-2, 2);
+    return {{min, min + p_d.Integers(0, 3)}, {p_d.Integers(-2, 4), p_d.Integers(-2, 2)}};
   }
-  static CutCase Tiny(Dice& d) {
-    return {d.RealBox(d.Power(d.Integer(0, 3) == 0 ? -1060 : -51, -20)), {}, d.Reals(-1, 1)};
+  static CutCase Inverted(Dice& p_d) {
+    const Vector3 min = p_d.Integers(-2, 2), size = p_d.Reals(-3, 3);
+    return {{min, min + size}, {min + size * 0.5, p_d.Reals(-2, 2)}};
   }
-  static CutCase TinyFarOut(Dice& d) {
-    const Vector3 min = d.Reals(1000, 2000);
-    const Box box(min, min + d.Reals(0, 1) * d.Power(-45, -20));
-    return {box, {d.CornerOf(box), d.Reals(-1, 1)}};
+  static CutCase Tiny(Dice& p_d) {
+    return {p_d.RealBox(p_d.Power(p_d.Integer(0, 3) == 0 ? -1060 : -51, -20)), {}, p_d.Reals(-1, 1)};
   }
-  static CutCase Huge(Dice& d) { return {d.RealBox(d.Power(40, 1022)), {}, d.Reals(-1, 1)}; }
-  static CutCase Normal(Dice& d) { return {d.RealBox(2), {}, d.Reals(-1, 1) * d.Power(-1073, 1023)}; }
-  static CutCase Zeros(Dice& d) {
-    const Vector3 zero(d.OneOf({0, -0.0}), d.OneOf({0, -0.0}), d.OneOf({0, -0.0}));
-    const Vector3 other = d.Integers(0, 1) * 2.0 - Vector3(1, 1, 1);
-    return {d.Integer(0, 1) == 0 ? Box(zero, other) : Box(other, zero), d.Reals(-0.7, 0.7), d.Reals(-1, 1)};
+  static CutCase TinyFarOut(Dice& p_d) {
+    const Vector3 min = p_d.Reals(1000, 2000);
+    const Box box(min, min + p_d.Reals(0, 1) * p_d.Power(-45, -20));
+    return {box, {p_d.CornerOf(box), p_d.Reals(-1, 1)}};
   }
-  static CutCase Barely(Dice& d) {
-    const double scale = d.Power(-600, 600), hair = d.Integer(-1, 1) * d.Power(-54, -1);
-    const Vector3 normal = d.Reals(-1, 1), min = d.Reals(-1, 1);
-    const Box box(min * scale, (min + d.Reals(0, 1)) * scale);
+  static CutCase Huge(Dice& p_d) { return {p_d.RealBox(p_d.Power(40, 1022)), {}, p_d.Reals(-1, 1)}; }
+  static CutCase Normal(Dice& p_d) { return {p_d.RealBox(2), {}, p_d.Reals(-1, 1) * p_d.Power(-1073, 1023)}; }
+  static CutCase Zeros(Dice& p_d) {
+    const Vector3 zero(p_d.OneOf({0, -0.0}), p_d.OneOf({0, -0.0}), p_d.OneOf({0, -0.0}));
+    const Vector3 other = p_d.Integers(0, 1) * 2.0 - Vector3(1, 1, 1);
+    return {p_d.Integer(0, 1) == 0 ? Box(zero, other) : Box(other, zero), p_d.Reals(-0.7, 0.7), p_d.Reals(-1, 1)};
+  }
+  static CutCase Barely(Dice& p_d) {
+    const double scale = p_d.Power(-600, 600), hair = p_d.Integer(-1, 1) * p_d.Power(-54, -1);
+    const Vector3 normal = p_d.Reals(-1, 1), min = p_d.Reals(-1, 1);
+    const Box box(min * scale, (min + p_d.Reals(0, 1)) * scale);
     const Vector3 support((normal.x > 0 ? box.Max() : box.Min()).x, (normal.y > 0 ? box.Max() : box.Min()).y,
                           (normal.z > 0 ? box.Max() : box.Min()).z);
-    return {box, {support + normal * (hair * scale), normal * d.Power(-540, 500)}};
+    return {box, {support + normal * (hair * scale), normal * p_d.Power(-540, 500)}};
   }
-  static CutCase Special(Dice& d) {
-    const Box box{d.Specials(), d.Specials()};
-    return {box, {d.Specials(), d.Integer(0, 1) == 0 ? d.Specials() : d.Reals(-1, 1)}};
+  static CutCase Special(Dice& p_d) {
+    const Box box{p_d.Specials(), p_d.Specials()};
+    return {box, {p_d.Specials(), p_d.Integer(0, 1) == 0 ? p_d.Specials() : p_d.Reals(-1, 1)}};
   }
-  static CutCase Empty(Dice& d) { return {Box(), {{}, d.Reals(-1, 1)}}; }
+  static CutCase Empty(Dice& p_d) { return {Box(), {{}, p_d.Reals(-1, 1)}}; }
 
   const char* name;
   CutCase (*make)(Dice&);

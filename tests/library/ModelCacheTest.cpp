@@ -37,7 +37,7 @@ const char* const Tent =
     "f 1//1 2//2 3//3\ng back\nf 3//3 2//2 4//4\nf 4//4 2//2 1//1\n";
 
 class ModelCacheCalls : public RecordingFixture {
-protected:
+public:
   template <class T>
   std::vector<T> Contents(unsigned int p_buffer) const {
     const std::vector<unsigned char> bytes = recorder.BufferBytes(p_buffer);

@@ -20,7 +20,7 @@ using Triple = std::array<double, 3>;
 
 namespace {
 
-constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
+constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 const std::array<Triple, 3> XyzOfRgb{
     {{0.4124564, 0.3575761, 0.1804375}, {0.2126729, 0.7151522, 0.0721750}, {0.0193339, 0.1191920, 0.9503041}}};
 const Triple White{0.95047, 1, 1.08883};
@@ -156,7 +156,7 @@ TEST(NamedColors, ReportWhatIsExpectedAndWhatCame) {
   ReportCapture reports;
   EXPECT_TRUE(NamedColors::Colors("jet").empty());
   EXPECT_TRUE(NamedColors::Colors("Viridis", 3).empty());
-  EXPECT_EQ(Rgbs(NamedColors::Colors("grey", 2, not_a_number, 1.5)), (std::vector<QRgb>{0, 0xFFFFFF}));
+  EXPECT_EQ(Rgbs(NamedColors::Colors("grey", 2, NotANumber, 1.5)), (std::vector<QRgb>{0, 0xFFFFFF}));
   EXPECT_EQ(reports.Texts(), (std::vector<std::string>{
                                  "\"colour map \"jet\"" + known + list + ")",
                                  "\"colour map \"Viridis\"" + known + list + ",int,double,double)",

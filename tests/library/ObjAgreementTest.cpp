@@ -34,10 +34,10 @@ TEST(ObjAgreement, OnLinesLongerThanTheReadersWindow) {
 }
 
 TEST(ObjAgreement, OnLargeFiles) {
-  constexpr int vertices = 70000;
+  constexpr int Vertices = 70000;
   for (const int step : {7, 1000000}) { // lines from one group line to the next
     std::string text;
-    for (int i = 1; i <= vertices; ++i) {
+    for (int i = 1; i <= Vertices; ++i) {
       const std::string number = std::to_string(i);
       text += "v " + number + ".5 0." + number + " -" + number + "\nvn 0 0 " + number + "\n";
       if (i % 1000 == 0)
@@ -45,7 +45,7 @@ TEST(ObjAgreement, OnLargeFiles) {
     }
     for (int i = 0; i < 100000; ++i) {
       const auto corner = [&](int p_vertex, int p_normal) {
-        return std::to_string(1 + p_vertex % vertices) + "//" + std::to_string(1 + p_normal % vertices);
+        return std::to_string(1 + p_vertex % Vertices) + "//" + std::to_string(1 + p_normal % Vertices);
       };
       if (i % step == step - 1)
         text += i < 20000 ? "g small\n" : i % 10000 < 7 ? "g large\n" : "";

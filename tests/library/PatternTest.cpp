@@ -20,11 +20,11 @@ const unsigned char* Mask(std::uint32_t p_pattern) {
 std::vector<std::string> Rows(const unsigned char* p_mask) {
   std::vector<std::string> rows;
   for (int i = 0; i < 128; ++i) {
-    constexpr char digits[] = "0123456789ABCDEF";
+    constexpr char Digits[] = "0123456789ABCDEF";
     if (i % 4 == 0)
       rows.emplace_back();
-    rows.back() += digits[p_mask[i] >> 4];
-    rows.back() += digits[p_mask[i] & 15];
+    rows.back() += Digits[p_mask[i] >> 4];
+    rows.back() += Digits[p_mask[i] & 15];
   }
   return rows;
 }
@@ -117,7 +117,7 @@ TEST_F(PatternCalls, AMissingSpriteIsReportedByName) {
 TEST(Sprites, AreWhiteAndSymmetricWithAMargin) {
   const struct {
     const char* word;
-    bool upside_down;   ///< whether the lower half mirrors the upper one
+    bool upsideDown;    ///< whether the lower half mirrors the upper one
     bool turned;        ///< whether a quarter turn changes nothing
     double least, most; ///< covered share of the picture
   } cases[] = {
@@ -137,7 +137,7 @@ TEST(Sprites, AreWhiteAndSymmetricWithAMargin) {
       for (int x = 0; x < 64; ++x) {
         ASSERT_EQ(image.pixel(x, y) | 0xFF000000U, 0xFFFFFFFFU) << "white also where it is transparent";
         ASSERT_EQ(alpha(x, y), alpha(63 - x, y)) << x << ", " << y;
-        ASSERT_EQ(alpha(x, y), c.upside_down ? alpha(x, 63 - y) : alpha(x, y)) << x << ", " << y;
+        ASSERT_EQ(alpha(x, y), c.upsideDown ? alpha(x, 63 - y) : alpha(x, y)) << x << ", " << y;
         ASSERT_EQ(alpha(x, y), c.turned ? alpha(y, 63 - x) : alpha(x, y)) << x << ", " << y;
         const bool margin = x < 2 || x > 61 || y < 2 || y > 61;
         ASSERT_TRUE(!margin || alpha(x, y) == 0) << x << ", " << y;

@@ -51,7 +51,7 @@ Types::SymbolStyle Symbol(std::uint32_t p_shape, std::uint32_t p_size, const QCo
 }
 
 boost::shared_ptr<Library::ColorMap> Gradient(const std::vector<QColor>& p_colors) {
-  const ReportCapture an_empty_map_is_reported;
+  const ReportCapture anEmptyMapIsReported;
   return boost::make_shared<Library::ColorMap>(p_colors, Library::ColorMap::Interpolated);
 }
 
@@ -201,7 +201,7 @@ TEST_F(StyleCalls, LinesInUpToTwoPasses) {
 }
 
 TEST_F(StyleCalls, RestoresTheStateWhenDrawingThrows) {
-  const auto expect_restored = [this](const auto& p_style, int p_pass) {
+  const auto expectRestored = [this](const auto& p_style, int p_pass) {
     DrawFunction draw = [&](Scope&) {
       if (--p_pass == 0)
         throw std::runtime_error("draw");
@@ -211,8 +211,8 @@ TEST_F(StyleCalls, RestoresTheStateWhenDrawingThrows) {
     EXPECT_EQ(recorder.Lines().back(), "PopAttrib()");
   };
   for (const int pass : {1, 2}) {
-    expect_restored(Fill(5, Qt::red, Qt::blue), pass);
-    expect_restored(Line(5, 1, Qt::red, Qt::blue), pass);
+    expectRestored(Fill(5, Qt::red, Qt::blue), pass);
+    expectRestored(Line(5, 1, Qt::red, Qt::blue), pass);
   }
   DrawFunction empty;
   EXPECT_THROW(Style::DrawInternal(Fill(1, Qt::red), gl, empty), boost::bad_function_call);

@@ -39,7 +39,7 @@ std::string Triangles(int p_count) {
 }
 
 class SymbolRegistryCalls : public RecordingFixture {
-protected:
+public:
   void TearDown() override {
     cache.reset();
     RecordingFixture::TearDown();

@@ -98,10 +98,10 @@ TEST_F(TexturedQuadCalls, Layers) {
 
 TEST_F(TexturedQuadCalls, NothingWithoutASize) {
   const auto texture = Layer(gl, 0);
-  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  constexpr float Nan = std::numeric_limits<float>::quiet_NaN();
   recorder.Clear();
   for (const Rect& rect : std::vector<Rect>{
-           {0, 0, 0, 5}, {0, 0, 5, 0}, {0, 0, -1, 5}, {0, 0, 5, -1}, {0, 0, nan, 5}, {0, 0, 5, nan}, {}}) {
+           {0, 0, 0, 5}, {0, 0, 5, 0}, {0, 0, -1, 5}, {0, 0, 5, -1}, {0, 0, Nan, 5}, {0, 0, 5, Nan}, {}}) {
     Quad(rect)(recorder.Handle(), *texture);
     Quad(rect, 3)(recorder.Handle(), {texture, texture});
   }

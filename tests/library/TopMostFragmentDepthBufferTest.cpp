@@ -268,11 +268,11 @@ TEST_F(TopMostFragmentDepthBufferPixels, ReadsOnlyItsFourBytesWhateverTheHostHas
 TEST_F(TopMostFragmentDepthBufferPixels, PackedDepthsFollowTheDepthBuffer) {
   Scope gl(Handle());
   const DepthScene scene(gl);
-  constexpr int count = 1021;
-  std::vector<double> depths(count);
-  for (int i = 0; i < count; ++i)
-    depths[static_cast<std::size_t>(i)] = (i + 0.5) / count;
-  const RenderTexture target({count, 1});
+  constexpr int Count = 1021;
+  std::vector<double> depths(Count);
+  for (int i = 0; i < Count; ++i)
+    depths[static_cast<std::size_t>(i)] = (i + 0.5) / Count;
+  const RenderTexture target({Count, 1});
   {
     const boost::shared_ptr<void> bound = target.BindForDraw(gl);
     const boost::shared_ptr<void> enables = gl->PushAttribScope(RGL_ENABLE_BIT);
@@ -285,7 +285,7 @@ TEST_F(TopMostFragmentDepthBufferPixels, PackedDepthsFollowTheDepthBuffer) {
   const QImage image = target.ToImage(gl);
   const std::vector<float> truth = target.ReadDepths(gl);
   int close = 0;
-  for (int x = 0; x < count; ++x) {
+  for (int x = 0; x < Count; ++x) {
     const auto i = static_cast<std::size_t>(x);
     ASSERT_NEAR(truth[i], depths[i], 1e-6) << x;
     const QRgb pixel = image.pixel(x, 0);
@@ -296,7 +296,7 @@ TEST_F(TopMostFragmentDepthBufferPixels, PackedDepthsFollowTheDepthBuffer) {
     EXPECT_GE(decoded, truth[i] - 1.0F / 254 - 1e-6F) << x;
     close += decoded > truth[i] - 2.0F / 65025 ? 1 : 0;
   }
-  EXPECT_GT(close, count / 2);
+  EXPECT_GT(close, Count / 2);
 }
 
 } // namespace

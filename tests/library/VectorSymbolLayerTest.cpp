@@ -81,7 +81,7 @@ LayerWords InstanceByInstance(const VectorSymbol& p_symbol, const VectorSymbol::
   LayerWords all;
   for (std::size_t i = 0; i < p_view.count; ++i) {
     VertexData one;
-    if (!p_symbol.OrientShape(p_view.sizes[i], p_anchor, p_view.positions[i], true, p_view.tex_coords[i], p_scale,
+    if (!p_symbol.OrientShape(p_view.sizes[i], p_anchor, p_view.positions[i], true, p_view.texCoords[i], p_scale,
                               p_view.rotations[i], one))
       continue;
     ArrayWords words = WordsOf(one);
@@ -157,7 +157,7 @@ TEST(VectorSymbolLayer, WritesItsOwnArraysAgainWhenNobodyElseHoldsThem) {
   const void* const vertices = data.Vertices().data.get();
   const void* const indices = data.Indices().data.get();
   const boost::shared_ptr<const void> held = data.Normals().data;
-  const Words held_words = WordsOf(data.Normals());
+  const Words heldWords = WordsOf(data.Normals());
   data.PrimitiveType().ClearChanged();
 
   ASSERT_NE(arrow.OrientShapes(other.View(), 0, 1, data), 0u);
@@ -165,21 +165,21 @@ TEST(VectorSymbolLayer, WritesItsOwnArraysAgainWhenNobodyElseHoldsThem) {
   EXPECT_EQ(data.Vertices().data.get(), vertices);
   EXPECT_EQ(data.Indices().data.get(), indices);
   EXPECT_NE(data.Normals().data, held) << "somebody holds the old one";
-  EXPECT_EQ(std::memcmp(held.get(), held_words.data(), held_words.size() * 4), 0);
+  EXPECT_EQ(std::memcmp(held.get(), heldWords.data(), heldWords.size() * 4), 0);
   EXPECT_FALSE(data.PrimitiveType().Changed());
 
   // Arrays of the host's may not even be writable, so they are never written.
-  static const std::vector<float> constant(3 * data.Vertices().count, 7.f);
-  data.SetVertices(boost::shared_ptr<const void>(constant.data(), [](const void*) {}), data.Vertices().count, 3,
+  static const std::vector<float> Constant(3 * data.Vertices().count, 7.f);
+  data.SetVertices(boost::shared_ptr<const void>(Constant.data(), [](const void*) {}), data.Vertices().count, 3,
                    VertexData::Float);
   ASSERT_NE(arrow.OrientShapes(layer.View(), 0, 1, data), 0u);
-  EXPECT_NE(data.Vertices().data.get(), constant.data());
-  EXPECT_EQ(constant, std::vector<float>(constant.size(), 7.f));
+  EXPECT_NE(data.Vertices().data.get(), Constant.data());
+  EXPECT_EQ(Constant, std::vector<float>(Constant.size(), 7.f));
 
   // Another size takes new arrays, and what the new layer does not have goes.
   VectorSymbol::Instances fewer = layer.View();
   fewer.count = 50;
-  fewer.tex_coords = nullptr;
+  fewer.texCoords = nullptr;
   EXPECT_EQ(VectorSymbol().OrientShapes(fewer, 0, 1, data), data.Vertices().count);
   EXPECT_TRUE(data.TexCoords().Empty() && data.Indices().Empty());
   EXPECT_EQ(data.PrimitiveType().Value(), Ogl::VertexBuffer::Points);
@@ -218,16 +218,16 @@ TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
   std::vector<unsigned int> numbers(36, 5);
   VectorSymbol::LayerMemory full;
   full.vertices = full.normals = {floats.data(), 72};
-  full.tex_coords = {floats.data(), 24};
+  full.texCoords = {floats.data(), 24};
   full.indices = {numbers.data(), 36};
   using Memory = VectorSymbol::LayerMemory;
   const std::pair<void (*)(Memory&), std::string> rows[] = {
       {[](Memory& p_memory) { --p_memory.vertices.count; }, "\"p_memory.vertices.count >= 3 * vertices\" - " + Orient},
       {[](Memory& p_memory) { --p_memory.normals.count; }, "\"p_memory.normals.count >= 3 * vertices\" - " + Orient},
-      {[](Memory& p_memory) { --p_memory.tex_coords.count; }, "\"p_memory.tex_coords.count >= vertices\" - " + Orient},
+      {[](Memory& p_memory) { --p_memory.texCoords.count; }, "\"p_memory.texCoords.count >= vertices\" - " + Orient},
       {[](Memory& p_memory) { --p_memory.indices.count; }, "\"p_memory.indices.count >= indices\" - " + Orient},
-      {[](Memory& p_memory) { p_memory.first_vertex = 0xFFFFFFFFu - 22; },
-       "\"shown * VertexCount() <= max_index - first_vertex\" - " + Count},
+      {[](Memory& p_memory) { p_memory.firstVertex = 0xFFFFFFFFu - 22; },
+       "\"shown * VertexCount() <= max_index - firstVertex\" - " + Count},
   };
   ReportCapture reports;
   for (const auto& [spoil, report] : rows) {
@@ -262,11 +262,11 @@ TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersAndReportsThoseThatAreNot) {
       gl->GetBufferPool().CreateBuffer<Position>(expected.arrays[0].size() / 3, Ogl::BufferUsage::Default);
   const auto indices = gl->GetBufferPool().CreateBuffer<Index>(expected.arrays[3].size(), Ogl::BufferUsage::Default);
   {
-    const Ogl::BufferPool::WriteArray<Position> vertex_array(positions, 0, positions.Count(), RGL_ARRAY_BUFFER);
-    const Ogl::BufferPool::WriteArray<Index> index_array(indices, 0, indices.Count(), RGL_ELEMENT_ARRAY_BUFFER);
+    const Ogl::BufferPool::WriteArray<Position> vertexArray(positions, 0, positions.Count(), RGL_ARRAY_BUFFER);
+    const Ogl::BufferPool::WriteArray<Index> indexArray(indices, 0, indices.Count(), RGL_ELEMENT_ARRAY_BUFFER);
     VectorSymbol::LayerMemory memory;
-    memory.vertices = vertex_array;
-    memory.indices = index_array;
+    memory.vertices = vertexArray;
+    memory.indices = indexArray;
     EXPECT_EQ(arrow.OrientShapes(layer.View(), 0, 1, memory), expected.written);
   }
   const auto words = [&](unsigned int p_buffer) {

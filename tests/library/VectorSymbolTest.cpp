@@ -239,9 +239,9 @@ TEST(VectorSymbol, ReportsWhatItCannotBuildAndStaysEmpty) {
 
 TEST(VectorSymbolOrient, GivesTheFloatsOfTheRule) {
   const VectorSymbol arrow(ShapeArrow2D, 12);
-  constexpr double length = 3, t = 0.3333333333333333, n = 0.1111111111111111;
+  constexpr double Long = 3, T = 0.3333333333333333, N = 0.1111111111111111;
   const Vector up(0, 1, 0);
-  const Points vertices = {{0, 0, length}, {-t, 0, 2}, {t, 0, 2}, {-n, 0, 0}, {n, 0, 0}, {-n, 0, 2}, {n, 0, 2}};
+  const Points vertices = {{0, 0, Long}, {-T, 0, 2}, {T, 0, 2}, {-N, 0, 0}, {N, 0, 0}, {-N, 0, 2}, {N, 0, 2}};
   for (unsigned int seed = 0; seed < 100; ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
@@ -254,7 +254,7 @@ TEST(VectorSymbolOrient, GivesTheFloatsOfTheRule) {
     ASSERT_TRUE(arrow.OrientShape(size, anchor, position, true, 0.1, scale, rotation, data));
     Points expected;
     for (const Vector& vertex : vertices)
-      expected.push_back(Oriented(vertex, anchor * length, size * scale, position, rotation));
+      expected.push_back(Oriented(vertex, anchor * Length, size * scale, position, rotation));
     const Surface mesh = SurfaceOf(data);
     EXPECT_EQ(mesh.positions, expected);
     EXPECT_EQ(mesh.normals, Points(7, Oriented(up, 0, 1, Origin, rotation)));

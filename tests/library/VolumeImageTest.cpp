@@ -87,7 +87,7 @@ TEST(VolumeImage, FormatsDecideTheLayout) {
     VolumeImage::VoxelFormat format;
     int channels;
     int precision;
-    std::size_t voxel_bytes;
+    std::size_t voxelBytes;
   } rows[] = {{VolumeImage::Float1, 1, 4, 4},
               {VolumeImage::Byte1, 1, 0, 1},
               {VolumeImage::Float4, 4, 4, 16},
@@ -95,8 +95,8 @@ TEST(VolumeImage, FormatsDecideTheLayout) {
   for (const auto& row : rows) {
     const ReportCapture reports;
     const VolumeImage image(row.format, 2, 3, 4);
-    EXPECT_EQ(image.Bytes(), Voxels(24 * row.voxel_bytes)) << row.format;
-    EXPECT_EQ(image.Data()._voxelSizeBytes, row.voxel_bytes);
+    EXPECT_EQ(image.Bytes(), Voxels(24 * row.voxelBytes)) << row.format;
+    EXPECT_EQ(image.Data()._voxelSizeBytes, row.voxelBytes);
     EXPECT_EQ(image.Data()._slice, 6u);
     EXPECT_EQ(image.Data()._count, 24u);
     EXPECT_EQ(image.Channels().Value(), row.channels);
@@ -190,9 +190,9 @@ TEST(VolumeImage, FindsVoxelsAndComponents) {
   bytes[std::size_t(-1)] = 'b';
   const std::string channel = "\"p_channel < _channels\" - ";
   const std::string view = " &__cdecl Vek::Chart::Library::VolumeImage::TypeArray<";
-  const std::string index_operator = ">::operator [](const unsigned __int64)";
-  const std::string floats = channel + "float" + view + "float" + index_operator;
-  EXPECT_EQ(reports.Texts(), (Texts{floats, floats, channel + "char" + view + "char" + index_operator}));
+  const std::string indexOperator = ">::operator [](const unsigned __int64)";
+  const std::string floats = channel + "float" + view + "float" + indexOperator;
+  EXPECT_EQ(reports.Texts(), (Texts{floats, floats, channel + "char" + view + "char" + indexOperator}));
 }
 
 TEST(VolumeImage, VoxelsThatAreNotThereAreReported) {

@@ -103,7 +103,7 @@ TEST_F(VolumeTextureCalls, WhatCannotBeUploadedIsReported) {
   const auto volume = [](unsigned p_t, unsigned p_r) {
     return boost::make_shared<VolumeImage>(VolumeImage::Byte1, 2, p_t, p_r);
   };
-  const ReportCapture without_format;
+  const ReportCapture withoutFormat;
   const auto raw = boost::make_shared<VolumeImage>(VolumeImage::NoFormat, 5, 3, 2);
   const std::string size = "\"sizeS > 0 && sizeT > 0 && sizeR > 0 && \"Invalid Volume Size\"\" - " + Constructor;
   const std::tuple<const char*, boost::shared_ptr<const VolumeImage>, std::string> cases[] = {

@@ -8,8 +8,8 @@ using namespace Chart;
 
 Ogl::OffscreenContext& PixelFixture::Context() {
   // Never destroyed: drivers end themselves before static objects do.
-  static auto* const context = new Ogl::OffscreenContext(FrameSize);
-  return *context;
+  static auto* const Context = new Ogl::OffscreenContext(FrameSize);
+  return *Context;
 }
 
 void PixelFixture::SetUp() {

@@ -16,7 +16,7 @@ namespace Vek::Test {
 /// test fails, and is never skipped, when no context can be made; it fails as well when it leaves a GL error or an
 /// unbalanced matrix or attribute stack behind.
 class PixelFixture : public testing::Test {
-protected:
+public:
   void SetUp() override;
   void TearDown() override;
 
@@ -33,7 +33,7 @@ protected:
 
 /// The same, with GL's functions at hand while the test runs.
 class PixelScopeFixture : public PixelFixture {
-protected:
+public:
   /// A pixel of the frame buffer as it is now, counted from the lower left.
   static QColor At(int p_x, int p_y);
 

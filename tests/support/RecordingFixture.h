@@ -41,7 +41,7 @@ inline std::string TextureSettings(const std::string& p_filter, const std::strin
 /// Gives each test a recorder of its own, and fails the test when the recorder has complaints at the end: misuse of GL,
 /// leaked objects, open pairs. A test that expects misuse takes it with `recorder.TakeComplaints()`.
 class RecordingFixture : public testing::Test {
-protected:
+public:
   void TearDown() override { EXPECT_EQ(recorder.Complaints(), Lines()); }
 
   Chart::Ogl::RecordingGl recorder;
@@ -49,7 +49,7 @@ protected:
 
 /// A recorder whose functions are at hand while the test runs.
 class RecordingScopeFixture : public RecordingFixture {
-protected:
+public:
   Scope gl{recorder.Handle()};
 };
 

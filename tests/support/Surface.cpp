@@ -57,10 +57,10 @@ bool IsClosed(const Surface& p_surface) {
 }
 
 double EnclosedVolume(const Surface& p_surface) {
-  double six_volumes = 0;
+  double sixVolumes = 0;
   for (std::size_t i = 0; i < p_surface.indices.size(); i += 3)
-    six_volumes += Dot(p_surface.Corner(i), Cross(p_surface.Corner(i + 1), p_surface.Corner(i + 2)));
-  return six_volumes / 6;
+    sixVolumes += Dot(p_surface.Corner(i), Cross(p_surface.Corner(i + 1), p_surface.Corner(i + 2)));
+  return sixVolumes / 6;
 }
 
 int EulerNumber(const Surface& p_surface) {

@@ -111,18 +111,18 @@ TEST(SymbolFiles, GiveEachVertexOneNormalAndTheOneDimensionalOnesNone) {
   EXPECT_EQ(names.size(), std::size(Glyphs) + 2); // the sphere and the torus
   for (const std::string& name : names) {
     SCOPED_TRACE(name);
-    std::map<std::string, std::string> normal_of;
+    std::map<std::string, std::string> normalOf;
     std::istringstream text(Bytes(Folder / name));
     for (std::string word; text >> word;) { // only corners have slashes
       const std::size_t slashes = word.find("//");
       if (slashes != std::string::npos) {
         const std::string normal = word.substr(slashes + 2);
-        ASSERT_EQ(normal_of.try_emplace(word.substr(0, slashes), normal).first->second, normal) << word;
+        ASSERT_EQ(normalOf.try_emplace(word.substr(0, slashes), normal).first->second, normal) << word;
       }
     }
     const Mesh mesh(name);
     const bool lines = mesh.type == Ogl::VertexBuffer::LineSegments;
-    EXPECT_EQ(normal_of.size(), lines ? 0 : mesh.positions.size()); // no vertex is idle
+    EXPECT_EQ(normalOf.size(), lines ? 0 : mesh.positions.size()); // no vertex is idle
     EXPECT_EQ(mesh.normals.size(), lines ? 0 : mesh.positions.size());
     for (const Vector& normal : mesh.normals)
       ASSERT_NEAR(Length(normal), 1, 1e-6);

@@ -7,26 +7,26 @@
 namespace Vek::Chart::Ogl {
 
 std::optional<GlEnum> PrimitiveToken(VertexBuffer::PrimitiveType p_type) {
-  constexpr GlEnum tokens[] = {RGL_POINTS,         RGL_LINES,           RGL_LINE_STRIP, RGL_TRIANGLES,
+  constexpr GlEnum Tokens[] = {RGL_POINTS,         RGL_LINES,           RGL_LINE_STRIP, RGL_TRIANGLES,
                                RGL_TRIANGLE_STRIP, RGL_LINES_ADJACENCY, RGL_QUAD_STRIP, RGL_QUADS};
   const unsigned int number = p_type;
-  if (number >= std::size(tokens))
+  if (number >= std::size(Tokens))
     return std::nullopt;
-  return tokens[number];
+  return Tokens[number];
 }
 
 boost::shared_ptr<void> ClientArrayScope(const Rgl& p_gl) {
-  int array_buffer = 0;
-  int element_buffer = 0;
-  p_gl.GetIntegerv(RGL_ARRAY_BUFFER_BINDING, &array_buffer);
-  p_gl.GetIntegerv(RGL_ELEMENT_ARRAY_BUFFER_BINDING, &element_buffer);
+  int arrayBuffer = 0;
+  int elementBuffer = 0;
+  p_gl.GetIntegerv(RGL_ARRAY_BUFFER_BINDING, &arrayBuffer);
+  p_gl.GetIntegerv(RGL_ELEMENT_ARRAY_BUFFER_BINDING, &elementBuffer);
   p_gl.PushClientAttrib(RGL_CLIENT_VERTEX_ARRAY_BIT);
   p_gl.BindBuffer(RGL_ARRAY_BUFFER, 0);
   p_gl.BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, 0);
-  return MakeGuard([gl = p_gl.Functions(), array_buffer, element_buffer] {
+  return MakeGuard([gl = p_gl.Functions(), arrayBuffer, elementBuffer] {
     gl->PopClientAttrib();
-    gl->BindBuffer(RGL_ARRAY_BUFFER, static_cast<unsigned int>(array_buffer));
-    gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, static_cast<unsigned int>(element_buffer));
+    gl->BindBuffer(RGL_ARRAY_BUFFER, static_cast<unsigned int>(arrayBuffer));
+    gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, static_cast<unsigned int>(elementBuffer));
   });
 }
 

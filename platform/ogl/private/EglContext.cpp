@@ -17,7 +17,7 @@
 namespace Vek::Chart::Ogl {
 namespace {
 
-constexpr const char* g_packages =
+constexpr const char* Packages =
     "; an off-screen context needs the packages libegl1, libegl-mesa0 and libgl1-mesa-dri, or a hardware vendor's "
     "driver with EGL";
 
@@ -46,37 +46,36 @@ struct Candidate {
   std::string name;
 };
 
-void AppendDevices(std::vector<Candidate>& p_candidates, PFNEGLGETPLATFORMDISPLAYEXTPROC p_get_display) {
-  const auto query_devices = EntryPoint<PFNEGLQUERYDEVICESEXTPROC>("eglQueryDevicesEXT");
-  const auto query_string = EntryPoint<PFNEGLQUERYDEVICESTRINGEXTPROC>("eglQueryDeviceStringEXT");
+void AppendDevices(std::vector<Candidate>& p_candidates, PFNEGLGETPLATFORMDISPLAYEXTPROC p_getDisplay) {
+  const auto queryDevices = EntryPoint<PFNEGLQUERYDEVICESEXTPROC>("eglQueryDevicesEXT");
+  const auto queryString = EntryPoint<PFNEGLQUERYDEVICESTRINGEXTPROC>("eglQueryDeviceStringEXT");
   EGLint count = 0;
-  if (query_devices == nullptr || query_string == nullptr || query_devices(0, nullptr, &count) == EGL_FALSE ||
-      count <= 0)
+  if (queryDevices == nullptr || queryString == nullptr || queryDevices(0, nullptr, &count) == EGL_FALSE || count <= 0)
     return;
   std::vector<EGLDeviceEXT> devices(static_cast<std::size_t>(count));
-  if (query_devices(count, devices.data(), &count) == EGL_FALSE)
+  if (queryDevices(count, devices.data(), &count) == EGL_FALSE)
     return;
   devices.resize(static_cast<std::size_t>(std::max(0, count)));
-  std::stable_partition(devices.begin(), devices.end(), [query_string](EGLDeviceEXT p_device) {
-    return !HasWord(query_string(p_device, EGL_EXTENSIONS), "EGL_MESA_device_software");
+  std::stable_partition(devices.begin(), devices.end(), [queryString](EGLDeviceEXT p_device) {
+    return !HasWord(queryString(p_device, EGL_EXTENSIONS), "EGL_MESA_device_software");
   });
   for (std::size_t i = 0; i < devices.size(); ++i)
     p_candidates.push_back(
-        {p_get_display(EGL_PLATFORM_DEVICE_EXT, devices[i], nullptr), "EGL device " + std::to_string(i + 1)});
+        {p_getDisplay(EGL_PLATFORM_DEVICE_EXT, devices[i], nullptr), "EGL device " + std::to_string(i + 1)});
 }
 
 /// All displays that need no window system: devices, hardware first, then Mesa's own choice.
 std::vector<Candidate> Candidates() {
   const char* const extensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
-  const auto get_display = EntryPoint<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
+  const auto getDisplay = EntryPoint<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
   std::vector<Candidate> candidates;
-  if (get_display == nullptr)
+  if (getDisplay == nullptr)
     return candidates;
   if (HasWord(extensions, "EGL_EXT_platform_device"))
-    AppendDevices(candidates, get_display);
+    AppendDevices(candidates, getDisplay);
   if (HasWord(extensions, "EGL_MESA_platform_surfaceless"))
     candidates.push_back(
-        {get_display(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr), "EGL surfaceless platform"});
+        {getDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr), "EGL surfaceless platform"});
   return candidates;
 }
 
@@ -97,16 +96,16 @@ EGLContext CreateContext(EGLDisplay p_display, std::string& p_failure) {
     p_failure = Failure("eglBindAPI(EGL_OPENGL_API)");
     return EGL_NO_CONTEXT;
   }
-  constexpr EGLint config_wishes[] = {EGL_SURFACE_TYPE, 0, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_NONE};
+  constexpr EGLint ConfigWishes[] = {EGL_SURFACE_TYPE, 0, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_NONE};
   EGLConfig config = nullptr;
   EGLint count = 0;
-  if (eglChooseConfig(p_display, config_wishes, &config, 1, &count) == EGL_FALSE || count < 1) {
+  if (eglChooseConfig(p_display, ConfigWishes, &config, 1, &count) == EGL_FALSE || count < 1) {
     p_failure = Failure("eglChooseConfig for desktop GL");
     return EGL_NO_CONTEXT;
   }
-  constexpr EGLint context_wishes[] = {EGL_CONTEXT_OPENGL_PROFILE_MASK_KHR,
-                                       EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT_KHR, EGL_NONE};
-  const EGLContext context = eglCreateContext(p_display, config, EGL_NO_CONTEXT, context_wishes);
+  constexpr EGLint ContextWishes[] = {EGL_CONTEXT_OPENGL_PROFILE_MASK_KHR,
+                                      EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT_KHR, EGL_NONE};
+  const EGLContext context = eglCreateContext(p_display, config, EGL_NO_CONTEXT, ContextWishes);
   if (context == EGL_NO_CONTEXT)
     p_failure = Failure("eglCreateContext (compatibility profile)");
   return context;
@@ -133,8 +132,8 @@ private:
 } // namespace
 
 EglContext::EglContext() {
-  static std::mutex one_at_a_time; // drivers start up inside
-  const std::lock_guard<std::mutex> lock(one_at_a_time);
+  static std::mutex oneAtATime; // drivers start up inside
+  const std::lock_guard<std::mutex> lock(oneAtATime);
   const DesktopApi api;
   std::string failures;
   for (const Candidate& candidate : Candidates()) {
@@ -155,7 +154,7 @@ EglContext::EglContext() {
   }
   if (failures.empty())
     failures = "EGL offers neither devices nor the surfaceless platform";
-  throw std::runtime_error("No off-screen GL context: " + failures + g_packages);
+  throw std::runtime_error("No off-screen GL context: " + failures + Packages);
 }
 
 EglContext::~EglContext() {

@@ -29,7 +29,7 @@ GlEnum BindingOf(GlEnum p_target) {
 }
 
 /// What a new buffer or a mapping whose contents are lost holds, so that nobody takes it for zeros.
-constexpr unsigned char g_undefined = 0xCD;
+constexpr unsigned char Undefined = 0xCD;
 
 } // namespace
 
@@ -79,7 +79,7 @@ void Model::BufferData(GlEnum p_target, GlSize p_size, const void* p_data, GlEnu
     return;
   if (p_size < 0)
     return Complain("BufferData: a negative size");
-  buffer->bytes.assign(static_cast<std::size_t>(p_size), g_undefined);
+  buffer->bytes.assign(static_cast<std::size_t>(p_size), Undefined);
   if (p_data != nullptr && p_size != 0)
     std::memcpy(buffer->bytes.data(), p_data, buffer->bytes.size());
 }
@@ -106,10 +106,10 @@ void* Model::MapBufferRange(GlEnum p_target, GlSize p_offset, GlSize p_length, G
   }
   const bool lost = (p_access & (RGL_MAP_INVALIDATE_RANGE_BIT | RGL_MAP_INVALIDATE_BUFFER_BIT)) != 0;
   const auto first = buffer->bytes.begin() + p_offset;
-  buffer->mapping = lost ? std::vector<unsigned char>(static_cast<std::size_t>(p_length), g_undefined)
+  buffer->mapping = lost ? std::vector<unsigned char>(static_cast<std::size_t>(p_length), Undefined)
                          : std::vector<unsigned char>(first, first + p_length);
-  buffer->mapping_offset = static_cast<std::size_t>(p_offset);
-  buffer->mapping_access = p_access;
+  buffer->mappingOffset = static_cast<std::size_t>(p_offset);
+  buffer->mappingAccess = p_access;
   return buffer->mapping->data();
 }
 
@@ -121,9 +121,9 @@ GlBoolean Model::UnmapBuffer(GlEnum p_target) {
     Complain("UnmapBuffer: the buffer is not mapped");
     return 0;
   }
-  if ((buffer->mapping_access & RGL_MAP_WRITE_BIT) != 0)
+  if ((buffer->mappingAccess & RGL_MAP_WRITE_BIT) != 0)
     std::copy(buffer->mapping->begin(), buffer->mapping->end(),
-              buffer->bytes.begin() + static_cast<std::ptrdiff_t>(buffer->mapping_offset));
+              buffer->bytes.begin() + static_cast<std::ptrdiff_t>(buffer->mappingOffset));
   buffer->mapping.reset();
   return 1;
 }
@@ -190,8 +190,8 @@ void Model::CheckArrayEnds(const std::string& p_call, long long p_vertices, long
       continue;
     const long long elements =
         array.divisor == 0 ? p_vertices : (p_instances + array.divisor - 1) / static_cast<long long>(array.divisor);
-    const auto element_bytes = static_cast<std::size_t>(array.size) * ScalarBytes(array.type);
-    const std::size_t stride = array.stride == 0 ? element_bytes : static_cast<std::size_t>(array.stride);
+    const auto elementBytes = static_cast<std::size_t>(array.size) * ScalarBytes(array.type);
+    const std::size_t stride = array.stride == 0 ? elementBytes : static_cast<std::size_t>(array.stride);
     const std::string name = key < 16 ? "attribute " + std::to_string(key) : Name(key);
     if (array.buffer == 0) {
       if (array.pointer == nullptr && elements != 0)
@@ -205,7 +205,7 @@ void Model::CheckArrayEnds(const std::string& p_call, long long p_vertices, long
     }
     const std::size_t end = elements == 0 ? 0
                                           : reinterpret_cast<std::uintptr_t>(array.pointer) +
-                                                (static_cast<std::size_t>(elements) - 1) * stride + element_bytes;
+                                                (static_cast<std::size_t>(elements) - 1) * stride + elementBytes;
     if (end > buffer->second.bytes.size())
       Complain(p_call + ": " + name + " reaches to byte " + std::to_string(end) + " of a buffer of " +
                std::to_string(buffer->second.bytes.size()));

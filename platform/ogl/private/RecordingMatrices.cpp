@@ -7,14 +7,14 @@
 namespace Vek::Chart::Ogl::Recording {
 namespace {
 
-constexpr Matrix g_identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-constexpr std::size_t g_most_matrices = 32;
+constexpr Matrix Identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+constexpr std::size_t MostMatrices = 32;
 
 } // namespace
 
 const Matrix& MatrixStacks::Top(GlEnum p_mode) const {
   const auto found = _stacks.find(p_mode);
-  return found == _stacks.end() ? g_identity : found->second.back();
+  return found == _stacks.end() ? Identity : found->second.back();
 }
 
 std::size_t MatrixStacks::Depth(GlEnum p_mode) const {
@@ -31,7 +31,7 @@ std::map<GlEnum, std::size_t> MatrixStacks::Unpopped() const {
 }
 
 std::vector<Matrix>& MatrixStacks::Stack(GlEnum p_mode) {
-  return _stacks.try_emplace(p_mode, 1, g_identity).first->second;
+  return _stacks.try_emplace(p_mode, 1, Identity).first->second;
 }
 
 void MatrixStacks::Load(GlEnum p_mode, const Matrix& p_matrix) {
@@ -52,8 +52,8 @@ void MatrixStacks::Multiply(GlEnum p_mode, const Matrix& p_right) {
 
 std::string MatrixStacks::Push(GlEnum p_mode) {
   std::vector<Matrix>& stack = Stack(p_mode);
-  if (stack.size() >= g_most_matrices)
-    return "more than " + std::to_string(g_most_matrices) + " matrices";
+  if (stack.size() >= MostMatrices)
+    return "more than " + std::to_string(MostMatrices) + " matrices";
   stack.push_back(Matrix(stack.back()));
   return {};
 }
@@ -67,7 +67,7 @@ std::string MatrixStacks::Pop(GlEnum p_mode) {
 }
 
 Matrix IdentityMatrix() {
-  return g_identity;
+  return Identity;
 }
 
 Matrix MatrixOf(const double* p_elements) {

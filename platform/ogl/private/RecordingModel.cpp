@@ -13,11 +13,11 @@ std::string Name(GlEnum p_value) {
 }
 
 bool AllowedInsideBegin(const std::string& p_name) {
-  static const std::set<std::string> allowed = {"End",           "Vertex2i",         "Vertex3d",      "Normal3d",
+  static const std::set<std::string> Allowed = {"End",           "Vertex2i",         "Vertex3d",      "Normal3d",
                                                 "Color4d",       "TexCoord1d",       "TexCoord2d",    "TexCoord3d",
                                                 "Materialfv",    "MultiTexCoord3d",  "CallList",      "NewQuadric",
                                                 "DeleteQuadric", "QuadricDrawStyle", "QuadricNormals"};
-  return allowed.count(p_name) != 0;
+  return Allowed.count(p_name) != 0;
 }
 
 /// How many vertices make one more primitive, where a remainder is lost; 1 for the kinds without one.
@@ -103,7 +103,7 @@ void Model::Ortho(double p_left, double p_right, double p_bottom, double p_top, 
 
 Model::Key Model::KeyOf(GlEnum p_name) const {
   const StateVariable* const variable = FindStateVariable(p_name);
-  if (variable == nullptr || !variable->per_unit)
+  if (variable == nullptr || !variable->perUnit)
     return p_name;
   const auto unit = static_cast<GlEnum>(One(RGL_ACTIVE_TEXTURE)) - RGL_TEXTURE0;
   return Key(unit) << 32 | p_name;
@@ -141,14 +141,13 @@ void Model::BlendFunc(GlEnum p_source, GlEnum p_destination) {
   BlendFuncSeparate(p_source, p_destination, p_source, p_destination);
 }
 
-void Model::BlendFuncSeparate(GlEnum p_source, GlEnum p_destination, GlEnum p_source_alpha,
-                              GlEnum p_destination_alpha) {
+void Model::BlendFuncSeparate(GlEnum p_source, GlEnum p_destination, GlEnum p_sourceAlpha, GlEnum p_destinationAlpha) {
   for (const GlEnum name : {RGL_BLEND_SRC, RGL_BLEND_SRC_RGB})
     Set(name, {double(p_source)});
   for (const GlEnum name : {RGL_BLEND_DST, RGL_BLEND_DST_RGB})
     Set(name, {double(p_destination)});
-  Set(RGL_BLEND_SRC_ALPHA, {double(p_source_alpha)});
-  Set(RGL_BLEND_DST_ALPHA, {double(p_destination_alpha)});
+  Set(RGL_BLEND_SRC_ALPHA, {double(p_sourceAlpha)});
+  Set(RGL_BLEND_DST_ALPHA, {double(p_destinationAlpha)});
 }
 
 void Model::PolygonMode(GlEnum p_face, GlEnum p_mode) {
@@ -179,7 +178,7 @@ void Model::PointSize(float p_size) {
 
 namespace {
 
-constexpr std::size_t g_most_groups = 16;
+constexpr std::size_t MostGroups = 16;
 
 bool Saves(GlBitfield p_mask, bool p_client, std::uint64_t p_key) {
   const StateVariable* const variable = FindStateVariable(static_cast<GlEnum>(p_key));
@@ -189,8 +188,8 @@ bool Saves(GlBitfield p_mask, bool p_client, std::uint64_t p_key) {
 } // namespace
 
 void Model::Push(std::vector<AttributeGroup>& p_stack, GlBitfield p_mask, bool p_client) {
-  if (p_stack.size() >= g_most_groups)
-    return Complain("PushAttrib: more than " + std::to_string(g_most_groups) + " groups");
+  if (p_stack.size() >= MostGroups)
+    return Complain("PushAttrib: more than " + std::to_string(MostGroups) + " groups");
   AttributeGroup group;
   group.mask = p_mask;
   for (const auto& [key, values] : _context.variables)
@@ -206,7 +205,7 @@ void Model::Pop(std::vector<AttributeGroup>& p_stack, const std::string& p_call)
     return Complain(p_call + ": nothing was pushed");
   const AttributeGroup group = std::move(p_stack.back());
   p_stack.pop_back();
-  const bool client = &p_stack == &_client_stack;
+  const bool client = &p_stack == &_clientStack;
   // What was not stored at the push had its first value then.
   for (auto i = _context.variables.begin(); i != _context.variables.end();)
     i = Saves(group.mask, client, i->first) ? _context.variables.erase(i) : std::next(i);
@@ -226,8 +225,8 @@ GlEnum Model::GetError() {
 }
 
 const unsigned char* Model::GetString(GlEnum p_name) {
-  static const std::string renderer = "Recording";
-  const std::string& text = p_name == RGL_VERSION ? version : p_name == RGL_EXTENSIONS ? extensions : renderer;
+  static const std::string Renderer = "Recording";
+  const std::string& text = p_name == RGL_VERSION ? version : p_name == RGL_EXTENSIONS ? extensions : Renderer;
   return reinterpret_cast<const unsigned char*>(text.c_str());
 }
 
@@ -248,9 +247,9 @@ std::optional<Model::Values> Model::Query(GlEnum p_name) const {
   case RGL_PROJECTION_STACK_DEPTH:
     return Values{double(_context.matrices.Depth(RGL_PROJECTION))};
   case RGL_ATTRIB_STACK_DEPTH:
-    return Values{double(_context.attribute_stack.size())};
+    return Values{double(_context.attributeStack.size())};
   case RGL_CLIENT_ATTRIB_STACK_DEPTH:
-    return Values{double(_client_stack.size())};
+    return Values{double(_clientStack.size())};
   case RGL_LIST_INDEX:
     return Values{double(_list)};
   default:
@@ -299,7 +298,7 @@ void Model::NewList(unsigned int p_name, GlEnum p_mode) {
     return;
   _list = p_name;
   if (p_mode == RGL_COMPILE)
-    _before_list = _context;
+    _beforeList = _context;
 }
 
 void Model::EndList() {
@@ -308,19 +307,19 @@ void Model::EndList() {
   if (_primitive)
     Complain("EndList: Begin without End in the list");
   _primitive.reset();
-  if (_before_list) {
-    if (_context.attribute_stack.size() != _before_list->attribute_stack.size())
+  if (_beforeList) {
+    if (_context.attributeStack.size() != _beforeList->attributeStack.size())
       Complain("EndList: PushAttrib and PopAttrib are not balanced in the list");
     for (const GlEnum mode : {RGL_MODELVIEW, RGL_PROJECTION, RGL_TEXTURE})
-      if (_context.matrices.Depth(mode) != _before_list->matrices.Depth(mode))
+      if (_context.matrices.Depth(mode) != _beforeList->matrices.Depth(mode))
         Complain("EndList: PushMatrix and PopMatrix are not balanced in the list");
     // What the client holds was changed at once.
     for (const auto& [key, values] : _context.variables)
       if (const StateVariable* const variable = FindStateVariable(static_cast<GlEnum>(key));
           variable != nullptr && variable->client)
-        _before_list->variables[key] = values;
-    _context = std::move(*_before_list);
-    _before_list.reset();
+        _beforeList->variables[key] = values;
+    _context = std::move(*_beforeList);
+    _beforeList.reset();
   }
   _list = 0;
 }
@@ -334,9 +333,9 @@ void Model::CallList(unsigned int p_name) {
 // Quadrics
 
 GlQuadric* Model::NewQuadric() {
-  _quadric_addresses.push_back(0);
-  auto* const quadric = reinterpret_cast<GlQuadric*>(&_quadric_addresses.back());
-  quadric_numbers[quadric] = static_cast<int>(_quadric_addresses.size());
+  _quadricAddresses.push_back(0);
+  auto* const quadric = reinterpret_cast<GlQuadric*>(&_quadricAddresses.back());
+  quadricNumbers[quadric] = static_cast<int>(_quadricAddresses.size());
   _quadrics[quadric] = true;
   return quadric;
 }
@@ -364,16 +363,16 @@ std::vector<std::string> Model::Leftovers() const {
     texts.push_back("NewList(" + std::to_string(_list) + ") without EndList");
   for (const auto& [mode, count] : _context.matrices.Unpopped())
     texts.push_back("PushMatrix without PopMatrix: " + std::to_string(count) + " of " + Name(mode));
-  if (!_context.attribute_stack.empty())
-    texts.push_back("PushAttrib without PopAttrib: " + std::to_string(_context.attribute_stack.size()));
-  if (!_client_stack.empty())
-    texts.push_back("PushClientAttrib without PopClientAttrib: " + std::to_string(_client_stack.size()));
+  if (!_context.attributeStack.empty())
+    texts.push_back("PushAttrib without PopAttrib: " + std::to_string(_context.attributeStack.size()));
+  if (!_clientStack.empty())
+    texts.push_back("PushClientAttrib without PopClientAttrib: " + std::to_string(_clientStack.size()));
   for (const auto& [kind, names] : _names)
     for (const unsigned int name : names)
       texts.push_back(kind + " " + std::to_string(name) + " was never deleted");
   for (const auto& [quadric, exists] : _quadrics)
     if (exists)
-      texts.push_back("quadric" + std::to_string(quadric_numbers.at(quadric)) + " was never deleted");
+      texts.push_back("quadric" + std::to_string(quadricNumbers.at(quadric)) + " was never deleted");
   return texts;
 }
 

@@ -62,10 +62,10 @@ public:
   void Enable(GlEnum p_capability) { Set(p_capability, {1}); }
   void Disable(GlEnum p_capability) { Set(p_capability, {0}); }
   GlBoolean IsEnabled(GlEnum p_capability) { return Enabled(p_capability) ? 1 : 0; }
-  void PushAttrib(GlBitfield p_mask) { Push(_context.attribute_stack, p_mask, false); }
-  void PopAttrib() { Pop(_context.attribute_stack, "PopAttrib"); }
-  void PushClientAttrib(GlBitfield p_mask) { Push(_client_stack, p_mask, true); }
-  void PopClientAttrib() { Pop(_client_stack, "PopClientAttrib"); }
+  void PushAttrib(GlBitfield p_mask) { Push(_context.attributeStack, p_mask, false); }
+  void PopAttrib() { Pop(_context.attributeStack, "PopAttrib"); }
+  void PushClientAttrib(GlBitfield p_mask) { Push(_clientStack, p_mask, true); }
+  void PopClientAttrib() { Pop(_clientStack, "PopClientAttrib"); }
   void Viewport(int p_x, int p_y, int p_width, int p_height);
   void Scissor(int p_x, int p_y, int p_width, int p_height);
   void ClearColor(float p_red, float p_green, float p_blue, float p_alpha);
@@ -73,12 +73,12 @@ public:
   void DepthFunc(GlEnum p_function) { Set(RGL_DEPTH_FUNC, {double(p_function)}); }
   void DepthMask(GlBoolean p_write) { Set(RGL_DEPTH_WRITEMASK, {double(p_write)}); }
   void BlendFunc(GlEnum p_source, GlEnum p_destination);
-  void BlendFuncSeparate(GlEnum p_source, GlEnum p_destination, GlEnum p_source_alpha, GlEnum p_destination_alpha);
+  void BlendFuncSeparate(GlEnum p_source, GlEnum p_destination, GlEnum p_sourceAlpha, GlEnum p_destinationAlpha);
   void CullFace(GlEnum p_face) { Set(RGL_CULL_FACE_MODE, {double(p_face)}); }
   void FrontFace(GlEnum p_winding) { Set(RGL_FRONT_FACE, {double(p_winding)}); }
   void ShadeModel(GlEnum p_model) { Set(RGL_SHADE_MODEL, {double(p_model)}); }
   void PolygonMode(GlEnum p_face, GlEnum p_mode);
-  void PolygonStipple(const unsigned char* p_mask) { std::copy_n(p_mask, stipple_mask.size(), stipple_mask.begin()); }
+  void PolygonStipple(const unsigned char* p_mask) { std::copy_n(p_mask, stippleMask.size(), stippleMask.begin()); }
   void LineStipple(int p_factor, unsigned short p_pattern);
   void LineWidth(float p_width);
   void PointSize(float p_size);
@@ -99,9 +99,9 @@ public:
   void TexParameteri(GlEnum p_target, GlEnum p_name, int p_value);
   void TexEnvi(GlEnum, GlEnum p_name, int p_value) { Set(p_name, {double(p_value)}); }
   void PixelStorei(GlEnum p_name, int p_value) { Set(p_name, {double(p_value)}); }
-  void TexImage2D(GlEnum p_target, int p_level, int p_internal_format, int p_width, int p_height, int p_border,
+  void TexImage2D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_border,
                   GlEnum p_format, GlEnum p_type, const void* p_pixels);
-  void TexImage3D(GlEnum p_target, int p_level, int p_internal_format, int p_width, int p_height, int p_depth,
+  void TexImage3D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_depth,
                   int p_border, GlEnum p_format, GlEnum p_type, const void* p_pixels);
   void GetTexImage(GlEnum p_target, int p_level, GlEnum p_format, GlEnum p_type, void* p_pixels);
   void GetTexLevelParameteriv(GlEnum p_target, int p_level, GlEnum p_name, int* p_values);
@@ -192,22 +192,22 @@ public:
 
   std::string version = "4.5.0 Recording";
   std::string extensions;
-  std::string info_log = "recorded log";
+  std::string infoLog = "recorded log";
   std::map<GlEnum, std::vector<int>> answers;
   std::deque<GlEnum> errors;
-  GlEnum framebuffer_status = RGL_FRAMEBUFFER_COMPLETE;
+  GlEnum framebufferStatus = RGL_FRAMEBUFFER_COMPLETE;
   std::map<std::pair<int, int>, std::array<unsigned char, 4>> pixels;
   std::vector<std::string> complaints;
-  std::array<unsigned char, 128> stipple_mask{};
+  std::array<unsigned char, 128> stippleMask{};
   std::map<unsigned int, RecordingGl::TextureObject> textures;
-  std::map<const GlQuadric*, int> quadric_numbers;
+  std::map<const GlQuadric*, int> quadricNumbers;
 
   struct BufferObject {
     std::vector<unsigned char> bytes;
     /// A block of its own for the mapped range, so that memory checkers see its ends.
     std::optional<std::vector<unsigned char>> mapping;
-    std::size_t mapping_offset = 0;
-    GlBitfield mapping_access = 0;
+    std::size_t mappingOffset = 0;
+    GlBitfield mappingAccess = 0;
   };
   std::map<unsigned int, BufferObject> buffers;
 
@@ -236,7 +236,7 @@ private:
   struct Context {
     Variables variables;
     MatrixStacks matrices;
-    std::vector<AttributeGroup> attribute_stack;
+    std::vector<AttributeGroup> attributeStack;
   };
 
   Key KeyOf(GlEnum p_name) const;
@@ -267,9 +267,9 @@ private:
   /// What one image occupies in client memory or in a bound pixel buffer.
   struct PixelLayout {
     std::size_t first = 0;
-    std::size_t row_bytes = 0;
-    std::size_t row_stride = 0;
-    std::size_t image_stride = 0;
+    std::size_t rowBytes = 0;
+    std::size_t rowStride = 0;
+    std::size_t imageStride = 0;
     std::size_t end = 0;
   };
   std::optional<PixelLayout> Layout(const std::string& p_call, bool p_unpack, int p_width, int p_height, int p_depth,
@@ -292,21 +292,21 @@ private:
   void Attach(const std::string& p_call, GlEnum p_target, GlEnum p_attachment, const std::string& p_kind,
               unsigned int p_name);
   void InfoLog(int p_room, int* p_length, char* p_text) const;
-  void Status(bool p_done, GlEnum p_status_name, GlEnum p_what, int* p_values) const;
+  void Status(bool p_done, GlEnum p_statusName, GlEnum p_what, int* p_values) const;
 
   Context _context;
-  std::vector<AttributeGroup> _client_stack;
+  std::vector<AttributeGroup> _clientStack;
   ArrayMap _arrays;
   std::optional<GlEnum> _primitive; // of an open Begin
   std::size_t _vertices = 0;        // since Begin
   unsigned int _list = 0;           // being compiled
-  std::optional<Context> _before_list;
+  std::optional<Context> _beforeList;
   std::set<unsigned int> _compiled; // shaders
   std::set<unsigned int> _linked;
   std::map<std::pair<unsigned int, std::string>, int> _uniforms;
   std::map<GlEnum, RecordingGl::TextureLevel> _proxies;
   std::map<const GlQuadric*, bool> _quadrics; // whether each still exists
-  std::deque<char> _quadric_addresses;
+  std::deque<char> _quadricAddresses;
 };
 
 /// Bytes of one scalar of a GL type, 0 for unknown ones.

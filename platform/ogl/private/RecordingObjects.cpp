@@ -12,10 +12,10 @@ namespace Vek::Chart::Ogl::Recording {
 
 unsigned int Model::NewName(const std::string& p_kind) {
   // Each kind counts from its own thousand, so that a name of one kind is not one of another.
-  static const std::map<std::string, unsigned int> bases = {
+  static const std::map<std::string, unsigned int> Bases = {
       {"texture", 1000},      {"display list", 2000}, {"buffer", 3000}, {"frame buffer", 4000},
       {"renderbuffer", 5000}, {"shader", 6000},       {"program", 7000}};
-  const unsigned int name = bases.at(p_kind) + ++_made[p_kind];
+  const unsigned int name = Bases.at(p_kind) + ++_made[p_kind];
   _names[p_kind].insert(name);
   return name;
 }
@@ -91,7 +91,7 @@ void Model::FramebufferRenderbuffer(GlEnum p_target, GlEnum p_attachment, GlEnum
 }
 
 GlEnum Model::CheckFramebufferStatus(GlEnum) {
-  return framebuffer_status;
+  return framebufferStatus;
 }
 
 void Model::DeleteRenderbuffers(int p_count, const unsigned int* p_names) {
@@ -129,18 +129,18 @@ void Model::CompileShader(unsigned int p_name) {
     _compiled.insert(p_name);
 }
 
-void Model::Status(bool p_done, GlEnum p_status_name, GlEnum p_what, int* p_values) const {
-  if (p_what == p_status_name)
+void Model::Status(bool p_done, GlEnum p_statusName, GlEnum p_what, int* p_values) const {
+  if (p_what == p_statusName)
     *p_values = p_done ? 1 : 0;
   else if (p_what == RGL_INFO_LOG_LENGTH)
-    *p_values = info_log.empty() ? 0 : static_cast<int>(info_log.size()) + 1;
+    *p_values = infoLog.empty() ? 0 : static_cast<int>(infoLog.size()) + 1;
 }
 
 void Model::InfoLog(int p_room, int* p_length, char* p_text) const {
   if (p_room < 1)
     return;
-  const std::size_t length = std::min(info_log.size(), static_cast<std::size_t>(p_room) - 1);
-  std::memcpy(p_text, info_log.data(), length);
+  const std::size_t length = std::min(infoLog.size(), static_cast<std::size_t>(p_room) - 1);
+  std::memcpy(p_text, infoLog.data(), length);
   p_text[length] = '\0';
   if (p_length != nullptr)
     *p_length = static_cast<int>(length);

@@ -138,24 +138,23 @@ std::optional<Model::PixelLayout> Model::Layout(const std::string& p_call, bool 
     return std::nullopt;
   }
   const auto stored = [this](GlEnum p_name) { return static_cast<std::size_t>(One(p_name)); };
-  const std::size_t row_length = stored(p_unpack ? RGL_UNPACK_ROW_LENGTH : RGL_PACK_ROW_LENGTH);
-  const std::size_t image_height = p_unpack ? stored(RGL_UNPACK_IMAGE_HEIGHT) : 0;
+  const std::size_t rowLength = stored(p_unpack ? RGL_UNPACK_ROW_LENGTH : RGL_PACK_ROW_LENGTH);
+  const std::size_t imageHeight = p_unpack ? stored(RGL_UNPACK_IMAGE_HEIGHT) : 0;
   const std::size_t alignment = stored(p_unpack ? RGL_UNPACK_ALIGNMENT : RGL_PACK_ALIGNMENT);
-  const std::size_t skip_rows = stored(p_unpack ? RGL_UNPACK_SKIP_ROWS : RGL_PACK_SKIP_ROWS);
-  const std::size_t skip_pixels = stored(p_unpack ? RGL_UNPACK_SKIP_PIXELS : RGL_PACK_SKIP_PIXELS);
-  const std::size_t skip_images = p_call == "TexImage3D" ? stored(RGL_UNPACK_SKIP_IMAGES) : 0;
+  const std::size_t skipRows = stored(p_unpack ? RGL_UNPACK_SKIP_ROWS : RGL_PACK_SKIP_ROWS);
+  const std::size_t skipPixels = stored(p_unpack ? RGL_UNPACK_SKIP_PIXELS : RGL_PACK_SKIP_PIXELS);
+  const std::size_t skipImages = p_call == "TexImage3D" ? stored(RGL_UNPACK_SKIP_IMAGES) : 0;
   const auto width = static_cast<std::size_t>(p_width);
   const auto height = static_cast<std::size_t>(p_height);
   const auto depth = static_cast<std::size_t>(p_depth);
   PixelLayout layout;
-  layout.row_bytes = width * pixel;
-  layout.row_stride = ((row_length == 0 ? width : row_length) * pixel + alignment - 1) / alignment * alignment;
-  layout.image_stride = (image_height == 0 ? height : image_height) * layout.row_stride;
-  layout.first = skip_images * layout.image_stride + skip_rows * layout.row_stride + skip_pixels * pixel;
+  layout.rowBytes = width * pixel;
+  layout.rowStride = ((rowLength == 0 ? width : rowLength) * pixel + alignment - 1) / alignment * alignment;
+  layout.imageStride = (imageHeight == 0 ? height : imageHeight) * layout.rowStride;
+  layout.first = skipImages * layout.imageStride + skipRows * layout.rowStride + skipPixels * pixel;
   const bool empty = width == 0 || height == 0 || depth == 0;
   layout.end =
-      empty ? 0
-            : layout.first + (depth - 1) * layout.image_stride + (height - 1) * layout.row_stride + layout.row_bytes;
+      empty ? 0 : layout.first + (depth - 1) * layout.imageStride + (height - 1) * layout.rowStride + layout.rowBytes;
   return layout;
 }
 
@@ -176,16 +175,16 @@ unsigned char* Model::PixelMemory(const std::string& p_call, GlEnum p_binding, c
 
 // Texture images
 
-void Model::TexImage2D(GlEnum p_target, int p_level, int p_internal_format, int p_width, int p_height, int p_border,
+void Model::TexImage2D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_border,
                        GlEnum p_format, GlEnum p_type, const void* p_pixels) {
   TexImage("TexImage2D", p_target, p_level,
-           {static_cast<GlEnum>(p_internal_format), p_width, p_height, 1, p_format, p_type, {}}, p_border, p_pixels);
+           {static_cast<GlEnum>(p_internalFormat), p_width, p_height, 1, p_format, p_type, {}}, p_border, p_pixels);
 }
 
-void Model::TexImage3D(GlEnum p_target, int p_level, int p_internal_format, int p_width, int p_height, int p_depth,
+void Model::TexImage3D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_depth,
                        int p_border, GlEnum p_format, GlEnum p_type, const void* p_pixels) {
   TexImage("TexImage3D", p_target, p_level,
-           {static_cast<GlEnum>(p_internal_format), p_width, p_height, p_depth, p_format, p_type, {}}, p_border,
+           {static_cast<GlEnum>(p_internalFormat), p_width, p_height, p_depth, p_format, p_type, {}}, p_border,
            p_pixels);
 }
 
@@ -208,19 +207,19 @@ void Model::TexImage(const std::string& p_call, GlEnum p_target, int p_level, Re
     Complain(p_call + ": larger than " + std::to_string(limit));
   if (texture == nullptr || !layout || !fits)
     return;
-  const bool is_depth = p_image.format == RGL_DEPTH_COMPONENT || p_image.format == RGL_DEPTH_STENCIL;
-  const std::set<GlEnum> depth_formats = {RGL_DEPTH_COMPONENT,    RGL_DEPTH_COMPONENT16, RGL_DEPTH_COMPONENT24,
-                                          RGL_DEPTH_COMPONENT32F, RGL_DEPTH24_STENCIL8,  RGL_DEPTH_STENCIL};
-  if (is_depth != (depth_formats.count(p_image.internal_format) != 0))
-    Complain(p_call + ": " + Name(p_image.format) + " does not go with " + Name(p_image.internal_format));
+  const bool isDepth = p_image.format == RGL_DEPTH_COMPONENT || p_image.format == RGL_DEPTH_STENCIL;
+  const std::set<GlEnum> depthFormats = {RGL_DEPTH_COMPONENT,    RGL_DEPTH_COMPONENT16, RGL_DEPTH_COMPONENT24,
+                                         RGL_DEPTH_COMPONENT32F, RGL_DEPTH24_STENCIL8,  RGL_DEPTH_STENCIL};
+  if (isDepth != (depthFormats.count(p_image.internalFormat) != 0))
+    Complain(p_call + ": " + Name(p_image.format) + " does not go with " + Name(p_image.internalFormat));
   const unsigned char* source = PixelMemory(p_call, RGL_PIXEL_UNPACK_BUFFER_BINDING, p_pixels, layout->end);
   if (source != nullptr && layout->end != 0) {
     source += layout->first;
     for (int z = 0; z < p_image.depth; ++z)
       for (int y = 0; y < p_image.height; ++y) {
-        const unsigned char* const row = source + static_cast<std::size_t>(z) * layout->image_stride +
-                                         static_cast<std::size_t>(y) * layout->row_stride;
-        p_image.pixels.insert(p_image.pixels.end(), row, row + layout->row_bytes);
+        const unsigned char* const row = source + static_cast<std::size_t>(z) * layout->imageStride +
+                                         static_cast<std::size_t>(y) * layout->rowStride;
+        p_image.pixels.insert(p_image.pixels.end(), row, row + layout->rowBytes);
       }
   }
   texture->levels[p_level] = std::move(p_image);
@@ -241,8 +240,8 @@ void Model::GetTexImage(GlEnum p_target, int p_level, GlEnum p_format, GlEnum p_
   unsigned char* const to = PixelMemory("GetTexImage", RGL_PIXEL_PACK_BUFFER_BINDING, p_pixels, layout->end);
   const auto rows = static_cast<std::size_t>(image.height) * static_cast<std::size_t>(image.depth);
   for (std::size_t row = 0; to != nullptr && row < rows; ++row)
-    std::memcpy(to + layout->first + row * layout->row_stride, image.pixels.data() + row * layout->row_bytes,
-                layout->row_bytes);
+    std::memcpy(to + layout->first + row * layout->rowStride, image.pixels.data() + row * layout->rowBytes,
+                layout->rowBytes);
 }
 
 void Model::GetTexLevelParameteriv(GlEnum p_target, int p_level, GlEnum p_name, int* p_values) {
@@ -264,7 +263,7 @@ void Model::GetTexLevelParameteriv(GlEnum p_target, int p_level, GlEnum p_name, 
     *p_values = image.depth;
     break;
   case RGL_TEXTURE_INTERNAL_FORMAT:
-    *p_values = static_cast<int>(image.internal_format);
+    *p_values = static_cast<int>(image.internalFormat);
     break;
   default:
     Complain("GetTexLevelParameteriv: the recorder has no value for " + Name(p_name));
@@ -287,8 +286,8 @@ void Model::ReadPixels(int p_x, int p_y, int p_width, int p_height, GlEnum p_for
   const bool bytes = p_type == RGL_UNSIGNED_BYTE || p_type == RGL_UNSIGNED_INT_8_8_8_8_REV; // little-endian machines
   const bool swapped = p_format == RGL_BGRA;
   for (int y = 0; y < p_height; ++y) {
-    unsigned char* const row = to + layout->first + static_cast<std::size_t>(y) * layout->row_stride;
-    std::memset(row, 0, layout->row_bytes);
+    unsigned char* const row = to + layout->first + static_cast<std::size_t>(y) * layout->rowStride;
+    std::memset(row, 0, layout->rowBytes);
     for (int x = 0; bytes && (swapped || p_format == RGL_RGBA) && x < p_width; ++x)
       if (const auto found = pixels.find({p_x + x, p_y + y}); found != pixels.end())
         for (std::size_t i = 0; i < 4; ++i)

@@ -24,10 +24,10 @@ constexpr StateVariable Client(GlEnum p_name, GlBitfield p_groups, double p_init
   return {p_name, p_groups, true, false, 1, {p_initial}};
 }
 
-constexpr GlBitfield g_pixels = RGL_CLIENT_PIXEL_STORE_BIT;
-constexpr GlBitfield g_arrays = RGL_CLIENT_VERTEX_ARRAY_BIT;
+constexpr GlBitfield Pixels = RGL_CLIENT_PIXEL_STORE_BIT;
+constexpr GlBitfield Arrays = RGL_CLIENT_VERTEX_ARRAY_BIT;
 
-constexpr StateVariable g_variables[] = {
+constexpr StateVariable Variables[] = {
     // Capabilities
     Flag(RGL_ALPHA_TEST, RGL_COLOR_BUFFER_BIT),
     Flag(RGL_BLEND, RGL_COLOR_BUFFER_BIT),
@@ -94,23 +94,23 @@ constexpr StateVariable g_variables[] = {
     Unit(RGL_TEXTURE_ENV_MODE, RGL_MODULATE),
     Unit(RGL_COORD_REPLACE),
     // State of the client, which display lists do not hold
-    Client(RGL_UNPACK_ALIGNMENT, g_pixels, 4),
-    Client(RGL_UNPACK_ROW_LENGTH, g_pixels),
-    Client(RGL_UNPACK_SKIP_ROWS, g_pixels),
-    Client(RGL_UNPACK_SKIP_PIXELS, g_pixels),
-    Client(RGL_UNPACK_SWAP_BYTES, g_pixels),
-    Client(RGL_UNPACK_IMAGE_HEIGHT, g_pixels),
-    Client(RGL_UNPACK_SKIP_IMAGES, g_pixels),
-    Client(RGL_PACK_ALIGNMENT, g_pixels, 4),
-    Client(RGL_PACK_ROW_LENGTH, g_pixels),
-    Client(RGL_PACK_SKIP_ROWS, g_pixels),
-    Client(RGL_PACK_SKIP_PIXELS, g_pixels),
-    Client(RGL_PACK_SWAP_BYTES, g_pixels),
-    Client(RGL_PIXEL_PACK_BUFFER_BINDING, g_pixels),
-    Client(RGL_PIXEL_UNPACK_BUFFER_BINDING, g_pixels),
-    Client(RGL_ARRAY_BUFFER_BINDING, g_arrays),
-    Client(RGL_ELEMENT_ARRAY_BUFFER_BINDING, g_arrays),
-    Client(RGL_CLIENT_ACTIVE_TEXTURE, g_arrays, RGL_TEXTURE0),
+    Client(RGL_UNPACK_ALIGNMENT, Pixels, 4),
+    Client(RGL_UNPACK_ROW_LENGTH, Pixels),
+    Client(RGL_UNPACK_SKIP_ROWS, Pixels),
+    Client(RGL_UNPACK_SKIP_PIXELS, Pixels),
+    Client(RGL_UNPACK_SWAP_BYTES, Pixels),
+    Client(RGL_UNPACK_IMAGE_HEIGHT, Pixels),
+    Client(RGL_UNPACK_SKIP_IMAGES, Pixels),
+    Client(RGL_PACK_ALIGNMENT, Pixels, 4),
+    Client(RGL_PACK_ROW_LENGTH, Pixels),
+    Client(RGL_PACK_SKIP_ROWS, Pixels),
+    Client(RGL_PACK_SKIP_PIXELS, Pixels),
+    Client(RGL_PACK_SWAP_BYTES, Pixels),
+    Client(RGL_PIXEL_PACK_BUFFER_BINDING, Pixels),
+    Client(RGL_PIXEL_UNPACK_BUFFER_BINDING, Pixels),
+    Client(RGL_ARRAY_BUFFER_BINDING, Arrays),
+    Client(RGL_ELEMENT_ARRAY_BUFFER_BINDING, Arrays),
+    Client(RGL_CLIENT_ACTIVE_TEXTURE, Arrays, RGL_TEXTURE0),
     // Bindings that no group saves
     Client(RGL_DRAW_FRAMEBUFFER_BINDING, 0),
     Client(RGL_READ_FRAMEBUFFER_BINDING, 0),
@@ -128,9 +128,9 @@ constexpr StateVariable g_variables[] = {
 } // namespace
 
 const StateVariable* FindStateVariable(GlEnum p_name) {
-  const auto found = std::find_if(std::begin(g_variables), std::end(g_variables),
+  const auto found = std::find_if(std::begin(Variables), std::end(Variables),
                                   [p_name](const StateVariable& p_variable) { return p_variable.name == p_name; });
-  return found == std::end(g_variables) ? nullptr : found;
+  return found == std::end(Variables) ? nullptr : found;
 }
 
 } // namespace Vek::Chart::Ogl::Recording

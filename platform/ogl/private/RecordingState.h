@@ -11,8 +11,8 @@ namespace Vek::Chart::Ogl::Recording {
 struct StateVariable {
   GlEnum name = 0;
   GlBitfield groups = 0;
-  bool client = false;   ///< saved by PushClientAttrib; display lists never hold it
-  bool per_unit = false; ///< exists once per texture unit
+  bool client = false;  ///< saved by PushClientAttrib; display lists never hold it
+  bool perUnit = false; ///< exists once per texture unit
   std::size_t count = 0;
   std::array<double, 4> initial{};
 };

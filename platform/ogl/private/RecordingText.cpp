@@ -32,16 +32,16 @@ std::string Shortest(T p_value) {
 
 } // namespace
 
-Signature::Signature(std::string_view p_name, std::string_view p_parameters, bool p_is_glu)
+Signature::Signature(std::string_view p_name, std::string_view p_parameters, bool p_isGlu)
     : name(p_name)
-    , is_glu(p_is_glu) {
+    , isGlu(p_isGlu) {
   std::string_view rest = Trimmed(p_parameters.substr(1, p_parameters.size() - 2));
   while (!rest.empty()) {
     const std::size_t comma = std::min(rest.find(','), rest.size());
     const std::string_view parameter = Trimmed(rest.substr(0, comma));
-    const std::size_t name_start = parameter.rfind("p_");
+    const std::size_t nameStart = parameter.rfind("p_");
     parameters.push_back(
-        {std::string(Trimmed(parameter.substr(0, name_start))), std::string(parameter.substr(name_start))});
+        {std::string(Trimmed(parameter.substr(0, nameStart))), std::string(parameter.substr(nameStart))});
     rest.remove_prefix(std::min(comma + 1, rest.size()));
   }
 }
@@ -60,13 +60,13 @@ struct Token {
   GlEnum value;
 };
 
-constexpr Token g_gl_tokens[] = {
+constexpr Token GlTokens[] = {
 #define VEK_GL_TOKEN(p_name, p_value) {"GL_" #p_name, p_value},
 #define VEK_GLU_TOKEN(p_name, p_value)
 #include "platform/ogl/GlTokenList.h"
 };
 
-constexpr Token g_glu_tokens[] = {
+constexpr Token GluTokens[] = {
 #define VEK_GL_TOKEN(p_name, p_value)
 #define VEK_GLU_TOKEN(p_name, p_value) {"GLU_" #p_name, p_value},
 #include "platform/ogl/GlTokenList.h"
@@ -93,12 +93,12 @@ std::string_view SmallEnum(GlEnum p_value, std::string_view p_parameter) {
 
 } // namespace
 
-std::string EnumText(GlEnum p_value, bool p_is_glu, std::string_view p_parameter) {
-  if (p_value <= 1 && !p_is_glu)
+std::string EnumText(GlEnum p_value, bool p_isGlu, std::string_view p_parameter) {
+  if (p_value <= 1 && !p_isGlu)
     return std::string(SmallEnum(p_value, p_parameter));
   const auto matches = [p_value](const Token& p_token) { return p_token.value == p_value && !IsBit(p_token.name); };
-  const Token* const first = p_is_glu ? std::begin(g_glu_tokens) : std::begin(g_gl_tokens);
-  const Token* const end = p_is_glu ? std::end(g_glu_tokens) : std::end(g_gl_tokens);
+  const Token* const first = p_isGlu ? std::begin(GluTokens) : std::begin(GlTokens);
+  const Token* const end = p_isGlu ? std::end(GluTokens) : std::end(GlTokens);
   const Token* const found = std::find_if(first, end, matches);
   return found == end ? Hex(p_value) : std::string(found->name);
 }
@@ -118,13 +118,13 @@ namespace {
 
 /// Whether an int parameter takes enumerants, as far as they can be told from numbers.
 bool MayBeEnum(const std::string& p_function, const std::string& p_parameter) {
-  if (p_parameter == "p_internal_format")
+  if (p_parameter == "p_internalFormat")
     return true;
   return p_parameter == "p_value" && (p_function == "TexParameteri" || p_function == "TexEnvi" ||
                                       p_function == "TexGeni" || p_function == "LightModeli");
 }
 
-constexpr long long g_least_enumerant = 0x0100;
+constexpr long long LeastEnumerant = 0x0100;
 
 } // namespace
 
@@ -133,7 +133,7 @@ std::string LineWriter::Integer(const Signature::Parameter& p_parameter, long lo
     _count = p_value;
   if (p_parameter.type == "GlEnum") {
     _enumerant = static_cast<GlEnum>(p_value);
-    return EnumText(_enumerant, _signature.is_glu, p_parameter.name);
+    return EnumText(_enumerant, _signature.isGlu, p_parameter.name);
   }
   if (p_parameter.type == "GlBitfield")
     return Bits(static_cast<GlBitfield>(p_value));
@@ -141,7 +141,7 @@ std::string LineWriter::Integer(const Signature::Parameter& p_parameter, long lo
     return p_value == 0 ? "GL_FALSE" : p_value == 1 ? "GL_TRUE" : std::to_string(p_value);
   if (p_parameter.type == "unsigned short")
     return Hex(static_cast<unsigned long long>(p_value));
-  if (p_value >= g_least_enumerant && MayBeEnum(_signature.name, p_parameter.name)) {
+  if (p_value >= LeastEnumerant && MayBeEnum(_signature.name, p_parameter.name)) {
     const std::string text = EnumText(static_cast<GlEnum>(p_value), false);
     return StartsWith(text, "0x") ? std::to_string(p_value) : text;
   }
@@ -154,7 +154,7 @@ std::string LineWriter::Bits(GlBitfield p_value) const {
                                                                       : "";
   std::string text;
   GlBitfield rest = p_value;
-  for (const Token& token : g_gl_tokens) {
+  for (const Token& token : GlTokens) {
     const bool special = StartsWith(token.name, "GL_CLIENT_") || StartsWith(token.name, "GL_MAP_");
     if (!IsBit(token.name) || (kind.empty() ? special : !StartsWith(token.name, kind)))
       continue;

@@ -17,16 +17,16 @@ struct Signature {
     std::string name;
   };
   /// `p_parameters` is the parameter list as it stands in the source: "(GlEnum p_mode, int p_x)".
-  Signature(std::string_view p_name, std::string_view p_parameters, bool p_is_glu);
+  Signature(std::string_view p_name, std::string_view p_parameters, bool p_isGlu);
 
   std::string name;
   std::vector<Parameter> parameters;
-  bool is_glu;
+  bool isGlu;
 };
 
 /// "GL_BLEND" (or "GLU_FILL"); an unknown value in hex. Of the names that share 0 and 1, those of primitives and blend
 /// factors are chosen by the parameter's name.
-std::string EnumText(GlEnum p_value, bool p_is_glu, std::string_view p_parameter = {});
+std::string EnumText(GlEnum p_value, bool p_isGlu, std::string_view p_parameter = {});
 /// Shortest text that reads back the same.
 std::string NumberText(double p_value);
 std::string NumberText(float p_value);

@@ -45,11 +45,11 @@ struct NumberOf {
 };
 
 /// Makes a function of the table count what it makes (1) or deletes (−1).
-template <auto p_function, int p_sign, class Result, class... Arguments>
+template <auto PFunction, int PSign, class Result, class... Arguments>
 void Count(Ogl::GlFunctions& p_table, Result (*)(Arguments...)) {
-  p_table.*p_function = [](Arguments... p_arguments) -> Result {
-    live += p_sign * NumberOf()(p_arguments...);
-    return (Ogl::NativeGl().*p_function)(p_arguments...);
+  p_table.*PFunction = [](Arguments... p_arguments) -> Result {
+    live += PSign * NumberOf()(p_arguments...);
+    return (Ogl::NativeGl().*PFunction)(p_arguments...);
   };
 }
 
@@ -225,7 +225,7 @@ QImage Part(const QImage& p_image, const Types::Viewport<0>& p_frame) {
 double DifferenceFromOffScreen(SceneView& p_view) {
   const QImage shown = p_view.Picture();
   p_view.doneCurrent(); // one context at a time on a thread
-  Ogl::OffscreenContext context({shown.width(), shown.height()}, p_view.About().true_pixels ? 0 : 4);
+  Ogl::OffscreenContext context({shown.width(), shown.height()}, p_view.About().truePixels ? 0 : 4);
   Gallery::Loading loading;
   const std::unique_ptr<Gallery::Scene> scene = p_view.About().load(loading);
   Utility::Scoped<Rgl> gl(context.Handle());

@@ -110,9 +110,9 @@ TEST(Logger, TheDefaultSinkWritesLinesToStandardError) {
 
 TEST(Logger, LinesOfTwoThreadsNeverMix) {
   const ReportCapture reports;
-  constexpr int count = 500;
+  constexpr int Count = 500;
   const auto write = [](const char* p_name) {
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < Count; ++i)
       logger::instance().derr() << p_name << ' ' << i << std::endl;
   };
   std::thread first(write, "a");
@@ -125,7 +125,7 @@ TEST(Logger, LinesOfTwoThreadsNeverMix) {
     int& number = next[text[0] == 'a' ? 0 : 1];
     EXPECT_EQ(text.substr(1), ' ' + std::to_string(number++));
   }
-  EXPECT_EQ(next[0] + next[1], 2 * count);
+  EXPECT_EQ(next[0] + next[1], 2 * Count);
 }
 
 namespace {

@@ -45,9 +45,9 @@ BufferDraw Square(const Rgl& p_gl) {
   draw.vertices = MakeBuffer<Record>(p_gl, {Point(0, 0, 0), Point(0, 0, 1), Point(2, 0, 0), Point(0, 0, 1),
                                             Point(2, 2, 0), Point(0, 0, 1), Point(0, 2, 0), Point(0, 0, 1)});
   draw.attributes = BufferDraw::Positions | BufferDraw::Normals;
-  draw.position_stride = 24;
-  draw.normal_stride = 24;
-  draw.normal_offset = 12;
+  draw.positionStride = 24;
+  draw.normalStride = 24;
+  draw.normalOffset = 12;
   return draw;
 }
 
@@ -82,11 +82,11 @@ TEST_F(BufferDrawCalls, UndrawableBuffersAreReported) {
       {"type != VertexBuffer::Undecided", [](BufferDraw& p_draw) { p_draw.type = Ogl::VertexBuffer::Undecided; }},
       {"indices.Count() != 0", [](BufferDraw& p_draw) { p_draw.indices = {}; }},
       {"vertices.Count() != 0", [](BufferDraw& p_draw) { p_draw.vertices = {}; }},
-      {"positionOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.position_offset = 85; }},
-      {"positionOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.position_offset = 0xFFFFFFFF; }},
-      {"normalOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.normal_stride = 0x80000000; }},
+      {"positionOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.positionOffset = 85; }},
+      {"positionOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.positionOffset = 0xFFFFFFFF; }},
+      {"normalOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.normalStride = 0x80000000; }},
       {"instanceAttribute.records.Count() >= instances",
-       [](BufferDraw& p_draw) { p_draw.instance_attributes.resize(1); }},
+       [](BufferDraw& p_draw) { p_draw.instanceAttributes.resize(1); }},
   };
   for (const auto& [expression, spoil] : cases) {
     BufferDraw draw = Square(*gl);
@@ -115,8 +115,8 @@ TEST_F(BufferDrawPixels, InstancesLieWhereTheirAttributesSay) {
                                    "varying vec4 color; void main() { gl_FragColor = color; }\n",
                                    {"", "", "", "", "", "", "offset"});
   ASSERT_TRUE(program.Linked());
-  const boost::shared_ptr<void> in_use = program.Use(gl);
-  draw.instance_attributes = {{6, MakeBuffer<Record>(*gl, {Point(4, 1, 0), Point(7, 3, 0)})}};
+  const boost::shared_ptr<void> inUse = program.Use(gl);
+  draw.instanceAttributes = {{6, MakeBuffer<Record>(*gl, {Point(4, 1, 0), Point(7, 3, 0)})}};
   draw.Draw(gl, 2);
   draw.Draw(gl, 0);
   EXPECT_EQ(Map(Corner(9, 5), Qt::red), ".......##\n"

@@ -19,7 +19,7 @@ template <class T>
 using WriteArray = Ogl::BufferPool::WriteArray<T>;
 
 class BufferPoolCalls : public RecordingScopeFixture {
-protected:
+public:
   template <class T>
   Ogl::Buffer<T> Make(std::size_t p_count, Ogl::BufferUsage::Kind p_usage = Ogl::BufferUsage::Default) const {
     return gl->GetBufferPool().CreateBuffer<T>(p_count, p_usage);

@@ -130,7 +130,7 @@ TEST(OffscreenContextPixels, ImpossibleSizesAreRefusedWithAReason) {
 // A machine without drivers: the message must say what to install. In a process of its own, before EGL is used in it.
 TEST(OffscreenContextPixels, WithoutADriverTheErrorSaysWhatToInstall) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
-  const auto try_context = [] {
+  const auto tryContext = [] {
     setenv("__EGL_VENDOR_LIBRARY_DIRS", "/nonexistent", 1);
     try {
       Ogl::OffscreenContext context({9, 3});
@@ -140,7 +140,7 @@ TEST(OffscreenContextPixels, WithoutADriverTheErrorSaysWhatToInstall) {
     }
     std::exit(0);
   };
-  EXPECT_EXIT(try_context(), testing::ExitedWithCode(3),
+  EXPECT_EXIT(tryContext(), testing::ExitedWithCode(3),
               "No off-screen GL context: .*needs the packages libegl1, libegl-mesa0 and libgl1-mesa-dri");
 }
 

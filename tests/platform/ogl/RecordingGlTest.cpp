@@ -169,7 +169,7 @@ TEST_F(RecordingGlCalls, TexturesHoldWhatTheUnpackStateSelects) {
   gl->TexImage2D(RGL_TEXTURE_2D, 0, RGL_RGB8, 1, 2, 0, RGL_RGB, RGL_UNSIGNED_BYTE, padded);
   const Ogl::RecordingGl::TextureLevel& level = recorder.FindTexture(texture->Name())->levels.at(0);
   EXPECT_EQ(level.pixels, (std::vector<unsigned char>{1, 2, 3, 4, 5, 6}));
-  EXPECT_EQ(level.internal_format, RGL_RGB8);
+  EXPECT_EQ(level.internalFormat, RGL_RGB8);
   gl->PixelStorei(RGL_UNPACK_ALIGNMENT, 1);
   gl->TexImage2D(RGL_TEXTURE_2D, 0, RGL_RGB8, 1, 2, 0, RGL_RGB, RGL_UNSIGNED_BYTE, padded);
   EXPECT_EQ(level.pixels, (std::vector<unsigned char>{1, 2, 3, 99, 4, 5}));

@@ -34,12 +34,12 @@ TEST(Rgl, OnlyTheOutermostScopeSwitchesContexts) {
   EXPECT_EQ(broken.ScopeDepth(), 0U);
   const ReportCapture reports;
   broken.ScopeEnd();
-  EXPECT_EQ(reports.Texts(), Lines{"\"_scope_depth > 0\" - void __cdecl Vek::Chart::Ogl::Rgl::ScopeEnd(void)"});
+  EXPECT_EQ(reports.Texts(), Lines{"\"_scopeDepth > 0\" - void __cdecl Vek::Chart::Ogl::Rgl::ScopeEnd(void)"});
   EXPECT_EQ(broken.ScopeDepth(), 0U);
 }
 
 class RglCalls : public RecordingScopeFixture {
-protected:
+public:
   const ReportCapture reports;
 };
 
@@ -165,10 +165,10 @@ TEST_F(RglCalls, VersionsAndFeaturesAreReadFromTheDevice) {
     Ogl::RecordingGl device;
     device.SetVersion(row.version);
     device.SetExtensions(row.extensions);
-    const Scope device_gl(device.Handle());
-    EXPECT_EQ(device_gl->GlVersion(), row.number);
+    const Scope deviceGl(device.Handle());
+    EXPECT_EQ(deviceGl->GlVersion(), row.number);
     for (const Features::Feature feature : all)
-      EXPECT_EQ(device_gl->Features().Supported(feature), row.features.count(feature) != 0) << "feature " << feature;
+      EXPECT_EQ(deviceGl->Features().Supported(feature), row.features.count(feature) != 0) << "feature " << feature;
   }
   recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {12345});
   EXPECT_EQ(gl->GetMaxTextureSize(), 12345);

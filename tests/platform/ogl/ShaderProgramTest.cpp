@@ -64,7 +64,7 @@ TEST_F(ShaderProgramCalls, UseRestoresThePreviousProgram) {
 
 TEST_F(ShaderProgramCalls, UniformsAreSetByName) {
   const ShaderProgram program(gl, "v", "f");
-  const boost::shared_ptr<void> in_use = program.Use(gl);
+  const boost::shared_ptr<void> inUse = program.Use(gl);
   recorder.Clear();
   program.SetUniform(gl, "a", 3);
   program.SetUniform(gl, "b", 0.5F);

@@ -21,8 +21,8 @@ void MakeApplication() {
   static int count = 1;
   static char name[] = "test";
   static char* arguments[] = {name, nullptr};
-  static auto* const application = new QGuiApplication(count, arguments);
-  ASSERT_EQ(QCoreApplication::instance(), application);
+  static auto* const Application = new QGuiApplication(count, arguments);
+  ASSERT_EQ(QCoreApplication::instance(), Application);
 }
 
 using TextCalls = RecordingScopeFixture;
@@ -139,8 +139,8 @@ TEST_F(TextPixels, StandsAtItsPositionTexelForPixel) {
   text.firstColor = QColor(200, 100, 50);
   text.secondColor = QColor(20, 40, 60);
   text.flag = true;
-  for (const Ogl::GlEnum left_on : {RGL_LIGHTING, RGL_POLYGON_STIPPLE, RGL_DEPTH_TEST, RGL_TEXTURE_3D})
-    gl->Enable(left_on);
+  for (const Ogl::GlEnum leftOn : {RGL_LIGHTING, RGL_POLYGON_STIPPLE, RGL_DEPTH_TEST, RGL_TEXTURE_3D})
+    gl->Enable(leftOn);
   gl->DepthFunc(RGL_NEVER);
   gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_LINE);
   gl->PixelStorei(RGL_UNPACK_ROW_LENGTH, 500);

@@ -105,7 +105,7 @@ TEST_F(VertexDataCalls, UndrawableDataIsReported) {
   const auto floats = [](std::size_t p_count) { return Shared(std::vector<float>(p_count, 1)); };
   const auto bytes = Shared<unsigned char>({0, 1, 3});
   const auto integers = Shared<unsigned int>({0xFFFFFFFF, 0});
-  const std::string primitive = "_primitive_type.Defined() && _primitive_type != Undecided";
+  const std::string primitive = "_primitiveType.Defined() && _primitiveType != Undecided";
   const auto beyond = static_cast<VertexBuffer::PrimitiveType>(1000);
   const std::pair<std::string, std::function<void(VertexData&)>> cases[] = {
       {"!_vertices.Empty()", [](auto& p_data) { p_data.SetVertices({}, 3, 3, VertexData::Float); }},
@@ -162,7 +162,7 @@ TEST_F(VertexDataPixels, IndexedAndInstancedDataCoverTheirPixels) {
                                    "}\n",
                                    "void main() { gl_FragColor = vec4(1.0, 0.0, 0.0, 1.0); }\n");
   ASSERT_TRUE(program.Linked());
-  const boost::shared_ptr<void> in_use = program.Use(gl);
+  const boost::shared_ptr<void> inUse = program.Use(gl);
   VertexData square;
   square.SetVertices(Shared<double>({4, 3, 6, 3, 6, 5, 4, 5}), 4, 2, VertexData::Double);
   square.PrimitiveType() = VertexBuffer::Quads;

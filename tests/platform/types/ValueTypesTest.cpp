@@ -140,14 +140,14 @@ TEST(BoundingBox, GrowsFromNothingAndNaNChangesNothingOfItsComponent) {
 }
 
 TEST(MinMax, GrowsFromNothing) {
-  constexpr double infinity = std::numeric_limits<double>::infinity();
+  constexpr double Infinity = std::numeric_limits<double>::infinity();
   MinMax_Base<double> range;
   range += NaN;
   EXPECT_TRUE(range.Empty());
-  range += infinity;
-  EXPECT_TRUE(!range.Empty() && range.min == infinity);
+  range += Infinity;
+  EXPECT_TRUE(!range.Empty() && range.min == Infinity);
   range += -3;
-  EXPECT_TRUE(range.min == -3 && range.max == infinity);
+  EXPECT_TRUE(range.min == -3 && range.max == Infinity);
 }
 
 TEST(Property, StateBitsFollowAssignments) {
