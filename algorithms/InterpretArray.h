@@ -34,7 +34,7 @@ struct vekdebug::TypeName<Vek::Chart::Ogl::BufferPool::WriteArray<T>> {
 /// without sign, double becomes the nearest float (infinity beyond the float range), float is copied, and of a bool
 /// the stored byte is kept, whatever it is.
 ///
-/// \snippet DataSnippetsTest.cpp InterpretArray
+/// \snippet DataSnippets.cpp InterpretArray
 namespace Vek::Chart::Algorithms {
 
 /// What a tuple type consists of: `Count` components of type `Scalar` and nothing else.

@@ -15,7 +15,7 @@ namespace Vek::Chart::Library {
 /// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
 /// cannot make is reported and nothing is drawn.
 ///
-/// \snippet DrawingSnippetsTest.cpp Arrow3D
+/// \snippet DrawingSnippets.cpp Arrow3D
 /// \image html shapes.jpg
 /// \ingroup drawables
 class VEK_LIBRARY_API Arrow3D {

@@ -1,6 +1,6 @@
 #include "library/Box.h"
 
-#include "library/private/Truncate.h"
+#include "library/private/gl/Truncate.h"
 
 namespace Vek::Chart::Library {
 

@@ -14,7 +14,7 @@ namespace Vek::Chart::Library {
 ///
 /// The projection must map pixels to the viewport (`Rgl::PixelProjection`). Leaves the current colour changed.
 ///
-/// \snippet DrawingSnippetsTest.cpp Box
+/// \snippet DrawingSnippets.cpp Box
 /// \image html shapes.jpg
 /// \ingroup drawables
 class VEK_LIBRARY_API Box {

@@ -1,7 +1,7 @@
 #include "library/CloneAttribute.h"
 
 #include "library/StreamWriter.h"
-#include "library/private/GrowingDataWriter.h"
+#include "library/private/memory/GrowingDataWriter.h"
 #include "platform/data/QuantityUnit.h"
 #include "platform/data/VertexAttribute.h"
 #include "platform/data/VertexIndex.h"

@@ -20,7 +20,7 @@ namespace Vek::Chart::Library {
 /// A source that offers none of the interfaces, or no source, is reported, and the result is empty. Every clone is
 /// described on the debug channel "DataRepository". Exceptions of the source and of the allocation pass through.
 ///
-/// \snippet DataSnippetsTest.cpp CloneAttribute
+/// \snippet DataSnippets.cpp CloneAttribute
 /// \ingroup data
 VEK_LIBRARY_API boost::shared_ptr<SupportedInterface::ISupportedInterface>
 CloneAttribute(const boost::shared_ptr<SupportedInterface::ISupportedInterface>& p_source);

@@ -1,6 +1,6 @@
 #include "library/ColorAtlas.h"
 
-#include "library/private/ColorAtlasImpl.h"
+#include "library/private/color/ColorAtlasImpl.h"
 #include "platform/debug/Check.h"
 
 #include <algorithm>

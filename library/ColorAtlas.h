@@ -71,7 +71,7 @@ private:
 ///
 /// Building takes time linear in the number of texels, for trees of any depth. Rendering thread only.
 ///
-/// \snippet ColorSnippetsTest.cpp ColorAtlas
+/// \snippet ColorSnippets.cpp ColorAtlas
 /// \image html atlas.jpg
 /// \ingroup colours
 class VEK_LIBRARY_API ColorAtlas {

@@ -1,6 +1,6 @@
 #include "library/ColorMap.h"
 
-#include "library/private/TextureUpload.h"
+#include "library/private/gl/TextureUpload.h"
 #include "platform/debug/Check.h"
 #include "platform/types/ColorChannels.h"
 #include "platform/types/Math.h"

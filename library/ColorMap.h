@@ -29,7 +29,7 @@ namespace Vek::Chart::Library {
 /// colour is dropped), "size > 0" for a list without colours. Such a map is empty: its size is 0, all its look-ups
 /// give the transparent colour (0, 0, 0, 0), and binding it uploads nothing.
 ///
-/// \snippet ColorSnippetsTest.cpp ColorMap
+/// \snippet ColorSnippets.cpp ColorMap
 /// \image html wind.jpg
 /// \ingroup colours
 class VEK_LIBRARY_API ColorMap {

@@ -1,6 +1,6 @@
 #include "library/ColorScale.h"
 
-#include "library/private/ValueBuckets.h"
+#include "library/private/color/ValueBuckets.h"
 #include "platform/debug/Check.h"
 
 #include <algorithm>

@@ -32,7 +32,7 @@ namespace Vek::Chart::Library {
 /// "p_lower < p_upper", "p_lower > 0" on a logarithmic scale,
 /// "std::isfinite(p_lower) && std::isfinite(p_upper)".
 ///
-/// \snippet ColorSnippetsTest.cpp ColorScale
+/// \snippet ColorSnippets.cpp ColorScale
 /// \image html colors.jpg
 /// \ingroup colours
 class VEK_LIBRARY_API ColorScale {

@@ -15,7 +15,7 @@ namespace Vek::Chart::Library {
 /// scaling are undone by their inverses, so that the matrix returns but for rounding. An edge of length 0 has no
 /// inverse; the matrix is lost then.
 ///
-/// \snippet DrawingSnippetsTest.cpp Cuboid
+/// \snippet DrawingSnippets.cpp Cuboid
 /// \image html shapes.jpg
 /// \ingroup drawables
 class VEK_LIBRARY_API Cuboid {

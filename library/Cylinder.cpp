@@ -1,6 +1,6 @@
 #include "library/Cylinder.h"
 
-#include "library/private/QuadricDraw.h"
+#include "library/private/gl/QuadricDraw.h"
 
 namespace Vek::Chart::Library {
 

@@ -15,7 +15,7 @@ namespace Vek::Chart::Library {
 /// step, so that 0.123456 comes back as about 0.1195; `PreciseGlsl` packs without that loss. Only static members; any
 /// thread may call them.
 ///
-/// \snippet PickingSnippetsTest.cpp DepthCodec
+/// \snippet PickingSnippets.cpp DepthCodec
 /// \image html picking.jpg
 /// \ingroup picking
 struct VEK_LIBRARY_API DepthCodec {

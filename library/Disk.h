@@ -16,7 +16,7 @@ namespace Vek::Chart::Library {
 /// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
 /// cannot make is reported and nothing is drawn.
 ///
-/// \snippet DrawingSnippetsTest.cpp Disk
+/// \snippet DrawingSnippets.cpp Disk
 /// \image html shapes.jpg
 /// \ingroup drawables
 class VEK_LIBRARY_API Disk {

@@ -17,7 +17,7 @@ namespace Vek::Chart::Library {
 ///
 /// The projection must map pixels to the viewport (`Rgl::PixelProjection`). Leaves the current colour changed.
 ///
-/// \snippet DrawingSnippetsTest.cpp FilledBox
+/// \snippet DrawingSnippets.cpp FilledBox
 /// \image html shapes.jpg
 /// \ingroup drawables
 class VEK_LIBRARY_API FilledBox {

@@ -2,8 +2,8 @@
 
 #include "library/Ring.h"
 #include "library/TexturedCube.h"
-#include "library/private/CircularArrowMesh.h"
-#include "library/private/QuadricDraw.h"
+#include "library/private/mesh/CircularArrowMesh.h"
+#include "library/private/gl/QuadricDraw.h"
 
 namespace Vek::Chart::Library {
 

@@ -27,7 +27,7 @@ namespace Vek::Chart::Library {
 /// which must be current when the object is destroyed. A quadric that GL cannot make is reported and leaves its list
 /// empty; a list that GL cannot make is reported and its shape draws nothing.
 ///
-/// \snippet DrawingSnippetsTest.cpp Geometry
+/// \snippet DrawingSnippets.cpp Geometry
 /// \image html shapes.jpg
 /// \ingroup drawables
 class VEK_LIBRARY_API Geometry {

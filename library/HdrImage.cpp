@@ -1,9 +1,9 @@
 #include "library/HdrImage.h"
 
-#include "library/private/ByteSource.h"
-#include "library/private/PathHash.h"
-#include "library/private/RgbeScanline.h"
-#include "library/private/UnsetVector.h"
+#include "library/private/io/ByteSource.h"
+#include "library/private/io/PathHash.h"
+#include "library/private/io/RgbeScanline.h"
+#include "library/private/memory/UnsetVector.h"
 #include "platform/debug/Check.h"
 
 #include <boost/algorithm/string/trim.hpp>

@@ -42,7 +42,7 @@ namespace Vek::Chart::Library {
 ///
 /// Copies share their pixels. No GPU state, no threads of its own.
 ///
-/// \snippet ImageSnippetsTest.cpp HdrImage
+/// \snippet ImageSnippets.cpp HdrImage
 /// \image html hdr.jpg
 /// \ingroup images
 class VEK_LIBRARY_API HdrImage {

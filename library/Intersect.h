@@ -18,7 +18,7 @@ namespace Vek::Chart::Library {
 /// so. An out argument may be one of the arguments that are read. All geometry is in double precision except where a
 /// member says otherwise. `epsilon` below is the machine epsilon of double, 2^-52.
 ///
-/// \snippet DataSnippetsTest.cpp Intersect
+/// \snippet DataSnippets.cpp Intersect
 /// \image html cuts.jpg
 /// \ingroup cuts
 class VEK_LIBRARY_API Intersect {

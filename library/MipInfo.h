@@ -9,7 +9,7 @@ namespace Vek::Chart::Library {
 /// The mip-map levels of a 2-D texture, and their sizes. Level 0 is the whole picture, each further one half of it in
 /// both directions, rounded down and at least 1, down to 1 × 1.
 ///
-/// \snippet PickingSnippetsTest.cpp MipInfo
+/// \snippet PickingSnippets.cpp MipInfo
 /// \ingroup picking
 class MipInfo {
 public:

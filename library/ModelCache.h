@@ -22,7 +22,7 @@ namespace Vek::Chart::Library {
 /// of its own. A copy of a cache shares the buffers registered so far. Buffers live as long as a cache or a record
 /// holds them; the context they were made in must be current when the last holder goes.
 ///
-/// \snippet GlyphSnippetsTest.cpp ModelCache
+/// \snippet GlyphSnippets.cpp ModelCache
 /// \image html earthquakes.jpg
 /// \ingroup glyphs
 class VEK_LIBRARY_API ModelCache {

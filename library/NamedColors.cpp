@@ -1,6 +1,6 @@
 #include "library/NamedColors.h"
 
-#include "library/private/NamedColorTables.h"
+#include "library/private/color/NamedColorTables.h"
 #include "platform/debug/Check.h"
 #include "platform/types/ColorChannels.h"
 

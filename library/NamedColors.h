@@ -18,7 +18,7 @@ namespace Vek::Chart::Library {
 ///
 /// An unknown name is reported with the names that are known, and gives no colours. Safe from several threads at once.
 ///
-/// \snippet ColorSnippetsTest.cpp NamedColors
+/// \snippet ColorSnippets.cpp NamedColors
 /// \image html colors.jpg
 /// \ingroup colours
 class VEK_LIBRARY_API NamedColors {

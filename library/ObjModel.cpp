@@ -1,7 +1,7 @@
 #include "library/ObjModel.h"
 
-#include "library/private/LineBlocks.h"
-#include "library/private/ObjReader.h"
+#include "library/private/io/LineBlocks.h"
+#include "library/private/io/ObjReader.h"
 
 #include <boost/make_shared.hpp>
 

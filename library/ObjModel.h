@@ -22,7 +22,7 @@ namespace Vek::Chart::Library {
 /// a change through one is seen through the other; primitive type and bounds are copied. A model that nobody changes
 /// may be read from several threads.
 ///
-/// \snippet GlyphSnippetsTest.cpp ObjModel
+/// \snippet GlyphSnippets.cpp ObjModel
 /// \image html symbols.jpg
 /// \ingroup glyphs
 class VEK_LIBRARY_API ObjModel {

@@ -15,7 +15,7 @@ namespace Vek::Chart::Library {
 /// Maps the engine's pattern numbers to what GL draws them with: a line stipple, a polygon stipple or a point-sprite
 /// texture. Any number is allowed; the ones that have no row of their own are solid (for points: the rectangle).
 ///
-/// \snippet ColorSnippetsTest.cpp Pattern
+/// \snippet ColorSnippets.cpp Pattern
 /// \image html styles.jpg
 /// \ingroup colours
 class VEK_LIBRARY_API Pattern {

@@ -1,6 +1,6 @@
 #include "library/RenderTexture.h"
 
-#include "library/private/PixelStore.h"
+#include "library/private/gl/PixelStore.h"
 #include "platform/debug/Check.h"
 #include "platform/ogl/Guard.h"
 

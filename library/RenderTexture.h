@@ -31,7 +31,7 @@ namespace Vek::Chart::Library {
 /// can be bound, but GL refuses to draw to it, and reading yields an empty result. When only the multisampled storage
 /// is incomplete, drawing goes on without samples.
 ///
-/// \snippet PickingSnippetsTest.cpp RenderTexture
+/// \snippet PickingSnippets.cpp RenderTexture
 /// \image html picking.jpg
 /// \ingroup picking
 class VEK_LIBRARY_API RenderTexture {

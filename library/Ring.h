@@ -21,7 +21,7 @@ namespace Vek::Chart::Ogl::Library {
 /// Elsewhere the translation back is issued before `End`, where GL refuses it (GL_INVALID_OPERATION) and the matrix
 /// stays moved; callers that move a ring save the matrix themselves.
 ///
-/// \snippet DrawingSnippetsTest.cpp Ring
+/// \snippet DrawingSnippets.cpp Ring
 /// \image html shapes.jpg
 /// \ingroup drawables
 class VEK_LIBRARY_API Ring {

@@ -1,6 +1,6 @@
 #include "library/Sphere.h"
 
-#include "library/private/QuadricDraw.h"
+#include "library/private/gl/QuadricDraw.h"
 
 namespace Vek::Chart::Library {
 

@@ -15,7 +15,7 @@ namespace Vek::Chart::Library {
 /// normals, at one point of the line; connecting the rings is the caller's business. A cross-section does not change
 /// after its construction and may be read from several threads. Nothing is reported.
 ///
-/// \snippet GlyphSnippetsTest.cpp StreamLineShape
+/// \snippet GlyphSnippets.cpp StreamLineShape
 /// \image html streamlines.jpg
 /// \ingroup glyphs
 class VEK_LIBRARY_API StreamLineShape {

@@ -186,7 +186,7 @@ class ContainerStreamWriter;
 /// Puts what a source of vertex data pushes into a vector, converted to its elements E. These are
 /// boost::array<unsigned char, 1>, boost::array<float, 1 to 4> or boost::array<unsigned int, 1 to 4>.
 ///
-/// \snippet DataSnippetsTest.cpp ContainerStreamWriter
+/// \snippet DataSnippets.cpp ContainerStreamWriter
 /// \ingroup data
 template <class E>
 class ContainerStreamWriter<std::vector<E>, ContainerOperations::StaticContainer, E> final

@@ -17,7 +17,7 @@ namespace Vek::Chart::Library {
 
 /// Says whether a style draws anything, and draws with it. Only the effective values of a style's properties count.
 ///
-/// \snippet ColorSnippetsTest.cpp Style
+/// \snippet ColorSnippets.cpp Style
 /// \image html styles.jpg
 /// \ingroup colours
 class VEK_LIBRARY_API Style {

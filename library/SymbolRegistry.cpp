@@ -1,6 +1,6 @@
 #include "library/SymbolRegistry.h"
 
-#include "library/private/PathHash.h"
+#include "library/private/io/PathHash.h"
 #include "platform/debug/Check.h"
 
 #include <boost/make_shared.hpp>

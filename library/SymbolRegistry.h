@@ -21,7 +21,7 @@ namespace Vek::Chart::Library {
 ///
 /// The models belong to the cache, which may be shared and may hold others.
 ///
-/// \snippet GlyphSnippetsTest.cpp SymbolRegistry
+/// \snippet GlyphSnippets.cpp SymbolRegistry
 /// \image html symbols.jpg
 /// \ingroup glyphs
 class VEK_LIBRARY_API SymbolRegistry {

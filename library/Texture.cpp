@@ -1,6 +1,6 @@
 #include "library/Texture.h"
 
-#include "library/private/TextureUpload.h"
+#include "library/private/gl/TextureUpload.h"
 #include "platform/debug/Check.h"
 
 #include <cstddef>

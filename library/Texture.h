@@ -23,7 +23,7 @@ namespace Vek::Chart::Library {
 /// Errors: an image without texels is reported as "_width > 0 && _height > 0 && "Invalid Texture Size"" (not before GL
 /// 2.0, where it is taken as 1 × 1). It can be bound, but nothing is uploaded for it.
 ///
-/// \snippet ColorSnippetsTest.cpp Texture
+/// \snippet ColorSnippets.cpp Texture
 /// \image html shapes.jpg
 /// \ingroup colours
 class VEK_LIBRARY_API Texture {

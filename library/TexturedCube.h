@@ -16,7 +16,7 @@ namespace Vek::Chart::Library {
 ///
 /// Leaves the current texture coordinate of its unit changed.
 ///
-/// \snippet DrawingSnippetsTest.cpp TexturedCube
+/// \snippet DrawingSnippets.cpp TexturedCube
 /// \image html shapes.jpg
 /// \ingroup drawables
 class VEK_LIBRARY_API TexturedCube {

@@ -1,6 +1,6 @@
 #include "library/TexturedQuad.h"
 
-#include "library/private/Truncate.h"
+#include "library/private/gl/Truncate.h"
 #include "platform/debug/Check.h"
 
 #include <algorithm>

@@ -25,7 +25,7 @@ namespace Vek::Chart::Library {
 /// alignment when a texture is uploaded (it is 1 then), and the blend function when a layer was blended. The attribute
 /// stack restores textures and the active unit, enables and the depth function.
 ///
-/// \snippet DrawingSnippetsTest.cpp TexturedQuad
+/// \snippet DrawingSnippets.cpp TexturedQuad
 /// \image html shapes.jpg
 /// \ingroup drawables
 class VEK_LIBRARY_API TexturedQuad {

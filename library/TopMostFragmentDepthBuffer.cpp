@@ -1,8 +1,8 @@
 #include "library/TopMostFragmentDepthBuffer.h"
 
 #include "library/RenderTexture.h"
-#include "library/private/PixelStore.h"
-#include "library/private/Truncate.h"
+#include "library/private/gl/PixelStore.h"
+#include "library/private/gl/Truncate.h"
 #include "platform/ogl/HitRecord.h"
 
 #include <boost/array.hpp>

@@ -19,7 +19,7 @@ namespace Vek::Chart::Library {
 ///
 /// Owns GL objects from the first pick on; to be destroyed while that context is current. Rendering thread only.
 ///
-/// \snippet PickingSnippetsTest.cpp TopMostFragmentDepthBuffer
+/// \snippet PickingSnippets.cpp TopMostFragmentDepthBuffer
 /// \image html picking.jpg
 /// \ingroup picking
 class VEK_LIBRARY_API TopMostFragmentDepthBuffer {

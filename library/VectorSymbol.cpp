@@ -1,7 +1,7 @@
 #include "library/VectorSymbol.h"
 
-#include "library/private/GlyphLayer.h"
-#include "library/private/SharedArray.h"
+#include "library/private/mesh/GlyphLayer.h"
+#include "library/private/memory/SharedArray.h"
 #include "platform/debug/Check.h"
 #include "platform/types/Geometry.h"
 

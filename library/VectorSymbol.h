@@ -27,7 +27,7 @@ namespace Vek::Chart::Library {
 ///
 /// No operation needs a GL context. Memory exhaustion is thrown as std::bad_alloc and leaves the targets as they were.
 ///
-/// \snippet GlyphSnippetsTest.cpp VectorSymbol
+/// \snippet GlyphSnippets.cpp VectorSymbol
 /// \image html wind.jpg
 /// \ingroup glyphs
 class VEK_LIBRARY_API VectorSymbol {
@@ -142,7 +142,7 @@ public:
   /// Memory that is too small for the instances that are not left out, or that could not be mapped, is reported; then
   /// nothing is written and 0 comes back.
   ///
-  /// \snippet GlyphSnippetsTest.cpp MappedLayer
+  /// \snippet GlyphSnippets.cpp MappedLayer
   std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
                            const LayerMemory& p_memory) const;
 

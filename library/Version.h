@@ -7,7 +7,7 @@ namespace Vek::Chart::Library {
 
 /// The version of the library that is loaded, which may be newer than the headers that a program was built with.
 ///
-/// \snippet HostSnippetsTest.cpp Version
+/// \snippet HostSnippets.cpp Version
 /// \ingroup host
 VEK_LIBRARY_API Utility::VersionNo Version();
 

@@ -1,7 +1,7 @@
 #include "library/VolumeImage.h"
 
-#include "library/private/HugePages.h"
-#include "library/private/TextArrayLoader.h"
+#include "library/private/memory/HugePages.h"
+#include "library/private/io/TextArrayLoader.h"
 
 #include <array>
 #include <stdexcept>

@@ -43,7 +43,7 @@ struct VEK_LIBRARY_API VolumeImageData {
 /// Errors are reported through the logger, and what was asked for goes on as far as it can. Extents whose product is
 /// more than memory can hold throw std::length_error and change nothing.
 ///
-/// \snippet ImageSnippetsTest.cpp VolumeImage
+/// \snippet ImageSnippets.cpp VolumeImage
 /// \image html volume.jpg
 /// \ingroup images
 class VEK_LIBRARY_API VolumeImage {

@@ -32,7 +32,7 @@ namespace Vek::Chart::Library {
 /// "format", one with fewer bytes than its extents need as "bytes <= p_image->Bytes().size()". All of these can be
 /// bound, but nothing is uploaded for them.
 ///
-/// \snippet ImageSnippetsTest.cpp VolumeTexture
+/// \snippet ImageSnippets.cpp VolumeTexture
 /// \image html volume.jpg
 /// \ingroup images
 class VEK_LIBRARY_API VolumeTexture {

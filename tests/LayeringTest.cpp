@@ -1,22 +1,12 @@
 // Which file may include which: the floors of the house. The rules are one function over two names; it is tested on
 // made-up names first and then runs over the include lines of the whole tree.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <filesystem>
-#include <fstream>
-#include <regex>
-#include <set>
-#include <string>
-#include <vector>
-
-namespace fs = std::filesystem;
+#include "tests/support/Test.h"
 
 namespace {
 
-const std::set<std::string> Roots{"platform", "algorithms", "library", "examples", "tests", "bench", "fuzz", "tools"};
+const std::set<std::string> Roots{"platform", "algorithms", "library", "examples", "tests",
+                                  "bench",    "fuzz",       "tools",   "docs"};
 
 /// The libraries, each above those that stand left of it.
 constexpr std::array<const char*, 3> Floors{"platform", "algorithms", "library"};
@@ -62,7 +52,7 @@ std::string Fault(const std::string& p_from, const std::string& p_to) {
   const auto toFloor = std::find(Floors.begin(), Floors.end(), to[0]);
   if (fromFloor != Floors.end())
     return toFloor <= fromFloor ? "" : "points up";
-  const bool ownTest = StartsWith(p_from, "tests/" + to[0] + "/");
+  const bool ownTest = StartsWith(p_from, "tests/" + to[0] + "/") || (from[0] == "docs" && to[0] == "tests");
   return toFloor != Floors.end() || ownTest || to[0] == from[0] ? "" : "belongs to another program";
 }
 
@@ -74,7 +64,7 @@ std::string SystemFault(const std::string& p_from, const std::string& p_to) {
   // A window brings the context on which the abstraction works: the viewer's, and the one that the README shows. What
   // else Qt has for GL stays out.
   const bool window = StartsWith(p_from, "examples/viewer/") || StartsWith(p_from, "tests/examples/viewer/") ||
-                      p_from == "tests/docs/QtWidgetSnippetsTest.cpp";
+                      p_from == "docs/snippets/QtWidgetSnippets.cpp";
   if (window && (p_to == "QOpenGLWidget" || p_to == "QOpenGLContext"))
     return "";
   const bool abstraction = StartsWith(p_from, "platform/ogl/") && fs::path(p_from).extension() == ".cpp";
@@ -119,7 +109,7 @@ const Row Rows[] = {
     {"library/Texture.cpp", "<QGLWidget", ""},
     {"examples/viewer/SceneView.h", "<QOpenGLWidget", ""},
     {"examples/viewer/SceneView.cpp", "<QOpenGLFunctions", "goes past the GL abstraction"},
-    {"tests/docs/QtWidgetSnippetsTest.cpp", "<QOpenGLWidget", ""},
+    {"docs/snippets/QtWidgetSnippets.cpp", "<QOpenGLWidget", ""},
     {"examples/scene/Scene.h", "<QOpenGLWidget", "goes past the GL abstraction"},
 };
 

@@ -13,7 +13,7 @@
 /// The message is "expression" - signature, the signature in the form that the host platform's compiler prints it.
 /// Conditions are written so that NaN fails where it must (`value >= 0`, not `!(value < 0)`).
 ///
-/// \snippet HostSnippetsTest.cpp Check
+/// \snippet HostSnippets.cpp Check
 /// \ingroup host
 #define VEK_ENSURE(p_condition, p_signature) VEK_ENSURE_TEXT(p_condition, #p_condition, p_signature)
 

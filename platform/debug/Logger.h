@@ -54,7 +54,7 @@ public:
 
 /// The one place that all reports go through; see `Utility::GetLogger`.
 ///
-/// \snippet HostSnippetsTest.cpp Reports
+/// \snippet HostSnippets.cpp Reports
 /// \ingroup host
 class VEK_PLATFORM_API logger {
 public:

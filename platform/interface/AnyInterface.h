@@ -12,7 +12,7 @@ namespace Vek::SupportedInterface {
 /// It does not own the object and must not outlive it. Access names the interface again, and yields the object only
 /// when that is the very interface that it is held under: a base or a derived class of it is another interface.
 ///
-/// \snippet DataSnippetsTest.cpp AnyInterface
+/// \snippet DataSnippets.cpp AnyInterface
 /// \ingroup data
 class AnyInterface {
 public:

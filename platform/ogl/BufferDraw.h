@@ -16,7 +16,7 @@ namespace Vek::Chart::Ogl {
 /// Positions and normals go to GL's fixed vertex attributes (`gl_Vertex` and `gl_Normal` in a shader). With instances,
 /// a vertex shader tells them apart: by `gl_InstanceID`, or by attributes that advance once an instance.
 ///
-/// \snippet GlyphSnippetsTest.cpp BufferDraw
+/// \snippet GlyphSnippets.cpp BufferDraw
 /// \image html symbols.jpg
 /// \ingroup host
 struct VEK_PLATFORM_API BufferDraw {

@@ -17,7 +17,7 @@ namespace Vek::Chart::Ogl {
 /// The frame buffer (8-bit RGBA, 24-bit depth, 8-bit stencil, optionally multisampled) is bound and the viewport covers
 /// it when the constructor returns.
 ///
-/// \snippet HostSnippetsTest.cpp OffscreenContext
+/// \snippet HostSnippets.cpp OffscreenContext
 /// \ingroup host
 class VEK_PLATFORM_API OffscreenContext {
 public:

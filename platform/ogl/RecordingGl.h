@@ -31,7 +31,7 @@ namespace Vek::Chart::Ogl {
 /// answers only with what was queued. The recorder is used on one thread; it may end before objects that were made with
 /// it (that is a leak, and complained about), whose deletion is then reported and does nothing.
 ///
-/// \snippet HostSnippetsTest.cpp RecordingGl
+/// \snippet HostSnippets.cpp RecordingGl
 /// \ingroup host
 class VEK_PLATFORM_API RecordingGl {
 public:

@@ -35,7 +35,7 @@ class BufferPool;
 ///
 /// Not thread-safe: to be called on the thread that owns the context.
 ///
-/// \snippet HostSnippetsTest.cpp Rgl
+/// \snippet HostSnippets.cpp Rgl
 /// \ingroup host
 class VEK_PLATFORM_API Rgl : private boost::noncopyable {
 public:

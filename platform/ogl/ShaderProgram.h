@@ -18,7 +18,7 @@ namespace Vek::Chart::Ogl {
 ///
 /// The name of the program is deleted with the last copy, while the context that made it must be current.
 ///
-/// \snippet HostSnippetsTest.cpp ShaderProgram
+/// \snippet HostSnippets.cpp ShaderProgram
 /// \ingroup host
 class VEK_PLATFORM_API ShaderProgram {
 public:

@@ -1,21 +1,11 @@
 #include "algorithms/InterpretArray.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <boost/make_shared.hpp>
 #include <boost/weak_ptr.hpp>
 
-#include <cmath>
-#include <cstring>
-#include <limits>
-#include <random>
-
-using namespace Vek::Chart;
 using Algorithms::InterpretArray;
 using Algorithms::InterpretedArrayConverter;
 using DataInterface::Array;
-using Vek::Test::ReportCapture;
 
 namespace {
 

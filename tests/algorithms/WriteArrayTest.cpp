@@ -1,12 +1,5 @@
 #include "algorithms/InterpretArray.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <cstring>
-#include <limits>
-
-using namespace Vek::Chart;
-using Vek::Test::ReportCapture;
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -7,14 +7,8 @@
 #include "library/NamedColors.h"
 
 #include "tests/examples/SceneShots.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <set>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::Gallery;
 
 namespace {

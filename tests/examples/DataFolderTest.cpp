@@ -1,12 +1,8 @@
 #include "examples/scene/DataFolder.h"
 #include "examples/scene/TextTable.h"
-
-#include <gtest/gtest.h>
-
-#include <fstream>
+#include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -4,25 +4,14 @@
 #include "library/Pattern.h"
 
 #include "tests/examples/SceneShots.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <set>
 #include <sys/wait.h>
 #include <tuple>
 
-using namespace Vek::Chart;
 using namespace Vek::Chart::Gallery;
 
 namespace {
-
-namespace fs = std::filesystem;
 
 /// A folder of the test's own that goes with it.
 class TemporaryFolder {

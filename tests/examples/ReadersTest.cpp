@@ -2,12 +2,7 @@
 #include "examples/scene/Quakes.h"
 #include "examples/scene/TextTable.h"
 #include "examples/scene/WindField.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <functional>
-#include <sstream>
+#include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;
 

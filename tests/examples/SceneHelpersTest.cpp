@@ -5,12 +5,8 @@
 #include "examples/scene/Palettes.h"
 #include "examples/scene/Rendering.h"
 #include "examples/scene/ScaleBar.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::Gallery;
 
 namespace {

@@ -3,12 +3,8 @@
 #include "library/RenderTexture.h"
 #include "platform/ogl/OffscreenContext.h"
 #include "tests/examples/SceneShots.h"
-#include "tests/support/PixelFixture.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::Gallery;
 
 namespace {

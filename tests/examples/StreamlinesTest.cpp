@@ -1,15 +1,8 @@
 #include "examples/scene/Streamlines.h"
 #include "examples/scene/TextTable.h"
 #include "examples/scene/VectorGrid.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <random>
-#include <sstream>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::Gallery;
 
 namespace {

@@ -1,20 +1,12 @@
 #include "examples/scene/Sweep.h"
 
 #include "tests/support/Surface.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <random>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::Gallery;
 
 namespace {
 
-using Library::StreamLineShape;
 using Point = Vek::Test::Vector;
 using Line = std::vector<SweepPoint>;
 

@@ -8,20 +8,9 @@
 #include "library/VolumeImage.h"
 #include "platform/data/VertexAttribute.h"
 #include "platform/data/VertexIndex.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <boost/make_shared.hpp>
-
-#include <algorithm>
-#include <cstdlib>
-#include <functional>
 #include <new>
-#include <sstream>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -49,7 +38,6 @@ void operator delete(void* p_memory, std::size_t) noexcept {
 
 namespace {
 
-using namespace Vek::Chart;
 using namespace Vek::Chart::DataInterface;
 using namespace Vek::SupportedInterface;
 

@@ -4,32 +4,17 @@
 #include "platform/data/QuantityUnit.h"
 #include "platform/data/VertexAttribute.h"
 #include "platform/data/VertexIndex.h"
-#include "platform/utility/GetLogger.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <boost/make_shared.hpp>
-
-#include <array>
-#include <functional>
-#include <memory>
-#include <set>
-#include <stdexcept>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::DataInterface;
-using Library::CloneAttribute;
 using Vek::SupportedInterface::AnyInterface;
 using Vek::SupportedInterface::InterfaceID;
 using Vek::SupportedInterface::ISupportedInterface;
 using Vek::SupportedInterface::QueryInterface;
 using Vek::SupportedInterface::UnknownInterface;
-using Vek::Test::ReportCapture;
 
 namespace {
 
-using Texts = std::vector<std::string>;
 using Object = boost::shared_ptr<ISupportedInterface>;
 
 const std::string UnknownSource = "class boost::shared_ptr<class Vek::SupportedInterface::ISupportedInterface> __cdecl "

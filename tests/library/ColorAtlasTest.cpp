@@ -1,17 +1,5 @@
 #include "library/ColorAtlas.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <algorithm>
-#include <cmath>
-#include <functional>
-#include <random>
-#include <sstream>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::ColorAtlas;
-using Library::ColorCoords;
+#include "tests/support/Test.h"
 
 namespace {
 

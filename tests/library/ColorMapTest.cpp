@@ -1,20 +1,6 @@
 #include "library/ColorMap.h"
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <limits>
-#include <map>
-#include <numeric>
-#include <random>
-#include <regex>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::ColorMap;
 using Colors = std::vector<QColor>;
 using Weights = std::vector<double>;
 

@@ -2,22 +2,8 @@
 // after the other. Whole arrays must follow it for every bit pattern, next to every bound, at every length and place.
 
 #include "library/ColorScale.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <cstring>
-#include <limits>
-#include <random>
-#include <string>
-
-using namespace Vek::Chart;
-using Library::ColorMap;
-using Library::ColorScale;
-using Vek::Test::ReportCapture;
 using Colors = std::vector<QColor>;
 using Bytes = std::vector<unsigned char>;
 

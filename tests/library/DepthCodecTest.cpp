@@ -1,21 +1,10 @@
 #include "library/DepthCodec.h"
 #include "platform/ogl/HitRecord.h"
 #include "platform/ogl/ShaderProgram.h"
-#include "tests/support/PixelFixture.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdint>
-#include <cstring>
-#include <limits>
-#include <string>
-#include <vector>
+#include "tests/support/Test.h"
 
 namespace {
 
-using namespace Vek::Chart;
-using Library::DepthCodec;
 using Bytes = boost::array<unsigned char, 4>;
 
 float FromBits(std::uint32_t p_bits) {

@@ -7,18 +7,8 @@
 #include "library/Geometry.h"
 #include "library/Ring.h"
 #include "library/Sphere.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <boost/make_shared.hpp>
-
-#include <cmath>
-#include <limits>
-#include <stdexcept>
-
-using namespace Vek::Chart;
-using namespace Vek::Chart::Library;
-using namespace Vek::Test;
 using Ogl::Library::Ring;
 using Vector = Types::Vector3_Base<double>;
 using Rect = Types::Viewport<0>;

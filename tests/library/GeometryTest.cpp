@@ -1,22 +1,10 @@
 #include "library/Geometry.h"
 
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
 #include "tests/support/Surface.h"
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <cstdlib>
-#include <set>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::Geometry;
+#include "tests/support/Test.h"
 
 namespace {
 
-using Scope = Utility::Scoped<Rgl>;
 using Draw = void (Geometry::*)(const Scope&) const;
 
 /// The shapes in the order in which they are recorded: the first has the list 2001.

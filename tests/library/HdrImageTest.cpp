@@ -2,27 +2,9 @@
 // a std::istream, is held against the loader on random and broken files.
 
 #include "library/HdrImage.h"
-#include "tests/support/ReportCapture.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <random>
-#include <sstream>
-#include <stdexcept>
-#include <utility>
-
-using Vek::Chart::Library::HdrImage;
-using Vek::Test::ReportCapture;
+#include "tests/support/Test.h"
 
 namespace {
-
-using Texts = std::vector<std::string>;
 
 const std::string Stream = "class std::basic_istream<char,struct std::char_traits<char> > &";
 const std::string Scanline =

@@ -1,24 +1,13 @@
 #include "library/Intersect.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <initializer_list>
-#include <limits>
-#include <random>
-#include <string>
-#include <vector>
 
 namespace {
 
-using namespace Vek::Chart;
 using boost::logic::indeterminate;
 using boost::logic::tribool;
-using Library::Intersect;
 using Vector3 = Types::Vector3_Base<double>;
 using Line = Types::Line3_Base<double>;
 using Ray = Types::Ray_Base<double>;

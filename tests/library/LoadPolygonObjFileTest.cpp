@@ -1,20 +1,6 @@
 #include "library/ObjModel.h"
 #include "tests/support/ObjReference.h"
-#include "tests/support/ReportCapture.h"
-#include "tests/support/TempFolder.h"
-
-#include <boost/lexical_cast.hpp>
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <sstream>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::LoadPolygonObj;
-using Library::LoadPolygonObjFile;
-using Library::ObjModel;
+#include "tests/support/Test.h"
 
 namespace {
 

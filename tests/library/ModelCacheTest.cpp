@@ -1,16 +1,6 @@
 #include "library/ModelCache.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-#include "tests/support/TempFolder.h"
+#include "tests/support/Test.h"
 
-#include <boost/lexical_cast.hpp>
-
-#include <cstring>
-#include <memory>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::ModelCache;
 using Vector = Types::Vector3_Base<double>;
 
 namespace {

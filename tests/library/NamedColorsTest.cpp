@@ -3,18 +3,8 @@
 
 #include "library/NamedColors.h"
 #include "library/ColorMap.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <cstdlib>
-#include <limits>
-
-using Vek::Chart::Library::ColorMap;
-using Vek::Chart::Library::NamedColors;
-using Vek::Test::ReportCapture;
 using Colors = std::vector<QColor>;
 using Triple = std::array<double, 3>;
 

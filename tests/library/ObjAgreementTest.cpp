@@ -1,12 +1,7 @@
 // The loader against a plain reader of the same rules.
 
 #include "tests/support/ObjReference.h"
-
-#include <gtest/gtest.h>
-
-using Vek::Test::DescribeLoaded;
-using Vek::Test::DescribeReference;
-using Vek::Test::RandomObjText;
+#include "tests/support/Test.h"
 
 TEST(ObjAgreement, OnBrokenFiles) {
   for (unsigned int seed = 0; seed < 4000; ++seed) {

@@ -1,10 +1,5 @@
 #include "library/ObjModel.h"
-
-#include <boost/make_shared.hpp>
-#include <gtest/gtest.h>
-
-using namespace Vek::Chart;
-using Library::ObjModel;
+#include "tests/support/Test.h"
 
 TEST(ObjModel, StartsUndecidedWithOneEmptyDefaultGroupAndAppendsOthers) {
   ObjModel model;

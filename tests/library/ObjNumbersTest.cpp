@@ -1,23 +1,10 @@
 // The numbers in OBJ files, as the loader's results show them.
 
 #include "library/ObjModel.h"
-#include "tests/support/ReportCapture.h"
-
-#include <boost/lexical_cast.hpp>
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 #include <clocale>
-#include <cmath>
-#include <cstring>
 #include <locale>
-#include <random>
-#include <sstream>
-#include <string>
-#include <vector>
-
-using namespace Vek::Chart;
-using Library::ObjModel;
-using Vek::Test::ReportCapture;
 
 namespace {
 

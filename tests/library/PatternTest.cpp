@@ -1,12 +1,5 @@
 #include "library/Pattern.h"
-
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::Pattern;
-using Library::Texture;
+#include "tests/support/Test.h"
 
 namespace {
 

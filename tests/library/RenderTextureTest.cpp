@@ -1,16 +1,5 @@
 #include "library/RenderTexture.h"
-
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <array>
-#include <cmath>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::MipInfo;
-using Library::RenderTexture;
+#include "tests/support/Test.h"
 
 namespace {
 

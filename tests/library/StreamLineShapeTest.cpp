@@ -1,16 +1,8 @@
 #include "library/StreamLineShape.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <string>
-#include <vector>
+#include "tests/support/Test.h"
 
 namespace {
 
-using namespace Vek::Chart;
-using Library::StreamLineShape;
 using Vector3 = Types::Vector3_Base<double>;
 
 struct Ring {

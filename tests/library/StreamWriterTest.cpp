@@ -1,19 +1,11 @@
 #include "library/StreamWriter.h"
-#include "tests/support/ReportCapture.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 #include <boost/shared_ptr.hpp>
 
-#include <cmath>
-#include <limits>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::DataInterface;
-using namespace Vek::Chart::Library;
 using Vek::SupportedInterface::InterfaceID;
 using Vek::SupportedInterface::UnknownInterface;
-using Vek::Test::ReportCapture;
 
 namespace {
 
@@ -21,8 +13,6 @@ constexpr std::uint64_t Huge = std::numeric_limits<std::uint64_t>::max();
 
 template <class E>
 using WriterOf = ContainerStreamWriter<std::vector<E>, ContainerOperations::StaticContainer, E>;
-
-using Texts = std::vector<std::string>;
 
 // The texts of reports, put together from the names that the host platform prints for the types.
 template <class S>

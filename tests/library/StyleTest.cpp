@@ -1,19 +1,7 @@
 #include "library/Style.h"
 
 #include "library/Pattern.h"
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <boost/make_shared.hpp>
-
-#include <limits>
-#include <stdexcept>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::Pattern;
-using Library::Style;
+#include "tests/support/Test.h"
 
 namespace {
 

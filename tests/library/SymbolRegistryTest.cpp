@@ -1,19 +1,7 @@
 #include "library/SymbolRegistry.h"
+#include "tests/support/Test.h"
 
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-#include "tests/support/TempFolder.h"
-
-#include <boost/lexical_cast.hpp>
-
-#include <filesystem>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::Model::Symbol;
-using namespace Vek::Test;
-using Library::ModelCache;
-using Library::SymbolRegistry;
-namespace fs = std::filesystem;
 
 namespace {
 

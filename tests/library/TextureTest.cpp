@@ -1,11 +1,5 @@
 #include "library/Texture.h"
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::Texture;
+#include "tests/support/Test.h"
 
 namespace {
 

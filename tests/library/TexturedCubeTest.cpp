@@ -1,18 +1,10 @@
 #include "library/TexturedCube.h"
+#include "tests/support/Test.h"
 
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <stdexcept>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::TexturedCube;
 using Vector = Types::Vector3_Base<double>;
 
 namespace {
 
-using Scope = Utility::Scoped<Rgl>;
 using TexturedCubeCalls = RecordingFixture;
 
 constexpr int Faces[6][4] = {{0, 4, 7, 3}, {1, 2, 6, 5}, {0, 1, 5, 4}, {2, 3, 7, 6}, {0, 3, 2, 1}, {4, 5, 6, 7}};

@@ -1,16 +1,5 @@
 #include "library/TexturedQuad.h"
-
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <limits>
-#include <regex>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::Texture;
-using Library::TexturedQuad;
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -3,26 +3,9 @@
 #include "library/RenderTexture.h"
 #include "platform/ogl/HitRecord.h"
 #include "platform/ogl/ShaderProgram.h"
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <algorithm>
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
-
-using namespace Vek::Chart;
-using Library::DepthCodec;
-using Library::RenderTexture;
-using Library::TopMostFragmentDepthBuffer;
-using Vek::Test::Lines;
-using Vek::Test::ReportCapture;
+#include "tests/support/Test.h"
 
 namespace {
-
-using Scope = Utility::Scoped<Rgl>;
 
 const std::string Location =
     "bool __cdecl Vek::Chart::Library::TopMostFragmentDepthBuffer::GetDepthAt(class Vek::Chart::Utility::Scoped<class "

@@ -1,26 +1,12 @@
 #include "library/VectorSymbol.h"
 
 #include "platform/ogl/Vec.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <cstring>
-#include <limits>
-#include <random>
-#include <string>
-#include <vector>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::Model::Symbol;
-using Library::VectorSymbol;
 using Ogl::VertexData;
 using Types::Matrix3;
 using Types::Vector3_Base;
-using Vek::Test::ReportCapture;
 
 namespace {
 

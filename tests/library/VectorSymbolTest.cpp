@@ -1,18 +1,9 @@
 #include "library/VectorSymbol.h"
 
-#include "tests/support/ReportCapture.h"
 #include "tests/support/Surface.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <random>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::Model::Symbol;
-using namespace Vek::Test;
-using Library::VectorSymbol;
 using Ogl::VertexData;
 using Types::Matrix3;
 
@@ -254,7 +245,7 @@ TEST(VectorSymbolOrient, GivesTheFloatsOfTheRule) {
     ASSERT_TRUE(arrow.OrientShape(size, anchor, position, true, 0.1, scale, rotation, data));
     Points expected;
     for (const Vector& vertex : vertices)
-      expected.push_back(Oriented(vertex, anchor * Length, size * scale, position, rotation));
+      expected.push_back(Oriented(vertex, anchor * Long, size * scale, position, rotation));
     const Surface mesh = SurfaceOf(data);
     EXPECT_EQ(mesh.positions, expected);
     EXPECT_EQ(mesh.normals, Points(7, Oriented(up, 0, 1, Origin, rotation)));

@@ -2,27 +2,13 @@
 // broken files.
 
 #include "library/VolumeImage.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <locale>
-#include <random>
-#include <sstream>
-#include <stdexcept>
-
-using Vek::Chart::Library::VolumeImage;
-using Vek::Chart::Library::VolumeImageData;
-using Vek::Test::ReportCapture;
 
 namespace {
 
-using Texts = std::vector<std::string>;
 using Voxels = std::vector<unsigned char>;
 
 const std::string Initialize = "void __cdecl Vek::Chart::Library::VolumeImage::Initialize(enum "

@@ -1,18 +1,7 @@
 #include "library/VolumeTexture.h"
 
 #include "library/TexturedCube.h"
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <boost/make_shared.hpp>
-
-#include <array>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
-using Library::VolumeImage;
-using Library::VolumeTexture;
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -1,11 +1,7 @@
-#include "tests/support/PixelFixture.h"
+
+#include "tests/support/Test.h"
 
 #include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <string>
 
 namespace {
 

@@ -2,22 +2,12 @@
 
 #include "library/ObjModel.h"
 #include "library/VectorSymbol.h"
-#include "tests/support/ReportCapture.h"
 #include "tests/support/Surface.h"
-#include "tests/support/TempFolder.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 #include <iterator>
-#include <map>
-#include <set>
-#include <sstream>
 
-using namespace Vek::Chart;
 using namespace Vek::Chart::Model::Symbol;
-using namespace Vek::Test;
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -6,11 +6,7 @@
 #include "examples/viewer/DarkTheme.h"
 
 #include "platform/ogl/OffscreenContext.h"
-#include "tests/support/TempFolder.h"
-
-#include <gtest/gtest.h>
-
-#include <boost/make_shared.hpp>
+#include "tests/support/Test.h"
 
 #include <QApplication>
 #include <QDropEvent>
@@ -22,14 +18,7 @@
 #include <QPushButton>
 #include <QThread>
 
-#include <algorithm>
-#include <cstdlib>
-#include <map>
-#include <stdexcept>
-
-using namespace Vek::Chart;
 using namespace Vek::Chart::Viewer;
-using Vek::Test::TempFolder;
 
 namespace {
 

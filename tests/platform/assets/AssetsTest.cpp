@@ -1,15 +1,10 @@
 #include "platform/assets/ImageCache.h"
 #include "platform/assets/Resource.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
 #include <QTemporaryDir>
 
-#include <gtest/gtest.h>
-
-#include <fstream>
-
 using namespace Vek::Chart::Assets;
-using Vek::Test::ReportCapture;
 
 TEST(Resource, ImageFileIsTheNameInItsFolderWithTheEndingPng) {
   EXPECT_EQ(Resource(vekfile::filepath("art/sprites")).ImageFile("symbol_star").str(), "art/sprites/symbol_star.png");

@@ -1,10 +1,5 @@
 #include "platform/core/TimeStamp.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <thread>
-#include <vector>
+#include "tests/support/Test.h"
 
 using Vek::Chart::Core::TimeStamp;
 

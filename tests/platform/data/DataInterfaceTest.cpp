@@ -1,10 +1,7 @@
 #include "platform/data/StreamWriter.h"
 #include "platform/data/VertexAttribute.h"
 #include "platform/data/VertexIndex.h"
-
-#include <gtest/gtest.h>
-
-#include <cstring>
+#include "tests/support/Test.h"
 
 using namespace Vek::Chart::DataInterface;
 

@@ -1,13 +1,5 @@
-#include "platform/debug/Check.h"
 #include "platform/debug/TypeName.h"
-#include "tests/support/ReportCapture.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-
-using Vek::Test::ReportCapture;
-using vekdebug::severity;
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -1,19 +1,9 @@
 #include "platform/debug/Logger.h"
-#include "platform/utility/GetLogger.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <thread>
-
-using Vek::Test::ReportCapture;
 using vekdebug::logger;
-using vekdebug::severity;
 
 namespace {
-
-using Texts = std::vector<std::string>;
 
 /// A channel that is open while this lives.
 struct OpenChannel {

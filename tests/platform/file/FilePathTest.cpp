@@ -1,8 +1,5 @@
 #include "platform/file/FilePath.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
+#include "tests/support/Test.h"
 
 using vekfile::fileexists;
 using vekfile::filepath;

@@ -1,10 +1,5 @@
 #include "platform/interface/ISupportedInterface.h"
-
-#include <gtest/gtest.h>
-
-#include <boost/make_shared.hpp>
-
-#include <set>
+#include "tests/support/Test.h"
 
 using namespace Vek::SupportedInterface;
 

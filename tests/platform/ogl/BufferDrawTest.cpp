@@ -1,16 +1,8 @@
 #include "platform/ogl/BufferDraw.h"
 
 #include "platform/ogl/ShaderProgram.h"
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
-#include <algorithm>
-#include <functional>
-#include <vector>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
 using Ogl::BufferDraw;
 
 namespace {

@@ -1,14 +1,7 @@
 #include "platform/ogl/BufferPool.h"
 
 #include "platform/ogl/Vec.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <cstring>
-#include <limits>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -1,15 +1,7 @@
 #include "platform/ogl/OffscreenContext.h"
-
-#include "tests/support/PixelFixture.h"
+#include "tests/support/Test.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <stdexcept>
-#include <string>
-#include <vector>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
 
 namespace {
 

@@ -1,13 +1,5 @@
 #include "platform/ogl/RecordingGl.h"
-
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <cstdint>
-#include <functional>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -1,17 +1,5 @@
 #include "platform/ogl/Rgl.h"
-
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <stdexcept>
-#include <vector>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
+#include "tests/support/Test.h"
 
 namespace {
 

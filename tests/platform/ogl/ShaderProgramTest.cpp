@@ -1,10 +1,6 @@
 #include "platform/ogl/ShaderProgram.h"
+#include "tests/support/Test.h"
 
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
 using Ogl::ShaderProgram;
 
 namespace {

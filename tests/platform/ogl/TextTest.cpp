@@ -1,15 +1,8 @@
 #include "platform/ogl/Text.h"
-
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
+#include "tests/support/Test.h"
 
 #include <QGuiApplication>
 
-#include <map>
-
-using namespace Vek::Chart;
-using namespace Vek::Test;
 using Ogl::Text;
 
 namespace {

@@ -1,13 +1,7 @@
 #include "platform/types/Math.h"
-#include "tests/support/ReportCapture.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
+#include "tests/support/Test.h"
 
 using Vek::Chart::Types::Math::Clamp;
-using Vek::Test::ReportCapture;
 
 TEST(Clamp, KeepsValuesInsideAndPassesNaN) {
   EXPECT_EQ(Clamp(5, 1, 9), 5);

@@ -1,6 +1,5 @@
 #include "platform/types/StyleProperty.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 using namespace Vek::Chart::Types;
 

@@ -6,15 +6,9 @@
 #include "platform/types/Range.h"
 #include "platform/types/Transformation.h"
 #include "platform/types/Vector.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <limits>
 #include <ostream>
-#include <random>
-#include <stdexcept>
 
 using namespace Vek::Chart::Types;
 

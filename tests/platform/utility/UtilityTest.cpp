@@ -1,13 +1,8 @@
 #include "platform/utility/Scope.h"
 #include "platform/utility/VersionNo.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <boost/make_shared.hpp>
 #include <boost/weak_ptr.hpp>
-
-#include <stdexcept>
-#include <string>
 
 using namespace Vek::Chart::Utility;
 

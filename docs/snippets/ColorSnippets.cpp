@@ -1,0 +1,188 @@
+// The examples of the reference for colours and styles: what stands between two marks is shown there.
+
+#include "library/ColorAtlas.h"
+#include "library/ColorMap.h"
+#include "library/ColorScale.h"
+#include "library/NamedColors.h"
+#include "library/Pattern.h"
+#include "library/Style.h"
+#include "library/Texture.h"
+#include "tests/support/Test.h"
+
+using namespace Vek::Chart::Library;
+
+namespace {
+
+using ColorSnippetPixels = Vek::Test::PixelScopeFixture;
+
+/// A rectangle over the whole frame.
+void DrawFrame(Utility::Scoped<Rgl>& p_gl) {
+  p_gl->Begin(RGL_QUADS);
+  for (const auto& [x, y] : {std::pair(-1, -1), {1, -1}, {1, 1}, {-1, 1}})
+    p_gl->Vertex(x, y, 0);
+  p_gl->End();
+}
+
+TEST_F(ColorSnippetPixels, ColorMap) {
+  //! [ColorMap]
+  const ColorMap map({Qt::blue, Qt::white, Qt::red}, ColorMap::Interpolated);
+  const QColor legend = map.Color(0.25); // half-way from blue to white
+
+  map(gl, RGL_TEXTURE0); // bound; uploaded, since this is the first time
+  gl->Begin(RGL_QUADS);
+  for (const auto& [x, y] : {std::pair(-1, -1), {1, -1}, {1, 1}, {-1, 1}}) {
+    gl->TexCoord(0.5 + 0.5 * x, 0.5); // the value, 0 on the left and 1 on the right
+    gl->Vertex(x, y, 0);
+  }
+  gl->End();
+  //! [ColorMap]
+  EXPECT_TRUE(SameColor(legend.rgba(), QColor(127, 127, 255), 1));
+  EXPECT_TRUE(SameColor(At(0, 18).rgba(), Qt::blue, 5));
+  EXPECT_TRUE(SameColor(At(60, 18).rgba(), Qt::red, 5));
+}
+
+TEST(ColorSnippets, Weights) {
+  //! [Weights]
+  const ColorMap depths({Qt::darkBlue, Qt::blue, Qt::cyan}, {3, 1, 1}, ColorMap::Discrete);
+  const QColor deep = depths.Color(0.59);    // dark blue has three fifths of the range
+  const QColor shallow = depths.Color(0.61); // blue begins there
+  //! [Weights]
+  EXPECT_EQ(deep.rgba(), QColor(Qt::darkBlue).rgba());
+  EXPECT_EQ(shallow.rgba(), QColor(Qt::blue).rgba());
+}
+
+TEST(ColorSnippets, Segments) {
+  //! [Segments]
+  const ColorMap map({Qt::black, Qt::red, Qt::white}, {1, 1, 3}, ColorMap::Interpolated);
+  const QColor middle = map.Color(1.0 / 3); // red: the first segment has the weight 1, the second 2
+  //! [Segments]
+  EXPECT_TRUE(SameColor(middle.rgba(), Qt::red, 1));
+}
+
+TEST(ColorSnippets, LookUps) {
+  //! [LookUps]
+  const ColorMap bands({Qt::red, Qt::green, Qt::blue}, ColorMap::Discrete);
+  const int texels = bands.Size();                                              // 4095: three equal bands
+  const QColor below = bands.Color(-7.5);                                       // red: clamped to 0
+  const QColor above = bands.Color(7.5);                                        // blue: clamped to 1
+  const QColor number = bands.Color(texels);                                    // red: numbers start over
+  const QColor missing = bands.Color(std::numeric_limits<double>::quiet_NaN()); // red, like 0
+  //! [LookUps]
+  EXPECT_EQ(texels, 4095);
+  EXPECT_EQ(above.rgba(), QColor(Qt::blue).rgba());
+  for (const QColor& color : {below, number, missing})
+    EXPECT_EQ(color.rgba(), QColor(Qt::red).rgba());
+}
+
+TEST(ColorSnippets, Logarithm) {
+  //! [Logarithm]
+  const ColorMap map({Qt::white, Qt::black}, ColorMap::Interpolated);
+  const double lowest = 0.1;
+  const double highest = 1000;
+  const double value = 10;
+  const double place = std::log(value / lowest) / std::log(highest / lowest); // 0.5
+  const QColor color = map.Color(place);
+  //! [Logarithm]
+  EXPECT_TRUE(SameColor(color.rgba(), QColor(127, 127, 127), 1));
+}
+
+TEST(ColorSnippets, NamedColors) {
+  //! [NamedColors]
+  const ColorMap blended(NamedColors::Colors("viridis"), ColorMap::Interpolated);
+  const ColorMap classed(NamedColors::Colors("viridis", 7), ColorMap::Discrete);
+  const ColorMap downwards(NamedColors::Colors("magma", 256, 0.9, 0.1), ColorMap::Interpolated);
+  //! [NamedColors]
+  EXPECT_EQ(blended.Color(0.0).rgba(), classed.Color(0.1).rgba()) << "the first class is the lowest colour";
+  EXPECT_GT(downwards.Color(0.0).lightness(), downwards.Color(1.0).lightness());
+}
+
+TEST(ColorSnippets, ColorScale) {
+  //! [ColorScale]
+  const std::vector<float> values = {0.1F, 10, 1000, 0, std::numeric_limits<float>::quiet_NaN()};
+  ColorScale::Outside outside;
+  outside.below = Qt::black; // what is zero or less has no logarithm, and is below
+  outside.nan = Qt::gray;
+  const ColorScale scale(NamedColors::Colors("viridis"), 0.1, 1000, ColorScale::Logarithmic, outside);
+  std::vector<unsigned char> rgba(4 * values.size());
+  scale.Map(values.data(), values.size(), rgba.data());
+  //! [ColorScale]
+  const auto color = [&](std::size_t p_index) {
+    return QColor(rgba[4 * p_index], rgba[4 * p_index + 1], rgba[4 * p_index + 2], rgba[4 * p_index + 3]);
+  };
+  const std::vector<QColor> viridis = NamedColors::Colors("viridis");
+  EXPECT_EQ(color(0), scale.Color(0.1F));
+  EXPECT_EQ(color(1), viridis[128]) << "half the decades";
+  EXPECT_EQ(color(2), viridis.back());
+  EXPECT_EQ(color(3), QColor(Qt::black));
+  EXPECT_EQ(color(4), QColor(Qt::gray));
+}
+
+TEST_F(ColorSnippetPixels, ColorAtlas) {
+  //! [ColorAtlas]
+  ColorAtlas atlas;
+  const unsigned int body = atlas.AddColor(Qt::red, atlas.RootAtlasId());
+  const unsigned int edge = atlas.AddColor(Qt::black, body);
+  const unsigned int blue = atlas.AddInstance(body, {{body, QColor(Qt::blue)}});
+  atlas.BuildAtlas(gl);
+
+  const auto coordinate = [&](unsigned int p_color) {
+    const ColorAtlas::TexelSpace& space = atlas.TexelCoordSpace();
+    const ColorCoords::Pixel pixel = atlas.ColorAt(p_color).coords.First();
+    return Ogl::Vec2<float>{static_cast<float>(pixel.x) * space.texel.x + space.centre.x,
+                            1 - (static_cast<float>(pixel.y) * space.texel.y + space.centre.y)};
+  };
+  const Ogl::Vec2<float> offset = atlas.InstanceOffset(blue); // to be added, for the copy in blue
+  (*atlas.Texture())(gl, RGL_TEXTURE0);
+  gl->TexCoord(coordinate(body).x + offset.x, coordinate(body).y + offset.y);
+  //! [ColorAtlas]
+  DrawFrame(gl);
+  EXPECT_EQ(At(30, 18), QColor(Qt::blue));
+  gl->TexCoord(coordinate(edge).x, coordinate(edge).y);
+  DrawFrame(gl);
+  EXPECT_EQ(At(30, 18), QColor(Qt::black));
+}
+
+TEST_F(ColorSnippetPixels, Texture) {
+  QImage image(3, 5, QImage::Format_ARGB32);
+  image.fill(Qt::white);
+  //! [Texture]
+  Texture sprite(image, gl);
+  sprite.environment = Texture::Modulate; // the settings count at each bind, sRgb at the first only
+  sprite(gl, RGL_TEXTURE0);
+  gl->Color(Qt::green); // tints it
+  //! [Texture]
+  DrawFrame(gl);
+  EXPECT_EQ(At(30, 18), QColor(Qt::green));
+}
+
+TEST_F(ColorSnippetPixels, Pattern) {
+  //! [Pattern]
+  const Assets::Resource sprites(VEK_SOURCE_DIR "/sprites"); // finds "symbol_star" there
+  Assets::ImageCache images;
+  const boost::shared_ptr<Texture> star = Pattern::PointSpritePattern(Pattern::PointStar, sprites, images, gl);
+
+  gl->LineStipple(2, Pattern::LineStipplePattern(Pattern::LineDotDash)); // each bit two pixels long
+  gl->PolygonStipple(Pattern::PolygonStipplePattern(Pattern::FillCrossHatch));
+  //! [Pattern]
+  EXPECT_GT(star->Width(), 0);
+  int stipple = 0;
+  gl->GetIntegerv(RGL_LINE_STIPPLE_PATTERN, &stipple);
+  EXPECT_EQ(stipple, 0xE4E4);
+}
+
+TEST_F(ColorSnippetPixels, Style) {
+  //! [Style]
+  Types::FillStyle style;
+  style.pattern.Set(Pattern::FillHorizontal);
+  style.color.Set(Qt::red);
+  style.secondColor.Set(Qt::yellow); // lies under the gaps
+
+  boost::function<void(Utility::Scoped<Rgl>&)> draw = DrawFrame; // what the style is for
+  if (Style::HasFill(style))
+    Style::DrawInternal(style, gl, draw);
+  //! [Style]
+  EXPECT_EQ(At(30, 4), QColor(Qt::red));
+  EXPECT_EQ(At(30, 5), QColor(Qt::yellow));
+}
+
+} // namespace

@@ -1,0 +1,186 @@
+// The examples of the reference for glyphs and models: what stands between two marks is shown there.
+
+#include "library/ModelCache.h"
+#include "library/ObjModel.h"
+#include "library/StreamLineShape.h"
+#include "library/SymbolRegistry.h"
+#include "library/VectorSymbol.h"
+#include "platform/ogl/BufferDraw.h"
+#include "platform/ogl/ShaderProgram.h"
+#include "tests/support/Surface.h"
+#include "tests/support/Test.h"
+
+using namespace Vek::Chart::Library;
+using Types::Matrix3;
+using Point = Types::Vector3_Base<double>;
+
+namespace {
+
+using GlyphSnippetPixels = Vek::Test::PixelScopeFixture;
+
+const char* const Ship = "v -1 -1 0\nv 1 -1 0\nv 0 1 0\nf 1 2 3\n";
+
+TEST_F(GlyphSnippetPixels, VectorSymbol) {
+  const double speed = 0.5;
+  //! [VectorSymbol]
+  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 16);                    // 16 segments around
+  const Matrix3 toEast = Matrix3::FromColumns({0, 1, 0}, {0, 0, 1}, {1, 0, 0}); // its axis becomes +x
+  const Point point(-0.75, 0, 0);
+  Ogl::VertexData data;
+  if (arrow.OrientShape(speed, 0, point, false, 0, 1, toEast, data)) // false for a speed of 0
+    data.Draw(gl);
+  //! [VectorSymbol]
+  EXPECT_EQ(At(20, 18), QColor(Qt::white));
+  EXPECT_EQ(At(3, 18).alpha(), 0) << "behind the tail";
+}
+
+TEST(GlyphSnippets, ArrowLength) {
+  //! [ArrowLength]
+  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 16); // 3 long at size 1
+  const double scale = 0.25 / 3;                             // 1 m/s shall be 0.25 long
+  const double speed = 12;                                   // m/s
+  const Matrix3 toEast = Matrix3::FromColumns({0, 1, 0}, {0, 0, 1}, {1, 0, 0});
+  Ogl::VertexData data;
+  arrow.OrientShape(speed, 0, {10, 0, 0}, false, 0, scale, toEast, data); // from x = 10 to 10 + 12 × 0.25 = 13
+  //! [ArrowLength]
+  const auto bounds = Vek::Test::BoundsOf(Vek::Test::VectorsOf(data.Vertices()));
+  EXPECT_NEAR(bounds.Min().x, 10, 1e-5);
+  EXPECT_NEAR(bounds.Max().x, 13, 1e-5);
+}
+
+TEST(GlyphSnippets, Frame) {
+  const Point direction(1, 2, 2);
+  //! [Frame]
+  const Point axis = Types::Normalize(direction);
+  const Point helper = std::abs(axis.z) < 0.9 ? Point(0, 0, 1) : Point(1, 0, 0);
+  const Point side = Types::Normalize(Types::Cross(helper, axis));
+  const Matrix3 frame = Matrix3::FromColumns(side, Types::Cross(axis, side), axis);
+  //! [Frame]
+  EXPECT_NEAR(Types::Length(frame * Point(0, 0, 3) - direction), 0, 1e-12);
+  EXPECT_NEAR(Types::Dot(Types::Cross(side, Types::Cross(axis, side)), axis), 1, 1e-12) << "not mirrored";
+}
+
+TEST(GlyphSnippets, Layer) {
+  //! [Layer]
+  const std::vector<Point> positions = {{0, 0, 0}, {5, 0, 0}, {9, 0, 0}};
+  const std::vector<Matrix3> rotations(positions.size()); // all along +z
+  const std::vector<double> speeds = {1, 0, 2};
+
+  VectorSymbol::Instances instances;
+  instances.count = positions.size();
+  instances.positions = positions.data();
+  instances.rotations = rotations.data();
+  instances.sizes = speeds.data();
+  instances.texCoords = speeds.data(); // to be looked up in a ColorMap
+
+  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 8);
+  Ogl::VertexData data; // kept: a layer that is built again writes into the same arrays
+  const std::size_t shown = arrow.OrientShapes(instances, 0, 1, data); // 2: the calm one is left out
+  //! [Layer]
+  EXPECT_EQ(shown, 2U);
+  EXPECT_EQ(data.Vertices().count, 2 * arrow.VertexCount());
+}
+
+TEST_F(GlyphSnippetPixels, MappedLayer) {
+  const std::vector<Point> positions(3);
+  const std::vector<Matrix3> rotations(3);
+  const std::vector<double> sizes(3, 1.0);
+  VectorSymbol::Instances instances;
+  instances.count = 3;
+  instances.positions = positions.data();
+  instances.rotations = rotations.data();
+  instances.sizes = sizes.data();
+  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 8);
+  std::size_t written = 0;
+  //! [MappedLayer]
+  const std::size_t vertices = instances.count * arrow.VertexCount();
+  const auto buffer = gl->GetBufferPool().CreateBuffer<Ogl::Vec3<float>>(vertices, Ogl::BufferUsage::Stream);
+  {
+    const Ogl::BufferPool::WriteArray<Ogl::Vec3<float>> mapped(buffer, 0, vertices, RGL_ARRAY_BUFFER);
+    VectorSymbol::LayerMemory memory;
+    memory.vertices = mapped; // normals and indices are not wanted here
+    written = arrow.OrientShapes(instances, 0.5, 1, memory);
+  } // unmapped: the buffer may be drawn from
+  //! [MappedLayer]
+  EXPECT_EQ(written, 3U);
+}
+
+TEST(GlyphSnippets, StreamLineShape) {
+  const struct {
+    double width;
+    Point position;
+    Matrix3 frame;
+  } line[] = {{0.5, {0, 0, 0}, {}}, {0.5, {0, 0, 1}, {}}};
+  std::size_t vertices = 0;
+  const auto append = [&](const std::vector<Point>& p_ring, const std::vector<Point>&) { vertices += p_ring.size(); };
+  //! [StreamLineShape]
+  const StreamLineShape tube(StreamLineShape::ShapeTube, {});
+  std::vector<Point> ring;
+  std::vector<Point> normals;
+  for (const auto& sample : line)
+    if (tube.OrientShape(sample.width, sample.position, 1.0, sample.frame, ring, normals)) // into the same vectors
+      append(ring, normals);
+  //! [StreamLineShape]
+  EXPECT_EQ(vertices, 24U);
+  EXPECT_EQ(ring.front(), Point(0.25, 0, 1));
+}
+
+TEST(GlyphSnippets, ObjModel) {
+  std::size_t drawn = 0;
+  const auto draw = [&](Ogl::VertexBuffer::PrimitiveType, const std::vector<std::uint32_t>& p_indices) {
+    drawn += p_indices.size();
+  };
+  const vekfile::filepath symbols(VEK_SOURCE_DIR "/symbols");
+  //! [ObjModel]
+  const boost::shared_ptr<ObjModel> cube = LoadPolygonObjFile(symbols + "Cube.obj");
+  const double width = cube->Bounds().Extent().x; // 1
+  for (const boost::shared_ptr<ObjModel::ObjGroup>& group : *cube->Groups())
+    draw(cube->PrimitiveType(), group->indices); // into *cube->Vertices() and *cube->Normals()
+  //! [ObjModel]
+  EXPECT_EQ(width, 1);
+  EXPECT_EQ(drawn, 36U);
+}
+
+TEST_F(GlyphSnippetPixels, ModelCacheAndBufferDraw) {
+  const Vek::Test::TempFolder folder;
+  const std::string file = folder.Write("ship.obj", Ship);
+  //! [ModelCache]
+  ModelCache cache(handle);
+  const std::size_t ship = cache.Register(file); // reads it, once
+  const ModelCache::IndexBuffer indices = cache.GetIndexBuffer(ship);
+  const ModelCache::VertexBuffer vertices = cache.GetVertexBuffer(ship);
+  //! [ModelCache]
+  //! [BufferDraw]
+  Ogl::BufferDraw draw;
+  draw.type = indices.type; // as a ModelCache describes a model
+  draw.indices = indices.buffer;
+  draw.vertices = vertices.buffer;
+  draw.attributes = vertices.attributes;
+  draw.positionStride = vertices.positionStride;
+  draw.normalStride = vertices.normalStride;
+  draw.positionOffset = vertices.positionOffset;
+  draw.normalOffset = vertices.normalOffset;
+  draw.Draw(gl);
+  //! [BufferDraw]
+  EXPECT_EQ(indices.count, 1U);
+  EXPECT_EQ(At(30, 10), QColor(Qt::white));
+  EXPECT_EQ(At(2, 34).alpha(), 0);
+}
+
+TEST_F(GlyphSnippetPixels, SymbolRegistry) {
+  const Vek::Test::TempFolder folder;
+  const vekfile::filepath ship = folder.Write("ship.obj", Ship);
+  const vekfile::filepath folderOfSymbols(VEK_SOURCE_DIR "/symbols");
+  //! [SymbolRegistry]
+  const Core::Ptr<ModelCache> cache(new ModelCache(handle));
+  SymbolRegistry symbols(cache, folderOfSymbols); // reads the built-in models
+  const ModelCache::IndexBuffer cone = symbols.GetIndexBuffer(Model::Symbol::ShapeCone);
+
+  symbols.LoadModel(ship); // one of your own
+  const ModelCache::VertexBuffer hull = symbols.GetVertexBuffer(ship);
+  //! [SymbolRegistry]
+  EXPECT_GT(cone.count, 0U);
+  EXPECT_EQ(hull.buffer.Count(), 3U);
+}
+
+} // namespace

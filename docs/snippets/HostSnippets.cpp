@@ -1,0 +1,175 @@
+// The examples of the reference for what a host brings: what stands between two marks is shown there.
+
+#include "library/ColorMap.h"
+#include "library/Version.h"
+#include "platform/ogl/OffscreenContext.h"
+#include "platform/ogl/RecordingGl.h"
+#include "platform/ogl/ShaderProgram.h"
+#include "tests/support/Test.h"
+
+#include <dlfcn.h>
+
+namespace {
+
+TEST(HostSnippets, Version) {
+  //! [Version]
+  if (Library::Version() < Utility::VersionNo(1, 0, 0))
+    throw std::runtime_error("This program needs version 1.0 of the chart library.");
+  //! [Version]
+}
+
+//! [Sink]
+/// Counts what went wrong, and keeps the last text for a status line.
+class CountingSink : public vekdebug::sink {
+public:
+  void write(const vekdebug::report& p_report) override { // may be called from several threads at once
+    if (p_report.kind == vekdebug::severity::debug)
+      return;
+    ++count;
+    const std::lock_guard<std::mutex> lock(mutex);
+    last = p_report.text;
+  }
+
+  std::atomic<int> count = 0;
+  std::mutex mutex;
+  std::string last;
+};
+//! [Sink]
+
+TEST(HostSnippets, Reports) {
+  //! [Reports]
+  const auto sink = std::make_shared<CountingSink>();
+  const std::shared_ptr<vekdebug::sink> before = Utility::GetLogger().set_sink(sink);
+  const Library::ColorMap empty({}, Library::ColorMap::Discrete); // reports "size > 0", and goes on
+  Utility::GetLogger().set_sink(before);
+  //! [Reports]
+  EXPECT_EQ(sink->count, 1);
+  EXPECT_EQ(sink->last.substr(0, 13), "\"size > 0\" - ");
+}
+
+TEST(HostSnippets, Check) {
+  Vek::Test::ReportCapture reports;
+  //! [Check]
+  const auto half = [](int p_size) {
+    if (!VEK_ENSURE(p_size > 0, "int __cdecl Half(int)"))
+      return 0; // reported; and on with what does no harm
+    return p_size / 2;
+  };
+  const int none = half(-3); // reports "p_size > 0" - int __cdecl Half(int)
+  //! [Check]
+  EXPECT_EQ(none, 0);
+  EXPECT_EQ(reports.Texts(), std::vector<std::string>{"\"p_size > 0\" - int __cdecl Half(int)"});
+}
+
+TEST(HostSnippetCalls, RecordingGl) {
+  //! [RecordingGl]
+  const Ogl::RecordingGl recorder;
+  {
+    const Utility::Scoped<Rgl> gl(recorder.Handle());
+    gl->Enable(RGL_BLEND);
+    gl->Color(Qt::red);
+  }
+  const std::vector<std::string> lines = recorder.Lines(); // {"Enable(GL_BLEND)", "Color4d(1, 0, 0, 1)"}
+  const bool faultless = recorder.Complaints().empty();    // nothing leaked, all pairs closed
+  //! [RecordingGl]
+  EXPECT_EQ(lines, (std::vector<std::string>{"Enable(GL_BLEND)", "Color4d(1, 0, 0, 1)"}));
+  EXPECT_TRUE(faultless);
+}
+
+using HostSnippetPixels = Vek::Test::PixelFixture;
+
+TEST_F(HostSnippetPixels, Rgl) {
+  const Utility::Unscoped<Rgl>& handle = Handle();
+  //! [Rgl]
+  Utility::Scoped<Rgl> gl(handle); // the context is current while this lives
+  gl->Color(Qt::red);              // with the project's value types,
+  gl->Begin(RGL_TRIANGLES);        // or GL's own functions
+  gl->Vertex(-1, -1, 0);
+  gl->Vertex(1, -1, 0);
+  gl->Vertex(0, 1, 0);
+  gl->End();
+  gl->CheckError("MyScene::Draw"); // reports what GL did not like
+  //! [Rgl]
+  EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::red).rgba());
+}
+
+TEST_F(HostSnippetPixels, ShaderProgram) {
+  Utility::Scoped<Rgl> gl(Handle());
+  //! [ShaderProgram]
+  const Ogl::ShaderProgram program(gl, "void main() { gl_Position = ftransform(); }",
+                                   "uniform vec4 tint; void main() { gl_FragColor = tint; }");
+  {
+    const boost::shared_ptr<void> used = program.Use(gl);
+    program.SetUniform(gl, "tint", QColor(Qt::green));
+    gl->Begin(RGL_TRIANGLES);
+    gl->Vertex(-1, -1, 0);
+    gl->Vertex(1, -1, 0);
+    gl->Vertex(0, 1, 0);
+    gl->End();
+  } // the program before is current again
+  //! [ShaderProgram]
+  EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::green).rgba());
+}
+
+// A context that somebody else made current.
+TEST_F(HostSnippetPixels, OnCurrentContext) {
+  const Utility::Scoped<Rgl> current(Handle());
+  //! [OnCurrentContext]
+  const Utility::Unscoped<Rgl> handle = Rgl::OnCurrentContext(); // kept by the host
+  {
+    const Utility::Scoped<Rgl> gl(handle); // the host has made its context current before
+    gl->ClearColor(Qt::blue);
+    gl->Clear(RGL_COLOR_BUFFER_BIT);
+  }
+  //! [OnCurrentContext]
+  EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::blue).rgba());
+}
+
+// The host's own way of making a context current, and of finding GL's functions.
+TEST_F(HostSnippetPixels, OwnLoader) {
+  struct {
+    int made = 0;
+    int left = 0;
+    void MakeCurrent() { ++made; }
+    void Release() { ++left; }
+  } window;
+  const auto load = reinterpret_cast<void* (*)(const char*)>(
+      ::dlsym(::dlopen("libEGL.so.1", RTLD_NOW | RTLD_GLOBAL), "eglGetProcAddress"));
+  ASSERT_NE(load, nullptr);
+  const Utility::Scoped<Rgl> current(Handle());
+  //! [OwnLoader]
+  const auto table = boost::make_shared<Ogl::GlFunctions>();
+#define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \
+  table->p_name = reinterpret_cast<decltype(table->p_name)>(load("gl" #p_name));
+#define VEK_GLU(p_result, p_name, p_parameters, p_arguments) table->p_name = Ogl::NativeGl().p_name;
+#include "platform/ogl/GlFunctionList.h"
+
+  // Called as the outermost scope opens and closes, with eglMakeCurrent in them, for example.
+  const auto enter = [&] { window.MakeCurrent(); };
+  const auto leave = [&] { window.Release(); };
+  const Utility::Unscoped<Rgl> handle(boost::make_shared<Rgl>(table, enter, leave));
+  //! [OwnLoader]
+  {
+    const Utility::Scoped<Rgl> gl(handle);
+    gl->ClearColor(Qt::green);
+    gl->Clear(RGL_COLOR_BUFFER_BIT);
+  }
+  EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::green).rgba());
+  EXPECT_EQ(window.made, 1);
+  EXPECT_EQ(window.left, 1);
+}
+
+TEST_F(HostSnippetPixels, OffscreenContext) {
+  //! [OffscreenContext]
+  Ogl::OffscreenContext context({64, 32}, 4); // with a frame buffer of its own, four samples a pixel
+  {
+    const Utility::Scoped<Rgl> gl(context.Handle());
+    gl->ClearColor(Qt::white);
+    gl->Clear(RGL_COLOR_BUFFER_BIT);
+  }
+  const QImage picture = context.Image();
+  //! [OffscreenContext]
+  EXPECT_EQ(picture.pixel(3, 5), QColor(Qt::white).rgba());
+}
+
+} // namespace

@@ -1,0 +1,94 @@
+// The examples of the reference for render targets and picking: what stands between two marks is shown there.
+
+#include "library/DepthCodec.h"
+#include "library/MipInfo.h"
+#include "library/RenderTexture.h"
+#include "library/TopMostFragmentDepthBuffer.h"
+#include "platform/ogl/ShaderProgram.h"
+#include "tests/support/Test.h"
+
+using namespace Vek::Chart::Library;
+
+namespace {
+
+class PickingSnippetPixels : public Vek::Test::PixelScopeFixture {
+protected:
+  /// The left half of the frame, at depth 0.75.
+  void DrawScene() const {
+    gl->Begin(RGL_QUADS);
+    for (const auto& [x, y] : {std::pair(-1, -1), {0, -1}, {0, 1}, {-1, 1}})
+      gl->Vertex(x, y, 0.5);
+    gl->End();
+  }
+};
+
+TEST(PickingSnippets, DepthCodec) {
+  //! [DepthCodec]
+  const boost::array<unsigned char, 4> bytes = DepthCodec::Encode(0.7F); // red, green, blue, alpha
+  const float depth = DepthCodec::Decode(bytes);
+  const bool nothing = DepthCodec::Decode({{0, 0, 0, 0}}) == 1.0F; // the depth of the far plane
+  //! [DepthCodec]
+  EXPECT_NEAR(depth, 0.7F, 1.0F / 128);
+  EXPECT_TRUE(nothing);
+}
+
+TEST_F(PickingSnippetPixels, TopMostFragmentDepthBuffer) {
+  const Types::Viewport<0> viewport(0, 0, 61, 37);
+  Types::Pos mouse(10, 20);
+  //! [DepthShader]
+  const Ogl::ShaderProgram depthShader(gl, "void main() { gl_Position = ftransform(); }",
+                                       DepthCodec::PreciseGlsl() +
+                                           "void main() { gl_FragColor = EncodeDepth(gl_FragCoord.z); }");
+  //! [DepthShader]
+  //! [Callback]
+  const auto drawDepths = [&](DepthCodec::Encoding) {
+    const auto state = gl->PushAttribScope(RGL_ENABLE_BIT | RGL_COLOR_BUFFER_BIT);
+    for (const Ogl::GlEnum spoiler : {RGL_SCISSOR_TEST, RGL_BLEND, RGL_DITHER, RGL_MULTISAMPLE, RGL_ALPHA_TEST,
+                                      RGL_FRAMEBUFFER_SRGB}) // each would change a packed byte
+      gl->Disable(spoiler);
+    const auto used = depthShader.Use(gl);
+    DrawScene();
+  };
+  //! [Callback]
+  //! [TopMostFragmentDepthBuffer]
+  TopMostFragmentDepthBuffer picker; // kept with the scene
+  Core::TimeStamp stamp;             // a new one whenever the scene or the camera changes
+  float nearest = 1;
+  const bool hit = picker.GetDepthAt(gl, viewport, mouse, stamp, drawDepths, // draws for this pick only
+                                     [&](unsigned int, float p_depth) { nearest = p_depth; });
+  //! [TopMostFragmentDepthBuffer]
+  EXPECT_TRUE(hit);
+  EXPECT_NEAR(nearest, 0.75, 1.0 / 128);
+  mouse = {40, 20};
+  EXPECT_FALSE(picker.GetDepthAt(gl, viewport, mouse, stamp, drawDepths, [](unsigned int, float) {}));
+}
+
+TEST_F(PickingSnippetPixels, RenderTexture) {
+  //! [RenderTexture]
+  const RenderTexture target({32, 16}, RenderTexture::Rgba8, RenderTexture::Linear, 4); // four samples a pixel
+  {
+    const auto bound = target.BindForDraw(gl); // the viewport covers the target
+    gl->ClearColor(Qt::darkGray);
+    gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+    DrawScene();
+  } // what was bound before is bound again
+  const QImage picture = target.ToImage(gl);
+  target.BindColor(gl, RGL_TEXTURE0); // or drawn with elsewhere
+  //! [RenderTexture]
+  EXPECT_EQ(picture.pixel(4, 8), QColor(Qt::white).rgba());
+  EXPECT_EQ(picture.pixel(28, 8), QColor(Qt::darkGray).rgba());
+}
+
+TEST(PickingSnippets, MipInfo) {
+  //! [MipInfo]
+  const MipInfo mips({5, 3});
+  const int levels = mips.Levels();               // 3
+  const Types::Size second = mips.LevelSize(1);   // 2 × 1
+  const Types::Size smallest = mips.LevelSize(2); // 1 × 1
+  //! [MipInfo]
+  EXPECT_EQ(levels, 3);
+  EXPECT_EQ(second, Types::Size(2, 1));
+  EXPECT_EQ(smallest, Types::Size(1, 1));
+}
+
+} // namespace

@@ -1,0 +1,79 @@
+#include "library/private/io/RgbeFloats.h"
+
+#include <cstdint>
+#include <cstring>
+
+#if defined(__GNUC__) && defined(__x86_64__)
+#define VEK_HAS_AVX2_CLONES
+#define VEK_ALWAYS_INLINE inline __attribute__((always_inline))
+#else
+#define VEK_ALWAYS_INLINE inline
+#endif
+
+namespace Vek::Chart::Library::Private {
+
+namespace {
+
+/// 2^(e − 128) for an exponent byte e, put together from its bits; 0 for e = 0. For e = 1 it is below the normal
+/// numbers. Products with it are exact, like those with a power that is multiplied up from 2.
+VEK_ALWAYS_INLINE float Power(unsigned char p_exponent) {
+  const std::uint32_t exponent = p_exponent;
+  const std::uint32_t bits = exponent > 1 ? (exponent - 1) << 23 : exponent << 22;
+  float power;
+  std::memcpy(&power, &bits, sizeof power);
+  return power;
+}
+
+/// Without branches or tables, so that the compiler works on several pixels at once.
+template <std::size_t Stride>
+VEK_ALWAYS_INLINE void Convert(const RgbeBytes& p_bytes, std::size_t p_count, HdrImage::Rgb32F* __restrict p_pixels) {
+  const unsigned char* const red = p_bytes.red;
+  const unsigned char* const green = p_bytes.green;
+  const unsigned char* const blue = p_bytes.blue;
+  const unsigned char* const exponent = p_bytes.exponent;
+  for (std::size_t x = 0; x < p_count; ++x) {
+    const float power = Power(exponent[Stride * x]);
+    p_pixels[x].red = static_cast<float>(red[Stride * x]) * 0.00390625f * power;
+    p_pixels[x].green = static_cast<float>(green[Stride * x]) * 0.00390625f * power;
+    p_pixels[x].blue = static_cast<float>(blue[Stride * x]) * 0.00390625f * power;
+  }
+}
+
+using Converter = void (*)(const RgbeBytes&, std::size_t, HdrImage::Rgb32F*);
+
+template <std::size_t Stride>
+void ConvertAnywhere(const RgbeBytes& p_bytes, std::size_t p_count, HdrImage::Rgb32F* p_pixels) {
+  Convert<Stride>(p_bytes, p_count, p_pixels);
+}
+
+#ifdef VEK_HAS_AVX2_CLONES
+template <std::size_t Stride>
+__attribute__((target("avx2"))) void ConvertByAvx2(const RgbeBytes& p_bytes, std::size_t p_count,
+                                                   HdrImage::Rgb32F* p_pixels) {
+  Convert<Stride>(p_bytes, p_count, p_pixels);
+}
+#endif
+
+/// The same code, for the instructions that the processor has.
+template <std::size_t Stride>
+Converter BestConverter() {
+#ifdef VEK_HAS_AVX2_CLONES
+  if (__builtin_cpu_supports("avx2"))
+    return &ConvertByAvx2<Stride>;
+#endif
+  return &ConvertAnywhere<Stride>;
+}
+
+} // namespace
+
+void ConvertPlanes(const RgbeBytes& p_bytes, std::size_t p_count, HdrImage::Rgb32F* p_pixels) {
+  static const Converter Convert = BestConverter<1>();
+  Convert(p_bytes, p_count, p_pixels);
+}
+
+void ConvertRecords(const unsigned char* p_records, std::size_t p_count, HdrImage::Rgb32F* p_pixels) {
+  static const Converter Convert = BestConverter<4>();
+  Convert({p_records, p_records + 1, p_records + 2, p_records + 3}, p_count, p_pixels);
+}
+
+} // namespace Vek::Chart::Library::Private

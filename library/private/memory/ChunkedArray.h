@@ -1,0 +1,52 @@
+#pragma once
+
+#include "library/private/memory/HugePages.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace Vek::Chart::Library::Private {
+
+/// An array that grows without moving its elements, so that its memory stays close to its size however large it
+/// becomes, and that ends as a vector of exactly that size.
+template <class T>
+class ChunkedArray {
+public:
+  std::size_t Size() const { return _size; }
+  const T& operator[](std::size_t p_index) const { return _chunks[p_index / ChunkSize][p_index % ChunkSize]; }
+
+  void Append(const T& p_element) {
+    if (_size % ChunkSize == 0)
+      AddChunk();
+    _chunks.back().push_back(p_element);
+    ++_size;
+  }
+
+  /// All elements; the array is empty afterwards. Each chunk is released as soon as it is copied.
+  std::vector<T> MoveOut() {
+    std::vector<T> all;
+    ReserveLarge(all, _size);
+    for (std::vector<T>& chunk : _chunks) {
+      all.insert(all.end(), chunk.begin(), chunk.end());
+      std::vector<T>().swap(chunk);
+    }
+    _chunks.clear();
+    _size = 0;
+    return all;
+  }
+
+private:
+  static constexpr std::size_t ChunkSize = std::size_t(1) << 16;
+
+  // The first chunk grows like any vector: many arrays stay small.
+  void AddChunk() {
+    _chunks.emplace_back();
+    if (_chunks.size() > 1)
+      _chunks.back().reserve(ChunkSize);
+  }
+
+  std::vector<std::vector<T>> _chunks;
+  std::size_t _size = 0;
+};
+
+} // namespace Vek::Chart::Library::Private

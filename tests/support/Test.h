@@ -1,0 +1,56 @@
+#pragma once
+
+// What nearly every test includes and uses.
+
+#include "platform/debug/Check.h"
+#include "platform/utility/GetLogger.h"
+#include "tests/support/PixelFixture.h"
+#include "tests/support/RecordingFixture.h"
+#include "tests/support/ReportCapture.h"
+#include "tests/support/Scope.h"
+#include "tests/support/TempFolder.h"
+
+#include <boost/lexical_cast.hpp>
+#include <boost/make_shared.hpp>
+
+#include <gtest/gtest.h>
+
+#include <QColor>
+#include <QImage>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <limits>
+#include <map>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace Vek::Chart::Library {}
+namespace Vek::Test {}
+
+namespace fs = std::filesystem;
+using namespace Vek::Chart;
+using namespace Vek::Chart::Library;
+using namespace Vek::Test;
+using vekdebug::severity;
+
+/// The lines of a report, or of what a recorder has logged.
+using Texts = std::vector<std::string>;
