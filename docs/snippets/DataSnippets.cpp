@@ -81,8 +81,7 @@ TEST(DataSnippets, AnyInterface) {
   const bool held = any.As<DataInterface::VertexAttribute3>() != nullptr; // the object
   const bool other = any.As<DataInterface::VertexIndex>() != nullptr;     // null: another interface
   //! [AnyInterface]
-  EXPECT_TRUE(held);
-  EXPECT_FALSE(other);
+  EXPECT_TRUE(held && !other);
 }
 
 TEST(DataSnippets, Intersect) {

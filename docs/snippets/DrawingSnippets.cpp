@@ -32,7 +32,6 @@ TEST_F(DrawingSnippetPixels, Geometry) {
   gl->PopMatrix();
   //! [Geometry]
   EXPECT_EQ(At(30, 18), QColor(Qt::red));
-  EXPECT_EQ(At(0, 0).alpha(), 0);
 }
 
 TEST_F(DrawingSnippetPixels, Box) {
@@ -45,7 +44,6 @@ TEST_F(DrawingSnippetPixels, Box) {
   legend(handle);
   //! [Box]
   EXPECT_EQ(At(10, 10), QColor(Qt::white));
-  EXPECT_EQ(At(40, 10).alpha(), 0);
 }
 
 TEST_F(DrawingSnippetPixels, FilledBox) {
@@ -59,7 +57,6 @@ TEST_F(DrawingSnippetPixels, FilledBox) {
   frame(handle);
   //! [FilledBox]
   EXPECT_EQ(At(6, 6), QColor(Qt::green));
-  EXPECT_EQ(At(20, 16).alpha(), 0);
 }
 
 TEST_F(DrawingSnippetPixels, Cuboid) {
@@ -72,7 +69,6 @@ TEST_F(DrawingSnippetPixels, Cuboid) {
   bar(handle, shapes);
   //! [Cuboid]
   EXPECT_EQ(At(45, 18), QColor(Qt::cyan));
-  EXPECT_EQ(At(15, 18).alpha(), 0);
 }
 
 TEST_F(DrawingSnippetPixels, Arrow3D) {
@@ -87,7 +83,6 @@ TEST_F(DrawingSnippetPixels, Arrow3D) {
   gl->PopMatrix();
   //! [Arrow3D]
   EXPECT_EQ(At(40, 18), QColor(Qt::red));
-  EXPECT_EQ(At(20, 18).alpha(), 0) << "behind the tail";
 }
 
 TEST_F(DrawingSnippetPixels, Cylinder) {
@@ -103,7 +98,6 @@ TEST_F(DrawingSnippetPixels, Cylinder) {
   gl->PopMatrix();
   //! [Cylinder]
   EXPECT_EQ(At(30, 25), QColor(Qt::yellow));
-  EXPECT_EQ(At(30, 10).alpha(), 0) << "below the base";
 }
 
 TEST_F(DrawingSnippetPixels, Disk) {
@@ -115,7 +109,6 @@ TEST_F(DrawingSnippetPixels, Disk) {
   wedge(handle);
   //! [Disk]
   EXPECT_EQ(At(38, 24), QColor(Qt::magenta));
-  EXPECT_EQ(At(22, 24).alpha(), 0);
 }
 
 TEST_F(DrawingSnippetPixels, Sphere) {
@@ -127,7 +120,6 @@ TEST_F(DrawingSnippetPixels, Sphere) {
   marker(handle);
   //! [Sphere]
   EXPECT_EQ(At(15, 18), QColor(Qt::blue));
-  EXPECT_EQ(At(45, 18).alpha(), 0);
 }
 
 TEST_F(DrawingSnippetPixels, Ring) {
@@ -140,7 +132,6 @@ TEST_F(DrawingSnippetPixels, Ring) {
   gl->PopMatrix();
   //! [Ring]
   EXPECT_EQ(At(59, 18), QColor(Qt::green));
-  EXPECT_EQ(At(30, 18).alpha(), 0) << "the hole";
 }
 
 TEST_F(DrawingSnippetPixels, TexturedCube) {
@@ -153,7 +144,6 @@ TEST_F(DrawingSnippetPixels, TexturedCube) {
   cube(gl); // from 0 to 1 along each axis
   //! [TexturedCube]
   EXPECT_EQ(At(45, 27), QColor(Qt::white));
-  EXPECT_EQ(At(15, 10).alpha(), 0);
 }
 
 TEST_F(DrawingSnippetPixels, TexturedQuad) {
@@ -168,7 +158,6 @@ TEST_F(DrawingSnippetPixels, TexturedQuad) {
   quad(handle, panel);
   //! [TexturedQuad]
   EXPECT_EQ(At(30, 12), QColor(Qt::red));
-  EXPECT_EQ(At(30, 30).alpha(), 0);
 }
 
 } // namespace

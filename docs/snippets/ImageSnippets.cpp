@@ -21,7 +21,6 @@ TEST(ImageSnippets, HdrImage) {
   sky.SaveAsPFM(target);
   //! [HdrImage]
   testing::internal::GetCapturedStdout();
-  EXPECT_EQ(sky.Width(), 512);
   EXPECT_NEAR(candela, 179 * (0.265 * horizon.red + 0.67 * horizon.green + 0.065 * horizon.blue), candela * 1e-5);
 }
 
@@ -57,8 +56,7 @@ TEST_F(ImageSnippetPixels, VolumeTexture) {
   volume.magFilter = VolumeTexture::Nearest; // the settings count at each bind, sRgb at the first only
   volume(gl, RGL_TEXTURE0);                  // uploaded; s runs along the extent that varies fastest
   //! [VolumeTexture]
-  EXPECT_EQ(volume.SizeS(), 180);
-  EXPECT_EQ(volume.SizeR(), 20);
+  EXPECT_EQ(std::pair(volume.SizeS(), volume.SizeR()), std::pair(180, 20));
 }
 
 } // namespace
