@@ -1,9 +1,8 @@
 #include "library/Geometry.h"
 
-#include "library/Ring.h"
 #include "library/TexturedCube.h"
-#include "library/private/mesh/CircularArrowMesh.h"
 #include "library/private/gl/QuadricDraw.h"
+#include "library/private/mesh/CircularArrowMesh.h"
 
 namespace Vek::Chart::Library {
 
@@ -86,13 +85,8 @@ void DrawCircularArrow(Utility::Scoped<Rgl>& p_gl) {
   p_gl->End();
 }
 
-/// Records nothing: the ring is set up and not drawn. Charts rely on the empty list.
-void DrawRing(Utility::Scoped<Rgl>&) {
-  Ogl::Library::Ring ring;
-  ring.outerRadius = 0.5;
-  ring.innerRadius = 0.45;
-  ring.segments = 36;
-}
+/// Records nothing: charts rely on the empty list.
+void DrawRing(Utility::Scoped<Rgl>&) {}
 
 void DrawVoxel(Utility::Scoped<Rgl>& p_gl) {
   TexturedCube cube(0);
@@ -101,10 +95,17 @@ void DrawVoxel(Utility::Scoped<Rgl>& p_gl) {
 
 boost::shared_ptr<Ogl::DisplayList> Record(Utility::Scoped<Rgl>& p_gl, void (*p_draw)(Utility::Scoped<Rgl>&)) {
   const boost::shared_ptr<Ogl::DisplayList> list = p_gl->GenDisplayList();
+  if (!list)
+    return {};
   const boost::shared_ptr<void> recording = list->Compile();
-  if (list->Name() != 0) // else it would be drawn here and now
-    p_draw(p_gl);
+  p_draw(p_gl);
   return list;
+}
+
+/// Draws nothing for a shape whose list could not be made.
+void Replay(const boost::shared_ptr<Ogl::DisplayList>& p_list) {
+  if (p_list)
+    (*p_list)();
 }
 
 } // namespace
@@ -124,28 +125,28 @@ Geometry::Geometry(const Utility::Unscoped<Rgl>& p_gl) {
 Geometry::~Geometry() = default;
 
 void Geometry::Cube(const Utility::Scoped<Rgl>&) const {
-  (*_cube)();
+  Replay(_cube);
 }
 void Geometry::Sphere(const Utility::Scoped<Rgl>&) const {
-  (*_sphere)();
+  Replay(_sphere);
 }
 void Geometry::Cylinder(const Utility::Scoped<Rgl>&) const {
-  (*_cylinder)();
+  Replay(_cylinder);
 }
 void Geometry::Disk(const Utility::Scoped<Rgl>&) const {
-  (*_disk)();
+  Replay(_disk);
 }
 void Geometry::Cone(const Utility::Scoped<Rgl>&) const {
-  (*_cone)();
+  Replay(_cone);
 }
 void Geometry::CircularArrow(const Utility::Scoped<Rgl>&) const {
-  (*_circularArrow)();
+  Replay(_circularArrow);
 }
 void Geometry::Ring(const Utility::Scoped<Rgl>&) const {
-  (*_ring)();
+  Replay(_ring);
 }
 void Geometry::Voxel(const Utility::Scoped<Rgl>&) const {
-  (*_voxel)();
+  Replay(_voxel);
 }
 
 } // namespace Vek::Chart::Library

@@ -15,6 +15,26 @@
 #include <utility>
 
 namespace Vek::Chart::Ogl {
+namespace {
+
+#define VEK_GUARD "class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::Rgl::"
+#define VEK_HANDLE(p_class) "class boost::shared_ptr<class Vek::Chart::Ogl::" p_class "> __cdecl Vek::Chart::Ogl::Rgl::"
+namespace Signature {
+constexpr const char* ScopeEnd = "void __cdecl Vek::Chart::Ogl::Rgl::ScopeEnd(void)";
+constexpr const char* PixelProjection = VEK_GUARD "PixelProjection(const class Vek::Chart::Types::Viewport<0> &) const";
+constexpr const char* GenTexture = VEK_HANDLE("Texture") "GenTexture(void) const";
+constexpr const char* Bind = "void __cdecl Vek::Chart::Ogl::Rgl::Bind(const class boost::shared_ptr<class "
+                             "Vek::Chart::Ogl::Texture> &,enum Vek::Chart::Ogl::Rgl::TexSamplerType) const";
+constexpr const char* GenDisplayList = VEK_HANDLE("DisplayList") "GenDisplayList(void) const";
+constexpr const char* GenFrameBufferObject = VEK_HANDLE("FrameBufferObject") "GenFrameBufferObject(void) const";
+constexpr const char* GenRenderBuffer = VEK_HANDLE("RenderBuffer") "GenRenderBuffer(void) const";
+constexpr const char* BindScope =
+    VEK_GUARD "BindScope(const class boost::shared_ptr<class Vek::Chart::Ogl::FrameBufferObject> &) const";
+} // namespace Signature
+#undef VEK_GUARD
+#undef VEK_HANDLE
+
+} // namespace
 
 Rgl::Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_makeCurrent,
          boost::function<void()> p_release)
@@ -37,7 +57,7 @@ void Rgl::ScopeBegin() {
 }
 
 void Rgl::ScopeEnd() {
-  if (!VEK_ENSURE(_scopeDepth > 0, "void __cdecl Vek::Chart::Ogl::Rgl::ScopeEnd(void)"))
+  if (!VEK_ENSURE(_scopeDepth > 0, Signature::ScopeEnd))
     return;
   if (--_scopeDepth == 0 && _release)
     _release();
@@ -53,14 +73,14 @@ void Rgl::MultMatrix(const Types::Transformation& p_transformation) const {
 }
 
 boost::shared_ptr<void> Rgl::PixelProjection(const Types::Viewport<0>& p_viewport) const {
+  // Reported first: the sink may throw, and nothing is pushed yet.
+  const bool valid = VEK_ENSURE(p_viewport.width > 0 && p_viewport.height > 0, Signature::PixelProjection);
   int mode = 0;
   GetIntegerv(RGL_MATRIX_MODE, &mode);
   MatrixMode(RGL_PROJECTION);
   PushMatrix();
   LoadIdentity();
-  if (VEK_ENSURE(p_viewport.width > 0 && p_viewport.height > 0,
-                 "class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::Rgl::PixelProjection(const class "
-                 "Vek::Chart::Types::Viewport<0> &) const"))
+  if (valid)
     Ortho(0, p_viewport.width, 0, p_viewport.height, -1, 1);
   MatrixMode(RGL_MODELVIEW);
   PushMatrix();
@@ -102,31 +122,43 @@ boost::shared_ptr<void> Rgl::PushAttribScope(GlBitfield p_mask) const {
   return MakeGuard([gl = _gl] { gl->PopAttrib(); });
 }
 
+namespace {
+
+/// A new object; none, which is reported, when GL has no name for it.
+template <class Object>
+boost::shared_ptr<Object> Generate(const boost::shared_ptr<const GlFunctions>& p_gl, const char* p_signature) {
+  boost::shared_ptr<Object> object = boost::make_shared<Object>(p_gl);
+  if (!VEK_ENSURE(object->Name() != 0, p_signature))
+    return {};
+  return object;
+}
+
+} // namespace
+
 boost::shared_ptr<Texture> Rgl::GenTexture() const {
-  return boost::make_shared<Texture>(_gl);
+  return Generate<Texture>(_gl, Signature::GenTexture);
 }
 
 void Rgl::Bind(const boost::shared_ptr<Texture>& p_texture, TexSamplerType p_sampler) const {
-  VEK_CHECK_POINTER(p_texture, "void __cdecl Vek::Chart::Ogl::Rgl::Bind(const class boost::shared_ptr<class "
-                               "Vek::Chart::Ogl::Texture> &,enum Vek::Chart::Ogl::Rgl::TexSamplerType) const");
+  VEK_CHECK_POINTER(p_texture, Signature::Bind);
   BindTexture(p_sampler, p_texture ? p_texture->Name() : 0);
 }
 
 boost::shared_ptr<DisplayList> Rgl::GenDisplayList() const {
-  return boost::make_shared<DisplayList>(_gl);
+  return Generate<DisplayList>(_gl, Signature::GenDisplayList);
 }
 
 boost::shared_ptr<FrameBufferObject> Rgl::GenFrameBufferObject() const {
-  return boost::make_shared<FrameBufferObject>(_gl);
+  return Generate<FrameBufferObject>(_gl, Signature::GenFrameBufferObject);
 }
 
 boost::shared_ptr<RenderBuffer> Rgl::GenRenderBuffer() const {
-  return boost::make_shared<RenderBuffer>(_gl);
+  return Generate<RenderBuffer>(_gl, Signature::GenRenderBuffer);
 }
 
 boost::shared_ptr<void> Rgl::BindScope(const boost::shared_ptr<FrameBufferObject>& p_target) const {
-  if (!VEK_CHECK_POINTER(p_target, "class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::Rgl::BindScope(const class "
-                                   "boost::shared_ptr<class Vek::Chart::Ogl::FrameBufferObject> &) const"))
+  // Name 0 is the frame buffer of the host's window.
+  if (!VEK_CHECK_POINTER(p_target, Signature::BindScope) || !VEK_ENSURE(p_target->Name() != 0, Signature::BindScope))
     return MakeGuard([] {});
   int draw = 0;
   int read = 0;

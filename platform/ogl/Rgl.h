@@ -138,19 +138,20 @@ public:
   /// Pushes the attribute groups of the mask; releasing the guard pops them.
   boost::shared_ptr<void> PushAttribScope(GlBitfield p_mask) const;
 
-  // Objects.
+  // Objects of this context. When GL makes none, the failure is reported and the pointer is empty.
 
-  /// A new texture of this context.
+  /// A new texture name, without contents.
   boost::shared_ptr<Texture> GenTexture() const;
   /// Binds a texture on the active unit; an empty pointer is reported and binds none.
   void Bind(const boost::shared_ptr<Texture>& p_texture, TexSamplerType p_sampler) const;
-  /// A new, empty display list of this context.
+  /// A new, empty display list.
   boost::shared_ptr<DisplayList> GenDisplayList() const;
-  /// A new frame-buffer object of this context, without attachments.
+  /// A new frame-buffer object without attachments.
   boost::shared_ptr<FrameBufferObject> GenFrameBufferObject() const;
-  /// A new renderbuffer of this context, without storage.
+  /// A new renderbuffer without storage.
   boost::shared_ptr<RenderBuffer> GenRenderBuffer() const;
-  /// Binds for drawing and reading; releasing the guard restores the two bindings that were there before.
+  /// Binds for drawing and reading; releasing the guard restores both previous bindings. An empty pointer, or an object
+  /// without a name, is reported and the bindings stay.
   boost::shared_ptr<void> BindScope(const boost::shared_ptr<FrameBufferObject>& p_target) const;
   /// The pool that makes GPU buffers in this context.
   BufferPool& GetBufferPool() const;

@@ -4,7 +4,7 @@
 namespace {
 
 TEST(Rgl, OnlyTheOutermostScopeSwitchesContexts) {
-  const boost::shared_ptr<const Ogl::GlFunctions> functions(new Ogl::GlFunctions);
+  const boost::shared_ptr<const Ogl::GlFunctions> functions = Ogl::RecordingGl().Handle().Object()->Functions();
   std::string log;
   const Utility::Unscoped<Rgl> handle(boost::shared_ptr<Rgl>(new Rgl(
       functions, [&] { log += '('; }, [&] { log += ')'; })));
@@ -101,24 +101,39 @@ TEST_F(RglCalls, ObjectsAreDeletedWithTheirLastHolder) {
 }
 
 TEST_F(RglCalls, NullAndNamelessObjectsAreReportedAndHarmless) {
-  for (const char* const name : {"GenTextures", "GenFramebuffers", "GenRenderbuffers", "GenLists"})
-    recorder.Fail(name);
-  EXPECT_EQ(gl->GenTexture()->Name(), 0U);
-  EXPECT_EQ(gl->GenFrameBufferObject()->Name(), 0U);
-  EXPECT_EQ(gl->GenRenderBuffer()->Name(), 0U);
-  const boost::shared_ptr<Ogl::DisplayList> list = gl->GenDisplayList();
+  for (const char* const name : {"GenTextures", "GenFramebuffers", "GenRenderbuffers", "GenLists"}) {
+    recorder.Fail(name, 1);
+    recorder.Fail(name, 2);
+  }
+  EXPECT_FALSE(gl->GenTexture());
+  EXPECT_FALSE(gl->GenFrameBufferObject());
+  EXPECT_FALSE(gl->GenRenderBuffer());
+  EXPECT_FALSE(gl->GenDisplayList());
+  const Ogl::DisplayList list(gl->Functions());
+  const boost::shared_ptr<Ogl::FrameBufferObject> nameless(new Ogl::FrameBufferObject(gl->Functions()));
   recorder.Clear();
-  list->Compile();
-  (*list)();
+  list.Compile();
+  list();
   gl->Bind(nullptr, Rgl::Sampler3D);
   gl->BindScope(nullptr);
+  gl->BindScope(nameless); // must not bind the window
   gl->PixelProjection({0, 0, 0, 14});
   const std::string guard = "class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::";
+  const auto unnamed = [](const std::string& p_class, const std::string& p_function) {
+    return "\"object->Name() != 0\" - class boost::shared_ptr<class Vek::Chart::Ogl::" + p_class +
+           "> __cdecl Vek::Chart::Ogl::Rgl::" + p_function + "(void) const";
+  };
   const Lines expected = {
+      unnamed("Texture", "GenTexture"),
+      unnamed("FrameBufferObject", "GenFrameBufferObject"),
+      unnamed("RenderBuffer", "GenRenderBuffer"),
+      unnamed("DisplayList", "GenDisplayList"),
       "\"_name != 0\" - " + guard + "DisplayList::Compile(void) const",
       "\"void*(obj)\" - void __cdecl Vek::Chart::Ogl::Rgl::Bind(const class boost::shared_ptr<class "
       "Vek::Chart::Ogl::Texture> &,enum Vek::Chart::Ogl::Rgl::TexSamplerType) const",
       "\"void*(obj)\" - " + guard +
+          "Rgl::BindScope(const class boost::shared_ptr<class Vek::Chart::Ogl::FrameBufferObject> &) const",
+      "\"p_target->Name() != 0\" - " + guard +
           "Rgl::BindScope(const class boost::shared_ptr<class Vek::Chart::Ogl::FrameBufferObject> &) const",
       "\"p_viewport.width > 0 && p_viewport.height > 0\" - " + guard +
           "Rgl::PixelProjection(const class Vek::Chart::Types::Viewport<0> &) const"};
