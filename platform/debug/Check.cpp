@@ -1,36 +1,78 @@
 #include "platform/debug/Check.h"
 
-#include "platform/debug/Logger.h"
+#include <mutex>
+#include <utility>
 
 namespace vekdebug {
 
-std::string check_text(const std::string& p_expression, const std::string& p_signature) {
-  return "\"" + p_expression + "\" - " + p_signature;
+namespace {
+
+/// A message in memory that the next message uses again. A message that is built while another one is reported takes
+/// memory of its own.
+class Message {
+public:
+  Message(std::initializer_list<std::string_view> p_parts) {
+    {
+      const std::lock_guard<std::mutex> lock(Spare().mutex);
+      _text.swap(Spare().text);
+    }
+    _text.clear();
+    for (const std::string_view part : p_parts)
+      _text += part;
+  }
+  ~Message() {
+    const std::lock_guard<std::mutex> lock(Spare().mutex);
+    _text.swap(Spare().text);
+  }
+  Message(const Message&) = delete;
+  Message& operator=(const Message&) = delete;
+
+  const std::string& Text() const { return _text; }
+
+private:
+  struct Memory {
+    std::mutex mutex;
+    std::string text;
+  };
+  /// Never destroyed: destructors of static objects may still report.
+  static Memory& Spare() {
+    static auto* const TheSpare = new Memory;
+    return *TheSpare;
+  }
+
+  std::string _text;
+};
+
+} // namespace
+
+std::string check_text(std::string_view p_expression, std::string_view p_signature) {
+  return Message({"\"", p_expression, "\" - ", p_signature}).Text();
 }
 
-bool fail_ensure(const std::string& p_expression, const std::string& p_signature) {
-  logger::instance().ensure(false, check_text(p_expression, p_signature));
+bool fail_ensure(std::string_view p_expression, std::string_view p_signature, const detail& p_detail) {
+  logger::instance().ensure(false, Message({"\"", p_expression, "\" - ", p_signature}).Text(), p_detail);
   return false;
 }
 
-bool fail_range(std::uint64_t p_value, std::uint64_t p_end, const std::string& p_expression,
-                const std::string& p_signature) {
-  logger::instance().chkrng(p_value, 0, p_end, check_text(p_expression, p_signature));
+bool fail_range(std::uint64_t p_value, std::uint64_t p_end, std::string_view p_expression, std::string_view p_signature,
+                const detail& p_detail) {
+  const Message message({"\"", p_expression, "\" - ", p_signature});
+  logger::instance().chkrng(p_value, 0, p_end, message.Text(), p_detail);
   return false;
 }
 
-bool fail_pointer(const std::string& p_signature) {
-  logger::instance().chkptr(nullptr, check_text("void*(obj)", p_signature));
+bool fail_pointer(std::string_view p_signature, const detail& p_detail) {
+  logger::instance().chkptr(nullptr, Message({"\"void*(obj)\" - ", p_signature}).Text(), p_detail);
   return false;
 }
 
-bool fail_sentry(const std::string& p_signature, int p_line) {
-  logger::instance().sentry(p_signature + " @line" + std::to_string(p_line));
+bool fail_sentry(std::string_view p_signature, int p_line, const detail& p_detail) {
+  logger::instance().sentry(Message({p_signature, " @line", std::to_string(p_line)}).Text(), p_detail);
   return false;
 }
 
-bool warn(const std::string& p_text) {
-  logger::instance().derr() << "WARNING: " + p_text << std::endl;
+bool warn(std::string_view p_text, const detail& p_detail) {
+  logger::instance().error(Message({"WARNING: ", p_text}).Text(), p_detail);
   return false;
 }
 

@@ -1,5 +1,9 @@
 #include "platform/debug/Logger.h"
 
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <list>
 #include <map>
@@ -48,13 +52,110 @@ private:
 
 namespace {
 
+/// 1234567 as "1,234,567".
+std::string Grouped(std::uint64_t p_number) {
+  std::string digits = std::to_string(p_number);
+  for (std::size_t at = digits.size(); at > 3;)
+    digits.insert(at -= 3, ",");
+  return digits;
+}
+
+/// The text between quotation marks: cut where it is long, with question marks for control characters.
+std::string Quoted(std::string_view p_text) {
+  constexpr std::size_t Longest = 80;
+  std::size_t size = std::min(p_text.size(), Longest);
+  while (size != 0 && size != p_text.size() && (p_text[size] & 0xC0) == 0x80)
+    --size; // not in the middle of a UTF-8 character
+  std::string text(p_text.substr(0, size));
+  std::replace_if(
+      text.begin(), text.end(), [](unsigned char p_byte) { return p_byte < ' ' || p_byte == 127; }, '?');
+  return "\"" + text + (size < p_text.size() ? "…\"" : "\"");
+}
+
+/// Writes reports to standard error, and repetitions of one text as a count.
 class StandardErrorSink : public sink {
 public:
   void write(const report& p_report) override {
-    std::string line = p_report.channel.empty() ? p_report.text : "[" + p_report.channel + "] " + p_report.text;
-    line += '\n';
-    std::cerr << line << std::flush;
+    const std::lock_guard<std::mutex> lock(_mutex);
+    const Clock::time_point now = Clock::now();
+    const bool repeated =
+        _canRepeat && p_report.kind == _kind && p_report.text == _text && p_report.channel == _channel;
+    if (repeated) {
+      ++_folded;
+      Remember(p_report.where);
+      if (now - _printed >= std::chrono::seconds(1))
+        PrintFolded();
+    } else {
+      PrintFolded();
+      Print(p_report);
+    }
+    if (_folded == 0)
+      _printed = now;
   }
+
+  /// Writes the number of repetitions so far; the next report is written whole.
+  void Flush() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    PrintFolded();
+    _canRepeat = false;
+  }
+  /// Flushes, and folds no longer: nobody would write the number.
+  void StopFolding() {
+    Flush();
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _folds = false;
+  }
+
+private:
+  using Clock = std::chrono::steady_clock;
+
+  void Print(const report& p_report) {
+    const std::string where = detail_text(p_report.where);
+    std::string line = p_report.channel.empty() ? p_report.text : "[" + p_report.channel + "] " + p_report.text;
+    line += where.empty() ? "\n" : " (" + where + ")\n";
+    std::cerr << line << std::flush;
+    _kind = p_report.kind;
+    _text = p_report.text;
+    _channel = p_report.channel;
+    _path = p_report.where.path;
+    _canRepeat = _folds;
+  }
+
+  /// Keeps where the last repetition was.
+  void Remember(const detail& p_detail) {
+    _lastPath = p_detail.path;
+    _lastLine = p_detail.line;
+    _lastIndex = p_detail.index;
+  }
+
+  void PrintFolded() {
+    if (_folded == 0)
+      return;
+    std::string line = "… " + Grouped(_folded) + " more";
+    const std::string place = _lastLine != 0 ? "line " + Grouped(_lastLine)
+                              : _lastIndex   ? "index " + Grouped(*_lastIndex)
+                                             : "";
+    if (_lastPath != _path)
+      line += ", to " + _lastPath + (place.empty() ? "" : ", " + place);
+    else if (!place.empty())
+      line += ", to " + place;
+    _folded = 0;
+    std::cerr << line + "\n" << std::flush;
+  }
+
+  std::mutex _mutex;
+  bool _folds = true;
+  bool _canRepeat = false; // whether there is a report that the next one may repeat
+  severity _kind = severity::debug;
+  std::string _text;
+  std::string _channel;
+  std::string _path;
+  Clock::time_point _printed;
+
+  std::uint64_t _folded = 0; // repetitions since the last line
+  std::string _lastPath;
+  std::uint64_t _lastLine = 0;
+  std::optional<std::uint64_t> _lastIndex;
 };
 
 /// A stream together with its buffer.
@@ -131,9 +232,29 @@ ThreadStreams& StreamsOfThisThread() {
 
 struct logger::state {
   mutable std::mutex mutex;
-  std::shared_ptr<sink> current = std::make_shared<StandardErrorSink>();
+  const std::shared_ptr<StandardErrorSink> standard = std::make_shared<StandardErrorSink>();
+  std::shared_ptr<sink> current = standard;
   std::set<std::string> openChannels;
 };
+
+std::string detail_text(const detail& p_detail) {
+  std::string text(p_detail.path);
+  const auto add = [&text](const std::string& p_item) { text += (text.empty() ? "" : ", ") + p_item; };
+  if (p_detail.line != 0)
+    text += (text.empty() ? "line " : ":") + std::to_string(p_detail.line);
+  if (p_detail.found.data() != nullptr)
+    add("found " + Quoted(p_detail.found));
+  if (p_detail.index)
+    add("index " + std::to_string(*p_detail.index));
+  if (p_detail.count)
+    add("count " + std::to_string(*p_detail.count));
+  if (p_detail.value) {
+    char number[32];
+    std::snprintf(number, sizeof number, "%.9g", *p_detail.value);
+    add(std::string("value ") + number);
+  }
+  return text;
+}
 
 sink::~sink() = default;
 
@@ -142,7 +263,10 @@ dbgostream::dbgostream(std::streambuf* p_buffer)
 dbgostream::~dbgostream() = default;
 
 logger::logger()
-    : _state(std::make_unique<state>()) {}
+    : _state(std::make_unique<state>()) {
+  // What static objects report later is written line by line.
+  std::atexit([] { instance()._state->standard->StopFolding(); });
+}
 logger::~logger() = default;
 
 logger& logger::instance() {
@@ -151,32 +275,45 @@ logger& logger::instance() {
   return *TheLogger;
 }
 
-void logger::write(severity p_kind, const std::string& p_text, const std::string& p_channel) {
+void logger::write(severity p_kind, const std::string& p_text, const std::string& p_channel, const detail& p_detail) {
   std::shared_ptr<sink> current;
   {
     const std::lock_guard<std::mutex> lock(_state->mutex);
     current = _state->current;
   }
-  current->write(report{p_kind, p_text, p_channel});
+  current->write(report{p_kind, p_text, p_channel, p_detail});
 }
 
-void logger::ensure(bool p_condition, const std::string& p_text) {
+void logger::ensure(bool p_condition, const std::string& p_text, const detail& p_detail) {
   if (!p_condition)
-    write(severity::ensure, p_text, {});
+    write(severity::ensure, p_text, {}, p_detail);
 }
 
-void logger::sentry(const std::string& p_text) {
-  write(severity::sentry, p_text, {});
+void logger::sentry(const std::string& p_text, const detail& p_detail) {
+  write(severity::sentry, p_text, {}, p_detail);
 }
 
-void logger::chkptr(const void* p_object, const std::string& p_text) {
+void logger::chkptr(const void* p_object, const std::string& p_text, const detail& p_detail) {
   if (p_object == nullptr)
-    write(severity::pointer, p_text, {});
+    write(severity::pointer, p_text, {}, p_detail);
 }
 
-void logger::chkrng(std::uint64_t p_value, std::uint64_t p_first, std::uint64_t p_end, const std::string& p_text) {
-  if (p_value < p_first || p_value >= p_end)
-    write(severity::range, p_text, {});
+void logger::chkrng(std::uint64_t p_value, std::uint64_t p_first, std::uint64_t p_end, const std::string& p_text,
+                    const detail& p_detail) {
+  if (p_value >= p_first && p_value < p_end)
+    return;
+  detail where = p_detail;
+  where.index = p_value;
+  where.count = p_end;
+  write(severity::range, p_text, {}, where);
+}
+
+void logger::error(const std::string& p_text, const detail& p_detail) {
+  std::size_t first = 0;
+  for (std::size_t end; (end = p_text.find('\n', first)) != std::string::npos; first = end + 1)
+    write(severity::error, p_text.substr(first, end - first), {}, p_detail);
+  first == 0 ? write(severity::error, p_text, {}, p_detail)
+             : write(severity::error, p_text.substr(first), {}, p_detail);
 }
 
 dbgostream& logger::dout(const std::string& p_channel) {
@@ -204,7 +341,8 @@ bool logger::is_open(const std::string& p_channel) const {
 
 std::shared_ptr<sink> logger::set_sink(std::shared_ptr<sink> p_sink) {
   if (!p_sink)
-    p_sink = std::make_shared<StandardErrorSink>();
+    p_sink = _state->standard;
+  _state->standard->Flush();
   const std::lock_guard<std::mutex> lock(_state->mutex);
   return std::exchange(_state->current, std::move(p_sink));
 }

@@ -6,7 +6,7 @@ class ReportCapture::Sink : public vekdebug::sink {
 public:
   void write(const vekdebug::report& p_report) override {
     const std::lock_guard<std::mutex> lock(mutex);
-    entries.push_back({p_report.kind, p_report.text, p_report.channel});
+    entries.push_back({p_report.kind, p_report.text, p_report.channel, vekdebug::detail_text(p_report.where)});
   }
   mutable std::mutex mutex;
   std::vector<Entry> entries;
@@ -30,6 +30,13 @@ std::vector<std::string> ReportCapture::Texts() const {
   for (const Entry& entry : Entries())
     texts.push_back(entry.text);
   return texts;
+}
+
+std::vector<std::string> ReportCapture::Details() const {
+  std::vector<std::string> details;
+  for (const Entry& entry : Entries())
+    details.push_back(entry.where);
+  return details;
 }
 
 void ReportCapture::Clear() {

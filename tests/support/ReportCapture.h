@@ -9,7 +9,7 @@
 
 namespace Vek::Test {
 
-/// While it lives, all reports are gathered here instead of being printed.
+/// Gathers all reports instead of printing them, as long as it lives.
 class ReportCapture {
 public:
   ReportCapture();
@@ -21,10 +21,13 @@ public:
     vekdebug::severity kind;
     std::string text;
     std::string channel;
+    std::string where; ///< the detail as a string
   };
   std::vector<Entry> Entries() const;
   /// The texts of all reports so far, in order.
   std::vector<std::string> Texts() const;
+  /// The details of all reports so far, in order.
+  std::vector<std::string> Details() const;
   void Clear();
 
 private:

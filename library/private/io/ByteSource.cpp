@@ -59,13 +59,14 @@ std::size_t ByteSource::ReadOn() {
   return 0;
 }
 
-bool ByteSource::GetLine(std::string& p_line) {
+bool ByteSource::GetLine(std::string& p_line, std::size_t p_longest) {
   p_line.clear();
   if (Prepare(1) == 0)
     return false;
-  while (Prepare(1) != 0) {
-    const unsigned char* const lineFeed = static_cast<const unsigned char*>(std::memchr(Data(), '\n', _end - _next));
-    const std::size_t length = lineFeed == nullptr ? _end - _next : static_cast<std::size_t>(lineFeed - Data());
+  while (p_line.size() <= p_longest && Prepare(1) != 0) {
+    const std::size_t most = std::min(_end - _next, p_longest + 1 - p_line.size());
+    const auto* const lineFeed = static_cast<const unsigned char*>(std::memchr(Data(), '\n', most));
+    const std::size_t length = lineFeed == nullptr ? most : static_cast<std::size_t>(lineFeed - Data());
     p_line.append(reinterpret_cast<const char*>(Data()), length);
     Take(length);
     if (lineFeed != nullptr) {

@@ -20,8 +20,11 @@ public:
   ByteSource(const ByteSource&) = delete;
   ByteSource& operator=(const ByteSource&) = delete;
 
-  /// Takes a line without its line feed. False, and an empty line, when there is nothing left.
-  bool GetLine(std::string& p_line);
+  static constexpr std::size_t LongestLine = std::size_t{64} << 20;
+
+  /// Takes a line without its line feed. False, and an empty line, when there is nothing left. Of a line longer than
+  /// p_longest bytes it takes the first p_longest + 1 bytes only, by which callers recognise such a line.
+  bool GetLine(std::string& p_line, std::size_t p_longest = LongestLine);
 
   /// Makes at least `p_count` bytes available at Data(), and returns how many there are: fewer only at the end. The
   /// window grows to hold more than WindowSize.
