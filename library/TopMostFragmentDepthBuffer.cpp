@@ -42,6 +42,7 @@ bool TopMostFragmentDepthBuffer::GetDepthAt(Utility::Scoped<Rgl>& p_gl, Types::V
     p_gl->Disable(RGL_FRAMEBUFFER_SRGB);
 
   if (_state->stamp != p_stamp) {
+    _state->stamp = Core::TimeStamp(); // what the target held is lost, even if the callback throws
     p_gl->ClearColor(QColor(Qt::transparent)); // the code of "nothing here"
     p_gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
     p_gl->Disable(RGL_STENCIL_TEST);
