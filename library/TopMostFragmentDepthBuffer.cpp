@@ -1,9 +1,9 @@
 #include "library/TopMostFragmentDepthBuffer.h"
 
 #include "library/RenderTexture.h"
-#include "library/private/gl/PixelStore.h"
 #include "library/private/gl/Truncate.h"
 #include "platform/ogl/HitRecord.h"
+#include "platform/ogl/PixelStore.h"
 
 #include <boost/array.hpp>
 
@@ -53,7 +53,7 @@ bool TopMostFragmentDepthBuffer::GetDepthAt(Utility::Scoped<Rgl>& p_gl, Types::V
 
   boost::array<unsigned char, 4> bytes{{0, 0, 0, 0}};
   {
-    const boost::shared_ptr<void> packing = Private::PixelPackScope(p_gl);
+    const boost::shared_ptr<void> packing = Ogl::PixelPackScope(*p_gl);
     p_gl->ReadPixels(p_position.x, p_position.y, 1, 1, RGL_RGBA, RGL_UNSIGNED_BYTE, bytes.data());
   }
   // Made once: it costs as much as binding the target.

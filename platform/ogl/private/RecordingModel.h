@@ -83,6 +83,7 @@ public:
   void TexParameteri(GlEnum p_target, GlEnum p_name, int p_value);
   void TexEnvi(GlEnum, GlEnum p_name, int p_value) { Set(p_name, {double(p_value)}); }
   void PixelStorei(GlEnum p_name, int p_value) { Set(p_name, {double(p_value)}); }
+  void PixelTransferf(GlEnum p_name, float p_value) { Set(p_name, {double(p_value)}); }
   void TexImage2D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_border,
                   GlEnum p_format, GlEnum p_type, const void* p_pixels);
   void TexImage3D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_depth,
