@@ -16,68 +16,71 @@
 
 namespace Vek::Chart::Library {
 
-/// Polygon models in GPU buffers: reads each model file once and hands out, by a number, what is needed to draw it.
+/// Polygon models in GPU buffers, by number: uploads each model once and returns the records needed to draw it.
 ///
-/// Ids count from 0 in the order of registration; nothing is ever removed. Each model has a vertex and an index buffer
-/// of its own. A copy of a cache shares the buffers registered so far. Buffers live as long as a cache or a record
-/// holds them; the context they were made in must be current when the last holder goes.
+/// Ids count from 0 in the order of registration; models are never removed. Each model has its own vertex buffer and
+/// index buffer. A copy of a cache shares the buffers registered so far. A buffer lives as long as a cache or a record
+/// holds it; the context that made it must be current when the last holder releases it.
 ///
 /// \snippet GlyphSnippets.cpp ModelCache
 /// \image html earthquakes.jpg
 /// \ingroup glyphs
 class VEK_LIBRARY_API ModelCache {
 public:
-  /// The records of vertex buffers: three floats.
+  /// The record of vertex buffers: three floats.
   using VertexRecord = Ogl::Attribute<Ogl::Vec3<float>>;
-  /// The records of index buffers: one unsigned 32-bit number.
+  /// The record of index buffers: one unsigned 32-bit number.
   using IndexRecord = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
 
-  /// The indices of all groups of a model, one group after the other, zero-based into the model's vertices; as the
-  /// file has them, so those past the end (which were reported by the reader) are among them.
+  /// The indices of all groups of a model, in the order of the groups, zero-based into the model's vertices. Indices
+  /// past the end of the vertices, which the reader reported, are stored unchanged.
   struct IndexBuffer {
-    Ogl::VertexBuffer::PrimitiveType type = Ogl::VertexBuffer::Undecided; ///< what the indices describe
+    Ogl::VertexBuffer::PrimitiveType type = Ogl::VertexBuffer::Undecided; ///< the kind of primitive
     std::uint32_t first = 0;                                              ///< primitives before the model's; always 0
     std::uint32_t count = 0;                                              ///< primitives, not indices
-    Ogl::Buffer<IndexRecord> buffer;                                      ///< empty for a model without indices
+    Ogl::Buffer<IndexRecord> buffer; ///< empty if the model has no indices or could not be uploaded
   };
 
-  /// Positions and normals of a model, three floats each: position 0, normal 0, position 1, …; without normals the
-  /// positions alone. Strides and offsets are bytes.
+  /// Positions and normals of a model, three floats each: position 0, normal 0, position 1, …; without normals,
+  /// positions only. Strides and offsets are in bytes.
   struct VertexBuffer {
-    /// What the records hold.
+    /// The contents of the records.
     enum Attributes : std::uint32_t {
-      Positions = 1, ///< always, but for an empty model
-      Normals = 2,   ///< when the file has some
+      Positions = 1, ///< always
+      Normals = 2,   ///< if the model has normals
     };
     std::uint32_t attributes = 0;     ///< bits of Attributes
     std::uint32_t positionStride = 0; ///< from one position to the next
-    std::uint32_t normalStride = 0;   ///< 0 without normals
+    std::uint32_t normalStride = 0;   ///< from one normal to the next; 0 without normals
     std::uint32_t positionOffset = 0; ///< of position 0
-    std::uint32_t normalOffset = 0;   ///< 0 without normals
-    Ogl::Buffer<VertexRecord> buffer; ///< empty for a model without positions
+    std::uint32_t normalOffset = 0;   ///< of normal 0; 0 without normals
+    Ogl::Buffer<VertexRecord> buffer; ///< empty if the model has no positions or could not be uploaded
   };
 
   /// An empty cache. Each registration opens a scope on the handle.
   explicit ModelCache(const Utility::Unscoped<Ogl::Rgl>& p_gl);
-  /// Shares the buffers registered so far; what is registered later belongs to one of the two.
+  /// Shares the buffers registered so far; later registrations belong to one of the two caches only.
   ModelCache(const ModelCache& p_other) = default;
 
-  /// Reads a model with LoadPolygonObjFile, uploads it and returns its id: a new one each time, also for a path that
-  /// was registered before.
+  /// Reads a model with LoadPolygonObjFile, uploads it and returns its id. Each call makes a new id, also for a path
+  /// that was registered before. The array-buffer binding stays.
   ///
-  /// What the reader throws passes on and leaves the cache as it was. A model without positions or without indices,
-  /// such as that of a missing file, is reported by the buffer pool ("Trying to allocate a buffer of 0 bytes!") and
-  /// registered with empty buffers; one whose primitive type is undecided is reported and has 0 primitives. Memory that
-  /// cannot be mapped is reported and leaves a buffer with undefined contents.
+  /// Exceptions of the reader leave the cache unchanged. Reported, and registered with an empty buffer, are:
+  /// - a model without positions or without indices, for example that of a missing file ("Trying to allocate a buffer
+  ///   of 0 bytes!");
+  /// - a buffer that GL fails to make or to map.
+  ///
+  /// An undecided primitive type is reported and has 0 primitives.
   std::size_t Register(const vekfile::filepath& p_path);
-  /// Uploads a model that was read before, on another thread for one, likewise.
+  /// Uploads an already loaded model; it may have been loaded on another thread. Also reported are null arrays and
+  /// groups, which count as empty, and fewer normals than positions; the model is then registered without normals.
   std::size_t Register(const ObjModel& p_model);
 
-  /// The box around the positions as the vertex buffer holds them, narrowed to float.
+  /// The bounds of the positions, narrowed to float as in the vertex buffer; empty for an unknown id.
   Types::BoundingBox_Base<double> GetBoundingBox(std::size_t p_id) const;
-  /// The indices of a model, and what they describe; an empty record for an id that was never given.
+  /// The indices of a model; an empty record for an unknown id.
   IndexBuffer GetIndexBuffer(std::size_t p_id) const;
-  /// The vertices of a model, and how they lie; an empty record for an id that was never given.
+  /// The vertices of a model; an empty record for an unknown id.
   VertexBuffer GetVertexBuffer(std::size_t p_id) const;
 
 private:
@@ -88,8 +91,10 @@ private:
     std::uint32_t attributes, positionStride, normalStride, positionOffset, normalOffset;
   };
 
+  std::size_t Upload(const ObjModel& p_model, Ogl::BufferPool& p_pool);
+
   Utility::Unscoped<Ogl::Rgl> _gl;
-  // In step: element i of each belongs to model i.
+  // Element i of each belongs to model i.
   std::vector<Ogl::Buffer<VertexRecord>> _vertexBuffers;
   std::vector<Ogl::Buffer<IndexRecord>> _indexBuffers;
   std::vector<IndexDescription> _indexDescriptions;

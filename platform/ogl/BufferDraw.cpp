@@ -9,15 +9,36 @@
 namespace Vek::Chart::Ogl {
 namespace {
 
+namespace Signature {
+#define VEK_METHOD "void __cdecl Vek::Chart::Ogl::BufferDraw::"
+#define VEK_SCOPE "class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &"
+constexpr const char* Draw = VEK_METHOD "Draw(" VEK_SCOPE ") const";
+constexpr const char* DrawInstances = VEK_METHOD "Draw(" VEK_SCOPE ",unsigned int) const";
+#undef VEK_METHOD
+#undef VEK_SCOPE
+} // namespace Signature
+
 constexpr std::size_t RecordBytes = 3 * sizeof(float);
 constexpr std::size_t Most = static_cast<std::size_t>(std::numeric_limits<int>::max());
 
-/// Whether at least one record lies at that place, and every stride can be handed to GL.
+/// True if at least one record lies at the offset, and GL takes the stride.
 bool Fits(const BufferDraw::RecordBuffer& p_buffer, unsigned int p_offset, unsigned int p_stride) {
   const std::size_t bytes = p_buffer.Count() * RecordBytes;
   return p_offset <= bytes && RecordBytes <= bytes - p_offset && p_stride <= Most;
 }
 
+/// True if the buffer holds `p_count` records or more.
+template <class T>
+bool Holds(const Buffer<T>& p_buffer, std::size_t p_count) {
+  return p_buffer.Count() >= p_count && p_buffer.Name() != 0;
+}
+
+template <class T>
+bool HasContents(const Buffer<T>& p_buffer) {
+  return !p_buffer.Storage()->ContentsLost();
+}
+
+/// True if the buffers can be drawn; reports the first reason otherwise.
 bool CheckBuffers(const BufferDraw& p_draw, std::size_t p_instances, const char* p_signature) {
   const auto check = [p_signature](bool p_holds, const char* p_expression) {
     return VEK_ENSURE_TEXT(p_holds, p_expression, p_signature);
@@ -25,8 +46,10 @@ bool CheckBuffers(const BufferDraw& p_draw, std::size_t p_instances, const char*
   const bool withNormals = (p_draw.attributes & BufferDraw::Normals) != 0;
   const auto& instanced = p_draw.instanceAttributes;
   return check(PrimitiveToken(p_draw.type).has_value(), "type != VertexBuffer::Undecided") &&
-         check(p_draw.indices.Count() != 0 && p_draw.indices.Count() <= Most, "indices.Count() != 0") &&
-         check(p_draw.vertices.Count() != 0, "vertices.Count() != 0") &&
+         check(Holds(p_draw.indices, 1) && p_draw.indices.Count() <= Most, "indices.Count() != 0") &&
+         check(Holds(p_draw.vertices, 1), "vertices.Count() != 0") &&
+         check(HasContents(p_draw.indices), "!indices.Storage()->ContentsLost()") &&
+         check(HasContents(p_draw.vertices), "!vertices.Storage()->ContentsLost()") &&
          check(Fits(p_draw.vertices, p_draw.positionOffset, p_draw.positionStride),
                "positionOffset + 12 <= vertices bytes") &&
          check(!withNormals || Fits(p_draw.vertices, p_draw.normalOffset, p_draw.normalStride),
@@ -34,13 +57,14 @@ bool CheckBuffers(const BufferDraw& p_draw, std::size_t p_instances, const char*
          check(p_instances <= Most, "instances <= INT_MAX") &&
          check(std::all_of(instanced.begin(), instanced.end(),
                            [p_instances](const BufferDraw::InstanceAttribute& p_attribute) {
-                             return p_attribute.records.Count() >= p_instances;
+                             return Holds(p_attribute.records, p_instances) && HasContents(p_attribute.records);
                            }),
                "instanceAttribute.records.Count() >= instances");
 }
 
 const void* Offset(unsigned int p_bytes) {
-  return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(p_bytes)); // NOLINT: GL's way to pass an offset
+  return reinterpret_cast<const void*>(
+      static_cast<std::uintptr_t>(p_bytes)); // NOLINT: GL takes the offset as a pointer
 }
 
 void SetPointers(const Rgl& p_gl, const BufferDraw& p_draw) {
@@ -67,9 +91,7 @@ void SetInstancePointers(const Rgl& p_gl, const std::vector<BufferDraw::Instance
 } // namespace
 
 void BufferDraw::Draw(Utility::Scoped<Rgl>& p_gl) const {
-  if (!CheckBuffers(*this, 1,
-                    "void __cdecl Vek::Chart::Ogl::BufferDraw::Draw(class Vek::Chart::Utility::Scoped<class "
-                    "Vek::Chart::Ogl::Rgl> &) const"))
+  if (!CheckBuffers(*this, 1, Signature::Draw))
     return;
   const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
   SetPointers(*p_gl, *this);
@@ -77,11 +99,8 @@ void BufferDraw::Draw(Utility::Scoped<Rgl>& p_gl) const {
 }
 
 void BufferDraw::Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const {
-  constexpr const char* Signature =
-      "void __cdecl Vek::Chart::Ogl::BufferDraw::Draw(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> "
-      "&,unsigned int) const";
-  if (p_instances == 0 || !CheckBuffers(*this, p_instances, Signature) ||
-      !VEK_ENSURE(p_gl->Features().Supported(DeviceFeatures::FeatureInstancing), Signature))
+  if (p_instances == 0 || !CheckBuffers(*this, p_instances, Signature::DrawInstances) ||
+      !VEK_ENSURE(p_gl->Features().Supported(DeviceFeatures::FeatureInstancing), Signature::DrawInstances))
     return;
   const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
   SetPointers(*p_gl, *this);

@@ -13,8 +13,8 @@ namespace Vek::Chart::Ogl {
 
 /// Draws indexed primitives from GPU buffers, once or many times in one call.
 ///
-/// Positions and normals go to GL's fixed vertex attributes (`gl_Vertex` and `gl_Normal` in a shader). With instances,
-/// a vertex shader tells them apart: by `gl_InstanceID`, or by attributes that advance once an instance.
+/// Positions and normals go to GL's fixed vertex attributes (`gl_Vertex` and `gl_Normal` in a shader). A vertex shader
+/// distinguishes instances by `gl_InstanceID` or by attributes that advance once per instance.
 ///
 /// \snippet GlyphSnippets.cpp BufferDraw
 /// \image html symbols.jpg
@@ -25,34 +25,35 @@ struct VEK_PLATFORM_API BufferDraw {
   /// Records of three floats.
   using RecordBuffer = Buffer<Attribute<Vec3<float>>>;
 
-  /// What the vertex buffer holds.
+  /// The contents of the vertex buffer.
   enum AttributeBits : unsigned int {
-    Positions = 1, ///< must be there
-    Normals = 2,   ///< may be there
+    Positions = 1, ///< required
+    Normals = 2,   ///< optional
   };
 
-  /// Three floats an instance, for the shader's attribute of that location; one record each.
+  /// A vertex attribute of three floats that advances once per instance.
   struct InstanceAttribute {
-    unsigned int location = 0; ///< the shader's attribute
-    RecordBuffer records;      ///< record i goes to instance i
+    unsigned int location = 0; ///< location of the attribute in the shader
+    RecordBuffer records;      ///< one record per instance
   };
 
-  VertexBuffer::PrimitiveType type = VertexBuffer::Undecided; ///< what the indices describe
-  IndexBuffer indices;                                        ///< all of them are drawn
+  VertexBuffer::PrimitiveType type = VertexBuffer::Undecided; ///< the kind of primitive
+  IndexBuffer indices;                                        ///< all are drawn
   RecordBuffer vertices;                                      ///< positions and normals
   unsigned int attributes = Positions;                        ///< bits of AttributeBits
-  unsigned int positionStride = 0; ///< bytes from one position to the next; 0 when they are tightly packed
-  unsigned int normalStride = 0;   ///< the same for normals
-  unsigned int positionOffset = 0; ///< bytes in front of the first position
-  unsigned int normalOffset = 0;   ///< the same for normals
-  std::vector<InstanceAttribute> instanceAttributes; ///< what the instances differ in
+  unsigned int positionStride = 0;                   ///< bytes from one position to the next; 0 if tightly packed
+  unsigned int normalStride = 0;                     ///< bytes from one normal to the next; 0 if tightly packed
+  unsigned int positionOffset = 0;                   ///< bytes before the first position
+  unsigned int normalOffset = 0;                     ///< bytes before the first normal
+  std::vector<InstanceAttribute> instanceAttributes; ///< for the instanced `Draw`
 
-  /// Draws all indices and restores the client state that it changes. Nothing is drawn, and the reason reported, when a
-  /// buffer is empty, the primitive type is not decided, the layout does not fit into the vertex buffer, or an instance
-  /// attribute has fewer records than instances. The indices lie in the device's memory and are not looked at: each
-  /// must be below the number of vertices.
+  /// Draws all indices. Restores the client state that it changes.
+  ///
+  /// Reports and draws nothing if a buffer is empty, the contents of a buffer were lost (a mapping failed), the
+  /// primitive type is undecided, the layout does not fit into the vertex buffer, or an instance attribute has fewer
+  /// records than instances. Index values are not checked: each must be below the number of vertices.
   void Draw(Utility::Scoped<Rgl>& p_gl) const;
-  /// The same for many instances; 0 draws nothing.
+  /// Draws `p_instances` instances in one call; 0 draws nothing. Also reports a device without instancing.
   void Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const;
 };
 

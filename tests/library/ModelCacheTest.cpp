@@ -5,20 +5,26 @@ using Vector = Types::Vector3_Base<double>;
 
 namespace {
 
-const std::string Undecided = "unsigned int __cdecl `anonymous-namespace'::NumPrimitives(const enum "
-                              "Vek::Chart::Ogl::VertexBuffer::PrimitiveType,const unsigned int) @line50";
-/// No buffer of that many components is made for nothing.
-std::string NoBytes(const std::string& p_component) {
-  return "\"p_count != 0 && \"Trying to allocate a buffer of 0 bytes!\"\" - class Vek::Chart::Ogl::Buffer<class "
-         "Vek::Chart::Ogl::Attribute<class Vek::Chart::Ogl::" +
-         p_component +
+namespace Signature {
+const std::string NumPrimitives = "unsigned int __cdecl `anonymous-namespace'::NumPrimitives(const enum "
+                                  "Vek::Chart::Ogl::VertexBuffer::PrimitiveType,const unsigned int)";
+const std::string Register = "unsigned __int64 __cdecl Vek::Chart::Library::ModelCache::Register(const class ";
+const std::string RegisterPath = Register + "vekfile::filepath &)";
+const std::string RegisterModel = Register + "Vek::Chart::Library::ObjModel &)";
+} // namespace Signature
+
+/// The report of a buffer that was not made, by its components.
+std::string NotMade(const std::string& p_expression, const std::string& p_component) {
+  return '"' + p_expression +
+         "\" - class Vek::Chart::Ogl::Buffer<class Vek::Chart::Ogl::Attribute<class Vek::Chart::Ogl::" + p_component +
          "> > > __cdecl Vek::Chart::Ogl::BufferPool::CreateBuffer(unsigned __int64,enum "
          "Vek::Chart::Ogl::BufferUsage::Kind)";
 }
-const std::string NoVertices = NoBytes("Vec3<float");
-const std::string NoIndices = NoBytes("Vec1<unsigned int");
-const std::string NotMapped = "\"p_records.Count() == p_buffer.Count()\" - unsigned __int64 __cdecl "
-                              "Vek::Chart::Library::ModelCache::Register(const class vekfile::filepath &)";
+const std::string NoBytes = "p_count != 0 && \"Trying to allocate a buffer of 0 bytes!\"";
+const std::string NoVertices = NotMade(NoBytes, "Vec3<float");
+const std::string NoIndices = NotMade(NoBytes, "Vec1<unsigned int");
+const std::string Undecided = Signature::NumPrimitives + " @line50";
+const std::string Null = "\"void*(obj)\" - " + Signature::RegisterModel;
 
 const char* const Triangle = "v 0 0 0\nv 1 0 0\nv 0 2 0\nf 1 2 3\n";
 // Two named groups behind the default one, which stays empty.
@@ -72,25 +78,6 @@ TEST_F(ModelCacheCalls, NormalsLieBetweenThePositions) {
   EXPECT_TRUE(reports.Texts().empty());
 }
 
-TEST_F(ModelCacheCalls, PositionsAloneAreTightAndIndicesAreUploadedAsRead) {
-  const ReportCapture reports;
-  Register("v 0 0 0\nv 1 0 0\nf 1 0 9\n");
-  EXPECT_EQ(Layout(0), (std::vector<std::size_t>{1, 12, 0, 0, 0, 2}));
-  EXPECT_EQ(Vertices(0), (std::vector<float>{0, 0, 0, 1, 0, 0}));
-  EXPECT_EQ(Indices(0), (std::vector<unsigned int>{0, 4294967295u, 8}));
-}
-
-TEST_F(ModelCacheCalls, BuffersAreMadeAndMappedThroughTheArrayTarget) {
-  Register(Triangle);
-  const std::string map = ", GL_MAP_WRITE_BIT|GL_MAP_INVALIDATE_RANGE_BIT); ";
-  EXPECT_EQ(recorder.LinesOf({"GenBuffers", "BufferData", "MapBufferRange", "UnmapBuffer"}),
-            Calls("GenBuffers(1, [3001]); BufferData(GL_ARRAY_BUFFER, 36, null, GL_STATIC_DRAW); "
-                  "GenBuffers(1, [3002]); BufferData(GL_ARRAY_BUFFER, 12, null, GL_STATIC_DRAW); "
-                  "MapBufferRange(GL_ARRAY_BUFFER, 0, 36" +
-                  map + "UnmapBuffer(GL_ARRAY_BUFFER); MapBufferRange(GL_ARRAY_BUFFER, 0, 12" + map +
-                  "UnmapBuffer(GL_ARRAY_BUFFER)"));
-}
-
 TEST_F(ModelCacheCalls, PrimitivesAreCountedOverAllIndices) {
   const std::tuple<std::string, Ogl::VertexBuffer::PrimitiveType, std::uint32_t, std::size_t> rows[] = {
       {"l 1 2\nl 2 3\n", Ogl::VertexBuffer::LineSegments, 2, 4},
@@ -121,7 +108,7 @@ TEST_F(ModelCacheCalls, EmptyModelsAreReportedAndRegistered) {
   }
 }
 
-TEST_F(ModelCacheCalls, AFailedRegistrationLeavesNothingBehind) {
+TEST_F(ModelCacheCalls, FailedRegistrationLeavesNothingBehind) {
   Register(Triangle);
   const Lines before = recorder.Lines();
   EXPECT_THROW(Register("v 0 0 zero\n"), boost::bad_lexical_cast);
@@ -133,37 +120,64 @@ TEST_F(ModelCacheCalls, AFailedRegistrationLeavesNothingBehind) {
   EXPECT_TRUE(cache->GetIndexBuffer(1).count == 3 && cache->GetBoundingBox(1).Max().y == 1) << "all in step";
 }
 
-TEST_F(ModelCacheCalls, BuffersThatCannotBeMappedAreReportedOnce) {
-  const ReportCapture reports;
-  recorder.Fail("MapBufferRange");
-  recorder.Fail("MapBufferRange", 2);
-  Register(Tent);
-  EXPECT_EQ(reports.Texts(), (Lines{NotMapped, NotMapped}));
-  EXPECT_EQ(cache->GetVertexBuffer(0).buffer.Count(), 8u);
-  recorder.TakeComplaints();
-}
-
-TEST_F(ModelCacheCalls, UnknownIdsGiveEmptyRecords) {
-  Register(Triangle);
-  const ReportCapture reports;
-  for (const std::size_t id : {std::size_t(1), std::size_t(-1)}) {
-    EXPECT_TRUE(cache->GetBoundingBox(id).Empty());
-    EXPECT_TRUE(cache->GetVertexBuffer(id).attributes == 0 && cache->GetVertexBuffer(id).buffer.Name() == 0);
-    EXPECT_TRUE(cache->GetIndexBuffer(id).count == 0 && cache->GetIndexBuffer(id).buffer.Name() == 0);
+TEST_F(ModelCacheCalls, IncompleteModelsAreReported) {
+  using Model = Library::ObjModel;
+  const std::string fewer = "\"p_model.Normals()->size() >= p_model.Vertices()->size()\" - " + Signature::RegisterModel;
+  const std::tuple<std::function<void(Model&)>, Lines, std::size_t, std::size_t> rows[] = {
+      // what is missing, the reports, vertices, indices
+      {[](Model& p_model) { p_model.Normals()->resize(3); }, {fewer}, 4, 9},
+      {[](Model& p_model) { p_model.SetNormals({}); }, {Null}, 4, 9},
+      {[](Model& p_model) { p_model.SetVertices({}); }, {Null, NoVertices}, 0, 9},
+      {[](Model& p_model) { p_model.Groups()->at(1).reset(); }, {Null}, 8, 6},
+  };
+  for (const auto& [spoil, reports, vertices, indices] : rows) {
+    const auto model = Library::LoadPolygonObjFile(folder.Write("tent.obj", Tent));
+    spoil(*model);
+    const ReportCapture capture;
+    const std::size_t id = cache->Register(*model);
+    EXPECT_EQ(capture.Texts(), reports);
+    EXPECT_EQ(cache->GetVertexBuffer(id).buffer.Count(), vertices);
+    EXPECT_EQ(cache->GetIndexBuffer(id).buffer.Count(), indices);
   }
-  EXPECT_TRUE(reports.Texts().empty());
+  EXPECT_EQ(Layout(0), (std::vector<std::size_t>{1, 12, 0, 0, 0, 4}));
+  EXPECT_EQ(Vertices(0), (std::vector<float>{0, 0, 0.1f, 1, 0, 0.2f, 0, 1, 0.3f, 1, 1, 0.4f}));
 }
 
-TEST_F(ModelCacheCalls, ACopySharesTheBuffersAndGoesOnAlone) {
-  Register(Triangle);
-  auto copy = std::make_unique<ModelCache>(*cache);
-  EXPECT_EQ(copy->GetVertexBuffer(0).buffer.Name(), cache->GetVertexBuffer(0).buffer.Name());
-  EXPECT_EQ(Register(Tent), 1u);
-  EXPECT_EQ(copy->GetIndexBuffer(1).count, 0u);
-  recorder.Clear();
-  cache.reset();
-  EXPECT_EQ(recorder.LinesOf({"DeleteBuffers"}).size(), 2u); // those of the tent
-  EXPECT_EQ(copy->GetIndexBuffer(0).count, 1u);
-  copy.reset();
-  EXPECT_EQ(recorder.LinesOf({"DeleteBuffers"}).size(), 4u);
+TEST_F(ModelCacheCalls, BuffersThatFailAreReportedAndEmpty) {
+  const Scope gl(recorder.Handle());
+  unsigned int host = 0;
+  gl->GenBuffers(1, &host);
+  gl->BindBuffer(RGL_ARRAY_BUFFER, host);
+  const std::string noName = "storage->Name() != 0";
+  const std::string notMapped = "\"p_records.Count() == p_buffer.Count()\" - " + Signature::RegisterPath;
+  const std::tuple<const char*, std::size_t, std::string, bool> rows[] = {
+      // the call that fails, the report, whether it is that of the vertices
+      {"GenBuffers", 1, NotMade(noName, "Vec3<float"), true},
+      {"GenBuffers", 2, NotMade(noName, "Vec1<unsigned int"), false},
+      {"BufferData", 1, notMapped, true},
+      {"BufferData", 2, notMapped, false},
+      {"MapBufferRange", 1, notMapped, true},
+      {"MapBufferRange", 2, notMapped, false},
+  };
+  for (const auto& [call, number, report, vertices] : rows) {
+    SCOPED_TRACE(call);
+    const ReportCapture reports;
+    recorder.Fail(call, number);
+    const std::size_t id = Register(Tent);
+    EXPECT_EQ(reports.Texts(), Lines{report});
+    EXPECT_EQ(cache->GetVertexBuffer(id).buffer.Count(), vertices ? 0u : 8u);
+    const ModelCache::IndexBuffer indices = cache->GetIndexBuffer(id);
+    EXPECT_EQ(std::pair(indices.count, indices.buffer.Count()), vertices ? std::pair(3u, 9ul) : std::pair(0u, 0ul));
+    EXPECT_EQ(recorder.LinesOf({"BindBuffer"}).back(), "BindBuffer(GL_ARRAY_BUFFER, 3001)");
+    recorder.TakeComplaints();
+  }
+  EXPECT_EQ(Indices(Register(Tent)).size(), 9u) << "the next one";
+  gl->DeleteBuffers(1, &host);
+}
+
+TEST_F(ModelCacheCalls, TheScopeOpensBeforeTheFileIsRead) {
+  const boost::shared_ptr<Rgl> lost(
+      new Rgl(recorder.Handle().Object()->Functions(), [] { throw std::runtime_error("no context"); }));
+  EXPECT_THROW(ModelCache(Utility::Unscoped<Rgl>(lost)).Register(folder.Write("m.obj", "v 0 0 zero\n")),
+               std::runtime_error);
 }

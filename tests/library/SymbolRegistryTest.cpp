@@ -104,42 +104,28 @@ TEST_F(SymbolRegistryCalls, PathsAreLoadedOnceAndToldApartByTheirBytes) {
   EXPECT_TRUE(reports.Texts().empty());
 }
 
-TEST_F(SymbolRegistryCalls, PathsThatWereNotLoadedYieldTheFirstModel) {
+TEST_F(SymbolRegistryCalls, UnloadedPathsGiveTheFirstModel) {
   SymbolRegistry symbols(cache, BuiltIn);
+  const vekfile::filepath path = folder.Write("late.obj", "v 1 2 three\n");
+  EXPECT_THROW(symbols.LoadModel(path), boost::bad_lexical_cast);
   const ReportCapture reports;
-  const vekfile::filepath path("never.obj");
   EXPECT_EQ(symbols.GetIndexBuffer(path).buffer.Name(), cache->GetIndexBuffer(0).buffer.Name());
   EXPECT_EQ(symbols.GetVertexBuffer(path).buffer.Name(), cache->GetVertexBuffer(0).buffer.Name());
   EXPECT_TRUE(symbols.GetBoundingBox(path) == cache->GetBoundingBox(0));
   EXPECT_EQ(reports.Texts(), Lines(3, NoPath));
-}
-
-TEST_F(SymbolRegistryCalls, AModelThatFailsCanBeLoadedLater) {
-  SymbolRegistry symbols(cache, BuiltIn);
-  const std::string path = folder.Write("late.obj", "v 1 2 three\n");
-  EXPECT_THROW(symbols.LoadModel(path), boost::bad_lexical_cast);
-  {
-    const ReportCapture reports;
-    symbols.GetIndexBuffer(vekfile::filepath(path));
-    EXPECT_EQ(reports.Texts(), Lines{NoPath});
-  }
   folder.Write("late.obj", Triangles(4));
-  symbols.LoadModel(path);
-  EXPECT_EQ(symbols.GetIndexBuffer(vekfile::filepath(path)).count, 4u);
+  symbols.LoadModel(path); // after a failure the path may be loaded again
+  EXPECT_EQ(symbols.GetIndexBuffer(path).count, 4u);
 }
 
-TEST_F(SymbolRegistryCalls, ABuiltInModelThatFailsEndsTheConstructionOneThatIsMissingIsEmpty) {
+TEST_F(SymbolRegistryCalls, EmptyOnMissingBuiltInThrowsOnBrokenOne) {
   {
     const ReportCapture reports;
     const SymbolRegistry symbols(cache, folder.Path().string());
     EXPECT_EQ(symbols.GetIndexBuffer(ShapeCone).buffer.Count(), 0u);
-    EXPECT_EQ(reports.Texts().size(), 14u * 3);
   }
-  folder.Write("ArrowHead1D.obj", "v 0 0 0\nv 1 0 0\nl 1 2\n");
-  folder.Write("Arrow1D.obj", "v 0 0 none\n");
+  folder.Write("ArrowHead1D.obj", "v 0 0 none\n");
   EXPECT_THROW(SymbolRegistry(cache, folder.Path().string()), boost::bad_lexical_cast);
-  EXPECT_EQ(cache->GetIndexBuffer(14).count, 1u);
-  EXPECT_EQ(cache->GetIndexBuffer(15).count, 0u);
-  // The cache may hold others' models.
+  // Built-in models follow those that are in the cache already.
   EXPECT_EQ(SymbolRegistry(cache, BuiltIn).GetIndexBuffer(ShapeCube).count, 12u);
 }

@@ -43,22 +43,44 @@ BufferDraw Square(const Rgl& p_gl) {
   return draw;
 }
 
-using BufferDrawCalls = RecordingScopeFixture;
+class BufferDrawCalls : public RecordingScopeFixture {
+public:
+  /// A buffer whose mapping failed.
+  template <class T>
+  Ogl::Buffer<T> Unwritten() {
+    const Ogl::Buffer<T> buffer = gl->GetBufferPool().CreateBuffer<T>(8, Ogl::BufferUsage::Default);
+    recorder.Fail("MapBufferRange");
+    const Ogl::BufferPool::WriteArray<T> array(buffer, 0, 8, RGL_ARRAY_BUFFER);
+    return buffer;
+  }
+};
 using BufferDrawPixels = PixelScopeFixture;
 
 TEST_F(BufferDrawCalls, DrawsFromItsBuffersAndRestoresTheBindings) {
-  const BufferDraw draw = Square(*gl);
+  BufferDraw draw = Square(*gl);
+  draw.instanceAttributes = {{6, MakeBuffer<Record>(*gl, {Point(4, 1, 0), Point(7, 3, 0)})}};
+  const Lines begin = Calls("PushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT); "
+                            "BindBuffer(GL_ARRAY_BUFFER, 0); BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0); "
+                            "EnableClientState(GL_VERTEX_ARRAY); EnableClientState(GL_NORMAL_ARRAY); "
+                            "DisableClientState(GL_TEXTURE_COORD_ARRAY); "
+                            "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 3001); BindBuffer(GL_ARRAY_BUFFER, 3002); "
+                            "VertexPointer(3, GL_FLOAT, 24, null); NormalPointer(GL_FLOAT, 24, ptr)");
+  const Lines end =
+      Calls("PopClientAttrib(); BindBuffer(GL_ARRAY_BUFFER, 3003); BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 3001)");
+  gl->BindBuffer(RGL_ARRAY_BUFFER, 3003); // the host's bindings
+  gl->BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, 3001);
   recorder.Clear();
   draw.Draw(gl);
   EXPECT_EQ(recorder.LinesWithout({"GetIntegerv"}),
-            Calls("PushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT); "
-                  "BindBuffer(GL_ARRAY_BUFFER, 0); BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0); "
-                  "EnableClientState(GL_VERTEX_ARRAY); EnableClientState(GL_NORMAL_ARRAY); "
-                  "DisableClientState(GL_TEXTURE_COORD_ARRAY); "
-                  "BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 3001); BindBuffer(GL_ARRAY_BUFFER, 3002); "
-                  "VertexPointer(3, GL_FLOAT, 24, null); NormalPointer(GL_FLOAT, 24, ptr); "
-                  "DrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_INT, null); PopClientAttrib(); "
-                  "BindBuffer(GL_ARRAY_BUFFER, 0); BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)"));
+            begin + Calls("DrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_INT, null)") + end);
+  recorder.Clear();
+  draw.Draw(gl, 2);
+  EXPECT_EQ(recorder.LinesWithout({"GetIntegerv", "GetString"}),
+            begin +
+                Calls("BindBuffer(GL_ARRAY_BUFFER, 3003); EnableVertexAttribArray(6); "
+                      "VertexAttribPointer(6, 3, GL_FLOAT, GL_FALSE, 0, null); VertexAttribDivisor(6, 1); "
+                      "DrawElementsInstanced(GL_TRIANGLES, 6, GL_UNSIGNED_INT, null, 2)") +
+                end);
 }
 
 TEST_F(BufferDrawCalls, TheRecorderSeesArraysThatAreTooShort) {
@@ -79,6 +101,12 @@ TEST_F(BufferDrawCalls, UndrawableBuffersAreReported) {
       {"normalOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.normalStride = 0x80000000; }},
       {"instanceAttribute.records.Count() >= instances",
        [](BufferDraw& p_draw) { p_draw.instanceAttributes.resize(1); }},
+      {"indices.Count() != 0",
+       [](BufferDraw& p_draw) {
+         p_draw.indices = {nullptr, 6};
+       }},
+      {"!indices.Storage()->ContentsLost()", [this](BufferDraw& p_draw) { p_draw.indices = Unwritten<Index>(); }},
+      {"!vertices.Storage()->ContentsLost()", [this](BufferDraw& p_draw) { p_draw.vertices = Unwritten<Record>(); }},
   };
   for (const auto& [expression, spoil] : cases) {
     BufferDraw draw = Square(*gl);
