@@ -1,12 +1,15 @@
 #include "library/VectorSymbol.h"
 
-#include "library/private/mesh/GlyphLayer.h"
 #include "library/private/memory/SharedArray.h"
+#include "library/private/mesh/GlyphLayer.h"
+#include "library/private/mesh/GlyphShapes.h"
 #include "platform/debug/Check.h"
 #include "platform/types/Geometry.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 namespace Vek::Chart::Library {
 
@@ -16,41 +19,77 @@ using Ogl::VertexData;
 using Types::Vector3_Base;
 using VectorList = std::vector<Vector3_Base<double>>;
 
+namespace Signature {
+#define VEK_CLASS "Vek::Chart::Library::VectorSymbol::"
+#define VEK_SHAPE "const enum Vek::Chart::Model::Symbol::Shape"
+#define VEK_INSTANCES "const struct Vek::Chart::Library::VectorSymbol::Instances &"
+constexpr const char* IsDirectionalShape = "bool __cdecl `anonymous-namespace'::IsDirectionalShape(" VEK_SHAPE ")";
+constexpr const char* GeometryDefinedAs =
+    "enum " VEK_CLASS "TopologyType __cdecl `anonymous-namespace'::GeometryDefinedAs(" VEK_SHAPE ")";
+constexpr const char* Constructor = "__cdecl " VEK_CLASS "VectorSymbol(" VEK_SHAPE ",const unsigned int)";
+constexpr const char* BuildPredefinedShape = "void __cdecl " VEK_CLASS "BuildPredefinedShape(" VEK_SHAPE ")";
+constexpr const char* CountShown =
+    "unsigned __int64 __cdecl " VEK_CLASS "CountShown(" VEK_INSTANCES ",double,unsigned int) const";
+constexpr const char* OrientShapes = "unsigned __int64 __cdecl " VEK_CLASS "OrientShapes(" VEK_INSTANCES
+                                     ",double,double,const struct " VEK_CLASS "LayerMemory &) const";
+#undef VEK_CLASS
+#undef VEK_SHAPE
+#undef VEK_INSTANCES
+} // namespace Signature
+
+/// A built-in shape.
+struct ShapeRow {
+  Model::Symbol::Shape shape;
+  VectorSymbol::TopologyType topology;
+  bool directional;
+  double length; ///< z of the tip
+  void (*build)(const Private::GlyphSize&, Private::GlyphMesh&);
+};
+
+namespace Symbol = Model::Symbol;
+constexpr auto TopologyPoints = VectorSymbol::TopologyPoints;
+constexpr auto TopologyLines = VectorSymbol::TopologyLines;
+constexpr auto TopologyTriangles = VectorSymbol::TopologyTriangles;
+
+constexpr ShapeRow Shapes[] = {
+    // shape, topology, whether it has an axis, length, builder
+    {Symbol::ShapePoint, TopologyPoints, false, 0.0, Private::BuildPoint},
+    {Symbol::ShapeArrowHead1D, TopologyLines, true, 1.0, Private::BuildArrowHead1D},
+    {Symbol::ShapeArrow1D, TopologyLines, true, 3.0, Private::BuildArrow1D},
+    {Symbol::ShapeArrowHead2D, TopologyTriangles, true, 1.0, Private::BuildArrowHead2D},
+    {Symbol::ShapeArrow2D, TopologyTriangles, true, 3.0, Private::BuildArrow2D},
+    {Symbol::ShapePlane, TopologyTriangles, true, 1.0, Private::BuildPlane},
+    {Symbol::ShapeArrowHead3D, TopologyTriangles, true, 1.0, Private::BuildArrowHead3D},
+    {Symbol::ShapeArrow3D, TopologyTriangles, true, 3.0, Private::BuildArrow3D},
+    {Symbol::ShapeCylinder, TopologyTriangles, true, 1.0, Private::BuildCylinder},
+    {Symbol::ShapeCone, TopologyTriangles, true, 1.0, Private::BuildCone},
+    {Symbol::ShapeCircularArrow3D, TopologyTriangles, false, 1.0, Private::BuildCircularArrow},
+    {Symbol::ShapeCrosshair, TopologyLines, false, 1.0, Private::BuildCrosshair},
+    {Symbol::ShapeCube, TopologyTriangles, false, 1.0, Private::BuildCube},
+    {Symbol::ShapeSphere, TopologyTriangles, false, 1.0, Private::BuildSphere},
+};
+
+/// The row of a shape; null if it has none.
+const ShapeRow* FindShape(Model::Symbol::Shape p_shape) {
+  const auto* const row = std::find_if(std::begin(Shapes), std::end(Shapes),
+                                       [p_shape](const ShapeRow& p_row) { return p_row.shape == p_shape; });
+  return row == std::end(Shapes) ? nullptr : row;
+}
+
 bool IsDirectionalShape(const Model::Symbol::Shape p_shape) {
   if (p_shape == Model::Symbol::ShapeCustom)
-    VEK_SENTRY("bool __cdecl `anonymous-namespace'::IsDirectionalShape(const enum Vek::Chart::Model::Symbol::Shape)",
-               92);
-  return p_shape >= Model::Symbol::ShapeArrowHead1D && p_shape <= Model::Symbol::ShapeCone;
+    VEK_SENTRY(Signature::IsDirectionalShape, 92);
+  const ShapeRow* const row = FindShape(p_shape);
+  return row != nullptr && row->directional;
 }
 
 VectorSymbol::TopologyType GeometryDefinedAs(const Model::Symbol::Shape p_shape) {
-  constexpr const char* Signature = "enum Vek::Chart::Library::VectorSymbol::TopologyType __cdecl "
-                                    "`anonymous-namespace'::GeometryDefinedAs(const enum "
-                                    "Vek::Chart::Model::Symbol::Shape)";
-  switch (p_shape) {
-  case Model::Symbol::ShapePoint:
-    return VectorSymbol::TopologyPoints;
-  case Model::Symbol::ShapeArrowHead1D:
-  case Model::Symbol::ShapeArrow1D:
-  case Model::Symbol::ShapeCrosshair:
-    return VectorSymbol::TopologyLines;
-  case Model::Symbol::ShapeArrowHead2D:
-  case Model::Symbol::ShapeArrow2D:
-  case Model::Symbol::ShapePlane:
-  case Model::Symbol::ShapeArrowHead3D:
-  case Model::Symbol::ShapeArrow3D:
-  case Model::Symbol::ShapeCylinder:
-  case Model::Symbol::ShapeCone:
-  case Model::Symbol::ShapeCircularArrow3D:
-  case Model::Symbol::ShapeCube:
-  case Model::Symbol::ShapeSphere:
-    return VectorSymbol::TopologyTriangles;
-  case Model::Symbol::ShapeCustom:
-    VEK_SENTRY(Signature, 122);
-    break;
-  }
-  VEK_SENTRY(Signature, 124);
-  return VectorSymbol::TopologyPoints;
+  if (const ShapeRow* const row = FindShape(p_shape); row != nullptr)
+    return row->topology;
+  if (p_shape == Model::Symbol::ShapeCustom)
+    VEK_SENTRY(Signature::GeometryDefinedAs, 122);
+  VEK_SENTRY(Signature::GeometryDefinedAs, 124);
+  return TopologyPoints;
 }
 
 unsigned int NormalizedResolution(unsigned int p_resolution) {
@@ -93,7 +132,7 @@ Ogl::VertexBuffer::PrimitiveType PrimitiveOf(VectorSymbol::TopologyType p_topolo
   }
 }
 
-/// The arrays of a glyph or a layer while they are written; those that it does not have stay null.
+/// The arrays of a glyph or a layer while they are written; absent ones are null.
 struct GlyphArrays {
   std::size_t vertexCount = 0;
   std::size_t indexCount = 0;
@@ -102,7 +141,7 @@ struct GlyphArrays {
   Private::SharedArray<float> texCoords;
   Private::SharedArray<unsigned int> indices;
 
-  /// Takes the arrays of `p_old` that can be written again, and makes the others.
+  /// Reuses the arrays of `p_old` that fit and have no other owner; allocates the others.
   GlyphArrays(std::size_t p_vertices, std::size_t p_indices, bool p_texCoords, const VertexData& p_old)
       : vertexCount(p_vertices)
       , indexCount(p_indices)
@@ -114,7 +153,7 @@ struct GlyphArrays {
       texCoords = Private::ReuseOrNew<float>(p_old.TexCoords(), p_vertices, 1, VertexData::Float);
   }
 
-  void HandOver(VectorSymbol::TopologyType p_topology, VertexData& p_vertexData) const {
+  void Share(VectorSymbol::TopologyType p_topology, VertexData& p_vertexData) const {
     p_vertexData.PrimitiveType() = PrimitiveOf(p_topology);
     p_vertexData.SetVertices(vertices.memory, vertexCount, 3, VertexData::Float);
     p_vertexData.SetNormals(normals.memory, vertexCount, 3, VertexData::Float);
@@ -125,10 +164,10 @@ struct GlyphArrays {
   }
 };
 
-/// Normals for glyphs without their own.
+/// The normal of glyphs without their own.
 constexpr Vector3_Base<double> DefaultNormal(0, 1, 0);
 
-/// For new arrays: there are none to take.
+/// Nothing to reuse.
 const VertexData NoArrays;
 
 void StoreFloats(const Vector3_Base<double>& p_vector, float* p_out) {
@@ -147,56 +186,26 @@ VectorSymbol::VectorSymbol(const Model::Symbol::Shape p_shape, const unsigned in
     : _directional(IsDirectionalShape(p_shape))
     , _topology(Library::GeometryDefinedAs(p_shape))
     , _resolution(NormalizedResolution(p_resolution)) {
-  VEK_ENSURE(
-      p_shape != Model::Symbol::ShapeCustom,
-      "__cdecl Vek::Chart::Library::VectorSymbol::VectorSymbol(const enum Vek::Chart::Model::Symbol::Shape,const "
-      "unsigned int)");
+  VEK_ENSURE(p_shape != Model::Symbol::ShapeCustom, Signature::Constructor);
   BuildPredefinedShape(p_shape);
 }
 
 void VectorSymbol::BuildPredefinedShape(const Model::Symbol::Shape p_shape) {
-  _primitive = TopologyPoints;
-  _vertices.clear();
-  _normals.clear();
-  _indices.clear();
-  switch (p_shape) {
-  case Model::Symbol::ShapePoint:
-    BuildShapePoint();
-    break;
-  case Model::Symbol::ShapeArrowHead1D:
-  case Model::Symbol::ShapeArrow1D:
-  case Model::Symbol::ShapeArrowHead2D:
-  case Model::Symbol::ShapeArrow2D:
-  case Model::Symbol::ShapeArrowHead3D:
-  case Model::Symbol::ShapeArrow3D:
-    BuildShapeArrow(p_shape);
-    break;
-  case Model::Symbol::ShapePlane:
-  case Model::Symbol::ShapeCube:
-    BuildShapeCube(p_shape);
-    break;
-  case Model::Symbol::ShapeCylinder:
-    BuildShapeCylinder();
-    break;
-  case Model::Symbol::ShapeCone:
-    BuildShapeCone();
-    break;
-  case Model::Symbol::ShapeCircularArrow3D:
-    BuildCircularArrow(p_shape);
-    break;
-  case Model::Symbol::ShapeCrosshair:
-    BuildShapeCrossHair();
-    break;
-  case Model::Symbol::ShapeSphere:
-    BuildShapeSphere();
-    break;
-  default:
-    VEK_SENTRY("void __cdecl Vek::Chart::Library::VectorSymbol::BuildPredefinedShape(const enum "
-               "Vek::Chart::Model::Symbol::Shape)",
-               977);
+  const ShapeRow* const row = FindShape(p_shape);
+  if (row == nullptr) {
+    VEK_SENTRY(Signature::BuildPredefinedShape, 977);
+    return;
   }
-  if (_primitive == TopologyTriangles)
-    AccumulateVertexNormals(ComputeFaceNormals(_vertices, _indices), _indices, _vertices.size(), _normals);
+  Private::GlyphMesh mesh;
+  row->build({_resolution, row->length}, mesh);
+  if (row->topology == TopologyTriangles)
+    AccumulateVertexNormals(ComputeFaceNormals(mesh.vertices, mesh.indices), mesh.indices, mesh.vertices.size(),
+                            mesh.normals);
+  _primitive = row->topology;
+  _vertices = std::move(mesh.vertices);
+  _normals = std::move(mesh.normals);
+  _indices = std::move(mesh.indices);
+  _length = row->length;
 }
 
 bool VectorSymbol::BuildShape(VertexData& p_vertexData) const {
@@ -208,7 +217,7 @@ bool VectorSymbol::BuildShape(VertexData& p_vertexData) const {
     StoreFloats(HasNormals() ? _normals[i] : DefaultNormal, arrays.normals.data + 3 * i);
   }
   std::copy(_indices.begin(), _indices.end(), arrays.indices.data);
-  arrays.HandOver(_primitive, p_vertexData);
+  arrays.Share(_primitive, p_vertexData);
   return true;
 }
 
@@ -230,75 +239,77 @@ bool VectorSymbol::OrientShape(double p_size, double p_anchor, const Vector3_Bas
   std::copy(_indices.begin(), _indices.end(), arrays.indices.data);
   if (p_writeTexCoord)
     std::fill_n(arrays.texCoords.data, _vertices.size(), static_cast<float>(p_texCoord));
-  arrays.HandOver(_primitive, p_vertexData);
+  arrays.Share(_primitive, p_vertexData);
   return true;
 }
 
-std::size_t VectorSymbol::CountShown(const Instances& p_instances, double p_scale, unsigned int p_firstVertex) const {
-  constexpr const char* Signature = "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::CountShown(const "
-                                    "struct Vek::Chart::Library::VectorSymbol::Instances &,double,unsigned int) const";
-  if (_vertices.empty() || p_instances.count == 0)
-    return 0;
-  if (!VEK_CHECK_POINTER(p_instances.positions, Signature) || !VEK_CHECK_POINTER(p_instances.rotations, Signature) ||
-      !VEK_CHECK_POINTER(p_instances.sizes, Signature))
-    return 0;
-  const auto shown =
-      static_cast<std::size_t>(std::count_if(p_instances.sizes, p_instances.sizes + p_instances.count,
-                                             [p_scale](double p_size) { return !(p_size * p_scale <= 0.0); }));
-  const std::size_t most = (std::numeric_limits<unsigned int>::max() - p_firstVertex) / _vertices.size();
-  if (!VEK_ENSURE_TEXT(_indices.empty() || shown <= most, "shown * VertexCount() <= max_index - firstVertex",
-                       Signature))
-    return 0;
-  return shown;
+namespace {
+
+/// True if the layer has instances, with all arrays that they need; reports a null array.
+bool HasArrays(const VectorSymbol::Instances& p_instances) {
+  return p_instances.count != 0 && VEK_CHECK_POINTER(p_instances.positions, Signature::CountShown) &&
+         VEK_CHECK_POINTER(p_instances.rotations, Signature::CountShown) &&
+         VEK_CHECK_POINTER(p_instances.sizes, Signature::CountShown);
 }
 
-void VectorSymbol::WriteLayer(const Instances& p_instances, double p_anchor, double p_scale,
-                              const LayerMemory& p_memory) const {
-  const Private::GlyphLayer layer(_vertices, HasNormals() ? _normals : VectorList(_vertices.size(), DefaultNormal),
-                                  _indices);
-  layer.Write(p_instances, p_anchor * _length, p_scale, p_memory);
+/// The number of instances to write; 0 after a report. Also reports the instances left out because of a NaN.
+std::size_t CountShown(const Private::GlyphLayer& p_layer, const VectorSymbol& p_symbol, unsigned int p_firstVertex) {
+  const std::vector<std::size_t>& notANumber = p_layer.NotANumber();
+  VEK_ENSURE_AT(notANumber.empty(), "notANumber == 0", Signature::CountShown,
+                {{}, 0, {}, notANumber.front(), notANumber.size()});
+  const std::size_t most = (std::numeric_limits<unsigned int>::max() - p_firstVertex) / p_symbol.VertexCount();
+  if (!VEK_ENSURE_TEXT(p_symbol.IndexCount() == 0 || p_layer.Count() <= most,
+                       "shown * VertexCount() <= max_index - firstVertex", Signature::CountShown))
+    return 0;
+  return p_layer.Count();
+}
+
+} // namespace
+
+Private::GlyphLayer VectorSymbol::MakeLayer(const Instances& p_instances, double p_anchor, double p_scale) const {
+  return {_vertices,
+          HasNormals() ? _normals : VectorList(_vertices.size(), DefaultNormal),
+          _indices,
+          {p_instances.count, p_instances.positions, p_instances.rotations, p_instances.sizes, p_instances.texCoords,
+           p_scale, p_anchor * _length}};
 }
 
 std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
                                        VertexData& p_vertexData) const {
-  const std::size_t shown = CountShown(p_instances, p_scale, 0);
+  if (_vertices.empty() || !HasArrays(p_instances))
+    return 0;
+  const Private::GlyphLayer layer = MakeLayer(p_instances, p_anchor, p_scale);
+  const std::size_t shown = CountShown(layer, *this, 0);
   if (shown == 0)
     return 0;
   const GlyphArrays arrays(shown * _vertices.size(), shown * _indices.size(), p_instances.texCoords != nullptr,
                            p_vertexData);
-  LayerMemory memory;
-  memory.vertices = {arrays.vertices.data, 3 * arrays.vertexCount};
-  memory.normals = {arrays.normals.data, 3 * arrays.vertexCount};
-  memory.texCoords = {arrays.texCoords.data, arrays.vertexCount};
-  memory.indices = {arrays.indices.data, arrays.indexCount};
-  WriteLayer(p_instances, p_anchor, p_scale, memory);
+  layer.Write({arrays.vertices.data, arrays.normals.data, arrays.texCoords.data, arrays.indices.data, 0});
 
   p_vertexData.SetIndices(nullptr, 0, VertexData::UnsignedInt);
   p_vertexData.SetTexCoords(nullptr, 0, 1, VertexData::Float);
-  arrays.HandOver(_primitive, p_vertexData);
+  arrays.Share(_primitive, p_vertexData);
   return shown;
 }
 
 std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
                                        const LayerMemory& p_memory) const {
-  constexpr const char* Signature =
-      "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::OrientShapes(const struct "
-      "Vek::Chart::Library::VectorSymbol::Instances &,double,double,const struct "
-      "Vek::Chart::Library::VectorSymbol::LayerMemory &) const";
-  const std::size_t shown = CountShown(p_instances, p_scale, p_memory.firstVertex);
-  const std::size_t vertices = shown * _vertices.size();
-  const auto hasRoom = [](const auto& p_target, std::size_t p_scalars) {
-    return !p_target.wanted || p_target.count >= p_scalars;
-  };
-  if (shown == 0 ||
-      !VEK_ENSURE_TEXT(hasRoom(p_memory.vertices, 3 * vertices), "p_memory.vertices.count >= 3 * vertices",
-                       Signature) ||
-      !VEK_ENSURE_TEXT(hasRoom(p_memory.normals, 3 * vertices), "p_memory.normals.count >= 3 * vertices", Signature) ||
-      !VEK_ENSURE_TEXT(hasRoom(p_memory.texCoords, vertices), "p_memory.texCoords.count >= vertices", Signature) ||
-      !VEK_ENSURE_TEXT(hasRoom(p_memory.indices, shown * _indices.size()), "p_memory.indices.count >= indices",
-                       Signature))
+  if (_vertices.empty() || !HasArrays(p_instances))
     return 0;
-  WriteLayer(p_instances, p_anchor, p_scale, p_memory);
+  const Private::GlyphLayer layer = MakeLayer(p_instances, p_anchor, p_scale);
+  const std::size_t shown = CountShown(layer, *this, p_memory.firstVertex);
+  const std::size_t vertices = shown * _vertices.size();
+  const auto hasRoom = [](const auto& p_target, std::size_t p_scalars, const char* p_expression) {
+    return VEK_ENSURE_AT(!p_target.wanted || p_target.count >= p_scalars, p_expression, Signature::OrientShapes,
+                         {{}, 0, {}, {}, p_target.count});
+  };
+  if (shown == 0 || !hasRoom(p_memory.vertices, 3 * vertices, "p_memory.vertices.count >= 3 * vertices") ||
+      !hasRoom(p_memory.normals, 3 * vertices, "p_memory.normals.count >= 3 * vertices") ||
+      !hasRoom(p_memory.texCoords, vertices, "p_memory.texCoords.count >= vertices") ||
+      !hasRoom(p_memory.indices, shown * _indices.size(), "p_memory.indices.count >= indices"))
+    return 0;
+  layer.Write({p_memory.vertices.data, p_memory.normals.data, p_memory.texCoords.data, p_memory.indices.data,
+               p_memory.firstVertex});
   return shown;
 }
 

@@ -14,95 +14,103 @@
 
 namespace Vek::Chart::Library {
 
-/// The mesh of one built-in glyph (an arrow, a cone, a sphere, …), to be placed at the data points of a chart.
+namespace Private {
+class GlyphLayer;
+}
+
+/// The mesh of one built-in glyph (an arrow, a cone, a sphere, …), placed at the data points of a chart.
 ///
-/// A glyph lives in a unit frame of its own. The axis of the directional ones is +z: base at z = 0 (arrows, cone, flat
-/// arrows) or below (cylinder), tip at z = `length`, which is 1, or 3 for the arrows with a shaft. Flat arrows lie in
-/// the x-z plane with normal +y, the plane in the x-y plane; plane, cylinder, cube, sphere and circular arrow are
-/// centred. Radii and half extents are fractions of one unit. Triangles run counter-clockwise seen from outside; the
-/// arrow heads, the solid arrows, cube and sphere are closed, cylinder and cone have no caps.
+/// A glyph is built in a unit frame of its own:
+/// - The axis of directional glyphs is +z. The base lies at z = 0 (arrows, cone) or below (cylinder), the tip at
+///   z = `length`, which is 3 for arrows with a shaft and 1 for the others.
+/// - Flat arrows lie in the x-z plane with normal +y, the plane in the x-y plane.
+/// - Plane, cylinder, cube, sphere and circular arrow are centred.
+/// - Radii and half extents are fractions of one unit.
+/// - Triangles run counter-clockwise seen from outside. Solid arrows, arrow heads, cube and sphere are closed; cylinder
+///   and cone have no caps.
 ///
-/// Built completely by its constructor and never changed afterwards: all other operations are const and may be called
-/// from several threads, each with a target of its own.
+/// The constructor builds the mesh, which never changes afterwards. All other operations are const and may be called
+/// from several threads, each with its own target.
 ///
-/// No operation needs a GL context. Memory exhaustion is thrown as std::bad_alloc and leaves the targets as they were.
+/// No operation needs a GL context. Memory exhaustion throws std::bad_alloc and leaves the targets unchanged.
 ///
 /// \snippet GlyphSnippets.cpp VectorSymbol
 /// \image html wind.jpg
 /// \ingroup glyphs
 class VEK_LIBRARY_API VectorSymbol {
 public:
-  /// What vertices or indices describe.
+  /// The kind of primitive.
   enum TopologyType : std::uint32_t {
-    TopologyPoints = 0,    ///< a point each; no indices
-    TopologyLines = 1,     ///< two indices a line
-    TopologyTriangles = 2, ///< three indices a triangle
+    TopologyPoints = 0,    ///< one vertex per point; no indices
+    TopologyLines = 1,     ///< two indices per line
+    TopologyTriangles = 2, ///< three indices per triangle
   };
 
   /// The point glyph.
   VectorSymbol();
-  /// Copies hold meshes of their own.
+  /// Copies the mesh.
   VectorSymbol(const VectorSymbol&) = default;
-  /// As the copy.
+  /// Copies the mesh.
   VectorSymbol& operator=(const VectorSymbol&) = default;
-  /// `p_resolution` is the number of segments around round shapes: rounded down to a multiple of 4, at least 4. The
-  /// circular arrow has at most 24.
+  /// `p_resolution` is the number of segments around round shapes, rounded down to a multiple of 4, at least 4; for the
+  /// circular arrow at most 24.
   ///
   /// ShapeCustom and unknown values are reported and give an empty glyph of topology TopologyPoints.
   VectorSymbol(Model::Symbol::Shape p_shape, unsigned int p_resolution);
   ~VectorSymbol() = default;
 
-  /// What the shape is made of; for what was really built, see HasPoints.
+  /// The topology of the shape, also if it could not be built.
   TopologyType GeometryDefinedAs() const { return _topology; }
-  /// Whether the glyph has normals of its own; the others are given +y.
+  /// True if the glyph has its own normals; all others get +y.
   bool HasNormals() const { return !_normals.empty(); }
-  /// Whether points were built; also true for an empty glyph.
+  /// True if points were built, and for an empty glyph.
   bool HasPoints() const { return _primitive == TopologyPoints; }
-  /// Whether the glyph has an axis (+z) that is meant to follow a direction.
+  /// True if the glyph has an axis (+z) that should follow a direction.
   bool IsDirectionalSymbol() const { return _directional; }
 
-  /// Vertices in one glyph; 0 for an empty one.
+  /// The number of vertices of one glyph; 0 for an empty one.
   std::size_t VertexCount() const { return _vertices.size(); }
-  /// Two a line or three a triangle; 0 for points.
+  /// The number of indices of one glyph: two per line, three per triangle, 0 for points.
   std::size_t IndexCount() const { return _indices.size(); }
 
-  /// Writes the glyph as it is. Returns false, and writes nothing, when it is empty. Otherwise as OrientShape.
+  /// Writes the untransformed glyph, without texture coordinates, as OrientShape does. Returns false and writes nothing
+  /// if the glyph is empty.
   bool BuildShape(Ogl::VertexData& p_vertexData) const;
 
   /// Writes a placed copy of the glyph: each vertex v becomes
   ///
   ///     rotation * ((v - (0, 0, anchor * length)) * (size * scale)) + position
   ///
-  /// in double precision, stored as floats. Anchor 0 keeps the origin of the glyph at `p_position`, 1 puts the tip of a
-  /// directional glyph there. Normals are rotated only, so they keep their length under a rotation matrix.
+  /// in double precision, stored as floats. Anchor 0 keeps the origin of the glyph at `p_position`, anchor 1 puts the
+  /// tip of a directional glyph there. Normals are rotated but not normalised.
   ///
-  /// Sets vertices (3 floats), normals (3 floats), indices (unsigned 32 bit; not for points), texture coordinates
-  /// (1 float, the same for all vertices; only with `p_writeTexCoord`), one new array each, and the primitive type,
-  /// which is marked changed only if it was another one. Arrays that are not written stay as they were.
+  /// Writes vertices (3 floats), normals (3 floats), indices (unsigned 32 bit; none for points) and, with
+  /// `p_writeTexCoord`, texture coordinates (1 float, equal for all vertices), each into a new array. Other arrays of
+  /// `p_vertexData` stay. The primitive type is marked changed only if it differs.
   ///
-  /// Returns false, and writes nothing, when the glyph is empty or size * scale <= 0 (NaN is not).
+  /// Returns false and writes nothing if the glyph is empty or size * scale <= 0. NaN is not refused.
   bool OrientShape(double p_size, double p_anchor, const Types::Vector3_Base<double>& p_position, bool p_writeTexCoord,
                    double p_texCoord, double p_scale, const Types::Matrix3& p_rotation,
                    Ogl::VertexData& p_vertexData) const;
 
-  /// The glyphs of a layer, one element each in arrays of the caller's.
+  /// The glyphs of a layer: arrays of the caller with one element per instance.
   struct Instances {
-    std::size_t count = 0;                                  ///< elements in each array
-    const Types::Vector3_Base<double>* positions = nullptr; ///< where the anchors go
-    const Types::Matrix3* rotations = nullptr;              ///< the glyph's frame: column 3 is its axis
+    std::size_t count = 0;                                  ///< number of elements of each array
+    const Types::Vector3_Base<double>* positions = nullptr; ///< positions of the anchors
+    const Types::Matrix3* rotations = nullptr;              ///< frames of the glyphs: column 3 is the axis
     const double* sizes = nullptr;                          ///< multiplied by the scale of the layer
     const double* texCoords = nullptr;                      ///< null: the layer gets no texture coordinates
   };
 
-  /// Memory of the caller's for scalars of one attribute. An attribute whose target is default-constructed is left out.
+  /// Memory of the caller for the scalars of one attribute. The attribute is skipped if default-constructed.
   template <class T>
   struct Target {
-    T* data = nullptr;     ///< the first scalar; may be null when nothing is to be written
-    std::size_t count = 0; ///< scalars
-    bool wanted = false;   ///< whether the attribute is written at all
+    T* data = nullptr;     ///< the first scalar
+    std::size_t count = 0; ///< number of scalars
+    bool wanted = false;   ///< false: the attribute is skipped
 
-    Target() = default; ///< not wanted
-    /// Room for `p_count` scalars; a null pointer is wanted all the same, and has none.
+    Target() = default; ///< skipped
+    /// Room for `p_count` scalars; none if the pointer is null.
     Target(T* p_data, std::size_t p_count)
         : data(p_data)
         , count(p_data == nullptr ? 0 : p_count)
@@ -115,32 +123,33 @@ public:
     }
   };
 
-  /// Where a layer is written to. Memory may be write-only and is filled from front to back.
+  /// The target of a layer. Memory may be write-only; it is filled from front to back.
   struct LayerMemory {
-    Target<float> vertices;       ///< 3 floats a vertex
-    Target<float> normals;        ///< 3 floats a vertex
-    Target<float> texCoords;      ///< 1 float a vertex
-    Target<unsigned int> indices; ///< IndexCount() an instance
-    unsigned int firstVertex = 0; ///< the index of the first vertex written, where the memory is a part of a buffer
+    Target<float> vertices;       ///< 3 floats per vertex
+    Target<float> normals;        ///< 3 floats per vertex
+    Target<float> texCoords;      ///< 1 float per vertex
+    Target<unsigned int> indices; ///< IndexCount() per instance
+    unsigned int firstVertex = 0; ///< index of the first vertex written, if the memory is part of a larger buffer
   };
 
-  /// Writes a whole layer as one mesh, instance after instance, the indices counting on: the same floats, bit for bit,
-  /// as OrientShape gives instance by instance. Instances with size * scale <= 0 are left out, as there; the mesh then
-  /// has no gap in their place. Returns how many instances were written.
+  /// Writes a whole layer as one mesh, instance after instance, with consecutive indices. Each instance has the same
+  /// bits as OrientShape gives. Returns the number of instances written.
   ///
-  /// There is one array per attribute. An array that an earlier call put into `p_vertexData` is written again instead
-  /// of allocated when it has the right size and no other owner, so a layer that is rebuilt into the same object costs
-  /// no memory traffic but its own. Indices and texture coordinates that the layer does not have are removed.
+  /// Left out are instances with size * scale <= 0, and those with a NaN vertex or normal: NaN in size, position or
+  /// rotation, or infinities that give one. The latter are reported once per layer ("notANumber == 0"; the detail has
+  /// the first index and the number).
   ///
-  /// When nothing is left to write, `p_vertexData` stays as it was and 0 comes back. Likewise after a report: a null
-  /// array of positions, rotations or sizes, and more vertices than 32-bit indices can count.
+  /// Each attribute is one array. An array that an earlier call wrote to `p_vertexData` is reused if it has the right
+  /// size and no other owner, so that rebuilding a layer into the same object takes no memory. Indices and texture
+  /// coordinates that the layer lacks are removed.
+  ///
+  /// `p_vertexData` stays unchanged and 0 is returned if no instance is left, and after these reports: a null array of
+  /// positions, rotations or sizes; more vertices than 32-bit indices can address.
   std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
                            Ogl::VertexData& p_vertexData) const;
 
-  /// The same into the caller's memory, mapped buffers for example.
-  ///
-  /// Memory that is too small for the instances that are not left out, or that could not be mapped, is reported; then
-  /// nothing is written and 0 comes back.
+  /// Writes the layer to memory of the caller, for example mapped buffers. Also reported is memory that is too small
+  /// for the instances to write, or that could not be mapped; then nothing is written and 0 is returned.
   ///
   /// \snippet GlyphSnippets.cpp MappedLayer
   std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
@@ -148,19 +157,7 @@ public:
 
 private:
   void BuildPredefinedShape(Model::Symbol::Shape p_shape);
-  void BuildShapePoint();
-  void BuildShapeArrow(Model::Symbol::Shape p_shape);
-  void BuildShapeCube(Model::Symbol::Shape p_shape);
-  void BuildShapeCylinder();
-  void BuildShapeCone();
-  void BuildCircularArrow(Model::Symbol::Shape p_shape);
-  void BuildShapeCrossHair();
-  void BuildShapeSphere();
-
-  /// How many instances of a layer are written; 0 after a report.
-  std::size_t CountShown(const Instances& p_instances, double p_scale, unsigned int p_firstVertex) const;
-  /// Writes them; the memory has room.
-  void WriteLayer(const Instances& p_instances, double p_anchor, double p_scale, const LayerMemory& p_memory) const;
+  Private::GlyphLayer MakeLayer(const Instances& p_instances, double p_anchor, double p_scale) const;
 
   bool _directional = false;
   TopologyType _topology = TopologyPoints;

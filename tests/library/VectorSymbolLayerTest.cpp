@@ -10,7 +10,7 @@ using Types::Vector3_Base;
 
 namespace {
 
-/// A layer with its arrays; some sizes are not positive, some NaN.
+/// A random layer. Some sizes are not positive; some instances of a long one give a NaN, two are only very large.
 struct Layer {
   std::vector<Vector3_Base<double>> positions;
   std::vector<Matrix3> rotations;
@@ -27,10 +27,12 @@ struct Layer {
       sizes.push_back(any(random) + 2.0);
       values.push_back(any(random));
     }
-    if (p_count > 5) {
-      sizes[1] = 0.0;
-      sizes[2] = NAN;
-      sizes[3] = INFINITY;
+    if (p_count > 7) {
+      const double first[] = {1, 0, NAN, INFINITY, 1, 1, 1e300, 1};
+      std::copy(std::begin(first), std::end(first), sizes.begin());
+      positions[4].z = NAN;
+      rotations[5] = Matrix3({1, 0, 0}, {0, NAN, 0}, {0, 0, 1});
+      positions[7].x = INFINITY;
     }
   }
 
@@ -59,8 +61,14 @@ ArrayWords WordsOf(const VertexData& p_data) {
 
 struct LayerWords {
   std::size_t written = 0;
+  std::size_t leftOut = 0; // because of a NaN
   ArrayWords arrays;
 };
+
+bool HasNaN(const VertexData::Array& p_array) {
+  const float* const floats = p_array.As<float>();
+  return std::any_of(floats, floats + 3 * p_array.count, [](float p_float) { return std::isnan(p_float); });
+}
 
 LayerWords InstanceByInstance(const VectorSymbol& p_symbol, const VectorSymbol::Instances& p_view, double p_anchor,
                               double p_scale) {
@@ -70,6 +78,10 @@ LayerWords InstanceByInstance(const VectorSymbol& p_symbol, const VectorSymbol::
     if (!p_symbol.OrientShape(p_view.sizes[i], p_anchor, p_view.positions[i], true, p_view.texCoords[i], p_scale,
                               p_view.rotations[i], one))
       continue;
+    if (HasNaN(one.Vertices()) || HasNaN(one.Normals())) {
+      ++all.leftOut;
+      continue;
+    }
     ArrayWords words = WordsOf(one);
     for (std::uint32_t& index : words[3])
       index += static_cast<std::uint32_t>(all.arrays[0].size() / 3);
@@ -80,22 +92,26 @@ LayerWords InstanceByInstance(const VectorSymbol& p_symbol, const VectorSymbol::
   return all;
 }
 
-const std::string Count = "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::CountShown(const struct "
-                          "Vek::Chart::Library::VectorSymbol::Instances &,double,unsigned int) const";
-const std::string Orient = "unsigned __int64 __cdecl Vek::Chart::Library::VectorSymbol::OrientShapes(const struct "
-                           "Vek::Chart::Library::VectorSymbol::Instances &,double,double,const struct "
-                           "Vek::Chart::Library::VectorSymbol::LayerMemory &) const";
+namespace Signature {
+const std::string Class = "Vek::Chart::Library::VectorSymbol::";
+const std::string CountShown =
+    "unsigned __int64 __cdecl " + Class + "CountShown(const struct " + Class + "Instances &,double,unsigned int) const";
+const std::string OrientShapes = "unsigned __int64 __cdecl " + Class + "OrientShapes(const struct " + Class +
+                                 "Instances &,double,double,const struct " + Class + "LayerMemory &) const";
+} // namespace Signature
+
+const std::string NotANumber = "\"notANumber == 0\" - " + Signature::CountShown;
 
 } // namespace
 
 TEST(VectorSymbolLayer, HasTheBitsOfInstanceByInstance) {
-  // From one instance to layers that are written past the caches; spheres longer than any buffer in between.
+  // From one instance to layers that are written past the caches; spheres larger than the buffer in between.
   struct Row {
     Shape shape;
     unsigned int resolution;
     std::size_t count;
   };
-  std::vector<Row> rows = {{ShapeSphere, 64, 30}, {ShapeArrow3D, 8, 2000}, {ShapePoint, 8, 50000}};
+  std::vector<Row> rows = {{ShapeSphere, 64, 60}, {ShapeArrow3D, 8, 2000}, {ShapePoint, 8, 50000}};
   for (int shape = ShapePoint; shape <= ShapeSphere; ++shape)
     for (const std::size_t count : {1, 7, 100})
       rows.push_back({static_cast<Shape>(shape), 12, count});
@@ -105,7 +121,11 @@ TEST(VectorSymbolLayer, HasTheBitsOfInstanceByInstance) {
     const Layer layer(row.count);
     const LayerWords expected = InstanceByInstance(symbol, layer.View(), 0.3, 1.7);
     VertexData data, single;
+    const ReportCapture reports;
     EXPECT_EQ(symbol.OrientShapes(layer.View(), 0.3, 1.7, data), expected.written);
+    EXPECT_EQ(expected.leftOut, row.count > 7 ? 4u : 0u);
+    EXPECT_EQ(reports.Texts(), std::vector<std::string>(row.count > 7 ? 1 : 0, NotANumber));
+    EXPECT_EQ(reports.Details(), std::vector<std::string>(row.count > 7 ? 1 : 0, "index 2, count 4"));
     EXPECT_TRUE(WordsOf(data) == expected.arrays);
     symbol.BuildShape(single);
     EXPECT_EQ(data.PrimitiveType().Value(), single.PrimitiveType().Value());
@@ -121,6 +141,9 @@ TEST(VectorSymbolLayer, LeavesTheTargetWhenNothingIsShown) {
   EXPECT_EQ(cone.OrientShapes(layer.View(), 0, -0.0, data), 0u);
   EXPECT_EQ(cone.OrientShapes({}, 0, 1, data), 0u);
   ReportCapture reports;
+  EXPECT_EQ(cone.OrientShapes(layer.View(), 0, NAN, data), 0u);
+  EXPECT_EQ(cone.OrientShapes(layer.View(), NAN, 1, data), 0u);
+  EXPECT_EQ(reports.Details(), std::vector<std::string>(2, "index 0, count 3"));
   EXPECT_EQ(VectorSymbol(ShapeCustom, 8).OrientShapes(layer.View(), 0, 1, data), 0u);
   reports.Clear();
   const VectorSymbol::Instances view = layer.View();
@@ -128,11 +151,12 @@ TEST(VectorSymbolLayer, LeavesTheTargetWhenNothingIsShown) {
                                                 {3, view.positions, nullptr, view.sizes},
                                                 {3, view.positions, view.rotations, nullptr}})
     EXPECT_EQ(cone.OrientShapes(broken, 0, 1, data), 0u);
-  EXPECT_EQ(reports.Texts(), std::vector<std::string>(3, "\"void*(obj)\" - " + Count));
+  EXPECT_EQ(reports.Texts(), std::vector<std::string>(3, "\"void*(obj)\" - " + Signature::CountShown));
   EXPECT_EQ(data.Vertices().data.get(), before);
 }
 
 TEST(VectorSymbolLayer, WritesItsOwnArraysAgainWhenNobodyElseHoldsThem) {
+  const ReportCapture reports;
   const VectorSymbol arrow(ShapeArrow3D, 8);
   const Layer layer(100);
   Layer other(100);
@@ -172,6 +196,7 @@ TEST(VectorSymbolLayer, WritesItsOwnArraysAgainWhenNobodyElseHoldsThem) {
 }
 
 TEST(VectorSymbolLayer, FillsTheCallersMemory) {
+  const ReportCapture reports;
   const VectorSymbol sphere(ShapeSphere, 32);
   const Layer layer(300);
   LayerWords expected = InstanceByInstance(sphere, layer.View(), 0.5, 1);
@@ -208,12 +233,16 @@ TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
   full.indices = {numbers.data(), 36};
   using Memory = VectorSymbol::LayerMemory;
   const std::pair<void (*)(Memory&), std::string> rows[] = {
-      {[](Memory& p_memory) { --p_memory.vertices.count; }, "\"p_memory.vertices.count >= 3 * vertices\" - " + Orient},
-      {[](Memory& p_memory) { --p_memory.normals.count; }, "\"p_memory.normals.count >= 3 * vertices\" - " + Orient},
-      {[](Memory& p_memory) { --p_memory.texCoords.count; }, "\"p_memory.texCoords.count >= vertices\" - " + Orient},
-      {[](Memory& p_memory) { --p_memory.indices.count; }, "\"p_memory.indices.count >= indices\" - " + Orient},
+      {[](Memory& p_memory) { --p_memory.vertices.count; },
+       "\"p_memory.vertices.count >= 3 * vertices\" - " + Signature::OrientShapes},
+      {[](Memory& p_memory) { --p_memory.normals.count; },
+       "\"p_memory.normals.count >= 3 * vertices\" - " + Signature::OrientShapes},
+      {[](Memory& p_memory) { --p_memory.texCoords.count; },
+       "\"p_memory.texCoords.count >= vertices\" - " + Signature::OrientShapes},
+      {[](Memory& p_memory) { --p_memory.indices.count; },
+       "\"p_memory.indices.count >= indices\" - " + Signature::OrientShapes},
       {[](Memory& p_memory) { p_memory.firstVertex = 0xFFFFFFFFu - 22; },
-       "\"shown * VertexCount() <= max_index - firstVertex\" - " + Count},
+       "\"shown * VertexCount() <= max_index - firstVertex\" - " + Signature::CountShown},
   };
   ReportCapture reports;
   for (const auto& [spoil, report] : rows) {
@@ -239,6 +268,7 @@ TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
 using VectorSymbolLayerCalls = Vek::Test::RecordingScopeFixture;
 
 TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersAndReportsThoseThatAreNot) {
+  const ReportCapture reports;
   using Position = Ogl::Attribute<Ogl::Vec3<float>>;
   using Index = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
   const VectorSymbol arrow(ShapeArrow3D, 8);
@@ -264,11 +294,10 @@ TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersAndReportsThoseThatAreNot) {
   EXPECT_TRUE(words(positions.Name()) == expected.arrays[0]);
   EXPECT_TRUE(words(indices.Name()) == expected.arrays[3]);
 
-  const ReportCapture reports;
   const Ogl::BufferPool::WriteArray<Position> outside(positions, 1, positions.Count(), RGL_ARRAY_BUFFER);
   VectorSymbol::LayerMemory memory;
   memory.vertices = outside;
   EXPECT_EQ(arrow.OrientShapes(layer.View(), 0, 1, memory), 0u);
   ASSERT_FALSE(reports.Texts().empty());
-  EXPECT_EQ(reports.Texts().back(), "\"p_memory.vertices.count >= 3 * vertices\" - " + Orient);
+  EXPECT_EQ(reports.Texts().back(), "\"p_memory.vertices.count >= 3 * vertices\" - " + Signature::OrientShapes);
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -32,20 +33,20 @@ Bits BitsOf(const Vector3_Base<double>& p_vector) {
   return bits;
 }
 
-/// Layers of more bytes than this go past the caches.
+/// Larger arrays are written past the caches.
 constexpr std::size_t CachedBytes = std::size_t(1) << 20;
 
-/// One attribute of the target, if it is wanted.
+/// One array of the target; none if it is null.
 template <class T>
 class Output {
 public:
-  explicit Output(const VectorSymbol::Target<T>& p_target) {
-    if (p_target.data != nullptr)
-      _stream.emplace(p_target.data, p_target.count * sizeof(T) > CachedBytes);
+  Output(T* p_data, std::size_t p_count) {
+    if (p_data != nullptr)
+      _stream.emplace(p_data, p_count * sizeof(T) > CachedBytes);
   }
   explicit operator bool() const { return _stream.has_value(); }
 
-  /// Calls p_write(first, n, memory) for pieces of a run of `p_elements` elements of `p_scalars` scalars each.
+  /// Calls p_write(first, n, memory) for pieces of `p_elements` elements of `p_scalars` scalars each.
   template <class Write>
   void ForPieces(std::size_t p_elements, std::size_t p_scalars, Write p_write) {
     const std::size_t most = StreamedArray<T>::Capacity / 4 / p_scalars;
@@ -59,12 +60,31 @@ private:
   std::optional<StreamedArray<T>> _stream;
 };
 
-/// Copies three floats each of records of four. The fourth goes along where the next record will replace it.
+/// Copies the first three floats of records of four. The fourth is copied too where the next record overwrites it.
 void Gather(const std::vector<float>& p_records, const unsigned int* p_index, std::size_t p_count, float* p_out) {
   const float* const records = p_records.data();
   for (std::size_t i = 0; i + 1 < p_count; ++i)
     std::memcpy(p_out + 3 * i, records + 4 * std::size_t(p_index[i]), 4 * sizeof(float));
   std::memcpy(p_out + 3 * (p_count - 1), records + 4 * std::size_t(p_index[p_count - 1]), 3 * sizeof(float));
+}
+
+/// True if products of three such numbers and a coordinate of a glyph stay finite; false for NaN.
+bool IsModerate(double p_number) {
+  return std::abs(p_number) < 1e75;
+}
+bool IsModerate(const Vector3_Base<double>& p_vector) {
+  return IsModerate(p_vector.x) && IsModerate(p_vector.y) && IsModerate(p_vector.z);
+}
+bool IsModerate(const Types::Matrix3& p_matrix) {
+  return IsModerate(p_matrix.Row(0)) && IsModerate(p_matrix.Row(1)) && IsModerate(p_matrix.Row(2));
+}
+
+/// True if a record of four floats that is used has a NaN among its first three.
+bool HasNaN(const std::vector<float>& p_records, const std::vector<unsigned int>& p_indexOf) {
+  return std::any_of(p_indexOf.begin(), p_indexOf.end(), [&p_records](unsigned int p_index) {
+    const float* const record = p_records.data() + 4 * std::size_t(p_index);
+    return std::isnan(record[0]) || std::isnan(record[1]) || std::isnan(record[2]);
+  });
 }
 
 } // namespace
@@ -75,51 +95,81 @@ DistinctVectors DistinctVectors::Of(const std::vector<Vector3_Base<double>>& p_l
   std::vector<unsigned int> indexOf;
   indexOf.reserve(p_list.size());
   for (const Vector3_Base<double>& vector : p_list) {
-    const auto [place, is_new] = known.try_emplace(BitsOf(vector), static_cast<unsigned int>(distinct.size()));
-    if (is_new)
+    const auto [entry, isNew] = known.try_emplace(BitsOf(vector), static_cast<unsigned int>(distinct.size()));
+    if (isNew)
       distinct.push_back(vector);
-    indexOf.push_back(place->second);
+    indexOf.push_back(entry->second);
   }
   return {VectorColumns(distinct), std::move(indexOf)};
 }
 
 GlyphLayer::GlyphLayer(const std::vector<Vector3_Base<double>>& p_vertices,
-                       const std::vector<Vector3_Base<double>>& p_normals, const std::vector<unsigned int>& p_indices)
+                       const std::vector<Vector3_Base<double>>& p_normals, const std::vector<unsigned int>& p_indices,
+                       const GlyphInstances& p_instances)
     : _points(DistinctVectors::Of(p_vertices))
     , _directions(DistinctVectors::Of(p_normals))
-    , _indices(p_indices) {}
+    , _indices(p_indices)
+    , _instances(p_instances) {
+  const bool isShiftModerate = IsModerate(_instances.shift);
+  for (std::size_t k = 0; k < _instances.count; ++k) {
+    const double factor = _instances.sizes[k] * _instances.scale;
+    if (factor <= 0.0)
+      continue;
+    const bool isHarmless = isShiftModerate && IsModerate(factor) && IsModerate(_instances.positions[k]) &&
+                            IsModerate(_instances.rotations[k]);
+    if (isHarmless || !GivesNaN(k, factor))
+      ++_count;
+    else
+      _notANumber.push_back(k);
+  }
+}
 
-void GlyphLayer::Write(const VectorSymbol::Instances& p_instances, double p_shift, double p_scale,
-                       const VectorSymbol::LayerMemory& p_memory) const {
-  const std::size_t vertexCount = _points.indexOf.size();
+bool GlyphLayer::GivesNaN(std::size_t p_instance, double p_factor) const {
+  const Types::Matrix3& rotation = _instances.rotations[p_instance];
+  std::vector<float> records(4 * std::max(_points.vectors.Count(), _directions.vectors.Count()));
+  PlacePoints(_points.vectors, {rotation, _instances.positions[p_instance], _instances.shift, p_factor},
+              records.data());
+  if (HasNaN(records, _points.indexOf))
+    return true;
+  RotateDirections(_directions.vectors, rotation, records.data());
+  return HasNaN(records, _directions.indexOf);
+}
+
+void GlyphLayer::Write(const GlyphTarget& p_target) const {
+  const std::size_t all = _count * VertexCount();
   std::vector<float> placed(4 * _points.vectors.Count());
   std::vector<float> rotated(4 * _directions.vectors.Count());
-  Output<float> vertices(p_memory.vertices);
-  Output<float> normals(p_memory.normals);
-  Output<float> texCoords(p_memory.texCoords);
-  Output<unsigned int> indices(p_memory.indices);
-  unsigned int base = p_memory.firstVertex;
+  Output<float> vertices(p_target.vertices, 3 * all);
+  Output<float> normals(p_target.normals, 3 * all);
+  Output<float> texCoords(_instances.texCoords == nullptr ? nullptr : p_target.texCoords, all);
+  Output<unsigned int> indices(p_target.indices, _count * _indices.size());
+  unsigned int base = p_target.firstVertex;
+  auto skipped = _notANumber.begin();
 
-  for (std::size_t k = 0; k < p_instances.count; ++k) {
-    const double factor = p_instances.sizes[k] * p_scale;
+  for (std::size_t k = 0; k < _instances.count; ++k) {
+    const double factor = _instances.sizes[k] * _instances.scale;
+    if (skipped != _notANumber.end() && *skipped == k) {
+      ++skipped;
+      continue;
+    }
     if (factor <= 0.0)
       continue;
     if (vertices) {
-      PlacePoints(_points.vectors, {p_instances.rotations[k], p_instances.positions[k], p_shift, factor},
+      PlacePoints(_points.vectors, {_instances.rotations[k], _instances.positions[k], _instances.shift, factor},
                   placed.data());
-      vertices.ForPieces(vertexCount, 3, [&](std::size_t p_first, std::size_t p_count, float* p_out) {
+      vertices.ForPieces(VertexCount(), 3, [&](std::size_t p_first, std::size_t p_count, float* p_out) {
         Gather(placed, _points.indexOf.data() + p_first, p_count, p_out);
       });
     }
     if (normals) {
-      RotateDirections(_directions.vectors, p_instances.rotations[k], rotated.data());
-      normals.ForPieces(vertexCount, 3, [&](std::size_t p_first, std::size_t p_count, float* p_out) {
+      RotateDirections(_directions.vectors, _instances.rotations[k], rotated.data());
+      normals.ForPieces(VertexCount(), 3, [&](std::size_t p_first, std::size_t p_count, float* p_out) {
         Gather(rotated, _directions.indexOf.data() + p_first, p_count, p_out);
       });
     }
-    if (texCoords && p_instances.texCoords != nullptr) {
-      const float value = static_cast<float>(p_instances.texCoords[k]);
-      texCoords.ForPieces(vertexCount, 1, [value](std::size_t, std::size_t p_count, float* p_out) {
+    if (texCoords) {
+      const float value = static_cast<float>(_instances.texCoords[k]);
+      texCoords.ForPieces(VertexCount(), 1, [value](std::size_t, std::size_t p_count, float* p_out) {
         std::fill_n(p_out, p_count, value);
       });
     }
@@ -128,7 +178,7 @@ void GlyphLayer::Write(const VectorSymbol::Instances& p_instances, double p_shif
         for (std::size_t i = 0; i < p_count; ++i)
           p_out[i] = _indices[p_first + i] + base;
       });
-    base += static_cast<unsigned int>(vertexCount);
+    base += static_cast<unsigned int>(VertexCount());
   }
 }
 

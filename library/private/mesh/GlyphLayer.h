@@ -1,14 +1,14 @@
 #pragma once
 
-#include "library/VectorSymbol.h"
 #include "library/private/mesh/GlyphTransform.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace Vek::Chart::Library::Private {
 
-/// The distinct vectors of a list and which of them each element of the list is. Vectors are the same when their bits
-/// are; corners of a mesh that differ in their normals only, for example, share a position.
+/// The distinct vectors of a list, and the index of each element's vector among them. Vectors are equal if their bits
+/// are. For example, corners of a mesh that differ only in their normals share a position.
 struct DistinctVectors {
   VectorColumns vectors;
   std::vector<unsigned int> indexOf;
@@ -16,21 +16,52 @@ struct DistinctVectors {
   static DistinctVectors Of(const std::vector<Types::Vector3_Base<double>>& p_list);
 };
 
-/// One glyph, prepared to be written many times.
+/// The instances of a layer: arrays of `count` elements.
+struct GlyphInstances {
+  std::size_t count;
+  const Types::Vector3_Base<double>* positions;
+  const Types::Matrix3* rotations;
+  const double* sizes;
+  const double* texCoords; ///< may be null
+  double scale;            ///< factor of all sizes
+  double shift;            ///< subtracted from the z of each vertex
+};
+
+/// The arrays that a layer is written to; null ones are skipped.
+struct GlyphTarget {
+  float* vertices;
+  float* normals;
+  float* texCoords;
+  unsigned int* indices;
+  unsigned int firstVertex; ///< index of the first vertex written
+};
+
+/// One glyph and the places of its copies. Everything that is passed in must outlive the layer.
 class GlyphLayer {
 public:
-  /// `p_indices` must outlive the layer.
+  /// Selects the instances to write: those with size * scale > 0 (or NaN), less those that give a NaN vertex or normal.
   GlyphLayer(const std::vector<Types::Vector3_Base<double>>& p_vertices,
-             const std::vector<Types::Vector3_Base<double>>& p_normals, const std::vector<unsigned int>& p_indices);
+             const std::vector<Types::Vector3_Base<double>>& p_normals, const std::vector<unsigned int>& p_indices,
+             const GlyphInstances& p_instances);
 
-  /// Writes all instances whose size times scale is not <= 0. The memory must have room for them.
-  void Write(const VectorSymbol::Instances& p_instances, double p_shift, double p_scale,
-             const VectorSymbol::LayerMemory& p_memory) const;
+  /// The number of instances to write.
+  std::size_t Count() const { return _count; }
+  /// The instances left out because they give a NaN, in ascending order.
+  const std::vector<std::size_t>& NotANumber() const { return _notANumber; }
+
+  /// Writes `Count()` instances. The arrays must have room for them.
+  void Write(const GlyphTarget& p_target) const;
 
 private:
+  std::size_t VertexCount() const { return _points.indexOf.size(); }
+  bool GivesNaN(std::size_t p_instance, double p_factor) const;
+
   DistinctVectors _points;
   DistinctVectors _directions;
   const std::vector<unsigned int>& _indices;
+  GlyphInstances _instances;
+  std::size_t _count = 0;
+  std::vector<std::size_t> _notANumber;
 };
 
 } // namespace Vek::Chart::Library::Private
