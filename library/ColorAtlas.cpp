@@ -1,11 +1,47 @@
 #include "library/ColorAtlas.h"
 
 #include "library/private/color/ColorAtlasImpl.h"
+#include "library/private/color/ImageBuilder.h"
 #include "platform/debug/Check.h"
+
+#include <boost/make_shared.hpp>
 
 #include <algorithm>
 
 namespace Vek::Chart::Library {
+
+namespace {
+
+namespace Signature {
+#define VEK_ATLAS "Vek::Chart::Library::ColorAtlas::"
+constexpr const char* AddInstance =
+    "unsigned int __cdecl " VEK_ATLAS
+    "AddInstance(unsigned int,const class std::map<unsigned int,class QColor,struct std::less<unsigned int>,class "
+    "std::allocator<struct std::pair<unsigned int const ,class QColor> > > &)";
+constexpr const char* ColorAt = "struct " VEK_ATLAS "ColorNode &__cdecl " VEK_ATLAS "ColorAt(unsigned int)";
+constexpr const char* ConstColorAt =
+    "const struct " VEK_ATLAS "ColorNode &__cdecl " VEK_ATLAS "ColorAt(unsigned int) const";
+constexpr const char* InstanceOffset =
+    "class Vek::Chart::Ogl::Vec2<float> __cdecl " VEK_ATLAS "InstanceOffset(unsigned int) const";
+constexpr const char* Texture =
+    "class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " VEK_ATLAS "Texture(void) const";
+constexpr const char* BuildAtlas = "void __cdecl " VEK_ATLAS "BuildAtlas(class Vek::Chart::Utility::Scoped<class "
+                                   "Vek::Chart::Ogl::Rgl> &)";
+} // namespace Signature
+
+/// The texture of an atlas image, uploaded.
+boost::shared_ptr<Texture> Upload(const QImage& p_image, Utility::Scoped<Rgl>& p_gl) {
+  const auto map = boost::make_shared<Texture>(p_image, p_gl);
+  map->minFilter = map->magFilter = Texture::Nearest;
+  map->wrapS = map->wrapT = Texture::ClampToEdge;
+  map->environment = Texture::Replace;
+  (*map)(p_gl, RGL_TEXTURE0);
+  p_gl->ActiveTexture(RGL_TEXTURE0);
+  p_gl->Disable(RGL_TEXTURE_2D);
+  return map;
+}
+
+} // namespace
 
 std::vector<std::pair<ColorCoords::Pixel, ColorCoords::Pixel>> ColorCoords::PixelSpans() const {
   std::vector<std::pair<Pixel, Pixel>> pieces;
@@ -24,14 +60,13 @@ ColorAtlas::ColorAtlas()
     : _rootId(AddColor(Qt::white, NoParent)) {}
 
 unsigned int ColorAtlas::AddColor(const QColor& p_color, unsigned int p_parent) {
-  const std::uint32_t slot = static_cast<std::uint32_t>(_nodes.size());
+  ColorNode node;
+  node.parent = p_parent;
+  node.color = p_color;
+  _slots.resize(_nextId + std::size_t{1}, NoSlot);
+  _nodes.push_back(std::move(node));
   const unsigned int id = _nextId++;
-  _nodes.emplace_back();
-  _ids.push_back(id);
-  _slots.resize(id + std::size_t{1}, NoSlot);
-  _slots[id] = slot;
-  _nodes.back().parent = p_parent;
-  _nodes.back().color = p_color;
+  _slots[id] = static_cast<std::uint32_t>(_nodes.size() - 1);
   if (p_parent != NoParent)
     ColorAt(p_parent).children.push_back(id);
   return id;
@@ -39,97 +74,102 @@ unsigned int ColorAtlas::AddColor(const QColor& p_color, unsigned int p_parent) 
 
 unsigned int ColorAtlas::AddInstance(unsigned int p_instanceOf, const std::map<unsigned int, QColor>& p_colors) {
   ColorNode& instanceOf = ColorAt(p_instanceOf);
-  VEK_ENSURE(instanceOf.parent == _rootId,
-             "unsigned int __cdecl Vek::Chart::Library::ColorAtlas::AddInstance(unsigned int,const class "
-             "std::map<unsigned int,class QColor,struct std::less<unsigned int>,class std::allocator<struct "
-             "std::pair<unsigned int const ,class QColor> > > &)");
+  VEK_ENSURE(instanceOf.parent == _rootId, Signature::AddInstance);
   const unsigned int id = _nextId++;
-  _instances[id] = {p_instanceOf, p_colors, {}};
+  _instances.emplace(id, Instance{p_instanceOf, p_colors, {}});
   if (_instanceData[p_instanceOf].insert(id).second)
     ++instanceOf.instanceCount;
   return id;
 }
 
-std::uint32_t ColorAtlas::FindSlot(unsigned int p_id) const {
-  const char* const signature = "struct Vek::Chart::Library::ColorAtlas::ColorNode &__cdecl "
-                                "Vek::Chart::Library::ColorAtlas::ColorAt(unsigned int)";
+std::uint32_t ColorAtlas::FindSlot(unsigned int p_id, const char* p_signature) const {
   std::uint32_t pos = SlotOf(p_id);
   if (pos != NoSlot)
     return pos;
   const auto instPos = _instances.find(p_id);
-  if (!VEK_ENSURE(instPos != _instances.end(), signature))
+  if (!VEK_ENSURE(instPos != _instances.end(), p_signature))
     return NoSlot;
   pos = SlotOf(instPos->second.instanceOf);
-  VEK_ENSURE_TEXT(pos != NoSlot, "pos != _indexMap.end()", signature);
+  VEK_ENSURE_TEXT(pos != NoSlot, "pos != _indexMap.end()", p_signature);
   return pos;
 }
 
 ColorAtlas::ColorNode& ColorAtlas::ColorAt(unsigned int p_id) {
-  const std::uint32_t slot = FindSlot(p_id);
+  const std::uint32_t slot = FindSlot(p_id, Signature::ColorAt);
   return slot == NoSlot ? _unknown = ColorNode() : _nodes[slot];
 }
 
 const ColorAtlas::ColorNode& ColorAtlas::ColorAt(unsigned int p_id) const {
   static const ColorNode Unknown;
-  const std::uint32_t slot = FindSlot(p_id);
+  const std::uint32_t slot = FindSlot(p_id, Signature::ConstColorAt);
   return slot == NoSlot ? Unknown : _nodes[slot];
 }
 
 Ogl::Vec2<float> ColorAtlas::InstanceOffset(unsigned int p_id) const {
-  const char* const signature = "class Vek::Chart::Ogl::Vec2<float> __cdecl "
-                                "Vek::Chart::Library::ColorAtlas::InstanceOffset(unsigned int) const";
   const auto instanceIt = _instances.find(p_id);
-  if (!VEK_ENSURE(instanceIt != _instances.end(), signature))
+  if (!VEK_ENSURE(instanceIt != _instances.end(), Signature::InstanceOffset))
     return {};
   const Types::Property<Ogl::Vec2<unsigned int>>& instance = instanceIt->second.offset;
-  VEK_ENSURE(instance.Defined(), signature);
+  VEK_ENSURE(instance.Defined(), Signature::InstanceOffset);
   const float dx = static_cast<float>(static_cast<int>(instance.Value().x));
   const float dy = static_cast<float>(static_cast<int>(instance.Value().y));
   return {dx * _texelSpace.texel.x, -(dy * _texelSpace.texel.y)};
 }
 
 boost::shared_ptr<Library::Texture> ColorAtlas::Texture() const {
-  VEK_ENSURE(_map, "class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl "
-                   "Vek::Chart::Library::ColorAtlas::Texture(void) const");
+  VEK_ENSURE(_map, Signature::Texture);
   return _map;
 }
 
 void ColorAtlas::BuildAtlas(Utility::Scoped<Rgl>& p_gl) {
-  BuildIndexSpans();
-  VEK_ENSURE_TEXT(!_plainRoots.empty() || !_instancedRoots.empty(), "_spans.size() != 0",
-                  "void __cdecl Vek::Chart::Library::ColorAtlas::BuildAtlas(class Vek::Chart::Utility::Scoped<class "
-                  "Vek::Chart::Ogl::Rgl> &)");
-  BuildTexture(p_gl);
-}
+  const Private::AtlasTree tree = Tree();
+  Private::ColorAtlasImpl impl(tree);
+  impl.NumberColors();
+  VEK_ENSURE_TEXT(!tree.plainRoots.empty() || !tree.instancedRoots.empty(), "_spans.size() != 0",
+                  Signature::BuildAtlas);
 
-void ColorAtlas::BuildIndexSpans() {
-  _spans.assign(_nodes.size(), {NoParent, NoParent});
-  _plainRoots.clear();
-  _instancedRoots.clear();
-  for (const unsigned int child : ColorAt(_rootId).children)
-    (ColorAt(child).instanceCount > 0 ? _instancedRoots : _plainRoots).push_back(child);
-  Private::ColorAtlasImpl(*this).NumberColors();
-}
-
-void ColorAtlas::BuildTexture(Utility::Scoped<Rgl>& p_gl) {
-  for (ColorNode& node : _nodes)
-    node.coords = {};
   const int size = p_gl->GetMaxTextureSize();
-  Private::ImageBuilder image(size, size);
-  Private::ColorAtlasImpl(*this).MapColors(image);
-  _atlasImage = image.CreateImage(QColor(Qt::red).rgba());
+  Private::ImageBuilder builder(size, size);
+  const Private::AtlasLayout layout = impl.MapColors(builder);
+  QImage image = builder.CreateImage(QColor(Qt::red).rgba());
+  boost::shared_ptr<Library::Texture> map = Upload(image, p_gl);
 
-  const Ogl::Vec2<float> texel{1.0f / static_cast<float>(_atlasImage.width()),
-                               1.0f / static_cast<float>(_atlasImage.height())};
+  // Nothing below throws: a build that failed before has changed nothing.
+  for (std::size_t slot = 0; slot < _nodes.size(); ++slot)
+    _nodes[slot].coords = layout.runs[slot] ? ColorCoords(*layout.runs[slot], builder.MaxWidth()) : ColorCoords();
+  for (std::size_t i = 0; i < layout.offsets.size(); ++i)
+    if (layout.offsets[i])
+      _instances.find(tree.instances[i].id)->second.offset = *layout.offsets[i];
+  const Ogl::Vec2<float> texel{1.0f / static_cast<float>(image.width()), 1.0f / static_cast<float>(image.height())};
   _texelSpace = {texel, {texel.x * 0.5f, texel.y * 0.5f}};
+  _atlasImage.swap(image);
+  _map.swap(map);
+}
 
-  _map = boost::shared_ptr<Library::Texture>(new Library::Texture(_atlasImage, p_gl));
-  _map->minFilter = _map->magFilter = Library::Texture::Nearest;
-  _map->wrapS = _map->wrapT = Library::Texture::ClampToEdge;
-  _map->environment = Library::Texture::Replace;
-  (*_map)(p_gl, RGL_TEXTURE0); // uploads it
-  p_gl->ActiveTexture(RGL_TEXTURE0);
-  p_gl->Disable(RGL_TEXTURE_2D);
+Private::AtlasTree ColorAtlas::Tree() {
+  Private::AtlasTree tree;
+  tree.slotById = &_slots;
+  tree.findSlot = [this](unsigned int p_id) { return FindSlot(p_id, Signature::ColorAt); };
+  for (const unsigned int child : ColorAt(_rootId).children)
+    (ColorAt(child).instanceCount > 0 ? tree.instancedRoots : tree.plainRoots).push_back(child);
+
+  tree.colors.resize(_nodes.size());
+  for (std::size_t slot = 0; slot < _nodes.size(); ++slot) {
+    const ColorNode& node = _nodes[slot];
+    tree.colors[slot] = {&node.children, node.color.rgba(), node.parent == _rootId, node.instanceCount > 0, 0, 0};
+  }
+  for (const auto& [instanceOf, ids] : _instanceData) {
+    const std::uint32_t slot = SlotOf(instanceOf);
+    if (slot == NoSlot)
+      continue;
+    tree.colors[slot].firstInstance = tree.instances.size();
+    for (const unsigned int id : ids) {
+      const Instance& instance = _instances.find(id)->second;
+      tree.instances.push_back({id, &instance.colors, instance.offset.Defined()});
+    }
+    tree.colors[slot].endInstance = tree.instances.size();
+  }
+  return tree;
 }
 
 } // namespace Vek::Chart::Library

@@ -22,6 +22,7 @@ constexpr Vector4 EncodeScale(1.0F, 255.0F, 65025.0F, 16581375.0F);
 constexpr Vector4 DecodeWeights(0x1p+0F, 0x1.010102p-8F, 0x1.020304p-16F, 0x1.03060ap-24F);
 // Stands for every division by 255.
 constexpr float Reciprocal = 0x1.010102p-8F;
+constexpr float LargestBelowOne = 0x1.fffffep-1F;
 
 float Fraction(float p_value) {
   return p_value - std::floor(p_value);
@@ -77,16 +78,26 @@ std::string DepthCodec::Glsl() {
 }
 
 std::string DepthCodec::PreciseGlsl() {
-  // The remainders are exact: only the products round.
+  // Each channel takes whole steps, as Decode weighs them, and leaves the exact remainder to the next one. The scales
+  // are slightly below 255, 255^2 and 255^3, so that rounding never takes more than is there.
   return "vec4 EncodeDepth(float depth) {\n"
          "  vec4 steps;\n"
-         "  float rest = depth * 255.0;\n"
-         "  steps.x = floor(rest);\n"
-         "  rest = (rest - steps.x) * 255.0;\n"
-         "  steps.y = floor(rest);\n"
-         "  rest = (rest - steps.y) * 255.0;\n"
-         "  steps.z = floor(rest);\n"
-         "  steps.w = floor((rest - steps.z) * 255.0 + 0.5);\n"
+         "  float rest = min(depth, " +
+         Literal(LargestBelowOne) +
+         ");\n"
+         "  steps.x = floor(rest * 254.9999);\n"
+         "  rest -= steps.x * " +
+         Literal(Reciprocal) +
+         ";\n"
+         "  steps.y = floor(rest * 65024.98);\n"
+         "  rest -= steps.y * " +
+         Literal(Reciprocal) + " * " + Literal(DecodeWeights.y) +
+         ";\n"
+         "  steps.z = floor(rest * 16581370.0);\n"
+         "  rest -= steps.z * " +
+         Literal(Reciprocal) + " * " + Literal(DecodeWeights.z) +
+         ";\n"
+         "  steps.w = min(floor(rest * 4228250625.0 + 0.5), 255.0);\n"
          "  return steps / 255.0;\n"
          "}\n";
 }

@@ -1,8 +1,8 @@
 #include "library/RenderTexture.h"
 
-#include "library/private/gl/PixelStore.h"
 #include "platform/debug/Check.h"
 #include "platform/ogl/Guard.h"
+#include "platform/ogl/PixelStore.h"
 
 #include <boost/make_shared.hpp>
 
@@ -152,7 +152,7 @@ void RenderTexture::State::Make(Utility::Scoped<Rgl>& p_gl) {
 
 void RenderTexture::State::MakeTextures(Utility::Scoped<Rgl>& p_gl, bool p_fits) {
   const boost::shared_ptr<void> texture = TextureScope(p_gl);
-  const boost::shared_ptr<void> unpacking = Private::UnpackScope(p_gl); // a bound pixel buffer would be read
+  const boost::shared_ptr<void> unpacking = Ogl::UnpackScope(*p_gl); // a bound pixel buffer would be read
   const auto allocate = [&](GlEnum p_internal, GlEnum p_format, GlEnum p_type) {
     if (p_fits)
       p_gl->TexImage2D(RGL_TEXTURE_2D, 0, static_cast<int>(p_internal), size.width, size.height, 0, p_format, p_type,
@@ -265,7 +265,7 @@ QImage RenderTexture::ToImage(Utility::Scoped<Rgl>& p_gl) const {
   QImage image(_state->size.width, _state->size.height, QImage::Format_RGBA8888);
   if (image.isNull()) // no memory
     return image;
-  const boost::shared_ptr<void> packing = Private::PackScope(p_gl);
+  const boost::shared_ptr<void> packing = Ogl::PackScope(*p_gl);
   p_gl->ReadPixels(0, 0, image.width(), image.height(), RGL_RGBA, RGL_UNSIGNED_BYTE, image.bits());
   return image.mirrored().convertToFormat(QImage::Format_ARGB32);
 }
@@ -284,7 +284,7 @@ std::vector<float> RenderTexture::ReadFloats(Utility::Scoped<Rgl>& p_gl, Ogl::Gl
   if (!_state->complete)
     return {};
   std::vector<float> values(_state->Pixels() * p_count);
-  const boost::shared_ptr<void> packing = Private::PackScope(p_gl);
+  const boost::shared_ptr<void> packing = Ogl::PackScope(*p_gl);
   p_gl->ReadPixels(0, 0, _state->size.width, _state->size.height, p_format, RGL_FLOAT, values.data());
   return values;
 }

@@ -1,9 +1,9 @@
 #include "library/TopMostFragmentDepthBuffer.h"
 
 #include "library/RenderTexture.h"
-#include "library/private/gl/PixelStore.h"
 #include "library/private/gl/Truncate.h"
 #include "platform/ogl/HitRecord.h"
+#include "platform/ogl/PixelStore.h"
 
 #include <boost/array.hpp>
 
@@ -42,6 +42,7 @@ bool TopMostFragmentDepthBuffer::GetDepthAt(Utility::Scoped<Rgl>& p_gl, Types::V
     p_gl->Disable(RGL_FRAMEBUFFER_SRGB);
 
   if (_state->stamp != p_stamp) {
+    _state->stamp = Core::TimeStamp(); // what the target held is lost, even if the callback throws
     p_gl->ClearColor(QColor(Qt::transparent)); // the code of "nothing here"
     p_gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
     p_gl->Disable(RGL_STENCIL_TEST);
@@ -52,7 +53,7 @@ bool TopMostFragmentDepthBuffer::GetDepthAt(Utility::Scoped<Rgl>& p_gl, Types::V
 
   boost::array<unsigned char, 4> bytes{{0, 0, 0, 0}};
   {
-    const boost::shared_ptr<void> packing = Private::PixelPackScope(p_gl);
+    const boost::shared_ptr<void> packing = Ogl::PixelPackScope(*p_gl);
     p_gl->ReadPixels(p_position.x, p_position.y, 1, 1, RGL_RGBA, RGL_UNSIGNED_BYTE, bytes.data());
   }
   // Made once: it costs as much as binding the target.

@@ -1,7 +1,7 @@
 #include "library/VolumeTexture.h"
 
-#include "library/private/gl/PixelStore.h"
 #include "platform/debug/Check.h"
+#include "platform/ogl/PixelStore.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -116,7 +116,7 @@ void VolumeTexture::Upload(Utility::Scoped<Rgl>& p_gl) const {
           "void __cdecl Vek::Chart::Library::VolumeTexture::Upload(class Vek::Chart::Utility::Scoped<class "
           "Vek::Chart::Ogl::Rgl> &) const"))
     return;
-  const boost::shared_ptr<void> unpacking = Private::UnpackScope(p_gl);
+  const boost::shared_ptr<void> unpacking = Ogl::UnpackScope(*p_gl);
   p_gl->TexImage3D(RGL_TEXTURE_3D, 0, static_cast<int>(sRgb ? format->internalSrgb : format->internal), _sizeS, _sizeT,
                    _sizeR, 0, format->format, format->type, _image->Bytes().data());
 }

@@ -90,6 +90,7 @@ VEK_GL(void, TexParameteri, (GlEnum p_target, GlEnum p_name, int p_value), (p_ta
 VEK_GL(void, TexEnvi, (GlEnum p_target, GlEnum p_name, int p_value), (p_target, p_name, p_value))
 VEK_GL(void, TexGeni, (GlEnum p_coordinate, GlEnum p_name, int p_value), (p_coordinate, p_name, p_value))
 VEK_GL(void, PixelStorei, (GlEnum p_name, int p_value), (p_name, p_value))
+VEK_GL(void, PixelTransferf, (GlEnum p_name, float p_value), (p_name, p_value))
 VEK_GL(void, TexImage2D,
        (GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_border, GlEnum p_format,
         GlEnum p_type, const void* p_pixels),

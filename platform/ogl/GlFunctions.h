@@ -6,7 +6,8 @@
 namespace Vek::Chart::Ogl {
 
 /// All GL and GLU functions that the project calls, as pointers. A table is filled with the native functions
-/// (`NativeGl`), with recording ones (`RecordingGl`), or by a host engine with its own. Every pointer must be set.
+/// (`NativeGl`), with recording ones (`RecordingGl`), or by a host engine with its own. `Rgl` reports pointers that are
+/// null.
 struct GlFunctions {
 #define VEK_GL(p_result, p_name, p_parameters, p_arguments) p_result(*p_name) p_parameters = nullptr;
 #include "platform/ogl/GlFunctionList.h"

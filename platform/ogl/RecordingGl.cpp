@@ -87,7 +87,7 @@ GlFunctions MakeRecordingTable() {
     static const Recording::Signature signature(#p_name, #p_parameters, p_isGlu);                                      \
     return Dispatch(                                                                                                   \
         signature, [&](Recording::Model& p_glModel) { return p_glModel.p_name p_arguments; },                          \
-        [&](Recording::Model& p_glModel) { return p_glModel.Defaults::p_name p_arguments; },                           \
+        [&](Recording::Model& p_glModel) { return p_glModel.GlDefaults::p_name p_arguments; },                           \
         std::make_tuple p_arguments);                                                                                  \
   };
 #define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \

@@ -3,6 +3,7 @@
 #include "platform/debug/Check.h"
 #include "platform/ogl/BufferPool.h"
 #include "platform/ogl/Guard.h"
+#include "platform/ogl/private/GlDefaults.h"
 #include "platform/types/ColorChannels.h"
 
 #include <boost/make_shared.hpp>
@@ -34,11 +35,33 @@ constexpr const char* BindScope =
 #undef VEK_GUARD
 #undef VEK_HANDLE
 
+/// The table itself when all of its functions are set. Otherwise a copy in which the missing ones, whose names are
+/// reported, do nothing.
+boost::shared_ptr<const GlFunctions> Complete(boost::shared_ptr<const GlFunctions> p_gl) {
+  auto complete = p_gl ? boost::make_shared<GlFunctions>(*p_gl) : boost::make_shared<GlFunctions>();
+  std::string missing;
+#define VEK_FUNCTION(p_prefix, p_result, p_name, p_parameters, p_arguments)                                            \
+  if (complete->p_name == nullptr) {                                                                                   \
+    missing += " " p_prefix #p_name;                                                                                   \
+    complete->p_name = [] p_parameters -> p_result { return GlDefaults().p_name p_arguments; };                        \
+  }
+#define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \
+  VEK_FUNCTION("gl", p_result, p_name, p_parameters, p_arguments)
+#define VEK_GLU(p_result, p_name, p_parameters, p_arguments)                                                           \
+  VEK_FUNCTION("glu", p_result, p_name, p_parameters, p_arguments)
+#include "platform/ogl/GlFunctionList.h"
+#undef VEK_FUNCTION
+  if (missing.empty())
+    return p_gl;
+  vekdebug::warn("Rgl: the function table lacks" + missing);
+  return complete;
+}
+
 } // namespace
 
 Rgl::Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_makeCurrent,
          boost::function<void()> p_release)
-    : _gl(std::move(p_gl))
+    : _gl(Complete(std::move(p_gl)))
     , _makeCurrent(std::move(p_makeCurrent))
     , _release(std::move(p_release))
     , _bufferPool(std::make_unique<BufferPool>(_gl)) {}
@@ -241,7 +264,12 @@ Utility::VersionNo Rgl::GlVersion() const {
 const DeviceFeatures& Rgl::Features() const {
   if (_features)
     return *_features;
-  const Utility::VersionNo version = GlVersion();
+  const unsigned char* const versionText = GetString(RGL_VERSION);
+  if (versionText == nullptr) { // perhaps no context is current: not kept, so that the next call asks again
+    static const DeviceFeatures None;
+    return None;
+  }
+  const Utility::VersionNo version = ParseVersion(TextOf(versionText));
   // Newer contexts have everything in their core, and some of them no longer know the list of extensions.
   const std::set<std::string_view> extensions =
       version < Utility::VersionNo(3, 3, 0) ? Words(TextOf(GetString(RGL_EXTENSIONS))) : std::set<std::string_view>();

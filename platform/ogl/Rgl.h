@@ -48,9 +48,11 @@ public:
   /// The number of a texture coordinate set; added to RGL_TEXTURE0.
   using TexCoordIndex = unsigned int;
 
-  /// `p_gl` must be set, each of its functions too. `p_makeCurrent` is called when the outermost scope opens and must
-  /// make the context current; `p_release` when it closes. Both may be empty: then the context is current whenever a
-  /// scope is open.
+  /// `p_gl` is the table that all calls go through. Functions that it lacks are reported by name ("WARNING: Rgl: the
+  /// function table lacks glMapBufferRange") and do nothing when they are called.
+  ///
+  /// `p_makeCurrent` is called when the outermost scope opens and must make the context current; `p_release` is called
+  /// when it closes. Both may be empty if the context is current whenever a scope is open.
   explicit Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_makeCurrent = {},
                boost::function<void()> p_release = {});
   ~Rgl();

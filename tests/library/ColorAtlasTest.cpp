@@ -40,95 +40,6 @@ std::string Rows(const QImage& p_image) {
   return rows;
 }
 
-/// What was added to an atlas.
-struct Tree {
-  std::vector<std::vector<unsigned int>> children{1}; ///< of the root, then of each colour
-  std::map<unsigned int, QColor> colors;
-  std::map<unsigned int, std::vector<unsigned int>> instancesOf;
-  std::map<unsigned int, std::map<unsigned int, QColor>> replacements; ///< of each instance
-};
-
-/// The layout rules once more, plainly: recursion and maps, texels by coordinates.
-class Reference : Tree {
-public:
-  Reference(int p_width, const Tree& p_tree)
-      : Tree(p_tree)
-      , _w(p_width) {
-    std::vector<unsigned int> tops = children[0];
-    const auto isPlain = [this](unsigned int p_top) { return instancesOf.count(p_top) == 0; };
-    std::stable_partition(tops.begin(), tops.end(), isPlain);
-    for (const unsigned int top : tops)
-      Number(top, 0);
-    for (const unsigned int top : tops)
-      isPlain(top) ? PlacePlain(top) : PlaceInstanced(top);
-  }
-
-  std::map<Pixel, QRgb> texels; ///< by (x, y)
-  std::map<unsigned int, long> firstIndex;
-  std::map<unsigned int, std::pair<long, long>> offsets;
-  std::map<unsigned int, std::pair<long, long>> spans;
-
-private:
-  Pixel Of(long p_index) const { return {static_cast<int>(p_index % _w), static_cast<int>(p_index / _w)}; }
-
-  void Number(unsigned int p_id, int p_depth) {
-    spans[p_id].first = _counter++;
-    _depths[p_id] = p_depth;
-    for (const unsigned int child : children[p_id])
-      Number(child, p_depth + 1);
-    spans[p_id].second = _counter - 1;
-  }
-
-  void PlacePlain(unsigned int p_id) {
-    firstIndex[p_id] = spans[p_id].first + _shift;
-    texels[Of(firstIndex[p_id])] = colors.at(p_id).rgba();
-    for (const unsigned int child : children[p_id])
-      PlacePlain(child);
-  }
-
-  void PlaceInstanced(unsigned int p_top) {
-    const long length = spans[p_top].second - spans[p_top].first + 1;
-    const long unmoved = spans[p_top].first + _shift;
-    if (static_cast<double>(length) <= std::floor(_w * 0.5) && Of(unmoved).second != Of(unmoved + length - 1).second)
-      _shift += _w - unmoved % _w;
-    PlacePlain(p_top);
-    const long start = spans[p_top].first + _shift;
-    const Pixel pf = Of(start), pl = Of(start + length - 1);
-    const long rows = pl.second - pf.second + 1;
-    const bool oneRow = pf.second == pl.second && length < _w / 2;
-    long dx = 0, dy = 0;
-    for (const unsigned int instance : instancesOf.at(p_top)) {
-      if (!oneRow) {
-        _shift += _w * rows;
-        dy += rows;
-      } else if (pf.first + dx + 2 * length >= _w) {
-        _shift += _w - dx - pf.first;
-        dx = -pf.first;
-        dy += rows;
-      } else {
-        _shift += length;
-        dx += length;
-      }
-      offsets[instance] = {dx, dy};
-      const long d = (pf.second + dy) * _w + pf.first + dx;
-      for (long i = 0; i < length; ++i)
-        texels[Of(d + i)] = texels.at(Of(start + i));
-      std::vector<std::pair<int, unsigned int>> byDepth;
-      for (const auto& [id, color] : replacements.at(instance))
-        byDepth.push_back({_depths.at(id), id});
-      std::sort(byDepth.begin(), byDepth.end());
-      for (const auto& [depth, id] : byDepth)
-        for (long i = spans[id].first; i <= spans[id].second; ++i)
-          texels[Of(d + i - spans[p_top].first)] = replacements.at(instance).at(id).rgba();
-    }
-  }
-
-  long _w;
-  std::map<unsigned int, int> _depths;
-  long _counter = 0;
-  long _shift = 0;
-};
-
 class ColorAtlasCalls : public RecordingScopeFixture {
 protected:
   void Build(ColorAtlas& p_atlas, int p_maxSize) {
@@ -160,6 +71,23 @@ TEST_F(ColorAtlasCalls, PlacesSmallTreesAsWritten) {
       {"own colour, then a deeper one", 1024, "a0 b1 c2 d1", {{1, {{1, x}, {2, y}}}}, "abcdxyyx "},
       {"ends at the border", 8, "a0 b1 c1", {{1, {}}, {1, {{2, x}}}, {1, {}}}, "abcabc.. axcabc.. "},
       {"half a row", 8, "e0 e0 e0 e0 e0 e0 a0 b7 c7 d7", {{7, {{9, y}}}}, "eeeeee.. abcd.... abyd.... ........ "},
+      {"half of an odd row", 9, "e0 e0 e0 e0 e0 e0 a0 b7 c7 d7", {{7, {}}}, "eeeeee... abcd..... abcd..... ......... "},
+      {"more than half of it",
+       9,
+       "e0 e0 e0 e0 e0 a0 b6 c6 d6 e6",
+       {{6, {}}},
+       "eeeeeabcd e........ .....abcd e........ "},
+      {"a copy that would just end at the border", 8, "a0 b1", {{1, {}}, {1, {}}, {1, {}}}, "ababab.. ab...... "},
+      {"left of where it began, and another colour",
+       8,
+       "e0 a0 b2 c0",
+       {{2, {}}, {2, {}}, {2, {}}, {2, {{3, x}}}, {4, {}}},
+       "eababab. abaxcc.. "},
+      {"two rows, and another colour",
+       8,
+       "a0 b1 c1 d1 e1 a1 b1 c1 d1 e1 c0",
+       {{1, {{2, x}, {10, y}}}, {11, {}}},
+       "abcdeabc de...... axcdeabc dycc.... "},
   };
   for (const auto& [name, max_size, colors, instances, rows] : cases) {
     const ReportCapture reports;
@@ -187,66 +115,12 @@ TEST_F(ColorAtlasCalls, DescribesRunsAndOffsets) {
   EXPECT_EQ(atlas.TexelCoordSpace().centre, (Ogl::Vec2<float>{0.0625f, 0.25f}));
 
   ColorAtlas beside;
-  Add(beside, "a0");
-  const unsigned int instance = beside.AddInstance(1, {});
+  Add(beside, "e0 a0 b2 c0", {{2, {}}, {2, {}}, {2, {}}, {4, {}}});
   Build(beside, 8);
-  EXPECT_TRUE(std::signbit(beside.InstanceOffset(instance).y)) << "a zero that counts downwards";
-}
-
-TEST_F(ColorAtlasCalls, AgreesWithThePlainRulesOnRandomTrees) {
-  for (unsigned int seed = 0; seed < 300; ++seed) {
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
-    const auto below = [&](unsigned int p_end) { return static_cast<unsigned int>(random() % p_end); };
-    const unsigned int width = 2 + below(40), count = 1 + below(60), bushiness = 1 + below(8);
-
-    ColorAtlas atlas;
-    Tree tree;
-    std::vector<unsigned int> topOf{0};
-    for (unsigned int id = 1; id <= count; ++id) {
-      const unsigned int parent = below(bushiness) == 0 ? 0 : below(id);
-      tree.colors[id] = Numbered(id);
-      ASSERT_EQ(atlas.AddColor(tree.colors[id], parent), id);
-      tree.children[parent].push_back(id);
-      tree.children.emplace_back();
-      topOf.push_back(parent == 0 ? id : topOf[parent]);
-    }
-    for (unsigned int i = 0, instances = below(8); i < instances; ++i) {
-      const unsigned int top = tree.children[0][below(static_cast<unsigned int>(tree.children[0].size()))];
-      std::map<unsigned int, QColor> replaced;
-      for (unsigned int id = 1; id <= count; ++id)
-        if (topOf[id] == top && below(3) == 0)
-          replaced[id] = Numbered(1000 + 100 * i + id);
-      const unsigned int instance = atlas.AddInstance(top, replaced);
-      tree.instancesOf[top].push_back(instance);
-      tree.replacements[instance] = replaced;
-    }
-
-    const ReportCapture reports;
-    Build(atlas, static_cast<int>(width));
-    const Reference expected(static_cast<int>(width), tree);
-    bool fits = true;
-    for (const auto& [pixel, color] : expected.texels)
-      fits = fits && pixel.second < static_cast<int>(width);
-    if (!fits) { // too many rows for a square picture: reported, and nothing out of bounds
-      EXPECT_FALSE(reports.Texts().empty());
-      continue;
-    }
-    EXPECT_EQ(reports.Texts(), Lines());
-    const QImage& image = atlas.AtlasImage();
-    for (int y = 0; y < image.height(); ++y)
-      for (int x = 0; x < image.width(); ++x) {
-        const bool set = expected.texels.count({x, y}) != 0;
-        ASSERT_EQ(image.pixel(x, y), set ? expected.texels.at({x, y}) : QColor(Qt::red).rgba()) << x << ", " << y;
-      }
-    for (const auto& [id, index] : expected.firstIndex)
-      ASSERT_EQ(At(atlas.ColorAt(id).coords.First()), Pixel(index % width, index / width)) << id;
-    for (const auto& [instance, offset] : expected.offsets) {
-      const Ogl::Vec2<float> texel = atlas.TexelCoordSpace().texel;
-      ASSERT_EQ(atlas.InstanceOffset(instance), (Ogl::Vec2<float>{static_cast<float>(offset.first) * texel.x,
-                                                                  -(static_cast<float>(offset.second) * texel.y)}));
-    }
-  }
+  EXPECT_EQ(At(beside.ColorAt(4).coords.First()), Pixel(2, 1)) << "behind the copies";
+  EXPECT_EQ(beside.InstanceOffset(5), (Ogl::Vec2<float>{2 / 8.0f, 0}));
+  EXPECT_EQ(beside.InstanceOffset(7), (Ogl::Vec2<float>{-1 / 8.0f, -1 / 2.0f}));
+  EXPECT_TRUE(std::signbit(beside.InstanceOffset(5).y)) << "a zero that counts downwards";
 }
 
 TEST_F(ColorAtlasCalls, UploadsANearestClampedReplacingTexture) {
@@ -267,6 +141,29 @@ TEST_F(ColorAtlasCalls, UploadsANearestClampedReplacingTexture) {
   EXPECT_EQ(copy.AtlasImage().width(), 1);
 }
 
+// A second build reports that instances had offsets already.
+TEST_F(ColorAtlasCalls, KeepsItsLastBuildWhenTheSinkThrows) {
+  struct ThrowingSink : vekdebug::sink {
+    void write(const vekdebug::report& p_report) override { throw std::runtime_error(p_report.text); }
+  };
+  ColorAtlas atlas;
+  Add(atlas, "a0", {{1, {}}});
+  Build(atlas, 8);
+  const boost::shared_ptr<Texture> texture = atlas.Texture();
+  const unsigned int added = atlas.AddColor(Numbered(2), 0);
+  const auto previous = Utility::GetLogger().set_sink(std::make_shared<ThrowingSink>());
+  EXPECT_THROW(Build(atlas, 8), std::runtime_error);
+  EXPECT_THROW(atlas.AddColor(Qt::blue, 77), std::runtime_error);
+  Utility::GetLogger().set_sink(previous);
+  EXPECT_EQ(atlas.Texture(), texture);
+  EXPECT_EQ(Rows(atlas.AtlasImage()), "aa ");
+  EXPECT_FALSE(atlas.ColorAt(added).coords.Defined());
+
+  const ReportCapture reports;
+  Build(atlas, 8);
+  EXPECT_EQ(Rows(atlas.AtlasImage()), "baa. ");
+}
+
 TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
   const std::string atlasClass = "Vek::Chart::Library::ColorAtlas::";
   const std::string span = "const class Vek::Chart::Types::Span<unsigned int> &)";
@@ -279,6 +176,9 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
       " - unsigned int __cdecl " + atlasClass +
       "AddInstance(unsigned int,const class std::map<unsigned int,class QColor,struct std::less<unsigned int>,class "
       "std::allocator<struct std::pair<unsigned int const ,class QColor> > > &)";
+  const std::string copyColors = "\"destPixel.y < _image.MaxHeight()\"" + layout +
+                                 "InstanceCoordinateMapper::CopyColors(" + span.substr(0, span.size() - 1) +
+                                 ",const class Vek::Chart::Ogl::Vec2<unsigned int> &)";
   using Run = std::function<void(ColorAtlas&)>;
   const auto built = [this](const std::string& p_colors, int p_size, const Instances& p_instances = {}) -> Run {
     return [=](ColorAtlas& p_a) { Add(p_a, p_colors, p_instances), Build(p_a, p_size); };
@@ -299,6 +199,9 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
          EXPECT_EQ(p_a.AddColor(Qt::blue, 77), 1u);
        },
        {"\"instPos != _instances.end()\"" + colorAt, "\"instPos != _instances.end()\"" + colorAt}},
+      {"an unknown id of an atlas that must not change",
+       [](ColorAtlas& p_a) { EXPECT_FALSE(std::as_const(p_a).ColorAt(77).coords.Defined()); },
+       {"\"instPos != _instances.end()\" - const" + colorAt.substr(2) + " const"}},
       {"an instance of a colour below the top",
        [](ColorAtlas& p_a) {
          Add(p_a, "a0 b1", {{2, {}}});
@@ -338,6 +241,13 @@ TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
        built("a0 b0 c0 d0 e0", 2),
        {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + layout +
         "CoordinateMapper::WriteColor(unsigned int,const struct " + atlasClass + "ColorNode &," + span}},
+      {"a copy one row below the last",
+       built("a0 b1", 2, {{1, {}}, {1, {{2, Qt::black}}}}),
+       {copyColors, copyColors,
+        "\"next.y < _image.MaxHeight()\"" + layout +
+            "InstanceCoordinateMapper::OverwritePixelSpan(const class Vek::Chart::Ogl::Vec2<unsigned int> &,const "
+            "class "
+            "QColor &,unsigned int)"}},
   };
   for (const auto& [name, run, texts] : cases) {
     const ReportCapture reports;

@@ -1,4 +1,6 @@
 #include "library/DepthCodec.h"
+
+#include "library/RenderTexture.h"
 #include "platform/ogl/HitRecord.h"
 #include "platform/ogl/ShaderProgram.h"
 #include "tests/support/Test.h"
@@ -95,7 +97,7 @@ TEST(DepthCodec, DecodesWithTheListedWeights) {
   }
 }
 
-TEST(DepthCodec, HandsOutItsConstantsAsGlsl) {
+TEST(DepthCodec, GlslHasTheConstantsInFull) {
   EXPECT_EQ(DepthCodec::Glsl(), "vec4 EncodeDepth(float depth) {\n"
                                 "  vec4 e = fract(vec4(1.00000000, 255.000000, 65025.0000, 16581375.0) * depth);\n"
                                 "  e = e - vec4(e.yzw * 0.00392156886, 0.0);\n"
@@ -103,46 +105,82 @@ TEST(DepthCodec, HandsOutItsConstantsAsGlsl) {
                                 "}\n");
 }
 
-class DepthCodecPixels : public Vek::Test::PixelFixture {};
+constexpr float LargestBelowOne = 0x1.fffffep-1F;
 
-// One depth a pixel. The device may round its products differently, which may lose or keep a step of a channel: the
-// decoded depth has the bounds of `Encode`, and nearly all pixels have its bytes. The precise packing has no such
-// steps.
-TEST_F(DepthCodecPixels, TheShadersPackLikeEncodeAndPrecisely) {
-  for (const bool precise : {false, true}) {
-    SCOPED_TRACE(precise);
-    Utility::Scoped<Ogl::Rgl> gl(Handle());
+// Depths at 1 come back just below, as nothing is drawn at 1.
+testing::AssertionResult IsPrecise(const Bytes& p_bytes, float p_depth) {
+  const float decoded = DepthCodec::Decode(p_bytes);
+  if (decoded < 1 && std::abs(double(decoded) - double(p_depth)) <= 0x1p-23 &&
+      (p_depth < LargestBelowOne || decoded == LargestBelowOne))
+    return testing::AssertionSuccess();
+  return testing::AssertionFailure() << BitsOf(p_depth) << " as " << Text(p_bytes) << "is " << BitsOf(decoded);
+}
+
+// The arithmetic of PreciseGlsl on a device that rounds each operation, or fuses products with sums.
+Bytes PreciseEncode(float p_depth, bool p_fused) {
+  const auto madd = [p_fused](float p_a, float p_b, float p_c) {
+    return p_fused ? std::fma(p_a, p_b, p_c) : p_a * p_b + p_c;
+  };
+  const float k = FromBits(0x3B808081);
+  float rest = std::min(p_depth, LargestBelowOne);
+  const float x = std::floor(rest * 254.9999F);
+  rest = madd(-x, k, rest);
+  const float y = std::floor(rest * 65024.98F);
+  rest = madd(-y * k, k, rest);
+  const float z = std::floor(rest * 16581370.0F);
+  rest = madd(-z * k, FromBits(0x37810182), rest);
+  const float w = std::min(std::floor(madd(rest, 4228250625.0F, 0.5F)), 255.0F);
+  const auto byte = [](float p_step) { return static_cast<unsigned char>(p_step); };
+  return {{byte(x), byte(y), byte(z), byte(w)}};
+}
+
+TEST(DepthCodec, PreciseArithmeticKeepsItsBound) {
+  for (std::uint32_t step = 1; step < 1U << 24; ++step)
+    for (const bool fused : {false, true}) {
+      const float depth = static_cast<float>(step / 16777215.0); // all that a 24-bit depth buffer holds
+      ASSERT_TRUE(IsPrecise(PreciseEncode(depth, fused), depth)) << fused;
+    }
+}
+
+class DepthCodecPixels : public PixelScopeFixture {
+protected:
+  /// Fills a target with a packing; `p_depth` is the depth in terms of `pixel`, counted from the lower left.
+  std::vector<Bytes> Packed(const std::string& p_packing, const std::string& p_depth, Types::Size p_size) {
     const Ogl::ShaderProgram program(gl, "void main() { gl_Position = gl_Vertex; }",
-                                     (precise ? DepthCodec::PreciseGlsl() : DepthCodec::Glsl()) +
+                                     p_packing +
                                          "void main() {\n"
                                          "  vec2 pixel = floor(gl_FragCoord.xy);\n"
-                                         "  gl_FragColor = EncodeDepth((pixel.x + 64.0 * pixel.y + 0.375) / 2368.0);\n"
-                                         "}\n");
-    ASSERT_TRUE(program.Linked());
-    const boost::shared_ptr<void> inUse = program.Use(gl);
-    gl->Begin(RGL_QUADS);
-    for (const auto& [x, y] : {std::pair(-1, -1), {1, -1}, {1, 1}, {-1, 1}})
-      gl->Vertex(x, y, 0);
-    gl->End();
-
-    const QImage image = Image();
-    int same = 0;
-    for (int y = 0; y < FrameSize.height; ++y)
-      for (int x = 0; x < FrameSize.width; ++x) {
-        const QRgb pixel = Vek::Test::PixelAt(image, x, y);
-        const Bytes bytes = {{static_cast<unsigned char>(qRed(pixel)), static_cast<unsigned char>(qGreen(pixel)),
-                              static_cast<unsigned char>(qBlue(pixel)), static_cast<unsigned char>(qAlpha(pixel))}};
-        const float depth = (static_cast<float>(x + 64 * y) + 0.375F) / 2368.0F;
-        if (precise) {
-          ASSERT_NEAR(DepthCodec::Decode(bytes), depth, 0x1p-23) << x << ' ' << y;
-          continue;
-        }
-        ASSERT_LE(DepthCodec::Decode(bytes), depth + 1e-6F) << x << ' ' << y;
-        ASSERT_GE(DepthCodec::Decode(bytes), depth - 1.01F / 255) << x << ' ' << y;
-        same += bytes == DepthCodec::Encode(depth) ? 1 : 0;
-      }
-    EXPECT_GE(same, precise ? 0 : FrameSize.width * FrameSize.height * 9 / 10);
+                                         "  gl_FragColor = EncodeDepth(" +
+                                         p_depth + ");\n}\n");
+    const RenderTexture target(p_size);
+    const auto bound = target.BindForDraw(gl);
+    const auto inUse = program.Use(gl);
+    DrawTexturedSquare(gl);
+    std::vector<Bytes> pixels(static_cast<std::size_t>(p_size.width) * static_cast<std::size_t>(p_size.height));
+    gl->ReadPixels(0, 0, p_size.width, p_size.height, RGL_RGBA, RGL_UNSIGNED_BYTE, pixels.data());
+    return pixels;
   }
+};
+
+// The device may round its products differently, which may lose or keep a step of a channel: the decoded depth has the
+// bounds of `Encode`, and nearly all pixels have its bytes.
+TEST_F(DepthCodecPixels, TheShaderPacksLikeEncode) {
+  const std::vector<Bytes> pixels = Packed(DepthCodec::Glsl(), "(pixel.x + 64.0 * pixel.y + 0.375) / 2368.0", {64, 37});
+  int same = 0;
+  for (std::size_t i = 0; i < pixels.size(); ++i) {
+    const float depth = (static_cast<float>(i) + 0.375F) / 2368.0F;
+    ASSERT_LE(DepthCodec::Decode(pixels[i]), depth + 1e-6F) << i;
+    ASSERT_GE(DepthCodec::Decode(pixels[i]), depth - 1.01F / 255) << i;
+    same += pixels[i] == DepthCodec::Encode(depth) ? 1 : 0;
+  }
+  EXPECT_GE(same, 64 * 37 * 9 / 10);
+}
+
+TEST_F(DepthCodecPixels, ThePreciseShaderKeepsItsBound) {
+  const std::vector<Bytes> pixels =
+      Packed(DepthCodec::PreciseGlsl(), "(pixel.x + 4096.0 * pixel.y + 1.0) / 16777216.0", {4096, 4096});
+  for (std::size_t i = 0; i < pixels.size(); ++i) // the last depth is 1
+    ASSERT_TRUE(IsPrecise(pixels[i], static_cast<float>(i + 1) / 16777216.0F));
 }
 
 } // namespace

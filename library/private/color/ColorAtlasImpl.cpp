@@ -1,5 +1,6 @@
 #include "library/private/color/ColorAtlasImpl.h"
 
+#include "library/private/color/ImageBuilder.h"
 #include "platform/debug/Check.h"
 
 #include <algorithm>
@@ -9,25 +10,34 @@ namespace Vek::Chart::Library::Private {
 
 namespace {
 
-using Pixel = ColorCoords::Pixel;
+using Pixel = ImageBuilder::Pixel;
 using IndexSpan = Span<unsigned int>;
 
+namespace Signature {
 #define VEK_ATLAS "Vek::Chart::Library::Private::ColorAtlasImpl::"
 #define VEK_PIXEL "class Vek::Chart::Ogl::Vec2<unsigned int>"
 #define VEK_SPAN "class Vek::Chart::Types::Span<unsigned int>"
 #define VEK_CALL "operator ()(class " VEK_ATLAS "AtlasTraversalState &,class " VEK_ATLAS "AtlasTraversalState *)"
-
-const char* const CopyColorsSignature =
+constexpr const char* SpanBuilderCall = "void __cdecl " VEK_ATLAS "SpanBuilder::" VEK_CALL;
+constexpr const char* MapperCall = "void __cdecl " VEK_ATLAS "CoordinateMapper::" VEK_CALL;
+constexpr const char* WriteColor = "void __cdecl " VEK_ATLAS "CoordinateMapper::WriteColor(unsigned int,const struct "
+                                   "Vek::Chart::Library::ColorAtlas::ColorNode &,const " VEK_SPAN " &)";
+constexpr const char* MapSpan = "void __cdecl " VEK_ATLAS "CoordinateMapper::MapSpan(unsigned int,struct "
+                                "Vek::Chart::Library::ColorAtlas::ColorNode &,const " VEK_SPAN " &)";
+constexpr const char* InstanceMapperCall = "void __cdecl " VEK_ATLAS "InstanceCoordinateMapper::" VEK_CALL;
+constexpr const char* ProcessInstances =
+    "void __cdecl " VEK_ATLAS "InstanceCoordinateMapper::ProcessInstances(unsigned int,const " VEK_SPAN " &)";
+constexpr const char* CopyColors =
     "void __cdecl " VEK_ATLAS "InstanceCoordinateMapper::CopyColors(const " VEK_SPAN " &,const " VEK_PIXEL " &)";
-const char* const OverwriteSignature =
+constexpr const char* OverwritePixelSpan =
     "void __cdecl " VEK_ATLAS "InstanceCoordinateMapper::OverwritePixelSpan(const " VEK_PIXEL
     " &,const class QColor &,unsigned int)";
-const char* const ProcessInstancesSignature =
-    "void __cdecl " VEK_ATLAS "InstanceCoordinateMapper::ProcessInstances(unsigned int,const " VEK_SPAN " &)";
+} // namespace Signature
 
 /// The texel of an index: row by row.
 Pixel PixelOf(std::uint64_t p_index, const ImageBuilder& p_image) {
-  return {static_cast<unsigned int>(p_index % p_image.Width()), static_cast<unsigned int>(p_index / p_image.Width())};
+  return {static_cast<unsigned int>(p_index % p_image.MaxWidth()),
+          static_cast<unsigned int>(p_index / p_image.MaxWidth())};
 }
 
 unsigned int LengthOf(const IndexSpan& p_span) {
@@ -36,9 +46,14 @@ unsigned int LengthOf(const IndexSpan& p_span) {
 
 } // namespace
 
-/// Visits all colours of the roots' sub-trees depth first, parents before children. `Enter` gets the id of a colour and
-/// answers its slot, or NoSlot to leave its sub-tree out; `Leave` runs after the whole sub-tree of that slot. Levels
-/// are kept on a stack of our own: a tree may be a million levels deep.
+std::uint32_t ColorAtlasImpl::SlotOf(unsigned int p_id) const {
+  const std::uint32_t slot = _tree.ColorSlot(p_id);
+  return slot != AtlasTree::NoSlot ? slot : _tree.findSlot(p_id);
+}
+
+/// Visits the colours of the roots' sub-trees depth first, parents before children. `Enter` returns false to leave out
+/// what lies below a slot; otherwise `Leave` runs after the slot's whole sub-tree. The levels are kept on a stack of
+/// our own, since a tree may be a million levels deep.
 template <class Visitor>
 void ColorAtlasImpl::Walk(const std::vector<unsigned int>& p_roots, Visitor& p_visitor) const {
   struct Level {
@@ -46,127 +61,95 @@ void ColorAtlasImpl::Walk(const std::vector<unsigned int>& p_roots, Visitor& p_v
     std::size_t next;
     std::uint32_t owner; ///< the slot whose children these are
   };
-  std::vector<Level> levels{{&p_roots, 0, ColorAtlas::NoSlot}};
+  std::vector<Level> levels{{&p_roots, 0, AtlasTree::NoSlot}};
   while (!levels.empty()) {
     Level& level = levels.back();
     if (level.next == level.ids->size()) {
       const std::uint32_t owner = level.owner;
       levels.pop_back();
-      if (owner != ColorAtlas::NoSlot)
+      if (owner != AtlasTree::NoSlot)
         p_visitor.Leave(owner);
       continue;
     }
-    const std::uint32_t slot = p_visitor.Enter((*level.ids)[level.next++]);
-    if (slot != ColorAtlas::NoSlot)
-      levels.push_back({&_atlas._nodes[slot].children, 0, slot});
+    const std::uint32_t slot = SlotOf((*level.ids)[level.next++]);
+    if (slot != AtlasTree::NoSlot && p_visitor.Enter(slot))
+      levels.push_back({_tree.colors[slot].children, 0, slot});
   }
 }
 
 /// Gives each colour the next index; the span of a colour ends with the last index of its sub-tree.
 class ColorAtlasImpl::SpanBuilder {
 public:
-  explicit SpanBuilder(ColorAtlas& p_atlas)
-      : _atlas(p_atlas) {}
+  explicit SpanBuilder(ColorAtlasImpl& p_impl)
+      : _spans(p_impl._spans) {}
 
-  std::uint32_t Enter(unsigned int p_id) {
-    const std::uint32_t slot = _atlas.FindSlot(p_id);
-    if (slot == ColorAtlas::NoSlot)
-      return slot;
-    IndexSpan& span = _atlas._spans[slot];
+  bool Enter(std::uint32_t p_slot) {
     // A colour that was numbered already is in the tree twice, or above itself.
-    if (!VEK_ENSURE_TEXT(span.first == ColorAtlas::NoParent, "query.second",
-                         "void __cdecl " VEK_ATLAS "SpanBuilder::" VEK_CALL))
-      return ColorAtlas::NoSlot;
-    span.first = _next++;
-    return slot;
+    if (!VEK_ENSURE_TEXT(!_spans[p_slot], "query.second", Signature::SpanBuilderCall))
+      return false;
+    _spans[p_slot] = IndexSpan(_next, _next);
+    ++_next;
+    return true;
   }
 
-  void Leave(std::uint32_t p_slot) { _atlas._spans[p_slot].last = _next - 1; }
+  void Leave(std::uint32_t p_slot) { _spans[p_slot]->last = _next - 1; }
 
 private:
-  ColorAtlas& _atlas;
+  std::vector<std::optional<IndexSpan>>& _spans;
   unsigned int _next = 0;
 };
 
 /// Writes each colour at the texel of its index.
 class ColorAtlasImpl::CoordinateMapper {
 public:
-  CoordinateMapper(ColorAtlas& p_atlas, ImageBuilder& p_image)
-      : _atlas(p_atlas)
-      , _image(p_image) {}
+  CoordinateMapper(const ColorAtlasImpl& p_impl, ImageBuilder& p_image, AtlasLayout& p_layout)
+      : _tree(p_impl._tree)
+      , _spans(p_impl._spans)
+      , _image(p_image)
+      , _layout(p_layout) {}
 
-  std::uint32_t Enter(unsigned int p_id) {
-    const std::uint32_t slot = _atlas.FindSlot(p_id);
-    if (slot == ColorAtlas::NoSlot || !CheckSpan(slot, "void __cdecl " VEK_ATLAS "CoordinateMapper::" VEK_CALL))
-      return ColorAtlas::NoSlot;
-    return Place(slot, _atlas._spans[slot]) ? slot : ColorAtlas::NoSlot;
-  }
-
+  bool Enter(std::uint32_t p_slot) { return Place(p_slot, *_spans[p_slot]); }
   void Leave(std::uint32_t) {}
 
 protected:
-  bool CheckSpan(std::uint32_t p_slot, const char* p_signature) const {
-    return VEK_ENSURE_TEXT(_atlas._spans[p_slot].first != ColorAtlas::NoParent, "spanPos != _spans.end()", p_signature);
-  }
-
   /// False when the colour had been placed before.
   bool Place(std::uint32_t p_slot, const IndexSpan& p_span) {
-    ColorAtlas::ColorNode& node = _atlas._nodes[p_slot];
-    WriteColor(node, p_span);
-    if (!VEK_ENSURE_TEXT(!node.coords.Defined(),
-                         "query.second && \"Coordinate p_spans must not have already been added\"",
-                         "void __cdecl " VEK_ATLAS "CoordinateMapper::MapSpan(unsigned int,struct "
-                         "Vek::Chart::Library::ColorAtlas::ColorNode &,const " VEK_SPAN " &)"))
+    const Pixel pixelCoordFirst = PixelOf(p_span.first, _image);
+    if (VEK_ENSURE_TEXT(pixelCoordFirst.y < _image.MaxHeight(), "pixelCoordFirst.y < _image.MaxHeight()",
+                        Signature::WriteColor))
+      _image.WriteUniquePixel(pixelCoordFirst, _tree.colors[p_slot].color);
+    if (!VEK_ENSURE_TEXT(!_layout.runs[p_slot],
+                         "query.second && \"Coordinate p_spans must not have already been added\"", Signature::MapSpan))
       return false;
-    node.coords = ColorCoords(p_span, _image.Width());
+    _layout.runs[p_slot] = p_span;
     return true;
   }
 
-  ColorAtlas& _atlas;
+  const AtlasTree& _tree;
+  const std::vector<std::optional<IndexSpan>>& _spans;
   ImageBuilder& _image;
-
-private:
-  void WriteColor(const ColorAtlas::ColorNode& p_node, const IndexSpan& p_span) {
-    const char* const signature = "void __cdecl " VEK_ATLAS "CoordinateMapper::WriteColor(unsigned int,const struct "
-                                  "Vek::Chart::Library::ColorAtlas::ColorNode &,const " VEK_SPAN " &)";
-    const Pixel pixelCoordFirst = PixelOf(p_span.first, _image);
-    if (VEK_ENSURE_TEXT(pixelCoordFirst.y < static_cast<unsigned int>(_image.MaxHeight()),
-                        "pixelCoordFirst.y < _image.MaxHeight()", signature))
-      _image.WriteUniquePixel(pixelCoordFirst, p_node.color.rgba());
-  }
+  AtlasLayout& _layout;
 };
 
 /// Writes colours as CoordinateMapper does, and after the sub-tree of an instanced colour its copies. Copies take
 /// indices of their own, so everything behind them moves on by a growing shift.
 class ColorAtlasImpl::InstanceCoordinateMapper : private CoordinateMapper {
 public:
-  InstanceCoordinateMapper(ColorAtlas& p_atlas, ImageBuilder& p_image)
-      : CoordinateMapper(p_atlas, p_image) {}
+  using CoordinateMapper::CoordinateMapper;
 
-  std::uint32_t Enter(unsigned int p_id) {
-    const std::uint32_t slot = _atlas.FindSlot(p_id);
-    const char* const signature = "void __cdecl " VEK_ATLAS "InstanceCoordinateMapper::" VEK_CALL;
-    if (slot == ColorAtlas::NoSlot || !CheckSpan(slot, signature))
-      return ColorAtlas::NoSlot;
-    const ColorAtlas::ColorNode& current = _atlas._nodes[slot];
-    IndexSpan span(_atlas._spans[slot].first + _shift, _atlas._spans[slot].last + _shift);
-    if (current.instanceCount > 0) {
-      VEK_ENSURE_TEXT(current.parent == _atlas.RootAtlasId(), "current.parent == _atlas.RootAtlasId()", signature);
+  bool Enter(std::uint32_t p_slot) {
+    const AtlasTree::Color& current = _tree.colors[p_slot];
+    IndexSpan span(_spans[p_slot]->first + _shift, _spans[p_slot]->last + _shift);
+    if (current.instanced) {
+      VEK_ENSURE_TEXT(current.topLevel, "current.parent == _atlas.RootAtlasId()", Signature::InstanceMapperCall);
       MoveToNextRow(span);
     }
-    if (!Place(slot, span))
-      return ColorAtlas::NoSlot;
-    if (current.instanceCount > 0)
-      _open.push_back(span);
-    return slot;
+    return Place(p_slot, span);
   }
 
   void Leave(std::uint32_t p_slot) {
-    if (_atlas._nodes[p_slot].instanceCount == 0)
-      return;
-    const IndexSpan span = _open.back();
-    _open.pop_back();
-    ProcessInstances(p_slot, span);
+    if (_tree.colors[p_slot].instanced)
+      ProcessInstances(p_slot, *_layout.runs[p_slot]);
   }
 
 private:
@@ -174,9 +157,9 @@ private:
   void MoveToNextRow(IndexSpan& p_span) {
     const Pixel first = PixelOf(p_span.first, _image);
     const Pixel last = PixelOf(p_span.last, _image);
-    if (static_cast<double>(LengthOf(p_span)) > std::floor(_image.Width() * 0.5) || first.y == last.y)
+    if (static_cast<double>(LengthOf(p_span)) > std::floor(_image.MaxWidth() * 0.5) || first.y == last.y)
       return;
-    const unsigned int rest = _image.Width() - first.x;
+    const unsigned int rest = _image.MaxWidth() - first.x;
     _shift += rest;
     p_span.first += rest;
     p_span.last += rest;
@@ -184,15 +167,14 @@ private:
 
   void ProcessInstances(std::uint32_t p_slot, const IndexSpan& p_span);
   void CopyColors(const IndexSpan& p_span, std::uint64_t p_start);
-  void ReplaceColors(const ColorAtlas::Instance& p_instance, const IndexSpan& p_unshifted, std::uint64_t p_start);
+  void ReplaceColors(const AtlasTree::Instance& p_instance, const IndexSpan& p_unshifted, std::uint64_t p_start);
   void OverwritePixelSpan(std::uint64_t p_start, QRgb p_color, std::uint64_t p_count);
 
   unsigned int _shift = 0;
-  std::vector<IndexSpan> _open; ///< the placed spans of the instanced colours whose sub-trees are being visited
 };
 
 void ColorAtlasImpl::InstanceCoordinateMapper::ProcessInstances(std::uint32_t p_slot, const IndexSpan& p_span) {
-  const std::int64_t width = _image.Width();
+  const std::int64_t width = _image.MaxWidth();
   const std::int64_t length = LengthOf(p_span);
   const Pixel first = PixelOf(p_span.first, _image);
   const Pixel last = PixelOf(p_span.last, _image);
@@ -200,17 +182,13 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ProcessInstances(std::uint32_t p_
   // Half a row is not short enough here, although MoveToNextRow moves spans of exactly half a row: both are meant.
   const bool oneRow = first.y == last.y && length < width / 2;
 
-  const unsigned int id = _atlas._ids[p_slot];
-  const auto dataIt = _atlas._instanceData.find(id);
-  if (!VEK_ENSURE_TEXT(dataIt != _atlas._instanceData.end(), "dataIt != _instanceData.end()",
-                       ProcessInstancesSignature))
+  const AtlasTree::Color& color = _tree.colors[p_slot];
+  if (!VEK_ENSURE_TEXT(color.firstInstance < color.endInstance, "dataIt != _instanceData.end()",
+                       Signature::ProcessInstances))
     return;
   std::int64_t dx = 0;
   std::int64_t dy = 0;
-  for (const unsigned int instanceId : dataIt->second) {
-    const auto mapIt = _atlas._instances.find(instanceId);
-    if (!VEK_ENSURE_TEXT(mapIt != _atlas._instances.end(), "mapIt != _instances.end()", ProcessInstancesSignature))
-      continue;
+  for (std::size_t i = color.firstInstance; i < color.endInstance; ++i) {
     if (!oneRow) { // as many rows lower, in the same columns
       _shift += static_cast<unsigned int>(width * rows);
       dy += rows;
@@ -223,26 +201,24 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ProcessInstances(std::uint32_t p_
       dx += length;
     }
     const std::uint64_t start = static_cast<std::uint64_t>((first.y + dy) * width + first.x + dx);
-    ColorAtlas::Instance& instance = mapIt->second;
     CopyColors(p_span, start);
-    ReplaceColors(instance, _atlas._spans[p_slot], start);
-    VEK_ENSURE_TEXT(!instance.offset.Defined(), "!instance.Defined()", ProcessInstancesSignature);
-    instance.offset = Ogl::Vec2<unsigned int>{static_cast<unsigned int>(dx), static_cast<unsigned int>(dy)};
+    ReplaceColors(_tree.instances[i], *_spans[p_slot], start);
+    VEK_ENSURE_TEXT(!_tree.instances[i].placed, "!instance.Defined()", Signature::ProcessInstances);
+    _layout.offsets[i] = {static_cast<unsigned int>(dx), static_cast<unsigned int>(dy)};
   }
 }
 
 void ColorAtlasImpl::InstanceCoordinateMapper::CopyColors(const IndexSpan& p_span, std::uint64_t p_start) {
   for (std::uint64_t i = 0, length = LengthOf(p_span); i < length; ++i) {
     const Pixel destPixel = PixelOf(p_start + i, _image);
-    if (VEK_ENSURE_TEXT(destPixel.y < static_cast<unsigned int>(_image.MaxHeight()), "destPixel.y < _image.MaxHeight()",
-                        CopyColorsSignature))
+    if (VEK_ENSURE_TEXT(destPixel.y < _image.MaxHeight(), "destPixel.y < _image.MaxHeight()", Signature::CopyColors))
       _image.WriteUniquePixel(destPixel, _image.ColorOf(PixelOf(p_span.first + i, _image)));
   }
 }
 
 /// Paints the runs of the replaced colours over a copy. Sub-trees are nested or apart, so a sweep over the runs in the
 /// order of their starts paints each texel once, with the deepest replacement that covers it.
-void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const ColorAtlas::Instance& p_instance,
+void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const AtlasTree::Instance& p_instance,
                                                              const IndexSpan& p_unshifted, std::uint64_t p_start) {
   struct Run {
     std::uint64_t first;
@@ -251,29 +227,29 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const ColorAtlas::I
   };
   std::vector<Run> runs;
   const unsigned int base = p_unshifted.first;
-  for (const auto& [id, color] : p_instance.colors) {
-    const std::uint32_t slot = _atlas.SlotOf(id);
-    const bool placed = slot != ColorAtlas::NoSlot && _atlas._nodes[slot].coords.Defined();
-    if (!VEK_ENSURE_TEXT(placed, "node.coords.Defined()", ProcessInstancesSignature))
+  for (const auto& [id, color] : *p_instance.replacements) {
+    const std::uint32_t slot = _tree.ColorSlot(id);
+    const bool placed = slot != AtlasTree::NoSlot && _layout.runs[slot];
+    if (!VEK_ENSURE_TEXT(placed, "node.coords.Defined()", Signature::ProcessInstances))
       continue;
-    const IndexSpan subcolor = _atlas._spans[slot];
-    if (VEK_ENSURE(subcolor.first >= base, ProcessInstancesSignature) &&
-        VEK_ENSURE_TEXT(subcolor.last <= p_unshifted.last, "subcolor.last <= last", ProcessInstancesSignature))
+    const IndexSpan subcolor = *_spans[slot];
+    if (VEK_ENSURE(subcolor.first >= base, Signature::ProcessInstances) &&
+        VEK_ENSURE_TEXT(subcolor.last <= p_unshifted.last, "subcolor.last <= last", Signature::ProcessInstances))
       runs.push_back({subcolor.first - base, std::uint64_t{subcolor.last} - base + 1, color.rgba()});
   }
   std::sort(runs.begin(), runs.end(), [](const Run& p_a, const Run& p_b) { return p_a.first < p_b.first; });
 
-  std::vector<Run> open; // the runs around the place of the sweep, the deepest last
-  std::uint64_t place = 0;
+  std::vector<Run> open; // the runs around the position of the sweep, the deepest last
+  std::uint64_t position = 0;
   const auto sweepTo = [&](std::uint64_t p_end) {
-    for (; !open.empty() && place < p_end;) {
+    for (; !open.empty() && position < p_end;) {
       const std::uint64_t end = std::min(p_end, open.back().end);
-      OverwritePixelSpan(p_start + place, open.back().color, end - place);
-      place = end;
-      while (!open.empty() && open.back().end <= place)
+      OverwritePixelSpan(p_start + position, open.back().color, end - position);
+      position = end;
+      while (!open.empty() && open.back().end <= position)
         open.pop_back();
     }
-    place = std::max(place, p_end);
+    position = std::max(position, p_end);
   };
   for (const Run& run : runs) {
     sweepTo(run.first);
@@ -287,23 +263,27 @@ void ColorAtlasImpl::InstanceCoordinateMapper::OverwritePixelSpan(std::uint64_t 
                                                                   std::uint64_t p_count) {
   for (std::uint64_t i = 0; i < p_count; ++i) {
     const Pixel next = PixelOf(p_start + i, _image);
-    if (VEK_ENSURE_TEXT(next.y < static_cast<unsigned int>(_image.MaxHeight()), "next.y < _image.MaxHeight()",
-                        OverwriteSignature))
+    if (VEK_ENSURE_TEXT(next.y < _image.MaxHeight(), "next.y < _image.MaxHeight()", Signature::OverwritePixelSpan))
       _image.OverwritePixel(next, p_color);
   }
 }
 
 void ColorAtlasImpl::NumberColors() {
-  SpanBuilder builder(_atlas);
-  Walk(_atlas._plainRoots, builder);
-  Walk(_atlas._instancedRoots, builder);
+  _spans.assign(_tree.colors.size(), std::nullopt);
+  SpanBuilder builder(*this);
+  Walk(_tree.plainRoots, builder);
+  Walk(_tree.instancedRoots, builder);
 }
 
-void ColorAtlasImpl::MapColors(ImageBuilder& p_image) {
-  CoordinateMapper plain(_atlas, p_image);
-  Walk(_atlas._plainRoots, plain);
-  InstanceCoordinateMapper instanced(_atlas, p_image);
-  Walk(_atlas._instancedRoots, instanced);
+AtlasLayout ColorAtlasImpl::MapColors(ImageBuilder& p_image) const {
+  AtlasLayout layout;
+  layout.runs.resize(_tree.colors.size());
+  layout.offsets.resize(_tree.instances.size());
+  CoordinateMapper plain(*this, p_image, layout);
+  Walk(_tree.plainRoots, plain);
+  InstanceCoordinateMapper instanced(*this, p_image, layout);
+  Walk(_tree.instancedRoots, instanced);
+  return layout;
 }
 
 } // namespace Vek::Chart::Library::Private

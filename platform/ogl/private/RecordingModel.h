@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ogl/RecordingGl.h"
+#include "platform/ogl/private/GlDefaults.h"
 #include "platform/ogl/private/RecordingMatrices.h"
 
 #include <algorithm>
@@ -15,26 +16,9 @@
 
 namespace Vek::Chart::Ogl::Recording {
 
-/// Every GL function, doing nothing and returning 0; object names that should come back are 0.
-struct Defaults {
-#define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \
-  p_result p_name p_parameters {                                                                                       \
-    Nothing p_arguments;                                                                                               \
-    return static_cast<p_result>(0);                                                                                   \
-  }
-#include "platform/ogl/GlFunctionList.h"
-
-private:
-  template <class... Arguments>
-  void Nothing(const Arguments&...) {}
-  void Nothing(int p_count, unsigned int* p_names) {
-    std::fill_n(p_names, std::max(0, p_count), 0U);
-  }
-};
-
-/// What `RecordingGl` knows of a context. Functions of GL that it simulates hide those of Defaults; every other one
+/// What `RecordingGl` knows of a context. Functions of GL that it simulates hide those of GlDefaults; every other one
 /// passes without effect.
-class Model : public Defaults {
+class Model : public GlDefaults {
 public:
   // Immediate mode.
   void Begin(GlEnum p_mode);
@@ -99,6 +83,7 @@ public:
   void TexParameteri(GlEnum p_target, GlEnum p_name, int p_value);
   void TexEnvi(GlEnum, GlEnum p_name, int p_value) { Set(p_name, {double(p_value)}); }
   void PixelStorei(GlEnum p_name, int p_value) { Set(p_name, {double(p_value)}); }
+  void PixelTransferf(GlEnum p_name, float p_value) { Set(p_name, {double(p_value)}); }
   void TexImage2D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_border,
                   GlEnum p_format, GlEnum p_type, const void* p_pixels);
   void TexImage3D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_depth,

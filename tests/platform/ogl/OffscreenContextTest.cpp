@@ -136,4 +136,23 @@ TEST(OffscreenContextPixels, WithoutADriverTheErrorSaysWhatToInstall) {
               "No off-screen GL context: .*needs the packages libegl1, libegl-mesa0 and libgl1-mesa-dri");
 }
 
+// In a process of its own, too: the rasteriser reads the variables once.
+TEST(OffscreenContextPixels, FunctionsThatTheContextLacksAreReportedAndDoNothing) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const auto mapOnOldGl = [] {
+    setenv("MESA_GL_VERSION_OVERRIDE", "2.1", 1);
+    setenv("MESA_EXTENSION_OVERRIDE", "-GL_ARB_map_buffer_range -GL_ARB_draw_instanced", 1);
+    const Ogl::OffscreenContext context({9, 3});
+    const Scope gl(context.Handle());
+    for (int i = 0; i < 2; ++i)
+      if (gl->MapBufferRange(RGL_ARRAY_BUFFER, 0, 1, RGL_MAP_WRITE_BIT) != nullptr)
+        std::exit(1);
+    gl->DrawArraysInstanced(RGL_POINTS, 0, 1, 1);
+    std::exit(gl->CheckError("test") ? 3 : 2);
+  };
+  EXPECT_EXIT(mapOnOldGl(), testing::ExitedWithCode(3),
+              "^WARNING: glMapBufferRange needs GL 3.0 or GL_ARB_map_buffer_range; the current context has GL 2.1.*\n"
+              "WARNING: glDrawArraysInstanced needs GL 3.1 or GL_ARB_draw_instanced; [^\n]*\n$");
+}
+
 } // namespace

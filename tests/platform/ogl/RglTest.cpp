@@ -26,6 +26,26 @@ TEST(Rgl, OnlyTheOutermostScopeSwitchesContexts) {
   EXPECT_EQ(broken.ScopeDepth(), 0U);
 }
 
+// A host's table with holes: named once, and harmless to call.
+TEST(Rgl, MissingFunctionsAreNamed) {
+  const boost::shared_ptr<Ogl::GlFunctions> table(new Ogl::GlFunctions(Ogl::NativeGl()));
+  table->MapBufferRange = nullptr;
+  table->GenTextures = nullptr;
+  table->NewQuadric = nullptr;
+  ReportCapture reports;
+  const Rgl holed(table);
+  EXPECT_EQ(reports.Texts(),
+            Lines{"WARNING: Rgl: the function table lacks glGenTextures glMapBufferRange gluNewQuadric"});
+  EXPECT_EQ(holed.MapBufferRange(RGL_ARRAY_BUFFER, 0, 1, RGL_MAP_WRITE_BIT), nullptr);
+  EXPECT_EQ(holed.NewQuadric(), nullptr);
+  EXPECT_FALSE(holed.GenTexture());
+  reports.Clear();
+  const Rgl none(nullptr);
+  EXPECT_EQ(none.GetError(), RGL_NO_ERROR);
+  EXPECT_FALSE(none.Features().Supported(Ogl::DeviceFeatures::FeatureVolumeTextures));
+  EXPECT_EQ(reports.Texts().size(), 1U);
+}
+
 class RglCalls : public RecordingScopeFixture {
 public:
   const ReportCapture reports;
@@ -145,9 +165,10 @@ TEST_F(RglCalls, NullAndNamelessObjectsAreReportedAndHarmless) {
 TEST_F(RglCalls, VersionsAndFeaturesAreReadFromTheDevice) {
   using Features = Ogl::DeviceFeatures;
   const Features::Feature floats = Features::FeatureFloatTextures, instancing = Features::FeatureInstancing,
-                          srgb = Features::FeatureSrgbFrameBuffer, volumes = Features::FeatureVolumeTextures;
-  const std::set<Features::Feature> all = {
-      floats, instancing, srgb, volumes, Features::FeatureFrameBufferObject, Features::FeatureMultisampleFrameBuffer};
+                          srgb = Features::FeatureSrgbFrameBuffer, volumes = Features::FeatureVolumeTextures,
+                          frameBuffers = Features::FeatureFrameBufferObject,
+                          multisample = Features::FeatureMultisampleFrameBuffer;
+  const std::set<Features::Feature> all = {floats, instancing, srgb, volumes, frameBuffers, multisample};
   const struct {
     const char* version;
     const char* extensions;
@@ -161,6 +182,9 @@ TEST_F(RglCalls, VersionsAndFeaturesAreReadFromTheDevice) {
       {"2.1 x", " GL_ARB_texture_float  GL_EXT_framebuffer_sRGB ", {2, 1, 0}, {volumes, floats, srgb}},
       {"2.1", "GL_ARB_draw_instanced GL_ARB_framebuffer_objects", {2, 1, 0}, {volumes}}, // half, and a longer name
       {"2.1", "GL_ARB_instanced_arrays GL_ARB_draw_instanced", {2, 1, 0}, {volumes, instancing}},
+      {"3.0", "", {3, 0, 0}, {volumes, floats, srgb, frameBuffers, multisample}},
+      {"3.2", "", {3, 2, 0}, {volumes, floats, srgb, frameBuffers, multisample}}, // instancing from 3.3 on
+      {"3.3", "", {3, 3, 0}, all},
       {"10.2 (Compatibility Profile) Mesa 22.3.6", "", {10, 2, 0}, all},
   };
   for (const auto& row : cases) {
@@ -173,6 +197,9 @@ TEST_F(RglCalls, VersionsAndFeaturesAreReadFromTheDevice) {
     for (const Features::Feature feature : all)
       EXPECT_EQ(deviceGl->Features().Supported(feature), row.features.count(feature) != 0) << "feature " << feature;
   }
+  recorder.Fail("GetString"); // as without a current context: not taken for the device's answer
+  EXPECT_FALSE(gl->Features().Supported(volumes));
+  EXPECT_TRUE(gl->Features().Supported(volumes));
   recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {12345});
   EXPECT_EQ(gl->GetMaxTextureSize(), 12345);
 }
