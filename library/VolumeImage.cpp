@@ -1,7 +1,9 @@
 #include "library/VolumeImage.h"
 
-#include "library/private/memory/HugePages.h"
 #include "library/private/io/TextArrayLoader.h"
+#include "library/private/memory/HugePages.h"
+
+#include <boost/make_shared.hpp>
 
 #include <array>
 #include <stdexcept>
@@ -10,17 +12,22 @@ namespace Vek::Chart::Library {
 
 namespace {
 
-const char* const InitializeSignature =
-    "void __cdecl Vek::Chart::Library::VolumeImage::Initialize(enum Vek::Chart::Library::VolumeImage::VoxelFormat,"
-    "unsigned __int64,unsigned __int64,unsigned __int64)";
-const char* const LoadFromFileSignature =
-    "class boost::shared_ptr<class Vek::Chart::Library::VolumeImage> __cdecl "
-    "Vek::Chart::Library::VolumeImage::LoadFromFile(const class vekfile::filepath &,"
-    "enum Vek::Chart::Library::VolumeImage::FileType)";
+#define VEK_CLASS "Vek::Chart::Library::VolumeImage"
+
+namespace Signature {
+constexpr const char* Initialize = "void __cdecl " VEK_CLASS "::Initialize(enum " VEK_CLASS
+                                   "::VoxelFormat,unsigned __int64,unsigned __int64,unsigned __int64)";
+constexpr const char* LoadFromFile = "class boost::shared_ptr<class " VEK_CLASS "> __cdecl " VEK_CLASS
+                                     "::LoadFromFile(const class vekfile::filepath &,enum " VEK_CLASS "::FileType)";
+constexpr const char* At = "unsigned char *__cdecl " VEK_CLASS "Data::At(unsigned __int64)";
+constexpr const char* AtConst = "const unsigned char *__cdecl " VEK_CLASS "Data::At(unsigned __int64) const";
+} // namespace Signature
+
+#undef VEK_CLASS
 
 constexpr std::size_t LargestVoxel = 16;
 
-/// What a voxel that is not there reads as; a new one for each that asks for it.
+/// Zeros in place of a missing voxel; what callers wrote before is gone.
 unsigned char* Nowhere() {
   alignas(float) thread_local std::array<unsigned char, LargestVoxel> nowhere;
   nowhere.fill(0);
@@ -35,29 +42,38 @@ std::uint64_t Product(std::uint64_t p_a, std::uint64_t p_b) {
   return p_a * p_b;
 }
 
-/// The result for a file type without a loader.
-boost::shared_ptr<VolumeImage> RefuseFileType() {
-  VEK_SENTRY(LoadFromFileSignature, 302);
-  VEK_ENSURE_TEXT(false, "loader", LoadFromFileSignature);
-  return {};
+bool HasVoxel(const VolumeImageData& p_data, std::uint64_t p_index, const char* p_signature) {
+  const std::uint64_t voxels = p_data._voxelSizeBytes == 0 ? 0 : p_data._rawBytes.size() / p_data._voxelSizeBytes;
+  return VEK_ENSURE_AT(p_index < voxels, "p_index*_voxelSizeBytes < _rawBytes.size()", p_signature,
+                       {{}, 0, {}, p_index, voxels});
+}
+
+/// Calls the loader of the file type, which takes the source and a function that makes the volume.
+template <class Source>
+boost::shared_ptr<VolumeImage> Load(Source& p_source, VolumeImage::FileType p_type) {
+  if (p_type != VolumeImage::TextArray) {
+    vekdebug::detail where;
+    where.value = p_type;
+    VEK_SENTRY_AT(Signature::LoadFromFile, 302, where);
+    VEK_ENSURE_AT(false, "loader", Signature::LoadFromFile, where);
+    return {};
+  }
+  boost::shared_ptr<VolumeImage> volume;
+  Private::LoadTextArray(p_source, [&volume](std::uint64_t p_size0, std::uint64_t p_size1, std::uint64_t p_size2) {
+    volume = boost::make_shared<VolumeImage>(VolumeImage::Byte1, p_size0, p_size1, p_size2);
+    return volume->Bytes().data();
+  });
+  return volume;
 }
 
 } // namespace
 
 unsigned char* VolumeImageData::At(std::uint64_t p_index) {
-  const bool there = _voxelSizeBytes != 0 && p_index < _rawBytes.size() / _voxelSizeBytes;
-  if (VEK_ENSURE_TEXT(there, "p_index*_voxelSizeBytes < _rawBytes.size()",
-                      "unsigned char *__cdecl Vek::Chart::Library::VolumeImageData::At(unsigned __int64)"))
-    return _rawBytes.data() + p_index * _voxelSizeBytes;
-  return Nowhere();
+  return HasVoxel(*this, p_index, Signature::At) ? _rawBytes.data() + p_index * _voxelSizeBytes : Nowhere();
 }
 
 const unsigned char* VolumeImageData::At(std::uint64_t p_index) const {
-  const bool there = _voxelSizeBytes != 0 && p_index < _rawBytes.size() / _voxelSizeBytes;
-  if (VEK_ENSURE_TEXT(there, "p_index*_voxelSizeBytes < _rawBytes.size()",
-                      "const unsigned char *__cdecl Vek::Chart::Library::VolumeImageData::At(unsigned __int64) const"))
-    return _rawBytes.data() + p_index * _voxelSizeBytes;
-  return Nowhere();
+  return HasVoxel(*this, p_index, Signature::AtConst) ? _rawBytes.data() + p_index * _voxelSizeBytes : Nowhere();
 }
 
 VolumeImage::VolumeImage() = default;
@@ -86,17 +102,19 @@ void VolumeImage::Initialize(VoxelFormat p_format, std::uint64_t p_size0, std::u
   const std::uint64_t slice = Product(p_size0, p_size1);
   const std::uint64_t count = Product(slice, p_size2);
   const std::size_t bytes = static_cast<std::size_t>(Product(count, voxelSizeBytes));
+  Private::ReserveLarge(_data._rawBytes, bytes); // may throw; nothing after it does, but a sink
 
   if (known) {
     _channels = layout.channels;
     _precision = layout.precision;
   } else {
-    VEK_SENTRY(InitializeSignature, 280);
+    vekdebug::detail where;
+    where.value = p_format;
+    VEK_SENTRY_AT(Signature::Initialize, 280, where);
   }
-  VEK_ENSURE(_channels.Defined(), InitializeSignature);
-  VEK_ENSURE(_precision.Defined(), InitializeSignature);
+  VEK_ENSURE(_channels.Defined(), Signature::Initialize);
+  VEK_ENSURE(_precision.Defined(), Signature::Initialize);
 
-  Private::ReserveLarge(_data._rawBytes, bytes);
   _data._rawBytes.resize(bytes);
   _data._voxelSizeBytes = voxelSizeBytes;
   _data._size0 = p_size0;
@@ -111,11 +129,11 @@ void VolumeImage::Clear() {
 }
 
 boost::shared_ptr<VolumeImage> VolumeImage::LoadFromFile(const vekfile::filepath& p_path, FileType p_type) {
-  return p_type == TextArray ? Private::LoadTextArray(p_path) : RefuseFileType();
+  return Load(p_path, p_type);
 }
 
 boost::shared_ptr<VolumeImage> VolumeImage::LoadFromStream(std::istream& p_stream, FileType p_type) {
-  return p_type == TextArray ? Private::LoadTextArray(p_stream) : RefuseFileType();
+  return Load(p_stream, p_type);
 }
 
 } // namespace Vek::Chart::Library

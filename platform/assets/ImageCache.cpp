@@ -2,9 +2,29 @@
 
 #include "platform/debug/Check.h"
 
+#include <QFile>
+#include <QImageReader>
+
+#include <cstdio>
 #include <utility>
 
 namespace Vek::Chart::Assets {
+
+namespace {
+
+/// Reads an image from the path's bytes, which Qt's names cannot always hold.
+QImage ReadImage(const vekfile::filepath& p_path) {
+  const QString name = QString::fromStdString(p_path.str());
+  if (QFile::encodeName(name).toStdString() == p_path.str())
+    return QImage(name);
+  std::FILE* const opened = std::fopen(p_path.str().c_str(), "rb");
+  QFile file(name); // by its name for the ending only
+  if (opened == nullptr || !file.open(opened, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+    return QImage();
+  return QImageReader(&file).read();
+}
+
+} // namespace
 
 ImageCache::ImageCache() = default;
 ImageCache::~ImageCache() = default;
@@ -13,9 +33,7 @@ const QImage& ImageCache::Image(const vekfile::filepath& p_file) {
   const auto found = _images.find(p_file.str());
   if (found != _images.end())
     return found->second;
-  QImage image;
-  if (p_file.valid())
-    image.load(QString::fromStdString(p_file.str()));
+  QImage image = p_file.valid() ? ReadImage(p_file) : QImage();
   const QImage& kept = _images.emplace(p_file.str(), std::move(image)).first->second;
   if (kept.isNull())
     vekdebug::warn("Assets::ImageCache::Image: cannot read \"" + p_file.str() + "\"");

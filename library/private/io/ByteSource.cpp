@@ -34,6 +34,7 @@ std::size_t ByteSource::Refill(std::size_t p_count) {
   } else {
     std::memmove(_window.get(), Data(), _end - _next);
   }
+  _passed += _next;
   _end -= _next;
   _next = 0;
   while (_end < p_count && !_ended) {

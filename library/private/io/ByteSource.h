@@ -34,6 +34,8 @@ public:
   const unsigned char* Data() const { return _window.get() + _next; }
   /// Takes bytes that are available.
   void Take(std::size_t p_count) { _next += p_count; }
+  /// The number of bytes taken so far.
+  std::uint64_t Position() const { return _passed + _next; }
 
   /// How many bytes are left, at most `p_limit`. Where the stream cannot tell, it reads ahead as far as it must.
   std::uint64_t Remaining(std::uint64_t p_limit);
@@ -48,6 +50,7 @@ private:
   std::istream& _stream;
   std::size_t _size = WindowSize;
   std::unique_ptr<unsigned char[]> _window; ///< not initialised: most of it stays untouched by a small stream
+  std::uint64_t _passed = 0; ///< bytes in front of the window
   std::size_t _next = 0;
   std::size_t _end = 0;
   bool _ended;

@@ -1,6 +1,7 @@
 #include "library/private/io/RgbeFloats.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 #if defined(__GNUC__) && defined(__x86_64__)
@@ -14,8 +15,8 @@ namespace Vek::Chart::Library::Private {
 
 namespace {
 
-/// 2^(e − 128) for an exponent byte e, put together from its bits; 0 for e = 0. For e = 1 it is below the normal
-/// numbers. Products with it are exact, like those with a power that is multiplied up from 2.
+/// 2^(e − 128) for an exponent byte e, composed from its bits; subnormal for e = 1, 0 for e = 0. Products with it are
+/// exact, like products with a power computed by repeated squaring.
 VEK_ALWAYS_INLINE float Power(unsigned char p_exponent) {
   const std::uint32_t exponent = p_exponent;
   const std::uint32_t bits = exponent > 1 ? (exponent - 1) << 23 : exponent << 22;
@@ -24,41 +25,40 @@ VEK_ALWAYS_INLINE float Power(unsigned char p_exponent) {
   return power;
 }
 
-/// Without branches or tables, so that the compiler works on several pixels at once.
+/// Has no branches and no tables, so that the compiler vectorises the loop.
 template <std::size_t Stride>
-VEK_ALWAYS_INLINE void Convert(const RgbeBytes& p_bytes, std::size_t p_count, HdrImage::Rgb32F* __restrict p_pixels) {
+VEK_ALWAYS_INLINE void Convert(const RgbeBytes& p_bytes, std::size_t p_count, float* __restrict p_pixels) {
   const unsigned char* const red = p_bytes.red;
   const unsigned char* const green = p_bytes.green;
   const unsigned char* const blue = p_bytes.blue;
   const unsigned char* const exponent = p_bytes.exponent;
   for (std::size_t x = 0; x < p_count; ++x) {
     const float power = Power(exponent[Stride * x]);
-    p_pixels[x].red = static_cast<float>(red[Stride * x]) * 0.00390625f * power;
-    p_pixels[x].green = static_cast<float>(green[Stride * x]) * 0.00390625f * power;
-    p_pixels[x].blue = static_cast<float>(blue[Stride * x]) * 0.00390625f * power;
+    p_pixels[3 * x] = static_cast<float>(red[Stride * x]) * 0.00390625f * power;
+    p_pixels[3 * x + 1] = static_cast<float>(green[Stride * x]) * 0.00390625f * power;
+    p_pixels[3 * x + 2] = static_cast<float>(blue[Stride * x]) * 0.00390625f * power;
   }
 }
 
-using Converter = void (*)(const RgbeBytes&, std::size_t, HdrImage::Rgb32F*);
+using Converter = void (*)(const RgbeBytes&, std::size_t, float*);
 
 template <std::size_t Stride>
-void ConvertAnywhere(const RgbeBytes& p_bytes, std::size_t p_count, HdrImage::Rgb32F* p_pixels) {
+void ConvertAnywhere(const RgbeBytes& p_bytes, std::size_t p_count, float* p_pixels) {
   Convert<Stride>(p_bytes, p_count, p_pixels);
 }
 
 #ifdef VEK_HAS_AVX2_CLONES
 template <std::size_t Stride>
-__attribute__((target("avx2"))) void ConvertByAvx2(const RgbeBytes& p_bytes, std::size_t p_count,
-                                                   HdrImage::Rgb32F* p_pixels) {
+__attribute__((target("avx2"))) void ConvertByAvx2(const RgbeBytes& p_bytes, std::size_t p_count, float* p_pixels) {
   Convert<Stride>(p_bytes, p_count, p_pixels);
 }
 #endif
 
-/// The same code, for the instructions that the processor has.
+/// The function compiled for the processor's instructions.
 template <std::size_t Stride>
 Converter BestConverter() {
 #ifdef VEK_HAS_AVX2_CLONES
-  if (__builtin_cpu_supports("avx2"))
+  if (__builtin_cpu_supports("avx2") && std::getenv("VEK_NO_AVX2") == nullptr)
     return &ConvertByAvx2<Stride>;
 #endif
   return &ConvertAnywhere<Stride>;
@@ -66,12 +66,12 @@ Converter BestConverter() {
 
 } // namespace
 
-void ConvertPlanes(const RgbeBytes& p_bytes, std::size_t p_count, HdrImage::Rgb32F* p_pixels) {
+void ConvertPlanes(const RgbeBytes& p_bytes, std::size_t p_count, float* p_pixels) {
   static const Converter Convert = BestConverter<1>();
   Convert(p_bytes, p_count, p_pixels);
 }
 
-void ConvertRecords(const unsigned char* p_records, std::size_t p_count, HdrImage::Rgb32F* p_pixels) {
+void ConvertRecords(const unsigned char* p_records, std::size_t p_count, float* p_pixels) {
   static const Converter Convert = BestConverter<4>();
   Convert({p_records, p_records + 1, p_records + 2, p_records + 3}, p_count, p_pixels);
 }

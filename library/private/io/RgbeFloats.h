@@ -1,14 +1,14 @@
 #pragma once
 
-#include "library/HdrImage.h"
-
 #include <cstddef>
 
 namespace Vek::Chart::Library::Private {
 
-// From the bytes of Radiance pixels to floats: mantissa / 256 × 2^(exponent − 128), and 0 for an exponent of 0.
+// Radiance pixels from bytes to floats, three a pixel: mantissa / 256 × 2^(exponent − 128), and 0 for an exponent of 0.
+// AVX2 is used where the processor has it, unless the environment variable VEK_NO_AVX2 is set when the first pixels are
+// converted. Results are the same.
 
-/// Where the bytes of the first pixel are; those of its neighbours follow.
+/// The bytes of the first pixel.
 struct RgbeBytes {
   const unsigned char* red;
   const unsigned char* green;
@@ -16,9 +16,9 @@ struct RgbeBytes {
   const unsigned char* exponent;
 };
 
-/// Pixels whose components are apart: the neighbour's byte is the next one.
-void ConvertPlanes(const RgbeBytes& p_bytes, std::size_t p_count, HdrImage::Rgb32F* p_pixels);
-/// Pixels as records of four bytes each.
-void ConvertRecords(const unsigned char* p_records, std::size_t p_count, HdrImage::Rgb32F* p_pixels);
+/// Converts pixels in separated components: the next pixel's byte is the next one.
+void ConvertPlanes(const RgbeBytes& p_bytes, std::size_t p_count, float* p_pixels);
+/// Converts pixels in records of four bytes.
+void ConvertRecords(const unsigned char* p_records, std::size_t p_count, float* p_pixels);
 
 } // namespace Vek::Chart::Library::Private

@@ -1,6 +1,7 @@
 #include "library/private/io/RgbeScanline.h"
 
 #include "library/private/io/RgbeFloats.h"
+#include "library/private/memory/HugePages.h"
 #include "platform/debug/Check.h"
 
 #include <algorithm>
@@ -13,19 +14,21 @@ namespace Vek::Chart::Library::Private {
 
 namespace {
 
-#define VEK_STREAM "class std::basic_istream<char,struct std::char_traits<char> > &"
-#define VEK_SCANLINE                                                                                                   \
-  "class std::vector<struct Vek::Chart::Library::HdrImage::Rgbe8,class std::allocator<struct "                         \
-  "Vek::Chart::Library::HdrImage::Rgbe8> > &"
+#define VEK_ARGUMENTS                                                                                                  \
+  "(class std::basic_istream<char,struct std::char_traits<char> > &,class std::vector<struct "                         \
+  "Vek::Chart::Library::HdrImage::Rgbe8,class std::allocator<struct Vek::Chart::Library::HdrImage::Rgbe8> > &)"
 
-const char* const ComponentRunSignature =
-    "void __cdecl Vek::Chart::Library::HdrImage::DecodeComponentRun(" VEK_STREAM "," VEK_SCANLINE ")";
-const char* const PixelRunSignature =
-    "void __cdecl Vek::Chart::Library::HdrImage::DecodePixelRun(" VEK_STREAM "," VEK_SCANLINE ")";
+namespace Signature {
+constexpr const char* DecodeComponentRun =
+    "void __cdecl Vek::Chart::Library::HdrImage::DecodeComponentRun" VEK_ARGUMENTS;
+constexpr const char* DecodePixelRun = "void __cdecl Vek::Chart::Library::HdrImage::DecodePixelRun" VEK_ARGUMENTS;
+} // namespace Signature
 
-/// What a code of separated components stands for at most.
+#undef VEK_ARGUMENTS
+
+/// The most bytes that one code of a separated component yields.
 constexpr std::size_t LongestCode = 128;
-static_assert(LongestCode <= ByteSource::Slack, "literals are copied in one piece of that size");
+static_assert(LongestCode <= ByteSource::Slack, "literals are copied in pieces of that size");
 
 bool IsPixelRunCode(const unsigned char* p_record) {
   return p_record[0] == 1 && p_record[1] == 1 && p_record[2] == 1;
@@ -41,13 +44,13 @@ std::uint32_t Word(const unsigned char* p_record) {
   return word;
 }
 
-/// How many records stand in front of the first run code, of p_count records.
+/// The number of records before the first run code, at most p_count.
 std::size_t CountPlain(const unsigned char* p_records, std::size_t p_count) {
   constexpr unsigned char MaskBytes[] = {255, 255, 255, 0};
   constexpr unsigned char CodeBytes[] = {1, 1, 1, 0};
   const std::uint32_t mask = Word(MaskBytes);
   const std::uint32_t code = Word(CodeBytes);
-  constexpr std::size_t Block = 64; // without a way out, so that the compiler looks at several records at once
+  constexpr std::size_t Block = 64; // a loop without exits, so that the compiler vectorises it
   std::size_t plain = 0;
   for (; p_count - plain >= Block; plain += Block) {
     unsigned int codes = 0;
@@ -61,17 +64,15 @@ std::size_t CountPlain(const unsigned char* p_records, std::size_t p_count) {
   return plain;
 }
 
-/// Takes a run code and those behind it, which are the higher bytes of its count, even where they stand in front of the
-/// next scanline.
-std::size_t TakeRunCount(ByteSource& p_source) {
-  std::uint32_t count = p_source.Data()[3];
-  p_source.Take(4);
-  for (unsigned int shift = 8; p_source.Prepare(4) >= 4 && IsPixelRunCode(p_source.Data()); shift += 8) {
-    if (VEK_ENSURE(shift <= 24, PixelRunSignature))
-      count |= static_cast<std::uint32_t>(p_source.Data()[3]) << shift;
-    p_source.Take(4);
+void FillPixels(float* p_pixels, std::size_t p_count, const float* p_pixel) {
+  const float red = p_pixel[0];
+  const float green = p_pixel[1];
+  const float blue = p_pixel[2];
+  for (float* at = p_pixels; at != p_pixels + 3 * p_count; at += 3) {
+    at[0] = red;
+    at[1] = green;
+    at[2] = blue;
   }
-  return count;
 }
 
 /// All other widths are flat.
@@ -81,28 +82,34 @@ bool MayBeSeparated(std::size_t p_width) {
 
 } // namespace
 
-RgbeScanline::RgbeScanline(std::size_t p_width)
+RgbeScanline::RgbeScanline(std::size_t p_width, const vekdebug::detail& p_where)
     : _width(p_width)
-    , _planes(MayBeSeparated(p_width) ? 4 * p_width + LongestCode : 0) {}
+    , _where(p_where)
+    , _planes(MayBeSeparated(p_width) ? 4 * p_width + LongestCode : 0) {
+  _where.index = 0;
+}
 
-/// Throws unless so many values fit behind the position.
+/// Throws unless p_count values fit after the position.
 void RgbeScanline::CheckRoom(std::size_t p_position, std::size_t p_count) const {
   if (p_count > _width - p_position)
     throw std::out_of_range("HdrImage: a run of " + std::to_string(p_count) + " at position " +
-                            std::to_string(p_position) + " of a scanline of " + std::to_string(_width));
+                            std::to_string(p_position) + " of a scanline of " + std::to_string(_width) + " (" +
+                            vekdebug::detail_text(_where) + ")");
 }
 
-bool RgbeScanline::Decode(ByteSource& p_source, HdrImage::Rgb32F* p_pixels) {
+bool RgbeScanline::Decode(ByteSource& p_source, float* p_pixels) {
   const bool separated =
       MayBeSeparated(_width) && p_source.Prepare(4) >= 4 && IsComponentRunScanlineHeader(p_source.Data());
   const bool complete = separated ? DecodeComponentRun(p_source, p_pixels) : DecodePixelRun(p_source, p_pixels);
-  return VEK_ENSURE_TEXT(complete, "!p_stream.eof()", PixelRunSignature);
+  VEK_ENSURE_AT(complete, "!p_stream.eof()", Signature::DecodePixelRun, _where);
+  ++*_where.index;
+  return complete;
 }
 
-bool RgbeScanline::DecodeComponentRun(ByteSource& p_source, HdrImage::Rgb32F* p_pixels) {
+bool RgbeScanline::DecodeComponentRun(ByteSource& p_source, float* p_pixels) {
   const std::size_t scanlineWidth = p_source.Data()[2] * std::size_t{256} + p_source.Data()[3];
   p_source.Take(4);
-  VEK_ENSURE_TEXT(scanlineWidth == _width, "scanlineWidth == p_scanline.size()", ComponentRunSignature);
+  VEK_ENSURE_AT(scanlineWidth == _width, "scanlineWidth == p_scanline.size()", Signature::DecodeComponentRun, _where);
 
   unsigned char* const planes = _planes.data();
   unsigned char* const exponents = planes + 3 * _width;
@@ -110,19 +117,19 @@ bool RgbeScanline::DecodeComponentRun(ByteSource& p_source, HdrImage::Rgb32F* p_
   while (component < 4 && DecodeComponent(p_source, planes + component * _width))
     ++component;
   if (component < 3)
-    std::fill_n(exponents, _width, static_cast<unsigned char>(0)); // pixels whose exponent is missing are 0
+    std::fill_n(exponents, _width, static_cast<unsigned char>(0)); // without exponents: 0
   ConvertPlanes({planes, planes + _width, planes + 2 * _width, exponents}, _width, p_pixels);
   return component == 4;
 }
 
-/// Copies and fills pieces of LongestCode bytes, whatever the count: a fixed size takes a few instructions, and what is
-/// too much is overwritten by what follows. Components are decoded from front to back, and the last has room behind it.
+/// Copies and fills LongestCode bytes whatever the count is, since a fixed size takes few instructions. The bytes that
+/// follow overwrite the excess: components are decoded from front to back, and the last one has room for a code.
 bool RgbeScanline::DecodeComponent(ByteSource& p_source, unsigned char* p_component) {
   std::size_t position = 0;
   const unsigned char* at = p_source.Data();
   const unsigned char* last = at + p_source.Prepare(0);
   while (position < _width) {
-    if (static_cast<std::size_t>(last - at) <= LongestCode) { // the window may end within the next code
+    if (static_cast<std::size_t>(last - at) <= LongestCode) { // the next code may cross the window's end
       p_source.Take(static_cast<std::size_t>(at - p_source.Data()));
       const std::size_t available = p_source.Prepare(LongestCode + 1);
       at = p_source.Data();
@@ -154,27 +161,40 @@ bool RgbeScanline::DecodeComponent(ByteSource& p_source, unsigned char* p_compon
   return position == _width;
 }
 
-bool RgbeScanline::DecodePixelRun(ByteSource& p_source, HdrImage::Rgb32F* p_pixels) {
-  HdrImage::Rgb32F pixel; // the previous one; kept after a run, though no longer to be repeated
+/// Takes a run code and the codes after it, the higher bytes of its count, across the ends of scanlines.
+std::size_t RgbeScanline::TakeRunCount(ByteSource& p_source) const {
+  std::uint32_t count = p_source.Data()[3];
+  p_source.Take(4);
+  for (unsigned int shift = 8; p_source.Prepare(4) >= 4 && IsPixelRunCode(p_source.Data()); shift += 8) {
+    if (VEK_ENSURE_AT(shift <= 24, "shift <= 24", Signature::DecodePixelRun, _where))
+      count |= static_cast<std::uint32_t>(p_source.Data()[3]) << shift;
+    p_source.Take(4);
+  }
+  return count;
+}
+
+bool RgbeScanline::DecodePixelRun(ByteSource& p_source, float* p_pixels) {
+  static constexpr float Black[3] = {0, 0, 0};
+  const float* pixel = Black; // the last one that was no repetition
   bool previous = false;
   for (std::size_t position = 0; position < _width;) {
     const std::size_t available = p_source.Prepare(4) / 4;
     if (available == 0) {
-      std::fill_n(p_pixels + position, _width - position, HdrImage::Rgb32F());
+      ClearMemory(p_pixels + 3 * position, 3 * (_width - position) * sizeof(float));
       return false;
     }
     if (const std::size_t plain = CountPlain(p_source.Data(), std::min(available, _width - position)); plain != 0) {
-      ConvertRecords(p_source.Data(), plain, p_pixels + position);
+      ConvertRecords(p_source.Data(), plain, p_pixels + 3 * position);
       p_source.Take(4 * plain);
       position += plain;
-      pixel = p_pixels[position - 1];
+      pixel = p_pixels + 3 * (position - 1);
       previous = true;
       continue;
     }
-    VEK_ENSURE(previous, PixelRunSignature);
+    VEK_ENSURE_AT(previous, "previous", Signature::DecodePixelRun, _where);
     const std::size_t count = TakeRunCount(p_source);
     CheckRoom(position, count);
-    std::fill_n(p_pixels + position, count, pixel);
+    FillPixels(p_pixels + 3 * position, count, pixel);
     position += count;
     previous = false;
   }

@@ -1,31 +1,33 @@
 #pragma once
 
-#include "library/HdrImage.h"
 #include "library/private/io/ByteSource.h"
+#include "platform/debug/Logger.h"
 
 #include <cstddef>
 #include <vector>
 
 namespace Vek::Chart::Library::Private {
 
-/// Decodes the scanlines of a Radiance picture one by one into floating-point pixels.
+/// Decodes the scanlines of a Radiance image one by one into pixels of three floats.
 class RgbeScanline {
 public:
-  explicit RgbeScanline(std::size_t p_width);
+  /// Reports and exceptions carry `p_where`; its index is the scanline, from 0. The path must outlive the decoder.
+  RgbeScanline(std::size_t p_width, const vekdebug::detail& p_where);
 
-  /// Decodes the next scanline to `p_pixels`, as many as the width; all of them are set. False when the data end before
-  /// the scanline does; that is reported, and pixels that are not in the data are 0. Throws std::out_of_range when the
-  /// data go on behind the scanline's end; its pixels are not to be used then.
-  bool Decode(ByteSource& p_source, HdrImage::Rgb32F* p_pixels);
+  /// Decodes the next scanline and sets all its pixels. False where the data end too early: reports it, and missing
+  /// pixels are 0. Throws std::out_of_range where the data exceed the scanline, whose pixels are undefined then.
+  bool Decode(ByteSource& p_source, float* p_pixels);
 
 private:
-  bool DecodeComponentRun(ByteSource& p_source, HdrImage::Rgb32F* p_pixels);
+  bool DecodeComponentRun(ByteSource& p_source, float* p_pixels);
   bool DecodeComponent(ByteSource& p_source, unsigned char* p_component);
-  bool DecodePixelRun(ByteSource& p_source, HdrImage::Rgb32F* p_pixels);
+  bool DecodePixelRun(ByteSource& p_source, float* p_pixels);
+  std::size_t TakeRunCount(ByteSource& p_source) const;
   void CheckRoom(std::size_t p_position, std::size_t p_count) const;
 
   std::size_t _width;
-  std::vector<unsigned char> _planes; ///< the four components of a scanline, one behind the other, and room for a code
+  vekdebug::detail _where;
+  std::vector<unsigned char> _planes; ///< the four components of a scanline in a row, and room for one code
 };
 
 } // namespace Vek::Chart::Library::Private

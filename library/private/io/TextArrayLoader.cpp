@@ -1,33 +1,63 @@
 #include "library/private/io/TextArrayLoader.h"
 
 #include "library/private/io/ByteSource.h"
-#include "library/private/memory/HugePages.h"
 #include "library/private/io/NumberText.h"
+#include "library/private/memory/HugePages.h"
 #include "platform/debug/Check.h"
-
-#include <boost/make_shared.hpp>
 
 #include <algorithm>
 #include <fstream>
 #include <limits>
 #include <locale>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <string_view>
 
 namespace Vek::Chart::Library::Private {
 
 namespace {
 
-const char* const LoadSignature = "class boost::shared_ptr<class Vek::Chart::Library::VolumeImage> __cdecl "
-                                  "Vek::Chart::Library::Private::TextArrayLoader::Load(const class vekfile::filepath &,"
-                                  "enum Vek::Chart::Library::VolumeImage::DataPrecision)";
+namespace Signature {
+constexpr const char* Load = "class boost::shared_ptr<class Vek::Chart::Library::VolumeImage> __cdecl "
+                             "Vek::Chart::Library::Private::TextArrayLoader::Load(const class vekfile::filepath &,"
+                             "enum Vek::Chart::Library::VolumeImage::DataPrecision)";
+} // namespace Signature
 
-// Places in the loader that are reported.
+// Lines that reports name.
 constexpr int NoSizes = 161;
 constexpr int SizesOverflow = 217;
 constexpr int FileTooShort = 221;
 
-/// The first line, as it stands in the file: the word and the extents of channels and voxels.
+// Bounds that no real file reaches; a file of another kind may have no blank at all.
+constexpr std::size_t LongestHeader = std::size_t{1} << 16;
+constexpr std::size_t LongestNumber = std::size_t{1} << 22;
+
+/// The bytes of a file, with the line that is read.
+class TextSource {
+public:
+  explicit TextSource(std::istream& p_stream)
+      : _bytes(p_stream) {}
+
+  /// At least `p_count` characters, fewer only at the end of the file.
+  std::string_view Prepare(std::size_t p_count) {
+    const std::size_t available = _bytes.Prepare(p_count);
+    return {reinterpret_cast<const char*>(_bytes.Data()), available};
+  }
+  void Take(std::size_t p_count) {
+    _line += static_cast<std::uint64_t>(std::count(_bytes.Data(), _bytes.Data() + p_count, '\n'));
+    _bytes.Take(p_count);
+  }
+  std::uint64_t Remaining(std::uint64_t p_limit) { return _bytes.Remaining(p_limit); }
+  /// The line of the next character, from 1.
+  std::uint64_t Line() const { return _line; }
+
+private:
+  ByteSource _bytes;
+  std::uint64_t _line = 1;
+};
+
+/// The word and the extents of channels and voxels, as `std::istream >>` reads them.
 struct Header {
   std::string word;
   std::int32_t s0 = 0;
@@ -36,15 +66,20 @@ struct Header {
   std::int32_t s2 = 0;
   bool complete = false;
 
-  explicit Header(std::istream& p_stream) {
-    const std::locale before = p_stream.imbue(std::locale::classic());
-    complete = static_cast<bool>(p_stream >> word >> s0 >> channels >> s1 >> s2);
-    p_stream.imbue(before);
+  explicit Header(TextSource& p_source) {
+    const std::string_view text = p_source.Prepare(LongestHeader + 1);
+    std::istringstream stream{std::string(text.substr(0, LongestHeader))};
+    stream.imbue(std::locale::classic());
+    complete = static_cast<bool>(stream >> word >> s0 >> channels >> s1 >> s2);
+    const bool cut = stream.eof() && text.size() > LongestHeader;
+    complete = complete && !cut;
+    if (complete)
+      p_source.Take(stream.eof() ? text.size() : static_cast<std::size_t>(stream.tellg()));
   }
 
   bool HasSizes() const { return complete && std::min({s0, channels, s1, s2}) >= 1; }
 
-  /// How many numbers follow; 0 when those are more than memory could ever hold.
+  /// The number of values; 0 when they exceed any memory.
   std::uint64_t CountNumbers() const {
     constexpr std::uint64_t Most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
     std::uint64_t count = 1;
@@ -57,10 +92,6 @@ struct Header {
   }
 };
 
-const char* Text(const ByteSource& p_source) {
-  return reinterpret_cast<const char*>(p_source.Data());
-}
-
 const char* SkipBlanks(const char* p_first, const char* p_last) {
   while (p_first != p_last && Scan::IsBlank(*p_first))
     ++p_first;
@@ -72,19 +103,21 @@ unsigned char ToByte(float p_value, float p_scale) {
   return static_cast<unsigned char>(scaled > 0.0 ? std::min(scaled, 255.0) : 0.0); // not a number: 0
 }
 
-/// Turns the numbers of a file into voxels: those of the first channel, by the largest of all. Numbers become bytes as
-/// soon as they are read, by the largest so far, while the processor still has them in its cache. Only those in front
-/// of the last change of the largest are converted again at the end.
-class Voxels {
+/// Reads the numbers of a file and converts those of the first channel to voxels, scaled by the largest of all.
+///
+/// Numbers are converted soon after they are read, while they are in the cache, with the largest so far; those before
+/// the last change of the largest are converted once more at the end.
+class NumberReader {
 public:
-  Voxels(ByteSource& p_source, std::size_t p_count, std::size_t p_channels, unsigned char* p_bytes);
+  NumberReader(TextSource& p_source, std::size_t p_count, std::size_t p_channels, unsigned char* p_voxels);
 
-  /// Reads the numbers. As soon as one fails, those behind it are 0; each that fails is reported, up to a number that
-  /// says enough about a file that was cut.
-  void Read();
+  /// Reads all numbers; a failed one and those after it are 0. Reports each failure, up to a limit.
+  void Read(std::string_view p_path);
 
 private:
   void ReadPlain();
+  bool ReadAny();
+  void ReportFailures(std::string_view p_path) const;
   void Append(float p_number) {
     _numbers[_read++] = p_number;
     _maximum = p_number > _maximum ? p_number : _maximum;
@@ -92,20 +125,21 @@ private:
   void ConvertNew();
   void Convert(std::size_t p_first, std::size_t p_last);
 
-  ByteSource& _source;
+  TextSource& _source;
   const std::size_t _count;
   const std::size_t _channels;
-  unsigned char* const _bytes;
+  unsigned char* const _voxels;
   std::unique_ptr<float[]> _numbers; ///< not initialised
   std::size_t _read = 0;
   float _maximum = -1e10f;
+  std::string _failed; ///< the start of the number that failed
 
   std::size_t _converted = 0;
-  std::size_t _settled = 0; ///< from here on, by the largest so far
+  std::size_t _settled = 0; ///< from here on converted with _convertedMaximum
   float _convertedMaximum = _maximum;
 };
 
-/// The value of a plain number that is all there in the text, and the place behind it; null otherwise.
+/// Reads a plain number that ends within the text; returns the position after it, or null.
 const char* PlainNumber(const char* p_first, const char* p_last, float& p_value) {
   if (p_last - p_first >= 8)
     if (const char* const end = Scan::TinyFloat(p_first, p_value))
@@ -114,46 +148,23 @@ const char* PlainNumber(const char* p_first, const char* p_last, float& p_value)
   return end == nullptr || end == p_last || *end == 'e' || *end == 'E' ? nullptr : end;
 }
 
-/// Reads a number of any kind. False when there is none, or none that can be read; p_number is then what a stream would
-/// make of it.
-bool ReadNumber(ByteSource& p_source, float& p_number) {
-  p_number = 0.0f;
-  while (const std::size_t available = p_source.Prepare(1)) {
-    const std::size_t blanks =
-        static_cast<std::size_t>(SkipBlanks(Text(p_source), Text(p_source) + available) - Text(p_source));
-    p_source.Take(blanks);
-    if (blanks < available)
-      break;
-  }
-  std::size_t length = 0;
-  for (std::size_t wanted = 1;; wanted = 2 * length) {
-    const std::size_t available = p_source.Prepare(wanted);
-    length = FloatTextLength({Text(p_source), available});
-    if (length < available || available < wanted)
-      break;
-  }
-  const bool taken = StreamFloatFromText({Text(p_source), length}, p_number);
-  p_source.Take(length);
-  return taken;
-}
-
-Voxels::Voxels(ByteSource& p_source, std::size_t p_count, std::size_t p_channels, unsigned char* p_bytes)
+NumberReader::NumberReader(TextSource& p_source, std::size_t p_count, std::size_t p_channels, unsigned char* p_voxels)
     : _source(p_source)
     , _count(p_count)
     , _channels(p_channels)
-    , _bytes(p_bytes) {
-  // No more than the file's bytes allow: two for each number, a digit and what stands between.
+    , _voxels(p_voxels) {
+  // No more than the file can hold: a number takes a digit and a separator.
   const std::size_t most = std::min(p_count, static_cast<std::size_t>(p_source.Remaining(2 * p_count) / 2 + 1));
   _numbers.reset(new float[most]);
   AdviseHugePages(_numbers.get(), most * sizeof(float));
 }
 
-/// Reads plain numbers as long as they are all there in the window, and stops in front of the first one that is not.
-void Voxels::ReadPlain() {
-  const char* const first = Text(_source);
-  const char* const last = first + _source.Prepare(0);
-  const char* at = first;
-  // Kept apart from the members, which the compiler would write for each number.
+/// Reads plain numbers up to the first other one, or to the end of the window.
+void NumberReader::ReadPlain() {
+  const std::string_view text = _source.Prepare(0);
+  const char* const last = text.data() + text.size();
+  const char* at = text.data();
+  // Locals, since the compiler would write the members for each number.
   std::size_t read = _read;
   float maximum = _maximum;
   while (read < _count) {
@@ -167,33 +178,63 @@ void Voxels::ReadPlain() {
   }
   _read = read;
   _maximum = maximum;
-  _source.Take(static_cast<std::size_t>(at - first));
+  _source.Take(static_cast<std::size_t>(at - text.data()));
 }
 
-void Voxels::Read() {
-  constexpr std::size_t MostReports = 1000;
+/// Reads a number of any kind, as a stream does. False when it fails.
+bool NumberReader::ReadAny() {
+  for (std::string_view text; !(text = _source.Prepare(1)).empty();) {
+    const char* const number = SkipBlanks(text.data(), text.data() + text.size());
+    const std::size_t blanks = static_cast<std::size_t>(number - text.data());
+    _source.Take(blanks);
+    if (blanks < text.size())
+      break;
+  }
+  std::string_view text;
+  std::size_t length = 0;
+  bool whole = false;
+  for (std::size_t wanted = 1; !whole && wanted <= LongestNumber; wanted = 2 * length) {
+    text = _source.Prepare(wanted);
+    length = FloatTextLength(text);
+    whole = length < text.size() || text.size() < wanted;
+  }
+  float number = 0.0f;
+  const bool read = whole && StreamFloatFromText(text.substr(0, length), number);
+  if (!read)
+    _failed = text.substr(0, 40);
+  _source.Take(length);
+  Append(number);
+  return read;
+}
+
+void NumberReader::Read(std::string_view p_path) {
   constexpr std::size_t WorthConverting = 4096;
   bool good = true;
   while (good && _read < _count) {
     ReadPlain();
-    if (_read < _count) {
-      float number;
-      good = ReadNumber(_source, number);
-      Append(number);
-    }
+    if (_read < _count)
+      good = ReadAny();
     if (_read - _converted >= WorthConverting)
       ConvertNew();
   }
   if (!good)
-    for (std::size_t failed = std::min(_count - _read + 1, MostReports); failed != 0; --failed)
-      VEK_ENSURE_TEXT(false, "file", LoadSignature);
-  if (_read < _count && _maximum < 0.0f) // numbers that are missing are 0
+    ReportFailures(p_path);
+  if (_read < _count && _maximum < 0.0f) // missing numbers are 0
     _maximum = 0.0f;
   ConvertNew();
   Convert(0, _settled);
 }
 
-void Voxels::ConvertNew() {
+/// Reports the number that failed and those after it, up to a limit that is enough for a cut file.
+void NumberReader::ReportFailures(std::string_view p_path) const {
+  constexpr std::size_t MostReports = 1000;
+  const std::size_t first = _read - 1;
+  const std::size_t last = std::min(_count, first + MostReports);
+  for (std::size_t index = first; index != last; ++index)
+    VEK_ENSURE_AT(false, "file", Signature::Load, {p_path, _source.Line(), _failed, index, _count});
+}
+
+void NumberReader::ConvertNew() {
   if (_maximum != _convertedMaximum)
     _settled = _converted;
   _convertedMaximum = _maximum;
@@ -201,53 +242,55 @@ void Voxels::ConvertNew() {
   _converted = _read;
 }
 
-void Voxels::Convert(std::size_t p_first, std::size_t p_last) {
+void NumberReader::Convert(std::size_t p_first, std::size_t p_last) {
   const float scale = static_cast<float>(1.0 / static_cast<double>(_maximum));
   if (_channels == 1) {
-    std::transform(_numbers.get() + p_first, _numbers.get() + p_last, _bytes + p_first,
+    std::transform(_numbers.get() + p_first, _numbers.get() + p_last, _voxels + p_first,
                    [scale](float p_value) { return ToByte(p_value, scale); });
     return;
   }
   for (std::size_t i = (p_first + _channels - 1) / _channels; i * _channels < p_last; ++i)
-    _bytes[i] = ToByte(_numbers[i * _channels], scale);
+    _voxels[i] = ToByte(_numbers[i * _channels], scale);
+}
+
+void Load(std::istream& p_stream, std::string_view p_path, const NewVolume& p_newVolume) {
+  TextSource source(p_stream);
+  const Header file(source);
+  const std::string& header = file.word;
+  VEK_ENSURE_AT(header == "TextArray", "header == \"TextArray\"", Signature::Load, {p_path, 0, header});
+  if (!file.HasSizes()) {
+    VEK_SENTRY_AT(Signature::Load, NoSizes, {p_path, source.Line()});
+    return;
+  }
+  const std::uint64_t count = file.CountNumbers();
+  if (count == 0) {
+    VEK_SENTRY_AT(Signature::Load, SizesOverflow, {p_path, source.Line()});
+    return;
+  }
+  const std::uint64_t leastBytes = 2 * count - 1; // a digit each, and separators
+  if (count > std::uint64_t{1} << 26 && source.Remaining(leastBytes) < leastBytes) {
+    VEK_SENTRY_AT(Signature::Load, FileTooShort, {p_path, source.Line(), {}, {}, count});
+    return;
+  }
+  unsigned char* const voxels = p_newVolume(static_cast<std::uint64_t>(file.s0), static_cast<std::uint64_t>(file.s1),
+                                            static_cast<std::uint64_t>(file.s2));
+  const std::size_t channels = static_cast<std::size_t>(file.channels);
+  NumberReader(source, static_cast<std::size_t>(count), channels, voxels).Read(p_path);
+  VEK_ENSURE_AT(channels == 1, "channels == 1", Signature::Load, {p_path, 0, {}, {}, channels});
 }
 
 } // namespace
 
-boost::shared_ptr<VolumeImage> LoadTextArray(const vekfile::filepath& p_filename) {
-  VEK_ENSURE(p_filename.valid(), LoadSignature);
-  VEK_ENSURE(vekfile::fileexists(p_filename), LoadSignature);
+void LoadTextArray(const vekfile::filepath& p_filename, const NewVolume& p_newVolume) {
+  const vekdebug::detail where{p_filename.str()};
+  VEK_ENSURE_AT(p_filename.valid(), "p_filename.valid()", Signature::Load, where);
+  VEK_ENSURE_AT(vekfile::fileexists(p_filename), "vekfile::fileexists(p_filename)", Signature::Load, where);
   std::ifstream file(p_filename.str());
-  return LoadTextArray(file);
+  Load(file, p_filename.str(), p_newVolume);
 }
 
-boost::shared_ptr<VolumeImage> LoadTextArray(std::istream& p_stream) {
-  const Header file(p_stream);
-  const std::string& header = file.word;
-  VEK_ENSURE(header == "TextArray", LoadSignature);
-  if (!file.HasSizes()) {
-    VEK_SENTRY(LoadSignature, NoSizes);
-    return {};
-  }
-  const std::uint64_t count = file.CountNumbers();
-  if (count == 0) {
-    VEK_SENTRY(LoadSignature, SizesOverflow);
-    return {};
-  }
-  ByteSource source(p_stream);
-  const std::uint64_t leastBytes = 2 * count - 1; // a digit each, and something between
-  if (count > std::uint64_t{1} << 26 && source.Remaining(leastBytes) < leastBytes) {
-    VEK_SENTRY(LoadSignature, FileTooShort);
-    return {};
-  }
-
-  auto volume =
-      boost::make_shared<VolumeImage>(VolumeImage::Byte1, static_cast<std::uint64_t>(file.s0),
-                                      static_cast<std::uint64_t>(file.s1), static_cast<std::uint64_t>(file.s2));
-  const std::size_t channels = static_cast<std::size_t>(file.channels);
-  Voxels(source, static_cast<std::size_t>(count), channels, volume->Bytes().data()).Read();
-  VEK_ENSURE(channels == 1, LoadSignature);
-  return volume;
+void LoadTextArray(std::istream& p_stream, const NewVolume& p_newVolume) {
+  Load(p_stream, {}, p_newVolume);
 }
 
 } // namespace Vek::Chart::Library::Private

@@ -2,8 +2,6 @@
 #include "platform/assets/Resource.h"
 #include "tests/support/Test.h"
 
-#include <QTemporaryDir>
-
 using namespace Vek::Chart::Assets;
 
 TEST(Resource, ImageFileIsTheNameInItsFolderWithTheEndingPng) {
@@ -16,7 +14,7 @@ namespace {
 
 class ImageCacheTest : public testing::Test {
 protected:
-  vekfile::filepath File(const std::string& p_name) const { return _folder.path().toStdString() + "/" + p_name; }
+  vekfile::filepath File(const std::string& p_name) const { return (_folder.Path() / p_name).string(); }
   void Save(const std::string& p_name, QColor p_color) const {
     QImage image(3, 5, QImage::Format_ARGB32);
     image.fill(p_color);
@@ -25,7 +23,7 @@ protected:
   static std::string Warning(const std::string& p_path) {
     return "WARNING: Assets::ImageCache::Image: cannot read \"" + p_path + "\"";
   }
-  QTemporaryDir _folder;
+  TempFolder _folder;
   ImageCache _cache;
 };
 
@@ -46,6 +44,18 @@ TEST_F(ImageCacheTest, ReadsAFileOnceAndKeepsItsAddress) {
   EXPECT_TRUE(_cache.Image(File("0.png")).isNull()) << "it came late";
   _cache.Clear();
   EXPECT_EQ(_cache.Image(File("red.png")).pixelColor(0, 0), QColor(Qt::blue));
+}
+
+TEST_F(ImageCacheTest, ReadsPathsThatAreNotUtf8) {
+  Save("red.png", Qt::red);
+  fs::rename(File("red.png").str(), File("caf\xe9.png").str());
+  EXPECT_EQ(_cache.Image(File("caf\xe9.png")).size(), QSize(3, 5));
+  const ReportCapture reports;
+  for (const std::string name : {"\xe9.png", "\xe9"}) {
+    fs::create_directory(File("\xe9").str());
+    EXPECT_TRUE(_cache.Image(File(name)).isNull());
+    EXPECT_EQ(reports.Texts().back(), Warning(File(name).str()));
+  }
 }
 
 TEST_F(ImageCacheTest, ABadFileIsANullImageAndOneWarning) {
