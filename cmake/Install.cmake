@@ -32,9 +32,9 @@ endforeach()
 install(DIRECTORY platform algorithms library DESTINATION ${header_dir} COMPONENT development
   FILES_MATCHING PATTERN "*.h" PATTERN private EXCLUDE)
 install(DIRECTORY data symbols sprites DESTINATION ${share_dir} COMPONENT data)
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${doc_dir} COMPONENT documentation)
+install(FILES README.md CONTRIBUTING.md CHANGELOG.md CREDITS.md LICENSE DESTINATION ${doc_dir} COMPONENT documentation)
 install(DIRECTORY docs DESTINATION ${doc_dir} COMPONENT documentation FILES_MATCHING PATTERN "*.md" PATTERN "*.png"
-  PATTERN man EXCLUDE)
+  PATTERN "*.jpg" PATTERN man EXCLUDE PATTERN snippets EXCLUDE)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${doc_dir} COMPONENT documentation
   OPTIONAL) # where the target vek-docs, or the test of the reference, has made it
 

@@ -147,7 +147,7 @@ std::size_t CountPixels(const Header& p_header, Private::ByteSource& p_source) {
 
 } // namespace
 
-struct HdrImage::State {
+struct VEK_HIDDEN HdrImage::State {
   int width = 0;
   int height = 0;
   std::vector<Rgb32F> pixels;

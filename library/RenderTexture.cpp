@@ -98,7 +98,7 @@ boost::shared_ptr<Ogl::RenderBuffer> MakeSamples(Utility::Scoped<Rgl>& p_gl, Typ
 
 } // namespace
 
-struct RenderTexture::State {
+struct VEK_HIDDEN RenderTexture::State {
   State(Types::Size p_size, ColorFormat p_format, Space p_space, int p_samples)
       : size(p_size)
       , format(Formats[p_format < Formats.size() ? p_format : Rgba8])

@@ -11,8 +11,11 @@ class VEK_PLATFORM_API TimeStamp {
 public:
   TimeStamp();
 
+  ///@{
+  /// Compares the moments.
   friend bool operator==(const TimeStamp& p_a, const TimeStamp& p_b) { return p_a._count == p_b._count; }
   friend bool operator!=(const TimeStamp& p_a, const TimeStamp& p_b) { return !(p_a == p_b); }
+  ///@}
 
 private:
   std::uint64_t _count;

@@ -24,9 +24,12 @@ public:
   /// The interface's name as it is written in code, for messages.
   std::string Name() const;
 
+  ///@{
+  /// Compares the types; the order is that of `std::type_index`.
   friend bool operator==(const InterfaceID& p_a, const InterfaceID& p_b) { return p_a._interface == p_b._interface; }
   friend bool operator!=(const InterfaceID& p_a, const InterfaceID& p_b) { return p_a._interface != p_b._interface; }
   friend bool operator<(const InterfaceID& p_a, const InterfaceID& p_b) { return p_a._interface < p_b._interface; }
+  ///@}
 
 private:
   std::type_index _interface;

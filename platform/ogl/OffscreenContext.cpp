@@ -63,7 +63,7 @@ Target MakeTarget(const Rgl& p_gl, Types::Size p_size, int p_samples, bool p_dep
 
 } // namespace
 
-struct OffscreenContext::State {
+struct VEK_HIDDEN OffscreenContext::State {
   explicit State(Types::Size p_size)
       : size(p_size)
       , handle(boost::make_shared<Rgl>(

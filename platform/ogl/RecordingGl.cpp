@@ -15,7 +15,7 @@
 
 namespace Vek::Chart::Ogl {
 
-struct RecordingGl::State {
+struct VEK_HIDDEN RecordingGl::State {
   /// Runs one call on the model (or its failure) and writes it down.
   template <class Run, class Refuse, class Arguments>
   auto Call(const Recording::Signature& p_signature, Run p_run, Refuse p_refuse, const Arguments& p_arguments) {

@@ -26,11 +26,12 @@ namespace Vek::Chart::Ogl {
 
 class BufferPool;
 
-/// The rendering interface of one GL context, and the only class that calls GL. It is used through a rendering scope:
+/// The rendering interface of one GL context, and the only class that calls GL. It is used through a rendering scope,
+/// `Utility::Scoped<Rgl>`.
 ///
-/// Two kinds of operations: those written out below take the project's value types; all GL functions of
+/// There are two kinds of operations. Those declared below take the project's value types. All GL functions of
 /// GlFunctionList.h are members as well, under GL's name without "gl" (`Enable`, `TexParameteri`, `ReadPixels`,
-/// `Sphere`, …), and do just what GL says. Rgl keeps no copy of any GL state, so the context may be shared with other
+/// `Sphere`, …), and behave as GL specifies. Rgl keeps no copy of any GL state, so the context may be shared with other
 /// code such as Qt's.
 ///
 /// Not thread-safe: to be called on the thread that owns the context.

@@ -38,6 +38,41 @@ if(NOT none EQUAL 1)
   message(SEND_ERROR "these hold a path of the machine that built them:\n${files}")
 endif()
 
+# What pages link to is there.
+file(GLOB_RECURSE pages ${prefix}/share/doc/vek-chart-library/*.md)
+foreach(page IN LISTS pages)
+  get_filename_component(folder ${page} DIRECTORY)
+  file(STRINGS ${page} lines REGEX "\\]\\([^)]+\\)")
+  string(REGEX MATCHALL "\\]\\([^)#]+" links "${lines}")
+  foreach(link IN LISTS links)
+    string(SUBSTRING "${link}" 2 -1 link)
+    if(NOT link MATCHES "^[a-z]+:" AND NOT EXISTS ${folder}/${link})
+      message(SEND_ERROR "${page} links to ${link}, which is not installed")
+    endif()
+  endforeach()
+endforeach()
+
+# The libraries export the project's names, without hidden state, and the exceptions that callers catch; nothing else.
+foreach(library vek-platform vek-chart-library)
+  execute_process(COMMAND nm -DC --defined-only ${prefix}/${LIB_DIR}/lib${library}.so COMMAND cut -c20-
+    OUTPUT_VARIABLE exported COMMAND_ERROR_IS_FATAL ANY)
+  file(WRITE ${WORK_DIR}/exported "${exported}")
+  string(APPEND all "${exported}")
+  execute_process(COMMAND grep -Ev
+    "^([A-Za-z-]+ )*(Vek|vekdebug|vekfile)::|^typeinfo (name )?for boost::(bad_|exception|wrapexcept)" ${WORK_DIR}/exported
+    OUTPUT_VARIABLE strays)
+  execute_process(COMMAND grep -E "^[^(]*::(State|Private)::" ${WORK_DIR}/exported OUTPUT_VARIABLE hidden)
+  if(NOT "${strays}${hidden}" STREQUAL "")
+    message(SEND_ERROR "${library} exports what is not meant for others:\n${strays}${hidden}")
+  endif()
+endforeach()
+foreach(name "vtable for vekdebug::sink" "typeinfo for vekdebug::sink" "typeinfo for boost::bad_lexical_cast")
+  string(FIND "${all}" "${name}\n" found)
+  if(found LESS 0)
+    message(SEND_ERROR "not exported: ${name}")
+  endif()
+endforeach()
+
 run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${WORK_DIR}/build -G ${GENERATOR} -DQT=${QT}
   -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCMAKE_PREFIX_PATH=${prefix})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)

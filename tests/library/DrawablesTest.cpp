@@ -42,7 +42,7 @@ Lines Outline(int p_left, int p_bottom, int p_right, int p_top) {
   return Corners("Color4d(0, 0, 0, 1); Begin(GL_LINE_LOOP); ", p_left, p_bottom, p_right, p_top);
 }
 
-/// What a quadric drawable
+/// The calls of a drawable that uses one quadric.
 Lines Quadric(int p_number, const std::string& p_style, const std::string& p_shape, const std::string& p_to = "1, 2, 3",
               const std::string& p_back = "-1, -2, -3") {
   const std::string quadric = "quadric" + std::to_string(p_number);
