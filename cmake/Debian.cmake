@@ -1,61 +1,73 @@
-# Debian packages, made by scripts/package: the libraries, what one builds against them, the files of glyphs and pictures,
-# the programs, and the documentation. What they depend on at run time is read from the binaries.
-set(VEK_MAINTAINER "Vek.Chart.Library maintainers <maintainers@example.org>" CACHE STRING "Whom the packages name")
+# Debian packages, made by scripts/package: libraries, development files, data, programs and documentation. Run-time
+# dependencies are read from the binaries.
+set(VEK_MAINTAINER "Vek.Chart.Library maintainers <maintainers@example.org>" CACHE STRING "Maintainer of the packages")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME vek-chart-library)
+# Nothing has been released: a tilde sorts before the release.
+set(debian_version ${PROJECT_VERSION}~dev)
+set(CPACK_PACKAGE_VERSION ${debian_version})
 set(CPACK_PACKAGE_CONTACT ${VEK_MAINTAINER})
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "building blocks for 3-D charts and scientific pictures")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "building blocks for 3-D charts and scientific images")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
 set(CPACK_COMPONENTS_ALL runtime development data programs documentation)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 
-file(WRITE ${PROJECT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/triggers)
+# What programs built against the libraries depend on, and the trigger that refreshes the loader's cache. CPack's own shlibs
+# come with maintainer scripts that do the same a second time.
+set(runtime libvek-chart-library${PROJECT_VERSION_MAJOR})
+set(control ${PROJECT_BINARY_DIR}/debian)
+file(WRITE ${control}/triggers "activate-noawait ldconfig\n")
+file(WRITE ${control}/shlibs "libvek-platform ${PROJECT_VERSION_MAJOR} ${runtime} (= ${debian_version})\n"
+  "libvek-chart-library ${PROJECT_VERSION_MAJOR} ${runtime} (= ${debian_version})\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${control}/triggers ${control}/shlibs)
 
-# Debian's own record of changes, which each package has; ours are in CHANGELOG.md.
-set(changelog ${PROJECT_BINARY_DIR}/changelog.Debian)
+# Debian's changelog, which each package has; the project's own is CHANGELOG.md.
+set(changelog ${PROJECT_BINARY_DIR}/changelog)
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
-file(WRITE ${changelog} "${CPACK_PACKAGE_NAME} (${PROJECT_VERSION}-1) unstable; urgency=medium\n
-  * Version ${PROJECT_VERSION}.\n
+file(WRITE ${changelog} "${CPACK_PACKAGE_NAME} (${debian_version}) unstable; urgency=medium\n
+  * Version ${debian_version}.\n
  -- ${VEK_MAINTAINER}  ${date}\n")
 execute_process(COMMAND gzip -9nf ${changelog} COMMAND_ERROR_IS_FATAL ANY)
 
-set(version "(= ${PROJECT_VERSION}-1)")
-set(runtime libvek-chart${PROJECT_VERSION_MAJOR})
+set(version "(= ${debian_version})")
 if(VEK_QT EQUAL 5)
   set(qt_dev qtbase5-dev)
 else()
   set(qt_dev qt6-base-dev)
 endif()
-# component, package, section, dependencies beside those of the binaries, and a description
+# The licence, and what comes from others.
+set(copyright ${PROJECT_BINARY_DIR}/copyright)
+file(READ LICENSE license)
+file(READ CREDITS.md credits)
+file(WRITE ${copyright} "${license}\n${credits}")
+
+# component, package, section, dependencies in addition to those of the binaries, description
 function(vek_debian_package component name section depends description)
   string(TOUPPER ${component} key)
   set(CPACK_DEBIAN_${key}_PACKAGE_NAME ${name} PARENT_SCOPE)
   set(CPACK_DEBIAN_${key}_PACKAGE_SECTION ${section} PARENT_SCOPE)
   set(CPACK_DEBIAN_${key}_PACKAGE_DEPENDS "${depends}" PARENT_SCOPE)
   set(CPACK_COMPONENT_${key}_DESCRIPTION "${description}" PARENT_SCOPE)
-  install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name} RENAME copyright COMPONENT ${component})
+  install(FILES ${copyright} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name} COMPONENT ${component})
   install(FILES ${changelog}.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name} COMPONENT ${component})
 endfunction()
 vek_debian_package(runtime ${runtime} libs ""
-  "The shared libraries.\n Colours, glyphs, models, volumes and cuts, turned into what OpenGL draws.")
+  "The shared libraries.\n Colours, glyphs, models, volumes and cuts, ready to be drawn with OpenGL.")
 vek_debian_package(development libvek-chart-dev libdevel
   "${runtime} ${version}, vek-chart-data ${version}, ${qt_dev}, libboost-dev"
-  "Development files.\n Headers, and what CMake and pkg-config need to find them.")
+  "Development files.\n Headers and the package files for CMake and pkg-config.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libvek-chart-doc)
 vek_debian_package(data vek-chart-data science ""
   "Models and data.\n Models of the built-in glyphs, point sprites, and the gallery's data sets.")
 vek_debian_package(programs vek-chart-examples science "${runtime} ${version}, vek-chart-data ${version}, libegl-mesa0"
-  "Gallery and viewer.\n Programs that draw all examples as pictures or in a window.")
+  "Gallery and viewer.\n Programs that draw all examples off-screen or in a window.")
 vek_debian_package(documentation libvek-chart-doc doc ""
   "Documentation.\n The reference of all public names, with examples and pictures.")
 foreach(component DATA DOCUMENTATION)

@@ -1,5 +1,5 @@
-# What is installed, and where: the libraries with what find_package(VekChartLibrary) and pkg-config need, the files that
-# glyphs and pictures are made of, the programs, and the documentation. Nothing that is installed knows where it lies.
+# Installs the libraries with the files for find_package(VekChartLibrary) and pkg-config, the models, sprites and data
+# sets, the programs, and the documentation. No installed file contains an absolute path.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -9,7 +9,7 @@ set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/vek-chart)
 set(share_dir ${CMAKE_INSTALL_DATADIR}/vek-chart-library)
 set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/vek-chart-library)
 
-# The libraries lie side by side, and programs find them from their own place.
+# Libraries lie side by side; programs find them relative to their own folder.
 set(lib_from_bin /${CMAKE_INSTALL_LIBDIR})
 cmake_path(RELATIVE_PATH lib_from_bin BASE_DIRECTORY /${CMAKE_INSTALL_BINDIR})
 set_target_properties(vek-platform vek-chart-library PROPERTIES INSTALL_RPATH $ORIGIN)
@@ -36,7 +36,7 @@ install(FILES README.md CONTRIBUTING.md CHANGELOG.md CREDITS.md LICENSE DESTINAT
 install(DIRECTORY docs DESTINATION ${doc_dir} COMPONENT documentation FILES_MATCHING PATTERN "*.md" PATTERN "*.png"
   PATTERN "*.jpg" PATTERN man EXCLUDE PATTERN snippets EXCLUDE)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${doc_dir} COMPONENT documentation
-  OPTIONAL) # where the target vek-docs, or the test of the reference, has made it
+  OPTIONAL) # made by the target vek-docs or the test Docs.Reference
 
 install(EXPORT VekChartLibraryTargets NAMESPACE Vek:: DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/VekChartLibraryConfig.cmake.in

@@ -84,5 +84,18 @@ run(make -s -C ${CMAKE_CURRENT_LIST_DIR} CXX=${COMPILER} OUT=${WORK_DIR}/make)
 check_output(${WORK_DIR}/make/consumer "${drawn}")
 
 if(EXAMPLES)
+  # A manual page names each option of its program.
+  foreach(program vek-gallery vek-viewer)
+    execute_process(COMMAND ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ${prefix}/bin/${program} --help
+      OUTPUT_VARIABLE help COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND gzip -dc ${prefix}/share/man/man1/${program}.1.gz COMMAND tr -d "\\\\" OUTPUT_VARIABLE page)
+    string(REGEX MATCHALL "\n  --[a-z]+" options "${help}")
+    foreach(option IN LISTS options ITEMS "--help")
+      string(STRIP "${option}" option)
+      if(NOT page MATCHES "${option}[ \n]")
+        message(SEND_ERROR "${program}(1) does not mention ${option}")
+      endif()
+    endforeach()
+  endforeach()
   check_output(${prefix}/bin/vek-gallery "symbols +\\.\\.\\. [0-9.]+ s" --only symbols --size 64x40 --out ${WORK_DIR}/out)
 endif()
