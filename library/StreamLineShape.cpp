@@ -16,7 +16,7 @@ using Vector3 = Types::Vector3_Base<double>;
 
 constexpr int NumTubeVertices = 12;
 
-// The right-hand normal of each edge, from a vertex to the next one round the closed outline.
+/// The right-hand normal of each edge, from a vertex to the next one around the closed outline.
 std::vector<Vector2> ComputeEdgeNormals(const std::vector<Vector2>& p_vertices) {
   std::vector<Vector2> normals(p_vertices.size());
   for (std::size_t i = 0; i < p_vertices.size(); ++i) {
@@ -27,7 +27,7 @@ std::vector<Vector2> ComputeEdgeNormals(const std::vector<Vector2>& p_vertices) 
   return normals;
 }
 
-// The mean of the normals of the two edges that meet in each vertex.
+/// The normalised mean of the normals of the two edges at each vertex.
 std::vector<Vector2> ComputeOutlineNormals(const std::vector<Vector2>& p_edgeNormals) {
   std::vector<Vector2> normals(p_edgeNormals.size());
   for (std::size_t i = 0; i < p_edgeNormals.size(); ++i) {
@@ -37,8 +37,7 @@ std::vector<Vector2> ComputeOutlineNormals(const std::vector<Vector2>& p_edgeNor
   return normals;
 }
 
-// Sets results[i] to p_place(x, y, 0) of the point i. The results lie apart from everything that is read, which makes
-// vectors of the loop.
+/// Sets results[i] to p_place(x, y, 0) of point i. The results do not alias the points, so that the loop is vectorised.
 template <class Place>
 void PlaceEach(const std::vector<Vector2>& p_points, Vector3* __restrict p_results, const Place& p_place) {
   const Vector2* const points = p_points.data();
@@ -79,7 +78,7 @@ bool StreamLineShape::OrientShape(double p_size, const Vector3& p_position, doub
   if (factor <= 0.0)
     return false;
 
-  const Vector3 position = p_position; // may lie in a vector that is resized now
+  const Vector3 position = p_position; // may be an element of a vector that is resized
   p_outVertices.resize(_vertices.size());
   p_outNormals.resize(_vertices.size());
   PlaceEach(_vertices, p_outVertices.data(),

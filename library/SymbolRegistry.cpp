@@ -10,6 +10,18 @@
 namespace Vek::Chart::Library {
 namespace {
 
+namespace Signature {
+#define VEK_CLASS "Vek::Chart::Library::SymbolRegistry::"
+#define VEK_LIST(p_element)                                                                                            \
+  "const class std::vector<struct " VEK_CLASS p_element ",class std::allocator<struct " VEK_CLASS p_element "> > &"
+constexpr const char* FindSymbol = "unsigned __int64 __cdecl " VEK_CLASS
+                                   "FindSymbol(" VEK_LIST("SymbolID") ",const enum Vek::Chart::Model::Symbol::Shape)";
+constexpr const char* FindHashedSymbol =
+    "unsigned __int64 __cdecl " VEK_CLASS "FindHashedSymbol(" VEK_LIST("HashID") ",const class vekfile::filepath &)";
+#undef VEK_LIST
+#undef VEK_CLASS
+} // namespace Signature
+
 // By shape; shapes 0 and 1 have no model.
 constexpr const char* ModelFiles[] = {
     nullptr,         nullptr,           "ArrowHead1D.obj", "Arrow1D.obj",  "ArrowHead2D.obj", "Arrow2D.obj",
@@ -70,22 +82,18 @@ void SymbolRegistry::LoadModel(const vekfile::filepath& p_path) {
 std::size_t SymbolRegistry::FindSymbol(const std::vector<SymbolID>& p_symbols, Model::Symbol::Shape p_shape) {
   const auto found = std::find_if(p_symbols.begin(), p_symbols.end(),
                                   [&](const SymbolID& p_entry) { return p_entry.shape == p_shape; });
-  const bool loaded = VEK_ENSURE_TEXT(
-      found != p_symbols.end(), "result != p_symbols.size() && \"No model loaded for this shape!\"",
-      "unsigned __int64 __cdecl Vek::Chart::Library::SymbolRegistry::FindSymbol(const class std::vector<struct "
-      "Vek::Chart::Library::SymbolRegistry::SymbolID,class std::allocator<struct "
-      "Vek::Chart::Library::SymbolRegistry::SymbolID> > &,const enum Vek::Chart::Model::Symbol::Shape)");
+  const bool loaded =
+      VEK_ENSURE_TEXT(found != p_symbols.end(), "result != p_symbols.size() && \"No model loaded for this shape!\"",
+                      Signature::FindSymbol);
   return loaded ? found->id : p_symbols.size();
 }
 
 std::size_t SymbolRegistry::FindHashedSymbol(const std::vector<HashID>& p_hashes, const vekfile::filepath& p_path) {
   const auto found = FindPath(p_hashes, p_path.str());
-  const bool loaded = VEK_ENSURE_TEXT(
-      found != p_hashes.end(),
-      "hashIndex < p_hashes.size() && \"No model loaded with this path, call LoadModel first.\"",
-      "unsigned __int64 __cdecl Vek::Chart::Library::SymbolRegistry::FindHashedSymbol(const class std::vector<struct "
-      "Vek::Chart::Library::SymbolRegistry::HashID,class std::allocator<struct "
-      "Vek::Chart::Library::SymbolRegistry::HashID> > &,const class vekfile::filepath &)");
+  const bool loaded =
+      VEK_ENSURE_AT(found != p_hashes.end(),
+                    "hashIndex < p_hashes.size() && \"No model loaded with this path, call LoadModel first.\"",
+                    Signature::FindHashedSymbol, {p_path.str()});
   return loaded ? found->id : 0;
 }
 

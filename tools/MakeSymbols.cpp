@@ -2,9 +2,8 @@
 //
 //     vek-make-symbols symbols
 //
-// The glyphs are those of VectorSymbol, so that a symbol looks the same drawn either way; the sphere with triangles of
-// even size and the torus are made here. Numbers are the shortest texts that read back as the same floats; the same
-// build writes the same bytes each time.
+// The glyphs are those of VectorSymbol. The sphere of equal triangles and the torus are built here. Numbers are written
+// as the shortest strings that read back as the same floats; the output is reproducible.
 
 #include "library/VectorSymbol.h"
 #include "platform/model/Symbol.h"
@@ -29,8 +28,8 @@ namespace {
 
 constexpr unsigned int Segments = 24; // around the round glyphs
 constexpr int SphereSubdivisions = 3; // 642 vertices
-constexpr double TorusRadius = 0.35;  // of the circle that the tube is bent to,
-constexpr double TubeRadius = 0.15;   // and of the tube: together the half of a unit
+constexpr double TorusRadius = 0.35;  // of the circle through the middle of the tube
+constexpr double TubeRadius = 0.15;   // both radii add up to half a unit
 constexpr unsigned int TorusSegments = 32;
 constexpr unsigned int TubeSegments = 16;
 
@@ -38,9 +37,9 @@ using Float3 = std::array<float, 3>;
 
 struct Mesh {
   std::vector<Float3> positions;
-  std::vector<Float3> normals; // one a position, or none
+  std::vector<Float3> normals; // one per position, or none
   std::vector<unsigned int> indices;
-  unsigned int corners = 3; // of a face; 2 for line segments
+  unsigned int corners = 3; // per face; 2 for line segments
 
   void AddVertex(const Vector& p_position, const Vector& p_normal) {
     positions.push_back(Narrowed(p_position));
@@ -74,7 +73,7 @@ Mesh Glyph(Model::Symbol::Shape p_shape) {
   return mesh;
 }
 
-// A unit sphere of triangles, made of an icosahedron whose triangles are divided into four again and again.
+// A unit sphere of triangles: an icosahedron whose triangles are repeatedly divided into four.
 class IcoSphere {
 public:
   explicit IcoSphere(int p_subdivisions) {
@@ -111,12 +110,12 @@ private:
     _triangles = std::move(finer);
     _middles.clear();
   }
-  // Neighbours share the point in the middle of their edge.
+  // Adjacent triangles share the midpoint of their edge.
   unsigned int Middle(unsigned int p_a, unsigned int p_b) {
-    const auto [place, added] = _middles.try_emplace(std::minmax(p_a, p_b), static_cast<unsigned int>(_points.size()));
-    if (added)
+    const auto [entry, isNew] = _middles.try_emplace(std::minmax(p_a, p_b), static_cast<unsigned int>(_points.size()));
+    if (isNew)
       _points.push_back(Normalize(_points[p_a] + _points[p_b]));
-    return place->second;
+    return entry->second;
   }
 
   std::vector<Vector> _points;
@@ -127,16 +126,16 @@ private:
 // A torus around the z axis.
 Mesh Torus() {
   Mesh mesh;
-  const double turn = 2 * std::acos(-1.0);
+  const double fullAngle = 2 * std::acos(-1.0);
   for (unsigned int i = 0; i < TorusSegments; ++i) {
-    const double u = turn * i / TorusSegments;
+    const double u = fullAngle * i / TorusSegments;
     const Vector outward(std::cos(u), std::sin(u), 0);
     for (unsigned int j = 0; j < TubeSegments; ++j) {
-      const double v = turn * j / TubeSegments;
+      const double v = fullAngle * j / TubeSegments;
       const Vector normal = outward * std::cos(v) + Vector(0, 0, std::sin(v));
       mesh.AddVertex(outward * TorusRadius + normal * TubeRadius, normal);
 
-      // The quad to the next ring and to the next vertex of the ring.
+      // The quad between this vertex, the next one and the next ring.
       const unsigned int ring = i * TubeSegments, nextRing = (i + 1) % TorusSegments * TubeSegments;
       const unsigned int next = (j + 1) % TubeSegments;
       mesh.indices.insert(mesh.indices.end(), {ring + j, nextRing + j, nextRing + next});

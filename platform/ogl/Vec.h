@@ -6,7 +6,7 @@
 
 namespace Vek::Chart::Ogl {
 
-// Plain component records: the elements of vertex arrays and GPU buffers. They hold their components and nothing else.
+// Plain component records: the elements of vertex arrays and GPU buffers, without padding.
 
 /// One component.
 template <class T>
@@ -43,11 +43,11 @@ constexpr bool operator==(const Vec3<T>& p_a, const Vec3<T>& p_b) {
 }
 ///@}
 
-/// One element of a vertex attribute: a component record and nothing else, with the record's members.
+/// One element of a vertex attribute: a component record, without padding.
 template <class T>
 struct Attribute : T {
   constexpr Attribute() = default; ///< zeros
-  /// The record.
+  /// Copies the record.
   constexpr Attribute(const T& p_value) // NOLINT: implicit, an attribute is its record
       : T(p_value) {}
 };
@@ -58,27 +58,27 @@ static_assert(std::is_trivially_copyable_v<Attribute<Vec3<float>>>);
 
 } // namespace Vek::Chart::Ogl
 
-/// In signatures.
+/// Type name used in report signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec1<T>> {
-  /// As it stands in a signature.
+  /// The name.
   static std::string Text() { return "class Vek::Chart::Ogl::Vec1<" + TypeName<T>::text() + ">"; }
 };
-/// In signatures.
+/// Type name used in report signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec2<T>> {
-  /// As it stands in a signature.
+  /// The name.
   static std::string Text() { return "class Vek::Chart::Ogl::Vec2<" + TypeName<T>::text() + ">"; }
 };
-/// In signatures.
+/// Type name used in report signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec3<T>> {
-  /// As it stands in a signature.
+  /// The name.
   static std::string Text() { return "class Vek::Chart::Ogl::Vec3<" + TypeName<T>::text() + ">"; }
 };
-/// In signatures. A template argument list that ends in '>' is closed after a blank.
+/// Type name used in report signatures. A template argument list that ends in '>' is closed after a blank.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Attribute<T>> {
-  /// As it stands in a signature.
+  /// The name.
   static std::string Text() { return "class Vek::Chart::Ogl::Attribute<" + TypeName<T>::Text() + " >"; }
 };

@@ -11,6 +11,15 @@
 namespace Vek::Chart::Ogl {
 namespace {
 
+namespace Signature {
+#define VEK_METHOD "void __cdecl Vek::Chart::Ogl::VertexData::"
+#define VEK_SCOPE "class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &"
+constexpr const char* Draw = VEK_METHOD "Draw(" VEK_SCOPE ") const";
+constexpr const char* DrawInstances = VEK_METHOD "Draw(" VEK_SCOPE ",unsigned int) const";
+#undef VEK_METHOD
+#undef VEK_SCOPE
+} // namespace Signature
+
 VertexData::Array MakeArray(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
                             VertexData::ComponentType p_type) {
   if (!p_data || p_count == 0)
@@ -45,7 +54,7 @@ std::optional<GlEnum> Mode(const Types::Property<VertexBuffer::PrimitiveType>& p
   return p_type.Defined() ? PrimitiveToken(p_type.Value()) : std::nullopt;
 }
 
-/// Whether GL takes such elements for a fixed vertex attribute.
+/// True if GL accepts such elements for a fixed vertex attribute.
 bool Drawable(const VertexData::Array& p_array, unsigned int p_least, unsigned int p_most) {
   return (p_array.type == VertexData::Float || p_array.type == VertexData::Double) && p_array.components >= p_least &&
          p_array.components <= p_most;
@@ -56,8 +65,7 @@ std::size_t Largest(const VertexData::Array& p_indices) {
   return *std::max_element(p_indices.As<T>(), p_indices.As<T>() + p_indices.count);
 }
 
-/// Whether all indices are below the end. They are looked at in each draw call, since their owner may have changed
-/// them.
+/// True if all indices are below the end. Checked in each draw call, since the owner may change them.
 bool IndicesBelow(const VertexData::Array& p_indices, std::size_t p_end) {
   switch (p_indices.type) {
   case VertexData::UnsignedByte:
@@ -71,7 +79,7 @@ bool IndicesBelow(const VertexData::Array& p_indices, std::size_t p_end) {
   }
 }
 
-/// Whether everything can be drawn; reports the first reason why not.
+/// True if the arrays can be drawn; reports the first reason otherwise.
 bool CheckArrays(const VertexData& p_data, const char* p_signature) {
   const VertexData::Array& vertices = p_data.Vertices();
   const VertexData::Array& normals = p_data.Normals();
@@ -111,8 +119,7 @@ void SetPointers(const Rgl& p_gl, const VertexData& p_data) {
 } // namespace
 
 void VertexData::Draw(Utility::Scoped<Rgl>& p_gl) const {
-  if (!CheckArrays(*this, "void __cdecl Vek::Chart::Ogl::VertexData::Draw(class Vek::Chart::Utility::Scoped<class "
-                          "Vek::Chart::Ogl::Rgl> &) const"))
+  if (!CheckArrays(*this, Signature::Draw))
     return;
   const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
   SetPointers(*p_gl, *this);
@@ -124,13 +131,10 @@ void VertexData::Draw(Utility::Scoped<Rgl>& p_gl) const {
 }
 
 void VertexData::Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const {
-  constexpr const char* Signature =
-      "void __cdecl Vek::Chart::Ogl::VertexData::Draw(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> "
-      "&,unsigned int) const";
-  if (p_instances == 0 || !CheckArrays(*this, Signature) ||
+  if (p_instances == 0 || !CheckArrays(*this, Signature::DrawInstances) ||
       !VEK_ENSURE_TEXT(p_instances <= static_cast<unsigned int>(std::numeric_limits<int>::max()),
-                       "p_instances <= INT_MAX", Signature) ||
-      !VEK_ENSURE(p_gl->Features().Supported(DeviceFeatures::FeatureInstancing), Signature))
+                       "p_instances <= INT_MAX", Signature::DrawInstances) ||
+      !VEK_ENSURE(p_gl->Features().Supported(DeviceFeatures::FeatureInstancing), Signature::DrawInstances))
     return;
   const boost::shared_ptr<void> arrays = ClientArrayScope(*p_gl);
   SetPointers(*p_gl, *this);

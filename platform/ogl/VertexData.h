@@ -14,11 +14,11 @@ namespace Vek::Chart::Ogl {
 
 class Rgl;
 
-/// Geometry in CPU memory, ready to be drawn: positions, normals, texture coordinates and indices, each an array handed
-/// over with shared ownership, and what the vertices (or the indices, when there are some) describe.
+/// Geometry in CPU memory: positions, normals, texture coordinates and indices, each an array with shared ownership,
+/// and the primitive type of the indices, or of the vertices if there are no indices.
 class VEK_PLATFORM_API VertexData {
 public:
-  /// The type of a scalar; the values are GL's.
+  /// The type of a scalar, with the value of the GL enumerant.
   enum ComponentType : GlEnum {
     UnsignedByte = 0x1401,  ///< 8 bits
     UnsignedShort = 0x1403, ///< 16 bits
@@ -27,27 +27,27 @@ public:
     Double = 0x140A         ///< double precision
   };
 
-  /// `count` elements of `components` scalars each, tightly packed. Empty (null data, count 0) until set.
+  /// `count` elements of `components` scalars each, tightly packed. Empty (null data, count 0) by default.
   struct Array {
-    boost::shared_ptr<const void> data; ///< the scalars, with shared ownership
-    std::size_t count = 0;              ///< elements
-    unsigned int components = 0;        ///< scalars an element
-    ComponentType type = Float;         ///< of the scalars
+    boost::shared_ptr<const void> data; ///< the scalars; shared
+    std::size_t count = 0;              ///< number of elements
+    unsigned int components = 0;        ///< scalars per element
+    ComponentType type = Float;         ///< type of the scalars
 
-    /// Whether there are no elements.
+    /// True if there are no elements.
     bool Empty() const { return count == 0; }
-    /// The scalars; T must be the type that `type` names.
+    /// The scalars; `type` must stand for T.
     template <class T>
     const T* As() const {
       return static_cast<const T*>(data.get());
     }
   };
 
-  /// No arrays; nothing is drawn.
+  /// No arrays.
   VertexData();
 
   ///@{
-  /// Replaces one array. An array without elements, or a null pointer, removes it.
+  /// Replaces one array. A null pointer or a count of 0 removes it.
   void SetVertices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
                    ComponentType p_type);
   void SetNormals(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
@@ -55,11 +55,11 @@ public:
   void SetTexCoords(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
                     ComponentType p_type);
   ///@}
-  /// Replaces the indices: one component an element, unsigned integers. None, or a null pointer, removes them.
+  /// Replaces the indices: unsigned integers, one component per element. A null pointer or a count of 0 removes them.
   void SetIndices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, ComponentType p_type);
 
   ///@{
-  /// One array, as it was set.
+  /// One array.
   const Array& Vertices() const { return _vertices; }
   const Array& Normals() const { return _normals; }
   const Array& TexCoords() const { return _texCoords; }
@@ -67,21 +67,22 @@ public:
   ///@}
 
   ///@{
-  /// What is drawn; not set in a new object. Assigning a different value, or the first one, marks it changed and set.
+  /// The primitive type; not defined in a new object. Assigning the first value or a different one marks it defined
+  /// and changed.
   Types::Property<VertexBuffer::PrimitiveType>& PrimitiveType() { return _primitiveType; }
   const Types::Property<VertexBuffer::PrimitiveType>& PrimitiveType() const { return _primitiveType; }
   ///@}
 
-  /// Draws from the arrays with GL's fixed vertex attributes: positions, normals, and texture coordinates on the active
-  /// client texture unit. Restores the client state that it changes. Nothing is drawn, and the reason reported, when
-  /// there are no positions, the primitive type is not decided, another array is shorter than the positions, or an
-  /// index names none.
-  /// Positions have 2 to 4 components, normals 3, texture coordinates 1 to 4, all of type Float or Double; other types
-  /// are reported as well. Arrays of other attributes take part as the caller has set them. No vertex array object may
-  /// be bound.
+  /// Draws with GL's fixed vertex attributes: positions, normals, and texture coordinates on the active client texture
+  /// unit. Restores the client state that it changes. Other client arrays stay enabled as the caller has set them. No
+  /// vertex array object may be bound.
+  ///
+  /// Positions must have 2 to 4 components, normals 3, texture coordinates 1 to 4, all of type Float or Double. Reports
+  /// and draws nothing if this does not hold, there are no positions, the primitive type is undecided, another array is
+  /// shorter than the positions, or an index is out of range.
   void Draw(Utility::Scoped<Rgl>& p_gl) const;
-  /// The same, `p_instances` times in one call; a vertex shader tells the instances apart. 0 draws nothing. A device
-  /// without instancing is reported.
+  /// Draws `p_instances` instances in one call, which a vertex shader distinguishes; 0 draws nothing. Also reports a
+  /// device without instancing.
   void Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const;
 
 private:

@@ -12,15 +12,15 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// Fills an array from front to back: directly, or, if it is too large for the caches, through a small buffer. From
-/// there whole cache lines go to memory without being read first, which triples the rate.
+/// Fills an array from front to back. An array that is too large for the caches is filled through a small buffer, which
+/// is written by non-temporal stores of whole cache lines; this triples the rate.
 template <class T>
 class StreamedArray {
 public:
-  /// The most elements that can be taken at a time.
+  /// The largest number of elements of one `Take`.
   static constexpr std::size_t Capacity = 8192 / sizeof(T);
 
-  /// `p_pastCaches`: the array is so large that keeping it out of the caches pays.
+  /// `p_pastCaches`: write past the caches.
   StreamedArray(T* p_target, bool p_pastCaches)
       : _target(p_target)
       , _pastCaches(p_pastCaches) {}
@@ -29,13 +29,13 @@ public:
       return;
     Flush(_fill);
 #if defined(__SSE2__)
-    _mm_sfence(); // what is stored next must not overtake it
+    _mm_sfence(); // orders the non-temporal stores before later ones
 #endif
   }
   StreamedArray(const StreamedArray&) = delete;
   StreamedArray& operator=(const StreamedArray&) = delete;
 
-  /// The next `p_count` elements, to be written before the next call.
+  /// Memory for the next `p_count` elements, which must be written before the next call.
   T* Take(std::size_t p_count) {
     if (!_pastCaches)
       return std::exchange(_target, _target + p_count);
@@ -49,7 +49,7 @@ public:
 private:
   static constexpr std::size_t Line = 64;
 
-  /// Moves out everything up to the last border between cache lines of the target.
+  /// Writes everything up to the last cache line boundary of the target.
   void FlushLines() {
     const std::size_t pastLine = reinterpret_cast<std::uintptr_t>(_target + _fill) % Line / sizeof(T);
     Flush(_fill - std::min(pastLine, _fill));

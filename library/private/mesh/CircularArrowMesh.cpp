@@ -38,7 +38,7 @@ Vector2 Direction(double p_degrees) {
   return {std::cos(radians), std::sin(radians)};
 }
 
-/// One stored outline point: where it is, and the outward normal of the wall there.
+/// One stored outline point, and the outward normal of the wall there.
 struct Entry {
   Vector2 position;
   Vector2 normal;
@@ -48,7 +48,7 @@ struct Entry {
 class Outline {
 public:
   Outline() {
-    const double backward = -90; // against the arrow's run, from the direction of a point
+    const double backward = -90; // from the direction of a point to the tangent against the arrow
     const double head = NeckAngle;
     for (int k = 0; k <= 8; ++k)
       AddArc(FirstAngle + k * OuterStep, OuterRadius, 1);
@@ -76,7 +76,7 @@ public:
 
   std::vector<Entry> entries;
 
-  // Places of entries that the faces are built from, in the run of the arrow from the tail to the neck.
+  // Indices of the entries of the faces, along the arrow from the tail to the neck.
   static int Outer(int p_step) { return (p_step + 28) % 30; } // 0: tail (entry 28 is its first), ..., 11: neck
   static int Inner(int p_step) { return 25 - p_step; }        // 0: tail, ..., 10: neck
   static constexpr int OuterBarb = 10, TipEntry = 12, InnerBarb = 13;
@@ -89,7 +89,7 @@ private:
   void AddArc(double p_degrees, double p_radius, double p_sign) {
     Add(Point(p_degrees, p_radius), Direction(p_degrees) * p_sign);
   }
-  /// Coordinates are kept to three decimals.
+  /// Rounds the coordinates to three decimals.
   void Add(const Vector2& p_position, const Vector2& p_normal) {
     entries.push_back({{std::round(p_position.x * 1000) / 1000, std::round(p_position.y * 1000) / 1000}, p_normal});
   }
@@ -99,7 +99,7 @@ private:
 std::vector<std::array<int, 3>> FaceTriangles() {
   std::vector<std::array<int, 3>> triangles;
   constexpr int OuterSteps = 11;
-  // The band between the arcs: a strip that always moves on along the side that lags behind.
+  // The band between the arcs: each triangle advances on the side that is behind.
   for (int i = 0, j = 0; i < OuterSteps || j < InnerSteps;) {
     const bool outerLags = j == InnerSteps || (i < OuterSteps && (i + 1) * InnerSteps <= (j + 1) * OuterSteps);
     if (outerLags) {

@@ -5,7 +5,7 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// A flat circular arrow that runs counter-clockwise around (0, 0.5) over three quarters of a turn: x from −0.499 to
+/// A flat circular arrow that runs counter-clockwise around (0, 0.5) over 270 degrees: x from −0.499 to
 /// 0.499, y from 0.011 to 0.95, z from 0 to 0.15. Closed; triangles run counter-clockwise seen from outside.
 ///
 /// The outline has 26 points. Each is stored four times (z = 0 with the wall's normal and with −z, z = 0.15 with the

@@ -1,7 +1,7 @@
 #include "library/private/mesh/GlyphTransform.h"
 
-// The loops are compiled for every processor and, where the compiler can choose at run time, once more for AVX2, which
-// gains a third. Both give the same bits: the operations are the same, and products are not fused.
+// The loops are compiled for the baseline processor and again for AVX2, chosen at run time, which gains a third. Both
+// give the same bits: the operations are the same, and products are not fused.
 #if defined(__GNUC__) && defined(__x86_64__)
 #define VEK_INLINE inline __attribute__((always_inline))
 #define VEK_AVX2 __attribute__((target("avx2")))
@@ -31,7 +31,7 @@ VEK_INLINE void Place(const VectorColumns& p_points, const GlyphPlacement& p_pla
   const double* const xs = p_points.x.data();
   const double* const ys = p_points.y.data();
   const double* const zs = p_points.z.data();
-  const std::size_t count = p_points.Count() / 4 * 4; // which it is, but the compiler has to know
+  const std::size_t count = p_points.Count() / 4 * 4; // no change; a hint for the vectoriser
   for (std::size_t i = 0; i < count; ++i) {
     const double x = xs[i] * factor;
     const double y = ys[i] * factor;

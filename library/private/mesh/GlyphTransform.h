@@ -8,18 +8,18 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// Vectors by component, filled up with zero vectors to a multiple of four, so that loops over them need no remainder.
+/// Vectors by component, padded with zero vectors to a multiple of four, so that loops have no remainder.
 struct VectorColumns {
   std::vector<double> x;
   std::vector<double> y;
   std::vector<double> z;
 
   explicit VectorColumns(const std::vector<Types::Vector3_Base<double>>& p_vectors);
-  /// With the filling.
+  /// The number of vectors, with padding.
   std::size_t Count() const { return x.size(); }
 };
 
-/// Where one copy of a glyph goes: rotation * ((p - (0, 0, shift)) * factor) + position.
+/// The transform of one copy of a glyph: rotation * ((p - (0, 0, shift)) * factor) + position.
 struct GlyphPlacement {
   const Types::Matrix3& rotation;
   const Types::Vector3_Base<double>& position;
