@@ -13,6 +13,19 @@ namespace Vek::Chart::Library {
 
 namespace {
 
+namespace Signature {
+#define VEK_SCALE "Vek::Chart::Library::ColorScale::"
+#define VEK_COLORS "const class std::vector<class QColor,class std::allocator<class QColor> > &"
+constexpr const char* FromRange = "__cdecl " VEK_SCALE "ColorScale(" VEK_COLORS ",double,double,enum " VEK_SCALE
+                                  "Spacing,const struct " VEK_SCALE "Outside &)";
+constexpr const char* FromBounds =
+    "__cdecl " VEK_SCALE "ColorScale(" VEK_COLORS
+    ",const class std::vector<double,class std::allocator<double> > &,const struct " VEK_SCALE "Outside &)";
+constexpr const char* MapFloats = "void __cdecl " VEK_SCALE "Map(const float *,unsigned __int64,unsigned char *) const";
+constexpr const char* MapDoubles =
+    "void __cdecl " VEK_SCALE "Map(const double *,unsigned __int64,unsigned char *) const";
+} // namespace Signature
+
 std::uint32_t Packed(const QColor& p_color) {
   const QRgb rgba = p_color.rgba();
   const unsigned char bytes[] = {static_cast<unsigned char>(qRed(rgba)), static_cast<unsigned char>(qGreen(rgba)),
@@ -35,7 +48,14 @@ std::vector<QColor> Texels(const ColorMap& p_map) {
   return texels;
 }
 
-/// More digits than double where there are any, so that a bound is the double next to the exact one.
+/// False for NaN and infinity, too. The list is not empty.
+bool Ascend(const std::vector<double>& p_bounds) {
+  const auto descent = [](double p_a, double p_b) { return !(p_a <= p_b); };
+  return std::adjacent_find(p_bounds.begin(), p_bounds.end(), descent) == p_bounds.end() &&
+         std::isfinite(p_bounds.front()) && std::isfinite(p_bounds.back());
+}
+
+/// Computed with more digits than double has, where the machine has them, so that a bound is rounded once.
 double Bound(long double p_lower, long double p_upper, bool p_logarithmic, std::size_t p_index, std::size_t p_count) {
   const auto i = static_cast<long double>(p_index), n = static_cast<long double>(p_count);
   return static_cast<double>(p_logarithmic ? p_lower * std::pow(p_upper / p_lower, i / n)
@@ -62,7 +82,7 @@ T RoundedUp(double p_number) {
   return nearest < p_number ? std::nextafter(nearest, Limits::infinity()) : nearest;
 }
 
-/// Where each class begins among the numbers of type T, and where the values above all classes do.
+/// The smallest T of each class, and the smallest T above all classes.
 template <class T>
 std::vector<T> Thresholds(const std::vector<double>& p_bounds) {
   std::vector<T> thresholds;
@@ -73,7 +93,8 @@ std::vector<T> Thresholds(const std::vector<double>& p_bounds) {
   return thresholds;
 }
 
-/// In the order of ValueBuckets: of NaN, below, the classes', above; without classes, that of NaN for all.
+/// In the order of ValueBuckets: the colours of NaN, below, the classes, above. Without classes, the colour of NaN for
+/// all.
 std::vector<std::uint32_t> PackedColors(const std::vector<QColor>& p_colors, const ColorScale::Outside& p_outside) {
   const auto orElse = [](const QColor& p_color, const QColor& p_other) {
     return Packed(p_color.isValid() ? p_color : p_other);
@@ -103,15 +124,12 @@ struct ColorScale::Tables {
 
 ColorScale::ColorScale(const std::vector<QColor>& p_colors, double p_lower, double p_upper, Spacing p_spacing,
                        const Outside& p_outside) {
-  const char* const signature =
-      "__cdecl Vek::Chart::Library::ColorScale::ColorScale(const class std::vector<class QColor,class "
-      "std::allocator<class QColor> > &,double,double,enum Vek::Chart::Library::ColorScale::Spacing,const struct "
-      "Vek::Chart::Library::ColorScale::Outside &)";
   const bool logarithmic = p_spacing == Logarithmic;
-  const bool sound = VEK_ENSURE(!p_colors.empty(), signature) &&
-                     VEK_ENSURE(std::isfinite(p_lower) && std::isfinite(p_upper), signature) &&
-                     VEK_ENSURE(p_lower < p_upper, signature) && (!logarithmic || VEK_ENSURE(p_lower > 0, signature));
-  _tables = sound ? std::make_shared<const Tables>(EvenBounds(p_lower, p_upper, logarithmic, p_colors.size()),
+  const bool valid = VEK_ENSURE(!p_colors.empty(), Signature::FromRange) &&
+                     VEK_ENSURE(std::isfinite(p_lower) && std::isfinite(p_upper), Signature::FromRange) &&
+                     VEK_ENSURE(p_lower < p_upper, Signature::FromRange) &&
+                     (!logarithmic || VEK_ENSURE(p_lower > 0, Signature::FromRange));
+  _tables = valid ? std::make_shared<const Tables>(EvenBounds(p_lower, p_upper, logarithmic, p_colors.size()),
                                                    PackedColors(p_colors, p_outside), logarithmic)
                   : std::make_shared<const Tables>(std::vector<double>(), PackedColors({}, p_outside), false);
 }
@@ -122,35 +140,22 @@ ColorScale::ColorScale(const ColorMap& p_map, double p_lower, double p_upper, Sp
 
 ColorScale::ColorScale(const std::vector<QColor>& p_colors, const std::vector<double>& p_bounds,
                        const Outside& p_outside) {
-  const char* const signature =
-      "__cdecl Vek::Chart::Library::ColorScale::ColorScale(const class std::vector<class QColor,class "
-      "std::allocator<class QColor> > &,const class std::vector<double,class std::allocator<double> > &,const struct "
-      "Vek::Chart::Library::ColorScale::Outside &)";
-  const auto ascend = [&] {
-    const auto descent = [](double p_a, double p_b) { return !(p_a <= p_b); };
-    return std::adjacent_find(p_bounds.begin(), p_bounds.end(), descent) == p_bounds.end() &&
-           std::isfinite(p_bounds.front()) && std::isfinite(p_bounds.back());
-  };
-  const bool sound = VEK_ENSURE(!p_colors.empty(), signature) &&
-                     VEK_ENSURE(p_bounds.size() == p_colors.size() + 1, signature) &&
-                     VEK_ENSURE_TEXT(ascend(), "p_bounds[i] <= p_bounds[i + 1]", signature);
-  _tables = sound ? std::make_shared<const Tables>(p_bounds, PackedColors(p_colors, p_outside), false)
+  const bool valid = VEK_ENSURE(!p_colors.empty(), Signature::FromBounds) &&
+                     VEK_ENSURE(p_bounds.size() == p_colors.size() + 1, Signature::FromBounds) &&
+                     VEK_ENSURE_TEXT(Ascend(p_bounds), "p_bounds[i] <= p_bounds[i + 1]", Signature::FromBounds);
+  _tables = valid ? std::make_shared<const Tables>(p_bounds, PackedColors(p_colors, p_outside), false)
                   : std::make_shared<const Tables>(std::vector<double>(), PackedColors({}, p_outside), false);
 }
 
 ColorScale::~ColorScale() = default;
 
 void ColorScale::Map(const float* p_values, std::size_t p_count, unsigned char* p_rgba) const {
-  if (VEK_ENSURE(p_count == 0 || (p_values != nullptr && p_rgba != nullptr),
-                 "void __cdecl Vek::Chart::Library::ColorScale::Map(const float *,unsigned __int64,unsigned char *) "
-                 "const"))
+  if (VEK_ENSURE(p_count == 0 || (p_values != nullptr && p_rgba != nullptr), Signature::MapFloats))
     _tables->floats.Map(p_values, p_count, p_rgba);
 }
 
 void ColorScale::Map(const double* p_values, std::size_t p_count, unsigned char* p_rgba) const {
-  if (VEK_ENSURE(p_count == 0 || (p_values != nullptr && p_rgba != nullptr),
-                 "void __cdecl Vek::Chart::Library::ColorScale::Map(const double *,unsigned __int64,unsigned char *) "
-                 "const"))
+  if (VEK_ENSURE(p_count == 0 || (p_values != nullptr && p_rgba != nullptr), Signature::MapDoubles))
     _tables->doubles.Map(p_values, p_count, p_rgba);
 }
 

@@ -12,67 +12,68 @@
 
 namespace Vek::Chart::Library {
 
-/// Turns values into colours, one or ten million in one call: cuts a range into classes, evenly, evenly in the
-/// logarithm or at given bounds, each with a colour, and has colours for values below and above it and for NaN.
+/// Maps values to colours, one value or an array in one call. A range is divided into classes, one for each colour: of
+/// equal width, of equal width in the logarithm, or by given bounds. Values below and above the range and NaN have
+/// colours of their own.
 ///
-/// The rule: n colours make n classes between n + 1 bounds. Class i has the values v with Bounds()[i] <= v and
-/// v < Bounds()[i + 1]; the last class has its upper bound, too. Values are compared as the exact numbers that they
-/// are, float or double; what is on a bound is never left to rounding. Bound i lies at lower + (upper - lower) i / n
-/// or, on a logarithmic scale, at lower (upper / lower)^(i / n), rounded to double; the outer bounds are the range as
-/// given. Smaller values, among them -infinity and, on a logarithmic scale, zero and everything negative, have the
-/// colour `below`; larger ones and infinity have `above`; NaN has `nan`.
+/// n colours make n classes between n + 1 bounds. Class i has the values v with Bounds()[i] <= v < Bounds()[i + 1]; the
+/// last class includes its upper bound. Values are compared exactly, floats and doubles alike: rounding never moves a
+/// value over a bound. Bound i lies at lower + (upper - lower) i / n or, on a logarithmic scale, at
+/// lower (upper / lower)^(i / n), rounded to double; the outer bounds are the range as given. Smaller values, among
+/// them -infinity and, on a logarithmic scale, zero and everything negative, have the colour `below`; larger ones and
+/// infinity have `above`; NaN has `nan`.
 ///
-/// With a `ColorMap` the classes are its texels: a value gets the texel that the bound texture shows for the coordinate
-/// (v - lower) / (upper - lower). `ColorMap::Color(double)` stretches its Size() - 1 leftmost texels over [0, 1), and
-/// may name the texel left of that one.
+/// With a `ColorMap` the classes are its texels: a value gets the texel that the bound texture shows at the coordinate
+/// (v - lower) / (upper - lower). `ColorMap::Color(double)` may yield the texel left of that one, since it divides
+/// [0, 1) into Size() - 1 texels.
 ///
-/// A scale never changes once it is made; copies share it, and several threads may use it at once.
+/// A scale never changes. Copies share its tables. Thread-safe.
 ///
-/// A range or list that makes no classes is reported, and all values have the colour `nan`: "!p_colors.empty()",
-/// "p_lower < p_upper", "p_lower > 0" on a logarithmic scale,
-/// "std::isfinite(p_lower) && std::isfinite(p_upper)".
+/// Errors: without valid classes all values have the colour `nan`. Reported as "!p_colors.empty()",
+/// "std::isfinite(p_lower) && std::isfinite(p_upper)", "p_lower < p_upper" or, on a logarithmic scale, "p_lower > 0".
 ///
 /// \snippet ColorSnippets.cpp ColorScale
 /// \image html colors.jpg
 /// \ingroup colours
 class VEK_LIBRARY_API ColorScale {
 public:
-  /// What is even about the classes. Any number is allowed; all but 1 are linear.
+  /// Spacing of the class bounds. Numbers that are not listed count as Linear.
   enum Spacing : int {
-    Linear = 0,      ///< in the values
-    Logarithmic = 1, ///< in their logarithms; the range is above 0
+    Linear = 0,      ///< classes of equal width
+    Logarithmic = 1, ///< of equal width in the logarithm; the range must be above 0
   };
 
-  /// The colours of values without a class.
+  /// The colours of values outside of all classes. QColor() stands for the default.
   struct Outside {
-    QColor below; ///< invalid (QColor()): that of the first class
-    QColor above; ///< invalid: that of the last class
-    QColor nan;   ///< invalid: transparent, (0, 0, 0, 0)
+    QColor below; ///< below the range; by default the colour of the first class
+    QColor above; ///< above the range; by default the colour of the last class
+    QColor nan;   ///< of NaN; by default transparent, (0, 0, 0, 0)
   };
 
-  /// One class for each colour, all of the same width.
+  /// One class for each colour. The range is finite and ascending.
   ColorScale(const std::vector<QColor>& p_colors, double p_lower, double p_upper, Spacing p_spacing = Linear,
              const Outside& p_outside = Outside());
   /// One class for each texel of the map.
   ColorScale(const ColorMap& p_map, double p_lower, double p_upper, Spacing p_spacing = Linear,
              const Outside& p_outside = Outside());
-  /// One class between each two neighbours of `p_bounds`, which are finite, in ascending order, and one more than the
-  /// colours: "p_bounds.size() == p_colors.size() + 1", "p_bounds ascend". Equal bounds make an empty class.
+  /// One class between each two neighbours of `p_bounds`, which are finite, ascending, and one more than the colours;
+  /// reported otherwise as "p_bounds.size() == p_colors.size() + 1" or "p_bounds[i] <= p_bounds[i + 1]". Equal bounds
+  /// make an empty class.
   ColorScale(const std::vector<QColor>& p_colors, const std::vector<double>& p_bounds,
              const Outside& p_outside = Outside());
   ~ColorScale();
-  /// Shares the classes.
+  /// Shares the tables.
   ColorScale(const ColorScale&) = default;
-  /// Shares the classes.
+  /// Shares the tables.
   ColorScale& operator=(const ColorScale&) = default;
 
-  /// Writes the colours of `p_count` values, four bytes each: red, green, blue, alpha. The caller's buffer holds
-  /// 4 * `p_count` bytes, need not be aligned, and is not the memory of the values. Large arrays are written past the
-  /// caches.
+  /// Writes the colours of `p_count` values, four bytes each: red, green, blue, alpha. `p_rgba` holds 4 × `p_count`
+  /// bytes, need not be aligned, and must not overlap the values. Large arrays are written past the caches. A null
+  /// pointer is reported, and nothing is written; a count of 0 is valid with null pointers.
   void Map(const float* p_values, std::size_t p_count, unsigned char* p_rgba) const;
-  /// The same for doubles.
+  /// Maps doubles.
   void Map(const double* p_values, std::size_t p_count, unsigned char* p_rgba) const;
-  /// The same for a view of floats or doubles.
+  /// Maps a view of floats or doubles.
   template <class T>
   void Map(const DataInterface::Array<T, 0>& p_values, unsigned char* p_rgba) const {
     Map(p_values.begin(), static_cast<std::size_t>(p_values.size()), p_rgba);
@@ -81,7 +82,7 @@ public:
   /// The colour of one value, by the same rule.
   QColor Color(double p_value) const;
 
-  /// The bounds of all classes, ascending, for legends: one more than there are classes; none if there is no class.
+  /// The bounds of all classes in ascending order, one more than there are classes; empty without valid classes.
   const std::vector<double>& Bounds() const;
 
 private:

@@ -13,14 +13,14 @@ namespace Vek::Chart::Library {
 
 namespace {
 
-const char* const ColorsSignature =
-    "class std::vector<class QColor,class std::allocator<class QColor> > __cdecl "
-    "Vek::Chart::Library::NamedColors::Colors(const class std::basic_string<char,struct std::char_traits<char>,class "
-    "std::allocator<char> > &)";
-const char* const PartSignature =
-    "class std::vector<class QColor,class std::allocator<class QColor> > __cdecl "
-    "Vek::Chart::Library::NamedColors::Colors(const class std::basic_string<char,struct std::char_traits<char>,class "
-    "std::allocator<char> > &,int,double,double)";
+namespace Signature {
+#define VEK_COLORS                                                                                                     \
+  "class std::vector<class QColor,class std::allocator<class QColor> > __cdecl "                                       \
+  "Vek::Chart::Library::NamedColors::Colors(const class std::basic_string<char,struct std::char_traits<char>,class "   \
+  "std::allocator<char> > &"
+constexpr const char* Colors = VEK_COLORS ")";
+constexpr const char* ColorsOfPart = VEK_COLORS ",int,double,double)";
+} // namespace Signature
 
 template <std::size_t Count>
 std::vector<QColor> Listed(const std::array<std::uint32_t, Count>& p_table) {
@@ -56,8 +56,9 @@ std::vector<QColor> Find(const std::string& p_name, const char* p_signature) {
   return {};
 }
 
-double Clamped(double p_place) {
-  return p_place >= 0 ? std::min(p_place, 1.0) : 0.0;
+/// Within [0, 1]; 0 for NaN.
+double Clamped(double p_position) {
+  return p_position >= 0 ? std::min(p_position, 1.0) : 0.0;
 }
 
 QColor Blend(const QColor& p_a, const QColor& p_b, double p_t) {
@@ -67,11 +68,11 @@ QColor Blend(const QColor& p_a, const QColor& p_b, double p_t) {
   return Types::ColorOfChannels({blend(0), blend(1), blend(2), 1});
 }
 
-/// The colour at a place in [0, 1] of a list of at least two.
-QColor At(const std::vector<QColor>& p_colors, double p_place) {
-  const double position = p_place * static_cast<double>(p_colors.size() - 1);
-  const std::size_t index = std::min(static_cast<std::size_t>(position), p_colors.size() - 2);
-  return Blend(p_colors[index], p_colors[index + 1], position - static_cast<double>(index));
+/// The colour at a position in [0, 1] of a list of at least two.
+QColor At(const std::vector<QColor>& p_colors, double p_position) {
+  const double steps = p_position * static_cast<double>(p_colors.size() - 1);
+  const std::size_t index = std::min(static_cast<std::size_t>(steps), p_colors.size() - 2);
+  return Blend(p_colors[index], p_colors[index + 1], steps - static_cast<double>(index));
 }
 
 } // namespace
@@ -87,13 +88,13 @@ const std::vector<std::string>& NamedColors::Names() {
 }
 
 std::vector<QColor> NamedColors::Colors(const std::string& p_name) {
-  return Find(p_name, ColorsSignature);
+  return Find(p_name, Signature::Colors);
 }
 
 std::vector<QColor> NamedColors::Colors(const std::string& p_name, int p_count, double p_from, double p_to) {
-  VEK_ENSURE(0 <= p_from && p_from <= 1, PartSignature);
-  VEK_ENSURE(0 <= p_to && p_to <= 1, PartSignature);
-  const std::vector<QColor> map = Find(p_name, PartSignature);
+  VEK_ENSURE(0 <= p_from && p_from <= 1, Signature::ColorsOfPart);
+  VEK_ENSURE(0 <= p_to && p_to <= 1, Signature::ColorsOfPart);
+  const std::vector<QColor> map = Find(p_name, Signature::ColorsOfPart);
   const double from = Clamped(p_from), to = Clamped(p_to);
   std::vector<QColor> colors;
   for (int i = 0; i < p_count && !map.empty(); ++i)

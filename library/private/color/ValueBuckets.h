@@ -13,14 +13,14 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// Colours of values that ascending thresholds cut into classes, in a form that is quick and still exact: a rough
-/// number of the value (see ValueKeys.h) chooses a bucket of values around one threshold or between two, and one
-/// comparison with that threshold decides. Thresholds that lie too close or too unevenly for that are searched.
+/// Maps values to the colours of classes between ascending thresholds, quickly and exactly. The value's key (see
+/// ValueKeys.h) selects a bucket, which holds one threshold at most; one comparison with that threshold decides. Where
+/// thresholds lie too close together or too unevenly for that, a binary search decides.
 template <class T>
 class ValueBuckets {
 public:
-  /// `p_colors`: that of NaN, that of values below the first threshold, and one for the values from each threshold on.
-  /// `p_byMagnitude`: the thresholds are positive and are even in their logarithm, not in themselves.
+  /// `p_colors`: for NaN, for values below the first threshold, then for the values from each threshold on.
+  /// `p_byMagnitude`: the thresholds are positive and evenly spaced in their logarithms.
   ValueBuckets(std::vector<T> p_thresholds, std::vector<std::uint32_t> p_colors, bool p_byMagnitude)
       : _thresholds(std::move(p_thresholds))
       , _colors(std::move(p_colors)) {
@@ -45,8 +45,9 @@ private:
 
   /// More buckets than this would not stay in the near caches.
   static constexpr std::size_t MostBuckets = std::size_t(1) << 15;
-  /// Arrays of more bytes than this go past the caches, and what comes that many bytes later is fetched ahead.
+  /// Colours of more bytes than this are written past the caches.
   static constexpr std::size_t CachedBytes = std::size_t(1) << 22;
+  /// Values are prefetched that many bytes ahead.
   static constexpr std::size_t FetchedAhead = 4096;
 
   /// Buckets of equal width, two or more for each class.
@@ -62,7 +63,7 @@ private:
     return false;
   }
 
-  /// Buckets of 2^shift neighbouring numbers each, as wide as will do.
+  /// Buckets of 2^shift neighbouring numbers, the widest that separate the thresholds.
   bool FillByBits() {
     using Key = BitKey<T>;
     const auto low = Key::ToBits(_thresholds.front()), high = Key::ToBits(_thresholds.back());
@@ -83,7 +84,7 @@ private:
     return false;
   }
 
-  /// False if a bucket would hold two different thresholds, or the first one would fall among the NaN.
+  /// False if a bucket would hold two different thresholds, or bucket 0, which NaN shares, any.
   template <class Key>
   bool Fill(const Key& p_key, std::size_t p_last) {
     _limits.assign(p_last + 1, Limits::quiet_NaN());
@@ -98,13 +99,13 @@ private:
       }
     }
     _colorsBelow.back() = _colors[1 + next];
-    _limits.front() = -Limits::infinity(); // which only NaN does not reach
+    _limits.front() = -Limits::infinity(); // every value but NaN reaches it
     _colorsBelow.front() = _colors[0];
     _key = p_key;
     return next == _thresholds.size();
   }
 
-  /// A copy of the key, so that nothing that is written can change it.
+  /// Takes the key by value: the compiler then need not read it again after each write.
   template <class Key>
   void MapByKey(const Key p_key, const T* p_values, std::size_t p_count, unsigned char* p_rgba) const {
     const T* const limits = _limits.data();
@@ -131,7 +132,7 @@ private:
           _mm_prefetch(
               reinterpret_cast<const char*>(p_values + std::min(done + i + FetchedAhead / sizeof(T), p_count - 1)),
               _MM_HINT_T0);
-        // All four before any is stored: a cache line that is written in one go needs no reading.
+        // All four before any is stored: a cache line that is written at once is not read first.
         const __m128i colors[] = {four(p_values + done), four(p_values + done + 4), four(p_values + done + 8),
                                   four(p_values + done + 12)};
         for (std::size_t i = 0; i < 4; ++i)
@@ -143,7 +144,7 @@ private:
       done = (Line - misaligned) % Line / 4;
       MapOneByOne(p_values, done, p_rgba, one);
       mapSixteens([](__m128i* p_target, __m128i p_colors) { _mm_stream_si128(p_target, p_colors); });
-      _mm_sfence(); // what is stored next must not overtake it
+      _mm_sfence(); // orders the streamed writes before all later ones
     } else {
       mapSixteens([](__m128i* p_target, __m128i p_colors) { _mm_storeu_si128(p_target, p_colors); });
     }
@@ -161,8 +162,8 @@ private:
 
   std::vector<T> _thresholds;
   std::vector<std::uint32_t> _colors;
-  std::vector<T> _limits;                  ///< of each bucket, NaN where there is none; empty: search the thresholds
-  std::vector<std::uint32_t> _colorsBelow; ///< of the bucket's values below its limit; all others have the next one's
+  std::vector<T> _limits; ///< by bucket: its threshold, NaN where there is none. Empty: the thresholds are searched
+  std::vector<std::uint32_t> _colorsBelow; ///< by bucket: of values below its threshold; other values have the next one
   std::variant<StepKey<T>, BitKey<T>> _key;
 };
 

@@ -12,8 +12,8 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// Numbers values in even steps of their distance from `low`: 1 there, `last` at most, 0 for what lies far enough below
-/// and for NaN. Every operation rounds, but none ever turns an order around: a larger value has no smaller number.
+/// A value's number of steps above `low`, plus 1: 1 at `low`, at most `last`, 0 far enough below it and for NaN. The
+/// operations round, but keep the order: a larger value never has a smaller number.
 template <class T>
 struct StepKey {
   T low;
@@ -27,12 +27,12 @@ struct StepKey {
   }
 };
 
-/// The same for positive values by their logarithm, more or less: the bits of a positive floating-point number, read as
-/// an integer, grow by equal amounts from one power of two to the next, and in proportion to the value in between.
+/// A number of positive values by their approximate logarithm: the bits of a positive floating-point number, read as an
+/// integer, grow by equal amounts from one power of two to the next, and in proportion to the value in between.
 template <class T>
 struct BitKey {
   using Bits = std::conditional_t<sizeof(T) == 4, std::int32_t, std::int64_t>;
-  T floor; ///< has the number 0, as has all below and NaN
+  T floor; ///< this, everything below and NaN have the number 0
   T ceiling;
   Bits base; ///< the bits of `floor`
   int shift;
