@@ -5,10 +5,9 @@
 
 using namespace Vek::Chart::DataInterface;
 
-#if defined(__x86_64__)
 namespace {
 
-/// The slot of a virtual operation: the C++ ABI of this machine keeps its offset, plus one, in the member pointer.
+/// The slot of a virtual operation: on x86-64 the member pointer holds its offset plus one.
 template <class Operation>
 std::size_t Slot(Operation p_operation) {
   std::size_t words[2] = {};
@@ -26,6 +25,9 @@ std::size_t WriteSlot() {
 
 // Sources and writers may be built apart: the order of the virtual operations is what they agree on.
 TEST(DataInterface, SlotOrderIsFixed) {
+#if !defined(__x86_64__)
+  GTEST_SKIP() << "member pointers are read by the ABI of x86-64";
+#endif
   EXPECT_EQ(Slot(&StreamWriterBase::Skip), 0u);
   EXPECT_EQ((WriteSlot<BoolAttributeStreamWriter<1>, unsigned char>()), 1u);
   EXPECT_EQ((WriteSlot<BoolAttributeStreamWriter<1>, bool>()), 2u);
@@ -37,4 +39,3 @@ TEST(DataInterface, SlotOrderIsFixed) {
   EXPECT_EQ(Slot(&VertexIndex::Indices), Slot(&VertexIndex::Count) + 1);
   EXPECT_EQ(Slot(&VertexIndex::Write), Slot(&VertexIndex::Count) + 2);
 }
-#endif
