@@ -1,7 +1,9 @@
 // Reads a generated OBJ file of 500,000 vertices with normals and a million triangles (76 MB). The limit is what any
-// reader has to do: read the file and find its line feeds.
+// reader has to do: read the file and find its line feeds. A second pair of files has half a million faces: a load that
+// reports every face, since it has four corners, may take twice as long as the load of their first three corners.
 
 #include "library/ObjModel.h"
+#include "platform/debug/Logger.h"
 
 #include <benchmark/benchmark.h>
 
@@ -14,6 +16,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,17 +29,19 @@ namespace {
 
 using namespace Vek::Chart::Library;
 
-/// A torus of 1000 x 500 quads, each as two triangles.
-void WriteTorus(const std::string& p_path) {
-  constexpr int around = 1000;
-  constexpr int across = 500;
+/// The faces of a torus of 1000 x 500 quads.
+enum class Faces { TwoTriangles, Quad, HalfQuad };
+
+void WriteTorus(const std::string& p_path, Faces p_faces) {
+  constexpr int Around = 1000;
+  constexpr int Across = 500;
   std::string text = "# torus\ng torus\n";
   char line[128];
   const auto write = [&](const char* p_keyword, double p_large, double p_small) {
-    for (int i = 0; i < around; ++i) {
-      for (int j = 0; j < across; ++j) {
-        const double u = 6.283185307179586 * i / around;
-        const double v = 6.283185307179586 * j / across;
+    for (int i = 0; i < Around; ++i) {
+      for (int j = 0; j < Across; ++j) {
+        const double u = 6.283185307179586 * i / Around;
+        const double v = 6.283185307179586 * j / Across;
         const double radius = p_large + p_small * std::cos(v);
         std::snprintf(line, sizeof line, "%s %.6f %.6f %.6f\n", p_keyword, radius * std::cos(u), radius * std::sin(u),
                       p_small * std::sin(v));
@@ -43,33 +49,40 @@ void WriteTorus(const std::string& p_path) {
       }
     }
   };
-  const auto triangle = [&](int p_a, int p_b, int p_c) {
-    std::snprintf(line, sizeof line, "f %d//%d %d//%d %d//%d\n", p_a, p_a, p_b, p_b, p_c, p_c);
-    text += line;
+  const auto face = [&](std::initializer_list<int> p_corners) {
+    text += 'f';
+    for (const int corner : p_corners)
+      text += ' ' + std::to_string(corner) + "//" + std::to_string(corner);
+    text += '\n';
   };
   write("v", 0.75, 0.25);
   write("vn", 0.0, 1.0);
-  for (int i = 0; i < around; ++i) {
-    for (int j = 0; j < across; ++j) {
-      const int next = (i + 1) % around;
-      const int up = (j + 1) % across;
-      triangle(1 + i * across + j, 1 + next * across + j, 1 + next * across + up);
-      triangle(1 + i * across + j, 1 + next * across + up, 1 + i * across + up);
+  for (int i = 0; i < Around; ++i) {
+    for (int j = 0; j < Across; ++j) {
+      const int next = (i + 1) % Around;
+      const int up = (j + 1) % Across;
+      const int a = 1 + i * Across + j, b = 1 + next * Across + j, c = 1 + next * Across + up, d = 1 + i * Across + up;
+      if (p_faces == Faces::Quad) {
+        face({a, b, c, d});
+        continue;
+      }
+      face({a, b, c});
+      if (p_faces == Faces::TwoTriangles)
+        face({a, c, d});
     }
   }
   std::ofstream(p_path, std::ios::binary) << text;
 }
 
 /// The generated file; written once, it stays in the folder for temporary files.
-const std::string& TorusPath() {
-  static const std::string path = [] {
-    const std::string name = (std::filesystem::temp_directory_path() / "vek-bench-torus-1.obj").string();
-    if (!std::filesystem::exists(name)) {
-      WriteTorus(name + ".part");
-      std::filesystem::rename(name + ".part", name);
-    }
-    return name;
-  }();
+std::string TorusPath(Faces p_faces = Faces::TwoTriangles) {
+  const std::string suffix[] = {"", "-quads", "-halves"};
+  const std::string path =
+      (std::filesystem::temp_directory_path() / ("vek-bench-torus-1" + suffix[int(p_faces)] + ".obj")).string();
+  if (!std::filesystem::exists(path)) {
+    WriteTorus(path + ".part", p_faces);
+    std::filesystem::rename(path + ".part", path);
+  }
   return path;
 }
 
@@ -135,6 +148,24 @@ void LoadModel(benchmark::State& p_state) {
   p_state.counters["peak/result"] = firstPeak;
 }
 BENCHMARK(LoadModel)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+struct SilentSink : vekdebug::sink {
+  void write(const vekdebug::report&) override {}
+};
+
+/// Loads the first three corners of the torus's quads: from triangles, or from quads, of which each is reported.
+void LoadFaces(benchmark::State& p_state, Faces p_faces, const std::shared_ptr<vekdebug::sink>& p_sink) {
+  const std::string path = TorusPath(p_faces);
+  const auto before = vekdebug::logger::instance().set_sink(p_sink);
+  for (auto _ : p_state)
+    benchmark::DoNotOptimize(LoadPolygonObjFile(path));
+  vekdebug::logger::instance().set_sink(before);
+}
+BENCHMARK_CAPTURE(LoadFaces, Triangles, Faces::HalfQuad, nullptr)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(LoadFaces, QuadsSilentSink, Faces::Quad, std::make_shared<SilentSink>())
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(LoadFaces, QuadsDefaultSink, Faces::Quad, nullptr)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 #ifdef VEK_BENCH_TINYOBJLOADER
 void TinyObjLoader(benchmark::State& p_state) {

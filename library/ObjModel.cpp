@@ -1,15 +1,61 @@
 #include "library/ObjModel.h"
 
-#include "library/private/io/LineBlocks.h"
+#include "library/private/io/ByteSource.h"
 #include "library/private/io/ObjReader.h"
+#include "platform/debug/Check.h"
 
 #include <boost/make_shared.hpp>
 
-#include <algorithm>
 #include <fstream>
 #include <locale>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace Vek::Chart::Library {
+
+namespace {
+
+/// Reads all lines. A line that a failure may have cut off is dropped.
+Private::ObjReader::Result ReadLines(std::istream& p_stream, std::string_view p_path) {
+  Private::ByteSource source(p_stream, p_path);
+  Private::ObjReader reader(p_path);
+  const std::uint64_t bytes = source.RemainingByClaim();
+  std::uint64_t bytesRead = 0;
+  while (const std::size_t size = source.PrepareLines()) {
+    const auto* const lines = reinterpret_cast<const char*>(source.Data());
+    bytesRead += size;
+    reader.ReadBlock(lines, lines + size, bytes > bytesRead ? bytes - bytesRead : 0);
+    source.Take(size);
+  }
+  const std::size_t rest = source.Prepare(1);
+  if (rest > Private::ByteSource::LongestLine) {
+    vekdebug::detail where = reader.Where();
+    ++where.line;
+    vekdebug::warn("LoadPolygonObjFile: reading ends at a line longer than 64 MiB", where);
+  } else if (rest != 0 && !source.Failed()) {
+    const std::string line = std::string(reinterpret_cast<const char*>(source.Data()), rest) + '\n';
+    reader.ReadBlock(line.data(), line.data() + line.size(), 0);
+  }
+  return reader.Finish();
+}
+
+boost::shared_ptr<ObjModel> Load(std::istream& p_stream, std::string_view p_path) {
+  Private::ObjReader::Result result = ReadLines(p_stream, p_path);
+  const auto model = boost::make_shared<ObjModel>();
+  model->SetPrimitiveType(result.primitiveType);
+  model->SetBoundingBox(result.bounds);
+  *model->Vertices() = std::move(result.vertices);
+  *model->Normals() = std::move(result.normals);
+  for (std::size_t i = 0; i < result.groups.size(); ++i) {
+    ObjModel::ObjGroup& group = i == 0 ? *model->DefaultGroup() : *model->AddGroup();
+    group.name = std::move(result.groups[i].name);
+    group.indices = std::move(result.groups[i].indices);
+  }
+  return model;
+}
+
+} // namespace
 
 ObjModel::ObjModel()
     : _groups(boost::make_shared<GroupList>())
@@ -36,17 +82,13 @@ boost::shared_ptr<ObjModel> LoadPolygonObjFile(const vekfile::filepath& p_path) 
   std::ifstream file;
   file.imbue(std::locale::classic());
   file.open(p_path.str());
-  return LoadPolygonObj(file);
+  if (!file.is_open())
+    vekdebug::warn("LoadPolygonObjFile: cannot open the file", {p_path.str()});
+  return Load(file, p_path.str());
 }
 
 boost::shared_ptr<ObjModel> LoadPolygonObj(std::istream& p_stream) {
-  Private::ObjReader reader;
-  std::uint64_t bytesLeft = Private::RemainingBytes(p_stream);
-  Private::ReadLineBlocks(p_stream, [&](const char* p_first, const char* p_last) {
-    bytesLeft -= std::min(bytesLeft, std::uint64_t(p_last - p_first));
-    reader.ReadBlock(p_first, p_last, bytesLeft);
-  });
-  return reader.Finish();
+  return Load(p_stream, {});
 }
 
 } // namespace Vek::Chart::Library

@@ -92,6 +92,26 @@ TEST(Allocations, NoneAfterTheFirstRingOrCut) {
   EXPECT_EQ(all, before);
 }
 
+// A file may cause a report for each of its lines.
+TEST(Allocations, ReportsTakeNoMemory) {
+  struct SilentSink : vekdebug::sink {
+    void write(const vekdebug::report&) override {}
+  };
+  const auto previous = vekdebug::logger::instance().set_sink(std::make_shared<SilentSink>());
+  const auto taken = [](std::size_t p_count) {
+    const std::size_t before = all;
+    for (std::size_t i = 0; i < p_count; ++i) {
+      VEK_ENSURE_AT(i > p_count, "i > p_count", std::string_view("int __cdecl Longer::Than::Any::Short::String(void)"),
+                    {"longer/than/any/short/string.obj", i, "f 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17"});
+      VEK_CHECK_RANGE(p_count, i, "0 <= p_count < some_longer_expression", "int __cdecl F(void)");
+    }
+    return all - before;
+  };
+  taken(1); // takes the memory that all others use
+  EXPECT_EQ(taken(100), 0u);
+  vekdebug::logger::instance().set_sink(previous);
+}
+
 // A few bytes that claim a lot. What a reader takes is its window, and the result where the claim is to be believed.
 TEST(Allocations, ClaimsTakeNoMemory) {
   using namespace Library;

@@ -1,5 +1,4 @@
 #include "library/ObjModel.h"
-#include "tests/support/ObjReference.h"
 #include "tests/support/Test.h"
 
 namespace {
@@ -11,13 +10,17 @@ boost::shared_ptr<ObjModel> Load(const std::string& p_text) {
 
 /// The reports, by short names.
 std::string Reported(const ReportCapture& p_reports) {
+  const std::string signature = " - class boost::shared_ptr<class Vek::Chart::Library::ObjModel> __cdecl "
+                                "Vek::Chart::Library::LoadPolygonObjFile(const class vekfile::filepath &)";
+  const std::map<std::string, std::string> shortNames = {
+      {"\"parts.size() == 4\"" + signature, " four"},
+      {"\"parts.size() == 3\"" + signature, " three"},
+      {"\"0 <= vertexIndex < vertices->size()\"" + signature, " vertex"},
+      {"\"0 <= normalIndex < sourceNormals->size()\"" + signature, " normal"},
+  };
   std::string names;
   for (const std::string& text : p_reports.Texts())
-    names += text == ObjReport("parts.size() == 4")                          ? " four"
-             : text == ObjReport("parts.size() == 3")                        ? " three"
-             : text == ObjReport("0 <= vertexIndex < vertices->size()")      ? " vertex"
-             : text == ObjReport("0 <= normalIndex < sourceNormals->size()") ? " normal"
-                                                                             : text;
+    names += shortNames.count(text) != 0 ? shortNames.at(text) : text;
   return names;
 }
 
@@ -72,6 +75,22 @@ struct SlowBuffer : std::streambuf {
   }
 };
 
+/// A text that is followed by blanks without end.
+struct EndlessBuffer : std::streambuf {
+  std::string text;
+  const std::string blanks = std::string(std::size_t(1) << 16, ' ');
+
+  explicit EndlessBuffer(std::string p_text)
+      : text(std::move(p_text)) {
+    setg(text.data(), text.data(), text.data() + text.size());
+  }
+  int_type underflow() override {
+    text = blanks;
+    setg(text.data(), text.data(), text.data() + text.size());
+    return traits_type::to_int_type(*gptr());
+  }
+};
+
 } // namespace
 
 TEST(LoadPolygonObjFile, ReadsKeywords) {
@@ -122,8 +141,10 @@ TEST(LoadPolygonObjFile, ReportsBrokenLinesAndReadsThemOn) {
       {"positions", "v\nv 1 2\nv 1 2 3 # note\n", "undecided v 0 0 0 1 2 0 1 2 3 '' ! four four four"},
       {"normals", "v 0 0 0\nvn 1\nvn 0 1 0 0\nf 1//2 1//2 1//2\n", "triangles v 0 0 0 n 0 1 0 '' 0 0 0 ! four four"},
       {"a blank behind what is read", "v 1 2 3  \nf 1 1 1  1\n", "triangles v 1 2 3 '' 0 0 0 ! four"},
-      {"faces", ThreePoints + "f\nf 3\nf 1 2\nf 1 2 3 4\n",
-       "triangles " + Three + "'' 2 0 1 0 1 2 ! four four four four"},
+      {"faces", ThreePoints + "f\nf 3\nf 1 2\nf 1 2 3 4\nf 3 2 1 x\r\n 3 1 2 9/\n",
+       "triangles " + Three + "'' 2 0 1 0 1 2 2 1 0 ! four four four four four"},
+      {"blanks at the end are no parts", "v 1 2 3 \nv 4 5 6 \r\nf 1 2 1 \nf 2 1 2 \t\r\n",
+       "triangles v 1 2 3 4 5 6 '' 0 1 0 1 0 1"},
       {"lines", ThreePoints + "l\nl 3\nl 1 2 x\n", "lines " + Three + "'' 2 0 1 ! three three three"},
       {"ends of the index range",
        ThreePoints + "vn 0 0 1\nl -2147483648 2147483647\nf +1//-2147483648 -0//+1 3//2147483647\n",
@@ -136,32 +157,51 @@ TEST(LoadPolygonObjFile, ReportsBrokenLinesAndReadsThemOn) {
   });
 }
 
-TEST(LoadPolygonObjFile, ThrowsWhatAConversionThrows) {
-  const std::pair<const char*, const char*> rows[] = {
-      {"v 1 x 3", ""},
-      {"v 1  2 3", " four"},
-      {"vn 1 0x10 3", ""},
-      {"v 1 1e400 3", ""},
-      {"f / 1 1", ""},
-      {"f 1 1 2147483648", " vertex vertex"},
-      {"l 1 x", " vertex"},
-      {"f 1// 1 1", " vertex"},
-      {"f 1  2 3", " four vertex"},
-      {"f 1//1/x 2 3", " vertex"},
+TEST(LoadPolygonObjFile, ThrowsWithLineAndCharacters) {
+  const std::string number = "expected a number)", integer = "expected an integer)";
+  const std::array<std::string, 3> rows[] = {
+      {"v 1 x 3", "", "line 1, found \"x\", " + number},
+      {"\n\nv 1  2 3", " four", "line 3, found \"\", " + number},
+      {"v 1 2 3\nvn 1 0x10 3", "", "line 2, found \"0x10\", " + number},
+      {"v 1 1e400 3", "", "line 1, found \"1e400\", " + number},
+      {"f / 1 1", "", "line 1, found \"/\", " + integer},
+      {"f 1 1 2147483648", " vertex vertex", "line 1, found \"2147483648\", " + integer},
+      {"l 1 x", " vertex", "line 1, found \"x\", " + integer},
+      {"f 1// 1 1", " vertex", "line 1, found \"1//\", " + integer},
+      {"f 1  2 3", " four vertex", "line 1, found \"\", " + integer},
+      {"f 1//1/x 2 3", " vertex", "line 1, found \"1//1/x\", " + integer},
   };
-  for (const auto& [text, reported] : rows) {
+  for (const auto& [text, reported, where] : rows) {
     SCOPED_TRACE(text);
     const ReportCapture reports;
     try {
       Load(text);
       ADD_FAILURE() << "nothing thrown";
     } catch (const boost::bad_lexical_cast& error) {
-      EXPECT_STREQ(error.what(), "bad lexical cast: source type value could not be interpreted as target");
+      EXPECT_EQ(error.what(), "bad lexical cast: source type value could not be interpreted as target (" + where);
     }
     EXPECT_EQ(Reported(reports), reported);
   }
-  EXPECT_THROW(Load("g"), std::out_of_range);
-  EXPECT_THROW(Load("v 1 2 3\n \tg \r\n"), std::out_of_range);
+  for (const std::string text : {"v 1 2 3\ng", "v 1 2 3\n \tg \r\n"}) {
+    try {
+      Load(text);
+      ADD_FAILURE() << "nothing thrown";
+    } catch (const std::out_of_range& error) {
+      EXPECT_STREQ(error.what(), "LoadPolygonObjFile: a group has no name (line 2, found \"g\")");
+    }
+  }
+}
+
+TEST(LoadPolygonObjFile, ReportsShowPathLineAndValues) {
+  const TempFolder folder;
+  const std::string path =
+      folder.Write("a.obj", ThreePoints + "# 4\n\nf 1 2 3 4\nf 1 2 9\n f 1 2\r\nl 1 0\nv 1 2 3 4\nf 1 1 1//7");
+  const ReportCapture reports;
+  LoadPolygonObjFile(path);
+  EXPECT_EQ(Reported(reports), " four vertex four vertex four normal");
+  EXPECT_EQ(reports.Details(), (Texts{path + ":6, found \"f 1 2 3 4\"", path + ":7, index 8, count 3",
+                                      path + ":8, found \"f 1 2\"", path + ":9, index 4294967295, count 3",
+                                      path + ":10, found \"v 1 2 3 4\"", path + ":11, index 6, count 0"}));
 }
 
 TEST(LoadPolygonObjFile, BoundsGrowByTheNumbersAsRead) {
@@ -171,19 +211,26 @@ TEST(LoadPolygonObjFile, BoundsGrowByTheNumbersAsRead) {
   EXPECT_TRUE(std::isnan(model->Vertices()->at(1).z));
 }
 
-TEST(LoadPolygonObjFile, ReadsFilesAndTakesMissingOnesAsEmpty) {
+TEST(LoadPolygonObjFile, ReadsFilesAndReportsThoseItCannot) {
   const TempFolder folder;
   const std::string file = folder.Write("a.obj", ThreePoints + "f 1 2 3\r\n");
-  const ReportCapture reports;
   const auto model = LoadPolygonObjFile(file);
   EXPECT_EQ(model->Vertices()->size(), 3u);
   EXPECT_EQ(model->DefaultGroup()->indices, (std::vector<std::uint32_t>{0, 1, 2}));
-  for (const std::string& path : {file + "x", folder.Path().string(), std::string()}) {
+  const std::pair<std::string, std::string> rows[] = {
+      {file + "x", "WARNING: LoadPolygonObjFile: cannot open the file"},
+      {"", "WARNING: LoadPolygonObjFile: cannot open the file"},
+      {folder.Path().string(), "WARNING: a stream failed while it was read: "},
+  };
+  for (const auto& [path, report] : rows) {
+    SCOPED_TRACE(path);
+    const ReportCapture reports;
     const auto empty = LoadPolygonObjFile(path);
-    EXPECT_EQ(empty->PrimitiveType(), Ogl::VertexBuffer::Undecided) << path;
-    EXPECT_TRUE(empty->Vertices()->empty() && empty->Bounds().Empty()) << path;
+    EXPECT_EQ(empty->PrimitiveType(), Ogl::VertexBuffer::Undecided);
+    EXPECT_TRUE(empty->Vertices()->empty() && empty->Bounds().Empty());
+    ASSERT_EQ(reports.Details(), Texts{path});
+    EXPECT_EQ(reports.Texts()[0].substr(0, report.size()), report);
   }
-  EXPECT_TRUE(reports.Entries().empty());
 }
 
 TEST(LoadPolygonObjFile, ReadsAnyStream) {
@@ -198,9 +245,66 @@ TEST(LoadPolygonObjFile, ReadsAnyStream) {
   std::istream none(nullptr);
   EXPECT_TRUE(LoadPolygonObj(none)->Vertices()->empty());
 
-  // What was read before a failure stays, but for the window that it broke off.
+  // Lines before a failure stay, except for those in the window that it ends.
+  const ReportCapture reports;
   const std::string window(std::size_t(1) << 20, '#');
   SlowBuffer broken("v 1 2 3\n" + window + "\nv 4 5 6", true);
   std::istream brokenStream(&broken);
   EXPECT_EQ(LoadPolygonObj(brokenStream)->Vertices()->size(), 1u);
+  EXPECT_EQ(reports.Texts().size(), 1u);
+}
+
+TEST(LoadPolygonObjFile, ReadsLinesThatItsWindowCuts) {
+  // Shifted by single characters, every kind of line is cut by the end of the first window at each of its characters.
+  const std::string lines = "vn -0.25 1.5 0\nf 1//1 22/1/1 -3//1\r\nf 1/2/1 1/2/1 1/2/1\ng a b\nv 12.5 1e1 -7\n";
+  const std::string head = "v 1 2 3\n#";
+  const std::string tail = "\n" + lines + lines + lines;
+  const std::string expected = Summary(head + tail);
+  for (std::size_t shift = 0; shift <= 2 * lines.size(); ++shift) {
+    const std::string comment((std::size_t(1) << 20) - 2 * lines.size() - head.size() + shift, '-');
+    ASSERT_EQ(Summary(head + comment + tail), expected) << shift;
+  }
+}
+
+TEST(LoadPolygonObjFile, ReadsLongLinesUpToABound) {
+  const std::string blanks(std::size_t(2) << 20, ' ');
+  EXPECT_EQ(Summary(blanks + "v 1 2 3" + blanks + "\ng " + blanks + "x\nv 4 5 6" + blanks),
+            "undecided v 1 2 3 4 5 6 '' '" + blanks + "x'");
+
+  const ReportCapture reports;
+  EndlessBuffer endless("v 1 2 3\n#");
+  std::istream stream(&endless);
+  EXPECT_EQ(LoadPolygonObj(stream)->Vertices()->size(), 1u);
+  EXPECT_EQ(reports.Texts(), Texts{"WARNING: LoadPolygonObjFile: reading ends at a line longer than 64 MiB"});
+  EXPECT_EQ(reports.Details(), Texts{"line 2"});
+}
+
+TEST(LoadPolygonObjFile, ReadsLargeFiles) {
+  constexpr std::uint32_t Vertices = 70000, Faces = 100000;
+  const auto number = [](std::uint32_t p_index) { return std::to_string(1 + p_index % Vertices); };
+  for (const std::uint32_t step : {7u, 1000000u}) { // faces from one group line to the next
+    std::string text;
+    for (std::uint32_t i = 0; i < Vertices; ++i)
+      text += "v " + number(i) + ".5 0 -" + number(i) + "\nvn 0 0 " + number(i) + "\n";
+    for (std::uint32_t i = 0; i < Faces; ++i) {
+      text += i % step == step - 1 ? "g x\n" : "";
+      text += "f " + number(i) + "//" + number(i + 2) + " " + number(i + 1) + "//" + number(i + 1) + " " +
+              number(i + 2) + "//" + number(i) + "\n";
+    }
+    const auto model = Load(text);
+    ASSERT_TRUE(model->Vertices()->size() == Vertices && model->Normals()->size() == Vertices);
+    for (std::uint32_t i = 0; i < Vertices; ++i) {
+      const std::uint32_t normal = i < 3 ? 2 - i : i - 2; // of the first corner
+      ASSERT_EQ((*model->Vertices())[i], (Ogl::Vec3<float>{float(i) + 1.5f, 0, -1.0f - float(i)}));
+      ASSERT_EQ((*model->Normals())[i], (Ogl::Vec3<float>{0, 0, 1.0f + float(normal)})) << i;
+    }
+    std::uint32_t corner = 0;
+    for (const auto& group : *model->Groups())
+      for (const std::uint32_t index : group->indices) {
+        ASSERT_EQ(index, (corner / 3 + corner % 3) % Vertices) << corner;
+        ++corner;
+      }
+    EXPECT_EQ(corner, 3 * Faces);
+    EXPECT_EQ(model->Groups()->size(), 1 + Faces / step);
+  }
 }

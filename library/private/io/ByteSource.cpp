@@ -1,17 +1,18 @@
 #include "library/private/io/ByteSource.h"
 
-#include "library/private/io/LineBlocks.h"
 #include "platform/debug/Check.h"
 
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <ios>
 #include <utility>
 
 namespace Vek::Chart::Library::Private {
 
-ByteSource::ByteSource(std::istream& p_stream)
+ByteSource::ByteSource(std::istream& p_stream, std::string_view p_path)
     : _stream(p_stream)
+    , _path(p_path)
     , _window(new unsigned char[_size + Slack])
     , _ended(!p_stream.good() || p_stream.rdbuf() == nullptr) {}
 
@@ -45,17 +46,20 @@ std::size_t ByteSource::Refill(std::size_t p_count) {
   return _end;
 }
 
-/// Reads behind the end of the window and returns how many bytes came. What cannot be read, a folder for one, ends, and
-/// the reason is told: a file that was read in part is not to be taken for a short one.
+/// Reads behind the end of the window and returns the number of new bytes. Errors (for example on a directory) are
+/// reported, so that the stream is not taken for a short one.
 std::size_t ByteSource::ReadOn() {
+  const vekdebug::detail where{_path};
   try {
     const std::streamsize got = _stream.rdbuf()->sgetn(reinterpret_cast<char*>(_window.get() + _end),
                                                        static_cast<std::streamsize>(_size - _end));
     return got < 0 ? 0 : static_cast<std::size_t>(got);
-  } catch (const std::exception& pFailure) {
-    vekdebug::warn(std::string("a stream failed while it was read: ") + pFailure.what());
+  } catch (const std::exception& failure) {
+    _failed = true;
+    vekdebug::warn(std::string("a stream failed while it was read: ") + failure.what(), where);
   } catch (...) {
-    vekdebug::warn("a stream failed while it was read");
+    _failed = true;
+    vekdebug::warn("a stream failed while it was read", where);
   }
   return 0;
 }
@@ -78,9 +82,19 @@ bool ByteSource::GetLine(std::string& p_line, std::size_t p_longest) {
   return true;
 }
 
+std::size_t ByteSource::PrepareLines() {
+  for (std::size_t wanted = WindowSize;;) {
+    const std::size_t available = Prepare(wanted);
+    const std::size_t lines = std::string_view(reinterpret_cast<const char*>(Data()), available).rfind('\n') + 1;
+    if (lines != 0 || available < wanted || available > LongestLine)
+      return lines;
+    wanted = std::min(2 * available, LongestLine + 1);
+  }
+}
+
 std::uint64_t ByteSource::Remaining(std::uint64_t p_limit) {
   std::uint64_t available = _end - _next;
-  if (!_ended && available + RemainingBytes(_stream) >= p_limit)
+  if (!_ended && RemainingByClaim() >= p_limit)
     return p_limit;
   // Windows grow by doubling here, so that a stream much shorter than the limit costs what it holds.
   for (std::size_t wanted = WindowSize; available < p_limit; wanted *= 2) {
@@ -89,6 +103,20 @@ std::uint64_t ByteSource::Remaining(std::uint64_t p_limit) {
       break;
   }
   return std::min(available, p_limit);
+}
+
+std::uint64_t ByteSource::RemainingByClaim() const {
+  const std::uint64_t available = _end - _next;
+  if (_ended)
+    return available;
+  // Straight from the buffer: a failed seek leaves the stream's state alone.
+  std::streambuf* const buffer = _stream.rdbuf();
+  const std::streamoff here = buffer->pubseekoff(0, std::ios::cur, std::ios::in);
+  if (here < 0)
+    return available;
+  const std::streamoff end = buffer->pubseekoff(0, std::ios::end, std::ios::in);
+  buffer->pubseekoff(here, std::ios::beg, std::ios::in);
+  return available + (end > here ? static_cast<std::uint64_t>(end - here) : 0);
 }
 
 } // namespace Vek::Chart::Library::Private

@@ -1,31 +1,51 @@
 #include "library/private/io/ObjReader.h"
 
-#include "library/private/memory/HugePages.h"
 #include "library/private/io/NumberText.h"
+#include "library/private/memory/HugePages.h"
 #include "platform/debug/Check.h"
 
-#include <boost/make_shared.hpp>
+#include <boost/lexical_cast.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <stdexcept>
+#include <type_traits>
 #include <utility>
 
 namespace Vek::Chart::Library::Private {
 
 namespace {
 
-constexpr const char Signature[] = "class boost::shared_ptr<class Vek::Chart::Library::ObjModel> __cdecl "
-                                   "Vek::Chart::Library::LoadPolygonObjFile(const class vekfile::filepath &)";
-
-// Apart, as the code that builds a message is in the way of the many indices that need none.
-
-[[gnu::noinline]] void ReportVertexIndex(std::uint32_t p_index, std::size_t p_end) {
-  VEK_CHECK_RANGE(p_index, p_end, "0 <= vertexIndex < vertices->size()", Signature);
+namespace Signature {
+constexpr const char* Load = "class boost::shared_ptr<class Vek::Chart::Library::ObjModel> __cdecl "
+                             "Vek::Chart::Library::LoadPolygonObjFile(const class vekfile::filepath &)";
 }
 
-[[gnu::noinline]] void ReportNormalIndex(std::uint32_t p_index, std::size_t p_end) {
-  VEK_CHECK_RANGE(p_index, p_end, "0 <= normalIndex < sourceNormals->size()", Signature);
+constexpr const char* FourParts = "parts.size() == 4";
+constexpr const char* ThreeParts = "parts.size() == 3";
+
+/// boost::bad_lexical_cast, with the place in the file behind its fixed message.
+class BadNumber : public boost::bad_lexical_cast {
+public:
+  BadNumber(const boost::bad_lexical_cast& p_cause, const std::string& p_where)
+      : boost::bad_lexical_cast(p_cause)
+      , _message(std::string(p_cause.what()) + " (" + p_where + ")") {}
+  const char* what() const noexcept override { return _message.what(); }
+
+private:
+  std::runtime_error _message; // copies of it never throw
+};
+
+/// A number of the line that p_where describes. Throws BadNumber.
+template <class T>
+T NumberFrom(T (*p_convert)(std::string_view), std::string_view p_text, const vekdebug::detail& p_where) {
+  try {
+    return p_convert(p_text);
+  } catch (const boost::bad_lexical_cast& cause) {
+    const char* const expected = std::is_integral_v<T> ? ", expected an integer" : ", expected a number";
+    throw BadNumber(cause, vekdebug::detail_text(p_where) + expected);
+  }
 }
 
 /// Without white space at both ends, as the classic locale has it.
@@ -36,44 +56,18 @@ std::string_view Trimmed(std::string_view p_text) {
                                          : p_text.substr(first, p_text.find_last_not_of(WhiteSpace) + 1 - first);
 }
 
-/// A line split at every blank. No keyword needs more than the first four parts; the others are only counted.
-class Parts {
-public:
-  explicit Parts(std::string_view p_line)
-      : _size(1 + std::size_t(std::count(p_line.begin(), p_line.end(), ' '))) {
-    for (std::size_t i = 0; i < std::min(_size, _first.size()); ++i) {
-      const std::size_t blank = p_line.find(' ');
-      _first[i] = p_line.substr(0, blank);
-      p_line = blank == std::string_view::npos ? std::string_view() : p_line.substr(blank + 1);
-    }
-  }
-  std::size_t size() const { return _size; }
-  std::string_view operator[](std::size_t p_index) const { return _first[p_index]; }
-
-private:
-  std::size_t _size;
-  std::array<std::string_view, 4> _first;
-};
-
-/// The three numbers behind the keyword; 0 for those that are missing.
-Types::Vector3_Base<double> VectorFromParts(const Parts& p_parts) {
-  std::array<double, 3> values{};
-  for (std::size_t i = 1; i < std::min<std::size_t>(p_parts.size(), 4); ++i)
-    values[i - 1] = DoubleFromText(p_parts[i]);
-  return {values[0], values[1], values[2]};
-}
-
-int VertexNumber(std::string_view p_corner) {
-  // Splitting at '/' yields one part at least, so "indexParts.size() >= 1" always holds.
-  return IntFromText(p_corner.substr(0, p_corner.find('/')));
+/// The position of a corner: its first field. Splitting yields at least one, so "indexParts.size() >= 1" always holds.
+std::string_view VertexField(std::string_view p_corner) {
+  return p_corner.substr(0, p_corner.find('/'));
 }
 
 bool NamesNormal(std::string_view p_corner) {
   return std::count(p_corner.begin(), p_corner.end(), '/') >= 2;
 }
 
-int NormalNumber(std::string_view p_corner) {
-  return IntFromText(p_corner.substr(p_corner.rfind('/') + 1));
+/// The normal of a corner: its last field.
+std::string_view NormalField(std::string_view p_corner) {
+  return p_corner.substr(p_corner.rfind('/') + 1);
 }
 
 Ogl::Vec3<float> Narrowed(const Types::Vector3_Base<double>& p_vector) {
@@ -83,20 +77,33 @@ Ogl::Vec3<float> Narrowed(const Types::Vector3_Base<double>& p_vector) {
 // Scanners for plain lines. Every line ends in a line feed, which no number contains, so the place behind a number can
 // always be looked at.
 
-const char* ScanLineEnd(const char* p_first) {
-  p_first += *p_first == '\r';
-  return *p_first == '\n' ? p_first + 1 : nullptr;
+/// The rest of a line that has all the parts it needs.
+struct LineRest {
+  const char* next = nullptr; // the start of the next line; null when the line must be read in the general way
+  bool hasMoreParts = false;
+};
+
+LineRest ScanLineRest(const char* p_first, const char* p_last) {
+  if (*p_first == '\n')
+    return {p_first + 1};
+  if (p_first[0] == '\r' && p_first[1] == '\n')
+    return {p_first + 2};
+  if (*p_first != ' ')
+    return {};
+  const auto* lineFeed = static_cast<const char*>(std::memchr(p_first, '\n', std::size_t(p_last - p_first)));
+  const char* const end = lineFeed[-1] == '\r' ? lineFeed - 1 : lineFeed;
+  return Scan::IsBlank(end[-1]) ? LineRest() : LineRest{lineFeed + 1, true}; // blanks at the end are no parts
 }
 
-const char* ScanVector(const char* p_first, const char* p_last, Types::Vector3_Base<double>& p_vector) {
+LineRest ScanVector(const char* p_first, const char* p_last, Types::Vector3_Base<double>& p_vector) {
   p_first = Scan::ShortDouble(p_first, p_last, p_vector.x);
   if (p_first == nullptr || *p_first != ' ')
-    return nullptr;
+    return {};
   p_first = Scan::ShortDouble(p_first + 1, p_last, p_vector.y);
   if (p_first == nullptr || *p_first != ' ')
-    return nullptr;
+    return {};
   p_first = Scan::ShortDouble(p_first + 1, p_last, p_vector.z);
-  return p_first == nullptr ? nullptr : ScanLineEnd(p_first);
+  return p_first == nullptr ? LineRest() : ScanLineRest(p_first, p_last);
 }
 
 struct Corner {
@@ -132,15 +139,33 @@ const ObjReader::Keyword ObjReader::Keywords[] = {
     {"l", &ObjReader::ReadLineSegment}, {"g", &ObjReader::ReadGroup},
 };
 
-ObjReader::ObjReader()
-    : _model(boost::make_shared<ObjModel>())
-    , _normals(_model->Normals())
-    , _group(_model->DefaultGroup()) {}
+/// A line split at every blank. No keyword needs more than the first four parts; the others are only counted.
+class ObjReader::Parts {
+public:
+  explicit Parts(std::string_view p_line)
+      : _size(1 + std::size_t(std::count(p_line.begin(), p_line.end(), ' '))) {
+    for (std::size_t i = 0; i < std::min(_size, _first.size()); ++i) {
+      const std::size_t blank = p_line.find(' ');
+      _first[i] = p_line.substr(0, blank);
+      p_line = blank == std::string_view::npos ? std::string_view() : p_line.substr(blank + 1);
+    }
+  }
+  std::size_t Size() const { return _size; }
+  std::string_view operator[](std::size_t p_index) const { return _first[p_index]; }
+
+private:
+  std::size_t _size;
+  std::array<std::string_view, 4> _first;
+};
+
+ObjReader::ObjReader(std::string_view p_path)
+    : _path(p_path) {}
 
 void ObjReader::ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft) {
   const std::size_t indicesBefore = _indices.size();
   const char* line = p_first;
   while (line != p_last) {
+    ++_line;
     const char* next = ReadPlainLine(line, p_last);
     if (next == nullptr) {
       const auto* end = static_cast<const char*>(std::memchr(line, '\n', std::size_t(p_last - line)));
@@ -153,9 +178,9 @@ void ObjReader::ReadBlock(const char* p_first, const char* p_last, std::uint64_t
     ReserveIndices(_indices.size() - indicesBefore, double(p_bytesLeft) / double(p_last - p_first));
 }
 
-/// When the next block's indices will not fit, makes room for those of all blocks to come, supposed they are like the
-/// last one: a list of many megabytes should not move again and again. A file's size is a mere claim, so there
-/// are bounds to that.
+/// When the next block's indices will not fit, makes room for those of all blocks to come, assuming they resemble the
+/// last one: a list of many megabytes should not move again and again. The file's size is only a claim, so the growth
+/// is bounded.
 void ObjReader::ReserveIndices(std::size_t p_gained, double p_blocksLeft) {
   constexpr double Margin = 1.02;
   constexpr double MostGrowth = 64.0;
@@ -164,40 +189,47 @@ void ObjReader::ReserveIndices(std::size_t p_gained, double p_blocksLeft) {
     ReserveLarge(_indices, std::size_t(std::min(size + Margin * double(p_gained) * p_blocksLeft, MostGrowth * size)));
 }
 
-const char* ObjReader::ReadPlainLine(const char* p_first, const char* p_last) {
-  if (p_first[0] == 'f' && p_first[1] == ' ')
-    return ReadPlainTriangle(p_first + 2, p_last);
-  if (p_first[0] != 'v')
-    return nullptr;
-  const bool isNormal = p_first[1] == 'n';
-  p_first += isNormal ? 2 : 1;
-  Vector vector;
-  const char* const next = *p_first == ' ' ? ScanVector(p_first + 1, p_last, vector) : nullptr;
-  if (next != nullptr)
-    isNormal ? AddNormal(vector) : AddPosition(vector);
-  return next;
+const char* ObjReader::ReadPlainLine(const char* p_line, const char* p_last) {
+  if (p_line[0] == 'f' && p_line[1] == ' ')
+    return ReadPlainTriangle(p_line, p_last);
+  return p_line[0] == 'v' ? ReadPlainVector(p_line, p_last) : nullptr;
 }
 
-const char* ObjReader::ReadPlainTriangle(const char* p_first, const char* p_last) {
+const char* ObjReader::ReadPlainVector(const char* p_line, const char* p_last) {
+  const bool isNormal = p_line[1] == 'n';
+  const char* const blank = p_line + (isNormal ? 2 : 1);
+  Vector vector;
+  const LineRest rest = *blank == ' ' ? ScanVector(blank + 1, p_last, vector) : LineRest();
+  if (rest.next == nullptr)
+    return nullptr;
+  if (rest.hasMoreParts)
+    ReportSize(FourParts, {p_line, std::size_t(rest.next - p_line)});
+  isNormal ? AddNormal(vector) : AddPosition(vector);
+  return rest.next;
+}
+
+const char* ObjReader::ReadPlainTriangle(const char* p_line, const char* p_last) {
   std::array<Corner, 3> corners;
-  for (std::size_t i = 0; i < 3; ++i) {
-    p_first = ScanCorner(p_first, p_last, corners[i]);
-    if (p_first == nullptr)
+  const char* next = p_line + 1;
+  for (Corner& corner : corners) {
+    if (*next != ' ')
       return nullptr;
-    if (i == 2)
-      p_first = ScanLineEnd(p_first);
-    else if (*p_first++ != ' ')
+    next = ScanCorner(next + 1, p_last, corner);
+    if (next == nullptr)
       return nullptr;
   }
-  if (p_first == nullptr)
+  const LineRest rest = ScanLineRest(next, p_last);
+  if (rest.next == nullptr)
     return nullptr;
   DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
+  if (rest.hasMoreParts)
+    ReportSize(FourParts, {p_line, std::size_t(rest.next - p_line)});
   for (const Corner& corner : corners) {
     AddCorner(corner.vertexNumber);
     if (corner.hasNormal)
       AddCornerNormal(corner.normalNumber);
   }
-  return p_first;
+  return rest.next;
 }
 
 void ObjReader::ReadLine(std::string_view p_line) {
@@ -210,44 +242,72 @@ void ObjReader::ReadLine(std::string_view p_line) {
 
 void ObjReader::ReadPosition(std::string_view p_line) {
   const Parts parts(p_line);
-  VEK_ENSURE(parts.size() == 4, Signature);
-  AddPosition(VectorFromParts(parts));
+  if (parts.Size() != 4)
+    ReportSize(FourParts, p_line);
+  AddPosition(VectorFrom(parts));
 }
 
 void ObjReader::ReadNormal(std::string_view p_line) {
   const Parts parts(p_line);
-  VEK_ENSURE(parts.size() == 4, Signature);
-  AddNormal(VectorFromParts(parts));
+  if (parts.Size() != 4)
+    ReportSize(FourParts, p_line);
+  AddNormal(VectorFrom(parts));
 }
 
 void ObjReader::ReadTriangle(std::string_view p_line) {
   DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
   const Parts parts(p_line);
-  VEK_ENSURE(parts.size() == 4, Signature);
-  for (std::size_t i = 1; i < std::min<std::size_t>(parts.size(), 4); ++i) {
-    AddCorner(VertexNumber(parts[i]));
+  if (parts.Size() != 4)
+    ReportSize(FourParts, p_line);
+  for (std::size_t i = 1; i < std::min<std::size_t>(parts.Size(), 4); ++i) {
+    AddCorner(NumberFrom(IntFromText, VertexField(parts[i]), Where(parts[i])));
     if (NamesNormal(parts[i]))
-      AddCornerNormal(NormalNumber(parts[i]));
+      AddCornerNormal(NumberFrom(IntFromText, NormalField(parts[i]), Where(parts[i])));
   }
 }
 
 void ObjReader::ReadLineSegment(std::string_view p_line) {
   DecidePrimitiveType(Ogl::VertexBuffer::LineSegments);
   const Parts parts(p_line);
-  VEK_ENSURE(parts.size() == 3, Signature);
-  for (std::size_t i = 1; i < std::min<std::size_t>(parts.size(), 3); ++i)
-    AddCorner(VertexNumber(parts[i]));
+  if (parts.Size() != 3)
+    ReportSize(ThreeParts, p_line);
+  for (std::size_t i = 1; i < std::min<std::size_t>(parts.Size(), 3); ++i)
+    AddCorner(NumberFrom(IntFromText, VertexField(parts[i]), Where(parts[i])));
 }
 
 void ObjReader::ReadGroup(std::string_view p_line) {
   FinishGroup();
-  _group = _model->AddGroup();
-  _group->name = p_line.substr(2); // throws for a g alone
+  if (p_line.size() < 2)
+    throw std::out_of_range("LoadPolygonObjFile: a group has no name (" + vekdebug::detail_text(Where(p_line)) + ")");
+  _result.groups.push_back({std::string(p_line.substr(2)), {}});
+}
+
+/// The three numbers behind the keyword; 0 for those that are missing.
+ObjReader::Vector ObjReader::VectorFrom(const Parts& p_parts) const {
+  std::array<double, 3> values{};
+  for (std::size_t i = 1; i < std::min<std::size_t>(p_parts.Size(), 4); ++i)
+    values[i - 1] = NumberFrom(DoubleFromText, p_parts[i], Where(p_parts[i]));
+  return {values[0], values[1], values[2]};
+}
+
+// Out of line, to keep the code of reports out of the loops.
+
+[[gnu::noinline]] void ObjReader::ReportSize(const char* p_expression, std::string_view p_line) const {
+  vekdebug::fail_ensure(p_expression, Signature::Load, Where(Trimmed(p_line)));
+}
+
+[[gnu::noinline]] void ObjReader::ReportVertexIndex(std::uint32_t p_index) const {
+  VEK_CHECK_RANGE_AT(p_index, _vertices.Size(), "0 <= vertexIndex < vertices->size()", Signature::Load, Where());
+}
+
+[[gnu::noinline]] void ObjReader::ReportNormalIndex(std::uint32_t p_index) const {
+  VEK_CHECK_RANGE_AT(p_index, _sourceNormals.Size(), "0 <= normalIndex < sourceNormals->size()", Signature::Load,
+                     Where());
 }
 
 void ObjReader::AddPosition(const Vector& p_position) {
   _vertices.Append(Narrowed(p_position));
-  _bounds += p_position;
+  _result.bounds += p_position;
 }
 
 void ObjReader::AddNormal(const Vector& p_normal) {
@@ -255,21 +315,21 @@ void ObjReader::AddNormal(const Vector& p_normal) {
 }
 
 void ObjReader::DecidePrimitiveType(Ogl::VertexBuffer::PrimitiveType p_type) {
-  if (_primitiveType == Ogl::VertexBuffer::Undecided)
-    _primitiveType = p_type;
+  if (_result.primitiveType == Ogl::VertexBuffer::Undecided)
+    _result.primitiveType = p_type;
 }
 
 void ObjReader::AddCorner(int p_vertexNumber) {
   const std::uint32_t vertexIndex = static_cast<std::uint32_t>(p_vertexNumber) - 1u;
   if (vertexIndex >= _vertices.Size())
-    ReportVertexIndex(vertexIndex, _vertices.Size());
+    ReportVertexIndex(vertexIndex);
   _indices.push_back(vertexIndex);
 }
 
 void ObjReader::AddCornerNormal(int p_normalNumber) {
   const std::uint32_t normalIndex = static_cast<std::uint32_t>(p_normalNumber) - 1u;
   if (normalIndex >= _sourceNormals.Size())
-    ReportNormalIndex(normalIndex, _sourceNormals.Size());
+    ReportNormalIndex(normalIndex);
   if (_settledCorners + 1 == _indices.size() && GiveNormal(_indices.back(), normalIndex))
     ++_settledCorners;
   else
@@ -287,16 +347,16 @@ bool ObjReader::GiveNormal(std::uint32_t p_vertexIndex, std::uint32_t p_normalIn
   }
   if (!_hasNormal[p_vertexIndex]) {
     _hasNormal[p_vertexIndex] = true;
-    (*_normals)[p_vertexIndex] = _sourceNormals[p_normalIndex];
+    _result.normals[p_vertexIndex] = _sourceNormals[p_normalIndex];
   }
   return true;
 }
 
 /// In a file with normals every vertex has one, if only a zero vector.
 void ObjReader::SizeNormals() {
-  if (_normals->empty())
-    ReserveLarge(*_normals, _vertices.Size());
-  _normals->resize(_vertices.Size());
+  if (_result.normals.empty())
+    ReserveLarge(_result.normals, _vertices.Size());
+  _result.normals.resize(_vertices.Size());
   _hasNormal.resize(_vertices.Size());
 }
 
@@ -309,28 +369,25 @@ void ObjReader::SettlePendingNormals() {
 
 void ObjReader::FinishGroup() {
   SettlePendingNormals();
-  // A long list in memory of about its size is handed over; a copy would double the peak. Any other is copied: its
-  // memory fits and serves the next group.
+  std::vector<std::uint32_t>& indices = _result.groups.back().indices;
+  // A long list in memory of about its size is moved; a copy would double the peak. Any other is copied: its memory
+  // serves the next group.
   constexpr std::size_t LongList = std::size_t(1) << 18;
   if (_indices.size() >= LongList && _indices.capacity() - _indices.size() <= _indices.size() / 8)
-    _group->indices = std::exchange(_indices, {});
+    indices = std::exchange(_indices, {});
   else
-    _group->indices = _indices;
+    indices = _indices;
   _indices.clear();
 }
 
-boost::shared_ptr<ObjModel> ObjReader::Finish() {
+ObjReader::Result ObjReader::Finish() {
   SettlePendingNormals();
   if (_sourceNormals.Size() != 0)
     SizeNormals();
   _sourceNormals = {}; // before the last arrays are copied, to keep the peak low
   FinishGroup();
-  const boost::shared_ptr<ObjModel> model = _model;
-  *model->Vertices() = _vertices.MoveOut();
-  model->SetBoundingBox(_bounds);
-  model->SetPrimitiveType(_primitiveType);
-  VEK_ENSURE(!model->Groups()->empty(), Signature);
-  return model;
+  _result.vertices = _vertices.MoveOut();
+  return std::move(_result);
 }
 
 } // namespace Vek::Chart::Library::Private

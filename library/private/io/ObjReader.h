@@ -1,33 +1,58 @@
 #pragma once
 
-#include "library/ObjModel.h"
 #include "library/private/memory/ChunkedArray.h"
+#include "platform/debug/Logger.h"
+#include "platform/ogl/Vec.h"
+#include "platform/ogl/VertexBuffer.h"
+#include "platform/types/Geometry.h"
 
+#include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace Vek::Chart::Library::Private {
 
-/// Builds a model from the text of an OBJ file; see LoadPolygonObjFile for what is read and reported.
+/// Reads the text of an OBJ file; see LoadPolygonObjFile for the format and its reports.
 class ObjReader {
 public:
-  ObjReader();
+  using Attribute = Ogl::Attribute<Ogl::Vec3<float>>;
+  struct Group {
+    std::string name;
+    std::vector<std::uint32_t> indices;
+  };
+  /// The arrays of a model; see ObjModel.
+  struct Result {
+    Ogl::VertexBuffer::PrimitiveType primitiveType = Ogl::VertexBuffer::Undecided;
+    std::vector<Group> groups = std::vector<Group>(1); ///< the first one is the default group
+    std::vector<Attribute> vertices;
+    std::vector<Attribute> normals;
+    Types::BoundingBox_Base<double> bounds;
+  };
+
+  /// Reports show the path, whose characters must outlive the reader.
+  explicit ObjReader(std::string_view p_path);
 
   /// Reads the next lines: [p_first, p_last) ends in a line feed. About p_bytesLeft bytes follow later, 0 where that is
-  /// not known; nothing but the choice of how much memory to take in advance depends on it.
+  /// not known; it serves only to choose how much memory to take in advance.
   void ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft);
-  /// The model, after the last line. The reader is used up.
-  boost::shared_ptr<ObjModel> Finish();
+  /// The arrays, after the last line. The reader is used up.
+  Result Finish();
+
+  /// The place of the line that was read last, for reports.
+  vekdebug::detail Where(std::string_view p_found = {}) const { return {_path, _line, p_found}; }
 
 private:
   using Vector = Types::Vector3_Base<double>;
-  using Attribute = ObjModel::VertexArray::value_type;
+  class Parts;
   struct Keyword;
   static const Keyword Keywords[];
 
   // Plain lines, the bulk of any file, in one pass. Each returns the start of the next line, or null when the line must
   // be read in the general way; then it has done nothing yet.
   const char* ReadPlainLine(const char* p_first, const char* p_last);
-  const char* ReadPlainTriangle(const char* p_first, const char* p_last);
+  const char* ReadPlainVector(const char* p_line, const char* p_last);
+  const char* ReadPlainTriangle(const char* p_line, const char* p_last);
 
   // The general way: a trimmed line, and one function for each keyword.
   void ReadLine(std::string_view p_line);
@@ -36,6 +61,11 @@ private:
   void ReadTriangle(std::string_view p_line);
   void ReadLineSegment(std::string_view p_line);
   void ReadGroup(std::string_view p_line);
+
+  Vector VectorFrom(const Parts& p_parts) const;
+  void ReportSize(const char* p_expression, std::string_view p_line) const;
+  void ReportVertexIndex(std::uint32_t p_index) const;
+  void ReportNormalIndex(std::uint32_t p_index) const;
 
   void AddPosition(const Vector& p_position);
   void AddNormal(const Vector& p_normal);
@@ -48,16 +78,14 @@ private:
   void ReserveIndices(std::size_t p_gained, double p_blocksLeft);
   void FinishGroup();
 
-  boost::shared_ptr<ObjModel> _model;
+  std::string_view _path;
+  std::uint64_t _line = 0; // from 1
+  Result _result;
   ChunkedArray<Attribute> _vertices;
   ChunkedArray<Attribute> _sourceNormals;
-  boost::shared_ptr<ObjModel::VertexArray> _normals;
-  std::vector<bool> _hasNormal; // a bit for each element of _normals
-  Types::BoundingBox_Base<double> _bounds;
-  Ogl::VertexBuffer::PrimitiveType _primitiveType = Ogl::VertexBuffer::Undecided;
+  std::vector<bool> _hasNormal; // a bit for each element of _result.normals
 
-  boost::shared_ptr<ObjModel::ObjGroup> _group;
-  std::vector<std::uint32_t> _indices;
+  std::vector<std::uint32_t> _indices; // of the current group, the last one
   // The group's k-th normal index belongs to its k-th vertex index. As long as both exist when they are read, the
   // vertex takes its normal at once; from the first pair on that is not so, normal indices wait for the end of the
   // group.

@@ -3,7 +3,7 @@
 
 namespace {
 
-/// A signature whose text must not be built unless a check fails.
+/// A signature that must not be built unless a check fails.
 std::string Signature(int& p_built) {
   ++p_built;
   return "void __cdecl F(void)";
@@ -19,6 +19,10 @@ TEST(Check, PassesWithoutBuildingItsMessage) {
   EXPECT_TRUE(VEK_ENSURE_TEXT(index, "index", Signature(built)));
   EXPECT_TRUE(VEK_CHECK_RANGE(index, 5, "index", Signature(built)));
   EXPECT_TRUE(VEK_CHECK_POINTER(&index, Signature(built)));
+  const auto where = [&built] { return vekdebug::detail{"a.obj", std::uint64_t(++built)}; };
+  EXPECT_TRUE(VEK_ENSURE_AT(index > 3, "index > 3", "F", where()));
+  EXPECT_TRUE(VEK_CHECK_RANGE_AT(index, 5, "index", "F", where()));
+  EXPECT_TRUE(VEK_CHECK_POINTER_AT(&index, "F", where()));
   EXPECT_EQ(built, 0);
   EXPECT_TRUE(reports.Entries().empty());
 }
@@ -45,6 +49,36 @@ TEST(Check, ReportsTheExpressionAndTheSignature) {
                             severity::pointer, severity::sentry, severity::error};
   for (std::size_t i = 0; i < std::size(kinds); ++i)
     EXPECT_EQ(reports.Entries()[i].kind, kinds[i]) << i;
+}
+
+TEST(Check, PassesOnTheDetail) {
+  const ReportCapture reports;
+  const int* const object = nullptr;
+  VEK_ENSURE_AT(object != nullptr, "text", "F", {"a.obj", 3, "x"});
+  VEK_CHECK_RANGE_AT(-1, 5, "index", "F", {"b.obj"});
+  VEK_CHECK_RANGE(7, 5, "index", "F");
+  VEK_CHECK_POINTER_AT(object, "F", {{}, 4});
+  VEK_SENTRY_AT("F", 280, {{}, 0, "y"});
+  vekdebug::warn("two\nlines", {"c.obj"});
+  EXPECT_EQ(reports.Details(), (Texts{"a.obj:3, found \"x\"", "b.obj, index 18446744073709551615, count 5",
+                                      "index 7, count 5", "line 4", "found \"y\"", "c.obj", "c.obj"}));
+  EXPECT_EQ(reports.Texts()[5] + reports.Texts()[6], "WARNING: twolines");
+}
+
+TEST(Check, KeepsAMessageWhileItsSinkReports) {
+  struct ReportingSink : vekdebug::sink {
+    void write(const vekdebug::report& p_report) override {
+      if (texts.empty() && p_report.text != "\"inner\" - F")
+        vekdebug::fail_ensure("inner", "F");
+      texts.push_back(p_report.text);
+    }
+    Texts texts;
+  };
+  const auto sink = std::make_shared<ReportingSink>();
+  const auto previous = vekdebug::logger::instance().set_sink(sink);
+  vekdebug::fail_ensure("outer", "F");
+  vekdebug::logger::instance().set_sink(previous);
+  EXPECT_EQ(sink->texts, (Texts{"\"inner\" - F", "\"outer\" - F"}));
 }
 
 TEST(TypeName, WritesTypesAsTheHostPlatformDoes) {

@@ -87,15 +87,113 @@ TEST(Logger, WhatASinkThrowsReachesTheCallerAndTheStreamsWorkAgain) {
   EXPECT_EQ(reports.Texts(), (Texts{"error", "debug"}));
 }
 
-TEST(Logger, TheDefaultSinkWritesLinesToStandardError) {
+namespace {
+
+/// What the default sink writes to standard error for some reports, and when another sink is installed.
+std::pair<std::string, std::string> DefaultOutput(const std::function<void(logger&)>& p_report) {
   logger& log = logger::instance();
-  const OpenChannel open("LoggerTest");
   const auto previous = log.set_sink(nullptr);
   testing::internal::CaptureStderr();
-  log.ensure(false, "broken");
-  log.dout("LoggerTest") << "debug" << std::endl;
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "broken\n[LoggerTest] debug\n");
+  p_report(log);
+  const std::string atOnce = testing::internal::GetCapturedStderr();
+  testing::internal::CaptureStderr();
   log.set_sink(previous);
+  return {atOnce, testing::internal::GetCapturedStderr()};
+}
+
+} // namespace
+
+TEST(Logger, WritesDetails) {
+  using vekdebug::detail;
+  const std::string longText = std::string(79, 'a') + "\xc3\xa4";
+  const std::pair<detail, std::string> rows[] = {
+      {{}, ""},
+      {{"a b.obj"}, "a b.obj"},
+      {{"a.obj", 12}, "a.obj:12"},
+      {{{}, 12}, "line 12"},
+      {{{}, 0, "\"x\t\x7f\n\xc3\xa4"}, "found \"\"x???\xc3\xa4\""},
+      {{{}, 0, longText}, "found \"" + std::string(79, 'a') + "…\""},
+      {{"a.obj", 1, "", 0, 0, 0.0}, "a.obj:1, found \"\", index 0, count 0, value 0"},
+      {{{}, 0, {}, {}, std::uint64_t(-1), -0.1}, "count 18446744073709551615, value -0.1"},
+      {{{}, 0, {}, {}, {}, std::nan("")}, "value nan"},
+  };
+  for (const auto& [where, expected] : rows)
+    EXPECT_EQ(detail_text(where), expected);
+}
+
+TEST(Logger, DefaultSinkWritesAndFoldsLines) {
+  const OpenChannel open("LoggerTest");
+  const std::pair<std::function<void(logger&)>, std::string> rows[] = {
+      {[](logger& p_log) {
+         p_log.ensure(false, "a", {"b.obj", 7});
+       },
+       "a (b.obj:7)\n"},
+      {[](logger& p_log) { p_log.dout("LoggerTest") << "a" << std::endl; }, "[LoggerTest] a\n"},
+      {[](logger& p_log) {
+         p_log.sentry("a", {"b.obj", 7});
+         p_log.sentry("a", {"b.obj", 1234567});
+         p_log.sentry("b", {"b.obj", 7});
+       },
+       "a (b.obj:7)\n… 1 more, to line 1,234,567\nb (b.obj:7)\n"},
+      {[](logger& p_log) {
+         p_log.chkrng(3, 0, 3, "a");
+         p_log.chkrng(1000, 0, 3, "a");
+       },
+       "a (index 3, count 3)\n… 1 more, to index 1,000\n"},
+      {[](logger& p_log) {
+         p_log.sentry("a", {"b.obj", 7});
+         p_log.sentry("a", {"c.obj", 7});
+       },
+       "a (b.obj:7)\n… 1 more, to c.obj, line 7\n"},
+      {[](logger& p_log) {
+         p_log.sentry("a");
+         p_log.ensure(false, "a"); // of another kind
+         p_log.dout("LoggerTest") << "a" << std::endl;
+         p_log.ensure(false, "a");
+         p_log.ensure(false, "a");
+       },
+       "a\na\n[LoggerTest] a\na\n… 1 more\n"},
+      {[](logger& p_log) { p_log.ensure(false, "a"); }, "a\n"}, // no repetition of what stood before another sink
+  };
+  for (const auto& [report, expected] : rows) {
+    const auto [atOnce, later] = DefaultOutput(report);
+    EXPECT_EQ(atOnce + later, expected);
+  }
+}
+
+TEST(Logger, DefaultSinkWritesItsCountAfterASecond) {
+  const auto [atOnce, later] = DefaultOutput([](logger& p_log) {
+    p_log.ensure(false, "a");
+    std::this_thread::sleep_for(std::chrono::milliseconds(1050));
+    p_log.ensure(false, "a");
+    p_log.ensure(false, "a");
+  });
+  EXPECT_EQ(atOnce.substr(0, 13), "a\n… 1 more\n");
+  EXPECT_EQ(atOnce.substr(13) + later, "… 1 more\n");
+}
+
+namespace {
+
+/// Reports after the logger's own end of the process, since it exists before the logger.
+struct ReportsLast {
+  ~ReportsLast() {
+    for (int i = 0; i < count; ++i)
+      logger::instance().ensure(false, "late");
+  }
+  int count = 0;
+} reportsLast;
+
+} // namespace
+
+TEST(Logger, DefaultSinkWritesItsCountAtTheEndOfTheProcess) {
+  const auto end = [] {
+    logger::instance().set_sink(nullptr);
+    for (int i = 0; i < 2; ++i)
+      logger::instance().ensure(false, "a");
+    reportsLast.count = 2;
+    std::exit(0);
+  };
+  EXPECT_EXIT(end(), testing::ExitedWithCode(0), "a\n… 1 more\nlate\nlate\n$");
 }
 
 TEST(Logger, LinesOfTwoThreadsNeverMix) {
