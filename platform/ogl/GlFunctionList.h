@@ -51,6 +51,11 @@ VEK_GL(void, ColorMask, (GlBoolean p_red, GlBoolean p_green, GlBoolean p_blue, G
        (p_red, p_green, p_blue, p_alpha))
 VEK_GL(void, DepthFunc, (GlEnum p_function), (p_function))
 VEK_GL(void, DepthMask, (GlBoolean p_write), (p_write))
+VEK_GL(void, DepthRange, (double p_near, double p_far), (p_near, p_far))
+VEK_GL(void, StencilFunc, (GlEnum p_function, int p_reference, unsigned int p_mask), (p_function, p_reference, p_mask))
+VEK_GL(void, StencilMask, (unsigned int p_mask), (p_mask))
+VEK_GL(void, ClearStencil, (int p_value), (p_value))
+VEK_GL(void, LogicOp, (GlEnum p_operation), (p_operation))
 VEK_GL(void, BlendFunc, (GlEnum p_source, GlEnum p_destination), (p_source, p_destination))
 VEK_GL(void, BlendFuncSeparate,
        (GlEnum p_sourceColor, GlEnum p_destinationColor, GlEnum p_sourceAlpha, GlEnum p_destinationAlpha),
