@@ -5,7 +5,7 @@
 #include "examples/SceneMakers.h"
 
 #include "examples/scene/DepthImages.h"
-#include "examples/scene/DepthPass.h"
+#include "examples/scene/DepthShader.h"
 #include "examples/scene/Light.h"
 #include "examples/scene/Overlay.h"
 #include "examples/scene/SpaceScene.h"
@@ -98,7 +98,7 @@ public:
   Types::Viewport<0> SurfaceViewport(const View& p_view) const override { return PartOf(p_view, MainPart); }
 
 protected:
-  void Prepare(Utility::Scoped<Rgl>& p_gl) override { _pass.emplace(p_gl); }
+  void Prepare(Utility::Scoped<Rgl>& p_gl) override { _shader.emplace(p_gl); }
 
   void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
     const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT);
@@ -165,7 +165,7 @@ private:
         continue;
       pick.hit = _picker.GetDepthAt(
           p_gl, p_scene.viewport, {x, y}, stamp,
-          [&](DepthCodec::Encoding) { _pass->Draw(p_gl, [&] { DrawSurfaces(p_gl, p_scene); }); },
+          [&](DepthCodec::Encoding) { _shader->Draw(p_gl, [&] { DrawSurfaces(p_gl, p_scene); }); },
           [&](unsigned int, float p_depth) {
             pick.place = p_scene.camera.Unproject({x + 0.5, y + 0.5, true}, static_cast<double>(p_depth),
                                                   {0, 0, p_scene.viewport.width, p_scene.viewport.height});
@@ -189,7 +189,7 @@ private:
       _target.emplace(size);
     {
       const auto bound = _target->BindForDraw(p_gl);
-      _pass->Draw(p_gl, [&] { DrawSurfaces(p_gl, p_scene); });
+      _shader->Draw(p_gl, [&] { DrawSurfaces(p_gl, p_scene); });
     }
     const DepthImages images(_target->ToImage(p_gl), _target->ReadDepths(p_gl));
     _decoded.emplace(images.decoded, p_gl);
@@ -238,7 +238,7 @@ private:
   }
 
   std::map<Model::Symbol::Shape, Ogl::VertexData> _meshes;
-  std::optional<DepthPass> _pass;
+  std::optional<DepthShader> _shader;
   // Of the view that was shown last.
   std::optional<View> _shown;
   std::vector<Pick> _picks;

@@ -8,20 +8,21 @@
 
 namespace Vek::Chart::Library {
 
-/// A guard for drawing packed depths: while it lives, the colours of DepthCodec reach the current frame buffer as they
-/// are written, nearest surface on top, whatever state the host has set.
+/// A guard for drawing packed depths: while it lives, no state of the host changes the colours of DepthCodec on their
+/// way into the current frame buffer, and the nearest surface wins.
 ///
-/// The constructor saves the host's state, sets GL's initial state wherever another would spoil a packed depth, enables
-/// the depth test, and clears colour (transparent black: "nothing here"), depth and stencil. The destructor restores
-/// the state. Set or off:
-/// - tests and masks: scissor, alpha, stencil and depth test, colour, depth and stencil mask, clear values;
-/// - blending, dithering, logic operation, multisampling, sRGB conversion, smoothing;
-/// - depth range, depth clamping, polygon offset, polygon mode, polygon and line stipple;
-/// - fog and lighting, for scenes that are drawn without a fragment shader.
+/// The constructor saves the host's state, disables or resets what would spoil a packed depth, enables the depth test,
+/// and clears colour (to transparent black, an empty pixel), depth and stencil. The destructor restores the state. In
+/// detail:
+/// - scissor, alpha and stencil test, blending, dithering, logic operation, multisampling, sRGB conversion, depth
+///   clamping, polygon offset, stipples and smoothing are off;
+/// - fog and lighting are off, for scenes that are drawn without a fragment shader;
+/// - colour, depth and stencil are written, the depth function is RGL_LESS, the depth range 0 to 1, polygons are
+/// filled.
 ///
-/// What belongs to the scene stays as it is: viewport, matrices, clip planes, face culling, texturing, shader program.
-/// The frame buffer needs 8 bits per channel, no sRGB storage and one sample per pixel, as that of a
-/// TopMostFragmentDepthBuffer. Uses one level of the attribute stack; must end before the scope closes.
+/// What belongs to the scene stays: viewport, matrices, clip planes, face culling, texturing, shader program. The frame
+/// buffer must have 8 bits per channel, no sRGB storage and one sample per pixel, as a TopMostFragmentDepthBuffer has.
+/// Takes one level of the attribute stack, and must be destroyed within the rendering scope.
 ///
 /// \snippet PickingSnippets.cpp Callback
 /// \ingroup picking

@@ -6,8 +6,8 @@
 
 namespace Vek::Chart::Library {
 
-/// The mip-map levels of a 2-D texture, and their sizes. Level 0 is the whole picture, each further one half of it in
-/// both directions, rounded down and at least 1, down to 1 × 1.
+/// The mip-map levels of a 2-D texture, and their sizes. Level 0 has the size of the texture; each further level halves
+/// width and height, rounded down and at least 1, down to 1 × 1.
 ///
 /// \snippet PickingSnippets.cpp MipInfo
 /// \ingroup picking
@@ -17,7 +17,7 @@ public:
   explicit MipInfo(Types::Size p_size)
       : _size(p_size) {}
 
-  /// How many levels there are: 3 for 5 × 3; none for an empty picture.
+  /// The number of levels: 3 for 5 × 3; 0 if the texture is empty.
   int Levels() const {
     int levels = 0;
     for (int edge = std::min(_size.width, _size.height) < 1 ? 0 : std::max(_size.width, _size.height); edge > 0;
@@ -26,7 +26,7 @@ public:
     return levels;
   }
 
-  /// The size of a level: 5 × 3, 2 × 1, 1 × 1. Levels that do not exist are 0 × 0.
+  /// The size of a level, in texels: 5 × 3, 2 × 1, 1 × 1. 0 × 0 for a level that does not exist.
   Types::Size LevelSize(int p_level) const {
     if (p_level < 0 || p_level >= Levels())
       return {};

@@ -10,14 +10,32 @@
 #include <array>
 #include <cstddef>
 #include <string>
+#include <utility>
 
 namespace Vek::Chart::Library {
 
 namespace {
 
-using Ogl::GlEnum;
+#define VEK_SCOPE "(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &) const"
+namespace Signature {
+constexpr const char* Constructor =
+    "__cdecl Vek::Chart::Library::RenderTexture::RenderTexture(class Vek::Chart::Types::Size,enum "
+    "Vek::Chart::Library::RenderTexture::ColorFormat,enum Vek::Chart::Library::RenderTexture::Space,int)";
+constexpr const char* ToImage = "class QImage __cdecl Vek::Chart::Library::RenderTexture::ToImage" VEK_SCOPE;
+constexpr const char* ReadColors = "class std::vector<float,class std::allocator<float> > __cdecl "
+                                   "Vek::Chart::Library::RenderTexture::ReadColors" VEK_SCOPE;
+constexpr const char* ReadDepths = "class std::vector<float,class std::allocator<float> > __cdecl "
+                                   "Vek::Chart::Library::RenderTexture::ReadDepths" VEK_SCOPE;
+} // namespace Signature
+#undef VEK_SCOPE
 
-/// How a colour format is kept in a texture, and read back as floats.
+using Ogl::GlEnum;
+using FrameBuffer = boost::shared_ptr<Ogl::FrameBufferObject>;
+using RenderBuffer = boost::shared_ptr<Ogl::RenderBuffer>;
+using Texture = boost::shared_ptr<Ogl::Texture>;
+using Guard = boost::shared_ptr<void>;
+
+/// Storage of a colour format, and the channels that are read back as floats.
 struct FormatRow {
   GlEnum internal;
   GlEnum internalSrgb;
@@ -50,32 +68,37 @@ std::string StatusName(GlEnum p_status) {
   }
 }
 
-bool CheckComplete(Utility::Scoped<Rgl>& p_gl, Types::Size p_size, int p_samples) {
-  const GlEnum status = p_gl->CheckFramebufferStatus(RGL_FRAMEBUFFER);
-  return VEK_ENSURE_TEXT(
-      status == RGL_FRAMEBUFFER_COMPLETE,
-      "status == RGL_FRAMEBUFFER_COMPLETE && \"" + StatusName(status) + ", " + std::to_string(p_size.width) + " x " +
-          std::to_string(p_size.height) + ", " + std::to_string(p_samples) + " samples\"",
-      "__cdecl Vek::Chart::Library::RenderTexture::RenderTexture(class Vek::Chart::Types::Size,enum "
-      "Vek::Chart::Library::RenderTexture::ColorFormat,enum Vek::Chart::Library::RenderTexture::Space,int)");
+bool CheckComplete(GlEnum p_status, Types::Size p_size, int p_samples) {
+  return VEK_ENSURE_TEXT(p_status == RGL_FRAMEBUFFER_COMPLETE,
+                         "status == RGL_FRAMEBUFFER_COMPLETE && \"" + StatusName(p_status) + ", " +
+                             std::to_string(p_size.width) + " x " + std::to_string(p_size.height) + ", " +
+                             std::to_string(p_samples) + " samples\"",
+                         Signature::Constructor);
 }
 
-/// Brings the texture of the active unit back. Not through the attribute stack: that would bring back the settings of
-/// the bound textures as well, which may be ours.
-boost::shared_ptr<void> TextureScope(Utility::Scoped<Rgl>& p_gl) {
-  const boost::shared_ptr<Rgl> gl = p_gl.Handle().Object();
-  int before = 0;
-  gl->GetIntegerv(RGL_TEXTURE_BINDING_2D, &before);
-  return Ogl::MakeGuard([gl, before] { gl->BindTexture(RGL_TEXTURE_2D, static_cast<unsigned int>(before)); });
+int Integer(const Rgl& p_gl, GlEnum p_name) {
+  int value = 0;
+  p_gl.GetIntegerv(p_name, &value);
+  return value;
 }
 
-void SetParameter(Utility::Scoped<Rgl>& p_gl, GlEnum p_name, GlEnum p_value) {
-  p_gl->TexParameteri(RGL_TEXTURE_2D, p_name, static_cast<int>(p_value));
+/// Restores the texture of the active unit. The attribute stack would restore the parameters of bound textures as well,
+/// which may be those of this target.
+Guard TextureScope(const Rgl& p_gl) {
+  const auto before = static_cast<unsigned int>(Integer(p_gl, RGL_TEXTURE_BINDING_2D));
+  return Ogl::MakeGuard([gl = p_gl.Functions(), before] { gl->BindTexture(RGL_TEXTURE_2D, before); });
 }
 
-boost::shared_ptr<Ogl::Texture> MakeTexture(Utility::Scoped<Rgl>& p_gl, GlEnum p_filter) {
-  const boost::shared_ptr<Ogl::Texture> texture = p_gl->GenTexture();
-  p_gl->Bind(texture, Rgl::Sampler2D);
+void SetParameter(const Rgl& p_gl, GlEnum p_name, GlEnum p_value) {
+  p_gl.TexParameteri(RGL_TEXTURE_2D, p_name, static_cast<int>(p_value));
+}
+
+/// A new texture, bound and without an image; empty where GL makes none.
+Texture MakeTexture(const Rgl& p_gl, GlEnum p_filter) {
+  Texture texture = p_gl.GenTexture();
+  if (!texture)
+    return texture;
+  p_gl.Bind(texture, Rgl::Sampler2D);
   SetParameter(p_gl, RGL_TEXTURE_MIN_FILTER, p_filter);
   SetParameter(p_gl, RGL_TEXTURE_MAG_FILTER, p_filter);
   SetParameter(p_gl, RGL_TEXTURE_WRAP_S, RGL_CLAMP_TO_EDGE);
@@ -84,17 +107,42 @@ boost::shared_ptr<Ogl::Texture> MakeTexture(Utility::Scoped<Rgl>& p_gl, GlEnum p
   return texture;
 }
 
-boost::shared_ptr<Ogl::RenderBuffer> MakeSamples(Utility::Scoped<Rgl>& p_gl, Types::Size p_size, int p_samples,
-                                                 GlEnum p_internal, GlEnum p_attachment) {
-  int before = 0;
-  p_gl->GetIntegerv(RGL_RENDERBUFFER_BINDING, &before);
-  const boost::shared_ptr<Ogl::RenderBuffer> buffer = p_gl->GenRenderBuffer();
-  p_gl->BindRenderbuffer(RGL_RENDERBUFFER, buffer->Name());
-  p_gl->RenderbufferStorageMultisample(RGL_RENDERBUFFER, p_samples, p_internal, p_size.width, p_size.height);
-  p_gl->FramebufferRenderbuffer(RGL_FRAMEBUFFER, p_attachment, RGL_RENDERBUFFER, buffer->Name());
-  p_gl->BindRenderbuffer(RGL_RENDERBUFFER, static_cast<unsigned int>(before));
+/// An image for the bound texture. Reports where GL makes none, and takes GL's error for it.
+bool Allocate(const Rgl& p_gl, Types::Size p_size, GlEnum p_internal, GlEnum p_format, GlEnum p_type) {
+  p_gl.TexImage2D(RGL_TEXTURE_2D, 0, static_cast<int>(p_internal), p_size.width, p_size.height, 0, p_format, p_type,
+                  nullptr);
+  int width = 0;
+  p_gl.GetTexLevelParameteriv(RGL_TEXTURE_2D, 0, RGL_TEXTURE_WIDTH, &width);
+  if (width == p_size.width)
+    return true;
+  p_gl.CheckError(Signature::Constructor);
+  return VEK_ENSURE(width == p_size.width, Signature::Constructor);
+}
+
+/// Multisampled storage, attached to the bound frame buffer; empty where GL makes none.
+RenderBuffer MakeSamples(const Rgl& p_gl, Types::Size p_size, int p_samples, GlEnum p_internal, GlEnum p_attachment) {
+  const auto before = static_cast<unsigned int>(Integer(p_gl, RGL_RENDERBUFFER_BINDING));
+  RenderBuffer buffer = p_gl.GenRenderBuffer();
+  if (!buffer)
+    return buffer;
+  p_gl.BindRenderbuffer(RGL_RENDERBUFFER, buffer->Name());
+  p_gl.RenderbufferStorageMultisample(RGL_RENDERBUFFER, p_samples, p_internal, p_size.width, p_size.height);
+  p_gl.FramebufferRenderbuffer(RGL_FRAMEBUFFER, p_attachment, RGL_RENDERBUFFER, buffer->Name());
+  p_gl.BindRenderbuffer(RGL_RENDERBUFFER, before);
   return buffer;
 }
+
+/// The GL objects of a target. An object that GL did not make is empty.
+struct Objects {
+  Texture color;
+  Texture depth;
+  FrameBuffer frame;         ///< without images GL refuses to draw to it
+  RenderBuffer colorSamples; ///< the last three only with samples
+  RenderBuffer depthSamples;
+  FrameBuffer sampledFrame;
+  bool complete = false;
+  bool refused = false; ///< empty, or too large for the device: not to be tried again
+};
 
 } // namespace
 
@@ -108,92 +156,141 @@ struct VEK_HIDDEN RenderTexture::State {
   const Types::Size size;
   const FormatRow format;
   const Space space;
-  int samples; ///< as asked for; once made, as it is
+  const int samples;
 
-  boost::shared_ptr<Ogl::Texture> color;
-  boost::shared_ptr<Ogl::Texture> depth;
-  boost::shared_ptr<Ogl::FrameBufferObject> target;
-  boost::shared_ptr<Ogl::RenderBuffer> colorSamples; ///< these three only with samples
-  boost::shared_ptr<Ogl::RenderBuffer> depthSamples;
-  boost::shared_ptr<Ogl::FrameBufferObject> sampledTarget;
-  bool complete = false; ///< whether there is anything to read
+  Objects objects;
+  int drawing = 0;         ///< guards of BindForDraw that live
+  bool unresolved = false; ///< drawn to since the samples were resolved
+  bool mipped = false;     ///< the colour texture has levels
+  bool stale = false;      ///< drawn to since the levels were made
 
   GlEnum InternalFormat() const { return space == Srgb ? format.internalSrgb : format.internal; }
-  /// Of a complete target.
-  std::size_t Pixels() const { return static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height); }
 
-  void Make(Utility::Scoped<Rgl>& p_gl);
-  void MakeTextures(Utility::Scoped<Rgl>& p_gl, bool p_fits);
-  void MakeSampled(Utility::Scoped<Rgl>& p_gl);
-  void Resolve(Utility::Scoped<Rgl>& p_gl);
+  void Make(const Rgl& p_gl);
+  bool MakeTextures(const Rgl& p_gl, Objects& p_objects) const;
+  void MakeSampled(const Rgl& p_gl, Objects& p_objects) const;
+  void Resolve(const Rgl& p_gl);
+  void MakeMips(const Rgl& p_gl);
+
   /// Makes the objects if need be, and brings the textures up to date.
-  void Prepare(Utility::Scoped<Rgl>& p_gl) {
+  void Prepare(const Rgl& p_gl) {
     Make(p_gl);
     Resolve(p_gl);
   }
+  const Texture& Color(const Rgl& p_gl) {
+    Prepare(p_gl);
+    if (mipped && stale)
+      MakeMips(p_gl);
+    return objects.color;
+  }
+  const Texture& Depth(const Rgl& p_gl) {
+    Prepare(p_gl);
+    return objects.depth;
+  }
+  /// Empty where there is no frame buffer to bind.
+  Guard BindFrame(const Rgl& p_gl) {
+    Prepare(p_gl);
+    return objects.frame ? p_gl.BindScope(objects.frame) : nullptr;
+  }
+
+  template <class Value>
+  bool Read(const Rgl& p_gl, GlEnum p_format, GlEnum p_type, Value* p_to, const char* p_signature);
+  std::vector<float> ReadFloats(const Rgl& p_gl, GlEnum p_format, std::size_t p_count, const char* p_signature);
 };
 
-void RenderTexture::State::Make(Utility::Scoped<Rgl>& p_gl) {
-  if (target)
+void RenderTexture::State::Make(const Rgl& p_gl) {
+  if (objects.complete || objects.refused)
     return;
-  // A texture of a size that GL refuses stays without an image, so that the frame buffer says what is the matter.
-  const bool fits = size.width > 0 && size.height > 0 && std::max(size.width, size.height) <= p_gl->GetMaxTextureSize();
-  MakeTextures(p_gl, fits);
-  target = p_gl->GenFrameBufferObject();
+  Objects made;
+  const int limit = p_gl.GetMaxTextureSize();
+  const bool fits = size.width > 0 && size.height > 0 && std::max(size.width, size.height) <= limit;
+  const bool textures = fits && MakeTextures(p_gl, made);
+  made.frame = p_gl.GenFrameBufferObject();
+  if (made.frame && textures) {
+    const Guard bound = p_gl.BindScope(made.frame);
+    p_gl.FramebufferTexture2D(RGL_FRAMEBUFFER, RGL_COLOR_ATTACHMENT0, RGL_TEXTURE_2D, made.color->Name(), 0);
+    p_gl.FramebufferTexture2D(RGL_FRAMEBUFFER, RGL_DEPTH_STENCIL_ATTACHMENT, RGL_TEXTURE_2D, made.depth->Name(), 0);
+    made.complete = CheckComplete(p_gl.CheckFramebufferStatus(RGL_FRAMEBUFFER), size, 0);
+  } else if (made.frame && !fits) {
+    CheckComplete(RGL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT, size, 0);
+    made.refused = limit > 0;
+  }
+  if (made.complete)
+    MakeSampled(p_gl, made);
+  objects = std::move(made);
+}
+
+bool RenderTexture::State::MakeTextures(const Rgl& p_gl, Objects& p_objects) const {
+  const Guard texture = TextureScope(p_gl);
+  const Guard unpacking = Ogl::UnpackScope(p_gl); // a bound pixel buffer would be read
+  p_objects.color = MakeTexture(p_gl, RGL_LINEAR);
+  if (!p_objects.color || !Allocate(p_gl, size, InternalFormat(), format.channels, format.type))
+    return false;
+  p_objects.depth = MakeTexture(p_gl, RGL_NEAREST);
+  return p_objects.depth && Allocate(p_gl, size, RGL_DEPTH24_STENCIL8, RGL_DEPTH_STENCIL, RGL_UNSIGNED_INT_24_8);
+}
+
+void RenderTexture::State::MakeSampled(const Rgl& p_gl, Objects& p_objects) const {
+  if (samples <= 0 || !p_gl.Features().Supported(Ogl::DeviceFeatures::FeatureMultisampleFrameBuffer))
+    return;
+  const int count = std::min(samples, Integer(p_gl, RGL_MAX_SAMPLES));
+  const FrameBuffer frame = count > 0 ? p_gl.GenFrameBufferObject() : nullptr;
+  if (!frame)
+    return;
+  const Guard bound = p_gl.BindScope(frame);
+  const RenderBuffer color = MakeSamples(p_gl, size, count, InternalFormat(), RGL_COLOR_ATTACHMENT0);
+  const RenderBuffer depth = MakeSamples(p_gl, size, count, RGL_DEPTH24_STENCIL8, RGL_DEPTH_STENCIL_ATTACHMENT);
+  if (!color || !depth || !CheckComplete(p_gl.CheckFramebufferStatus(RGL_FRAMEBUFFER), size, count))
+    return;
+  p_objects.colorSamples = color;
+  p_objects.depthSamples = depth;
+  p_objects.sampledFrame = frame;
+}
+
+void RenderTexture::State::Resolve(const Rgl& p_gl) {
+  if (!objects.sampledFrame || !unresolved)
+    return;
+  const Guard bound = p_gl.BindScope(objects.sampledFrame);
+  const Guard enables = p_gl.PushAttribScope(RGL_ENABLE_BIT);
+  p_gl.Disable(RGL_SCISSOR_TEST); // it would clip the copy
+  if (space == Srgb && p_gl.Features().Supported(Ogl::DeviceFeatures::FeatureSrgbFrameBuffer))
+    p_gl.Enable(RGL_FRAMEBUFFER_SRGB); // samples are averaged as linear light
+  p_gl.BindFramebuffer(RGL_DRAW_FRAMEBUFFER, objects.frame->Name());
+  p_gl.BlitFramebuffer(0, 0, size.width, size.height, 0, 0, size.width, size.height,
+                       RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT, RGL_NEAREST);
+  unresolved = drawing > 0;
+}
+
+void RenderTexture::State::MakeMips(const Rgl& p_gl) {
+  const Guard texture = TextureScope(p_gl);
+  p_gl.Bind(objects.color, Rgl::Sampler2D);
+  p_gl.TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_MAX_LEVEL, MipInfo(size).Levels() - 1);
+  SetParameter(p_gl, RGL_TEXTURE_MIN_FILTER, RGL_LINEAR_MIPMAP_LINEAR);
+  p_gl.GenerateMipmap(RGL_TEXTURE_2D);
+  mipped = true;
+  stale = drawing > 0;
+}
+
+/// Reads all pixels. Takes errors that are pending before, so that those found after belong to the read.
+template <class Value>
+bool RenderTexture::State::Read(const Rgl& p_gl, GlEnum p_format, GlEnum p_type, Value* p_to, const char* p_signature) {
+  p_gl.CheckError(p_signature);
   {
-    const boost::shared_ptr<void> bound = p_gl->BindScope(target);
-    p_gl->FramebufferTexture2D(RGL_FRAMEBUFFER, RGL_COLOR_ATTACHMENT0, RGL_TEXTURE_2D, color->Name(), 0);
-    p_gl->FramebufferTexture2D(RGL_FRAMEBUFFER, RGL_DEPTH_STENCIL_ATTACHMENT, RGL_TEXTURE_2D, depth->Name(), 0);
-    complete = CheckComplete(p_gl, size, 0) && fits;
+    const Guard packing = Ogl::PackScope(p_gl);
+    p_gl.ReadPixels(0, 0, size.width, size.height, p_format, p_type, p_to);
   }
-  if (complete)
-    MakeSampled(p_gl);
+  return p_gl.CheckError(p_signature);
 }
 
-void RenderTexture::State::MakeTextures(Utility::Scoped<Rgl>& p_gl, bool p_fits) {
-  const boost::shared_ptr<void> texture = TextureScope(p_gl);
-  const boost::shared_ptr<void> unpacking = Ogl::UnpackScope(*p_gl); // a bound pixel buffer would be read
-  const auto allocate = [&](GlEnum p_internal, GlEnum p_format, GlEnum p_type) {
-    if (p_fits)
-      p_gl->TexImage2D(RGL_TEXTURE_2D, 0, static_cast<int>(p_internal), size.width, size.height, 0, p_format, p_type,
-                       nullptr);
-  };
-  color = MakeTexture(p_gl, RGL_LINEAR);
-  allocate(InternalFormat(), format.channels, format.type);
-  depth = MakeTexture(p_gl, RGL_NEAREST);
-  allocate(RGL_DEPTH24_STENCIL8, RGL_DEPTH_STENCIL, RGL_UNSIGNED_INT_24_8);
-}
-
-void RenderTexture::State::MakeSampled(Utility::Scoped<Rgl>& p_gl) {
-  int most = 0;
-  if (samples > 0 && p_gl->Features().Supported(Ogl::DeviceFeatures::FeatureMultisampleFrameBuffer))
-    p_gl->GetIntegerv(RGL_MAX_SAMPLES, &most);
-  samples = std::min(samples, most);
-  if (samples <= 0)
-    return;
-  const boost::shared_ptr<Ogl::FrameBufferObject> sampled = p_gl->GenFrameBufferObject();
-  const boost::shared_ptr<void> bound = p_gl->BindScope(sampled);
-  colorSamples = MakeSamples(p_gl, size, samples, InternalFormat(), RGL_COLOR_ATTACHMENT0);
-  depthSamples = MakeSamples(p_gl, size, samples, RGL_DEPTH24_STENCIL8, RGL_DEPTH_STENCIL_ATTACHMENT);
-  if (CheckComplete(p_gl, size, samples)) {
-    sampledTarget = sampled;
-  } else {
-    colorSamples.reset();
-    depthSamples.reset();
-  }
-}
-
-void RenderTexture::State::Resolve(Utility::Scoped<Rgl>& p_gl) {
-  if (!sampledTarget)
-    return;
-  const boost::shared_ptr<void> bound = p_gl->BindScope(sampledTarget);
-  const boost::shared_ptr<void> enables = p_gl->PushAttribScope(RGL_ENABLE_BIT);
-  p_gl->Disable(RGL_SCISSOR_TEST); // it would cut the copy
-  if (space == Srgb && p_gl->Features().Supported(Ogl::DeviceFeatures::FeatureSrgbFrameBuffer))
-    p_gl->Enable(RGL_FRAMEBUFFER_SRGB); // samples are averaged as light
-  p_gl->BindFramebuffer(RGL_DRAW_FRAMEBUFFER, target->Name());
-  p_gl->BlitFramebuffer(0, 0, size.width, size.height, 0, 0, size.width, size.height,
-                        RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT, RGL_NEAREST);
+std::vector<float> RenderTexture::State::ReadFloats(const Rgl& p_gl, GlEnum p_format, std::size_t p_count,
+                                                    const char* p_signature) {
+  const Guard bound = BindFrame(p_gl);
+  if (!objects.complete)
+    return {};
+  std::vector<float> values(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height) * p_count);
+  if (!Read(p_gl, p_format, RGL_FLOAT, values.data(), p_signature))
+    values.clear();
+  return values;
 }
 
 RenderTexture::RenderTexture(Types::Size p_size, ColorFormat p_format, Space p_space, int p_samples)
@@ -203,90 +300,89 @@ Types::Size RenderTexture::Size() const {
   return _state->size;
 }
 
+bool RenderTexture::Complete() const {
+  return _state->objects.complete;
+}
+
 boost::shared_ptr<void> RenderTexture::BindForRead(Utility::Scoped<Rgl>& p_gl) const {
-  _state->Prepare(p_gl);
-  return p_gl->BindScope(_state->target);
+  Guard bound = _state->BindFrame(*p_gl);
+  _state->stale = true; // the caller may draw
+  return bound;
 }
 
 boost::shared_ptr<void> RenderTexture::BindForDraw(Utility::Scoped<Rgl>& p_gl) const {
-  _state->Make(p_gl);
-  // Released in reverse: the frame buffer first, then the viewport.
+  /// Released in reverse: the frame buffer first, then the viewport.
   struct Bound {
-    boost::shared_ptr<void> viewport;
-    boost::shared_ptr<void> target;
+    explicit Bound(const boost::shared_ptr<State>& p_state)
+        : state(p_state) {
+      ++state->drawing;
+    }
+    ~Bound() { --state->drawing; }
+    boost::shared_ptr<State> state;
+    Guard viewport;
+    Guard frame;
   };
-  const boost::shared_ptr<Bound> bound = boost::make_shared<Bound>();
+  State& state = *_state;
+  state.Make(*p_gl);
+  if (!state.objects.frame)
+    return {};
+  const boost::shared_ptr<Bound> bound = boost::make_shared<Bound>(_state);
+  state.unresolved = state.stale = true;
   bound->viewport = p_gl->PushAttribScope(RGL_VIEWPORT_BIT);
-  bound->target = p_gl->BindScope(_state->sampledTarget ? _state->sampledTarget : _state->target);
-  p_gl->Viewport(
-      Types::Viewport<0>(0, 0, static_cast<float>(_state->size.width), static_cast<float>(_state->size.height)));
+  bound->frame = p_gl->BindScope(state.objects.sampledFrame ? state.objects.sampledFrame : state.objects.frame);
+  p_gl->Viewport(Types::Viewport<0>(0, 0, static_cast<float>(state.size.width), static_cast<float>(state.size.height)));
   return bound;
 }
 
 boost::shared_ptr<Ogl::Texture> RenderTexture::ColorTexture(Utility::Scoped<Rgl>& p_gl) const {
-  _state->Prepare(p_gl);
-  return _state->color;
+  return _state->Color(*p_gl);
 }
 
 boost::shared_ptr<Ogl::Texture> RenderTexture::DepthTexture(Utility::Scoped<Rgl>& p_gl) const {
-  _state->Prepare(p_gl);
-  return _state->depth;
+  return _state->Depth(*p_gl);
 }
 
+namespace {
+
+void BindTexture(const Rgl& p_gl, unsigned int p_unit, const Texture& p_texture) {
+  p_gl.ActiveTexture(p_unit);
+  p_gl.BindTexture(RGL_TEXTURE_2D, p_texture ? p_texture->Name() : 0);
+  p_gl.Enable(RGL_TEXTURE_2D);
+}
+
+} // namespace
+
 void RenderTexture::BindColor(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const {
-  _state->Prepare(p_gl);
-  p_gl->ActiveTexture(p_unit);
-  p_gl->Bind(_state->color, Rgl::Sampler2D);
-  p_gl->Enable(RGL_TEXTURE_2D);
+  BindTexture(*p_gl, p_unit, _state->Color(*p_gl));
 }
 
 void RenderTexture::BindDepth(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const {
-  _state->Prepare(p_gl);
-  p_gl->ActiveTexture(p_unit);
-  p_gl->Bind(_state->depth, Rgl::Sampler2D);
-  p_gl->Enable(RGL_TEXTURE_2D);
+  BindTexture(*p_gl, p_unit, _state->Depth(*p_gl));
 }
 
 void RenderTexture::GenerateMips(Utility::Scoped<Rgl>& p_gl) const {
-  _state->Prepare(p_gl);
-  if (!_state->complete)
-    return;
-  const boost::shared_ptr<void> texture = TextureScope(p_gl);
-  p_gl->Bind(_state->color, Rgl::Sampler2D);
-  p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_MAX_LEVEL, Mips().Levels() - 1);
-  SetParameter(p_gl, RGL_TEXTURE_MIN_FILTER, RGL_LINEAR_MIPMAP_LINEAR);
-  p_gl->GenerateMipmap(RGL_TEXTURE_2D);
+  _state->Prepare(*p_gl);
+  if (_state->objects.complete)
+    _state->MakeMips(*p_gl);
 }
 
 QImage RenderTexture::ToImage(Utility::Scoped<Rgl>& p_gl) const {
-  const boost::shared_ptr<void> bound = BindForRead(p_gl);
-  if (!_state->complete)
+  const Guard bound = _state->BindFrame(*p_gl);
+  if (!_state->objects.complete)
     return {};
   QImage image(_state->size.width, _state->size.height, QImage::Format_RGBA8888);
-  if (image.isNull()) // no memory
-    return image;
-  const boost::shared_ptr<void> packing = Ogl::PackScope(*p_gl);
-  p_gl->ReadPixels(0, 0, image.width(), image.height(), RGL_RGBA, RGL_UNSIGNED_BYTE, image.bits());
+  if (!VEK_ENSURE(!image.isNull(), Signature::ToImage) || // no memory
+      !_state->Read(*p_gl, RGL_RGBA, RGL_UNSIGNED_BYTE, image.bits(), Signature::ToImage))
+    return {};
   return image.mirrored().convertToFormat(QImage::Format_ARGB32);
 }
 
 std::vector<float> RenderTexture::ReadColors(Utility::Scoped<Rgl>& p_gl) const {
-  return ReadFloats(p_gl, _state->format.channels, _state->format.channelCount);
+  return _state->ReadFloats(*p_gl, _state->format.channels, _state->format.channelCount, Signature::ReadColors);
 }
 
 std::vector<float> RenderTexture::ReadDepths(Utility::Scoped<Rgl>& p_gl) const {
-  return ReadFloats(p_gl, RGL_DEPTH_COMPONENT, 1);
-}
-
-std::vector<float> RenderTexture::ReadFloats(Utility::Scoped<Rgl>& p_gl, Ogl::GlEnum p_format,
-                                             std::size_t p_count) const {
-  const boost::shared_ptr<void> bound = BindForRead(p_gl);
-  if (!_state->complete)
-    return {};
-  std::vector<float> values(_state->Pixels() * p_count);
-  const boost::shared_ptr<void> packing = Ogl::PackScope(*p_gl);
-  p_gl->ReadPixels(0, 0, _state->size.width, _state->size.height, p_format, RGL_FLOAT, values.data());
-  return values;
+  return _state->ReadFloats(*p_gl, RGL_DEPTH_COMPONENT, 1, Signature::ReadDepths);
 }
 
 } // namespace Vek::Chart::Library

@@ -1,6 +1,7 @@
-// The examples of the reference for render targets and picking: what stands between two marks is shown there.
+// Examples of the reference for render targets and picking; it shows what lies between two marks.
 
 #include "library/DepthCodec.h"
+#include "library/DepthPass.h"
 #include "library/MipInfo.h"
 #include "library/RenderTexture.h"
 #include "library/TopMostFragmentDepthBuffer.h"
@@ -41,10 +42,7 @@ TEST_F(PickingSnippetPixels, TopMostFragmentDepthBuffer) {
   //! [DepthShader]
   //! [Callback]
   const auto drawDepths = [&](DepthCodec::Encoding) {
-    const auto state = gl->PushAttribScope(RGL_ENABLE_BIT | RGL_COLOR_BUFFER_BIT);
-    for (const Ogl::GlEnum spoiler : {RGL_SCISSOR_TEST, RGL_BLEND, RGL_DITHER, RGL_MULTISAMPLE, RGL_ALPHA_TEST,
-                                      RGL_FRAMEBUFFER_SRGB}) // each would change a packed byte
-      gl->Disable(spoiler);
+    const DepthPass pass(gl); // no state of the host spoils a depth
     const auto used = depthShader.Use(gl);
     DrawScene();
   };
@@ -53,7 +51,7 @@ TEST_F(PickingSnippetPixels, TopMostFragmentDepthBuffer) {
   TopMostFragmentDepthBuffer picker; // kept with the scene
   Core::TimeStamp stamp;             // a new one whenever the scene or the camera changes
   float nearest = 1;
-  const bool hit = picker.GetDepthAt(gl, viewport, mouse, stamp, drawDepths, // draws for this pick only
+  const bool hit = picker.GetDepthAt(gl, viewport, mouse, stamp, drawDepths, // which is called once per stamp
                                      [&](unsigned int, float p_depth) { nearest = p_depth; });
   //! [TopMostFragmentDepthBuffer]
   EXPECT_TRUE(hit && std::abs(nearest - 0.75F) < 1.0F / 128);
@@ -61,17 +59,17 @@ TEST_F(PickingSnippetPixels, TopMostFragmentDepthBuffer) {
 
 TEST_F(PickingSnippetPixels, RenderTexture) {
   //! [RenderTexture]
-  const RenderTexture target({32, 16}, RenderTexture::Rgba8, RenderTexture::Linear, 4); // four samples a pixel
+  const RenderTexture target({32, 16}, RenderTexture::Rgba8, RenderTexture::Linear, 4); // four samples per pixel
   {
     const auto bound = target.BindForDraw(gl); // the viewport covers the target
     gl->ClearColor(Qt::darkGray);
     gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
     DrawScene();
   } // what was bound before is bound again
-  const QImage picture = target.ToImage(gl);
-  target.BindColor(gl, RGL_TEXTURE0); // or drawn with elsewhere
+  const QImage image = target.ToImage(gl);
+  target.BindColor(gl, RGL_TEXTURE0); // or used as a texture
   //! [RenderTexture]
-  EXPECT_EQ(std::pair(picture.pixel(4, 8), picture.pixel(28, 8)),
+  EXPECT_EQ(std::pair(image.pixel(4, 8), image.pixel(28, 8)),
             std::pair(QColor(Qt::white).rgba(), QColor(Qt::darkGray).rgba()));
 }
 

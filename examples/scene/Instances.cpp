@@ -1,6 +1,6 @@
 #include "examples/scene/Instances.h"
 
-#include "examples/scene/DepthPass.h"
+#include "examples/scene/DepthShader.h"
 
 #include "platform/ogl/BufferPool.h"
 

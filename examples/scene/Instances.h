@@ -59,7 +59,7 @@ public:
   /// by themselves.
   void Draw(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, InstanceBuffers& p_instances,
             const Library::ColorMap& p_colors);
-  /// Each pixel gets its depth, packed by DepthCodec (see DepthPass).
+  /// Each pixel gets its depth, packed by DepthCodec (see DepthShader).
   void DrawDepths(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, InstanceBuffers& p_instances);
 
 private:

@@ -63,7 +63,7 @@ public:
   virtual bool HasSurfaces() const { return false; }
   /// The part of the view that shows them.
   virtual Types::Viewport<0> SurfaceViewport(const View& p_view) const { return p_view.viewport; }
-  /// Draws the surfaces so that each pixel gets its depth packed by DepthCodec; to be called within DepthPass::Draw,
+  /// Draws the surfaces so that each pixel gets its depth packed by DepthCodec; to be called within DepthShader::Draw,
   /// whose shader does that for all surfaces without a shader of their own. `p_view.viewport` is what SurfaceViewport
   /// returned: it gives the projection its form, but GL's viewport is the caller's.
   virtual void DrawSurfaces(Utility::Scoped<Rgl>&, const View&) {}

@@ -12,14 +12,14 @@ std::optional<SurfacePoint> SurfacePicker::At(Utility::Scoped<Rgl>& p_gl, Galler
   const Types::Pos pixel(p_pixel.x - static_cast<int>(part.x), p_pixel.y - static_cast<int>(part.y));
   if (pixel.x < 0 || pixel.y < 0 || pixel.x >= static_cast<int>(part.width) || pixel.y >= static_cast<int>(part.height))
     return {};
-  if (!_pass)
-    _pass.emplace(p_gl);
+  if (!_shader)
+    _shader.emplace(p_gl);
   std::optional<SurfacePoint> result;
   _depths.GetDepthAt(
       p_gl, moved.viewport, pixel, _shown,
       [&](Library::DepthCodec::Encoding) {
         ++_drawings;
-        _pass->Draw(p_gl, [&] { p_scene.DrawSurfaces(p_gl, moved); });
+        _shader->Draw(p_gl, [&] { p_scene.DrawSurfaces(p_gl, moved); });
       },
       [&](unsigned int, float p_depth) {
         const double depth = static_cast<double>(p_depth);

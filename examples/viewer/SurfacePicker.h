@@ -1,6 +1,6 @@
 #pragma once
 
-#include "examples/scene/DepthPass.h"
+#include "examples/scene/DepthShader.h"
 #include "examples/scene/Scene.h"
 
 #include "library/TopMostFragmentDepthBuffer.h"
@@ -34,7 +34,7 @@ public:
 private:
   Core::TimeStamp _shown;
   int _drawings = 0;
-  std::optional<Gallery::DepthPass> _pass;
+  std::optional<Gallery::DepthShader> _shader;
   Library::TopMostFragmentDepthBuffer _depths;
 };
 

@@ -1,4 +1,4 @@
-#include "examples/scene/DepthPass.h"
+#include "examples/scene/DepthShader.h"
 
 #include "library/RenderTexture.h"
 #include "platform/ogl/OffscreenContext.h"
@@ -53,7 +53,7 @@ TEST_F(SceneInterfacePixels, DrawsAgainTheSameAndTakesColorsAndShapes) {
 }
 
 TEST_F(SceneInterfacePixels, SurfacesHaveDepthsWhereThePictureShowsThem) {
-  const DepthPass pass(_gl);
+  const DepthShader shader(_gl);
   for (const SceneEntry& entry : Scenes()) {
     Loading loading;
     const std::unique_ptr<Scene> scene = entry.load(DataInputs(), loading);
@@ -66,7 +66,7 @@ TEST_F(SceneInterfacePixels, SurfacesHaveDepthsWhereThePictureShowsThem) {
         {static_cast<int>(part.viewport.width), static_cast<int>(part.viewport.height)});
     {
       const auto bound = target.BindForDraw(_gl);
-      pass.Draw(_gl, [&] { scene->DrawSurfaces(_gl, part); });
+      shader.Draw(_gl, [&] { scene->DrawSurfaces(_gl, part); });
     }
     const QImage depths = target.ToImage(_gl);
     int surface = 0;

@@ -68,7 +68,7 @@ TEST(MipInfo, HalvesDownToOneTexel) {
 TEST_F(RenderTextureCalls, MakesItsObjectsOnceAndRestoresWhatWasBound) {
   const RenderTexture target({9, 3});
   EXPECT_EQ(recorder.Lines(), Lines());
-  const Lines quiet = {"GetIntegerv", "GetFloatv", "GetString", "PixelStorei", "TexParameteri"};
+  const Lines quiet = {"GetIntegerv", "GetFloatv", "GetString", "PixelStorei", "TexParameteri", "GetTexLevelParameteriv"};
   {
     const boost::shared_ptr<void> bound = target.BindForRead(gl);
     EXPECT_EQ(Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING), 4001);
@@ -97,45 +97,49 @@ TEST_F(RenderTextureCalls, MakesItsObjectsOnceAndRestoresWhatWasBound) {
                                     "BindTexture(GL_TEXTURE_2D, 1002); Enable(GL_TEXTURE_2D)"));
 }
 
-TEST_F(RenderTextureCalls, FormatsAndSpaces) {
-  const std::tuple<unsigned int, unsigned int, std::string> cases[] = {
-      {0, 0, "GL_RGBA8, 4, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE"},
-      {0, 1, "GL_SRGB8_ALPHA8, 4, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE"},
-      {1, 0, "GL_RGBA16F, 4, 2, 0, GL_RGBA, GL_FLOAT"},
-      {2, 1, "GL_RGBA32F, 4, 2, 0, GL_RGBA, GL_FLOAT"},
-      {3, 0, "GL_R32F, 4, 2, 0, GL_RED, GL_FLOAT"},
-      {4, 2, "GL_RGBA8, 4, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE"}, // neither is listed
-  };
-  for (const auto& [format, space, expected] : cases) {
-    recorder.Clear();
-    const RenderTexture target({4, 2}, RenderTexture::ColorFormat(format), RenderTexture::Space(space));
-    target.BindForDraw(gl);
-    EXPECT_EQ(recorder.LinesOf({"TexImage2D"}).at(0), "TexImage2D(GL_TEXTURE_2D, 0, " + expected + ", null)");
-  }
-}
-
-TEST_F(RenderTextureCalls, SamplesAreLoweredAndResolvedBeforeReading) {
+TEST_F(RenderTextureCalls, SamplesAreLoweredAndResolvedOnceAfterDrawing) {
   recorder.SetInteger(RGL_MAX_SAMPLES, {4});
   const RenderTexture target({9, 3}, RenderTexture::Rgba8, RenderTexture::Srgb, 16);
+  const auto resolves = [&] { return recorder.LinesOf({"BlitFramebuffer"}); };
+  const std::string resolve =
+      "BlitFramebuffer(0, 0, 9, 3, 0, 0, 9, 3, GL_DEPTH_BUFFER_BIT|GL_COLOR_BUFFER_BIT, GL_NEAREST)";
+  target.BindForRead(gl);
   {
     const boost::shared_ptr<void> bound = target.BindForDraw(gl);
     EXPECT_EQ(Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING), 4002);
+    EXPECT_EQ(resolves(), Lines());
+    target.ToImage(gl);
+    target.ToImage(gl); // more may have been drawn
+    EXPECT_EQ(resolves(), Lines(2, resolve));
   }
-  EXPECT_EQ(recorder.LinesOf({"RenderbufferStorageMultisample", "FramebufferRenderbuffer", "BlitFramebuffer"}),
+  target.DepthTexture(gl);
+  target.ReadColors(gl);
+  const RenderTexture copy = target;
+  copy.BindColor(gl, RGL_TEXTURE0);
+  EXPECT_EQ(resolves(), Lines(3, resolve));
+  EXPECT_EQ(recorder.LinesOf({"RenderbufferStorageMultisample", "FramebufferRenderbuffer"}),
             Calls("RenderbufferStorageMultisample(GL_RENDERBUFFER, 4, GL_SRGB8_ALPHA8, 9, 3); "
                   "FramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, 5001); "
                   "RenderbufferStorageMultisample(GL_RENDERBUFFER, 4, GL_DEPTH24_STENCIL8, 9, 3); "
                   "FramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_STENCIL_ATTACHMENT, GL_RENDERBUFFER, 5002)"));
-  recorder.Clear();
-  target.ColorTexture(gl);
-  EXPECT_EQ(recorder.LinesOf({"BlitFramebuffer"}),
-            Lines{"BlitFramebuffer(0, 0, 9, 3, 0, 0, 9, 3, GL_DEPTH_BUFFER_BIT|GL_COLOR_BUFFER_BIT, GL_NEAREST)"});
 }
 
-TEST_F(RenderTextureCalls, OldDevicesHaveNoSamples) {
-  recorder.SetVersion("2.1");
-  RenderTexture({9, 3}, RenderTexture::Rgba8, RenderTexture::Linear, 4).BindForRead(gl);
-  EXPECT_EQ(recorder.LinesOf({"GenRenderbuffers", "BlitFramebuffer"}), Lines());
+TEST_F(RenderTextureCalls, MipsAreMadeAgainAfterDrawing) {
+  const RenderTexture target({9, 3});
+  const auto made = [&] { return recorder.LinesOf({"GenerateMipmap"}).size(); };
+  target.BindForDraw(gl);
+  target.BindColor(gl, RGL_TEXTURE0);
+  EXPECT_EQ(made(), 0) << "not asked for";
+  target.GenerateMips(gl);
+  target.BindColor(gl, RGL_TEXTURE0);
+  EXPECT_EQ(made(), 1);
+  for (const bool draw : {true, false}) {
+    draw ? target.BindForDraw(gl) : target.BindForRead(gl);
+    target.ToImage(gl);
+    target.ColorTexture(gl);
+    target.BindColor(gl, RGL_TEXTURE0);
+    EXPECT_EQ(made(), draw ? 2 : 3);
+  }
 }
 
 TEST_F(RenderTextureCalls, IncompleteFrameBuffersAreReportedByName) {
@@ -154,36 +158,66 @@ TEST_F(RenderTextureCalls, IncompleteFrameBuffersAreReportedByName) {
     recorder.SetFramebufferStatus(status);
     const RenderTexture target({9, 3}, RenderTexture::Float, RenderTexture::Linear, 4);
     target.GenerateMips(gl);
-    EXPECT_TRUE(target.ToImage(gl).isNull()) << name;
-    EXPECT_EQ(target.ReadColors(gl), Floats()) << name;
-    EXPECT_EQ(target.ReadDepths(gl), Floats()) << name;
-    EXPECT_EQ(reports.Texts(), Lines{Incomplete(name + ", 9 x 3, 0 samples")});
+    EXPECT_FALSE(target.Complete());
+    EXPECT_EQ(target.ReadDepths(gl), Floats());
+    EXPECT_EQ(reports.Texts(), Lines(2, Incomplete(name + ", 9 x 3, 0 samples"))) << "each attempt";
   }
   EXPECT_EQ(recorder.LinesOf({"ReadPixels", "GenerateMipmap", "GenRenderbuffers"}), Lines());
 }
 
-TEST_F(RenderTextureCalls, ReadsIntoItsOwnMemoryWhateverTheHostHasSet) {
-  unsigned int buffer = 0;
-  gl->GenBuffers(1, &buffer);
-  gl->BindBuffer(RGL_PIXEL_PACK_BUFFER, buffer);
-  gl->BindBuffer(RGL_PIXEL_UNPACK_BUFFER, buffer);
-  gl->PixelStorei(RGL_PACK_SKIP_ROWS, 100);
-  gl->PixelStorei(RGL_PACK_ROW_LENGTH, 1000);
-  recorder.SetPixel(2, 0, {10, 20, 30, 40});
-  const RenderTexture target({3, 2});
-  const QImage image = target.ToImage(gl);
-  EXPECT_EQ(image.pixel(2, 1), qRgba(10, 20, 30, 40)); // the lowest row is the last
-  EXPECT_EQ(image.pixel(2, 0), qRgba(0, 0, 0, 0));
-  EXPECT_EQ(target.ReadColors(gl), Floats(3 * 2 * 4));
-  EXPECT_EQ(target.ReadDepths(gl), Floats(3 * 2));
-  EXPECT_EQ(Integer(gl, RGL_PACK_ROW_LENGTH), 1000);
-  EXPECT_EQ(Integer(gl, RGL_PIXEL_PACK_BUFFER_BINDING), static_cast<int>(buffer));
-  gl->DeleteBuffers(1, &buffer);
+TEST_F(RenderTextureCalls, AFailureIsReportedAndTheNextReadSucceeds) {
+  recorder.SetInteger(RGL_MAX_SAMPLES, {4});
+  struct Case {
+    const char* call;
+    std::size_t number;
+    const char* report;
+    std::size_t pixels; ///< read at once
+    bool sampled;       ///< drawn to afterwards
+  };
+  const Case cases[] = {
+      {"GenTextures", 1, "GenTexture(void)", 0, true},
+      {"GenTextures", 2, "GenTexture(void)", 0, true},
+      {"TexImage2D", 1, "GL_OUT_OF_MEMORY - __cdecl Vek::Chart::Library::RenderTexture", 0, true},
+      {"TexImage2D", 2, "GL_OUT_OF_MEMORY - __cdecl Vek::Chart::Library::RenderTexture", 0, true},
+      {"GetTexLevelParameteriv", 1, "GL_OUT_OF_MEMORY - __cdecl Vek::Chart::Library::RenderTexture", 0, true},
+      {"GenFramebuffers", 1, "GenFrameBufferObject(void)", 0, true},
+      {"CheckFramebufferStatus", 1, "status 0, 9 x 3, 0 samples", 0, true},
+      {"GetIntegerv", 1, "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT, 9 x 3, 0 samples", 0, true},
+      {"ReadPixels", 1, "GL_OUT_OF_MEMORY - class std::vector", 0, true},
+      {"GenFramebuffers", 2, "GenFrameBufferObject(void)", 27, false},
+      {"GenRenderbuffers", 1, "GenRenderBuffer(void)", 27, false},
+      {"GenRenderbuffers", 2, "GenRenderBuffer(void)", 27, false},
+      {"CheckFramebufferStatus", 2, "status 0, 9 x 3, 4 samples", 27, false},
+  };
+  for (const Case& row : cases) {
+    SCOPED_TRACE(row.call + std::to_string(row.number));
+    const ReportCapture reports;
+    recorder.Clear();
+    recorder.Fail(row.call, row.number);
+    const RenderTexture target({9, 3}, RenderTexture::Float, RenderTexture::Linear, 8);
+    EXPECT_EQ(target.ReadDepths(gl).size(), row.pixels);
+    ASSERT_NE(reports.Texts(), Lines());
+    EXPECT_NE(reports.Texts()[0].find(row.report), std::string::npos) << reports.Texts()[0];
+    EXPECT_EQ(target.ToImage(gl).size(), QSize(9, 3));
+    const auto name = [&](const boost::shared_ptr<void>&) { return Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING); };
+    EXPECT_EQ(name(target.BindForDraw(gl)) != name(target.BindForRead(gl)), row.sampled);
+  }
+}
+
+TEST_F(RenderTextureCalls, WithoutAFrameBufferNothingIsBound) {
+  const ReportCapture reports;
+  const RenderTexture target({9, 3});
+  for (const bool draw : {true, false}) {
+    recorder.Fail("GenFramebuffers");
+    EXPECT_EQ(draw ? target.BindForDraw(gl) : target.BindForRead(gl), nullptr);
+  }
+  EXPECT_EQ(recorder.LinesOf({"BindFramebuffer", "Viewport"}), Lines());
 }
 
 TEST_F(RenderTexturePixels, KnownClearsComeBack) {
   const std::tuple<RenderTexture::ColorFormat, std::array<float, 4>, Floats> cases[] = {
       {RenderTexture::Rgba8, {0.2F, 1.5F, -1, 0.6F}, {0.2F, 1, 0, 0.6F}},
+      {RenderTexture::ColorFormat(4), {0.2F, 1.5F, -1, 0.6F}, {0.2F, 1, 0, 0.6F}}, // unlisted
       {RenderTexture::RgbaHalf, {0.5F, 60000, -3, 0.25F}, {0.5F, 60000, -3, 0.25F}},
       {RenderTexture::RgbaFloat, {1e10F, -1e10F, 1e-30F, 7}, {1e10F, -1e10F, 1e-30F, 7}},
       {RenderTexture::Float, {-1e10F, 5, 6, 7}, {-1e10F}},
@@ -200,7 +234,11 @@ TEST_F(RenderTexturePixels, KnownClearsComeBack) {
   }
 }
 
-TEST_F(RenderTexturePixels, RowsAndDepths) {
+TEST_F(RenderTexturePixels, RowsAndDepthsWhateverTheHostHasSet) {
+  gl->PushClientAttrib(RGL_CLIENT_PIXEL_STORE_BIT);
+  gl->PixelStorei(RGL_PACK_SKIP_ROWS, 100);
+  for (const Ogl::GlEnum bias : {RGL_RED_BIAS, RGL_DEPTH_BIAS})
+    gl->PixelTransferf(bias, 0.125F);
   const RenderTexture target({5, 3});
   Fill(gl, target, {0, 0, 0, 1});
   DrawRectangle(gl, target, 1, 0, 3, 2);
@@ -210,6 +248,8 @@ TEST_F(RenderTexturePixels, RowsAndDepths) {
     depth = std::round(depth * 1e6F) / 1e6F;
   EXPECT_EQ(depths, (Floats{1, 0.25, 0.25, 1, 1, 1, 0.25, 0.25, 1, 1, 1, 1, 1, 1, 1}));
   EXPECT_EQ(target.ReadColors(gl)[4 * 1], 1.0F) << "the lowest row is the first";
+  EXPECT_EQ(Integer(gl, RGL_PACK_SKIP_ROWS), 100);
+  gl->PopClientAttrib();
 }
 
 TEST_F(RenderTexturePixels, BindsNestAndRepeat) {

@@ -1,6 +1,6 @@
 #include "library/TopMostFragmentDepthBuffer.h"
 
-#include "library/RenderTexture.h"
+#include "library/DepthPass.h"
 #include "platform/ogl/HitRecord.h"
 #include "platform/ogl/ShaderProgram.h"
 #include "tests/support/Test.h"
@@ -44,16 +44,30 @@ TEST_F(TopMostFragmentDepthBufferCalls, StepsInOrder) {
   const Core::TimeStamp stamp;
   recorder.Clear();
   recorder.SetPixel(4, 1, {127, 127, 127, 127});
+  recorder.QueueError(RGL_INVALID_OPERATION);
+  const ReportCapture reports;
   // The viewport's corner does not count, fractions of its size are cut off.
   const Pick first(gl, picker, {40, 50, 9.75F, 3.5F}, {4, 1}, stamp, [&] { gl->Enable(RGL_BLEND); });
+  EXPECT_EQ(reports.Texts(), Lines{"WARNING: GL_INVALID_OPERATION - " + Location});
   EXPECT_TRUE(first.hit);
   EXPECT_EQ(first.renders, 1);
   EXPECT_EQ(first.results,
             (std::vector<std::pair<unsigned int, float>>{{0U, DepthCodec::Decode({{127, 127, 127, 127}})}}));
-  const Lines making = {
-      "GenTextures", "BindTexture", "TexImage2D",       "TexParameteri",   "GenFramebuffers", "FramebufferTexture2D",
-      "GetIntegerv", "PixelStorei", "PushClientAttrib", "PopClientAttrib", "BindBuffer",      "CheckFramebufferStatus",
-      "GetFloatv",   "GetString"};
+  const Lines making = {"GenTextures",
+                        "BindTexture",
+                        "TexImage2D",
+                        "TexParameteri",
+                        "GenFramebuffers",
+                        "FramebufferTexture2D",
+                        "GetIntegerv",
+                        "PixelStorei",
+                        "GetTexLevelParameteriv",
+                        "PushClientAttrib",
+                        "PopClientAttrib",
+                        "BindBuffer",
+                        "CheckFramebufferStatus",
+                        "GetFloatv",
+                        "GetString"};
   Lines lines = recorder.LinesWithout(making);
   // While it was made, the frame buffer was bound once.
   lines.erase(lines.begin() + 1, lines.begin() + 3);
@@ -63,7 +77,7 @@ TEST_F(TopMostFragmentDepthBufferCalls, StepsInOrder) {
              "Viewport(0, 0, 9, 3)", "Disable(GL_FRAMEBUFFER_SRGB)", "ClearColor(0, 0, 0, 0)",
              "Clear(GL_DEPTH_BUFFER_BIT|GL_STENCIL_BUFFER_BIT|GL_COLOR_BUFFER_BIT)", "Disable(GL_STENCIL_TEST)",
              "Enable(GL_DEPTH_TEST)", "Enable(GL_BLEND)", "ReadPixels(4, 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, ptr)",
-             "GetError()", "BindFramebuffer(GL_FRAMEBUFFER, 0)", "PopAttrib()"}));
+             "GetError()", "GetError()", "BindFramebuffer(GL_FRAMEBUFFER, 0)", "PopAttrib()"}));
   EXPECT_EQ(recorder.LinesOf({"TexImage2D"}).at(0),
             "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, null)");
 
@@ -126,35 +140,41 @@ TEST_F(TopMostFragmentDepthBufferCalls, AfterAThrowingCallbackEachPickDraws) {
   EXPECT_EQ(renders(broken), 1);
 }
 
-TEST_F(TopMostFragmentDepthBufferCalls, ErrorsGoToTheLogWithTheLocation) {
+TEST_F(TopMostFragmentDepthBufferCalls, AFailedTargetIsMadeAndDrawnByTheNextPick) {
   Scope gl(recorder.Handle());
-  TopMostFragmentDepthBuffer picker;
-  const Core::TimeStamp stamp;
-  recorder.SetPixel(0, 0, {0, 0, 0, 1}); // only four zeros are empty
-  recorder.QueueError(RGL_INVALID_OPERATION);
-  const ReportCapture reports;
-  EXPECT_TRUE(Pick(gl, picker, {0, 0, 9, 3}, {0, 0}, stamp).hit);
-  EXPECT_EQ(reports.Texts(), Lines{"WARNING: GL_INVALID_OPERATION - " + Location});
+  for (const auto& [call, renders] : {std::pair("GenFramebuffers", 0), {"CheckFramebufferStatus", 1}}) {
+    const ReportCapture reports;
+    recorder.Clear();
+    recorder.Fail(call);
+    TopMostFragmentDepthBuffer picker;
+    const Core::TimeStamp stamp;
+    EXPECT_EQ(Pick(gl, picker, {0, 0, 9, 3}, {0, 0}, stamp).renders, renders) << call;
+    EXPECT_EQ(recorder.LinesOf({"Clear"}).size(), renders) << "the host's window";
+    EXPECT_FALSE(reports.Texts().empty());
+    EXPECT_EQ(Pick(gl, picker, {0, 0, 9, 3}, {0, 0}, stamp).renders, 1) << call;
+    EXPECT_EQ(Pick(gl, picker, {0, 0, 9, 3}, {0, 0}, stamp).renders, 0) << call;
+  }
 }
 
-TEST_F(TopMostFragmentDepthBufferCalls, LeavesSrgbAloneWhereThereIsNone) {
-  struct Case {
-    const char* version;
-    const char* extensions;
-    std::size_t disables;
+TEST_F(TopMostFragmentDepthBufferCalls, OldDevicesAreAskedForNothingThatTheyLack) {
+  const std::tuple<const char*, const char*, Lines> cases[] = {
+      {"2.1", "GL_ARB_framebuffer_object", {}},
+      {"2.1", "GL_ARB_framebuffer_object GL_EXT_framebuffer_sRGB", {"Disable(GL_FRAMEBUFFER_SRGB)"}},
+      {"3.2", "", {"Disable(GL_FRAMEBUFFER_SRGB)", "Disable(GL_DEPTH_CLAMP)"}},
   };
-  for (const Case& row : {Case{"2.1", "GL_ARB_framebuffer_object", 0},
-                          Case{"2.1", "GL_ARB_framebuffer_object GL_EXT_framebuffer_sRGB", 1}, Case{"3.0", "", 1}}) {
+  for (const auto& [version, extensions, expected] : cases) {
     Ogl::RecordingGl device;
     {
-      device.SetVersion(row.version);
-      device.SetExtensions(row.extensions);
+      device.SetVersion(version);
+      device.SetExtensions(extensions);
       Scope gl(device.Handle());
       TopMostFragmentDepthBuffer picker;
-      Pick(gl, picker, {0, 0, 9, 3}, {0, 0}, Core::TimeStamp());
-      Lines disabled = device.LinesOf({"Disable"});
-      EXPECT_EQ(std::count(disabled.begin(), disabled.end(), "Disable(GL_FRAMEBUFFER_SRGB)"), row.disables)
-          << row.version << ' ' << row.extensions;
+      Pick(gl, picker, {0, 0, 9, 3}, {0, 0}, Core::TimeStamp(), [&] { DepthPass pass(gl); });
+      std::set<std::string> disabled;
+      for (const std::string& line : device.LinesOf({"Disable"}))
+        if (line == "Disable(GL_FRAMEBUFFER_SRGB)" || line == "Disable(GL_DEPTH_CLAMP)")
+          disabled.insert(line);
+      EXPECT_EQ(disabled, std::set<std::string>(expected.begin(), expected.end())) << version << ' ' << extensions;
     }
     EXPECT_EQ(device.Complaints(), Lines());
   }
@@ -203,6 +223,7 @@ TEST_F(TopMostFragmentDepthBufferPixels, PicksTheNearestSurface) {
   gl->Enable(RGL_STENCIL_TEST);
   gl->Disable(RGL_DEPTH_TEST);
   gl->Enable(RGL_FRAMEBUFFER_SRGB);
+  gl->PixelTransferf(RGL_RED_SCALE, 0.5F);
   const double expected[] = {0.5, 0.25, 0.625, -1, 0.375};
   int renders = 0;
   for (int x = 0; x < 5; ++x) {
@@ -217,75 +238,10 @@ TEST_F(TopMostFragmentDepthBufferPixels, PicksTheNearestSurface) {
   EXPECT_TRUE(gl->IsEnabled(RGL_STENCIL_TEST));
   EXPECT_FALSE(gl->IsEnabled(RGL_DEPTH_TEST));
   EXPECT_TRUE(gl->IsEnabled(RGL_FRAMEBUFFER_SRGB));
+  float scale = 0;
+  gl->GetFloatv(RGL_RED_SCALE, &scale);
+  EXPECT_EQ(scale, 0.5F);
   EXPECT_EQ(Vek::Test::PixelAt(Image(), 2, 1), qRgba(0, 0, 0, 0)); // nothing was drawn to the host's frame buffer
-}
-
-TEST_F(TopMostFragmentDepthBufferPixels, ReadsOnlyItsFourBytesWhateverTheHostHasSet) {
-  Scope gl(Handle());
-  unsigned int buffer = 0;
-  gl->GenBuffers(1, &buffer);
-  TopMostFragmentDepthBuffer picker;
-  const Core::TimeStamp stamp;
-  const auto clear = [&] {
-    gl->ClearColor(63 / 255.0F, 191 / 255.0F, 63 / 255.0F, 191 / 255.0F);
-    gl->Clear(RGL_COLOR_BUFFER_BIT);
-  };
-  for (const Ogl::GlEnum setting : {RGL_PIXEL_PACK_BUFFER_BINDING, RGL_PACK_SKIP_PIXELS, RGL_PACK_SKIP_ROWS,
-                                    RGL_PACK_ROW_LENGTH, RGL_PACK_ALIGNMENT, RGL_PACK_SWAP_BYTES}) {
-    const int value = setting == RGL_PACK_SWAP_BYTES ? 1 : setting == RGL_PACK_ALIGNMENT ? 8 : 1000;
-    if (setting == RGL_PIXEL_PACK_BUFFER_BINDING)
-      gl->BindBuffer(RGL_PIXEL_PACK_BUFFER, buffer);
-    else
-      gl->PixelStorei(setting, value);
-    const Pick pick(gl, picker, {0, 0, 5, 3}, {1, 1}, stamp, clear);
-    ASSERT_TRUE(pick.hit) << setting;
-    EXPECT_EQ(pick.results.at(0).second, DepthCodec::Decode({{63, 191, 63, 191}})) << setting;
-    int after = 0;
-    gl->GetIntegerv(setting, &after);
-    if (setting == RGL_PIXEL_PACK_BUFFER_BINDING) {
-      EXPECT_EQ(after, static_cast<int>(buffer));
-      gl->BindBuffer(RGL_PIXEL_PACK_BUFFER, 0);
-    } else {
-      EXPECT_EQ(after, value) << setting;
-      gl->PixelStorei(setting, setting == RGL_PACK_ALIGNMENT ? 4 : 0);
-    }
-  }
-  gl->DeleteBuffers(1, &buffer);
-}
-
-// What is cut off a channel loses one step of it, and of the ones behind: 1 / 255 + 1 / 65025 + … at worst.
-TEST_F(TopMostFragmentDepthBufferPixels, PackedDepthsFollowTheDepthBuffer) {
-  Scope gl(Handle());
-  const DepthScene scene(gl);
-  constexpr int Count = 1021;
-  std::vector<double> depths(Count);
-  for (int i = 0; i < Count; ++i)
-    depths[static_cast<std::size_t>(i)] = (i + 0.5) / Count;
-  const RenderTexture target({Count, 1});
-  {
-    const boost::shared_ptr<void> bound = target.BindForDraw(gl);
-    const boost::shared_ptr<void> enables = gl->PushAttribScope(RGL_ENABLE_BIT);
-    gl->ClearColor(Qt::transparent);
-    gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
-    gl->Enable(RGL_DEPTH_TEST);
-    gl->Disable(RGL_DITHER);
-    scene.Draw(gl, depths);
-  }
-  const QImage image = target.ToImage(gl);
-  const std::vector<float> truth = target.ReadDepths(gl);
-  int close = 0;
-  for (int x = 0; x < Count; ++x) {
-    const auto i = static_cast<std::size_t>(x);
-    ASSERT_NEAR(truth[i], depths[i], 1e-6) << x;
-    const QRgb pixel = image.pixel(x, 0);
-    const auto byte = [](int p_value) { return static_cast<unsigned char>(p_value); };
-    const float decoded =
-        DepthCodec::Decode({{byte(qRed(pixel)), byte(qGreen(pixel)), byte(qBlue(pixel)), byte(qAlpha(pixel))}});
-    EXPECT_LE(decoded, truth[i] + 1e-6F) << x;
-    EXPECT_GE(decoded, truth[i] - 1.0F / 254 - 1e-6F) << x;
-    close += decoded > truth[i] - 2.0F / 65025 ? 1 : 0;
-  }
-  EXPECT_GT(close, Count / 2);
 }
 
 } // namespace
