@@ -12,13 +12,13 @@ namespace Vek::Chart::Assets {
 
 namespace {
 
-/// Reads an image from the path's bytes, which Qt's names cannot always hold.
+/// Opens the file by the bytes of its path, which need not be valid in Qt's encoding of file names.
 QImage ReadImage(const vekfile::filepath& p_path) {
   const QString name = QString::fromStdString(p_path.str());
   if (QFile::encodeName(name).toStdString() == p_path.str())
     return QImage(name);
   std::FILE* const opened = std::fopen(p_path.str().c_str(), "rb");
-  QFile file(name); // by its name for the ending only
+  QFile file(name); // the name serves for its extension only
   if (opened == nullptr || !file.open(opened, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
     return QImage();
   return QImageReader(&file).read();

@@ -10,7 +10,7 @@
 
 namespace Vek::Chart::Assets {
 
-/// Reads image files and keeps what was read. Used by one thread at a time.
+/// Reads image files and keeps the images. For one thread at a time.
 class VEK_PLATFORM_API ImageCache {
 public:
   ImageCache();
@@ -18,15 +18,14 @@ public:
   ImageCache(const ImageCache&) = delete;
   ImageCache& operator=(const ImageCache&) = delete;
 
-  /// The image in that file, read when it is first asked for. The reference stays valid until `Clear` or the end of the
-  /// cache.
+  /// The image in a file, read at the first call with its path. The reference stays valid until `Clear` or the end of
+  /// the cache. Paths need not be UTF-8.
   ///
-  /// A file that is missing or holds no image that can be read is a null image, which is kept like any other, so that a
-  /// bad file costs one warning and not one for each frame:
-  /// "WARNING: Assets::ImageCache::Image: cannot read " followed by the path in double quotes.
+  /// A missing or unreadable file gives a null image, which is kept too: one warning per file, not one per frame. Its
+  /// text is "WARNING: Assets::ImageCache::Image: cannot read " followed by the path in double quotes.
   const QImage& Image(const vekfile::filepath& p_file);
 
-  /// Forgets all images: each is read anew when it is next asked for.
+  /// Removes all images; each is read again at the next call with its path.
   void Clear();
 
 private:

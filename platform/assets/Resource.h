@@ -7,15 +7,14 @@
 
 namespace Vek::Chart::Assets {
 
-/// Finds the files of an application's resources by name. A host with another order of files overrides the look-up.
+/// Finds the resource files of an application by name. Hosts with another folder layout override the look-up.
 class VEK_PLATFORM_API Resource {
 public:
-  /// Resources in a folder; an empty path is the current folder.
+  /// Looks in a folder; an empty path is the current folder.
   explicit Resource(const vekfile::filepath& p_folder);
   virtual ~Resource();
 
-  /// The file of the image of that name: the folder, the name and ".png". Whether there is such a file is not looked
-  /// at.
+  /// The path of an image: the folder, the name and ".png". The file need not exist.
   virtual vekfile::filepath ImageFile(const std::string& p_name) const;
 
 private:

@@ -6,14 +6,14 @@
 
 namespace vekfile {
 
-/// A path of a file or folder: the bytes that the operating system takes (UTF-8 by custom).
+/// A path of a file or folder, as the bytes that the operating system takes (usually UTF-8).
 class VEK_PLATFORM_API filepath {
 public:
   /// An empty, invalid path.
   filepath() = default;
   ///@{
   /// The path of these bytes; a null pointer is the empty path.
-  filepath(const std::string& p_path); // NOLINT: implicit, so that a path can be written as text
+  filepath(const std::string& p_path); // NOLINT: implicit, so that strings serve as paths
   filepath(const char* p_path);        // NOLINT: as above
   ///@}
 
@@ -22,7 +22,7 @@ public:
   /// True when the path is not empty and holds no zero byte.
   bool valid() const;
 
-  /// Joins a directory and a name with exactly one separator. An empty side yields the other one.
+  /// Joins a directory and a name by exactly one separator. If one is empty, the result is the other.
   friend VEK_PLATFORM_API filepath operator+(const filepath& p_directory, const filepath& p_name);
   ///@{
   /// Compares byte by byte; "a/b" and "a//b" differ.
@@ -34,7 +34,7 @@ private:
   std::string _path;
 };
 
-/// True when a file or folder of that path exists and may be looked at.
+/// True when the path is valid and names a file or folder that exists and is accessible.
 VEK_PLATFORM_API bool fileexists(const filepath& p_path);
 
 } // namespace vekfile

@@ -5,8 +5,8 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// The hash of a path, and of other short texts: 0 to 2147483646, 0 for the empty text. Each byte is taken as a signed
-/// number; products and sums wrap in 32 bits, remainders have the sign of the dividend.
+/// The hash of a path or another short string: 0 to 2147483646, and 0 for the empty string. Bytes are signed; products
+/// and sums wrap at 32 bits; remainders have the sign of the dividend.
 inline std::int32_t PathHash(const std::string& p_text) {
   constexpr std::int32_t Modulus = 2147483647;
   constexpr std::uint32_t B = 27183;

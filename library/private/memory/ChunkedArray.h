@@ -7,8 +7,8 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// An array that grows without moving its elements, so that its memory stays close to its size however large it
-/// becomes, and that ends as a vector of exactly that size.
+/// A growing array that never moves its elements, so that its memory stays close to its size, and that is converted to
+/// a vector of exactly that size at the end.
 template <class T>
 class ChunkedArray {
 public:
@@ -22,7 +22,7 @@ public:
     ++_size;
   }
 
-  /// All elements; the array is empty afterwards. Each chunk is released as soon as it is copied.
+  /// Returns all elements and empties the array. Each chunk is freed as soon as it is copied.
   std::vector<T> MoveOut() {
     std::vector<T> all;
     ReserveLarge(all, _size);
@@ -38,7 +38,7 @@ public:
 private:
   static constexpr std::size_t ChunkSize = std::size_t(1) << 16;
 
-  // The first chunk grows like any vector: many arrays stay small.
+  // The first chunk grows like any vector, since many arrays stay small.
   void AddChunk() {
     _chunks.emplace_back();
     if (_chunks.size() > 1)

@@ -14,7 +14,7 @@ namespace Vek::Chart::Library::Private {
 void AdviseHugePages([[maybe_unused]] void* p_memory, [[maybe_unused]] std::size_t p_bytes) {
 #if defined(__linux__)
   constexpr std::uintptr_t PageSize = std::uintptr_t(1) << 21;
-  // Only pages that lie inside entirely, so that no more memory is taken than there would be anyway.
+  // Only pages entirely inside, so that no additional memory is taken.
   const auto address = reinterpret_cast<std::uintptr_t>(p_memory);
   const std::uintptr_t first = (address + PageSize - 1) / PageSize * PageSize;
   const std::uintptr_t last = (address + p_bytes) / PageSize * PageSize;

@@ -5,15 +5,14 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// Asks the system to back memory that nobody has touched yet with huge pages: new small pages cost more time than
-/// filling them. A hint; it does nothing for less than some megabytes and where the system has no such pages.
+/// Asks the system for huge pages behind untouched memory, since small pages take longer to fault in than to fill. A
+/// hint: it has no effect below a few megabytes and on systems without huge pages.
 void AdviseHugePages(void* p_memory, std::size_t p_bytes);
 
-/// Sets memory to 0, but leaves alone what is 0 already: new memory of the system is, and takes no pages until it is
-/// written.
+/// Sets memory to 0 without writing to what is 0 already: fresh memory is 0 and takes no pages until it is written.
 void ClearMemory(void* p_memory, std::size_t p_bytes);
 
-/// Reserves memory for a vector that will be filled with that many elements.
+/// Reserves memory for p_count elements, with huge pages where that helps.
 template <class T>
 void ReserveLarge(std::vector<T>& p_vector, std::size_t p_count) {
   if (p_count <= p_vector.capacity())

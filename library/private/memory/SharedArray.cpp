@@ -10,7 +10,7 @@ namespace Vek::Chart::Library::Private {
 
 namespace {
 
-// A block starts with room for boost's control block; the data follow.
+// A block begins with the control block of the shared pointer; the data follow.
 constexpr std::size_t HeaderBytes = 64;
 constexpr std::size_t HugePageBytes = std::size_t(2) << 20;
 constexpr std::size_t SmallestHugeBlock = 2 * HugePageBytes;
@@ -26,7 +26,7 @@ void* NewBlock(std::size_t p_bytes) {
   return block;
 }
 
-/// Puts the control block into the header, and frees the whole block after it.
+/// Places the control block into the header, and frees the whole block with it.
 template <class T>
 struct HeaderAllocator {
   using value_type = T;
@@ -54,7 +54,7 @@ struct HeaderAllocator {
   }
 };
 
-/// Marks the memory as ours; the allocator frees it.
+/// The type by which IsReusable recognises the memory; the allocator frees it.
 struct SharedMemoryMark {
   void operator()(void*) const {}
 };

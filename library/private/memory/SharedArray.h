@@ -9,22 +9,23 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// `p_bytes` of uninitialised memory in one allocation with its reference count. Large blocks ask for huge pages, since
-/// touching many small new pages costs more than writing them. Throws std::bad_alloc.
+/// Uninitialised memory in one allocation with its reference count. Large blocks use huge pages, since small pages take
+/// longer to fault in than to fill. Throws std::bad_alloc.
 boost::shared_ptr<void> NewSharedMemory(std::size_t p_bytes);
 
-/// Whether the memory is from NewSharedMemory and nobody else holds it, so that it may be written again.
+/// Whether the memory comes from NewSharedMemory and has a single owner, so that it may be overwritten.
 bool IsReusable(const boost::shared_ptr<const void>& p_memory);
 
-/// An array while it is written: its memory in the form in which it is handed over, and its scalars.
+/// An array that is being written: its memory as vertex data hold it, and its scalars.
 template <class T>
 struct SharedArray {
   boost::shared_ptr<const void> memory;
   T* data = nullptr;
 };
 
-/// `p_count` elements of `p_components` scalars: the memory of `p_old` if it has this form and is reusable, else new
-/// memory. Reference counts are touched no more than needed; for a small glyph they are a large part of the work.
+/// `p_count` elements of `p_components` scalars: the memory of `p_old` if it has this layout and is reusable, new
+/// memory otherwise. Changes reference counts as rarely as possible: they are a large part of the work for small
+/// glyphs.
 template <class T>
 SharedArray<T> ReuseOrNew(const Ogl::VertexData::Array& p_old, std::size_t p_count, unsigned int p_components,
                           Ogl::VertexData::ComponentType p_type) {

@@ -9,9 +9,8 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// A vector in one allocation whose memory is not touched: its pages, huge ones where it is large and the system has
-/// them, are taken from the system when they are written. `Unset` is a type that T can be made from by a constructor
-/// which leaves the members alone.
+/// A vector of uninitialised elements in untouched memory, whose pages (huge ones where it is large) are taken when
+/// they are written. T needs a constructor from Unset that leaves its members uninitialised.
 template <class T, class Unset>
 std::vector<T> UnsetVector(std::size_t p_count) {
   struct Counter : boost::iterator_facade<Counter, const Unset, boost::random_access_traversal_tag> {
