@@ -1,5 +1,8 @@
 #include "library/Cuboid.h"
 
+#include "library/private/gl/QuadricDraw.h"
+#include "platform/ogl/Guard.h"
+
 namespace Vek::Chart::Library {
 
 void Cuboid::operator()(const Utility::Unscoped<Rgl>& p_gl, const Geometry& p_geometry) {
@@ -9,14 +12,12 @@ void Cuboid::operator()(const Utility::Unscoped<Rgl>& p_gl, const Geometry& p_ge
     inverseSize = {1 / edges.x, 1 / edges.y, 1 / edges.z};
     size.ClearChanged();
   }
-  gl->PushAttrib(RGL_POLYGON_BIT);
+  const boost::shared_ptr<void> polygons = gl->PushAttribScope(RGL_POLYGON_BIT);
   gl->PolygonMode(RGL_FRONT_AND_BACK, filled ? RGL_FILL : RGL_LINE);
-  gl->Translate(position.Value());
+  const boost::shared_ptr<void> moved = Private::TranslateScope(gl, position.Value());
   gl->Scale(edges);
+  const boost::shared_ptr<void> scaled = Ogl::MakeGuard([&] { gl->Scale(inverseSize); });
   p_geometry.Cube(gl);
-  gl->Scale(inverseSize);
-  gl->Translate(-position.Value());
-  gl->PopAttrib();
 }
 
 } // namespace Vek::Chart::Library

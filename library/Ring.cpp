@@ -1,6 +1,7 @@
 #include "library/Ring.h"
 
 #include "platform/debug/Check.h"
+#include "platform/ogl/Guard.h"
 #include "platform/types/Transformation.h"
 
 namespace Vek::Chart::Ogl::Library {
@@ -44,6 +45,12 @@ void Ring::operator()(const Utility::Unscoped<Rgl>& p_gl) const {
   if (moved)
     gl->Translate(position);
   gl->Begin(RGL_TRIANGLES);
+  const boost::shared_ptr<void> ended = MakeGuard([&gl] { gl->End(); });
+  // Moves back inside the pair, deliberately; see the class.
+  const boost::shared_ptr<void> movedBack = MakeGuard([&gl, moved, this] {
+    if (moved)
+      gl->Translate(-position);
+  });
   for (std::size_t k = 0; k < indices.size(); ++k) {
     if (!VEK_CHECK_RANGE(indices[k], vertices.size(), "0 <= indices[k] < vertices.size()", signature))
       continue;
@@ -63,9 +70,6 @@ void Ring::operator()(const Utility::Unscoped<Rgl>& p_gl) const {
     }
     gl->Vertex(vertex);
   }
-  if (moved)
-    gl->Translate(-position); // inside the pair, deliberately; see the class
-  gl->End();
 }
 
 } // namespace Vek::Chart::Ogl::Library

@@ -7,13 +7,16 @@
 
 namespace Vek::Chart::Ogl {
 
-// GL objects with shared ownership. Each is made by an operation of Rgl and deletes its GL name with its last holder;
-// that must happen while a context is current that shares objects with the one that made it.
+// GL objects with shared ownership. Each is made by an operation of Rgl and deletes its GL name with its last holder.
+//
+// At that moment the context that made it, or one that shares objects with it, must be current. A host that brings its
+// own context must ensure this: otherwise the name is leaked, or an object of another context that has the same name is
+// deleted. Objects of an `OffscreenContext` may outlive it; they are then reported and dropped.
 
 /// The name of a GL texture. Its target and contents are decided by whoever binds it first.
 class VEK_PLATFORM_API Texture {
 public:
-  /// A new name in the context that is current; 0 when GL makes none.
+  /// A new name in the current context; 0 when GL makes none.
   explicit Texture(boost::shared_ptr<const GlFunctions> p_gl);
   ~Texture();
   Texture(const Texture&) = delete;
@@ -29,7 +32,7 @@ private:
 /// A display list: recorded once, replayed by calling it.
 class VEK_PLATFORM_API DisplayList {
 public:
-  /// A new, empty list in the context that is current; name 0 when GL makes none.
+  /// A new, empty list in the current context; name 0 when GL makes none.
   explicit DisplayList(boost::shared_ptr<const GlFunctions> p_gl);
   ~DisplayList();
   DisplayList(const DisplayList&) = delete;
@@ -50,7 +53,7 @@ private:
 /// A frame-buffer object without attachments of its own; whoever made it attaches textures or renderbuffers.
 class VEK_PLATFORM_API FrameBufferObject {
 public:
-  /// A new name in the context that is current; 0 when GL makes none.
+  /// A new name in the current context; 0 when GL makes none.
   explicit FrameBufferObject(boost::shared_ptr<const GlFunctions> p_gl);
   ~FrameBufferObject();
   FrameBufferObject(const FrameBufferObject&) = delete;
@@ -66,7 +69,7 @@ private:
 /// Storage for one attachment of a frame-buffer object that is never sampled.
 class VEK_PLATFORM_API RenderBuffer {
 public:
-  /// A new name in the context that is current; 0 when GL makes none.
+  /// A new name in the current context; 0 when GL makes none.
   explicit RenderBuffer(boost::shared_ptr<const GlFunctions> p_gl);
   ~RenderBuffer();
   RenderBuffer(const RenderBuffer&) = delete;

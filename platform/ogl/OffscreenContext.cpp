@@ -1,13 +1,18 @@
 #include "platform/ogl/OffscreenContext.h"
 
+#include "platform/debug/Check.h"
 #include "platform/ogl/Guard.h"
 #include "platform/ogl/private/EglContext.h"
+#include "platform/ogl/private/GlDefaults.h"
+#include "platform/ogl/private/QuietReport.h"
 
 #include <boost/make_shared.hpp>
+#include <boost/weak_ptr.hpp>
 
 #include <algorithm>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace Vek::Chart::Ogl {
@@ -32,8 +37,17 @@ struct Target {
   boost::shared_ptr<FrameBufferObject> frameBuffer;
 };
 
+/// An object without a name must not be bound: name 0 is the frame buffer of a window.
+template <class Object>
+boost::shared_ptr<Object> Required(boost::shared_ptr<Object> p_object, Types::Size p_size) {
+  if (!p_object)
+    throw std::runtime_error("No off-screen frame buffer of " + SizeText(p_size) +
+                             " pixels: GL makes no object for it");
+  return p_object;
+}
+
 boost::shared_ptr<RenderBuffer> MakeStorage(const Rgl& p_gl, GlEnum p_format, Types::Size p_size, int p_samples) {
-  boost::shared_ptr<RenderBuffer> storage = p_gl.GenRenderBuffer();
+  boost::shared_ptr<RenderBuffer> storage = Required(p_gl.GenRenderBuffer(), p_size);
   p_gl.BindRenderbuffer(RGL_RENDERBUFFER, storage->Name());
   p_gl.RenderbufferStorageMultisample(RGL_RENDERBUFFER, p_samples, p_format, p_size.width, p_size.height);
   p_gl.BindRenderbuffer(RGL_RENDERBUFFER, 0);
@@ -44,7 +58,7 @@ boost::shared_ptr<RenderBuffer> MakeStorage(const Rgl& p_gl, GlEnum p_format, Ty
 Target MakeTarget(const Rgl& p_gl, Types::Size p_size, int p_samples, bool p_depth) {
   Target target;
   target.color = MakeStorage(p_gl, RGL_RGBA8, p_size, p_samples);
-  target.frameBuffer = p_gl.GenFrameBufferObject();
+  target.frameBuffer = Required(p_gl.GenFrameBufferObject(), p_size);
   p_gl.BindFramebuffer(RGL_FRAMEBUFFER, target.frameBuffer->Name());
   p_gl.FramebufferRenderbuffer(RGL_FRAMEBUFFER, RGL_COLOR_ATTACHMENT0, RGL_RENDERBUFFER, target.color->Name());
   if (p_depth) {
@@ -61,23 +75,55 @@ Target MakeTarget(const Rgl& p_gl, Types::Size p_size, int p_samples, bool p_dep
   return target;
 }
 
+constexpr bool IsDelete(std::string_view p_function) {
+  return p_function.substr(0, 6) == "Delete";
+}
+
+/// The functions of a context that has ended: they do nothing, and report the objects that were released too late.
+GlFunctions MakeEndedGl() {
+  GlFunctions table;
+#define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \
+  table.p_name = [] p_parameters -> p_result {                                                                         \
+    if constexpr (IsDelete(#p_name))                                                                                   \
+      ReportQuietly([] { vekdebug::warn("OffscreenContext: gl" #p_name " after the end of the context"); });           \
+    return GlDefaults().p_name p_arguments;                                                                            \
+  };
+#include "platform/ogl/GlFunctionList.h"
+  table.DeleteQuadric = NativeGl().DeleteQuadric; // quadrics belong to no context
+  return table;
+}
+
+/// A handle whose scopes make the context current, as long as there is one.
+Utility::Unscoped<Rgl> MakeHandle(const boost::shared_ptr<const GlFunctions>& p_functions,
+                                  const boost::weak_ptr<EglContext>& p_context) {
+  const auto enter = [p_context] {
+    if (const boost::shared_ptr<EglContext> context = p_context.lock())
+      context->MakeCurrent();
+    else
+      vekdebug::warn("OffscreenContext: a scope was opened after the end of the context; its calls do nothing");
+  };
+  const auto leave = [p_context] {
+    if (const boost::shared_ptr<EglContext> context = p_context.lock())
+      context->Restore();
+  };
+  return Utility::Unscoped<Rgl>(boost::make_shared<Rgl>(p_functions, enter, leave));
+}
+
 } // namespace
 
 struct VEK_HIDDEN OffscreenContext::State {
   explicit State(Types::Size p_size)
-      : size(p_size)
-      , handle(boost::make_shared<Rgl>(
-            boost::shared_ptr<const GlFunctions>(&NativeGl(), [](const GlFunctions*) {}), [this] { egl.MakeCurrent(); },
-            [this] { egl.Restore(); })) {}
+      : size(p_size) {}
   ~State() {
-    // Whoever still holds the handle finds no context behind it.
     try {
-      const boost::shared_ptr<void> current = egl.CurrentScope();
+      const boost::shared_ptr<void> current = egl->CurrentScope();
       multisampled = {};
       plain = {};
-    } catch (const std::runtime_error&) {
+    } catch (...) {
       // EGL refuses the context: its objects go with it, and there is nothing to call.
+      ReportQuietly([] { vekdebug::warn("OffscreenContext: the context could not be made current at its end"); });
     }
+    *functions = MakeEndedGl(); // for handles and objects that are still held
   }
 
   void MakeTargets(const Rgl& p_gl, int p_samples) {
@@ -92,8 +138,9 @@ struct VEK_HIDDEN OffscreenContext::State {
   unsigned int FrameBufferName() const { return (multisampled.frameBuffer ? multisampled : plain).frameBuffer->Name(); }
 
   Types::Size size;
-  EglContext egl;
-  Utility::Unscoped<Rgl> handle;
+  boost::shared_ptr<EglContext> egl = boost::make_shared<EglContext>();
+  boost::shared_ptr<GlFunctions> functions = boost::make_shared<GlFunctions>(NativeGl());
+  Utility::Unscoped<Rgl> handle = MakeHandle(functions, egl);
   Target multisampled; // empty without multisampling
   Target plain;        // where samples are resolved to, if there are any
 };
@@ -161,6 +208,7 @@ void ResolveSamples(const Rgl& p_gl, const Target& p_from, const Target& p_to, T
 
 QImage OffscreenContext::Image() {
   const Utility::Scoped<Rgl> gl(_state->handle);
+  gl->CheckError("before OffscreenContext::Image"); // not to be taken for errors of the reading
   const boost::shared_ptr<void> bindings = gl->BindScope(_state->plain.frameBuffer);
   if (_state->multisampled.frameBuffer) {
     ResolveSamples(*gl, _state->multisampled, _state->plain, _state->size);
@@ -170,7 +218,9 @@ QImage OffscreenContext::Image() {
   QImage image(_state->size.width, _state->size.height, QImage::Format_ARGB32);
   if (image.isNull())
     throw std::runtime_error("No memory for an image of " + SizeText(_state->size) + " pixels");
+  image.fill(Qt::transparent); // what remains when the reading fails
   gl->ReadPixels(0, 0, image.width(), image.height(), RGL_BGRA, RGL_UNSIGNED_INT_8_8_8_8_REV, image.bits());
+  gl->CheckError("OffscreenContext::Image");
   return image.mirrored();
 }
 

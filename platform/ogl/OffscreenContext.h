@@ -17,6 +17,10 @@ namespace Vek::Chart::Ogl {
 /// The frame buffer (8-bit RGBA, 24-bit depth, 8-bit stencil, optionally multisampled) is bound and the viewport covers
 /// it when the constructor returns.
 ///
+/// The context ends with this object. Handles and GL objects that are held longer stay safe: objects released later are
+/// reported ("WARNING: OffscreenContext: glDeleteTextures after the end of the context"), a scope opened later is
+/// reported, and all calls do nothing.
+///
 /// \snippet HostSnippets.cpp OffscreenContext
 /// \ingroup host
 class VEK_PLATFORM_API OffscreenContext {
@@ -36,7 +40,8 @@ public:
   std::string Renderer() const;
   /// Binds the context's own frame buffer and sets the viewport to it.
   void BindFrameBuffer();
-  /// The frame buffer's colours (samples resolved), the first row on top, format ARGB32.
+  /// The frame buffer's colours (samples resolved), the first row on top, format ARGB32. GL errors are reported; an
+  /// image that could not be read is transparent.
   QImage Image();
 
 private:

@@ -1,6 +1,7 @@
 #include "platform/ogl/RecordingGl.h"
 
 #include "platform/debug/Check.h"
+#include "platform/ogl/private/QuietReport.h"
 #include "platform/ogl/private/RecordingModel.h"
 #include "platform/ogl/private/RecordingText.h"
 
@@ -75,7 +76,7 @@ template <class Run, class Refuse, class Arguments>
 auto Dispatch(const Recording::Signature& p_signature, Run p_run, Refuse p_refuse, const Arguments& p_arguments) {
   if (active)
     return active->Call(p_signature, p_run, p_refuse, p_arguments);
-  vekdebug::warn("RecordingGl: " + p_signature.name + " without a recorder");
+  ReportQuietly([&] { vekdebug::warn("RecordingGl: " + p_signature.name + " without a recorder"); });
   Recording::Model nobody;
   return p_refuse(nobody);
 }
@@ -87,7 +88,7 @@ GlFunctions MakeRecordingTable() {
     static const Recording::Signature signature(#p_name, #p_parameters, p_isGlu);                                      \
     return Dispatch(                                                                                                   \
         signature, [&](Recording::Model& p_glModel) { return p_glModel.p_name p_arguments; },                          \
-        [&](Recording::Model& p_glModel) { return p_glModel.GlDefaults::p_name p_arguments; },                           \
+        [&](Recording::Model& p_glModel) { return p_glModel.GlDefaults::p_name p_arguments; },                         \
         std::make_tuple p_arguments);                                                                                  \
   };
 #define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \

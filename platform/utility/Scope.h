@@ -22,7 +22,8 @@ private:
 };
 
 /// An open rendering scope: while it lives, the context of its `T` is current and may be called. Opening calls
-/// `T::ScopeBegin`, the end of the scope calls `T::ScopeEnd`; scopes of one `T` may be nested.
+/// `T::ScopeBegin`, the end of the scope calls `T::ScopeEnd`, whose exceptions are dropped. Scopes of one `T` may be
+/// nested.
 template <class T>
 class Scoped {
 public:
@@ -31,7 +32,12 @@ public:
       : _handle(p_handle) {
     _handle.Object()->ScopeBegin();
   }
-  ~Scoped() { _handle.Object()->ScopeEnd(); }
+  ~Scoped() {
+    try {
+      _handle.Object()->ScopeEnd();
+    } catch (...) { // NOLINT: nothing may leave a destructor
+    }
+  }
   Scoped(const Scoped&) = delete;
   Scoped& operator=(const Scoped&) = delete;
 

@@ -264,6 +264,20 @@ TEST_F(DrawablesCalls, RingSendsItsMeshWithTheNormalsOfItsFacesAndMovesBackBefor
   }
 }
 
+// Begin without End would be left, or a quadric (the fixture looks).
+TEST_F(DrawablesCalls, ASinkThatThrowsLeavesNothingOpen) {
+  const ReportCapture throwing(true);
+  auto ring = At123<Ring>();
+  ring.indices = {0, 1, 144};
+  EXPECT_THROW(Drawn(ring), std::runtime_error);
+  EXPECT_EQ(recorder.LinesOf({"Begin", "Translated", "End"}),
+            Calls("Translated(1, 2, 3); Begin(GL_TRIANGLES); Translated(-1, -2, -3); End()"));
+  recorder.TakeComplaints(); // of two vertices, and of moving back inside the pair
+  recorder.Fail("NewQuadric");
+  EXPECT_THROW(Drawn(At123<Sphere>()), std::runtime_error);
+  EXPECT_EQ(recorder.LinesOf({"Translated"}), Calls("Translated(1, 2, 3); Translated(-1, -2, -3)"));
+}
+
 TEST_F(DrawablesCalls, RingReportsABrokenMesh) {
   const std::string signature = "void __cdecl Vek::Chart::Ogl::Library::Ring::operator ()(const class "
                                 "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const";

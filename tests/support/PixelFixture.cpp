@@ -20,6 +20,11 @@ void PixelFixture::SetUp() {
   gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT);
 }
 
+QImage PixelFixture::Image() {
+  EXPECT_TRUE(Scope(Handle())->CheckError("before the image is read"));
+  return Context().Image();
+}
+
 void PixelFixture::TearDown() {
   if (HasFatalFailure())
     return;

@@ -23,8 +23,8 @@ public:
   static constexpr Chart::Types::Size FrameSize{61, 37};
   static Chart::Ogl::OffscreenContext& Context();
   static const Chart::Utility::Unscoped<Chart::Ogl::Rgl>& Handle() { return Context().Handle(); }
-  /// The frame buffer; the first row on top.
-  static QImage Image() { return Context().Image(); }
+  /// The frame buffer; the first row on top. The test fails when a GL error is pending.
+  static QImage Image();
   /// So many pixels of it, in the lower left corner.
   static QImage Corner(int p_width, int p_height) {
     return Image().copy(0, FrameSize.height - p_height, p_width, p_height);

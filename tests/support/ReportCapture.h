@@ -12,7 +12,8 @@ namespace Vek::Test {
 /// Gathers all reports instead of printing them, as long as it lives.
 class ReportCapture {
 public:
-  ReportCapture();
+  /// With `p_throws` each report is also thrown, as std::runtime_error.
+  explicit ReportCapture(bool p_throws = false);
   ~ReportCapture();
   ReportCapture(const ReportCapture&) = delete;
   ReportCapture& operator=(const ReportCapture&) = delete;

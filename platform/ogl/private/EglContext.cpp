@@ -2,6 +2,7 @@
 
 #include "platform/debug/Check.h"
 #include "platform/ogl/Guard.h"
+#include "platform/ogl/private/QuietReport.h"
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
@@ -178,7 +179,7 @@ void EglContext::Restore() noexcept {
     return;
   const DesktopApi api;
   if (eglMakeCurrent(_previous.display, _previous.draw, _previous.read, _previous.context) == EGL_FALSE)
-    vekdebug::warn("The GL context that was current before could not be made current again.");
+    ReportQuietly([] { vekdebug::warn("The GL context that was current before could not be made current again."); });
 }
 
 boost::shared_ptr<void> EglContext::CurrentScope() {

@@ -106,6 +106,60 @@ TEST(OffscreenContextPixels, ReadingTheImageKeepsTheHostsState) {
   }
 }
 
+TEST(OffscreenContextPixels, AFailedReadIsReportedAndTransparent) {
+  Ogl::OffscreenContext context({9, 3});
+  Clear(context, Qt::red);
+  const Scope gl(context.Handle());
+  const auto frameBuffer = static_cast<unsigned int>(Integer(*gl, RGL_FRAMEBUFFER_BINDING));
+  gl->DeleteFramebuffers(1, &frameBuffer); // behind its back
+  gl->Enable(0x7777);
+  const ReportCapture reports;
+  QImage nothing(9, 3, QImage::Format_ARGB32);
+  nothing.fill(Qt::transparent);
+  EXPECT_TRUE(SameImage(context.Image(), nothing));
+  const Lines texts = reports.Texts();
+  ASSERT_GE(texts.size(), 2U);
+  EXPECT_EQ(texts.front(), "WARNING: GL_INVALID_ENUM - before OffscreenContext::Image");
+  EXPECT_NE(texts.back().find(" - OffscreenContext::Image"), std::string::npos);
+}
+
+// Neither the loader library nor the host's objects of the same names may see what is released too late.
+TEST(OffscreenContextPixels, HandlesAndObjectsMayOutliveTheContext) {
+  for (const bool throws : {false, true}) {
+    const ReportCapture reports(throws);
+    auto context = std::make_unique<Ogl::OffscreenContext>(Types::Size(9, 3));
+    const Utility::Unscoped<Rgl> handle = context->Handle();
+    std::vector<boost::shared_ptr<void>> objects;
+    auto gl = std::make_unique<Scope>(handle);
+    objects = {(*gl)->GenTexture(), (*gl)->GenFrameBufferObject(), (*gl)->GenRenderBuffer(), (*gl)->GenDisplayList()};
+    Ogl::GlQuadric* const quadric = (*gl)->NewQuadric();
+    context.reset(); // within its scope
+    gl.reset();
+
+    Ogl::OffscreenContext host({3, 9});
+    const Scope hostGl(host.Handle());
+    const boost::shared_ptr<Ogl::Texture> texture = hostGl->GenTexture(); // the same name
+    hostGl->Bind(texture, Rgl::Sampler2D);
+    objects.clear();
+    EXPECT_EQ(Integer(*hostGl, RGL_TEXTURE_BINDING_2D), static_cast<int>(texture->Name()));
+    EXPECT_EQ(reports.Texts(), Calls("WARNING: OffscreenContext: glDeleteTextures after the end of the context; "
+                                     "WARNING: OffscreenContext: glDeleteFramebuffers after the end of the context; "
+                                     "WARNING: OffscreenContext: glDeleteRenderbuffers after the end of the context; "
+                                     "WARNING: OffscreenContext: glDeleteLists after the end of the context"));
+    if (throws) {
+      EXPECT_THROW(Scope{handle}, std::runtime_error);
+    } else {
+      const Scope late(handle);
+      EXPECT_EQ(late->GetString(RGL_VERSION), nullptr);
+      late->ClearColor(Qt::red);
+    }
+    EXPECT_EQ(reports.Texts().back(), "WARNING: OffscreenContext: a scope was opened after the end of the context; its "
+                                      "calls do nothing");
+    EXPECT_EQ(Integer(*hostGl, RGL_COLOR_CLEAR_VALUE), 0);
+    handle.Object()->DeleteQuadric(quadric); // memory, which no context owns
+  }
+}
+
 TEST(OffscreenContextPixels, ImpossibleSizesAreRefusedWithAReason) {
   for (const Types::Size size : {Types::Size(0, 3), Types::Size(9, -1), Types::Size(2000000000, 2)}) {
     const std::string start = "No off-screen frame buffer of " + std::to_string(size.width) + " x " +

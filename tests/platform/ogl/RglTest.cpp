@@ -24,6 +24,10 @@ TEST(Rgl, OnlyTheOutermostScopeSwitchesContexts) {
   broken.ScopeEnd();
   EXPECT_EQ(reports.Texts(), Lines{"\"_scopeDepth > 0\" - void __cdecl Vek::Chart::Ogl::Rgl::ScopeEnd(void)"});
   EXPECT_EQ(broken.ScopeDepth(), 0U);
+
+  const boost::shared_ptr<Rgl> refusing(new Rgl(functions, {}, [] { throw std::runtime_error("no release"); }));
+  Scope{Utility::Unscoped<Rgl>(refusing)}; // ends in a destructor, which must not throw
+  EXPECT_EQ(refusing->ScopeDepth(), 0U);
 }
 
 // A host's table with holes: named once, and harmless to call.
@@ -160,6 +164,20 @@ TEST_F(RglCalls, NullAndNamelessObjectsAreReportedAndHarmless) {
   EXPECT_EQ(reports.Texts(), expected);
   EXPECT_EQ(recorder.LinesOf({"NewList", "EndList", "CallList", "BindTexture", "BindFramebuffer"}),
             Lines{"BindTexture(GL_TEXTURE_3D, 0)"});
+}
+
+// The fixture looks for what is left pushed, bound or not deleted.
+TEST_F(RglCalls, ASinkThatThrowsLeavesNothingOpen) {
+  const ReportCapture throwing(true);
+  recorder.Fail("GenTextures");
+  const std::function<void()> failing[] = {
+      [&] { gl->PixelProjection({0, 0, 0, 14}); },          [&] { gl->BindScope(nullptr); },
+      [&] { gl->Bind(nullptr, Rgl::Sampler2D); },           [&] { gl->GenTexture(); },
+      [&] { Rgl(boost::make_shared<Ogl::GlFunctions>()); },
+  };
+  for (const auto& call : failing)
+    EXPECT_THROW(call(), std::runtime_error) << &call - failing;
+  EXPECT_EQ(recorder.LinesWithout({"GenTextures"}), Lines());
 }
 
 TEST_F(RglCalls, VersionsAndFeaturesAreReadFromTheDevice) {
