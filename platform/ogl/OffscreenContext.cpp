@@ -1,7 +1,7 @@
 #include "platform/ogl/OffscreenContext.h"
 
 #include "platform/debug/Check.h"
-#include "platform/ogl/Guard.h"
+#include "platform/ogl/PixelStore.h"
 #include "platform/ogl/private/EglContext.h"
 #include "platform/ogl/private/GlDefaults.h"
 #include "platform/ogl/private/QuietReport.h"
@@ -179,21 +179,6 @@ void OffscreenContext::BindFrameBuffer() {
 
 namespace {
 
-/// Packs pixels tightly into client memory until the guard is released.
-boost::shared_ptr<void> PlainPixelStore(const Rgl& p_gl) {
-  int packBuffer = 0;
-  p_gl.GetIntegerv(RGL_PIXEL_PACK_BUFFER_BINDING, &packBuffer);
-  p_gl.PushClientAttrib(RGL_CLIENT_PIXEL_STORE_BIT);
-  p_gl.BindBuffer(RGL_PIXEL_PACK_BUFFER, 0);
-  p_gl.PixelStorei(RGL_PACK_ALIGNMENT, 4);
-  for (const GlEnum parameter : {RGL_PACK_ROW_LENGTH, RGL_PACK_SKIP_ROWS, RGL_PACK_SKIP_PIXELS, RGL_PACK_SWAP_BYTES})
-    p_gl.PixelStorei(parameter, 0);
-  return MakeGuard([gl = p_gl.Functions(), packBuffer] {
-    gl->PopClientAttrib();
-    gl->BindBuffer(RGL_PIXEL_PACK_BUFFER, static_cast<unsigned int>(packBuffer));
-  });
-}
-
 /// The scissor test of the host would cut a copy between frame buffers.
 void ResolveSamples(const Rgl& p_gl, const Target& p_from, const Target& p_to, Types::Size p_size) {
   const boost::shared_ptr<void> state = p_gl.PushAttribScope(RGL_ENABLE_BIT);
@@ -214,7 +199,7 @@ QImage OffscreenContext::Image() {
     ResolveSamples(*gl, _state->multisampled, _state->plain, _state->size);
     gl->BindFramebuffer(RGL_READ_FRAMEBUFFER, _state->plain.frameBuffer->Name());
   }
-  const boost::shared_ptr<void> pixelStore = PlainPixelStore(*gl);
+  const boost::shared_ptr<void> pixelStore = PackScope(*gl);
   QImage image(_state->size.width, _state->size.height, QImage::Format_ARGB32);
   if (image.isNull())
     throw std::runtime_error("No memory for an image of " + SizeText(_state->size) + " pixels");

@@ -95,6 +95,7 @@ TEST(OffscreenContextPixels, ReadingTheImageKeepsTheHostsState) {
     gl->BindFramebuffer(RGL_READ_FRAMEBUFFER, own->Name());
     gl->PixelStorei(RGL_PACK_SKIP_PIXELS, 2);
     gl->PixelStorei(RGL_PACK_ROW_LENGTH, 50);
+    gl->PixelTransferf(RGL_BLUE_SCALE, 0.5F);
     const auto state = [&gl] {
       return std::vector<int>{Integer(*gl, RGL_READ_FRAMEBUFFER_BINDING), Integer(*gl, RGL_DRAW_FRAMEBUFFER_BINDING),
                               Integer(*gl, RGL_PACK_SKIP_PIXELS), Integer(*gl, RGL_PACK_ROW_LENGTH)};
