@@ -10,7 +10,7 @@ struct Ring {
   std::vector<Vector3> normals;
 };
 
-// The cross-section itself, as placed at the origin with factor 1.
+/// The cross-section, placed at the origin with factor 1.
 Ring Section(const StreamLineShape& p_shape) {
   Ring ring;
   EXPECT_TRUE(p_shape.OrientShape(1, {}, 1, {}, ring.vertices, ring.normals));
@@ -83,7 +83,7 @@ TEST(StreamLineShape, UnknownShapesAreEmpty) {
 }
 
 TEST(StreamLineShape, OrientsByFactorThenRotationThenPosition) {
-  // x to y, y to z, z to x; and twice as long, so that a normal that was made a unit vector again would show.
+  // x to y, y to z, z to x, scaled by 2, so that a normalised normal would be seen.
   const Types::Matrix3 rotation({0, 0, 2}, {2, 0, 0}, {0, 2, 0});
   Ring ring;
   const StreamLineShape square(StreamLineShape::ShapeCustom, {{0, 0}, {2, 0}, {2, 2}, {0, 2}});
@@ -96,7 +96,7 @@ TEST(StreamLineShape, OrientsByFactorThenRotationThenPosition) {
   ExpectNear(ring.normals, {{0, 0, 2}}, "line");
 }
 
-TEST(StreamLineShape, FactorsThatAreNotAboveZeroLeaveTheOutputAlone) {
+TEST(StreamLineShape, NonPositiveFactorsLeaveTheOutput) {
   const StreamLineShape tube(StreamLineShape::ShapeTube, {});
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const struct {
@@ -114,16 +114,16 @@ TEST(StreamLineShape, FactorsThatAreNotAboveZeroLeaveTheOutputAlone) {
   }
 }
 
-TEST(StreamLineShape, ReusesMemoryAndTakesAPositionFromItsOwnOutput) {
+TEST(StreamLineShape, ReusesMemoryAndAcceptsItsOutputAsPosition) {
   const StreamLineShape tube(StreamLineShape::ShapeTube, {});
   std::vector<Vector3> vertices(1, {4, 5, 6});
   std::vector<Vector3> normals;
-  EXPECT_TRUE(tube.OrientShape(1, vertices[0], 1, {}, vertices, normals)); // grows under the reference
+  EXPECT_TRUE(tube.OrientShape(1, vertices[0], 1, {}, vertices, normals)); // reallocates the referenced vector
   ExpectNear({vertices[3]}, {{4, 5.5, 6}}, "position");
-  const Vector3* const data[] = {vertices.data(), normals.data()};
+  const Vector3* const data = vertices.data();
   EXPECT_TRUE(StreamLineShape().OrientShape(1, {}, 1, {}, vertices, normals));
   EXPECT_TRUE(tube.OrientShape(2, {}, 1, {}, vertices, normals));
-  EXPECT_TRUE(vertices.data() == data[0] && normals.data() == data[1]);
+  EXPECT_EQ(vertices.data(), data);
 }
 
 } // namespace

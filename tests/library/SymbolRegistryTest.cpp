@@ -18,7 +18,7 @@ const std::string NoPath =
     Class + "FindHashedSymbol(const class std::vector<struct " + Class + "HashID,class std::allocator<struct " + Class +
     "HashID> > &,const class vekfile::filepath &)";
 
-/// A model of so many equal triangles, told apart by their number.
+/// A model of `p_count` equal triangles.
 std::string Triangles(int p_count) {
   std::string text = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
   for (int i = 0; i < p_count; ++i)
@@ -38,7 +38,7 @@ public:
 
 } // namespace
 
-TEST(PathHash, AgreesWithValuesWorkedOutElsewhere) {
+TEST(PathHash, KnownValues) {
   const std::pair<std::string, std::int32_t> cases[] = {{"", 0},
                                                         {"ab", 1229154139},
                                                         {"symbols/Cone.obj", 1987357810},
@@ -49,7 +49,7 @@ TEST(PathHash, AgreesWithValuesWorkedOutElsewhere) {
     EXPECT_EQ(SymbolRegistry::HashID(path, 3).hash, hash) << path;
 }
 
-TEST_F(SymbolRegistryCalls, FindsAModelForEveryShapeFromTwoToFifteen) {
+TEST_F(SymbolRegistryCalls, EveryShapeHasItsModel) {
   const ReportCapture reports;
   const SymbolRegistry symbols(cache, BuiltIn);
   const std::uint32_t primitives[] = {0, 0, 2, 3, 1, 3, 2, 48, 144, 48, 24, 164, 3, 12, 1280, 1024}; // by shape
@@ -67,7 +67,7 @@ TEST_F(SymbolRegistryCalls, FindsAModelForEveryShapeFromTwoToFifteen) {
   EXPECT_TRUE(reports.Texts().empty());
 }
 
-TEST_F(SymbolRegistryCalls, ShapesWithoutAModelAreLookedUpBehindTheLast) {
+TEST_F(SymbolRegistryCalls, ShapesWithoutModelUseTheNextId) {
   SymbolRegistry symbols(cache, BuiltIn);
   const ReportCapture reports;
   for (const int shape : {0, 1, 16, -1})
@@ -75,12 +75,12 @@ TEST_F(SymbolRegistryCalls, ShapesWithoutAModelAreLookedUpBehindTheLast) {
   EXPECT_TRUE(symbols.GetBoundingBox(ShapePoint).Empty());
   EXPECT_EQ(symbols.GetVertexBuffer(ShapePoint).attributes, 0u);
   EXPECT_EQ(reports.Texts(), Lines(6, NoShape));
-  // The first model of the user's stands there.
+  // The first user model has that id.
   symbols.LoadModel(folder.Write("user.obj", Triangles(7)));
   EXPECT_EQ(symbols.GetIndexBuffer(ShapePoint).count, 7u);
 }
 
-TEST_F(SymbolRegistryCalls, PathsAreLoadedOnceAndToldApartByTheirBytes) {
+TEST_F(SymbolRegistryCalls, PathsAreLoadedOncePerByteString) {
   SymbolRegistry symbols(cache, BuiltIn);
   const ReportCapture reports;
   const fs::path before = fs::current_path();

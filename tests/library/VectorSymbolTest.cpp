@@ -122,8 +122,8 @@ TEST(VectorSymbol, UnknownShapesAreReportedAndEmpty) {
   const std::string defined = Signature::GeometryDefinedAs + " @line";
   const std::string predefined = Signature::BuildPredefinedShape + " @line977";
   const std::string custom = "\"p_shape != Model::Symbol::ShapeCustom\" - " + Signature::Constructor;
-  const std::vector<std::string> unknown = {defined + "124", predefined};
-  const std::pair<int, std::vector<std::string>> rows[] = {
+  const Texts unknown = {defined + "124", predefined};
+  const std::pair<int, Texts> rows[] = {
       {ShapeCustom, {Signature::IsDirectionalShape + " @line92", defined + "122", defined + "124", custom, predefined}},
       {0, unknown},
       {16, unknown},
@@ -204,10 +204,4 @@ TEST(VectorSymbolOrient, NewArraysEachTimeChangedPrimitiveMarked) {
   EXPECT_EQ(data.TexCoords().count, 16u) << "stays";
   ASSERT_TRUE(chevron.BuildShape(data));
   EXPECT_TRUE(data.PrimitiveType().Changed());
-
-  // An equal value that is not defined is assigned.
-  VertexData preset;
-  preset.PrimitiveType() = Types::Property<Ogl::VertexBuffer::PrimitiveType>(Ogl::VertexBuffer::Triangles, 0);
-  ASSERT_TRUE(cone.BuildShape(preset));
-  EXPECT_TRUE(preset.PrimitiveType().Changed() && preset.PrimitiveType().Defined());
 }

@@ -83,14 +83,6 @@ TEST_F(BufferDrawCalls, DrawsFromItsBuffersAndRestoresTheBindings) {
                 end);
 }
 
-TEST_F(BufferDrawCalls, TheRecorderSeesArraysThatAreTooShort) {
-  BufferDraw draw = Square(*gl);
-  draw.indices = Indices(*gl, {0, 1, 4}); // only vertices 0 to 3 are there
-  draw.Draw(gl);
-  EXPECT_EQ(recorder.TakeComplaints(), (Lines{"DrawElements: GL_VERTEX_ARRAY reaches to byte 108 of a buffer of 96",
-                                              "DrawElements: GL_NORMAL_ARRAY reaches to byte 120 of a buffer of 96"}));
-}
-
 TEST_F(BufferDrawCalls, UndrawableBuffersAreReported) {
   const std::pair<const char*, std::function<void(BufferDraw&)>> cases[] = {
       {"type != VertexBuffer::Undecided", [](BufferDraw& p_draw) { p_draw.type = Ogl::VertexBuffer::Undecided; }},

@@ -1,6 +1,5 @@
 #include "platform/ogl/VertexData.h"
 
-#include "platform/ogl/ShaderProgram.h"
 #include "tests/support/Test.h"
 
 using Ogl::VertexBuffer;
@@ -8,7 +7,7 @@ using Ogl::VertexData;
 
 namespace {
 
-/// Shared ownership of an array of just that size, so that memory checkers see its ends.
+/// A shared array of exactly this size, so that memory checkers see its ends.
 template <class T>
 boost::shared_ptr<const void> Shared(const std::vector<T>& p_values) {
   boost::shared_ptr<T> block(new T[p_values.size()], [](T* p_block) { delete[] p_block; });
@@ -24,7 +23,7 @@ VertexData Triangle() {
   return data;
 }
 
-TEST(VertexData, ArraysAreSharedAndRemovedByNothing) {
+TEST(VertexData, ArraysAreSharedAndNullRemovesThem) {
   VertexData data;
   const boost::shared_ptr<const void> block = Shared<double>({1, 2, 3, 4, 5, 6});
   data.SetNormals(block, 2, 3, VertexData::Double);
@@ -92,7 +91,6 @@ TEST_F(VertexDataCalls, EveryKindHasItsPrimitive) {
   EXPECT_EQ(recorder.LinesOf({"DrawArrays"}), expected);
 }
 
-// What would read outside an array, or what GL would refuse, is reported and draws nothing.
 TEST_F(VertexDataCalls, UndrawableDataIsReported) {
   const auto floats = [](std::size_t p_count) { return Shared(std::vector<float>(p_count, 1)); };
   const auto bytes = Shared<unsigned char>({0, 1, 3});
@@ -136,8 +134,8 @@ TEST_F(VertexDataCalls, UndrawableDataIsReported) {
   EXPECT_EQ(recorder.LinesOf({"DrawArraysInstanced"}), Lines());
 }
 
-// A triangle covers the pixels whose centres lie within it; a shader tells the instances of a square apart.
-TEST_F(VertexDataPixels, IndexedAndInstancedDataCoverTheirPixels) {
+// A triangle covers the pixels whose centres lie inside.
+TEST_F(VertexDataPixels, IndexedDataCoversItsPixels) {
   const boost::shared_ptr<void> projection = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
   gl->Color(Qt::red);
   VertexData data;
@@ -145,25 +143,11 @@ TEST_F(VertexDataPixels, IndexedAndInstancedDataCoverTheirPixels) {
   data.SetIndices(Shared<unsigned char>({0, 1, 2}), 3, VertexData::UnsignedByte);
   data.PrimitiveType() = VertexBuffer::Triangles;
   data.Draw(gl);
-  const Ogl::ShaderProgram program(gl,
-                                   "#version 140\n"
-                                   "#extension GL_ARB_compatibility : enable\n"
-                                   "void main() {\n"
-                                   "  vec4 step = vec4(3.0 * float(gl_InstanceID), 0.0, 0.0, 0.0);\n"
-                                   "  gl_Position = gl_ModelViewProjectionMatrix * (gl_Vertex + step);\n"
-                                   "}\n",
-                                   "void main() { gl_FragColor = vec4(1.0, 0.0, 0.0, 1.0); }\n");
-  ASSERT_TRUE(program.Linked());
-  const boost::shared_ptr<void> inUse = program.Use(gl);
-  VertexData square;
-  square.SetVertices(Shared<double>({4, 3, 6, 3, 6, 5, 4, 5}), 4, 2, VertexData::Double);
-  square.PrimitiveType() = VertexBuffer::Quads;
-  square.Draw(gl, 2);
-  EXPECT_EQ(Map(Corner(9, 5), Qt::red), "....##.##\n"
-                                        "#...##.##\n"
-                                        "##.......\n"
-                                        "###......\n"
-                                        "####.....\n");
+  EXPECT_EQ(Map(Corner(5, 5), Qt::red), ".....\n"
+                                        "#....\n"
+                                        "##...\n"
+                                        "###..\n"
+                                        "####.\n");
 }
 
 } // namespace
