@@ -13,27 +13,26 @@
 
 namespace Vek::Chart::DataInterface {
 
-/// Views of typed data that lies elsewhere, with checked access. The number says what the view is for: 0 reads, 2
-/// writes.
+/// Views of typed data, with checked access: 0 for reading, 2 for writing.
 template <class T, int Access>
 class Array;
 
-/// A read-only view of `size()` scalars, which keeps their storage alive.
+/// A read-only view of `size()` scalars, which shares ownership of their storage.
 ///
-/// Copies of the view share the owner; a view without an owner must not outlive the data. A view over a null pointer
-/// is empty, whatever count it is given.
+/// Copies of the view share the owner. A view without an owner must not outlive the data. A view of a null pointer is
+/// empty, whatever its count.
 template <class T>
 class VEK_ALGORITHMS_API Array<T, 0> {
 public:
   Array() = default; ///< Empty.
-  /// A view of `p_count` scalars from `p_data` on. Copies of `p_owner` are held as long as views of the data are.
+  /// A view of `p_count` scalars from `p_data` on, with the owner of their storage.
   Array(const T* p_data, const std::uint64_t p_count, boost::shared_ptr<const void> p_owner = {})
       : _data(p_data)
       , _end(p_data == nullptr ? nullptr : p_data + p_count)
       , _count(p_data == nullptr ? 0 : p_count)
       , _owner(std::move(p_owner)) {}
 
-  /// Scalar `p_index`. An index past the end reports "p_index < _count" and yields a zero that lives for ever.
+  /// Scalar `p_index`. An index past the end reports "p_index < _count" and returns a reference to a static zero.
   const T& operator[](const std::uint64_t p_index) const {
     static constexpr T Nothing{};
     return VEK_ENSURE(p_index < _count, AccessSignature()) ? _data[p_index] : Nothing;
@@ -60,15 +59,15 @@ private:
   boost::shared_ptr<const void> _owner;
 };
 
-/// A write-only view of `size()` elements, such as a mapped GPU buffer, whose memory must not be read. It owns nothing.
-/// A view over a null pointer is empty.
+/// A write-only view of `size()` elements, such as those of a mapped GPU buffer, whose memory must not be read. It owns
+/// nothing. A view of a null pointer is empty.
 template <class T>
 class VEK_ALGORITHMS_API Array<T, 2> {
 public:
-  /// The place of one element: it can be assigned to and nothing else.
+  /// Access to one element by assignment only.
   class WriteOnlyAccess {
   public:
-    /// Stores the value; dropped when the place lies outside the view.
+    /// Stores the value; drops it if the index lies outside of the view.
     void operator=(const T& p_value) const { // NOLINT: nothing can be read back, so there is no reference to return
       if (_element != nullptr)
         *_element = p_value;
@@ -88,8 +87,7 @@ public:
       , _end(p_data == nullptr ? nullptr : p_data + p_count)
       , _count(p_data == nullptr ? 0 : p_count) {}
 
-  /// The place of element `p_index`. An index past the end reports "p_index < _count"; what is assigned to it is
-  /// dropped.
+  /// Access to element `p_index`. An index past the end reports "p_index < _count"; values assigned to it are dropped.
   WriteOnlyAccess operator[](const std::uint64_t p_index) {
     return WriteOnlyAccess(VEK_ENSURE(p_index < _count, AccessSignature()) ? _data + p_index : nullptr);
   }
@@ -120,10 +118,10 @@ extern template class VEK_ALGORITHMS_API Array<Ogl::Attribute<Ogl::Vec1<unsigned
 
 } // namespace Vek::Chart::DataInterface
 
-/// In signatures.
+/// Type name used in report signatures.
 template <class T, int Access>
 struct vekdebug::TypeName<Vek::Chart::DataInterface::Array<T, Access>> {
-  /// As it stands in a signature.
+  /// The name.
   static std::string Text() {
     return "class Vek::Chart::DataInterface::Array<" + TypeName<T>::text() + "," + std::to_string(Access) + ">";
   }

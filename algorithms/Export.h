@@ -1,6 +1,6 @@
 #pragma once
 
-/// Marks what `Vek::ChartLibrary` exports of this folder.
+/// Marks the exports of this folder; they are part of `Vek::ChartLibrary`.
 #if defined(_WIN32)
 #if defined(VEK_LIBRARY_BUILD)
 #define VEK_ALGORITHMS_API __declspec(dllexport)

@@ -20,61 +20,61 @@
 #include <type_traits>
 #include <vector>
 
-/// In signatures.
+/// Type name used in report signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::BufferPool::WriteArray<T>> {
-  /// As it stands in a signature.
+  /// The name.
   static std::string Text() { return "class Vek::Chart::Ogl::BufferPool::WriteArray<" + TypeName<T>::Text() + " >"; }
 };
 
 /// Flat arrays of scalars, read as sequences of tuples.
 ///
-/// A source of S scalars is taken as tuples D of N components: tuple i is made of the scalars i·N to i·N + N − 1, each
-/// converted to the component type U of D. Scalars left over after the last whole tuple are ignored. Integers widen
-/// without sign, double becomes the nearest float (infinity beyond the float range), float is copied, and of a bool
-/// the stored byte is kept, whatever it is.
+/// A source of scalars S is read as tuples D of N components: tuple i consists of the scalars i·N to i·N + N − 1, each
+/// converted to the component type U of D. Scalars after the last whole tuple are ignored. Integers are zero-extended,
+/// doubles rounded to the nearest float (infinity beyond its range), floats copied; a bool is copied as its byte,
+/// whatever its value.
 ///
 /// \snippet DataSnippets.cpp InterpretArray
 namespace Vek::Chart::Algorithms {
 
-/// What a tuple type consists of: `Count` components of type `Scalar` and nothing else.
+/// Describes a tuple type: `Count` components of type `Scalar`, without padding.
 template <class D>
 struct TupleTraits;
-/// A boost::array: its element type and its length.
+/// A boost::array.
 template <class U, std::size_t N>
 struct TupleTraits<boost::array<U, N>> {
   using Scalar = U;                       ///< the type of a component
-  static constexpr std::size_t Count = N; ///< components
+  static constexpr std::size_t Count = N; ///< number of components
 };
 /// One component, x.
 template <class U>
 struct TupleTraits<Ogl::Vec1<U>> {
   using Scalar = U;                       ///< the type of a component
-  static constexpr std::size_t Count = 1; ///< components
+  static constexpr std::size_t Count = 1; ///< number of components
 };
 /// Three components: x, y, z.
 template <class U>
 struct TupleTraits<Ogl::Vec3<U>> {
   using Scalar = U;                       ///< the type of a component
-  static constexpr std::size_t Count = 3; ///< components
+  static constexpr std::size_t Count = 3; ///< number of components
 };
 
-/// Converts `p_count` scalars that lie one after the other. Both sides must hold that many; they must not overlap.
+/// Converts `p_count` consecutive scalars. Both arrays hold that many and do not overlap.
 template <class S, class U>
 void ConvertScalars(const S* p_source, const std::uint64_t p_count, U* p_dest) {
-  // A bool is moved as the byte that it is: reading a byte that is neither 0 nor 1 as a bool would be undefined.
+  // A bool is copied as its byte: reading a byte that is neither 0 nor 1 as a bool would be undefined.
   static_assert(std::is_same_v<S, U> || (std::is_same_v<S, bool> && std::is_same_v<U, unsigned char>));
   if (p_count != 0)
     std::memcpy(p_dest, p_source, p_count * sizeof(U));
 }
 ///@{
-/// As above, to another type: the nearest float, infinite beyond the float range; integers widened without sign.
+/// Converts to another type: to the nearest float, infinite beyond its range; integers are zero-extended.
 VEK_ALGORITHMS_API void ConvertScalars(const double* p_source, std::uint64_t p_count, float* p_dest);
 VEK_ALGORITHMS_API void ConvertScalars(const unsigned char* p_source, std::uint64_t p_count, unsigned int* p_dest);
 VEK_ALGORITHMS_API void ConvertScalars(const unsigned short* p_source, std::uint64_t p_count, unsigned int* p_dest);
 ///@}
 
-/// Converts the scalars of `p_count` tuples that lie one after the other.
+/// Converts the scalars of `p_count` consecutive tuples.
 template <class D, class S>
 void ConvertTuples(const S* p_source, const std::uint64_t p_count, D* p_dest) {
   using Traits = TupleTraits<D>;
@@ -83,7 +83,7 @@ void ConvertTuples(const S* p_source, const std::uint64_t p_count, D* p_dest) {
   ConvertScalars(p_source, p_count * Traits::Count, reinterpret_cast<typename Traits::Scalar*>(p_dest));
 }
 
-/// Reads single tuples out of a flat array that lies elsewhere.
+/// Reads single tuples of a flat array, which must outlive it.
 template <class S, class D>
 class VEK_ALGORITHMS_API InterpretedArrayConverter {
 public:
@@ -111,7 +111,7 @@ private:
   std::uint64_t _count;
 };
 
-/// Copies arrays, interpreting them on the way. The two types are those of the array handed in and of the one read.
+/// Copies arrays of scalars as tuples. The two types are those of the argument and of the view that is read.
 template <class Source, class View>
 class InterpretArray;
 
@@ -119,20 +119,20 @@ class InterpretArray;
 template <class S>
 class VEK_ALGORITHMS_API InterpretArray<DataInterface::Array<S, 0>, DataInterface::Array<S, 0>> {
 public:
-  /// What is copied from.
+  /// The source of a copy.
   using Source = DataInterface::Array<S, 0>;
 
-  /// A source as a sequence of tuples D. It refers to the data of the source, which must outlive it.
+  /// A source as a sequence of tuples D. The data of the source must outlive it.
   template <class D>
   class Tuples {
   public:
-    /// An empty source reports "p_index < _count" of the source's element access.
+    /// An empty source is reported by its element access as "p_index < _count".
     explicit Tuples(const Source& p_source)
         : _data(&p_source[0])
         , _count(p_source.size() / TupleTraits<D>::Count)
         , _read(InterpretedArrayConverter<S, D>(_data, _count)) {}
 
-    /// How many whole tuples the source holds.
+    /// The number of whole tuples.
     std::uint64_t size() const { return _count; }
     /// Tuple `p_index`; as InterpretedArrayConverter.
     D operator[](const std::size_t p_index) const { return _read(p_index); }
@@ -148,9 +148,9 @@ public:
   /// Writes all tuples of the source to `p_destArray` from element `p_destArrayOffset` on. `Container` is
   /// std::vector<D> or Ogl::BufferPool::WriteArray<Ogl::Attribute<D>>; its size stays as it is.
   ///
-  /// An empty source reports "p_index < _count" and leaves the destination alone. When the tuples do not fit behind
-  /// the offset, "sourceArray.size() + p_destArrayOffset <= p_destArray.size()" is reported and those that fit are
-  /// written; a WriteArray also reports "p_index < _count" for each tuple that it refuses.
+  /// An empty source is reported as "p_index < _count", and nothing is written. If the tuples do not fit behind the
+  /// offset, "sourceArray.size() + p_destArrayOffset <= p_destArray.size()" is reported and those that fit are written;
+  /// for a WriteArray each of the others is reported as "p_index < _count".
   template <class D, class Container>
   static void CopyArrayToWithOffset(const Source& p_sourceArray, Container& p_destArray,
                                     const std::uint64_t p_destArrayOffset) {
@@ -187,7 +187,7 @@ private:
     return p_dest.Data();
   }
 
-  // What to do with the tuples from p_first on, for which there is no room.
+  // Reports the tuples from p_first on, which do not fit.
   template <class D>
   static void Refuse(const Tuples<D>&, std::uint64_t, std::vector<D>&, std::uint64_t) {}
   template <class D, class T>
@@ -210,8 +210,8 @@ private:
   }
 };
 
-// The instances that the library holds: source scalar, components and number of the tuples in a vector; source scalar
-// and record of a GPU buffer.
+// The instances in the library: source scalar, component and number of components of the tuples of a vector; source
+// scalar and record of a GPU buffer.
 // clang-format off
 #define VEK_INTERPRET_ARRAY_INSTANCES(p_vector, p_buffer)                                                              \
   p_vector(bool, unsigned char, 1) p_vector(unsigned char, unsigned char, 1)                                           \

@@ -29,19 +29,34 @@ using SupportedInterface::AnyInterface;
 using SupportedInterface::InterfaceID;
 using SupportedInterface::ISupportedInterface;
 
+namespace Signature {
+#define VEK_SOURCE "class boost::shared_ptr<class Vek::SupportedInterface::ISupportedInterface>"
+#define VEK_ACCESSOR "const class boost::shared_array<char const > __cdecl `anonymous-namespace'::Cloned"
+#define VEK_FLOATS(p_n)                                                                                                \
+  constexpr const char* Attribute##p_n = VEK_ACCESSOR "VertexAttribute" #p_n "::Attribute" #p_n                        \
+                                                      "(enum Vek::Chart::DataInterface::FloatPrecision &) const";
+VEK_FLOATS(1)
+VEK_FLOATS(2)
+VEK_FLOATS(3)
+VEK_FLOATS(4)
+constexpr const char* Attribute1B = VEK_ACCESSOR "VertexAttribute1B::Attribute1B(void) const";
+constexpr const char* Indices =
+    VEK_ACCESSOR "VertexIndex::Indices(enum Vek::Chart::DataInterface::VertexIndex::IndexType &) const";
+constexpr const char* CloneAttribute =
+    VEK_SOURCE " __cdecl Vek::Chart::Library::CloneAttribute(const " VEK_SOURCE " &)";
+} // namespace Signature
+
 template <class E>
 using Elements = boost::shared_ptr<std::vector<E>>;
 
-/// The part that all clones share: the interface W over a vector of elements E that is never changed.
+/// The common part of all clones: the interface W over a vector of elements E that never changes.
 template <class W, class E>
 class Clone : public W {
 public:
-  Clone(const Elements<E>& p_attributes, const char* p_constructor)
-      : _attributes(p_attributes) {
-    VEK_ENSURE(_attributes, p_constructor);
-  }
+  explicit Clone(const Elements<E>& p_attributes)
+      : _attributes(p_attributes) {}
 
-  std::uint32_t Count() const override { return _attributes ? static_cast<std::uint32_t>(_attributes->size()) : 0; }
+  std::uint32_t Count() const override { return static_cast<std::uint32_t>(_attributes->size()); }
 
   bool IsSupportedInterface(const InterfaceID& p_id) const override { return p_id == InterfaceID::Of<W>(); }
   AnyInterface QuerySupportedInterface(const InterfaceID& p_id) override {
@@ -53,24 +68,22 @@ public:
 protected:
   template <class Writer>
   void WriteAll(Writer& p_writer) const {
-    if (_attributes && !_attributes->empty())
-      p_writer.Write(_attributes->front().data(), std::uint64_t{_attributes->size()} * E::static_size);
-    else
-      p_writer.Write(static_cast<const typename E::value_type*>(nullptr), 0);
+    const typename E::value_type* const scalars = _attributes->empty() ? nullptr : _attributes->front().data();
+    p_writer.Write(scalars, std::uint64_t{_attributes->size()} * E::static_size);
   }
 
 private:
   Elements<E> _attributes;
 };
 
-/// Clones of float attributes also tell quantity and unit.
+/// Clones of float attributes also have quantity and unit.
 template <class W, unsigned int N>
 class FloatClone : public Clone<W, boost::array<float, N>>, public QuantityUnit {
   using Base = Clone<W, boost::array<float, N>>;
 
 public:
-  FloatClone(const Elements<boost::array<float, N>>& p_attributes, QuantityUnitPair p_unit, const char* p_constructor)
-      : Base(p_attributes, p_constructor)
+  FloatClone(const Elements<boost::array<float, N>>& p_attributes, QuantityUnitPair p_unit)
+      : Base(p_attributes)
       , _unit(std::move(p_unit)) {}
 
   void Write(FloatAttributeStreamWriter<N>& p_writer) const override { this->WriteAll(p_writer); }
@@ -89,29 +102,19 @@ private:
   QuantityUnitPair _unit;
 };
 
-/// A clone does not serve raw bytes: the caller falls back to `Write`.
-boost::shared_array<const char> NoBytes(const std::string& p_accessor, int p_line) {
-  VEK_SENTRY("const class boost::shared_array<char const > __cdecl `anonymous-namespace'::" + p_accessor + " const",
-             p_line);
+/// A clone has no raw bytes: the caller falls back to `Write`.
+boost::shared_array<const char> NoBytes(const char* p_signature, int p_line) {
+  VEK_SENTRY(p_signature, p_line);
   return {};
 }
 
-#define VEK_ELEMENTS(p_type, p_count)                                                                                  \
-  "const class boost::shared_ptr<class std::vector<class boost::array<" p_type "," p_count                             \
-  ">,class std::allocator<class boost::array<" p_type "," p_count "> > > > &"
-
-// The six clone classes. Each names itself in its reports.
+// The six clone classes, each with its own signatures and lines.
 #define VEK_FLOAT_CLONE(p_n, p_line)                                                                                   \
   class ClonedVertexAttribute##p_n : public FloatClone<VertexAttribute##p_n, p_n> {                                    \
   public:                                                                                                              \
-    ClonedVertexAttribute##p_n(const Elements<boost::array<float, p_n>>& p_attributes, QuantityUnitPair p_unit)        \
-        : FloatClone(p_attributes, std::move(p_unit),                                                                  \
-                     "__cdecl `anonymous-namespace'::ClonedVertexAttribute" #p_n "::ClonedVertexAttribute" #p_n        \
-                     "(" VEK_ELEMENTS("float", #p_n) ",class Vek::Chart::DataInterface::QuantityUnitPair)") {}         \
+    using FloatClone::FloatClone;                                                                                      \
     boost::shared_array<const char> Attribute##p_n(FloatPrecision&) const override {                                   \
-      return NoBytes("ClonedVertexAttribute" #p_n "::Attribute" #p_n                                                   \
-                     "(enum Vek::Chart::DataInterface::FloatPrecision &)",                                             \
-                     p_line);                                                                                          \
+      return NoBytes(Signature::Attribute##p_n, p_line);                                                               \
     }                                                                                                                  \
   };
 VEK_FLOAT_CLONE(1, 132)
@@ -121,23 +124,15 @@ VEK_FLOAT_CLONE(4, 267)
 
 class ClonedVertexAttribute1B : public Clone<VertexAttribute1B, boost::array<unsigned char, 1>> {
 public:
-  explicit ClonedVertexAttribute1B(const Elements<boost::array<unsigned char, 1>>& p_attributes)
-      : Clone(p_attributes, "__cdecl `anonymous-namespace'::ClonedVertexAttribute1B::ClonedVertexAttribute1B"
-                            "(" VEK_ELEMENTS("unsigned char", "1") ")") {}
-  boost::shared_array<const char> Attribute1B() const override {
-    return NoBytes("ClonedVertexAttribute1B::Attribute1B(void)", 93);
-  }
+  using Clone::Clone;
+  boost::shared_array<const char> Attribute1B() const override { return NoBytes(Signature::Attribute1B, 93); }
   void Write(BoolAttributeStreamWriter<1>& p_writer) const override { WriteAll(p_writer); }
 };
 
 class ClonedVertexIndex : public Clone<VertexIndex, boost::array<unsigned int, 1>> {
 public:
-  explicit ClonedVertexIndex(const Elements<boost::array<unsigned int, 1>>& p_attributes)
-      : Clone(p_attributes, "__cdecl `anonymous-namespace'::ClonedVertexIndex::ClonedVertexIndex"
-                            "(" VEK_ELEMENTS("unsigned int", "1") ")") {}
-  boost::shared_array<const char> Indices(IndexType&) const override {
-    return NoBytes("ClonedVertexIndex::Indices(enum Vek::Chart::DataInterface::VertexIndex::IndexType &)", 310);
-  }
+  using Clone::Clone;
+  boost::shared_array<const char> Indices(IndexType&) const override { return NoBytes(Signature::Indices, 310); }
   void Write(IntegerAttributeStreamWriter<1>& p_writer) const override { WriteAll(p_writer); }
 };
 
@@ -156,7 +151,7 @@ void LogClone(const char* p_type, std::uint32_t p_count, std::size_t p_elementBy
   out << "    bytes = " << std::to_string(std::uint64_t{p_count} * p_elementBytes) << std::endl;
 }
 
-/// What a source writes its elements to.
+/// The writer that a source fills.
 template <class E>
 class CloneWriter final : public StreamWriterKind<E, Private::GrowingDataWriter<E>>::Base {
   using Base = typename StreamWriterKind<E, Private::GrowingDataWriter<E>>::Base;
@@ -180,7 +175,7 @@ Elements<E> CopyElements(const W& p_source, std::uint32_t p_count) {
   return elements;
 }
 
-/// What the source says of quantity and unit; two empty texts when it says nothing.
+/// Quantity and unit of the source; empty strings where it has none.
 QuantityUnitPair UnitOf(const boost::shared_ptr<ISupportedInterface>& p_source) {
   const boost::shared_ptr<QuantityUnit> unit = SupportedInterface::QueryInterface<QuantityUnit>(p_source);
   return unit ? unit->GetQuantityUnit() : QuantityUnitPair();
@@ -188,7 +183,7 @@ QuantityUnitPair UnitOf(const boost::shared_ptr<ISupportedInterface>& p_source) 
 
 using Result = boost::shared_ptr<ISupportedInterface>;
 
-/// Clones the source as a W when it is one.
+/// Clones the source if it supports W; empty otherwise.
 template <class W, unsigned int N, class Cloned>
 Result CloneFloats(const boost::shared_ptr<ISupportedInterface>& p_source, const char* p_type) {
   using E = boost::array<float, N>;
@@ -227,10 +222,7 @@ boost::shared_ptr<ISupportedInterface> CloneAttribute(const boost::shared_ptr<IS
   if (!clone)
     clone = ClonePlain<VertexIndex, boost::array<unsigned int, 1>, ClonedVertexIndex>(p_source, "VertexIndex");
   if (!clone)
-    VEK_SENTRY("class boost::shared_ptr<class Vek::SupportedInterface::ISupportedInterface> __cdecl "
-               "Vek::Chart::Library::CloneAttribute(const class boost::shared_ptr<class "
-               "Vek::SupportedInterface::ISupportedInterface> &)",
-               500);
+    VEK_SENTRY(Signature::CloneAttribute, 500);
   return clone;
 }
 

@@ -7,18 +7,18 @@
 
 namespace Vek::Chart::Library {
 
-/// Copies vertex data of any source into an object of its own, which offers the same interface over the copy.
+/// Returns a copy of vertex data that is independent of its source and offers the same interface.
 ///
-/// The source is asked for DataInterface::VertexAttribute1, VertexAttribute1B, VertexAttribute2, VertexAttribute3,
-/// VertexAttribute4 and VertexIndex, in this order, and cloned as the first that it offers. Float attributes keep their
-/// quantity and unit, when the source tells them. Numbers are kept as float, byte and unsigned int, value by value as
-/// the source writes them.
+/// The source is queried for DataInterface::VertexAttribute1, VertexAttribute1B, VertexAttribute2, VertexAttribute3,
+/// VertexAttribute4 and VertexIndex, in this order, and cloned as the first that it supports. Float attributes keep
+/// quantity and unit where the source supports DataInterface::QuantityUnit. Scalars are stored as float, byte and
+/// unsigned int. Elements that the source does not write are 0; elements beyond its Count() are reported and dropped.
 ///
-/// The clone never changes and may be read from several threads. It serves its data through `Write` only, and hands
-/// over the number of scalars in one call; its raw accessors report and yield an empty array.
+/// The clone never changes; it is safe to read from several threads. Its `Write` passes all scalars in one call. Its
+/// raw accessors are reported and return an empty array.
 ///
-/// A source that offers none of the interfaces, or no source, is reported, and the result is empty. Every clone is
-/// described on the debug channel "DataRepository". Exceptions of the source and of the allocation pass through.
+/// A source without any of the interfaces, or a null one, is reported, and the result is empty. Every clone is
+/// described on the debug channel "DataRepository". Exceptions of the source and std::bad_alloc pass through.
 ///
 /// \snippet DataSnippets.cpp CloneAttribute
 /// \ingroup data

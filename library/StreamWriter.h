@@ -14,9 +14,9 @@
 #include <string>
 #include <vector>
 
-/// Writers that append what a source pushes into a container, converted to the container's element type.
+/// Writers that store the scalars of a source in a container, converted to the container's element type.
 ///
-/// Data that would run past the end are reported by the copy and dropped; the write position moves on all the same.
+/// Elements beyond the end of the container are reported and dropped; the write position advances all the same.
 namespace Vek::Chart::Library {
 
 namespace ContainerOperations {
@@ -24,7 +24,7 @@ namespace ContainerOperations {
 class StaticContainer;
 } // namespace ContainerOperations
 
-/// Answers interface queries for the writer interface W, and for no other: those throw UnknownInterface.
+/// Supports queries for the writer interface W only; others throw UnknownInterface.
 template <class W>
 class StreamWriterInterfaceImpl : public W {
 public:
@@ -44,7 +44,7 @@ private:
   }
 };
 
-/// The base of what puts elements E into a container.
+/// The base of data writers, which store elements E in a container.
 template <class E, class Container>
 class DataWriterBase {
 public:
@@ -54,16 +54,17 @@ public:
 template <class E, class Container, class Operations>
 class ContainerDataWriter;
 
-/// Puts elements into a vector, which must outlive the writer, from its start on.
+/// Stores elements in a vector, one after the other. The vector keeps its size and must outlive the writer.
 template <class E>
 class ContainerDataWriter<E, std::vector<E>, ContainerOperations::StaticContainer>
     : public DataWriterBase<E, std::vector<E>> {
 public:
-  /// Starts at the first element of the vector, which must outlive the writer.
+  /// Starts at the first element.
   explicit ContainerDataWriter(std::vector<E>& p_dest)
       : _dest(&p_dest) {}
 
-  /// Converts whole elements and moves on by as many.
+  /// Converts the whole elements among `p_scalarCount` scalars and advances by as many. Elements that do not fit are
+  /// reported and dropped; an empty source is reported.
   template <class S>
   void WriteData(const S* p_data, std::uint64_t p_scalarCount) {
     using Source = DataInterface::Array<S, 0>;
@@ -72,7 +73,7 @@ public:
     _currentIndex += p_scalarCount / Algorithms::TupleTraits<E>::Count;
   }
 
-  /// Moves on by that many elements; a position past the end is reported.
+  /// Advances by that many elements. A position past the end is reported.
   void AdvanceWriteIndex(std::uint64_t p_offsetInDestinationTypeUnits) {
     // The sum of the expression may wrap, the comparison here cannot.
     const bool fits = _currentIndex <= _dest->size() && p_offsetInDestinationTypeUnits <= _dest->size() - _currentIndex;
@@ -80,7 +81,7 @@ public:
     _currentIndex += p_offsetInDestinationTypeUnits;
   }
 
-  /// The next element that is written.
+  /// The position of the next write, in elements.
   std::uint64_t CurrentIndex() const { return _currentIndex; }
 
 private:
@@ -95,25 +96,25 @@ private:
   std::uint64_t _currentIndex = 0;
 };
 
-/// What all kinds of writers share: a data writer, and how to skip.
+/// The common part of all writers: a data writer and its position.
 template <class Writer>
 class StreamWriterBaseImpl {
 public:
-  /// The next destination element that is written.
+  /// The position of the next write, in destination elements.
   std::uint64_t CurrentIndex() const { return _writer.CurrentIndex(); }
 
 protected:
-  /// Hands the container on to the data writer.
+  /// Passes the container on to the data writer.
   template <class Container>
   explicit StreamWriterBaseImpl(Container& p_dest)
       : _writer(p_dest) {}
-  /// Moves the write position on by that many elements.
+  /// Advances the write position by that many elements.
   void SkipElements(std::uint64_t p_count) { _writer.AdvanceWriteIndex(p_count); }
 
-  Writer _writer; ///< what puts the elements into the container
+  Writer _writer; ///< stores the elements
 };
 
-/// The writes of truth values, on top of a data writer.
+/// A writer of Boolean values over a data writer.
 template <unsigned int N, class Writer>
 class BoolStreamWriterBase : public StreamWriterInterfaceImpl<DataInterface::BoolAttributeStreamWriter<N>>,
                              public StreamWriterBaseImpl<Writer> {
@@ -128,7 +129,7 @@ public:
   }
 };
 
-/// The writes of floating-point numbers, on top of a data writer.
+/// A writer of floating-point numbers over a data writer.
 template <unsigned int N, class Writer>
 class FloatStreamWriterBase : public StreamWriterInterfaceImpl<DataInterface::FloatAttributeStreamWriter<N>>,
                               public StreamWriterBaseImpl<Writer> {
@@ -143,7 +144,7 @@ public:
   }
 };
 
-/// The writes of unsigned integers, on top of a data writer.
+/// A writer of unsigned integers over a data writer.
 template <unsigned int N, class Writer>
 class IntegerStreamWriterBase : public StreamWriterInterfaceImpl<DataInterface::IntegerAttributeStreamWriter<N>>,
                                 public StreamWriterBaseImpl<Writer> {
@@ -161,30 +162,30 @@ public:
   }
 };
 
-/// The kind of writer that an element type belongs to.
+/// The kind of writer for an element type.
 template <class E, class Writer>
 struct StreamWriterKind;
-/// Bytes take truth values.
+/// Bytes: Boolean values.
 template <class Writer>
 struct StreamWriterKind<boost::array<unsigned char, 1>, Writer> {
-  using Base = BoolStreamWriterBase<1, Writer>; ///< the typed writes
+  using Base = BoolStreamWriterBase<1, Writer>; ///< the writer class
 };
-/// Floats take floating-point numbers.
+/// Floats: floating-point numbers.
 template <std::size_t N, class Writer>
 struct StreamWriterKind<boost::array<float, N>, Writer> {
-  using Base = FloatStreamWriterBase<N, Writer>; ///< the typed writes
+  using Base = FloatStreamWriterBase<N, Writer>; ///< the writer class
 };
-/// Unsigned integers take unsigned integers.
+/// Unsigned integers.
 template <std::size_t N, class Writer>
 struct StreamWriterKind<boost::array<unsigned int, N>, Writer> {
-  using Base = IntegerStreamWriterBase<N, Writer>; ///< the typed writes
+  using Base = IntegerStreamWriterBase<N, Writer>; ///< the writer class
 };
 
 template <class Container, class Operations, class E>
 class ContainerStreamWriter;
 
-/// Puts what a source of vertex data pushes into a vector, converted to its elements E. These are
-/// boost::array<unsigned char, 1>, boost::array<float, 1 to 4> or boost::array<unsigned int, 1 to 4>.
+/// Stores the vertex data of a source in a vector, converted to its elements E: boost::array<unsigned char, 1>,
+/// boost::array<float, 1 to 4> or boost::array<unsigned int, 1 to 4>. The vector keeps its size.
 ///
 /// \snippet DataSnippets.cpp ContainerStreamWriter
 /// \ingroup data
@@ -195,7 +196,7 @@ class ContainerStreamWriter<std::vector<E>, ContainerOperations::StaticContainer
       typename StreamWriterKind<E, ContainerDataWriter<E, std::vector<E>, ContainerOperations::StaticContainer>>::Base;
 
 public:
-  /// Starts at the vector's first element; the vector must outlive the writer.
+  /// Starts at the first element of the vector, which must outlive the writer.
   explicit ContainerStreamWriter(std::vector<E>& p_destination)
       : Base(p_destination) {}
 };

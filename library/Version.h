@@ -5,7 +5,7 @@
 
 namespace Vek::Chart::Library {
 
-/// The version of the library that is loaded, which may be newer than the headers that a program was built with.
+/// The version of the loaded library, which may be newer than the headers that a program was built with.
 ///
 /// \snippet HostSnippets.cpp Version
 /// \ingroup host

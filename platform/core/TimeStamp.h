@@ -6,7 +6,8 @@
 
 namespace Vek::Chart::Core {
 
-/// A mark of a moment: every default-constructed stamp differs from every other; copies are equal. Thread-safe.
+/// Marks a state, for example of a scene: each default-constructed stamp differs from all others; copies are equal.
+/// Thread-safe.
 class VEK_PLATFORM_API TimeStamp {
 public:
   TimeStamp();

@@ -7,14 +7,14 @@
 
 namespace Vek::Chart::DataInterface {
 
-/// A physical quantity and the unit that its values are given in, as texts for people ("velocity", "m/s").
+/// A physical quantity and the unit that its values are given in, as strings for display ("velocity", "m/s").
 struct QuantityUnitPair {
   std::string quantity; ///< such as "velocity"
   std::string unit;     ///< such as "m/s"
 };
 
 ///@{
-/// Compares both texts byte by byte.
+/// Compares both strings byte by byte.
 inline bool operator==(const QuantityUnitPair& p_a, const QuantityUnitPair& p_b) {
   return p_a.quantity == p_b.quantity && p_a.unit == p_b.unit;
 }
@@ -23,10 +23,10 @@ inline bool operator!=(const QuantityUnitPair& p_a, const QuantityUnitPair& p_b)
 }
 ///@}
 
-/// Tells what the values of an attribute measure.
+/// Provides the quantity and unit of an attribute.
 class VEK_PLATFORM_API QuantityUnit : public virtual SupportedInterface::ISupportedInterface {
 public:
-  /// The quantity and unit of all values; empty texts where they are not known.
+  /// The quantity and unit of all values; empty strings where they are unknown.
   virtual QuantityUnitPair GetQuantityUnit() const = 0;
 };
 

@@ -5,36 +5,36 @@
 
 #include <cstdint>
 
-/// The interfaces through which sources hand out vertex data: a source pushes runs of scalars into a writer, and the
-/// writer converts and stores them.
+/// The interfaces by which sources provide vertex data: a source passes runs of scalars to a writer, which converts and
+/// stores them.
 namespace Vek::Chart::DataInterface {
 
-/// What all writers share. A writer has a write position, counted in destination elements and starting at 0. Writers
-/// are never deleted through this interface.
+/// The base of all writers. A writer has a write position, counted in destination elements from 0. Writers are never
+/// deleted through this interface.
 ///
 /// The order of the virtual operations is part of the interface: `Skip` first, then the typed writes of the kind in the
 /// order of their declaration. `p_scalarCount` counts scalars, not elements: a write to a writer of N components stores
-/// p_scalarCount / N elements and advances by as many; scalars left over are ignored. The scalars need to live during
-/// the call only.
+/// p_scalarCount / N elements and advances by as many; scalars left over are ignored. The scalars are read during the
+/// call only.
 class VEK_PLATFORM_API StreamWriterBase {
 public:
-  /// Moves the write position on by `p_count` elements without writing them.
+  /// Advances the write position by `p_count` elements without writing them.
   virtual void Skip(std::uint64_t p_count) = 0;
 
 protected:
   StreamWriterBase() = default;
   /// For writers that can be copied.
   StreamWriterBase(const StreamWriterBase&) = default;
-  /// As the copy.
+  /// Copy assignment.
   StreamWriterBase& operator=(const StreamWriterBase&) = default;
   ~StreamWriterBase() = default;
 };
 
-/// Takes truth values: bytes that are 0 or 1, or bools.
+/// Takes Boolean values: bytes that are 0 or 1, or bools.
 class VEK_PLATFORM_API BoolStreamWriter : public StreamWriterBase {
 public:
   ///@{
-  /// Stores `p_scalarCount` values and moves the write position on.
+  /// Stores `p_scalarCount` values and advances the write position.
   virtual void Write(const unsigned char* p_data, std::uint64_t p_scalarCount) = 0;
   virtual void Write(const bool* p_data, std::uint64_t p_scalarCount) = 0;
   ///@}
@@ -47,7 +47,7 @@ protected:
 class VEK_PLATFORM_API FloatStreamWriter : public StreamWriterBase {
 public:
   ///@{
-  /// Stores `p_scalarCount` numbers and moves the write position on.
+  /// Stores `p_scalarCount` numbers and advances the write position.
   virtual void Write(const double* p_data, std::uint64_t p_scalarCount) = 0;
   virtual void Write(const float* p_data, std::uint64_t p_scalarCount) = 0;
   ///@}
@@ -60,7 +60,7 @@ protected:
 class VEK_PLATFORM_API IntegerStreamWriter : public StreamWriterBase {
 public:
   ///@{
-  /// Stores `p_scalarCount` integers and moves the write position on.
+  /// Stores `p_scalarCount` integers and advances the write position.
   virtual void Write(const unsigned int* p_data, std::uint64_t p_scalarCount) = 0;
   virtual void Write(const unsigned short* p_data, std::uint64_t p_scalarCount) = 0;
   virtual void Write(const unsigned char* p_data, std::uint64_t p_scalarCount) = 0;
@@ -81,10 +81,11 @@ public:
 };
 
 ///@{
-/// What a source of truth values, of floating-point numbers or of indices writes to; writers answer queries for it.
+/// The destination of a source of Boolean values, of floating-point numbers or of indices. Writers support queries for
+/// it.
 template <unsigned int N>
 class VEK_PLATFORM_API BoolAttributeStreamWriter : public AttributeStreamWriter<N, BoolStreamWriter> {
-  static_assert(N == 1, "truth values come one at a time");
+  static_assert(N == 1, "Boolean values have one component");
 };
 template <unsigned int N>
 class VEK_PLATFORM_API FloatAttributeStreamWriter : public AttributeStreamWriter<N, FloatStreamWriter> {};

@@ -10,7 +10,7 @@
 
 namespace Vek::Chart::DataInterface {
 
-/// The indices of vertices that make up primitives. The order of the virtual operations is part of the interface.
+/// The vertex indices of primitives. The order of the virtual operations is part of the interface.
 class VEK_PLATFORM_API VertexIndex : public virtual SupportedInterface::ISupportedInterface {
 public:
   /// The type of the indices in a block of raw bytes.
@@ -22,10 +22,10 @@ public:
 
   /// The number of indices.
   virtual std::uint32_t Count() const = 0;
-  /// The bytes of all indices in the machine's byte order; says in its argument which type they have. A source that
-  /// keeps no such block yields an empty array and leaves the argument as it is; the caller then asks for `Write`.
+  /// The bytes of all indices in the machine's byte order; `p_type` receives their type. A source without such a block
+  /// returns an empty array and leaves the argument unchanged; the caller then calls `Write`.
   virtual boost::shared_array<const char> Indices(IndexType& p_type) const = 0;
-  /// Pushes all indices through the writer, in order, in one or more calls.
+  /// Passes all indices to the writer, in order, in one or more calls.
   virtual void Write(IntegerAttributeStreamWriter<1>& p_writer) const = 0;
 };
 

@@ -7,10 +7,10 @@
 
 namespace Vek::SupportedInterface {
 
-/// Refers to an object under one of its interfaces; the answer to `ISupportedInterface::QuerySupportedInterface`.
+/// A reference to an object under one of its interfaces; the result of `ISupportedInterface::QuerySupportedInterface`.
 ///
-/// It does not own the object and must not outlive it. Access names the interface again, and yields the object only
-/// when that is the very interface that it is held under: a base or a derived class of it is another interface.
+/// It does not own the object and must not outlive it. Access is by exactly that interface: a base or a derived class
+/// of it is another interface.
 ///
 /// \snippet DataSnippets.cpp AnyInterface
 /// \ingroup data
@@ -18,11 +18,10 @@ class AnyInterface {
 public:
   /// Refers to nothing.
   AnyInterface() = default;
-  /// Refers to `p_object` as a W. W is always written out, so that an object is never held under its own class by
-  /// chance.
+  /// Refers to `p_object` as a W. W is always given explicitly, so that it is never deduced as the object's own class.
   template <class W>
   static AnyInterface Of(std::common_type_t<W>& p_object) {
-    static_assert(std::is_class_v<W> && !std::is_const_v<W>, "an interface is a class, and is handed out for any use");
+    static_assert(std::is_class_v<W> && !std::is_const_v<W>, "an interface is a class that is not const");
     AnyInterface result;
     result._object = &p_object;
     result._id = InterfaceID::Of<W>();
@@ -31,15 +30,15 @@ public:
 
   /// Whether it refers to nothing.
   bool Empty() const { return _object == nullptr; }
-  /// The interface that the object is held under; that of `void` when there is none.
+  /// The interface of the reference; that of `void` when it refers to nothing.
   const InterfaceID& ID() const { return _id; }
 
-  /// The object as a W, or null when it is not held under that interface.
+  /// The object as a W; null for another interface.
   template <class W>
   W* As() const {
     return _id == InterfaceID::Of<W>() ? static_cast<W*>(_object) : nullptr;
   }
-  /// The object as a W; throws UnknownInterface when it is not held under that interface.
+  /// The object as a W; throws UnknownInterface for another interface.
   template <class W>
   W& Get() const {
     if (W* const object = As<W>())

@@ -8,27 +8,26 @@
 
 namespace Vek::SupportedInterface {
 
-/// The base of all objects that can be asked for interfaces. Interfaces and their implementations derive from it
-/// virtually, so that an object with several interfaces has it once and gives one answer.
+/// The base of all objects that can be queried for interfaces. Interfaces and their implementations derive from it
+/// virtually, so that an object with several interfaces contains it once.
 class VEK_PLATFORM_API ISupportedInterface {
 public:
   virtual ~ISupportedInterface();
 
-  /// True when the object implements that interface.
+  /// Whether the object implements that interface.
   virtual bool IsSupportedInterface(const InterfaceID& p_id) const = 0;
-  /// This object under that interface; throws UnknownInterface, made from the id, when it does not implement it.
+  /// This object under that interface. Throws UnknownInterface, made from the id, if it does not implement it.
   virtual AnyInterface QuerySupportedInterface(const InterfaceID& p_id) = 0;
 
 protected:
   ISupportedInterface() = default;
   /// For objects that can be copied.
   ISupportedInterface(const ISupportedInterface&) = default;
-  /// As the copy.
+  /// Copy assignment.
   ISupportedInterface& operator=(const ISupportedInterface&) = default;
 };
 
-/// The object under the interface W, with shared ownership of the object; empty when there is no object or when it does
-/// not implement W.
+/// The object under the interface W, with shared ownership; empty for a null object or one that does not implement W.
 template <class W>
 boost::shared_ptr<W> QueryInterface(const boost::shared_ptr<ISupportedInterface>& p_object) {
   const InterfaceID id = InterfaceID::Of<W>();

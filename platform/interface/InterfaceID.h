@@ -8,8 +8,8 @@
 
 namespace Vek::SupportedInterface {
 
-/// Names an interface by its run-time type information. Two ids are equal when they name the same interface, also
-/// across shared libraries; the order is total, but differs from run to run.
+/// Identifies an interface by its run-time type information. Ids of the same interface are equal, also across shared
+/// libraries. The order is total, but differs from run to run.
 class VEK_PLATFORM_API InterfaceID {
 public:
   /// The id of the interface with that type information.
@@ -21,7 +21,7 @@ public:
     return InterfaceID(typeid(W));
   }
 
-  /// The interface's name as it is written in code, for messages.
+  /// The qualified name of the interface, for messages.
   std::string Name() const;
 
   ///@{

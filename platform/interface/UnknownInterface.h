@@ -7,15 +7,15 @@
 
 namespace Vek::SupportedInterface {
 
-/// Thrown when an object is asked for an interface that it does not implement. `what()` is "unknown interface " and the
-/// name of that interface.
+/// Thrown when an object is queried for an interface that it does not implement. `what()` is "unknown interface " and
+/// the name of the interface.
 class VEK_PLATFORM_API UnknownInterface : public std::runtime_error {
 public:
-  /// Made from the id that was asked for.
+  /// With the id that was queried.
   explicit UnknownInterface(const InterfaceID& p_id);
   ~UnknownInterface() override;
 
-  /// The interface that was asked for.
+  /// The interface that was queried.
   const InterfaceID& ID() const { return _id; }
 
 private:

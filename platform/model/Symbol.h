@@ -3,7 +3,7 @@
 namespace Vek::Chart::Model::Symbol {
 
 /// The built-in glyph shapes of the chart model; 0 means none. The values are also the slots of the table of built-in
-/// model files. Any number may arrive here: values outside 1 to 15 are unknown and are reported where they are used.
+/// model files. Any number is a valid value; numbers outside of 1 to 15 are unknown and reported where they are used.
 enum Shape : int {
   ShapePoint = 1,            ///< one vertex at the origin
   ShapeArrowHead1D = 2,      ///< line chevron

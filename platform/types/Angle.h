@@ -5,12 +5,12 @@ namespace Vek::Chart::Types {
 /// An angle, kept in radians.
 class Angle {
 public:
-  static constexpr double Pi = 3.14159265358979323846; ///< half a turn in radians
+  static constexpr double Pi = 3.14159265358979323846; ///< half a turn, in radians
 
   constexpr Angle() = default; ///< zero
-  /// The angle of so many radians, whole turns included.
+  /// An angle in radians; not reduced to one turn.
   static constexpr Angle FromRadians(double p_radians) { return Angle(p_radians); }
-  /// The angle of so many degrees, whole turns included.
+  /// An angle in degrees; not reduced to one turn.
   static constexpr Angle FromDegrees(double p_degrees) { return Angle(p_degrees * Pi / 180.0); }
 
   /// In radians.

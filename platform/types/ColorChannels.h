@@ -7,7 +7,7 @@
 
 namespace Vek::Chart::Types {
 
-/// Red, green, blue and alpha of a colour as fractions in double precision, as Qt 5 has them; Qt 6 rounds to single.
+/// Red, green, blue and alpha of a colour in [0, 1], in double precision as in Qt 5; Qt 6 itself rounds to single.
 inline std::array<double, 4> ColorChannels(const QColor& p_color) {
   if (p_color.spec() == QColor::ExtendedRgb) // half floats, which are exact in either precision
     return {p_color.redF(), p_color.greenF(), p_color.blueF(), p_color.alphaF()};
@@ -15,7 +15,7 @@ inline std::array<double, 4> ColorChannels(const QColor& p_color) {
   return {channels.red() / 65535.0, channels.green() / 65535.0, channels.blue() / 65535.0, channels.alpha() / 65535.0};
 }
 
-/// The colour of these fractions, rounded to 16 bits a channel. What lies outside of [0, 1] is as in QColor::fromRgbF.
+/// The colour of these channels, rounded to 16 bits each. Values outside of [0, 1] are treated as by QColor::fromRgbF.
 inline QColor ColorOfChannels(const std::array<double, 4>& p_channels) {
   const auto [red, green, blue, alpha] = p_channels;
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)

@@ -8,8 +8,8 @@
 
 namespace Vek::Chart::Types {
 
-/// The style record of a mapping from values to colours: what a user chose, from which `Library::ColorMap` is made. A
-/// new record has no colours.
+/// The style record of a mapping from values to colours, from which a `Library::ColorMap` is made. A new record has no
+/// colours.
 struct ColorMap {
   /// The colours from the lowest value to the highest.
   StyleProperty<std::vector<QColor>> colors;

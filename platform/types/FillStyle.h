@@ -8,13 +8,13 @@
 
 namespace Vek::Chart::Types {
 
-/// How an area is filled. A new record is a solid black fill.
+/// The style record of an area. A new record is a solid black fill.
 struct FillStyle {
   /// The number of a `Library::Pattern::FillPattern`: 0 draws nothing, 1 is solid.
   StyleProperty<std::uint32_t> pattern{1};
   /// The colour of the area, or of a pattern's set bits.
   StyleProperty<QColor> color{QColor(Qt::black)};
-  /// Lies under the gaps of a pattern.
+  /// The colour in the gaps of a pattern.
   StyleProperty<QColor> secondColor{QColor(Qt::transparent)};
 };
 

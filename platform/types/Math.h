@@ -6,7 +6,7 @@
 namespace Vek::Chart::Types::Math {
 
 /// p_min if p_min > p_value, else p_max if p_value > p_max, else p_value (so NaN passes through). Reports
-/// "p_min <= p_max" when p_min > p_max, and goes on.
+/// "p_min <= p_max" if p_min > p_max.
 template <class T>
 T Clamp(T p_value, T p_min, T p_max) {
   if (p_min > p_max) {

@@ -8,7 +8,7 @@
 
 namespace Vek::Chart::Types {
 
-/// A 3 × 3 matrix of doubles; acts on column vectors from the left.
+/// A 3 × 3 matrix of doubles, multiplied by column vectors on its right.
 class Matrix3 {
 public:
   /// The identity.
@@ -24,7 +24,7 @@ public:
     return {{p_x.x, p_y.x, p_z.x}, {p_x.y, p_y.y, p_z.y}, {p_x.z, p_y.z, p_z.z}};
   }
 
-  /// Right-handed rotation by an angle about an axis of any length but zero (which gives the identity).
+  /// Right-handed rotation by an angle about an axis of any length; the identity for a zero axis.
   static Matrix3 Rotation(Angle p_angle, const Vector3_Base<double>& p_axis) {
     const Vector3_Base<double> a = Normalize(p_axis);
     const double c = std::cos(p_angle.Radians());
@@ -37,10 +37,10 @@ public:
             {a.z * a.x * t - a.y * s, a.z * a.y * t + a.x * s, c + a.z * a.z * t}};
   }
 
-  /// Row 0 to 2; an index beyond throws std::out_of_range.
+  /// Row 0 to 2; other indices throw std::out_of_range.
   const Vector3_Base<double>& Row(std::size_t p_index) const { return _rows.at(p_index); }
 
-  /// Rows and columns exchanged; the inverse of a rotation.
+  /// The transposed matrix, which for a rotation is its inverse.
   constexpr Matrix3 Transposed() const { return FromColumns(_rows[0], _rows[1], _rows[2]); }
 
   ///@{

@@ -5,16 +5,16 @@
 
 namespace Vek::Chart::Types {
 
-/// A value with two state bits: whether it changed since its last use, and whether it was ever set.
+/// A value with two state bits: changed since its last use, and ever set.
 ///
-/// Assigning a value that differs from the stored one, or any value to a property that is not set, stores it and sets
-/// both bits; assigning an equal value to a set property leaves everything as it is.
+/// Assigning a different value, or any value to a property that is not set, stores it and sets both bits. Assigning an
+/// equal value to a set property changes nothing.
 template <class T>
 class Property {
 public:
   /// The state of a property.
   enum StateBits : std::uint8_t {
-    ChangedBit = 1, ///< differs from what was last used
+    ChangedBit = 1, ///< changed since its last use
     SetBit = 2,     ///< was assigned
   };
 

@@ -4,24 +4,24 @@
 
 namespace Vek::Chart::Types {
 
-/// The smallest and the largest of the values added; a new one is empty: its minimum is the largest value of the type
-/// (infinity where there is one), its maximum the smallest.
+/// The smallest and the largest of the values added. A new range is empty: its minimum is the largest value of the type
+/// (infinity where it has one), its maximum the smallest.
 template <class T>
 struct MinMax_Base {
-  /// What the type can hold.
+  /// The limits of the type.
   using Limits = std::numeric_limits<T>;
   T min = Limits::has_infinity ? Limits::infinity() : Limits::max();     ///< the smallest value added
   T max = Limits::has_infinity ? -Limits::infinity() : Limits::lowest(); ///< the largest value added
 
   constexpr MinMax_Base() = default; ///< empty
-  /// The range between two values, which are taken as they are.
+  /// From `p_min` to `p_max`, unchecked.
   constexpr MinMax_Base(T p_min, T p_max)
       : min(p_min)
       , max(p_max) {}
 
-  /// Whether nothing was added: the minimum is above the maximum, or NaN.
+  /// Whether the range is empty: its minimum is above its maximum, or one of them is NaN.
   constexpr bool Empty() const { return !(min <= max); }
-  /// Grows the range to hold the value; NaN changes nothing.
+  /// Extends the range to the value; NaN changes nothing.
   constexpr MinMax_Base& operator+=(T p_value) {
     if (p_value < min)
       min = p_value;
@@ -35,7 +35,7 @@ struct MinMax_Base {
 template <class T>
 struct Span {
   T first{}; ///< the first index
-  T last{};  ///< the last index, which belongs to the range
+  T last{};  ///< the last index, included
 
   constexpr Span() = default; ///< from 0 to 0
   /// From `p_first` to `p_last`, both included.

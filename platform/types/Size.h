@@ -8,7 +8,7 @@ struct Size {
   int height = 0; ///< rows
 
   constexpr Size() = default; ///< no pixels
-  /// Of so many pixels; negative numbers are taken as they are.
+  /// From its extents, unchecked.
   constexpr Size(int p_width, int p_height)
       : width(p_width)
       , height(p_height) {}

@@ -5,7 +5,7 @@
 
 namespace Vek::Chart::Types {
 
-/// A property of a style record: its own value if it was set, else a default that it inherits.
+/// A property of a style record: a value of its own, or else an inherited default.
 template <class T>
 class StyleProperty {
 public:
@@ -16,14 +16,14 @@ public:
 
   /// Gives the property a value of its own.
   void Set(T p_value) { _value = std::move(p_value); }
-  /// Drops the own value: the default counts again.
+  /// Removes the own value: the default applies again.
   void Reset() { _value.reset(); }
-  /// Changes the default; what was set stays.
+  /// Changes the default, not the own value.
   void SetDefault(T p_default) { _default = std::move(p_default); }
 
   /// Whether it has a value of its own.
   bool IsSet() const { return _value.has_value(); }
-  /// The value that counts.
+  /// The own value if it is set, else the default.
   const T& Effective() const { return _value ? *_value : _default; }
 
 private:

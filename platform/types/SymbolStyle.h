@@ -8,7 +8,7 @@
 
 namespace Vek::Chart::Types {
 
-/// How a data point is marked. A new record is a black symbol of the first shape, without an outline.
+/// The style record of a data point. A new record is a black symbol of the first shape, without an outline.
 struct SymbolStyle {
   /// 0 draws nothing.
   StyleProperty<std::uint32_t> shape{1};

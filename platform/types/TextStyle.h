@@ -8,15 +8,15 @@
 
 namespace Vek::Chart::Types {
 
-/// How a text is drawn. A new record is black text of 12 pixels on nothing.
+/// The style record of a string. A new record is black, 12 pixels high, without a background.
 struct TextStyle {
   /// The colour of the letters.
   StyleProperty<QColor> color{QColor(Qt::black)};
   /// The colour behind or around the letters.
   StyleProperty<QColor> secondColor{QColor(Qt::transparent)};
-  /// Handed to the text object as it is.
+  /// Passed to the text renderer unchanged.
   StyleProperty<bool> flag{false};
-  /// In pixels; text objects take 2 to 96.
+  /// In pixels; text renderers clamp it to 2 to 96.
   StyleProperty<std::uint32_t> size{12};
 };
 

@@ -19,9 +19,9 @@ public:
   Transformation(Angle p_angle, const Vector3_Base<double>& p_axis)
       : _linear(Matrix3::Rotation(p_angle, p_axis)) {}
 
-  /// Moves by an offset.
+  /// Translation by an offset.
   static constexpr Transformation Translation(const Vector3_Base<double>& p_offset) { return {Matrix3(), p_offset}; }
-  /// Stretches along the axes.
+  /// Scaling along the axes.
   static constexpr Transformation Scaling(const Vector3_Base<double>& p_factors) {
     return {Matrix3({p_factors.x, 0, 0}, {0, p_factors.y, 0}, {0, 0, p_factors.z}), {}};
   }
@@ -31,7 +31,7 @@ public:
   /// The translation.
   constexpr const Vector3_Base<double>& Offset() const { return _translation; }
 
-  /// The sixteen elements of the 4 × 4 matrix, column by column, as GL takes them.
+  /// The elements of the 4 × 4 matrix in column-major order, as GL takes them.
   std::array<double, 16> ColumnMajor() const {
     const Matrix3 c = _linear.Transposed();
     return {c.Row(0).x, c.Row(0).y, c.Row(0).z, 0, c.Row(1).x,     c.Row(1).y,     c.Row(1).z,     0,

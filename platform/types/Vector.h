@@ -51,7 +51,7 @@ struct Vector4_Base {
 };
 
 ///@{
-/// Component-wise; Dot sums the products from left to right, in the order of the components.
+/// Component by component. Dot sums the products from left to right, in the order of the components.
 template <class T>
 constexpr Vector2_Base<T> operator+(const Vector2_Base<T>& p_a, const Vector2_Base<T>& p_b) {
   return {p_a.x + p_b.x, p_a.y + p_b.y};
@@ -142,7 +142,7 @@ constexpr T Dot(const Vector4_Base<T>& p_a, const Vector4_Base<T>& p_b) {
 ///@}
 
 ///@{
-/// What follows from the products, for all three kinds.
+/// Operations that follow from those above, for all three kinds.
 template <class Vector>
 constexpr auto operator!=(const Vector& p_a, const Vector& p_b) -> decltype(Dot(p_a, p_b), bool()) {
   return !(p_a == p_b);
@@ -166,7 +166,7 @@ template <class Vector>
 auto Length(const Vector& p_a) -> decltype(Dot(p_a, p_a)) {
   return std::sqrt(Dot(p_a, p_a));
 }
-/// The vector of unit length in the same direction; the zero vector stays the zero vector.
+/// The vector of unit length in the same direction; the zero vector for itself.
 template <class Vector>
 auto Normalize(const Vector& p_a) -> decltype(p_a / Length(p_a)) {
   const auto length = Length(p_a);

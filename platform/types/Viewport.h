@@ -2,17 +2,17 @@
 
 namespace Vek::Chart::Types {
 
-/// A rectangle in window pixels; the origin is the lower left corner of the window. The parameter tells kinds of
-/// viewports apart; the library uses kind 0 only.
+/// A rectangle in window pixels; the origin is the lower left corner of the window. The parameter distinguishes
+/// kinds of viewports; the library uses kind 0 only.
 template <int Kind>
 struct Viewport {
-  float x = 0;      ///< of the left edge
-  float y = 0;      ///< of the lower edge
+  float x = 0;      ///< left edge
+  float y = 0;      ///< lower edge
   float width = 0;  ///< to the right
   float height = 0; ///< upwards
 
-  constexpr Viewport() = default; ///< no pixels, at the origin
-  /// From its numbers, which are taken as they are.
+  constexpr Viewport() = default; ///< empty, at the origin
+  /// From its numbers, unchecked.
   constexpr Viewport(float p_x, float p_y, float p_width, float p_height)
       : x(p_x)
       , y(p_y)

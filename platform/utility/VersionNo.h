@@ -4,9 +4,9 @@ namespace Vek::Chart::Utility {
 
 /// A version number, ordered by its parts from left to right.
 struct VersionNo {
-  int majorPart = 0; ///< changes with the interface
-  int minorPart = 0; ///< grows with additions
-  int patchPart = 0; ///< grows with repairs
+  int majorPart = 0; ///< incremented by incompatible changes
+  int minorPart = 0; ///< incremented by additions
+  int patchPart = 0; ///< incremented by fixes
 
   constexpr VersionNo() = default; ///< 0.0.0
   /// From its parts.

@@ -13,13 +13,13 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// Puts elements into a vector that it fills up to a given size, in one allocation. To the source that writes it is a
-/// ContainerDataWriter over a vector of that many zeros, but memory is passed through once: elements that are written
-/// one after the other, as nearly all are, come into being as they are written.
+/// Fills an empty vector up to a given size, with one allocation. It behaves as a ContainerDataWriter over a vector of
+/// that many zeros, but touches memory only once: elements written in sequence, as nearly all are, are constructed by
+/// the write itself.
 template <class E>
 class GrowingDataWriter {
 public:
-  /// An empty vector, which must outlive the writer, and its size in the end.
+  /// An empty vector, which must outlive the writer, and its final size.
   struct Destination {
     std::vector<E>& elements;
     std::size_t count;
@@ -48,10 +48,10 @@ public:
   }
   /// As ContainerDataWriter.
   void AdvanceWriteIndex(std::uint64_t p_count) { Full().AdvanceWriteIndex(p_count); }
-  /// The next element that is written.
+  /// The position of the next write, in elements.
   std::uint64_t CurrentIndex() const { return _full ? _full->CurrentIndex() : _dest.size(); }
 
-  /// Fills up with zeros what has not been written.
+  /// Fills the rest with zeros.
   void Finish() {
     while (_dest.size() < _count)
       Append(std::min(Zeros.size(), _count - _dest.size()));
@@ -63,10 +63,11 @@ private:
   static constexpr std::size_t N = Algorithms::TupleTraits<E>::Count;
   static constexpr std::array<E, 16384 / sizeof(E)> Zeros{};
 
-  /// Appends zeros, a block at most: a vector would make small elements one by one, bytes ten times as slowly.
+  /// Appends at most one block of zeros. A vector's own resize constructs small elements one by one, bytes ten times as
+  /// slowly.
   E* Append(std::size_t p_count) { return &*_dest.insert(_dest.end(), Zeros.data(), Zeros.data() + p_count); }
 
-  /// Writes from here on into the vector in its full size: from the first write on that leaves a gap or does not fit.
+  /// The writer over the vector in its full size, from the first write on that leaves a gap or does not fit.
   FullWriter& Full() {
     if (!_full) {
       const std::uint64_t position = _dest.size();
