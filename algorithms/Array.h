@@ -48,7 +48,7 @@ public:
 
 private:
   static std::string AccessSignature() {
-    const std::string type = vekdebug::TypeName<T>::text();
+    const std::string type = vekdebug::TypeName<T>::Text();
     return "const " + type + " &__cdecl Vek::Chart::DataInterface::Array<" + type +
            ",0>::operator [](const unsigned __int64) const";
   }
@@ -123,6 +123,6 @@ template <class T, int Access>
 struct vekdebug::TypeName<Vek::Chart::DataInterface::Array<T, Access>> {
   /// The name.
   static std::string Text() {
-    return "class Vek::Chart::DataInterface::Array<" + TypeName<T>::text() + "," + std::to_string(Access) + ">";
+    return "class Vek::Chart::DataInterface::Array<" + TypeName<T>::Text() + "," + std::to_string(Access) + ">";
   }
 };

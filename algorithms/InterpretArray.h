@@ -103,7 +103,7 @@ public:
 private:
   static std::string CallSignature() {
     const std::string tuple = vekdebug::TypeName<D>::Text();
-    return tuple + " __cdecl Vek::Chart::Algorithms::InterpretedArrayConverter<" + vekdebug::TypeName<S>::text() + "," +
+    return tuple + " __cdecl Vek::Chart::Algorithms::InterpretedArrayConverter<" + vekdebug::TypeName<S>::Text() + "," +
            tuple + " >::operator ()(const unsigned __int64) const";
   }
 

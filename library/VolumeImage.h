@@ -81,7 +81,7 @@ public:
     T& operator[](std::size_t p_channel) const {
       if (p_channel < _channels)
         return reinterpret_cast<T*>(_voxel)[p_channel];
-      const std::string type = vekdebug::TypeName<T>::text();
+      const std::string type = vekdebug::TypeName<T>::Text();
       vekdebug::fail_ensure("p_channel < _channels", type + " &__cdecl Vek::Chart::Library::VolumeImage::TypeArray<" +
                                                          type + ">::operator [](const unsigned __int64)");
       thread_local T nowhere;

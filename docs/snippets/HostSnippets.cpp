@@ -1,4 +1,4 @@
-// The examples of the reference for what a host brings: what stands between two marks is shown there.
+// Examples of the reference for hosts; it shows the lines between two marks.
 
 #include "library/ColorMap.h"
 #include "library/Version.h"
@@ -22,7 +22,7 @@ TEST(HostSnippets, Version) {
 }
 
 //! [Sink]
-/// Counts what went wrong, and keeps the last text for a status line.
+/// Counts failures, and keeps the last message for a status line.
 class CountingSink : public vekdebug::sink {
 public:
   void write(const vekdebug::report& p_report) override { // may be called from several threads at once
@@ -30,7 +30,7 @@ public:
       return;
     ++count;
     const std::lock_guard<std::mutex> lock(mutex);
-    last = p_report.text;
+    last = p_report.text + " " + vekdebug::detail_text(p_report.where); // the latter has path, line and values
   }
 
   std::atomic<int> count = 0;
@@ -54,7 +54,7 @@ TEST(HostSnippets, Check) {
   //! [Check]
   const auto half = [](int p_size) {
     if (!VEK_ENSURE(p_size > 0, "int __cdecl Half(int)"))
-      return 0; // reported; and on with what does no harm
+      return 0; // a harmless value
     return p_size / 2;
   };
   const int none = half(-3); // reports "p_size > 0" - int __cdecl Half(int)

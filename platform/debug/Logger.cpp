@@ -1,7 +1,8 @@
 #include "platform/debug/Logger.h"
 
+#include "platform/debug/private/StandardErrorSink.h"
+
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -14,7 +15,7 @@
 
 namespace vekdebug {
 
-/// Gathers characters until a line end and hands each full line to the logger.
+/// Collects characters and writes each full line to the logger.
 class line_buffer : public std::streambuf {
 public:
   line_buffer(logger& p_logger, severity p_kind, std::string p_channel)
@@ -36,7 +37,7 @@ protected:
         _line += p_text[i];
         continue;
       }
-      // A sink may throw: the buffer must be empty before it is called.
+      // The line is taken out first, since a sink may throw.
       const std::string line = std::exchange(_line, {});
       _logger.write(_kind, line, _channel);
     }
@@ -52,14 +53,6 @@ private:
 
 namespace {
 
-/// 1234567 as "1,234,567".
-std::string Grouped(std::uint64_t p_number) {
-  std::string digits = std::to_string(p_number);
-  for (std::size_t at = digits.size(); at > 3;)
-    digits.insert(at -= 3, ",");
-  return digits;
-}
-
 /// The text between quotation marks: cut where it is long, with question marks for control characters.
 std::string Quoted(std::string_view p_text) {
   constexpr std::size_t Longest = 80;
@@ -72,99 +65,13 @@ std::string Quoted(std::string_view p_text) {
   return "\"" + text + (size < p_text.size() ? "…\"" : "\"");
 }
 
-/// Writes reports to standard error, and repetitions of one text as a count.
-class StandardErrorSink : public sink {
-public:
-  void write(const report& p_report) override {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    const Clock::time_point now = Clock::now();
-    const bool repeated =
-        _canRepeat && p_report.kind == _kind && p_report.text == _text && p_report.channel == _channel;
-    if (repeated) {
-      ++_folded;
-      Remember(p_report.where);
-      if (now - _printed >= std::chrono::seconds(1))
-        PrintFolded();
-    } else {
-      PrintFolded();
-      Print(p_report);
-    }
-    if (_folded == 0)
-      _printed = now;
-  }
-
-  /// Writes the number of repetitions so far; the next report is written whole.
-  void Flush() {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    PrintFolded();
-    _canRepeat = false;
-  }
-  /// Flushes, and folds no longer: nobody would write the number.
-  void StopFolding() {
-    Flush();
-    const std::lock_guard<std::mutex> lock(_mutex);
-    _folds = false;
-  }
-
-private:
-  using Clock = std::chrono::steady_clock;
-
-  void Print(const report& p_report) {
-    const std::string where = detail_text(p_report.where);
-    std::string line = p_report.channel.empty() ? p_report.text : "[" + p_report.channel + "] " + p_report.text;
-    line += where.empty() ? "\n" : " (" + where + ")\n";
-    std::cerr << line << std::flush;
-    _kind = p_report.kind;
-    _text = p_report.text;
-    _channel = p_report.channel;
-    _path = p_report.where.path;
-    _canRepeat = _folds;
-  }
-
-  /// Keeps where the last repetition was.
-  void Remember(const detail& p_detail) {
-    _lastPath = p_detail.path;
-    _lastLine = p_detail.line;
-    _lastIndex = p_detail.index;
-  }
-
-  void PrintFolded() {
-    if (_folded == 0)
-      return;
-    std::string line = "… " + Grouped(_folded) + " more";
-    const std::string place = _lastLine != 0 ? "line " + Grouped(_lastLine)
-                              : _lastIndex   ? "index " + Grouped(*_lastIndex)
-                                             : "";
-    if (_lastPath != _path)
-      line += ", to " + _lastPath + (place.empty() ? "" : ", " + place);
-    else if (!place.empty())
-      line += ", to " + place;
-    _folded = 0;
-    std::cerr << line + "\n" << std::flush;
-  }
-
-  std::mutex _mutex;
-  bool _folds = true;
-  bool _canRepeat = false; // whether there is a report that the next one may repeat
-  severity _kind = severity::debug;
-  std::string _text;
-  std::string _channel;
-  std::string _path;
-  Clock::time_point _printed;
-
-  std::uint64_t _folded = 0; // repetitions since the last line
-  std::string _lastPath;
-  std::uint64_t _lastLine = 0;
-  std::optional<std::uint64_t> _lastIndex;
-};
-
 /// A stream together with its buffer.
 class OwnedStream {
 public:
   OwnedStream(logger& p_logger, severity p_kind, const std::string& p_channel)
       : _buffer(p_logger, p_kind, p_channel)
       , _stream(&_buffer) {
-    // A throwing sink must reach the caller; without this the stream would swallow it and stay bad.
+    // Exceptions of a sink must reach the caller; without this the stream would catch them and stay bad.
     _stream.exceptions(std::ios::badbit);
   }
   dbgostream& Stream(bool p_active) {
@@ -185,7 +92,7 @@ private:
   dbgostream _stream;
 };
 
-/// The streams of one thread: each thread has its own, so that lines of two threads never mix.
+/// The streams of one thread. Each thread has its own, so that lines of two threads never mix.
 class ThreadStreams {
 public:
   explicit ThreadStreams(bool& p_ended)
@@ -210,8 +117,8 @@ private:
   std::map<std::string, std::unique_ptr<OwnedStream>> _channels;
 };
 
-/// The calling thread's streams. Destructors of static and thread-local objects may report after the thread's streams
-/// are gone; they get others, which are kept for the life of the process.
+/// The calling thread's streams. Destructors of static and thread-local objects may report when these are gone: they
+/// get other streams, which exist to the end of the process.
 ThreadStreams& StreamsOfThisThread() {
   thread_local bool ended = false;
   thread_local ThreadStreams* late = nullptr;
@@ -232,7 +139,7 @@ ThreadStreams& StreamsOfThisThread() {
 
 struct logger::state {
   mutable std::mutex mutex;
-  const std::shared_ptr<StandardErrorSink> standard = std::make_shared<StandardErrorSink>();
+  const std::shared_ptr<Private::StandardErrorSink> standard = std::make_shared<Private::StandardErrorSink>();
   std::shared_ptr<sink> current = standard;
   std::set<std::string> openChannels;
 };
@@ -264,7 +171,7 @@ dbgostream::~dbgostream() = default;
 
 logger::logger()
     : _state(std::make_unique<state>()) {
-  // What static objects report later is written line by line.
+  // Nobody would write the count of what static objects report later.
   std::atexit([] { instance()._state->standard->StopFolding(); });
 }
 logger::~logger() = default;

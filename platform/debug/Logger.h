@@ -12,21 +12,21 @@
 
 /// Reports of broken preconditions, unreachable code, warnings and debug output.
 ///
-/// Reports never stop the caller: it goes on after each of them with a defined, harmless result. What happens to a
-/// report is decided by the sink of the logger: the default sink writes a line to standard error; a host engine can
-/// install one that counts, shows, breaks or throws. Reports may come from several threads at once.
+/// A report never stops the caller, which continues with a defined, harmless result. The logger's sink decides what
+/// happens to reports: the default sink writes them to standard error; a host can install one that counts, shows,
+/// breaks or throws. Several threads may report at once.
 ///
 /// The default sink writes the text and, in parentheses, the detail. Of reports in a row with the same text it writes
 /// the first one; the number of the others follows with the next different report, with the first repetition after a
 /// second, when another sink is installed, or at the end of the process: `… 144,990 more, to line 289,981`.
 namespace vekdebug {
 
-/// What kind of report a text is.
+/// The kind of a report, which determines the form of its text.
 enum class severity : std::uint8_t {
   ensure,  ///< a precondition does not hold; text: "expression" - signature
-  sentry,  ///< code that must not be reached was reached; text: signature, a blank, "@line" and the line's number
+  sentry,  ///< unreachable code was reached; text: signature, a blank, "@line" and the line number
   pointer, ///< a null object; text: "void*(obj)" - signature
-  range,   ///< an index outside its range; text: "expression" - signature
+  range,   ///< an index is outside its range; text: "expression" - signature
   error,   ///< one line of the error stream; a warning begins with "WARNING: "
   debug,   ///< one line of a debug channel
 };
@@ -48,39 +48,39 @@ VEK_PLATFORM_API std::string detail_text(const detail& p_detail);
 
 /// One report, as it reaches the sink. All references and views are valid during the call only.
 struct report {
-  severity kind;              ///< what happened
+  severity kind;              ///< the kind of failure
   const std::string& text;    ///< the fixed text, without a line end
   const std::string& channel; ///< the name of the debug channel; empty for all other kinds
   const detail& where;        ///< file, line and values, as far as they are set
 };
 
-/// Receives all reports of a logger. `write` may be called from several threads at once and may throw: what it throws
-/// leaves the operation that reported through its caller.
+/// Receives all reports of a logger. Several threads may call `write` at once. It may throw; the exception passes
+/// through the operation that reported.
 class VEK_PLATFORM_API sink {
 public:
   virtual ~sink();
-  /// Takes one report. What it reports itself comes back to it.
+  /// Receives one report. A report that it makes itself calls it again.
   virtual void write(const report& p_report) = 0;
 };
 
-/// An output stream of the logger. It is active when it has a buffer; items written to an inactive stream are dropped
-/// and cost nothing but the test of `active()`. Every full line becomes one report.
+/// An output stream of the logger: every full line becomes one report. Without a buffer it is inactive and drops what
+/// is written to it, at the cost of a test.
 class VEK_PLATFORM_API dbgostream : public std::ostream {
 public:
-  /// A stream into that buffer, which must outlive it; inactive for a null pointer.
+  /// Writes into `p_buffer`, which must outlive the stream; inactive for a null pointer.
   explicit dbgostream(std::streambuf* p_buffer);
   ~dbgostream() override;
-  /// Whether items are written anywhere.
+  /// Whether the stream has a buffer. Test it before costly formatting.
   bool active() const { return rdbuf() != nullptr; }
 };
 
-/// The one place that all reports go through; see `Utility::GetLogger`.
+/// Passes all reports to the sink; see `Utility::GetLogger`.
 ///
 /// \snippet HostSnippets.cpp Reports
 /// \ingroup host
 class VEK_PLATFORM_API logger {
 public:
-  /// The logger of the process. It outlives every static object that uses it.
+  /// The logger of the process. Never destroyed, so that destructors of static objects may report.
   static logger& instance();
 
   logger(const logger&) = delete;
@@ -98,21 +98,21 @@ public:
   /// Reports `p_text` on the error stream, each of its lines as one report.
   void error(const std::string& p_text, const detail& p_detail = {});
 
-  /// The debug channel of that name, for the calling thread. A channel is inactive until `open` is called for it.
+  /// The calling thread's stream for the debug channel of that name; inactive until the channel is opened.
   dbgostream& dout(const std::string& p_channel);
-  /// The error stream, for the calling thread; always active. A warning's text begins with "WARNING: ".
+  /// The calling thread's error stream; always active. Warnings begin with "WARNING: ".
   dbgostream& derr();
 
   ///@{
-  /// Switches a debug channel on or off for all threads.
+  /// Opens or closes a debug channel for all threads.
   void open(const std::string& p_channel);
   void close(const std::string& p_channel);
   ///@}
-  /// Whether the channel is switched on.
+  /// Whether the channel is open.
   bool is_open(const std::string& p_channel) const;
 
-  /// Installs a sink and returns the one it replaces; an empty pointer restores the default sink. The old sink may
-  /// still be called by a report that is under way on another thread.
+  /// Installs a sink and returns the previous one; an empty pointer restores the default sink. A report that another
+  /// thread is making may still reach the previous sink.
   std::shared_ptr<sink> set_sink(std::shared_ptr<sink> p_sink);
 
 private:

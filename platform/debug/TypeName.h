@@ -4,16 +4,16 @@
 
 namespace vekdebug {
 
-/// The name of a type as the host platform's compiler prints it in a signature; signatures of templates are put
-/// together from it. Types with other names specialise it beside their definition.
+/// The name of a type in a signature, as the host platform's compiler prints it. Signatures of templates are composed
+/// of such names. Classes specialise it beside their definition.
 template <class T>
 struct TypeName;
 
-/// Names a type; to be used at global scope.
+/// Defines the name of a type. Use at global scope.
 #define VEK_TYPE_NAME(p_type, p_text)                                                                                  \
   template <>                                                                                                          \
   struct vekdebug::TypeName<p_type> {                                                                                  \
-    static std::string text() { return p_text; }                                                                       \
+    static std::string Text() { return p_text; }                                                                       \
   };
 
 } // namespace vekdebug

@@ -62,19 +62,19 @@ static_assert(std::is_trivially_copyable_v<Attribute<Vec3<float>>>);
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec1<T>> {
   /// The name.
-  static std::string Text() { return "class Vek::Chart::Ogl::Vec1<" + TypeName<T>::text() + ">"; }
+  static std::string Text() { return "class Vek::Chart::Ogl::Vec1<" + TypeName<T>::Text() + ">"; }
 };
 /// Type name used in report signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec2<T>> {
   /// The name.
-  static std::string Text() { return "class Vek::Chart::Ogl::Vec2<" + TypeName<T>::text() + ">"; }
+  static std::string Text() { return "class Vek::Chart::Ogl::Vec2<" + TypeName<T>::Text() + ">"; }
 };
 /// Type name used in report signatures.
 template <class T>
 struct vekdebug::TypeName<Vek::Chart::Ogl::Vec3<T>> {
   /// The name.
-  static std::string Text() { return "class Vek::Chart::Ogl::Vec3<" + TypeName<T>::text() + ">"; }
+  static std::string Text() { return "class Vek::Chart::Ogl::Vec3<" + TypeName<T>::Text() + ">"; }
 };
 /// Type name used in report signatures. A template argument list that ends in '>' is closed after a blank.
 template <class T>

@@ -10,7 +10,7 @@ namespace Vek::Chart::Types::Math {
 template <class T>
 T Clamp(T p_value, T p_min, T p_max) {
   if (p_min > p_max) {
-    const std::string type = vekdebug::TypeName<T>::text();
+    const std::string type = vekdebug::TypeName<T>::Text();
     vekdebug::fail_ensure("p_min <= p_max", type + " __cdecl Vek::Chart::Types::Math::Clamp<" + type + ">(const " +
                                                 type + ",const " + type + ",const " + type + ")");
   }

@@ -5,7 +5,7 @@
 
 namespace Vek::Chart::Utility {
 
-/// The logger that the whole library reports to.
+/// The logger that receives all reports of the library.
 VEK_PLATFORM_API vekdebug::logger& GetLogger();
 
 } // namespace Vek::Chart::Utility

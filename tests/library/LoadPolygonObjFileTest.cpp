@@ -24,7 +24,7 @@ std::string Reported(const ReportCapture& p_reports) {
   return names;
 }
 
-/// A file's model in a line: "triangles v POSITIONS n NORMALS 'GROUP' INDICES ! REPORTS"; what is empty is left out.
+/// A file's model in one line, without empty items: "triangles v POSITIONS n NORMALS 'GROUP' INDICES ! REPORTS".
 std::string Summary(const std::string& p_text) {
   const ReportCapture reports;
   const auto model = Load(p_text);
@@ -136,7 +136,7 @@ TEST(LoadPolygonObjFile, GivesAVertexTheFirstNormalOfItsCorners) {
   });
 }
 
-TEST(LoadPolygonObjFile, ReportsBrokenLinesAndReadsThemOn) {
+TEST(LoadPolygonObjFile, ReportsBrokenLinesAndContinues) {
   Check({
       {"positions", "v\nv 1 2\nv 1 2 3 # note\n", "undecided v 0 0 0 1 2 0 1 2 3 '' ! four four four"},
       {"normals", "v 0 0 0\nvn 1\nvn 0 1 0 0\nf 1//2 1//2 1//2\n", "triangles v 0 0 0 n 0 1 0 '' 0 0 0 ! four four"},

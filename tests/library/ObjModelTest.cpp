@@ -1,7 +1,7 @@
 #include "library/ObjModel.h"
 #include "tests/support/Test.h"
 
-TEST(ObjModel, StartsUndecidedWithOneEmptyDefaultGroupAndAppendsOthers) {
+TEST(ObjModel, StartsUndecidedWithAnEmptyDefaultGroup) {
   ObjModel model;
   EXPECT_EQ(model.PrimitiveType(), 8);
   EXPECT_TRUE(model.Vertices()->empty() && model.Normals()->empty() && model.Bounds().Empty());

@@ -1,4 +1,4 @@
-// The numbers in OBJ files, as the loader's results show them.
+// Numbers in OBJ files, seen in loaded models.
 
 #include "library/ObjModel.h"
 #include "tests/support/Test.h"
@@ -20,7 +20,7 @@ std::uint64_t Bits(double p_value) {
   return bits;
 }
 
-/// Whether the text is taken; if so, its model is shown.
+/// Whether the text is a valid file; passes its model to p_show if so.
 template <class Show>
 bool Loaded(const std::string& p_text, const Show& p_show) {
   try {
@@ -33,7 +33,7 @@ bool Loaded(const std::string& p_text, const Show& p_show) {
 
 } // namespace
 
-TEST(ObjNumbers, TakesAndRefusesNumbersLikeLexicalCast) {
+TEST(ObjNumbers, AcceptsNumbersLikeLexicalCast) {
   const auto compare = [](const std::string& p_text) {
     const ReportCapture reports;
     double expected = 0.0, value = 0.0;

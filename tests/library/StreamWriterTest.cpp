@@ -17,7 +17,7 @@ using WriterOf = ContainerStreamWriter<std::vector<E>, ContainerOperations::Stat
 // The texts of reports, put together from the names that the host platform prints for the types.
 template <class S>
 std::string EmptyText() {
-  const std::string scalar = vekdebug::TypeName<S>::text();
+  const std::string scalar = vekdebug::TypeName<S>::Text();
   return "\"p_index < _count\" - const " + scalar + " &__cdecl Vek::Chart::DataInterface::Array<" + scalar +
          ",0>::operator [](const unsigned __int64) const";
 }
@@ -32,13 +32,13 @@ struct Row {
   static constexpr std::size_t Width = N;
 
   static std::string ElementName() {
-    return "class boost::array<" + vekdebug::TypeName<U>::text() + "," + std::to_string(N) + ">";
+    return "class boost::array<" + vekdebug::TypeName<U>::Text() + "," + std::to_string(N) + ">";
   }
   static std::string VectorName() {
     return "class std::vector<" + ElementName() + ",class std::allocator<" + ElementName() + " > >";
   }
   static std::string OverrunText() {
-    const std::string source = "class Vek::Chart::DataInterface::Array<" + vekdebug::TypeName<S>::text() + ",0>";
+    const std::string source = "class Vek::Chart::DataInterface::Array<" + vekdebug::TypeName<S>::Text() + ",0>";
     return "\"sourceArray.size() + p_destArrayOffset <= p_destArray.size()\" - void __cdecl "
            "Vek::Chart::Algorithms::InterpretArray<" +
            source + "," + source + " >::CopyArrayToWithOffset<" + ElementName() + "," + VectorName() + " >(const " +

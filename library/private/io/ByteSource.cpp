@@ -25,7 +25,7 @@ ByteSource::~ByteSource() {
   }
 }
 
-/// Moves what is left to the front of the window, or of a larger one, and reads on behind it.
+/// Moves the available bytes to the front of the window, or of a larger one, and reads more behind them.
 std::size_t ByteSource::Refill(std::size_t p_count) {
   if (_size < p_count) {
     std::unique_ptr<unsigned char[]> larger(new unsigned char[p_count + Slack]);

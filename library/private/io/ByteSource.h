@@ -9,10 +9,9 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// Reads bytes and lines from a stream through a window of memory, with a look ahead. At its end, reads yield less than
-/// was asked for, and never anything stale. Reads past the stream's buffer only: its state flags stay as they are, and
-/// a stream that is not good counts as empty. An exception of the stream ends it; a report on the error stream has the
-/// exception's message and the path.
+/// Reads bytes and lines from a stream through a window of memory. Reads from the stream's buffer: the stream's state
+/// flags stay as they are, and a stream that is not good counts as empty. An exception of the stream ends the source,
+/// and is reported on the error stream with its message and the path.
 class ByteSource {
 public:
   /// The stream must outlive the source, and so must the characters of the path, which reports show.
@@ -36,7 +35,7 @@ public:
   /// that is longer.
   std::size_t PrepareLines();
 
-  /// Makes at least `p_count` bytes available at Data(), and returns how many there are: fewer only at the end. The
+  /// Makes at least `p_count` bytes available at Data() and returns their number, which is smaller only at the end. The
   /// window grows to hold more than WindowSize.
   std::size_t Prepare(std::size_t p_count) { return _end - _next >= p_count ? _end - _next : Refill(p_count); }
   /// The available bytes; valid until the next Prepare, PrepareLines or GetLine. Slack bytes behind them may be read,
@@ -47,13 +46,13 @@ public:
   /// The number of bytes taken so far.
   std::uint64_t Position() const { return _passed + _next; }
 
-  /// How many bytes are left, at most `p_limit`. Reads ahead as far as necessary where the stream cannot seek.
+  /// The number of bytes left, at most `p_limit`. Reads ahead as far as necessary where the stream cannot seek.
   std::uint64_t Remaining(std::uint64_t p_limit);
-  /// How many bytes are left by the size that the file system claims; less or more may follow. Only those in the window
-  /// where the stream cannot seek.
+  /// The number of bytes left by the size that the file system claims; fewer or more may follow. Only those in the
+  /// window where the stream cannot seek.
   std::uint64_t RemainingByClaim() const;
 
-  /// Whether an exception ended the stream: what is left may be cut off anywhere.
+  /// Whether an exception ended the source, in which case its last line may be incomplete.
   bool Failed() const { return _failed; }
 
 private:
@@ -64,7 +63,7 @@ private:
   std::string_view _path;
   std::size_t _size = WindowSize;
   std::unique_ptr<unsigned char[]> _window; ///< not initialised: most of it stays untouched by a small stream
-  std::uint64_t _passed = 0; ///< bytes in front of the window
+  std::uint64_t _passed = 0;                ///< bytes in front of the window
   std::size_t _next = 0;
   std::size_t _end = 0;
   bool _ended;

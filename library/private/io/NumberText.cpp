@@ -28,13 +28,13 @@ std::string_view WithoutSign(std::string_view p_text) {
   return p_text.substr(isSigned ? 1 : 0);
 }
 
-/// What std::from_chars takes: it knows a minus sign only.
+/// std::from_chars accepts a minus sign only.
 std::string_view WithoutPlus(std::string_view p_text) {
   return p_text.substr(p_text.front() == '+' ? 1 : 0);
 }
 
-/// A decimal number beyond the range of double: one that is too large is refused, one that is too small is the nearest
-/// double. lexical_cast itself would read it in the process's locale.
+/// A decimal number beyond the range of double: too large ones throw, too small ones yield the nearest double.
+/// lexical_cast itself would use the process's locale.
 double OutOfRangeDouble(std::string_view p_text) {
   std::istringstream stream{std::string(p_text)};
   stream.imbue(std::locale::classic());
@@ -50,7 +50,7 @@ double DoubleFromText(std::string_view p_text) {
   const std::string_view magnitude = WithoutSign(p_text);
   if (magnitude.empty())
     Refuse<double>();
-  // Infinities and NaN; lexical_cast reads them without a locale.
+  // Infinities and NaN, for which lexical_cast uses no locale.
   if (!IsDigit(magnitude.front()) && magnitude.front() != '.')
     return boost::lexical_cast<double>(std::string(p_text));
 

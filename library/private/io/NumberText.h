@@ -11,25 +11,25 @@
 
 namespace Vek::Chart::Library::Private {
 
-// Numbers from text, as fast as possible where texts are short and plain. What is taken, refused and thrown is what
-// boost::lexical_cast does under the classic locale; the process's locale changes nothing.
+// Fast conversion of short, plain strings to numbers, with the results and exceptions of boost::lexical_cast under the
+// classic locale, whatever the process's locale is.
 
 /// The value of boost::lexical_cast<double>(text); throws boost::bad_lexical_cast.
 double DoubleFromText(std::string_view p_text);
 /// The value of boost::lexical_cast<int>(text); throws boost::bad_lexical_cast.
 int IntFromText(std::string_view p_text);
 
-// What `std::istream >> float` does under the classic locale, for texts without white space in front.
+// The conversion of `std::istream >> float` under the classic locale, for strings without white space in front.
 
-/// How many characters it takes from the front of the text: those that may belong to a number.
+/// The number of characters that it extracts: those at the front that may belong to a number.
 std::size_t FloatTextLength(std::string_view p_text);
-/// What it makes of the characters taken; false where it fails, with the value that it stores then: 0, or the largest
-/// float for a number beyond it.
+/// Converts the extracted characters. False where it fails, with the value that it stores then: 0, or the largest float
+/// for a number beyond it.
 bool StreamFloatFromText(std::string_view p_text, float& p_value);
 
-// The fast ways read a number at the front of a longer text, [p_first, p_last). They return the place behind it, or
-// null where the number needs the general way above; a value that they set is exactly the general one, provided that
-// the text ends there or goes on with a character that belongs to no number.
+// Fast conversions of a number at the front of a longer string, [p_first, p_last). They return the end of the number,
+// or null where it needs the general conversion above. Their values equal the general ones, provided that the number is
+// followed by the end of the string or a character that belongs to no number.
 
 namespace Scan {
 
@@ -43,15 +43,15 @@ inline bool IsBlank(char p_character) {
   return p_character == ' ' || (p_character >= '\t' && p_character <= '\r');
 }
 
-/// Appends the digits at the front to p_value, modulo 2^64, and returns the place behind them. One by one: the
-/// processor guesses their count and goes on with what follows, which gains more than to convert eight at once.
+/// Appends the digits at the front to p_value, modulo 2^64, and returns their end. One by one: the processor predicts
+/// their count and continues with the next characters, which is faster than converting eight digits at once.
 inline const char* Digits(const char* p_first, const char* p_last, std::uint64_t& p_value) {
   for (; p_first != p_last && *p_first >= '0' && *p_first <= '9'; ++p_first)
     p_value = 10 * p_value + std::uint64_t(*p_first - '0');
   return p_first;
 }
 
-/// Digits without sign that cannot overflow an int.
+/// An unsigned number of too few digits to overflow an int.
 inline const char* ShortInt(const char* p_first, const char* p_last, int& p_value) {
   std::uint64_t value = 0;
   const char* const end = Digits(p_first, p_last, value);
@@ -61,8 +61,8 @@ inline const char* ShortInt(const char* p_first, const char* p_last, int& p_valu
   return end;
 }
 
-/// A decimal number without exponent whose digits, read as an integer, a double holds exactly. Its value is then one
-/// division by a power of ten that is exact as well, so it is correctly rounded.
+/// A decimal number without exponent whose digits, as an integer, are an exact double. Its value is the quotient of
+/// that integer and an exact power of ten, hence correctly rounded.
 inline const char* ShortDouble(const char* p_first, const char* p_last, double& p_value) {
   constexpr std::uint64_t LargestExact = std::uint64_t(1) << 53;
   const bool negative = p_first != p_last && *p_first == '-';
@@ -79,7 +79,7 @@ inline const char* ShortDouble(const char* p_first, const char* p_last, double& 
   }
   if (count == 0 || count > MostDigits || digits > LargestExact)
     return nullptr;
-  // Signs come at random: looked up, they cost no mispredicted branch.
+  // Signs are random: a look-up avoids mispredicted branches.
   p_value = Signs[negative] * (static_cast<double>(static_cast<std::int64_t>(digits)) / PowersOfTen[decimals]);
   return end;
 }
@@ -92,17 +92,16 @@ inline const char* ShortFloat(const char* p_first, const char* p_last, float& p_
   const char* const end = ShortDouble(p_first, p_last, value);
   std::uint64_t bits;
   std::memcpy(&bits, &value, sizeof bits);
-  // Only a double right between two floats may have been rounded to there, and would be rounded a second time.
+  // A double half-way between two floats may be a rounded one: rounding it again could be wrong.
   if ((bits & LostBits) == Middle)
     return nullptr;
   p_value = static_cast<float>(value);
   return end;
 }
 
-/// As ShortFloat, for a number of up to seven characters and a blank behind it; reads eight characters, all at once.
-/// Where the next number begins is known early and without a guess, which is what matters when numbers of random
-/// lengths stand in a row. Seven digits and powers of ten up to there are floats, so that their quotient is correctly
-/// rounded.
+/// ShortFloat for a number of up to seven characters with a blank behind it; reads eight characters at once. The start
+/// of the next number is known early and without branch prediction, which matters for numbers of random lengths. Seven
+/// digits and powers of ten up to 1e7 are exact floats, so that their quotient is correctly rounded.
 inline const char* TinyFloat(const char* p_first, float& p_value) {
   constexpr float FloatSigns[] = {1.0f, -1.0f};
   constexpr float FloatPowersOfTen[] = {1e0f, 1e1f, 1e2f, 1e3f, 1e4f, 1e5f, 1e6f, 1e7f};

@@ -48,7 +48,7 @@ T NumberFrom(T (*p_convert)(std::string_view), std::string_view p_text, const ve
   }
 }
 
-/// Without white space at both ends, as the classic locale has it.
+/// Without white space of the classic locale at both ends.
 std::string_view Trimmed(std::string_view p_text) {
   constexpr std::string_view WhiteSpace = " \t\n\v\f\r";
   const std::size_t first = p_text.find_first_not_of(WhiteSpace);
@@ -74,8 +74,8 @@ Ogl::Vec3<float> Narrowed(const Types::Vector3_Base<double>& p_vector) {
   return {static_cast<float>(p_vector.x), static_cast<float>(p_vector.y), static_cast<float>(p_vector.z)};
 }
 
-// Scanners for plain lines. Every line ends in a line feed, which no number contains, so the place behind a number can
-// always be looked at.
+// Scanners for plain lines. Every line ends in a line feed, which no number contains, so the character behind a number
+// can always be read.
 
 /// The rest of a line that has all the parts it needs.
 struct LineRest {

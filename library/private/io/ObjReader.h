@@ -48,8 +48,8 @@ private:
   struct Keyword;
   static const Keyword Keywords[];
 
-  // Plain lines, the bulk of any file, in one pass. Each returns the start of the next line, or null when the line must
-  // be read in the general way; then it has done nothing yet.
+  // One pass over plain lines, the bulk of any file. Each returns the start of the next line, or null, without any
+  // effect, when the line must be read in the general way.
   const char* ReadPlainLine(const char* p_first, const char* p_last);
   const char* ReadPlainVector(const char* p_line, const char* p_last);
   const char* ReadPlainTriangle(const char* p_line, const char* p_last);
@@ -86,9 +86,8 @@ private:
   std::vector<bool> _hasNormal; // a bit for each element of _result.normals
 
   std::vector<std::uint32_t> _indices; // of the current group, the last one
-  // The group's k-th normal index belongs to its k-th vertex index. As long as both exist when they are read, the
-  // vertex takes its normal at once; from the first pair on that is not so, normal indices wait for the end of the
-  // group.
+  // The group's k-th normal index belongs to its k-th vertex index. A vertex takes its normal at once as long as both
+  // exist. From the first pair of which one does not, normal indices wait for the end of the group.
   std::size_t _settledCorners = 0;
   std::vector<std::uint32_t> _pendingNormals;
 };

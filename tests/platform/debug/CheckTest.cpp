@@ -1,4 +1,4 @@
-#include "platform/debug/TypeName.h"
+#include "platform/debug/ContainerTypeName.h"
 #include "tests/support/Test.h"
 
 namespace {
@@ -27,7 +27,7 @@ TEST(Check, PassesWithoutBuildingItsMessage) {
   EXPECT_TRUE(reports.Entries().empty());
 }
 
-TEST(Check, ReportsTheExpressionAndTheSignature) {
+TEST(Check, ReportsExpressionAndSignature) {
   const ReportCapture reports;
   int built = 0;
   const double size = std::nan("");
@@ -81,9 +81,11 @@ TEST(Check, KeepsAMessageWhileItsSinkReports) {
   EXPECT_EQ(sink->texts, (Texts{"\"inner\" - F", "\"outer\" - F"}));
 }
 
-TEST(TypeName, WritesTypesAsTheHostPlatformDoes) {
-  EXPECT_EQ(vekdebug::TypeName<std::size_t>::text(), "unsigned __int64");
-  EXPECT_EQ(vekdebug::TypeName<unsigned long long>::text(), "unsigned __int64");
-  EXPECT_EQ(vekdebug::TypeName<std::int64_t>::text(), "__int64");
-  EXPECT_EQ(vekdebug::TypeName<unsigned short>::text(), "unsigned short");
+TEST(TypeName, WritesTypesAsTheHostPlatform) {
+  EXPECT_EQ(vekdebug::TypeName<std::size_t>::Text(), "unsigned __int64");
+  EXPECT_EQ(vekdebug::TypeName<unsigned long long>::Text(), "unsigned __int64");
+  EXPECT_EQ(vekdebug::TypeName<std::int64_t>::Text(), "__int64");
+  EXPECT_EQ((vekdebug::TypeName<std::vector<boost::array<float, 2>>>::Text()),
+            "class std::vector<class boost::array<float,2>,class std::allocator<class boost::array<float,2> > >");
+  EXPECT_EQ(vekdebug::TypeName<std::vector<double>>::Text(), "class std::vector<double,class std::allocator<double> >");
 }

@@ -22,7 +22,7 @@ public:
 
 } // namespace
 
-TEST(Logger, ChecksReportOnlyWhatFails) {
+TEST(Logger, ChecksReportFailuresOnly) {
   const ReportCapture reports;
   logger& log = Vek::Chart::Utility::GetLogger();
   log.ensure(true, "held");
@@ -52,12 +52,12 @@ TEST(Logger, EveryFullLineIsOneReport) {
   EXPECT_EQ(reports.Entries().back().kind, severity::error);
 }
 
-TEST(Logger, AClosedChannelDropsWhatIsWritten) {
+TEST(Logger, ClosedChannelsDropTheirOutput) {
   const ReportCapture reports;
   int active = 0;
   const auto write = [&active](vekdebug::dbgostream& p_stream) {
     p_stream << 5 << "text" << std::endl;
-    active += p_stream.active(); // what is costly to format asks first
+    active += p_stream.active();
   };
   write(logger::instance().dout("LoggerTest"));
   const OpenChannel open("LoggerTest");
@@ -71,7 +71,7 @@ TEST(Logger, AClosedChannelDropsWhatIsWritten) {
   EXPECT_EQ(reports.Entries()[0].channel, "LoggerTest");
 }
 
-TEST(Logger, WhatASinkThrowsReachesTheCallerAndTheStreamsWorkAgain) {
+TEST(Logger, ExceptionsOfASinkReachTheCallerAndTheStreamsWorkAgain) {
   const OpenChannel open("LoggerTest");
   logger& log = logger::instance();
   const ReportCapture reports;
