@@ -35,7 +35,7 @@ ColorAtlas Tree(unsigned int p_count, unsigned int p_children) {
   return atlas;
 }
 
-void Atlas_Texels(benchmark::State& p_state) {
+void AtlasTexels(benchmark::State& p_state) {
   for (auto _ : p_state) {
     QImage image(4096, static_cast<int>(p_state.range(0) / 4096 + 1), QImage::Format_ARGB32);
     image.fill(Qt::red);
@@ -43,27 +43,27 @@ void Atlas_Texels(benchmark::State& p_state) {
   }
   p_state.SetItemsProcessed(p_state.iterations() * p_state.range(0));
 }
-BENCHMARK(Atlas_Texels)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(AtlasTexels)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
-void Atlas_AddColors(benchmark::State& p_state) {
+void AtlasAddColors(benchmark::State& p_state) {
   for (auto _ : p_state)
     benchmark::DoNotOptimize(Tree(static_cast<unsigned int>(p_state.range(0)), 4).RootAtlasId());
   p_state.SetItemsProcessed(p_state.iterations() * p_state.range(0));
 }
-BENCHMARK(Atlas_AddColors)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(AtlasAddColors)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
 /// Arguments: colours, children of each.
-void Atlas_Build(benchmark::State& p_state) {
+void AtlasBuild(benchmark::State& p_state) {
   Gl gl;
   ColorAtlas atlas = Tree(static_cast<unsigned int>(p_state.range(0)), static_cast<unsigned int>(p_state.range(1)));
   for (auto _ : p_state)
     atlas.BuildAtlas(gl.scope);
   p_state.SetItemsProcessed(p_state.iterations() * p_state.range(0));
 }
-BENCHMARK(Atlas_Build)->ArgsProduct({{100000, 1000000}, {0, 1, 4}})->Unit(benchmark::kMillisecond);
+BENCHMARK(AtlasBuild)->ArgsProduct({{100000, 1000000}, {0, 1, 4}})->Unit(benchmark::kMillisecond);
 
 /// 10,000 instances of a sub-tree of 100 colours, each with five colours replaced.
-void Atlas_BuildInstances(benchmark::State& p_state) {
+void AtlasBuildInstances(benchmark::State& p_state) {
   constexpr unsigned int Colors = 100;
   Gl gl;
   for (auto _ : p_state) {
@@ -77,6 +77,6 @@ void Atlas_BuildInstances(benchmark::State& p_state) {
   }
   p_state.SetItemsProcessed(p_state.iterations() * Colors * 10001);
 }
-BENCHMARK(Atlas_BuildInstances)->Unit(benchmark::kMillisecond);
+BENCHMARK(AtlasBuildInstances)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -52,11 +52,11 @@ const std::vector<T>& Values(Data p_data, Spread p_spread) {
 
 /// One buffer for all, touched before anything is timed.
 unsigned char* Target() {
-  static const std::unique_ptr<unsigned char, decltype(&std::free)> buffer(
+  static const std::unique_ptr<unsigned char, decltype(&std::free)> Buffer(
       static_cast<unsigned char*>(std::aligned_alloc(64, 4 * Count)), &std::free);
-  static const void* const touched = std::memset(buffer.get(), 1, 4 * Count);
-  benchmark::DoNotOptimize(touched);
-  return buffer.get();
+  static const void* const Touched = std::memset(Buffer.get(), 1, 4 * Count);
+  benchmark::DoNotOptimize(Touched);
+  return Buffer.get();
 }
 
 /// The best of several runs tells what the code costs; the others, what else the machine did.
@@ -114,7 +114,7 @@ void MapDoublesByVtk(benchmark::State& p_state, Data p_data, Spread p_spread) {
   MapByVtk<double>(p_state, p_data, p_spread);
 }
 #else
-const bool told =
+const bool Told =
     (benchmark::AddCustomContext("vtkLookupTable", "VTK is not installed: nothing to compare with"), true);
 #endif
 

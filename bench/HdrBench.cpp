@@ -98,7 +98,7 @@ std::string MakePicture(bool p_separated) {
 
 /// A generated file; written once, it stays in the folder for temporary files.
 const std::string& PicturePath(bool p_separated) {
-  static const auto write = [](bool p_runs) {
+  static const auto Write = [](bool p_runs) {
     const std::string name =
         (std::filesystem::temp_directory_path() / (p_runs ? "vek-bench-runs-1.hdr" : "vek-bench-flat-1.hdr")).string();
     if (!std::filesystem::exists(name)) {
@@ -107,9 +107,9 @@ const std::string& PicturePath(bool p_separated) {
     }
     return name;
   };
-  static const std::string runs = write(true);
-  static const std::string flat = write(false);
-  return p_separated ? runs : flat;
+  static const std::string Runs = Write(true);
+  static const std::string Flat = Write(false);
+  return p_separated ? Runs : Flat;
 }
 
 void CountPixels(benchmark::State& p_state) {
@@ -118,15 +118,15 @@ void CountPixels(benchmark::State& p_state) {
 
 /// Writes one byte out of `p_step`.
 void ReadAndWrite(benchmark::State& p_state, std::size_t p_step) {
-  constexpr std::size_t hugePage = std::size_t(1) << 21;
+  constexpr std::size_t HugePage = std::size_t(1) << 21;
   const std::string& path = PicturePath(p_state.range(0) != 0);
   std::vector<char> window(std::size_t(1) << 20);
   for (auto _ : p_state) {
     std::ifstream file(path, std::ios::binary);
     while (file.read(window.data(), std::streamsize(window.size())) || file.gcount() > 0)
       benchmark::DoNotOptimize(window.data());
-    const std::size_t size = (ResultBytes + hugePage - 1) / hugePage * hugePage;
-    const std::unique_ptr<char, decltype(&std::free)> result(static_cast<char*>(std::aligned_alloc(hugePage, size)),
+    const std::size_t size = (ResultBytes + HugePage - 1) / HugePage * HugePage;
+    const std::unique_ptr<char, decltype(&std::free)> result(static_cast<char*>(std::aligned_alloc(HugePage, size)),
                                                              &std::free);
 #ifdef __linux__
     madvise(result.get(), size, MADV_HUGEPAGE);

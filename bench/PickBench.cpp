@@ -66,15 +66,15 @@ void Picks(benchmark::State& p_state) {
     gl->ReadPixels(position.x, position.y, 1, 1, RGL_RGBA, RGL_UNSIGNED_BYTE, bytes.data());
     benchmark::DoNotOptimize(bytes);
   };
-  int target_name = 0;
+  int targetName = 0;
   {
     const auto bound = target.BindForRead(gl);
-    gl->GetIntegerv(RGL_READ_FRAMEBUFFER_BINDING, &target_name);
+    gl->GetIntegerv(RGL_READ_FRAMEBUFFER_BINDING, &targetName);
   }
-  const auto bound_read = [&] {
+  const auto boundRead = [&] {
     int before = 0;
     gl->GetIntegerv(RGL_DRAW_FRAMEBUFFER_BINDING, &before);
-    gl->BindFramebuffer(RGL_FRAMEBUFFER, static_cast<unsigned int>(target_name));
+    gl->BindFramebuffer(RGL_FRAMEBUFFER, static_cast<unsigned int>(targetName));
     read();
     gl->BindFramebuffer(RGL_FRAMEBUFFER, static_cast<unsigned int>(before));
   };
@@ -83,7 +83,7 @@ void Picks(benchmark::State& p_state) {
     int before = 0;
     gl->GetIntegerv(RGL_DRAW_FRAMEBUFFER_BINDING, &before);
     gl->GetIntegerv(RGL_READ_FRAMEBUFFER_BINDING, &before);
-    gl->BindFramebuffer(RGL_FRAMEBUFFER, static_cast<unsigned int>(target_name));
+    gl->BindFramebuffer(RGL_FRAMEBUFFER, static_cast<unsigned int>(targetName));
     gl->Viewport(0, 0, Size.width, Size.height);
     gl->Disable(RGL_FRAMEBUFFER_SRGB);
     for (const Ogl::GlEnum name : {RGL_PIXEL_PACK_BUFFER_BINDING, RGL_PACK_SKIP_ROWS, RGL_PACK_SKIP_PIXELS}) {
@@ -113,21 +113,21 @@ void Picks(benchmark::State& p_state) {
   };
 
   std::vector<double> reads;
-  std::vector<double> bound_reads;
-  std::vector<double> all_calls;
+  std::vector<double> boundReads;
+  std::vector<double> allCalls;
   std::vector<double> picks;
   for (auto _ : p_state) {
     reads.push_back(SecondsOf(read));
-    bound_reads.push_back(SecondsOf(bound_read));
-    all_calls.push_back(SecondsOf(calls));
+    boundReads.push_back(SecondsOf(boundRead));
+    allCalls.push_back(SecondsOf(calls));
     picks.push_back(SecondsOf(pick));
     p_state.SetIterationTime(picks.back());
   }
   if (misses != 0)
     p_state.SkipWithError("a pick missed");
   p_state.counters["pick/read"] = Median(picks) / Median(reads);
-  p_state.counters["pick/bound_read"] = Median(picks) / Median(bound_reads);
-  p_state.counters["pick/calls"] = Median(picks) / Median(all_calls);
+  p_state.counters["pick/bound_read"] = Median(picks) / Median(boundReads);
+  p_state.counters["pick/calls"] = Median(picks) / Median(allCalls);
   p_state.counters["renders"] = renders;
 }
 BENCHMARK(Picks)->UseManualTime()->Iterations(4000);

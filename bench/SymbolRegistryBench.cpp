@@ -22,8 +22,8 @@ namespace {
 const std::string Folder = std::string(VEK_SOURCE_DIR) + "/symbols";
 
 Ogl::OffscreenContext& Context() {
-  static auto* const context = new Ogl::OffscreenContext({64, 64});
-  return *context;
+  static auto* const Context = new Ogl::OffscreenContext({64, 64});
+  return *Context;
 }
 
 void Registration(benchmark::State& p_state) {
@@ -77,13 +77,13 @@ void UploadingTheArrays(benchmark::State& p_state) {
     }
   }
   for (auto _ : p_state) {
-    std::vector<Ogl::Buffer<ModelCache::VertexRecord>> vertex_buffers;
-    std::vector<Ogl::Buffer<ModelCache::IndexRecord>> index_buffers;
+    std::vector<Ogl::Buffer<ModelCache::VertexRecord>> vertexBuffers;
+    std::vector<Ogl::Buffer<ModelCache::IndexRecord>> indexBuffers;
     for (std::size_t id = 0; id < vertices.size(); ++id) {
-      vertex_buffers.push_back(Upload(gl->GetBufferPool(), vertices[id]));
-      index_buffers.push_back(Upload(gl->GetBufferPool(), indices[id]));
+      vertexBuffers.push_back(Upload(gl->GetBufferPool(), vertices[id]));
+      indexBuffers.push_back(Upload(gl->GetBufferPool(), indices[id]));
     }
-    benchmark::DoNotOptimize(vertex_buffers.data());
+    benchmark::DoNotOptimize(vertexBuffers.data());
   }
 }
 BENCHMARK(UploadingTheArrays)->Unit(benchmark::kMicrosecond);

@@ -56,8 +56,8 @@ struct Layer {
 };
 
 const Layer& Arrows() {
-  static const Layer layer;
-  return layer;
+  static const Layer Filled;
+  return Filled;
 }
 
 VectorSymbol::Instances FirstArrows(std::size_t p_count) {
@@ -67,8 +67,8 @@ VectorSymbol::Instances FirstArrows(std::size_t p_count) {
 }
 
 const VectorSymbol& Arrow() {
-  static const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 8);
-  return arrow;
+  static const VectorSymbol Symbol(Model::Symbol::ShapeArrow3D, 8);
+  return Symbol;
 }
 
 std::size_t BytesPerGlyph(const VectorSymbol& p_symbol) {
