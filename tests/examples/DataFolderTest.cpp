@@ -6,22 +6,15 @@ using namespace Vek::Chart::Gallery;
 
 namespace {
 
-/// An empty folder of the test's own that goes with it.
-class Prefix {
-public:
-  Prefix() {
-    std::string name = (fs::temp_directory_path() / "vek-data-XXXXXX").string();
-    if (mkdtemp(name.data()) != nullptr)
-      path = fs::canonical(name);
-  }
-  ~Prefix() { fs::remove_all(path); }
-  /// A data folder at a place below it; without the part that is named.
+struct Prefix {
+  /// Makes a data folder at a path below the prefix, without the named part.
   void Fill(const std::string& p_place, const std::string& p_without = "") const {
     for (const std::string part : {"data", "symbols", "sprites"})
       if (part != p_without)
         fs::create_directories(path / p_place / part);
   }
-  fs::path path;
+  TempFolder folder;
+  fs::path path = fs::canonical(folder.Path());
 };
 
 } // namespace

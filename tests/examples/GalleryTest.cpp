@@ -13,28 +13,6 @@ using namespace Vek::Chart::Gallery;
 
 namespace {
 
-/// A folder of the test's own that goes with it.
-class TemporaryFolder {
-public:
-  TemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "vek-gallery-XXXXXX").string();
-    if (mkdtemp(name.data()) != nullptr)
-      _path = name;
-  }
-  ~TemporaryFolder() {
-    if (!_path.empty())
-      fs::remove_all(_path);
-  }
-  std::string File(const std::string& p_name) const { return (_path / p_name).string(); }
-  std::string Write(const std::string& p_name, const std::string& p_text) const {
-    std::ofstream(File(p_name)) << p_text;
-    return File(p_name);
-  }
-
-private:
-  fs::path _path;
-};
-
 struct Outcome {
   int status = -1;
   std::string out;
@@ -47,7 +25,7 @@ std::string Contents(const std::string& p_path) {
 }
 
 /// Runs the gallery program and waits for its end.
-Outcome RunGallery(const TemporaryFolder& p_folder, const std::string& p_arguments) {
+Outcome RunGallery(const TempFolder& p_folder, const std::string& p_arguments) {
   const std::string out = p_folder.File("stdout.txt");
   const std::string err = p_folder.File("stderr.txt");
   const int result = std::system((VEK_GALLERY " " + p_arguments + " >'" + out + "' 2>'" + err + "'").c_str());
@@ -122,7 +100,7 @@ TEST(WindPixels, ArrowsPointWhereTheWindGoes) {
     const char* wind;
     int right, up;
   } cases[] = {{"east", "10,0", 1, 0}, {"west", "-10,0", -1, 0}, {"north", "0,10", 0, 1}, {"south", "0,-10", 0, -1}};
-  const TemporaryFolder folder;
+  const TempFolder folder;
   for (const auto& row : cases) {
     std::string table = "lon,lat,u,v\n";
     for (const char* place : {"0,0", "5,0", "10,0", "0,5", "5,5", "10,5", "0,10", "5,10", "10,10"})
@@ -148,7 +126,7 @@ TEST(WindPixels, ArrowsPointWhereTheWindGoes) {
 }
 
 TEST(WindPixels, NarrowStripsAndPolarWindsAreDrawn) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   for (const char* rows :
        {"0,-80,5,0\n0,80,5,0\n0.001,-80,5,0\n0.001,80,5,0\n", "0,89.9,0,0\n0,90,0,0\n1,89.9,0,0\n1,90,0,0\n"}) {
     Inputs inputs = DataInputs();
@@ -329,7 +307,7 @@ TEST(FlowPixels, TubesRunWhereTheFlowRuns) {
   std::string table = "# dims 4 4 5 origin 0 0 0 spacing 1 1 1\nu,v,w\n";
   for (int node = 0; node < 80; ++node)
     table += node < 48 ? "2,0,0\n" : "0,0,0\n";
-  const TemporaryFolder folder;
+  const TempFolder folder;
   Inputs inputs = DataInputs();
   inputs.flow = folder.Write("flow.csv", table);
   const Shot shot = Shoot("flow", {960, 600}, inputs);
@@ -353,7 +331,7 @@ TEST(FlowPixels, TubesRunWhereTheFlowRuns) {
 }
 
 TEST(GalleryPixels, TheProgramWritesPicturesAndTheirPage) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const Outcome outcome = RunGallery(folder, "--only wind --size 160x100 --out '" + folder.File("new/folder") + "'");
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(outcome.err, "");
@@ -365,7 +343,7 @@ TEST(GalleryPixels, TheProgramWritesPicturesAndTheirPage) {
 }
 
 TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string badWind = folder.Write("bad.csv", "lon,lat,u,v\n0,0,1,1\n1,x,1,1\n");
   const std::string quad = folder.Write("quad.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\n");
   const std::string beyond = folder.Write("beyond.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nf 1 2 4\nf 0 1 2\n");

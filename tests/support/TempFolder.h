@@ -26,11 +26,12 @@ public:
   TempFolder& operator=(const TempFolder&) = delete;
 
   const std::filesystem::path& Path() const { return _path; }
+  /// The path of a file in the folder, whether it exists or not.
+  std::string File(const std::string& p_name) const { return (_path / p_name).string(); }
   /// Writes a file with these bytes and returns its path.
   std::string Write(const std::string& p_name, const std::string& p_bytes) const {
-    const std::filesystem::path path = _path / p_name;
-    std::ofstream(path, std::ios::binary) << p_bytes;
-    return path.string();
+    std::ofstream(File(p_name), std::ios::binary) << p_bytes;
+    return File(p_name);
   }
 
 private:
