@@ -18,15 +18,11 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 
-# What programs built against the libraries depend on, and the trigger that refreshes the loader's cache. CPack's own shlibs
-# come with maintainer scripts that do the same a second time.
 set(runtime libvek-chart-library${PROJECT_VERSION_MAJOR})
-set(control ${PROJECT_BINARY_DIR}/debian)
-file(WRITE ${control}/triggers "activate-noawait ldconfig\n")
-file(WRITE ${control}/shlibs "libvek-platform ${PROJECT_VERSION_MAJOR} ${runtime} (= ${debian_version})\n"
-  "libvek-chart-library ${PROJECT_VERSION_MAJOR} ${runtime} (= ${debian_version})\n")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${control}/triggers ${control}/shlibs)
+file(WRITE ${PROJECT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/triggers)
 
 # Debian's changelog, which each package has; the project's own is CHANGELOG.md.
 set(changelog ${PROJECT_BINARY_DIR}/changelog)

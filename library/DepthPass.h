@@ -28,6 +28,7 @@ namespace Vek::Chart::Library {
 /// \ingroup picking
 class VEK_LIBRARY_API DepthPass {
 public:
+  /// Saves the host's state, and prepares the current frame buffer.
   explicit DepthPass(Utility::Scoped<Rgl>& p_gl);
   ~DepthPass();
   DepthPass(const DepthPass&) = delete;

@@ -16,6 +16,8 @@ class Rgl;
 
 /// Geometry in CPU memory: positions, normals, texture coordinates and indices, each an array with shared ownership,
 /// and the primitive type of the indices, or of the vertices if there are no indices.
+///
+/// \ingroup host
 class VEK_PLATFORM_API VertexData {
 public:
   /// The type of a scalar, with the value of the GL enumerant.
