@@ -378,7 +378,7 @@ TEST(GalleryPixels, WrongArgumentsAndFilesEndInOneClearLine) {
       {"model of words", "--only symbols --model " + words + out, 1,
        "vek-gallery: " + words +
            ": cannot be read as an OBJ model: bad lexical cast: source type value could not be interpreted as "
-           "target\n"},
+           "target (line 1, found \"one\", expected a number)\n"},
       {"bad earthquake", "--only earthquakes --quakes " + badWind + out, 1,
        "vek-gallery: " + badWind + ":1: expected a column named \"depth_km\", got \"lon,lat,u,v\"\n"},
       {"flow without sizes", "--only flow --flow " + badWind + out, 1,
