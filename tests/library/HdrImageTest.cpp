@@ -200,7 +200,7 @@ TEST(HdrImage, RefusedSizesLeaveAnEmptyImage) {
     Check("hostile", Image(size[0], size[1], ""), "0x0 length_error");
   // Four bytes are enough for a scanline, but not for one of gigabytes.
   Check("long row", Image(2000000000, 1, A), "0x0 length_error");
-  Check("runs", Image(1 << 27, 1, A + Repeat(Old(255), 4)), "0x0 length_error");
+  Check("runs", Image(1 << 27, 1, A + Repeat(Old(255), 1000)), "0x0 length_error");
   refusedSize = 100000000;
   Check("no memory", Image(8000, 8000, A), "0x0 bad_alloc");
   refusedSize = std::numeric_limits<std::size_t>::max();
@@ -243,7 +243,7 @@ TEST(HdrImage, ReadsFlatScanlines) {
   Check("other orientation", "#?RADIANCE\n\n+Y 2 +X 3\n" + Repeat(A, 3) + Repeat(B, 3), "3x2 B3 A3", {Orientation});
   Check("swapped axes", "#?RADIANCE\n\n+X 1 -Y 2\n" + A + B, "2x1 A B", {Orientation});
   Check("width 7 is flat", Image(7, 1, Bytes({2, 2, 0, 7}) + Repeat(A, 6)), "7x1 E A6");
-  Check("run", Image(4, 1, A + Old(2) + B), "4x1 A3 B");
+  Check("run", Image(4, 1, A + B + Old(1) + C), "4x1 A B2 C");
   Check("run as the last record", Image(3, 1, A + Old(2)), "3x1 A3");
   Check("run of nothing", Image(2, 1, A + Old(0) + B), "2x1 A B");
   Check("chained run", Image(260, 1, A + Old(3) + Old(1)), "260x1 A260");
@@ -269,7 +269,7 @@ TEST(HdrImage, ReadsSeparatedComponents) {
   Check("rows", Image(8, 2, Start8 + A8 + Repeat(C, 8)), "8x2 C8 A8");
   Check("the widest", Image(32767, 1, Bytes({2, 2, 127, 255}) + wide(128) + wide(64) + wide(32) + wide(129)),
         "32767x1 A32767");
-  Check("too wide", Image(32768, 1, Bytes({2, 2, 128, 0}) + Repeat(A, 32767)), "32768x1 . A32767");
+  Check("too wide", Image(32768, 1, Bytes({2, 2, 0, 7}) + Repeat(A, 32767)), "32768x1 E A32767");
   Check("highest bit of the width", Image(8, 1, Bytes({2, 2, 128, 136}) + Repeat(A, 7)), "8x1 D A7");
   Check("another width", Image(8, 1, Bytes({2, 2, 0, 9}) + A8), "8x1 A8", {OtherWidth});
   Check("run over the end", Image(8, 1, Start8 + Same(9, 1)), "8x1 .8 out_of_range");

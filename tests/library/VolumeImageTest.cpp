@@ -225,6 +225,7 @@ TEST(VolumeImage, LoadsTextArrays) {
   Check("TextArray 2 1 1 1 -2e10 -3e10", "2x1x1 255 255");
   // Numbers that cannot be read end the reading.
   Check("TextArray 3 1 1 1 1 1e39 1", "3x1x1 0 254 0", {Failed, Failed});
+  Check("TextArray 2 1 1 1 -1e39", "2x1x1 0 0", {Failed, Failed});
   Check("TextArray 2 1 1 1 1e-60 1", "2x1x1 0 255");
   Check("TextArray 4 1 1 1 1 x 1 1", "4x1x1 255 0 0 0", {Failed, Failed, Failed});
   Check("TextArray 2 1 1 1 1 inf", "2x1x1 255 0", {Failed});
@@ -318,12 +319,15 @@ TEST(VolumeImage, DoesNotCareForTheProcessLocale) {
 
 namespace {
 
-/// The bytes of these numbers, the largest of which is the first.
-Voxels Scaled(const std::vector<std::string>& p_numbers) {
-  Voxels voxels;
-  const float scale = static_cast<float>(1.0 / double(std::strtof(p_numbers.front().c_str(), nullptr)));
+/// The bytes of these positive numbers.
+Voxels Scaled(const Texts& p_numbers) {
+  std::vector<float> values;
   for (const std::string& number : p_numbers)
-    voxels.push_back(static_cast<unsigned char>(double(std::strtof(number.c_str(), nullptr) * scale) * 255.0));
+    values.push_back(std::strtof(number.c_str(), nullptr));
+  const float scale = static_cast<float>(1.0 / double(*std::max_element(values.begin(), values.end())));
+  Voxels voxels;
+  for (const float value : values)
+    voxels.push_back(static_cast<unsigned char>(double(value * scale) * 255.0));
   return voxels;
 }
 
@@ -341,8 +345,8 @@ TEST(VolumeImage, NumbersRoundLikeAStream) {
   for (int i = 0; i < 2000; ++i) {
     const float step = static_cast<float>(1 + random() % 254) / 255.0f;
     const double between = (double(step) + double(std::nextafterf(step, 0.0f))) / 2;
-    const std::vector<std::string> numbers{"1", Formatted("%.*f", 7 + int(random() % 13), double(step)),
-                                           Formatted("%.*f", 7 + int(random() % 13), between)};
+    const Texts numbers{"1", Formatted("%.*f", 7 + int(random() % 13), double(step)),
+                        Formatted("%.*f", 7 + int(random() % 13), between)};
     std::istringstream stream("TextArray 3 1 1 1 1 " + numbers[1] + " " + numbers[2]);
     const auto volume = VolumeImage::LoadFromStream(stream, VolumeImage::TextArray);
     ASSERT_EQ(volume->Bytes(), Scaled(numbers)) << stream.str();
@@ -352,12 +356,12 @@ TEST(VolumeImage, NumbersRoundLikeAStream) {
 TEST(VolumeImage, WindowsDoNotShow) {
   // Numbers of all lengths lie across the ends of the windows that a large file is read in.
   std::mt19937 random(1);
-  std::vector<std::string> numbers{"4000"};
-  std::string text = "TextArray 80000 1 1 1 4000";
-  while (numbers.size() < 79999) {
+  Texts numbers;
+  std::string text = "TextArray 80000 1 1 1";
+  while (numbers.size() < 79999) { // the maximum grows all along
+    const double value = static_cast<double>(numbers.size() / 100) + random() % 4000000 / 1000.0;
     const int digits = static_cast<int>(random() % 30);
-    numbers.push_back(std::string(random() % 3, '0') +
-                      Formatted(random() % 2 == 0 ? "%.*f" : "%.*e", digits, random() % 4000000 / 1000.0));
+    numbers.push_back(std::string(random() % 3, '0') + Formatted(random() % 2 == 0 ? "%.*f" : "%.*e", digits, value));
     text += std::string(1 + random() % 40, random() % 9 == 0 ? '\n' : ' ') + numbers.back();
   }
   numbers.push_back(std::string(3000000, '0') + "5");

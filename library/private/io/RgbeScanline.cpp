@@ -175,8 +175,7 @@ std::size_t RgbeScanline::TakeRunCount(ByteSource& p_source) const {
 
 bool RgbeScanline::DecodePixelRun(ByteSource& p_source, float* p_pixels) {
   static constexpr float Black[3] = {0, 0, 0};
-  const float* pixel = Black; // the last one that was no repetition
-  bool previous = false;
+  const float* previous = nullptr; // the last pixel that is no repetition
   for (std::size_t position = 0; position < _width;) {
     const std::size_t available = p_source.Prepare(4) / 4;
     if (available == 0) {
@@ -187,16 +186,14 @@ bool RgbeScanline::DecodePixelRun(ByteSource& p_source, float* p_pixels) {
       ConvertRecords(p_source.Data(), plain, p_pixels + 3 * position);
       p_source.Take(4 * plain);
       position += plain;
-      pixel = p_pixels + 3 * (position - 1);
-      previous = true;
+      previous = p_pixels + 3 * (position - 1);
       continue;
     }
-    VEK_ENSURE_AT(previous, "previous", Signature::DecodePixelRun, _where);
+    VEK_ENSURE_AT(previous != nullptr, "previous", Signature::DecodePixelRun, _where);
     const std::size_t count = TakeRunCount(p_source);
     CheckRoom(position, count);
-    FillPixels(p_pixels + 3 * position, count, pixel);
+    FillPixels(p_pixels + 3 * position, count, previous != nullptr ? previous : Black);
     position += count;
-    previous = false;
   }
   return true;
 }
