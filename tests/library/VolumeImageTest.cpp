@@ -1,29 +1,11 @@
 // Volumes, and TextArray files, whose outcomes are compared as strings.
 
 #include "library/VolumeImage.h"
+#include "tests/support/RefuseMemory.h"
 #include "tests/support/Test.h"
 
 #include <cstdio>
 #include <locale>
-#include <new>
-
-namespace {
-
-std::size_t refusedSize = std::numeric_limits<std::size_t>::max(); // allocations of so many bytes fail
-
-} // namespace
-
-void* operator new(std::size_t p_size) {
-  if (void* const memory = p_size < refusedSize ? std::malloc(p_size != 0 ? p_size : 1) : nullptr)
-    return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* p_memory) noexcept {
-  std::free(p_memory);
-}
-void operator delete(void* p_memory, std::size_t) noexcept {
-  std::free(p_memory);
-}
 
 namespace {
 
@@ -73,35 +55,33 @@ void Check(const std::string& p_text, const std::string& p_volume, const Texts& 
 
 } // namespace
 
+namespace {
+
+/// "2x3x4 4 6 24, 96 bytes, 1/3 4/3 0/1": extents, voxel size, slice, count, bytes, and value and state of channels,
+/// precision and format.
+std::string Layout(const VolumeImage& p_image) {
+  const VolumeImageData& data = p_image.Data();
+  std::ostringstream text;
+  text << p_image.Height() << 'x' << p_image.Width() << 'x' << p_image.Depth() << ' ' << data._voxelSizeBytes << ' '
+       << data._slice << ' ' << data._count << ", " << p_image.Bytes().size() << " bytes, ";
+  text << p_image.Channels().Value() << '/' << p_image.Channels().State() << ' ' << p_image.Precision().Value() << '/'
+       << p_image.Precision().State() << ' ' << p_image.Format().Value() << '/' << p_image.Format().State();
+  EXPECT_EQ(p_image.Valid(), !p_image.Bytes().empty());
+  return text.str();
+}
+
+} // namespace
+
 TEST(VolumeImage, FormatsDecideTheLayout) {
-  const struct {
-    VolumeImage::VoxelFormat format;
-    int channels;
-    int precision;
-    std::size_t voxelBytes;
-  } rows[] = {{VolumeImage::Float1, 1, 4, 4},
-              {VolumeImage::Byte1, 1, 0, 1},
-              {VolumeImage::Float4, 4, 4, 16},
-              {VolumeImage::Byte4, 4, 0, 4}};
-  for (const auto& row : rows) {
-    const ReportCapture reports;
-    const VolumeImage image(row.format, 2, 3, 4);
-    EXPECT_EQ(image.Bytes(), Voxels(24 * row.voxelBytes)) << row.format;
-    EXPECT_EQ(image.Data()._voxelSizeBytes, row.voxelBytes);
-    EXPECT_EQ(image.Data()._slice, 6u);
-    EXPECT_EQ(image.Data()._count, 24u);
-    EXPECT_EQ(image.Channels().Value(), row.channels);
-    EXPECT_EQ(image.Precision().Value(), row.precision);
-    EXPECT_EQ(image.Channels().State(), 3u);
-    EXPECT_EQ(image.Precision().State(), 3u);
-    EXPECT_EQ(image.Format().Value(), 0);
-    EXPECT_EQ(image.Format().State(), 1u);
-    EXPECT_EQ(image.Height(), 2);
-    EXPECT_EQ(image.Width(), 3);
-    EXPECT_EQ(image.Depth(), 4);
-    EXPECT_TRUE(image.Valid());
-    EXPECT_EQ(reports.Texts(), Texts{});
-  }
+  const ReportCapture reports;
+  EXPECT_EQ(Layout(VolumeImage()), "0x0x0 0 0 0, 0 bytes, 0/1 0/1 0/1");
+  EXPECT_EQ(Layout({VolumeImage::Float1, 2, 3, 4}), "2x3x4 4 6 24, 96 bytes, 1/3 4/3 0/1");
+  EXPECT_EQ(Layout({VolumeImage::Byte1, 2, 3, 4}), "2x3x4 1 6 24, 24 bytes, 1/3 0/3 0/1");
+  EXPECT_EQ(Layout({VolumeImage::Float4, 2, 3, 4}), "2x3x4 16 6 24, 384 bytes, 4/3 4/3 0/1");
+  EXPECT_EQ(Layout({VolumeImage::Byte4, 2, 3, 4}), "2x3x4 4 6 24, 96 bytes, 4/3 0/3 0/1");
+  EXPECT_EQ(Layout({VolumeImage::Byte4, std::uint64_t{1} << 40, 0, std::uint64_t{1} << 40}).find("0x0x0 4 0 0, 0 b"),
+            0u);
+  EXPECT_EQ(reports.Texts(), Texts{});
 }
 
 TEST(VolumeImage, UnknownFormatsAreReported) {
@@ -111,60 +91,40 @@ TEST(VolumeImage, UnknownFormatsAreReported) {
   for (const int number : {2, 5, 7, -1, 2147483647}) {
     const auto format = static_cast<VolumeImage::VoxelFormat>(number);
     const ReportCapture reports;
-    VolumeImage image(format, 2, 3, 4);
-    EXPECT_EQ(reports.Texts(), (Texts{sentry, channels, precision})) << number;
-    EXPECT_EQ(reports.Entries().front().kind, vekdebug::severity::sentry);
-    EXPECT_FALSE(image.Valid());
-    EXPECT_EQ(image.Channels().State(), 1u);
-    EXPECT_EQ(image.Data()._count, 24u);
-
+    EXPECT_EQ(Layout({format, 2, 3, 4}), "2x3x4 0 6 24, 0 bytes, 0/1 0/1 0/1");
     VolumeImage defined(VolumeImage::Byte4, 1, 1, 1);
     defined.Initialize(format, 2, 3, 4);
+    EXPECT_EQ(Layout(defined), "2x3x4 0 6 24, 0 bytes, 4/3 0/3 0/1");
     EXPECT_EQ(reports.Texts(), (Texts{sentry, channels, precision, sentry})) << number;
-    EXPECT_EQ(defined.Channels().Value(), 4);
-    EXPECT_FALSE(defined.Valid());
+    EXPECT_EQ(reports.Entries().front().kind, severity::sentry);
   }
 }
 
 TEST(VolumeImage, IsAValue) {
-  VolumeImage image;
-  EXPECT_FALSE(image.Valid());
-  EXPECT_EQ(image.Channels().State(), 1u);
-  EXPECT_EQ(image.Precision().State(), 1u);
-  EXPECT_EQ(image.Height() + image.Width() + image.Depth(), 0);
-
-  image.Initialize(VolumeImage::Byte1, 3, 1, 1);
+  VolumeImage image(VolumeImage::Byte1, 3, 1, 1);
   image.Bytes() = {1, 2, 3};
   const VolumeImage copy(image);
-  image.Initialize(VolumeImage::Byte4, 2, 1, 1); // old bytes stay where they were
+  image.Initialize(VolumeImage::Byte4, 2, 1, 1); // old bytes keep their offsets
   EXPECT_EQ(image.Bytes(), (Voxels{1, 2, 3, 0, 0, 0, 0, 0}));
   image.Initialize(VolumeImage::Byte1, 2, 1, 1);
   EXPECT_EQ(image.Bytes(), (Voxels{1, 2}));
   EXPECT_EQ(copy.Bytes(), (Voxels{1, 2, 3}));
   image.Clear();
-  EXPECT_FALSE(image.Valid());
-  EXPECT_EQ(image.Data()._count + image.Data()._slice + image.Data()._voxelSizeBytes + image.Data()._size0, 0u);
-  EXPECT_EQ(image.Channels().State(), 3u);
-  EXPECT_EQ(image.Channels().Value(), 1);
+  EXPECT_EQ(Layout(image), "0x0x0 0 0 0, 0 bytes, 1/3 0/3 0/1");
   image = copy;
   EXPECT_EQ(image.Bytes(), copy.Bytes());
 }
 
 TEST(VolumeImage, RefusesExtentsBeyondMemory) {
   VolumeImage image(VolumeImage::Byte1, 2, 1, 1);
+  const std::string before = Layout(image);
   const std::uint64_t large = std::uint64_t{1} << 32;
   EXPECT_THROW(image.Initialize(VolumeImage::Float4, large, large, 1), std::length_error);
   EXPECT_THROW(image.Initialize(VolumeImage::Float4, large, large >> 3, 1), std::length_error);
   EXPECT_THROW(image.Initialize(VolumeImage::Float4, 1, ~std::uint64_t{0}, 2), std::length_error);
-  EXPECT_EQ(image.Channels().Value(), 1);
-  EXPECT_EQ(image.Bytes(), Voxels(2));
-  refusedSize = 1000000;
+  const RefuseMemory refused(1000000);
   EXPECT_THROW(image.Initialize(VolumeImage::Float4, 1000, 100, 10), std::bad_alloc);
-  refusedSize = std::numeric_limits<std::size_t>::max();
-  EXPECT_EQ(image.Channels().Value(), 1);
-  EXPECT_EQ(image.Data()._count, 2u);
-  image.Initialize(VolumeImage::Float4, large, 0, large);
-  EXPECT_FALSE(image.Valid());
+  EXPECT_EQ(Layout(image), before);
 }
 
 TEST(VolumeImage, FindsVoxelsAndComponents) {
