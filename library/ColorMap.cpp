@@ -1,5 +1,6 @@
 #include "library/ColorMap.h"
 
+#include "library/private/gl/TextureSettings.h"
 #include "library/private/gl/TextureUpload.h"
 #include "platform/debug/Check.h"
 #include "platform/types/ColorChannels.h"
@@ -16,6 +17,26 @@
 namespace Vek::Chart::Library {
 
 namespace {
+
+namespace Signature {
+#define VEK_COLORS "const class std::vector<class QColor,class std::allocator<class QColor> > &"
+#define VEK_DOUBLES "const class std::vector<double,class std::allocator<double> > &"
+constexpr const char* Constructor = "__cdecl Vek::Chart::Library::ColorMap::ColorMap(" VEK_COLORS "," VEK_DOUBLES
+                                    ",enum Vek::Chart::Library::ColorMap::Style)";
+constexpr const char* CreateLinearMap = "void __cdecl Vek::Chart::Library::ColorMap::CreateLinearMap(" VEK_COLORS
+                                        ",enum Vek::Chart::Library::ColorMap::Style)";
+constexpr const char* CreateNonLinearMap = "void __cdecl Vek::Chart::Library::ColorMap::CreateNonLinearMap(" VEK_COLORS
+                                           "," VEK_DOUBLES ",enum Vek::Chart::Library::ColorMap::Style,unsigned int)";
+constexpr const char* Fill =
+    "void __cdecl Vek::Chart::Library::`anonymous-namespace'::Fill(class QImage &," VEK_DOUBLES "," VEK_COLORS ")";
+constexpr const char* FillInterpolated =
+    "void __cdecl Vek::Chart::Library::`anonymous-namespace'::FillInterpolated(class QImage &," VEK_DOUBLES
+    "," VEK_COLORS ")";
+constexpr const char* Bind = "void __cdecl Vek::Chart::Library::ColorMap::operator ()(class "
+                             "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &,unsigned int) const";
+#undef VEK_COLORS
+#undef VEK_DOUBLES
+} // namespace Signature
 
 unsigned int DefaultResolution(const std::vector<QColor>& p_colors) {
   return std::max(static_cast<unsigned int>(p_colors.size()),
@@ -74,10 +95,7 @@ private:
 };
 
 void Fill(QImage& p_image, const std::vector<double>& p_distribution, const std::vector<QColor>& p_colors) {
-  VEK_ENSURE(p_distribution.size() == p_colors.size(),
-             "void __cdecl Vek::Chart::Library::`anonymous-namespace'::Fill(class QImage &,const class "
-             "std::vector<double,class std::allocator<double> > &,const class std::vector<class QColor,class "
-             "std::allocator<class QColor> > &)");
+  VEK_ENSURE(p_distribution.size() == p_colors.size(), Signature::Fill);
   TexelRow row(p_image);
   for (std::size_t i = 0; i < std::min(p_distribution.size(), p_colors.size()); ++i) {
     const auto [first, last] = row.Take(p_distribution[i]);
@@ -86,12 +104,8 @@ void Fill(QImage& p_image, const std::vector<double>& p_distribution, const std:
 }
 
 void FillInterpolated(QImage& p_image, const std::vector<double>& p_distribution, const std::vector<QColor>& p_colors) {
-  const char* const signature =
-      "void __cdecl Vek::Chart::Library::`anonymous-namespace'::FillInterpolated(class QImage &,const class "
-      "std::vector<double,class std::allocator<double> > &,const class std::vector<class QColor,class "
-      "std::allocator<class QColor> > &)";
-  VEK_ENSURE(p_distribution.size() == p_colors.size(), signature);
-  VEK_ENSURE_TEXT(p_distribution.size() % 2 == 0, "p_distribution.size()%2 == 0", signature);
+  VEK_ENSURE(p_distribution.size() == p_colors.size(), Signature::FillInterpolated);
+  VEK_ENSURE_TEXT(p_distribution.size() % 2 == 0, "p_distribution.size()%2 == 0", Signature::FillInterpolated);
 
   TexelRow row(p_image);
   for (std::size_t i = 0; i + 1 < std::min(p_distribution.size(), p_colors.size()); i += 2) {
@@ -126,18 +140,15 @@ QColor Texel(const QImage& p_image, unsigned int p_x) {
 
 ColorMap::ColorMap(const std::vector<QColor>& p_colors, const std::vector<double>& p_weightings,
                    ColorMap::Style p_style) {
-  const char* const signature =
-      "__cdecl Vek::Chart::Library::ColorMap::ColorMap(const class std::vector<class QColor,class std::allocator<class "
-      "QColor> > &,const class std::vector<double,class std::allocator<double> > &,enum "
-      "Vek::Chart::Library::ColorMap::Style)";
   const std::size_t size = p_colors.size();
-  VEK_ENSURE(size == p_weightings.size(), signature);
+  VEK_ENSURE(size == p_weightings.size(), Signature::Constructor);
 
   std::vector<QColor> colors;
   std::vector<double> weightings;
   for (std::size_t i = 0; i < std::min(size, p_weightings.size()); ++i) {
     if (!(p_weightings[i] >= 0))
-      vekdebug::warn(vekdebug::check_text("(p_weightings[i] >= 0) && \"Invalid color weight specified.\"", signature) +
+      vekdebug::warn(vekdebug::check_text("(p_weightings[i] >= 0) && \"Invalid color weight specified.\"",
+                                          Signature::Constructor) +
                      " @line" + std::to_string(__LINE__));
     if (p_weightings[i] > 0) {
       colors.push_back(p_colors[i]);
@@ -158,9 +169,7 @@ ColorMap::~ColorMap() = default;
 
 void ColorMap::CreateLinearMap(const std::vector<QColor>& p_colors, ColorMap::Style p_style) {
   const int size = static_cast<int>(p_colors.size());
-  if (!VEK_ENSURE(size > 0, "void __cdecl Vek::Chart::Library::ColorMap::CreateLinearMap(const class std::vector<class "
-                            "QColor,class std::allocator<class QColor> > &,enum Vek::Chart::Library::ColorMap::Style)"))
-    return;
+  VEK_ENSURE(size > 0, Signature::CreateLinearMap); // and once more by the builder below, which ends there
   CreateNonLinearMap(p_colors, std::vector<double>(p_colors.size(), 1.0), p_style);
 }
 
@@ -171,13 +180,9 @@ void ColorMap::CreateNonLinearMap(const std::vector<QColor>& p_colors, const std
 
 void ColorMap::CreateNonLinearMap(const std::vector<QColor>& p_colors, const std::vector<double>& p_weightings,
                                   ColorMap::Style p_style, unsigned int p_resolution) {
-  const char* const signature =
-      "void __cdecl Vek::Chart::Library::ColorMap::CreateNonLinearMap(const class std::vector<class QColor,class "
-      "std::allocator<class QColor> > &,const class std::vector<double,class std::allocator<double> > &,enum "
-      "Vek::Chart::Library::ColorMap::Style,unsigned int)";
   const int size = static_cast<int>(p_colors.size());
-  VEK_ENSURE_TEXT(p_weightings.size() == p_colors.size(), "p_weightings.size() == size", signature);
-  if (!VEK_ENSURE(size > 0, signature))
+  VEK_ENSURE_TEXT(p_weightings.size() == p_colors.size(), "p_weightings.size() == size", Signature::CreateNonLinearMap);
+  if (!VEK_ENSURE(size > 0, Signature::CreateNonLinearMap))
     return;
 
   _size = 1;
@@ -228,17 +233,17 @@ void ColorMap::operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const
   if (_handle) {
     p_gl->Bind(_handle, Rgl::Sampler2D);
   } else {
-    _handle = p_gl->GenTexture();
-    p_gl->Bind(_handle, Rgl::Sampler2D);
-    Private::UploadImage(p_gl, _image, RGL_RGBA);
+    const bool fits = Private::FitsDevice(p_gl, Size(), 1, Signature::Bind);
+    _handle = Private::MakeTexture(p_gl, fits ? _image : QImage(), RGL_RGBA, Signature::Bind);
+    if (!_handle)
+      return;
   }
   p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_WRAP_S, RGL_CLAMP_TO_EDGE);
   p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_WRAP_T, RGL_CLAMP_TO_EDGE);
   p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_MIN_FILTER, RGL_NEAREST);
   p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_MAG_FILTER, RGL_NEAREST);
-  p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_BASE_LEVEL, 0);
-  p_gl->TexParameteri(RGL_TEXTURE_2D, RGL_TEXTURE_MAX_LEVEL, 0);
-  p_gl->Enable(RGL_TEXTURE_2D);
+  Private::SetOneLevel(*p_gl, RGL_TEXTURE_2D);
+  Private::Enable2D(*p_gl);
   p_gl->Disable(RGL_TEXTURE_GEN_S);
   p_gl->Disable(RGL_TEXTURE_GEN_T);
 }

@@ -18,7 +18,8 @@ namespace Vek::Chart::Library {
 ///
 /// Shape: `Size()` × 1 texels, at most `GradientResolutionMax`, from the first colour on the left to the last on the
 /// right. The row is as wide as the rounded shares of the colours add up to, which need not be 4096: three equal bands
-/// make 4095 texels, and what would become wider is scaled down smoothly. One colour makes one texel.
+/// make 4095 texels, and what would become wider is scaled down smoothly. One colour makes one texel. The scaling is
+/// Qt's: between Qt 5 and Qt 6, scaled texels differ, by one level mostly, by more where colours are translucent.
 ///
 /// Ownership: a map is complete when it is constructed and never changes. Copies share the texels and, once the map
 /// was bound, the texture, which lives as long as a map or another holder of `Handle()`; its last holder must let go of
@@ -26,8 +27,9 @@ namespace Vek::Chart::Library {
 ///
 /// Errors are reported, and the map is built from what remains: "size == p_weightings.size()" (a missing weight counts
 /// as 0, a surplus one is ignored), "(p_weightings[i] >= 0) && "Invalid color weight specified."" as a warning (the
-/// colour is dropped), "size > 0" for a list without colours. Such a map is empty: its size is 0, all its look-ups
-/// give the transparent colour (0, 0, 0, 0), and binding it uploads nothing.
+/// colour is dropped), "size > 0" for a list without colours (twice, once by each builder). Such a map is empty: its
+/// size is 0, all its look-ups give the transparent colour (0, 0, 0, 0), and binding it uploads nothing. Binding treats
+/// the host's state and failures as `Texture` does; a map beyond the device's limit is reported at the first bind.
 ///
 /// \snippet ColorSnippets.cpp ColorMap
 /// \image html wind.jpg

@@ -65,9 +65,9 @@ public:
 
   /// The 16 bits for glLineStipple; the least significant bit is drawn first.
   static unsigned short LineStipplePattern(LinePattern p_pattern);
-  /// The 128 bytes for glPolygonStipple: 32 rows of 32 bits, the bottom row first, the leftmost bit the most
-  /// significant one of a row's first byte, which is how GL reads it while the pixel store has its first settings but
-  /// for the alignment. Owned by the library, valid as long as the program runs.
+  /// The 128 bytes for glPolygonStipple: 32 rows of 32 bits, the bottom row first. The leftmost bit is the most
+  /// significant one of a row's first byte; GL reads it so under the initial pixel store or `Ogl::ImageUnpackScope`.
+  /// Owned by the library, valid until the program ends.
   static const unsigned char* PolygonStipplePattern(FillPattern p_pattern);
   /// A new texture of the image "symbol_" + shape, found through the resource and read through the cache, in the
   /// environment mode modulate, so that the current colour tints it. A missing image is reported by the cache and by

@@ -1,5 +1,6 @@
 #include "library/RenderTexture.h"
 
+#include "library/private/gl/TextureSettings.h"
 #include "platform/debug/Check.h"
 #include "platform/ogl/Guard.h"
 #include "platform/ogl/PixelStore.h"
@@ -347,7 +348,7 @@ namespace {
 void BindTexture(const Rgl& p_gl, unsigned int p_unit, const Texture& p_texture) {
   p_gl.ActiveTexture(p_unit);
   p_gl.BindTexture(RGL_TEXTURE_2D, p_texture ? p_texture->Name() : 0);
-  p_gl.Enable(RGL_TEXTURE_2D);
+  Private::Enable2D(p_gl);
 }
 
 } // namespace

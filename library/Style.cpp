@@ -2,6 +2,7 @@
 
 #include "library/Pattern.h"
 #include "platform/debug/Check.h"
+#include "platform/ogl/PixelStore.h"
 #include "platform/types/Math.h"
 
 #include <limits>
@@ -104,6 +105,7 @@ void Style::DrawInternal(const Types::FillStyle& p_style, Utility::Scoped<Rgl>& 
   const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_POLYGON_BIT | RGL_CURRENT_BIT);
   DrawPasses(p_style, p_gl, p_draw, [&] {
     p_gl->Enable(RGL_POLYGON_STIPPLE);
+    const boost::shared_ptr<void> unpacking = Ogl::ImageUnpackScope(*p_gl);
     p_gl->PolygonStipple(Pattern::PolygonStipplePattern(static_cast<Pattern::FillPattern>(pattern)));
   });
 }

@@ -20,8 +20,14 @@ namespace Vek::Chart::Library {
 /// lives as long as a Texture or another holder of `Handle()`; its last holder must let go of it while the context that
 /// made it is current. Copies share the GL texture if there is one already, and have settings of their own.
 ///
+/// State: the host's pixel store and pixel transfer do not reach the texels; after an upload the unpack alignment is 1,
+/// everything else is as before. A bind disables 3-D texturing on its unit, which would hide the texture.
+///
 /// Errors: an image without texels is reported as "_width > 0 && _height > 0 && "Invalid Texture Size"" (not before GL
-/// 2.0, where it is taken as 1 × 1). It can be bound, but nothing is uploaded for it.
+/// 2.0, where it is taken as 1 × 1), one beyond the device's limit as "largest <= GL_MAX_TEXTURE_SIZE && "600 x 3
+/// texels, the limit is 512"". Both can be bound, but nothing is uploaded for them. When an upload fails, the GL error
+/// is reported ("WARNING: GL_OUT_OF_MEMORY - …"), the texture stays without a handle, and the next bind tries again.
+/// Errors that are pending in GL before an upload are reported with "before" and the signature.
 ///
 /// \snippet ColorSnippets.cpp Texture
 /// \image html shapes.jpg

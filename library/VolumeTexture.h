@@ -30,7 +30,8 @@ namespace Vek::Chart::Library {
 /// > 0 && "Invalid Volume Size"", one that is larger than the device takes with the sizes: "largest <=
 /// GL_MAX_3D_TEXTURE_SIZE && "600 x 3 x 2 voxels, the limit is 512"", one whose channels are neither 1 nor 4 as
 /// "format", one with fewer bytes than its extents need as "bytes <= p_image->Bytes().size()". All of these can be
-/// bound, but nothing is uploaded for them.
+/// bound, but nothing is uploaded for them. When an upload fails, the GL error is reported, and the next bind tries
+/// again, as for `Texture`.
 ///
 /// \snippet ImageSnippets.cpp VolumeTexture
 /// \image html volume.jpg
@@ -69,7 +70,8 @@ public:
   VolumeTexture(boost::shared_ptr<const VolumeImage> p_image, Utility::Scoped<Rgl>& p_gl);
 
   /// Binds on the texture unit `p_unit` (a token: RGL_TEXTURE0 + n), which becomes the active one, applies the settings
-  /// and enables 3-D texturing there. The first call creates and uploads the GL texture.
+  /// and enables 3-D texturing there. The first call creates and uploads the GL texture. While 3-D texturing is
+  /// enabled, GL ignores 2-D textures on that unit; binds of this library's 2-D textures disable it.
   void operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
 
   // Voxels along the texture coordinates.
@@ -80,7 +82,7 @@ public:
   const boost::shared_ptr<Ogl::Texture>& Handle() const { return _handle; }
 
 private:
-  void Upload(Utility::Scoped<Rgl>& p_gl) const;
+  bool Upload(Utility::Scoped<Rgl>& p_gl) const;
 
   mutable boost::shared_ptr<Ogl::Texture> _handle;
   boost::shared_ptr<const VolumeImage> _image; ///< null when there is nothing to upload

@@ -1,6 +1,7 @@
 #include "platform/ogl/Text.h"
 
 #include "platform/debug/Check.h"
+#include "platform/ogl/PixelStore.h"
 
 #include <QFont>
 #include <QFontMetrics>
@@ -10,11 +11,18 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <cmath>
+#include <string>
 
 namespace Vek::Chart::Ogl {
 
 namespace {
+
+namespace Signature {
+constexpr const char* Image = "const class QImage &__cdecl Vek::Chart::Ogl::Text::Image(void)";
+constexpr const char* Painted = "class QImage __cdecl Vek::Chart::Ogl::Text::Painted(void) const";
+constexpr const char* Draw = "void __cdecl Vek::Chart::Ogl::Text::operator ()(class Vek::Chart::Utility::Scoped<class "
+                             "Vek::Chart::Ogl::Rgl> &)";
+} // namespace Signature
 
 /// Where a text's lines lie in its picture.
 struct Layout {
@@ -56,41 +64,82 @@ bool Text::Changed() const {
   return text.Changed() || firstColor.Changed() || secondColor.Changed() || flag.Changed() || size.Changed();
 }
 
-void Text::Paint() {
-  text.ClearChanged();
-  firstColor.ClearChanged();
-  secondColor.ClearChanged();
-  flag.ClearChanged();
-  size.ClearChanged();
-  _uploaded = false;
-  _image = QImage();
+QImage Text::Painted() const {
   if (text.Value().isEmpty())
-    return;
-
+    return {};
   const Layout layout(text, std::clamp(size.Value(), MinSize, MaxSize));
-  _image = QImage(layout.width, layout.height, QImage::Format_ARGB32_Premultiplied);
-  if (_image.isNull()) // too large to be made
-    return;
+  QImage image(layout.width, layout.height, QImage::Format_ARGB32_Premultiplied);
+  if (!VEK_ENSURE_TEXT(!image.isNull(),
+                       "!image.isNull() && \"" + std::to_string(layout.width) + " x " + std::to_string(layout.height) +
+                           " pixels\"",
+                       Signature::Painted))
+    return {};
   const bool box = flag && secondColor.Value().alpha() != 0;
-  _image.fill(box ? secondColor.Value() : QColor(Qt::transparent));
-  QPainter painter(&_image);
+  image.fill(box ? secondColor.Value() : QColor(Qt::transparent));
+  QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
   const QPainterPath letters = layout.Letters();
   if (!flag && secondColor.Value().alpha() != 0)
     painter.strokePath(letters,
                        QPen(secondColor.Value(), layout.margin - 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
   painter.fillPath(letters, firstColor.Value());
+  painter.end();
+  return image;
 }
 
 const QImage& Text::Image() {
   const bool fonts = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-  if (!VEK_ENSURE_TEXT(fonts, "qGuiApp != nullptr && \"Text needs a QGuiApplication.\"",
-                       "const class QImage &__cdecl Vek::Chart::Ogl::Text::Image(void)"))
+  if (!VEK_ENSURE_TEXT(fonts, "qGuiApp != nullptr && \"Text needs a QGuiApplication.\"", Signature::Image)) {
     _image = QImage();
-  else if (Changed())
-    Paint();
+  } else if (Changed()) {
+    _image = Painted();
+    _uploaded = false;
+    if (_image.isNull() && !text.Value().isEmpty())
+      return _image; // no memory: the next call tries again
+    text.ClearChanged();
+    firstColor.ClearChanged();
+    secondColor.ClearChanged();
+    flag.ClearChanged();
+    size.ClearChanged();
+  }
   return _image;
 }
+
+namespace {
+
+/// A new texture of the image, bound to RGL_TEXTURE_2D; an empty pointer where it cannot be had, which is reported.
+boost::shared_ptr<Texture> Upload(const Rgl& p_gl, const QImage& p_image) {
+  const int limit = p_gl.GetMaxTextureSize();
+  if (!VEK_ENSURE_TEXT(limit < 1 || std::max(p_image.width(), p_image.height()) <= limit,
+                       "largest <= GL_MAX_TEXTURE_SIZE && \"" + std::to_string(p_image.width()) + " x " +
+                           std::to_string(p_image.height()) + " texels, the limit is " + std::to_string(limit) + "\"",
+                       Signature::Draw))
+    return {};
+  const QImage texels = p_image.convertToFormat(QImage::Format_RGBA8888_Premultiplied).mirrored();
+  if (!VEK_ENSURE(!texels.isNull(), Signature::Draw)) // no memory for a second image
+    return {};
+  p_gl.CheckError(std::string("before ") + Signature::Draw);
+  const boost::shared_ptr<Texture> texture = p_gl.GenTexture();
+  if (!texture) { // the image would go into the host's texture
+    p_gl.CheckError(Signature::Draw);
+    return {};
+  }
+  p_gl.Bind(texture, Rgl::Sampler2D);
+  {
+    const boost::shared_ptr<void> unpacking = UnpackScope(p_gl);
+    p_gl.TexImage2D(RGL_TEXTURE_2D, 0, RGL_RGBA, texels.width(), texels.height(), 0, RGL_RGBA, RGL_UNSIGNED_BYTE,
+                    texels.constBits());
+  }
+  if (!p_gl.CheckError(Signature::Draw))
+    return {};
+  for (const GlEnum filter : {RGL_TEXTURE_MIN_FILTER, RGL_TEXTURE_MAG_FILTER})
+    p_gl.TexParameteri(RGL_TEXTURE_2D, filter, RGL_NEAREST);
+  for (const GlEnum wrap : {RGL_TEXTURE_WRAP_S, RGL_TEXTURE_WRAP_T})
+    p_gl.TexParameteri(RGL_TEXTURE_2D, wrap, RGL_CLAMP_TO_EDGE);
+  return texture;
+}
+
+} // namespace
 
 void Text::operator()(Utility::Scoped<Rgl>& p_gl) {
   const QImage& image = Image();
@@ -99,22 +148,13 @@ void Text::operator()(Utility::Scoped<Rgl>& p_gl) {
   const boost::shared_ptr<void> state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_COLOR_BUFFER_BIT |
                                                               RGL_CURRENT_BIT | RGL_POLYGON_BIT);
   p_gl->ActiveTexture(RGL_TEXTURE0);
-  if (!_uploaded)
-    _texture = p_gl->GenTexture(); // the last one may belong to a copy, too
-  p_gl->Bind(_texture, Rgl::Sampler2D);
-  if (!_uploaded) {
-    const QImage rows = image.convertToFormat(QImage::Format_RGBA8888_Premultiplied).mirrored();
-    p_gl->PushClientAttrib(RGL_CLIENT_PIXEL_STORE_BIT);
-    p_gl->PixelStorei(RGL_UNPACK_ALIGNMENT, 1);
-    for (const GlEnum skipped : {RGL_UNPACK_ROW_LENGTH, RGL_UNPACK_SKIP_ROWS, RGL_UNPACK_SKIP_PIXELS})
-      p_gl->PixelStorei(skipped, 0);
-    p_gl->TexImage2D(RGL_TEXTURE_2D, 0, RGL_RGBA, rows.width(), rows.height(), 0, RGL_RGBA, RGL_UNSIGNED_BYTE,
-                     rows.constBits());
-    p_gl->PopClientAttrib();
-    for (const GlEnum filter : {RGL_TEXTURE_MIN_FILTER, RGL_TEXTURE_MAG_FILTER})
-      p_gl->TexParameteri(RGL_TEXTURE_2D, filter, RGL_NEAREST);
-    for (const GlEnum wrap : {RGL_TEXTURE_WRAP_S, RGL_TEXTURE_WRAP_T})
-      p_gl->TexParameteri(RGL_TEXTURE_2D, wrap, RGL_CLAMP_TO_EDGE);
+  if (_uploaded) {
+    p_gl->Bind(_texture, Rgl::Sampler2D);
+  } else {
+    const boost::shared_ptr<Texture> texture = Upload(*p_gl, image);
+    if (!texture)
+      return;
+    _texture = texture; // the last one may belong to a copy, too
     _uploaded = true;
   }
   p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_REPLACE);
@@ -124,7 +164,7 @@ void Text::operator()(Utility::Scoped<Rgl>& p_gl) {
   p_gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_FILL);
   p_gl->Enable(RGL_TEXTURE_2D);
   p_gl->Enable(RGL_BLEND);
-  p_gl->BlendFunc(RGL_ONE, RGL_ONE_MINUS_SRC_ALPHA); // the picture's colours are premultiplied
+  p_gl->BlendFunc(RGL_ONE, RGL_ONE_MINUS_SRC_ALPHA); // the image's colours are premultiplied
 
   const int x0 = position.x, y0 = position.y, x1 = x0 + image.width(), y1 = y0 + image.height();
   p_gl->Begin(RGL_QUADS);

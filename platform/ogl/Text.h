@@ -19,6 +19,10 @@ namespace Vek::Chart::Ogl {
 /// The letters have the first colour. The flag chooses what the second colour does: with the flag set it fills a box
 /// behind the text, without it draws an outline around the letters; a transparent second colour draws neither.
 ///
+/// Errors: an image that cannot be made or uploaded is reported, nothing is drawn, and the next draw tries again: no
+/// memory as "!image.isNull() && "700 x 20 pixels"", an image beyond the device's limit as "largest <=
+/// GL_MAX_TEXTURE_SIZE && "700 x 20 texels, the limit is 512"", a GL error by its name.
+///
 /// Qt needs a QGuiApplication for fonts (platform "offscreen" will do). Without one, `Image` is null and drawing does
 /// nothing; both report "qGuiApp != nullptr && "Text needs a QGuiApplication."".
 ///
@@ -57,7 +61,7 @@ public:
 
 private:
   bool Changed() const;
-  void Paint();
+  QImage Painted() const;
 
   QImage _image;
   bool _uploaded = false;

@@ -108,6 +108,10 @@ const std::string InConstructor =
 const std::string EmptyList =
     "\"size > 0\" - void __cdecl Vek::Chart::Library::ColorMap::CreateLinearMap(const class std::vector<class "
     "QColor,class std::allocator<class QColor> > &,enum Vek::Chart::Library::ColorMap::Style)";
+const std::string EmptyToo =
+    "\"size > 0\" - void __cdecl Vek::Chart::Library::ColorMap::CreateNonLinearMap(const class std::vector<class "
+    "QColor,class std::allocator<class QColor> > &,const class std::vector<double,class std::allocator<double> > &,enum "
+    "Vek::Chart::Library::ColorMap::Style,unsigned int)";
 const std::string SizeMismatch = "\"size == p_weightings.size()\"" + InConstructor;
 const std::string BadWeight =
     "WARNING: \"(p_weightings[i] >= 0) && \"Invalid color weight specified.\"\"" + InConstructor + " @lineN";
@@ -138,8 +142,8 @@ TEST(ColorMap, MakesBandsOfTheUsableWeights) {
       {"too few", three, {1, 1}, "r2048 g2048", {1, 1}, {SizeMismatch}},
       {"too many", three, {0, 1, 1, -5}, "g2048 b2048", {1, 1}, {SizeMismatch}},
       {"no weights", three, {}, "r1365 g1365 b1365", {1, 1, 1}, {SizeMismatch}},
-      {"no colours", {}, {}, "", {}, {EmptyList}},
-      {"weights only", {}, {1}, "", {}, {SizeMismatch, EmptyList}},
+      {"no colours", {}, {}, "", {}, {EmptyList, EmptyToo}},
+      {"weights only", {}, {1}, "", {}, {SizeMismatch, EmptyList, EmptyToo}},
       {"an infinite weight", two, {Infinity, 1}, "r1 b1", {Infinity, 1}, {}},
       {"an infinite sum", two, {1.7e308, 1.7e308}, "r1 b1", {1.7e308, 1.7e308}, {}},
   };
@@ -295,7 +299,7 @@ TEST_F(ColorMapCalls, UploadsOnceForAllCopiesAndSetsItsStateAtEachBind) {
                             "Disable(GL_TEXTURE_GEN_S); Disable(GL_TEXTURE_GEN_T)");
   recorder.Clear();
   map(gl, RGL_TEXTURE0 + 3);
-  EXPECT_EQ(recorder.Lines(),
+  EXPECT_EQ(Changes(),
             Calls("ActiveTexture(GL_TEXTURE3); GenTextures(1, [1001]); BindTexture(GL_TEXTURE_2D, 1001); "
                   "PixelStorei(GL_UNPACK_ALIGNMENT, 1); "
                   "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 4095, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)") +
@@ -308,7 +312,7 @@ TEST_F(ColorMapCalls, UploadsOnceForAllCopiesAndSetsItsStateAtEachBind) {
 
   recorder.Clear();
   ColorMap{map}(gl, RGL_TEXTURE0);
-  EXPECT_EQ(recorder.Lines(), Calls("ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_2D, 1001)") + state);
+  EXPECT_EQ(Changes(), Calls("ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_2D, 1001)") + state);
 }
 
 TEST_F(ColorMapCalls, AnEmptyMapIsTransparentAndUploadsNothing) {

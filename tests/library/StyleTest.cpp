@@ -50,7 +50,7 @@ protected:
     recorder.Clear();
     DrawFunction draw = [](Scope& p_gl) { p_gl->DepthFunc(RGL_LESS); };
     Style::DrawInternal(p_style, gl, draw);
-    return recorder.Lines();
+    return Changes();
   }
 };
 using StylePixels = PixelScopeFixture;
@@ -217,9 +217,18 @@ TEST_F(StylePixels, EveryFillPatternBitForBit) {
       p_gl->Pixel(x, y);
     p_gl->End();
   };
+  // The host's settings change from pattern to pattern.
+  const std::pair<Ogl::GlEnum, int> settings[] = {{RGL_UNPACK_LSB_FIRST, 1},
+                                                  {RGL_UNPACK_SKIP_ROWS, 1000000},
+                                                  {RGL_UNPACK_ROW_LENGTH, 1000000},
+                                                  {RGL_UNPACK_ALIGNMENT, 8},
+                                                  {RGL_UNPACK_SKIP_PIXELS, 3}};
   for (std::uint32_t pattern = 1; pattern <= 13; ++pattern) {
+    const auto& [setting, value] = settings[pattern % std::size(settings)];
+    gl->PixelStorei(setting, value);
     gl->Clear(RGL_COLOR_BUFFER_BIT);
     Style::DrawInternal(Fill(pattern, Qt::red, Qt::blue), gl, draw);
+    gl->PixelStorei(setting, setting == RGL_UNPACK_ALIGNMENT ? 4 : 0);
     const unsigned char* const mask = Pattern::PolygonStipplePattern(static_cast<Pattern::FillPattern>(pattern));
     QImage expected(FrameSize.width, FrameSize.height, QImage::Format_ARGB32);
     expected.fill(Qt::transparent);

@@ -60,7 +60,7 @@ TEST_F(TexturedQuadCalls, OneTexture) {
   quad.color = QColor(255, 0, 51, 102);
   recorder.Clear();
   quad(recorder.Handle(), *texture);
-  EXPECT_EQ(recorder.Lines(), Calls("Color4d(1, 0, 0.2, 0.4); PushAttrib(GL_ENABLE_BIT|GL_TEXTURE_BIT); " +
+  EXPECT_EQ(Changes(), Calls("Color4d(1, 0, 0.2, 0.4); PushAttrib(GL_ENABLE_BIT|GL_TEXTURE_BIT); " +
                                     Bind(1001, "GL_MODULATE") + OneQuad + "PopAttrib()"));
 }
 
@@ -75,7 +75,7 @@ TEST_F(TexturedQuadCalls, Layers) {
   Quad({1, 2, 3, 4})(recorder.Handle(), textures);
   const std::string always = "DepthFunc(GL_ALWAYS); ";
   const std::string replaced = "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE); " + OneQuad;
-  EXPECT_EQ(recorder.Lines(),
+  EXPECT_EQ(Changes(),
             Calls("Color4d(1, 1, 1, 1); PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT); " +
                   Bind(1001, "GL_DECAL") + OneQuad + //
                   always + "Disable(GL_BLEND); " + Bind(1002, "GL_REPLACE") + replaced + always +
@@ -94,9 +94,9 @@ TEST_F(TexturedQuadCalls, NothingWithoutASize) {
     Quad(rect)(recorder.Handle(), *texture);
     Quad(rect, 3)(recorder.Handle(), {texture, texture});
   }
-  EXPECT_EQ(recorder.Lines(), Lines());
+  EXPECT_EQ(Changes(), Lines());
   Quad({0, 0, 1, 1})(recorder.Handle(), std::vector<boost::shared_ptr<Texture>>());
-  EXPECT_EQ(recorder.Lines(), Calls("Color4d(1, 1, 1, 1); "
+  EXPECT_EQ(Changes(), Calls("Color4d(1, 1, 1, 1); "
                                     "PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT); PopAttrib()"))
       << "no layers";
 }

@@ -44,6 +44,11 @@ class RecordingFixture : public testing::Test {
 public:
   void TearDown() override { EXPECT_EQ(recorder.Complaints(), Lines()); }
 
+  /// All calls so far but queries, which only read GL's state.
+  Lines Changes() const {
+    return recorder.LinesWithout({"GetError", "GetFloatv", "GetIntegerv", "GetString", "IsEnabled"});
+  }
+
   Chart::Ogl::RecordingGl recorder;
 };
 

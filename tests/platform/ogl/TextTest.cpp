@@ -101,6 +101,11 @@ TEST_F(TextCalls, UploadsAfterAChangeOnly) {
   Text text("text");
   text(gl);
   EXPECT_EQ(recorder.LinesOf({"TexImage2D"}).size(), 1u);
+  EXPECT_EQ(recorder.LinesOf({"TexParameteri"}),
+            Calls("TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST); "
+                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST); "
+                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
+                  "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)"));
   recorder.Clear();
   text.firstColor = QColor(Qt::black); // it is
   text(gl);
@@ -123,6 +128,31 @@ TEST_F(TextCalls, UploadsAfterAChangeOnly) {
   EXPECT_EQ(recorder.LinesOf({"BindTexture"}), Lines{"BindTexture(GL_TEXTURE_2D, 1001)"}) << "and no more than that";
 }
 
+TEST_F(TextCalls, AFailureIsReportedAndTheNextDrawTriesAgain) {
+  MakeApplication();
+  Text text("text");
+  const auto expect = [&](const Lines& p_expected) {
+    const ReportCapture reports;
+    recorder.Clear();
+    text(gl);
+    Lines begins;
+    for (const std::string& report : reports.Texts())
+      begins.push_back(report.substr(0, report.find(" - ")));
+    EXPECT_EQ(begins, p_expected);
+    EXPECT_EQ(recorder.LinesOf({"Begin"}).size(), p_expected.empty() ? 1u : 0u);
+  };
+  recorder.Fail("GenTextures");
+  expect({"\"object->Name() != 0\"", "WARNING: GL_OUT_OF_MEMORY"});
+  EXPECT_EQ(recorder.LinesOf({"BindTexture", "TexImage2D", "TexParameteri"}), Lines());
+  recorder.Fail("TexImage2D");
+  expect({"WARNING: GL_OUT_OF_MEMORY"});
+  const std::string size = std::to_string(text.Image().width()) + " x " + std::to_string(text.Image().height());
+  recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {8});
+  expect({"\"largest <= GL_MAX_TEXTURE_SIZE && \"" + size + " texels, the limit is 8\"\""});
+  recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {4096});
+  expect({});
+}
+
 TEST_F(TextPixels, StandsAtItsPositionTexelForPixel) {
   MakeApplication();
   const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
@@ -138,7 +168,13 @@ TEST_F(TextPixels, StandsAtItsPositionTexelForPixel) {
   gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_LINE);
   gl->PixelStorei(RGL_UNPACK_ROW_LENGTH, 500);
   gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 3);
+  gl->PixelTransferf(RGL_RED_SCALE, 0);
+  unsigned int buffer = 0;
+  gl->GenBuffers(1, &buffer);
+  gl->BindBuffer(RGL_PIXEL_UNPACK_BUFFER, buffer);
   text(gl);
+  gl->DeleteBuffers(1, &buffer);
+  gl->PixelTransferf(RGL_RED_SCALE, 1);
   gl->PixelStorei(RGL_UNPACK_ROW_LENGTH, 0);
   gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 0);
   const QImage image = text.Image().convertToFormat(QImage::Format_ARGB32);

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/ogl/Rgl.h"
+
+#include <cstdint>
+
+namespace Vek::Chart::Library::Private {
+
+// What 2-D and 3-D textures set at each bind, on the active unit. Settings are the numbers of the classes'
+// enumerations; a number that is not listed there leaves that part of the GL state as it is.
+
+/// Sets RGL_TEXTURE_MIN_FILTER or RGL_TEXTURE_MAG_FILTER.
+void SetFilter(const Rgl& p_gl, Ogl::GlEnum p_target, Ogl::GlEnum p_name, std::uint32_t p_filter);
+/// Sets RGL_TEXTURE_WRAP_S, _T or _R.
+void SetWrap(const Rgl& p_gl, Ogl::GlEnum p_target, Ogl::GlEnum p_name, std::uint32_t p_wrap);
+/// Sets the mode of the texture environment.
+void SetEnvironment(const Rgl& p_gl, std::uint32_t p_environment);
+/// Restricts a texture to its level 0.
+void SetOneLevel(const Rgl& p_gl, Ogl::GlEnum p_target);
+/// Enables 2-D texturing, and disables the 3-D texturing that would hide it.
+void Enable2D(const Rgl& p_gl);
+
+} // namespace Vek::Chart::Library::Private
