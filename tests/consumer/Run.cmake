@@ -1,5 +1,5 @@
-# Installs the build in BUILD_DIR below WORK_DIR, moves what was installed, looks at it, and builds and runs a program
-# against it: by CMake, and by pkg-config. The programs that were installed run from another folder.
+# Installs the build in BUILD_DIR below WORK_DIR, moves the installation, checks it, and builds and runs a program against
+# it with CMake and with pkg-config. Installed programs run from another folder.
 file(REMOVE_RECURSE ${WORK_DIR})
 file(MAKE_DIRECTORY ${WORK_DIR}/make)
 set(prefix ${WORK_DIR}/moved)
@@ -12,12 +12,12 @@ function(check_output program expected)
     message(FATAL_ERROR "${program} printed: ${output}")
   endif()
 endfunction()
-set(drawn "^1 #ff0000 #0000ff\n$") # the version, and the colours of the glyph and of what is beside it
+set(drawn "^1 #ff0000 #0000ff\n$") # the version, and the colours of the glyph and of the background
 
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/installed)
 file(RENAME ${WORK_DIR}/installed ${prefix})
 
-# What is there, and what is not.
+# Installed files, and files that must not be.
 foreach(file bin/vek-gallery share/man/man1/vek-gallery.1.gz
     ${LIB_DIR}/libvek-platform.so.1 ${LIB_DIR}/libvek-chart-library.so.1
     include/vek-chart/library/ColorMap.h include/vek-chart/algorithms/Array.h share/vek-chart-library/symbols/Cone.obj
@@ -35,10 +35,10 @@ endif()
 execute_process(COMMAND grep -rlF -e ${SOURCE_DIR} -e ${BUILD_DIR} -e ${WORK_DIR}/installed ${prefix}
   RESULT_VARIABLE none OUTPUT_VARIABLE files)
 if(NOT none EQUAL 1)
-  message(SEND_ERROR "these hold a path of the machine that built them:\n${files}")
+  message(SEND_ERROR "files with a path of the build machine:\n${files}")
 endif()
 
-# What pages link to is there.
+# Links of pages lead to installed files.
 file(GLOB_RECURSE pages ${prefix}/share/doc/vek-chart-library/*.md)
 foreach(page IN LISTS pages)
   get_filename_component(folder ${page} DIRECTORY)

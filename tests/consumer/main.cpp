@@ -1,4 +1,4 @@
-// Draws one glyph off-screen, as a program does that knows nothing but the installed package.
+// Draws one glyph off-screen, with the installed package only.
 
 #include "library/VectorSymbol.h"
 #include "library/Version.h"

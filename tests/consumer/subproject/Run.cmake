@@ -1,5 +1,5 @@
-# Builds and runs a project that has SOURCE_DIR as a sub-directory, and installs it: nothing of the library comes along.
-# The flags are those of the main build, so that a compiler cache has the objects.
+# Builds and runs a project with SOURCE_DIR as a sub-directory, and installs it without any file of the library. The flags
+# are those of the main build, so that ccache has the objects.
 file(REMOVE_RECURSE ${WORK_DIR})
 function(run)
   execute_process(COMMAND ${ARGV} COMMAND_ERROR_IS_FATAL ANY)
