@@ -84,18 +84,6 @@ void Model::BufferData(GlEnum p_target, GlSize p_size, const void* p_data, GlEnu
     std::memcpy(buffer->bytes.data(), p_data, buffer->bytes.size());
 }
 
-void Model::BufferSubData(GlEnum p_target, GlSize p_offset, GlSize p_size, const void* p_data) {
-  BufferObject* const buffer = BoundRange("BufferSubData", p_target, p_offset, p_size);
-  if (buffer != nullptr && p_size != 0)
-    std::memcpy(buffer->bytes.data() + p_offset, p_data, static_cast<std::size_t>(p_size));
-}
-
-void Model::GetBufferSubData(GlEnum p_target, GlSize p_offset, GlSize p_size, void* p_data) {
-  const BufferObject* const buffer = BoundRange("GetBufferSubData", p_target, p_offset, p_size);
-  if (buffer != nullptr && p_size != 0)
-    std::memcpy(p_data, buffer->bytes.data() + p_offset, static_cast<std::size_t>(p_size));
-}
-
 void* Model::MapBufferRange(GlEnum p_target, GlSize p_offset, GlSize p_length, GlBitfield p_access) {
   BufferObject* const buffer = BoundRange("MapBufferRange", p_target, p_offset, p_length);
   if (buffer == nullptr)
@@ -147,9 +135,6 @@ void Model::VertexPointer(int p_size, GlEnum p_type, int p_stride, const void* p
 }
 void Model::NormalPointer(GlEnum p_type, int p_stride, const void* p_pointer) {
   SetArray(RGL_NORMAL_ARRAY, 3, p_type, p_stride, p_pointer);
-}
-void Model::ColorPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer) {
-  SetArray(RGL_COLOR_ARRAY, p_size, p_type, p_stride, p_pointer);
 }
 void Model::TexCoordPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer) {
   SetArray(RGL_TEXTURE_COORD_ARRAY, p_size, p_type, p_stride, p_pointer);

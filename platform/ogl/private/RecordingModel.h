@@ -88,8 +88,6 @@ public:
                   GlEnum p_format, GlEnum p_type, const void* p_pixels);
   void TexImage3D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_depth,
                   int p_border, GlEnum p_format, GlEnum p_type, const void* p_pixels);
-  void GetTexImage(GlEnum p_target, int p_level, GlEnum p_format, GlEnum p_type, void* p_pixels);
-  void GetTexLevelParameteriv(GlEnum p_target, int p_level, GlEnum p_name, int* p_values);
   void GenerateMipmap(GlEnum p_target);
   void ReadPixels(int p_x, int p_y, int p_width, int p_height, GlEnum p_format, GlEnum p_type, void* p_pixels);
 
@@ -105,15 +103,12 @@ public:
   void DeleteBuffers(int p_count, const unsigned int* p_names);
   void BindBuffer(GlEnum p_target, unsigned int p_name);
   void BufferData(GlEnum p_target, GlSize p_size, const void* p_data, GlEnum p_usage);
-  void BufferSubData(GlEnum p_target, GlSize p_offset, GlSize p_size, const void* p_data);
-  void GetBufferSubData(GlEnum p_target, GlSize p_offset, GlSize p_size, void* p_data);
   void* MapBufferRange(GlEnum p_target, GlSize p_offset, GlSize p_length, GlBitfield p_access);
   GlBoolean UnmapBuffer(GlEnum p_target);
   void EnableClientState(GlEnum p_array) { Arrays()[p_array].enabled = true; }
   void DisableClientState(GlEnum p_array) { Arrays()[p_array].enabled = false; }
   void VertexPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
   void NormalPointer(GlEnum p_type, int p_stride, const void* p_pointer);
-  void ColorPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
   void TexCoordPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
   void EnableVertexAttribArray(unsigned int p_index) { Arrays()[p_index].enabled = true; }
   void DisableVertexAttribArray(unsigned int p_index) { Arrays()[p_index].enabled = false; }
@@ -289,7 +284,6 @@ private:
   std::set<unsigned int> _compiled; // shaders
   std::set<unsigned int> _linked;
   std::map<std::pair<unsigned int, std::string>, int> _uniforms;
-  std::map<GlEnum, RecordingGl::TextureLevel> _proxies;
   std::map<const GlQuadric*, bool> _quadrics; // whether each still exists
   std::deque<char> _quadricAddresses;
 };

@@ -47,10 +47,6 @@ GlEnum BindingOf(GlEnum p_target) {
   }
 }
 
-bool IsProxy(GlEnum p_target) {
-  return p_target == RGL_PROXY_TEXTURE_2D || p_target == RGL_PROXY_TEXTURE_3D;
-}
-
 } // namespace
 
 std::size_t ScalarBytes(GlEnum p_type) {
@@ -194,10 +190,6 @@ void Model::TexImage(const std::string& p_call, GlEnum p_target, int p_level, Re
   const int limit =
       static_cast<int>(Query(volume ? RGL_MAX_3D_TEXTURE_SIZE : RGL_MAX_TEXTURE_SIZE).value_or(Values{0}).front());
   const bool fits = p_image.width <= limit && p_image.height <= limit && p_image.depth <= limit;
-  if (IsProxy(p_target)) {
-    _proxies[p_target] = fits ? p_image : RecordingGl::TextureLevel{0, 0, 0, 0, 0, 0, {}};
-    return;
-  }
   RecordingGl::TextureObject* const texture = BoundTexture(p_call, p_target);
   const std::optional<PixelLayout> layout =
       Layout(p_call, true, p_image.width, p_image.height, p_image.depth, p_image.format, p_image.type);
@@ -223,51 +215,6 @@ void Model::TexImage(const std::string& p_call, GlEnum p_target, int p_level, Re
       }
   }
   texture->levels[p_level] = std::move(p_image);
-}
-
-void Model::GetTexImage(GlEnum p_target, int p_level, GlEnum p_format, GlEnum p_type, void* p_pixels) {
-  const RecordingGl::TextureObject* const texture = BoundTexture("GetTexImage", p_target);
-  if (texture == nullptr)
-    return;
-  const auto found = texture->levels.find(p_level);
-  if (found == texture->levels.end() || found->second.format != p_format || found->second.type != p_type)
-    return Complain("GetTexImage: the recorder converts no pixels, and the level has others or none");
-  const RecordingGl::TextureLevel& image = found->second;
-  const std::optional<PixelLayout> layout =
-      Layout("GetTexImage", false, image.width, image.height, image.depth, p_format, p_type);
-  if (!layout || image.pixels.empty())
-    return;
-  unsigned char* const to = PixelMemory("GetTexImage", RGL_PIXEL_PACK_BUFFER_BINDING, p_pixels, layout->end);
-  const auto rows = static_cast<std::size_t>(image.height) * static_cast<std::size_t>(image.depth);
-  for (std::size_t row = 0; to != nullptr && row < rows; ++row)
-    std::memcpy(to + layout->first + row * layout->rowStride, image.pixels.data() + row * layout->rowBytes,
-                layout->rowBytes);
-}
-
-void Model::GetTexLevelParameteriv(GlEnum p_target, int p_level, GlEnum p_name, int* p_values) {
-  RecordingGl::TextureLevel image{0, 0, 0, 0, 0, 0, {}};
-  if (IsProxy(p_target)) {
-    image = _proxies[p_target];
-  } else if (const RecordingGl::TextureObject* const texture = BoundTexture("GetTexLevelParameteriv", p_target)) {
-    if (const auto found = texture->levels.find(p_level); found != texture->levels.end())
-      image = found->second;
-  }
-  switch (p_name) {
-  case RGL_TEXTURE_WIDTH:
-    *p_values = image.width;
-    break;
-  case RGL_TEXTURE_HEIGHT:
-    *p_values = image.height;
-    break;
-  case RGL_TEXTURE_DEPTH:
-    *p_values = image.depth;
-    break;
-  case RGL_TEXTURE_INTERNAL_FORMAT:
-    *p_values = static_cast<int>(image.internalFormat);
-    break;
-  default:
-    Complain("GetTexLevelParameteriv: the recorder has no value for " + Name(p_name));
-  }
 }
 
 void Model::GenerateMipmap(GlEnum p_target) {

@@ -5,32 +5,6 @@ namespace {
 
 using RecordingGlCalls = RecordingScopeFixture;
 
-TEST_F(RecordingGlCalls, WritesArgumentsByNameAndValue) {
-  const double matrix[16] = {1, 0, 0, 0, 0, 0.1, 0, 0, 0, 0, -0.0, 0, 1e300, 0, 0, 1};
-  const float light[] = {0.1F};
-  const unsigned char mask[128] = {};
-  gl->BlendFuncSeparate(RGL_DST_COLOR, RGL_ZERO, RGL_ONE, RGL_SRC_ALPHA); // zero and one have other names elsewhere
-  gl->DrawBuffer(RGL_NONE);
-  gl->Begin(RGL_POINTS);
-  gl->MultiTexCoord(RGL_TEXTURE0 + 3, {-1.5, 0, 1e-20});
-  gl->End();
-  gl->Hint(RGL_LINE_SMOOTH_HINT, 0x7777);
-  gl->DepthMask(0);
-  gl->LoadMatrixd(matrix);
-  gl->Materialfv(RGL_FRONT, RGL_SHININESS, light);
-  gl->PolygonStipple(mask);
-  gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_REPLACE);
-  gl->TexEnvi(RGL_POINT_SPRITE, RGL_COORD_REPLACE, 1);
-  EXPECT_EQ(recorder.Lines(),
-            Calls("BlendFuncSeparate(GL_DST_COLOR, GL_ZERO, GL_ONE, GL_SRC_ALPHA); DrawBuffer(GL_NONE); "
-                  "Begin(GL_POINTS); MultiTexCoord3d(GL_TEXTURE3, -1.5, 0, 1e-20); End(); "
-                  "Hint(GL_LINE_SMOOTH_HINT, 0x7777); DepthMask(GL_FALSE); LoadMatrixd([1 0 0 0 0 0.1 0 0 0 0 -0 0 "
-                  "1e+300 0 0 1]); "
-                  "Materialfv(GL_FRONT, GL_SHININESS, [0.1]); PolygonStipple(mask 0x8421AE126C7CED25); "
-                  "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE); "
-                  "TexEnvi(GL_POINT_SPRITE, GL_COORD_REPLACE, 1)"));
-}
-
 /// Uploads pixels of this size to a new texture, from the bound pixel buffer or from nowhere.
 void Upload(Rgl& p_gl, int p_width, Ogl::GlEnum p_format, Ogl::GlEnum p_type, std::uintptr_t p_offset = 0) {
   const boost::shared_ptr<Ogl::Texture> texture = p_gl.GenTexture();
@@ -124,49 +98,6 @@ TEST(RecorderEndCalls, AnObjectThatOutlivesItsRecorderIsReported) {
   EXPECT_EQ(reports.Texts(), Lines{"WARNING: RecordingGl: DeleteTextures without a recorder"});
 }
 
-TEST_F(RecordingGlCalls, AttributeGroupsRestoreTheirStateOnly) {
-  gl->LineWidth(3);
-  gl->PushAttrib(RGL_LINE_BIT | RGL_ENABLE_BIT);
-  gl->LineWidth(5);
-  gl->Enable(RGL_BLEND);
-  gl->DepthFunc(RGL_ALWAYS);
-  gl->PopAttrib();
-  int width = 0, function = 0;
-  gl->GetIntegerv(RGL_LINE_WIDTH, &width);
-  gl->GetIntegerv(RGL_DEPTH_FUNC, &function);
-  EXPECT_TRUE(width == 3 && !gl->IsEnabled(RGL_BLEND));
-  EXPECT_EQ(function, static_cast<int>(RGL_ALWAYS)) << "not in the groups that were pushed";
-  gl->ActiveTexture(RGL_TEXTURE0 + 1);
-  gl->Enable(RGL_TEXTURE_2D);
-  gl->ActiveTexture(RGL_TEXTURE0);
-  EXPECT_FALSE(gl->IsEnabled(RGL_TEXTURE_2D)) << "enabled on unit 1 only";
-}
-
-TEST_F(RecordingGlCalls, CompiledListsChangeNoState) {
-  const boost::shared_ptr<Ogl::DisplayList> list = gl->GenDisplayList();
-  {
-    const boost::shared_ptr<void> recording = list->Compile();
-    gl->Enable(RGL_LIGHTING);
-    gl->Translate({1, 0, 0});
-  }
-  EXPECT_FALSE(gl->IsEnabled(RGL_LIGHTING));
-  EXPECT_EQ(recorder.ListLines(list->Name()), (Lines{"Enable(GL_LIGHTING)", "Translated(1, 0, 0)"}));
-}
-
-TEST_F(RecordingGlCalls, TexturesHoldWhatTheUnpackStateSelects) {
-  const boost::shared_ptr<Ogl::Texture> texture = gl->GenTexture();
-  gl->Bind(texture, Rgl::Sampler2D);
-  // Two rows of three bytes; GL's first alignment of 4 pads each row to four.
-  const unsigned char padded[] = {1, 2, 3, 99, 4, 5, 6};
-  gl->TexImage2D(RGL_TEXTURE_2D, 0, RGL_RGB8, 1, 2, 0, RGL_RGB, RGL_UNSIGNED_BYTE, padded);
-  const Ogl::RecordingGl::TextureLevel& level = recorder.FindTexture(texture->Name())->levels.at(0);
-  EXPECT_EQ(level.pixels, (std::vector<unsigned char>{1, 2, 3, 4, 5, 6}));
-  EXPECT_EQ(level.internalFormat, RGL_RGB8);
-  gl->PixelStorei(RGL_UNPACK_ALIGNMENT, 1);
-  gl->TexImage2D(RGL_TEXTURE_2D, 0, RGL_RGB8, 1, 2, 0, RGL_RGB, RGL_UNSIGNED_BYTE, padded);
-  EXPECT_EQ(level.pixels, (std::vector<unsigned char>{1, 2, 3, 99, 4, 5}));
-}
-
 TEST_F(RecordingGlCalls, ChosenCallsFail) {
   recorder.Fail("NewQuadric", 2);
   Ogl::GlQuadric* const first = gl->NewQuadric();
@@ -186,13 +117,6 @@ TEST_F(RecordingGlCalls, ChosenCallsFail) {
   gl->Enable(RGL_BLEND);
   gl->Enable(RGL_LIGHTING);
   EXPECT_TRUE(gl->IsEnabled(RGL_BLEND) && !gl->IsEnabled(RGL_LIGHTING));
-}
-
-TEST_F(RecordingGlCalls, EachScopeCallsItsOwnRecorder) {
-  const Ogl::RecordingGl other;
-  Scope(other.Handle())->Finish();
-  EXPECT_EQ(other.Lines(), Lines{"Finish()"});
-  EXPECT_EQ(recorder.Lines(), Lines());
 }
 
 } // namespace
