@@ -9,8 +9,8 @@
 
 namespace Vek::Chart::Library {
 
-/// A rectangle in window pixels, filled and outlined. Corners are truncated toward zero to whole pixels; a fully
-/// transparent colour leaves out its part, and with both transparent nothing is sent to GL.
+/// A rectangle in window pixels, filled and outlined. Corners are truncated toward zero to whole pixels. A part with a
+/// fully transparent colour is not drawn; if both are transparent, no GL call is made.
 ///
 /// The projection must map pixels to the viewport (`Rgl::PixelProjection`). Leaves the current colour changed.
 ///

@@ -12,9 +12,9 @@ namespace Vek::Chart::Library {
 /// An open cylinder or truncated cone along +z, in model units. The default is a frustum whose top has half the radius
 /// of its base.
 ///
-/// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
-/// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
-/// cannot make is reported and nothing is drawn.
+/// Drawn with the current colour and material and smooth normals. Leaves the current normal changed. The translation is
+/// undone by its inverse, so that the matrix is restored except for rounding. If GL cannot make a quadric, the failure
+/// is reported and nothing is drawn.
 ///
 /// \snippet DrawingSnippets.cpp Cylinder
 /// \image html shapes.jpg
@@ -24,8 +24,8 @@ public:
   Types::Vector3_Base<double> position; ///< the centre of the base
   double baseRadius = 1.0;              ///< at z = position.z
   double topRadius = 0.5;               ///< at z = position.z + height
-  double height = 1.0;                  ///< along z; a negative one points to −z
-  bool filled = true;                   ///< as faces, or as lines
+  double height = 1.0;                  ///< along z; a negative height extends to −z
+  bool filled = true;                   ///< faces if true, otherwise lines
   std::uint32_t slices = 25;            ///< around the axis
   std::uint32_t stacks = 25;            ///< along the axis
 

@@ -3,13 +3,19 @@
 #include "library/private/gl/QuadricDraw.h"
 
 namespace Vek::Chart::Library {
+namespace {
+
+namespace Signature {
+constexpr const char* Draw = "void __cdecl Vek::Chart::Library::Disk::operator ()(const class "
+                             "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const";
+} // namespace Signature
+
+} // namespace
 
 void Disk::operator()(const Utility::Unscoped<Rgl>& p_gl) const {
   Utility::Scoped<Rgl> gl(p_gl);
   const auto moved = Private::TranslateScope(gl, position);
-  const auto quadric = Private::MakeQuadric(gl, filled ? RGLU_FILL : RGLU_SILHOUETTE,
-                                            "void __cdecl Vek::Chart::Library::Disk::operator ()(const class "
-                                            "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const");
+  const auto quadric = Private::MakeQuadric(gl, filled ? RGLU_FILL : RGLU_SILHOUETTE, Signature::Draw);
   if (!quadric)
     return;
   const int sliceCount = static_cast<int>(slices);

@@ -9,12 +9,12 @@
 
 namespace Vek::Chart::Library {
 
-/// A disk, or a part of one, in the plane z = position.z, in model units; it faces +z. Not filled, only its silhouette
-/// is drawn. A new disk is empty until it gets a radius.
+/// A disk or a sector of one, in model units, in the plane z = position.z; it faces +z. Unfilled disks show their
+/// silhouette only. The default disk has radius 0 and is invisible.
 ///
-/// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
-/// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
-/// cannot make is reported and nothing is drawn.
+/// Drawn with the current colour and material and smooth normals. Leaves the current normal changed. The translation is
+/// undone by its inverse, so that the matrix is restored except for rounding. If GL cannot make a quadric, the failure
+/// is reported and nothing is drawn.
 ///
 /// \snippet DrawingSnippets.cpp Disk
 /// \image html shapes.jpg
@@ -28,7 +28,7 @@ public:
   std::uint32_t loops = 1;              ///< from the centre to the rim
   double startAngle = 0.0;              ///< degrees, clockwise from +y
   double sweepAngle = 360.0;            ///< degrees; exactly 360 draws the whole disk
-  bool filled = true;                   ///< as a face, or its silhouette as lines
+  bool filled = true;                   ///< a face if true, otherwise the silhouette as lines
 
   /// Draws the disk under a scope of its own on the handle.
   void operator()(const Utility::Unscoped<Rgl>& p_gl) const;

@@ -11,9 +11,9 @@
 
 namespace Vek::Chart::Library {
 
-/// Two rectangles in window pixels, one inside the other: either the inner one filled and outlined, or the frame
-/// between them filled and both outlined. Outlines are one pixel smaller than their rectangle, so that they lie inside
-/// its last column and row.
+/// Two nested rectangles in window pixels. Either the inner one is filled and outlined, or the frame between them is
+/// filled and both are outlined. Outlined rectangles are one pixel smaller, so that the line lies inside the last
+/// column and row.
 ///
 /// The projection must map pixels to the viewport (`Rgl::PixelProjection`). Leaves the current colour changed.
 ///
@@ -22,15 +22,15 @@ namespace Vek::Chart::Library {
 /// \ingroup drawables
 class VEK_LIBRARY_API FilledBox {
 public:
-  /// What is filled.
+  /// The filled area.
   enum Mode : std::int32_t {
-    FillInner = 0, ///< the inner rectangle, outlined; as is any other number but 1
-    FillFrame = 1, ///< what lies between the rectangles, both outlined
+    FillInner = 0, ///< the inner rectangle, outlined; also all numbers other than 1
+    FillFrame = 1, ///< the frame between the rectangles, both outlined
   };
 
   std::int32_t mode = FillInner;      ///< a Mode
   Types::Viewport<0> outer;           ///< in pixels from the lower left of the window
-  Types::Viewport<0> inner;           ///< in pixels; meant to lie within `outer`, which is not checked
+  Types::Viewport<0> inner;           ///< in pixels, within `outer` (not checked)
   QColor lineColor = Qt::black;       ///< of the outlines
   QColor fillColor = Qt::transparent; ///< of the area
 

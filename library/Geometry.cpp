@@ -8,30 +8,37 @@ namespace Vek::Chart::Library {
 
 namespace {
 
+namespace Signature {
 #define VEK_RECORDER(p_name)                                                                                           \
   "void __cdecl `anonymous-namespace'::" p_name "(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)"
+constexpr const char* DrawCone = VEK_RECORDER("DrawCone");
+constexpr const char* DrawCylinder = VEK_RECORDER("DrawCylinder");
+constexpr const char* DrawDisk = VEK_RECORDER("DrawDisk");
+constexpr const char* DrawSphere = VEK_RECORDER("DrawSphere");
+#undef VEK_RECORDER
+} // namespace Signature
 
 void DrawCone(Utility::Scoped<Rgl>& p_gl) {
-  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, VEK_RECORDER("DrawCone")))
+  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, Signature::DrawCone))
     p_gl->Cylinder(quadric.get(), 0.5, 0.0, 1.0, 16, 16);
 }
 
 void DrawCylinder(Utility::Scoped<Rgl>& p_gl) {
-  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, VEK_RECORDER("DrawCylinder")))
+  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, Signature::DrawCylinder))
     p_gl->Cylinder(quadric.get(), 0.5, 0.5, 1.0, 16, 16);
 }
 
 void DrawDisk(Utility::Scoped<Rgl>& p_gl) {
-  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, VEK_RECORDER("DrawDisk")))
+  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, Signature::DrawDisk))
     p_gl->Disk(quadric.get(), 0.0, 0.5, 16, 16);
 }
 
 void DrawSphere(Utility::Scoped<Rgl>& p_gl) {
-  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, VEK_RECORDER("DrawSphere")))
+  if (const auto quadric = Private::MakeQuadric(p_gl, RGLU_FILL, Signature::DrawSphere))
     p_gl->Sphere(quadric.get(), 0.5, 16, 16);
 }
 
-// Positions and normals, as a face's four vertices store them.
+// The positions and normals of each face's four vertices.
 //
 //        7-------6      z
 //       /|      /|      |  y
@@ -69,8 +76,8 @@ void DrawCube(Utility::Scoped<Rgl>& p_gl) {
   p_gl->End();
 }
 
-/// Moves the mesh to the origin in y and stretches its thickness to 1, in single precision as it is stored. Normals
-/// stay: each is either along z or has no z.
+/// Centres the mesh in y and scales its thickness to 1, in the single precision of the table. Normals stay valid: each
+/// is parallel or perpendicular to z.
 void DrawCircularArrow(Utility::Scoped<Rgl>& p_gl) {
   const Private::CircularArrowMesh& mesh = Private::CircularArrowMesh::Instance();
   p_gl->Begin(RGL_TRIANGLES);
@@ -78,9 +85,9 @@ void DrawCircularArrow(Utility::Scoped<Rgl>& p_gl) {
     const auto& [nx, ny, nz] = mesh.normals.at(static_cast<std::size_t>(index));
     const auto& [x, y, z] = mesh.positions.at(static_cast<std::size_t>(index));
     const float centred = y - 0.5f;
-    const float stretched = z / Private::CircularArrowMesh::Thickness - 0.5f;
+    const float scaled = z / Private::CircularArrowMesh::Thickness - 0.5f;
     p_gl->Normal(nx, ny, nz);
-    p_gl->Vertex(x, centred, stretched);
+    p_gl->Vertex(x, centred, scaled);
   }
   p_gl->End();
 }

@@ -13,19 +13,19 @@ namespace Vek::Chart::Library {
 ///
 /// | shape         | extent                                                                    |
 /// |---------------|---------------------------------------------------------------------------|
-/// | Cube          | edge 1 around the origin, one normal a face                               |
+/// | Cube          | edge 1 around the origin, one normal per face                               |
 /// | Sphere        | radius 0.5 around the origin                                              |
 /// | Cylinder      | open, radius 0.5, from z = 0 to 1                                         |
 /// | Cone          | open, radius 0.5 at z = 0, tip at z = 1                                   |
 /// | Disk          | radius 0.5 in the plane z = 0                                             |
 /// | CircularArrow | around the origin: x within ±0.499, y from −0.489 to 0.45, z within ±0.5  |
-/// | Ring          | nothing: its list is empty on purpose                                     |
+/// | Ring          | nothing: its list is empty, deliberately                                  |
 /// | Voxel         | the cube from 0 to 1 of `TexturedCube`, texture coordinates on unit 0     |
 ///
-/// All have normals but Voxel. Colour, material, texture and transformation are the caller's; a replay leaves the
-/// current normal (Voxel: the texture coordinate) changed. The lists belong to the context of the constructor's scope,
-/// which must be current when the object is destroyed. A quadric that GL cannot make is reported and leaves its list
-/// empty; a list that GL cannot make is reported and its shape draws nothing.
+/// All shapes except Voxel have normals. They are drawn with the current colour, material, texture and transformation.
+/// A replay leaves the current normal (Voxel: the texture coordinate) changed. The lists belong to the context of the
+/// handle, which must be current when the last copy is destroyed. If GL cannot make a quadric or a list, the failure is
+/// reported and the shape draws nothing.
 ///
 /// \snippet DrawingSnippets.cpp Geometry
 /// \image html shapes.jpg
@@ -37,11 +37,11 @@ public:
   ~Geometry();
   /// Copies share the lists.
   Geometry(const Geometry&) = default;
-  /// As the copy.
+  /// Copy assignment; shares the lists.
   Geometry& operator=(const Geometry&) = default;
 
   ///@{
-  /// Replays the unit shape of that name (see the table). The scope only proves that one is open.
+  /// Replays the unit shape of that name (see the table). The scope is unused; it guarantees a current context.
   void Cube(const Utility::Scoped<Rgl>& p_gl) const;
   void Sphere(const Utility::Scoped<Rgl>& p_gl) const;
   void Cylinder(const Utility::Scoped<Rgl>& p_gl) const;

@@ -5,16 +5,24 @@
 #include "platform/types/Transformation.h"
 
 namespace Vek::Chart::Ogl::Library {
+namespace {
+
+namespace Signature {
+constexpr const char* Constructor = "__cdecl Vek::Chart::Ogl::Library::Ring::Ring(void)";
+constexpr const char* Draw = "void __cdecl Vek::Chart::Ogl::Library::Ring::operator ()(const class "
+                             "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const";
+} // namespace Signature
+
+} // namespace
 
 Ring::Ring() {
   BuildMesh();
 }
 
 void Ring::BuildMesh() {
-  const char* const signature = "__cdecl Vek::Chart::Ogl::Library::Ring::Ring(void)";
-  VEK_ENSURE(segments > 2, signature);
-  VEK_ENSURE((innerRadius > 0.0) && (innerRadius < outerRadius), signature);
-  VEK_ENSURE((outerRadius > 0.0) && (outerRadius > innerRadius), signature);
+  VEK_ENSURE(segments > 2, Signature::Constructor);
+  VEK_ENSURE((innerRadius > 0.0) && (innerRadius < outerRadius), Signature::Constructor);
+  VEK_ENSURE((outerRadius > 0.0) && (outerRadius > innerRadius), Signature::Constructor);
 
   const double t = thickness.Defined() ? thickness.Value() : outerRadius - innerRadius;
   const double step = 2 * Types::Angle::Pi / segments;
@@ -37,22 +45,20 @@ void Ring::BuildMesh() {
 }
 
 void Ring::operator()(const Utility::Unscoped<Rgl>& p_gl) const {
-  const char* const signature = "void __cdecl Vek::Chart::Ogl::Library::Ring::operator ()(const class "
-                                "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const";
   Utility::Scoped<Rgl> gl(p_gl);
-  VEK_ENSURE((indices.size() % 3) == 0, signature);
+  VEK_ENSURE((indices.size() % 3) == 0, Signature::Draw);
   const bool moved = position != Types::Vector3_Base<double>(0, 0, 0);
   if (moved)
     gl->Translate(position);
   gl->Begin(RGL_TRIANGLES);
   const boost::shared_ptr<void> ended = MakeGuard([&gl] { gl->End(); });
-  // Moves back inside the pair, deliberately; see the class.
+  // Released first, deliberately between Begin and End; see the class.
   const boost::shared_ptr<void> movedBack = MakeGuard([&gl, moved, this] {
     if (moved)
       gl->Translate(-position);
   });
   for (std::size_t k = 0; k < indices.size(); ++k) {
-    if (!VEK_CHECK_RANGE(indices[k], vertices.size(), "0 <= indices[k] < vertices.size()", signature))
+    if (!VEK_CHECK_RANGE(indices[k], vertices.size(), "0 <= indices[k] < vertices.size()", Signature::Draw))
       continue;
     const Types::Vector3_Base<double>& vertex = vertices[indices[k]];
     switch (k / 6 % 4) {

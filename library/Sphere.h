@@ -11,9 +11,9 @@ namespace Vek::Chart::Library {
 
 /// A sphere, in model units.
 ///
-/// Drawn with the current colour and material and smooth normals. Leaves the current normal changed, and nothing
-/// else: the translation is undone by its inverse, so that the matrix returns but for rounding. A quadric that GL
-/// cannot make is reported and nothing is drawn.
+/// Drawn with the current colour and material and smooth normals. Leaves the current normal changed. The translation is
+/// undone by its inverse, so that the matrix is restored except for rounding. If GL cannot make a quadric, the failure
+/// is reported and nothing is drawn.
 ///
 /// \snippet DrawingSnippets.cpp Sphere
 /// \image html shapes.jpg
@@ -22,7 +22,7 @@ class VEK_LIBRARY_API Sphere {
 public:
   Types::Vector3_Base<double> position; ///< the centre
   double radius = 1.0;                  ///< in model units
-  bool filled = true;                   ///< as faces, or as lines
+  bool filled = true;                   ///< faces if true, otherwise lines
   std::uint32_t slices = 25;            ///< around the z axis
   std::uint32_t stacks = 25;            ///< along the z axis
 

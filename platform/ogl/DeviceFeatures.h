@@ -7,25 +7,25 @@
 
 namespace Vek::Chart::Ogl {
 
-/// What the device of a context can do beyond its GL version, read once from the version and the extension list.
+/// The optional features of a context's device, determined by GL version and extensions.
 class VEK_PLATFORM_API DeviceFeatures {
 public:
-  /// What a device may lack.
+  /// Features that a device may lack.
   enum Feature : unsigned int {
     FeatureFrameBufferObject = 0,      ///< frame-buffer objects
     FeatureFloatTextures = 1,          ///< textures of 16- and 32-bit floats
     FeatureInstancing = 2,             ///< instanced draw calls and per-instance attributes
     FeatureSrgbFrameBuffer = 3,        ///< frame buffers that take linear light and store sRGB
-    FeatureMultisampleFrameBuffer = 4, ///< frame-buffer objects with several samples a pixel
+    FeatureMultisampleFrameBuffer = 4, ///< frame-buffer objects with several samples per pixel
     FeatureVolumeTextures = 5,         ///< 3-D textures
   };
 
   DeviceFeatures() = default; ///< none
-  /// These, and no others.
+  /// A device with exactly these features.
   explicit DeviceFeatures(std::set<Feature> p_supported)
       : _supported(std::move(p_supported)) {}
 
-  /// Whether the device has the feature.
+  /// True if the device has the feature.
   bool Supported(Feature p_feature) const { return _supported.count(p_feature) != 0; }
 
 private:

@@ -2,8 +2,8 @@
 // GL's without "gl" ("glu" in the second list). Included with VEK_GL (and VEK_GLU) defined; it has no include guard on
 // purpose.
 //
-// From this list come the table of function pointers, its native and its recording filling, and the raw entry points of
-// Rgl.
+// The list makes the table of function pointers, its native and recording functions, and the members of Rgl of the same
+// names.
 
 #ifndef VEK_GLU
 #define VEK_GLU VEK_GL

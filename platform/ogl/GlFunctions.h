@@ -13,7 +13,8 @@ struct GlFunctions {
 #include "platform/ogl/GlFunctionList.h"
 };
 
-/// The functions of the GL context that is current at each call, whoever made it.
+/// The functions of the GL context that is current at each call. A function that this context lacks is reported by name
+/// at its first call and does nothing.
 VEK_PLATFORM_API const GlFunctions& NativeGl();
 
 } // namespace Vek::Chart::Ogl

@@ -1,6 +1,6 @@
 // The GL and GLU constants that the project uses: name without prefix, value. Included with VEK_GL_TOKEN and
-// VEK_GLU_TOKEN defined; it has no include guard on purpose. GlTokens.cpp holds every value against the system's
-// headers.
+// VEK_GLU_TOKEN defined; it has no include guard on purpose. GlTokens.cpp checks every value against the
+// system's headers.
 
 // Nothing and truth
 VEK_GL_TOKEN(NONE, 0x0000)

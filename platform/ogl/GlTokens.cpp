@@ -8,7 +8,7 @@
 
 #include <type_traits>
 
-// Holds our constants and scalar types against the system's headers; there is nothing to run.
+// Checks the constants and scalar types against the system's headers, at compile time.
 
 namespace Vek::Chart::Ogl {
 

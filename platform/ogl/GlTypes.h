@@ -5,9 +5,10 @@
 
 namespace Vek::Chart::Ogl {
 
-// The scalar types of GL, so that no header of ours needs a GL header. GlTokens.cpp holds them against the system's.
+// The scalar types of GL, so that headers of this project need no GL header. GlTokens.cpp checks them against the
+// system's headers.
 using GlEnum = unsigned int;     ///< a token, RGL_…
-using GlBitfield = unsigned int; ///< tokens or'ed together
+using GlBitfield = unsigned int; ///< a combination of tokens
 using GlBoolean = unsigned char; ///< 0 or 1
 using GlSize = std::ptrdiff_t;   ///< bytes
 

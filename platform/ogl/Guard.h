@@ -7,8 +7,8 @@
 
 namespace Vek::Chart::Ogl {
 
-/// A guard that calls `p_release` when its last holder lets go of it, or at once when there is no memory for it.
-/// `p_release` must not throw, and moving it neither.
+/// A guard that calls `p_release` with its last holder's end, or at once if there is no memory for the guard. Neither
+/// `p_release` nor moving it may throw.
 template <class Release>
 boost::shared_ptr<void> MakeGuard(Release p_release) {
   struct Guard {
@@ -20,7 +20,7 @@ boost::shared_ptr<void> MakeGuard(Release p_release) {
   try {
     return boost::make_shared<Guard>(std::move(p_release));
   } catch (...) {
-    p_release(); // not moved from: memory comes first
+    p_release(); // not moved from: the allocation comes first
     throw;
   }
 }

@@ -39,7 +39,7 @@ struct GluCall {
 template <class Function>
 GluCall(Function*) -> GluCall<Function>;
 
-/// What a context must have for a group of functions: a GL version, as 10 * major + minor, or the extension.
+/// A group of functions needs a GL version, as 10 * major + minor, or the extension.
 struct Need {
   std::string_view functions; // separated by blanks
   int version = 0;
@@ -75,7 +75,7 @@ constexpr bool HasWord(std::string_view p_words, std::string_view p_word) {
   return false;
 }
 
-/// What a function needs; version 0 for those of GL 1.1, which every context has.
+/// The need of a function; version 0 for functions of GL 1.1, which every context has.
 constexpr Need NeedOf(std::string_view p_function) {
   for (const Need& need : Needs)
     if (HasWord(need.functions, p_function))

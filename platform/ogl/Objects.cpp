@@ -7,6 +7,14 @@
 #include <utility>
 
 namespace Vek::Chart::Ogl {
+namespace {
+
+namespace Signature {
+constexpr const char* Compile =
+    "class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::DisplayList::Compile(void) const";
+} // namespace Signature
+
+} // namespace
 
 Texture::Texture(boost::shared_ptr<const GlFunctions> p_gl)
     : _gl(std::move(p_gl)) {
@@ -28,8 +36,7 @@ DisplayList::~DisplayList() {
 }
 
 boost::shared_ptr<void> DisplayList::Compile() const {
-  if (!VEK_ENSURE(_name != 0,
-                  "class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::DisplayList::Compile(void) const"))
+  if (!VEK_ENSURE(_name != 0, Signature::Compile))
     return MakeGuard([] {});
   _gl->NewList(_name, RGL_COMPILE);
   return MakeGuard([gl = _gl] { gl->EndList(); });

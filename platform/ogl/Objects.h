@@ -13,7 +13,7 @@ namespace Vek::Chart::Ogl {
 // own context must ensure this: otherwise the name is leaked, or an object of another context that has the same name is
 // deleted. Objects of an `OffscreenContext` may outlive it; they are then reported and dropped.
 
-/// The name of a GL texture. Its target and contents are decided by whoever binds it first.
+/// The name of a GL texture. The first bind decides its target.
 class VEK_PLATFORM_API Texture {
 public:
   /// A new name in the current context; 0 when GL makes none.
@@ -29,7 +29,7 @@ private:
   unsigned int _name = 0;
 };
 
-/// A display list: recorded once, replayed by calling it.
+/// A display list, which is recorded once and replayed by calling it.
 class VEK_PLATFORM_API DisplayList {
 public:
   /// A new, empty list in the current context; name 0 when GL makes none.
@@ -40,9 +40,10 @@ public:
   /// The name in GL.
   unsigned int Name() const { return _name; }
 
-  /// Starts recording (GL_COMPILE: nothing is drawn meanwhile). Releasing the guard ends it. Lists cannot be nested.
+  /// Starts recording with GL_COMPILE: nothing is drawn meanwhile. Releasing the guard ends the recording. Lists cannot
+  /// be nested. A list without a name is reported and records nothing.
   boost::shared_ptr<void> Compile() const;
-  /// Replays what was recorded.
+  /// Replays the recorded calls; does nothing without a name.
   void operator()() const;
 
 private:
@@ -50,7 +51,7 @@ private:
   unsigned int _name = 0;
 };
 
-/// A frame-buffer object without attachments of its own; whoever made it attaches textures or renderbuffers.
+/// The name of a frame-buffer object, to which textures and renderbuffers are attached by its user.
 class VEK_PLATFORM_API FrameBufferObject {
 public:
   /// A new name in the current context; 0 when GL makes none.
@@ -66,7 +67,7 @@ private:
   unsigned int _name = 0;
 };
 
-/// Storage for one attachment of a frame-buffer object that is never sampled.
+/// The name of a renderbuffer: storage for one attachment of a frame-buffer object, never sampled.
 class VEK_PLATFORM_API RenderBuffer {
 public:
   /// A new name in the current context; 0 when GL makes none.

@@ -54,7 +54,7 @@ boost::shared_ptr<RenderBuffer> MakeStorage(const Rgl& p_gl, GlEnum p_format, Ty
   return storage;
 }
 
-/// Binds the new frame buffer. Without `p_depth` it has colours only.
+/// Makes a frame buffer and binds it. Without `p_depth` it has colours only.
 Target MakeTarget(const Rgl& p_gl, Types::Size p_size, int p_samples, bool p_depth) {
   Target target;
   target.color = MakeStorage(p_gl, RGL_RGBA8, p_size, p_samples);
@@ -79,7 +79,7 @@ constexpr bool IsDelete(std::string_view p_function) {
   return p_function.substr(0, 6) == "Delete";
 }
 
-/// The functions of a context that has ended: they do nothing, and report the objects that were released too late.
+/// The functions after the end of the context. They do nothing; late deletions are reported.
 GlFunctions MakeEndedGl() {
   GlFunctions table;
 #define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \
@@ -93,7 +93,7 @@ GlFunctions MakeEndedGl() {
   return table;
 }
 
-/// A handle whose scopes make the context current, as long as there is one.
+/// A handle whose scopes make the context current while it exists.
 Utility::Unscoped<Rgl> MakeHandle(const boost::shared_ptr<const GlFunctions>& p_functions,
                                   const boost::weak_ptr<EglContext>& p_context) {
   const auto enter = [p_context] {
@@ -120,7 +120,7 @@ struct VEK_HIDDEN OffscreenContext::State {
       multisampled = {};
       plain = {};
     } catch (...) {
-      // EGL refuses the context: its objects go with it, and there is nothing to call.
+      // The objects end with the context.
       ReportQuietly([] { vekdebug::warn("OffscreenContext: the context could not be made current at its end"); });
     }
     *functions = MakeEndedGl(); // for handles and objects that are still held
@@ -134,7 +134,7 @@ struct VEK_HIDDEN OffscreenContext::State {
     if (samples != 0)
       multisampled = MakeTarget(p_gl, size, samples, true);
   }
-  /// Where everything is drawn.
+  /// The frame buffer that is drawn into.
   unsigned int FrameBufferName() const { return (multisampled.frameBuffer ? multisampled : plain).frameBuffer->Name(); }
 
   Types::Size size;
@@ -142,7 +142,7 @@ struct VEK_HIDDEN OffscreenContext::State {
   boost::shared_ptr<GlFunctions> functions = boost::make_shared<GlFunctions>(NativeGl());
   Utility::Unscoped<Rgl> handle = MakeHandle(functions, egl);
   Target multisampled; // empty without multisampling
-  Target plain;        // where samples are resolved to, if there are any
+  Target plain;        // samples are resolved into it
 };
 
 OffscreenContext::OffscreenContext(Types::Size p_size, int p_samples)
@@ -179,7 +179,7 @@ void OffscreenContext::BindFrameBuffer() {
 
 namespace {
 
-/// The scissor test of the host would cut a copy between frame buffers.
+/// Copies all pixels; the scissor test of the host would cut the copy.
 void ResolveSamples(const Rgl& p_gl, const Target& p_from, const Target& p_to, Types::Size p_size) {
   const boost::shared_ptr<void> state = p_gl.PushAttribScope(RGL_ENABLE_BIT);
   p_gl.Disable(RGL_SCISSOR_TEST);

@@ -11,8 +11,8 @@
 
 namespace Vek::Chart::Ogl {
 
-/// A GL context (compatibility profile) without a window, through EGL without a display, with a frame buffer of its
-/// own: a hardware device where there is one, the software rasteriser elsewhere.
+/// A GL context (compatibility profile) with its own frame buffer and without a window. EGL makes it without a display,
+/// on a hardware device if there is one, otherwise on the software rasteriser.
 ///
 /// The frame buffer (8-bit RGBA, 24-bit depth, 8-bit stencil, optionally multisampled) is bound and the viewport covers
 /// it when the constructor returns.
@@ -25,18 +25,18 @@ namespace Vek::Chart::Ogl {
 /// \ingroup host
 class VEK_PLATFORM_API OffscreenContext {
 public:
-  /// Throws std::runtime_error when no context can be made; the text says which step failed and what to install.
-  /// `p_samples` is the number of samples a pixel, 0 for none; it is lowered to what the device can do.
+  /// `p_samples` is the number of samples per pixel, 0 for none, limited to the maximum of the device. Throws
+  /// std::runtime_error if no context can be made; the message names the failed step and the packages to install.
   explicit OffscreenContext(Types::Size p_size, int p_samples = 0);
   ~OffscreenContext();
   OffscreenContext(const OffscreenContext&) = delete;
   OffscreenContext& operator=(const OffscreenContext&) = delete;
 
-  /// Scopes opened on it make this context current.
+  /// The handle on which rendering scopes are opened; they make this context current.
   const Utility::Unscoped<Rgl>& Handle() const;
   /// The size of the frame buffer in pixels.
   Types::Size Size() const;
-  /// The name of the driver that renders, as GL_RENDERER says.
+  /// The name of the renderer (GL_RENDERER).
   std::string Renderer() const;
   /// Binds the context's own frame buffer and sets the viewport to it.
   void BindFrameBuffer();

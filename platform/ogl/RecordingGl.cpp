@@ -17,7 +17,7 @@
 namespace Vek::Chart::Ogl {
 
 struct VEK_HIDDEN RecordingGl::State {
-  /// Runs one call on the model (or its failure) and writes it down.
+  /// Runs one call on the model, or its failure, and records it.
   template <class Run, class Refuse, class Arguments>
   auto Call(const Recording::Signature& p_signature, Run p_run, Refuse p_refuse, const Arguments& p_arguments) {
     model.BeforeCall(p_signature.name);
@@ -53,7 +53,7 @@ struct VEK_HIDDEN RecordingGl::State {
     return fails;
   }
 
-  boost::weak_ptr<State> previous; // whom the calls went to before the outermost scope
+  boost::weak_ptr<State> previous; // the recorder that was active before the outermost scope
   struct Line {
     std::string name;
     std::string text;
@@ -69,7 +69,7 @@ struct VEK_HIDDEN RecordingGl::State {
 
 namespace {
 
-/// The recorder that this thread's calls go to.
+/// The recorder that receives the calls of this thread.
 thread_local boost::shared_ptr<RecordingGl::State> active;
 
 template <class Run, class Refuse, class Arguments>

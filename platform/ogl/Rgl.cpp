@@ -119,7 +119,7 @@ boost::shared_ptr<void> Rgl::PixelProjection(const Types::Viewport<0>& p_viewpor
 
 namespace {
 
-/// Truncated toward zero; what no int can hold becomes the nearest int, NaN becomes 0.
+/// Truncates toward zero, limited to the range of int. NaN becomes 0.
 int ToInt(float p_value) {
   constexpr float Limit = 2147483648.0F; // 2^31, one above the largest int
   if (p_value >= Limit)
@@ -206,7 +206,7 @@ std::string_view TextOf(const unsigned char* p_text) {
   return p_text == nullptr ? std::string_view() : reinterpret_cast<const char*>(p_text);
 }
 
-/// "major.minor[.patch]", whatever follows; 0.0.0 when there is no such text.
+/// Reads "major.minor[.patch]" at the start of the string; 0.0.0 if there is none.
 Utility::VersionNo ParseVersion(std::string_view p_text) {
   int parts[3] = {0, 0, 0};
   const char* position = p_text.data();
@@ -220,7 +220,7 @@ Utility::VersionNo ParseVersion(std::string_view p_text) {
   return {parts[0], parts[1], parts[2]};
 }
 
-/// What a feature needs: a GL version, or all extensions of one of the two lists (blank-separated).
+/// A feature needs a GL version, or all extensions of one of the two blank-separated lists.
 struct FeatureRule {
   DeviceFeatures::Feature feature;
   Utility::VersionNo version;
@@ -270,7 +270,7 @@ const DeviceFeatures& Rgl::Features() const {
     return None;
   }
   const Utility::VersionNo version = ParseVersion(TextOf(versionText));
-  // Newer contexts have everything in their core, and some of them no longer know the list of extensions.
+  // Newer contexts have all features in their core, and core profiles do not list their extensions.
   const std::set<std::string_view> extensions =
       version < Utility::VersionNo(3, 3, 0) ? Words(TextOf(GetString(RGL_EXTENSIONS))) : std::set<std::string_view>();
   std::set<DeviceFeatures::Feature> supported;
@@ -314,7 +314,7 @@ std::string ErrorName(GlEnum p_error) {
 } // namespace
 
 bool Rgl::CheckError(const std::string& p_location) const {
-  // A context has few error flags; a lost one, though, answers with errors for ever.
+  // A context has few error flags, but a lost context returns errors without end.
   constexpr int MostErrors = 32;
   for (int count = 0; count < MostErrors; ++count) {
     const GlEnum error = GetError();

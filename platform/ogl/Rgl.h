@@ -40,13 +40,13 @@ class BufferPool;
 /// \ingroup host
 class VEK_PLATFORM_API Rgl : private boost::noncopyable {
 public:
-  /// What a texture is bound as; the values are those of the GL targets.
+  /// The target that a texture is bound to; the values are those of GL.
   enum TexSamplerType : GlEnum {
-    Sampler1D = RGL_TEXTURE_1D, ///< a row
-    Sampler2D = RGL_TEXTURE_2D, ///< a picture
+    Sampler1D = RGL_TEXTURE_1D, ///< a row of texels
+    Sampler2D = RGL_TEXTURE_2D, ///< an image
     Sampler3D = RGL_TEXTURE_3D, ///< a volume
   };
-  /// The number of a texture coordinate set; added to RGL_TEXTURE0.
+  /// The number of a texture coordinate set, from 0; it is added to RGL_TEXTURE0.
   using TexCoordIndex = unsigned int;
 
   /// `p_gl` is the table that all calls go through. Functions that it lacks are reported by name ("WARNING: Rgl: the
@@ -58,7 +58,7 @@ public:
                boost::function<void()> p_release = {});
   ~Rgl();
 
-  /// For a host (a Qt widget, say) that makes its own context current before it opens a scope.
+  /// A handle for hosts that make their own context current before they open a scope, a Qt widget for example.
   static Utility::Unscoped<Rgl> OnCurrentContext();
 
   ///@{
@@ -66,7 +66,7 @@ public:
   void ScopeBegin();
   void ScopeEnd();
   ///@}
-  /// How many scopes are open.
+  /// The number of open scopes.
   unsigned int ScopeDepth() const { return _scopeDepth; }
 
   // The GL functions by their own names, the raw entry points.
@@ -88,7 +88,7 @@ public:
   }
   ///@}
   ///@{
-  /// Sets the current normal, which GL does not make a unit vector unless RGL_NORMALIZE is enabled.
+  /// Sets the current normal. GL normalises it only while RGL_NORMALIZE is enabled.
   void Normal(const Types::Vector3_Base<double>& p_normal) const {
     Normal3d(p_normal.x, p_normal.y, p_normal.z);
   }
@@ -106,35 +106,36 @@ public:
   void MultiTexCoord(GlEnum p_unit, const Types::Vector3_Base<double>& p_coordinate) const {
     MultiTexCoord3d(p_unit, p_coordinate.x, p_coordinate.y, p_coordinate.z);
   }
-  /// A vertex at a corner of the pixel grid, in window pixels from the lower left. Meant for a projection that maps
-  /// pixels to the viewport; `PixelProjection` sets one.
+  /// A vertex at a corner of the pixel grid, in window pixels from the lower left. The projection must map pixels to
+  /// the viewport, as `PixelProjection` does.
   void Pixel(int p_x, int p_y) const {
     Vertex2i(p_x, p_y);
   }
 
-  // Matrices. Each multiplies the current matrix from the right: what is drawn next is moved first by the last one.
+  // Matrices. Each operation multiplies the current matrix from the right, so that the last one is applied first.
 
-  /// Moves what is drawn next.
+  /// Multiplies by a translation, in model units.
   void Translate(const Types::Vector3_Base<double>& p_offset) const {
     Translated(p_offset.x, p_offset.y, p_offset.z);
   }
-  /// Stretches what is drawn next along the axes.
+  /// Multiplies by a scaling along the axes.
   void Scale(const Types::Vector3_Base<double>& p_factors) const {
     Scaled(p_factors.x, p_factors.y, p_factors.z);
   }
-  /// Turns what is drawn next, right-handed about an axis through the origin.
+  /// Multiplies by a right-handed rotation about an axis through the origin.
   void Rotate(Types::Angle p_angle, const Types::Vector3_Base<double>& p_axis) const {
     Rotated(p_angle.Degrees(), p_axis.x, p_axis.y, p_axis.z);
   }
-  /// Moves and turns what is drawn next.
+  /// Multiplies by a transformation.
   void MultMatrix(const Types::Transformation& p_transformation) const;
   /// Replaces projection and model view so that one unit is one pixel of the viewport, with the origin in its lower
-  /// left corner. Releasing the guard restores both matrices and the matrix mode.
+  /// left corner. A viewport without area is reported and gives the identity. Releasing the guard restores both
+  /// matrices and the matrix mode.
   boost::shared_ptr<void> PixelProjection(const Types::Viewport<0>& p_viewport) const;
 
   // State.
 
-  /// Sets the viewport; all four numbers are truncated to whole pixels.
+  /// Sets the viewport; all four numbers are truncated to whole pixels and limited to the range of int. NaN becomes 0.
   void Viewport(const Types::Viewport<0>& p_viewport) const;
   /// Sets the colour that Clear fills the frame buffer with.
   void ClearColor(const QColor& p_color) const;
@@ -145,7 +146,7 @@ public:
 
   /// A new texture name, without contents.
   boost::shared_ptr<Texture> GenTexture() const;
-  /// Binds a texture on the active unit; an empty pointer is reported and binds none.
+  /// Binds a texture to the active unit. An empty pointer is reported and unbinds.
   void Bind(const boost::shared_ptr<Texture>& p_texture, TexSamplerType p_sampler) const;
   /// A new, empty display list.
   boost::shared_ptr<DisplayList> GenDisplayList() const;
@@ -161,15 +162,15 @@ public:
 
   // The device.
 
-  /// The version of the context, from the front of GL_VERSION.
+  /// The version number at the start of GL_VERSION; 0.0.0 if there is none.
   Utility::VersionNo GlVersion() const;
-  /// What the device can do; asked once.
+  /// The features of the device, read at the first call.
   const DeviceFeatures& Features() const;
   /// The largest width and height of a 2-D texture, in texels.
   int GetMaxTextureSize() const;
 
-  /// Takes all pending GL errors; each is written to the error stream as "WARNING: ", its name, " - " and `p_location`.
-  /// Returns true when there was none.
+  /// Takes and reports all pending GL errors, each as "WARNING: ", its name, " - " and `p_location`. Returns true if
+  /// there was none.
   bool CheckError(const std::string& p_location) const;
 
   /// The table that all calls go through.
@@ -183,7 +184,7 @@ private:
   boost::function<void()> _release;
   unsigned int _scopeDepth = 0;
   std::unique_ptr<BufferPool> _bufferPool;
-  mutable std::unique_ptr<const DeviceFeatures> _features; // constant for a context, so no copy of state
+  mutable std::unique_ptr<const DeviceFeatures> _features; // empty until they are read
 };
 
 } // namespace Vek::Chart::Ogl

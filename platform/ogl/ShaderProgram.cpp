@@ -17,7 +17,7 @@ public:
   explicit Handle(boost::shared_ptr<const GlFunctions> p_gl)
       : _gl(std::move(p_gl))
       , _name(_gl->CreateProgram()) {}
-  ~Handle() { _gl->DeleteProgram(_name); } // of 0, which GL passes over, when there is none
+  ~Handle() { _gl->DeleteProgram(_name); } // GL ignores name 0
   Handle(const Handle&) = delete;
   Handle& operator=(const Handle&) = delete;
   unsigned int Name() const { return _name; }
@@ -29,7 +29,19 @@ private:
 
 namespace {
 
-/// A shader that lives while a program is put together.
+namespace Signature {
+#define VEK_STRING "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> >"
+#define VEK_SCOPE "class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &"
+constexpr const char* Constructor =
+    "__cdecl Vek::Chart::Ogl::ShaderProgram::ShaderProgram(" VEK_SCOPE ",const " VEK_STRING " &,const " VEK_STRING
+    " &,const class std::vector<" VEK_STRING ",class std::allocator<" VEK_STRING " > > &)";
+constexpr const char* Use =
+    "class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::ShaderProgram::Use(" VEK_SCOPE ") const";
+#undef VEK_STRING
+#undef VEK_SCOPE
+} // namespace Signature
+
+/// A shader that is deleted once its program is linked.
 class Shader {
 public:
   Shader(const Rgl& p_gl, GlEnum p_type)
@@ -48,7 +60,7 @@ private:
 using GetParameter = void (Rgl::*)(unsigned int, GlEnum, int*) const;
 using GetLog = void (Rgl::*)(unsigned int, int, int*, char*) const;
 
-/// Whether the step went well; reports GL's log otherwise.
+/// True if the step succeeded; otherwise reports GL's log.
 bool CheckStep(const Rgl& p_gl, const char* p_step, unsigned int p_name, GlEnum p_status, GetParameter p_get,
                GetLog p_log) {
   int done = 0;
@@ -85,13 +97,7 @@ bool Compile(const Rgl& p_gl, const char* p_step, unsigned int p_name, const std
 ShaderProgram::ShaderProgram(Utility::Scoped<Rgl>& p_gl, const std::string& p_vertexText,
                              const std::string& p_fragmentText, const std::vector<std::string>& p_attributes) {
   const Rgl& gl = *p_gl;
-  if (!VEK_ENSURE(gl.GlVersion() >= Utility::VersionNo(2, 0, 0),
-                  "__cdecl Vek::Chart::Ogl::ShaderProgram::ShaderProgram(class Vek::Chart::Utility::Scoped<class "
-                  "Vek::Chart::Ogl::Rgl> &,const class std::basic_string<char,struct std::char_traits<char>,class "
-                  "std::allocator<char> > &,const class std::basic_string<char,struct std::char_traits<char>,class "
-                  "std::allocator<char> > &,const class std::vector<class std::basic_string<char,struct "
-                  "std::char_traits<char>,class std::allocator<char> >,class std::allocator<class "
-                  "std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> > > > &)"))
+  if (!VEK_ENSURE(gl.GlVersion() >= Utility::VersionNo(2, 0, 0), Signature::Constructor))
     return;
   const Shader vertex(gl, RGL_VERTEX_SHADER);
   const Shader fragment(gl, RGL_FRAGMENT_SHADER);
@@ -117,8 +123,7 @@ unsigned int ShaderProgram::Name() const {
 }
 
 boost::shared_ptr<void> ShaderProgram::Use(Utility::Scoped<Rgl>& p_gl) const {
-  if (!VEK_ENSURE(Linked(), "class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::ShaderProgram::Use(class "
-                            "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &) const"))
+  if (!VEK_ENSURE(Linked(), Signature::Use))
     return MakeGuard([] {});
   int previous = 0;
   p_gl->GetIntegerv(RGL_CURRENT_PROGRAM, &previous);

@@ -16,31 +16,30 @@ namespace Vek::Chart::Ogl {
 
 /// A GLSL program of one vertex and one fragment shader.
 ///
-/// The name of the program is deleted with the last copy, while the context that made it must be current.
+/// Copies share the program. Its name is deleted with the last copy, when the context that made it must be current.
 ///
 /// \snippet HostSnippets.cpp ShaderProgram
 /// \ingroup host
 class VEK_PLATFORM_API ShaderProgram {
 public:
   /// Compiles and links. `p_attributes` are the names of vertex attributes in the order of their locations, from 0 on;
-  /// an empty name leaves a location to GL. What GL refuses is reported, as "WARNING: ", the step, ": " and GL's log;
-  /// the program is then not linked.
+  /// an empty name leaves the location to GL. A step that fails is reported as "WARNING: ", the step, ": " and GL's
+  /// log, and the program is not linked.
   ShaderProgram(Utility::Scoped<Rgl>& p_gl, const std::string& p_vertexText, const std::string& p_fragmentText,
                 const std::vector<std::string>& p_attributes = {});
 
-  /// Whether it can be used.
+  /// True if the program can be used.
   bool Linked() const { return _handle != nullptr; }
-  /// 0 when it is not linked.
+  /// The name in GL; 0 if the program is not linked.
   unsigned int Name() const;
 
-  /// Makes it the current program; releasing the guard makes the previous one current again. A program that is not
-  /// linked leaves the current one, with the report "Linked()".
+  /// Makes this program current; releasing the guard restores the previous one. A program that is not linked reports
+  /// "Linked()" and leaves the current program.
   boost::shared_ptr<void> Use(Utility::Scoped<Rgl>& p_gl) const;
 
   ///@{
-  /// Sets a uniform of this program, which must be the current one: an int or sampler, a float, a vec3, a vec4 (red,
-  /// green, blue, alpha from 0 to 1), a mat4. A name that the program does not have, or does not need, is passed over,
-  /// as GL does.
+  /// Sets a uniform of this program, which must be current: an int or sampler, a float, a vec3, a vec4 (red, green,
+  /// blue and alpha from 0 to 1) or a mat4. Names of unknown or unused uniforms are ignored.
   void SetUniform(Utility::Scoped<Rgl>& p_gl, const std::string& p_name, int p_value) const;
   void SetUniform(Utility::Scoped<Rgl>& p_gl, const std::string& p_name, float p_value) const;
   void SetUniform(Utility::Scoped<Rgl>& p_gl, const std::string& p_name,

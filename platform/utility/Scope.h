@@ -6,7 +6,7 @@
 
 namespace Vek::Chart::Utility {
 
-/// A handle to a rendering interface that is not open for calls: it can be copied and kept. `T` is `Ogl::Rgl`.
+/// A copyable handle to a rendering interface, on which scopes are opened. `T` is `Ogl::Rgl`.
 template <class T>
 class Unscoped {
 public:
@@ -27,7 +27,7 @@ private:
 template <class T>
 class Scoped {
 public:
-  /// Opens the scope; what ScopeBegin throws passes on.
+  /// Opens the scope. Exceptions of ScopeBegin pass through.
   explicit Scoped(const Unscoped<T>& p_handle)
       : _handle(p_handle) {
     _handle.Object()->ScopeBegin();
@@ -42,12 +42,12 @@ public:
   Scoped& operator=(const Scoped&) = delete;
 
   ///@{
-  /// The interface, open for calls.
+  /// The interface.
   T* operator->() const { return _handle.Object().get(); }
   T& operator*() const { return *_handle.Object(); }
   ///@}
 
-  /// The handle that the scope was opened on, for calls that open their own.
+  /// The handle of this scope, for functions that open their own scope.
   const Unscoped<T>& Handle() const { return _handle; }
 
 private:

@@ -154,7 +154,7 @@ TEST_F(DrawablesCalls, Quadrics) {
                 Quadric(12, "GLU_FILL", "Cylinder(2, 0, 2, 5, 1)", "1, 2, 9", "-1, -2, -9"));
 }
 
-TEST_F(DrawablesCalls, QuadricsThatCannotBeMadeAreReported) {
+TEST_F(DrawablesCalls, ReportsQuadricsThatCannotBeMade) {
   const Lines nothing = {"Translated(1, 2, 3)", "NewQuadric()", "Translated(-1, -2, -3)"};
   for (std::size_t call = 1; call <= 5; ++call)
     recorder.Fail("NewQuadric", call);
@@ -238,7 +238,7 @@ TEST(Ring, HasTheMeshOfATube) {
   EXPECT_EQ(ring.indices, expected);
 }
 
-TEST_F(DrawablesCalls, RingSendsItsMeshWithTheNormalsOfItsFacesAndMovesBackBeforeEnd) {
+TEST_F(DrawablesCalls, RingDrawsItsMesh) {
   for (const bool moved : {false, true}) {
     const Ring ring = moved ? At123<Ring>() : Ring();
     Ogl::RecordingGl other;
@@ -264,8 +264,8 @@ TEST_F(DrawablesCalls, RingSendsItsMeshWithTheNormalsOfItsFacesAndMovesBackBefor
   }
 }
 
-// Begin without End would be left, or a quadric (the fixture looks).
-TEST_F(DrawablesCalls, ASinkThatThrowsLeavesNothingOpen) {
+// The fixture checks for an open Begin and leaked quadrics.
+TEST_F(DrawablesCalls, ThrowingSinkLeavesNothingOpen) {
   const ReportCapture throwing(true);
   auto ring = At123<Ring>();
   ring.indices = {0, 1, 144};

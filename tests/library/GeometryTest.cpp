@@ -142,7 +142,7 @@ TEST_F(GeometryCalls, CircularArrowIsAClosedSolid) {
   EXPECT_EQ(atFirst, (std::set<std::array<double, 3>>{{-997, -71, 0}, {0, 0, -1}, {0, 0, 1}}));
 }
 
-TEST_F(GeometryCalls, ReportsAndLeavesOutAQuadricThatCannotBeMade) {
+TEST_F(GeometryCalls, ReportsQuadricsThatCannotBeMade) {
   const char* const names[] = {"DrawSphere", "DrawCone", "DrawCylinder", "DrawDisk"};
   for (std::size_t i = 0; i < std::size(names); ++i) {
     Vek::Chart::Ogl::RecordingGl one;
@@ -159,7 +159,7 @@ TEST_F(GeometryCalls, ReportsAndLeavesOutAQuadricThatCannotBeMade) {
   }
 }
 
-TEST_F(GeometryCalls, DrawsNothingNowWhenAListCannotBeMade) {
+TEST_F(GeometryCalls, ReportsListsThatCannotBeMade) {
   recorder.Fail("GenLists", 1);
   const ReportCapture reports;
   const Geometry geometry(recorder.Handle());

@@ -9,15 +9,15 @@
 
 namespace Vek::Chart::Ogl {
 
-// What the classes that draw from arrays share.
+// Shared by the classes that draw from arrays.
 
-/// GL's primitive; none for a kind that is not decided or unknown.
+/// The token of a primitive; none for an undecided or unknown type.
 std::optional<GlEnum> PrimitiveToken(VertexBuffer::PrimitiveType p_type);
 
-/// Keeps client arrays and buffer bindings as they are until it is released; no buffer is bound at first.
+/// Saves client arrays and buffer bindings, and unbinds the buffers. Releasing the guard restores both.
 boost::shared_ptr<void> ClientArrayScope(const Rgl& p_gl);
 
-/// Switches one of the fixed client arrays on or off.
+/// Enables or disables one of the fixed client arrays.
 void EnableArray(const Rgl& p_gl, GlEnum p_array, bool p_enable);
 
 } // namespace Vek::Chart::Ogl

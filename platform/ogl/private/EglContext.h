@@ -4,8 +4,8 @@
 
 namespace Vek::Chart::Ogl {
 
-/// A GL context (compatibility profile) that EGL made without a display or a window; implementation of
-/// `OffscreenContext`. It has no default frame buffer.
+/// The EGL context (compatibility profile) of `OffscreenContext`, without a display, a window or a default frame
+/// buffer.
 class EglContext {
 public:
   /// Tries the devices that EGL lists, hardware first, then the surfaceless platform. Throws std::runtime_error, with
@@ -17,9 +17,9 @@ public:
 
   /// Makes the context current on this thread and remembers the one that was. Throws std::runtime_error if EGL refuses.
   void MakeCurrent();
-  /// Makes the remembered context current again; leaves this one current where there was none.
+  /// Makes the remembered context current again. Without one, this context stays current.
   void Restore() noexcept;
-  /// As MakeCurrent and Restore, for the lifetime of the guard.
+  /// Calls MakeCurrent, and Restore when the guard is released.
   boost::shared_ptr<void> CurrentScope();
 
 private:

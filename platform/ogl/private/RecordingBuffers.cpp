@@ -28,7 +28,7 @@ GlEnum BindingOf(GlEnum p_target) {
   }
 }
 
-/// What a new buffer or a mapping whose contents are lost holds, so that nobody takes it for zeros.
+/// Fills new buffers and invalidated mappings, so that a test does not find zeros by chance.
 constexpr unsigned char Undefined = 0xCD;
 
 } // namespace

@@ -97,22 +97,11 @@ Matrix OrthoMatrix(double p_left, double p_right, double p_bottom, double p_top,
   const double width = p_right - p_left;
   const double height = p_top - p_bottom;
   const double depth = p_far - p_near;
-  return {2 / width,
-          0,
-          0,
-          0,
-          0,
-          2 / height,
-          0,
-          0,
-          0,
-          0,
-          -2 / depth,
-          0,
-          -(p_right + p_left) / width,
-          -(p_top + p_bottom) / height,
-          -(p_far + p_near) / depth,
-          1};
+  Matrix matrix = ScalingMatrix(2 / width, 2 / height, -2 / depth);
+  matrix[12] = -(p_right + p_left) / width;
+  matrix[13] = -(p_top + p_bottom) / height;
+  matrix[14] = -(p_far + p_near) / depth;
+  return matrix;
 }
 
 } // namespace Vek::Chart::Ogl::Recording

@@ -11,16 +11,16 @@ namespace Vek::Chart::Ogl::Recording {
 
 using Matrix = std::array<double, 16>; ///< column by column, as GL has it
 
-/// The matrix stacks of a context, in double precision. A value: a copy holds what the original held then.
+/// The matrix stacks of a context, in double precision.
 ///
-/// Functions that change a stack take the mode that is current in GL; those that can fail answer with what is wrong, or
-/// with an empty text.
+/// Functions that change a stack take GL's current matrix mode; those that can fail return the fault, or an empty
+/// string.
 class MatrixStacks {
 public:
-  /// The matrix that counts, the identity until something else was loaded.
+  /// The current matrix of a mode, at first the identity.
   const Matrix& Top(GlEnum p_mode) const;
   std::size_t Depth(GlEnum p_mode) const;
-  /// How many matrices too many each mode has; modes that have none are left out.
+  /// The number of matrices that were not popped, for each mode that has any.
   std::map<GlEnum, std::size_t> Unpopped() const;
 
   void Load(GlEnum p_mode, const Matrix& p_matrix);
@@ -31,7 +31,7 @@ public:
 private:
   std::vector<Matrix>& Stack(GlEnum p_mode);
 
-  std::map<GlEnum, std::vector<Matrix>> _stacks; // empty ones are not there
+  std::map<GlEnum, std::vector<Matrix>> _stacks; // without unused stacks
 };
 
 Matrix IdentityMatrix();

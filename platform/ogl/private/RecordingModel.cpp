@@ -20,7 +20,7 @@ bool AllowedInsideBegin(const std::string& p_name) {
   return Allowed.count(p_name) != 0;
 }
 
-/// How many vertices make one more primitive, where a remainder is lost; 1 for the kinds without one.
+/// The number of vertices per primitive if GL drops a remainder, otherwise 1.
 std::size_t VerticesPerPrimitive(GlEnum p_mode) {
   switch (p_mode) {
   case RGL_LINES:
@@ -117,18 +117,6 @@ double Model::One(GlEnum p_name) const {
   return variable == nullptr ? 0 : variable->initial[0];
 }
 
-void Model::Viewport(int p_x, int p_y, int p_width, int p_height) {
-  if (p_width < 0 || p_height < 0)
-    Complain("Viewport: a negative size");
-  Set(RGL_VIEWPORT, {double(p_x), double(p_y), double(p_width), double(p_height)});
-}
-
-void Model::Scissor(int p_x, int p_y, int p_width, int p_height) {
-  if (p_width < 0 || p_height < 0)
-    Complain("Scissor: a negative size");
-  Set(RGL_SCISSOR_BOX, {double(p_x), double(p_y), double(p_width), double(p_height)});
-}
-
 void Model::ClearColor(float p_red, float p_green, float p_blue, float p_alpha) {
   Set(RGL_COLOR_CLEAR_VALUE, {p_red, p_green, p_blue, p_alpha});
 }
@@ -170,12 +158,6 @@ void Model::LineWidth(float p_width) {
   Set(RGL_LINE_WIDTH, {p_width});
 }
 
-void Model::PointSize(float p_size) {
-  if (!(p_size > 0))
-    return Complain("PointSize: not above 0");
-  Set(RGL_POINT_SIZE, {p_size});
-}
-
 namespace {
 
 constexpr std::size_t MostGroups = 16;
@@ -206,7 +188,7 @@ void Model::Pop(std::vector<AttributeGroup>& p_stack, const std::string& p_call)
   const AttributeGroup group = std::move(p_stack.back());
   p_stack.pop_back();
   const bool client = &p_stack == &_clientStack;
-  // What was not stored at the push had its first value then.
+  // Variables that were not stored at the push had their initial values then.
   for (auto i = _context.variables.begin(); i != _context.variables.end();)
     i = Saves(group.mask, client, i->first) ? _context.variables.erase(i) : std::next(i);
   _context.variables.insert(group.variables.begin(), group.variables.end());
@@ -313,7 +295,7 @@ void Model::EndList() {
     for (const GlEnum mode : {RGL_MODELVIEW, RGL_PROJECTION, RGL_TEXTURE})
       if (_context.matrices.Depth(mode) != _beforeList->matrices.Depth(mode))
         Complain("EndList: PushMatrix and PopMatrix are not balanced in the list");
-    // What the client holds was changed at once.
+    // Client state changes at once, not with the list.
     for (const auto& [key, values] : _context.variables)
       if (const StateVariable* const variable = FindStateVariable(static_cast<GlEnum>(key));
           variable != nullptr && variable->client)

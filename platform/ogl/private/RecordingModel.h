@@ -16,8 +16,8 @@
 
 namespace Vek::Chart::Ogl::Recording {
 
-/// What `RecordingGl` knows of a context. Functions of GL that it simulates hide those of GlDefaults; every other one
-/// passes without effect.
+/// The state of a context that `RecordingGl` simulates. Its functions hide those of GlDefaults; all others have no
+/// effect.
 class Model : public GlDefaults {
 public:
   // Immediate mode.
@@ -50,8 +50,12 @@ public:
   void PopAttrib() { Pop(_context.attributeStack, "PopAttrib"); }
   void PushClientAttrib(GlBitfield p_mask) { Push(_clientStack, p_mask, true); }
   void PopClientAttrib() { Pop(_clientStack, "PopClientAttrib"); }
-  void Viewport(int p_x, int p_y, int p_width, int p_height);
-  void Scissor(int p_x, int p_y, int p_width, int p_height);
+  void Viewport(int p_x, int p_y, int p_width, int p_height) {
+    Set(RGL_VIEWPORT, {double(p_x), double(p_y), double(p_width), double(p_height)});
+  }
+  void Scissor(int p_x, int p_y, int p_width, int p_height) {
+    Set(RGL_SCISSOR_BOX, {double(p_x), double(p_y), double(p_width), double(p_height)});
+  }
   void ClearColor(float p_red, float p_green, float p_blue, float p_alpha);
   void ColorMask(GlBoolean p_red, GlBoolean p_green, GlBoolean p_blue, GlBoolean p_alpha);
   void DepthFunc(GlEnum p_function) { Set(RGL_DEPTH_FUNC, {double(p_function)}); }
@@ -65,7 +69,7 @@ public:
   void PolygonStipple(const unsigned char* p_mask) { std::copy_n(p_mask, stippleMask.size(), stippleMask.begin()); }
   void LineStipple(int p_factor, unsigned short p_pattern);
   void LineWidth(float p_width);
-  void PointSize(float p_size);
+  void PointSize(float p_size) { Set(RGL_POINT_SIZE, {p_size}); }
 
   // Queries.
   GlEnum GetError();
@@ -160,10 +164,10 @@ public:
   void Sphere(GlQuadric* p_quadric, double, int, int) { NeedQuadric("Sphere", p_quadric); }
 
   // For the recorder.
-  /// Complains when a function is called between Begin and End that GL does not allow there.
+  /// Complains about a function that GL does not allow between Begin and End.
   void BeforeCall(const std::string& p_name);
   void Complain(const std::string& p_text) { complaints.push_back(p_text); }
-  /// What would be left if everything ended now.
+  /// Objects, pairs and groups that are still open.
   std::vector<std::string> Leftovers() const;
   bool Enabled(GlEnum p_capability) const { return One(p_capability) != 0; }
   /// The first value of a state variable, 0 where it has none.
@@ -212,7 +216,7 @@ private:
     Variables variables;
     ArrayMap arrays;
   };
-  /// What a display list must not change while it is compiled.
+  /// The state that must not change while a display list is compiled.
   struct Context {
     Variables variables;
     MatrixStacks matrices;
@@ -231,20 +235,20 @@ private:
   GlEnum CurrentMode() const { return static_cast<GlEnum>(One(RGL_MATRIX_MODE)); }
   void Multiply(const Matrix& p_right) { _context.matrices.Multiply(CurrentMode(), p_right); }
 
-  // Objects: which names of each kind exist.
+  // Objects: the existing names of each kind.
   void Generate(const std::string& p_kind, int p_count, unsigned int* p_names);
   unsigned int NewName(const std::string& p_kind);
   bool Exists(const std::string& p_kind, unsigned int p_name) const;
-  /// Complains unless the name exists; `p_call` is the function that wants it.
+  /// Complains unless the name exists; `p_call` is the function that uses it.
   bool Need(const std::string& p_call, const std::string& p_kind, unsigned int p_name);
   bool Remove(const std::string& p_call, const std::string& p_kind, unsigned int p_name);
   void Unbind(GlEnum p_binding, unsigned int p_name);
   bool NeedQuadric(const std::string& p_call, const GlQuadric* p_quadric);
   std::map<std::string, std::set<unsigned int>> _names;
-  std::map<std::string, unsigned int> _made; // how many of each kind there ever were
+  std::map<std::string, unsigned int> _made; // the number of each kind so far
 
   // Pixels.
-  /// What one image occupies in client memory or in a bound pixel buffer.
+  /// The memory of one image, in client memory or in the bound pixel buffer.
   struct PixelLayout {
     std::size_t first = 0;
     std::size_t rowBytes = 0;
@@ -257,7 +261,8 @@ private:
   void TexImage(const std::string& p_call, GlEnum p_target, int p_level, RecordingGl::TextureLevel p_image,
                 int p_border, const void* p_pixels);
   RecordingGl::TextureObject* BoundTexture(const std::string& p_call, GlEnum p_target);
-  /// Where pixels are read from or written to: client memory, or the bound pixel buffer. Null when it is too small.
+  /// The first byte of a pixel transfer, in client memory or in the bound pixel buffer; null if the buffer is too
+  /// small.
   unsigned char* PixelMemory(const std::string& p_call, GlEnum p_binding, const void* p_pointer, std::size_t p_end);
 
   // Buffers.
@@ -284,7 +289,7 @@ private:
   std::set<unsigned int> _compiled; // shaders
   std::set<unsigned int> _linked;
   std::map<std::pair<unsigned int, std::string>, int> _uniforms;
-  std::map<const GlQuadric*, bool> _quadrics; // whether each still exists
+  std::map<const GlQuadric*, bool> _quadrics; // true until they are deleted
   std::deque<char> _quadricAddresses;
 };
 

@@ -63,7 +63,7 @@ constexpr StateVariable Variables[] = {
     UnitFlag(RGL_TEXTURE_GEN_S),
     UnitFlag(RGL_TEXTURE_GEN_T),
     UnitFlag(RGL_TEXTURE_GEN_R),
-    // Everything else that attribute groups save
+    // Other state that attribute groups save
     {RGL_CURRENT_COLOR, RGL_CURRENT_BIT, false, false, 4, {1, 1, 1, 1}},
     {RGL_CURRENT_NORMAL, RGL_CURRENT_BIT, false, false, 3, {0, 0, 1}},
     {RGL_VIEWPORT, RGL_VIEWPORT_BIT, false, false, 4, {}},
@@ -104,7 +104,7 @@ constexpr StateVariable Variables[] = {
     One(RGL_ALPHA_BIAS, RGL_PIXEL_MODE_BIT, 0),
     One(RGL_DEPTH_SCALE, RGL_PIXEL_MODE_BIT, 1),
     One(RGL_DEPTH_BIAS, RGL_PIXEL_MODE_BIT, 0),
-    // State of the client, which display lists do not hold
+    // Client state, which is not part of display lists
     Client(RGL_UNPACK_ALIGNMENT, Pixels, 4),
     Client(RGL_UNPACK_ROW_LENGTH, Pixels),
     Client(RGL_UNPACK_SKIP_ROWS, Pixels),

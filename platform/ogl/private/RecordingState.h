@@ -7,7 +7,7 @@
 
 namespace Vek::Chart::Ogl::Recording {
 
-/// A state variable of GL: the attribute groups that save it, and what it is at first.
+/// A state variable of GL: its initial value and the attribute groups that save it.
 struct StateVariable {
   GlEnum name = 0;
   GlBitfield groups = 0;
@@ -17,7 +17,7 @@ struct StateVariable {
   std::array<double, 4> initial{};
 };
 
-/// Null for a name that the recorder does not know.
+/// Null for an unknown name.
 const StateVariable* FindStateVariable(GlEnum p_name);
 
 } // namespace Vek::Chart::Ogl::Recording

@@ -82,7 +82,7 @@ bool IsBit(std::string_view p_name) {
   return EndsWith(p_name, "_BIT") || EndsWith(p_name, "_BITS");
 }
 
-/// Which of the names for 0 and 1 is meant.
+/// The name of value 0 or 1, which several constants share.
 std::string_view SmallEnum(GlEnum p_value, std::string_view p_parameter) {
   if (p_parameter == "p_mode")
     return p_value == 0 ? "GL_POINTS" : "GL_LINES";
@@ -116,7 +116,7 @@ const Signature::Parameter& LineWriter::Begin() {
 
 namespace {
 
-/// Whether an int parameter takes enumerants, as far as they can be told from numbers.
+/// True for int parameters that take enumerants or numbers.
 bool MayBeEnum(const std::string& p_function, const std::string& p_parameter) {
   if (p_parameter == "p_internalFormat")
     return true;
@@ -184,7 +184,7 @@ std::string List(const T* p_values, long long p_count) {
   return text + "]";
 }
 
-/// How many floats a light, material or point parameter has.
+/// The number of floats of a light, material or point parameter.
 int ParameterLength(GlEnum p_name) {
   switch (p_name) {
   case RGL_AMBIENT:

@@ -10,13 +10,13 @@
 
 namespace Vek::Chart::Ogl::Recording {
 
-/// How one GL function looks in the list: its name, whether it is GLU's, and the types and names of its parameters.
+/// One GL function: its name, its library, and the types and names of its parameters.
 struct Signature {
   struct Parameter {
     std::string type;
     std::string name;
   };
-  /// `p_parameters` is the parameter list as it stands in the source: "(GlEnum p_mode, int p_x)".
+  /// `p_parameters` is the parameter list of the source: "(GlEnum p_mode, int p_x)".
   Signature(std::string_view p_name, std::string_view p_parameters, bool p_isGlu);
 
   std::string name;
@@ -27,11 +27,11 @@ struct Signature {
 /// "GL_BLEND" (or "GLU_FILL"); an unknown value in hex. Of the names that share 0 and 1, those of primitives and blend
 /// factors are chosen by the parameter's name.
 std::string EnumText(GlEnum p_value, bool p_isGlu, std::string_view p_parameter = {});
-/// Shortest text that reads back the same.
+/// The shortest string that reads back as the same value.
 std::string NumberText(double p_value);
 std::string NumberText(float p_value);
 
-/// Puts the line of one call together, argument by argument.
+/// Builds the line of one call, argument by argument.
 class LineWriter {
 public:
   LineWriter(const Signature& p_signature, const std::map<const GlQuadric*, int>& p_quadrics);
@@ -74,7 +74,7 @@ private:
   const std::map<const GlQuadric*, int>& _quadrics;
   std::string _line;
   std::size_t _next = 0;
-  // What the length of an array depends on.
+  // The length of an array depends on these arguments.
   GlEnum _enumerant = 0;
   long long _count = 0;
 };

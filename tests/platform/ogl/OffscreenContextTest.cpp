@@ -17,7 +17,7 @@ int Integer(const Rgl& p_gl, Ogl::GlEnum p_name) {
   return value;
 }
 
-TEST(OffscreenContextPixels, TheImageHoldsTheFrameAtAnySize) {
+TEST(OffscreenContextPixels, ImageHasTheFrame) {
   for (const Types::Size size : {Types::Size(1, 1), Types::Size(9, 3), Types::Size(29, 14), Types::Size(257, 1)})
     for (const int samples : {0, 4, 100000}) { // more than there are is lowered
       SCOPED_TRACE(std::to_string(size.width) + " wide, " + std::to_string(samples) + " samples");
@@ -32,7 +32,7 @@ TEST(OffscreenContextPixels, TheImageHoldsTheFrameAtAnySize) {
 }
 
 // An edge through the middle of a pixel column: with samples it is half covered, without it is all or nothing.
-TEST(OffscreenContextPixels, SamplesAreResolvedToTheirMeanTopRowFirst) {
+TEST(OffscreenContextPixels, ImageResolvesSamplesTopRowFirst) {
   for (const int samples : {0, 4}) {
     Ogl::OffscreenContext context({5, 3}, samples);
     Clear(context, Qt::black);
@@ -67,7 +67,7 @@ TEST(OffscreenContextPixels, ViewportAndDepthBufferCoverTheFrame) {
   EXPECT_NEAR(depth, 0.25F, 1e-6F);
 }
 
-TEST(OffscreenContextPixels, TwoContextsKeepApart) {
+TEST(OffscreenContextPixels, ContextsAreSeparate) {
   Ogl::OffscreenContext first({9, 3});
   const Scope outer(first.Handle());
   outer->LineWidth(2);
@@ -85,7 +85,7 @@ TEST(OffscreenContextPixels, TwoContextsKeepApart) {
   EXPECT_TRUE(outer->CheckError("test"));
 }
 
-TEST(OffscreenContextPixels, ReadingTheImageKeepsTheHostsState) {
+TEST(OffscreenContextPixels, ImageRestoresHostState) {
   for (const int samples : {0, 4}) {
     Ogl::OffscreenContext context({9, 3}, samples);
     const Scope outer(context.Handle()); // stands for the host that made its context current
@@ -107,12 +107,12 @@ TEST(OffscreenContextPixels, ReadingTheImageKeepsTheHostsState) {
   }
 }
 
-TEST(OffscreenContextPixels, AFailedReadIsReportedAndTransparent) {
+TEST(OffscreenContextPixels, ReportsFailedReads) {
   Ogl::OffscreenContext context({9, 3});
   Clear(context, Qt::red);
   const Scope gl(context.Handle());
   const auto frameBuffer = static_cast<unsigned int>(Integer(*gl, RGL_FRAMEBUFFER_BINDING));
-  gl->DeleteFramebuffers(1, &frameBuffer); // behind its back
+  gl->DeleteFramebuffers(1, &frameBuffer); // without its knowledge
   gl->Enable(0x7777);
   const ReportCapture reports;
   QImage nothing(9, 3, QImage::Format_ARGB32);
@@ -124,8 +124,8 @@ TEST(OffscreenContextPixels, AFailedReadIsReportedAndTransparent) {
   EXPECT_NE(texts.back().find(" - OffscreenContext::Image"), std::string::npos);
 }
 
-// Neither the loader library nor the host's objects of the same names may see what is released too late.
-TEST(OffscreenContextPixels, HandlesAndObjectsMayOutliveTheContext) {
+// Late deletions must reach neither the loader library nor objects of the host with the same names.
+TEST(OffscreenContextPixels, HandlesAndObjectsOutliveTheContext) {
   for (const bool throws : {false, true}) {
     const ReportCapture reports(throws);
     auto context = std::make_unique<Ogl::OffscreenContext>(Types::Size(9, 3));
@@ -161,7 +161,7 @@ TEST(OffscreenContextPixels, HandlesAndObjectsMayOutliveTheContext) {
   }
 }
 
-TEST(OffscreenContextPixels, ImpossibleSizesAreRefusedWithAReason) {
+TEST(OffscreenContextPixels, ThrowsOnInvalidSizes) {
   for (const Types::Size size : {Types::Size(0, 3), Types::Size(9, -1), Types::Size(2000000000, 2)}) {
     const std::string start = "No off-screen frame buffer of " + std::to_string(size.width) + " x " +
                               std::to_string(size.height) + " pixels: each side must be 1 to ";
@@ -174,8 +174,8 @@ TEST(OffscreenContextPixels, ImpossibleSizesAreRefusedWithAReason) {
   }
 }
 
-// A machine without drivers: the message must say what to install. In a process of its own, before EGL is used in it.
-TEST(OffscreenContextPixels, WithoutADriverTheErrorSaysWhatToInstall) {
+// The message must name the packages to install. Runs in its own process, before EGL is used there.
+TEST(OffscreenContextPixels, ThrowsWithoutADriver) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   const auto tryContext = [] {
     setenv("__EGL_VENDOR_LIBRARY_DIRS", "/nonexistent", 1);
@@ -191,8 +191,8 @@ TEST(OffscreenContextPixels, WithoutADriverTheErrorSaysWhatToInstall) {
               "No off-screen GL context: .*needs the packages libegl1, libegl-mesa0 and libgl1-mesa-dri");
 }
 
-// In a process of its own, too: the rasteriser reads the variables once.
-TEST(OffscreenContextPixels, FunctionsThatTheContextLacksAreReportedAndDoNothing) {
+// Runs in its own process, since the rasteriser reads the variables once.
+TEST(OffscreenContextPixels, ReportsMissingFunctions) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   const auto mapOnOldGl = [] {
     setenv("MESA_GL_VERSION_OVERRIDE", "2.1", 1);

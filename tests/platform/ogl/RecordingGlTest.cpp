@@ -14,7 +14,7 @@ void Upload(Rgl& p_gl, int p_width, Ogl::GlEnum p_format, Ogl::GlEnum p_type, st
   p_gl.TexImage2D(RGL_TEXTURE_2D, 0, RGL_RGBA, p_width, 2, 0, p_format, p_type, pixels);
 }
 
-// Every row is a fault; the recorder must name it.
+// Each row has one fault, which the recorder must name.
 TEST_F(RecordingGlCalls, ComplainsAboutMisuse) {
   const unsigned int stranger = 77;
   const std::pair<const char*, std::function<void(Rgl&)>> cases[] = {
@@ -65,7 +65,7 @@ TEST_F(RecordingGlCalls, ComplainsAboutMisuse) {
   }
 }
 
-TEST(RecorderEndCalls, ComplainsAboutWhatIsLeftOpen) {
+TEST(RecorderEndCalls, ComplainsAboutOpenPairsAndLeaks) {
   Ogl::RecordingGl fresh;
   boost::shared_ptr<Ogl::Texture> texture;
   {
@@ -87,7 +87,7 @@ TEST(RecorderEndCalls, ComplainsAboutWhatIsLeftOpen) {
   EXPECT_EQ(fresh.TakeComplaints(), Lines()) << "nothing of this is misuse yet";
 }
 
-TEST(RecorderEndCalls, AnObjectThatOutlivesItsRecorderIsReported) {
+TEST(RecorderEndCalls, ReportsObjectsThatOutliveIt) {
   boost::shared_ptr<Ogl::Texture> texture;
   {
     Ogl::RecordingGl fresh;

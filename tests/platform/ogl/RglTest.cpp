@@ -3,7 +3,7 @@
 
 namespace {
 
-TEST(Rgl, OnlyTheOutermostScopeSwitchesContexts) {
+TEST(Rgl, OutermostScopeSwitchesContexts) {
   const boost::shared_ptr<const Ogl::GlFunctions> functions = Ogl::RecordingGl().Handle().Object()->Functions();
   std::string log;
   const Utility::Unscoped<Rgl> handle(boost::shared_ptr<Rgl>(new Rgl(
@@ -30,8 +30,7 @@ TEST(Rgl, OnlyTheOutermostScopeSwitchesContexts) {
   EXPECT_EQ(refusing->ScopeDepth(), 0U);
 }
 
-// A host's table with holes: named once, and harmless to call.
-TEST(Rgl, MissingFunctionsAreNamed) {
+TEST(Rgl, ReportsMissingFunctions) {
   const boost::shared_ptr<Ogl::GlFunctions> table(new Ogl::GlFunctions(Ogl::NativeGl()));
   table->MapBufferRange = nullptr;
   table->GenTextures = nullptr;
@@ -79,7 +78,7 @@ TEST_F(RglCalls, ValueTypesBecomeNumbers) {
                   "Viewport(0, -1, 2, 3); Viewport(0, -2147483648, 2147483647, 2147483647)"));
 }
 
-// What a guard opens it closes, whatever the host had set before.
+// The previous state of the host must return.
 TEST_F(RglCalls, GuardsRestoreWhatTheyChange) {
   gl->MatrixMode(RGL_TEXTURE);
   const boost::shared_ptr<Ogl::FrameBufferObject> drawn = gl->GenFrameBufferObject();
@@ -124,7 +123,7 @@ TEST_F(RglCalls, ObjectsAreDeletedWithTheirLastHolder) {
                   "GenRenderbuffers(1, [5001]); DeleteRenderbuffers(1, [5001]); GenLists(1); DeleteLists(2001, 1)"));
 }
 
-TEST_F(RglCalls, NullAndNamelessObjectsAreReportedAndHarmless) {
+TEST_F(RglCalls, ReportsNullAndNamelessObjects) {
   for (const char* const name : {"GenTextures", "GenFramebuffers", "GenRenderbuffers", "GenLists"}) {
     recorder.Fail(name, 1);
     recorder.Fail(name, 2);
@@ -167,7 +166,7 @@ TEST_F(RglCalls, NullAndNamelessObjectsAreReportedAndHarmless) {
 }
 
 // The fixture looks for what is left pushed, bound or not deleted.
-TEST_F(RglCalls, ASinkThatThrowsLeavesNothingOpen) {
+TEST_F(RglCalls, ThrowingSinkLeavesNothingOpen) {
   const ReportCapture throwing(true);
   recorder.Fail("GenTextures");
   const std::function<void()> failing[] = {
@@ -180,7 +179,7 @@ TEST_F(RglCalls, ASinkThatThrowsLeavesNothingOpen) {
   EXPECT_EQ(recorder.LinesWithout({"GenTextures"}), Lines());
 }
 
-TEST_F(RglCalls, VersionsAndFeaturesAreReadFromTheDevice) {
+TEST_F(RglCalls, VersionsAndFeatures) {
   using Features = Ogl::DeviceFeatures;
   const Features::Feature floats = Features::FeatureFloatTextures, instancing = Features::FeatureInstancing,
                           srgb = Features::FeatureSrgbFrameBuffer, volumes = Features::FeatureVolumeTextures,
@@ -222,7 +221,7 @@ TEST_F(RglCalls, VersionsAndFeaturesAreReadFromTheDevice) {
   EXPECT_EQ(gl->GetMaxTextureSize(), 12345);
 }
 
-TEST_F(RglCalls, ErrorsAreReportedAndTaken) {
+TEST_F(RglCalls, ReportsErrors) {
   EXPECT_TRUE(gl->CheckError("nowhere"));
   recorder.QueueError(RGL_INVALID_OPERATION);
   recorder.QueueError(0x1234);
@@ -231,7 +230,7 @@ TEST_F(RglCalls, ErrorsAreReportedAndTaken) {
             (Lines{"WARNING: GL_INVALID_OPERATION - here @line86", "WARNING: GL error 4660 - here @line86"}));
   EXPECT_EQ(reports.Entries().front().kind, vekdebug::severity::error);
   EXPECT_TRUE(gl->CheckError("again"));
-  // A lost context has no end of errors.
+  // A lost context returns errors without end.
   for (int i = 0; i < 100; ++i)
     recorder.QueueError(RGL_OUT_OF_MEMORY);
   EXPECT_FALSE(gl->CheckError("lost"));
@@ -240,7 +239,7 @@ TEST_F(RglCalls, ErrorsAreReportedAndTaken) {
 using RglPixels = PixelScopeFixture;
 
 // GL, the recorder and our own arithmetic must agree about the same calls.
-TEST_F(RglPixels, TheRecorderMultipliesMatricesAsTheDriverDoes) {
+TEST_F(RglPixels, RecorderMultipliesMatricesLikeTheDriver) {
   const auto multiply = [](const Scope& p_gl) {
     p_gl->Translate({1, 2, 3});
     p_gl->Rotate(Types::Angle::FromDegrees(33), {1, 2, -1});

@@ -21,8 +21,8 @@ TEST_F(ShaderProgramCalls, CompilesLinksAndNamesLocations) {
                   "DeleteShader(6001); DeleteProgram(7001)"));
 }
 
-// Whatever fails, nothing leaks (the fixture looks), the reason is reported once, and nothing is used.
-TEST_F(ShaderProgramCalls, FailuresAreReportedWithTheLog) {
+// Each failure is reported once, leaks nothing (checked by the fixture) and leaves the program unused.
+TEST_F(ShaderProgramCalls, ReportsFailuresWithTheLog) {
   const std::tuple<const char*, std::size_t, const char*, std::string> cases[] = {
       {"CompileShader", 1, "0:1: syntax error\n", "WARNING: vertex shader: 0:1: syntax error"},
       {"CompileShader", 2, "two\nlines\n\n", "WARNING: fragment shader: two lines"},
@@ -72,7 +72,7 @@ TEST_F(ShaderProgramCalls, UniformsAreSetByName) {
   EXPECT_EQ(recorder.LinesWithout({"GetUniformLocation"}), expected);
 }
 
-TEST_F(ShaderProgramCalls, OldDevicesAreNotAsked) {
+TEST_F(ShaderProgramCalls, ReportsOldDevices) {
   recorder.SetVersion("1.5");
   const ReportCapture reports;
   EXPECT_FALSE(ShaderProgram(gl, "v", "f").Linked());
