@@ -56,37 +56,25 @@ const std::string ThreePoints = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
 const std::string ThreeNormals = "vn 1 0 0\nvn 0 1 0\nvn 0 0 1\n";
 const std::string Three = "v 0 0 0 1 0 0 0 1 0 "; // the points in a summary
 
-/// Reads a text in pieces of a few characters and, if wanted, fails at its end.
+/// Reads a text in pieces of a few characters. It ends, fails or continues with blanks behind it.
 struct SlowBuffer : std::streambuf {
+  enum AtEnd { Ends, Fails, NeverEnds };
   std::string text;
-  bool fails = false;
+  AtEnd atEnd;
   std::size_t next = 0;
+  std::string blanks = std::string(4096, ' ');
 
-  SlowBuffer(std::string p_text, bool p_fails)
+  SlowBuffer(std::string p_text, AtEnd p_atEnd)
       : text(std::move(p_text))
-      , fails(p_fails) {}
+      , atEnd(p_atEnd) {}
   int_type underflow() override {
-    if (next == text.size())
-      return fails ? throw std::ios_base::failure("no more") : traits_type::eof();
+    const bool ended = next == text.size();
+    if (ended && atEnd != NeverEnds)
+      return atEnd == Fails ? throw std::ios_base::failure("no more") : traits_type::eof();
     const std::size_t size = std::min<std::size_t>(7, text.size() - next);
-    setg(&text[next], &text[next], &text[next] + size);
+    ended ? setg(&blanks[0], &blanks[0], &blanks[0] + blanks.size())
+          : setg(&text[next], &text[next], &text[next] + size);
     next += size;
-    return traits_type::to_int_type(*gptr());
-  }
-};
-
-/// A text that is followed by blanks without end.
-struct EndlessBuffer : std::streambuf {
-  std::string text;
-  const std::string blanks = std::string(std::size_t(1) << 16, ' ');
-
-  explicit EndlessBuffer(std::string p_text)
-      : text(std::move(p_text)) {
-    setg(text.data(), text.data(), text.data() + text.size());
-  }
-  int_type underflow() override {
-    text = blanks;
-    setg(text.data(), text.data(), text.data() + text.size());
     return traits_type::to_int_type(*gptr());
   }
 };
@@ -234,7 +222,7 @@ TEST(LoadPolygonObjFile, ReadsFilesAndReportsThoseItCannot) {
 }
 
 TEST(LoadPolygonObjFile, ReadsAnyStream) {
-  SlowBuffer slow(ThreePoints + "f 1 2 3", false);
+  SlowBuffer slow(ThreePoints + "f 1 2 3", SlowBuffer::Ends);
   std::istream slowStream(&slow);
   EXPECT_EQ(LoadPolygonObj(slowStream)->DefaultGroup()->indices, (std::vector<std::uint32_t>{0, 1, 2}));
 
@@ -248,7 +236,7 @@ TEST(LoadPolygonObjFile, ReadsAnyStream) {
   // Lines before a failure stay, except for those in the window that it ends.
   const ReportCapture reports;
   const std::string window(std::size_t(1) << 20, '#');
-  SlowBuffer broken("v 1 2 3\n" + window + "\nv 4 5 6", true);
+  SlowBuffer broken("v 1 2 3\n" + window + "\nv 4 5 6", SlowBuffer::Fails);
   std::istream brokenStream(&broken);
   EXPECT_EQ(LoadPolygonObj(brokenStream)->Vertices()->size(), 1u);
   EXPECT_EQ(reports.Texts().size(), 1u);
@@ -272,7 +260,7 @@ TEST(LoadPolygonObjFile, ReadsLongLinesUpToABound) {
             "undecided v 1 2 3 4 5 6 '' '" + blanks + "x'");
 
   const ReportCapture reports;
-  EndlessBuffer endless("v 1 2 3\n#");
+  SlowBuffer endless("v 1 2 3\n#", SlowBuffer::NeverEnds);
   std::istream stream(&endless);
   EXPECT_EQ(LoadPolygonObj(stream)->Vertices()->size(), 1u);
   EXPECT_EQ(reports.Texts(), Texts{"WARNING: LoadPolygonObjFile: reading ends at a line longer than 64 MiB"});
