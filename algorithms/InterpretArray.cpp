@@ -25,7 +25,7 @@ inline void Convert(const S* __restrict p_source, const std::uint64_t p_count, U
 
 } // namespace
 
-// Vectors of 32 bytes, where the machine has them, keep up with a plain copy in the caches; those of 16 do not.
+// In the caches, vectors of 32 bytes are as fast as a plain copy; those of 16 bytes are not.
 #if defined(__x86_64__) && defined(__GLIBC__)
 #define VEK_WIDE __attribute__((target_clones("avx2", "default")))
 #else

@@ -18,7 +18,7 @@ using Box = Types::BoundingBox_Base<double>;
 
 constexpr double Epsilon = std::numeric_limits<double>::epsilon();
 
-// The segment from p_start to p_end against the plane p_normal · p + p_d = 0; the point is written on a hit only.
+// Cuts the segment from p_start to p_end with the plane p_normal · p + p_d = 0. The point is written on a hit only.
 tribool CutSegment(const Vector3& p_normal, double p_d, const Vector3& p_start, const Vector3& p_end,
                    Vector3& p_point) {
   const double denominator = Dot(p_normal, p_start - p_end);
@@ -56,15 +56,15 @@ Corners CornersOf(const Box& p_box) {
            {a.x, b.y, b.z}}};
 }
 
-// For each front corner, the corners in the order in which the edges below name them: the front corner, its three
-// neighbours, the three neighbours of the opposite corner, the opposite corner.
+// For each front corner the numbers of all corners, in the order that the edges below refer to: the front corner, its
+// three neighbours, the three neighbours of the opposite corner, the opposite corner.
 using Sequence = std::array<unsigned char, 8>;
 constexpr Sequence Sequences[8] = {{0, 1, 3, 4, 5, 2, 7, 6}, {1, 5, 2, 0, 4, 6, 3, 7}, {2, 3, 1, 6, 7, 0, 5, 4},
                                    {3, 7, 0, 2, 6, 4, 1, 5}, {4, 0, 7, 5, 1, 3, 6, 2}, {5, 4, 6, 1, 0, 7, 2, 3},
                                    {6, 2, 5, 7, 3, 1, 4, 0}, {7, 6, 4, 3, 2, 5, 0, 1}};
 
-// The twelve edges in the order of their tests, by positions in a sequence. They make six steps. The edges of a step
-// lie on one path from the front corner to the opposite one, and the last of them that is hit gives the step's point.
+// The twelve edges in the order of their tests, by positions in a sequence, in six steps. The edges of a step lie on
+// one path from the front corner to the opposite one; the last of them that is hit has the step's point.
 struct Edge {
   unsigned char start;
   unsigned char end;
@@ -127,8 +127,7 @@ struct BoxCut {
   double d;
 };
 
-// The products of a normal's components and a box's extremes, which are all that the dot products with its corners
-// need.
+// The products of a normal's components and a box's extremes: the terms of the dot products with its corners.
 struct Products {
   double x0, x1;
   double y0, y1;
@@ -165,7 +164,7 @@ std::size_t FrontCorner(const double (&p_distances)[8]) {
 
 // The two functions below write the polygon to `p_points`, room for NumSteps, and return the number of its corners.
 
-// The rule, for every box and plane.
+// The rule, for every box and plane, as documented.
 std::size_t CutEdgeByEdge(const BoxCut& p_cut, Vector3* p_points) {
   bool behind = false;
   bool before = false;
@@ -221,8 +220,8 @@ std::size_t CutBetweenCorners(const BoxCut& p_cut, unsigned p_behind, Vector3* p
   return count;
 }
 
-// How far from the plane a corner must be for its sign to decide. The errors of distances and divisors stay below 2^-48
-// times the sum of |d| and all the coordinates. Infinite where sums might overflow; NaN counts as infinite.
+// The distance from the plane beyond which a corner's sign is certain. The errors of distances and divisors stay below
+// 2^-48 times the sum of |d| and all coordinates. Infinite where sums might overflow, and for NaN.
 double DecisiveDistance(const Box& p_box, double p_d) {
   const Vector3& a = p_box.Min();
   const Vector3& b = p_box.Max();
@@ -231,9 +230,9 @@ double DecisiveDistance(const Box& p_box, double p_d) {
   return scale < 0x1p+1000 ? 0x1p-45 * scale : std::numeric_limits<double>::infinity();
 }
 
-// Whether the box lies on one side of the plane, off it by more than all rounding errors of the rule, which are
-// measured by the products that it sums up. Most misses end here, without the square root and the divisions that the
-// unit normal takes. The bounds keep the rule from running out of exponents.
+// Whether the box lies on one side of the plane, farther off than all rounding errors of the rule, which are bounded by
+// the products that it sums. Most misses end here, without the square root and the divisions of the unit normal. The
+// limits on the scale exclude overflow and underflow in the rule.
 bool PassesBy(const Box& p_box, const Types::Plane& p_plane) {
   const Products n = ProductsOf(p_plane.Normal(), p_box);
   const Vector3& normal = p_plane.Normal();
@@ -257,7 +256,7 @@ tribool Intersect::Intersection(const Types::Plane& p_first, const Types::Plane&
   if (Epsilon > Dot(direction, direction))
     return false;
 
-  // The loss of precision is part of the result.
+  // The single precision is part of the result.
   const auto a = static_cast<float>(Dot(n1, n1));
   const auto b = static_cast<float>(Dot(n1, n2));
   const auto c = static_cast<float>(Dot(n2, n2));
@@ -285,14 +284,14 @@ bool Intersect::Intersection(const Box& p_box, const Types::Plane& p_plane, std:
     return false;
   }
   const Vector3 n = -Normalize(p_plane.Normal());
-  // By components: a copy as a whole would wait for each of them to be stored.
+  // By components: copying the whole vector would wait for the stores of its components.
   BoxCut cut{CornersOf(p_box), {}, {n.x, n.y, n.z}, -Dot(n, p_plane.Point())};
   MeasureDistances(p_box, cut);
   unsigned behind = 0;
   double nearest = std::numeric_limits<double>::infinity();
   for (std::size_t i = 0; i < 8; ++i) {
     behind |= static_cast<unsigned>(std::signbit(cut.distances[i])) << i;
-    nearest = std::min(nearest, std::abs(cut.distances[i])); // skips NaN, but then no distance is decisive
+    nearest = std::min(nearest, std::abs(cut.distances[i])); // skips NaN, for which no distance is certain
   }
   const bool decided = nearest > DecisiveDistance(p_box, cut.d);
 

@@ -74,8 +74,8 @@ TEST(ColorSnippets, Logarithm) {
   const double lowest = 0.1;
   const double highest = 1000;
   const double value = 10;
-  const double place = std::log(value / lowest) / std::log(highest / lowest); // 0.5
-  const QColor color = map.Color(place);
+  const double position = std::log(value / lowest) / std::log(highest / lowest); // 0.5
+  const QColor color = map.Color(position);
   //! [Logarithm]
   EXPECT_TRUE(SameColor(color.rgba(), QColor(127, 127, 127), 1));
 }

@@ -33,7 +33,7 @@ const std::string Float3Read =
 
 } // namespace
 
-// A bool is moved as the byte that it is, whatever it is.
+// A byte that is neither 0 nor 1 must not be read as a bool.
 TEST(InterpretArray, KeepsTheBytesOfBools) {
   const unsigned char bytes[] = {0, 1, 2, 255};
   std::vector<boost::array<unsigned char, 1>> dest(4);
@@ -56,7 +56,7 @@ TEST(ArrayView, ReadsScalarsAndKeepsTheOwnerAlive) {
   EXPECT_TRUE(storage.expired());
 }
 
-TEST(ArrayView, YieldsZeroOutsideAfterAReport) {
+TEST(ArrayView, ReportsIndicesOutside) {
   const ReportCapture reports;
   const double values[] = {4, 5};
   const Array<double, 0> view(values, 2);
@@ -71,7 +71,7 @@ TEST(ArrayView, YieldsZeroOutsideAfterAReport) {
             (std::vector<std::string>{ofDouble, ofDouble, FloatAccess, start + "bool" + middle + "bool" + end}));
 }
 
-TEST(InterpretArray, TakesWholeTuplesOnlyAndWhatFits) {
+TEST(InterpretArray, CopiesWholeTuplesThatFit) {
   const float values[] = {1, 2, 3, 4, 5, 6, 7};
   const struct {
     const char* name;
@@ -105,7 +105,7 @@ TEST(InterpretArray, TakesWholeTuplesOnlyAndWhatFits) {
   }
 }
 
-TEST(InterpretArray, HoldsItsReaderInAFunction) {
+TEST(InterpretArray, ReadsTuplesByIndex) {
   const ReportCapture reports;
   const float values[] = {1, 2, 3, 4, 5, 6, 7};
   const InterpretArray<Array<float, 0>, Array<float, 0>>::Tuples<boost::array<float, 3>> tuples(

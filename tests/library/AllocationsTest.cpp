@@ -1,4 +1,4 @@
-// What must take memory once, not at all or within bounds, by counting calls of operator new.
+// Bounds on allocations, counted in operator new.
 
 #include "library/CloneAttribute.h"
 #include "library/HdrImage.h"
@@ -112,7 +112,7 @@ TEST(Allocations, ReportsTakeNoMemory) {
   vekdebug::logger::instance().set_sink(previous);
 }
 
-// A few bytes that claim a lot. What a reader takes is its window, and the result where the claim is to be believed.
+// A few bytes that claim large sizes. A reader allocates its window, and the result where the claim is plausible.
 TEST(Allocations, ClaimsTakeNoMemory) {
   using namespace Library;
   constexpr std::size_t Window = std::size_t{1} << 20;

@@ -21,7 +21,7 @@ const std::string UnknownSource = "class boost::shared_ptr<class Vek::SupportedI
                                   "Vek::Chart::Library::CloneAttribute(const class boost::shared_ptr<class "
                                   "Vek::SupportedInterface::ISupportedInterface> &) @line500";
 
-// What the tests know of each of the six interfaces.
+// Traits of the six interfaces.
 template <class W>
 struct Kind;
 
@@ -74,7 +74,7 @@ const std::vector<InterfaceID> Order = {InterfaceID::Of<VertexAttribute1>(), Int
                                         InterfaceID::Of<VertexAttribute2>(), InterfaceID::Of<VertexAttribute3>(),
                                         InterfaceID::Of<VertexAttribute4>(), InterfaceID::Of<VertexIndex>()};
 
-/// Has every interface, offers those that it is told to, and notes what it is asked for.
+/// Implements every interface, supports those in `offered`, and records queries.
 class Everything : public VertexAttribute1,
                    public VertexAttribute1B,
                    public VertexAttribute2,
@@ -116,7 +116,7 @@ public:
   }
 };
 
-/// A source of `count` elements that writes what it is told to, and offers its interface and perhaps a unit.
+/// A source of `p_count` elements with a given Write, its interface and optionally a unit.
 template <class W>
 class Source : public Everything {
 public:
@@ -166,7 +166,7 @@ Object CountedSource(std::size_t p_count, bool p_measured = Kind<W>::Measured) {
 template <class E>
 using VectorWriter = Library::ContainerStreamWriter<std::vector<E>, Library::ContainerOperations::StaticContainer, E>;
 
-/// All that an object has to tell under the interface W.
+/// All elements of an object under the interface W.
 template <class W>
 std::vector<typename Kind<W>::Element> ElementsOf(const Object& p_object) {
   const boost::shared_ptr<W> attribute = QueryInterface<W>(p_object);
@@ -181,7 +181,7 @@ std::vector<typename Kind<W>::Element> ElementsOf(const Object& p_object) {
   return elements;
 }
 
-/// A data writer that only notes how it is called.
+/// A data writer that records its calls.
 class LoggingDataWriter {
 public:
   explicit LoggingDataWriter(Texts& p_calls)
@@ -196,7 +196,7 @@ private:
   Texts& _calls;
 };
 
-/// Opens the channel that clones are described on.
+/// Opens the debug channel of clones.
 struct OpenChannel {
   OpenChannel() { Utility::GetLogger().open("DataRepository"); }
   ~OpenChannel() { Utility::GetLogger().close("DataRepository"); }
@@ -210,7 +210,7 @@ TYPED_TEST_SUITE(CloneOf, Interfaces, ); // the empty name generator keeps clang
 
 } // namespace
 
-TYPED_TEST(CloneOf, StandsAloneAndSoDoesItsClone) {
+TYPED_TEST(CloneOf, IsIndependentOfItsSource) {
   using Element = typename Kind<TypeParam>::Element;
   const ReportCapture reports;
   Object source = CountedSource<TypeParam>(10);
@@ -230,11 +230,11 @@ TYPED_TEST(CloneOf, StandsAloneAndSoDoesItsClone) {
   EXPECT_EQ(reports.Entries()[0].kind, vekdebug::severity::sentry);
 }
 
-TYPED_TEST(CloneOf, OffersItsInterfaceAndForFloatsTheUnit) {
+TYPED_TEST(CloneOf, SupportsItsInterfaceAndForFloatsTheUnit) {
   std::vector<InterfaceID> all = Order;
   all.insert(all.end(), {InterfaceID::Of<QuantityUnit>(), InterfaceID::Of<ElementCount>(),
                          InterfaceID::Of<ISupportedInterface>()});
-  // Whether the source tells its unit decides what the clone tells, not whether it does.
+  // The clone supports QuantityUnit also if the source does not.
   for (const bool measured : {true, false}) {
     const Object clone = CloneAttribute(CountedSource<TypeParam>(2, measured));
     for (const InterfaceID& id : all) {
@@ -278,7 +278,7 @@ TYPED_TEST(CloneOf, IsDescribedOnTheOpenChannel) {
   }
 }
 
-TYPED_TEST(CloneOf, HandsOverAllScalarsInOneCallOfItsOwnType) {
+TYPED_TEST(CloneOf, WritesAllScalarsInOneCall) {
   using Element = typename Kind<TypeParam>::Element;
   using Writer = typename Library::StreamWriterKind<Element, LoggingDataWriter>::Base;
   Texts calls;
@@ -292,7 +292,7 @@ TYPED_TEST(CloneOf, HandsOverAllScalarsInOneCallOfItsOwnType) {
   EXPECT_EQ(calls, (Texts{scalar + " " + std::to_string(7 * Element::static_size), scalar + " 0 null"}));
 }
 
-TYPED_TEST(CloneOf, TakesWhatTheSourceWritesWithinItsCount) {
+TYPED_TEST(CloneOf, StoresWhatTheSourceWrites) {
   using Element = typename Kind<TypeParam>::Element;
   using Writer = typename Kind<TypeParam>::Writer;
   constexpr std::size_t N = Element::static_size;
@@ -301,7 +301,7 @@ TYPED_TEST(CloneOf, TakesWhatTheSourceWritesWithinItsCount) {
   const struct {
     const char* name;
     std::function<void(Writer&)> write;
-    std::array<unsigned, 3> stored; ///< number of the element in each place; 0: zeros
+    std::array<unsigned, 3> stored; ///< number of each stored element; 0: zeros
     std::size_t reports;
   } cases[] = {
       {"nothing", [](Writer&) {}, {0, 0, 0}, 0},
@@ -339,7 +339,7 @@ TYPED_TEST(CloneOf, ConvertsLongRuns) {
   EXPECT_EQ(ElementsOf<TypeParam>(CloneAttribute(MakeSource<TypeParam>(Count, write))), expected);
 }
 
-TYPED_TEST(CloneOf, LetsExceptionsOfTheSourceThrough) {
+TYPED_TEST(CloneOf, PassesExceptionsOfTheSource) {
   const Object source = MakeSource<TypeParam>(
       1000, [](auto& p_writer) { p_writer.Skip(1), throw std::runtime_error("the disk is gone"); });
   const ReportCapture reports;
@@ -348,7 +348,7 @@ TYPED_TEST(CloneOf, LetsExceptionsOfTheSourceThrough) {
   EXPECT_EQ(reports.Texts(), Texts());
 }
 
-TEST(CloneAttribute, TakesTheFirstInterfaceThatIsOffered) {
+TEST(CloneAttribute, ClonesTheFirstSupportedInterface) {
   for (std::size_t first = 0; first < Order.size(); ++first) {
     const auto source = boost::make_shared<Everything>();
     source->offered.insert(Order.begin() + static_cast<std::ptrdiff_t>(first), Order.end());
@@ -362,7 +362,7 @@ TEST(CloneAttribute, TakesTheFirstInterfaceThatIsOffered) {
   }
 }
 
-TEST(CloneAttribute, RefusesWhatIsNoVertexData) {
+TEST(CloneAttribute, ReportsUnknownSources) {
   const OpenChannel open;
   const auto none = boost::make_shared<Everything>();
   const auto other = boost::make_shared<Everything>();

@@ -13,8 +13,7 @@ QColor Numbered(unsigned int p_number) {
   return QColor::fromRgb(static_cast<int>(p_number % 251), static_cast<int>(p_number / 251 % 251), 200);
 }
 
-/// Adds colours, a letter and the number of its parent each, which get the ids from 1 on; then instances of colours
-/// with what they replace.
+/// Adds colours, given as a letter and the parent's id each, with ids from 1 on; then instances with replacements.
 using Instances = std::vector<std::pair<unsigned int, std::map<unsigned int, QColor>>>;
 void Add(ColorAtlas& p_atlas, const std::string& p_colors, const Instances& p_instances = {}) {
   std::istringstream colors(p_colors);
@@ -25,8 +24,8 @@ void Add(ColorAtlas& p_atlas, const std::string& p_colors, const Instances& p_in
     p_atlas.AddInstance(color, replaced);
 }
 
-/// The rows of the picture with a blank behind each, one letter a texel: '.' where it is background, '?' for a colour
-/// that no letter has; 'x' and 'y' are replacements.
+/// The rows of the image with a blank behind each, one letter a texel: '.' is background, 'x' and 'y' are replacements,
+/// '?' is any other colour.
 std::string Rows(const QImage& p_image) {
   std::map<QRgb, char> letters = {{QColor(Qt::red).rgba(), '.'}, {Numbered(8).rgba(), 'x'}, {Numbered(9).rgba(), 'y'}};
   for (unsigned int i = 1; i < 6; ++i)
@@ -58,12 +57,12 @@ TEST(ColorAtlas, NumbersColorsAndInstancesTogether) {
   const ColorAtlas::ColorNode& node = atlas.ColorAt(first);
   EXPECT_EQ(atlas.AddInstance(first, {}), 2u);
   EXPECT_EQ(atlas.AddColor(Qt::blue, first), 3u);
-  EXPECT_EQ(&atlas.ColorAt(2), &node) << "an instance answers its colour, and nodes keep their places";
+  EXPECT_EQ(&atlas.ColorAt(2), &node) << "an instance has the node of its colour, and nodes do not move";
   EXPECT_EQ(node.children, std::vector<unsigned int>{3});
   EXPECT_EQ(node.instanceCount, 1u);
 }
 
-TEST_F(ColorAtlasCalls, PlacesSmallTreesAsWritten) {
+TEST_F(ColorAtlasCalls, LaysOutSmallTrees) {
   const QColor x = Numbered(8), y = Numbered(9);
   const std::tuple<const char*, int, std::string, Instances, std::string> cases[] = {
       {"only the root", 8, "", {}, ". "},
@@ -120,10 +119,10 @@ TEST_F(ColorAtlasCalls, DescribesRunsAndOffsets) {
   EXPECT_EQ(At(beside.ColorAt(4).coords.First()), Pixel(2, 1)) << "behind the copies";
   EXPECT_EQ(beside.InstanceOffset(5), (Ogl::Vec2<float>{2 / 8.0f, 0}));
   EXPECT_EQ(beside.InstanceOffset(7), (Ogl::Vec2<float>{-1 / 8.0f, -1 / 2.0f}));
-  EXPECT_TRUE(std::signbit(beside.InstanceOffset(5).y)) << "a zero that counts downwards";
+  EXPECT_TRUE(std::signbit(beside.InstanceOffset(5).y)) << "the zero is negated, too";
 }
 
-TEST_F(ColorAtlasCalls, UploadsANearestClampedReplacingTexture) {
+TEST_F(ColorAtlasCalls, UploadsATexture) {
   ColorAtlas atlas;
   atlas.AddColor(Qt::green, 0);
   Build(atlas, 64);
@@ -164,7 +163,7 @@ TEST_F(ColorAtlasCalls, KeepsItsLastBuildWhenTheSinkThrows) {
   EXPECT_EQ(Rows(atlas.AtlasImage()), "baa. ");
 }
 
-TEST_F(ColorAtlasCalls, ReportsWhatIsWrongAndGoesOn) {
+TEST_F(ColorAtlasCalls, ReportsErrorsAndGoesOn) {
   const std::string atlasClass = "Vek::Chart::Library::ColorAtlas::";
   const std::string span = "const class Vek::Chart::Types::Span<unsigned int> &)";
   const std::string layout = " - void __cdecl Vek::Chart::Library::Private::ColorAtlasImpl::";
@@ -265,7 +264,7 @@ TEST_F(ColorAtlasCalls, BuildsChainsOfAnyDepth) {
     all[atlas.AddColor(Numbered(i), i)] = Numbered(i + 7);
   const unsigned int instance = atlas.AddInstance(1, all);
   Build(atlas, 1024);
-  // Every colour of the chain is replaced on its own: a painter that repaints each run would write 2 · 10^10 texels.
+  // Every colour of the chain is replaced: painting each run would write 5 · 10^9 texels.
   const long row = std::lround(-atlas.InstanceOffset(instance).y / atlas.TexelCoordSpace().texel.y);
   EXPECT_EQ(atlas.AtlasImage().pixel(Depth % 1024 - 1, static_cast<int>(row + Depth / 1024)),
             Numbered(Depth + 6).rgba());

@@ -1,5 +1,5 @@
-// The rule of the classes is applied here once more, slowly: compare a value as an exact number with the bounds, one
-// after the other. Whole arrays must follow it for every bit pattern, next to every bound, at every length and place.
+// Arrays are compared with the plain rule, which compares each value with one bound after the other: for random bit
+// patterns, next to every bound, at every length and alignment.
 
 #include "library/ColorScale.h"
 #include "tests/support/Test.h"
@@ -15,7 +15,7 @@ constexpr double Largest = std::numeric_limits<double>::max();
 static_assert(ColorScale::Linear == 0 && ColorScale::Logarithmic == 1, "callers were compiled with these");
 constexpr double Smallest = std::numeric_limits<double>::denorm_min();
 
-/// Colours that tell their number; so do those outside the classes.
+/// The colour of a class, or of values outside of all classes, by its number.
 QColor Numbered(int p_number) {
   return {p_number >> 8, p_number & 255, 7, 9};
 }
@@ -56,7 +56,7 @@ std::vector<int> Mapped(const ColorScale& p_scale, const std::vector<T>& p_value
   return numbers;
 }
 
-/// Any bits; places all over the range; every bound with its neighbours; and the numbers that are special.
+/// Special numbers, random bits, values all over the range, and every bound with its neighbours.
 template <class T>
 std::vector<T> Probes(const std::vector<double>& p_bounds, unsigned int p_seed) {
   using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
@@ -97,7 +97,7 @@ void ExpectTheRule(const ColorScale& p_scale, unsigned int p_seed) {
   }
 }
 
-TEST(ColorScale, PutsEveryValueIntoItsClass) {
+TEST(ColorScale, MapsEveryValueToItsClass) {
   const auto linear = ColorScale::Linear, logarithmic = ColorScale::Logarithmic;
   const std::tuple<std::string, double, double, ColorScale::Spacing> ranges[] = {
       {"unit", 0, 1, linear},
@@ -139,7 +139,7 @@ TEST(ColorScale, PutsEveryValueIntoItsClass) {
   }
 }
 
-TEST(ColorScale, HasItsBoundsWhereTheyAreExpected) {
+TEST(ColorScale, SpacesItsBounds) {
   const std::pair<ColorScale::Spacing, std::vector<double>> cases[] = {
       {ColorScale::Logarithmic, {0.001, 0.01, 0.1, 1, 10, 100, 1000}},
       {ColorScale::Logarithmic, {0.25, 0.5, 1, 2, 4, 8, 16}},
@@ -151,7 +151,7 @@ TEST(ColorScale, HasItsBoundsWhereTheyAreExpected) {
     const Colors colors = Numbered(0, static_cast<int>(bounds.size()) - 1);
     EXPECT_EQ(ColorScale(colors, bounds.front(), bounds.back(), spacing).Bounds(), bounds);
   }
-  // By logarithms: each bound lies at its part of the way.
+  // Equally spaced in the logarithm.
   const ColorScale scale(Numbered(0, 256), 0.02, 3e5, ColorScale::Logarithmic);
   for (int i = 0; i <= 256; ++i)
     EXPECT_NEAR(std::log(scale.Bounds()[std::size_t(i)] / 0.02L) / std::log(3e5L / 0.02L), i / 256.0L, 1e-15L) << i;
@@ -164,7 +164,7 @@ TEST(ColorScale, HasAClassForEachTexelOfAMap) {
     EXPECT_EQ(scale.Color(i), map.Color(i)) << i;
 }
 
-TEST(ColorScale, WritesFourBytesAValueAndNothingElse) {
+TEST(ColorScale, WritesFourBytesAValue) {
   const Colors colors{QColor(1, 2, 3, 4), QColor(250, 251, 252, 253)};
   const struct {
     const char* name;
@@ -184,7 +184,7 @@ TEST(ColorScale, WritesFourBytesAValueAndNothingElse) {
     EXPECT_EQ(rgba, row.expected) << row.name;
   }
 
-  // Short and long arrays, at every offset from the borders that memory has; each piece as it comes alone.
+  // Short and long arrays at all alignments equal those mapped value by value.
   const ColorScale scale(Numbered(0, 100), 0, 100);
   std::vector<float> many((1 << 20) + 70);
   for (std::size_t i = 0; i < many.size(); ++i)
@@ -201,7 +201,7 @@ TEST(ColorScale, WritesFourBytesAValueAndNothingElse) {
     }
 }
 
-TEST(ColorScale, ReportsWhatMakesNoClasses) {
+TEST(ColorScale, ReportsInvalidClasses) {
   const Colors two{Qt::red, Qt::blue};
   ColorScale::Outside outside;
   outside.nan = QColor(1, 2, 3);

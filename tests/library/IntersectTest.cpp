@@ -36,7 +36,7 @@ bool SameBits(const Vector3& p_a, const Vector3& p_b) {
   return SameBits(p_a.x, p_b.x) && SameBits(p_a.y, p_b.y) && SameBits(p_a.z, p_b.z);
 }
 
-TEST(IntersectPlanes, ParallelIsFalseAndLeavesTheLineAlone) {
+TEST(IntersectPlanes, ParallelPlanesDoNotMeet) {
   const struct {
     const char* name;
     Types::Plane first;
@@ -79,7 +79,7 @@ TEST(IntersectPlanes, MeetInALineThroughSinglePrecision) {
   EXPECT_EQ(line.direction, Vector3(0, 1e-7, 0));
 }
 
-TEST(IntersectSegment, CountsBothEndsAndTellsParallelFromContained) {
+TEST(IntersectSegment, IncludesBothEnds) {
   const Types::Plane ground({4, 4, 0}, {0, 0, 1});
   const Types::Plane longNormal({0, 0, 0}, {0, 0, 8}); // normals are taken as they are, not normalised
   const Types::Plane shortNormal({0, 0, 0}, {0, 0, 1e-17});
@@ -156,7 +156,7 @@ TEST(IntersectViewports, CommonPart) {
   }
 }
 
-// The rule for a box and a plane, word for word, in the plainest form.
+// The plain rule for a box and a plane.
 
 tribool PlainSegment(const Types::Plane& p_plane, const Vector3& p_start, const Vector3& p_end, Vector3& p_point) {
   const Vector3 n = p_plane.Normal();
@@ -341,7 +341,7 @@ const Family Families[] = {{"proper", Family::Proper},
                            {"special numbers", Family::Special},
                            {"empty box", Family::Empty}};
 
-TEST(IntersectBox, IsTheRuleBitForBit) {
+TEST(IntersectBox, EqualsThePlainRuleBitForBit) {
   std::vector<Vector3> points;
   std::vector<Vector3> expected;
   for (const auto& family : Families) {
@@ -357,12 +357,12 @@ TEST(IntersectBox, IsTheRuleBitForBit) {
                         << Text(c.plane.Point()) << Text(c.plane.Normal());
       cuts += cut ? 1 : 0;
     }
-    EXPECT_GT(cuts, 2000) << family.name << " hardly ever cuts";
+    EXPECT_GT(cuts, 2000) << family.name << " rarely cuts";
   }
 }
 
 // On the plane, in the box, convex, and counter-clockwise seen from where the normal points.
-TEST(IntersectBox, AProperCutIsAConvexPolygonInOrder) {
+TEST(IntersectBox, ProperCutsAreConvexPolygons) {
   std::vector<Vector3> points;
   int sizes[7] = {};
   for (unsigned i = 0; i < 30000; ++i) {

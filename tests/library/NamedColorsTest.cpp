@@ -75,7 +75,7 @@ TEST(NamedColors, AreCutReversedAndClassed) {
   for (const auto& row : cases)
     EXPECT_EQ(Rgbs(NamedColors::Colors("grey", row.count, row.from, row.to)), row.expected)
         << row.count << ' ' << row.from << ' ' << row.to;
-  // As many bands as classes, in the classes' own colours.
+  // A discrete map has a band for each class.
   const ColorMap classed(NamedColors::Colors("grey", 6), ColorMap::Discrete);
   for (int i = 0; i < 6; ++i)
     EXPECT_EQ(classed.Color((i + 0.5) / 6), QColor(51 * i, 51 * i, 51 * i)) << i;

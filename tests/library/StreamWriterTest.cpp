@@ -14,7 +14,7 @@ constexpr std::uint64_t Huge = std::numeric_limits<std::uint64_t>::max();
 template <class E>
 using WriterOf = ContainerStreamWriter<std::vector<E>, ContainerOperations::StaticContainer, E>;
 
-// The texts of reports, put together from the names that the host platform prints for the types.
+// The texts of reports.
 template <class S>
 std::string EmptyText() {
   const std::string scalar = vekdebug::TypeName<S>::Text();
@@ -67,7 +67,7 @@ using Rows =
                      Integers<unsigned short, 3>, Integers<unsigned short, 4>, Integers<unsigned int, 1>,
                      Integers<unsigned int, 2>, Integers<unsigned int, 3>, Integers<unsigned int, 4>>;
 
-/// Scalars that are all different where the type allows it, never 0, and end in the largest value.
+/// Scalars other than 0, different where the type allows it; the last one is the largest value.
 template <class S>
 boost::shared_ptr<S[]> Scalars(std::size_t p_count) {
   boost::shared_ptr<S[]> scalars(new S[p_count]);
@@ -99,7 +99,7 @@ TYPED_TEST_SUITE(StreamWriterMatrix, Rows, ); // the empty name generator keeps 
 
 } // namespace
 
-TYPED_TEST(StreamWriterMatrix, ConvertsWholeElementsOneRunAfterTheOther) {
+TYPED_TEST(StreamWriterMatrix, ConvertsWholeElements) {
   using Element = typename TypeParam::Element;
   constexpr std::size_t N = TypeParam::Width;
   const ReportCapture reports;
@@ -127,7 +127,7 @@ TYPED_TEST(StreamWriterMatrix, ConvertsWholeElementsOneRunAfterTheOther) {
   EXPECT_EQ(reports.Texts(), Texts());
 }
 
-TYPED_TEST(StreamWriterMatrix, ReportsAndDropsWhatDoesNotFit) {
+TYPED_TEST(StreamWriterMatrix, ReportsAndDropsOverruns) {
   using Element = typename TypeParam::Element;
   constexpr std::size_t N = TypeParam::Width;
   const auto source = Scalars<typename TypeParam::Source>(4 * N);
@@ -177,14 +177,14 @@ TYPED_TEST(StreamWriterMatrix, ReportsAnEmptySource) {
   WriterOf<Element> writer(dest);
   writer.Write(Scalars<Source>(1).get(), 0);
   EXPECT_EQ(writer.CurrentIndex(), 0u);
-  // No data for the scalars that were announced: the position moves on all the same.
+  // A null pointer with a count: the position advances all the same.
   writer.Write(static_cast<const Source*>(nullptr), 2 * TypeParam::Width);
   EXPECT_EQ(writer.CurrentIndex(), 2u);
   EXPECT_EQ(reports.Texts(), Texts(2, EmptyText<Source>()));
   EXPECT_EQ(dest, Filled<Element>(2, 5));
 }
 
-TYPED_TEST(StreamWriterMatrix, AnswersForItsOwnInterfaceOnly) {
+TYPED_TEST(StreamWriterMatrix, SupportsItsOwnInterfaceOnly) {
   using Element = typename TypeParam::Element;
   using Interface = typename TypeParam::Interface;
   std::vector<Element> dest;

@@ -23,7 +23,7 @@ std::size_t WriteSlot() {
 
 } // namespace
 
-// Sources and writers may be built apart: the order of the virtual operations is what they agree on.
+// Sources and writers may be built separately: the order of the virtual operations is part of the interfaces.
 TEST(DataInterface, SlotOrderIsFixed) {
 #if !defined(__x86_64__)
   GTEST_SKIP() << "member pointers are read by the ABI of x86-64";

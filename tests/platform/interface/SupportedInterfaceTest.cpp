@@ -13,7 +13,7 @@ struct Tint : virtual ISupportedInterface {
 };
 struct Smell : virtual ISupportedInterface {};
 
-/// Offers two of the three interfaces.
+/// Supports two of the three interfaces.
 class Apple : public Weight, public Tint {
 public:
   explicit Apple(bool& p_alive)

@@ -3,7 +3,7 @@
 
 using namespace Vek::Chart::Types;
 
-TEST(StyleProperty, TheOwnValueCountsBeforeTheDefault) {
+TEST(StyleProperty, OwnValueOverridesTheDefault) {
   StyleProperty<int> property(4);
   EXPECT_EQ(property.Effective(), 4);
   property.Set(0); // the value-initialised value counts as set, too

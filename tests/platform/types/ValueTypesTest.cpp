@@ -41,7 +41,7 @@ Vector3 RandomVector(std::mt19937& p_random) {
 
 } // namespace
 
-TEST(Vector, ComponentsTakePartOneByOne) {
+TEST(Vector, WorksByComponents) {
   Vector3 v(1, 2, 3);
   EXPECT_EQ(-(v + Vector3(10, 20, 30)) * 2.0, Vector3(-22, -44, -66));
   EXPECT_EQ(2.0 * v - v / 2.0, Vector3(1.5, 3, 4.5));
@@ -87,7 +87,7 @@ TEST(Matrix3, RotationIsRightHandedAboutItsAxis) {
     const Vector3 axis = RandomVector(random);
     const Vector3 v = RandomVector(random);
     const Angle angle = Angle::FromDegrees(7.0 * i - 100);
-    // Rodrigues: what lies along the axis stays, the rest turns in the plane across it.
+    // Rodrigues' formula.
     const Vector3 n = axis / Length(axis);
     const Vector3 turned = std::cos(angle.Radians()) * v + std::sin(angle.Radians()) * Cross(n, v) +
                            (1 - std::cos(angle.Radians())) * Dot(n, v) * n;
@@ -105,13 +105,13 @@ TEST(Transformation, AppliesTheRightFactorFirst) {
   EXPECT_EQ(t.ColumnMajor(), (std::array<double, 16>{1, 4, 7, 0, 2, 5, 8, 0, 3, 6, 9, 0, 10, 11, 12, 1}));
 }
 
-TEST(Plane, ThreePointsTurnCounterClockwiseAboutTheNormal) {
+TEST(Plane, ThreePointsRunCounterClockwise) {
   const Plane plane({0, 0, 2}, {1, 0, 2}, {0, 3, 2});
   EXPECT_TRUE(plane.Equation() == Vector4(0, 0, 3, -6));
   EXPECT_TRUE(Plane().Equation() == Vector4(0, 0, 1, 0));
 }
 
-TEST(BoundingBox, GrowsFromNothingAndNaNChangesNothingOfItsComponent) {
+TEST(BoundingBox, GrowsFromEmptyAndIgnoresNaN) {
   Box box;
   box += Box();
   EXPECT_TRUE(box.Empty());
@@ -133,7 +133,7 @@ TEST(BoundingBox, GrowsFromNothingAndNaNChangesNothingOfItsComponent) {
   EXPECT_TRUE(part == Box({2, 1, 1}, {2, 1, 3}));
 }
 
-TEST(MinMax, GrowsFromNothing) {
+TEST(MinMax, GrowsFromEmptyAndIgnoresNaN) {
   constexpr double Infinity = std::numeric_limits<double>::infinity();
   MinMax_Base<double> range;
   range += NaN;
