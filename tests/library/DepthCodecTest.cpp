@@ -9,15 +9,14 @@ namespace {
 
 using Bytes = boost::array<unsigned char, 4>;
 
+constexpr float Scale[] = {0x1p+0F, 0x1.fep+7F, 0x1.fc02p+15F, 0x1.fa05fep+23F};
+constexpr float Weights[] = {0x1p+0F, 0x1.010102p-8F, 0x1.020304p-16F, 0x1.03060ap-24F};
+constexpr float K = Weights[1];
+
 float FromBits(std::uint32_t p_bits) {
   float value;
   std::memcpy(&value, &p_bits, sizeof value);
   return value;
-}
-std::uint32_t BitsOf(float p_value) {
-  std::uint32_t bits;
-  std::memcpy(&bits, &p_value, sizeof bits);
-  return bits;
 }
 std::string Text(const Bytes& p_bytes) {
   std::string text;
@@ -31,15 +30,14 @@ std::string Text(const Bytes& p_bytes) {
 Bytes ReferenceEncode(float p_depth) {
   const auto multiply = [](float p_a, float p_b) { return static_cast<float>(double(p_a) * double(p_b)); };
   const auto subtract = [](float p_a, float p_b) { return static_cast<float>(double(p_a) - double(p_b)); };
-  const float scale[] = {FromBits(0x3F800000), FromBits(0x437F0000), FromBits(0x477E0100), FromBits(0x4B7D02FF)};
   float e[4];
   for (int i = 0; i < 4; ++i) {
-    const float product = multiply(scale[i], p_depth);
+    const float product = multiply(Scale[i], p_depth);
     e[i] = subtract(product, static_cast<float>(std::floor(double(product))));
   }
   Bytes bytes;
   for (int i = 0; i < 4; ++i) {
-    const float rest = i == 3 ? e[3] : subtract(e[i], multiply(e[i + 1], FromBits(0x3B808081)));
+    const float rest = i == 3 ? e[3] : subtract(e[i], multiply(e[i + 1], K));
     bytes[i] = static_cast<unsigned char>(static_cast<long long>(std::trunc(multiply(rest, 255))) & 255);
   }
   return bytes;
@@ -81,28 +79,18 @@ TEST(DepthCodec, EncodesInSinglePrecisionStepByStep) {
 TEST(DepthCodec, DecodesWithTheListedWeights) {
   EXPECT_EQ(DepthCodec::Decode({{0, 0, 0, 0}}), Ogl::HitRecord::DepthFarthest);
   EXPECT_NEAR(DepthCodec::Decode({{0, 0, 0, 1}}), 2.3e-10, 1e-11); // the smallest hit
-  const float k = FromBits(0x3B808081);
-  const float weights[] = {1, k, FromBits(0x37810182), FromBits(0x33818305)};
   for (std::uint32_t i = 1; i < 100000; ++i) {
     const std::uint32_t r = i * 2654435761U;
     const Bytes bytes = {{static_cast<unsigned char>(r >> 24), static_cast<unsigned char>(r >> 16),
                           static_cast<unsigned char>(r >> 8), static_cast<unsigned char>(r)}};
     float sum = 0;
     for (int c = 0; c < 4; ++c) {
-      const auto channel = static_cast<float>(double(bytes[c]) * double(k));
-      const auto term = static_cast<float>(double(channel) * double(weights[c]));
+      const auto channel = static_cast<float>(double(bytes[c]) * double(K));
+      const auto term = static_cast<float>(double(channel) * double(Weights[c]));
       sum = static_cast<float>(double(sum) + double(term));
     }
-    ASSERT_EQ(BitsOf(DepthCodec::Decode(bytes)), BitsOf(sum)) << Text(bytes);
+    ASSERT_EQ(DepthCodec::Decode(bytes), sum) << Text(bytes);
   }
-}
-
-TEST(DepthCodec, GlslHasTheConstantsInFull) {
-  EXPECT_EQ(DepthCodec::Glsl(), "vec4 EncodeDepth(float depth) {\n"
-                                "  vec4 e = fract(vec4(1.00000000, 255.000000, 65025.0000, 16581375.0) * depth);\n"
-                                "  e = e - vec4(e.yzw * 0.00392156886, 0.0);\n"
-                                "  return floor(max(e * 255.0, 0.0)) / 255.0;\n"
-                                "}\n");
 }
 
 constexpr float LargestBelowOne = 0x1.fffffep-1F;
@@ -113,7 +101,7 @@ testing::AssertionResult IsPrecise(const Bytes& p_bytes, float p_depth) {
   if (decoded < 1 && std::abs(double(decoded) - double(p_depth)) <= 0x1p-23 &&
       (p_depth < LargestBelowOne || decoded == LargestBelowOne))
     return testing::AssertionSuccess();
-  return testing::AssertionFailure() << BitsOf(p_depth) << " as " << Text(p_bytes) << "is " << BitsOf(decoded);
+  return testing::AssertionFailure() << double(p_depth) << " as " << Text(p_bytes) << "is " << double(decoded);
 }
 
 // The arithmetic of PreciseGlsl on a device that rounds each operation, or fuses products with sums.
@@ -121,14 +109,13 @@ Bytes PreciseEncode(float p_depth, bool p_fused) {
   const auto madd = [p_fused](float p_a, float p_b, float p_c) {
     return p_fused ? std::fma(p_a, p_b, p_c) : p_a * p_b + p_c;
   };
-  const float k = FromBits(0x3B808081);
   float rest = std::min(p_depth, LargestBelowOne);
   const float x = std::floor(rest * 254.9999F);
-  rest = madd(-x, k, rest);
+  rest = madd(-x, K, rest);
   const float y = std::floor(rest * 65024.98F);
-  rest = madd(-y * k, k, rest);
+  rest = madd(-y * K, Weights[1], rest);
   const float z = std::floor(rest * 16581370.0F);
-  rest = madd(-z * k, FromBits(0x37810182), rest);
+  rest = madd(-z * K, Weights[2], rest);
   const float w = std::min(std::floor(madd(rest, 4228250625.0F, 0.5F)), 255.0F);
   const auto byte = [](float p_step) { return static_cast<unsigned char>(p_step); };
   return {{byte(x), byte(y), byte(z), byte(w)}};

@@ -9,106 +9,91 @@ namespace {
 
 struct Row {
   const char* name;
-  Ogl::GlEnum capability; ///< enabled by the host, or none
+  std::vector<Ogl::GlEnum> enabled;
   std::function<void(Scope&)> set;
 };
 
+#define SET(p_call) [](Scope& p_gl) { p_gl->p_call; }
 const Row HostState[] = {
-    {"nothing", RGL_NONE, [](Scope&) {}},
-    {"scissor", RGL_SCISSOR_TEST, [](Scope& p_gl) { p_gl->Scissor(0, 0, 1, 1); }},
-    {"alpha test", RGL_ALPHA_TEST, [](Scope& p_gl) { p_gl->AlphaFunc(RGL_NEVER, 0); }},
-    {"stencil test", RGL_STENCIL_TEST, [](Scope& p_gl) { p_gl->StencilFunc(RGL_NEVER, 0, 0); }},
-    {"blending", RGL_BLEND, [](Scope& p_gl) { p_gl->BlendFunc(RGL_ZERO, RGL_ONE); }},
-    {"dithering", RGL_DITHER, {}},
-    {"logic operation", RGL_COLOR_LOGIC_OP, [](Scope& p_gl) { p_gl->LogicOp(RGL_NOOP); }},
-    {"multisampling", RGL_MULTISAMPLE, {}},
-    {"sRGB", RGL_FRAMEBUFFER_SRGB, {}},
-    {"polygon smoothing", RGL_POLYGON_SMOOTH, {}},
-    {"line smoothing", RGL_LINE_SMOOTH, {}},
-    {"point smoothing", RGL_POINT_SMOOTH, {}},
-    {"polygon stipple", RGL_POLYGON_STIPPLE,
-     [](Scope& p_gl) { p_gl->PolygonStipple(std::array<unsigned char, 128>{}.data()); }},
-    {"line stipple", RGL_LINE_STIPPLE, {}},
-    {"point offset", RGL_POLYGON_OFFSET_POINT, {}},
-    {"line offset", RGL_POLYGON_OFFSET_LINE, {}},
-    {"polygon offset", RGL_POLYGON_OFFSET_FILL, [](Scope& p_gl) { p_gl->PolygonOffset(0, 1e6F); }},
-    {"depth clamping", RGL_DEPTH_CLAMP, {}},
-    {"fog", RGL_FOG, {}},
-    {"lighting", RGL_LIGHTING, {}},
-    {"polygon mode", RGL_NONE, [](Scope& p_gl) { p_gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_POINT); }},
-    {"colour mask", RGL_NONE, [](Scope& p_gl) { p_gl->ColorMask(false, false, false, true); }},
-    {"alpha mask", RGL_NONE, [](Scope& p_gl) { p_gl->ColorMask(true, true, true, false); }},
-    {"depth mask", RGL_NONE, [](Scope& p_gl) { p_gl->DepthMask(false); }},
-    {"no depth test", RGL_NONE, [](Scope& p_gl) { p_gl->Disable(RGL_DEPTH_TEST); }},
-    {"depth function", RGL_NONE, [](Scope& p_gl) { p_gl->DepthFunc(RGL_ALWAYS); }},
-    {"depth range", RGL_NONE, [](Scope& p_gl) { p_gl->DepthRange(1, 0); }},
-    {"depth clear value", RGL_NONE, [](Scope& p_gl) { p_gl->ClearDepth(0); }},
-    {"clear colour", RGL_NONE, [](Scope& p_gl) { p_gl->ClearColor(0.5F, 0, 0, 0); }},
-    {"stencil clear value", RGL_NONE, [](Scope& p_gl) { p_gl->ClearStencil(7); }},
-    {"stencil mask", RGL_NONE,
-     [](Scope& p_gl) {
-       p_gl->StencilMask(~0U);
-       p_gl->ClearStencil(7);
-       p_gl->Clear(RGL_STENCIL_BUFFER_BIT);
-       p_gl->StencilMask(0);
-     }},
+    {"nothing", {}, {}},
+    {"scissor", {RGL_SCISSOR_TEST}, SET(Scissor(0, 0, 1, 1))},
+    {"alpha test", {RGL_ALPHA_TEST}, SET(AlphaFunc(RGL_NEVER, 0))},
+    {"stencil test", {RGL_STENCIL_TEST}, SET(StencilFunc(RGL_NEVER, 0, 0))},
+    {"blending", {RGL_BLEND}, SET(BlendFunc(RGL_ZERO, RGL_ONE))},
+    {"logic operation", {RGL_COLOR_LOGIC_OP}, SET(LogicOp(RGL_NOOP))},
+    {"polygon stipple", {RGL_POLYGON_STIPPLE}, SET(PolygonStipple(std::array<unsigned char, 128>{}.data()))},
+    {"polygon offset", {RGL_POLYGON_OFFSET_FILL}, SET(PolygonOffset(0, 1e6F))},
+    {"fog", {RGL_FOG}, {}},
+    {"lighting", {RGL_LIGHTING}, {}},
+    {"without effect on this scene or device",
+     {RGL_DITHER, RGL_MULTISAMPLE, RGL_FRAMEBUFFER_SRGB, RGL_POLYGON_SMOOTH, RGL_LINE_SMOOTH, RGL_POINT_SMOOTH,
+      RGL_LINE_STIPPLE, RGL_POLYGON_OFFSET_POINT, RGL_POLYGON_OFFSET_LINE, RGL_DEPTH_CLAMP},
+     {}},
+    {"polygon mode", {}, SET(PolygonMode(RGL_FRONT_AND_BACK, RGL_POINT))},
+    {"colour mask", {}, SET(ColorMask(false, false, false, true))},
+    {"alpha mask", {}, SET(ColorMask(true, true, true, false))},
+    {"depth mask", {}, SET(DepthMask(false))},
+    {"no depth test", {}, SET(Disable(RGL_DEPTH_TEST))},
+    {"depth function", {}, SET(DepthFunc(RGL_ALWAYS))},
+    {"depth range", {}, SET(DepthRange(1, 0))},
+    {"depth clear value", {}, SET(ClearDepth(0))},
+    {"clear colour", {}, SET(ClearColor(0.5F, 0, 0, 0))},
+    {"stencil clear value", {}, SET(ClearStencil(7))},
+    {"stencil mask",
+     {},
+     SET(StencilMask(~0U); p_gl->ClearStencil(7); p_gl->Clear(RGL_STENCIL_BUFFER_BIT); p_gl->StencilMask(0))},
 };
 
-/// To what the depth buffer holds, and a little less.
-float Rounded(float p_depth) {
-  return std::round(p_depth * 1e6F) / 1e6F;
-}
+using Depths = std::array<float, 2>;
 
 class DepthPassPixels : public PixelScopeFixture {
 protected:
   /// Packed by the shader in the left half of the viewport, drawn without one in the right half.
   void Draw(double p_depth) {
-    const auto quad = [&](int p_left, int p_right) {
-      gl->Begin(RGL_QUADS);
-      for (const auto& [x, y] : {std::pair(p_left, -1), {p_right, -1}, {p_right, 1}, {p_left, 1}})
-        gl->Vertex(x, y, 2 * p_depth - 1);
-      gl->End();
-    };
-    {
-      const auto used = packing.Use(gl);
-      quad(-1, 0);
-    }
     const auto bytes = DepthCodec::Encode(static_cast<float>(p_depth));
     gl->Color4d(bytes[0] / 255.0, bytes[1] / 255.0, bytes[2] / 255.0, bytes[3] / 255.0);
-    quad(0, 1);
-  }
-
-  /// The depths found in both halves by a picker whose callback draws `p_depths`, one behind the other; 1 for nothing.
-  std::array<float, 2> Picked(const Row& p_row, const std::vector<double>& p_depths) {
-    const auto render = [&](DepthCodec::Encoding) {
-      Set(p_row);
-      const std::vector<double> state = State();
-      {
-        const DepthPass pass(gl);
-        EXPECT_FALSE(p_row.capability != RGL_NONE && gl->IsEnabled(p_row.capability));
-        gl->Enable(RGL_STENCIL_TEST); // the scene's own, which expects a cleared stencil buffer
-        gl->StencilFunc(RGL_EQUAL, 0, ~0U);
-        for (const double depth : p_depths)
-          Draw(depth);
-      }
-      EXPECT_EQ(State(), state) << "restored";
-    };
-    std::array<float, 2> found = {1, 1};
-    const Core::TimeStamp stamp;
-    for (int i = 0; i < 2; ++i)
-      picker.GetDepthAt(gl, {0, 0, 12, 6}, {3 + 6 * i, 3}, stamp, render,
-                        [&](unsigned int, float p_depth) { found[std::size_t(i)] = Rounded(p_depth); });
-    return found;
+    for (const int left : {-1, 0}) {
+      const auto used = left < 0 ? packing.Use(gl) : nullptr;
+      gl->Begin(RGL_QUADS);
+      for (const auto& [x, y] : {std::pair(left, -1), {left + 1, -1}, {left + 1, 1}, {left, 1}})
+        gl->Vertex(x, y, 2 * p_depth - 1);
+      gl->End();
+    }
   }
 
   void Set(const Row& p_row) {
-    if (p_row.capability != RGL_NONE)
-      gl->Enable(p_row.capability);
+    for (const Ogl::GlEnum capability : p_row.enabled)
+      gl->Enable(capability);
     if (p_row.set)
       p_row.set(gl);
   }
 
-  /// What a pass changes.
+  /// What picks find in the two halves, to six digits, after `p_depths` were drawn behind each other; 1 for nothing.
+  Depths Picked(const Row& p_row, const std::vector<double>& p_depths) {
+    Depths found = {1, 1};
+    const Core::TimeStamp stamp;
+    for (const int x : {3, 9})
+      picker.GetDepthAt(
+          gl, {0, 0, 12, 6}, {x, 3}, stamp, [&](DepthCodec::Encoding) { DrawUnderPass(p_row, p_depths); },
+          [&](unsigned int, float p_depth) { found.at(x / 6) = std::round(p_depth * 1e6F) / 1e6F; });
+    return found;
+  }
+
+  void DrawUnderPass(const Row& p_row, const std::vector<double>& p_depths) {
+    Set(p_row);
+    const std::vector<double> state = State();
+    {
+      const DepthPass pass(gl);
+      for (const Ogl::GlEnum capability : p_row.enabled)
+        EXPECT_FALSE(gl->IsEnabled(capability)) << capability;
+      gl->Enable(RGL_STENCIL_TEST); // the scene's own, which expects a cleared stencil buffer
+      gl->StencilFunc(RGL_EQUAL, 0, ~0U);
+      for (const double depth : p_depths)
+        Draw(depth);
+    }
+    EXPECT_EQ(State(), state) << "restored";
+  }
+
   std::vector<double> State() {
     std::vector<double> state;
     for (const Ogl::GlEnum name :
@@ -119,8 +104,8 @@ protected:
       state.insert(state.end(), values.begin(), values.end());
     }
     for (const Row& row : HostState)
-      if (row.capability != RGL_NONE)
-        state.push_back(gl->IsEnabled(row.capability));
+      for (const Ogl::GlEnum capability : row.enabled)
+        state.push_back(gl->IsEnabled(capability));
     return state;
   }
 
@@ -131,17 +116,14 @@ protected:
 };
 
 TEST_F(DepthPassPixels, NoHostStateSpoilsAPick) {
-  using Depths = std::array<float, 2>;
-  const auto packed = [](float p_depth) {
-    return Depths{p_depth, Rounded(DepthCodec::Decode(DepthCodec::Encode(p_depth)))};
-  };
+  const Depths shown = {0.25F, std::round(DepthCodec::Decode(DepthCodec::Encode(0.25F)) * 1e6F) / 1e6F};
   for (const Row& row : HostState) {
     SCOPED_TRACE(row.name);
     const auto saved = gl->PushAttribScope(RGL_ALL_ATTRIB_BITS);
-    EXPECT_EQ(Picked(HostState[0], {0.75}), packed(0.75F));
+    EXPECT_NE(Picked(HostState[0], {0.75}), (Depths{1, 1}));
     Set(row);
     EXPECT_EQ(Picked(row, {}), (Depths{1, 1}));
-    EXPECT_EQ(Picked(row, {0.25, 0.5}), packed(0.25F));
+    EXPECT_EQ(Picked(row, {0.25, 0.5}), shown);
   }
 }
 

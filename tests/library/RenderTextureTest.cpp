@@ -68,7 +68,9 @@ TEST(MipInfo, HalvesDownToOneTexel) {
 TEST_F(RenderTextureCalls, MakesItsObjectsOnceAndRestoresWhatWasBound) {
   const RenderTexture target({9, 3});
   EXPECT_EQ(recorder.Lines(), Lines());
-  const Lines quiet = {"GetIntegerv", "GetFloatv", "GetString", "PixelStorei", "TexParameteri", "GetTexLevelParameteriv"};
+  const Lines quiet = {"GetIntegerv", "GetFloatv",     "GetString",
+                       "PixelStorei", "TexParameteri", "GetTexLevelParameteriv"};
+  EXPECT_EQ(target.DepthTexture(gl)->Name(), 1002);
   {
     const boost::shared_ptr<void> bound = target.BindForRead(gl);
     EXPECT_EQ(Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING), 4001);
@@ -143,23 +145,22 @@ TEST_F(RenderTextureCalls, MipsAreMadeAgainAfterDrawing) {
 }
 
 TEST_F(RenderTextureCalls, IncompleteFrameBuffersAreReportedByName) {
-  const std::pair<Ogl::GlEnum, std::string> cases[] = {
-      {RGL_FRAMEBUFFER_UNDEFINED, "GL_FRAMEBUFFER_UNDEFINED"},
-      {RGL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT, "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT"},
-      {RGL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT, "GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT"},
-      {RGL_FRAMEBUFFER_INCOMPLETE_DRAW_BUFFER, "GL_FRAMEBUFFER_INCOMPLETE_DRAW_BUFFER"},
-      {RGL_FRAMEBUFFER_INCOMPLETE_READ_BUFFER, "GL_FRAMEBUFFER_INCOMPLETE_READ_BUFFER"},
-      {RGL_FRAMEBUFFER_UNSUPPORTED, "GL_FRAMEBUFFER_UNSUPPORTED"},
-      {RGL_FRAMEBUFFER_INCOMPLETE_MULTISAMPLE, "GL_FRAMEBUFFER_INCOMPLETE_MULTISAMPLE"},
-      {0, "status 0"},
-  };
+#define STATUS(p_name)                                                                                                 \
+  { RGL_FRAMEBUFFER_##p_name, "GL_FRAMEBUFFER_" #p_name }
+  const std::pair<Ogl::GlEnum, std::string> cases[] = {STATUS(UNDEFINED),
+                                                       STATUS(INCOMPLETE_ATTACHMENT),
+                                                       STATUS(INCOMPLETE_MISSING_ATTACHMENT),
+                                                       STATUS(INCOMPLETE_DRAW_BUFFER),
+                                                       STATUS(INCOMPLETE_READ_BUFFER),
+                                                       STATUS(UNSUPPORTED),
+                                                       STATUS(INCOMPLETE_MULTISAMPLE)};
   for (const auto& [status, name] : cases) {
     const ReportCapture reports;
     recorder.SetFramebufferStatus(status);
     const RenderTexture target({9, 3}, RenderTexture::Float, RenderTexture::Linear, 4);
     target.GenerateMips(gl);
-    EXPECT_FALSE(target.Complete());
     EXPECT_EQ(target.ReadDepths(gl), Floats());
+    EXPECT_FALSE(target.Complete());
     EXPECT_EQ(reports.Texts(), Lines(2, Incomplete(name + ", 9 x 3, 0 samples"))) << "each attempt";
   }
   EXPECT_EQ(recorder.LinesOf({"ReadPixels", "GenerateMipmap", "GenRenderbuffers"}), Lines());
@@ -167,19 +168,14 @@ TEST_F(RenderTextureCalls, IncompleteFrameBuffersAreReportedByName) {
 
 TEST_F(RenderTextureCalls, AFailureIsReportedAndTheNextReadSucceeds) {
   recorder.SetInteger(RGL_MAX_SAMPLES, {4});
-  struct Case {
-    const char* call;
-    std::size_t number;
-    const char* report;
-    std::size_t pixels; ///< read at once
-    bool sampled;       ///< drawn to afterwards
-  };
-  const Case cases[] = {
+  const std::string outOfMemory = "GL_OUT_OF_MEMORY - __cdecl Vek::Chart::Library::RenderTexture::RenderTexture(";
+  // The call that fails, what is reported, the values read at once, whether samples are drawn to afterwards.
+  const std::tuple<const char*, std::size_t, std::string, std::size_t, bool> cases[] = {
       {"GenTextures", 1, "GenTexture(void)", 0, true},
       {"GenTextures", 2, "GenTexture(void)", 0, true},
-      {"TexImage2D", 1, "GL_OUT_OF_MEMORY - __cdecl Vek::Chart::Library::RenderTexture", 0, true},
-      {"TexImage2D", 2, "GL_OUT_OF_MEMORY - __cdecl Vek::Chart::Library::RenderTexture", 0, true},
-      {"GetTexLevelParameteriv", 1, "GL_OUT_OF_MEMORY - __cdecl Vek::Chart::Library::RenderTexture", 0, true},
+      {"TexImage2D", 1, outOfMemory, 0, true},
+      {"TexImage2D", 2, outOfMemory, 0, true},
+      {"GetTexLevelParameteriv", 1, outOfMemory, 0, true},
       {"GenFramebuffers", 1, "GenFrameBufferObject(void)", 0, true},
       {"CheckFramebufferStatus", 1, "status 0, 9 x 3, 0 samples", 0, true},
       {"GetIntegerv", 1, "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT, 9 x 3, 0 samples", 0, true},
@@ -189,18 +185,18 @@ TEST_F(RenderTextureCalls, AFailureIsReportedAndTheNextReadSucceeds) {
       {"GenRenderbuffers", 2, "GenRenderBuffer(void)", 27, false},
       {"CheckFramebufferStatus", 2, "status 0, 9 x 3, 4 samples", 27, false},
   };
-  for (const Case& row : cases) {
-    SCOPED_TRACE(row.call + std::to_string(row.number));
+  for (const auto& [call, number, report, values, sampled] : cases) {
+    SCOPED_TRACE(call + std::to_string(number));
     const ReportCapture reports;
     recorder.Clear();
-    recorder.Fail(row.call, row.number);
+    recorder.Fail(call, number);
     const RenderTexture target({9, 3}, RenderTexture::Float, RenderTexture::Linear, 8);
-    EXPECT_EQ(target.ReadDepths(gl).size(), row.pixels);
+    EXPECT_EQ(target.ReadDepths(gl).size(), values);
     ASSERT_NE(reports.Texts(), Lines());
-    EXPECT_NE(reports.Texts()[0].find(row.report), std::string::npos) << reports.Texts()[0];
+    EXPECT_NE(reports.Texts()[0].find(report), std::string::npos) << reports.Texts()[0];
     EXPECT_EQ(target.ToImage(gl).size(), QSize(9, 3));
     const auto name = [&](const boost::shared_ptr<void>&) { return Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING); };
-    EXPECT_EQ(name(target.BindForDraw(gl)) != name(target.BindForRead(gl)), row.sampled);
+    EXPECT_EQ(name(target.BindForDraw(gl)) != name(target.BindForRead(gl)), sampled);
   }
 }
 
@@ -252,31 +248,25 @@ TEST_F(RenderTexturePixels, RowsAndDepthsWhateverTheHostHasSet) {
   gl->PopClientAttrib();
 }
 
-TEST_F(RenderTexturePixels, BindsNestAndRepeat) {
-  const auto viewport = [this] {
-    std::array<int, 4> values{};
+TEST_F(RenderTexturePixels, BindsNest) {
+  const auto state = [this] {
+    std::array<int, 6> values{};
     gl->GetIntegerv(RGL_VIEWPORT, values.data());
+    gl->GetIntegerv(RGL_DRAW_FRAMEBUFFER_BINDING, &values[4]);
+    gl->GetIntegerv(RGL_READ_FRAMEBUFFER_BINDING, &values[5]);
     return values;
   };
-  const auto bound = [this] {
-    return std::pair(Integer(gl, RGL_DRAW_FRAMEBUFFER_BINDING), Integer(gl, RGL_READ_FRAMEBUFFER_BINDING));
-  };
-  const auto host = bound();
+  const auto host = state();
   const RenderTexture outer({9, 3}), inner({5, 3});
   {
     const boost::shared_ptr<void> first = outer.BindForDraw(gl);
-    const auto names = bound();
-    {
-      const boost::shared_ptr<void> second = inner.BindForDraw(gl);
-      const boost::shared_ptr<void> third = inner.BindForRead(gl);
-      const boost::shared_ptr<void> fourth = outer.BindForRead(gl);
-      EXPECT_EQ(bound().second, names.first);
-    }
-    EXPECT_EQ(bound(), names);
-    EXPECT_EQ(viewport(), (std::array<int, 4>{0, 0, 9, 3}));
+    const auto drawing = state();
+    EXPECT_EQ(drawing, (std::array<int, 6>{0, 0, 9, 3, drawing[4], drawing[4]}));
+    inner.BindForRead(gl);
+    inner.BindForDraw(gl);
+    EXPECT_EQ(state(), drawing);
   }
-  EXPECT_EQ(bound(), host);
-  EXPECT_EQ(viewport(), (std::array<int, 4>{0, 0, FrameSize.width, FrameSize.height}));
+  EXPECT_EQ(state(), host);
 }
 
 TEST_F(RenderTexturePixels, SamplesResolveToGreyAtAnEdge) {
@@ -298,27 +288,15 @@ TEST_F(RenderTexturePixels, SamplesResolveToGreyAtAnEdge) {
 }
 
 TEST_F(RenderTexturePixels, MipLevelsAreMeans) {
-  const RenderTexture target({5, 3}, RenderTexture::RgbaFloat);
-  Fill(gl, target, {3, 3, 3, 3});
-  target.BindColor(gl, RGL_TEXTURE0); // bound while the levels are made
-  target.GenerateMips(gl);
-  target.BindColor(gl, RGL_TEXTURE0);
-  const MipInfo mips = target.Mips();
-  for (int level = 0; level < mips.Levels(); ++level) {
-    int width = 0, height = 0;
-    gl->GetTexLevelParameteriv(RGL_TEXTURE_2D, level, RGL_TEXTURE_WIDTH, &width);
-    gl->GetTexLevelParameteriv(RGL_TEXTURE_2D, level, RGL_TEXTURE_HEIGHT, &height);
-    EXPECT_EQ(Types::Size(width, height), mips.LevelSize(level));
-    Floats texels(static_cast<std::size_t>(width * height) * 4);
-    gl->GetTexImage(RGL_TEXTURE_2D, level, RGL_RGBA, RGL_FLOAT, texels.data());
-    EXPECT_EQ(texels, Floats(texels.size(), 3.0F)) << level;
-  }
-  // Drawn small, the smallest level is seen: white in one column of four is a quarter. Level 0 has black in its middle.
+  // Drawn small, the smallest level shows: white in one column of four is a quarter. Level 0 is black in its middle.
   const RenderTexture striped({4, 4}), small({1, 1});
   Fill(gl, striped, {0, 0, 0, 1});
   DrawRectangle(gl, striped, 0, 0, 1, 4);
-  striped.BindColor(gl, RGL_TEXTURE0);
+  striped.BindColor(gl, RGL_TEXTURE0); // bound while the levels are made
   striped.GenerateMips(gl);
+  int width = 0;
+  gl->GetTexLevelParameteriv(RGL_TEXTURE_2D, striped.Mips().Levels() - 1, RGL_TEXTURE_WIDTH, &width);
+  EXPECT_EQ(width, 1);
   gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, static_cast<int>(RGL_REPLACE));
   {
     const boost::shared_ptr<void> bound = small.BindForDraw(gl);
