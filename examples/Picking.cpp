@@ -1,6 +1,6 @@
-// Picking by depth. A scene is drawn once with its depths as colours; a TopMostFragmentDepthBuffer then answers how
-// deep the surface under a pixel lies, which the camera turns into a place in the world. Beside it, all the decoded
-// depths and the true depth buffer of the same drawing.
+// Picking by depth. A scene is drawn once with its depths as colours; a TopMostFragmentDepthBuffer then yields the
+// depth of the surface under a pixel, from which the camera computes a position in the world. The panels show all
+// decoded depths and the depth buffer of the same drawing.
 
 #include "examples/SceneMakers.h"
 
@@ -34,7 +34,7 @@ using Library::RenderTexture;
 using Library::VectorSymbol;
 using Point = Types::Vector3_Base<double>;
 
-/// A glyph's mesh, scaled, turned about z, and placed.
+/// A glyph's mesh: scaled, rotated about z, and moved to its position.
 struct Item {
   Model::Symbol::Shape shape;
   Point position;
@@ -67,7 +67,7 @@ const std::vector<Item>& Items() {
   return Items;
 }
 
-/// What is pointed at, as places that the picture shows; the last one is beside everything.
+/// The positions to pick, as the image shows them; the last one lies beside all surfaces.
 constexpr std::array<Point, 7> Targets = {{{-3.2, 1.4, 1.9},
                                            {0.6, 2.4, 2.2},
                                            {3.7, 0.9, 1.4},
@@ -127,8 +127,8 @@ protected:
   }
 
   void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view, Overlay& p_overlay) override {
-    p_overlay.Title("Picking", "Where in the world a pixel lies, told by its depth");
-    DrawPanel(p_gl, p_overlay, _decoded, DecodedPart, "Depths unpacked from the colours of the picture");
+    p_overlay.Title("Picking", "World positions from depth");
+    DrawPanel(p_gl, p_overlay, _decoded, DecodedPart, "Depths unpacked from the colours of the image");
     DrawPanel(p_gl, p_overlay, _truth, TruePart, "The true depth buffer");
     p_overlay.Text("Largest difference: " + QString::number(_largestError * 1e6, 'f', 2) + " millionths", TruePart.left,
                    TruePart.bottom - 18, {0, 1}, {Theme::SmallSize, Theme::Title, false});
@@ -139,11 +139,11 @@ protected:
   }
 
 private:
-  /// A pixel that was pointed at, and what was found there.
+  /// A picked pixel and the position found there.
   struct Pick {
     Camera::Pixel pixel;
     bool hit = false;
-    Point place;
+    Point position;
   };
 
   static constexpr Overlay::Rect MainPart{0, 30, 1090, 930};
@@ -151,7 +151,7 @@ private:
   static constexpr Overlay::Rect TruePart{1112, 115, 1552, 115 + 440 * 900.0 / 1090};
 
   std::vector<Pick> PickAll(Utility::Scoped<Rgl>& p_gl, const View& p_scene) {
-    const Core::TimeStamp stamp; // of the view as it is now: all picks share one drawing
+    const Core::TimeStamp stamp; // of the current view: all picks share one drawing
     std::vector<Pick> picks;
     for (const Point& target : Targets) {
       Pick pick;
@@ -167,17 +167,17 @@ private:
           p_gl, p_scene.viewport, {x, y}, stamp,
           [&](DepthCodec::Encoding) { _shader->Draw(p_gl, [&] { DrawSurfaces(p_gl, p_scene); }); },
           [&](unsigned int, float p_depth) {
-            pick.place = p_scene.camera.Unproject({x + 0.5, y + 0.5, true}, static_cast<double>(p_depth),
-                                                  {0, 0, p_scene.viewport.width, p_scene.viewport.height});
+            pick.position = p_scene.camera.Unproject({x + 0.5, y + 0.5, true}, static_cast<double>(p_depth),
+                                                     {0, 0, p_scene.viewport.width, p_scene.viewport.height});
           });
       picks.push_back(pick);
     }
     return picks;
   }
 
-  /// The same drawing in the size of a panel, its colours decoded and its depth buffer.
+  /// Draws once more in the size of a panel, for the decoded colours and the depth buffer.
   void ReadAll(Utility::Scoped<Rgl>& p_gl, const View& p_scene) {
-    // The panels have the form of the main part.
+    // The panels have the aspect ratio of the main part.
     const double scale = (DecodedPart.right - DecodedPart.left) / (MainPart.right - MainPart.left);
     const Types::Size size(static_cast<int>(static_cast<double>(p_scene.viewport.width) * scale),
                            static_cast<int>(static_cast<double>(p_scene.viewport.height) * scale));
@@ -197,14 +197,13 @@ private:
     _largestError = images.largestError;
   }
 
-  static void DrawPanel(Utility::Scoped<Rgl>& p_gl, Overlay& p_overlay,
-                        const std::optional<Library::Texture>& p_picture, const Overlay::Rect& p_rect,
-                        const QString& p_title) {
+  static void DrawPanel(Utility::Scoped<Rgl>& p_gl, Overlay& p_overlay, const std::optional<Library::Texture>& p_image,
+                        const Overlay::Rect& p_rect, const QString& p_title) {
     p_overlay.Fill(p_rect, Theme::BackgroundBottom);
     const double point = p_overlay.PointSize();
-    if (p_picture) {
+    if (p_image) {
       const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-      (*p_picture)(p_gl, RGL_TEXTURE0);
+      (*p_image)(p_gl, RGL_TEXTURE0);
       p_gl->Begin(RGL_QUADS);
       for (const auto& [s, t] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}}) {
         p_gl->TexCoord(s, t);
@@ -225,9 +224,9 @@ private:
       p_overlay.Line(x, y - length, x, y + length, width, color);
     }
     const auto number = [](double p_value) { return QString::number(p_value, 'f', 2).replace('-', QChar(0x2212)); };
-    const QString text = p_pick.hit
-                             ? number(p_pick.place.x) + ", " + number(p_pick.place.y) + ", " + number(p_pick.place.z)
-                             : QString("nothing here");
+    const QString text =
+        p_pick.hit ? number(p_pick.position.x) + ", " + number(p_pick.position.y) + ", " + number(p_pick.position.z)
+                   : QString("nothing here");
     const bool nearPanels = x > MainPart.right - 200;
     const double textX = nearPanels ? x : x + 12;
     const double textY = nearPanels ? y + 58 : y + 18;
@@ -239,7 +238,7 @@ private:
 
   std::map<Model::Symbol::Shape, Ogl::VertexData> _meshes;
   std::optional<DepthShader> _shader;
-  // Of the view that was shown last.
+  // Of the last view shown.
   std::optional<View> _shown;
   std::vector<Pick> _picks;
   std::optional<RenderTexture> _target;

@@ -79,7 +79,8 @@ std::string DepthCodec::Glsl() {
 
 std::string DepthCodec::PreciseGlsl() {
   // Each channel takes whole steps, as Decode weighs them, and leaves the exact remainder to the next one. The scales
-  // are slightly below 255, 255^2 and 255^3, so that rounding never takes more than is there.
+  // are slightly below 255, 255^2 and 255^3, so that rounding never takes more than is there. The target clamps a last
+  // channel of 256 steps.
   return "vec4 EncodeDepth(float depth) {\n"
          "  vec4 steps;\n"
          "  float rest = min(depth, " +
@@ -97,7 +98,7 @@ std::string DepthCodec::PreciseGlsl() {
          "  rest -= steps.z * " +
          Literal(Reciprocal) + " * " + Literal(DecodeWeights.z) +
          ";\n"
-         "  steps.w = min(floor(rest * 4228250625.0 + 0.5), 255.0);\n"
+         "  steps.w = floor(rest * 4228250625.0 + 0.5);\n"
          "  return steps / 255.0;\n"
          "}\n";
 }

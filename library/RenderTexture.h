@@ -71,11 +71,11 @@ public:
   boost::shared_ptr<Ogl::Texture> ColorTexture(Utility::Scoped<Rgl>& p_gl) const;
   /// The depth-stencil texture, likewise.
   boost::shared_ptr<Ogl::Texture> DepthTexture(Utility::Scoped<Rgl>& p_gl) const;
-  /// Binds the colour texture on the unit `p_unit` (RGL_TEXTURE0 + n), makes that unit active and enables 2-D
-  /// texturing.
+  /// Binds the colour texture on the unit `p_unit` (RGL_TEXTURE0 + n), makes that unit active, enables 2-D texturing
+  /// and disables 3-D texturing, which would hide it.
   void BindColor(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
-  /// Binds the depth texture on the unit `p_unit` (RGL_TEXTURE0 + n), makes that unit active and enables 2-D
-  /// texturing.
+  /// Binds the depth texture on the unit `p_unit` (RGL_TEXTURE0 + n), makes that unit active, enables 2-D texturing and
+  /// disables 3-D texturing, which would hide it.
   void BindDepth(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
 
   /// The mip-map levels that the colour texture can have.

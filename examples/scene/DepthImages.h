@@ -6,15 +6,15 @@
 
 namespace Vek::Chart::Gallery {
 
-/// The depths of a whole picture as greys, light is near, dark is far, transparent where nothing was drawn; and what
-/// came of packing them.
+/// The depths of an image as greys (light is near, dark is far, transparent is empty), packed and unpacked as well as
+/// from the depth buffer.
 struct DepthImages {
-  QImage decoded; ///< from packed colours
-  QImage truth;   ///< from the depth buffer
-  double largestError = 0;
+  QImage decoded;          ///< from packed colours
+  QImage truth;            ///< from the depth buffer
+  double largestError = 0; ///< of a packed depth
 
-  /// `p_packed` holds colours of DepthCodec, `p_truth` the depths of the same pixels, the lowest row first. Empty
-  /// pictures when there are not as many of both.
+  /// `p_packed` holds colours of DepthCodec, `p_truth` the depths of the same pixels, bottom row first. If their
+  /// numbers differ, both images are empty.
   DepthImages(const QImage& p_packed, const std::vector<float>& p_truth);
 };
 

@@ -6,7 +6,7 @@ std::optional<SurfacePoint> SurfacePicker::At(Utility::Scoped<Rgl>& p_gl, Galler
                                               const Gallery::View& p_view, const Types::Pos& p_pixel) {
   if (!p_scene.HasSurfaces())
     return {};
-  // The part of the window that shows the surfaces, and the same with its lower left corner as the origin.
+  // The part of the window that shows the surfaces, and the view with its lower left corner as the origin.
   const Types::Viewport<0> part = p_scene.SurfaceViewport(p_view);
   const Gallery::View moved{p_view.camera, {0, 0, part.width, part.height}};
   const Types::Pos pixel(p_pixel.x - static_cast<int>(part.x), p_pixel.y - static_cast<int>(part.y));

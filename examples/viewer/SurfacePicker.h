@@ -10,25 +10,25 @@
 
 namespace Vek::Chart::Viewer {
 
-/// A place on a surface of a scene.
+/// A point on a surface of a scene.
 struct SurfacePoint {
   double depth; ///< 0 (near) to 1 (far), as the depth buffer has it
   Types::Vector3_Base<double> position;
 };
 
-/// Tells what lies below a pixel. The surfaces are drawn once for a view of a scene; further pixels of it are read from
-/// that drawing, until `Invalidate` says that something else is shown.
+/// Finds the surface point under a pixel. The surfaces are drawn once per view of a scene; further picks read from that
+/// drawing, until `Invalidate`.
 ///
-/// Owns GL objects from the first pick on; to be used, and to end, while their context is current.
+/// Owns GL objects from the first pick on; must be used and destroyed while their context is current.
 class SurfacePicker {
 public:
-  /// The scene, the camera, or what else decides on the surfaces has changed.
+  /// To be called whenever the scene or the camera changes.
   void Invalidate() { _shown = Core::TimeStamp(); }
-  /// The surface below a pixel of the window, counted from the lower left; nothing where there is none, and for a scene
-  /// without surfaces.
+  /// The surface point under a pixel of the window, counted from the lower left corner; empty where there is no
+  /// surface.
   std::optional<SurfacePoint> At(Utility::Scoped<Rgl>& p_gl, Gallery::Scene& p_scene, const Gallery::View& p_view,
                                  const Types::Pos& p_pixel);
-  /// How often the surfaces were drawn.
+  /// Number of times the surfaces were drawn.
   int Drawings() const { return _drawings; }
 
 private:
