@@ -1,6 +1,6 @@
-// Reads generated Radiance pictures of 4096 x 2048 pixels, run-length encoded and flat. There are two limits: what it
-// takes to read the file and to touch one byte of each page of the result, which is little more than the system's own
-// part; and to read the file and to write each byte of the result once, in pages as large as the system has.
+// Reads generated Radiance images of 4096 x 2048 pixels, run-length encoded and flat. Two lower bounds: reading the
+// file and touching one byte of each page of the result, which is little more than the work of the system; and reading
+// the file and writing each byte of the result once, in the largest pages.
 
 #include "library/HdrImage.h"
 
@@ -38,7 +38,7 @@ constexpr std::size_t ResultBytes = Width * Height * sizeof(HdrImage::Rgb32F);
 using Component = std::array<unsigned char, Width>;
 using Scanline = std::array<Component, 4>;
 
-/// A sky that brightens toward a sun, with the grain of a camera in its lower half.
+/// A sky that brightens towards a sun, with camera noise in its lower half.
 Scanline Sky(std::size_t p_row) {
   Scanline scanline;
   std::uint32_t grain = static_cast<std::uint32_t>(p_row) * 2654435761u;
@@ -79,7 +79,7 @@ void AppendRuns(const Component& p_values, std::string& p_data) {
   }
 }
 
-std::string MakePicture(bool p_separated) {
+std::string MakeImage(bool p_separated) {
   std::string data = "#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y 2048 +X 4096\n";
   for (std::size_t row = 0; row < Height; ++row) {
     const Scanline scanline = Sky(row);
@@ -96,13 +96,13 @@ std::string MakePicture(bool p_separated) {
   return data;
 }
 
-/// A generated file; written once, it stays in the folder for temporary files.
-const std::string& PicturePath(bool p_separated) {
+/// The path of a generated file in the folder for temporary files; written once and kept.
+const std::string& ImagePath(bool p_separated) {
   static const auto Write = [](bool p_runs) {
     const std::string name =
         (std::filesystem::temp_directory_path() / (p_runs ? "vek-bench-runs-1.hdr" : "vek-bench-flat-1.hdr")).string();
     if (!std::filesystem::exists(name)) {
-      std::ofstream(name + ".part", std::ios::binary) << MakePicture(p_runs);
+      std::ofstream(name + ".part", std::ios::binary) << MakeImage(p_runs);
       std::filesystem::rename(name + ".part", name);
     }
     return name;
@@ -116,10 +116,10 @@ void CountPixels(benchmark::State& p_state) {
   p_state.SetItemsProcessed(p_state.iterations() * std::int64_t(Width * Height));
 }
 
-/// Writes one byte out of `p_step`.
+/// Writes one of `p_step` bytes.
 void ReadAndWrite(benchmark::State& p_state, std::size_t p_step) {
   constexpr std::size_t HugePage = std::size_t(1) << 21;
-  const std::string& path = PicturePath(p_state.range(0) != 0);
+  const std::string& path = ImagePath(p_state.range(0) != 0);
   std::vector<char> window(std::size_t(1) << 20);
   for (auto _ : p_state) {
     std::ifstream file(path, std::ios::binary);
@@ -149,8 +149,8 @@ void ReadAndWriteAll(benchmark::State& p_state) {
   ReadAndWrite(p_state, 1);
 }
 
-void LoadPicture(benchmark::State& p_state) {
-  const vekfile::filepath path(PicturePath(p_state.range(0) != 0));
+void LoadImage(benchmark::State& p_state) {
+  const vekfile::filepath path(ImagePath(p_state.range(0) != 0));
   for (auto _ : p_state) {
     const HdrImage image(path);
     benchmark::DoNotOptimize(image.Pixels().data());
@@ -163,11 +163,11 @@ void LoadPicture(benchmark::State& p_state) {
 
 VEK_HDR_BENCHMARK(ReadAndTouchPages);
 VEK_HDR_BENCHMARK(ReadAndWriteAll);
-VEK_HDR_BENCHMARK(LoadPicture);
+VEK_HDR_BENCHMARK(LoadImage);
 
 #ifdef VEK_BENCH_STB
 void StbImage(benchmark::State& p_state) {
-  const std::string& path = PicturePath(p_state.range(0) != 0);
+  const std::string& path = ImagePath(p_state.range(0) != 0);
   for (auto _ : p_state) {
     int width = 0;
     int height = 0;

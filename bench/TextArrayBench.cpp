@@ -1,5 +1,5 @@
-// Reads generated TextArray files of 256 x 256 x 256 values, against a loop that does nothing but std::from_chars over
-// the mapped file.
+// Reads generated TextArray files of 256 x 256 x 256 values, compared with a plain loop of std::from_chars over the
+// mapped file.
 
 #include "library/VolumeImage.h"
 
@@ -42,7 +42,7 @@ void WriteNumbers(const std::string& p_path, Kind p_kind) {
   }
 }
 
-/// A generated file; written once, it stays in the folder for temporary files.
+/// The path of a generated file in the folder for temporary files; written once and kept.
 std::string NumbersPath(Kind p_kind) {
   const std::string name = (std::filesystem::temp_directory_path() /
                             (p_kind == ShortIntegers ? "vek-bench-integers-1.txt" : "vek-bench-decimals-1.txt"))

@@ -9,13 +9,13 @@ using namespace Vek::Chart::Library;
 
 namespace {
 
-/// Whether some line may be a resolution that takes long: neither small nor refused.
+/// Whether a line may be a resolution that is accepted but slow.
 bool IsSlow(const std::string& p_text) {
   std::istringstream text(p_text);
   for (std::string line; std::getline(text, line);) {
     std::istringstream words(line);
     std::string axis;
-    std::int64_t height = 0; // as the reader takes them: "655e" is 655
+    std::int64_t height = 0; // parsed like the reader does: "655e" is 655
     std::int64_t width = 0;
     words >> axis >> height >> axis >> width;
     const double pixels = static_cast<double>(height) * static_cast<double>(width);
@@ -43,7 +43,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* p_bytes, std::size_t p_size) {
         std::abort();
     std::ostringstream map;
     image.SaveAsPFM(map);
-  } catch (const std::out_of_range&) { // the two that the loader may throw
+  } catch (const std::out_of_range&) { // documented
   } catch (const std::length_error&) {
   }
   return 0;

@@ -7,7 +7,7 @@ using namespace Vek::Chart::Library;
 
 namespace {
 
-/// Whether the sizes take long: neither small nor refused.
+/// Whether the sizes are accepted but slow.
 bool IsSlow(const std::string& p_text) {
   std::istringstream text(p_text);
   std::string word;

@@ -234,6 +234,8 @@ TEST(VolumeImage, ReportsNameTheFileAndTheNumber) {
   EXPECT_EQ(details("Text\n2 1 1 1\n\n 1\n\n 1.5x"), Texts{", found \"Text\""});
   EXPECT_EQ(details("TextArray\n3 1 1 1\n\n 1\n x2 3"),
             (Texts{":5, found \"x2 3\", index 1, count 3", ":5, found \"x2 3\", index 2, count 3"}));
+  EXPECT_EQ(details("TextArray 1 1 1 1" + std::string(1000, '\n') + "x"),
+            Texts{":1001, found \"x\", index 0, count 1"});
   EXPECT_EQ(details("TextArray 67108865 1 1 1"), Texts{":1, count 67108865"});
   EXPECT_EQ(details("TextArray 100 1 100 2 1").size(), 1000u); // reports of missing numbers end
 }

@@ -33,6 +33,19 @@ constexpr int FileTooShort = 221;
 constexpr std::size_t LongestHeader = std::size_t{1} << 16;
 constexpr std::size_t LongestNumber = std::size_t{1} << 22;
 
+/// The number of line feeds. Counts in bytes, block by block, since the compiler vectorises that best.
+std::uint64_t CountLineFeeds(const unsigned char* p_bytes, std::size_t p_count) {
+  constexpr std::size_t Block = 192; // below 256
+  std::uint64_t all = 0;
+  for (std::size_t first = 0; first < p_count; first += Block) {
+    unsigned char count = 0;
+    for (std::size_t i = first; i < std::min(first + Block, p_count); ++i)
+      count = static_cast<unsigned char>(count + (p_bytes[i] == '\n' ? 1 : 0));
+    all += count;
+  }
+  return all;
+}
+
 /// The bytes of a file, with the line that is read.
 class TextSource {
 public:
@@ -45,7 +58,7 @@ public:
     return {reinterpret_cast<const char*>(_bytes.Data()), available};
   }
   void Take(std::size_t p_count) {
-    _line += static_cast<std::uint64_t>(std::count(_bytes.Data(), _bytes.Data() + p_count, '\n'));
+    _line += CountLineFeeds(_bytes.Data(), p_count);
     _bytes.Take(p_count);
   }
   std::uint64_t Remaining(std::uint64_t p_limit) { return _bytes.Remaining(p_limit); }
