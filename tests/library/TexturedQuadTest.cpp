@@ -61,7 +61,7 @@ TEST_F(TexturedQuadCalls, OneTexture) {
   recorder.Clear();
   quad(recorder.Handle(), *texture);
   EXPECT_EQ(Changes(), Calls("Color4d(1, 0, 0.2, 0.4); PushAttrib(GL_ENABLE_BIT|GL_TEXTURE_BIT); " +
-                                    Bind(1001, "GL_MODULATE") + OneQuad + "PopAttrib()"));
+                             Bind(1001, "GL_MODULATE") + OneQuad + "PopAttrib()"));
 }
 
 TEST_F(TexturedQuadCalls, Layers) {
@@ -97,7 +97,7 @@ TEST_F(TexturedQuadCalls, NothingWithoutASize) {
   EXPECT_EQ(Changes(), Lines());
   Quad({0, 0, 1, 1})(recorder.Handle(), std::vector<boost::shared_ptr<Texture>>());
   EXPECT_EQ(Changes(), Calls("Color4d(1, 1, 1, 1); "
-                                    "PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT); PopAttrib()"))
+                             "PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT); PopAttrib()"))
       << "no layers";
 }
 
@@ -158,6 +158,9 @@ TEST_F(TexturedQuadCalls, NinePatchesThatDoNotFit) {
       {"no middle row",
        {0, 0, 40, 15},
        {"0 0-10 10", "10 0-30 10", "30 0-40 10", "0 10-10 15", "10 10-30 15", "30 10-40 15"}},
+      {"summed in single precision, so without a width", // 2^24 + 1 is no float
+       {16777216, 0, 1, 15},
+       {"16777216 0-16777226 10", "16777226 0-16777216 10", "16777216 10-16777226 15", "16777226 10-16777216 15"}},
       {"just without a middle", {0, 0, 20, 20}, {"0 0-10 10", "10 0-20 10", "0 10-10 20", "10 10-20 20"}},
       {"smaller than a border", {5, 5, 4, 4}, {"5 5-15 15", "15 5-9 15", "5 15-15 9", "15 15-9 9"}},
   };
