@@ -55,9 +55,13 @@ std::size_t ByteSource::ReadOn() {
                                                        static_cast<std::streamsize>(_size - _end));
     return got < 0 ? 0 : static_cast<std::size_t>(got);
   } catch (const std::exception& failure) {
+    if ((_stream.exceptions() & std::ios_base::badbit) != 0) // as operations of the stream itself would
+      throw;
     _failed = true;
     vekdebug::warn(std::string("a stream failed while it was read: ") + failure.what(), where);
   } catch (...) {
+    if ((_stream.exceptions() & std::ios_base::badbit) != 0)
+      throw;
     _failed = true;
     vekdebug::warn("a stream failed while it was read", where);
   }
