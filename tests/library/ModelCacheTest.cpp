@@ -158,3 +158,12 @@ TEST_F(ModelCacheCalls, TheScopeOpensBeforeTheFileIsRead) {
   EXPECT_THROW(ModelCache(Utility::Unscoped<Rgl>(lost)).Register(folder.Write("m.obj", "v 0 0 zero\n")),
                std::runtime_error);
 }
+
+TEST_F(ModelCacheCalls, UnknownIdsGiveEmptyRecords) {
+  Register(Tent);
+  for (const std::size_t id : {std::size_t(1), std::size_t(-1)}) {
+    EXPECT_TRUE(cache->GetBoundingBox(id).Empty());
+    EXPECT_EQ(cache->GetVertexBuffer(id).attributes + cache->GetVertexBuffer(id).buffer.Name(), 0u);
+    EXPECT_EQ(cache->GetIndexBuffer(id).count + cache->GetIndexBuffer(id).buffer.Name(), 0u);
+  }
+}
