@@ -144,6 +144,7 @@ TEST(Allocations, ClaimsTakeNoMemory) {
       {"volume, of numbers", volume, "TextArray 1 67108864 1 1" + std::string(4000000, ' '), 16 * Window},
       {"volume, channels to be believed", volume, "TextArray 1 67108864 1 1 1 2 3", Window},
       {"model, indices", model, pointer, Window},
+      {"model, several windows", model, std::string(3 * Window, '\n'), Window},
       {"model, groups", model, "g a\ng b\ng c\nf 1 1 1\n", Window},
   };
   std::size_t mostTaken = 0;

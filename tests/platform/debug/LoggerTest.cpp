@@ -88,12 +88,13 @@ struct Call {
   severity kind;
   std::string text;
   vekdebug::detail where = {};
+  std::string channel = "LoggerTest";
 };
 
 void Make(const Call& p_call) {
   logger& log = logger::instance();
   if (p_call.kind == severity::debug)
-    log.dout("LoggerTest") << p_call.text << std::endl;
+    log.dout(p_call.channel) << p_call.text << std::endl;
   else
     p_call.kind == severity::ensure ? log.ensure(false, p_call.text, p_call.where)
                                     : log.sentry(p_call.text, p_call.where);
@@ -136,13 +137,14 @@ TEST(Logger, WritesDetails) {
 }
 
 TEST(Logger, DefaultSinkWritesAndFoldsLines) {
-  const OpenChannel open("LoggerTest");
+  const OpenChannel open("LoggerTest"), other("Other");
   const Call debug = {severity::debug, "a"}, sentry = {severity::sentry, "a", {"b.obj", 7}};
   const std::pair<std::vector<Call>, std::string> rows[] = {
       {{A}, "a\n"},
       {{A}, "a\n"}, // repeats none that came before another sink
       {{debug, debug, A, A}, "[LoggerTest] a\n… 1 more\na\n… 1 more\n"},
       {{A, sentry}, "a\na (b.obj:7)\n"},
+      {{debug, {severity::debug, "a", {}, "Other"}}, "[LoggerTest] a\n[Other] a\n"},
       {{sentry, {severity::sentry, "a", {"b.obj", 1234567}}, {severity::sentry, "b"}},
        "a (b.obj:7)\n… 1 more, to line 1,234,567\nb\n"},
       {{sentry, {severity::sentry, "a", {"c.obj", 123}}}, "a (b.obj:7)\n… 1 more, to c.obj, line 123\n"},
