@@ -13,17 +13,17 @@
 
 namespace Vek::Chart::Library {
 
-/// A colour gradient: turns an ordered list of colours into one row of texels, looks colours up by number or by a
-/// value in [0, 1], and binds the row as a texture.
+/// A colour gradient: turns an ordered list of colours into one row of texels, looks up colours by index or by a value
+/// in [0, 1], and binds the row as a texture.
 ///
 /// Shape: `Size()` × 1 texels, at most `GradientResolutionMax`, from the first colour on the left to the last on the
-/// right. The row is as wide as the rounded shares of the colours add up to, which need not be 4096: three equal bands
-/// make 4095 texels, and what would become wider is scaled down smoothly. One colour makes one texel. The scaling is
+/// right. Each colour gets a rounded number of texels; their sum need not be 4096: three equal bands make 4095 texels.
+/// A wider row is scaled down smoothly. One colour makes one texel. The scaling is
 /// Qt's: between Qt 5 and Qt 6, scaled texels differ, by one level mostly, by more where colours are translucent.
 ///
 /// Ownership: a map is complete when it is constructed and never changes. Copies share the texels and, once the map
-/// was bound, the texture, which lives as long as a map or another holder of `Handle()`; its last holder must let go of
-/// it while the context that made it is current. To be used on the rendering thread only.
+/// was bound, the texture, which lives as long as a map or another holder of `Handle()`. Its last holder must release
+/// it while the context that made it is current. Rendering thread only.
 ///
 /// Errors are reported, and the map is built from what remains: "size == p_weightings.size()" (a missing weight counts
 /// as 0, a surplus one is ignored), "(p_weightings[i] >= 0) && "Invalid color weight specified."" as a warning (the
@@ -46,14 +46,14 @@ public:
   static constexpr int GradientResolutionMax = 4096;
 
   /// The width of a colour's band follows its weight. A segment between two blended colours takes half the weight of
-  /// each. Colours whose weight is 0, negative or NaN are dropped; if none is left, all count alike.
+  /// each. Colours whose weight is 0, negative or NaN are dropped; if none is left, all colours have equal weights.
   ColorMap(const std::vector<QColor>& p_colors, const std::vector<double>& p_weightings, ColorMap::Style p_style);
   /// All colours weigh 1.
   ColorMap(const std::vector<QColor>& p_colors, ColorMap::Style p_style);
   ~ColorMap();
   /// Shares texels and texture.
   ColorMap(const ColorMap&) = default;
-  /// As the copy.
+  /// Copy assignment; shares texels and texture.
   ColorMap& operator=(const ColorMap&) = default;
 
   /// Binds the gradient on the texture unit `p_unit` (a token: RGL_TEXTURE0 + n), which becomes the active one, with
@@ -67,7 +67,7 @@ public:
   QColor Color(Integer p_index) const {
     return Color(static_cast<int>(static_cast<unsigned int>(p_index)));
   }
-  /// The texel for a value that is clamped to [0, 1]: its position is rounded down, so only 1 gives the last texel. NaN
+  /// The texel for a value, clamped to [0, 1]. Its position is rounded down, so that only 1 gives the last texel; NaN
   /// gives the first.
   QColor Color(double p_value) const;
 
@@ -75,16 +75,15 @@ public:
   boost::shared_ptr<Ogl::Texture> Handle() const { return _handle; }
   /// The number of texels.
   int Size() const { return static_cast<int>(_size); }
-  /// The weights the gradient was built from: those above 0, or all 1. Empty for a map of fewer than two colours.
+  /// The weights of the gradient: those above 0, or all 1. Empty for a map of fewer than two colours.
   const std::vector<double>& Weightings() const { return _weightings; }
   /// The gradient: `Size()` × 1, format ARGB32.
   const QImage& GetImage() { return _image; }
 
-  /// `p_count` colours spread evenly along the list from its first to its last colour, blended between neighbours. An
-  /// empty list counts as white. A list that has `p_count` colours already is returned as it is.
+  /// Resamples a list to `p_count` colours, evenly spaced from its first to its last colour and blended between
+  /// neighbours. An empty list counts as white; a list of `p_count` colours is returned unchanged.
   static std::vector<QColor> GenerateColorList(const std::vector<QColor>& p_colors, int p_count);
-  /// `p_count` weights that divide the list, seen as bars side by side, anew: the sum stays. Without weights, all
-  /// are 1.
+  /// Resamples the weights to `p_count` bins, preserving their sum. Without weights, all are 1.
   static std::vector<double> GenerateWeightList(const std::vector<double>& p_weights, int p_count);
 
 private:

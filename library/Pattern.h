@@ -12,8 +12,8 @@
 
 namespace Vek::Chart::Library {
 
-/// Maps the engine's pattern numbers to what GL draws them with: a line stipple, a polygon stipple or a point-sprite
-/// texture. Any number is allowed; the ones that have no row of their own are solid (for points: the rectangle).
+/// Maps pattern numbers to GL's line stipples, polygon stipples and point-sprite textures. Any number is allowed; those
+/// without an enumerator are solid (for points: the rectangle).
 ///
 /// \snippet ColorSnippets.cpp Pattern
 /// \image html styles.jpg

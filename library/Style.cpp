@@ -11,6 +11,11 @@ namespace Vek::Chart::Library {
 
 namespace {
 
+namespace Signature {
+constexpr const char* ApplyStyle = "void __cdecl Vek::Chart::Library::Style::ApplyStyle(class boost::shared_ptr<class "
+                                   "Vek::Chart::Ogl::Text> &,const class Vek::Chart::Types::TextStyle &)";
+} // namespace Signature
+
 bool Visible(const Types::StyleProperty<QColor>& p_color) {
   return p_color.Effective().alpha() != 0;
 }
@@ -27,7 +32,7 @@ bool HasShape(const Types::SymbolStyle& p_style) {
   return p_style.shape.Effective() != 0 && p_style.size.Effective() != 0;
 }
 
-/// The width truncated; 0 for widths that no unsigned number stands for.
+/// The width truncated; 0 for NaN and negative widths.
 int StippleFactor(float p_width) {
   if (!(p_width >= 0))
     return 0;
@@ -86,11 +91,9 @@ bool Style::HasColorMapWeightings(const Types::ColorMap& p_map) {
 }
 
 void Style::ApplyStyle(boost::shared_ptr<Ogl::Text>& p_text, const Types::TextStyle& p_style) {
-  if (!VEK_CHECK_POINTER(p_text.get(),
-                         "void __cdecl Vek::Chart::Library::Style::ApplyStyle(class boost::shared_ptr<class "
-                         "Vek::Chart::Ogl::Text> &,const class Vek::Chart::Types::TextStyle &)"))
+  if (!VEK_CHECK_POINTER(p_text.get(), Signature::ApplyStyle))
     return;
-  // An equal value leaves a property, and so the text's picture, as it is.
+  // An equal value leaves a property, and with it the image of the text, unchanged.
   p_text->firstColor = p_style.color.Effective();
   p_text->secondColor = p_style.secondColor.Effective();
   p_text->flag = p_style.flag.Effective();

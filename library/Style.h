@@ -15,7 +15,7 @@
 
 namespace Vek::Chart::Library {
 
-/// Says whether a style draws anything, and draws with it. Only the effective values of a style's properties count.
+/// Visibility of styles, and drawing with them. Only the effective values of a style's properties count.
 ///
 /// \snippet ColorSnippets.cpp Style
 /// \image html styles.jpg
@@ -45,15 +45,15 @@ public:
   /// Whether the map has usable weights: at least two colours and as many weights.
   static bool HasColorMapWeightings(const Types::ColorMap& p_map);
 
-  /// Copies what differs to the text: both colours, the flag, and the size held to 2 to 96. An empty pointer is
-  /// reported.
+  /// Copies both colours, the flag and the size (clamped to 2 to 96) to the text where they differ. An empty pointer
+  /// is reported.
   static void ApplyStyle(boost::shared_ptr<Ogl::Text>& p_text, const Types::TextStyle& p_style);
 
   /// Calls `p_draw` with the style's colour and stipple set: for a pattern with a visible second colour first with that
   /// colour and unstippled, then with the colour and stippled. A pattern whose second colour is transparent is drawn
-  /// solid. Enables, polygon state and the current colour are as before when the call returns or throws; what stays is
-  /// the polygon stipple's mask, which no longer shows once stippling is off. An empty function throws
-  /// boost::bad_function_call.
+  /// solid. Enables, polygon state and the current colour are restored when the call returns or throws. The mask of the
+  /// polygon stipple stays; it has no effect while stippling is off. The host's pixel store does not reach the mask. An
+  /// empty function throws boost::bad_function_call.
   static void DrawInternal(const Types::FillStyle& p_style, Utility::Scoped<Rgl>& p_gl,
                            boost::function<void(Utility::Scoped<Rgl>&)>& p_draw);
   /// As above for lines, whose stipple is restored with the line state; dashes grow with the width. A negative or NaN

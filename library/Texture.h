@@ -13,12 +13,12 @@ namespace Vek::Chart::Library {
 
 /// A 2-D texture made from an image.
 ///
-/// Shape: `Width()` × `Height()` texels; the top of the image is at texture coordinate t = 1. From GL 2.0 on that is
-/// the image's size; before, the image is scaled (fast, not smooth) so that both are powers of two.
+/// Shape: `Width()` × `Height()` texels; the top of the image is at texture coordinate t = 1. Before GL 2.0, the image
+/// is scaled to powers of two (fast, not smooth); from GL 2.0 on, it keeps its size.
 ///
-/// Ownership: the image is kept (shared, as QImage does). The GL texture is created and uploaded by the first bind and
-/// lives as long as a Texture or another holder of `Handle()`; its last holder must let go of it while the context that
-/// made it is current. Copies share the GL texture if there is one already, and have settings of their own.
+/// Ownership: the image is kept (implicitly shared). The first bind creates and uploads the GL texture, which lives as
+/// long as a Texture or another holder of `Handle()`. Its last holder must release it while the context that made it is
+/// current. Copies share a GL texture that exists already and have their own settings.
 ///
 /// State: the host's pixel store and pixel transfer do not reach the texels; after an upload the unpack alignment is 1,
 /// everything else is as before. A bind disables 3-D texturing on its unit, which would hide the texture.
@@ -34,30 +34,30 @@ namespace Vek::Chart::Library {
 /// \ingroup colours
 class VEK_LIBRARY_API Texture {
 public:
-  /// Between texels, or where several fall on a pixel: the nearest one, or a blend.
+  /// How texels are sampled.
   enum Filter : std::uint32_t {
     Nearest = 0, ///< the texel whose centre is nearest
     Linear = 1,  ///< the four texels around, by distance
   };
-  /// What is seen outside of [0, 1].
+  /// What is sampled outside [0, 1].
   enum Wrap : std::uint32_t {
     ClampToEdge = 0, ///< the texels at the edge
     Repeat = 1,      ///< the texture again
   };
-  /// How the texture meets the colour that is there.
+  /// How the texture is combined with the incoming colour.
   enum Environment : std::uint32_t {
-    Modulate = 0, ///< both multiplied
+    Modulate = 0, ///< the product of both
     Decal = 1,    ///< the texture over the colour, by the texture's alpha
     Replace = 2,  ///< the texture alone
   };
 
-  // The settings are plain numbers; with one that is not listed, a bind leaves that part of the GL state as it is.
+  // Settings are plain numbers. A number without an enumerator leaves that part of the GL state unchanged.
   std::uint32_t minFilter = Linear;    ///< a Filter: where texels are smaller than pixels
   std::uint32_t magFilter = Linear;    ///< a Filter: where texels are larger than pixels
   std::uint32_t wrapS = ClampToEdge;   ///< a Wrap, along the width
   std::uint32_t wrapT = ClampToEdge;   ///< a Wrap, along the height
   std::uint32_t environment = Replace; ///< an Environment
-  /// Whether the colours are stored as sRGB, so that sampling yields linear light; counts when the texture is uploaded.
+  /// Whether colours are stored as sRGB, so that sampling yields linear light. Read at the upload only.
   bool sRgb = false;
 
   /// A texture of the image; nothing is uploaded yet. The scope's GL version decides about the size.
@@ -65,7 +65,7 @@ public:
   ~Texture();
   /// Shares the GL texture, if there is one already.
   Texture(const Texture&) = default;
-  /// As the copy.
+  /// Copy assignment; shares the GL texture, if there is one already.
   Texture& operator=(const Texture&) = default;
 
   /// Binds on the texture unit `p_unit` (a token: RGL_TEXTURE0 + n), which becomes the active one, applies the settings

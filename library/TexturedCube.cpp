@@ -4,13 +4,21 @@
 
 namespace Vek::Chart::Library {
 
+namespace {
+
+namespace Signature {
+constexpr const char* DrawFace =
+    "void __cdecl Vek::Chart::Library::TexturedCube::CubeFace::operator ()(class "
+    "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &,const class boost::array<class "
+    "Vek::Chart::Types::Vector3_Base<double>,8> &,enum Vek::Chart::Ogl::Rgl::TexCoordIndex)";
+} // namespace Signature
+
+} // namespace
+
 void TexturedCube::CubeFace::operator()(Utility::Scoped<Rgl>& p_gl,
                                         const boost::array<Types::Vector3_Base<double>, 8>& p_corners,
                                         Rgl::TexCoordIndex p_index) {
-  VEK_ENSURE(indices.Defined(),
-             "void __cdecl Vek::Chart::Library::TexturedCube::CubeFace::operator ()(class "
-             "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &,const class boost::array<class "
-             "Vek::Chart::Types::Vector3_Base<double>,8> &,enum Vek::Chart::Ogl::Rgl::TexCoordIndex)");
+  VEK_ENSURE(indices.Defined(), Signature::DrawFace);
   // Looked up before Begin, so that an index out of range does not leave GL inside a pair.
   boost::array<Types::Vector3_Base<double>, 4> positions;
   for (std::size_t i = 0; i < positions.size(); ++i)

@@ -24,15 +24,15 @@ public:
   /// Four corners of the cube, in drawing order.
   class VEK_LIBRARY_API CubeFace {
   public:
-    CubeFace() = default; ///< a face that was not given its corners
+    CubeFace() = default; ///< a face without corners
     /// A face of the corners with these indices.
     CubeFace(int p_a, int p_b, int p_c, int p_d)
         : indices(boost::array<int, 4>{{p_a, p_b, p_c, p_d}}) {}
 
     Types::Property<boost::array<int, 4>> indices; ///< into the cube's corners
 
-    /// Draws one quad. A face that was not given its corners is reported and drawn all the same, at corner 0; an index
-    /// that names no corner throws std::out_of_range.
+    /// Draws one quad. A face without corners is reported and drawn at corner 0; an index out of range throws
+    /// std::out_of_range.
     void operator()(Utility::Scoped<Rgl>& p_gl, const boost::array<Types::Vector3_Base<double>, 8>& p_corners,
                     Rgl::TexCoordIndex p_index);
   };
@@ -40,9 +40,9 @@ public:
   /// The coordinates go to texture unit RGL_TEXTURE0 + p_index.
   explicit TexturedCube(Rgl::TexCoordIndex p_index);
 
-  boost::array<Types::Vector3_Base<double>, 8> corners; ///< of the unit cube, where the constructor puts them
+  boost::array<Types::Vector3_Base<double>, 8> corners; ///< initially those of the unit cube
   boost::array<CubeFace, 6> faces;                      ///< outward, counter-clockwise
-  Rgl::TexCoordIndex texCoordIndex;                     ///< the unit that the coordinates go to
+  Rgl::TexCoordIndex texCoordIndex;                     ///< the texture unit of the coordinates
 
   /// Draws all faces.
   void operator()(Utility::Scoped<Rgl>& p_gl);

@@ -11,7 +11,15 @@ namespace {
 
 using Private::Truncate;
 
-/// A place of the quad along one axis: the pixel, and the texture coordinate there.
+namespace Signature {
+constexpr const char* DrawLayers =
+    "void __cdecl Vek::Chart::Library::TexturedQuad::operator ()(const class "
+    "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &,class std::vector<class "
+    "boost::shared_ptr<class Vek::Chart::Library::Texture>,class std::allocator<class "
+    "boost::shared_ptr<class Vek::Chart::Library::Texture> > >) const";
+} // namespace Signature
+
+/// A position of the quad along one axis: the pixel and its texture coordinate.
 struct Stop {
   int pixel;
   float texture;
@@ -116,11 +124,7 @@ void TexturedQuad::operator()(const Utility::Unscoped<Rgl>& p_gl,
   gl->Color(color);
   const auto state = gl->PushAttribScope(RGL_TEXTURE_BIT | RGL_DEPTH_BUFFER_BIT | RGL_ENABLE_BIT);
   for (std::size_t i = 0; i < p_textures.size(); ++i) {
-    if (!VEK_CHECK_POINTER(p_textures[i].get(),
-                           "void __cdecl Vek::Chart::Library::TexturedQuad::operator ()(const class "
-                           "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &,class std::vector<class "
-                           "boost::shared_ptr<class Vek::Chart::Library::Texture>,class std::allocator<class "
-                           "boost::shared_ptr<class Vek::Chart::Library::Texture> > >) const"))
+    if (!VEK_CHECK_POINTER(p_textures[i].get(), Signature::DrawLayers))
       continue;
     if (i > 0)
       SetLayerBlending(gl, *p_textures[i]);

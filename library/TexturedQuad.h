@@ -31,15 +31,15 @@ namespace Vek::Chart::Library {
 class VEK_LIBRARY_API TexturedQuad {
 public:
   Types::Viewport<0> rect;  ///< in pixels from the lower left of the window
-  QColor color = Qt::white; ///< what the first texture is combined with, by its own environment setting
+  QColor color = Qt::white; ///< combined with the first texture by its environment setting
   std::uint32_t border = 0; ///< in pixels and texels; 0 stretches the whole texture
 
   /// Draws one texture, combined with `color` by the texture's environment.
   void operator()(const Utility::Unscoped<Rgl>& p_gl, const Texture& p_texture) const;
 
-  /// Layers, the first at the bottom. From the second on, each replaces the colour, passes the depth test always, and
-  /// is blended by its environment setting: 2 not at all, 1 by its alpha, 0 by multiplying. Any other number leaves
-  /// blending as the layer before. A null pointer in the list is reported and left out.
+  /// Draws layers, the first at the bottom. From the second on, each replaces the colour, always passes the depth test,
+  /// and is blended by its environment setting: 2 not at all, 1 by its alpha, 0 by multiplication. Any other number
+  /// keeps the blending of the previous layer. A null pointer is reported and skipped.
   void operator()(const Utility::Unscoped<Rgl>& p_gl, std::vector<boost::shared_ptr<Texture>> p_textures) const;
 
 private:

@@ -13,18 +13,18 @@ namespace Vek::Chart::Library {
 
 /// A 3-D texture made from a volume.
 ///
-/// Axes: the texture coordinate s runs along the volume's fastest extent, which VolumeImage answers as `Height()`, t
-/// along its `Width()` and r along its `Depth()`; voxel (0, 0, 0) lies at (0, 0, 0). So a TexturedCube shows x of the
-/// volume along x, and so on.
+/// Axes: the texture coordinate s runs along the volume's fastest extent, `VolumeImage::Height()`, t along its
+/// `Width()` and r along its `Depth()`. Voxel (0, 0, 0) lies at (0, 0, 0). A TexturedCube thus shows the volume's x
+/// along x, and so on.
 ///
 /// Texels: one channel is stored as luminance, which fixed-function drawing shows as grey and a shader reads as `.r`
 /// (and `.g` and `.b`; alpha is 1); four channels as RGBA. 8-bit values are sampled as 0 to 1, floats as they are.
 /// There are no mip-maps.
 ///
-/// Ownership: the volume is shared and must not change until it is uploaded. The GL texture is created and uploaded by
-/// the first bind and lives as long as a VolumeTexture or another holder of `Handle()`; its last holder must let go of
-/// it while the context that made it is current. Copies share the GL texture if there is one already, and have settings
-/// of their own. A device without 3-D textures (GL before 1.2) cannot be used.
+/// Ownership: the volume is shared and must not change before its upload. The first bind creates and uploads the GL
+/// texture, which lives as long as a VolumeTexture or another holder of `Handle()`. Its last holder must release it
+/// while the context that made it is current. Copies share a GL texture that exists already and have their own
+/// settings. Devices without 3-D textures (GL before 1.2) are not supported.
 ///
 /// Errors: a null volume goes to the pointer check. One without voxels is reported as "sizeS > 0 && sizeT > 0 && sizeR
 /// > 0 && "Invalid Volume Size"", one that is larger than the device takes with the sizes: "largest <=
@@ -38,35 +38,35 @@ namespace Vek::Chart::Library {
 /// \ingroup images
 class VEK_LIBRARY_API VolumeTexture {
 public:
-  /// Between texels, or where several fall on a pixel: the nearest one, or a blend.
+  /// How texels are sampled.
   enum Filter : std::uint32_t {
     Nearest = 0, ///< the texel whose centre is nearest
     Linear = 1,  ///< the eight texels around, by distance
   };
-  /// What is seen outside of [0, 1].
+  /// What is sampled outside [0, 1].
   enum Wrap : std::uint32_t {
     ClampToEdge = 0, ///< the texels at the edge
     Repeat = 1,      ///< the texture again
   };
-  /// How the texture meets the colour that is there.
+  /// How the texture is combined with the incoming colour.
   enum Environment : std::uint32_t {
-    Modulate = 0, ///< both multiplied
+    Modulate = 0, ///< the product of both
     Decal = 1,    ///< the texture over the colour, by the texture's alpha
     Replace = 2,  ///< the texture alone
   };
 
-  // The settings are plain numbers; with one that is not listed, a bind leaves that part of the GL state as it is.
+  // Settings are plain numbers. A number without an enumerator leaves that part of the GL state unchanged.
   std::uint32_t minFilter = Linear;    ///< a Filter: where texels are smaller than pixels
   std::uint32_t magFilter = Linear;    ///< a Filter: where texels are larger than pixels
   std::uint32_t wrapS = ClampToEdge;   ///< a Wrap, along the texture coordinate s
   std::uint32_t wrapT = ClampToEdge;   ///< a Wrap, along t
   std::uint32_t wrapR = ClampToEdge;   ///< a Wrap, along r
   std::uint32_t environment = Replace; ///< an Environment
-  /// Whether 8-bit colours of four channels are stored as sRGB, so that sampling yields linear light; counts when the
-  /// texture is uploaded. Without meaning for all other volumes.
+  /// Whether 8-bit colours of four channels are stored as sRGB, so that sampling yields linear light. Read at the
+  /// upload only; other volumes ignore it.
   bool sRgb = false;
 
-  /// A texture of the volume; nothing is uploaded yet. The scope's device decides which sizes it can take.
+  /// A texture of the volume; nothing is uploaded yet. The scope's device limits its size.
   VolumeTexture(boost::shared_ptr<const VolumeImage> p_image, Utility::Scoped<Rgl>& p_gl);
 
   /// Binds on the texture unit `p_unit` (a token: RGL_TEXTURE0 + n), which becomes the active one, applies the settings

@@ -24,7 +24,7 @@ constexpr const char* Draw = "void __cdecl Vek::Chart::Ogl::Text::operator ()(cl
                              "Vek::Chart::Ogl::Rgl> &)";
 } // namespace Signature
 
-/// Where a text's lines lie in its picture.
+/// The positions of a text's lines in its image.
 struct Layout {
   Layout(const QString& p_text, unsigned int p_size)
       : lines(p_text.split('\n')) {

@@ -14,10 +14,10 @@
 
 namespace Vek::Chart::Ogl {
 
-/// One line or several lines of text in window pixels, set in the application's default font family.
+/// A text renderer: one or more lines in window pixels, in the application's default font family.
 ///
-/// The letters have the first colour. The flag chooses what the second colour does: with the flag set it fills a box
-/// behind the text, without it draws an outline around the letters; a transparent second colour draws neither.
+/// The letters have the first colour. With the flag set, the second colour fills a box behind the text; without it, it
+/// draws an outline around the letters. A transparent second colour draws neither.
 ///
 /// Errors: an image that cannot be made or uploaded is reported, nothing is drawn, and the next draw tries again: no
 /// memory as "!image.isNull() && "700 x 20 pixels"", an image beyond the device's limit as "largest <=
@@ -26,8 +26,8 @@ namespace Vek::Chart::Ogl {
 /// Qt needs a QGuiApplication for fonts (platform "offscreen" will do). Without one, `Image` is null and drawing does
 /// nothing; both report "qGuiApp != nullptr && "Text needs a QGuiApplication."".
 ///
-/// The picture is made and uploaded again, as a new texture, only after a change; copies share it until then. The last
-/// holder of a texture lets go of it while the context that made it is current. Rendering thread only.
+/// The image is made and uploaded, as a new texture, only after a change; copies share it until then. The last holder
+/// of a texture must release it while the context that made it is current. Rendering thread only.
 ///
 /// \image html styles.jpg
 /// \ingroup host
@@ -49,14 +49,14 @@ public:
   Types::Property<QColor> secondColor{QColor(Qt::transparent)};
   /// Whether the second colour fills a box, or draws outlines.
   Types::Property<bool> flag{false};
-  /// The height of the font in pixels; taken as the nearest of MinSize to MaxSize.
+  /// The height of the font in pixels, clamped to MinSize to MaxSize.
   Types::Property<unsigned int> size{12};
 
-  /// The text's box with everything that belongs to it, premultiplied ARGB; null for an empty text.
+  /// The text with its box or outline, premultiplied ARGB; null for an empty text.
   const QImage& Image();
 
   /// Draws at `position`, one texel a pixel, over what is there. The projection must map pixels to the viewport
-  /// (`Rgl::PixelProjection`). All state of GL is left as it was: the attribute stack restores it.
+  /// (`Rgl::PixelProjection`). All GL state is restored.
   void operator()(Utility::Scoped<Rgl>& p_gl);
 
 private:

@@ -4,7 +4,7 @@
 
 namespace Vek::Chart::Library::Private {
 
-/// Toward zero, as for window pixels; a value beyond the range of int becomes its end, NaN becomes 0.
+/// Truncates toward zero. Values beyond the range of int are clamped to it; NaN gives 0.
 inline int Truncate(double p_value) {
   if (!(p_value == p_value))
     return 0;
