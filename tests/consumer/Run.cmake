@@ -42,11 +42,11 @@ endif()
 file(GLOB_RECURSE pages ${prefix}/share/doc/vek-chart-library/*.md)
 foreach(page IN LISTS pages)
   get_filename_component(folder ${page} DIRECTORY)
-  execute_process(COMMAND grep -oE "\\]\\([^)# ]+[)#]" ${page} COMMAND sed "s/^..//;s/.$//"
+  execute_process(COMMAND grep -oE "\\]\\([A-Za-z0-9_./-]+[)#]" ${page} COMMAND sed "s/^..//;s/.$//"
     OUTPUT_VARIABLE links)
   string(REGEX MATCHALL "[^\n]+" links "${links}")
   foreach(link IN LISTS links)
-    if(NOT link MATCHES "^[a-z]+:" AND NOT EXISTS ${folder}/${link})
+    if(NOT EXISTS ${folder}/${link})
       message(SEND_ERROR "${page} links to ${link}, which is not installed")
     endif()
   endforeach()
