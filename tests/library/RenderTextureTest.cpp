@@ -135,15 +135,15 @@ TEST_F(RenderTextureCalls, MipsAreMadeAgainAfterDrawing) {
 }
 
 TEST_F(RenderTextureCalls, IncompleteFrameBuffersAreReportedByName) {
-#define STATUS(p_name)                                                                                                 \
+#define VEK_STATUS(p_name)                                                                                             \
   { RGL_FRAMEBUFFER_##p_name, "GL_FRAMEBUFFER_" #p_name }
-  const std::pair<Ogl::GlEnum, std::string> cases[] = {STATUS(UNDEFINED),
-                                                       STATUS(INCOMPLETE_ATTACHMENT),
-                                                       STATUS(INCOMPLETE_MISSING_ATTACHMENT),
-                                                       STATUS(INCOMPLETE_DRAW_BUFFER),
-                                                       STATUS(INCOMPLETE_READ_BUFFER),
-                                                       STATUS(UNSUPPORTED),
-                                                       STATUS(INCOMPLETE_MULTISAMPLE)};
+  const std::pair<Ogl::GlEnum, std::string> cases[] = {VEK_STATUS(UNDEFINED),
+                                                       VEK_STATUS(INCOMPLETE_ATTACHMENT),
+                                                       VEK_STATUS(INCOMPLETE_MISSING_ATTACHMENT),
+                                                       VEK_STATUS(INCOMPLETE_DRAW_BUFFER),
+                                                       VEK_STATUS(INCOMPLETE_READ_BUFFER),
+                                                       VEK_STATUS(UNSUPPORTED),
+                                                       VEK_STATUS(INCOMPLETE_MULTISAMPLE)};
   for (const auto& [status, name] : cases) {
     const ReportCapture reports;
     recorder.SetFramebufferStatus(status);
