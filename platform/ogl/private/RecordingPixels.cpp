@@ -217,6 +217,14 @@ void Model::TexImage(const std::string& p_call, GlEnum p_target, int p_level, Re
   texture->levels[p_level] = std::move(p_image);
 }
 
+void Model::GetTexLevelParameteriv(GlEnum p_target, int p_level, GlEnum p_name, int* p_values) {
+  const RecordingGl::TextureObject* const texture = BoundTexture("GetTexLevelParameteriv", p_target);
+  if (p_name != RGL_TEXTURE_WIDTH)
+    return Complain("GetTexLevelParameteriv: the recorder has no value for " + Name(p_name));
+  const bool exists = texture != nullptr && texture->levels.count(p_level) != 0;
+  *p_values = exists ? texture->levels.at(p_level).width : 0;
+}
+
 void Model::GenerateMipmap(GlEnum p_target) {
   const RecordingGl::TextureObject* const texture = BoundTexture("GenerateMipmap", p_target);
   if (texture != nullptr && texture->levels.count(0) == 0)
