@@ -25,29 +25,28 @@ std::string Text(const Bytes& p_bytes) {
   return text;
 }
 
-// The packing with every single operation done in double and rounded to float: for sums, differences and products of
-// two floats that is the correctly rounded result.
+// Each operation in double, rounded to float: for sums, differences and products of two floats, the correct rounding.
+float Product(float p_a, float p_b) {
+  return static_cast<float>(double(p_a) * double(p_b));
+}
+float Sum(float p_a, float p_b) {
+  return static_cast<float>(double(p_a) + double(p_b));
+}
 Bytes ReferenceEncode(float p_depth) {
-  const auto multiply = [](float p_a, float p_b) { return static_cast<float>(double(p_a) * double(p_b)); };
-  const auto subtract = [](float p_a, float p_b) { return static_cast<float>(double(p_a) - double(p_b)); };
-  float e[4];
-  for (int i = 0; i < 4; ++i) {
-    const float product = multiply(Scale[i], p_depth);
-    e[i] = subtract(product, static_cast<float>(std::floor(double(product))));
-  }
   Bytes bytes;
-  for (int i = 0; i < 4; ++i) {
-    const float rest = i == 3 ? e[3] : subtract(e[i], multiply(e[i + 1], K));
-    bytes[i] = static_cast<unsigned char>(static_cast<long long>(std::trunc(multiply(rest, 255))) & 255);
+  float following = 0;
+  for (std::size_t i = 4; i-- > 0;) {
+    const float product = Product(Scale[i], p_depth);
+    const float fraction = Sum(product, -std::floor(product));
+    const float rest = Sum(fraction, -Product(following, K));
+    bytes[i] = static_cast<unsigned char>(static_cast<long long>(std::trunc(Product(rest, 255))) & 255);
+    following = fraction;
   }
   return bytes;
 }
 
 TEST(DepthCodec, EncodesKnownDepths) {
-  const struct {
-    float depth;
-    Bytes expected;
-  } cases[] = {
+  const std::pair<float, Bytes> cases[] = {
       {-0.0F, {{0, 0, 0, 0}}},
       {1.0F, {{0, 0, 0, 0}}},
       {0.5F, {{127, 127, 127, 127}}},
@@ -55,25 +54,20 @@ TEST(DepthCodec, EncodesKnownDepths) {
       {-0.25F, {{191, 63, 191, 63}}},
       {0.123456F, {{30, 122, 185, 63}}},
       {1.5F, {{127, 127, 127, 0}}}, // the largest product has no bit left for its half
-      {std::numeric_limits<float>::infinity(), {{0, 0, 0, 0}}},
-      {std::numeric_limits<float>::quiet_NaN(), {{0, 0, 0, 0}}},
+      {INFINITY, {{0, 0, 0, 0}}},
+      {NAN, {{0, 0, 0, 0}}},
       {std::numeric_limits<float>::max(), {{0, 0, 0, 0}}}, // the larger products overflow
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(Text(DepthCodec::Encode(c.depth)), Text(c.expected)) << c.depth;
+  for (const auto& [depth, expected] : cases)
+    EXPECT_EQ(Text(DepthCodec::Encode(depth)), Text(expected)) << depth;
 }
 
 TEST(DepthCodec, EncodesInSinglePrecisionStepByStep) {
-  const auto check = [&](std::uint32_t p_bits) {
-    const float depth = FromBits(p_bits);
-    ASSERT_EQ(Text(DepthCodec::Encode(depth)), Text(ReferenceEncode(depth))) << depth;
-  };
-  for (std::uint32_t bits = 0; bits < 0x3F900000; bits += 19997) // zero to a little above one, subnormals included
-    ASSERT_NO_FATAL_FAILURE(check(bits));
-  for (std::uint32_t bits = 0x3F900000; bits < 0x72000000; bits += 19997) { // up to where products overflow
-    ASSERT_NO_FATAL_FAILURE(check(bits));
-    ASSERT_NO_FATAL_FAILURE(check(bits | 0x80000000));
-  }
+  for (std::uint32_t bits = 0; bits < 0x72000000; bits += 19997) // subnormals included, up to where products overflow
+    for (const std::uint32_t sign : {0U, 0x80000000U}) {
+      const float depth = FromBits(bits | sign);
+      ASSERT_EQ(Text(DepthCodec::Encode(depth)), Text(ReferenceEncode(depth))) << depth;
+    }
 }
 
 TEST(DepthCodec, DecodesWithTheListedWeights) {
@@ -84,11 +78,8 @@ TEST(DepthCodec, DecodesWithTheListedWeights) {
     const Bytes bytes = {{static_cast<unsigned char>(r >> 24), static_cast<unsigned char>(r >> 16),
                           static_cast<unsigned char>(r >> 8), static_cast<unsigned char>(r)}};
     float sum = 0;
-    for (int c = 0; c < 4; ++c) {
-      const auto channel = static_cast<float>(double(bytes[c]) * double(K));
-      const auto term = static_cast<float>(double(channel) * double(Weights[c]));
-      sum = static_cast<float>(double(sum) + double(term));
-    }
+    for (std::size_t c = 0; c < 4; ++c)
+      sum = Sum(sum, Product(Product(bytes[c], K), Weights[c]));
     ASSERT_EQ(DepthCodec::Decode(bytes), sum) << Text(bytes);
   }
 }
@@ -102,31 +93,6 @@ testing::AssertionResult IsPrecise(const Bytes& p_bytes, float p_depth) {
       (p_depth < LargestBelowOne || decoded == LargestBelowOne))
     return testing::AssertionSuccess();
   return testing::AssertionFailure() << double(p_depth) << " as " << Text(p_bytes) << "is " << double(decoded);
-}
-
-// The arithmetic of PreciseGlsl on a device that rounds each operation, or fuses products with sums.
-Bytes PreciseEncode(float p_depth, bool p_fused) {
-  const auto madd = [p_fused](float p_a, float p_b, float p_c) {
-    return p_fused ? std::fma(p_a, p_b, p_c) : p_a * p_b + p_c;
-  };
-  float rest = std::min(p_depth, LargestBelowOne);
-  const float x = std::floor(rest * 254.9999F);
-  rest = madd(-x, K, rest);
-  const float y = std::floor(rest * 65024.98F);
-  rest = madd(-y * K, Weights[1], rest);
-  const float z = std::floor(rest * 16581370.0F);
-  rest = madd(-z * K, Weights[2], rest);
-  const float w = std::min(std::floor(madd(rest, 4228250625.0F, 0.5F)), 255.0F);
-  const auto byte = [](float p_step) { return static_cast<unsigned char>(p_step); };
-  return {{byte(x), byte(y), byte(z), byte(w)}};
-}
-
-TEST(DepthCodec, PreciseArithmeticKeepsItsBound) {
-  for (std::uint32_t step = 1; step < 1U << 24; ++step)
-    for (const bool fused : {false, true}) {
-      const float depth = static_cast<float>(step / 16777215.0); // all that a 24-bit depth buffer holds
-      ASSERT_TRUE(IsPrecise(PreciseEncode(depth, fused), depth)) << fused;
-    }
 }
 
 class DepthCodecPixels : public PixelScopeFixture {

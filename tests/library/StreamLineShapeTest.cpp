@@ -37,7 +37,6 @@ TEST(StreamLineShape, Sections) {
   const Ring line{{{0, 0, 0}}, {{0, 1, 0}}}; // without normals of its own
   const Ring ribbon{{{-0.5, 0, 0}, {0.5, 0, 0}}, {{0, -1, 0}, {0, -1, 0}}};
   constexpr auto Custom = StreamLineShape::ShapeCustom;
-  const double nan = std::numeric_limits<double>::quiet_NaN();
 
   const struct {
     const char* name;
@@ -50,7 +49,7 @@ TEST(StreamLineShape, Sections) {
       {"tube", {StreamLineShape::ShapeTube, {}}, true, {half, circle}},
       {"one point", {Custom, {{4, 4}}}, false, line},
       {"many equal points", {Custom, {{4, 4}, {4, 4}, {4, 4}, {4, 4}}}, false, line},
-      {"nothing but NaN", {Custom, {{nan, nan}, {nan, nan}, {nan, nan}}}, false, line},
+      {"nothing but NaN", {Custom, {{NAN, NAN}, {NAN, NAN}, {NAN, NAN}}}, false, line},
       {"two points", {Custom, {{7, 1}, {9, 5}}}, true, ribbon},
       {"clockwise triangle, off centre and higher than wide",
        {Custom, {{1, 1}, {1, 5}, {3, 1}}},
@@ -72,16 +71,6 @@ TEST(StreamLineShape, Sections) {
   }
 }
 
-TEST(StreamLineShape, UnknownShapesAreEmpty) {
-  for (const int value : {0, 5, 1 << 30}) {
-    const StreamLineShape shape(static_cast<StreamLineShape::Shape>(value), {{0, 0}, {1, 0}, {0, 1}});
-    EXPECT_TRUE(shape.NumVertices() == 0 && !shape.HasNormals()) << value;
-    std::vector<Vector3> vertices(3), normals(2);
-    EXPECT_FALSE(shape.OrientShape(1, {}, 1, {}, vertices, normals)) << value;
-    EXPECT_TRUE(vertices.size() == 3 && normals.size() == 2) << value;
-  }
-}
-
 TEST(StreamLineShape, OrientsByFactorThenRotationThenPosition) {
   // x to y, y to z, z to x, scaled by 2, so that a normalised normal would be seen.
   const Types::Matrix3 rotation({0, 0, 2}, {2, 0, 0}, {0, 2, 0});
@@ -96,21 +85,21 @@ TEST(StreamLineShape, OrientsByFactorThenRotationThenPosition) {
   ExpectNear(ring.normals, {{0, 0, 2}}, "line");
 }
 
-TEST(StreamLineShape, NonPositiveFactorsLeaveTheOutput) {
-  const StreamLineShape tube(StreamLineShape::ShapeTube, {});
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  const struct {
-    double size;
-    double scale;
-    bool expected;
-  } cases[] = {{0, 1, false},           {1, 0, false},  {-1, 1, false}, {1, -2, false},
-               {1e-200, 1e-200, false}, {-1, -1, true}, {nan, 1, true}, {1e-300, 1, true}};
-  for (const auto& c : cases) {
-    std::vector<Vector3> vertices(1, {4, 5, 6});
-    std::vector<Vector3> normals;
-    EXPECT_EQ(tube.OrientShape(c.size, {}, c.scale, {}, vertices, normals), c.expected) << c.size << ' ' << c.scale;
-    EXPECT_EQ(vertices.size(), c.expected ? 12u : 1u);
-    EXPECT_EQ(normals.size(), c.expected ? 12u : 0u);
+TEST(StreamLineShape, NonPositiveFactorsAndUnknownShapesLeaveTheOutput) {
+  constexpr int Tube = StreamLineShape::ShapeTube;
+  const std::tuple<int, double, double, bool> cases[] = {
+      {Tube, 0, 1, false},  {Tube, 1, 0, false},           {Tube, -1, 1, false},
+      {Tube, 1, -2, false}, {Tube, 1e-200, 1e-200, false}, {Tube, -1, -1, true},
+      {Tube, NAN, 1, true}, {Tube, 1e-300, 1, true},       {0, 1, 1, false},
+      {5, 1, 1, false},     {1 << 30, 1, 1, false}};
+  for (const auto& [value, size, scale, written] : cases) {
+    const StreamLineShape shape(static_cast<StreamLineShape::Shape>(value), {{0, 0}, {1, 0}, {0, 1}});
+    EXPECT_EQ(shape.NumVertices(), value == Tube ? 12u : 0u);
+    EXPECT_EQ(shape.HasNormals(), value == Tube);
+    std::vector<Vector3> vertices(3), normals(2);
+    EXPECT_EQ(shape.OrientShape(size, {}, scale, {}, vertices, normals), written) << value << ' ' << size;
+    EXPECT_EQ(vertices.size(), written ? 12u : 3u);
+    EXPECT_EQ(normals.size(), written ? 12u : 2u);
   }
 }
 

