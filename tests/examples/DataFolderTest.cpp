@@ -21,28 +21,24 @@ struct Prefix {
 
 TEST(DataFolder, IsTheNearestAboveTheProgram) {
   const std::string share = "share/vek-chart-library";
-  const struct {
-    const char* name;
-    std::vector<std::string> filled;
-    const char* program;
-    std::string found; ///< empty for an error
-  } cases[] = {
-      {"installed", {share}, "bin/vek-gallery", share},
-      {"installed deeper", {share}, "lib/games/bin/vek-gallery", share},
-      {"not yet there", {share}, "away/vek-gallery", share},
-      {"two prefixes", {share, "opt/" + share}, "opt/bin/vek-gallery", "opt/" + share},
-      {"other names", {"share/other", "data"}, "bin/vek-gallery", ""},
+  // The folders with data, the program, and the folder that is found; empty for an error.
+  const std::tuple<std::vector<std::string>, const char*, std::string> cases[] = {
+      {{share}, "bin/vek-gallery", share},
+      {{share}, "lib/games/bin/vek-gallery", share},
+      {{share}, "away/vek-gallery", share},
+      {{share, "opt/" + share}, "opt/bin/vek-gallery", "opt/" + share},
+      {{"share/other", "data"}, "bin/vek-gallery", ""},
   };
-  for (const auto& row : cases) {
+  for (const auto& [filled, program, expected] : cases) {
     const Prefix prefix;
-    for (const std::string& place : row.filled)
+    for (const std::string& place : filled)
       prefix.Fill(place);
-    fs::path found;
+    fs::path found = prefix.path / "";
     try {
-      found = DataFolder("", prefix.path / row.program);
+      found = DataFolder("", prefix.path / program);
     } catch (const InputError&) {
     }
-    EXPECT_EQ(found, row.found.empty() ? fs::path() : prefix.path / row.found) << row.name;
+    EXPECT_EQ(found, prefix.path / expected) << program;
   }
 }
 

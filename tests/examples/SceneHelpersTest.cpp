@@ -15,8 +15,7 @@ using Point = Types::Vector3_Base<double>;
 
 /// Pixels of a point as GL's matrices give them.
 Camera::Pixel ThroughMatrices(const Camera& p_camera, const Point& p_point, const Types::Viewport<0>& p_viewport) {
-  const double width = static_cast<double>(p_viewport.width);
-  const double height = static_cast<double>(p_viewport.height);
+  const double width = p_viewport.width, height = p_viewport.height;
   std::array<double, 4> v = {p_point.x, p_point.y, p_point.z, 1};
   for (const std::array<double, 16>& m : {p_camera.ViewMatrix(), p_camera.ProjectionMatrix(width / height)}) {
     std::array<double, 4> product = {};
@@ -24,8 +23,7 @@ Camera::Pixel ThroughMatrices(const Camera& p_camera, const Point& p_point, cons
       product[i % 4] += m[i] * v[i / 4];
     v = product;
   }
-  return {static_cast<double>(p_viewport.x) + (v[0] / v[3] + 1) * width / 2,
-          static_cast<double>(p_viewport.y) + (v[1] / v[3] + 1) * height / 2, v[3] > 0};
+  return {p_viewport.x + (v[0] / v[3] + 1) * width / 2, p_viewport.y + (v[1] / v[3] + 1) * height / 2, v[3] > 0};
 }
 
 std::string ErrorOf(const std::vector<std::string>& p_arguments) {
@@ -41,29 +39,23 @@ std::string ErrorOf(const std::vector<std::string>& p_arguments) {
 
 TEST(Camera, LooksWhereItsAnglesSay) {
   const Types::Viewport<0> viewport(0, 0, 300, 200);
-  const struct {
-    const char* name;
-    double azimuth, elevation;
-    Point eye;   ///< of a camera at distance 10 from the origin
-    Point right; ///< a point that appears to the right of the middle
-    Point upper; ///< a point that appears above the middle
-  } cases[] = {
-      {"north", 0, 0, {0, -10, 0}, {1, 0, 0}, {0, 0, 1}},
-      {"east", 90, 0, {-10, 0, 0}, {0, -1, 0}, {0, 0, 1}},
-      {"from above", 0, 90, {0, 0, 10}, {1, 0, 0}, {0, 1, 0}},
+  // Angles, the eye at distance 10 from the origin, points that appear to the right of the middle and above it.
+  const std::tuple<double, double, Point, Point, Point> cases[] = {
+      {0, 0, {0, -10, 0}, {1, 0, 0}, {0, 0, 1}},
+      {90, 0, {-10, 0, 0}, {0, -1, 0}, {0, 0, 1}},
+      {0, 90, {0, 0, 10}, {1, 0, 0}, {0, 1, 0}},
   };
-  for (const auto& row : cases) {
+  for (const auto& [azimuth, elevation, eye, right, upper] : cases) {
+    SCOPED_TRACE(std::to_string(azimuth) + ' ' + std::to_string(elevation));
     Camera camera;
-    camera.azimuth = row.azimuth;
-    camera.elevation = row.elevation;
-    EXPECT_NEAR(Length(camera.Eye() - row.eye), 0, 1e-12) << row.name;
-    const Camera::Pixel right = camera.Project(row.right, viewport);
-    const Camera::Pixel upper = camera.Project(row.upper, viewport);
-    EXPECT_GT(right.x, 160) << row.name;
-    EXPECT_NEAR(right.y, 100, 1e-9) << row.name;
-    EXPECT_GT(upper.y, 110) << row.name;
-    EXPECT_NEAR(upper.x, 150, 1e-9) << row.name;
-    EXPECT_FALSE(camera.Project(row.eye * 2.0, viewport).visible) << row.name;
+    camera.azimuth = azimuth;
+    camera.elevation = elevation;
+    EXPECT_NEAR(Length(camera.Eye() - eye), 0, 1e-12);
+    EXPECT_GT(camera.Project(right, viewport).x, 160);
+    EXPECT_NEAR(camera.Project(right, viewport).y, 100, 1e-9);
+    EXPECT_GT(camera.Project(upper, viewport).y, 110);
+    EXPECT_NEAR(camera.Project(upper, viewport).x, 150, 1e-9);
+    EXPECT_FALSE(camera.Project(eye * 2.0, viewport).visible);
   }
 }
 
@@ -119,15 +111,14 @@ TEST(MapAxes, NamesDegreesAndChoosesRoundOnes) {
   EXPECT_EQ(LongitudeText(300).toStdString(), "60° W");
   EXPECT_EQ(LongitudeText(180).toStdString(), "180°");
   EXPECT_EQ(LatitudeText(45.5).toStdString(), "45.5° N");
-  const auto expectTicks = [](double p_min, double p_max, std::size_t p_most, const std::vector<double>& p_expected) {
-    const std::vector<double> ticks = RoundTicks(p_min, p_max, p_most);
-    ASSERT_EQ(ticks.size(), p_expected.size()) << p_min;
-    for (std::size_t i = 0; i < ticks.size(); ++i)
-      EXPECT_NEAR(ticks[i], p_expected[i], 1e-12) << p_min;
-  };
-  expectTicks(-180, 180, 8, {-180, -120, -60, 0, 60, 120, 180});
-  expectTicks(0.1, 0.45, 5, {0.1, 0.2, 0.3, 0.4});
-  expectTicks(3, 3, 5, {});
+  const std::tuple<double, double, std::size_t, std::string> cases[] = {
+      {-180, 180, 8, "-180 -120 -60 0 60 120 180 "}, {0.1, 0.45, 5, "0.1 0.2 0.3 0.4 "}, {3, 3, 5, ""}};
+  for (const auto& [min, max, most, expected] : cases) {
+    std::ostringstream ticks;
+    for (const double tick : RoundTicks(min, max, most))
+      ticks << tick << ' ';
+    EXPECT_EQ(ticks.str(), expected);
+  }
 }
 
 TEST(Palettes, RunFromEndToEndAndGrowLighter) {
@@ -140,11 +131,8 @@ TEST(Palettes, RunFromEndToEndAndGrowLighter) {
     for (std::size_t i = 16; i < colors.size(); i += 16)
       EXPECT_GT(lightness(colors[i]), lightness(colors[i - 16])) << i;
   const std::vector<QColor> sampled =
-      Palettes::Sampled({{0, 0x000000}, {1, 0x640000}, {1, 0x00FF00}, {2, 0x0000FF}}, 5);
-  ASSERT_EQ(sampled.size(), 5u);
-  EXPECT_EQ(sampled[1], QColor(50, 0, 0));
-  EXPECT_EQ(sampled[2], QColor(100, 0, 0));
-  EXPECT_EQ(sampled[4], QColor(0, 0, 255));
+      Palettes::Sampled({{0, 0x000000}, {1, 0x640000}, {1, 0x00FE00}, {2, 0x0000FE}}, 5);
+  EXPECT_EQ(sampled, (std::vector<QColor>{{0, 0, 0}, {50, 0, 0}, {100, 0, 0}, {0, 127, 127}, {0, 0, 254}}));
 }
 
 TEST(Palettes, LightnessIsThatOfCie) {
@@ -157,18 +145,16 @@ TEST(Palettes, LightnessIsThatOfCie) {
 }
 
 TEST(ScaleBar, LogarithmicTicksAreWrittenAtPowersOfTenAndAtTheEnds) {
-  const struct {
-    double min, max;
-    const char* ticks;
-  } cases[] = {{10, 600, "0:10 0.17: 0.27: 0.34: 0.39: 0.44: 0.48: 0.51: 0.54: 0.56:100 0.73: 0.83: 0.9: 0.96: 1:600 "},
-               {0.5, 3, "0:0.5 0.1: 0.19: 0.26: 0.33: 0.39:1 0.77: 1:3 "},
-               {0, 1, ""},
-               {2, 2, ""}};
-  for (const auto& row : cases) {
+  const std::tuple<double, double, const char*> cases[] = {
+      {10, 600, "0:10 0.17: 0.27: 0.34: 0.39: 0.44: 0.48: 0.51: 0.54: 0.56:100 0.73: 0.83: 0.9: 0.96: 1:600 "},
+      {0.5, 3, "0:0.5 0.1: 0.19: 0.26: 0.33: 0.39:1 0.77: 1:3 "},
+      {0, 1, ""},
+      {2, 2, ""}};
+  for (const auto& [min, max, expected] : cases) {
     QString ticks;
-    for (const Overlay::Tick& tick : LogTicks(row.min, row.max))
+    for (const Overlay::Tick& tick : LogTicks(min, max))
       ticks += QString::number(std::round(tick.place * 100) / 100) + ':' + tick.text + ' ';
-    EXPECT_EQ(ticks.toStdString(), row.ticks) << row.min;
+    EXPECT_EQ(ticks.toStdString(), expected) << min;
   }
 }
 

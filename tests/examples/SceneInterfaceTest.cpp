@@ -69,8 +69,7 @@ TEST_F(SceneInterfacePixels, SurfacesHaveDepthsWhereThePictureShowsThem) {
       shader.Draw(_gl, [&] { scene->DrawSurfaces(_gl, part); });
     }
     const QImage depths = target.ToImage(_gl);
-    int surface = 0;
-    int shown = 0;
+    int surface = 0, shown = 0;
     for (int y = 0; y < depths.height(); ++y)
       for (int x = 0; x < depths.width(); ++x) {
         if (depths.pixel(x, y) == 0)
@@ -88,13 +87,11 @@ TEST_F(SceneInterfacePixels, SurfacesHaveDepthsWhereThePictureShowsThem) {
 
 TEST(Loading, ACancelledLoadIsNoInputError) {
   for (const SceneEntry& entry : Scenes()) {
-    const std::string name = entry.name;
-    if (name != "wind" && name != "streamlines" && name != "earthquakes" && name != "hdr" && name != "volume" &&
-        name != "colors")
+    if (std::set<std::string>{"wind", "streamlines", "earthquakes", "hdr", "volume", "colors"}.count(entry.name) == 0)
       continue; // the others read no file
     Loading loading;
     loading.Cancel();
-    EXPECT_THROW(entry.load(DataInputs(), loading), Cancelled) << name;
+    EXPECT_THROW(entry.load(DataInputs(), loading), Cancelled) << entry.name;
   }
   // In the middle of a file, whatever way it is read.
   Loading loading;

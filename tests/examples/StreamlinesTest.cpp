@@ -13,10 +13,6 @@ bool Rotation(const Point& p_place, Point& p_vector) {
   p_vector = {-p_place.y, p_place.x, 0};
   return true;
 }
-bool Saddle(const Point& p_place, Point& p_vector) {
-  p_vector = {p_place.x, -p_place.y, 0};
-  return true;
-}
 bool UniformInBox(const Point& p_place, Point& p_vector) {
   p_vector = {3, 0, 0};
   return std::abs(p_place.x) <= 10 && std::abs(p_place.y) <= 10 && std::abs(p_place.z) <= 10;
@@ -58,15 +54,6 @@ TEST(Streamlines, ARotationKeepsTheRadiusAndCloses) {
   }
 }
 
-TEST(Streamlines, ASaddleKeepsItsProduct) {
-  const Streamline line = TraceBoth(Saddle, {1, 1, 0}, Options(6));
-  for (const Point& point : line)
-    EXPECT_NEAR(point.x * point.y, 1, 1e-4);
-  EXPECT_GT(line.front().y, 4);
-  EXPECT_GT(line.back().x, 4);
-  EXPECT_NEAR(ArcLength(line), 12, 1e-2);
-}
-
 TEST(Streamlines, TheToleranceControlsTheStep) {
   const auto error = [](double p_tolerance) {
     TraceOptions options = Options(20);
@@ -85,10 +72,8 @@ TEST(Streamlines, EndAtTheBorder) {
   const Streamline line = TraceBoth(UniformInBox, {0, 1, 2}, options);
   EXPECT_NEAR(line.front().x, -10, 2 * options.smallestStep);
   EXPECT_NEAR(line.back().x, 10, 2 * options.smallestStep);
-  for (const Point& point : line) {
-    EXPECT_LE(std::abs(point.x), 10);
-    EXPECT_NEAR(point.y, 1, 1e-12);
-  }
+  for (const Point& point : line)
+    EXPECT_TRUE(std::abs(point.x) <= 10 && std::abs(point.y - 1) < 1e-12) << point.x << ' ' << point.y;
   EXPECT_TRUE(TraceBoth(UniformInBox, {11, 0, 0}, options).empty());
 }
 
@@ -127,8 +112,7 @@ TEST(Streamlines, KeepTheirDistance) {
   TraceOptions options = Options(100);
   options.largestStep = 0.2;
   const std::vector<Streamline> lines = SpacedStreamlines(Rotation, seeds, {1, 0.5, 2}, options);
-  EXPECT_GE(lines.size(), 5u);
-  EXPECT_LE(lines.size(), 9u);
+  EXPECT_TRUE(lines.size() >= 5 && lines.size() <= 9) << lines.size();
   for (std::size_t a = 0; a < lines.size(); ++a) {
     const double radius = Length(lines[a].front());
     // One turn: it neither stops early nor goes over its own beginning.
@@ -142,9 +126,7 @@ TEST(VectorGrid, IsLinearBetweenItsNodesAndEndsAtItsBorder) {
   const VectorGrid::Counts counts = {3, 2, 4};
   std::vector<Point> vectors;
   // A linear field: (x + 2y, z, x - z).
-  const auto field = [](const Point& p_place) {
-    return Point(p_place.x + 2 * p_place.y, p_place.z, p_place.x - p_place.z);
-  };
+  const auto field = [](const Point& p) { return Point(p.x + 2 * p.y, p.z, p.x - p.z); };
   for (int k = 0; k < 4; ++k)
     for (int j = 0; j < 2; ++j)
       for (int i = 0; i < 3; ++i)
@@ -189,19 +171,10 @@ TEST(VectorGrid, ReadsItsFile) {
 TEST(VectorGrid, NamesWhatIsWrongWithItsFile) {
   const std::string head = "flow.csv:1: expected \"# dims nx ny nz origin x y z spacing dx dy dz\", got ";
   const std::string rows = "1,1,1\n1,1,1\n1,1,1\n1,1,1\n1,1,1\n1,1,1\n1,1,1\n";
-  const struct {
-    const char* name;
-    std::string text;
-    std::string error;
-  } cases[] = {
-      {"nothing", "", head + "\"\""},
-      {"no sizes", "u,v,w\n1,2,3\n", head + "\"u,v,w\""},
-      {"two sizes", "# dims 2 2\nu,v,w\n", head + "\"# dims 2 2\""},
-      {"thin", "# dims 2 2 1\nu,v,w\n", head + "\"# dims 2 2 1\""},
-      {"broken size", "# dims 2 2 2.5\nu,v,w\n", head + "\"# dims 2 2 2.5\""},
-      {"huge", "# dims 4096 4096 4096\nu,v,w\n", head + "\"# dims 4096 4096 4096\""},
-      {"no spacing", "# dims 2 2 2 spacing 1 0 1\nu,v,w\n", head + "\"# dims 2 2 2 spacing 1 0 1\""},
-      {"unknown word", "# dims 2 2 2 scale 1 1 1\nu,v,w\n", head + "\"# dims 2 2 2 scale 1 1 1\""},
+  for (const std::string line : {"", "u,v,w", "# dims 2 2", "# dims 2 2 1", "# dims 2 2 2.5", "# dims 4096 4096 4096",
+                                 "# dims 2 2 2 spacing 1 0 1", "# dims 2 2 2 scale 1 1 1"})
+    EXPECT_EQ(ErrorOf(line + "\nu,v,w\n"), head + '"' + line + '"');
+  const std::tuple<const char*, std::string, std::string> cases[] = {
       {"no table", "# dims 2 2 2\n", "flow.csv: expected a header line with the names of the columns, got nothing"},
       {"no w", "# dims 2 2 2\nu,v\n", "flow.csv:2: expected a column named \"w\", got \"u,v\""},
       {"a word", "# dims 2 2 2\nu,v,w\n1,1,1\n1,x,1\n", "flow.csv:4: expected a number for \"v\", got \"x\""},
@@ -209,6 +182,6 @@ TEST(VectorGrid, NamesWhatIsWrongWithItsFile) {
       {"too many", "# dims 2 2 2\nu,v,w\n" + rows + "1,1,1\n5,1,1\n",
        "flow.csv:11: expected the end after 8 rows, got \"5\""},
   };
-  for (const auto& row : cases)
-    EXPECT_EQ(ErrorOf(row.text), row.error) << row.name;
+  for (const auto& [name, text, error] : cases)
+    EXPECT_EQ(ErrorOf(text), error) << name;
 }

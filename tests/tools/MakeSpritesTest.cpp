@@ -1,7 +1,4 @@
-
 #include "tests/support/Test.h"
-
-#include <QTemporaryDir>
 
 namespace {
 
@@ -12,13 +9,13 @@ int RunTool(const std::string& p_arguments) {
 } // namespace
 
 TEST(MakeSprites, WritesTheImagesThatAreKeptInTheTree) {
-  const QTemporaryDir folder;
-  ASSERT_EQ(RunTool("'" + folder.path().toStdString() + "'"), 0);
+  const TempFolder folder;
+  ASSERT_EQ(RunTool("'" + folder.Path().string() + "'"), 0);
   for (const char* const word : {"rect", "ellipse", "diamond", "hexagon", "triangle", "cross", "xCross", "star"}) {
-    const QString name = QString("/symbol_%1.png").arg(word);
-    const QImage made(folder.path() + name), kept(VEK_SOURCE_DIR "/sprites" + name);
+    const std::string name = std::string("symbol_") + word + ".png";
+    const QImage made(folder.File(name).c_str()), kept((VEK_SOURCE_DIR "/sprites/" + name).c_str());
     ASSERT_FALSE(made.isNull()) << word;
-    EXPECT_TRUE(Vek::Test::SameImage(made, kept)) << word;
+    EXPECT_TRUE(SameImage(made, kept)) << word;
   }
 }
 

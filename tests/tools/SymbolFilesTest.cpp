@@ -29,16 +29,14 @@ const std::pair<const char*, Shape> Glyphs[] = {
     {"CircularArrow3D.obj", ShapeCircularArrow3D},
 };
 
-std::string Bytes(const fs::path& p_path) {
-  std::ifstream file(p_path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-std::set<std::string> Names(const fs::path& p_folder) {
-  std::set<std::string> names;
-  for (const auto& entry : fs::directory_iterator(p_folder))
-    names.insert(entry.path().filename().string());
-  return names;
+/// The files of a folder: their bytes by name.
+std::map<std::string, std::string> Files(const fs::path& p_folder) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : fs::directory_iterator(p_folder)) {
+    std::ifstream file(entry.path(), std::ios::binary);
+    files[entry.path().filename().string()].assign(std::istreambuf_iterator<char>(file), {});
+  }
+  return files;
 }
 
 std::vector<Vector> Vectors(const Library::ObjModel::VertexArray& p_array) {
@@ -48,48 +46,35 @@ std::vector<Vector> Vectors(const Library::ObjModel::VertexArray& p_array) {
   return vectors;
 }
 
-struct Mesh : Surface {
-  Ogl::VertexBuffer::PrimitiveType type;
-
-  explicit Mesh(const std::string& p_name) {
-    const auto model = Library::LoadPolygonObjFile((Folder / p_name).string());
-    positions = Vectors(*model->Vertices());
-    normals = Vectors(*model->Normals());
-    for (const auto& group : *model->Groups())
-      indices.insert(indices.end(), group->indices.begin(), group->indices.end());
-    type = model->PrimitiveType();
-  }
-  explicit Mesh(Shape p_shape) {
-    Ogl::VertexData glyph;
-    EXPECT_TRUE(Library::VectorSymbol(p_shape, 24).BuildShape(glyph));
-    static_cast<Surface&>(*this) = SurfaceOf(glyph);
-    type = glyph.PrimitiveType().Value();
-    if (type != Ogl::VertexBuffer::Triangles) // their files have none
-      normals.clear();
-  }
-};
-
 } // namespace
 
 TEST(SymbolFiles, AreWrittenByTheProgram) {
 #if !defined(VEK_MAKE_SYMBOLS)
   GTEST_SKIP() << "vek-make-symbols is not built (VEK_BUILD_EXAMPLES is off)";
 #else
-  const Vek::Test::TempFolder temporary;
+  const TempFolder temporary;
   EXPECT_EQ(std::system((std::string(VEK_MAKE_SYMBOLS) + " '" + temporary.Path().string() + "'").c_str()), 0);
-  EXPECT_EQ(Names(temporary.Path()), Names(Folder));
-  for (const std::string& name : Names(Folder))
-    EXPECT_TRUE(Bytes(temporary.Path() / name) == Bytes(Folder / name)) << name;
+  auto made = Files(temporary.Path()), kept = Files(Folder);
+  EXPECT_EQ(made.size(), kept.size());
+  for (const auto& [name, bytes] : kept)
+    EXPECT_TRUE(made[name] == bytes) << name;
 #endif
 }
 
 TEST(SymbolFiles, EqualTheGlyphs) {
   for (const auto& [name, shape] : Glyphs) {
     SCOPED_TRACE(name);
-    const Mesh mesh(name), glyph(shape);
-    EXPECT_EQ(mesh.type, glyph.type);
-    EXPECT_EQ(mesh.positions, glyph.positions);
-    EXPECT_EQ(mesh.normals, glyph.normals);
-    EXPECT_EQ(mesh.indices, glyph.indices);
+    const auto model = Library::LoadPolygonObjFile((Folder / name).string());
+    std::vector<unsigned int> indices;
+    for (const auto& group : *model->Groups())
+      indices.insert(indices.end(), group->indices.begin(), group->indices.end());
+    Ogl::VertexData data;
+    EXPECT_TRUE(Library::VectorSymbol(shape, 24).BuildShape(data));
+    const Surface glyph = SurfaceOf(data);
+    EXPECT_EQ(model->PrimitiveType(), data.PrimitiveType().Value());
+    EXPECT_EQ(Vectors(*model->Vertices()), glyph.positions);
+    const bool triangles = model->PrimitiveType() == Ogl::VertexBuffer::Triangles; // the other files have no normals
+    EXPECT_EQ(Vectors(*model->Normals()), triangles ? glyph.normals : std::vector<Vector>());
+    EXPECT_EQ(indices, glyph.indices);
   }
 }
