@@ -29,11 +29,10 @@ constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
 
 /// A red face or a black outline.
 Lines Corners(const std::string& p_begin, int p_left, int p_bottom, int p_right, int p_top) {
-  const auto pixel = [](int p_x, int p_y) {
-    return "Vertex2i(" + std::to_string(p_x) + ", " + std::to_string(p_y) + "); ";
-  };
-  return Calls(p_begin + pixel(p_left, p_bottom) + pixel(p_right, p_bottom) + pixel(p_right, p_top) +
-               pixel(p_left, p_top) + "End()");
+  std::string text = p_begin;
+  for (const auto& [x, y] : {std::pair(p_left, p_bottom), {p_right, p_bottom}, {p_right, p_top}, {p_left, p_top}})
+    text += "Vertex2i(" + std::to_string(x) + ", " + std::to_string(y) + "); ";
+  return Calls(text + "End()");
 }
 Lines Fill(int p_left, int p_bottom, int p_right, int p_top) {
   return Corners("Color4d(1, 0, 0, 1); Begin(GL_QUADS); ", p_left, p_bottom, p_right, p_top);
@@ -154,54 +153,38 @@ TEST_F(DrawablesCalls, Quadrics) {
                 Quadric(12, "GLU_FILL", "Cylinder(2, 0, 2, 5, 1)", "1, 2, 9", "-1, -2, -9"));
 }
 
-TEST_F(DrawablesCalls, ReportsQuadricsThatCannotBeMade) {
-  const Lines nothing = {"Translated(1, 2, 3)", "NewQuadric()", "Translated(-1, -2, -3)"};
-  for (std::size_t call = 1; call <= 5; ++call)
-    recorder.Fail("NewQuadric", call);
-  const ReportCapture reports;
-  EXPECT_EQ(Drawn(At123<Cylinder>()), nothing);
-  EXPECT_EQ(Drawn(At123<Disk>()), nothing);
-  EXPECT_EQ(Drawn(At123<Sphere>()), nothing);
-  EXPECT_EQ(Drawn(At123<Arrow3D>()), nothing + Calls("Translated(1, 2, 3.7); NewQuadric(); Translated(-1, -2, -3.7)"));
-  const auto report = [](const std::string& p_class) {
-    return "\"void*(obj)\" - void __cdecl Vek::Chart::Library::" + p_class +
-           "::operator ()(const class Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const";
-  };
-  EXPECT_EQ(reports.Texts(),
-            (Lines{report("Cylinder"), report("Disk"), report("Sphere"), report("Cylinder"), report("Cylinder")}));
-}
-
-TEST_F(DrawablesCalls, QuadricsCleanUpWhenDrawingThrows) {
-  // A table that records, and whose shapes then throw.
+TEST_F(DrawablesCalls, QuadricsThatFailAreReportedAndLeaveNothingBehind) {
   auto table = boost::make_shared<Ogl::GlFunctions>(*recorder.Handle().Object()->Functions());
-  table->Cylinder = [](Ogl::GlQuadric*, double, double, double, int, int) { throw std::runtime_error("shape"); };
-  table->Disk = [](Ogl::GlQuadric*, double, double, int, int) { throw std::runtime_error("shape"); };
-  table->Sphere = [](Ogl::GlQuadric*, double, int, int) { throw std::runtime_error("shape"); };
-  const Scope recording(recorder.Handle());
+  table->QuadricNormals = [](Ogl::GlQuadric*, Ogl::GlEnum) { throw std::runtime_error("of the host"); };
   const Utility::Unscoped<Rgl> throwing(boost::make_shared<Rgl>(table));
-  int number = 0;
-  const auto expectClean = [&](const auto& p_drawable) {
-    recorder.Clear();
-    EXPECT_THROW(p_drawable(throwing), std::runtime_error);
-    Lines expected = Quadric(++number, "GLU_FILL", "-()");
-    expected.erase(expected.begin() + 4);
-    EXPECT_EQ(recorder.Lines(), expected);
-    EXPECT_EQ(throwing.Object()->ScopeDepth(), 0u);
+  const Scope recording(recorder.Handle());
+  const Lines nothing = Calls("Translated(1, 2, 3); NewQuadric(); Translated(-1, -2, -3)");
+  const std::pair<std::string, std::function<void(const Utility::Unscoped<Rgl>&)>> cases[] = {
+      {"Cylinder", At123<Cylinder>()},
+      {"Disk", At123<Disk>()},
+      {"Sphere", At123<Sphere>()},
+      {"Cylinder", At123<Arrow3D>()}, // whose head is drawn all the same
   };
-  expectClean(At123<Cylinder>());
-  expectClean(At123<Disk>());
-  expectClean(At123<Sphere>());
-  expectClean(At123<Arrow3D>());
+  for (const auto& [name, draw] : cases) {
+    recorder.Fail("NewQuadric");
+    const ReportCapture reports;
+    Lines lines = Drawn(draw);
+    lines.resize(3);
+    EXPECT_EQ(lines, nothing);
+    EXPECT_EQ(reports.Texts(),
+              Lines{"\"void*(obj)\" - void __cdecl Vek::Chart::Library::" + name +
+                    "::operator ()(const class Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const"});
+    recorder.Clear();
+    EXPECT_THROW(draw(throwing), std::runtime_error);
+    EXPECT_EQ(recorder.LinesWithout({"QuadricDrawStyle", "DeleteQuadric"}), nothing);
+    EXPECT_EQ(throwing.Object()->ScopeDepth(), 0u);
+  }
 }
 
 TEST_F(DrawablesCalls, Cuboid) {
   const Geometry geometry(recorder.Handle());
   auto cuboid = At123<Cuboid>(&Cuboid::size, Vector(2, 4, 0.5));
-  const auto drawn = [&] {
-    recorder.Clear();
-    cuboid(recorder.Handle(), geometry);
-    return recorder.Lines();
-  };
+  const auto drawn = [&] { return Drawn([&](const auto& p_gl) { cuboid(p_gl, geometry); }); };
   const auto expected = [](const std::string& p_mode, const std::string& p_size, const std::string& p_inverse) {
     return Calls("PushAttrib(GL_POLYGON_BIT); PolygonMode(GL_FRONT_AND_BACK, " + p_mode +
                  "); Translated(1, 2, 3); Scaled(" + p_size + "); CallList(2001); Scaled(" + p_inverse +
@@ -239,43 +222,24 @@ TEST(Ring, HasTheMeshOfATube) {
 }
 
 TEST_F(DrawablesCalls, RingDrawsItsMesh) {
-  for (const bool moved : {false, true}) {
-    const Ring ring = moved ? At123<Ring>() : Ring();
-    Ogl::RecordingGl other;
-    {
-      const Scope gl(other.Handle());
-      if (moved)
-        gl->Translate({1, 2, 3});
-      gl->Begin(RGL_TRIANGLES);
-      for (std::size_t k = 0; k < ring.indices.size(); ++k) {
-        const Vector& v = ring.vertices[ring.indices[k]];
-        const Vector out = v / std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); // z counts too
-        const Vector normals[4] = {{-out.x, -out.y, -out.z}, {0, 0, 1}, out, {0, 0, -1}};
-        gl->Normal(normals[k / 6 % 4]);
-        gl->Vertex(v);
-      }
-      if (moved)
-        gl->Translate({-1, -2, -3});
-      gl->End();
+  const Ring ring = At123<Ring>();
+  Ogl::RecordingGl other;
+  {
+    const Scope gl(other.Handle());
+    gl->Translate({1, 2, 3});
+    gl->Begin(RGL_TRIANGLES);
+    for (std::size_t k = 0; k < ring.indices.size(); ++k) {
+      const Vector& v = ring.vertices[ring.indices[k]];
+      const Vector out = v / std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); // z counts too
+      const Vector normals[4] = {{-out.x, -out.y, -out.z}, {0, 0, 1}, out, {0, 0, -1}};
+      gl->Normal(normals[k / 6 % 4]);
+      gl->Vertex(v);
     }
-    EXPECT_EQ(Drawn(ring), other.Lines());
-    EXPECT_EQ(recorder.TakeComplaints(), Lines(moved, "Translated: not allowed between Begin and End"));
-    other.TakeComplaints();
+    gl->Translate({-1, -2, -3});
+    gl->End();
   }
-}
-
-// The fixture checks for an open Begin and leaked quadrics.
-TEST_F(DrawablesCalls, ThrowingSinkLeavesNothingOpen) {
-  const ReportCapture throwing(true);
-  auto ring = At123<Ring>();
-  ring.indices = {0, 1, 144};
-  EXPECT_THROW(Drawn(ring), std::runtime_error);
-  EXPECT_EQ(recorder.LinesOf({"Begin", "Translated", "End"}),
-            Calls("Translated(1, 2, 3); Begin(GL_TRIANGLES); Translated(-1, -2, -3); End()"));
-  recorder.TakeComplaints(); // of two vertices, and of moving back inside the pair
-  recorder.Fail("NewQuadric");
-  EXPECT_THROW(Drawn(At123<Sphere>()), std::runtime_error);
-  EXPECT_EQ(recorder.LinesOf({"Translated"}), Calls("Translated(1, 2, 3); Translated(-1, -2, -3)"));
+  EXPECT_EQ(Drawn(ring), other.Lines());
+  EXPECT_EQ(recorder.TakeComplaints(), Lines{"Translated: not allowed between Begin and End"});
 }
 
 TEST_F(DrawablesCalls, RingReportsABrokenMesh) {
@@ -283,13 +247,23 @@ TEST_F(DrawablesCalls, RingReportsABrokenMesh) {
                                 "Vek::Chart::Utility::Unscoped<class Vek::Chart::Ogl::Rgl> &) const";
   Ring ring;
   ring.indices = {0, 1, 2, 144, 0xFFFFFFFFU};
-  const ReportCapture reports;
-  EXPECT_EQ(Drawn(ring).size(), 2u + 2 * 3);
-  const Lines texts = reports.Texts();
-  ASSERT_EQ(texts.size(), 3u);
-  EXPECT_EQ(texts[0], "\"(indices.size() % 3) == 0\" - " + signature);
-  EXPECT_NE(texts[1].find("0 <= indices[k] < vertices.size()"), std::string::npos);
+  {
+    const ReportCapture reports;
+    EXPECT_EQ(Drawn(ring).size(), 2u + 2 * 3);
+    const Lines texts = reports.Texts();
+    ASSERT_EQ(texts.size(), 3u);
+    EXPECT_EQ(texts[0], "\"(indices.size() % 3) == 0\" - " + signature);
+    EXPECT_NE(texts[1].find("0 <= indices[k] < vertices.size()"), std::string::npos);
+  }
   recorder.TakeComplaints(); // of the two vertices too few
   ring.indices.clear();
   EXPECT_EQ(Drawn(ring), (Lines{"Begin(GL_TRIANGLES)", "End()"}));
+
+  const ReportCapture throwing(true);
+  ring = At123<Ring>();
+  ring.indices = {0, 1, 144};
+  EXPECT_THROW(Drawn(ring), std::runtime_error);
+  EXPECT_EQ(recorder.LinesOf({"Begin", "Translated", "End"}),
+            Calls("Translated(1, 2, 3); Begin(GL_TRIANGLES); Translated(-1, -2, -3); End()"));
+  recorder.TakeComplaints(); // of two vertices, and of moving back inside the pair
 }

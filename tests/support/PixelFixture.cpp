@@ -78,39 +78,23 @@ std::string Map(const QImage& p_image, const QColor& p_foreground, const QColor&
   return map;
 }
 
-namespace {
-
-bool Near(QRgb p_a, QRgb p_b, int p_tolerance) {
-  return std::abs(qRed(p_a) - qRed(p_b)) <= p_tolerance && std::abs(qGreen(p_a) - qGreen(p_b)) <= p_tolerance &&
-         std::abs(qBlue(p_a) - qBlue(p_b)) <= p_tolerance && std::abs(qAlpha(p_a) - qAlpha(p_b)) <= p_tolerance;
-}
-
-std::string Text(QRgb p_color) {
-  return "(" + std::to_string(qRed(p_color)) + ", " + std::to_string(qGreen(p_color)) + ", " +
-         std::to_string(qBlue(p_color)) + ", " + std::to_string(qAlpha(p_color)) + ")";
-}
-
-std::string Text(const QImage& p_image) {
-  return std::to_string(p_image.width()) + " x " + std::to_string(p_image.height());
-}
-
-} // namespace
-
 testing::AssertionResult SameColor(QRgb p_actual, const QColor& p_expected, int p_tolerance) {
-  if (Near(p_actual, p_expected.rgba(), p_tolerance))
-    return testing::AssertionSuccess();
-  return testing::AssertionFailure() << Text(p_actual) << " is not " << Text(p_expected.rgba())
-                                     << " (red, green, blue, alpha; tolerance " << p_tolerance << ")";
+  for (const int shift : {0, 8, 16, 24})
+    if (std::abs(int(p_actual >> shift & 0xFF) - int(p_expected.rgba() >> shift & 0xFF)) > p_tolerance)
+      return testing::AssertionFailure() << QColor::fromRgba(p_actual).name(QColor::HexArgb).toStdString() << " is not "
+                                         << p_expected.name(QColor::HexArgb).toStdString()
+                                         << " (alpha, red, green, blue; tolerance " << p_tolerance << ")";
+  return testing::AssertionSuccess();
 }
 
 testing::AssertionResult SameImage(const QImage& p_actual, const QImage& p_expected, int p_tolerance) {
   if (p_actual.size() != p_expected.size())
-    return testing::AssertionFailure() << Text(p_actual) << " is not " << Text(p_expected);
+    return testing::AssertionFailure() << p_actual.width() << " x " << p_actual.height() << " is not "
+                                       << p_expected.width() << " x " << p_expected.height();
   for (int y = 0; y < p_actual.height(); ++y)
     for (int x = 0; x < p_actual.width(); ++x)
-      if (!Near(p_actual.pixel(x, y), p_expected.pixel(x, y), p_tolerance))
-        return testing::AssertionFailure() << "pixel (" << x << ", " << y << "): " << Text(p_actual.pixel(x, y))
-                                           << " is not " << Text(p_expected.pixel(x, y));
+      if (const auto same = SameColor(p_actual.pixel(x, y), p_expected.pixelColor(x, y), p_tolerance); !same)
+        return testing::AssertionFailure() << "pixel (" << x << ", " << y << "): " << same.message();
   return testing::AssertionSuccess();
 }
 

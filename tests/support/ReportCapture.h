@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,10 @@ namespace Vek::Test {
 class ReportCapture {
 public:
   /// With `p_throws` each report is also thrown, as std::runtime_error.
-  explicit ReportCapture(bool p_throws = false);
-  ~ReportCapture();
+  explicit ReportCapture(bool p_throws = false)
+      : _sink(std::make_shared<Sink>(p_throws))
+      , _previous(vekdebug::logger::instance().set_sink(_sink)) {}
+  ~ReportCapture() { vekdebug::logger::instance().set_sink(_previous); }
   ReportCapture(const ReportCapture&) = delete;
   ReportCapture& operator=(const ReportCapture&) = delete;
 
@@ -24,15 +27,41 @@ public:
     std::string channel;
     std::string where; ///< the detail as a string
   };
-  std::vector<Entry> Entries() const;
+  std::vector<Entry> Entries() const {
+    const std::lock_guard<std::mutex> lock(_sink->mutex);
+    return _sink->entries;
+  }
   /// The texts of all reports so far, in order.
-  std::vector<std::string> Texts() const;
+  std::vector<std::string> Texts() const { return All(&Entry::text); }
   /// The details of all reports so far, in order.
-  std::vector<std::string> Details() const;
-  void Clear();
+  std::vector<std::string> Details() const { return All(&Entry::where); }
+  void Clear() {
+    const std::lock_guard<std::mutex> lock(_sink->mutex);
+    _sink->entries.clear();
+  }
 
 private:
-  class Sink;
+  struct Sink : vekdebug::sink {
+    explicit Sink(bool p_throws)
+        : throws(p_throws) {}
+    void write(const vekdebug::report& p_report) override {
+      const std::lock_guard<std::mutex> lock(mutex);
+      entries.push_back({p_report.kind, p_report.text, p_report.channel, vekdebug::detail_text(p_report.where)});
+      if (throws)
+        throw std::runtime_error(p_report.text);
+    }
+    const bool throws;
+    std::mutex mutex;
+    std::vector<Entry> entries;
+  };
+
+  std::vector<std::string> All(std::string Entry::*p_field) const {
+    std::vector<std::string> all;
+    for (const Entry& entry : Entries())
+      all.push_back(entry.*p_field);
+    return all;
+  }
+
   std::shared_ptr<Sink> _sink;
   std::shared_ptr<vekdebug::sink> _previous;
 };

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <map>
-#include <set>
 
 namespace Vek::Test {
 
@@ -61,14 +60,6 @@ double EnclosedVolume(const Surface& p_surface) {
   for (std::size_t i = 0; i < p_surface.indices.size(); i += 3)
     sixVolumes += Dot(p_surface.Corner(i), Cross(p_surface.Corner(i + 1), p_surface.Corner(i + 2)));
   return sixVolumes / 6;
-}
-
-int EulerNumber(const Surface& p_surface) {
-  const auto edges = Edges(p_surface);
-  std::set<Place> places;
-  for (const auto& [edge, walks] : edges)
-    places.insert({edge.first, edge.second});
-  return int(places.size()) - int(edges.size()) + int(p_surface.indices.size() / 3);
 }
 
 } // namespace Vek::Test

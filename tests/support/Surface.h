@@ -28,7 +28,5 @@ Chart::Types::BoundingBox_Base<double> BoundsOf(const std::vector<Vector>& p_pos
 bool IsClosed(const Surface& p_surface);
 /// Positive where a closed surface faces outward.
 double EnclosedVolume(const Surface& p_surface);
-/// Places - edges + triangles: 2 for a ball, 0 for a torus.
-int EulerNumber(const Surface& p_surface);
 
 } // namespace Vek::Test
