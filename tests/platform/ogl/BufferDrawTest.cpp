@@ -10,32 +10,23 @@ namespace {
 using Record = Ogl::Attribute<Ogl::Vec3<float>>;
 using Index = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
 
-template <class T>
-Ogl::Buffer<T> MakeBuffer(const Rgl& p_gl, const std::vector<T>& p_values) {
-  const Ogl::Buffer<T> buffer = p_gl.GetBufferPool().CreateBuffer<T>(p_values.size(), Ogl::BufferUsage::Default);
-  const Ogl::BufferPool::WriteArray<T> array(buffer, 0, p_values.size(), RGL_ARRAY_BUFFER);
-  std::copy(p_values.begin(), p_values.end(), array.Data());
+/// Nothing is written when the buffer cannot be mapped.
+template <class T, class Number>
+Ogl::Buffer<T> MakeBuffer(const Rgl& p_gl, const std::vector<Number>& p_numbers) {
+  const std::size_t count = p_numbers.size() * sizeof(Number) / sizeof(T);
+  const Ogl::Buffer<T> buffer = p_gl.GetBufferPool().CreateBuffer<T>(count, Ogl::BufferUsage::Default);
+  const Ogl::BufferPool::WriteArray<T> array(buffer, 0, count, RGL_ARRAY_BUFFER);
+  std::memcpy(static_cast<void*>(array.Data()), p_numbers.data(), array.Count() * sizeof(T));
   return buffer;
-}
-
-Record Point(float p_x, float p_y, float p_z) {
-  return Ogl::Vec3<float>{p_x, p_y, p_z};
-}
-
-Ogl::Buffer<Index> Indices(const Rgl& p_gl, const std::vector<unsigned int>& p_values) {
-  std::vector<Index> indices;
-  for (const unsigned int value : p_values)
-    indices.push_back(Ogl::Vec1<unsigned int>{value});
-  return MakeBuffer(p_gl, indices);
 }
 
 /// A square over the pixels (0, 0) to (2, 2), with positions and normals interleaved.
 BufferDraw Square(const Rgl& p_gl) {
   BufferDraw draw;
   draw.type = Ogl::VertexBuffer::Triangles;
-  draw.indices = Indices(p_gl, {0, 1, 2, 2, 3, 0});
-  draw.vertices = MakeBuffer<Record>(p_gl, {Point(0, 0, 0), Point(0, 0, 1), Point(2, 0, 0), Point(0, 0, 1),
-                                            Point(2, 2, 0), Point(0, 0, 1), Point(0, 2, 0), Point(0, 0, 1)});
+  draw.indices = MakeBuffer<Index, unsigned int>(p_gl, {0, 1, 2, 2, 3, 0});
+  draw.vertices =
+      MakeBuffer<Record, float>(p_gl, {0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 1, 2, 2, 0, 0, 0, 1, 0, 2, 0, 0, 0, 1});
   draw.attributes = BufferDraw::Positions | BufferDraw::Normals;
   draw.positionStride = 24;
   draw.normalStride = 24;
@@ -48,17 +39,15 @@ public:
   /// A buffer whose mapping failed.
   template <class T>
   Ogl::Buffer<T> Unwritten() {
-    const Ogl::Buffer<T> buffer = gl->GetBufferPool().CreateBuffer<T>(8, Ogl::BufferUsage::Default);
     recorder.Fail("MapBufferRange");
-    const Ogl::BufferPool::WriteArray<T> array(buffer, 0, 8, RGL_ARRAY_BUFFER);
-    return buffer;
+    return MakeBuffer<T>(*gl, std::vector<float>(24));
   }
 };
 using BufferDrawPixels = PixelScopeFixture;
 
 TEST_F(BufferDrawCalls, DrawsFromItsBuffersAndRestoresTheBindings) {
   BufferDraw draw = Square(*gl);
-  draw.instanceAttributes = {{6, MakeBuffer<Record>(*gl, {Point(4, 1, 0), Point(7, 3, 0)})}};
+  draw.instanceAttributes = {{6, MakeBuffer<Record, float>(*gl, {4, 1, 0, 7, 3, 0})}};
   const Lines begin = Calls("PushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT); "
                             "BindBuffer(GL_ARRAY_BUFFER, 0); BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0); "
                             "EnableClientState(GL_VERTEX_ARRAY); EnableClientState(GL_NORMAL_ARRAY); "
@@ -93,10 +82,7 @@ TEST_F(BufferDrawCalls, UndrawableBuffersAreReported) {
       {"normalOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.normalStride = 0x80000000; }},
       {"instanceAttribute.records.Count() >= instances",
        [](BufferDraw& p_draw) { p_draw.instanceAttributes.resize(1); }},
-      {"indices.Count() != 0",
-       [](BufferDraw& p_draw) {
-         p_draw.indices = {nullptr, 6};
-       }},
+      {"indices.Count() != 0", [](BufferDraw& p_draw) { p_draw.indices = Ogl::Buffer<Index>(nullptr, 6); }},
       {"!indices.Storage()->ContentsLost()", [this](BufferDraw& p_draw) { p_draw.indices = Unwritten<Index>(); }},
       {"!vertices.Storage()->ContentsLost()", [this](BufferDraw& p_draw) { p_draw.vertices = Unwritten<Record>(); }},
   };
@@ -128,7 +114,7 @@ TEST_F(BufferDrawPixels, InstancesLieWhereTheirAttributesSay) {
                                    {"", "", "", "", "", "", "offset"});
   ASSERT_TRUE(program.Linked());
   const boost::shared_ptr<void> inUse = program.Use(gl);
-  draw.instanceAttributes = {{6, MakeBuffer<Record>(*gl, {Point(4, 1, 0), Point(7, 3, 0)})}};
+  draw.instanceAttributes = {{6, MakeBuffer<Record, float>(*gl, {4, 1, 0, 7, 3, 0})}};
   draw.Draw(gl, 2);
   draw.Draw(gl, 0);
   EXPECT_EQ(Map(Corner(9, 5), Qt::red), ".......##\n"

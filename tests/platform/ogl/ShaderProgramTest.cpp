@@ -31,29 +31,27 @@ TEST_F(ShaderProgramCalls, ReportsFailuresWithTheLog) {
       {"CreateProgram", 1, "unused", "WARNING: shader program: "},
   };
   for (const auto& [function, number, log, report] : cases) {
-    ReportCapture reports;
+    const ReportCapture reports;
     recorder.SetInfoLog(log);
     recorder.Fail(function, number);
     const ShaderProgram program(gl, "vertex", "fragment");
     EXPECT_TRUE(!program.Linked() && program.Name() == 0) << function;
-    EXPECT_EQ(reports.Texts(), Lines{report}) << function;
-    reports.Clear();
-    recorder.Clear();
     program.Use(gl);
-    EXPECT_EQ(reports.Texts(),
-              Lines{"\"Linked()\" - class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::ShaderProgram::Use(class "
-                    "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &) const"});
-    EXPECT_EQ(recorder.LinesOf({"UseProgram"}), Lines());
+    EXPECT_EQ(
+        reports.Texts(),
+        (Lines{report, "\"Linked()\" - class boost::shared_ptr<void> __cdecl Vek::Chart::Ogl::ShaderProgram::Use(class "
+                       "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &) const"}))
+        << function;
   }
+  EXPECT_EQ(recorder.LinesOf({"UseProgram"}), Lines());
 }
 
 TEST_F(ShaderProgramCalls, UseRestoresThePreviousProgram) {
   const ShaderProgram first(gl, "v", "f");
   const ShaderProgram second(gl, "v", "f");
-  {
-    const boost::shared_ptr<void> outer = first.Use(gl);
-    second.Use(gl);
-  }
+  boost::shared_ptr<void> outer = first.Use(gl);
+  second.Use(gl);
+  outer.reset();
   EXPECT_EQ(recorder.LinesOf({"UseProgram"}),
             (Lines{"UseProgram(7001)", "UseProgram(7002)", "UseProgram(7001)", "UseProgram(0)"}));
 }
