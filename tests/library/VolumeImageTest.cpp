@@ -5,7 +5,6 @@
 #include "tests/support/Test.h"
 
 #include <cstdio>
-#include <locale>
 
 namespace {
 
@@ -52,10 +51,6 @@ void Check(const std::string& p_text, const std::string& p_volume, const Texts& 
   EXPECT_EQ(Load(p_text), p_volume) << p_text.substr(0, 100);
   EXPECT_EQ(reports.Texts(), p_reports) << p_text.substr(0, 100);
 }
-
-} // namespace
-
-namespace {
 
 /// "2x3x4 4 6 24, 96 bytes, 1/3 4/3 0/1": extents, voxel size, slice, count, bytes, and value and state of channels,
 /// precision and format.
@@ -130,44 +125,37 @@ TEST(VolumeImage, RefusesExtentsBeyondMemory) {
 TEST(VolumeImage, FindsVoxelsAndComponents) {
   const ReportCapture reports;
   VolumeImage image(VolumeImage::Float4, 2, 3, 4);
-  const std::size_t index = 1 + 2 * 2 + 6 * 3; // the last one
-  VolumeImage::TypeArray<float> voxel(image.Data().At(index), 4);
+  VolumeImage::TypeArray<float> voxel(image.Data().At(23), 4); // the last one
   voxel[3] = 0.5f;
   EXPECT_EQ(image.Bytes().back(), 0x3f);
-  const VolumeImage& constant = image;
-  EXPECT_EQ(constant.Data().At(index), image.Bytes().data() + 23 * 16);
-  VolumeImage::TypeArray<char> bytes(image.Data().At(0), 4);
-  bytes[1] = 'a';
-  EXPECT_EQ(image.Bytes()[1], 'a');
+  EXPECT_EQ(std::as_const(image).Data().At(23), image.Bytes().data() + 23 * 16);
   EXPECT_EQ(reports.Texts(), Texts{});
-
   voxel[4] = 7.0f;
   EXPECT_EQ(voxel[4], 0.0f);
-  bytes[std::size_t(-1)] = 'b';
-  const std::string channel = "\"p_channel < _channels\" - ";
+  VolumeImage::TypeArray<char>(image.Data().At(0), 4)[std::size_t(-1)] = 'b';
   const std::string view = " &__cdecl Vek::Chart::Library::VolumeImage::TypeArray<";
-  const std::string indexOperator = ">::operator [](const unsigned __int64)";
-  const std::string floats = channel + "float" + view + "float" + indexOperator;
-  EXPECT_EQ(reports.Texts(), (Texts{floats, floats, channel + "char" + view + "char" + indexOperator}));
+  const auto report = [&view](const std::string& p_type) {
+    return "\"p_channel < _channels\" - " + p_type + view + p_type + ">::operator [](const unsigned __int64)";
+  };
+  EXPECT_EQ(reports.Texts(), (Texts{report("float"), report("float"), report("char")}));
 }
 
 TEST(VolumeImage, VoxelsThatAreNotThereAreReported) {
-  const std::string expression = "\"p_index*_voxelSizeBytes < _rawBytes.size()\" - ";
   const std::string at = "unsigned char *__cdecl Vek::Chart::Library::VolumeImageData::At(unsigned __int64)";
+  const std::string expression = "\"p_index*_voxelSizeBytes < _rawBytes.size()\" - ";
   VolumeImage image(VolumeImage::Float4, 1, 1, 2);
   image.Bytes().assign(31, 9); // the second voxel lost a byte
-  for (const std::uint64_t index : {std::uint64_t{1}, std::uint64_t{2}, std::uint64_t{1} << 60}) { // × 16 wraps to 0
+  const auto check = [&](VolumeImageData& p_data, std::uint64_t p_index) {
     const ReportCapture reports;
-    unsigned char* const voxel = image.Data().At(index);
-    EXPECT_EQ(Voxels(voxel, voxel + 16), Voxels(16)) << index;
+    unsigned char* const voxel = p_data.At(p_index);
+    EXPECT_EQ(Voxels(voxel, voxel + 16), Voxels(16)) << p_index;
     voxel[15] = 1;
-    const VolumeImageData& constant = image.Data();
-    EXPECT_EQ(constant.At(index)[15], 0) << index;
-    EXPECT_EQ(reports.Texts(), (Texts{expression + at, expression + "const " + at + " const"})) << index;
-  }
-  const ReportCapture reports;
-  VolumeImage().Data().At(0);
-  EXPECT_EQ(reports.Texts(), Texts{expression + at});
+    EXPECT_EQ(std::as_const(p_data).At(p_index)[15], 0) << p_index;
+    EXPECT_EQ(reports.Texts(), (Texts{expression + at, expression + "const " + at + " const"})) << p_index;
+  };
+  check(image.Data(), 1);
+  check(image.Data(), std::uint64_t{1} << 60); // times 16 it wraps to 0
+  check(VolumeImage().Data(), 0);
 }
 
 TEST(VolumeImage, LoadsTextArrays) {
@@ -176,21 +164,17 @@ TEST(VolumeImage, LoadsTextArrays) {
   Check("TextArray 6 1 1 1\t1-1+1.5.5.25", "6x1x1 170 0 255 85 42 0", {Failed});
   Check(" \nTextArray\t3\v1\f1\r1 \r\n\t\v\f1e0\n.5E+0 \n\n 25e-2", "3x1x1 255 127 63");
   // Negative values, zeros, and maxima that map to less than 255.
-  Check("TextArray 3 1 1 1 -4 2 -0", "3x1x1 0 255 0");
   Check("TextArray 2 1 1 1 -4 -2", "2x1x1 255 255");
-  Check("TextArray 2 1 1 1 0 0", "2x1x1 0 0");
   Check("TextArray 2 1 1 1 0 -1", "2x1x1 0 0");
   Check("TextArray 3 1 1 1 -0 0 -1", "3x1x1 0 0 255");
   Check("TextArray 2 1 1 1 41 0", "2x1x1 254 0");
-  Check("TextArray 2 1 1 1 -2e10 -3e10", "2x1x1 255 255");
+  Check("TextArray 1 1 1 1", "1x1x1 0", {Failed});
   // Numbers that cannot be read end the reading.
   Check("TextArray 3 1 1 1 1 1e39 1", "3x1x1 0 254 0", {Failed, Failed});
   Check("TextArray 2 1 1 1 -1e39", "2x1x1 0 0", {Failed, Failed});
   Check("TextArray 2 1 1 1 1e-60 1", "2x1x1 0 255");
   Check("TextArray 4 1 1 1 1 x 1 1", "4x1x1 255 0 0 0", {Failed, Failed, Failed});
-  Check("TextArray 2 1 1 1 1 inf", "2x1x1 255 0", {Failed});
   Check("TextArray 2 1 1 1 1 0x1", "2x1x1 255 0");
-  Check("TextArray 2 1 1 1 1 1e", "2x1x1 255 0", {Failed});
   Check("TextArray 2 1 2 1 -1 -2", "2x2x1 0 0 0 0", {Failed, Failed});
   Check("TextArray 2 1 1 1 1 " + std::string(5000000, '1'), "2x1x1 255 0", {Failed});
   Check("TextArray 2 2 1 1 1 4 2 3", "2x1x1 63 127", {ManyChannels});
@@ -202,18 +186,14 @@ TEST(VolumeImage, LoadsTextArrays) {
 TEST(VolumeImage, RefusesHeaders) {
   Check("", "none", {NoHeader, NoSizes});
   Check("TextArray", "none", {NoSizes});
-  Check("TextArray 1 1 1", "none", {NoSizes});
   Check("TextArray 1 1 1.5 1 1", "none", {NoSizes});
-  Check("TextArray 1 1 0 1 1", "none", {NoSizes});
   Check("TextArray -1 1 -1 1 1", "none", {NoSizes});
   Check("TextArray 1 1 1 99999999999 1", "none", {NoSizes});
   Check("TextArray 2147483647 2147483647 2147483647 2147483647 1", "none", {SizesOverflow});
-  Check("TextArray 65536 65536 65536 65536 1", "none", {SizesOverflow}); // 2^64
   Check("TextArray 65536 65536 65536 32768 1", "none", {SizesOverflow}); // 2^63
   Check("TextArray 32768 32768 32768 32768 1", "none", {FileTooShort});
   Check("TextArray 67108865 1 1 1 1", "none", {FileTooShort});
   // Words and blanks without an end, and sizes across the bound.
-  Check(std::string(100000, 'x') + " 1 1 1 1 1", "none", {NoHeader, NoSizes});
   Check(std::string(65536 - 8, ' ') + "TextArray 1 1 1 1 1", "none", {NoHeader, NoSizes});
   Check("TextArray" + std::string(65536 - 16, ' ') + "1 1 1 12 1", "none", {NoSizes});
   Check("TextArray" + std::string(65536 - 16, ' ') + "1 1 1 1 1", "none", {NoSizes});
@@ -267,18 +247,6 @@ TEST(VolumeImage, LoadsFiles) {
   EXPECT_EQ(ofFolder.Texts().size(), 3u);
 }
 
-TEST(VolumeImage, DoesNotCareForTheProcessLocale) {
-  struct Comma : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-  };
-  const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Comma));
-  const std::string volume = Load("TextArray 4 1 1 1 1.000 0.5 1e-60 +.25");
-  std::locale::global(before);
-  EXPECT_EQ(volume, "4x1x1 255 127 0 63");
-}
-
 namespace {
 
 /// The bytes of these positive numbers.
@@ -293,40 +261,32 @@ Voxels Scaled(const Texts& p_numbers) {
   return voxels;
 }
 
-std::string Formatted(const char* p_format, int p_digits, double p_value) {
-  char text[80];
-  std::snprintf(text, sizeof text, p_format, p_digits, p_value);
-  return text;
-}
-
 } // namespace
 
-TEST(VolumeImage, NumbersRoundLikeAStream) {
-  // Against a maximum of 1, a value one float below the step from one byte to the next shows its last bit.
-  std::mt19937 random(1);
-  for (int i = 0; i < 2000; ++i) {
-    const float step = static_cast<float>(1 + random() % 254) / 255.0f;
-    const double between = (double(step) + double(std::nextafterf(step, 0.0f))) / 2;
-    const Texts numbers{"1", Formatted("%.*f", 7 + int(random() % 13), double(step)),
-                        Formatted("%.*f", 7 + int(random() % 13), between)};
-    std::istringstream stream("TextArray 3 1 1 1 1 " + numbers[1] + " " + numbers[2]);
-    const auto volume = VolumeImage::LoadFromStream(stream, VolumeImage::TextArray);
-    ASSERT_EQ(volume->Bytes(), Scaled(numbers)) << stream.str();
-  }
-}
-
-TEST(VolumeImage, WindowsDoNotShow) {
-  // Numbers of all lengths lie across the ends of the windows that a large file is read in.
+TEST(VolumeImage, NumbersRoundLikeAStreamInAnyWindow) {
   std::mt19937 random(1);
   Texts numbers;
-  std::string text = "TextArray 80000 1 1 1";
-  while (numbers.size() < 79999) { // the maximum grows all along
-    const double value = static_cast<double>(numbers.size() / 100) + random() % 4000000 / 1000.0;
-    const int digits = static_cast<int>(random() % 30);
-    numbers.push_back(std::string(random() % 3, '0') + Formatted(random() % 2 == 0 ? "%.*f" : "%.*e", digits, value));
-    text += std::string(1 + random() % 40, random() % 9 == 0 ? '\n' : ' ') + numbers.back();
+  const auto add = [&](double p_value) {
+    char text[80];
+    std::snprintf(text, sizeof text, random() % 2 == 0 ? "%.*f" : "%.*e", int(random() % 30), p_value);
+    numbers.push_back(std::string(random() % 3, '0') + text);
+  };
+  for (int i = 0; i < 40000; ++i) // the largest grows all along
+    add(0.9 / 40000 * i + random() % 1000 / 10000.0);
+  numbers.push_back("1");
+  while (numbers.size() < 79999) { // at a step from one byte to the next, and half a bit below it
+    const float step = static_cast<float>(1 + random() % 254) / 255.0f;
+    add(double(step));
+    add((double(step) + double(std::nextafterf(step, 0.0f))) / 2);
   }
-  numbers.push_back(std::string(3000000, '0') + "5");
-  std::istringstream stream(text + ' ' + numbers.back());
-  EXPECT_TRUE(VolumeImage::LoadFromStream(stream, VolumeImage::TextArray)->Bytes() == Scaled(numbers));
+  numbers.push_back(std::string(3000000, '0') + "1");
+  std::string text = "TextArray " + std::to_string(numbers.size()) + " 1 1 1";
+  for (const std::string& number : numbers)
+    text += std::string(1 + random() % 40, random() % 9 == 0 ? '\n' : ' ') + number;
+  std::istringstream stream(text);
+  const Voxels voxels = VolumeImage::LoadFromStream(stream, VolumeImage::TextArray)->Bytes(),
+               expected = Scaled(numbers);
+  ASSERT_EQ(voxels.size(), expected.size());
+  for (std::size_t i = 0; i < voxels.size(); ++i)
+    ASSERT_EQ(voxels[i], expected[i]) << numbers[i];
 }
