@@ -15,54 +15,43 @@ TEST(Check, PassesWithoutBuildingItsMessage) {
   const ReportCapture reports;
   int built = 0;
   const int index = 4;
-  EXPECT_TRUE(VEK_ENSURE(index > 3, Signature(built)));
-  EXPECT_TRUE(VEK_ENSURE_TEXT(index, "index", Signature(built)));
-  EXPECT_TRUE(VEK_CHECK_RANGE(index, 5, "index", Signature(built)));
-  EXPECT_TRUE(VEK_CHECK_POINTER(&index, Signature(built)));
   const auto where = [&built] { return vekdebug::detail{"a.obj", std::uint64_t(++built)}; };
-  EXPECT_TRUE(VEK_ENSURE_AT(index > 3, "index > 3", "F", where()));
-  EXPECT_TRUE(VEK_CHECK_RANGE_AT(index, 5, "index", "F", where()));
-  EXPECT_TRUE(VEK_CHECK_POINTER_AT(&index, "F", where()));
+  EXPECT_TRUE(VEK_ENSURE_AT(index > 3, "index > 3", Signature(built), where()));
+  EXPECT_TRUE(VEK_CHECK_RANGE_AT(index, 5, "index", Signature(built), where()));
+  EXPECT_TRUE(VEK_CHECK_POINTER_AT(&index, Signature(built), where()));
   EXPECT_EQ(built, 0);
-  EXPECT_TRUE(reports.Entries().empty());
+  EXPECT_EQ(reports.Texts(), Texts{});
 }
 
-TEST(Check, ReportsExpressionAndSignature) {
+TEST(Check, ReportsKindTextAndDetail) {
   const ReportCapture reports;
   int built = 0;
   const double size = std::nan("");
-  const int index = -1;
   const int* const object = nullptr;
   EXPECT_FALSE(VEK_ENSURE(size > 0, Signature(built)));
-  EXPECT_FALSE(VEK_ENSURE_TEXT(size > 0, "count > 0", Signature(built)));
-  EXPECT_FALSE(VEK_CHECK_RANGE(index, 5, "p_index < 5", Signature(built)));
+  EXPECT_FALSE(VEK_ENSURE_AT(size > 0, "count > 0", Signature(built), {"a.obj", 3, "x"}));
+  EXPECT_FALSE(VEK_CHECK_RANGE_AT(-1, 5, "p_index < 5", Signature(built), {"b.obj"}));
   EXPECT_FALSE(VEK_CHECK_RANGE(5, 5, "p_index < 5", Signature(built)));
-  EXPECT_FALSE(VEK_CHECK_POINTER(object, Signature(built)));
-  EXPECT_FALSE(VEK_SENTRY(Signature(built), 280));
-  EXPECT_FALSE(vekdebug::warn("too late"));
+  EXPECT_FALSE(VEK_CHECK_POINTER_AT(object, Signature(built), {{}, 4}));
+  EXPECT_FALSE(VEK_SENTRY_AT(Signature(built), 280, {{}, 0, "y"}));
+  EXPECT_FALSE(vekdebug::warn("two\nlines", {"c.obj"}));
   EXPECT_EQ(built, 6);
   const std::string end = "\" - void __cdecl F(void)";
-  EXPECT_EQ(reports.Texts(), (std::vector<std::string>{"\"size > 0" + end, "\"count > 0" + end, "\"p_index < 5" + end,
-                                                       "\"p_index < 5" + end, "\"void*(obj)" + end,
-                                                       "void __cdecl F(void) @line280", "WARNING: too late"}));
-  const severity kinds[] = {severity::ensure,  severity::ensure, severity::range, severity::range,
-                            severity::pointer, severity::sentry, severity::error};
-  for (std::size_t i = 0; i < std::size(kinds); ++i)
-    EXPECT_EQ(reports.Entries()[i].kind, kinds[i]) << i;
-}
-
-TEST(Check, PassesOnTheDetail) {
-  const ReportCapture reports;
-  const int* const object = nullptr;
-  VEK_ENSURE_AT(object != nullptr, "text", "F", {"a.obj", 3, "x"});
-  VEK_CHECK_RANGE_AT(-1, 5, "index", "F", {"b.obj"});
-  VEK_CHECK_RANGE(7, 5, "index", "F");
-  VEK_CHECK_POINTER_AT(object, "F", {{}, 4});
-  VEK_SENTRY_AT("F", 280, {{}, 0, "y"});
-  vekdebug::warn("two\nlines", {"c.obj"});
-  EXPECT_EQ(reports.Details(), (Texts{"a.obj:3, found \"x\"", "b.obj, index 18446744073709551615, count 5",
-                                      "index 7, count 5", "line 4", "found \"y\"", "c.obj", "c.obj"}));
-  EXPECT_EQ(reports.Texts()[5] + reports.Texts()[6], "WARNING: twolines");
+  const std::tuple<severity, std::string, std::string> expected[] = {
+      {severity::ensure, "\"size > 0" + end, ""},
+      {severity::ensure, "\"count > 0" + end, "a.obj:3, found \"x\""},
+      {severity::range, "\"p_index < 5" + end, "b.obj, index 18446744073709551615, count 5"},
+      {severity::range, "\"p_index < 5" + end, "index 5, count 5"},
+      {severity::pointer, "\"void*(obj)" + end, "line 4"},
+      {severity::sentry, "void __cdecl F(void) @line280", "found \"y\""},
+      {severity::error, "WARNING: two", "c.obj"},
+      {severity::error, "lines", "c.obj"},
+  };
+  ASSERT_EQ(reports.Entries().size(), std::size(expected));
+  for (std::size_t i = 0; i < std::size(expected); ++i) {
+    const ReportCapture::Entry entry = reports.Entries()[i];
+    EXPECT_EQ(std::tuple(entry.kind, entry.text, entry.where), expected[i]) << entry.text;
+  }
 }
 
 TEST(Check, KeepsAMessageWhileItsSinkReports) {
