@@ -35,7 +35,7 @@
 
 #include <QGuiApplication>
 
-#include <optional>
+#include <new>
 
 namespace {
 
@@ -490,3 +490,28 @@ INSTANTIATE_TEST_SUITE_P(All, FailuresPixels, testing::Range<std::size_t>(0, Sub
                          });
 
 } // namespace
+
+// Replaces the allocation functions of the whole program.
+
+void* operator new(std::size_t p_bytes) {
+  if (void* const memory = FailingAllocations::Allocate(p_bytes, __builtin_return_address(0)))
+    return memory;
+  throw std::bad_alloc();
+}
+void* operator new[](std::size_t p_bytes) {
+  if (void* const memory = FailingAllocations::Allocate(p_bytes, __builtin_return_address(0)))
+    return memory;
+  throw std::bad_alloc();
+}
+void operator delete(void* p_memory) noexcept {
+  std::free(p_memory);
+}
+void operator delete(void* p_memory, std::size_t) noexcept {
+  std::free(p_memory);
+}
+void operator delete[](void* p_memory) noexcept {
+  std::free(p_memory);
+}
+void operator delete[](void* p_memory, std::size_t) noexcept {
+  std::free(p_memory);
+}

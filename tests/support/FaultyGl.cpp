@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <regex>
 #include <tuple>
 #include <type_traits>
@@ -187,7 +186,9 @@ const std::vector<std::pair<std::uintptr_t, std::uintptr_t>>& OwnCode() {
   return Ranges;
 }
 
-void* Allocate(std::size_t p_bytes, const void* p_caller) {
+} // namespace
+
+void* FailingAllocations::Allocate(std::size_t p_bytes, const void* p_caller) {
   if (allocationToFail != 0 && pauses == 0) {
     const auto caller = reinterpret_cast<std::uintptr_t>(p_caller);
     for (const auto& [first, last] : OwnCode())
@@ -196,8 +197,6 @@ void* Allocate(std::size_t p_bytes, const void* p_caller) {
   }
   return std::malloc(std::max<std::size_t>(p_bytes, 1));
 }
-
-} // namespace
 
 void FailingAllocations::Arm(std::size_t p_number) {
   OwnCode();
@@ -218,31 +217,3 @@ FailingAllocations::Pause::~Pause() {
 }
 
 } // namespace Vek::Test
-
-// Replaces the allocation functions of the whole program.
-
-void* operator new(std::size_t p_bytes) {
-  if (void* const memory = Vek::Test::Allocate(p_bytes, __builtin_return_address(0)))
-    return memory;
-  throw std::bad_alloc();
-}
-void* operator new(std::size_t p_bytes, const std::nothrow_t&) noexcept {
-  return Vek::Test::Allocate(p_bytes, __builtin_return_address(0));
-}
-void* operator new[](std::size_t p_bytes) {
-  if (void* const memory = Vek::Test::Allocate(p_bytes, __builtin_return_address(0)))
-    return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* p_memory) noexcept {
-  std::free(p_memory);
-}
-void operator delete(void* p_memory, std::size_t) noexcept {
-  std::free(p_memory);
-}
-void operator delete[](void* p_memory) noexcept {
-  std::free(p_memory);
-}
-void operator delete[](void* p_memory, std::size_t) noexcept {
-  std::free(p_memory);
-}

@@ -57,14 +57,16 @@ private:
   std::set<std::pair<std::string, unsigned int>> _objects;
 };
 
-/// Lets an allocation of this project's own code throw std::bad_alloc; those of Qt, of drivers and of the calls that
-/// a FaultyGl passes on succeed.
+/// Lets an allocation of this project's own code fail; those of Qt, of drivers and of the calls that a FaultyGl passes
+/// on succeed. The program's operator new calls Allocate.
 class FailingAllocations {
 public:
   /// The allocation of that number fails, counted from 1.
   static void Arm(std::size_t p_number);
   /// Returns whether it has failed since.
   static bool Disarm();
+  /// Null where the allocation is to fail. `p_caller`: an address in the code that asks for memory.
+  static void* Allocate(std::size_t p_bytes, const void* p_caller);
 
   /// Allocations succeed, and are not counted, while one lives.
   class Pause {
