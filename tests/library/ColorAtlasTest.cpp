@@ -3,11 +3,6 @@
 
 namespace {
 
-using Pixel = std::pair<int, int>;
-Pixel At(const ColorCoords::Pixel& p_pixel) {
-  return {static_cast<int>(p_pixel.x), static_cast<int>(p_pixel.y)};
-}
-
 /// Distinct for each number; never the red of the background.
 QColor Numbered(unsigned int p_number) {
   return QColor::fromRgb(static_cast<int>(p_number % 251), static_cast<int>(p_number / 251 % 251), 200);
@@ -64,20 +59,17 @@ TEST(ColorAtlas, NumbersColorsAndInstancesTogether) {
 
 TEST_F(ColorAtlasCalls, LaysOutSmallTrees) {
   const QColor x = Numbered(8), y = Numbered(9);
+  const std::string halfRow = "e0 e0 e0 e0 e0 e0 a0 b7 c7 d7";
   const std::tuple<const char*, int, std::string, Instances, std::string> cases[] = {
       {"only the root", 8, "", {}, ". "},
       {"depth first, instanced last", 1024, "a0 b0 c2 d1", {{1, {{4, x}}}}, "bcadax.. "},
       {"own colour, then a deeper one", 1024, "a0 b1 c2 d1", {{1, {{1, x}, {2, y}}}}, "abcdxyyx "},
       {"ends at the border", 8, "a0 b1 c1", {{1, {}}, {1, {{2, x}}}, {1, {}}}, "abcabc.. axcabc.. "},
-      {"half a row", 8, "e0 e0 e0 e0 e0 e0 a0 b7 c7 d7", {{7, {{9, y}}}}, "eeeeee.. abcd.... abyd.... ........ "},
-      {"half of an odd row", 9, "e0 e0 e0 e0 e0 e0 a0 b7 c7 d7", {{7, {}}}, "eeeeee... abcd..... abcd..... ......... "},
-      {"more than half of it",
-       9,
-       "e0 e0 e0 e0 e0 a0 b6 c6 d6 e6",
-       {{6, {}}},
-       "eeeeeabcd e........ .....abcd e........ "},
+      {"half a row", 8, halfRow, {{7, {{9, y}}}}, "eeeeee.. abcd.... abyd.... ........ "},
+      {"half of an odd row", 9, halfRow, {{7, {}}}, "eeeeee... abcd..... abcd..... ......... "},
+      {"more than half", 9, "e0 e0 e0 e0 e0 a0 b6 c6 d6 e6", {{6, {}}}, "eeeeeabcd e........ .....abcd e........ "},
       {"a copy that would just end at the border", 8, "a0 b1", {{1, {}}, {1, {}}, {1, {}}}, "ababab.. ab...... "},
-      {"left of where it began, and another colour",
+      {"left of its start",
        8,
        "e0 a0 b2 c0",
        {{2, {}}, {2, {}}, {2, {}}, {2, {{3, x}}}, {4, {}}},
@@ -105,10 +97,8 @@ TEST_F(ColorAtlasCalls, DescribesRunsAndOffsets) {
   for (int i = 0; i < 9; ++i)
     atlas.AddColor(Qt::gray, top);
   Build(atlas, 8);
-  std::vector<Pixel> ends;
-  for (const auto& [first, last] : atlas.ColorAt(top).coords.PixelSpans())
-    ends.insert(ends.end(), {At(first), At(last)});
-  EXPECT_EQ(ends, (std::vector<Pixel>{{5, 0}, {7, 0}, {0, 1}, {6, 1}}));
+  const std::vector<std::pair<ColorCoords::Pixel, ColorCoords::Pixel>> spans = {{{5, 0}, {7, 0}}, {{0, 1}, {6, 1}}};
+  EXPECT_EQ(atlas.ColorAt(top).coords.PixelSpans(), spans);
   EXPECT_TRUE(atlas.ColorAt(15).coords.PixelSpans().empty());
   EXPECT_EQ(atlas.TexelCoordSpace().texel, (Ogl::Vec2<float>{0.125f, 0.5f}));
   EXPECT_EQ(atlas.TexelCoordSpace().centre, (Ogl::Vec2<float>{0.0625f, 0.25f}));
@@ -116,7 +106,7 @@ TEST_F(ColorAtlasCalls, DescribesRunsAndOffsets) {
   ColorAtlas beside;
   Add(beside, "e0 a0 b2 c0", {{2, {}}, {2, {}}, {2, {}}, {4, {}}});
   Build(beside, 8);
-  EXPECT_EQ(At(beside.ColorAt(4).coords.First()), Pixel(2, 1)) << "behind the copies";
+  EXPECT_EQ(beside.ColorAt(4).coords.First(), (ColorCoords::Pixel{2, 1})) << "behind the copies";
   EXPECT_EQ(beside.InstanceOffset(5), (Ogl::Vec2<float>{2 / 8.0f, 0}));
   EXPECT_EQ(beside.InstanceOffset(7), (Ogl::Vec2<float>{-1 / 8.0f, -1 / 2.0f}));
   EXPECT_TRUE(std::signbit(beside.InstanceOffset(5).y)) << "the zero is negated, too";
@@ -142,18 +132,16 @@ TEST_F(ColorAtlasCalls, UploadsATexture) {
 
 // A second build reports that instances had offsets already.
 TEST_F(ColorAtlasCalls, KeepsItsLastBuildWhenTheSinkThrows) {
-  struct ThrowingSink : vekdebug::sink {
-    void write(const vekdebug::report& p_report) override { throw std::runtime_error(p_report.text); }
-  };
   ColorAtlas atlas;
   Add(atlas, "a0", {{1, {}}});
   Build(atlas, 8);
   const boost::shared_ptr<Texture> texture = atlas.Texture();
   const unsigned int added = atlas.AddColor(Numbered(2), 0);
-  const auto previous = Utility::GetLogger().set_sink(std::make_shared<ThrowingSink>());
-  EXPECT_THROW(Build(atlas, 8), std::runtime_error);
-  EXPECT_THROW(atlas.AddColor(Qt::blue, 77), std::runtime_error);
-  Utility::GetLogger().set_sink(previous);
+  {
+    const ReportCapture throwing(true);
+    EXPECT_THROW(Build(atlas, 8), std::runtime_error);
+    EXPECT_THROW(atlas.AddColor(Qt::blue, 77), std::runtime_error);
+  }
   EXPECT_EQ(atlas.Texture(), texture);
   EXPECT_EQ(Rows(atlas.AtlasImage()), "aa ");
   EXPECT_FALSE(atlas.ColorAt(added).coords.Defined());
@@ -164,62 +152,55 @@ TEST_F(ColorAtlasCalls, KeepsItsLastBuildWhenTheSinkThrows) {
 }
 
 TEST_F(ColorAtlasCalls, ReportsErrorsAndGoesOn) {
-  const std::string atlasClass = "Vek::Chart::Library::ColorAtlas::";
-  const std::string span = "const class Vek::Chart::Types::Span<unsigned int> &)";
-  const std::string layout = " - void __cdecl Vek::Chart::Library::Private::ColorAtlasImpl::";
-  const std::string process = layout + "InstanceCoordinateMapper::ProcessInstances(unsigned int," + span;
-  const std::string colorAt = " - struct " + atlasClass + "ColorNode &__cdecl " + atlasClass + "ColorAt(unsigned int)";
+  const std::string atlas = "Vek::Chart::Library::ColorAtlas::",
+                    impl = "Vek::Chart::Library::Private::ColorAtlasImpl::";
+  const std::string span = "const class Vek::Chart::Types::Span<unsigned int> &)",
+                    node = "struct " + atlas + "ColorNode &";
+  const std::string layout = " - void __cdecl " + impl, instances = layout + "InstanceCoordinateMapper::";
+  const std::string pixel = "const class Vek::Chart::Ogl::Vec2<unsigned int> &";
+  const std::string colorAt = node + "__cdecl " + atlas + "ColorAt(unsigned int)";
+  const std::string unknownId = "\"instPos != _instances.end()\" - ";
   const std::string offset =
-      " - class Vek::Chart::Ogl::Vec2<float> __cdecl " + atlasClass + "InstanceOffset(unsigned int) const";
-  const std::string addInstance =
-      " - unsigned int __cdecl " + atlasClass +
-      "AddInstance(unsigned int,const class std::map<unsigned int,class QColor,struct std::less<unsigned int>,class "
-      "std::allocator<struct std::pair<unsigned int const ,class QColor> > > &)";
-  const std::string copyColors = "\"destPixel.y < _image.MaxHeight()\"" + layout +
-                                 "InstanceCoordinateMapper::CopyColors(" + span.substr(0, span.size() - 1) +
-                                 ",const class Vek::Chart::Ogl::Vec2<unsigned int> &)";
+      " - class Vek::Chart::Ogl::Vec2<float> __cdecl " + atlas + "InstanceOffset(unsigned int) const";
+  const std::string process = instances + "ProcessInstances(unsigned int," + span;
+  const std::string undefined = "\"node.coords.Defined()\"" + process;
+  const std::string copyColors = "\"destPixel.y < _image.MaxHeight()\"" + instances + "CopyColors(" +
+                                 span.substr(0, span.size() - 1) + "," + pixel + ")";
   using Run = std::function<void(ColorAtlas&)>;
   const auto built = [this](const std::string& p_colors, int p_size, const Instances& p_instances = {}) -> Run {
     return [=](ColorAtlas& p_a) { Add(p_a, p_colors, p_instances), Build(p_a, p_size); };
   };
   const std::string notLaidOut = std::to_string(ColorAtlas::NoParent);
   const std::tuple<const char*, Run, Lines> cases[] = {
-      {"texture before a build",
-       [](ColorAtlas& p_a) { EXPECT_FALSE(p_a.Texture()); },
-       {"\"_map\" - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " + atlasClass +
-        "Texture(void) const"}},
-      {"no colours",
-       built("", 8),
-       {"\"_spans.size() != 0\" - void __cdecl " + atlasClass +
-        "BuildAtlas(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)"}},
-      {"an unknown id and an unknown parent",
-       [](ColorAtlas& p_a) {
+      {"an empty atlas",
+       [this](ColorAtlas& p_a) {
+         EXPECT_FALSE(p_a.Texture());
+         Build(p_a, 8);
          EXPECT_TRUE(p_a.ColorAt(77).children.empty());
+         EXPECT_FALSE(std::as_const(p_a).ColorAt(77).coords.Defined());
          EXPECT_EQ(p_a.AddColor(Qt::blue, 77), 1u);
        },
-       {"\"instPos != _instances.end()\"" + colorAt, "\"instPos != _instances.end()\"" + colorAt}},
-      {"an unknown id of an atlas that must not change",
-       [](ColorAtlas& p_a) { EXPECT_FALSE(std::as_const(p_a).ColorAt(77).coords.Defined()); },
-       {"\"instPos != _instances.end()\" - const" + colorAt.substr(2) + " const"}},
-      {"an instance of a colour below the top",
+       {"\"_map\" - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " + atlas +
+            "Texture(void) const",
+        "\"_spans.size() != 0\" - void __cdecl " + atlas +
+            "BuildAtlas(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)",
+        unknownId + colorAt, unknownId + "const " + colorAt + " const", unknownId + colorAt}},
+      {"an instance of a colour below the top, offsets without a build and of no instance",
        [](ColorAtlas& p_a) {
          Add(p_a, "a0 b1", {{2, {}}});
-       },
-       {"\"instanceOf.parent == _rootId\"" + addInstance}},
-      {"offsets without a build, and of no instance",
-       [](ColorAtlas& p_a) {
-         Add(p_a, "a0", {{1, {}}});
-         p_a.InstanceOffset(2);
+         p_a.InstanceOffset(3);
          p_a.InstanceOffset(1);
        },
-       {"\"instance.Defined()\"" + offset, "\"instanceIt != _instances.end()\"" + offset}},
+       {"\"instanceOf.parent == _rootId\" - unsigned int __cdecl " + atlas +
+            "AddInstance(unsigned int,const class std::map<unsigned int,class QColor,struct std::less<unsigned int>,"
+            "class std::allocator<struct std::pair<unsigned int const ,class QColor> > > &)",
+        "\"instance.Defined()\"" + offset, "\"instanceIt != _instances.end()\"" + offset}},
       {"replacements that are not below the instanced colour",
        built("a0 b0 c" + notLaidOut, 8, {{2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}}}}),
-       {"\"subcolor.first >= base\"" + process, "\"node.coords.Defined()\"" + process,
-        "\"node.coords.Defined()\"" + process}},
+       {"\"subcolor.first >= base\"" + process, undefined, undefined}},
       {"a second build",
        [&](ColorAtlas& p_a) {
-         built("a0", 8, {{1, {}}})(p_a), Build(p_a, 8);
+         Add(p_a, "a0", {{1, {}}}), Build(p_a, 8), Build(p_a, 8);
        },
        {"\"!instance.Defined()\"" + process}},
       {"a colour that is its own grandchild",
@@ -228,30 +209,27 @@ TEST_F(ColorAtlasCalls, ReportsErrorsAndGoesOn) {
          p_a.ColorAt(2).children.push_back(1);
          Build(p_a, 8);
        },
-       {"\"query.second\"" + layout +
-            "SpanBuilder::operator ()(class Vek::Chart::Library::Private::ColorAtlasImpl::AtlasTraversalState &,class "
-            "Vek::Chart::Library::Private::ColorAtlasImpl::AtlasTraversalState *)",
+       {"\"query.second\"" + layout + "SpanBuilder::operator ()(class " + impl + "AtlasTraversalState &,class " + impl +
+            "AtlasTraversalState *)",
         "\"!pixelEntryAlreadyExists && \"Error: coordinate has already been written to!\"\" - void __cdecl "
-        "Vek::Chart::Library::Private::ImageBuilder::WriteUniquePixel(const class Vek::Chart::Ogl::Vec2<unsigned int> "
-        "&,const class QColor &)",
+        "Vek::Chart::Library::Private::ImageBuilder::WriteUniquePixel(" +
+            pixel + ",const class QColor &)",
         "\"query.second && \"Coordinate p_spans must not have already been added\"\"" + layout +
-            "CoordinateMapper::MapSpan(unsigned int,struct " + atlasClass + "ColorNode &," + span}},
+            "CoordinateMapper::MapSpan(unsigned int," + node + "," + span}},
       {"more colours than texels",
        built("a0 b0 c0 d0 e0", 2),
-       {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + layout +
-        "CoordinateMapper::WriteColor(unsigned int,const struct " + atlasClass + "ColorNode &," + span}},
+       {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + layout + "CoordinateMapper::WriteColor(unsigned int,const " +
+        node + "," + span}},
       {"a copy one row below the last",
        built("a0 b1", 2, {{1, {}}, {1, {{2, Qt::black}}}}),
        {copyColors, copyColors,
-        "\"next.y < _image.MaxHeight()\"" + layout +
-            "InstanceCoordinateMapper::OverwritePixelSpan(const class Vek::Chart::Ogl::Vec2<unsigned int> &,const "
-            "class "
-            "QColor &,unsigned int)"}},
+        "\"next.y < _image.MaxHeight()\"" + instances + "OverwritePixelSpan(" + pixel +
+            ",const class QColor &,unsigned int)"}},
   };
   for (const auto& [name, run, texts] : cases) {
     const ReportCapture reports;
-    ColorAtlas atlas;
-    run(atlas);
+    ColorAtlas colors;
+    run(colors);
     EXPECT_EQ(reports.Texts(), texts) << name;
   }
 }

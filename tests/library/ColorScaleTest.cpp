@@ -99,6 +99,11 @@ void ExpectTheRule(const ColorScale& p_scale, unsigned int p_seed) {
 
 TEST(ColorScale, MapsEveryValueToItsClass) {
   const auto linear = ColorScale::Linear, logarithmic = ColorScale::Logarithmic;
+  unsigned int seed = 0;
+  const auto expectTheRule = [&](const ColorScale& p_scale) {
+    ExpectTheRule<float>(p_scale, ++seed);
+    ExpectTheRule<double>(p_scale, ++seed);
+  };
   const std::tuple<std::string, double, double, ColorScale::Spacing> ranges[] = {
       {"unit", 0, 1, linear},
       {"both signs", -3.7, 11.1, linear},
@@ -118,14 +123,12 @@ TEST(ColorScale, MapsEveryValueToItsClass) {
       {"into subnormal floats", 1e-44, 1e-30, logarithmic},
       {"no spacing of that number", 2, 4, static_cast<ColorScale::Spacing>(7)},
   };
-  unsigned int seed = 0;
   for (const auto& [name, lower, upper, spacing] : ranges)
     for (const int classes : {1, 2, 7, 256, 4097}) {
       SCOPED_TRACE(name + ", " + std::to_string(classes) + " classes");
       const ColorScale scale(Numbered(0, classes), lower, upper, spacing, NumberedOutside());
       ASSERT_EQ(scale.Bounds().size(), static_cast<std::size_t>(classes) + 1);
-      ExpectTheRule<float>(scale, ++seed);
-      ExpectTheRule<double>(scale, ++seed);
+      expectTheRule(scale);
     }
 
   const std::vector<double> lists[] = {
@@ -134,8 +137,7 @@ TEST(ColorScale, MapsEveryValueToItsClass) {
     SCOPED_TRACE("bounds " + std::to_string(&bounds - lists));
     const ColorScale scale(Numbered(0, static_cast<int>(bounds.size()) - 1), bounds, NumberedOutside());
     EXPECT_EQ(scale.Bounds(), bounds);
-    ExpectTheRule<float>(scale, ++seed);
-    ExpectTheRule<double>(scale, ++seed);
+    expectTheRule(scale);
   }
 }
 
@@ -165,23 +167,17 @@ TEST(ColorScale, HasAClassForEachTexelOfAMap) {
 }
 
 TEST(ColorScale, WritesFourBytesAValue) {
-  const Colors colors{QColor(1, 2, 3, 4), QColor(250, 251, 252, 253)};
-  const struct {
-    const char* name;
-    ColorScale::Outside outside;
-    Bytes expected; ///< of NaN, -1, 0, 1, 2, 3
-  } cases[] = {
-      {"by default", {}, {0,   0,   0,   0,   1,   2,   3,   4,   1,   2,   3,   4,
-                          250, 251, 252, 253, 250, 251, 252, 253, 250, 251, 252, 253}},
-      {"chosen",
-       {QColor(10, 11, 12), QColor(20, 21, 22, 23), QColor(30, 31, 32, 33)},
-       {30, 31, 32, 33, 10, 11, 12, 255, 1, 2, 3, 4, 250, 251, 252, 253, 250, 251, 252, 253, 20, 21, 22, 23}},
+  const std::vector<double> values{NotANumber, -1, 0, 2, 3};
+  const std::pair<ColorScale::Outside, Bytes> cases[] = {
+      {{}, {0, 0, 0, 0, 1, 2, 3, 4, 1, 2, 3, 4, 5, 6, 7, 8, 5, 6, 7, 8}},
+      {{QColor(10, 11, 12), QColor(20, 21, 22, 23), QColor(30, 31, 32, 33)},
+       {30, 31, 32, 33, 10, 11, 12, 255, 1, 2, 3, 4, 5, 6, 7, 8, 20, 21, 22, 23}},
   };
-  const std::vector<double> values{NotANumber, -1, 0, 1, 2, 3};
-  for (const auto& row : cases) {
-    Bytes rgba(24);
-    ColorScale(colors, 0, 2, ColorScale::Linear, row.outside).Map(values.data(), values.size(), rgba.data());
-    EXPECT_EQ(rgba, row.expected) << row.name;
+  for (const auto& [outside, expected] : cases) {
+    Bytes rgba(20);
+    ColorScale({QColor(1, 2, 3, 4), QColor(5, 6, 7, 8)}, 0, 2, ColorScale::Linear, outside)
+        .Map(values.data(), values.size(), rgba.data());
+    EXPECT_EQ(rgba, expected);
   }
 
   // Short and long arrays at all alignments equal those mapped value by value.
@@ -192,7 +188,7 @@ TEST(ColorScale, WritesFourBytesAValue) {
   Bytes oneByOne(4 * many.size());
   for (std::size_t i = 0; i < many.size(); ++i)
     scale.Map(many.data() + i, 1, oneByOne.data() + 4 * i);
-  for (const std::size_t count : {std::size_t(0), std::size_t(1), std::size_t(15), std::size_t(37), many.size() - 3})
+  for (const std::size_t count : std::initializer_list<std::size_t>{0, 1, 15, 37, many.size() - 3})
     for (const std::size_t offset : {0, 1, 4, 12}) {
       Bytes rgba(offset + 4 * count + 64, 0xAB), framed = rgba;
       std::copy_n(oneByOne.begin() + 12, 4 * count, framed.begin() + static_cast<std::ptrdiff_t>(offset));
@@ -205,33 +201,31 @@ TEST(ColorScale, ReportsInvalidClasses) {
   const Colors two{Qt::red, Qt::blue};
   ColorScale::Outside outside;
   outside.nan = QColor(1, 2, 3);
-  const auto even = [&](const Colors& p_colors, double p_lower, double p_upper, ColorScale::Spacing p_spacing) {
-    return ColorScale(p_colors, p_lower, p_upper, p_spacing, outside);
-  };
   const std::string list =
       "__cdecl Vek::Chart::Library::ColorScale::ColorScale(const class std::vector<class QColor,class "
       "std::allocator<class QColor> > &,";
   const std::string tail = "const struct Vek::Chart::Library::ColorScale::Outside &)";
   const std::string range = "\" - " + list + "double,double,enum Vek::Chart::Library::ColorScale::Spacing," + tail;
   const std::string bounds = "\" - " + list + "const class std::vector<double,class std::allocator<double> > &," + tail;
+  const std::string falling = "\"p_bounds[i] <= p_bounds[i + 1]" + bounds;
   const auto linear = ColorScale::Linear, logarithmic = ColorScale::Logarithmic;
   ReportCapture reports;
   const ColorMap empty(Colors(), ColorMap::Discrete);
   reports.Clear();
   const std::pair<ColorScale, std::string> cases[] = {
-      {even({}, 0, 1, linear), "\"!p_colors.empty()" + range},
-      {even(two, 1, 1, linear), "\"p_lower < p_upper" + range},
-      {even(two, 2, 1, linear), "\"p_lower < p_upper" + range},
-      {even(two, NotANumber, 1, linear), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
-      {even(two, 0, Infinity, linear), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
-      {even(two, 0, 1, logarithmic), "\"p_lower > 0" + range},
-      {even(two, -1, 1, logarithmic), "\"p_lower > 0" + range},
+      {ColorScale(Colors(), 0, 1, linear, outside), "\"!p_colors.empty()" + range},
+      {ColorScale(two, 1, 1, linear, outside), "\"p_lower < p_upper" + range},
+      {ColorScale(two, 2, 1, linear, outside), "\"p_lower < p_upper" + range},
+      {ColorScale(two, NotANumber, 1, linear, outside), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
+      {ColorScale(two, 0, Infinity, linear, outside), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
+      {ColorScale(two, 0, 1, logarithmic, outside), "\"p_lower > 0" + range},
+      {ColorScale(two, -1, 1, logarithmic, outside), "\"p_lower > 0" + range},
       {ColorScale(empty, 0, 1, linear, outside), "\"!p_colors.empty()" + range},
       {ColorScale(Colors(), std::vector<double>{0}, outside), "\"!p_colors.empty()" + bounds},
       {ColorScale(two, {0, 1}, outside), "\"p_bounds.size() == p_colors.size() + 1" + bounds},
-      {ColorScale(two, {0, 2, 1}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
-      {ColorScale(two, {0, NotANumber, 1}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
-      {ColorScale(two, {0, 1, Infinity}, outside), "\"p_bounds[i] <= p_bounds[i + 1]" + bounds},
+      {ColorScale(two, {0, 2, 1}, outside), falling},
+      {ColorScale(two, {0, NotANumber, 1}, outside), falling},
+      {ColorScale(two, {0, 1, Infinity}, outside), falling},
   };
   std::vector<std::string> expected;
   for (const auto& [scale, text] : cases) {

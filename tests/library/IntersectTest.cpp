@@ -37,12 +37,7 @@ bool SameBits(const Vector3& p_a, const Vector3& p_b) {
 }
 
 TEST(IntersectPlanes, ParallelPlanesDoNotMeet) {
-  const struct {
-    const char* name;
-    Types::Plane first;
-    Types::Plane second;
-    bool expected;
-  } cases[] = {
+  const std::tuple<const char*, Types::Plane, Types::Plane, bool> cases[] = {
       {"shifted", {{0, 0, 0}, {0, 0, 1}}, {{0, 0, 1}, {0, 0, 1}}, false},
       {"coincident", {{0, 0, 0}, {0, 0, 1}}, {{5, 5, 0}, {0, 0, 1}}, false},
       {"no normal", {{0, 0, 0}, {0, 0, 0}}, {{0, 0, 1}, {1, 0, 0}}, false},
@@ -51,22 +46,20 @@ TEST(IntersectPlanes, ParallelPlanesDoNotMeet) {
       {"just epsilon", {{0, 0, 0}, {0, 0, 1}}, {{0, 0, 0}, {0x1p-26, 0, 1}}, true},
       {"short normals", {{0, 0, 0}, {0, 0, 1e-4}}, {{0, 0, 0}, {1e-5, 0, 0}}, false},
   };
-  for (const auto& c : cases) {
+  for (const auto& [name, first, second, expected] : cases) {
     Line line(Untouched, Untouched);
-    EXPECT_EQ(Text(Intersect::Intersection(c.first, c.second, line)), c.expected ? "true" : "false") << c.name;
-    EXPECT_EQ(SameBits(line.point, Untouched) && SameBits(line.direction, Untouched), !c.expected) << c.name;
+    EXPECT_EQ(Text(Intersect::Intersection(first, second, line)), expected ? "true" : "false") << name;
+    EXPECT_EQ(SameBits(line.point, Untouched) && SameBits(line.direction, Untouched), !expected) << name;
   }
 }
 
 TEST(IntersectPlanes, MeetInALineThroughSinglePrecision) {
   const Types::Plane first({0, 0, 1.0 / 3}, {0, 0, 1});
   const Types::Plane second({0.7, 0, 0}, {1, 0, 1.0 / 3});
-  const float b = 1.0F / 3;
+  const float b = 1.0F / 3, squared = b * b;
   const auto c = static_cast<float>(1 + (1.0 / 3) * (1.0 / 3));
-  const float squared = b * b;
   const float determinant = c - squared;
-  const double d1 = -1.0 / 3;
-  const double d2 = -0.7;
+  const double d1 = -1.0 / 3, d2 = -0.7;
   const double k1 = static_cast<float>((b * d2 - c * d1) / determinant);
   const double k2 = static_cast<float>((b * d1 - d2) / determinant);
   Line line;
@@ -83,14 +76,7 @@ TEST(IntersectSegment, IncludesBothEnds) {
   const Types::Plane ground({4, 4, 0}, {0, 0, 1});
   const Types::Plane longNormal({0, 0, 0}, {0, 0, 8}); // normals are taken as they are, not normalised
   const Types::Plane shortNormal({0, 0, 0}, {0, 0, 1e-17});
-  const struct {
-    const char* name;
-    Types::Plane plane;
-    Vector3 start;
-    Vector3 end;
-    const char* expected;
-    Vector3 point;
-  } cases[] = {
+  const std::tuple<const char*, Types::Plane, Vector3, Vector3, const char*, Vector3> cases[] = {
       {"crosses", ground, {1, 2, 3}, {1, 2, -1}, "true", {1, 2, 0}},
       {"starts on it", ground, {1, 2, 0}, {1, 5, 6}, "true", {1, 2, 0}},
       {"ends on it", ground, {1, 2, 8}, {1, 5, 0}, "true", {1, 5, 0}},
@@ -105,10 +91,10 @@ TEST(IntersectSegment, IncludesBothEnds) {
       {"short normal", shortNormal, {0, 0, 1}, {0, 0, -1}, "indeterminate", Untouched},
       {"not a number", ground, {0, 0, NaN}, {0, 0, 1}, "true", {NaN, NaN, NaN}},
   };
-  for (const auto& c : cases) {
+  for (const auto& [name, plane, from, to, result, expected] : cases) {
     Vector3 point = Untouched;
-    EXPECT_EQ(Text(Intersect::Intersection(c.plane, c.start, c.end, point)), c.expected) << c.name;
-    EXPECT_TRUE(SameBits(point, c.point)) << c.name << Text(point);
+    EXPECT_EQ(Text(Intersect::Intersection(plane, from, to, point)), result) << name;
+    EXPECT_TRUE(SameBits(point, expected)) << name << Text(point);
   }
   Vector3 start(1, 2, 3); // takes the point
   EXPECT_TRUE(bool(Intersect::Intersection(Types::Plane(), start, {5, 2, -1}, start)));
@@ -128,13 +114,7 @@ TEST(IntersectRay, ReachesAsFarAsItsDirection) {
 }
 
 TEST(IntersectViewports, CommonPart) {
-  const struct {
-    const char* name;
-    Viewport a;
-    Viewport b;
-    bool expected;
-    Viewport result;
-  } cases[] = {
+  const std::tuple<const char*, Viewport, Viewport, bool, Viewport> cases[] = {
       {"overlap", {0, 0, 10, 10}, {3, -2, 20, 5}, true, {3, 0, 7, 3}},
       {"touch at the corner", {0, 0, 10, 10}, {10, 10, 5, 5}, true, {10, 10, 0, 0}},
       {"apart in x", {0, 0, 10, 10}, {11, 0, 5, 5}, false, {}},
@@ -143,11 +123,11 @@ TEST(IntersectViewports, CommonPart) {
       // 16777216 + 3 is no float and rounds to even.
       {"sums in single precision", {16777216, 0, 3, 1}, {0, 0, 16777300, 1}, true, {16777216, 0, 4, 1}},
   };
-  for (const auto& c : cases)
+  for (const auto& [name, first, second, expected, result] : cases)
     for (const int target : {0, 1, 2}) { // also one of the arguments
-      Viewport viewports[] = {c.a, c.b, {1, 2, 3, 4}};
-      EXPECT_EQ(Intersect::Intersection(viewports[0], viewports[1], viewports[target]), c.expected) << c.name;
-      EXPECT_EQ(viewports[target], c.result) << c.name << ", into " << target;
+      Viewport viewports[] = {first, second, {1, 2, 3, 4}};
+      EXPECT_EQ(Intersect::Intersection(viewports[0], viewports[1], viewports[target]), expected) << name;
+      EXPECT_EQ(viewports[target], result) << name << ", into " << target;
     }
 }
 
@@ -304,8 +284,7 @@ CutCase (*const Families[])(Dice&) = {ProperCut,   NearACorner,   ThroughThreeCo
                                       SignedZeros, BarelyMissing, TermsThatCancel,     SpecialNumbers,    EmptyBox};
 
 TEST(IntersectBox, EqualsThePlainRuleBitForBit) {
-  std::vector<Vector3> points;
-  std::vector<Vector3> expected;
+  std::vector<Vector3> points, expected;
   for (const auto& make : Families) {
     int cuts = 0;
     for (unsigned i = 0; i < 30000; ++i) {

@@ -25,12 +25,8 @@ std::uint32_t Checksum(const Colors& p_colors) {
 }
 
 TEST(NamedColors, HaveTheirPublishedColors) {
-  const struct {
-    const char* name;
-    std::size_t size;
-    std::uint32_t checksum;
-    std::vector<QRgb> five; ///< colours 0, 64, 128, 192 and the last
-  } cases[] = {
+  // Number of colours, checksum of all, and colours 0, 64, 128, 192 and the last.
+  const std::tuple<std::string, int, std::uint32_t, std::vector<QRgb>> cases[] = {
       {"viridis", 256, 0x056643BB, {0x440154, 0x3B528B, 0x21918C, 0x5EC962, 0xFDE725}},
       {"plasma", 256, 0xDA1909BC, {0x0D0887, 0x7E03A8, 0xCC4778, 0xF89540, 0xF0F921}},
       {"inferno", 256, 0x9CB067D9, {0x000004, 0x57106E, 0xBC3754, 0xF98E09, 0xFCFFA4}},
@@ -40,30 +36,24 @@ TEST(NamedColors, HaveTheirPublishedColors) {
       {"coolwarm", 257, 0xF3577DF4, {0x3B4CC0, 0x8DB0FE, 0xDDDDDD, 0xF49A7B, 0xB40426}},
   };
   std::vector<std::string> names;
-  for (const auto& row : cases) {
-    SCOPED_TRACE(row.name);
-    names.push_back(row.name);
-    const Colors table = NamedColors::Colors(row.name);
-    EXPECT_EQ(table.size(), row.size);
-    EXPECT_EQ(Rgbs({table[0], table[64], table[128], table[192], table.back()}), row.five);
-    EXPECT_EQ(NamedColors::Colors(row.name, static_cast<int>(row.size)), table);
-    EXPECT_EQ(Checksum(table), row.checksum);
+  for (const auto& [name, size, checksum, five] : cases) {
+    SCOPED_TRACE(name);
+    names.push_back(name);
+    const Colors table = NamedColors::Colors(name);
+    EXPECT_EQ(Rgbs({table[0], table[64], table[128], table[192], table.back()}), five);
+    EXPECT_EQ(NamedColors::Colors(name, size), table);
+    EXPECT_EQ(Checksum(table), checksum);
   }
   EXPECT_EQ(NamedColors::Names(), names);
 }
 
 TEST(NamedColors, AreCutReversedAndClassed) {
-  const Colors map = NamedColors::Colors("grey");
   const auto greys = [](std::vector<QRgb> p_levels) {
     for (QRgb& level : p_levels)
       level *= 0x010101;
     return p_levels;
   };
-  const struct {
-    int count;
-    double from, to;
-    std::vector<QRgb> expected;
-  } cases[] = {
+  const std::tuple<int, double, double, std::vector<QRgb>> cases[] = {
       {3, 0, 1, greys({0, 128, 255})},
       {2, 0.2, 0.6, greys({51, 153})},
       {3, 1, 0, greys({255, 128, 0})},
@@ -72,9 +62,8 @@ TEST(NamedColors, AreCutReversedAndClassed) {
       {0, 0, 1, {}},
       {-1, 0, 1, {}},
   };
-  for (const auto& row : cases)
-    EXPECT_EQ(Rgbs(NamedColors::Colors("grey", row.count, row.from, row.to)), row.expected)
-        << row.count << ' ' << row.from << ' ' << row.to;
+  for (const auto& [count, from, to, expected] : cases)
+    EXPECT_EQ(Rgbs(NamedColors::Colors("grey", count, from, to)), expected) << count << ' ' << from << ' ' << to;
   // A discrete map has a band for each class.
   const ColorMap classed(NamedColors::Colors("grey", 6), ColorMap::Discrete);
   for (int i = 0; i < 6; ++i)

@@ -127,14 +127,9 @@ TYPED_TEST(StreamWriterMatrix, ReportsAndDropsOverruns) {
   constexpr std::size_t N = TypeParam::Width;
   const auto source = Scalars<typename TypeParam::Source>(4 * N);
   const std::string overrun = TypeParam::OverrunText(), skipped = TypeParam::SkipText(), empty = TypeParam::EmptyText();
-  const struct {
-    const char* name;
-    std::vector<std::uint64_t> skips;
-    std::size_t elements; ///< that are written after them
-    std::size_t stored;   ///< of the two elements of the destination
-    std::uint64_t position;
-    Texts texts;
-  } cases[] = {
+  // Skips, elements that are written after them, and what follows: stored ones of two, position, reports.
+  using Skips = std::vector<std::uint64_t>;
+  const std::tuple<const char*, Skips, std::size_t, std::size_t, std::uint64_t, Texts> cases[] = {
       {"exact fit", {0}, 2, 2, 2, {}},
       {"one too many", {0}, 3, 2, 3, {overrun}},
       {"the last place", {1}, 2, 1, 3, {overrun}},
@@ -146,19 +141,19 @@ TYPED_TEST(StreamWriterMatrix, ReportsAndDropsOverruns) {
       {"the sum of the skips wraps back", {1, Huge}, 0, 0, 0, {skipped, empty}},
       {"sum of position and elements wraps", {Huge - 1}, 4, 0, 2, {skipped, overrun}},
   };
-  for (const auto& row : cases) {
+  for (const auto& [name, skips, elements, expected, position, texts] : cases) {
     const ReportCapture reports;
     auto dest = Filled<Element>(2, 0);
     WriterOf<Element> writer(dest);
-    for (const std::uint64_t count : row.skips)
+    for (const std::uint64_t count : skips)
       writer.Skip(count);
-    writer.Write(source.get(), row.elements * N);
-    EXPECT_EQ(writer.CurrentIndex(), row.position) << row.name;
-    EXPECT_EQ(reports.Texts(), row.texts) << row.name;
+    writer.Write(source.get(), elements * N);
+    EXPECT_EQ(writer.CurrentIndex(), position) << name;
+    EXPECT_EQ(reports.Texts(), texts) << name;
     std::size_t stored = 0;
     for (const Element& element : dest)
       stored += element[0] != 0 && element[N - 1] != 0;
-    EXPECT_EQ(stored, row.stored) << row.name;
+    EXPECT_EQ(stored, expected) << name;
   }
 }
 

@@ -33,12 +33,6 @@ void ExpectNear(const Vector3& p_a, const Vector3& p_b, double p_tolerance = 1e-
   EXPECT_LE(Length(p_a - p_b), p_tolerance) << p_a << " and " << p_b;
 }
 
-/// The case's own vectors, each component in -10..10.
-Vector3 RandomVector(std::mt19937& p_random) {
-  std::uniform_real_distribution<double> component(-10, 10);
-  return {component(p_random), component(p_random), component(p_random)}; // braces keep the order
-}
-
 } // namespace
 
 TEST(Vector, WorksByComponents) {
@@ -81,18 +75,14 @@ TEST(Matrix3, RowsColumnsAndProducts) {
 TEST(Matrix3, RotationIsRightHandedAboutItsAxis) {
   EXPECT_DOUBLE_EQ(Angle::FromRadians(-Angle::Pi / 6).Degrees(), -30);
   EXPECT_TRUE(Matrix3::Rotation(Angle::FromDegrees(90), {}) == Matrix3());
-  ExpectNear(Matrix3::Rotation(Angle::FromDegrees(120), {1, 1, 1}) * Vector3(1, 0, 0), {0, 1, 0});
-  for (unsigned i = 0; i < 50; ++i) {
-    std::mt19937 random(i);
-    const Vector3 axis = RandomVector(random);
-    const Vector3 v = RandomVector(random);
-    const Angle angle = Angle::FromDegrees(7.0 * i - 100);
-    // Rodrigues' formula.
-    const Vector3 n = axis / Length(axis);
-    const Vector3 turned = std::cos(angle.Radians()) * v + std::sin(angle.Radians()) * Cross(n, v) +
-                           (1 - std::cos(angle.Radians())) * Dot(n, v) * n;
-    ExpectNear(Matrix3::Rotation(angle, axis) * v, turned, 1e-10);
-  }
+  const std::tuple<double, Vector3, Vector3, Vector3> cases[] = {
+      // angle, axis, vector, turned
+      {90, {0, 0, 3}, {5, 1, 2}, {-1, 5, 2}},           {-90, {0, 0.1, 0}, {5, 1, 2}, {-2, 1, 5}},
+      {30, {2, 0, 0}, {5, 2, 0}, {5, std::sqrt(3), 1}}, {120, {1, 1, 1}, {5, 1, 2}, {2, 5, 1}},
+      {180, {1, 2, 2}, {9, 0, 0}, {-7, 4, 4}},          {240, {1, -1, -1}, {5, 1, 2}, {-1, 2, -5}},
+  };
+  for (const auto& [degrees, axis, vector, turned] : cases)
+    ExpectNear(Matrix3::Rotation(Angle::FromDegrees(degrees), axis) * vector, turned);
 }
 
 TEST(Transformation, AppliesTheRightFactorFirst) {
