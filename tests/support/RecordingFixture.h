@@ -28,12 +28,18 @@ inline Lines operator+(Lines p_first, const Lines& p_second) {
   return p_first;
 }
 
+/// The calls that set parameters of a texture, as `Calls` reads them; a parameter is its name, a comma and its value.
+inline std::string TexParameters(const std::string& p_target, const Lines& p_parameters) {
+  std::string calls;
+  for (const std::string& parameter : p_parameters)
+    calls += "TexParameteri(GL_TEXTURE_" + p_target + ", GL_TEXTURE_" + parameter + "); ";
+  return calls;
+}
+
 /// What a texture of one filter sets at each bind, as `Calls` reads it; no environment stands for one without effect.
 inline std::string TextureSettings(const std::string& p_filter, const std::string& p_environment) {
-  const std::string set = "TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_";
-  return set + "BASE_LEVEL, 0); " + set + "MAX_LEVEL, 0); " + set + "WRAP_S, GL_CLAMP_TO_EDGE); " + set +
-         "WRAP_T, GL_CLAMP_TO_EDGE); " + set + "MIN_FILTER, " + p_filter + "); " + set + "MAG_FILTER, " + p_filter +
-         "); " +
+  return TexParameters("2D", {"BASE_LEVEL, 0", "MAX_LEVEL, 0", "WRAP_S, GL_CLAMP_TO_EDGE", "WRAP_T, GL_CLAMP_TO_EDGE",
+                              "MIN_FILTER, " + p_filter, "MAG_FILTER, " + p_filter}) +
          (p_environment.empty() ? "" : "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, " + p_environment + "); ") +
          "Enable(GL_TEXTURE_2D); Disable(GL_TEXTURE_GEN_S); Disable(GL_TEXTURE_GEN_T)";
 }
