@@ -27,17 +27,12 @@ TexturedQuad Quad(const Rect& p_rect, std::uint32_t p_border = 0) {
 
 class TexturedQuadCalls : public RecordingScopeFixture {
 protected:
-  /// The corners that a quad with one texture sends, as "s t x y".
-  Lines Corners(const TexturedQuad& p_quad, const QImage& p_image) {
+  /// The calls that send corners.
+  Lines Corners(const TexturedQuad& p_quad, const QImage& p_image, const std::vector<std::string>& p_calls) {
     const Texture texture(p_image, gl);
     recorder.Clear();
     p_quad(recorder.Handle(), texture);
-    Lines corners;
-    for (const std::string& line : recorder.LinesOf({"TexCoord2d", "Vertex2i"})) {
-      const std::string text = std::regex_replace(line, std::regex(".*[(](.*), (.*)[)]"), "$1 $2");
-      line[0] == 'T' ? corners.push_back(text) : void(corners.back() += " " + text);
-    }
-    return corners;
+    return recorder.LinesOf(p_calls);
   }
 };
 
@@ -88,17 +83,12 @@ TEST_F(TexturedQuadCalls, Layers) {
 TEST_F(TexturedQuadCalls, NothingWithoutASize) {
   const auto texture = Layer(gl, 0);
   constexpr float Nan = std::numeric_limits<float>::quiet_NaN();
-  recorder.Clear();
-  for (const Rect& rect : std::vector<Rect>{
-           {0, 0, 0, 5}, {0, 0, 5, 0}, {0, 0, -1, 5}, {0, 0, 5, -1}, {0, 0, Nan, 5}, {0, 0, 5, Nan}, {}}) {
+  for (const Rect& rect :
+       {Rect(0, 0, 0, 5), {0, 0, 5, 0}, {0, 0, -1, 5}, {0, 0, 5, -1}, {0, 0, Nan, 5}, {0, 0, 5, Nan}}) {
     Quad(rect)(recorder.Handle(), *texture);
     Quad(rect, 3)(recorder.Handle(), {texture, texture});
   }
   EXPECT_EQ(Changes(), Lines());
-  Quad({0, 0, 1, 1})(recorder.Handle(), std::vector<boost::shared_ptr<Texture>>());
-  EXPECT_EQ(Changes(), Calls("Color4d(1, 1, 1, 1); "
-                             "PushAttrib(GL_DEPTH_BUFFER_BIT|GL_ENABLE_BIT|GL_TEXTURE_BIT); PopAttrib()"))
-      << "no layers";
 }
 
 TEST_F(TexturedQuadCalls, LeavesOutAMissingLayer) {
@@ -113,70 +103,58 @@ TEST_F(TexturedQuadCalls, LeavesOutAMissingLayer) {
   EXPECT_EQ(recorder.LinesOf({"Vertex2i"}).size(), 4u);
 }
 
-TEST_F(TexturedQuadCalls, TruncatesTowardZero) {
-  const std::tuple<const char*, Rect, Lines> cases[] = {
-      {"both ends", {1.75f, 1.75f, 3.5f, 1.125f}, {"0 0 1 1", "1 0 5 1", "1 1 5 2", "0 1 1 2"}},
-      {"negative", {-1.75f, -0.5f, 3, 4}, {"0 0 -1 0", "1 0 1 0", "1 1 1 3", "0 1 -1 3"}},
-      {"summed in single precision",
-       {16777216, 0, 1, 1},
-       {"0 0 16777216 0", "1 0 16777216 0", "1 1 16777216 1", "0 1 16777216 1"}},
-      {"far out",
-       {-1e20f, 0, 2e20f, 1},
-       {"0 0 -2147483648 0", "1 0 2147483647 0", "1 1 2147483647 1", "0 1 -2147483648 1"}},
-  };
-  for (const auto& [name, rect, expected] : cases)
-    EXPECT_EQ(Corners(Quad(rect), Plain(9, 3)), expected) << name;
-}
-
 TEST_F(TexturedQuadCalls, NinePatch) {
   // The rectangle ends at trunc(trunc(2.9) + 50.2) = 52, not at 53.
-  const char* const s[] = {"0", "0.15625", "0.84375", "1"}; // 10 of 64 texels
-  const char* const t[] = {"0", "0.3125", "0.6875", "1"};   // 10 of 32
-  const char* const x[] = {"2", "12", "42", "52"};
-  const char* const y[] = {"3", "13", "33", "43"};
-  const auto corner = [&](int p_column, int p_row) {
-    return std::string(s[p_column]) + " " + t[p_row] + " " + x[p_column] + " " + y[p_row];
-  };
+  const std::string s[] = {"0", "0.15625", "0.84375", "1"}; // 10 of 64 texels
+  const std::string t[] = {"0", "0.3125", "0.6875", "1"};   // 10 of 32
+  const std::string x[] = {"2", "12", "42", "52"}, y[] = {"3", "13", "33", "43"};
   Lines expected;
   for (int row = 0; row < 3; ++row)
     for (int column = 0; column < 3; ++column)
-      for (const std::string& sent :
-           {corner(column, row), corner(column + 1, row), corner(column + 1, row + 1), corner(column, row + 1)})
-        expected.push_back(sent);
-  EXPECT_EQ(Corners(Quad({2.9f, 3, 50.2f, 40}, 10), Plain(64, 32)), expected);
+      for (const auto& [i, j] : {std::pair(column, row), {column + 1, row}, {column + 1, row + 1}, {column, row + 1}}) {
+        expected.push_back("TexCoord2d(" + s[i] + ", " + t[j] + ")");
+        expected.push_back("Vertex2i(" + x[i] + ", " + y[j] + ")");
+      }
+  EXPECT_EQ(Corners(Quad({2.9f, 3, 50.2f, 40}, 10), Plain(64, 32), {"TexCoord2d", "Vertex2i"}), expected);
 }
 
-TEST_F(TexturedQuadCalls, NinePatchesThatDoNotFit) {
+TEST_F(TexturedQuadCalls, PixelsOfEachQuad) {
   const struct {
     const char* name;
     Rect rect;
+    std::uint32_t border;
     Lines expected; ///< lower left and upper right pixel of each quad
   } cases[] = {
+      {"truncated at both ends", {1.75f, 1.75f, 3.5f, 1.125f}, 0, {"1 1-5 2"}},
+      {"truncated toward zero", {-1.75f, -0.5f, 3, 4}, 0, {"-1 0-1 3"}},
+      {"summed in single precision", {16777216, 0, 1, 1}, 0, {"16777216 0-16777216 1"}}, // 2^24 + 1 is no float
+      {"far out", {-1e20f, 0, 2e20f, 1}, 0, {"-2147483648 0-2147483647 1"}},
       {"no middle column, whose centre is sent all the same",
        {0, 0, 15, 40},
+       10,
        {"0 0-10 10", "10 0-15 10", "0 10-10 30", "10 10-10 30", "10 10-15 30", "0 30-10 40", "10 30-15 40"}},
       {"no middle row",
        {0, 0, 40, 15},
+       10,
        {"0 0-10 10", "10 0-30 10", "30 0-40 10", "0 10-10 15", "10 10-30 15", "30 10-40 15"}},
-      {"summed in single precision, so without a width", // 2^24 + 1 is no float
+      {"summed in single precision, so without a width",
        {16777216, 0, 1, 15},
+       10,
        {"16777216 0-16777226 10", "16777226 0-16777216 10", "16777216 10-16777226 15", "16777226 10-16777216 15"}},
-      {"just without a middle", {0, 0, 20, 20}, {"0 0-10 10", "10 0-20 10", "0 10-10 20", "10 10-20 20"}},
-      {"smaller than a border", {5, 5, 4, 4}, {"5 5-15 15", "15 5-9 15", "5 15-15 9", "15 15-9 9"}},
+      {"just without a middle", {0, 0, 20, 20}, 10, {"0 0-10 10", "10 0-20 10", "0 10-10 20", "10 10-20 20"}},
+      {"smaller than a border", {5, 5, 4, 4}, 10, {"5 5-15 15", "15 5-9 15", "5 15-15 9", "15 15-9 9"}},
   };
   for (const auto& c : cases) {
-    const Lines corners = Corners(Quad(c.rect, 10), Plain(64, 64));
-    const auto pixel = [](const std::string& p_corner) {
-      return std::regex_replace(p_corner, std::regex("\\S+ \\S+ "), "");
-    };
-    Lines quads;
-    for (std::size_t i = 0; i < corners.size(); i += 4)
-      quads.push_back(pixel(corners[i]) + "-" + pixel(corners[i + 2]));
+    Lines pixels, quads;
+    for (const std::string& line : Corners(Quad(c.rect, c.border), Plain(64, 64), {"Vertex2i"}))
+      pixels.push_back(std::regex_replace(line, std::regex(".*[(](.*), (.*)[)]"), "$1 $2"));
+    for (std::size_t i = 0; i < pixels.size(); i += 4)
+      quads.push_back(pixels[i] + "-" + pixels[i + 2]);
     EXPECT_EQ(quads, c.expected) << c.name;
   }
-  EXPECT_EQ(Corners(Quad({0, 0, 4, 4}, 0xFFFFFFFFU), Plain(64, 64)).size(), 16u) << "a border beyond all pixels";
+  EXPECT_EQ(Corners(Quad({0, 0, 4, 4}, 0xFFFFFFFFU), Plain(64, 64), {"Vertex2i"}).size(), 16u) << "a border beyond all";
   const ReportCapture reports;
-  EXPECT_EQ(Corners(Quad({0, 0, 40, 40}, 10), QImage()).size(), 36u) << "no texels: infinite coordinates are sent";
+  EXPECT_EQ(Corners(Quad({0, 0, 40, 40}, 10), QImage(), {"Vertex2i"}).size(), 36u) << "coordinates may be infinite";
 }
 
 TEST_F(TexturedQuadPixels, BlendsLayers) {
