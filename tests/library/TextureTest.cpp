@@ -22,52 +22,40 @@ TEST_F(TextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
   EXPECT_FALSE(texture.Handle());
   recorder.Clear();
   texture(gl, RGL_TEXTURE0 + 2);
-  const Lines settings = Calls(TextureSettings("GL_LINEAR", "GL_REPLACE"));
   EXPECT_EQ(Changes(), Calls("ActiveTexture(GL_TEXTURE2); GenTextures(1, [1001]); BindTexture(GL_TEXTURE_2D, 1001); "
                              "PixelStorei(GL_UNPACK_ALIGNMENT, 1); "
-                             "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)") +
-                           settings);
+                             "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr); " +
+                             TextureSettings("GL_LINEAR", "GL_REPLACE")));
   EXPECT_EQ(texture.Handle()->Name(), 1001u);
 
+  const auto rebound = [&] {
+    recorder.Clear();
+    texture(gl, RGL_TEXTURE0);
+    return recorder.LinesOf({"BindTexture", "TexImage2D", "TexParameteri", "TexEnvi", "Enable"});
+  };
+  const std::string bind = "BindTexture(GL_TEXTURE_2D, 1001); ";
   texture.sRgb = true; // too late
-  recorder.Clear();
-  texture(gl, RGL_TEXTURE0);
-  EXPECT_EQ(Changes(), Calls("ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_2D, 1001)") + settings);
+  texture.wrapS = Texture::Repeat;
+  texture.minFilter = Texture::Nearest;
+  texture.wrapT = texture.magFilter = 2; // not listed
+  texture.environment = Texture::Decal;
+  EXPECT_EQ(rebound(), Calls(bind +
+                             TexParameters("2D", {"BASE_LEVEL, 0", "MAX_LEVEL, 0", "WRAP_S, GL_REPEAT",
+                                                  "MIN_FILTER, GL_NEAREST"}) +
+                             "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_DECAL); Enable(GL_TEXTURE_2D)"));
+  std::swap(texture.wrapS, texture.wrapT);
+  std::swap(texture.minFilter, texture.magFilter);
+  texture.environment = 3; // not listed
+  EXPECT_EQ(rebound(), Calls(bind +
+                             TexParameters("2D", {"BASE_LEVEL, 0", "MAX_LEVEL, 0", "WRAP_T, GL_REPEAT",
+                                                  "MAG_FILTER, GL_NEAREST"}) +
+                             "Enable(GL_TEXTURE_2D)"));
 
   Texture linear(Checked(), gl);
   linear.sRgb = true;
   linear(gl, RGL_TEXTURE0);
   EXPECT_EQ(recorder.LinesOf({"TexImage2D"}),
             Lines{"TexImage2D(GL_TEXTURE_2D, 0, GL_SRGB8_ALPHA8, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr)"});
-}
-
-TEST_F(TextureCalls, SetsOnlyWhatItKnows) {
-  Texture texture(Checked(), gl);
-  texture(gl, RGL_TEXTURE0);
-  const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, Lines, std::string> cases[] = {
-      {0,
-       1,
-       0,
-       {"WRAP_S, GL_CLAMP_TO_EDGE", "WRAP_T, GL_REPEAT", "MIN_FILTER, GL_NEAREST", "MAG_FILTER, GL_LINEAR"},
-       "MODULATE"},
-      {1,
-       0,
-       1,
-       {"WRAP_S, GL_REPEAT", "WRAP_T, GL_CLAMP_TO_EDGE", "MIN_FILTER, GL_LINEAR", "MAG_FILTER, GL_NEAREST"},
-       "DECAL"},
-      {2, 2, 3, {}, ""}, // just past the end
-  };
-  for (const auto& [first, second, environment, set, mode] : cases) {
-    texture.minFilter = texture.wrapS = first;
-    texture.magFilter = texture.wrapT = second;
-    texture.environment = environment;
-    recorder.Clear();
-    texture(gl, RGL_TEXTURE0);
-    const std::string sets = TexParameters("2D", Lines{"BASE_LEVEL, 0", "MAX_LEVEL, 0"} + set);
-    EXPECT_EQ(recorder.LinesOf({"TexParameteri", "TexEnvi", "Enable"}),
-              Calls(sets + (mode.empty() ? "" : "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_" + mode + "); ") +
-                    "Enable(GL_TEXTURE_2D)"));
-  }
 }
 
 TEST_F(TextureCalls, SizesTheImageForTheVersion) {
