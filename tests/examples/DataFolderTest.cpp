@@ -1,5 +1,6 @@
 #include "examples/scene/DataFolder.h"
 #include "examples/scene/TextTable.h"
+#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;
@@ -33,12 +34,9 @@ TEST(DataFolder, IsTheNearestAboveTheProgram) {
     const Prefix prefix;
     for (const std::string& place : filled)
       prefix.Fill(place);
-    fs::path found = prefix.path / "";
-    try {
-      found = DataFolder("", prefix.path / program);
-    } catch (const InputError&) {
-    }
-    EXPECT_EQ(found, prefix.path / expected) << program;
+    fs::path found;
+    ErrorOf<InputError>([&, &program = program] { found = DataFolder("", prefix.path / program); });
+    EXPECT_EQ(found, expected.empty() ? fs::path() : prefix.path / expected) << program;
   }
 }
 
@@ -56,12 +54,8 @@ TEST(DataFolder, ErrorsSayWhereItLooked) {
   prefix.Fill("mine");
   prefix.Fill("partial", "sprites");
   EXPECT_EQ(DataFolder(prefix.path / "mine", "/nowhere/vek-gallery"), prefix.path / "mine");
-  const auto errorOf = [](const fs::path& p_chosen, const fs::path& p_program) -> std::string {
-    try {
-      return DataFolder(p_chosen, p_program).string();
-    } catch (const InputError& error) {
-      return error.what();
-    }
+  const auto errorOf = [](const fs::path& p_chosen, const fs::path& p_program) {
+    return ErrorOf<InputError>([&] { DataFolder(p_chosen, p_program); });
   };
   EXPECT_EQ(errorOf(prefix.path / "partial", "/nowhere/vek-gallery"),
             (prefix.path / "partial").string() + ": no folder with data/, symbols/ and sprites/");

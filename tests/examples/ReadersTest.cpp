@@ -2,21 +2,12 @@
 #include "examples/scene/Quakes.h"
 #include "examples/scene/TextTable.h"
 #include "examples/scene/WindField.h"
+#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;
 
 namespace {
-
-/// The text of the InputError that a call throws; empty when it throws none.
-std::string ErrorOf(const std::function<void()>& p_call) {
-  try {
-    p_call();
-  } catch (const InputError& error) {
-    return error.what();
-  }
-  return {};
-}
 
 template <class Reader>
 auto ReadText(Reader p_reader, const std::string& p_text) {
@@ -36,7 +27,7 @@ auto FromFile(Reader p_reader, const std::string& p_name) {
 template <class Reader>
 void ExpectErrors(Reader p_reader, const std::map<std::string, std::string>& p_cases) {
   for (const auto& [text, error] : p_cases)
-    EXPECT_EQ(ErrorOf([&, &text = text] { ReadText(p_reader, text); }), "in.txt" + error) << text;
+    EXPECT_EQ(ErrorOf<InputError>([&, &text = text] { ReadText(p_reader, text); }), "in.txt" + error) << text;
 }
 
 } // namespace
@@ -84,8 +75,8 @@ TEST(Readers, BadFilesAreNamedWithTheirLine) {
 
 TEST(Readers, MissingFilesAndFoldersAreNamed) {
   Loading loading;
-  EXPECT_EQ(ErrorOf([&] { WindField::ReadFile("no/such.csv", loading); }), "no/such.csv: no such file");
-  EXPECT_EQ(ErrorOf([&] { HeightField::ReadFile(VEK_SOURCE_DIR, loading); }),
+  EXPECT_EQ(ErrorOf<InputError>([&] { WindField::ReadFile("no/such.csv", loading); }), "no/such.csv: no such file");
+  EXPECT_EQ(ErrorOf<InputError>([&] { HeightField::ReadFile(VEK_SOURCE_DIR, loading); }),
             std::string(VEK_SOURCE_DIR) + ": expected a file, got a folder");
 }
 

@@ -5,6 +5,7 @@
 #include "examples/scene/Palettes.h"
 #include "examples/scene/Rendering.h"
 #include "examples/scene/ScaleBar.h"
+#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;
@@ -13,8 +14,9 @@ namespace {
 
 using Point = Types::Vector3_Base<double>;
 
-/// Pixels of a point as GL's matrices give them.
-Camera::Pixel ThroughMatrices(const Camera& p_camera, const Point& p_point, const Types::Viewport<0>& p_viewport) {
+/// Pixels and depth of a point as GL's matrices give them.
+std::pair<Camera::Pixel, double> ThroughMatrices(const Camera& p_camera, const Point& p_point,
+                                                 const Types::Viewport<0>& p_viewport) {
   const double width = p_viewport.width, height = p_viewport.height;
   std::array<double, 4> v = {p_point.x, p_point.y, p_point.z, 1};
   for (const std::array<double, 16>& m : {p_camera.ViewMatrix(), p_camera.ProjectionMatrix(width / height)}) {
@@ -23,16 +25,12 @@ Camera::Pixel ThroughMatrices(const Camera& p_camera, const Point& p_point, cons
       product[i % 4] += m[i] * v[i / 4];
     v = product;
   }
-  return {p_viewport.x + (v[0] / v[3] + 1) * width / 2, p_viewport.y + (v[1] / v[3] + 1) * height / 2, v[3] > 0};
+  return {{p_viewport.x + (v[0] / v[3] + 1) * width / 2, p_viewport.y + (v[1] / v[3] + 1) * height / 2, v[3] > 0},
+          (v[2] / v[3] + 1) / 2};
 }
 
-std::string ErrorOf(const std::vector<std::string>& p_arguments) {
-  try {
-    ParseOptions(p_arguments, {});
-  } catch (const UsageError& error) {
-    return error.what();
-  }
-  return {};
+std::string UsageErrorOf(const std::vector<std::string>& p_arguments) {
+  return ErrorOf<UsageError>([&] { ParseOptions(p_arguments, {}); });
 }
 
 } // namespace
@@ -59,7 +57,7 @@ TEST(Camera, LooksWhereItsAnglesSay) {
   }
 }
 
-TEST(Camera, ProjectsAsItsMatricesDo) {
+TEST(Camera, ProjectsAndUnprojectsAsItsMatricesDo) {
   const Types::Viewport<0> viewport(7, 11, 290, 140);
   for (unsigned int seed = 0; seed < 50; ++seed) {
     std::mt19937 random(seed);
@@ -68,26 +66,12 @@ TEST(Camera, ProjectsAsItsMatricesDo) {
     camera.target = {number(random), number(random), number(random)};
     camera.Orbit(number(random) * 100, number(random) * 20);
     const Point point(number(random), number(random), number(random));
-    const Camera::Pixel expected = ThroughMatrices(camera, point, viewport);
+    const auto [expected, depth] = ThroughMatrices(camera, point, viewport);
     const Camera::Pixel pixel = camera.Project(point, viewport);
     ASSERT_EQ(pixel.visible, expected.visible) << seed;
     EXPECT_NEAR(pixel.x, expected.x, 1e-6) << seed;
     EXPECT_NEAR(pixel.y, expected.y, 1e-6) << seed;
-  }
-}
-
-TEST(Camera, UnprojectsTheDepthsOfItsMatrices) {
-  const Types::Viewport<0> viewport(7, 11, 290, 140);
-  Camera camera;
-  camera.target = {1, -2, 0.5};
-  camera.azimuth = 33;
-  camera.elevation = 21;
-  const std::array<double, 16> projection = camera.ProjectionMatrix(290.0 / 140.0);
-  for (const Point& point : {Point(1, -2, 0.5), Point(-1, 0, 2), Point(2.5, -3, -0.5)}) {
-    const double ahead = Dot(point - camera.Eye(), Normalize(camera.target - camera.Eye()));
-    const double depth = (projection[14] / ahead - projection[10] + 1) / 2;
-    const Point found = camera.Unproject(camera.Project(point, viewport), depth, viewport);
-    EXPECT_LT(Length(found - point), 1e-9) << point.x;
+    EXPECT_LT(Length(camera.Unproject(expected, depth, viewport) - point), 1e-6) << seed;
   }
 }
 
@@ -167,11 +151,11 @@ TEST(Options, TakesValuesAndRefusesTheRest) {
   EXPECT_EQ(options.inputs.winds, "w.csv");
   EXPECT_TRUE(ParseOptions({"--help"}, {}).help);
 
-  EXPECT_EQ(ErrorOf({"wind"}), "unknown option 'wind'; --help lists what there is");
-  EXPECT_EQ(ErrorOf({"--out"}), "--out needs a value: DIR");
-  EXPECT_EQ(ErrorOf({"--only", "tides"}).find("there is no picture 'tides'; there are: wind"), 0u);
+  EXPECT_EQ(UsageErrorOf({"wind"}), "unknown option 'wind'; --help lists what there is");
+  EXPECT_EQ(UsageErrorOf({"--out"}), "--out needs a value: DIR");
+  EXPECT_EQ(UsageErrorOf({"--only", "tides"}).find("there is no picture 'tides'; there are: wind"), 0u);
   for (const std::string size : {"320", "0x0", "320x", "x200", "320x200x1", "4097x100", "-20x200", "3e2x200", ""})
-    EXPECT_NE(ErrorOf({"--size", size}), "") << size;
+    EXPECT_NE(UsageErrorOf({"--size", size}), "") << size;
 }
 
 TEST(IndexPage, ShowsEachPictureWithCaptionAndSource) {

@@ -1,6 +1,7 @@
 #include "examples/scene/Streamlines.h"
 #include "examples/scene/TextTable.h"
 #include "examples/scene/VectorGrid.h"
+#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;
@@ -30,14 +31,9 @@ TraceOptions Options(double p_length) {
   return options;
 }
 
-std::string ErrorOf(const std::string& p_text) {
-  try {
-    std::istringstream stream(p_text);
-    VectorGrid::Read(stream, "flow.csv");
-  } catch (const InputError& error) {
-    return error.what();
-  }
-  return {};
+std::string ReadError(const std::string& p_text) {
+  std::istringstream stream(p_text);
+  return ErrorOf<InputError>([&] { VectorGrid::Read(stream, "flow.csv"); });
 }
 
 } // namespace
@@ -173,7 +169,7 @@ TEST(VectorGrid, NamesWhatIsWrongWithItsFile) {
   const std::string rows = "1,1,1\n1,1,1\n1,1,1\n1,1,1\n1,1,1\n1,1,1\n1,1,1\n";
   for (const std::string line : {"", "u,v,w", "# dims 2 2", "# dims 2 2 1", "# dims 2 2 2.5", "# dims 4096 4096 4096",
                                  "# dims 2 2 2 spacing 1 0 1", "# dims 2 2 2 scale 1 1 1"})
-    EXPECT_EQ(ErrorOf(line + "\nu,v,w\n"), head + '"' + line + '"');
+    EXPECT_EQ(ReadError(line + "\nu,v,w\n"), head + '"' + line + '"');
   const std::tuple<const char*, std::string, std::string> cases[] = {
       {"no table", "# dims 2 2 2\n", "flow.csv: expected a header line with the names of the columns, got nothing"},
       {"no w", "# dims 2 2 2\nu,v\n", "flow.csv:2: expected a column named \"w\", got \"u,v\""},
@@ -183,5 +179,5 @@ TEST(VectorGrid, NamesWhatIsWrongWithItsFile) {
        "flow.csv:11: expected the end after 8 rows, got \"5\""},
   };
   for (const auto& [name, text, error] : cases)
-    EXPECT_EQ(ErrorOf(text), error) << name;
+    EXPECT_EQ(ReadError(text), error) << name;
 }

@@ -132,6 +132,11 @@ TEST_F(RenderTextureCalls, MipsAreMadeAgainAfterDrawing) {
     target.BindColor(gl, RGL_TEXTURE0);
     EXPECT_EQ(made(), draw ? 2 : 3);
   }
+  const boost::shared_ptr<void> drawing = target.BindForDraw(gl);
+  for (const std::size_t count : {4, 5}) { // more may have been drawn
+    target.BindColor(gl, RGL_TEXTURE0);
+    EXPECT_EQ(made(), count);
+  }
 }
 
 TEST_F(RenderTextureCalls, IncompleteFrameBuffersAreReportedByName) {

@@ -10,13 +10,6 @@ struct Ring {
   std::vector<Vector3> normals;
 };
 
-/// The cross-section, placed at the origin with factor 1.
-Ring Section(const StreamLineShape& p_shape) {
-  Ring ring;
-  EXPECT_TRUE(p_shape.OrientShape(1, {}, 1, {}, ring.vertices, ring.normals));
-  return ring;
-}
-
 void ExpectNear(const std::vector<Vector3>& p_actual, const std::vector<Vector3>& p_expected,
                 const std::string& p_name) {
   ASSERT_EQ(p_actual.size(), p_expected.size()) << p_name;
@@ -38,12 +31,7 @@ TEST(StreamLineShape, Sections) {
   const Ring ribbon{{{-0.5, 0, 0}, {0.5, 0, 0}}, {{0, -1, 0}, {0, -1, 0}}};
   constexpr auto Custom = StreamLineShape::ShapeCustom;
 
-  const struct {
-    const char* name;
-    StreamLineShape shape;
-    bool hasNormals;
-    Ring expected;
-  } cases[] = {
+  const std::tuple<const char*, StreamLineShape, bool, Ring> cases[] = {
       {"default, a line", StreamLineShape(), false, line},
       {"ribbon, outline ignored", {StreamLineShape::ShapeRibbon, {{1, 1}, {2, 5}, {3, 3}}}, true, ribbon},
       {"tube", {StreamLineShape::ShapeTube, {}}, true, {half, circle}},
@@ -62,12 +50,13 @@ TEST(StreamLineShape, Sections) {
        {{{0, 0, 0}, {1, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}},
         {{-R, -R, 0}, {0, -1, 0}, {1, 0, 0}, {R, R, 0}, {-R, R, 0}}}},
   };
-  for (const auto& c : cases) {
-    const Ring ring = Section(c.shape);
-    EXPECT_EQ(c.shape.NumVertices(), c.expected.vertices.size()) << c.name;
-    EXPECT_EQ(c.shape.HasNormals(), c.hasNormals) << c.name;
-    ExpectNear(ring.vertices, c.expected.vertices, c.name);
-    ExpectNear(ring.normals, c.expected.normals, c.name);
+  for (const auto& [name, shape, hasNormals, expected] : cases) {
+    Ring ring;
+    EXPECT_TRUE(shape.OrientShape(1, {}, 1, {}, ring.vertices, ring.normals)) << name;
+    EXPECT_EQ(shape.NumVertices(), expected.vertices.size()) << name;
+    EXPECT_EQ(shape.HasNormals(), hasNormals) << name;
+    ExpectNear(ring.vertices, expected.vertices, name);
+    ExpectNear(ring.normals, expected.normals, name);
   }
 }
 

@@ -50,14 +50,10 @@ using TopMostFragmentDepthBufferPixels = PixelScopeFixture;
 
 TEST_F(TopMostFragmentDepthBufferCalls, StepsInOrder) {
   // Making the target, and asking for the host's settings.
-  const Lines quiet = {"GenTextures",      "BindTexture",
-                       "TexImage2D",       "TexParameteri",
-                       "GenFramebuffers",  "BindBuffer",
-                       "GetIntegerv",      "FramebufferTexture2D",
-                       "PushClientAttrib", "PopClientAttrib",
-                       "PixelStorei",      "GetTexLevelParameteriv",
-                       "GetFloatv",        "CheckFramebufferStatus",
-                       "GetString"};
+  const Lines quiet =
+      Calls("GenTextures; BindTexture; TexImage2D; TexParameteri; GenFramebuffers; BindBuffer; GetIntegerv; "
+            "FramebufferTexture2D; PushClientAttrib; PopClientAttrib; PixelStorei; "
+            "GetTexLevelParameteriv; GetFloatv; CheckFramebufferStatus; GetString");
   const std::string start = "PushAttrib(GL_VIEWPORT_BIT|GL_ENABLE_BIT|GL_COLOR_BUFFER_BIT); "
                             "BindFramebuffer(GL_FRAMEBUFFER, 4001); ";
   const std::string bound = "Viewport(0, 0, 9, 3); Disable(GL_FRAMEBUFFER_SRGB); ";
