@@ -103,8 +103,7 @@ TEST_F(GeometryCalls, VoxelIsTheTexturedCubeOnUnit0) {
 TEST_F(GeometryCalls, CircularArrowIsAClosedSolid) {
   const Geometry geometry(recorder.Handle());
   const Lines lines = recorder.ListLines(ArrowList);
-  EXPECT_EQ(lines.front(), "Begin(GL_TRIANGLES)");
-  EXPECT_EQ(lines.back(), "End()");
+  EXPECT_EQ(lines.front() + "; " + lines.back(), "Begin(GL_TRIANGLES); End()");
   const Surface arrow = Triangles(lines);
   ASSERT_EQ(arrow.positions.size(), 300u);
   EXPECT_TRUE(IsClosed(arrow));
@@ -112,15 +111,12 @@ TEST_F(GeometryCalls, CircularArrowIsAClosedSolid) {
 
   const auto single = [](float p_y) { return static_cast<double>(p_y - 0.5f); };
   std::set<std::array<double, 2>> outline;
-  std::set<std::array<double, 3>> atFirst; // the wall's normal, and those of the two faces
   for (std::size_t i = 0; i < 300; ++i) {
     const Vector &position = arrow.positions[i], &normal = arrow.normals[i];
     EXPECT_NEAR(Length(normal), 1, 1e-6);
     EXPECT_TRUE(normal.z == 0 || std::abs(normal.z) == 1);
     EXPECT_EQ(std::abs(position.z), 0.5) << "0 and 0.15 / 0.15 in single precision";
     outline.insert({position.x, position.y});
-    if (position.x == -0.499f && position.y == single(0.464f)) // stored first
-      atFirst.insert({std::round(normal.x * 1000), std::round(normal.y * 1000), normal.z});
     const std::size_t first = i - i % 3;
     const Vector face =
         Normalize(Cross(arrow.Corner(first + 1) - arrow.Corner(first), arrow.Corner(first + 2) - arrow.Corner(first)));
@@ -129,7 +125,6 @@ TEST_F(GeometryCalls, CircularArrowIsAClosedSolid) {
   EXPECT_EQ(BoundsOf(arrow.positions).Min(), Vector(-0.499f, single(0.011f), -0.5));
   EXPECT_EQ(BoundsOf(arrow.positions).Max(), Vector(0.499f, single(0.95f), 0.5));
   EXPECT_EQ(outline.size(), 26u);
-  EXPECT_EQ(atFirst, (std::set<std::array<double, 3>>{{-997, -71, 0}, {0, 0, -1}, {0, 0, 1}}));
 }
 
 TEST_F(GeometryCalls, ReportsShapesThatCannotBeRecorded) {

@@ -225,32 +225,14 @@ TEST_F(RglCalls, ReportsErrors) {
   EXPECT_FALSE(gl->CheckError("lost"));
 }
 
-using RglPixels = PixelScopeFixture;
-
-// GL, the recorder and our own arithmetic must agree about the same calls.
-TEST_F(RglPixels, RecorderMultipliesMatricesLikeTheDriver) {
-  const Ogl::RecordingGl recorder;
-  std::array<std::array<double, 16>, 2> matrices;
-  for (auto& matrix : matrices) {
-    const Scope target(&matrix == &matrices[0] ? recorder.Handle() : handle);
-    target->Translate({1, 2, 3});
-    target->Rotate(Types::Angle::FromDegrees(33), {1, 2, -1});
-    target->Scale({2, 0.5, -1});
-    target->MultMatrix({Types::Matrix3({1, 2, 3}, {4, 5, 6}, {7, 8, 10}), {-1, 0.25, 4}});
-    target->Ortho(-3, 5, 1, 2, 0.5, 8);
-    target->GetDoublev(RGL_MODELVIEW_MATRIX, matrix.data());
-  }
-  for (std::size_t i = 0; i < 16; ++i)
-    EXPECT_NEAR(matrices[0][i], matrices[1][i], 1e-5 * std::max(1.0, std::abs(matrices[1][i]))) << "element " << i;
-}
-
-// The recorder's first state is GL's: what it answers before anything was set must be what the driver answers.
-TEST_F(RglPixels, TheRecorderStartsInGlsFirstState) {
+// The recorder's state must be the driver's, at first and after the same calls.
+TEST(RglPixels, TheRecorderAgreesWithTheDriver) {
   const Ogl::OffscreenContext context({9, 3});
   const Ogl::RecordingGl recorder;
-  const auto integers = [](const Utility::Unscoped<Rgl>& p_handle, Ogl::GlEnum p_name) {
-    std::array<int, 4> values = {};
-    Scope(p_handle)->GetIntegerv(p_name, values.data());
+  const Scope recorded(recorder.Handle()), real(context.Handle());
+  const auto numbers = [](const Scope& p_gl, Ogl::GlEnum p_name) {
+    std::vector<double> values(16);
+    p_gl->GetDoublev(p_name, values.data());
     return values;
   };
   // clang-format off
@@ -262,8 +244,20 @@ TEST_F(RglPixels, TheRecorderStartsInGlsFirstState) {
            RGL_MODELVIEW_STACK_DEPTH, RGL_CLIENT_ACTIVE_TEXTURE, RGL_CURRENT_PROGRAM, RGL_ARRAY_BUFFER_BINDING,
            RGL_BLEND, RGL_DITHER, RGL_MULTISAMPLE, RGL_LIGHTING, RGL_CULL_FACE, RGL_DEPTH_TEST, RGL_SCISSOR_TEST,
            RGL_TEXTURE_2D, RGL_LINE_SMOOTH, RGL_NORMALIZE, RGL_FRAMEBUFFER_SRGB, RGL_POINT_SPRITE})
-    EXPECT_EQ(integers(recorder.Handle(), name), integers(context.Handle(), name)) << std::hex << name;
+    EXPECT_EQ(numbers(recorded, name), numbers(real, name)) << std::hex << name;
   // clang-format on
+  for (const Scope* const scope : {&recorded, &real}) {
+    const Rgl& target = **scope;
+    target.Translate({1, 2, 3});
+    target.Rotate(Types::Angle::FromDegrees(33), {1, 2, -1});
+    target.Scale({2, 0.5, -1});
+    target.MultMatrix({Types::Matrix3({1, 2, 3}, {4, 5, 6}, {7, 8, 10}), {-1, 0.25, 4}});
+    target.Ortho(-3, 5, 1, 2, 0.5, 8);
+  }
+  const std::vector<double> actual = numbers(recorded, RGL_MODELVIEW_MATRIX),
+                            expected = numbers(real, RGL_MODELVIEW_MATRIX);
+  for (std::size_t i = 0; i < 16; ++i)
+    EXPECT_NEAR(actual[i], expected[i], 1e-5 * std::max(1.0, std::abs(expected[i]))) << "element " << i;
 }
 
 } // namespace
