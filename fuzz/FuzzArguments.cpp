@@ -168,9 +168,7 @@ public:
   bool IsSupportedInterface(const InterfaceID& p_id) const override {
     return p_id == InterfaceID::Of<DataInterface::VertexAttribute3>();
   }
-  AnyInterface QuerySupportedInterface(const InterfaceID& p_id) override {
-    if (!IsSupportedInterface(p_id))
-      throw Vek::SupportedInterface::UnknownInterface(p_id);
+  AnyInterface QuerySupportedInterface(const InterfaceID&) override {
     return AnyInterface::Of<DataInterface::VertexAttribute3>(*this);
   }
 

@@ -7,48 +7,22 @@
 #include "library/StreamLineShape.h"
 #include "library/VolumeImage.h"
 #include "platform/data/VertexAttribute.h"
+#include "tests/support/RefuseMemory.h"
 #include "tests/support/Test.h"
-
-#include <new>
-
-namespace {
-
-constexpr std::size_t Large = 10000; // bytes; smaller allocations are those of objects, not of data
-std::size_t all = 0;
-std::size_t large = 0;
-std::size_t bytes = 0; // of all, released or not
-
-} // namespace
-
-void* operator new(std::size_t p_size) {
-  ++all;
-  bytes += p_size;
-  large += p_size >= Large ? 1 : 0;
-  if (void* const memory = std::malloc(p_size != 0 ? p_size : 1))
-    return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* p_memory) noexcept {
-  std::free(p_memory);
-}
-void operator delete(void* p_memory, std::size_t) noexcept {
-  std::free(p_memory);
-}
 
 namespace {
 
 using namespace Vek::Chart::DataInterface;
 using namespace Vek::SupportedInterface;
 
-/// 50,000 elements in scalars of type S, written in two runs.
-template <class S>
+/// 50,000 elements, written in two runs.
 class Source : public VertexAttribute3 {
 public:
   std::uint32_t Count() const override { return 50000; }
   boost::shared_array<const char> Attribute3(FloatPrecision&) const override { return {}; }
   void Write(FloatAttributeStreamWriter<3>& p_writer) const override {
-    p_writer.Write(_scalars.get(), 90000);
-    p_writer.Write(_scalars.get() + 90000, 60000);
+    p_writer.Write(_scalars.data(), 90000);
+    p_writer.Write(_scalars.data() + 90000, 60000);
   }
   bool IsSupportedInterface(const InterfaceID& p_id) const override {
     return p_id == InterfaceID::Of<VertexAttribute3>();
@@ -58,19 +32,16 @@ public:
   }
 
 private:
-  boost::shared_ptr<S[]> _scalars = boost::make_shared<S[]>(150000);
+  std::vector<double> _scalars = std::vector<double>(150000);
 };
 
 TEST(Allocations, OneForTheDataOfAClone) {
-  for (const boost::shared_ptr<ISupportedInterface>& source :
-       {boost::shared_ptr<ISupportedInterface>(boost::make_shared<Source<float>>()),
-        boost::shared_ptr<ISupportedInterface>(boost::make_shared<Source<double>>())}) {
-    const std::size_t before = large;
-    const boost::shared_ptr<ISupportedInterface> clone = Library::CloneAttribute(source);
-    EXPECT_EQ(large - before, 1u);
-    const boost::shared_ptr<ISupportedInterface> second = Library::CloneAttribute(clone);
-    EXPECT_EQ(large - before, 2u);
-  }
+  const auto source = boost::make_shared<Source>();
+  const std::size_t before = RefuseMemory::large;
+  const boost::shared_ptr<ISupportedInterface> clone = Library::CloneAttribute(source);
+  EXPECT_EQ(RefuseMemory::large - before, 1u);
+  const boost::shared_ptr<ISupportedInterface> second = Library::CloneAttribute(clone);
+  EXPECT_EQ(RefuseMemory::large - before, 2u);
 }
 
 TEST(Allocations, NoneAfterTheFirstRingOrCut) {
@@ -78,7 +49,7 @@ TEST(Allocations, NoneAfterTheFirstRingOrCut) {
   const Library::StreamLineShape tube(Library::StreamLineShape::ShapeTube, {});
   const Types::BoundingBox_Base<double> box({0, 0, 0}, {1, 1, 1});
   std::vector<Vector3> vertices, normals, points;
-  std::size_t before = all;
+  std::size_t before = RefuseMemory::all;
   const auto run = [&](int p_count) {
     for (int i = 1; i <= p_count; ++i) {
       tube.OrientShape(1, {i * 0.1, 0, 0}, 0.5, {}, vertices, normals);
@@ -86,10 +57,10 @@ TEST(Allocations, NoneAfterTheFirstRingOrCut) {
     }
   };
   run(1);
-  EXPECT_GE(all - before, 3u) << "nothing is counted";
-  before = all;
+  EXPECT_GE(RefuseMemory::all - before, 3u) << "nothing is counted";
+  before = RefuseMemory::all;
   run(1000);
-  EXPECT_EQ(all, before);
+  EXPECT_EQ(RefuseMemory::all, before);
 }
 
 // A file may cause a report for each of its lines.
@@ -99,13 +70,13 @@ TEST(Allocations, ReportsTakeNoMemory) {
   };
   const auto previous = vekdebug::logger::instance().set_sink(std::make_shared<SilentSink>());
   const auto taken = [](std::size_t p_count) {
-    const std::size_t before = all;
+    const std::size_t before = RefuseMemory::all;
     for (std::size_t i = 0; i < p_count; ++i) {
       VEK_ENSURE_AT(i > p_count, "i > p_count", std::string_view("int __cdecl Longer::Than::Any::Short::String(void)"),
                     {"longer/than/any/short/string.obj", i, "f 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17"});
       VEK_CHECK_RANGE(p_count, i, "0 <= p_count < some_longer_expression", "int __cdecl F(void)");
     }
-    return all - before;
+    return RefuseMemory::all - before;
   };
   taken(1); // takes the memory that all others use
   EXPECT_EQ(taken(100), 0u);
@@ -131,18 +102,15 @@ TEST(Allocations, ClaimsTakeNoMemory) {
     std::size_t most;
   } rows[] = {
       {"picture, overflow", picture, radiance + "-Y 65536 +X 65536\n", Window},
-      {"picture, most pixels of an int", picture, radiance + "-Y 1 +X 2147483647\n\1\1\1\377", 2 * Window},
       {"picture, just too much", picture, radiance + "-Y 8192 +X 8193\n\2\2\x20\1", 2 * Window},
-      {"picture, many rows without columns", picture, radiance + "-Y 2147483647 +X 0\n", 2 * Window},
+      {"picture, a line without an end", picture, radiance + std::string(8 * Window, 'x'), 4 * Window},
       {"picture, one long row", picture, radiance + "-Y 0 +X 2147483647\n", 2 * Window},
       {"picture, separated row", picture, radiance + "-Y 1 +X 32767\n\2\2\x7f\xff\xff", Window + 32767 * 16},
       {"picture, run beyond the row", picture, radiance + "-Y 1 +X 9\n1234" + "\1\1\1\377\1\1\1\377", Window},
-      {"volume, overflow", volume, "TextArray 65536 65536 65536 65536 1", Window},
       {"volume, 2^60", volume, "TextArray 32768 32768 32768 32768 1", 2 * Window},
       {"volume, just too much", volume, "TextArray 1 67108865 1 1 1 2 3", 2 * Window},
       {"volume, to be believed", volume, "TextArray 4096 1 4096 4 1 2 3", Window + (std::size_t{1} << 26)},
       {"volume, of numbers", volume, "TextArray 1 67108864 1 1" + std::string(4000000, ' '), 16 * Window},
-      {"volume, channels to be believed", volume, "TextArray 1 67108864 1 1 1 2 3", Window},
       {"model, indices", model, pointer, Window},
       {"model, several windows", model, std::string(3 * Window, '\n'), Window},
       {"model, groups", model, "g a\ng b\ng c\nf 1 1 1\n", Window},
@@ -151,14 +119,14 @@ TEST(Allocations, ClaimsTakeNoMemory) {
   for (const auto& row : rows) {
     const Vek::Test::ReportCapture reports;
     std::istringstream stream(row.text);
-    const std::size_t before = bytes;
+    const std::size_t before = RefuseMemory::bytes;
     try {
       row.read(stream);
     } catch (const std::length_error&) {
     } catch (const std::out_of_range&) {
     }
     const std::size_t ofReports = 3000 * reports.Texts().size();
-    const std::size_t taken = bytes - before;
+    const std::size_t taken = RefuseMemory::bytes - before;
     EXPECT_LE(taken, row.most + Little + ofReports) << row.name;
     mostTaken = std::max(mostTaken, taken);
   }

@@ -247,15 +247,14 @@ TEST(LoadPolygonObjFile, ReadsLongLinesUpToABound) {
 TEST(LoadPolygonObjFile, ReadsLargeFiles) {
   constexpr std::uint32_t Vertices = 70000, Faces = 100000;
   const auto number = [](std::uint32_t p_index) { return std::to_string(1 + p_index % Vertices); };
+  std::string vertices;
+  for (std::uint32_t i = 0; i < Vertices; ++i)
+    vertices += "v " + number(i) + ".5 0 -" + number(i) + "\nvn 0 0 " + number(i) + "\n";
   for (const std::uint32_t step : {7u, 1000000u}) { // faces from one group line to the next
-    std::string text;
-    for (std::uint32_t i = 0; i < Vertices; ++i)
-      text += "v " + number(i) + ".5 0 -" + number(i) + "\nvn 0 0 " + number(i) + "\n";
-    for (std::uint32_t i = 0; i < Faces; ++i) {
-      text += i % step == step - 1 ? "g x\n" : "";
-      text += "f " + number(i) + "//" + number(i + 2) + " " + number(i + 1) + "//" + number(i + 1) + " " +
-              number(i + 2) + "//" + number(i) + "\n";
-    }
+    std::string text = vertices;
+    for (std::uint32_t i = 0; i < Faces; ++i)
+      text += (i % step == step - 1 ? "g x\nf " : "f ") + number(i) + "//" + number(i + 2) + " " + number(i + 1) +
+              "//" + number(i + 1) + " " + number(i + 2) + "//" + number(i) + "\n";
     const auto model = Load(text);
     ASSERT_TRUE(model->Vertices()->size() == Vertices && model->Normals()->size() == Vertices);
     for (std::uint32_t i = 0; i < Vertices; ++i) {

@@ -5,15 +5,50 @@ using vekdebug::logger;
 
 namespace {
 
-/// A channel that is open while this lives.
-struct OpenChannel {
-  explicit OpenChannel(std::string p_name)
-      : name(std::move(p_name)) {
-    logger::instance().open(name);
-  }
-  ~OpenChannel() { logger::instance().close(name); }
-  std::string name;
+constexpr const char* Open = "LoggerTest"; // a channel that all tests but one leave open
+
+struct Call {
+  severity kind;
+  std::string text;
+  vekdebug::detail where = {};
+  std::string channel = Open;
 };
+
+void Make(const Call& p_call) {
+  logger& log = logger::instance();
+  if (p_call.kind == severity::debug)
+    log.dout(p_call.channel) << p_call.text << std::endl;
+  else
+    p_call.kind == severity::ensure ? log.ensure(false, p_call.text, p_call.where)
+                                    : log.sentry(p_call.text, p_call.where);
+}
+
+/// What the default sink writes to standard error for some calls, and when another sink is installed.
+std::pair<std::string, std::string> DefaultOutput(const std::vector<Call>& p_calls, int p_pauseAfterFirst = 0) {
+  const auto previous = logger::instance().set_sink(nullptr);
+  testing::internal::CaptureStderr();
+  for (const Call& call : p_calls) {
+    Make(call);
+    std::this_thread::sleep_for(std::chrono::milliseconds(std::exchange(p_pauseAfterFirst, 0)));
+  }
+  const std::string atOnce = testing::internal::GetCapturedStderr();
+  testing::internal::CaptureStderr();
+  logger::instance().set_sink(previous);
+  return {atOnce, testing::internal::GetCapturedStderr()};
+}
+
+const Call A = {severity::ensure, "a"};
+
+/// Reports on the streams when it is destroyed.
+struct ReportsAtTheEnd {
+  ~ReportsAtTheEnd() {
+    for (int i = 0; i < count; ++i) {
+      logger::instance().derr() << "late error" << std::endl;
+      logger::instance().dout(Open) << "late debug" << std::endl;
+    }
+  }
+  int count = 0;
+} afterTheLogger; // exists before the logger, so reports after the logger's own end of the process
 
 } // namespace
 
@@ -44,73 +79,38 @@ TEST(Logger, EveryFullLineIsOneReport) {
 
 TEST(Logger, ClosedChannelsDropTheirOutput) {
   const ReportCapture reports;
+  logger& log = logger::instance();
   int active = 0;
-  const auto write = [&active](vekdebug::dbgostream& p_stream) {
-    p_stream << 5 << "text" << std::endl;
-    active += p_stream.active();
+  const auto write = [&](const std::string& p_channel, const char* p_text) {
+    log.dout(p_channel) << 5 << p_text << std::endl;
+    active += log.dout(p_channel).active();
   };
-  write(logger::instance().dout("LoggerTest"));
-  const OpenChannel open("LoggerTest");
-  write(logger::instance().dout("LoggerTest2"));
-  EXPECT_EQ(active, 0);
-  EXPECT_EQ(reports.Texts(), Texts());
-  write(logger::instance().dout("LoggerTest"));
+  write("A", "before");
+  log.open("A");
+  write("A", "open");
+  write("A2", "other");
+  log.close("A");
+  write("A", "after");
   EXPECT_EQ(active, 1);
-  EXPECT_EQ(reports.Texts(), Texts{"5text"});
+  EXPECT_EQ(reports.Texts(), Texts{"5open"});
   EXPECT_EQ(reports.Entries()[0].kind, severity::debug);
-  EXPECT_EQ(reports.Entries()[0].channel, "LoggerTest");
+  EXPECT_EQ(reports.Entries()[0].channel, "A");
 }
 
 TEST(Logger, ExceptionsOfASinkReachTheCallerAndTheStreamsWorkAgain) {
-  const OpenChannel open("LoggerTest");
+  logger::instance().open(Open);
   logger& log = logger::instance();
   for (int i = 0; i < 2; ++i) {
     const ReportCapture throwing(true);
     EXPECT_THROW(log.ensure(false, "x"), std::runtime_error);
     EXPECT_THROW(log.derr() << "lost" << std::endl, std::runtime_error);
-    EXPECT_THROW(log.dout("LoggerTest") << "lost" << std::endl, std::runtime_error);
+    EXPECT_THROW(log.dout(Open) << "lost" << std::endl, std::runtime_error);
   }
   const ReportCapture reports;
   log.derr() << "error" << std::endl;
-  log.dout("LoggerTest") << "debug" << std::endl;
+  log.dout(Open) << "debug" << std::endl;
   EXPECT_EQ(reports.Texts(), (Texts{"error", "debug"}));
 }
-
-namespace {
-
-struct Call {
-  severity kind;
-  std::string text;
-  vekdebug::detail where = {};
-  std::string channel = "LoggerTest";
-};
-
-void Make(const Call& p_call) {
-  logger& log = logger::instance();
-  if (p_call.kind == severity::debug)
-    log.dout(p_call.channel) << p_call.text << std::endl;
-  else
-    p_call.kind == severity::ensure ? log.ensure(false, p_call.text, p_call.where)
-                                    : log.sentry(p_call.text, p_call.where);
-}
-
-/// What the default sink writes to standard error for some calls, and when another sink is installed.
-std::pair<std::string, std::string> DefaultOutput(const std::vector<Call>& p_calls, int p_pauseAfterFirst = 0) {
-  const auto previous = logger::instance().set_sink(nullptr);
-  testing::internal::CaptureStderr();
-  for (const Call& call : p_calls) {
-    Make(call);
-    std::this_thread::sleep_for(std::chrono::milliseconds(std::exchange(p_pauseAfterFirst, 0)));
-  }
-  const std::string atOnce = testing::internal::GetCapturedStderr();
-  testing::internal::CaptureStderr();
-  logger::instance().set_sink(previous);
-  return {atOnce, testing::internal::GetCapturedStderr()};
-}
-
-const Call A = {severity::ensure, "a"};
-
-} // namespace
 
 TEST(Logger, WritesDetails) {
   using vekdebug::detail;
@@ -131,7 +131,8 @@ TEST(Logger, WritesDetails) {
 }
 
 TEST(Logger, DefaultSinkWritesAndFoldsLines) {
-  const OpenChannel open("LoggerTest"), other("Other");
+  logger::instance().open(Open);
+  logger::instance().open("Other");
   const Call debug = {severity::debug, "a"}, sentry = {severity::sentry, "a", {"b.obj", 7}};
   const std::pair<std::vector<Call>, std::string> rows[] = {
       {{A}, "a\n"},
@@ -156,28 +157,16 @@ TEST(Logger, DefaultSinkWritesItsCountAfterASecond) {
   EXPECT_EQ(atOnce.substr(13) + later, "… 1 more\n");
 }
 
-namespace {
-
-/// Reports after the logger's own end of the process, since it exists before the logger.
-struct ReportsLast {
-  ~ReportsLast() {
-    for (int i = 0; i < count; ++i)
-      Make({severity::ensure, "late"});
-  }
-  int count = 0;
-} reportsLast;
-
-} // namespace
-
 TEST(Logger, DefaultSinkWritesItsCountAtTheEndOfTheProcess) {
   const auto end = [] {
     logger::instance().set_sink(nullptr);
+    logger::instance().close(Open);
     Make(A);
     Make(A);
-    reportsLast.count = 2;
+    afterTheLogger.count = 2;
     std::exit(0);
   };
-  EXPECT_EXIT(end(), testing::ExitedWithCode(0), "a\n… 1 more\nlate\nlate\n$");
+  EXPECT_EXIT(end(), testing::ExitedWithCode(0), "a\n… 1 more\nlate error\nlate error\n$");
 }
 
 TEST(Logger, LinesOfTwoThreadsNeverMix) {
@@ -200,29 +189,15 @@ TEST(Logger, LinesOfTwoThreadsNeverMix) {
   EXPECT_EQ(next[0] + next[1], 2 * Count);
 }
 
-namespace {
-
-struct ReportsAtTheEnd {
-  ~ReportsAtTheEnd() {
-    for (int i = 0; i < 2; ++i) {
-      logger::instance().derr() << "late error" << std::endl;
-      logger::instance().dout("LoggerTest") << "late debug" << std::endl;
-    }
-  }
-  bool touched = false;
-};
-
-} // namespace
-
 TEST(Logger, DestructorsMayReportWhenTheirThreadHasEnded) {
   const ReportCapture reports;
-  const OpenChannel open("LoggerTest");
+  logger::instance().open(Open);
   std::thread([] {
     // Made before the thread's streams, so destroyed after them.
     thread_local ReportsAtTheEnd last;
-    last.touched = true;
+    last.count = 2;
     logger::instance().derr() << "early" << std::endl;
-    logger::instance().dout("LoggerTest") << "early" << std::endl;
+    logger::instance().dout(Open) << "early" << std::endl;
   }).join();
   EXPECT_EQ(reports.Texts(), (Texts{"early", "early", "late error", "late debug", "late error", "late debug"}));
 }
