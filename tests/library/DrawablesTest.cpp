@@ -71,12 +71,7 @@ Drawable At123(const Settings&... p_settings) {
 
 TEST_F(DrawablesCalls, Box) {
   const Rect rect(1, 2, 3, 4);
-  const struct {
-    const char* name;
-    Rect rect;
-    QColor line, fill;
-    Lines expected;
-  } cases[] = {
+  const std::tuple<const char*, Rect, QColor, QColor, Lines> cases[] = {
       {"fill", rect, Qt::transparent, Qt::red, Fill(1, 2, 4, 6)},
       {"fill, then outline", rect, Qt::black, Qt::red, Fill(1, 2, 4, 6) + Outline(1, 2, 4, 6)},
       {"nothing", rect, Qt::transparent, Qt::transparent, {}},
@@ -84,9 +79,8 @@ TEST_F(DrawablesCalls, Box) {
       {"in double precision", {16777216, 0, 1, 1}, Qt::black, Qt::transparent, Outline(16777216, 0, 16777217, 1)},
       {"no number", {NaN, -1e30f, 1e30f, 1e30f}, Qt::black, Qt::transparent, Outline(0, -2147483647 - 1, 0, 0)},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(Drawn(With(Box(), &Box::rect, c.rect, &Box::lineColor, c.line, &Box::fillColor, c.fill)), c.expected)
-        << c.name;
+  for (const auto& [name, area, line, fill, expected] : cases)
+    EXPECT_EQ(Drawn(With(Box(), &Box::rect, area, &Box::lineColor, line, &Box::fillColor, fill)), expected) << name;
   EXPECT_EQ(Drawn(Box()), Outline(0, 0, 0, 0)) << "the defaults";
   const Box faint = With(Box(), &Box::lineColor, QColor::fromRgba64(0, 0, 0, 1));
   EXPECT_EQ(Drawn(faint).size(), 7u) << "hardly visible is visible";
@@ -96,13 +90,7 @@ TEST_F(DrawablesCalls, FilledBox) {
   const Rect outer(10, 20, 50, 40), inner(15, 26, 30, 20), touching(10, 26, 30, 34), broken(NaN, 26, 30, 34);
   const Lines outlines = Outline(10, 20, 59, 59) + Outline(15, 26, 44, 45);
   const Lines inside = Fill(15, 26, 44, 45) + Outline(15, 26, 44, 45);
-  const struct {
-    const char* name;
-    std::int32_t mode;
-    Rect inner;
-    QColor line, fill;
-    Lines expected;
-  } cases[] = {
+  const std::tuple<const char*, std::int32_t, Rect, QColor, QColor, Lines> cases[] = {
       {"inner", 0, inner, Qt::black, Qt::red, inside},
       {"other modes too", -7, inner, Qt::black, Qt::red, inside},
       {"frame", 1, inner, Qt::black, Qt::red,
@@ -115,11 +103,12 @@ TEST_F(DrawablesCalls, FilledBox) {
       {"transparent frame", 1, inner, Qt::black, Qt::transparent, outlines},
       {"nothing visible", 1, inner, Qt::transparent, Qt::transparent, {}},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(Drawn(With(FilledBox(), &FilledBox::mode, c.mode, &FilledBox::outer, outer, &FilledBox::inner, c.inner,
-                         &FilledBox::lineColor, c.line, &FilledBox::fillColor, c.fill)),
-              c.expected)
-        << c.name;
+  using F = FilledBox;
+  for (const auto& [name, mode, within, line, fill, expected] : cases)
+    EXPECT_EQ(
+        Drawn(With(F(), &F::mode, mode, &F::outer, outer, &F::inner, within, &F::lineColor, line, &F::fillColor, fill)),
+        expected)
+        << name;
   EXPECT_EQ(Drawn(FilledBox()), Outline(0, 0, -1, -1)) << "the defaults";
 }
 

@@ -81,16 +81,6 @@ TEST(OffscreenContextPixels, ImageResolvesSamplesTopRowFirstAndRestoresHostState
   }
 }
 
-TEST(OffscreenContextPixels, DepthBufferCoversTheFrame) {
-  Ogl::OffscreenContext context({29, 14});
-  const Scope gl(context.Handle());
-  float depth = 0;
-  gl->ClearDepth(0.25);
-  gl->Clear(RGL_DEPTH_BUFFER_BIT);
-  gl->ReadPixels(28, 13, 1, 1, RGL_DEPTH_COMPONENT, RGL_FLOAT, &depth);
-  EXPECT_NEAR(depth, 0.25F, 1e-6F);
-}
-
 TEST(OffscreenContextPixels, ContextsAreSeparate) {
   Ogl::OffscreenContext first({9, 3});
   const Scope outer(first.Handle());
@@ -190,11 +180,10 @@ TEST(OffscreenContextPixels, ReportsMissingFunctions) {
     setenv("MESA_EXTENSION_OVERRIDE", "-GL_ARB_map_buffer_range -GL_ARB_draw_instanced", 1);
     const Ogl::OffscreenContext context({9, 3});
     const Scope gl(context.Handle());
-    for (int i = 0; i < 2; ++i)
-      if (gl->MapBufferRange(RGL_ARRAY_BUFFER, 0, 1, RGL_MAP_WRITE_BIT) != nullptr)
-        std::exit(1);
+    const void* const mapped = gl->MapBufferRange(RGL_ARRAY_BUFFER, 0, 1, RGL_MAP_WRITE_BIT);
+    gl->MapBufferRange(RGL_ARRAY_BUFFER, 0, 1, RGL_MAP_WRITE_BIT); // is not reported again
     gl->DrawArraysInstanced(RGL_POINTS, 0, 1, 1);
-    std::exit(gl->CheckError("test") ? 3 : 2);
+    std::exit(mapped == nullptr && gl->CheckError("test") ? 3 : 2);
   };
   EXPECT_EXIT(mapOnOldGl(), testing::ExitedWithCode(3),
               "^WARNING: glMapBufferRange needs GL 3.0 or GL_ARB_map_buffer_range; the current context has GL 2.1.*\n"
