@@ -70,6 +70,7 @@ TEST(Streamlines, EndAtTheBorder) {
   EXPECT_NEAR(line.back().x, 10, 2 * options.smallestStep);
   for (const Point& point : line)
     EXPECT_TRUE(std::abs(point.x) <= 10 && std::abs(point.y - 1) < 1e-12) << point.x << ' ' << point.y;
+  EXPECT_EQ(std::count(line.begin(), line.end(), Point(0, 1, 2)), 1) << "the seed";
   EXPECT_TRUE(TraceBoth(UniformInBox, {11, 0, 0}, options).empty());
 }
 
