@@ -10,8 +10,10 @@ TEST(Rgl, OutermostScopeSwitchesContexts) {
       functions, [&] { log += '('; }, [&] { log += ')'; })));
   {
     const Scope outer(handle);
-    const Scope inner(outer.Handle());
-    EXPECT_EQ(handle.Object()->ScopeDepth(), 2U);
+    {
+      const Scope inner(outer.Handle());
+      EXPECT_EQ(handle.Object()->ScopeDepth(), 2U);
+    }
     EXPECT_EQ(log, "(");
   }
   const Scope again(handle);
@@ -97,7 +99,8 @@ TEST_F(RglCalls, GuardsRestoreWhatTheyChange) {
   gl->Finish();
   guard.reset();
   (*list)();
-  gl->BindScope(gl->GenFrameBufferObject()); // held by the guard only
+  guard = gl->BindScope(gl->GenFrameBufferObject()); // held by the guard only
+  guard.reset();
   EXPECT_EQ(
       recorder.LinesWithout({"GetIntegerv"}),
       Calls("MatrixMode(GL_PROJECTION); PushMatrix(); LoadIdentity(); Ortho(0, 29, 0, 14, -1, 1); "
