@@ -84,6 +84,7 @@ TEST(IntersectSegment, IncludesBothEnds) {
       {"leaves it", ground, {1, 2, 1e-12}, {1, 5, 8}, "false", Untouched},
       {"contained", ground, {0, 0, 0}, {1, 1, 0}, "indeterminate", Untouched},
       {"both ends within epsilon", ground, {0, 0, Eps}, {0, 0, Eps}, "indeterminate", Untouched},
+      {"an epsilon long", ground, {0, 0, Eps}, {0, 0, 0}, "indeterminate", Untouched},
       {"only the start within epsilon", ground, {0, 0, Eps}, {0, 0, 2 * Eps}, "false", Untouched},
       {"only the end within epsilon", ground, {0, 0, 2 * Eps}, {0, 0, Eps}, "false", Untouched},
       {"parallel", ground, {0, 0, 1}, {1, 1, 1}, "false", Untouched},

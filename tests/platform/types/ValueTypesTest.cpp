@@ -29,8 +29,8 @@ namespace {
 
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
-void ExpectNear(const Vector3& p_a, const Vector3& p_b, double p_tolerance = 1e-12) {
-  EXPECT_LE(Length(p_a - p_b), p_tolerance) << p_a << " and " << p_b;
+void ExpectNear(const Vector3& p_a, const Vector3& p_b) {
+  EXPECT_LE(Length(p_a - p_b), 1e-12) << p_a << " and " << p_b;
 }
 
 } // namespace
