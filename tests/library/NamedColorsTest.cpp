@@ -78,7 +78,7 @@ TEST(NamedColors, ReportUnknownNamesAndPositions) {
   ReportCapture reports;
   EXPECT_TRUE(NamedColors::Colors("jet").empty());
   EXPECT_TRUE(NamedColors::Colors("Viridis", 3).empty());
-  EXPECT_EQ(Rgbs(NamedColors::Colors("grey", 2, NotANumber, 1.5)), (std::vector<QRgb>{0, 0xFFFFFF}));
+  EXPECT_EQ(Rgbs(NamedColors::Colors("coolwarm", 2, NotANumber, 1.5)), (std::vector<QRgb>{0x3B4CC0, 0xB40426}));
   EXPECT_EQ(reports.Texts(), (std::vector<std::string>{
                                  "\"colour map \"jet\"" + known + list + ")",
                                  "\"colour map \"Viridis\"" + known + list + ",int,double,double)",
