@@ -119,6 +119,7 @@ TEST_F(TextCalls, UploadsAfterAChangeOnly) {
   EXPECT_EQ(recorder.LinesOf({"TexImage2D"}), Lines()) << "copies share what is equal";
   copy.text = "other";
   copy(gl);
+  EXPECT_EQ(recorder.LinesOf({"TexImage2D"}).size(), 1u);
   recorder.Clear();
   text(gl);
   EXPECT_EQ(recorder.LinesOf({"BindTexture"}), Lines{"BindTexture(GL_TEXTURE_2D, 1001)"}) << "and no more than that";
@@ -152,6 +153,7 @@ TEST_F(TextPixels, StandsAtItsPositionTexelForPixelWhateverTheHostHasSet) {
   for (const Ogl::GlEnum leftOn : {RGL_LIGHTING, RGL_POLYGON_STIPPLE, RGL_DEPTH_TEST, RGL_TEXTURE_3D})
     gl->Enable(leftOn);
   gl->DepthFunc(RGL_NEVER);
+  gl->PolygonStipple(std::array<unsigned char, 128>{}.data());
   gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_LINE);
   gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 3);
   const auto other = gl->GenTexture();
