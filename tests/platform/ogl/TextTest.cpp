@@ -153,7 +153,6 @@ TEST_F(TextPixels, StandsAtItsPositionTexelForPixelWhateverTheHostHasSet) {
   for (const Ogl::GlEnum leftOn : {RGL_LIGHTING, RGL_POLYGON_STIPPLE, RGL_DEPTH_TEST, RGL_TEXTURE_3D})
     gl->Enable(leftOn);
   gl->DepthFunc(RGL_NEVER);
-  gl->PolygonStipple(std::array<unsigned char, 128>{}.data());
   gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_LINE);
   gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 3);
   const auto other = gl->GenTexture();
