@@ -477,17 +477,9 @@ TEST_P(FailuresPixels, LeaveNothingBehind) {
   RunAll(run);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, FailuresCalls, testing::Range<std::size_t>(0, Subjects().size()), [](const auto& p_info) {
-  std::string name = Subjects()[p_info.param].name;
-  name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
-  return name;
-});
-INSTANTIATE_TEST_SUITE_P(All, FailuresPixels, testing::Range<std::size_t>(0, Subjects().size()),
-                         [](const auto& p_info) {
-                           std::string name = Subjects()[p_info.param].name;
-                           name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
-                           return name;
-                         });
+const auto Name = [](const auto& p_info) { return std::string(Subjects()[p_info.param].name); };
+INSTANTIATE_TEST_SUITE_P(Each, FailuresCalls, testing::Range<std::size_t>(0, Subjects().size()), Name);
+INSTANTIATE_TEST_SUITE_P(Each, FailuresPixels, testing::Range<std::size_t>(0, Subjects().size()), Name);
 
 } // namespace
 
