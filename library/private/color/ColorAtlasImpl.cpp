@@ -19,7 +19,6 @@ namespace Signature {
 #define VEK_SPAN "class Vek::Chart::Types::Span<unsigned int>"
 #define VEK_CALL "operator ()(class " VEK_ATLAS "AtlasTraversalState &,class " VEK_ATLAS "AtlasTraversalState *)"
 constexpr const char* SpanBuilderCall = "void __cdecl " VEK_ATLAS "SpanBuilder::" VEK_CALL;
-constexpr const char* MapperCall = "void __cdecl " VEK_ATLAS "CoordinateMapper::" VEK_CALL;
 constexpr const char* WriteColor = "void __cdecl " VEK_ATLAS "CoordinateMapper::WriteColor(unsigned int,const struct "
                                    "Vek::Chart::Library::ColorAtlas::ColorNode &,const " VEK_SPAN " &)";
 constexpr const char* MapSpan = "void __cdecl " VEK_ATLAS "CoordinateMapper::MapSpan(unsigned int,struct "
