@@ -36,6 +36,7 @@
 #include <QGuiApplication>
 
 #include <new>
+#include <optional>
 
 namespace {
 
@@ -259,31 +260,6 @@ const std::vector<Subject>& Subjects() {
   return All;
 }
 
-struct Thrown {};
-
-/// Counts reports and, if wanted, throws at each of them.
-class CountingSink : public vekdebug::sink {
-public:
-  void write(const vekdebug::report& p_report) override {
-    if (p_report.kind == severity::debug)
-      return;
-    ++count;
-    last = p_report.text;
-    if (throwing)
-      throw Thrown();
-  }
-  int count = 0;
-  std::string last;
-  bool throwing = false;
-};
-
-struct SinkScope {
-  SinkScope() { previous = Utility::GetLogger().set_sink(sink); }
-  ~SinkScope() { Utility::GetLogger().set_sink(previous); }
-  std::shared_ptr<CountingSink> sink = std::make_shared<CountingSink>();
-  std::shared_ptr<vekdebug::sink> previous;
-};
-
 /// One failure, of a call or of an allocation.
 struct Fault {
   FaultyGl::Plan calls;
@@ -309,49 +285,37 @@ std::vector<int> HostState(const Handle& p_handle) {
 /// Returns false when the fault was not reached: the subject has fewer calls.
 bool Survives(const Subject& p_subject, const Fault& p_fault, const Handle& p_real,
               const std::function<void(const Use&, const Handle&)>& p_finish) {
-  SinkScope reports;
+  std::optional<ReportCapture> reports(std::in_place, p_fault.throwing);
   FaultyGl faulty(p_real);
   const std::vector<int> before = HostState(p_real);
   Use use;
-  reports.sink->throwing = p_fault.throwing;
   faulty.Arm(p_fault.calls);
   FailingAllocations::Arm(p_fault.allocation);
   try {
     use = p_subject.make(faulty.Handle());
     Scope gl(faulty.Handle());
     use(gl);
-  } catch (const Thrown&) {
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) { // the sink's, or std::bad_alloc
   }
   const bool lacked = FailingAllocations::Disarm();
   const std::string failed = faulty.Disarm();
-  reports.sink->throwing = false;
   const std::string what = std::string(p_subject.name) + ", " + (lacked ? "allocation" : failed) + " " +
                            std::to_string(lacked ? p_fault.allocation : p_fault.calls.first) +
                            (p_fault.throwing ? ", throwing" : "");
   SCOPED_TRACE(what);
   EXPECT_EQ(HostState(p_real), before);
   EXPECT_EQ(faulty.Handle().Object()->ScopeDepth(), 0U);
-  EXPECT_TRUE(failed.empty() || reports.sink->count > 0 || faulty.TakePendingError()) << "nothing was reported";
-  {
-    Scope gl(faulty.Handle());
-    gl->CheckError("what is left");
-  }
+  EXPECT_TRUE(failed.empty() || !reports->Texts().empty() || faulty.TakePendingError()) << "nothing was reported";
+  reports.emplace();
+  Scope gl(faulty.Handle()); // objects are released within it
+  gl->CheckError("what is left");
+  reports->Clear();
   if (!use)
     use = p_subject.make(faulty.Handle());
-  reports.sink->count = 0;
-  {
-    Scope gl(faulty.Handle());
-    use(gl);
-  }
-  EXPECT_EQ(reports.sink->count, 0) << "the next try reports " << reports.sink->last;
+  use(gl);
+  EXPECT_EQ(reports->Texts(), Lines()) << "at the next try";
   p_finish(use, faulty.Handle());
-  {
-    Scope gl(faulty.Handle());
-    use = {};
-  }
-  EXPECT_TRUE(faulty.Objects().empty()) << faulty.Objects().size() << " leaked, one of "
-                                        << faulty.Objects().begin()->first;
+  use = {};
   return lacked || !failed.empty();
 }
 

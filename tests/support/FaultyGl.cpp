@@ -54,37 +54,6 @@ bool FaultyGl::Fails(const std::string& p_name) {
   return fails;
 }
 
-template <class... Arguments>
-void FaultyGl::Track(const char* p_name, unsigned int p_result, Arguments... p_arguments) {
-  const std::string name = p_name;
-  const bool deletes = name.rfind("Delete", 0) == 0;
-  const std::string kind = name.substr(deletes ? 6 : name.rfind("Create", 0) == 0 ? 6 : 3);
-  const auto one = [&](unsigned int p_object) {
-    if (p_object != 0 && deletes)
-      _objects.erase({kind, p_object});
-    else if (p_object != 0)
-      _objects.insert({kind, p_object});
-  };
-  const auto arguments = std::make_tuple(p_arguments...);
-  if constexpr (sizeof...(Arguments) == 2) {
-    using Second = std::tuple_element_t<1, decltype(arguments)>;
-    if constexpr (std::is_same_v<std::decay_t<Second>, unsigned int*> ||
-                  std::is_same_v<std::decay_t<Second>, const unsigned int*>) {
-      if (deletes || name.rfind("Gen", 0) == 0)
-        std::for_each(std::get<1>(arguments), std::get<1>(arguments) + std::get<0>(arguments), one);
-      return;
-    }
-  }
-  if constexpr (sizeof...(Arguments) > 0) {
-    if constexpr (std::is_same_v<std::tuple_element_t<0, std::tuple<Arguments...>>, unsigned int>) {
-      if (deletes)
-        return one(std::get<0>(arguments));
-    }
-  }
-  if (name == "GenLists" || name == "CreateShader" || name == "CreateProgram")
-    one(p_result);
-}
-
 template <class Result, class Call, class... Arguments>
 Result FaultyGl::Run(const char* p_name, Call p_call, Arguments... p_arguments) {
   const FailingAllocations::Pause pause;
@@ -92,18 +61,8 @@ Result FaultyGl::Run(const char* p_name, Call p_call, Arguments... p_arguments) 
   if (name == "GetError" && TakePendingError())
     if constexpr (std::is_same_v<Result, Ogl::GlEnum>)
       return RGL_OUT_OF_MEMORY;
-  if (!Fails(name)) {
-    if constexpr (std::is_void_v<Result>) {
-      p_call(p_arguments...);
-      Track(p_name, 0, p_arguments...);
-      return;
-    } else {
-      const Result result = p_call(p_arguments...);
-      if constexpr (std::is_same_v<Result, unsigned int>)
-        Track(p_name, result, p_arguments...);
-      return result;
-    }
-  }
+  if (!Fails(name))
+    return p_call(p_arguments...);
   // A compiler's and a linker's failure is no error of GL.
   _pending = _pending || !(name == "CompileShader" || name == "LinkProgram" || name == "CheckFramebufferStatus");
   ForgetNames(p_arguments...);

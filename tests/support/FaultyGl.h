@@ -5,7 +5,6 @@
 #include <boost/shared_ptr.hpp>
 
 #include <cstddef>
-#include <set>
 #include <string>
 #include <utility>
 
@@ -33,8 +32,6 @@ public:
   /// Ends all failures. Returns the name of the first call that failed since Arm; empty when none did.
   std::string Disarm();
 
-  /// The objects that are alive, by the function that made them and their name.
-  const std::set<std::pair<std::string, unsigned int>>& Objects() const { return _objects; }
   /// Whether an injected error still waits for GetError; it is forgotten.
   bool TakePendingError() { return std::exchange(_pending, false); }
 
@@ -42,8 +39,6 @@ private:
   friend struct FaultyTable;
   template <class Result, class Call, class... Arguments>
   Result Run(const char* p_name, Call p_call, Arguments... p_arguments);
-  template <class... Arguments>
-  void Track(const char* p_name, unsigned int p_result, Arguments... p_arguments);
   bool Fails(const std::string& p_name);
 
   Chart::Utility::Unscoped<Chart::Rgl> _real;
@@ -54,7 +49,6 @@ private:
   std::size_t _calls = 0;
   std::string _failed;
   bool _pending = false;
-  std::set<std::pair<std::string, unsigned int>> _objects;
 };
 
 /// Lets an allocation of this project's own code fail; those of Qt, of drivers and of the calls that a FaultyGl passes
