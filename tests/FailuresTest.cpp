@@ -21,7 +21,6 @@
 #include "library/Sphere.h"
 #include "library/Style.h"
 #include "library/SymbolRegistry.h"
-#include "library/TexturedCube.h"
 #include "library/TexturedQuad.h"
 #include "library/TopMostFragmentDepthBuffer.h"
 #include "library/VectorSymbol.h"
@@ -75,15 +74,12 @@ Use Owned(const boost::shared_ptr<Object>& p_object) {
   return [p_object](Scope& p_gl) { (*p_object)(p_gl, RGL_TEXTURE0); };
 }
 
-/// A drawable: a value that draws itself in a scope of its own.
-template <class Drawable>
-Subject Draws(const char* p_name, Drawable p_drawable) {
-  return {p_name, [p_drawable](const Handle& p_handle) -> Use {
-            return [p_drawable, p_handle](Scope&) { p_drawable(p_handle); };
-          }};
+/// A subject that makes its objects anew at each use.
+Subject Fresh(const char* p_name, const std::function<void(const Handle&, Scope&)>& p_use) {
+  return {p_name, [p_use](const Handle& p_handle) -> Use { return [=](Scope& p_gl) { p_use(p_handle, p_gl); }; }};
 }
 
-void DrawStyled(Scope& p_gl) {
+void DrawStyled(const Handle&, Scope& p_gl) {
   boost::function<void(Scope&)> draw = [](Scope& p_inner) { DrawTexturedSquare(p_inner, 1); };
   Types::FillStyle fill;
   fill.pattern.Set(Pattern::FillGrid);
@@ -158,15 +154,13 @@ const std::vector<Subject>& Subjects() {
            (*atlas->Texture())(p_gl, RGL_TEXTURE0);
          };
        }},
-      {"Pattern",
-       [](const Handle&) -> Use {
-         return [](Scope& p_gl) {
-           Assets::ImageCache cache;
-           const Assets::Resource sprites(vekfile::filepath(VEK_SOURCE_DIR "/sprites"));
-           (*Pattern::PointSpritePattern(Pattern::PointStar, sprites, cache, p_gl))(p_gl, RGL_TEXTURE0);
-         };
-       }},
-      {"Style", [](const Handle&) -> Use { return DrawStyled; }},
+      Fresh("Pattern",
+            [](const Handle&, Scope& p_gl) {
+              Assets::ImageCache cache;
+              const Assets::Resource sprites(vekfile::filepath(VEK_SOURCE_DIR "/sprites"));
+              (*Pattern::PointSpritePattern(Pattern::PointStar, sprites, cache, p_gl))(p_gl, RGL_TEXTURE0);
+            }),
+      Fresh("Style", DrawStyled),
       {"Text",
        [](const Handle&) -> Use {
          const auto text = boost::make_shared<Ogl::Text>("abc");
@@ -181,30 +175,24 @@ const std::vector<Subject>& Subjects() {
          quad.border = 1;
          return [=](Scope&) { quad(p_handle, {texture, texture}); };
        }},
-      {"TexturedCube",
-       [](const Handle&) -> Use {
-         return [](Scope& p_gl) {
-           TexturedCube cube(0);
-           cube(p_gl);
-         };
-       }},
-      {"Geometry",
-       [](const Handle& p_handle) -> Use {
-         return [=](Scope& p_gl) {
-           const Geometry shapes(p_handle);
-           shapes.Ring(p_gl);
-           shapes.Sphere(p_gl);
-           Cuboid()(p_handle, shapes);
-         };
-       }},
-      Draws("Arrow3D", Arrow3D()),
-      Draws("Cylinder", Cylinder()),
-      Draws("Disk", Disk()),
-      Draws("Sphere", Sphere()),
-      Draws("Box", Box()),
-      Draws("FilledBox", FilledBox()),
-      Draws("Ring", Ogl::Library::Ring()),
-      {"PixelProjection", [](const Handle&) -> Use { return [](Scope& p_gl) { p_gl->PixelProjection(Window); }; }},
+      Fresh("Geometry",
+            [](const Handle& p_handle, Scope& p_gl) {
+              const Geometry shapes(p_handle);
+              shapes.Ring(p_gl);
+              shapes.Voxel(p_gl);
+              Cuboid()(p_handle, shapes);
+            }),
+      Fresh("Drawables",
+            [](const Handle& p_handle, Scope& p_gl) {
+              Arrow3D()(p_handle);
+              Cylinder()(p_handle);
+              Disk()(p_handle);
+              Sphere()(p_handle);
+              Box()(p_handle);
+              FilledBox()(p_handle);
+              Ogl::Library::Ring()(p_handle);
+              p_gl->PixelProjection(Window);
+            }),
       TargetOf("RenderTexture", 0),
       TargetOf("RenderTextureWithSamples", 4),
       {"TopMostFragmentDepthBuffer",
@@ -222,40 +210,32 @@ const std::vector<Subject>& Subjects() {
          const boost::shared_ptr<ObjModel> model = Triangle();
          return [=](Scope& p_gl) { DrawModel(p_gl, *cache, cache->Register(*model)); };
        }},
-      {"SymbolRegistry",
-       [](const Handle& p_handle) -> Use {
-         return [=](Scope&) {
-           const Core::Ptr<ModelCache> cache(new ModelCache(p_handle));
-           const SymbolRegistry registry(cache, Symbols);
-           registry.GetVertexBuffer(Model::Symbol::ShapeCone);
-         };
-       }},
-      {"VertexData",
-       [](const Handle&) -> Use {
-         return [](Scope& p_gl) {
-           Ogl::VertexData data;
-           const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 8);
-           arrow.OrientShape(1, 0, Types::Vector3_Base<double>(), true, 0, 1, Types::Matrix3(), data);
-           data.Draw(p_gl);
-         };
-       }},
-      {"Readers",
-       [](const Handle&) -> Use {
-         return [](Scope&) {
-           const HdrImage sky(vekfile::filepath(VEK_SOURCE_DIR "/fuzz/corpus/FuzzHdr/separated"));
-           Voxels();
-           Triangle();
-         };
-       }},
-      {"ShaderProgram",
-       [](const Handle&) -> Use {
-         return [](Scope& p_gl) {
-           const Ogl::ShaderProgram program(p_gl, "void main() { gl_Position = ftransform(); }",
-                                            "uniform vec4 a; void main() { gl_FragColor = a; }");
-           const auto used = program.Use(p_gl);
-           program.SetUniform(p_gl, "a", QColor(Qt::red));
-         };
-       }},
+      Fresh("SymbolRegistry",
+            [](const Handle& p_handle, Scope&) {
+              const Core::Ptr<ModelCache> cache(new ModelCache(p_handle));
+              const SymbolRegistry registry(cache, Symbols);
+              registry.GetVertexBuffer(Model::Symbol::ShapeCone);
+            }),
+      Fresh("VertexData",
+            [](const Handle&, Scope& p_gl) {
+              Ogl::VertexData data;
+              const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 8);
+              arrow.OrientShape(1, 0, Types::Vector3_Base<double>(), true, 0, 1, Types::Matrix3(), data);
+              data.Draw(p_gl);
+            }),
+      Fresh("Readers",
+            [](const Handle&, Scope&) {
+              const HdrImage sky(vekfile::filepath(VEK_SOURCE_DIR "/fuzz/corpus/FuzzHdr/separated"));
+              Voxels();
+              Triangle();
+            }),
+      Fresh("ShaderProgram",
+            [](const Handle&, Scope& p_gl) {
+              const Ogl::ShaderProgram program(p_gl, "void main() { gl_Position = ftransform(); }",
+                                               "uniform vec4 a; void main() { gl_FragColor = a; }");
+              const auto used = program.Use(p_gl);
+              program.SetUniform(p_gl, "a", QColor(Qt::red));
+            }),
   };
   return All;
 }
@@ -333,27 +313,17 @@ void RunAll(const std::function<bool(const Fault&)>& p_run) {
       return;
 }
 
-/// A line without the numbers of objects, which differ after a failure: 1001 to 7999, and those of quadrics.
-std::string WithoutNames(const std::string& p_line) {
-  std::string result;
-  for (std::size_t i = 0; i < p_line.size();) {
-    const std::size_t end = std::min(p_line.find_first_not_of("0123456789", i), p_line.size());
-    const bool name =
-        (end - i == 4 && p_line[i] >= '1' && p_line[i] <= '7') || (i >= 7 && p_line.compare(i - 7, 7, "quadric") == 0);
-    result += end == i || !name ? p_line.substr(i, std::max<std::size_t>(end - i, 1)) : "#";
-    i = std::max(end, i + 1);
-  }
-  return result;
-}
-
+/// The lines of a use, without digits: the names of objects differ after a failure.
 Lines LinesOfUse(Ogl::RecordingGl& p_recorder, const Use& p_use, const Handle& p_handle) {
   p_recorder.Clear();
   {
     Scope gl(p_handle);
     p_use(gl);
   }
-  Lines lines = p_recorder.LinesWithout({"Uniform4f"}); // locations are counted over all programs
-  std::transform(lines.begin(), lines.end(), lines.begin(), WithoutNames);
+  Lines lines = p_recorder.Lines();
+  for (std::string& line : lines)
+    line.erase(std::remove_if(line.begin(), line.end(), [](unsigned char p_c) { return std::isdigit(p_c); }),
+               line.end());
   return lines;
 }
 
@@ -463,11 +433,5 @@ void operator delete(void* p_memory) noexcept {
   std::free(p_memory);
 }
 void operator delete(void* p_memory, std::size_t) noexcept {
-  std::free(p_memory);
-}
-void operator delete[](void* p_memory) noexcept {
-  std::free(p_memory);
-}
-void operator delete[](void* p_memory, std::size_t) noexcept {
   std::free(p_memory);
 }
