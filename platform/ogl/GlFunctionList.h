@@ -170,9 +170,9 @@ VEK_GL(void, FramebufferRenderbuffer,
        (p_target, p_attachment, p_renderbufferTarget, p_name))
 VEK_GL(GlEnum, CheckFramebufferStatus, (GlEnum p_target), (p_target))
 VEK_GL(void, BlitFramebuffer,
-       (int p_x0, int p_y0, int p_x1, int p_y1, int p_to_x0, int p_to_y0, int p_to_x1, int p_to_y1, GlBitfield p_mask,
+       (int p_x0, int p_y0, int p_x1, int p_y1, int p_toX0, int p_toY0, int p_toX1, int p_toY1, GlBitfield p_mask,
         GlEnum p_filter),
-       (p_x0, p_y0, p_x1, p_y1, p_to_x0, p_to_y0, p_to_x1, p_to_y1, p_mask, p_filter))
+       (p_x0, p_y0, p_x1, p_y1, p_toX0, p_toY0, p_toX1, p_toY1, p_mask, p_filter))
 VEK_GL(void, GenRenderbuffers, (int p_count, unsigned int* p_names), (p_count, p_names))
 VEK_GL(void, DeleteRenderbuffers, (int p_count, const unsigned int* p_names), (p_count, p_names))
 VEK_GL(void, BindRenderbuffer, (GlEnum p_target, unsigned int p_name), (p_target, p_name))
