@@ -424,6 +424,9 @@ void* operator new(std::size_t p_bytes) {
     return memory;
   throw std::bad_alloc();
 }
+void* operator new(std::size_t p_bytes, const std::nothrow_t&) noexcept {
+  return FailingAllocations::Allocate(p_bytes, __builtin_return_address(0));
+}
 void* operator new[](std::size_t p_bytes) {
   if (void* const memory = FailingAllocations::Allocate(p_bytes, __builtin_return_address(0)))
     return memory;
@@ -433,5 +436,11 @@ void operator delete(void* p_memory) noexcept {
   std::free(p_memory);
 }
 void operator delete(void* p_memory, std::size_t) noexcept {
+  std::free(p_memory);
+}
+void operator delete[](void* p_memory) noexcept {
+  std::free(p_memory);
+}
+void operator delete[](void* p_memory, std::size_t) noexcept {
   std::free(p_memory);
 }

@@ -333,7 +333,7 @@ TEST_F(ViewerTest, OpensFilesByMenuAndByDrop) {
   EXPECT_EQ(Reports().Count(), 0u);
   // Reports of the loading thread reach the panel; the rest of the file is shown.
   ASSERT_TRUE(Open(_folder.Write("odd.obj", CubeText() + "f 1 2 99\n")));
-  EXPECT_EQ(Reports().Lines().filter("vertexIndex < vertices->size()").size(), 1);
+  EXPECT_TRUE(WaitFor([&] { return Reports().Lines().filter("vertexIndex < vertices->size()").size() == 1; }));
 }
 
 TEST_F(ViewerTest, KeepsTheSceneOnBrokenFiles) {

@@ -16,7 +16,8 @@ Ogl::Buffer<T> MakeBuffer(const Rgl& p_gl, const std::vector<Number>& p_numbers)
   const std::size_t count = p_numbers.size() * sizeof(Number) / sizeof(T);
   const Ogl::Buffer<T> buffer = p_gl.GetBufferPool().CreateBuffer<T>(count, Ogl::BufferUsage::Default);
   const Ogl::BufferPool::WriteArray<T> array(buffer, 0, count, RGL_ARRAY_BUFFER);
-  std::memcpy(static_cast<void*>(array.Data()), p_numbers.data(), array.Count() * sizeof(T));
+  if (array.Count() != 0)
+    std::memcpy(static_cast<void*>(array.Data()), p_numbers.data(), array.Count() * sizeof(T));
   return buffer;
 }
 
