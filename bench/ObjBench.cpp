@@ -141,11 +141,11 @@ void LoadModel(benchmark::State& p_state) {
     const auto model = LoadPolygonObjFile(TorusPath());
     return (MemoryBytes("VmHWM") - before) / double(ResultBytes(*model));
   };
-  static const double firstPeak = peak();
+  static const double FirstPeak = peak();
   for (auto _ : p_state)
     benchmark::DoNotOptimize(LoadPolygonObjFile(TorusPath()));
   CountBytes(p_state);
-  p_state.counters["peak/result"] = firstPeak;
+  p_state.counters["peak/result"] = FirstPeak;
 }
 BENCHMARK(LoadModel)->Unit(benchmark::kMillisecond)->UseRealTime();
 

@@ -123,7 +123,7 @@ TEST(VectorGrid, IsLinearBetweenItsNodesAndEndsAtItsBorder) {
   const VectorGrid::Counts counts = {3, 2, 4};
   std::vector<Point> vectors;
   // A linear field: (x + 2y, z, x - z).
-  const auto field = [](const Point& p) { return Point(p.x + 2 * p.y, p.z, p.x - p.z); };
+  const auto field = [](const Point& p_at) { return Point(p_at.x + 2 * p_at.y, p_at.z, p_at.x - p_at.z); };
   for (int k = 0; k < 4; ++k)
     for (int j = 0; j < 2; ++j)
       for (int i = 0; i < 3; ++i)

@@ -47,7 +47,7 @@ const Row HostState[] = {
 using Depths = std::array<float, 2>;
 
 class DepthPassPixels : public PixelScopeFixture {
-protected:
+public:
   /// Packed by the shader in the left half of the viewport, drawn without one in the right half.
   void Draw(double p_depth) {
     const auto bytes = DepthCodec::Encode(static_cast<float>(p_depth));

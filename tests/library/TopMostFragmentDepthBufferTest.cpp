@@ -32,7 +32,7 @@ struct Pick {
 };
 
 class TopMostFragmentDepthBufferCalls : public RecordingScopeFixture {
-protected:
+public:
   void TearDown() override {
     owner.reset();
     RecordingScopeFixture::TearDown();
