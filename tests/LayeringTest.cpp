@@ -5,8 +5,8 @@
 
 namespace {
 
-const std::set<std::string> Roots{"platform", "algorithms", "library", "examples", "tests",
-                                  "bench",    "fuzz",       "tools",   "docs"};
+const std::set<std::string> Roots{"platform", "algorithms", "library", "testing", "examples",
+                                  "tests",    "bench",      "fuzz",    "tools",   "docs"};
 
 /// The libraries, lowest layer first.
 constexpr std::array<const char*, 3> Layers{"platform", "algorithms", "library"};
@@ -48,12 +48,15 @@ std::string Fault(const std::string& p_from, const std::string& p_to) {
   }
   if (from[0] == "platform" && to[0] == "platform")
     return PlatformFault(from, to);
+  if (from[0] == "testing")
+    return to[0] == "testing" || to[0] == "platform" ? "" : "is not the platform";
   const auto fromLayer = std::find(Layers.begin(), Layers.end(), from[0]);
   const auto toLayer = std::find(Layers.begin(), Layers.end(), to[0]);
   if (fromLayer != Layers.end())
     return toLayer <= fromLayer ? "" : "points upwards";
   const bool ownTest = StartsWith(p_from, "tests/" + to[0] + "/") || (from[0] == "docs" && to[0] == "tests");
-  return toLayer != Layers.end() || ownTest || to[0] == from[0] ? "" : "belongs to another program";
+  const bool testing = to[0] == "testing" && (from[0] == "tests" || from[0] == "docs");
+  return toLayer != Layers.end() || ownTest || testing || to[0] == from[0] ? "" : "belongs to another program";
 }
 
 /// The fault of `p_from` with the line #include <p_to>; empty if allowed.
@@ -82,6 +85,11 @@ const Row Rows[] = {
     {"platform/ogl/Rgl.h", "platform/Version.h", "is outside the layers"},
     {"platform/ogl/Rgl.h", "platform/sound/Beep.h", "is in no known layer"},
     {"platform/ogl/Rgl.cpp", "algorithms/Array.h", "points upwards"},
+    {"platform/ogl/Rgl.cpp", "testing/RecordingGl.h", "points upwards"},
+    {"testing/RecordingGl.cpp", "library/ColorMap.h", "is not the platform"},
+    {"testing/RecordingGl.cpp", "platform/ogl/private/QuietReport.h", "is hidden"},
+    {"tests/testing/RecordingGlTest.cpp", "testing/private/RecordingModel.h", "is hidden"},
+    {"examples/gallery/Main.cpp", "testing/RecordingGl.h", "belongs to another program"},
     {"library/ColorMap.cpp", "tests/support/ReportCapture.h", "points upwards"},
     {"library/ColorMap.h", "library/private/color/Gradient.h", "is hidden"},
     {"library/ColorMap.cpp", "platform/ogl/private/Model.h", "is hidden"},

@@ -3,8 +3,8 @@
 #include "library/ColorMap.h"
 #include "library/Version.h"
 #include "platform/ogl/OffscreenContext.h"
-#include "platform/ogl/RecordingGl.h"
 #include "platform/ogl/ShaderProgram.h"
+#include "testing/RecordingGl.h"
 #include "tests/support/Test.h"
 
 #include <dlfcn.h>

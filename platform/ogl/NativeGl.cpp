@@ -1,7 +1,7 @@
 #include "platform/ogl/GlFunctions.h"
 
 #include "platform/debug/Check.h"
-#include "platform/ogl/private/GlDefaults.h"
+#include "platform/ogl/GlDefaults.h"
 
 #include <epoxy/gl.h> // before GLU's header, which must not bring in another GL header
 

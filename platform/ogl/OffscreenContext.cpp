@@ -1,9 +1,9 @@
 #include "platform/ogl/OffscreenContext.h"
 
 #include "platform/debug/Check.h"
+#include "platform/ogl/GlDefaults.h"
 #include "platform/ogl/PixelStore.h"
 #include "platform/ogl/private/EglContext.h"
-#include "platform/ogl/private/GlDefaults.h"
 #include "platform/ogl/private/QuietReport.h"
 
 #include <boost/make_shared.hpp>

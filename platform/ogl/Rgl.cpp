@@ -2,8 +2,8 @@
 
 #include "platform/debug/Check.h"
 #include "platform/ogl/BufferPool.h"
+#include "platform/ogl/GlDefaults.h"
 #include "platform/ogl/Guard.h"
-#include "platform/ogl/private/GlDefaults.h"
 #include "platform/types/ColorChannels.h"
 
 #include <boost/make_shared.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/ogl/RecordingGl.h"
+#include "testing/RecordingGl.h"
 #include "tests/support/Scope.h"
 
 #include <gtest/gtest.h>

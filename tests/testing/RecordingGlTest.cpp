@@ -1,4 +1,4 @@
-#include "platform/ogl/RecordingGl.h"
+#include "testing/RecordingGl.h"
 #include "tests/support/Test.h"
 
 namespace {

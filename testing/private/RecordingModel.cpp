@@ -1,7 +1,7 @@
-#include "platform/ogl/private/RecordingModel.h"
+#include "testing/private/RecordingModel.h"
 
-#include "platform/ogl/private/RecordingState.h"
-#include "platform/ogl/private/RecordingText.h"
+#include "testing/private/RecordingState.h"
+#include "testing/private/RecordingText.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // The recorder's textures and pixel transfers.
 
-#include "platform/ogl/private/RecordingModel.h"
-#include "platform/ogl/private/RecordingText.h"
+#include "testing/private/RecordingModel.h"
+#include "testing/private/RecordingText.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/ogl/RecordingGl.h"
-#include "platform/ogl/private/GlDefaults.h"
-#include "platform/ogl/private/RecordingMatrices.h"
+#include "platform/ogl/GlDefaults.h"
+#include "testing/RecordingGl.h"
+#include "testing/private/RecordingMatrices.h"
 
 #include <algorithm>
 #include <array>

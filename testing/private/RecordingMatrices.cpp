@@ -1,4 +1,4 @@
-#include "platform/ogl/private/RecordingMatrices.h"
+#include "testing/private/RecordingMatrices.h"
 
 #include "platform/types/Matrix.h"
 

@@ -1,4 +1,4 @@
-#include "platform/ogl/private/RecordingText.h"
+#include "testing/private/RecordingText.h"
 
 #include "platform/ogl/GlTokens.h"
 

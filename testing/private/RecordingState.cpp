@@ -1,4 +1,4 @@
-#include "platform/ogl/private/RecordingState.h"
+#include "testing/private/RecordingState.h"
 
 #include "platform/ogl/GlTokens.h"
 
