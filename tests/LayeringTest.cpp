@@ -90,7 +90,7 @@ const Row Rows[] = {
     {"testing/RecordingGl.cpp", "platform/ogl/private/QuietReport.h", "is hidden"},
     {"tests/testing/RecordingGlTest.cpp", "testing/private/RecordingModel.h", "is hidden"},
     {"examples/gallery/Main.cpp", "testing/RecordingGl.h", "belongs to another program"},
-    {"library/ColorMap.cpp", "tests/support/ReportCapture.h", "points upwards"},
+    {"library/ColorMap.cpp", "tests/support/FaultyGl.h", "points upwards"},
     {"library/ColorMap.h", "library/private/color/Gradient.h", "is hidden"},
     {"library/ColorMap.cpp", "platform/ogl/private/Model.h", "is hidden"},
     {"tests/library/ColorMapTest.cpp", "library/private/color/Gradient.h", "is hidden"},

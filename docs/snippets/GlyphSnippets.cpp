@@ -7,7 +7,7 @@
 #include "library/VectorSymbol.h"
 #include "platform/ogl/BufferDraw.h"
 #include "platform/ogl/ShaderProgram.h"
-#include "tests/support/Surface.h"
+#include "testing/Surface.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Library;

@@ -1,6 +1,6 @@
 #include "examples/scene/Sweep.h"
 
-#include "tests/support/Surface.h"
+#include "testing/Surface.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;

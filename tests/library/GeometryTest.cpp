@@ -1,6 +1,6 @@
 #include "library/Geometry.h"
 
-#include "tests/support/Surface.h"
+#include "testing/Surface.h"
 #include "tests/support/Test.h"
 
 namespace {

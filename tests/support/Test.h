@@ -4,11 +4,11 @@
 
 #include "platform/debug/Check.h"
 #include "platform/utility/GetLogger.h"
-#include "tests/support/PixelFixture.h"
-#include "tests/support/RecordingFixture.h"
-#include "tests/support/ReportCapture.h"
-#include "tests/support/Scope.h"
-#include "tests/support/TempFolder.h"
+#include "testing/PixelFixture.h"
+#include "testing/RecordingFixture.h"
+#include "testing/ReportCapture.h"
+#include "testing/Scope.h"
+#include "testing/TempFolder.h"
 
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>

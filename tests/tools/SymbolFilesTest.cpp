@@ -2,7 +2,7 @@
 
 #include "library/ObjModel.h"
 #include "library/VectorSymbol.h"
-#include "tests/support/Surface.h"
+#include "testing/Surface.h"
 #include "tests/support/Test.h"
 
 #include <iterator>

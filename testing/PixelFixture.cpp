@@ -1,4 +1,4 @@
-#include "tests/support/PixelFixture.h"
+#include "testing/PixelFixture.h"
 
 #include <cstdlib>
 

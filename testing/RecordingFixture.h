@@ -1,7 +1,7 @@
 #pragma once
 
 #include "testing/RecordingGl.h"
-#include "tests/support/Scope.h"
+#include "testing/Scope.h"
 
 #include <gtest/gtest.h>
 

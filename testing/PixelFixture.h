@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/ogl/OffscreenContext.h"
-#include "tests/support/Scope.h"
+#include "testing/Scope.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tests/support/Surface.h"
+#include "testing/Surface.h"
 
 #include <gtest/gtest.h>
 
