@@ -4,6 +4,7 @@
 #include "library/Version.h"
 #include "platform/ogl/OffscreenContext.h"
 #include "platform/ogl/ShaderProgram.h"
+#include "platform/ogl/VertexData.h"
 #include "testing/RecordingGl.h"
 #include "tests/support/Test.h"
 
@@ -91,6 +92,19 @@ TEST_F(HostSnippetPixels, Rgl) {
   gl->CheckError("MyScene::Draw"); // reports what GL did not like
   //! [Rgl]
   EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::red).rgba());
+}
+
+TEST_F(HostSnippetPixels, VertexData) {
+  Utility::Scoped<Rgl> gl(Handle());
+  std::vector<Types::Vector3_Base<float>> positions = {{-1, -1, 0}, {1, -1, 0}, {0, 1, 0}};
+  //! [VertexData]
+  Ogl::VertexData data;
+  data.SetVertices(std::move(positions)); // the vector's memory, not a copy
+  data.SetIndices(std::vector<unsigned int>{0, 1, 2});
+  data.PrimitiveType() = Ogl::VertexBuffer::Triangles;
+  data.Draw(gl);
+  //! [VertexData]
+  EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::white).rgba());
 }
 
 TEST_F(HostSnippetPixels, ShaderProgram) {

@@ -3,12 +3,17 @@
 #include "platform/Export.h"
 #include "platform/ogl/GlTypes.h"
 #include "platform/ogl/VertexBuffer.h"
+#include "platform/ogl/VertexElement.h"
 #include "platform/types/Property.h"
 #include "platform/utility/Scope.h"
 
+#include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 
 #include <cstddef>
+#include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace Vek::Chart::Ogl {
 
@@ -17,6 +22,7 @@ class Rgl;
 /// Geometry in CPU memory: positions, normals, texture coordinates and indices, each an array with shared ownership,
 /// and the primitive type of the indices, or of the vertices if there are no indices.
 ///
+/// \snippet HostSnippets.cpp VertexData
 /// \ingroup host
 class VEK_PLATFORM_API VertexData {
 public:
@@ -61,6 +67,34 @@ public:
   void SetIndices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, ComponentType p_type);
 
   ///@{
+  /// Replaces one array by the elements of a vector, which is not copied if it is moved in. An empty vector removes the
+  /// array. Elements are those of `VertexElement`, of floats or doubles: positions of 2 to 4 components, normals of 3,
+  /// texture coordinates of 1 to 4. Other elements do not compile.
+  template <class E>
+  void SetVertices(std::vector<E> p_elements) {
+    static_assert(IsReal<E>() && Components<E>() >= 2 && Components<E>() <= 4, "2 to 4 floats or doubles a position");
+    _vertices = ArrayOf(std::move(p_elements));
+  }
+  template <class E>
+  void SetNormals(std::vector<E> p_elements) {
+    static_assert(IsReal<E>() && Components<E>() == 3, "3 floats or doubles a normal");
+    _normals = ArrayOf(std::move(p_elements));
+  }
+  template <class E>
+  void SetTexCoords(std::vector<E> p_elements) {
+    static_assert(IsReal<E>() && Components<E>() >= 1 && Components<E>() <= 4,
+                  "1 to 4 floats or doubles a texture coordinate");
+    _texCoords = ArrayOf(std::move(p_elements));
+  }
+  ///@}
+  /// Replaces the indices by those of a vector of unsigned char, unsigned short or unsigned int, likewise.
+  template <class E>
+  void SetIndices(std::vector<E> p_indices) {
+    static_assert(!IsReal<E>() && Components<E>() == 1, "unsigned char, unsigned short or unsigned int");
+    _indices = ArrayOf(std::move(p_indices));
+  }
+
+  ///@{
   /// One array.
   const Array& Vertices() const { return _vertices; }
   const Array& Normals() const { return _normals; }
@@ -88,6 +122,34 @@ public:
   void Draw(Utility::Scoped<Rgl>& p_gl, unsigned int p_instances) const;
 
 private:
+  template <class E>
+  using ScalarOf = typename VertexElement<E>::Scalar;
+  template <class E>
+  static constexpr bool IsReal() {
+    return std::is_floating_point_v<ScalarOf<E>>;
+  }
+  template <class E>
+  static constexpr unsigned int Components() {
+    return VertexElement<E>::Count;
+  }
+  template <class T>
+  static constexpr ComponentType TypeOf() {
+    static_assert(std::is_same_v<T, float> || std::is_same_v<T, double> || std::is_same_v<T, unsigned char> ||
+                  std::is_same_v<T, unsigned short> || std::is_same_v<T, unsigned int>);
+    if constexpr (std::is_floating_point_v<T>)
+      return std::is_same_v<T, float> ? Float : Double;
+    else
+      return sizeof(T) == 1 ? UnsignedByte : sizeof(T) == 2 ? UnsignedShort : UnsignedInt;
+  }
+  template <class E>
+  static Array ArrayOf(std::vector<E> p_elements) {
+    if (p_elements.empty())
+      return {};
+    const auto elements = boost::make_shared<const std::vector<E>>(std::move(p_elements));
+    return {boost::shared_ptr<const void>(elements, elements->data()), elements->size(), Components<E>(),
+            TypeOf<ScalarOf<E>>()};
+  }
+
   Array _vertices;
   Array _normals;
   Array _texCoords;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace Vek::Chart::Types {
@@ -16,6 +17,12 @@ public:
 
   /// Gives the property a value of its own.
   void Set(T p_value) { _value = std::move(p_value); }
+  /// As `Set`: `style.color = Qt::red`. `= {}` assigns a new property, which is not set.
+  template <class U, class = std::enable_if_t<std::is_convertible_v<U&&, T>>>
+  StyleProperty& operator=(U&& p_value) {
+    Set(static_cast<T>(std::forward<U>(p_value)));
+    return *this;
+  }
   /// Removes the own value: the default applies again.
   void Reset() { _value.reset(); }
   /// Changes the default, not the own value.

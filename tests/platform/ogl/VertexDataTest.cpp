@@ -32,6 +32,41 @@ TEST(VertexData, ArraysAreSharedAndNullRemovesThem) {
   EXPECT_EQ(data.PrimitiveType().Value(), VertexBuffer::Undecided);
 }
 
+template <class E>
+std::tuple<unsigned int, Ogl::GlEnum> LayoutOf(std::vector<E> p_elements) {
+  VertexData data;
+  const E* const first = p_elements.data();
+  const std::size_t count = p_elements.size();
+  if constexpr (Ogl::VertexElement<E>::Count == 1 && !std::is_floating_point_v<E>)
+    data.SetIndices(std::move(p_elements));
+  else
+    data.SetTexCoords(std::move(p_elements));
+  const VertexData::Array& array = data.Indices().Empty() ? data.TexCoords() : data.Indices();
+  EXPECT_EQ(array.data.get(), first) << "moved in";
+  EXPECT_EQ(array.count, count);
+  return {array.components, array.type};
+}
+
+TEST(VertexData, TakesVectorsWithoutACopy) {
+  using Layout = std::tuple<unsigned int, Ogl::GlEnum>;
+  EXPECT_EQ(LayoutOf(std::vector<float>(2)), Layout(1, RGL_FLOAT));
+  EXPECT_EQ(LayoutOf(std::vector<std::array<float, 2>>(2)), Layout(2, RGL_FLOAT));
+  EXPECT_EQ(LayoutOf(std::vector<boost::array<double, 4>>(3)), Layout(4, RGL_DOUBLE));
+  EXPECT_EQ(LayoutOf(std::vector<Types::Vector3_Base<double>>(1)), Layout(3, RGL_DOUBLE));
+  EXPECT_EQ(LayoutOf(std::vector<Ogl::Attribute<Ogl::Vec3<float>>>(1)), Layout(3, RGL_FLOAT));
+  EXPECT_EQ(LayoutOf(std::vector<QVector3D>(1)), Layout(3, RGL_FLOAT));
+  EXPECT_EQ(LayoutOf(std::vector<unsigned char>(5)), Layout(1, RGL_UNSIGNED_BYTE));
+  EXPECT_EQ(LayoutOf(std::vector<unsigned short>(5)), Layout(1, RGL_UNSIGNED_SHORT));
+  EXPECT_EQ(LayoutOf(std::vector<unsigned int>(5)), Layout(1, RGL_UNSIGNED_INT));
+
+  VertexData data;
+  data.SetVertices(std::vector<Types::Vector3_Base<float>>{{1, 2, 3}, {4, 5, 6}});
+  data.SetNormals(std::vector<Types::Vector3_Base<float>>{{7, 8, 9}});
+  EXPECT_EQ(std::tuple(data.Vertices().As<float>()[5], data.Normals().As<float>()[2]), std::tuple(6.0F, 9.0F));
+  data.SetVertices(std::vector<Types::Vector3_Base<float>>());
+  EXPECT_TRUE(data.Vertices().Empty() && data.Vertices().data == nullptr);
+}
+
 using VertexDataCalls = RecordingScopeFixture;
 
 TEST_F(VertexDataCalls, DrawsInOneCallAndRestoresTheHostsState) {
