@@ -40,19 +40,59 @@ int StippleFactor(float p_width) {
                                                                        : std::numeric_limits<int>::max();
 }
 
+using DrawFunction = boost::function<void(Utility::Scoped<Rgl>&)>;
+
+/// What a pattern draws where its second colour is transparent.
+enum class Gaps {
+  Filled, ///< as the pattern's set bits: the pattern is solid
+  Open,   ///< nothing
+};
+
 /// The two passes that fills and lines share; `p_stipple` switches the style's stipple on.
-template <class Style, class Stipple>
-void DrawPasses(const Style& p_style, Utility::Scoped<Rgl>& p_gl, boost::function<void(Utility::Scoped<Rgl>&)>& p_draw,
+template <class Record, class Stipple>
+void DrawPasses(const Record& p_style, Utility::Scoped<Rgl>& p_gl, DrawFunction& p_draw, Gaps p_gaps,
                 const Stipple& p_stipple) {
-  if (p_style.pattern.Effective() != 1 && Visible(p_style.secondColor)) {
+  const bool pattern = p_style.pattern.Effective() != 1;
+  const bool second = pattern && Visible(p_style.secondColor);
+  if (second) {
     p_gl->Color(p_style.secondColor.Effective());
     p_draw(p_gl);
-    p_stipple();
   }
+  if (second || (pattern && p_gaps == Gaps::Open))
+    p_stipple();
   if (Visible(p_style.color)) {
     p_gl->Color(p_style.color.Effective());
     p_draw(p_gl);
   }
+}
+
+void DrawFill(const Types::FillStyle& p_style, Utility::Scoped<Rgl>& p_gl, DrawFunction& p_draw, Gaps p_gaps) {
+  const std::uint32_t pattern = p_style.pattern.Effective();
+  if (pattern == 0)
+    return;
+  const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_POLYGON_BIT | RGL_CURRENT_BIT);
+  DrawPasses(p_style, p_gl, p_draw, p_gaps, [&] {
+    p_gl->Enable(RGL_POLYGON_STIPPLE);
+    const boost::shared_ptr<void> unpacking = Ogl::ImageUnpackScope(*p_gl);
+    p_gl->PolygonStipple(Pattern::PolygonStipplePattern(static_cast<Pattern::FillPattern>(pattern)));
+  });
+}
+
+void DrawLine(const Types::LineStyle& p_style, Utility::Scoped<Rgl>& p_gl, DrawFunction& p_draw, Gaps p_gaps) {
+  const std::uint32_t pattern = p_style.pattern.Effective();
+  if (pattern == 0)
+    return;
+  const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_LINE_BIT | RGL_CURRENT_BIT);
+  if (p_style.smooth.Effective())
+    p_gl->Enable(RGL_LINE_SMOOTH);
+  else
+    p_gl->Disable(RGL_LINE_SMOOTH);
+  const float width = p_style.width.Effective();
+  p_gl->LineWidth(width);
+  DrawPasses(p_style, p_gl, p_draw, p_gaps, [&] {
+    p_gl->Enable(RGL_LINE_STIPPLE);
+    p_gl->LineStipple(StippleFactor(width), Pattern::LineStipplePattern(static_cast<Pattern::LinePattern>(pattern)));
+  });
 }
 
 } // namespace
@@ -102,33 +142,22 @@ void Style::ApplyStyle(boost::shared_ptr<Ogl::Text>& p_text, const Types::TextSt
 
 void Style::DrawInternal(const Types::FillStyle& p_style, Utility::Scoped<Rgl>& p_gl,
                          boost::function<void(Utility::Scoped<Rgl>&)>& p_draw) {
-  const std::uint32_t pattern = p_style.pattern.Effective();
-  if (pattern == 0)
-    return;
-  const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_POLYGON_BIT | RGL_CURRENT_BIT);
-  DrawPasses(p_style, p_gl, p_draw, [&] {
-    p_gl->Enable(RGL_POLYGON_STIPPLE);
-    const boost::shared_ptr<void> unpacking = Ogl::ImageUnpackScope(*p_gl);
-    p_gl->PolygonStipple(Pattern::PolygonStipplePattern(static_cast<Pattern::FillPattern>(pattern)));
-  });
+  DrawFill(p_style, p_gl, p_draw, Gaps::Filled);
 }
 
 void Style::DrawInternal(const Types::LineStyle& p_style, Utility::Scoped<Rgl>& p_gl,
                          boost::function<void(Utility::Scoped<Rgl>&)>& p_draw) {
-  const std::uint32_t pattern = p_style.pattern.Effective();
-  if (pattern == 0)
-    return;
-  const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_LINE_BIT | RGL_CURRENT_BIT);
-  if (p_style.smooth.Effective())
-    p_gl->Enable(RGL_LINE_SMOOTH);
-  else
-    p_gl->Disable(RGL_LINE_SMOOTH);
-  const float width = p_style.width.Effective();
-  p_gl->LineWidth(width);
-  DrawPasses(p_style, p_gl, p_draw, [&] {
-    p_gl->Enable(RGL_LINE_STIPPLE);
-    p_gl->LineStipple(StippleFactor(width), Pattern::LineStipplePattern(static_cast<Pattern::LinePattern>(pattern)));
-  });
+  DrawLine(p_style, p_gl, p_draw, Gaps::Filled);
+}
+
+void Style::DrawGaps(const Types::FillStyle& p_style, Utility::Scoped<Rgl>& p_gl,
+                     boost::function<void(Utility::Scoped<Rgl>&)>& p_draw) {
+  DrawFill(p_style, p_gl, p_draw, Gaps::Open);
+}
+
+void Style::DrawGaps(const Types::LineStyle& p_style, Utility::Scoped<Rgl>& p_gl,
+                     boost::function<void(Utility::Scoped<Rgl>&)>& p_draw) {
+  DrawLine(p_style, p_gl, p_draw, Gaps::Open);
 }
 
 } // namespace Vek::Chart::Library

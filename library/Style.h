@@ -13,6 +13,8 @@
 #include <boost/function.hpp>
 #include <boost/shared_ptr.hpp>
 
+#include <type_traits>
+
 namespace Vek::Chart::Library {
 
 /// Visibility of styles, and drawing with them. Only the effective values of a style's properties count.
@@ -60,6 +62,37 @@ public:
   /// width has the stipple factor 0.
   static void DrawInternal(const Types::LineStyle& p_style, Utility::Scoped<Rgl>& p_gl,
                            boost::function<void(Utility::Scoped<Rgl>&)>& p_draw);
+
+  /// `DrawInternal` with any callable, which is not copied. It is called with the scope or, if it takes no argument,
+  /// without. `p_style`: a FillStyle or LineStyle.
+  template <class Record, class Function>
+  static void Draw(const Record& p_style, Utility::Scoped<Rgl>& p_gl, Function&& p_draw) {
+    boost::function<void(Utility::Scoped<Rgl>&)> draw = Reference(p_draw);
+    DrawInternal(p_style, p_gl, draw);
+  }
+  /// As `Draw`, but the gaps of a pattern are left out where the second colour is transparent, instead of the pattern
+  /// being drawn solid.
+  template <class Record, class Function>
+  static void DrawWithGaps(const Record& p_style, Utility::Scoped<Rgl>& p_gl, Function&& p_draw) {
+    boost::function<void(Utility::Scoped<Rgl>&)> draw = Reference(p_draw);
+    DrawGaps(p_style, p_gl, draw);
+  }
+
+private:
+  /// A function of one word, which boost::function holds without memory of its own.
+  template <class Function>
+  static auto Reference(Function& p_draw) {
+    return [&p_draw](Utility::Scoped<Rgl>& p_gl) {
+      if constexpr (std::is_invocable_v<Function&, Utility::Scoped<Rgl>&>)
+        p_draw(p_gl);
+      else
+        p_draw();
+    };
+  }
+  static void DrawGaps(const Types::FillStyle& p_style, Utility::Scoped<Rgl>& p_gl,
+                       boost::function<void(Utility::Scoped<Rgl>&)>& p_draw);
+  static void DrawGaps(const Types::LineStyle& p_style, Utility::Scoped<Rgl>& p_gl,
+                       boost::function<void(Utility::Scoped<Rgl>&)>& p_draw);
 };
 
 } // namespace Vek::Chart::Library

@@ -154,13 +154,15 @@ TEST_F(ColorSnippetPixels, Pattern) {
 TEST_F(ColorSnippetPixels, Style) {
   //! [Style]
   Types::FillStyle style;
-  style.pattern.Set(Pattern::FillHorizontal);
-  style.color.Set(Qt::red);
-  style.secondColor.Set(Qt::yellow); // lies under the gaps
-
-  boost::function<void(Utility::Scoped<Rgl>&)> draw = DrawFrame; // what the style is for
+  style.pattern = Pattern::FillHorizontal;
+  style.color = Qt::red;
+  style.secondColor = Qt::yellow; // lies under the gaps
   if (Style::HasFill(style))
-    Style::DrawInternal(style, gl, draw);
+    Style::Draw(style, gl, [&] { DrawFrame(gl); }); // what the style is for
+
+  Types::LineStyle dashes;
+  dashes.pattern = Pattern::LineMedium;
+  Style::DrawWithGaps(dashes, gl, [&] { /* a line, of which every other four pixels are drawn */ });
   //! [Style]
   EXPECT_EQ(std::pair(At(30, 4), At(30, 5)), std::pair(QColor(Qt::red), QColor(Qt::yellow)));
 }

@@ -168,6 +168,32 @@ TEST_F(StyleCalls, LinesInUpToTwoPasses) {
   EXPECT_EQ(recorder.TakeComplaints(), Lines(3, "LineWidth: not above 0")) << "GL refuses 0, -3 and NaN";
 }
 
+TEST_F(StyleCalls, DrawsWithAnyCallableAndWithRealGaps) {
+  const std::string mask = "LineStipple(3, 0xAAAA)";
+  const auto drawn = [&](const auto& p_style, bool p_gaps) {
+    recorder.Clear();
+    const auto draw = [&, own = std::make_unique<int>()](Scope& p_gl) { p_gl->DepthFunc(RGL_LESS); };
+    if (p_gaps)
+      Style::DrawWithGaps(p_style, gl, draw);
+    else
+      Style::Draw(p_style, gl, [&] { draw(gl); });
+    return recorder.LinesOf({"Enable", "Color4d", "DepthFunc", "LineStipple"});
+  };
+  const std::string line = "Enable(GL_LINE_STIPPLE)", fill = "Enable(GL_POLYGON_STIPPLE)";
+  const std::tuple<Types::LineStyle, bool, Lines> lines[] = {
+      {Line(3, 3, Qt::red, Clear), false, {FirstPass, Draw}},
+      {Line(3, 3, Qt::red, Clear), true, {line, mask, FirstPass, Draw}},
+      {Line(3, 3, Qt::red, Qt::blue), true, {SecondPass, Draw, line, mask, FirstPass, Draw}},
+      {Line(3, 3, Clear, Clear), true, {line, mask}},
+      {Line(1, 3, Qt::red, Clear), true, {FirstPass, Draw}},
+      {Line(0, 3, Qt::red, Clear), true, {}},
+  };
+  for (const auto& [style, gaps, expected] : lines)
+    EXPECT_EQ(drawn(style, gaps), expected) << style.pattern.Effective() << gaps;
+  EXPECT_EQ(drawn(Fill(8, Qt::red, Clear), false), (Lines{FirstPass, Draw}));
+  EXPECT_EQ(drawn(Fill(8, Qt::red, Clear), true), (Lines{fill, FirstPass, Draw}));
+}
+
 TEST_F(StyleCalls, RestoresTheStateWhenDrawingThrows) {
   DrawFunction draw = [](Scope&) { throw std::runtime_error("draw"); };
   EXPECT_THROW(Style::DrawInternal(Fill(5, Qt::red, Qt::blue), gl, draw), std::runtime_error);
@@ -202,4 +228,17 @@ TEST_F(StylePixels, EveryFillPatternBitForBit) {
     EXPECT_TRUE(SameImage(Image(), expected)) << "pattern " << pattern;
   }
   gl->PixelStorei(RGL_UNPACK_LSB_FIRST, 0);
+}
+
+TEST_F(StylePixels, ADashedLineHasGaps) {
+  const auto pixels = gl->PixelProjection({0, 0, FrameSize.width, FrameSize.height});
+  const auto draw = [&] {
+    gl->Begin(RGL_LINES);
+    gl->Vertex(0.5, 10.5, 0);
+    gl->Vertex(48.5, 10.5, 0);
+    gl->End();
+  };
+  Style::DrawWithGaps(Line(Pattern::LineLong, 1, Qt::red), gl, draw);
+  for (int x = 0; x < 48; ++x) // eight pixels off, eight on
+    EXPECT_EQ(At(x, 10).alpha(), x % 16 < 8 ? 0 : 255) << x;
 }
