@@ -48,7 +48,10 @@ inline std::string TextureSettings(const std::string& p_filter, const std::strin
 /// leaked objects, open pairs. A test that expects misuse takes it with `recorder.TakeComplaints()`.
 class RecordingFixture : public testing::Test {
 public:
-  void TearDown() override { EXPECT_EQ(recorder.Complaints(), Lines()); }
+  void TearDown() override {
+    { const Scope freesWhatEndedOutsideScopes(recorder.Handle()); }
+    EXPECT_EQ(recorder.Complaints(), Lines());
+  }
 
   /// All calls so far but queries, which only read GL's state.
   Lines Changes() const {

@@ -1,6 +1,7 @@
 #include "testing/RecordingGl.h"
 
 #include "platform/debug/Check.h"
+#include "platform/ogl/PerContext.h"
 #include "testing/private/RecordingModel.h"
 #include "testing/private/RecordingText.h"
 
@@ -122,6 +123,7 @@ RecordingGl::RecordingGl()
           })) {}
 
 RecordingGl::~RecordingGl() {
+  Release(Utility::Scoped<Rgl>(_handle));
   if (active == _state)
     active.reset();
 }

@@ -3,6 +3,7 @@
 #include "library/ColorMap.h"
 #include "library/Version.h"
 #include "platform/ogl/OffscreenContext.h"
+#include "platform/ogl/PerContext.h"
 #include "platform/ogl/ShaderProgram.h"
 #include "platform/ogl/VertexData.h"
 #include "testing/RecordingGl.h"
@@ -123,6 +124,39 @@ TEST_F(HostSnippetPixels, ShaderProgram) {
   } // the program before is current again
   //! [ShaderProgram]
   EXPECT_EQ(PixelAt(Image(), 30, 10), QColor(Qt::green).rgba());
+}
+
+//! [PerContext]
+/// A triangle that can be drawn in any context.
+class Triangle {
+public:
+  void Draw(Utility::Scoped<Rgl>& p_gl) const {
+    const auto record = [&] {
+      boost::shared_ptr<Ogl::DisplayList> list = p_gl->GenDisplayList();
+      const boost::shared_ptr<void> recording = list->Compile();
+      p_gl->Begin(RGL_TRIANGLES);
+      p_gl->Vertex(-1, -1, 0);
+      p_gl->Vertex(1, -1, 0);
+      p_gl->Vertex(0, 1, 0);
+      p_gl->End();
+      return list;
+    };
+    (*_lists.Get(p_gl, record))(); // recorded once in each context
+  }
+
+private:
+  Ogl::PerContext<boost::shared_ptr<Ogl::DisplayList>> _lists; // each freed with its context or with the triangle
+};
+//! [PerContext]
+
+TEST_F(HostSnippetPixels, PerContext) {
+  const Triangle triangle;
+  Ogl::OffscreenContext other({61, 37});
+  for (Ogl::OffscreenContext* const context : {&other, &Context()}) {
+    Utility::Scoped<Rgl> gl(context->Handle());
+    triangle.Draw(gl);
+    EXPECT_EQ(PixelAt(context->Image(), 30, 10), QColor(Qt::white).rgba());
+  }
 }
 
 // A context that somebody else made current.

@@ -11,7 +11,8 @@ namespace Vek::Chart::Ogl {
 //
 // At that moment the context that made it, or one that shares objects with it, must be current. A host that brings its
 // own context must ensure this: otherwise the name is leaked, or an object of another context that has the same name is
-// deleted. Objects of an `OffscreenContext` may outlive it; they are then reported and dropped.
+// deleted. Objects of an `OffscreenContext` may outlive it; they are then reported and dropped. `PerContext` ensures it
+// for the objects of its values.
 
 /// The name of a GL texture. The first bind decides its target.
 class VEK_PLATFORM_API Texture {

@@ -94,8 +94,7 @@ GlFunctions MakeEndedGl() {
 }
 
 /// A handle whose scopes make the context current while it exists.
-Utility::Unscoped<Rgl> MakeHandle(const boost::shared_ptr<const GlFunctions>& p_functions,
-                                  const boost::weak_ptr<EglContext>& p_context) {
+Utility::Unscoped<Rgl> MakeHandle(const boost::weak_ptr<EglContext>& p_context) {
   const auto enter = [p_context] {
     if (const boost::shared_ptr<EglContext> context = p_context.lock())
       context->MakeCurrent();
@@ -106,7 +105,7 @@ Utility::Unscoped<Rgl> MakeHandle(const boost::shared_ptr<const GlFunctions>& p_
     if (const boost::shared_ptr<EglContext> context = p_context.lock())
       context->Restore();
   };
-  return Utility::Unscoped<Rgl>(boost::make_shared<Rgl>(p_functions, enter, leave));
+  return Utility::Unscoped<Rgl>(boost::make_shared<Rgl>(boost::make_shared<GlFunctions>(NativeGl()), enter, leave));
 }
 
 } // namespace
@@ -117,13 +116,14 @@ struct VEK_HIDDEN OffscreenContext::State {
   ~State() {
     try {
       const boost::shared_ptr<void> current = egl->CurrentScope();
+      handle.Object()->FreeValues();
       multisampled = {};
       plain = {};
     } catch (...) {
       // The objects end with the context.
       ReportQuietly([] { vekdebug::warn("OffscreenContext: the context could not be made current at its end"); });
     }
-    *functions = MakeEndedGl(); // for handles and objects that are still held
+    handle.Object()->EndContext(MakeEndedGl()); // for handles and objects that are still held
   }
 
   void MakeTargets(const Rgl& p_gl, int p_samples) {
@@ -139,8 +139,7 @@ struct VEK_HIDDEN OffscreenContext::State {
 
   Types::Size size;
   boost::shared_ptr<EglContext> egl = boost::make_shared<EglContext>();
-  boost::shared_ptr<GlFunctions> functions = boost::make_shared<GlFunctions>(NativeGl());
-  Utility::Unscoped<Rgl> handle = MakeHandle(functions, egl);
+  Utility::Unscoped<Rgl> handle = MakeHandle(egl);
   Target multisampled; // empty without multisampling
   Target plain;        // samples are resolved into it
 };

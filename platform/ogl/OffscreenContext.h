@@ -17,9 +17,9 @@ namespace Vek::Chart::Ogl {
 /// The frame buffer (8-bit RGBA, 24-bit depth, 8-bit stencil, optionally multisampled) is bound and the viewport covers
 /// it when the constructor returns.
 ///
-/// The context ends with this object. Handles and GL objects that are held longer stay safe: objects released later are
-/// reported ("WARNING: OffscreenContext: glDeleteTextures after the end of the context"), a scope opened later is
-/// reported, and all calls do nothing.
+/// The context ends with this object, which frees the values of `PerContext` in it. Handles and GL objects that are
+/// held longer stay safe: objects released later are reported ("WARNING: OffscreenContext: glDeleteTextures after the
+/// end of the context"), a scope opened later is reported, and all calls do nothing.
 ///
 /// \snippet HostSnippets.cpp OffscreenContext
 /// \ingroup host

@@ -4,6 +4,8 @@
 #include "platform/ogl/BufferPool.h"
 #include "platform/ogl/GlDefaults.h"
 #include "platform/ogl/Guard.h"
+#include "platform/ogl/private/ContextStore.h"
+#include "platform/ogl/private/QuietReport.h"
 #include "platform/types/ColorChannels.h"
 
 #include <boost/make_shared.hpp>
@@ -35,38 +37,81 @@ constexpr const char* BindScope =
 #undef VEK_GUARD
 #undef VEK_HANDLE
 
-/// The table itself when all of its functions are set. Otherwise a copy in which the missing ones, whose names are
-/// reported, do nothing.
-boost::shared_ptr<const GlFunctions> Complete(boost::shared_ptr<const GlFunctions> p_gl) {
-  auto complete = p_gl ? boost::make_shared<GlFunctions>(*p_gl) : boost::make_shared<GlFunctions>();
-  std::string missing;
-#define VEK_FUNCTION(p_prefix, p_result, p_name, p_parameters, p_arguments)                                            \
-  if (complete->p_name == nullptr) {                                                                                   \
-    missing += " " p_prefix #p_name;                                                                                   \
-    complete->p_name = [] p_parameters -> p_result { return GlDefaults().p_name p_arguments; };                        \
-  }
+/// Functions that do nothing and return 0.
+GlFunctions MakeInertGl() {
+  GlFunctions table;
 #define VEK_GL(p_result, p_name, p_parameters, p_arguments)                                                            \
-  VEK_FUNCTION("gl", p_result, p_name, p_parameters, p_arguments)
-#define VEK_GLU(p_result, p_name, p_parameters, p_arguments)                                                           \
-  VEK_FUNCTION("glu", p_result, p_name, p_parameters, p_arguments)
+  table.p_name = [] p_parameters -> p_result { return GlDefaults().p_name p_arguments; };
+#include "platform/ogl/GlFunctionList.h"
+  return table;
+}
+
+/// A copy of a table with the owner of its functions.
+struct Table {
+  GlFunctions functions;
+  boost::shared_ptr<const GlFunctions> source;
+};
+
+/// A copy in which missing functions, whose names are reported, do nothing.
+boost::shared_ptr<GlFunctions> CompleteCopy(const boost::shared_ptr<const GlFunctions>& p_gl) {
+  const auto table = boost::make_shared<Table>();
+  if (p_gl)
+    *table = {*p_gl, p_gl};
+  const GlFunctions inert = MakeInertGl();
+  std::string missing;
+#define VEK_FUNCTION(p_prefix, p_name)                                                                                 \
+  if (table->functions.p_name == nullptr) {                                                                            \
+    missing += " " p_prefix #p_name;                                                                                   \
+    table->functions.p_name = inert.p_name;                                                                            \
+  }
+#define VEK_GL(p_result, p_name, p_parameters, p_arguments) VEK_FUNCTION("gl", p_name)
+#define VEK_GLU(p_result, p_name, p_parameters, p_arguments) VEK_FUNCTION("glu", p_name)
 #include "platform/ogl/GlFunctionList.h"
 #undef VEK_FUNCTION
-  if (missing.empty())
-    return p_gl;
-  vekdebug::warn("Rgl: the function table lacks" + missing);
-  return complete;
+  if (!missing.empty())
+    vekdebug::warn("Rgl: the function table lacks" + missing);
+  return {table, &table->functions};
 }
 
 } // namespace
 
 Rgl::Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_makeCurrent,
          boost::function<void()> p_release)
-    : _gl(Complete(std::move(p_gl)))
+    : _table(CompleteCopy(p_gl))
+    , _gl(_table)
     , _makeCurrent(std::move(p_makeCurrent))
     , _release(std::move(p_release))
-    , _bufferPool(std::make_unique<BufferPool>(_gl)) {}
+    , _bufferPool(std::make_unique<BufferPool>(_gl))
+    , _store(boost::make_shared<ContextStore>()) {}
 
-Rgl::~Rgl() = default;
+Rgl::~Rgl() {
+  const std::size_t count = _store->Size();
+  if (count == 0)
+    return;
+  ForgetValues();
+  ReportQuietly([count] {
+    vekdebug::warn("Rgl: " + std::to_string(count) +
+                   " values of PerContext were not released before the last handle of their context ended; their GL "
+                   "names are forgotten");
+  });
+}
+
+void Rgl::FreeValues() {
+  _store->FreeAll();
+}
+
+void Rgl::ForgetValues() {
+  const GlFunctions functions = *_table;
+  *_table = MakeInertGl();
+  _table->DeleteQuadric = functions.DeleteQuadric; // quadrics are memory, which no context owns
+  _store->FreeAll();
+  *_table = functions; // for other objects, which their holders delete
+}
+
+void Rgl::EndContext(const GlFunctions& p_functions) {
+  ForgetValues();
+  *_table = p_functions;
+}
 
 Utility::Unscoped<Rgl> Rgl::OnCurrentContext() {
   const boost::shared_ptr<const GlFunctions> native(&NativeGl(), [](const GlFunctions*) {});
@@ -76,12 +121,15 @@ Utility::Unscoped<Rgl> Rgl::OnCurrentContext() {
 void Rgl::ScopeBegin() {
   if (_scopeDepth == 0 && _makeCurrent)
     _makeCurrent(); // when it throws, no scope was opened
-  ++_scopeDepth;
+  if (++_scopeDepth == 1)
+    _store->EnterScope();
 }
 
 void Rgl::ScopeEnd() {
   if (!VEK_ENSURE(_scopeDepth > 0, Signature::ScopeEnd))
     return;
+  if (_scopeDepth == 1)
+    _store->LeaveScope();
   if (--_scopeDepth == 0 && _release)
     _release();
 }

@@ -25,6 +25,7 @@
 namespace Vek::Chart::Ogl {
 
 class BufferPool;
+class ContextStore;
 
 /// The rendering interface of one GL context, and the only class that calls GL. It is used through a rendering scope,
 /// `Utility::Scoped<Rgl>`.
@@ -49,13 +50,15 @@ public:
   /// The number of a texture coordinate set, from 0; it is added to RGL_TEXTURE0.
   using TexCoordIndex = unsigned int;
 
-  /// `p_gl` is the table that all calls go through. Functions that it lacks are reported by name ("WARNING: Rgl: the
-  /// function table lacks glMapBufferRange") and do nothing when they are called.
+  /// `p_gl` is the table that all calls go through; it is copied, and held for as long as the copy. Functions that it
+  /// lacks are reported by name ("WARNING: Rgl: the function table lacks glMapBufferRange") and do nothing when they
+  /// are called.
   ///
   /// `p_makeCurrent` is called when the outermost scope opens and must make the context current; `p_release` is called
   /// when it closes. Both may be empty if the context is current whenever a scope is open.
   explicit Rgl(boost::shared_ptr<const GlFunctions> p_gl, boost::function<void()> p_makeCurrent = {},
                boost::function<void()> p_release = {});
+  /// Values of `PerContext` that are left are destroyed without a call of GL, and reported by their number.
   ~Rgl();
 
   /// A handle for hosts that make their own context current before they open a scope, a Qt widget for example.
@@ -179,11 +182,23 @@ public:
   }
 
 private:
+  friend class ContextValues;
+  friend class OffscreenContext;
+
+  /// Frees the values of `PerContext`. The context must be current.
+  void FreeValues();
+  /// Destroys them without a call of GL.
+  void ForgetValues();
+  /// The context ends: forgets the values and sends later calls to another table.
+  void EndContext(const GlFunctions& p_functions);
+
+  boost::shared_ptr<GlFunctions> _table; // of this Rgl alone
   boost::shared_ptr<const GlFunctions> _gl;
   boost::function<void()> _makeCurrent;
   boost::function<void()> _release;
   unsigned int _scopeDepth = 0;
   std::unique_ptr<BufferPool> _bufferPool;
+  boost::shared_ptr<ContextStore> _store;
   mutable std::unique_ptr<const DeviceFeatures> _features; // empty until they are read
 };
 
