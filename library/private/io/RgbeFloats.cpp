@@ -1,10 +1,10 @@
 #include "library/private/io/RgbeFloats.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
-#if defined(__GNUC__) && defined(__x86_64__)
+// A test defines VEK_WITHOUT_AVX2 to build the code of other processors.
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(VEK_WITHOUT_AVX2)
 #define VEK_HAS_AVX2_CLONES
 #define VEK_ALWAYS_INLINE inline __attribute__((always_inline))
 #else
@@ -58,7 +58,7 @@ __attribute__((target("avx2"))) void ConvertByAvx2(const RgbeBytes& p_bytes, std
 template <std::size_t Stride>
 Converter BestConverter() {
 #ifdef VEK_HAS_AVX2_CLONES
-  if (__builtin_cpu_supports("avx2") && std::getenv("VEK_NO_AVX2") == nullptr)
+  if (__builtin_cpu_supports("avx2"))
     return &ConvertByAvx2<Stride>;
 #endif
   return &ConvertAnywhere<Stride>;

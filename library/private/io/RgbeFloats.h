@@ -5,8 +5,7 @@
 namespace Vek::Chart::Library::Private {
 
 // Radiance pixels from bytes to floats, three a pixel: mantissa / 256 × 2^(exponent − 128), and 0 for an exponent of 0.
-// AVX2 is used where the processor has it, unless the environment variable VEK_NO_AVX2 is set when the first pixels are
-// converted. Results are the same.
+// AVX2 is used where the processor has it; results are the same.
 
 /// The bytes of the first pixel.
 struct RgbeBytes {
