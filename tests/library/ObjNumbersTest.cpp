@@ -8,6 +8,7 @@
 #include <clocale>
 #include <locale>
 #include <optional>
+#include <tuple>
 
 namespace {
 
@@ -125,9 +126,24 @@ TEST(ObjNumbers, IgnoresTheGlobalLocale) {
 }
 
 TEST(ObjNumbers, IgnoresTheLocaleOfC) {
-  const std::string before = std::setlocale(LC_ALL, nullptr);
-  if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8") && !std::setlocale(LC_NUMERIC, "fr_FR.UTF-8"))
-    GTEST_SKIP() << "neither de_DE.UTF-8 nor fr_FR.UTF-8 is installed";
+  // A locale made here: none but that of C needs to be installed.
+  const TempFolder folder;
+  std::string characters = "<escape_char> /\nCHARMAP\n";
+  for (int c = 0; c < 128; ++c) {
+    char line[16];
+    std::snprintf(line, sizeof line, "<U%04X> /x%02x\n", c, c);
+    characters += line;
+  }
+  const std::string map = folder.Write("map", characters + "END CHARMAP\n");
+  const std::string source =
+      folder.Write("source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n");
+  const std::string made = folder.Path() / "comma";
+  // Its status is that of the categories that are missing.
+  std::ignore = std::system(("localedef --quiet --force -f " + map + " -i " + source + " " + made).c_str());
+  setenv("LOCPATH", folder.Path().c_str(), 1);
+  ASSERT_STREQ(std::setlocale(LC_NUMERIC, "comma"), "comma") << "made by localedef";
+  EXPECT_EQ(std::strtod("1,5", nullptr), 1.5);
   ExpectNumbersOfTheClassicLocale();
-  std::setlocale(LC_ALL, before.c_str());
+  std::setlocale(LC_NUMERIC, "C");
+  unsetenv("LOCPATH");
 }
