@@ -18,10 +18,8 @@ bool filepath::valid() const {
 filepath operator+(const filepath& p_directory, const filepath& p_name) {
   if (p_directory._path.empty())
     return p_name;
-  if (p_name._path.empty())
-    return p_directory;
   const std::size_t first = p_name._path.find_first_not_of('/');
-  if (first == std::string::npos)
+  if (first == std::string::npos) // empty, too
     return p_directory;
   const std::size_t end = p_directory._path.find_last_not_of('/') + 1; // 0 for the root folder
   return p_directory._path.substr(0, end) + '/' + p_name._path.substr(first);

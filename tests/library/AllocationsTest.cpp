@@ -83,6 +83,15 @@ TEST(Allocations, ReportsTakeNoMemory) {
   vekdebug::logger::instance().set_sink(previous);
 }
 
+/// A stream that claims 2^40 bytes more than it holds.
+struct Claiming : std::stringbuf {
+  using std::stringbuf::stringbuf;
+  pos_type seekoff(off_type p_offset, std::ios::seekdir p_way, std::ios::openmode p_mode) override {
+    const pos_type position = std::stringbuf::seekoff(p_offset, p_way, p_mode);
+    return p_way == std::ios::end ? position + (off_type{1} << 40) : position;
+  }
+};
+
 // A few bytes that claim large sizes. A reader allocates its window, and the result where the claim is plausible.
 TEST(Allocations, ClaimsTakeNoMemory) {
   using namespace Library;
@@ -91,6 +100,14 @@ TEST(Allocations, ClaimsTakeNoMemory) {
   const auto picture = [](std::istream& p_stream) { HdrImage image(p_stream); };
   const auto volume = [](std::istream& p_stream) { VolumeImage::LoadFromStream(p_stream, VolumeImage::TextArray); };
   const auto model = [](std::istream& p_stream) { LoadPolygonObj(p_stream); };
+  const auto claimedModel = [](std::istream& p_stream) {
+    Claiming claiming(std::string(std::istreambuf_iterator<char>(p_stream), {}));
+    std::istream stream(&claiming);
+    LoadPolygonObj(stream);
+  };
+  std::string faces = "v 0 0 0\n";
+  for (std::size_t i = 0; i < Window / 4; ++i)
+    faces += "f 1 1 1\n";
   const std::string radiance = "#?RADIANCE\n\n";
   std::string pointer = "v 0 0 0\nvn 0 0 1\n";
   for (int i = 0; i < 100; ++i)
@@ -113,6 +130,7 @@ TEST(Allocations, ClaimsTakeNoMemory) {
       {"volume, of numbers", volume, "TextArray 1 67108864 1 1" + std::string(4000000, ' '), 16 * Window},
       {"model, indices", model, pointer, Window},
       {"model, several windows", model, std::string(3 * Window, '\n'), Window},
+      {"model, a claim of 2^40", claimedModel, faces, 120 * Window},
       {"model, groups", model, "g a\ng b\ng c\nf 1 1 1\n", Window},
   };
   std::size_t mostTaken = 0;

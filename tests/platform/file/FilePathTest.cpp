@@ -6,8 +6,9 @@ using vekfile::filepath;
 
 TEST(FilePath, JoinsWithExactlyOneSeparator) {
   const std::array<const char*, 3> rows[] = {
-      {"a", "b", "a/b"}, {"a//", "//b", "a/b"},   {"/", "b", "/b"}, {"", "b", "b"},
-      {"", "", ""},      {"a/b", "c/", "a/b/c/"}, {"a", "/", "a"},  {"\xc3\xa4", "\xc3\xb6", "\xc3\xa4/\xc3\xb6"},
+      {"a", "b", "a/b"},       {"a//", "//b", "a/b"}, {"/", "b", "/b"},
+      {"", "b", "b"},          {"a", "", "a"},        {"", "", ""},
+      {"a/b", "c/", "a/b/c/"}, {"a", "/", "a"},       {"\xc3\xa4", "\xc3\xb6", "\xc3\xa4/\xc3\xb6"},
   };
   for (const auto& [directory, name, expected] : rows)
     EXPECT_EQ((filepath(directory) + name).str(), expected) << directory << " + " << name;

@@ -152,6 +152,7 @@ TEST_F(TextPixels, StandsAtItsPositionTexelForPixelWhateverTheHostHasSet) {
   text.flag = true;
   for (const Ogl::GlEnum leftOn : {RGL_LIGHTING, RGL_POLYGON_STIPPLE, RGL_DEPTH_TEST, RGL_TEXTURE_3D})
     gl->Enable(leftOn);
+  gl->PolygonStipple(std::array<unsigned char, 128>{1}.data()); // next to nothing
   gl->DepthFunc(RGL_NEVER);
   gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_LINE);
   gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 3);
