@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstdint>
+#include <random>
 #include <vector>
 
 // A pick on an unchanged scene beside reads of one pixel, in turns within one run. The counters are ratios of medians:
@@ -131,5 +133,44 @@ void Picks(benchmark::State& p_state) {
   p_state.counters["renders"] = renders;
 }
 BENCHMARK(Picks)->UseManualTime()->Iterations(4000);
+
+/// Picks at random pixels of an unchanged scene by the public call: the snapshot of the scene, and a depth of it.
+void SnapshotPicks(benchmark::State& p_state) {
+  Ogl::OffscreenContext context(Size);
+  Utility::Scoped<Rgl> gl(context.Handle());
+  Library::TopMostFragmentDepthBuffer picker;
+  const Core::TimeStamp stamp;
+  const Types::Viewport<0> viewport(0, 0, Size.width, Size.height);
+  std::mt19937 random(1);
+  std::vector<Types::Pos> positions(1 << 16);
+  for (Types::Pos& position : positions)
+    position = {static_cast<int>(random() % unsigned(Size.width)), static_cast<int>(random() % unsigned(Size.height))};
+  int renders = 0;
+  std::int64_t hits = 0;
+  for (auto _ : p_state)
+    for (const Types::Pos& position : positions) {
+      const auto render = [&](DepthCodec::Encoding) {
+        ++renders;
+        DrawScene(gl);
+      };
+      hits += picker.Snapshot(gl, viewport, stamp, render).DepthAt(position) < 1 ? 1 : 0;
+    }
+  const auto picks = static_cast<std::int64_t>(p_state.iterations()) * static_cast<std::int64_t>(positions.size());
+  if (renders != 1 || hits != picks)
+    p_state.SkipWithError("a pick missed, or the scene was drawn again");
+  p_state.SetItemsProcessed(picks);
+}
+BENCHMARK(SnapshotPicks);
+
+/// The first snapshot of a scene: drawn, and read as a whole.
+void NewSnapshot(benchmark::State& p_state) {
+  Ogl::OffscreenContext context(Size);
+  Utility::Scoped<Rgl> gl(context.Handle());
+  Library::TopMostFragmentDepthBuffer picker;
+  const Types::Viewport<0> viewport(0, 0, Size.width, Size.height);
+  for (auto _ : p_state)
+    benchmark::DoNotOptimize(&picker.Snapshot(gl, viewport, Core::TimeStamp(), [&] { DrawScene(gl); }));
+}
+BENCHMARK(NewSnapshot);
 
 } // namespace

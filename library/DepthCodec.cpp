@@ -3,9 +3,15 @@
 #include "platform/ogl/HitRecord.h"
 #include "platform/types/Vector.h"
 
+#include <boost/endian/conversion.hpp>
+
+#include <algorithm>
+#include <array>
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <locale>
 #include <sstream>
 
@@ -56,11 +62,38 @@ boost::array<unsigned char, 4> DepthCodec::Encode(float p_depth) {
   return {{LowByte(channels.x), LowByte(channels.y), LowByte(channels.z), LowByte(channels.w)}};
 }
 
+namespace {
+
+float DecodeBytes(const Vector4& p_bytes) {
+  return Dot(p_bytes * Reciprocal, DecodeWeights);
+}
+
+} // namespace
+
 float DepthCodec::Decode(const boost::array<unsigned char, 4>& p_bytes) {
   if (p_bytes[0] == 0 && p_bytes[1] == 0 && p_bytes[2] == 0 && p_bytes[3] == 0)
     return static_cast<float>(Ogl::HitRecord::DepthFarthest);
-  const Vector4 bytes(p_bytes[0], p_bytes[1], p_bytes[2], p_bytes[3]);
-  return Dot(bytes * Reciprocal, DecodeWeights);
+  return DecodeBytes({static_cast<float>(p_bytes[0]), static_cast<float>(p_bytes[1]), static_cast<float>(p_bytes[2]),
+                      static_cast<float>(p_bytes[3])});
+}
+
+void DepthCodec::Decode(const unsigned char* p_bytes, std::size_t p_count, float* p_depths) {
+  // Blocks are copied, channels taken from whole words, and the farthest depth is added to the 0 of an empty pixel, so
+  // that the compiler vectorises the loop.
+  constexpr std::size_t Block = 256;
+  std::array<std::uint32_t, Block> words;
+  const auto channel = [](std::uint32_t p_word, int p_shift) {
+    return static_cast<float>(static_cast<std::int32_t>(p_word >> p_shift & 255U));
+  };
+  for (std::size_t first = 0; first < p_count; first += Block) {
+    const std::size_t count = std::min(Block, p_count - first);
+    std::memcpy(words.data(), p_bytes + 4 * first, 4 * count);
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::uint32_t word = boost::endian::little_to_native(words[i]);
+      const float depth = DecodeBytes({channel(word, 0), channel(word, 8), channel(word, 16), channel(word, 24)});
+      p_depths[first + i] = depth + (word == 0 ? static_cast<float>(Ogl::HitRecord::DepthFarthest) : 0.0F);
+    }
+  }
 }
 
 std::string DepthCodec::Glsl() {

@@ -4,6 +4,7 @@
 
 #include <boost/array.hpp>
 
+#include <cstddef>
 #include <string>
 
 namespace Vek::Chart::Library {
@@ -31,6 +32,9 @@ struct VEK_LIBRARY_API DepthCodec {
 
   /// The depth; `Ogl::HitRecord::DepthFarthest` (1) for four zeros.
   static float Decode(const boost::array<unsigned char, 4>& p_bytes);
+  /// The depths of `p_count` pixels of four bytes, each as above. `p_depths` may be the memory of the bytes, but must
+  /// not overlap it otherwise.
+  static void Decode(const unsigned char* p_bytes, std::size_t p_count, float* p_depths);
 
   /// `Encode` in GLSL: the source of a function for fragment shaders of any version (GLSL 1.10 and newer, ES with
   /// high-precision floats):

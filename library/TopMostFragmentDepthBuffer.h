@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/DepthCodec.h"
+#include "library/DepthImage.h"
 #include "library/Export.h"
 #include "platform/core/TimeStamp.h"
 #include "platform/ogl/Rgl.h"
@@ -11,11 +12,15 @@
 #include <boost/function.hpp>
 
 #include <memory>
+#include <type_traits>
 
 namespace Vek::Chart::Library {
 
 /// Depth of the nearest surface under a pixel, for picking. The scene is drawn once into an off-screen target, with the
 /// depth of each fragment packed into its colour; picks read single pixels of it until the scene changes.
+///
+/// Three ways to read: `GetDepthAt` reads one pixel a call, `Read` a rectangle, for example around the mouse, and
+/// `Snapshot` the whole target once per stamp, for many picks on one scene.
 ///
 /// Owns GL objects from the first pick on; must be destroyed while their context is current. Rendering thread only.
 ///
@@ -47,7 +52,46 @@ public:
                   const Core::TimeStamp& p_stamp, const boost::function<void(DepthCodec::Encoding)>& p_render,
                   const boost::function<void(unsigned int, float)>& p_result);
 
+  /// The depths of the whole target, read once per stamp and size: later calls make no GL call and return the same
+  /// image. The reference is valid, and the image unchanged, until a call with another stamp or size.
+  ///
+  /// Viewport, stamp and render callback as for `GetDepthAt`, with which it shares the target. The callback is called
+  /// with or without the encoding, and is not copied. Reading takes memory of 4 bytes a pixel. Errors that are pending
+  /// in GL are reported with "before" and the signature. An empty image, to be read again by the next call, where the
+  /// target cannot be made or read, which is reported.
+  template <class Render>
+  const DepthImage& Snapshot(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,
+                             const Core::TimeStamp& p_stamp, Render&& p_render) {
+    const DepthImage* const kept = KeptSnapshot(p_viewport, p_stamp);
+    return kept != nullptr ? *kept : MakeSnapshot(p_gl, p_viewport, p_stamp, Reference(p_render));
+  }
+  /// The depths of a rectangle of the target, as far as it lies within: `p_corner` is its lower left pixel. Everything
+  /// else as for `Snapshot`, but that nothing is kept. An empty image, without any call, for a rectangle outside.
+  template <class Render>
+  DepthImage Read(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const Types::Pos& p_corner,
+                  const Types::Size& p_size, const Core::TimeStamp& p_stamp, Render&& p_render) {
+    return ReadRectangle(p_gl, p_viewport, p_corner, p_size, p_stamp, Reference(p_render));
+  }
+
 private:
+  using RenderFunction = boost::function<void(DepthCodec::Encoding)>;
+
+  /// A function of one word, which boost::function holds without memory of its own.
+  template <class Render>
+  static auto Reference(Render& p_render) {
+    return [&p_render](DepthCodec::Encoding p_encoding) {
+      if constexpr (std::is_invocable_v<Render&, DepthCodec::Encoding>)
+        p_render(p_encoding);
+      else
+        p_render();
+    };
+  }
+  const DepthImage* KeptSnapshot(const Types::Viewport<0>& p_viewport, const Core::TimeStamp& p_stamp) const;
+  const DepthImage& MakeSnapshot(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,
+                                 const Core::TimeStamp& p_stamp, const RenderFunction& p_render);
+  DepthImage ReadRectangle(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const Types::Pos& p_corner,
+                           const Types::Size& p_size, const Core::TimeStamp& p_stamp, const RenderFunction& p_render);
+
   struct State;
   std::unique_ptr<State> _state;
 };

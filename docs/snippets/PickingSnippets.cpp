@@ -1,6 +1,7 @@
 // Examples of the reference for render targets and picking; it shows what lies between two marks.
 
 #include "library/DepthCodec.h"
+#include "library/DepthImage.h"
 #include "library/DepthPass.h"
 #include "library/MipInfo.h"
 #include "library/RenderTexture.h"
@@ -54,6 +55,11 @@ TEST_F(PickingSnippetPixels, TopMostFragmentDepthBuffer) {
   const bool hit = picker.GetDepthAt(gl, viewport, mouse, stamp, drawDepths, // which is called once per stamp
                                      [&](unsigned int, float p_depth) { nearest = p_depth; });
   //! [TopMostFragmentDepthBuffer]
+  //! [Snapshot]
+  const DepthImage& depths = picker.Snapshot(gl, viewport, stamp, drawDepths); // no GL call on an unchanged scene
+  const float under = depths.DepthAt(mouse);                                   // 1: nothing there
+  //! [Snapshot]
+  EXPECT_EQ(under, nearest);
   EXPECT_TRUE(hit && std::abs(nearest - 0.75F) < 1.0F / 128);
 }
 

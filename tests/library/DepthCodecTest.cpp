@@ -73,6 +73,8 @@ TEST(DepthCodec, EncodesInSinglePrecisionStepByStep) {
 TEST(DepthCodec, DecodesWithTheListedWeights) {
   EXPECT_EQ(DepthCodec::Decode({{0, 0, 0, 0}}), Ogl::HitRecord::DepthFarthest);
   EXPECT_NEAR(DepthCodec::Decode({{0, 0, 0, 1}}), 2.3e-10, 1e-11); // the smallest hit
+  std::vector<std::uint32_t> many;
+  std::vector<float> expected;
   for (std::uint32_t i = 1; i < 100000; ++i) {
     const std::uint32_t r = i * 2654435761U;
     const Bytes bytes = {{static_cast<unsigned char>(r >> 24), static_cast<unsigned char>(r >> 16),
@@ -81,7 +83,17 @@ TEST(DepthCodec, DecodesWithTheListedWeights) {
     for (std::size_t c = 0; c < 4; ++c)
       sum = Sum(sum, Product(Product(bytes[c], K), Weights[c]));
     ASSERT_EQ(DepthCodec::Decode(bytes), sum) << Text(bytes);
+    for (const Bytes& pixel : {bytes, Bytes{{0, 0, 0, 0}}}) {
+      std::memcpy(&many.emplace_back(), pixel.data(), 4);
+      expected.push_back(DepthCodec::Decode(pixel));
+    }
   }
+  // All at once, in place.
+  std::vector<float> decoded(many.size() + 1, -1);
+  std::memcpy(decoded.data(), many.data(), 4 * many.size());
+  DepthCodec::Decode(reinterpret_cast<const unsigned char*>(decoded.data()), many.size(), decoded.data());
+  expected.push_back(-1);
+  EXPECT_EQ(decoded, expected);
 }
 
 constexpr float LargestBelowOne = 0x1.fffffep-1F;

@@ -114,6 +114,40 @@ TEST_F(TopMostFragmentDepthBufferCalls, AfterAThrowingCallbackEachPickDraws) {
   EXPECT_EQ(Renders(other), 1);
 }
 
+TEST_F(TopMostFragmentDepthBufferCalls, ReadsASnapshotOncePerSceneAndSize) {
+  const std::tuple<const char*, Types::Viewport<0>, Core::TimeStamp, int, int, bool> cases[] = {
+      // failing call, viewport, stamp, drawn, read, empty
+      {"", {0, 0, 9, 3}, stamp, 1, 1, false},
+      {"", {5, 6, 9.5F, 3}, stamp, 0, 0, false},
+      {"", {0, 0, 9, 3}, other, 1, 1, false},
+      {"", {0, 0, 9, 4}, other, 1, 1, false},
+      {"GenFramebuffers", {0, 0, 8, 4}, other, 0, 0, true},
+      {"CheckFramebufferStatus", {0, 0, 7, 4}, other, 1, 0, true},
+      {"", {0, 0, 7, 4}, other, 1, 1, false},
+      {"", {0, 0, 7, 4}, other, 0, 0, false},
+  };
+  const ReportCapture reports;
+  for (const auto& [fails, viewport, scene, drawn, read, empty] : cases) {
+    recorder.Clear();
+    recorder.Fail(fails);
+    int renders = 0;
+    const DepthImage& image = picker.Snapshot(gl, viewport, scene, [&] { ++renders; });
+    EXPECT_EQ(std::tuple(renders, recorder.LinesOf({"ReadPixels"}).size(), image.Empty()),
+              std::tuple(drawn, read, empty))
+        << fails << viewport.width;
+    EXPECT_EQ(recorder.Lines().empty(), drawn == 0 && fails[0] == 0) << "no GL call for a kept image";
+  }
+  EXPECT_EQ(Renders(other, {0, 0, 7, 4}), 0) << "the same target";
+  EXPECT_EQ(Renders(stamp, {0, 0, 7, 4}), 1);
+  EXPECT_EQ(picker.Snapshot(gl, {0, 0, 7, 4}, other, [] { FAIL(); }).Size(), Types::Size(7, 4)) << "still kept";
+
+  EXPECT_THROW(picker.Snapshot(gl, {0, 0, 7, 4}, {}, [] { throw std::runtime_error("no scene"); }), std::runtime_error);
+  const auto render = [&](DepthCodec::Encoding) { recorder.QueueError(RGL_INVALID_OPERATION); };
+  recorder.Fail("ReadPixels");
+  EXPECT_TRUE(picker.Snapshot(gl, {0, 0, 7, 4}, other, render).Empty());
+  EXPECT_FALSE(picker.Snapshot(gl, {0, 0, 7, 4}, stamp, render).Empty()) << "an error of the host's drawing";
+}
+
 TEST(TopMostFragmentDepthBufferDeviceCalls, OldDevicesAreAskedForNothingThatTheyLack) {
   const std::tuple<const char*, const char*, int, int> cases[] = {
       {"2.1", "GL_ARB_framebuffer_object", 0, 0},
@@ -157,6 +191,50 @@ TEST_F(TopMostFragmentDepthBufferPixels, PicksTheNearestSurfaceAndRestoresTheHos
   EXPECT_EQ(scale, 0.5F);
   EXPECT_TRUE(gl->IsEnabled(RGL_STENCIL_TEST) && !gl->IsEnabled(RGL_DEPTH_TEST) && gl->IsEnabled(RGL_FRAMEBUFFER_SRGB));
   EXPECT_EQ(At(2, 1).alpha(), 0) << "nothing was drawn to the host's frame buffer";
+}
+
+TEST_F(TopMostFragmentDepthBufferPixels, ImagesHoldTheDepthsOfPicks) {
+  constexpr Types::Viewport<0> Viewport(0, 0, 7, 5);
+  const Core::TimeStamp stamp;
+  const auto render = [&] { // two depths, and a corner without any
+    gl->Enable(RGL_SCISSOR_TEST);
+    for (const auto& [x, depth] : {std::pair(2, 0.25F), {4, 0.75F}}) {
+      const auto bytes = DepthCodec::Encode(depth);
+      gl->Scissor(x, 1, 2, 4);
+      gl->ClearColor(QColor(bytes[0], bytes[1], bytes[2], bytes[3]));
+      gl->Clear(RGL_COLOR_BUFFER_BIT);
+    }
+  };
+  gl->PixelStorei(RGL_PACK_ROW_LENGTH, 40); // the host's
+  TopMostFragmentDepthBuffer picker;
+  const DepthImage all = picker.Snapshot(gl, Viewport, stamp, render);
+  constexpr int Min = std::numeric_limits<int>::min(), Max = std::numeric_limits<int>::max();
+  const std::tuple<Types::Pos, Types::Size, Types::Pos, Types::Size> rectangles[] = {
+      {{3, 2}, {2, 3}, {3, 2}, {2, 3}},     {{-2, 3}, {5, 9}, {0, 3}, {3, 2}}, {{Min, Min}, {Max, Max}, {}, {}},
+      {{1, 1}, {Max, Max}, {1, 1}, {6, 4}}, {{7, 0}, {1, 1}, {}, {}},          {{2, 2}, {Min, 1}, {}, {}},
+  };
+  for (const auto& [corner, size, expectedCorner, expectedSize] : rectangles) {
+    const DepthImage image = picker.Read(gl, Viewport, corner, size, stamp, [] { FAIL() << "drawn again"; });
+    ASSERT_EQ(std::tuple(image.Corner(), image.Size()), std::tuple(expectedCorner, expectedSize));
+    for (int y = -1; y < 6; ++y)
+      for (int x = -1; x < 8; ++x) {
+        const bool inside = x >= image.Corner().x && x < image.Corner().x + image.Size().width &&
+                            y >= image.Corner().y && y < image.Corner().y + image.Size().height;
+        EXPECT_EQ(image.DepthAt({x, y}), inside ? all.DepthAt({x, y}) : 1) << x << ", " << y;
+      }
+  }
+  for (int y = 0; y < 5; ++y)
+    for (int x = 0; x < 7; ++x) {
+      const Pick pick(gl, picker, Viewport, {x, y}, stamp);
+      EXPECT_EQ(all.DepthAt({x, y}), pick.hit ? pick.results.at(0).second : 1) << x << ", " << y;
+    }
+  EXPECT_EQ(all.DepthAt({3, 1}), DepthCodec::Decode(DepthCodec::Encode(0.25F)));
+  for (const Types::Pos& outside : {Types::Pos(-1, 2), {7, 2}, {2, 5}, {Min, Max}, {Max, Min}})
+    EXPECT_EQ(all.DepthAt(outside), 1) << outside.x;
+  EXPECT_THROW(DepthImage({0, 0}, {2, 2}, std::vector<float>(3)), std::invalid_argument);
+  EXPECT_THROW(DepthImage({0, -1}, {1, 1}, std::vector<float>(1)), std::invalid_argument);
+  EXPECT_THROW(DepthImage({0, 0}, {-1, -1}, std::vector<float>(1)), std::invalid_argument);
+  gl->PixelStorei(RGL_PACK_ROW_LENGTH, 0);
 }
 
 } // namespace
