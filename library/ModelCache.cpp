@@ -215,4 +215,20 @@ ModelCache::VertexBuffer ModelCache::GetVertexBuffer(std::size_t p_id) const {
           description.positionOffset, description.normalOffset,   _vertexBuffers[p_id]};
 }
 
+ModelCache::Model ModelCache::GetModel(std::size_t p_id) const {
+  return {GetVertexBuffer(p_id), GetIndexBuffer(p_id), GetBoundingBox(p_id)};
+}
+
+bool ModelCache::Release(std::size_t p_id) {
+  if (p_id >= _vertexDescriptions.size() || _vertexDescriptions[p_id].attributes == 0) // every model has positions
+    return false;
+  const Utility::Scoped<Ogl::Rgl> gl(_gl);
+  _vertexBuffers[p_id] = {};
+  _indexBuffers[p_id] = {};
+  _indexDescriptions[p_id] = {Ogl::VertexBuffer::Undecided, 0, 0};
+  _vertexDescriptions[p_id] = {};
+  _boundingBoxes[p_id] = {};
+  return true;
+}
+
 } // namespace Vek::Chart::Library

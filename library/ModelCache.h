@@ -18,7 +18,8 @@ namespace Vek::Chart::Library {
 
 /// Polygon models in GPU buffers, by number: uploads each model once and returns the records needed to draw it.
 ///
-/// Ids count from 0 in the order of registration; models are never removed. Each model has its own vertex buffer and
+/// Ids count from 0 in the order of registration and are never used again: a released model leaves empty records under
+/// its id. Each model has its own vertex buffer and
 /// index buffer. A copy of a cache shares the buffers registered so far. A buffer lives as long as a cache or a record
 /// holds it; the context that made it must be current when the last holder releases it.
 ///
@@ -57,6 +58,13 @@ public:
     Ogl::Buffer<VertexRecord> buffer; ///< empty if the model has no positions or could not be uploaded
   };
 
+  /// All that is needed to draw a model.
+  struct Model {
+    VertexBuffer vertices;                  ///< positions and normals
+    IndexBuffer indices;                    ///< indices and kind of primitive
+    Types::BoundingBox_Base<double> bounds; ///< of the positions
+  };
+
   /// An empty cache. Each registration opens a scope on the handle.
   explicit ModelCache(const Utility::Unscoped<Ogl::Rgl>& p_gl);
   /// Shares the buffers registered so far; later registrations belong to one of the two caches only.
@@ -82,6 +90,13 @@ public:
   IndexBuffer GetIndexBuffer(std::size_t p_id) const;
   /// The vertices of a model; an empty record for an unknown id.
   VertexBuffer GetVertexBuffer(std::size_t p_id) const;
+  /// The three records of a model; empty ones for an unknown id.
+  Model GetModel(std::size_t p_id) const;
+
+  /// Releases the buffers of a model, in a scope on the handle. The GPU memory is freed at once if no copy of the cache
+  /// and no record holds the buffers. From then on the id yields empty records, like an unknown one. Returns false, and
+  /// does nothing, for an unknown or released id.
+  bool Release(std::size_t p_id);
 
 private:
   struct IndexDescription {

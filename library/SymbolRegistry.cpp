@@ -79,6 +79,15 @@ void SymbolRegistry::LoadModel(const vekfile::filepath& p_path) {
   }
 }
 
+bool SymbolRegistry::ReleaseModel(const vekfile::filepath& p_path) {
+  const auto found = FindPath(_state->hashes, p_path.str());
+  if (found == _state->hashes.end())
+    return false;
+  _state->cache->Release(found->id);
+  _state->hashes.erase(found);
+  return true;
+}
+
 std::size_t SymbolRegistry::FindSymbol(const std::vector<SymbolID>& p_symbols, Model::Symbol::Shape p_shape) {
   const auto found = std::find_if(p_symbols.begin(), p_symbols.end(),
                                   [&](const SymbolID& p_entry) { return p_entry.shape == p_shape; });
@@ -109,6 +118,10 @@ ModelCache::VertexBuffer SymbolRegistry::GetVertexBuffer(Model::Symbol::Shape p_
   return _state->cache->GetVertexBuffer(FindSymbol(_state->symbols, p_shape));
 }
 
+ModelCache::Model SymbolRegistry::GetModel(Model::Symbol::Shape p_shape) const {
+  return _state->cache->GetModel(FindSymbol(_state->symbols, p_shape));
+}
+
 Types::BoundingBox_Base<double> SymbolRegistry::GetBoundingBox(const vekfile::filepath& p_path) const {
   return _state->cache->GetBoundingBox(FindHashedSymbol(_state->hashes, p_path));
 }
@@ -119,6 +132,10 @@ ModelCache::IndexBuffer SymbolRegistry::GetIndexBuffer(const vekfile::filepath& 
 
 ModelCache::VertexBuffer SymbolRegistry::GetVertexBuffer(const vekfile::filepath& p_path) const {
   return _state->cache->GetVertexBuffer(FindHashedSymbol(_state->hashes, p_path));
+}
+
+ModelCache::Model SymbolRegistry::GetModel(const vekfile::filepath& p_path) const {
+  return _state->cache->GetModel(FindHashedSymbol(_state->hashes, p_path));
 }
 
 } // namespace Vek::Chart::Library

@@ -54,6 +54,10 @@ public:
   /// Registers a user model with the cache, once per path; paths are compared byte by byte. Exceptions of the reader
   /// pass through and leave the path unregistered.
   void LoadModel(const vekfile::filepath& p_path);
+  /// Releases a user model and forgets its path, which counts as not loaded from then on: loading it again reads the
+  /// file again and gives it another id. Returns false, and does nothing, for a path that was not loaded. A model that
+  /// is released in the cache itself stays loaded, with empty records.
+  bool ReleaseModel(const vekfile::filepath& p_path);
 
   ///@{
   /// The records of a built-in shape. A shape without a model (ShapePoint, unknown ones) reports
@@ -62,6 +66,7 @@ public:
   Types::BoundingBox_Base<double> GetBoundingBox(Model::Symbol::Shape p_shape) const;
   ModelCache::IndexBuffer GetIndexBuffer(Model::Symbol::Shape p_shape) const;
   ModelCache::VertexBuffer GetVertexBuffer(Model::Symbol::Shape p_shape) const;
+  ModelCache::Model GetModel(Model::Symbol::Shape p_shape) const;
   ///@}
 
   ///@{
@@ -70,6 +75,7 @@ public:
   Types::BoundingBox_Base<double> GetBoundingBox(const vekfile::filepath& p_path) const;
   ModelCache::IndexBuffer GetIndexBuffer(const vekfile::filepath& p_path) const;
   ModelCache::VertexBuffer GetVertexBuffer(const vekfile::filepath& p_path) const;
+  ModelCache::Model GetModel(const vekfile::filepath& p_path) const;
   ///@}
 
 private:

@@ -98,6 +98,41 @@ TEST_F(ModelCacheCalls, FailedRegistrationsTakeNoIdUnknownIdsGiveEmptyRecords) {
   }
 }
 
+TEST_F(ModelCacheCalls, ReleasedModelsFreeTheirBuffersAndKeepTheirIds) {
+  const ReportCapture reports;
+  Register(Tent);
+  Register(Tent);
+  Register(Tent);
+  const ModelCache copy = *cache; // holds the buffers as well
+  Register(Tent);
+  const ModelCache::Model held = cache->GetModel(2);
+  EXPECT_EQ(held.vertices.buffer.Name(), cache->GetVertexBuffer(2).buffer.Name());
+  EXPECT_EQ(std::tuple(held.vertices.attributes, held.indices.count, held.bounds.Max()),
+            std::tuple(3u, 3u, cache->GetBoundingBox(2).Max()));
+  const unsigned int vertices = cache->GetVertexBuffer(3).buffer.Name();
+  const unsigned int indices = cache->GetIndexBuffer(3).buffer.Name();
+  recorder.Clear();
+  EXPECT_TRUE(cache->Release(1));
+  EXPECT_EQ(recorder.LinesOf({"DeleteBuffers"}), Lines());
+  EXPECT_TRUE(cache->Release(3));
+  EXPECT_EQ(recorder.LinesOf({"DeleteBuffers"}), (Lines{"DeleteBuffers(1, [" + std::to_string(vertices) + "])",
+                                                        "DeleteBuffers(1, [" + std::to_string(indices) + "])"}));
+  EXPECT_FALSE(cache->Release(3));
+  EXPECT_FALSE(cache->Release(4));
+  for (const std::size_t id : {1, 3, 4}) {
+    const ModelCache::Model model = cache->GetModel(id);
+    EXPECT_EQ(model.indices.type, Ogl::VertexBuffer::Undecided);
+    EXPECT_TRUE(model.bounds.Empty());
+    EXPECT_EQ(model.indices.count + model.indices.buffer.Count() + model.vertices.attributes +
+                  model.vertices.positionStride + model.vertices.buffer.Count(),
+              0u)
+        << id;
+  }
+  EXPECT_EQ(Register(Tent), 4u) << "ids are not used again";
+  EXPECT_EQ(cache->GetIndexBuffer(2).count + copy.GetIndexBuffer(1).count, 6u) << "others stay";
+  EXPECT_TRUE(reports.Texts().empty());
+}
+
 TEST_F(ModelCacheCalls, IncompleteModelsAreReported) {
   using Model = Library::ObjModel;
   const std::string fewer = "\"p_model.Normals()->size() >= p_model.Vertices()->size()\" - " + Signature::RegisterModel;

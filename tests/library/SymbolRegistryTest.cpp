@@ -111,6 +111,24 @@ TEST_F(SymbolRegistryCalls, UnloadedPathsGiveTheFirstModel) {
   EXPECT_EQ(symbols.GetIndexBuffer(path).count, 4u);
 }
 
+TEST_F(SymbolRegistryCalls, ReleasedPathsAreLoadedAnew) {
+  SymbolRegistry symbols(cache, BuiltIn);
+  const vekfile::filepath path = folder.Write("ship.obj", Triangles(4));
+  EXPECT_FALSE(symbols.ReleaseModel(path));
+  symbols.LoadModel(path);
+  EXPECT_EQ(symbols.GetModel(path).indices.count, 4u);
+  EXPECT_EQ(symbols.GetModel(ShapeCube).indices.count, 12u);
+  EXPECT_TRUE(symbols.ReleaseModel(path));
+  EXPECT_FALSE(symbols.ReleaseModel(path));
+  EXPECT_EQ(cache->GetIndexBuffer(14).count, 0u);
+  const ReportCapture reports;
+  EXPECT_EQ(symbols.GetModel(path).vertices.buffer.Name(), cache->GetVertexBuffer(0).buffer.Name());
+  EXPECT_EQ(reports.Texts(), Lines{NoPath}) << "once for all records";
+  folder.Write("ship.obj", Triangles(9));
+  symbols.LoadModel(path);
+  EXPECT_EQ(cache->GetIndexBuffer(15).count, 9u);
+}
+
 TEST_F(SymbolRegistryCalls, EmptyOnMissingBuiltInThrowsOnBrokenOne) {
   const ReportCapture reports;
   EXPECT_EQ(SymbolRegistry(cache, folder.Path().string()).GetIndexBuffer(ShapeCone).buffer.Count(), 0u);
