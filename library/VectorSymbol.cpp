@@ -7,6 +7,7 @@
 #include "platform/types/Geometry.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <limits>
 #include <utility>
@@ -32,6 +33,9 @@ constexpr const char* CountShown =
     "unsigned __int64 __cdecl " VEK_CLASS "CountShown(" VEK_INSTANCES ",double,unsigned int) const";
 constexpr const char* OrientShapes = "unsigned __int64 __cdecl " VEK_CLASS "OrientShapes(" VEK_INSTANCES
                                      ",double,double,const struct " VEK_CLASS "LayerMemory &) const";
+constexpr const char* OrientAlong =
+    "struct " VEK_CLASS "DirectedCounts __cdecl " VEK_CLASS "OrientAlongInto(const struct " VEK_CLASS
+    "DirectedInstances &,double,double) const";
 #undef VEK_CLASS
 #undef VEK_SHAPE
 #undef VEK_INSTANCES
@@ -311,6 +315,51 @@ std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_an
   layer.Write({p_memory.vertices.data, p_memory.normals.data, p_memory.texCoords.data, p_memory.indices.data,
                p_memory.firstVertex});
   return shown;
+}
+
+namespace {
+
+/// False for the zero vector and for one that is not finite.
+bool HasDirection(const Vector3_Base<double>& p_vector) {
+  return std::isfinite(p_vector.x) && std::isfinite(p_vector.y) && std::isfinite(p_vector.z) &&
+         p_vector != Vector3_Base<double>();
+}
+
+} // namespace
+
+template <class Memory>
+VectorSymbol::DirectedCounts VectorSymbol::OrientAlongInto(const DirectedInstances& p_instances, double p_anchor,
+                                                           double p_scale, Memory& p_target) const {
+  DirectedCounts counts;
+  if (_vertices.empty() || p_instances.count == 0 ||
+      !VEK_CHECK_POINTER(p_instances.positions, Signature::OrientAlong) ||
+      !VEK_CHECK_POINTER(p_instances.directions, Signature::OrientAlong))
+    return counts;
+  std::vector<Types::Matrix3> rotations(p_instances.count);
+  std::vector<double> sizes(p_instances.count, 0.0); // a size of 0 leaves an instance out
+  for (std::size_t i = 0; i < p_instances.count; ++i) {
+    const Vector3_Base<double>& direction = p_instances.directions[i];
+    if (!HasDirection(direction)) {
+      ++counts.undirected;
+      continue;
+    }
+    rotations[i] = Types::Matrix3::FromAxis(direction, p_instances.up);
+    sizes[i] = p_instances.sizes != nullptr ? p_instances.sizes[i] : std::hypot(direction.x, direction.y, direction.z);
+  }
+  const Instances rotated{p_instances.count, p_instances.positions, rotations.data(), sizes.data(),
+                          p_instances.texCoords};
+  counts.written = OrientShapes(rotated, p_anchor, p_scale, p_target);
+  return counts;
+}
+
+VectorSymbol::DirectedCounts VectorSymbol::OrientAlong(const DirectedInstances& p_instances, double p_anchor,
+                                                       double p_scale, VertexData& p_vertexData) const {
+  return OrientAlongInto(p_instances, p_anchor, p_scale, p_vertexData);
+}
+
+VectorSymbol::DirectedCounts VectorSymbol::OrientAlong(const DirectedInstances& p_instances, double p_anchor,
+                                                       double p_scale, const LayerMemory& p_memory) const {
+  return OrientAlongInto(p_instances, p_anchor, p_scale, p_memory);
 }
 
 } // namespace Vek::Chart::Library

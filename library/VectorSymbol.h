@@ -67,6 +67,10 @@ public:
   bool HasPoints() const { return _primitive == TopologyPoints; }
   /// True if the glyph has an axis (+z) that should follow a direction.
   bool IsDirectionalSymbol() const { return _directional; }
+  /// The length of the glyph along its axis at size × scale = 1, which is also what an anchor of 1 shifts it by: 3 for
+  /// arrows with a shaft, 1 for all others, 0 for the point and an empty glyph. A scale of s / Length() draws each
+  /// glyph s × its size long.
+  double Length() const { return _length; }
 
   /// The number of vertices of one glyph; 0 for an empty one.
   std::size_t VertexCount() const { return _vertices.size(); }
@@ -155,7 +159,40 @@ public:
   std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
                            const LayerMemory& p_memory) const;
 
+  /// The glyphs of a layer by direction: arrays of the caller with one element per instance.
+  struct DirectedInstances {
+    std::size_t count = 0;                                   ///< number of elements of each array
+    const Types::Vector3_Base<double>* positions = nullptr;  ///< positions of the anchors
+    const Types::Vector3_Base<double>* directions = nullptr; ///< directions of the axes, of any length
+    const double* sizes = nullptr;     ///< multiplied by the scale of the layer; null: the lengths of the directions
+    const double* texCoords = nullptr; ///< null: the layer gets no texture coordinates
+    Types::Vector3_Base<double> up{0, 0, 1}; ///< the side +y of all glyphs, as Matrix3::FromAxis takes it
+  };
+
+  /// The instances of a layer by direction.
+  struct DirectedCounts {
+    std::size_t written = 0;    ///< instances in the mesh
+    std::size_t undirected = 0; ///< instances left out because their direction is zero, NaN or infinite
+  };
+
+  /// OrientShapes with rotations `Matrix3::FromAxis(directions[i], up)`: flat glyphs face `up`, and the roll follows
+  /// from direction and up alone. The rotations are computed into temporary memory of 80 bytes per instance.
+  ///
+  /// An instance without direction is left out, counted and not reported; what else leaves out an instance, errors and
+  /// reports are those of OrientShapes. Null arrays of positions or directions are reported; both counts are 0 then,
+  /// and for an empty glyph.
+  ///
+  /// \snippet GlyphSnippets.cpp DirectedLayer
+  DirectedCounts OrientAlong(const DirectedInstances& p_instances, double p_anchor, double p_scale,
+                             Ogl::VertexData& p_vertexData) const;
+  /// Writes to memory of the caller.
+  DirectedCounts OrientAlong(const DirectedInstances& p_instances, double p_anchor, double p_scale,
+                             const LayerMemory& p_memory) const;
+
 private:
+  template <class Memory>
+  DirectedCounts OrientAlongInto(const DirectedInstances& p_instances, double p_anchor, double p_scale,
+                                 Memory& p_target) const;
   void BuildPredefinedShape(Model::Symbol::Shape p_shape);
   Private::GlyphLayer MakeLayer(const Instances& p_instances, double p_anchor, double p_scale) const;
 

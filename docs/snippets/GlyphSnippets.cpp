@@ -1,5 +1,6 @@
 // The examples of the reference for glyphs and models: what stands between two marks is shown there.
 
+#include "library/ComputeNormals.h"
 #include "library/ModelCache.h"
 #include "library/ObjModel.h"
 #include "library/StreamLineShape.h"
@@ -23,8 +24,8 @@ const char* const Ship = "v -1 -1 0\nv 1 -1 0\nv 0 1 0\nf 1 2 3\n";
 TEST_F(GlyphSnippetPixels, VectorSymbol) {
   const double speed = 0.5;
   //! [VectorSymbol]
-  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 16);                    // 16 segments around
-  const Matrix3 toEast = Matrix3::FromColumns({0, 1, 0}, {0, 0, 1}, {1, 0, 0}); // its axis becomes +x
+  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 16); // 16 segments around
+  const Matrix3 toEast = Matrix3::FromAxis({1, 0, 0});       // its axis becomes +x
   const Point point(-0.75, 0, 0);
   Ogl::VertexData data;
   if (arrow.OrientShape(speed, 0, point, false, 0, 1, toEast, data)) // false for a speed of 0
@@ -35,10 +36,10 @@ TEST_F(GlyphSnippetPixels, VectorSymbol) {
 
 TEST(GlyphSnippets, ArrowLength) {
   //! [ArrowLength]
-  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 16); // 3 long at size 1
-  const double scale = 0.25 / 3;                             // 1 m/s shall be 0.25 long
-  const double speed = 12;                                   // m/s
-  const Matrix3 toEast = Matrix3::FromColumns({0, 1, 0}, {0, 0, 1}, {1, 0, 0});
+  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 16);
+  const double scale = 0.25 / arrow.Length(); // 1 m/s shall be 0.25 long
+  const double speed = 12;                    // m/s
+  const Matrix3 toEast = Matrix3::FromAxis({1, 0, 0});
   Ogl::VertexData data;
   arrow.OrientShape(speed, 0, {10, 0, 0}, false, 0, scale, toEast, data); // from x = 10 to 10 + 12 × 0.25 = 13
   //! [ArrowLength]
@@ -49,10 +50,8 @@ TEST(GlyphSnippets, ArrowLength) {
 TEST(GlyphSnippets, Frame) {
   const Point direction(1, 2, 2);
   //! [Frame]
-  const Point axis = Types::Normalize(direction);
-  const Point helper = std::abs(axis.z) < 0.9 ? Point(0, 0, 1) : Point(1, 0, 0);
-  const Point side = Types::Normalize(Types::Cross(helper, axis));
-  const Matrix3 frame = Matrix3::FromColumns(side, Types::Cross(axis, side), axis);
+  const Point up(0, 0, 1); // flat glyphs face upwards
+  const Matrix3 frame = Matrix3::FromAxis(direction, up);
   //! [Frame]
   EXPECT_NEAR(Types::Length(frame * Point(0, 0, 3) - direction), 0, 1e-12);
 }
@@ -75,6 +74,33 @@ TEST(GlyphSnippets, Layer) {
   const std::size_t shown = arrow.OrientShapes(instances, 0, 1, data); // 2: the calm one is left out
   //! [Layer]
   EXPECT_EQ(shown, 2U);
+}
+
+TEST(GlyphSnippets, DirectedLayer) {
+  //! [DirectedLayer]
+  const std::vector<Point> positions = {{0, 0, 0}, {5, 0, 0}, {9, 0, 0}};
+  const std::vector<Point> winds = {{3, 4, 0}, {0, 0, 0}, {0, -2, 0}}; // m/s
+
+  const VectorSymbol arrow(Model::Symbol::ShapeArrow2D, 8);
+  VectorSymbol::DirectedInstances instances;
+  instances.count = positions.size();
+  instances.positions = positions.data();
+  instances.directions = winds.data(); // their lengths are the sizes, since there are no others
+  Ogl::VertexData data;
+  const VectorSymbol::DirectedCounts counts = arrow.OrientAlong(instances, 0, 1 / arrow.Length(), data);
+  // counts.written is 2; counts.undirected is 1, the calm one
+  //! [DirectedLayer]
+  EXPECT_EQ(std::pair(counts.written, counts.undirected), std::pair(std::size_t(2), std::size_t(1)));
+}
+
+TEST(GlyphSnippets, ComputeNormals) {
+  //! [ComputeNormals]
+  const std::vector<Point> positions = {{0, 0, 0}, {2, 0, 0}, {2, 1, 0}, {0, 1, 0}};
+  const std::vector<std::uint32_t> triangles = {0, 1, 2, 0, 2, 3};
+  const std::vector<Point> normals =
+      ComputeNormals(positions.data(), positions.size(), triangles.data(), triangles.size());
+  //! [ComputeNormals]
+  EXPECT_EQ(normals, std::vector<Point>(4, {0, 0, 1}));
 }
 
 TEST_F(GlyphSnippetPixels, MappedLayer) {
@@ -141,8 +167,7 @@ TEST_F(GlyphSnippetPixels, ModelCacheAndBufferDraw) {
   //! [ModelCache]
   ModelCache cache(handle);
   const std::size_t ship = cache.Register(file); // reads it, once
-  const ModelCache::IndexBuffer indices = cache.GetIndexBuffer(ship);
-  const ModelCache::VertexBuffer vertices = cache.GetVertexBuffer(ship);
+  const auto [vertices, indices, bounds] = cache.GetModel(ship);
   //! [ModelCache]
   //! [BufferDraw]
   Ogl::BufferDraw draw;
@@ -157,6 +182,7 @@ TEST_F(GlyphSnippetPixels, ModelCacheAndBufferDraw) {
   draw.Draw(gl);
   //! [BufferDraw]
   EXPECT_EQ(At(30, 10), QColor(Qt::white));
+  EXPECT_EQ(bounds.Max(), Point(1, 1, 0));
 }
 
 TEST_F(GlyphSnippetPixels, SymbolRegistry) {

@@ -3,6 +3,7 @@
 #include "platform/types/Angle.h"
 #include "platform/types/Vector.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -37,6 +38,28 @@ public:
             {a.z * a.x * t - a.y * s, a.z * a.y * t + a.x * s, c + a.z * a.z * t}};
   }
 
+  /// The rotation of a glyph's axis +z into `p_direction`, with its +y as close to `p_up` as that leaves it: columns x,
+  /// y and z, orthonormal and right-handed. Neither vector needs a certain length.
+  ///
+  /// An up vector that is zero, not finite, or within 1e-6 of the line of the direction (as the sine of their angle)
+  /// leaves the roll open. +y is then turned as close as possible to the axis +y of the world, or to its +z where the
+  /// direction runs along ±y. So FromAxis of +z is the identity, and of -z half a turn about +y; small noise in such a
+  /// direction does not change the roll. No choice of the roll is continuous in all directions; elsewhere this one is.
+  ///
+  /// A direction that is zero or not finite gives the identity.
+  static Matrix3 FromAxis(const Vector3_Base<double>& p_direction,
+                          const Vector3_Base<double>& p_up = Vector3_Base<double>(0, 0, 1)) {
+    using Vector = Vector3_Base<double>;
+    constexpr double Parallel = 1e-6;
+    const Vector z = UnitOrZero(p_direction);
+    for (const Vector& up : {UnitOrZero(p_up), Vector(0, 1, 0), Vector(0, 0, 1)})
+      if (const Vector side = Cross(up, z); Length(side) > Parallel) {
+        const Vector y = Normalize(Cross(z, side));
+        return FromColumns(Cross(y, z), y, z);
+      }
+    return {}; // there is no direction
+  }
+
   /// Row 0 to 2; other indices throw std::out_of_range.
   const Vector3_Base<double>& Row(std::size_t p_index) const { return _rows.at(p_index); }
 
@@ -59,6 +82,14 @@ public:
   }
 
 private:
+  /// At unit length; zero for the zero vector and for one that is not finite. Neither overflows nor underflows.
+  static Vector3_Base<double> UnitOrZero(const Vector3_Base<double>& p_vector) {
+    const double largest = std::max({std::abs(p_vector.x), std::abs(p_vector.y), std::abs(p_vector.z)});
+    if (!std::isfinite(p_vector.x) || !std::isfinite(p_vector.y) || !std::isfinite(p_vector.z) || largest == 0)
+      return {};
+    return Normalize(p_vector / largest);
+  }
+
   std::array<Vector3_Base<double>, 3> _rows{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 };
 

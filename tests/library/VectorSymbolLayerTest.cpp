@@ -211,6 +211,53 @@ TEST(VectorSymbolLayer, FillsMemoryOfTheCaller) {
   }
 }
 
+TEST(VectorSymbolLayer, FollowsDirections) {
+  const VectorSymbol arrow(ShapeArrow2D, 8);
+  const Vector3_Base<double> up(1, 2, 3);
+  constexpr double Inf = std::numeric_limits<double>::infinity();
+  // Without direction are numbers 1, 3 and 4; number 5 has no size, number 6 no position.
+  const std::vector<Vector3_Base<double>> directions = {{3, 4, 0}, {},         {0, 0, -2}, {NAN, 1, 1},   {0, Inf, 0},
+                                                        {1, 1, 1}, {-1, 0, 5}, {2, 4, 6},  {1e-300, 0, 0}};
+  const std::vector<double> sizes = {1, 2, 3, 4, 5, 0, 7, 8, 9}, values = {0, 1, 2, 3, 4, 5, 6, 7, 8};
+  std::vector<double> lengths;
+  std::vector<Vector3_Base<double>> positions;
+  std::vector<Matrix3> rotations;
+  for (const Vector3_Base<double>& direction : directions) {
+    lengths.push_back(std::hypot(direction.x, direction.y, direction.z));
+    positions.emplace_back(3, lengths.size(), 0);
+    rotations.push_back(Matrix3::FromAxis(direction, up));
+  }
+  positions[6].x = NAN;
+  for (const bool isSized : {true, false}) {
+    std::vector<double> shown = isSized ? sizes : lengths;
+    for (const std::size_t i : {1, 3, 4})
+      shown[i] = 0;
+    const VectorSymbol::DirectedInstances directed{
+        shown.size(), positions.data(), directions.data(), isSized ? sizes.data() : nullptr, values.data(), up};
+    const VectorSymbol::Instances rotated{shown.size(), positions.data(), rotations.data(), shown.data(),
+                                          values.data()};
+    VertexData data;
+    const ReportCapture reports;
+    const VectorSymbol::DirectedCounts counts = arrow.OrientAlong(directed, 0.25, 2, data);
+    EXPECT_EQ(std::pair(counts.written, counts.undirected), std::pair(isSized ? 4ul : 5ul, 3ul));
+    EXPECT_EQ(reports.Details(), Texts{"index 6, count 1"});
+    const ArrayWords expected = InstanceByInstance(arrow, rotated, 0.25, 2).arrays;
+    EXPECT_TRUE(WordsOf(data) == expected);
+    Words memory(expected[0].size());
+    VectorSymbol::LayerMemory target;
+    target.vertices = {reinterpret_cast<float*>(memory.data()), memory.size()};
+    EXPECT_EQ(arrow.OrientAlong(directed, 0.25, 2, target).written, counts.written);
+    EXPECT_EQ(memory, expected[0]);
+  }
+  const ReportCapture reports;
+  VertexData data;
+  EXPECT_EQ(arrow.OrientAlong({9, nullptr, directions.data()}, 0, 1, data).undirected, 0u);
+  EXPECT_EQ(arrow.OrientAlong({9, positions.data(), nullptr}, 0, 1, data).undirected, 0u);
+  EXPECT_EQ(reports.Texts().size(), 2u);
+  EXPECT_EQ(arrow.OrientAlong({}, 0, 1, data).written, 0u);
+  EXPECT_EQ(VectorSymbol(ShapeCustom, 8).OrientAlong({9}, 0, 1, data).written, 0u);
+}
+
 TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
   const VectorSymbol cone(ShapeCone, 4); // 8 vertices, 12 indices
   const Layer layer(3);

@@ -68,6 +68,7 @@ TEST(VectorSymbol, PropertiesOfShapes) {
   using Primitives = Ogl::VertexBuffer;
   const Primitives::PrimitiveType primitives[] = {Primitives::Points, Primitives::LineSegments, Primitives::Triangles};
   const std::string topologies = "?01122222222122"; // by shape
+  const std::string lengths = "?01313113111111";
   for (int shape = ShapePoint; shape <= ShapeSphere; ++shape) {
     SCOPED_TRACE(shape);
     const VectorSymbol symbol(static_cast<Shape>(shape), 8);
@@ -75,6 +76,7 @@ TEST(VectorSymbol, PropertiesOfShapes) {
     EXPECT_EQ(symbol.GeometryDefinedAs(), static_cast<VectorSymbol::TopologyType>(topology));
     EXPECT_EQ(symbol.IsDirectionalSymbol(), shape >= ShapeArrowHead1D && shape <= ShapeCone);
     EXPECT_EQ(symbol.HasPoints(), shape == ShapePoint);
+    EXPECT_EQ(symbol.Length(), lengths[std::size_t(shape)] - '0');
     EXPECT_EQ(symbol.HasNormals(), shape != ShapePoint && shape != ShapeCrosshair);
     VertexData data;
     symbol.BuildShape(data);
@@ -103,7 +105,7 @@ TEST(VectorSymbol, UnknownShapesAreReportedAndEmpty) {
     ReportCapture reports;
     VectorSymbol symbol(static_cast<Shape>(shape), 8);
     EXPECT_EQ(reports.Texts(), texts) << shape;
-    EXPECT_TRUE(symbol.HasPoints() && !symbol.IsDirectionalSymbol()) << shape;
+    EXPECT_TRUE(symbol.HasPoints() && !symbol.IsDirectionalSymbol() && symbol.Length() == 0) << shape;
     EXPECT_EQ(symbol.GeometryDefinedAs(), VectorSymbol::TopologyPoints) << shape;
     VertexData data;
     EXPECT_FALSE(symbol.BuildShape(data)) << shape;

@@ -85,6 +85,59 @@ TEST(Matrix3, RotationIsRightHandedAboutItsAxis) {
     ExpectNear(Matrix3::Rotation(Angle::FromDegrees(degrees), axis) * vector, turned);
 }
 
+TEST(Matrix3, FromAxisTurnsTheAxisAndRollsUp) {
+  constexpr double Inf = std::numeric_limits<double>::infinity();
+  const Vector3 x(1, 0, 0), y(0, 1, 0), z(0, 0, 1);
+  const std::tuple<Vector3, Vector3, Vector3, Vector3> cases[] = {
+      // direction, up, image of +z, image of +y
+      {x, z, x, z},
+      {{0, -7, 0}, {0, 0, 1e-300}, -y, z},
+      {{3, 0, 3}, z, Normalize(Vector3(1, 0, 1)), Normalize(Vector3(-1, 0, 1))},
+      {{1, 2, 2}, {0, -5, 0}, {1 / 3.0, 2 / 3.0, 2 / 3.0}, Normalize(Vector3(2, -5, 4))},
+      {{0, 1e-320, 0}, z, y, z},
+      {{1e308, 0, 1e308}, {0, 1e308, 0}, Normalize(Vector3(1, 0, 1)), y},
+      // no roll from up: towards +y, or towards +z
+      {z, z, z, y},
+      {-z, z, -z, y},
+      {z * 4.0, -z, z, y},
+      {{1e-8, -1e-8, 1}, z, {1e-8, -1e-8, 1}, {0, 1, 1e-8}},
+      {{-1e-8, 1e-8, 1}, z, {-1e-8, 1e-8, 1}, {0, 1, -1e-8}},
+      {y, -y, y, z},
+      {x, {}, x, y},
+      {-y, {NaN, 0, 1}, -y, z},
+      {x, {0, Inf, 0}, x, y},
+      // no direction
+      {{}, x, z, y},
+      {{1, NaN, 0}, x, z, y},
+      {{0, 0, -Inf}, x, z, y},
+  };
+  for (const auto& [direction, up, axis, side] : cases) {
+    const Matrix3 frame = Matrix3::FromAxis(direction, up);
+    ExpectNear(frame * z, axis);
+    ExpectNear(frame * y, side);
+    ExpectNear(frame * x, Cross(side, axis));
+  }
+  EXPECT_TRUE(Matrix3::FromAxis({0, 3, 1}) == Matrix3::FromAxis({0, 3, 1}, z));
+
+  // Orthonormal, right-handed, as near to the up vector as can be, without a jump beside the line of up.
+  std::mt19937 random(5);
+  std::uniform_real_distribution<double> any(-1, 1);
+  const auto vector = [&] { return Vector3(any(random), any(random), any(random)); };
+  for (int i = 0; i < 1000; ++i) {
+    const Vector3 up = vector();
+    const Vector3 beside = up + Normalize(Cross(up, vector())) * (2e-6 * Length(up));
+    const Vector3 direction = i % 2 == 0 ? vector() : beside;
+    const Matrix3 frame = Matrix3::FromAxis(direction, up);
+    ExpectNear(frame * z, Normalize(direction));
+    ExpectNear(Cross(frame * y, frame * z), frame * x);
+    EXPECT_NEAR(Dot(frame * x, up), 0, 1e-9);
+    EXPECT_GT(Dot(frame * y, up), 0);
+    EXPECT_NEAR(Length(frame * y), 1, 1e-9);
+    if (i % 2 == 0)
+      ExpectNear(Matrix3::FromAxis(direction + vector() * 1e-15, up) * y, frame * y);
+  }
+}
+
 TEST(Transformation, AppliesTheRightFactorFirst) {
   const Transformation move = Transformation::Translation({1, 2, 3});
   const Transformation scale = Transformation::Scaling({2, 4, 8});
