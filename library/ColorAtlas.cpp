@@ -23,6 +23,8 @@ constexpr const char* ConstColorAt =
     "const struct " VEK_ATLAS "ColorNode &__cdecl " VEK_ATLAS "ColorAt(unsigned int) const";
 constexpr const char* InstanceOffset =
     "class Vek::Chart::Ogl::Vec2<float> __cdecl " VEK_ATLAS "InstanceOffset(unsigned int) const";
+constexpr const char* TexCoord =
+    "class Vek::Chart::Ogl::Vec2<float> __cdecl " VEK_ATLAS "TexCoord(unsigned int,unsigned int) const";
 constexpr const char* Texture =
     "class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " VEK_ATLAS "Texture(void) const";
 constexpr const char* BuildAtlas = "void __cdecl " VEK_ATLAS "BuildAtlas(class Vek::Chart::Utility::Scoped<class "
@@ -114,6 +116,34 @@ Ogl::Vec2<float> ColorAtlas::InstanceOffset(unsigned int p_id) const {
   const float dx = static_cast<float>(static_cast<int>(instance.Value().x));
   const float dy = static_cast<float>(static_cast<int>(instance.Value().y));
   return {dx * _texelSpace.texel.x, -(dy * _texelSpace.texel.y)};
+}
+
+std::optional<Ogl::Vec2<float>> ColorAtlas::CentreOf(std::uint32_t p_slot) const {
+  if (p_slot == NoSlot || !VEK_ENSURE_TEXT(_nodes[p_slot].coords.Defined(), "coords.Defined()", Signature::TexCoord))
+    return {};
+  const ColorCoords::Pixel pixel = _nodes[p_slot].coords.First();
+  return Ogl::Vec2<float>{static_cast<float>(pixel.x) * _texelSpace.texel.x + _texelSpace.centre.x,
+                          1 - (static_cast<float>(pixel.y) * _texelSpace.texel.y + _texelSpace.centre.y)};
+}
+
+Ogl::Vec2<float> ColorAtlas::TexCoord(unsigned int p_id) const {
+  const std::optional<Ogl::Vec2<float>> centre = CentreOf(FindSlot(p_id, Signature::TexCoord));
+  if (!centre || SlotOf(p_id) != NoSlot)
+    return centre.value_or(Ogl::Vec2<float>());
+  const Ogl::Vec2<float> offset = InstanceOffset(p_id);
+  return {centre->x + offset.x, centre->y + offset.y};
+}
+
+Ogl::Vec2<float> ColorAtlas::TexCoord(unsigned int p_color, unsigned int p_instance) const {
+  const std::uint32_t slot = FindSlot(p_color, Signature::TexCoord);
+  const std::optional<Ogl::Vec2<float>> centre = CentreOf(slot);
+  const auto instance = _instances.find(p_instance);
+  const std::uint32_t instanceOf = instance == _instances.end() ? NoSlot : SlotOf(instance->second.instanceOf);
+  if (!centre || (instanceOf != NoSlot && !VEK_ENSURE_TEXT(_nodes[instanceOf].coords.Covers(_nodes[slot].coords),
+                                                           "instanceOf.coords.Covers(coords)", Signature::TexCoord)))
+    return centre.value_or(Ogl::Vec2<float>());
+  const Ogl::Vec2<float> offset = InstanceOffset(p_instance);
+  return {centre->x + offset.x, centre->y + offset.y};
 }
 
 boost::shared_ptr<Library::Texture> ColorAtlas::Texture() const {

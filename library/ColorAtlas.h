@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <optional>
 #include <set>
 #include <utility>
 #include <vector>
@@ -49,6 +50,11 @@ public:
   /// The pieces of the run in order, one a row: the first and the last pixel of each. Empty for a colour without
   /// children, which covers its own texel only.
   std::vector<std::pair<Pixel, Pixel>> PixelSpans() const;
+
+  /// Whether the texel of `p_other` is that of this colour or lies in its run; false if one of them is not defined.
+  bool Covers(const ColorCoords& p_other) const {
+    return Defined() && p_other.Defined() && _span.first <= p_other._span.first && p_other._span.first <= _span.last;
+  }
 
 private:
   Pixel At(unsigned int p_index) const { return {p_index % _width, p_index / _width}; }
@@ -122,6 +128,16 @@ public:
   /// and 0. An unknown id is reported and yields 0.
   Ogl::Vec2<float> InstanceOffset(unsigned int p_id) const;
 
+  /// The texture coordinate of a colour: the centre of its texel in the texture of the last BuildAtlas. The id of an
+  /// instance yields the coordinate of the top-level colour in that copy. Reported as "coords.Defined()" is a colour
+  /// that was not laid out; an unknown id is reported as by ColorAt. Both yield (0, 0), the lower left corner of the
+  /// texture.
+  Ogl::Vec2<float> TexCoord(unsigned int p_id) const;
+  /// The texture coordinate of a colour in the copy `p_instance`, which is that of the colour plus the instance's
+  /// offset. A colour outside the instanced sub-tree is reported as "instanceOf.coords.Covers(coords)", an unknown
+  /// instance as by InstanceOffset. Both yield the coordinate of the colour itself.
+  Ogl::Vec2<float> TexCoord(unsigned int p_color, unsigned int p_instance) const;
+
   /// The id of the root, the parent of all top-level colours.
   unsigned int RootAtlasId() const { return _rootId; }
   /// Converts pixels to texture coordinates. Valid after BuildAtlas.
@@ -146,6 +162,7 @@ private:
 
   std::uint32_t SlotOf(unsigned int p_id) const { return p_id < _slots.size() ? _slots[p_id] : NoSlot; }
   std::uint32_t FindSlot(unsigned int p_id, const char* p_signature) const;
+  std::optional<Ogl::Vec2<float>> CentreOf(std::uint32_t p_slot) const;
   Private::AtlasTree Tree();
 
   boost::shared_ptr<Library::Texture> _map;

@@ -1,5 +1,6 @@
 #include "library/ColorMap.h"
 
+#include "library/NamedColors.h"
 #include "library/private/gl/TextureSettings.h"
 #include "library/private/gl/TextureUpload.h"
 #include "platform/debug/Check.h"
@@ -11,6 +12,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -165,6 +167,17 @@ ColorMap::ColorMap(const std::vector<QColor>& p_colors, ColorMap::Style p_style)
   CreateLinearMap(p_colors, p_style);
 }
 
+ColorMap ColorMap::Named(const std::string& p_name, ColorMap::Style p_style) {
+  const std::vector<std::string>& names = NamedColors::Names();
+  if (std::find(names.begin(), names.end(), p_name) == names.end()) {
+    std::string known;
+    for (const std::string& name : names)
+      known += (known.empty() ? "" : ", ") + name;
+    throw std::invalid_argument("colour map \"" + p_name + "\" is unknown; known are " + known);
+  }
+  return ColorMap(NamedColors::Colors(p_name), p_style);
+}
+
 ColorMap::~ColorMap() = default;
 
 void ColorMap::CreateLinearMap(const std::vector<QColor>& p_colors, ColorMap::Style p_style) {
@@ -246,6 +259,14 @@ void ColorMap::operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const
   Private::Enable2D(*p_gl);
   p_gl->Disable(RGL_TEXTURE_GEN_S);
   p_gl->Disable(RGL_TEXTURE_GEN_T);
+}
+
+boost::shared_ptr<void> ColorMap::Bind(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit,
+                                       std::uint32_t p_environment) const {
+  const boost::shared_ptr<void> guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
+  (*this)(p_gl, p_unit);
+  Private::SetEnvironment(*p_gl, p_environment <= Texture::Replace ? p_environment : Texture::Modulate);
+  return guard;
 }
 
 std::vector<QColor> ColorMap::GenerateColorList(const std::vector<QColor>& p_colors, int p_count) {

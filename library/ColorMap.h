@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/Export.h"
+#include "library/Texture.h"
 #include "platform/ogl/Rgl.h"
 
 #include <boost/shared_ptr.hpp>
@@ -8,6 +9,8 @@
 #include <QColor>
 #include <QImage>
 
+#include <cstdint>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -50,6 +53,9 @@ public:
   ColorMap(const std::vector<QColor>& p_colors, const std::vector<double>& p_weightings, ColorMap::Style p_style);
   /// All colours weigh 1.
   ColorMap(const std::vector<QColor>& p_colors, ColorMap::Style p_style);
+  /// The map of `NamedColors` with that name, at its published resolution. Throws std::invalid_argument for an unknown
+  /// name; its message lists the known ones.
+  static ColorMap Named(const std::string& p_name, ColorMap::Style p_style = Interpolated);
   ~ColorMap();
   /// Shares texels and texture.
   ColorMap(const ColorMap&) = default;
@@ -59,6 +65,15 @@ public:
   /// Binds the gradient on the texture unit `p_unit` (a token: RGL_TEXTURE0 + n), which becomes the active one, with
   /// nearest filtering, clamped, and enables 2-D texturing there. The first call creates and uploads the texture.
   void operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
+
+  /// Binds as the call operator does and sets the texture environment of the unit, where a number that is no
+  /// `Texture::Environment` counts as Modulate. The guard restores the host's enables, bindings, texture parameters and
+  /// environments of all units and the active unit; release it in the same rendering scope. It occupies one level of
+  /// the attribute stack.
+  ///
+  /// \snippet ColorSnippets.cpp ColorMapBind
+  boost::shared_ptr<void> Bind(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit = RGL_TEXTURE0,
+                               std::uint32_t p_environment = Texture::Modulate) const;
 
   /// The texel at `p_index`, taken as unsigned 32-bit, modulo `Size()`: −1 is the last texel of 4096, but not of 4095.
   QColor Color(int p_index) const;

@@ -115,11 +115,17 @@ struct ColorScale::Tables {
   Tables(std::vector<double> p_bounds, const std::vector<std::uint32_t>& p_colors, bool p_logarithmic)
       : bounds(std::move(p_bounds))
       , floats(Thresholds<float>(bounds), p_colors, p_logarithmic)
-      , doubles(Thresholds<double>(bounds), p_colors, p_logarithmic) {}
+      , doubles(Thresholds<double>(bounds), p_colors, p_logarithmic)
+      , outside{Unpacked(p_colors[1]), Unpacked(p_colors.back()), Unpacked(p_colors.front())} {
+    for (std::size_t i = 2; i + 1 < p_colors.size(); ++i)
+      colors.push_back(Unpacked(p_colors[i]));
+  }
 
   std::vector<double> bounds;
   Private::ValueBuckets<float> floats;
   Private::ValueBuckets<double> doubles;
+  std::vector<QColor> colors;
+  Outside outside;
 };
 
 ColorScale::ColorScale(const std::vector<QColor>& p_colors, double p_lower, double p_upper, Spacing p_spacing,
@@ -165,6 +171,14 @@ QColor ColorScale::Color(double p_value) const {
 
 const std::vector<double>& ColorScale::Bounds() const {
   return _tables->bounds;
+}
+
+const std::vector<QColor>& ColorScale::Colors() const {
+  return _tables->colors;
+}
+
+const ColorScale::Outside& ColorScale::OutsideColors() const {
+  return _tables->outside;
 }
 
 } // namespace Vek::Chart::Library

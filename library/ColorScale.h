@@ -84,6 +84,12 @@ public:
 
   /// The bounds of all classes in ascending order, one more than there are classes; empty without valid classes.
   const std::vector<double>& Bounds() const;
+  /// The colours of the classes as they are mapped, with 8 bits a channel: Colors()[i] belongs to the values from
+  /// Bounds()[i] on. Empty without valid classes.
+  const std::vector<QColor>& Colors() const;
+  /// The colours of values outside of all classes as they are mapped, defaults replaced; without valid classes, all
+  /// three are `nan`.
+  const Outside& OutsideColors() const;
 
 private:
   struct Tables;

@@ -39,6 +39,18 @@ TEST_F(ColorSnippetPixels, ColorMap) {
   EXPECT_TRUE(SameColor(At(15, 18).rgba(), legend, 5));
 }
 
+TEST_F(ColorSnippetPixels, ColorMapBind) {
+  //! [ColorMapBind]
+  const ColorMap map = ColorMap::Named("viridis");
+  {
+    const auto bound = map.Bind(gl, RGL_TEXTURE0, Texture::Replace);
+    gl->TexCoord(0.75, 0.5);
+    DrawFrame(gl); // in the colour of the value 0.75
+  }                // the host's textures are bound again
+  //! [ColorMapBind]
+  EXPECT_TRUE(SameColor(At(15, 18).rgba(), map.Color(0.75), 1));
+}
+
 TEST(ColorSnippets, Weights) {
   //! [Weights]
   const ColorMap depths({Qt::darkBlue, Qt::blue, Qt::cyan}, {3, 1, 1}, ColorMap::Discrete);
@@ -82,7 +94,7 @@ TEST(ColorSnippets, Logarithm) {
 
 TEST(ColorSnippets, NamedColors) {
   //! [NamedColors]
-  const ColorMap blended(NamedColors::Colors("viridis"), ColorMap::Interpolated);
+  const ColorMap blended = ColorMap::Named("viridis");
   const ColorMap classed(NamedColors::Colors("viridis", 7), ColorMap::Discrete);
   const ColorMap downwards(NamedColors::Colors("magma", 256, 0.9, 0.1), ColorMap::Interpolated);
   //! [NamedColors]
@@ -110,15 +122,9 @@ TEST_F(ColorSnippetPixels, ColorAtlas) {
   const unsigned int blue = atlas.AddInstance(body, {{body, QColor(Qt::blue)}});
   atlas.BuildAtlas(gl);
 
-  const auto coordinate = [&](unsigned int p_color) {
-    const ColorAtlas::TexelSpace& space = atlas.TexelCoordSpace();
-    const ColorCoords::Pixel pixel = atlas.ColorAt(p_color).coords.First();
-    return Ogl::Vec2<float>{static_cast<float>(pixel.x) * space.texel.x + space.centre.x,
-                            1 - (static_cast<float>(pixel.y) * space.texel.y + space.centre.y)};
-  };
-  const Ogl::Vec2<float> offset = atlas.InstanceOffset(blue); // to be added, for the copy in blue
+  const Ogl::Vec2<float> coordinate = atlas.TexCoord(body, blue); // of the body in the blue copy
   (*atlas.Texture())(gl, RGL_TEXTURE0);
-  gl->TexCoord(coordinate(body).x + offset.x, coordinate(body).y + offset.y);
+  gl->TexCoord(coordinate.x, coordinate.y);
   //! [ColorAtlas]
   DrawFrame(gl);
   EXPECT_EQ(At(30, 18), QColor(Qt::blue));

@@ -1,4 +1,6 @@
 #include "library/ColorMap.h"
+#include "library/NamedColors.h"
+#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using Colors = std::vector<QColor>;
@@ -220,6 +222,48 @@ TEST_F(ColorMapCalls, UploadsOnceForAllCopiesAndSetsItsStateAtEachBind) {
   recorder.Clear();
   empty(gl, RGL_TEXTURE0);
   EXPECT_EQ(recorder.LinesOf({"GenTextures", "TexImage2D"}), Lines{"GenTextures(1, [1002])"});
+}
+
+TEST(ColorMap, IsMadeByName) {
+  for (const std::string& name : NamedColors::Names()) {
+    EXPECT_EQ(Texels(ColorMap::Named(name)), Texels({NamedColors::Colors(name), ColorMap::Interpolated})) << name;
+    EXPECT_EQ(ColorMap::Named(name, ColorMap::Discrete).Color(0.0), NamedColors::Colors(name).front()) << name;
+  }
+  const ReportCapture reports;
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([] { ColorMap::Named("jet"); }),
+            "colour map \"jet\" is unknown; known are viridis, plasma, inferno, magma, cividis, grey, coolwarm");
+  EXPECT_TRUE(reports.Texts().empty());
+}
+
+TEST_F(ColorMapPixels, BindsWithItsEnvironmentAndRestoresTheState) {
+  const ColorMap map({Red, Green}, ColorMap::Discrete);
+  gl->Color(Blue);
+  const std::pair<std::uint32_t, QColor> cases[] = {
+      {Texture::Modulate, Qt::black}, {Texture::Decal, Red}, {Texture::Replace, Red}, {7, Qt::black}};
+  for (const auto& [environment, expected] : cases) {
+    {
+      const auto bound = map.Bind(gl, RGL_TEXTURE0, environment);
+      DrawTexturedSquare(gl);
+    }
+    EXPECT_EQ(PixelAt(Image(), 9, 6), expected.rgba()) << environment;
+    int binding = -1;
+    gl->GetIntegerv(RGL_TEXTURE_BINDING_2D, &binding);
+    EXPECT_EQ(binding, 0);
+    EXPECT_FALSE(gl->IsEnabled(RGL_TEXTURE_2D));
+    map(gl, RGL_TEXTURE0); // in the host's environment, which modulates
+    DrawTexturedSquare(gl);
+    EXPECT_EQ(PixelAt(Image(), 9, 6), QColor(Qt::black).rgba()) << environment;
+    gl->BindTexture(RGL_TEXTURE_2D, 0);
+    gl->Disable(RGL_TEXTURE_2D);
+  }
+  int unit = -1;
+  {
+    const auto bound = map.Bind(gl, RGL_TEXTURE0 + 1);
+    gl->GetIntegerv(RGL_ACTIVE_TEXTURE, &unit);
+    EXPECT_EQ(unit, static_cast<int>(RGL_TEXTURE0) + 1);
+  }
+  gl->GetIntegerv(RGL_ACTIVE_TEXTURE, &unit);
+  EXPECT_EQ(unit, static_cast<int>(RGL_TEXTURE0));
 }
 
 TEST_F(ColorMapPixels, DrawsTheTexelOfEachValue) {

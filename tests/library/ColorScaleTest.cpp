@@ -159,6 +159,22 @@ TEST(ColorScale, SpacesItsBounds) {
     EXPECT_NEAR(std::log(scale.Bounds()[std::size_t(i)] / 0.02L) / std::log(3e5L / 0.02L), i / 256.0L, 1e-15L) << i;
 }
 
+TEST(ColorScale, ShowsTheColorsThatItMaps) {
+  const Colors classes{QColor(1, 2, 3, 4), QColor(5, 6, 7), QColor(8, 9, 10)};
+  const QColor below(11, 12, 13), above(14, 15, 16, 17), nan(18, 19, 20);
+  const std::pair<ColorScale::Outside, Colors> cases[] = {
+      {{}, {classes.front(), classes.back(), QColor(0, 0, 0, 0)}},
+      {{below, above, nan}, {below, above, nan}},
+  };
+  for (const auto& [given, outside] : cases) {
+    const ColorScale scale(classes, {0, 1, 1, 5}, given);
+    const ColorScale::Outside shown = scale.OutsideColors();
+    EXPECT_EQ(scale.Colors(), classes);
+    EXPECT_EQ((Colors{shown.below, shown.above, shown.nan}), outside);
+    EXPECT_EQ((Colors{scale.Color(-1), scale.Color(6), scale.Color(NotANumber)}), outside);
+  }
+}
+
 TEST(ColorScale, HasAClassForEachTexelOfAMap) {
   const ColorMap map({Qt::red, Qt::green, Qt::blue}, {1, 2, 5}, ColorMap::Interpolated);
   const ColorScale scale(map, 0, map.Size());
