@@ -2,6 +2,8 @@
 
 #include "library/private/memory/StreamedArray.h"
 
+#include <boost/functional/hash.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -18,12 +20,7 @@ using Types::Vector3_Base;
 using Bits = std::array<std::uint64_t, 3>;
 
 struct BitsHash {
-  std::size_t operator()(const Bits& p_bits) const {
-    std::uint64_t hash = 0;
-    for (const std::uint64_t word : p_bits)
-      hash = (hash ^ word ^ (hash >> 29)) * 0x9E3779B97F4A7C15u;
-    return static_cast<std::size_t>(hash ^ (hash >> 32));
-  }
+  std::size_t operator()(const Bits& p_bits) const { return boost::hash_range(p_bits.begin(), p_bits.end()); }
 };
 
 Bits BitsOf(const Vector3_Base<double>& p_vector) {
