@@ -16,6 +16,7 @@
 #include "platform/assets/ImageCache.h"
 #include "platform/assets/Resource.h"
 #include "platform/ogl/Text.h"
+#include "platform/ogl/TextImage.h"
 
 #include <boost/make_shared.hpp>
 
@@ -252,9 +253,7 @@ private:
 
   /// Returns the width of the letters.
   static double DrawOnBaseLine(Utility::Scoped<Rgl>& p_gl, Ogl::Text& p_text, double p_x, double p_y) {
-    QFont font;
-    font.setPixelSize(static_cast<int>(p_text.size.Value()));
-    const QFontMetrics metrics(font);
+    const QFontMetrics metrics(Ogl::TextFont(static_cast<int>(p_text.size.Value())));
     const int margin = (p_text.Image().height() - metrics.height()) / 2;
     p_text.position = {Rounded(p_x) - margin, Rounded(p_y) - margin - metrics.descent()};
     p_text(p_gl);

@@ -2,13 +2,9 @@
 
 #include "platform/debug/Check.h"
 #include "platform/ogl/PixelStore.h"
+#include "platform/ogl/TextImage.h"
 
-#include <QFont>
-#include <QFontMetrics>
 #include <QGuiApplication>
-#include <QPainter>
-#include <QPainterPath>
-#include <QStringList>
 
 #include <algorithm>
 #include <string>
@@ -24,37 +20,6 @@ constexpr const char* Draw = "void __cdecl Vek::Chart::Ogl::Text::operator ()(cl
                              "Vek::Chart::Ogl::Rgl> &)";
 } // namespace Signature
 
-/// The positions of a text's lines in its image.
-struct Layout {
-  Layout(const QString& p_text, unsigned int p_size)
-      : lines(p_text.split('\n')) {
-    font.setPixelSize(static_cast<int>(p_size));
-    const QFontMetrics metrics(font);
-    // Room for the outline, half of which lies outside the letters, and for letters that lean out of their box.
-    margin = 2 + static_cast<int>(p_size) / 6;
-    ascent = metrics.ascent();
-    lineHeight = metrics.lineSpacing();
-    int textWidth = 0;
-    for (const QString& line : lines)
-      textWidth = std::max(textWidth, metrics.horizontalAdvance(line));
-    width = textWidth + 2 * margin;
-    height = lineHeight * (lines.size() - 1) + metrics.height() + 2 * margin;
-  }
-  QPainterPath Letters() const {
-    QPainterPath letters;
-    for (int i = 0; i < lines.size(); ++i)
-      letters.addText(margin, margin + ascent + i * lineHeight, font, lines[i]);
-    return letters;
-  }
-  QStringList lines;
-  QFont font;
-  int margin;
-  int ascent;
-  int lineHeight;
-  int width;
-  int height;
-};
-
 } // namespace
 
 Text::Text(const QString& p_text)
@@ -67,23 +32,21 @@ bool Text::Changed() const {
 QImage Text::Painted() const {
   if (text.Value().isEmpty())
     return {};
-  const Layout layout(text, std::clamp(size.Value(), MinSize, MaxSize));
-  QImage image(layout.width, layout.height, QImage::Format_ARGB32_Premultiplied);
-  if (!VEK_ENSURE_TEXT(!image.isNull(),
-                       "!image.isNull() && \"" + std::to_string(layout.width) + " x " + std::to_string(layout.height) +
-                           " pixels\"",
-                       Signature::Painted))
-    return {};
-  const bool box = flag && secondColor.Value().alpha() != 0;
-  image.fill(box ? secondColor.Value() : QColor(Qt::transparent));
-  QPainter painter(&image);
-  painter.setRenderHint(QPainter::Antialiasing);
-  const QPainterPath letters = layout.Letters();
-  if (!flag && secondColor.Value().alpha() != 0)
-    painter.strokePath(letters,
-                       QPen(secondColor.Value(), layout.margin - 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-  painter.fillPath(letters, firstColor.Value());
-  painter.end();
+  TextFormat format;
+  format.size = static_cast<int>(std::clamp(size.Value(), MinSize, MaxSize));
+  format.color = firstColor;
+  (flag ? format.background : format.outline) = secondColor;
+  // Room for the outline, half of which lies outside the letters, and for letters that lean out of their box.
+  const int margin = 2 + format.size / 6;
+  format.margin = QSize(margin, margin);
+  format.outlineWidth = margin - 1;
+  const QImage image = TextImage(text, format);
+  if (image.isNull()) {
+    const QSize needed = TextImageSize(text, format);
+    vekdebug::fail_ensure("!image.isNull() && \"" + std::to_string(needed.width()) + " x " +
+                              std::to_string(needed.height()) + " pixels\"",
+                          Signature::Painted);
+  }
   return image;
 }
 

@@ -14,7 +14,7 @@
 
 namespace Vek::Chart::Ogl {
 
-/// A text renderer: one or more lines in window pixels, in the application's default font family.
+/// A text renderer: one or more lines in window pixels, in the font of `TextFont`.
 ///
 /// The letters have the first colour. With the flag set, the second colour fills a box behind the text; without it, it
 /// draws an outline around the letters. A transparent second colour draws neither.

@@ -1,4 +1,5 @@
 #include "platform/ogl/Text.h"
+#include "platform/ogl/TextImage.h"
 #include "tests/support/Test.h"
 
 #include <QGuiApplication>
@@ -82,6 +83,30 @@ TEST(Text, PaintsWhatItsPropertiesSay) {
   text.text = "HH\nHH";
   EXPECT_EQ(text.Image().width(), plain.width());
   EXPECT_NEAR(Count(text.Image(), Qt::red), 2 * Count(plain, Qt::red), 10);
+}
+
+TEST(TextImage, IsAsLargeAsItsLettersAndMargin) {
+  MakeApplication();
+  Ogl::TextFormat format;
+  format.size = 24;
+  const QSize plain = Ogl::TextImageSize("Ag", format);
+  const QImage image = Ogl::TextImage("Ag", format);
+  EXPECT_EQ(image.size(), plain);
+  EXPECT_GT(Count(image, Qt::black), 20);
+  format.margin = {3, 5};
+  const QImage wide = Ogl::TextImage("Ag", format);
+  EXPECT_EQ(wide.size(), plain + QSize(6, 10));
+  EXPECT_TRUE(SameImage(wide.copy(3, 5, plain.width(), plain.height()), image, 8)) << "the same letters elsewhere";
+  format.bold = true;
+  EXPECT_GT(Ogl::TextImageSize("Ag", format).width(), wide.width());
+  EXPECT_EQ(Ogl::TextImage("", {}).size(), QSize(1, Ogl::TextImageSize("A", {}).height()));
+
+  Text text("Ag"); // the same letters with a text's margin
+  text.size = 24;
+  format = {};
+  format.size = 24;
+  format.margin = {6, 6};
+  EXPECT_EQ(text.Image(), Ogl::TextImage("Ag", format));
 }
 
 TEST(Text, HoldsItsSizeWithinTheLimits) {
