@@ -2,9 +2,10 @@
 //
 //     vek-make-symbols symbols
 //
-// The glyphs are those of VectorSymbol. The sphere of equal triangles and the torus are built here. Numbers are written
+// The glyphs are those of VectorSymbol. The sphere is an Icosphere; the torus is built here. Numbers are written
 // as the shortest strings that read back as the same floats; the output is reproducible.
 
+#include "library/Icosphere.h"
 #include "library/VectorSymbol.h"
 #include "platform/model/Symbol.h"
 #include "platform/ogl/VertexData.h"
@@ -15,7 +16,6 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
-#include <map>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -26,10 +26,10 @@ using Vector = Types::Vector3_Base<double>;
 
 namespace {
 
-constexpr unsigned int Segments = 24; // around the round glyphs
-constexpr int SphereSubdivisions = 3; // 642 vertices
-constexpr double TorusRadius = 0.35;  // of the circle through the middle of the tube
-constexpr double TubeRadius = 0.15;   // both radii add up to half a unit
+constexpr unsigned int Segments = 24;       // around the round glyphs
+constexpr unsigned int SphereDivisions = 3; // 642 vertices
+constexpr double TorusRadius = 0.35;        // of the circle through the middle of the tube
+constexpr double TubeRadius = 0.15;         // both radii add up to half a unit
 constexpr unsigned int TorusSegments = 32;
 constexpr unsigned int TubeSegments = 16;
 
@@ -73,55 +73,15 @@ Mesh Glyph(Model::Symbol::Shape p_shape) {
   return mesh;
 }
 
-// A unit sphere of triangles: an icosahedron whose triangles are repeatedly divided into four.
-class IcoSphere {
-public:
-  explicit IcoSphere(int p_subdivisions) {
-    const double g = (1 + std::sqrt(5.0)) / 2;
-    for (const Vector& corner :
-         {Vector(-1, g, 0), Vector(1, g, 0), Vector(-1, -g, 0), Vector(1, -g, 0), Vector(0, -1, g), Vector(0, 1, g),
-          Vector(0, -1, -g), Vector(0, 1, -g), Vector(g, 0, -1), Vector(g, 0, 1), Vector(-g, 0, -1), Vector(-g, 0, 1)})
-      _points.push_back(Normalize(corner));
-    _triangles = {{0, 11, 5},  {0, 5, 1},  {0, 1, 7},  {0, 7, 10}, {0, 10, 11}, {1, 5, 9}, {5, 11, 4},
-                  {11, 10, 2}, {10, 7, 6}, {7, 1, 8},  {3, 9, 4},  {3, 4, 2},   {3, 2, 6}, {3, 6, 8},
-                  {3, 8, 9},   {4, 9, 5},  {2, 4, 11}, {6, 2, 10}, {8, 6, 7},   {9, 8, 1}};
-    for (int i = 0; i < p_subdivisions; ++i)
-      Subdivide();
-  }
-
-  Mesh Scaled(double p_radius) const {
-    Mesh mesh;
-    for (const Vector& point : _points)
-      mesh.AddVertex(point * p_radius, point);
-    for (const Triangle& triangle : _triangles)
-      mesh.indices.insert(mesh.indices.end(), triangle.begin(), triangle.end());
-    return mesh;
-  }
-
-private:
-  using Triangle = std::array<unsigned int, 3>;
-
-  void Subdivide() {
-    std::vector<Triangle> finer;
-    for (const auto& [a, b, c] : _triangles) {
-      const unsigned int ab = Middle(a, b), bc = Middle(b, c), ca = Middle(c, a);
-      finer.insert(finer.end(), {{a, ab, ca}, {b, bc, ab}, {c, ca, bc}, {ab, bc, ca}});
-    }
-    _triangles = std::move(finer);
-    _middles.clear();
-  }
-  // Adjacent triangles share the midpoint of their edge.
-  unsigned int Middle(unsigned int p_a, unsigned int p_b) {
-    const auto [entry, isNew] = _middles.try_emplace(std::minmax(p_a, p_b), static_cast<unsigned int>(_points.size()));
-    if (isNew)
-      _points.push_back(Normalize(_points[p_a] + _points[p_b]));
-    return entry->second;
-  }
-
-  std::vector<Vector> _points;
-  std::vector<Triangle> _triangles;
-  std::map<std::pair<unsigned int, unsigned int>, unsigned int> _middles;
-};
+// A sphere of triangles.
+Mesh Sphere(double p_radius) {
+  const Library::Icosphere sphere(SphereDivisions);
+  Mesh mesh;
+  for (const Vector& point : sphere.positions)
+    mesh.AddVertex(point * p_radius, point);
+  mesh.indices = sphere.indices;
+  return mesh;
+}
 
 // A torus around the z axis.
 Mesh Torus() {
@@ -207,7 +167,7 @@ int main(int p_count, char** p_arguments) {
     const std::string folder = p_arguments[1];
     for (const auto& [shape, name] : Glyphs)
       WriteModel(folder, name, Glyph(shape));
-    WriteModel(folder, "IcoSphere", IcoSphere(SphereSubdivisions).Scaled(0.5));
+    WriteModel(folder, "IcoSphere", Sphere(0.5));
     WriteModel(folder, "Torus", Torus());
   } catch (const std::exception& error) {
     std::fprintf(stderr, "vek-make-symbols: %s\n", error.what());

@@ -1,6 +1,7 @@
 // The examples of the reference for glyphs and models: what stands between two marks is shown there.
 
 #include "library/ComputeNormals.h"
+#include "library/Icosphere.h"
 #include "library/ModelCache.h"
 #include "library/ObjModel.h"
 #include "library/StreamLineShape.h"
@@ -101,6 +102,17 @@ TEST(GlyphSnippets, ComputeNormals) {
       ComputeNormals(positions.data(), positions.size(), triangles.data(), triangles.size());
   //! [ComputeNormals]
   EXPECT_EQ(normals, std::vector<Point>(4, {0, 0, 1}));
+}
+
+TEST(GlyphSnippets, Icosphere) {
+  //! [Icosphere]
+  const Icosphere sphere(2); // 320 triangles
+  const double radius = 5;
+  std::vector<Point> positions;
+  for (const Point& point : sphere.positions)
+    positions.push_back(point * radius);
+  //! [Icosphere]
+  EXPECT_EQ(std::pair(positions.size(), sphere.indices.size()), std::pair(std::size_t(162), std::size_t(960)));
 }
 
 TEST_F(GlyphSnippetPixels, MappedLayer) {
