@@ -14,9 +14,11 @@
 #include <type_traits>
 #include <utility>
 
-namespace Vek::Chart::Ogl {
+namespace Vek::Chart::Testing {
 
-struct VEK_HIDDEN RecordingGl::State {
+using namespace Ogl;
+
+struct RecordingGl::State {
   /// Runs one call on the model, or its failure, and records it.
   template <class Run, class Refuse, class Arguments>
   auto Call(const Recording::Signature& p_signature, Run p_run, Refuse p_refuse, const Arguments& p_arguments) {
@@ -235,4 +237,4 @@ int RecordingGl::TextureEnvironment(GlEnum p_name) const {
   return static_cast<int>(_state->model.One(p_name));
 }
 
-} // namespace Vek::Chart::Ogl
+} // namespace Vek::Chart::Testing

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/Export.h"
 #include "platform/ogl/Rgl.h"
 #include "platform/utility/Scope.h"
 
@@ -12,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace Vek::Chart::Ogl {
+namespace Vek::Chart::Testing {
 
 /// A GL without a device, for tests. It records every call as one line, keeps the state that calls can query, and lists
 /// misuse that a driver would accept.
@@ -35,7 +34,7 @@ namespace Vek::Chart::Ogl {
 ///
 /// \snippet HostSnippets.cpp RecordingGl
 /// \ingroup host
-class VEK_PLATFORM_API RecordingGl {
+class RecordingGl {
 public:
   RecordingGl();
   ~RecordingGl();
@@ -70,9 +69,9 @@ public:
   /// Sets the answer of GetString for GL_EXTENSIONS: names separated by blanks, empty at first.
   void SetExtensions(const std::string& p_extensions);
   /// Sets the answer of GetIntegerv, GetFloatv and GetDoublev for a name; it replaces the state.
-  void SetInteger(GlEnum p_name, const std::vector<int>& p_values);
+  void SetInteger(Ogl::GlEnum p_name, const std::vector<int>& p_values);
   /// Sets the answer of CheckFramebufferStatus.
-  void SetFramebufferStatus(GlEnum p_status);
+  void SetFramebufferStatus(Ogl::GlEnum p_status);
   /// Sets the colour that ReadPixels reads at a pixel; all others are 0.
   void SetPixel(int p_x, int p_y, const std::array<unsigned char, 4>& p_rgba);
   /// Sets the log of all shaders and programs.
@@ -85,25 +84,25 @@ public:
   /// Makes a call of that name fail, counted from 1 over its calls from now on.
   void Fail(const std::string& p_name, std::size_t p_number = 1);
   /// Queues an error for GetError.
-  void QueueError(GlEnum p_error);
+  void QueueError(Ogl::GlEnum p_error);
 
   // Contents of objects.
 
   /// One level of a texture, as it was uploaded.
   struct TextureLevel {
-    GlEnum internalFormat = 0;         ///< as requested
+    Ogl::GlEnum internalFormat = 0;    ///< as requested
     int width = 0;                     ///< texels along s
     int height = 0;                    ///< texels along t; 1 for a 1-D texture
     int depth = 1;                     ///< texels along r
-    GlEnum format = 0;                 ///< of the source
-    GlEnum type = 0;                   ///< of the source's components
+    Ogl::GlEnum format = 0;            ///< of the source
+    Ogl::GlEnum type = 0;              ///< of the source's components
     std::vector<unsigned char> pixels; ///< rows without padding; empty when no source was given
   };
   /// The contents of a texture.
   struct TextureObject {
-    GlEnum target = 0;                  ///< of the first bind
-    std::map<int, TextureLevel> levels; ///< by number
-    std::map<GlEnum, int> parameters;   ///< those that were set
+    Ogl::GlEnum target = 0;                ///< of the first bind
+    std::map<int, TextureLevel> levels;    ///< by number
+    std::map<Ogl::GlEnum, int> parameters; ///< those that were set
   };
   /// Null if there is no such texture; valid until it is deleted.
   const TextureObject* FindTexture(unsigned int p_name) const;
@@ -112,7 +111,7 @@ public:
   /// The last polygon stipple.
   const std::array<unsigned char, 128>& PolygonStippleMask() const;
   /// The texture environment of the active unit, as TexEnvi set it.
-  int TextureEnvironment(GlEnum p_name) const;
+  int TextureEnvironment(Ogl::GlEnum p_name) const;
 
   struct State;
 
@@ -121,4 +120,4 @@ private:
   Utility::Unscoped<Rgl> _handle;
 };
 
-} // namespace Vek::Chart::Ogl
+} // namespace Vek::Chart::Testing

@@ -8,9 +8,13 @@
 #include <string>
 #include <vector>
 
-namespace Vek::Test {
+namespace Vek::Chart::Testing {
 
-/// Gathers all reports instead of printing them, as long as it lives.
+/// Gathers all reports of the process instead of printing them, as long as it lives. The sink that was installed before
+/// returns at the end, so captures may be nested. All functions may be called while other threads report.
+///
+/// \snippet HostSnippets.cpp ReportCapture
+/// \ingroup testing
 class ReportCapture {
 public:
   /// With `p_throws` each report is also thrown, as std::runtime_error.
@@ -21,12 +25,14 @@ public:
   ReportCapture(const ReportCapture&) = delete;
   ReportCapture& operator=(const ReportCapture&) = delete;
 
+  /// One report.
   struct Entry {
-    vekdebug::severity kind;
-    std::string text;
-    std::string channel;
-    std::string where; ///< the detail as a string
+    vekdebug::severity kind; ///< how bad it is
+    std::string text;        ///< the fixed text: the expression that failed and where, or the message
+    std::string channel;     ///< of a debug message; empty for others
+    std::string where;       ///< the detail as a string: path, line and values
   };
+  /// All reports so far, in order.
   std::vector<Entry> Entries() const {
     const std::lock_guard<std::mutex> lock(_sink->mutex);
     return _sink->entries;
@@ -35,6 +41,7 @@ public:
   std::vector<std::string> Texts() const { return All(&Entry::text); }
   /// The details of all reports so far, in order.
   std::vector<std::string> Details() const { return All(&Entry::where); }
+  /// Removes the reports so far.
   void Clear() {
     const std::lock_guard<std::mutex> lock(_sink->mutex);
     _sink->entries.clear();
@@ -66,4 +73,4 @@ private:
   std::shared_ptr<vekdebug::sink> _previous;
 };
 
-} // namespace Vek::Test
+} // namespace Vek::Chart::Testing

@@ -1,14 +1,15 @@
 #include "testing/Surface.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <map>
+#include <stdexcept>
+#include <string>
 
-namespace Vek::Test {
+namespace Vek::Chart::Testing {
 
-using Chart::Ogl::VertexData;
+using Ogl::VertexData;
+using Vector = Surface::Vector;
 
 namespace {
 
@@ -25,10 +26,16 @@ std::map<std::pair<Place, Place>, int> Edges(const Surface& p_surface) {
   return edges;
 }
 
+void Require(bool p_fits, const std::string& p_expected) {
+  if (!p_fits)
+    throw std::invalid_argument("the vertex data are not " + p_expected);
+}
+
 } // namespace
 
 std::vector<Vector> VectorsOf(const VertexData::Array& p_array) {
-  EXPECT_TRUE(p_array.Empty() || (p_array.components == 3 && p_array.type == VertexData::Float));
+  Require(p_array.Empty() || (p_array.components == 3 && p_array.type == VertexData::Float),
+          "an array of three floats");
   std::vector<Vector> vectors;
   for (std::size_t i = 0; i < 3 * p_array.count; i += 3)
     vectors.emplace_back(p_array.As<float>()[i], p_array.As<float>()[i + 1], p_array.As<float>()[i + 2]);
@@ -37,13 +44,13 @@ std::vector<Vector> VectorsOf(const VertexData::Array& p_array) {
 
 Surface SurfaceOf(const VertexData& p_data) {
   const VertexData::Array& indices = p_data.Indices();
-  EXPECT_TRUE(indices.Empty() || indices.type == VertexData::UnsignedInt);
+  Require(indices.Empty() || indices.type == VertexData::UnsignedInt, "indices of unsigned int");
   const unsigned int* const first = indices.As<unsigned int>();
   return {VectorsOf(p_data.Vertices()), VectorsOf(p_data.Normals()), {first, first + indices.count}};
 }
 
-Chart::Types::BoundingBox_Base<double> BoundsOf(const std::vector<Vector>& p_positions) {
-  Chart::Types::BoundingBox_Base<double> bounds;
+Types::BoundingBox_Base<double> BoundsOf(const std::vector<Vector>& p_positions) {
+  Types::BoundingBox_Base<double> bounds;
   for (const Vector& position : p_positions)
     bounds += position;
   return bounds;
@@ -62,4 +69,4 @@ double EnclosedVolume(const Surface& p_surface) {
   return sixVolumes / 6;
 }
 
-} // namespace Vek::Test
+} // namespace Vek::Chart::Testing

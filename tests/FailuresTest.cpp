@@ -314,7 +314,7 @@ void RunAll(const std::function<bool(const Fault&)>& p_run) {
 }
 
 /// The lines of a use, without digits: the names of objects differ after a failure.
-Lines LinesOfUse(Ogl::RecordingGl& p_recorder, const Use& p_use, const Handle& p_handle) {
+Lines LinesOfUse(Testing::RecordingGl& p_recorder, const Use& p_use, const Handle& p_handle) {
   p_recorder.Clear();
   {
     Scope gl(p_handle);
@@ -347,7 +347,7 @@ TEST_P(FailuresCalls, LeaveNothingBehind) {
   const Subject& subject = Subjects()[GetParam()];
   Lines clean;
   const auto run = [&](const Fault& p_fault) {
-    Ogl::RecordingGl recorder;
+    Testing::RecordingGl recorder;
     unsigned int target = 0, buffer = 0;
     {
       const Scope host(recorder.Handle());
@@ -386,7 +386,7 @@ TEST_P(FailuresCalls, LeaveNothingBehind) {
 
 TEST_P(FailuresPixels, LeaveNothingBehind) {
   const Subject& subject = Subjects()[GetParam()];
-  Ogl::OffscreenContext& context = PixelFixture::Context();
+  Ogl::OffscreenContext& context = PixelFixture::ContextOf(PixelFixture::FrameSize);
   QImage clean;
   const auto run = [&](const Fault& p_fault) {
     context.BindFrameBuffer();

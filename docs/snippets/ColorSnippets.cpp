@@ -13,7 +13,7 @@ using namespace Vek::Chart::Library;
 
 namespace {
 
-using ColorSnippetPixels = Vek::Test::PixelScopeFixture;
+using ColorSnippetPixels = Testing::PixelScopeFixture;
 
 /// A rectangle over the whole frame.
 void DrawFrame(Utility::Scoped<Rgl>& p_gl) {

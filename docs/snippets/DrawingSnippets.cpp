@@ -20,7 +20,7 @@ namespace {
 
 constexpr Types::Viewport<0> Window(0, 0, 61, 37);
 
-using DrawingSnippetPixels = Vek::Test::PixelScopeFixture;
+using DrawingSnippetPixels = Testing::PixelScopeFixture;
 
 TEST_F(DrawingSnippetPixels, Geometry) {
   //! [Geometry]

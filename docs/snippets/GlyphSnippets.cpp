@@ -18,7 +18,7 @@ using Point = Types::Vector3_Base<double>;
 
 namespace {
 
-using GlyphSnippetPixels = Vek::Test::PixelScopeFixture;
+using GlyphSnippetPixels = Testing::PixelScopeFixture;
 
 const char* const Ship = "v -1 -1 0\nv 1 -1 0\nv 0 1 0\nf 1 2 3\n";
 
@@ -44,7 +44,7 @@ TEST(GlyphSnippets, ArrowLength) {
   Ogl::VertexData data;
   arrow.OrientShape(speed, 0, {10, 0, 0}, false, 0, scale, toEast, data); // from x = 10 to 10 + 12 × 0.25 = 13
   //! [ArrowLength]
-  const auto bounds = Vek::Test::BoundsOf(Vek::Test::VectorsOf(data.Vertices()));
+  const auto bounds = Testing::BoundsOf(Testing::VectorsOf(data.Vertices()));
   EXPECT_NEAR(bounds.Max().x, 13, 1e-5);
 }
 
@@ -174,7 +174,7 @@ TEST(GlyphSnippets, ObjModel) {
 }
 
 TEST_F(GlyphSnippetPixels, ModelCacheAndBufferDraw) {
-  const Vek::Test::TempFolder folder;
+  const Testing::TempFolder folder;
   const std::string file = folder.Write("ship.obj", Ship);
   //! [ModelCache]
   ModelCache cache(handle);
@@ -198,7 +198,7 @@ TEST_F(GlyphSnippetPixels, ModelCacheAndBufferDraw) {
 }
 
 TEST_F(GlyphSnippetPixels, SymbolRegistry) {
-  const Vek::Test::TempFolder folder;
+  const Testing::TempFolder folder;
   const vekfile::filepath ship = folder.Write("ship.obj", Ship);
   const vekfile::filepath folderOfSymbols(VEK_SOURCE_DIR "/symbols");
   //! [SymbolRegistry]

@@ -52,7 +52,7 @@ TEST(HostSnippets, Reports) {
 }
 
 TEST(HostSnippets, Check) {
-  Vek::Test::ReportCapture reports;
+  Testing::ReportCapture reports;
   //! [Check]
   const auto half = [](int p_size) {
     if (!VEK_ENSURE(p_size > 0, "int __cdecl Half(int)"))
@@ -66,7 +66,7 @@ TEST(HostSnippets, Check) {
 
 TEST(HostSnippetCalls, RecordingGl) {
   //! [RecordingGl]
-  const Ogl::RecordingGl recorder;
+  const Testing::RecordingGl recorder;
   {
     const Utility::Scoped<Rgl> gl(recorder.Handle());
     gl->Enable(RGL_BLEND);
@@ -78,7 +78,7 @@ TEST(HostSnippetCalls, RecordingGl) {
   EXPECT_TRUE(faultless && lines == (std::vector<std::string>{"Enable(GL_BLEND)", "Color4d(1, 0, 0, 1)"}));
 }
 
-using HostSnippetPixels = Vek::Test::PixelFixture;
+using HostSnippetPixels = Testing::PixelFixture;
 
 TEST_F(HostSnippetPixels, Rgl) {
   const Utility::Unscoped<Rgl>& handle = Handle();

@@ -10,7 +10,7 @@ using namespace Vek::Chart::Library;
 namespace {
 
 TEST(ImageSnippets, HdrImage) {
-  const Vek::Test::TempFolder folder;
+  const Testing::TempFolder folder;
   const std::string target = folder.Write("sky.pfm", "");
   const vekfile::filepath data(VEK_SOURCE_DIR "/data");
   testing::internal::CaptureStdout(); // writing says so
@@ -45,7 +45,7 @@ TEST(ImageSnippets, TextArray) {
   EXPECT_EQ(bytes, (std::vector<unsigned char>{0, 51, 102, 153, 204, 255}));
 }
 
-using ImageSnippetPixels = Vek::Test::PixelScopeFixture;
+using ImageSnippetPixels = Testing::PixelScopeFixture;
 
 TEST_F(ImageSnippetPixels, VolumeTexture) {
   const vekfile::filepath data(VEK_SOURCE_DIR "/data");

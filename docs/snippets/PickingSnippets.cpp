@@ -13,7 +13,7 @@ using namespace Vek::Chart::Library;
 
 namespace {
 
-class PickingSnippetPixels : public Vek::Test::PixelScopeFixture {
+class PickingSnippetPixels : public Testing::PixelScopeFixture {
 protected:
   /// The left half of the frame, at depth 0.75.
   void DrawScene() const {

@@ -45,7 +45,7 @@ private:
 };
 //! [Widget]
 
-class QtWidgetSnippetPixels : public Vek::Test::PixelFixture {
+class QtWidgetSnippetPixels : public Testing::PixelFixture {
 protected:
   struct Painted : Chart {
     using Chart::paintGL;

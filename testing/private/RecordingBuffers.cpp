@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
 namespace {
 
 std::string Name(GlEnum p_value) {
@@ -237,4 +237,4 @@ void Model::DrawIndexed(const std::string& p_call, GlEnum p_mode, int p_count, G
   Draw(p_call, p_mode, 0, end, p_instances);
 }
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

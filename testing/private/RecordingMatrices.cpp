@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
 namespace {
 
 constexpr Matrix Identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
@@ -104,4 +104,4 @@ Matrix OrthoMatrix(double p_left, double p_right, double p_bottom, double p_top,
   return matrix;
 }
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
+
+using namespace Ogl;
 
 using Matrix = std::array<double, 16>; ///< column by column, as GL has it
 
@@ -42,4 +44,4 @@ Matrix RotationMatrix(double p_degrees, double p_x, double p_y, double p_z);
 /// The extents must not be 0.
 Matrix OrthoMatrix(double p_left, double p_right, double p_bottom, double p_top, double p_near, double p_far);
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
 namespace {
 
 std::string Name(GlEnum p_value) {
@@ -358,4 +358,4 @@ std::vector<std::string> Model::Leftovers() const {
   return texts;
 }
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

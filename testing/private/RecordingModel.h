@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
 
 /// The state of a context that `RecordingGl` simulates. Its functions hide those of GlDefaults; all others have no
 /// effect.
@@ -299,4 +299,4 @@ std::size_t ScalarBytes(GlEnum p_type);
 /// Bytes of one pixel, 0 for an unknown combination.
 std::size_t PixelBytes(GlEnum p_format, GlEnum p_type);
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
 
 // Names
 
@@ -199,4 +199,4 @@ int Model::GetUniformLocation(unsigned int p_program, const char* p_uniform) {
   return _uniforms.try_emplace({p_program, p_uniform}, static_cast<int>(_uniforms.size())).first->second;
 }
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

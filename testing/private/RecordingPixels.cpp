@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
 namespace {
 
 std::string Name(GlEnum p_value) {
@@ -250,4 +250,4 @@ void Model::ReadPixels(int p_x, int p_y, int p_width, int p_height, GlEnum p_for
   }
 }
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

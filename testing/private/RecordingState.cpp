@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
 namespace {
 
 constexpr StateVariable Flag(GlEnum p_name, GlBitfield p_groups, bool p_on = false) {
@@ -145,4 +145,4 @@ const StateVariable* FindStateVariable(GlEnum p_name) {
   return found == std::end(Variables) ? nullptr : found;
 }
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

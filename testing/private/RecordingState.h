@@ -5,7 +5,9 @@
 #include <array>
 #include <cstddef>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
+
+using namespace Ogl;
 
 /// A state variable of GL: its initial value and the attribute groups that save it.
 struct StateVariable {
@@ -20,4 +22,4 @@ struct StateVariable {
 /// Null for an unknown name.
 const StateVariable* FindStateVariable(GlEnum p_name);
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <iterator>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
 namespace {
 
 std::string_view Trimmed(std::string_view p_text) {
@@ -233,4 +233,4 @@ std::string LineWriter::Pointer(const GlQuadric* p_quadric) const {
   return found == _quadrics.end() ? "ptr" : "quadric" + std::to_string(found->second);
 }
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

@@ -8,7 +8,9 @@
 #include <type_traits>
 #include <vector>
 
-namespace Vek::Chart::Ogl::Recording {
+namespace Vek::Chart::Testing::Recording {
+
+using namespace Ogl;
 
 /// One GL function: its name, its library, and the types and names of its parameters.
 struct Signature {
@@ -79,4 +81,4 @@ private:
   long long _count = 0;
 };
 
-} // namespace Vek::Chart::Ogl::Recording
+} // namespace Vek::Chart::Testing::Recording

@@ -29,16 +29,16 @@ protected:
 
 TEST_F(SceneInterfacePixels, DrawsAgainTheSameAndTakesColorsAndShapes) {
   for (const SceneEntry& entry : Scenes()) {
-    const Vek::Test::ReportCapture reports;
+    const Testing::ReportCapture reports;
     Loading loading;
     const std::unique_ptr<Scene> scene = entry.load(DataInputs(), loading);
     const QImage first = Drawn(*scene);
-    EXPECT_TRUE(Vek::Test::SameImage(Drawn(*scene), first)) << entry.name;
+    EXPECT_TRUE(Testing::SameImage(Drawn(*scene), first)) << entry.name;
     if (scene->TakesColors()) {
       scene->SetColors({Qt::white, Qt::cyan});
       EXPECT_NE(Drawn(*scene), first) << entry.name << ": other colours";
       scene->SetColors({});
-      EXPECT_TRUE(Vek::Test::SameImage(Drawn(*scene), first)) << entry.name << ": its own colours again";
+      EXPECT_TRUE(Testing::SameImage(Drawn(*scene), first)) << entry.name << ": its own colours again";
     }
     for (std::size_t i = 1; i < scene->Shapes().size(); ++i) {
       scene->SetShape(i);
@@ -46,7 +46,7 @@ TEST_F(SceneInterfacePixels, DrawsAgainTheSameAndTakesColorsAndShapes) {
     }
     scene->SetShape(scene->Shapes().size()); // no such shape
     scene->SetShape(0);
-    EXPECT_TRUE(Vek::Test::SameImage(Drawn(*scene), first)) << entry.name << ": its own shape again";
+    EXPECT_TRUE(Testing::SameImage(Drawn(*scene), first)) << entry.name << ": its own shape again";
     EXPECT_TRUE(_gl->CheckError(entry.name));
     EXPECT_EQ(reports.Texts(), std::vector<std::string>{}) << entry.name;
   }

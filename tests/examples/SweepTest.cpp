@@ -7,10 +7,10 @@ using namespace Vek::Chart::Gallery;
 
 namespace {
 
-using Point = Vek::Test::Vector;
+using Point = Testing::Surface::Vector;
 using Line = std::vector<SweepPoint>;
 
-struct Mesh : Vek::Test::Surface {
+struct Mesh : Testing::Surface {
   std::vector<float> values;
 };
 
@@ -21,7 +21,7 @@ Mesh Swept(StreamLineShape::Shape p_shape, const std::vector<Line>& p_lines) {
   const Ogl::VertexData data = sweep.TakeMesh();
   EXPECT_TRUE(sweep.Empty());
   const Ogl::VertexData::Array& values = data.TexCoords();
-  const Mesh mesh{Vek::Test::SurfaceOf(data), {values.As<float>(), values.As<float>() + values.count}};
+  const Mesh mesh{Testing::SurfaceOf(data), {values.As<float>(), values.As<float>() + values.count}};
   EXPECT_EQ(mesh.normals.size(), mesh.positions.size());
   EXPECT_EQ(mesh.values.size(), mesh.positions.size());
   return mesh;

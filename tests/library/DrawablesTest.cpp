@@ -212,7 +212,7 @@ TEST(Ring, HasTheMeshOfATube) {
 
 TEST_F(DrawablesCalls, RingDrawsItsMesh) {
   const Ring ring = At123<Ring>();
-  Ogl::RecordingGl other;
+  Testing::RecordingGl other;
   {
     const Scope gl(other.Handle());
     gl->Translate({1, 2, 3});

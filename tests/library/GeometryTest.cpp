@@ -5,6 +5,7 @@
 
 namespace {
 
+using Vector = Surface::Vector;
 using Draw = void (Geometry::*)(const Scope&) const;
 
 /// The shapes in the order in which they are recorded: the first has the list 2001.

@@ -298,7 +298,7 @@ TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
   EXPECT_TRUE(reports.Texts().empty());
 }
 
-using VectorSymbolLayerCalls = Vek::Test::RecordingScopeFixture;
+using VectorSymbolLayerCalls = Testing::RecordingScopeFixture;
 
 TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersReportsUnmappedOnes) {
   const ReportCapture reports;

@@ -9,6 +9,7 @@ using Types::Matrix3;
 
 namespace {
 
+using Vector = Surface::Vector;
 using Points = std::vector<Vector>;
 
 Surface Built(const VectorSymbol& p_symbol) {

@@ -7,8 +7,8 @@
 #include "testing/PixelFixture.h"
 #include "testing/RecordingFixture.h"
 #include "testing/ReportCapture.h"
-#include "testing/Scope.h"
 #include "testing/TempFolder.h"
+#include "tests/support/Shorthands.h"
 
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
@@ -44,11 +44,16 @@
 #include <vector>
 
 namespace Vek::Chart::Library {}
-namespace Vek::Test {}
+
+// For tests that were written before the fixtures moved.
+namespace Vek::Test {
+using namespace Chart::Testing;
+}
 
 namespace fs = std::filesystem;
 using namespace Vek::Chart;
 using namespace Vek::Chart::Library;
+using namespace Vek::Chart::Testing;
 using namespace Vek::Test;
 using vekdebug::severity;
 

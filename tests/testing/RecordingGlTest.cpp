@@ -58,14 +58,14 @@ TEST_F(RecordingGlCalls, ComplainsAboutMisuse) {
        }},
   };
   for (const auto& [complaint, call] : cases) {
-    Ogl::RecordingGl fresh;
+    Testing::RecordingGl fresh;
     call(*Scope(fresh.Handle()));
     EXPECT_EQ(fresh.Complaints(), Lines{complaint});
   }
 }
 
 TEST(RecorderEndCalls, ComplainsAboutOpenPairsAndLeaks) {
-  Ogl::RecordingGl fresh;
+  Testing::RecordingGl fresh;
   boost::shared_ptr<Ogl::Texture> texture;
   {
     const Scope open(fresh.Handle());
@@ -87,7 +87,7 @@ TEST(RecorderEndCalls, ComplainsAboutOpenPairsAndLeaks) {
 }
 
 TEST(RecorderEndCalls, ReportsObjectsThatOutliveIt) {
-  auto fresh = std::make_unique<Ogl::RecordingGl>();
+  auto fresh = std::make_unique<Testing::RecordingGl>();
   boost::shared_ptr<Ogl::Texture> texture = Scope(fresh->Handle())->GenTexture();
   fresh.reset();
   const ReportCapture reports;

@@ -39,8 +39,8 @@ std::map<std::string, std::string> Files(const fs::path& p_folder) {
   return files;
 }
 
-std::vector<Vector> Vectors(const Library::ObjModel::VertexArray& p_array) {
-  std::vector<Vector> vectors;
+std::vector<Surface::Vector> Vectors(const Library::ObjModel::VertexArray& p_array) {
+  std::vector<Surface::Vector> vectors;
   for (const auto& element : p_array)
     vectors.emplace_back(element.x, element.y, element.z);
   return vectors;
@@ -74,7 +74,7 @@ TEST(SymbolFiles, EqualTheGlyphs) {
     EXPECT_EQ(model->PrimitiveType(), data.PrimitiveType().Value());
     EXPECT_EQ(Vectors(*model->Vertices()), glyph.positions);
     const bool triangles = model->PrimitiveType() == Ogl::VertexBuffer::Triangles; // the other files have no normals
-    EXPECT_EQ(Vectors(*model->Normals()), triangles ? glyph.normals : std::vector<Vector>());
+    EXPECT_EQ(Vectors(*model->Normals()), triangles ? glyph.normals : std::vector<Surface::Vector>());
     EXPECT_EQ(indices, glyph.indices);
   }
 }

@@ -34,7 +34,7 @@ struct Host {
   void Release() const { Ogl::Release(Scope(*handle)); }
   Lines Deletions() const { return recorder.LinesOf({"DeleteTextures"}); }
 
-  Ogl::RecordingGl recorder;
+  Testing::RecordingGl recorder;
   std::optional<Utility::Unscoped<Rgl>> handle{boost::make_shared<Rgl>(
       recorder.Handle().Object()->Functions(), [this] { recorder.Handle().Object()->ScopeBegin(); },
       [this] { recorder.Handle().Object()->ScopeEnd(); })};
