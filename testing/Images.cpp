@@ -42,7 +42,7 @@ std::string Map(const QImage& p_image, const QColor& p_foreground, const QColor&
   return map;
 }
 
-std::string Difference(QRgb p_actual, const QColor& p_expected, int p_tolerance) {
+std::string ColorDifference(QRgb p_actual, const QColor& p_expected, int p_tolerance) {
   if (!Differ(p_actual, p_expected.rgba(), p_tolerance))
     return {};
   return QColor::fromRgba(p_actual).name(QColor::HexArgb).toStdString() + " is not " +
@@ -50,7 +50,7 @@ std::string Difference(QRgb p_actual, const QColor& p_expected, int p_tolerance)
          std::to_string(p_tolerance) + ")";
 }
 
-std::string Difference(const QImage& p_actual, const QImage& p_expected, int p_tolerance) {
+std::string ImageDifference(const QImage& p_actual, const QImage& p_expected, int p_tolerance) {
   if (p_actual.size() != p_expected.size())
     return SizeText(p_actual) + " is not " + SizeText(p_expected);
   std::string first;
@@ -59,7 +59,7 @@ std::string Difference(const QImage& p_actual, const QImage& p_expected, int p_t
     for (int x = 0; x < p_actual.width(); ++x) {
       const QRgb actual = p_actual.pixel(x, y), expected = p_expected.pixel(x, y);
       if (Differ(actual, expected, p_tolerance) && ++count == 1)
-        first = "pixel " + PositionText(x, y) + ": " + Difference(actual, QColor::fromRgba(expected), p_tolerance);
+        first = "pixel " + PositionText(x, y) + ": " + ColorDifference(actual, QColor::fromRgba(expected), p_tolerance);
     }
   return count < 2 ? first : first + "; " + std::to_string(count) + " pixels differ";
 }

@@ -21,11 +21,11 @@ std::string Map(const QImage& p_image, const QColor& p_foreground, const QColor&
 /// Empty if no channel, alpha included, differs by more than `p_tolerance` (0 to 255); otherwise a message with both
 /// colours.
 /// \ingroup testing
-std::string Difference(QRgb p_actual, const QColor& p_expected, int p_tolerance = 0);
+std::string ColorDifference(QRgb p_actual, const QColor& p_expected, int p_tolerance = 0);
 /// Empty if both images have one size and no channel of any pixel differs by more than `p_tolerance` (0 to 255);
 /// otherwise a message with the sizes, or with the first such pixel (counted from the upper left corner) and the number
 /// of such pixels.
 /// \ingroup testing
-std::string Difference(const QImage& p_actual, const QImage& p_expected, int p_tolerance = 0);
+std::string ImageDifference(const QImage& p_actual, const QImage& p_expected, int p_tolerance = 0);
 
 } // namespace Vek::Chart::Testing

@@ -113,16 +113,16 @@ public:
   Utility::Scoped<Rgl> gl{handle};                 ///< GL's functions
 };
 
-/// Passes if Difference finds none; otherwise the failure has its message.
+/// Passes if there is no difference; otherwise the failure has its message.
 /// \ingroup testing
 inline ::testing::AssertionResult SameColor(QRgb p_actual, const QColor& p_expected, int p_tolerance = 0) {
-  const std::string difference = Difference(p_actual, p_expected, p_tolerance);
+  const std::string difference = ColorDifference(p_actual, p_expected, p_tolerance);
   return difference.empty() ? ::testing::AssertionSuccess() : ::testing::AssertionFailure() << difference;
 }
-/// Passes if Difference finds none; otherwise the failure has its message.
+/// Passes if there is no difference; otherwise the failure has its message.
 /// \ingroup testing
 inline ::testing::AssertionResult SameImage(const QImage& p_actual, const QImage& p_expected, int p_tolerance = 0) {
-  const std::string difference = Difference(p_actual, p_expected, p_tolerance);
+  const std::string difference = ImageDifference(p_actual, p_expected, p_tolerance);
   return difference.empty() ? ::testing::AssertionSuccess() : ::testing::AssertionFailure() << difference;
 }
 
