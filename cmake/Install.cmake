@@ -12,11 +12,12 @@ set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/vek-chart-library)
 # Libraries lie side by side; programs find them relative to their own folder.
 set(lib_from_bin /${CMAKE_INSTALL_LIBDIR})
 cmake_path(RELATIVE_PATH lib_from_bin BASE_DIRECTORY /${CMAKE_INSTALL_BINDIR})
-set_target_properties(vek-platform vek-chart-library PROPERTIES INSTALL_RPATH $ORIGIN)
-foreach(target vek-platform vek-chart-library)
+set(libraries vek-platform vek-chart-library vek-chart-scene)
+set_target_properties(${libraries} PROPERTIES INSTALL_RPATH $ORIGIN)
+foreach(target IN LISTS libraries)
   target_include_directories(${target} INTERFACE $<INSTALL_INTERFACE:${header_dir}>)
 endforeach()
-install(TARGETS vek-platform vek-chart-library EXPORT VekChartLibraryTargets
+install(TARGETS ${libraries} EXPORT VekChartLibraryTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
 foreach(program vek-gallery vek-viewer)
   if(TARGET ${program})
@@ -29,7 +30,7 @@ foreach(program vek-gallery vek-viewer)
   endif()
 endforeach()
 
-install(DIRECTORY platform algorithms library DESTINATION ${header_dir} COMPONENT development
+install(DIRECTORY platform algorithms library scene DESTINATION ${header_dir} COMPONENT development
   FILES_MATCHING PATTERN "*.h" PATTERN private EXCLUDE)
 install(DIRECTORY data symbols sprites DESTINATION ${share_dir} COMPONENT data)
 install(FILES README.md CONTRIBUTING.md CHANGELOG.md CREDITS.md LICENSE DESTINATION ${doc_dir} COMPONENT documentation)
@@ -51,7 +52,7 @@ install(FILES
 
 set(prefix_from_pkgconfig /)
 cmake_path(RELATIVE_PATH prefix_from_pkgconfig BASE_DIRECTORY /${pkgconfig_dir})
-foreach(module vek-platform vek-chart-library)
+foreach(module IN LISTS libraries)
   configure_file(cmake/${module}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
 endforeach()

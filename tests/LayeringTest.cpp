@@ -5,11 +5,11 @@
 
 namespace {
 
-const std::set<std::string> Roots{"platform", "algorithms", "library", "testing", "examples",
-                                  "tests",    "bench",      "fuzz",    "tools",   "docs"};
+const std::set<std::string> Roots{"platform", "algorithms", "library", "io",   "scene", "widgets", "testing", "apps",
+                                  "examples", "tests",      "bench",   "fuzz", "tools", "docs"};
 
 /// The libraries, lowest layer first.
-constexpr std::array<const char*, 3> Layers{"platform", "algorithms", "library"};
+constexpr std::array<const char*, 6> Layers{"platform", "algorithms", "library", "io", "scene", "widgets"};
 /// The folders of platform/, top layer first: each includes itself and those to its right.
 constexpr std::array<const char*, 10> PlatformLayers{"data", "ogl",   "assets",    "file",  "utility",
                                                      "core", "model", "interface", "types", "debug"};
@@ -54,6 +54,8 @@ std::string Fault(const std::string& p_from, const std::string& p_to) {
   const auto toLayer = std::find(Layers.begin(), Layers.end(), to[0]);
   if (fromLayer != Layers.end())
     return toLayer <= fromLayer ? "" : "points upwards";
+  if (from[0] == "apps" && to[0] == "apps" && to[1] != "gallery" && from[1] != to[1])
+    return "belongs to another program";
   const bool ownTest = StartsWith(p_from, "tests/" + to[0] + "/") || (from[0] == "docs" && to[0] == "tests");
   const bool testing = to[0] == "testing" && (from[0] == "tests" || from[0] == "docs");
   return toLayer != Layers.end() || ownTest || testing || to[0] == from[0] ? "" : "belongs to another program";
@@ -65,7 +67,7 @@ std::string SystemFault(const std::string& p_from, const std::string& p_to) {
   if (!std::regex_match(p_to, Gl) || Roots.count(Parts(p_from)[0]) == 0)
     return "";
   // A window owns the context on which the abstraction works: the viewer's window, and that of the README.
-  const bool window = StartsWith(p_from, "examples/viewer/") || StartsWith(p_from, "tests/examples/viewer/") ||
+  const bool window = StartsWith(p_from, "apps/viewer/") || StartsWith(p_from, "tests/apps/viewer/") ||
                       p_from == "docs/snippets/QtWidgetSnippets.cpp";
   if (window && (p_to == "QOpenGLWidget" || p_to == "QOpenGLContext"))
     return "";
@@ -94,10 +96,13 @@ const Row Rows[] = {
     {"library/ColorMap.h", "library/private/color/Gradient.h", "is hidden"},
     {"library/ColorMap.cpp", "platform/ogl/private/Model.h", "is hidden"},
     {"tests/library/ColorMapTest.cpp", "library/private/color/Gradient.h", "is hidden"},
-    {"tests/library/ColorMapTest.cpp", "examples/scene/Camera.h", "belongs to another program"},
+    {"tests/library/ColorMapTest.cpp", "apps/gallery/Options.h", "belongs to another program"},
+    {"apps/gallery/Options.cpp", "apps/viewer/FileKind.h", "belongs to another program"},
+    {"io/ReadTable.h", "scene/Camera.h", "points upwards"},
+    {"examples/Quiver.cpp", "apps/gallery/Options.h", "belongs to another program"},
     {"library/ColorMap.cpp", "../library/ColorMap.h", "does not start at the root"},
     {"platform/ogl/Rgl.h", "<epoxy/gl.h", "bypasses the GL abstraction"},
-    {"examples/viewer/SceneView.cpp", "<QOpenGLFunctions", "bypasses the GL abstraction"},
+    {"apps/viewer/PictureView.cpp", "<QOpenGLFunctions", "bypasses the GL abstraction"},
 };
 
 /// All headers and sources of the project, as paths from the root.

@@ -24,7 +24,7 @@ foreach(file bin/vek-gallery share/man/man1/vek-gallery.1.gz
     share/vek-chart-library/sprites/symbol_star.png share/vek-chart-library/data/README.md
     share/doc/vek-chart-library/LICENSE share/doc/vek-chart-library/docs/images/wind.png
     share/doc/vek-chart-library/html/index.html)
-  if(NOT EXISTS ${prefix}/${file} AND (EXAMPLES OR NOT file MATCHES "vek-gallery"))
+  if(NOT EXISTS ${prefix}/${file} AND (APPS OR NOT file MATCHES "vek-gallery"))
     message(SEND_ERROR "not installed: ${file}")
   endif()
 endforeach()
@@ -53,7 +53,7 @@ foreach(page IN LISTS pages)
 endforeach()
 
 # The libraries export the project's names, without hidden state, and the exceptions that callers catch; nothing else.
-foreach(library vek-platform vek-chart-library)
+foreach(library vek-platform vek-chart-library vek-chart-scene)
   execute_process(COMMAND nm -DC --defined-only ${prefix}/${LIB_DIR}/lib${library}.so COMMAND cut -c20-
     OUTPUT_VARIABLE exported COMMAND_ERROR_IS_FATAL ANY)
   file(WRITE ${WORK_DIR}/exported "${exported}")
@@ -83,7 +83,7 @@ check_output(pkg-config "^${QT}\n$" --variable=qt vek-chart-library)
 run(make -s -C ${CMAKE_CURRENT_LIST_DIR} CXX=${COMPILER} OUT=${WORK_DIR}/make)
 check_output(${WORK_DIR}/make/consumer "${drawn}")
 
-if(EXAMPLES)
+if(APPS)
   # A manual page names each option of its program.
   foreach(program vek-gallery vek-viewer)
     execute_process(COMMAND ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ${prefix}/bin/${program} --help

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "apps/gallery/MapFrame.h"
+#include "apps/gallery/VectorGrid.h"
+#include "apps/gallery/WindField.h"
+
+#include "platform/types/Vector.h"
+
+#include <vector>
+
+namespace Vek::Chart::Gallery {
+
+/// The wind between the places of a table, over the units of a map.
+class MapWind {
+public:
+  MapWind(const WindField& p_field, const MapFrame& p_map);
+
+  /// In m/s to the east and the north; false beyond the border of the map.
+  bool At(const Types::Vector3_Base<double>& p_place, Types::Vector3_Base<double>& p_wind) const;
+  /// 0 beyond the border.
+  double SpeedAt(const Types::Vector3_Base<double>& p_place) const;
+  /// As long as the wind is fast, in the direction it has on the map, where a degree of longitude is as wide
+  /// everywhere.
+  bool Flow(const Types::Vector3_Base<double>& p_place, Types::Vector3_Base<double>& p_vector) const;
+
+private:
+  double Longitude(const Types::Vector3_Base<double>& p_place) const;
+  double Latitude(const Types::Vector3_Base<double>& p_place) const;
+  double ColumnOf(double p_lon) const;
+
+  std::vector<double> _lons;
+  std::vector<double> _lats;
+  bool _global;
+  MapFrame _map;
+  VectorGrid _grid;
+};
+
+} // namespace Vek::Chart::Gallery

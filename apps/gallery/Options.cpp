@@ -1,0 +1,108 @@
+#include "apps/gallery/Options.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace Vek::Chart::Gallery {
+
+namespace {
+
+int ParseSide(const std::string& p_text) {
+  constexpr int Largest = 4096;
+  int side = 0;
+  const auto [end, error] = std::from_chars(p_text.data(), p_text.data() + p_text.size(), side);
+  const bool whole = error == std::errc() && end == p_text.data() + p_text.size();
+  return whole && side >= 16 && side <= Largest ? side : 0;
+}
+
+Types::Size ParseSize(const std::string& p_text) {
+  const std::size_t cross = std::min(p_text.find('x'), p_text.size());
+  const Types::Size size(ParseSide(p_text.substr(0, cross)),
+                         ParseSide(p_text.substr(std::min(cross + 1, p_text.size()))));
+  if (size.width == 0 || size.height == 0)
+    throw UsageError("--size takes WIDTHxHEIGHT with sides from 16 to 4096, not '" + p_text + "'");
+  return size;
+}
+
+std::string CheckedName(const std::string& p_name) {
+  std::string names;
+  for (const PictureEntry& entry : Pictures()) {
+    if (entry.name == p_name)
+      return p_name;
+    names += (names.empty() ? "" : ", ") + entry.name;
+  }
+  throw UsageError("there is no picture '" + p_name + "'; there are: " + names);
+}
+
+/// An option and what it does with its value.
+struct Option {
+  const char* name;
+  const char* value;
+  const char* help;
+  void (*take)(Options&, const std::string&);
+};
+
+constexpr Option AllOptions[] = {
+    {"--out", "DIR", "where the pictures and index.html go (gallery)",
+     [](Options& p_options, const std::string& p_value) { p_options.out = p_value; }},
+    {"--only", "NAME", "make this picture only; may be given again",
+     [](Options& p_options, const std::string& p_value) { p_options.only.push_back(CheckedName(p_value)); }},
+    {"--size", "WxH", "pixels of a picture (1600x1000)",
+     [](Options& p_options, const std::string& p_value) { p_options.size = ParseSize(p_value); }},
+    {"--data", "FOLDER", "the folder with data/, symbols/ and sprites/ (found from the program's own place)",
+     [](Options& p_options, const std::string& p_value) { p_options.data = p_value; }},
+    {"--winds", "FILE", "winds of your own: columns lon,lat,u,v or longitude,latitude,dir,speed (dir: where from)",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.winds = p_value; }},
+    {"--quakes", "FILE", "earthquakes of your own: a table with the columns lon,lat,depth_km,mag",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.quakes = p_value; }},
+    {"--relief", "FILE", "a height grid for the maps: \"nx ny x0 dx y0 dy\", then ny rows of nx metres",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.relief = p_value; }},
+    {"--hdr", "FILE.hdr", "a Radiance panorama of your own",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.hdr = p_value; }},
+    {"--volume", "FILE", "a volume of your own: \"TextArray nx 1 ny nz\", then the numbers, x fastest",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.volume = p_value; }},
+    {"--model", "FILE.obj", "a model of your own, shown among the symbols",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.model = p_value; }},
+    {"--flow", "FILE",
+     "a flow in space of your own: \"# dims nx ny nz origin x y z spacing dx dy dz\", then a table with the columns "
+     "u,v,w, x fastest",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.flow = p_value; }},
+};
+
+} // namespace
+
+Options ParseOptions(const std::vector<std::string>& p_arguments, const Options& p_defaults) {
+  Options options = p_defaults;
+  for (auto argument = p_arguments.begin(); argument != p_arguments.end(); ++argument) {
+    if (*argument == "--help" || *argument == "-h") {
+      options.help = true;
+      continue;
+    }
+    const auto option = std::find_if(std::begin(AllOptions), std::end(AllOptions),
+                                     [&](const Option& p_option) { return *argument == p_option.name; });
+    if (option == std::end(AllOptions))
+      throw UsageError("unknown option '" + *argument + "'; --help lists what there is");
+    if (std::next(argument) == p_arguments.end() || std::next(argument)->empty())
+      throw UsageError(*argument + " needs a value: " + option->value);
+    option->take(options, *++argument);
+  }
+  return options;
+}
+
+std::string HelpText() {
+  std::string text = "Usage: vek-gallery [option...]\n"
+                     "Draws the pictures of the gallery off-screen and writes them with an index.html.\n\n";
+  const auto add = [&text](const std::string& p_option, const std::string& p_help) {
+    text += "  " + p_option + std::string(std::max<std::size_t>(20, p_option.size() + 1) - p_option.size(), ' ') +
+            p_help + "\n";
+  };
+  for (const Option& option : AllOptions)
+    add(std::string(option.name) + " " + option.value, option.help);
+  add("--help", "this text");
+  text += "\nPictures:\n";
+  for (const PictureEntry& entry : Pictures())
+    add(entry.name, entry.source);
+  return text;
+}
+
+} // namespace Vek::Chart::Gallery

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "apps/gallery/Picture.h"
+
+#include "platform/types/Size.h"
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace Vek::Chart::Gallery {
+
+/// What the command line asks for.
+struct Options {
+  bool help = false;
+  std::string out = "gallery";
+  std::vector<std::string> only; ///< names of pictures; empty for all
+  Types::Size size{1600, 1000};
+  std::string data; ///< the folder with the gallery's own files; empty for the one that belongs to the program
+  Inputs inputs;
+};
+
+/// A command line that means nothing; the text is one line that says why.
+class UsageError : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Reads the arguments after the program's name. `p_defaults` holds what is not said. Throws UsageError.
+Options ParseOptions(const std::vector<std::string>& p_arguments, const Options& p_defaults);
+/// The text that --help prints.
+std::string HelpText();
+
+} // namespace Vek::Chart::Gallery

@@ -1,0 +1,154 @@
+#include "apps/gallery/Relief.h"
+
+#include "apps/gallery/Palettes.h"
+#include "scene/Arrays.h"
+
+#include "platform/ogl/Vec.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Vek::Chart::Gallery {
+
+using namespace Scene;
+
+namespace {
+
+using Record = Ogl::Vec3<float>;
+
+Record ToRecord(const Types::Vector3_Base<double>& p_vector) {
+  return {static_cast<float>(p_vector.x), static_cast<float>(p_vector.y), static_cast<float>(p_vector.z)};
+}
+
+/// Corner indices of the two triangles of each cell of a grid, counter-clockwise where x and y grow. A cell is
+/// `p_step` vertices wide and high, less at the upper borders where there are no more.
+std::vector<unsigned int> GridIndices(std::size_t p_columns, std::size_t p_rows, std::size_t p_step) {
+  std::vector<unsigned int> indices;
+  for (std::size_t row = 0; row + 1 < p_rows; row += p_step)
+    for (std::size_t column = 0; column + 1 < p_columns; column += p_step) {
+      const auto corner = [&](std::size_t p_right, std::size_t p_up) {
+        return static_cast<unsigned int>(std::min(row + p_up, p_rows - 1) * p_columns +
+                                         std::min(column + p_right, p_columns - 1));
+      };
+      indices.insert(indices.end(), {corner(0, 0), corner(p_step, 0), corner(p_step, p_step), corner(0, 0),
+                                     corner(p_step, p_step), corner(0, p_step)});
+    }
+  return indices;
+}
+
+/// Binds the colours to be modulated by the light.
+boost::shared_ptr<void> TextureScope(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) {
+  const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT);
+  p_colors(p_gl, RGL_TEXTURE0);
+  p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_MODULATE);
+  return guard;
+}
+
+} // namespace
+
+Relief::Relief(const HeightField& p_heights, const MapFrame& p_map, double p_zPerMetre)
+    : _zPerMetre(p_zPerMetre) {
+  BuildSurface(p_heights, p_map);
+  BuildSides();
+}
+
+Library::ColorMap Relief::MutedColors(double p_opacity, double p_brightness) {
+  std::vector<QColor> colors = Palettes::Sampled({{-6000, 0x16212E},
+                                                  {-4000, 0x1B2A39},
+                                                  {-2000, 0x213443},
+                                                  {-200, 0x2A414F},
+                                                  {0, 0x304A58},
+                                                  {1, 0x5D6159},
+                                                  {600, 0x6C6C62},
+                                                  {2000, 0x85806F},
+                                                  {4000, 0xA59D8D},
+                                                  {6000, 0xCFC9BD}},
+                                                 2048);
+  for (QColor& color : colors) {
+    color = color.lighter(static_cast<int>(100 * p_brightness));
+    color.setAlphaF(p_opacity);
+  }
+  return Library::ColorMap(colors, Library::ColorMap::Discrete);
+}
+
+void Relief::BuildSurface(const HeightField& p_heights, const MapFrame& p_map) {
+  _columns = static_cast<std::size_t>(MapFrame::Width) + 1;
+  // A narrow strip from pole to pole is not followed in all its length.
+  _rows = static_cast<std::size_t>(std::clamp(std::ceil(p_map.Height()), 1.0, 4 * MapFrame::Width)) + 1;
+  std::vector<Record> positions;
+  std::vector<Record> normals;
+  std::vector<float> colors;
+  const double lonStep = (p_map.East() - p_map.West()) / static_cast<double>(_columns - 1);
+  const double latStep = (p_map.North() - p_map.South()) / static_cast<double>(_rows - 1);
+  const double xStep = MapFrame::Width / static_cast<double>(_columns - 1);
+  const double yStep = p_map.Height() / static_cast<double>(_rows - 1);
+  for (std::size_t row = 0; row < _rows; ++row)
+    for (std::size_t column = 0; column < _columns; ++column) {
+      const double lon = p_map.West() + lonStep * static_cast<double>(column);
+      const double lat = p_map.South() + latStep * static_cast<double>(row);
+      const double height = p_heights.At(lon, lat);
+      const double slopeX = (Z(p_heights.At(lon + lonStep, lat)) - Z(p_heights.At(lon - lonStep, lat))) / (2 * xStep);
+      const double slopeY = (Z(p_heights.At(lon, lat + latStep)) - Z(p_heights.At(lon, lat - latStep))) / (2 * yStep);
+      positions.push_back(ToRecord(p_map.Place(lon, lat, Z(height))));
+      normals.push_back(ToRecord(Normalize(Types::Vector3_Base<double>(-slopeX, -slopeY, 1))));
+      colors.push_back(static_cast<float>((height - LowestColored) / (HighestColored - LowestColored)));
+      _top = std::max(_top, Z(height));
+      _base = std::min(_base, Z(height));
+    }
+  _base -= 2.5;
+  const std::size_t count = positions.size();
+  _surface.SetVertices(Shared(std::move(positions)), count, 3, Ogl::VertexData::Float);
+  _surface.SetNormals(Shared(std::move(normals)), count, 3, Ogl::VertexData::Float);
+  _surface.SetTexCoords(Shared(std::move(colors)), count, 1, Ogl::VertexData::Float);
+  _surface.PrimitiveType() = Ogl::VertexBuffer::Triangles;
+  _coarseSurface = _surface;
+  const auto setCells = [this](Ogl::VertexData& p_mesh, std::size_t p_step) {
+    std::vector<unsigned int> indices = GridIndices(_columns, _rows, p_step);
+    const std::size_t indexCount = indices.size();
+    p_mesh.SetIndices(Shared(std::move(indices)), indexCount, Ogl::VertexData::UnsignedInt);
+  };
+  setCells(_surface, 1);
+  setCells(_coarseSurface, 2);
+}
+
+void Relief::BuildSides() {
+  const Record* const surface = _surface.Vertices().As<Record>();
+  std::vector<Record> positions;
+  std::vector<Record> normals;
+  // A wall hangs below each border of the surface; `first` and `step` walk along the border.
+  const auto addWall = [&](std::size_t p_first, std::size_t p_step, std::size_t p_count, const Record& p_normal) {
+    for (std::size_t i = 0; i + 1 < p_count; ++i) {
+      const Record& a = surface[p_first + i * p_step];
+      const Record& b = surface[p_first + (i + 1) * p_step];
+      const float base = static_cast<float>(_base);
+      for (const Record& corner : {a, Record{a.x, a.y, base}, Record{b.x, b.y, base}, b}) {
+        positions.push_back(corner);
+        normals.push_back(p_normal);
+      }
+    }
+  };
+  addWall(0, 1, _columns, {0, -1, 0});
+  addWall((_rows - 1) * _columns, 1, _columns, {0, 1, 0});
+  addWall(0, _columns, _rows, {-1, 0, 0});
+  addWall(_columns - 1, _columns, _rows, {1, 0, 0});
+  const std::size_t count = positions.size();
+  _sides.SetVertices(Shared(std::move(positions)), count, 3, Ogl::VertexData::Float);
+  _sides.SetNormals(Shared(std::move(normals)), count, 3, Ogl::VertexData::Float);
+  _sides.PrimitiveType() = Ogl::VertexBuffer::Quads;
+}
+
+void Relief::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, double p_pixelsPerUnit) const {
+  DrawSurface(p_gl, p_colors, p_pixelsPerUnit);
+  const auto guard = TextureScope(p_gl, p_colors);
+  // The sides take one colour of the map, that of the deep sea.
+  p_gl->TexCoord1d(0.1);
+  _sides.Draw(p_gl);
+}
+
+void Relief::DrawSurface(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, double p_pixelsPerUnit) const {
+  constexpr double LargestCell = 4; // pixels
+  const auto guard = TextureScope(p_gl, p_colors);
+  (2 * p_pixelsPerUnit <= LargestCell ? _coarseSurface : _surface).Draw(p_gl);
+}
+
+} // namespace Vek::Chart::Gallery

@@ -1,0 +1,152 @@
+// A volume cut by three planes. Shows how VolumeImage reads a text volume, how a VolumeTexture hands it to a shader
+// that colours it with a ColorMap, and how Intersect makes the polygons in which planes cut its box.
+
+#include "apps/gallery/PictureLoaders.h"
+
+#include "apps/gallery/Files.h"
+#include "apps/gallery/Palettes.h"
+#include "apps/gallery/SpacePicture.h"
+#include "apps/gallery/VolumeFile.h"
+#include "scene/Canvas.h"
+#include "scene/Theme.h"
+#include "scene/VolumeSlices.h"
+
+#include "library/Intersect.h"
+#include "library/VolumeImage.h"
+#include "library/VolumeTexture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace Vek::Chart::Gallery {
+
+using namespace Scene;
+
+namespace {
+
+using Library::VolumeImage;
+using Point = Types::Vector3_Base<double>;
+using Box = Types::BoundingBox_Base<double>;
+
+class VolumePicture : public SpacePicture {
+public:
+  VolumePicture(const Inputs& p_inputs, Loading& p_loading)
+      : SpacePicture(Palettes::Viridis())
+      , _ocean(p_inputs.volume.empty())
+      , _path(_ocean ? p_inputs.salinity : p_inputs.volume)
+      , _file(VolumeFile::Read(_path, p_loading)) {
+    const Point ocean(3.6, 1.8, 1.1);
+    _box = _ocean ? Box(ocean * -0.5, ocean * 0.5) : BoxOf(*_file.image, 2.1);
+    // A map's Atlantic at 30° west, its equator, and half-way down; for other volumes the three middles.
+    const Point at = VoxelCenter({_ocean ? (330.0 - 19.5) / 360.0 : 0.5, 0.5, _ocean ? 0.6 : 0.5});
+    for (const Point& normal : {Point(0, 0, 1), Point(0, -1, 0), Point(-1, 0, 0)}) {
+      Slice slice;
+      Library::Intersect::Intersection(_box, Types::Plane(at, normal), slice);
+      _slices.push_back(slice);
+    }
+  }
+
+  Camera StartCamera() const override {
+    Camera camera;
+    camera.target = {0, 0, -0.12};
+    camera.azimuth = 24;
+    camera.elevation = 30;
+    camera.fieldOfView = 20;
+    camera.distance = 9.6;
+    camera.radius = 4;
+    return camera;
+  }
+
+protected:
+  void Prepare(Utility::Scoped<Rgl>& p_gl) override {
+    // Layers count downwards in the ocean; nearest voxels, since land must not bleed into the sea.
+    _painter.emplace(p_gl, _file.image, _box, Library::VolumeTexture::Nearest, _ocean);
+  }
+
+  void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
+    const auto state =
+        p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_LINE_BIT | RGL_DEPTH_BUFFER_BIT | RGL_POLYGON_BIT);
+    p_gl->Enable(RGL_DEPTH_TEST);
+    p_gl->Enable(RGL_POLYGON_OFFSET_FILL); // outlines lie in front of what they surround
+    p_gl->PolygonOffset(1, 1);
+    _painter->Draw(p_gl, _slices, Colors(),
+                   {static_cast<float>(_file.low) / 255, static_cast<float>(_file.high) / 255});
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.4 * p_world.PointSize())));
+    p_gl->Color(QColor(0xDCE3EA));
+    DrawOutlines(p_gl, _slices);
+    p_gl->Color(Theme::Line);
+    DrawEdges(p_gl, _box);
+  }
+
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override { _painter->DrawDepths(p_gl, _slices); }
+
+  void DrawLegends(Utility::Scoped<Rgl>&, const View&, Canvas& p_canvas) override {
+    if (_ocean)
+      LabelOcean(p_canvas);
+    else
+      p_canvas.Title("Volume", QString("%1, %2 × %3 × %4 voxels")
+                                   .arg(QString::fromStdString(FileName(_path)))
+                                   .arg(_file.image->Height())
+                                   .arg(_file.image->Width())
+                                   .arg(_file.image->Depth()));
+    std::vector<Canvas::Tick> ticks;
+    constexpr int Ticks = 4;
+    for (int i = 0; i <= Ticks; ++i) {
+      const double place = static_cast<double>(i) / Ticks;
+      const double value = (_file.low + (_file.high - _file.low) * place) / 255.0 * _file.largest;
+      const QString text = QString::number(value, 'f', _file.largest < 100 ? 1 : 0);
+      ticks.push_back({place, i == 0 ? "≤ " + text : i == Ticks ? "≥ " + text : text});
+    }
+    p_canvas.Bar({60, 70, 520, 94}, Colors(), _ocean ? "Salinity in parts per thousand" : "Value", ticks);
+  }
+
+private:
+  /// The centre of the voxel at a place from 0 to 1 across the box: a plane between two layers would show now the one,
+  /// now the other.
+  Point VoxelCenter(const Point& p_place) const {
+    const auto centered = [](double p_part, int p_voxels) { return (std::floor(p_part * p_voxels) + 0.5) / p_voxels; };
+    const Point size = _box.Extent();
+    return _box.Min() + Point(size.x * centered(p_place.x, _file.image->Height()),
+                              size.y * centered(p_place.y, _file.image->Width()),
+                              size.z * centered(p_place.z, _file.image->Depth()));
+  }
+
+  void LabelOcean(Canvas& p_canvas) const {
+    const TextRenderer::Style faint{Theme::SmallSize, Theme::Faint, false};
+    p_canvas.Title("Salinity of the ocean",
+                   "Mean of all years, cut along 30° west, along the equator and across the depth");
+    const Point& low = _box.Min();
+    const Point& high = _box.Max();
+    for (int lon = 60; lon <= 360; lon += 60) {
+      const double x = low.x + (high.x - low.x) * (lon - 19.5) / 360.0;
+      const QString text = lon < 180    ? QString("%1° E").arg(lon)
+                           : lon == 180 ? "180°"
+                           : lon == 360 ? "0°"
+                                        : QString("%1° W").arg(360 - lon);
+      p_canvas.TextAt(text, {x, low.y, low.z}, 6, -14, {0.5, 1}, faint);
+    }
+    for (int lat = -60; lat <= 60; lat += 30) {
+      const double y = low.y + (high.y - low.y) * (lat + 90.5) / 180.0;
+      const QString text = lat == 0 ? "0°" : QString("%1° %2").arg(std::abs(lat)).arg(lat < 0 ? "S" : "N");
+      p_canvas.TextAt(text, {low.x, y, low.z}, -14, -6, {1, 0.5}, faint);
+    }
+    p_canvas.TextAt("surface", {high.x, low.y, high.z}, 14, 0, {0, 0.5}, faint);
+    p_canvas.TextAt("5000 m", {high.x, low.y, low.z}, 14, 0, {0, 0.5}, faint);
+  }
+
+  bool _ocean;
+  std::string _path;
+  VolumeFile _file;
+  Box _box;
+  std::vector<Slice> _slices;
+  std::optional<SlicePainter> _painter;
+};
+
+} // namespace
+
+std::unique_ptr<Picture> LoadVolume(const Inputs& p_inputs, Loading& p_loading) {
+  return std::make_unique<VolumePicture>(p_inputs, p_loading);
+}
+
+} // namespace Vek::Chart::Gallery

@@ -1,0 +1,21 @@
+#include "scene/DepthShader.h"
+
+#include "library/DepthCodec.h"
+#include "library/DepthPass.h"
+
+namespace Vek::Chart::Scene {
+
+std::string PackedDepthText() {
+  return Library::DepthCodec::PreciseGlsl() + "void main() { gl_FragColor = EncodeDepth(gl_FragCoord.z); }\n";
+}
+
+DepthShader::DepthShader(Utility::Scoped<Rgl>& p_gl)
+    : _program(p_gl, "void main() { gl_Position = ftransform(); }\n", PackedDepthText()) {}
+
+void DepthShader::Draw(Utility::Scoped<Rgl>& p_gl, const boost::function<void()>& p_draw) const {
+  const Library::DepthPass pass(p_gl);
+  const auto used = _program.Use(p_gl);
+  p_draw();
+}
+
+} // namespace Vek::Chart::Scene
