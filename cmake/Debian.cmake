@@ -70,6 +70,10 @@ foreach(relation REPLACES CONFLICTS)
 endforeach()
 vek_debian_package(documentation libvek-chart-doc doc ""
   "Documentation.\n The reference of all public names, with examples and pictures.")
+list(APPEND CPACK_COMPONENTS_ALL testing)
+vek_debian_package(testing libvek-chart-testing-dev libdevel "libvek-chart-dev ${version}"
+  "Test support.\n A recording GL, and fixtures for tests of programs that draw with the libraries.")
+set(CPACK_DEBIAN_TESTING_PACKAGE_SUGGESTS libgtest-dev)
 foreach(component DATA DOCUMENTATION)
   set(CPACK_DEBIAN_${component}_PACKAGE_ARCHITECTURE all)
   set(CPACK_DEBIAN_${component}_PACKAGE_SHLIBDEPS OFF)

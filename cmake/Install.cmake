@@ -56,3 +56,14 @@ foreach(module IN LISTS libraries)
   configure_file(cmake/${module}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
 endforeach()
+
+# The test support is a component of its own, with targets in a file of its own: VekChartLibraryConfig.cmake reads it where
+# it is installed.
+target_include_directories(vek-chart-testing INTERFACE $<INSTALL_INTERFACE:${header_dir}>)
+install(TARGETS vek-chart-testing EXPORT VekChartTestingTargets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT testing)
+install(DIRECTORY testing DESTINATION ${header_dir} COMPONENT testing
+  FILES_MATCHING PATTERN "*.h" PATTERN private EXCLUDE)
+install(EXPORT VekChartTestingTargets NAMESPACE Vek:: DESTINATION ${package_dir} COMPONENT testing)
+configure_file(cmake/vek-chart-testing.pc.in ${CMAKE_CURRENT_BINARY_DIR}/vek-chart-testing.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek-chart-testing.pc DESTINATION ${pkgconfig_dir} COMPONENT testing)

@@ -20,7 +20,7 @@ file(RENAME ${WORK_DIR}/installed ${prefix})
 # Installed files, and files that must not be.
 foreach(file bin/vek-gallery share/man/man1/vek-gallery.1.gz
     ${LIB_DIR}/libvek-platform.so.1 ${LIB_DIR}/libvek-chart-library.so.1
-    include/vek-chart/library/ColorMap.h include/vek-chart/algorithms/Array.h share/vek-chart-library/symbols/Cone.obj
+    include/vek-chart/library/ColorMap.h include/vek-chart/algorithms/Array.h include/vek-chart/testing/RecordingGl.h share/vek-chart-library/symbols/Cone.obj
     share/vek-chart-library/sprites/symbol_star.png share/vek-chart-library/data/README.md
     share/doc/vek-chart-library/LICENSE share/doc/vek-chart-library/docs/images/wind.png
     share/doc/vek-chart-library/html/index.html)
@@ -29,6 +29,22 @@ foreach(file bin/vek-gallery share/man/man1/vek-gallery.1.gz
   endif()
 endforeach()
 file(GLOB_RECURSE hidden ${prefix}/*/private/*)
+# The test support installs alone, and nothing of it with the other components.
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/testing --component testing)
+file(GLOB_RECURSE testing RELATIVE ${WORK_DIR}/testing ${WORK_DIR}/testing/*)
+foreach(file IN LISTS testing)
+  if(NOT file MATCHES "[Tt]esting")
+    message(SEND_ERROR "installed with the test support: ${file}")
+  endif()
+endforeach()
+foreach(component runtime development)
+  run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/shipped --component ${component})
+endforeach()
+file(GLOB_RECURSE shipped RELATIVE ${WORK_DIR}/shipped ${WORK_DIR}/shipped/*)
+list(FILTER shipped INCLUDE REGEX "[Tt]esting")
+if(shipped)
+  message(SEND_ERROR "test support in the other packages: ${shipped}")
+endif()
 if(hidden)
   message(SEND_ERROR "private files are installed: ${hidden}")
 endif()
@@ -66,6 +82,9 @@ foreach(library vek-platform vek-chart-library vek-chart-scene)
     message(SEND_ERROR "${library} exports what is not meant for others:\n${strays}${hidden}")
   endif()
 endforeach()
+if(all MATCHES "Vek::Chart::Testing|Recording")
+  message(SEND_ERROR "a shared library has test code")
+endif()
 foreach(name "vtable for vekdebug::sink" "typeinfo for vekdebug::sink" "typeinfo for boost::bad_lexical_cast")
   string(FIND "${all}" "${name}\n" found)
   if(found LESS 0)
@@ -77,11 +96,13 @@ run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${WORK_DIR}/build -G ${GENE
   -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCMAKE_PREFIX_PATH=${prefix})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 check_output(${WORK_DIR}/build/consumer "${drawn}")
+check_output(${WORK_DIR}/build/host-test "2 tests")
 
 set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIB_DIR}/pkgconfig)
 check_output(pkg-config "^${QT}\n$" --variable=qt vek-chart-library)
 run(make -s -C ${CMAKE_CURRENT_LIST_DIR} CXX=${COMPILER} OUT=${WORK_DIR}/make)
 check_output(${WORK_DIR}/make/consumer "${drawn}")
+check_output(${WORK_DIR}/make/host-test "2 tests")
 
 if(APPS)
   # A manual page names each option of its program.
