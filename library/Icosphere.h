@@ -12,8 +12,8 @@ namespace Vek::Chart::Library {
 /// into four, as often as wanted.
 ///
 /// n divisions make 20 × 4^n triangles between 10 × 4^n + 2 corners. Triangles run counter-clockwise seen from outside
-/// and share their corners. The outline lies within the sphere, at most by the part 0.21, 0.049, 0.012, 0.0031, 0.00077
-/// of the radius for 0 to 4 divisions. The first 10 × 4^k + 2 corners are those of k divisions.
+/// and share their corners. Their edges lie within the sphere by up to 0.149, 0.0489, 0.0133, 0.00339, 0.000853 of the
+/// radius for 0 to 4 divisions. The first 10 × 4^k + 2 corners are those of k divisions.
 ///
 /// \snippet GlyphSnippets.cpp Icosphere
 /// \ingroup glyphs
