@@ -40,6 +40,7 @@ public:
   explicit PixelFixture(Types::Size p_size = FrameSize)
       : _context(ContextOf(p_size)) {}
 
+  /// The context that this test shares.
   Ogl::OffscreenContext& Context() const { return _context; }
   /// The handle on which rendering scopes are opened.
   const Utility::Unscoped<Rgl>& Handle() const { return _context.Handle(); }
@@ -54,6 +55,7 @@ public:
   }
 
 protected:
+  /// Brings the context to its first state. A derived fixture that overrides it calls it first.
   void SetUp() override {
     _context.BindFrameBuffer();
     const Utility::Scoped<Rgl> gl(Handle());
@@ -63,6 +65,7 @@ protected:
     gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT);
   }
 
+  /// Checks the state at the end and restores it. A derived fixture that overrides it calls it last.
   void TearDown() override {
     const Utility::Scoped<Rgl> gl(Handle());
     EXPECT_TRUE(gl->CheckError("end of the test"));

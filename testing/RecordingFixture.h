@@ -41,6 +41,7 @@ public:
   RecordingGl recorder; ///< receives the calls of scopes on `recorder.Handle()`
 
 protected:
+  /// Checks the complaints. A derived fixture that overrides it calls it last.
   void TearDown() override {
     { const Utility::Scoped<Rgl> freesWhatEndedOutsideScopes(recorder.Handle()); }
     EXPECT_EQ(recorder.Complaints(), Lines());

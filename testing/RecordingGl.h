@@ -33,7 +33,7 @@ namespace Vek::Chart::Testing {
 /// complaints, and their deletion is reported and does nothing.
 ///
 /// \snippet HostSnippets.cpp RecordingGl
-/// \ingroup host
+/// \ingroup testing
 class RecordingGl {
 public:
   RecordingGl();

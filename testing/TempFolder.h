@@ -12,7 +12,7 @@ namespace Vek::Chart::Testing {
 /// An empty folder below the system's folder for temporary files, for the files of one test. The destructor removes it
 /// with everything in it.
 ///
-/// \snippet ImageSnippets.cpp TempFolder
+/// \snippet HostSnippets.cpp ReportCapture
 /// \ingroup testing
 class TempFolder {
 public:

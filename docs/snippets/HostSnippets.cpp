@@ -1,12 +1,15 @@
 // Examples of the reference for hosts; it shows the lines between two marks.
 
 #include "library/ColorMap.h"
+#include "library/ObjModel.h"
+#include "library/VectorSymbol.h"
 #include "library/Version.h"
 #include "platform/ogl/OffscreenContext.h"
 #include "platform/ogl/PerContext.h"
 #include "platform/ogl/ShaderProgram.h"
 #include "platform/ogl/VertexData.h"
 #include "testing/RecordingGl.h"
+#include "testing/Surface.h"
 #include "tests/support/Test.h"
 
 #include <dlfcn.h>
@@ -76,6 +79,62 @@ TEST(HostSnippetCalls, RecordingGl) {
   const bool faultless = recorder.Complaints().empty();    // nothing leaked, all pairs closed
   //! [RecordingGl]
   EXPECT_TRUE(faultless && lines == (std::vector<std::string>{"Enable(GL_BLEND)", "Color4d(1, 0, 0, 1)"}));
+}
+
+//! [RecordingFixture]
+/// The host's drawing.
+void DrawMarker(Utility::Scoped<Rgl>& p_gl) {
+  const boost::shared_ptr<void> state = p_gl->PushAttribScope(RGL_CURRENT_BIT); // popped at the end
+  p_gl->Color(Qt::red);
+  p_gl->Begin(RGL_QUADS);
+  for (const auto& [x, y] : {std::pair(-0.5, -0.5), {0.5, -0.5}, {0.5, 0.5}, {-0.5, 0.5}})
+    p_gl->Vertex(x, y, 0);
+  p_gl->End();
+}
+
+/// Its calls. A test fails as well on misuse, unbalanced pairs and objects that were not deleted.
+using MarkerCalls = Testing::RecordingFixture;
+
+TEST_F(MarkerCalls, SetOneColor) {
+  Utility::Scoped<Rgl> gl(recorder.Handle());
+  DrawMarker(gl);
+  EXPECT_EQ(recorder.LinesOf({"Color4d", "Begin"}), Testing::Calls("Color4d(1, 0, 0, 1); Begin(GL_QUADS)"));
+}
+//! [RecordingFixture]
+
+//! [PixelFixture]
+/// Its pixels, on a frame buffer of 4 × 3.
+class MarkerPixels : public Testing::PixelScopeFixture {
+protected:
+  MarkerPixels()
+      : PixelScopeFixture({4, 3}) {}
+};
+
+TEST_F(MarkerPixels, FillTheMiddle) {
+  DrawMarker(gl);
+  EXPECT_EQ(Testing::Map(Image(), Qt::red), "....\n"
+                                            ".##.\n"
+                                            "....\n");
+}
+//! [PixelFixture]
+
+TEST(HostSnippets, ReportCapture) {
+  //! [ReportCapture]
+  const Testing::TempFolder folder;     // removed with its files at the end
+  const Testing::ReportCapture reports; // which are not printed
+  Library::LoadPolygonObjFile(vekfile::filepath(folder.Path().string()) + "missing.obj");
+  EXPECT_EQ(reports.Texts().size(), 1u);
+  //! [ReportCapture]
+}
+
+TEST(HostSnippets, Surface) {
+  //! [Surface]
+  Ogl::VertexData cube;
+  Library::VectorSymbol(Model::Symbol::ShapeCube, 16).OrientShape(1, 0, {0, 0, 0}, false, 0, 1, {}, cube);
+  const Testing::Surface surface = Testing::SurfaceOf(cube);
+  EXPECT_TRUE(Testing::IsClosed(surface));
+  EXPECT_GT(Testing::EnclosedVolume(surface), 0); // its triangles face outward
+  //! [Surface]
 }
 
 using HostSnippetPixels = Testing::PixelFixture;
