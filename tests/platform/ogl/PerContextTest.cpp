@@ -299,7 +299,9 @@ TEST(PerContextPixels, APartOutlivesManyContexts) {
 
 // As `ModelCache` does. The handle would keep itself alive.
 TEST(PerContextPixels, TheEndOfAContextFreesValuesThatHoldItsHandle) {
+  static bool current = false;
   struct Holder {
+    ~Holder() { current = handle.Object()->GetString(RGL_VERSION) != nullptr; }
     Utility::Unscoped<Rgl> handle;
     TextureHandle texture;
   };
@@ -313,6 +315,7 @@ TEST(PerContextPixels, TheEndOfAContextFreesValuesThatHoldItsHandle) {
     part.Get(gl, [&] { return Holder{gl.Handle(), gl->GenTexture()}; });
   }
   EXPECT_TRUE(handle.expired());
+  EXPECT_TRUE(current);
   EXPECT_EQ(reports.Texts(), Lines());
 }
 
