@@ -5,6 +5,7 @@
 #include "library/StreamWriter.h"
 #include "platform/data/VertexAttribute.h"
 #include "platform/data/VertexIndex.h"
+#include "scene/Array.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Library;
@@ -82,6 +83,26 @@ TEST(DataSnippets, AnyInterface) {
   const bool other = any.As<DataInterface::VertexIndex>() != nullptr;     // null: another interface
   //! [AnyInterface]
   EXPECT_TRUE(held && !other);
+}
+
+TEST(DataSnippets, Array) {
+  //! [Array]
+  struct Station {
+    std::string name;
+    double longitude, latitude;
+    float height;
+  };
+  const std::vector<Station> stations = {{"Brocken", 10.62, 51.8, 1142}, {"Zugspitze", 10.99, 47.42, 2962}};
+
+  // What a part of a chart does with its argument, whatever that is.
+  const auto boundsOf = [](const Scene::Array3& p_points) { return Scene::FiniteBounds(p_points); };
+  boundsOf(std::vector<std::array<double, 3>>{{1, 2, 3}, {4, 5, 6}}); // also of QVector3D, x, y, z or x(), y(), z()
+  const std::vector<float> x{1, 4}, y{2, 5};
+  boundsOf({x, y, 0}); // flat
+  const auto bounds =
+      boundsOf({stations, &Station::longitude, &Station::latitude, &Station::height}); // as they lie in memory
+  //! [Array]
+  EXPECT_EQ(bounds.Max().z, 2962);
 }
 
 TEST(DataSnippets, Intersect) {
