@@ -1,11 +1,12 @@
 #include "scene/LeveledInstances.h"
 
+#include "library/Icosphere.h"
+
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <map>
+#include <cstdint>
 
 namespace Vek::Chart::Scene {
 
@@ -13,93 +14,48 @@ namespace {
 
 using Library::ObjModel;
 using Point = Types::Vector3_Base<double>;
-using Triangle = std::array<std::uint32_t, 3>;
 
-/// A sphere of radius 1 whose triangles are of even size, and its longest edge.
-class Icosphere {
-public:
-  Icosphere() {
-    const double g = (1 + std::sqrt(5.0)) / 2;
-    for (const Point& corner : {Point(-1, g, 0),
-                                {1, g, 0},
-                                {-1, -g, 0},
-                                {1, -g, 0},
-                                {0, -1, g},
-                                {0, 1, g},
-                                {0, -1, -g},
-                                {0, 1, -g},
-                                {g, 0, -1},
-                                {g, 0, 1},
-                                {-g, 0, -1},
-                                {-g, 0, 1}})
-      _points.push_back(Normalize(corner));
+/// How far an edge may lie within the sphere.
+double Flatness(const Library::Icosphere& p_sphere) {
+  double longest = 0;
+  const auto grow = [&](std::uint32_t p_from, std::uint32_t p_to) {
+    longest = std::max(longest, Length(p_sphere.positions[p_to] - p_sphere.positions[p_from]));
+  };
+  for (std::size_t i = 0; i < p_sphere.indices.size(); i += 3) {
+    const std::uint32_t* const corner = p_sphere.indices.data() + i;
+    grow(corner[0], corner[1]);
+    grow(corner[1], corner[2]);
+    grow(corner[2], corner[0]);
   }
+  return 1 - std::sqrt(1 - longest * longest / 4);
+}
 
-  /// Makes four triangles of each.
-  void Divide() {
-    std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> middles;
-    const auto middle = [&](std::uint32_t p_a, std::uint32_t p_b) {
-      const auto [place, added] =
-          middles.try_emplace(std::minmax(p_a, p_b), static_cast<std::uint32_t>(_points.size()));
-      if (added)
-        _points.push_back(Normalize(_points[p_a] + _points[p_b]));
-      return place->second;
-    };
-    std::vector<Triangle> divided;
-    for (const auto& [a, b, c] : _triangles) {
-      const std::uint32_t ab = middle(a, b);
-      const std::uint32_t bc = middle(b, c);
-      const std::uint32_t ca = middle(c, a);
-      divided.insert(divided.end(), {{a, ab, ca}, {b, bc, ab}, {c, ca, bc}, {ab, bc, ca}});
-    }
-    _triangles = std::move(divided);
-  }
-
-  /// How far the outline may lie within the circle.
-  double Flatness() const {
-    double longest = 0;
-    for (const auto& [a, b, c] : _triangles)
-      for (const auto& [from, to] : {std::pair(a, b), {b, c}, {c, a}})
-        longest = std::max(longest, Length(_points[to] - _points[from]));
-    return 1 - std::sqrt(1 - longest * longest / 4);
-  }
-
-  ObjModel Model() const {
-    ObjModel model;
-    for (const Point& point : _points)
-      model.Vertices()->push_back(
-          Ogl::Vec3<float>{static_cast<float>(point.x), static_cast<float>(point.y), static_cast<float>(point.z)});
-    model.SetNormals(boost::make_shared<ObjModel::VertexArray>(*model.Vertices()));
-    for (const Triangle& triangle : _triangles)
-      model.DefaultGroup()->indices.insert(model.DefaultGroup()->indices.end(), triangle.begin(), triangle.end());
-    model.SetPrimitiveType(Ogl::VertexBuffer::Triangles);
-    return model;
-  }
-
-private:
-  std::vector<Point> _points;
-  std::vector<Triangle> _triangles = {{0, 11, 5}, {0, 5, 1},  {0, 1, 7},   {0, 7, 10}, {0, 10, 11},
-                                      {1, 5, 9},  {5, 11, 4}, {11, 10, 2}, {10, 7, 6}, {7, 1, 8},
-                                      {3, 9, 4},  {3, 4, 2},  {3, 2, 6},   {3, 6, 8},  {3, 8, 9},
-                                      {4, 9, 5},  {2, 4, 11}, {6, 2, 10},  {8, 6, 7},  {9, 8, 1}};
-};
+ObjModel ModelOf(const Library::Icosphere& p_sphere) {
+  ObjModel model;
+  for (const Point& point : p_sphere.positions)
+    model.Vertices()->push_back(
+        Ogl::Vec3<float>{static_cast<float>(point.x), static_cast<float>(point.y), static_cast<float>(point.z)});
+  model.SetNormals(boost::make_shared<ObjModel::VertexArray>(*model.Vertices()));
+  model.DefaultGroup()->indices = p_sphere.indices;
+  model.SetPrimitiveType(Ogl::VertexBuffer::Triangles);
+  return model;
+}
 
 } // namespace
 
 std::vector<ModelLevel> CoarseSpheres(Library::ModelCache& p_cache) {
   constexpr double Error = 0.2;
-  constexpr int Levels = 3;
+  constexpr unsigned int Levels = 3;
   Types::BoundingBox_Base<double> unit;
   unit += Point(-1, -1, -1);
   unit += Point(1, 1, 1);
-  Icosphere sphere;
   std::vector<ModelLevel> levels;
-  for (int i = 0; i < Levels; ++i) {
-    Mesh mesh = MeshOf(p_cache, p_cache.Register(sphere.Model()));
+  for (unsigned int i = 0; i < Levels; ++i) {
+    const Library::Icosphere sphere(i);
+    Mesh mesh = MeshOf(p_cache, p_cache.Register(ModelOf(sphere)));
     mesh.box = unit; // that of the sphere, which some have no corners on
     // An instance's size is the diagonal of its box.
-    levels.push_back({mesh, Error / sphere.Flatness() * Length(unit.Extent())});
-    sphere.Divide();
+    levels.push_back({mesh, Error / Flatness(sphere) * Length(unit.Extent())});
   }
   return levels;
 }

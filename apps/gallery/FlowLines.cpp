@@ -102,9 +102,7 @@ const Ogl::VertexData& ArrowHeads::Mesh() const {
 
 void DrawColored(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors,
                  const std::vector<const Ogl::VertexData*>& p_meshes) {
-  const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-  p_colors(p_gl, RGL_TEXTURE0);
-  p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_MODULATE);
+  const auto bound = p_colors.Bind(p_gl);
   for (const Ogl::VertexData* mesh : p_meshes)
     if (!mesh->Vertices().Empty())
       mesh->Draw(p_gl);

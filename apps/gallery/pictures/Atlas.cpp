@@ -235,14 +235,6 @@ private:
     _instances[1] = _atlas.AddInstance(_chart, region);
   }
 
-  /// The texture coordinate of a colour's texel; rows of the image count from the top.
-  Ogl::Vec2<float> TexelOf(unsigned int p_id) const {
-    const ColorAtlas::TexelSpace& space = _atlas.TexelCoordSpace();
-    const auto pixel = _atlas.ColorAt(p_id).coords.First();
-    return {static_cast<float>(pixel.x) * space.texel.x + space.centre.x,
-            1.0f - (static_cast<float>(pixel.y) * space.texel.y + space.centre.y)};
-  }
-
   /// Where the row of a region starts, at the middle of its height.
   static Point RowStart(std::size_t p_row) { return {0, 0, -RowPitch * static_cast<double>(p_row)}; }
   double BarLength(int p_count) const { return LongestBar * p_count / std::max(_regions.front().Total(), 1); }
@@ -251,15 +243,16 @@ private:
     Boxes boxes;
     const double half = Thickness / 2;
     const Point bottom = RowStart(_regions.size() - 1);
-    boxes.Add({-0.09, -half, bottom.z - 0.5}, {-0.03, half, 0.5}, TexelOf(_chart));
+    boxes.Add({-0.09, -half, bottom.z - 0.5}, {-0.03, half, 0.5}, _atlas.TexCoord(_chart));
     for (std::size_t row = 0; row < _regions.size(); ++row) {
       const Point start = RowStart(row);
-      boxes.Add(start + Point(-0.42, -half, -half), start + Point(-0.18, half, half), TexelOf(_regionIds[row]));
+      boxes.Add(start + Point(-0.42, -half, -half), start + Point(-0.18, half, half), _atlas.TexCoord(_regionIds[row]));
       double x = 0;
       for (std::size_t i = 0; i < Classes; ++i) {
         const double next = x + BarLength(_regions[row].counts[i]);
         if (next > x)
-          boxes.Add(start + Point(x, -half, -half), start + Point(next, half, half), TexelOf(_classIds[row][i]));
+          boxes.Add(start + Point(x, -half, -half), start + Point(next, half, half),
+                    _atlas.TexCoord(_classIds[row][i]));
         x = next;
       }
     }

@@ -29,13 +29,12 @@ using Point = Types::Vector3_Base<double>;
 /// The glyphs that show a direction. They are made stouter or slimmer on the way, so that weak winds are seen too.
 struct Glyph {
   Model::Symbol::Shape shape;
-  double length; ///< of the glyph itself
   double stoutness;
 };
-constexpr Glyph Glyphs[] = {{Model::Symbol::ShapeArrow3D, 3, 1.45},    {Model::Symbol::ShapeArrowHead3D, 1, 0.5},
-                            {Model::Symbol::ShapeCone, 1, 0.5},        {Model::Symbol::ShapeArrow2D, 3, 1.8},
-                            {Model::Symbol::ShapeArrowHead2D, 1, 0.7}, {Model::Symbol::ShapeArrow1D, 3, 1.8},
-                            {Model::Symbol::ShapeArrowHead1D, 1, 0.7}};
+constexpr Glyph Glyphs[] = {{Model::Symbol::ShapeArrow3D, 1.45},    {Model::Symbol::ShapeArrowHead3D, 0.5},
+                            {Model::Symbol::ShapeCone, 0.5},        {Model::Symbol::ShapeArrow2D, 1.8},
+                            {Model::Symbol::ShapeArrowHead2D, 0.7}, {Model::Symbol::ShapeArrow1D, 1.8},
+                            {Model::Symbol::ShapeArrowHead1D, 0.7}};
 
 /// Turns the glyph's axis (+z) into the wind's direction and its +y up.
 Types::Matrix3 Heading(const Wind& p_wind, double p_stoutness) {
@@ -116,7 +115,8 @@ private:
     instances.texCoords = values.data();
     // An anchor of a half centres the glyph.
     const unsigned int slices = _columns > 24 ? 8 : 16; // round enough for so small ones
-    VectorSymbol(p_glyph.shape, slices).OrientShapes(instances, 0.5, 1.0 / p_glyph.length, _glyphs);
+    const VectorSymbol glyph(p_glyph.shape, slices);
+    glyph.OrientShapes(instances, 0.5, 1.0 / glyph.Length(), _glyphs);
   }
 
   double KeySpeed() const { return _ground.Fastest() * 2 / 3; }
