@@ -231,4 +231,17 @@ bool ModelCache::Release(std::size_t p_id) {
   return true;
 }
 
+Ogl::BufferDraw ModelDraw(const ModelCache::Model& p_model) {
+  Ogl::BufferDraw draw;
+  draw.type = p_model.indices.type;
+  draw.indices = p_model.indices.buffer;
+  draw.vertices = p_model.vertices.buffer;
+  draw.attributes = p_model.vertices.attributes;
+  draw.positionStride = p_model.vertices.positionStride;
+  draw.normalStride = p_model.vertices.normalStride;
+  draw.positionOffset = p_model.vertices.positionOffset;
+  draw.normalOffset = p_model.vertices.normalOffset;
+  return draw;
+}
+
 } // namespace Vek::Chart::Library

@@ -83,15 +83,7 @@ void DrawInstances(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_progr
   p_program.SetUniform(p_gl, "center", p_model.box.Center());
   p_program.SetUniform(p_gl, "fit", static_cast<float>(1.0 / diagonal));
   p_program.SetUniform(p_gl, "surface", SurfaceOf(p_model));
-  Ogl::BufferDraw draw;
-  draw.type = p_model.indices.type;
-  draw.indices = p_model.indices.buffer;
-  draw.vertices = p_model.vertices.buffer;
-  draw.attributes = p_model.vertices.attributes;
-  draw.positionStride = p_model.vertices.positionStride;
-  draw.normalStride = p_model.vertices.normalStride;
-  draw.positionOffset = p_model.vertices.positionOffset;
-  draw.normalOffset = p_model.vertices.normalOffset;
+  Ogl::BufferDraw draw = Library::ModelDraw({p_model.vertices, p_model.indices, p_model.box});
   draw.instanceAttributes = p_instances.Attributes(p_gl);
   draw.Draw(p_gl, p_instances.Count());
 }

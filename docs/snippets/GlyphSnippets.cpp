@@ -179,22 +179,13 @@ TEST_F(GlyphSnippetPixels, ModelCacheAndBufferDraw) {
   //! [ModelCache]
   ModelCache cache(handle);
   const std::size_t ship = cache.Register(file); // reads it, once
-  const auto [vertices, indices, bounds] = cache.GetModel(ship);
+  const ModelCache::Model model = cache.GetModel(ship); // vertices, indices and bounds
   //! [ModelCache]
   //! [BufferDraw]
-  Ogl::BufferDraw draw;
-  draw.type = indices.type; // as a ModelCache describes a model
-  draw.indices = indices.buffer;
-  draw.vertices = vertices.buffer;
-  draw.attributes = vertices.attributes;
-  draw.positionStride = vertices.positionStride;
-  draw.normalStride = vertices.normalStride;
-  draw.positionOffset = vertices.positionOffset;
-  draw.normalOffset = vertices.normalOffset;
+  const Ogl::BufferDraw draw = ModelDraw(model); // or field by field, for buffers of your own
   draw.Draw(gl);
   //! [BufferDraw]
-  EXPECT_EQ(At(30, 10), QColor(Qt::white));
-  EXPECT_EQ(bounds.Max(), Point(1, 1, 0));
+  EXPECT_EQ(std::pair(At(30, 10), model.bounds.Max()), std::pair(QColor(Qt::white), Point(1, 1, 0)));
 }
 
 TEST_F(GlyphSnippetPixels, SymbolRegistry) {
