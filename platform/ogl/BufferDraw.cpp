@@ -10,12 +10,8 @@ namespace Vek::Chart::Ogl {
 namespace {
 
 namespace Signature {
-#define VEK_METHOD "void __cdecl Vek::Chart::Ogl::BufferDraw::"
-#define VEK_SCOPE "class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &"
-constexpr const char* Draw = VEK_METHOD "Draw(" VEK_SCOPE ") const";
-constexpr const char* DrawInstances = VEK_METHOD "Draw(" VEK_SCOPE ",unsigned int) const";
-#undef VEK_METHOD
-#undef VEK_SCOPE
+constexpr const char* Draw = VEK_DRAW_SIGNATURE("BufferDraw", "");
+constexpr const char* DrawInstances = VEK_DRAW_SIGNATURE("BufferDraw", ",unsigned int");
 } // namespace Signature
 
 constexpr std::size_t RecordBytes = 3 * sizeof(float);
@@ -40,9 +36,7 @@ bool HasContents(const Buffer<T>& p_buffer) {
 
 /// True if the buffers can be drawn; reports the first reason otherwise.
 bool CheckBuffers(const BufferDraw& p_draw, std::size_t p_instances, const char* p_signature) {
-  const auto check = [p_signature](bool p_holds, const char* p_expression) {
-    return VEK_ENSURE_TEXT(p_holds, p_expression, p_signature);
-  };
+  const DrawCheck check{p_signature};
   const bool withNormals = (p_draw.attributes & BufferDraw::Normals) != 0;
   const auto& instanced = p_draw.instanceAttributes;
   return check(PrimitiveToken(p_draw.type).has_value(), "type != VertexBuffer::Undecided") &&

@@ -12,12 +12,8 @@ namespace Vek::Chart::Ogl {
 namespace {
 
 namespace Signature {
-#define VEK_METHOD "void __cdecl Vek::Chart::Ogl::VertexData::"
-#define VEK_SCOPE "class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &"
-constexpr const char* Draw = VEK_METHOD "Draw(" VEK_SCOPE ") const";
-constexpr const char* DrawInstances = VEK_METHOD "Draw(" VEK_SCOPE ",unsigned int) const";
-#undef VEK_METHOD
-#undef VEK_SCOPE
+constexpr const char* Draw = VEK_DRAW_SIGNATURE("VertexData", "");
+constexpr const char* DrawInstances = VEK_DRAW_SIGNATURE("VertexData", ",unsigned int");
 } // namespace Signature
 
 VertexData::Array MakeArray(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
@@ -86,9 +82,7 @@ bool CheckArrays(const VertexData& p_data, const char* p_signature) {
   const VertexData::Array& texCoords = p_data.TexCoords();
   const VertexData::Array& indices = p_data.Indices();
   const std::size_t count = indices.Empty() ? vertices.count : indices.count;
-  const auto check = [p_signature](bool p_holds, const char* p_expression) {
-    return VEK_ENSURE_TEXT(p_holds, p_expression, p_signature);
-  };
+  const DrawCheck check{p_signature};
   return check(!vertices.Empty(), "!_vertices.Empty()") &&
          check(Mode(p_data.PrimitiveType()).has_value(), "_primitiveType.Defined() && _primitiveType != Undecided") &&
          check(Drawable(vertices, 2, 4), "Drawable(_vertices, 2, 4)") &&
