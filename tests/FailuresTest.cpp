@@ -26,10 +26,10 @@
 #include "library/VectorSymbol.h"
 #include "library/VolumeImage.h"
 #include "library/VolumeTexture.h"
-#include "platform/ogl/BufferDraw.h"
 #include "platform/ogl/ShaderProgram.h"
 #include "platform/ogl/Text.h"
 #include "tests/support/FaultyGl.h"
+#include "tests/support/OperatorNew.h"
 #include "tests/support/Test.h"
 
 #include <QGuiApplication>
@@ -89,20 +89,6 @@ void DrawStyled(const Handle&, Scope& p_gl) {
   line.pattern.Set(Pattern::LineLong);
   line.smooth.Set(true);
   Style::DrawInternal(line, p_gl, draw);
-}
-
-void DrawModel(Scope& p_gl, const ModelCache& p_cache, std::size_t p_id) {
-  const ModelCache::IndexBuffer indices = p_cache.GetIndexBuffer(p_id);
-  const ModelCache::VertexBuffer vertices = p_cache.GetVertexBuffer(p_id);
-  Ogl::BufferDraw draw;
-  draw.type = indices.type;
-  draw.indices = indices.buffer;
-  draw.vertices = vertices.buffer;
-  draw.attributes = vertices.attributes;
-  draw.positionStride = vertices.positionStride;
-  draw.normalStride = vertices.normalStride;
-  draw.normalOffset = vertices.normalOffset;
-  draw.Draw(p_gl);
 }
 
 Subject TargetOf(const char* p_name, int p_samples) {
@@ -208,7 +194,10 @@ const std::vector<Subject>& Subjects() {
        [](const Handle& p_handle) -> Use {
          const auto cache = boost::make_shared<ModelCache>(p_handle);
          const boost::shared_ptr<ObjModel> model = Triangle();
-         return [=](Scope& p_gl) { DrawModel(p_gl, *cache, cache->Register(*model)); };
+         return [=](Scope& p_gl) {
+           const std::size_t id = cache->Register(*model);
+           ModelDraw(cache->GetIndexBuffer(id), cache->GetVertexBuffer(id)).Draw(p_gl);
+         };
        }},
       Fresh("SymbolRegistry",
             [](const Handle& p_handle, Scope&) {
@@ -416,31 +405,3 @@ INSTANTIATE_TEST_SUITE_P(Each, FailuresCalls, testing::Range<std::size_t>(0, Sub
 INSTANTIATE_TEST_SUITE_P(Each, FailuresPixels, testing::Range<std::size_t>(0, Subjects().size()), Name);
 
 } // namespace
-
-// Replaces the allocation functions of the whole program.
-
-void* operator new(std::size_t p_bytes) {
-  if (void* const memory = FailingAllocations::Allocate(p_bytes, __builtin_return_address(0)))
-    return memory;
-  throw std::bad_alloc();
-}
-void* operator new(std::size_t p_bytes, const std::nothrow_t&) noexcept {
-  return FailingAllocations::Allocate(p_bytes, __builtin_return_address(0));
-}
-void* operator new[](std::size_t p_bytes) {
-  if (void* const memory = FailingAllocations::Allocate(p_bytes, __builtin_return_address(0)))
-    return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* p_memory) noexcept {
-  std::free(p_memory);
-}
-void operator delete(void* p_memory, std::size_t) noexcept {
-  std::free(p_memory);
-}
-void operator delete[](void* p_memory) noexcept {
-  std::free(p_memory);
-}
-void operator delete[](void* p_memory, std::size_t) noexcept {
-  std::free(p_memory);
-}

@@ -7,7 +7,7 @@
 #include "library/StreamLineShape.h"
 #include "library/VolumeImage.h"
 #include "platform/data/VertexAttribute.h"
-#include "tests/support/RefuseMemory.h"
+#include "tests/support/OperatorNew.h"
 #include "tests/support/Test.h"
 
 namespace {

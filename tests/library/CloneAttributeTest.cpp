@@ -17,9 +17,11 @@ namespace {
 
 using Object = boost::shared_ptr<ISupportedInterface>;
 
-const std::string UnknownSource = "class boost::shared_ptr<class Vek::SupportedInterface::ISupportedInterface> __cdecl "
-                                  "Vek::Chart::Library::CloneAttribute(const class boost::shared_ptr<class "
-                                  "Vek::SupportedInterface::ISupportedInterface> &) @line500";
+namespace Signature {
+const std::string Source = "class boost::shared_ptr<class Vek::SupportedInterface::ISupportedInterface>";
+const std::string Clone = Source + " __cdecl Vek::Chart::Library::CloneAttribute(const " + Source + " &) @line500";
+const std::string Raw = "const class boost::shared_array<char const > __cdecl `anonymous-namespace'::Cloned";
+} // namespace Signature
 
 // Traits of the six interfaces.
 template <class W>
@@ -219,9 +221,7 @@ TYPED_TEST(CloneOf, IsIndependentOfItsSource) {
   EXPECT_EQ(reports.Texts(), Texts()); // nor anything on the channel, which is not open
 
   EXPECT_FALSE(Kind<TypeParam>::HasBytes(*QueryInterface<TypeParam>(second)));
-  ASSERT_EQ(reports.Texts(), Texts{std::string("const class boost::shared_array<char const > __cdecl "
-                                               "`anonymous-namespace'::Cloned") +
-                                   Kind<TypeParam>::Name + "::" + Kind<TypeParam>::Raw});
+  ASSERT_EQ(reports.Texts(), Texts{Signature::Raw + Kind<TypeParam>::Name + "::" + Kind<TypeParam>::Raw});
   EXPECT_EQ(reports.Entries()[0].kind, vekdebug::severity::sentry);
 }
 
@@ -337,7 +337,7 @@ TEST(CloneAttribute, ReportsUnknownSources) {
   for (const Object& source : {Object(other), Object()}) {
     const ReportCapture reports;
     EXPECT_FALSE(CloneAttribute(source));
-    ASSERT_EQ(reports.Texts(), Texts{UnknownSource}); // and nothing on the channel
+    ASSERT_EQ(reports.Texts(), Texts{Signature::Clone}); // and nothing on the channel
     EXPECT_EQ(reports.Entries()[0].kind, vekdebug::severity::sentry);
   }
 }

@@ -3,6 +3,36 @@
 
 namespace {
 
+namespace Signature {
+const std::string Atlas = "Vek::Chart::Library::ColorAtlas::", Private = "Vek::Chart::Library::Private::";
+const std::string Layout = " - void __cdecl " + Private + "ColorAtlasImpl::";
+const std::string Mapper = Layout + "CoordinateMapper::", Instances = Layout + "InstanceCoordinateMapper::";
+const std::string Traversal = "class " + Private + "ColorAtlasImpl::AtlasTraversalState ";
+const std::string Color = "const class QColor &", Node = "struct " + Atlas + "ColorNode &";
+const std::string Pixel = "const class Vek::Chart::Ogl::Vec2<unsigned int> &";
+const std::string Span = "const class Vek::Chart::Types::Span<unsigned int> &";
+
+const std::string ColorAt = Node + "__cdecl " + Atlas + "ColorAt(unsigned int)";
+const std::string Texture =
+    " - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " + Atlas + "Texture(void) const";
+const std::string BuildAtlas =
+    " - void __cdecl " + Atlas + "BuildAtlas(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)";
+const std::string AddInstance =
+    " - unsigned int __cdecl " + Atlas +
+    "AddInstance(unsigned int,const class std::map<unsigned int,class QColor,struct std::less<unsigned int>,"
+    "class std::allocator<struct std::pair<unsigned int const ,class QColor> > > &)";
+const std::string InstanceOffset =
+    " - class Vek::Chart::Ogl::Vec2<float> __cdecl " + Atlas + "InstanceOffset(unsigned int) const";
+const std::string BuildSpan = Layout + "SpanBuilder::operator ()(" + Traversal + "&," + Traversal + "*)";
+const std::string MapSpan = Mapper + "MapSpan(unsigned int," + Node + "," + Span + ")";
+const std::string WriteColor = Mapper + "WriteColor(unsigned int,const " + Node + "," + Span + ")";
+const std::string Process = Instances + "ProcessInstances(unsigned int," + Span + ")";
+const std::string CopyColors = Instances + "CopyColors(" + Span + "," + Pixel + ")";
+const std::string Overwrite = Instances + "OverwritePixelSpan(" + Pixel + "," + Color + ",unsigned int)";
+const std::string WritePixel =
+    " - void __cdecl " + Private + "ImageBuilder::WriteUniquePixel(" + Pixel + "," + Color + ")";
+} // namespace Signature
+
 /// Distinct for each number; never the red of the background.
 QColor Numbered(unsigned int p_number) {
   return QColor::fromRgb(static_cast<int>(p_number % 251), static_cast<int>(p_number / 251 % 251), 200);
@@ -80,11 +110,11 @@ TEST_F(ColorAtlasCalls, LaysOutSmallTrees) {
        {{1, {{2, x}, {10, y}}}, {11, {}}},
        "abcdeabc de...... axcdeabc dycc.... "},
   };
-  for (const auto& [name, max_size, colors, instances, rows] : cases) {
+  for (const auto& [name, maxSize, colors, instances, rows] : cases) {
     const ReportCapture reports;
     ColorAtlas atlas;
     Add(atlas, colors, instances);
-    Build(atlas, max_size);
+    Build(atlas, maxSize);
     EXPECT_EQ(Rows(atlas.AtlasImage()), rows) << name;
     EXPECT_EQ(reports.Texts().size(), colors.empty() ? 1u : 0u) << name;
   }
@@ -184,20 +214,9 @@ TEST_F(ColorAtlasCalls, KeepsItsLastBuildWhenTheSinkThrows) {
 }
 
 TEST_F(ColorAtlasCalls, ReportsErrorsAndGoesOn) {
-  const std::string atlas = "Vek::Chart::Library::ColorAtlas::",
-                    impl = "Vek::Chart::Library::Private::ColorAtlasImpl::";
-  const std::string span = "const class Vek::Chart::Types::Span<unsigned int> &)",
-                    node = "struct " + atlas + "ColorNode &";
-  const std::string layout = " - void __cdecl " + impl, instances = layout + "InstanceCoordinateMapper::";
-  const std::string pixel = "const class Vek::Chart::Ogl::Vec2<unsigned int> &";
-  const std::string colorAt = node + "__cdecl " + atlas + "ColorAt(unsigned int)";
   const std::string unknownId = "\"instPos != _instances.end()\" - ";
-  const std::string offset =
-      " - class Vek::Chart::Ogl::Vec2<float> __cdecl " + atlas + "InstanceOffset(unsigned int) const";
-  const std::string process = instances + "ProcessInstances(unsigned int," + span;
-  const std::string undefined = "\"node.coords.Defined()\"" + process;
-  const std::string copyColors = "\"destPixel.y < _image.MaxHeight()\"" + instances + "CopyColors(" +
-                                 span.substr(0, span.size() - 1) + "," + pixel + ")";
+  const std::string undefined = "\"node.coords.Defined()\"" + Signature::Process;
+  const std::string outside = "\"destPixel.y < _image.MaxHeight()\"" + Signature::CopyColors;
   using Run = std::function<void(ColorAtlas&)>;
   const auto built = [this](const std::string& p_colors, int p_size, const Instances& p_instances = {}) -> Run {
     return [=](ColorAtlas& p_a) { Add(p_a, p_colors, p_instances), Build(p_a, p_size); };
@@ -212,51 +231,41 @@ TEST_F(ColorAtlasCalls, ReportsErrorsAndGoesOn) {
          EXPECT_FALSE(std::as_const(p_a).ColorAt(77).coords.Defined());
          EXPECT_EQ(p_a.AddColor(Qt::blue, 77), 1u);
        },
-       {"\"_map\" - class boost::shared_ptr<class Vek::Chart::Library::Texture> __cdecl " + atlas +
-            "Texture(void) const",
-        "\"_spans.size() != 0\" - void __cdecl " + atlas +
-            "BuildAtlas(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &)",
-        unknownId + colorAt, unknownId + "const " + colorAt + " const", unknownId + colorAt}},
+       {"\"_map\"" + Signature::Texture, "\"_spans.size() != 0\"" + Signature::BuildAtlas,
+        unknownId + Signature::ColorAt, unknownId + "const " + Signature::ColorAt + " const",
+        unknownId + Signature::ColorAt}},
       {"an instance of a colour below the top, offsets without a build and of no instance",
        [](ColorAtlas& p_a) {
          Add(p_a, "a0 b1", {{2, {}}});
          p_a.InstanceOffset(3);
          p_a.InstanceOffset(1);
        },
-       {"\"instanceOf.parent == _rootId\" - unsigned int __cdecl " + atlas +
-            "AddInstance(unsigned int,const class std::map<unsigned int,class QColor,struct std::less<unsigned int>,"
-            "class std::allocator<struct std::pair<unsigned int const ,class QColor> > > &)",
-        "\"instance.Defined()\"" + offset, "\"instanceIt != _instances.end()\"" + offset}},
+       {"\"instanceOf.parent == _rootId\"" + Signature::AddInstance,
+        "\"instance.Defined()\"" + Signature::InstanceOffset,
+        "\"instanceIt != _instances.end()\"" + Signature::InstanceOffset}},
       {"replacements that are not below the instanced colour",
        built("a0 b0 c" + notLaidOut, 8, {{2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}}}}),
-       {"\"subcolor.first >= base\"" + process, undefined, undefined}},
+       {"\"subcolor.first >= base\"" + Signature::Process, undefined, undefined}},
       {"a second build",
        [&](ColorAtlas& p_a) {
          Add(p_a, "a0", {{1, {}}}), Build(p_a, 8), Build(p_a, 8);
        },
-       {"\"!instance.Defined()\"" + process}},
+       {"\"!instance.Defined()\"" + Signature::Process}},
       {"a colour that is its own grandchild",
        [this](ColorAtlas& p_a) {
          Add(p_a, "a0 b1");
          p_a.ColorAt(2).children.push_back(1);
          Build(p_a, 8);
        },
-       {"\"query.second\"" + layout + "SpanBuilder::operator ()(class " + impl + "AtlasTraversalState &,class " + impl +
-            "AtlasTraversalState *)",
-        "\"!pixelEntryAlreadyExists && \"Error: coordinate has already been written to!\"\" - void __cdecl "
-        "Vek::Chart::Library::Private::ImageBuilder::WriteUniquePixel(" +
-            pixel + ",const class QColor &)",
-        "\"query.second && \"Coordinate p_spans must not have already been added\"\"" + layout +
-            "CoordinateMapper::MapSpan(unsigned int," + node + "," + span}},
+       {"\"query.second\"" + Signature::BuildSpan,
+        "\"!pixelEntryAlreadyExists && \"Error: coordinate has already been written to!\"\"" + Signature::WritePixel,
+        "\"query.second && \"Coordinate p_spans must not have already been added\"\"" + Signature::MapSpan}},
       {"more colours than texels",
        built("a0 b0 c0 d0 e0", 2),
-       {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + layout + "CoordinateMapper::WriteColor(unsigned int,const " +
-        node + "," + span}},
+       {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + Signature::WriteColor}},
       {"a copy one row below the last",
        built("a0 b1", 2, {{1, {}}, {1, {{2, Qt::black}}}}),
-       {copyColors, copyColors,
-        "\"next.y < _image.MaxHeight()\"" + instances + "OverwritePixelSpan(" + pixel +
-            ",const class QColor &,unsigned int)"}},
+       {outside, outside, "\"next.y < _image.MaxHeight()\"" + Signature::Overwrite}},
   };
   for (const auto& [name, run, texts] : cases) {
     const ReportCapture reports;

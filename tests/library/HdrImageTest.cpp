@@ -1,7 +1,7 @@
 // Images are built byte by byte in memory; outcomes are compared as strings.
 
 #include "library/HdrImage.h"
-#include "tests/support/RefuseMemory.h"
+#include "tests/support/OperatorNew.h"
 #include "tests/support/Test.h"
 
 namespace {

@@ -22,33 +22,28 @@ struct Row {
   using Element = boost::array<U, N>;
   using Interface = W;
   static constexpr std::size_t Width = N;
+};
 
-  static std::string ElementName() {
-    return "class boost::array<" + vekdebug::TypeName<U>::Text() + "," + std::to_string(N) + ">";
-  }
-  static std::string VectorName() {
-    return "class std::vector<" + ElementName() + ",class std::allocator<" + ElementName() + " > >";
-  }
-  // The texts of reports.
-  static std::string EmptyText() {
-    const std::string scalar = vekdebug::TypeName<S>::Text();
-    return "\"p_index < _count\" - const " + scalar + " &__cdecl Vek::Chart::DataInterface::Array<" + scalar +
-           ",0>::operator [](const unsigned __int64) const";
-  }
-  static std::string OverrunText() {
-    const std::string source = "class Vek::Chart::DataInterface::Array<" + vekdebug::TypeName<S>::Text() + ",0>";
-    return "\"sourceArray.size() + p_destArrayOffset <= p_destArray.size()\" - void __cdecl "
-           "Vek::Chart::Algorithms::InterpretArray<" +
-           source + "," + source + " >::CopyArrayToWithOffset<" + ElementName() + "," + VectorName() + " >(const " +
-           source + " &," + VectorName() + " &,const unsigned __int64)";
-  }
-  static std::string SkipText() {
-    return "\"_currentIndex + p_offsetInDestinationTypeUnits <= _dest.size()\" - void __cdecl "
-           "Vek::Chart::Library::ContainerDataWriter<" +
-           ElementName() + "," + VectorName() +
-           ",class Vek::Chart::Library::ContainerOperations::StaticContainer>::AdvanceWriteIndex(const unsigned "
-           "__int64)";
-  }
+/// The reports of a row.
+template <class R>
+struct Report {
+  const std::string scalar = vekdebug::TypeName<typename R::Source>::Text();
+  const std::string source = "class Vek::Chart::DataInterface::Array<" + scalar + ",0>";
+  const std::string element =
+      "class boost::array<" + vekdebug::TypeName<typename R::Scalar>::Text() + "," + std::to_string(R::Width) + ">";
+  const std::string vector = "class std::vector<" + element + ",class std::allocator<" + element + " > >";
+
+  const std::string empty = "\"p_index < _count\" - const " + scalar + " &__cdecl " + source.substr(6) +
+                            "::operator [](const unsigned __int64) const";
+  const std::string overrun = "\"sourceArray.size() + p_destArrayOffset <= p_destArray.size()\" - void __cdecl "
+                              "Vek::Chart::Algorithms::InterpretArray<" +
+                              source + "," + source + " >::CopyArrayToWithOffset<" + element + "," + vector +
+                              " >(const " + source + " &," + vector + " &,const unsigned __int64)";
+  const std::string skipped = "\"_currentIndex + p_offsetInDestinationTypeUnits <= _dest.size()\" - void __cdecl "
+                              "Vek::Chart::Library::ContainerDataWriter<" +
+                              element + "," + vector +
+                              ",class Vek::Chart::Library::ContainerOperations::StaticContainer>::"
+                              "AdvanceWriteIndex(const unsigned __int64)";
 };
 template <class S, std::size_t N>
 using Floats = Row<S, float, N, FloatAttributeStreamWriter<N>>;
@@ -111,7 +106,7 @@ TYPED_TEST(StreamWriterMatrix, ConvertsWholeElements) {
   target.Write(source.get() + N, 2 * N);
   EXPECT_EQ(reports.Texts(), Texts());
   target.Write(static_cast<const Source*>(nullptr), N); // is empty; the position advances all the same
-  EXPECT_EQ(reports.Texts(), Texts{TypeParam::EmptyText()});
+  EXPECT_EQ(reports.Texts(), Texts{Report<TypeParam>().empty});
   EXPECT_EQ(writer.CurrentIndex(), 6u);
 
   const std::size_t origin[] = {0, 1, 9, 1, 2, 9}; // of each element; 9: none
@@ -126,20 +121,20 @@ TYPED_TEST(StreamWriterMatrix, ReportsAndDropsOverruns) {
   using Element = typename TypeParam::Element;
   constexpr std::size_t N = TypeParam::Width;
   const auto source = Scalars<typename TypeParam::Source>(4 * N);
-  const std::string overrun = TypeParam::OverrunText(), skipped = TypeParam::SkipText(), empty = TypeParam::EmptyText();
+  const Report<TypeParam> report;
   // Skips, elements that are written after them, and what follows: stored ones of two, position, reports.
   using Skips = std::vector<std::uint64_t>;
   const std::tuple<const char*, Skips, std::size_t, std::size_t, std::uint64_t, Texts> cases[] = {
       {"exact fit", {0}, 2, 2, 2, {}},
-      {"one too many", {0}, 3, 2, 3, {overrun}},
-      {"the last place", {1}, 2, 1, 3, {overrun}},
-      {"at the end", {2}, 1, 0, 3, {overrun}},
-      {"past the end", {3}, 1, 0, 4, {skipped, overrun}},
-      {"far past the end", {Huge - 1}, 1, 0, Huge, {skipped, overrun}},
-      {"nothing, at the end", {1, 1, 0}, 0, 0, 2, {empty}},
-      {"nothing, past the end", {3, 0}, 0, 0, 3, {skipped, skipped, empty, overrun}},
-      {"the sum of the skips wraps back", {1, Huge}, 0, 0, 0, {skipped, empty}},
-      {"sum of position and elements wraps", {Huge - 1}, 4, 0, 2, {skipped, overrun}},
+      {"one too many", {0}, 3, 2, 3, {report.overrun}},
+      {"the last place", {1}, 2, 1, 3, {report.overrun}},
+      {"at the end", {2}, 1, 0, 3, {report.overrun}},
+      {"past the end", {3}, 1, 0, 4, {report.skipped, report.overrun}},
+      {"far past the end", {Huge - 1}, 1, 0, Huge, {report.skipped, report.overrun}},
+      {"nothing, at the end", {1, 1, 0}, 0, 0, 2, {report.empty}},
+      {"nothing, past the end", {3, 0}, 0, 0, 3, {report.skipped, report.skipped, report.empty, report.overrun}},
+      {"the sum of the skips wraps back", {1, Huge}, 0, 0, 0, {report.skipped, report.empty}},
+      {"sum of position and elements wraps", {Huge - 1}, 4, 0, 2, {report.skipped, report.overrun}},
   };
   for (const auto& [name, skips, elements, expected, position, texts] : cases) {
     const ReportCapture reports;

@@ -1,7 +1,7 @@
 // Volumes, and TextArray files, whose outcomes are compared as strings.
 
 #include "library/VolumeImage.h"
-#include "tests/support/RefuseMemory.h"
+#include "tests/support/OperatorNew.h"
 #include "tests/support/Test.h"
 
 #include <cstdio>
