@@ -194,10 +194,7 @@ const std::vector<Subject>& Subjects() {
        [](const Handle& p_handle) -> Use {
          const auto cache = boost::make_shared<ModelCache>(p_handle);
          const boost::shared_ptr<ObjModel> model = Triangle();
-         return [=](Scope& p_gl) {
-           const std::size_t id = cache->Register(*model);
-           ModelDraw(cache->GetIndexBuffer(id), cache->GetVertexBuffer(id)).Draw(p_gl);
-         };
+         return [=](Scope& p_gl) { ModelDraw(cache->GetModel(cache->Register(*model))).Draw(p_gl); };
        }},
       Fresh("SymbolRegistry",
             [](const Handle& p_handle, Scope&) {
