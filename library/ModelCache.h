@@ -20,9 +20,9 @@ namespace Vek::Chart::Library {
 /// Polygon models in GPU buffers, by number: uploads each model once and returns the records needed to draw it.
 ///
 /// Ids count from 0 in the order of registration and are never used again: a released model leaves empty records under
-/// its id. Each model has its own vertex buffer and index buffer. A copy of a cache shares the buffers registered so far.
-/// A buffer lives as long as a cache or a record holds it; the context that made it must be current when the last holder
-/// releases it.
+/// its id. Each model has its own vertex buffer and index buffer. A copy of a cache shares the buffers registered so
+/// far. A buffer lives as long as a cache or a record holds it; the context that made it must be current when the last
+/// holder releases it.
 ///
 /// \snippet GlyphSnippets.cpp ModelCache
 /// \image html earthquakes.jpg

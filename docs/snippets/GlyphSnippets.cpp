@@ -178,7 +178,7 @@ TEST_F(GlyphSnippetPixels, ModelCacheAndBufferDraw) {
   const std::string file = folder.Write("ship.obj", Ship);
   //! [ModelCache]
   ModelCache cache(handle);
-  const std::size_t ship = cache.Register(file); // reads it, once
+  const std::size_t ship = cache.Register(file);        // reads it, once
   const ModelCache::Model model = cache.GetModel(ship); // vertices, indices and bounds
   //! [ModelCache]
   //! [BufferDraw]
