@@ -3,6 +3,7 @@
 #include "library/CloneAttribute.h"
 #include "library/Intersect.h"
 #include "library/StreamWriter.h"
+#include "library/VertexSource.h"
 #include "platform/data/VertexAttribute.h"
 #include "platform/data/VertexIndex.h"
 #include "scene/Array.h"
@@ -52,6 +53,15 @@ TEST(DataSnippets, ContainerStreamWriter) {
   source->Write(writer); // doubles of the source become floats
   //! [ContainerStreamWriter]
   EXPECT_EQ(positions, (std::vector<Element>{{{1, 2, 3}}, {{4, 5, 6}}}));
+}
+
+TEST(DataSnippets, VertexSource) {
+  std::vector<std::array<double, 3>> velocities = {{1, 2, 3}, {4, 5, 6}};
+  //! [VertexSource]
+  const auto source = VertexSource::Of(std::move(velocities), {"velocity", "m/s"}); // a VertexAttribute3
+  const auto floats = Elements<std::array<float, 3>>(*source);                      // a vector, of any source
+  //! [VertexSource]
+  EXPECT_EQ(floats, (std::vector<std::array<float, 3>>{{1, 2, 3}, {4, 5, 6}}));
 }
 
 TEST(DataSnippets, CloneAttribute) {

@@ -16,8 +16,8 @@ constexpr const char* Draw = VEK_DRAW_SIGNATURE("VertexData", "");
 constexpr const char* DrawInstances = VEK_DRAW_SIGNATURE("VertexData", ",unsigned int");
 } // namespace Signature
 
-VertexData::Array MakeArray(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
-                            VertexData::ComponentType p_type) {
+VertexData::Array ArrayOf(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
+                          VertexData::ComponentType p_type) {
   if (!p_data || p_count == 0)
     return {};
   return {p_data, p_count, p_components, p_type};
@@ -30,18 +30,18 @@ VertexData::VertexData()
 
 void VertexData::SetVertices(const boost::shared_ptr<const void>& p_data, std::size_t p_count,
                              unsigned int p_components, ComponentType p_type) {
-  _vertices = MakeArray(p_data, p_count, p_components, p_type);
+  _vertices = ArrayOf(p_data, p_count, p_components, p_type);
 }
 void VertexData::SetNormals(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
                             ComponentType p_type) {
-  _normals = MakeArray(p_data, p_count, p_components, p_type);
+  _normals = ArrayOf(p_data, p_count, p_components, p_type);
 }
 void VertexData::SetTexCoords(const boost::shared_ptr<const void>& p_data, std::size_t p_count,
                               unsigned int p_components, ComponentType p_type) {
-  _texCoords = MakeArray(p_data, p_count, p_components, p_type);
+  _texCoords = ArrayOf(p_data, p_count, p_components, p_type);
 }
 void VertexData::SetIndices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, ComponentType p_type) {
-  _indices = MakeArray(p_data, p_count, 1, p_type);
+  _indices = ArrayOf(p_data, p_count, 1, p_type);
 }
 
 namespace {

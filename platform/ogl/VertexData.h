@@ -54,6 +54,22 @@ public:
   /// No arrays.
   VertexData();
 
+  /// The elements of a vector, as listed for `VertexElement`. They are not copied if the vector is moved in.
+  template <class E>
+  static Array MakeArray(std::vector<E> p_elements) {
+    if (p_elements.empty())
+      return {};
+    const auto elements = boost::make_shared<const std::vector<E>>(std::move(p_elements));
+    return {boost::shared_ptr<const void>(elements, elements->data()), elements->size(), Components<E>(),
+            TypeOf<ScalarOf<E>>()};
+  }
+  /// `p_count` elements of the caller, which must outlive all holders of the array.
+  template <class E>
+  static Array MakeArray(const E* p_elements, std::size_t p_count) {
+    return {boost::shared_ptr<const void>(boost::shared_ptr<void>(), p_elements), p_count, Components<E>(),
+            TypeOf<ScalarOf<E>>()};
+  }
+
   ///@{
   /// Replaces one array. A null pointer or a count of 0 removes it.
   void SetVertices(const boost::shared_ptr<const void>& p_data, std::size_t p_count, unsigned int p_components,
@@ -73,25 +89,25 @@ public:
   template <class E>
   void SetVertices(std::vector<E> p_elements) {
     static_assert(IsReal<E>() && Components<E>() >= 2 && Components<E>() <= 4, "2 to 4 floats or doubles a position");
-    _vertices = ArrayOf(std::move(p_elements));
+    _vertices = MakeArray(std::move(p_elements));
   }
   template <class E>
   void SetNormals(std::vector<E> p_elements) {
     static_assert(IsReal<E>() && Components<E>() == 3, "3 floats or doubles a normal");
-    _normals = ArrayOf(std::move(p_elements));
+    _normals = MakeArray(std::move(p_elements));
   }
   template <class E>
   void SetTexCoords(std::vector<E> p_elements) {
     static_assert(IsReal<E>() && Components<E>() >= 1 && Components<E>() <= 4,
                   "1 to 4 floats or doubles a texture coordinate");
-    _texCoords = ArrayOf(std::move(p_elements));
+    _texCoords = MakeArray(std::move(p_elements));
   }
   ///@}
   /// Replaces the indices by those of a vector of unsigned char, unsigned short or unsigned int, likewise.
   template <class E>
   void SetIndices(std::vector<E> p_indices) {
     static_assert(!IsReal<E>() && Components<E>() == 1, "unsigned char, unsigned short or unsigned int");
-    _indices = ArrayOf(std::move(p_indices));
+    _indices = MakeArray(std::move(p_indices));
   }
 
   ///@{
@@ -141,15 +157,6 @@ private:
     else
       return sizeof(T) == 1 ? UnsignedByte : sizeof(T) == 2 ? UnsignedShort : UnsignedInt;
   }
-  template <class E>
-  static Array ArrayOf(std::vector<E> p_elements) {
-    if (p_elements.empty())
-      return {};
-    const auto elements = boost::make_shared<const std::vector<E>>(std::move(p_elements));
-    return {boost::shared_ptr<const void>(elements, elements->data()), elements->size(), Components<E>(),
-            TypeOf<ScalarOf<E>>()};
-  }
-
   Array _vertices;
   Array _normals;
   Array _texCoords;
