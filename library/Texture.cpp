@@ -65,13 +65,11 @@ void Texture::operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const 
 }
 
 void Texture::UseFilter(Utility::Scoped<Rgl>& p_gl) const {
-  Private::SetFilter(*p_gl, RGL_TEXTURE_2D, RGL_TEXTURE_MIN_FILTER, minFilter);
-  Private::SetFilter(*p_gl, RGL_TEXTURE_2D, RGL_TEXTURE_MAG_FILTER, magFilter);
+  Private::UseFilter(*p_gl, RGL_TEXTURE_2D, *this);
 }
 
 void Texture::UseWrap(Utility::Scoped<Rgl>& p_gl) const {
-  Private::SetWrap(*p_gl, RGL_TEXTURE_2D, RGL_TEXTURE_WRAP_S, wrapS);
-  Private::SetWrap(*p_gl, RGL_TEXTURE_2D, RGL_TEXTURE_WRAP_T, wrapT);
+  Private::UseWrap(*p_gl, RGL_TEXTURE_2D, *this);
 }
 
 void Texture::UseEnvironment(Utility::Scoped<Rgl>& p_gl) const {

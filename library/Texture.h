@@ -1,13 +1,12 @@
 #pragma once
 
 #include "library/Export.h"
+#include "library/TextureSettings.h"
 #include "platform/ogl/Rgl.h"
 
 #include <boost/shared_ptr.hpp>
 
 #include <QImage>
-
-#include <cstdint>
 
 namespace Vek::Chart::Library {
 
@@ -32,34 +31,8 @@ namespace Vek::Chart::Library {
 /// \snippet ColorSnippets.cpp Texture
 /// \image html shapes.jpg
 /// \ingroup colours
-class VEK_LIBRARY_API Texture {
+class VEK_LIBRARY_API Texture : public TextureSettings {
 public:
-  /// How texels are sampled.
-  enum Filter : std::uint32_t {
-    Nearest = 0, ///< the texel whose centre is nearest
-    Linear = 1,  ///< the four texels around, by distance
-  };
-  /// What is sampled outside [0, 1].
-  enum Wrap : std::uint32_t {
-    ClampToEdge = 0, ///< the texels at the edge
-    Repeat = 1,      ///< the texture again
-  };
-  /// How the texture is combined with the incoming colour.
-  enum Environment : std::uint32_t {
-    Modulate = 0, ///< the product of both
-    Decal = 1,    ///< the texture over the colour, by the texture's alpha
-    Replace = 2,  ///< the texture alone
-  };
-
-  // Settings are plain numbers. A number without an enumerator leaves that part of the GL state unchanged.
-  std::uint32_t minFilter = Linear;    ///< a Filter: where texels are smaller than pixels
-  std::uint32_t magFilter = Linear;    ///< a Filter: where texels are larger than pixels
-  std::uint32_t wrapS = ClampToEdge;   ///< a Wrap, along the width
-  std::uint32_t wrapT = ClampToEdge;   ///< a Wrap, along the height
-  std::uint32_t environment = Replace; ///< an Environment
-  /// Whether colours are stored as sRGB, so that sampling yields linear light. Read at the upload only.
-  bool sRgb = false;
-
   /// A texture of the image; nothing is uploaded yet. The scope's GL version decides about the size.
   Texture(const QImage& p_image, Utility::Scoped<Rgl>& p_gl);
   ~Texture();

@@ -89,11 +89,9 @@ void VolumeTexture::operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) 
     _handle = texture;
   }
   Private::SetOneLevel(*p_gl, RGL_TEXTURE_3D);
-  Private::SetWrap(*p_gl, RGL_TEXTURE_3D, RGL_TEXTURE_WRAP_S, wrapS);
-  Private::SetWrap(*p_gl, RGL_TEXTURE_3D, RGL_TEXTURE_WRAP_T, wrapT);
+  Private::UseWrap(*p_gl, RGL_TEXTURE_3D, *this);
   Private::SetWrap(*p_gl, RGL_TEXTURE_3D, RGL_TEXTURE_WRAP_R, wrapR);
-  Private::SetFilter(*p_gl, RGL_TEXTURE_3D, RGL_TEXTURE_MIN_FILTER, minFilter);
-  Private::SetFilter(*p_gl, RGL_TEXTURE_3D, RGL_TEXTURE_MAG_FILTER, magFilter);
+  Private::UseFilter(*p_gl, RGL_TEXTURE_3D, *this);
   Private::SetEnvironment(*p_gl, environment);
   p_gl->Enable(RGL_TEXTURE_3D);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/Export.h"
+#include "library/TextureSettings.h"
 #include "library/VolumeImage.h"
 #include "platform/ogl/Rgl.h"
 #include "platform/utility/Scope.h"
@@ -36,35 +37,9 @@ namespace Vek::Chart::Library {
 /// \snippet ImageSnippets.cpp VolumeTexture
 /// \image html volume.jpg
 /// \ingroup images
-class VEK_LIBRARY_API VolumeTexture {
+class VEK_LIBRARY_API VolumeTexture : public TextureSettings {
 public:
-  /// How texels are sampled.
-  enum Filter : std::uint32_t {
-    Nearest = 0, ///< the texel whose centre is nearest
-    Linear = 1,  ///< the eight texels around, by distance
-  };
-  /// What is sampled outside [0, 1].
-  enum Wrap : std::uint32_t {
-    ClampToEdge = 0, ///< the texels at the edge
-    Repeat = 1,      ///< the texture again
-  };
-  /// How the texture is combined with the incoming colour.
-  enum Environment : std::uint32_t {
-    Modulate = 0, ///< the product of both
-    Decal = 1,    ///< the texture over the colour, by the texture's alpha
-    Replace = 2,  ///< the texture alone
-  };
-
-  // Settings are plain numbers. A number without an enumerator leaves that part of the GL state unchanged.
-  std::uint32_t minFilter = Linear;    ///< a Filter: where texels are smaller than pixels
-  std::uint32_t magFilter = Linear;    ///< a Filter: where texels are larger than pixels
-  std::uint32_t wrapS = ClampToEdge;   ///< a Wrap, along the texture coordinate s
-  std::uint32_t wrapT = ClampToEdge;   ///< a Wrap, along t
-  std::uint32_t wrapR = ClampToEdge;   ///< a Wrap, along r
-  std::uint32_t environment = Replace; ///< an Environment
-  /// Whether 8-bit colours of four channels are stored as sRGB, so that sampling yields linear light. Read at the
-  /// upload only; other volumes ignore it.
-  bool sRgb = false;
+  std::uint32_t wrapR = ClampToEdge; ///< a Wrap, along the texture coordinate r
 
   /// A texture of the volume; nothing is uploaded yet. The scope's device limits its size.
   VolumeTexture(boost::shared_ptr<const VolumeImage> p_image, Utility::Scoped<Rgl>& p_gl);

@@ -143,6 +143,17 @@ TEST_F(ColorSnippetPixels, Texture) {
   EXPECT_EQ(At(30, 18), QColor(Qt::green));
 }
 
+TEST_F(ColorSnippetPixels, TextureSettings) {
+  Texture texture(QImage(3, 5, QImage::Format_ARGB32), gl);
+  //! [TextureSettings]
+  TextureSettings tiles; // to be used for several textures
+  tiles.magFilter = TextureSettings::Nearest;
+  tiles.wrapS = tiles.wrapT = TextureSettings::Repeat;
+  static_cast<TextureSettings&>(texture) = tiles;
+  //! [TextureSettings]
+  EXPECT_EQ(texture.wrapT, Texture::Repeat);
+}
+
 TEST_F(ColorSnippetPixels, Pattern) {
   //! [Pattern]
   const Assets::Resource sprites(VEK_SOURCE_DIR "/sprites"); // finds "symbol_star" there

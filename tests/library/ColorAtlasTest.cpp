@@ -181,7 +181,7 @@ TEST_F(ColorAtlasCalls, UploadsATexture) {
   const Testing::RecordingGl::TextureObject* texture = recorder.FindTexture(atlas.Texture()->Handle()->Name());
   EXPECT_EQ(texture->levels.at(0).pixels, (std::vector<unsigned char>{0, 255, 0, 255}));
   EXPECT_EQ(recorder.LinesOf({"TexParameteri", "TexEnvi", "ActiveTexture", "Enable", "Disable"}),
-            Calls("ActiveTexture(GL_TEXTURE0); " + TextureSettings("GL_NEAREST", "GL_REPLACE") +
+            Calls("ActiveTexture(GL_TEXTURE0); " + SettingCalls("GL_NEAREST", "GL_REPLACE") +
                   "; ActiveTexture(GL_TEXTURE0); Disable(GL_TEXTURE_2D)"));
 
   const ColorAtlas copy = atlas; // shares the texture and nothing else

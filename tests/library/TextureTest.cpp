@@ -25,7 +25,7 @@ TEST_F(TextureCalls, UploadsOnceAndAppliesItsSettingsAtEachBind) {
   EXPECT_EQ(Changes(), Calls("ActiveTexture(GL_TEXTURE2); GenTextures(1, [1001]); BindTexture(GL_TEXTURE_2D, 1001); "
                              "PixelStorei(GL_UNPACK_ALIGNMENT, 1); "
                              "TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 9, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, ptr); " +
-                             TextureSettings("GL_LINEAR", "GL_REPLACE")));
+                             SettingCalls("GL_LINEAR", "GL_REPLACE")));
   EXPECT_EQ(texture.Handle()->Name(), 1001u);
 
   const auto rebound = [&] {

@@ -43,7 +43,7 @@ const std::string OneQuad = "Begin(GL_QUADS); TexCoord2d(0, 0); Vertex2i(1, 2); 
 
 std::string Bind(unsigned int p_name, const std::string& p_environment) {
   return "ActiveTexture(GL_TEXTURE0); BindTexture(GL_TEXTURE_2D, " + std::to_string(p_name) + "); " +
-         TextureSettings("GL_NEAREST", p_environment) + "; ";
+         SettingCalls("GL_NEAREST", p_environment) + "; ";
 }
 
 } // namespace

@@ -24,7 +24,7 @@ inline std::string TexParameters(const std::string& p_target, const Lines& p_par
 }
 
 /// What a texture of one filter sets at each bind, as `Calls` reads it; no environment stands for one without effect.
-inline std::string TextureSettings(const std::string& p_filter, const std::string& p_environment) {
+inline std::string SettingCalls(const std::string& p_filter, const std::string& p_environment) {
   return TexParameters("2D", {"BASE_LEVEL, 0", "MAX_LEVEL, 0", "WRAP_S, GL_CLAMP_TO_EDGE", "WRAP_T, GL_CLAMP_TO_EDGE",
                               "MIN_FILTER, " + p_filter, "MAG_FILTER, " + p_filter}) +
          (p_environment.empty() ? "" : "TexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, " + p_environment + "); ") +

@@ -21,8 +21,14 @@ void SetParameter(const Rgl& p_gl, Ogl::GlEnum p_target, Ogl::GlEnum p_name, con
 
 } // namespace
 
-void SetFilter(const Rgl& p_gl, Ogl::GlEnum p_target, Ogl::GlEnum p_name, std::uint32_t p_filter) {
-  SetParameter(p_gl, p_target, p_name, Filters, p_filter);
+void UseFilter(const Rgl& p_gl, Ogl::GlEnum p_target, const TextureSettings& p_settings) {
+  SetParameter(p_gl, p_target, RGL_TEXTURE_MIN_FILTER, Filters, p_settings.minFilter);
+  SetParameter(p_gl, p_target, RGL_TEXTURE_MAG_FILTER, Filters, p_settings.magFilter);
+}
+
+void UseWrap(const Rgl& p_gl, Ogl::GlEnum p_target, const TextureSettings& p_settings) {
+  SetWrap(p_gl, p_target, RGL_TEXTURE_WRAP_S, p_settings.wrapS);
+  SetWrap(p_gl, p_target, RGL_TEXTURE_WRAP_T, p_settings.wrapT);
 }
 
 void SetWrap(const Rgl& p_gl, Ogl::GlEnum p_target, Ogl::GlEnum p_name, std::uint32_t p_wrap) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/TextureSettings.h"
 #include "platform/ogl/Rgl.h"
 
 #include <cstdint>
@@ -9,8 +10,10 @@ namespace Vek::Chart::Library::Private {
 // What 2-D and 3-D textures set at each bind, on the active unit. Settings are the numbers of the classes'
 // enumerations; a number that is not listed there leaves that part of the GL state as it is.
 
-/// Sets RGL_TEXTURE_MIN_FILTER or RGL_TEXTURE_MAG_FILTER.
-void SetFilter(const Rgl& p_gl, Ogl::GlEnum p_target, Ogl::GlEnum p_name, std::uint32_t p_filter);
+/// Sets RGL_TEXTURE_MIN_FILTER and RGL_TEXTURE_MAG_FILTER.
+void UseFilter(const Rgl& p_gl, Ogl::GlEnum p_target, const TextureSettings& p_settings);
+/// Sets RGL_TEXTURE_WRAP_S and RGL_TEXTURE_WRAP_T.
+void UseWrap(const Rgl& p_gl, Ogl::GlEnum p_target, const TextureSettings& p_settings);
 /// Sets RGL_TEXTURE_WRAP_S, _T or _R.
 void SetWrap(const Rgl& p_gl, Ogl::GlEnum p_target, Ogl::GlEnum p_name, std::uint32_t p_wrap);
 /// Sets the mode of the texture environment.
