@@ -1,8 +1,6 @@
 #include "scene/TextRenderer.h"
 
-#include <QFont>
-#include <QFontMetrics>
-#include <QPainter>
+#include "platform/ogl/TextImage.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,23 +8,13 @@
 namespace Vek::Chart::Scene {
 
 QImage TextImage(const QString& p_text, int p_pixels, bool p_bold, const QColor& p_color) {
-  QFont font(QStringLiteral("DejaVu Sans"));
-  font.setPixelSize(std::max(1, p_pixels));
-  font.setBold(p_bold);
-  font.setHintingPreference(QFont::PreferNoHinting);
-  const QFontMetrics metrics(font);
+  Ogl::TextFormat format;
+  format.size = p_pixels;
+  format.bold = p_bold;
+  format.color = p_color;
   // Slanted and wide letters may reach beyond their advance; a margin keeps them whole.
-  const int margin = std::max(1, p_pixels / 8);
-  const QSize size(metrics.horizontalAdvance(p_text) + 2 * margin, metrics.height());
-  QImage image(size.expandedTo(QSize(1, 1)), QImage::Format_ARGB32_Premultiplied);
-  image.fill(Qt::transparent);
-  QPainter painter(&image);
-  painter.setRenderHint(QPainter::TextAntialiasing);
-  painter.setFont(font);
-  painter.setPen(p_color);
-  painter.drawText(margin, metrics.ascent(), p_text);
-  painter.end();
-  QImage straight = image.convertToFormat(QImage::Format_ARGB32);
+  format.margin = QSize(std::max(1, p_pixels / 8), 0);
+  QImage straight = Ogl::TextImage(p_text, format).convertToFormat(QImage::Format_ARGB32);
   // Linear filtering and rounding must not bring in black from transparent texels.
   for (int y = 0; y < straight.height(); ++y) {
     QRgb* const row = reinterpret_cast<QRgb*>(straight.scanLine(y));
