@@ -194,13 +194,10 @@ auto WithReader(const Array1& p_array, Function p_function) {
   });
 }
 
-/// Whether the three numbers of all points follow each other, without gaps.
+/// Whether each point begins where three numbers of the last one end, as in a row of points without gaps.
 bool IsPacked(const Array3& p_array, std::size_t p_numberSize) {
-  const auto stride = std::ptrdiff_t(3 * p_numberSize);
-  const char* const first = static_cast<const char*>(p_array.X().Data());
-  return first != nullptr && p_array.X().Stride() == stride && p_array.Y().Stride() == stride &&
-         p_array.Z().Stride() == stride && p_array.Y().Data() == first + p_numberSize &&
-         p_array.Z().Data() == first + 2 * p_numberSize;
+  const auto stride = static_cast<std::ptrdiff_t>(3 * p_numberSize);
+  return p_array.X().Stride() == stride && p_array.Y().Stride() == stride && p_array.Z().Stride() == stride;
 }
 
 /// Calls `p_function` with the readers of three arrays. Arrays of different types are converted to double before.

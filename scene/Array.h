@@ -188,7 +188,7 @@ bool ContainsComponent(const E& p_element) {
   if constexpr (std::is_lvalue_reference_v<ComponentResult<I, E>>) {
     const auto begin = reinterpret_cast<std::uintptr_t>(std::addressof(p_element));
     const auto at = reinterpret_cast<std::uintptr_t>(address);
-    return at >= begin && at - begin <= sizeof(E) - sizeof(*address);
+    return at - begin <= sizeof(E) - sizeof(*address); // a difference below zero wraps to a large one
   } else {
     const ComponentType<I, E> returned = Component<I>(p_element);
     return std::memcmp(address, &returned, sizeof(returned)) == 0;

@@ -74,7 +74,18 @@ private:
   std::array<float, 3> _numbers;
 };
 
+/// As Eigen's vectors, whose size may be constant.
+template <int Size>
+struct Sized {
+  static constexpr int SizeAtCompileTime = Size;
+  double numbers[3];
+  const double* data() const { return numbers; }
+  int size() const { return 3; }
+  const double& operator[](int p_index) const { return numbers[p_index]; }
+};
+
 // What is refused when it is compiled.
+static_assert(ArrayForms::IsTriple<Sized<3>>() && !ArrayForms::IsTriple<Sized<-1>>());
 static_assert(!ArrayForms::IsNumber<bool> && !ArrayForms::IsNumber<char> && !ArrayForms::IsNumber<long double>);
 static_assert(std::is_void_v<ArrayForms::Element<std::deque<double>>> && std::is_void_v<ArrayForms::Element<int>>);
 static_assert(!ArrayForms::IsTriple<std::vector<double>>() && !ArrayForms::IsTriple<double*>() &&
@@ -150,7 +161,7 @@ TEST(Array, PointsFromEachForm) {
   const std::vector<Station> stations{{"a", 2, 1, 3, 0}, {"b", 5, 4, 6, 0}};
   const std::vector<float> x{1, 4};
   const std::array<short, 2> y{2, 5};
-  const Doubles z{3, 6};
+  const Doubles z{3, 6}, yAndZ{2, 5, 3, 0, 0, 6};
   const std::pair<const char*, Array3> cases[] = {
       {"C array", array},
       {"arrays", arrays},
@@ -164,6 +175,8 @@ TEST(Array, PointsFromEachForm) {
       {"numbers with a gap", Array3(padded.data(), 2, 32)},
       {"pointer to elements", Array3(fields.data(), 2)},
       {"three arrays", Array3(x, y, z)},
+      {"three strides",
+       Array3(Array1(packed.data(), 2, 24), Array1(yAndZ.data(), 2, 8), Array1(yAndZ.data() + 2, 2, 24))},
       {"n x 3, contiguous columns", Matrix<double, false>{byComponent.data(), 2, 3, 1, 2}},
       {"n x 3, contiguous rows", Matrix<double, true>{packed.data(), 2, 3, 1, 3}},
       {"3 x n, contiguous columns", Matrix<double, false>{packed.data(), 3, 2, 1, 3}},
@@ -294,7 +307,11 @@ public:
 
 TEST(Array, ThrowsOnInvalidArguments) {
   const Doubles numbers{1, 2, 3};
-  const std::vector<Pointing> pointing{{numbers.data(), {}}};
+  struct {
+    double before[3] = {1, 2, 3};
+    Pointing elements[2] = {{before, {}}, {after, {}}};
+    double after[3] = {1, 2, 3};
+  } elsewhere;
   const std::vector<Reversed> reversed{{1, 2, 3}};
   const double* const none = nullptr;
   const std::pair<std::function<void()>, std::string> cases[] = {
@@ -316,7 +333,9 @@ TEST(Array, ThrowsOnInvalidArguments) {
          Array1(Matrix<double, true>{none, 2, 4, 1, 4});
        },
        "Array1: expected a matrix with one row or one column, got 2 x 4"},
-      {[&] { Array3{pointing}; },
+      {[&] { Array3(elsewhere.elements, 2); },
+       "Array3: expected elements that contain their three numbers, got one with numbers elsewhere"},
+      {[&] { Array3(elsewhere.elements + 1, 1); },
        "Array3: expected elements that contain their three numbers, got one with numbers elsewhere"},
       {[&] { Array3{reversed}; },
        "Array3: expected elements that contain their three numbers, got one with numbers elsewhere"},
