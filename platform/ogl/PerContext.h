@@ -20,9 +20,13 @@ class VEK_PLATFORM_API ContextValues {
 public:
   ContextValues() = default;
   ~ContextValues();
-  ContextValues(const ContextValues& p_other); ///< empty
+  /// A copy starts empty.
+  ContextValues(const ContextValues& p_other);
+  /// Takes the values over.
   ContextValues(ContextValues&& p_other) noexcept;
-  ContextValues& operator=(const ContextValues& p_other); ///< empties this one
+  /// Releases the values of this object.
+  ContextValues& operator=(const ContextValues& p_other);
+  /// Releases the values of this object and takes over those of the other one.
   ContextValues& operator=(ContextValues&& p_other) noexcept;
 
   /// The value of a context; null without one.
