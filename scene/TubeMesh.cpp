@@ -1,7 +1,5 @@
 #include "scene/TubeMesh.h"
 
-#include "scene/Arrays.h"
-
 #include <cmath>
 
 namespace Vek::Chart::Scene {
@@ -153,13 +151,11 @@ void Sweep::AddVertex(const Point& p_position, const Point& p_normal, double p_v
 }
 
 Ogl::VertexData Sweep::TakeMesh() {
-  const std::size_t count = _positions.size();
-  const std::size_t indexCount = _indices.size();
   Ogl::VertexData mesh;
-  mesh.SetVertices(Shared(std::move(_positions)), count, 3, Ogl::VertexData::Float);
-  mesh.SetNormals(Shared(std::move(_normals)), count, 3, Ogl::VertexData::Float);
-  mesh.SetTexCoords(Shared(std::move(_values)), count, 1, Ogl::VertexData::Float);
-  mesh.SetIndices(Shared(std::move(_indices)), indexCount, Ogl::VertexData::UnsignedInt);
+  mesh.SetVertices(std::move(_positions));
+  mesh.SetNormals(std::move(_normals));
+  mesh.SetTexCoords(std::move(_values));
+  mesh.SetIndices(std::move(_indices));
   mesh.PrimitiveType() = Ogl::VertexBuffer::Triangles;
   _positions = {};
   _normals = {};

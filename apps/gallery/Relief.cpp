@@ -1,7 +1,6 @@
 #include "apps/gallery/Relief.h"
 
 #include "apps/gallery/Palettes.h"
-#include "scene/Arrays.h"
 
 #include "platform/ogl/Vec.h"
 
@@ -9,8 +8,6 @@
 #include <cmath>
 
 namespace Vek::Chart::Gallery {
-
-using namespace Scene;
 
 namespace {
 
@@ -96,16 +93,13 @@ void Relief::BuildSurface(const HeightField& p_heights, const MapFrame& p_map) {
       _base = std::min(_base, Z(height));
     }
   _base -= 2.5;
-  const std::size_t count = positions.size();
-  _surface.SetVertices(Shared(std::move(positions)), count, 3, Ogl::VertexData::Float);
-  _surface.SetNormals(Shared(std::move(normals)), count, 3, Ogl::VertexData::Float);
-  _surface.SetTexCoords(Shared(std::move(colors)), count, 1, Ogl::VertexData::Float);
+  _surface.SetVertices(std::move(positions));
+  _surface.SetNormals(std::move(normals));
+  _surface.SetTexCoords(std::move(colors));
   _surface.PrimitiveType() = Ogl::VertexBuffer::Triangles;
   _coarseSurface = _surface;
   const auto setCells = [this](Ogl::VertexData& p_mesh, std::size_t p_step) {
-    std::vector<unsigned int> indices = GridIndices(_columns, _rows, p_step);
-    const std::size_t indexCount = indices.size();
-    p_mesh.SetIndices(Shared(std::move(indices)), indexCount, Ogl::VertexData::UnsignedInt);
+    p_mesh.SetIndices(GridIndices(_columns, _rows, p_step));
   };
   setCells(_surface, 1);
   setCells(_coarseSurface, 2);
@@ -131,9 +125,8 @@ void Relief::BuildSides() {
   addWall((_rows - 1) * _columns, 1, _columns, {0, 1, 0});
   addWall(0, _columns, _rows, {-1, 0, 0});
   addWall(_columns - 1, _columns, _rows, {1, 0, 0});
-  const std::size_t count = positions.size();
-  _sides.SetVertices(Shared(std::move(positions)), count, 3, Ogl::VertexData::Float);
-  _sides.SetNormals(Shared(std::move(normals)), count, 3, Ogl::VertexData::Float);
+  _sides.SetVertices(std::move(positions));
+  _sides.SetNormals(std::move(normals));
   _sides.PrimitiveType() = Ogl::VertexBuffer::Quads;
 }
 

@@ -2,7 +2,6 @@
 
 #include "apps/gallery/Files.h"
 #include "apps/gallery/TextTable.h"
-#include "scene/Arrays.h"
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
 #include "scene/TextRenderer.h"
@@ -157,13 +156,11 @@ private:
       const double height = (ToPoint(positions.back()).z - _box.Min().z) / std::max(_box.Extent().z, 1e-12);
       heights.push_back(static_cast<float>(std::clamp(height, 0.0, 1.0)));
     }
-    const std::size_t count = positions.size();
     if (!_lines)
-      _mesh.SetNormals(Scene::Shared(Normals(p_model, positions, p_indices)), count, 3, Ogl::VertexData::Float);
-    const std::size_t indexCount = p_indices.size();
-    _mesh.SetVertices(Scene::Shared(std::move(positions)), count, 3, Ogl::VertexData::Float);
-    _mesh.SetTexCoords(Scene::Shared(std::move(heights)), count, 1, Ogl::VertexData::Float);
-    _mesh.SetIndices(Scene::Shared(std::move(p_indices)), indexCount, Ogl::VertexData::UnsignedInt);
+      _mesh.SetNormals(Normals(p_model, positions, p_indices));
+    _mesh.SetVertices(std::move(positions));
+    _mesh.SetTexCoords(std::move(heights));
+    _mesh.SetIndices(std::move(p_indices));
     _mesh.PrimitiveType() = _lines ? Ogl::VertexBuffer::LineSegments : Ogl::VertexBuffer::Triangles;
   }
 

@@ -7,7 +7,6 @@
 #include "apps/gallery/Palettes.h"
 #include "apps/gallery/Quakes.h"
 #include "apps/gallery/SpacePicture.h"
-#include "scene/Arrays.h"
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
 #include "scene/Theme.h"
@@ -87,11 +86,10 @@ public:
 
   Ogl::VertexData Data() {
     Ogl::VertexData data;
-    const std::size_t count = _positions.size();
     data.PrimitiveType() = Ogl::VertexBuffer::Quads;
-    data.SetVertices(Shared(std::move(_positions)), count, 3, Ogl::VertexData::Float);
-    data.SetNormals(Shared(std::move(_normals)), count, 3, Ogl::VertexData::Float);
-    data.SetTexCoords(Shared(std::move(_texels)), count, 2, Ogl::VertexData::Float);
+    data.SetVertices(std::move(_positions));
+    data.SetNormals(std::move(_normals));
+    data.SetTexCoords(std::move(_texels));
     return data;
   }
 
