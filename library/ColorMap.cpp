@@ -262,10 +262,10 @@ void ColorMap::operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const
 }
 
 boost::shared_ptr<void> ColorMap::Bind(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit,
-                                       std::uint32_t p_environment) const {
-  const boost::shared_ptr<void> guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
+                                       Texture::Environment p_environment) const {
+  const boost::shared_ptr<void> guard = p_gl->PushAttribScope(RGL_TEXTURE_BIT);
   (*this)(p_gl, p_unit);
-  Private::SetEnvironment(*p_gl, p_environment <= Texture::Replace ? p_environment : Texture::Modulate);
+  Private::SetEnvironment(*p_gl, p_environment);
   return guard;
 }
 

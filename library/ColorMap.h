@@ -9,7 +9,6 @@
 #include <QColor>
 #include <QImage>
 
-#include <cstdint>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -66,14 +65,14 @@ public:
   /// nearest filtering, clamped, and enables 2-D texturing there. The first call creates and uploads the texture.
   void operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const;
 
-  /// Binds as the call operator does and sets the texture environment of the unit, where a number that is no
-  /// `Texture::Environment` counts as Modulate. The guard restores the host's enables, bindings, texture parameters and
-  /// environments of all units and the active unit; release it in the same rendering scope. It occupies one level of
-  /// the attribute stack.
+  /// Binds as the call operator does and sets the texture environment of the unit; a number without an enumerator
+  /// leaves that unchanged. Releasing the guard restores the active unit and, of all units, enables, bindings,
+  /// environments and texture parameters; it must be released in the same rendering scope. It occupies one level of the
+  /// attribute stack.
   ///
   /// \snippet ColorSnippets.cpp ColorMapBind
   boost::shared_ptr<void> Bind(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit = RGL_TEXTURE0,
-                               std::uint32_t p_environment = Texture::Modulate) const;
+                               Texture::Environment p_environment = Texture::Modulate) const;
 
   /// The texel at `p_index`, taken as unsigned 32-bit, modulo `Size()`: −1 is the last texel of 4096, but not of 4095.
   QColor Color(int p_index) const;

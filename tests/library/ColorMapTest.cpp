@@ -238,8 +238,8 @@ TEST(ColorMap, IsMadeByName) {
 TEST_F(ColorMapPixels, BindsWithItsEnvironmentAndRestoresTheState) {
   const ColorMap map({Red, Green}, ColorMap::Discrete);
   gl->Color(Blue);
-  const std::pair<std::uint32_t, QColor> cases[] = {
-      {Texture::Modulate, Qt::black}, {Texture::Decal, Red}, {Texture::Replace, Red}, {7, Qt::black}};
+  const std::pair<Texture::Environment, QColor> cases[] = {
+      {Texture::Modulate, Qt::black}, {Texture::Decal, Red}, {Texture::Replace, Red}};
   for (const auto& [environment, expected] : cases) {
     {
       const auto bound = map.Bind(gl, RGL_TEXTURE0, environment);

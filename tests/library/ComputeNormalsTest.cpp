@@ -62,12 +62,21 @@ TEST(ComputeNormals, LeavesOutWhatIsNoTriangle) {
                                                   {0, 1, 7},             // past the end
                                                   {0xFFFFFFFF, 0, 1},    // past the end
                                                   {3, 0},                // left over
-                                                  {0, 3, 6, 6, 3, 0}}) { // both sides
+                                                  {0, 3, 6, 3, 0, 6}}) { // both sides
     Indices indices = triangle;
     indices.insert(indices.end(), more.begin(), more.end());
     const std::vector<Point> normals = NormalsOf(points, indices);
     for (std::size_t i = 0; i < points.size(); ++i)
       ExpectNear(normals[i], i < 3 ? Point(1, 0, 0) : Up);
+  }
+  // Both sides of a triangle, but for rounding.
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> any(-1, 1);
+  for (int i = 0; i < 100; ++i) {
+    std::vector<Point> corners;
+    for (int k = 0; k < 3; ++k)
+      corners.emplace_back(any(random), any(random), any(random));
+    EXPECT_EQ(NormalsOf(corners, {0, 1, 2, 1, 0, 2}), std::vector<Point>(3, Up));
   }
   // A point on an edge, off the line by the rounding of a float.
   ExpectNear(NormalsOf({{0, 0, 0}, {0, 1, 0}, {0, 0, 1}, {3e-8, 0.5, 0}}, {0, 3, 1, 0, 1, 2})[0], {1, 0, 0});
