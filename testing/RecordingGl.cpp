@@ -19,6 +19,15 @@ namespace Vek::Chart::Testing {
 using namespace Ogl;
 
 struct RecordingGl::State {
+  /// The recorder that receives the calls of this thread.
+  static thread_local boost::shared_ptr<State> active;
+  /// Passes a call on to the active recorder.
+  template <class Run, class Refuse, class Arguments>
+  static auto Dispatch(const Recording::Signature& p_signature, Run p_run, Refuse p_refuse,
+                       const Arguments& p_arguments);
+  static GlFunctions MakeTable();
+  static boost::shared_ptr<const GlFunctions> Table();
+
   /// Runs one call on the model, or its failure, and records it.
   template <class Run, class Refuse, class Arguments>
   auto Call(const Recording::Signature& p_signature, Run p_run, Refuse p_refuse, const Arguments& p_arguments) {
@@ -69,13 +78,11 @@ struct RecordingGl::State {
   std::set<std::pair<std::string, std::size_t>> failingNames;
 };
 
-namespace {
-
-/// The recorder that receives the calls of this thread.
-thread_local boost::shared_ptr<RecordingGl::State> active;
+thread_local boost::shared_ptr<RecordingGl::State> RecordingGl::State::active;
 
 template <class Run, class Refuse, class Arguments>
-auto Dispatch(const Recording::Signature& p_signature, Run p_run, Refuse p_refuse, const Arguments& p_arguments) {
+auto RecordingGl::State::Dispatch(const Recording::Signature& p_signature, Run p_run, Refuse p_refuse,
+                                  const Arguments& p_arguments) {
   if (active)
     return active->Call(p_signature, p_run, p_refuse, p_arguments);
   try {
@@ -86,7 +93,7 @@ auto Dispatch(const Recording::Signature& p_signature, Run p_run, Refuse p_refus
   return p_refuse(nobody);
 }
 
-GlFunctions MakeRecordingTable() {
+GlFunctions RecordingGl::State::MakeTable() {
   GlFunctions table;
 #define VEK_RECORD(p_result, p_name, p_parameters, p_arguments, p_isGlu)                                               \
   table.p_name = [] p_parameters -> p_result {                                                                         \
@@ -104,30 +111,28 @@ GlFunctions MakeRecordingTable() {
   return table;
 }
 
-boost::shared_ptr<const GlFunctions> RecordingTable() {
-  static const boost::shared_ptr<const GlFunctions> Table = boost::make_shared<GlFunctions>(MakeRecordingTable());
+boost::shared_ptr<const GlFunctions> RecordingGl::State::Table() {
+  static const boost::shared_ptr<const GlFunctions> Table = boost::make_shared<GlFunctions>(MakeTable());
   return Table;
 }
-
-} // namespace
 
 RecordingGl::RecordingGl()
     : _state(boost::make_shared<State>())
     , _handle(boost::make_shared<Rgl>(
-          RecordingTable(),
+          State::Table(),
           [state = _state] {
-            state->previous = active;
-            active = state;
+            state->previous = State::active;
+            State::active = state;
           },
           [state = _state] {
             if (const boost::shared_ptr<State> previous = state->previous.lock())
-              active = previous;
+              State::active = previous;
           })) {}
 
 RecordingGl::~RecordingGl() {
   Release(Utility::Scoped<Rgl>(_handle));
-  if (active == _state)
-    active.reset();
+  if (State::active == _state)
+    State::active.reset();
 }
 
 const Utility::Unscoped<Rgl>& RecordingGl::Handle() const {
@@ -227,14 +232,6 @@ const RecordingGl::TextureObject* RecordingGl::FindTexture(unsigned int p_name) 
 std::vector<unsigned char> RecordingGl::BufferBytes(unsigned int p_name) const {
   const auto found = _state->model.buffers.find(p_name);
   return found == _state->model.buffers.end() ? std::vector<unsigned char>() : found->second.bytes;
-}
-
-const std::array<unsigned char, 128>& RecordingGl::PolygonStippleMask() const {
-  return _state->model.stippleMask;
-}
-
-int RecordingGl::TextureEnvironment(GlEnum p_name) const {
-  return static_cast<int>(_state->model.One(p_name));
 }
 
 } // namespace Vek::Chart::Testing

@@ -108,14 +108,9 @@ public:
   const TextureObject* FindTexture(unsigned int p_name) const;
   /// The bytes of a buffer; empty if there is no such buffer.
   std::vector<unsigned char> BufferBytes(unsigned int p_name) const;
-  /// The last polygon stipple.
-  const std::array<unsigned char, 128>& PolygonStippleMask() const;
-  /// The texture environment of the active unit, as TexEnvi set it.
-  int TextureEnvironment(Ogl::GlEnum p_name) const;
-
-  struct State;
 
 private:
+  struct State;
   boost::shared_ptr<State> _state;
   Utility::Unscoped<Rgl> _handle;
 };

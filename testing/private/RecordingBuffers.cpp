@@ -9,10 +9,6 @@
 namespace Vek::Chart::Testing::Recording {
 namespace {
 
-std::string Name(GlEnum p_value) {
-  return EnumText(p_value, false);
-}
-
 GlEnum BindingOf(GlEnum p_target) {
   switch (p_target) {
   case RGL_ARRAY_BUFFER:

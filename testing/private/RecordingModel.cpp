@@ -8,10 +8,6 @@
 namespace Vek::Chart::Testing::Recording {
 namespace {
 
-std::string Name(GlEnum p_value) {
-  return EnumText(p_value, false);
-}
-
 bool AllowedInsideBegin(const std::string& p_name) {
   static const std::set<std::string> Allowed = {"End",           "Vertex2i",         "Vertex3d",      "Normal3d",
                                                 "Color4d",       "TexCoord1d",       "TexCoord2d",    "TexCoord3d",

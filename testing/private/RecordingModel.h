@@ -45,7 +45,7 @@ public:
   // State.
   void Enable(GlEnum p_capability) { Set(p_capability, {1}); }
   void Disable(GlEnum p_capability) { Set(p_capability, {0}); }
-  GlBoolean IsEnabled(GlEnum p_capability) { return Enabled(p_capability) ? 1 : 0; }
+  GlBoolean IsEnabled(GlEnum p_capability) { return One(p_capability) != 0 ? 1 : 0; }
   void PushAttrib(GlBitfield p_mask) { Push(_context.attributeStack, p_mask, false); }
   void PopAttrib() { Pop(_context.attributeStack, "PopAttrib"); }
   void PushClientAttrib(GlBitfield p_mask) { Push(_clientStack, p_mask, true); }
@@ -66,7 +66,6 @@ public:
   void FrontFace(GlEnum p_winding) { Set(RGL_FRONT_FACE, {double(p_winding)}); }
   void ShadeModel(GlEnum p_model) { Set(RGL_SHADE_MODEL, {double(p_model)}); }
   void PolygonMode(GlEnum p_face, GlEnum p_mode);
-  void PolygonStipple(const unsigned char* p_mask) { std::copy_n(p_mask, stippleMask.size(), stippleMask.begin()); }
   void LineStipple(int p_factor, unsigned short p_pattern);
   void LineWidth(float p_width);
   void PointSize(float p_size) { Set(RGL_POINT_SIZE, {p_size}); }
@@ -85,7 +84,6 @@ public:
   void DeleteTextures(int p_count, const unsigned int* p_names);
   void BindTexture(GlEnum p_target, unsigned int p_name);
   void TexParameteri(GlEnum p_target, GlEnum p_name, int p_value);
-  void TexEnvi(GlEnum, GlEnum p_name, int p_value) { Set(p_name, {double(p_value)}); }
   void PixelStorei(GlEnum p_name, int p_value) { Set(p_name, {double(p_value)}); }
   void PixelTransferf(GlEnum p_name, float p_value) { Set(p_name, {double(p_value)}); }
   void TexImage2D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_border,
@@ -110,16 +108,16 @@ public:
   void BufferData(GlEnum p_target, GlSize p_size, const void* p_data, GlEnum p_usage);
   void* MapBufferRange(GlEnum p_target, GlSize p_offset, GlSize p_length, GlBitfield p_access);
   GlBoolean UnmapBuffer(GlEnum p_target);
-  void EnableClientState(GlEnum p_array) { Arrays()[p_array].enabled = true; }
-  void DisableClientState(GlEnum p_array) { Arrays()[p_array].enabled = false; }
+  void EnableClientState(GlEnum p_array) { _arrays[p_array].enabled = true; }
+  void DisableClientState(GlEnum p_array) { _arrays[p_array].enabled = false; }
   void VertexPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
   void NormalPointer(GlEnum p_type, int p_stride, const void* p_pointer);
   void TexCoordPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
-  void EnableVertexAttribArray(unsigned int p_index) { Arrays()[p_index].enabled = true; }
-  void DisableVertexAttribArray(unsigned int p_index) { Arrays()[p_index].enabled = false; }
+  void EnableVertexAttribArray(unsigned int p_index) { _arrays[p_index].enabled = true; }
+  void DisableVertexAttribArray(unsigned int p_index) { _arrays[p_index].enabled = false; }
   void VertexAttribPointer(unsigned int p_index, int p_size, GlEnum p_type, GlBoolean p_normalized, int p_stride,
                            const void* p_pointer);
-  void VertexAttribDivisor(unsigned int p_index, unsigned int p_divisor) { Arrays()[p_index].divisor = p_divisor; }
+  void VertexAttribDivisor(unsigned int p_index, unsigned int p_divisor) { _arrays[p_index].divisor = p_divisor; }
   void DrawArrays(GlEnum p_mode, int p_first, int p_count) { Draw("DrawArrays", p_mode, p_first, p_count, 1); }
   void DrawElements(GlEnum p_mode, int p_count, GlEnum p_type, const void* p_indices);
   void DrawArraysInstanced(GlEnum p_mode, int p_first, int p_count, int p_instances);
@@ -170,7 +168,6 @@ public:
   void Complain(const std::string& p_text) { complaints.push_back(p_text); }
   /// Objects, pairs and groups that are still open.
   std::vector<std::string> Leftovers() const;
-  bool Enabled(GlEnum p_capability) const { return One(p_capability) != 0; }
   /// The first value of a state variable, 0 where it has none.
   double One(GlEnum p_name) const;
   unsigned int OpenList() const { return _list; }
@@ -183,7 +180,6 @@ public:
   GlEnum framebufferStatus = RGL_FRAMEBUFFER_COMPLETE;
   std::map<std::pair<int, int>, std::array<unsigned char, 4>> pixels;
   std::vector<std::string> complaints;
-  std::array<unsigned char, 128> stippleMask{};
   std::map<unsigned int, RecordingGl::TextureObject> textures;
   std::map<const GlQuadric*, int> quadricNumbers;
 
@@ -269,7 +265,6 @@ private:
   // Buffers.
   BufferObject* BoundBuffer(const std::string& p_call, GlEnum p_target);
   BufferObject* BoundRange(const std::string& p_call, GlEnum p_target, GlSize p_offset, GlSize p_size);
-  ArrayMap& Arrays() { return _arrays; }
   void SetArray(unsigned int p_array, int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
   void Draw(const std::string& p_call, GlEnum p_mode, long long p_first, long long p_count, int p_instances);
   void DrawIndexed(const std::string& p_call, GlEnum p_mode, int p_count, GlEnum p_type, const void* p_indices,

@@ -74,7 +74,7 @@ void Model::Attach(const std::string& p_call, GlEnum p_target, GlEnum p_attachme
                    unsigned int p_name) {
   const GlEnum binding = p_target == RGL_READ_FRAMEBUFFER ? RGL_READ_FRAMEBUFFER_BINDING : RGL_DRAW_FRAMEBUFFER_BINDING;
   if (One(binding) == 0)
-    Complain(p_call + ": no frame buffer is bound for " + EnumText(p_attachment, false));
+    Complain(p_call + ": no frame buffer is bound for " + Name(p_attachment));
   if (p_name != 0)
     Need(p_call, p_kind, p_name);
 }

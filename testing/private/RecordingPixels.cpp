@@ -9,10 +9,6 @@
 namespace Vek::Chart::Testing::Recording {
 namespace {
 
-std::string Name(GlEnum p_value) {
-  return EnumText(p_value, false);
-}
-
 std::size_t Components(GlEnum p_format) {
   switch (p_format) {
   case RGL_RED:

@@ -17,8 +17,8 @@ constexpr StateVariable UnitFlag(GlEnum p_name) {
 constexpr StateVariable One(GlEnum p_name, GlBitfield p_groups, double p_initial) {
   return {p_name, p_groups, false, false, 1, {p_initial}};
 }
-constexpr StateVariable Unit(GlEnum p_name, double p_initial = 0) {
-  return {p_name, RGL_TEXTURE_BIT, false, true, 1, {p_initial}};
+constexpr StateVariable Unit(GlEnum p_name) {
+  return {p_name, RGL_TEXTURE_BIT, false, true, 1, {}};
 }
 constexpr StateVariable Client(GlEnum p_name, GlBitfield p_groups, double p_initial = 0) {
   return {p_name, p_groups, true, false, 1, {p_initial}};
@@ -91,8 +91,6 @@ constexpr StateVariable Variables[] = {
     Unit(RGL_TEXTURE_BINDING_1D),
     Unit(RGL_TEXTURE_BINDING_2D),
     Unit(RGL_TEXTURE_BINDING_3D),
-    Unit(RGL_TEXTURE_ENV_MODE, RGL_MODULATE),
-    Unit(RGL_COORD_REPLACE),
     One(RGL_MAP_COLOR, RGL_PIXEL_MODE_BIT, 0),
     One(RGL_RED_SCALE, RGL_PIXEL_MODE_BIT, 1),
     One(RGL_RED_BIAS, RGL_PIXEL_MODE_BIT, 0),

@@ -29,6 +29,10 @@ struct Signature {
 /// "GL_BLEND" (or "GLU_FILL"); an unknown value in hex. Of the names that share 0 and 1, those of primitives and blend
 /// factors are chosen by the parameter's name.
 std::string EnumText(GlEnum p_value, bool p_isGlu, std::string_view p_parameter = {});
+/// The name of a constant of GL.
+inline std::string Name(GlEnum p_value) {
+  return EnumText(p_value, false);
+}
 /// The shortest string that reads back as the same value.
 std::string NumberText(double p_value);
 std::string NumberText(float p_value);
