@@ -96,13 +96,13 @@ run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${WORK_DIR}/build -G ${GENE
   -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCMAKE_PREFIX_PATH=${prefix})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 check_output(${WORK_DIR}/build/consumer "${drawn}")
-check_output(${WORK_DIR}/build/host-test "2 tests")
+check_output(${WORK_DIR}/build/host-checks "2 tests")
 
 set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIB_DIR}/pkgconfig)
 check_output(pkg-config "^${QT}\n$" --variable=qt vek-chart-library)
 run(make -s -C ${CMAKE_CURRENT_LIST_DIR} CXX=${COMPILER} OUT=${WORK_DIR}/make)
 check_output(${WORK_DIR}/make/consumer "${drawn}")
-check_output(${WORK_DIR}/make/host-test "2 tests")
+check_output(${WORK_DIR}/make/host-checks "2 tests")
 
 if(APPS)
   # A manual page names each option of its program.
