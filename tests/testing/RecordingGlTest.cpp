@@ -13,6 +13,19 @@ void Upload(Rgl& p_gl, int p_width, Ogl::GlEnum p_format, Ogl::GlEnum p_type, st
                   reinterpret_cast<const void*>(p_offset)); // NOLINT: an offset into the buffer
 }
 
+/// Draws with a vertex array in a new buffer of 36 bytes: three positions.
+template <class Call>
+void WithPositions(Rgl& p_gl, Call p_draw) {
+  unsigned int buffer = 0;
+  p_gl.GenBuffers(1, &buffer);
+  p_gl.BindBuffer(RGL_ARRAY_BUFFER, buffer);
+  p_gl.BufferData(RGL_ARRAY_BUFFER, 36, nullptr, RGL_STATIC_DRAW);
+  p_gl.VertexPointer(3, RGL_FLOAT, 0, nullptr);
+  p_gl.EnableClientState(RGL_VERTEX_ARRAY);
+  p_draw();
+  p_gl.DeleteBuffers(1, &buffer);
+}
+
 // Each row has one fault, which the recorder must name.
 TEST_F(RecordingGlCalls, ComplainsAboutMisuse) {
   const unsigned int stranger = 77;
@@ -56,11 +69,66 @@ TEST_F(RecordingGlCalls, ComplainsAboutMisuse) {
          Upload(p_gl, 5, RGL_RGBA, RGL_UNSIGNED_BYTE, 25);
          p_gl.DeleteBuffers(1, &buffer);
        }},
+      {"DrawArrays: GL_VERTEX_ARRAY reaches to byte 48 of a buffer of 36",
+       [](Rgl& p_gl) { WithPositions(p_gl, [&] { p_gl.DrawArrays(RGL_POINTS, 1, 3); }); }},
+      {"DrawElements: GL_VERTEX_ARRAY reaches to byte 48 of a buffer of 36",
+       [](Rgl& p_gl) {
+         const unsigned short indices[] = {0, 3, 1};
+         WithPositions(p_gl, [&] { p_gl.DrawElements(RGL_TRIANGLES, 3, RGL_UNSIGNED_SHORT, indices); });
+       }},
+      {"DrawArrays: the buffer of GL_VERTEX_ARRAY is mapped",
+       [](Rgl& p_gl) {
+         WithPositions(p_gl, [&] {
+           p_gl.MapBufferRange(RGL_ARRAY_BUFFER, 0, 36, RGL_MAP_WRITE_BIT);
+           p_gl.DrawArrays(RGL_POINTS, 0, 3);
+           p_gl.UnmapBuffer(RGL_ARRAY_BUFFER);
+         });
+       }},
+      {"UnmapBuffer: the buffer is not mapped",
+       [](Rgl& p_gl) { WithPositions(p_gl, [&] { p_gl.UnmapBuffer(RGL_ARRAY_BUFFER); }); }},
+      {"DrawArrays: no positions, neither the vertex array nor attribute 0 is enabled",
+       [](Rgl& p_gl) { p_gl.DrawArrays(RGL_POINTS, 0, 1); }},
+      {"DrawElements: no indices", [](Rgl& p_gl) { p_gl.DrawElements(RGL_POINTS, 1, RGL_UNSIGNED_INT, nullptr); }},
+      {"BufferData: no buffer is bound to GL_ARRAY_BUFFER",
+       [](Rgl& p_gl) { p_gl.BufferData(RGL_ARRAY_BUFFER, 1, nullptr, RGL_STATIC_DRAW); }},
+      {"Ortho: an empty volume", [](Rgl& p_gl) { p_gl.Ortho(0, 1, 2, 2, -1, 1); }},
+      {"GenerateMipmap: the texture has no level 0",
+       [](Rgl& p_gl) {
+         const boost::shared_ptr<Ogl::Texture> texture = p_gl.GenTexture();
+         p_gl.Bind(texture, Rgl::Sampler2D);
+         p_gl.GenerateMipmap(RGL_TEXTURE_2D);
+       }},
   };
   for (const auto& [complaint, call] : cases) {
     Testing::RecordingGl fresh;
     call(*Scope(fresh.Handle()));
     EXPECT_EQ(fresh.Complaints(), Lines{complaint});
+  }
+}
+
+TEST_F(RecordingGlCalls, KeepsStateThatCallsSet) {
+  const double matrix[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
+  gl->Scissor(1, 2, 3, 4);
+  gl->CullFace(RGL_FRONT);
+  gl->FrontFace(RGL_CW);
+  gl->ShadeModel(RGL_FLAT);
+  gl->PointSize(2.5f);
+  gl->ClientActiveTexture(RGL_TEXTURE1);
+  gl->MatrixMode(RGL_PROJECTION);
+  gl->LoadMatrixd(matrix);
+  const std::pair<Ogl::GlEnum, std::vector<double>> cases[] = {
+      {RGL_SCISSOR_BOX, {1, 2, 3, 4}},
+      {RGL_CULL_FACE_MODE, {RGL_FRONT}},
+      {RGL_FRONT_FACE, {RGL_CW}},
+      {RGL_SHADE_MODEL, {RGL_FLAT}},
+      {RGL_POINT_SIZE, {2.5}},
+      {RGL_CLIENT_ACTIVE_TEXTURE, {RGL_TEXTURE1}},
+      {RGL_PROJECTION_MATRIX, {std::begin(matrix), std::end(matrix)}},
+  };
+  for (const auto& [name, expected] : cases) {
+    std::vector<double> values(expected.size());
+    gl->GetDoublev(name, values.data());
+    EXPECT_EQ(values, expected) << name;
   }
 }
 
