@@ -43,27 +43,27 @@ struct Option {
 };
 
 constexpr Option AllOptions[] = {
-    {"--out", "DIR", "where the pictures and index.html go (gallery)",
+    {"out", "DIR", "where the pictures and index.html go (gallery)",
      [](Options& p_options, const std::string& p_value) { p_options.out = p_value; }},
-    {"--only", "NAME", "make this picture only; may be given again",
+    {"only", "NAME", "make this picture only; may be given again",
      [](Options& p_options, const std::string& p_value) { p_options.only.push_back(CheckedName(p_value)); }},
-    {"--size", "WxH", "pixels of a picture (1600x1000)",
+    {"size", "WxH", "pixels of a picture (1600x1000)",
      [](Options& p_options, const std::string& p_value) { p_options.size = ParseSize(p_value); }},
-    {"--data", "FOLDER", "the folder with data/, symbols/ and sprites/ (found from the program's own place)",
+    {"data", "FOLDER", "the folder with data/, symbols/ and sprites/ (found from the program's own place)",
      [](Options& p_options, const std::string& p_value) { p_options.data = p_value; }},
-    {"--winds", "FILE", "winds of your own: columns lon,lat,u,v or longitude,latitude,dir,speed (dir: where from)",
+    {"winds", "FILE", "winds of your own: columns lon,lat,u,v or longitude,latitude,dir,speed (dir: where from)",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.winds = p_value; }},
-    {"--quakes", "FILE", "earthquakes of your own: a table with the columns lon,lat,depth_km,mag",
+    {"quakes", "FILE", "earthquakes of your own: a table with the columns lon,lat,depth_km,mag",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.quakes = p_value; }},
-    {"--relief", "FILE", "a height grid for the maps: \"nx ny x0 dx y0 dy\", then ny rows of nx metres",
+    {"relief", "FILE", "a height grid for the maps: \"nx ny x0 dx y0 dy\", then ny rows of nx metres",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.relief = p_value; }},
-    {"--hdr", "FILE.hdr", "a Radiance panorama of your own",
+    {"hdr", "FILE.hdr", "a Radiance panorama of your own",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.hdr = p_value; }},
-    {"--volume", "FILE", "a volume of your own: \"TextArray nx 1 ny nz\", then the numbers, x fastest",
+    {"volume", "FILE", "a volume of your own: \"TextArray nx 1 ny nz\", then the numbers, x fastest",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.volume = p_value; }},
-    {"--model", "FILE.obj", "a model of your own, shown among the symbols",
+    {"model", "FILE.obj", "a model of your own, shown among the symbols",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.model = p_value; }},
-    {"--flow", "FILE",
+    {"flow", "FILE",
      "a flow in space of your own: \"# dims nx ny nz origin x y z spacing dx dy dz\", then a table with the columns "
      "u,v,w, x fastest",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.flow = p_value; }},
@@ -72,20 +72,17 @@ constexpr Option AllOptions[] = {
 } // namespace
 
 Options ParseOptions(const std::vector<std::string>& p_arguments, const Options& p_defaults) {
+  std::vector<CommandLine::Option> known;
+  for (const Option& option : AllOptions)
+    known.push_back({option.name, option.value});
+  const CommandLine line(p_arguments, known);
+  if (!line.Files().empty())
+    throw UsageError("unknown option '" + line.Files().front() + "'; --help lists what there is");
   Options options = p_defaults;
-  for (auto argument = p_arguments.begin(); argument != p_arguments.end(); ++argument) {
-    if (*argument == "--help" || *argument == "-h") {
-      options.help = true;
-      continue;
-    }
-    const auto option = std::find_if(std::begin(AllOptions), std::end(AllOptions),
-                                     [&](const Option& p_option) { return *argument == p_option.name; });
-    if (option == std::end(AllOptions))
-      throw UsageError("unknown option '" + *argument + "'; --help lists what there is");
-    if (std::next(argument) == p_arguments.end() || std::next(argument)->empty())
-      throw UsageError(*argument + " needs a value: " + option->value);
-    option->take(options, *++argument);
-  }
+  options.help = line.Help();
+  for (const Option& option : AllOptions)
+    for (const std::string& value : line.Values(option.name))
+      option.take(options, value);
   return options;
 }
 
@@ -97,7 +94,7 @@ std::string HelpText() {
             p_help + "\n";
   };
   for (const Option& option : AllOptions)
-    add(std::string(option.name) + " " + option.value, option.help);
+    add("--" + std::string(option.name) + " " + option.value, option.help);
   add("--help", "this text");
   text += "\nPictures:\n";
   for (const PictureEntry& entry : Pictures())

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "apps/gallery/CommandLine.h"
 #include "apps/gallery/Picture.h"
 
 #include "platform/types/Size.h"
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -20,13 +20,7 @@ struct Options {
   Inputs inputs;
 };
 
-/// A command line that means nothing; the text is one line that says why.
-class UsageError : public std::runtime_error {
-public:
-  using std::runtime_error::runtime_error;
-};
-
-/// Reads the arguments after the program's name. `p_defaults` holds what is not said. Throws UsageError.
+/// Reads the arguments after the program's name; `p_defaults` holds what they do not set. Throws UsageError.
 Options ParseOptions(const std::vector<std::string>& p_arguments, const Options& p_defaults);
 /// The text that --help prints.
 std::string HelpText();

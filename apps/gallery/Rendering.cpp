@@ -2,6 +2,8 @@
 
 #include "platform/ogl/OffscreenContext.h"
 
+#include <QString>
+
 namespace Vek::Chart::Gallery {
 
 namespace {
@@ -19,25 +21,7 @@ int Samples(const PictureEntry& p_entry, Types::Size p_size) {
 }
 
 std::string Escaped(const std::string& p_text) {
-  std::string result;
-  for (const char c : p_text)
-    switch (c) {
-    case '&':
-      result += "&amp;";
-      break;
-    case '<':
-      result += "&lt;";
-      break;
-    case '>':
-      result += "&gt;";
-      break;
-    case '"':
-      result += "&quot;";
-      break;
-    default:
-      result += c;
-    }
-  return result;
+  return QString::fromStdString(p_text).toHtmlEscaped().toStdString();
 }
 
 } // namespace

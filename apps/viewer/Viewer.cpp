@@ -1,5 +1,6 @@
 // vek-viewer: shows the pictures of the gallery, and files of the user's, in a window.
 
+#include "apps/gallery/CommandLine.h"
 #include "apps/gallery/DataFolder.h"
 #include "apps/gallery/TextTable.h"
 #include "apps/viewer/DarkTheme.h"
@@ -20,13 +21,12 @@ constexpr int ExitUsage = 2;
 
 constexpr const char* Help =
     "Usage: vek-viewer [--scene NAME] [--data FOLDER] [file]\n"
-    "Shows the scenes of the gallery in a window, or a file of your own: an OBJ model, a Radiance picture, a volume,\n"
+    "Shows the scenes of the gallery in a window, or a file of your own: an OBJ model, a Radiance image, a volume,\n"
     "a table of winds or earthquakes, or a flow on a grid.\n\n"
-    "  --scene NAME    the scene to begin with\n"
+    "  --scene NAME    the first scene\n"
     "  --data FOLDER   the folder with data/, symbols/ and sprites/ (found from the program's own place)\n"
     "  --help          this text\n\n"
-    "Left button: turn. Middle button, or shift and left: move. Right button or wheel: come nearer. R or Home: "
-    "reset.\n";
+    "Drag to rotate. Middle-drag or Shift+drag to pan. Right-drag or scroll to zoom. R or Home resets the view.\n";
 
 struct Arguments {
   bool help = false;
@@ -35,28 +35,12 @@ struct Arguments {
   std::string file;
 };
 
-class UsageError : public std::runtime_error {
-public:
-  using std::runtime_error::runtime_error;
-};
-
 Arguments Parse(const std::vector<std::string>& p_arguments) {
-  Arguments result;
-  for (auto argument = p_arguments.begin(); argument != p_arguments.end(); ++argument) {
-    if (*argument == "--help" || *argument == "-h") {
-      result.help = true;
-    } else if (*argument == "--scene" || *argument == "--data") {
-      std::string& value = *argument == "--scene" ? result.picture : result.data;
-      if (++argument == p_arguments.end())
-        throw UsageError(*std::prev(argument) + " needs a value");
-      value = *argument;
-    } else if (argument->compare(0, 1, "-") == 0 || !result.file.empty()) {
-      throw UsageError("unknown argument '" + *argument + "'; --help lists what there is");
-    } else {
-      result.file = *argument;
-    }
-  }
-  return result;
+  const Gallery::CommandLine line(p_arguments, {{"scene", ""}, {"data", ""}}, "argument");
+  const std::vector<std::string> files = line.Files();
+  if (files.size() > 1)
+    throw Gallery::UsageError("unknown argument '" + files[1] + "'; --help lists what there is");
+  return {line.Help(), line.Value("scene"), line.Value("data"), files.empty() ? "" : files.front()};
 }
 
 /// The number of a picture in the gallery.
@@ -68,7 +52,7 @@ int RowOf(const std::string& p_picture) {
       return row;
     names += (row++ == 0 ? "" : ", ") + entry.name;
   }
-  throw UsageError("there is no scene '" + p_picture + "'; there are: " + names);
+  throw Gallery::UsageError("there is no scene '" + p_picture + "'; there are: " + names);
 }
 
 /// Instead of the core dump that Qt makes when it finds no display.
@@ -112,7 +96,7 @@ int Run(int p_argc, char** p_argv) {
 int main(int argc, char** argv) {
   try {
     return Run(argc, argv);
-  } catch (const UsageError& error) {
+  } catch (const Gallery::UsageError& error) {
     std::fprintf(stderr, "vek-viewer: %s\n", error.what());
     return ExitUsage;
   } catch (const std::exception& error) {
