@@ -90,6 +90,11 @@ Scene::View PictureView::View() const {
   return {_orbit.Camera(), PictureFrame(qRound(width() * ratio), qRound(height() * ratio))};
 }
 
+Types::Viewport<0> PictureView::CameraViewport() const {
+  const Scene::View view = View();
+  return _shown.picture ? _shown.picture->SurfaceViewport(view) : view.viewport;
+}
+
 QImage PictureView::Image() {
   _isMoving = false;
   return grabFramebuffer().convertToFormat(QImage::Format_RGB32);
@@ -219,10 +224,11 @@ void PictureView::mouseMoveEvent(QMouseEvent* p_event) {
     _pointSoon.start(0);
     return;
   }
+  const QPointF pixels = moved * devicePixelRatioF();
   if (buttons.testFlag(Qt::MiddleButton) || (buttons.testFlag(Qt::LeftButton) && shift))
-    _orbit.Pan(moved * devicePixelRatioF(), static_cast<double>(View().viewport.height));
+    _orbit.Pan(pixels.x(), -pixels.y(), CameraViewport());
   else if (buttons.testFlag(Qt::LeftButton))
-    _orbit.Orbit(moved);
+    _orbit.Rotate(moved.x(), -moved.y());
   else if (buttons.testFlag(Qt::RightButton))
     _orbit.Zoom(-moved.y() / 24); // that many pixels are a notch of the wheel
   Move();
@@ -230,7 +236,9 @@ void PictureView::mouseMoveEvent(QMouseEvent* p_event) {
 
 void PictureView::wheelEvent(QWheelEvent* p_event) {
   constexpr double Notch = 120;
-  _orbit.Zoom(p_event->angleDelta().y() / Notch);
+  const QPointF pixel = p_event->position() * devicePixelRatioF();
+  const double top = qRound(height() * devicePixelRatioF());
+  _orbit.Zoom(p_event->angleDelta().y() / Notch, {pixel.x(), top - pixel.y(), true}, CameraViewport());
   Move();
 }
 

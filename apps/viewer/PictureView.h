@@ -1,10 +1,10 @@
 #pragma once
 
-#include "apps/viewer/OrbitController.h"
 #include "apps/viewer/ShownPicture.h"
 #include "apps/viewer/SurfacePicker.h"
 
 #include "apps/gallery/Picture.h"
+#include "scene/OrbitController.h"
 
 #include <QColor>
 #include <QElapsedTimer>
@@ -18,8 +18,8 @@
 
 namespace Vek::Chart::Viewer {
 
-/// Shows a picture in a window and lets a mouse move around it: the left button turns, the middle one (or shift and the
-/// left) slides, the right one and the wheel come nearer. Without a button, the surface below the pointer is told.
+/// Shows a picture in a window. Drag to rotate, middle-drag or Shift-drag to pan, right-drag to zoom, scroll to zoom to
+/// the cursor. Without a button, Pointed reports the surface under the cursor.
 ///
 /// It draws when something has changed, and only then. While a hand moves the camera of a picture that takes long to
 /// draw, edges are not smoothed. The GL objects of pictures are released with the widget's context current: when
@@ -90,12 +90,14 @@ private:
   /// Continues the background of pictures above and below one.
   void DrawAround(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_picture) const;
   void SurfacesChanged();
+  /// The part of the widget that the camera fills, in pixels of the device.
+  Types::Viewport<0> CameraViewport() const;
   void Point();
 
   Utility::Unscoped<Rgl> _gl;
   Content _shown;
   Content _incoming; ///< not drawn yet
-  OrbitController _orbit;
+  Scene::OrbitController _orbit;
   std::optional<SurfacePicker> _picker;
   QTimer _pointSoon;               ///< once for all moves of the pointer that wait in the queue
   std::optional<QPointF> _pointer; ///< while it is above the widget
