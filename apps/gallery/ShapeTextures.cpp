@@ -17,6 +17,8 @@ boost::shared_ptr<Ogl::Texture> VoxelTexture(Utility::Scoped<Rgl>& p_gl) {
   for (std::size_t i = 0; i < texels.size(); ++i)
     texels[i] = {level(i % Side), level(i / Side % Side), level(i / Side / Side), 255};
   const boost::shared_ptr<Ogl::Texture> texture = p_gl->GenTexture();
+  if (!texture) // reported; the texels would go into the host's texture
+    return {};
   const auto state = p_gl->PushAttribScope(RGL_TEXTURE_BIT);
   p_gl->Bind(texture, Rgl::Sampler3D);
   p_gl->TexImage3D(RGL_TEXTURE_3D, 0, RGL_RGBA8, Side, Side, Side, 0, RGL_RGBA, RGL_UNSIGNED_BYTE, texels.data());

@@ -10,7 +10,7 @@
 /// The textures of the picture of all shapes.
 namespace Vek::Chart::Gallery {
 
-/// A 3-D texture whose voxels have their coordinates as colours.
+/// A 3-D texture whose voxels have their coordinates as colours; empty where GL makes no texture, which is reported.
 boost::shared_ptr<Ogl::Texture> VoxelTexture(Utility::Scoped<Rgl>& p_gl);
 /// A rounded panel with a dot in each corner, of three by three borders.
 QImage PanelImage(int p_border);
