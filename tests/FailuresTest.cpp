@@ -66,6 +66,11 @@ boost::shared_ptr<ObjModel> Triangle() {
   return LoadPolygonObj(text);
 }
 
+boost::shared_ptr<ObjModel> Square() {
+  std::istringstream text("v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3\nf 1 3 4\n");
+  return LoadPolygonObj(text);
+}
+
 const vekfile::filepath Symbols(VEK_SOURCE_DIR "/symbols");
 constexpr Types::Viewport<0> Window(0, 0, 61, 37);
 
@@ -193,8 +198,11 @@ const std::vector<Subject>& Subjects() {
       {"ModelCache",
        [](const Handle& p_handle) -> Use {
          const auto cache = boost::make_shared<ModelCache>(p_handle);
-         const boost::shared_ptr<ObjModel> model = Triangle();
-         return [=](Scope& p_gl) { ModelDraw(cache->GetModel(cache->Register(*model))).Draw(p_gl); };
+         const boost::shared_ptr<ObjModel> triangle = Triangle(), square = Square();
+         return [=](Scope& p_gl) {
+           cache->Register(*triangle);
+           ModelDraw(cache->GetModel(cache->Register(*square))).Draw(p_gl);
+         };
        }},
       Fresh("SymbolRegistry",
             [](const Handle& p_handle, Scope&) {
@@ -383,6 +391,7 @@ TEST_P(FailuresPixels, LeaveNothingBehind) {
         gl->ClearColor(Qt::black);
         gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
         p_use(gl);
+        gl->Viewport(0, 0, 30, 37); // the right half shows the use, the left one what it has left bound
         DrawTexturedSquare(gl, 1);
         gl->CheckError("the use");
       }
