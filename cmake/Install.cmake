@@ -12,7 +12,7 @@ set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/vek-chart-library)
 # Libraries lie side by side; programs find them relative to their own folder.
 set(lib_from_bin /${CMAKE_INSTALL_LIBDIR})
 cmake_path(RELATIVE_PATH lib_from_bin BASE_DIRECTORY /${CMAKE_INSTALL_BINDIR})
-set(libraries vek-platform vek-chart-library vek-chart-scene)
+set(libraries vek-platform vek-chart-library vek-chart-io vek-chart-scene)
 set_target_properties(${libraries} PROPERTIES INSTALL_RPATH $ORIGIN)
 foreach(target IN LISTS libraries)
   target_include_directories(${target} INTERFACE $<INSTALL_INTERFACE:${header_dir}>)
@@ -30,7 +30,7 @@ foreach(program vek-gallery vek-viewer)
   endif()
 endforeach()
 
-install(DIRECTORY platform algorithms library scene DESTINATION ${header_dir} COMPONENT development
+install(DIRECTORY platform algorithms library io scene DESTINATION ${header_dir} COMPONENT development
   FILES_MATCHING PATTERN "*.h" PATTERN private EXCLUDE)
 install(DIRECTORY data symbols sprites DESTINATION ${share_dir} COMPONENT data)
 install(FILES README.md CONTRIBUTING.md CHANGELOG.md CREDITS.md LICENSE DESTINATION ${doc_dir} COMPONENT documentation)

@@ -69,7 +69,7 @@ foreach(page IN LISTS pages)
 endforeach()
 
 # The libraries export the project's names, without hidden state, and the exceptions that callers catch; nothing else.
-foreach(library vek-platform vek-chart-library vek-chart-scene)
+foreach(library vek-platform vek-chart-library vek-chart-io vek-chart-scene)
   execute_process(COMMAND nm -DC --defined-only ${prefix}/${LIB_DIR}/lib${library}.so COMMAND cut -c20-
     OUTPUT_VARIABLE exported COMMAND_ERROR_IS_FATAL ANY)
   file(WRITE ${WORK_DIR}/exported "${exported}")

@@ -1,0 +1,308 @@
+#include "io/ReadTable.h"
+
+#include "io/FileError.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <deque>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <sstream>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Vek::Chart::Io {
+
+namespace {
+
+constexpr std::size_t LongestLine = 16u << 20;
+// Separators that are no single character.
+constexpr char Blanks = ' ';     // one or more blanks or tabs
+constexpr char OneColumn = '\n'; // no cell contains it
+
+std::string_view Trimmed(std::string_view p_text) {
+  const std::size_t first = p_text.find_first_not_of(" \t");
+  return first == std::string_view::npos ? std::string_view()
+                                         : p_text.substr(first, p_text.find_last_not_of(" \t") - first + 1);
+}
+
+bool IsUtf16(std::string_view p_text) {
+  return p_text.substr(0, 2) == "\xFF\xFE" || p_text.substr(0, 2) == "\xFE\xFF";
+}
+
+/// All of a stream, without a byte order mark. A line without end is refused before it fills the memory.
+std::string ReadAll(std::istream& p_stream, const std::string& p_name) {
+  std::string text;
+  std::vector<char> block(1u << 20);
+  std::size_t lineStart = 0;
+  while (p_stream) {
+    p_stream.read(block.data(), static_cast<std::streamsize>(block.size()));
+    const std::string_view read(block.data(), static_cast<std::size_t>(p_stream.gcount()));
+    text += read;
+    if (IsUtf16(text))
+      throw FileError(p_name, "expected UTF-8, got UTF-16; save the file as UTF-8");
+    if (read.find('\0') != std::string_view::npos)
+      throw FileError(p_name, "expected a table of text, got binary data");
+    if (const std::size_t end = read.find_last_of("\n\r"); end != std::string_view::npos)
+      lineStart = text.size() - read.size() + end;
+    if (text.size() - lineStart > LongestLine)
+      throw FileError(p_name, "a line is longer than 16 MiB");
+  }
+  if (p_stream.bad())
+    throw FileError(p_name, "reading failed");
+  if (text.compare(0, 3, "\xEF\xBB\xBF") == 0)
+    text.erase(0, 3);
+  return text;
+}
+
+/// The rows of a text, one at a time, as cells.
+class RowReader {
+public:
+  RowReader(std::string_view p_text, const std::string& p_name, char p_separator)
+      : _text(p_text)
+      , _name(p_name)
+      , _separator(p_separator) {}
+
+  /// Moves to the next row that is neither blank nor a comment; false at the end.
+  bool Next() {
+    if (!SkipToRow())
+      return false;
+    _row = _line;
+    _cells.clear();
+    _unquoted.clear();
+    do {
+      SkipBlanks();
+      _cells.push_back(_at < _text.size() && _text[_at] == '"' ? Quoted() : Plain());
+    } while (SkipSeparator());
+    return true;
+  }
+
+  const std::vector<std::string_view>& Cells() const { return _cells; }
+  /// The line on which the row starts, from 1.
+  std::size_t Line() const { return _row; }
+  /// The last comment before the row, without its '#'.
+  std::string_view Comment() const { return _comment; }
+  /// The text from the start of the current row to the end of its line.
+  std::string_view RestOfLine() const { return _text.substr(_start, LineEnd(_start) - _start); }
+
+private:
+  std::size_t LineEnd(std::size_t p_from) const { return std::min(_text.find_first_of("\n\r", p_from), _text.size()); }
+  bool AtLineEnd() const { return _at >= _text.size() || _text[_at] == '\n' || _text[_at] == '\r'; }
+  bool AtBlank() const {
+    return _at < _text.size() && (_text[_at] == ' ' || (_text[_at] == '\t' && _separator != '\t'));
+  }
+  void SkipBlanks() {
+    while (AtBlank())
+      ++_at;
+  }
+  void SkipLineEnd() {
+    if (_at < _text.size())
+      _at += _text.compare(_at, 2, "\r\n") == 0 ? 2 : 1;
+    ++_line;
+  }
+  bool SkipToRow() {
+    for (; _at < _text.size(); SkipLineEnd()) {
+      _start = _at;
+      const std::string_view line = Trimmed(RestOfLine());
+      if (!line.empty() && line.front() != '#')
+        return true;
+      if (!line.empty())
+        _comment = line.substr(1);
+      _at = LineEnd(_at);
+    }
+    return false;
+  }
+
+  std::string_view Plain() {
+    const std::size_t start = _at;
+    while (!AtLineEnd() && !(_separator == Blanks ? AtBlank() : _text[_at] == _separator))
+      ++_at;
+    return Trimmed(_text.substr(start, _at - start));
+  }
+  std::string_view Quoted() {
+    const std::size_t line = _line;
+    std::string& cell = _unquoted.emplace_back();
+    for (++_at;; ++_at) {
+      if (_at >= _text.size())
+        throw FileError(_name, line, "a quote that ends", _text.substr(_start));
+      if (_text[_at] == '"' && _text.compare(_at, 2, "\"\"") != 0)
+        break;
+      if (_text[_at] == '"')
+        ++_at;
+      if (_text[_at] == '\n' || (_text[_at] == '\r' && _text.compare(_at, 2, "\r\n") != 0))
+        ++_line;
+      cell += _text[_at];
+    }
+    ++_at;
+    return cell;
+  }
+  /// Whether another cell follows; otherwise moves to the next line.
+  bool SkipSeparator() {
+    const std::size_t end = _at;
+    SkipBlanks();
+    if (AtLineEnd()) {
+      SkipLineEnd();
+      return false;
+    }
+    if (_separator == Blanks ? _at > end : _text[_at] == _separator) {
+      _at += _separator == Blanks ? 0 : 1;
+      return true;
+    }
+    throw FileError(_name, _line, "a separator after a quote", _text.substr(_at, LineEnd(_at) - _at));
+  }
+
+  std::string_view _text;
+  const std::string& _name;
+  char _separator;
+  std::size_t _at = 0;
+  std::size_t _start = 0;
+  std::size_t _line = 1;
+  std::size_t _row = 0;
+  std::string_view _comment;
+  std::vector<std::string_view> _cells;
+  std::deque<std::string> _unquoted; // whose strings stay where they are
+};
+
+bool IsMissing(std::string_view p_cell) {
+  constexpr std::array<std::string_view, 8> Missing{"", "NA", "N/A", "na", "n/a", "null", "-", "--"};
+  return std::find(Missing.begin(), Missing.end(), p_cell) != Missing.end();
+}
+
+/// A number or NaN for a missing one; none for other cells.
+std::optional<double> Number(std::string_view p_cell, bool p_decimalComma) {
+  if (!p_cell.empty() && p_cell.front() == '+')
+    p_cell.remove_prefix(1);
+  const auto parse = [](std::string_view p_text, double& p_number) {
+    const char* const last = p_text.data() + p_text.size();
+    const auto [end, error] = std::from_chars(p_text.data(), last, p_number);
+    return end == last && (error == std::errc() || error == std::errc::result_out_of_range) && !p_text.empty();
+  };
+  double number = 0;
+  if (parse(p_cell, number))
+    return number;
+  if (IsMissing(p_cell))
+    return std::numeric_limits<double>::quiet_NaN();
+  if (!p_decimalComma || std::count(p_cell.begin(), p_cell.end(), ',') != 1)
+    return {};
+  std::string point(p_cell);
+  std::replace(point.begin(), point.end(), ',', '.');
+  return parse(point, number) ? std::optional(number) : std::nullopt;
+}
+
+/// The number of cells in the first two rows when they are split by a separator.
+std::array<std::size_t, 2> CountCells(const std::string& p_text, const std::string& p_name, char p_separator) {
+  std::array<std::size_t, 2> counts{};
+  try {
+    RowReader reader(p_text, p_name, p_separator);
+    for (std::size_t& count : counts)
+      count = reader.Next() ? reader.Cells().size() : counts[0];
+  } catch (const FileError&) {
+    return {counts[0], 0}; // a quote within a cell of this separator
+  }
+  return counts;
+}
+
+/// The separator that gives the first two rows as many cells each, most of them if there are several; blanks only if no
+/// other one divides them.
+char FindSeparator(const std::string& p_text, const std::string& p_name) {
+  char separator = OneColumn;
+  std::size_t most = 1;
+  for (const bool equal : {true, false})
+    for (const char candidate : {'\t', ';', ',', Blanks}) {
+      const auto [first, second] = CountCells(p_text, p_name, candidate);
+      if (first <= most || (candidate == Blanks && (!equal || separator != OneColumn)) || (equal && first != second))
+        continue;
+      separator = candidate;
+      most = first;
+    }
+  return separator;
+}
+
+std::vector<std::string> Words(std::string_view p_text) {
+  std::istringstream stream{std::string(p_text)};
+  return {std::istream_iterator<std::string>(stream), {}};
+}
+
+/// The names of the columns, and whether the first row has them.
+bool TakeNames(const RowReader& p_reader, bool p_decimalComma, std::vector<Table::Column>& p_columns) {
+  const auto& cells = p_reader.Cells();
+  const bool header =
+      std::any_of(cells.begin(), cells.end(), [&](std::string_view p_cell) { return !Number(p_cell, p_decimalComma); });
+  const std::vector<std::string> comment = Words(p_reader.Comment());
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    p_columns.emplace_back();
+    if (header)
+      p_columns[i].name = std::string(cells[i]);
+    else
+      p_columns[i].name = comment.size() == cells.size() ? comment[i] : std::to_string(i + 1);
+  }
+  return header;
+}
+
+/// Reads the cells of all rows: as numbers, and as strings where `p_strings`. Columns with another cell are marked.
+void ReadRows(RowReader& p_reader, bool p_header, const std::string& p_name, bool p_decimalComma, bool p_strings,
+              std::vector<Table::Column>& p_columns) {
+  const std::size_t firstLine = p_reader.Line();
+  bool more = !p_header || p_reader.Next();
+  for (std::size_t row = 0; more; more = p_reader.Next(), ++row) {
+    const auto& cells = p_reader.Cells();
+    if (cells.size() != p_columns.size())
+      throw FileError(p_name, p_reader.Line(),
+                      std::to_string(p_columns.size()) + " cells as in line " + std::to_string(firstLine),
+                      p_reader.RestOfLine());
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      Table::Column& column = p_columns[i];
+      if (column.stringLine != 0) {
+        if (p_strings)
+          column.strings.emplace_back(cells[i]);
+      } else if (const std::optional<double> number = Number(cells[i], p_decimalComma); !p_strings && number) {
+        column.numbers.push_back(*number);
+      } else if (!p_strings) {
+        column.stringRow = row;
+        column.stringLine = p_reader.Line();
+        column.numbers = {};
+      }
+    }
+  }
+}
+
+} // namespace
+
+Table ReadTable(std::istream& p_stream, const std::string& p_name) {
+  const std::string text = ReadAll(p_stream, p_name);
+  const char separator = FindSeparator(text, p_name);
+  const bool decimalComma = separator != ',';
+  std::vector<Table::Column> columns;
+  const auto read = [&](bool p_strings) {
+    RowReader reader(text, p_name, separator);
+    if (!reader.Next())
+      throw FileError(p_name, "expected a table, got no rows");
+    std::vector<Table::Column> names;
+    const bool header = TakeNames(reader, decimalComma, names);
+    if (columns.empty())
+      columns = names;
+    ReadRows(reader, header, p_name, decimalComma, p_strings, columns);
+  };
+  read(false);
+  // A column may turn out to have strings late; numbers do not keep their spelling.
+  if (std::any_of(columns.begin(), columns.end(),
+                  [](const Table::Column& p_column) { return p_column.stringLine != 0; }))
+    read(true);
+  return Table(p_name, std::move(columns));
+}
+
+Table ReadTable(const std::string& p_path) {
+  errno = 0;
+  std::ifstream file(p_path, std::ios::binary);
+  if (!file)
+    throw FileError(p_path, std::string("cannot be opened: ") + std::strerror(errno));
+  return ReadTable(file, p_path);
+}
+
+} // namespace Vek::Chart::Io

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "io/Export.h"
+#include "io/Table.h"
+
+#include <istream>
+#include <string>
+
+namespace Vek::Chart::Io {
+
+/// Reads a table of text: CSV and its relatives, in UTF-8 or ASCII.
+///
+/// - Cells are separated by commas, semicolons, tabs or blanks, whichever gives the first two rows as many cells. A
+///   cell may stand in double quotes, in which a doubled quote is a quote and line breaks are part of the cell. Lines end in
+///   LF, CR LF or CR. Blank lines and lines that start with '#' are skipped.
+/// - The first line has the names of the columns, unless all its cells are numbers or missing; the names are then those
+///   of the last comment before it if that has as many words ("# lon lat speed"), otherwise "1", "2", ….
+/// - A cell is a number as std::from_chars reads it, with an optional '+'; where the separator is not a comma, with a
+///   decimal comma as well. Empty cells, "NA", "N/A", "null", "-" and "--" are missing: NaN. A column with any other
+///   cell has strings.
+///
+/// Throws FileError with path and line for a file that cannot be opened or read, is empty, in UTF-16 or binary, has a
+/// row with more or fewer cells than the first line, a quote that does not end, or a line beyond 16 MiB.
+/// \ingroup files
+VEK_IO_API Table ReadTable(const std::string& p_path);
+/// Likewise, from a stream; `p_name` takes the place of the path in messages.
+VEK_IO_API Table ReadTable(std::istream& p_stream, const std::string& p_name);
+
+} // namespace Vek::Chart::Io

@@ -1,0 +1,95 @@
+#include "io/ReadTable.h"
+#include "io/FileError.h"
+#include "tests/support/ErrorOf.h"
+#include "tests/support/Test.h"
+
+using namespace Vek::Chart::Io;
+
+namespace {
+
+Table Read(const std::string& p_text) {
+  std::istringstream stream(p_text);
+  return ReadTable(stream, "t.csv");
+}
+
+/// "name:cell cell …" for each column; NaN is "?".
+std::string Text(const Table& p_table) {
+  std::ostringstream text;
+  for (const Table::Column& column : p_table.Columns()) {
+    text << column.name << ':';
+    for (const double number : column.numbers)
+      std::isnan(number) ? text << " ?" : text << ' ' << number;
+    for (const std::string& string : column.strings)
+      text << " '" << string << '\'';
+    text << '\n';
+  }
+  return text.str();
+}
+
+} // namespace
+
+TEST(ReadTable, TakesTheDialectsOfTables) {
+  const std::tuple<const char*, std::string, std::string> cases[] = {
+      {"commas", "lon,lat\n1,2\n-3,4e2\n", "lon: 1 -3\nlat: 2 400\n"},
+      {"no line feed at the end, CR LF, blanks around", "a , b\r\n 1 , +2\r\n3,4", "a: 1 3\nb: 2 4\n"},
+      {"CR alone", "a,b\r1,2\r3,4\r", "a: 1 3\nb: 2 4\n"},
+      {"byte order mark",
+       "\xEF\xBB\xBF"
+       "a,b\n1,2\n",
+       "a: 1\nb: 2\n"},
+      {"semicolons and decimal commas", "a;b\n1,5;2\n-0,25;1.5\n", "a: 1.5 -0.25\nb: 2 1.5\n"},
+      {"tabs with empty cells", "a\tb\tc\n1\t\t3\n\t2\t\n", "a: 1 ?\nb: ? 2\nc: 3 ?\n"},
+      {"blanks", "# x y z\n 1  2\t3\n4 5 6 \n", "x: 1 4\ny: 2 5\nz: 3 6\n"},
+      {"no names", "1,2\n3,4\n", "1: 1 3\n2: 2 4\n"},
+      {"comments and blank lines", "a,b\n# c\n\n1,2\n   \n#\n3,4\n", "a: 1 3\nb: 2 4\n"},
+      {"missing", "a,b,c\nNA,,nan\n1,--,N/A\n", "a: ? 1\nb: ? ?\nc: ? ?\n"},
+      {"a missing cell in the first row of numbers", "1,,3\n4,5,6\n", "1: 1 4\n2: ? 5\n3: 3 6\n"},
+      {"quotes", "\"a, \"\"b\"\"\",c\n\"1\",\"x\ny\"\n2 , \"z\" \n", "a, \"b\": 1 2\nc: 'x\ny' 'z'\n"},
+      {"strings that come late keep the spelling", "a,b\n1.50,1\nx,2\n,3\n", "a: '1.50' 'x' ''\nb: 1 2 3\n"},
+      {"one column with a blank in its name", "wind speed\n1\n2\n", "wind speed: 1 2\n"},
+      {"commas within cells of semicolons", "a, b;c\nx, y;2\n", "a, b: 'x, y'\nc: 2\n"},
+      {"one column", "depth\n1\n2\n", "depth: 1 2\n"},
+      {"names alone", "a,b\n", "a:\nb:\n"},
+  };
+  for (const auto& [name, text, expected] : cases)
+    EXPECT_EQ(Text(Read(text)), expected) << name;
+}
+
+TEST(ReadTable, NamesFileLineAndReason) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "t.csv: expected a table, got no rows"},
+      {"# only\n", "t.csv: expected a table, got no rows"},
+      {"a,b\n1,2\n\n3\n", "t.csv:4: expected 2 cells as in line 1, got \"3\""},
+      {"a,b\n1,2,3\n", "t.csv:2: expected 2 cells as in line 1, got \"1,2,3\""},
+      {"a,b\n\"x\n\ny\",2\n1,\"2\n", "t.csv:5: expected a quote that ends, got \"1,\"2 \""},
+      {"a,b\n\"1\"2,3\n", "t.csv:2: expected a separator after a quote, got \"2,3\""},
+      {std::string("a,b\n1,\0\n", 9), "t.csv: expected a table of text, got binary data"},
+      {std::string("\xFF\xFE"
+                   "a\0",
+                   4),
+       "t.csv: expected UTF-8, got UTF-16; save the file as UTF-8"},
+      {std::string((16u << 20) + 2, '1'), "t.csv: a line is longer than 16 MiB"},
+  };
+  for (const auto& [text, message] : cases)
+    EXPECT_EQ(ErrorOf<FileError>([&] { Read(text); }), message);
+  const TempFolder folder;
+  const std::string path = folder.File("none.csv");
+  EXPECT_EQ(ErrorOf<FileError>([&] { ReadTable(path); }), path + ": cannot be opened: No such file or directory");
+  EXPECT_NE(ErrorOf<FileError>([&] { ReadTable(folder.Path().string()); }), "") << "a folder";
+}
+
+TEST(Table, GivesColumnsAndPoints) {
+  const Table table = Read("x,y,z,name\n1,2,3,a\n4,,6,b\n");
+  EXPECT_EQ(table.Rows(), 2u);
+  EXPECT_EQ(&table["z"], &table[2]);
+  EXPECT_EQ(table.Points("x", "z"), (std::vector<std::array<double, 3>>{{1, 3, 0}, {4, 6, 0}}));
+  EXPECT_EQ(table.Points("z", "x", "z")[1], (std::array<double, 3>{6, 4, 6}));
+  EXPECT_TRUE(std::isnan(table.Points("x", "y")[1][1]));
+  EXPECT_EQ(table.Strings("name"), (std::vector<std::string>{"a", "b"}));
+  const auto error = [](const auto& p_call) { return ErrorOf<std::invalid_argument>(p_call); };
+  EXPECT_EQ(error([&] { table["w"]; }), "t.csv: no column \"w\"; there are: x, y, z, name");
+  EXPECT_EQ(error([&] { table[4]; }), "t.csv: no column 4; there are 4");
+  EXPECT_EQ(error([&] { table["name"]; }), "t.csv:2: expected a number in column \"name\", got \"a\"");
+  EXPECT_EQ(error([&] { table.Strings("x"); }), "t.csv: column \"x\": expected strings, got numbers");
+  EXPECT_EQ(error([] { Table("t", {{"a", {1}, {}}, {"b", {1, 2}, {}}}); }), "t: column \"b\": expected 1 cells, got 2");
+}
