@@ -24,11 +24,11 @@ class VEK_IO_API Table {
 public:
   /// A column. The vector that its cells do not use is empty.
   struct Column {
-    std::string name;
-    std::vector<double> numbers;
-    std::vector<std::string> strings;
-    std::size_t stringRow = 0;  ///< the first row whose cell is neither a number nor missing
-    std::size_t stringLine = 0; ///< its line in the file, from 1; 0 in a column of numbers
+    std::string name;                 ///< as the first line has it
+    std::vector<double> numbers;      ///< of a column of numbers; NaN where missing
+    std::vector<std::string> strings; ///< of a column of strings
+    std::size_t stringRow = 0;        ///< the first row whose cell is neither a number nor missing
+    std::size_t stringLine = 0;       ///< its line in the file, from 1; 0 in a column of numbers
   };
 
   Table() = default; ///< no columns

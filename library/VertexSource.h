@@ -21,39 +21,44 @@
 
 namespace Vek::Chart::Library {
 
-///@{
 /// The interface of a source of elements of that many scalars.
 template <class Scalar, unsigned int Count>
 struct VertexSourceInterface {
   static_assert(Count == 0, "1 to 4 floats or doubles, one unsigned char (Boolean), or one unsigned int (index)");
 };
+/// For elements of one float.
 template <>
 struct VertexSourceInterface<float, 1> {
   using Type = DataInterface::VertexAttribute1; ///< the interface
 };
+/// For elements of two floats.
 template <>
 struct VertexSourceInterface<float, 2> {
   using Type = DataInterface::VertexAttribute2; ///< the interface
 };
+/// For elements of three floats.
 template <>
 struct VertexSourceInterface<float, 3> {
   using Type = DataInterface::VertexAttribute3; ///< the interface
 };
+/// For elements of four floats.
 template <>
 struct VertexSourceInterface<float, 4> {
   using Type = DataInterface::VertexAttribute4; ///< the interface
 };
+/// For elements of doubles, which are stored as floats.
 template <unsigned int Count>
 struct VertexSourceInterface<double, Count> : VertexSourceInterface<float, Count> {};
+/// For elements of one unsigned char.
 template <>
 struct VertexSourceInterface<unsigned char, 1> {
   using Type = DataInterface::VertexAttribute1B; ///< the interface
 };
+/// For elements of one unsigned int.
 template <>
 struct VertexSourceInterface<unsigned int, 1> {
   using Type = DataInterface::VertexIndex; ///< the interface
 };
-///@}
 
 /// Vertex data in memory as sources: objects with the interfaces of DataInterface.
 ///
