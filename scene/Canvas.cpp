@@ -1,84 +1,195 @@
 #include "scene/Canvas.h"
 
 #include "scene/Theme.h"
+#include "scene/private/FlatState.h"
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Vek::Chart::Scene {
 
-Canvas::Canvas(Utility::Scoped<Rgl>& p_gl, const View& p_view, TextRenderer& p_text)
+Canvas::Canvas(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const TextRenderer& p_text,
+               double p_pointSize)
     : _gl(p_gl)
-    , _view(p_view)
     , _text(p_text)
-    , _point(p_view.PointSize())
-    , _width(static_cast<double>(p_view.viewport.width) / p_view.PointSize())
-    , _attributes(p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_COLOR_BUFFER_BIT | RGL_TEXTURE_BIT))
-    , _projection(p_gl->PixelProjection(p_view.viewport)) {
-  for (const Ogl::GlEnum capability : {RGL_LIGHTING, RGL_DEPTH_TEST, RGL_CULL_FACE, RGL_TEXTURE_2D})
-    _gl->Disable(capability);
-  _gl->Enable(RGL_BLEND);
-  _gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
+    , _viewport(p_viewport)
+    , _point(p_pointSize > 0 ? p_pointSize : 1)
+    , _viewportState(p_gl->PushAttribScope(RGL_VIEWPORT_BIT))
+    , _flatState(FlatState(p_gl))
+    , _projection(p_gl->PixelProjection(p_viewport)) {
+  p_gl->Viewport(p_viewport);
+}
+
+Types::Viewport<0> Canvas::Part(const Rect& p_rect) const {
+  const auto pixels = [&](double p_points) { return static_cast<float>(std::floor(p_points * _point)); };
+  return {_viewport.x + pixels(p_rect.left), _viewport.y + pixels(p_rect.bottom), pixels(p_rect.right - p_rect.left),
+          pixels(p_rect.top - p_rect.bottom)};
+}
+
+void Canvas::Vertex(double p_x, double p_y) {
+  _gl->Vertex(p_x * _point, p_y * _point, 0.0);
+}
+
+double Canvas::LineWidth(double p_width) const {
+  return std::max(p_width, 1 / _point);
 }
 
 void Canvas::Fill(const Rect& p_rect, const QColor& p_lower, const QColor& p_upper) {
   _gl->Begin(RGL_QUADS);
   _gl->Color(p_lower);
-  _gl->Vertex(p_rect.left * _point, p_rect.bottom * _point, 0.0);
-  _gl->Vertex(p_rect.right * _point, p_rect.bottom * _point, 0.0);
+  Vertex(p_rect.left, p_rect.bottom);
+  Vertex(p_rect.right, p_rect.bottom);
   _gl->Color(p_upper);
-  _gl->Vertex(p_rect.right * _point, p_rect.top * _point, 0.0);
-  _gl->Vertex(p_rect.left * _point, p_rect.top * _point, 0.0);
+  Vertex(p_rect.right, p_rect.top);
+  Vertex(p_rect.left, p_rect.top);
   _gl->End();
 }
 
 void Canvas::Frame(const Rect& p_rect, double p_width, const QColor& p_color) {
-  Line(p_rect.left, p_rect.bottom, p_rect.right, p_rect.bottom, p_width, p_color);
-  Line(p_rect.left, p_rect.top, p_rect.right, p_rect.top, p_width, p_color);
-  Line(p_rect.left, p_rect.bottom, p_rect.left, p_rect.top, p_width, p_color);
-  Line(p_rect.right, p_rect.bottom, p_rect.right, p_rect.top, p_width, p_color);
+  const double half = LineWidth(p_width) / 2;
+  const Rect outer{p_rect.left - half, p_rect.bottom - half, p_rect.right + half, p_rect.top + half};
+  const Rect inner{p_rect.left + half, p_rect.bottom + half, p_rect.right - half, p_rect.top - half};
+  Fill({outer.left, outer.bottom, outer.right, inner.bottom}, p_color);
+  Fill({outer.left, inner.top, outer.right, outer.top}, p_color);
+  Fill({outer.left, inner.bottom, inner.left, inner.top}, p_color);
+  Fill({inner.right, inner.bottom, outer.right, inner.top}, p_color);
 }
 
-void Canvas::Triangle(const Place& p_a, const Place& p_b, const Place& p_c, const QColor& p_color) {
-  _gl->Color(p_color);
-  _gl->Begin(RGL_TRIANGLES);
-  for (const Place& corner : {p_a, p_b, p_c})
-    _gl->Vertex(corner.x * _point, corner.y * _point, 0.0);
-  _gl->End();
-}
-
-void Canvas::Line(double p_x0, double p_y0, double p_x1, double p_y1, double p_width, const QColor& p_color) {
+void Canvas::Line(const Position& p_from, const Position& p_to, double p_width, const QColor& p_color) {
   // A quad, since the widths that GL offers for lines differ from device to device.
-  const double length = std::hypot(p_x1 - p_x0, p_y1 - p_y0);
+  const double length = std::hypot(p_to.x - p_from.x, p_to.y - p_from.y);
   if (!(length > 0))
     return;
-  const double nx = -(p_y1 - p_y0) / length * p_width / 2;
-  const double ny = (p_x1 - p_x0) / length * p_width / 2;
+  const double width = LineWidth(p_width);
+  const double nx = -(p_to.y - p_from.y) / length * width / 2;
+  const double ny = (p_to.x - p_from.x) / length * width / 2;
   _gl->Color(p_color);
   _gl->Begin(RGL_QUADS);
-  _gl->Vertex((p_x0 - nx) * _point, (p_y0 - ny) * _point, 0.0);
-  _gl->Vertex((p_x1 - nx) * _point, (p_y1 - ny) * _point, 0.0);
-  _gl->Vertex((p_x1 + nx) * _point, (p_y1 + ny) * _point, 0.0);
-  _gl->Vertex((p_x0 + nx) * _point, (p_y0 + ny) * _point, 0.0);
+  Vertex(p_from.x - nx, p_from.y - ny);
+  Vertex(p_to.x - nx, p_to.y - ny);
+  Vertex(p_to.x + nx, p_to.y + ny);
+  Vertex(p_from.x + nx, p_from.y + ny);
   _gl->End();
 }
 
-void Canvas::Text(const QString& p_text, double p_x, double p_y, TextRenderer::Anchor p_anchor,
-                  const TextRenderer::Style& p_style) {
-  _text.Draw(_gl, p_text, p_x * _point, p_y * _point, p_anchor, p_style, _point);
+namespace {
+
+using Position = Canvas::Position;
+
+bool IsFinite(const Position& p_position) {
+  return std::isfinite(p_position.x) && std::isfinite(p_position.y);
 }
 
-void Canvas::TextAt(const QString& p_text, const Types::Vector3_Base<double>& p_point, double p_dx, double p_dy,
-                    TextRenderer::Anchor p_anchor, const TextRenderer::Style& p_style) {
-  const Camera::Pixel pixel = _view.Project(p_point);
+/// To the left of the way from one position to another, of length 1.
+Position Normal(const Position& p_from, const Position& p_to) {
+  const double length = std::hypot(p_to.x - p_from.x, p_to.y - p_from.y);
+  return {-(p_to.y - p_from.y) / length, (p_to.x - p_from.x) / length};
+}
+
+/// The corners of a triangle strip that covers a line: pairs to the right and left of each position, all different.
+std::vector<Position> StripOf(const std::vector<Position>& p_line, double p_halfWidth) {
+  constexpr double LongestMiter = 4; // in half widths
+  std::vector<Position> strip;
+  const auto add = [&](const Position& p_position, const Position& p_offset) {
+    strip.push_back({p_position.x - p_halfWidth * p_offset.x, p_position.y - p_halfWidth * p_offset.y});
+    strip.push_back({p_position.x + p_halfWidth * p_offset.x, p_position.y + p_halfWidth * p_offset.y});
+  };
+  const std::size_t last = p_line.size() - 1;
+  for (std::size_t i = 0; i <= last; ++i) {
+    const Position before = Normal(p_line[i == 0 ? 0 : i - 1], p_line[i == 0 ? 1 : i]);
+    const Position after = i == last ? before : Normal(p_line[i], p_line[i + 1]);
+    // With the angle 2 a between the normals, the miter is 1 / cos a long and sum is 2 cos a.
+    const Position sum{before.x + after.x, before.y + after.y};
+    const double square = sum.x * sum.x + sum.y * sum.y;
+    if (square * LongestMiter * LongestMiter > 4) {
+      add(p_line[i], {sum.x * 2 / square, sum.y * 2 / square});
+    } else {
+      add(p_line[i], before);
+      add(p_line[i], after);
+    }
+  }
+  return strip;
+}
+
+} // namespace
+
+void Canvas::Polyline(const std::vector<Position>& p_positions, double p_width, const QColor& p_color) {
+  _gl->Color(p_color);
+  std::vector<Position> line;
+  const auto draw = [&] {
+    if (line.size() > 1) {
+      _gl->Begin(RGL_TRIANGLE_STRIP);
+      for (const Position& corner : StripOf(line, LineWidth(p_width) / 2))
+        Vertex(corner.x, corner.y);
+      _gl->End();
+    }
+    line.clear();
+  };
+  for (const Position& position : p_positions) {
+    if (!IsFinite(position))
+      draw();
+    else if (line.empty() || position.x != line.back().x || position.y != line.back().y)
+      line.push_back(position);
+  }
+  draw();
+}
+
+void Canvas::Triangle(const Position& p_a, const Position& p_b, const Position& p_c, const QColor& p_color) {
+  Polygon({p_a, p_b, p_c}, p_color);
+}
+
+void Canvas::Polygon(const std::vector<Position>& p_corners, const QColor& p_color) {
+  if (p_corners.size() < 3)
+    return;
+  _gl->Color(p_color);
+  _gl->Begin(RGL_TRIANGLE_FAN);
+  for (const Position& corner : p_corners)
+    Vertex(corner.x, corner.y);
+  _gl->End();
+}
+
+void Canvas::Text(const QString& p_text, const Position& p_position, TextRenderer::Anchor p_anchor,
+                  const TextRenderer::Style& p_style, double p_rotation) {
+  _text.Draw(_gl, p_text, {p_position.x * _point, p_position.y * _point}, p_anchor, p_style, _point, p_rotation);
+}
+
+void Canvas::TextAt(const QString& p_text, const View& p_view, const Types::Vector3_Base<double>& p_point,
+                    const Position& p_offset, TextRenderer::Anchor p_anchor, const TextRenderer::Style& p_style,
+                    double p_rotation) {
+  const Camera::Pixel pixel = p_view.Project(p_point);
   if (!pixel.visible)
     return;
-  Text(p_text, (pixel.x - static_cast<double>(_view.viewport.x)) / _point + p_dx,
-       (pixel.y - static_cast<double>(_view.viewport.y)) / _point + p_dy, p_anchor, p_style);
+  const Position position = PositionOf(pixel);
+  Text(p_text, {position.x + p_offset.x, position.y + p_offset.y}, p_anchor, p_style, p_rotation);
 }
 
-void Canvas::Title(const QString& p_title, const QString& p_line) {
-  Text(p_title, 48, Height() - 60, {0, 0.5}, {Theme::TitleSize, Theme::Title, true});
-  Text(p_line, 49, Height() - 102, {0, 0.5}, {Theme::TextSize, Theme::Text, false});
+Canvas::Position Canvas::PositionOf(const Camera::Pixel& p_pixel) const {
+  return {(p_pixel.x - static_cast<double>(_viewport.x)) / _point,
+          (p_pixel.y - static_cast<double>(_viewport.y)) / _point};
+}
+
+void Canvas::Image(const Rect& p_rect, const QImage& p_image) {
+  Image(p_rect, Library::Texture(p_image, _gl));
+}
+
+void Canvas::Image(const Rect& p_rect, const Library::Texture& p_texture) {
+  const auto guard = _gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT);
+  p_texture(_gl, RGL_TEXTURE0);
+  if (!p_texture.Handle()) // reported
+    return;
+  _gl->Color(QColor(Qt::white));
+  Quad(p_rect);
+}
+
+/// Texture coordinates from 0 to 1 in both directions.
+void Canvas::Quad(const Rect& p_rect) {
+  _gl->Begin(RGL_QUADS);
+  for (const auto& [s, t] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}}) {
+    _gl->TexCoord(s, t);
+    Vertex(s == 0 ? p_rect.left : p_rect.right, t == 0 ? p_rect.bottom : p_rect.top);
+  }
+  _gl->End();
 }
 
 void Canvas::Bar(const Rect& p_rect, const Library::ColorMap& p_colors, const QString& p_title,
@@ -87,34 +198,18 @@ void Canvas::Bar(const Rect& p_rect, const Library::ColorMap& p_colors, const QS
     const auto guard = _gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
     p_colors(_gl, RGL_TEXTURE0);
     _gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_REPLACE);
-    _gl->Begin(RGL_QUADS);
-    for (const auto& [s, t] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}}) {
-      _gl->TexCoord(s, 0.5);
-      _gl->Vertex((s == 0 ? p_rect.left : p_rect.right) * _point, (t == 0 ? p_rect.bottom : p_rect.top) * _point, 0.0);
-    }
-    _gl->End();
+    Quad(p_rect);
   }
+  const Theme theme = Theme::Dark();
+  const TextRenderer::Style style{18, theme.text};
   for (const Tick& tick : p_ticks) {
     const double x = p_rect.left + (p_rect.right - p_rect.left) * tick.place;
-    Line(x, p_rect.bottom, x, p_rect.bottom - (tick.text.isEmpty() ? 4 : 6), 1.5, Theme::Text);
+    Line({x, p_rect.bottom}, {x, p_rect.bottom - (tick.text.isEmpty() ? 4 : 6)}, 1.5, theme.text);
     if (!tick.text.isEmpty())
-      Text(tick.text, x, p_rect.bottom - 9, {0.5, 1}, {Theme::SmallSize, Theme::Text, false});
+      Text(tick.text, {x, p_rect.bottom - 9}, {0.5, 1}, style);
   }
   if (!p_title.isEmpty())
-    Text(p_title, p_rect.left - 2, p_rect.top + 6, {0, 0}, {Theme::SmallSize, Theme::Text, false});
-}
-
-Types::Viewport<0> PartOf(const View& p_view, const Canvas::Rect& p_rect) {
-  const auto pixels = [&](double p_points) { return static_cast<float>(std::floor(p_points * p_view.PointSize())); };
-  return {p_view.viewport.x + pixels(p_rect.left), p_view.viewport.y + pixels(p_rect.bottom),
-          pixels(p_rect.right - p_rect.left), pixels(p_rect.top - p_rect.bottom)};
-}
-
-void DrawBackground(Utility::Scoped<Rgl>& p_gl, const View& p_view, TextRenderer& p_text) {
-  p_gl->Viewport(p_view.viewport);
-  p_gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT);
-  Canvas canvas(p_gl, p_view, p_text);
-  canvas.Fill({0, 0, canvas.Width(), canvas.Height()}, Theme::BackgroundBottom, Theme::BackgroundTop);
+    Text(p_title, {p_rect.left - 2, p_rect.top + 6}, {0, 0}, style);
 }
 
 } // namespace Vek::Chart::Scene

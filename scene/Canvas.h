@@ -1,84 +1,138 @@
 #pragma once
 
 #include "scene/Export.h"
-
 #include "scene/TextRenderer.h"
 #include "scene/View.h"
 
 #include "library/ColorMap.h"
+#include "library/Texture.h"
 
 #include "platform/ogl/Rgl.h"
+#include "platform/types/Vector.h"
+#include "platform/types/Viewport.h"
+#include "platform/utility/Scope.h"
 
 #include <boost/shared_ptr.hpp>
 
+#include <QColor>
+#include <QImage>
+#include <QSizeF>
 #include <QString>
 
-#include <string>
 #include <vector>
 
 namespace Vek::Chart::Scene {
 
-/// What lies flat over a scene: titles, legends, labels of axes. While it lives, one unit is one point from the lower
-/// left corner of the view (1000 points are its height), depth and light are off and colours blend.
+/// Draws flat figures over a viewport: fills, lines, polygons, strings, images.
 ///
-///     Canvas canvas(gl, view, _text);
-///     canvas.Title("Wind of the world", "monthly mean, January 1987");
-///     canvas.Bar({600, 60, 1000, 76}, _colors, "Speed in m/s", {{0.0, "0"}, {1.0, "15"}});
+/// Units: positions and lengths are in points from the viewport's lower left corner, x to the right and y upwards. A
+/// point takes as many pixels as the caller states: the device pixel ratio, so that letters keep their size when the
+/// window grows, or `ThousandthOfHeight`, so that they grow with it. Lines are at least one pixel wide.
+///
+/// State: the constructor sets GL's viewport, a projection to its pixels and the state to draw over what is there (no
+/// depth, light, clip planes or shader; blending by alpha; the scissor is the host's). The destructor restores all GL
+/// state. Calls of the host's between both must not change it for longer than they draw.
+///
+/// Ownership: one canvas lives within one rendering scope, and refers to the scope and the text renderer. It keeps no
+/// GL objects.
+///
+/// Errors: a viewport without width or height is reported ("p_viewport.width > 0 && p_viewport.height > 0"), and
+/// nothing appears. Images and strings that cannot be drawn are reported by Library::Texture and TextRenderer.
+///
+/// \snippet LegendSnippets.cpp Canvas
+/// \image html parts/Canvas.png
+/// \ingroup legends
 class VEK_SCENE_API Canvas {
 public:
+  using Position = Types::Vector2_Base<double>; ///< in points
+
+  /// A rectangle in points.
   struct Rect {
-    double left = 0;
-    double bottom = 0;
-    double right = 0;
-    double top = 0;
+    double left = 0;   ///< the least x
+    double bottom = 0; ///< the least y
+    double right = 0;  ///< the greatest x
+    double top = 0;    ///< the greatest y
   };
+
+  /// Pixels of a point of which 1000 make the viewport's height.
+  static double ThousandthOfHeight(const Types::Viewport<0>& p_viewport) {
+    return static_cast<double>(p_viewport.height) / 1000.0;
+  }
+
+  /// Begins to draw over a viewport of the window; a point takes `p_pointSize` pixels.
+  Canvas(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const TextRenderer& p_text,
+         double p_pointSize = 1);
+  Canvas(const Canvas&) = delete;
+  Canvas& operator=(const Canvas&) = delete;
+
+  /// The width of the viewport in points.
+  double Width() const { return static_cast<double>(_viewport.width) / _point; }
+  /// The height of the viewport in points.
+  double Height() const { return static_cast<double>(_viewport.height) / _point; }
+  /// Pixels of one point.
+  double PointSize() const { return _point; }
+  /// A part of the canvas as a viewport of the window, in whole pixels.
+  Types::Viewport<0> Part(const Rect& p_rect) const;
+
+  /// Fills a rectangle.
+  void Fill(const Rect& p_rect, const QColor& p_color) { Fill(p_rect, p_color, p_color); }
+  /// Fills a rectangle with a vertical gradient.
+  void Fill(const Rect& p_rect, const QColor& p_lower, const QColor& p_upper);
+  /// The border of a rectangle, half of which lies outside; no pixel is drawn twice.
+  void Frame(const Rect& p_rect, double p_width, const QColor& p_color);
+  /// A straight line with square ends at both positions. Nothing if these are equal.
+  void Line(const Position& p_from, const Position& p_to, double p_width, const QColor& p_color);
+  /// Straight lines from position to position with mitred joints, which are cut off at sharp angles (below 29 degrees).
+  /// A position with a coordinate that is not finite interrupts the line; repeated ones are left out.
+  void Polyline(const std::vector<Position>& p_positions, double p_width, const QColor& p_color);
+  /// A filled triangle.
+  void Triangle(const Position& p_a, const Position& p_b, const Position& p_c, const QColor& p_color);
+  /// A filled convex polygon, with its corners in order. Nothing with less than three.
+  void Polygon(const std::vector<Position>& p_corners, const QColor& p_color);
+
+  /// The size in points that a string takes here.
+  QSizeF TextSize(const QString& p_text, const TextRenderer::Style& p_style) const {
+    return TextRenderer::Size(p_text, p_style, _point);
+  }
+  /// A string (see TextRenderer::Draw).
+  void Text(const QString& p_text, const Position& p_position, TextRenderer::Anchor p_anchor,
+            const TextRenderer::Style& p_style, double p_rotation = 0);
+  /// A string at the position where a view shows a point of the scene, moved by points. Nothing if that point is behind
+  /// the camera.
+  void TextAt(const QString& p_text, const View& p_view, const Types::Vector3_Base<double>& p_point,
+              const Position& p_offset, TextRenderer::Anchor p_anchor, const TextRenderer::Style& p_style,
+              double p_rotation = 0);
+  /// The position where a window pixel lies.
+  Position PositionOf(const Camera::Pixel& p_pixel) const;
+
+  /// An image, stretched over a rectangle, filtered linearly. Its texture is made for this call; an image that is drawn
+  /// again and again is better kept as a Library::Texture.
+  void Image(const Rect& p_rect, const QImage& p_image);
+  /// A texture, stretched over a rectangle. Its settings are used.
+  void Image(const Rect& p_rect, const Library::Texture& p_texture);
+
   /// A place on a scale, 0 to 1, and what is written there; a tick is shorter where nothing is.
   struct Tick {
     double place = 0;
     QString text;
   };
-
-  Canvas(Utility::Scoped<Rgl>& p_gl, const View& p_view, TextRenderer& p_text);
-
-  /// The size of the view in points.
-  double Width() const { return _width; }
-  double Height() const { return 1000; }
-  /// Pixels that make one point.
-  double PointSize() const { return _point; }
-
-  void Fill(const Rect& p_rect, const QColor& p_lower, const QColor& p_upper);
-  void Fill(const Rect& p_rect, const QColor& p_color) { Fill(p_rect, p_color, p_color); }
-  /// The border of a rectangle.
-  void Frame(const Rect& p_rect, double p_width, const QColor& p_color);
-  using Place = Types::Vector2_Base<double>;
-  void Triangle(const Place& p_a, const Place& p_b, const Place& p_c, const QColor& p_color);
-  void Line(double p_x0, double p_y0, double p_x1, double p_y1, double p_width, const QColor& p_color);
-  void Text(const QString& p_text, double p_x, double p_y, TextRenderer::Anchor p_anchor,
-            const TextRenderer::Style& p_style);
-  /// A text beside the place where a point of the scene appears, moved by points.
-  void TextAt(const QString& p_text, const Types::Vector3_Base<double>& p_point, double p_dx, double p_dy,
-              TextRenderer::Anchor p_anchor, const TextRenderer::Style& p_style);
-
-  /// Title and line below it in the upper left corner.
-  void Title(const QString& p_title, const QString& p_line);
   /// A horizontal colour bar with its title above, if it has one, and its ticks below.
   void Bar(const Rect& p_rect, const Library::ColorMap& p_colors, const QString& p_title,
            const std::vector<Tick>& p_ticks);
 
 private:
+  void Vertex(double p_x, double p_y);
+  void Quad(const Rect& p_rect);
+  double LineWidth(double p_width) const;
+
   Utility::Scoped<Rgl>& _gl;
-  const View& _view;
-  TextRenderer& _text;
+  const TextRenderer& _text;
+  Types::Viewport<0> _viewport;
   double _point;
-  double _width;
-  boost::shared_ptr<void> _attributes;
+  // Guards, released in reverse.
+  boost::shared_ptr<void> _viewportState;
+  boost::shared_ptr<void> _flatState;
   boost::shared_ptr<void> _projection;
 };
-
-/// A part of a view, told in points, as pixels of the window.
-VEK_SCENE_API Types::Viewport<0> PartOf(const View& p_view, const Canvas::Rect& p_rect);
-
-/// Clears the view and fills it with the theme's background.
-VEK_SCENE_API void DrawBackground(Utility::Scoped<Rgl>& p_gl, const View& p_view, TextRenderer& p_text);
 
 } // namespace Vek::Chart::Scene

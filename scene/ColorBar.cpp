@@ -53,13 +53,13 @@ void DrawOutsideKey(Canvas& p_canvas, double p_left, double p_y, const Library::
                     const QString& p_nan) {
   constexpr double Column = 210, Half = 9, TextGap = 12;
   const double bottom = p_y - Half, top = p_y + Half;
-  const TextRenderer::Style text{Theme::SmallSize, Theme::Text, false};
+  const TextRenderer::Style text{18, Theme::Dark().text};
   DrawArrow(p_canvas, p_left + ArrowLength, p_left, bottom, top, p_outside.below);
   DrawArrow(p_canvas, p_left + Column, p_left + Column + ArrowLength, bottom, top, p_outside.above);
   p_canvas.Fill({p_left + 2 * Column, bottom, p_left + 2 * Column + 2 * Half, top}, p_outside.nan);
   const QString texts[] = {"below the range", "above the range", p_nan};
   for (int i = 0; i < 3; ++i)
-    p_canvas.Text(texts[i], p_left + i * Column + ArrowLength + TextGap, p_y, {0, 0.5}, text);
+    p_canvas.Text(texts[i], {p_left + i * Column + ArrowLength + TextGap, p_y}, {0, 0.5}, text);
 }
 
 } // namespace Vek::Chart::Scene

@@ -1,52 +1,78 @@
 #pragma once
 
 #include "scene/Export.h"
+#include "scene/TextStyle.h"
 
-#include "library/Texture.h"
-
+#include "platform/ogl/PerContext.h"
 #include "platform/ogl/Rgl.h"
+#include "platform/types/Vector.h"
 #include "platform/utility/Scope.h"
 
-#include <QColor>
-#include <QImage>
+#include <QSizeF>
 #include <QString>
 
+#include <boost/shared_ptr.hpp>
+
 #include <cstddef>
-#include <map>
-#include <memory>
-#include <tuple>
 
 namespace Vek::Chart::Scene {
 
-/// A line of text as an image with straight alpha, just as wide as the text and as high as the font's lines, `p_pixels`
-/// being the size of the letters. Needs a QGuiApplication. Never empty.
-VEK_SCENE_API QImage TextImage(const QString& p_text, int p_pixels, bool p_bold, const QColor& p_color);
-
-/// Draws lines of text as textured quads; each text becomes a texture once, until there are too many: texts may change
-/// with each movement of a mouse. Its textures end with it, which must happen while the context is current.
+/// Draws strings at window pixels, upright or rotated, with a halo that keeps them legible over data.
+///
+/// Box: as high as the lines of the font, as wide as the longest line and an eighth of the font's height to the left
+/// and to the right, where slanted letters may reach. A halo reaches beyond it. Lines are separated by line feeds. The
+/// box lies with the point that the anchor names at the given position, and is rotated about it. In steps of 90
+/// degrees, its corners are at whole pixels, so that letters are as sharp as their image.
+///
+/// The letters are those of `Ogl::Text`. Superscripts and signs are plain Unicode ("×10⁻³ m²").
+///
+/// Ownership: the shapes of the letters are kept as textures, one set per context (`Ogl::PerContext`): a renderer draws
+/// in any number of contexts, and ends before or after them. The colours are not part of the textures. A set holds at
+/// most MostTextures textures with MostTexels texels together; those that were not drawn for the longest time are freed
+/// first. A copy starts without textures.
+///
+/// Errors: Qt needs a QGuiApplication for fonts (platform "offscreen" will do). Without one, `Size` is empty and
+/// nothing is drawn; both report "qGuiApp != nullptr && "Text needs a QGuiApplication."". A string whose image is
+/// larger than the device's textures is reported and not drawn (see Library::Texture), as is one that there is no
+/// memory for. A position or rotation that is not finite draws nothing. Rendering thread only.
+///
+/// \snippet LegendSnippets.cpp TextRenderer
+/// \image html parts/TextRenderer.png
+/// \ingroup legends
 class VEK_SCENE_API TextRenderer {
 public:
-  static constexpr std::size_t MostTextures = 256;
+  static constexpr std::size_t MostTextures = 512;    ///< textures per context
+  static constexpr std::size_t MostTexels = 1U << 22; ///< their texels together; 16 MiB
+  static constexpr int MaxSize = 1024; ///< the largest height of a font in pixels; larger ones are drawn so
 
-  struct Style {
-    double size = 19; ///< in points
-    QColor color;
-    bool bold = false;
-  };
-  /// Which part of the text stands at the given place: 0 its left or lower border, 0.5 the middle, 1 the right or upper
-  /// one.
+  using Style = Scene::TextStyle; ///< the appearance of a string
+
+  /// The point of the box that lies at the given position, as fractions of its width and height: 0 is the left or lower
+  /// edge, 0.5 the middle, 1 the right or upper edge.
   struct Anchor {
-    double x = 0;
-    double y = 0.5;
+    double x = 0;   ///< along the width
+    double y = 0.5; ///< along the height
   };
 
-  /// To be called with a projection of one unit a pixel (see Canvas); the place is in pixels from the lower left.
-  void Draw(Utility::Scoped<Rgl>& p_gl, const QString& p_text, double p_x, double p_y, Anchor p_anchor,
-            const Style& p_style, double p_pointSize);
+  /// The size of the box in points, where a point takes `p_pointSize` pixels. Calls no GL.
+  static QSizeF Size(const QString& p_text, const Style& p_style, double p_pointSize = 1);
+
+  /// Draws a string.
+  ///
+  /// \param p_gl the projection must map pixels to the viewport (`Rgl::PixelProjection`, Canvas); all state is restored
+  /// \param p_text nothing is drawn if it is empty
+  /// \param p_position in pixels from the viewport's lower left corner
+  /// \param p_anchor the point of the box that lies there
+  /// \param p_style the font, its size in points, and colours
+  /// \param p_pointSize pixels of one point: the device pixel ratio
+  /// \param p_rotation counter-clockwise, in degrees; with 90 the string is read from bottom to top
+  void Draw(Utility::Scoped<Rgl>& p_gl, const QString& p_text, const Types::Vector2_Base<double>& p_position,
+            Anchor p_anchor, const Style& p_style, double p_pointSize = 1, double p_rotation = 0) const;
 
 private:
-  using Key = std::tuple<QString, int, bool, QRgb>;
-  std::map<Key, std::unique_ptr<Library::Texture>> _textures;
+  struct Textures;
+  // Behind a pointer, since its type is private; a shared one, since that is what PerContext can copy.
+  Ogl::PerContext<boost::shared_ptr<Textures>> _textures;
 };
 
 } // namespace Vek::Chart::Scene

@@ -9,13 +9,14 @@
 
 namespace Vek::Chart::Scene {
 
-/// From where and into which part of the window a scene is drawn.
+/// A camera, and the part of the window that shows what it sees.
+///
+/// \ingroup view
 struct VEK_SCENE_API View {
-  Camera camera;
-  Types::Viewport<0> viewport;
+  Camera camera;               ///< of the scene
+  Types::Viewport<0> viewport; ///< in window pixels
 
-  /// Pixels that make one point, the unit of letters, lines and legends: 1000 points are the height of the view.
-  double PointSize() const { return static_cast<double>(viewport.height) / 1000.0; }
+  /// The window pixel of a point of the scene.
   Camera::Pixel Project(const Types::Vector3_Base<double>& p_point) const { return camera.Project(p_point, viewport); }
 };
 

@@ -1,6 +1,6 @@
 #include "apps/gallery/MapAxes.h"
 
-#include "scene/Theme.h"
+#include "apps/gallery/GalleryTheme.h"
 
 #include <cmath>
 
@@ -26,7 +26,7 @@ std::vector<double> Parallels(const MapFrame& p_map) {
 }
 
 TextRenderer::Style LabelStyle() {
-  return {Theme::SmallSize, Theme::Faint, false};
+  return {GalleryTheme::SmallSize, GalleryTheme::Faint, false};
 }
 
 } // namespace
@@ -86,14 +86,14 @@ void DrawGraticule(Utility::Scoped<Rgl>& p_gl, const MapFrame& p_map, double p_z
   p_gl->End();
 }
 
-void LabelMeridians(Canvas& p_canvas, const MapFrame& p_map, double p_z) {
+void LabelMeridians(Canvas& p_canvas, const View& p_view, const MapFrame& p_map, double p_z) {
   for (const double lon : Meridians(p_map))
-    p_canvas.TextAt(LongitudeText(lon), p_map.Place(lon, p_map.South(), p_z), 0, -12, {0.5, 1}, LabelStyle());
+    p_canvas.TextAt(LongitudeText(lon), p_view, p_map.Place(lon, p_map.South(), p_z), {0, -12}, {0.5, 1}, LabelStyle());
 }
 
-void LabelParallels(Canvas& p_canvas, const MapFrame& p_map, double p_z) {
+void LabelParallels(Canvas& p_canvas, const View& p_view, const MapFrame& p_map, double p_z) {
   for (const double lat : Parallels(p_map))
-    p_canvas.TextAt(LatitudeText(lat), p_map.Place(p_map.West(), lat, p_z), -12, 0, {1, 0.5}, LabelStyle());
+    p_canvas.TextAt(LatitudeText(lat), p_view, p_map.Place(p_map.West(), lat, p_z), {-12, 0}, {1, 0.5}, LabelStyle());
 }
 
 } // namespace Vek::Chart::Gallery

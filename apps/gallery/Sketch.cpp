@@ -1,6 +1,6 @@
 #include "apps/gallery/Sketch.h"
 
-#include "scene/Theme.h"
+#include "apps/gallery/GalleryTheme.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,7 +29,7 @@ void Sketch::Corner(const Pair& p_point) const {
 
 void Sketch::Line(const Point& p_a, const Point& p_b, double p_width, const QColor& p_color) {
   const Pair a = At(p_a), b = At(p_b);
-  _canvas.Line(a.x, a.y, b.x, b.y, p_width, p_color);
+  _canvas.Line({a.x, a.y}, {b.x, b.y}, p_width, p_color);
 }
 
 void Sketch::DashedLine(const Point& p_a, const Point& p_b, double p_width, const QColor& p_color) {
@@ -38,7 +38,7 @@ void Sketch::DashedLine(const Point& p_a, const Point& p_b, double p_width, cons
   const double length = std::hypot(whole.x, whole.y);
   for (double at = Period - Dash; at < length; at += Period) {
     const Pair from = a + whole * (at / length), to = a + whole * (std::min(at + Dash, length) / length);
-    _canvas.Line(from.x, from.y, to.x, to.y, p_width, p_color);
+    _canvas.Line({from.x, from.y}, {to.x, to.y}, p_width, p_color);
   }
 }
 
@@ -67,7 +67,7 @@ void Sketch::Dot(const Point& p_center, double p_radius, const QColor& p_color) 
 
 void Sketch::Text(const QString& p_text, const Point& p_place, double p_dx, double p_dy, const QColor& p_color) {
   const Pair place = At(p_place);
-  _canvas.Text(p_text, place.x + p_dx, place.y + p_dy, {0.5, 0.5}, {Theme::SmallSize, p_color, true});
+  _canvas.Text(p_text, {place.x + p_dx, place.y + p_dy}, {0.5, 0.5}, {GalleryTheme::SmallSize, p_color, true});
 }
 
 } // namespace Vek::Chart::Gallery

@@ -1,4 +1,5 @@
 #include "apps/gallery/SpacePicture.h"
+#include "apps/gallery/GalleryTheme.h"
 
 namespace Vek::Chart::Gallery {
 
@@ -21,7 +22,7 @@ void SpacePicture::PrepareOnce(Utility::Scoped<Rgl>& p_gl) {
 
 void SpacePicture::Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) {
   PrepareOnce(p_gl);
-  DrawBackground(p_gl, p_view, _text);
+  DrawBackground(p_gl, p_view);
   {
     const View world{p_view.camera, SurfaceViewport(p_view)};
     const auto viewport = p_gl->PushAttribScope(RGL_VIEWPORT_BIT);
@@ -29,7 +30,7 @@ void SpacePicture::Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) {
     const auto camera = world.camera.Apply(p_gl, world.viewport);
     DrawWorld(p_gl, world);
   }
-  Canvas canvas(p_gl, p_view, _text);
+  Canvas canvas(p_gl, p_view.viewport, _text, PointSize(p_view));
   DrawLegends(p_gl, p_view, canvas);
 }
 

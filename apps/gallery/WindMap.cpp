@@ -1,4 +1,5 @@
 #include "apps/gallery/WindMap.h"
+#include "apps/gallery/GalleryTheme.h"
 
 #include "apps/gallery/Files.h"
 #include "apps/gallery/MapAxes.h"
@@ -46,14 +47,14 @@ void WindMap::Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) const {
   DrawGraticule(p_gl, _map, 0);
 }
 
-void WindMap::DrawLegends(Canvas& p_canvas, const Library::ColorMap& p_colors, const QString& p_meanTitle,
-                          const QString& p_fileTitle) const {
-  LabelMeridians(p_canvas, _map, 0);
-  LabelParallels(p_canvas, _map, 0);
+void WindMap::DrawLegends(Canvas& p_canvas, const View& p_view, const Library::ColorMap& p_colors,
+                          const QString& p_meanTitle, const QString& p_fileTitle) const {
+  LabelMeridians(p_canvas, p_view, _map, 0);
+  LabelParallels(p_canvas, p_view, _map, 0);
   if (_file == "noaa_navy_winds_1987-01.csv")
-    p_canvas.Title(p_meanTitle, "Monthly mean at the surface, January 1987");
+    DrawTitle(p_canvas, p_meanTitle, "Monthly mean at the surface, January 1987");
   else
-    p_canvas.Title(p_fileTitle, _file);
+    DrawTitle(p_canvas, p_fileTitle, _file);
   p_canvas.Bar({60, 62, 520, 78}, p_colors, "Speed in m/s", TicksFromZero(_fastest, 6, _clipped));
 }
 

@@ -37,7 +37,7 @@ public:
   void DrawRelief(Utility::Scoped<Rgl>& p_gl) const { _relief.Draw(p_gl, _reliefColors); }
   /// Degrees along the map, the bar of the speeds, and a title: of the monthly mean that comes with the gallery, or of
   /// another file.
-  void DrawLegends(Canvas& p_canvas, const Library::ColorMap& p_colors, const QString& p_meanTitle,
+  void DrawLegends(Canvas& p_canvas, const View& p_view, const Library::ColorMap& p_colors, const QString& p_meanTitle,
                    const QString& p_fileTitle) const;
 
 private:

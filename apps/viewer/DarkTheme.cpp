@@ -1,6 +1,6 @@
 #include "apps/viewer/DarkTheme.h"
 
-#include "scene/Theme.h"
+#include "apps/gallery/GalleryTheme.h"
 
 #include <QApplication>
 #include <QPalette>
@@ -8,10 +8,8 @@
 
 namespace Vek::Chart::Viewer {
 
-using namespace Scene;
-
 void ApplyDarkTheme(QApplication& p_application) {
-  using namespace Scene::Theme;
+  using namespace Gallery::GalleryTheme;
   const QColor raised(0x24303D);
   const QColor accent(0x2F5573);
   QPalette palette;

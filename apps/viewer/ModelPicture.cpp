@@ -1,4 +1,5 @@
 #include "apps/viewer/ModelPicture.h"
+#include "apps/gallery/GalleryTheme.h"
 
 #include "apps/gallery/Files.h"
 #include "apps/gallery/TextTable.h"
@@ -106,21 +107,21 @@ public:
   }
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const Scene::View& p_view) override {
-    DrawBackground(p_gl, p_view, _text);
+    Gallery::DrawBackground(p_gl, p_view);
     {
       const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
       const auto light = Scene::DirectionalLight().Apply(p_gl);
       const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_LINE_BIT);
       _colors(p_gl, RGL_TEXTURE0);
       p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_MODULATE);
-      p_gl->LineWidth(static_cast<float>(std::max(1.0, 2 * p_view.PointSize())));
+      p_gl->LineWidth(static_cast<float>(std::max(1.0, 2 * Gallery::PointSize(p_view))));
       if (_lines)
         p_gl->Disable(RGL_LIGHTING);
       _mesh.Draw(p_gl);
     }
-    Scene::Canvas canvas(p_gl, p_view, _text);
-    canvas.Title(
-        _file,
+    Scene::Canvas canvas(p_gl, p_view.viewport, _text, Gallery::PointSize(p_view));
+    Gallery::DrawTitle(
+        canvas, _file,
         QString("%1 vertices, %2 %3").arg(_mesh.Vertices().count).arg(_primitives).arg(_lines ? "lines" : "triangles"));
     const auto number = [](double p_value) { return QString::number(p_value, 'g', 4); };
     canvas.Bar({60, 62, 520, 78}, _colors, "Height", {{0, number(_box.Min().z)}, {1, number(_box.Max().z)}});

@@ -1,6 +1,6 @@
 #include "apps/viewer/PictureList.h"
 
-#include "scene/Theme.h"
+#include "apps/gallery/GalleryTheme.h"
 
 #include <QPainter>
 #include <QSignalBlocker>
@@ -69,11 +69,11 @@ public:
     const QRect inside = p_option.rect.adjusted(Margin + 4, Margin, -Margin, -Margin);
     painter.setFont(NameFont(p_option.font));
     const QFontMetrics name(painter.font());
-    painter.setPen(Scene::Theme::Title);
+    painter.setPen(Gallery::GalleryTheme::Title);
     painter.drawText(QPoint(inside.left(), inside.top() + name.ascent()),
                      name.elidedText(p_index.data().toString(), Qt::ElideMiddle, inside.width()));
     painter.setFont(CaptionFont(p_option.font));
-    painter.setPen(selected ? Scene::Theme::Text : Scene::Theme::Faint);
+    painter.setPen(selected ? Gallery::GalleryTheme::Text : Gallery::GalleryTheme::Faint);
     DrawLines(painter, inside.adjusted(0, name.height() + 2, 0, 0), p_index.data(CaptionRole).toString(), CaptionLines);
     painter.restore();
   }

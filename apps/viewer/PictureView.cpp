@@ -1,8 +1,8 @@
 #include "apps/viewer/PictureView.h"
 
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/viewer/MousePlace.h"
 #include "apps/viewer/PictureFrame.h"
-#include "scene/Theme.h"
 
 #include <QMouseEvent>
 #include <QOpenGLContext>
@@ -185,8 +185,8 @@ void PictureView::DrawAround(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0
     p_gl->Clear(RGL_COLOR_BUFFER_BIT);
   };
   p_gl->Enable(RGL_SCISSOR_TEST);
-  fill(0, lower, Scene::Theme::BackgroundBottom);
-  fill(upper, top, Scene::Theme::BackgroundTop);
+  fill(0, lower, Gallery::GalleryTheme::BackgroundBottom);
+  fill(upper, top, Gallery::GalleryTheme::BackgroundTop);
 }
 
 void PictureView::SurfacesChanged() {

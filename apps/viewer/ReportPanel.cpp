@@ -1,6 +1,6 @@
 #include "apps/viewer/ReportPanel.h"
 
-#include "scene/Theme.h"
+#include "apps/gallery/GalleryTheme.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -77,7 +77,7 @@ QStringList ReportPanel::Lines() const {
 void ReportPanel::TakeReports() {
   const ReportQueue::Waiting waiting = _queue->Take();
   for (const std::string& text : waiting.texts)
-    AddLine(QString::fromStdString(text), Scene::Theme::Text);
+    AddLine(QString::fromStdString(text), Gallery::GalleryTheme::Text);
   _count += waiting.count;
   if (waiting.count > 0)
     ShowCount();

@@ -15,7 +15,7 @@ namespace {
 struct Layout {
   Layout(const QString& p_text, const TextFormat& p_format)
       : lines(p_text.split('\n'))
-      , font(TextFont(p_format.size, p_format.bold)) {
+      , font(TextFont(p_format.size, p_format.bold, p_format.family)) {
     const QFontMetrics metrics(font);
     left = p_format.margin.width();
     lineHeight = metrics.lineSpacing();
@@ -37,8 +37,10 @@ struct Layout {
 
 } // namespace
 
-QFont TextFont(int p_size, bool p_bold) {
-  QFont font(QStringLiteral("DejaVu Sans"));
+QFont TextFont(int p_size, bool p_bold, const QString& p_family) {
+  QFont font;
+  if (!p_family.isEmpty())
+    font.setFamily(p_family);
   font.setPixelSize(std::max(1, p_size));
   font.setBold(p_bold);
   font.setHintingPreference(QFont::PreferNoHinting);

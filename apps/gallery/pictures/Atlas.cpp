@@ -4,12 +4,12 @@
 
 #include "apps/gallery/PictureLoaders.h"
 
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Palettes.h"
 #include "apps/gallery/Quakes.h"
 #include "apps/gallery/SpacePicture.h"
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
-#include "scene/Theme.h"
 
 #include "library/ColorAtlas.h"
 #include "library/TexturedQuad.h"
@@ -169,20 +169,22 @@ protected:
       DrawPanel(p_gl, i);
   }
 
-  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View&, Canvas& p_canvas) override {
-    p_canvas.Title("Colour atlas", "A week of earthquakes by region and magnitude, drawn three times with one texture");
-    const TextRenderer::Style text{Theme::SmallSize, Theme::Text, false};
+  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view, Canvas& p_canvas) override {
+    DrawTitle(p_canvas, "Colour atlas",
+              "A week of earthquakes by region and magnitude, drawn three times with one texture");
+    const TextRenderer::Style text{GalleryTheme::SmallSize, GalleryTheme::Text, false};
     for (std::size_t panel = 0; panel < Panels.size(); ++panel) {
       const Point origin(PanelPitch * static_cast<double>(panel), 0, 0);
       const Point top = origin + Point(-0.42, 0, 0.8);
-      p_canvas.TextAt(Panels[panel].title, top, 0, 26, {0, 0.5}, {Theme::TextSize, Theme::Title, true});
-      p_canvas.TextAt(Panels[panel].line, top, 0, 0, {0, 0.5}, text);
+      p_canvas.TextAt(Panels[panel].title, p_view, top, {0, 26}, {0, 0.5},
+                      {GalleryTheme::TextSize, GalleryTheme::Title, true});
+      p_canvas.TextAt(Panels[panel].line, p_view, top, {0, 0}, {0, 0.5}, text);
       for (std::size_t row = 0; row < _regions.size(); ++row) {
         const Point end = origin + RowStart(row) + Point(BarLength(_regions[row].Total()), 0, 0);
-        p_canvas.TextAt(QString::number(_regions[row].Total()), end, 14, 0, {0, 0.5}, text);
+        p_canvas.TextAt(QString::number(_regions[row].Total()), p_view, end, {14, 0}, {0, 0.5}, text);
         if (panel == 0)
-          p_canvas.TextAt(QString::fromStdString(_regions[row].name), RowStart(row) + Point(-0.42, 0, 0), -14, 0,
-                          {1, 0.5}, text);
+          p_canvas.TextAt(QString::fromStdString(_regions[row].name), p_view, RowStart(row) + Point(-0.42, 0, 0),
+                          {-14, 0}, {1, 0.5}, text);
       }
     }
     DrawLegend(p_canvas);
@@ -276,12 +278,12 @@ private:
 
   /// The shades of the first region's classes.
   void DrawLegend(Canvas& p_canvas) const {
-    const TextRenderer::Style text{Theme::SmallSize, Theme::Text, false};
+    const TextRenderer::Style text{GalleryTheme::SmallSize, GalleryTheme::Text, false};
     double x = 208;
-    p_canvas.Text("Magnitude", 58, 206, {0, 0.5}, text);
+    p_canvas.Text("Magnitude", {58, 206}, {0, 0.5}, text);
     for (std::size_t i = 0; i < Classes; ++i, x += 150) {
       p_canvas.Fill({x, 196, x + 26, 216}, _atlas.ColorAt(_classIds[0][i]).color);
-      p_canvas.Text(ClassNames[i], x + 36, 206, {0, 0.5}, text);
+      p_canvas.Text(ClassNames[i], {x + 36, 206}, {0, 0.5}, text);
     }
   }
 
@@ -298,12 +300,12 @@ private:
                  static_cast<float>(texel * texture.Width() * point), static_cast<float>(height * point)};
     quad(p_gl.Handle(), texture);
 
-    const TextRenderer::Style text{Theme::SmallSize, Theme::Text, false};
+    const TextRenderer::Style text{GalleryTheme::SmallSize, GalleryTheme::Text, false};
     const auto part = [&](double p_first, double p_count, const QString& p_name) {
       const double x0 = left + p_first * texel + 1;
       const double x1 = left + (p_first + p_count) * texel - 1;
-      p_canvas.Line(x0, bottom - 10, x1, bottom - 10, 2, Theme::Faint);
-      p_canvas.Text(p_name, (x0 + x1) / 2, bottom - 18, {0.5, 1}, text);
+      p_canvas.Line({x0, bottom - 10}, {x1, bottom - 10}, 2, GalleryTheme::Faint);
+      p_canvas.Text(p_name, {(x0 + x1) / 2, bottom - 18}, {0.5, 1}, text);
     };
     const double count = 1 + static_cast<double>(_regions.size()) * (1 + Classes);
     part(0, count, "own colours");
@@ -314,7 +316,7 @@ private:
     p_canvas.Text(QString("The atlas: one texture of %1 × %2 texels; red ones are free")
                       .arg(texture.Width())
                       .arg(texture.Height()),
-                  left, bottom + height + 10, {0, 0}, text);
+                  {left, bottom + height + 10}, {0, 0}, text);
   }
 
   std::vector<Region> _regions;

@@ -3,6 +3,7 @@
 
 #include "apps/gallery/PictureLoaders.h"
 
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/HeightField.h"
 #include "apps/gallery/MapAxes.h"
 #include "apps/gallery/Palettes.h"
@@ -10,7 +11,6 @@
 #include "scene/Canvas.h"
 #include "scene/ColorBar.h"
 #include "scene/TextRenderer.h"
-#include "scene/Theme.h"
 
 #include "library/ColorMap.h"
 #include "library/ColorScale.h"
@@ -143,11 +143,12 @@ public:
   }
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
-    DrawBackground(p_gl, p_view, _text);
-    Canvas canvas(p_gl, p_view, _text);
-    canvas.Title("Colours", QString("The named maps blended, in %1 classes, and how light they look from end to end "
-                                    "(L*); the thin line is an even climb")
-                                .arg(Classes));
+    DrawBackground(p_gl, p_view);
+    Canvas canvas(p_gl, p_view.viewport, _text, PointSize(p_view));
+    DrawTitle(canvas, "Colours",
+              QString("The named maps blended, in %1 classes, and how light they look from end to end "
+                      "(L*); the thin line is an even climb")
+                  .arg(Classes));
     DrawLightnessAxis(canvas);
     for (std::size_t i = 0; i < _named.size(); ++i)
       DrawNamed(p_gl, canvas, i);
@@ -183,10 +184,11 @@ private:
     const double left = Margin + AxisWidth;
     for (const int lightness : {0, 50, 100}) {
       const double y = PlotHeight(lightness);
-      p_canvas.Line(left - 6, y, p_canvas.Width() - Margin, y, 1, Theme::Line);
-      p_canvas.Text(QString::number(lightness), left - 10, y, {1, 0.5}, {Theme::SmallSize, Theme::Text, false});
+      p_canvas.Line({left - 6, y}, {p_canvas.Width() - Margin, y}, 1, GalleryTheme::Line);
+      p_canvas.Text(QString::number(lightness), {left - 10, y}, {1, 0.5},
+                    {GalleryTheme::SmallSize, GalleryTheme::Text, false});
     }
-    p_canvas.Text("L*", left - 10, PlotHeight(75), {1, 0.5}, {Theme::SmallSize, Theme::Faint, false});
+    p_canvas.Text("L*", {left - 10, PlotHeight(75)}, {1, 0.5}, {GalleryTheme::SmallSize, GalleryTheme::Faint, false});
   }
 
   /// The two bars of a map, and its lightness below them at the same places.
@@ -196,7 +198,7 @@ private:
     const auto count = static_cast<double>(_named.size());
     const double width = (p_canvas.Width() - 2 * Margin - AxisWidth + Gap) / count - Gap;
     const double left = Margin + AxisWidth + static_cast<double>(p_index) * (width + Gap);
-    p_canvas.Text(map.name, left - 2, 846, {0, 0.5}, {Theme::TextSize, Theme::Title, true});
+    p_canvas.Text(map.name, {left - 2, 846}, {0, 0.5}, {GalleryTheme::TextSize, GalleryTheme::Title, true});
     p_canvas.Bar({left, 790, left + width, 826}, map.blended, {}, {});
     p_canvas.Bar({left, 746, left + width, 782}, map.classed, {}, {});
     FillPlot(p_gl, p_canvas.PointSize(), left, width, map.blended);
@@ -223,21 +225,21 @@ private:
 
   /// The curve, and the straight line that it would be if it climbed evenly to its lightest place and fell from there.
   static void DrawCurve(Canvas& p_canvas, double p_left, double p_width, const ColorMap& p_map) {
-    std::vector<Canvas::Place> curve;
+    std::vector<Canvas::Position> curve;
     for (int i = 0; i <= Steps; ++i) {
       const double place = static_cast<double>(i) / Steps;
       curve.emplace_back(p_left + p_width * place, PlotHeight(Palettes::Lightness(p_map.Color(place))));
     }
-    const auto draw = [&](const std::vector<Canvas::Place>& p_line, double p_thickness, const QColor& p_color) {
+    const auto draw = [&](const std::vector<Canvas::Position>& p_line, double p_thickness, const QColor& p_color) {
       for (std::size_t i = 0; i + 1 < p_line.size(); ++i)
-        p_canvas.Line(p_line[i].x, p_line[i].y, p_line[i + 1].x, p_line[i + 1].y, p_thickness, p_color);
+        p_canvas.Line(p_line[i], p_line[i + 1], p_thickness, p_color);
     };
     const auto lightest =
         std::max_element(curve.begin(), curve.end(), [](const auto& p_a, const auto& p_b) { return p_a.y < p_b.y; });
-    const std::vector<Canvas::Place> even = {curve.front(), *lightest, curve.back()};
-    draw(even, 3, Theme::BackgroundBottom); // so that it is seen on light and on dark
-    draw(curve, 3, Theme::Title);
-    draw(even, 1, Theme::Title);
+    const std::vector<Canvas::Position> even = {curve.front(), *lightest, curve.back()};
+    draw(even, 3, GalleryTheme::BackgroundBottom); // so that it is seen on light and on dark
+    draw(curve, 3, GalleryTheme::Title);
+    draw(even, 1, GalleryTheme::Title);
   }
 
   void DrawPanel(Utility::Scoped<Rgl>& p_gl, Canvas& p_canvas, std::size_t p_index) {
@@ -247,7 +249,7 @@ private:
     const double width = (p_canvas.Width() - 2 * Margin + Gap) / count - Gap;
     const double left = Margin + static_cast<double>(p_index) * (width + Gap);
     const double height = std::min(width / 2, 240.0);
-    p_canvas.Text(panel.title, left - 2, Top + 22, {0, 0.5}, {Theme::TextSize, Theme::Title, true});
+    p_canvas.Text(panel.title, {left - 2, Top + 22}, {0, 0.5}, {GalleryTheme::TextSize, GalleryTheme::Title, true});
     if (!panel.texture) {
       panel.texture = std::make_unique<Library::Texture>(panel.image, p_gl);
       panel.texture->magFilter = Library::Texture::Nearest;

@@ -4,12 +4,12 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/Files.h"
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Palettes.h"
 #include "apps/gallery/Sketch.h"
 #include "apps/gallery/SpacePicture.h"
 #include "apps/gallery/VolumeFile.h"
 #include "scene/Canvas.h"
-#include "scene/Theme.h"
 #include "scene/VolumeSlices.h"
 
 #include "library/Intersect.h"
@@ -141,7 +141,7 @@ public:
 
   void Draw(Sketch& p_sketch, const Point& p_eye) const {
     for (const auto& edge : Edges(_box))
-      p_sketch.Line(edge[0], edge[1], 1.5, Theme::Line);
+      p_sketch.Line(edge[0], edge[1], 1.5, GalleryTheme::Line);
     std::vector<Part> parts = _parts;
     std::sort(parts.begin(), parts.end(), [&](const Part& p_a, const Part& p_b) {
       return Length(Middle(p_a.polygon) - p_eye) > Length(Middle(p_b.polygon) - p_eye);
@@ -157,7 +157,7 @@ public:
       return;
     p_sketch.Line(_ends.front(), _ends.back(), 4, Gold);
     for (const Point& end : {_ends.front(), _ends.back()}) {
-      p_sketch.Dot(end, 8, Theme::BackgroundBottom);
+      p_sketch.Dot(end, 8, GalleryTheme::BackgroundBottom);
       p_sketch.Dot(end, 6, Gold);
     }
   }
@@ -201,11 +201,11 @@ public:
     for (const Ray& ray : _rays) {
       DrawRay(p_sketch, ray.ray.origin, ray.met ? ray.place : End(ray), ray);
       if (ray.arrives) {
-        p_sketch.DashedLine(End(ray), ray.place, 2, Theme::Text);
-        p_sketch.Dot(ray.place, 4, Theme::Faint);
+        p_sketch.DashedLine(End(ray), ray.place, 2, GalleryTheme::Text);
+        p_sketch.Dot(ray.place, 4, GalleryTheme::Faint);
       }
       if (ray.met) {
-        p_sketch.Dot(ray.place, 9, Theme::BackgroundBottom);
+        p_sketch.Dot(ray.place, 9, GalleryTheme::BackgroundBottom);
         p_sketch.Dot(ray.place, 7, Gold);
       } else {
         p_sketch.Dot(End(ray), 5, Color(ray));
@@ -220,10 +220,10 @@ public:
     for (const Ray& ray : _rays) {
       const double y = p_top - 27 * number++;
       const QString result = indeterminate(ray.met) ? "indeterminate" : ray.met ? "true" : "false";
-      p_canvas.Text(QString::number(number), p_left, y, {0, 0.5}, {Theme::SmallSize, Color(ray), true});
-      p_canvas.Text(result, p_left + 24, y, {0, 0.5}, {Theme::SmallSize, Color(ray), true});
-      p_canvas.Text(ray.met ? ray.meaning + " " + Coordinates(ray.place) : ray.meaning, p_left + 180, y, {0, 0.5},
-                    {Theme::SmallSize, Theme::Text, false});
+      p_canvas.Text(QString::number(number), {p_left, y}, {0, 0.5}, {GalleryTheme::SmallSize, Color(ray), true});
+      p_canvas.Text(result, {p_left + 24, y}, {0, 0.5}, {GalleryTheme::SmallSize, Color(ray), true});
+      p_canvas.Text(ray.met ? ray.meaning + " " + Coordinates(ray.place) : ray.meaning, {p_left + 180, y}, {0, 0.5},
+                    {GalleryTheme::SmallSize, GalleryTheme::Text, false});
     }
   }
 
@@ -296,7 +296,7 @@ protected:
     p_gl->PolygonOffset(1, 1);
     p_gl->Enable(RGL_BLEND);
     p_gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
-    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.6 * p_world.PointSize())));
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.6 * PointSize(p_world))));
     p_gl->Color(QColor(0x74808D));
     DrawEdges(p_gl, _box);
     // The planes do not cross in the box, so the slices can be painted one over the other.
@@ -315,11 +315,12 @@ protected:
 
   void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view, Canvas& p_canvas) override {
     const VolumeImage& image = *_values.image;
-    p_canvas.Title("Cuts", (_path.empty() ? QString("A formula, a gyroid") : QString::fromStdString(FileName(_path))) +
-                               QString(" of %1 × %2 × %3 voxels, cut by five planes")
-                                   .arg(image.Height())
-                                   .arg(image.Width())
-                                   .arg(image.Depth()));
+    DrawTitle(p_canvas, "Cuts",
+              (_path.empty() ? QString("A formula, a gyroid") : QString::fromStdString(FileName(_path))) +
+                  QString(" of %1 × %2 × %3 voxels, cut by five planes")
+                      .arg(image.Height())
+                      .arg(image.Width())
+                      .arg(image.Depth()));
     std::vector<Canvas::Tick> ticks;
     constexpr int Ticks = 4;
     const SlicePainter::Look& look = _values.look;
@@ -355,9 +356,9 @@ private:
   static constexpr Canvas::Rect RaysPart{1112, 175, 1552, 515};
 
   static void Panel(Canvas& p_canvas, const Canvas::Rect& p_rect, const QString& p_title) {
-    p_canvas.Fill(p_rect, Theme::BackgroundBottom);
-    p_canvas.Frame(p_rect, 1, Theme::Line);
-    p_canvas.Text(p_title, p_rect.left, p_rect.top + 8, {0, 0}, {Theme::SmallSize, Theme::Text, false});
+    p_canvas.Fill(p_rect, GalleryTheme::BackgroundBottom);
+    DrawEdge(p_canvas, p_rect);
+    p_canvas.Text(p_title, {p_rect.left, p_rect.top + 8}, {0, 0}, {GalleryTheme::SmallSize, GalleryTheme::Text, false});
   }
 
   std::string _path; ///< empty when the volume is the formula

@@ -4,6 +4,7 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/Files.h"
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Glyphs.h"
 #include "apps/gallery/HeightField.h"
 #include "apps/gallery/MapAxes.h"
@@ -15,7 +16,6 @@
 #include "scene/DirectionalLight.h"
 #include "scene/InstancedMesh.h"
 #include "scene/LeveledInstances.h"
-#include "scene/Theme.h"
 
 #include "library/ColorMap.h"
 #include "library/ModelCache.h"
@@ -105,7 +105,7 @@ protected:
     const auto light = bright.Apply(p_gl);
     DrawStems(p_gl, p_world);
     const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
-    p_gl->LineWidth(static_cast<float>(std::max(1.0, 2 * p_world.PointSize())));
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 2 * PointSize(p_world))));
     _spheres.Draw(p_gl, _painter, _levels, p_world, Colors());
     _keySpheres.Draw(p_gl, _painter, _levels, p_world, Colors());
     DrawSurface(p_gl, p_world);
@@ -119,24 +119,25 @@ protected:
     _keySpheres.DrawDepths(p_gl, _painter, _levels);
   }
 
-  void DrawLegends(Utility::Scoped<Rgl>&, const View&, Canvas& p_canvas) override {
-    LabelMeridians(p_canvas, _map, BoxDepth);
-    LabelParallels(p_canvas, _map, 0);
+  void DrawLegends(Utility::Scoped<Rgl>&, const View& p_view, Canvas& p_canvas) override {
+    LabelMeridians(p_canvas, p_view, _map, BoxDepth);
+    LabelParallels(p_canvas, p_view, _map, 0);
     if (_file == "earthquakes.csv")
-      p_canvas.Title("A week of earthquakes", "31 January to 7 February 2018, as they lie below the surface");
+      DrawTitle(p_canvas, "A week of earthquakes", "31 January to 7 February 2018, as they lie below the surface");
     else
-      p_canvas.Title("Earthquakes", _file);
+      DrawTitle(p_canvas, "Earthquakes", _file);
     std::vector<Canvas::Tick> ticks;
     for (const double depth : {0.0, 10.0, 50.0, 100.0, 200.0, 400.0, 600.0})
       ticks.push_back({ColorPlace(depth), QString::number(depth)});
     p_canvas.Bar({60, 62, 520, 78}, Colors(), "Depth in km", ticks);
-    const TextRenderer::Style style{Theme::SmallSize, Theme::Text, false};
+    const TextRenderer::Style style{GalleryTheme::SmallSize, GalleryTheme::Text, false};
     for (int magnitude = 2; magnitude <= 6; ++magnitude)
-      p_canvas.TextAt(QString::number(magnitude), KeyPlace(magnitude), 0, -30, {0.5, 0.5}, style);
-    p_canvas.TextAt("Magnitude", KeyPlace(2), -30, -30, {1, 0.5}, style);
+      p_canvas.TextAt(QString::number(magnitude), p_view, KeyPlace(magnitude), {0, -30}, {0.5, 0.5}, style);
+    p_canvas.TextAt("Magnitude", p_view, KeyPlace(2), {-30, -30}, {1, 0.5}, style);
     for (int depth = 200; depth <= 600; depth += 200)
-      p_canvas.TextAt(QString::number(depth) + " km", _map.Place(_map.East(), _map.South(), -depth * UnitsPerKilometre),
-                      10, 0, {0, 0.5}, {Theme::SmallSize, Theme::Faint, false});
+      p_canvas.TextAt(QString::number(depth) + " km", p_view,
+                      _map.Place(_map.East(), _map.South(), -depth * UnitsPerKilometre), {10, 0}, {0, 0.5},
+                      {GalleryTheme::SmallSize, GalleryTheme::Faint, false});
   }
 
 private:
@@ -175,7 +176,7 @@ private:
   /// The floor of the box and its edges.
   void DrawBox(Utility::Scoped<Rgl>& p_gl, const View& p_view) const {
     DrawGraticule(p_gl, _map, BoxDepth);
-    const auto guard = LineScope(p_gl, p_view, Theme::Line);
+    const auto guard = LineScope(p_gl, p_view, GalleryTheme::Line);
     p_gl->Begin(RGL_LINES);
     for (const double z : {0.0, BoxDepth}) {
       p_gl->Vertex(_map.Place(_map.West(), _map.South(), z));
@@ -211,7 +212,7 @@ private:
     p_gl->Disable(RGL_LIGHTING);
     p_gl->Enable(RGL_BLEND);
     p_gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
-    p_gl->LineWidth(static_cast<float>(std::max(1.0, p_view.PointSize())));
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, PointSize(p_view))));
     p_gl->Color(p_color);
     return guard;
   }

@@ -5,6 +5,7 @@
 
 #include "apps/gallery/Files.h"
 #include "apps/gallery/FlowLines.h"
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Glyphs.h"
 #include "apps/gallery/MapAxes.h"
 #include "apps/gallery/Palettes.h"
@@ -14,7 +15,6 @@
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
 #include "scene/StreamlineTracer.h"
-#include "scene/Theme.h"
 #include "scene/TubeMesh.h"
 #include "scene/VolumeSlices.h"
 
@@ -134,13 +134,14 @@ protected:
 
   void DrawLegends(Utility::Scoped<Rgl>&, const View&, Canvas& p_canvas) override {
     if (_isOwn)
-      p_canvas.Title("A Burgers vortex", "Computed: drawn in from the sides, stretched along its axis");
+      DrawTitle(p_canvas, "A Burgers vortex", "Computed: drawn in from the sides, stretched along its axis");
     else
-      p_canvas.Title("Flow", QString("%1, a grid of %2 × %3 × %4 nodes")
-                                 .arg(_file)
-                                 .arg(_grid.Size()[0])
-                                 .arg(_grid.Size()[1])
-                                 .arg(_grid.Size()[2]));
+      DrawTitle(p_canvas, "Flow",
+                QString("%1, a grid of %2 × %3 × %4 nodes")
+                    .arg(_file)
+                    .arg(_grid.Size()[0])
+                    .arg(_grid.Size()[1])
+                    .arg(_grid.Size()[2]));
     p_canvas.Bar({60, 62, 520, 78}, Colors(), _isOwn ? "Speed (no unit)" : "Speed in the units of the file",
                  TicksFromZero(_fastest, 5, _clipped));
   }
@@ -193,8 +194,8 @@ private:
   void DrawBox(Utility::Scoped<Rgl>& p_gl, const View& p_view) const {
     const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_LINE_BIT);
     p_gl->Disable(RGL_LIGHTING);
-    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.5 * p_view.PointSize())));
-    p_gl->Color(Theme::Line);
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.5 * PointSize(p_view))));
+    p_gl->Color(GalleryTheme::Line);
     DrawEdges(p_gl, {ToPicture(_grid.Min()), ToPicture(_grid.Max())});
   }
 

@@ -4,11 +4,11 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/Files.h"
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/ReportCounter.h"
 #include "apps/gallery/TextTable.h"
 #include "scene/Canvas.h"
 #include "scene/TextRenderer.h"
-#include "scene/Theme.h"
 
 #include "library/HdrImage.h"
 #include "library/Texture.h"
@@ -104,15 +104,16 @@ public:
   Camera StartCamera() const override { return {}; }
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
-    DrawBackground(p_gl, p_view, _text);
+    DrawBackground(p_gl, p_view);
     for (std::size_t i = 0; i < _stops.size(); ++i)
       if (!_exposures[i])
         _exposures[i] = std::make_unique<Library::Texture>(_exposed[i], p_gl);
-    Canvas canvas(p_gl, p_view, _text);
-    canvas.Title("High dynamic range", QString("%1, %2 × %3 pixels, at five exposures")
-                                           .arg(QString::fromStdString(_file))
-                                           .arg(_image.Width())
-                                           .arg(_image.Height()));
+    Canvas canvas(p_gl, p_view.viewport, _text, PointSize(p_view));
+    DrawTitle(canvas, "High dynamic range",
+              QString("%1, %2 × %3 pixels, at five exposures")
+                  .arg(QString::fromStdString(_file))
+                  .arg(_image.Width())
+                  .arg(_image.Height()));
     for (std::size_t i = 0; i < _stops.size(); ++i)
       DrawExposure(p_gl, canvas, i);
     DrawPlot(canvas, Cell(canvas, _stops.size()));
@@ -183,10 +184,10 @@ private:
     const QString name = stops == 0  ? QString("mean as middle grey")
                          : stops > 0 ? QString("%1 stops more: × %2").arg(stops).arg(1 << stops)
                                      : QString("%1 stops less: ÷ %2").arg(-stops).arg(1 << -stops);
-    p_canvas.Text(name, place.left, place.bottom - 8, {0, 1}, {Theme::SmallSize, Theme::Text, false});
+    p_canvas.Text(name, {place.left, place.bottom - 8}, {0, 1}, {GalleryTheme::SmallSize, GalleryTheme::Text, false});
     if (p_index == Middle) {
       const double y = place.bottom + (place.top - place.bottom) * (_row + 0.5) / _image.Height();
-      p_canvas.Line(place.left, y, place.right, y, 1.5, QColor(255, 255, 255, 150));
+      p_canvas.Line({place.left, y}, {place.right, y}, 1.5, QColor(255, 255, 255, 150));
     }
   }
 
@@ -200,23 +201,23 @@ private:
     const int first = static_cast<int>(std::floor(*least));
     const int last = std::max(static_cast<int>(std::ceil(std::min(*most, 12.0))), first + 1);
 
-    const TextRenderer::Style text{Theme::SmallSize, Theme::Text, false};
+    const TextRenderer::Style text{GalleryTheme::SmallSize, GalleryTheme::Text, false};
     const auto yOf = [&](double p_log) {
       return frame.bottom +
              (frame.top - frame.bottom) * (std::clamp(p_log, double(first), double(last)) - first) / (last - first);
     };
     const int every = (last - first) / 7 + 1; // so that the labels have room
     for (int decade = first; decade <= last; decade += every) {
-      p_canvas.Line(frame.left, yOf(decade), frame.right, yOf(decade), 1, Theme::Line);
-      p_canvas.Text(PowerOfTen(decade), frame.left - 10, yOf(decade), {1, 0.5}, text);
+      p_canvas.Line({frame.left, yOf(decade)}, {frame.right, yOf(decade)}, 1, GalleryTheme::Line);
+      p_canvas.Text(PowerOfTen(decade), {frame.left - 10, yOf(decade)}, {1, 0.5}, text);
     }
     const double columns = static_cast<double>(std::max<std::size_t>(logs.size() - 1, 1));
     const auto xOf = [&](std::size_t p_column) {
       return frame.left + (frame.right - frame.left) * static_cast<double>(p_column) / columns;
     };
     for (std::size_t x = 0; x + 1 < logs.size(); ++x)
-      p_canvas.Line(xOf(x), yOf(logs[x]), xOf(x + 1), yOf(logs[x + 1]), 2, QColor(0xF6B44B));
-    p_canvas.Text("Luminance along the marked row in cd/m²", frame.left, frame.bottom - 8, {0, 1}, text);
+      p_canvas.Line({xOf(x), yOf(logs[x])}, {xOf(x + 1), yOf(logs[x + 1])}, 2, QColor(0xF6B44B));
+    p_canvas.Text("Luminance along the marked row in cd/m²", {frame.left, frame.bottom - 8}, {0, 1}, text);
   }
 
   static QString PowerOfTen(int p_exponent) {

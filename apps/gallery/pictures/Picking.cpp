@@ -5,11 +5,11 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/DepthImages.h"
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/SpacePicture.h"
 #include "scene/Canvas.h"
 #include "scene/DepthShader.h"
 #include "scene/DirectionalLight.h"
-#include "scene/Theme.h"
 
 #include "library/DepthCodec.h"
 #include "library/RenderTexture.h"
@@ -129,13 +129,13 @@ protected:
   }
 
   void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view, Canvas& p_canvas) override {
-    p_canvas.Title("Picking", "World positions from depth");
+    DrawTitle(p_canvas, "Picking", "World positions from depth");
     DrawPanel(p_gl, p_canvas, _decoded, DecodedPart, "Depths unpacked from the colours of the image");
     DrawPanel(p_gl, p_canvas, _truth, TruePart, "The true depth buffer");
-    p_canvas.Text("Largest difference: " + QString::number(_largestError * 1e6, 'f', 2) + " millionths", TruePart.left,
-                  TruePart.bottom - 18, {0, 1}, {Theme::SmallSize, Theme::Title, false});
-    p_canvas.Text("Depths run from 0, nearest, to 1, farthest.", TruePart.left, TruePart.bottom - 44, {0, 1},
-                  {Theme::SmallSize, Theme::Faint, false});
+    p_canvas.Text("Largest difference: " + QString::number(_largestError * 1e6, 'f', 2) + " millionths",
+                  {TruePart.left, TruePart.bottom - 18}, {0, 1}, {GalleryTheme::SmallSize, GalleryTheme::Title, false});
+    p_canvas.Text("Depths run from 0, nearest, to 1, farthest.", {TruePart.left, TruePart.bottom - 44}, {0, 1},
+                  {GalleryTheme::SmallSize, GalleryTheme::Faint, false});
     for (const Pick& pick : _picks)
       DrawPick(p_canvas, p_view, pick);
   }
@@ -201,7 +201,7 @@ private:
 
   static void DrawPanel(Utility::Scoped<Rgl>& p_gl, Canvas& p_canvas, const std::optional<Library::Texture>& p_image,
                         const Canvas::Rect& p_rect, const QString& p_title) {
-    p_canvas.Fill(p_rect, Theme::BackgroundBottom);
+    p_canvas.Fill(p_rect, GalleryTheme::BackgroundBottom);
     const double point = p_canvas.PointSize();
     if (p_image) {
       const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
@@ -213,17 +213,17 @@ private:
       }
       p_gl->End();
     }
-    p_canvas.Frame(p_rect, 1, Theme::Line);
-    p_canvas.Text(p_title, p_rect.left, p_rect.top + 8, {0, 0}, {Theme::SmallSize, Theme::Text, false});
+    DrawEdge(p_canvas, p_rect);
+    p_canvas.Text(p_title, {p_rect.left, p_rect.top + 8}, {0, 0}, {GalleryTheme::SmallSize, GalleryTheme::Text, false});
   }
 
   static void DrawPick(Canvas& p_canvas, const View& p_view, const Pick& p_pick) {
-    const double x = (p_pick.pixel.x - static_cast<double>(p_view.viewport.x)) / p_view.PointSize();
-    const double y = (p_pick.pixel.y - static_cast<double>(p_view.viewport.y)) / p_view.PointSize();
+    const double x = (p_pick.pixel.x - static_cast<double>(p_view.viewport.x)) / PointSize(p_view);
+    const double y = (p_pick.pixel.y - static_cast<double>(p_view.viewport.y)) / PointSize(p_view);
     const QColor dark(10, 14, 20, 230);
     for (const auto& [width, length, color] : {std::tuple(5.0, 15.0, dark), {2.0, 13.5, QColor(Qt::white)}}) {
-      p_canvas.Line(x - length, y, x + length, y, width, color);
-      p_canvas.Line(x, y - length, x, y + length, width, color);
+      p_canvas.Line({x - length, y}, {x + length, y}, width, color);
+      p_canvas.Line({x, y - length}, {x, y + length}, width, color);
     }
     const auto number = [](double p_value) { return QString::number(p_value, 'f', 2).replace('-', QChar(0x2212)); };
     const QString text =
@@ -234,8 +234,8 @@ private:
     const double textY = nearPanels ? y + 58 : y + 18;
     const TextRenderer::Anchor anchor{nearPanels ? 0.5 : 0.0, 0.5};
     for (const auto& [dx, dy] : {std::pair(-1.5, 0.0), {1.5, 0.0}, {0.0, -1.5}, {0.0, 1.5}})
-      p_canvas.Text(text, textX + dx, textY + dy, anchor, {Theme::SmallSize, dark, true});
-    p_canvas.Text(text, textX, textY, anchor, {Theme::SmallSize, Theme::Title, true});
+      p_canvas.Text(text, {textX + dx, textY + dy}, anchor, {GalleryTheme::SmallSize, dark, true});
+    p_canvas.Text(text, {textX, textY}, anchor, {GalleryTheme::SmallSize, GalleryTheme::Title, true});
   }
 
   std::map<Model::Symbol::Shape, Ogl::VertexData> _meshes;

@@ -3,12 +3,12 @@
 
 #include "apps/gallery/PictureLoaders.h"
 
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Palettes.h"
 #include "apps/gallery/ShapeTextures.h"
 #include "apps/gallery/SpacePicture.h"
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
-#include "scene/Theme.h"
 
 #include "library/Arrow3D.h"
 #include "library/Box.h"
@@ -189,7 +189,7 @@ protected:
 
   void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
     const auto state = p_gl->PushAttribScope(RGL_CURRENT_BIT | RGL_LINE_BIT);
-    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.2 * p_world.PointSize())));
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.2 * PointSize(p_world))));
     {
       DirectionalLight bright;
       bright.ambient = 0.5;
@@ -205,9 +205,9 @@ protected:
     DrawVoxel(p_gl);
   }
 
-  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View&, Canvas& p_canvas) override {
+  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view, Canvas& p_canvas) override {
     const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
-    DrawLabels(p_canvas);
+    DrawLabels(p_canvas, p_view);
     DrawBoxes(p_gl, p_canvas);
     DrawPanels(p_gl, p_canvas);
     DrawLayers(p_gl, p_canvas);
@@ -252,18 +252,19 @@ private:
     p_gl->PopMatrix();
   }
 
-  static void DrawLabels(Canvas& p_canvas) {
-    p_canvas.Title("Shapes", "What draws itself: unit shapes, solids, boxes, panels and layers");
-    const TextRenderer::Style heading{Theme::TextSize, Theme::Title, true};
+  static void DrawLabels(Canvas& p_canvas, const View& p_view) {
+    DrawTitle(p_canvas, "Shapes", "What draws itself: unit shapes, solids, boxes, panels and layers");
+    const TextRenderer::Style heading{GalleryTheme::TextSize, GalleryTheme::Title, true};
     const auto row = [&](const char* p_name, const char* p_line, double p_y) {
-      p_canvas.Text(p_name, 48, p_y + 13, {0, 0.5}, heading);
-      p_canvas.Text(p_line, 48, p_y - 15, {0, 0.5}, {Theme::SmallSize, Theme::Text, false});
+      p_canvas.Text(p_name, {48, p_y + 13}, {0, 0.5}, heading);
+      p_canvas.Text(p_line, {48, p_y - 15}, {0, 0.5}, {GalleryTheme::SmallSize, GalleryTheme::Text, false});
     };
     row("Geometry", "unit shapes", UnitRow);
     row("Solids", "filled", FilledRow);
     row("Solids", "outlined", OutlinedRow);
     const auto label = [&](const char* p_name, std::size_t p_column, double p_y) {
-      p_canvas.TextAt(p_name, CellCenter(p_column, p_y), 0, -84, {0.5, 0.5}, {Theme::SmallSize, Theme::Text, false});
+      p_canvas.TextAt(p_name, p_view, CellCenter(p_column, p_y), {0, -84}, {0.5, 0.5},
+                      {GalleryTheme::SmallSize, GalleryTheme::Text, false});
     };
     std::size_t column = 0;
     for (const Solid& solid : UnitShapes)
@@ -275,13 +276,13 @@ private:
       label(solid.name, column++, FilledRow);
     const auto note = [&](const char* p_text, double p_y) {
       const Point place = CellCenter(RingColumn, p_y);
-      p_canvas.TextAt(p_text, place, 0, 0, {0.5, 0.5}, {16, Theme::Faint, false});
+      p_canvas.TextAt(p_text, p_view, place, {0, 0}, {0.5, 0.5}, {16, GalleryTheme::Faint, false});
     };
     note("empty on purpose", UnitRow);
     note("always filled", OutlinedRow);
-    for (const auto& [name, x] : {std::pair("Boxes", 48), {"Nine-patch panels", 500}, {"Layers", 1110}})
-      p_canvas.Text(name, x, 282, {0, 0.5}, heading);
-    p_canvas.Text("environment of the upper one:", 1196, 282, {0, 0.5}, {16, Theme::Faint, false});
+    for (const auto& [name, x] : {std::pair("Boxes", 48.0), {"Nine-patch panels", 500}, {"Layers", 1110}})
+      p_canvas.Text(name, {x, 282}, {0, 0.5}, heading);
+    p_canvas.Text("environment of the upper one:", {1196, 282}, {0, 0.5}, {16, GalleryTheme::Faint, false});
   }
 
   /// A rectangle in window pixels.
@@ -293,14 +294,14 @@ private:
   }
 
   static void DrawBoxes(Utility::Scoped<Rgl>& p_gl, Canvas& p_canvas) {
-    const TextRenderer::Style small{16, Theme::Text, false};
+    const TextRenderer::Style small{16, GalleryTheme::Text, false};
     p_gl->LineWidth(static_cast<float>(std::max(1.0, 2 * p_canvas.PointSize())));
     Library::Box box;
     box.rect = Pixels(p_canvas, {50, 116, 160, 252});
     box.fillColor = ColumnColor(1).darker(160);
     box.lineColor = ColumnColor(1).lighter(140);
     box(p_gl.Handle());
-    p_canvas.Text("Box", 105, 88, {0.5, 0.5}, small);
+    p_canvas.Text("Box", {105, 88}, {0.5, 0.5}, small);
 
     Library::FilledBox filled;
     filled.inner = Pixels(p_canvas, {212, 142, 278, 226});
@@ -308,13 +309,13 @@ private:
     filled.fillColor = ColumnColor(3).darker(160);
     filled.lineColor = ColumnColor(3).lighter(130);
     filled(p_gl.Handle());
-    p_canvas.Text("FilledBox, inner", 245, 88, {0.5, 0.5}, small);
+    p_canvas.Text("FilledBox, inner", {245, 88}, {0.5, 0.5}, small);
 
     filled.mode = Library::FilledBox::FillFrame;
     filled.inner = Pixels(p_canvas, {354, 142, 420, 226});
     filled.outer = Pixels(p_canvas, {332, 116, 442, 252});
     filled(p_gl.Handle());
-    p_canvas.Text("FilledBox, frame", 387, 88, {0.5, 0.5}, small);
+    p_canvas.Text("FilledBox, frame", {387, 88}, {0.5, 0.5}, small);
   }
 
   void DrawPanels(Utility::Scoped<Rgl>& p_gl, Canvas& p_canvas) {
@@ -336,15 +337,15 @@ private:
       quad.rect = Pixels(p_canvas, panel.rect);
       quad.border = panel.patched ? static_cast<std::uint32_t>(border) : 0;
       quad(p_gl.Handle(), *_panel);
-      p_canvas.Text(panel.text, (panel.rect.left + panel.rect.right) / 2, (panel.rect.bottom + panel.rect.top) / 2,
-                    {0.5, 0.5}, {15, Theme::Title, false});
+      p_canvas.Text(panel.text, {(panel.rect.left + panel.rect.right) / 2, (panel.rect.bottom + panel.rect.top) / 2},
+                    {0.5, 0.5}, {15, GalleryTheme::Title, false});
     }
-    p_canvas.Text("Corners keep their size, edges stretch; the smallest, 48 × 48, is nearly all corners", 500, 88,
-                  {0, 0.5}, {14, Theme::Faint, false});
+    p_canvas.Text("Corners keep their size, edges stretch; the smallest, 48 × 48, is nearly all corners", {500, 88},
+                  {0, 0.5}, {14, GalleryTheme::Faint, false});
   }
 
   void DrawLayers(Utility::Scoped<Rgl>& p_gl, Canvas& p_canvas) const {
-    const TextRenderer::Style small{16, Theme::Text, false};
+    const TextRenderer::Style small{16, GalleryTheme::Text, false};
     constexpr const char* Names[] = {"2: off", "1: alpha", "0: multiply"};
     for (std::size_t i = 0; i < _layers.size(); ++i) {
       const double left = 1110 + 150 * static_cast<double>(i);
@@ -352,7 +353,7 @@ private:
       Library::TexturedQuad quad;
       quad.rect = Pixels(p_canvas, {left, 116, left + 136, 252});
       quad(p_gl.Handle(), {_ground, _layers[i]});
-      p_canvas.Text(Names[i], left + 68, 88, {0.5, 0.5}, small);
+      p_canvas.Text(Names[i], {left + 68, 88}, {0.5, 0.5}, small);
     }
   }
 

@@ -4,6 +4,7 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/FlowLines.h"
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Glyphs.h"
 #include "apps/gallery/MapWind.h"
 #include "apps/gallery/Palettes.h"
@@ -12,7 +13,6 @@
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
 #include "scene/StreamlineTracer.h"
-#include "scene/Theme.h"
 #include "scene/TubeMesh.h"
 
 #include <algorithm>
@@ -67,10 +67,10 @@ protected:
     DrawColored(p_gl, Colors(), {&_ribbons, &_tubes, &_heads.Mesh()});
   }
 
-  void DrawLegends(Utility::Scoped<Rgl>&, const View&, Canvas& p_canvas) override {
-    _ground.DrawLegends(p_canvas, Colors(), "Streamlines of the world's wind", "Streamlines of the wind");
-    p_canvas.Text("Tubes: faster winds. Ribbons: calmer ones.", p_canvas.Width() - 60, 70, {1, 0.5},
-                  {Theme::SmallSize, Theme::Text, false});
+  void DrawLegends(Utility::Scoped<Rgl>&, const View& p_view, Canvas& p_canvas) override {
+    _ground.DrawLegends(p_canvas, p_view, Colors(), "Streamlines of the world's wind", "Streamlines of the wind");
+    p_canvas.Text("Tubes: faster winds. Ribbons: calmer ones.", {p_canvas.Width() - 60, 70}, {1, 0.5},
+                  {GalleryTheme::SmallSize, GalleryTheme::Text, false});
   }
 
 private:

@@ -4,10 +4,10 @@
 
 #include "apps/gallery/PictureLoaders.h"
 
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Palettes.h"
 #include "scene/Canvas.h"
 #include "scene/TextRenderer.h"
-#include "scene/Theme.h"
 
 #include "library/Pattern.h"
 #include "library/Style.h"
@@ -49,10 +49,10 @@ constexpr double Right = 800; ///< of those of fills and texts
 constexpr double Upper = 836; ///< of the headings of lines and fills
 constexpr double Lower = 358; ///< of those of point sprites and texts
 
-const TextRenderer::Style Heading{Theme::TextSize, Theme::Title, true};
-const TextRenderer::Style Label{Theme::SmallSize, Theme::Text, false};
-const TextRenderer::Style Small{15, Theme::Text, false};
-const TextRenderer::Style Note{16, Theme::Faint, false};
+const TextRenderer::Style Heading{GalleryTheme::TextSize, GalleryTheme::Title, true};
+const TextRenderer::Style Label{GalleryTheme::SmallSize, GalleryTheme::Text, false};
+const TextRenderer::Style Small{15, GalleryTheme::Text, false};
+const TextRenderer::Style Note{16, GalleryTheme::Faint, false};
 
 const QColor UnderLines(0x48617C); ///< the second colours
 const QColor UnderFills(0x283A4C);
@@ -106,11 +106,12 @@ public:
   Camera StartCamera() const override { return {}; }
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
-    DrawBackground(p_gl, p_view, _text);
+    DrawBackground(p_gl, p_view);
     if (_sprites.empty())
       LoadSprites(p_gl);
-    Canvas canvas(p_gl, p_view, _text);
-    canvas.Title("Styles", "Every pattern by its number, pixel by pixel; 0 draws nothing, unknown numbers are solid");
+    Canvas canvas(p_gl, p_view.viewport, _text, PointSize(p_view));
+    DrawTitle(canvas, "Styles",
+              "Every pattern by its number, pixel by pixel; 0 draws nothing, unknown numbers are solid");
     DrawLines(p_gl, canvas);
     DrawFills(p_gl, canvas);
     DrawSprites(p_gl, canvas);
@@ -137,13 +138,13 @@ private:
                    {3, 646, 736, "one colour", Qt::transparent}};
     constexpr double Pitch = 41;
     const std::vector<QColor> colors = Palettes::Plasma(0.4, 0.95);
-    p_canvas.Text("Lines", Left - 2, Upper, {0, 0.5}, Heading);
+    p_canvas.Text("Lines", {Left - 2, Upper}, {0, 0.5}, Heading);
     for (const auto& column : columns)
-      p_canvas.Text(column.name, column.left - 2, Upper, {0, 0.5}, Label);
+      p_canvas.Text(column.name, {column.left - 2, Upper}, {0, 0.5}, Label);
     const double point = p_canvas.PointSize();
     for (std::size_t i = 0; i < std::size(LineNames); ++i) {
       const double y = Upper - 40 - Pitch * static_cast<double>(i);
-      p_canvas.Text(Numbered(i, LineNames[i]), Left - 2, y, {0, 0.5}, Label);
+      p_canvas.Text(Numbered(i, LineNames[i]), {Left - 2, y}, {0, 0.5}, Label);
       Types::LineStyle style;
       style.pattern.Set(static_cast<std::uint32_t>(i + 1));
       style.color.Set(colors[i * (colors.size() - 1) / (std::size(LineNames) - 1)]);
@@ -158,15 +159,15 @@ private:
   static void DrawFills(Utility::Scoped<Rgl>& p_gl, Canvas& p_canvas) {
     constexpr std::size_t Columns = 4;
     const std::vector<QColor> colors = Palettes::Viridis(0.4, 0.95);
-    p_canvas.Text("Fills", Right - 2, Upper, {0, 0.5}, Heading);
-    p_canvas.Text("strip: second colour transparent, so solid; right: 12 × 12 pixels, enlarged", Right + 66, Upper,
+    p_canvas.Text("Fills", {Right - 2, Upper}, {0, 0.5}, Heading);
+    p_canvas.Text("strip: second colour transparent, so solid; right: 12 × 12 pixels, enlarged", {Right + 66, Upper},
                   {0, 0.5}, Note);
     for (std::size_t i = 0; i < std::size(FillNames); ++i) {
       const double left = Right + 193 * static_cast<double>(i % Columns);
       const double top = Upper - 28 - 141 * static_cast<double>(i / Columns);
       DrawSwatch(p_gl, p_canvas, {left, top - 84, left + 84, top}, static_cast<std::uint32_t>(i + 1),
                  colors[i * (colors.size() - 1) / (std::size(FillNames) - 1)]);
-      p_canvas.Text(Numbered(i, FillNames[i]), left - 2, top - 102, {0, 0.5}, Label);
+      p_canvas.Text(Numbered(i, FillNames[i]), {left - 2, top - 102}, {0, 0.5}, Label);
     }
   }
 
@@ -200,10 +201,10 @@ private:
     constexpr double Pitch = 88;
     const double point = p_canvas.PointSize();
     const std::vector<QColor> colors = Palettes::Plasma(0.3, 0.95);
-    p_canvas.Text("Point sprites", Left - 2, Lower, {0, 0.5}, Heading);
+    p_canvas.Text("Point sprites", {Left - 2, Lower}, {0, 0.5}, Heading);
     const auto pixels = [&](int p_points) { return Rounded(p_points * point); };
     p_canvas.Text(QString("of %1, %2, %3 and %4 pixels").arg(pixels(64)).arg(pixels(32)).arg(pixels(16)).arg(pixels(8)),
-                  Left + 166, Lower, {0, 0.5}, Note);
+                  {Left + 166, Lower}, {0, 0.5}, Note);
     for (std::size_t i = 0; i < _sprites.size(); ++i) {
       const double x = Left + 36 + Pitch * static_cast<double>(i);
       Library::TexturedQuad quad;
@@ -214,18 +215,18 @@ private:
                      static_cast<float>(Rounded((y - size / 2) * point)), side, side};
         quad(p_gl.Handle(), *_sprites[i]);
       }
-      p_canvas.Text(QString::number(i + 1), x, 106, {0.5, 0.5}, Label);
-      p_canvas.Text(PointNames[i], x, 82, {0.5, 0.5}, Small);
+      p_canvas.Text(QString::number(i + 1), {x, 106}, {0.5, 0.5}, Label);
+      p_canvas.Text(PointNames[i], {x, 82}, {0.5, 0.5}, Small);
     }
   }
 
   /// The sizes on one base line, each written in itself, and the three kinds of text.
   void DrawTexts(Utility::Scoped<Rgl>& p_gl, Canvas& p_canvas) {
     const double point = p_canvas.PointSize();
-    p_canvas.Text("Texts", Right - 2, Lower, {0, 0.5}, Heading);
-    p_canvas.Text("each says its size in pixels, 2 to 96", Right + 76, Lower, {0, 0.5}, Note);
+    p_canvas.Text("Texts", {Right - 2, Lower}, {0, 0.5}, Heading);
+    p_canvas.Text("each says its size in pixels, 2 to 96", {Right + 76, Lower}, {0, 0.5}, Note);
     Types::TextStyle style;
-    style.color.Set(Theme::Title);
+    style.color.Set(GalleryTheme::Title);
     double x = Right * point;
     for (std::size_t i = 0; i < _ladder.size(); ++i) {
       style.size.Set(static_cast<std::uint32_t>(std::max(1, Rounded(TextSizes[i] * point))));
@@ -248,7 +249,7 @@ private:
       Library::Style::ApplyStyle(_kinds[i], style);
       const double left = Right + 266 * static_cast<double>(i);
       DrawOnBaseLine(p_gl, *_kinds[i], left * point, 118 * point);
-      p_canvas.Text(kinds[i].note, left, 80, {0, 0.5}, Label);
+      p_canvas.Text(kinds[i].note, {left, 80}, {0, 0.5}, Label);
     }
   }
 

@@ -4,6 +4,7 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/Files.h"
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Glyphs.h"
 #include "apps/gallery/ModelFile.h"
 #include "apps/gallery/Palettes.h"
@@ -11,7 +12,6 @@
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
 #include "scene/InstancedMesh.h"
-#include "scene/Theme.h"
 
 #include "library/ModelCache.h"
 #include "library/SymbolRegistry.h"
@@ -127,7 +127,7 @@ protected:
     bright.ambient = 0.5;
     const auto light = bright.Apply(p_gl);
     const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
-    p_gl->LineWidth(static_cast<float>(std::max(1.0, 3.0 * p_world.PointSize())));
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 3.0 * PointSize(p_world))));
     for (Symbol& symbol : _symbols)
       _painter.Draw(p_gl, symbol.mesh, symbol.instances, Colors());
   }
@@ -137,13 +137,13 @@ protected:
       _painter.DrawDepths(p_gl, symbol.mesh, symbol.instances);
   }
 
-  void DrawLegends(Utility::Scoped<Rgl>&, const View&, Canvas& p_canvas) override {
-    p_canvas.Title("Symbols", "The built-in glyph models, each with all its copies in one draw call");
+  void DrawLegends(Utility::Scoped<Rgl>&, const View& p_view, Canvas& p_canvas) override {
+    DrawTitle(p_canvas, "Symbols", "The built-in glyph models, each with all its copies in one draw call");
     int cell = 0;
     for (const Symbol& symbol : _symbols)
-      LabelCell(p_canvas, cell++, symbol.name, Theme::Text);
+      LabelCell(p_canvas, p_view, cell++, symbol.name, GalleryTheme::Text);
     if (cell < Columns * Rows)
-      LabelCell(p_canvas, cell, "yours: --model FILE.obj", Theme::Faint);
+      LabelCell(p_canvas, p_view, cell, "yours: --model FILE.obj", GalleryTheme::Faint);
   }
 
 private:
@@ -153,9 +153,10 @@ private:
     InstanceBuffers instances;
   };
 
-  static void LabelCell(Canvas& p_canvas, int p_cell, const QString& p_text, const QColor& p_color) {
-    p_canvas.TextAt(p_text, CellCenter(p_cell) + Point(0, 0, -0.44 * CellHeight), 0, 0, {0.5, 0.5},
-                    {Theme::SmallSize, p_color, false});
+  static void LabelCell(Canvas& p_canvas, const View& p_view, int p_cell, const QString& p_text,
+                        const QColor& p_color) {
+    p_canvas.TextAt(p_text, p_view, CellCenter(p_cell) + Point(0, 0, -0.44 * CellHeight), {0, 0}, {0.5, 0.5},
+                    {GalleryTheme::SmallSize, p_color, false});
   }
 
   std::string _folder;                               ///< of the built-in models

@@ -4,11 +4,11 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/Files.h"
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Palettes.h"
 #include "apps/gallery/SpacePicture.h"
 #include "apps/gallery/VolumeFile.h"
 #include "scene/Canvas.h"
-#include "scene/Theme.h"
 #include "scene/VolumeSlices.h"
 
 #include "library/Intersect.h"
@@ -72,24 +72,25 @@ protected:
     p_gl->PolygonOffset(1, 1);
     _painter->Draw(p_gl, _slices, Colors(),
                    {static_cast<float>(_file.low) / 255, static_cast<float>(_file.high) / 255});
-    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.4 * p_world.PointSize())));
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.4 * PointSize(p_world))));
     p_gl->Color(QColor(0xDCE3EA));
     DrawOutlines(p_gl, _slices);
-    p_gl->Color(Theme::Line);
+    p_gl->Color(GalleryTheme::Line);
     DrawEdges(p_gl, _box);
   }
 
   void DrawDepths(Utility::Scoped<Rgl>& p_gl) override { _painter->DrawDepths(p_gl, _slices); }
 
-  void DrawLegends(Utility::Scoped<Rgl>&, const View&, Canvas& p_canvas) override {
+  void DrawLegends(Utility::Scoped<Rgl>&, const View& p_view, Canvas& p_canvas) override {
     if (_ocean)
-      LabelOcean(p_canvas);
+      LabelOcean(p_canvas, p_view);
     else
-      p_canvas.Title("Volume", QString("%1, %2 × %3 × %4 voxels")
-                                   .arg(QString::fromStdString(FileName(_path)))
-                                   .arg(_file.image->Height())
-                                   .arg(_file.image->Width())
-                                   .arg(_file.image->Depth()));
+      DrawTitle(p_canvas, "Volume",
+                QString("%1, %2 × %3 × %4 voxels")
+                    .arg(QString::fromStdString(FileName(_path)))
+                    .arg(_file.image->Height())
+                    .arg(_file.image->Width())
+                    .arg(_file.image->Depth()));
     std::vector<Canvas::Tick> ticks;
     constexpr int Ticks = 4;
     for (int i = 0; i <= Ticks; ++i) {
@@ -112,10 +113,10 @@ private:
                               size.z * centered(p_place.z, _file.image->Depth()));
   }
 
-  void LabelOcean(Canvas& p_canvas) const {
-    const TextRenderer::Style faint{Theme::SmallSize, Theme::Faint, false};
-    p_canvas.Title("Salinity of the ocean",
-                   "Mean of all years, cut along 30° west, along the equator and across the depth");
+  void LabelOcean(Canvas& p_canvas, const View& p_view) const {
+    const TextRenderer::Style faint{GalleryTheme::SmallSize, GalleryTheme::Faint, false};
+    DrawTitle(p_canvas, "Salinity of the ocean",
+              "Mean of all years, cut along 30° west, along the equator and across the depth");
     const Point& low = _box.Min();
     const Point& high = _box.Max();
     for (int lon = 60; lon <= 360; lon += 60) {
@@ -124,15 +125,15 @@ private:
                            : lon == 180 ? "180°"
                            : lon == 360 ? "0°"
                                         : QString("%1° W").arg(360 - lon);
-      p_canvas.TextAt(text, {x, low.y, low.z}, 6, -14, {0.5, 1}, faint);
+      p_canvas.TextAt(text, p_view, {x, low.y, low.z}, {6, -14}, {0.5, 1}, faint);
     }
     for (int lat = -60; lat <= 60; lat += 30) {
       const double y = low.y + (high.y - low.y) * (lat + 90.5) / 180.0;
       const QString text = lat == 0 ? "0°" : QString("%1° %2").arg(std::abs(lat)).arg(lat < 0 ? "S" : "N");
-      p_canvas.TextAt(text, {low.x, y, low.z}, -14, -6, {1, 0.5}, faint);
+      p_canvas.TextAt(text, p_view, {low.x, y, low.z}, {-14, -6}, {1, 0.5}, faint);
     }
-    p_canvas.TextAt("surface", {high.x, low.y, high.z}, 14, 0, {0, 0.5}, faint);
-    p_canvas.TextAt("5000 m", {high.x, low.y, low.z}, 14, 0, {0, 0.5}, faint);
+    p_canvas.TextAt("surface", p_view, {high.x, low.y, high.z}, {14, 0}, {0, 0.5}, faint);
+    p_canvas.TextAt("5000 m", p_view, {high.x, low.y, low.z}, {14, 0}, {0, 0.5}, faint);
   }
 
   bool _ocean;

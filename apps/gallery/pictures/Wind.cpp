@@ -4,13 +4,13 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/FlowLines.h"
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Glyphs.h"
 #include "apps/gallery/Palettes.h"
 #include "apps/gallery/SpacePicture.h"
 #include "apps/gallery/WindMap.h"
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
-#include "scene/Theme.h"
 
 #include "library/VectorSymbol.h"
 
@@ -63,7 +63,7 @@ public:
 protected:
   void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
     const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
-    p_gl->LineWidth(static_cast<float>(std::max(1.0, 3 * p_world.PointSize())));
+    p_gl->LineWidth(static_cast<float>(std::max(1.0, 3 * PointSize(p_world))));
     _ground.Draw(p_gl, p_world);
     DrawShadows(p_gl);
     p_gl->Clear(RGL_DEPTH_BUFFER_BIT); // of the shadows
@@ -80,10 +80,10 @@ protected:
     _glyphs.Draw(p_gl);
   }
 
-  void DrawLegends(Utility::Scoped<Rgl>&, const View&, Canvas& p_canvas) override {
-    _ground.DrawLegends(p_canvas, Colors(), "Winds of the world", "Surface wind");
-    p_canvas.TextAt(QString::number(KeySpeed(), 'g', 3) + " m/s", KeyPlace(), 0, -14, {0.5, 1},
-                    {Theme::SmallSize, Theme::Text, false});
+  void DrawLegends(Utility::Scoped<Rgl>&, const View& p_view, Canvas& p_canvas) override {
+    _ground.DrawLegends(p_canvas, p_view, Colors(), "Winds of the world", "Surface wind");
+    p_canvas.TextAt(QString::number(KeySpeed(), 'g', 3) + " m/s", p_view, KeyPlace(), {0, -14}, {0.5, 1},
+                    {GalleryTheme::SmallSize, GalleryTheme::Text, false});
   }
 
 private:

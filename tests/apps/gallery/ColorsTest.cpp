@@ -1,7 +1,7 @@
 // The sheet of colour maps, looked at pixel by pixel.
 
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/HeightField.h"
-#include "scene/Theme.h"
 
 #include "library/ColorMap.h"
 #include "library/NamedColors.h"
@@ -50,7 +50,7 @@ TEST(ColorsPixels, MapsHaveTheirClassesAndTheirLightness) {
     const auto map = static_cast<std::size_t>(std::find(names.begin(), names.end(), row.name) - names.begin());
     const int x = left(map) + static_cast<int>((pitch - 18) * row.place);
     int curve = 731;
-    while (curve > 546 && Distance(PixelAt(x, curve), Theme::Title) > 60)
+    while (curve > 546 && Distance(PixelAt(x, curve), GalleryTheme::Title) > 60)
       --curve;
     EXPECT_NEAR(curve, 546 + 182 * row.lightness / 100, 3.5) << row.name << " at " << row.place;
   }

@@ -1,5 +1,5 @@
+#include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/MapFrame.h"
-#include "scene/Theme.h"
 
 #include "library/Pattern.h"
 
@@ -43,8 +43,8 @@ TEST(GalleryPixels, EveryPictureIsFilledAndFramedByTheBackground) {
     const QImage image = RenderPicture(entry, DataInputs(), Small);
     EXPECT_EQ(reports.Texts(), std::vector<std::string>{}) << entry.name;
     ASSERT_EQ(image.size(), QSize(480, 300)) << entry.name;
-    EXPECT_LT(Distance(image.pixelColor(0, 0), Theme::BackgroundTop), 6) << entry.name;
-    EXPECT_LT(Distance(image.pixelColor(479, 299), Theme::BackgroundBottom), 6) << entry.name;
+    EXPECT_LT(Distance(image.pixelColor(0, 0), GalleryTheme::BackgroundTop), 6) << entry.name;
+    EXPECT_LT(Distance(image.pixelColor(479, 299), GalleryTheme::BackgroundBottom), 6) << entry.name;
     int drawn = 0;
     for (int y = 0; y < image.height(); ++y)
       for (int x = 0; x < image.width(); ++x)
@@ -53,7 +53,7 @@ TEST(GalleryPixels, EveryPictureIsFilledAndFramedByTheBackground) {
     int title = 0;
     for (int y = 10; y < 26; ++y)
       for (int x = 10; x < 100; ++x)
-        title += Distance(image.pixelColor(x, y), Theme::Title) < 60 ? 1 : 0;
+        title += Distance(image.pixelColor(x, y), GalleryTheme::Title) < 60 ? 1 : 0;
     EXPECT_GT(title, 40) << entry.name; // the shortest is "Cuts"
     EXPECT_TRUE(fs::exists(std::string(VEK_SOURCE_DIR) + "/" + entry.source)) << entry.source;
   }

@@ -243,10 +243,10 @@ TEST_F(ViewerTest, BoundsItsTextTextures) {
   {
     Utility::Scoped<Rgl> gl(_gl);
     const int before = live;
-    Gallery::TextRenderer text;
-    for (int i = 0; i < 600; ++i) {
-      text.Draw(gl, QString::number(i), 0, 0, {}, {8, Qt::white, false}, 1);
-      ASSERT_LE(live - before, static_cast<int>(Gallery::TextRenderer::MostTextures));
+    Scene::TextRenderer text;
+    for (int i = 0; i < 1200; ++i) {
+      text.Draw(gl, QString::number(i), {0, 0}, {}, {8, Qt::white, false}, 1);
+      ASSERT_LE(live - before, static_cast<int>(Scene::TextRenderer::MostTextures));
     }
   }
   View().doneCurrent();

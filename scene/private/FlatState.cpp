@@ -1,0 +1,35 @@
+#include "scene/private/FlatState.h"
+
+#include "platform/ogl/Guard.h"
+
+namespace Vek::Chart::Scene {
+
+boost::shared_ptr<void> FlatState(Utility::Scoped<Rgl>& p_gl) {
+  const Rgl& gl = *p_gl;
+  const boost::shared_ptr<void> attributes =
+      gl.PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT |
+                         RGL_LIGHTING_BIT | RGL_POLYGON_BIT | RGL_TEXTURE_BIT);
+  int program = 0;
+  const bool programs = gl.GlVersion() >= Utility::VersionNo(2, 0, 0);
+  if (programs) {
+    gl.GetIntegerv(RGL_CURRENT_PROGRAM, &program);
+    gl.UseProgram(0);
+  }
+  gl.ActiveTexture(RGL_TEXTURE0);
+  for (const Ogl::GlEnum off :
+       {RGL_LIGHTING, RGL_FOG, RGL_DEPTH_TEST, RGL_STENCIL_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_COLOR_LOGIC_OP,
+        RGL_TEXTURE_2D, RGL_TEXTURE_3D, RGL_TEXTURE_GEN_S, RGL_TEXTURE_GEN_T, RGL_POLYGON_STIPPLE, RGL_POLYGON_SMOOTH})
+    gl.Disable(off);
+  for (Ogl::GlEnum plane = 0; plane < 6; ++plane)
+    gl.Disable(RGL_CLIP_PLANE0 + plane);
+  gl.PolygonMode(RGL_FRONT_AND_BACK, RGL_FILL);
+  gl.ShadeModel(RGL_SMOOTH);
+  gl.Enable(RGL_BLEND);
+  gl.BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
+  return Ogl::MakeGuard([gl = gl.Functions(), attributes, programs, program] {
+    if (programs)
+      gl->UseProgram(static_cast<unsigned int>(program));
+  });
+}
+
+} // namespace Vek::Chart::Scene
