@@ -10,7 +10,8 @@ std::string PackedDepthText() {
 }
 
 DepthShader::DepthShader(Utility::Scoped<Rgl>& p_gl)
-    : _program(p_gl, "void main() { gl_Position = ftransform(); }\n", PackedDepthText()) {}
+    : _program(p_gl, "void main() { gl_ClipVertex = gl_ModelViewMatrix * gl_Vertex; gl_Position = ftransform(); }\n",
+               PackedDepthText()) {}
 
 void DepthShader::Draw(Utility::Scoped<Rgl>& p_gl, const boost::function<void()>& p_draw) const {
   const Library::DepthPass pass(p_gl);

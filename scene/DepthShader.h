@@ -12,23 +12,28 @@
 
 namespace Vek::Chart::Scene {
 
-/// A fragment shader that writes the depth of each fragment, packed by DepthCodec.
+/// The source of a fragment shader that writes the depth of each fragment, packed by DepthCodec::PreciseGlsl. It reads
+/// no varyings, so that any vertex shader can be linked with it.
+///
+/// \ingroup picking
 VEK_SCENE_API std::string PackedDepthText();
 
-/// Draws a scene with the depth of each fragment packed into its colour, as the callback of a
-/// TopMostFragmentDepthBuffer must:
+/// Draws depths packed into colours, as the callback of a TopMostFragmentDepthBuffer must: for everything that is
+/// placed by GL's matrices and fixed vertex attributes (VertexData, GpuMesh, drawables, immediate mode). Drawings with
+/// a vertex shader of their own link it with PackedDepthText.
 ///
-///     const DepthShader shader(gl);
-///     picker.GetDepthAt(gl, viewport, pixel, stamp,
-///                       [&](DepthCodec::Encoding) { shader.Draw(gl, [&] { DrawMyMeshes(gl); }); }, result);
+/// Owns a shader program, which must be destroyed while its context is current. A failure to link is reported; the
+/// depths are then not packed.
 ///
-/// For meshes that are placed by fixed-function matrices; those with a vertex shader of their own link it with
-/// PackedDepthText.
+/// \snippet SceneMeshSnippets.cpp DepthShader
+/// \ingroup picking
 class VEK_SCENE_API DepthShader {
 public:
+  /// Compiles and links.
   explicit DepthShader(Utility::Scoped<Rgl>& p_gl);
 
-  /// Calls `p_draw` under a DepthPass, with the shader in use.
+  /// Calls `p_draw` under a DepthPass, which clears the current frame buffer, with the shader in use. Restores all
+  /// state.
   void Draw(Utility::Scoped<Rgl>& p_gl, const boost::function<void()>& p_draw) const;
 
 private:

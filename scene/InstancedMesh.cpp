@@ -1,138 +1,456 @@
 #include "scene/InstancedMesh.h"
 
 #include "scene/DepthShader.h"
+#include "scene/private/GpuArray.h"
+#include "scene/private/InstanceSorting.h"
+#include "scene/private/MeshShaders.h"
 
-#include "platform/ogl/BufferPool.h"
+#include "library/Icosphere.h"
+#include "platform/ogl/ShaderProgram.h"
+
+#include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace Vek::Chart::Scene {
 
 namespace {
 
-using Types::Vector3_Base;
-using Record = Ogl::Attribute<Ogl::Vec3<float>>;
+using Private::GpuArray;
+using Private::InstanceSorting;
+using Point = Types::Vector3_Base<double>;
+using Types::Matrix3;
+using Record = Ogl::Vec3<float>;
+using Axes = std::array<float, 6>;
 
-// Locations that no fixed attribute (position 0, normal 2, colours 3 and 4, texture coordinates from 8 on) shares.
-enum Location : unsigned int { PlaceLocation = 1, MeasureLocation = 5, AxisXLocation = 6, AxisYLocation = 7 };
+constexpr const char* Signature =
+    "void __cdecl Vek::Chart::Scene::InstancedMesh::Draw(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> "
+    "&) const";
+
+// Locations that no fixed attribute of a mesh has: not position (0), normal (2), colours (3, 4) and texture coordinate
+// 0 (8).
+enum Location : unsigned int {
+  PlaceLocation = 1,
+  SizeLocation = 5,
+  AxisXLocation = 6,
+  AxisYLocation = 7,
+  PaintLocation = 9
+};
 
 const char* const VertexText = R"(#version 120
-attribute vec3 place;   // of the instance's middle
-attribute vec3 measure; // size, value
-attribute vec3 axis_x;  // of the turned instance
+attribute vec3 place;   // of the instance's origin
+attribute float size;
+attribute vec3 axis_x;  // of the rotated mesh
 attribute vec3 axis_y;
-uniform vec3 center;    // of the model
-uniform float fit;      // scale that makes the model one unit large
-varying vec3 normal;
-varying vec3 position;  // before the eye
-varying float value;
-void main() {
-  mat3 turn = mat3(axis_x, axis_y, cross(axis_x, axis_y));
-  vec4 world = vec4(place + turn * (gl_Vertex.xyz - center) * (fit * measure.x), 1.0);
-  vec4 eye = gl_ModelViewMatrix * world;
-  position = eye.xyz;
-  normal = gl_NormalMatrix * (turn * gl_Normal);
-  value = measure.y;
-  gl_Position = gl_ProjectionMatrix * eye;
-}
-)";
-
-const char* const FragmentText = R"(#version 120
-uniform sampler2D colors;
-uniform int surface; // 0: none, 1: with normals, 2: to be shaded face by face
+attribute vec4 paint;   // a value, a colour or an id
+uniform vec3 center;    // of the mesh
+uniform float fit;      // scale of the mesh for an instance of size 1
+uniform float least;    // least size at a distance of 1
+uniform int sized;      // whether there are sizes
+uniform int oriented;   // whether there are axes
+uniform int painted;    // whether there are values, colours or ids
 varying vec3 normal;
 varying vec3 position;
 varying float value;
+varying float missing;
+varying vec4 own;
 void main() {
-  vec3 color = texture2D(colors, vec2(value, 0.5)).rgb;
-  vec3 shade = vec3(1.0);
-  vec3 gloss = vec3(0.0);
-  if (surface != 0) {
-    vec3 face = cross(dFdx(position), dFdy(position)); // towards the eye
-    vec3 n = normalize(surface == 2 ? face : gl_FrontFacing ? normal : -normal);
-    vec3 l = normalize(gl_LightSource[0].position.xyz);
-    vec3 h = normalize(l - normalize(position));
-    float facing = max(dot(n, l), 0.0);
-    shade = gl_LightModel.ambient.rgb + gl_LightSource[0].diffuse.rgb * facing;
-    if (facing > 0.0)
-      gloss = gl_LightSource[0].specular.rgb * pow(max(dot(n, h), 0.0), gl_FrontMaterial.shininess);
-  }
-  gl_FragColor = vec4(color * shade + gloss, 1.0);
+  mat3 turn = oriented != 0 ? mat3(axis_x, axis_y, cross(axis_x, axis_y)) : mat3(1.0);
+  float factor = sized != 0 ? size : 1.0;
+  bool shown = place.x < 3.2e38 && factor > 0.0 && (oriented == 0 || dot(axis_x, axis_x) > 0.0);
+  if (least > 0.0)
+    factor = max(factor, least * (gl_ModelViewProjectionMatrix * vec4(place, 1.0)).w);
+  vec4 world = vec4(place + turn * (gl_Vertex.xyz - center) * (fit * factor), 1.0);
+  vec4 eye = gl_ModelViewMatrix * world;
+  position = eye.xyz;
+  normal = gl_NormalMatrix * (turn * gl_Normal);
+  own = painted != 0 ? paint : vec4(0.0);
+  missing = own.x > 3.2e38 ? 1.0 : 0.0;
+  value = missing > 0.0 ? 0.0 : own.x;
+  gl_ClipVertex = eye;
+  gl_Position = shown ? gl_ProjectionMatrix * eye : vec4(2.0, 2.0, 2.0, 1.0); // all vertices beyond the far plane
 }
 )";
 
-Record ToRecord(const Vector3_Base<double>& p_vector) {
-  return Ogl::Vec3<float>{static_cast<float>(p_vector.x), static_cast<float>(p_vector.y),
-                          static_cast<float>(p_vector.z)};
+const char* const IdText = R"(#version 120
+uniform float plot; // (number + 1) / 255
+varying vec4 own;
+void main() { gl_FragColor = vec4(own.rgb, plot); }
+)";
+
+template <class T>
+boost::shared_ptr<const std::vector<T>> Share(std::vector<T> p_elements) {
+  if (p_elements.empty())
+    return {};
+  return boost::make_shared<const std::vector<T>>(std::move(p_elements));
 }
 
-/// How the shader is to light a model.
-int SurfaceOf(const Mesh& p_model) {
-  if (p_model.indices.type != Ogl::VertexBuffer::Triangles)
+Point ToPoint(const Record& p_record) {
+  return {static_cast<double>(p_record.x), static_cast<double>(p_record.y), static_cast<double>(p_record.z)};
+}
+
+bool IsFinite(const Point& p_point) {
+  return std::isfinite(p_point.x) && std::isfinite(p_point.y) && std::isfinite(p_point.z);
+}
+
+/// Positions relative to an origin; (MissingValue, 0, 0) for missing ones.
+std::vector<Record> StoredPositions(const Array3& p_positions, const Point& p_origin) {
+  std::vector<Record> records;
+  records.reserve(p_positions.Count());
+  for (const auto& point : FloatPoints(p_positions, p_origin)) {
+    const bool isFinite = std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+    records.push_back(isFinite ? Record{point.x, point.y, point.z} : Record{Private::MissingValue, 0, 0});
+  }
+  return records;
+}
+
+/// Sizes, 0 for those that are not above 0 or not finite.
+std::vector<float> StoredSizes(const Array1& p_sizes) {
+  std::vector<float> sizes = FloatValues(p_sizes);
+  for (float& size : sizes)
+    size = size > 0 && std::isfinite(size) ? size : 0;
+  return sizes;
+}
+
+std::vector<float> StoredValues(const Array1& p_values) {
+  std::vector<float> values = FloatValues(p_values);
+  std::transform(values.begin(), values.end(), values.begin(), Private::StoredValue);
+  return values;
+}
+
+Axes AxesOf(const Matrix3& p_rotation) {
+  const Point x = p_rotation * Point(1, 0, 0), y = p_rotation * Point(0, 1, 0);
+  if (!IsFinite(x) || !IsFinite(y))
+    return {};
+  return {static_cast<float>(x.x), static_cast<float>(x.y), static_cast<float>(x.z),
+          static_cast<float>(y.x), static_cast<float>(y.y), static_cast<float>(y.z)};
+}
+
+bool HasDirection(const Point& p_direction) {
+  return IsFinite(p_direction) && !(p_direction == Point());
+}
+
+std::vector<Axes> StoredDirections(const Array3& p_directions, const Point& p_up) {
+  std::vector<Axes> axes;
+  axes.reserve(p_directions.Count());
+  for (const Point& direction : Points(p_directions))
+    axes.push_back(HasDirection(direction) ? AxesOf(Matrix3::FromAxis(direction, p_up)) : Axes{});
+  return axes;
+}
+
+std::vector<Axes> StoredRotations(const std::vector<Matrix3>& p_rotations) {
+  std::vector<Axes> axes(p_rotations.size());
+  std::transform(p_rotations.begin(), p_rotations.end(), axes.begin(), AxesOf);
+  return axes;
+}
+
+/// The ids as colours, lowest byte first; their positions if there are none.
+std::vector<GpuMesh::Rgba> StoredIds(const std::vector<std::uint32_t>& p_ids, std::size_t p_count) {
+  std::vector<GpuMesh::Rgba> bytes(p_count);
+  for (std::size_t i = 0; i < p_count; ++i) {
+    const std::size_t id = p_ids.empty() ? std::min<std::size_t>(i, PickPass::NoElement) : p_ids[i];
+    if (!p_ids.empty() && id >= PickPass::NoElement)
+      throw std::invalid_argument("InstancedMesh: ids: expected numbers below " + std::to_string(PickPass::NoElement) +
+                                  ", got " + std::to_string(id));
+    bytes[i] = {static_cast<unsigned char>(id & 255), static_cast<unsigned char>(id >> 8 & 255),
+                static_cast<unsigned char>(id >> 16 & 255), 255};
+  }
+  return bytes;
+}
+
+std::size_t CountUndirected(const Array3& p_directions) {
+  const std::vector<Point> directions = Points(p_directions);
+  return static_cast<std::size_t>(
+      std::count_if(directions.begin(), directions.end(), [](const Point& p_d) { return !HasDirection(p_d); }));
+}
+
+/// How far a level's mesh reaches from the position of an instance of size 1.
+double Reach(const InstancedMesh::Level& p_level) {
+  double reach = 0;
+  const Types::BoundingBox_Base<double>& box = p_level.mesh.Bounds();
+  if (box.Empty())
     return 0;
-  return (p_model.vertices.attributes & Library::ModelCache::VertexBuffer::Normals) != 0 ? 1 : 2;
+  for (const double x : {box.Min().x, box.Max().x})
+    for (const double y : {box.Min().y, box.Max().y})
+      for (const double z : {box.Min().z, box.Max().z})
+        reach = std::max(reach, Length(Point(x, y, z) - p_level.origin));
+  return reach * std::abs(p_level.scale);
 }
 
-void DrawInstances(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_program, const Mesh& p_model,
-                   InstanceBuffers& p_instances) {
-  const double diagonal = Length(p_model.box.Extent());
-  if (!p_program.Linked() || !(diagonal > 0))
-    return;
-  const auto inUse = p_program.Use(p_gl);
-  p_program.SetUniform(p_gl, "colors", 0);
-  p_program.SetUniform(p_gl, "center", p_model.box.Center());
-  p_program.SetUniform(p_gl, "fit", static_cast<float>(1.0 / diagonal));
-  p_program.SetUniform(p_gl, "surface", SurfaceOf(p_model));
-  Ogl::BufferDraw draw = Library::ModelDraw({p_model.vertices, p_model.indices, p_model.box});
-  draw.instanceAttributes = p_instances.Attributes(p_gl);
-  draw.Draw(p_gl, p_instances.Count());
-}
-
-/// The program that places instances and gives each pixel what the text of a fragment shader says.
-Ogl::ShaderProgram& Made(std::optional<Ogl::ShaderProgram>& p_program, Utility::Scoped<Rgl>& p_gl,
-                         const std::string& p_fragmentText) {
-  if (!p_program)
-    p_program.emplace(p_gl, VertexText, p_fragmentText,
-                      std::vector<std::string>{"", "place", "", "", "", "measure", "axis_x", "axis_y"});
-  return *p_program;
+double Reach(const std::vector<InstancedMesh::Level>& p_levels) {
+  double reach = 0;
+  for (const InstancedMesh::Level& level : p_levels)
+    reach = std::max(reach, Reach(level));
+  return reach;
 }
 
 } // namespace
 
-const std::vector<Ogl::BufferDraw::InstanceAttribute>& InstanceBuffers::Attributes(Utility::Scoped<Rgl>& p_gl) {
-  if (!_attributes.empty() || _instances.empty())
-    return _attributes;
-  const auto add = [&](Location p_location, auto p_recordOf) {
-    const auto buffer = p_gl->GetBufferPool().CreateBuffer<Record>(_instances.size(), Ogl::BufferUsage::Default);
-    const Ogl::BufferPool::WriteArray<Record> mapped(buffer, 0, _instances.size(), RGL_ARRAY_BUFFER);
-    std::transform(_instances.begin(), _instances.begin() + static_cast<std::ptrdiff_t>(mapped.Count()), mapped.Data(),
-                   p_recordOf);
-    _attributes.push_back({p_location, buffer});
+/// The buffers and shaders of one context.
+struct InstancedMesh::Buffers {
+  GpuArray positions;
+  GpuArray sizes;
+  GpuArray axes;
+  GpuArray paint;
+  GpuArray ids;
+  InstanceSorting sorting;
+  std::optional<Ogl::ShaderProgram> colored;
+  std::optional<Ogl::ShaderProgram> packed;
+  std::optional<Ogl::ShaderProgram> numbered;
+};
+
+InstancedMesh::Level InstancedMesh::Level::Centered(GpuMesh p_mesh) {
+  const Types::BoundingBox_Base<double> box = p_mesh.Bounds();
+  const double diagonal = Length(box.Extent());
+  Level level(std::move(p_mesh));
+  level.origin = box.Center();
+  level.scale = diagonal > 0 ? 1 / diagonal : 0;
+  return level;
+}
+
+std::vector<InstancedMesh::Level> InstancedMesh::Spheres() {
+  constexpr double Error = 0.2; // pixels
+  constexpr unsigned int Divisions = 3;
+  std::vector<Level> levels;
+  for (unsigned int divisions = 0; divisions <= Divisions; ++divisions) {
+    const Library::Icosphere sphere(divisions);
+    GpuMesh::Arrays arrays;
+    arrays.positions = sphere.positions;
+    arrays.normals = sphere.positions;
+    arrays.indices = sphere.indices;
+    Level level{GpuMesh(arrays)};
+    level.scale = 0.5;
+    // The largest distance of an edge from the sphere, for a radius of 1.
+    constexpr double Flatness[] = {0.1493, 0.0489, 0.0133};
+    if (divisions < Divisions)
+      level.mostPixels = 2 * Error / Flatness[divisions];
+    levels.push_back(std::move(level));
+  }
+  return levels;
+}
+
+InstancedMesh::InstancedMesh(GpuMesh p_mesh, const Instances& p_instances) {
+  std::vector<Level> levels;
+  levels.emplace_back(std::move(p_mesh));
+  *this = InstancedMesh(std::move(levels), p_instances);
+}
+
+InstancedMesh::InstancedMesh(std::vector<Level> p_levels, const Instances& p_instances)
+    : _levels(std::move(p_levels))
+    , _positions(Share(StoredPositions(p_instances.positions, p_instances.origin))) {
+  UpdateSizes(p_instances.sizes);
+  if (p_instances.directions.Count() != 0 && !p_instances.rotations.empty())
+    throw std::invalid_argument("InstancedMesh: expected directions or rotations, got both");
+  if (p_instances.rotations.empty())
+    UpdateDirections(p_instances.directions, p_instances.up);
+  else
+    UpdateRotations(p_instances.rotations);
+  UpdateValues(p_instances.values);
+  UpdateColors(p_instances.colors);
+  RequireLength("ids", p_instances.ids.size());
+  _ids = Share(StoredIds(p_instances.ids, Count()));
+}
+
+void InstancedMesh::SetLevels(std::vector<Level> p_levels) {
+  _levels = std::move(p_levels);
+}
+
+void InstancedMesh::RequireLength(const char* p_name, std::size_t p_count) const {
+  if (p_count != 0)
+    RequireCount(std::string("InstancedMesh: ") + p_name, p_count, Count());
+}
+
+void InstancedMesh::UpdatePositions(const Array3& p_positions, const Point& p_origin) {
+  RequireCount("InstancedMesh: positions", p_positions.Count(), Count());
+  _positions = Share(StoredPositions(p_positions, p_origin));
+}
+
+void InstancedMesh::UpdateSizes(const Array1& p_sizes) {
+  RequireLength("sizes", p_sizes.Count());
+  _sizes = Share(StoredSizes(p_sizes));
+}
+
+void InstancedMesh::UpdateDirections(const Array3& p_directions, const Point& p_up) {
+  RequireLength("directions", p_directions.Count());
+  _axes = Share(StoredDirections(p_directions, p_up));
+  _undirected = CountUndirected(p_directions);
+}
+
+void InstancedMesh::UpdateRotations(const std::vector<Matrix3>& p_rotations) {
+  RequireLength("rotations", p_rotations.size());
+  _axes = Share(StoredRotations(p_rotations));
+  _undirected = 0;
+}
+
+void InstancedMesh::UpdateValues(const Array1& p_values) {
+  RequireLength("values", p_values.Count());
+  _values = Share(StoredValues(p_values));
+}
+
+void InstancedMesh::UpdateColors(std::vector<Rgba> p_colors) {
+  RequireLength("colours", p_colors.size());
+  _colors = Share(std::move(p_colors));
+}
+
+Types::BoundingBox_Base<double> InstancedMesh::Bounds() const {
+  const double reach = Reach(_levels);
+  Types::BoundingBox_Base<double> bounds;
+  for (std::size_t i = 0; i < Count(); ++i) {
+    const Point position = ToPoint((*_positions)[i]);
+    const double size = _sizes ? static_cast<double>((*_sizes)[i]) : 1;
+    if ((*_positions)[i].x == Private::MissingValue || !(size > 0) || (_axes && (*_axes)[i] == Axes{}))
+      continue;
+    bounds += position - Point(1, 1, 1) * (reach * size);
+    bounds += position + Point(1, 1, 1) * (reach * size);
+  }
+  return bounds;
+}
+
+namespace {
+
+/// The program that places instances and colours fragments by `p_fragmentText`; null, after a report, without one.
+const Ogl::ShaderProgram* Made(std::optional<Ogl::ShaderProgram>& p_program, Utility::Scoped<Rgl>& p_gl,
+                               const std::string& p_fragmentText) {
+  if (!p_program || !p_program->Linked())
+    p_program.emplace(p_gl, VertexText, p_fragmentText,
+                      std::vector<std::string>{"", "place", "", "", "", "size", "axis_x", "axis_y", "", "paint"});
+  return p_program->Linked() ? &*p_program : nullptr;
+}
+
+/// Uploads an array in the order of the levels.
+template <class T>
+bool Upload(GpuArray& p_buffer, const Rgl& p_gl, const boost::shared_ptr<const std::vector<T>>& p_source,
+            const std::vector<std::uint32_t>& p_order) {
+  if (p_order.empty())
+    return p_buffer.Update(p_gl, p_source, Signature);
+  const auto gather = [&](void* p_to) {
+    std::transform(p_order.begin(), p_order.end(), static_cast<T*>(p_to),
+                   [&](std::uint32_t p_index) { return (*p_source)[p_index]; });
   };
-  add(PlaceLocation, [](const Instance& p_i) { return ToRecord(p_i.place); });
-  add(MeasureLocation, [](const Instance& p_i) { return ToRecord({p_i.size, p_i.value, 0}); });
-  add(AxisXLocation, [](const Instance& p_i) { return ToRecord(p_i.turn * Vector3_Base<double>(1, 0, 0)); });
-  add(AxisYLocation, [](const Instance& p_i) { return ToRecord(p_i.turn * Vector3_Base<double>(0, 1, 0)); });
-  return _attributes;
+  return p_buffer.Update(p_gl, p_source, gather, Signature);
 }
 
-Mesh MeshOf(const Library::SymbolRegistry& p_registry, Model::Symbol::Shape p_shape) {
-  return {p_registry.GetVertexBuffer(p_shape), p_registry.GetIndexBuffer(p_shape), p_registry.GetBoundingBox(p_shape)};
+} // namespace
+
+/// Finds the levels, if asked for or not yet known, and uploads what changed and what `p_paint` paints with. False if
+/// there is nothing to draw.
+bool InstancedMesh::Prepare(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const {
+  InstanceSorting& sorting = p_buffers.sorting;
+  if (p_paint == Paint::Colors || !sorting.Fits(_positions, _sizes, _levels.size())) {
+    std::vector<double> mostPixels(_levels.size());
+    std::transform(_levels.begin(), _levels.end(), mostPixels.begin(), [](const Level& p_l) { return p_l.mostPixels; });
+    if (sorting.Update({_positions, _sizes, std::move(mostPixels), Private::Projection::Of(p_gl)}))
+      for (GpuArray* const buffer :
+           {&p_buffers.positions, &p_buffers.sizes, &p_buffers.axes, &p_buffers.paint, &p_buffers.ids})
+        buffer->Forget();
+  }
+  const std::vector<std::uint32_t>& order = sorting.Order();
+  return Upload(p_buffers.positions, *p_gl, _positions, order) && Upload(p_buffers.sizes, *p_gl, _sizes, order) &&
+         Upload(p_buffers.axes, *p_gl, _axes, order) &&
+         (p_paint != Paint::Colors || (_colors ? Upload(p_buffers.paint, *p_gl, _colors, order)
+                                               : Upload(p_buffers.paint, *p_gl, _values, order))) &&
+         (p_paint != Paint::Ids || Upload(p_buffers.ids, *p_gl, _ids, order));
 }
 
-Mesh MeshOf(const Library::ModelCache& p_cache, std::size_t p_id) {
-  return {p_cache.GetVertexBuffer(p_id), p_cache.GetIndexBuffer(p_id), p_cache.GetBoundingBox(p_id)};
+/// Draws the instances of each level that may be seen, with the program in use.
+void InstancedMesh::DrawLevels(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, Paint p_paint,
+                               const Ogl::ShaderProgram& p_program) const {
+  const Private::Projection projection = Private::Projection::Of(p_gl);
+  const GpuArray* const paint = p_paint == Paint::Colors ? &p_buffers.paint
+                                : p_paint == Paint::Ids  ? &p_buffers.ids
+                                                         : nullptr;
+  const bool painted = paint != nullptr && *paint;
+  const bool paintsBytes = p_paint == Paint::Ids || _colors != nullptr;
+  p_program.SetUniform(p_gl, "sized", p_buffers.sizes ? 1 : 0);
+  p_program.SetUniform(p_gl, "oriented", p_buffers.axes ? 1 : 0);
+  p_program.SetUniform(p_gl, "painted", painted ? 1 : 0);
+  p_program.SetUniform(p_gl, "least", static_cast<float>(projection.pixels > 0 ? _leastPixels / projection.pixels : 0));
+  for (std::size_t i = 0; i < _levels.size(); ++i) {
+    const Level& level = _levels[i];
+    const InstanceSorting::Range& range = p_buffers.sorting.Ranges()[i];
+    const Point reach = Point(1, 1, 1) * (Reach(level) * range.largest);
+    if (range.count == 0 || range.box.Empty())
+      continue;
+    Types::BoundingBox_Base<double> box = range.box;
+    box += range.box.Min() - reach;
+    box += range.box.Max() + reach;
+    if (!(_leastPixels > 0) && !projection.MayShow(box))
+      continue;
+    p_program.SetUniform(p_gl, "center", level.origin);
+    p_program.SetUniform(p_gl, "fit", static_cast<float>(level.scale));
+    p_program.SetUniform(p_gl, "lighting", Private::LightingOf(level.mesh));
+    std::vector<GpuMesh::InstanceAttribute> attributes;
+    const auto add = [&](unsigned int p_location, const GpuArray& p_array, std::size_t p_record, std::size_t p_offset,
+                         unsigned int p_components, bool p_bytes) {
+      if (p_array)
+        attributes.push_back({p_location, p_array.Storage(), range.first * p_record + p_offset,
+                              static_cast<unsigned int>(p_record), p_components, p_bytes});
+    };
+    add(PlaceLocation, p_buffers.positions, sizeof(Record), 0, 3, false);
+    add(SizeLocation, p_buffers.sizes, sizeof(float), 0, 1, false);
+    add(AxisXLocation, p_buffers.axes, sizeof(Axes), 0, 3, false);
+    add(AxisYLocation, p_buffers.axes, sizeof(Axes), sizeof(Axes) / 2, 3, false);
+    if (painted)
+      add(PaintLocation, *paint, sizeof(float), 0, paintsBytes ? 4 : 1, paintsBytes);
+    level.mesh.DrawInstanced(p_gl, range.count, attributes);
+  }
 }
 
-void InstancePainter::Draw(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, InstanceBuffers& p_instances,
-                           const Library::ColorMap& p_colors) {
-  const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-  p_colors(p_gl, RGL_TEXTURE0);
-  DrawInstances(p_gl, Made(_colored, p_gl, FragmentText), p_model, p_instances);
+void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors,
+                         const ValueScale& p_scale) const {
+  p_scale.Check();
+  if (Count() == 0 || _levels.empty())
+    return;
+  Buffers& buffers = _buffers.Get(p_gl);
+  const Ogl::ShaderProgram* const program = Made(buffers.colored, p_gl, Private::LitColorText());
+  if (program == nullptr || !Prepare(p_gl, buffers, Paint::Colors))
+    return;
+  const auto map = p_colors.Bind(p_gl);
+  const auto inUse = program->Use(p_gl);
+  Private::SetColorUniforms(p_gl, *program, _colors ? Private::ByColor : Private::ByValue, p_colors, p_scale);
+  DrawLevels(p_gl, buffers, Paint::Colors, *program);
 }
 
-void InstancePainter::DrawDepths(Utility::Scoped<Rgl>& p_gl, const Mesh& p_model, InstanceBuffers& p_instances) {
-  DrawInstances(p_gl, Made(_packed, p_gl, PackedDepthText()), p_model, p_instances);
+void InstancedMesh::DrawDepths(Utility::Scoped<Rgl>& p_gl) const {
+  if (Count() == 0 || _levels.empty())
+    return;
+  Buffers& buffers = _buffers.Get(p_gl);
+  const Ogl::ShaderProgram* const program = Made(buffers.packed, p_gl, PackedDepthText());
+  if (program == nullptr || !Prepare(p_gl, buffers, Paint::Depths))
+    return;
+  const auto inUse = program->Use(p_gl);
+  DrawLevels(p_gl, buffers, Paint::Depths, *program);
+}
+
+void InstancedMesh::DrawIds(Utility::Scoped<Rgl>& p_gl, unsigned int p_plot) const {
+  if (p_plot >= PickPass::MostPlots)
+    throw std::invalid_argument("InstancedMesh: expected a plot below " + std::to_string(PickPass::MostPlots) +
+                                ", got " + std::to_string(p_plot));
+  if (Count() == 0 || _levels.empty())
+    return;
+  Buffers& buffers = _buffers.Get(p_gl);
+  const Ogl::ShaderProgram* const program = Made(buffers.numbered, p_gl, IdText);
+  if (program == nullptr || !Prepare(p_gl, buffers, Paint::Ids))
+    return;
+  const auto inUse = program->Use(p_gl);
+  program->SetUniform(p_gl, "plot", static_cast<float>(p_plot + 1) / 255);
+  DrawLevels(p_gl, buffers, Paint::Ids, *program);
+}
+
+void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const PickPass& p_pass) const {
+  if (p_pass.kind == PickPass::Ids)
+    DrawIds(p_gl, p_pass.plot);
+  else
+    DrawDepths(p_gl);
+}
+
+void InstancedMesh::Release(const Utility::Scoped<Rgl>& p_gl) const {
+  _buffers.Release(p_gl);
 }
 
 } // namespace Vek::Chart::Scene

@@ -1,30 +1,32 @@
 #include "scene/TubeMesh.h"
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Vek::Chart::Scene {
 
 namespace {
 
-using Point = Types::Vector3_Base<double>;
+using Vector = Types::Vector3_Base<double>;
 using Types::Matrix3;
+using TubePoint = TubeMesh::Point;
 
-/// Not for NaN.
-bool Sane(double p_number) {
-  return std::abs(p_number) <= 1e30;
+bool InRange(double p_number) {
+  return std::abs(p_number) <= 1e30; // false for NaN
 }
 
-bool Sweepable(const SweepPoint& p_point) {
-  const Point& place = p_point.position;
-  return Sane(place.x) && Sane(place.y) && Sane(place.z) && Sane(p_point.value) && Sane(p_point.width) &&
-         p_point.width > 0;
+bool IsValid(const TubePoint& p_point) {
+  const Vector& position = p_point.position;
+  return InRange(position.x) && InRange(position.y) && InRange(position.z) && InRange(p_point.value) &&
+         InRange(p_point.width) && p_point.width > 0;
 }
 
-/// The points of a line that can be swept.
-std::vector<SweepPoint> Cleaned(const std::vector<SweepPoint>& p_line) {
-  std::vector<SweepPoint> line;
-  for (const SweepPoint& point : p_line) {
-    if (!Sweepable(point))
+/// The valid points of a line.
+std::vector<TubePoint> Cleaned(const std::vector<TubePoint>& p_line) {
+  std::vector<TubePoint> line;
+  for (const TubePoint& point : p_line) {
+    if (!IsValid(point))
       continue;
     if (!line.empty()) {
       const double step = Length(point.position - line.back().position);
@@ -36,34 +38,34 @@ std::vector<SweepPoint> Cleaned(const std::vector<SweepPoint>& p_line) {
   return line;
 }
 
-Point Direction(const SweepPoint& p_from, const SweepPoint& p_to) {
+Vector Direction(const TubePoint& p_from, const TubePoint& p_to) {
   return Normalize(p_to.position - p_from.position);
 }
 
-Point ToPoint(const Ogl::Vec3<float>& p_record) {
+Vector ToVector(const Ogl::Vec3<float>& p_record) {
   return {static_cast<double>(p_record.x), static_cast<double>(p_record.y), static_cast<double>(p_record.z)};
 }
 
-Point Column(const Matrix3& p_frame, std::size_t p_index) {
+Vector Column(const Matrix3& p_frame, std::size_t p_index) {
   return p_frame.Transposed().Row(p_index);
 }
 
-/// The frame with z along `p_direction` and −y as near to `p_up` as can be.
-Matrix3 StartFrame(const Point& p_direction, const Point& p_up) {
-  Point side = Cross(p_direction, p_up);
+/// The frame with z along `p_direction` and −y as close to `p_up` as possible.
+Matrix3 StartFrame(const Vector& p_direction, const Vector& p_up) {
+  Vector side = Cross(p_direction, p_up);
   if (!(Length(side) > 1e-9 * Length(p_up)))
-    side = std::abs(p_direction.x) < 0.7 ? Cross(p_direction, Point(1, 0, 0)) : Cross(p_direction, Point(0, 1, 0));
-  const Point x = Normalize(side);
+    side = std::abs(p_direction.x) < 0.7 ? Cross(p_direction, Vector(1, 0, 0)) : Cross(p_direction, Vector(0, 1, 0));
+  const Vector x = Normalize(side);
   return Matrix3::FromColumns(x, Cross(p_direction, x), p_direction);
 }
 
 } // namespace
 
-Matrix3 Transported(const Matrix3& p_frame, const Point& p_direction) {
-  const Point from = Column(p_frame, 2);
-  const Point axis = Cross(from, p_direction);
+Matrix3 TubeMesh::Transported(const Matrix3& p_frame, const Vector& p_direction) {
+  const Vector from = Column(p_frame, 2);
+  const Vector axis = Cross(from, p_direction);
   const double cosine = Dot(from, p_direction);
-  Point x = Column(p_frame, 0);
+  Vector x = Column(p_frame, 0);
   if (cosine > -1 + 1e-9)
     // Rodrigues' rotation, whose sine and cosine the two products are.
     x = x * cosine + Cross(axis, x) + axis * (Dot(axis, x) / (1 + cosine));
@@ -72,16 +74,16 @@ Matrix3 Transported(const Matrix3& p_frame, const Point& p_direction) {
   return Matrix3::FromColumns(x, Cross(p_direction, x), p_direction);
 }
 
-Sweep::Sweep(const Library::StreamLineShape& p_shape)
+TubeMesh::TubeMesh(const Library::StreamLineShape& p_shape)
     : _shape(p_shape) {}
 
-void Sweep::Add(const std::vector<SweepPoint>& p_line, const Point& p_up) {
-  const std::vector<SweepPoint> line = Cleaned(p_line);
+void TubeMesh::Add(const std::vector<TubePoint>& p_line, const Vector& p_up) {
+  const std::vector<TubePoint> line = Cleaned(p_line);
   if (_shape.NumVertices() < 2 || line.size() < 2)
     return;
   Matrix3 frame = StartFrame(Direction(line[0], line[1]), p_up);
   constexpr double CosineOfSharpestTurn = -0.5;
-  std::vector<SweepPoint> piece = {line[0]};
+  std::vector<TubePoint> piece = {line[0]};
   for (std::size_t i = 1; i < line.size(); ++i) {
     piece.push_back(line[i]);
     if (i + 1 == line.size() ||
@@ -92,15 +94,15 @@ void Sweep::Add(const std::vector<SweepPoint>& p_line, const Point& p_up) {
   }
 }
 
-void Sweep::AddPiece(const std::vector<SweepPoint>& p_piece, Matrix3& p_frame) {
+void TubeMesh::AddPiece(const std::vector<TubePoint>& p_piece, Matrix3& p_frame) {
   const std::size_t sides = _shape.NumVertices();
   const auto first = static_cast<unsigned int>(_positions.size());
   const bool closed = sides > 2;
   p_frame = Transported(p_frame, Direction(p_piece[0], p_piece[1]));
   for (std::size_t i = 0; i < p_piece.size(); ++i) {
-    // In the plane that halves the corner.
-    const Point before = Direction(p_piece[i == 0 ? 0 : i - 1], p_piece[i == 0 ? 1 : i]);
-    const Point after = i + 1 < p_piece.size() ? Direction(p_piece[i], p_piece[i + 1]) : before;
+    // The ring lies in the plane that halves the corner.
+    const Vector before = Direction(p_piece[i == 0 ? 0 : i - 1], p_piece[i == 0 ? 1 : i]);
+    const Vector after = i + 1 < p_piece.size() ? Direction(p_piece[i], p_piece[i + 1]) : before;
     p_frame = Transported(p_frame, Normalize(before + after));
     AddRing(p_piece[i], p_frame);
   }
@@ -117,23 +119,23 @@ void Sweep::AddPiece(const std::vector<SweepPoint>& p_piece, Matrix3& p_frame) {
   }
 }
 
-void Sweep::AddRing(const SweepPoint& p_point, const Matrix3& p_frame) {
+void TubeMesh::AddRing(const TubePoint& p_point, const Matrix3& p_frame) {
   _shape.OrientShape(p_point.width, p_point.position, 1.0, p_frame, _ring, _ringNormals);
   for (std::size_t i = 0; i < _ring.size(); ++i)
     AddVertex(_ring[i], _ringNormals[i], p_point.value);
 }
 
-void Sweep::AddCap(unsigned int p_ring, const Point& p_normal, bool p_end) {
+void TubeMesh::AddCap(unsigned int p_ring, const Vector& p_normal, bool p_end) {
   const auto width = static_cast<unsigned int>(_shape.NumVertices());
   const auto center = static_cast<unsigned int>(_positions.size());
   const double value = static_cast<double>(_values[p_ring]);
-  Point middle;
+  Vector middle;
   for (unsigned int i = 0; i < width; ++i)
-    middle += ToPoint(_positions[p_ring + i]) / static_cast<double>(width);
+    middle += ToVector(_positions[p_ring + i]) / static_cast<double>(width);
   AddVertex(middle, p_normal, value);
-  // The same places as in the ring, to the bit, but flat normals.
+  // The positions of the ring, to the bit, with flat normals.
   for (unsigned int i = 0; i < width; ++i)
-    AddVertex(ToPoint(_positions[p_ring + i]), p_normal, value);
+    AddVertex(ToVector(_positions[p_ring + i]), p_normal, value);
   for (unsigned int side = 0; side < width; ++side) {
     const unsigned int a = center + 1 + side;
     const unsigned int b = center + 1 + (side + 1) % width;
@@ -141,8 +143,8 @@ void Sweep::AddCap(unsigned int p_ring, const Point& p_normal, bool p_end) {
   }
 }
 
-void Sweep::AddVertex(const Point& p_position, const Point& p_normal, double p_value) {
-  const auto record = [](const Point& p_vector) {
+void TubeMesh::AddVertex(const Vector& p_position, const Vector& p_normal, double p_value) {
+  const auto record = [](const Vector& p_vector) {
     return Record{static_cast<float>(p_vector.x), static_cast<float>(p_vector.y), static_cast<float>(p_vector.z)};
   };
   _positions.push_back(record(p_position));
@@ -150,18 +152,50 @@ void Sweep::AddVertex(const Point& p_position, const Point& p_normal, double p_v
   _values.push_back(static_cast<float>(p_value));
 }
 
-Ogl::VertexData Sweep::TakeMesh() {
+Ogl::VertexData TubeMesh::TakeMesh() {
   Ogl::VertexData mesh;
-  mesh.SetVertices(std::move(_positions));
-  mesh.SetNormals(std::move(_normals));
-  mesh.SetTexCoords(std::move(_values));
-  mesh.SetIndices(std::move(_indices));
+  mesh.SetVertices(std::exchange(_positions, {}));
+  mesh.SetNormals(std::exchange(_normals, {}));
+  mesh.SetTexCoords(std::exchange(_values, {}));
+  mesh.SetIndices(std::exchange(_indices, {}));
   mesh.PrimitiveType() = Ogl::VertexBuffer::Triangles;
-  _positions = {};
-  _normals = {};
-  _values = {};
-  _indices = {};
   return mesh;
+}
+
+namespace {
+
+/// Whether the straight piece between two points replaces a third one between them.
+bool Covers(const TubePoint& p_from, const TubePoint& p_to, const TubePoint& p_between, double p_valueTolerance) {
+  constexpr double Tolerance = 0.05; // of the width
+  const Vector along = p_to.position - p_from.position;
+  const Vector way = p_between.position - p_from.position;
+  const double share = std::clamp(Dot(way, along) / std::max(Dot(along, along), 1e-300), 0.0, 1.0);
+  const auto at = [share](double p_a, double p_b) { return p_a + (p_b - p_a) * share; };
+  return Length(way - along * share) <= Tolerance * p_between.width &&
+         std::abs(at(p_from.width, p_to.width) - p_between.width) <= Tolerance * p_between.width &&
+         std::abs(at(p_from.value, p_to.value) - p_between.value) <= p_valueTolerance;
+}
+
+} // namespace
+
+std::vector<TubePoint> TubeMesh::Thinned(const std::vector<TubePoint>& p_line, double p_valueTolerance) {
+  constexpr std::size_t Longest = 32; // points in a piece
+  std::vector<TubePoint> thinned;
+  std::size_t from = 0;
+  for (std::size_t i = 0; i < p_line.size(); ++i) {
+    const auto begin = p_line.begin() + static_cast<std::ptrdiff_t>(from);
+    const std::size_t count = i - from; // to the point
+    const bool straight =
+        count > 0 && count < Longest && i + 1 < p_line.size() &&
+        std::all_of(begin + 1, begin + static_cast<std::ptrdiff_t>(count) + 1, [&](const TubePoint& p_between) {
+          return Covers(p_line[from], p_line[i + 1], p_between, p_valueTolerance);
+        });
+    if (straight)
+      continue;
+    thinned.push_back(p_line[i]);
+    from = i;
+  }
+  return thinned;
 }
 
 } // namespace Vek::Chart::Scene

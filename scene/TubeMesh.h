@@ -13,48 +13,56 @@
 
 namespace Vek::Chart::Scene {
 
-/// A point of a line that is swept: the width of the cross-section there, in units of the scene, and its place on the
-/// colour map.
-struct VEK_SCENE_API SweepPoint {
-  Types::Vector3_Base<double> position;
-  double width = 1;
-  double value = 0;
-};
-
-/// Sweeps a cross-section along lines: one mesh of triangles for all of them, counter-clockwise seen from outside, with
-/// positions, unit normals and one texture coordinate, the value of the point.
+/// A cross-section swept along lines: tubes, ribbons or a custom outline. All lines make one mesh of triangles,
+/// counter-clockwise seen from outside, with positions, unit normals, and one texture coordinate, the value of the
+/// point.
 ///
-/// The section's z is the direction of the line; its x and y are carried along without twist (each is turned by the
-/// smallest rotation that takes one direction to the next). Sections are placed as they are, not stretched in sharp
-/// corners. Where a line turns back by more than 120°, it ends and starts anew. Outlines of three vertices and more are
-/// closed at both ends by flat fans around their middle; a ribbon is left open, seen from both sides. A section of one
-/// vertex sweeps nothing.
+/// The z axis of the section is the direction of the line. Its x and y axes follow the line as a rotation-minimising
+/// frame: each step is the smallest rotation from one direction to the next (R. L. Bishop, "There is more than one way
+/// to frame a curve", 1975). Sections are not stretched in corners. A line that turns by more than 120° at a point ends
+/// there and starts again. Outlines of three vertices and more have a flat cap at both ends; a ribbon is open and is
+/// seen from both sides. A section of one vertex makes no mesh.
 ///
 /// Left out are points with a number that is not finite or above 1e30, with a width that is not above 0, and points
-/// nearer to the one before than a millionth of its width. A line of which less than two points are left is
-/// dropped.
+/// closer to the point before than a millionth of its width. A line with fewer than two other points is dropped.
 ///
-///     Sweep tubes(Library::StreamLineShape(Library::StreamLineShape::ShapeTube, {}));
-///     for (const std::vector<SweepPoint>& line : lines)
-///       tubes.Add(line);
-///     const Ogl::VertexData data = tubes.TakeMesh();
-class VEK_SCENE_API Sweep {
+/// \snippet SceneMeshSnippets.cpp TubeMesh
+/// \ingroup plots
+class VEK_SCENE_API TubeMesh {
 public:
-  explicit Sweep(const Library::StreamLineShape& p_shape);
+  /// A point of a line.
+  struct Point {
+    Types::Vector3_Base<double> position;
+    double width = 1; ///< of the section, in units of the positions
+    double value = 0; ///< to be looked up on a colour map
+  };
 
-  /// `p_up` is where the section's −y, the face of a ribbon, points at the start, as far as the line's direction
-  /// permits.
-  void Add(const std::vector<SweepPoint>& p_line, const Types::Vector3_Base<double>& p_up = {0, 0, 1});
+  /// The section of all lines.
+  explicit TubeMesh(const Library::StreamLineShape& p_shape);
 
+  /// Adds a line. `p_up` is the direction of the section's −y, the face of a ribbon, at the start of the line, as far
+  /// as the direction of the line permits.
+  void Add(const std::vector<Point>& p_line, const Types::Vector3_Base<double>& p_up = {0, 0, 1});
+
+  /// True if there is no triangle.
   bool Empty() const { return _indices.empty(); }
-  /// Hands the mesh over; the sweep is empty then.
+  /// Moves the mesh out, which leaves this object empty.
   Ogl::VertexData TakeMesh();
+
+  /// The points of a line that a tube needs. Each point that is left out lies within a twentieth of its width from the
+  /// straight line between the points that are kept, where the width differs by as much at most, and the value by
+  /// `p_valueTolerance`. At most 31 points in a row are left out.
+  static std::vector<Point> Thinned(const std::vector<Point>& p_line, double p_valueTolerance = 0.01);
+
+  /// The frame with the z axis `p_direction`, of unit length, by the smallest rotation of `p_frame`. For the opposite
+  /// direction, the frame is rotated about its x axis.
+  static Types::Matrix3 Transported(const Types::Matrix3& p_frame, const Types::Vector3_Base<double>& p_direction);
 
 private:
   using Record = Ogl::Vec3<float>;
 
-  void AddPiece(const std::vector<SweepPoint>& p_piece, Types::Matrix3& p_frame);
-  void AddRing(const SweepPoint& p_point, const Types::Matrix3& p_frame);
+  void AddPiece(const std::vector<Point>& p_piece, Types::Matrix3& p_frame);
+  void AddRing(const Point& p_point, const Types::Matrix3& p_frame);
   void AddCap(unsigned int p_ring, const Types::Vector3_Base<double>& p_normal, bool p_end);
   void AddVertex(const Types::Vector3_Base<double>& p_position, const Types::Vector3_Base<double>& p_normal,
                  double p_value);
@@ -67,9 +75,5 @@ private:
   std::vector<float> _values;
   std::vector<unsigned int> _indices;
 };
-
-/// The frame that the smallest rotation makes of one whose z is `p_frame`'s: its z is `p_direction`, of unit length.
-/// For the opposite direction, it is turned about its x.
-VEK_SCENE_API Types::Matrix3 Transported(const Types::Matrix3& p_frame, const Types::Vector3_Base<double>& p_direction);
 
 } // namespace Vek::Chart::Scene

@@ -98,11 +98,8 @@ void Relief::BuildSurface(const HeightField& p_heights, const MapFrame& p_map) {
   _surface.SetTexCoords(std::move(colors));
   _surface.PrimitiveType() = Ogl::VertexBuffer::Triangles;
   _coarseSurface = _surface;
-  const auto setCells = [this](Ogl::VertexData& p_mesh, std::size_t p_step) {
-    p_mesh.SetIndices(GridIndices(_columns, _rows, p_step));
-  };
-  setCells(_surface, 1);
-  setCells(_coarseSurface, 2);
+  _surface.SetIndices(GridIndices(_columns, _rows, 1));
+  _coarseSurface.SetIndices(GridIndices(_columns, _rows, 2));
 }
 
 void Relief::BuildSides() {

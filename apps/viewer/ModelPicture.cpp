@@ -5,6 +5,7 @@
 #include "apps/gallery/TextTable.h"
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
+#include "scene/GpuMesh.h"
 #include "scene/TextRenderer.h"
 
 #include "library/ColorMap.h"
@@ -39,10 +40,6 @@ Point ToPoint(const Record& p_record) {
   return {static_cast<double>(p_record.x), static_cast<double>(p_record.y), static_cast<double>(p_record.z)};
 }
 
-Record ToRecord(const Point& p_point) {
-  return {static_cast<float>(p_point.x), static_cast<float>(p_point.y), static_cast<float>(p_point.z)};
-}
-
 /// The indices of all groups, without those primitives that are cut off or name a vertex that is not there.
 std::vector<unsigned int> SoundIndices(const ObjModel& p_model, std::size_t p_corners) {
   const std::size_t vertices = p_model.Vertices()->size();
@@ -57,22 +54,11 @@ std::vector<unsigned int> SoundIndices(const ObjModel& p_model, std::size_t p_co
   return indices;
 }
 
-/// The model's normals; a vertex without one takes the mean of its triangles', each as much as it is large.
-std::vector<Record> Normals(const ObjModel& p_model, const std::vector<Record>& p_positions,
-                            const std::vector<unsigned int>& p_indices) {
-  std::vector<Point> sums(p_positions.size());
-  for (std::size_t i = 0; i + 2 < p_indices.size(); i += 3) {
-    const Point a = ToPoint(p_positions[p_indices[i]]);
-    const Point face = Cross(ToPoint(p_positions[p_indices[i + 1]]) - a, ToPoint(p_positions[p_indices[i + 2]]) - a);
-    for (std::size_t corner = i; corner < i + 3; ++corner)
-      sums[p_indices[corner]] = sums[p_indices[corner]] + face;
-  }
-  std::vector<Record> normals;
-  for (std::size_t i = 0; i < sums.size(); ++i) {
-    const Point own = i < p_model.Normals()->size() ? ToPoint(Upright((*p_model.Normals())[i])) : Point();
-    const Point& normal = Length(own) > 0 ? own : sums[i];
-    normals.push_back(ToRecord(Length(normal) > 0 ? Normalize(normal) : Point(0, 0, 1)));
-  }
+/// The model's normals; (0, 0, 0), to be computed, for a vertex without one.
+std::vector<Record> Normals(const ObjModel& p_model) {
+  std::vector<Record> normals(p_model.Vertices()->size());
+  for (std::size_t i = 0; i < std::min(normals.size(), p_model.Normals()->size()); ++i)
+    normals[i] = Upright((*p_model.Normals())[i]);
   return normals;
 }
 
@@ -122,7 +108,7 @@ public:
     Scene::Canvas canvas(p_gl, p_view.viewport, _text, Gallery::PointSize(p_view));
     Gallery::DrawTitle(
         canvas, _file,
-        QString("%1 vertices, %2 %3").arg(_mesh.Vertices().count).arg(_primitives).arg(_lines ? "lines" : "triangles"));
+        QString("%1 vertices, %2 %3").arg(_mesh.VertexCount()).arg(_primitives).arg(_lines ? "lines" : "triangles"));
     const auto number = [](double p_value) { return QString::number(p_value, 'g', 4); };
     canvas.Bar({60, 62, 520, 78}, _colors, "Height", {{0, number(_box.Min().z)}, {1, number(_box.Max().z)}});
   }
@@ -157,19 +143,21 @@ private:
       const double height = (ToPoint(positions.back()).z - _box.Min().z) / std::max(_box.Extent().z, 1e-12);
       heights.push_back(static_cast<float>(std::clamp(height, 0.0, 1.0)));
     }
+    Ogl::VertexData data;
     if (!_lines)
-      _mesh.SetNormals(Normals(p_model, positions, p_indices));
-    _mesh.SetVertices(std::move(positions));
-    _mesh.SetTexCoords(std::move(heights));
-    _mesh.SetIndices(std::move(p_indices));
-    _mesh.PrimitiveType() = _lines ? Ogl::VertexBuffer::LineSegments : Ogl::VertexBuffer::Triangles;
+      data.SetNormals(Normals(p_model));
+    data.SetVertices(std::move(positions));
+    data.SetTexCoords(std::move(heights));
+    data.SetIndices(std::move(p_indices));
+    data.PrimitiveType() = _lines ? Ogl::VertexBuffer::LineSegments : Ogl::VertexBuffer::Triangles;
+    _mesh = Scene::GpuMesh(data);
   }
 
   QString _file;
   bool _lines = false;
   std::size_t _primitives = 0;
   Types::BoundingBox_Base<double> _box;
-  Ogl::VertexData _mesh;
+  Scene::GpuMesh _mesh;
   ColorMap _colors = OwnColors();
   Scene::TextRenderer _text;
 };

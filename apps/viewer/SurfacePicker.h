@@ -1,9 +1,8 @@
 #pragma once
 
 #include "apps/gallery/Picture.h"
-#include "scene/DepthShader.h"
+#include "scene/Picker.h"
 
-#include "library/TopMostFragmentDepthBuffer.h"
 #include "platform/core/TimeStamp.h"
 
 #include <optional>
@@ -19,7 +18,7 @@ struct SurfacePoint {
 /// Finds the surface point under a pixel. The surfaces are drawn once per view of a picture; further picks read from
 /// that drawing, until `Invalidate`.
 ///
-/// Owns GL objects from the first pick on; must be used and destroyed while their context is current.
+/// GL objects are freed with their context or with this object.
 class SurfacePicker {
 public:
   /// To be called whenever the picture or the camera changes.
@@ -34,8 +33,7 @@ public:
 private:
   Core::TimeStamp _shown;
   int _drawings = 0;
-  std::optional<Scene::DepthShader> _shader;
-  Library::TopMostFragmentDepthBuffer _depths;
+  Scene::Picker _picker;
 };
 
 } // namespace Vek::Chart::Viewer

@@ -8,18 +8,18 @@ using namespace Vek::Chart::Scene;
 namespace {
 
 using Point = Testing::Surface::Vector;
-using Line = std::vector<SweepPoint>;
+using Line = std::vector<TubeMesh::Point>;
 
 struct Mesh : Testing::Surface {
   std::vector<float> values;
 };
 
 Mesh Swept(StreamLineShape::Shape p_shape, const std::vector<Line>& p_lines) {
-  Sweep sweep(StreamLineShape(p_shape, {{0, 0}, {2, 0}, {2, 1}, {0, 1}}));
+  TubeMesh tubes(StreamLineShape(p_shape, {{0, 0}, {2, 0}, {2, 1}, {0, 1}}));
   for (const Line& line : p_lines)
-    sweep.Add(line);
-  const Ogl::VertexData data = sweep.TakeMesh();
-  EXPECT_TRUE(sweep.Empty());
+    tubes.Add(line);
+  const Ogl::VertexData data = tubes.TakeMesh();
+  EXPECT_TRUE(tubes.Empty());
   const Ogl::VertexData::Array& values = data.TexCoords();
   const Mesh mesh{Testing::SurfaceOf(data), {values.As<float>(), values.As<float>() + values.count}};
   EXPECT_EQ(mesh.normals.size(), mesh.positions.size());
@@ -55,7 +55,7 @@ void ExpectSound(const Mesh& p_mesh, const std::string& p_name) {
 
 } // namespace
 
-TEST(Sweep, TubesAreClosedAndFaceOutward) {
+TEST(TubeMesh, TubesAreClosedAndFaceOutward) {
   const std::tuple<const char*, Line, double> cases[] = {
       {"straight", Along(2, [](double p_t) { return Point(0, 0, 4 * p_t); }), 4},
       {"straight against the hint", Along(5, [](double p_t) { return Point(1, 2, -4 * p_t); }), 4},
@@ -72,7 +72,7 @@ TEST(Sweep, TubesAreClosedAndFaceOutward) {
   }
 }
 
-TEST(Sweep, WidthAndValueFollowThePoints) {
+TEST(TubeMesh, WidthAndValueFollowThePoints) {
   const Mesh mesh = Swept(StreamLineShape::ShapeTube, {{{{0, 0, 0}, 1, 0.25}, {{5, 0, 0}, 3, 0.75}}});
   ASSERT_EQ(mesh.positions.size(), 2 * 12 + 2 * 13u);
   for (std::size_t i = 0; i < mesh.positions.size(); ++i) {
@@ -83,7 +83,7 @@ TEST(Sweep, WidthAndValueFollowThePoints) {
   }
 }
 
-TEST(Sweep, RibbonsLieFlatAndFaceUp) {
+TEST(TubeMesh, RibbonsLieFlatAndFaceUp) {
   const Line curve = Along(60, [](double p_t) { return Point(10 * p_t, std::sin(12 * p_t), 0); });
   const Mesh mesh = Swept(StreamLineShape::ShapeRibbon, {curve});
   ASSERT_EQ(mesh.positions.size(), 120u);
@@ -95,7 +95,7 @@ TEST(Sweep, RibbonsLieFlatAndFaceUp) {
   }
 }
 
-TEST(Sweep, FramesDoNotTwist) {
+TEST(TubeMesh, FramesDoNotTwist) {
   // Around a flat circle, a frame comes back as it started; one that is turned by the smallest rotation each time
   // never turns about its direction.
   Types::Matrix3 frame = Types::Matrix3::FromColumns({0, 0.6, 0.8}, {0, -0.8, 0.6}, {1, 0, 0});
@@ -103,7 +103,7 @@ TEST(Sweep, FramesDoNotTwist) {
   for (int i = 1; i <= 64; ++i) {
     const double angle = 2 * M_PI * i / 64;
     const Types::Matrix3 before = frame;
-    frame = Transported(frame, {std::cos(angle), std::sin(angle), 0});
+    frame = TubeMesh::Transported(frame, {std::cos(angle), std::sin(angle), 0});
     const Types::Matrix3 turn = frame * before.Transposed();
     // The axis of the rotation (from its antisymmetric part) is upright.
     EXPECT_NEAR(turn.Row(2).y - turn.Row(1).z, 0, 1e-12) << i;
@@ -113,7 +113,7 @@ TEST(Sweep, FramesDoNotTwist) {
     EXPECT_NEAR(Length(frame.Row(row) - start.Row(row)), 0, 1e-12);
 }
 
-TEST(Sweep, FramesStayRightHandedWhereverTheyAreTaken) {
+TEST(TubeMesh, FramesStayRightHandedWhereverTheyAreTaken) {
   std::mt19937 random(1);
   std::normal_distribution<double> number;
   const auto direction = [&] { return Normalize(Point(number(random), number(random), number(random))); };
@@ -123,7 +123,7 @@ TEST(Sweep, FramesStayRightHandedWhereverTheyAreTaken) {
     const Point old = frame.Transposed().Row(2);
     const Point targets[] = {direction(), -old, old, Normalize(-old + direction() * 1e-5), direction()};
     const Point& target = targets[i % 5];
-    frame = Transported(frame, target);
+    frame = TubeMesh::Transported(frame, target);
     const Types::Matrix3 columns = frame.Transposed();
     EXPECT_NEAR(Length(columns.Row(2) - target), 0, 1e-12) << i;
     EXPECT_NEAR(Length(Cross(columns.Row(0), columns.Row(1)) - target), 0, 1e-12) << i;
@@ -131,7 +131,7 @@ TEST(Sweep, FramesStayRightHandedWhereverTheyAreTaken) {
   }
 }
 
-TEST(Sweep, BrokenLinesStaySound) {
+TEST(TubeMesh, BrokenLinesStaySound) {
   // The points, the rings of the pieces that are left, and those pieces.
   const std::tuple<const char*, Line, std::size_t, std::size_t> cases[] = {
       {"empty", {}, 0, 0},
@@ -156,7 +156,7 @@ TEST(Sweep, BrokenLinesStaySound) {
   }
 }
 
-TEST(Sweep, LinesAreGatheredInOneMesh) {
+TEST(TubeMesh, LinesAreGatheredInOneMesh) {
   const Line line = Along(7, Helix);
   const Mesh one = Swept(StreamLineShape::ShapeTube, {line});
   const Mesh two = Swept(StreamLineShape::ShapeTube, {line, line});

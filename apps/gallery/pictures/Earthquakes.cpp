@@ -15,7 +15,6 @@
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
 #include "scene/InstancedMesh.h"
-#include "scene/LeveledInstances.h"
 
 #include "library/ColorMap.h"
 #include "library/ModelCache.h"
@@ -25,7 +24,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <utility>
 
 namespace Vek::Chart::Gallery {
 
@@ -69,9 +68,7 @@ public:
       , _quakes(ReadQuakesFile(p_inputs.quakes, p_loading.Stage(0.5)))
       , _file(QString::fromStdString(FileName(p_inputs.quakes)))
       , _relief(HeightField::ReadFile(p_inputs.relief, p_loading.Stage(0.9)), _map, 3e-4)
-      , _symbols(p_inputs.symbols)
-      , _spheres(Spheres())
-      , _keySpheres(KeySpheres()) {}
+      , _symbols(p_inputs.symbols) {}
 
   Camera StartCamera() const override {
     Camera camera;
@@ -94,7 +91,8 @@ protected:
   void Prepare(Utility::Scoped<Rgl>& p_gl) override {
     const auto cache = boost::make_shared<ModelCache>(p_gl.Handle());
     _registry = std::make_unique<SymbolRegistry>(cache, _symbols);
-    _coarseSpheres = CoarseSpheres(*cache);
+    _quakeMarkers = Instanced(QuakeMarks());
+    _keyMarkers = Instanced(KeyMarks());
     SetLevels();
   }
 
@@ -106,8 +104,8 @@ protected:
     DrawStems(p_gl, p_world);
     const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
     p_gl->LineWidth(static_cast<float>(std::max(1.0, 2 * PointSize(p_world))));
-    _spheres.Draw(p_gl, _painter, _levels, p_world, Colors());
-    _keySpheres.Draw(p_gl, _painter, _levels, p_world, Colors());
+    _quakeMarkers.Draw(p_gl, Colors());
+    _keyMarkers.Draw(p_gl, Colors());
     DrawSurface(p_gl, p_world);
   }
 
@@ -115,8 +113,8 @@ protected:
   void DrawDepths(Utility::Scoped<Rgl>& p_gl) override {
     _relief.DrawSurface(p_gl, _reliefColors);
     p_gl->Clear(RGL_DEPTH_BUFFER_BIT);
-    _spheres.DrawDepths(p_gl, _painter, _levels);
-    _keySpheres.DrawDepths(p_gl, _painter, _levels);
+    _quakeMarkers.DrawDepths(p_gl);
+    _keyMarkers.DrawDepths(p_gl);
   }
 
   void DrawLegends(Utility::Scoped<Rgl>&, const View& p_view, Canvas& p_canvas) override {
@@ -145,32 +143,62 @@ private:
     return _map.Place(p_quake.lon, p_quake.lat, -p_quake.depth * UnitsPerKilometre);
   }
 
-  /// The models of the marker that is chosen, when there are models.
+  /// What is shown of an earthquake.
+  struct Mark {
+    Point position;
+    double size;
+    double value;
+  };
+
+  static InstancedMesh Instanced(const std::vector<Mark>& p_marks) {
+    InstancedMesh::Instances instances;
+    std::vector<Point> positions;
+    for (const Mark& mark : p_marks)
+      positions.push_back(mark.position);
+    instances.positions = positions;
+    instances.sizes = Array1(p_marks, &Mark::size);
+    instances.values = Array1(p_marks, &Mark::value);
+    return {std::vector<InstancedMesh::Level>(), instances};
+  }
+
+  /// Sets the models of the marker that is chosen, once there are models.
   void SetLevels() {
     if (!_registry)
       return;
-    _levels = _shape == Model::Symbol::ShapeSphere ? _coarseSpheres : std::vector<ModelLevel>();
-    _levels.push_back({MeshOf(*_registry, _shape), std::numeric_limits<double>::infinity()});
+    std::vector<InstancedMesh::Level> levels;
+    if (_shape == Model::Symbol::ShapeSphere) {
+      levels = InstancedMesh::Spheres();
+      levels.pop_back(); // the built-in model is finer
+      for (InstancedMesh::Level& level : levels) {
+        level.scale /= BoxOfSphere;
+        level.mostPixels *= BoxOfSphere;
+      }
+    }
+    levels.push_back(InstancedMesh::Level::Centered(GpuMesh(*_registry, _shape)));
+    _quakeMarkers.SetLevels(levels);
+    _keyMarkers.SetLevels(std::move(levels));
   }
 
-  std::vector<Instance> Spheres() const {
-    std::vector<Instance> spheres;
+  std::vector<Mark> QuakeMarks() const {
+    std::vector<Mark> marks;
     for (const Quake& quake : _quakes)
       if (_map.Contains(quake.lon, quake.lat))
-        spheres.push_back({PlaceOf(quake), SphereSize(quake.magnitude), ColorPlace(quake.depth), Types::Matrix3()});
-    return spheres;
+        marks.push_back({PlaceOf(quake), Size(quake.magnitude), ColorPlace(quake.depth)});
+    return marks;
   }
 
-  /// The size of an instance is the diagonal of its box: for a sphere, its diameter times the root of 3.
-  static double SphereSize(double p_magnitude) { return Diameter(p_magnitude) * std::sqrt(3.0); }
+  /// The diagonal of the box of a sphere of diameter 1.
+  static constexpr double BoxOfSphere = 1.7320508075688772;
+  /// The diagonal of a marker's box.
+  static double Size(double p_magnitude) { return Diameter(p_magnitude) * BoxOfSphere; }
 
   static Point KeyPlace(int p_magnitude) { return {66.0 + 19.0 * (p_magnitude - 1), -112, BoxDepth}; }
 
-  static std::vector<Instance> KeySpheres() {
-    std::vector<Instance> spheres;
+  static std::vector<Mark> KeyMarks() {
+    std::vector<Mark> marks;
     for (int magnitude = 2; magnitude <= 6; ++magnitude)
-      spheres.push_back({KeyPlace(magnitude), SphereSize(magnitude), ColorPlace(10), Types::Matrix3()});
-    return spheres;
+      marks.push_back({KeyPlace(magnitude), Size(magnitude), ColorPlace(10)});
+    return marks;
   }
 
   /// The floor of the box and its edges.
@@ -231,11 +259,8 @@ private:
   Relief _relief;
   std::string _symbols; ///< the folder of the models
   std::unique_ptr<SymbolRegistry> _registry;
-  InstancePainter _painter;
-  std::vector<ModelLevel> _coarseSpheres;
-  std::vector<ModelLevel> _levels; ///< of what marks an earthquake
-  LeveledInstances _spheres;
-  LeveledInstances _keySpheres;
+  InstancedMesh _quakeMarkers;
+  InstancedMesh _keyMarkers;
   Model::Symbol::Shape _shape = Markers[0].shape;
   ColorMap _reliefColors = Relief::MutedColors(0.45, 1.7);
 };

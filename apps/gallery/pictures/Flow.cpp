@@ -14,6 +14,7 @@
 #include "apps/gallery/VectorGrid.h"
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
+#include "scene/GpuMesh.h"
 #include "scene/StreamlineTracer.h"
 #include "scene/TubeMesh.h"
 #include "scene/VolumeSlices.h"
@@ -176,19 +177,19 @@ private:
     options.stagnation = Slowest();
     const std::vector<Streamline> lines =
         SpacedStreamlines(flow, seeds, {distance, 0.2 * distance, diagonal / 6}, options);
-    Sweep tubes(StreamLineShape(StreamLineShape::ShapeTube, {}));
+    TubeMesh tubes(StreamLineShape(StreamLineShape::ShapeTube, {}));
     for (const Streamline& line : lines) {
-      std::vector<SweepPoint> styled;
+      std::vector<TubeMesh::Point> styled;
       for (const Point& place : line) {
         Point vector;
         _grid.At(place, vector);
         styled.push_back(
             {ToPicture(place), std::min(0.9, 0.26 * distance * _scale), std::min(1.0, Length(vector) / _fastest)});
       }
-      tubes.Add(Thinned(styled));
+      tubes.Add(TubeMesh::Thinned(styled));
       _heads.AddAlong(styled, 16, 3);
     }
-    _tubes = tubes.TakeMesh();
+    _tubes = GpuMesh(tubes.TakeMesh());
   }
 
   void DrawBox(Utility::Scoped<Rgl>& p_gl, const View& p_view) const {
@@ -206,7 +207,7 @@ private:
   double _scale;
   double _fastest; ///< at the upper end of the colours
   bool _clipped;   ///< whether there are faster flows
-  Ogl::VertexData _tubes;
+  GpuMesh _tubes;
   ArrowHeads _heads;
 };
 

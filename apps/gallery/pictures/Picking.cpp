@@ -1,6 +1,5 @@
-// Picking by depth. A picture is drawn once with its depths as colours; a TopMostFragmentDepthBuffer then yields the
-// depth of the surface under a pixel, from which the camera computes a position in the world. The panels show all
-// decoded depths and the depth buffer of the same drawing.
+// Picking by depth. A Picker draws the picture once with its depths as colours, and finds the position of the surface
+// under a pixel. The panels show all decoded depths and the depth buffer of the same drawing.
 
 #include "apps/gallery/PictureLoaders.h"
 
@@ -10,11 +9,10 @@
 #include "scene/Canvas.h"
 #include "scene/DepthShader.h"
 #include "scene/DirectionalLight.h"
+#include "scene/Picker.h"
 
-#include "library/DepthCodec.h"
 #include "library/RenderTexture.h"
 #include "library/Texture.h"
-#include "library/TopMostFragmentDepthBuffer.h"
 #include "library/VectorSymbol.h"
 
 #include <algorithm>
@@ -31,7 +29,6 @@ using namespace Scene;
 
 namespace {
 
-using Library::DepthCodec;
 using Library::RenderTexture;
 using Library::VectorSymbol;
 using Point = Types::Vector3_Base<double>;
@@ -144,9 +141,13 @@ private:
   /// A picked pixel and the position found there.
   struct Pick {
     Camera::Pixel pixel;
-    bool hit = false;
-    Point position;
+    std::optional<Picker::Hit> hit;
   };
+
+  static bool Contains(const Types::Viewport<0>& p_viewport, const Types::Pos& p_pixel) {
+    const int x = p_pixel.x - static_cast<int>(p_viewport.x), y = p_pixel.y - static_cast<int>(p_viewport.y);
+    return x >= 0 && y >= 0 && x < static_cast<int>(p_viewport.width) && y < static_cast<int>(p_viewport.height);
+  }
 
   static constexpr Canvas::Rect MainPart{0, 30, 1090, 930};
   static constexpr Canvas::Rect DecodedPart{1112, 545, 1552, 545 + 440 * 900.0 / 1090};
@@ -158,20 +159,11 @@ private:
     for (const Point& target : Targets) {
       Pick pick;
       pick.pixel = p_picture.Project(target);
-      if (!pick.pixel.visible)
+      const Types::Pos pixel(static_cast<int>(std::floor(pick.pixel.x)), static_cast<int>(std::floor(pick.pixel.y)));
+      if (!pick.pixel.visible || !Contains(p_picture.viewport, pixel))
         continue;
-      const int x = static_cast<int>(std::floor(pick.pixel.x - static_cast<double>(p_picture.viewport.x)));
-      const int y = static_cast<int>(std::floor(pick.pixel.y - static_cast<double>(p_picture.viewport.y)));
-      if (x < 0 || y < 0 || x >= static_cast<int>(p_picture.viewport.width) ||
-          y >= static_cast<int>(p_picture.viewport.height))
-        continue;
-      pick.hit = _picker.GetDepthAt(
-          p_gl, p_picture.viewport, {x, y}, stamp,
-          [&](DepthCodec::Encoding) { _shader->Draw(p_gl, [&] { DrawSurfaces(p_gl, p_picture); }); },
-          [&](unsigned int, float p_depth) {
-            pick.position = p_picture.camera.Unproject({x + 0.5, y + 0.5, true}, static_cast<double>(p_depth),
-                                                       {0, 0, p_picture.viewport.width, p_picture.viewport.height});
-          });
+      pick.hit = _picker.PickSurface(p_gl, p_picture.camera, p_picture.viewport, pixel, stamp,
+                                     [this](Utility::Scoped<Rgl>& p_scope, const PickPass&) { DrawDepths(p_scope); });
       picks.push_back(pick);
     }
     return picks;
@@ -226,9 +218,9 @@ private:
       p_canvas.Line({x, y - length}, {x, y + length}, width, color);
     }
     const auto number = [](double p_value) { return QString::number(p_value, 'f', 2).replace('-', QChar(0x2212)); };
-    const QString text =
-        p_pick.hit ? number(p_pick.position.x) + ", " + number(p_pick.position.y) + ", " + number(p_pick.position.z)
-                   : QString("nothing here");
+    const QString text = p_pick.hit ? number(p_pick.hit->position.x) + ", " + number(p_pick.hit->position.y) + ", " +
+                                          number(p_pick.hit->position.z)
+                                    : QString("nothing here");
     const bool nearPanels = x > MainPart.right - 200;
     const double textX = nearPanels ? x : x + 12;
     const double textY = nearPanels ? y + 58 : y + 18;
@@ -247,7 +239,7 @@ private:
   std::optional<Library::Texture> _decoded;
   std::optional<Library::Texture> _truth;
   double _largestError = 0;
-  Library::TopMostFragmentDepthBuffer _picker;
+  Picker _picker;
 };
 
 } // namespace

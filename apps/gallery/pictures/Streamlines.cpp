@@ -12,6 +12,7 @@
 #include "apps/gallery/WindMap.h"
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
+#include "scene/GpuMesh.h"
 #include "scene/StreamlineTracer.h"
 #include "scene/TubeMesh.h"
 
@@ -94,26 +95,26 @@ private:
     }
     p_loading.Stage(1);
 
-    Sweep tubes(StreamLineShape(StreamLineShape::ShapeTube, {}));
-    Sweep ribbons(StreamLineShape(StreamLineShape::ShapeRibbon, {}));
+    TubeMesh tubes(StreamLineShape(StreamLineShape::ShapeTube, {}));
+    TubeMesh ribbons(StreamLineShape(StreamLineShape::ShapeRibbon, {}));
     const double calm = _ground.Field().SpeedQuantile(0.45);
     for (const Streamline& line : lines) {
       double mean = 0;
       for (const Point& place : line)
         mean += _wind.SpeedAt(place) / static_cast<double>(line.size());
       const bool isTube = mean > calm;
-      const std::vector<SweepPoint> styled = Styled(line, isTube ? 1.0 : 1.5);
-      (isTube ? tubes : ribbons).Add(Thinned(styled));
+      const std::vector<TubeMesh::Point> styled = Styled(line, isTube ? 1.0 : 1.5);
+      (isTube ? tubes : ribbons).Add(TubeMesh::Thinned(styled));
       _heads.AddAtEnd(styled, isTube ? 2.4 : 1.9);
       _heads.AddAlong(styled, 46, isTube ? 2.4 : 1.9);
     }
-    _tubes = tubes.TakeMesh();
-    _ribbons = ribbons.TakeMesh();
+    _tubes = GpuMesh(tubes.TakeMesh());
+    _ribbons = GpuMesh(ribbons.TakeMesh());
   }
 
   /// Thin at its start, and wider where the wind is faster.
-  std::vector<SweepPoint> Styled(const Streamline& p_line, double p_stoutness) const {
-    std::vector<SweepPoint> styled;
+  std::vector<TubeMesh::Point> Styled(const Streamline& p_line, double p_stoutness) const {
+    std::vector<TubeMesh::Point> styled;
     double arc = 0;
     for (std::size_t i = 0; i < p_line.size(); ++i) {
       arc += i == 0 ? 0 : Length(p_line[i] - p_line[i - 1]);
@@ -128,8 +129,8 @@ private:
   WindMap _ground;
   MapWind _wind;
   double _hover; ///< z of the lines
-  Ogl::VertexData _tubes;
-  Ogl::VertexData _ribbons;
+  GpuMesh _tubes;
+  GpuMesh _ribbons;
   ArrowHeads _heads;
 };
 

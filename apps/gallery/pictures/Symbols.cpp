@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Vek::Chart::Gallery {
 
@@ -58,22 +59,46 @@ Point CellCenter(int p_cell) {
           ((Rows - 1) / 2.0 - static_cast<double>(p_cell / Columns)) * CellHeight};
 }
 
-/// A large copy in the middle of a cell, turned by `p_large`, and a ring of small ones around it. `p_small` turns the
-/// copy in the east of the ring; the others turn with their place.
-std::vector<Instance> Carousel(const Point& p_center, const Matrix3& p_large, const Matrix3& p_small) {
+/// The copies of a model.
+struct Copies {
+  std::vector<Point> positions;
+  std::vector<double> sizes;
+  std::vector<double> values;
+  std::vector<Matrix3> rotations;
+
+  void Add(const Point& p_position, double p_size, double p_value, const Matrix3& p_rotation) {
+    positions.push_back(p_position);
+    sizes.push_back(p_size);
+    values.push_back(p_value);
+    rotations.push_back(p_rotation);
+  }
+  InstancedMesh Of(GpuMesh p_mesh) const {
+    InstancedMesh::Instances instances;
+    instances.positions = positions;
+    instances.sizes = sizes;
+    instances.values = values;
+    instances.rotations = rotations;
+    return {{InstancedMesh::Level::Centered(std::move(p_mesh))}, instances};
+  }
+};
+
+/// A large copy in the middle of a cell, rotated by `p_large`, and a ring of small ones around it. `p_small` rotates
+/// the copy in the east of the ring; the others follow their position.
+Copies Carousel(const Point& p_center, const Matrix3& p_large, const Matrix3& p_small) {
   constexpr int Ring = 16;
   constexpr double Radius = 1.42;
-  std::vector<Instance> instances = {{p_center + Point(0, 0, 0.3), 1.75, 0.7, p_large}};
+  Copies copies;
+  copies.Add(p_center + Point(0, 0, 0.3), 1.75, 0.7, p_large);
   for (int i = 0; i < Ring; ++i) {
     const Matrix3 around = Matrix3::Rotation(Angle::FromDegrees(360.0 * (i + 0.5) / Ring), {0, 0, 1});
     const Point place = around * Point(Radius, 0, -0.25);
     // Far ones are dark, near ones light.
-    instances.push_back({p_center + place, 0.5, 0.5 - 0.5 * place.y / Radius, around * p_small});
+    copies.Add(p_center + place, 0.5, 0.5 - 0.5 * place.y / Radius, around * p_small);
   }
-  return instances;
+  return copies;
 }
 
-std::vector<Instance> GlyphCarousel(int p_cell) {
+Copies GlyphCarousel(int p_cell) {
   const Matrix3 lean = Matrix3::Rotation(Angle::FromDegrees(Models[p_cell].lean), {1, 0, 0}) *
                        Matrix3::Rotation(Angle::FromDegrees(30), {0, 1, 0});
   // The glyph's axis, +z, points outwards, its +y up.
@@ -81,7 +106,7 @@ std::vector<Instance> GlyphCarousel(int p_cell) {
 }
 
 /// Models of other programs have y up and mostly look towards +z: here they stand upright and look outwards.
-std::vector<Instance> ModelCarousel(int p_cell) {
+Copies ModelCarousel(int p_cell) {
   const Matrix3 upright = Matrix3::Rotation(Angle::FromDegrees(90), {1, 0, 0});
   return Carousel(CellCenter(p_cell), Matrix3::Rotation(Angle::FromDegrees(30), {0, 0, 1}) * upright,
                   Matrix3::Rotation(Angle::FromDegrees(90), {0, 0, 1}) * upright);
@@ -94,11 +119,11 @@ public:
       , _folder(p_inputs.symbols) {
     int cell = 0;
     for (const Shape& entry : Models)
-      _symbols.push_back({QString::fromStdString(ShapeName(entry.shape)), {}, InstanceBuffers(GlyphCarousel(cell++))});
+      _symbols.push_back({QString::fromStdString(ShapeName(entry.shape)), {}, GlyphCarousel(cell++)});
     if (p_inputs.model.empty())
       return;
     _model = ReadModelFile(p_inputs.model, p_loading);
-    _symbols.push_back({QString::fromStdString(FileName(p_inputs.model)), {}, InstanceBuffers(ModelCarousel(cell))});
+    _symbols.push_back({QString::fromStdString(FileName(p_inputs.model)), {}, ModelCarousel(cell)});
   }
 
   Camera StartCamera() const override {
@@ -116,9 +141,9 @@ protected:
     const auto cache = boost::make_shared<ModelCache>(p_gl.Handle());
     const SymbolRegistry registry(cache, _folder);
     for (std::size_t i = 0; i < std::size(Models); ++i)
-      _symbols[i].mesh = MeshOf(registry, Models[i].shape);
+      _symbols[i].SetMesh(GpuMesh(registry, Models[i].shape));
     if (_model)
-      _symbols.back().mesh = MeshOf(*cache, cache->Register(*_model));
+      _symbols.back().SetMesh(GpuMesh(*cache, cache->Register(*_model)));
     _model.reset();
   }
 
@@ -128,13 +153,13 @@ protected:
     const auto light = bright.Apply(p_gl);
     const auto lines = p_gl->PushAttribScope(RGL_LINE_BIT);
     p_gl->LineWidth(static_cast<float>(std::max(1.0, 3.0 * PointSize(p_world))));
-    for (Symbol& symbol : _symbols)
-      _painter.Draw(p_gl, symbol.mesh, symbol.instances, Colors());
+    for (const Symbol& symbol : _symbols)
+      symbol.mesh.Draw(p_gl, Colors());
   }
 
   void DrawDepths(Utility::Scoped<Rgl>& p_gl) override {
-    for (Symbol& symbol : _symbols)
-      _painter.DrawDepths(p_gl, symbol.mesh, symbol.instances);
+    for (const Symbol& symbol : _symbols)
+      symbol.mesh.DrawDepths(p_gl);
   }
 
   void DrawLegends(Utility::Scoped<Rgl>&, const View& p_view, Canvas& p_canvas) override {
@@ -149,8 +174,10 @@ protected:
 private:
   struct Symbol {
     QString name;
-    Mesh mesh;
-    InstanceBuffers instances;
+    InstancedMesh mesh;
+    Copies copies;
+
+    void SetMesh(GpuMesh p_mesh) { mesh = copies.Of(std::move(p_mesh)); }
   };
 
   static void LabelCell(Canvas& p_canvas, const View& p_view, int p_cell, const QString& p_text,
@@ -161,7 +188,6 @@ private:
 
   std::string _folder;                               ///< of the built-in models
   boost::shared_ptr<const Library::ObjModel> _model; ///< the user's, until it is in GPU buffers
-  InstancePainter _painter;
   std::vector<Symbol> _symbols;
 };
 

@@ -11,6 +11,7 @@
 #include "apps/gallery/WindMap.h"
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
+#include "scene/GpuMesh.h"
 
 #include "library/VectorSymbol.h"
 
@@ -116,7 +117,9 @@ private:
     // An anchor of a half centres the glyph.
     const unsigned int slices = _columns > 24 ? 8 : 16; // round enough for so small ones
     const VectorSymbol glyph(p_glyph.shape, slices);
-    glyph.OrientShapes(instances, 0.5, 1.0 / glyph.Length(), _glyphs);
+    Ogl::VertexData data;
+    glyph.OrientShapes(instances, 0.5, 1.0 / glyph.Length(), data);
+    _glyphs = GpuMesh(data);
   }
 
   double KeySpeed() const { return _ground.Fastest() * 2 / 3; }
@@ -150,7 +153,7 @@ private:
   WindMap _ground;
   std::size_t _columns; ///< arrows beside each other
   double _hover;        ///< z of the arrows
-  Ogl::VertexData _glyphs;
+  GpuMesh _glyphs;
 };
 
 } // namespace

@@ -1,0 +1,98 @@
+#include "scene/private/MeshShaders.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+namespace Vek::Chart::Scene {
+
+void ValueScale::Check() const {
+  const bool valid = std::isfinite(lower) && std::isfinite(upper) && lower < upper && (!logarithmic || lower > 0);
+  if (!valid)
+    throw std::invalid_argument(std::string("ValueScale: expected finite, ascending limits") +
+                                (logarithmic ? " above 0" : "") + ", got " + std::to_string(lower) + " and " +
+                                std::to_string(upper));
+}
+
+namespace Private {
+
+float StoredValue(float p_value) {
+  return std::isnan(p_value) ? MissingValue : std::clamp(p_value, -LargestValue, LargestValue);
+}
+
+const std::string& LitColorText() {
+  static const std::string Text = R"(#version 120
+uniform sampler2D colors;
+uniform int painting;    // 0: by value, 1: by colour
+uniform int lighting;    // 0: none, 1: by normals, 2: by faces
+uniform int logarithmic;
+uniform float lower;     // the value of the first colour, or its logarithm
+uniform float factor;    // 1 / (upper - lower)
+uniform vec4 below;
+uniform vec4 above;
+uniform vec4 unknown;    // the colour of missing values
+varying vec3 normal;
+varying vec3 position;
+varying float value;
+varying float missing;
+varying vec4 own;
+
+vec4 ColorOfValue() {
+  if (missing > 0.0)
+    return unknown;
+  if (logarithmic != 0 && value <= 0.0)
+    return below;
+  float share = ((logarithmic != 0 ? log(value) : value) - lower) * factor;
+  return share < 0.0 ? below : share > 1.0 ? above : texture2D(colors, vec2(share, 0.5));
+}
+
+void main() {
+  vec4 color = painting == 1 ? own : ColorOfValue();
+  if (color.a == 0.0)
+    discard;
+  vec3 shade = vec3(1.0);
+  vec3 gloss = vec3(0.0);
+  if (lighting != 0) {
+    vec3 face = cross(dFdx(position), dFdy(position)); // towards the eye
+    vec3 n = normalize(lighting == 2 ? face : gl_FrontFacing ? normal : -normal);
+    vec3 l = normalize(gl_LightSource[0].position.xyz);
+    vec3 h = normalize(l - normalize(position));
+    float facing = max(dot(n, l), 0.0);
+    shade = gl_LightModel.ambient.rgb + gl_LightSource[0].diffuse.rgb * facing;
+    if (facing > 0.0)
+      gloss = gl_LightSource[0].specular.rgb * pow(max(dot(n, h), 0.0), gl_FrontMaterial.shininess);
+  }
+  gl_FragColor = vec4(color.rgb * shade + gloss, color.a);
+}
+)";
+  return Text;
+}
+
+Lighting LightingOf(const GpuMesh& p_mesh) {
+  switch (p_mesh.Primitive()) {
+  case Ogl::VertexBuffer::Triangles:
+  case Ogl::VertexBuffer::TriangleStrip:
+  case Ogl::VertexBuffer::Quads:
+  case Ogl::VertexBuffer::QuadStrip:
+    return p_mesh.HasNormals() ? ByNormals : ByFaces;
+  default:
+    return Unlit;
+  }
+}
+
+void SetColorUniforms(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_program, Painting p_painting,
+                      const Library::ColorMap& p_colors, const ValueScale& p_scale) {
+  const double lower = p_scale.logarithmic ? std::log(p_scale.lower) : p_scale.lower;
+  const double upper = p_scale.logarithmic ? std::log(p_scale.upper) : p_scale.upper;
+  p_program.SetUniform(p_gl, "colors", 0);
+  p_program.SetUniform(p_gl, "painting", p_painting);
+  p_program.SetUniform(p_gl, "logarithmic", p_scale.logarithmic ? 1 : 0);
+  p_program.SetUniform(p_gl, "lower", static_cast<float>(lower));
+  p_program.SetUniform(p_gl, "factor", static_cast<float>(1 / (upper - lower)));
+  p_program.SetUniform(p_gl, "below", p_scale.below.isValid() ? p_scale.below : p_colors.Color(0.0));
+  p_program.SetUniform(p_gl, "above", p_scale.above.isValid() ? p_scale.above : p_colors.Color(1.0));
+  p_program.SetUniform(p_gl, "unknown", p_scale.missing);
+}
+
+} // namespace Private
+} // namespace Vek::Chart::Scene

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "scene/GpuMesh.h"
+#include "scene/ValueScale.h"
+
+#include "library/ColorMap.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/ogl/ShaderProgram.h"
+#include "platform/utility/Scope.h"
+
+#include <string>
+
+namespace Vek::Chart::Scene::Private {
+
+/// Stands for NaN among values in GPU memory, since shaders need not compare NaN as IEEE 754 does.
+constexpr float MissingValue = 3.4e38F;
+/// The largest value that is not missing.
+constexpr float LargestValue = 3e38F;
+
+/// A value as it is stored in GPU memory.
+float StoredValue(float p_value);
+
+/// A fragment shader that lights the colours of a map by GL's light 0. The vertex shader writes
+///
+///     varying vec3 normal, position; // in eye coordinates
+///     varying float value, missing;  // missing: above 0 for a missing value
+///     varying vec4 own;              // the colour, where it does not come from the map
+const std::string& LitColorText();
+
+/// How LitColorText finds colours.
+enum Painting : int { ByValue = 0, ByColor = 1 };
+/// How LitColorText lights a primitive.
+enum Lighting : int { Unlit = 0, ByNormals = 1, ByFaces = 2 };
+
+/// How a mesh is to be lit.
+Lighting LightingOf(const GpuMesh& p_mesh);
+
+/// Sets the uniforms of LitColorText, but for the lighting. The program must be current.
+void SetColorUniforms(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_program, Painting p_painting,
+                      const Library::ColorMap& p_colors, const ValueScale& p_scale);
+
+} // namespace Vek::Chart::Scene::Private
