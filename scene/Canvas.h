@@ -39,7 +39,7 @@ namespace Vek::Chart::Scene {
 /// Errors: a viewport without width or height is reported ("p_viewport.width > 0 && p_viewport.height > 0"), and
 /// nothing appears. Images and strings that cannot be drawn are reported by Library::Texture and TextRenderer.
 ///
-/// \snippet LegendSnippets.cpp Canvas
+/// \snippet SceneTextSnippets.cpp Canvas
 /// \image html parts/Canvas.png
 /// \ingroup legends
 class VEK_SCENE_API Canvas {
@@ -87,7 +87,8 @@ public:
   void Polyline(const std::vector<Position>& p_positions, double p_width, const QColor& p_color);
   /// A filled triangle.
   void Triangle(const Position& p_a, const Position& p_b, const Position& p_c, const QColor& p_color);
-  /// A filled convex polygon, with its corners in order. Nothing with less than three.
+  /// A filled polygon, with its corners in order; it must be convex, or its inside must contain the lines from the
+  /// first corner to all others. Nothing with fewer than three corners.
   void Polygon(const std::vector<Position>& p_corners, const QColor& p_color);
 
   /// The size in points that a string takes here.
@@ -113,8 +114,8 @@ public:
 
   /// A place on a scale, 0 to 1, and what is written there; a tick is shorter where nothing is.
   struct Tick {
-    double place = 0;
-    QString text;
+    double place = 0; ///< along the scale
+    QString text;     ///< may be empty
   };
   /// A horizontal colour bar with its title above, if it has one, and its ticks below.
   void Bar(const Rect& p_rect, const Library::ColorMap& p_colors, const QString& p_title,

@@ -36,7 +36,7 @@ namespace Vek::Chart::Scene {
 /// larger than the device's textures is reported and not drawn (see Library::Texture), as is one that there is no
 /// memory for. A position or rotation that is not finite draws nothing. Rendering thread only.
 ///
-/// \snippet LegendSnippets.cpp TextRenderer
+/// \snippet SceneTextSnippets.cpp TextRenderer
 /// \image html parts/TextRenderer.png
 /// \ingroup legends
 class VEK_SCENE_API TextRenderer {

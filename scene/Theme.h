@@ -15,7 +15,7 @@ namespace Vek::Chart::Scene {
 /// Guidelines 2.1 (success criterion 1.4.3) ask of text, and lines one of at least 1.2 : 1 (grid) and 2 : 1 (axes).
 /// Sizes are in points (see TextStyle).
 ///
-/// \snippet LegendSnippets.cpp Theme
+/// \snippet SceneTextSnippets.cpp Theme
 /// \image html parts/Theme.png
 /// \ingroup legends
 struct VEK_SCENE_API Theme {

@@ -1,23 +1,11 @@
 #include "platform/ogl/Text.h"
 #include "platform/ogl/TextImage.h"
+#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
-
-#include <QGuiApplication>
 
 using Ogl::Text;
 
 namespace {
-
-/// Makes the application that fonts need, without a screen. It is kept to the end: a second one would leak the screen
-/// of the first.
-void MakeApplication() {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  static int count = 1;
-  static char name[] = "test";
-  static char* arguments[] = {name, nullptr};
-  static auto* const Application = new QGuiApplication(count, arguments);
-  ASSERT_EQ(QCoreApplication::instance(), Application);
-}
 
 using TextCalls = RecordingScopeFixture;
 using TextPixels = PixelScopeFixture;
