@@ -1,0 +1,447 @@
+#include "scene/Ticks.h"
+
+#include <QLocale>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace Vek::Chart::Scene {
+
+namespace {
+
+constexpr std::size_t MostLabelled = 1000;
+constexpr QChar Minus(0x2212);
+constexpr QChar Degree(0x00B0);
+constexpr QChar TimesSign(0x00D7);
+constexpr QChar Infinity(0x221E);
+
+// Ticks are exact decimal numbers, so that neither positions nor strings collect rounding errors.
+
+/// The number p_mantissa × 10^p_exponent.
+struct Decimal {
+  std::int64_t mantissa = 0;
+  int exponent = 0;
+};
+
+/// Infinite where it is beyond the range of double, 0 where it is too small.
+double ValueOf(const Decimal& p_decimal) {
+  bool ok = false;
+  const double value = QString("%1e%2").arg(p_decimal.mantissa).arg(p_decimal.exponent).toDouble(&ok);
+  if (ok || p_decimal.mantissa == 0 || p_decimal.exponent < 0)
+    return ok ? value : 0;
+  return p_decimal.mantissa < 0 ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
+}
+
+/// A finite value to a number of digits, `QLocale::FloatingPointShortest` for the fewest that give it back.
+Decimal DecimalOf(double p_value, int p_digits) {
+  QString digits = QLocale::c().toString(p_value, 'e', p_digits < 0 ? p_digits : std::clamp(p_digits, 1, 17) - 1);
+  const auto end = digits.indexOf('e');
+  const int exponent = digits.mid(end + 1).toInt();
+  digits.truncate(end);
+  const auto point = digits.indexOf('.');
+  const int decimals = point < 0 ? 0 : static_cast<int>(digits.size() - point - 1);
+  Decimal decimal{digits.remove('.').toLongLong(), exponent - decimals};
+  if (decimal.mantissa == 0)
+    return {};
+  for (; decimal.mantissa % 10 == 0; ++decimal.exponent)
+    decimal.mantissa /= 10;
+  return decimal;
+}
+
+int DigitCount(std::int64_t p_mantissa) {
+  return static_cast<int>(std::to_string(std::abs(p_mantissa)).size());
+}
+
+/// p_value × 10^p_power; both halves of the power are in the range of double.
+double Scaled(double p_value, int p_power) {
+  return p_value * std::pow(10.0, p_power / 2) * std::pow(10.0, p_power - p_power / 2);
+}
+
+QString Fixed(const Decimal& p_decimal) {
+  QString digits = QString::number(static_cast<qlonglong>(std::abs(p_decimal.mantissa)));
+  if (p_decimal.exponent < 0) {
+    digits = digits.rightJustified(1 - p_decimal.exponent, '0');
+    digits.insert(digits.size() + p_decimal.exponent, '.');
+  } else if (p_decimal.mantissa != 0)
+    digits += QString(p_decimal.exponent, '0');
+  return p_decimal.mantissa < 0 ? Minus + digits : digits;
+}
+
+/// "10⁻⁸"
+QString PowerOfTen(int p_exponent) {
+  static constexpr char16_t Digits[] = u"⁰¹²³⁴⁵⁶⁷⁸⁹";
+  QString power("10");
+  for (const QChar digit : QString::number(p_exponent))
+    power += digit == '-' ? QChar(0x207B) : QChar(Digits[digit.digitValue()]);
+  return power;
+}
+
+QString Times(int p_exponent) {
+  return TimesSign + PowerOfTen(p_exponent);
+}
+
+/// "2.5×10⁻⁸"
+QString Scientific(const Decimal& p_decimal) {
+  const int last = DigitCount(p_decimal.mantissa) - 1;
+  const QString times = Times(p_decimal.exponent + last);
+  if (std::abs(p_decimal.mantissa) == 1)
+    return (p_decimal.mantissa < 0 ? QString(Minus) : QString()) + times.mid(1);
+  return Fixed({p_decimal.mantissa, -last}) + times;
+}
+
+/// If a number with its first digit there is written with a power of ten.
+bool NeedsPower(int p_firstDigit) {
+  return p_firstDigit < -5 || p_firstDigit >= 6;
+}
+
+QString Readable(const Decimal& p_decimal) {
+  const int first = p_decimal.exponent + DigitCount(p_decimal.mantissa) - 1;
+  return p_decimal.mantissa != 0 && NeedsPower(first) ? Scientific(p_decimal) : Fixed(p_decimal);
+}
+
+/// Ticks that share their last digit.
+struct Decimals {
+  std::vector<std::int64_t> mantissas;
+  int exponent = 0;
+};
+
+/// Without the zeros at the end that all have.
+Decimals Shortened(Decimals p_ticks) {
+  auto& all = p_ticks.mantissas;
+  if (std::all_of(all.begin(), all.end(), [](std::int64_t p_tick) { return p_tick == 0; })) {
+    p_ticks.exponent = 0;
+    return p_ticks;
+  }
+  while (std::all_of(all.begin(), all.end(), [](std::int64_t p_tick) { return p_tick % 10 == 0; })) {
+    std::for_each(all.begin(), all.end(), [](std::int64_t& p_tick) { p_tick /= 10; });
+    ++p_ticks.exponent;
+  }
+  return p_ticks;
+}
+
+/// The power of ten to be taken out of all strings; 0 mostly.
+int CommonExponent(const Decimals& p_ticks) {
+  std::int64_t most = 0;
+  for (const std::int64_t tick : p_ticks.mantissas)
+    most = std::max(most, std::abs(tick));
+  const int first = p_ticks.exponent + DigitCount(most) - 1;
+  return most != 0 && NeedsPower(first) ? static_cast<int>(std::floor(first / 3.0)) * 3 : 0;
+}
+
+std::vector<QString> StringsOf(const Decimals& p_ticks, int p_commonExponent) {
+  std::vector<QString> strings;
+  for (const std::int64_t tick : p_ticks.mantissas)
+    strings.push_back(Fixed({tick, p_ticks.exponent - p_commonExponent}));
+  return strings;
+}
+
+int MostDigits(const std::vector<QString>& p_strings) {
+  int most = 0;
+  for (const QString& string : p_strings)
+    most = std::max(most, static_cast<int>(std::count_if(string.begin(), string.end(),
+                                                         [](QChar p_char) { return p_char.isDigit(); })));
+  return most;
+}
+
+/// The leading digits that all ticks of one sign have in common, up to one count of the last of them; 0 if there are
+/// none.
+std::int64_t CommonOffset(const std::vector<std::int64_t>& p_ticks) {
+  const auto [least, most] = std::minmax_element(p_ticks.begin(), p_ticks.end());
+  if (*least <= 0 && *most >= 0)
+    return 0;
+  const std::int64_t low = std::min(std::abs(*least), std::abs(*most));
+  const std::int64_t high = std::max(std::abs(*least), std::abs(*most));
+  std::int64_t unit = 1;
+  while (high / unit - low / unit > 1)
+    unit *= 10;
+  return (*least < 0 ? -1 : 1) * (high / unit) * unit;
+}
+
+/// Multiples of a step within a range.
+Decimals MultiplesOf(const Decimal& p_step, double p_low, double p_high) {
+  Decimals ticks{{}, p_step.exponent};
+  const double mantissa = static_cast<double>(p_step.mantissa);
+  // Quotients below 2^53 are off by one at most.
+  const double first = std::floor(Scaled(p_low, -p_step.exponent) / mantissa) - 1;
+  const double last = std::ceil(Scaled(p_high, -p_step.exponent) / mantissa) + 1;
+  double previous = std::numeric_limits<double>::quiet_NaN();
+  for (std::int64_t i = static_cast<std::int64_t>(first); i <= static_cast<std::int64_t>(last); ++i) {
+    const double value = ValueOf({i * p_step.mantissa, p_step.exponent});
+    if (value >= p_low && value <= p_high && value != previous)
+      ticks.mantissas.push_back(i * p_step.mantissa);
+    previous = value;
+  }
+  return ticks;
+}
+
+/// A lower bound of the step of so many ticks; no less than the distance of neighbouring doubles, and normal.
+double LeastStep(double p_low, double p_high, std::size_t p_most) {
+  const double largest = std::max(std::abs(p_low), std::abs(p_high));
+  const double distance = largest - std::nextafter(largest, 0.0);
+  const double parts = static_cast<double>(p_most) + 1;
+  return std::max({p_high / parts - p_low / parts, distance, std::numeric_limits<double>::min()});
+}
+
+/// The multiples of the smallest round step that are `p_most` at most; the range is finite and ascending.
+template <class Steps>
+Decimals Multiples(double p_low, double p_high, std::size_t p_most, const Steps& p_steps) {
+  const double least = LeastStep(p_low, p_high, p_most);
+  for (int exponent = static_cast<int>(std::floor(std::log10(least)));; ++exponent)
+    for (const Decimal& step : p_steps(exponent)) {
+      if (ValueOf(step) < least)
+        continue;
+      Decimals ticks = MultiplesOf(step, p_low, p_high);
+      if (ticks.mantissas.size() <= p_most)
+        return ticks;
+    }
+}
+
+std::vector<Decimal> RoundSteps(int p_exponent) {
+  return {{1, p_exponent}, {2, p_exponent}, {25, p_exponent - 1}, {5, p_exponent}};
+}
+
+std::vector<Decimal> DegreeSteps(int p_exponent) {
+  if (p_exponent < 1)
+    return {{1, p_exponent}, {2, p_exponent}, {5, p_exponent}};
+  if (p_exponent == 1)
+    return {{10, 0}, {15, 0}, {30, 0}, {45, 0}, {60, 0}, {90, 0}};
+  if (p_exponent == 2)
+    return {{180, 0}, {360, 0}};
+  return {{36, p_exponent - 1}};
+}
+
+std::vector<double> ValuesOf(const Decimals& p_ticks) {
+  std::vector<double> values;
+  for (const std::int64_t tick : p_ticks.mantissas)
+    values.push_back(ValueOf({tick, p_ticks.exponent}));
+  return values;
+}
+
+/// The ticks of `p_make`, which takes a finite, ascending range, for a range of any kind.
+template <class Make>
+Decimals ForAnyRange(double p_low, double p_high, std::size_t p_most, const Make& p_make) {
+  if (p_most == 0 || !std::isfinite(p_low) || !std::isfinite(p_high))
+    return {};
+  Decimals ticks;
+  if (p_low != p_high)
+    ticks = p_make(std::min(p_low, p_high), std::max(p_low, p_high), std::min(p_most, MostLabelled));
+  if (ticks.mantissas.empty()) { // no round number lies between neighbouring doubles
+    const Decimal only = DecimalOf(p_low, QLocale::FloatingPointShortest);
+    return {{only.mantissa}, only.exponent};
+  }
+  if (p_low > p_high)
+    std::reverse(ticks.mantissas.begin(), ticks.mantissas.end());
+  return Shortened(ticks);
+}
+
+/// A longitude from -180 up to 180 degrees; as it is where whole turns are below its precision.
+Decimal WithoutTurns(Decimal p_longitude) {
+  constexpr std::int64_t Most = 100'000'000'000'000'000;
+  for (; p_longitude.exponent > 0 && std::abs(p_longitude.mantissa) < Most; --p_longitude.exponent)
+    p_longitude.mantissa *= 10;
+  if (p_longitude.exponent > 0 || p_longitude.exponent < -15)
+    return p_longitude;
+  std::int64_t turn = 360;
+  for (int i = p_longitude.exponent; i < 0; ++i)
+    turn *= 10;
+  std::int64_t& angle = p_longitude.mantissa;
+  angle = (angle % turn + turn) % turn;
+  angle -= angle >= turn / 2 ? turn : 0;
+  return p_longitude;
+}
+
+QString AngleString(const Decimal& p_degrees, Ticks::Angle p_angle) {
+  if (p_angle == Ticks::Angle::Plain)
+    return Readable(p_degrees) + Degree;
+  const Decimal angle = p_angle == Ticks::Angle::Longitude ? WithoutTurns(p_degrees) : p_degrees;
+  const QString number = Readable({std::abs(angle.mantissa), angle.exponent}) + Degree;
+  const double value = ValueOf(angle);
+  if (value == 0 || (p_angle == Ticks::Angle::Longitude && std::abs(value) == 180))
+    return number;
+  if (p_angle == Ticks::Angle::Longitude)
+    return number + (value < 0 ? " W" : " E");
+  return number + (value < 0 ? " S" : " N");
+}
+
+} // namespace
+
+Ticks::Ticks(std::vector<double> p_values, std::vector<QString> p_strings)
+    : _values(std::move(p_values))
+    , _strings(std::move(p_strings)) {
+  if (_values.size() != _strings.size())
+    throw std::invalid_argument("Ticks need one string for each value: " + std::to_string(_values.size()) +
+                                " values, " + std::to_string(_strings.size()) + " strings");
+}
+
+Ticks Ticks::Linear(double p_low, double p_high, std::size_t p_most) {
+  const Decimals all = ForAnyRange(p_low, p_high, p_most, [](double p_least, double p_largest, std::size_t p_count) {
+    return Multiples(p_least, p_largest, p_count, RoundSteps);
+  });
+  Ticks ticks;
+  ticks._values = ValuesOf(all);
+  ticks._style = Style::Decimals;
+  ticks._digits = all.exponent;
+  ticks._exponent = CommonExponent(all);
+  ticks._strings = StringsOf(all, ticks._exponent);
+  if (ticks._exponent != 0)
+    ticks._note = Times(ticks._exponent);
+
+  const std::int64_t offset = all.mantissas.size() < 2 ? 0 : CommonOffset(all.mantissas);
+  if (offset == 0)
+    return ticks;
+  Decimals rest = all;
+  for (std::int64_t& tick : rest.mantissas)
+    tick -= offset;
+  rest = Shortened(rest);
+  const int exponent = CommonExponent(rest);
+  std::vector<QString> shorter = StringsOf(rest, exponent);
+  constexpr int Worthwhile = 4;
+  if (MostDigits(ticks._strings) - MostDigits(shorter) < Worthwhile)
+    return ticks;
+  ticks._strings = std::move(shorter);
+  const QString number = Readable(DecimalOf(std::abs(ValueOf({offset, all.exponent})), QLocale::FloatingPointShortest));
+  ticks._note = (exponent != 0 ? Times(exponent) + ' ' : QString()) + (offset < 0 ? Minus : QChar('+')) + ' ' + number;
+  return ticks;
+}
+
+Ticks Ticks::Degrees(double p_low, double p_high, std::size_t p_most, Angle p_angle) {
+  const Decimals all = ForAnyRange(p_low, p_high, p_most, [](double p_least, double p_largest, std::size_t p_count) {
+    return Multiples(p_least, p_largest, p_count, DegreeSteps);
+  });
+  Ticks ticks;
+  ticks._values = ValuesOf(all);
+  ticks._style = Style::Degrees;
+  ticks._digits = std::min(all.exponent, 0);
+  ticks._angle = p_angle;
+  for (const std::int64_t tick : all.mantissas)
+    ticks._strings.push_back(AngleString({tick, all.exponent}, p_angle));
+  return ticks;
+}
+
+namespace {
+
+/// Which multiples of powers of ten have strings: of every `decades`-th power, those by these digits.
+struct LogarithmicStep {
+  const char* digits;
+  int decades;
+};
+
+bool Has(const LogarithmicStep& p_step, const Decimal& p_tick) {
+  return p_tick.exponent % p_step.decades == 0 && std::strchr(p_step.digits, static_cast<int>('0' + p_tick.mantissa));
+}
+
+/// All 1 to 9 times a power of ten in a range above 0.
+std::vector<Decimal> LogarithmicTicks(double p_low, double p_high) {
+  std::vector<Decimal> ticks;
+  const int last = static_cast<int>(std::floor(std::log10(p_high))) + 1;
+  for (int decade = static_cast<int>(std::floor(std::log10(p_low))) - 1; decade <= last; ++decade)
+    for (std::int64_t digit = 1; digit < 10; ++digit) {
+      const double value = ValueOf({digit, decade});
+      if (value >= p_low && value <= p_high)
+        ticks.push_back({digit, decade});
+    }
+  return ticks;
+}
+
+/// The finest step of which `p_most` are in the range at most.
+LogarithmicStep StepOf(const std::vector<Decimal>& p_ticks, bool p_isShort, std::size_t p_most) {
+  const auto fits = [&](const LogarithmicStep& p_step) {
+    const auto count =
+        std::count_if(p_ticks.begin(), p_ticks.end(), [&](const Decimal& p_tick) { return Has(p_step, p_tick); });
+    return static_cast<std::size_t>(count) <= p_most;
+  };
+  for (const char* digits : {"125", "13"})
+    if (p_isShort && fits({digits, 1}))
+      return {digits, 1};
+  LogarithmicStep step{"1", 1};
+  while (!fits(step))
+    ++step.decades;
+  return step;
+}
+
+} // namespace
+
+Ticks Ticks::Logarithmic(double p_low, double p_high, std::size_t p_most) {
+  if (!(p_low > 0 && p_high > 0) || p_most == 0 || !std::isfinite(p_low) || !std::isfinite(p_high))
+    return {};
+  const double low = std::min(p_low, p_high), high = std::max(p_low, p_high);
+  const double decades = std::log10(high) - std::log10(low);
+  if (decades < 1)
+    return Linear(p_low, p_high, p_most);
+
+  const std::vector<Decimal> all = LogarithmicTicks(low, high);
+  const LogarithmicStep step = StepOf(all, decades < 2, std::min(p_most, MostLabelled));
+  const bool needsPower = std::any_of(
+      all.begin(), all.end(), [&](const Decimal& p_tick) { return Has(step, p_tick) && NeedsPower(p_tick.exponent); });
+  Ticks ticks;
+  ticks._digits = 3;
+  for (const Decimal& tick : all) {
+    if (step.decades > 1 && tick.mantissa != 1)
+      continue;
+    ticks._values.push_back(ValueOf(tick));
+    ticks._strings.push_back(!Has(step, tick) ? QString() : needsPower ? Scientific(tick) : Fixed(tick));
+  }
+  if (p_low > p_high) {
+    std::reverse(ticks._values.begin(), ticks._values.end());
+    std::reverse(ticks._strings.begin(), ticks._strings.end());
+  }
+  return ticks;
+}
+
+Ticks Ticks::OfBounds(const std::vector<double>& p_bounds, std::size_t p_most) {
+  if (p_most == 0 ||
+      !std::all_of(p_bounds.begin(), p_bounds.end(), [](double p_bound) { return std::isfinite(p_bound); }))
+    return {};
+  Ticks ticks;
+  auto& bounds = ticks._values = p_bounds;
+  std::sort(bounds.begin(), bounds.end());
+  bounds.erase(std::unique(bounds.begin(), bounds.end()), bounds.end());
+
+  const std::size_t each = (bounds.size() + p_most - 1) / p_most;
+  constexpr double Largest = std::numeric_limits<double>::max();
+  ticks._digits = 1;
+  for (std::size_t i = 0; i < bounds.size(); ++i) {
+    const double below = i > 0 ? std::min(bounds[i] - bounds[i - 1], Largest) : Largest;
+    const double above = i + 1 < bounds.size() ? std::min(bounds[i + 1] - bounds[i], Largest) : Largest;
+    const double tolerance = bounds.size() > 1 ? std::min(below, above) / 1000 : 0;
+    int digits = 1;
+    while (digits < 17 && !(std::abs(ValueOf(DecimalOf(bounds[i], digits)) - bounds[i]) <= tolerance))
+      ++digits;
+    ticks._strings.push_back(i % each == 0 ? Readable(DecimalOf(bounds[i], digits)) : QString());
+    ticks._digits = std::max(ticks._digits, digits);
+  }
+  return ticks;
+}
+
+QString Ticks::Format(double p_value, const QString& p_unit, int p_moreDigits) const {
+  if (std::isnan(p_value))
+    return "no data";
+  const QString unit = p_unit.isEmpty() ? QString() : ' ' + p_unit;
+  if (std::isinf(p_value))
+    return (p_value < 0 ? QString(Minus) : QString()) + Infinity + unit;
+  const int last = _digits - p_moreDigits;
+  const double count = Scaled(p_value, -last);
+  constexpr double MostExact = 9e15;
+  if (_style == Style::Significant || !(std::abs(count) < MostExact))
+    return Readable(DecimalOf(p_value,
+                              _style == Style::Significant ? _digits + p_moreDigits : QLocale::FloatingPointShortest)) +
+           unit;
+  const Decimal rounded{std::llround(count), last};
+  if (_style == Style::Degrees)
+    return AngleString(rounded, _angle) + unit;
+  if (_exponent == 0)
+    return Fixed(rounded) + unit;
+  if (rounded.mantissa == 0)
+    return '0' + unit;
+  return Fixed({rounded.mantissa, rounded.exponent - _exponent}) + Times(_exponent) + unit;
+}
+
+} // namespace Vek::Chart::Scene
