@@ -1,7 +1,15 @@
 #include "scene/StreamlineTracer.h"
 
+#include <boost/functional/hash.hpp>
+
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdint>
+#include <deque>
+#include <stdexcept>
+#include <unordered_map>
+#include <utility>
 
 namespace Vek::Chart::Scene {
 
@@ -9,15 +17,24 @@ namespace {
 
 using Point = Types::Vector3_Base<double>;
 
-/// One direction of a streamline, from the seed on.
-class Tracer {
+void Require(bool p_holds, const char* p_expected) {
+  if (!p_holds)
+    throw std::invalid_argument(std::string("StreamlineTracer: expected ") + p_expected);
+}
+
+bool IsCancelled(const StreamlineTracer::Options& p_options) {
+  return !p_options.isCancelled.empty() && p_options.isCancelled();
+}
+
+/// Integrates one direction of a streamline, downstream for the sign 1, upstream for −1.
+class Integrator {
 public:
-  Tracer(const FlowFunction& p_flow, const TraceOptions& p_options, double p_sign)
-      : _flow(p_flow)
+  Integrator(const StreamlineTracer::Field& p_field, const StreamlineTracer::Options& p_options, double p_sign)
+      : _field(p_field)
       , _options(p_options)
       , _sign(p_sign) {}
 
-  Streamline Trace(const Point& p_seed, const GoOnFunction& p_goOn) {
+  Streamline Trace(const Point& p_seed, const StreamlineTracer::TerminationCriterion& p_terminates) {
     Streamline line;
     Point direction;
     if (!Direction(p_seed, direction))
@@ -25,13 +42,13 @@ public:
     line.push_back(p_seed);
     double step = _options.largestStep;
     double arc = 0;
-    while (arc < _options.length) {
+    while (arc < _options.length && !IsCancelled(_options)) {
       Point next;
       step = std::min({step, _options.largestStep, std::max(_options.length - arc, _options.smallestStep)});
       if (!Advance(line.back(), direction, step, next))
         break;
       arc += _taken;
-      if (!p_goOn.empty() && !p_goOn(next, arc))
+      if (!p_terminates.empty() && p_terminates(next, arc))
         break;
       line.push_back(next);
     }
@@ -39,9 +56,9 @@ public:
   }
 
 private:
-  bool Direction(const Point& p_place, Point& p_direction) const {
+  bool Direction(const Point& p_position, Point& p_direction) const {
     Point vector;
-    if (!_flow(p_place, vector))
+    if (!_field(p_position, vector))
       return false;
     const double length = Length(vector);
     if (!(length > _options.stagnation) || !std::isfinite(length))
@@ -52,12 +69,12 @@ private:
 
   /// One accepted step. `p_direction` is the direction at its start, then that at its end; `p_step` the step to try,
   /// then the one to try next. False where no step is possible, however small.
-  bool Advance(const Point& p_place, Point& p_direction, double& p_step, Point& p_next) {
+  bool Advance(const Point& p_position, Point& p_direction, double& p_step, Point& p_next) {
     for (;;) {
       double error = 0;
       Point k4;
       const double taken = p_step;
-      const bool inside = Try(p_place, p_direction, taken, p_next, k4, error);
+      const bool inside = Try(p_position, p_direction, taken, p_next, k4, error);
       const bool smallest = taken <= _options.smallestStep;
       if (inside && (error <= _options.tolerance || smallest)) {
         const double growth = error > 0 ? 0.9 * std::cbrt(_options.tolerance / error) : 2.0;
@@ -73,38 +90,44 @@ private:
     }
   }
 
-  bool Try(const Point& p_place, const Point& p_k1, double p_step, Point& p_next, Point& p_k4, double& p_error) const {
+  bool Try(const Point& p_position, const Point& p_k1, double p_step, Point& p_next, Point& p_k4,
+           double& p_error) const {
     Point k2, k3;
-    if (!Direction(p_place + p_k1 * (p_step / 2), k2) || !Direction(p_place + k2 * (p_step * 3 / 4), k3))
+    if (!Direction(p_position + p_k1 * (p_step / 2), k2) || !Direction(p_position + k2 * (p_step * 3 / 4), k3))
       return false;
-    p_next = p_place + (p_k1 * 2.0 + k2 * 3.0 + k3 * 4.0) * (p_step / 9);
-    // A flow that turns around within the step has a stagnation point there.
+    p_next = p_position + (p_k1 * 2.0 + k2 * 3.0 + k3 * 4.0) * (p_step / 9);
+    // A flow that turns back within the step has a stagnation point there.
     if (!Direction(p_next, p_k4) || Dot(p_k1, p_k4) < -0.5)
       return false;
     p_error = Length(p_k1 * (-5.0 / 72) + k2 * (1.0 / 12) + k3 * (1.0 / 9) + p_k4 * (-1.0 / 8)) * p_step;
     return true;
   }
 
-  const FlowFunction& _flow;
-  const TraceOptions& _options;
+  const StreamlineTracer::Field& _field;
+  const StreamlineTracer::Options& _options;
   double _sign;
   double _taken = 0;
 };
 
-/// Finds out whether points lie near those that were added.
+/// Points in cells of a lattice, to find those near a position.
 class Neighbourhood {
 public:
-  explicit Neighbourhood(double p_distance)
-      : _cell(p_distance) {}
+  explicit Neighbourhood(double p_cell)
+      : _cell(p_cell) {}
 
   void Add(const Point& p_point) { _points[CellOf(p_point)].push_back(p_point); }
+  void Add(const Streamline& p_line) {
+    for (const Point& point : p_line)
+      Add(point);
+  }
 
-  /// `p_distance` is at most that of the constructor.
+  /// Whether a point is nearer than `p_distance`, which is at most a cell.
   bool HasNear(const Point& p_point, double p_distance) const {
-    const auto [cx, cy, cz] = CellOf(p_point);
-    for (long x = cx - 1; x <= cx + 1; ++x)
-      for (long y = cy - 1; y <= cy + 1; ++y)
-        for (long z = cz - 1; z <= cz + 1; ++z) {
+    const Point reach(p_distance, p_distance, p_distance);
+    const Cell low = CellOf(p_point - reach), high = CellOf(p_point + reach);
+    for (std::int64_t x = low[0]; x <= high[0]; ++x)
+      for (std::int64_t y = low[1]; y <= high[1]; ++y)
+        for (std::int64_t z = low[2]; z <= high[2]; ++z) {
           const auto found = _points.find({x, y, z});
           if (found != _points.end() &&
               std::any_of(found->second.begin(), found->second.end(),
@@ -115,35 +138,37 @@ public:
   }
 
 private:
-  using Cell = std::tuple<long, long, long>;
+  using Cell = std::array<std::int64_t, 3>;
   Cell CellOf(const Point& p_point) const {
-    const auto index = [this](double p_place) { return std::lround(std::clamp(p_place / _cell, -1e9, 1e9)); };
+    const auto index = [this](double p_position) {
+      return static_cast<std::int64_t>(std::floor(std::clamp(p_position / _cell, -1e15, 1e15)));
+    };
     return {index(p_point.x), index(p_point.y), index(p_point.z)};
   }
 
   double _cell;
-  std::map<Cell, std::vector<Point>> _points;
+  std::unordered_map<Cell, std::vector<Point>, boost::hash<Cell>> _points;
 };
 
-/// Keeps a line from coming near to what it passed itself: its points are added once they lie far enough behind.
+/// Keeps a line from coming near to its own earlier part. Points count once the line is two distances farther.
 class OwnTrail {
 public:
   explicit OwnTrail(double p_distance)
       : _distance(p_distance)
       , _passed(p_distance) {}
 
-  bool MayPass(const Point& p_point, double p_arc) {
+  bool IsNear(const Point& p_point, double p_arc) {
     for (; _next < _trail.size() && p_arc - _trail[_next].arc > 2 * _distance; ++_next)
-      _passed.Add(_trail[_next].place);
+      _passed.Add(_trail[_next].position);
     if (_passed.HasNear(p_point, _distance))
-      return false;
+      return true;
     _trail.push_back({p_point, p_arc});
-    return true;
+    return false;
   }
 
 private:
   struct Mark {
-    Point place;
+    Point position;
     double arc;
   };
   double _distance;
@@ -160,69 +185,239 @@ Streamline Joined(Streamline p_upstream, const Streamline& p_downstream) {
   return p_upstream;
 }
 
-} // namespace
+/// Adds lines one by one that keep their distance from all others.
+class SpacedLines {
+public:
+  SpacedLines(const StreamlineTracer::Field& p_field, const StreamlineTracer::Options& p_options,
+              const StreamlineTracer::Spacing& p_spacing, std::vector<Streamline> p_before)
+      : _field(p_field)
+      , _options(p_options)
+      , _spacing(p_spacing)
+      , _others(p_spacing.seeds)
+      , _lines(std::move(p_before)) {
+    Require(p_spacing.seeds > 0 && std::isfinite(p_spacing.seeds), "a distance of seeds above 0");
+    Require(p_spacing.lines > 0 && p_spacing.lines <= p_spacing.seeds,
+            "a distance of lines above 0, at most that of seeds");
+    for (const Streamline& line : _lines)
+      _others.Add(line);
+  }
 
-Streamline TraceDownstream(const FlowFunction& p_flow, const Point& p_seed, const TraceOptions& p_options,
-                           const GoOnFunction& p_goOn) {
-  return Tracer(p_flow, p_options, 1).Trace(p_seed, p_goOn);
-}
+  const std::vector<Streamline>& Lines() const { return _lines; }
+  std::vector<Streamline> Take() { return std::move(_lines); }
 
-Streamline TraceBoth(const FlowFunction& p_flow, const Point& p_seed, const TraceOptions& p_options,
-                     const GoOnFunction& p_goOn) {
-  return Joined(Tracer(p_flow, p_options, -1).Trace(p_seed, p_goOn),
-                Tracer(p_flow, p_options, 1).Trace(p_seed, p_goOn));
-}
+  /// False where the seed is near to a line, or its own line too short.
+  bool Add(const Point& p_seed) {
+    if (_others.HasNear(p_seed, _spacing.seeds))
+      return false;
+    Streamline line = Trace(p_seed);
+    if (line.size() < 2 || StreamlineTracer::ArcLength(line) < _spacing.shortest || IsCancelled(_options))
+      return false;
+    _others.Add(line);
+    _lines.push_back(std::move(line));
+    return true;
+  }
 
-double ArcLength(const Streamline& p_line) {
-  double length = 0;
-  for (std::size_t i = 1; i < p_line.size(); ++i)
-    length += Length(p_line[i] - p_line[i - 1]);
-  return length;
-}
-
-void Shuffle(std::vector<Point>& p_seeds, std::mt19937& p_random) {
-  // Drawn by hand, since the standard's shuffle differs from library to library.
-  for (std::size_t i = p_seeds.size(); i > 1; --i)
-    std::swap(p_seeds[i - 1], p_seeds[p_random() % i]);
-}
-
-std::vector<Streamline> SpacedStreamlines(const FlowFunction& p_flow, const std::vector<Point>& p_seeds,
-                                          const Spacing& p_spacing, const TraceOptions& p_options,
-                                          std::vector<Streamline> p_before) {
-  Neighbourhood others(p_spacing.seeds);
-  for (const Streamline& line : p_before)
-    for (const Point& point : line)
-      others.Add(point);
-  const double nearest = p_spacing.lines;
-  for (const Point& seed : p_seeds) {
-    if (others.HasNear(seed, p_spacing.seeds))
-      continue;
+private:
+  Streamline Trace(const Point& p_seed) const {
+    const double nearest = _spacing.lines;
     OwnTrail upTrail(nearest);
-    const Streamline upstream = Tracer(p_flow, p_options, -1).Trace(seed, [&](const Point& p_place, double p_arc) {
-      return !others.HasNear(p_place, nearest) && upTrail.MayPass(p_place, p_arc);
+    const Streamline upstream = Integrator(_field, _options, -1).Trace(p_seed, [&](const Point& p_at, double p_arc) {
+      return _others.HasNear(p_at, nearest) || upTrail.IsNear(p_at, p_arc);
     });
     // The way downstream must not run into the one upstream either, but where both begin they are near each other.
-    const double beginning = 2 * p_spacing.seeds;
-    Neighbourhood passed(p_spacing.seeds);
-    Neighbourhood passedFar(p_spacing.seeds);
+    const double beginning = 2 * _spacing.seeds;
+    Neighbourhood passed(_spacing.seeds);
+    Neighbourhood passedFar(_spacing.seeds);
     double arc = 0;
     for (std::size_t i = 1; i < upstream.size(); ++i) {
       arc += Length(upstream[i] - upstream[i - 1]);
       (arc < beginning ? passed : passedFar).Add(upstream[i]);
     }
     OwnTrail downTrail(nearest);
-    const Streamline downstream = Tracer(p_flow, p_options, 1).Trace(seed, [&](const Point& p_place, double p_arc) {
-      return !others.HasNear(p_place, nearest) && !passedFar.HasNear(p_place, nearest) &&
-             (p_arc < beginning || !passed.HasNear(p_place, nearest)) && downTrail.MayPass(p_place, p_arc);
+    const Streamline downstream = Integrator(_field, _options, 1).Trace(p_seed, [&](const Point& p_at, double p_arc) {
+      return _others.HasNear(p_at, nearest) || passedFar.HasNear(p_at, nearest) ||
+             (p_arc >= beginning && passed.HasNear(p_at, nearest)) || downTrail.IsNear(p_at, p_arc);
     });
-    Streamline line = Joined(upstream, downstream);
-    if (line.size() < 2 || ArcLength(line) < p_spacing.shortest)
-      continue;
-    for (const Point& point : line)
-      others.Add(point);
-    p_before.push_back(std::move(line));
+    return Joined(upstream, downstream);
   }
-  return p_before;
+
+  const StreamlineTracer::Field& _field;
+  const StreamlineTracer::Options& _options;
+  const StreamlineTracer::Spacing _spacing;
+  Neighbourhood _others;
+  std::vector<Streamline> _lines;
+};
+
+/// Directions across a line, in which seeds are taken: along the layer, or around the line.
+std::vector<Point> Sides(const Point& p_along, const Point& p_layer) {
+  if (Length(p_layer) > 0) {
+    const Point side = Normalize(Cross(p_layer, p_along));
+    return {side, -side};
+  }
+  const Point axis = std::abs(p_along.z) < 0.9 * Length(p_along) ? Point(0, 0, 1) : Point(1, 0, 0);
+  const Point side = Normalize(Cross(axis, p_along)), up = Normalize(Cross(p_along, side));
+  return {side, -side, up, -up};
+}
+
+/// Seeds beside a line, one set for every half of the distance along it.
+void AddSeedsBeside(const Streamline& p_line, double p_distance, const Point& p_layer, std::deque<Point>& p_seeds) {
+  double arc = p_distance;
+  for (std::size_t i = 1; i < p_line.size(); ++i) {
+    const Point along = p_line[i] - p_line[i - 1];
+    arc += Length(along);
+    if (arc < p_distance / 2)
+      continue;
+    arc = 0;
+    for (const Point& side : Sides(along, p_layer))
+      p_seeds.push_back(p_line[i] + side * (p_distance * (1 + 1e-6))); // rounding must not bring it nearer
+  }
+}
+
+/// The points of a lattice in the middle of a box.
+class Lattice {
+public:
+  Lattice(const Types::BoundingBox_Base<double>& p_box, double p_step)
+      : _center(p_box.Center())
+      , _step(p_step) {
+    const Point extent = p_box.Extent();
+    double count = 1;
+    for (std::size_t i = 0; i < 3; ++i) {
+      const double steps = std::floor((i == 0 ? extent.x : i == 1 ? extent.y : extent.z) / p_step);
+      count *= steps + 1;
+      Require(count <= 1 << 24, "a box of 2^24 seeds at most");
+      _counts[i] = static_cast<std::size_t>(steps) + 1;
+    }
+  }
+
+  std::size_t Count() const { return _counts[0] * _counts[1] * _counts[2]; }
+  Point At(std::size_t p_index) const {
+    const auto offset = [this](std::size_t p_i, std::size_t p_count) {
+      return (static_cast<double>(p_i) - static_cast<double>(p_count - 1) / 2) * _step;
+    };
+    return _center + Point(offset(p_index % _counts[0], _counts[0]),
+                           offset(p_index / _counts[0] % _counts[1], _counts[1]),
+                           offset(p_index / _counts[0] / _counts[1], _counts[2]));
+  }
+
+private:
+  Point _center;
+  double _step;
+  std::array<std::size_t, 3> _counts{};
+};
+
+bool Contains(const Types::BoundingBox_Base<double>& p_box, const Point& p_point) {
+  const Point& min = p_box.Min();
+  const Point& max = p_box.Max();
+  return p_point.x >= min.x && p_point.x <= max.x && p_point.y >= min.y && p_point.y <= max.y && p_point.z >= min.z &&
+         p_point.z <= max.z;
+}
+
+/// The normal of a box that has no extent along one axis; else 0.
+Point LayerNormal(const Point& p_extent) {
+  return p_extent.z == 0 ? Point(0, 0, 1) : p_extent.y == 0 ? Point(0, 1, 0) : Point(p_extent.x == 0 ? 1 : 0, 0, 0);
+}
+
+StreamlineTracer::Field FieldOf(const VectorField& p_field) {
+  const VectorField::Counts size = p_field.Size();
+  const Point kept(size[0] > 1 ? 1 : 0, size[1] > 1 ? 1 : 0, size[2] > 1 ? 1 : 0);
+  return [&p_field, kept](const Point& p_position, Point& p_vector) {
+    if (!p_field.Sample(p_position, p_vector))
+      return false;
+    p_vector = {p_vector.x * kept.x, p_vector.y * kept.y, p_vector.z * kept.z};
+    return true;
+  };
+}
+
+} // namespace
+
+StreamlineTracer::Options::Options(const VectorField& p_field) {
+  const double cell = p_field.CellSize();
+  length = 2 * Types::Length(p_field.Bounds().Extent());
+  largestStep = cell / 2;
+  smallestStep = cell * 1e-4;
+  tolerance = cell * 1e-3;
+  stagnation = 1e-6 * std::max(p_field.Speeds().max, 0.0);
+}
+
+StreamlineTracer::Spacing::Spacing(const VectorField& p_field) {
+  const double diagonal = Types::Length(p_field.Bounds().Extent());
+  seeds = diagonal > 0 ? diagonal / 40 : 1;
+  lines = seeds / 2;
+  shortest = 2 * seeds;
+}
+
+StreamlineTracer::StreamlineTracer(const VectorField& p_field)
+    : StreamlineTracer(p_field, Options(p_field)) {}
+
+StreamlineTracer::StreamlineTracer(const VectorField& p_field, const Options& p_options)
+    : StreamlineTracer(FieldOf(p_field), p_options) {}
+
+StreamlineTracer::StreamlineTracer(const Field& p_field, const Options& p_options)
+    : _field(p_field)
+    , _options(p_options) {
+  Require(!_field.empty(), "a field, got an empty function");
+  Require(_options.length >= 0 && std::isfinite(_options.length), "a finite length that is not negative");
+  Require(_options.smallestStep > 0 && _options.smallestStep <= _options.largestStep &&
+              std::isfinite(_options.largestStep),
+          "steps above 0, the smallest one not above the largest one");
+  Require(_options.tolerance > 0, "a tolerance above 0");
+  Require(_options.stagnation >= 0, "a stagnation that is not negative");
+}
+
+Streamline StreamlineTracer::Downstream(const Vector& p_seed, const TerminationCriterion& p_terminates) const {
+  return Integrator(_field, _options, 1).Trace(p_seed, p_terminates);
+}
+
+Streamline StreamlineTracer::Through(const Vector& p_seed, const TerminationCriterion& p_terminates) const {
+  return Joined(Integrator(_field, _options, -1).Trace(p_seed, p_terminates),
+                Integrator(_field, _options, 1).Trace(p_seed, p_terminates));
+}
+
+std::vector<Streamline> StreamlineTracer::Spaced(const std::vector<Vector>& p_seeds, const Spacing& p_spacing,
+                                                 std::vector<Streamline> p_before) const {
+  SpacedLines lines(_field, _options, p_spacing, std::move(p_before));
+  for (const Vector& seed : p_seeds) {
+    if (IsCancelled(_options))
+      break;
+    lines.Add(seed);
+  }
+  return lines.Take();
+}
+
+std::vector<Streamline> StreamlineTracer::Filled(const Types::BoundingBox_Base<double>& p_bounds,
+                                                 const Spacing& p_spacing, std::vector<Streamline> p_before) const {
+  SpacedLines lines(_field, _options, p_spacing, std::move(p_before));
+  const Vector extent = p_bounds.Extent(), layer = LayerNormal(extent);
+  Require(!p_bounds.Empty() && std::isfinite(Types::Length(extent)), "a finite box");
+  std::deque<Vector> seeds;
+  for (const Streamline& line : lines.Lines())
+    AddSeedsBeside(line, p_spacing.seeds, layer, seeds);
+  const Lattice lattice(p_bounds, p_spacing.seeds);
+  seeds.push_back(p_bounds.Center());
+  for (std::size_t next = 0; !IsCancelled(_options);) {
+    while (seeds.empty() && next < lattice.Count())
+      seeds.push_back(lattice.At(next++));
+    if (seeds.empty())
+      break;
+    const Vector seed = seeds.front();
+    seeds.pop_front();
+    if (Contains(p_bounds, seed) && lines.Add(seed))
+      AddSeedsBeside(lines.Lines().back(), p_spacing.seeds, layer, seeds);
+  }
+  return lines.Take();
+}
+
+double StreamlineTracer::ArcLength(const Streamline& p_line) {
+  double length = 0;
+  for (std::size_t i = 1; i < p_line.size(); ++i)
+    length += Types::Length(p_line[i] - p_line[i - 1]);
+  return length;
+}
+
+void StreamlineTracer::Shuffle(std::vector<Vector>& p_seeds, std::mt19937& p_random) {
+  // Written out, since the standard's shuffle differs between libraries.
+  for (std::size_t i = p_seeds.size(); i > 1; --i)
+    std::swap(p_seeds[i - 1], p_seeds[p_random() % i]);
 }
 
 } // namespace Vek::Chart::Scene

@@ -1,16 +1,14 @@
 #pragma once
 
 #include "apps/gallery/MapFrame.h"
-#include "apps/gallery/VectorGrid.h"
 #include "apps/gallery/WindField.h"
+#include "scene/VectorField.h"
 
 #include "platform/types/Vector.h"
 
-#include <vector>
-
 namespace Vek::Chart::Gallery {
 
-/// The wind between the places of a table, over the units of a map.
+/// The wind between the nodes of a table, over the units of a map.
 class MapWind {
 public:
   MapWind(const WindField& p_field, const MapFrame& p_map);
@@ -26,13 +24,9 @@ public:
 private:
   double Longitude(const Types::Vector3_Base<double>& p_place) const;
   double Latitude(const Types::Vector3_Base<double>& p_place) const;
-  double ColumnOf(double p_lon) const;
 
-  std::vector<double> _lons;
-  std::vector<double> _lats;
-  bool _global;
   MapFrame _map;
-  VectorGrid _grid;
+  Scene::VectorField _field; ///< in degrees
 };
 
 } // namespace Vek::Chart::Gallery

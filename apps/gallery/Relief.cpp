@@ -1,8 +1,7 @@
 #include "apps/gallery/Relief.h"
 
 #include "apps/gallery/Palettes.h"
-
-#include "platform/ogl/Vec.h"
+#include "scene/SurfaceMesh.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,27 +10,7 @@ namespace Vek::Chart::Gallery {
 
 namespace {
 
-using Record = Ogl::Vec3<float>;
-
-Record ToRecord(const Types::Vector3_Base<double>& p_vector) {
-  return {static_cast<float>(p_vector.x), static_cast<float>(p_vector.y), static_cast<float>(p_vector.z)};
-}
-
-/// Corner indices of the two triangles of each cell of a grid, counter-clockwise where x and y grow. A cell is
-/// `p_step` vertices wide and high, less at the upper borders where there are no more.
-std::vector<unsigned int> GridIndices(std::size_t p_columns, std::size_t p_rows, std::size_t p_step) {
-  std::vector<unsigned int> indices;
-  for (std::size_t row = 0; row + 1 < p_rows; row += p_step)
-    for (std::size_t column = 0; column + 1 < p_columns; column += p_step) {
-      const auto corner = [&](std::size_t p_right, std::size_t p_up) {
-        return static_cast<unsigned int>(std::min(row + p_up, p_rows - 1) * p_columns +
-                                         std::min(column + p_right, p_columns - 1));
-      };
-      indices.insert(indices.end(), {corner(0, 0), corner(p_step, 0), corner(p_step, p_step), corner(0, 0),
-                                     corner(p_step, p_step), corner(0, p_step)});
-    }
-  return indices;
-}
+using Record = Types::Vector3_Base<float>;
 
 /// Binds the colours to be modulated by the light.
 boost::shared_ptr<void> TextureScope(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors) {
@@ -72,34 +51,31 @@ void Relief::BuildSurface(const HeightField& p_heights, const MapFrame& p_map) {
   _columns = static_cast<std::size_t>(MapFrame::Width) + 1;
   // A narrow strip from pole to pole is not followed in all its length.
   _rows = static_cast<std::size_t>(std::clamp(std::ceil(p_map.Height()), 1.0, 4 * MapFrame::Width)) + 1;
-  std::vector<Record> positions;
-  std::vector<Record> normals;
-  std::vector<float> colors;
+  // One more row and column around the map give the normals at its borders.
   const double lonStep = (p_map.East() - p_map.West()) / static_cast<double>(_columns - 1);
   const double latStep = (p_map.North() - p_map.South()) / static_cast<double>(_rows - 1);
-  const double xStep = MapFrame::Width / static_cast<double>(_columns - 1);
-  const double yStep = p_map.Height() / static_cast<double>(_rows - 1);
-  for (std::size_t row = 0; row < _rows; ++row)
-    for (std::size_t column = 0; column < _columns; ++column) {
-      const double lon = p_map.West() + lonStep * static_cast<double>(column);
-      const double lat = p_map.South() + latStep * static_cast<double>(row);
-      const double height = p_heights.At(lon, lat);
-      const double slopeX = (Z(p_heights.At(lon + lonStep, lat)) - Z(p_heights.At(lon - lonStep, lat))) / (2 * xStep);
-      const double slopeY = (Z(p_heights.At(lon, lat + latStep)) - Z(p_heights.At(lon, lat - latStep))) / (2 * yStep);
-      positions.push_back(ToRecord(p_map.Place(lon, lat, Z(height))));
-      normals.push_back(ToRecord(Normalize(Types::Vector3_Base<double>(-slopeX, -slopeY, 1))));
+  std::vector<double> x, y, heights;
+  std::vector<float> colors;
+  for (std::size_t column = 0; column < _columns + 2; ++column)
+    x.push_back(MapFrame::Width * ((static_cast<double>(column) - 1) / static_cast<double>(_columns - 1) - 0.5));
+  for (std::size_t row = 0; row < _rows + 2; ++row) {
+    const double lat = p_map.South() + latStep * (static_cast<double>(row) - 1);
+    y.push_back(p_map.Place(0, lat, 0).y);
+    for (std::size_t column = 0; column < _columns + 2; ++column) {
+      const double height = p_heights.At(p_map.West() + lonStep * (static_cast<double>(column) - 1), lat);
+      heights.push_back(Z(height));
       colors.push_back(static_cast<float>((height - LowestColored) / (HighestColored - LowestColored)));
-      _top = std::max(_top, Z(height));
-      _base = std::min(_base, Z(height));
     }
-  _base -= 2.5;
-  _surface.SetVertices(std::move(positions));
-  _surface.SetNormals(std::move(normals));
-  _surface.SetTexCoords(std::move(colors));
-  _surface.PrimitiveType() = Ogl::VertexBuffer::Triangles;
-  _coarseSurface = _surface;
-  _surface.SetIndices(GridIndices(_columns, _rows, 1));
-  _coarseSurface.SetIndices(GridIndices(_columns, _rows, 2));
+  }
+  Scene::SurfaceMesh::Options options;
+  options.levels = 2;
+  options.halo = 1;
+  Scene::SurfaceMesh mesh(x, y, heights, colors, options);
+  _top = std::max(0.0, mesh.bounds.Max().z);
+  _base = std::min(0.0, mesh.bounds.Min().z) - 2.5;
+  const std::vector<Ogl::VertexData> levels = mesh.TakeData();
+  _surface = levels.front();
+  _coarseSurface = levels.back();
 }
 
 void Relief::BuildSides() {

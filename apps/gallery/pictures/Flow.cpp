@@ -48,7 +48,7 @@ Point BurgersVortex(const Point& p_place) {
   return {-Strain / 2 * p_place.x - swirl * p_place.y, -Strain / 2 * p_place.y + swirl * p_place.x, Strain * p_place.z};
 }
 
-VectorGrid BurgersGrid() {
+VectorField BurgersField() {
   constexpr std::size_t Count = 61;
   const Point origin(-1, -1, -0.8);
   const Point spacing(2.0 / (Count - 1), 2.0 / (Count - 1), 1.6 / (Count - 1));
@@ -59,19 +59,19 @@ VectorGrid BurgersGrid() {
         vectors.push_back(
             BurgersVortex(origin + Point(spacing.x * static_cast<double>(x), spacing.y * static_cast<double>(y),
                                          spacing.z * static_cast<double>(z))));
-  return VectorGrid({Count, Count, Count}, origin, spacing, std::move(vectors));
+  return VectorField::Regular({Count, Count, Count}, origin, spacing, vectors);
 }
 
 /// Nodes where the flow is faster than `p_least`: first those on the border where it enters, then all others; each part
-/// in an order without order.
-std::vector<Point> Seeds(const VectorGrid& p_grid, double p_least) {
+/// shuffled.
+std::vector<Point> Seeds(const VectorField& p_field, double p_least) {
   std::vector<Point> inlets;
   std::vector<Point> others;
-  const VectorGrid::Counts& n = p_grid.Size();
+  const VectorField::Counts& n = p_field.Size();
   for (std::size_t z = 0; z < n[2]; ++z)
     for (std::size_t y = 0; y < n[1]; ++y)
       for (std::size_t x = 0; x < n[0]; ++x) {
-        const Point& v = p_grid.Node(x, y, z);
+        const Point& v = p_field.Node(x, y, z);
         if (!(Length(v) > p_least))
           continue;
         const auto enters = [p_least](std::size_t p_index, std::size_t p_count, double p_component) {
@@ -79,11 +79,11 @@ std::vector<Point> Seeds(const VectorGrid& p_grid, double p_least) {
                  (p_index == p_count - 1 && p_component < -0.3 * p_least);
         };
         const bool inlet = enters(x, n[0], v.x) || enters(y, n[1], v.y) || enters(z, n[2], v.z);
-        (inlet ? inlets : others).push_back(p_grid.Place(x, y, z));
+        (inlet ? inlets : others).push_back(p_field.Position(x, y, z));
       }
   std::mt19937 random(3);
   for (std::vector<Point>* seeds : {&inlets, &others})
-    Shuffle(*seeds, random);
+    StreamlineTracer::Shuffle(*seeds, random);
   inlets.insert(inlets.end(), others.begin(), others.end());
   return inlets;
 }
@@ -94,17 +94,17 @@ public:
       : SpacePicture(Palettes::Plasma(0.12, 1.0))
       , _isOwn(p_inputs.flow.empty())
       , _file(QString::fromStdString(FileName(p_inputs.flow)))
-      , _grid(_isOwn ? BurgersGrid() : VectorGrid::ReadFile(p_inputs.flow, p_loading.Stage(0.5)))
-      , _center((_grid.Min() + _grid.Max()) * 0.5)
-      , _scale(std::min(Diagonal / Length(_grid.Max() - _grid.Min()), Tallest / (_grid.Max() - _grid.Min()).z))
-      , _fastest(_grid.LengthQuantile(0.998)) {
+      , _field(_isOwn ? BurgersField() : ReadVectorGridFile(p_inputs.flow, p_loading.Stage(0.5)))
+      , _center(_field.Bounds().Center())
+      , _scale(std::min(Diagonal / Length(_field.Bounds().Extent()), Tallest / _field.Bounds().Extent().z))
+      , _fastest(_field.SpeedQuantile(0.998)) {
     if (!(_fastest > 0))
       throw InputError(p_inputs.flow + ": expected a flow, got vectors that are all zero");
     // A round number at the upper end of the colours.
     const std::vector<double> ticks = RoundTicks(0, _fastest, 5);
     if (ticks.size() > 1)
       _fastest = std::ceil(_fastest / ticks[1] - 0.1) * ticks[1];
-    _clipped = _grid.LengthQuantile(1) > _fastest * (1 + 1e-9);
+    _clipped = _field.SpeedQuantile(1) > _fastest * (1 + 1e-9);
     BuildLines(p_loading.Stage(1));
   }
 
@@ -140,9 +140,9 @@ protected:
       DrawTitle(p_canvas, "Flow",
                 QString("%1, a grid of %2 × %3 × %4 nodes")
                     .arg(_file)
-                    .arg(_grid.Size()[0])
-                    .arg(_grid.Size()[1])
-                    .arg(_grid.Size()[2]));
+                    .arg(_field.Size()[0])
+                    .arg(_field.Size()[1])
+                    .arg(_field.Size()[2]));
     p_canvas.Bar({60, 62, 520, 78}, Colors(), _isOwn ? "Speed (no unit)" : "Speed in the units of the file",
                  TicksFromZero(_fastest, 5, _clipped));
   }
@@ -155,34 +155,34 @@ private:
 
   /// The distance between lines at which, all together, they are some fifty diagonals long.
   double Distance(std::size_t p_movingNodes) const {
-    const Point& cell = _grid.Spacing();
+    const Point cell = _field.Spacing();
     const double volume = static_cast<double>(p_movingNodes) * cell.x * cell.y * cell.z;
     const double length = 50 * Diagonal / _scale;
     return std::max(std::sqrt(volume / length), 1.4 * std::min({cell.x, cell.y, cell.z}));
   }
 
   void BuildLines(const Loading& p_loading) {
-    const FlowFunction flow = [&](const Point& p_place, Point& p_vector) {
+    const StreamlineTracer::Field flow = [&](const Point& p_place, Point& p_vector) {
       p_loading.CheckCancelled();
-      return _grid.At(p_place, p_vector);
+      return _field.Sample(p_place, p_vector);
     };
-    const std::vector<Point> seeds = Seeds(_grid, Slowest());
+    const std::vector<Point> seeds = Seeds(_field, Slowest());
     const double distance = Distance(seeds.size());
     const double diagonal = Diagonal / _scale;
-    TraceOptions options;
+    StreamlineTracer::Options options;
     options.length = 4 * diagonal;
     options.largestStep = diagonal / 160;
     options.smallestStep = diagonal * 1e-5;
     options.tolerance = diagonal * 2e-5;
     options.stagnation = Slowest();
     const std::vector<Streamline> lines =
-        SpacedStreamlines(flow, seeds, {distance, 0.2 * distance, diagonal / 6}, options);
+        StreamlineTracer(flow, options).Spaced(seeds, {distance, 0.2 * distance, diagonal / 6});
     TubeMesh tubes(StreamLineShape(StreamLineShape::ShapeTube, {}));
     for (const Streamline& line : lines) {
       std::vector<TubeMesh::Point> styled;
       for (const Point& place : line) {
         Point vector;
-        _grid.At(place, vector);
+        _field.Sample(place, vector);
         styled.push_back(
             {ToPicture(place), std::min(0.9, 0.26 * distance * _scale), std::min(1.0, Length(vector) / _fastest)});
       }
@@ -197,12 +197,12 @@ private:
     p_gl->Disable(RGL_LIGHTING);
     p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.5 * PointSize(p_view))));
     p_gl->Color(GalleryTheme::Line);
-    DrawEdges(p_gl, {ToPicture(_grid.Min()), ToPicture(_grid.Max())});
+    DrawEdges(p_gl, {ToPicture(_field.Bounds().Min()), ToPicture(_field.Bounds().Max())});
   }
 
   bool _isOwn; ///< the picture's own vortex, no file
   QString _file;
-  VectorGrid _grid;
+  VectorField _field;
   Point _center;
   double _scale;
   double _fastest; ///< at the upper end of the colours

@@ -29,14 +29,14 @@ namespace {
 using Library::StreamLineShape;
 using Point = Types::Vector3_Base<double>;
 
-/// Places all over the map, in an order without order.
+/// Positions all over the map, shuffled.
 std::vector<Point> Seeds(const MapFrame& p_map, double p_step) {
   std::mt19937 random(1987);
   std::vector<Point> seeds;
   for (double y = -p_map.Height() / 2 + p_step / 2; y < p_map.Height() / 2; y += p_step)
     for (double x = -MapFrame::Width / 2 + p_step / 2; x < MapFrame::Width / 2; x += p_step)
       seeds.emplace_back(x, y, 0);
-  Shuffle(seeds, random);
+  StreamlineTracer::Shuffle(seeds, random);
   return seeds;
 }
 
@@ -76,22 +76,23 @@ protected:
 
 private:
   void BuildLines(Loading& p_loading) {
-    const FlowFunction flow = [&](const Point& p_place, Point& p_vector) {
+    const StreamlineTracer::Field flow = [&](const Point& p_place, Point& p_vector) {
       p_loading.CheckCancelled();
       return _wind.Flow(p_place, p_vector);
     };
-    TraceOptions options;
+    StreamlineTracer::Options options;
     options.length = 110;
     options.largestStep = 1;
     options.tolerance = 5e-3;
     options.smallestStep = 0.02;
     options.stagnation = 0.02 * _ground.Fastest();
+    const StreamlineTracer tracer(flow, options);
     const std::vector<Point> seeds = Seeds(_ground.Map(), 2.5);
     std::vector<Streamline> lines;
     // Long lines first; shorter ones fill the gaps that these leave.
     for (const double shortest : {100.0, 45.0, 18.0}) {
       p_loading.Stage(p_loading.Progress() + 0.15);
-      lines = SpacedStreamlines(flow, seeds, {6.4, 3.6, shortest}, options, std::move(lines));
+      lines = tracer.Spaced(seeds, {6.4, 3.6, shortest}, std::move(lines));
     }
     p_loading.Stage(1);
 

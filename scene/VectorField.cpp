@@ -1,0 +1,240 @@
+#include "scene/VectorField.h"
+
+#include "scene/private/GridAxis.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <sstream>
+#include <stdexcept>
+
+namespace Vek::Chart::Scene {
+
+namespace {
+
+using Vector = VectorField::Vector;
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+
+bool IsFinite(const Vector& p_vector) {
+  return std::isfinite(p_vector.x) && std::isfinite(p_vector.y) && std::isfinite(p_vector.z);
+}
+
+/// The distinct numbers, ascending.
+std::vector<double> Distinct(std::vector<double> p_numbers) {
+  std::sort(p_numbers.begin(), p_numbers.end());
+  p_numbers.erase(std::unique(p_numbers.begin(), p_numbers.end()), p_numbers.end());
+  return p_numbers;
+}
+
+std::size_t IndexIn(const std::vector<double>& p_sorted, double p_number) {
+  return static_cast<std::size_t>(std::lower_bound(p_sorted.begin(), p_sorted.end(), p_number) - p_sorted.begin());
+}
+
+std::vector<double> EvenNodes(const char* p_name, std::size_t p_count, double p_first, double p_step) {
+  std::vector<double> nodes;
+  for (std::size_t i = 0; i < p_count; ++i)
+    nodes.push_back(p_first + static_cast<double>(i) * p_step);
+  return AxisNodes(p_name, nodes, 1);
+}
+
+} // namespace
+
+VectorField::VectorField(std::array<std::vector<double>, 3> p_axes, const Array3& p_vectors) {
+  const std::size_t count = Scene::NodeCount("VectorField", {p_axes[0].size(), p_axes[1].size(), p_axes[2].size()});
+  RequireCount("VectorField: vectors", p_vectors.Count(), count);
+  _vectors = Points(p_vectors);
+  for (Vector& vector : _vectors)
+    if (!IsFinite(vector)) {
+      vector = {NaN, NaN, NaN};
+      ++_missing;
+    }
+  for (std::size_t i = 0; i < 3; ++i) {
+    NodeAxis& axis = _axes[i];
+    axis.nodes = std::move(p_axes[i]);
+    const double first = axis.nodes.front(), last = axis.nodes.back();
+    axis.low = std::min(first, last);
+    axis.high = std::max(first, last);
+    if (axis.nodes.size() > 1)
+      axis.cellsPerUnit = static_cast<double>(axis.nodes.size() - 1) / (last - first);
+  }
+  const double cell = CellSize();
+  for (NodeAxis& axis : _axes) {
+    const double largest = std::max(std::abs(axis.low), std::abs(axis.high));
+    const double ownCell = axis.nodes.size() > 1 ? 1 / std::abs(axis.cellsPerUnit) : cell;
+    axis.slack = 1e-9 * ownCell + 4 * std::numeric_limits<double>::epsilon() * largest;
+  }
+}
+
+VectorField VectorField::Rectilinear(const Array1& p_x, const Array1& p_y, const Array1& p_z, const Array3& p_vectors) {
+  return VectorField(
+      {AxisNodes("VectorField: x", p_x, 1), AxisNodes("VectorField: y", p_y, 1), AxisNodes("VectorField: z", p_z, 1)},
+      p_vectors);
+}
+
+VectorField VectorField::Layer(const Array1& p_x, const Array1& p_y, const Array3& p_vectors, double p_z) {
+  return Rectilinear(p_x, p_y, Array1::Constant(p_z, 1), p_vectors);
+}
+
+VectorField VectorField::Regular(const Counts& p_counts, const Vector& p_origin, const Vector& p_spacing,
+                                 const Array3& p_vectors) {
+  RequireCount("VectorField: vectors", p_vectors.Count(), Scene::NodeCount("VectorField", p_counts));
+  return VectorField({EvenNodes("VectorField: x", p_counts[0], p_origin.x, p_spacing.x),
+                      EvenNodes("VectorField: y", p_counts[1], p_origin.y, p_spacing.y),
+                      EvenNodes("VectorField: z", p_counts[2], p_origin.z, p_spacing.z)},
+                     p_vectors);
+}
+
+VectorField VectorField::FromPoints(const Array3& p_points, const Array3& p_vectors) {
+  RequireCount("VectorField: vectors", p_vectors.Count(), p_points.Count());
+  const std::vector<Vector> points = Points(p_points), vectors = Points(p_vectors);
+  std::array<std::vector<double>, 3> axes;
+  std::size_t listed = 0;
+  for (const Vector& point : points)
+    if (IsFinite(point)) {
+      axes[0].push_back(point.x);
+      axes[1].push_back(point.y);
+      axes[2].push_back(point.z);
+      ++listed;
+    }
+  for (std::vector<double>& axis : axes)
+    axis = Distinct(std::move(axis));
+  const Counts size{axes[0].size(), axes[1].size(), axes[2].size()};
+  if (listed == 0 || static_cast<double>(size[0]) * static_cast<double>(size[1]) * static_cast<double>(size[2]) >
+                         4 * static_cast<double>(listed))
+    throw std::invalid_argument("VectorField: expected points that form a grid, got " + std::to_string(listed) +
+                                " with " + std::to_string(size[0]) + " x, " + std::to_string(size[1]) + " y and " +
+                                std::to_string(size[2]) + " z");
+  std::vector<Vector> nodes(size[0] * size[1] * size[2], {NaN, NaN, NaN});
+  for (std::size_t i = 0; i < points.size(); ++i)
+    if (IsFinite(points[i]))
+      nodes[IndexIn(axes[0], points[i].x) +
+            size[0] * (IndexIn(axes[1], points[i].y) + size[1] * IndexIn(axes[2], points[i].z))] = vectors[i];
+  return VectorField(std::move(axes), nodes);
+}
+
+void VectorField::WrapX(double p_period) {
+  const double length = _axes[0].high - _axes[0].low;
+  if (!(p_period > 0 && p_period >= length - _axes[0].slack) || !std::isfinite(p_period)) {
+    std::ostringstream message;
+    message.imbue(std::locale::classic());
+    message << "VectorField: expected a period that is not shorter than the x axis, " << length << ", got " << p_period;
+    throw std::invalid_argument(message.str());
+  }
+  _period = p_period;
+}
+
+VectorField::Between VectorField::NodeAxis::Within(double p_position) const {
+  if (nodes.size() == 1)
+    return {};
+  // Exact on even axes; elsewhere the guess is replaced by a search.
+  const double guess = (p_position - nodes.front()) * cellsPerUnit, last = static_cast<double>(nodes.size() - 2);
+  std::size_t lower = guess > 0 ? static_cast<std::size_t>(std::min(guess, last)) : 0;
+  const bool descends = Descends();
+  const auto liesBefore = [&](double p_node) { return descends ? p_node >= p_position : p_node <= p_position; };
+  if (!liesBefore(nodes[lower]) || liesBefore(nodes[lower + 1])) {
+    const auto next = std::partition_point(nodes.begin() + 1, nodes.end() - 1, liesBefore);
+    lower = static_cast<std::size_t>(next - nodes.begin()) - 1;
+  }
+  const double share = (p_position - nodes[lower]) / (nodes[lower + 1] - nodes[lower]);
+  // A position on a node depends on that node alone, whatever lies beyond it.
+  if (share <= 0)
+    return {lower, lower, 0};
+  if (share >= 1)
+    return {lower + 1, lower + 1, 0};
+  return {lower, lower + 1, share};
+}
+
+bool VectorField::NodeAxis::Locate(double p_position, Between& p_between) const {
+  if (!(p_position >= low - slack && p_position <= high + slack))
+    return false;
+  p_between = Within(std::clamp(p_position, low, high));
+  return true;
+}
+
+bool VectorField::NodeAxis::LocateWrapped(double p_position, double p_period, Between& p_between) const {
+  const double position = p_position - std::floor((p_position - low) / p_period) * p_period;
+  if (!std::isfinite(position))
+    return false;
+  const double gap = low + p_period - high;
+  if (position <= high || !(gap > 0)) {
+    p_between = Within(std::clamp(position, low, high));
+    return true;
+  }
+  const std::size_t last = nodes.size() - 1;
+  p_between = Descends() ? Between{0, last, 0} : Between{last, 0, 0};
+  p_between.share = std::min((position - high) / gap, 1.0);
+  return true;
+}
+
+bool VectorField::Sample(const Vector& p_position, Vector& p_vector) const {
+  if (_vectors.empty())
+    return false;
+  Between x, y, z;
+  if (!(_period > 0 ? _axes[0].LocateWrapped(p_position.x, _period, x) : _axes[0].Locate(p_position.x, x)) ||
+      !_axes[1].Locate(p_position.y, y) || !_axes[2].Locate(p_position.z, z))
+    return false;
+  const std::size_t columns = _axes[0].nodes.size(), rows = _axes[1].nodes.size();
+  const auto alongX = [&](std::size_t p_y, std::size_t p_z) {
+    const Vector* const row = _vectors.data() + columns * (p_y + rows * p_z);
+    return row[x.lower] * (1 - x.share) + row[x.upper] * x.share;
+  };
+  const auto alongY = [&](std::size_t p_z) {
+    return alongX(y.lower, p_z) * (1 - y.share) + alongX(y.upper, p_z) * y.share;
+  };
+  const Vector vector =
+      z.lower == z.upper ? alongY(z.lower) : alongY(z.lower) * (1 - z.share) + alongY(z.upper) * z.share;
+  if (!IsFinite(vector)) // a missing node is NaN, also times 0
+    return false;
+  p_vector = vector;
+  return true;
+}
+
+VectorField::Counts VectorField::Size() const {
+  return {_axes[0].nodes.size(), _axes[1].nodes.size(), _axes[2].nodes.size()};
+}
+
+Types::BoundingBox_Base<double> VectorField::Bounds() const {
+  if (_vectors.empty())
+    return {};
+  return {{_axes[0].low, _axes[1].low, _axes[2].low}, {_axes[0].high, _axes[1].high, _axes[2].high}};
+}
+
+Vector VectorField::Spacing() const {
+  const auto mean = [this](std::size_t p_axis) {
+    const NodeAxis& axis = _axes[p_axis];
+    return axis.nodes.size() > 1 ? (axis.high - axis.low) / static_cast<double>(axis.nodes.size() - 1) : 0;
+  };
+  return {mean(0), mean(1), mean(2)};
+}
+
+double VectorField::CellSize() const {
+  const Vector spacing = Spacing();
+  double smallest = std::numeric_limits<double>::infinity();
+  for (const double cell : {spacing.x, spacing.y, spacing.z})
+    if (cell > 0)
+      smallest = std::min(smallest, cell);
+  return std::isfinite(smallest) ? smallest : 1;
+}
+
+Types::MinMax_Base<double> VectorField::Speeds() const {
+  Types::MinMax_Base<double> range;
+  for (const Vector& vector : _vectors)
+    range += Length(vector);
+  return range;
+}
+
+double VectorField::SpeedQuantile(double p_fraction) const {
+  std::vector<double> speeds;
+  speeds.reserve(_vectors.size());
+  for (const Vector& vector : _vectors)
+    if (IsFinite(vector))
+      speeds.push_back(Length(vector));
+  if (speeds.empty())
+    return NaN;
+  const double fraction = p_fraction >= 0 ? std::min(p_fraction, 1.0) : 0.0;
+  const auto nth = speeds.begin() + static_cast<std::ptrdiff_t>(fraction * static_cast<double>(speeds.size() - 1));
+  std::nth_element(speeds.begin(), nth, speeds.end());
+  return *nth;
+}
+
+} // namespace Vek::Chart::Scene

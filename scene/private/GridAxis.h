@@ -1,0 +1,20 @@
+#pragma once
+
+#include "scene/Array.h"
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Vek::Chart::Scene {
+
+/// The positions of the nodes along one axis of a rectilinear grid, ascending or descending. Throws
+/// std::invalid_argument for fewer than `p_least`, for numbers that are not finite, and for numbers out of order.
+/// `p_name` starts the message.
+std::vector<double> AxisNodes(const std::string& p_name, const Array1& p_axis, std::size_t p_least);
+
+/// The number of nodes of a grid. Throws std::invalid_argument where it exceeds 2^40.
+std::size_t NodeCount(const std::string& p_name, const std::array<std::size_t, 3>& p_counts);
+
+} // namespace Vek::Chart::Scene
