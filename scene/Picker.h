@@ -27,8 +27,9 @@ namespace Vek::Chart::Scene {
 ///
 /// A plot is drawn under the matrices of the camera, with a shader in use that packs depths or writes ids. So a
 /// function that draws by GL's fixed vertex attributes (a GpuMesh, VertexData, drawables, immediate mode) needs no code
-/// for picking: its elements are the primitives of one call of GL, counted from 0 in each call. Parts with shaders of
-/// their own have a drawing for a PickPass:
+/// for picking: its elements are the primitives of one call of GL, counted from 0 in each call. A plot whose vertices
+/// are relative to an origin applies the camera again, with that origin. Parts with shaders of their own have a drawing
+/// for a PickPass:
 ///
 ///     {[&](auto& gl, const PickPass&) { surface.Draw(gl); },
 ///      [&](auto& gl, const PickPass& pass) { arrows.Draw(gl, pass); }}

@@ -21,10 +21,12 @@ struct VEK_SCENE_API ValueScale {
   double upper = 1;         ///< the value of the last colour
   bool logarithmic = false; ///< whether equal ratios of values take equal shares of the map
 
-  QColor below;                       ///< of smaller values, among them those without a logarithm; by default the first
-                                      ///< colour of the map
-  QColor above;                       ///< of larger values; by default the last colour of the map
-  QColor missing{128, 128, 128, 255}; ///< of NaN; nothing is drawn where it is transparent
+  /// Of smaller values, among them those without a logarithm; by default the first colour of the map.
+  QColor below = {};
+  /// Of larger values; by default the last colour of the map.
+  QColor above = {};
+  /// Of NaN; nothing is drawn where it is transparent.
+  QColor missing = {128, 128, 128};
 
   /// Throws std::invalid_argument for limits that cannot be drawn.
   void Check() const;

@@ -132,6 +132,9 @@ void Model::VertexPointer(int p_size, GlEnum p_type, int p_stride, const void* p
 void Model::NormalPointer(GlEnum p_type, int p_stride, const void* p_pointer) {
   SetArray(RGL_NORMAL_ARRAY, 3, p_type, p_stride, p_pointer);
 }
+void Model::ColorPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer) {
+  SetArray(RGL_COLOR_ARRAY, p_size, p_type, p_stride, p_pointer);
+}
 void Model::TexCoordPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer) {
   SetArray(RGL_TEXTURE_COORD_ARRAY, p_size, p_type, p_stride, p_pointer);
 }

@@ -112,6 +112,7 @@ public:
   void DisableClientState(GlEnum p_array) { _arrays[p_array].enabled = false; }
   void VertexPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
   void NormalPointer(GlEnum p_type, int p_stride, const void* p_pointer);
+  void ColorPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
   void TexCoordPointer(int p_size, GlEnum p_type, int p_stride, const void* p_pointer);
   void EnableVertexAttribArray(unsigned int p_index) { _arrays[p_index].enabled = true; }
   void DisableVertexAttribArray(unsigned int p_index) { _arrays[p_index].enabled = false; }

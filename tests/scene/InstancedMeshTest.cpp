@@ -1,0 +1,363 @@
+#include "scene/InstancedMesh.h"
+
+#include "scene/DirectionalLight.h"
+
+#include "library/DepthPass.h"
+#include "library/Icosphere.h"
+#include "tests/support/ErrorOf.h"
+#include "tests/support/Test.h"
+
+using namespace Vek::Chart::Scene;
+
+namespace {
+
+using Point = Types::Vector3_Base<double>;
+using Instances = InstancedMesh::Instances;
+
+/// A rectangle in the plane y = 0: 0.1 to each side of the axis z, from 0 to its tip at 1.
+GpuMesh Bar() {
+  static const std::vector<Point> Positions = {{-0.1, 0, 0}, {0.1, 0, 0}, {0.1, 0, 1}, {-0.1, 0, 1}};
+  GpuMesh::Arrays arrays;
+  arrays.positions = Positions;
+  arrays.indices = {0, 1, 2, 0, 2, 3};
+  return GpuMesh(arrays);
+}
+
+/// The same in the plane z = 0, along y.
+GpuMesh FlatBar() {
+  static const std::vector<Point> Positions = {{-0.1, 0, 0}, {0.1, 0, 0}, {0.1, 1, 0}, {-0.1, 1, 0}};
+  GpuMesh::Arrays arrays;
+  arrays.positions = Positions;
+  arrays.indices = {0, 1, 2, 0, 2, 3};
+  return GpuMesh(arrays);
+}
+
+InstancedMesh Many(std::size_t p_count, bool p_complete) {
+  const std::vector<Point> zeros(p_count), ups(p_count, Point(0, 0, 1));
+  const std::vector<float> ones(p_count, 1);
+  Instances instances;
+  instances.positions = zeros;
+  if (p_complete) {
+    instances.sizes = ones;
+    instances.directions = ups;
+    instances.values = ones;
+  }
+  return {Bar(), instances};
+}
+
+/// The bytes of all uploads so far.
+std::vector<std::size_t> Uploads(RecordingGl& p_recorder) {
+  std::vector<std::size_t> bytes;
+  for (const std::string& line : p_recorder.LinesOf({"MapBufferRange"}))
+    bytes.push_back(std::stoul(line.substr(line.find(", 0, ") + 5)));
+  EXPECT_EQ(p_recorder.LinesOf({"BufferSubData"}), Lines());
+  p_recorder.Clear();
+  return bytes;
+}
+
+using Bytes = std::vector<std::size_t>;
+const Bytes BarBytes = {48, 48, 24}; // positions, normals, indices
+
+} // namespace
+
+TEST(InstancedMesh, ThrowsForArraysThatDoNotFit) {
+  const std::vector<Point> three(3, Point(1, 0, 0));
+  const std::vector<float> two(2);
+  Instances base;
+  base.positions = three;
+  const auto with = [&](const std::function<void(Instances&)>& p_change) {
+    return [&base, p_change] {
+      Instances instances = base;
+      p_change(instances);
+      InstancedMesh mesh(Bar(), instances);
+    };
+  };
+  InstancedMesh mesh(Bar(), base);
+  const std::pair<std::string, std::function<void()>> cases[] = {
+      {"InstancedMesh: sizes: expected 3 elements, got 2", with([&](Instances& p_i) { p_i.sizes = two; })},
+      {"InstancedMesh: values: expected 3 elements, got 2", with([&](Instances& p_i) { p_i.values = two; })},
+      {"InstancedMesh: rotations: expected 3 elements, got 1", with([](Instances& p_i) { p_i.rotations.resize(1); })},
+      {"InstancedMesh: colours: expected 3 elements, got 4", with([](Instances& p_i) { p_i.colors.resize(4); })},
+      {"InstancedMesh: ids: expected 3 elements, got 2", with([](Instances& p_i) { p_i.ids.resize(2); })},
+      {"InstancedMesh: ids: expected numbers below 16777215, got 16777215", with([](Instances& p_i) {
+         p_i.ids = {1, 0xFFFFFF, 2};
+       })},
+      {"InstancedMesh: expected directions or rotations, got both", with([&](Instances& p_i) {
+         p_i.directions = three;
+         p_i.rotations.resize(3);
+       })},
+      {"InstancedMesh: positions: expected 3 elements, got 0", [&] { mesh.UpdatePositions(Array3()); }},
+      {"InstancedMesh: values: expected 3 elements, got 2", [&] { mesh.UpdateValues(two); }},
+  };
+  for (const auto& [message, call] : cases)
+    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+}
+
+TEST(InstancedMesh, CountsAndBoundsWhatIsShown) {
+  const std::vector<Point> positions = {{1e6, 0, 0}, {1e6 + 2, 0, 0}, {NAN, 0, 0}, {1e6 + 50, 0, 0}, {1e6 + 60, 0, 0}};
+  const std::vector<Point> directions = {{0, 0, 3}, {1, 0, 0}, {1, 0, 0}, {0, 0, 0}, {NAN, 0, 1}};
+  const std::vector<double> sizes = {1, 2, 9, 1, 1};
+  Instances instances;
+  instances.positions = positions;
+  instances.origin = {1e6, 0, 0};
+  instances.directions = directions;
+  instances.sizes = sizes;
+  const InstancedMesh mesh(Bar(), instances);
+  EXPECT_EQ(mesh.Count(), 5U);
+  EXPECT_EQ(mesh.Undirected(), 2U);
+  const double reach = std::sqrt(1.01); // of the bar's far corners
+  EXPECT_NEAR(mesh.Bounds().Min().x, -reach, 1e-6);
+  EXPECT_NEAR(mesh.Bounds().Max().x, 2 + 2 * reach, 1e-6);
+  EXPECT_NEAR(mesh.Bounds().Max().y, 2 * reach, 1e-6);
+  EXPECT_TRUE(InstancedMesh().Bounds().Empty());
+}
+
+TEST(InstancedMesh, SpheresAreFineEnough) {
+  const std::vector<InstancedMesh::Level> levels = InstancedMesh::Spheres();
+  ASSERT_EQ(levels.size(), 4U);
+  for (std::size_t i = 0; i < levels.size(); ++i) {
+    EXPECT_EQ(levels[i].mesh.IndexCount(), 60U << (2 * i));
+    if (i + 1 == levels.size())
+      break;
+    // The outline of the largest sphere leaves the circle by a fifth of a pixel.
+    const Icosphere sphere(static_cast<unsigned int>(i));
+    double longest = 0;
+    for (std::size_t k = 0; k < sphere.indices.size(); k += 3)
+      longest =
+          std::max(longest, Length(sphere.positions[sphere.indices[k + 1]] - sphere.positions[sphere.indices[k]]));
+    const double flatness = 1 - std::sqrt(1 - longest * longest / 4);
+    EXPECT_NEAR(levels[i].mostPixels / 2 * flatness, 0.2, 1e-3) << i;
+  }
+}
+
+class InstancedMeshCalls : public RecordingScopeFixture {
+protected:
+  void SetUp() override { recorder.SetVersion("3.3"); }
+  void TearDown() override {
+    colors = ColorMap({Qt::red}, ColorMap::Discrete); // releases the texture
+    RecordingScopeFixture::TearDown();
+  }
+  ColorMap colors{{Qt::red, Qt::blue}, ColorMap::Interpolated};
+};
+
+TEST_F(InstancedMeshCalls, CallsDoNotGrowWithTheInstances) {
+  Lines first;
+  for (const std::size_t count : {1000, 100000}) {
+    const InstancedMesh mesh = Many(count, true);
+    mesh.Draw(gl, colors);
+    recorder.Clear();
+    mesh.Draw(gl, colors);
+    const Lines lines = recorder.LinesWithout({"DrawElementsInstanced"});
+    EXPECT_EQ(recorder.LinesOf({"DrawElementsInstanced"}),
+              Lines{"DrawElementsInstanced(GL_TRIANGLES, 6, GL_UNSIGNED_INT, null, " + std::to_string(count) + ")"});
+    EXPECT_EQ(lines.size(), first.empty() ? lines.size() : first.size());
+    first = lines;
+  }
+}
+
+TEST_F(InstancedMeshCalls, UploadsWhatChanged) {
+  constexpr std::size_t N = 100;
+  InstancedMesh mesh = Many(N, true);
+  mesh.Draw(gl, colors);
+  Bytes all = Uploads(recorder);
+  std::sort(all.begin(), all.end());
+  EXPECT_EQ(all, (Bytes{24, 48, 48, 4 * N, 4 * N, 12 * N, 24 * N}));
+  mesh.Draw(gl, colors, {-5, 5, false});
+  mesh.Draw(gl, ColorMap({Qt::white}, ColorMap::Discrete), {1, 5, true});
+  mesh.DrawDepths(gl);
+  EXPECT_EQ(Uploads(recorder), Bytes());
+  mesh.DrawIds(gl, 0);
+  EXPECT_EQ(Uploads(recorder), Bytes{4 * N}); // at most 48 bytes an instance in all
+  const std::vector<float> numbers(N, 2);
+  const std::vector<Point> points(N, Point(1, 2, 3));
+  const std::pair<std::function<void()>, std::size_t> updates[] = {
+      {[&] { mesh.UpdateValues(numbers); }, 4 * N},
+      {[&] { mesh.UpdateSizes(numbers); }, 4 * N},
+      {[&] { mesh.UpdatePositions(points); }, 12 * N},
+      {[&] { mesh.UpdateDirections(points); }, 24 * N},
+      {[&] { mesh.UpdateRotations(std::vector<Types::Matrix3>(N)); }, 24 * N},
+      {[&] { mesh.UpdateColors(std::vector<GpuMesh::Rgba>(N)); }, 4 * N},
+  };
+  for (const auto& [update, bytes] : updates) {
+    update();
+    mesh.Draw(gl, colors);
+    EXPECT_EQ(Uploads(recorder), Bytes{bytes});
+  }
+  Many(N, false).Draw(gl, colors);
+  Bytes few = Uploads(recorder);
+  std::sort(few.begin(), few.end());
+  EXPECT_EQ(few, (Bytes{24, 48, 48, 12 * N}));
+}
+
+TEST_F(InstancedMeshCalls, DrawsLevelsThatMayBeSeen) {
+  gl->Viewport(0, 0, 100, 100); // under identity matrices, a unit has 50 pixels
+  std::vector<InstancedMesh::Level> levels;
+  for (const double most : {10.0, 100.0, 1000.0}) {
+    levels.emplace_back(Bar());
+    levels.back().mostPixels = most;
+  }
+  std::vector<Point> positions(10);
+  const std::vector<double> sizes = {0.1, 1, 0.19, 0.21, 2, 5, 2.01, 1e9, 0.1, NAN};
+  Instances instances;
+  instances.positions = positions;
+  instances.sizes = sizes;
+  InstancedMesh mesh(levels, instances);
+  const auto counts = [&] {
+    std::vector<int> result;
+    for (const std::string& line : recorder.LinesOf({"DrawElementsInstanced"}))
+      result.push_back(std::stoi(line.substr(line.rfind(' '))));
+    recorder.Clear();
+    return result;
+  };
+  mesh.Draw(gl, colors);
+  EXPECT_EQ(counts(), (std::vector<int>{4, 3, 3}));
+  gl->Scale({0.01, 0.01, 0.01});
+  mesh.DrawDepths(gl); // the levels of the last drawing
+  EXPECT_EQ(counts(), (std::vector<int>{4, 3, 3}));
+  mesh.Draw(gl, colors);
+  EXPECT_EQ(counts(), (std::vector<int>{9, 1}));
+  Uploads(recorder);
+  mesh.Draw(gl, colors);
+  EXPECT_EQ(Uploads(recorder), Bytes());
+  for (Point& position : positions)
+    position.x = 400; // at 4 in clip coordinates
+  const std::vector<double> small(10, 1);
+  mesh.UpdatePositions(positions);
+  mesh.UpdateSizes(small);
+  mesh.Draw(gl, colors);
+  EXPECT_EQ(counts(), std::vector<int>());
+  const std::vector<double> large(10, 310);
+  mesh.UpdateSizes(large); // reaches into the view
+  mesh.Draw(gl, colors);
+  EXPECT_EQ(counts(), std::vector<int>{10});
+}
+
+TEST_F(InstancedMeshCalls, HasBuffersInEachContext) {
+  auto other = std::make_unique<RecordingGl>();
+  other->SetVersion("3.3");
+  {
+    const InstancedMesh mesh = Many(7, true);
+    mesh.Draw(gl, colors);
+    {
+      Scope second(other->Handle());
+      const ColorMap secondColors({Qt::red}, ColorMap::Discrete);
+      mesh.Draw(second, secondColors);
+      EXPECT_EQ(Uploads(*other).size(), 7U);
+    }
+  } // ends before its contexts
+  { Scope freesWhatEnded(other->Handle()); }
+  EXPECT_EQ(other->Complaints(), Lines());
+}
+
+class InstancedMeshPixels : public PixelScopeFixture {
+protected:
+  /// 100 x 100 pixels: a pixel is 0.02 units wide under identity matrices.
+  InstancedMeshPixels()
+      : PixelScopeFixture({100, 100}) {}
+  void Draw(const InstancedMesh& p_mesh) {
+    gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+    DirectionalLight light;
+    light.ambient = 1;
+    light.diffuse = light.specular = 0;
+    const auto lit = light.Apply(gl);
+    p_mesh.Draw(gl, colors);
+  }
+  /// The colour at a point of the plane z = 0.
+  QColor Color(double p_x, double p_y) const {
+    return At(static_cast<int>(std::floor(50 + 50 * p_x)), static_cast<int>(std::floor(50 + 50 * p_y)));
+  }
+  const ColorMap colors{{Qt::red, Qt::green, Qt::blue}, ColorMap::Discrete};
+  const QColor nothing = Qt::transparent;
+};
+
+TEST_F(InstancedMeshPixels, DirectionsSizesAndValues) {
+  // From the left: along +x, twice as long; none; along −y; at a missing position; without a size.
+  const std::vector<Point> positions = {{-0.9, 0, 0}, {0, 0.9, 0}, {0.5, 0.5, 0}, {NAN, -0.9, 0}, {0, -0.9, 0}};
+  const std::vector<Point> directions = {{7, 0, 0}, {0, 0, 0}, {0, -2, 0}, {1, 0, 0}, {1, 0, 0}};
+  const std::vector<double> sizes = {1, 1, 0.5, 1, 0};
+  const std::vector<double> values = {0.5, 0.5, NAN, 0.5, 0.5};
+  Instances instances;
+  instances.positions = positions;
+  instances.directions = directions;
+  instances.sizes = sizes;
+  instances.values = values;
+  Draw(InstancedMesh(Bar(), instances));
+  const std::tuple<double, double, QColor> cases[] = {
+      {-0.87, 0, Qt::green},
+      {0.07, 0, Qt::green},
+      {0.13, 0, nothing},
+      {-0.93, 0, nothing},
+      {-0.5, 0.07, Qt::green},
+      {-0.5, 0.13, nothing},
+      {-0.5, -0.07, Qt::green},
+      {0.5, 0.47, QColor(128, 128, 128)},
+      {0.5, 0.03, QColor(128, 128, 128)},
+      {0.5, -0.03, nothing},
+      {0.57, 0.3, nothing},
+      {0.53, 0.3, QColor(128, 128, 128)},
+      {0.03, 0.87, nothing},
+      {0.5, -0.9, nothing},
+  };
+  for (const auto& [x, y, color] : cases)
+    EXPECT_EQ(Color(x, y), color) << x << ' ' << y;
+}
+
+TEST_F(InstancedMeshPixels, RotationsLevelsColorsAndLeastPixels) {
+  const std::vector<Point> positions = {{-0.5, 0, 0}, {0.5, 0, 0}};
+  const std::vector<double> sizes = {0.02, 0.6};
+  Instances instances;
+  instances.positions = positions;
+  instances.sizes = sizes;
+  instances.rotations = {Types::Matrix3(), Types::Matrix3::Rotation(Types::Angle::FromDegrees(180), {0, 0, 1})};
+  instances.colors = {{255, 0, 255, 255}, {0, 255, 255, 255}};
+  // Small ones are drawn 20 times as large, to be told apart.
+  std::vector<InstancedMesh::Level> levels = {InstancedMesh::Level(FlatBar()), InstancedMesh::Level(FlatBar())};
+  levels[0].scale = 20;
+  levels[0].mostPixels = 1.5;
+  InstancedMesh mesh(levels, instances);
+  Draw(mesh);
+  EXPECT_EQ(Color(-0.5, 0.38), QColor(Qt::magenta));
+  EXPECT_EQ(Color(-0.5, 0.42), nothing);
+  EXPECT_EQ(Color(0.5, -0.58), QColor(Qt::cyan));
+  EXPECT_EQ(Color(0.5, 0.02), nothing);
+  mesh.SetLeastPixels(40); // 0.8 units
+  mesh.SetLevels({InstancedMesh::Level(FlatBar())});
+  Draw(mesh);
+  EXPECT_EQ(Color(-0.5, 0.78), QColor(Qt::magenta));
+  EXPECT_EQ(Color(-0.5, 0.82), nothing);
+  EXPECT_EQ(Color(0.5, -0.78), QColor(Qt::cyan));
+  EXPECT_EQ(Color(0.5, -0.82), nothing);
+}
+
+TEST_F(InstancedMeshPixels, CenteredLevelsHaveADiagonalOfOne) {
+  const std::vector<Point> positions = {{0, 0, 0}};
+  Instances instances;
+  instances.positions = positions;
+  Draw({{InstancedMesh::Level::Centered(FlatBar())}, instances});
+  const double height = 1 / std::sqrt(1.04);
+  EXPECT_EQ(Color(0, height / 2 - 0.02), QColor(Qt::red));
+  EXPECT_EQ(Color(0, height / 2 + 0.02), nothing);
+  EXPECT_EQ(Color(0, 0.02 - height / 2), QColor(Qt::red));
+}
+
+TEST_F(InstancedMeshPixels, IdsAreWrittenByteByByte) {
+  const std::vector<Point> positions = {{-0.5, 0, 0}, {0, 0, 0}, {0.5, 0, 0}};
+  Instances instances;
+  instances.positions = positions;
+  instances.ids = {0x0A0B0C, 0xFFFFFE, 0};
+  const InstancedMesh mesh(FlatBar(), instances);
+  {
+    const DepthPass pass(gl);
+    mesh.Draw(gl, PickPass{PickPass::Ids, 254});
+  }
+  EXPECT_EQ(Color(-0.5, 0.5), QColor(0x0C, 0x0B, 0x0A, 255));
+  EXPECT_EQ(Color(0, 0.5), QColor(0xFE, 0xFF, 0xFF, 255));
+  EXPECT_EQ(Color(0.5, 0.5), QColor(0, 0, 0, 255));
+  instances.ids.clear();
+  {
+    const DepthPass pass(gl);
+    InstancedMesh(FlatBar(), instances).DrawIds(gl, 6);
+  }
+  EXPECT_EQ(Color(0.5, 0.5), QColor(2, 0, 0, 7));
+  EXPECT_THROW(mesh.DrawIds(gl, 255), std::invalid_argument);
+}
