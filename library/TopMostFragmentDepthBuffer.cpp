@@ -47,7 +47,7 @@ Types::Size SizeOf(const Types::Viewport<0>& p_viewport) {
 
 } // namespace
 
-struct TopMostFragmentDepthBuffer::State {
+struct VEK_HIDDEN TopMostFragmentDepthBuffer::State {
   /// The target bound for reading and, released after it, the host's attributes.
   struct Bound {
     boost::shared_ptr<void> attributes;

@@ -73,7 +73,7 @@ void DrawAll(Utility::Scoped<Rgl>& p_gl, const std::vector<Picker::DrawPlot>& p_
 } // namespace
 
 /// The targets of one context.
-struct Picker::State {
+struct VEK_HIDDEN Picker::State {
   Library::TopMostFragmentDepthBuffer depths;
   std::optional<DepthShader> depthShader;
   std::optional<Ogl::ShaderProgram> idProgram;
