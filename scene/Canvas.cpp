@@ -1,5 +1,6 @@
 #include "scene/Canvas.h"
 
+#include "platform/ogl/PixelStore.h"
 #include "scene/Theme.h"
 #include "scene/private/FlatState.h"
 
@@ -9,17 +10,26 @@
 
 namespace Vek::Chart::Scene {
 
+namespace {
+
+/// Sets the viewport; within attributes that are pushed later, Mesa (22.3) would not restore it.
+boost::shared_ptr<void> ViewportScope(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport) {
+  const boost::shared_ptr<void> guard = p_gl->PushAttribScope(RGL_VIEWPORT_BIT);
+  p_gl->Viewport(p_viewport);
+  return guard;
+}
+
+} // namespace
+
 Canvas::Canvas(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const TextRenderer& p_text,
                double p_pointSize)
     : _gl(p_gl)
     , _text(p_text)
     , _viewport(p_viewport)
     , _point(p_pointSize > 0 ? p_pointSize : 1)
-    , _viewportState(p_gl->PushAttribScope(RGL_VIEWPORT_BIT))
-    , _flatState(FlatState(p_gl))
-    , _projection(p_gl->PixelProjection(p_viewport)) {
-  p_gl->Viewport(p_viewport);
-}
+    , _viewportGuard(ViewportScope(p_gl, p_viewport))
+    , _flatGuard(FlatState(p_gl))
+    , _projectionGuard(p_gl->PixelProjection(p_viewport)) {}
 
 Types::Viewport<0> Canvas::Part(const Rect& p_rect) const {
   const auto pixels = [&](double p_points) { return static_cast<float>(std::floor(p_points * _point)); };
@@ -174,7 +184,8 @@ void Canvas::Image(const Rect& p_rect, const QImage& p_image) {
 }
 
 void Canvas::Image(const Rect& p_rect, const Library::Texture& p_texture) {
-  const auto guard = _gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT);
+  const auto guard = _gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
+  const auto unpacking = Ogl::UnpackScope(*_gl); // an upload changes it
   p_texture(_gl, RGL_TEXTURE0);
   if (!p_texture.Handle()) // reported
     return;

@@ -131,9 +131,9 @@ private:
   Types::Viewport<0> _viewport;
   double _point;
   // Guards, released in reverse.
-  boost::shared_ptr<void> _viewportState;
-  boost::shared_ptr<void> _flatState;
-  boost::shared_ptr<void> _projection;
+  boost::shared_ptr<void> _viewportGuard;
+  boost::shared_ptr<void> _flatGuard;
+  boost::shared_ptr<void> _projectionGuard;
 };
 
 } // namespace Vek::Chart::Scene

@@ -2,6 +2,7 @@
 
 #include "library/Texture.h"
 #include "platform/debug/Check.h"
+#include "platform/ogl/PixelStore.h"
 #include "platform/ogl/TextImage.h"
 #include "scene/private/FlatState.h"
 
@@ -194,7 +195,12 @@ void TextRenderer::Draw(Utility::Scoped<Rgl>& p_gl, const QString& p_text,
     const Textures::Entry* const drawn = textures.Get(p_gl, p_text, p_format);
     if (!drawn)
       return;
-    drawn->texture(p_gl, RGL_TEXTURE0);
+    if (drawn->texture.Handle()) {
+      drawn->texture(p_gl, RGL_TEXTURE0);
+    } else {
+      const boost::shared_ptr<void> unpacking = Ogl::UnpackScope(*p_gl); // an upload changes it
+      drawn->texture(p_gl, RGL_TEXTURE0);
+    }
     if (drawn->texture.Handle()) // otherwise there was a report
       DrawOver(p_gl, box, size, drawn->size, p_color);
   };

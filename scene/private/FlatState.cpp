@@ -2,11 +2,18 @@
 
 #include "platform/ogl/Guard.h"
 
+#include <array>
+#include <utility>
+
 namespace Vek::Chart::Scene {
 
 boost::shared_ptr<void> FlatState(Utility::Scoped<Rgl>& p_gl) {
   const Rgl& gl = *p_gl;
-  const boost::shared_ptr<void> attributes =
+  // Mesa (22.3) loses at PushAttrib that the colour was changed since the PushAttrib before, so that PopAttrib does not
+  // restore it.
+  std::array<double, 4> color{};
+  gl.GetDoublev(RGL_CURRENT_COLOR, color.data());
+  boost::shared_ptr<void> attributes =
       gl.PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT |
                          RGL_LIGHTING_BIT | RGL_POLYGON_BIT | RGL_TEXTURE_BIT);
   int program = 0;
@@ -16,9 +23,9 @@ boost::shared_ptr<void> FlatState(Utility::Scoped<Rgl>& p_gl) {
     gl.UseProgram(0);
   }
   gl.ActiveTexture(RGL_TEXTURE0);
-  for (const Ogl::GlEnum off :
-       {RGL_LIGHTING, RGL_FOG, RGL_DEPTH_TEST, RGL_STENCIL_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_COLOR_LOGIC_OP,
-        RGL_TEXTURE_2D, RGL_TEXTURE_3D, RGL_TEXTURE_GEN_S, RGL_TEXTURE_GEN_T, RGL_POLYGON_STIPPLE, RGL_POLYGON_SMOOTH})
+  for (const Ogl::GlEnum off : {RGL_LIGHTING, RGL_FOG, RGL_DEPTH_TEST, RGL_STENCIL_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST,
+                                RGL_COLOR_LOGIC_OP, RGL_TEXTURE_1D, RGL_TEXTURE_2D, RGL_TEXTURE_3D, RGL_TEXTURE_GEN_S,
+                                RGL_TEXTURE_GEN_T, RGL_POLYGON_STIPPLE, RGL_POLYGON_SMOOTH})
     gl.Disable(off);
   for (Ogl::GlEnum plane = 0; plane < 6; ++plane)
     gl.Disable(RGL_CLIP_PLANE0 + plane);
@@ -26,9 +33,13 @@ boost::shared_ptr<void> FlatState(Utility::Scoped<Rgl>& p_gl) {
   gl.ShadeModel(RGL_SMOOTH);
   gl.Enable(RGL_BLEND);
   gl.BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
-  return Ogl::MakeGuard([gl = gl.Functions(), attributes, programs, program] {
+  if (gl.GlVersion() >= Utility::VersionNo(1, 4, 0)) // what is opaque stays opaque
+    gl.BlendFuncSeparate(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA, RGL_ONE, RGL_ONE_MINUS_SRC_ALPHA);
+  return Ogl::MakeGuard([gl = gl.Functions(), attributes = std::move(attributes), color, programs, program]() mutable {
     if (programs)
       gl->UseProgram(static_cast<unsigned int>(program));
+    attributes.reset();
+    gl->Color4d(color[0], color[1], color[2], color[3]);
   });
 }
 

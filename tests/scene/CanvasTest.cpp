@@ -1,0 +1,330 @@
+#include "scene/Canvas.h"
+#include "scene/Background.h"
+#include "tests/support/Shown.h"
+#include "tests/support/Test.h"
+
+using namespace Vek::Chart::Scene;
+
+namespace {
+
+using CanvasCalls = RecordingScopeFixture;
+
+class CanvasPixels : public PixelScopeFixture {
+public:
+  CanvasPixels() { MakeApplication(); }
+
+  /// The pixels of a viewport with 7 × 4 points of two pixels, after something was drawn in white of half opacity over
+  /// black: '#' for what was drawn once, '?' for what was drawn twice or by a part.
+  std::string Drawn(const std::function<void(Canvas&)>& p_draw) {
+    gl->ClearColor(Qt::black);
+    gl->Clear(RGL_COLOR_BUFFER_BIT);
+    {
+      Canvas canvas(gl, {20, 10, 14, 8}, text, 2);
+      p_draw(canvas);
+    }
+    const QImage image = Image().convertToFormat(QImage::Format_RGB32); // without alpha
+    const QRect part(20, FrameSize.height - 18, 14, 8);
+    QImage around = image;
+    for (int y = part.top(); y <= part.bottom(); ++y)
+      for (int x = part.left(); x <= part.right(); ++x)
+        around.setPixelColor(x, y, Qt::black);
+    EXPECT_EQ(Map(around, Qt::white, Qt::black).find_first_not_of(".\n"), std::string::npos) << "beside the viewport";
+    return Map(image.copy(part), grey, Qt::black);
+  }
+
+  TextRenderer text;
+  const QColor color{255, 255, 255, 128};
+  const QColor grey{128, 128, 128};
+};
+
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+
+} // namespace
+
+TEST_F(CanvasPixels, DrawsInPoints) {
+  struct Case {
+    const char* name;
+    std::function<void(Canvas&)> draw;
+    std::string expected;
+  };
+  const std::vector<Case> cases = {
+      {"fill",
+       [&](Canvas& c) {
+         c.Fill({1, 1, 3, 2}, color);
+       },
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..####........\n"
+       "..####........\n"
+       "..............\n"
+       "..............\n"},
+      {"a frame, each pixel once",
+       [&](Canvas& c) {
+         c.Frame({1, 1, 6, 3}, 1, color);
+       },
+       "..............\n"
+       ".############.\n"
+       ".############.\n"
+       ".##........##.\n"
+       ".##........##.\n"
+       ".############.\n"
+       ".############.\n"
+       "..............\n"},
+      {"line",
+       [&](Canvas& c) {
+         c.Line({1, 2}, {6, 2}, 2, color);
+       },
+       "..............\n"
+       "..............\n"
+       "..##########..\n"
+       "..##########..\n"
+       "..##########..\n"
+       "..##########..\n"
+       "..............\n"
+       "..............\n"},
+      {"a line of at least one pixel",
+       [&](Canvas& c) {
+         c.Line({1, 1.25}, {6, 1.25}, 0.01, color);
+       },
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..##########..\n"
+       "..............\n"
+       "..............\n"},
+      {"no line from a point to itself",
+       [&](Canvas& c) {
+         c.Line({1, 2}, {1, 2}, 2, color);
+       },
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"},
+      {"mitred joints, each pixel once",
+       [&](Canvas& c) {
+         c.Polyline({{1, 0.5}, {1, 3}, {1, 3}, {5, 3}, {5, 0.5}}, 1, color);
+       },
+       "..............\n"
+       ".##########...\n"
+       ".##########...\n"
+       ".##......##...\n"
+       ".##......##...\n"
+       ".##......##...\n"
+       ".##......##...\n"
+       "..............\n"},
+      {"an interrupted line",
+       [&](Canvas& c) {
+         c.Polyline({{1, 2}, {2, 2}, {NaN, 2}, {4, 2}, {6, 2}, {6, NaN}, {6, 1}}, 1, color);
+       },
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..##....####..\n"
+       "..##....####..\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"},
+      {"polygon",
+       [&](Canvas& c) {
+         c.Polygon({{1, 1}, {4, 1}, {4, 2}, {1, 2}}, color);
+       },
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..######......\n"
+       "..######......\n"
+       "..............\n"
+       "..............\n"},
+      {"no polygon of two corners",
+       [&](Canvas& c) {
+         c.Polygon({{1, 1}, {4, 1}}, color);
+       },
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"
+       "..............\n"},
+  };
+  for (const Case& test : cases)
+    EXPECT_EQ(Drawn(test.draw), test.expected) << test.name;
+}
+
+TEST_F(CanvasPixels, LimitsMiters) {
+  // A hairpin, whose miter would reach to x = 49 points.
+  const std::string drawn = Drawn([&](Canvas& c) { c.Polyline({{1, 1.9}, {4, 2}, {1, 2.1}}, 1, Qt::white); });
+  const QImage image = Image();
+  EXPECT_EQ(QColor(image.pixel(20 + 6, FrameSize.height - 14)), QColor(Qt::white));
+  for (int x = 20 + 11; x < 34; ++x)
+    for (int y = FrameSize.height - 18; y < FrameSize.height - 10; ++y)
+      ASSERT_EQ(QColor(image.pixel(x, y)), QColor(Qt::black)) << x << "\n" << drawn;
+}
+
+TEST_F(CanvasPixels, DrawsImagesUpright) {
+  QImage image(2, 2, QImage::Format_ARGB32);
+  image.setPixelColor(0, 0, Qt::red);
+  image.setPixelColor(1, 0, Qt::green);
+  image.setPixelColor(0, 1, Qt::blue);
+  image.setPixelColor(1, 1, QColor(255, 255, 255, 0)); // transparent
+  Drawn([&](Canvas& c) { c.Image({1, 1, 2, 2}, image); });
+  EXPECT_EQ(At(22, 13), QColor(Qt::red));
+  EXPECT_EQ(At(23, 13), QColor(Qt::green));
+  EXPECT_EQ(At(22, 12), QColor(Qt::blue));
+  EXPECT_EQ(At(23, 12), QColor(Qt::black));
+  Drawn([&](Canvas& c) { c.Fill({0, 0, 7, 4}, Qt::black, Qt::white); });
+  for (int y = 0; y < 8; ++y)
+    EXPECT_NEAR(At(25, 10 + y).red(), (y + 0.5) * 255 / 8, 1.5) << "a gradient upwards";
+}
+
+TEST_F(CanvasPixels, PutsStringsAtPointsOfTheScene) {
+  View view;
+  view.viewport = {20, 10, 14, 8};
+  view.camera.distance = 10;
+  const Types::Vector3_Base<double> point(0.3, 0, 0.4);
+  const Camera::Pixel pixel = view.Project(point);
+  ASSERT_TRUE(pixel.visible);
+  const TextStyle style{4, Qt::white};
+  Drawn([&](Canvas& c) { c.TextAt("x", view, point, {0.5, -0.5}, {0.5, 0.5}, style); });
+  const QImage projected = Image();
+  Drawn([&](Canvas& c) { c.Text("x", {(pixel.x - 20) / 2 + 0.5, (pixel.y - 10) / 2 - 0.5}, {0.5, 0.5}, style); });
+  EXPECT_EQ(Image(), projected);
+  const std::string nothing = Drawn([](Canvas&) {});
+  EXPECT_NE(Map(projected.copy(20, FrameSize.height - 18, 14, 8), grey, Qt::black), nothing);
+  EXPECT_EQ(Drawn([&](Canvas& c) {
+              c.TextAt("x", view, view.camera.Eye() * 2.0, {0, 0}, {0.5, 0.5}, style);
+            }),
+            nothing)
+      << "behind the camera";
+}
+
+TEST_F(CanvasPixels, HasItsSizeAndPartsInPoints) {
+  const Canvas canvas(gl, {20, 10, 30, 18}, text, 1.5);
+  EXPECT_EQ(std::pair(canvas.Width(), canvas.Height()), std::pair(20.0, 12.0));
+  EXPECT_EQ(canvas.Part({1, 2, 7, 11}), Types::Viewport<0>(21, 13, 9, 13)) << "whole pixels";
+  EXPECT_EQ(Canvas::ThousandthOfHeight({0, 0, 800, 600}), 0.6);
+}
+
+/// All state that the host has set, whatever is drawn; and the same pixels, whatever it has set.
+TEST_F(CanvasPixels, NeitherChangesNorTakesTheHostsState) {
+  const auto draw = [&] {
+    DrawBackground(gl, {2, 3, 40, 30}, Theme::Dark());
+    Canvas canvas(gl, {2, 3, 40, 30}, text, 1);
+    canvas.Fill({1, 1, 12, 8}, color, Qt::red);
+    canvas.Polyline({{3, 3}, {20, 20}, {30, 4}}, 2, color);
+    QImage image(5, 3, QImage::Format_ARGB32);
+    image.fill(Qt::yellow);
+    canvas.Image({20, 10, 32, 28}, image);
+    Theme theme;
+    canvas.Text("Ag", {4, 18}, {0, 0.5}, theme.WithHalo(theme.SmallStyle()));
+    canvas.Text("Up", {33, 2}, {0, 1}, theme.SmallStyle(), 90);
+  };
+  draw(); // Qt paints letters slightly differently for the first time
+  text = TextRenderer();
+  draw();
+  const QImage expected = Image().copy(2, FrameSize.height - 33, 40, 30);
+  text = TextRenderer(); // uploads again
+  for (const Ogl::GlEnum leftOn :
+       {RGL_LIGHTING, RGL_FOG, RGL_DEPTH_TEST, RGL_STENCIL_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_COLOR_LOGIC_OP,
+        RGL_TEXTURE_1D, RGL_TEXTURE_2D, RGL_TEXTURE_3D, RGL_TEXTURE_GEN_S, RGL_POLYGON_STIPPLE, RGL_CLIP_PLANE0})
+    gl->Enable(leftOn);
+  gl->PolygonStipple(std::array<unsigned char, 128>{1}.data()); // next to nothing
+  gl->DepthFunc(RGL_NEVER);
+  gl->DepthMask(false);
+  gl->StencilFunc(RGL_NEVER, 1, ~0U);
+  gl->StencilMask(0);
+  gl->AlphaFunc(RGL_NEVER, 0);
+  gl->ClearDepth(0.5);
+  gl->CullFace(RGL_FRONT_AND_BACK);
+  gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_LINE);
+  gl->ShadeModel(RGL_FLAT);
+  gl->BlendFunc(RGL_DST_COLOR, RGL_ZERO);
+  gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_DECAL);
+  gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 2);
+  gl->MatrixMode(RGL_TEXTURE);
+  gl->Viewport({1, 2, 3, 4});
+  gl->Color(Qt::green);
+  const auto state = [&] {
+    std::map<Ogl::GlEnum, std::vector<float>> values;
+    for (const Ogl::GlEnum name : {RGL_ACTIVE_TEXTURE,
+                                   RGL_TEXTURE_BINDING_2D,
+                                   RGL_BLEND_SRC_RGB,
+                                   RGL_BLEND_DST_RGB,
+                                   RGL_CURRENT_COLOR,
+                                   RGL_TEXTURE_2D,
+                                   RGL_BLEND,
+                                   RGL_LIGHTING,
+                                   RGL_POLYGON_MODE,
+                                   RGL_SHADE_MODEL,
+                                   RGL_UNPACK_SKIP_ROWS,
+                                   RGL_UNPACK_ALIGNMENT,
+                                   RGL_VIEWPORT,
+                                   RGL_MATRIX_MODE,
+                                   RGL_SCISSOR_TEST,
+                                   RGL_SCISSOR_BOX,
+                                   RGL_DEPTH_WRITEMASK,
+                                   RGL_DEPTH_CLEAR_VALUE,
+                                   RGL_STENCIL_WRITEMASK,
+                                   RGL_CLIP_PLANE0,
+                                   RGL_ATTRIB_STACK_DEPTH,
+                                   RGL_MODELVIEW_STACK_DEPTH,
+                                   RGL_PROJECTION_STACK_DEPTH,
+                                   RGL_CURRENT_PROGRAM})
+      gl->GetFloatv(name, (values[name] = std::vector<float>(16)).data());
+    return values;
+  };
+  const auto before = state();
+  draw();
+  EXPECT_EQ(state(), before);
+  gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 0);
+  gl->MatrixMode(RGL_MODELVIEW);
+  for (int x = 2; x < 42; ++x)
+    ASSERT_EQ(At(x, 12).alpha(), 255) << x << ": what is opaque stays so";
+  EXPECT_TRUE(SameImage(Image().copy(2, FrameSize.height - 33, 40, 30), expected, 3))
+      << "but for letters painted again";
+}
+
+TEST_F(CanvasPixels, BackgroundStaysInItsViewport) {
+  gl->ClearColor(Qt::blue);
+  gl->ClearDepth(0.25);
+  gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+  Theme theme;
+  theme.backgroundTop = theme.backgroundBottom = QColor(10, 20, 30);
+  DrawBackground(gl, {5, 6, 20, 10}, theme);
+  const QImage image = Image();
+  for (const auto& [x, y, inside] :
+       {std::tuple(5, 6, true), {24, 15, true}, {4, 6, false}, {25, 15, false}, {24, 16, false}}) {
+    float depth = -1;
+    gl->ReadPixels(x, y, 1, 1, RGL_DEPTH_COMPONENT, RGL_FLOAT, &depth);
+    EXPECT_NEAR(depth, inside ? 1 : 0.25, 1e-5) << x << ", " << y;
+    EXPECT_EQ(QColor::fromRgba(PixelAt(image, x, y)), inside ? QColor(10, 20, 30) : QColor(Qt::blue)) << x << ", " << y;
+  }
+}
+
+TEST_F(CanvasCalls, LeavesNothingBehind) {
+  MakeApplication();
+  const TextRenderer text;
+  {
+    Canvas canvas(gl, {0, 0, 30, 20}, text, 2);
+    canvas.Image({0, 0, 1, 1}, QImage(3, 3, QImage::Format_ARGB32));
+    EXPECT_EQ(recorder.LinesOf({"DeleteTextures"}).size(), 1U) << "made for the call";
+    const Library::Texture kept(QImage(3, 3, QImage::Format_ARGB32), gl);
+    recorder.Clear();
+    canvas.Image({0, 0, 1, 1}, kept);
+    canvas.Image({0, 0, 1, 1}, kept);
+    EXPECT_EQ(recorder.LinesOf({"TexImage2D"}).size(), 1U);
+  }
+  const ReportCapture reports;
+  { const Canvas empty(gl, {0, 0, 0, 20}, text); }
+  EXPECT_EQ(reports.Texts().size(), 1U);
+}

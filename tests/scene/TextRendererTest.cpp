@@ -1,0 +1,205 @@
+#include "scene/TextRenderer.h"
+#include "tests/support/Shown.h"
+#include "tests/support/Test.h"
+
+#include <QTransform>
+
+using Vek::Chart::Scene::TextRenderer;
+
+namespace {
+
+using TextRendererCalls = RecordingScopeFixture;
+
+/// Pixels that differ from transparent black.
+QRect Drawn(const QImage& p_image) {
+  QRect drawn;
+  for (int y = 0; y < p_image.height(); ++y)
+    for (int x = 0; x < p_image.width(); ++x)
+      if (p_image.pixel(x, y) != 0)
+        drawn |= QRect(x, y, 1, 1);
+  return drawn;
+}
+
+int Count(const QImage& p_image, const QColor& p_color) {
+  int count = 0;
+  for (int y = 0; y < p_image.height(); ++y)
+    for (int x = 0; x < p_image.width(); ++x)
+      count += p_image.pixel(x, y) == p_color.rgba();
+  return count;
+}
+
+class TextRendererPixels : public PixelScopeFixture {
+public:
+  static constexpr int Side = 101;
+  TextRendererPixels()
+      : PixelScopeFixture({Side, Side}) {
+    MakeApplication();
+    style.size = 16;
+    style.color = Qt::white;
+  }
+  /// What a string looks like with an anchor in the middle of the frame buffer.
+  QImage Draw(const QString& p_text, TextRenderer::Anchor p_anchor, double p_rotation = 0, double p_pointSize = 1) {
+    gl->Clear(RGL_COLOR_BUFFER_BIT);
+    const auto pixels = gl->PixelProjection({0, 0, Side, Side});
+    text.Draw(gl, p_text, {50, 50}, p_anchor, style, p_pointSize, p_rotation);
+    return Image();
+  }
+  TextRenderer text;
+  TextRenderer::Style style;
+};
+
+} // namespace
+
+// In a process of its own: the other tests make an application, which stays.
+TEST_F(TextRendererCalls, WithoutAnApplicationItIsReported) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const auto drawWithoutFonts = [this] {
+    const ReportCapture reports;
+    const TextRenderer text;
+    text.Draw(gl, "text", {0, 0}, {}, {});
+    const bool nothing = TextRenderer::Size("text", {}).isEmpty() && recorder.Lines().empty();
+    for (const std::string& report : reports.Texts())
+      std::fprintf(stderr, "%s\n", report.c_str());
+    std::exit(nothing ? 3 : 1);
+  };
+  const std::string report = "\"qGuiApp != nullptr && \"Text needs a QGuiApplication[.]\"\" - ";
+  EXPECT_EXIT(drawWithoutFonts(), testing::ExitedWithCode(3),
+              "^" + report + "void Vek::Chart::Scene::TextRenderer::Draw\n" + report +
+                  "QSizeF Vek::Chart::Scene::TextRenderer::Size\n$");
+}
+
+TEST_F(TextRendererPixels, DrawsInItsBox) {
+  for (const double pointSize : {1.0, 2.0}) {
+    const QSize size = (TextRenderer::Size("Agl", style, pointSize) * pointSize).toSize();
+    for (const double x : {0.0, 0.5, 1.0})
+      for (const double y : {0.0, 0.5, 1.0}) {
+        const QRect box(qRound(50 - x * size.width()), Side - qRound(50 - y * size.height()) - size.height(),
+                        size.width(), size.height());
+        const QRect drawn = Drawn(Draw("Agl", {x, y}, 0, pointSize));
+        EXPECT_TRUE(box.contains(drawn)) << x << ", " << y;
+        EXPECT_GT(drawn.width(), 0.7 * box.width()) << x << ", " << y;
+        EXPECT_GT(drawn.height(), 0.6 * box.height()) << x << ", " << y;
+      }
+  }
+  const QSizeF one = TextRenderer::Size("Agl", style), two = TextRenderer::Size("Agl\nAgl", style);
+  EXPECT_NEAR(two.height(), 2 * one.height(), 2);
+  EXPECT_EQ(two.width(), one.width());
+  EXPECT_NEAR(TextRenderer::Size("Agl", style, 8).width(), one.width(), 1.5) << "points, not pixels";
+  style.halo = Qt::black;
+  EXPECT_EQ(TextRenderer::Size("Agl", style), one) << "with or without a halo";
+}
+
+TEST_F(TextRendererPixels, RotatesAboutTheAnchor) {
+  const QImage upright = Draw("Ag", {0.5, 0.5});
+  for (const int quarters : {1, 2, 3, -1, 4}) {
+    // Whole pixels: the box of an odd size is half a pixel to one side.
+    const QImage rotated = Draw("Ag", {0.5, 0.5}, 90 * quarters);
+    const QImage expected = upright.copy(Drawn(upright)).transformed(QTransform().rotate(-90 * quarters));
+    EXPECT_TRUE(SameImage(rotated.copy(Drawn(rotated)), expected, 1)) << quarters;
+    const QPoint distance = Drawn(rotated).center() - QRect(0, 0, Side, Side).center();
+    EXPECT_LE(std::max(std::abs(distance.x()), std::abs(distance.y())), 3) << quarters;
+  }
+  for (const double degrees : {30.0, 200.0, -75.0}) {
+    const QImage image = Draw("MMM", {0, 0.5}, degrees);
+    double x = 0, y = 0;
+    for (int row = 0; row < Side; ++row)
+      for (int column = 0; column < Side; ++column) {
+        x += qAlpha(image.pixel(column, row)) * (column + 0.5 - 50);
+        y += qAlpha(image.pixel(column, row)) * (Side - row - 0.5 - 50);
+      }
+    EXPECT_NEAR(std::remainder(std::atan2(y, x) * 180 / std::acos(-1.0) - degrees, 360), 0, 4) << degrees;
+  }
+}
+
+TEST_F(TextRendererPixels, SurroundsLettersWithTheHalo) {
+  const QImage plain = Draw("II", {0.5, 0.5});
+  style.halo = Qt::blue;
+  style.haloWidth = 3;
+  const QImage haloed = Draw("II", {0.5, 0.5});
+  EXPECT_EQ(Count(haloed, Qt::white), Count(plain, Qt::white)) << "the letters are not covered";
+  EXPECT_GT(Count(haloed, Qt::blue), 50);
+  const QRect inner = Drawn(plain), outer = Drawn(haloed);
+  for (const int reach : {inner.left() - outer.left(), outer.right() - inner.right(), inner.top() - outer.top(),
+                          outer.bottom() - inner.bottom()}) {
+    EXPECT_GE(reach, 2);
+    EXPECT_LE(reach, 4);
+  }
+}
+
+TEST_F(TextRendererCalls, KeepsWhatWasDrawnLast) {
+  MakeApplication();
+  const TextRenderer text;
+  const auto draw = [&](const QString& p_text, double p_size = 8) {
+    const std::size_t before = recorder.LinesOf({"TexImage2D"}).size();
+    text.Draw(gl, p_text, {0, 0}, {}, {p_size});
+    return recorder.LinesOf({"TexImage2D"}).size() - before;
+  };
+  const auto kept = [&] {
+    return recorder.LinesOf({"GenTextures"}).size() - recorder.LinesOf({"DeleteTextures"}).size();
+  };
+  draw("always");
+  const int most = static_cast<int>(TextRenderer::MostTextures);
+  for (int i = 0; i < most + 50; ++i) {
+    ASSERT_EQ(draw(QString::number(i)), 1U) << i;
+    ASSERT_EQ(draw("always"), 0U) << i;
+    ASSERT_LE(kept(), TextRenderer::MostTextures);
+  }
+  EXPECT_EQ(kept(), TextRenderer::MostTextures);
+  EXPECT_EQ(draw(QString::number(most + 49)), 0U) << "the last one";
+  EXPECT_EQ(draw("0"), 1U) << "the first one";
+
+  const QSizeF size = TextRenderer::Size("MMMM", {512});
+  const double fit = static_cast<double>(TextRenderer::MostTexels) / (size.width() * (size.height() + 2));
+  for (const char* const large : {"MMMM", "MMMN", "MMNN", "MNNN", "NNNN", "NNNM"})
+    EXPECT_EQ(draw(large, 512), 1U);
+  EXPECT_LE(kept(), static_cast<std::size_t>(fit) + 2) << "by their texels";
+}
+
+TEST_F(TextRendererCalls, ReportsWhatCannotBeDrawn) {
+  MakeApplication();
+  const ReportCapture reports;
+  const TextRenderer text;
+  recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {64});
+  text.Draw(gl, QString(50, 'M'), {0, 0}, {}, {12});
+  ASSERT_EQ(reports.Texts().size(), 1U);
+  EXPECT_NE(reports.Texts()[0].find(" texels, the limit is 64\"\" - void Vek::Chart::Scene::TextRenderer::Draw"),
+            std::string::npos)
+      << reports.Texts()[0];
+  recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {4096});
+  recorder.Fail("TexImage2D");
+  text.Draw(gl, "text", {0, 0}, {}, {12});
+  EXPECT_EQ(reports.Texts().size(), 2U);
+  for (const double bad : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+    text.Draw(gl, "text", {bad, 0}, {}, {12});
+    text.Draw(gl, "text", {0, 0}, {}, {12}, 1, bad);
+  }
+  text.Draw(gl, "", {0, 0}, {}, {12});
+  EXPECT_EQ(recorder.LinesOf({"Begin"}), Lines());
+  text.Draw(gl, "text", {0, 0}, {}, {12});
+  EXPECT_EQ(recorder.LinesOf({"Begin"}).size(), 1U) << "tried again";
+}
+
+TEST_F(TextRendererCalls, DrawsInContextsThatEndInAnyOrder) {
+  MakeApplication();
+  for (const bool rendererFirst : {true, false}) {
+    auto second = std::make_unique<Testing::RecordingGl>();
+    auto text = std::make_unique<TextRenderer>();
+    for (Testing::RecordingGl* const context : {&recorder, second.get()}) {
+      const Utility::Unscoped<Rgl> handle = context->Handle();
+      Utility::Scoped<Rgl> scope(handle);
+      context->Clear();
+      text->Draw(scope, "text", {0, 0}, {}, {12});
+      text->Draw(scope, "text", {9, 0}, {}, {12});
+      EXPECT_EQ(context->LinesOf({"TexImage2D"}).size(), 1U);
+    }
+    if (rendererFirst) {
+      text.reset();
+      Utility::Scoped<Rgl> scope(second->Handle());
+      EXPECT_EQ(second->LinesOf({"DeleteTextures"}).size(), 1U);
+    }
+    const ReportCapture reports;
+    second.reset();
+    text.reset();
+    EXPECT_EQ(reports.Texts(), Lines()) << rendererFirst;
+  }
+}
