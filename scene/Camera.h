@@ -37,8 +37,9 @@ namespace Vek::Chart::Scene {
 /// 1/16. Keep the vertices of such scenes relative to a local origin (subtracted in double) and pass that origin
 /// to Apply.
 ///
-/// \ingroup view
 /// \snippet SceneViewSnippets.cpp Camera
+/// \image html parts/Camera.png
+/// \ingroup view
 struct VEK_SCENE_API Camera {
   /// How the scene falls onto the image.
   enum class Projection {

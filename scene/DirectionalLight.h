@@ -16,8 +16,9 @@ namespace Vek::Chart::Scene {
 /// Surfaces are white, too. A texture bound with the environment "modulate" gives them their colour, and highlights
 /// stay white, because they are added after the texture.
 ///
-/// \ingroup view
 /// \snippet SceneViewSnippets.cpp DirectionalLight
+/// \image html parts/DirectionalLight.png
+/// \ingroup view
 struct VEK_SCENE_API DirectionalLight {
   /// What the direction is relative to.
   enum class Frame {

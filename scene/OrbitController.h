@@ -25,8 +25,9 @@ namespace Vek::Chart::Scene {
 ///     orbit.Zoom(notches, cursor, viewport);  // wheel
 ///     const Camera& moved = orbit.Camera();
 ///
-/// \ingroup view
 /// \snippet SceneViewSnippets.cpp OrbitController
+/// \image html parts/OrbitController.png
+/// \ingroup view
 class VEK_SCENE_API OrbitController {
 public:
   static constexpr double DegreesPerPixel = 0.5; ///< of Rotate
