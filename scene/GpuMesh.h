@@ -45,6 +45,8 @@ namespace Vek::Chart::Scene {
 /// and updates of a mesh of a cache. Buffers that GL does not make are reported; the next drawing tries again.
 ///
 /// \snippet SceneMeshSnippets.cpp GpuMesh
+/// \snippet SceneMeshSnippets.cpp GpuMeshDraw
+/// \image html parts/GpuMesh.png
 /// \ingroup plots
 class VEK_SCENE_API GpuMesh {
 public:

@@ -51,6 +51,7 @@ namespace Vek::Chart::Scene {
 /// PickPass::NoElement on. A device without instancing is reported.
 ///
 /// \snippet SceneMeshSnippets.cpp InstancedMesh
+/// \image html parts/InstancedMesh.png
 /// \ingroup plots
 class VEK_SCENE_API InstancedMesh {
 public:

@@ -41,6 +41,7 @@ namespace Vek::Chart::Scene {
 /// Failures of GL are reported, and nothing is hit.
 ///
 /// \snippet SceneMeshSnippets.cpp Picker
+/// \image html parts/Picker.png
 /// \ingroup picking
 class VEK_SCENE_API Picker {
 public:

@@ -27,6 +27,7 @@ namespace Vek::Chart::Scene {
 /// closer to the point before than a millionth of its width. A line with fewer than two other points is dropped.
 ///
 /// \snippet SceneMeshSnippets.cpp TubeMesh
+/// \image html parts/TubeMesh.png
 /// \ingroup plots
 class VEK_SCENE_API TubeMesh {
 public:
