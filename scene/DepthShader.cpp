@@ -15,6 +15,8 @@ DepthShader::DepthShader(Utility::Scoped<Rgl>& p_gl)
 
 void DepthShader::Draw(Utility::Scoped<Rgl>& p_gl, const boost::function<void()>& p_draw) const {
   const Library::DepthPass pass(p_gl);
+  if (!Linked())
+    return; // reported by the constructor
   const auto used = _program.Use(p_gl);
   p_draw();
 }

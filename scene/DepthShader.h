@@ -22,8 +22,8 @@ VEK_SCENE_API std::string PackedDepthText();
 /// placed by GL's matrices and fixed vertex attributes (VertexData, GpuMesh, drawables, immediate mode). Drawings with
 /// a vertex shader of their own link it with PackedDepthText.
 ///
-/// Owns a shader program, which must be destroyed while its context is current. A failure to link is reported; the
-/// depths are then not packed.
+/// Owns a shader program, which must be destroyed while its context is current. A failure to link is reported; nothing
+/// is drawn then.
 ///
 /// \snippet SceneMeshSnippets.cpp DepthShader
 /// \ingroup picking
@@ -32,8 +32,10 @@ public:
   /// Compiles and links.
   explicit DepthShader(Utility::Scoped<Rgl>& p_gl);
 
+  /// False if GL did not compile or link the shader.
+  bool Linked() const { return _program.Linked(); }
   /// Calls `p_draw` under a DepthPass, which clears the current frame buffer, with the shader in use. Restores all
-  /// state.
+  /// state. Clears alone if the shader is not linked.
   void Draw(Utility::Scoped<Rgl>& p_gl, const boost::function<void()>& p_draw) const;
 
 private:

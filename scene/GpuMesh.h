@@ -102,12 +102,13 @@ public:
   /// The box around all vertices with finite positions; for a mesh of a cache, the bounds in its record.
   const Types::BoundingBox_Base<double>& Bounds() const { return _bounds; }
 
-  /// Draws with GL's fixed vertex attributes and whatever state is current: positions, normals, values as texture
-  /// coordinates of the active client unit, colours. Restores the client state. No vertex array object may be bound.
+  /// Draws with GL's fixed vertex attributes under the current state, shader and matrices: positions, normals, values
+  /// as texture coordinates of the active client unit, colours. Other client arrays stay enabled as the caller has set
+  /// them. Restores the client state and the current colour. No vertex array object may be bound.
   void Draw(Utility::Scoped<Rgl>& p_gl) const;
   /// Draws each pixel in the colour of its value, or in its own colour, lit on both sides by GL's light 0 (see
-  /// DirectionalLight); lines and points are not lit. A triangle with a missing value has the colour for that. Restores
-  /// all state.
+  /// DirectionalLight); lines and points are not lit. A triangle with a missing value has the colour for that. Depth
+  /// test, blending and culling are the caller's. Restores all state.
   void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale = {}) const;
 
   /// An attribute of the caller's vertex shader that advances once per instance.

@@ -122,8 +122,8 @@ public:
   Types::BoundingBox_Base<double> Bounds() const;
 
   /// Draws each pixel in the colour of its instance, lit on both sides by GL's light 0 (see DirectionalLight); meshes
-  /// of lines or points are not lit, and triangles without normals are lit face by face. Colours blend with their alpha
-  /// where blending is enabled. Restores all state.
+  /// of lines or points are not lit, and triangles without normals are lit face by face. Depth test,
+  /// blending and culling are the caller's. Restores all state.
   void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale = {}) const;
   /// Draws the depth of each pixel, packed by DepthCodec, with the levels of the last `Draw` in this context. Belongs
   /// within a DepthPass.

@@ -2,7 +2,6 @@
 
 #include "scene/DepthShader.h"
 
-#include "library/DepthCodec.h"
 #include "library/DepthPass.h"
 #include "library/RenderTexture.h"
 #include "library/TopMostFragmentDepthBuffer.h"
@@ -93,9 +92,11 @@ std::optional<Picker::Hit> Picker::State::Surface(Utility::Scoped<Rgl>& p_gl, co
                                                   const Viewport<0>& p_viewport, const Types::Pos& p_pixel,
                                                   const Core::TimeStamp& p_stamp,
                                                   const std::vector<DrawPlot>& p_plots) {
-  const DepthImage& image = depths.Snapshot(p_gl, p_viewport, p_stamp, [&](Library::DepthCodec::Encoding) {
-    if (!depthShader)
-      depthShader.emplace(p_gl);
+  if (!depthShader || !depthShader->Linked())
+    depthShader.emplace(p_gl);
+  if (!depthShader->Linked())
+    return {}; // reported
+  const DepthImage& image = depths.Snapshot(p_gl, p_viewport, p_stamp, [&] {
     const auto camera = p_camera.Apply(p_gl, p_viewport);
     depthShader->Draw(p_gl, [&] { DrawAll(p_gl, p_plots, PickPass::Depths, nullptr); });
   });

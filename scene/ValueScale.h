@@ -6,8 +6,10 @@
 
 namespace Vek::Chart::Scene {
 
-/// Places values on a colour map when they are drawn: a raw value between `lower` and `upper` gets the colour at
-/// (value - lower) / (upper - lower) of the map, or at the same share of their logarithms.
+/// Places raw values on a colour map while they are drawn.
+///
+/// A value between `lower` and `upper` gets the colour at (value - lower) / (upper - lower) of the map, or at the same
+/// share of their logarithms.
 ///
 /// Values stay raw in GPU memory (single precision), so that another scale uploads nothing.
 ///

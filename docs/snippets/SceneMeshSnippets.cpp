@@ -147,7 +147,7 @@ TEST_F(SceneMeshSnippetPixels, Picker) {
   const InstancedMesh balls(levels, instances);
   Types::BoundingBox_Base<double> bounds = floor.Bounds();
   bounds += balls.Bounds();
-  const Camera camera = Show(bounds, 0.85);
+  const Camera camera = Show(bounds, 1);
   const ColorMap colors = ColorMap::Named("viridis");
   {
     const auto view = camera.Apply(gl, viewport);

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace Vek::Chart::Scene::Private {
@@ -27,20 +28,22 @@ public:
     }
     if (p_source == _source)
       return true;
-    _source.reset();
     const std::size_t bytes = p_source->size() * sizeof(T);
-    if (_buffer.Count() != bytes)
-      _buffer = p_gl.GetBufferPool().CreateBuffer<unsigned char>(bytes, Ogl::BufferUsage::Default);
-    if (_buffer.Count() == 0)
+    Ogl::Buffer<unsigned char> buffer = _buffer.Count() == bytes ? _buffer : Ogl::Buffer<unsigned char>();
+    *this = {}; // a buffer that cannot be mapped may have no memory, so that the next call makes another one
+    if (buffer.Count() == 0)
+      buffer = p_gl.GetBufferPool().CreateBuffer<unsigned char>(bytes, Ogl::BufferUsage::Default);
+    if (buffer.Count() == 0)
       return false; // reported by the pool
     {
-      const Ogl::BufferPool::WriteArray<unsigned char> mapped(_buffer, 0, bytes, RGL_ARRAY_BUFFER);
+      const Ogl::BufferPool::WriteArray<unsigned char> mapped(buffer, 0, bytes, RGL_ARRAY_BUFFER);
       if (!VEK_ENSURE_TEXT(mapped.Count() == bytes, "mapped.Count() == bytes", p_signature))
         return false;
       p_write(mapped.Data());
     }
-    if (_buffer.Storage()->ContentsLost())
+    if (buffer.Storage()->ContentsLost())
       return false; // reported by the mapping
+    _buffer = std::move(buffer);
     _source = p_source;
     return true;
   }

@@ -3,6 +3,7 @@
 #include "scene/GpuMesh.h"
 #include "scene/InstancedMesh.h"
 
+#include "tests/support/FaultyGl.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Scene;
@@ -189,4 +190,37 @@ TEST_F(PickerCalls, PicksOfOneStampMakeNoCalls) {
   EXPECT_EQ(drawings, 2);
   EXPECT_TRUE(picker.Pick(gl, camera, {0, 0, 17, 9}, {4, 5}, stamp, {draw})); // another size
   EXPECT_EQ(drawings, 4);
+}
+
+TEST_F(PickerCalls, EachFailingCallLeavesNothingBehind) {
+  recorder.SetVersion("3.3");
+  recorder.SetPixel(4, 5, {1, 2, 3, 4});
+  FaultyGl faulty(recorder.Handle());
+  Scope broken(faulty.Handle());
+  std::set<std::string> failed;
+  for (std::size_t failing = 1; failing < 1000; ++failing) {
+    ReportCapture reports;
+    int drawings = 0;
+    Plots scene(drawings);
+    scene.plots.resize(3); // immediate mode makes nothing
+    Picker picker;
+    const auto pick = [&] {
+      return picker.Pick(broken, scene.camera, {0, 0, 16, 9}, {4, 5}, Core::TimeStamp(), scene.plots);
+    };
+    faulty.Arm({failing, false});
+    pick();
+    const std::string call = faulty.Disarm();
+    faulty.TakePendingError();
+    if (call.empty())
+      break;
+    failed.insert(call);
+    EXPECT_FALSE(reports.Texts().empty()) << failing << ' ' << call;
+    reports.Clear();
+    EXPECT_TRUE(pick()) << failing << ' ' << call; // nothing broken was kept
+    EXPECT_EQ(reports.Texts(), Texts()) << failing << ' ' << call;
+  }
+  for (const std::string& complaint : recorder.TakeComplaints()) // of buffers that have no memory
+    EXPECT_EQ(complaint.rfind("MapBufferRange: ", 0), 0U) << complaint;
+  for (const char* const call : {"GenBuffers", "BufferData", "MapBufferRange", "LinkProgram", "ReadPixels"})
+    EXPECT_EQ(failed.count(call), 1U) << call;
 }
