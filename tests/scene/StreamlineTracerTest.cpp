@@ -30,6 +30,21 @@ StreamlineTracer::Options Options(double p_length) {
   return options;
 }
 
+// A circular flow with a hole of missing nodes, and a component across the layer.
+VectorField Vortex() {
+  std::vector<double> axis;
+  for (int i = -20; i <= 20; ++i)
+    axis.push_back(1e6 + 0.5 * i);
+  std::vector<Point> vectors;
+  for (const double y : axis)
+    for (const double x : axis) {
+      const Point at(x - 1e6, y - 1e6, 0);
+      const bool isHole = Length(at - Point(6, 0, 0)) < 1.2;
+      vectors.emplace_back(isHole ? std::numeric_limits<double>::quiet_NaN() : -at.y, at.x, 3);
+    }
+  return VectorField::Layer(axis, axis, vectors, 5);
+}
+
 } // namespace
 
 TEST(StreamlineTracer, ARotationKeepsTheRadiusAndCloses) {
@@ -111,4 +126,100 @@ TEST(StreamlineTracer, KeepTheirDistance) {
     for (std::size_t b = 0; b < a; ++b)
       EXPECT_GE(std::abs(Length(lines[b].front()) - radius), 0.5 - 1e-3) << a << ' ' << b;
   }
+}
+
+TEST(StreamlineTracer, SuitsAFieldByItself) {
+  const VectorField field = Vortex();
+  const StreamlineTracer tracer(field);
+  for (const double radius : {2.0, 4.0, 9.0}) {
+    const Streamline line = tracer.Through({1e6 + radius, 1e6, 5});
+    EXPECT_GT(StreamlineTracer::ArcLength(line), 50) << radius;
+    for (const Point& point : line) {
+      ASSERT_NEAR(std::hypot(point.x - 1e6, point.y - 1e6), radius, 0.05) << radius;
+      ASSERT_EQ(point.z, 5) << "in the layer";
+    }
+  }
+  const Streamline cut = tracer.Through({1e6 - 6, 1e6, 5});
+  EXPECT_NEAR(StreamlineTracer::ArcLength(cut), 2 * M_PI * 6 - 3, 0.7) << "ends at the missing nodes";
+  EXPECT_NEAR(cut.front().y - 1e6, 1.4, 0.3);
+  EXPECT_TRUE(tracer.Through({1e6 + 6, 1e6, 5}).empty());
+}
+
+TEST(StreamlineTracer, FillsALayerEvenly) {
+  const VectorField field = Vortex();
+  const StreamlineTracer::Spacing spacing(1, 0.5, 3);
+  const std::vector<Streamline> lines = StreamlineTracer(field).Filled(field.Bounds(), spacing);
+  const auto distance = [](const Point& p_at, const Streamline& p_line) {
+    double least = 1e9;
+    for (const Point& point : p_line)
+      least = std::min(least, Length(point - p_at));
+    return least;
+  };
+  for (std::size_t a = 0; a < lines.size(); ++a) {
+    EXPECT_GE(StreamlineTracer::ArcLength(lines[a]), 3) << a;
+    for (std::size_t b = 0; b < a; ++b)
+      for (const Point& point : lines[a])
+        ASSERT_GE(distance(point, lines[b]), 0.5) << a << ' ' << b;
+  }
+  // No gaps: nowhere in the field is a line farther away than two distances of seeds.
+  for (double y = -9.5; y < 10; y += 0.5)
+    for (double x = -9.5; x < 10; x += 0.5) {
+      const Point at(1e6 + x, 1e6 + y, 5);
+      double least = 1e9;
+      for (const Streamline& line : lines)
+        least = std::min(least, distance(at, line));
+      ASSERT_LT(least, std::abs(x) > 8 && std::abs(y) > 8 ? 4 : 2) << x << ' ' << y;
+    }
+  EXPECT_EQ(StreamlineTracer(field).Filled(field.Bounds(), spacing, lines).size(), lines.size()) << "already full";
+}
+
+TEST(StreamlineTracer, FillsSpaceAndStaysInTheBox) {
+  const std::vector<Streamline> lines =
+      StreamlineTracer(UniformInBox, Options(100)).Filled({{-5, -2, -2}, {5, 2, 2}}, {2, 1, 1});
+  EXPECT_TRUE(lines.size() >= 7 && lines.size() <= 9) << lines.size(); // on a lattice of 3 x 3 at most
+  for (const Streamline& line : lines) {
+    EXPECT_TRUE(std::abs(line.front().y) <= 2 && std::abs(line.front().z) <= 2);
+    EXPECT_NEAR(StreamlineTracer::ArcLength(line), 20, 1e-3) << "lines end where the field does";
+  }
+}
+
+TEST(StreamlineTracer, CanBeCancelled) {
+  int asked = 0, most = 100;
+  StreamlineTracer::Options options = Options(1e9);
+  options.isCancelled = [&] { return ++asked > most; };
+  EXPECT_EQ(StreamlineTracer(Rotation, options).Downstream({1, 0, 0}).size(), 101U);
+  asked = 0;
+  most = 500;
+  options.length = 10;
+  const std::vector<Point> seeds{{1, 0, 0}, {5, 0, 0}, {9, 0, 0}, {13, 0, 0}, {17, 0, 0}};
+  const std::size_t count = StreamlineTracer(Rotation, options).Spaced(seeds, {1, 0.5, 2}).size();
+  EXPECT_TRUE(count > 0 && count < 5) << count;
+  EXPECT_LE(asked, most + 5) << "ends at once";
+}
+
+TEST(StreamlineTracer, NamesWhatIsWrong) {
+  const auto error = [](const std::function<void(StreamlineTracer::Options&)>& p_change) {
+    StreamlineTracer::Options options;
+    p_change(options);
+    return ErrorOf<std::invalid_argument>([&] { StreamlineTracer(Rotation, options); });
+  };
+  using Options = StreamlineTracer::Options;
+  const std::string start = "StreamlineTracer: expected ";
+  constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(error([](Options& p_options) { p_options.smallestStep = 0; }),
+            start + "steps above 0, the smallest one not above the largest one");
+  EXPECT_EQ(error([](Options& p_options) { p_options.length = 1 / 0.0; }),
+            start + "a finite length that is not negative");
+  EXPECT_EQ(error([](Options& p_options) { p_options.tolerance = NaN; }), start + "a tolerance above 0");
+  EXPECT_EQ(error([](Options& p_options) { p_options.stagnation = NaN; }), start + "a stagnation that is not negative");
+  const StreamlineTracer tracer(Rotation, Options{});
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] {
+              tracer.Spaced({}, {1, 2, 0});
+            }),
+            start + "a distance of lines above 0, at most that of seeds");
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { tracer.Filled({}, {}); }), start + "a finite box");
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] {
+              tracer.Filled({{0, 0, 0}, {1e5, 1e5, 1}}, {});
+            }),
+            start + "a box of 2^24 seeds at most");
 }
