@@ -30,6 +30,7 @@ namespace Vek::Chart::Scene {
 /// number of values.
 ///
 /// \snippet SceneFieldSnippets.cpp Isolines
+/// \image html parts/Isolines.png
 /// \ingroup plots
 class VEK_SCENE_API Isolines {
 public:

@@ -35,6 +35,7 @@ using Streamline = std::vector<Types::Vector3_Base<double>>;
 /// lengths and distances out of their ranges. Exceptions of the field and of the other functions pass through.
 ///
 /// \snippet SceneFieldSnippets.cpp StreamlineTracer
+/// \image html parts/StreamlineTracer.png
 /// \ingroup plots
 class VEK_SCENE_API StreamlineTracer {
 public:

@@ -36,6 +36,7 @@ namespace Vek::Chart::Scene {
 /// halo that leaves less than two rows or columns.
 ///
 /// \snippet SceneFieldSnippets.cpp SurfaceMesh
+/// \image html parts/SurfaceMesh.png
 /// \ingroup plots
 struct VEK_SCENE_API SurfaceMesh {
   /// A position or a normal.

@@ -32,6 +32,7 @@ namespace Vek::Chart::Scene {
 /// of vectors.
 ///
 /// \snippet SceneFieldSnippets.cpp VectorField
+/// \image html parts/VectorField.png
 /// \ingroup plots
 class VEK_SCENE_API VectorField {
 public:
