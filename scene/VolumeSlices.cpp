@@ -1,99 +1,190 @@
 #include "scene/VolumeSlices.h"
 
 #include "library/DepthCodec.h"
+#include "library/Intersect.h"
+#include "platform/ogl/ShaderProgram.h"
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace Vek::Chart::Scene {
 
 namespace {
 
-using Library::VolumeImage;
 using Point = Types::Vector3_Base<double>;
 using Box = Types::BoundingBox_Base<double>;
 
 const char* const VertexText = R"(#version 120
 void main() {
   gl_TexCoord[0] = gl_MultiTexCoord0;
+  gl_ClipVertex = gl_ModelViewMatrix * gl_Vertex;
   gl_Position = ftransform();
 }
 )";
 
-const char* const ColorText = R"(#version 120
-uniform sampler3D volume; // 0 to 1; 0 where there is nothing
-uniform sampler2D colors;
-uniform float low;        // the values that get the first and the last colour
-uniform float high;
-uniform float lowOpacity;
-void main() {
-  float value = texture3D(volume, gl_TexCoord[0].xyz).r;
-  if (value < 0.5 / 255.0)
+const char* const SampleText = R"(
+uniform sampler3D volume;
+uniform float least; // of the values that are shown
+uniform float most;
+
+float Value() { // see VoxelGrid::Bind
+  vec4 texel = texture3D(volume, gl_TexCoord[0].xyz);
+  float value = texel.r / max(texel.a, 1e-6);
+  if (texel.a < 0.5 || value < least || value > most)
     discard;
-  float place = clamp((value - low) / (high - low), 0.0, 1.0);
-  gl_FragColor = vec4(texture2D(colors, vec2(place, 0.5)).rgb, mix(lowOpacity, 1.0, place));
+  return value;
+}
+)";
+
+const char* const ColorText = R"(
+uniform sampler2D colors;
+uniform int logarithmic;
+uniform float lower;      // the value of the first colour, or its logarithm
+uniform float upper;      // the value of the last colour, or its logarithm
+uniform float lowOpacity;
+uniform vec4 below;
+uniform vec4 above;
+
+void main() {
+  float value = Value();
+  float share = ((logarithmic != 0 ? log(max(value, 1e-37)) : value) - lower) / (upper - lower);
+  float inside = clamp(share, 0.0, 1.0);
+  vec4 color = share < 0.0 ? below : share > 1.0 ? above : texture2D(colors, vec2(inside, 0.5));
+  gl_FragColor = vec4(color.rgb, color.a * mix(lowOpacity, 1.0, inside));
 }
 )";
 
 const char* const DepthText = R"(
-uniform sampler3D volume;
 void main() {
-  if (texture3D(volume, gl_TexCoord[0].xyz).r < 0.5 / 255.0)
-    discard;
+  Value();
   gl_FragColor = EncodeDepth(gl_FragCoord.z);
 }
 )";
 
+const char* const IdText = R"(
+uniform vec4 id;
+void main() {
+  Value();
+  gl_FragColor = id;
+}
+)";
+
+/// The program, made if there is none yet.
+const Ogl::ShaderProgram& Made(std::optional<Ogl::ShaderProgram>& p_program, Utility::Scoped<Rgl>& p_gl,
+                               const std::string& p_text) {
+  if (!p_program)
+    p_program.emplace(p_gl, VertexText, "#version 120\n" + (SampleText + p_text));
+  return *p_program;
+}
+
+void Fill(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const Slice& p_slice) {
+  if (p_slice.size() < 3)
+    return;
+  p_gl->Begin(RGL_POLYGON);
+  for (const Point& corner : p_slice) {
+    p_gl->MultiTexCoord(RGL_TEXTURE0, p_grid.TexCoord(corner));
+    p_gl->Vertex(corner);
+  }
+  p_gl->End();
+}
+
 } // namespace
 
-SlicePainter::SlicePainter(Utility::Scoped<Rgl>& p_gl, const boost::shared_ptr<const VolumeImage>& p_image,
-                           const Box& p_box, Library::VolumeTexture::Filter p_filter, bool p_downwards)
-    : _box(p_box)
-    , _downwards(p_downwards)
-    , _texture(p_image, p_gl)
-    , _colored(p_gl, VertexText, ColorText)
-    , _packed(p_gl, VertexText, Library::DepthCodec::PreciseGlsl() + DepthText) {
-  _texture.minFilter = _texture.magFilter = p_filter;
-}
+struct VolumeSlices::Programs {
+  std::optional<Ogl::ShaderProgram> colors;
+  std::optional<Ogl::ShaderProgram> depths;
+  std::optional<Ogl::ShaderProgram> ids;
+};
 
-void SlicePainter::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices,
-                        const Library::ColorMap& p_colors, const Look& p_look) const {
-  const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-  const auto inUse = _colored.Use(p_gl);
-  p_colors(p_gl, RGL_TEXTURE1);
-  _colored.SetUniform(p_gl, "volume", 0);
-  _colored.SetUniform(p_gl, "colors", 1);
-  _colored.SetUniform(p_gl, "low", p_look.low);
-  _colored.SetUniform(p_gl, "high", p_look.high);
-  _colored.SetUniform(p_gl, "lowOpacity", p_look.lowOpacity);
-  Fill(p_gl, p_slices);
-}
-
-void SlicePainter::DrawDepths(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices) const {
-  const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-  const auto inUse = _packed.Use(p_gl);
-  _packed.SetUniform(p_gl, "volume", 0);
-  Fill(p_gl, p_slices);
-}
-
-void SlicePainter::Fill(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices) const {
-  _texture(p_gl, RGL_TEXTURE0);
-  const Point size = _box.Extent();
-  for (const Slice& slice : p_slices) {
-    p_gl->Begin(RGL_POLYGON);
-    for (const Point& corner : slice) {
-      const Point part = corner - _box.Min();
-      const double up = part.z / size.z;
-      p_gl->MultiTexCoord(RGL_TEXTURE0, Point(part.x / size.x, part.y / size.y, _downwards ? 1 - up : up));
-      p_gl->Vertex(corner);
-    }
-    p_gl->End();
+/// A program in use with the volume on unit 0, until the end of the object.
+class VolumeSlices::Painting {
+public:
+  Painting(Utility::Scoped<Rgl>& p_gl, const VolumeSlices& p_slices, const Ogl::ShaderProgram& p_program)
+      : _state(p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT))
+      , _bound(p_program.Linked() && p_slices._grid.Bind(p_gl, RGL_TEXTURE0, p_slices._filter)) {
+    if (!_bound)
+      return;
+    p_gl->Disable(RGL_CULL_FACE);
+    _used = p_program.Use(p_gl);
+    const auto limit = [](double p_limit) { return static_cast<float>(std::clamp(p_limit, -3.4e38, 3.4e38)); };
+    p_program.SetUniform(p_gl, "volume", 0);
+    p_program.SetUniform(p_gl, "least", limit(p_slices.shown.min));
+    p_program.SetUniform(p_gl, "most", limit(p_slices.shown.max));
   }
+  explicit operator bool() const { return _bound; }
+
+private:
+  boost::shared_ptr<void> _state;
+  bool _bound;
+  boost::shared_ptr<void> _used;
+};
+
+VolumeSlices::VolumeSlices(VoxelGrid p_grid, VoxelGrid::Filter p_filter)
+    : _grid(std::move(p_grid))
+    , _filter(p_filter) {}
+
+Slice VolumeSlices::Cut(const Types::Plane& p_plane) const {
+  Slice slice;
+  if (!Library::Intersect::Intersection(_grid.Bounds(), p_plane, slice) || slice.size() < 3)
+    slice.clear();
+  return slice;
 }
 
-Box BoxOf(const VolumeImage& p_image, double p_longest) {
-  const Point voxels(p_image.Height(), p_image.Width(), p_image.Depth());
-  const Point size = voxels * (p_longest / std::max({voxels.x, voxels.y, voxels.z}));
-  return Box(size * -0.5, size * 0.5);
+Slice VolumeSlices::Cut(int p_axis, double p_position) const {
+  if (p_axis < 0 || p_axis > 2)
+    throw std::invalid_argument("VolumeSlices: expected an axis of 0 to 2, got " + std::to_string(p_axis));
+  const double on[3] = {p_axis == 0 ? 1.0 : 0.0, p_axis == 1 ? 1.0 : 0.0, p_axis == 2 ? 1.0 : 0.0};
+  const Point normal(on[0], on[1], on[2]);
+  return Cut(Types::Plane(normal * p_position, normal));
+}
+
+void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices,
+                        const Library::ColorMap& p_colors, const ValueScale& p_scale, double p_lowOpacity) const {
+  p_scale.Check();
+  const Ogl::ShaderProgram& program = Made(_programs.Get(p_gl).colors, p_gl, ColorText);
+  const Painting painting(p_gl, *this, program);
+  if (!painting)
+    return;
+  p_colors(p_gl, RGL_TEXTURE1);
+  const auto limit = [&](double p_limit) {
+    return static_cast<float>(p_scale.logarithmic ? std::log(p_limit) : p_limit);
+  };
+  program.SetUniform(p_gl, "colors", 1);
+  program.SetUniform(p_gl, "logarithmic", p_scale.logarithmic ? 1 : 0);
+  program.SetUniform(p_gl, "lower", limit(p_scale.lower));
+  program.SetUniform(p_gl, "upper", limit(p_scale.upper));
+  program.SetUniform(p_gl, "lowOpacity", static_cast<float>(p_lowOpacity));
+  program.SetUniform(p_gl, "below", p_scale.below.isValid() ? p_scale.below : p_colors.Color(0.0));
+  program.SetUniform(p_gl, "above", p_scale.above.isValid() ? p_scale.above : p_colors.Color(1.0));
+  for (const Slice& slice : p_slices)
+    Fill(p_gl, _grid, slice);
+}
+
+void VolumeSlices::DrawDepths(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices) const {
+  const Painting painting(p_gl, *this,
+                          Made(_programs.Get(p_gl).depths, p_gl, Library::DepthCodec::PreciseGlsl() + DepthText));
+  for (std::size_t i = 0; painting && i < p_slices.size(); ++i)
+    Fill(p_gl, _grid, p_slices[i]);
+}
+
+void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices, const PickPass& p_pass) const {
+  if (p_pass.kind == PickPass::Depths)
+    return DrawDepths(p_gl, p_slices);
+  if (p_pass.plot >= PickPass::MostPlots)
+    throw std::invalid_argument("VolumeSlices: expected a plot below " + std::to_string(PickPass::MostPlots) +
+                                ", got " + std::to_string(p_pass.plot));
+  const Ogl::ShaderProgram& program = Made(_programs.Get(p_gl).ids, p_gl, IdText);
+  const Painting painting(p_gl, *this, program);
+  for (std::size_t i = 0; painting && i < p_slices.size(); ++i) {
+    const auto element = static_cast<unsigned int>(std::min<std::size_t>(i, PickPass::NoElement));
+    const auto byte = [&](unsigned int p_shift) { return static_cast<int>((element >> p_shift) & 0xFF); };
+    program.SetUniform(p_gl, "id", QColor(byte(0), byte(8), byte(16), static_cast<int>(p_pass.plot + 1)));
+    Fill(p_gl, _grid, p_slices[i]);
+  }
 }
 
 std::array<std::array<Point, 2>, 12> Edges(const Box& p_box) {

@@ -54,6 +54,13 @@ double LargestNumber(std::istream& p_stream) {
 
 } // namespace
 
+Scene::ValueScale VolumeFile::Scale() const {
+  Scene::ValueScale scale;
+  scale.lower = low / 255.0;
+  scale.upper = high / 255.0;
+  return scale;
+}
+
 VolumeFile VolumeFile::Read(const std::string& p_path, Loading& p_loading) {
   const double begin = p_loading.Progress();
   VolumeFile file;

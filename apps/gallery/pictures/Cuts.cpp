@@ -20,7 +20,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <optional>
 
 namespace Vek::Chart::Gallery {
 
@@ -43,8 +42,9 @@ const QColor White(0xF2F0EA);
 /// A volume with values from 0 to 1, and what these stand for.
 struct Values {
   boost::shared_ptr<const VolumeImage> image;
-  SlicePainter::Look look;
-  double largest; ///< what 1 stands for
+  ValueScale scale;
+  double lowOpacity; ///< of the lower limit
+  double largest;    ///< what 1 stands for
 };
 
 /// A gyroid, sin x cos y + sin y cos z + sin z cos x, brought from 0 to 1.
@@ -61,12 +61,15 @@ Values Formula(Loading& p_loading) {
         const double wave = std::sin(x) * std::cos(y) + std::sin(y) * std::cos(z) + std::sin(z) * std::cos(x);
         *voxel++ = static_cast<float>(0.5 + wave / 3);
       }
-  return {image, {0.05f, 0.95f, 0.05f}, 1};
+  ValueScale scale;
+  scale.lower = 0.05;
+  scale.upper = 0.95;
+  return {image, scale, 0.05, 1};
 }
 
 Values FromFile(const std::string& p_path, Loading& p_loading) {
   const VolumeFile file = VolumeFile::Read(p_path, p_loading);
-  return {file.image, {static_cast<float>(file.low) / 255, static_cast<float>(file.high) / 255, 0.3f}, file.largest};
+  return {file.image, file.Scale(), 0.3, file.largest};
 }
 
 /// Planes along the diagonal of a box, each turned a little further than the one before.
@@ -263,12 +266,11 @@ public:
       : SpacePicture(Palettes::Inferno(0.12, 1))
       , _path(p_path)
       , _values(p_path.empty() ? Formula(p_loading) : FromFile(p_path, p_loading))
-      , _box(BoxOf(*_values.image, 2.6)) {
-    for (const Plane& plane : TurningPlanes(_box)) {
-      Slice slice;
-      if (Intersect::Intersection(_box, plane, slice))
-        _slices.push_back(slice);
-    }
+      , _box(VoxelGrid::CubicBounds({_values.image->Height(), _values.image->Width(), _values.image->Depth()}, 2.6))
+      , _slices(VoxelGrid(_values.image, _box)) {
+    for (const Plane& plane : TurningPlanes(_box))
+      _cuts.push_back(_slices.Cut(plane));
+    _slices.shown.min = 0.5 / 255; // what would be 0 as a byte
   }
 
   Camera StartCamera() const override {
@@ -284,10 +286,6 @@ public:
   Types::Viewport<0> SurfaceViewport(const View& p_view) const override { return PartOf(p_view, MainPart); }
 
 protected:
-  void Prepare(Utility::Scoped<Rgl>& p_gl) override {
-    _painter.emplace(p_gl, _values.image, _box, Library::VolumeTexture::Linear);
-  }
-
   void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
     const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_LINE_BIT | RGL_DEPTH_BUFFER_BIT |
                                              RGL_POLYGON_BIT | RGL_COLOR_BUFFER_BIT);
@@ -301,17 +299,17 @@ protected:
     DrawEdges(p_gl, _box);
     // The planes do not cross in the box, so the slices can be painted one over the other.
     const Point eye = p_world.camera.Eye();
-    std::sort(_slices.begin(), _slices.end(), [&](const Slice& p_a, const Slice& p_b) {
+    std::sort(_cuts.begin(), _cuts.end(), [&](const Slice& p_a, const Slice& p_b) {
       return Length(Middle(p_a) - eye) > Length(Middle(p_b) - eye);
     });
     p_gl->Color(Qt::white);
-    for (const Slice& slice : _slices) {
-      _painter->Draw(p_gl, {slice}, Colors(), _values.look);
-      DrawOutlines(p_gl, {slice});
+    for (const Slice& cut : _cuts) {
+      _slices.Draw(p_gl, {cut}, Colors(), _values.scale, _values.lowOpacity);
+      DrawOutlines(p_gl, {cut});
     }
   }
 
-  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override { _painter->DrawDepths(p_gl, _slices); }
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override { _slices.DrawDepths(p_gl, _cuts); }
 
   void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view, Canvas& p_canvas) override {
     const VolumeImage& image = *_values.image;
@@ -323,11 +321,10 @@ protected:
                       .arg(image.Depth()));
     std::vector<Canvas::Tick> ticks;
     constexpr int Ticks = 4;
-    const SlicePainter::Look& look = _values.look;
+    const ValueScale& scale = _values.scale;
     for (int i = 0; i <= Ticks; ++i) {
       const double place = static_cast<double>(i) / Ticks;
-      const double value =
-          (static_cast<double>(look.low) * (1 - place) + static_cast<double>(look.high) * place) * _values.largest;
+      const double value = (scale.lower * (1 - place) + scale.upper * place) * _values.largest;
       ticks.push_back({place, QString::number(value, 'f', _values.largest < 10 ? 2 : 0)});
     }
     p_canvas.Bar({60, 70, 520, 94}, Colors(), "Value", ticks);
@@ -364,10 +361,10 @@ private:
   std::string _path; ///< empty when the volume is the formula
   Values _values;
   Box _box;
-  std::vector<Slice> _slices;
+  VolumeSlices _slices;
+  std::vector<Slice> _cuts;
   TwoPlanes _planes;
   Rays _rays;
-  std::optional<SlicePainter> _painter;
 };
 
 } // namespace

@@ -1,5 +1,5 @@
-// A volume cut by three planes. Shows how VolumeImage reads a text volume, how a VolumeTexture hands it to a shader
-// that colours it with a ColorMap, and how Intersect makes the polygons in which planes cut its box.
+// A volume cut by three planes. Shows how VolumeImage reads a text volume, and how VolumeSlices cuts it and colours it
+// with a ColorMap.
 
 #include "apps/gallery/PictureLoaders.h"
 
@@ -11,9 +11,7 @@
 #include "scene/Canvas.h"
 #include "scene/VolumeSlices.h"
 
-#include "library/Intersect.h"
 #include "library/VolumeImage.h"
-#include "library/VolumeTexture.h"
 
 #include <algorithm>
 #include <cmath>
@@ -37,14 +35,18 @@ public:
       , _path(_ocean ? p_inputs.salinity : p_inputs.volume)
       , _file(VolumeFile::Read(_path, p_loading)) {
     const Point ocean(3.6, 1.8, 1.1);
-    _box = _ocean ? Box(ocean * -0.5, ocean * 0.5) : BoxOf(*_file.image, 2.1);
+    const VolumeImage& image = *_file.image;
+    const VoxelGrid::Sizes sizes = {image.Height(), image.Width(), image.Depth()};
+    const Box box = _ocean ? Box(ocean * -0.5, ocean * 0.5) : VoxelGrid::CubicBounds(sizes, 2.1);
+    // Layers count downwards in the ocean. Nearest voxels: each plane shows one layer.
+    _slices.emplace(VoxelGrid(_file.image, box, _ocean ? VoxelGrid::Layers::Downwards : VoxelGrid::Layers::Upwards),
+                    VoxelGrid::Filter::Nearest);
     // A map's Atlantic at 30° west, its equator, and half-way down; for other volumes the three middles.
-    const Point at = VoxelCenter({_ocean ? (330.0 - 19.5) / 360.0 : 0.5, 0.5, _ocean ? 0.6 : 0.5});
-    for (const Point& normal : {Point(0, 0, 1), Point(0, -1, 0), Point(-1, 0, 0)}) {
-      Slice slice;
-      Library::Intersect::Intersection(_box, Types::Plane(at, normal), slice);
-      _slices.push_back(slice);
-    }
+    const Point size = box.Extent();
+    const Point at = _slices->Grid().NearestCenter(box.Min() + Point(size.x * (_ocean ? (330.0 - 19.5) / 360.0 : 0.5),
+                                                                     size.y * 0.5, size.z * (_ocean ? 0.6 : 0.5)));
+    for (const Point& normal : {Point(0, 0, 1), Point(0, -1, 0), Point(-1, 0, 0)})
+      _cuts.push_back(_slices->Cut(Types::Plane(at, normal)));
   }
 
   Camera StartCamera() const override {
@@ -59,27 +61,21 @@ public:
   }
 
 protected:
-  void Prepare(Utility::Scoped<Rgl>& p_gl) override {
-    // Layers count downwards in the ocean; nearest voxels, since land must not bleed into the sea.
-    _painter.emplace(p_gl, _file.image, _box, Library::VolumeTexture::Nearest, _ocean);
-  }
-
   void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
     const auto state =
         p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_LINE_BIT | RGL_DEPTH_BUFFER_BIT | RGL_POLYGON_BIT);
     p_gl->Enable(RGL_DEPTH_TEST);
     p_gl->Enable(RGL_POLYGON_OFFSET_FILL); // outlines lie in front of what they surround
     p_gl->PolygonOffset(1, 1);
-    _painter->Draw(p_gl, _slices, Colors(),
-                   {static_cast<float>(_file.low) / 255, static_cast<float>(_file.high) / 255});
+    _slices->Draw(p_gl, _cuts, Colors(), _file.Scale());
     p_gl->LineWidth(static_cast<float>(std::max(1.0, 1.4 * PointSize(p_world))));
     p_gl->Color(QColor(0xDCE3EA));
-    DrawOutlines(p_gl, _slices);
+    DrawOutlines(p_gl, _cuts);
     p_gl->Color(GalleryTheme::Line);
-    DrawEdges(p_gl, _box);
+    DrawEdges(p_gl, _slices->Grid().Bounds());
   }
 
-  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override { _painter->DrawDepths(p_gl, _slices); }
+  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override { _slices->DrawDepths(p_gl, _cuts); }
 
   void DrawLegends(Utility::Scoped<Rgl>&, const View& p_view, Canvas& p_canvas) override {
     if (_ocean)
@@ -103,22 +99,12 @@ protected:
   }
 
 private:
-  /// The centre of the voxel at a place from 0 to 1 across the box: a plane between two layers would show now the one,
-  /// now the other.
-  Point VoxelCenter(const Point& p_place) const {
-    const auto centered = [](double p_part, int p_voxels) { return (std::floor(p_part * p_voxels) + 0.5) / p_voxels; };
-    const Point size = _box.Extent();
-    return _box.Min() + Point(size.x * centered(p_place.x, _file.image->Height()),
-                              size.y * centered(p_place.y, _file.image->Width()),
-                              size.z * centered(p_place.z, _file.image->Depth()));
-  }
-
   void LabelOcean(Canvas& p_canvas, const View& p_view) const {
     const TextRenderer::Style faint{GalleryTheme::SmallSize, GalleryTheme::Faint, false};
     DrawTitle(p_canvas, "Salinity of the ocean",
               "Mean of all years, cut along 30° west, along the equator and across the depth");
-    const Point& low = _box.Min();
-    const Point& high = _box.Max();
+    const Point& low = _slices->Grid().Bounds().Min();
+    const Point& high = _slices->Grid().Bounds().Max();
     for (int lon = 60; lon <= 360; lon += 60) {
       const double x = low.x + (high.x - low.x) * (lon - 19.5) / 360.0;
       const QString text = lon < 180    ? QString("%1° E").arg(lon)
@@ -139,9 +125,8 @@ private:
   bool _ocean;
   std::string _path;
   VolumeFile _file;
-  Box _box;
-  std::vector<Slice> _slices;
-  std::optional<SlicePainter> _painter;
+  std::optional<VolumeSlices> _slices;
+  std::vector<Slice> _cuts;
 };
 
 } // namespace
