@@ -1,4 +1,5 @@
 #include "scene/Axes.h"
+#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
 
 #include <QPolygonF>
@@ -65,6 +66,7 @@ void ExpectNothingOverlaps(const AxesLayout& p_layout, const Viewport& p_viewpor
   for (std::size_t i = 0; i < p_layout.labels.size(); ++i) {
     const Label& label = p_layout.labels[i];
     const QPolygonF polygon = PolygonOf(label);
+    EXPECT_TRUE(label.rotation > -80 && label.rotation <= 100) << label.rotation;
     EXPECT_TRUE(image.contains(polygon.boundingRect())) << label.text.toStdString() << " leaves the image";
     for (const QPolygonF& face : faces)
       EXPECT_LT(Area(polygon.intersected(face)), 1e-3) << label.text.toStdString() << " lies over the box";
@@ -279,4 +281,54 @@ TEST(Axes, GivesNothingWhereThereIsNothingToLabel) {
     EXPECT_TRUE(Example(box).Fit(camera, TargetOf({0, 0, 20, 10}), {}, fresh).labels.empty());
   }
   EXPECT_THROW(Example().Layout(inside, {Windows[0], 1, {}}, state), std::invalid_argument);
+}
+
+namespace {
+
+class AxesPixels : public PixelScopeFixture {
+protected:
+  AxesPixels()
+      : PixelScopeFixture({240, 180}) {}
+};
+
+} // namespace
+
+TEST_F(AxesPixels, DrawsLinesAndStringsWhereTheLayoutHasThem) {
+  MakeApplication();
+  Theme theme = Theme::Light();
+  theme.line = Qt::red;
+  theme.grid = Qt::blue;
+  theme.text = Qt::black;
+  const Viewport window(0, 0, 240, 180);
+  Camera camera;
+  camera.Look(Standard::Front);
+  camera.projection = Camera::Projection::Parallel;
+  Axes::State state;
+  const AxesLayout layout = Example().Fit(camera, {window, 1, Axes::MeasureIn(theme, 1)}, {}, state);
+  ASSERT_GE(layout.labels.size(), 6U);
+  gl->ClearColor(Qt::white);
+  gl->Clear(RGL_COLOR_BUFFER_BIT);
+  const TextRenderer text;
+  {
+    Canvas canvas(gl, window, text);
+    Axes::Draw(canvas, layout, theme);
+  }
+  const QImage image = Image();
+  const auto holds = [&](const QRectF& p_rect, const QColor& p_color) {
+    for (int x = static_cast<int>(p_rect.left()); x <= p_rect.right(); ++x)
+      for (int y = static_cast<int>(p_rect.top()); y <= p_rect.bottom(); ++y)
+        if (x >= 0 && y >= 0 && x < 240 && y < 180 && SameColor(PixelAt(image, x, y), p_color, 90))
+          return true;
+    return false;
+  };
+  for (const Line& line : layout.lines) {
+    const AxesLayout::Position middle = (line.from + line.to) / 2.0;
+    const QColor color = line.kind == Line::Kind::Grid ? Qt::blue : Qt::red;
+    // Seen from the front, the lines of the four faces at the sides lie on edges.
+    if (line.kind != Line::Kind::Grid || !holds({middle.x - 1, middle.y - 1, 2, 2}, Qt::red)) {
+      EXPECT_TRUE(holds({middle.x - 1, middle.y - 1, 2, 2}, color)) << middle.x << ' ' << middle.y;
+    }
+  }
+  for (const Label& label : layout.labels)
+    EXPECT_TRUE(holds(PolygonOf(label).boundingRect(), Qt::black)) << label.text.toStdString();
 }
