@@ -224,6 +224,25 @@ TEST(Axes, DrawsTheGridOnTheFarFacesOnly) {
   for (const Line& line : layout.lines)
     ++count[line.kind];
   EXPECT_EQ(count[Line::Kind::Grid], 6) << "two on each of three far faces";
+  // The eye is at +x, −y, +z of the box: lines at the middle of two faces each.
+  for (const auto& [from, to] : {std::pair(Point(2, 3, 0), Point(2, 3, 2)),
+                                 {Point(2, 0, 0), Point(2, 3, 0)},
+                                 {Point(0, 1.5, 0), Point(4, 1.5, 0)},
+                                 {Point(0, 1.5, 0), Point(0, 1.5, 2)},
+                                 {Point(0, 0, 1), Point(0, 3, 1)},
+                                 {Point(0, 3, 1), Point(4, 3, 1)}}) {
+    const Camera::Pixel a = camera.Project(from, Windows[0]), b = camera.Project(to, Windows[0]);
+    EXPECT_EQ(std::count_if(layout.lines.begin(), layout.lines.end(),
+                            [&](const Line& p_line) {
+                              const auto isAt = [](const AxesLayout::Position& p_end, const Camera::Pixel& p_pixel) {
+                                return std::hypot(p_end.x - p_pixel.x, p_end.y - p_pixel.y) < 1e-6;
+                              };
+                              return p_line.kind == Line::Kind::Grid && ((isAt(p_line.from, a) && isAt(p_line.to, b)) ||
+                                                                         (isAt(p_line.from, b) && isAt(p_line.to, a)));
+                            }),
+              1)
+        << from.x << ' ' << from.y << ' ' << from.z;
+  }
   EXPECT_EQ(count[Line::Kind::Edge], 9) << "all but the three at the nearest corner";
   EXPECT_EQ(count[Line::Kind::Tick], 9) << "two with a value and a minor one on each axis";
   std::set<QString> texts;
@@ -268,7 +287,10 @@ TEST(Axes, GivesNothingWhereThereIsNothingToLabel) {
   const AxesLayout grid = Example().Layout(close, target, state);
   EXPECT_TRUE(grid.labels.empty() && grid.corners.empty() && !grid.lines.empty());
   for (const Line& line : grid.lines)
-    EXPECT_TRUE(std::isfinite(line.from.x + line.from.y + line.to.x + line.to.y));
+    for (const auto& [x, y] : {line.from, line.to}) {
+      EXPECT_TRUE(std::isfinite(x + y));
+      EXPECT_FALSE(x == 0 && y == 0) << "a point behind the eye has no pixel";
+    }
   // Boxes without extent, axes without ticks, a window without room.
   for (const Box& box : {Box({1, 1, 1}, {1, 1, 1}), Box({0, 0, 0}, {5, 0, 0}), Box({0, 0, 0}, {0, 4, 2})}) {
     Camera camera;

@@ -163,6 +163,7 @@ TEST(Camera, FitsAllCornersAsTightAsTheProjectionAllows) {
       right = std::min(right, viewport.x + viewport.width - margins.right - pixel.x);
       bottom = std::min(bottom, pixel.y - viewport.y - margins.bottom);
       top = std::min(top, viewport.y + viewport.height - margins.top - pixel.y);
+      EXPECT_LE(Length(corner - camera.target), camera.radius * (1 + 1e-12)) << "clipped once the camera orbits";
       nearest = std::min(nearest, Dot(camera.Eye() - corner, camera.Directions().back));
       const double depth = ThroughMatrices(camera, corner, viewport, low).second;
       EXPECT_TRUE(depth > -1e-9 && depth < 1 + 1e-9) << depth;
