@@ -137,7 +137,7 @@ private:
   void CompleteNormals();
   void RequireLength(const char* p_name, std::size_t p_count) const;
   bool Upload(const Rgl& p_gl, Buffers& p_buffers, const char* p_signature) const;
-  void Draw(Utility::Scoped<Rgl>& p_gl, int p_instances, const std::vector<InstanceAttribute>& p_attributes,
+  void Draw(Utility::Scoped<Rgl>& p_gl, std::size_t p_instances, const std::vector<InstanceAttribute>& p_attributes,
             const char* p_signature) const;
 
   Shared<Record> _positions;

@@ -2,13 +2,13 @@
 
 #include "scene/DepthShader.h"
 #include "scene/private/GpuArray.h"
+#include "scene/private/InstanceArrays.h"
 #include "scene/private/InstanceSorting.h"
+#include "scene/private/MeshArrays.h"
 #include "scene/private/MeshShaders.h"
 
 #include "library/Icosphere.h"
 #include "platform/ogl/ShaderProgram.h"
-
-#include <boost/make_shared.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -21,12 +21,10 @@ namespace Vek::Chart::Scene {
 
 namespace {
 
-using Private::GpuArray;
-using Private::InstanceSorting;
+using namespace Private;
 using Point = Types::Vector3_Base<double>;
 using Types::Matrix3;
 using Record = Ogl::Vec3<float>;
-using Axes = std::array<float, 6>;
 
 constexpr const char* Signature =
     "void __cdecl Vek::Chart::Scene::InstancedMesh::Draw(class Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> "
@@ -83,90 +81,8 @@ varying vec4 own;
 void main() { gl_FragColor = vec4(own.rgb, plot); }
 )";
 
-template <class T>
-boost::shared_ptr<const std::vector<T>> Share(std::vector<T> p_elements) {
-  if (p_elements.empty())
-    return {};
-  return boost::make_shared<const std::vector<T>>(std::move(p_elements));
-}
-
 Point ToPoint(const Record& p_record) {
   return {static_cast<double>(p_record.x), static_cast<double>(p_record.y), static_cast<double>(p_record.z)};
-}
-
-bool IsFinite(const Point& p_point) {
-  return std::isfinite(p_point.x) && std::isfinite(p_point.y) && std::isfinite(p_point.z);
-}
-
-/// Positions relative to an origin; (MissingValue, 0, 0) for missing ones.
-std::vector<Record> StoredPositions(const Array3& p_positions, const Point& p_origin) {
-  std::vector<Record> records;
-  records.reserve(p_positions.Count());
-  for (const auto& point : FloatPoints(p_positions, p_origin)) {
-    const bool isFinite = std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-    records.push_back(isFinite ? Record{point.x, point.y, point.z} : Record{Private::MissingValue, 0, 0});
-  }
-  return records;
-}
-
-/// Sizes, 0 for those that are not above 0 or not finite.
-std::vector<float> StoredSizes(const Array1& p_sizes) {
-  std::vector<float> sizes = FloatValues(p_sizes);
-  for (float& size : sizes)
-    size = size > 0 && std::isfinite(size) ? size : 0;
-  return sizes;
-}
-
-std::vector<float> StoredValues(const Array1& p_values) {
-  std::vector<float> values = FloatValues(p_values);
-  std::transform(values.begin(), values.end(), values.begin(), Private::StoredValue);
-  return values;
-}
-
-Axes AxesOf(const Matrix3& p_rotation) {
-  const Point x = p_rotation * Point(1, 0, 0), y = p_rotation * Point(0, 1, 0);
-  if (!IsFinite(x) || !IsFinite(y))
-    return {};
-  return {static_cast<float>(x.x), static_cast<float>(x.y), static_cast<float>(x.z),
-          static_cast<float>(y.x), static_cast<float>(y.y), static_cast<float>(y.z)};
-}
-
-bool HasDirection(const Point& p_direction) {
-  return IsFinite(p_direction) && !(p_direction == Point());
-}
-
-std::vector<Axes> StoredDirections(const Array3& p_directions, const Point& p_up) {
-  std::vector<Axes> axes;
-  axes.reserve(p_directions.Count());
-  for (const Point& direction : Points(p_directions))
-    axes.push_back(HasDirection(direction) ? AxesOf(Matrix3::FromAxis(direction, p_up)) : Axes{});
-  return axes;
-}
-
-std::vector<Axes> StoredRotations(const std::vector<Matrix3>& p_rotations) {
-  std::vector<Axes> axes(p_rotations.size());
-  std::transform(p_rotations.begin(), p_rotations.end(), axes.begin(), AxesOf);
-  return axes;
-}
-
-/// The ids as colours, lowest byte first; their positions if there are none.
-std::vector<GpuMesh::Rgba> StoredIds(const std::vector<std::uint32_t>& p_ids, std::size_t p_count) {
-  std::vector<GpuMesh::Rgba> bytes(p_count);
-  for (std::size_t i = 0; i < p_count; ++i) {
-    const std::size_t id = p_ids.empty() ? std::min<std::size_t>(i, PickPass::NoElement) : p_ids[i];
-    if (!p_ids.empty() && id >= PickPass::NoElement)
-      throw std::invalid_argument("InstancedMesh: ids: expected numbers below " + std::to_string(PickPass::NoElement) +
-                                  ", got " + std::to_string(id));
-    bytes[i] = {static_cast<unsigned char>(id & 255), static_cast<unsigned char>(id >> 8 & 255),
-                static_cast<unsigned char>(id >> 16 & 255), 255};
-  }
-  return bytes;
-}
-
-std::size_t CountUndirected(const Array3& p_directions) {
-  const std::vector<Point> directions = Points(p_directions);
-  return static_cast<std::size_t>(
-      std::count_if(directions.begin(), directions.end(), [](const Point& p_d) { return !HasDirection(p_d); }));
 }
 
 /// How far a level's mesh reaches from the position of an instance of size 1.
@@ -303,7 +219,7 @@ Types::BoundingBox_Base<double> InstancedMesh::Bounds() const {
   for (std::size_t i = 0; i < Count(); ++i) {
     const Point position = ToPoint((*_positions)[i]);
     const double size = _sizes ? static_cast<double>((*_sizes)[i]) : 1;
-    if ((*_positions)[i].x == Private::MissingValue || !(size > 0) || (_axes && (*_axes)[i] == Axes{}))
+    if ((*_positions)[i].x == MissingValue || !(size > 0) || (_axes && (*_axes)[i] == Axes{}))
       continue;
     bounds += position - Point(1, 1, 1) * (reach * size);
     bounds += position + Point(1, 1, 1) * (reach * size);
@@ -344,7 +260,7 @@ bool InstancedMesh::Prepare(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Pain
   if (p_paint == Paint::Colors || !sorting.Fits(_positions, _sizes, _levels.size())) {
     std::vector<double> mostPixels(_levels.size());
     std::transform(_levels.begin(), _levels.end(), mostPixels.begin(), [](const Level& p_l) { return p_l.mostPixels; });
-    if (sorting.Update({_positions, _sizes, std::move(mostPixels), Private::Projection::Of(p_gl)}))
+    if (sorting.Update({_positions, _sizes, std::move(mostPixels), Projection::Of(p_gl)}))
       for (GpuArray* const buffer :
            {&p_buffers.positions, &p_buffers.sizes, &p_buffers.axes, &p_buffers.paint, &p_buffers.ids})
         buffer->Forget();
@@ -360,7 +276,7 @@ bool InstancedMesh::Prepare(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Pain
 /// Draws the instances of each level that may be seen, with the program in use.
 void InstancedMesh::DrawLevels(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, Paint p_paint,
                                const Ogl::ShaderProgram& p_program) const {
-  const Private::Projection projection = Private::Projection::Of(p_gl);
+  const Projection projection = Projection::Of(p_gl);
   const GpuArray* const paint = p_paint == Paint::Colors ? &p_buffers.paint
                                 : p_paint == Paint::Ids  ? &p_buffers.ids
                                                          : nullptr;
@@ -383,7 +299,7 @@ void InstancedMesh::DrawLevels(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buff
       continue;
     p_program.SetUniform(p_gl, "center", level.origin);
     p_program.SetUniform(p_gl, "fit", static_cast<float>(level.scale));
-    p_program.SetUniform(p_gl, "lighting", Private::LightingOf(level.mesh));
+    p_program.SetUniform(p_gl, "lighting", LightingOf(level.mesh));
     std::vector<GpuMesh::InstanceAttribute> attributes;
     const auto add = [&](unsigned int p_location, const GpuArray& p_array, std::size_t p_record, std::size_t p_offset,
                          unsigned int p_components, bool p_bytes) {
@@ -407,12 +323,12 @@ void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_
   if (Count() == 0 || _levels.empty())
     return;
   Buffers& buffers = _buffers.Get(p_gl);
-  const Ogl::ShaderProgram* const program = Made(buffers.colored, p_gl, Private::LitColorText());
+  const Ogl::ShaderProgram* const program = Made(buffers.colored, p_gl, LitColorText());
   if (program == nullptr || !Prepare(p_gl, buffers, Paint::Colors))
     return;
   const auto map = p_colors.Bind(p_gl);
   const auto inUse = program->Use(p_gl);
-  Private::SetColorUniforms(p_gl, *program, _colors ? Private::ByColor : Private::ByValue, p_colors, p_scale);
+  SetColorUniforms(p_gl, *program, _colors ? ByColor : ByValue, p_colors, p_scale);
   DrawLevels(p_gl, buffers, Paint::Colors, *program);
 }
 

@@ -220,13 +220,13 @@ TEST_F(InstancedMeshCalls, DrawsLevelsThatMayBeSeen) {
   mesh.Draw(gl, colors);
   EXPECT_EQ(Uploads(recorder), Bytes());
   for (Point& position : positions)
-    position.x = 400; // at 4 in clip coordinates
+    position.x = 150; // at 1.5 in clip coordinates
   const std::vector<double> small(10, 1);
   mesh.UpdatePositions(positions);
   mesh.UpdateSizes(small);
   mesh.Draw(gl, colors);
   EXPECT_EQ(counts(), std::vector<int>());
-  const std::vector<double> large(10, 310);
+  const std::vector<double> large(10, 60);
   mesh.UpdateSizes(large); // reaches into the view
   mesh.Draw(gl, colors);
   EXPECT_EQ(counts(), std::vector<int>{10});
@@ -303,13 +303,13 @@ TEST_F(InstancedMeshPixels, DirectionsSizesAndValues) {
 }
 
 TEST_F(InstancedMeshPixels, RotationsLevelsColorsAndLeastPixels) {
-  const std::vector<Point> positions = {{-0.5, 0, 0}, {0.5, 0, 0}};
-  const std::vector<double> sizes = {0.02, 0.6};
+  const std::vector<Point> positions = {{0.5, 0, 0}, {-0.5, 0, 0}}; // the second one has the coarser level
+  const std::vector<double> sizes = {0.6, 0.02};
   Instances instances;
   instances.positions = positions;
   instances.sizes = sizes;
-  instances.rotations = {Types::Matrix3(), Types::Matrix3::Rotation(Types::Angle::FromDegrees(180), {0, 0, 1})};
-  instances.colors = {{255, 0, 255, 255}, {0, 255, 255, 255}};
+  instances.rotations = {Types::Matrix3::Rotation(Types::Angle::FromDegrees(180), {0, 0, 1}), Types::Matrix3()};
+  instances.colors = {{0, 255, 255, 255}, {255, 0, 255, 255}};
   // Small ones are drawn 20 times as large, to be told apart.
   std::vector<InstancedMesh::Level> levels = {InstancedMesh::Level(FlatBar()), InstancedMesh::Level(FlatBar())};
   levels[0].scale = 20;
