@@ -22,16 +22,6 @@ std::vector<double> ScaledNodes(const char* p_name, const Array1& p_axis, double
   return nodes;
 }
 
-/// The slope at a node, from heights before it, at it and after it, of which the outer ones may be missing. Second
-/// order for uneven distances: the derivative of the parabola through all three.
-double Slope(double p_before, double p_at, double p_after, double p_toBefore, double p_toAfter) {
-  const double before = (p_at - p_before) / p_toBefore, after = (p_after - p_at) / p_toAfter;
-  if (std::isfinite(before) && std::isfinite(after))
-    return p_toBefore == p_toAfter ? (p_after - p_before) / (2 * p_toAfter)
-                                   : (before * p_toAfter + after * p_toBefore) / (p_toBefore + p_toAfter);
-  return std::isfinite(after) ? after : std::isfinite(before) ? before : 0;
-}
-
 /// Heights of the scene on the whole grid, halo included; NaN where missing.
 class Heights {
 public:

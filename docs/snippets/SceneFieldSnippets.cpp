@@ -7,6 +7,7 @@
 #include "scene/DirectionalLight.h"
 #include "scene/GpuMesh.h"
 #include "scene/Isolines.h"
+#include "scene/Isosurface.h"
 #include "scene/StreamlineTracer.h"
 #include "scene/SurfaceMesh.h"
 #include "scene/Theme.h"
@@ -154,6 +155,31 @@ TEST_F(SceneFieldSnippetPixels, Isolines) {
   //! [Isolines]
   gl->LineWidth(1);
   Show("Isolines");
+}
+
+TEST_F(SceneFieldSnippetPixels, Isosurface) {
+  //! [Isosurface]
+  // The potential of three charges at 61 x 41 x 41 nodes.
+  std::vector<double> xs, ys, zs, potential;
+  for (int i = 0; i <= 60; ++i)
+    xs.push_back(0.1 * i - 3);
+  for (int i = 0; i <= 40; ++i)
+    ys.push_back(0.1 * i - 2);
+  zs = ys;
+  for (const double az : zs)
+    for (const double ay : ys)
+      for (const double ax : xs)
+        potential.push_back(1 / Length(Vector(ax - 1.31, ay, az)) + 1 / Length(Vector(ax + 1.31, ay, az)) -
+                            0.8 / Length(Vector(ax, ay - 0.93, az)));
+  Isosurface surface(xs, ys, zs, potential, std::vector<double>{-0.5, 1}, {});
+  //! [Isosurface]
+  Camera camera;
+  camera.Look(Camera::StandardView::Chart);
+  camera.Fit(surface.bounds, viewport, {20, 20, 20, 20});
+  const auto view = camera.Apply(gl, viewport);
+  const auto light = DirectionalLight().Apply(gl);
+  GpuMesh(surface.TakeData()).Draw(gl, Library::ColorMap::Named("viridis"), {-1, 1.5});
+  Show("Isosurface");
 }
 
 } // namespace

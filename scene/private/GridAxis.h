@@ -14,6 +14,10 @@ namespace Vek::Chart::Scene {
 /// `p_name` starts the message.
 std::vector<double> AxisNodes(const std::string& p_name, const Array1& p_axis, std::size_t p_least);
 
+/// The derivative at a node, from the values before it, at it and after it and the (signed) distances to both: that of
+/// the parabola through all three, or the difference to the neighbour that is there, or 0 if both are missing.
+double Slope(double p_before, double p_at, double p_after, double p_fromBefore, double p_toAfter);
+
 /// The number of nodes of a grid. Throws std::invalid_argument where it exceeds 2^40.
 std::size_t NodeCount(const std::string& p_name, const std::array<std::size_t, 3>& p_counts);
 
