@@ -12,7 +12,7 @@ namespace Vek::Chart::Scene {
 
 namespace {
 
-/// Sets the viewport; within attributes that are pushed later, Mesa (22.3) would not restore it.
+/// Sets the viewport, before attributes are pushed without it: Mesa (22.3) would not restore it afterwards.
 boost::shared_ptr<void> ViewportScope(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport) {
   const boost::shared_ptr<void> guard = p_gl->PushAttribScope(RGL_VIEWPORT_BIT);
   p_gl->Viewport(p_viewport);

@@ -9,8 +9,7 @@ namespace Vek::Chart::Scene {
 
 boost::shared_ptr<void> FlatState(Utility::Scoped<Rgl>& p_gl) {
   const Rgl& gl = *p_gl;
-  // Mesa (22.3) loses at PushAttrib that the colour was changed since the PushAttrib before, so that PopAttrib does not
-  // restore it.
+  // Mesa (22.3) does not restore a colour that was set between two PushAttrib; the guard does it.
   std::array<double, 4> color{};
   gl.GetDoublev(RGL_CURRENT_COLOR, color.data());
   boost::shared_ptr<void> attributes =

@@ -86,7 +86,7 @@ TEST_F(CanvasPixels, DrawsInPoints) {
        "..............\n"},
       {"a line of at least one pixel",
        [&](Canvas& c) {
-         c.Line({1, 1.25}, {6, 1.25}, 0.01, color);
+         c.Line({1, 1.1}, {6, 1.1}, 0.01, color);
        },
        "..............\n"
        "..............\n"
@@ -182,6 +182,13 @@ TEST_F(CanvasPixels, DrawsImagesUpright) {
   EXPECT_EQ(At(23, 13), QColor(Qt::green));
   EXPECT_EQ(At(22, 12), QColor(Qt::blue));
   EXPECT_EQ(At(23, 12), QColor(Qt::black));
+  Library::Texture texture(image, gl);
+  texture.environment = Library::Texture::Modulate;
+  Drawn([&](Canvas& c) {
+    c.Fill({0, 0, 1, 1}, Qt::green);
+    c.Image({1, 1, 2, 2}, texture);
+  });
+  EXPECT_EQ(At(22, 13), QColor(Qt::red)) << "its colours, whatever was drawn before";
   Drawn([&](Canvas& c) { c.Fill({0, 0, 7, 4}, Qt::black, Qt::white); });
   for (int y = 0; y < 8; ++y)
     EXPECT_NEAR(At(25, 10 + y).red(), (y + 0.5) * 255 / 8, 1.5) << "a gradient upwards";
@@ -202,7 +209,7 @@ TEST_F(CanvasPixels, PutsStringsAtPointsOfTheScene) {
   const std::string nothing = Drawn([](Canvas&) {});
   EXPECT_NE(Map(projected.copy(20, FrameSize.height - 18, 14, 8), grey, Qt::black), nothing);
   EXPECT_EQ(Drawn([&](Canvas& c) {
-              c.TextAt("x", view, view.camera.Eye() * 2.0, {0, 0}, {0.5, 0.5}, style);
+              c.TextAt("x", view, view.camera.Eye() * 2.0, {12, 6}, {0.5, 0.5}, style);
             }),
             nothing)
       << "behind the camera";
@@ -234,6 +241,8 @@ TEST_F(CanvasPixels, NeitherChangesNorTakesTheHostsState) {
   draw();
   const QImage expected = Image().copy(2, FrameSize.height - 33, 40, 30);
   text = TextRenderer(); // uploads again
+  gl->ClearColor(Qt::magenta);
+  gl->Clear(RGL_COLOR_BUFFER_BIT);
   for (const Ogl::GlEnum leftOn :
        {RGL_LIGHTING, RGL_FOG, RGL_DEPTH_TEST, RGL_STENCIL_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_COLOR_LOGIC_OP,
         RGL_TEXTURE_1D, RGL_TEXTURE_2D, RGL_TEXTURE_3D, RGL_TEXTURE_GEN_S, RGL_POLYGON_STIPPLE, RGL_CLIP_PLANE0})
@@ -251,6 +260,7 @@ TEST_F(CanvasPixels, NeitherChangesNorTakesTheHostsState) {
   gl->BlendFunc(RGL_DST_COLOR, RGL_ZERO);
   gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_DECAL);
   gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 2);
+  gl->PixelStorei(RGL_UNPACK_ALIGNMENT, 8);
   gl->MatrixMode(RGL_TEXTURE);
   gl->Viewport({1, 2, 3, 4});
   gl->Color(Qt::green);
@@ -298,6 +308,7 @@ TEST_F(CanvasPixels, BackgroundStaysInItsViewport) {
   gl->ClearColor(Qt::blue);
   gl->ClearDepth(0.25);
   gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+  gl->DepthMask(false);
   Theme theme;
   theme.backgroundTop = theme.backgroundBottom = QColor(10, 20, 30);
   DrawBackground(gl, {5, 6, 20, 10}, theme);

@@ -1,4 +1,5 @@
 #include "scene/TextRenderer.h"
+#include "platform/ogl/TextImage.h"
 #include "tests/support/Shown.h"
 #include "tests/support/Test.h"
 
@@ -81,6 +82,10 @@ TEST_F(TextRendererPixels, DrawsInItsBox) {
         EXPECT_GT(drawn.height(), 0.6 * box.height()) << x << ", " << y;
       }
   }
+  Ogl::TextFormat format;
+  format.size = 16;
+  format.margin = {2, 0};
+  EXPECT_EQ(TextRenderer::Size("Agl", style), QSizeF(Ogl::TextImageSize("Agl", format)));
   const QSizeF one = TextRenderer::Size("Agl", style), two = TextRenderer::Size("Agl\nAgl", style);
   EXPECT_NEAR(two.height(), 2 * one.height(), 2);
   EXPECT_EQ(two.width(), one.width());
@@ -137,11 +142,11 @@ TEST_F(TextRendererCalls, KeepsWhatWasDrawnLast) {
   const auto kept = [&] {
     return recorder.LinesOf({"GenTextures"}).size() - recorder.LinesOf({"DeleteTextures"}).size();
   };
-  draw("always");
+  draw("!");
   const int most = static_cast<int>(TextRenderer::MostTextures);
   for (int i = 0; i < most + 50; ++i) {
     ASSERT_EQ(draw(QString::number(i)), 1U) << i;
-    ASSERT_EQ(draw("always"), 0U) << i;
+    ASSERT_EQ(draw("!"), 0U) << i;
     ASSERT_LE(kept(), TextRenderer::MostTextures);
   }
   EXPECT_EQ(kept(), TextRenderer::MostTextures);
@@ -153,6 +158,10 @@ TEST_F(TextRendererCalls, KeepsWhatWasDrawnLast) {
   for (const char* const large : {"MMMM", "MMMN", "MMNN", "MNNN", "NNNN", "NNNM"})
     EXPECT_EQ(draw(large, 512), 1U);
   EXPECT_LE(kept(), static_cast<std::size_t>(fit) + 2) << "by their texels";
+  EXPECT_EQ(draw("NNNM", 512) + draw("NNNN", 512), 0U) << "as many as fit";
+  draw("small");
+  draw("other");
+  EXPECT_EQ(draw("small"), 0U);
 }
 
 TEST_F(TextRendererCalls, ReportsWhatCannotBeDrawn) {
