@@ -37,6 +37,63 @@ std::vector<double> EvenNodes(const char* p_name, std::size_t p_count, double p_
   return AxisNodes(p_name, nodes, 1);
 }
 
+/// Two nodes of an axis, and the share of the second one.
+struct Between {
+  std::size_t lower = 0;
+  std::size_t upper = 0;
+  double share = 0;
+};
+
+/// The cell around a position that is not beyond the ends of an axis (`VectorField::NodeAxis`).
+template <class Axis>
+Between Within(const Axis& p_axis, double p_position) {
+  const std::vector<double>& nodes = p_axis.nodes;
+  if (nodes.size() == 1)
+    return {};
+  // Exact on even axes; elsewhere the guess is replaced by a search.
+  const double guess = (p_position - nodes.front()) * p_axis.cellsPerUnit, last = static_cast<double>(nodes.size() - 2);
+  std::size_t lower = guess > 0 ? static_cast<std::size_t>(std::min(guess, last)) : 0;
+  const bool descends = p_axis.cellsPerUnit < 0;
+  const auto liesBefore = [&](double p_node) { return descends ? p_node >= p_position : p_node <= p_position; };
+  if (!liesBefore(nodes[lower]) || liesBefore(nodes[lower + 1])) {
+    const auto next = std::partition_point(nodes.begin() + 1, nodes.end() - 1, liesBefore);
+    lower = static_cast<std::size_t>(next - nodes.begin()) - 1;
+  }
+  const double share = (p_position - nodes[lower]) / (nodes[lower + 1] - nodes[lower]);
+  // A position on a node depends on that node alone, whatever lies beyond it.
+  if (share <= 0)
+    return {lower, lower, 0};
+  if (share >= 1)
+    return {lower + 1, lower + 1, 0};
+  return {lower, lower + 1, share};
+}
+
+/// False beyond the ends.
+template <class Axis>
+bool Locate(const Axis& p_axis, double p_position, Between& p_between) {
+  if (!(p_position >= p_axis.low - p_axis.slack && p_position <= p_axis.high + p_axis.slack))
+    return false;
+  p_between = Within(p_axis, std::clamp(p_position, p_axis.low, p_axis.high));
+  return true;
+}
+
+/// False where the position is not finite.
+template <class Axis>
+bool LocateWrapped(const Axis& p_axis, double p_position, double p_period, Between& p_between) {
+  const double position = p_position - std::floor((p_position - p_axis.low) / p_period) * p_period;
+  if (!std::isfinite(position))
+    return false;
+  const double gap = p_axis.low + p_period - p_axis.high;
+  if (position <= p_axis.high || !(gap > 0)) {
+    p_between = Within(p_axis, std::clamp(position, p_axis.low, p_axis.high));
+    return true;
+  }
+  const std::size_t last = p_axis.nodes.size() - 1;
+  p_between = p_axis.cellsPerUnit < 0 ? Between{0, last, 0} : Between{last, 0, 0};
+  p_between.share = std::min((position - p_axis.high) / gap, 1.0);
+  return true;
+}
+
 } // namespace
 
 VectorField::VectorField(std::array<std::vector<double>, 3> p_axes, const Array3& p_vectors) {
@@ -123,55 +180,12 @@ void VectorField::WrapX(double p_period) {
   _period = p_period;
 }
 
-VectorField::Between VectorField::NodeAxis::Within(double p_position) const {
-  if (nodes.size() == 1)
-    return {};
-  // Exact on even axes; elsewhere the guess is replaced by a search.
-  const double guess = (p_position - nodes.front()) * cellsPerUnit, last = static_cast<double>(nodes.size() - 2);
-  std::size_t lower = guess > 0 ? static_cast<std::size_t>(std::min(guess, last)) : 0;
-  const bool descends = Descends();
-  const auto liesBefore = [&](double p_node) { return descends ? p_node >= p_position : p_node <= p_position; };
-  if (!liesBefore(nodes[lower]) || liesBefore(nodes[lower + 1])) {
-    const auto next = std::partition_point(nodes.begin() + 1, nodes.end() - 1, liesBefore);
-    lower = static_cast<std::size_t>(next - nodes.begin()) - 1;
-  }
-  const double share = (p_position - nodes[lower]) / (nodes[lower + 1] - nodes[lower]);
-  // A position on a node depends on that node alone, whatever lies beyond it.
-  if (share <= 0)
-    return {lower, lower, 0};
-  if (share >= 1)
-    return {lower + 1, lower + 1, 0};
-  return {lower, lower + 1, share};
-}
-
-bool VectorField::NodeAxis::Locate(double p_position, Between& p_between) const {
-  if (!(p_position >= low - slack && p_position <= high + slack))
-    return false;
-  p_between = Within(std::clamp(p_position, low, high));
-  return true;
-}
-
-bool VectorField::NodeAxis::LocateWrapped(double p_position, double p_period, Between& p_between) const {
-  const double position = p_position - std::floor((p_position - low) / p_period) * p_period;
-  if (!std::isfinite(position))
-    return false;
-  const double gap = low + p_period - high;
-  if (position <= high || !(gap > 0)) {
-    p_between = Within(std::clamp(position, low, high));
-    return true;
-  }
-  const std::size_t last = nodes.size() - 1;
-  p_between = Descends() ? Between{0, last, 0} : Between{last, 0, 0};
-  p_between.share = std::min((position - high) / gap, 1.0);
-  return true;
-}
-
 bool VectorField::Sample(const Vector& p_position, Vector& p_vector) const {
   if (_vectors.empty())
     return false;
   Between x, y, z;
-  if (!(_period > 0 ? _axes[0].LocateWrapped(p_position.x, _period, x) : _axes[0].Locate(p_position.x, x)) ||
-      !_axes[1].Locate(p_position.y, y) || !_axes[2].Locate(p_position.z, z))
+  if (!(_period > 0 ? LocateWrapped(_axes[0], p_position.x, _period, x) : Locate(_axes[0], p_position.x, x)) ||
+      !Locate(_axes[1], p_position.y, y) || !Locate(_axes[2], p_position.z, z))
     return false;
   const std::size_t columns = _axes[0].nodes.size(), rows = _axes[1].nodes.size();
   const auto alongX = [&](std::size_t p_y, std::size_t p_z) {

@@ -98,21 +98,11 @@ public:
   double SpeedQuantile(double p_fraction) const;
 
 private:
-  /// Two nodes of an axis, and the share of the second one.
-  struct Between {
-    std::size_t lower = 0;
-    std::size_t upper = 0;
-    double share = 0;
-  };
   struct NodeAxis {
     std::vector<double> nodes;
     double low = 0, high = 0; // the smaller and the larger end
     double cellsPerUnit = 0;  // mean, negative where the axis descends
     double slack = 0;         // how far beyond the ends positions count as on the border
-    bool Descends() const { return cellsPerUnit < 0; }
-    bool Locate(double p_position, Between& p_between) const;
-    bool LocateWrapped(double p_position, double p_period, Between& p_between) const;
-    Between Within(double p_position) const;
   };
 
   VectorField(std::array<std::vector<double>, 3> p_axes, const Array3& p_vectors);
