@@ -26,14 +26,6 @@ std::vector<double> AxisNodes(const std::string& p_name, const Array1& p_axis, s
   return nodes;
 }
 
-double Slope(double p_before, double p_at, double p_after, double p_fromBefore, double p_toAfter) {
-  const double before = (p_at - p_before) / p_fromBefore, after = (p_after - p_at) / p_toAfter;
-  if (std::isfinite(before) && std::isfinite(after))
-    return p_fromBefore == p_toAfter ? (p_after - p_before) / (2 * p_toAfter)
-                                     : (before * p_toAfter + after * p_fromBefore) / (p_fromBefore + p_toAfter);
-  return std::isfinite(after) ? after : std::isfinite(before) ? before : 0;
-}
-
 std::size_t NodeCount(const std::string& p_name, const std::array<std::size_t, 3>& p_counts) {
   constexpr std::size_t Most = std::size_t{1} << 40U;
   std::size_t count = 1;
