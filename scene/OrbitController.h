@@ -43,6 +43,8 @@ public:
   /// The camera after all movements.
   const Scene::Camera& Camera() const { return _camera; }
 
+  /// Replaces the camera by one that something else has moved; the start stays.
+  void SetCamera(const Scene::Camera& p_camera) { _camera = p_camera; }
   /// Returns to the start camera.
   void Reset() { _camera = _start; }
   /// Replaces the angles by those of a usual view; target and distance stay.
