@@ -1,0 +1,127 @@
+#pragma once
+
+#include "library/ObjScene.h"
+#include "library/private/mesh/CornerVertices.h"
+#include "platform/types/Vector.h"
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Vek::Chart::Library::Private {
+
+/// Collects what was left out: the first hundred messages, and the number of the others.
+class ObjWarnings {
+public:
+  explicit ObjWarnings(std::vector<std::string>& p_texts)
+      : _texts(p_texts) {}
+  void Add(const std::string& p_path, std::uint64_t p_line, const std::string& p_text);
+  void Finish();
+
+private:
+  std::vector<std::string>& _texts;
+  std::size_t _more = 0;
+};
+
+/// Reads the text of an OBJ file into a scene; see ReadObjScene for the format and its errors.
+class ObjSceneReader {
+public:
+  /// The path must outlive the reader.
+  explicit ObjSceneReader(const std::string& p_path);
+
+  /// Reads the next lines: [p_first, p_last) ends in LF or CR, and no statement goes on behind it. The character behind
+  /// it may be read.
+  void ReadBlock(const char* p_first, const char* p_last);
+  /// The scene, after the last line. The reader is used up.
+  ObjScene Finish();
+
+  std::uint64_t Line() const { return _line; } ///< the number of lines read
+
+private:
+  using Vector = Types::Vector3_Base<double>;
+  /// A corner as in the file: numbers from 1, or negative ones; 0 where it has none.
+  struct Corner {
+    int position = 0;
+    int texCoord = 0;
+    int normal = 0;
+  };
+  struct Keyword;
+  static const Keyword Keywords[];
+
+  // Each reads a statement from behind its keyword and returns the start of the next line; null, without any effect but
+  // a note of the fault, where it cannot.
+  const char* ReadStatement(const char* p_line, const char* p_last);
+  const char* ReadVector(const char* p_at, const char* p_last);
+  const char* ReadPosition(const char* p_at, const char* p_last);
+  const char* ReadNormal(const char* p_at, const char* p_last);
+  const char* ReadTexCoord(const char* p_at, const char* p_last);
+  const char* ReadFace(const char* p_at, const char* p_last);
+  const char* ReadLines(const char* p_at, const char* p_last);
+  const char* ReadPoints(const char* p_at, const char* p_last);
+  const char* ReadCorners(const char* p_at, const char* p_last);
+  const char* ScanCorner(const char* p_at, const char* p_last, Corner& p_corner);
+  const char* Fault(const char* p_expected, const char* p_at);
+
+  // The general way: continued lines, and one function for each other keyword.
+  const char* ReadOtherLine(const char* p_line, const char* p_last);
+  void ReadOther(std::string_view p_line);
+  void SetObject(std::string_view p_name);
+  void SetGroup(std::string_view p_name);
+  void SetMaterial(std::string_view p_name);
+  void SetSmoothing(std::string_view p_name);
+  void ReadMaterials(std::string_view p_names);
+  void Ignore(std::string_view) {}
+  void Refuse(std::string_view p_rest);
+  std::string GroupName(std::string_view p_name);
+
+  void AddFace();
+  void AddTriangle(std::uint32_t p_a, std::uint32_t p_b, std::uint32_t p_c);
+  void AddColor(int p_count);
+  std::uint32_t Resolved(int p_number, std::size_t p_count, const char* p_what) const;
+  std::uint32_t NormalKey(const Corner& p_corner, std::uint32_t& p_faceNormal);
+  std::uint32_t AddFaceNormal();
+  void BeginGroup(ObjScene::Primitive p_primitive);
+  Vector Position(std::uint32_t p_index) const;
+  void CheckSize() const;
+
+  void FinishIndices();
+  void FinishNormals();
+  std::vector<float> SmoothNormals() const;
+  void FinishColors();
+
+  const std::string& _path;
+  std::uint64_t _line = 0;
+  ObjScene _scene;
+  ObjWarnings _warnings;
+
+  CornerVertices _vertices;
+  std::vector<float> _texCoords; // of the file, as are the normals
+  std::vector<float> _normals;
+  std::vector<float> _faceNormals;
+  bool _hasTexCoords = false; // of corners
+  bool _hasTriangles = false;
+  bool _hasSmooth = false; // corners whose normals are to be made
+
+  double _numbers[8];
+  int _numberCount = 0;
+  std::vector<Corner> _corners; // of the current statement, as are the next three
+  std::vector<std::uint32_t> _positions;
+  std::vector<std::uint32_t> _cornerVertices;
+  std::vector<Vector> _outline;
+  std::string _expected; // the fault of the current statement
+  const char* _foundAt = nullptr;
+
+  ObjScene::Group _group; // of what follows
+  bool _groupChanged = true;
+  std::uint32_t _smoothing; // the key of normals
+  std::unordered_map<std::string, std::uint32_t> _smoothings;
+  std::unordered_map<std::string, int> _materialNumbers;
+  std::map<int, std::uint64_t> _undefined; // materials without definition so far, with the lines that use them first
+  std::set<std::string> _read;             // material files, and unknown keywords
+};
+
+} // namespace Vek::Chart::Library::Private
