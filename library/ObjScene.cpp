@@ -109,10 +109,11 @@ ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name, const O
   while (const std::size_t size = PrepareStatements(source, reader, p_name)) {
     const std::string_view text = Available(source, size);
     if (IsLineEnd(text.back())) {
-      reader.ReadBlock(text.data(), text.data() + size);
+      const std::uint64_t read = source.Position() + size;
+      reader.ReadBlock(text.data(), text.data() + size, bytes > read ? bytes - read : 0);
     } else {
       const std::string last = std::string(text) + '\n'; // the last line has no end
-      reader.ReadBlock(last.data(), last.data() + last.size());
+      reader.ReadBlock(last.data(), last.data() + last.size(), 0);
     }
     source.Take(size);
     progress(bytes == 0 ? 1 : std::min(1.0, double(source.Position()) / double(bytes)));

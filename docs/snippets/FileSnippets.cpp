@@ -1,6 +1,7 @@
 // The examples of the reference for files: what stands between two marks is shown there.
 
 #include "io/ReadTable.h"
+#include "library/ObjScene.h"
 #include "tests/support/Test.h"
 
 TEST(FileSnippets, ReadTable) {
@@ -13,4 +14,22 @@ TEST(FileSnippets, ReadTable) {
   const std::vector<double>& speeds = wind["speed"];
   /// [ReadTable]
   EXPECT_TRUE(positions.size() == 2 && std::isnan(vectors[1][0]) && speeds[0] == 5);
+}
+
+TEST(FileSnippets, ReadObjScene) {
+  const TempFolder folder;
+  folder.Write("house.mtl", "newmtl brick\nKd 0.6 0.2 0.1\n");
+  const std::string path = folder.Write("house.obj", "mtllib house.mtl\nv 0 0 0\nv 4 0 0\nv 4 3 0\nv 2 5 0\nv 0 3 0\n"
+                                                     "usemtl brick\nf 1 2 3 4 5\n");
+  /// [ReadObjScene]
+  const ObjScene house = ReadObjScene(path);
+  for (const ObjScene::Group& group : house.groups) {
+    if (group.primitive != ObjScene::Triangles || group.material < 0)
+      continue;
+    const std::array<float, 3>& color = house.materials[group.material].diffuse;
+    const std::uint32_t* const triangles = &house.indices[group.first]; // of house.positions and house.normals
+    std::cout << group.count / 3 << " triangles, red " << color[0] << ", from vertex " << triangles[0] << '\n';
+  }
+  /// [ReadObjScene]
+  EXPECT_EQ(house.indices.size(), 9u);
 }

@@ -6,6 +6,7 @@
 #include "library/ObjModel.h"
 #include "library/StreamLineShape.h"
 #include "library/SymbolRegistry.h"
+#include "library/TriangulatePolygon.h"
 #include "library/VectorSymbol.h"
 #include "platform/ogl/BufferDraw.h"
 #include "platform/ogl/ShaderProgram.h"
@@ -102,6 +103,14 @@ TEST(GlyphSnippets, ComputeNormals) {
       ComputeNormals(positions.data(), positions.size(), triangles.data(), triangles.size());
   //! [ComputeNormals]
   EXPECT_EQ(normals, std::vector<Point>(4, {0, 0, 1}));
+}
+
+TEST(GlyphSnippets, TriangulatePolygon) {
+  //! [TriangulatePolygon]
+  const std::vector<Point> arrowHead = {{0, 0, 0}, {4, 0, 0}, {1, 1, 0}, {0, 4, 0}}; // concave at its third corner
+  const std::vector<std::uint32_t> triangles = TriangulatePolygon(arrowHead.data(), arrowHead.size());
+  //! [TriangulatePolygon]
+  EXPECT_EQ(triangles.size(), 6u);
 }
 
 TEST(GlyphSnippets, Icosphere) {

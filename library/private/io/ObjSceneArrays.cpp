@@ -22,6 +22,17 @@ bool IsSmooth(std::uint32_t p_normal) {
   return p_normal >= SmoothNormalsOf && p_normal != CornerVertices::None;
 }
 
+/// Makes room for all elements to come when those of the next block will not fit, assuming that it resembles the last
+/// one. The file's size is only a claim, so the growth is bounded.
+template <class T>
+void ReserveFor(std::vector<T>& p_array, std::size_t p_gained, double p_blocksLeft) {
+  constexpr double Margin = 1.02;
+  constexpr double MostGrowth = 64.0;
+  const double size = double(p_array.size());
+  if (p_gained != 0 && p_array.size() + p_gained > p_array.capacity())
+    ReserveLarge(p_array, std::size_t(std::min(size + Margin * double(p_gained) * p_blocksLeft, MostGrowth * size)));
+}
+
 /// Whether the diagonal between the first and the third corner is the inner one of a quad.
 template <class Vector>
 bool IsSplitByFirst(const Vector& p_a, const Vector& p_b, const Vector& p_c, const Vector& p_d) {
@@ -40,6 +51,12 @@ ObjSceneReader::ObjSceneReader(const std::string& p_path)
 ObjSceneReader::Vector ObjSceneReader::Position(std::uint32_t p_index) const {
   const float* const at = &_scene.positions[3 * std::size_t(p_index)];
   return {at[0], at[1], at[2]};
+}
+
+void ObjSceneReader::ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft) {
+  const std::size_t indices = _scene.indices.size();
+  ReadLines(p_first, p_last);
+  ReserveFor(_scene.indices, _scene.indices.size() - indices, double(p_bytesLeft) / double(p_last - p_first));
 }
 
 void ObjSceneReader::AddColor(int p_count) {
@@ -71,11 +88,7 @@ void ObjSceneReader::BeginGroup(ObjScene::Primitive p_primitive) {
   groups.push_back(_group);
 }
 
-/// The zero-based index of an element by its number in the file.
-std::uint32_t ObjSceneReader::Resolved(int p_number, std::size_t p_count, const char* p_what) const {
-  const std::int64_t index = p_number > 0 ? std::int64_t(p_number) - 1 : std::int64_t(p_count) + p_number;
-  if (p_number != 0 && index >= 0 && index < std::int64_t(p_count))
-    return static_cast<std::uint32_t>(index);
+[[gnu::noinline]] void ObjSceneReader::RefuseIndex(int p_number, std::size_t p_count, const char* p_what) const {
   const std::string count = std::to_string(p_count);
   throw ObjError(_path, _line,
                  std::string("a ") + p_what +
@@ -110,11 +123,11 @@ std::uint32_t ObjSceneReader::NormalKey(const Corner& p_corner, std::uint32_t& p
 void ObjSceneReader::AddFace() {
   BeginGroup(ObjScene::Triangles);
   _hasTriangles = true;
-  _positions.clear();
-  for (const Corner& corner : _corners)
-    _positions.push_back(Resolved(corner.position, _vertices.Positions(), "position"));
+  _positions.resize(_corners.size());
+  for (std::size_t i = 0; i < _corners.size(); ++i)
+    _positions[i] = Resolved(_corners[i].position, _vertices.Positions(), "position");
   std::uint32_t faceNormal = CornerVertices::None;
-  _cornerVertices.clear();
+  _cornerVertices.resize(_corners.size());
   for (std::size_t i = 0; i < _corners.size(); ++i) {
     const Corner& corner = _corners[i];
     std::uint32_t texCoord = CornerVertices::None;
@@ -122,7 +135,7 @@ void ObjSceneReader::AddFace() {
       texCoord = Resolved(corner.texCoord, _texCoords.size() / 2, "texture coordinate");
       _hasTexCoords = true;
     }
-    _cornerVertices.push_back(_vertices.Vertex(_positions[i], texCoord, NormalKey(corner, faceNormal)));
+    _cornerVertices[i] = _vertices.Vertex(_positions[i], texCoord, NormalKey(corner, faceNormal));
   }
   if (_corners.size() == 3)
     return AddTriangle(0, 1, 2);
@@ -143,7 +156,8 @@ void ObjSceneReader::AddFace() {
 }
 
 void ObjSceneReader::AddTriangle(std::uint32_t p_a, std::uint32_t p_b, std::uint32_t p_c) {
-  _scene.indices.insert(_scene.indices.end(), {_cornerVertices[p_a], _cornerVertices[p_b], _cornerVertices[p_c]});
+  for (const std::uint32_t corner : {p_a, p_b, p_c})
+    _scene.indices.push_back(_cornerVertices[corner]);
 }
 
 void ObjSceneReader::CheckSize() const {

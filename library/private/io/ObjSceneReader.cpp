@@ -138,7 +138,7 @@ const ObjSceneReader::Keyword ObjSceneReader::Keywords[] = {
     {"trace_obj", &ObjSceneReader::Ignore},
 };
 
-void ObjSceneReader::ReadBlock(const char* p_first, const char* p_last) {
+void ObjSceneReader::ReadLines(const char* p_first, const char* p_last) {
   for (const char* line = p_first; line < p_last;) {
     ++_line;
     const char* const next = ReadStatement(line, p_last);
@@ -159,7 +159,7 @@ const char* ObjSceneReader::ReadStatement(const char* p_line, const char* p_last
       return ReadFace(p_line + 2, p_last);
     return alone ? ReadFace(p_line + 1, p_last) : nullptr;
   case 'l':
-    return alone ? ReadLines(p_line + 1, p_last) : nullptr;
+    return alone ? ReadPolyline(p_line + 1, p_last) : nullptr;
   case 'p':
     return alone ? ReadPoints(p_line + 1, p_last) : nullptr;
   default:
@@ -226,20 +226,23 @@ const char* ObjSceneReader::ReadTexCoord(const char* p_at, const char* p_last) {
   return next;
 }
 
+/// Another number of a corner, where there is one; null for 0, which stands for none.
+static inline const char* ScanNextIndex(const char* p_at, const char* p_last, int& p_value) {
+  if (p_at == nullptr || *p_at != '/')
+    return p_at;
+  ++p_at;
+  if (*p_at == '/' || Scan::IsBlank(*p_at))
+    return p_at;
+  p_at = ScanIndex(p_at, p_last, p_value);
+  return p_value == 0 ? nullptr : p_at;
+}
+
 /// A corner: all but the first number may be missing, and with them the slashes behind.
-const char* ObjSceneReader::ScanCorner(const char* p_at, const char* p_last, Corner& p_corner) {
+[[gnu::always_inline]] inline const char* ObjSceneReader::ScanCorner(const char* p_at, const char* p_last,
+                                                                     Corner& p_corner) {
   p_at = ScanIndex(p_at, p_last, p_corner.position);
-  for (int* const number : {&p_corner.texCoord, &p_corner.normal}) {
-    if (p_at == nullptr || *p_at != '/')
-      return p_at;
-    ++p_at;
-    if (*p_at == '/' || Scan::IsBlank(*p_at))
-      continue;
-    p_at = ScanIndex(p_at, p_last, *number);
-    if (p_at != nullptr && *number == 0)
-      return nullptr; // 0 stands for none
-  }
-  return p_at;
+  p_at = ScanNextIndex(p_at, p_last, p_corner.texCoord);
+  return ScanNextIndex(p_at, p_last, p_corner.normal);
 }
 
 const char* ObjSceneReader::ReadCorners(const char* p_at, const char* p_last) {
@@ -266,7 +269,7 @@ const char* ObjSceneReader::ReadFace(const char* p_at, const char* p_last) {
   return next;
 }
 
-const char* ObjSceneReader::ReadLines(const char* p_at, const char* p_last) {
+const char* ObjSceneReader::ReadPolyline(const char* p_at, const char* p_last) {
   const char* const next = ReadCorners(p_at, p_last);
   if (next == nullptr)
     return next;

@@ -34,8 +34,9 @@ public:
   explicit ObjSceneReader(const std::string& p_path);
 
   /// Reads the next lines: [p_first, p_last) ends in LF or CR, and no statement goes on behind it. The character behind
-  /// it may be read.
-  void ReadBlock(const char* p_first, const char* p_last);
+  /// it may be read. About p_bytesLeft bytes follow later, 0 where that is not known; it serves only to choose how much
+  /// memory to take in advance.
+  void ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft);
   /// The scene, after the last line. The reader is used up.
   ObjScene Finish();
 
@@ -52,6 +53,7 @@ private:
   struct Keyword;
   static const Keyword Keywords[];
 
+  void ReadLines(const char* p_first, const char* p_last);
   // Each reads a statement from behind its keyword and returns the start of the next line; null, without any effect but
   // a note of the fault, where it cannot.
   const char* ReadStatement(const char* p_line, const char* p_last);
@@ -60,10 +62,10 @@ private:
   const char* ReadNormal(const char* p_at, const char* p_last);
   const char* ReadTexCoord(const char* p_at, const char* p_last);
   const char* ReadFace(const char* p_at, const char* p_last);
-  const char* ReadLines(const char* p_at, const char* p_last);
+  const char* ReadPolyline(const char* p_at, const char* p_last);
   const char* ReadPoints(const char* p_at, const char* p_last);
   const char* ReadCorners(const char* p_at, const char* p_last);
-  const char* ScanCorner(const char* p_at, const char* p_last, Corner& p_corner);
+  static const char* ScanCorner(const char* p_at, const char* p_last, Corner& p_corner);
   const char* Fault(const char* p_expected, const char* p_at);
 
   // The general way: continued lines, and one function for each other keyword.
@@ -81,7 +83,14 @@ private:
   void AddFace();
   void AddTriangle(std::uint32_t p_a, std::uint32_t p_b, std::uint32_t p_c);
   void AddColor(int p_count);
-  std::uint32_t Resolved(int p_number, std::size_t p_count, const char* p_what) const;
+  /// The zero-based index of an element by its number in the file.
+  std::uint32_t Resolved(int p_number, std::size_t p_count, const char* p_what) const {
+    const std::int64_t index = p_number > 0 ? std::int64_t(p_number) - 1 : std::int64_t(p_count) + p_number;
+    if (p_number == 0 || std::uint64_t(index) >= p_count)
+      RefuseIndex(p_number, p_count, p_what);
+    return static_cast<std::uint32_t>(index);
+  }
+  [[noreturn]] void RefuseIndex(int p_number, std::size_t p_count, const char* p_what) const;
   std::uint32_t NormalKey(const Corner& p_corner, std::uint32_t& p_faceNormal);
   std::uint32_t AddFaceNormal();
   void BeginGroup(ObjScene::Primitive p_primitive);
