@@ -92,8 +92,9 @@ public:
 
   /// True if there is nothing to draw.
   bool Empty() const;
-  /// The number of vertices, and of indices (0 if there are none).
+  /// The number of vertices.
   std::size_t VertexCount() const;
+  /// The number of indices; 0 if there are none.
   std::size_t IndexCount() const;
   /// The kind of primitive.
   Ogl::VertexBuffer::PrimitiveType Primitive() const { return _primitive; }

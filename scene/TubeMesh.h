@@ -33,9 +33,9 @@ class VEK_SCENE_API TubeMesh {
 public:
   /// A point of a line.
   struct Point {
-    Types::Vector3_Base<double> position;
-    double width = 1; ///< of the section, in units of the positions
-    double value = 0; ///< to be looked up on a colour map
+    Types::Vector3_Base<double> position; ///< of the line's middle
+    double width = 1;                     ///< of the section, in units of the positions
+    double value = 0;                     ///< to be looked up on a colour map
   };
 
   /// The section of all lines.

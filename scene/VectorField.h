@@ -98,12 +98,15 @@ public:
   double SpeedQuantile(double p_fraction) const;
 
 private:
+  // Doxygen would link to a list of nested classes that it does not make when all are private.
+  /// \cond
   struct NodeAxis {
     std::vector<double> nodes;
     double low = 0, high = 0; // the smaller and the larger end
     double cellsPerUnit = 0;  // mean, negative where the axis descends
     double slack = 0;         // how far beyond the ends positions count as on the border
   };
+  /// \endcond
 
   VectorField(std::array<std::vector<double>, 3> p_axes, const Array3& p_vectors);
 

@@ -41,12 +41,24 @@ namespace Vek::Chart::Scene {
 /// \snippet SceneVolumeSnippets.cpp VoxelGrid
 class VEK_SCENE_API VoxelGrid {
 public:
-  using Point = Types::Vector3_Base<double>;     ///< a position in the scene
-  using Box = Types::BoundingBox_Base<double>;   ///< a box of the scene
-  using Sizes = std::array<int, 3>;              ///< voxels along the three axes, the fastest first
-  enum class Layers { Upwards, Downwards };      ///< the direction of the third index
-  enum class Filter { Nearest, Linear };         ///< how values between centres are found
-  enum class ZeroVoxels { AreMissing, AreZero }; ///< what a 0 of an image means
+  using Point = Types::Vector3_Base<double>;   ///< a position in the scene
+  using Box = Types::BoundingBox_Base<double>; ///< a box of the scene
+  using Sizes = std::array<int, 3>;            ///< voxels along the three axes, the fastest first
+  /// The direction of the third index.
+  enum class Layers {
+    Upwards,   ///< the first layer is the lowest one
+    Downwards, ///< the first layer is the highest one
+  };
+  /// How values between the centres of voxels are found.
+  enum class Filter {
+    Nearest, ///< the value of the nearest centre
+    Linear,  ///< between the eight centres around, by distance
+  };
+  /// What a 0 of an image means.
+  enum class ZeroVoxels {
+    AreMissing, ///< no value, as NaN
+    AreZero,    ///< the number 0
+  };
 
   /// The numbers of an array; none of the caller's memory is kept.
   VoxelGrid(const Array1& p_values, const Sizes& p_sizes, const Box& p_box, Layers p_layers = Layers::Upwards);
