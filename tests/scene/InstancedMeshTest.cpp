@@ -302,6 +302,20 @@ TEST_F(InstancedMeshPixels, DirectionsSizesAndValues) {
     EXPECT_EQ(Color(x, y), color) << x << ' ' << y;
 }
 
+TEST_F(InstancedMeshPixels, DotsWithoutDirectionAreLeftOut) {
+  const std::vector<Point> positions = {{-0.5, 0, 0}, {0.5, 0, 0}}, directions = {{0, 0, 0}, {0, 0, 1}}, dot(1);
+  GpuMesh::Arrays arrays;
+  arrays.positions = dot;
+  arrays.primitive = Ogl::VertexBuffer::Points;
+  Instances instances;
+  instances.positions = positions;
+  instances.directions = directions;
+  gl->PointSize(9);
+  Draw(InstancedMesh(GpuMesh(arrays), instances));
+  EXPECT_EQ(Color(-0.5, 0), nothing);
+  EXPECT_EQ(Color(0.5, 0), QColor(Qt::red));
+}
+
 TEST_F(InstancedMeshPixels, RotationsLevelsColorsAndLeastPixels) {
   const std::vector<Point> positions = {{0.5, 0, 0}, {-0.5, 0, 0}}; // the second one has the coarser level
   const std::vector<double> sizes = {0.6, 0.02};
