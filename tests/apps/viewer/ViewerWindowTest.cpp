@@ -276,6 +276,20 @@ TEST_F(ViewerTest, OrbitPanZoomResetSave) {
     Action("Reset view")->trigger();
     EXPECT_EQ(View().Image(), start) << name << " and back";
   }
+  // What lies under the cursor, in the upper left quarter, stays there.
+  const QPoint cursor(View().width() / 4, View().height() / 4);
+  const Scene::View before = View().View();
+  const double ratio = View().devicePixelRatioF();
+  const Scene::Camera::Pixel pixel{cursor.x() * ratio, (View().height() - cursor.y()) * ratio, true};
+  const Types::Viewport<0> part = View().Picture()->SurfaceViewport(before);
+  const auto under = before.camera.UnprojectToTarget(pixel, part);
+  QWheelEvent wheel(cursor, View().mapToGlobal(cursor), {}, {0, 480}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+  QApplication::sendEvent(&View(), &wheel);
+  const Scene::Camera::Pixel after = View().View().camera.Project(under, part);
+  EXPECT_NEAR(after.x, pixel.x, 1);
+  EXPECT_NEAR(after.y, pixel.y, 1);
+  EXPECT_LT(View().View().camera.distance, before.camera.distance);
+  Action("Reset view")->trigger();
   const QString path = QString::fromStdString((_folder.Path() / "picture.png").string());
   _window->SavePicture(path);
   EXPECT_EQ(QImage(path).convertToFormat(QImage::Format_RGB32), start);
