@@ -48,7 +48,8 @@ private:
   using Cell = std::array<std::int64_t, 3>;
   Cell CellOf(const Point& p_point) const {
     const auto index = [this](double p_position) {
-      return static_cast<std::int64_t>(std::floor(std::clamp(p_position / _cell, -1e15, 1e15)));
+      const double cells = p_position / _cell; // may be NaN
+      return static_cast<std::int64_t>(std::floor(cells > -1e15 ? std::min(cells, 1e15) : -1e15));
     };
     return {index(p_point.x), index(p_point.y), index(p_point.z)};
   }

@@ -143,6 +143,8 @@ TEST(StreamlineTracer, SuitsAFieldByItself) {
   EXPECT_NEAR(StreamlineTracer::ArcLength(cut), 2 * M_PI * 6 - 3, 0.7) << "ends at the missing nodes";
   EXPECT_NEAR(cut.front().y - 1e6, 1.4, 0.3);
   EXPECT_TRUE(tracer.Through({1e6 + 6, 1e6, 5}).empty());
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_TRUE(tracer.Spaced({{nan, 1e6, 5}, {1 / 0.0, 1e6, 5}}, {1, 0.5, 0}, {{{nan, nan, nan}}}).size() == 1);
 }
 
 TEST(StreamlineTracer, FillsALayerEvenly) {
