@@ -175,6 +175,15 @@ TEST(StreamlineTracer, FillsALayerEvenly) {
   EXPECT_EQ(StreamlineTracer(field).Filled(field.Bounds(), spacing, lines).size(), lines.size()) << "already full";
 }
 
+TEST(StreamlineTracer, FillsBothSidesOfALineFirst) {
+  const StreamlineTracer tracer(UniformInBox, Options(100));
+  std::vector<double> heights;
+  for (const Streamline& line : tracer.Filled({{-5, -3, 0}, {5, 3, 0}}, {1, 0.5, 1}, {tracer.Through({0, 0.3, 0})}))
+    heights.push_back(std::round(line.front().y * 1000) / 1000);
+  std::sort(heights.begin(), heights.end());
+  EXPECT_EQ(heights, (std::vector<double>{-2.7, -1.7, -0.7, 0.3, 1.3, 2.3}));
+}
+
 TEST(StreamlineTracer, FillsSpaceAndStaysInTheBox) {
   const std::vector<Streamline> lines =
       StreamlineTracer(UniformInBox, Options(100)).Filled({{-5, -2, -2}, {5, 2, 2}}, {2, 1, 1});

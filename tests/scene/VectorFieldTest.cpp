@@ -125,7 +125,7 @@ TEST(VectorField, WrapsInX) {
     EXPECT_TRUE(std::isnan(XAt(field, {315, 5, 0})));
     field.WrapX(360);
     for (const auto& [lon, expected] :
-         {std::pair(45.0, 0.5), {315.0, 1.5}, {-45.0, 1.5}, {405.0, 0.5}, {720.0, 0.0}, {-90.0, 3.0}})
+         {std::pair(45.0, 0.5), {292.5, 2.25}, {-45.0, 1.5}, {405.0, 0.5}, {720.0, 0.0}, {-90.0, 3.0}})
       EXPECT_NEAR(XAt(field, {lon, 5, 0}), expected, 1e-9) << lon << ' ' << descends;
     EXPECT_TRUE(std::isnan(XAt(field, {std::numeric_limits<double>::infinity(), 5, 0})));
   }
