@@ -2,6 +2,7 @@
 
 #include "library/DepthCodec.h"
 #include "library/Intersect.h"
+#include "platform/ogl/PixelStore.h"
 #include "platform/ogl/ShaderProgram.h"
 
 #include <algorithm>
@@ -149,7 +150,10 @@ void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_
   const Painting painting(p_gl, *this, program);
   if (!painting)
     return;
-  p_colors(p_gl, RGL_TEXTURE1);
+  {
+    const boost::shared_ptr<void> unpacking = Ogl::UnpackScope(*p_gl); // the first bind uploads the colours
+    p_colors(p_gl, RGL_TEXTURE1);
+  }
   const auto limit = [&](double p_limit) {
     return static_cast<float>(p_scale.logarithmic ? std::log(p_limit) : p_limit);
   };

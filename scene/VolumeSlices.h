@@ -53,7 +53,7 @@ public:
   /// The grid.
   const VoxelGrid& Grid() const { return _grid; }
   /// The polygon in which a plane cuts the box, counter-clockwise seen from where the normal points; empty where it
-  /// does not.
+  /// does not. A plane that touches the box may give a polygon without an area.
   Slice Cut(const Types::Plane& p_plane) const;
   /// The cut perpendicular to an axis, 0 for x, 1 for y, 2 for z, at a coordinate of it. Throws std::invalid_argument
   /// for another axis.

@@ -14,10 +14,10 @@ namespace {
 
 using Box = Types::BoundingBox_Base<double>;
 
-/// The density of the orbital 3d(z²) of a hydrogen atom, n × n × n numbers over ±14 Bohr radii, 1 at most.
+/// The density of the orbital 3d(z²) of a hydrogen atom, n × n × n numbers over ±20 Bohr radii, 1 at most.
 std::vector<float> Orbital(int p_n) {
   std::vector<float> density;
-  const auto at = [&](int p_i) { return 28.0 * (p_i + 0.5) / p_n - 14; };
+  const auto at = [&](int p_i) { return 40.0 * (p_i + 0.5) / p_n - 20; };
   for (int k = 0; k < p_n; ++k)
     for (int j = 0; j < p_n; ++j)
       for (int i = 0; i < p_n; ++i) {
@@ -42,7 +42,7 @@ protected:
     Camera camera;
     camera.azimuth = p_azimuth;
     camera.elevation = p_elevation;
-    camera.Fit(p_box, viewport, {60, 60, 60, 60});
+    camera.Fit(p_box, viewport, {30, 30, 30, 30});
     return camera;
   }
 };
@@ -57,14 +57,14 @@ TEST_F(SceneVolumeSnippetPixels, VoxelGrid) {
   VolumeRaycaster::Settings settings;
   settings.mode = VolumeRaycaster::Mode::Maximum;
   settings.scale.upper = largest;
-  const auto view = CameraFor(grid.Bounds()).Apply(gl, viewport);
+  const auto view = CameraFor(Box({-0.6, -0.6, -0.7}, {0.6, 0.6, 0.7})).Apply(gl, viewport);
   VolumeRaycaster(grid).Draw(gl, ColorMap::Named("magma"), settings);
   //! [VoxelGrid]
   Show("VoxelGrid");
 }
 
 TEST_F(SceneVolumeSnippetPixels, OpacityFunction) {
-  const VoxelGrid grid(Orbital(80), {80, 80, 80}, Box({-14, -14, -14}, {14, 14, 14}));
+  const VoxelGrid grid(Orbital(80), {80, 80, 80}, Box({-20, -20, -20}, {20, 20, 20}));
   //! [OpacityFunction]
   VolumeRaycaster::Settings settings;
   settings.scale.upper = 0.5;
@@ -74,7 +74,7 @@ TEST_F(SceneVolumeSnippetPixels, OpacityFunction) {
   settings.shading = true;
   settings.samplesPerVoxel = 2;
   //! [OpacityFunction]
-  const auto view = CameraFor(Box({-9, -9, -13}, {9, 9, 13})).Apply(gl, viewport);
+  const auto view = CameraFor(Box({-12, -12, -14}, {12, 12, 14})).Apply(gl, viewport);
   const auto light = DirectionalLight().Apply(gl);
   VolumeRaycaster(grid).Draw(gl, ColorMap::Named("plasma"), settings);
   Show("OpacityFunction");
@@ -84,14 +84,14 @@ TEST_F(SceneVolumeSnippetPixels, VolumeSlices) {
   //! [VolumeSlices]
   const auto image = VolumeImage::LoadFromFile(vekfile::filepath(VEK_SOURCE_DIR "/data/ocean_salinity.txt"),
                                                VolumeImage::TextArray); // bytes; 0 is land
-  const VoxelGrid ocean(image, Box({-1.8, -0.9, -0.5}, {1.8, 0.9, 0.5}), VoxelGrid::Layers::Downwards);
+  const VoxelGrid ocean(image, Box({-1.8, -0.9, -0.7}, {1.8, 0.9, 0.7}), VoxelGrid::Layers::Downwards);
   const VolumeSlices slices(ocean);
-  const std::vector<Slice> cuts = {slices.Cut(0, 1.3), slices.Cut(1, 0), slices.Cut(2, -0.1),
+  const std::vector<Slice> cuts = {slices.Cut(0, 1.3), slices.Cut(1, 0), slices.Cut(2, -0.35),
                                    slices.Cut(Types::Plane({-1, 0, 0}, {1, 1, 0}))};
   ValueScale scale;
   scale.lower = 0.8;
   scale.upper = 0.92;
-  const auto view = CameraFor(ocean.Bounds()).Apply(gl, viewport);
+  const auto view = CameraFor(ocean.Bounds(), -25, 28).Apply(gl, viewport);
   gl->Enable(RGL_DEPTH_TEST);
   slices.Draw(gl, cuts, ColorMap::Named("viridis"), scale);
   gl->Color(Qt::darkGray);
@@ -103,16 +103,16 @@ TEST_F(SceneVolumeSnippetPixels, VolumeSlices) {
 }
 
 TEST_F(SceneVolumeSnippetPixels, VolumeRaycaster) {
-  const std::vector<float> density = Orbital(96);
+  const std::vector<float> density = Orbital(112);
   //! [VolumeRaycaster]
-  const VoxelGrid grid(density, {96, 96, 96}, Box({-14, -14, -14}, {14, 14, 14}));
+  const VoxelGrid grid(density, {112, 112, 112}, Box({-20, -20, -20}, {20, 20, 20}));
   const VolumeRaycaster volume(grid);
   VolumeRaycaster::Settings settings; // emission and absorption
   settings.scale.upper = 0.3;
   settings.opacity = OpacityFunction::Ramp(0.005, 0.3, 0.7);
   settings.clips = {Types::Plane({0, 0, 0}, {0, 1, 0})}; // the half behind y = 0
 
-  const auto view = CameraFor(Box({-9, -9, -13}, {9, 9, 13})).Apply(gl, viewport);
+  const auto view = CameraFor(Box({-12, -12, -14}, {12, 12, 14})).Apply(gl, viewport);
   volume.Draw(gl, ColorMap::Named("viridis"), settings);
   //! [VolumeRaycaster]
   Show("VolumeRaycaster");

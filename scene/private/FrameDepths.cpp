@@ -48,11 +48,12 @@ boost::shared_ptr<void> ReadFromResolved(const Rgl& p_gl, const Area& p_area) {
   p_gl.FramebufferRenderbuffer(RGL_FRAMEBUFFER, RGL_DEPTH_STENCIL_ATTACHMENT, RGL_RENDERBUFFER, depths->Name());
   p_gl.BindRenderbuffer(RGL_RENDERBUFFER, static_cast<unsigned int>(before));
   p_gl.DrawBuffer(RGL_NONE);
+  p_gl.ReadBuffer(RGL_NONE); // the frame buffer has no colours
   p_gl.BindFramebuffer(RGL_READ_FRAMEBUFFER, static_cast<unsigned int>(drawn));
   p_gl.BlitFramebuffer(p_area.x, p_area.y, right, top, p_area.x, p_area.y, right, top, RGL_DEPTH_BUFFER_BIT,
                        RGL_NEAREST);
   p_gl.BindFramebuffer(RGL_READ_FRAMEBUFFER, target->Name());
-  return boost::shared_ptr<void>(nullptr, [bound, target, depths](void*) {});
+  return Ogl::MakeGuard([bound, target, depths] {});
 }
 
 } // namespace

@@ -1,7 +1,10 @@
 #include "scene/VolumeRaycaster.h"
 
+#include "library/DepthCodec.h"
+#include "library/DepthPass.h"
 #include "scene/Camera.h"
 #include "scene/DirectionalLight.h"
+#include "scene/VolumeSlices.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Scene;
@@ -74,6 +77,311 @@ TEST_F(VolumeRaycasterPixels, AbsorbsByThicknessWhateverTheStep) {
         EXPECT_NEAR(Drawn(volume, settings, Front(projection)).redF(), 1 - std::exp(-2 * extinction), 0.5 / 255 + 0.003)
             << extinction << ' ' << samples;
       }
+  }
+}
+
+TEST_F(VolumeRaycasterPixels, ShowsTheMaximumAndTheMean) {
+  // A bright voxel in the middle, at an index off the diagonal of the sizes.
+  const VolumeRaycaster bright(
+      GridOf({9, 5, 7}, Cube, [](int i, int j, int k) { return i == 4 && j == 1 && k == 3 ? 8 : 2; }));
+  // Along the ray 0, 1, 2, … 9; across it constant.
+  const VolumeRaycaster ramp(GridOf({4, 10, 3}, Cube, [](int, int j, int) { return j; }));
+  VolumeRaycaster::Settings settings;
+  settings.opacity = OpacityFunction(1);
+  settings.samplesPerVoxel = 32;
+  for (const auto projection : {Camera::Projection::Parallel, Camera::Projection::Perspective}) {
+    settings.mode = Mode::Maximum;
+    settings.scale = ScaleOf(0, 10);
+    EXPECT_NEAR(Drawn(bright, settings, Front(projection)).redF(), 0.8, 0.02);
+    EXPECT_NEAR(Image().pixelColor(FrameSize.width / 2 + 10, FrameSize.height / 2).redF(), 0.2, 0.01); // beside it
+    EXPECT_NEAR(Drawn(ramp, settings, Front(projection)).redF(), 0.9, 0.01);
+    settings.mode = Mode::Average;
+    EXPECT_NEAR(Drawn(ramp, settings, Front(projection)).redF(), 0.45, 0.005);
+    settings.opacity = OpacityFunction(0.5);
+    EXPECT_NEAR(Drawn(ramp, settings, Front(projection)).redF(), 0.225, 0.005);
+    settings.opacity = OpacityFunction(1);
+  }
+}
+
+TEST_F(VolumeRaycasterPixels, FillsTheSilhouetteOfTheBoxAlone) {
+  const VolumeRaycaster volume(GridOf({4, 4, 4}, Box({-1, -1, -0.5}, {0.5, 1, 0.75}), [](int, int, int) { return 1; }));
+  VolumeRaycaster::Settings settings;
+  settings.mode = Mode::Maximum;
+  settings.opacity = OpacityFunction(1);
+  Drawn(volume, settings, Front());
+  const QImage image = Image();
+  const double pixels = FrameSize.height / 3.0; // of a unit
+  for (int y = 0; y < FrameSize.height; ++y)
+    for (int x = 0; x < FrameSize.width; ++x) {
+      const double right = (x + 0.5 - FrameSize.width / 2.0) / pixels, up = (FrameSize.height / 2.0 - y - 0.5) / pixels;
+      const bool inside = right > -1 && right < 0.5 && up > -0.5 && up < 0.75;
+      ASSERT_EQ(image.pixelColor(x, y).red(), inside ? 255 : 0) << x << ' ' << y;
+    }
+}
+
+TEST_F(VolumeRaycasterPixels, StartsAtTheCameraInside) {
+  const VolumeRaycaster volume(GridOf({4, 4, 4}, Cube, [](int, int, int) { return 1; }));
+  VolumeRaycaster::Settings settings;
+  settings.unitLength = 1;
+  settings.opacity = OpacityFunction(1 - std::exp(-0.5));
+  Camera camera = Front(Camera::Projection::Perspective);
+  camera.distance = 0.1; // the eye is at y = −0.1, looking along +y
+  camera.radius = 4;
+  EXPECT_NEAR(Drawn(volume, settings, camera).redF(), 1 - std::exp(-0.5 * 1.1), 0.01);
+  EXPECT_GT(Image().pixelColor(0, 0).red(), 100); // all around
+  camera.Orbit(180, 0);
+  EXPECT_NEAR(Drawn(volume, settings, camera).redF(), 1 - std::exp(-0.5 * 1.1), 0.01);
+  camera.target = {0, -3, 0}; // the box lies behind the eye
+  EXPECT_EQ(Drawn(volume, settings, camera).red(), 0);
+}
+
+TEST_F(VolumeRaycasterPixels, DrawsTheSameInBothProjectionsFromAfar) {
+  const VolumeRaycaster volume(
+      GridOf({16, 16, 16}, Cube, [](int i, int j, int k) { return std::sin(0.5 * i) * std::cos(0.4 * j + 0.3 * k); }));
+  VolumeRaycaster::Settings settings;
+  settings.scale = ScaleOf(-1, 1);
+  Camera camera = Front(Camera::Projection::Parallel, 2000);
+  camera.azimuth = 33;
+  camera.elevation = 21;
+  for (const Mode mode : {Mode::Composite, Mode::Maximum, Mode::Average, Mode::Isosurface}) {
+    settings.mode = mode;
+    camera.projection = Camera::Projection::Parallel;
+    Drawn(volume, settings, camera);
+    const QImage parallel = Image();
+    camera.projection = Camera::Projection::Perspective;
+    Drawn(volume, settings, camera);
+    const QImage perspective = Image();
+    double difference = 0, sum = 0;
+    for (int y = 0; y < FrameSize.height; ++y)
+      for (int x = 0; x < FrameSize.width; ++x) {
+        difference += std::abs(parallel.pixelColor(x, y).red() - perspective.pixelColor(x, y).red());
+        sum += parallel.pixelColor(x, y).red();
+      }
+    EXPECT_LT(difference, 0.01 * sum) << static_cast<int>(mode);
+    EXPECT_GT(sum, 255 * 50) << static_cast<int>(mode);
+  }
+}
+
+/// A square across the view at that y, black.
+void DrawSquare(Utility::Scoped<Rgl>& p_gl, double p_y) {
+  p_gl->Color(Qt::black);
+  p_gl->Begin(RGL_QUADS);
+  for (const auto& [x, z] : {std::pair(-1, -1), std::pair(1, -1), std::pair(1, 1), std::pair(-1, 1)})
+    p_gl->Vertex(0.2 * x, p_y, 0.2 * z);
+  p_gl->End();
+}
+
+TEST_F(VolumeRaycasterPixels, EndsAtOpaqueThings) {
+  const VolumeRaycaster volume(GridOf({4, 4, 4}, Cube, [](int, int, int) { return 1; }));
+  VolumeRaycaster::Settings settings;
+  settings.unitLength = 1;
+  settings.opacity = OpacityFunction(1 - std::exp(-0.5));
+  // The square's y, whether depths are tested, and the way of the middle ray in the volume.
+  const std::tuple<double, bool, double> cases[] = {
+      {-2, true, 0}, {-2, false, 2}, {-0.5, true, 0.5}, {0.6, true, 1.6}, {3, true, 2}};
+  for (const int samples : {0, 4}) {
+    Ogl::OffscreenContext context(FrameSize, samples);
+    Utility::Scoped<Rgl> own(context.Handle());
+    for (const auto projection : {Camera::Projection::Parallel, Camera::Projection::Perspective})
+      for (const auto& [y, tests, way] : cases) {
+        own->ClearColor(Qt::black);
+        own->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+        const auto view = Front(projection).Apply(own, viewport);
+        own->Enable(RGL_DEPTH_TEST);
+        DrawSquare(own, y);
+        if (!tests)
+          own->Disable(RGL_DEPTH_TEST);
+        volume.Draw(own, Grey(), settings);
+        const QColor middle = context.Image().pixelColor(FrameSize.width / 2, FrameSize.height / 2);
+        EXPECT_NEAR(middle.redF(), 1 - std::exp(-0.5 * way), 0.01) << samples << " samples, " << y;
+        const QColor beside = context.Image().pixelColor(FrameSize.width / 2 + 8, FrameSize.height / 2);
+        EXPECT_NEAR(beside.redF(), 1 - std::exp(-1), 0.02) << samples << " samples, beside " << y;
+      }
+    EXPECT_TRUE(own->CheckError("occlusion"));
+  }
+}
+
+TEST_F(VolumeRaycasterPixels, ClipsByPlanesAndLeavesMissingOut) {
+  VolumeRaycaster::Settings settings;
+  settings.unitLength = 1;
+  settings.opacity = OpacityFunction(1 - std::exp(-0.5));
+  const VolumeRaycaster full(GridOf({4, 4, 4}, Cube, [](int, int, int) { return 1; }));
+  const std::pair<std::vector<Types::Plane>, double> cases[] = {
+      {{Types::Plane({0, 0.25, 0}, {0, 3, 0})}, 0.75},
+      {{Types::Plane({0, 0.25, 0}, {0, -1, 0})}, 1.25},
+      {{Types::Plane({0, -0.5, 0}, {0, 1, 0}), Types::Plane({0, 0.5, 0}, {0, -1, 0})}, 1},
+      {{Types::Plane({0, 0.5, 0}, {0, 1, 0}), Types::Plane({0, -0.5, 0}, {0, -1, 0})}, 0},
+      {{Types::Plane({0.5, 0, 0}, {1, 0, 0})}, 0},
+      {{Types::Plane({0.5, 0, 0}, {-1, 0, 0})}, 2},
+      {std::vector<Types::Plane>(6, Types::Plane({0, 0, 0}, {0, 1, 1e-9})), 1}};
+  for (const auto& [clips, way] : cases) {
+    settings.clips = clips;
+    EXPECT_NEAR(Drawn(full, settings, Front()).redF(), 1 - std::exp(-0.5 * way), 0.01) << way;
+  }
+  settings.clips.clear();
+  settings.samplesPerVoxel = 16;
+  const VolumeRaycaster gap(GridOf({1, 4, 1}, Cube, [](int, int j, int) { return j == 1 ? NAN : 1; }));
+  EXPECT_NEAR(Drawn(gap, settings, Front()).redF(), 1 - std::exp(-0.5 * 1.5), 0.01);
+  for (const Mode mode : {Mode::Average, Mode::Maximum}) {
+    settings.mode = mode;
+    settings.opacity = OpacityFunction(1);
+    EXPECT_EQ(Drawn(gap, settings, Front()).red(), 255);
+    const VolumeRaycaster none(GridOf({2, 2, 2}, Cube, [](int, int, int) { return NAN; }));
+    EXPECT_EQ(Drawn(none, settings, Front()).red(), 0);
+  }
+}
+
+TEST_F(VolumeRaycasterPixels, RunsLayersDownwards) {
+  std::vector<float> values = {1, 9}; // first layer, second layer
+  for (const auto layers : {VoxelGrid::Layers::Upwards, VoxelGrid::Layers::Downwards}) {
+    const VolumeRaycaster volume(VoxelGrid(values, {1, 1, 2}, Cube, layers));
+    VolumeRaycaster::Settings settings;
+    settings.mode = Mode::Average;
+    settings.scale = ScaleOf(0, 10);
+    settings.opacity = OpacityFunction(1);
+    Drawn(volume, settings, Front());
+    const bool up = layers == VoxelGrid::Layers::Upwards;
+    EXPECT_NEAR(Image().pixelColor(FrameSize.width / 2, 8).redF(), up ? 0.9 : 0.1, 0.01);
+    EXPECT_NEAR(Image().pixelColor(FrameSize.width / 2, 28).redF(), up ? 0.1 : 0.9, 0.01);
+  }
+}
+
+TEST_F(VolumeRaycasterPixels, LightsIsosurfacesFromTheirFront) {
+  // Spheres around the middle; the surface of radius 0.7 is seen from outside, lit along the view.
+  const VolumeRaycaster volume(GridOf({32, 32, 32}, Cube, [](int i, int j, int k) {
+    const auto at = [](int p_i) { return (p_i + 0.5) / 16 - 1; };
+    return std::sqrt(at(i) * at(i) + at(j) * at(j) + at(k) * at(k));
+  }));
+  VolumeRaycaster::Settings settings;
+  settings.mode = Mode::Isosurface;
+  settings.isovalue = 0.7;
+  settings.scale = ScaleOf(0, 0.7); // white
+  DirectionalLight light;
+  light.direction = {0, 0, 1};
+  light.ambient = 0.2;
+  light.diffuse = 0.6;
+  light.specular = 0;
+  const auto lit = light.Apply(gl);
+  EXPECT_NEAR(Drawn(volume, settings, Front()).redF(), 0.8, 0.01);
+  // At 0.49 beside the middle, the normal has the angle asin(0.7) to the light.
+  const int x = static_cast<int>(FrameSize.width / 2.0 + 0.49 * FrameSize.height / 3.0);
+  const double right = (x + 0.5 - FrameSize.width / 2.0) * 3 / FrameSize.height / 0.7;
+  EXPECT_NEAR(Image().pixelColor(x, FrameSize.height / 2).redF(), 0.2 + 0.6 * std::sqrt(1 - right * right), 0.02);
+  EXPECT_EQ(Image().pixelColor(FrameSize.width / 2 + 11, FrameSize.height / 2).red(), 0);
+}
+
+TEST_F(VolumeRaycasterPixels, PicksTheDepthOfWhatIsSeen) {
+  const VolumeRaycaster ramp(GridOf({2, 20, 2}, Cube, [](int, int j, int) { return j; }));
+  const VolumeRaycaster flat(GridOf({2, 20, 2}, Cube, [](int, int, int) { return 1; }));
+  VolumeRaycaster::Settings settings;
+  settings.samplesPerVoxel = 8;
+  settings.isovalue = 9.5; // at y = 0
+  settings.unitLength = 1;
+  settings.opacity = OpacityFunction(1 - std::exp(-3));
+  const Camera camera = Front(Camera::Projection::Perspective, 4);
+  // Half of 1 − exp(−6) is reached after ln(2 / (1 + exp(−6))) / 3.
+  const std::tuple<Mode, const VolumeRaycaster*, double> cases[] = {
+      {Mode::Isosurface, &ramp, 0},
+      {Mode::Maximum, &ramp, 0.95},
+      {Mode::Average, &ramp, 0},
+      {Mode::Composite, &flat, -1 + std::log(2 / (1 + std::exp(-6))) / 3}};
+  for (const auto& [mode, volume, y] : cases) {
+    settings.mode = mode;
+    const auto view = camera.Apply(gl, viewport);
+    {
+      const DepthPass pass(gl);
+      volume->DrawDepths(gl, settings);
+    }
+    std::array<unsigned char, 4> bytes{};
+    gl->ReadPixels(FrameSize.width / 2, FrameSize.height / 2, 1, 1, RGL_RGBA, RGL_UNSIGNED_BYTE, bytes.data());
+    const double depth = DepthCodec::Decode({{bytes[0], bytes[1], bytes[2], bytes[3]}});
+    const Camera::Pixel pixel{FrameSize.width / 2.0, FrameSize.height / 2.0, true};
+    EXPECT_NEAR(camera.Unproject(pixel, depth, viewport).y, y, 0.02) << static_cast<int>(mode);
+  }
+  // An id hides what lies behind its depth, and nothing before it.
+  gl->ClearColor(QColor(0, 0, 0, 0));
+  gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+  gl->Enable(RGL_DEPTH_TEST);
+  settings.mode = Mode::Isosurface;
+  const auto view = camera.Apply(gl, viewport);
+  ramp.Draw(gl, settings, PickPass{PickPass::Ids, 4});
+  EXPECT_EQ(Middle(), QColor(255, 255, 255, 5));
+  DrawSquare(gl, 0.1);
+  EXPECT_EQ(Middle(), QColor(255, 255, 255, 5));
+  DrawSquare(gl, -0.1);
+  EXPECT_EQ(Middle(), QColor(0, 0, 0, 255));
+}
+
+/// What the parts could leave changed.
+std::vector<double> StateOf(Utility::Scoped<Rgl>& p_gl) {
+  std::vector<double> state;
+  for (const auto name :
+       {RGL_ACTIVE_TEXTURE, RGL_CURRENT_PROGRAM, RGL_MATRIX_MODE, RGL_DRAW_FRAMEBUFFER_BINDING,
+        RGL_READ_FRAMEBUFFER_BINDING, RGL_RENDERBUFFER_BINDING, RGL_BLEND_SRC, RGL_BLEND_DST, RGL_UNPACK_ALIGNMENT,
+        RGL_PACK_ALIGNMENT, RGL_CURRENT_COLOR, RGL_CURRENT_TEXTURE_COORDS, RGL_DEPTH_FUNC, RGL_POLYGON_MODE}) {
+    std::array<double, 16> values{};
+    p_gl->GetDoublev(name, values.data());
+    state.insert(state.end(), values.begin(), values.end());
+  }
+  for (const auto name : {RGL_BLEND, RGL_DEPTH_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_CLIP_PLANE0, RGL_LIGHTING})
+    state.push_back(p_gl->IsEnabled(name));
+  for (unsigned int unit = 0; unit < 4; ++unit) {
+    int bound[2] = {};
+    int active = 0;
+    p_gl->GetIntegerv(RGL_ACTIVE_TEXTURE, &active);
+    p_gl->ActiveTexture(RGL_TEXTURE0 + unit);
+    p_gl->GetIntegerv(RGL_TEXTURE_BINDING_2D, &bound[0]);
+    p_gl->GetIntegerv(RGL_TEXTURE_BINDING_3D, &bound[1]);
+    state.push_back(bound[0]);
+    state.push_back(bound[1]);
+    state.push_back(p_gl->IsEnabled(RGL_TEXTURE_2D));
+    state.push_back(p_gl->IsEnabled(RGL_TEXTURE_3D));
+    p_gl->ActiveTexture(static_cast<unsigned int>(active));
+  }
+  return state;
+}
+
+TEST_F(VolumeRaycasterPixels, LeavesTheStateAlone) {
+  const VoxelGrid grid = GridOf({4, 4, 4}, Cube, [](int i, int, int) { return i; });
+  const VolumeRaycaster volume(grid);
+  const VolumeSlices slices(grid);
+  gl->Enable(RGL_DEPTH_TEST);
+  gl->Enable(RGL_CULL_FACE);
+  gl->Enable(RGL_CLIP_PLANE0);
+  gl->PixelStorei(RGL_UNPACK_ALIGNMENT, 8);
+  gl->ActiveTexture(RGL_TEXTURE3);
+  gl->Color(QColor(10, 20, 30, 40));
+  const auto view = Front().Apply(gl, viewport);
+  const std::vector<double> before = StateOf(gl);
+  volume.Draw(gl, Grey(), {});
+  EXPECT_EQ(StateOf(gl), before);
+  volume.Draw(gl, {}, PickPass{PickPass::Ids, 1});
+  EXPECT_EQ(StateOf(gl), before);
+  slices.Draw(gl, {slices.Cut(1, 0)}, Grey(), ScaleOf(0, 1));
+  EXPECT_EQ(StateOf(gl), before);
+  slices.Draw(gl, {slices.Cut(1, 0)}, PickPass{PickPass::Ids, 1});
+  EXPECT_EQ(StateOf(gl), before);
+}
+
+TEST_F(VolumeRaycasterPixels, RefusesWhatCannotBeDrawn) {
+  const VolumeRaycaster volume(GridOf({2, 2, 2}, Cube, [](int, int, int) { return 1; }));
+  using Change = std::function<void(VolumeRaycaster::Settings&)>;
+  const Change changes[] = {[](auto& p_s) { p_s.scale = ScaleOf(1, 1); },
+                            [](auto& p_s) { p_s.scale = ScaleOf(0, NAN); },
+                            [](auto& p_s) { p_s.quality = 0; },
+                            [](auto& p_s) { p_s.samplesPerVoxel = -1; },
+                            [](auto& p_s) { p_s.samplesPerVoxel = NAN; },
+                            [](auto& p_s) { p_s.unitLength = -0.1; },
+                            [](auto& p_s) { p_s.isovalue = INFINITY; },
+                            [](auto& p_s) { p_s.clips.resize(7); },
+                            [](auto& p_s) {
+                              p_s.clips = {Types::Plane({0, 0, 0}, {0, 0, 0})};
+                            }};
+  for (std::size_t i = 0; i < std::size(changes); ++i) {
+    VolumeRaycaster::Settings settings;
+    changes[i](settings);
+    EXPECT_THROW(volume.Draw(gl, Grey(), settings), std::invalid_argument) << i;
+    EXPECT_THROW(volume.DrawDepths(gl, settings), std::invalid_argument) << i;
   }
 }
 

@@ -62,8 +62,8 @@ Values Formula(Loading& p_loading) {
         *voxel++ = static_cast<float>(0.5 + wave / 3);
       }
   ValueScale scale;
-  scale.lower = 0.05;
-  scale.upper = 0.95;
+  scale.lower = 0.05F;
+  scale.upper = 0.95F;
   return {image, scale, 0.05, 1};
 }
 
