@@ -13,6 +13,7 @@ namespace Vek::Chart::Scene {
 ///
 /// \ingroup plots
 /// \snippet SceneVolumeSnippets.cpp OpacityFunction
+/// \image html parts/OpacityFunction.png
 class VEK_SCENE_API OpacityFunction {
 public:
   /// An opacity and the value that it belongs to.

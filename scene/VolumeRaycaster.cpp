@@ -16,6 +16,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <utility>
 
 namespace Vek::Chart::Scene {
@@ -142,18 +143,18 @@ Table Baked(const Settings& p_settings, const Library::ColorMap& p_colors, doubl
 } // namespace
 
 struct VolumeRaycaster::Programs {
-  std::map<std::pair<Mode, RayOutput>, Ogl::ShaderProgram> programs;
+  std::map<std::tuple<Mode, RayOutput, bool>, Ogl::ShaderProgram> programs;
   boost::shared_ptr<Ogl::Texture> table;
   Private::FrameDepths depths;
 
-  const Ogl::ShaderProgram& Of(Utility::Scoped<Rgl>& p_gl, Mode p_mode, RayOutput p_output) {
-    const auto key = std::pair(p_mode, p_output);
+  const Ogl::ShaderProgram& Of(Utility::Scoped<Rgl>& p_gl, const Settings& p_settings, RayOutput p_output) {
+    const bool shading = p_settings.shading && p_settings.mode == Mode::Composite && p_output == RayOutput::Color;
+    const auto key = std::tuple(p_settings.mode, p_output, shading);
     auto found = programs.find(key);
-    if (found == programs.end())
-      found = programs
-                  .emplace(key,
-                           Ogl::ShaderProgram(p_gl, Private::RayVertexText, Private::RayFragmentText(p_mode, p_output)))
-                  .first;
+    if (found == programs.end()) {
+      const std::string text = Private::RayFragmentText(p_settings.mode, p_output, shading);
+      found = programs.emplace(key, Ogl::ShaderProgram(p_gl, Private::RayVertexText, text)).first;
+    }
     return found->second;
   }
 
@@ -256,7 +257,6 @@ void SetRays(const Uniforms& p_set, const VoxelGrid& p_grid, const Settings& p_s
   p_set.Set("jitter", p_settings.jitter ? 1 : 0);
   p_set.Set("logarithmic", p_settings.scale.logarithmic ? 1 : 0);
   p_set.Set("isovalue", p_settings.isovalue);
-  p_set.Set("shading", p_settings.shading ? 1 : 0);
   p_set.Set("clipCount", static_cast<int>(p_settings.clips.size()));
   for (std::size_t i = 0; i < p_settings.clips.size(); ++i)
     p_set.Set("clips[" + std::to_string(i) + "]", p_placed.Clip(p_settings.clips[i]));
@@ -287,7 +287,7 @@ void VolumeRaycaster::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& 
   if (!placed.visible)
     return;
   Programs& programs = _programs.Get(p_gl);
-  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings.mode, RayOutput::Color);
+  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, RayOutput::Color);
   const bool testsDepth = p_gl->IsEnabled(RGL_DEPTH_TEST) != 0;
   const auto state = FlatState(p_gl);
   const Table table = Baked(p_settings, p_colors, UnitLength(p_settings, _grid));
@@ -319,7 +319,7 @@ void VolumeRaycaster::Draw(Utility::Scoped<Rgl>& p_gl, const Settings& p_setting
     return;
   Programs& programs = _programs.Get(p_gl);
   const RayOutput output = p_pass.kind == PickPass::Ids ? RayOutput::Id : RayOutput::Depth;
-  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings.mode, output);
+  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, output);
   const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT);
   for (unsigned int plane = 0; plane < MostClips; ++plane)
     p_gl->Disable(RGL_CLIP_PLANE0 + plane);

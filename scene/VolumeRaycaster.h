@@ -54,6 +54,7 @@ namespace Vek::Chart::Scene {
 ///
 /// \ingroup plots
 /// \snippet SceneVolumeSnippets.cpp VolumeRaycaster
+/// \image html parts/VolumeRaycaster.png
 class VEK_SCENE_API VolumeRaycaster {
 public:
   /// What a ray shows.

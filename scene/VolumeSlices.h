@@ -42,6 +42,7 @@ using Slice = std::vector<Types::Vector3_Base<double>>;
 ///
 /// \ingroup plots
 /// \snippet SceneVolumeSnippets.cpp VolumeSlices
+/// \image html parts/VolumeSlices.png
 class VEK_SCENE_API VolumeSlices {
 public:
   /// Values outside of this range are left out as missing ones are; all by default.

@@ -39,6 +39,7 @@ namespace Vek::Chart::Scene {
 ///
 /// \ingroup plots
 /// \snippet SceneVolumeSnippets.cpp VoxelGrid
+/// \image html parts/VoxelGrid.png
 class VEK_SCENE_API VoxelGrid {
 public:
   using Point = Types::Vector3_Base<double>;   ///< a position in the scene

@@ -74,7 +74,7 @@ TEST_F(SceneVolumeSnippetPixels, OpacityFunction) {
   settings.shading = true;
   settings.samplesPerVoxel = 2;
   //! [OpacityFunction]
-  const auto view = CameraFor(Box({-12, -12, -14}, {12, 12, 14})).Apply(gl, viewport);
+  const auto view = CameraFor(Box({-12, -12, -16}, {12, 12, 16})).Apply(gl, viewport);
   const auto light = DirectionalLight().Apply(gl);
   VolumeRaycaster(grid).Draw(gl, ColorMap::Named("plasma"), settings);
   Show("OpacityFunction");
@@ -112,7 +112,7 @@ TEST_F(SceneVolumeSnippetPixels, VolumeRaycaster) {
   settings.opacity = OpacityFunction::Ramp(0.005, 0.3, 0.7);
   settings.clips = {Types::Plane({0, 0, 0}, {0, 1, 0})}; // the half behind y = 0
 
-  const auto view = CameraFor(Box({-12, -12, -14}, {12, 12, 14})).Apply(gl, viewport);
+  const auto view = CameraFor(Box({-12, -12, -16}, {12, 12, 16})).Apply(gl, viewport);
   volume.Draw(gl, ColorMap::Named("viridis"), settings);
   //! [VolumeRaycaster]
   Show("VolumeRaycaster");

@@ -33,7 +33,6 @@ uniform int logarithmic;
 uniform float tableStart;   // the value of the first texel, or its logarithm
 uniform float tableFactor;
 uniform float isovalue;
-uniform int shading;
 uniform vec4 clips[6];      // kept is xyz * position + w >= 0
 uniform int clipCount;
 uniform vec4 id;
@@ -150,8 +149,9 @@ vec4 Show(Ray ray, out vec3 seen) {
     if (color.a <= 0.0)
       continue;
     float opacity = 1.0 - exp(-color.a * ray.width);
-    if (shading != 0)
-      color.rgb = Lit(color.rgb, position, value.x);
+#ifdef SHADING
+    color.rgb = Lit(color.rgb, position, value.x);
+#endif
     sum += (1.0 - sum.a) * opacity * vec4(color.rgb, 1.0);
     if (sum.a > 0.998)
       break;
@@ -203,27 +203,32 @@ vec4 Show(Ray ray, out vec3 seen) {
 }
 )";
 
+// Software rasterisers execute all branches of a loop, so the loop does no more than find the interval.
 const char* const IsosurfaceText = R"(
 vec4 Show(Ray ray, out vec3 seen) {
   vec2 last = vec2(0.0, -1.0);
+  float high = -1.0;
   for (float i = 0.0; i < ray.count; i += 1.0) {
     vec2 value = ValueAt(ray.start + i * ray.step);
     if (value.y >= 0.0 && last.y >= 0.0 && (last.x < isovalue) != (value.x < isovalue)) {
-      float low = i - 1.0, high = i;
-      for (int bisection = 0; bisection < 5; ++bisection) {
-        float middle = 0.5 * (low + high);
-        if ((ValueAt(ray.start + middle * ray.step).x < isovalue) == (last.x < isovalue))
-          low = middle;
-        else
-          high = middle;
-      }
-      seen = ray.start + 0.5 * (low + high) * ray.step;
-      return vec4(Lit(ColorOf(isovalue).rgb, seen, isovalue), 1.0);
+      high = i;
+      break;
     }
     last = value;
   }
   seen = ray.start;
-  return vec4(0.0);
+  if (high < 0.0)
+    return vec4(0.0);
+  float low = high - 1.0;
+  for (int bisection = 0; bisection < 5; ++bisection) {
+    float middle = 0.5 * (low + high);
+    if ((ValueAt(ray.start + middle * ray.step).x < isovalue) == (last.x < isovalue))
+      low = middle;
+    else
+      high = middle;
+  }
+  seen = ray.start + 0.5 * (low + high) * ray.step;
+  return vec4(Lit(ColorOf(isovalue).rgb, seen, isovalue), 1.0);
 }
 )";
 
@@ -251,11 +256,13 @@ void main() {
 
 } // namespace
 
-std::string RayFragmentText(VolumeRaycaster::Mode p_mode, RayOutput p_output) {
+std::string RayFragmentText(VolumeRaycaster::Mode p_mode, RayOutput p_output, bool p_shading) {
   const bool picking = p_output != RayOutput::Color;
   std::string text = "#version 120\n";
   if (picking)
     text += "#define PICKING\n";
+  if (p_shading)
+    text += "#define SHADING\n"; // no branch: see IsosurfaceText
   if (p_output == RayOutput::Depth)
     text += "#define WRITTEN EncodeDepth(depth)\n" + Library::DepthCodec::PreciseGlsl();
   else
