@@ -1,5 +1,7 @@
 // The examples of the reference for files: what stands between two marks is shown there.
 
+#include "io/FileError.h"
+#include "io/ReadMesh.h"
 #include "io/ReadTable.h"
 #include "library/ObjScene.h"
 #include "tests/support/Test.h"
@@ -32,4 +34,23 @@ TEST(FileSnippets, ReadObjScene) {
   }
   /// [ReadObjScene]
   EXPECT_EQ(house.indices.size(), 9u);
+}
+
+TEST(FileSnippets, ReadMesh) {
+  const TempFolder folder;
+  const std::string path =
+      folder.Write("part.stl", "solid part\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\n"
+                               "vertex 0 1 0\nendloop\nendfacet\nendsolid part\n");
+  /// [ReadMesh]
+  Io::Mesh mesh;
+  try {
+    mesh = Io::ReadMesh(path); // OBJ, PLY or STL
+  } catch (const Io::FileError& error) {
+    std::cerr << error.what() << '\n'; // "part.stl:4: expected a number, got "x""
+  }
+  for (const std::string& warning : mesh.warnings) // what was left out
+    std::cerr << warning << '\n';
+  const std::size_t vertices = mesh.positions.size() / 3;
+  /// [ReadMesh]
+  EXPECT_EQ(vertices, 3u);
 }

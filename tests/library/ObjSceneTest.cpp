@@ -47,7 +47,7 @@ TEST(ObjScene, TakesTheDialectsOfFiles) {
       {"CR LF", "v 0 0 0\r\nv 1 0 0\r\nv 1 1 0\r\nf 1 2 3\r\n", "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
       {"CR", "v 0 0 0\rv 1 0 0\rv 1 1 0\rf 1 2 3\r", "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
       {"tabs and blanks", "v\t0  0\t 0\n  v  1 0 0 \n\tv 1 1 0\t\nf\t1  2\t3  \n", "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
-      {"continued", "v 0 \\\n0 0\nv 1 0 0\\\r\n\nv 1\\\n 1\\\n 0\nf 1 \\\n2 3\\\n", "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
+      {"continued", "\\\nv 0 \\\n0 0\nv 1 0 0\\\r\n\nv 1\\\n 1\\\n 0\nf 1 \\\n2 3\\\n", "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
       {"comments", "# a \\\nv 0 0 0 # first\n\nv 1 0 0 #\nv 1 1 0\nf 1 2 3 # all\n", ""},
       {"byte order mark", "\xEF\xBB\xBF" + Square + "f 1 2 3\n", SquareV + " /:f 0 1 2"},
       {"numbers", "v +1 -.5 1.\nv 1e-2 2E+1 .25\nv 1.#INF -1.#IND nan\n", "v 1 -0.5 1 0.01 20 0.25 inf nan nan"},

@@ -298,7 +298,7 @@ const char* ObjSceneReader::ReadOtherLine(const char* p_line, const char* p_last
   const char* end = FindLineEnd(p_line, p_last);
   std::string line(p_line, end);
   std::uint64_t continued = 0;
-  for (; !line.empty() && line.back() == '\\' && line[line.find_first_not_of(" \t\\")] != '#'; ++continued) {
+  for (; !line.empty() && line.back() == '\\' && line[line.find_first_not_of(" \t")] != '#'; ++continued) {
     line.back() = ' ';
     const char* const next = BehindLineEnd(end);
     if (next >= p_last)

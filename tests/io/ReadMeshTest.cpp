@@ -1,0 +1,221 @@
+#include "io/ReadMesh.h"
+#include "io/FileError.h"
+#include "tests/support/Damage.h"
+#include "tests/support/ErrorOf.h"
+#include "tests/support/Test.h"
+
+using namespace Vek::Chart::Io;
+
+namespace {
+
+Mesh Read(const std::string& p_bytes, const std::string& p_name = "mesh") {
+  std::istringstream stream(p_bytes);
+  return ReadMesh(stream, p_name);
+}
+
+std::string Numbers(const char* p_name, const std::vector<float>& p_numbers) {
+  std::ostringstream text;
+  for (const float number : p_numbers)
+    text << ' ' << std::round(number * 1000) / 1000 + 0.0;
+  return p_numbers.empty() ? "" : p_name + text.str();
+}
+
+/// What a file yields, without empty items: "v POSITIONS n NORMALS t TEXCOORDS c COLOURS name:INDICES ! WARNINGS".
+std::string Summary(const Mesh& p_mesh) {
+  std::ostringstream out;
+  out << Numbers("v", p_mesh.positions) << Numbers(" n", p_mesh.normals) << Numbers(" t", p_mesh.texCoords)
+      << Numbers(" c", p_mesh.colors);
+  for (const Mesh::Group& group : p_mesh.groups) {
+    out << ' ' << group.name << ':' << "flp"[group.primitive];
+    for (std::size_t i = 0; i < group.count; ++i)
+      out << ' ' << p_mesh.indices[group.first + i];
+  }
+  for (const std::string& warning : p_mesh.warnings)
+    out << " ! " << warning;
+  return out.str();
+}
+
+/// The bytes of numbers in one byte order.
+class Bytes {
+public:
+  explicit Bytes(bool p_bigEndian, std::string p_start = {})
+      : _bigEndian(p_bigEndian)
+      , _bytes(std::move(p_start)) {}
+  template <class T>
+  Bytes& Add(std::initializer_list<double> p_values) {
+    for (const double value : p_values) {
+      const T number = static_cast<T>(value);
+      std::string bytes(reinterpret_cast<const char*>(&number), sizeof number);
+      if (_bigEndian)
+        std::reverse(bytes.begin(), bytes.end());
+      _bytes += bytes;
+    }
+    return *this;
+  }
+  operator std::string() const { return _bytes; }
+
+private:
+  bool _bigEndian;
+  std::string _bytes;
+};
+
+const std::string SquareProperties = "element vertex 4\nproperty float x\nproperty float y\nproperty double z\n"
+                                     "property uchar red\nproperty uint8 green\nproperty uchar blue\n"
+                                     "element face 2\nproperty list uchar int vertex_indices\nend_header\n";
+const std::string SquareText = "ply\nformat ascii 1.0\ncomment made by hand\n" + SquareProperties +
+                               "0 0 0 255 0 0\n2 0 0 0 255 0\n2 1 0 0 0 255\n0 1 0 51 51 51\n4 0 1 2 3\n3 0 2 1\n";
+const std::string SquareSummary = "v 0 0 0 2 0 0 2 1 0 0 1 0 n 0 0 1 0 0 1 0 0 1 0 0 1"
+                                  " c 1 0 0 1 0 1 0 1 0 0 1 1 0.2 0.2 0.2 1 :f 0 1 2 0 2 3 0 2 1";
+
+std::string BinarySquare(bool p_bigEndian) {
+  Bytes bytes(p_bigEndian, std::string("ply\nformat binary_") + (p_bigEndian ? "big" : "little") + "_endian 1.0\n" +
+                               SquareProperties);
+  const double vertices[4][6] = {
+      {0, 0, 0, 255, 0, 0}, {2, 0, 0, 0, 255, 0}, {2, 1, 0, 0, 0, 255}, {0, 1, 0, 51, 51, 51}};
+  for (const auto& v : vertices)
+    bytes.Add<float>({v[0], v[1]}).Add<double>({v[2]}).Add<std::uint8_t>({v[3], v[4], v[5]});
+  return bytes.Add<std::uint8_t>({4})
+      .Add<std::int32_t>({0, 1, 2, 3})
+      .Add<std::uint8_t>({3})
+      .Add<std::int32_t>({0, 2, 1});
+}
+
+std::string Replaced(std::string p_text, const std::string& p_from, const std::string& p_to) {
+  p_text.replace(p_text.find(p_from), p_from.size(), p_to);
+  return p_text;
+}
+
+std::string TextPly(const std::string& p_header, const std::string& p_data) {
+  return "ply\nformat ascii 1.0\n" + p_header + "end_header\n" + p_data;
+}
+const std::string Xyz = "property float x\nproperty float y\nproperty float z\n";
+
+const std::string TextStl =
+    "solid first one\n facet normal 0 0 1\n  outer loop\n   vertex 0 0 0\n   vertex 1 0 -0\n"
+    "   vertex 0 1 0\n  endloop\n endfacet\nendsolid first one\nSOLID\r\n"
+    "FACET NORMAL nan nan nan\r\nOUTER LOOP VERTEX 0 1 0 VERTEX 1 0 0 VERTEX 1 1e0 0 ENDLOOP\r\n"
+    "ENDFACET\r\nENDSOLID\r\n";
+const std::string StlSummary = "v 0 0 0 1 0 0 0 1 0 1 1 0 n 0 0 1 0 0 1 0 0 1 0 0 1";
+
+std::string BinaryStl(std::string p_header) {
+  p_header.resize(80, ' ');
+  return Bytes(false, p_header)
+      .Add<std::uint32_t>({2})
+      .Add<float>({9, 9, 9, 0, 0, 0, 1, 0, 0, 0, 1, 0})
+      .Add<std::uint16_t>({7})
+      .Add<float>({0, 0, 0, 0, 1, -0.0, 1, 0, 0, 1, 1, 0})
+      .Add<std::uint16_t>({0});
+}
+
+} // namespace
+
+TEST(ReadMesh, ReadsEachFormat) {
+  const std::string points = TextPly("element vertex 2\n" + Xyz, "1 2 3\n4 5 6");
+  const std::array<std::string, 3> rows[] = {
+      {"PLY text", SquareText, SquareSummary},
+      {"PLY text, all of it one line", Replaced(SquareText, "\n2 0 0", " 2 0 0"), SquareSummary},
+      {"PLY little endian", BinarySquare(false), SquareSummary},
+      {"PLY big endian", BinarySquare(true), SquareSummary},
+      {"PLY with bytes behind", BinarySquare(true) + "ab",
+       SquareSummary + " ! mesh: 2 bytes behind the last element are left out"},
+      {"PLY points", points, "v 1 2 3 4 5 6 :p 0 1"},
+      {"PLY edges",
+       Replaced(points, "end_header", "element edge 1\nproperty int vertex1\nproperty int vertex2\nend_header") +
+           "\n1 0\n",
+       "v 1 2 3 4 5 6 :l 1 0"},
+      {"PLY concave, faces first",
+       TextPly("element face 2\nproperty list int64 ushort vertex_index\nelement vertex 4\n" + Xyz,
+               "4 3 0 1 2 2 0 1 0 0 0 4 0 0 1 1 0 0 4 0"),
+       "v 0 0 0 4 0 0 1 1 0 0 4 0 n 0 0 1 0 0 1 0 0 1 0 0 1 :f 2 3 0 0 1 2"
+       " ! mesh: 1 faces of less than three corners are left out"},
+      {"PLY strips",
+       TextPly("element vertex 4\n" + Xyz + "element tristrips 1\nproperty list int int vertex_indices\n",
+               "0 0 0 1 0 0 0 1 0 1 1 0  8 0 1 2 3 -1 0 2 1"),
+       "v 0 0 0 1 0 0 0 1 0 1 1 0 n 0 0 1 0 0 1 0 0 1 0 0 1 :f 0 1 2 2 1 3 0 2 1"},
+      {"PLY normals, texture coordinates, what is skipped",
+       TextPly("obj_info x\nelement vertex 1\nproperty list uchar float tags\n" + Xyz +
+                   "property float nx\nproperty float ny\nproperty float nz\nproperty float s\nproperty float t\n"
+                   "element statement 1\nproperty int a\n",
+               "2 7 8 1 2 3 0 1 0 .5 +.25 9"),
+       "v 1 2 3 n 0 1 0 t 0.5 0.25 :p 0 ! mesh: elements \"statement\" are not read"},
+      {"STL text", TextStl, StlSummary + " first one:f 0 1 2 :f 2 1 3"},
+      {"STL binary", BinaryStl("made by hand"), StlSummary + " :f 0 1 2 2 1 3"},
+      {"STL binary, solid", BinaryStl("solid facet normal"), StlSummary + " :f 0 1 2 2 1 3"},
+      {"OBJ", "# c\n\n# v\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n", "v 0 0 0 1 0 0 0 1 0 n 0 0 1 0 0 1 0 0 1 :f 0 1 2"},
+  };
+  for (const auto& [name, bytes, expected] : rows) {
+    std::string summary;
+    const std::string error = ErrorOf<FileError>([&, part = bytes] { summary = Summary(Read(part)); });
+    EXPECT_EQ(error + summary, expected) << name;
+  }
+}
+
+TEST(ReadMesh, RecognisesByContentThenByName) {
+  const TempFolder folder;
+  EXPECT_EQ(Summary(ReadMesh(folder.Write("a.stl", SquareText))), SquareSummary);
+  EXPECT_EQ(ReadMesh(folder.Write("b.ply", TextStl)).groups[0].name, "first one");
+  EXPECT_EQ(ReadMesh(folder.Write("c.obj", BinaryStl("v 1 2 3"))).indices.size(), 6u);
+  EXPECT_EQ(ReadMesh(folder.Write("d.txt", "v 1 2 3\np 1\n")).indices.size(), 1u);
+  EXPECT_EQ(ReadMesh(folder.Write("e.OBJ", "vp 1\nv 1 2 3\np 1\n")).indices.size(), 1u);
+  const std::string textured = Replaced(SquareText, "made by hand", "\ncomment TextureFile t x.png");
+  folder.Write("t x.png", "");
+  EXPECT_EQ(ReadMesh(folder.Write("f", textured)).materials.at(0).diffuseTexture, folder.File("t x.png"));
+  std::string large;
+  while (large.size() < 3000000)
+    large += "v 1 2 3\n";
+  EXPECT_EQ(ReadMesh(folder.Write("g", large)).positions.size() / 3, large.size() / 8);
+}
+
+TEST(ReadMesh, NamesFileLineAndReason) {
+  const std::string square = BinarySquare(false);
+  const std::pair<std::string, std::string> rows[] = {
+      {"", "mesh: expected OBJ, PLY or STL, got an empty file"},
+      {"hello\nworld", "mesh:1: expected OBJ, PLY or STL, got \"hello\""},
+      {"v 1 2 3\nv 1 2\n", "mesh:2: expected three coordinates, got \"\""},
+      {"\xFF\xFEv", "mesh: expected UTF-8, got UTF-16; save the file as UTF-8"},
+      {"ply\nformat ebcdic 1.0\n", "mesh:2: expected ascii, binary_little_endian or binary_big_endian, got \"ebcdic\""},
+      {"ply\nformat ascii 1.0\nelement vertex -1\n", "mesh:3: expected a number of elements, got \"-1\""},
+      {"ply\nformat ascii 1.0\nproperty int x\n",
+       "mesh:3: expected element, property, comment, obj_info or end_header, got \"property\""},
+      {TextPly("element vertex 1\nproperty list float int x\n", ""),
+       "mesh:4: expected a type of integers, got \"float\""},
+      {TextPly("element vertex 1\nproperty int x\n", "1"), "mesh: expected the properties x, y and z of vertices"},
+      {TextPly("element vertex 3\n" + Xyz, "1 2 3 4"), "mesh: expected 3 elements \"vertex\", got 7 bytes"},
+      {TextPly("element vertex 18446744073709551615\n" + Xyz, "1 2 3 4"),
+       "mesh: expected at most 2^32 - 1 vertices, got 18446744073709551615"},
+      {Replaced(SquareText, "2 1 0", "2 x 0"), "mesh:16: expected a number, got \"x\""},
+      {Replaced(SquareText, "4 0 1 2 3", "4 0 1 2 4"), "mesh:18: expected a vertex from 0 to 3, got \"4\""},
+      {Replaced(SquareText, "4 0 1 2 3", "-4 0 1 2 3"),
+       "mesh:18: expected a number of list entries from 0 to 10, got \"-4\""},
+      {SquareText.substr(0, SquareText.size() - 3), "mesh:19: expected a number, got \"the end of the file\""},
+      {square.substr(0, square.size() - 1),
+       "mesh: byte " + std::to_string(square.size() - 4) + ": expected a number, got the end of the file"},
+      {BinaryStl("").substr(0, 100), "mesh.stl: byte 80: expected triangles in 184 bytes, got a file of 100 bytes"},
+      {BinaryStl("").substr(0, 50), "mesh.stl: expected a header of 84 bytes, got 50 bytes"},
+      {Replaced(TextStl, "vertex 0 1 0", "vertex 0 1"), "mesh:7: expected a number, got \"endloop\""},
+      {Replaced(TextStl, "   vertex 0 1 0\n", ""), "mesh:6: expected three corners or more, got \"endloop\""},
+      {"solid\nendsolid\n", "mesh: expected triangles, got none"},
+  };
+  for (const auto& [bytes, message] : rows) {
+    const std::string name = message.substr(0, message.find(':'));
+    EXPECT_EQ(ErrorOf<FileError>([&, part = bytes] { Read(part, name); }), message);
+  }
+  EXPECT_EQ(ErrorOf<FileError>([] { ReadMesh("/none.obj"); }),
+            "/none.obj: cannot be opened: No such file or directory");
+  EXPECT_EQ(ErrorOf<FileError>([] { ReadMesh("/"); }), "/: expected a file, got a folder");
+  std::istringstream stream(square);
+  EXPECT_EQ(ErrorOf<FileError>([&] { ReadMesh(stream, "a.ply", [](double) { return false; }); }), "a.ply: cancelled");
+}
+
+TEST(ReadMesh, SurvivesDamage) {
+  const auto read = [](const std::string& p_bytes) {
+    const Mesh mesh = Read(p_bytes);
+    const std::size_t vertices = mesh.positions.size() / 3;
+    EXPECT_TRUE(
+        std::all_of(mesh.indices.begin(), mesh.indices.end(), [&](std::uint32_t p_i) { return p_i < vertices; }));
+    EXPECT_TRUE(mesh.normals.empty() || mesh.normals.size() == 3 * vertices);
+    EXPECT_TRUE(mesh.colors.empty() || mesh.colors.size() == 4 * vertices);
+  };
+  for (const std::string& file : {SquareText, BinarySquare(false), BinarySquare(true), TextStl, BinaryStl("solid")})
+    CheckDamage<FileError>(file, read);
+}
