@@ -1,8 +1,9 @@
 #include "scene/Canvas.h"
 
 #include "platform/ogl/PixelStore.h"
-#include "scene/Theme.h"
 #include "scene/private/FlatState.h"
+
+#include <QTransform>
 
 #include <algorithm>
 #include <cmath>
@@ -179,6 +180,13 @@ Canvas::Position Canvas::PositionOf(const Camera::Pixel& p_pixel) const {
           (p_pixel.y - static_cast<double>(_viewport.y)) / _point};
 }
 
+void Canvas::Bands(const Rect& p_rect, const QImage& p_colors, bool p_isVertical) {
+  const QImage row = p_colors.copy(0, 0, p_colors.width(), 1);
+  Library::Texture texture(p_isVertical ? row.transformed(QTransform().rotate(-90)) : row, _gl);
+  texture.minFilter = texture.magFilter = Library::Texture::Nearest;
+  Image(p_rect, texture);
+}
+
 void Canvas::Image(const Rect& p_rect, const QImage& p_image) {
   Image(p_rect, Library::Texture(p_image, _gl));
 }
@@ -201,26 +209,6 @@ void Canvas::Quad(const Rect& p_rect) {
     Vertex(s == 0 ? p_rect.left : p_rect.right, t == 0 ? p_rect.bottom : p_rect.top);
   }
   _gl->End();
-}
-
-void Canvas::Bar(const Rect& p_rect, const Library::ColorMap& p_colors, const QString& p_title,
-                 const std::vector<Tick>& p_ticks) {
-  {
-    const auto guard = _gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-    p_colors(_gl, RGL_TEXTURE0);
-    _gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_REPLACE);
-    Quad(p_rect);
-  }
-  const Theme theme = Theme::Dark();
-  const TextRenderer::Style style{18, theme.text};
-  for (const Tick& tick : p_ticks) {
-    const double x = p_rect.left + (p_rect.right - p_rect.left) * tick.place;
-    Line({x, p_rect.bottom}, {x, p_rect.bottom - (tick.text.isEmpty() ? 4 : 6)}, 1.5, theme.text);
-    if (!tick.text.isEmpty())
-      Text(tick.text, {x, p_rect.bottom - 9}, {0.5, 1}, style);
-  }
-  if (!p_title.isEmpty())
-    Text(p_title, {p_rect.left - 2, p_rect.top + 6}, {0, 0}, style);
 }
 
 } // namespace Vek::Chart::Scene

@@ -4,7 +4,6 @@
 #include "scene/TextRenderer.h"
 #include "scene/View.h"
 
-#include "library/ColorMap.h"
 #include "library/Texture.h"
 
 #include "platform/ogl/Rgl.h"
@@ -106,20 +105,15 @@ public:
   /// The position where a window pixel lies.
   Position PositionOf(const Camera::Pixel& p_pixel) const;
 
+  /// Bands of equal width across a rectangle, in the colours of the first row of an image: from left to right, or from
+  /// bottom to top. Each pixel has the colour of the band that its centre lies in. As many bands as the device has
+  /// texels in a row.
+  void Bands(const Rect& p_rect, const QImage& p_colors, bool p_isVertical);
   /// An image, stretched over a rectangle, filtered linearly. Its texture is made for this call; an image that is drawn
   /// again and again is better kept as a Library::Texture.
   void Image(const Rect& p_rect, const QImage& p_image);
   /// A texture, stretched over a rectangle. Its settings are used.
   void Image(const Rect& p_rect, const Library::Texture& p_texture);
-
-  /// A place on a scale, 0 to 1, and what is written there; a tick is shorter where nothing is.
-  struct Tick {
-    double place = 0; ///< along the scale
-    QString text;     ///< may be empty
-  };
-  /// A horizontal colour bar with its title above, if it has one, and its ticks below.
-  void Bar(const Rect& p_rect, const Library::ColorMap& p_colors, const QString& p_title,
-           const std::vector<Tick>& p_ticks);
 
 private:
   void Vertex(double p_x, double p_y);

@@ -273,9 +273,10 @@ QString AngleString(const Decimal& p_degrees, Ticks::Angle p_angle) {
 
 } // namespace
 
-Ticks::Ticks(std::vector<double> p_values, std::vector<QString> p_strings)
+Ticks::Ticks(std::vector<double> p_values, std::vector<QString> p_strings, QString p_note)
     : _values(std::move(p_values))
-    , _strings(std::move(p_strings)) {
+    , _strings(std::move(p_strings))
+    , _note(std::move(p_note)) {
   if (_values.size() != _strings.size())
     throw std::invalid_argument("Ticks need one string for each value: " + std::to_string(_values.size()) +
                                 " values, " + std::to_string(_strings.size()) + " strings");

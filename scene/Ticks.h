@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace Vek::Chart::Scene {
@@ -42,7 +43,7 @@ public:
   /// No ticks.
   Ticks() = default;
   /// Own ticks, as they are. Throws std::invalid_argument if the lengths differ.
-  Ticks(std::vector<double> p_values, std::vector<QString> p_strings);
+  Ticks(std::vector<double> p_values, std::vector<QString> p_strings, QString p_note = QString());
 
   /// At most `p_most` multiples of 1, 2, 2.5 or 5 × 10^n.
   static Ticks Linear(double p_low, double p_high, std::size_t p_most);
@@ -59,9 +60,13 @@ public:
   static Ticks OfBounds(const std::vector<double>& p_bounds, std::size_t p_most);
 
   /// Where the ticks are, in the units of the range.
-  const std::vector<double>& Values() const { return _values; }
+  const std::vector<double>& Values() const& { return _values; }
+  /// A copy, so that a loop over a temporary's values is safe.
+  std::vector<double> Values() && { return std::move(_values); }
   /// One string for each value; empty for a minor tick.
-  const std::vector<QString>& Strings() const { return _strings; }
+  const std::vector<QString>& Strings() const& { return _strings; }
+  /// A copy, so that a loop over a temporary's strings is safe.
+  std::vector<QString> Strings() && { return std::move(_strings); }
   /// The power of ten and the offset of all strings, to be shown once beside the title: "×10⁻⁶", "+ 120000",
   /// "×10⁻⁹ + 1.5"; empty mostly.
   const QString& Note() const { return _note; }

@@ -2,6 +2,7 @@
 #include "apps/gallery/GalleryTheme.h"
 
 #include "apps/gallery/Files.h"
+#include "apps/gallery/GalleryBars.h"
 #include "apps/gallery/MapAxes.h"
 #include "scene/DirectionalLight.h"
 
@@ -55,7 +56,7 @@ void WindMap::DrawLegends(Canvas& p_canvas, const View& p_view, const Library::C
     DrawTitle(p_canvas, p_meanTitle, "Monthly mean at the surface, January 1987");
   else
     DrawTitle(p_canvas, p_fileTitle, _file);
-  p_canvas.Bar({60, 62, 520, 78}, p_colors, "Speed in m/s", TicksFromZero(_fastest, 6, _clipped));
+  DrawBar(p_canvas, {60, 62, 520, 78}, {p_colors, {0, _fastest}}, "Speed in m/s", TicksFromZero(_fastest, 6, _clipped));
 }
 
 } // namespace Vek::Chart::Gallery

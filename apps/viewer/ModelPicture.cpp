@@ -1,4 +1,5 @@
 #include "apps/viewer/ModelPicture.h"
+#include "apps/gallery/GalleryBars.h"
 #include "apps/gallery/GalleryTheme.h"
 
 #include "apps/gallery/Files.h"
@@ -110,7 +111,8 @@ public:
         canvas, _file,
         QString("%1 vertices, %2 %3").arg(_mesh.VertexCount()).arg(_primitives).arg(_lines ? "lines" : "triangles"));
     const auto number = [](double p_value) { return QString::number(p_value, 'g', 4); };
-    canvas.Bar({60, 62, 520, 78}, _colors, "Height", {{0, number(_box.Min().z)}, {1, number(_box.Max().z)}});
+    Gallery::DrawBar(canvas, {60, 62, 520, 78}, {_colors, {0, 1}}, "Height",
+                     {{0, 1}, {number(_box.Min().z), number(_box.Max().z)}});
   }
 
   bool HasSurfaces() const override { return true; }

@@ -1,9 +1,40 @@
 // Examples of the reference for ticks, colour bars and legends; it shows what lies between two marks.
 
+#include "library/ColorMap.h"
+#include "library/ColorScale.h"
+#include "library/NamedColors.h"
+#include "scene/Background.h"
+#include "scene/Canvas.h"
+#include "scene/ColorBar.h"
+#include "scene/TextRenderer.h"
+#include "scene/Theme.h"
 #include "scene/Ticks.h"
+#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart;
+
+namespace {
+
+/// A light panel on the left and a dark one on the right.
+class SceneLegendSnippetPixels : public ShownFixture {
+public:
+  SceneLegendSnippetPixels()
+      : ShownFixture({1280, 640}) {}
+
+protected:
+  template <class Draw>
+  void ShowInThemes(const std::string& p_name, const Draw& p_draw) {
+    const Scene::TextRenderer text;
+    for (const auto& [left, theme] : {std::pair(0.0F, Scene::Theme::Light()), {640.0F, Scene::Theme::Dark()}}) {
+      const Types::Viewport<0> part(left, 0, 640, 640);
+      Scene::DrawBackground(gl, part, theme);
+      Scene::Canvas canvas(gl, part, text, PointSize);
+      p_draw(canvas, theme);
+    }
+    Show(p_name);
+  }
+};
 
 TEST(SceneLegendSnippets, Ticks) {
   //! [Ticks]
@@ -15,3 +46,34 @@ TEST(SceneLegendSnippets, Ticks) {
   //! [Ticks]
   EXPECT_EQ((strings[1] + title + readOut).toStdString(), "10Flow in m³/s ×10⁶12×10⁶ m³/s") << values.size();
 }
+
+TEST_F(SceneLegendSnippetPixels, ColorBar) {
+  ShowInThemes("ColorBar", [&](Scene::Canvas& canvas, const Scene::Theme& theme) {
+    //! [ColorBar]
+    Scene::ColorBar speed(Library::ColorMap::Named("viridis"), {0, 15});
+    speed.title = "Speed in m/s";
+    speed.largest = 27.3; // beyond the range: a pointed end
+    speed.hasMissing = true;
+    const Scene::LegendBlock block = speed.Layout(250, theme, PointSize); // points
+    block.Draw(canvas, block.OriginFor({20, 20}));                        // block.Width() × block.Height() points
+    //! [ColorBar]
+
+    const std::vector<double> bounds = {30, 32, 34, 34.5, 35, 35.5, 36, 38};
+    Scene::ColorBar salinity(Library::ColorScale(Library::NamedColors::Colors("coolwarm", 7), bounds));
+    salinity.title = "Salinity at the surface";
+    salinity.least = 22.5;
+    salinity.largest = 40.27;
+    const Scene::LegendBlock classes = salinity.Layout(250, theme, PointSize);
+    classes.Draw(canvas, classes.OriginFor({115, 20}));
+
+    Scene::ValueScale logarithmic{2e-4, 3.0};
+    logarithmic.logarithmic = true;
+    Scene::ColorBar chlorophyll(Library::ColorMap::Named("plasma"), logarithmic);
+    chlorophyll.title = "Chlorophyll in mg m⁻³";
+    chlorophyll.least = 0;
+    const Scene::LegendBlock narrow = chlorophyll.Layout(180, theme, PointSize);
+    narrow.Draw(canvas, narrow.OriginFor({220, 20}));
+  });
+}
+
+} // namespace

@@ -3,6 +3,7 @@
 
 #include "apps/gallery/PictureLoaders.h"
 
+#include "apps/gallery/GalleryBars.h"
 #include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/HeightField.h"
 #include "apps/gallery/MapAxes.h"
@@ -129,17 +130,21 @@ public:
     const ColorMap blended(depths, ColorMap::Interpolated);
     constexpr double Least = 10, Most = 6000;
     _panels.clear();
-    _panels.push_back({"Depth of the sea, linear", "Depth in m", blended,
-                       _depths.Colored(ColorScale(blended, 0, Most, ColorScale::Linear, OutsideColors())),
-                       TicksFromZero(Most, 4, false), nullptr});
-    _panels.push_back({"Depth of the sea, logarithmic", "Depth in m", blended,
-                       _depths.Colored(ColorScale(blended, Least, Most, ColorScale::Logarithmic, OutsideColors())),
-                       LogTicks(Least, Most), nullptr});
+    const ColorScale::Outside outside = OutsideColors();
+    ValueScale scale{0, Most, false, outside.below, outside.above};
+    _panels.push_back({"Depth of the sea, linear", "Depth in m",
+                       _depths.Colored(ColorScale(blended, 0, Most, ColorScale::Linear, outside)),
+                       ColorBar(blended, scale), TicksFromZero(Most, 4, false), nullptr});
+    scale.lower = Least;
+    scale.logarithmic = true;
+    _panels.push_back({"Depth of the sea, logarithmic", "Depth in m",
+                       _depths.Colored(ColorScale(blended, Least, Most, ColorScale::Logarithmic, outside)),
+                       ColorBar(blended, scale), LogTicksWithEnds(Least, Most, 4), nullptr});
     const std::vector<double> bounds = {30, 32, 33, 34, 34.5, 35, 35.5, 36, 37, 38};
-    const auto classes = ColorMap::GenerateColorList(salinities, static_cast<int>(bounds.size()) - 1);
+    const ColorScale classes(ColorMap::GenerateColorList(salinities, static_cast<int>(bounds.size()) - 1), bounds,
+                             outside);
     _panels.push_back({"Salinity at the surface, in classes", "Salinity in parts per thousand",
-                       ColorMap(classes, ColorMap::Discrete),
-                       _salinity.Colored(ColorScale(classes, bounds, OutsideColors())), ClassTicks(bounds), nullptr});
+                       _salinity.Colored(classes), ColorBar(classes), Ticks::OfBounds(bounds, bounds.size()), nullptr});
   }
 
   void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
@@ -167,9 +172,9 @@ private:
   struct Panel {
     QString title;
     QString unit;
-    ColorMap map;
     QImage image;
-    std::vector<Canvas::Tick> ticks;
+    ColorBar bar;
+    Ticks ticks;
     std::unique_ptr<Library::Texture> texture;
   };
 
@@ -199,8 +204,8 @@ private:
     const double width = (p_canvas.Width() - 2 * Margin - AxisWidth + Gap) / count - Gap;
     const double left = Margin + AxisWidth + static_cast<double>(p_index) * (width + Gap);
     p_canvas.Text(map.name, {left - 2, 846}, {0, 0.5}, {GalleryTheme::TextSize, GalleryTheme::Title, true});
-    p_canvas.Bar({left, 790, left + width, 826}, map.blended, {}, {});
-    p_canvas.Bar({left, 746, left + width, 782}, map.classed, {}, {});
+    p_canvas.Bands({left, 790, left + width, 826}, ColorMap(map.blended).GetImage(), false);
+    p_canvas.Bands({left, 746, left + width, 782}, ColorMap(map.classed).GetImage(), false);
     FillPlot(p_gl, p_canvas.PointSize(), left, width, map.blended);
     DrawCurve(p_canvas, left, width, map.blended);
   }
@@ -259,7 +264,7 @@ private:
     quad.rect = {static_cast<float>(left * point), static_cast<float>((Top - height) * point),
                  static_cast<float>(2 * height * point), static_cast<float>(height * point)};
     quad(p_gl.Handle(), *panel.texture);
-    DrawColorBar(p_canvas, {left, 138, left + width, 160}, panel.map, OutsideColors(), panel.unit, panel.ticks);
+    DrawPointedBar(p_canvas, {left, 138, left + width, 160}, panel.bar, panel.unit, panel.ticks);
   }
 
   static constexpr int Steps = 128; ///< of a curve

@@ -4,6 +4,7 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/Files.h"
+#include "apps/gallery/GalleryBars.h"
 #include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Palettes.h"
 #include "apps/gallery/Sketch.h"
@@ -319,15 +320,17 @@ protected:
                       .arg(image.Height())
                       .arg(image.Width())
                       .arg(image.Depth()));
-    std::vector<Canvas::Tick> ticks;
-    constexpr int Ticks = 4;
+    std::vector<double> places;
+    std::vector<QString> strings;
+    constexpr int Count = 4;
     const ValueScale& scale = _values.scale;
-    for (int i = 0; i <= Ticks; ++i) {
-      const double place = static_cast<double>(i) / Ticks;
+    for (int i = 0; i <= Count; ++i) {
+      const double place = static_cast<double>(i) / Count;
       const double value = (scale.lower * (1 - place) + scale.upper * place) * _values.largest;
-      ticks.push_back({place, QString::number(value, 'f', _values.largest < 10 ? 2 : 0)});
+      places.push_back(place);
+      strings.push_back(QString::number(value, 'f', _values.largest < 10 ? 2 : 0));
     }
-    p_canvas.Bar({60, 70, 520, 94}, Colors(), "Value", ticks);
+    DrawBar(p_canvas, {60, 70, 520, 94}, {Colors(), {0, 1}}, "Value", {places, strings});
 
     const Camera start = StartCamera();
     Camera camera = p_view.camera; // the panels turn with the picture

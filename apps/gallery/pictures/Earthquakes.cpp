@@ -4,6 +4,7 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/Files.h"
+#include "apps/gallery/GalleryBars.h"
 #include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Glyphs.h"
 #include "apps/gallery/HeightField.h"
@@ -124,10 +125,13 @@ protected:
       DrawTitle(p_canvas, "A week of earthquakes", "31 January to 7 February 2018, as they lie below the surface");
     else
       DrawTitle(p_canvas, "Earthquakes", _file);
-    std::vector<Canvas::Tick> ticks;
-    for (const double depth : {0.0, 10.0, 50.0, 100.0, 200.0, 400.0, 600.0})
-      ticks.push_back({ColorPlace(depth), QString::number(depth)});
-    p_canvas.Bar({60, 62, 520, 78}, Colors(), "Depth in km", ticks);
+    std::vector<double> places;
+    std::vector<QString> strings;
+    for (const double depth : {0.0, 10.0, 50.0, 100.0, 200.0, 400.0, 600.0}) {
+      places.push_back(ColorPlace(depth));
+      strings.push_back(QString::number(depth));
+    }
+    DrawBar(p_canvas, {60, 62, 520, 78}, {Colors(), {0, 1}}, "Depth in km", {places, strings});
     const TextRenderer::Style style{GalleryTheme::SmallSize, GalleryTheme::Text, false};
     for (int magnitude = 2; magnitude <= 6; ++magnitude)
       p_canvas.TextAt(QString::number(magnitude), p_view, KeyPlace(magnitude), {0, -30}, {0.5, 0.5}, style);

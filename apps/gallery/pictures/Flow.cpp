@@ -5,9 +5,9 @@
 
 #include "apps/gallery/Files.h"
 #include "apps/gallery/FlowLines.h"
+#include "apps/gallery/GalleryBars.h"
 #include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Glyphs.h"
-#include "apps/gallery/MapAxes.h"
 #include "apps/gallery/Palettes.h"
 #include "apps/gallery/SpacePicture.h"
 #include "apps/gallery/TextTable.h"
@@ -101,7 +101,7 @@ public:
     if (!(_fastest > 0))
       throw InputError(p_inputs.flow + ": expected a flow, got vectors that are all zero");
     // A round number at the upper end of the colours.
-    const std::vector<double> ticks = RoundTicks(0, _fastest, 5);
+    const std::vector<double> ticks = Ticks::Linear(0, _fastest, 5).Values();
     if (ticks.size() > 1)
       _fastest = std::ceil(_fastest / ticks[1] - 0.1) * ticks[1];
     _clipped = _field.SpeedQuantile(1) > _fastest * (1 + 1e-9);
@@ -143,8 +143,8 @@ protected:
                     .arg(_field.Size()[0])
                     .arg(_field.Size()[1])
                     .arg(_field.Size()[2]));
-    p_canvas.Bar({60, 62, 520, 78}, Colors(), _isOwn ? "Speed (no unit)" : "Speed in the units of the file",
-                 TicksFromZero(_fastest, 5, _clipped));
+    DrawBar(p_canvas, {60, 62, 520, 78}, {Colors(), {0, _fastest}},
+            _isOwn ? "Speed (no unit)" : "Speed in the units of the file", TicksFromZero(_fastest, 5, _clipped));
   }
 
 private:

@@ -4,6 +4,7 @@
 #include "apps/gallery/PictureLoaders.h"
 
 #include "apps/gallery/Files.h"
+#include "apps/gallery/GalleryBars.h"
 #include "apps/gallery/GalleryTheme.h"
 #include "apps/gallery/Palettes.h"
 #include "apps/gallery/SpacePicture.h"
@@ -87,15 +88,18 @@ protected:
                     .arg(_file.image->Height())
                     .arg(_file.image->Width())
                     .arg(_file.image->Depth()));
-    std::vector<Canvas::Tick> ticks;
-    constexpr int Ticks = 4;
-    for (int i = 0; i <= Ticks; ++i) {
-      const double place = static_cast<double>(i) / Ticks;
+    std::vector<double> places;
+    std::vector<QString> strings;
+    constexpr int Count = 4;
+    for (int i = 0; i <= Count; ++i) {
+      const double place = static_cast<double>(i) / Count;
       const double value = (_file.low + (_file.high - _file.low) * place) / 255.0 * _file.largest;
       const QString text = QString::number(value, 'f', _file.largest < 100 ? 1 : 0);
-      ticks.push_back({place, i == 0 ? "≤ " + text : i == Ticks ? "≥ " + text : text});
+      places.push_back(place);
+      strings.push_back(i == 0 ? "≤ " + text : i == Count ? "≥ " + text : text);
     }
-    p_canvas.Bar({60, 70, 520, 94}, Colors(), _ocean ? "Salinity in parts per thousand" : "Value", ticks);
+    DrawBar(p_canvas, {60, 70, 520, 94}, {Colors(), {0, 1}}, _ocean ? "Salinity in parts per thousand" : "Value",
+            {places, strings});
   }
 
 private:

@@ -1,4 +1,3 @@
-#include "apps/gallery/MapAxes.h"
 #include "apps/gallery/MapFrame.h"
 #include "apps/gallery/Options.h"
 #include "apps/gallery/Palettes.h"
@@ -30,20 +29,6 @@ TEST(MapFrame, WrapsLongitudesIntoTheMap) {
   EXPECT_NEAR(part.Place(0, 61).y, 36, 1e-9) << "at 60 degrees a degree of latitude is twice one of longitude";
   EXPECT_TRUE(part.Contains(5, 60));
   EXPECT_FALSE(part.Contains(15, 60));
-}
-
-TEST(MapAxes, NamesDegreesAndChoosesRoundOnes) {
-  EXPECT_EQ(LongitudeText(300).toStdString(), "60° W");
-  EXPECT_EQ(LongitudeText(180).toStdString(), "180°");
-  EXPECT_EQ(LatitudeText(45.5).toStdString(), "45.5° N");
-  const std::tuple<double, double, std::size_t, std::string> cases[] = {
-      {-180, 180, 8, "-180 -120 -60 0 60 120 180 "}, {0.1, 0.45, 5, "0.1 0.2 0.3 0.4 "}, {3, 3, 5, ""}};
-  for (const auto& [min, max, most, expected] : cases) {
-    std::ostringstream ticks;
-    for (const double tick : RoundTicks(min, max, most))
-      ticks << tick << ' ';
-    EXPECT_EQ(ticks.str(), expected);
-  }
 }
 
 TEST(Palettes, RunFromEndToEndAndGrowLighter) {
