@@ -222,10 +222,10 @@ struct ColorBar::Builder {
     const Ticks& precision = ticks.Values().empty() ? bar.TicksFor(MostTicks) : ticks;
     std::vector<String> extremes;
     if (before > 0 && std::isfinite(bar.least))
-      extremes.push_back(frame.TickString(precision.Format(bar.least), -before, metrics.stringGap, small));
+      extremes.push_back(frame.TickString(precision.Format(bar.least, {}, 1), -before, metrics.stringGap, small));
     if (after > 0 && std::isfinite(bar.largest))
       extremes.push_back(
-          frame.TickString(precision.Format(bar.largest), frame.length + after, metrics.stringGap, small));
+          frame.TickString(precision.Format(bar.largest, {}, 1), frame.length + after, metrics.stringGap, small));
 
     std::vector<String> strings = StringsOf(ticks);
     if (DropOverlaps(strings, extremes) == 0 && !bar._bounds.empty() && !bar.ticks)
