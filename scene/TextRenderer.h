@@ -69,6 +69,9 @@ public:
   void Draw(Utility::Scoped<Rgl>& p_gl, const QString& p_text, const Types::Vector2_Base<double>& p_position,
             Anchor p_anchor, const Style& p_style, double p_pointSize = 1, double p_rotation = 0) const;
 
+  /// Frees the textures of the scope's context.
+  void Release(const Utility::Scoped<Rgl>& p_gl) const { _textures.Release(p_gl); }
+
 private:
   struct Textures;
   // Behind a pointer, since its type is private; a shared one, since that is what PerContext can copy.

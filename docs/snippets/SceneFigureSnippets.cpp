@@ -1,0 +1,76 @@
+// Examples of the reference for figures; it shows the lines between two marks.
+
+#include "io/ReadTable.h"
+#include "scene/Figure.h"
+#include "tests/support/Shown.h"
+#include "tests/support/Test.h"
+
+#include <array>
+#include <cmath>
+#include <string>
+#include <vector>
+
+using namespace Vek::Chart::Scene;
+
+namespace {
+
+class SceneFigureSnippetPixels : public ::testing::Test {
+protected:
+  void SetUp() override { Vek::Test::MakeApplication(); }
+  const std::string data = std::string(VEK_SOURCE_DIR) + "/data/";
+};
+
+TEST_F(SceneFigureSnippetPixels, Figure) {
+  //! [Figure]
+  const Io::Table wind = Io::ReadTable(data + "noaa_navy_winds_1987-01.csv");
+  std::vector<double> speed;
+  for (std::size_t i = 0; i < wind.Rows(); ++i)
+    speed.push_back(std::hypot(wind["u"][i], wind["v"][i]));
+
+  Figure figure("Winds of the world", "Monthly mean at the surface, January 1987");
+  figure.SetAxisTitles("Longitude in °", "Latitude in °");
+  figure.Quiver(wind.Points("lon", "lat"), wind.Vectors("u", "v")).ColorBy(speed).ColorTitle("Speed in m/s");
+  const QImage image = figure.Image({1200, 680}); // or figure.Save("wind.png", {1200, 680})
+  //! [Figure]
+  Vek::Test::Shown(image, "Figure");
+}
+
+TEST_F(SceneFigureSnippetPixels, ScatterPlot) {
+  //! [ScatterPlot]
+  const Io::Table quakes = Io::ReadTable(data + "earthquakes.csv");
+  Figure figure("Earthquakes", "31 January to 7 February 2018");
+  figure.SetAxisTitles("Longitude in °", "Latitude in °");
+  figure.Scatter(quakes.Points("lon", "lat"))
+      .ColorBy(quakes["depth_km"])
+      .ColorMap("plasma")
+      .ColorTitle("Depth in km")
+      .SizeBy(quakes["mag"])
+      .SizeTitle("Magnitude")
+      .Diameter(0.02)
+      .SetOpacity(0.8);
+  const QImage image = figure.Image({1200, 680});
+  //! [ScatterPlot]
+  Vek::Test::Shown(image, "ScatterPlot");
+}
+
+TEST_F(SceneFigureSnippetPixels, QuiverPlot) {
+  //! [QuiverPlot]
+  std::vector<std::array<double, 3>> positions, velocities;
+  for (int i = 0; i < 9 * 9 * 5; ++i) {
+    const double x = i % 9 - 4, y = i / 9 % 9 - 4, z = i / 81;
+    positions.push_back({x, y, z});
+    velocities.push_back({-y, x, 1});
+  }
+  Figure figure("Vortex");
+  figure.theme = Theme::Dark();
+  QuiverPlot& quiver = figure.Quiver(positions, velocities).Color(Qt::cyan).LengthTitle("Velocity in m/s");
+  const QImage before = figure.Image({1200, 800});
+
+  for (auto& velocity : velocities)
+    velocity[2] = -1;
+  quiver.UpdateVectors(velocities); // uploads vectors alone at the next drawing
+  //! [QuiverPlot]
+  Vek::Test::Shown(before, "QuiverPlot");
+}
+
+} // namespace

@@ -1,0 +1,163 @@
+#include "scene/Figure.h"
+
+#include "scene/Background.h"
+#include "scene/private/FigureState.h"
+#include "scene/private/OffscreenApplication.h"
+#include "scene/private/SceneState.h"
+
+#include "platform/debug/Check.h"
+#include "platform/debug/TypeName.h"
+#include "platform/ogl/OffscreenContext.h"
+
+#include <QImageWriter>
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+namespace Vek::Chart::Scene {
+
+namespace {
+
+std::size_t RequireAxis(const char* p_function, int p_axis) {
+  if (p_axis < 0 || p_axis > 2)
+    throw std::invalid_argument(std::string(p_function) + ": expected an axis of 0 to 2, got " +
+                                std::to_string(p_axis));
+  return static_cast<std::size_t>(p_axis);
+}
+
+} // namespace
+
+Figure::Figure(const QString& p_title, const QString& p_subtitle)
+    : _state(std::make_unique<State>()) {
+  SetTitle(p_title, p_subtitle);
+}
+Figure::~Figure() = default;
+Figure::Figure(Figure&& p_other) noexcept = default;
+Figure& Figure::operator=(Figure&& p_other) noexcept = default;
+
+QuiverPlot& Figure::Quiver(const Array3& p_positions, const Array3& p_vectors) {
+  return _state->Add(std::unique_ptr<QuiverPlot>(new QuiverPlot(p_positions, p_vectors)));
+}
+
+ScatterPlot& Figure::Scatter(const Array3& p_positions) {
+  return _state->Add(std::unique_ptr<ScatterPlot>(new ScatterPlot(p_positions)));
+}
+
+void Figure::Remove(const Plot& p_plot) {
+  auto& entries = _state->entries;
+  const auto entry =
+      std::find_if(entries.begin(), entries.end(), [&](const auto& p_entry) { return p_entry.plot.get() == &p_plot; });
+  if (entry == entries.end())
+    throw std::invalid_argument("Remove: expected a plot of this figure, got another one");
+  entries.erase(entry);
+}
+
+Figure& Figure::SetTitle(const QString& p_title, const QString& p_subtitle) {
+  _state->title = p_title;
+  _state->subtitle = p_subtitle;
+  return *this;
+}
+
+Figure& Figure::SetAxisTitles(const QString& p_x, const QString& p_y, const QString& p_z) {
+  _state->axisTitles = {p_x, p_y, p_z};
+  return *this;
+}
+
+Figure& Figure::SetLimits(int p_axis, double p_low, double p_high) {
+  const std::size_t axis = RequireAxis("SetLimits", p_axis);
+  const bool isLogarithmic = _state->rules.logarithmic[axis];
+  if (!(std::isfinite(p_low) && std::isfinite(p_high) && p_low < p_high) || (isLogarithmic && p_low <= 0))
+    throw std::invalid_argument(std::string("SetLimits: expected finite, ascending limits") +
+                                (isLogarithmic ? " above 0" : "") + ", got " + std::to_string(p_low) + " and " +
+                                std::to_string(p_high));
+  _state->rules.limits[axis] = Private::Range(p_low, p_high);
+  return *this;
+}
+
+Figure& Figure::SetLogAxis(int p_axis, bool p_logarithmic) {
+  const std::size_t axis = RequireAxis("SetLogAxis", p_axis);
+  const auto& limits = _state->rules.limits[axis];
+  if (p_logarithmic && limits && limits->min <= 0)
+    throw std::invalid_argument("SetLogAxis: expected limits above 0, got " + std::to_string(limits->min));
+  _state->rules.logarithmic[axis] = p_logarithmic;
+  return *this;
+}
+
+Figure& Figure::SetAspect(double p_x, double p_y, double p_z) {
+  for (const double factor : {p_x, p_y, p_z})
+    if (!(std::isfinite(factor) && factor > 0))
+      throw std::invalid_argument("SetAspect: expected factors above 0, got " + std::to_string(factor));
+  _state->rules.stretch = {p_x, p_y, p_z};
+  return *this;
+}
+
+Figure& Figure::Look(double p_azimuth, double p_elevation, Scene::Camera::Projection p_projection) {
+  if (!(std::isfinite(p_azimuth) && std::abs(p_elevation) <= 90))
+    throw std::invalid_argument("Look: expected an elevation of -90 to 90, got " + std::to_string(p_elevation));
+  Scene::Camera direction;
+  direction.azimuth = p_azimuth;
+  direction.elevation = p_elevation;
+  direction.projection = p_projection;
+  _state->direction = direction;
+  return *this;
+}
+
+FigureLayout Figure::Layout(const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
+  return _state->Arrange(*this, p_viewport, p_pixelRatio > 0 ? p_pixelRatio : 1);
+}
+
+void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
+  if (!VEK_ENSURE(p_viewport.width > 0 && p_viewport.height > 0, "void Vek::Chart::Scene::Figure::Draw(...)") ||
+      !Private::HasFixedFunctions(p_gl))
+    return;
+  const double ratio = p_pixelRatio > 0 ? p_pixelRatio : 1;
+  const FigureLayout layout = Layout(p_viewport, ratio);
+  DrawBackground(p_gl, p_viewport, theme);
+  {
+    Canvas canvas(p_gl, p_viewport, _state->text, ratio);
+    Axes::Draw(canvas, layout.axes, theme);
+  }
+  _state->DrawPlots(p_gl, {layout.camera, p_viewport, ratio});
+  Canvas canvas(p_gl, p_viewport, _state->text, ratio);
+  for (const FigureLayout::Block& block : layout.blocks)
+    block.content.Draw(canvas, block.origin);
+}
+
+QImage Figure::Image(Types::Size p_size, int p_samples) {
+  if (p_size.width <= 0 || p_size.height <= 0)
+    throw std::invalid_argument("Image: expected a size above 0, got " + std::to_string(p_size.width) + " x " +
+                                std::to_string(p_size.height));
+  const Private::OffscreenApplication application;
+  Ogl::OffscreenContext context(p_size, p_samples);
+  {
+    Utility::Scoped<Rgl> gl(context.Handle());
+    Draw(gl, {0, 0, static_cast<float>(p_size.width), static_cast<float>(p_size.height)});
+  }
+  return context.Image().convertToFormat(QImage::Format_RGB32); // opaque: blending has changed alpha
+}
+
+void Figure::Save(const QString& p_path, Types::Size p_size) {
+  const QImage image = Image(p_size);
+  QImageWriter writer(p_path);
+  if (!writer.write(image))
+    throw std::runtime_error(p_path.toStdString() +
+                             ": the image cannot be written: " + writer.errorString().toStdString());
+}
+
+Types::Vector3_Base<double> Figure::ToScene(const Types::Vector3_Base<double>& p_data) const {
+  return _state->transform(p_data);
+}
+
+Types::Vector3_Base<double> Figure::ToData(const Types::Vector3_Base<double>& p_scene) const {
+  return _state->transform.Inverse(p_scene);
+}
+
+void Figure::Release(const Utility::Scoped<Rgl>& p_gl) const {
+  for (const State::Entry& entry : _state->entries)
+    entry.content->Release(p_gl);
+  _state->text.Release(p_gl);
+}
+
+} // namespace Vek::Chart::Scene

@@ -1,0 +1,127 @@
+#pragma once
+
+#include "scene/Array.h"
+#include "scene/Camera.h"
+#include "scene/Export.h"
+#include "scene/FigureLayout.h"
+#include "scene/Plot.h"
+#include "scene/QuiverPlot.h"
+#include "scene/ScatterPlot.h"
+#include "scene/Theme.h"
+
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Size.h"
+#include "platform/types/Vector.h"
+#include "platform/types/Viewport.h"
+#include "platform/utility/Scope.h"
+
+#include <QImage>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace Vek::Chart::Scene {
+
+/// A chart: plots of data in axes, with titles, colour bars, keys and notes, drawn to an image, a file, or a rendering
+/// scope of a host.
+///
+///     Figure figure("Winds of the world", "January 1987");
+///     figure.Quiver(positions, vectors).ColorBy(speed).ColorMap("inferno").ColorTitle("Speed in m/s");
+///     figure.Save("wind.png", {1600, 1000});
+///
+/// **Data** are read during the call; nothing of the caller's is kept. Positions are in double precision: numbers of
+/// 10⁷ and more keep their digits. NaN is missing. What is missing, left out or stretched is said in the figure.
+///
+/// **Limits** of the axes are round numbers around all data with their whole glyphs. Units are equal on all axes unless
+/// their spans differ by more than four; then y is stretched against x, and z against the longer one of both, by a
+/// round factor, which the figure says ("z × 50").
+///
+/// **View**: a perspective of 30° from azimuth −30° (matplotlib's −60°) and elevation 30°, z up; data in one plane z =
+/// const with vectors in it are seen from above, in parallel projection. The camera is fitted so that axes and all
+/// strings lie in the image.
+///
+/// **Scene units**: the camera's. Differences of data, times the same power of two on all axes times the stretch, so
+/// that the longest edge of the axes is about 1; on a logarithmic axis, of decimal logarithms. See ToScene.
+///
+/// **Ownership**: the figure owns its plots; a reference to one is valid until Remove, also when the figure is moved.
+/// GL objects are kept in each context as `Ogl::PerContext` describes, so that figures end before or after contexts.
+/// One thread a figure.
+///
+/// **Errors**: std::invalid_argument for wrong arguments, with what was expected and what came; std::runtime_error for
+/// a file that cannot be written, with path and reason. A plot without any finite point is reported ("WARNING: Figure:
+/// plot 1 has no point to show") and the axes are drawn.
+///
+/// \snippet SceneFigureSnippets.cpp Figure
+/// \image html parts/Figure.png
+/// \ingroup plots
+class VEK_SCENE_API Figure {
+public:
+  explicit Figure(const QString& p_title = {}, const QString& p_subtitle = {});
+  ~Figure();
+  /// Takes over plots and GL objects; the other figure may only be destroyed or assigned to.
+  Figure(Figure&& p_other) noexcept;
+  /// Likewise.
+  Figure& operator=(Figure&& p_other) noexcept;
+
+  Theme theme; ///< colours, font and sizes of what is not data; light by default
+  /// The camera, in scene units. Without one, the figure has its own, fitted to the data at each drawing.
+  std::optional<Scene::Camera> camera;
+
+  ///@{
+  /// Adds a plot.
+  QuiverPlot& Quiver(const Array3& p_positions, const Array3& p_vectors);
+  ScatterPlot& Scatter(const Array3& p_positions);
+  ///@}
+  /// Removes a plot and frees its GL objects. Throws std::invalid_argument for a plot of another figure.
+  void Remove(const Plot& p_plot);
+
+  /// Replaces the titles.
+  Figure& SetTitle(const QString& p_title, const QString& p_subtitle = {});
+  /// What the axes measure, with units; by default x, y and z for spatial data, nothing for flat data.
+  Figure& SetAxisTitles(const QString& p_x, const QString& p_y, const QString& p_z = {});
+  /// The limits of an axis, 0 to 2 for x to z: finite and ascending, above 0 on a logarithmic axis. Points outside are
+  /// left out, which is said.
+  Figure& SetLimits(int p_axis, double p_low, double p_high);
+  /// Makes an axis logarithmic. Points that are not above 0 are left out, which is said.
+  Figure& SetLogAxis(int p_axis, bool p_logarithmic = true);
+  /// Lengths of units along the axes relative to each other, above 0; {1, 1, 1} for equal units whatever the spans.
+  Figure& SetAspect(double p_x, double p_y, double p_z);
+  /// The direction of the own camera, in degrees (see Camera), and a projection; it stays fitted to the data.
+  Figure& Look(double p_azimuth, double p_elevation, Camera::Projection p_projection = Camera::Projection::Perspective);
+
+  /// Draws everything into a viewport of the window and clears what was there. All GL state is restored.
+  ///
+  /// Errors: a viewport without area, or a core context, is reported, and nothing is drawn: fixed functions are needed,
+  /// of a compatibility profile ("Figure: a compatibility profile is needed, this context has a core profile"). With
+  /// Qt, ask for the profile alone: QSurfaceFormat::setProfile without setVersion.
+  ///
+  /// \param p_pixelRatio pixels of a point, in which letters and lines are measured: the device pixel ratio
+  void Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);
+  /// Draws into a new image with `p_samples` samples a pixel, a point being a pixel. Needs no display, no context and
+  /// no application object: where there is none, a QGuiApplication of the platform "offscreen" lives during the call,
+  /// so that a QApplication can be made afterwards. Main thread, where there is no application object.
+  ///
+  /// Throws std::invalid_argument for a size that is not positive, std::runtime_error where no context can be made.
+  QImage Image(Types::Size p_size = {1200, 800}, int p_samples = 4);
+  /// Writes that image to a file, in the format that its suffix names (PNG and what Qt supports). Throws as `Image`,
+  /// and std::runtime_error with path and reason for a file that cannot be written.
+  void Save(const QString& p_path, Types::Size p_size = {1200, 800});
+
+  /// Where everything lies that `Draw` would draw for the same arguments. Calls no GL. Needs a QGuiApplication.
+  FigureLayout Layout(const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);
+  ///@{
+  /// Between data and scene units, as of the last drawing or layout.
+  Types::Vector3_Base<double> ToScene(const Types::Vector3_Base<double>& p_data) const;
+  Types::Vector3_Base<double> ToData(const Types::Vector3_Base<double>& p_scene) const;
+  ///@}
+
+  /// Frees the GL objects of the scope's context.
+  void Release(const Utility::Scoped<Rgl>& p_gl) const;
+
+private:
+  struct State;
+  std::unique_ptr<State> _state;
+};
+
+} // namespace Vek::Chart::Scene

@@ -1,0 +1,49 @@
+#include "scene/ScatterPlot.h"
+
+#include "scene/private/ScatterContent.h"
+
+#include <stdexcept>
+
+namespace Vek::Chart::Scene {
+
+namespace {
+
+Private::ScatterContent& Scatter(Private::PlotContent& p_content) {
+  return static_cast<Private::ScatterContent&>(p_content);
+}
+
+} // namespace
+
+ScatterPlot::ScatterPlot(const Array3& p_positions)
+    : ColoredPlot(std::make_unique<Private::ScatterContent>(p_positions)) {}
+
+ScatterPlot& ScatterPlot::Diameter(double p_fraction) {
+  if (!(p_fraction > 0 && p_fraction <= 1))
+    throw std::invalid_argument("Diameter: expected a fraction above 0 and up to 1, got " + std::to_string(p_fraction));
+  Scatter(Content()).SetDiameter(p_fraction);
+  return *this;
+}
+
+ScatterPlot& ScatterPlot::SizeBy(const Array1& p_values) {
+  if (p_values.Count() != 0)
+    RequireCount("SizeBy", p_values.Count(), Count());
+  Scatter(Content()).SetSizes(Values(p_values));
+  return *this;
+}
+
+ScatterPlot& ScatterPlot::SizeTitle(const QString& p_title) {
+  Scatter(Content()).SetSizeTitle(p_title);
+  return *this;
+}
+
+ScatterPlot& ScatterPlot::Symbol(Model::Symbol::Shape p_shape) {
+  Scatter(Content()).SetSymbol(p_shape);
+  return *this;
+}
+
+ScatterPlot& ScatterPlot::UpdatePositions(const Array3& p_positions) {
+  Scatter(Content()).UpdatePositions(p_positions);
+  return *this;
+}
+
+} // namespace Vek::Chart::Scene

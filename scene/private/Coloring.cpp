@@ -1,0 +1,128 @@
+#include "scene/private/Coloring.h"
+
+#include "library/NamedColors.h"
+
+#include <cmath>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
+namespace Vek::Chart::Scene::Private {
+
+namespace {
+
+void RequireRange(double p_low, double p_high, bool p_logarithmic) {
+  const bool isAscending = std::isfinite(p_low) && std::isfinite(p_high) && p_low < p_high;
+  if (isAscending && !(p_logarithmic && p_low <= 0))
+    return;
+  std::ostringstream message;
+  message.imbue(std::locale::classic());
+  message << "ColorRange: expected finite, ascending limits" << (p_logarithmic ? " above 0" : "") << ", got " << p_low
+          << " and " << p_high;
+  throw std::invalid_argument(message.str());
+}
+
+QColor Faded(QColor p_color, double p_opacity) {
+  p_color.setAlphaF(p_color.alphaF() * p_opacity);
+  return p_color;
+}
+
+} // namespace
+
+bool ColorKey::Matches(const ColorKey& p_other) const {
+  return title == p_other.title && colors == p_other.colors && range.min == p_other.range.min &&
+         range.max == p_other.range.max && logarithmic == p_other.logarithmic;
+}
+
+void ColorKey::Merge(const ColorKey& p_other) {
+  all += p_other.all.min;
+  all += p_other.all.max;
+  hasBelow = hasBelow || p_other.hasBelow;
+  hasAbove = hasAbove || p_other.hasAbove;
+  if (!hasMissing && p_other.hasMissing)
+    missing = p_other.missing;
+  hasMissing = hasMissing || p_other.hasMissing;
+}
+
+void Coloring::SetColor(const QColor& p_color) {
+  SetValues({});
+  _color = p_color;
+  _map.Reset();
+}
+
+void Coloring::SetValues(const std::vector<double>& p_values) {
+  if (_values.empty() != p_values.empty())
+    _map.Reset();
+  _linear = Summarize(p_values, false);
+  _positive = Summarize(p_values, true);
+  _values.assign(p_values.begin(), p_values.end());
+}
+
+void Coloring::SetMap(std::vector<QColor> p_colors) {
+  _colors = std::move(p_colors);
+  _map.Reset();
+}
+
+void Coloring::SetRange(double p_low, double p_high) {
+  RequireRange(p_low, p_high, _logarithmic);
+  _range = Range(p_low, p_high);
+}
+
+void Coloring::SetLogarithmic(bool p_logarithmic) {
+  if (_range)
+    RequireRange(_range->min, _range->max, p_logarithmic);
+  _logarithmic = p_logarithmic;
+}
+
+void Coloring::SetOpacity(double p_opacity) {
+  _opacity = p_opacity;
+  _map.Reset();
+}
+
+ValueScale Coloring::Scale() const {
+  ValueScale scale;
+  if (_values.empty())
+    return scale; // elements without values have the value 0: the only colour
+  const Range range = EffectiveRange();
+  scale.lower = range.min;
+  scale.upper = range.max;
+  scale.logarithmic = _logarithmic;
+  scale.missing = Faded(_missing, _opacity);
+  return scale;
+}
+
+const Library::ColorMap& Coloring::Map(Utility::Scoped<Rgl>& p_gl) const {
+  return _map.Get(p_gl, [&] {
+    std::vector<QColor> colors{_color};
+    if (!_values.empty())
+      colors = _colors.empty() ? Library::NamedColors::Colors("viridis") : _colors;
+    for (QColor& color : colors)
+      color = Faded(color, _opacity);
+    return Library::ColorMap(colors, Library::ColorMap::Interpolated);
+  });
+}
+
+std::optional<ColorKey> Coloring::Key() const {
+  if (_values.empty())
+    return {};
+  ColorKey key;
+  key.title = _title;
+  key.colors = _colors.empty() ? Library::NamedColors::Colors("viridis") : _colors;
+  key.range = EffectiveRange();
+  key.logarithmic = _logarithmic;
+  key.all = Summary().all;
+  key.hasBelow = Summary().hasBelow || Summary().all.min < key.range.min;
+  key.hasAbove = Summary().hasAbove || Summary().all.max > key.range.max;
+  key.hasMissing = Summary().missing != 0;
+  key.missing = _missing;
+  return key;
+}
+
+QColor Coloring::Sample() const {
+  if (_values.empty())
+    return _color;
+  const std::vector<QColor> colors = _colors.empty() ? Library::NamedColors::Colors("viridis") : _colors;
+  return colors[colors.size() / 2];
+}
+
+} // namespace Vek::Chart::Scene::Private

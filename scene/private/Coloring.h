@@ -1,0 +1,80 @@
+#pragma once
+
+#include "scene/Array.h"
+#include "scene/ValueScale.h"
+#include "scene/private/RoundRange.h"
+
+#include "library/ColorMap.h"
+#include "platform/ogl/PerContext.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/utility/Scope.h"
+
+#include <QColor>
+#include <QString>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Vek::Chart::Scene::Private {
+
+/// What a colour bar shows.
+struct ColorKey {
+  QString title;
+  std::vector<QColor> colors; ///< from low to high, opaque
+  Range range;
+  bool logarithmic = false;
+  Range all;             ///< true extremes; empty if there are no values
+  bool hasBelow = false; ///< values below the range
+  bool hasAbove = false; ///< values above it
+  bool hasMissing = false;
+  QColor missing;
+
+  /// Whether both can share a colour bar: title, map and range are equal.
+  bool Matches(const ColorKey& p_other) const;
+  /// Takes in what only the other one has: extremes and missing values.
+  void Merge(const ColorKey& p_other);
+};
+
+/// How a plot gets its colours: by values and a colour map, or one colour for all.
+class Coloring {
+public:
+  void SetColor(const QColor& p_color);
+  void SetValues(const std::vector<double>& p_values);
+  void SetMap(std::vector<QColor> p_colors);
+  void SetRange(double p_low, double p_high);
+  void SetLogarithmic(bool p_logarithmic);
+  void SetTitle(const QString& p_title) { _title = p_title; }
+  void SetMissing(const QColor& p_color) { _missing = p_color; }
+  void SetOpacity(double p_opacity);
+
+  const std::vector<float>& Values() const { return _values; }
+  std::size_t MissingCount() const { return _linear.missing; }
+  /// The values of the first and the last colour.
+  Range EffectiveRange() const { return _range ? *_range : DefaultRange(Summary(), _logarithmic); }
+  /// What parts draw values with.
+  ValueScale Scale() const;
+  /// The colour map of the scope's context.
+  const Library::ColorMap& Map(Utility::Scoped<Rgl>& p_gl) const;
+  /// For a colour bar; empty without values.
+  std::optional<ColorKey> Key() const;
+  /// The colour of a plot without values, opaque; of others the middle of the map.
+  QColor Sample() const;
+  void Release(const Utility::Scoped<Rgl>& p_gl) const { _map.Release(p_gl); }
+
+private:
+  const ValueSummary& Summary() const { return _logarithmic ? _positive : _linear; }
+
+  std::vector<float> _values;
+  ValueSummary _linear, _positive; ///< of the values before they are rounded to float
+  QColor _color;
+  std::vector<QColor> _colors; ///< of the map; viridis if empty
+  std::optional<Range> _range;
+  bool _logarithmic = false;
+  double _opacity = 1;
+  QString _title;
+  QColor _missing{128, 128, 128};
+  Ogl::PerContext<Library::ColorMap> _map;
+};
+
+} // namespace Vek::Chart::Scene::Private

@@ -1,0 +1,244 @@
+#include "scene/private/FigureState.h"
+
+#include "scene/ColorBar.h"
+#include "scene/DirectionalLight.h"
+#include "scene/private/FigurePage.h"
+#include "scene/private/SceneState.h"
+
+#include "platform/debug/Check.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Vek::Chart::Scene {
+
+namespace {
+
+using Private::At;
+using Private::Box;
+using Private::PlotContent;
+using Private::Point;
+using Private::Range;
+
+constexpr std::array<const char*, 3> AxisNames{"x", "y", "z"};
+
+/// How many glyphs there is room for, in powers of two, so that few sizes of windows differ.
+std::size_t RoomForGlyphs(const QSizeF& p_size, bool p_isFlat) {
+  // Square points of the image for each glyph: 12 x 12 of the scene's share, or four layers of such.
+  const double area = p_isFlat ? 240 : 60;
+  constexpr double LeastRoom = 64, MostRoom = 1 << 20;
+  const double room = std::clamp(p_size.width() * p_size.height() / area, LeastRoom, MostRoom);
+  return std::size_t{1} << static_cast<unsigned int>(std::log2(room));
+}
+
+} // namespace
+
+void Figure::State::Adopt(std::unique_ptr<Plot> p_plot) {
+  // Distinct hues of similar lightness, legible on light and dark backgrounds.
+  constexpr std::array<QRgb, 6> Palette{0xFF2F7FC1, 0xFFD9662B, 0xFF2F9E6B, 0xFFB8499A, 0xFFC29A1F, 0xFF7560C4};
+  PlotContent* const content = p_plot->_content.get();
+  content->coloring.SetColor(QColor::fromRgb(Palette[added++ % Palette.size()]));
+  entries.push_back({std::move(p_plot), content});
+}
+
+std::vector<PlotContent*> Figure::State::Visible() const {
+  std::vector<PlotContent*> visible;
+  for (const Entry& entry : entries)
+    if (entry.content->isVisible)
+      visible.push_back(entry.content);
+  return visible;
+}
+
+Box Figure::State::PlacePlots(const QSizeF& p_size) {
+  Box data;
+  bool leavesPlane = rules.limits[2].has_value();
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    Entry& entry = entries[i];
+    if (!entry.content->isVisible)
+      continue;
+    const Box bounds = entry.content->Bounds(rules);
+    data += bounds;
+    leavesPlane = leavesPlane || entry.content->LeavesPlane();
+    if (bounds.Empty() && !std::exchange(entry.isEmptinessReported, bounds.Empty()))
+      vekdebug::warn("Figure: plot " + std::to_string(i + 1) + " has no point to show");
+  }
+  _isFlat = !leavesPlane && data.Extent().z == 0;
+
+  const auto limited = [&](const Box& p_box) {
+    Point low = p_box.Min(), high = p_box.Max();
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      if (rules.limits[axis])
+        At(low, axis) = rules.limits[axis]->min, At(high, axis) = rules.limits[axis]->max;
+    return Box(low, high);
+  };
+  data = limited(Private::Widened(data, rules.logarithmic, _isFlat));
+  transform = Private::TransformFor(data, rules, transform);
+
+  Private::Placement placement;
+  placement.transform = transform;
+  placement.rules = rules;
+  placement.diagonal = Length(transform(data).Extent());
+  placement.isFlat = _isFlat;
+  placement.most = RoomForGlyphs(p_size, _isFlat);
+  Box scene = transform(data);
+  for (PlotContent* const content : Visible())
+    scene += content->Place(placement);
+
+  // Round limits around whole glyphs.
+  data = transform.Inverse(scene);
+  constexpr int Steps = 40;
+  Point low = data.Min(), high = data.Max();
+  for (std::size_t axis = 0; axis < (_isFlat ? 2 : 3); ++axis) {
+    const Range round = Private::RoundOutward(Private::Along(data, axis), rules.logarithmic[axis], Steps);
+    At(low, axis) = round.min, At(high, axis) = round.max;
+  }
+  return limited(Box(low, high));
+}
+
+Axes Figure::State::MakeAxes(const Box& p_limits) const {
+  Axes axes;
+  axes.box = transform(p_limits);
+  const bool isUntitled = axisTitles[0].isEmpty() && axisTitles[1].isEmpty() && axisTitles[2].isEmpty();
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    axes.axes[axis].title = isUntitled && !_isFlat ? QString::fromLatin1(AxisNames[axis]) : axisTitles[axis];
+    axes.axes[axis].low = At(p_limits.Min(), axis);
+    axes.axes[axis].high = At(p_limits.Max(), axis);
+    axes.axes[axis].scale = rules.logarithmic[axis] ? Axes::Scale::Logarithmic : Axes::Scale::Linear;
+  }
+  return axes;
+}
+
+std::vector<QString> Figure::State::Notes() const {
+  std::vector<QString> notes;
+  const std::vector<PlotContent*> visible = Visible();
+  for (const PlotContent* const content : visible)
+    for (const QString& note : content->Notes())
+      notes.push_back(visible.size() > 1 && !content->label.isEmpty() ? content->label + ": " + note : note);
+  for (std::size_t axis = 0; axis < (_isFlat ? 2 : 3); ++axis)
+    if (transform.axes[axis].stretch != 1 && !rules.logarithmic[axis])
+      notes.push_back(QStringLiteral("%1 \u00D7 %2")
+                          .arg(axisTitles[axis].isEmpty() ? QString::fromLatin1(AxisNames[axis]) : axisTitles[axis])
+                          .arg(transform.axes[axis].stretch));
+  return notes;
+}
+
+namespace {
+
+std::vector<ColorBar> BarsOf(const std::vector<PlotContent*>& p_contents) {
+  std::vector<Private::ColorKey> keys;
+  for (const PlotContent* const content : p_contents) {
+    auto key = content->coloring.Key();
+    if (!key)
+      continue;
+    const auto same = std::find_if(keys.begin(), keys.end(), [&](const auto& p_key) { return p_key.Matches(*key); });
+    if (same == keys.end())
+      keys.push_back(*key);
+    else
+      same->Merge(*key);
+  }
+  std::vector<ColorBar> bars;
+  for (const Private::ColorKey& key : keys) {
+    ValueScale scale;
+    scale.lower = key.range.min;
+    scale.upper = key.range.max;
+    scale.logarithmic = key.logarithmic;
+    scale.missing = key.missing;
+    ColorBar bar(Library::ColorMap(key.colors, Library::ColorMap::Interpolated), scale);
+    bar.title = key.title;
+    bar.hasMissing = key.hasMissing;
+    if (key.hasBelow)
+      bar.least = key.all.Empty() ? -HUGE_VAL : std::min(key.all.min, key.range.min);
+    if (key.hasAbove)
+      bar.largest = key.all.max;
+    bars.push_back(std::move(bar));
+  }
+  return bars;
+}
+
+Camera OwnCamera(const std::optional<Camera>& p_direction, bool p_isFlat) {
+  Camera camera;
+  camera.Look(p_isFlat ? Camera::StandardView::Top : Camera::StandardView::Chart);
+  camera.projection = p_isFlat ? Camera::Projection::Parallel : Camera::Projection::Perspective;
+  if (p_direction) {
+    camera.azimuth = p_direction->azimuth;
+    camera.elevation = p_direction->elevation;
+    camera.projection = p_direction->projection;
+  }
+  return camera;
+}
+
+} // namespace
+
+FigureLayout Figure::State::Arrange(const Figure& p_figure, const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
+  const QSizeF size(static_cast<double>(p_viewport.width) / p_pixelRatio,
+                    static_cast<double>(p_viewport.height) / p_pixelRatio);
+  const Axes axes = MakeAxes(PlacePlots(size));
+  const Axes::Target target{p_viewport, p_pixelRatio, Axes::MeasureIn(p_figure.theme, p_pixelRatio)};
+  Private::PageContent page{title, subtitle, Notes(), BarsOf(Visible()), {}};
+  View view{p_figure.camera ? *p_figure.camera : OwnCamera(direction, _isFlat), p_viewport};
+  const auto lay = [&] {
+    return Private::LayOutPage(size, page, p_figure.theme, p_pixelRatio);
+  };
+  if (p_figure.camera) {
+    FigureLayout layout = lay();
+    layout.camera = view.camera;
+    layout.axes = axes.Layout(layout.camera, target, axesState);
+    return layout;
+  }
+
+  // Keys depend on the camera, which depends on the room that keys leave: until both agree.
+  view.camera.Fit(axes.box, p_viewport);
+  constexpr int MostPasses = 4;
+  FigureLayout layout;
+  for (int pass = 0; pass < MostPasses; ++pass) {
+    layout = lay();
+    layout.camera = view.camera;
+    const Canvas::Rect& scene = layout.scene;
+    const Camera::Margins margins{scene.left * p_pixelRatio, scene.bottom * p_pixelRatio,
+                                  (size.width() - scene.right) * p_pixelRatio,
+                                  (size.height() - scene.top) * p_pixelRatio};
+    layout.axes = axes.Fit(layout.camera, target, margins, axesState);
+    if (page.keys.empty() || layout.camera == view.camera)
+      break;
+    view.camera = layout.camera;
+  }
+  Private::CloseUp(layout);
+  return layout;
+}
+
+void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame) {
+  const auto state = Private::SceneState(p_gl, p_frame.viewport);
+  const auto matrices = p_frame.camera.Apply(p_gl, p_frame.viewport);
+  DirectionalLight light;
+  if (_isFlat) { // from the viewer: what faces him has the colours of the colour bar
+    light.direction = {0, 0, 1};
+    light.ambient = 0.55;
+    light.diffuse = 0.45;
+    light.specular = 0;
+  }
+  const auto lighting = light.Apply(p_gl);
+
+  std::vector<PlotContent*> transparent;
+  for (PlotContent* const content : Visible()) {
+    if (content->opacity < 1)
+      transparent.push_back(content);
+    else
+      content->Draw(p_gl, p_frame);
+  }
+  // Of a half-transparent plot, the nearest surface alone: its depths first.
+  for (PlotContent* const content : transparent) {
+    if (content->opacity <= 0)
+      continue;
+    p_gl->ColorMask(false, false, false, false);
+    content->Draw(p_gl, p_frame);
+    p_gl->ColorMask(true, true, true, true);
+    p_gl->Enable(RGL_BLEND);
+    p_gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
+    p_gl->DepthFunc(RGL_LEQUAL);
+    content->Draw(p_gl, p_frame);
+    p_gl->DepthFunc(RGL_LESS);
+    p_gl->Disable(RGL_BLEND);
+  }
+}
+
+} // namespace Vek::Chart::Scene

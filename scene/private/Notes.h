@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+#include <cstddef>
+#include <vector>
+
+namespace Vek::Chart::Scene::Private {
+
+/// A number for readers: thousands in groups of three.
+inline QString Grouped(std::size_t p_number) {
+  QString digits = QString::number(p_number);
+  for (int at = static_cast<int>(digits.size()) - 3; at > 0 && p_number >= 10000; at -= 3)
+    digits.insert(at, ',');
+  return digits;
+}
+
+/// Adds "1 point missing" or "12 points missing"; nothing for 0.
+inline void AddCount(std::vector<QString>& p_notes, std::size_t p_count, const char* p_one, const char* p_many) {
+  if (p_count != 0)
+    p_notes.push_back(Grouped(p_count) + ' ' + QLatin1String(p_count == 1 ? p_one : p_many));
+}
+
+} // namespace Vek::Chart::Scene::Private

@@ -1,0 +1,102 @@
+#pragma once
+
+// How a plot is added to Figure:
+//
+// 1. The public class, `class BarsPlot : public ColoredPlot<BarsPlot>` in scene/BarsPlot.h, has the settings of its own
+// and
+//    forwards them to its content. Its constructor is private, with Figure as a friend.
+// 2. The content, `class BarsContent : public PlotContent` in scene/private/BarsContent.h, copies the data in its
+//    constructor and implements the functions below.
+// 3. Figure gets `BarsPlot& Bars(...)`, one line: `return _state->Add(std::unique_ptr<BarsPlot>(new BarsPlot(...)))`.
+//
+// Limits, axes, colour bars, keys, notes, order of drawing, transparency and removal follow from these functions.
+
+#include "scene/Camera.h"
+#include "scene/private/Coloring.h"
+#include "scene/private/DataTransform.h"
+
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Viewport.h"
+#include "platform/utility/Scope.h"
+
+#include <QColor>
+#include <QString>
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace Vek::Chart::Scene::Private {
+
+/// What plots are placed by. `Place` is called before each drawing: compare, and do nothing where nothing changed.
+struct Placement {
+  DataTransform transform; ///< from data to the scene
+  AxisRules rules;         ///< points that they do not show are left out
+  double diagonal = 1;     ///< of the box of all data, in scene units
+  bool isFlat = false;     ///< whether all data lie in one plane, seen from above
+  std::size_t most = 0;    ///< glyphs that the image has room for
+
+  bool operator==(const Placement& p_other) const {
+    return transform == p_other.transform && rules == p_other.rules && diagonal == p_other.diagonal &&
+           isFlat == p_other.isFlat && most == p_other.most;
+  }
+};
+
+/// What plots are drawn with. The camera's matrices are loaded, and a light is on.
+struct Frame {
+  Camera camera;
+  Types::Viewport<0> viewport;
+  double pixelRatio = 1; ///< pixels of a point
+};
+
+/// What the length of arrows means (see ArrowKey).
+struct LengthKey {
+  QString title;
+  double scale = 0;   ///< scene units in a unit of the data
+  double typical = 0; ///< length of a long arrow, in scene units
+  QColor color;       ///< invalid where colours mean values
+};
+/// What the size of symbols means (see SizeLegend): areas are in proportion to values.
+struct SizeKey {
+  QString title;
+  double least = 0;    ///< the smallest value above 0
+  double largest = 0;  ///< the largest value
+  double diameter = 0; ///< of the largest value, in scene units
+};
+
+/// What Figure needs of a plot.
+class PlotContent {
+public:
+  PlotContent() = default;
+  virtual ~PlotContent() = default;
+  PlotContent(const PlotContent&) = delete;
+  PlotContent& operator=(const PlotContent&) = delete;
+
+  // Settings, by Plot.
+  bool isVisible = true;
+  double opacity = 1;
+  QString label;
+  Coloring coloring;
+  /// Called after the values changed.
+  virtual void ValuesChanged() {}
+
+  /// How many elements there are, which is also how many values `coloring` must have.
+  virtual std::size_t Count() const = 0;
+  /// The box around the data that the rules show, without glyphs, in data units; empty if there are none.
+  virtual Box Bounds(const AxisRules& p_rules) const = 0;
+  /// Whether vectors leave the plane z = const. (Positions that do are seen by their bounds.)
+  virtual bool LeavesPlane() const { return false; }
+  /// Places the data and returns the box around whole glyphs, in scene units.
+  virtual Box Place(const Placement& p_placement) = 0;
+  /// Draws. Called for each frame, twice if the plot is half-transparent.
+  virtual void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) = 0;
+  /// Frees what the scope's context has.
+  virtual void Release(const Utility::Scoped<Rgl>& p_gl) const = 0;
+
+  // What the figure must say.
+  virtual std::vector<QString> Notes() const { return {}; }
+  virtual std::optional<LengthKey> Lengths() const { return {}; }
+  virtual std::optional<SizeKey> Sizes() const { return {}; }
+};
+
+} // namespace Vek::Chart::Scene::Private

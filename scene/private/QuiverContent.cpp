@@ -1,0 +1,272 @@
+#include "scene/private/QuiverContent.h"
+
+#include "scene/private/Notes.h"
+#include "scene/private/Thinning.h"
+
+#include "library/VectorSymbol.h"
+#include "platform/ogl/VertexData.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace Vek::Chart::Scene::Private {
+
+namespace {
+
+constexpr std::size_t MostArrows = 10000;
+constexpr double FlatHead = 0.2; // half width of the head of a flat arrow of length 1
+
+/// A flat arrow of length 1, bolder than the built-in glyph: short arrows are a few pixels long and still seen.
+///
+///         0          z, the axis
+///     1 3   4 2      |
+///                    +-- x, with the normal y
+///       5   6
+GpuMesh FlatArrow() {
+  constexpr double Shaft = 0.06, Neck = 0.58; // half width of the shaft; where the head begins
+  const std::vector<Point> positions{{0, 0, 1},        {-FlatHead, 0, Neck}, {FlatHead, 0, Neck}, {-Shaft, 0, Neck},
+                                     {Shaft, 0, Neck}, {-Shaft, 0, 0},       {Shaft, 0, 0}};
+  const std::vector<Point> normals(positions.size(), Point(0, 1, 0));
+  GpuMesh::Arrays arrays;
+  arrays.positions = positions;
+  arrays.normals = normals;
+  arrays.indices = {0, 2, 1, 3, 4, 6, 3, 6, 5};
+  return GpuMesh(arrays);
+}
+
+InstancedMesh::Level ArrowLevel(bool p_isFlat, double p_scale) {
+  if (p_isFlat) {
+    InstancedMesh::Level level{FlatArrow()};
+    level.scale = p_scale;
+    return level;
+  }
+  constexpr unsigned int Segments = 16;
+  const Library::VectorSymbol symbol(Model::Symbol::ShapeArrow3D, Segments);
+  Ogl::VertexData data;
+  symbol.BuildShape(data);
+  InstancedMesh::Level level{GpuMesh(data)};
+  level.scale = p_scale / symbol.Length();
+  return level;
+}
+
+} // namespace
+
+QuiverContent::QuiverContent(const Array3& p_positions, const Array3& p_vectors)
+    : _positions(Points(p_positions))
+    , _vectors(Points(p_vectors)) {
+  RequireCount("Quiver: vectors", p_vectors.Count(), p_positions.Count());
+}
+
+void QuiverContent::UpdatePositions(const Array3& p_positions) {
+  RequireCount("UpdatePositions", p_positions.Count(), Count());
+  _positions = Points(p_positions);
+  _positionsChanged = true;
+}
+
+void QuiverContent::UpdateVectors(const Array3& p_vectors) {
+  RequireCount("UpdateVectors", p_vectors.Count(), Count());
+  _vectors = Points(p_vectors);
+  _vectorsChanged = true;
+}
+
+Box QuiverContent::Bounds(const AxisRules& p_rules) const {
+  Box box;
+  for (std::size_t i = 0; i < _positions.size(); ++i)
+    if (p_rules.Shows(_positions[i]) && IsFinite(_vectors[i]))
+      box += _positions[i];
+  return box;
+}
+
+bool QuiverContent::LeavesPlane() const {
+  return std::any_of(_vectors.begin(), _vectors.end(),
+                     [](const Point& p_vector) { return std::isfinite(p_vector.z) && p_vector.z != 0; });
+}
+
+template <class T>
+std::vector<T> QuiverContent::OfDrawn(const std::vector<T>& p_all, const std::vector<std::uint32_t>& p_indices) const {
+  std::vector<T> chosen;
+  chosen.reserve(p_indices.size());
+  for (const std::uint32_t index : p_indices)
+    chosen.push_back(p_all[index]);
+  return chosen;
+}
+
+Box QuiverContent::Place(const Placement& p_placement) {
+  Placement wanted = p_placement;
+  wanted.most = _most != 0 ? _most : std::min(MostArrows, p_placement.most);
+  const bool isChosenAnew = !_isPlaced || _positionsChanged || _vectorsChanged ||
+                            wanted.transform != _placement.transform || wanted.rules != _placement.rules ||
+                            wanted.most != _placement.most;
+  const bool isFlatChanged = wanted.isFlat != _placement.isFlat;
+  const bool isTurned = _vectorsChanged || wanted.transform != _placement.transform ||
+                        (_positionsChanged && wanted.transform.IsLogarithmic());
+  _placement = wanted;
+  const std::vector<std::uint32_t> oldDrawn = _drawn, oldZero = _zero;
+  if (isChosenAnew)
+    Choose();
+  if (!_isPlaced || _drawn != oldDrawn || _zero != oldZero) {
+    // Other elements: all arrays are new.
+    const auto positioned = [&](const std::vector<std::uint32_t>& p_elements) {
+      const std::vector<Point> positions = OfDrawn(_scene, p_elements);
+      InstancedMesh::Instances instances;
+      instances.positions = positions;
+      instances.ids = p_elements;
+      return InstancedMesh(GpuMesh(), instances);
+    };
+    _arrows = positioned(_drawn);
+    _dots = positioned(_zero);
+    PlaceVectors();
+    PlaceValues();
+    _scale = 0;
+  } else {
+    if (isChosenAnew && !(_vectorsChanged && !_positionsChanged))
+      PlacePoints();
+    if (isTurned)
+      PlaceVectors();
+    if (_valuesChanged)
+      PlaceValues();
+  }
+  _isPlaced = true;
+  _positionsChanged = _vectorsChanged = _valuesChanged = false;
+
+  const double scale = _unitLength > 0 ? _unitLength * p_placement.diagonal : _typical > 0 ? _spacing / _typical : 1;
+  if (scale != _scale || isFlatChanged) {
+    _scale = scale;
+    SetLevels();
+  }
+  return BoxOfArrows();
+}
+
+/// Around whole arrows: both ends, with a disc as wide as the head across the direction.
+Box QuiverContent::BoxOfArrows() const {
+  const double head = _placement.isFlat ? FlatHead : 1.0 / 9;
+  Box box;
+  for (const std::uint32_t index : _drawn) {
+    const Point direction = Normalize(_placement.transform.Direction(_positions[index], _vectors[index]));
+    const double length = Length(_vectors[index]) * _scale;
+    const auto across = [&](double p_along) { return head * length * std::sqrt(std::max(0.0, 1 - p_along * p_along)); };
+    const Point disc(across(direction.x), across(direction.y), _placement.isFlat ? 0 : across(direction.z));
+    box += _scene[index] - disc;
+    box += _scene[index] + disc;
+    box += _scene[index] + direction * length - disc;
+    box += _scene[index] + direction * length + disc;
+  }
+  return box;
+}
+
+void QuiverContent::Choose() {
+  _scene.assign(_positions.size(), Point(NAN, NAN, NAN));
+  _missing = _hidden = 0;
+  std::vector<std::uint32_t> candidates;
+  for (std::size_t i = 0; i < _positions.size(); ++i) {
+    if (!IsFinite(_positions[i]) || !IsFinite(_vectors[i])) {
+      ++_missing;
+    } else if (!_placement.rules.Shows(_positions[i])) {
+      ++_hidden;
+    } else {
+      _scene[i] = _placement.transform(_positions[i]);
+      candidates.push_back(static_cast<std::uint32_t>(i));
+    }
+  }
+  _candidates = candidates.size();
+  _drawn = Thinned(_scene, candidates, _placement.most);
+
+  _zero.clear();
+  std::vector<double> lengths;
+  for (const std::uint32_t index : _drawn) {
+    const double length = Length(_vectors[index]);
+    if (length > 0)
+      lengths.push_back(length);
+    else
+      _zero.push_back(index);
+  }
+  constexpr double LoneSpacing = 0.15; // of the diagonal, for a single arrow
+  const double spacing = MedianSpacing(_scene, _drawn);
+  _spacing = spacing > 0 ? spacing : LoneSpacing * _placement.diagonal;
+  _typical = 0;
+  if (!lengths.empty()) {
+    const auto at = static_cast<std::ptrdiff_t>(std::ceil(0.98 * static_cast<double>(lengths.size() - 1)));
+    std::nth_element(lengths.begin(), lengths.begin() + at, lengths.end());
+    _typical = lengths[static_cast<std::size_t>(at)];
+  }
+}
+
+void QuiverContent::PlacePoints() {
+  _arrows.UpdatePositions(OfDrawn(_scene, _drawn));
+  _dots.UpdatePositions(OfDrawn(_scene, _zero));
+}
+
+void QuiverContent::PlaceVectors() {
+  std::vector<Point> directions;
+  std::vector<double> lengths;
+  for (const std::uint32_t index : _drawn) {
+    directions.push_back(Normalize(_placement.transform.Direction(_positions[index], _vectors[index])));
+    lengths.push_back(Length(_vectors[index]));
+  }
+  _arrows.UpdateDirections(directions);
+  _arrows.UpdateSizes(lengths);
+}
+
+void QuiverContent::PlaceValues() {
+  if (coloring.Values().empty()) {
+    _arrows.UpdateValues({});
+    _dots.UpdateValues({});
+    return;
+  }
+  const std::vector<float> values = OfDrawn(coloring.Values(), _drawn);
+  constexpr double Same = 1e-3; // of a length
+  _valuesAreLengths = true;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const double length = Length(_vectors[_drawn[i]]);
+    _valuesAreLengths = _valuesAreLengths && std::abs(static_cast<double>(values[i]) - length) <= Same * length;
+  }
+  _arrows.UpdateValues(values);
+  _dots.UpdateValues(OfDrawn(coloring.Values(), _zero));
+}
+
+void QuiverContent::SetLevels() {
+  // Lengths of the data are scaled by the level, so that another scale uploads no instance.
+  _arrows.SetLevels({ArrowLevel(_placement.isFlat, _scale)});
+  constexpr double DotShare = 0.12; // of the distance between neighbours
+  std::vector<InstancedMesh::Level> dots = InstancedMesh::Spheres();
+  for (InstancedMesh::Level& level : dots) {
+    level.scale *= DotShare * _spacing;
+    level.mostPixels /= DotShare * _spacing;
+  }
+  _dots.SetLevels(std::move(dots));
+}
+
+void QuiverContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame&) {
+  const Library::ColorMap& map = coloring.Map(p_gl);
+  _arrows.Draw(p_gl, map, coloring.Scale());
+  _dots.Draw(p_gl, map, coloring.Scale());
+}
+
+void QuiverContent::Release(const Utility::Scoped<Rgl>& p_gl) const {
+  _arrows.Release(p_gl);
+  _dots.Release(p_gl);
+  coloring.Release(p_gl);
+}
+
+std::vector<QString> QuiverContent::Notes() const {
+  std::vector<QString> notes;
+  if (_drawn.size() < _candidates)
+    notes.push_back(Grouped(_drawn.size()) + " of " + Grouped(_candidates) + " arrows drawn");
+  AddCount(notes, _missing, "arrow missing", "arrows missing");
+  AddCount(notes, _hidden, "arrow outside of the axes", "arrows outside of the axes");
+  AddCount(notes, coloring.MissingCount(), "value missing", "values missing");
+  return notes;
+}
+
+std::optional<LengthKey> QuiverContent::Lengths() const {
+  if (!(_typical > 0))
+    return {};
+  const auto colors = coloring.Key();
+  const QString title = !_lengthTitle.isEmpty()       ? _lengthTitle
+                        : colors && _valuesAreLengths ? colors->title
+                                                      : QStringLiteral("Length");
+  return LengthKey{title, _scale, _typical * _scale, colors ? QColor() : coloring.Sample()};
+}
+
+} // namespace Vek::Chart::Scene::Private
