@@ -26,8 +26,7 @@ using Progress = Library::ObjProgress;
 ///   Library::TriangulatePolygon; triangle strips; edges as lines. Numbers and lists may be of any type. Colours of
 ///   integers are divided by the largest one of their type. A comment "TextureFile NAME" becomes a material. Vertices
 ///   without faces and edges are points. Colours and texture coordinates of faces are not read.
-/// - STL, as text or binary, also binary files that start with "solid": the triangles, whose corners at the same
-/// position
+/// - STL, as text or binary, also binary files that start with "solid": the triangles, whose corners at one position
 ///   become one vertex. Each "solid" is a group. Normals and colours of the file are not read.
 ///
 /// Normals that a PLY or STL file lacks are those of Library::ComputeNormals.
@@ -40,7 +39,8 @@ using Progress = Library::ObjProgress;
 /// \ingroup files
 VEK_IO_API Mesh ReadMesh(const std::string& p_path, const Progress& p_progress = {});
 /// Likewise, from a stream; `p_name` takes the place of the path in messages, in the recognition by name, and in the
-/// search for materials and textures. \ingroup files
+/// search for materials and textures.
+/// \ingroup files
 VEK_IO_API Mesh ReadMesh(std::istream& p_stream, const std::string& p_name, const Progress& p_progress = {});
 
 } // namespace Vek::Chart::Io

@@ -92,15 +92,12 @@ using ObjProgress = std::function<bool(double p_share)>;
 /// Reads a Wavefront OBJ file and its materials.
 ///
 /// - Words are separated by any blanks and tabs; lines end in LF, CR LF or CR, and go on behind a backslash at their
-/// end.
-///   Comments start with '#', also behind a statement. Lines have at most 64 MiB.
+///   end. Comments start with '#', also behind a statement. Lines have at most 64 MiB.
 /// - `v` has a position, and behind it either one number, which is ignored, or a colour of three or four. Colours with
-/// a
-///   component beyond 1 are taken to be 0 to 255, in the whole file. `vn` has a normal, `vt` one to three texture
-///   coordinates, of which two are kept. What else follows is ignored.
+///   a component beyond 1 are taken to be 0 to 255, in the whole file. `vn` has a normal, `vt` one to three texture
+///   coordinates, of which two are kept. Further numbers are ignored.
 /// - `f` has three or more corners: a, a/b, a//c or a/b/c with position a, texture coordinate b and normal c, counted
-/// from
-///   1, or backwards from the last one with -1. TriangulatePolygon divides the face. `l` is a line through two
+///   from 1, or backwards from the last one with -1. TriangulatePolygon divides the face. `l` is a line through two
 ///   positions or more, `p` a list of points; their texture coordinates are not read.
 /// - Corners without normal get one from ComputeNormals, shared by the faces around a position that have the same
 ///   smoothing group. With `s off` or `s 0`, a face has its own Newell normal. Faces in front of the first `s` are
@@ -110,10 +107,10 @@ using ObjProgress = std::function<bool(double p_share)>;
 ///   the name is looked for in the folder as well.
 ///
 /// Throws ObjError with path and line for a number or index that is none, an index of something that is not above it in
-/// the file, too few numbers, a line that is too long; and without a line for a file that cannot be opened or read, is
+/// the file, too few numbers, and a line that is too long; without a line for a file that cannot be opened or read, is
 /// in UTF-16 or binary, has no position, or is cancelled. Faces of less than three corners, curved surfaces, unknown
-/// statements, and materials and textures that cannot be read are warnings; the rest is read. Memory stays below 64
-/// times the file.
+/// statements, and materials and textures that cannot be read are warnings; the rest is read. Memory stays below 16 MB
+/// and 64 times the file; names of groups that would exceed that throw.
 ///
 /// \ingroup files
 VEK_LIBRARY_API ObjScene ReadObjScene(const std::string& p_path, const ObjProgress& p_progress = {});

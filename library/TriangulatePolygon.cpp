@@ -131,7 +131,7 @@ public:
       , _previous(p_points.size())
       , _next(p_points.size())
       , _reflex(p_points.size())
-      , _budget((std::size_t(1) << 24) + 256 * p_points.size()) {
+      , _budget((std::size_t(1) << 24) + 64 * p_points.size()) {
     const std::size_t count = p_points.size();
     for (std::size_t i = 0; i < count; ++i) {
       _previous[i] = static_cast<std::uint32_t>((i + count - 1) % count);

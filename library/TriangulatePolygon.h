@@ -19,7 +19,7 @@ namespace Vek::Chart::Library {
 /// outline by an edge that is used twice.
 ///
 /// A polygon without area, with a coordinate that is not finite, or that crosses itself also gets n - 2 triangles,
-/// which may overlap; so does one that would take more than about 2^24 + 256 n tests. Fewer than three corners have
+/// which may overlap; so does one that would take more than about 2^24 + 64 n tests. Fewer than three corners have
 /// none. A null array counts as empty. Nothing is reported. Thread-safe.
 ///
 /// \snippet GlyphSnippets.cpp TriangulatePolygon

@@ -80,6 +80,10 @@ void ObjSceneReader::BeginGroup(ObjScene::Primitive p_primitive) {
   if (!_groupChanged && !groups.empty() && groups.back().primitive == p_primitive)
     return;
   CheckSize();
+  constexpr std::uint64_t MostNameBytes = std::uint64_t(1) << 20; // beyond them, names are a share of the file
+  _nameBytes += _group.name.size() + _group.object.size();
+  if (_nameBytes > MostNameBytes && _nameBytes / 16 > _bytes)
+    throw ObjError(_path, _line, "shorter names for so many groups", _group.object + ' ' + _group.name);
   if (!groups.empty())
     groups.back().count = _scene.indices.size() - groups.back().first;
   _groupChanged = false;

@@ -139,6 +139,7 @@ const ObjSceneReader::Keyword ObjSceneReader::Keywords[] = {
 };
 
 void ObjSceneReader::ReadLines(const char* p_first, const char* p_last) {
+  _bytes += std::uint64_t(p_last - p_first);
   for (const char* line = p_first; line < p_last;) {
     ++_line;
     const char* const next = ReadStatement(line, p_last);
@@ -297,8 +298,9 @@ const char* ObjSceneReader::ReadPoints(const char* p_at, const char* p_last) {
 const char* ObjSceneReader::ReadOtherLine(const char* p_line, const char* p_last) {
   const char* end = FindLineEnd(p_line, p_last);
   std::string line(p_line, end);
+  const bool isComment = *SkipBlanks(p_line) == '#';
   std::uint64_t continued = 0;
-  for (; !line.empty() && line.back() == '\\' && line[line.find_first_not_of(" \t")] != '#'; ++continued) {
+  for (; !isComment && !line.empty() && line.back() == '\\'; ++continued) {
     line.back() = ' ';
     const char* const next = BehindLineEnd(end);
     if (next >= p_last)

@@ -104,6 +104,8 @@ private:
 
   const std::string& _path;
   std::uint64_t _line = 0;
+  std::uint64_t _bytes = 0;     // read
+  std::uint64_t _nameBytes = 0; // of all groups
   ObjScene _scene;
   ObjWarnings _warnings;
 
