@@ -45,6 +45,10 @@ ScatterPlot& Figure::Scatter(const Array3& p_positions) {
   return _state->Add(std::unique_ptr<ScatterPlot>(new ScatterPlot(p_positions)));
 }
 
+SurfacePlot& Figure::Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights) {
+  return _state->Add(std::unique_ptr<SurfacePlot>(new SurfacePlot(p_x, p_y, p_heights))).ColorByHeight();
+}
+
 void Figure::Remove(const Plot& p_plot) {
   auto& entries = _state->entries;
   const auto entry =
@@ -119,7 +123,7 @@ void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewpo
     Canvas canvas(p_gl, p_viewport, _state->text, ratio);
     Axes::Draw(canvas, layout.axes, theme);
   }
-  _state->DrawPlots(p_gl, {layout.camera, p_viewport, ratio});
+  _state->DrawPlots(p_gl, {layout.camera, p_viewport, ratio, theme.title});
   Canvas canvas(p_gl, p_viewport, _state->text, ratio);
   for (const FigureLayout::Block& block : layout.blocks)
     block.content.Draw(canvas, block.origin);

@@ -7,6 +7,7 @@
 #include "scene/Plot.h"
 #include "scene/QuiverPlot.h"
 #include "scene/ScatterPlot.h"
+#include "scene/SurfacePlot.h"
 #include "scene/Theme.h"
 
 #include "platform/ogl/Rgl.h"
@@ -72,6 +73,7 @@ public:
   /// Adds a plot.
   QuiverPlot& Quiver(const Array3& p_positions, const Array3& p_vectors);
   ScatterPlot& Scatter(const Array3& p_positions);
+  SurfacePlot& Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights);
   ///@}
   /// Removes a plot and frees its GL objects. Throws std::invalid_argument for a plot of another figure.
   void Remove(const Plot& p_plot);

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cmath>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -71,6 +72,28 @@ TEST_F(SceneFigureSnippetPixels, QuiverPlot) {
   quiver.UpdateVectors(velocities); // uploads vectors alone at the next drawing
   //! [QuiverPlot]
   Vek::Test::Shown(before, "QuiverPlot");
+}
+
+TEST_F(SceneFigureSnippetPixels, SurfacePlot) {
+  //! [SurfacePlot]
+  std::ifstream file(data + "etopo60.txt");
+  std::size_t columns = 0, rows = 0;
+  double firstLon = 0, stepLon = 0, firstLat = 0, stepLat = 0;
+  file >> columns >> rows >> firstLon >> stepLon >> firstLat >> stepLat;
+  std::vector<double> lon(columns), lat(rows), heights(columns * rows);
+  for (std::size_t i = 0; i < columns; ++i)
+    lon[i] = firstLon + stepLon * static_cast<double>(i);
+  for (std::size_t j = 0; j < rows; ++j)
+    lat[j] = firstLat + stepLat * static_cast<double>(j);
+  for (double& height : heights)
+    file >> height;
+
+  Figure figure("Relief of Asia", "Land and sea floor");
+  figure.SetAxisTitles("Longitude in °", "Latitude in °", "Height in m").SetLimits(0, 60, 130).SetLimits(1, 0, 50);
+  figure.Surface(lon, lat, heights).ColorTitle("Height in m").Contours(10);
+  const QImage image = figure.Image({1200, 800});
+  //! [SurfacePlot]
+  Vek::Test::Shown(image, "SurfacePlot");
 }
 
 } // namespace

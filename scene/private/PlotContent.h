@@ -47,6 +47,7 @@ struct Frame {
   Camera camera;
   Types::Viewport<0> viewport;
   double pixelRatio = 1; ///< pixels of a point
+  QColor ink;            ///< of lines whose colour means nothing
 };
 
 /// What the length of arrows means (see ArrowKey).

@@ -1,0 +1,263 @@
+#include "scene/Figure.h"
+
+#include "tests/support/ErrorOf.h"
+#include "tests/support/Shown.h"
+#include "tests/support/Test.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+
+using namespace Vek::Chart::Scene;
+
+namespace {
+
+using Point = Types::Vector3_Base<double>;
+using Numbers = std::vector<double>;
+using Viewport = Types::Viewport<0>;
+using Notes = std::vector<QString>;
+
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+
+Numbers Ascending(std::size_t p_count, double p_first = 0, double p_step = 1) {
+  Numbers numbers(p_count);
+  for (std::size_t i = 0; i < p_count; ++i)
+    numbers[i] = p_first + p_step * static_cast<double>(i);
+  return numbers;
+}
+
+class SurfacePlotTest : public ::testing::Test {
+protected:
+  void SetUp() override { Vek::Test::MakeApplication(); }
+  Notes NotesOf(Figure& p_figure) { return p_figure.Layout({0, 0, 600, 400}).notes; }
+};
+
+TEST_F(SurfacePlotTest, RefusesWrongArguments) {
+  Figure figure;
+  SurfacePlot& plot = figure.Surface(Ascending(4), Ascending(3), Ascending(12));
+  const std::vector<std::pair<std::function<void()>, std::string>> cases = {
+      {[&] { figure.Surface(Ascending(4), Ascending(3), Ascending(11)); },
+       "heights: expected 4 \u00D7 3 = 12 elements, got 11"},
+      {[&] { plot.UpdateHeights(Ascending(13)); }, "UpdateHeights: expected 12 elements, got 13"},
+      {[&] { plot.ColorBy(Ascending(4)); }, "ColorBy: expected 12 elements, got 4"},
+      {[&] { plot.Contours(-1); }, "Contours: expected 0 or more lines, got -1"},
+  };
+  for (const auto& [call, message] : cases)
+    EXPECT_EQ(Vek::Test::ErrorOf<std::invalid_argument>(call), message);
+  for (const Numbers& x : {Numbers{0, 1, 1}, Numbers{0, 2, 1}, Numbers{0, NaN, 1}})
+    EXPECT_THROW(figure.Surface(x, Ascending(2), Ascending(6)), std::invalid_argument);
+  EXPECT_THROW(figure.Surface(Numbers{0}, Ascending(2), Ascending(2)), std::invalid_argument);
+}
+
+TEST_F(SurfacePlotTest, SaysWhatIsMissing) {
+  Numbers heights = Ascending(12);
+  heights[5] = heights[6] = NaN;
+  Figure figure;
+  SurfacePlot& plot = figure.Surface(Ascending(4), Ascending(3), heights);
+  EXPECT_EQ(NotesOf(figure), Notes{"2 values missing"});
+  EXPECT_EQ(plot.ColorRange().max, 11) << "by height";
+  plot.Contours(3);
+  EXPECT_EQ(NotesOf(figure), (Notes{"2 values missing", "contours every 5"}));
+  figure.SetLimits(2, 0, 8);
+  EXPECT_EQ(NotesOf(figure).at(1), "3 heights outside of the axes");
+  plot.ColorBy(heights).Contours(0);
+  EXPECT_EQ(NotesOf(figure), (Notes{"2 heights missing", "3 heights outside of the axes", "2 values missing"}));
+  plot.Color(Qt::red);
+  EXPECT_EQ(NotesOf(figure), (Notes{"2 heights missing", "3 heights outside of the axes"}));
+
+  Figure empty;
+  empty.Surface(Ascending(2), Ascending(2), Numbers(4, NaN)).Contours();
+  ReportCapture reports;
+  EXPECT_FALSE(empty.Image({300, 200}).isNull());
+  EXPECT_EQ(reports.Texts(), Lines{"WARNING: Figure: plot 1 has no point to show"});
+}
+
+class SurfacePlotCalls : public RecordingScopeFixture {
+protected:
+  void SetUp() override {
+    Vek::Test::MakeApplication();
+    recorder.SetVersion("3.3.0");
+    constexpr Vek::Chart::Ogl::GlEnum ProfileMask = 0x9126;
+    recorder.SetInteger(ProfileMask, {2});
+  }
+  Lines CallsOf(Figure& p_figure) {
+    recorder.Clear();
+    p_figure.Draw(gl, {0, 0, 600, 400});
+    return recorder.Lines();
+  }
+  /// The bytes of each upload of a drawing.
+  std::vector<std::size_t> UploadsOf(Figure& p_figure) {
+    CallsOf(p_figure);
+    std::vector<std::size_t> bytes;
+    for (const std::string& line : recorder.LinesOf({"MapBufferRange"}))
+      bytes.push_back(std::stoul(line.substr(line.find(", 0, ") + 5)));
+    return bytes;
+  }
+};
+
+TEST_F(SurfacePlotCalls, AreAsManyForLargeGrids) {
+  std::vector<std::size_t> calls;
+  for (const std::size_t size : {3, 201}) {
+    const double step = 2 / static_cast<double>(size - 1);
+    Figure figure;
+    figure.Surface(Ascending(size, -1, step), Ascending(size, -1, step), Ascending(size * size, 0, 1.0 / (size * size)))
+        .ColorRange(0, 1)
+        .Contours(Numbers{0.25, 0.5});
+    figure.SetLimits(2, 0, 1);
+    CallsOf(figure);
+    calls.push_back(CallsOf(figure).size());
+  }
+  EXPECT_EQ(calls[0], calls[1]);
+}
+
+TEST_F(SurfacePlotCalls, UploadWhatChanged) {
+  using Bytes = std::vector<std::size_t>;
+  Numbers heights = Ascending(12);
+  Figure figure;
+  SurfacePlot& plot = figure.Surface(Ascending(4), Ascending(3), heights);
+  EXPECT_EQ(UploadsOf(figure).size(), 4U) << "positions, normals, values, indices";
+  plot.ColorMap("inferno").ColorRange(2, 3).LogScale().SetOpacity(0.5).ColorTitle("Title");
+  figure.theme = Theme::Dark();
+  EXPECT_EQ(UploadsOf(figure), Bytes()) << "settings";
+  std::swap(heights[0], heights[11]);
+  plot.UpdateHeights(heights);
+  EXPECT_EQ(UploadsOf(figure), (Bytes{12 * 12, 12 * 12, 4 * 12})) << "heights";
+  plot.ColorBy(heights);
+  EXPECT_EQ(UploadsOf(figure), Bytes{4 * 12}) << "values";
+  std::swap(heights[0], heights[11]);
+  plot.UpdateHeights(heights);
+  EXPECT_EQ(UploadsOf(figure), (Bytes{12 * 12, 12 * 12})) << "heights, other values";
+  plot.Contours(Numbers{5.5});
+  EXPECT_EQ(UploadsOf(figure).size(), 1U) << "lines";
+  heights[5] = NaN; // each of the four cells around the node loses one of its two triangles
+  plot.Contours(0).UpdateHeights(heights);
+  const Bytes uploads = UploadsOf(figure);
+  EXPECT_EQ(std::count(uploads.begin(), uploads.end(), std::size_t{4 * 3 * (12 - 4)}), 1) << "a hole";
+}
+
+class SurfacePlotPixels : public PixelScopeFixture {
+public:
+  SurfacePlotPixels()
+      : PixelScopeFixture(Types::Size(300, 200)) {}
+
+protected:
+  const Viewport viewport{0, 0, 300, 200};
+  void SetUp() override {
+    Vek::Test::MakeApplication();
+    PixelScopeFixture::SetUp();
+  }
+  /// The pixel at which a point of the data must appear, in the image that was drawn.
+  QColor AtPoint(Figure& p_figure, const Point& p_data) {
+    const FigureLayout layout = p_figure.Layout(viewport);
+    const Camera::Pixel pixel = layout.camera.Project(p_figure.ToScene(p_data), viewport);
+    return At(static_cast<int>(pixel.x), static_cast<int>(pixel.y));
+  }
+};
+
+/// Uneven and descending axes, far from zero; a hole; a bent cell.
+TEST_F(SurfacePlotPixels, NodesAndHolesAreWhereTheyBelong) {
+  const Numbers x{4e7, 4e7 + 1, 4e7 + 4, 4e7 + 5}, y{-2e7 + 4, -2e7 + 3, -2e7};
+  Numbers heights(12, 1e6), values(12, 0);
+  values[5] = 1; // at x[1], y[1]
+  heights[11] = NaN;
+  Figure figure;
+  figure.theme.grid = figure.theme.line = Qt::white;
+  figure.Surface(x, y, heights).ColorBy(values).ColorMap({Qt::blue, Qt::red}).ColorRange(0, 1);
+  figure.Draw(gl, viewport);
+  const Point far(4e7, -2e7, 1e6);
+  EXPECT_GT(AtPoint(figure, far + Point(1, 3, 0)).red(), 200);
+  EXPECT_GT(AtPoint(figure, far + Point(0.2, 0.2, 0)).blue(), 200);
+  EXPECT_LT(AtPoint(figure, far + Point(0.2, 0.2, 0)).red(), 60);
+  EXPECT_EQ(AtPoint(figure, far + Point(4.9, 0.5, 0)), QColor(Qt::white)) << "the hole";
+  EXPECT_GT(AtPoint(figure, far + Point(4.1, 2.8, 0)).blue(), 200) << "the rest of its cell";
+  EXPECT_LT(AtPoint(figure, far + Point(4.1, 2.8, 0)).red(), 60);
+}
+
+TEST_F(SurfacePlotPixels, ContoursLieOnTheSurface) {
+  // A saddle cell of two triangles: the line z = 0.5 runs through both.
+  const Numbers unit{0, 1}, saddle{0, 1, 1, 0};
+  Figure figure;
+  figure.theme.grid = figure.theme.line = Qt::white;
+  figure.theme.title = Qt::black;
+  SurfacePlot& plot = figure.Surface(unit, unit, saddle).Color(Qt::yellow);
+  figure.Look(0, 90, Camera::Projection::Parallel);
+  const std::vector<Point> points = {
+      {0.5, 0.2, 0.3}, {0.7, 0.2, 0.5}, {0.2, 0.7, 0.5}, {0.9, 0.4, 0.5}, {0.8, 0.2, 0.6}};
+  const auto darkest = [&] { // of the pixels around each point
+    figure.Draw(gl, viewport);
+    const FigureLayout layout = figure.Layout(viewport);
+    std::vector<int> greens;
+    for (const Point& point : points) {
+      const Camera::Pixel pixel = layout.camera.Project(figure.ToScene(point), viewport);
+      greens.push_back(255);
+      for (int i = 0; i < 9; ++i)
+        greens.back() = std::min(
+            greens.back(), At(static_cast<int>(pixel.x) + i % 3 - 1, static_cast<int>(pixel.y) + i / 3 - 1).green());
+    }
+    return greens;
+  };
+  const std::vector<int> without = darkest();
+  plot.Contours(Numbers{0.5, 0.3, NaN, 7});
+  const std::vector<int> with = darkest();
+  for (std::size_t i = 0; i < 4; ++i)
+    EXPECT_LT(with[i], without[i] * 2 / 3) << i;
+  EXPECT_EQ(with[4], without[4]) << "between lines";
+  plot.Contours(0);
+  EXPECT_EQ(darkest(), without);
+}
+
+/// The same surface with heights times 50, and with an axis stretched by 50, is lit alike; so is an exponential one on
+/// a logarithmic axis like a linear one.
+TEST_F(SurfacePlotPixels, LightFollowsTheStretchedSurface) {
+  const Numbers unit = Ascending(9, 0, 0.125);
+  Numbers low, high, exponential;
+  for (const double y : unit)
+    for (const double x : unit) {
+      low.push_back(0.01 * std::sin(3 * x + y));
+      high.push_back(50 * low.back());
+      exponential.push_back(std::pow(10, high.back()));
+    }
+  const auto colors = [&](const Numbers& p_heights, double p_stretch, bool p_logarithmic) {
+    Figure figure;
+    figure.Surface(unit, unit, p_heights).Color(Qt::green);
+    figure.SetAspect(1, 1, p_stretch).SetLogAxis(2, p_logarithmic).Look(-30, 60, Camera::Projection::Parallel);
+    figure.Draw(gl, viewport);
+    std::vector<QColor> seen;
+    for (std::size_t node = 20; node < 70; node += 10)
+      seen.push_back(AtPoint(figure, {unit[node % 9], unit[node / 9], p_heights[node]}));
+    return seen;
+  };
+  const std::vector<QColor> expected = colors(high, 1, false), stretched = colors(low, 50, false),
+                            logarithmic = colors(exponential, 1, true);
+  EXPECT_GT(std::abs(expected.front().green() - expected.back().green()), 20) << "the case is one";
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    EXPECT_TRUE(SameColor(stretched[i].rgb(), expected[i], 5)) << i;
+    EXPECT_TRUE(SameColor(logarithmic[i].rgb(), expected[i], 5)) << i;
+  }
+}
+
+/// Columns without a place on a logarithmic axis are holes, at both ends of it.
+TEST_F(SurfacePlotPixels, LogarithmicAxesLeaveNodesOut) {
+  ReportCapture reports;
+  for (const bool isDescending : {false, true}) {
+    Numbers x{-5, 0, 1, 10, 100};
+    if (isDescending)
+      std::reverse(x.begin(), x.end());
+    Figure figure;
+    figure.SetLogAxis(0);
+    figure.theme.grid = figure.theme.line = Qt::white;
+    figure.Surface(x, Numbers{0, 1}, Numbers(10, 3)).Color(Qt::red);
+    EXPECT_EQ(figure.Layout(viewport).notes, Notes{"4 heights outside of the axes"});
+    figure.Draw(gl, viewport);
+    EXPECT_GT(AtPoint(figure, {3, 0.5, 3}).red(), 200);
+    EXPECT_LT(AtPoint(figure, {3, 0.5, 3}).green(), 60);
+  }
+  Figure none;
+  none.SetLogAxis(0);
+  none.Surface(Numbers{-2, -1}, Numbers{0, 1}, Numbers(4, 3)).Contours();
+  none.Draw(gl, viewport);
+  EXPECT_EQ(reports.Texts(), Lines{"WARNING: Figure: plot 1 has no point to show"});
+}
+
+} // namespace
