@@ -37,19 +37,19 @@ struct VEK_LIBRARY_API ObjScene {
   /// A material with the defaults of a file that leaves a line out. Colours are red, green and blue from 0 to 1.
   /// Textures are paths of files that exist; empty for none.
   struct Material {
-    std::string name;
-    std::array<float, 3> ambient{0, 0, 0};
-    std::array<float, 3> diffuse{0.8f, 0.8f, 0.8f};
-    std::array<float, 3> specular{0, 0, 0};
-    std::array<float, 3> emission{0, 0, 0};
-    float shininess = 0; ///< the exponent of the specular term, 0 to 1000
-    float opacity = 1;
-    std::string ambientTexture;
-    std::string diffuseTexture;
-    std::string specularTexture;
-    std::string emissionTexture;
-    std::string opacityTexture;
-    std::string bumpTexture;
+    std::string name;                               ///< as in the file
+    std::array<float, 3> ambient{0, 0, 0};          ///< `Ka`
+    std::array<float, 3> diffuse{0.8f, 0.8f, 0.8f}; ///< `Kd`
+    std::array<float, 3> specular{0, 0, 0};         ///< `Ks`
+    std::array<float, 3> emission{0, 0, 0};         ///< `Ke`
+    float shininess = 0;                            ///< `Ns`: the exponent of the specular term, 0 to 1000
+    float opacity = 1;                              ///< `d`, or 1 - `Tr`
+    std::string ambientTexture;                     ///< `map_Ka`
+    std::string diffuseTexture;                     ///< `map_Kd`
+    std::string specularTexture;                    ///< `map_Ks`
+    std::string emissionTexture;                    ///< `map_Ke`
+    std::string opacityTexture;                     ///< `map_d`
+    std::string bumpTexture;                        ///< `map_Bump`, `bump` or `norm`
   };
 
   std::vector<float> positions;       ///< x, y, z
@@ -58,7 +58,7 @@ struct VEK_LIBRARY_API ObjScene {
   std::vector<float> colors;          ///< red, green, blue, opacity, 0 to 1; white where a vertex has none
   std::vector<std::uint32_t> indices; ///< zero-based, all of them within the vertices
   std::vector<Group> groups;          ///< cover all indices, in the order of the file; none is empty
-  std::vector<Material> materials;
+  std::vector<Material> materials;    ///< those of the material files, and those that only groups name
   /// What was left out, each with path and line, such as a material file that does not exist; at most 100, and the
   /// number of further ones.
   std::vector<std::string> warnings;
