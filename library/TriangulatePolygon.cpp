@@ -57,21 +57,13 @@ std::vector<Point> Projected(const Vector* p_corners, std::size_t p_count) {
   return points;
 }
 
-/// Whether each corner turns to the left, and all of them together once around.
+/// Whether each corner turns to the left. A polygon that does not cross itself is strictly convex then.
 bool IsStrictlyConvex(const std::vector<Point>& p_points) {
   const std::size_t count = p_points.size();
-  const auto pointsUp = [&](std::size_t p_edge) {
-    const Point& a = p_points[p_edge % count];
-    const Point& b = p_points[(p_edge + 1) % count];
-    return b.y > a.y || (b.y == a.y && b.x > a.x);
-  };
-  int halfTurns = 0;
-  for (std::size_t i = 0; i < count; ++i) {
+  for (std::size_t i = 0; i < count; ++i)
     if (!(Turn(p_points[i], p_points[(i + 1) % count], p_points[(i + 2) % count]) > 0))
       return false;
-    halfTurns += pointsUp(i) != pointsUp(i + 1);
-  }
-  return halfTurns == 2;
+  return true;
 }
 
 /// The numbers of points by cells of a square grid, to find those within a rectangle.

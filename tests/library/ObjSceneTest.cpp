@@ -47,14 +47,15 @@ TEST(ObjScene, TakesTheDialectsOfFiles) {
       {"CR LF", "v 0 0 0\r\nv 1 0 0\r\nv 1 1 0\r\nf 1 2 3\r\n", "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
       {"CR", "v 0 0 0\rv 1 0 0\rv 1 1 0\rf 1 2 3\r", "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
       {"tabs and blanks", "v\t0  0\t 0\n  v  1 0 0 \n\tv 1 1 0\t\nf\t1  2\t3  \n", "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
-      {"continued", "\\\nv 0 \\\n0 0\nv 1 0 0\\\r\n\nv 1\\\n 1\\\n 0\nf 1 \\\n2 3\\\n", "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
+      {"continued", "\\\nv 0 \\\n0 0\nv 1 0 0\\\r\n\nv 1\\\n 1\\\n 0\nf 1 \\\n2 3\\\n",
+       "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
       {"comments", "# a \\\nv 0 0 0 # first\n\nv 1 0 0 #\nv 1 1 0\nf 1 2 3 # all\n", ""},
       {"byte order mark", "\xEF\xBB\xBF" + Square + "f 1 2 3\n", SquareV + " /:f 0 1 2"},
       {"numbers", "v +1 -.5 1.\nv 1e-2 2E+1 .25\nv 1.#INF -1.#IND nan\n", "v 1 -0.5 1 0.01 20 0.25 inf nan nan"},
       {"relative", Square + "f -4 -3 -2\nf -1 -4 3\n", SquareV + " /:f 0 1 2 3 0 2"},
       {"quad", Square + "f 1 2 3 4\n", SquareV + " /:f 0 1 2 0 2 3"},
-      {"concave quads", "v 0 0 0\nv 4 0 0\nv 1 1 0\nv 0 4 0\nf 1 2 3 4\nf 2 3 4 1\n",
-       "v 0 0 0 4 0 0 1 1 0 0 4 0 /:f 0 1 2 0 2 3 2 3 0 2 0 1"},
+      {"concave quads", "v 0 0 0\nv 4 0 0\nv 1 1 0\nv 0 4 0\nf 1 2 3 4\nf 2 3 4 1\nf 4 1 2 3\n",
+       "v 0 0 0 4 0 0 1 1 0 0 4 0 /:f 0 1 2 0 2 3 2 3 0 2 0 1 0 1 2 0 2 3"},
       {"lines and points", Square + "l 1 2 3/1 -1\np 1 3 -1\nfo 1 2 3\n",
        SquareV + " /:l 0 1 1 2 2 3 /:p 0 2 3 /:f 0 1 2"},
       {"weight", "v 0 0 0 1\nv 1 0 0 0.5\nv 1 1 0 2\nf 1 2 3\n", "v 0 0 0 1 0 0 1 1 0 /:f 0 1 2"},
@@ -88,13 +89,29 @@ TEST(ObjScene, GivesNormals) {
       {"groups of smoothing", roof + "s 1\nf 1 2 3 4\ns 2\nf 1 4 6 5\ns 1\n",
        "v 0 0 0 1 0 0 1 1 0 0 1 0 0 0 1 0 1 1 0 0 0 0 1 0"
        " n 0 0 1 0 0 1 0 0 1 0 0 1 1 0 0 1 0 0 1 0 0 1 0 0 /:f 0 1 2 0 2 3 6 7 5 6 5 4"},
-      {"smooth across texture seams", roof + "vt 0 0\nvt 1 1\nf 1/1 2/1 3/1 4/1\nf 1/2 4/2 6/2 5/2\n",
+      {"smooth across texture seams", roof + "vt 0 0\nvt 1 1\nf 1/2 2/2 3/2 4/2\nf 1/1 4/1 6/1 5/1\n",
        "v 0 0 0 1 0 0 1 1 0 0 1 0 0 0 1 0 1 1 0 0 0 0 1 0"
        " n 0.707 0 0.707 0 0 1 0 0 1 0.707 0 0.707 1 0 0 1 0 0 0.707 0 0.707 0.707 0 0.707"
-       " t 0 0 0 0 0 0 0 0 1 1 1 1 1 1 1 1 /:f 0 1 2 0 2 3 6 7 5 6 5 4"},
+       " t 1 1 1 1 1 1 1 1 0 0 0 0 0 0 0 0 /:f 0 1 2 0 2 3 6 7 5 6 5 4"},
   };
   for (const auto& [name, text, expected] : rows)
     EXPECT_EQ(Summary(text, true), expected) << name;
+}
+
+TEST(ObjScene, FindsEachOfManyCopies) {
+  constexpr int Count = 3000;
+  std::string text = Square, faces;
+  for (int i = 1; i <= Count; ++i) {
+    const std::string number = std::to_string(i);
+    text += "vt " + number + " 0\n";
+    faces += "f 1/" + number + " 2/" + number + " 3/" + number + "\n";
+  }
+  const ObjScene scene = Read(text + faces + faces);
+  EXPECT_EQ(scene.positions.size() / 3, 3u * Count + 1);
+  for (std::size_t i = 0; i < scene.indices.size(); ++i) {
+    EXPECT_EQ(scene.texCoords[2 * std::size_t(scene.indices[i])], float(i / 3 % Count + 1));
+    EXPECT_EQ(scene.positions[3 * std::size_t(scene.indices[i])], i % 3 == 0 ? 0.f : 1.f);
+  }
 }
 
 TEST(ObjScene, ReadsMaterials) {
