@@ -118,6 +118,14 @@ TEST(ReadMesh, ReadsEachFormat) {
       {"PLY big endian", BinarySquare(true), SquareSummary},
       {"PLY with bytes behind", BinarySquare(true) + "ab",
        SquareSummary + " ! mesh: 2 bytes behind the last element are left out"},
+      {"PLY lists without entries",
+       Bytes(
+           false,
+           Replaced(TextPly("element vertex 1\n" + Xyz + "element face 2\nproperty list uchar int vertex_index\n", ""),
+                    "ascii", "binary_little_endian"))
+           .Add<float>({1, 2, 3})
+           .Add<std::uint8_t>({0, 0}),
+       "v 1 2 3 :p 0 ! mesh: 2 faces of less than three corners are left out"},
       {"PLY points", points, "v 1 2 3 4 5 6 :p 0 1"},
       {"PLY edges",
        Replaced(points, "end_header", "element edge 1\nproperty int vertex1\nproperty int vertex2\nend_header") +
