@@ -98,7 +98,8 @@ using ObjProgress = std::function<bool(double p_share)>;
 ///   coordinates, of which two are kept. Further numbers are ignored.
 /// - `f` has three or more corners: a, a/b, a//c or a/b/c with position a, texture coordinate b and normal c, counted
 ///   from 1, or backwards from the last one with -1. TriangulatePolygon divides the face. `l` is a line through two
-///   positions or more, `p` a list of points; their texture coordinates are not read.
+///   positions or more, `p` a list of points; their texture coordinates are not read. The positions
+///   of a file without any of them are points.
 /// - Corners without normal get one from ComputeNormals, shared by the faces around a position that have the same
 ///   smoothing group. With `s off` or `s 0`, a face has its own Newell normal. Faces in front of the first `s` are
 ///   smooth.

@@ -178,8 +178,12 @@ ObjScene ObjSceneReader::Finish() {
   for (const auto& [material, line] : _undefined)
     _warnings.Add(_path, line, "there is no material \"" + _scene.materials[std::size_t(material)].name + "\"");
   _warnings.Finish();
-  if (!_scene.groups.empty())
-    _scene.groups.back().count = _scene.indices.size() - _scene.groups.back().first;
+  if (_scene.groups.empty()) { // a cloud of points
+    BeginGroup(ObjScene::Points);
+    for (std::uint32_t i = 0; i < _vertices.Positions(); ++i)
+      _scene.indices.push_back(i);
+  }
+  _scene.groups.back().count = _scene.indices.size() - _scene.groups.back().first;
   _corners = {};
   FinishIndices();
   FinishColors();
