@@ -5,6 +5,7 @@
 #include "scene/private/OffscreenApplication.h"
 #include "scene/private/SceneState.h"
 
+#include "library/ObjScene.h"
 #include "platform/debug/Check.h"
 #include "platform/debug/TypeName.h"
 #include "platform/ogl/OffscreenContext.h"
@@ -47,6 +48,29 @@ ScatterPlot& Figure::Scatter(const Array3& p_positions) {
 
 SurfacePlot& Figure::Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights) {
   return _state->Add(std::unique_ptr<SurfacePlot>(new SurfacePlot(p_x, p_y, p_heights))).ColorByHeight();
+}
+
+MeshPlot& Figure::Mesh(const Array3& p_positions, const std::vector<std::array<unsigned, 3>>& p_triangles) {
+  std::vector<std::uint32_t> indices;
+  indices.reserve(3 * p_triangles.size());
+  for (const std::array<unsigned, 3>& triangle : p_triangles)
+    indices.insert(indices.end(), triangle.begin(), triangle.end());
+  return _state->Add(std::unique_ptr<MeshPlot>(new MeshPlot(Points(p_positions), std::move(indices))));
+}
+
+MeshPlot& Figure::Mesh(const Library::ObjScene& p_mesh) {
+  std::vector<std::uint32_t> indices;
+  for (const Library::ObjScene::Group& group : p_mesh.groups) {
+    const std::size_t count = p_mesh.indices.size();
+    if (group.first > count || group.count > count - group.first)
+      throw std::invalid_argument("groups: expected indices 0 to " + std::to_string(count) + ", got a group from " +
+                                  std::to_string(group.first) + " of " + std::to_string(group.count));
+    const auto first = p_mesh.indices.begin() + static_cast<std::ptrdiff_t>(group.first);
+    if (group.primitive == Library::ObjScene::Triangles)
+      indices.insert(indices.end(), first, first + static_cast<std::ptrdiff_t>(group.count / 3 * 3));
+  }
+  const Array3 positions(p_mesh.positions.data(), p_mesh.positions.size() / 3);
+  return _state->Add(std::unique_ptr<MeshPlot>(new MeshPlot(Points(positions), std::move(indices))));
 }
 
 void Figure::Remove(const Plot& p_plot) {

@@ -4,6 +4,7 @@
 #include "scene/Camera.h"
 #include "scene/Export.h"
 #include "scene/FigureLayout.h"
+#include "scene/MeshPlot.h"
 #include "scene/Plot.h"
 #include "scene/QuiverPlot.h"
 #include "scene/ScatterPlot.h"
@@ -19,8 +20,14 @@
 #include <QImage>
 #include <QString>
 
+#include <array>
 #include <memory>
 #include <optional>
+#include <vector>
+
+namespace Vek::Chart::Library {
+struct ObjScene;
+}
 
 namespace Vek::Chart::Scene {
 
@@ -74,6 +81,9 @@ public:
   QuiverPlot& Quiver(const Array3& p_positions, const Array3& p_vectors);
   ScatterPlot& Scatter(const Array3& p_positions);
   SurfacePlot& Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights);
+  MeshPlot& Mesh(const Array3& p_positions, const std::vector<std::array<unsigned, 3>>& p_triangles);
+  /// The triangles of an `Io::Mesh`: without its lines, points, colours and textures.
+  MeshPlot& Mesh(const Library::ObjScene& p_mesh);
   ///@}
   /// Removes a plot and frees its GL objects. Throws std::invalid_argument for a plot of another figure.
   void Remove(const Plot& p_plot);

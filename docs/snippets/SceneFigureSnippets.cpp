@@ -96,4 +96,29 @@ TEST_F(SceneFigureSnippetPixels, SurfacePlot) {
   Vek::Test::Shown(image, "SurfacePlot");
 }
 
+TEST_F(SceneFigureSnippetPixels, MeshPlot) {
+  //! [MeshPlot]
+  // A torus; values are known at its vertices.
+  constexpr unsigned Around = 96, Across = 48;
+  std::vector<std::array<double, 3>> positions;
+  std::vector<std::array<unsigned, 3>> triangles;
+  std::vector<double> values;
+  for (unsigned i = 0; i < Around * Across; ++i) {
+    const double u = 2 * M_PI * (i % Around) / Around, v = 2 * M_PI * (i / Around) / Across;
+    const double radius = 3 + std::cos(v);
+    positions.push_back({radius * std::cos(u), radius * std::sin(u), std::sin(v)});
+    values.push_back(std::sin(3 * u) * std::cos(2 * v));
+    const unsigned right = i % Around == Around - 1 ? i + 1 - Around : i + 1;
+    const unsigned up = (i + Around) % (Around * Across), both = (right + Around) % (Around * Across);
+    triangles.push_back({i, right, both});
+    triangles.push_back({i, both, up});
+  }
+  Figure figure("Standing wave", "On a torus");
+  figure.Mesh(positions, triangles).ColorBy(values).ColorMap("coolwarm").ColorTitle("Displacement in mm");
+  figure.SetAspect(1, 1, 1);
+  const QImage image = figure.Image({1200, 800});
+  //! [MeshPlot]
+  Vek::Test::Shown(image, "MeshPlot");
+}
+
 } // namespace
