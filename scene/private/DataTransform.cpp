@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace Vek::Chart::Scene::Private {
 
@@ -14,7 +15,8 @@ double ToAxis(const DataTransform::Axis& p_axis, double p_number) {
   return p_axis.logarithmic ? (p_number > 0 ? std::log10(p_number) : NAN) : p_number;
 }
 double FromAxis(const DataTransform::Axis& p_axis, double p_number) {
-  return p_axis.logarithmic ? std::pow(10, p_number) : p_number;
+  using Limits = std::numeric_limits<double>;
+  return p_axis.logarithmic ? std::clamp(std::pow(10, p_number), Limits::denorm_min(), Limits::max()) : p_number;
 }
 
 /// The factor that makes a span comparable to `p_reference`; 1 where it is already.

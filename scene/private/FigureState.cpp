@@ -1,7 +1,9 @@
 #include "scene/private/FigureState.h"
 
+#include "scene/ArrowKey.h"
 #include "scene/ColorBar.h"
 #include "scene/DirectionalLight.h"
+#include "scene/SizeLegend.h"
 #include "scene/private/FigurePage.h"
 #include "scene/private/SceneState.h"
 
@@ -20,6 +22,7 @@ using Private::PlotContent;
 using Private::Point;
 using Private::Range;
 
+constexpr double LeastKeyLength = 25, MostKeyLength = 70; // points
 constexpr std::array<const char*, 3> AxisNames{"x", "y", "z"};
 
 /// How many glyphs there is room for, in powers of two, so that few sizes of windows differ.
@@ -169,6 +172,38 @@ Camera OwnCamera(const std::optional<Camera>& p_direction, bool p_isFlat) {
 
 } // namespace
 
+/// The names of plots, and what lengths and sizes mean in a view.
+std::vector<LegendBlock> Figure::State::Keys(const Theme& p_theme, const View& p_view, double p_pixelRatio) const {
+  const double points = p_view.camera.PixelsPerUnit(p_view.camera.target, p_view.viewport) / p_pixelRatio;
+  std::vector<LegendBlock> keys;
+  Legend names;
+  std::size_t named = 0;
+  for (const PlotContent* const content : Visible()) {
+    named += content->label.isEmpty() ? 0 : 1;
+    names.entries.push_back({content->label, content->Mark(), content->coloring.Sample()});
+  }
+  const bool isOneColored = named == 1 && Visible().size() == 1 && !Visible()[0]->coloring.Key();
+  if (named > 1 || isOneColored)
+    keys.push_back(names.Layout(static_cast<double>(p_view.viewport.height) / p_pixelRatio / 2, p_theme, p_pixelRatio));
+  for (const PlotContent* const content : Visible()) {
+    if (const auto lengths = content->Lengths(); lengths && lengths->scale * points > 0)
+      keys.push_back(ArrowKey{lengths->scale * points,
+                              {},
+                              lengths->title,
+                              std::clamp(lengths->typical * points, LeastKeyLength, MostKeyLength),
+                              lengths->color.isValid() ? lengths->color : p_theme.text}
+                         .Layout(p_theme, p_pixelRatio));
+    if (const auto sizes = content->Sizes()) {
+      SizeLegend legend{sizes->title, sizes->least, sizes->largest};
+      legend.diameter = [&](double p_value) { return std::sqrt(p_value / sizes->largest) * sizes->diameter * points; };
+      keys.push_back(legend.Layout(p_theme, p_pixelRatio));
+    }
+  }
+  keys.erase(std::remove_if(keys.begin(), keys.end(), [](const LegendBlock& p_key) { return p_key.Width() <= 0; }),
+             keys.end());
+  return keys;
+}
+
 FigureLayout Figure::State::Arrange(const Figure& p_figure, const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
   const QSizeF size(static_cast<double>(p_viewport.width) / p_pixelRatio,
                     static_cast<double>(p_viewport.height) / p_pixelRatio);
@@ -177,6 +212,7 @@ FigureLayout Figure::State::Arrange(const Figure& p_figure, const Types::Viewpor
   Private::PageContent page{title, subtitle, Notes(), BarsOf(Visible()), {}};
   View view{p_figure.camera ? *p_figure.camera : OwnCamera(direction, _isFlat), p_viewport};
   const auto lay = [&] {
+    page.keys = Keys(p_figure.theme, view, p_pixelRatio);
     return Private::LayOutPage(size, page, p_figure.theme, p_pixelRatio);
   };
   if (p_figure.camera) {

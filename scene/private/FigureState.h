@@ -52,6 +52,7 @@ private:
   Private::Box PlacePlots(const QSizeF& p_size);
   Axes MakeAxes(const Private::Box& p_limits) const;
   std::vector<QString> Notes() const;
+  std::vector<LegendBlock> Keys(const Theme& p_theme, const View& p_view, double p_pixelRatio) const;
 
   bool _isFlat = false;
 };

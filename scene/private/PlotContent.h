@@ -12,6 +12,7 @@
 // Limits, axes, colour bars, keys, notes, order of drawing, transparency and removal follow from these functions.
 
 #include "scene/Camera.h"
+#include "scene/Legend.h"
 #include "scene/private/Coloring.h"
 #include "scene/private/DataTransform.h"
 
@@ -96,6 +97,7 @@ public:
 
   // What the figure must say.
   virtual std::vector<QString> Notes() const { return {}; }
+  virtual Legend::Mark Mark() const { return Legend::Mark::Dot; }
   virtual std::optional<LengthKey> Lengths() const { return {}; }
   virtual std::optional<SizeKey> Sizes() const { return {}; }
 };

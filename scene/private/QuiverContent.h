@@ -29,6 +29,7 @@ public:
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
   void Release(const Utility::Scoped<Rgl>& p_gl) const override;
   std::vector<QString> Notes() const override;
+  Legend::Mark Mark() const override { return Legend::Mark::Glyph; }
   std::optional<LengthKey> Lengths() const override;
 
 private:

@@ -77,8 +77,10 @@ Range RoundOutward(const Range& p_range, bool p_logarithmic, int p_steps) {
     low -= half;
     high += half;
   }
-  if (p_logarithmic && high / low > 10)
-    return {RoundPower(low, -1), RoundPower(high, 1)};
+  if (p_logarithmic && high / low > 10) {
+    const double roundLow = RoundPower(low, -1), roundHigh = RoundPower(high, 1);
+    return {roundLow > 0 ? roundLow : low, std::isfinite(roundHigh) ? roundHigh : high};
+  }
   const double span = high - low;
   constexpr double LeastSpan = 1e-290; // below, steps are no normal numbers
   if (!(std::isfinite(span) && span > LeastSpan))

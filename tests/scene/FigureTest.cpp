@@ -175,6 +175,72 @@ TEST_F(FigureTest, KeepsTheDigitsOfLargeCoordinates) {
   EXPECT_NEAR(back.x - middle.x, 0.125, 1e-6);
 }
 
+/// Numbers at the ends of double neither throw nor leave the image.
+TEST_F(FigureTest, ExtremeNumbersHaveALayout) {
+  constexpr double Infinity = std::numeric_limits<double>::infinity();
+  for (const double low : {-1e308, -1e300, -1e17, 0.0, 1e-320, 1e-300, 1e17, 1e300, NaN})
+    for (const double high : {1e-310, 1e-300, 1.0, 1e17 + 16, 1e300, 1.7e308, Infinity}) {
+      const Points points{{low, 0, low}, {high, 1, 0}, {1, high, high}};
+      for (const bool isLogarithmic : {false, true}) {
+        Figure figure;
+        figure.SetLogAxis(0, isLogarithmic);
+        figure.Scatter(points).ColorBy(Numbers{low, high, 1}).LogScale(isLogarithmic);
+        figure.Quiver(points, points).ColorBy(Numbers{high, low, 0});
+        FigureLayout layout;
+        EXPECT_NO_THROW(layout = figure.Layout(Wide)) << low << " to " << high << ", " << isLogarithmic;
+        EXPECT_TRUE(std::isfinite(layout.camera.distance)) << low << " to " << high << ", " << isLogarithmic;
+      }
+    }
+}
+
+/// The strings of the blocks.
+std::vector<QString> StringsOf(const FigureLayout& p_layout) {
+  std::vector<QString> strings;
+  for (const FigureLayout::Block& block : p_layout.blocks)
+    for (const LegendBlock::String& string : block.content.Strings())
+      strings.push_back(string.text);
+  return strings;
+}
+
+TEST_F(FigureTest, KeysAreTrueToTheData) {
+  Figure figure;
+  figure.Quiver(Points{{0, 0, 0}, {30, 40, 0}}, Points(2, Point(0, 7, 0))).UnitLength(0.02).LengthTitle("m/s");
+  const FigureLayout layout = figure.Layout(Wide);
+  ASSERT_EQ(layout.blocks.size(), 1U);
+  const LegendBlock& key = layout.blocks[0].content;
+  double value = 0, left = HUGE_VAL, right = -HUGE_VAL;
+  for (const LegendBlock::String& string : key.Strings())
+    value = std::max(value, string.text.toDouble());
+  for (const LegendBlock::Shape& shape : key.Shapes())
+    for (const auto& corner : shape.corners)
+      left = std::min(left, corner.x), right = std::max(right, corner.x);
+  const auto pixel = [&](double p_x) { return layout.camera.Project(figure.ToScene({p_x, 0, 0}), Wide).x; };
+  EXPECT_GT(value, 0);
+  EXPECT_NEAR(right - left, value * 0.02 * 50 * (pixel(1) - pixel(0)), 0.5);
+  const std::vector<QString> strings = StringsOf(layout);
+  EXPECT_EQ(std::count(strings.begin(), strings.end(), "m/s"), 1);
+}
+
+TEST_F(FigureTest, EqualColorsShareABar) {
+  const auto bars = [&](Figure& p_figure) {
+    std::size_t count = 0;
+    for (const FigureLayout::Block& block : p_figure.Layout(Wide).blocks)
+      count += block.content.Gradients().size();
+    return count;
+  };
+  Figure figure;
+  figure.Scatter(Cloud(3)).ColorBy(Ascending(3)).ColorTitle("Depth").Label("first");
+  ScatterPlot& second = figure.Scatter(Cloud(5)).ColorBy(Ascending(3 + 2)).ColorRange(0, 2).ColorTitle("Depth");
+  EXPECT_EQ(bars(figure), 1U);
+  second.ColorRange(0, 3);
+  EXPECT_EQ(bars(figure), 2U);
+  second.Label("second").Color(Qt::red);
+  EXPECT_EQ(bars(figure), 1U);
+  const std::vector<QString> strings = StringsOf(figure.Layout(Wide));
+  for (const char* const name : {"Depth", "first", "second"})
+    EXPECT_EQ(std::count(strings.begin(), strings.end(), name), 1) << name;
+}
+
 QPolygonF PolygonOf(const Canvas::Rect& p_rect) {
   return QPolygonF(QRectF(QPointF(p_rect.left, p_rect.bottom), QPointF(p_rect.right, p_rect.top)));
 }
