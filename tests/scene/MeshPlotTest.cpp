@@ -62,6 +62,14 @@ TEST_F(MeshPlotPixels, TrianglesAreWhereTheyBelong) {
   plot.UpdatePositions(Square);
   EXPECT_GT(AtPoint(figure, left).red(), 180);
   EXPECT_EQ(figure.Layout(viewport).notes, Notes());
+  moved = Square;
+  moved[3] = {1, 1, 3};
+  plot.UpdatePositions(moved);
+  EXPECT_EQ(AtPoint(figure, left), QColor(Qt::white)) << "the triangle has no area now";
+  moved[0].x = NaN;
+  plot.UpdatePositions(moved);
+  EXPECT_EQ(AtPoint(figure, {1.8, 1, 3}), QColor(Qt::white)) << "both triangles miss a vertex";
+  plot.UpdatePositions(Square);
   figure.SetLimits(0, -1, 1);
   EXPECT_EQ(figure.Layout(viewport).notes, Notes{"2 vertices outside of the axes"});
 
