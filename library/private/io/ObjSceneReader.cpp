@@ -180,9 +180,25 @@ const char* ObjSceneReader::ReadVector(const char* p_at, const char* p_last) {
   return *p_at == 'n' ? ReadNormal(p_at + 1, p_last) : ReadTexCoord(p_at + 1, p_last);
 }
 
+/// Three plain numbers behind a single blank each, and the end of the line: its character, otherwise null.
+static inline const char* ScanPlainVector(const char* p_at, const char* p_last, double* p_numbers) {
+  for (int i = 0; i < 3; ++i) {
+    if (*p_at != ' ')
+      return nullptr;
+    p_at = Scan::ShortDouble(p_at + 1, p_last, p_numbers[i]);
+    if (p_at == nullptr)
+      return nullptr;
+  }
+  return IsLineEnd(*p_at) ? p_at : nullptr;
+}
+
 /// Up to eight numbers. A line that has more, or anything else behind p_least of them, is read to its end.
 static const char* ScanNumbers(const char* p_at, const char* p_last, double* p_numbers, int& p_count) {
   constexpr int Most = 8;
+  if (const char* const end = ScanPlainVector(p_at, p_last, p_numbers)) {
+    p_count = 3;
+    return end;
+  }
   for (p_count = 0; p_count < Most; ++p_count) {
     p_at = SkipBlanks(p_at);
     if (IsLineEnd(*p_at) || *p_at == '#')
@@ -249,9 +265,13 @@ static inline const char* ScanNextIndex(const char* p_at, const char* p_last, in
 const char* ObjSceneReader::ReadCorners(const char* p_at, const char* p_last) {
   _corners.clear();
   for (;;) {
-    p_at = SkipBlanks(p_at);
-    if (IsLineEnd(*p_at) || *p_at == '#')
-      return SkipRest(p_at, p_last);
+    if (*p_at != ' ' || p_at[1] < '0' || p_at[1] > '9') { // not one blank and a number, which are most common
+      p_at = SkipBlanks(p_at);
+      if (IsLineEnd(*p_at) || *p_at == '#')
+        return SkipRest(p_at, p_last);
+    } else {
+      ++p_at;
+    }
     Corner corner;
     const char* const end = ScanCorner(p_at, p_last, corner);
     if (end == nullptr || !Scan::IsBlank(*end))
