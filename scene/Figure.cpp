@@ -5,6 +5,7 @@
 #include "scene/private/OffscreenApplication.h"
 #include "scene/private/SceneState.h"
 
+#include "library/ObjModel.h"
 #include "library/ObjScene.h"
 #include "platform/debug/Check.h"
 #include "platform/debug/TypeName.h"
@@ -71,6 +72,23 @@ MeshPlot& Figure::Mesh(const Library::ObjScene& p_mesh) {
   }
   const Array3 positions(p_mesh.positions.data(), p_mesh.positions.size() / 3);
   return _state->Add(std::unique_ptr<MeshPlot>(new MeshPlot(Points(positions), std::move(indices))));
+}
+
+MeshPlot& Figure::Mesh(const Library::ObjModel& p_model) {
+  if (p_model.PrimitiveType() != Ogl::VertexBuffer::Triangles)
+    throw std::invalid_argument("Mesh: expected a model of triangles, got another primitive type");
+  std::vector<Private::Point> positions;
+  if (p_model.Vertices())
+    for (const Ogl::Vec3<float> vertex : *p_model.Vertices())
+      positions.emplace_back(static_cast<double>(vertex.x), static_cast<double>(vertex.y),
+                             static_cast<double>(vertex.z));
+  std::vector<std::uint32_t> indices;
+  if (p_model.Groups())
+    for (const auto& group : *p_model.Groups())
+      if (group) // incomplete triangles are left out, so that those of further groups stay whole
+        indices.insert(indices.end(), group->indices.begin(),
+                       group->indices.end() - static_cast<std::ptrdiff_t>(group->indices.size() % 3));
+  return _state->Add(std::unique_ptr<MeshPlot>(new MeshPlot(std::move(positions), std::move(indices))));
 }
 
 void Figure::Remove(const Plot& p_plot) {

@@ -26,8 +26,9 @@
 #include <vector>
 
 namespace Vek::Chart::Library {
+class ObjModel;
 struct ObjScene;
-}
+} // namespace Vek::Chart::Library
 
 namespace Vek::Chart::Scene {
 
@@ -84,6 +85,8 @@ public:
   MeshPlot& Mesh(const Array3& p_positions, const std::vector<std::array<unsigned, 3>>& p_triangles);
   /// The triangles of an `Io::Mesh`: without its lines, points, colours and textures.
   MeshPlot& Mesh(const Library::ObjScene& p_mesh);
+  /// The triangles of all groups of a model.
+  MeshPlot& Mesh(const Library::ObjModel& p_model);
   ///@}
   /// Removes a plot and frees its GL objects. Throws std::invalid_argument for a plot of another figure.
   void Remove(const Plot& p_plot);

@@ -1,9 +1,12 @@
 #include "scene/Figure.h"
 
+#include "library/ObjModel.h"
 #include "library/ObjScene.h"
 #include "tests/support/ErrorOf.h"
 #include "tests/support/Shown.h"
 #include "tests/support/Test.h"
+
+#include <boost/make_shared.hpp>
 
 #include <array>
 #include <cmath>
@@ -86,6 +89,20 @@ TEST_F(MeshPlotPixels, TrianglesAreWhereTheyBelong) {
   read.Mesh(file).Color(Qt::red);
   EXPECT_GT(AtPoint(read, left).red(), 180);
   EXPECT_EQ(AtPoint(read, right), QColor(Qt::white));
+
+  Library::ObjModel model;
+  EXPECT_THROW(read.Mesh(model), std::invalid_argument) << "of no primitive type";
+  model.SetPrimitiveType(Ogl::VertexBuffer::Triangles);
+  const auto vertices = boost::make_shared<Library::ObjModel::VertexArray>();
+  for (const Point& point : Square)
+    vertices->push_back(Ogl::Vec3<float>{float(point.x), float(point.y), float(point.z)});
+  model.SetVertices(vertices);
+  model.DefaultGroup()->indices = {0, 1, 2, 4};
+  model.AddGroup()->indices = {0, 2, 3};
+  Figure loaded;
+  loaded.Mesh(model).Color(Qt::red);
+  EXPECT_GT(AtPoint(loaded, left).red(), 180);
+  EXPECT_GT(AtPoint(loaded, right).red(), 180);
 }
 
 TEST_F(MeshPlotPixels, RefusesWrongArguments) {
