@@ -4,6 +4,9 @@
 #include "platform/ogl/Guard.h"
 #include "platform/ogl/private/QuietReport.h"
 
+#include <QOpenGLContext>
+#include <QSurface>
+
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 
@@ -167,14 +170,44 @@ EglContext::~EglContext() {
 
 void EglContext::MakeCurrent() {
   const DesktopApi api;
-  const Binding previous{eglGetCurrentDisplay(), eglGetCurrentContext(), eglGetCurrentSurface(EGL_DRAW),
-                         eglGetCurrentSurface(EGL_READ)};
-  if (previous.context != _context && eglMakeCurrent(_display, EGL_NO_SURFACE, EGL_NO_SURFACE, _context) == EGL_FALSE)
-    throw std::runtime_error(Failure("eglMakeCurrent"));
+  Binding previous{eglGetCurrentDisplay(),
+                   eglGetCurrentContext(),
+                   eglGetCurrentSurface(EGL_DRAW),
+                   eglGetCurrentSurface(EGL_READ),
+                   nullptr,
+                   nullptr};
+  if (previous.context == EGL_NO_CONTEXT)
+    ReleaseQt(previous);
+  const bool isCurrent =
+      previous.context == _context || eglMakeCurrent(_display, EGL_NO_SURFACE, EGL_NO_SURFACE, _context) != EGL_FALSE;
+  const std::string failure = isCurrent ? std::string() : Failure("eglMakeCurrent");
   _previous = previous;
+  if (isCurrent)
+    return;
+  RestoreQt();
+  throw std::runtime_error(failure);
+}
+
+void EglContext::ReleaseQt(Binding& p_binding) {
+  QOpenGLContext* const context = QOpenGLContext::currentContext();
+  if (context == nullptr)
+    return;
+  p_binding.qtContext = context;
+  p_binding.qtSurface = dynamic_cast<QObject*>(context->surface());
+  context->doneCurrent();
+}
+
+void EglContext::RestoreQt() noexcept {
+  auto* const context = qobject_cast<QOpenGLContext*>(_previous.qtContext.data());
+  auto* const surface = dynamic_cast<QSurface*>(_previous.qtSurface.data());
+  if (context == nullptr || surface == nullptr)
+    return;
+  eglMakeCurrent(_display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT); // GLX refuses while EGL has one
+  context->makeCurrent(surface);
 }
 
 void EglContext::Restore() noexcept {
+  RestoreQt();
   if (_previous.context == EGL_NO_CONTEXT || _previous.context == _context)
     return;
   const DesktopApi api;

@@ -2,6 +2,9 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <QObject>
+#include <QPointer>
+
 namespace Vek::Chart::Ogl {
 
 /// The EGL context (compatibility profile) of `OffscreenContext`, without a display, a window or a default frame
@@ -15,7 +18,8 @@ public:
   EglContext(const EglContext&) = delete;
   EglContext& operator=(const EglContext&) = delete;
 
-  /// Makes the context current on this thread and remembers the one that was. Throws std::runtime_error if EGL refuses.
+  /// Makes the context current on this thread and remembers the one that was: of EGL, or of Qt, which may use another
+  /// interface, GLX for example, and is released first. Throws std::runtime_error if EGL refuses.
   void MakeCurrent();
   /// Makes the remembered context current again. Without one, this context stays current.
   void Restore() noexcept;
@@ -31,7 +35,11 @@ private:
     void* context = nullptr;
     void* draw = nullptr;
     void* read = nullptr;
+    QPointer<QObject> qtContext; // QOpenGLContext
+    QPointer<QObject> qtSurface; // QSurface
   } _previous;
+  static void ReleaseQt(Binding& p_binding);
+  void RestoreQt() noexcept;
 };
 
 } // namespace Vek::Chart::Ogl
