@@ -13,7 +13,7 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
-set(CPACK_COMPONENTS_ALL runtime development data programs documentation)
+set(CPACK_COMPONENTS_ALL runtime widgets development data programs documentation)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
@@ -22,7 +22,9 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 
 set(runtime libvek-chart-library${PROJECT_VERSION_MAJOR})
 file(WRITE ${PROJECT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
+set(widgets libvek-chart-widgets${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/triggers)
+set(CPACK_DEBIAN_WIDGETS_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/triggers)
 
 # Debian's changelog, which each package has; the project's own is CHANGELOG.md.
 set(changelog ${PROJECT_BINARY_DIR}/changelog)
@@ -56,8 +58,10 @@ function(vek_debian_package component name section depends description)
 endfunction()
 vek_debian_package(runtime ${runtime} libs ""
   "The shared libraries.\n Colours, glyphs, models, volumes and cuts, ready to be drawn with OpenGL.")
+vek_debian_package(widgets ${widgets} libs "${runtime} ${version}"
+  "The shared library of Qt widgets.\n Charts in windows, to be rotated, panned and zoomed.")
 vek_debian_package(development libvek-chart-dev libdevel
-  "${runtime} ${version}, vek-chart-data ${version}, ${qt_dev}, libboost-dev"
+  "${runtime} ${version}, ${widgets} ${version}, vek-chart-data ${version}, ${qt_dev}, libboost-dev"
   "Development files.\n Headers and the package files for CMake and pkg-config.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libvek-chart-doc)
 vek_debian_package(data vek-chart-data science ""

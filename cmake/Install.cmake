@@ -13,8 +13,11 @@ set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/vek-chart-library)
 set(lib_from_bin /${CMAKE_INSTALL_LIBDIR})
 cmake_path(RELATIVE_PATH lib_from_bin BASE_DIRECTORY /${CMAKE_INSTALL_BINDIR})
 set(libraries vek-platform vek-chart-library vek-chart-io vek-chart-scene)
-set_target_properties(${libraries} PROPERTIES INSTALL_RPATH $ORIGIN)
-foreach(target IN LISTS libraries)
+if(TARGET vek-chart-widgets)
+  set(widgets vek-chart-widgets)
+endif()
+set_target_properties(${libraries} ${widgets} PROPERTIES INSTALL_RPATH $ORIGIN)
+foreach(target IN LISTS libraries widgets)
   target_include_directories(${target} INTERFACE $<INSTALL_INTERFACE:${header_dir}>)
 endforeach()
 install(TARGETS ${libraries} EXPORT VekChartLibraryTargets
@@ -40,6 +43,7 @@ install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${doc_dir} COMPONE
   OPTIONAL) # made by the target vek-docs or the test Docs.Reference
 
 install(EXPORT VekChartLibraryTargets NAMESPACE Vek:: DESTINATION ${package_dir} COMPONENT development)
+list(JOIN VEK_QT_WINDOW " " VEK_QT_WINDOW)
 configure_package_config_file(cmake/VekChartLibraryConfig.cmake.in
   ${CMAKE_CURRENT_BINARY_DIR}/VekChartLibraryConfig.cmake
   INSTALL_DESTINATION ${package_dir} PATH_VARS share_dir)
@@ -50,12 +54,23 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/VekChartLibraryConfigVersion.cmake
   DESTINATION ${package_dir} COMPONENT development)
 
+list(TRANSFORM VEK_QT_WINDOW PREPEND Qt${VEK_QT} OUTPUT_VARIABLE widgets_qt_modules)
+list(JOIN widgets_qt_modules ", " widgets_qt_modules)
 set(prefix_from_pkgconfig /)
 cmake_path(RELATIVE_PATH prefix_from_pkgconfig BASE_DIRECTORY /${pkgconfig_dir})
-foreach(module IN LISTS libraries)
+foreach(module IN LISTS libraries widgets)
   configure_file(cmake/${module}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
 endforeach()
+
+# The widgets have a run-time component of their own, since programs without windows need no Qt Widgets, and targets in a
+# file of their own: VekChartLibraryConfig.cmake reads it where the widgets are requested.
+if(TARGET vek-chart-widgets)
+  install(TARGETS vek-chart-widgets EXPORT VekChartWidgetsTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT widgets NAMELINK_COMPONENT development)
+  install(DIRECTORY widgets DESTINATION ${header_dir} COMPONENT development FILES_MATCHING PATTERN "*.h")
+  install(EXPORT VekChartWidgetsTargets NAMESPACE Vek:: DESTINATION ${package_dir} COMPONENT development)
+endif()
 
 # The test support is a component of its own, with targets in a file of its own: VekChartLibraryConfig.cmake reads it where
 # it is installed.

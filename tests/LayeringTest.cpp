@@ -5,8 +5,8 @@
 
 namespace {
 
-const std::set<std::string> Roots{"platform", "algorithms", "library", "io",   "scene", "widgets", "testing", "apps",
-                                  "examples", "tests",      "bench",   "fuzz", "tools", "docs"};
+const std::set<std::string> Roots{"platform", "algorithms", "library", "io",    "scene", "widgets", "testing",
+                                  "apps",     "examples",   "tests",   "bench", "fuzz",  "tools",   "docs"};
 
 /// The libraries, lowest layer first.
 constexpr std::array<const char*, 6> Layers{"platform", "algorithms", "library", "io", "scene", "widgets"};
@@ -66,8 +66,9 @@ std::string SystemFault(const std::string& p_from, const std::string& p_to) {
   static const std::regex Gl("(GL|EGL|GLES[0-9]?|epoxy)/.*|qopengl.*|QOpenGL.*", std::regex::icase);
   if (!std::regex_match(p_to, Gl) || Roots.count(Parts(p_from)[0]) == 0)
     return "";
-  // A window owns the context on which the abstraction works: the viewer's window, and that of the README.
-  const bool window = StartsWith(p_from, "apps/viewer/") || StartsWith(p_from, "tests/apps/viewer/") ||
+  // A window owns the context on which the abstraction works: the widgets, the viewer's window, and that of the README.
+  const bool window = StartsWith(p_from, "widgets/") || StartsWith(p_from, "tests/widgets/") ||
+                      StartsWith(p_from, "apps/viewer/") || StartsWith(p_from, "tests/apps/viewer/") ||
                       p_from == "docs/snippets/QtWidgetSnippets.cpp";
   if (window && (p_to == "QOpenGLWidget" || p_to == "QOpenGLContext"))
     return "";
@@ -99,10 +100,13 @@ const Row Rows[] = {
     {"tests/library/ColorMapTest.cpp", "apps/gallery/Options.h", "belongs to another program"},
     {"apps/gallery/Options.cpp", "apps/viewer/FileKind.h", "belongs to another program"},
     {"io/ReadTable.h", "scene/Camera.h", "points upwards"},
+    {"scene/Figure.cpp", "widgets/FigureView.h", "points upwards"},
     {"examples/Quiver.cpp", "apps/gallery/Options.h", "belongs to another program"},
     {"library/ColorMap.cpp", "../library/ColorMap.h", "does not start at the root"},
     {"platform/ogl/Rgl.h", "<epoxy/gl.h", "bypasses the GL abstraction"},
     {"apps/viewer/PictureView.cpp", "<QOpenGLFunctions", "bypasses the GL abstraction"},
+    {"widgets/FigureView.cpp", "<QOpenGLFunctions", "bypasses the GL abstraction"},
+    {"scene/Figure.h", "<QOpenGLWidget", "bypasses the GL abstraction"},
 };
 
 /// All headers and sources of the project, as paths from the root.

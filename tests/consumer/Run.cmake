@@ -69,7 +69,11 @@ foreach(page IN LISTS pages)
 endforeach()
 
 # The libraries export the project's names, without hidden state, and the exceptions that callers catch; nothing else.
-foreach(library vek-platform vek-chart-library vek-chart-io vek-chart-scene)
+set(libraries vek-platform vek-chart-library vek-chart-io vek-chart-scene)
+if(WIDGETS)
+  list(APPEND libraries vek-chart-widgets)
+endif()
+foreach(library IN LISTS libraries)
   execute_process(COMMAND nm -DC --defined-only ${prefix}/${LIB_DIR}/lib${library}.so COMMAND cut -c20-
     OUTPUT_VARIABLE exported COMMAND_ERROR_IS_FATAL ANY)
   file(WRITE ${WORK_DIR}/exported "${exported}")
@@ -92,17 +96,26 @@ foreach(name "vtable for vekdebug::sink" "typeinfo for vekdebug::sink" "typeinfo
   endif()
 endforeach()
 
-run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${WORK_DIR}/build -G ${GENERATOR} -DQT=${QT}
+run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${WORK_DIR}/build -G ${GENERATOR} -DQT=${QT} -DWIDGETS=${WIDGETS}
   -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCMAKE_PREFIX_PATH=${prefix})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 check_output(${WORK_DIR}/build/consumer "${drawn}")
 check_output(${WORK_DIR}/build/host-checks "2 tests")
+
+if(WIDGETS)
+  check_output(${WORK_DIR}/build/window "^1\n$")
+endif()
 
 set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIB_DIR}/pkgconfig)
 check_output(pkg-config "^${QT}\n$" --variable=qt vek-chart-library)
 run(make -s -C ${CMAKE_CURRENT_LIST_DIR} CXX=${COMPILER} OUT=${WORK_DIR}/make)
 check_output(${WORK_DIR}/make/consumer "${drawn}")
 check_output(${WORK_DIR}/make/host-checks "2 tests")
+
+if(WIDGETS)
+  run(make -s -C ${CMAKE_CURRENT_LIST_DIR} CXX=${COMPILER} OUT=${WORK_DIR}/make ${WORK_DIR}/make/window)
+  check_output(${WORK_DIR}/make/window "^1\n$")
+endif()
 
 if(APPS)
   # A manual page names each option of its program.

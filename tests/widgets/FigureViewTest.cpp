@@ -1,0 +1,345 @@
+// The view of a figure, driven by user input events. Needs an X server, which may be virtual.
+
+#include "widgets/FigureView.h"
+
+#include "tests/support/ErrorOf.h"
+#include "tests/support/Test.h"
+#include "tests/widgets/Windows.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QMouseEvent>
+#include <QOpenGLContext>
+#include <QToolTip>
+#include <QVBoxLayout>
+
+using namespace Vek::Chart::Widgets;
+using Scene::Camera;
+using Scene::OrbitController;
+
+namespace {
+
+using Point = Types::Vector3_Base<double>;
+using Picks = std::vector<std::optional<Point>>;
+
+/// A large red sphere in the middle of small ones at the corners of a box.
+std::shared_ptr<Scene::Figure> MakeFigure() {
+  auto figure = std::make_shared<Scene::Figure>("Spheres");
+  std::vector<Point> corners;
+  for (int i = 0; i < 8; ++i)
+    corners.emplace_back(i & 1 ? 1 : -1, i & 2 ? 1 : -1, i & 4 ? 1 : -1);
+  figure->Scatter(corners).Diameter(0.02);
+  figure->Scatter(std::vector<Point>{{0, 0, 0}}).Diameter(0.3).Color(Qt::red);
+  return figure;
+}
+
+struct PaintedView : FigureView {
+  using FigureView::FigureView;
+  int paintings = 0;
+  void paintGL() override {
+    ++paintings;
+    FigureView::paintGL();
+  }
+};
+
+class FigureViewTest : public testing::Test {
+protected:
+  void SetUp() override {
+    StartApplication();
+    Open();
+  }
+  void TearDown() override {
+    window.reset();
+    figure.reset();
+    EXPECT_EQ(reports.Texts(), Texts()) << "GL errors, and GL objects that outlive their context";
+  }
+
+  /// Shows the figure in a new window.
+  void Open() {
+    window = std::make_unique<QWidget>();
+    window->resize(600, 400);
+    auto* const layout = new QVBoxLayout(window.get());
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(view = new PaintedView(figure));
+    QObject::connect(view, &FigureView::Picked, [this](const auto& p_position) { picks.push_back(p_position); });
+    QObject::connect(view, &FigureView::CameraMoved, [this] { ++moves; });
+    window->show();
+    ASSERT_TRUE(WaitFor([this] { return view->isValid() && view->paintings > 0; }));
+  }
+
+  void Mouse(QEvent::Type p_type, const QPointF& p_place, Qt::MouseButton p_button, Qt::MouseButtons p_buttons,
+             Qt::KeyboardModifiers p_modifiers = Qt::NoModifier) {
+    QMouseEvent event(p_type, p_place, view->mapToGlobal(p_place.toPoint()), p_button, p_buttons, p_modifiers);
+    QApplication::sendEvent(view, &event);
+  }
+  /// In two steps, the first of which is shorter than a click may be.
+  void Drag(Qt::MouseButton p_button, const QPointF& p_by, Qt::KeyboardModifiers p_modifiers = Qt::NoModifier) {
+    const QPointF from(100, 120);
+    Mouse(QEvent::MouseButtonPress, from, p_button, p_button, p_modifiers);
+    Mouse(QEvent::MouseMove, from + QPointF(0, 3), Qt::NoButton, p_button, p_modifiers);
+    Mouse(QEvent::MouseMove, from + p_by, Qt::NoButton, p_button, p_modifiers);
+    Mouse(QEvent::MouseButtonRelease, from + p_by, p_button, Qt::NoButton, p_modifiers);
+  }
+  void Click(const QPointF& p_place, QEvent::Type p_press = QEvent::MouseButtonPress) {
+    Mouse(p_press, p_place, Qt::LeftButton, Qt::LeftButton);
+    Mouse(QEvent::MouseButtonRelease, p_place, Qt::LeftButton, Qt::NoButton);
+  }
+  void Wheel(const QPointF& p_place, int p_angle) {
+    QWheelEvent event(p_place, view->mapToGlobal(p_place.toPoint()), {}, {0, p_angle}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(view, &event);
+  }
+  bool Press(int p_key, Qt::KeyboardModifiers p_modifiers = Qt::NoModifier) {
+    QKeyEvent event(QEvent::KeyPress, p_key, p_modifiers);
+    QApplication::sendEvent(view, &event);
+    return event.isAccepted();
+  }
+  /// Where a position of the data is in the widget.
+  QPointF PlaceOf(const Point& p_data) const {
+    const Camera::Pixel pixel = view->Camera().Project(figure->ToScene(p_data), view->Viewport());
+    return QPointF(pixel.x, static_cast<double>(view->Viewport().height) - pixel.y) / view->devicePixelRatioF();
+  }
+
+  ReportCapture reports;
+  std::shared_ptr<Scene::Figure> figure = MakeFigure();
+  std::unique_ptr<QWidget> window;
+  PaintedView* view = nullptr;
+  Picks picks;
+  int moves = 0;
+};
+
+} // namespace
+
+TEST_F(FigureViewTest, ShowsTheFigureAndPaintsOnlyChanges) {
+  const double ratio = view->devicePixelRatioF();
+  const Types::Size size{qRound(600 * ratio), qRound(400 * ratio)};
+  const QImage shown = view->Image();
+  EXPECT_EQ(shown.size(), QSize(size.width, size.height));
+  view->makeCurrent();
+  if (ratio == 1) { // figures off-screen have one pixel a point
+    EXPECT_LT(Difference(shown, figure->Image(size)), 0.005);
+  }
+  EXPECT_EQ(QOpenGLContext::currentContext(), view->context()) << "images off-screen restore the context of a host";
+  view->doneCurrent();
+
+  QApplication::processEvents();
+  const int paintings = view->paintings;
+  Mouse(QEvent::MouseMove, {50, 50}, Qt::NoButton, Qt::NoButton);
+  EXPECT_FALSE(WaitFor([&] { return view->paintings > paintings; }, 200));
+  figure->theme = Scene::Theme::Dark();
+  view->update();
+  EXPECT_TRUE(WaitFor([&] { return view->paintings > paintings; }));
+  EXPECT_GT(Difference(view->Image(), shown), 0.5);
+}
+
+TEST_F(FigureViewTest, MouseMovesTheCamera) {
+  const double ratio = view->devicePixelRatioF();
+  const Types::Viewport<0> viewport = view->Viewport();
+  const auto rotate = [](OrbitController& p_orbit) { p_orbit.Rotate(40, -30); };
+  const auto pan = [&](OrbitController& p_orbit) { p_orbit.Pan(40 * ratio, -30 * ratio, viewport); };
+  const auto zoom = [&](OrbitController& p_orbit) {
+    p_orbit.Zoom(2, {100 * ratio, viewport.height - 120 * ratio, true}, viewport);
+  };
+  OrbitController orbit(view->Camera());
+  struct Case {
+    const char* name;
+    Qt::MouseButton button; ///< none: the wheel
+    Qt::KeyboardModifiers modifiers;
+    std::function<void(OrbitController&)> expected;
+  };
+  for (const Case& input : {Case{"left", Qt::LeftButton, Qt::NoModifier, rotate},
+                            {"middle", Qt::MiddleButton, Qt::NoModifier, pan},
+                            {"right", Qt::RightButton, Qt::NoModifier, pan},
+                            {"shift", Qt::LeftButton, Qt::ShiftModifier, pan},
+                            {"wheel", Qt::NoButton, Qt::NoModifier, zoom}}) {
+    const int before = moves;
+    if (input.button == Qt::NoButton)
+      Wheel({100, 120}, 240);
+    else
+      Drag(input.button, {40, 30}, input.modifiers);
+    input.expected(orbit);
+    EXPECT_EQ(figure->camera, orbit.Camera()) << input.name;
+    EXPECT_EQ(view->Camera(), orbit.Camera()) << input.name;
+    EXPECT_EQ(moves, before + 1) << input.name;
+  }
+  EXPECT_EQ(picks, Picks()) << "drags are no clicks";
+
+  Camera host;
+  host.target = {1, 2, 3};
+  figure->camera = host;
+  Wheel({300, 200}, -120);
+  orbit = OrbitController(host);
+  orbit.Zoom(-1, {300 * ratio, viewport.height - 200 * ratio, true}, viewport);
+  EXPECT_EQ(figure->camera, orbit.Camera()) << "a camera that the host has set is moved on";
+}
+
+TEST_F(FigureViewTest, KeysChooseViews) {
+  struct Case {
+    int key;
+    double azimuth, elevation;
+    Camera::Projection projection;
+  };
+  Drag(Qt::LeftButton, {37, 11});
+  const Camera dragged = view->Camera();
+  constexpr auto Perspective = Camera::Projection::Perspective, Parallel = Camera::Projection::Parallel;
+  const auto& [azimuth, elevation] = std::pair(dragged.azimuth, dragged.elevation);
+  for (const Case& press : {Case{Qt::Key_R, azimuth, elevation, Perspective},
+                            {Qt::Key_5, azimuth, elevation, Parallel},
+                            {Qt::Key_R, azimuth, elevation, Parallel},
+                            {Qt::Key_1, 0, 0, Parallel},
+                            {Qt::Key_3, -90, 0, Parallel},
+                            {Qt::Key_5, -90, 0, Perspective},
+                            {Qt::Key_7, 0, 90, Perspective}}) {
+    Wheel({200, 200}, 120);
+    const int before = moves;
+    EXPECT_TRUE(Press(press.key, Qt::KeypadModifier));
+    EXPECT_EQ(moves, before + 1) << press.key;
+    const Camera camera = view->Camera();
+    EXPECT_DOUBLE_EQ(camera.azimuth, press.azimuth) << press.key;
+    EXPECT_DOUBLE_EQ(camera.elevation, press.elevation) << press.key;
+    EXPECT_EQ(camera.projection, press.projection) << press.key;
+    EXPECT_EQ(!figure->camera, press.key != Qt::Key_5) << press.key << ": fitted, and again when resized";
+  }
+  const int before = moves;
+  EXPECT_FALSE(Press(Qt::Key_R, Qt::ControlModifier));
+  EXPECT_FALSE(Press(Qt::Key_2));
+  EXPECT_EQ(moves, before);
+}
+
+TEST_F(FigureViewTest, ClicksPickAndDoubleClicksCenter) {
+  const QPointF sphere = PlaceOf({0, 0, 0});
+  Click(sphere);
+  ASSERT_EQ(picks.size(), 1U);
+  ASSERT_TRUE(picks[0]);
+  // The front of a sphere of a diameter of 0.3 of the diagonal.
+  const double radius = 0.15 * std::sqrt(12.0);
+  EXPECT_NEAR(Length(*picks[0]), radius, 0.05 * radius);
+  const Point eye = figure->ToData(view->Camera().Eye());
+  EXPECT_LT(Length(*picks[0] * (Length(eye) / radius) - eye), 0.1 * Length(eye)) << "towards the eye";
+  EXPECT_TRUE(QToolTip::text().contains("x ")) << QToolTip::text().toStdString();
+  EXPECT_LT(QToolTip::text().size(), 40) << QToolTip::text().toStdString();
+
+  // A box of axes, titles and letters are no data.
+  Click(PlaceOf({1, -1, 0.2}));
+  Click({3, 3});
+  EXPECT_EQ(picks, (Picks{picks[0], {}, {}}));
+  EXPECT_EQ(moves, 0);
+
+  Click(PlaceOf({-1, -1, -1}));
+  ASSERT_TRUE(picks.back());
+  EXPECT_LT(Length(*picks.back() - Point(-1, -1, -1)), 0.06) << "a small sphere";
+  const QPointF corner = PlaceOf({-1, -1, -1});
+  Click(corner, QEvent::MouseButtonDblClick);
+  EXPECT_EQ(moves, 1);
+  EXPECT_EQ(picks.size(), 4U) << "the second click of a double click picks nothing";
+  const QPointF distance = PlaceOf({-1, -1, -1}) - QPointF(300, 200);
+  EXPECT_LT(std::hypot(distance.x(), distance.y()), 5);
+
+  // What was read is not kept when the figure changes.
+  view->update();
+  figure->camera.reset();
+  figure->Scatter(std::vector<Point>{{1, -1, 0.2}}).Diameter(0.1);
+  const int paintings = view->paintings;
+  ASSERT_TRUE(WaitFor([&] { return view->paintings > paintings; }));
+  EXPECT_TRUE(view->PositionAt(PlaceOf({1, -1, 0.2})));
+  EXPECT_FALSE(view->PositionAt({-1, 5})) << "outside of the widget";
+  EXPECT_FALSE(view->PositionAt({600, 5}));
+}
+
+TEST_F(FigureViewTest, SavesAndCopies) {
+  const TempFolder folder;
+  Drag(Qt::LeftButton, {60, 20});
+  const QImage image = view->Image();
+  Press(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32), image);
+  Press(Qt::Key_S, Qt::ControlModifier);
+  auto* const dialog = view->findChild<QFileDialog*>();
+  ASSERT_NE(dialog, nullptr);
+  const QString path = QString::fromStdString(folder.File("view.png"));
+  emit dialog->fileSelected(path);
+  EXPECT_EQ(QImage(path).convertToFormat(QImage::Format_RGB32), image);
+  delete dialog;
+  const std::string error = ErrorOf<std::runtime_error>([&] { view->Save(path + "/inside.png"); });
+  EXPECT_EQ(error.find((path + "/inside.png: the image cannot be written: ").toStdString()), 0U) << error;
+}
+
+TEST_F(FigureViewTest, FiguresAndViewsEndInAnyOrder) {
+  enum Step { DropFigure, CloseWindow, DropImage, Replace };
+  using Steps = std::vector<Step>;
+  for (const Steps& steps : {Steps{DropFigure, CloseWindow},
+                             {CloseWindow, DropFigure},
+                             {Replace, DropFigure, CloseWindow},
+                             {Replace, CloseWindow, DropFigure},
+                             {DropImage, DropFigure, CloseWindow},
+                             {DropImage, CloseWindow, DropImage, DropFigure}}) {
+    window.reset();
+    figure = MakeFigure();
+    Open();
+    auto kept = std::make_shared<Scene::Figure>("Other");
+    for (const Step step : steps) {
+      if (step == DropFigure)
+        figure.reset();
+      else if (step == CloseWindow)
+        window.reset();
+      else if (step == DropImage)
+        EXPECT_FALSE(figure->Image({300, 200}).isNull());
+      else
+        view->SetFigure(kept);
+      QApplication::processEvents();
+    }
+  }
+  EXPECT_EQ(reports.Texts(), Texts());
+}
+
+TEST_F(FigureViewTest, MovesToOtherWindows) {
+  const QImage before = view->Image();
+  auto other = std::make_unique<QWidget>();
+  other->resize(600, 400);
+  QOpenGLContext* const context = view->context();
+  view->setParent(other.get());
+  EXPECT_NE(view->context(), context) << "Qt has kept the context: nothing is tested";
+  other->show();
+  view->resize(600, 400);
+  const int paintings = view->paintings;
+  view->show();
+  ASSERT_TRUE(WaitFor([&] { return view->paintings > paintings && view->size() == QSize(600, 400); }));
+  EXPECT_LT(Difference(view->Image(), before), 0.005);
+  Click(PlaceOf({0, 0, 0}));
+  EXPECT_TRUE(picks.back());
+  other.reset(); // with the view
+  view = nullptr;
+}
+
+TEST_F(FigureViewTest, ReportsCoreProfiles) {
+  FigureView core(figure);
+  QSurfaceFormat format = core.format();
+  format.setProfile(QSurfaceFormat::CoreProfile);
+  format.setVersion(3, 3);
+  core.setFormat(format);
+  core.resize(200, 100);
+  core.show();
+  ASSERT_TRUE(WaitFor([&] { return core.isValid() && !reports.Texts().empty(); }));
+  ASSERT_EQ(core.context()->format().profile(), QSurfaceFormat::CoreProfile);
+  const QImage image = core.Image();
+  QImage background(image.size(), QImage::Format_RGB32);
+  background.fill(figure->theme.backgroundTop);
+  EXPECT_EQ(ImageDifference(image, background), "");
+  EXPECT_FALSE(core.PositionAt({100, 50}));
+  EXPECT_EQ(reports.Texts(),
+            Texts{"WARNING: FigureView: a compatibility profile is needed, this context has a core profile"});
+  reports.Clear();
+}
+
+TEST_F(FigureViewTest, WorksWithoutAFigure) {
+  view->SetFigure({});
+  figure.reset();
+  Drag(Qt::LeftButton, {60, 20});
+  Wheel({100, 100}, 120);
+  Click({300, 200});
+  for (const int key : {Qt::Key_R, Qt::Key_1, Qt::Key_5})
+    Press(key);
+  EXPECT_EQ(picks, (Picks{{}}));
+  EXPECT_EQ(moves, 0);
+  EXPECT_EQ(view->Image().pixelColor(300, 200), Scene::Theme().backgroundTop);
+}

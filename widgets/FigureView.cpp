@@ -1,0 +1,389 @@
+#include "widgets/FigureView.h"
+
+#include "library/RenderTexture.h"
+#include "platform/debug/Check.h"
+#include "platform/ogl/PerContext.h"
+#include "scene/Background.h"
+#include "scene/Ticks.h"
+
+#include <QClipboard>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QHelpEvent>
+#include <QImageWriter>
+#include <QLineF>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QOpenGLContext>
+#include <QToolTip>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <utility>
+
+namespace Vek::Chart::Widgets {
+
+namespace {
+
+using Position = Types::Vector3_Base<double>;
+
+/// Qt 5 and Qt 6 have other names for it.
+QPointF PlaceOf(const QMouseEvent& p_event) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+  return p_event.position();
+#else
+  return p_event.localPos();
+#endif
+}
+
+QPoint GlobalPlaceOf(const QMouseEvent& p_event) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+  return p_event.globalPosition().toPoint();
+#else
+  return p_event.globalPos();
+#endif
+}
+
+QSurfaceFormat NeededFormat() {
+  QSurfaceFormat format; // without a version: from 3.2 on, drivers give a core profile
+  format.setRenderableType(QSurfaceFormat::OpenGL);
+  format.setProfile(QSurfaceFormat::CompatibilityProfile);
+  format.setDepthBufferSize(24);
+  format.setStencilBufferSize(8);
+  format.setAlphaBufferSize(0);
+  format.setSamples(4);
+  return format;
+}
+
+/// A value with as many digits as a step of it is worth.
+QString WithDigits(double p_value, double p_step) {
+  constexpr int Steps = 10;
+  const double half = std::abs(p_step) * Steps / 2;
+  return Scene::Ticks::Linear(p_value - half, p_value + half, Steps).Format(p_value);
+}
+
+} // namespace
+
+FigureView::FigureView(std::shared_ptr<Scene::Figure> p_figure, QWidget* p_parent)
+    : QOpenGLWidget(p_parent)
+    , _figure(std::move(p_figure)) {
+  setFormat(NeededFormat());
+  setFocusPolicy(Qt::StrongFocus);
+  setContextMenuPolicy(Qt::PreventContextMenu); // the right button pans
+}
+
+FigureView::~FigureView() {
+  Release();
+  if (context() != nullptr)
+    context()->disconnect(this); // it goes when this is but a QOpenGLWidget
+}
+
+template <class Function>
+void FigureView::WithContext(const Function& p_function) {
+  if (context() == nullptr || !_gl)
+    return;
+  makeCurrent();
+  {
+    Utility::Scoped<Rgl> gl(*_gl);
+    p_function(gl);
+  }
+  doneCurrent();
+}
+
+void FigureView::Release() {
+  WithContext([](const Utility::Scoped<Rgl>& p_gl) { Ogl::Release(p_gl); });
+  _gl.reset();
+}
+
+void FigureView::SetFigure(std::shared_ptr<Scene::Figure> p_figure) {
+  if (_figure == p_figure)
+    return;
+  WithContext([this](const Utility::Scoped<Rgl>& p_gl) {
+    if (_figure)
+      _figure->Release(p_gl);
+  });
+  _figure = std::move(p_figure);
+  _depths.clear();
+  update();
+}
+
+// Drawing
+
+void FigureView::KeepSamples() {
+  QSurfaceFormat needed = format();
+  if (!_hadContext) {
+    _samples = needed.samples();
+  } else if (needed.samples() != _samples) {
+    needed.setSamples(_samples);
+    setFormat(needed);
+  }
+}
+
+void FigureView::initializeGL() {
+  connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, &FigureView::Release);
+  _hadContext = true;
+  _gl = Rgl::OnCurrentContext();
+  _hasFixedFunctions = context()->format().profile() != QSurfaceFormat::CoreProfile;
+  if (!_hasFixedFunctions)
+    vekdebug::warn("FigureView: a compatibility profile is needed, this context has a core profile");
+}
+
+void FigureView::paintGL() {
+  _depths.clear(); // the host may have changed the figure
+  Utility::Scoped<Rgl> gl(*_gl);
+  if (_figure && _hasFixedFunctions) {
+    _figure->Draw(gl, Viewport(), devicePixelRatioF());
+  } else {
+    gl->ClearColor(_figure ? _figure->theme.backgroundTop : Scene::Theme().backgroundTop);
+    gl->Clear(RGL_COLOR_BUFFER_BIT);
+  }
+  gl->CheckError("void Vek::Chart::Widgets::FigureView::paintGL()");
+}
+
+Types::Viewport<0> FigureView::Viewport() const {
+  const auto pixels = [this](int p_length) {
+    return static_cast<float>(std::max(qRound(p_length * devicePixelRatioF()), 1));
+  };
+  return {0, 0, pixels(width()), pixels(height())};
+}
+
+QImage FigureView::Image() {
+  return grabFramebuffer().convertToFormat(QImage::Format_RGB32); // opaque: blending has changed alpha
+}
+
+void FigureView::Save(const QString& p_path) {
+  const QImage image = Image();
+  if (image.isNull())
+    throw std::runtime_error(p_path.toStdString() + ": the image cannot be written: nothing has been drawn");
+  QImageWriter writer(p_path);
+  if (!writer.write(image))
+    throw std::runtime_error(p_path.toStdString() +
+                             ": the image cannot be written: " + writer.errorString().toStdString());
+}
+
+void FigureView::Copy() {
+  QGuiApplication::clipboard()->setImage(Image());
+}
+
+void FigureView::AskWhereToSave() {
+  auto* const dialog = new QFileDialog(this, tr("Save image"), QString(), tr("Images (*.png *.jpg *.bmp)"));
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setAcceptMode(QFileDialog::AcceptSave);
+  dialog->setDefaultSuffix(QStringLiteral("png"));
+  connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& p_path) {
+    try {
+      Save(p_path);
+    } catch (const std::runtime_error& error) {
+      auto* const box = new QMessageBox(QMessageBox::Warning, tr("Save image"), QString::fromUtf8(error.what()),
+                                        QMessageBox::Ok, this);
+      box->setAttribute(Qt::WA_DeleteOnClose);
+      box->open();
+    }
+  });
+  dialog->open();
+}
+
+// Camera
+
+Scene::Camera FigureView::Camera() const {
+  if (!_figure)
+    return {};
+  return _figure->camera ? *_figure->camera : _figure->Layout(Viewport(), devicePixelRatioF()).camera;
+}
+
+template <class Function>
+void FigureView::Move(const Function& p_function) {
+  if (!_figure)
+    return;
+  const Scene::Camera present = Camera();
+  if (present != _orbit.Camera()) // fitted, or changed by the host
+    _orbit = Scene::OrbitController(present);
+  p_function(_orbit);
+  _figure->camera = _orbit.Camera();
+  CameraHasMoved();
+}
+
+void FigureView::LookFrom(const Scene::Camera& p_direction) {
+  if (std::isfinite(p_direction.azimuth) && std::abs(p_direction.elevation) <= 90) // otherwise that of the figure
+    _figure->Look(p_direction.azimuth, p_direction.elevation, p_direction.projection);
+  _figure->camera.reset();
+  CameraHasMoved();
+}
+
+void FigureView::CameraHasMoved() {
+  _depths.clear();
+  update();
+  emit CameraMoved();
+}
+
+void FigureView::Fit() {
+  if (_figure)
+    LookFrom(Camera());
+}
+
+void FigureView::Look(Scene::Camera::StandardView p_view) {
+  if (!_figure)
+    return;
+  Scene::Camera direction = Camera();
+  direction.Look(p_view);
+  LookFrom(direction);
+}
+
+void FigureView::SetProjection(Scene::Camera::Projection p_projection) {
+  Move([=](Scene::OrbitController& p_orbit) { p_orbit.SetProjection(p_projection); });
+}
+
+// Picking
+
+void FigureView::ReadDepths() {
+  WithContext([this](Utility::Scoped<Rgl>& p_gl) {
+    if (!_hasFixedFunctions)
+      return;
+    const Types::Viewport<0> viewport = Viewport();
+    const Library::RenderTexture target({static_cast<int>(viewport.width), static_cast<int>(viewport.height)});
+    {
+      const auto bound = target.BindForDraw(p_gl);
+      if (!target.Complete()) // which is reported
+        return;
+      _figure->Draw(p_gl, viewport, devicePixelRatioF());
+    }
+    _depths = target.ReadDepths(p_gl);
+  });
+}
+
+std::optional<Position> FigureView::SceneAt(const QPointF& p_place) {
+  const Types::Viewport<0> viewport = Viewport();
+  const int columns = static_cast<int>(viewport.width), rows = static_cast<int>(viewport.height);
+  const double x = std::floor(p_place.x() * devicePixelRatioF());
+  const double y = rows - 1 - std::floor(p_place.y() * devicePixelRatioF());
+  if (!_figure || !(x >= 0 && y >= 0 && x < columns && y < rows))
+    return {};
+  if (_depths.empty())
+    ReadDepths();
+  const std::size_t pixel =
+      static_cast<std::size_t>(y) * static_cast<std::size_t>(columns) + static_cast<std::size_t>(x);
+  if (pixel >= _depths.size() || !(_depths[pixel] < 1))
+    return {};
+  return Camera().Unproject({x + 0.5, y + 0.5, true}, static_cast<double>(_depths[pixel]), viewport);
+}
+
+std::optional<Position> FigureView::PositionAt(const QPointF& p_place) {
+  const std::optional<Position> scene = SceneAt(p_place);
+  if (!scene)
+    return {};
+  return _figure->ToData(*scene);
+}
+
+QString FigureView::ReadOut(const Position& p_scene) const {
+  const double pixel = 1 / Camera().PixelsPerUnit(p_scene, Viewport()); // in scene units
+  const Position shown = _figure->ToData(p_scene);
+  const Position step = _figure->ToData({p_scene.x + pixel, p_scene.y + pixel, p_scene.z + pixel}) - shown;
+  return QStringLiteral("x %1\ny %2\nz %3")
+      .arg(WithDigits(shown.x, step.x), WithDigits(shown.y, step.y), WithDigits(shown.z, step.z));
+}
+
+void FigureView::ShowReadOut(const QPointF& p_place, const QPoint& p_global) {
+  const std::optional<Position> scene = SceneAt(p_place);
+  QToolTip::showText(p_global, scene ? ReadOut(*scene) : QString(), this); // hidden without a string
+}
+
+// Events
+
+bool FigureView::event(QEvent* p_event) {
+  if (context() == nullptr)
+    KeepSamples();
+  if (p_event->type() != QEvent::ToolTip)
+    return QOpenGLWidget::event(p_event);
+  const auto& help = static_cast<const QHelpEvent&>(*p_event);
+  ShowReadOut(help.pos(), help.globalPos());
+  return true;
+}
+
+void FigureView::mousePressEvent(QMouseEvent* p_event) {
+  if (p_event->buttons() != p_event->button())
+    return; // another button is down already
+  _press = _last = PlaceOf(*p_event);
+  _isDrag = false;
+  _isClick = true;
+}
+
+void FigureView::mouseMoveEvent(QMouseEvent* p_event) {
+  const Qt::MouseButtons buttons = p_event->buttons();
+  const QPointF place = PlaceOf(*p_event);
+  if (buttons == Qt::NoButton || (!_isDrag && QLineF(_press, place).length() < ClickDistance))
+    return;
+  _isDrag = true;
+  const QPointF moved = place - std::exchange(_last, place);
+  if (buttons == Qt::LeftButton && !p_event->modifiers().testFlag(Qt::ShiftModifier)) {
+    Move([&](Scene::OrbitController& p_orbit) { p_orbit.Rotate(moved.x(), -moved.y()); });
+  } else {
+    const QPointF pixels = moved * devicePixelRatioF();
+    Move([&](Scene::OrbitController& p_orbit) { p_orbit.Pan(pixels.x(), -pixels.y(), Viewport()); });
+  }
+}
+
+void FigureView::mouseReleaseEvent(QMouseEvent* p_event) {
+  if (p_event->button() != Qt::LeftButton || !std::exchange(_isClick, false) || _isDrag)
+    return;
+  const QPointF place = PlaceOf(*p_event);
+  ShowReadOut(place, GlobalPlaceOf(*p_event));
+  emit Picked(PositionAt(place));
+}
+
+void FigureView::mouseDoubleClickEvent(QMouseEvent* p_event) {
+  _press = _last = PlaceOf(*p_event);
+  _isDrag = _isClick = false;
+  if (p_event->button() != Qt::LeftButton)
+    return;
+  if (const std::optional<Position> scene = SceneAt(_press))
+    Move([&](Scene::OrbitController& p_orbit) { p_orbit.CenterOn(*scene); });
+}
+
+void FigureView::wheelEvent(QWheelEvent* p_event) {
+  constexpr double Notch = 120; // of Qt
+  const double notches = p_event->angleDelta().y() / Notch;
+  if (notches == 0)
+    return;
+  const Types::Viewport<0> viewport = Viewport();
+  const QPointF pixel = p_event->position() * devicePixelRatioF();
+  const Scene::Camera::Pixel cursor{pixel.x(), static_cast<double>(viewport.height) - pixel.y(), true};
+  Move([&](Scene::OrbitController& p_orbit) { p_orbit.Zoom(notches, cursor, viewport); });
+}
+
+bool FigureView::PressKey(int p_key) {
+  using View = Scene::Camera::StandardView;
+  using Projection = Scene::Camera::Projection;
+  switch (p_key) {
+  case Qt::Key_R:
+    Fit();
+    return true;
+  case Qt::Key_1:
+    Look(View::Front);
+    return true;
+  case Qt::Key_3:
+    Look(View::Right);
+    return true;
+  case Qt::Key_7:
+    Look(View::Top);
+    return true;
+  case Qt::Key_5:
+    SetProjection(Camera().projection == Projection::Parallel ? Projection::Perspective : Projection::Parallel);
+    return true;
+  default:
+    return false;
+  }
+}
+
+void FigureView::keyPressEvent(QKeyEvent* p_event) {
+  const bool isPlain = (p_event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+  if (p_event->matches(QKeySequence::Save))
+    AskWhereToSave();
+  else if (p_event->matches(QKeySequence::Copy))
+    Copy();
+  else if (!isPlain || !PressKey(p_event->key()))
+    QOpenGLWidget::keyPressEvent(p_event);
+}
+
+} // namespace Vek::Chart::Widgets

@@ -1,0 +1,162 @@
+#pragma once
+
+#include "widgets/Export.h"
+
+#include "platform/ogl/Rgl.h"
+#include "platform/types/Vector.h"
+#include "platform/types/Viewport.h"
+#include "platform/utility/Scope.h"
+#include "scene/Figure.h"
+#include "scene/OrbitController.h"
+
+#include <QImage>
+#include <QOpenGLWidget>
+#include <QPointF>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace Vek::Chart::Widgets {
+
+/// Shows a Scene::Figure in a window, to be rotated, panned, zoomed and read.
+///
+///     QApplication application(argc, argv);
+///     auto figure = std::make_shared<Scene::Figure>("Winds of the world");
+///     figure->Quiver(positions, vectors).ColorBy(speed);
+///     Widgets::FigureView view(figure);
+///     view.show();
+///     return application.exec();
+///
+/// | Input | Effect |
+/// |---|---|
+/// | drag | rotates as a turntable |
+/// | Shift+drag, middle or right drag | pans |
+/// | wheel | zooms to the cursor |
+/// | click (less than ClickDistance moved) | emits Picked and shows the position of the data there |
+/// | rest | shows the position of the data under the cursor as a tool tip |
+/// | double click on data | moves them into the middle |
+/// | R | fits the figure into the widget |
+/// | 1, 3, 7 | views from the front, the right, the top |
+/// | 5 | switches between perspective and parallel projection |
+/// | Ctrl+S | asks for a file and writes the image |
+/// | Ctrl+C | copies the image |
+///
+/// Keys need the focus, which a click gives; shortcuts of the host's window come before them. No context menu is
+/// requested, unless the host sets another context menu policy.
+///
+/// **Ownership**: figure and view share the figure, so that either may go first; a host that drops its pointer leaves
+/// the figure to the view. Several views may show one figure.
+///
+/// **Camera**: the view moves the camera of the figure, `Figure::camera`, so that `Figure::Save` writes what was looked
+/// at. Until the first movement, and after R and the keys of views, the figure fits its own camera at each drawing,
+/// also when the widget is resized. Views of one figure share its camera: connect CameraMoved of each with `update` of
+/// the others.
+///
+/// **Drawing**: only when the widget is exposed or resized, when the camera moves, and after `update()`, which the host
+/// calls after it changed the figure. Four samples a pixel; a point of the figure is a pixel of the screen's logical
+/// coordinates.
+///
+/// **GL**: the constructor requests a compatibility profile, without a version (with one, drivers give a core profile).
+/// A host may change the format before the widget is shown. In a core profile nothing but the background is drawn,
+/// which is reported once for each context ("WARNING: FigureView: a compatibility profile is needed, this context has a
+/// core profile"). GL objects of the figure in the view's context are freed when the context goes: with the view, or
+/// when the view gets another window. GUI thread only.
+///
+/// \snippet FigureViewSnippets.cpp FigureView
+/// \image html parts/FigureView.png
+/// \ingroup widgets
+class VEK_WIDGETS_API FigureView : public QOpenGLWidget {
+  Q_OBJECT
+public:
+  static constexpr double ClickDistance = 4; ///< logical pixels; a button that moves less is a click
+
+  /// Without a figure, an empty background is shown.
+  explicit FigureView(std::shared_ptr<Scene::Figure> p_figure = {}, QWidget* p_parent = nullptr);
+  /// Frees the GL objects of the figure in the view's context.
+  ~FigureView() override;
+
+  /// The figure that is shown; may be null.
+  const std::shared_ptr<Scene::Figure>& Figure() const { return _figure; }
+  /// Shows another figure, or none. Frees the GL objects of the one before in the view's context.
+  void SetFigure(std::shared_ptr<Scene::Figure> p_figure);
+
+  /// The camera that the figure is drawn with, for the viewport of the widget in pixels of the device.
+  Scene::Camera Camera() const;
+  /// The viewport of the figure: all of the widget, in pixels of the device.
+  Types::Viewport<0> Viewport() const;
+  /// Fits the whole figure into the widget. Direction and projection stay, without roll.
+  void Fit();
+  /// Looks from a usual direction and fits the figure into the widget. The projection stays.
+  void Look(Scene::Camera::StandardView p_view);
+  /// Switches between perspective and parallel projection; the target's plane keeps its scale.
+  void SetProjection(Scene::Camera::Projection p_projection);
+
+  /// The position of the nearest data at a point of the widget, in data units; empty where there are none, outside the
+  /// widget, and before the widget was shown. `p_place` is in logical pixels from the upper left corner, as mouse
+  /// events have it. The first call for each image draws the figure off-screen, without samples, and reads its depths
+  /// (4 bytes a pixel).
+  std::optional<Types::Vector3_Base<double>> PositionAt(const QPointF& p_place);
+
+  /// What is shown, in pixels of the device; null before the widget was shown.
+  QImage Image();
+  /// Writes that image to a file, in the format that its suffix names (PNG and what Qt supports). Throws
+  /// std::runtime_error with path and reason.
+  void Save(const QString& p_path);
+  /// Copies that image to the clipboard.
+  void Copy();
+
+signals:
+  /// A click: the position of the data under the cursor in data units, empty beside them.
+  void Picked(const std::optional<Vek::Chart::Types::Vector3_Base<double>>& p_position);
+  /// The camera of the figure was moved by the view.
+  void CameraMoved();
+
+protected:
+  ///@{
+  /// Of QOpenGLWidget.
+  void initializeGL() override;
+  void paintGL() override;
+  bool event(QEvent* p_event) override;
+  void mousePressEvent(QMouseEvent* p_event) override;
+  void mouseMoveEvent(QMouseEvent* p_event) override;
+  void mouseReleaseEvent(QMouseEvent* p_event) override;
+  void mouseDoubleClickEvent(QMouseEvent* p_event) override;
+  void wheelEvent(QWheelEvent* p_event) override;
+  void keyPressEvent(QKeyEvent* p_event) override;
+  ///@}
+
+private:
+  /// Calls with a scope while the context is current; not at all without a context.
+  template <class Function>
+  void WithContext(const Function& p_function);
+  void Release();
+  /// Qt forgets the samples of the format when the view gets another window.
+  void KeepSamples();
+  /// Moves the camera of the figure by a function of an OrbitController.
+  template <class Function>
+  void Move(const Function& p_function);
+  void LookFrom(const Scene::Camera& p_direction);
+  void CameraHasMoved();
+  bool PressKey(int p_key);
+  void AskWhereToSave();
+
+  void ReadDepths();
+  /// The position at a point of the widget in scene units.
+  std::optional<Types::Vector3_Base<double>> SceneAt(const QPointF& p_place);
+  QString ReadOut(const Types::Vector3_Base<double>& p_scene) const;
+  void ShowReadOut(const QPointF& p_place, const QPoint& p_global);
+
+  std::shared_ptr<Scene::Figure> _figure;
+  std::optional<Utility::Unscoped<Rgl>> _gl; ///< of the present context
+  bool _hasFixedFunctions = false;           ///< of that context
+  bool _hadContext = false;
+  int _samples = 0; ///< of the format
+  Scene::OrbitController _orbit;
+  std::vector<float> _depths; ///< of the image that is shown, bottom row first; empty until they are read
+  QPointF _press, _last;      ///< of the mouse, in logical pixels
+  bool _isDrag = false;       ///< the mouse has moved too far for a click
+  bool _isClick = false;      ///< the button that is down is not that of a double click
+};
+
+} // namespace Vek::Chart::Widgets
