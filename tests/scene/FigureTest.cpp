@@ -398,12 +398,17 @@ TEST_F(FigurePixels, PointsAreWhereTheyBelong) {
   const Points flat{{0, 0, 5}, {10, 7, 5}, {3, 6, 5}};
   Figure figure;
   figure.theme = Theme::Dark();
-  figure.Scatter(flat).ColorBy(Numbers{0, 1, NaN}).ColorMap({Qt::red, Qt::green}).ColorRange(0, 1).Diameter(0.05);
+  figure.Scatter(flat)
+      .ColorBy(Numbers{0, 1, NaN})
+      .ColorMap({Qt::red, Qt::green})
+      .ColorRange(0, 1)
+      .Diameter(0.05)
+      .MissingColor(Qt::blue);
   figure.Draw(gl, viewport);
   constexpr int Shading = 6; // of spheres; the middle faces the light
   EXPECT_TRUE(SameColor(AtPoint(figure, flat[0]).rgb(), Qt::red, Shading));
   EXPECT_TRUE(SameColor(AtPoint(figure, flat[1]).rgb(), Qt::green, Shading));
-  EXPECT_TRUE(SameColor(AtPoint(figure, flat[2]).rgb(), QColor(128, 128, 128), Shading));
+  EXPECT_TRUE(SameColor(AtPoint(figure, flat[2]).rgb(), Qt::blue, Shading));
 
   // Far from zero, in perspective, with lighting: the middle point is red in a grey crowd.
   const Point middle(3e7, 2e7, 1e7);
