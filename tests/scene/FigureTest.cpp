@@ -178,8 +178,8 @@ TEST_F(FigureTest, KeepsTheDigitsOfLargeCoordinates) {
 /// Numbers at the ends of double neither throw nor leave the image.
 TEST_F(FigureTest, ExtremeNumbersHaveALayout) {
   constexpr double Infinity = std::numeric_limits<double>::infinity();
-  for (const double low : {-1e308, -1e300, -1e17, 0.0, 1e-320, 1e-300, 1e17, 1e300, NaN})
-    for (const double high : {1e-310, 1e-300, 1.0, 1e17 + 16, 1e300, 1.7e308, Infinity}) {
+  for (const double low : {-1e308, 0.0, 1e-320, 1e17, NaN})
+    for (const double high : {1e-310, 1.0, 1e17 + 16, 1.7e308, Infinity}) {
       const Points points{{low, 0, low}, {high, 1, 0}, {1, high, high}};
       for (const bool isLogarithmic : {false, true}) {
         Figure figure;
