@@ -96,11 +96,15 @@ foreach(name "vtable for vekdebug::sink" "typeinfo for vekdebug::sink" "typeinfo
   endif()
 endforeach()
 
+file(MAKE_DIRECTORY ${WORK_DIR}/tests)
+file(CREATE_LINK ${SOURCE_DIR}/tests ${WORK_DIR}/tests/tests SYMBOLIC)
 run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${WORK_DIR}/build -G ${GENERATOR} -DQT=${QT} -DWIDGETS=${WIDGETS}
+  -DSOURCE_DIR=${SOURCE_DIR} -DTESTS=${WORK_DIR}/tests
   -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCMAKE_PREFIX_PATH=${prefix})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 check_output(${WORK_DIR}/build/consumer "${drawn}")
 check_output(${WORK_DIR}/build/host-checks "2 tests")
+check_output(${WORK_DIR}/build/snippets "PASSED")
 
 if(WIDGETS)
   check_output(${WORK_DIR}/build/window "^1\n$")
