@@ -111,6 +111,8 @@ public:
   /// of a compatibility profile ("Figure: a compatibility profile is needed, this context has a core profile"). With
   /// Qt, ask for the profile alone: QSurfaceFormat::setProfile without setVersion.
   ///
+  /// \param p_gl an open scope of the context
+  /// \param p_viewport in pixels of the frame buffer
   /// \param p_pixelRatio pixels of a point, in which letters and lines are measured: the device pixel ratio
   void Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);
   /// Draws into a new image with `p_samples` samples a pixel, a point being a pixel. Needs no display, no context and

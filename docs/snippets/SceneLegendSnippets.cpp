@@ -3,9 +3,12 @@
 #include "library/ColorMap.h"
 #include "library/ColorScale.h"
 #include "library/NamedColors.h"
+#include "scene/ArrowKey.h"
 #include "scene/Background.h"
 #include "scene/Canvas.h"
 #include "scene/ColorBar.h"
+#include "scene/Legend.h"
+#include "scene/SizeLegend.h"
 #include "scene/TextRenderer.h"
 #include "scene/Theme.h"
 #include "scene/Ticks.h"
@@ -73,6 +76,33 @@ TEST_F(SceneLegendSnippetPixels, ColorBar) {
     chlorophyll.least = 0;
     const Scene::LegendBlock narrow = chlorophyll.Layout(180, theme, PointSize);
     narrow.Draw(canvas, narrow.OriginFor({220, 20}));
+  });
+}
+
+TEST_F(SceneLegendSnippetPixels, Legend) {
+  ShowInThemes("Legend", [&](Scene::Canvas& canvas, const Scene::Theme& theme) {
+    //! [Legend]
+    Scene::Legend names;
+    names.title = "Stations";
+    names.entries = {{"Buoys", Scene::Legend::Mark::Dot, QColor(0x2A78C4)},
+                     {"Ships", Scene::Legend::Mark::Line, QColor(0xC4622A), 3},
+                     {"Ice", Scene::Legend::Mark::Patch, QColor(0x8FA3B0)},
+                     {"Current", Scene::Legend::Mark::Glyph, QColor(0x3C9A5B)}};
+    names.Layout(200, theme, PointSize).Draw(canvas, {30, 290}); // at most 200 points high
+
+    Scene::SizeLegend sizes;
+    sizes.title = "Magnitude";
+    sizes.least = 4.5;
+    sizes.largest = 7.2;
+    sizes.diameter = [](double p_magnitude) { return 5 * (p_magnitude - 3); }; // points
+    sizes.Layout(theme, PointSize).Draw(canvas, {180, 290});
+
+    Scene::ArrowKey arrow;
+    arrow.title = "Wind";
+    arrow.unit = "m/s";
+    arrow.pointsPerUnit = 6.5; // as the arrows of the plot are drawn
+    arrow.Layout(theme, PointSize).Draw(canvas, {180, 60});
+    //! [Legend]
   });
 }
 
