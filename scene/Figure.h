@@ -66,6 +66,7 @@ namespace Vek::Chart::Scene {
 /// \ingroup plots
 class VEK_SCENE_API Figure {
 public:
+  /// A figure without plots; titles may be empty.
   explicit Figure(const QString& p_title = {}, const QString& p_subtitle = {});
   ~Figure();
   /// Takes over plots and GL objects; the other figure may only be destroyed or assigned to.

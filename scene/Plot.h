@@ -41,9 +41,13 @@ public:
   Types::MinMax_Base<double> ColorRange() const;
 
 protected:
+  /// Takes over what Figure draws.
   explicit Plot(std::unique_ptr<Private::PlotContent> p_content);
+  /// What Figure draws.
   Private::PlotContent& Content() { return *_content; }
 
+  ///@{
+  /// The settings of ColoredPlot, without the type of the plot.
   void ChangeVisible(bool p_visible);
   void ChangeOpacity(double p_opacity);
   void ChangeLabel(const QString& p_label);
@@ -55,6 +59,7 @@ protected:
   void ChangeColorScale(bool p_logarithmic);
   void ChangeColorTitle(const QString& p_title);
   void ChangeMissingColor(const QColor& p_color);
+  ///@}
 
 private:
   friend class Figure;
@@ -109,7 +114,7 @@ public:
   Derived& MissingColor(const QColor& p_color) { return ChangeMissingColor(p_color), Self(); }
 
 protected:
-  using Plot::Plot;
+  using Plot::Plot; ///< takes over what Figure draws
 
 private:
   Derived& Self() { return static_cast<Derived&>(*this); }
