@@ -237,8 +237,9 @@ TEST_F(FigureViewTest, ClicksPickAndDoubleClicksCenter) {
   EXPECT_LT(std::hypot(distance.x(), distance.y()), 5);
 
   // What was read is not kept when the figure changes.
-  view->update();
   figure->camera.reset();
+  EXPECT_FALSE(view->PositionAt(PlaceOf({1, -1, 0.2})));
+  view->update();
   figure->Scatter(std::vector<Point>{{1, -1, 0.2}}).Diameter(0.1);
   const int paintings = view->paintings;
   ASSERT_TRUE(WaitFor([&] { return view->paintings > paintings; }));
