@@ -24,7 +24,11 @@ namespace Vek::Chart::Library {
 /// \ingroup files
 struct VEK_LIBRARY_API ObjScene {
   /// What three, two or one indices are.
-  enum Primitive { Triangles, Lines, Points };
+  enum Primitive {
+    Triangles, ///< three indices each
+    Lines,     ///< two indices each
+    Points,    ///< one index each
+  };
   /// Consecutive indices of the same kind, name and material.
   struct Group {
     std::string name;                ///< of the last `g` line; at most 255 bytes

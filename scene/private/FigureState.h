@@ -13,7 +13,7 @@
 
 namespace Vek::Chart::Scene {
 
-struct Figure::State {
+struct VEK_HIDDEN Figure::State {
   /// A plot of the figure.
   struct Entry {
     std::unique_ptr<Plot> plot;
