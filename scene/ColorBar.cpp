@@ -206,20 +206,20 @@ struct ColorBar::Builder {
     const bool hasClasses = bar._bounds.size() > 2 && bar._bounds.size() <= MostClasses + 1;
     const std::size_t most = hasClasses ? bar._bounds.size() : MostTicks;
     for (std::size_t count = most; count > 1; --count) {
-      Ticks ticks = bar.TicksFor(count);
-      std::vector<String> strings = StringsOf(ticks);
+      Ticks fitting = bar.TicksFor(count);
+      std::vector<String> strings = StringsOf(fitting);
       const auto labelled = static_cast<std::size_t>(std::count_if(
           strings.begin(), strings.end(), [](const String& p_string) { return !p_string.text.isEmpty(); }));
       if (labelled > 1 && DropOverlaps(strings, {}) == labelled)
-        return ticks;
+        return fitting;
     }
     return {};
   }
 
   void AddTicks() {
-    const Ticks ticks = bar.ticks ? *bar.ticks : frame.length > 0 ? FittingTicks() : Ticks();
-    note = ticks.Note();
-    const Ticks& precision = ticks.Values().empty() ? bar.TicksFor(MostTicks) : ticks;
+    const Ticks shown = bar.ticks ? *bar.ticks : frame.length > 0 ? FittingTicks() : Ticks();
+    note = shown.Note();
+    const Ticks& precision = shown.Values().empty() ? bar.TicksFor(MostTicks) : shown;
     std::vector<String> extremes;
     if (before > 0 && std::isfinite(bar.least))
       extremes.push_back(frame.TickString(precision.Format(bar.least, {}, 1), -before, metrics.stringGap, small));
@@ -227,15 +227,15 @@ struct ColorBar::Builder {
       extremes.push_back(
           frame.TickString(precision.Format(bar.largest, {}, 1), frame.length + after, metrics.stringGap, small));
 
-    std::vector<String> strings = StringsOf(ticks);
+    std::vector<String> strings = StringsOf(shown);
     if (DropOverlaps(strings, extremes) == 0 && !bar._bounds.empty() && !bar.ticks)
       vekdebug::warn("ColorBar: no room for two ticks along " + std::to_string(static_cast<long>(frame.length)) +
                      " points (\"" + bar.title.toStdString() + "\")");
     for (std::size_t i = 0; i < strings.size(); ++i) {
-      const double along = frame.length * bar.PositionOf(ticks.Values()[i]);
+      const double along = frame.length * bar.PositionOf(shown.Values()[i]);
       if (!(along >= 0 && along <= frame.length))
         continue;
-      const double length = ticks.Strings()[i].isEmpty() ? metrics.minorTick : metrics.tick;
+      const double length = shown.Strings()[i].isEmpty() ? metrics.minorTick : metrics.tick;
       block.Add(LegendBlock::Line{{frame.At(along, 0), frame.At(along, length)}, metrics.tickWidth, theme.line});
       block.Add(std::move(strings[i]));
     }
@@ -246,15 +246,15 @@ struct ColorBar::Builder {
   /// Above, or to the right of all strings of a vertical bar where it is wider than those and fits along the bar.
   void AddTitle() {
     const QString text = bar.title + (bar.title.isEmpty() || note.isEmpty() ? QString() : QString(" ")) + note;
-    String title{text, {metrics.titleShift, block.Bounds().top + metrics.titleGap}, {0, 0}, theme.BodyStyle()};
-    const Canvas::Rect box = block.BoxOf(title);
+    String label{text, {metrics.titleShift, block.Bounds().top + metrics.titleGap}, {0, 0}, theme.BodyStyle()};
+    const Canvas::Rect box = block.BoxOf(label);
     constexpr double Wide = 8; // times the height of the letters
     if (frame.isVertical && box.right > std::max(block.Bounds().right, Wide * theme.textSize)) {
-      title.position = {block.Bounds().right + metrics.titleGap, frame.length / 2};
-      title.anchor = {0.5, 1};
-      title.rotation = 90;
+      label.position = {block.Bounds().right + metrics.titleGap, frame.length / 2};
+      label.anchor = {0.5, 1};
+      label.rotation = 90;
     }
-    block.Add(std::move(title));
+    block.Add(std::move(label));
   }
 
   static constexpr std::size_t MostTicks = 6;
