@@ -7,6 +7,12 @@
 
 namespace Vek::Chart::Scene::Private {
 
+/// The name of things that are counted: "point" and "points".
+struct Noun {
+  const char* one;
+  const char* many;
+};
+
 /// A number for readers: thousands in groups of three.
 inline QString Grouped(std::size_t p_number) {
   QString digits = QString::number(p_number);
@@ -16,9 +22,10 @@ inline QString Grouped(std::size_t p_number) {
 }
 
 /// Adds "1 point missing" or "12 points missing"; nothing for 0.
-inline void AddCount(std::vector<QString>& p_notes, std::size_t p_count, const char* p_one, const char* p_many) {
+inline void AddCount(std::vector<QString>& p_notes, std::size_t p_count, const Noun& p_noun, const char* p_state) {
   if (p_count != 0)
-    p_notes.push_back(Grouped(p_count) + ' ' + QLatin1String(p_count == 1 ? p_one : p_many));
+    p_notes.push_back(Grouped(p_count) + ' ' + QLatin1String(p_count == 1 ? p_noun.one : p_noun.many) + ' ' +
+                      QLatin1String(p_state));
 }
 
 } // namespace Vek::Chart::Scene::Private

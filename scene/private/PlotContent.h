@@ -3,10 +3,10 @@
 // How a plot is added to Figure:
 //
 // 1. The public class, `class BarsPlot : public ColoredPlot<BarsPlot>` in scene/BarsPlot.h, has the settings of its own
-// and
-//    forwards them to its content. Its constructor is private, with Figure as a friend.
-// 2. The content, `class BarsContent : public PlotContent` in scene/private/BarsContent.h, copies the data in its
-//    constructor and implements the functions below.
+//    and forwards them to its content. Its constructor is private, with Figure as a friend.
+// 2. The content, `class BarsContent : public PlacedContent` in scene/private/BarsContent.h, copies the data in its
+//    constructor and implements the functions of PlotContent. Most of them come from PlacedContent, which compares
+//    placements and counts what is left out, or from PointsContent, which has positions as well.
 // 3. Figure gets `BarsPlot& Bars(...)`, one line: `return _state->Add(std::unique_ptr<BarsPlot>(new BarsPlot(...)))`.
 //
 // Limits, axes, colour bars, keys, notes, order of drawing, transparency and removal follow from these functions.
@@ -85,7 +85,7 @@ public:
   /// How many elements there are, which is also how many values `coloring` must have.
   virtual std::size_t Count() const = 0;
   /// The box around the data that the rules show, without glyphs, in data units; empty if there are none.
-  virtual Box Bounds(const AxisRules& p_rules) const = 0;
+  virtual Box Bounds(const AxisRules& p_rules) = 0;
   /// Whether vectors leave the plane z = const. (Positions that do are seen by their bounds.)
   virtual bool LeavesPlane() const { return false; }
   /// Places the data and returns the box around whole glyphs, in scene units.

@@ -1,6 +1,5 @@
 #include "scene/private/QuiverContent.h"
 
-#include "scene/private/Notes.h"
 #include "scene/private/Thinning.h"
 
 #include "library/VectorSymbol.h"
@@ -53,29 +52,26 @@ InstancedMesh::Level ArrowLevel(bool p_isFlat, double p_scale) {
 } // namespace
 
 QuiverContent::QuiverContent(const Array3& p_positions, const Array3& p_vectors)
-    : _positions(Points(p_positions))
+    : PointsContent(Points(p_positions))
     , _vectors(Points(p_vectors)) {
   RequireCount("Quiver: vectors", p_vectors.Count(), p_positions.Count());
 }
 
-void QuiverContent::UpdatePositions(const Array3& p_positions) {
-  RequireCount("UpdatePositions", p_positions.Count(), Count());
-  _positions = Points(p_positions);
-  _positionsChanged = true;
+void QuiverContent::SetUnitLength(double p_fraction) {
+  _unitLength = p_fraction;
+  SettingsChanged();
+}
+
+void QuiverContent::SetMost(std::size_t p_count) {
+  _most = p_count;
+  SettingsChanged();
 }
 
 void QuiverContent::UpdateVectors(const Array3& p_vectors) {
   RequireCount("UpdateVectors", p_vectors.Count(), Count());
   _vectors = Points(p_vectors);
   _vectorsChanged = true;
-}
-
-Box QuiverContent::Bounds(const AxisRules& p_rules) const {
-  Box box;
-  for (std::size_t i = 0; i < _positions.size(); ++i)
-    if (p_rules.Shows(_positions[i]) && IsFinite(_vectors[i]))
-      box += _positions[i];
-  return box;
+  DataChanged();
 }
 
 bool QuiverContent::LeavesPlane() const {
@@ -92,47 +88,43 @@ std::vector<T> QuiverContent::OfDrawn(const std::vector<T>& p_all, const std::ve
   return chosen;
 }
 
-Box QuiverContent::Place(const Placement& p_placement) {
-  Placement wanted = p_placement;
-  wanted.most = _most != 0 ? _most : std::min(MostArrows, p_placement.most);
-  const bool isChosenAnew = !_isPlaced || _positionsChanged || _vectorsChanged ||
-                            wanted.transform != _placement.transform || wanted.rules != _placement.rules ||
-                            wanted.most != _placement.most;
-  const bool isFlatChanged = wanted.isFlat != _placement.isFlat;
-  const bool isTurned = _vectorsChanged || wanted.transform != _placement.transform ||
-                        (_positionsChanged && wanted.transform.IsLogarithmic());
-  _placement = wanted;
+Box QuiverContent::PlaceChanged(const Changes& p_changes) {
+  const std::size_t room = _most != 0 ? _most : std::min(MostArrows, placement.most);
+  const std::vector<Point> oldPositions = OfDrawn(_scene, _drawn);
   const std::vector<std::uint32_t> oldDrawn = _drawn, oldZero = _zero;
-  if (isChosenAnew)
-    Choose();
-  if (!_isPlaced || _drawn != oldDrawn || _zero != oldZero) {
+  if (p_changes.isMoved || room != _room)
+    Choose(room);
+  const std::vector<Point> drawnPositions = OfDrawn(_scene, _drawn), zeroPositions = OfDrawn(_scene, _zero);
+  if (p_changes.isFirst || _drawn != oldDrawn || _zero != oldZero) {
     // Other elements: all arrays are new.
-    const auto positioned = [&](const std::vector<std::uint32_t>& p_elements) {
-      const std::vector<Point> positions = OfDrawn(_scene, p_elements);
+    const auto positioned = [](const std::vector<Point>& p_positions, const std::vector<std::uint32_t>& p_elements) {
       InstancedMesh::Instances instances;
-      instances.positions = positions;
+      instances.positions = p_positions;
       instances.ids = p_elements;
       return InstancedMesh(GpuMesh(), instances);
     };
-    _arrows = positioned(_drawn);
-    _dots = positioned(_zero);
+    _arrows = positioned(drawnPositions, _drawn);
+    _dots = positioned(zeroPositions, _zero);
     PlaceVectors();
     PlaceValues();
     _scale = 0;
   } else {
-    if (isChosenAnew && !(_vectorsChanged && !_positionsChanged))
-      PlacePoints();
-    if (isTurned)
+    const bool isTurned = p_changes.isBent || (p_changes.isMoved && placement.transform.IsLogarithmic());
+    if (drawnPositions != oldPositions) {
+      _arrows.UpdatePositions(drawnPositions);
+      _dots.UpdatePositions(zeroPositions);
+    }
+    if (isTurned || _vectorsChanged)
       PlaceVectors();
-    if (_valuesChanged)
+    if (p_changes.values)
       PlaceValues();
   }
-  _isPlaced = true;
-  _positionsChanged = _vectorsChanged = _valuesChanged = false;
+  _vectorsChanged = false;
 
-  const double scale = _unitLength > 0 ? _unitLength * p_placement.diagonal : _typical > 0 ? _spacing / _typical : 1;
-  if (scale != _scale || isFlatChanged) {
+  const double scale = _unitLength > 0 ? _unitLength * placement.diagonal : _typical > 0 ? _spacing / _typical : 1;
+  if (scale != _scale || _isFlat != placement.isFlat) {
     _scale = scale;
+    _isFlat = placement.isFlat;
     SetLevels();
   }
   return BoxOfArrows();
@@ -140,13 +132,13 @@ Box QuiverContent::Place(const Placement& p_placement) {
 
 /// Around whole arrows: both ends, with a disc as wide as the head across the direction.
 Box QuiverContent::BoxOfArrows() const {
-  const double head = _placement.isFlat ? FlatHead : 1.0 / 9;
+  const double head = placement.isFlat ? FlatHead : 1.0 / 9;
   Box box;
   for (const std::uint32_t index : _drawn) {
-    const Point direction = Normalize(_placement.transform.Direction(_positions[index], _vectors[index]));
+    const Point direction = Normalize(placement.transform.Direction(positions[index], _vectors[index]));
     const double length = Length(_vectors[index]) * _scale;
     const auto across = [&](double p_along) { return head * length * std::sqrt(std::max(0.0, 1 - p_along * p_along)); };
-    const Point disc(across(direction.x), across(direction.y), _placement.isFlat ? 0 : across(direction.z));
+    const Point disc(across(direction.x), across(direction.y), placement.isFlat ? 0 : across(direction.z));
     box += _scene[index] - disc;
     box += _scene[index] + disc;
     box += _scene[index] + direction * length - disc;
@@ -155,22 +147,19 @@ Box QuiverContent::BoxOfArrows() const {
   return box;
 }
 
-void QuiverContent::Choose() {
-  _scene.assign(_positions.size(), Point(NAN, NAN, NAN));
-  _missing = _hidden = 0;
+void QuiverContent::Choose(std::size_t p_room) {
+  _room = p_room;
+  Box box;
+  _scene = PlacedPoints(box);
   std::vector<std::uint32_t> candidates;
-  for (std::size_t i = 0; i < _positions.size(); ++i) {
-    if (!IsFinite(_positions[i]) || !IsFinite(_vectors[i])) {
-      ++_missing;
-    } else if (!_placement.rules.Shows(_positions[i])) {
-      ++_hidden;
-    } else {
-      _scene[i] = _placement.transform(_positions[i]);
+  for (std::size_t i = 0; i < _scene.size(); ++i) {
+    if (IsFinite(_scene[i]))
       candidates.push_back(static_cast<std::uint32_t>(i));
-    }
+    else if (!IsUsed(i))
+      ++leftOut.missing;
   }
   _candidates = candidates.size();
-  _drawn = Thinned(_scene, candidates, _placement.most);
+  _drawn = Thinned(_scene, candidates, p_room);
 
   _zero.clear();
   std::vector<double> lengths;
@@ -183,7 +172,7 @@ void QuiverContent::Choose() {
   }
   constexpr double LoneSpacing = 0.15; // of the diagonal, for a single arrow
   const double spacing = MedianSpacing(_scene, _drawn);
-  _spacing = spacing > 0 ? spacing : LoneSpacing * _placement.diagonal;
+  _spacing = spacing > 0 ? spacing : LoneSpacing * placement.diagonal;
   _typical = 0;
   if (!lengths.empty()) {
     const auto at = static_cast<std::ptrdiff_t>(std::ceil(0.98 * static_cast<double>(lengths.size() - 1)));
@@ -192,16 +181,11 @@ void QuiverContent::Choose() {
   }
 }
 
-void QuiverContent::PlacePoints() {
-  _arrows.UpdatePositions(OfDrawn(_scene, _drawn));
-  _dots.UpdatePositions(OfDrawn(_scene, _zero));
-}
-
 void QuiverContent::PlaceVectors() {
   std::vector<Point> directions;
   std::vector<double> lengths;
   for (const std::uint32_t index : _drawn) {
-    directions.push_back(Normalize(_placement.transform.Direction(_positions[index], _vectors[index])));
+    directions.push_back(Normalize(placement.transform.Direction(positions[index], _vectors[index])));
     lengths.push_back(Length(_vectors[index]));
   }
   _arrows.UpdateDirections(directions);
@@ -227,7 +211,7 @@ void QuiverContent::PlaceValues() {
 
 void QuiverContent::SetLevels() {
   // Lengths of the data are scaled by the level, so that another scale uploads no instance.
-  _arrows.SetLevels({ArrowLevel(_placement.isFlat, _scale)});
+  _arrows.SetLevels({ArrowLevel(placement.isFlat, _scale)});
   constexpr double DotShare = 0.12; // of the distance between neighbours
   std::vector<InstancedMesh::Level> dots = InstancedMesh::Spheres();
   for (InstancedMesh::Level& level : dots) {
@@ -243,19 +227,15 @@ void QuiverContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame&) {
   _dots.Draw(p_gl, map, coloring.Scale());
 }
 
-void QuiverContent::Release(const Utility::Scoped<Rgl>& p_gl) const {
+void QuiverContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
   _arrows.Release(p_gl);
   _dots.Release(p_gl);
-  coloring.Release(p_gl);
 }
 
 std::vector<QString> QuiverContent::Notes() const {
-  std::vector<QString> notes;
+  std::vector<QString> notes = PointsContent::Notes();
   if (_drawn.size() < _candidates)
-    notes.push_back(Grouped(_drawn.size()) + " of " + Grouped(_candidates) + " arrows drawn");
-  AddCount(notes, _missing, "arrow missing", "arrows missing");
-  AddCount(notes, _hidden, "arrow outside of the axes", "arrows outside of the axes");
-  AddCount(notes, coloring.MissingCount(), "value missing", "values missing");
+    notes.insert(notes.begin(), Grouped(_drawn.size()) + " of " + Grouped(_candidates) + " arrows drawn");
   return notes;
 }
 

@@ -2,7 +2,7 @@
 
 #include "scene/Array.h"
 #include "scene/InstancedMesh.h"
-#include "scene/private/PlotContent.h"
+#include "scene/private/PlacedContent.h"
 
 #include <cstdint>
 #include <limits>
@@ -11,30 +11,27 @@
 
 namespace Vek::Chart::Scene::Private {
 
-class QuiverContent : public PlotContent {
+class QuiverContent : public PointsContent {
 public:
   QuiverContent(const Array3& p_positions, const Array3& p_vectors);
 
-  void SetUnitLength(double p_fraction) { _unitLength = p_fraction; }
+  void SetUnitLength(double p_fraction);
   void SetLengthTitle(const QString& p_title) { _lengthTitle = p_title; }
-  void SetMost(std::size_t p_count) { _most = p_count; }
-  void UpdatePositions(const Array3& p_positions);
+  void SetMost(std::size_t p_count);
   void UpdateVectors(const Array3& p_vectors);
 
-  void ValuesChanged() override { _valuesChanged = true; }
-  std::size_t Count() const override { return _positions.size(); }
-  Box Bounds(const AxisRules& p_rules) const override;
   bool LeavesPlane() const override;
-  Box Place(const Placement& p_placement) override;
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
-  void Release(const Utility::Scoped<Rgl>& p_gl) const override;
   std::vector<QString> Notes() const override;
   Legend::Mark Mark() const override { return Legend::Mark::Glyph; }
   std::optional<LengthKey> Lengths() const override;
 
 private:
-  void Choose();
-  void PlacePoints();
+  bool IsUsed(std::size_t p_index) const override { return IsFinite(_vectors[p_index]); }
+  Box PlaceChanged(const Changes& p_changes) override;
+  void ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const override;
+  Noun Names() const override { return {"arrow", "arrows"}; }
+  void Choose(std::size_t p_room);
   void PlaceVectors();
   void PlaceValues();
   void SetLevels();
@@ -42,24 +39,24 @@ private:
   template <class T>
   std::vector<T> OfDrawn(const std::vector<T>& p_all, const std::vector<std::uint32_t>& p_indices) const;
 
-  std::vector<Point> _positions, _vectors;
+  std::vector<Point> _vectors;
   double _unitLength = 0; ///< fraction of the diagonal; 0 for the default
   QString _lengthTitle;
   std::size_t _most = 0; ///< 0 for what the image has room for
 
   // What was placed.
-  bool _isPlaced = false, _positionsChanged = true, _vectorsChanged = true, _valuesChanged = true;
-  Placement _placement;
-  std::vector<Point> _scene;             ///< positions of all elements; NaN where there is none
-  std::vector<std::uint32_t> _drawn;     ///< elements with an arrow or a dot
-  std::vector<std::uint32_t> _zero;      ///< of those, the dots
-  std::size_t _candidates = 0;           ///< elements that could be drawn
-  std::size_t _missing = 0, _hidden = 0; ///< points or vectors that are not finite; points beyond the limits
-  bool _valuesAreLengths = false;        ///< whether colours mean the lengths of the vectors
-  double _spacing = 0;                   ///< between neighbours, in scene units
-  double _typical = 0;                   ///< length of the vector longer than 98 % of those drawn
-  double _scale = 0;                     ///< scene units in a unit of a vector's length
-  InstancedMesh _arrows;                 ///< sizes are lengths of vectors
+  bool _vectorsChanged = true;
+  bool _isFlat = false;
+  std::size_t _room = 0;             ///< for arrows
+  std::vector<Point> _scene;         ///< positions of all elements; NaN where there is none
+  std::vector<std::uint32_t> _drawn; ///< elements with an arrow or a dot
+  std::vector<std::uint32_t> _zero;  ///< of those, the dots
+  std::size_t _candidates = 0;       ///< elements that could be drawn
+  bool _valuesAreLengths = false;    ///< whether colours mean the lengths of the vectors
+  double _spacing = 0;               ///< between neighbours, in scene units
+  double _typical = 0;               ///< length of the vector longer than 98 % of those drawn
+  double _scale = 0;                 ///< scene units in a unit of a vector's length
+  InstancedMesh _arrows;             ///< sizes are lengths of vectors
   InstancedMesh _dots;
 };
 

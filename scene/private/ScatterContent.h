@@ -2,7 +2,7 @@
 
 #include "scene/Array.h"
 #include "scene/InstancedMesh.h"
-#include "scene/private/PlotContent.h"
+#include "scene/private/PlacedContent.h"
 
 #include "platform/model/Symbol.h"
 
@@ -11,31 +11,24 @@
 
 namespace Vek::Chart::Scene::Private {
 
-class ScatterContent : public PlotContent {
+class ScatterContent : public PointsContent {
 public:
   explicit ScatterContent(const Array3& p_positions);
 
-  void SetDiameter(double p_fraction) { _diameter = p_fraction; }
+  void SetDiameter(double p_fraction);
   void SetSizes(std::vector<double> p_values);
   void SetSizeTitle(const QString& p_title) { _sizeTitle = p_title; }
   void SetSymbol(Model::Symbol::Shape p_shape);
-  void UpdatePositions(const Array3& p_positions);
 
-  void ValuesChanged() override { _valuesChanged = true; }
-  std::size_t Count() const override { return _positions.size(); }
-  Box Bounds(const AxisRules& p_rules) const override;
-  Box Place(const Placement& p_placement) override;
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
-  void Release(const Utility::Scoped<Rgl>& p_gl) const override;
-  std::vector<QString> Notes() const override;
   std::optional<SizeKey> Sizes() const override;
 
 private:
   double Fraction() const { return _diameter > 0 ? _diameter : _sizes.empty() ? 0.01 : 0.04; }
-  void PlacePoints();
+  Box PlaceChanged(const Changes& p_changes) override;
+  void ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const override { _mesh.Release(p_gl); }
   void SetLevels();
 
-  std::vector<Point> _positions;
   std::vector<double> _sizes;      ///< values; none for equal sizes
   double _least = 0, _largest = 0; ///< of the sizes above 0
   QString _sizeTitle;
@@ -43,11 +36,9 @@ private:
   std::vector<InstancedMesh::Level> _levels = InstancedMesh::Spheres();
 
   // What was placed.
-  bool _isPlaced = false, _positionsChanged = true, _sizesChanged = true, _valuesChanged = true;
-  Placement _placement;
+  bool _sizesChanged = true;
   double _placedDiameter = 0; ///< in scene units; 0 to set levels anew
-  std::size_t _missing = 0, _hidden = 0;
-  Box _box; ///< of the points in the scene
+  Box _box;                   ///< of the points in the scene
   InstancedMesh _mesh;
 };
 

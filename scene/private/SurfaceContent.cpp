@@ -62,35 +62,38 @@ void SurfaceContent::ColorByHeight() {
   std::copy_if(_heights.begin(), _heights.end(), std::back_inserter(heights),
                [](double p_height) { return std::isfinite(p_height); });
   coloring.SetValues(heights);
-  _valuesChanged = _isByHeight = true;
+  PlacedContent::ValuesChanged();
+  _isByHeight = true;
 }
 
 void SurfaceContent::SetContours(std::size_t p_most) {
   _mostContours = p_most;
   _givenLevels.clear();
   _contoursChanged = true;
+  SettingsChanged();
 }
 
 void SurfaceContent::SetContours(std::vector<double> p_levels) {
   _mostContours = 0;
   _givenLevels = std::move(p_levels);
   _contoursChanged = true;
+  SettingsChanged();
 }
 
 void SurfaceContent::UpdateHeights(const Array1& p_heights) {
   RequireCount("UpdateHeights", p_heights.Count(), Count());
   _heights = Values(p_heights);
-  _heightsChanged = true;
+  DataChanged();
   if (_isByHeight)
     ColorByHeight();
 }
 
 void SurfaceContent::ValuesChanged() {
   _isByHeight = false;
-  _valuesChanged = true;
+  PlacedContent::ValuesChanged();
 }
 
-Box SurfaceContent::Bounds(const AxisRules& p_rules) const {
+Box SurfaceContent::BoundsOf(const AxisRules& p_rules) const {
   Box box;
   for (std::size_t i = 0; i < _heights.size(); ++i)
     if (const Point node = Node(i); p_rules.Shows(node))
@@ -98,16 +101,14 @@ Box SurfaceContent::Bounds(const AxisRules& p_rules) const {
   return box;
 }
 
-Box SurfaceContent::Place(const Placement& p_placement) {
-  const bool isMoved = !_isPlaced || _heightsChanged || _placement.transform != p_placement.transform ||
-                       _placement.rules != p_placement.rules;
-  _placement = p_placement;
-  if (isMoved)
+Box SurfaceContent::PlaceChanged(const Changes& p_changes) {
+  if (p_changes.isMoved)
     PlaceNodes();
-  if (std::exchange(_valuesChanged, false) && !_mesh.Empty())
+  if (p_changes.values && !_mesh.Empty())
     _mesh.UpdateValues(VertexValues());
-  if (isMoved || std::exchange(_contoursChanged, false))
+  if (p_changes.isMoved || _contoursChanged)
     PlaceContours();
+  _contoursChanged = false;
   return _box;
 }
 
@@ -119,26 +120,22 @@ std::vector<float> SurfaceContent::VertexValues() const {
 }
 
 void SurfaceContent::PlaceNodes() {
-  const bool wasPlaced = std::exchange(_isPlaced, true);
-  _heightsChanged = false;
   std::vector<double> z(_heights.size(), NAN);
   std::vector<bool> holes(_heights.size());
-  _missing = _hidden = 0;
+  leftOut = {};
   _shown = {};
   for (std::size_t i = 0; i < _heights.size(); ++i) {
     const Point node = Node(i);
-    holes[i] = !_placement.rules.Shows(node);
-    if (holes[i]) {
-      ++(std::isfinite(node.z) ? _hidden : _missing);
-    } else {
-      z[i] = _placement.transform(node).z;
+    holes[i] = !leftOut.Shows(placement.rules, node);
+    if (!holes[i]) {
+      z[i] = placement.transform(node).z;
       _shown += node.z;
     }
   }
-  SurfaceMesh surface(SceneNodes(_x, _placement.transform, 0), SceneNodes(_y, _placement.transform, 1), z);
+  SurfaceMesh surface(SceneNodes(_x, placement.transform, 0), SceneNodes(_y, placement.transform, 1), z);
   _box = surface.bounds;
   _positions = std::move(surface.positions);
-  const bool areHolesKept = wasPlaced && holes == _holes;
+  const bool areHolesKept = holes == _holes;
   _holes = std::move(holes);
   if (areHolesKept && !_mesh.Empty()) {
     _mesh.UpdatePositions(_positions);
@@ -156,7 +153,6 @@ void SurfaceContent::PlaceNodes() {
   arrays.values = values;
   arrays.indices = _indices;
   _mesh = GpuMesh(arrays);
-  _valuesChanged = false;
 }
 
 std::vector<double> SurfaceContent::ContourLevels() const {
@@ -164,15 +160,14 @@ std::vector<double> SurfaceContent::ContourLevels() const {
     return _givenLevels;
   if (_shown.Empty())
     return {};
-  return _placement.rules.logarithmic[2] ? Ticks::Logarithmic(_shown.min, _shown.max, _mostContours).Values()
-                                         : Ticks::Linear(_shown.min, _shown.max, _mostContours).Values();
+  return placement.rules.logarithmic[2] ? Ticks::Logarithmic(_shown.min, _shown.max, _mostContours).Values()
+                                        : Ticks::Linear(_shown.min, _shown.max, _mostContours).Values();
 }
 
 void SurfaceContent::PlaceContours() {
-  _contoursChanged = false;
   std::vector<float> levels;
   for (const double level : ContourLevels())
-    if (const double z = _placement.transform({1, 1, level}).z; std::isfinite(z))
+    if (const double z = placement.transform({1, 1, level}).z; std::isfinite(z))
       levels.push_back(static_cast<float>(z));
   GpuMesh::Arrays arrays;
   const std::vector<SurfaceMesh::Vector> points = ContourSegments(_positions, _indices, std::move(levels));
@@ -204,23 +199,20 @@ void SurfaceContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   _lines.Draw(p_gl);
 }
 
-void SurfaceContent::Release(const Utility::Scoped<Rgl>& p_gl) const {
+void SurfaceContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
   _mesh.Release(p_gl);
   _lines.Release(p_gl);
-  coloring.Release(p_gl);
 }
 
 std::vector<QString> SurfaceContent::Notes() const {
-  std::vector<QString> notes;
-  if (_isByHeight)
-    AddCount(notes, _missing, "value missing", "values missing");
-  else
-    AddCount(notes, _missing, "height missing", "heights missing");
-  AddCount(notes, _hidden, "height outside of the axes", "heights outside of the axes");
-  if (!_isByHeight)
-    AddCount(notes, coloring.MissingCount(), "value missing", "values missing");
+  std::vector<QString> notes = PlacedContent::Notes();
+  if (_isByHeight && leftOut.missing != 0) { // the heights are the values
+    notes.erase(notes.begin());
+    AddCount(notes, leftOut.missing, {"value", "values"}, "missing");
+    std::rotate(notes.begin(), notes.end() - 1, notes.end());
+  }
   const std::vector<double> levels = ContourLevels();
-  if (_mostContours != 0 && levels.size() > 1 && !_placement.rules.logarithmic[2])
+  if (_mostContours != 0 && levels.size() > 1 && !placement.rules.logarithmic[2])
     notes.push_back(QStringLiteral("contours every %1").arg(levels[1] - levels[0]));
   return notes;
 }

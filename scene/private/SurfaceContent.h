@@ -3,13 +3,13 @@
 #include "scene/Array.h"
 #include "scene/GpuMesh.h"
 #include "scene/SurfaceMesh.h"
-#include "scene/private/PlotContent.h"
+#include "scene/private/PlacedContent.h"
 
 #include <vector>
 
 namespace Vek::Chart::Scene::Private {
 
-class SurfaceContent : public PlotContent {
+class SurfaceContent : public PlacedContent {
 public:
   SurfaceContent(const Array1& p_x, const Array1& p_y, const Array1& p_heights);
 
@@ -20,13 +20,14 @@ public:
 
   void ValuesChanged() override;
   std::size_t Count() const override { return _heights.size(); }
-  Box Bounds(const AxisRules& p_rules) const override;
-  Box Place(const Placement& p_placement) override;
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
-  void Release(const Utility::Scoped<Rgl>& p_gl) const override;
   std::vector<QString> Notes() const override;
 
 private:
+  Box BoundsOf(const AxisRules& p_rules) const override;
+  Box PlaceChanged(const Changes& p_changes) override;
+  void ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const override;
+  Noun Names() const override { return {"height", "heights"}; }
   Point Node(std::size_t p_index) const {
     return {_x[p_index % _x.size()], _y[p_index / _x.size()], _heights[p_index]};
   }
@@ -41,9 +42,7 @@ private:
   std::vector<double> _givenLevels;
 
   // What was placed.
-  bool _isPlaced = false, _heightsChanged = true, _valuesChanged = true, _contoursChanged = true;
-  Placement _placement;
-  std::size_t _missing = 0, _hidden = 0;
+  bool _contoursChanged = true;
   Box _box;                 ///< of the nodes in the scene
   Range _shown;             ///< heights of the nodes that are shown
   std::vector<bool> _holes; ///< one a node

@@ -1,0 +1,69 @@
+#include "scene/private/PlacedContent.h"
+
+#include <cmath>
+
+namespace Vek::Chart::Scene::Private {
+
+Box PlacedContent::Bounds(const AxisRules& p_rules) {
+  if (_dataChanged || !_bounds || _boundsRules != p_rules)
+    _bounds = BoundsOf(p_rules);
+  _boundsRules = p_rules;
+  return *_bounds;
+}
+
+Box PlacedContent::Place(const Placement& p_placement) {
+  Changes changes;
+  changes.isFirst = !_isPlaced;
+  changes.isBent = !_isPlaced || placement.transform != p_placement.transform;
+  changes.isMoved = changes.isBent || _dataChanged || placement.rules != p_placement.rules;
+  changes.values = _valuesChanged;
+  if (!changes.isMoved && !changes.values && !_settingsChanged && placement == p_placement)
+    return _box;
+  placement = p_placement;
+  _box = PlaceChanged(changes);
+  _isPlaced = true;
+  if (_dataChanged)
+    _bounds.reset();
+  _dataChanged = _settingsChanged = _valuesChanged = false;
+  return _box;
+}
+
+void PlacedContent::Release(const Utility::Scoped<Rgl>& p_gl) const {
+  ReleaseParts(p_gl);
+  coloring.Release(p_gl);
+}
+
+std::vector<QString> PlacedContent::Notes() const {
+  const Noun names = Names();
+  std::vector<QString> notes;
+  AddCount(notes, leftOut.missing, names, "missing");
+  AddCount(notes, leftOut.hidden, names, "outside of the axes");
+  AddCount(notes, coloring.MissingCount(), {"value", "values"}, "missing");
+  return notes;
+}
+
+void PointsContent::UpdatePositions(const Array3& p_positions) {
+  RequireCount("UpdatePositions", p_positions.Count(), Count());
+  positions = Points(p_positions);
+  DataChanged();
+}
+
+Box PointsContent::BoundsOf(const AxisRules& p_rules) const {
+  Box box;
+  for (std::size_t i = 0; i < positions.size(); ++i)
+    if (IsUsed(i) && p_rules.Shows(positions[i]))
+      box += positions[i];
+  return box;
+}
+
+std::vector<Point> PointsContent::PlacedPoints(Box& p_box) {
+  std::vector<Point> placed(positions.size(), Point(NAN, NAN, NAN));
+  p_box = {};
+  leftOut = {};
+  for (std::size_t i = 0; i < positions.size(); ++i)
+    if (IsUsed(i) && leftOut.Shows(placement.rules, positions[i]))
+      p_box += placed[i] = placement.transform(positions[i]);
+  return placed;
+}
+
+} // namespace Vek::Chart::Scene::Private
