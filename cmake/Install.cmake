@@ -43,7 +43,9 @@ install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${doc_dir} COMPONE
   OPTIONAL) # made by the target vek-docs or the test Docs.Reference
 
 install(EXPORT VekChartLibraryTargets NAMESPACE Vek:: DESTINATION ${package_dir} COMPONENT development)
-list(JOIN VEK_QT_WINDOW " " VEK_QT_WINDOW)
+list(TRANSFORM VEK_QT_WINDOW PREPEND Qt${VEK_QT} OUTPUT_VARIABLE widgets_qt_modules)
+list(JOIN widgets_qt_modules ", " widgets_qt_modules)
+list(JOIN VEK_QT_WINDOW " " VEK_QT_WINDOW) # for the package's configuration
 configure_package_config_file(cmake/VekChartLibraryConfig.cmake.in
   ${CMAKE_CURRENT_BINARY_DIR}/VekChartLibraryConfig.cmake
   INSTALL_DESTINATION ${package_dir} PATH_VARS share_dir)
@@ -54,8 +56,6 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/VekChartLibraryConfigVersion.cmake
   DESTINATION ${package_dir} COMPONENT development)
 
-list(TRANSFORM VEK_QT_WINDOW PREPEND Qt${VEK_QT} OUTPUT_VARIABLE widgets_qt_modules)
-list(JOIN widgets_qt_modules ", " widgets_qt_modules)
 set(prefix_from_pkgconfig /)
 cmake_path(RELATIVE_PATH prefix_from_pkgconfig BASE_DIRECTORY /${pkgconfig_dir})
 foreach(module IN LISTS libraries widgets)
