@@ -1,5 +1,8 @@
 #include "scene/Ticks.h"
 
+#include "scene/private/DateTicks.h"
+#include "scene/private/Decimal.h"
+
 #include <QLocale>
 
 #include <algorithm>
@@ -17,115 +20,11 @@ namespace Vek::Chart::Scene {
 
 namespace {
 
+using namespace Private;
+
 constexpr std::size_t MostLabelled = 1000;
-constexpr QChar Minus(0x2212);
 constexpr QChar Degree(0x00B0);
-constexpr QChar TimesSign(0x00D7);
 constexpr QChar Infinity(0x221E);
-
-// Ticks are exact decimal numbers, so that neither positions nor strings collect rounding errors.
-
-/// The number p_mantissa × 10^p_exponent.
-struct Decimal {
-  std::int64_t mantissa = 0;
-  int exponent = 0;
-};
-
-/// Infinite where it is beyond the range of double, 0 where it is too small.
-double ValueOf(const Decimal& p_decimal) {
-  bool ok = false;
-  const double value = QString("%1e%2").arg(p_decimal.mantissa).arg(p_decimal.exponent).toDouble(&ok);
-  if (ok || p_decimal.mantissa == 0 || p_decimal.exponent < 0)
-    return ok ? value : 0;
-  return p_decimal.mantissa < 0 ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
-}
-
-/// A finite value to a number of digits, `QLocale::FloatingPointShortest` for the fewest that give it back.
-Decimal DecimalOf(double p_value, int p_digits) {
-  QString digits = QLocale::c().toString(p_value, 'e', p_digits < 0 ? p_digits : std::clamp(p_digits, 1, 17) - 1);
-  const auto end = digits.indexOf('e');
-  const int exponent = digits.mid(end + 1).toInt();
-  digits.truncate(end);
-  const auto point = digits.indexOf('.');
-  const int decimals = point < 0 ? 0 : static_cast<int>(digits.size() - point - 1);
-  Decimal decimal{digits.remove('.').toLongLong(), exponent - decimals};
-  if (decimal.mantissa == 0)
-    return {};
-  for (; decimal.mantissa % 10 == 0; ++decimal.exponent)
-    decimal.mantissa /= 10;
-  return decimal;
-}
-
-int DigitCount(std::int64_t p_mantissa) {
-  return static_cast<int>(std::to_string(std::abs(p_mantissa)).size());
-}
-
-/// p_value × 10^p_power; both halves of the power are in the range of double.
-double Scaled(double p_value, int p_power) {
-  return p_value * std::pow(10.0, p_power / 2) * std::pow(10.0, p_power - p_power / 2);
-}
-
-QString Fixed(const Decimal& p_decimal) {
-  QString digits = QString::number(static_cast<qlonglong>(std::abs(p_decimal.mantissa)));
-  if (p_decimal.exponent < 0) {
-    digits = digits.rightJustified(1 - p_decimal.exponent, '0');
-    digits.insert(digits.size() + p_decimal.exponent, '.');
-  } else if (p_decimal.mantissa != 0)
-    digits += QString(p_decimal.exponent, '0');
-  return p_decimal.mantissa < 0 ? Minus + digits : digits;
-}
-
-/// "10⁻⁸"
-QString PowerOfTen(int p_exponent) {
-  static constexpr char16_t Digits[] = u"⁰¹²³⁴⁵⁶⁷⁸⁹";
-  QString power("10");
-  for (const QChar digit : QString::number(p_exponent))
-    power += digit == '-' ? QChar(0x207B) : QChar(Digits[digit.digitValue()]);
-  return power;
-}
-
-QString Times(int p_exponent) {
-  return TimesSign + PowerOfTen(p_exponent);
-}
-
-/// "2.5×10⁻⁸"
-QString Scientific(const Decimal& p_decimal) {
-  const int last = DigitCount(p_decimal.mantissa) - 1;
-  const QString times = Times(p_decimal.exponent + last);
-  if (std::abs(p_decimal.mantissa) == 1)
-    return (p_decimal.mantissa < 0 ? QString(Minus) : QString()) + times.mid(1);
-  return Fixed({p_decimal.mantissa, -last}) + times;
-}
-
-/// If a number with its first digit there is written with a power of ten.
-bool NeedsPower(int p_firstDigit) {
-  return p_firstDigit < -5 || p_firstDigit >= 6;
-}
-
-QString Readable(const Decimal& p_decimal) {
-  const int first = p_decimal.exponent + DigitCount(p_decimal.mantissa) - 1;
-  return p_decimal.mantissa != 0 && NeedsPower(first) ? Scientific(p_decimal) : Fixed(p_decimal);
-}
-
-/// Ticks that share their last digit.
-struct Decimals {
-  std::vector<std::int64_t> mantissas;
-  int exponent = 0;
-};
-
-/// Without the zeros at the end that all have.
-Decimals Shortened(Decimals p_ticks) {
-  auto& all = p_ticks.mantissas;
-  if (std::all_of(all.begin(), all.end(), [](std::int64_t p_tick) { return p_tick == 0; })) {
-    p_ticks.exponent = 0;
-    return p_ticks;
-  }
-  while (std::all_of(all.begin(), all.end(), [](std::int64_t p_tick) { return p_tick % 10 == 0; })) {
-    std::for_each(all.begin(), all.end(), [](std::int64_t& p_tick) { p_tick /= 10; });
-    ++p_ticks.exponent;
-  }
-  return p_ticks;
-}
 
 /// The power of ten to be taken out of all strings; 0 mostly.
 int CommonExponent(const Decimals& p_ticks) {
@@ -165,23 +64,6 @@ std::int64_t CommonOffset(const std::vector<std::int64_t>& p_ticks) {
   return (*least < 0 ? -1 : 1) * (high / unit) * unit;
 }
 
-/// Multiples of a step within a range.
-Decimals MultiplesOf(const Decimal& p_step, double p_low, double p_high) {
-  Decimals ticks{{}, p_step.exponent};
-  const double mantissa = static_cast<double>(p_step.mantissa);
-  // Quotients below 2^53 are off by one at most.
-  const double first = std::floor(Scaled(p_low, -p_step.exponent) / mantissa) - 1;
-  const double last = std::ceil(Scaled(p_high, -p_step.exponent) / mantissa) + 1;
-  double previous = std::numeric_limits<double>::quiet_NaN();
-  for (std::int64_t i = static_cast<std::int64_t>(first); i <= static_cast<std::int64_t>(last); ++i) {
-    const double value = ValueOf({i * p_step.mantissa, p_step.exponent});
-    if (value >= p_low && value <= p_high && value != previous)
-      ticks.mantissas.push_back(i * p_step.mantissa);
-    previous = value;
-  }
-  return ticks;
-}
-
 /// A lower bound of the step of so many ticks; no less than the distance of neighbouring doubles, and normal.
 double LeastStep(double p_low, double p_high, std::size_t p_most) {
   const double largest = std::max(std::abs(p_low), std::abs(p_high));
@@ -216,13 +98,6 @@ std::vector<Decimal> DegreeSteps(int p_exponent) {
   if (p_exponent == 2)
     return {{180, 0}, {360, 0}};
   return {{36, p_exponent - 1}};
-}
-
-std::vector<double> ValuesOf(const Decimals& p_ticks) {
-  std::vector<double> values;
-  for (const std::int64_t tick : p_ticks.mantissas)
-    values.push_back(ValueOf({tick, p_ticks.exponent}));
-  return values;
 }
 
 /// The ticks of `p_make`, which takes a finite, ascending range, for a range of any kind.
@@ -327,6 +202,23 @@ Ticks Ticks::Degrees(double p_low, double p_high, std::size_t p_most, Angle p_an
   return ticks;
 }
 
+Ticks Ticks::Dates(double p_low, double p_high, std::size_t p_most) {
+  Ticks ticks;
+  if (p_most == 0 || !std::isfinite(p_low) || !std::isfinite(p_high))
+    return ticks;
+  DateTicks dates = MakeDateTicks(std::min(p_low, p_high), std::max(p_low, p_high), std::min(p_most, MostLabelled));
+  if (p_low > p_high) {
+    std::reverse(dates.values.begin(), dates.values.end());
+    std::reverse(dates.strings.begin(), dates.strings.end());
+  }
+  ticks._style = Style::Dates;
+  ticks._values = std::move(dates.values);
+  ticks._strings = std::move(dates.strings);
+  ticks._note = std::move(dates.note);
+  ticks._digits = dates.digits;
+  return ticks;
+}
+
 namespace {
 
 /// Which multiples of powers of ten have strings: of every `decades`-th power, those by these digits.
@@ -428,13 +320,14 @@ QString Ticks::Format(double p_value, const QString& p_unit, int p_moreDigits) c
   const QString unit = p_unit.isEmpty() ? QString() : ' ' + p_unit;
   if (std::isinf(p_value))
     return (p_value < 0 ? QString(Minus) : QString()) + Infinity + unit;
+  if (_style == Style::Dates && std::abs(p_value) <= MostSeconds)
+    return DateString(p_value, _digits + p_moreDigits) + unit;
   const int last = _digits - p_moreDigits;
   const double count = Scaled(p_value, -last);
   constexpr double MostExact = 9e15;
-  if (_style == Style::Significant || !(std::abs(count) < MostExact))
-    return Readable(DecimalOf(p_value,
-                              _style == Style::Significant ? _digits + p_moreDigits : QLocale::FloatingPointShortest)) +
-           unit;
+  const bool isSignificant = _style == Style::Significant || _style == Style::Dates;
+  if (isSignificant || !(std::abs(count) < MostExact))
+    return Readable(DecimalOf(p_value, isSignificant ? _digits + p_moreDigits : QLocale::FloatingPointShortest)) + unit;
   const Decimal rounded{std::llround(count), last};
   if (_style == Style::Degrees)
     return AngleString(rounded, _angle) + unit;

@@ -54,6 +54,19 @@ public:
   /// At most `p_most` multiples of 1, 2, 5, 10, 15, 30, 45, 60, 90, 180 or 360 degrees, or below one degree of 1, 2 or
   /// 5 × 10^n.
   static Ticks Degrees(double p_low, double p_high, std::size_t p_most, Angle p_angle = Angle::Plain);
+  /// At most `p_most` round times. Values are seconds since 1970-01-01 00:00 UTC, without leap seconds, as `time_t` and
+  /// `QDateTime::toSecsSinceEpoch` count them; for days, times 86400. The calendar is the Gregorian one, also before
+  /// 1582; the year 0 is the one before the year 1.
+  ///
+  /// Steps: 1, 2 or 5 × 10^n years; 1, 2, 3, 4 or 6 months; 1, 2, 4, 7 or 14 days, from the first of each month on, the
+  /// last of which may take longer; 1, 2, 3, 4, 6 or 12 hours; 1, 2, 5, 10, 15 or 30 minutes or seconds; 1, 2 or 5 ×
+  /// 10^n seconds down to a nanosecond. There are none 10^15 seconds, some 30 million years, from 1970 on.
+  ///
+  /// Strings are the shortest that distinguish the ticks, as ISO 8601 writes them. What all ticks share is the note:
+  /// "Jan", "Apr", "Jul" of "2021"; "Mar 31", "Apr 2" of "2021"; "1", "8", "15" of "2021-03"; "06:00", "12:00" of
+  /// "2021-03-14"; "15.0 s", "15.5 s" of "2021-03-14 12:30"; otherwise complete ones: "2020-12", "2021-03". A value is
+  /// its string and the note together.
+  static Ticks Dates(double p_low, double p_high, std::size_t p_most);
   /// The bounds of classes, which are finite and ascending; equal ones count once. Each string is within a thousandth
   /// of the narrower class beside its bound, so decimals may differ. At most `p_most` have strings, every k-th if there
   /// are more.
@@ -68,22 +81,23 @@ public:
   /// A copy, so that a loop over a temporary's strings is safe.
   std::vector<QString> Strings() && { return std::move(_strings); }
   /// The power of ten and the offset of all strings, to be shown once beside the title: "×10⁻⁶", "+ 120000",
-  /// "×10⁻⁹ + 1.5"; empty mostly.
+  /// "×10⁻⁹ + 1.5"; of dates, the year, month, day or minute; empty mostly.
   const QString& Note() const { return _note; }
 
   /// A value as a string of its own for a read-out, complete (no part of it in `Note()`), with the precision of the
   /// ticks and `p_moreDigits` further digits: "2.5 m/s", "2.5×10⁻⁸ m/s", "45.5° N". NaN is "no data". A unit is
-  /// appended after a space.
+  /// appended after a space. Dates have no digits but parts, from the year to the second, which are not rounded:
+  /// "2021-03", "2021-03-14", "2021-03-14 12:30".
   QString Format(double p_value, const QString& p_unit = QString(), int p_moreDigits = 0) const;
 
 private:
-  enum class Style { Significant, Decimals, Degrees };
+  enum class Style { Significant, Decimals, Degrees, Dates };
 
   std::vector<double> _values;
   std::vector<QString> _strings;
   QString _note;
   Style _style = Style::Significant;
-  int _digits = 6;   ///< of Significant: how many; else the power of ten of the last digit
+  int _digits = 6;   ///< of Significant: how many; of Dates: see DateString; else the power of ten of the last digit
   int _exponent = 0; ///< of Decimals: the power of ten that all values share
   Angle _angle = Angle::Plain;
 };

@@ -1,6 +1,7 @@
 #include "scene/Ticks.h"
 #include "tests/support/Test.h"
 
+#include <QDateTime>
 #include <QStringList>
 
 #include <algorithm>
@@ -92,6 +93,86 @@ TEST(Ticks, DegreeStrings) {
     EXPECT_EQ(Joined(Ticks::Degrees(low, high, static_cast<std::size_t>(most), angle)), expected) << low;
 }
 
+namespace {
+
+/// Seconds since 1970 of "2021", "2021-03", "2021-03-14", "2021-03-14 12:30" and so on.
+double Seconds(QString p_time) {
+  p_time.replace(QChar(0x2212), '-');
+  p_time += QString("0000-01-01 00:00:00").mid(p_time.size());
+  const QDateTime whole = QDateTime::fromString(p_time.left(19).replace(' ', 'T') + 'Z', Qt::ISODate);
+  return static_cast<double>(whole.toSecsSinceEpoch()) + p_time.mid(19).toDouble();
+}
+
+/// The value of a tick of `Ticks::Dates`, from its string and the note.
+double Time(QString p_string, const QString& p_note) {
+  if (p_note.isEmpty())
+    return Seconds(p_string);
+  if (p_string.endsWith(" s")) // "2021-03-14 12:30" and "15.5 s"
+    return Seconds(p_note) + p_string.remove(" s").toDouble();
+  if (p_string.contains(':') && p_note.size() > 4) // "2021-03-14" and "12:30"
+    return Seconds(p_note + ' ' + p_string);
+  if (p_note.size() > 4) // "2021-03" and "14"
+    return Seconds(p_note + '-' + p_string.rightJustified(2, '0'));
+  QStringList parts = p_string.split(' '); // "2021" and "Mar", "Mar 14" or "Mar 14 12:30"
+  const auto month = QString("JanFebMarAprMayJunJulAugSepOctNovDec").indexOf(parts[0]) / 3 + 1;
+  parts[0] = p_note + '-' + QString::number(month).rightJustified(2, '0');
+  if (parts.size() > 1)
+    parts = QStringList{parts[0] + '-' + parts[1].rightJustified(2, '0'), parts.value(2)};
+  return Seconds(parts.join(' ').trimmed());
+}
+
+} // namespace
+
+TEST(Ticks, DateStrings) {
+  const std::tuple<const char*, const char*, int, const char*> cases[] = {
+      {"1650", "2021", 6, "1700 | 1800 | 1900 | 2000"},
+      {"1987-06", "2003", 6, "1990 | 1995 | 2000"},
+      {"2020-11", "2022-02", 6, "2021-01 | 2021-04 | 2021-07 | 2021-10 | 2022-01"},
+      {"2021-01", "2021-12", 6, "Jan | Mar | May | Jul | Sep | Nov  [2021]"},
+      {"2021-02-20", "2021-04-15", 8, "Feb 22 | Mar 1 | Mar 8 | Mar 15 | Mar 22 | Apr 1 | Apr 8 | Apr 15  [2021]"},
+      {"2020-02-25", "2020-03-04", 6, "Feb 25 | Feb 27 | Mar 1 | Mar 3  [2020]"},
+      {"2021-03", "2021-03-31", 6, "1 | 8 | 15 | 22  [2021-03]"},
+      {"2020-12-30", "2021-01-02", 6, "2020-12-30 | 2020-12-31 | 2021-01-01 | 2021-01-02"},
+      {"2021-03-14", "2021-03-15", 6,
+       "Mar 14 00:00 | Mar 14 06:00 | Mar 14 12:00 | Mar 14 18:00 | Mar 15 00:00  [2021]"},
+      {"2021-03-14 05", "2021-03-14 19", 6, "06:00 | 09:00 | 12:00 | 15:00 | 18:00  [2021-03-14]"},
+      {"2021-03-14 12:29:50", "2021-03-14 12:30:30", 5,
+       "12:29:50 | 12:30:00 | 12:30:10 | 12:30:20 | 12:30:30  [2021-03-14]"},
+      {"2021-03-14 12:30:00", "2021-03-14 12:30:02", 5,
+       "00.0 s | 00.5 s | 01.0 s | 01.5 s | 02.0 s  [2021-03-14 12:30]"},
+      {"1969-12-31", "1970-01-02", 3, "1969-12-31 | 1970-01-01 | 1970-01-02"},
+      {"2022", "2020", 3, "2022 | 2021 | 2020"},
+      {"2021-03-14 12:30:07", "2021-03-14 12:30:07", 6, "2021-03-14 12:30:07"},
+  };
+  for (const auto& [low, high, most, expected] : cases)
+    EXPECT_EQ(Joined(Ticks::Dates(Seconds(low), Seconds(high), static_cast<std::size_t>(most))), expected) << low;
+  EXPECT_EQ(Joined(Ticks::Dates(-70000 * 3.2e7, 70000 * 3.2e7, 3)), "−50000 | 0000 | 50000");
+  EXPECT_EQ(Joined(Ticks::Dates(0, 2e15, 6)), "");
+}
+
+TEST(Ticks, ManyDates) {
+  std::mt19937 random(11);
+  const auto uniform = [&](double p_low, double p_high) {
+    return p_low + (p_high - p_low) * static_cast<double>(random()) / 4294967296.0;
+  };
+  for (int i = 0; i < 4000; ++i) {
+    const double low = uniform(-1.2e10, 1.2e10), high = low + std::pow(10, uniform(-4, 10)); // years 1590 to 2667
+    const std::size_t most = 1 + random() % 9;
+    const Ticks ticks = Ticks::Dates(low, high, most);
+    SCOPED_TRACE(::testing::Message() << std::setprecision(17) << low << ' ' << high << ' ' << most << ' '
+                                      << Joined(ticks));
+    const std::vector<double> values = ticks.Values();
+    ASSERT_GE(values.size(), most < 6 ? 1u : 2u);
+    ASSERT_LE(values.size(), most);
+    EXPECT_GE(values.front(), low);
+    EXPECT_LE(values.back(), high);
+    EXPECT_EQ(std::adjacent_find(values.begin(), values.end(), std::greater_equal<double>()), values.end());
+    EXPECT_EQ(std::set<QString>(ticks.Strings().begin(), ticks.Strings().end()).size(), values.size());
+    for (std::size_t j = 0; j < values.size() && values.size() > 1; ++j)
+      EXPECT_NEAR(Time(ticks.Strings()[j], ticks.Note()), values[j], 4e-6) << ticks.Strings()[j].toStdString();
+  }
+}
+
 TEST(Ticks, BoundStrings) {
   const std::tuple<std::vector<double>, int, const char*> cases[] = {
       {{33, 34.5, 35, 0.1 + 35.2}, 9, "33 | 34.5 | 35 | 35.3"},
@@ -121,6 +202,9 @@ TEST(Ticks, ReadOuts) {
       {Ticks::Linear(0, 1, 5), NAN, "K", 0, "no data"},
       {Ticks::Degrees(-90, 90, 7, Angle::Latitude), -45.52, "", 1, "45.5° S"},
       {Ticks::Degrees(-180, 180, 7, Angle::Longitude), 190.4, "", 0, "170° W"},
+      {Ticks::Dates(0, 86400 * 365, 7), 86400 * 33.7, "", 0, "1970-02"},
+      {Ticks::Dates(0, 86400 * 365, 7), 86400 * 33.7, "", 2, "1970-02-03 16:48"},
+      {Ticks::Dates(0, 86400 * 365, 7), -0.004, "", 5, "1970-01-01 00:00:00.00"},
       {Ticks::Logarithmic(1, 1e4, 7), 1234.5, "", 0, "1230"},
       {Ticks::Logarithmic(1, 1e9, 7), 1.5e7, "", 0, "1.5×10⁷"},
       {Ticks::OfBounds({33, 34.5, 35}, 9), 33.123, "", 1, "33.12"},
