@@ -1,5 +1,6 @@
 #include "scene/VolumeRaycaster.h"
 
+#include "scene/private/DataTransform.h"
 #include "scene/private/FlatState.h"
 #include "scene/private/FrameDepths.h"
 #include "scene/private/Matrix4.h"
@@ -24,6 +25,7 @@ namespace Vek::Chart::Scene {
 namespace {
 
 using Point = Types::Vector3_Base<double>;
+using Box = Types::BoundingBox_Base<double>;
 using Private::Matrix4;
 using Private::RayOutput;
 using Settings = VolumeRaycaster::Settings;
@@ -43,6 +45,7 @@ void Check(const Settings& p_settings) {
   require(p_settings.samplesPerVoxel > 0, "samplesPerVoxel", p_settings.samplesPerVoxel);
   require(p_settings.quality > 0, "quality", p_settings.quality);
   require(p_settings.unitLength >= 0, "unitLength", p_settings.unitLength);
+  require(p_settings.leastStep >= 0, "leastStep", p_settings.leastStep);
   require(true, "isovalue", p_settings.isovalue);
   if (p_settings.clips.size() > MostClips)
     throw std::invalid_argument("VolumeRaycaster: clips: expected at most 6 planes, got " +
@@ -143,16 +146,17 @@ Table Baked(const Settings& p_settings, const Library::ColorMap& p_colors, doubl
 } // namespace
 
 struct VolumeRaycaster::Programs {
-  std::map<std::tuple<Mode, RayOutput, bool>, Ogl::ShaderProgram> programs;
+  std::map<std::tuple<Mode, RayOutput, bool, bool>, Ogl::ShaderProgram> programs;
   boost::shared_ptr<Ogl::Texture> table;
   Private::FrameDepths depths;
 
-  const Ogl::ShaderProgram& Of(Utility::Scoped<Rgl>& p_gl, const Settings& p_settings, RayOutput p_output) {
+  const Ogl::ShaderProgram& Of(Utility::Scoped<Rgl>& p_gl, const Settings& p_settings, RayOutput p_output,
+                               bool p_isEven) {
     const bool shading = p_settings.shading && p_settings.mode == Mode::Composite && p_output == RayOutput::Color;
-    const auto key = std::tuple(p_settings.mode, p_output, shading);
+    const auto key = std::tuple(p_settings.mode, p_output, shading, p_isEven);
     auto found = programs.find(key);
     if (found == programs.end()) {
-      const std::string text = Private::RayFragmentText(p_settings.mode, p_output, shading);
+      const std::string text = Private::RayFragmentText(p_settings.mode, p_output, shading, p_isEven);
       found = programs.emplace(key, Ogl::ShaderProgram(p_gl, Private::RayVertexText, text)).first;
     }
     return found->second;
@@ -209,27 +213,39 @@ private:
 
 /// A grid under GL's matrices.
 struct Placed {
-  Point corner;   ///< of the box, at the texture coordinate 0
-  Point size;     ///< from there to the texture coordinate 1; z is negative where layers run downwards
-  Matrix4 toClip; ///< from texture coordinates
+  Point corner; ///< at the coordinate 0
+  Point size;   ///< from there to the coordinate 1; negative where voxels descend
+  Point low;    ///< the coordinates that are drawn
+  Point high;
+  Matrix4 toClip; ///< from coordinates: those of the texture, or shares of the box where cells are uneven
   Matrix4 fromClip{};
   Covered covered;
   bool visible = false;
 
-  Placed(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid) {
-    const Types::BoundingBox_Base<double>& box = p_grid.Bounds();
-    corner = box.Min();
-    size = box.Extent();
-    if (p_grid.TexCoord(box.Min()).z > 0.5) {
-      corner.z = box.Max().z;
-      size.z = -size.z;
+  Placed(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const Box& p_part) {
+    const Box& box = p_grid.Bounds();
+    const auto coordinate = [&](const Point& p_point) {
+      return p_grid.IsEven() ? p_grid.TexCoord(p_point) : p_grid.Share(p_point);
+    };
+    const Point first = coordinate(box.Min()), last = coordinate(box.Max());
+    const bool isPart = !p_part.Empty();
+    const Point from = isPart ? coordinate(p_part.Min()) : first, to = isPart ? coordinate(p_part.Max()) : last;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      using Private::At;
+      const double a = At(first, axis), b = At(last, axis), extent = At(box.Max(), axis) - At(box.Min(), axis);
+      At(size, axis) = extent / (b - a);
+      At(corner, axis) = a == 1 && b == 0 ? At(box.Max(), axis) : At(box.Min(), axis) - a * At(size, axis);
+      At(low, axis) = std::max(std::min(At(from, axis), At(to, axis)), std::min(a, b));
+      At(high, axis) = std::min(std::max(At(from, axis), At(to, axis)), std::max(a, b));
     }
     Matrix4 view{}, projection{};
     p_gl->GetDoublev(RGL_MODELVIEW_MATRIX, view.data());
     p_gl->GetDoublev(RGL_PROJECTION_MATRIX, projection.data());
     const Matrix4 model = {size.x, 0, 0, 0, 0, size.y, 0, 0, 0, 0, size.z, 0, corner.x, corner.y, corner.z, 1};
     toClip = Private::Product(projection, Private::Product(view, model));
-    covered = CoveredBy(toClip);
+    const Point extent = high - low;
+    const Matrix4 toCoordinate = {extent.x, 0, 0, 0, 0, extent.y, 0, 0, 0, 0, extent.z, 0, low.x, low.y, low.z, 1};
+    covered = CoveredBy(Private::Product(toClip, toCoordinate));
     visible = !covered.Empty() && Private::Invert(toClip, fromClip);
   }
 
@@ -240,20 +256,35 @@ struct Placed {
   }
 };
 
-void SetRays(const Uniforms& p_set, const VoxelGrid& p_grid, const Settings& p_settings, const Placed& p_placed) {
-  const VoxelGrid::Sizes& n = p_grid.Size();
+double StepOf(const Settings& p_settings, const VoxelGrid& p_grid) {
   const Point voxel = p_grid.VoxelSize();
+  const double step = std::min({voxel.x, voxel.y, voxel.z}) / p_settings.samplesPerVoxel;
+  return std::max(step, p_settings.leastStep) / p_settings.quality;
+}
+
+/// Binds what rays read; false after a report.
+bool Bind(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const Settings& p_settings) {
+  return (p_grid.IsEven() || p_grid.BindPlaces(p_gl, RGL_TEXTURE3)) &&
+         p_grid.Bind(p_gl, RGL_TEXTURE0, p_settings.filter);
+}
+
+void SetRays(const Uniforms& p_set, const VoxelGrid& p_grid, const Settings& p_settings, const Placed& p_placed) {
+  const Point voxel = p_grid.MeanVoxelSize(), &size = p_placed.size;
   p_set.Set("volume", 0);
   p_set.Set("table", 1);
   p_set.Set("depths", 2);
+  if (!p_grid.IsEven())
+    p_set.Set("places", 3);
   p_set.Set("fromClip", p_placed.fromClip);
   p_set.Set("toClip", p_placed.toClip);
   p_set.Set("nearest", p_placed.covered.nearest);
   p_set.Set("farthest", p_placed.covered.farthest);
   p_set.Set("corner", p_placed.corner);
-  p_set.Set("size", p_placed.size);
-  p_set.Set("voxel", Point(1.0 / n[0], 1.0 / n[1], 1.0 / n[2]));
-  p_set.Set("spacing", std::min({voxel.x, voxel.y, voxel.z}) / (p_settings.samplesPerVoxel * p_settings.quality));
+  p_set.Set("size", size);
+  p_set.Set("low", p_placed.low);
+  p_set.Set("high", p_placed.high);
+  p_set.Set("voxel", Point(voxel.x / std::abs(size.x), voxel.y / std::abs(size.y), voxel.z / std::abs(size.z)));
+  p_set.Set("spacing", StepOf(p_settings, p_grid));
   p_set.Set("jitter", p_settings.jitter ? 1 : 0);
   p_set.Set("logarithmic", p_settings.scale.logarithmic ? 1 : 0);
   p_set.Set("isovalue", p_settings.isovalue);
@@ -280,20 +311,28 @@ double UnitLength(const Settings& p_settings, const VoxelGrid& p_grid) {
 VolumeRaycaster::VolumeRaycaster(VoxelGrid p_grid)
     : _grid(std::move(p_grid)) {}
 
+void VolumeRaycaster::SetGrid(VoxelGrid p_grid) {
+  _grid = std::move(p_grid);
+}
+
+double VolumeRaycaster::SamplingDistance(const Settings& p_settings) const {
+  Check(p_settings);
+  return StepOf(p_settings, _grid);
+}
+
 void VolumeRaycaster::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors,
                            const Settings& p_settings) const {
   Check(p_settings);
-  const Placed placed(p_gl, _grid);
+  const Placed placed(p_gl, _grid, p_settings.part);
   if (!placed.visible)
     return;
   Programs& programs = _programs.Get(p_gl);
-  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, RayOutput::Color);
+  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, RayOutput::Color, _grid.IsEven());
   const bool testsDepth = p_gl->IsEnabled(RGL_DEPTH_TEST) != 0;
   const auto state = FlatState(p_gl);
   const Table table = Baked(p_settings, p_colors, UnitLength(p_settings, _grid));
   const bool occluded = testsDepth && programs.depths.Copy(p_gl, RGL_TEXTURE2);
-  if (!program.Linked() || !programs.BindTable(p_gl, RGL_TEXTURE1, table) ||
-      !_grid.Bind(p_gl, RGL_TEXTURE0, p_settings.filter))
+  if (!program.Linked() || !programs.BindTable(p_gl, RGL_TEXTURE1, table) || !Bind(p_gl, _grid, p_settings))
     return;
   p_gl->BlendFunc(RGL_ONE, RGL_ONE_MINUS_SRC_ALPHA);
   const auto used = program.Use(p_gl);
@@ -314,20 +353,19 @@ void VolumeRaycaster::Draw(Utility::Scoped<Rgl>& p_gl, const Settings& p_setting
   if (p_pass.plot >= PickPass::MostPlots)
     throw std::invalid_argument("VolumeRaycaster: expected a plot below " + std::to_string(PickPass::MostPlots) +
                                 ", got " + std::to_string(p_pass.plot));
-  const Placed placed(p_gl, _grid);
+  const Placed placed(p_gl, _grid, p_settings.part);
   if (!placed.visible)
     return;
   Programs& programs = _programs.Get(p_gl);
   const RayOutput output = p_pass.kind == PickPass::Ids ? RayOutput::Id : RayOutput::Depth;
-  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, output);
+  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, output, _grid.IsEven());
   const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT);
   for (unsigned int plane = 0; plane < MostClips; ++plane)
     p_gl->Disable(RGL_CLIP_PLANE0 + plane);
   p_gl->Disable(RGL_CULL_FACE);
   const Library::ColorMap grey({Qt::black, Qt::white}, Library::ColorMap::Interpolated);
   const Table table = Baked(p_settings, grey, UnitLength(p_settings, _grid));
-  if (!program.Linked() || !programs.BindTable(p_gl, RGL_TEXTURE1, table) ||
-      !_grid.Bind(p_gl, RGL_TEXTURE0, p_settings.filter))
+  if (!program.Linked() || !programs.BindTable(p_gl, RGL_TEXTURE1, table) || !Bind(p_gl, _grid, p_settings))
     return;
   const auto used = program.Use(p_gl);
   const Uniforms set(p_gl, program);

@@ -30,8 +30,9 @@ namespace Vek::Chart::Scene {
 /// **Rays** start at the near plane or where they enter the box, also with the camera inside, and end where they leave
 /// it, at the far plane, or, while GL's depth test is enabled, at the depth that is in the frame buffer: opaque things
 /// are drawn before the volume and hide what lies behind them, inside the box as well. Rays are sampled at even
-/// distances, about `samplesPerVoxel · quality` times per voxel edge; missing values are transparent and count in no
-/// mean. In Composite mode a ray ends as soon as its opacity exceeds 0.998.
+/// distances, about `samplesPerVoxel · quality` times per edge of the shortest voxel (`SamplingDistance`), and 8192
+/// times at most; missing values are transparent and count in no mean. In Composite mode a ray ends as soon as its
+/// opacity exceeds 0.998. On grids whose cells are uneven, bounds of cells are off by up to 1/8000 of the box.
 ///
 /// **State.** Draws under GL's model-view and projection matrices (Camera::Apply), of any kind that can be inverted,
 /// within GL's viewport and scissor, over what is there by the opacity. Writes no depth. All GL state is left as it
@@ -47,10 +48,9 @@ namespace Vek::Chart::Scene {
 /// Ownership: GL objects are kept per context (see Ogl::PerContext); copies share the grid.
 ///
 /// Errors: std::invalid_argument from the drawings for limits of the scale that cannot be drawn, numbers that are not
-/// finite, samplesPerVoxel or a quality that is not above 0, a negative unitLength, more than six clipping planes, and
-/// one without a normal.
-/// See VoxelGrid and Ogl::ShaderProgram for what is reported. Depths of a multisampled frame buffer that cannot be read
-/// are reported once per context and hide nothing.
+/// finite, samplesPerVoxel or a quality that is not above 0, a negative unitLength or leastStep, more than six clipping
+/// planes, and one without a normal. See VoxelGrid and Ogl::ShaderProgram for what is reported. Depths of a
+/// multisampled frame buffer that cannot be read are reported once per context and hide nothing.
 ///
 /// \ingroup plots
 /// \snippet SceneVolumeSnippets.cpp VolumeRaycaster
@@ -77,11 +77,14 @@ public:
     double isovalue = 0;        ///< of Isosurface
     bool shading = false;       ///< lights Composite
     double samplesPerVoxel = 1; ///< per edge of a voxel, of its shortest edge; above 0
+    double leastStep = 0;       ///< of samples, whatever the voxels, in units of the box; not negative
     double quality = 1;         ///< factor of the samples, above 0
     bool jitter = false;        ///< moves the samples of each pixel by a fixed pattern, which hides rings
     VoxelGrid::Filter filter = VoxelGrid::Filter::Linear; ///< of the samples
     /// Only what lies on the side of all planes that their normals point to is drawn; at most six.
     std::vector<Types::Plane> clips;
+    /// The part of the box that is drawn; empty for all of it.
+    Types::BoundingBox_Base<double> part;
   };
 
   /// Draws that grid.
@@ -89,6 +92,10 @@ public:
 
   /// The grid.
   const VoxelGrid& Grid() const { return _grid; }
+  /// Takes another grid; programs are kept.
+  void SetGrid(VoxelGrid p_grid);
+  /// The distance of the samples along a ray, in units of the box.
+  double SamplingDistance(const Settings& p_settings) const;
 
   /// Draws the volume.
   void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const Settings& p_settings) const;

@@ -1,5 +1,7 @@
 #include "scene/VolumeSlices.h"
 
+#include "scene/private/VoxelPlaces.h"
+
 #include "library/DepthCodec.h"
 #include "library/Intersect.h"
 #include "platform/ogl/PixelStore.h"
@@ -27,13 +29,22 @@ void main() {
 }
 )";
 
+// The texture coordinate is a share of the box where cells are uneven.
 const char* const SampleText = R"(
 uniform sampler3D volume;
 uniform float least; // of the values that are shown
 uniform float most;
 
-float Value() { // see VoxelGrid::Bind
-  vec4 texel = texture3D(volume, gl_TexCoord[0].xyz);
+vec4 Texel() { // see VoxelGrid::Bind
+#ifdef UNEVEN
+  return texture3D(volume, TexelAt(gl_TexCoord[0].xyz));
+#else
+  return texture3D(volume, gl_TexCoord[0].xyz);
+#endif
+}
+
+float Value() {
+  vec4 texel = Texel();
   float value = texel.r / max(texel.a, 1e-6);
   if (texel.a < 0.5 || value < least || value > most)
     discard;
@@ -49,8 +60,13 @@ uniform float upper;      // the value of the last colour, or its logarithm
 uniform float lowOpacity;
 uniform vec4 below;
 uniform vec4 above;
+uniform vec4 missing;
 
 void main() {
+  if (missing.a > 0.0 && Texel().a < 0.5) {
+    gl_FragColor = missing;
+    return;
+  }
   float value = Value();
   float share = ((logarithmic != 0 ? log(max(value, 1e-37)) : value) - lower) / (upper - lower);
   float inside = clamp(share, 0.0, 1.0);
@@ -74,12 +90,20 @@ void main() {
 }
 )";
 
+/// Programs for even and for uneven cells.
+using Pair = std::array<std::optional<Ogl::ShaderProgram>, 2>;
+
 /// The program, made if there is none yet.
-const Ogl::ShaderProgram& Made(std::optional<Ogl::ShaderProgram>& p_program, Utility::Scoped<Rgl>& p_gl,
+const Ogl::ShaderProgram& Made(Pair& p_programs, Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid,
                                const std::string& p_text) {
-  if (!p_program)
-    p_program.emplace(p_gl, VertexText, "#version 120\n" + (SampleText + p_text));
-  return *p_program;
+  const bool isEven = p_grid.IsEven();
+  std::optional<Ogl::ShaderProgram>& program = p_programs[isEven ? 0 : 1];
+  if (!program)
+    program.emplace(
+        p_gl, VertexText,
+        (isEven ? std::string("#version 120\n") : std::string("#version 120\n#define UNEVEN\n") + Private::PlacesText) +
+            SampleText + p_text);
+  return *program;
 }
 
 void Fill(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const Slice& p_slice) {
@@ -87,7 +111,7 @@ void Fill(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const Slice& p_sl
     return;
   p_gl->Begin(RGL_POLYGON);
   for (const Point& corner : p_slice) {
-    p_gl->MultiTexCoord(RGL_TEXTURE0, p_grid.TexCoord(corner));
+    p_gl->MultiTexCoord(RGL_TEXTURE0, p_grid.IsEven() ? p_grid.TexCoord(corner) : p_grid.Share(corner));
     p_gl->Vertex(corner);
   }
   p_gl->End();
@@ -96,9 +120,7 @@ void Fill(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const Slice& p_sl
 } // namespace
 
 struct VolumeSlices::Programs {
-  std::optional<Ogl::ShaderProgram> colors;
-  std::optional<Ogl::ShaderProgram> depths;
-  std::optional<Ogl::ShaderProgram> ids;
+  Pair colors, depths, ids;
 };
 
 /// A program in use with the volume on unit 0, until the end of the object.
@@ -106,19 +128,26 @@ class VolumeSlices::Painting {
 public:
   Painting(Utility::Scoped<Rgl>& p_gl, const VolumeSlices& p_slices, const Ogl::ShaderProgram& p_program)
       : _state(p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT))
-      , _bound(p_program.Linked() && p_slices._grid.Bind(p_gl, RGL_TEXTURE0, p_slices._filter)) {
+      , _bound(p_program.Linked() && Bind(p_gl, p_slices)) {
     if (!_bound)
       return;
     p_gl->Disable(RGL_CULL_FACE);
     _used = p_program.Use(p_gl);
     const auto limit = [](double p_limit) { return static_cast<float>(std::clamp(p_limit, -3.4e38, 3.4e38)); };
     p_program.SetUniform(p_gl, "volume", 0);
+    if (!p_slices._grid.IsEven())
+      p_program.SetUniform(p_gl, "places", 2);
     p_program.SetUniform(p_gl, "least", limit(p_slices.shown.min));
     p_program.SetUniform(p_gl, "most", limit(p_slices.shown.max));
   }
   explicit operator bool() const { return _bound; }
 
 private:
+  static bool Bind(Utility::Scoped<Rgl>& p_gl, const VolumeSlices& p_slices) {
+    const VoxelGrid& grid = p_slices._grid;
+    return (grid.IsEven() || grid.BindPlaces(p_gl, RGL_TEXTURE2)) && grid.Bind(p_gl, RGL_TEXTURE0, p_slices._filter);
+  }
+
   boost::shared_ptr<void> _state;
   bool _bound;
   boost::shared_ptr<void> _used;
@@ -127,6 +156,11 @@ private:
 VolumeSlices::VolumeSlices(VoxelGrid p_grid, VoxelGrid::Filter p_filter)
     : _grid(std::move(p_grid))
     , _filter(p_filter) {}
+
+void VolumeSlices::SetGrid(VoxelGrid p_grid, VoxelGrid::Filter p_filter) {
+  _grid = std::move(p_grid);
+  _filter = p_filter;
+}
 
 Slice VolumeSlices::Cut(const Types::Plane& p_plane) const {
   Slice slice;
@@ -146,7 +180,7 @@ Slice VolumeSlices::Cut(int p_axis, double p_position) const {
 void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices,
                         const Library::ColorMap& p_colors, const ValueScale& p_scale, double p_lowOpacity) const {
   p_scale.Check();
-  const Ogl::ShaderProgram& program = Made(_programs.Get(p_gl).colors, p_gl, ColorText);
+  const Ogl::ShaderProgram& program = Made(_programs.Get(p_gl).colors, p_gl, _grid, ColorText);
   const Painting painting(p_gl, *this, program);
   if (!painting)
     return;
@@ -164,13 +198,14 @@ void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_
   program.SetUniform(p_gl, "lowOpacity", static_cast<float>(p_lowOpacity));
   program.SetUniform(p_gl, "below", p_scale.below.isValid() ? p_scale.below : p_colors.Color(0.0));
   program.SetUniform(p_gl, "above", p_scale.above.isValid() ? p_scale.above : p_colors.Color(1.0));
+  program.SetUniform(p_gl, "missing", fillsMissing ? p_scale.missing : QColor(0, 0, 0, 0));
   for (const Slice& slice : p_slices)
     Fill(p_gl, _grid, slice);
 }
 
 void VolumeSlices::DrawDepths(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices) const {
-  const Painting painting(p_gl, *this,
-                          Made(_programs.Get(p_gl).depths, p_gl, Library::DepthCodec::PreciseGlsl() + DepthText));
+  const Painting painting(
+      p_gl, *this, Made(_programs.Get(p_gl).depths, p_gl, _grid, Library::DepthCodec::PreciseGlsl() + DepthText));
   for (std::size_t i = 0; painting && i < p_slices.size(); ++i)
     Fill(p_gl, _grid, p_slices[i]);
 }
@@ -181,7 +216,7 @@ void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_
   if (p_pass.plot >= PickPass::MostPlots)
     throw std::invalid_argument("VolumeSlices: expected a plot below " + std::to_string(PickPass::MostPlots) +
                                 ", got " + std::to_string(p_pass.plot));
-  const Ogl::ShaderProgram& program = Made(_programs.Get(p_gl).ids, p_gl, IdText);
+  const Ogl::ShaderProgram& program = Made(_programs.Get(p_gl).ids, p_gl, _grid, IdText);
   const Painting painting(p_gl, *this, program);
   for (std::size_t i = 0; painting && i < p_slices.size(); ++i) {
     const auto element = static_cast<unsigned int>(std::min<std::size_t>(i, PickPass::NoElement));

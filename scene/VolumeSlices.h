@@ -35,6 +35,9 @@ using Slice = std::vector<Types::Vector3_Base<double>>;
 /// clip planes; both sides are visible. Missing values are left out, neither coloured nor given a depth. Cuts that are
 /// translucent (see `Draw`) are drawn from the farthest to the nearest, with GL's blending enabled by the caller.
 ///
+/// Values are those of VoxelGrid::Sample at each pixel. On grids whose cells are uneven, bounds of cells are off by up
+/// to 1/8000 of the box.
+///
 /// Cost: other cuts, colours, ranges and opacities upload no voxel. The GL objects are kept per context
 /// (see Ogl::PerContext); slices of copies of one grid share its texture.
 ///
@@ -47,12 +50,16 @@ class VEK_SCENE_API VolumeSlices {
 public:
   /// Values outside of this range are left out as missing ones are; all by default.
   Types::MinMax_Base<double> shown{-std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()};
+  /// Whether missing values have the colour that the scale has for them, unless it is transparent.
+  bool fillsMissing = false;
 
   /// Cuts of that grid. With Filter::Nearest each voxel has one colour.
   explicit VolumeSlices(VoxelGrid p_grid, VoxelGrid::Filter p_filter = VoxelGrid::Filter::Linear);
 
   /// The grid.
   const VoxelGrid& Grid() const { return _grid; }
+  /// Takes another grid and filter; programs are kept.
+  void SetGrid(VoxelGrid p_grid, VoxelGrid::Filter p_filter);
   /// The polygon in which a plane cuts the box, counter-clockwise seen from where the normal points; empty where it
   /// does not. A plane that touches the box may give a polygon without an area.
   Slice Cut(const Types::Plane& p_plane) const;
@@ -62,7 +69,7 @@ public:
 
   /// Fills polygons that lie in the box with the colours that `p_scale` and `p_colors` give the values. The opacity
   /// runs from `p_lowOpacity`, 0 to 1, at the lower limit of the scale to 1 at the upper one. Missing values are left
-  /// out, whatever colour the scale has for them.
+  /// out, whatever colour the scale has for them, unless `fillsMissing` is set.
   ///
   /// Polygons of fewer than three corners are left out. All GL state is left as it was.
   void Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices, const Library::ColorMap& p_colors,

@@ -1,60 +1,52 @@
 #include "scene/VoxelGrid.h"
 
-#include "platform/debug/Check.h"
-#include "platform/ogl/PerContext.h"
-#include "platform/ogl/PixelStore.h"
+#include "scene/private/DataTransform.h"
+#include "scene/private/GridAxis.h"
+#include "scene/private/VolumeLayout.h"
+#include "scene/private/VoxelPlaces.h"
+#include "scene/private/VoxelValues.h"
 
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <limits>
 #include <stdexcept>
 #include <string>
-#include <type_traits>
 #include <utility>
-#include <vector>
 
 namespace Vek::Chart::Scene {
 
 namespace {
 
 using Library::VolumeImage;
-using Ogl::GlEnum;
+using Private::VoxelAxis;
+using Private::VoxelPlaces;
+using Private::VoxelValues;
 using Point = VoxelGrid::Point;
 using Box = VoxelGrid::Box;
 using Sizes = VoxelGrid::Sizes;
+using Axes = std::array<VoxelAxis, 3>;
 
 constexpr double Missing = std::numeric_limits<double>::quiet_NaN();
-constexpr const char* Signature = "bool Vek::Chart::Scene::VoxelGrid::Bind(class "
-                                  "Vek::Chart::Utility::Scoped<class Vek::Chart::Ogl::Rgl> &,unsigned int,enum "
-                                  "Vek::Chart::Scene::VoxelGrid::Filter) const";
 
-std::string Text(const Sizes& p_sizes) {
-  return std::to_string(p_sizes[0]) + " x " + std::to_string(p_sizes[1]) + " x " + std::to_string(p_sizes[2]);
+Axes AxesOf(const Box& p_box, const Sizes& p_sizes, VoxelGrid::Layers p_layers) {
+  const auto axis = [&](std::size_t p_axis, bool p_descends) {
+    return VoxelAxis(p_sizes[p_axis], Private::At(p_box.Min(), p_axis), Private::At(p_box.Max(), p_axis), p_descends);
+  };
+  return {axis(0, false), axis(1, false), axis(2, p_layers == VoxelGrid::Layers::Downwards)};
 }
 
-/// The number of voxels. Throws for sizes that have none, or more than can be addressed.
-std::size_t CountOf(const Sizes& p_sizes) {
-  constexpr std::size_t Most = std::numeric_limits<std::size_t>::max() / (2 * sizeof(float));
-  std::size_t count = 1;
-  for (const int size : p_sizes) {
-    if (size < 1 || count > Most / static_cast<std::size_t>(size))
-      throw std::invalid_argument("VoxelGrid: expected sizes from 1 on, got " + Text(p_sizes));
-    count *= static_cast<std::size_t>(size);
-  }
-  return count;
+VoxelAxis AxisOf(const char* p_name, const Array1& p_positions, VoxelGrid::Positions p_kind) {
+  const std::vector<double> positions = AxisNodes(p_name, p_positions, 2);
+  if (positions.size() > static_cast<std::size_t>(std::numeric_limits<int>::max() / 2))
+    throw std::invalid_argument(std::string(p_name) + ": expected at most 2^30 positions, got " +
+                                std::to_string(positions.size()));
+  return p_kind == VoxelGrid::Positions::OfNodes ? VoxelAxis::OfNodes(positions) : VoxelAxis::OfBounds(positions);
 }
 
-const Box& Checked(const Box& p_box) {
-  const Point size = p_box.Extent();
-  const bool finite = std::isfinite(size.x) && std::isfinite(size.y) && std::isfinite(size.z);
-  if (!finite || !(size.x > 0 && size.y > 0 && size.z > 0))
-    throw std::invalid_argument("VoxelGrid: expected a finite box with an extent along x, y and z");
-  return p_box;
+Sizes SizesOf(const Axes& p_axes) {
+  return {p_axes[0].Size(), p_axes[1].Size(), p_axes[2].Size()};
 }
 
 /// Two texels of an axis and the weight of the second one, as GL's linear filter takes them for a coordinate.
@@ -72,177 +64,108 @@ int NearestOf(double p_coordinate, int p_size) {
   return static_cast<int>(std::clamp(std::floor(p_coordinate * p_size), 0.0, p_size - 1.0));
 }
 
+/// The knots of blocks of cells: at odd numbers the middle of the block, which is a centre or a bound of a cell.
+std::vector<double> Thinned(const std::vector<double>& p_knots, int p_factor) {
+  const std::size_t last = p_knots.size() - 1, step = 2 * static_cast<std::size_t>(p_factor);
+  std::vector<double> knots{p_knots.front()};
+  for (std::size_t begin = 0; begin < last; begin += step) {
+    const std::size_t end = std::min(begin + step, last);
+    knots.push_back(p_knots[(begin + end) / 2]);
+    knots.push_back(p_knots[end]);
+  }
+  return knots;
+}
+
 } // namespace
 
-/// What all copies of a grid share.
-class VoxelGrid::Voxels {
-public:
-  Voxels(const Array1& p_values, const Sizes& p_sizes, const Box& p_box, Layers p_layers)
-      : sizes(p_sizes)
-      , box(Checked(p_box))
-      , layers(p_layers) {
-    RequireCount("VoxelGrid: values", p_values.Count(), CountOf(p_sizes));
-    _floats = FloatValues(p_values);
-    for (float& value : _floats)
-      if (!std::isfinite(value))
-        value = std::numeric_limits<float>::quiet_NaN();
-    FindRange();
-  }
-
-  Voxels(boost::shared_ptr<const VolumeImage> p_image, const Box& p_box, Layers p_layers, ZeroVoxels p_zeros)
-      : sizes(SizesOf(p_image.get()))
-      , box(Checked(p_box))
-      , layers(p_layers)
-      , _image(std::move(p_image))
-      , _zerosAreMissing(p_zeros == ZeroVoxels::AreMissing) {
-    const std::size_t channel = _image->Precision().Value() == VolumeImage::Precision8 ? 1 : sizeof(float);
-    const std::size_t bytes = CountOf(sizes) * channel;
-    if (_image->Bytes().size() < bytes)
-      throw std::invalid_argument("VoxelGrid: expected an image of " + std::to_string(bytes) + " bytes for " +
-                                  Text(sizes) + " voxels, got " + std::to_string(_image->Bytes().size()));
-    _bytes = channel == 1;
-    FindRange();
-  }
-
-  double Value(std::size_t p_index) const {
-    if (_bytes) {
-      const unsigned char byte = _image->Bytes()[p_index];
-      return byte == 0 && _zerosAreMissing ? Missing : byte / 255.0;
-    }
-    const float value = FloatAt(p_index);
-    return !std::isfinite(value) || (value == 0 && _zerosAreMissing) ? Missing : static_cast<double>(value);
-  }
-  std::size_t Index(int p_i, int p_j, int p_k) const {
-    const auto i = static_cast<std::size_t>(p_i), j = static_cast<std::size_t>(p_j), k = static_cast<std::size_t>(p_k);
-    return i + static_cast<std::size_t>(sizes[0]) * (j + static_cast<std::size_t>(sizes[1]) * k);
-  }
-
-  bool Bind(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit, Filter p_filter) const {
-    Texture& texture = _textures.Get(p_gl);
-    if (!texture.tried) {
-      texture.tried = true;
-      p_gl->ActiveTexture(p_unit);
-      texture.name = Upload(p_gl);
-    }
-    if (!texture.name)
-      return false;
-    p_gl->ActiveTexture(p_unit);
-    p_gl->Bind(texture.name, Rgl::Sampler3D);
-    const int filter = static_cast<int>(p_filter == Filter::Nearest ? RGL_NEAREST : RGL_LINEAR);
-    p_gl->TexParameteri(RGL_TEXTURE_3D, RGL_TEXTURE_MIN_FILTER, filter);
-    p_gl->TexParameteri(RGL_TEXTURE_3D, RGL_TEXTURE_MAG_FILTER, filter);
-    return true;
-  }
-  void Release(const Utility::Scoped<Rgl>& p_gl) const { _textures.Release(p_gl); }
-
-  const Sizes sizes;
-  const Box box;
-  const Layers layers;
-  Types::MinMax_Base<double> range;
-  bool hasMissing = false;
-
-private:
-  struct Texture {
-    boost::shared_ptr<Ogl::Texture> name; ///< empty where the upload failed
-    bool tried = false;
-  };
-
-  static Sizes SizesOf(const VolumeImage* p_image) {
-    if (p_image == nullptr || !p_image->Valid())
-      throw std::invalid_argument("VoxelGrid: expected an image with voxels, got none");
-    if (p_image->Channels().Value() != 1)
-      throw std::invalid_argument("VoxelGrid: expected an image of 1 channel, got " +
-                                  std::to_string(p_image->Channels().Value()));
-    return {p_image->Height(), p_image->Width(), p_image->Depth()};
-  }
-
-  float FloatAt(std::size_t p_index) const {
-    if (!_image)
-      return _floats[p_index];
-    float value = 0;
-    std::memcpy(&value, _image->Bytes().data() + p_index * sizeof(float), sizeof(float));
-    return value;
-  }
-
-  void FindRange() {
-    const std::size_t count = CountOf(sizes);
-    for (std::size_t i = 0; i < count; ++i) {
-      const double value = Value(i);
-      range += value;
-      hasMissing = hasMissing || std::isnan(value);
-    }
-  }
-
-  /// The voxels as pairs of a value, 0 where it is missing, and a weight, 0 or `p_one`.
-  template <class T>
-  std::vector<T> Weighted(T p_one) const {
-    const std::size_t count = CountOf(sizes);
-    std::vector<T> texels(2 * count);
-    for (std::size_t i = 0; i < count; ++i)
-      if (const double value = Value(i); !std::isnan(value)) {
-        if constexpr (std::is_same_v<T, float>)
-          texels[2 * i] = FloatAt(i);
-        else
-          texels[2 * i] = _image->Bytes()[i];
-        texels[2 * i + 1] = p_one;
-      }
-    return texels;
-  }
-
-  bool Fits(Utility::Scoped<Rgl>& p_gl) const {
-    int limit = 0;
-    p_gl->GetIntegerv(RGL_MAX_3D_TEXTURE_SIZE, &limit);
-    return VEK_ENSURE_TEXT(*std::max_element(sizes.begin(), sizes.end()) <= limit,
-                           "largest <= GL_MAX_3D_TEXTURE_SIZE && \"" + Text(sizes) + " voxels, the limit is " +
-                               std::to_string(limit) + "\"",
-                           Signature);
-  }
-
-  /// A new texture, bound on the active unit; empty after a report.
-  boost::shared_ptr<Ogl::Texture> Upload(Utility::Scoped<Rgl>& p_gl) const {
-    if (!Fits(p_gl))
-      return {};
-    p_gl->CheckError(std::string("before ") + Signature);
-    const boost::shared_ptr<Ogl::Texture> texture = p_gl->GenTexture();
-    if (!texture)
-      return {};
-    p_gl->Bind(texture, Rgl::Sampler3D);
-    for (const GlEnum wrap : {RGL_TEXTURE_WRAP_S, RGL_TEXTURE_WRAP_T, RGL_TEXTURE_WRAP_R})
-      p_gl->TexParameteri(RGL_TEXTURE_3D, wrap, static_cast<int>(RGL_CLAMP_TO_EDGE));
-    p_gl->TexParameteri(RGL_TEXTURE_3D, RGL_TEXTURE_BASE_LEVEL, 0);
-    p_gl->TexParameteri(RGL_TEXTURE_3D, RGL_TEXTURE_MAX_LEVEL, 0);
-    if (_bytes && hasMissing)
-      Store(p_gl, RGL_LUMINANCE8_ALPHA8, RGL_LUMINANCE_ALPHA, RGL_UNSIGNED_BYTE, Weighted<unsigned char>(255).data());
-    else if (_bytes)
-      Store(p_gl, RGL_LUMINANCE8, RGL_LUMINANCE, RGL_UNSIGNED_BYTE, _image->Bytes().data());
-    else if (hasMissing)
-      Store(p_gl, RGL_LUMINANCE_ALPHA32F_ARB, RGL_LUMINANCE_ALPHA, RGL_FLOAT, Weighted<float>(1).data());
-    else
-      Store(p_gl, RGL_LUMINANCE32F_ARB, RGL_LUMINANCE, RGL_FLOAT,
-            _image ? static_cast<const void*>(_image->Bytes().data()) : _floats.data());
-    return p_gl->CheckError(Signature) ? texture : nullptr;
-  }
-
-  void Store(Utility::Scoped<Rgl>& p_gl, GlEnum p_internal, GlEnum p_format, GlEnum p_type,
-             const void* p_texels) const {
-    const boost::shared_ptr<void> unpacking = Ogl::UnpackScope(*p_gl);
-    p_gl->TexImage3D(RGL_TEXTURE_3D, 0, static_cast<int>(p_internal), sizes[0], sizes[1], sizes[2], 0, p_format, p_type,
-                     p_texels);
-  }
-
-  std::vector<float> _floats; // without an image
-  boost::shared_ptr<const VolumeImage> _image;
-  bool _bytes = false; // whether the image has bytes
-  bool _zerosAreMissing = false;
-  Ogl::PerContext<Texture> _textures;
-};
+VoxelGrid::VoxelGrid(boost::shared_ptr<const VoxelValues> p_voxels, const Axes& p_axes)
+    : _voxels(std::move(p_voxels))
+    , _places(boost::make_shared<const VoxelPlaces>(p_axes)) {}
 
 VoxelGrid::VoxelGrid(const Array1& p_values, const Sizes& p_sizes, const Box& p_box, Layers p_layers)
-    : _voxels(boost::make_shared<const Voxels>(p_values, p_sizes, p_box, p_layers)) {}
+    : VoxelGrid(boost::make_shared<const VoxelValues>(FloatValues(p_values), p_sizes),
+                AxesOf(p_box, p_sizes, p_layers)) {}
 
 VoxelGrid::VoxelGrid(boost::shared_ptr<const VolumeImage> p_image, const Box& p_box, Layers p_layers,
                      ZeroVoxels p_zeros)
-    : _voxels(boost::make_shared<const Voxels>(std::move(p_image), p_box, p_layers, p_zeros)) {}
+    : _voxels(boost::make_shared<const VoxelValues>(std::move(p_image), p_zeros))
+    , _places(boost::make_shared<const VoxelPlaces>(AxesOf(p_box, Size(), p_layers))) {}
+
+VoxelGrid::VoxelGrid(const Array1& p_values, const Array1& p_x, const Array1& p_y, const Array1& p_z,
+                     Positions p_positions) {
+  const Axes axes{AxisOf("VoxelGrid: x", p_x, p_positions), AxisOf("VoxelGrid: y", p_y, p_positions),
+                  AxisOf("VoxelGrid: z", p_z, p_positions)};
+  _places = boost::make_shared<const VoxelPlaces>(axes);
+  _voxels = boost::make_shared<const VoxelValues>(FloatValues(p_values), SizesOf(axes));
+}
+
+VoxelGrid::VoxelGrid(const Io::Volume& p_volume, std::size_t p_channel) {
+  Private::VolumeLayout layout = Private::LayOut(p_volume, p_channel);
+  _places = boost::make_shared<const VoxelPlaces>(layout.axes);
+  _voxels = boost::make_shared<const VoxelValues>(std::move(layout.values), SizesOf(layout.axes));
+  name = layout.name;
+  unit = layout.unit;
+  lengthUnit = layout.lengthUnit;
+  _tilt = layout.tilt;
+}
+
+/// Another grid with the names of this one.
+VoxelGrid VoxelGrid::Named(VoxelGrid p_other) const {
+  p_other.name = name;
+  p_other.unit = unit;
+  p_other.lengthUnit = lengthUnit;
+  p_other._tilt = _tilt;
+  return p_other;
+}
+
+VoxelGrid VoxelGrid::WithValues(const Array1& p_values) const {
+  VoxelGrid other = *this;
+  other._voxels = boost::make_shared<const VoxelValues>(FloatValues(p_values), Size());
+  return other;
+}
+
+VoxelGrid VoxelGrid::MovedTo(const std::array<std::vector<double>, 3>& p_knots) const {
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    RequireCount("VoxelGrid: knots", p_knots[axis].size(), 2 * static_cast<std::size_t>(Size()[axis]) + 1);
+    const std::vector<double>& knots = p_knots[axis];
+    const bool isOrdered = std::is_sorted(knots.begin(), knots.end()) || std::is_sorted(knots.rbegin(), knots.rend());
+    if (!isOrdered || std::any_of(knots.begin(), knots.end(), [](double p_knot) { return !std::isfinite(p_knot); }))
+      throw std::invalid_argument("VoxelGrid: expected ascending or descending finite knots");
+  }
+  return Named(VoxelGrid(_voxels, {VoxelAxis(p_knots[0]), VoxelAxis(p_knots[1]), VoxelAxis(p_knots[2])}));
+}
+
+VoxelGrid VoxelGrid::Coarsened(int p_factor) const {
+  if (p_factor < 1)
+    throw std::invalid_argument("VoxelGrid: expected a factor of 1 at least, got " + std::to_string(p_factor));
+  const Axes axes{VoxelAxis(Thinned(Knots(0), p_factor)), VoxelAxis(Thinned(Knots(1), p_factor)),
+                  VoxelAxis(Thinned(Knots(2), p_factor))};
+  const Sizes sizes = SizesOf(axes);
+  std::vector<double> sums(Private::VoxelCount(sizes));
+  std::vector<float> counts(sums.size());
+  const Sizes& n = Size();
+  for (int k = 0; k < n[2]; ++k)
+    for (int j = 0; j < n[1]; ++j) {
+      const auto row = static_cast<std::size_t>(k / p_factor) * static_cast<std::size_t>(sizes[1]) +
+                       static_cast<std::size_t>(j / p_factor);
+      for (int i = 0; i < n[0]; ++i)
+        if (const double value = _voxels->Value(i, j, k); !std::isnan(value)) {
+          const std::size_t block = row * static_cast<std::size_t>(sizes[0]) + static_cast<std::size_t>(i / p_factor);
+          sums[block] += value;
+          ++counts[block];
+        }
+    }
+  std::vector<float> means(sums.size());
+  for (std::size_t i = 0; i < means.size(); ++i)
+    means[i] = static_cast<float>(sums[i] / static_cast<double>(counts[i])); // NaN where there are none
+  return Named(VoxelGrid(boost::make_shared<const VoxelValues>(std::move(means), sizes), axes));
+}
+
+std::vector<double> VoxelGrid::Knots(int p_axis) const {
+  if (p_axis < 0 || p_axis > 2)
+    throw std::invalid_argument("VoxelGrid: expected an axis of 0 to 2, got " + std::to_string(p_axis));
+  return _places->Axis(static_cast<std::size_t>(p_axis)).Knots();
+}
 
 Box VoxelGrid::CellBounds(const Sizes& p_sizes, const Point& p_first, const Point& p_spacing) {
   const Point extent(p_spacing.x * p_sizes[0], p_spacing.y * p_sizes[1], p_spacing.z * p_sizes[2]);
@@ -261,32 +184,51 @@ const Sizes& VoxelGrid::Size() const {
 }
 
 const Box& VoxelGrid::Bounds() const {
-  return _voxels->box;
+  return _places->Bounds();
 }
 
 Point VoxelGrid::VoxelSize() const {
-  const Point extent = Bounds().Extent();
-  return {extent.x / Size()[0], extent.y / Size()[1], extent.z / Size()[2]};
+  return {_places->Axis(0).ShortestCell(), _places->Axis(1).ShortestCell(), _places->Axis(2).ShortestCell()};
+}
+
+Point VoxelGrid::MeanVoxelSize() const {
+  return {_places->Axis(0).MeanCell(), _places->Axis(1).MeanCell(), _places->Axis(2).MeanCell()};
+}
+
+bool VoxelGrid::IsEven() const {
+  return _places->AreEven();
 }
 
 const Types::MinMax_Base<double>& VoxelGrid::Range() const {
   return _voxels->range;
 }
 
-bool VoxelGrid::HasMissing() const {
-  return _voxels->hasMissing;
+std::size_t VoxelGrid::MissingCount() const {
+  return _voxels->missing;
+}
+
+std::size_t VoxelGrid::Count() const {
+  return _voxels->Count();
 }
 
 double VoxelGrid::Value(int p_i, int p_j, int p_k) const {
   const Sizes& n = Size();
   const bool inside = p_i >= 0 && p_j >= 0 && p_k >= 0 && p_i < n[0] && p_j < n[1] && p_k < n[2];
-  return inside ? _voxels->Value(_voxels->Index(p_i, p_j, p_k)) : Missing;
+  return inside ? _voxels->Value(p_i, p_j, p_k) : Missing;
+}
+
+std::vector<float> VoxelGrid::Values() const {
+  std::vector<float> values(Count());
+  for (std::size_t i = 0; i < values.size(); ++i)
+    values[i] = static_cast<float>(_voxels->Value(i));
+  return values;
 }
 
 double VoxelGrid::Sample(const Point& p_position, Filter p_filter) const {
-  const Point at = TexCoord(p_position);
-  if (!(at.x >= 0 && at.y >= 0 && at.z >= 0 && at.x <= 1 && at.y <= 1 && at.z <= 1))
+  const Point share = Share(p_position);
+  if (!(share.x >= 0 && share.y >= 0 && share.z >= 0 && share.x <= 1 && share.y <= 1 && share.z <= 1))
     return Missing;
+  const Point at = TexCoord(p_position);
   const Sizes& n = Size();
   if (p_filter == Filter::Nearest)
     return Value(NearestOf(at.x, n[0]), NearestOf(at.y, n[1]), NearestOf(at.z, n[2]));
@@ -305,26 +247,29 @@ double VoxelGrid::Sample(const Point& p_position, Filter p_filter) const {
 }
 
 Point VoxelGrid::NearestCenter(const Point& p_position) const {
-  const Sizes& n = Size();
-  const auto center = [](double p_share, int p_size) { return (NearestOf(p_share, p_size) + 0.5) / p_size; };
-  const Point size = Bounds().Extent(), part = p_position - Bounds().Min();
-  return Bounds().Min() + Point(size.x * center(part.x / size.x, n[0]), size.y * center(part.y / size.y, n[1]),
-                                size.z * center(part.z / size.z, n[2]));
+  return {_places->Axis(0).NearestCenter(p_position.x), _places->Axis(1).NearestCenter(p_position.y),
+          _places->Axis(2).NearestCenter(p_position.z)};
 }
 
 Point VoxelGrid::TexCoord(const Point& p_position) const {
-  const Point part = p_position - Bounds().Min();
-  const Point size = Bounds().Extent();
-  const double up = part.z / size.z;
-  return {part.x / size.x, part.y / size.y, _voxels->layers == Layers::Downwards ? 1 - up : up};
+  return _places->Coordinate(p_position);
+}
+
+Point VoxelGrid::Share(const Point& p_position) const {
+  return _places->Share(p_position);
 }
 
 bool VoxelGrid::Bind(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit, Filter p_filter) const {
   return _voxels->Bind(p_gl, p_unit, p_filter);
 }
 
+bool VoxelGrid::BindPlaces(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) const {
+  return _places->BindTable(p_gl, p_unit);
+}
+
 void VoxelGrid::Release(const Utility::Scoped<Rgl>& p_gl) const {
   _voxels->Release(p_gl);
+  _places->Release(p_gl);
 }
 
 } // namespace Vek::Chart::Scene

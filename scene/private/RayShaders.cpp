@@ -1,5 +1,7 @@
 #include "scene/private/RayShaders.h"
 
+#include "scene/private/VoxelPlaces.h"
+
 #include "library/DepthCodec.h"
 
 namespace Vek::Chart::Scene::Private {
@@ -14,7 +16,8 @@ void main() {
 
 namespace {
 
-// Positions are texture coordinates of the volume. A ray is origin + s * reach, with s from 0 to 1.
+// Positions are texture coordinates of the volume, or shares of its box where cells are uneven. A ray is origin + s *
+// reach, with s from 0 to 1.
 const char* const CommonText = R"(
 uniform sampler3D volume;
 uniform sampler2D table;    // the colour of a value and its opacity, or extinction coefficient
@@ -24,9 +27,11 @@ uniform mat4 fromClip;      // clip coordinates to texture coordinates
 uniform mat4 toClip;
 uniform float nearest;      // clip z before and behind the box
 uniform float farthest;
-uniform vec3 corner;        // of the box, at the texture coordinate 0
-uniform vec3 size;          // from there to the texture coordinate 1
-uniform vec3 voxel;         // the size of a voxel, as a texture coordinate
+uniform vec3 corner;        // the point at the position 0
+uniform vec3 size;          // from there to the position 1
+uniform vec3 low;           // the positions that are drawn
+uniform vec3 high;
+uniform vec3 voxel;         // the mean size of the voxels
 uniform float spacing;      // of samples, in units of the scene
 uniform int jitter;
 uniform int logarithmic;
@@ -63,8 +68,8 @@ Ray CastRay() {
       leave = dot(Unproject(z) - origin, reach) / dot(reach, reach);
   }
   vec3 along = mix(reach, vec3(1e-20), vec3(lessThan(abs(reach), vec3(1e-20))));
-  vec3 a = -origin / along;
-  vec3 b = (1.0 - origin) / along;
+  vec3 a = (low - origin) / along;
+  vec3 b = (high - origin) / along;
   vec3 first = min(a, b);
   vec3 last = max(a, b);
   enter = max(enter, max(first.x, max(first.y, first.z)));
@@ -95,7 +100,11 @@ Ray CastRay() {
 
 // The value in x, and in y whether it is present.
 vec2 ValueAt(vec3 position) {
+#ifdef UNEVEN
+  vec4 texel = texture3D(volume, TexelAt(position));
+#else
   vec4 texel = texture3D(volume, position);
+#endif
   return vec2(texel.r / max(texel.a, 1e-6), texel.a - 0.5);
 }
 
@@ -256,9 +265,11 @@ void main() {
 
 } // namespace
 
-std::string RayFragmentText(VolumeRaycaster::Mode p_mode, RayOutput p_output, bool p_shading) {
+std::string RayFragmentText(VolumeRaycaster::Mode p_mode, RayOutput p_output, bool p_shading, bool p_isEven) {
   const bool picking = p_output != RayOutput::Color;
   std::string text = "#version 120\n";
+  if (!p_isEven)
+    text += std::string("#define UNEVEN\n") + PlacesText;
   if (picking)
     text += "#define PICKING\n";
   if (p_shading)

@@ -1,5 +1,6 @@
 #include "scene/VoxelGrid.h"
 
+#include "io/Volume.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Scene;
@@ -24,6 +25,10 @@ boost::shared_ptr<VolumeImage> ImageOf(VolumeImage::VoxelFormat p_format, const 
   return image;
 }
 
+bool SameOrNear(double p_a, double p_b, double p_error) {
+  return std::isnan(p_a) ? std::isnan(p_b) : std::abs(p_a - p_b) <= p_error;
+}
+
 TEST(VoxelGrid, PlacesVoxelsAsCellsOfTheBox) {
   const Box box({10, 0, -3}, {14, 3, 3});
   for (const auto layers : {VoxelGrid::Layers::Upwards, VoxelGrid::Layers::Downwards}) {
@@ -41,6 +46,69 @@ TEST(VoxelGrid, PlacesVoxelsAsCellsOfTheBox) {
   }
   EXPECT_EQ(VoxelGrid::CellBounds({4, 3, 2}, {10.5, 0.5, -1.5}, {1, 1, 3}), box);
   EXPECT_EQ(VoxelGrid::CubicBounds({4, 2, 1}, 2), Box({-1, -0.5, -0.25}, {1, 0.5, 0.25}));
+}
+
+TEST(VoxelGrid, PlacesUnevenCells) {
+  const std::vector<double> depths = {0, -10, -30, -100};
+  const VoxelGrid nodes(Counted(16), std::vector<double>{1e6, 1e6 + 1}, std::vector<double>{0, 2}, depths);
+  EXPECT_EQ(nodes.Bounds(), Box({1e6, 0, -100}, {1e6 + 1, 2, 0}));
+  EXPECT_EQ(nodes.VoxelSize(), Point(1, 2, 10));
+  EXPECT_EQ(nodes.Knots(2), (std::vector<double>{0, 0, -5, -10, -20, -30, -65, -100, -100}));
+  EXPECT_EQ(nodes.Knots(0), (std::vector<double>{1e6, 1e6, 1e6 + 0.5, 1e6 + 1, 1e6 + 1}));
+  const VoxelGrid bounds(Counted(4), std::vector<double>{0, 1}, std::vector<double>{0, 1},
+                         std::vector<double>{0, 1, 10, 20, 30}, VoxelGrid::Positions::OfBounds);
+  struct Case {
+    const VoxelGrid& grid;
+    Point at;
+    double linear, nearest;
+  };
+  const Case cases[] = {{nodes, {1e6, 0, -100}, 12, 12},      {nodes, {1e6, 0, -65}, 10, 12},
+                        {nodes, {1e6 + 0.25, 0, 0}, 0.25, 0}, {nodes, {1e6 + 1, 2, -20}, 9, 11},
+                        {nodes, {1e6, 0, -66}, 10.057, 12},   {nodes, {1e6, 0, 0.1}, NAN, NAN},
+                        {bounds, {0.5, 0.5, 0.2}, 0, 0},      {bounds, {0.5, 0.5, 1}, 0.5, 1},
+                        {bounds, {0.5, 0.5, 5.5}, 1, 1},      {bounds, {0.5, 0.5, 20}, 2.5, 3}};
+  for (const auto& [grid, at, linear, nearest] : cases) {
+    EXPECT_TRUE(SameOrNear(grid.Sample(at), linear, 1e-3)) << at.z;
+    EXPECT_TRUE(SameOrNear(grid.Sample(at, Filter::Nearest), nearest, 0)) << at.z;
+  }
+  EXPECT_EQ(nodes.NearestCenter({1e6 + 0.4, 9, -66}), Point(1e6, 2, -100));
+  const VoxelGrid moved = nodes.MovedTo({std::vector<double>{0, 1, 2, 3, 4}, nodes.Knots(1), nodes.Knots(2)});
+  EXPECT_EQ(moved.Sample({3, 0, 0}), 1);
+  EXPECT_EQ(moved.WithValues(std::vector<double>(16, 7)).Sample({3, 0, 0}), 7);
+}
+
+TEST(VoxelGrid, TakesVolumesOfFilesIntoXYZ) {
+  Io::Volume file;
+  file.values = std::vector<std::int16_t>{0, 1, 2, 3, 4, -9};
+  file.size = {3, 2, 1};
+  file.spacing = {1, 2, 5};
+  file.origin = {10, 20, 30};
+  file.orientation = {{{0, 0, -1}, {1, 0, 0}, {0, 1, 0}}}; // i runs down, j along x
+  file.noData = -9;
+  file.unit = "HU";
+  const VoxelGrid grid = file;
+  EXPECT_EQ(grid.Size(), (VoxelGrid::Sizes{2, 1, 3}));
+  EXPECT_EQ(grid.Bounds(), Box({9, 17.5, 27.5}, {13, 22.5, 30.5}));
+  EXPECT_EQ(grid.unit, "HU");
+  EXPECT_EQ(grid.Tilt(), 0);
+  for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t j = 0; j < 2; ++j) {
+      const auto at = file.Position(static_cast<double>(i), static_cast<double>(j), 0);
+      EXPECT_TRUE(SameOrNear(grid.Sample({at[0], at[1], at[2]}, Filter::Nearest), file.Value(i, j, 0), 0)) << i << j;
+    }
+  file.orientation = {{{1, 0, 0}, {0, std::cos(0.2), std::sin(0.2)}, {0, -std::sin(0.2), std::cos(0.2)}}};
+  EXPECT_NEAR(VoxelGrid(file).Tilt(), 0.2 * 180 / M_PI, 1e-9);
+  EXPECT_THROW(VoxelGrid(file, 1), std::invalid_argument);
+  file.size[2] = 0;
+  EXPECT_THROW(VoxelGrid{file}, std::invalid_argument);
+}
+
+TEST(VoxelGrid, CoarsensToMeansOfPresentValues) {
+  const VoxelGrid grid(std::vector<float>{1, 3, Nan, 5, 9}, {5, 1, 1}, Box({0, 0, 0}, {5, 1, 1}));
+  const VoxelGrid coarse = grid.Coarsened(2);
+  EXPECT_EQ(coarse.Values(), (std::vector<float>{2, 5, 9}));
+  EXPECT_EQ(coarse.Knots(0), (std::vector<double>{0, 1, 2, 3, 4, 4.5, 5}));
+  EXPECT_EQ(grid.Coarsened(3).Values(), (std::vector<float>{2, 7}));
 }
 
 TEST(VoxelGrid, LeavesMissingValuesOutOfInterpolationAndRange) {
@@ -95,6 +163,13 @@ TEST(VoxelGrid, RefusesWhatIsNoGrid) {
       [&] { VoxelGrid(boost::make_shared<VolumeImage>(), box); },
       [&] { VoxelGrid(four, box); },
       [&] { VoxelGrid(cut, box); },
+      [&] { VoxelGrid(Counted(2), Counted(2), Counted(1), Counted(1)); },
+      [&] {
+        VoxelGrid(Counted(12), Counted(2), Counted(2), std::vector<double>{0, 2, 1});
+      },
+      [&] {
+        VoxelGrid(Counted(8), {2, 2, 2}, box).MovedTo({});
+      },
   };
   for (std::size_t i = 0; i < std::size(cases); ++i)
     EXPECT_THROW(cases[i](), std::invalid_argument) << i;
