@@ -47,6 +47,10 @@ ScatterPlot& Figure::Scatter(const Array3& p_positions) {
   return _state->Add(std::unique_ptr<ScatterPlot>(new ScatterPlot(p_positions)));
 }
 
+LinesPlot& Figure::Lines(const Array3& p_positions, std::vector<std::size_t> p_lengths) {
+  return _state->Add(std::unique_ptr<LinesPlot>(new LinesPlot(Points(p_positions), std::move(p_lengths))));
+}
+
 SurfacePlot& Figure::Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights) {
   return _state->Add(std::unique_ptr<SurfacePlot>(new SurfacePlot(p_x, p_y, p_heights))).ColorByHeight();
 }

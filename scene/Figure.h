@@ -4,6 +4,7 @@
 #include "scene/Camera.h"
 #include "scene/Export.h"
 #include "scene/FigureLayout.h"
+#include "scene/LinesPlot.h"
 #include "scene/MeshPlot.h"
 #include "scene/Plot.h"
 #include "scene/QuiverPlot.h"
@@ -82,6 +83,9 @@ public:
   /// Adds a plot.
   QuiverPlot& Quiver(const Array3& p_positions, const Array3& p_vectors);
   ScatterPlot& Scatter(const Array3& p_positions);
+  /// One line through all points, or several one after the other: `p_lengths` are their numbers of points, which add up
+  /// to all.
+  LinesPlot& Lines(const Array3& p_positions, std::vector<std::size_t> p_lengths = {});
   SurfacePlot& Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights);
   MeshPlot& Mesh(const Array3& p_positions, const std::vector<std::array<unsigned, 3>>& p_triangles);
   /// The triangles of an `Io::Mesh`: without its lines, points, colours and textures.

@@ -54,6 +54,26 @@ TEST_F(SceneFigureSnippetPixels, ScatterPlot) {
   Vek::Test::Shown(image, "ScatterPlot");
 }
 
+TEST_F(SceneFigureSnippetPixels, LinesPlot) {
+  //! [LinesPlot]
+  // The attractor of Lorenz, coloured by speed.
+  std::vector<std::array<double, 3>> track{{1, 1, 20}};
+  std::vector<double> speed;
+  for (int i = 0; i < 10000; ++i) {
+    const auto [x, y, z] = track.back();
+    const std::array<double, 3> v{10 * (y - x), x * (28 - z) - y, x * y - 8.0 / 3 * z};
+    constexpr double Step = 0.005;
+    track.push_back({x + Step * v[0], y + Step * v[1], z + Step * v[2]});
+    speed.push_back(std::hypot(v[0], v[1], v[2]));
+  }
+  track.pop_back();
+  Figure figure("Lorenz attractor");
+  figure.Lines(track).ColorBy(speed).ColorMap("plasma").ColorTitle("Speed").Width(1.5);
+  const QImage image = figure.Image({1200, 800});
+  //! [LinesPlot]
+  Vek::Test::Shown(image, "LinesPlot");
+}
+
 TEST_F(SceneFigureSnippetPixels, QuiverPlot) {
   //! [QuiverPlot]
   std::vector<std::array<double, 3>> positions, velocities;

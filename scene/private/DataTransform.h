@@ -62,6 +62,8 @@ struct DataTransform {
   /// The direction in the scene of a vector at a point of the data.
   Point Direction(const Point& p_data, const Point& p_vector) const;
 
+  /// Scene units in a data unit, or a decade, of an axis that is not stretched.
+  double Unit() const { return axes[0].factor / axes[0].stretch; }
   /// Whether some axis is logarithmic, so that directions depend on positions.
   bool IsLogarithmic() const { return axes[0].logarithmic || axes[1].logarithmic || axes[2].logarithmic; }
   bool operator==(const DataTransform& p_other) const;

@@ -1,0 +1,139 @@
+#include "scene/private/LinesContent.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace Vek::Chart::Scene::Private {
+
+LinesContent::LinesContent(std::vector<Point> p_positions, std::vector<std::size_t> p_lengths)
+    : PointsContent(std::move(p_positions))
+    , _lengths(std::move(p_lengths)) {
+  constexpr std::size_t Most = std::numeric_limits<int>::max() / 2; // with an end of each line
+  if (positions.size() > Most || _lengths.size() > Most)
+    throw std::invalid_argument("Lines: expected at most " + std::to_string(Most) + " points and lines");
+  if (_lengths.empty())
+    _lengths = {positions.size()};
+  std::size_t left = positions.size();
+  for (const std::size_t length : _lengths) {
+    if (length > left)
+      throw std::invalid_argument("lengths: expected " + std::to_string(positions.size()) +
+                                  " points in all lines, got more");
+    left -= length;
+  }
+  if (left != 0)
+    throw std::invalid_argument("lengths: expected " + std::to_string(positions.size()) + " points in all lines, got " +
+                                std::to_string(positions.size() - left));
+}
+
+void LinesContent::SetWidth(double p_points) {
+  _width = p_points;
+  SetDiameter(0);
+}
+
+void LinesContent::SetDiameter(double p_diameter) {
+  _isShapeChanged = _isShapeChanged || p_diameter != _diameter;
+  _diameter = p_diameter;
+  SettingsChanged();
+}
+
+Box LinesContent::PlaceChanged(const Changes& p_changes) {
+  if (p_changes.isMoved)
+    PlacePoints();
+  const bool isShaped = p_changes.isMoved || _isShapeChanged;
+  const bool isTubes = _diameter > 0;
+  if (isShaped && isTubes)
+    PlaceTubes();
+  else if (isShaped)
+    _lines.SetPoints(Separated(_scene, Point(NAN, NAN, NAN)));
+  if (isTubes && p_changes.values && !isShaped)
+    _tubes.SetValues(TubeValues());
+  if (!isTubes && (p_changes.values || _isShapeChanged))
+    _lines.SetValues(Separated(coloring.Values(), std::nanf("")));
+  _isShapeChanged = false;
+
+  if (_box.Empty() || !isTubes)
+    return _box;
+  const double radius = SceneDiameter() / 2;
+  const Point half(radius, radius, placement.isFlat ? 0 : radius);
+  return {_box.Min() - half, _box.Max() + half};
+}
+
+/// With an element between lines, in the order of the points.
+template <class T>
+std::vector<T> LinesContent::Separated(const std::vector<T>& p_elements, const T& p_separator) const {
+  if (p_elements.empty())
+    return {};
+  std::vector<T> separated;
+  separated.reserve(p_elements.size() + _lengths.size());
+  auto next = p_elements.begin();
+  for (const std::size_t length : _lengths) {
+    separated.insert(separated.end(), next, next + static_cast<std::ptrdiff_t>(length));
+    separated.push_back(p_separator);
+    next += static_cast<std::ptrdiff_t>(length);
+  }
+  separated.pop_back();
+  return separated;
+}
+
+void LinesContent::PlacePoints() {
+  _scene = PlacedPoints(_box);
+  _pieces.clear();
+  std::uint32_t next = 0;
+  for (const std::size_t length : _lengths) {
+    bool isOpen = false; // whether the last piece goes on
+    for (std::size_t i = 0; i < length; ++i, ++next) {
+      const bool isShown = IsFinite(_scene[next]);
+      if (isShown && !isOpen)
+        _pieces.push_back({next, 0});
+      if (isShown)
+        ++_pieces.back().count;
+      isOpen = isShown;
+    }
+  }
+}
+
+void LinesContent::PlaceTubes() {
+  std::vector<std::vector<TubeMesh::Point>> lines;
+  for (const Piece& piece : _pieces) {
+    lines.emplace_back();
+    for (std::uint32_t i = 0; i < piece.count; ++i)
+      lines.back().push_back({_scene[piece.first + i], SceneDiameter(), 0});
+  }
+  _tubes.SetLines(std::move(lines), TubeValues(), placement.isFlat);
+}
+
+/// The values of the points of all pieces.
+std::vector<float> LinesContent::TubeValues() const {
+  const std::vector<float>& values = coloring.Values();
+  std::vector<float> chosen;
+  if (!values.empty())
+    for (const Piece& piece : _pieces)
+      chosen.insert(chosen.end(), values.begin() + piece.first, values.begin() + piece.first + piece.count);
+  return chosen;
+}
+
+void LinesContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
+  if (_diameter > 0)
+    _tubes.Mesh().Draw(p_gl, coloring.Map(p_gl), coloring.Scale());
+  else
+    _lines.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), _width * p_frame.pixelRatio);
+}
+
+void LinesContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
+  _tubes.Mesh().Release(p_gl);
+  _lines.Release(p_gl);
+}
+
+std::vector<QString> LinesContent::Notes() const {
+  std::vector<QString> notes = PointsContent::Notes();
+  const auto single =
+      std::count_if(_pieces.begin(), _pieces.end(), [](const Piece& p_piece) { return p_piece.count == 1; });
+  AddCount(notes, static_cast<std::size_t>(single), {"point", "points"}, "without a neighbour");
+  return notes;
+}
+
+} // namespace Vek::Chart::Scene::Private

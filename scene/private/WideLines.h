@@ -1,0 +1,43 @@
+#pragma once
+
+#include "scene/GpuMesh.h"
+#include "scene/ValueScale.h"
+#include "scene/private/DataTransform.h"
+
+#include "library/ColorMap.h"
+#include "platform/ogl/PerContext.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <vector>
+
+namespace Vek::Chart::Scene::Private {
+
+/// Polylines of a constant width on the screen, with round joints and ends, in one draw call. GL's own wide lines have
+/// neither, and end at a width that each driver chooses. Each segment is an instance of a stadium shape, which the
+/// vertex shader places in pixels; both of its ends are read from one array of points.
+class WideLines {
+public:
+  /// All points of all lines, one after the other. A point that is not finite ends a line and is not drawn.
+  void SetPoints(const std::vector<Point>& p_points);
+  /// A value for each point, or none. A segment with a missing one is missing.
+  void SetValues(const std::vector<float>& p_values);
+
+  /// Draws in the colours of the values, not lit, under the current matrices and viewport.
+  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
+            double p_pixels) const;
+  void Release(const Utility::Scoped<Rgl>& p_gl) const { _buffers.Release(p_gl); }
+
+private:
+  template <class T>
+  using Shared = boost::shared_ptr<const std::vector<T>>;
+  struct Buffers;
+
+  Shared<GpuMesh::Record> _points;
+  Shared<float> _values;
+  Ogl::PerContext<Buffers> _buffers;
+};
+
+} // namespace Vek::Chart::Scene::Private

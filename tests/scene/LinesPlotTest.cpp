@@ -1,0 +1,159 @@
+#include "tests/support/ErrorOf.h"
+#include "tests/support/FigureFixtures.h"
+
+#include <cmath>
+#include <functional>
+
+using namespace Vek::Chart::Scene;
+using namespace Vek::Test;
+
+namespace {
+
+/// Corners of a square; the last one without a number in some cases.
+const Positions Corners{{0, 0, 2}, {4, 0, 2}, {4, 4, 2}, {0, 4, 2}};
+
+using LinesPlotCalls = FigureCallsFixture;
+using LinesPlotPixels = FigurePixelsFixture;
+
+TEST_F(LinesPlotCalls, RefusesWrongArguments) {
+  Figure figure;
+  LinesPlot& plot = figure.Lines(Corners, {1, 0, 3});
+  const std::vector<std::pair<std::function<void()>, std::string>> cases = {
+      {[&] {
+         figure.Lines(Corners, {2, 3});
+       },
+       "lengths: expected 4 points in all lines, got more"},
+      {[&] {
+         figure.Lines(Corners, {2, 1});
+       },
+       "lengths: expected 4 points in all lines, got 3"},
+      {[&] {
+         figure.Lines(Corners, {1, std::numeric_limits<std::size_t>::max()});
+       },
+       "lengths: expected 4 points in all lines, got more"},
+      {[&] { plot.Width(0); }, "Width: expected a finite number above 0, got 0.000000"},
+      {[&] { plot.Tubes(NaN); }, "Tubes: expected a finite number above 0, got nan"},
+      {[&] { plot.UpdatePositions(Positions(3)); }, "UpdatePositions: expected 4 elements, got 3"},
+  };
+  for (const auto& [call, message] : cases)
+    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+}
+
+TEST_F(LinesPlotCalls, NotesWhatIsLeftOut) {
+  Positions points(9, Point(1, 1, 1));
+  for (std::size_t i = 0; i < points.size(); ++i)
+    points[i].x = static_cast<double>(i);
+  points[1].y = points[6].z = NaN;
+  Figure figure;
+  LinesPlot& plot = figure.Lines(points, {3, 5, 1}); // 0 - 2, 3 4 5 - 7, 8
+  const auto notes = [&] { return figure.Layout({0, 0, 600, 400}).notes; };
+  EXPECT_EQ(notes(), (Notes{"2 points missing", "4 points without a neighbour"}));
+  plot.Tubes(0.1).ColorBy(Numbers{0, 0, 0, 0, NaN, 0, 0, 0, 0});
+  EXPECT_EQ(notes(), (Notes{"2 points missing", "1 value missing", "4 points without a neighbour"}));
+  figure.SetLimits(0, 4, 8);
+  EXPECT_EQ(notes().at(1), "3 points outside of the axes") << "0, 2 and 3";
+}
+
+TEST_F(LinesPlotCalls, UploadWhatChanged) {
+  Positions points = Corners;
+  Figure figure;
+  LinesPlot& plot = figure.Lines(points, {2, 2}).ColorBy(Numbers{1, 2, 3, 4});
+  CallsOf(figure);
+  plot.ColorMap("inferno").ColorRange(2, 3).LogScale().SetOpacity(0.5).ColorTitle("Title").Width(2.5);
+  EXPECT_EQ(UploadsOf(figure), Bytes()) << "settings";
+  plot.ColorBy(Numbers{4, 3, 2, 1});
+  EXPECT_EQ(UploadsOf(figure), Bytes{4 * 5}) << "values, with one between the lines";
+  std::swap(points[0], points[3]);
+  plot.UpdatePositions(points);
+  EXPECT_EQ(UploadsOf(figure), Bytes{12 * 5}) << "positions";
+  plot.Tubes(0.5);
+  EXPECT_EQ(UploadsOf(figure).size(), 4U) << "positions, normals, values and indices of a mesh";
+  plot.ColorMap("magma").ColorRange(1, 3);
+  EXPECT_EQ(UploadsOf(figure), Bytes()) << "settings of tubes";
+  plot.ColorBy(Numbers{4, 3, 2, 2});
+  EXPECT_EQ(UploadsOf(figure), Bytes{4 * 4 * 2}) << "values of ribbons";
+
+  std::vector<std::size_t> calls;
+  for (const std::size_t count : {4, 10000}) {
+    Positions many(count, Point(2, 2, 2));
+    std::copy(Corners.begin(), Corners.end(), many.begin());
+    Figure lines;
+    lines.Lines(many).ColorBy(Numbers(count, 1)).ColorRange(0, 5);
+    CallsOf(lines);
+    calls.push_back(CallsOf(lines).size());
+  }
+  EXPECT_EQ(calls[0], calls[1]);
+}
+
+/// The width across a line, in pixels: the sum of what is covered along a column of the image.
+TEST_F(LinesPlotPixels, LinesHaveTheirWidthAndColors) {
+  const Point far(4e7, -2e7, 1e6);
+  Positions points;
+  for (const Point& corner : Corners)
+    points.push_back(far + corner);
+  Figure figure;
+  LinesPlot& plot = figure.Lines(points).ColorMap({Qt::blue, Qt::red}).ColorBy(Numbers{0, 0, 1, NaN}).Width(9);
+  plot.MissingColor(Qt::green);
+  figure.Look(0, 90, Camera::Projection::Parallel);
+  Draw(figure);
+  EXPECT_TRUE(SameColor(Seen(figure, far + Point(2, 0, 2)).rgb(), Qt::blue, 4));
+  EXPECT_TRUE(SameColor(Seen(figure, far + Point(4, 2, 2)).rgb(), QColor(128, 0, 128), 8)) << "halfway";
+  EXPECT_TRUE(SameColor(Seen(figure, far + Point(2, 4, 2)).rgb(), Qt::green, 4)) << "missing";
+  EXPECT_EQ(Seen(figure, far + Point(0, 2, 2)), QColor(Qt::white)) << "not closed";
+  const auto width = [&] {
+    Draw(figure);
+    const Camera::Pixel middle = PixelOf(figure, far + Point(2, 0, 2));
+    double covered = 0; // white pixels around a blue line have all of red
+    for (int dy = -12; dy <= 12; ++dy)
+      covered += 1 - At(static_cast<int>(middle.x), static_cast<int>(middle.y) + dy).redF();
+    return covered;
+  };
+  for (const double wanted : {1.0, 3.0, 9.0}) {
+    plot.Width(wanted);
+    EXPECT_NEAR(width(), wanted, 0.3);
+  }
+
+  // A corner is round: on the outer diagonal it reaches half a width.
+  plot.Width(20).Color(Qt::blue);
+  Draw(figure);
+  const Camera::Pixel corner = PixelOf(figure, far + Corners[1]);
+  for (const auto& [distance, isCovered] : {std::pair(8.5, true), {11.5, false}}) {
+    const double step = distance / std::sqrt(2.0);
+    const QColor color = At(static_cast<int>(corner.x + step), static_cast<int>(corner.y - step));
+    EXPECT_EQ(color.red() < 128, isCovered) << distance;
+  }
+
+  // The first line ends at the missing point, and tubes have a width in the data.
+  points[1].x = NaN;
+  plot.UpdatePositions(points);
+  Draw(figure);
+  EXPECT_EQ(Seen(figure, far + Point(2, 0, 2)), QColor(Qt::white));
+  EXPECT_NE(Seen(figure, far + Point(2, 4, 2)), QColor(Qt::white));
+  plot.Tubes(1);
+  Draw(figure);
+  EXPECT_NE(Seen(figure, far + Point(2, 4.4, 2)), QColor(Qt::white));
+  EXPECT_EQ(Seen(figure, far + Point(2, 3.4, 2)), QColor(Qt::white));
+}
+
+/// A segment that passes the eye is cut at the near plane, not mirrored.
+TEST_F(LinesPlotPixels, LinesPassTheEye) {
+  Figure figure;
+  figure.Lines(Positions{{0, 0, -50}, {0, 0, 50}}).Color(Qt::blue).Width(5);
+  figure.SetAspect(1, 1, 1);
+  Camera camera;
+  camera.azimuth = 0;
+  camera.elevation = 0;
+  camera.target = {0, 0, 0};
+  camera.distance = 0.01;
+  camera.roll = 0;
+  figure.camera = camera;
+  Draw(figure);
+  int columns = 0;
+  for (int x = 0; x < 300; ++x)
+    columns += At(x, 100).red() < 128 ? 1 : 0;
+  EXPECT_NEAR(columns, 5, 1);
+  EXPECT_TRUE(SameColor(At(150, 5).rgb(), Qt::blue, 2));
+  EXPECT_TRUE(SameColor(At(150, 150).rgb(), Qt::blue, 2));
+}
+
+} // namespace
