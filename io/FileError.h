@@ -17,6 +17,9 @@ public:
   FileError(const std::string& p_path, const std::string& p_reason);
   /// "path:line: expected …, got "…"". Lines count from 1; what was found is cut after 40 bytes.
   FileError(const std::string& p_path, std::size_t p_line, const std::string& p_expected, std::string_view p_found);
+  /// The text of an error of a lower layer.
+  explicit FileError(const std::runtime_error& p_error)
+      : std::runtime_error(p_error) {}
 };
 
 } // namespace Vek::Chart::Io

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "io/Export.h"
+#include "io/Progress.h"
 #include "library/ObjScene.h"
 
 #include <istream>
@@ -13,10 +14,6 @@ namespace Vek::Chart::Io {
 ///
 /// \ingroup files
 using Mesh = Library::ObjScene;
-
-/// Called now and then with the share of the file that was read, 0 to 1; returns false to cancel.
-/// \ingroup files
-using Progress = Library::ObjProgress;
 
 /// Reads a mesh from an OBJ, PLY or STL file, recognised by its content, otherwise by the ending of its name.
 ///

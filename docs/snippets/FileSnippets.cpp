@@ -3,7 +3,9 @@
 #include "io/FileError.h"
 #include "io/ReadMesh.h"
 #include "io/ReadTable.h"
+#include "io/ReadVolume.h"
 #include "library/ObjScene.h"
+#include "library/ReadTextArray.h"
 #include "tests/support/Test.h"
 
 TEST(FileSnippets, ReadTable) {
@@ -53,4 +55,36 @@ TEST(FileSnippets, ReadMesh) {
   const std::size_t vertices = mesh.positions.size() / 3;
   /// [ReadMesh]
   EXPECT_EQ(vertices, 3u);
+}
+
+TEST(FileSnippets, ReadVolume) {
+  const TempFolder folder;
+  const std::string path = folder.Write("head.nrrd", "NRRD0004\ntype: short\ndimension: 3\nsizes: 2 1 1\n"
+                                                     "spacings: 0.5 0.5 2\nencoding: ascii\n\n-1000 3000\n");
+  /// [ReadVolume]
+  const Io::Volume head = Io::ReadVolume(path); // TextArray, NRRD or NIfTI
+  const auto [least, most] = head.range;
+  const double first = head.Value(0, 0, 0);
+  const Io::Volume::Vector position = head.Position(1, 0, 0); // of the second voxel's centre
+  if (const auto* const values = std::get_if<std::vector<std::int16_t>>(&head.values)) // without a copy
+    std::cout << values->size() << " values from " << least << " to " << most << '\n';
+
+  Io::VolumeOptions options; // of a file without header
+  options.raw = Io::RawLayout{{256, 256, 109}, Io::Volume::Int16};
+  options.noData = -32768;
+  /// [ReadVolume]
+  EXPECT_TRUE(first == least && position[0] == 0.5 && options.raw->channels == 1);
+}
+
+TEST(FileSnippets, ReadTextArray) {
+  std::istringstream file("TextArray 2 2 1 1\n0.5 10  1.5 20\n");
+  /// [ReadTextArray]
+  TextArrayOptions options;
+  options.precision = TextArrayOptions::Bits16;
+  options.range = {{0, 30}}; // these become 0 and 65535
+  options.channels = {1};
+  const TextArray array = ReadTextArray(file, "salt.txt", options);
+  const auto& values = std::get<std::vector<std::uint16_t>>(array.values);
+  /// [ReadTextArray]
+  EXPECT_EQ(values, (std::vector<std::uint16_t>{21845, 43690}));
 }

@@ -1,16 +1,12 @@
 #include "library/private/io/TextArrayLoader.h"
 
-#include "library/private/io/ByteSource.h"
-#include "library/private/io/NumberText.h"
+#include "library/private/io/TextArraySource.h"
 #include "library/private/memory/HugePages.h"
 #include "platform/debug/Check.h"
 
 #include <algorithm>
 #include <fstream>
-#include <limits>
-#include <locale>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -28,88 +24,6 @@ constexpr const char* Load = "class boost::shared_ptr<class Vek::Chart::Library:
 constexpr int NoSizes = 161;
 constexpr int SizesOverflow = 217;
 constexpr int FileTooShort = 221;
-
-// Bounds that no real file reaches; a file of another kind may have no blank at all.
-constexpr std::size_t LongestHeader = std::size_t{1} << 16;
-constexpr std::size_t LongestNumber = std::size_t{1} << 22;
-
-/// The number of line feeds. Counts in bytes, block by block, since the compiler vectorises that best.
-std::uint64_t CountLineFeeds(const unsigned char* p_bytes, std::size_t p_count) {
-  constexpr std::size_t Block = 192; // below 256
-  std::uint64_t all = 0;
-  for (std::size_t first = 0; first < p_count; first += Block) {
-    unsigned char count = 0;
-    for (std::size_t i = first; i < std::min(first + Block, p_count); ++i)
-      count = static_cast<unsigned char>(count + (p_bytes[i] == '\n' ? 1 : 0));
-    all += count;
-  }
-  return all;
-}
-
-/// The bytes of a file, with the line that is read.
-class TextSource {
-public:
-  explicit TextSource(std::istream& p_stream)
-      : _bytes(p_stream) {}
-
-  /// At least `p_count` characters, fewer only at the end of the file.
-  std::string_view Prepare(std::size_t p_count) {
-    const std::size_t available = _bytes.Prepare(p_count);
-    return {reinterpret_cast<const char*>(_bytes.Data()), available};
-  }
-  void Take(std::size_t p_count) {
-    _line += CountLineFeeds(_bytes.Data(), p_count);
-    _bytes.Take(p_count);
-  }
-  std::uint64_t Remaining(std::uint64_t p_limit) { return _bytes.Remaining(p_limit); }
-  /// The line of the next character, from 1.
-  std::uint64_t Line() const { return _line; }
-
-private:
-  ByteSource _bytes;
-  std::uint64_t _line = 1;
-};
-
-/// The word and the extents of channels and voxels, as `std::istream >>` reads them.
-struct Header {
-  std::string word;
-  std::int32_t s0 = 0;
-  std::int32_t channels = 0;
-  std::int32_t s1 = 0;
-  std::int32_t s2 = 0;
-  bool complete = false;
-
-  explicit Header(TextSource& p_source) {
-    const std::string_view text = p_source.Prepare(LongestHeader + 1);
-    std::istringstream stream{std::string(text.substr(0, LongestHeader))};
-    stream.imbue(std::locale::classic());
-    complete = static_cast<bool>(stream >> word >> s0 >> channels >> s1 >> s2);
-    const bool cut = stream.eof() && text.size() > LongestHeader;
-    complete = complete && !cut;
-    if (complete)
-      p_source.Take(stream.eof() ? text.size() : static_cast<std::size_t>(stream.tellg()));
-  }
-
-  bool HasSizes() const { return complete && std::min({s0, channels, s1, s2}) >= 1; }
-
-  /// The number of values; 0 when they exceed any memory.
-  std::uint64_t CountNumbers() const {
-    constexpr std::uint64_t Most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
-    std::uint64_t count = 1;
-    for (const std::int32_t size : {s0, channels, s1, s2}) {
-      if (count > Most / static_cast<std::uint64_t>(size))
-        return 0;
-      count *= static_cast<std::uint64_t>(size);
-    }
-    return count;
-  }
-};
-
-const char* SkipBlanks(const char* p_first, const char* p_last) {
-  while (p_first != p_last && Scan::IsBlank(*p_first))
-    ++p_first;
-  return p_first;
-}
 
 unsigned char ToByte(float p_value, float p_scale) {
   const double scaled = static_cast<double>(p_value * p_scale) * 255.0;
@@ -152,15 +66,6 @@ private:
   float _convertedMaximum = _maximum;
 };
 
-/// Reads a plain number that ends within the text; returns the position after it, or null.
-const char* PlainNumber(const char* p_first, const char* p_last, float& p_value) {
-  if (p_last - p_first >= 8)
-    if (const char* const end = Scan::TinyFloat(p_first, p_value))
-      return end;
-  const char* const end = Scan::ShortFloat(p_first, p_last, p_value);
-  return end == nullptr || end == p_last || *end == 'e' || *end == 'E' ? nullptr : end;
-}
-
 NumberReader::NumberReader(TextSource& p_source, std::size_t p_count, std::size_t p_channels, unsigned char* p_voxels)
     : _source(p_source)
     , _count(p_count)
@@ -196,26 +101,8 @@ void NumberReader::ReadPlain() {
 
 /// Reads a number of any kind, as a stream does. False when it fails.
 bool NumberReader::ReadAny() {
-  for (std::string_view text; !(text = _source.Prepare(1)).empty();) {
-    const char* const number = SkipBlanks(text.data(), text.data() + text.size());
-    const std::size_t blanks = static_cast<std::size_t>(number - text.data());
-    _source.Take(blanks);
-    if (blanks < text.size())
-      break;
-  }
-  std::string_view text;
-  std::size_t length = 0;
-  bool whole = false;
-  for (std::size_t wanted = 1; !whole && wanted <= LongestNumber; wanted = 2 * length) {
-    text = _source.Prepare(wanted);
-    length = FloatTextLength(text);
-    whole = length < text.size() || text.size() < wanted;
-  }
   float number = 0.0f;
-  const bool read = whole && StreamFloatFromText(text.substr(0, length), number);
-  if (!read)
-    _failed = text.substr(0, 40);
-  _source.Take(length);
+  const bool read = ReadNumber(_source, number, _failed);
   Append(number);
   return read;
 }
@@ -268,7 +155,7 @@ void NumberReader::Convert(std::size_t p_first, std::size_t p_last) {
 
 void Load(std::istream& p_stream, std::string_view p_path, const NewVolume& p_newVolume) {
   TextSource source(p_stream);
-  const Header file(source);
+  const TextArrayHeader file(source);
   const std::string& header = file.word;
   VEK_ENSURE_AT(header == "TextArray", "header == \"TextArray\"", Signature::Load, {p_path, 0, header});
   if (!file.HasSizes()) {

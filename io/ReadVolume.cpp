@@ -1,0 +1,176 @@
+#include "io/ReadVolume.h"
+
+#include "io/FileError.h"
+#include "io/private/VolumeFormats.h"
+#include "io/private/VolumeValues.h"
+#include "library/ReadTextArray.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <sstream>
+#include <utility>
+
+namespace Vek::Chart::Io {
+
+namespace {
+
+constexpr std::size_t StartSize = 600; // more than any header's mark needs
+
+std::ifstream Open(const std::string& p_path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(p_path, ignored))
+    throw FileError(p_path, "expected a file, got a folder");
+  errno = 0;
+  std::ifstream file(p_path, std::ios::binary);
+  if (!file)
+    throw FileError(p_path, std::string("cannot be opened: ") + std::strerror(errno));
+  return file;
+}
+
+bool EndsWith(const std::string& p_name, std::string_view p_ending) {
+  const auto same = [](char p_a, char p_b) { return (p_a >= 'A' && p_a <= 'Z' ? p_a + 32 : p_a) == p_b; };
+  return p_name.size() >= p_ending.size() &&
+         std::equal(p_ending.begin(), p_ending.end(), p_name.end() - std::ptrdiff_t(p_ending.size()), same);
+}
+
+Volume ReadRaw(Private::PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options) {
+  const RawLayout& raw = *p_options.raw;
+  Private::ValueFormat format;
+  format.type = static_cast<Private::Stored>(raw.type);
+  format.bigEndian = raw.bigEndian;
+  Private::ValueLayout layout;
+  layout.size = {raw.size[0], raw.size[1], raw.size[2]};
+  layout.channels = raw.channels;
+  Volume volume;
+  volume.noData = p_options.noData;
+  volume.spacing = raw.spacing;
+  const std::unique_ptr<Private::ByteSource> unpacked =
+      EndsWith(p_name, ".gz") ? Private::OpenGzip(p_source, p_name) : nullptr;
+  Private::ByteSource& source = unpacked ? *unpacked : p_source;
+  if (!source.Skip(raw.headerBytes))
+    throw FileError(p_name,
+                    "expected values from byte " + std::to_string(raw.headerBytes) + ", got the end of the file");
+  Private::ReadValues(source, format, layout, 0, p_name, volume);
+  if (char further = 0; source.Read(&further, 1) != 0)
+    throw FileError(p_name, "expected " + std::to_string(volume.Count()) + " values, got more");
+  return volume;
+}
+
+Volume ReadTextArray(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options) {
+  Library::TextArrayOptions options;
+  options.progress = p_options.progress;
+  Library::TextArray array;
+  try {
+    array = Library::ReadTextArray(p_stream, p_name, options);
+  } catch (const Library::TextArrayError& error) {
+    throw FileError(error);
+  }
+  Volume volume;
+  volume.size = array.size;
+  volume.channels = array.channels;
+  volume.noData = p_options.noData;
+  volume.values = std::get<std::vector<float>>(std::move(array.values));
+  volume.range = p_options.noData ? volume.FindRange() : std::array<double, 2>{array.range[0], array.range[1]};
+  return volume;
+}
+
+/// The first line of a file, or what it is instead of a volume.
+std::string Found(std::string_view p_start) {
+  if (p_start.empty())
+    return "an empty file";
+  if (p_start.size() > 132 && p_start.substr(128, 4) == "DICM")
+    return "a DICOM file; convert it to NIfTI";
+  const std::string_view line = p_start.substr(0, std::min(p_start.find_first_of("\r\n"), std::size_t{40}));
+  const bool text = std::all_of(line.begin(), line.end(), [](char p_c) { return p_c >= ' ' && p_c <= '~'; });
+  return text ? "\"" + std::string(line) + "\"" : "binary data; raw values need their size and type";
+}
+
+/// Whether a reader of a header's format takes the file; it throws for one that has only the name.
+bool ReadWithHeader(Private::PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options,
+                    Volume& p_volume) {
+  const std::string_view start = p_source.Peek(StartSize);
+  if (Private::IsNifti(start))
+    p_volume = Private::ReadNifti(p_source, p_name, p_options);
+  else if (Private::IsNrrd(start) || EndsWith(p_name, ".nrrd") || EndsWith(p_name, ".nhdr"))
+    p_volume = Private::ReadNrrd(p_source, p_name, p_options);
+  else if (EndsWith(p_name, ".nii") || EndsWith(p_name, ".nii.gz"))
+    p_volume = Private::ReadNifti(p_source, p_name, p_options);
+  else
+    return false;
+  return true;
+}
+
+Volume Read(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options) {
+  const std::istream::pos_type begin = p_stream.tellg();
+  p_stream.clear(p_stream.rdstate() & ~std::ios::failbit); // where it has no position
+  Private::StreamSource file(p_stream, p_name, p_options.progress);
+  Private::PeekSource source(file);
+  if (p_options.raw)
+    return ReadRaw(source, p_name, p_options);
+  const std::string start(source.Peek(StartSize));
+  Volume volume;
+  if (Private::IsGzip(start)) {
+    const std::unique_ptr<Private::ByteSource> unpacked = Private::OpenGzip(source, p_name);
+    Private::PeekSource contents(*unpacked);
+    if (ReadWithHeader(contents, p_name, p_options, volume))
+      return volume;
+    throw FileError(p_name, "expected a compressed NIfTI or NRRD file, got " + Found(contents.Peek(StartSize)));
+  }
+  if (ReadWithHeader(source, p_name, p_options, volume))
+    return volume;
+  if (!Library::IsTextArray(start))
+    throw FileError(p_name, "expected TextArray, NRRD or NIfTI, got " + Found(start));
+  p_stream.clear();
+  if (begin != std::istream::pos_type(-1) && p_stream.seekg(begin))
+    return ReadTextArray(p_stream, p_name, p_options);
+  p_stream.clear();
+  std::string bytes;
+  std::vector<char> block(std::size_t{1} << 20);
+  for (std::size_t count = block.size(); count == block.size();) {
+    count = source.Read(block.data(), block.size());
+    bytes.append(block.data(), count);
+  }
+  std::istringstream whole(bytes);
+  return ReadTextArray(whole, p_name, p_options);
+}
+
+} // namespace
+
+namespace Private {
+
+bool ExistsBeside(const std::string& p_name, const std::string& p_other) {
+  std::error_code ignored;
+  return std::filesystem::is_regular_file(std::filesystem::path(p_name).parent_path() / p_other, ignored);
+}
+
+void WithFileBeside(const std::string& p_name, const std::string& p_other, const Progress& p_progress,
+                    const std::function<void(ByteSource&, const std::string& p_path)>& p_read) {
+  const std::string path = (std::filesystem::path(p_name).parent_path() / p_other).string();
+  if (!ExistsBeside(p_name, p_other)) // a pipe or device never ends
+    throw FileError(path, "expected a file with the values of " + p_name + ", got none");
+  std::ifstream file = Open(path);
+  StreamSource source(file, path, p_progress);
+  p_read(source, path);
+}
+
+} // namespace Private
+
+Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options) {
+  try {
+    return Read(p_stream, p_name, p_options);
+  } catch (const std::bad_alloc&) {
+    throw FileError(p_name, "its values do not fit into memory");
+  }
+}
+
+Volume ReadVolume(const std::string& p_path, const VolumeOptions& p_options) {
+  std::ifstream file = Open(p_path);
+  return ReadVolume(file, p_path, p_options);
+}
+
+} // namespace Vek::Chart::Io

@@ -1,0 +1,279 @@
+#include "io/private/VolumeValues.h"
+
+#include "io/FileError.h"
+#include "io/private/ValueRange.h"
+
+#include <boost/endian/conversion.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+namespace Vek::Chart::Io::Private {
+
+namespace {
+
+constexpr std::size_t BlockBytes = std::size_t{1} << 18; // stays in the cache
+
+template <std::size_t Bytes>
+using Unsigned = std::conditional_t<
+    Bytes == 1, std::uint8_t,
+    std::conditional_t<Bytes == 2, std::uint16_t, std::conditional_t<Bytes == 4, std::uint32_t, std::uint64_t>>>;
+
+template <class T>
+T Reversed(T p_value) {
+  Unsigned<sizeof(T)> bits;
+  std::memcpy(&bits, &p_value, sizeof bits);
+  bits = boost::endian::endian_reverse(bits);
+  std::memcpy(&p_value, &bits, sizeof bits);
+  return p_value;
+}
+
+/// Calls p_call with a value of the type.
+template <class Call>
+void WithType(Stored p_type, const Call& p_call) {
+  switch (p_type) {
+  case Stored::UInt8:
+    return p_call(std::uint8_t());
+  case Stored::Int8:
+    return p_call(std::int8_t());
+  case Stored::UInt16:
+    return p_call(std::uint16_t());
+  case Stored::Int16:
+    return p_call(std::int16_t());
+  case Stored::UInt32:
+    return p_call(std::uint32_t());
+  case Stored::Int32:
+    return p_call(std::int32_t());
+  case Stored::Float32:
+    return p_call(float());
+  case Stored::Float64:
+    return p_call(double());
+  case Stored::UInt64:
+    return p_call(std::uint64_t());
+  case Stored::Int64:
+    return p_call(std::int64_t());
+  }
+}
+
+/// The blocks of the values of a type, in the machine's byte order.
+template <class T>
+class BinaryValues {
+public:
+  BinaryValues(ByteSource& p_source, const ValueFormat& p_format, const std::string& p_name)
+      : _source(p_source)
+      , _reverse(p_format.bigEndian != (boost::endian::order::native == boost::endian::order::big))
+      , _name(p_name) {}
+
+  /// No more values than this follow.
+  std::uint64_t Most() const {
+    const std::uint64_t bytes = _source.MostLeft();
+    return bytes == ByteSource::Unknown ? bytes : bytes / sizeof(T);
+  }
+  void Skip(std::uint64_t p_count) {
+    if (!_source.Skip(p_count * sizeof(T)))
+      throw FileError(_name, "the file ends within its values");
+  }
+  void Read(T* p_values, std::size_t p_count) {
+    const std::size_t bytes = _source.Read(reinterpret_cast<char*>(p_values), p_count * sizeof(T));
+    if (bytes < p_count * sizeof(T))
+      throw FileError(_name, "expected " + std::to_string(_read + p_count) +
+                                 " values or more, got the end of the file after " +
+                                 std::to_string(_read + bytes / sizeof(T)));
+    if (_reverse && sizeof(T) > 1)
+      std::transform(p_values, p_values + p_count, p_values, Reversed<T>);
+    _read += p_count;
+  }
+
+private:
+  ByteSource& _source;
+  const bool _reverse;
+  const std::string& _name;
+  std::uint64_t _read = 0;
+};
+
+/// Converts a word; false unless all of it is a number of the type. Numbers next to 0 are rounded.
+template <class T>
+bool Parse(std::string_view p_word, T& p_value) {
+  const char* const last = p_word.data() + p_word.size();
+  const auto [end, error] = std::from_chars(p_word.data(), last, p_value);
+  if constexpr (std::is_same_v<T, float>)
+    if (double wide = 0; error == std::errc::result_out_of_range && Parse(p_word, wide)) {
+      p_value = static_cast<float>(wide);
+      return std::isfinite(p_value);
+    }
+  return end == last && error == std::errc();
+}
+
+/// The blocks of values that are written as text.
+template <class T>
+class TextValues {
+public:
+  TextValues(ByteSource& p_source, const std::string& p_name, std::size_t p_line)
+      : _source(p_source)
+      , _name(p_name)
+      , _line(p_line) {}
+
+  /// A digit and a separator each, but for the last one.
+  std::uint64_t Most() const {
+    const std::uint64_t bytes = _source.MostLeft();
+    return bytes == ByteSource::Unknown ? bytes : bytes / 2 + 1;
+  }
+  void Skip(std::uint64_t p_count) {
+    for (T value; p_count != 0; --p_count)
+      Read(&value, 1);
+  }
+  void Read(T* p_values, std::size_t p_count) {
+    std::generate(p_values, p_values + p_count, [&] { return Number(Word()); });
+  }
+
+private:
+  static constexpr std::size_t LongestWord = 1024;
+
+  static bool IsSeparator(char p_character) {
+    return p_character == ' ' || (p_character >= '\t' && p_character <= '\r') || p_character == ',';
+  }
+  std::string_view Word() {
+    for (;;) {
+      const std::string_view text = _source.Peek(1);
+      if (text.empty() || !IsSeparator(text.front()))
+        break;
+      _line += text.front() == '\n' ? 1 : 0;
+      _source.Skip(1);
+    }
+    const std::string_view text = _source.Peek(LongestWord);
+    const std::size_t end = std::size_t(std::find_if(text.begin(), text.end(), IsSeparator) - text.begin());
+    _word.assign(text, 0, end);
+    _source.Skip(end);
+    return _word;
+  }
+  T Number(std::string_view p_word) const {
+    T value{};
+    if (p_word.empty())
+      throw FileError(_name, _line, "a number", "the end of the file");
+    if (!Parse(p_word.substr(p_word.front() == '+' ? 1 : 0), value))
+      throw FileError(_name, _line, std::is_integral_v<T> ? "an integer of the file's type" : "a number", p_word);
+    return value;
+  }
+
+  PeekSource _source;
+  const std::string& _name;
+  std::size_t _line;
+  std::string _word;
+};
+
+/// Reads p_count values and appends them as numbers of the type Kept.
+template <class T, class Kept, class Source>
+void Append(Source& p_source, std::uint64_t p_count, const ValueFormat& p_format, ValueRange& p_range,
+            std::vector<Kept>& p_kept) {
+  if (const std::uint64_t most = p_source.Most(); most != ByteSource::Unknown)
+    p_kept.reserve(std::size_t(std::min(p_count, most)));
+  std::vector<T> block(std::size_t(std::min<std::uint64_t>(p_count, BlockBytes / sizeof(T))));
+  while (p_count != 0) {
+    const std::size_t count = std::size_t(std::min<std::uint64_t>(p_count, block.size()));
+    p_source.Read(block.data(), count);
+    const std::size_t start = p_kept.size();
+    if constexpr (std::is_same_v<T, Kept>)
+      if (!p_format.Scaled())
+        p_kept.insert(p_kept.end(), block.data(), block.data() + count);
+    if (p_kept.size() == start)
+      for (std::size_t i = 0; i < count; ++i)
+        p_kept.push_back(static_cast<Kept>(p_format.slope * double(block[i]) + p_format.intercept));
+    p_range.Add(p_kept.data() + start, count);
+    p_count -= count;
+  }
+}
+
+/// Values of channel after channel to values of voxel after voxel.
+template <class T>
+std::vector<T> Interleaved(const std::vector<T>& p_planes, std::size_t p_channels) {
+  std::vector<T> voxels(p_planes.size());
+  const std::size_t count = p_planes.size() / p_channels;
+  for (std::size_t channel = 0; channel < p_channels; ++channel)
+    for (std::size_t i = 0; i < count; ++i)
+      voxels[i * p_channels + channel] = p_planes[channel * count + i];
+  return voxels;
+}
+
+template <class T, class Kept, class Source>
+void Read(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
+          const std::string& p_name, Volume& p_volume) {
+  const std::uint64_t count = CountValues(p_layout, p_name);
+  if (p_step >= p_layout.steps)
+    throw FileError(p_name,
+                    "expected a step below " + std::to_string(p_layout.steps) + ", got " + std::to_string(p_step));
+  // Products of more than any memory are beyond any file as well.
+  const std::uint64_t most = p_source.Most();
+  if (most / p_layout.steps < count)
+    throw FileError(p_name, "expected " + std::to_string(p_layout.steps) + " × " + std::to_string(count) +
+                                " values, got a file that holds at most " + std::to_string(most));
+  p_source.Skip(p_step * count);
+  ValueRange range(p_volume.noData);
+  std::vector<Kept> values;
+  Append<T>(p_source, count, p_format, range, values);
+  if (p_layout.planar && p_layout.channels > 1)
+    values = Interleaved(values, std::size_t(p_layout.channels));
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    p_volume.size[axis] = std::size_t(p_layout.size[axis]);
+  p_volume.channels = std::size_t(p_layout.channels);
+  p_volume.range = range.Limits();
+  p_volume.values = std::move(values);
+}
+
+/// Reads values of type T from the source as the format wants them kept.
+template <class T, class Source>
+void ReadAs(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
+            const std::string& p_name, Volume& p_volume) {
+  constexpr bool Wide = sizeof(T) > 4 || (sizeof(T) == 4 && std::is_integral_v<T>);
+  using Scaled = std::conditional_t<Wide, double, float>;
+  using Kept = std::conditional_t<sizeof(T) == 8, double, T>;
+  if (p_format.Scaled())
+    Read<T, Scaled>(p_source, p_format, p_layout, p_step, p_name, p_volume);
+  else
+    Read<T, Kept>(p_source, p_format, p_layout, p_step, p_name, p_volume);
+}
+
+} // namespace
+
+std::uint64_t ValueFormat::Bytes() const {
+  std::uint64_t bytes = 0;
+  WithType(type, [&bytes](auto p_value) { bytes = sizeof p_value; });
+  return bytes;
+}
+
+std::uint64_t CountValues(const ValueLayout& p_layout, const std::string& p_name) {
+  constexpr std::uint64_t Most = std::numeric_limits<std::ptrdiff_t>::max() / 8;
+  std::uint64_t count = 1;
+  for (const std::uint64_t size : {p_layout.channels, p_layout.size[0], p_layout.size[1], p_layout.size[2]}) {
+    if (size == 0)
+      throw FileError(p_name, "expected sizes of 1 or more, got 0");
+    if (count > Most / size)
+      throw FileError(p_name, "the sizes exceed any memory");
+    count *= size;
+  }
+  if (p_layout.steps == 0 || p_layout.steps > Most / count)
+    throw FileError(p_name, "expected steps of 1 or more that fit a file, got " + std::to_string(p_layout.steps));
+  return count;
+}
+
+void ReadValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
+                const std::string& p_name, Volume& p_volume) {
+  WithType(p_format.type, [&](auto p_value) {
+    BinaryValues<decltype(p_value)> values(p_source, p_format, p_name);
+    ReadAs<decltype(p_value)>(values, p_format, p_layout, p_step, p_name, p_volume);
+  });
+}
+
+void ReadTextValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
+                    const std::string& p_name, std::size_t p_line, Volume& p_volume) {
+  WithType(p_format.type, [&](auto p_value) {
+    TextValues<decltype(p_value)> values(p_source, p_name, p_line);
+    ReadAs<decltype(p_value)>(values, p_format, p_layout, p_step, p_name, p_volume);
+  });
+}
+
+} // namespace Vek::Chart::Io::Private
