@@ -159,3 +159,223 @@ TEST(ReadVolume, OthersAndUnknown) {
   for (const auto& [file, expected, name] : cases)
     EXPECT_EQ(SummaryOrError(file, name), expected) << file;
 }
+
+namespace {
+
+/// What a program prints, and its errors. A program that fails, for example because it is not installed, fails the
+/// test.
+std::string Output(const std::string& p_command) {
+  std::string output;
+  FILE* const pipe = popen((p_command + " 2>&1").c_str(), "r");
+  char block[4096];
+  for (std::size_t count; (count = fread(block, 1, sizeof block, pipe)) != 0;)
+    output.append(block, count);
+  EXPECT_EQ(pclose(pipe), 0) << p_command << '\n' << output;
+  return output;
+}
+
+/// A NIfTI file of a version, with values behind the header.
+struct Nifti {
+  bool second = false;
+  bool bigEndian = false;
+  std::string bytes = std::string(544, '\0');
+
+  Nifti(bool p_second, bool p_bigEndian, std::initializer_list<double> p_sizes, int p_type, int p_bits)
+      : second(p_second)
+      , bigEndian(p_bigEndian)
+      , bytes(p_second ? 544 : 352, '\0') {
+    Set<std::int32_t>(0, {p_second ? 540.0 : 348.0});
+    bytes.replace(second ? 4 : 344, 4, second ? std::string("n+2\0", 4) : std::string("n+1\0", 4));
+    if (second) {
+      bytes.replace(8, 4, "\r\n\x1A\n");
+      Set<std::int64_t>(16, {double(p_sizes.size()), 1, 1, 1, 1, 1, 1, 1});
+      Set<std::int64_t>(24, p_sizes);
+      Set<std::int16_t>(12, {double(p_type), double(p_bits)});
+      Set<std::int64_t>(168, {544});
+    } else {
+      Set<std::int16_t>(40, {double(p_sizes.size()), 1, 1, 1, 1, 1, 1, 1});
+      Set<std::int16_t>(42, p_sizes);
+      Set<std::int16_t>(70, {double(p_type), double(p_bits)});
+      Set<float>(108, {352});
+    }
+    Reals(76, 104, {-1, 0.5, 2, 3});
+  }
+  template <class T>
+  Nifti& Set(std::size_t p_at, std::initializer_list<double> p_values) {
+    const std::string text = Bytes<T>(p_values, bigEndian);
+    bytes.replace(p_at, text.size(), text);
+    return *this;
+  }
+  Nifti& Reals(std::size_t p_at1, std::size_t p_at2, std::initializer_list<double> p_values) {
+    return second ? Set<double>(p_at2, p_values) : Set<float>(p_at1, p_values);
+  }
+  Nifti& Codes(int p_quaternion, int p_matrix) {
+    return second ? Set<std::int32_t>(344, {double(p_quaternion), double(p_matrix)})
+                  : Set<std::int16_t>(252, {double(p_quaternion), double(p_matrix)});
+  }
+  Nifti& Units(int p_units) {
+    return second ? Set<std::int32_t>(500, {double(p_units)}) : Set<std::uint8_t>(123, {double(p_units)});
+  }
+};
+
+Nifti Oblique(bool p_second, bool p_bigEndian, int p_quaternion, int p_matrix) {
+  Nifti file(p_second, p_bigEndian, {3, 2, 2}, 4, 16);
+  file.Codes(p_quaternion, p_matrix).Units(2).Reals(256, 352, {0.5, -0.4, 0.3, 7, 8, 9});
+  file.Reals(280, 400, {0.4, 0.1, 0, -10, 0.2, 2, 0.5, 20});
+  file.Reals(312, 464, {0, -0.25, 3, 30});
+  file.bytes += Bytes<std::int16_t>({1, -2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 1200}, p_bigEndian);
+  return file;
+}
+
+} // namespace
+
+TEST(ReadVolume, NiftiValuesAndErrors) {
+  struct Case {
+    Nifti file;
+    std::string values;
+    std::string expected;
+  };
+  const auto four = [](int p_type, int p_bits) { return Nifti(false, false, {2, 2}, p_type, p_bits); };
+  const Case cases[] = {
+      {four(2, 8).Units(1), "abcd", "u8 2 2 1: 97 98 99 100 / 0.5 2 3 / 0 0 0 m"},
+      {four(512, 16).Reals(112, 0, {0.5, -1}), Bytes<std::uint16_t>({0, 1, 2, 60001}),
+       "f 2 2 1: -1 -0.5 0 29999.5 / 0.5 2 3 / 0 0 0"},
+      {Nifti(true, true, {2, 1, 1}, 64, 64), Bytes<double>({1.5, -1e10}, true),
+       "d 2 1 1: 1.5 -1e+10 / 0.5 2 3 / 0 0 0"},
+      {Nifti(true, false, {2, 1, 1}, 8, 32).Reals(112, 176, {2, 1}), Bytes<std::int32_t>({2147483647, -1}),
+       "d 2 1 1: 4.29497e+09 -1 / 0.5 2 3 / 0 0 0"},
+      {Nifti(false, false, {1, 2, 1}, 128, 24), "abcdef", "u8 1 2 1 x3: 97 98 99 100 101 102 / 0.5 2 3 / 0 0 0"},
+      {Nifti(false, false, {2, 1, 1, 1, 2}, 2, 8), "abcd", "u8 2 1 1 x2: 97 99 98 100 / 0.5 2 3 / 0 0 0"},
+      {Nifti(false, false, {2, 1, 1, 2}, 2, 8), "abcd", "u8 2 1 1: 97 98 / 0.5 2 3 / 0 0 0"},
+      {four(32, 64), "", "v: byte 70: expected values that are integers, floats or colours, got type 32"},
+      {four(2, 8), "abc", "v: expected 1 × 4 values, got a file that holds at most 3"},
+      {Nifti(false, false, {2, -1}, 2, 8), "", "v: byte 44: expected a size of 1 or more, got -1"},
+      {Nifti(false, false, {30000, 30000, 30000, 30000}, 2, 8), "",
+       "v: expected 30000 × 27000000000000 values, got a file that holds at most 0"},
+      {four(2, 8).Reals(108, 0, {1e9}), "abcd", "v: expected values from byte 1000000000, got the end of the file"},
+  };
+  for (const auto& [file, values, expected] : cases)
+    EXPECT_EQ(SummaryOrError(file.bytes + values), expected);
+  Io::VolumeOptions second;
+  second.step = 1;
+  EXPECT_EQ(SummaryOrError(Nifti(false, false, {2, 1, 1, 2}, 2, 8).bytes + "abcd", "v", second),
+            "u8 2 1 1: 99 100 / 0.5 2 3 / 0 0 0");
+  second.step = 2;
+  EXPECT_EQ(SummaryOrError(Nifti(false, false, {2, 1, 1, 2}, 2, 8).bytes + "abcd", "v", second),
+            "v: expected a step below 2, got 2");
+}
+
+TEST(ReadVolume, NiftiAsItsOwnToolReadsIt) {
+  for (const bool second : {false, true})
+    for (const bool bigEndian : {false, true})
+      for (const bool matrix : {false, true}) {
+        const TempFolder folder;
+        const std::string path = folder.Write("a.nii", Oblique(second, bigEndian, 1, matrix).bytes);
+        const Volume volume = Io::ReadVolume(path);
+        // The tool prints three lines, and one with 16 numbers, row by row.
+        const char* const field = matrix ? "sto_xyz" : "qto_xyz";
+        std::istringstream output(
+            Output(std::string("nifti_tool -disp_nim -quiet -field ") + field + " -infiles " + path));
+        std::array<double, 12> transform{};
+        for (double& number : transform)
+          output >> number;
+        for (int row = 0; row < 3; ++row) {
+          const double* const m = &transform[4 * row];
+          EXPECT_NEAR(volume.Position(2, 1, 1)[row], 2 * m[0] + m[1] + m[2] + m[3], 2e-5) << field << row;
+        }
+        EXPECT_EQ(Output("nifti_tool -disp_ci 2 1 1 0 0 0 0 -quiet -infiles " + path),
+                  std::to_string(int(volume.Value(2, 1, 1))) + "\n");
+        Output("cd " + folder.Path().string() +
+               " && nifti_tool -copy_im -prefix b.nii.gz -infiles a.nii && "
+               "nifti_tool -copy_im -prefix c.hdr -infiles a.nii && cp c.hdr d.hdr && gzip -c c.img > d.img.gz");
+        for (const char* const copy : {"b.nii.gz", "c.hdr", "d.hdr"})
+          EXPECT_EQ(Summary(Io::ReadVolume(folder.Path().string() + "/" + copy)), Summary(volume)) << copy;
+      }
+}
+
+TEST(ReadVolume, NrrdAsItsOwnProgramWritesIt) {
+  const TempFolder folder;
+  std::string values;
+  for (int i = 0; i < 24; ++i)
+    values += Bytes<std::int16_t>({1000.0 * i - 12000});
+  folder.Write("v.raw", values);
+  const std::string in = "cd " + folder.Path().string() + " && teem-unu ";
+  Output(in + "make -t short -s 4 3 2 -i v.raw -en little -spc LPS -orig '(1,2,3)' -dirs '(0,2,0) (0.5,0,0) (0,0,3)' "
+              "-o raw.nrrd");
+  const std::string expected = Summary(Io::ReadVolume(folder.Path().string() + "/raw.nrrd"));
+  EXPECT_EQ(expected.substr(0, 30), "i16 4 3 2: -12000 -11000 -1000");
+  EXPECT_NE(expected.find("/ 2 0.5 3 / -1 -2 3 | 0 -1 0 | -1 0 0 | 0 0 1 right-anterior-superior"), std::string::npos)
+      << expected;
+  struct Case {
+    const char* arguments;
+    const char* file;
+  };
+  for (const auto& [arguments, file] : {Case{"save -f nrrd -e gzip", "a.nrrd"},
+                                        {"save -f nrrd -e gzip -en big", "b.nrrd"},
+                                        {"save -f nrrd -e raw -en big", "c.nrrd"},
+                                        {"save -f nrrd -e hex", "d.nrrd"},
+                                        {"save -f nrrd -e ascii", "e.nrrd"},
+                                        {"save -f nrrd -e raw", "f.nhdr"},
+                                        {"save -f nrrd -e gzip", "g.nhdr"}}) {
+    Output(in + arguments + " -i raw.nrrd -o " + file);
+    EXPECT_EQ(Summary(Io::ReadVolume(folder.Path().string() + "/" + file)), expected) << arguments;
+  }
+  folder.Write("s1.raw", values.substr(0, 24));
+  folder.Write("s2.raw", values.substr(24));
+  const std::string plain = expected.substr(0, expected.find('/'));
+  for (const char* const files : {"s%d.raw 1 2 1", "LIST\ns1.raw\ns2.raw"}) {
+    folder.Write("s.nhdr", std::string("NRRD0004\ntype: short\ndimension: 3\nsizes: 4 3 2\nendian: little\nencoding: "
+                                       "raw\ndata file: ") +
+                               files);
+    EXPECT_EQ(Summary(Io::ReadVolume(folder.Path().string() + "/s.nhdr")), plain + "/ 1 1 1 / 0 0 0") << files;
+  }
+}
+
+TEST(ReadVolume, RawSizesTypesAndNoData) {
+  Io::VolumeOptions options;
+  options.raw = Io::RawLayout{{2, 1, 1}, Volume::Float32, 2, true, 3, {1, 1, 2}};
+  options.noData = 1e20;
+  const std::string file = "..." + Bytes<float>({-3, 1e20, 2, 0}, true);
+  const Volume volume = Read(file, "v", options);
+  EXPECT_EQ(Summary(volume), "f 2 1 1 x2: -3 1e+20 2 0 / 1 1 2 / 0 0 0");
+  EXPECT_EQ(volume.range, (std::array<double, 2>{-3, 2}));
+  EXPECT_TRUE(std::isnan(volume.Value(0, 0, 0, 1)) && std::isnan(volume.Floats(1)[0]) && volume.Floats(1)[1] == 0);
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { volume.Value(0, 0, 1); }), "Volume: no voxel (0, 0, 1)");
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { volume.Floats(2); }), "Volume: expected a channel below 2, got 2");
+  EXPECT_EQ(SummaryOrError(file + "x", "v", options), "v: expected 4 values, got more");
+  EXPECT_EQ(SummaryOrError(file.substr(1), "v", options), "v: expected 1 × 4 values, got a file that holds at most 3");
+}
+
+TEST(ReadVolume, CancelledAndReported) {
+  std::vector<double> shares;
+  Io::VolumeOptions options;
+  options.raw = Io::RawLayout{{1 << 22, 1, 1}};
+  options.progress = [&](double p_share) {
+    shares.push_back(p_share);
+    return p_share < 0.5;
+  };
+  EXPECT_EQ(SummaryOrError(std::string(1 << 22, 'x'), "v", options), "v: cancelled");
+  EXPECT_TRUE(shares.size() >= 2 && std::is_sorted(shares.begin(), shares.end()) && shares.back() < 0.8);
+}
+
+TEST(ReadVolume, SurvivesDamage) {
+  const TempFolder folder;
+  folder.Write("v.raw", Bytes<std::int16_t>({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+  const std::string in = "cd " + folder.Path().string() + " && teem-unu ";
+  Output(
+      in +
+      "make -t short -s 4 3 1 -i v.raw -en little -spc LPS -orig '(1,2,3)' -dirs '(0,2,0) (1,0,0) (0,0,3)' -o a.nrrd");
+  for (const char* const encoding : {"gzip", "hex", "ascii"})
+    Output(in + "save -f nrrd -i a.nrrd -e " + encoding + " -o " + encoding + ".nrrd");
+  folder.Write("a.nii", Oblique(false, false, 1, 1).bytes);
+  folder.Write("b.nii", Oblique(true, true, 1, 0).bytes);
+  folder.Write("v.txt", "TextArray 3 1 2 2\n1 2.5 -3 4e1 5 nan 7 8 9 10 11 12\n");
+  Output("cd " + folder.Path().string() + " && gzip -k a.nii");
+  for (const char* const name :
+       {"a.nrrd", "gzip.nrrd", "hex.nrrd", "ascii.nrrd", "a.nii", "b.nii", "a.nii.gz", "v.txt"}) {
+    std::ifstream file(folder.Path().string() + "/" + name, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    ASSERT_EQ(SummaryOrError(bytes, name).find(std::string(name) + ":"), std::string::npos) << name;
+    CheckDamage<FileError>(bytes, [&](const std::string& p_bytes) { Read(p_bytes, name); });
+  }
+}
