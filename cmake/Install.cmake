@@ -35,6 +35,9 @@ endforeach()
 
 install(DIRECTORY platform algorithms library io scene DESTINATION ${header_dir} COMPONENT development
   FILES_MATCHING PATTERN "*.h" PATTERN private EXCLUDE)
+if(TARGET vek-gallery) # its page shows them
+  install(DIRECTORY apps/gallery/pictures DESTINATION ${share_dir}/apps/gallery COMPONENT programs)
+endif()
 install(DIRECTORY data symbols sprites DESTINATION ${share_dir} COMPONENT data)
 install(FILES README.md CONTRIBUTING.md CHANGELOG.md CREDITS.md LICENSE DESTINATION ${doc_dir} COMPONENT documentation)
 install(DIRECTORY docs DESTINATION ${doc_dir} COMPONENT documentation FILES_MATCHING PATTERN "*.md" PATTERN "*.png"

@@ -1,6 +1,7 @@
 // vek-gallery: draws all pictures off-screen and writes them as pictures with a page that shows them.
 
 #include "apps/gallery/DataFolder.h"
+#include "apps/gallery/IndexPage.h"
 #include "apps/gallery/OffscreenQt.h"
 #include "apps/gallery/Options.h"
 #include "apps/gallery/Picture.h"
@@ -51,7 +52,7 @@ void MakeGallery(const Options& p_options) {
   }
   const std::string path = p_options.out + "/index.html";
   std::ofstream page(path);
-  page << IndexPage(shown);
+  page << IndexPage(shown, CopySources(shown, DataFolder({}, ThisProgram()), p_options.out));
   page.close();
   if (!page)
     throw std::runtime_error(path + ": cannot be written");

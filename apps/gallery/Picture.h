@@ -75,6 +75,7 @@ public:
 /// How a picture is listed.
 struct PictureEntry {
   std::string name;    ///< of the picture file, and of the option --only
+  std::string title;   ///< a few words
   std::string caption; ///< one or two sentences for the reader of the gallery
   std::string source;  ///< the file that makes it, from the root of the project
   /// Reads and computes what the picture shows; on any thread, since it needs no GL. Throws InputError when an input is

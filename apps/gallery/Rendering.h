@@ -6,17 +6,11 @@
 
 #include <QImage>
 
-#include <string>
-#include <vector>
-
 namespace Vek::Chart::Gallery {
 
 /// Makes a picture and draws it once, off-screen, with smooth edges: at twice the size, reduced; or pixel by pixel, if
 /// that is what it shows. `p_size` is that of the result. Throws what making the picture throws, and std::runtime_error
 /// when there is no GL.
 QImage RenderPicture(const PictureEntry& p_entry, const Inputs& p_inputs, Types::Size p_size);
-
-/// A page that shows each picture NAME.png with its caption and its source.
-std::string IndexPage(const std::vector<PictureEntry>& p_entries);
 
 } // namespace Vek::Chart::Gallery

@@ -16,9 +16,11 @@ using namespace Vek::Chart::Scene;
 namespace {
 
 class SceneFigureSnippetPixels : public ::testing::Test {
+public:
+  const std::string data = std::string(VEK_SOURCE_DIR) + "/data/";
+
 protected:
   void SetUp() override { Vek::Test::MakeApplication(); }
-  const std::string data = std::string(VEK_SOURCE_DIR) + "/data/";
 };
 
 TEST_F(SceneFigureSnippetPixels, Figure) {

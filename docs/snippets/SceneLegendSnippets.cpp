@@ -51,7 +51,9 @@ TEST(SceneLegendSnippets, Ticks) {
 }
 
 TEST_F(SceneLegendSnippetPixels, ColorBar) {
-  ShowInThemes("ColorBar", [&](Scene::Canvas& canvas, const Scene::Theme& theme) {
+  ShowInThemes("ColorBar", [&](Scene::Canvas& p_canvas, const Scene::Theme& p_theme) {
+    Scene::Canvas& canvas = p_canvas;
+    const Scene::Theme& theme = p_theme;
     //! [ColorBar]
     Scene::ColorBar speed(Library::ColorMap::Named("viridis"), {0, 15});
     speed.title = "Speed in m/s";
@@ -80,7 +82,9 @@ TEST_F(SceneLegendSnippetPixels, ColorBar) {
 }
 
 TEST_F(SceneLegendSnippetPixels, Legend) {
-  ShowInThemes("Legend", [&](Scene::Canvas& canvas, const Scene::Theme& theme) {
+  ShowInThemes("Legend", [&](Scene::Canvas& p_canvas, const Scene::Theme& p_theme) {
+    Scene::Canvas& canvas = p_canvas;
+    const Scene::Theme& theme = p_theme;
     //! [Legend]
     Scene::Legend names;
     names.title = "Stations";

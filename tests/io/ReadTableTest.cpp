@@ -70,8 +70,8 @@ TEST(ReadTable, NamesFileLineAndReason) {
        "t.csv: expected UTF-8, got UTF-16; save the file as UTF-8"},
       {std::string((16u << 20) + 2, '1'), "t.csv: a line is longer than 16 MiB"},
   };
-  for (const auto& [text, message] : cases)
-    EXPECT_EQ(ErrorOf<FileError>([&] { Read(text); }), message);
+  for (const auto& row : cases)
+    EXPECT_EQ(ErrorOf<FileError>([&] { Read(row.first); }), row.second);
   const TempFolder folder;
   const std::string path = folder.File("none.csv");
   EXPECT_EQ(ErrorOf<FileError>([&] { ReadTable(path); }), path + ": cannot be opened: No such file or directory");

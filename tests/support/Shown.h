@@ -39,17 +39,17 @@ public:
   /// With a frame buffer of that size. All tests of a program that ask for one size share a context.
   explicit ShownFixture(Chart::Types::Size p_size = FrameSize);
 
+  Chart::Ogl::OffscreenContext& context;
+  const Chart::Utility::Unscoped<Chart::Rgl>& handle; ///< on which further scopes are opened
+  Chart::Utility::Scoped<Chart::Rgl> gl;              ///< the open scope
+  Chart::Types::Viewport<0> viewport;                 ///< all of the frame buffer
+
 protected:
   void SetUp() override;
   /// Fails if the snippet has left an error of GL or attributes pushed.
   void TearDown() override;
   /// Calls `Shown` with what has been drawn.
   void Show(const std::string& p_name) { Shown(context.Image(), p_name); }
-
-  Chart::Ogl::OffscreenContext& context;
-  const Chart::Utility::Unscoped<Chart::Rgl>& handle; ///< on which further scopes are opened
-  Chart::Utility::Scoped<Chart::Rgl> gl;              ///< the open scope
-  Chart::Types::Viewport<0> viewport;                 ///< all of the frame buffer
 };
 
 } // namespace Vek::Test

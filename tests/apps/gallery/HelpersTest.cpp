@@ -1,3 +1,4 @@
+#include "apps/gallery/IndexPage.h"
 #include "apps/gallery/MapFrame.h"
 #include "apps/gallery/Options.h"
 #include "apps/gallery/Palettes.h"
@@ -70,8 +71,18 @@ TEST(Options, TakesValuesAndRefusesTheRest) {
     EXPECT_NE(UsageErrorOf({"--size", size}), "") << size;
 }
 
-TEST(IndexPage, ShowsEachPictureWithCaptionAndSource) {
-  const std::string page = IndexPage({{"a", "x < y & \"z\"", "apps/gallery/pictures/A.cpp", nullptr}});
-  EXPECT_NE(page.find("<img src=\"a.png\""), std::string::npos);
-  EXPECT_NE(page.find("x &lt; y &amp; &quot;z&quot; <code>apps/gallery/pictures/A.cpp</code>"), std::string::npos);
+TEST(IndexPage, ShowsEachPictureWithTitleCaptionAndSource) {
+  const std::vector<PictureEntry> entries = {{"a", "A & B", "x < y & \"z\"", "apps/gallery/pictures/A.cpp", nullptr}};
+  const TempFolder folder;
+  EXPECT_FALSE(CopySources(entries, folder.File("data"), folder.File("out")));
+  const std::string page = IndexPage(entries, false);
+  EXPECT_NE(page.find("<a href=\"a.png\"><img src=\"a.png\" alt=\"A &amp; B\""), std::string::npos);
+  EXPECT_NE(page.find("<p>x &lt; y &amp; &quot;z&quot;</p>"), std::string::npos);
+  EXPECT_EQ(page.find("href=\"sources"), std::string::npos);
+
+  std::filesystem::create_directories(folder.File("data/apps/gallery/pictures"));
+  folder.Write("data/apps/gallery/pictures/A.cpp", "int main();");
+  EXPECT_TRUE(CopySources(entries, folder.File("data"), folder.File("out")));
+  EXPECT_EQ(Contents(folder.File("out/sources/A.cpp")), "int main();");
+  EXPECT_NE(IndexPage(entries, true).find("href=\"sources/A.cpp\">apps/gallery/pictures/A.cpp</a>"), std::string::npos);
 }
