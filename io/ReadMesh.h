@@ -2,6 +2,7 @@
 
 #include "io/Export.h"
 #include "io/Progress.h"
+#include "io/SampleFile.h"
 #include "library/ObjScene.h"
 
 #include <istream>

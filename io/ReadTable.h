@@ -1,6 +1,7 @@
 #pragma once
 
 #include "io/Export.h"
+#include "io/SampleFile.h"
 #include "io/Table.h"
 
 #include <istream>

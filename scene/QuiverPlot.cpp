@@ -18,6 +18,11 @@ Private::QuiverContent& Quiver(Private::PlotContent& p_content) {
 QuiverPlot::QuiverPlot(const Array3& p_positions, const Array3& p_vectors)
     : ColoredPlot(std::make_unique<Private::QuiverContent>(p_positions, p_vectors)) {}
 
+QuiverPlot& QuiverPlot::ColorByLength() {
+  Quiver(Content()).ColorByLength();
+  return *this;
+}
+
 QuiverPlot& QuiverPlot::UnitLength(double p_fraction) {
   if (!(p_fraction > 0 && std::isfinite(p_fraction)))
     throw std::invalid_argument("UnitLength: expected a finite number above 0, got " + std::to_string(p_fraction));

@@ -26,6 +26,8 @@ namespace Vek::Chart::Scene {
 /// \ingroup plots
 class VEK_SCENE_API QuiverPlot : public ColoredPlot<QuiverPlot> {
 public:
+  /// Colours by the lengths of the vectors, also of those that `UpdateVectors` brings, until `ColorBy` or `Color`.
+  QuiverPlot& ColorByLength();
   /// The length of an arrow, as a fraction of the diagonal of the data, for each unit of a vector's length; above 0. By
   /// default, the vector longer than 98 % of all gets the median distance between neighbouring arrows.
   QuiverPlot& UnitLength(double p_fraction);

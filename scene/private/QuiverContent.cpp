@@ -72,6 +72,23 @@ void QuiverContent::UpdateVectors(const Array3& p_vectors) {
   _vectors = Points(p_vectors);
   _vectorsChanged = true;
   DataChanged();
+  if (_isByLength)
+    ColorByLength();
+}
+
+void QuiverContent::ColorByLength() {
+  std::vector<double> lengths; // missing vectors are not drawn, so they are no missing values of the colour bar
+  for (const Point& vector : _vectors)
+    if (IsFinite(vector))
+      lengths.push_back(Length(vector));
+  coloring.SetValues(lengths);
+  PointsContent::ValuesChanged();
+  _isByLength = true;
+}
+
+void QuiverContent::ValuesChanged() {
+  _isByLength = false;
+  PointsContent::ValuesChanged();
 }
 
 bool QuiverContent::LeavesPlane() const {
@@ -86,6 +103,14 @@ std::vector<T> QuiverContent::OfDrawn(const std::vector<T>& p_all, const std::ve
   for (const std::uint32_t index : p_indices)
     chosen.push_back(p_all[index]);
   return chosen;
+}
+
+std::vector<double> QuiverContent::LengthsOf(const std::vector<std::uint32_t>& p_indices) const {
+  std::vector<double> lengths;
+  lengths.reserve(p_indices.size());
+  for (const std::uint32_t index : p_indices)
+    lengths.push_back(Length(_vectors[index]));
+  return lengths;
 }
 
 Box QuiverContent::PlaceChanged(const Changes& p_changes) {
@@ -183,13 +208,10 @@ void QuiverContent::Choose(std::size_t p_room) {
 
 void QuiverContent::PlaceVectors() {
   std::vector<Point> directions;
-  std::vector<double> lengths;
-  for (const std::uint32_t index : _drawn) {
+  for (const std::uint32_t index : _drawn)
     directions.push_back(Normalize(placement.transform.Direction(positions[index], _vectors[index])));
-    lengths.push_back(Length(_vectors[index]));
-  }
   _arrows.UpdateDirections(directions);
-  _arrows.UpdateSizes(lengths);
+  _arrows.UpdateSizes(LengthsOf(_drawn));
 }
 
 void QuiverContent::PlaceValues() {
@@ -198,13 +220,18 @@ void QuiverContent::PlaceValues() {
     _dots.UpdateValues({});
     return;
   }
+  const std::vector<double> lengths = LengthsOf(_drawn);
+  if (_isByLength) {
+    _valuesAreLengths = true;
+    _arrows.UpdateValues(lengths);
+    _dots.UpdateValues(LengthsOf(_zero));
+    return;
+  }
   const std::vector<float> values = OfDrawn(coloring.Values(), _drawn);
   constexpr double Same = 1e-3; // of a length
-  _valuesAreLengths = true;
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    const double length = Length(_vectors[_drawn[i]]);
-    _valuesAreLengths = _valuesAreLengths && std::abs(static_cast<double>(values[i]) - length) <= Same * length;
-  }
+  _valuesAreLengths = std::equal(values.begin(), values.end(), lengths.begin(), [](float p_value, double p_length) {
+    return std::abs(static_cast<double>(p_value) - p_length) <= Same * p_length;
+  });
   _arrows.UpdateValues(values);
   _dots.UpdateValues(OfDrawn(coloring.Values(), _zero));
 }

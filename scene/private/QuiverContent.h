@@ -18,8 +18,10 @@ public:
   void SetUnitLength(double p_fraction);
   void SetLengthTitle(const QString& p_title) { _lengthTitle = p_title; }
   void SetMost(std::size_t p_count);
+  void ColorByLength();
   void UpdateVectors(const Array3& p_vectors);
 
+  void ValuesChanged() override;
   bool LeavesPlane() const override;
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
   std::vector<QString> Notes() const override;
@@ -38,11 +40,13 @@ private:
   Box BoxOfArrows() const;
   template <class T>
   std::vector<T> OfDrawn(const std::vector<T>& p_all, const std::vector<std::uint32_t>& p_indices) const;
+  std::vector<double> LengthsOf(const std::vector<std::uint32_t>& p_indices) const;
 
   std::vector<Point> _vectors;
   double _unitLength = 0; ///< fraction of the diagonal; 0 for the default
   QString _lengthTitle;
-  std::size_t _most = 0; ///< 0 for what the image has room for
+  std::size_t _most = 0;    ///< 0 for what the image has room for
+  bool _isByLength = false; ///< whether the values are the lengths
 
   // What was placed.
   bool _vectorsChanged = true;

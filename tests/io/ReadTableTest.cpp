@@ -78,6 +78,13 @@ TEST(ReadTable, NamesFileLineAndReason) {
   EXPECT_NE(ErrorOf<FileError>([&] { ReadTable(folder.Path().string()); }), "") << "a folder";
 }
 
+TEST(SampleFile, FindsTheDataThatComeWithTheLibrary) {
+  EXPECT_EQ(ReadTable(SampleFile("noaa_navy_winds_1987-01.csv")).Rows(), 144u * 73u);
+  EXPECT_EQ(ErrorOf<FileError>([] { SampleFile("none.csv"); }),
+            "none.csv: no such sample; the package vek-chart-data has them");
+  EXPECT_NE(ErrorOf<FileError>([] { SampleFile(""); }), "") << "the folder";
+}
+
 TEST(Table, GivesColumnsAndPoints) {
   const Table table = Read("x,y,z,name\n1,2,3,a\n4,,6,b\n");
   EXPECT_EQ(table.Rows(), 2u);
