@@ -66,10 +66,10 @@ std::string SystemFault(const std::string& p_from, const std::string& p_to) {
   static const std::regex Gl("(GL|EGL|GLES[0-9]?|epoxy)/.*|qopengl.*|QOpenGL.*", std::regex::icase);
   if (!std::regex_match(p_to, Gl) || Roots.count(Parts(p_from)[0]) == 0)
     return "";
-  // A window owns the context on which the abstraction works: the widgets, the viewer's window, and that of the README.
+  // A window owns the context on which the abstraction works: the widgets, the viewer's window, and those of a host.
   const bool window = StartsWith(p_from, "widgets/") || StartsWith(p_from, "tests/widgets/") ||
                       StartsWith(p_from, "apps/viewer/") || StartsWith(p_from, "tests/apps/viewer/") ||
-                      p_from == "docs/snippets/QtWidgetSnippets.cpp";
+                      p_from == "docs/snippets/QtWidgetSnippets.cpp" || p_from == "examples/embedded.cpp";
   if (window && (p_to == "QOpenGLWidget" || p_to == "QOpenGLContext"))
     return "";
   const bool abstraction = StartsWith(p_from, "platform/ogl/") && fs::path(p_from).extension() == ".cpp";
@@ -101,7 +101,7 @@ const Row Rows[] = {
     {"apps/gallery/Options.cpp", "apps/viewer/FileKind.h", "belongs to another program"},
     {"io/ReadTable.h", "scene/Camera.h", "points upwards"},
     {"scene/Figure.cpp", "widgets/FigureView.h", "points upwards"},
-    {"examples/Quiver.cpp", "apps/gallery/Options.h", "belongs to another program"},
+    {"examples/quiver.cpp", "apps/gallery/Options.h", "belongs to another program"},
     {"library/ColorMap.cpp", "../library/ColorMap.h", "does not start at the root"},
     {"platform/ogl/Rgl.h", "<epoxy/gl.h", "bypasses the GL abstraction"},
     {"apps/viewer/PictureView.cpp", "<QOpenGLFunctions", "bypasses the GL abstraction"},

@@ -362,10 +362,10 @@ TEST_F(FigureCalls, UploadWhatChanged) {
   EXPECT_EQ(UploadsOf(figure), (Bytes{12 * Count})) << "positions of vectors";
   quiver.ColorByLength();
   EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count})) << "lengths as values";
-  quiver.UpdateVectors(Points(Count, Point(0, 0, 3)));
+  quiver.UpdateVectors(Points(Count, Point(0, 0.015, 0)));
   EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count, 24 * Count, 4 * Count})) << "vectors, and their lengths as values";
-  EXPECT_EQ(quiver.ColorRange().max, 3);
-  quiver.Color(Qt::red).UpdateVectors(points);
+  EXPECT_GE(quiver.ColorRange().max, 0.015);
+  quiver.Color(Qt::red).UpdateVectors(Points(Count, Point(0, 0.01, 0)));
   EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count, 24 * Count})) << "lengths are no values any more";
   scatter.SetVisible(false);
   EXPECT_EQ(UploadsOf(figure), Bytes());
