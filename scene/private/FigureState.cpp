@@ -246,8 +246,8 @@ void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, const Private::Frame& 
   const auto state = Private::SceneState(p_gl, p_frame.viewport);
   const auto matrices = p_frame.camera.Apply(p_gl, p_frame.viewport);
   DirectionalLight light; // no brighter than the colours of the colour bar, but for faint highlights
-  light.ambient = 0.4;
-  light.diffuse = 0.6;
+  light.ambient = 0.45;
+  light.diffuse = 0.55;
   light.specular = 0.08;
   if (_isFlat) { // from the viewer: what faces him has the colours of the colour bar
     light.direction = {0, 0, 1};
