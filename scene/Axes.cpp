@@ -380,6 +380,11 @@ AxesLayout Axes::Fit(Camera& p_camera, const Target& p_target, const Camera::Mar
   return Layout(p_camera, p_target, p_state);
 }
 
+AxesLayout Axes::Fit(Camera& p_camera, const Target& p_target, const Camera::Margins& p_margins) const {
+  State state;
+  return Fit(p_camera, p_target, p_margins, state);
+}
+
 AxesLayout::Measure Axes::MeasureIn(const Theme& p_theme, double p_pointSize) {
   return [theme = p_theme, p_pointSize](const QString& p_text, AxesLayout::Font p_font) {
     return TextRenderer::Size(p_text, StyleOf(theme, p_font), p_pointSize);

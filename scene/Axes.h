@@ -74,7 +74,7 @@ struct VEK_SCENE_API Axes {
 
   Types::BoundingBox_Base<double> box; ///< in units of the scene; round limits around whole glyphs look best
   std::array<Axis, 3> axes;            ///< x, y and z
-  Lengths lengths;                     ///< of marks and gaps
+  Lengths lengths{};                   ///< of marks and gaps
 
   /// Computes lines and strings for a view. Empty boxes give nothing. `p_state` is read and updated. Throws
   /// std::invalid_argument where `p_target.measure` is empty.
@@ -83,6 +83,9 @@ struct VEK_SCENE_API Axes {
   /// which are pixels, and returns the layout. Strings that the smallest image of the box leaves no room for are left
   /// out. Throws as Camera::Fit and Layout do.
   AxesLayout Fit(Camera& p_camera, const Target& p_target, const Camera::Margins& p_margins, State& p_state) const;
+
+  /// Likewise for a single image, which needs no state.
+  AxesLayout Fit(Camera& p_camera, const Target& p_target, const Camera::Margins& p_margins) const;
 
   /// Measures strings in the fonts of a theme, for Target. Needs a QGuiApplication, as TextRenderer::Size does.
   static AxesLayout::Measure MeasureIn(const Theme& p_theme, double p_pointSize);

@@ -100,6 +100,8 @@ public:
 
   /// Draws the shapes on a canvas, with the origin at a position.
   void Draw(Canvas& p_canvas, const Position& p_origin) const;
+  /// Draws the shapes with the lower left corner of the bounds at a position.
+  void DrawAt(Canvas& p_canvas, const Position& p_lowerLeft) const { Draw(p_canvas, OriginFor(p_lowerLeft)); }
 
 private:
   double _pointSize;

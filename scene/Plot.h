@@ -95,6 +95,8 @@ public:
   /// A value for each element, which gets its colour from the map, and the figure a colour bar. NaN is missing. Called
   /// again, it replaces the values; an empty array removes them.
   Derived& ColorBy(const Array1& p_values) { return ChangeValues(p_values), Self(); }
+  /// Likewise, with the title of the colour bar.
+  Derived& ColorBy(const Array1& p_values, const QString& p_title) { return ColorBy(p_values).ColorTitle(p_title); }
   /// A map of Library::NamedColors by its name; "viridis" by default.
   Derived& ColorMap(const std::string& p_name) { return ChangeColors(p_name), Self(); }
   /// Colours from the lowest to the highest value, evenly spaced and blended.

@@ -26,6 +26,8 @@ public:
   /// default 4 %. Symbols of values that are missing or not above 0 are left out. The figure gets a key. An empty array
   /// makes all symbols equal again.
   ScatterPlot& SizeBy(const Array1& p_values);
+  /// Likewise, with the title of the key.
+  ScatterPlot& SizeBy(const Array1& p_values, const QString& p_title) { return SizeBy(p_values).SizeTitle(p_title); }
   /// The title of the key of the sizes: what the values are, and their unit.
   ScatterPlot& SizeTitle(const QString& p_title);
   /// The shape of the symbols. Throws std::invalid_argument for ShapeCustom and unknown shapes.
