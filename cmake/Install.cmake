@@ -42,6 +42,7 @@ install(DIRECTORY data symbols sprites DESTINATION ${share_dir} COMPONENT data)
 install(FILES README.md CONTRIBUTING.md CHANGELOG.md CREDITS.md LICENSE DESTINATION ${doc_dir} COMPONENT documentation)
 install(DIRECTORY docs DESTINATION ${doc_dir} COMPONENT documentation FILES_MATCHING PATTERN "*.md" PATTERN "*.png"
   PATTERN "*.jpg" PATTERN man EXCLUDE PATTERN snippets EXCLUDE)
+install(DIRECTORY examples DESTINATION ${doc_dir} COMPONENT documentation)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${doc_dir} COMPONENT documentation
   OPTIONAL) # made by the target vek-docs or the test Docs.Reference
 

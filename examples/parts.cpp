@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
   const TextRenderer text;
   const Vek::Chart::Types::Viewport<0> viewport(0, 0, 1200, 800);
   DrawBackground(gl, viewport, theme);
-  Camera camera = Camera::LookAt({-2, -3, 2}, {0, 0, 0});
+  Camera camera = Camera::LookAt({2, -3, 3}, {0, 0, 0});
   const AxesLayout layout = axes.Fit(camera, {viewport, 1, Axes::MeasureIn(theme, 1)}, {20, 20, 120, 40});
   { // flat
     Canvas canvas(gl, viewport, text);

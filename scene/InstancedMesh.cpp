@@ -366,6 +366,8 @@ void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const PickPass& p_pass) con
 }
 
 void InstancedMesh::Release(const Utility::Scoped<Rgl>& p_gl) const {
+  for (const Level& level : _levels)
+    level.mesh.Release(p_gl);
   _buffers.Release(p_gl);
 }
 

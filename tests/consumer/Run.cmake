@@ -121,6 +121,18 @@ if(WIDGETS)
   check_output(${WORK_DIR}/make/window "^1\n$")
 endif()
 
+# All examples at once, as a stranger has them: copied out of the tree, with the package and nothing else.
+file(GLOB examples ${SOURCE_DIR}/examples/*)
+file(COPY ${examples} DESTINATION ${WORK_DIR}/examples)
+run(${CMAKE_COMMAND} -S ${WORK_DIR}/examples -B ${WORK_DIR}/examples/build -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${COMPILER}
+  -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCMAKE_PREFIX_PATH=${prefix})
+run(${CMAKE_COMMAND} --build ${WORK_DIR}/examples/build)
+if(WIDGETS)
+  set(grab ${WORK_DIR}/build/examples/libgrab-window.so)
+endif()
+run(${CMAKE_COMMAND} -DSOURCE_DIR=${SOURCE_DIR} -DPROGRAMS=${WORK_DIR}/examples/build -DOUT=${WORK_DIR}/examples/images
+  -DLOOK=${WORK_DIR}/build/examples/look-at-images -DGRAB=${grab} -P ${CMAKE_CURRENT_LIST_DIR}/examples/Run.cmake)
+
 if(APPS)
   # A manual page names each option of its program.
   foreach(program vek-gallery vek-viewer)

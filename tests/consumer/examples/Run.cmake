@@ -1,0 +1,23 @@
+# Runs the programs of SOURCE_DIR/examples, built in PROGRAMS, in the folder OUT. Each writes an image of its own name
+# (programs with a window by the help of GRAB), which must show something, and none may report anything.
+file(REMOVE_RECURSE ${OUT})
+file(MAKE_DIRECTORY ${OUT})
+file(GLOB sources ${SOURCE_DIR}/examples/*.cpp)
+foreach(source IN LISTS sources)
+  cmake_path(GET source STEM name)
+  file(STRINGS ${source} window REGEX "#include <QApplication>")
+  if(NOT window)
+    set(command env -u DISPLAY -u WAYLAND_DISPLAY ${PROGRAMS}/${name})
+  elseif(GRAB)
+    set(command ${SOURCE_DIR}/tests/support/with-display env LD_PRELOAD=${GRAB} ${PROGRAMS}/${name})
+  else()
+    continue()
+  endif()
+  execute_process(COMMAND ${command} WORKING_DIRECTORY ${OUT} TIMEOUT 120 RESULT_VARIABLE result
+    OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  file(GLOB images ${OUT}/${name}.png ${OUT}/${name}-*.png)
+  execute_process(COMMAND ${LOOK} ${images} RESULT_VARIABLE empty OUTPUT_VARIABLE seen)
+  if(NOT "${result}${empty}" STREQUAL "00" OR output MATCHES "WARNING|ERROR")
+    message(SEND_ERROR "example ${name}: it ended with ${result}, the look at its images with ${empty}\n${output}${seen}")
+  endif()
+endforeach()
