@@ -32,10 +32,7 @@
 #include "tests/support/OperatorNew.h"
 #include "tests/support/Test.h"
 
-#include <QGuiApplication>
-
 #include <new>
-#include <optional>
 
 namespace {
 
@@ -308,7 +305,7 @@ void RunAll(const std::function<bool(const Fault&)>& p_run) {
 }
 
 /// The lines of a use, without digits: the names of objects differ after a failure.
-Lines LinesOfUse(Testing::RecordingGl& p_recorder, const Use& p_use, const Handle& p_handle) {
+Lines LinesOfUse(RecordingGl& p_recorder, const Use& p_use, const Handle& p_handle) {
   p_recorder.Clear();
   {
     Scope gl(p_handle);
@@ -319,15 +316,6 @@ Lines LinesOfUse(Testing::RecordingGl& p_recorder, const Use& p_use, const Handl
     line.erase(std::remove_if(line.begin(), line.end(), [](unsigned char p_c) { return std::isdigit(p_c); }),
                line.end());
   return lines;
-}
-
-void MakeApplication() {
-  if (QCoreApplication::instance() != nullptr)
-    return;
-  static int count = 3;
-  static char name[] = "FailuresTest", platform[] = "-platform", offscreen[] = "offscreen";
-  static char* arguments[] = {name, platform, offscreen, nullptr};
-  new QGuiApplication(count, arguments); // never destroyed: the font library outlives static objects badly
 }
 
 class Failures : public testing::TestWithParam<std::size_t> {
@@ -341,7 +329,7 @@ TEST_P(FailuresCalls, LeaveNothingBehind) {
   const Subject& subject = Subjects()[GetParam()];
   Lines clean;
   const auto run = [&](const Fault& p_fault) {
-    Testing::RecordingGl recorder;
+    RecordingGl recorder;
     unsigned int target = 0, buffer = 0;
     {
       const Scope host(recorder.Handle());

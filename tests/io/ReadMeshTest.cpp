@@ -1,7 +1,6 @@
 #include "io/ReadMesh.h"
 #include "io/FileError.h"
 #include "tests/support/Damage.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Io;

@@ -1,6 +1,5 @@
 #include "io/ReadTable.h"
 #include "io/FileError.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Io;

@@ -135,7 +135,7 @@ TEST(Allocations, ClaimsTakeNoMemory) {
   };
   std::size_t mostTaken = 0;
   for (const auto& row : rows) {
-    const Testing::ReportCapture reports;
+    const ReportCapture reports;
     std::istringstream stream(row.text);
     const std::size_t before = RefuseMemory::bytes;
     try {

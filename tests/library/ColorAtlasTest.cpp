@@ -178,7 +178,7 @@ TEST_F(ColorAtlasCalls, UploadsATexture) {
   ColorAtlas atlas;
   atlas.AddColor(Qt::green, 0);
   Build(atlas, 64);
-  const Testing::RecordingGl::TextureObject* texture = recorder.FindTexture(atlas.Texture()->Handle()->Name());
+  const RecordingGl::TextureObject* texture = recorder.FindTexture(atlas.Texture()->Handle()->Name());
   EXPECT_EQ(texture->levels.at(0).pixels, (std::vector<unsigned char>{0, 255, 0, 255}));
   EXPECT_EQ(recorder.LinesOf({"TexParameteri", "TexEnvi", "ActiveTexture", "Enable", "Disable"}),
             Calls("ActiveTexture(GL_TEXTURE0); " + SettingCalls("GL_NEAREST", "GL_REPLACE") +

@@ -1,15 +1,11 @@
 #include "library/ColorMap.h"
 #include "library/NamedColors.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using Colors = std::vector<QColor>;
-using Weights = std::vector<double>;
 
 namespace {
 
-constexpr double Infinity = std::numeric_limits<double>::infinity();
-constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 
 using ColorMapCalls = RecordingScopeFixture;
 using ColorMapPixels = PixelScopeFixture;
@@ -50,9 +46,9 @@ TEST(ColorMap, MakesBandsOfTheUsableWeights) {
   const struct {
     const char* name;
     Colors colors;
-    Weights weights;
+    Doubles weights;
     std::vector<std::pair<int, QColor>> bands;
-    Weights kept;
+    Doubles kept;
     Lines reports;
   } cases[] = {
       // 2 / (4 / 4093) = 2046.5
@@ -64,7 +60,7 @@ TEST(ColorMap, MakesBandsOfTheUsableWeights) {
       {"one colour", {Glass}, {0.25}, {{1, Glass}}, {}, {}},
       {"no weight at all", two, {0, 0}, {{2048, Red}, {2048, Blue}}, {1, 1}, {}},
       {"negative", three, {-1, 2, 2}, {{2048, Green}, {2048, Blue}}, {2, 2}, {BadWeight}},
-      {"all bad", two, {NotANumber, -Infinity}, {{2048, Red}, {2048, Blue}}, {1, 1}, {BadWeight, BadWeight}},
+      {"all bad", two, {NaN, -Infinity}, {{2048, Red}, {2048, Blue}}, {1, 1}, {BadWeight, BadWeight}},
       {"too few", three, {1, 1}, {{2048, Red}, {2048, Green}}, {1, 1}, {SizeMismatch}},
       {"too many", three, {0, 1, 1, -5}, {{2048, Green}, {2048, Blue}}, {1, 1}, {SizeMismatch}},
       {"no colours", {}, {}, {}, {}, {EmptyList, EmptyToo}},
@@ -110,7 +106,7 @@ TEST(ColorMap, IsAsWideAsTheRoundedBandsAllow) {
 TEST(ColorMap, BlendsFromEachColourToTheNext) {
   const struct {
     Colors colors;
-    Weights weights;
+    Doubles weights;
     std::vector<std::pair<int, QColor>> texels;
   } cases[] = {
       {{Qt::black, Qt::white},
@@ -150,7 +146,7 @@ TEST(ColorMap, LooksUpByNumberAndByValue) {
     EXPECT_EQ(odd.Color(index), colors[inOdd]) << index;
   }
   const std::pair<double, std::size_t> values[] = {
-      {-0.0, 0},       {-3, 0},     {-Infinity, 0}, {NotANumber, 0},  {0.9999 / 4095, 0},
+      {-0.0, 0},       {-3, 0},     {-Infinity, 0}, {NaN, 0},  {0.9999 / 4095, 0},
       {1.0 / 4095, 1}, {0.5, 2047}, {1, 4095},      {Infinity, 4095}, {std::nextafter(1.0, 0.0), 4094}};
   for (const auto& [value, texel] : values)
     EXPECT_EQ(full.Color(value), colors[texel]) << value;
@@ -180,19 +176,19 @@ TEST(GenerateColorList, SpreadsTheListEvenly) {
 }
 
 TEST(GenerateWeightList, KeepsTheAreaUnderEachOutput) {
-  EXPECT_EQ(ColorMap::GenerateWeightList({1}, -1), Weights());
-  EXPECT_EQ(ColorMap::GenerateWeightList({}, 3), (Weights{1, 1, 1}));
-  EXPECT_EQ(ColorMap::GenerateWeightList({-4, 8}, 4), (Weights{-2, -2, 4, 4}));
-  EXPECT_EQ(ColorMap::GenerateWeightList({1, 2, 4, 8, 16}, 2), (Weights{5, 26}));
+  EXPECT_EQ(ColorMap::GenerateWeightList({1}, -1), Doubles());
+  EXPECT_EQ(ColorMap::GenerateWeightList({}, 3), (Doubles{1, 1, 1}));
+  EXPECT_EQ(ColorMap::GenerateWeightList({-4, 8}, 4), (Doubles{-2, -2, 4, 4}));
+  EXPECT_EQ(ColorMap::GenerateWeightList({1, 2, 4, 8, 16}, 2), (Doubles{5, 26}));
   for (unsigned int seed = 0; seed < 300; ++seed) {
     std::mt19937 random(seed);
     const int n = 1 + static_cast<int>(random() % 40), count = 1 + static_cast<int>(random() % 40);
-    Weights weights, parts; // an output is n parts
+    Doubles weights, parts; // an output is n parts
     for (int i = 0; i < n; ++i) {
       weights.push_back(random() % 1000);
       parts.insert(parts.end(), static_cast<std::size_t>(count), weights.back() / count);
     }
-    const Weights result = ColorMap::GenerateWeightList(weights, count);
+    const Doubles result = ColorMap::GenerateWeightList(weights, count);
     ASSERT_EQ(result.size(), static_cast<std::size_t>(count));
     for (int k = 0; k < count; ++k)
       ASSERT_NEAR(result[static_cast<std::size_t>(k)],

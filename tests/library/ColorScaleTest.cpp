@@ -9,8 +9,6 @@ using Bytes = std::vector<unsigned char>;
 
 namespace {
 
-constexpr double Infinity = std::numeric_limits<double>::infinity();
-constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double Largest = std::numeric_limits<double>::max();
 static_assert(ColorScale::Linear == 0 && ColorScale::Logarithmic == 1, "callers were compiled with these");
 constexpr double Smallest = std::numeric_limits<double>::denorm_min();
@@ -171,7 +169,7 @@ TEST(ColorScale, ShowsTheColorsThatItMaps) {
     const ColorScale::Outside shown = scale.OutsideColors();
     EXPECT_EQ(scale.Colors(), classes);
     EXPECT_EQ((Colors{shown.below, shown.above, shown.nan}), outside);
-    EXPECT_EQ((Colors{scale.Color(-1), scale.Color(6), scale.Color(NotANumber)}), outside);
+    EXPECT_EQ((Colors{scale.Color(-1), scale.Color(6), scale.Color(NaN)}), outside);
   }
 }
 
@@ -183,7 +181,7 @@ TEST(ColorScale, HasAClassForEachTexelOfAMap) {
 }
 
 TEST(ColorScale, WritesFourBytesAValue) {
-  const std::vector<double> values{NotANumber, -1, 0, 2, 3};
+  const std::vector<double> values{NaN, -1, 0, 2, 3};
   const std::pair<ColorScale::Outside, Bytes> cases[] = {
       {{}, {0, 0, 0, 0, 1, 2, 3, 4, 1, 2, 3, 4, 5, 6, 7, 8, 5, 6, 7, 8}},
       {{QColor(10, 11, 12), QColor(20, 21, 22, 23), QColor(30, 31, 32, 33)},
@@ -232,7 +230,7 @@ TEST(ColorScale, ReportsInvalidClasses) {
       {ColorScale(Colors(), 0, 1, linear, outside), "\"!p_colors.empty()" + range},
       {ColorScale(two, 1, 1, linear, outside), "\"p_lower < p_upper" + range},
       {ColorScale(two, 2, 1, linear, outside), "\"p_lower < p_upper" + range},
-      {ColorScale(two, NotANumber, 1, linear, outside), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
+      {ColorScale(two, NaN, 1, linear, outside), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
       {ColorScale(two, 0, Infinity, linear, outside), "\"std::isfinite(p_lower) && std::isfinite(p_upper)" + range},
       {ColorScale(two, 0, 1, logarithmic, outside), "\"p_lower > 0" + range},
       {ColorScale(two, -1, 1, logarithmic, outside), "\"p_lower > 0" + range},
@@ -240,13 +238,13 @@ TEST(ColorScale, ReportsInvalidClasses) {
       {ColorScale(Colors(), std::vector<double>{0}, outside), "\"!p_colors.empty()" + bounds},
       {ColorScale(two, {0, 1}, outside), "\"p_bounds.size() == p_colors.size() + 1" + bounds},
       {ColorScale(two, {0, 2, 1}, outside), falling},
-      {ColorScale(two, {0, NotANumber, 1}, outside), falling},
+      {ColorScale(two, {0, NaN, 1}, outside), falling},
       {ColorScale(two, {0, 1, Infinity}, outside), falling},
   };
   std::vector<std::string> expected;
   for (const auto& [scale, text] : cases) {
     expected.push_back(text);
-    for (const double value : {0.5, 1.0, Infinity, NotANumber})
+    for (const double value : {0.5, 1.0, Infinity, NaN})
       EXPECT_EQ(scale.Color(value), outside.nan) << text << value;
     float value = 0.5f;
     Bytes rgba(4);

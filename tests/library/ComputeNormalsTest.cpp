@@ -3,10 +3,8 @@
 
 namespace {
 
-using Point = Types::Vector3_Base<double>;
 using Indices = std::vector<std::uint32_t>;
 
-constexpr double Infinity = std::numeric_limits<double>::infinity();
 const Point Up(0, 0, 1);
 
 std::vector<Point> NormalsOf(const std::vector<Point>& p_positions, const Indices& p_indices) {

@@ -25,8 +25,6 @@ protected:
   }
 };
 
-constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
-
 /// A red face or a black outline.
 Lines Corners(const std::string& p_begin, int p_left, int p_bottom, int p_right, int p_top) {
   std::string text = p_begin;
@@ -77,7 +75,7 @@ TEST_F(DrawablesCalls, Box) {
       {"nothing", rect, Qt::transparent, Qt::transparent, {}},
       {"truncated toward zero", {-1.9f, 1.75f, 3.8f, 1.5f}, Qt::black, Qt::transparent, Outline(-1, 1, 1, 3)},
       {"in double precision", {16777216, 0, 1, 1}, Qt::black, Qt::transparent, Outline(16777216, 0, 16777217, 1)},
-      {"no number", {NaN, -1e30f, 1e30f, 1e30f}, Qt::black, Qt::transparent, Outline(0, -2147483647 - 1, 0, 0)},
+      {"no number", {NAN, -1e30f, 1e30f, 1e30f}, Qt::black, Qt::transparent, Outline(0, -2147483647 - 1, 0, 0)},
   };
   for (const auto& [name, area, line, fill, expected] : cases)
     EXPECT_EQ(Drawn(With(Box(), &Box::rect, area, &Box::lineColor, line, &Box::fillColor, fill)), expected) << name;
@@ -87,7 +85,7 @@ TEST_F(DrawablesCalls, Box) {
 }
 
 TEST_F(DrawablesCalls, FilledBox) {
-  const Rect outer(10, 20, 50, 40), inner(15, 26, 30, 20), touching(10, 26, 30, 34), broken(NaN, 26, 30, 34);
+  const Rect outer(10, 20, 50, 40), inner(15, 26, 30, 20), touching(10, 26, 30, 34), broken(NAN, 26, 30, 34);
   const Lines outlines = Outline(10, 20, 59, 59) + Outline(15, 26, 44, 45);
   const Lines inside = Fill(15, 26, 44, 45) + Outline(15, 26, 44, 45);
   const std::tuple<const char*, std::int32_t, Rect, QColor, QColor, Lines> cases[] = {
@@ -212,7 +210,7 @@ TEST(Ring, HasTheMeshOfATube) {
 
 TEST_F(DrawablesCalls, RingDrawsItsMesh) {
   const Ring ring = At123<Ring>();
-  Testing::RecordingGl other;
+  RecordingGl other;
   {
     const Scope gl(other.Handle());
     gl->Translate({1, 2, 3});

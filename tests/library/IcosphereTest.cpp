@@ -1,9 +1,7 @@
 #include "library/Icosphere.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 TEST(Icosphere, IsClosedEvenAndFacesOutward) {
-  using Point = Types::Vector3_Base<double>;
   const double flatness[] = {0.149, 0.0489, 0.0133, 0.00339, 0.000853}; // by divisions
   std::vector<Point> coarser;
   for (unsigned int divisions = 0; divisions < 5; ++divisions) {

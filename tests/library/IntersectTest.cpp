@@ -14,8 +14,6 @@ using Ray = Types::Ray_Base<double>;
 using Box = Types::BoundingBox_Base<double>;
 using Viewport = Types::Viewport<0>;
 
-constexpr double Inf = std::numeric_limits<double>::infinity();
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double Eps = std::numeric_limits<double>::epsilon();
 const Vector3 Untouched(7, 8, 9);
 
@@ -190,7 +188,7 @@ public:
     return p_values.begin()[Integer(0, static_cast<int>(p_values.size()) - 1)];
   }
   double Special() {
-    return OneOf({0.0, -0.0, 1, -1, Inf, -Inf, NaN, 1e308, -1e308, 1e-308, 5e-324, -5e-324, 0.5, 1e17});
+    return OneOf({0.0, -0.0, 1, -1, Infinity, -Infinity, NaN, 1e308, -1e308, 1e-308, 5e-324, -5e-324, 0.5, 1e17});
   }
   // Braces keep the order of the calls.
   Vector3 Reals(double p_min, double p_max) { return {Real(p_min, p_max), Real(p_min, p_max), Real(p_min, p_max)}; }

@@ -6,7 +6,6 @@ using Colors = std::vector<QColor>;
 
 namespace {
 
-constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 
 std::vector<QRgb> Rgbs(const Colors& p_colors) {
   std::vector<QRgb> rgbs;
@@ -78,7 +77,7 @@ TEST(NamedColors, ReportUnknownNamesAndPositions) {
   ReportCapture reports;
   EXPECT_TRUE(NamedColors::Colors("jet").empty());
   EXPECT_TRUE(NamedColors::Colors("Viridis", 3).empty());
-  EXPECT_EQ(Rgbs(NamedColors::Colors("coolwarm", 2, NotANumber, 1.5)), (std::vector<QRgb>{0x3B4CC0, 0xB40426}));
+  EXPECT_EQ(Rgbs(NamedColors::Colors("coolwarm", 2, NaN, 1.5)), (std::vector<QRgb>{0x3B4CC0, 0xB40426}));
   EXPECT_EQ(reports.Texts(), (std::vector<std::string>{
                                  "\"colour map \"jet\"" + known + list + ")",
                                  "\"colour map \"Viridis\"" + known + list + ",int,double,double)",

@@ -7,8 +7,6 @@
 
 #include <clocale>
 #include <locale>
-#include <optional>
-#include <tuple>
 
 namespace {
 

@@ -1,7 +1,6 @@
 #include "library/ObjScene.h"
 #include "library/TriangulatePolygon.h"
 #include "tests/support/Damage.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 namespace {
@@ -271,11 +270,10 @@ TEST(TriangulatePolygon, CoversRandomStarsInTiltedPlanes) {
 }
 
 TEST(TriangulatePolygon, EndsOnDegeneratePolygons) {
-  const double nan = std::numeric_limits<double>::quiet_NaN();
   EXPECT_TRUE(TriangulatePolygon(nullptr, 5).empty());
   for (const std::vector<Vector>& polygon :
        {Flat({{0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}}), Flat({{0, 0}, {1, 0}, {2, 0}, {3, 0}}),
-        Flat({{0, 0}, {nan, 0}, {2, 1}, {0, 1}}), Flat({{0, 0}, {2, 2}, {2, 0}, {0, 2}, {-1, 1}}),
+        Flat({{0, 0}, {NaN, 0}, {2, 1}, {0, 1}}), Flat({{0, 0}, {2, 2}, {2, 0}, {0, 2}, {-1, 1}}),
         Flat({{0, 3}, {-2, -3}, {3, 1}, {-3, 1}, {2, -3}})})
     EXPECT_EQ(TriangulatePolygon(polygon.data(), polygon.size()).size(), 3 * (polygon.size() - 2));
   std::mt19937 random(2);

@@ -7,7 +7,6 @@ namespace {
 
 using DrawFunction = boost::function<void(Scope&)>;
 
-constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
 const QColor Clear(255, 0, 0, 0);
 const QColor Faint(0, 0, 0, 1);
 
@@ -73,7 +72,7 @@ TEST(Style, SaysWhatIsVisible) {
   const auto line = [](const auto&... p_arguments) { return Style::HasLine(p_arguments...); };
   check(line, "none", Line(0, 1, Qt::red), false, false);
   check(line, "thin", Line(1, 1e-30f, Faint), true, true);
-  for (const float width : {0.f, -1.f, NaN})
+  for (const float width : {0.f, -1.f, NAN})
     check(line, "no width", Line(1, width, Qt::red), false, false);
   check(line, "transparent", Line(3, 2, Clear, Qt::red), false, true);
   const auto symbol = [](const auto&... p_arguments) { return Style::HasSymbol(p_arguments...); };
@@ -160,12 +159,12 @@ TEST_F(StyleCalls, LinesInUpToTwoPasses) {
     EXPECT_EQ(Drawn(style), expected);
 
   const std::pair<float, std::string> factors[] = {{0.5f, "0"}, {0, "0"},     {-3, "0"},
-                                                   {NaN, "0"},  {1.99f, "1"}, {1e30f, "2147483647"}};
+                                                   {NAN, "0"},  {1.99f, "1"}, {1e30f, "2147483647"}};
   for (const auto& [width, factor] : factors) {
     Drawn(Line(7, width, Qt::red, Qt::blue));
     EXPECT_EQ(recorder.LinesOf({"LineStipple"}), Lines{"LineStipple(" + factor + ", 0xFF00)"}) << width;
   }
-  EXPECT_EQ(recorder.TakeComplaints(), Lines(3, "LineWidth: not above 0")) << "GL refuses 0, -3 and NaN";
+  EXPECT_EQ(recorder.TakeComplaints(), Lines(3, "LineWidth: not above 0")) << "GL refuses 0, -3 and NAN";
 }
 
 TEST_F(StyleCalls, DrawsWithAnyCallableAndWithRealGaps) {

@@ -82,9 +82,8 @@ TEST_F(TexturedQuadCalls, Layers) {
 
 TEST_F(TexturedQuadCalls, NothingWithoutASize) {
   const auto texture = Layer(gl, 0);
-  constexpr float Nan = std::numeric_limits<float>::quiet_NaN();
   for (const Rect& rect :
-       {Rect(0, 0, 0, 5), {0, 0, 5, 0}, {0, 0, -1, 5}, {0, 0, 5, -1}, {0, 0, Nan, 5}, {0, 0, 5, Nan}}) {
+       {Rect(0, 0, 0, 5), {0, 0, 5, 0}, {0, 0, -1, 5}, {0, 0, 5, -1}, {0, 0, NAN, 5}, {0, 0, 5, NAN}}) {
     Quad(rect)(recorder.Handle(), *texture);
     Quad(rect, 3)(recorder.Handle(), {texture, texture});
   }

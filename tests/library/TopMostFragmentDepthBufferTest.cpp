@@ -155,7 +155,7 @@ TEST(TopMostFragmentDepthBufferDeviceCalls, OldDevicesAreAskedForNothingThatThey
       {"3.2", "", 2, 1},
   };
   for (const auto& [version, extensions, srgb, clamp] : cases) {
-    Testing::RecordingGl device;
+    RecordingGl device;
     device.SetVersion(version);
     device.SetExtensions(extensions);
     Scope gl(device.Handle());

@@ -214,9 +214,8 @@ TEST(VectorSymbolLayer, FillsMemoryOfTheCaller) {
 TEST(VectorSymbolLayer, FollowsDirections) {
   const VectorSymbol arrow(ShapeArrow2D, 8);
   const Vector3_Base<double> up(1, 2, 3);
-  constexpr double Inf = std::numeric_limits<double>::infinity();
   // Without direction are numbers 1, 3 and 4; number 5 has no size, number 6 no position.
-  const std::vector<Vector3_Base<double>> directions = {{3, 4, 0}, {},         {0, 0, -2}, {NAN, 1, 1},   {0, Inf, 0},
+  const std::vector<Vector3_Base<double>> directions = {{3, 4, 0}, {},         {0, 0, -2}, {NAN, 1, 1},   {0, Infinity, 0},
                                                         {1, 1, 1}, {-1, 0, 5}, {2, 4, 6},  {1e-300, 0, 0}};
   const std::vector<double> sizes = {1, 2, 3, 4, 5, 0, 7, 8, 9}, values = {0, 1, 2, 3, 4, 5, 6, 7, 8};
   std::vector<double> lengths;
@@ -298,7 +297,7 @@ TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
   EXPECT_TRUE(reports.Texts().empty());
 }
 
-using VectorSymbolLayerCalls = Testing::RecordingScopeFixture;
+using VectorSymbolLayerCalls = RecordingScopeFixture;
 
 TEST_F(VectorSymbolLayerCalls, FillsMappedBuffersReportsUnmappedOnes) {
   const ReportCapture reports;

@@ -1,6 +1,5 @@
 #include "scene/Array.h"
 #include "platform/interface/AnyInterface.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 #include <QVector3D>
@@ -10,12 +9,8 @@
 
 namespace {
 
-using namespace Vek::Chart::Scene;
 using Vector = Types::Vector3_Base<double>;
-using Doubles = std::vector<double>;
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double Infinity = std::numeric_limits<double>::infinity();
 
 /// x, y and z of all points.
 Doubles Flat(const Array3& p_array) {
@@ -321,17 +316,11 @@ TEST(Array, ThrowsOnInvalidArguments) {
       {[&] { Array3(none, 7); }, "Array1: expected the address of 7 numbers, got a null pointer"},
       {[&] { Array3(static_cast<const Fields*>(nullptr), 7); },
        "Array1: expected the address of 7 numbers, got a null pointer"},
-      {[&] {
-         Array3(Matrix<double, false>{none, 3, 3, 1, 3});
-       },
+      {VEK_CALL(Array3(Matrix<double, false>{none, 3, 3, 1, 3})),
        "Array3: expected a matrix of n x 3 or 3 x n numbers, n not 3, got 3 x 3"},
-      {[&] {
-         Array3(Matrix<double, false>{none, 4, 2, 1, 4});
-       },
+      {VEK_CALL(Array3(Matrix<double, false>{none, 4, 2, 1, 4})),
        "Array3: expected a matrix of n x 3 or 3 x n numbers, n not 3, got 4 x 2"},
-      {[&] {
-         Array1(Matrix<double, true>{none, 2, 4, 1, 4});
-       },
+      {VEK_CALL(Array1(Matrix<double, true>{none, 2, 4, 1, 4})),
        "Array1: expected a matrix with one row or one column, got 2 x 4"},
       {[&] { Array3(elsewhere.elements, 2); },
        "Array3: expected elements that contain their three numbers, got one with numbers elsewhere"},

@@ -1,14 +1,10 @@
 #include "scene/Axes.h"
-#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
 
 #include <QPolygonF>
 
-using namespace Vek::Chart::Scene;
-
 namespace {
 
-using Point = Types::Vector3_Base<double>;
 using Box = Types::BoundingBox_Base<double>;
 using Label = AxesLayout::Label;
 using Line = AxesLayout::Line;

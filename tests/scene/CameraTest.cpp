@@ -1,11 +1,8 @@
 #include "scene/Camera.h"
 #include "tests/support/Test.h"
 
-using namespace Vek::Chart::Scene;
-
 namespace {
 
-using Point = Types::Vector3_Base<double>;
 using Box = Types::BoundingBox_Base<double>;
 using Viewport = Types::Viewport<0>;
 using View = Camera::StandardView;

@@ -1,9 +1,6 @@
 #include "scene/Canvas.h"
 #include "scene/Background.h"
-#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
-
-using namespace Vek::Chart::Scene;
 
 namespace {
 
@@ -36,8 +33,6 @@ public:
   const QColor color{255, 255, 255, 128};
   const QColor grey{128, 128, 128};
 };
-
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 } // namespace
 

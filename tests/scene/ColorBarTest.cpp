@@ -1,18 +1,8 @@
 #include "scene/ColorBar.h"
 #include "library/NamedColors.h"
-#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
 
 #include <QStringList>
-
-#include <cmath>
-#include <limits>
-#include <map>
-#include <stdexcept>
-
-using namespace Vek::Chart::Scene;
-using Vek::Chart::Library::ColorMap;
-using Vek::Chart::Library::ColorScale;
 
 namespace {
 
@@ -58,7 +48,6 @@ TEST(ColorBar, StringsAndEnds) {
   MakeApplication();
   const ColorMap map = ColorMap::Named("viridis");
   const ColorScale classes(std::vector<QColor>(3, Qt::red), {0, 0.5, 2, 30});
-  constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
   struct Case {
     ColorBar bar;
     double length, least, largest;
@@ -105,7 +94,7 @@ TEST(ColorBar, TooShortForTicksIsReported) {
   MakeApplication();
   ColorBar bar(ColorMap::Named("viridis"), {0, 15});
   bar.title = "Speed";
-  const Testing::ReportCapture reports;
+  const ReportCapture reports;
   const LegendBlock block = bar.Layout(12, Theme());
   EXPECT_EQ(block.Strings().size(), 1u) << "the title alone";
   EXPECT_EQ(reports.Texts(),

@@ -2,12 +2,8 @@
 #include "scene/Camera.h"
 #include "tests/support/Test.h"
 
-using Vek::Chart::Scene::Camera;
-using Vek::Chart::Scene::DirectionalLight;
-
 namespace {
 
-using Point = Types::Vector3_Base<double>;
 using DirectionalLightCalls = RecordingScopeFixture;
 
 class DirectionalLightPixels : public PixelScopeFixture {

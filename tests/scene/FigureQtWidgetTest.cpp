@@ -8,8 +8,6 @@
 #include <QFontMetrics>
 #include <QWidget>
 
-using namespace Vek::Chart::Scene;
-
 namespace {
 
 TEST(FigureQtWidgetPixels, ApplicationsAreMadeAfterSave) {

@@ -1,27 +1,15 @@
 #include "scene/Figure.h"
 
-#include "tests/support/ErrorOf.h"
-#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
 
 #include <QPolygonF>
 
-#include <cmath>
-#include <limits>
-#include <random>
-
-using namespace Vek::Chart::Scene;
-
 namespace {
 
-using Point = Types::Vector3_Base<double>;
-using Points = std::vector<Point>;
-using Numbers = std::vector<double>;
 using Viewport = Types::Viewport<0>;
 using Range = Types::MinMax_Base<double>;
 using Notes = std::vector<QString>;
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 const Viewport Wide(0, 0, 600, 400);
 
 /// Seeded points in a box around the origin.
@@ -34,8 +22,8 @@ Points Cloud(std::size_t p_count, const Point& p_half = {1, 1, 1}, const Point& 
   return points;
 }
 
-Numbers Ascending(std::size_t p_count) {
-  Numbers numbers(p_count);
+Doubles Ascending(std::size_t p_count) {
+  Doubles numbers(p_count);
   for (std::size_t i = 0; i < p_count; ++i)
     numbers[i] = static_cast<double>(i);
   return numbers;
@@ -43,7 +31,7 @@ Numbers Ascending(std::size_t p_count) {
 
 class FigureTest : public ::testing::Test {
 protected:
-  void SetUp() override { Vek::Test::MakeApplication(); }
+  void SetUp() override { MakeApplication(); }
   Notes NotesOf(Figure& p_figure) { return p_figure.Layout(Wide).notes; }
 };
 
@@ -52,8 +40,8 @@ TEST_F(FigureTest, RefusesWrongArguments) {
   ScatterPlot& plot = figure.Scatter(Cloud(3));
   const std::vector<std::pair<std::function<void()>, std::string>> cases = {
       {[&] { figure.Quiver(Cloud(3), Cloud(2)); }, "Quiver: vectors: expected 3 elements, got 2"},
-      {[&] { plot.ColorBy(Numbers(4)); }, "ColorBy: expected 3 elements, got 4"},
-      {[&] { plot.SizeBy(Numbers(2)); }, "SizeBy: expected 3 elements, got 2"},
+      {[&] { plot.ColorBy(Doubles(4)); }, "ColorBy: expected 3 elements, got 4"},
+      {[&] { plot.SizeBy(Doubles(2)); }, "SizeBy: expected 3 elements, got 2"},
       {[&] { plot.UpdatePositions(Cloud(1)); }, "UpdatePositions: expected 3 elements, got 1"},
       {[&] { plot.ColorRange(2, 2); }, "ColorRange: expected finite, ascending limits, got 2 and 2"},
       {[&] { plot.LogScale().ColorRange(0, 2); }, "ColorRange: expected finite, ascending limits above 0, got 0 and 2"},
@@ -65,29 +53,27 @@ TEST_F(FigureTest, RefusesWrongArguments) {
       {[&] { figure.SetLimits(0, 1, NaN); }, "SetLimits: expected finite, ascending limits, got 1.000000 and nan"},
       {[&] { figure.SetLimits(3, 0, 1); }, "SetLimits: expected an axis of 0 to 2, got 3"},
       {[&] { figure.SetAspect(1, 0, 1); }, "SetAspect: expected factors above 0, got 0.000000"},
-      {[&] {
-         figure.Image({0, 5});
-       },
+      {VEK_CALL(figure.Image({0, 5})),
        "Image: expected a size above 0, got 0 x 5"},
       {[&] { other.Remove(plot); }, "Remove: expected a plot of this figure, got another one"},
   };
   for (const auto& [call, message] : cases)
-    EXPECT_EQ(Vek::Test::ErrorOf<std::invalid_argument>(call), message);
-  EXPECT_EQ(Vek::Test::ErrorOf<std::invalid_argument>([&] { plot.ColorMap("vridis"); }).find("colour map \"vridis\""),
+    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { plot.ColorMap("vridis"); }).find("colour map \"vridis\""),
             0U);
-  EXPECT_EQ(Vek::Test::ErrorOf<std::runtime_error>([&] {
+  EXPECT_EQ(ErrorOf<std::runtime_error>([&] {
               figure.Save("/no/such/folder/a.png", {40, 30});
             }).find("/no/such/folder/a.png: "),
             0U);
 }
 
 TEST_F(FigureTest, ChoosesTheRangeOfColors) {
-  Numbers spike(1000, 0), exponential(1000), gaps{NaN, 3, NaN, 4};
+  Doubles spike(1000, 0), exponential(1000), gaps{NaN, 3, NaN, 4};
   for (std::size_t i = 0; i < 1000; ++i) {
     spike[i] = i == 500 ? 1e6 : std::sin(static_cast<double>(i));
     exponential[i] = -std::log(1 - (static_cast<double>(i) + 0.5) / 1000);
   }
-  const std::vector<std::tuple<Numbers, bool, Range>> cases = {
+  const std::vector<std::tuple<Doubles, bool, Range>> cases = {
       {{0.13, 14.7}, false, {0, 15}},    // rounded outward
       {{-0.3, 0.3}, false, {-0.3, 0.3}}, // round already
       {{5, 5}, false, {4.5, 5.5}},       // all equal
@@ -113,8 +99,8 @@ TEST_F(FigureTest, SaysWhatTheDataDoNotShow) {
   Figure figure;
   Points points = Cloud(20);
   points[3].x = NaN;
-  points[4].z = std::numeric_limits<double>::infinity();
-  Numbers values(20, 1);
+  points[4].z = Infinity;
+  Doubles values(20, 1);
   values[0] = NaN;
   QuiverPlot& quiver = figure.Quiver(points, Points(20, Point(0, 0, 1))).ColorBy(values);
   EXPECT_EQ(NotesOf(figure), (Notes{"2 arrows missing", "1 value missing"}));
@@ -175,17 +161,16 @@ TEST_F(FigureTest, KeepsTheDigitsOfLargeCoordinates) {
   EXPECT_NEAR(back.x - middle.x, 0.125, 1e-6);
 }
 
-/// Numbers at the ends of double neither throw nor leave the image.
+/// Doubles at the ends of double neither throw nor leave the image.
 TEST_F(FigureTest, ExtremeNumbersHaveALayout) {
-  constexpr double Infinity = std::numeric_limits<double>::infinity();
   for (const double low : {-1e308, 0.0, 1e-320, 1e17, NaN})
     for (const double high : {1e-310, 1.0, 1e17 + 16, 1.7e308, Infinity}) {
       const Points points{{low, 0, low}, {high, 1, 0}, {1, high, high}};
       for (const bool isLogarithmic : {false, true}) {
         Figure figure;
         figure.SetLogAxis(0, isLogarithmic);
-        figure.Scatter(points).ColorBy(Numbers{low, high, 1}).LogScale(isLogarithmic);
-        figure.Quiver(points, points).ColorBy(Numbers{high, low, 0});
+        figure.Scatter(points).ColorBy(Doubles{low, high, 1}).LogScale(isLogarithmic);
+        figure.Quiver(points, points).ColorBy(Doubles{high, low, 0});
         FigureLayout layout;
         EXPECT_NO_THROW(layout = figure.Layout(Wide)) << low << " to " << high << ", " << isLogarithmic;
         EXPECT_TRUE(std::isfinite(layout.camera.distance)) << low << " to " << high << ", " << isLogarithmic;
@@ -302,7 +287,7 @@ class FigureCalls : public RecordingScopeFixture {
 protected:
   static constexpr Vek::Chart::Ogl::GlEnum ProfileMask = 0x9126;
   void SetUp() override {
-    Vek::Test::MakeApplication();
+    MakeApplication();
     recorder.SetVersion("3.3.0");
     recorder.SetInteger(ProfileMask, {2});
   }
@@ -351,7 +336,7 @@ TEST_F(FigureCalls, UploadWhatChanged) {
   scatter.ColorRange(3, 4).ColorMap("inferno").LogScale().MissingColor(Qt::red).SetOpacity(0.5).ColorTitle("Title");
   quiver.Color(Qt::red).Label("Label");
   EXPECT_EQ(UploadsOf(figure), Bytes()) << "settings";
-  scatter.ColorBy(Numbers(Count, 2));
+  scatter.ColorBy(Doubles(Count, 2));
   EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count})) << "values";
   quiver.UpdateVectors(Points(Count, Point(0, 0.01, 0)));
   EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count, 24 * Count})) << "vectors: lengths and directions";
@@ -390,7 +375,7 @@ public:
 protected:
   const Viewport viewport{0, 0, 300, 200};
   void SetUp() override {
-    Vek::Test::MakeApplication();
+    MakeApplication();
     PixelScopeFixture::SetUp();
   }
   /// The pixel at which a point of the data must appear.
@@ -406,7 +391,7 @@ TEST_F(FigurePixels, PointsAreWhereTheyBelong) {
   Figure figure;
   figure.theme = Theme::Dark();
   figure.Scatter(flat)
-      .ColorBy(Numbers{0, 1, NaN})
+      .ColorBy(Doubles{0, 1, NaN})
       .ColorMap({Qt::red, Qt::green})
       .ColorRange(0, 1)
       .Diameter(0.05)
@@ -461,7 +446,7 @@ TEST_F(FigurePixels, TransparentPlotsShowWhatIsBehindThem) {
 
 TEST_F(FigurePixels, DataAreReadDuringTheCall) {
   Points points = Cloud(40), vectors = Cloud(40);
-  Numbers values = Ascending(40);
+  Doubles values = Ascending(40);
   const auto fill = [&](Figure& p_figure) {
     p_figure.Scatter(points).ColorBy(values).SizeBy(values);
     p_figure.Quiver(points, vectors).ColorBy(values);

@@ -3,14 +3,9 @@
 #include "scene/DirectionalLight.h"
 
 #include "testing/Surface.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
-using namespace Vek::Chart::Scene;
-
 namespace {
-
-using Point = Types::Vector3_Base<double>;
 
 /// A square in the plane z = 0 from (−1, −1) to (1, 1), in two triangles.
 GpuMesh::Arrays Square() {
@@ -71,7 +66,7 @@ TEST(GpuMesh, ThrowsForArraysThatDoNotFit) {
   GpuMesh square(Square());
   Ogl::VertexData bytes;
   bytes.SetVertices(boost::make_shared<int>(), 1, 3, Ogl::VertexData::UnsignedByte);
-  const std::pair<std::string, std::function<void()>> cases[] = {
+  const Refusals cases = {
       {"GpuMesh: indices: expected numbers below 4, got 7", with([](auto& p_a) { p_a.indices[1] = 7; })},
       {"GpuMesh: normals: expected 4 elements, got 3", with([&](auto& p_a) { p_a.normals = three; })},
       {"GpuMesh: values: expected 4 elements, got 2", with([&](auto& p_a) { p_a.values = two; })},
@@ -84,8 +79,7 @@ TEST(GpuMesh, ThrowsForArraysThatDoNotFit) {
       {"GpuMesh: positions: expected 2 to 3 floats or doubles for each, got 3 components of type 5121",
        [&] { GpuMesh mesh(bytes); }},
   };
-  for (const auto& [message, call] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+  ExpectErrors(cases);
 }
 
 TEST(GpuMesh, LeavesOutBrokenPrimitivesOfModels) {

@@ -4,14 +4,10 @@
 
 #include "library/DepthPass.h"
 #include "library/Icosphere.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
-
-using namespace Vek::Chart::Scene;
 
 namespace {
 
-using Point = Types::Vector3_Base<double>;
 using Instances = InstancedMesh::Instances;
 
 /// A rectangle in the plane y = 0: 0.1 to each side of the axis z, from 0 to its tip at 1.
@@ -73,7 +69,7 @@ TEST(InstancedMesh, ThrowsForArraysThatDoNotFit) {
     };
   };
   InstancedMesh mesh(Bar(), base);
-  const std::pair<std::string, std::function<void()>> cases[] = {
+  const Refusals cases = {
       {"InstancedMesh: sizes: expected 3 elements, got 2", with([&](Instances& p_i) { p_i.sizes = two; })},
       {"InstancedMesh: values: expected 3 elements, got 2", with([&](Instances& p_i) { p_i.values = two; })},
       {"InstancedMesh: rotations: expected 3 elements, got 1", with([](Instances& p_i) { p_i.rotations.resize(1); })},
@@ -89,8 +85,7 @@ TEST(InstancedMesh, ThrowsForArraysThatDoNotFit) {
       {"InstancedMesh: positions: expected 3 elements, got 0", [&] { mesh.UpdatePositions(Array3()); }},
       {"InstancedMesh: values: expected 3 elements, got 2", [&] { mesh.UpdateValues(two); }},
   };
-  for (const auto& [message, call] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+  ExpectErrors(cases);
 }
 
 TEST(InstancedMesh, CountsAndBoundsWhatIsShown) {

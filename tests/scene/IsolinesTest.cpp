@@ -1,27 +1,21 @@
 #include "scene/Isolines.h"
 
 #include "scene/Ticks.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
-
-using namespace Vek::Chart::Scene;
 
 namespace {
 
-using Axis = std::vector<double>;
 using Line = Isolines::Line;
-using Point = Line::Vector;
 using Function = std::function<double(double, double)>;
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
-Axis Even(std::size_t p_count, double p_first, double p_last) {
-  Axis axis;
+Doubles Even(std::size_t p_count, double p_first, double p_last) {
+  Doubles axis;
   for (std::size_t i = 0; i < p_count; ++i)
     axis.push_back(p_first + (p_last - p_first) * static_cast<double>(i) / static_cast<double>(p_count - 1));
   return axis;
 }
 
-std::vector<double> ValuesOn(const Axis& p_x, const Axis& p_y, const Function& p_function) {
+std::vector<double> ValuesOn(const Doubles& p_x, const Doubles& p_y, const Function& p_function) {
   std::vector<double> values;
   for (const double y : p_y)
     for (const double x : p_x)
@@ -44,11 +38,11 @@ double Hill(double p_x, double p_y) {
 } // namespace
 
 TEST(Isolines, ContoursOfAHillAreCircles) {
-  Axis uneven = Even(161, -2, 2);
+  Doubles uneven = Even(161, -2, 2);
   for (double& x : uneven)
     x *= std::abs(x) / 2; // denser in the middle
-  Axis down = Even(151, 2, -2);
-  const std::tuple<const char*, Axis, Axis> cases[] = {
+  Doubles down = Even(151, 2, -2);
+  const std::tuple<const char*, Doubles, Doubles> cases[] = {
       {"even", Even(121, -2, 2), Even(131, -2, 2)},
       {"uneven", uneven, Even(131, -2, 2)},
       {"y descends", Even(121, -2, 2), down},
@@ -86,7 +80,7 @@ TEST(Isolines, PassEveryCrossedEdgeOnceAndOnTheRightSide) {
   for (unsigned int seed = 0; seed < 40; ++seed) {
     std::mt19937 random(seed);
     const bool integers = seed % 2 == 1; // many values equal the level
-    const Axis x = Even(12, 0, 11), y = Even(9, 0, 8);
+    const Doubles x = Even(12, 0, 11), y = Even(9, 0, 8);
     const std::vector<double> values = ValuesOn(x, y, [&](double, double) {
       const auto number = static_cast<double>(random() % 4096);
       return integers ? std::floor(number / 1024) : number / 1024;
@@ -136,10 +130,10 @@ TEST(Isolines, PassEveryCrossedEdgeOnceAndOnTheRightSide) {
 }
 
 TEST(Isolines, SaddlesFollowTheMeanOfTheirNodes) {
-  const Axis two{0, 1};
+  const Doubles two{0, 1};
   for (const double level : {0.4, 0.6}) {
     // Above at (0, 0) and (1, 1); the mean is a half.
-    const std::vector<Line> lines = Isolines(two, two, Axis{1, 0, 0, 1}).At(level);
+    const std::vector<Line> lines = Isolines(two, two, Doubles{1, 0, 0, 1}).At(level);
     ASSERT_EQ(lines.size(), 2U);
     // A high middle connects the corners above: lines go around those below, (1, 0) and (0, 1).
     const bool connected = level < 0.5;
@@ -155,7 +149,7 @@ TEST(Isolines, SaddlesFollowTheMeanOfTheirNodes) {
 }
 
 TEST(Isolines, EndAtMissingNodes) {
-  const Axis x = Even(41, -2, 2);
+  const Doubles x = Even(41, -2, 2);
   const Isolines hill(x, x, ValuesOn(x, x, [](double p_x, double p_y) {
                         return std::abs(p_x - 1) < 0.15 && std::abs(p_y) < 0.15 ? NaN : Hill(p_x, p_y);
                       }));
@@ -171,7 +165,7 @@ TEST(Isolines, EndAtMissingNodes) {
 }
 
 TEST(Isolines, SeveralLevelsComeInTheirOrder) {
-  const Axis x = Even(41, -2, 2);
+  const Doubles x = Even(41, -2, 2);
   const Isolines hill(x, x, ValuesOn(x, x, Hill));
   std::vector<double> levels;
   for (const Line& line : hill.AtAll(Ticks::Linear(-3, -1, 5).Values(), 0)) {
@@ -188,11 +182,11 @@ TEST(Isolines, SeveralLevelsComeInTheirOrder) {
 }
 
 TEST(Isolines, NameWhatIsWrong) {
-  const Axis two{0, 1};
-  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { Isolines(two, Axis{1}, two); }),
+  const Doubles two{0, 1};
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { Isolines(two, Doubles{1}, two); }),
             "Isolines: y: expected 2 nodes at least, got 1");
   EXPECT_EQ(ErrorOf<std::invalid_argument>([&] {
-              Isolines(two, two, Axis{1, 2, 3});
+              Isolines(two, two, Doubles{1, 2, 3});
             }),
             "Isolines: values: expected 4 elements, got 3");
 }

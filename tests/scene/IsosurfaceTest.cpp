@@ -1,18 +1,12 @@
 #include "scene/Isosurface.h"
 
 #include "testing/Surface.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
-
-using namespace Vek::Chart::Scene;
 
 namespace {
 
-using Axis = std::vector<double>;
-using Point = Types::Vector3_Base<double>;
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
-std::vector<double> ValuesOn(const std::array<Axis, 3>& p_axes, const std::function<double(const Point&)>& p_value) {
+std::vector<double> ValuesOn(const std::array<Doubles, 3>& p_axes, const std::function<double(const Point&)>& p_value) {
   std::vector<double> values;
   for (const double z : p_axes[2])
     for (const double y : p_axes[1])
@@ -21,8 +15,8 @@ std::vector<double> ValuesOn(const std::array<Axis, 3>& p_axes, const std::funct
   return values;
 }
 
-Axis Even(int p_count, double p_first, double p_last) {
-  Axis axis;
+Doubles Even(int p_count, double p_first, double p_last) {
+  Doubles axis;
   for (int i = 0; i < p_count; ++i)
     axis.push_back(p_first + (p_last - p_first) * i / (p_count - 1));
   return axis;
@@ -77,7 +71,7 @@ std::size_t ExpectWatertight(const Isosurface& p_surface, const std::string& p_n
 TEST(Isosurface, IsWatertightOnRandomValues) {
   for (unsigned int seed = 0; seed < 60; ++seed) {
     std::mt19937 random(seed);
-    const std::array<Axis, 3> axes = {Even(9, 0, 8), Even(8, 0, 7), Even(7, 0, 6)};
+    const std::array<Doubles, 3> axes = {Even(9, 0, 8), Even(8, 0, 7), Even(7, 0, 6)};
     const bool levels = seed % 3 == 0; // many nodes at the level itself
     const auto values = ValuesOn(axes, [&](const Point&) {
       return levels ? static_cast<double>(random() % 3) - 1 : static_cast<double>(random() % 1000) / 500 - 1;
@@ -102,11 +96,11 @@ TEST(Isosurface, IsWatertightOnRandomValues) {
 }
 
 TEST(Isosurface, SurfaceOfAQuadraticFunctionIsASphere) {
-  Axis uneven = Even(50, -1.2, 1.2);
+  Doubles uneven = Even(50, -1.2, 1.2);
   for (double& x : uneven)
     x *= std::abs(x) / 1.2 * 0.5 + 0.5;
-  const Axis down = Even(45, 1.2, -1.2);
-  const std::tuple<const char*, std::array<Axis, 3>> cases[] = {
+  const Doubles down = Even(45, 1.2, -1.2);
+  const std::tuple<const char*, std::array<Doubles, 3>> cases[] = {
       {"even", {Even(40, -1.2, 1.2), Even(41, -1.2, 1.2), Even(42, -1.2, 1.2)}},
       {"uneven", {uneven, Even(41, -1.2, 1.2), uneven}},
       {"y descends", {uneven, down, Even(42, -1.2, 1.2)}},
@@ -130,8 +124,8 @@ TEST(Isosurface, SurfaceOfAQuadraticFunctionIsASphere) {
 }
 
 TEST(Isosurface, LiesInTheSceneAndTakesSeveralLevels) {
-  const Axis near = Even(31, -1.5, 1.5);
-  Axis far = near;
+  const Doubles near = Even(31, -1.5, 1.5);
+  Doubles far = near;
   for (double& x : far)
     x += 1e6;
   const auto values = ValuesOn({near, near, near}, [](const Point& p_at) { return Length(p_at); });
@@ -151,12 +145,12 @@ TEST(Isosurface, LiesInTheSceneAndTakesSeveralLevels) {
   EXPECT_NEAR(VolumeOf(two), -2 * 4 * M_PI / 3 * 1.125, 0.1) << "smaller values are inside";
   Isosurface taken = two;
   const Ogl::VertexData data = taken.TakeData();
-  EXPECT_EQ(Testing::SurfaceOf(data).positions.size(), two.positions.size());
+  EXPECT_EQ(SurfaceOf(data).positions.size(), two.positions.size());
   EXPECT_TRUE(taken.positions.empty() && taken.indices.empty());
 }
 
 TEST(Isosurface, HasABorderAtMissingNodes) {
-  const Axis axis = Even(21, -1.5, 1.5);
+  const Doubles axis = Even(21, -1.5, 1.5);
   auto values = ValuesOn({axis, axis, axis}, [](const Point& p_at) {
     return p_at.x > 0.8 && std::abs(p_at.y) < 0.2 && std::abs(p_at.z) < 0.2 ? NaN : 1 - Length(p_at);
   });
@@ -173,15 +167,12 @@ TEST(Isosurface, HasABorderAtMissingNodes) {
 }
 
 TEST(Isosurface, NamesWhatIsWrong) {
-  const Axis two{0, 1}, eight(8);
-  const std::pair<std::string, std::function<void()>> cases[] = {
+  const Doubles two{0, 1}, eight(8);
+  const Refusals cases = {
       {"Isosurface: values: expected 8 elements, got 2", [&] { Isosurface(two, two, two, two, 0); }},
-      {"Isosurface: z: expected 2 nodes at least, got 1", [&] { Isosurface(two, two, Axis{1}, eight, 0); }},
+      {"Isosurface: z: expected 2 nodes at least, got 1", [&] { Isosurface(two, two, Doubles{1}, eight, 0); }},
       {"Isosurface: expected a finite origin, and a finite scale that is not 0",
-       [&] {
-         Isosurface(two, two, two, eight, two, {{}, {1, 1, 0}});
-       }},
+       VEK_CALL(Isosurface(two, two, two, eight, two, {{}, {1, 1, 0}}))},
   };
-  for (const auto& [message, action] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(action), message);
+  ExpectErrors(cases);
 }

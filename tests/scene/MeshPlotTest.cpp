@@ -2,28 +2,12 @@
 
 #include "library/ObjModel.h"
 #include "library/ObjScene.h"
-#include "tests/support/ErrorOf.h"
-#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
-
-#include <boost/make_shared.hpp>
-
-#include <array>
-#include <cmath>
-#include <functional>
-#include <limits>
-
-using namespace Vek::Chart::Scene;
 
 namespace {
 
-using Point = Types::Vector3_Base<double>;
-using Points = std::vector<Point>;
-using Numbers = std::vector<double>;
 using Triangles = std::vector<std::array<unsigned, 3>>;
 using Notes = std::vector<QString>;
-
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 /// A square of two triangles in the plane z = 3, and a vertex far away that none has.
 const Points Square{{0, 0, 3}, {2, 0, 3}, {2, 2, 3}, {0, 2, 3}, {1000, 0, 0}};
@@ -37,7 +21,7 @@ public:
 protected:
   const Types::Viewport<0> viewport{0, 0, 300, 200};
   void SetUp() override {
-    Vek::Test::MakeApplication();
+    MakeApplication();
     PixelScopeFixture::SetUp();
   }
   QColor AtPoint(Figure& p_figure, const Point& p_data) {
@@ -50,7 +34,7 @@ protected:
 
 TEST_F(MeshPlotPixels, TrianglesAreWhereTheyBelong) {
   Figure figure;
-  MeshPlot& plot = figure.Mesh(Square, Halves).ColorBy(Numbers{0, 0, 0, 1, NaN}).ColorMap({Qt::blue, Qt::red});
+  MeshPlot& plot = figure.Mesh(Square, Halves).ColorBy(Doubles{0, 0, 0, 1, NaN}).ColorMap({Qt::blue, Qt::red});
   const Point left(0.2, 1.8, 3), right(1.5, 0.5, 3);
   EXPECT_GT(AtPoint(figure, left).red(), 180);
   EXPECT_LT(AtPoint(figure, right).red(), 60);
@@ -114,16 +98,14 @@ TEST_F(MeshPlotPixels, RefusesWrongArguments) {
   file.groups.resize(1);
   file.groups[0].count = 4;
   const std::vector<std::pair<std::function<void()>, std::string>> cases = {
-      {[&] {
-         figure.Mesh(Square, Triangles{{0, 1, 2}, {0, 2, 5}});
-       },
+      {VEK_CALL(figure.Mesh(Square, Triangles{{0, 1, 2}, {0, 2, 5}})),
        "triangles: expected indices below 5, got 5 in triangle 1"},
       {[&] { plot.UpdatePositions(Points(4)); }, "UpdatePositions: expected 5 elements, got 4"},
-      {[&] { plot.ColorBy(Numbers(2)); }, "ColorBy: expected 5 elements, got 2"},
+      {[&] { plot.ColorBy(Doubles(2)); }, "ColorBy: expected 5 elements, got 2"},
       {[&] { figure.Mesh(file); }, "groups: expected indices 0 to 3, got a group from 0 of 4"},
   };
   for (const auto& [call, message] : cases)
-    EXPECT_EQ(Vek::Test::ErrorOf<std::invalid_argument>(call), message);
+    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
 }
 
 /// A ramp of small heights with a stretched axis is lit like one of large heights.

@@ -1,9 +1,6 @@
 #include "scene/OpacityFunction.h"
 
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
-
-using namespace Vek::Chart::Scene;
 
 TEST(OpacityFunction, IsLinearBetweenPointsAndConstantBeyondThem) {
   const OpacityFunction function({{-1, 0.2}, {1, 0.4}, {1, 0.9}, {3, 0.1}});

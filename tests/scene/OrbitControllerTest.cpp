@@ -1,12 +1,8 @@
 #include "scene/OrbitController.h"
 #include "tests/support/Test.h"
 
-using Vek::Chart::Scene::Camera;
-using Vek::Chart::Scene::OrbitController;
-
 namespace {
 
-using Point = Types::Vector3_Base<double>;
 const Types::Viewport<0> Window(10, 20, 640, 400);
 
 /// A start for each seed: oblique, in both projections, every other one far from the origin.

@@ -1,14 +1,6 @@
 #include "scene/OrientationTriad.h"
 #include "tests/support/Test.h"
 
-#include "tests/support/Shown.h"
-
-using Vek::Chart::Scene::Camera;
-using Vek::Chart::Scene::Canvas;
-using Vek::Chart::Scene::OrientationTriad;
-using Vek::Chart::Scene::TextRenderer;
-using Vek::Chart::Scene::Theme;
-
 TEST(OrientationTriad, PointsAlongTheAxesFromFarToNear) {
   OrientationTriad triad;
   triad.length = 10;
@@ -44,7 +36,7 @@ protected:
 } // namespace
 
 TEST_F(OrientationTriadPixels, DrawsNearDiscsOverFarOnes) {
-  Vek::Test::MakeApplication();
+  MakeApplication();
   const TextRenderer text;
   OrientationTriad triad;
   triad.colors = {Qt::red, Qt::yellow, Qt::blue};

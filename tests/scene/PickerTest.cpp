@@ -6,11 +6,8 @@
 #include "tests/support/FaultyGl.h"
 #include "tests/support/Test.h"
 
-using namespace Vek::Chart::Scene;
-
 namespace {
 
-using Point = Types::Vector3_Base<double>;
 using Hit = Picker::Hit;
 
 /// A square in the plane y = `p_y`, 1 wide and high, in two triangles: the lower right and the upper left one.

@@ -1,13 +1,8 @@
 #include "scene/StreamlineTracer.h"
 
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
-using namespace Vek::Chart::Scene;
-
 namespace {
-
-using Point = Types::Vector3_Base<double>;
 
 bool Rotation(const Point& p_place, Point& p_vector) {
   p_vector = {-p_place.y, p_place.x, 0};
@@ -40,7 +35,7 @@ VectorField Vortex() {
     for (const double x : axis) {
       const Point at(x - 1e6, y - 1e6, 0);
       const bool isHole = Length(at - Point(6, 0, 0)) < 1.2;
-      vectors.emplace_back(isHole ? std::numeric_limits<double>::quiet_NaN() : -at.y, at.x, 3);
+      vectors.emplace_back(isHole ? NaN : -at.y, at.x, 3);
     }
   return VectorField::Layer(axis, axis, vectors, 5);
 }
@@ -92,7 +87,7 @@ TEST(StreamlineTracer, EndAtStagnation) {
   EXPECT_NEAR(Length(StreamlineTracer(Sink, options).Downstream({3, 0, 0}).back()), 0, 1e-2);
   EXPECT_TRUE(StreamlineTracer(Sink, options).Downstream({0, 0, 0}).empty());
   const auto notANumber = [](const Point& p_place, Point& p_vector) {
-    p_vector = {p_place.x > 2 ? std::numeric_limits<double>::quiet_NaN() : 1.0, 0, 0};
+    p_vector = {p_place.x > 2 ? NaN : 1.0, 0, 0};
     return true;
   };
   EXPECT_NEAR(StreamlineTracer(notANumber, options).Downstream({0, 0, 0}).back().x, 2, 2 * options.smallestStep);
@@ -143,8 +138,7 @@ TEST(StreamlineTracer, SuitsAFieldByItself) {
   EXPECT_NEAR(StreamlineTracer::ArcLength(cut), 2 * M_PI * 6 - 3, 0.7) << "ends at the missing nodes";
   EXPECT_NEAR(cut.front().y - 1e6, 1.4, 0.3);
   EXPECT_TRUE(tracer.Through({1e6 + 6, 1e6, 5}).empty());
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_TRUE(tracer.Spaced({{nan, 1e6, 5}, {1 / 0.0, 1e6, 5}}, {1, 0.5, 0}, {{{nan, nan, nan}}}).size() == 1);
+  EXPECT_TRUE(tracer.Spaced({{NaN, 1e6, 5}, {1 / 0.0, 1e6, 5}}, {1, 0.5, 0}, {{{NaN, NaN, NaN}}}).size() == 1);
 }
 
 TEST(StreamlineTracer, FillsALayerEvenly) {
@@ -216,7 +210,6 @@ TEST(StreamlineTracer, NamesWhatIsWrong) {
   };
   using Options = StreamlineTracer::Options;
   const std::string start = "StreamlineTracer: expected ";
-  constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
   EXPECT_EQ(error([](Options& p_options) { p_options.smallestStep = 0; }),
             start + "steps above 0, the smallest one not above the largest one");
   EXPECT_EQ(error([](Options& p_options) { p_options.length = 1 / 0.0; }),

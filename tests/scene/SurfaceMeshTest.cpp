@@ -1,18 +1,12 @@
 #include "scene/SurfaceMesh.h"
 
 #include "testing/Surface.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
-
-using namespace Vek::Chart::Scene;
 
 namespace {
 
-using Axis = std::vector<double>;
-using Point = Types::Vector3_Base<double>;
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
-std::vector<double> HeightsOn(const Axis& p_x, const Axis& p_y, const std::function<double(double, double)>& p_height) {
+std::vector<double> HeightsOn(const Doubles& p_x, const Doubles& p_y, const std::function<double(double, double)>& p_height) {
   std::vector<double> heights;
   for (const double y : p_y)
     for (const double x : p_x)
@@ -41,7 +35,7 @@ double AreaFromAbove(const SurfaceMesh& p_mesh, std::size_t p_level) {
 } // namespace
 
 TEST(SurfaceMesh, HasTheNodesOfItsGrid) {
-  const SurfaceMesh mesh(Axis{10, 12, 16}, Axis{5, 6}, Axis{1, 2, 3, 4, 5, 6}, Axis{10, 20, 30, 40, 50, 60},
+  const SurfaceMesh mesh(Doubles{10, 12, 16}, Doubles{5, 6}, Doubles{1, 2, 3, 4, 5, 6}, Doubles{10, 20, 30, 40, 50, 60},
                          {{10, 5, 1}, {1, 2, 10}, 1, 0});
   using V = SurfaceMesh::Vector;
   EXPECT_EQ(mesh.positions, (std::vector<V>{{0, 0, 0}, {2, 0, 10}, {6, 0, 20}, {0, 2, 30}, {2, 2, 40}, {6, 2, 50}}));
@@ -49,15 +43,15 @@ TEST(SurfaceMesh, HasTheNodesOfItsGrid) {
   EXPECT_EQ(mesh.indices, (std::vector<std::vector<unsigned int>>{{0, 1, 4, 0, 4, 3, 1, 2, 5, 1, 5, 4}}));
   EXPECT_EQ(mesh.bounds, Types::BoundingBox_Base<double>({0, 0, 0}, {6, 2, 50}));
   EXPECT_TRUE(mesh.columns == 3 && mesh.rows == 2 && mesh.missing == 0);
-  EXPECT_EQ(SurfaceMesh(Axis{0, 1}, Axis{0, 1}, Axis{1, 2, 3, 4}).values, (std::vector<float>{1, 2, 3, 4}));
+  EXPECT_EQ(SurfaceMesh(Doubles{0, 1}, Doubles{0, 1}, Doubles{1, 2, 3, 4}).values, (std::vector<float>{1, 2, 3, 4}));
 }
 
 // Differences of second order are exact for a paraboloid, on uneven axes too; borders are of first order.
 TEST(SurfaceMesh, NormalsAreThoseOfTheStretchedSurface) {
-  const Axis up{-3, -2.5, -1, 0, 0.25, 1, 3, 7}, down{4, 2, 1.5, 0, -1, -1.25, -6};
+  const Doubles up{-3, -2.5, -1, 0, 0.25, 1, 3, 7}, down{4, 2, 1.5, 0, -1, -1.25, -6};
   const Point origin(1e6, -1e6, 30), scale(2, 0.5, 10);
   for (const auto& [x, y] : {std::pair(up, down), std::pair(down, up), std::pair(up, up)}) {
-    Axis farX = x, farY = y;
+    Doubles farX = x, farY = y;
     for (double& number : farX)
       number += origin.x;
     for (double& number : farY)
@@ -87,7 +81,7 @@ TEST(SurfaceMesh, NormalsAreThoseOfTheStretchedSurface) {
 
 TEST(SurfaceMesh, LevelsHalveTheGridAndCoverIt) {
   for (const auto& [columns, rows] : {std::pair<std::size_t, std::size_t>(17, 9), {18, 5}, {2, 2}, {3, 2}, {100, 63}}) {
-    Axis x, y;
+    Doubles x, y;
     for (std::size_t i = 0; i < columns; ++i)
       x.push_back(static_cast<double>(i * i));
     for (std::size_t i = 0; i < rows; ++i)
@@ -107,15 +101,15 @@ TEST(SurfaceMesh, LevelsHalveTheGridAndCoverIt) {
     ASSERT_EQ(data.size(), levels);
     EXPECT_EQ(data.front().Vertices().data, data.back().Vertices().data) << "shared";
     EXPECT_TRUE(mesh.positions.empty() && mesh.indices.empty());
-    EXPECT_EQ(Testing::SurfaceOf(data.front()).normals.at(0), Point(0, 0, 1));
+    EXPECT_EQ(SurfaceOf(data.front()).normals.at(0), Point(0, 0, 1));
   }
 }
 
 TEST(SurfaceMesh, MissingHeightsAreHoles) {
-  const Axis axis{0, 1, 2, 3, 4};
+  const Doubles axis{0, 1, 2, 3, 4};
   auto heights = HeightsOn(axis, axis, [](double p_x, double p_y) { return p_x + 10 * p_y; });
   heights[12] = NaN;                                    // the middle
-  heights[4] = std::numeric_limits<double>::infinity(); // a corner
+  heights[4] = Infinity; // a corner
   const SurfaceMesh mesh(axis, axis, heights);
   EXPECT_EQ(mesh.missing, 2U);
   EXPECT_DOUBLE_EQ(AreaFromAbove(mesh, 0), 16 - 5 * 0.5) << "half of each cell around";
@@ -129,23 +123,16 @@ TEST(SurfaceMesh, MissingHeightsAreHoles) {
 }
 
 TEST(SurfaceMesh, NamesWhatIsWrong) {
-  const Axis two{0, 1}, four{1, 2, 3, 4};
-  const std::pair<std::string, std::function<void()>> cases[] = {
+  const Doubles two{0, 1}, four{1, 2, 3, 4};
+  const Refusals cases = {
       {"SurfaceMesh: heights: expected 4 elements, got 2", [&] { SurfaceMesh(two, two, two); }},
       {"SurfaceMesh: values: expected 4 elements, got 2", [&] { SurfaceMesh(two, two, four, two, {}); }},
       {"SurfaceMesh: y: expected ascending or descending finite numbers, got 1 after 1",
-       [&] {
-         SurfaceMesh(two, Axis{1, 1}, four);
-       }},
+       VEK_CALL(SurfaceMesh(two, Doubles{1, 1}, four))},
       {"SurfaceMesh: expected two rows and columns at least beside a halo of 1, got 2 columns and 2 rows",
-       [&] {
-         SurfaceMesh(two, two, four, {}, {{}, {1, 1, 1}, 1, 1});
-       }},
+       VEK_CALL(SurfaceMesh(two, two, four, {}, {{}, {1, 1, 1}, 1, 1}))},
       {"SurfaceMesh: expected a finite origin, and a finite scale that is not 0 in x and y",
-       [&] {
-         SurfaceMesh(two, two, four, {}, {{}, {0, 1, 1}, 1, 0});
-       }},
+       VEK_CALL(SurfaceMesh(two, two, four, {}, {{}, {0, 1, 1}, 1, 0}))},
   };
-  for (const auto& [message, action] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(action), message);
+  ExpectErrors(cases);
 }

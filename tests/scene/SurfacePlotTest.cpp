@@ -1,27 +1,14 @@
 #include "scene/Figure.h"
 
-#include "tests/support/ErrorOf.h"
-#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
-
-#include <algorithm>
-#include <cmath>
-#include <functional>
-#include <limits>
-
-using namespace Vek::Chart::Scene;
 
 namespace {
 
-using Point = Types::Vector3_Base<double>;
-using Numbers = std::vector<double>;
 using Viewport = Types::Viewport<0>;
 using Notes = std::vector<QString>;
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-
-Numbers Ascending(std::size_t p_count, double p_first = 0, double p_step = 1) {
-  Numbers numbers(p_count);
+Doubles Ascending(std::size_t p_count, double p_first = 0, double p_step = 1) {
+  Doubles numbers(p_count);
   for (std::size_t i = 0; i < p_count; ++i)
     numbers[i] = p_first + p_step * static_cast<double>(i);
   return numbers;
@@ -29,7 +16,7 @@ Numbers Ascending(std::size_t p_count, double p_first = 0, double p_step = 1) {
 
 class SurfacePlotTest : public ::testing::Test {
 protected:
-  void SetUp() override { Vek::Test::MakeApplication(); }
+  void SetUp() override { MakeApplication(); }
   Notes NotesOf(Figure& p_figure) { return p_figure.Layout({0, 0, 600, 400}).notes; }
 };
 
@@ -44,14 +31,14 @@ TEST_F(SurfacePlotTest, RefusesWrongArguments) {
       {[&] { plot.Contours(-1); }, "Contours: expected 0 or more lines, got -1"},
   };
   for (const auto& [call, message] : cases)
-    EXPECT_EQ(Vek::Test::ErrorOf<std::invalid_argument>(call), message);
-  for (const Numbers& x : {Numbers{0, 1, 1}, Numbers{0, 2, 1}, Numbers{0, NaN, 1}})
+    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+  for (const Doubles& x : {Doubles{0, 1, 1}, Doubles{0, 2, 1}, Doubles{0, NaN, 1}})
     EXPECT_THROW(figure.Surface(x, Ascending(2), Ascending(6)), std::invalid_argument);
-  EXPECT_THROW(figure.Surface(Numbers{0}, Ascending(2), Ascending(2)), std::invalid_argument);
+  EXPECT_THROW(figure.Surface(Doubles{0}, Ascending(2), Ascending(2)), std::invalid_argument);
 }
 
 TEST_F(SurfacePlotTest, SaysWhatIsMissing) {
-  Numbers heights = Ascending(12);
+  Doubles heights = Ascending(12);
   heights[5] = heights[6] = NaN;
   Figure figure;
   SurfacePlot& plot = figure.Surface(Ascending(4), Ascending(3), heights);
@@ -67,7 +54,7 @@ TEST_F(SurfacePlotTest, SaysWhatIsMissing) {
   EXPECT_EQ(NotesOf(figure), (Notes{"2 heights missing", "3 heights outside of the axes"}));
 
   Figure empty;
-  empty.Surface(Ascending(2), Ascending(2), Numbers(4, NaN)).Contours();
+  empty.Surface(Ascending(2), Ascending(2), Doubles(4, NaN)).Contours();
   ReportCapture reports;
   EXPECT_FALSE(empty.Image({300, 200}).isNull());
   EXPECT_EQ(reports.Texts(), Lines{"WARNING: Figure: plot 1 has no point to show"});
@@ -76,7 +63,7 @@ TEST_F(SurfacePlotTest, SaysWhatIsMissing) {
 class SurfacePlotCalls : public RecordingScopeFixture {
 protected:
   void SetUp() override {
-    Vek::Test::MakeApplication();
+    MakeApplication();
     recorder.SetVersion("3.3.0");
     constexpr Vek::Chart::Ogl::GlEnum ProfileMask = 0x9126;
     recorder.SetInteger(ProfileMask, {2});
@@ -103,7 +90,7 @@ TEST_F(SurfacePlotCalls, AreAsManyForLargeGrids) {
     Figure figure;
     figure.Surface(Ascending(size, -1, step), Ascending(size, -1, step), Ascending(size * size, 0, 1.0 / (size * size)))
         .ColorRange(0, 1)
-        .Contours(Numbers{0.25, 0.5});
+        .Contours(Doubles{0.25, 0.5});
     figure.SetLimits(2, 0, 1);
     CallsOf(figure);
     calls.push_back(CallsOf(figure).size());
@@ -113,7 +100,7 @@ TEST_F(SurfacePlotCalls, AreAsManyForLargeGrids) {
 
 TEST_F(SurfacePlotCalls, UploadWhatChanged) {
   using Bytes = std::vector<std::size_t>;
-  Numbers heights = Ascending(12);
+  Doubles heights = Ascending(12);
   Figure figure;
   SurfacePlot& plot = figure.Surface(Ascending(4), Ascending(3), heights);
   EXPECT_EQ(UploadsOf(figure).size(), 4U) << "positions, normals, values, indices";
@@ -128,7 +115,7 @@ TEST_F(SurfacePlotCalls, UploadWhatChanged) {
   std::swap(heights[0], heights[11]);
   plot.UpdateHeights(heights);
   EXPECT_EQ(UploadsOf(figure), (Bytes{12 * 12, 12 * 12})) << "heights, other values";
-  plot.Contours(Numbers{5.5});
+  plot.Contours(Doubles{5.5});
   EXPECT_EQ(UploadsOf(figure).size(), 1U) << "lines";
   heights[5] = NaN; // each of the four cells around the node loses one of its two triangles
   plot.Contours(0).UpdateHeights(heights);
@@ -144,7 +131,7 @@ public:
 protected:
   const Viewport viewport{0, 0, 300, 200};
   void SetUp() override {
-    Vek::Test::MakeApplication();
+    MakeApplication();
     PixelScopeFixture::SetUp();
   }
   /// The pixel at which a point of the data must appear, in the image that was drawn.
@@ -157,8 +144,8 @@ protected:
 
 /// Uneven and descending axes, far from zero; a hole; a bent cell.
 TEST_F(SurfacePlotPixels, NodesAndHolesAreWhereTheyBelong) {
-  const Numbers x{4e7, 4e7 + 1, 4e7 + 4, 4e7 + 5}, y{-2e7 + 4, -2e7 + 3, -2e7};
-  Numbers heights(12, 1e6), values(12, 0);
+  const Doubles x{4e7, 4e7 + 1, 4e7 + 4, 4e7 + 5}, y{-2e7 + 4, -2e7 + 3, -2e7};
+  Doubles heights(12, 1e6), values(12, 0);
   values[5] = 1; // at x[1], y[1]
   heights[11] = NaN;
   Figure figure;
@@ -176,7 +163,7 @@ TEST_F(SurfacePlotPixels, NodesAndHolesAreWhereTheyBelong) {
 
 TEST_F(SurfacePlotPixels, ContoursLieOnTheSurface) {
   // A saddle cell of two triangles: the line z = 0.5 runs through both.
-  const Numbers unit{0, 1}, saddle{0, 1, 1, 0};
+  const Doubles unit{0, 1}, saddle{0, 1, 1, 0};
   Figure figure;
   figure.theme.grid = figure.theme.line = Qt::white;
   figure.theme.title = Qt::black;
@@ -198,7 +185,7 @@ TEST_F(SurfacePlotPixels, ContoursLieOnTheSurface) {
     return greens;
   };
   const std::vector<int> without = darkest();
-  plot.Contours(Numbers{0.5, 0.3, NaN, 7});
+  plot.Contours(Doubles{0.5, 0.3, NaN, 7});
   const std::vector<int> with = darkest();
   for (std::size_t i = 0; i < 4; ++i)
     EXPECT_LT(with[i], without[i] * 2 / 3) << i;
@@ -210,15 +197,15 @@ TEST_F(SurfacePlotPixels, ContoursLieOnTheSurface) {
 /// The same surface with heights times 50, and with an axis stretched by 50, is lit alike; so is an exponential one on
 /// a logarithmic axis like a linear one.
 TEST_F(SurfacePlotPixels, LightFollowsTheStretchedSurface) {
-  const Numbers unit = Ascending(9, 0, 0.125);
-  Numbers low, high, exponential;
+  const Doubles unit = Ascending(9, 0, 0.125);
+  Doubles low, high, exponential;
   for (const double y : unit)
     for (const double x : unit) {
       low.push_back(0.01 * std::sin(3 * x + y));
       high.push_back(50 * low.back());
       exponential.push_back(std::pow(10, high.back()));
     }
-  const auto colors = [&](const Numbers& p_heights, double p_stretch, bool p_logarithmic) {
+  const auto colors = [&](const Doubles& p_heights, double p_stretch, bool p_logarithmic) {
     Figure figure;
     figure.Surface(unit, unit, p_heights).Color(Qt::green);
     figure.SetAspect(1, 1, p_stretch).SetLogAxis(2, p_logarithmic).Look(-30, 60, Camera::Projection::Parallel);
@@ -241,13 +228,13 @@ TEST_F(SurfacePlotPixels, LightFollowsTheStretchedSurface) {
 TEST_F(SurfacePlotPixels, LogarithmicAxesLeaveNodesOut) {
   ReportCapture reports;
   for (const bool isDescending : {false, true}) {
-    Numbers x{-5, 0, 1, 10, 100};
+    Doubles x{-5, 0, 1, 10, 100};
     if (isDescending)
       std::reverse(x.begin(), x.end());
     Figure figure;
     figure.SetLogAxis(0);
     figure.theme.grid = figure.theme.line = Qt::white;
-    figure.Surface(x, Numbers{0, 1}, Numbers(10, 3)).Color(Qt::red);
+    figure.Surface(x, Doubles{0, 1}, Doubles(10, 3)).Color(Qt::red);
     EXPECT_EQ(figure.Layout(viewport).notes, Notes{"4 heights outside of the axes"});
     figure.Draw(gl, viewport);
     EXPECT_GT(AtPoint(figure, {3, 0.5, 3}).red(), 200);
@@ -255,7 +242,7 @@ TEST_F(SurfacePlotPixels, LogarithmicAxesLeaveNodesOut) {
   }
   Figure none;
   none.SetLogAxis(0);
-  none.Surface(Numbers{-2, -1}, Numbers{0, 1}, Numbers(4, 3)).Contours();
+  none.Surface(Doubles{-2, -1}, Doubles{0, 1}, Doubles(4, 3)).Contours();
   none.Draw(gl, viewport);
   EXPECT_EQ(reports.Texts(), Lines{"WARNING: Figure: plot 1 has no point to show"});
 }

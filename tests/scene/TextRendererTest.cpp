@@ -1,11 +1,8 @@
 #include "scene/TextRenderer.h"
 #include "platform/ogl/TextImage.h"
-#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
 
 #include <QTransform>
-
-using Vek::Chart::Scene::TextRenderer;
 
 namespace {
 
@@ -178,7 +175,7 @@ TEST_F(TextRendererCalls, ReportsWhatCannotBeDrawn) {
   recorder.Fail("TexImage2D");
   text.Draw(gl, "text", {0, 0}, {}, {12});
   EXPECT_EQ(reports.Texts().size(), 2U);
-  for (const double bad : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+  for (const double bad : {NaN, Infinity}) {
     text.Draw(gl, "text", {bad, 0}, {}, {12});
     text.Draw(gl, "text", {0, 0}, {}, {12}, 1, bad);
   }
@@ -191,9 +188,9 @@ TEST_F(TextRendererCalls, ReportsWhatCannotBeDrawn) {
 TEST_F(TextRendererCalls, DrawsInContextsThatEndInAnyOrder) {
   MakeApplication();
   for (const bool rendererFirst : {true, false}) {
-    auto second = std::make_unique<Testing::RecordingGl>();
+    auto second = std::make_unique<RecordingGl>();
     auto text = std::make_unique<TextRenderer>();
-    for (Testing::RecordingGl* const context : {&recorder, second.get()}) {
+    for (RecordingGl* const context : {&recorder, second.get()}) {
       const Utility::Unscoped<Rgl> handle = context->Handle();
       Utility::Scoped<Rgl> scope(handle);
       context->Clear();

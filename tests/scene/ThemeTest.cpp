@@ -1,8 +1,6 @@
 #include "scene/Theme.h"
 #include "tests/support/Test.h"
 
-using namespace Vek::Chart::Scene;
-
 namespace {
 
 /// Relative luminance and contrast as the Web Content Accessibility Guidelines 2.1 define them.

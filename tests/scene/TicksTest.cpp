@@ -4,15 +4,7 @@
 #include <QDateTime>
 #include <QStringList>
 
-#include <algorithm>
-#include <cmath>
-#include <functional>
 #include <iomanip>
-#include <limits>
-#include <random>
-#include <set>
-
-using namespace Vek::Chart::Scene;
 
 namespace {
 
@@ -188,7 +180,6 @@ TEST(Ticks, BoundStrings) {
 
 TEST(Ticks, ReadOuts) {
   using Angle = Ticks::Angle;
-  const double infinity = std::numeric_limits<double>::infinity();
   const std::tuple<Ticks, double, const char*, int, const char*> cases[] = {
       {Ticks::Linear(0, 15, 6), 7.31, "m/s", 0, "7 m/s"},
       {Ticks::Linear(0, 15, 6), 7.31, "m/s", 1, "7.3 m/s"},
@@ -198,7 +189,7 @@ TEST(Ticks, ReadOuts) {
       {Ticks::Linear(0, 9e-6, 6), 0, "m", 0, "0 m"},
       {Ticks::Linear(100000, 100004, 5), 100002.4, "", 1, "100002.4"},
       {Ticks::Linear(0, 1, 5), 1e300, "", 0, "10³⁰⁰"},
-      {Ticks::Linear(0, 1, 5), infinity, "K", 0, "∞ K"},
+      {Ticks::Linear(0, 1, 5), Infinity, "K", 0, "∞ K"},
       {Ticks::Linear(0, 1, 5), NAN, "K", 0, "no data"},
       {Ticks::Degrees(-90, 90, 7, Angle::Latitude), -45.52, "", 1, "45.5° S"},
       {Ticks::Degrees(-180, 180, 7, Angle::Longitude), 190.4, "", 0, "170° W"},

@@ -3,14 +3,11 @@
 #include "testing/Surface.h"
 #include "tests/support/Test.h"
 
-using namespace Vek::Chart::Scene;
-
 namespace {
 
-using Point = Testing::Surface::Vector;
 using Line = std::vector<TubeMesh::Point>;
 
-struct Mesh : Testing::Surface {
+struct Mesh : Surface {
   std::vector<float> values;
 };
 
@@ -21,7 +18,7 @@ Mesh Swept(StreamLineShape::Shape p_shape, const std::vector<Line>& p_lines) {
   const Ogl::VertexData data = tubes.TakeMesh();
   EXPECT_TRUE(tubes.Empty());
   const Ogl::VertexData::Array& values = data.TexCoords();
-  const Mesh mesh{Testing::SurfaceOf(data), {values.As<float>(), values.As<float>() + values.count}};
+  const Mesh mesh{SurfaceOf(data), {values.As<float>(), values.As<float>() + values.count}};
   EXPECT_EQ(mesh.normals.size(), mesh.positions.size());
   EXPECT_EQ(mesh.values.size(), mesh.positions.size());
   return mesh;

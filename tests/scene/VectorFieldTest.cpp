@@ -1,22 +1,16 @@
 #include "scene/VectorField.h"
 
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
-
-using namespace Vek::Chart::Scene;
 
 namespace {
 
-using Point = VectorField::Vector;
-using Axis = std::vector<double>;
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 /// A field that is linear in each coordinate, and therefore exact within every cell.
 Point Trilinear(const Point& p_at) {
   return {p_at.x + 2 * p_at.y, p_at.z * p_at.x, p_at.x * p_at.y - p_at.z};
 }
 
-std::vector<Point> AtNodes(const Axis& p_x, const Axis& p_y, const Axis& p_z) {
+std::vector<Point> AtNodes(const Doubles& p_x, const Doubles& p_y, const Doubles& p_z) {
   std::vector<Point> vectors;
   for (const double z : p_z)
     for (const double y : p_y)
@@ -25,7 +19,7 @@ std::vector<Point> AtNodes(const Axis& p_x, const Axis& p_y, const Axis& p_z) {
   return vectors;
 }
 
-VectorField FieldOn(const Axis& p_x, const Axis& p_y, const Axis& p_z) {
+VectorField FieldOn(const Doubles& p_x, const Doubles& p_y, const Doubles& p_z) {
   return VectorField::Rectilinear(p_x, p_y, p_z, AtNodes(p_x, p_y, p_z));
 }
 
@@ -49,7 +43,7 @@ double XAt(const VectorField& p_field, const Point& p_position) {
 } // namespace
 
 TEST(VectorField, IsExactForTrilinearFieldsOnAllKindsOfAxes) {
-  const std::tuple<const char*, Axis, Axis, Axis> cases[] = {
+  const std::tuple<const char*, Doubles, Doubles, Doubles> cases[] = {
       {"even", {10, 12, 14}, {20, 23}, {30, 34, 38, 42}},
       {"uneven", {-4, -3.9, 2, 2.125, 9}, {0, 5, 5.5}, {-1, 100, 101}},
       {"descending", {9, 2, -3, -4}, {90, 30, -90}, {5, 0}},
@@ -81,7 +75,7 @@ TEST(VectorField, IsExactForTrilinearFieldsOnAllKindsOfAxes) {
     const Point cell(field.CellSize() / 100, 0, 0), max = min + extent;
     for (const Point& outside :
          {min - cell, max + cell, Point(min.x, max.y + cell.x, min.z), Point(min.x, min.y, min.z - cell.x),
-          Point(NaN, min.y, min.z), Point(min.x, std::numeric_limits<double>::infinity(), min.z)})
+          Point(NaN, min.y, min.z), Point(min.x, Infinity, min.z)})
       EXPECT_TRUE(std::isnan(XAt(field, outside))) << name;
   }
 }
@@ -100,8 +94,8 @@ TEST(VectorField, HoldsOnItsBorderAlsoAtAMillion) {
 TEST(VectorField, MissingNodesTakeTheCellsAroundThem) {
   std::vector<Point> vectors = Numbered(12); // 4 x 3
   vectors[5].y = NaN;
-  vectors[11].z = std::numeric_limits<double>::infinity();
-  const VectorField field = VectorField::Layer(Axis{0, 1, 2, 3}, Axis{0, 1, 2}, vectors, 7);
+  vectors[11].z = Infinity;
+  const VectorField field = VectorField::Layer(Doubles{0, 1, 2, 3}, Doubles{0, 1, 2}, vectors, 7);
   EXPECT_EQ(field.Missing(), 2U);
   EXPECT_EQ(field.Speeds().max, 10);
   EXPECT_EQ(field.SpeedQuantile(1), 10);
@@ -120,16 +114,16 @@ TEST(VectorField, WrapsInX) {
   const std::vector<Point> ascending{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}};
   const std::vector<Point> descending{{3, 0, 0}, {2, 0, 0}, {1, 0, 0}, {0, 0, 0}};
   for (const bool descends : {false, true}) {
-    VectorField field = descends ? VectorField::Layer(Axis{270, 180, 90, 0}, Axis{5}, descending)
-                                 : VectorField::Layer(Axis{0, 90, 180, 270}, Axis{5}, ascending);
+    VectorField field = descends ? VectorField::Layer(Doubles{270, 180, 90, 0}, Doubles{5}, descending)
+                                 : VectorField::Layer(Doubles{0, 90, 180, 270}, Doubles{5}, ascending);
     EXPECT_TRUE(std::isnan(XAt(field, {315, 5, 0})));
     field.WrapX(360);
     for (const auto& [lon, expected] :
          {std::pair(45.0, 0.5), {292.5, 2.25}, {-45.0, 1.5}, {405.0, 0.5}, {720.0, 0.0}, {-90.0, 3.0}})
       EXPECT_NEAR(XAt(field, {lon, 5, 0}), expected, 1e-9) << lon << ' ' << descends;
-    EXPECT_TRUE(std::isnan(XAt(field, {std::numeric_limits<double>::infinity(), 5, 0})));
+    EXPECT_TRUE(std::isnan(XAt(field, {Infinity, 5, 0})));
   }
-  VectorField closed = VectorField::Layer(Axis{-180, 0, 180}, Axis{0}, Numbered(3));
+  VectorField closed = VectorField::Layer(Doubles{-180, 0, 180}, Doubles{0}, Numbered(3));
   closed.WrapX(360);
   EXPECT_EQ(XAt(closed, {270, 0, 0}), 0.5) << "the last column repeats the first one";
 }
@@ -147,44 +141,31 @@ TEST(VectorField, TakesTablesInAnyOrder) {
 }
 
 TEST(VectorField, NamesWhatIsWrong) {
-  const Axis two{0, 1};
+  const Doubles two{0, 1};
   const std::vector<Point> four = Numbered(4);
   std::vector<Point> scattered;
   for (int i = 0; i < 9; ++i)
     scattered.emplace_back(i, i * i % 10 + 0.1 * i, 0);
   VectorField field = VectorField::Layer(two, two, four);
-  const std::pair<std::string, std::function<void()>> cases[] = {
-      {"VectorField: x: expected 1 nodes at least, got 0", [&] { VectorField::Layer(Axis(), two, four); }},
+  const Refusals cases = {
+      {"VectorField: x: expected 1 nodes at least, got 0", [&] { VectorField::Layer(Doubles(), two, four); }},
       {"VectorField: y: expected ascending or descending finite numbers, got 2 after 3",
-       [&] {
-         VectorField::Layer(two, Axis{1, 3, 2}, four);
-       }},
+       VEK_CALL(VectorField::Layer(two, Doubles{1, 3, 2}, four))},
       {"VectorField: y: expected ascending or descending finite numbers, got 3 after 3",
-       [&] {
-         VectorField::Layer(two, Axis{3, 3}, four);
-       }},
+       VEK_CALL(VectorField::Layer(two, Doubles{3, 3}, four))},
       {"VectorField: x: expected ascending or descending finite numbers, got nan",
-       [&] {
-         VectorField::Layer(Axis{NaN, 1}, two, four);
-       }},
+       VEK_CALL(VectorField::Layer(Doubles{NaN, 1}, two, four))},
       {"VectorField: vectors: expected 6 elements, got 4",
-       [&] {
-         VectorField::Layer(Axis{1, 2, 3}, two, four);
-       }},
+       VEK_CALL(VectorField::Layer(Doubles{1, 2, 3}, two, four))},
       {"VectorField: vectors: expected 0 elements, got 4",
-       [&] {
-         VectorField::Regular({0, 2, 2}, {}, {1, 1, 1}, four);
-       }},
+       VEK_CALL(VectorField::Regular({0, 2, 2}, {}, {1, 1, 1}, four))},
       {"VectorField: expected 2^40 nodes at most, got 4294967296 x 4294967296 x 1",
-       [&] {
-         VectorField::Regular({1ULL << 32, 1ULL << 32, 1}, {}, {1, 1, 1}, four);
-       }},
+       VEK_CALL(VectorField::Regular({1ULL << 32, 1ULL << 32, 1}, {}, {1, 1, 1}, four))},
       {"VectorField: expected points that form a grid, got 9 with 9 x, 9 y and 1 z",
        [&] { VectorField::FromPoints(scattered, Numbered(9)); }},
       {"VectorField: expected a period that is not shorter than the x axis, 1, got 0.5", [&] { field.WrapX(0.5); }},
   };
-  for (const auto& [message, action] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(action), message);
+  ExpectErrors(cases);
   Point vector;
   EXPECT_FALSE(VectorField().Sample({0, 0, 0}, vector));
   EXPECT_TRUE(VectorField().Bounds().Empty() && std::isnan(VectorField().SpeedQuantile(0.5)));

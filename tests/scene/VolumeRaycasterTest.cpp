@@ -7,8 +7,6 @@
 #include "scene/VolumeSlices.h"
 #include "tests/support/Test.h"
 
-using namespace Vek::Chart::Scene;
-
 namespace {
 
 using Mode = VolumeRaycaster::Mode;

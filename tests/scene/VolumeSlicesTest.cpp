@@ -3,14 +3,9 @@
 #include "scene/Camera.h"
 #include "tests/support/Test.h"
 
-using namespace Vek::Chart::Scene;
-
 namespace {
 
 using Box = Types::BoundingBox_Base<double>;
-using Point = Types::Vector3_Base<double>;
-
-const float Nan = std::numeric_limits<float>::quiet_NaN();
 
 ColorMap Grey() {
   return ColorMap({Qt::black, Qt::white}, ColorMap::Interpolated);
@@ -39,7 +34,7 @@ TEST(VolumeSlices, CutsTheBox) {
 using VolumeSlicesCalls = RecordingScopeFixture;
 
 TEST_F(VolumeSlicesCalls, UploadsVoxelsOnceForAllCopiesAndColors) {
-  const VoxelGrid grid(std::vector<float>{1, 2, Nan, 4}, {4, 1, 1}, Box({0, 0, 0}, {4, 1, 1}));
+  const VoxelGrid grid(std::vector<float>{1, 2, NAN, 4}, {4, 1, 1}, Box({0, 0, 0}, {4, 1, 1}));
   const VolumeSlices first(grid), second(grid, VoxelGrid::Filter::Nearest);
   const std::vector<Slice> cuts = {first.Cut(2, 0.5)};
   first.Draw(gl, cuts, Grey(), ScaleOf(0, 1));
@@ -74,7 +69,7 @@ struct VolumeSlicesPixels : PixelScopeFixture {
 
 TEST_F(VolumeSlicesPixels, ColorsValuesAndLeavesMissingOnesOut) {
   const Box box({0, 0, 0}, {8, 1, 1});
-  const std::vector<float> values = {10, 20, 30, Nan, 50, 60, 70, 80};
+  const std::vector<float> values = {10, 20, 30, NAN, 50, 60, 70, 80};
   VolumeSlices nearest(VoxelGrid(values, {8, 1, 1}, box), VoxelGrid::Filter::Nearest);
   const auto near = [](const std::vector<int>& p_got, const std::vector<int>& p_expected, int p_error) {
     for (std::size_t i = 0; i < p_got.size(); ++i)
@@ -136,7 +131,7 @@ TEST_F(VolumeSlicesPixels, BytesAreColoredFromZeroToOne) {
 }
 
 TEST_F(VolumeSlicesPixels, IdsAreSlices) {
-  const VolumeSlices slices(VoxelGrid(std::vector<float>{1, Nan}, {2, 1, 1}, Box({-1, -1, -1}, {1, 1, 1})),
+  const VolumeSlices slices(VoxelGrid(std::vector<float>{1, NAN}, {2, 1, 1}, Box({-1, -1, -1}, {1, 1, 1})),
                             VoxelGrid::Filter::Nearest);
   gl->ClearColor(QColor(9, 9, 9, 9));
   gl->Clear(RGL_COLOR_BUFFER_BIT);

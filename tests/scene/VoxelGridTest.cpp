@@ -3,15 +3,10 @@
 #include "io/Volume.h"
 #include "tests/support/Test.h"
 
-using namespace Vek::Chart::Scene;
-
 namespace {
 
 using Box = Types::BoundingBox_Base<double>;
-using Point = Types::Vector3_Base<double>;
 using Filter = VoxelGrid::Filter;
-
-const float Nan = std::numeric_limits<float>::quiet_NaN();
 
 std::vector<float> Counted(std::size_t p_count) {
   std::vector<float> values(p_count);
@@ -112,7 +107,7 @@ TEST(VoxelGrid, CoarsensToMeansOfPresentValues) {
 }
 
 TEST(VoxelGrid, LeavesMissingValuesOutOfInterpolationAndRange) {
-  const VoxelGrid grid(std::vector<float>{Nan, 3, 5, INFINITY}, {4, 1, 1}, Box({0, 0, 0}, {4, 1, 1}));
+  const VoxelGrid grid(std::vector<float>{NAN, 3, 5, INFINITY}, {4, 1, 1}, Box({0, 0, 0}, {4, 1, 1}));
   EXPECT_TRUE(grid.HasMissing());
   EXPECT_EQ(std::pair(grid.Range().min, grid.Range().max), std::pair(3.0, 5.0));
   const std::pair<double, double> cases[] = {{0.9, NAN}, {1.1, 3}, {2, 4}, {2.9, 5}, {3.1, NAN}};
@@ -138,27 +133,13 @@ TEST(VoxelGrid, RefusesWhatIsNoGrid) {
   const auto cut = ImageOf(VolumeImage::Byte1, {1, 2, 3});
   cut->Bytes().pop_back();
   const std::function<void()> cases[] = {
-      [&] {
-        VoxelGrid(Counted(7), {2, 2, 2}, box);
-      },
-      [&] {
-        VoxelGrid(Counted(0), {0, 2, 2}, box);
-      },
-      [&] {
-        VoxelGrid(Counted(4), {-2, -2, 1}, box);
-      },
-      [&] {
-        VoxelGrid(Counted(1), {1 << 30, 1 << 30, 1 << 30}, box);
-      },
-      [&] {
-        VoxelGrid(Counted(8), {2, 2, 2}, Box());
-      },
-      [&] {
-        VoxelGrid(Counted(8), {2, 2, 2}, Box({0, 0, 0}, {1, 0, 1}));
-      },
-      [&] {
-        VoxelGrid(Counted(8), {2, 2, 2}, Box({0, 0, 0}, {1, INFINITY, 1}));
-      },
+      VEK_CALL(VoxelGrid(Counted(7), {2, 2, 2}, box)),
+      VEK_CALL(VoxelGrid(Counted(0), {0, 2, 2}, box)),
+      VEK_CALL(VoxelGrid(Counted(4), {-2, -2, 1}, box)),
+      VEK_CALL(VoxelGrid(Counted(1), {1 << 30, 1 << 30, 1 << 30}, box)),
+      VEK_CALL(VoxelGrid(Counted(8), {2, 2, 2}, Box())),
+      VEK_CALL(VoxelGrid(Counted(8), {2, 2, 2}, Box({0, 0, 0}, {1, 0, 1}))),
+      VEK_CALL(VoxelGrid(Counted(8), {2, 2, 2}, Box({0, 0, 0}, {1, INFINITY, 1}))),
       [&] { VoxelGrid(boost::shared_ptr<const VolumeImage>(), box); },
       [&] { VoxelGrid(boost::make_shared<VolumeImage>(), box); },
       [&] { VoxelGrid(four, box); },

@@ -8,7 +8,9 @@
 #include "testing/RecordingFixture.h"
 #include "testing/ReportCapture.h"
 #include "testing/TempFolder.h"
+#include "tests/support/ErrorOf.h"
 #include "tests/support/Shorthands.h"
+#include "tests/support/Shown.h"
 
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
@@ -32,6 +34,7 @@
 #include <map>
 #include <memory>
 #include <numeric>
+#include <optional>
 #include <random>
 #include <regex>
 #include <set>
@@ -39,20 +42,18 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace Vek::Chart::Library {}
-
-// For tests that were written before the fixtures moved.
-namespace Vek::Test {
-using namespace Chart::Testing;
-}
+namespace Vek::Chart::Scene {}
 
 namespace fs = std::filesystem;
 using namespace Vek::Chart;
 using namespace Vek::Chart::Library;
+using namespace Vek::Chart::Scene;
 using namespace Vek::Chart::Testing;
 using namespace Vek::Test;
 using vekdebug::severity;

@@ -1,7 +1,6 @@
 // Comparison of images and meshes: what the tests of others rely on must find each fault.
 
 #include "testing/Surface.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 namespace {

@@ -100,7 +100,7 @@ TEST_F(RecordingGlCalls, ComplainsAboutMisuse) {
        }},
   };
   for (const auto& [complaint, call] : cases) {
-    Testing::RecordingGl fresh;
+    RecordingGl fresh;
     call(*Scope(fresh.Handle()));
     EXPECT_EQ(fresh.Complaints(), Lines{complaint});
   }
@@ -133,7 +133,7 @@ TEST_F(RecordingGlCalls, KeepsStateThatCallsSet) {
 }
 
 TEST(RecorderEndCalls, ComplainsAboutOpenPairsAndLeaks) {
-  Testing::RecordingGl fresh;
+  RecordingGl fresh;
   boost::shared_ptr<Ogl::Texture> texture;
   {
     const Scope open(fresh.Handle());
@@ -155,7 +155,7 @@ TEST(RecorderEndCalls, ComplainsAboutOpenPairsAndLeaks) {
 }
 
 TEST(RecorderEndCalls, ReportsObjectsThatOutliveIt) {
-  auto fresh = std::make_unique<Testing::RecordingGl>();
+  auto fresh = std::make_unique<RecordingGl>();
   boost::shared_ptr<Ogl::Texture> texture = Scope(fresh->Handle())->GenTexture();
   fresh.reset();
   const ReportCapture reports;

@@ -2,7 +2,6 @@
 
 #include "widgets/FigureView.h"
 
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 #include "tests/widgets/Windows.h"
 
@@ -20,7 +19,6 @@ using Scene::OrbitController;
 
 namespace {
 
-using Point = Types::Vector3_Base<double>;
 using Picks = std::vector<std::optional<Point>>;
 
 /// A large red sphere in the middle of small ones at the corners of a box.

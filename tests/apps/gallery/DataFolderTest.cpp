@@ -1,6 +1,5 @@
 #include "apps/gallery/DataFolder.h"
 #include "apps/gallery/TextTable.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;

@@ -7,7 +7,6 @@
 #include "tests/support/Test.h"
 
 #include <sys/wait.h>
-#include <tuple>
 
 using namespace Vek::Chart::Gallery;
 
@@ -39,7 +38,7 @@ const MapFrame World(-180, 180, -80, 84);
 
 TEST(GalleryPixels, EveryPictureIsFilledAndFramedByTheBackground) {
   for (const PictureEntry& entry : Pictures()) {
-    const Testing::ReportCapture reports;
+    const ReportCapture reports;
     const QImage image = RenderPicture(entry, DataInputs(), Small);
     EXPECT_EQ(reports.Texts(), std::vector<std::string>{}) << entry.name;
     ASSERT_EQ(image.size(), QSize(480, 300)) << entry.name;
@@ -131,7 +130,7 @@ TEST(WindPixels, NarrowStripsAndPolarWindsAreDrawn) {
        {"0,-80,5,0\n0,80,5,0\n0.001,-80,5,0\n0.001,80,5,0\n", "0,89.9,0,0\n0,90,0,0\n1,89.9,0,0\n1,90,0,0\n"}) {
     Inputs inputs = DataInputs();
     inputs.winds = folder.Write("wind.csv", std::string("lon,lat,u,v\n") + rows);
-    const Testing::ReportCapture reports;
+    const ReportCapture reports;
     EXPECT_EQ(RenderPicture(Entry("wind"), inputs, Small).size(), QSize(480, 300)) << rows;
     EXPECT_EQ(reports.Texts(), std::vector<std::string>{}) << rows;
   }

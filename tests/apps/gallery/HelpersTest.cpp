@@ -3,7 +3,6 @@
 #include "apps/gallery/Options.h"
 #include "apps/gallery/Palettes.h"
 #include "apps/gallery/Rendering.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;

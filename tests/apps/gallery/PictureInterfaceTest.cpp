@@ -1,7 +1,6 @@
 #include "scene/DepthShader.h"
 
 #include "library/RenderTexture.h"
-#include "platform/ogl/OffscreenContext.h"
 #include "tests/apps/gallery/PictureShots.h"
 #include "tests/support/Test.h"
 
@@ -29,16 +28,16 @@ protected:
 
 TEST_F(PictureInterfacePixels, DrawsAgainTheSameAndTakesColorsAndShapes) {
   for (const PictureEntry& entry : Pictures()) {
-    const Testing::ReportCapture reports;
+    const ReportCapture reports;
     Loading loading;
     const std::unique_ptr<Picture> picture = entry.load(DataInputs(), loading);
     const QImage first = Drawn(*picture);
-    EXPECT_TRUE(Testing::SameImage(Drawn(*picture), first)) << entry.name;
+    EXPECT_TRUE(SameImage(Drawn(*picture), first)) << entry.name;
     if (picture->TakesColors()) {
       picture->SetColors({Qt::white, Qt::cyan});
       EXPECT_NE(Drawn(*picture), first) << entry.name << ": other colours";
       picture->SetColors({});
-      EXPECT_TRUE(Testing::SameImage(Drawn(*picture), first)) << entry.name << ": its own colours again";
+      EXPECT_TRUE(SameImage(Drawn(*picture), first)) << entry.name << ": its own colours again";
     }
     for (std::size_t i = 1; i < picture->Shapes().size(); ++i) {
       picture->SetShape(i);
@@ -46,7 +45,7 @@ TEST_F(PictureInterfacePixels, DrawsAgainTheSameAndTakesColorsAndShapes) {
     }
     picture->SetShape(picture->Shapes().size()); // no such shape
     picture->SetShape(0);
-    EXPECT_TRUE(Testing::SameImage(Drawn(*picture), first)) << entry.name << ": its own shape again";
+    EXPECT_TRUE(SameImage(Drawn(*picture), first)) << entry.name << ": its own shape again";
     EXPECT_TRUE(_gl->CheckError(entry.name));
     EXPECT_EQ(reports.Texts(), std::vector<std::string>{}) << entry.name;
   }

@@ -2,7 +2,6 @@
 #include "apps/gallery/Quakes.h"
 #include "apps/gallery/TextTable.h"
 #include "apps/gallery/WindField.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;

@@ -1,13 +1,10 @@
 #include "apps/gallery/VectorGrid.h"
 #include "apps/gallery/TextTable.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;
 
 namespace {
-
-using Point = Types::Vector3_Base<double>;
 
 std::string ReadError(const std::string& p_text) {
   std::istringstream stream(p_text);

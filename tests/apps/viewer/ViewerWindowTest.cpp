@@ -5,7 +5,6 @@
 #include "apps/viewer/DarkTheme.h"
 #include "scene/TextRenderer.h"
 
-#include "platform/ogl/OffscreenContext.h"
 #include "tests/support/Test.h"
 
 #include <QApplication>

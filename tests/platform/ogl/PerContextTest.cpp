@@ -1,8 +1,5 @@
 #include "platform/ogl/PerContext.h"
-#include "platform/ogl/OffscreenContext.h"
 #include "tests/support/Test.h"
-
-#include <optional>
 
 namespace {
 
@@ -34,7 +31,7 @@ struct Host {
   void Release() const { Ogl::Release(Scope(*handle)); }
   Lines Deletions() const { return recorder.LinesOf({"DeleteTextures"}); }
 
-  Testing::RecordingGl recorder;
+  RecordingGl recorder;
   std::optional<Utility::Unscoped<Rgl>> handle{boost::make_shared<Rgl>(
       recorder.Handle().Object()->Functions(), [this] { recorder.Handle().Object()->ScopeBegin(); },
       [this] { recorder.Handle().Object()->ScopeEnd(); })};

@@ -4,7 +4,7 @@
 namespace {
 
 TEST(Rgl, OutermostScopeSwitchesContexts) {
-  const boost::shared_ptr<const Ogl::GlFunctions> functions = Testing::RecordingGl().Handle().Object()->Functions();
+  const boost::shared_ptr<const Ogl::GlFunctions> functions = RecordingGl().Handle().Object()->Functions();
   std::string log;
   const Utility::Unscoped<Rgl> handle(boost::shared_ptr<Rgl>(new Rgl(
       functions, [&] { log += '('; }, [&] { log += ')'; })));
@@ -182,7 +182,7 @@ TEST_F(RglCalls, VersionsAndFeatures) {
       {"10.2 (Compatibility Profile) Mesa 22.3.6", "", {10, 2, 0}, all},
   };
   for (const auto& [version, extensions, number, features] : cases) {
-    Testing::RecordingGl device;
+    RecordingGl device;
     device.SetVersion(version);
     device.SetExtensions(extensions);
     const Scope deviceGl(device.Handle());
@@ -216,7 +216,7 @@ TEST_F(RglCalls, ReportsErrors) {
 // The recorder's state must be the driver's, at first and after the same calls.
 TEST(RglPixels, TheRecorderAgreesWithTheDriver) {
   const Ogl::OffscreenContext context({9, 3});
-  const Testing::RecordingGl recorder;
+  const RecordingGl recorder;
   const Scope recorded(recorder.Handle()), real(context.Handle());
   const auto numbers = [](const Scope& p_gl, Ogl::GlEnum p_name) {
     std::vector<double> values(16);

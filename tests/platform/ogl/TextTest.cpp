@@ -1,6 +1,5 @@
 #include "platform/ogl/Text.h"
 #include "platform/ogl/TextImage.h"
-#include "tests/support/Shown.h"
 #include "tests/support/Test.h"
 
 using Ogl::Text;

@@ -27,8 +27,6 @@ std::ostream& operator<<(std::ostream& p_stream, const Vector3_Base<double>& p_v
 
 namespace {
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-
 void ExpectNear(const Vector3& p_a, const Vector3& p_b) {
   EXPECT_LE(Length(p_a - p_b), 1e-12) << p_a << " and " << p_b;
 }
@@ -86,7 +84,6 @@ TEST(Matrix3, RotationIsRightHandedAboutItsAxis) {
 }
 
 TEST(Matrix3, FromAxisTurnsTheAxisAndRollsUp) {
-  constexpr double Inf = std::numeric_limits<double>::infinity();
   const Vector3 x(1, 0, 0), y(0, 1, 0), z(0, 0, 1);
   const std::tuple<Vector3, Vector3, Vector3, Vector3> cases[] = {
       // direction, up, image of +z, image of +y
@@ -105,11 +102,11 @@ TEST(Matrix3, FromAxisTurnsTheAxisAndRollsUp) {
       {y, -y, y, z},
       {x, {}, x, y},
       {-y, {NaN, 0, 1}, -y, z},
-      {x, {0, Inf, 0}, x, y},
+      {x, {0, Infinity, 0}, x, y},
       // no direction
       {{}, x, z, y},
       {{1, NaN, 0}, x, z, y},
-      {{0, 0, -Inf}, x, z, y},
+      {{0, 0, -Infinity}, x, z, y},
   };
   for (const auto& [direction, up, axis, side] : cases) {
     const Matrix3 frame = Matrix3::FromAxis(direction, up);
@@ -177,7 +174,6 @@ TEST(BoundingBox, GrowsFromEmptyAndIgnoresNaN) {
 }
 
 TEST(MinMax, GrowsFromEmptyAndIgnoresNaN) {
-  constexpr double Infinity = std::numeric_limits<double>::infinity();
   MinMax_Base<double> range;
   range += NaN;
   EXPECT_TRUE(range.Empty());
