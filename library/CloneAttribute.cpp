@@ -2,11 +2,10 @@
 
 #include "library/StreamWriter.h"
 #include "library/private/memory/GrowingDataWriter.h"
-#include "platform/data/QuantityUnit.h"
+#include "library/private/memory/OneInterface.h"
 #include "platform/data/VertexAttribute.h"
 #include "platform/data/VertexIndex.h"
 #include "platform/debug/Check.h"
-#include "platform/interface/UnknownInterface.h"
 #include "platform/utility/GetLogger.h"
 
 #include <boost/array.hpp>
@@ -25,8 +24,6 @@ namespace Vek::Chart::Library {
 namespace {
 
 using namespace DataInterface;
-using SupportedInterface::AnyInterface;
-using SupportedInterface::InterfaceID;
 using SupportedInterface::ISupportedInterface;
 
 namespace Signature {
@@ -51,19 +48,12 @@ using Elements = boost::shared_ptr<std::vector<E>>;
 
 /// The common part of all clones: the interface W over a vector of elements E that never changes.
 template <class W, class E>
-class Clone : public W {
+class Clone : public Private::OneInterface<W> {
 public:
   explicit Clone(const Elements<E>& p_attributes)
       : _attributes(p_attributes) {}
 
   std::uint32_t Count() const override { return static_cast<std::uint32_t>(_attributes->size()); }
-
-  bool IsSupportedInterface(const InterfaceID& p_id) const override { return p_id == InterfaceID::Of<W>(); }
-  AnyInterface QuerySupportedInterface(const InterfaceID& p_id) override {
-    if (p_id == InterfaceID::Of<W>())
-      return AnyInterface::Of<W>(*this);
-    throw SupportedInterface::UnknownInterface(p_id);
-  }
 
 protected:
   template <class Writer>
@@ -78,28 +68,10 @@ private:
 
 /// Clones of float attributes also have quantity and unit.
 template <class W, unsigned int N>
-class FloatClone : public Clone<W, boost::array<float, N>>, public QuantityUnit {
-  using Base = Clone<W, boost::array<float, N>>;
-
+class FloatClone : public Private::WithUnit<Clone<W, boost::array<float, N>>> {
 public:
-  FloatClone(const Elements<boost::array<float, N>>& p_attributes, QuantityUnitPair p_unit)
-      : Base(p_attributes)
-      , _unit(std::move(p_unit)) {}
-
+  using Private::WithUnit<Clone<W, boost::array<float, N>>>::WithUnit;
   void Write(FloatAttributeStreamWriter<N>& p_writer) const override { this->WriteAll(p_writer); }
-  QuantityUnitPair GetQuantityUnit() const override { return _unit; }
-
-  bool IsSupportedInterface(const InterfaceID& p_id) const override {
-    return p_id == InterfaceID::Of<QuantityUnit>() || Base::IsSupportedInterface(p_id);
-  }
-  AnyInterface QuerySupportedInterface(const InterfaceID& p_id) override {
-    if (p_id == InterfaceID::Of<QuantityUnit>())
-      return AnyInterface::Of<QuantityUnit>(*this);
-    return Base::QuerySupportedInterface(p_id);
-  }
-
-private:
-  QuantityUnitPair _unit;
 };
 
 /// A clone has no raw bytes: the caller falls back to `Write`.

@@ -1,5 +1,7 @@
 #include "library/VertexSource.h"
 
+#include "library/private/memory/OneInterface.h"
+
 #include <boost/make_shared.hpp>
 #include <boost/shared_array.hpp>
 
@@ -14,8 +16,6 @@ namespace {
 
 using namespace DataInterface;
 using Ogl::VertexData;
-using SupportedInterface::AnyInterface;
-using SupportedInterface::InterfaceID;
 
 void CheckArray(const VertexData::Array& p_array) {
   constexpr std::uint32_t Most = std::numeric_limits<std::uint32_t>::max();
@@ -29,7 +29,7 @@ void CheckArray(const VertexData::Array& p_array) {
 
 /// The common part of all sources: the interface W over an array.
 template <class W>
-class ArraySource : public W {
+class ArraySource : public Private::OneInterface<W> {
 public:
   explicit ArraySource(const VertexData::Array& p_array)
       : _array(p_array) {
@@ -37,13 +37,6 @@ public:
   }
 
   std::uint32_t Count() const override { return static_cast<std::uint32_t>(_array.count); }
-
-  bool IsSupportedInterface(const InterfaceID& p_id) const override { return p_id == InterfaceID::Of<W>(); }
-  AnyInterface QuerySupportedInterface(const InterfaceID& p_id) override {
-    if (p_id == InterfaceID::Of<W>())
-      return AnyInterface::Of<W>(*this);
-    throw SupportedInterface::UnknownInterface(p_id);
-  }
 
 protected:
   VertexData::ComponentType Type() const { return _array.type; }
@@ -65,29 +58,15 @@ private:
 
 /// Sources of floats and doubles also have quantity and unit.
 template <class W, unsigned int N>
-class FloatSource : public ArraySource<W>, public QuantityUnit {
-  using Base = ArraySource<W>;
-
+class FloatSource : public Private::WithUnit<ArraySource<W>> {
 public:
-  FloatSource(const VertexData::Array& p_array, QuantityUnitPair p_unit)
-      : Base(p_array)
-      , _unit(std::move(p_unit)) {}
+  using Private::WithUnit<ArraySource<W>>::WithUnit;
 
   void Write(FloatAttributeStreamWriter<N>& p_writer) const override {
     if (this->Type() == VertexData::Double)
       this->template WriteAs<double>(p_writer);
     else
       this->template WriteAs<float>(p_writer);
-  }
-  QuantityUnitPair GetQuantityUnit() const override { return _unit; }
-
-  bool IsSupportedInterface(const InterfaceID& p_id) const override {
-    return p_id == InterfaceID::Of<QuantityUnit>() || Base::IsSupportedInterface(p_id);
-  }
-  AnyInterface QuerySupportedInterface(const InterfaceID& p_id) override {
-    if (p_id == InterfaceID::Of<QuantityUnit>())
-      return AnyInterface::Of<QuantityUnit>(*this);
-    return Base::QuerySupportedInterface(p_id);
   }
 
 protected:
@@ -96,9 +75,6 @@ protected:
       p_precision = this->Type() == VertexData::Double ? DoublePrecision : SinglePrecision;
     return this->Bytes();
   }
-
-private:
-  QuantityUnitPair _unit;
 };
 
 #define VEK_FLOAT_SOURCE(p_n)                                                                                          \

@@ -273,12 +273,7 @@ void GpuMesh::Draw(Utility::Scoped<Rgl>& p_gl, std::size_t p_instances,
 
 namespace {
 
-const char* const VertexText = R"(#version 120
-varying vec3 normal;
-varying vec3 position;
-varying float value;
-varying float missing;
-varying vec4 own;
+const char* const VertexText = R"(
 void main() {
   vec4 eye = gl_ModelViewMatrix * gl_Vertex;
   position = eye.xyz;
@@ -299,7 +294,7 @@ void GpuMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors
     return;
   std::optional<Ogl::ShaderProgram>& lit = _buffers.Get(p_gl).lit;
   if (!lit || !lit->Linked())
-    lit.emplace(p_gl, VertexText, Private::LitColorText());
+    lit.emplace(p_gl, Private::MeshVaryings + std::string(VertexText), Private::LitColorText());
   if (!lit->Linked())
     return; // reported by the program
   const auto map = p_colors.Bind(p_gl);

@@ -40,7 +40,7 @@ enum Location : unsigned int {
   PaintLocation = 9
 };
 
-const char* const VertexText = R"(#version 120
+const char* const VertexText = R"(
 attribute vec3 place;   // of the instance's origin
 attribute float size;
 attribute vec3 axis_x;  // of the rotated mesh
@@ -52,11 +52,6 @@ uniform float least;    // least size at a distance of 1
 uniform int sized;      // whether there are sizes
 uniform int oriented;   // whether there are axes
 uniform int painted;    // whether there are values, colours or ids
-varying vec3 normal;
-varying vec3 position;
-varying float value;
-varying float missing;
-varying vec4 own;
 void main() {
   mat3 turn = oriented != 0 ? mat3(axis_x, axis_y, cross(axis_x, axis_y)) : mat3(1.0);
   float factor = sized != 0 ? size : 1.0;
@@ -233,7 +228,7 @@ namespace {
 const Ogl::ShaderProgram* Made(std::optional<Ogl::ShaderProgram>& p_program, Utility::Scoped<Rgl>& p_gl,
                                const std::string& p_fragmentText) {
   if (!p_program || !p_program->Linked())
-    p_program.emplace(p_gl, VertexText, p_fragmentText,
+    p_program.emplace(p_gl, Private::MeshVaryings + std::string(VertexText), p_fragmentText,
                       std::vector<std::string>{"", "place", "", "", "", "size", "axis_x", "axis_y", "", "paint"});
   return p_program->Linked() ? &*p_program : nullptr;
 }

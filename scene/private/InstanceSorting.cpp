@@ -1,5 +1,7 @@
 #include "scene/private/InstanceSorting.h"
 
+#include "scene/private/Matrix4.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numeric>
@@ -11,19 +13,8 @@ namespace {
 
 using Types::BoundingBox_Base;
 using Point = Types::Vector3_Base<double>;
-using Elements = std::array<double, 16>;
-
-Elements Product(const Elements& p_a, const Elements& p_b) {
-  Elements product{};
-  for (std::size_t column = 0; column < 4; ++column)
-    for (std::size_t row = 0; row < 4; ++row)
-      for (std::size_t i = 0; i < 4; ++i)
-        product[4 * column + row] += p_a[4 * i + row] * p_b[4 * column + i];
-  return product;
-}
-
 /// The factor by which a matrix scales lengths, of all directions in the mean.
-double ScaleOf(const Elements& p_m) {
+double ScaleOf(const Matrix4& p_m) {
   const Point x(p_m[0], p_m[1], p_m[2]), y(p_m[4], p_m[5], p_m[6]), z(p_m[8], p_m[9], p_m[10]);
   return std::cbrt(std::abs(Dot(Cross(x, y), z)));
 }
@@ -31,7 +22,7 @@ double ScaleOf(const Elements& p_m) {
 } // namespace
 
 Projection Projection::Of(const Utility::Scoped<Ogl::Rgl>& p_gl) {
-  Elements view{}, projection{};
+  Matrix4 view{}, projection{};
   std::array<int, 4> viewport{};
   p_gl->GetDoublev(RGL_MODELVIEW_MATRIX, view.data());
   p_gl->GetDoublev(RGL_PROJECTION_MATRIX, projection.data());

@@ -21,7 +21,7 @@ float StoredValue(float p_value) {
 }
 
 const std::string& LitColorText() {
-  static const std::string Text = R"(#version 120
+  static const std::string Text = std::string(MeshVaryings) + R"(
 uniform sampler2D colors;
 uniform int painting;    // 0: by value, 1: by colour
 uniform int lighting;    // 0: none, 1: by normals, 2: by faces
@@ -31,11 +31,6 @@ uniform float factor;    // 1 / (upper - lower)
 uniform vec4 below;
 uniform vec4 above;
 uniform vec4 unknown;    // the colour of missing values
-varying vec3 normal;
-varying vec3 position;
-varying float value;
-varying float missing;
-varying vec4 own;
 
 vec4 ColorOfValue() {
   if (missing > 0.0)

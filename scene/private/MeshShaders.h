@@ -20,11 +20,16 @@ constexpr float LargestValue = 3e38F;
 /// A value as it is stored in GPU memory.
 float StoredValue(float p_value);
 
-/// A fragment shader that lights the colours of a map by GL's light 0. The vertex shader writes
-///
-///     varying vec3 normal, position; // in eye coordinates
-///     varying float value, missing;  // missing: above 0 for a missing value
-///     varying vec4 own;              // the colour, where it does not come from the map
+/// The start of shaders of meshes: the version, and what a vertex shader writes for LitColorText.
+constexpr const char* MeshVaryings = R"(#version 120
+varying vec3 normal;   // in eye coordinates
+varying vec3 position; // in eye coordinates
+varying float value;
+varying float missing; // above 0 for a missing value
+varying vec4 own;      // the colour, where it does not come from the map
+)";
+
+/// A fragment shader that lights the colours of a map by GL's light 0.
 const std::string& LitColorText();
 
 /// How LitColorText finds colours.
