@@ -2,7 +2,7 @@
 
 #include "tests/support/Shown.h"
 #include "tests/support/Test.h"
-#include "tests/widgets/Windows.h"
+#include "tests/support/Windows.h"
 
 #include <QApplication>
 #include <QLabel>

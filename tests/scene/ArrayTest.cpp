@@ -9,13 +9,10 @@
 
 namespace {
 
-using Vector = Types::Vector3_Base<double>;
-
-
 /// x, y and z of all points.
 Doubles Flat(const Array3& p_array) {
   Doubles numbers;
-  for (const Vector& point : Points(p_array))
+  for (const Point& point : Points(p_array))
     numbers.insert(numbers.end(), {point.x, point.y, point.z});
   return numbers;
 }
@@ -150,7 +147,7 @@ TEST(Array, PointsFromEachForm) {
   const std::vector<std::array<std::int16_t, 3>> integers{{1, 2, 3}, {4, 5, 6}};
   const QVector<QVector3D> qtVectors{{1, 2, 3}, {4, 5, 6}};
   const std::vector<Fields> fields{{1, 2, 3}, {4, 5, 6}};
-  const std::vector<Vector> vectors{{1, 2, 3}, {4, 5, 6}};
+  const std::vector<Point> vectors{{1, 2, 3}, {4, 5, 6}};
   const std::vector<Getters> getters{{1, 2, 3}, {4, 5, 6}};
   const std::vector<Indexed> indexed{{1, 2, 3}, {4, 5, 6}};
   const std::vector<Station> stations{{"a", 2, 1, 3, 0}, {"b", 5, 4, 6, 0}};
@@ -198,7 +195,7 @@ TEST(Array, NumbersNeedNotBeAligned) {
 }
 
 TEST(Array, SubtractsTheOriginInDouble) {
-  const std::vector<Vector> points{{4e6 + 0.125, -5e6 - 0.25, 1e9}, {4e6 + 0.25, -5e6, 1e9 + 0.5}};
+  const std::vector<Point> points{{4e6 + 0.125, -5e6 - 0.25, 1e9}, {4e6 + 0.25, -5e6, 1e9 + 0.5}};
   const std::vector<Types::Vector3_Base<float>> near = FloatPoints(points, {4e6, -5e6, 1e9});
   ASSERT_EQ(near.size(), 2U);
   EXPECT_TRUE(near[0].x == 0.125F && near[0].y == -0.25F && near[0].z == 0);
@@ -207,7 +204,7 @@ TEST(Array, SubtractsTheOriginInDouble) {
 }
 
 TEST(Array, BoundsLeaveMissingPointsOut) {
-  const std::vector<Vector> points{{1, 2, 3}, {NaN, 99, 99}, {-1, 5, 3}, {99, Infinity, 99}, {99, 99, NaN}};
+  const std::vector<Point> points{{1, 2, 3}, {NaN, 99, 99}, {-1, 5, 3}, {99, Infinity, 99}, {99, 99, NaN}};
   EXPECT_EQ(CountMissingPoints(points), 3U);
   EXPECT_EQ(FiniteBounds(points), Types::BoundingBox_Base<double>({-1, 2, 3}, {1, 5, 3}));
   EXPECT_TRUE(FiniteBounds(Array3(points.data() + 3, 2)).Empty());
@@ -309,29 +306,25 @@ TEST(Array, ThrowsOnInvalidArguments) {
   } elsewhere;
   const std::vector<Reversed> reversed{{1, 2, 3}};
   const double* const none = nullptr;
-  const std::pair<std::function<void()>, std::string> cases[] = {
-      {[&] { Array3(numbers, numbers, Doubles(2)); }, "Array3: expected as many y and z as x, got 3 x, 3 y and 2 z"},
-      {[&] { Array3(numbers, Doubles(), 1); }, "Array3: expected as many y and z as x, got 3 x, 0 y and 3 z"},
-      {[&] { Array1(none, 7); }, "Array1: expected the address of 7 numbers, got a null pointer"},
-      {[&] { Array3(none, 7); }, "Array1: expected the address of 7 numbers, got a null pointer"},
-      {[&] { Array3(static_cast<const Fields*>(nullptr), 7); },
-       "Array1: expected the address of 7 numbers, got a null pointer"},
-      {VEK_CALL(Array3(Matrix<double, false>{none, 3, 3, 1, 3})),
-       "Array3: expected a matrix of n x 3 or 3 x n numbers, n not 3, got 3 x 3"},
-      {VEK_CALL(Array3(Matrix<double, false>{none, 4, 2, 1, 4})),
-       "Array3: expected a matrix of n x 3 or 3 x n numbers, n not 3, got 4 x 2"},
-      {VEK_CALL(Array1(Matrix<double, true>{none, 2, 4, 1, 4})),
-       "Array1: expected a matrix with one row or one column, got 2 x 4"},
-      {[&] { Array3(elsewhere.elements, 2); },
-       "Array3: expected elements that contain their three numbers, got one with numbers elsewhere"},
-      {[&] { Array3(elsewhere.elements + 1, 1); },
-       "Array3: expected elements that contain their three numbers, got one with numbers elsewhere"},
-      {[&] { Array3{reversed}; },
-       "Array3: expected elements that contain their three numbers, got one with numbers elsewhere"},
-      {[&] { RequireCount("sizes", 5, 7); }, "sizes: expected 7 elements, got 5"},
-  };
-  for (const auto& [call, message] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+  const std::string null = "Array1: expected the address of 7 numbers, got a null pointer";
+  const std::string matrix = "Array3: expected a matrix of n x 3 or 3 x n numbers, n not 3, got ";
+  const std::string elements =
+      "Array3: expected elements that contain their three numbers, got one with numbers elsewhere";
+  ExpectErrors({
+      {"Array3: expected as many y and z as x, got 3 x, 3 y and 2 z", [&] { Array3(numbers, numbers, Doubles(2)); }},
+      {"Array3: expected as many y and z as x, got 3 x, 0 y and 3 z", [&] { Array3(numbers, Doubles(), 1); }},
+      {null, [&] { Array1(none, 7); }},
+      {null, [&] { Array3(none, 7); }},
+      {null, [&] { Array3(static_cast<const Fields*>(nullptr), 7); }},
+      {matrix + "3 x 3", VEK_CALL(Array3(Matrix<double, false>{none, 3, 3, 1, 3}))},
+      {matrix + "4 x 2", VEK_CALL(Array3(Matrix<double, false>{none, 4, 2, 1, 4}))},
+      {"Array1: expected a matrix with one row or one column, got 2 x 4",
+       VEK_CALL(Array1(Matrix<double, true>{none, 2, 4, 1, 4}))},
+      {elements, [&] { Array3(elsewhere.elements, 2); }},
+      {elements, [&] { Array3(elsewhere.elements + 1, 1); }},
+      {elements, [&] { Array3{reversed}; }},
+      {"sizes: expected 7 elements, got 5", [&] { RequireCount("sizes", 5, 7); }},
+  });
   EXPECT_NO_THROW(RequireCount("sizes", 7, 7));
   EXPECT_NO_THROW(Array1(none, 0));
 }

@@ -1,7 +1,5 @@
 #include "scene/Axes.h"
-#include "tests/support/Test.h"
-
-#include <QPolygonF>
+#include "tests/support/Figures.h"
 
 namespace {
 
@@ -9,7 +7,6 @@ using Box = Types::BoundingBox_Base<double>;
 using Label = AxesLayout::Label;
 using Line = AxesLayout::Line;
 using Standard = Camera::StandardView;
-using Viewport = Types::Viewport<0>;
 
 /// Letters of 7 × 14 points at ticks and 8 × 18 points in titles.
 QSizeF SizeOf(const QString& p_text, AxesLayout::Font p_font) {
@@ -22,27 +19,6 @@ Axes Example(const Box& p_box = Box({0, 0, 0}, {4, 3, 2})) {
 
 Axes::Target TargetOf(const Viewport& p_viewport) {
   return {p_viewport, 1, SizeOf};
-}
-
-QPolygonF PolygonOf(const std::vector<AxesLayout::Position>& p_corners) {
-  QPolygonF polygon;
-  for (const auto& [x, y] : p_corners)
-    polygon << QPointF(x, y);
-  return polygon;
-}
-
-QPolygonF PolygonOf(const Label& p_label) {
-  const auto corners = p_label.Corners();
-  return PolygonOf({corners.begin(), corners.end()});
-}
-
-double Area(const QPolygonF& p_polygon) {
-  double area = 0;
-  for (int i = 0; i < p_polygon.size(); ++i) {
-    const QPointF a = p_polygon[i], b = p_polygon[(i + 1) % p_polygon.size()];
-    area += (a.x() * b.y() - a.y() * b.x()) / 2;
-  }
-  return std::abs(area);
 }
 
 /// The projected faces of a box, whose union is the projected box.
@@ -65,9 +41,9 @@ void ExpectNothingOverlaps(const AxesLayout& p_layout, const Viewport& p_viewpor
     EXPECT_TRUE(label.rotation > -80 && label.rotation <= 100) << label.rotation;
     EXPECT_TRUE(image.contains(polygon.boundingRect())) << label.text.toStdString() << " leaves the image";
     for (const QPolygonF& face : faces)
-      EXPECT_LT(Area(polygon.intersected(face)), 1e-3) << label.text.toStdString() << " lies over the box";
+      EXPECT_LT(AreaOf(polygon.intersected(face)), 1e-3) << label.text.toStdString() << " lies over the box";
     for (std::size_t k = 0; k < i; ++k)
-      EXPECT_LT(Area(polygon.intersected(PolygonOf(p_layout.labels[k]))), 1e-3)
+      EXPECT_LT(AreaOf(polygon.intersected(PolygonOf(p_layout.labels[k]))), 1e-3)
           << label.text.toStdString() << " meets " << p_layout.labels[k].text.toStdString();
   }
 }

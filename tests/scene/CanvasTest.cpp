@@ -10,8 +10,9 @@ class CanvasPixels : public PixelScopeFixture {
 public:
   CanvasPixels() { MakeApplication(); }
 
-  /// The pixels of a viewport with 7 × 4 points of two pixels, after something was drawn in white of half opacity over
-  /// black: '#' for what was drawn once, '?' for what was drawn twice or by a part.
+  /// The rows of a viewport with 7 × 4 points of two pixels, from above and without what is empty at their ends, after
+  /// something was drawn in white of half opacity over black: '#' for what was drawn once, '?' for what was drawn twice
+  /// or by a part.
   std::string Drawn(const std::function<void(Canvas&)>& p_draw) {
     gl->ClearColor(Qt::black);
     gl->Clear(RGL_COLOR_BUFFER_BIT);
@@ -26,7 +27,8 @@ public:
       for (int x = part.left(); x <= part.right(); ++x)
         around.setPixelColor(x, y, Qt::black);
     EXPECT_EQ(Map(around, Qt::white, Qt::black).find_first_not_of(".\n"), std::string::npos) << "beside the viewport";
-    return Map(image.copy(part), grey, Qt::black);
+    return std::regex_replace(std::regex_replace(Map(image.copy(part), grey, Qt::black), std::regex("[.]*\n"), "/"),
+                              std::regex("^/+$"), "nothing");
   }
 
   TextRenderer text;
@@ -36,124 +38,26 @@ public:
 
 } // namespace
 
+#define VEK_ON(...) [&](Canvas& p_canvas) { p_canvas.__VA_ARGS__; }
+
 TEST_F(CanvasPixels, DrawsInPoints) {
-  struct Case {
-    const char* name;
-    std::function<void(Canvas&)> draw;
-    std::string expected;
+  const std::string box = ".############/", sides = ".##........##/", ends = ".##......##/";
+  const std::tuple<const char*, std::function<void(Canvas&)>, std::string> cases[] = {
+      {"fill", VEK_ON(Fill({1, 1, 3, 2}, color)), "////..####/..####///"},
+      {"a frame, each pixel once", VEK_ON(Frame({1, 1, 6, 3}, 1, color)),
+       "/" + box + box + sides + sides + box + box + "/"},
+      {"line", VEK_ON(Line({1, 2}, {6, 2}, 2, color)), "//..##########/..##########/..##########/..##########///"},
+      {"a line of at least one pixel", VEK_ON(Line({1, 1.1}, {6, 1.1}, 0.01, color)), "/////..##########///"},
+      {"no line from a point to itself", VEK_ON(Line({1, 2}, {1, 2}, 2, color)), "nothing"},
+      {"mitred joints, each pixel once", VEK_ON(Polyline({{1, 0.5}, {1, 3}, {1, 3}, {5, 3}, {5, 0.5}}, 1, color)),
+       "/.##########/.##########/" + ends + ends + ends + ends + "/"},
+      {"an interrupted line", VEK_ON(Polyline({{1, 2}, {2, 2}, {NaN, 2}, {4, 2}, {6, 2}, {6, NaN}, {6, 1}}, 1, color)),
+       "///..##....####/..##....####////"},
+      {"polygon", VEK_ON(Polygon({{1, 1}, {4, 1}, {4, 2}, {1, 2}}, color)), "////..######/..######///"},
+      {"no polygon of two corners", VEK_ON(Polygon({{1, 1}, {4, 1}}, color)), "nothing"},
   };
-  const std::vector<Case> cases = {
-      {"fill",
-       [&](Canvas& c) {
-         c.Fill({1, 1, 3, 2}, color);
-       },
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..####........\n"
-       "..####........\n"
-       "..............\n"
-       "..............\n"},
-      {"a frame, each pixel once",
-       [&](Canvas& c) {
-         c.Frame({1, 1, 6, 3}, 1, color);
-       },
-       "..............\n"
-       ".############.\n"
-       ".############.\n"
-       ".##........##.\n"
-       ".##........##.\n"
-       ".############.\n"
-       ".############.\n"
-       "..............\n"},
-      {"line",
-       [&](Canvas& c) {
-         c.Line({1, 2}, {6, 2}, 2, color);
-       },
-       "..............\n"
-       "..............\n"
-       "..##########..\n"
-       "..##########..\n"
-       "..##########..\n"
-       "..##########..\n"
-       "..............\n"
-       "..............\n"},
-      {"a line of at least one pixel",
-       [&](Canvas& c) {
-         c.Line({1, 1.1}, {6, 1.1}, 0.01, color);
-       },
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..##########..\n"
-       "..............\n"
-       "..............\n"},
-      {"no line from a point to itself",
-       [&](Canvas& c) {
-         c.Line({1, 2}, {1, 2}, 2, color);
-       },
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"},
-      {"mitred joints, each pixel once",
-       [&](Canvas& c) {
-         c.Polyline({{1, 0.5}, {1, 3}, {1, 3}, {5, 3}, {5, 0.5}}, 1, color);
-       },
-       "..............\n"
-       ".##########...\n"
-       ".##########...\n"
-       ".##......##...\n"
-       ".##......##...\n"
-       ".##......##...\n"
-       ".##......##...\n"
-       "..............\n"},
-      {"an interrupted line",
-       [&](Canvas& c) {
-         c.Polyline({{1, 2}, {2, 2}, {NaN, 2}, {4, 2}, {6, 2}, {6, NaN}, {6, 1}}, 1, color);
-       },
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..##....####..\n"
-       "..##....####..\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"},
-      {"polygon",
-       [&](Canvas& c) {
-         c.Polygon({{1, 1}, {4, 1}, {4, 2}, {1, 2}}, color);
-       },
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..######......\n"
-       "..######......\n"
-       "..............\n"
-       "..............\n"},
-      {"no polygon of two corners",
-       [&](Canvas& c) {
-         c.Polygon({{1, 1}, {4, 1}}, color);
-       },
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"
-       "..............\n"},
-  };
-  for (const Case& test : cases)
-    EXPECT_EQ(Drawn(test.draw), test.expected) << test.name;
+  for (const auto& [name, draw, expected] : cases)
+    EXPECT_EQ(Drawn(draw), expected) << name;
 }
 
 TEST_F(CanvasPixels, LimitsMiters) {
@@ -201,13 +105,9 @@ TEST_F(CanvasPixels, PutsStringsAtPointsOfTheScene) {
   const QImage projected = Image();
   Drawn([&](Canvas& c) { c.Text("x", {(pixel.x - 20) / 2 + 0.5, (pixel.y - 10) / 2 - 0.5}, {0.5, 0.5}, style); });
   EXPECT_EQ(Image(), projected);
-  const std::string nothing = Drawn([](Canvas&) {});
-  EXPECT_NE(Map(projected.copy(20, FrameSize.height - 18, 14, 8), grey, Qt::black), nothing);
-  EXPECT_EQ(Drawn([&](Canvas& c) {
-              c.TextAt("x", view, view.camera.Eye() * 2.0, {12, 6}, {0.5, 0.5}, style);
-            }),
-            nothing)
-      << "behind the camera";
+  const auto behind = [&](Canvas& c) { c.TextAt("x", view, view.camera.Eye() * 2.0, {12, 6}, {0.5, 0.5}, style); };
+  EXPECT_EQ(Drawn(behind), "nothing") << "behind the camera";
+  EXPECT_NE(Image(), projected);
 }
 
 TEST_F(CanvasPixels, HasItsSizeAndPartsInPoints) {
@@ -259,38 +159,9 @@ TEST_F(CanvasPixels, NeitherChangesNorTakesTheHostsState) {
   gl->MatrixMode(RGL_TEXTURE);
   gl->Viewport({1, 2, 3, 4});
   gl->Color(Qt::green);
-  const auto state = [&] {
-    std::map<Ogl::GlEnum, std::vector<float>> values;
-    for (const Ogl::GlEnum name : {RGL_ACTIVE_TEXTURE,
-                                   RGL_TEXTURE_BINDING_2D,
-                                   RGL_BLEND_SRC_RGB,
-                                   RGL_BLEND_DST_RGB,
-                                   RGL_CURRENT_COLOR,
-                                   RGL_TEXTURE_2D,
-                                   RGL_BLEND,
-                                   RGL_LIGHTING,
-                                   RGL_POLYGON_MODE,
-                                   RGL_SHADE_MODEL,
-                                   RGL_UNPACK_SKIP_ROWS,
-                                   RGL_UNPACK_ALIGNMENT,
-                                   RGL_VIEWPORT,
-                                   RGL_MATRIX_MODE,
-                                   RGL_SCISSOR_TEST,
-                                   RGL_SCISSOR_BOX,
-                                   RGL_DEPTH_WRITEMASK,
-                                   RGL_DEPTH_CLEAR_VALUE,
-                                   RGL_STENCIL_WRITEMASK,
-                                   RGL_CLIP_PLANE0,
-                                   RGL_ATTRIB_STACK_DEPTH,
-                                   RGL_MODELVIEW_STACK_DEPTH,
-                                   RGL_PROJECTION_STACK_DEPTH,
-                                   RGL_CURRENT_PROGRAM})
-      gl->GetFloatv(name, (values[name] = std::vector<float>(16)).data());
-    return values;
-  };
-  const auto before = state();
+  const auto before = StateOf(gl);
   draw();
-  EXPECT_EQ(state(), before);
+  EXPECT_EQ(StateOf(gl), before);
   gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 0);
   gl->MatrixMode(RGL_MODELVIEW);
   for (int x = 2; x < 42; ++x)

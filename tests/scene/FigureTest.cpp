@@ -1,66 +1,38 @@
 #include "scene/Figure.h"
 
-#include "tests/support/Test.h"
-
-#include <QPolygonF>
+#include "tests/support/Figures.h"
 
 namespace {
 
-using Viewport = Types::Viewport<0>;
+using Points = std::vector<Point>;
 using Range = Types::MinMax_Base<double>;
-using Notes = std::vector<QString>;
 
-const Viewport Wide(0, 0, 600, 400);
-
-/// Seeded points in a box around the origin.
-Points Cloud(std::size_t p_count, const Point& p_half = {1, 1, 1}, const Point& p_middle = {}) {
-  std::mt19937 generator(7);
-  std::uniform_real_distribution<double> number(-1, 1);
-  Points points(p_count);
-  for (Point& point : points)
-    point = p_middle + Point(p_half.x * number(generator), p_half.y * number(generator), p_half.z * number(generator));
-  return points;
-}
-
-Doubles Ascending(std::size_t p_count) {
-  Doubles numbers(p_count);
-  for (std::size_t i = 0; i < p_count; ++i)
-    numbers[i] = static_cast<double>(i);
-  return numbers;
-}
-
-class FigureTest : public ::testing::Test {
-protected:
-  void SetUp() override { MakeApplication(); }
-  Notes NotesOf(Figure& p_figure) { return p_figure.Layout(Wide).notes; }
-};
+using FigureTest = FigureFixture;
+using FigureCalls = FigureCallsFixture;
+using FigurePixels = FigurePixelsFixture;
 
 TEST_F(FigureTest, RefusesWrongArguments) {
   Figure figure, other;
   ScatterPlot& plot = figure.Scatter(Cloud(3));
-  const std::vector<std::pair<std::function<void()>, std::string>> cases = {
-      {[&] { figure.Quiver(Cloud(3), Cloud(2)); }, "Quiver: vectors: expected 3 elements, got 2"},
-      {[&] { plot.ColorBy(Doubles(4)); }, "ColorBy: expected 3 elements, got 4"},
-      {[&] { plot.SizeBy(Doubles(2)); }, "SizeBy: expected 3 elements, got 2"},
-      {[&] { plot.UpdatePositions(Cloud(1)); }, "UpdatePositions: expected 3 elements, got 1"},
-      {[&] { plot.ColorRange(2, 2); }, "ColorRange: expected finite, ascending limits, got 2 and 2"},
-      {[&] { plot.LogScale().ColorRange(0, 2); }, "ColorRange: expected finite, ascending limits above 0, got 0 and 2"},
-      {[&] { plot.ColorMap(std::vector<QColor>()); }, "ColorMap: expected at least one colour, got none"},
-      {[&] { plot.Color({}); }, "Color: expected a valid colour, got an invalid one"},
-      {[&] { plot.SetOpacity(2); }, "SetOpacity: expected 0 to 1, got 2.000000"},
-      {[&] { plot.Diameter(0); }, "Diameter: expected a fraction above 0 and up to 1, got 0.000000"},
-      {[&] { plot.Symbol(Model::Symbol::ShapeCustom); }, "Symbol: expected a built-in shape, got 15"},
-      {[&] { figure.SetLimits(0, 1, NaN); }, "SetLimits: expected finite, ascending limits, got 1.000000 and nan"},
-      {[&] { figure.SetLimits(3, 0, 1); }, "SetLimits: expected an axis of 0 to 2, got 3"},
-      {[&] { figure.SetAspect(1, 0, 1); }, "SetAspect: expected factors above 0, got 0.000000"},
-      {VEK_CALL(figure.Image({0, 5})),
-       "Image: expected a size above 0, got 0 x 5"},
-      {[&] { other.Remove(plot); }, "Remove: expected a plot of this figure, got another one"},
-  };
-  for (const auto& [call, message] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
-  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { plot.ColorMap("vridis"); }).find("colour map \"vridis\""),
-            0U);
+  ExpectErrors({
+      {"Quiver: vectors: expected 3 elements, got 2", [&] { figure.Quiver(Cloud(3), Cloud(2)); }},
+      {"ColorBy: expected 3 elements, got 4", [&] { plot.ColorBy(Doubles(4)); }},
+      {"SizeBy: expected 3 elements, got 2", [&] { plot.SizeBy(Doubles(2)); }},
+      {"UpdatePositions: expected 3 elements, got 1", [&] { plot.UpdatePositions(Cloud(1)); }},
+      {"ColorRange: expected finite, ascending limits, got 2 and 2", [&] { plot.ColorRange(2, 2); }},
+      {"ColorRange: expected finite, ascending limits above 0, got 0 and 2", [&] { plot.LogScale().ColorRange(0, 2); }},
+      {"ColorMap: expected at least one colour, got none", [&] { plot.ColorMap(std::vector<QColor>()); }},
+      {"Color: expected a valid colour, got an invalid one", [&] { plot.Color({}); }},
+      {"SetOpacity: expected 0 to 1, got 2.000000", [&] { plot.SetOpacity(2); }},
+      {"Diameter: expected a fraction above 0 and up to 1, got 0.000000", [&] { plot.Diameter(0); }},
+      {"Symbol: expected a built-in shape, got 15", [&] { plot.Symbol(Model::Symbol::ShapeCustom); }},
+      {"SetLimits: expected finite, ascending limits, got 1.000000 and nan", [&] { figure.SetLimits(0, 1, NaN); }},
+      {"SetLimits: expected an axis of 0 to 2, got 3", [&] { figure.SetLimits(3, 0, 1); }},
+      {"SetAspect: expected factors above 0, got 0.000000", [&] { figure.SetAspect(1, 0, 1); }},
+      {"Image: expected a size above 0, got 0 x 5", VEK_CALL(figure.Image({0, 5}))},
+      {"Remove: expected a plot of this figure, got another one", [&] { other.Remove(plot); }},
+  });
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { plot.ColorMap("vridis"); }).find("colour map \"vridis\""), 0U);
   EXPECT_EQ(ErrorOf<std::runtime_error>([&] {
               figure.Save("/no/such/folder/a.png", {40, 30});
             }).find("/no/such/folder/a.png: "),
@@ -120,8 +92,8 @@ TEST_F(FigureTest, SaysWhatTheDataDoNotShow) {
   Figure empty;
   empty.Scatter(Points{{NaN, 0, 0}});
   ReportCapture reports;
-  EXPECT_FALSE(empty.Layout(Wide).axes.labels.empty());
-  empty.Layout(Wide);
+  EXPECT_FALSE(empty.Layout(wide).axes.labels.empty());
+  empty.Layout(wide);
   EXPECT_EQ(reports.Texts(), Lines{"WARNING: Figure: plot 1 has no point to show"});
 }
 
@@ -172,7 +144,7 @@ TEST_F(FigureTest, ExtremeNumbersHaveALayout) {
         figure.Scatter(points).ColorBy(Doubles{low, high, 1}).LogScale(isLogarithmic);
         figure.Quiver(points, points).ColorBy(Doubles{high, low, 0});
         FigureLayout layout;
-        EXPECT_NO_THROW(layout = figure.Layout(Wide)) << low << " to " << high << ", " << isLogarithmic;
+        EXPECT_NO_THROW(layout = figure.Layout(wide)) << low << " to " << high << ", " << isLogarithmic;
         EXPECT_TRUE(std::isfinite(layout.camera.distance)) << low << " to " << high << ", " << isLogarithmic;
       }
     }
@@ -190,7 +162,7 @@ std::vector<QString> StringsOf(const FigureLayout& p_layout) {
 TEST_F(FigureTest, KeysAreTrueToTheData) {
   Figure figure;
   figure.Quiver(Points{{0, 0, 0}, {30, 40, 0}}, Points(2, Point(0, 7, 0))).UnitLength(0.02).LengthTitle("m/s");
-  const FigureLayout layout = figure.Layout(Wide);
+  const FigureLayout layout = figure.Layout(wide);
   ASSERT_EQ(layout.blocks.size(), 1U);
   const LegendBlock& key = layout.blocks[0].content;
   double value = 0, left = HUGE_VAL, right = -HUGE_VAL;
@@ -199,7 +171,7 @@ TEST_F(FigureTest, KeysAreTrueToTheData) {
   for (const LegendBlock::Shape& shape : key.Shapes())
     for (const auto& corner : shape.corners)
       left = std::min(left, corner.x), right = std::max(right, corner.x);
-  const auto pixel = [&](double p_x) { return layout.camera.Project(figure.ToScene({p_x, 0, 0}), Wide).x; };
+  const auto pixel = [&](double p_x) { return layout.camera.Project(figure.ToScene({p_x, 0, 0}), wide).x; };
   EXPECT_GT(value, 0);
   EXPECT_NEAR(right - left, value * 0.02 * 50 * (pixel(1) - pixel(0)), 0.5);
   const std::vector<QString> strings = StringsOf(layout);
@@ -209,7 +181,7 @@ TEST_F(FigureTest, KeysAreTrueToTheData) {
 TEST_F(FigureTest, EqualColorsShareABar) {
   const auto bars = [&](Figure& p_figure) {
     std::size_t count = 0;
-    for (const FigureLayout::Block& block : p_figure.Layout(Wide).blocks)
+    for (const FigureLayout::Block& block : p_figure.Layout(wide).blocks)
       count += block.content.Gradients().size();
     return count;
   };
@@ -221,22 +193,9 @@ TEST_F(FigureTest, EqualColorsShareABar) {
   EXPECT_EQ(bars(figure), 2U);
   second.Label("second").Color(Qt::red);
   EXPECT_EQ(bars(figure), 1U);
-  const std::vector<QString> strings = StringsOf(figure.Layout(Wide));
+  const std::vector<QString> strings = StringsOf(figure.Layout(wide));
   for (const char* const name : {"Depth", "first", "second"})
     EXPECT_EQ(std::count(strings.begin(), strings.end(), name), 1) << name;
-}
-
-QPolygonF PolygonOf(const Canvas::Rect& p_rect) {
-  return QPolygonF(QRectF(QPointF(p_rect.left, p_rect.bottom), QPointF(p_rect.right, p_rect.top)));
-}
-
-double Area(const QPolygonF& p_polygon) {
-  double area = 0;
-  for (int i = 0; i < p_polygon.size(); ++i) {
-    const QPointF a = p_polygon[i], b = p_polygon[(i + 1) % p_polygon.size()];
-    area += (a.x() * b.y() - a.y() * b.x()) / 2;
-  }
-  return std::abs(area);
 }
 
 TEST_F(FigureTest, KeepsAllStringsApartAndInside) {
@@ -257,21 +216,20 @@ TEST_F(FigureTest, KeepsAllStringsApartAndInside) {
     for (const Viewport& viewport : {Viewport(0, 0, 1000, 600), Viewport(0, 0, 500, 900), Viewport(0, 0, 420, 380)}) {
       const FigureLayout layout = figure.Layout(viewport);
       std::vector<QPolygonF> polygons;
-      for (const FigureLayout::Block& block : layout.blocks)
-        polygons.push_back(PolygonOf(block.Rect()));
-      for (const AxesLayout::Label& label : layout.axes.labels) {
-        QPolygonF polygon;
-        for (const auto& [x, y] : label.Corners())
-          polygon << QPointF(x, y);
-        polygons.push_back(polygon);
+      for (const FigureLayout::Block& block : layout.blocks) {
+        const Canvas::Rect rect = block.Rect();
+        polygons.push_back(QRectF(QPointF(rect.left, rect.bottom), QPointF(rect.right, rect.top)));
       }
+      for (const AxesLayout::Label& label : layout.axes.labels)
+        polygons.push_back(PolygonOf(label));
       blocks += layout.blocks.size();
       labels += layout.axes.labels.size();
       const QRectF page(QPointF(-0.5, -0.5), layout.size + QSizeF(1, 1));
       for (std::size_t i = 0; i < polygons.size(); ++i) {
         EXPECT_TRUE(page.contains(polygons[i].boundingRect())) << "view " << view << ", string " << i;
         for (std::size_t j = 0; j < i; ++j)
-          EXPECT_LT(Area(polygons[i].intersected(polygons[j])), 1) << "view " << view << ", strings " << i << ", " << j;
+          EXPECT_LT(AreaOf(polygons[i].intersected(polygons[j])), 1)
+              << "view " << view << ", strings " << i << ", " << j;
       }
       for (std::size_t i = 0; i < layout.blocks.size(); ++i) // no legend over data
         for (const auto& [x, y] : layout.axes.corners)
@@ -282,31 +240,6 @@ TEST_F(FigureTest, KeepsAllStringsApartAndInside) {
   EXPECT_GT(labels, 600U * 8);
   EXPECT_GE(blocks, 600U * 5);
 }
-
-class FigureCalls : public RecordingScopeFixture {
-protected:
-  static constexpr Vek::Chart::Ogl::GlEnum ProfileMask = 0x9126;
-  void SetUp() override {
-    MakeApplication();
-    recorder.SetVersion("3.3.0");
-    recorder.SetInteger(ProfileMask, {2});
-  }
-  /// The calls of a drawing.
-  Lines CallsOf(Figure& p_figure) {
-    recorder.Clear();
-    p_figure.Draw(gl, Wide);
-    return recorder.Lines();
-  }
-  /// The bytes of each upload of a drawing.
-  std::vector<std::size_t> UploadsOf(Figure& p_figure) {
-    CallsOf(p_figure);
-    std::vector<std::size_t> bytes;
-    for (const std::string& line : recorder.LinesOf({"MapBufferRange"}))
-      bytes.push_back(std::stoul(line.substr(line.find(", 0, ") + 5)));
-    EXPECT_EQ(recorder.LinesOf({"BufferSubData"}), Lines());
-    return bytes;
-  }
-};
 
 TEST_F(FigureCalls, AreAsManyForTenTimesAsManyElements) {
   std::vector<std::size_t> calls;
@@ -366,26 +299,6 @@ TEST_F(FigureCalls, DrawNothingInACoreContext) {
             Lines{"WARNING: Figure: a compatibility profile is needed, this context has a core profile"});
 }
 
-class FigurePixels : public PixelScopeFixture {
-public:
-  static constexpr Types::Size ImageSize{300, 200};
-  FigurePixels()
-      : PixelScopeFixture(ImageSize) {}
-
-protected:
-  const Viewport viewport{0, 0, 300, 200};
-  void SetUp() override {
-    MakeApplication();
-    PixelScopeFixture::SetUp();
-  }
-  /// The pixel at which a point of the data must appear.
-  QColor AtPoint(Figure& p_figure, const Point& p_data) {
-    const FigureLayout layout = p_figure.Layout(viewport);
-    const Camera::Pixel pixel = layout.camera.Project(p_figure.ToScene(p_data), viewport);
-    return At(static_cast<int>(pixel.x), static_cast<int>(pixel.y));
-  }
-};
-
 TEST_F(FigurePixels, PointsAreWhereTheyBelong) {
   const Points flat{{0, 0, 5}, {10, 7, 5}, {3, 6, 5}};
   Figure figure;
@@ -416,10 +329,8 @@ TEST_F(FigurePixels, PointsAreWhereTheyBelong) {
 TEST_F(FigurePixels, ArrowsPointAlongTheirVectors) {
   Figure figure;
   figure.Quiver(Points{{0, 0, 0}, {10, 10, 0}}, Points{{0, 2, 0}, {0, 0, 0}}).Color(Qt::red).UnitLength(0.1);
-  figure.theme.grid = figure.theme.line = Qt::white;
-  figure.Draw(gl, viewport);
   const double length = 2 * 0.1 * std::sqrt(200.0); // of the first arrow, in data units
-  EXPECT_EQ(AtPoint(figure, {0, 0.5 * length, 0}), QColor(Qt::red));
+  EXPECT_EQ(Drawn(figure, {0, 0.5 * length, 0}), QColor(Qt::red));
   EXPECT_EQ(AtPoint(figure, {0.1 * length, 0.7 * length, 0}), QColor(Qt::red)) << "the head is wider";
   EXPECT_EQ(AtPoint(figure, {0, 1.05 * length, 0}), QColor(Qt::white));
   EXPECT_EQ(AtPoint(figure, {0.3 * length, 0.2 * length, 0}), QColor(Qt::white));
@@ -429,19 +340,16 @@ TEST_F(FigurePixels, ArrowsPointAlongTheirVectors) {
 TEST_F(FigurePixels, TransparentPlotsShowWhatIsBehindThem) {
   const Points corners{{0, 0, 0}, {10, 10, 0}};
   Figure figure;
-  figure.theme.grid = figure.theme.line = Qt::white;
   figure.Scatter(Points{{5, 5, 1}}).Color(Qt::red).Diameter(0.2).SetOpacity(0.5);
   figure.Scatter(Points{{5, 5, 0}}).Color(Qt::blue).Diameter(0.1);
   ScatterPlot& frame = figure.Scatter(corners);
   figure.Look(0, 90, Camera::Projection::Parallel);
-  figure.Draw(gl, viewport);
-  const QColor both = AtPoint(figure, {5, 5, 1});
+  const QColor both = Drawn(figure, {5, 5, 1});
   EXPECT_GT(both.red(), 60);
   EXPECT_GT(both.blue(), 60);
   frame.SetVisible(false);
   figure.Scatter(corners).SetOpacity(0);
-  figure.Draw(gl, viewport);
-  EXPECT_EQ(AtPoint(figure, corners[0]), QColor(Qt::white));
+  EXPECT_EQ(Drawn(figure, corners[0]), QColor(Qt::white));
 }
 
 TEST_F(FigurePixels, DataAreReadDuringTheCall) {
@@ -477,13 +385,10 @@ TEST_F(FigurePixels, HostStateChangesNothing) {
   gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_LINE);
   gl->Enable(RGL_FOG);
   gl->MatrixMode(RGL_TEXTURE);
+  const auto state = StateOf(gl);
   figure.Draw(gl, viewport);
   EXPECT_TRUE(SameImage(Image(), expected));
-  int mode = 0, function = 0;
-  gl->GetIntegerv(RGL_MATRIX_MODE, &mode);
-  gl->GetIntegerv(RGL_DEPTH_FUNC, &function);
-  EXPECT_EQ(mode, static_cast<int>(RGL_TEXTURE));
-  EXPECT_EQ(function, static_cast<int>(RGL_NEVER));
+  EXPECT_EQ(StateOf(gl), state);
 }
 
 /// Figures end before and after contexts and move in between; the fixture and the capture see what is left.
@@ -492,6 +397,7 @@ TEST_F(FigurePixels, FiguresAndContextsEndInAnyOrder) {
   const auto filled = [] {
     Figure figure("Title");
     figure.Scatter(Cloud(20)).ColorBy(Ascending(20));
+    figure.Surface(Ascending(3), Ascending(3), Ascending(9)).Contours();
     return figure;
   };
   for (const bool figureEndsFirst : {true, false}) {

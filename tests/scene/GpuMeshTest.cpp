@@ -22,20 +22,6 @@ GpuMesh::Arrays Colored(const std::vector<double>& p_values) {
   return arrays;
 }
 
-/// The bytes of all uploads so far.
-std::vector<std::size_t> Uploads(RecordingGl& p_recorder) {
-  std::vector<std::size_t> bytes;
-  const std::regex call("MapBufferRange\\(GL_ARRAY_BUFFER, 0, (\\d+), .*");
-  for (const std::string& line : p_recorder.LinesOf({"MapBufferRange"})) {
-    std::smatch match;
-    EXPECT_TRUE(std::regex_match(line, match, call)) << line;
-    bytes.push_back(std::stoul(match[1]));
-  }
-  EXPECT_EQ(p_recorder.LinesOf({"BufferSubData"}), Lines());
-  p_recorder.Clear();
-  return bytes;
-}
-
 using Bytes = std::vector<std::size_t>;
 
 } // namespace
@@ -94,28 +80,28 @@ using GpuMeshCalls = RecordingScopeFixture;
 
 TEST_F(GpuMeshCalls, UploadsWhatChanged) {
   GpuMesh mesh(Colored({0, 0.25, 0.5, 1}));
-  EXPECT_EQ(Uploads(recorder), Bytes());
+  EXPECT_EQ(UploadsOf(recorder), Bytes());
   mesh.Draw(gl);
   EXPECT_EQ(recorder.LinesOf({"DrawElements"}), Lines{"DrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_INT, null)"});
   for (const std::string& line : recorder.LinesOf({"VertexPointer", "NormalPointer", "TexCoordPointer"}))
     EXPECT_NE(line.find("null"), std::string::npos) << line; // offsets, no client memory
-  EXPECT_EQ(Uploads(recorder), (Bytes{48, 48, 16, 24}));     // positions, computed normals, values, indices
+  EXPECT_EQ(UploadsOf(recorder), (Bytes{48, 48, 16, 24}));   // positions, computed normals, values, indices
   mesh.Draw(gl);
-  EXPECT_EQ(Uploads(recorder), Bytes());
+  EXPECT_EQ(UploadsOf(recorder), Bytes());
   const std::vector<float> values = {1, 2, 3, 4};
   mesh.UpdateValues(values);
   mesh.Draw(gl);
-  EXPECT_EQ(Uploads(recorder), Bytes{16});
+  EXPECT_EQ(UploadsOf(recorder), Bytes{16});
   const std::vector<Point> moved = {{0, 0, 0}, {0, 1, 0}, {0, 1, 1}, {0, 0, 1}};
   mesh.UpdatePositions(moved);
   mesh.Draw(gl);
-  EXPECT_EQ(Uploads(recorder), (Bytes{48, 48})); // with the normals of the new positions
+  EXPECT_EQ(UploadsOf(recorder), (Bytes{48, 48})); // with the normals of the new positions
   mesh.UpdateColors(std::vector<GpuMesh::Rgba>(4));
   mesh.Draw(gl);
-  EXPECT_EQ(Uploads(recorder), Bytes{16});
+  EXPECT_EQ(UploadsOf(recorder), Bytes{16});
   const GpuMesh copy = mesh;
   copy.Draw(gl);
-  EXPECT_EQ(Uploads(recorder), (Bytes{48, 48, 16, 16, 24}));
+  EXPECT_EQ(UploadsOf(recorder), (Bytes{48, 48, 16, 16, 24}));
 }
 
 TEST_F(GpuMeshCalls, HasBuffersInEachContext) {
@@ -126,7 +112,7 @@ TEST_F(GpuMeshCalls, HasBuffersInEachContext) {
     {
       Scope second(other->Handle());
       mesh.Draw(second);
-      EXPECT_EQ(Uploads(*other), (Bytes{48, 48, 24}));
+      EXPECT_EQ(UploadsOf(*other), (Bytes{48, 48, 24}));
     }
     EXPECT_EQ(other->Complaints().size(), 3U); // its buffers
     other.reset();                             // frees them
@@ -139,10 +125,10 @@ TEST_F(GpuMeshCalls, DrawsAMeshOfACacheInItsContextAlone) {
   ModelCache cache(recorder.Handle());
   const GpuMesh mesh(cache, cache.Register(*LoadPolygonObj(text)));
   EXPECT_EQ(mesh.VertexCount(), 3U);
-  Uploads(recorder);
+  UploadsOf(recorder);
   mesh.Draw(gl);
   EXPECT_EQ(recorder.LinesOf({"DrawElements"}).size(), 1U);
-  EXPECT_EQ(Uploads(recorder), Bytes()); // shares the buffers
+  EXPECT_EQ(UploadsOf(recorder), Bytes()); // shares the buffers
   RecordingGl other;
   Scope second(other.Handle());
   ReportCapture reports;

@@ -1,27 +1,12 @@
 #include "scene/Isolines.h"
 
 #include "scene/Ticks.h"
+#include "tests/support/Grids.h"
 #include "tests/support/Test.h"
 
 namespace {
 
 using Line = Isolines::Line;
-using Function = std::function<double(double, double)>;
-
-Doubles Even(std::size_t p_count, double p_first, double p_last) {
-  Doubles axis;
-  for (std::size_t i = 0; i < p_count; ++i)
-    axis.push_back(p_first + (p_last - p_first) * static_cast<double>(i) / static_cast<double>(p_count - 1));
-  return axis;
-}
-
-std::vector<double> ValuesOn(const Doubles& p_x, const Doubles& p_y, const Function& p_function) {
-  std::vector<double> values;
-  for (const double y : p_y)
-    for (const double x : p_x)
-      values.push_back(p_function(x, y));
-  return values;
-}
 
 /// The area inside a closed line, positive where it runs counter-clockwise.
 double Area(const Line& p_line) {
@@ -49,7 +34,7 @@ TEST(Isolines, ContoursOfAHillAreCircles) {
       {"both descend", down, down},
   };
   for (const auto& [name, x, y] : cases) {
-    const Isolines hill(x, y, ValuesOn(x, y, Hill));
+    const Isolines hill(x, y, AtNodes(x, y, Hill));
     for (const double radius : {0.3, 1.0, 1.9}) {
       const std::vector<Line> lines = hill.At(-radius * radius);
       ASSERT_EQ(lines.size(), 1U) << name;
@@ -81,7 +66,7 @@ TEST(Isolines, PassEveryCrossedEdgeOnceAndOnTheRightSide) {
     std::mt19937 random(seed);
     const bool integers = seed % 2 == 1; // many values equal the level
     const Doubles x = Even(12, 0, 11), y = Even(9, 0, 8);
-    const std::vector<double> values = ValuesOn(x, y, [&](double, double) {
+    const std::vector<double> values = AtNodes(x, y, [&](double, double) {
       const auto number = static_cast<double>(random() % 4096);
       return integers ? std::floor(number / 1024) : number / 1024;
     });
@@ -150,7 +135,7 @@ TEST(Isolines, SaddlesFollowTheMeanOfTheirNodes) {
 
 TEST(Isolines, EndAtMissingNodes) {
   const Doubles x = Even(41, -2, 2);
-  const Isolines hill(x, x, ValuesOn(x, x, [](double p_x, double p_y) {
+  const Isolines hill(x, x, AtNodes(x, x, [](double p_x, double p_y) {
                         return std::abs(p_x - 1) < 0.15 && std::abs(p_y) < 0.15 ? NaN : Hill(p_x, p_y);
                       }));
   EXPECT_EQ(hill.Range().max, 0);
@@ -166,7 +151,7 @@ TEST(Isolines, EndAtMissingNodes) {
 
 TEST(Isolines, SeveralLevelsComeInTheirOrder) {
   const Doubles x = Even(41, -2, 2);
-  const Isolines hill(x, x, ValuesOn(x, x, Hill));
+  const Isolines hill(x, x, AtNodes(x, x, Hill));
   std::vector<double> levels;
   for (const Line& line : hill.AtAll(Ticks::Linear(-3, -1, 5).Values(), 0)) {
     levels.push_back(line.level);

@@ -1,26 +1,10 @@
 #include "scene/Isosurface.h"
 
 #include "testing/Surface.h"
+#include "tests/support/Grids.h"
 #include "tests/support/Test.h"
 
 namespace {
-
-
-std::vector<double> ValuesOn(const std::array<Doubles, 3>& p_axes, const std::function<double(const Point&)>& p_value) {
-  std::vector<double> values;
-  for (const double z : p_axes[2])
-    for (const double y : p_axes[1])
-      for (const double x : p_axes[0])
-        values.push_back(p_value({x, y, z}));
-  return values;
-}
-
-Doubles Even(int p_count, double p_first, double p_last) {
-  Doubles axis;
-  for (int i = 0; i < p_count; ++i)
-    axis.push_back(p_first + (p_last - p_first) * i / (p_count - 1));
-  return axis;
-}
 
 Point At(const Isosurface& p_surface, std::size_t p_corner) {
   const Isosurface::Vector& at = p_surface.positions.at(p_surface.indices[p_corner]);
@@ -73,7 +57,7 @@ TEST(Isosurface, IsWatertightOnRandomValues) {
     std::mt19937 random(seed);
     const std::array<Doubles, 3> axes = {Even(9, 0, 8), Even(8, 0, 7), Even(7, 0, 6)};
     const bool levels = seed % 3 == 0; // many nodes at the level itself
-    const auto values = ValuesOn(axes, [&](const Point&) {
+    const auto values = AtNodes(axes[0], axes[1], axes[2], [&](const Point&) {
       return levels ? static_cast<double>(random() % 3) - 1 : static_cast<double>(random() % 1000) / 500 - 1;
     });
     const Isosurface surface(axes[0], axes[1], axes[2], values, 0);
@@ -83,7 +67,7 @@ TEST(Isosurface, IsWatertightOnRandomValues) {
     EXPECT_GT(surface.indices.size(), 1000U) << seed;
     EXPECT_GT(ExpectWatertight(surface, std::to_string(seed), isOutside), 50U) << seed;
     // Enclosed by values below the level, it is closed, and the corners above lie inside.
-    const auto inner = ValuesOn(axes, [&](const Point& p_at) {
+    const auto inner = AtNodes(axes[0], axes[1], axes[2], [&](const Point& p_at) {
       return isOutside(p_at) ? -1 : values[static_cast<std::size_t>(p_at.x + 9 * p_at.y + 72 * p_at.z)];
     });
     const Isosurface closed(axes[0], axes[1], axes[2], inner, 0);
@@ -107,7 +91,7 @@ TEST(Isosurface, SurfaceOfAQuadraticFunctionIsASphere) {
       {"all descend", {down, down, down}},
   };
   for (const auto& [name, axes] : cases) {
-    const auto values = ValuesOn(axes, [](const Point& p_at) { return -Dot(p_at, p_at); });
+    const auto values = AtNodes(axes[0], axes[1], axes[2], [](const Point& p_at) { return -Dot(p_at, p_at); });
     const Isosurface sphere(axes[0], axes[1], axes[2], values, -1);
     EXPECT_EQ(ExpectWatertight(sphere, name, [](const Point&) { return false; }), 0U);
     EXPECT_NEAR(VolumeOf(sphere), 4 * M_PI / 3, 0.02) << name << ": outwards";
@@ -128,7 +112,7 @@ TEST(Isosurface, LiesInTheSceneAndTakesSeveralLevels) {
   Doubles far = near;
   for (double& x : far)
     x += 1e6;
-  const auto values = ValuesOn({near, near, near}, [](const Point& p_at) { return Length(p_at); });
+  const auto values = AtNodes(near, near, near, [](const Point& p_at) { return Length(p_at); });
   const Isosurface::Options options{{1e6, 0, 0}, {2, 1, -1}};
   const Isosurface two(far, near, near, values, std::vector<double>{0.5, 1}, options);
   EXPECT_NEAR(two.bounds.Max().x, 2, 1e-3);
@@ -151,7 +135,7 @@ TEST(Isosurface, LiesInTheSceneAndTakesSeveralLevels) {
 
 TEST(Isosurface, HasABorderAtMissingNodes) {
   const Doubles axis = Even(21, -1.5, 1.5);
-  auto values = ValuesOn({axis, axis, axis}, [](const Point& p_at) {
+  auto values = AtNodes(axis, axis, axis, [](const Point& p_at) {
     return p_at.x > 0.8 && std::abs(p_at.y) < 0.2 && std::abs(p_at.z) < 0.2 ? NaN : 1 - Length(p_at);
   });
   const Isosurface sphere(axis, axis, axis, values, 0);

@@ -2,60 +2,43 @@
 
 #include "library/ObjModel.h"
 #include "library/ObjScene.h"
-#include "tests/support/Test.h"
+#include "tests/support/Figures.h"
 
 namespace {
 
+using Points = std::vector<Point>;
 using Triangles = std::vector<std::array<unsigned, 3>>;
-using Notes = std::vector<QString>;
+
+using MeshPlotPixels = FigurePixelsFixture;
 
 /// A square of two triangles in the plane z = 3, and a vertex far away that none has.
 const Points Square{{0, 0, 3}, {2, 0, 3}, {2, 2, 3}, {0, 2, 3}, {1000, 0, 0}};
 const Triangles Halves{{0, 1, 2}, {0, 2, 3}};
 
-class MeshPlotPixels : public PixelScopeFixture {
-public:
-  MeshPlotPixels()
-      : PixelScopeFixture(Types::Size(300, 200)) {}
-
-protected:
-  const Types::Viewport<0> viewport{0, 0, 300, 200};
-  void SetUp() override {
-    MakeApplication();
-    PixelScopeFixture::SetUp();
-  }
-  QColor AtPoint(Figure& p_figure, const Point& p_data) {
-    p_figure.theme.grid = p_figure.theme.line = Qt::white;
-    p_figure.Draw(gl, viewport);
-    const Camera::Pixel pixel = p_figure.Layout(viewport).camera.Project(p_figure.ToScene(p_data), viewport);
-    return At(static_cast<int>(pixel.x), static_cast<int>(pixel.y));
-  }
-};
-
 TEST_F(MeshPlotPixels, TrianglesAreWhereTheyBelong) {
   Figure figure;
   MeshPlot& plot = figure.Mesh(Square, Halves).ColorBy(Doubles{0, 0, 0, 1, NaN}).ColorMap({Qt::blue, Qt::red});
   const Point left(0.2, 1.8, 3), right(1.5, 0.5, 3);
-  EXPECT_GT(AtPoint(figure, left).red(), 180);
-  EXPECT_LT(AtPoint(figure, right).red(), 60);
-  EXPECT_GT(AtPoint(figure, right).blue(), 180);
+  EXPECT_GT(Drawn(figure, left).red(), 180);
+  EXPECT_LT(Drawn(figure, right).red(), 60);
+  EXPECT_GT(Drawn(figure, right).blue(), 180);
 
   Points moved = Square;
   moved[3].y = NaN;
   plot.UpdatePositions(moved).Color(Qt::red);
   EXPECT_EQ(figure.Layout(viewport).notes, Notes{"1 vertex missing"});
-  EXPECT_EQ(AtPoint(figure, left), QColor(Qt::white));
-  EXPECT_GT(AtPoint(figure, right).red(), 180);
+  EXPECT_EQ(Drawn(figure, left), QColor(Qt::white));
+  EXPECT_GT(Drawn(figure, right).red(), 180);
   plot.UpdatePositions(Square);
-  EXPECT_GT(AtPoint(figure, left).red(), 180);
+  EXPECT_GT(Drawn(figure, left).red(), 180);
   EXPECT_EQ(figure.Layout(viewport).notes, Notes());
   moved = Square;
   moved[3] = {1, 1, 3};
   plot.UpdatePositions(moved);
-  EXPECT_EQ(AtPoint(figure, left), QColor(Qt::white)) << "the triangle has no area now";
+  EXPECT_EQ(Drawn(figure, left), QColor(Qt::white)) << "the triangle has no area now";
   moved[0].x = NaN;
   plot.UpdatePositions(moved);
-  EXPECT_EQ(AtPoint(figure, {1.8, 1, 3}), QColor(Qt::white)) << "both triangles miss a vertex";
+  EXPECT_EQ(Drawn(figure, {1.8, 1, 3}), QColor(Qt::white)) << "both triangles miss a vertex";
   plot.UpdatePositions(Square);
   figure.SetLimits(0, -1, 1);
   EXPECT_EQ(figure.Layout(viewport).notes, Notes{"2 vertices outside of the axes"});
@@ -71,8 +54,8 @@ TEST_F(MeshPlotPixels, TrianglesAreWhereTheyBelong) {
   file.groups[1].count = 3;
   Figure read;
   read.Mesh(file).Color(Qt::red);
-  EXPECT_GT(AtPoint(read, left).red(), 180);
-  EXPECT_EQ(AtPoint(read, right), QColor(Qt::white));
+  EXPECT_GT(Drawn(read, left).red(), 180);
+  EXPECT_EQ(Drawn(read, right), QColor(Qt::white));
 
   Library::ObjModel model;
   EXPECT_THROW(read.Mesh(model), std::invalid_argument) << "of no primitive type";
@@ -85,8 +68,8 @@ TEST_F(MeshPlotPixels, TrianglesAreWhereTheyBelong) {
   model.AddGroup()->indices = {0, 2, 3};
   Figure loaded;
   loaded.Mesh(model).Color(Qt::red);
-  EXPECT_GT(AtPoint(loaded, left).red(), 180);
-  EXPECT_GT(AtPoint(loaded, right).red(), 180);
+  EXPECT_GT(Drawn(loaded, left).red(), 180);
+  EXPECT_GT(Drawn(loaded, right).red(), 180);
 }
 
 TEST_F(MeshPlotPixels, RefusesWrongArguments) {
@@ -97,15 +80,13 @@ TEST_F(MeshPlotPixels, RefusesWrongArguments) {
   file.indices = {0, 0, 0};
   file.groups.resize(1);
   file.groups[0].count = 4;
-  const std::vector<std::pair<std::function<void()>, std::string>> cases = {
-      {VEK_CALL(figure.Mesh(Square, Triangles{{0, 1, 2}, {0, 2, 5}})),
-       "triangles: expected indices below 5, got 5 in triangle 1"},
-      {[&] { plot.UpdatePositions(Points(4)); }, "UpdatePositions: expected 5 elements, got 4"},
-      {[&] { plot.ColorBy(Doubles(2)); }, "ColorBy: expected 5 elements, got 2"},
-      {[&] { figure.Mesh(file); }, "groups: expected indices 0 to 3, got a group from 0 of 4"},
-  };
-  for (const auto& [call, message] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+  ExpectErrors({
+      {"triangles: expected indices below 5, got 5 in triangle 1",
+       VEK_CALL(figure.Mesh(Square, Triangles{{0, 1, 2}, {0, 2, 5}}))},
+      {"UpdatePositions: expected 5 elements, got 4", [&] { plot.UpdatePositions(Points(4)); }},
+      {"ColorBy: expected 5 elements, got 2", [&] { plot.ColorBy(Doubles(2)); }},
+      {"groups: expected indices 0 to 3, got a group from 0 of 4", [&] { figure.Mesh(file); }},
+  });
 }
 
 /// A ramp of small heights with a stretched axis is lit like one of large heights.
@@ -114,7 +95,7 @@ TEST_F(MeshPlotPixels, LightFollowsTheStretchedSurface) {
     Figure figure;
     figure.Mesh(Points{{0, 0, 0}, {2, 0, p_height}, {2, 2, p_height}, {0, 2, 0}}, Halves).Color(Qt::green);
     figure.SetAspect(1, 1, p_stretch).Look(0, 90, Camera::Projection::Parallel);
-    return AtPoint(figure, {1.4, 0.7, 0.7 * p_height});
+    return Drawn(figure, {1.4, 0.7, 0.7 * p_height});
   };
   EXPECT_TRUE(SameColor(color(0.04, 50).rgb(), color(2, 1).rgb(), 3));
   EXPECT_FALSE(SameColor(color(0.04, 1).rgb(), color(2, 1).rgb(), 20));

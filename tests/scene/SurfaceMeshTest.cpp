@@ -1,18 +1,10 @@
 #include "scene/SurfaceMesh.h"
 
 #include "testing/Surface.h"
+#include "tests/support/Grids.h"
 #include "tests/support/Test.h"
 
 namespace {
-
-
-std::vector<double> HeightsOn(const Doubles& p_x, const Doubles& p_y, const std::function<double(double, double)>& p_height) {
-  std::vector<double> heights;
-  for (const double y : p_y)
-    for (const double x : p_x)
-      heights.push_back(p_height(x, y));
-  return heights;
-}
 
 Point Widened(const SurfaceMesh::Vector& p_vector) {
   return {p_vector.x, p_vector.y, p_vector.z};
@@ -56,8 +48,8 @@ TEST(SurfaceMesh, NormalsAreThoseOfTheStretchedSurface) {
       number += origin.x;
     for (double& number : farY)
       number += origin.y;
-    const auto heights = HeightsOn(
-        x, y, [](double p_x, double p_y) { return 30 + 2 * p_x * p_x - 3 * p_x * p_y + p_y * p_y + 5 * p_y; });
+    const auto heights =
+        AtNodes(x, y, [](double p_x, double p_y) { return 30 + 2 * p_x * p_x - 3 * p_x * p_y + p_y * p_y + 5 * p_y; });
     const SurfaceMesh mesh(farX, farY, heights, {}, {origin, scale, 1, 0});
     AreaFromAbove(mesh, 0);
     for (std::size_t j = 1; j + 1 < y.size(); ++j)
@@ -74,7 +66,7 @@ TEST(SurfaceMesh, NormalsAreThoseOfTheStretchedSurface) {
     EXPECT_EQ(inner.normals[0], mesh.normals[x.size() + 1]);
     EXPECT_EQ(inner.values[x.size() - 2], mesh.values[2 * x.size() + 1]);
   }
-  const SurfaceMesh plane(up, up, HeightsOn(up, up, [](double p_x, double p_y) { return 2 * p_x - p_y; }));
+  const SurfaceMesh plane(up, up, AtNodes(up, up, [](double p_x, double p_y) { return 2 * p_x - p_y; }));
   for (const SurfaceMesh::Vector& normal : plane.normals)
     ASSERT_NEAR(Length(Widened(normal) - Normalize(Point(-2, 1, 1))), 0, 1e-6) << "borders included";
 }
@@ -107,8 +99,8 @@ TEST(SurfaceMesh, LevelsHalveTheGridAndCoverIt) {
 
 TEST(SurfaceMesh, MissingHeightsAreHoles) {
   const Doubles axis{0, 1, 2, 3, 4};
-  auto heights = HeightsOn(axis, axis, [](double p_x, double p_y) { return p_x + 10 * p_y; });
-  heights[12] = NaN;                                    // the middle
+  auto heights = AtNodes(axis, axis, [](double p_x, double p_y) { return p_x + 10 * p_y; });
+  heights[12] = NaN;     // the middle
   heights[4] = Infinity; // a corner
   const SurfaceMesh mesh(axis, axis, heights);
   EXPECT_EQ(mesh.missing, 2U);

@@ -1,37 +1,23 @@
 #include "scene/Figure.h"
 
-#include "tests/support/Test.h"
+#include "tests/support/Figures.h"
 
 namespace {
 
-using Viewport = Types::Viewport<0>;
-using Notes = std::vector<QString>;
-
-Doubles Ascending(std::size_t p_count, double p_first = 0, double p_step = 1) {
-  Doubles numbers(p_count);
-  for (std::size_t i = 0; i < p_count; ++i)
-    numbers[i] = p_first + p_step * static_cast<double>(i);
-  return numbers;
-}
-
-class SurfacePlotTest : public ::testing::Test {
-protected:
-  void SetUp() override { MakeApplication(); }
-  Notes NotesOf(Figure& p_figure) { return p_figure.Layout({0, 0, 600, 400}).notes; }
-};
+using SurfacePlotTest = FigureFixture;
+using SurfacePlotCalls = FigureCallsFixture;
+using SurfacePlotPixels = FigurePixelsFixture;
 
 TEST_F(SurfacePlotTest, RefusesWrongArguments) {
   Figure figure;
   SurfacePlot& plot = figure.Surface(Ascending(4), Ascending(3), Ascending(12));
-  const std::vector<std::pair<std::function<void()>, std::string>> cases = {
-      {[&] { figure.Surface(Ascending(4), Ascending(3), Ascending(11)); },
-       "heights: expected 4 \u00D7 3 = 12 elements, got 11"},
-      {[&] { plot.UpdateHeights(Ascending(13)); }, "UpdateHeights: expected 12 elements, got 13"},
-      {[&] { plot.ColorBy(Ascending(4)); }, "ColorBy: expected 12 elements, got 4"},
-      {[&] { plot.Contours(-1); }, "Contours: expected 0 or more lines, got -1"},
-  };
-  for (const auto& [call, message] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+  ExpectErrors({
+      {"heights: expected 4 \u00D7 3 = 12 elements, got 11",
+       [&] { figure.Surface(Ascending(4), Ascending(3), Ascending(11)); }},
+      {"UpdateHeights: expected 12 elements, got 13", [&] { plot.UpdateHeights(Ascending(13)); }},
+      {"ColorBy: expected 12 elements, got 4", [&] { plot.ColorBy(Ascending(4)); }},
+      {"Contours: expected 0 or more lines, got -1", [&] { plot.Contours(-1); }},
+  });
   for (const Doubles& x : {Doubles{0, 1, 1}, Doubles{0, 2, 1}, Doubles{0, NaN, 1}})
     EXPECT_THROW(figure.Surface(x, Ascending(2), Ascending(6)), std::invalid_argument);
   EXPECT_THROW(figure.Surface(Doubles{0}, Ascending(2), Ascending(2)), std::invalid_argument);
@@ -59,29 +45,6 @@ TEST_F(SurfacePlotTest, SaysWhatIsMissing) {
   EXPECT_FALSE(empty.Image({300, 200}).isNull());
   EXPECT_EQ(reports.Texts(), Lines{"WARNING: Figure: plot 1 has no point to show"});
 }
-
-class SurfacePlotCalls : public RecordingScopeFixture {
-protected:
-  void SetUp() override {
-    MakeApplication();
-    recorder.SetVersion("3.3.0");
-    constexpr Vek::Chart::Ogl::GlEnum ProfileMask = 0x9126;
-    recorder.SetInteger(ProfileMask, {2});
-  }
-  Lines CallsOf(Figure& p_figure) {
-    recorder.Clear();
-    p_figure.Draw(gl, {0, 0, 600, 400});
-    return recorder.Lines();
-  }
-  /// The bytes of each upload of a drawing.
-  std::vector<std::size_t> UploadsOf(Figure& p_figure) {
-    CallsOf(p_figure);
-    std::vector<std::size_t> bytes;
-    for (const std::string& line : recorder.LinesOf({"MapBufferRange"}))
-      bytes.push_back(std::stoul(line.substr(line.find(", 0, ") + 5)));
-    return bytes;
-  }
-};
 
 TEST_F(SurfacePlotCalls, AreAsManyForLargeGrids) {
   std::vector<std::size_t> calls;
@@ -123,25 +86,6 @@ TEST_F(SurfacePlotCalls, UploadWhatChanged) {
   EXPECT_EQ(std::count(uploads.begin(), uploads.end(), std::size_t{4 * 3 * (12 - 4)}), 1) << "a hole";
 }
 
-class SurfacePlotPixels : public PixelScopeFixture {
-public:
-  SurfacePlotPixels()
-      : PixelScopeFixture(Types::Size(300, 200)) {}
-
-protected:
-  const Viewport viewport{0, 0, 300, 200};
-  void SetUp() override {
-    MakeApplication();
-    PixelScopeFixture::SetUp();
-  }
-  /// The pixel at which a point of the data must appear, in the image that was drawn.
-  QColor AtPoint(Figure& p_figure, const Point& p_data) {
-    const FigureLayout layout = p_figure.Layout(viewport);
-    const Camera::Pixel pixel = layout.camera.Project(p_figure.ToScene(p_data), viewport);
-    return At(static_cast<int>(pixel.x), static_cast<int>(pixel.y));
-  }
-};
-
 /// Uneven and descending axes, far from zero; a hole; a bent cell.
 TEST_F(SurfacePlotPixels, NodesAndHolesAreWhereTheyBelong) {
   const Doubles x{4e7, 4e7 + 1, 4e7 + 4, 4e7 + 5}, y{-2e7 + 4, -2e7 + 3, -2e7};
@@ -149,11 +93,9 @@ TEST_F(SurfacePlotPixels, NodesAndHolesAreWhereTheyBelong) {
   values[5] = 1; // at x[1], y[1]
   heights[11] = NaN;
   Figure figure;
-  figure.theme.grid = figure.theme.line = Qt::white;
   figure.Surface(x, y, heights).ColorBy(values).ColorMap({Qt::blue, Qt::red}).ColorRange(0, 1);
-  figure.Draw(gl, viewport);
   const Point far(4e7, -2e7, 1e6);
-  EXPECT_GT(AtPoint(figure, far + Point(1, 3, 0)).red(), 200);
+  EXPECT_GT(Drawn(figure, far + Point(1, 3, 0)).red(), 200);
   EXPECT_GT(AtPoint(figure, far + Point(0.2, 0.2, 0)).blue(), 200);
   EXPECT_LT(AtPoint(figure, far + Point(0.2, 0.2, 0)).red(), 60);
   EXPECT_EQ(AtPoint(figure, far + Point(4.9, 0.5, 0)), QColor(Qt::white)) << "the hole";
@@ -165,22 +107,18 @@ TEST_F(SurfacePlotPixels, ContoursLieOnTheSurface) {
   // A saddle cell of two triangles: the line z = 0.5 runs through both.
   const Doubles unit{0, 1}, saddle{0, 1, 1, 0};
   Figure figure;
-  figure.theme.grid = figure.theme.line = Qt::white;
   figure.theme.title = Qt::black;
   SurfacePlot& plot = figure.Surface(unit, unit, saddle).Color(Qt::yellow);
   figure.Look(0, 90, Camera::Projection::Parallel);
   const std::vector<Point> points = {
       {0.5, 0.2, 0.3}, {0.7, 0.2, 0.5}, {0.2, 0.7, 0.5}, {0.9, 0.4, 0.5}, {0.8, 0.2, 0.6}};
   const auto darkest = [&] { // of the pixels around each point
-    figure.Draw(gl, viewport);
-    const FigureLayout layout = figure.Layout(viewport);
+    Drawn(figure, points[0]);
     std::vector<int> greens;
     for (const Point& point : points) {
-      const Camera::Pixel pixel = layout.camera.Project(figure.ToScene(point), viewport);
       greens.push_back(255);
       for (int i = 0; i < 9; ++i)
-        greens.back() = std::min(
-            greens.back(), At(static_cast<int>(pixel.x) + i % 3 - 1, static_cast<int>(pixel.y) + i / 3 - 1).green());
+        greens.back() = std::min(greens.back(), AtPoint(figure, point, i % 3 - 1, i / 3 - 1).green());
     }
     return greens;
   };
@@ -233,11 +171,9 @@ TEST_F(SurfacePlotPixels, LogarithmicAxesLeaveNodesOut) {
       std::reverse(x.begin(), x.end());
     Figure figure;
     figure.SetLogAxis(0);
-    figure.theme.grid = figure.theme.line = Qt::white;
     figure.Surface(x, Doubles{0, 1}, Doubles(10, 3)).Color(Qt::red);
     EXPECT_EQ(figure.Layout(viewport).notes, Notes{"4 heights outside of the axes"});
-    figure.Draw(gl, viewport);
-    EXPECT_GT(AtPoint(figure, {3, 0.5, 3}).red(), 200);
+    EXPECT_GT(Drawn(figure, {3, 0.5, 3}).red(), 200);
     EXPECT_LT(AtPoint(figure, {3, 0.5, 3}).green(), 60);
   }
   Figure none;

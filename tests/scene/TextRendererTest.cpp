@@ -184,28 +184,3 @@ TEST_F(TextRendererCalls, ReportsWhatCannotBeDrawn) {
   text.Draw(gl, "text", {0, 0}, {}, {12});
   EXPECT_EQ(recorder.LinesOf({"Begin"}).size(), 1U) << "tried again";
 }
-
-TEST_F(TextRendererCalls, DrawsInContextsThatEndInAnyOrder) {
-  MakeApplication();
-  for (const bool rendererFirst : {true, false}) {
-    auto second = std::make_unique<RecordingGl>();
-    auto text = std::make_unique<TextRenderer>();
-    for (RecordingGl* const context : {&recorder, second.get()}) {
-      const Utility::Unscoped<Rgl> handle = context->Handle();
-      Utility::Scoped<Rgl> scope(handle);
-      context->Clear();
-      text->Draw(scope, "text", {0, 0}, {}, {12});
-      text->Draw(scope, "text", {9, 0}, {}, {12});
-      EXPECT_EQ(context->LinesOf({"TexImage2D"}).size(), 1U);
-    }
-    if (rendererFirst) {
-      text.reset();
-      Utility::Scoped<Rgl> scope(second->Handle());
-      EXPECT_EQ(second->LinesOf({"DeleteTextures"}).size(), 1U);
-    }
-    const ReportCapture reports;
-    second.reset();
-    text.reset();
-    EXPECT_EQ(reports.Texts(), Lines()) << rendererFirst;
-  }
-}

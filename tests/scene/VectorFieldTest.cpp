@@ -1,26 +1,17 @@
 #include "scene/VectorField.h"
 
+#include "tests/support/Grids.h"
 #include "tests/support/Test.h"
 
 namespace {
-
 
 /// A field that is linear in each coordinate, and therefore exact within every cell.
 Point Trilinear(const Point& p_at) {
   return {p_at.x + 2 * p_at.y, p_at.z * p_at.x, p_at.x * p_at.y - p_at.z};
 }
 
-std::vector<Point> AtNodes(const Doubles& p_x, const Doubles& p_y, const Doubles& p_z) {
-  std::vector<Point> vectors;
-  for (const double z : p_z)
-    for (const double y : p_y)
-      for (const double x : p_x)
-        vectors.push_back(Trilinear({x, y, z}));
-  return vectors;
-}
-
 VectorField FieldOn(const Doubles& p_x, const Doubles& p_y, const Doubles& p_z) {
-  return VectorField::Rectilinear(p_x, p_y, p_z, AtNodes(p_x, p_y, p_z));
+  return VectorField::Rectilinear(p_x, p_y, p_z, AtNodes(p_x, p_y, p_z, Trilinear));
 }
 
 /// The numbers 0, 1, … as the vectors' x.
@@ -155,8 +146,7 @@ TEST(VectorField, NamesWhatIsWrong) {
        VEK_CALL(VectorField::Layer(two, Doubles{3, 3}, four))},
       {"VectorField: x: expected ascending or descending finite numbers, got nan",
        VEK_CALL(VectorField::Layer(Doubles{NaN, 1}, two, four))},
-      {"VectorField: vectors: expected 6 elements, got 4",
-       VEK_CALL(VectorField::Layer(Doubles{1, 2, 3}, two, four))},
+      {"VectorField: vectors: expected 6 elements, got 4", VEK_CALL(VectorField::Layer(Doubles{1, 2, 3}, two, four))},
       {"VectorField: vectors: expected 0 elements, got 4",
        VEK_CALL(VectorField::Regular({0, 2, 2}, {}, {1, 1, 1}, four))},
       {"VectorField: expected 2^40 nodes at most, got 4294967296 x 4294967296 x 1",

@@ -6,6 +6,7 @@
 #include "scene/DirectionalLight.h"
 #include "scene/VolumeSlices.h"
 #include "tests/support/Test.h"
+#include "tests/support/Volumes.h"
 
 namespace {
 
@@ -13,17 +14,6 @@ using Mode = VolumeRaycaster::Mode;
 using Box = Types::BoundingBox_Base<double>;
 
 const Box Cube({-1, -1, -1}, {1, 1, 1});
-
-ColorMap Grey() {
-  return ColorMap({Qt::black, Qt::white}, ColorMap::Interpolated);
-}
-
-ValueScale ScaleOf(double p_lower, double p_upper) {
-  ValueScale scale;
-  scale.lower = p_lower;
-  scale.upper = p_upper;
-  return scale;
-}
 
 /// A grid whose value at (i, j, k) is p_value(i, j, k).
 template <class Value>
@@ -65,7 +55,7 @@ struct VolumeRaycasterPixels : PixelScopeFixture {
 TEST_F(VolumeRaycasterPixels, AbsorbsByThicknessWhateverTheStep) {
   const VolumeRaycaster volume(GridOf({8, 8, 8}, Cube, [](int, int, int) { return 5; }));
   VolumeRaycaster::Settings settings;
-  settings.scale = ScaleOf(0, 5); // white
+  settings.scale = Between(0, 5); // white
   for (const double extinction : {0.1, 0.5, 2.0}) {
     settings.opacity = OpacityFunction(1 - std::exp(-extinction));
     settings.unitLength = 1;
@@ -108,7 +98,7 @@ TEST_F(VolumeRaycasterPixels, ShowsTheMaximumAndTheMean) {
   settings.samplesPerVoxel = 32;
   for (const auto projection : {Camera::Projection::Parallel, Camera::Projection::Perspective}) {
     settings.mode = Mode::Maximum;
-    settings.scale = ScaleOf(0, 10);
+    settings.scale = Between(0, 10);
     EXPECT_NEAR(Drawn(bright, settings, Front(projection)).redF(), 0.8, 0.02);
     EXPECT_NEAR(Image().pixelColor(FrameSize.width / 2 + 10, FrameSize.height / 2).redF(), 0.2, 0.01); // beside it
     EXPECT_NEAR(Drawn(ramp, settings, Front(projection)).redF(), 0.9, 0.01);
@@ -156,7 +146,7 @@ TEST_F(VolumeRaycasterPixels, DrawsTheSameInBothProjectionsFromAfar) {
   const VolumeRaycaster volume(
       GridOf({16, 16, 16}, Cube, [](int i, int j, int k) { return std::sin(0.5 * i) * std::cos(0.4 * j + 0.3 * k); }));
   VolumeRaycaster::Settings settings;
-  settings.scale = ScaleOf(-1, 1);
+  settings.scale = Between(-1, 1);
   Camera camera = Front(Camera::Projection::Parallel, 2000);
   camera.azimuth = 33;
   camera.elevation = 21;
@@ -168,14 +158,14 @@ TEST_F(VolumeRaycasterPixels, DrawsTheSameInBothProjectionsFromAfar) {
     camera.projection = Camera::Projection::Perspective;
     Drawn(volume, settings, camera);
     const QImage perspective = Image();
-    double difference = 0, sum = 0;
+    int different = 0, drawn = 0;
     for (int y = 0; y < FrameSize.height; ++y)
       for (int x = 0; x < FrameSize.width; ++x) {
-        difference += std::abs(parallel.pixelColor(x, y).red() - perspective.pixelColor(x, y).red());
-        sum += parallel.pixelColor(x, y).red();
+        different += std::abs(parallel.pixelColor(x, y).red() - perspective.pixelColor(x, y).red()) > 2;
+        drawn += parallel.pixelColor(x, y).red() > 20;
       }
-    EXPECT_LT(difference, 0.01 * sum) << static_cast<int>(mode);
-    EXPECT_GT(sum, 255 * 50) << static_cast<int>(mode);
+    EXPECT_LT(different, 20) << static_cast<int>(mode); // at the outline
+    EXPECT_GT(drawn, 100) << static_cast<int>(mode);
   }
 }
 
@@ -254,7 +244,7 @@ TEST_F(VolumeRaycasterPixels, RunsLayersDownwards) {
     const VolumeRaycaster volume(VoxelGrid(values, {1, 1, 2}, Cube, layers));
     VolumeRaycaster::Settings settings;
     settings.mode = Mode::Average;
-    settings.scale = ScaleOf(0, 10);
+    settings.scale = Between(0, 10);
     settings.opacity = OpacityFunction(1);
     Drawn(volume, settings, Front());
     const bool up = layers == VoxelGrid::Layers::Upwards;
@@ -272,7 +262,7 @@ TEST_F(VolumeRaycasterPixels, LightsIsosurfacesFromTheirFront) {
   VolumeRaycaster::Settings settings;
   settings.mode = Mode::Isosurface;
   settings.isovalue = 0.7;
-  settings.scale = ScaleOf(0, 0.7); // white
+  settings.scale = Between(0, 0.7); // white
   DirectionalLight light;
   light.direction = {0, 0, 1};
   light.ambient = 0.2;
@@ -329,35 +319,6 @@ TEST_F(VolumeRaycasterPixels, PicksTheDepthOfWhatIsSeen) {
   EXPECT_EQ(Middle(), QColor(0, 0, 0, 255));
 }
 
-/// What the parts could leave changed.
-std::vector<double> StateOf(Utility::Scoped<Rgl>& p_gl) {
-  std::vector<double> state;
-  for (const auto name :
-       {RGL_ACTIVE_TEXTURE, RGL_CURRENT_PROGRAM, RGL_MATRIX_MODE, RGL_DRAW_FRAMEBUFFER_BINDING,
-        RGL_READ_FRAMEBUFFER_BINDING, RGL_RENDERBUFFER_BINDING, RGL_BLEND_SRC, RGL_BLEND_DST, RGL_UNPACK_ALIGNMENT,
-        RGL_PACK_ALIGNMENT, RGL_CURRENT_COLOR, RGL_CURRENT_TEXTURE_COORDS, RGL_DEPTH_FUNC, RGL_POLYGON_MODE}) {
-    std::array<double, 16> values{};
-    p_gl->GetDoublev(name, values.data());
-    state.insert(state.end(), values.begin(), values.end());
-  }
-  for (const auto name : {RGL_BLEND, RGL_DEPTH_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_CLIP_PLANE0, RGL_LIGHTING})
-    state.push_back(p_gl->IsEnabled(name));
-  for (unsigned int unit = 0; unit < 4; ++unit) {
-    int bound[2] = {};
-    int active = 0;
-    p_gl->GetIntegerv(RGL_ACTIVE_TEXTURE, &active);
-    p_gl->ActiveTexture(RGL_TEXTURE0 + unit);
-    p_gl->GetIntegerv(RGL_TEXTURE_BINDING_2D, &bound[0]);
-    p_gl->GetIntegerv(RGL_TEXTURE_BINDING_3D, &bound[1]);
-    state.push_back(bound[0]);
-    state.push_back(bound[1]);
-    state.push_back(p_gl->IsEnabled(RGL_TEXTURE_2D));
-    state.push_back(p_gl->IsEnabled(RGL_TEXTURE_3D));
-    p_gl->ActiveTexture(static_cast<unsigned int>(active));
-  }
-  return state;
-}
-
 TEST_F(VolumeRaycasterPixels, LeavesTheStateAlone) {
   const VoxelGrid grid = GridOf({4, 4, 4}, Cube, [](int i, int, int) { return i; });
   const VolumeRaycaster volume(grid);
@@ -369,12 +330,12 @@ TEST_F(VolumeRaycasterPixels, LeavesTheStateAlone) {
   gl->ActiveTexture(RGL_TEXTURE3);
   gl->Color(QColor(10, 20, 30, 40));
   const auto view = Front().Apply(gl, viewport);
-  const std::vector<double> before = StateOf(gl);
+  const auto before = StateOf(gl);
   volume.Draw(gl, Grey(), {});
   EXPECT_EQ(StateOf(gl), before);
   volume.Draw(gl, {}, PickPass{PickPass::Ids, 1});
   EXPECT_EQ(StateOf(gl), before);
-  slices.Draw(gl, {slices.Cut(1, 0)}, Grey(), ScaleOf(0, 1));
+  slices.Draw(gl, {slices.Cut(1, 0)}, Grey(), Between(0, 1));
   EXPECT_EQ(StateOf(gl), before);
   slices.Draw(gl, {slices.Cut(1, 0)}, PickPass{PickPass::Ids, 1});
   EXPECT_EQ(StateOf(gl), before);
@@ -383,8 +344,8 @@ TEST_F(VolumeRaycasterPixels, LeavesTheStateAlone) {
 TEST_F(VolumeRaycasterPixels, RefusesWhatCannotBeDrawn) {
   const VolumeRaycaster volume(GridOf({2, 2, 2}, Cube, [](int, int, int) { return 1; }));
   using Change = std::function<void(VolumeRaycaster::Settings&)>;
-  const Change changes[] = {[](auto& p_s) { p_s.scale = ScaleOf(1, 1); },
-                            [](auto& p_s) { p_s.scale = ScaleOf(0, NAN); },
+  const Change changes[] = {[](auto& p_s) { p_s.scale = Between(1, 1); },
+                            [](auto& p_s) { p_s.scale = Between(0, NAN); },
                             [](auto& p_s) { p_s.quality = 0; },
                             [](auto& p_s) { p_s.samplesPerVoxel = -1; },
                             [](auto& p_s) { p_s.samplesPerVoxel = NAN; },

@@ -2,21 +2,11 @@
 
 #include "scene/Camera.h"
 #include "tests/support/Test.h"
+#include "tests/support/Volumes.h"
 
 namespace {
 
 using Box = Types::BoundingBox_Base<double>;
-
-ColorMap Grey() {
-  return ColorMap({Qt::black, Qt::white}, ColorMap::Interpolated);
-}
-
-ValueScale ScaleOf(double p_lower, double p_upper) {
-  ValueScale scale;
-  scale.lower = p_lower;
-  scale.upper = p_upper;
-  return scale;
-}
 
 TEST(VolumeSlices, CutsTheBox) {
   const VolumeSlices slices(VoxelGrid(std::vector<float>(8), {2, 2, 2}, Box({0, 0, 0}, {1, 2, 3})));
@@ -37,9 +27,9 @@ TEST_F(VolumeSlicesCalls, UploadsVoxelsOnceForAllCopiesAndColors) {
   const VoxelGrid grid(std::vector<float>{1, 2, NAN, 4}, {4, 1, 1}, Box({0, 0, 0}, {4, 1, 1}));
   const VolumeSlices first(grid), second(grid, VoxelGrid::Filter::Nearest);
   const std::vector<Slice> cuts = {first.Cut(2, 0.5)};
-  first.Draw(gl, cuts, Grey(), ScaleOf(0, 1));
-  first.Draw(gl, cuts, ColorMap::Named("viridis"), ScaleOf(1, 9), 0.5);
-  second.Draw(gl, cuts, Grey(), ScaleOf(0, 2));
+  first.Draw(gl, cuts, Grey(), Between(0, 1));
+  first.Draw(gl, cuts, ColorMap::Named("viridis"), Between(1, 9), 0.5);
+  second.Draw(gl, cuts, Grey(), Between(0, 2));
   second.DrawDepths(gl, cuts);
   const Lines lines = recorder.LinesWithout({});
   const auto uploads = [&](const std::string& p_call) {
@@ -75,20 +65,20 @@ TEST_F(VolumeSlicesPixels, ColorsValuesAndLeavesMissingOnesOut) {
     for (std::size_t i = 0; i < p_got.size(); ++i)
       EXPECT_NEAR(p_got[i], p_expected[i], p_error) << i;
   };
-  near(Reds(nearest, ScaleOf(0, 80), {0.5, 1.2, 2.7, 3.5, 4.4, 7.9}), {32, 64, 96, 0, 159, 255}, 1);
-  near(Reds(nearest, ScaleOf(20, 60), {0.5, 1.5, 2.5, 4.5, 6.5}), {0, 0, 64, 191, 255}, 1);
+  near(Reds(nearest, Between(0, 80), {0.5, 1.2, 2.7, 3.5, 4.4, 7.9}), {32, 64, 96, 0, 159, 255}, 1);
+  near(Reds(nearest, Between(20, 60), {0.5, 1.5, 2.5, 4.5, 6.5}), {0, 0, 64, 191, 255}, 1);
   // Half-way to the missing voxel the last value holds; it is no mean with 0.
   const VolumeSlices linear(VoxelGrid(values, {8, 1, 1}, box));
-  near(Reds(linear, ScaleOf(0, 80), {1.03, 2.85, 3.5, 4.3}), {48, 96, 0, 159}, 4);
-  ValueScale bands = ScaleOf(20, 60);
+  near(Reds(linear, Between(0, 80), {1.03, 2.85, 3.5, 4.3}), {48, 96, 0, 159}, 4);
+  ValueScale bands = Between(20, 60);
   bands.below = QColor(200, 0, 0);
   bands.above = QColor(100, 0, 0);
   near(Reds(nearest, bands, {0.5, 7.5}), {200, 100}, 1);
-  bands = ScaleOf(10, 1000);
+  bands = Between(10, 1000);
   bands.logarithmic = true;
   near(Reds(nearest, bands, {0.5, 7.5}), {0, static_cast<int>(255 * std::log10(8.0) / 2)}, 2);
   nearest.shown = {25, 65};
-  near(Reds(nearest, ScaleOf(0, 80), {1.5, 2.5, 5.5, 6.5}), {0, 96, 191, 0}, 1);
+  near(Reds(nearest, Between(0, 80), {1.5, 2.5, 5.5, 6.5}), {0, 96, 191, 0}, 1);
 }
 
 TEST_F(VolumeSlicesPixels, DrawsWhatUnevenGridsSample) {
@@ -124,7 +114,7 @@ TEST_F(VolumeSlicesPixels, BytesAreColoredFromZeroToOne) {
   const auto image = boost::make_shared<VolumeImage>(VolumeImage::Byte1, 2, 1, 1);
   image->Bytes() = {0, 102};
   const VolumeSlices slices(VoxelGrid(image, Box({0, 0, 0}, {8, 1, 1})));
-  const std::vector<int> reds = Reds(slices, ScaleOf(0, 0.8), {1, 3, 6});
+  const std::vector<int> reds = Reds(slices, Between(0, 0.8), {1, 3, 6});
   EXPECT_EQ(reds[0], 0); // missing
   EXPECT_EQ(reds[1], 0); // less than half of the weights
   EXPECT_NEAR(reds[2], 0.4 / 0.8 * 255, 1.5);

@@ -106,32 +106,6 @@ TEST_F(RecordingGlCalls, ComplainsAboutMisuse) {
   }
 }
 
-TEST_F(RecordingGlCalls, KeepsStateThatCallsSet) {
-  const double matrix[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
-  gl->Scissor(1, 2, 3, 4);
-  gl->CullFace(RGL_FRONT);
-  gl->FrontFace(RGL_CW);
-  gl->ShadeModel(RGL_FLAT);
-  gl->PointSize(2.5f);
-  gl->ClientActiveTexture(RGL_TEXTURE1);
-  gl->MatrixMode(RGL_PROJECTION);
-  gl->LoadMatrixd(matrix);
-  const std::pair<Ogl::GlEnum, std::vector<double>> cases[] = {
-      {RGL_SCISSOR_BOX, {1, 2, 3, 4}},
-      {RGL_CULL_FACE_MODE, {RGL_FRONT}},
-      {RGL_FRONT_FACE, {RGL_CW}},
-      {RGL_SHADE_MODEL, {RGL_FLAT}},
-      {RGL_POINT_SIZE, {2.5}},
-      {RGL_CLIENT_ACTIVE_TEXTURE, {RGL_TEXTURE1}},
-      {RGL_PROJECTION_MATRIX, {std::begin(matrix), std::end(matrix)}},
-  };
-  for (const auto& [name, expected] : cases) {
-    std::vector<double> values(expected.size());
-    gl->GetDoublev(name, values.data());
-    EXPECT_EQ(values, expected) << name;
-  }
-}
-
 TEST(RecorderEndCalls, ComplainsAboutOpenPairsAndLeaks) {
   RecordingGl fresh;
   boost::shared_ptr<Ogl::Texture> texture;

@@ -3,12 +3,11 @@
 #include "widgets/FigureView.h"
 
 #include "tests/support/Test.h"
-#include "tests/widgets/Windows.h"
+#include "tests/support/Windows.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QFileDialog>
-#include <QMouseEvent>
 #include <QOpenGLContext>
 #include <QToolTip>
 #include <QVBoxLayout>
@@ -66,27 +65,12 @@ protected:
     ASSERT_TRUE(WaitFor([this] { return view->isValid() && view->paintings > 0; }));
   }
 
-  void Mouse(QEvent::Type p_type, const QPointF& p_place, Qt::MouseButton p_button, Qt::MouseButtons p_buttons,
-             Qt::KeyboardModifiers p_modifiers = Qt::NoModifier) {
-    QMouseEvent event(p_type, p_place, view->mapToGlobal(p_place.toPoint()), p_button, p_buttons, p_modifiers);
-    QApplication::sendEvent(view, &event);
-  }
-  /// In two steps, the first of which is shorter than a click may be.
   void Drag(Qt::MouseButton p_button, const QPointF& p_by, Qt::KeyboardModifiers p_modifiers = Qt::NoModifier) {
-    const QPointF from(100, 120);
-    Mouse(QEvent::MouseButtonPress, from, p_button, p_button, p_modifiers);
-    Mouse(QEvent::MouseMove, from + QPointF(0, 3), Qt::NoButton, p_button, p_modifiers);
-    Mouse(QEvent::MouseMove, from + p_by, Qt::NoButton, p_button, p_modifiers);
-    Mouse(QEvent::MouseButtonRelease, from + p_by, p_button, Qt::NoButton, p_modifiers);
+    SendDrag(*view, {100, 120}, p_by, p_button, p_modifiers);
   }
   void Click(const QPointF& p_place, QEvent::Type p_press = QEvent::MouseButtonPress) {
-    Mouse(p_press, p_place, Qt::LeftButton, Qt::LeftButton);
-    Mouse(QEvent::MouseButtonRelease, p_place, Qt::LeftButton, Qt::NoButton);
-  }
-  void Wheel(const QPointF& p_place, int p_angle) {
-    QWheelEvent event(p_place, view->mapToGlobal(p_place.toPoint()), {}, {0, p_angle}, Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(view, &event);
+    SendMouse(*view, p_press, p_place, Qt::LeftButton, Qt::LeftButton);
+    SendMouse(*view, QEvent::MouseButtonRelease, p_place, Qt::LeftButton, Qt::NoButton);
   }
   bool Press(int p_key, Qt::KeyboardModifiers p_modifiers = Qt::NoModifier) {
     QKeyEvent event(QEvent::KeyPress, p_key, p_modifiers);
@@ -123,7 +107,7 @@ TEST_F(FigureViewTest, ShowsTheFigureAndPaintsOnlyChanges) {
 
   QApplication::processEvents();
   const int paintings = view->paintings;
-  Mouse(QEvent::MouseMove, {50, 50}, Qt::NoButton, Qt::NoButton);
+  SendMouse(*view, QEvent::MouseMove, {50, 50}, Qt::NoButton, Qt::NoButton);
   EXPECT_FALSE(WaitFor([&] { return view->paintings > paintings; }, 200));
   figure->theme = Scene::Theme::Dark();
   view->update();
@@ -153,7 +137,7 @@ TEST_F(FigureViewTest, MouseMovesTheCamera) {
                             {"wheel", Qt::NoButton, Qt::NoModifier, zoom}}) {
     const int before = moves;
     if (input.button == Qt::NoButton)
-      Wheel({100, 120}, 240);
+      SendWheel(*view, {100, 120}, 240);
     else
       Drag(input.button, {40, 30}, input.modifiers);
     input.expected(orbit);
@@ -166,7 +150,7 @@ TEST_F(FigureViewTest, MouseMovesTheCamera) {
   Camera host;
   host.target = {1, 2, 3};
   figure->camera = host;
-  Wheel({300, 200}, -120);
+  SendWheel(*view, {300, 200}, -120);
   orbit = OrbitController(host);
   orbit.Zoom(-1, {300 * ratio, viewport.height - 200 * ratio, true}, viewport);
   EXPECT_EQ(figure->camera, orbit.Camera()) << "a camera that the host has set is moved on";
@@ -189,7 +173,7 @@ TEST_F(FigureViewTest, KeysChooseViews) {
                             {Qt::Key_3, -90, 0, Parallel},
                             {Qt::Key_5, -90, 0, Perspective},
                             {Qt::Key_7, 0, 90, Perspective}}) {
-    Wheel({200, 200}, 120);
+    SendWheel(*view, {200, 200}, 120);
     const int before = moves;
     EXPECT_TRUE(Press(press.key, Qt::KeypadModifier));
     EXPECT_EQ(moves, before + 1) << press.key;
@@ -334,7 +318,7 @@ TEST_F(FigureViewTest, WorksWithoutAFigure) {
   view->SetFigure({});
   figure.reset();
   Drag(Qt::LeftButton, {60, 20});
-  Wheel({100, 100}, 120);
+  SendWheel(*view, {100, 100}, 120);
   Click({300, 200});
   for (const int key : {Qt::Key_R, Qt::Key_1, Qt::Key_5})
     Press(key);

@@ -3,19 +3,16 @@
 #include "apps/viewer/ViewerWindow.h"
 #include "apps/gallery/DataFolder.h"
 #include "apps/viewer/DarkTheme.h"
-#include "scene/TextRenderer.h"
 
 #include "tests/support/Test.h"
+#include "tests/support/Windows.h"
 
 #include <QApplication>
 #include <QDropEvent>
-#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMimeData>
-#include <QMouseEvent>
 #include <QPushButton>
-#include <QThread>
 
 using namespace Vek::Chart::Viewer;
 
@@ -71,39 +68,6 @@ void StartApplication() {
     return;
   QSurfaceFormat::setDefaultFormat(PictureView::Format());
   ApplyDarkTheme(*new QApplication(argc, argv)); // never destroyed, as drivers end before static objects do
-}
-
-/// Processes events until a condition holds; false if it does not within a minute.
-template <class Condition>
-bool WaitFor(const Condition& p_condition) {
-  QElapsedTimer timer;
-  timer.start();
-  while (!p_condition()) {
-    if (timer.elapsed() > 60000)
-      return false;
-    QApplication::processEvents();
-    QThread::msleep(1);
-  }
-  return true;
-}
-
-/// The share of pixels of which a channel differs by more than a sixteenth.
-double Difference(const QImage& p_a, const QImage& p_b) {
-  if (p_a.size() != p_b.size())
-    return 1;
-  int count = 0;
-  for (int y = 0; y < p_a.height(); ++y)
-    for (int x = 0; x < p_a.width(); ++x)
-      for (const int shift : {0, 8, 16}) {
-        const auto channel = [&](const QImage& p_image) {
-          return static_cast<int>(p_image.pixel(x, y) >> shift & 255);
-        };
-        if (std::abs(channel(p_a) - channel(p_b)) > 16) {
-          ++count;
-          break;
-        }
-      }
-  return static_cast<double>(count) / (p_a.width() * p_a.height());
 }
 
 /// A cube of side 2 around the origin, as an OBJ file.
@@ -173,16 +137,8 @@ protected:
     return ShownAfter([&] { _window->OpenFile(QString::fromStdString(p_path)); });
   }
 
-  void Mouse(QEvent::Type p_type, const QPointF& p_place, Qt::MouseButton p_button, Qt::MouseButtons p_buttons,
-             Qt::KeyboardModifiers p_modifiers = Qt::NoModifier) {
-    QMouseEvent event(p_type, p_place, View().mapToGlobal(p_place.toPoint()), p_button, p_buttons, p_modifiers);
-    QApplication::sendEvent(&View(), &event);
-  }
   void Drag(Qt::MouseButton p_button, const QPointF& p_by, Qt::KeyboardModifiers p_modifiers = Qt::NoModifier) {
-    const QPointF from = View().rect().center();
-    Mouse(QEvent::MouseButtonPress, from, p_button, p_button, p_modifiers);
-    Mouse(QEvent::MouseMove, from + p_by, Qt::NoButton, p_button, p_modifiers);
-    Mouse(QEvent::MouseButtonRelease, from + p_by, p_button, Qt::NoButton, p_modifiers);
+    SendDrag(View(), View().rect().center(), p_by, p_button, p_modifiers);
   }
   QAction* Action(const QString& p_text) {
     for (QAction* action : _window->findChildren<QAction*>())
@@ -237,20 +193,6 @@ TEST_F(ViewerTest, EveryPictureMatchesOffScreenAndLeaksNothing) {
     }
 }
 
-TEST_F(ViewerTest, BoundsItsTextTextures) {
-  View().makeCurrent();
-  {
-    Utility::Scoped<Rgl> gl(_gl);
-    const int before = live;
-    Scene::TextRenderer text;
-    for (int i = 0; i < 1200; ++i) {
-      text.Draw(gl, QString::number(i), {0, 0}, {}, {8, Qt::white, false}, 1);
-      ASSERT_LE(live - before, static_cast<int>(Scene::TextRenderer::MostTextures));
-    }
-  }
-  View().doneCurrent();
-}
-
 TEST_F(ViewerTest, OrbitPanZoomResetSave) {
   ASSERT_TRUE(Show("picking"));
   const QImage start = View().Image();
@@ -265,10 +207,8 @@ TEST_F(ViewerTest, OrbitPanZoomResetSave) {
                                                     {"pan with shift", Qt::LeftButton, {50, 30}, Qt::ShiftModifier},
                                                     {"zoom", Qt::RightButton, {0, 60}, Qt::NoModifier},
                                                     {"wheel", Qt::NoButton, {}, Qt::NoModifier}}) {
-    const QPoint center = View().rect().center();
-    QWheelEvent wheel(center, View().mapToGlobal(center), {}, {0, 240}, button, modifiers, Qt::NoScrollPhase, false);
     if (button == Qt::NoButton)
-      QApplication::sendEvent(&View(), &wheel);
+      SendWheel(View(), View().rect().center(), 240);
     else
       Drag(button, by, modifiers);
     EXPECT_GT(Difference(View().Image(), start), 0.02) << name;
@@ -282,8 +222,7 @@ TEST_F(ViewerTest, OrbitPanZoomResetSave) {
   const Scene::Camera::Pixel pixel{cursor.x() * ratio, (View().height() - cursor.y()) * ratio, true};
   const Types::Viewport<0> part = View().Picture()->SurfaceViewport(before);
   const auto under = before.camera.UnprojectToTarget(pixel, part);
-  QWheelEvent wheel(cursor, View().mapToGlobal(cursor), {}, {0, 480}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
-  QApplication::sendEvent(&View(), &wheel);
+  SendWheel(View(), cursor, 480);
   const Scene::Camera::Pixel after = View().View().camera.Project(under, part);
   EXPECT_NEAR(after.x, pixel.x, 1);
   EXPECT_NEAR(after.y, pixel.y, 1);
@@ -309,7 +248,7 @@ TEST_F(ViewerTest, ShowsTheSurfaceUnderTheCursor) {
     ASSERT_TRUE(found) << place.x << " " << place.y << " " << place.z;
     // A packed depth may lose one step of its first byte.
     EXPECT_LT(Length(found->position - place), 0.06);
-    Mouse(QEvent::MouseMove, pointer, Qt::NoButton, Qt::NoButton);
+    SendMouse(View(), QEvent::MouseMove, pointer, Qt::NoButton, Qt::NoButton);
     const QString z = "z " + QString::number(found->position.z, 'f', 3);
     EXPECT_TRUE(WaitFor([&] { return label.text().contains(z); })) << z.toStdString() << label.text().toStdString();
   }

@@ -224,24 +224,40 @@ TEST(RglPixels, TheRecorderAgreesWithTheDriver) {
     return values;
   };
   // clang-format off
-  for (const Ogl::GlEnum name : {
-           RGL_MATRIX_MODE, RGL_DEPTH_FUNC, RGL_DEPTH_WRITEMASK, RGL_BLEND_SRC_RGB, RGL_BLEND_DST_ALPHA,
-           RGL_CULL_FACE_MODE, RGL_FRONT_FACE, RGL_SHADE_MODEL, RGL_LINE_WIDTH, RGL_LINE_STIPPLE_PATTERN,
-           RGL_LINE_STIPPLE_REPEAT, RGL_POINT_SIZE, RGL_ACTIVE_TEXTURE, RGL_TEXTURE_BINDING_2D, RGL_UNPACK_ALIGNMENT,
-           RGL_PACK_ALIGNMENT, RGL_COLOR_CLEAR_VALUE, RGL_COLOR_WRITEMASK, RGL_POLYGON_MODE, RGL_ATTRIB_STACK_DEPTH,
-           RGL_MODELVIEW_STACK_DEPTH, RGL_CLIENT_ACTIVE_TEXTURE, RGL_CURRENT_PROGRAM, RGL_ARRAY_BUFFER_BINDING,
-           RGL_BLEND, RGL_DITHER, RGL_MULTISAMPLE, RGL_LIGHTING, RGL_CULL_FACE, RGL_DEPTH_TEST, RGL_SCISSOR_TEST,
-           RGL_TEXTURE_2D, RGL_LINE_SMOOTH, RGL_NORMALIZE, RGL_FRAMEBUFFER_SRGB, RGL_POINT_SPRITE})
-    EXPECT_EQ(numbers(recorded, name), numbers(real, name)) << std::hex << name;
+  const Ogl::GlEnum names[] = {
+      RGL_MATRIX_MODE, RGL_DEPTH_FUNC, RGL_DEPTH_WRITEMASK, RGL_BLEND_SRC_RGB, RGL_BLEND_DST_ALPHA,
+      RGL_CULL_FACE_MODE, RGL_FRONT_FACE, RGL_SHADE_MODEL, RGL_LINE_WIDTH, RGL_LINE_STIPPLE_PATTERN,
+      RGL_LINE_STIPPLE_REPEAT, RGL_POINT_SIZE, RGL_ACTIVE_TEXTURE, RGL_TEXTURE_BINDING_2D, RGL_UNPACK_ALIGNMENT,
+      RGL_PACK_ALIGNMENT, RGL_COLOR_CLEAR_VALUE, RGL_COLOR_WRITEMASK, RGL_POLYGON_MODE, RGL_ATTRIB_STACK_DEPTH,
+      RGL_MODELVIEW_STACK_DEPTH, RGL_CLIENT_ACTIVE_TEXTURE, RGL_CURRENT_PROGRAM, RGL_ARRAY_BUFFER_BINDING,
+      RGL_BLEND, RGL_DITHER, RGL_MULTISAMPLE, RGL_LIGHTING, RGL_CULL_FACE, RGL_DEPTH_TEST, RGL_SCISSOR_TEST,
+      RGL_TEXTURE_2D, RGL_LINE_SMOOTH, RGL_NORMALIZE, RGL_FRAMEBUFFER_SRGB, RGL_POINT_SPRITE};
   // clang-format on
+  for (const Ogl::GlEnum name : names)
+    EXPECT_EQ(numbers(recorded, name), numbers(real, name)) << std::hex << name;
   for (const Scope* const scope : {&recorded, &real}) {
     const Rgl& target = **scope;
+    target.Scissor(1, 2, 3, 4);
+    target.CullFace(RGL_FRONT);
+    target.FrontFace(RGL_CW);
+    target.ShadeModel(RGL_FLAT);
+    target.PointSize(2.5F);
+    target.LineWidth(2);
+    target.DepthFunc(RGL_GREATER);
+    target.ClientActiveTexture(RGL_TEXTURE1);
+    target.Enable(RGL_BLEND);
     target.Translate({1, 2, 3});
     target.Rotate(Types::Angle::FromDegrees(33), {1, 2, -1});
     target.Scale({2, 0.5, -1});
     target.MultMatrix({Types::Matrix3({1, 2, 3}, {4, 5, 6}, {7, 8, 10}), {-1, 0.25, 4}});
     target.Ortho(-3, 5, 1, 2, 0.5, 8);
+    target.MatrixMode(RGL_PROJECTION);
+    target.LoadMatrixd(std::array<double, 16>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}.data());
   }
+  for (const Ogl::GlEnum name : names)
+    EXPECT_EQ(numbers(recorded, name), numbers(real, name)) << "after the calls, " << std::hex << name;
+  for (const Ogl::GlEnum name : {RGL_SCISSOR_BOX, RGL_PROJECTION_MATRIX})
+    EXPECT_EQ(numbers(recorded, name), numbers(real, name)) << std::hex << name;
   const std::vector<double> actual = numbers(recorded, RGL_MODELVIEW_MATRIX),
                             expected = numbers(real, RGL_MODELVIEW_MATRIX);
   for (std::size_t i = 0; i < 16; ++i)

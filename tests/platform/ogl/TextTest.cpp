@@ -173,17 +173,9 @@ TEST_F(TextPixels, StandsAtItsPositionTexelForPixelWhateverTheHostHasSet) {
   gl->Bind(other, Rgl::Sampler2D);
   gl->BlendFunc(RGL_DST_COLOR, RGL_ZERO);
   gl->Color(Qt::green);
-  const auto state = [&] {
-    std::map<Ogl::GlEnum, std::vector<float>> values;
-    for (const Ogl::GlEnum name :
-         {RGL_ACTIVE_TEXTURE, RGL_TEXTURE_BINDING_2D, RGL_BLEND_SRC_RGB, RGL_BLEND_DST_RGB, RGL_CURRENT_COLOR,
-          RGL_TEXTURE_2D, RGL_BLEND, RGL_LIGHTING, RGL_POLYGON_MODE, RGL_UNPACK_SKIP_ROWS, RGL_ATTRIB_STACK_DEPTH})
-      gl->GetFloatv(name, (values[name] = std::vector<float>(4)).data());
-    return values;
-  };
-  const auto before = state();
+  const auto before = StateOf(gl);
   text(gl);
-  EXPECT_EQ(state(), before);
+  EXPECT_EQ(StateOf(gl), before);
   gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 0);
   const QImage image = text.Image().convertToFormat(QImage::Format_ARGB32), frame = Image();
   ASSERT_TRUE(image.width() + 7 < FrameSize.width && image.height() + 5 < FrameSize.height);

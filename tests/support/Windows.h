@@ -7,7 +7,9 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QImage>
+#include <QMouseEvent>
 #include <QThread>
+#include <QWidget>
 
 #include <array>
 #include <cstdlib>
@@ -56,6 +58,27 @@ inline double Difference(const QImage& p_a, const QImage& p_b) {
                std::abs(qBlue(a) - qBlue(b)) > Most;
     }
   return static_cast<double>(count) / (p_a.width() * p_a.height());
+}
+
+inline void SendMouse(QWidget& p_widget, QEvent::Type p_type, const QPointF& p_place, Qt::MouseButton p_button,
+                      Qt::MouseButtons p_buttons, Qt::KeyboardModifiers p_modifiers = Qt::NoModifier) {
+  QMouseEvent event(p_type, p_place, p_widget.mapToGlobal(p_place.toPoint()), p_button, p_buttons, p_modifiers);
+  QApplication::sendEvent(&p_widget, &event);
+}
+
+/// In two steps, the first of which is shorter than a click may be.
+inline void SendDrag(QWidget& p_widget, const QPointF& p_from, const QPointF& p_by, Qt::MouseButton p_button,
+                     Qt::KeyboardModifiers p_modifiers = Qt::NoModifier) {
+  SendMouse(p_widget, QEvent::MouseButtonPress, p_from, p_button, p_button, p_modifiers);
+  SendMouse(p_widget, QEvent::MouseMove, p_from + QPointF(0, 3), Qt::NoButton, p_button, p_modifiers);
+  SendMouse(p_widget, QEvent::MouseMove, p_from + p_by, Qt::NoButton, p_button, p_modifiers);
+  SendMouse(p_widget, QEvent::MouseButtonRelease, p_from + p_by, p_button, Qt::NoButton, p_modifiers);
+}
+
+inline void SendWheel(QWidget& p_widget, const QPointF& p_place, int p_angle) {
+  QWheelEvent event(p_place, p_widget.mapToGlobal(p_place.toPoint()), {}, {0, p_angle}, Qt::NoButton, Qt::NoModifier,
+                    Qt::NoScrollPhase, false);
+  QApplication::sendEvent(&p_widget, &event);
 }
 
 } // namespace Vek::Test
