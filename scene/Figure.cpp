@@ -51,6 +51,10 @@ LinesPlot& Figure::Lines(const Array3& p_positions, std::vector<std::size_t> p_l
   return _state->Add(std::unique_ptr<LinesPlot>(new LinesPlot(Points(p_positions), std::move(p_lengths))));
 }
 
+StreamlinesPlot& Figure::Streamlines(const VectorField& p_field) {
+  return _state->Add(std::unique_ptr<StreamlinesPlot>(new StreamlinesPlot(p_field))).ColorBySpeed();
+}
+
 SurfacePlot& Figure::Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights) {
   return _state->Add(std::unique_ptr<SurfacePlot>(new SurfacePlot(p_x, p_y, p_heights))).ColorByHeight();
 }

@@ -9,8 +9,10 @@
 #include "scene/Plot.h"
 #include "scene/QuiverPlot.h"
 #include "scene/ScatterPlot.h"
+#include "scene/StreamlinesPlot.h"
 #include "scene/SurfacePlot.h"
 #include "scene/Theme.h"
+#include "scene/VectorField.h"
 
 #include "platform/ogl/Rgl.h"
 #include "platform/types/Size.h"
@@ -86,6 +88,7 @@ public:
   /// One line through all points, or several one after the other: `p_lengths` are their numbers of points, which add up
   /// to all.
   LinesPlot& Lines(const Array3& p_positions, std::vector<std::size_t> p_lengths = {});
+  StreamlinesPlot& Streamlines(const VectorField& p_field);
   SurfacePlot& Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights);
   MeshPlot& Mesh(const Array3& p_positions, const std::vector<std::array<unsigned, 3>>& p_triangles);
   /// The triangles of an `Io::Mesh`: without its lines, points, colours and textures.

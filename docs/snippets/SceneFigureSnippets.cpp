@@ -96,6 +96,19 @@ TEST_F(SceneFigureSnippetPixels, QuiverPlot) {
   Vek::Test::Shown(before, "QuiverPlot");
 }
 
+TEST_F(SceneFigureSnippetPixels, StreamlinesPlot) {
+  //! [StreamlinesPlot]
+  const Io::Table wind = Io::ReadTable(data + "noaa_navy_winds_1987-01.csv");
+  VectorField field = VectorField::FromPoints(wind.Points("lon", "lat"), wind.Vectors("u", "v"));
+  field.WrapX(360);
+  Figure figure("Winds of the Pacific", "Monthly mean at the surface, January 1987");
+  figure.SetAxisTitles("Longitude in °", "Latitude in °").SetLimits(0, 120, 290).SetLimits(1, -50, 60);
+  figure.Streamlines(field).ColorTitle("Speed in m/s");
+  const QImage image = figure.Image({1200, 800});
+  //! [StreamlinesPlot]
+  Vek::Test::Shown(image, "StreamlinesPlot");
+}
+
 TEST_F(SceneFigureSnippetPixels, SurfacePlot) {
   //! [SurfacePlot]
   std::ifstream file(data + "etopo60.txt");

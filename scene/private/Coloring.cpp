@@ -106,7 +106,7 @@ std::optional<ColorKey> Coloring::Key() const {
   if (_values.empty())
     return {};
   ColorKey key;
-  key.title = _title;
+  key.title = _title.isEmpty() ? _defaultTitle : _title;
   key.colors = _colors.empty() ? Library::NamedColors::Colors("viridis") : _colors;
   key.range = EffectiveRange();
   key.logarithmic = _logarithmic;

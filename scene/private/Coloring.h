@@ -45,6 +45,8 @@ public:
   void SetRange(double p_low, double p_high);
   void SetLogarithmic(bool p_logarithmic);
   void SetTitle(const QString& p_title) { _title = p_title; }
+  /// Of what the values are until SetTitle is called with a title.
+  void SetDefaultTitle(const QString& p_title) { _defaultTitle = p_title; }
   void SetMissing(const QColor& p_color) { _missing = p_color; }
   void SetOpacity(double p_opacity);
 
@@ -72,7 +74,7 @@ private:
   std::optional<Range> _range;
   bool _logarithmic = false;
   double _opacity = 1;
-  QString _title;
+  QString _title, _defaultTitle;
   QColor _missing{128, 128, 128};
   Ogl::PerContext<Library::ColorMap> _map;
 };
