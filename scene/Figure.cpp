@@ -51,6 +51,10 @@ LinesPlot& Figure::Lines(const Array3& p_positions, std::vector<std::size_t> p_l
   return _state->Add(std::unique_ptr<LinesPlot>(new LinesPlot(Points(p_positions), std::move(p_lengths))));
 }
 
+BarsPlot& Figure::Bars(const Array1& p_x, const Array1& p_y, const Array1& p_heights) {
+  return _state->Add(std::unique_ptr<BarsPlot>(new BarsPlot(p_x, p_y, p_heights))).ColorByHeight();
+}
+
 StreamlinesPlot& Figure::Streamlines(const VectorField& p_field) {
   return _state->Add(std::unique_ptr<StreamlinesPlot>(new StreamlinesPlot(p_field))).ColorBySpeed();
 }
@@ -116,6 +120,32 @@ Figure& Figure::SetTitle(const QString& p_title, const QString& p_subtitle) {
 
 Figure& Figure::SetAxisTitles(const QString& p_x, const QString& p_y, const QString& p_z) {
   _state->axisTitles = {p_x, p_y, p_z};
+  return *this;
+}
+
+Figure& Figure::SetAxisNames(int p_axis, const std::vector<QString>& p_names) {
+  return SetTicks(p_axis, [p_names](double p_low, double p_high, std::size_t p_most) {
+    std::vector<double> values; // with at most so many strings
+    std::vector<QString> strings;
+    const double low = std::ceil(std::min(p_low, p_high)), high = std::floor(std::max(p_low, p_high));
+    const auto isShown = [&](std::size_t p_i) {
+      return low <= static_cast<double>(p_i) && static_cast<double>(p_i) <= high;
+    };
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < p_names.size(); ++i)
+      count += isShown(i) ? 1 : 0;
+    const std::size_t step = p_most == 0 ? count + 1 : (count + p_most - 1) / p_most;
+    for (std::size_t i = 0; i < p_names.size(); ++i)
+      if (isShown(i) && i % std::max<std::size_t>(step, 1) == 0) {
+        values.push_back(static_cast<double>(i));
+        strings.push_back(p_names[i]);
+      }
+    return Ticks(std::move(values), std::move(strings));
+  });
+}
+
+Figure& Figure::SetTicks(int p_axis, Axes::TickMaker p_ticks) {
+  _state->ticks[RequireAxis("SetTicks", p_axis)] = std::move(p_ticks);
   return *this;
 }
 

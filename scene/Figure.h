@@ -1,6 +1,8 @@
 #pragma once
 
 #include "scene/Array.h"
+#include "scene/Axes.h"
+#include "scene/BarsPlot.h"
 #include "scene/Camera.h"
 #include "scene/Export.h"
 #include "scene/FigureLayout.h"
@@ -88,6 +90,7 @@ public:
   /// One line through all points, or several one after the other: `p_lengths` are their numbers of points, which add up
   /// to all.
   LinesPlot& Lines(const Array3& p_positions, std::vector<std::size_t> p_lengths = {});
+  BarsPlot& Bars(const Array1& p_x, const Array1& p_y, const Array1& p_heights);
   StreamlinesPlot& Streamlines(const VectorField& p_field);
   SurfacePlot& Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights);
   MeshPlot& Mesh(const Array3& p_positions, const std::vector<std::array<unsigned, 3>>& p_triangles);
@@ -103,6 +106,10 @@ public:
   Figure& SetTitle(const QString& p_title, const QString& p_subtitle = {});
   /// What the axes measure, with units; by default x, y and z for spatial data, nothing for flat data.
   Figure& SetAxisTitles(const QString& p_x, const QString& p_y, const QString& p_z = {});
+  /// Names in place of values on an axis, 0 to 2 for x to z: at 0, 1, 2, …
+  Figure& SetAxisNames(int p_axis, const std::vector<QString>& p_names);
+  /// The ticks of an axis, 0 to 2 for x to z: `&Ticks::Dates`, for example. By default decimal values.
+  Figure& SetTicks(int p_axis, Axes::TickMaker p_ticks);
   /// The limits of an axis, 0 to 2 for x to z: finite and ascending, above 0 on a logarithmic axis. Points outside are
   /// left out, which is said.
   Figure& SetLimits(int p_axis, double p_low, double p_high);

@@ -56,6 +56,23 @@ TEST_F(SceneFigureSnippetPixels, ScatterPlot) {
   Vek::Test::Shown(image, "ScatterPlot");
 }
 
+TEST_F(SceneFigureSnippetPixels, BarsPlot) {
+  //! [BarsPlot]
+  // Made-up differences from the mean of a year, by month and region.
+  const std::vector<double> month{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, town{0, 1, 2, 3};
+  std::vector<double> difference;
+  for (const double t : town)
+    for (const double m : month)
+      difference.push_back((6 - 2 * t) * std::cos((m - 0.5 * t) * M_PI / 6));
+  Figure figure("Pressure through the year");
+  figure.SetAxisNames(0, {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"});
+  figure.SetAxisNames(1, {"North", "East", "South", "West"}).SetAxisTitles("", "", "Difference in hPa");
+  figure.Bars(month, town, difference).ColorMap("coolwarm").ColorRange(-6, 6).ColorTitle("Difference in hPa");
+  const QImage image = figure.Image({1200, 800});
+  //! [BarsPlot]
+  Vek::Test::Shown(image, "BarsPlot");
+}
+
 TEST_F(SceneFigureSnippetPixels, LinesPlot) {
   //! [LinesPlot]
   // The attractor of Lorenz, coloured by speed.

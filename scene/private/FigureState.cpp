@@ -104,6 +104,7 @@ Axes Figure::State::MakeAxes(const Box& p_limits) const {
   const bool isUntitled = axisTitles[0].isEmpty() && axisTitles[1].isEmpty() && axisTitles[2].isEmpty();
   for (std::size_t axis = 0; axis < 3; ++axis) {
     axes.axes[axis].title = isUntitled && !_isFlat ? QString::fromLatin1(AxisNames[axis]) : axisTitles[axis];
+    axes.axes[axis].ticks = ticks[axis];
     axes.axes[axis].low = At(p_limits.Min(), axis);
     axes.axes[axis].high = At(p_limits.Max(), axis);
     axes.axes[axis].scale = rules.logarithmic[axis] ? Axes::Scale::Logarithmic : Axes::Scale::Linear;

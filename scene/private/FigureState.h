@@ -23,6 +23,7 @@ struct VEK_HIDDEN Figure::State {
 
   QString title, subtitle;
   std::array<QString, 3> axisTitles;
+  std::array<Axes::TickMaker, 3> ticks; ///< empty for decimal values
   Private::AxisRules rules;
   std::optional<Scene::Camera> direction; ///< of the own camera; only angles and projection count
   std::vector<Entry> entries;
