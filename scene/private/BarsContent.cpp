@@ -95,8 +95,7 @@ void BarsContent::ColorByHeight() {
 
 void BarsContent::SetWidth(double p_fraction) {
   _width = p_fraction;
-  _isWidthChanged = true;
-  SettingsChanged();
+  DataChanged(); // the bounds of a row follow
 }
 
 void BarsContent::UpdateHeights(const Array1& p_heights) {
@@ -156,11 +155,20 @@ Box BarsContent::BoundsOf(const AxisRules& p_rules) const {
       box += Point(positions[i].x, positions[i].y, span.from);
       box += Point(positions[i].x, positions[i].y, span.to);
     }
-  return box;
+  if (box.Empty())
+    return box;
+  // A row of bars is as deep as they are wide.
+  Point low = box.Min(), high = box.Max();
+  for (const std::size_t axis : {0, 1})
+    if (At(low, axis) == At(high, axis) && !p_rules.logarithmic[axis] && !p_rules.limits[axis]) {
+      const double half = LeastGap(Distinct(positions, 1 - axis)) * _width / 2;
+      At(low, axis) -= half, At(high, axis) += half;
+    }
+  return {low, high};
 }
 
 Box BarsContent::PlaceChanged(const Changes& p_changes) {
-  if (p_changes.isMoved || std::exchange(_isWidthChanged, false))
+  if (p_changes.isMoved)
     PlaceBars();
   if (p_changes.values)
     _mesh.UpdateValues(VertexValues());

@@ -44,7 +44,6 @@ private:
   double _width = 0.8; ///< of the distance of neighbours
 
   // What was placed.
-  bool _isWidthChanged = false;
   double _base = 0;
   std::size_t _cut = 0; ///< bars that end at a limit
   Box _box;             ///< of the bars in the scene

@@ -1,17 +1,14 @@
-#include "tests/support/ErrorOf.h"
-#include "tests/support/FigureFixtures.h"
+#include "scene/Figure.h"
 
-#include <cmath>
-#include <functional>
-
-using namespace Vek::Chart::Scene;
-using namespace Vek::Test;
+#include "tests/support/Figures.h"
 
 namespace {
 
-const Numbers X{0, 1, 2, 3}, Y{0, 10, 20};
+using Bytes = std::vector<std::size_t>;
+
+const Doubles X = Ascending(4), Y = Ascending(3, 0, 10);
 /// Node (1, 1) is 5, node (2, 1) is -3; the last one is missing.
-const Numbers Heights{1, 1, 1, 1, 1, 5, -3, 1, 1, 1, 1, NaN};
+const Doubles Heights{1, 1, 1, 1, 1, 5, -3, 1, 1, 1, 1, NaN};
 
 using BarsPlotCalls = FigureCallsFixture;
 using BarsPlotPixels = FigurePixelsFixture;
@@ -19,23 +16,21 @@ using BarsPlotPixels = FigurePixelsFixture;
 TEST_F(BarsPlotCalls, RefusesWrongArguments) {
   Figure figure;
   BarsPlot& plot = figure.Bars(X, Y, Heights);
-  const std::vector<std::pair<std::function<void()>, std::string>> cases = {
-      {[&] { figure.Bars(X, Y, Numbers(11)); },
-       "Bars: expected as many heights as positions along x and along y, or for each pair of both, got 11 for 4 and 3"},
-      {[&] { figure.Bars(Numbers(), Numbers(), Numbers(2)); },
-       "Bars: expected as many heights as positions along x and along y, or for each pair of both, got 2 for 0 and 0"},
-      {[&] { plot.UpdateHeights(X); }, "UpdateHeights: expected 12 elements, got 4"},
-      {[&] { plot.ColorBy(X); }, "ColorBy: expected 12 elements, got 4"},
-      {[&] { plot.Width(1.5); }, "Width: expected a fraction above 0 and up to 1, got 1.500000"},
-      {[&] { figure.SetTicks(3, {}); }, "SetTicks: expected an axis of 0 to 2, got 3"},
-  };
-  for (const auto& [call, message] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+  ExpectErrors({
+      {"Bars: expected as many heights as positions along x and along y, or for each pair of both, got 11 for 4 and 3",
+       [&] { figure.Bars(X, Y, Doubles(11)); }},
+      {"Bars: expected as many heights as positions along x and along y, or for each pair of both, got 2 for 0 and 0",
+       [&] { figure.Bars(Doubles(), Doubles(), Doubles(2)); }},
+      {"UpdateHeights: expected 12 elements, got 4", [&] { plot.UpdateHeights(X); }},
+      {"ColorBy: expected 12 elements, got 4", [&] { plot.ColorBy(X); }},
+      {"Width: expected a fraction above 0 and up to 1, got 1.500000", [&] { plot.Width(1.5); }},
+      {"SetTicks: expected an axis of 0 to 2, got 3", [&] { figure.SetTicks(3, {}); }},
+  });
 }
 
 TEST_F(BarsPlotCalls, NotesBasesAndCuts) {
   struct Case {
-    Numbers limits;
+    Doubles limits;
     bool isLogarithmic;
     Notes notes;
   };
@@ -58,9 +53,13 @@ TEST_F(BarsPlotCalls, NotesBasesAndCuts) {
       figure.SetLimits(2, test.limits[0], test.limits[1]);
     EXPECT_EQ(figure.Layout({0, 0, 600, 400}).notes, test.notes) << (test.limits.empty() ? 0 : test.limits[0]);
   }
+  Figure row;
+  row.Bars(Ascending(11), Doubles(11, 5), Doubles(11, 3));
+  EXPECT_EQ(row.Layout({0, 0, 600, 400}).notes, Notes{"y \u00D7 5"}) << "as deep as wide";
+
   ReportCapture reports;
   Figure empty;
-  empty.Bars(Numbers{1}, Numbers{2}, Numbers{NaN});
+  empty.Bars(Doubles{1}, Doubles{2}, Doubles{NaN});
   EXPECT_EQ(empty.Layout({0, 0, 600, 400}).notes, Notes{"1 bar missing"});
   EXPECT_EQ(reports.Texts().size(), 1U);
 }
@@ -82,13 +81,13 @@ TEST_F(BarsPlotCalls, NamesTakeThePlaceOfValues) {
 
 TEST_F(BarsPlotCalls, UploadWhatChanged) {
   constexpr std::size_t Vertices = 24 * 12;
-  Numbers heights = Heights;
+  Doubles heights = Heights;
   Figure figure;
   BarsPlot& plot = figure.Bars(X, Y, heights);
   EXPECT_EQ(UploadsOf(figure).size(), 4U) << "positions, normals, values, indices";
   plot.ColorMap("inferno").ColorRange(2, 3).LogScale().SetOpacity(0.5).ColorTitle("Title");
   EXPECT_EQ(UploadsOf(figure), Bytes()) << "settings";
-  plot.ColorBy(Numbers(12, 1));
+  plot.ColorBy(Doubles(12, 1));
   EXPECT_EQ(UploadsOf(figure), Bytes{4 * Vertices}) << "values";
   std::swap(heights[0], heights[5]);
   plot.UpdateHeights(heights);
@@ -103,15 +102,11 @@ TEST_F(BarsPlotCalls, UploadWhatChanged) {
 /// From above, bars are rectangles; from the side, they reach from 0 to their height.
 TEST_F(BarsPlotPixels, BarsAreWhereTheyBelong) {
   const double far = 1e6;
-  Numbers x, y;
-  for (const double number : X)
-    x.push_back(number + far);
-  for (const double number : Y)
-    y.push_back(number - far);
+  const Doubles x = Ascending(4, far), y = Ascending(3, -far, 10);
   Figure figure;
   BarsPlot& plot = figure.Bars(x, y, Heights).ColorMap({Qt::blue, Qt::red}).ColorRange(-3, 5);
   figure.Look(0, 90, Camera::Projection::Parallel).SetAspect(1, 0.1, 0.1);
-  const auto seen = [&](double p_x, double p_y, double p_z) { return Seen(figure, {p_x + far, p_y - far, p_z}); };
+  const auto seen = [&](double p_x, double p_y, double p_z) { return AtPoint(figure, {p_x + far, p_y - far, p_z}); };
   const QColor white(Qt::white);
   const auto redness = [](const QColor& p_color) { return p_color.redF() / (p_color.redF() + p_color.blueF()); };
   Draw(figure);
@@ -144,13 +139,13 @@ TEST_F(BarsPlotPixels, BarsAreWhereTheyBelong) {
 /// Each of the six faces is bright where it is seen from the front: corners are in order, and normals point outward.
 TEST_F(BarsPlotPixels, FacesAreLit) {
   Figure figure;
-  figure.Bars(Numbers{0}, Numbers{0}, Numbers{1}).Color(Qt::red);
+  figure.Bars(Doubles{0}, Doubles{0}, Doubles{1}).Color(Qt::red);
   figure.SetAspect(1, 1, 1);
   for (const auto& [azimuth, elevation] : {std::pair(0, 0), {90, 0}, {180, 0}, {270, 0}, {0, 90}, {0, -90}}) {
     figure.Look(azimuth, elevation, Camera::Projection::Parallel);
     Draw(figure);
-    EXPECT_GT(Seen(figure, {0, 0, 0.5}).red(), 170) << azimuth << ", " << elevation;
-    EXPECT_LT(Seen(figure, {0, 0, 0.5}).green(), 90) << azimuth << ", " << elevation;
+    EXPECT_GT(AtPoint(figure, {0, 0, 0.5}).red(), 170) << azimuth << ", " << elevation;
+    EXPECT_LT(AtPoint(figure, {0, 0, 0.5}).green(), 90) << azimuth << ", " << elevation;
   }
 }
 

@@ -1,16 +1,14 @@
-#include "tests/support/ErrorOf.h"
-#include "tests/support/FigureFixtures.h"
+#include "scene/Figure.h"
 
-#include <cmath>
-#include <functional>
-
-using namespace Vek::Chart::Scene;
-using namespace Vek::Test;
+#include "tests/support/Figures.h"
 
 namespace {
 
+using Points = std::vector<Point>;
+using Bytes = std::vector<std::size_t>;
+
 /// Corners of a square; the last one without a number in some cases.
-const Positions Corners{{0, 0, 2}, {4, 0, 2}, {4, 4, 2}, {0, 4, 2}};
+const Points Corners{{0, 0, 2}, {4, 0, 2}, {4, 4, 2}, {0, 4, 2}};
 
 using LinesPlotCalls = FigureCallsFixture;
 using LinesPlotPixels = FigurePixelsFixture;
@@ -18,50 +16,39 @@ using LinesPlotPixels = FigurePixelsFixture;
 TEST_F(LinesPlotCalls, RefusesWrongArguments) {
   Figure figure;
   LinesPlot& plot = figure.Lines(Corners, {1, 0, 3});
-  const std::vector<std::pair<std::function<void()>, std::string>> cases = {
-      {[&] {
-         figure.Lines(Corners, {2, 3});
-       },
-       "lengths: expected 4 points in all lines, got more"},
-      {[&] {
-         figure.Lines(Corners, {2, 1});
-       },
-       "lengths: expected 4 points in all lines, got 3"},
-      {[&] {
-         figure.Lines(Corners, {1, std::numeric_limits<std::size_t>::max()});
-       },
-       "lengths: expected 4 points in all lines, got more"},
-      {[&] { plot.Width(0); }, "Width: expected a finite number above 0, got 0.000000"},
-      {[&] { plot.Tubes(NaN); }, "Tubes: expected a finite number above 0, got nan"},
-      {[&] { plot.UpdatePositions(Positions(3)); }, "UpdatePositions: expected 4 elements, got 3"},
-  };
-  for (const auto& [call, message] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+  ExpectErrors({
+      {"lengths: expected 4 points in all lines, got more", VEK_CALL(figure.Lines(Corners, {2, 3}))},
+      {"lengths: expected 4 points in all lines, got 3", VEK_CALL(figure.Lines(Corners, {2, 1}))},
+      {"lengths: expected 4 points in all lines, got more", VEK_CALL(figure.Lines(Corners, {1, ~std::size_t{0}}))},
+      {"Width: expected a finite number above 0, got 0.000000", [&] { plot.Width(0); }},
+      {"Tubes: expected a finite number above 0, got nan", [&] { plot.Tubes(NaN); }},
+      {"UpdatePositions: expected 4 elements, got 3", [&] { plot.UpdatePositions(Points(3)); }},
+  });
 }
 
 TEST_F(LinesPlotCalls, NotesWhatIsLeftOut) {
-  Positions points(9, Point(1, 1, 1));
-  for (std::size_t i = 0; i < points.size(); ++i)
-    points[i].x = static_cast<double>(i);
+  Points points;
+  for (const double x : Ascending(9))
+    points.emplace_back(x, 1, 1);
   points[1].y = points[6].z = NaN;
   Figure figure;
   LinesPlot& plot = figure.Lines(points, {3, 5, 1}); // 0 - 2, 3 4 5 - 7, 8
   const auto notes = [&] { return figure.Layout({0, 0, 600, 400}).notes; };
   EXPECT_EQ(notes(), (Notes{"2 points missing", "4 points without a neighbour"}));
-  plot.Tubes(0.1).ColorBy(Numbers{0, 0, 0, 0, NaN, 0, 0, 0, 0});
+  plot.Tubes(0.1).ColorBy(Doubles{0, 0, 0, 0, NaN, 0, 0, 0, 0});
   EXPECT_EQ(notes(), (Notes{"2 points missing", "1 value missing", "4 points without a neighbour"}));
   figure.SetLimits(0, 4, 8);
   EXPECT_EQ(notes().at(1), "3 points outside of the axes") << "0, 2 and 3";
 }
 
 TEST_F(LinesPlotCalls, UploadWhatChanged) {
-  Positions points = Corners;
+  Points points = Corners;
   Figure figure;
-  LinesPlot& plot = figure.Lines(points, {2, 2}).ColorBy(Numbers{1, 2, 3, 4});
+  LinesPlot& plot = figure.Lines(points, {2, 2}).ColorBy(Doubles{1, 2, 3, 4});
   CallsOf(figure);
   plot.ColorMap("inferno").ColorRange(2, 3).LogScale().SetOpacity(0.5).ColorTitle("Title").Width(2.5);
   EXPECT_EQ(UploadsOf(figure), Bytes()) << "settings";
-  plot.ColorBy(Numbers{4, 3, 2, 1});
+  plot.ColorBy(Doubles{4, 3, 2, 1});
   EXPECT_EQ(UploadsOf(figure), Bytes{4 * 5}) << "values, with one between the lines";
   std::swap(points[0], points[3]);
   plot.UpdatePositions(points);
@@ -70,15 +57,15 @@ TEST_F(LinesPlotCalls, UploadWhatChanged) {
   EXPECT_EQ(UploadsOf(figure).size(), 4U) << "positions, normals, values and indices of a mesh";
   plot.ColorMap("magma").ColorRange(1, 3);
   EXPECT_EQ(UploadsOf(figure), Bytes()) << "settings of tubes";
-  plot.ColorBy(Numbers{4, 3, 2, 2});
+  plot.ColorBy(Doubles{4, 3, 2, 2});
   EXPECT_EQ(UploadsOf(figure), Bytes{4 * 4 * 2}) << "values of ribbons";
 
   std::vector<std::size_t> calls;
   for (const std::size_t count : {4, 10000}) {
-    Positions many(count, Point(2, 2, 2));
+    Points many(count, Point(2, 2, 2));
     std::copy(Corners.begin(), Corners.end(), many.begin());
     Figure lines;
-    lines.Lines(many).ColorBy(Numbers(count, 1)).ColorRange(0, 5);
+    lines.Lines(many).ColorBy(Doubles(count, 1)).ColorRange(0, 5);
     CallsOf(lines);
     calls.push_back(CallsOf(lines).size());
   }
@@ -88,18 +75,18 @@ TEST_F(LinesPlotCalls, UploadWhatChanged) {
 /// The width across a line, in pixels: the sum of what is covered along a column of the image.
 TEST_F(LinesPlotPixels, LinesHaveTheirWidthAndColors) {
   const Point far(4e7, -2e7, 1e6);
-  Positions points;
+  Points points;
   for (const Point& corner : Corners)
     points.push_back(far + corner);
   Figure figure;
-  LinesPlot& plot = figure.Lines(points).ColorMap({Qt::blue, Qt::red}).ColorBy(Numbers{0, 0, 1, NaN}).Width(9);
+  LinesPlot& plot = figure.Lines(points).ColorMap({Qt::blue, Qt::red}).ColorBy(Doubles{0, 0, 1, NaN}).Width(9);
   plot.MissingColor(Qt::green);
   figure.Look(0, 90, Camera::Projection::Parallel);
   Draw(figure);
-  EXPECT_TRUE(SameColor(Seen(figure, far + Point(2, 0, 2)).rgb(), Qt::blue, 4));
-  EXPECT_TRUE(SameColor(Seen(figure, far + Point(4, 2, 2)).rgb(), QColor(128, 0, 128), 8)) << "halfway";
-  EXPECT_TRUE(SameColor(Seen(figure, far + Point(2, 4, 2)).rgb(), Qt::green, 4)) << "missing";
-  EXPECT_EQ(Seen(figure, far + Point(0, 2, 2)), QColor(Qt::white)) << "not closed";
+  EXPECT_TRUE(SameColor(AtPoint(figure, far + Point(2, 0, 2)).rgb(), Qt::blue, 4));
+  EXPECT_TRUE(SameColor(AtPoint(figure, far + Point(4, 2, 2)).rgb(), QColor(128, 0, 128), 8)) << "halfway";
+  EXPECT_TRUE(SameColor(AtPoint(figure, far + Point(2, 4, 2)).rgb(), Qt::green, 4)) << "missing";
+  EXPECT_EQ(AtPoint(figure, far + Point(0, 2, 2)), QColor(Qt::white)) << "not closed";
   const auto width = [&] {
     Draw(figure);
     const Camera::Pixel middle = PixelOf(figure, far + Point(2, 0, 2));
@@ -127,18 +114,18 @@ TEST_F(LinesPlotPixels, LinesHaveTheirWidthAndColors) {
   points[1].x = NaN;
   plot.UpdatePositions(points);
   Draw(figure);
-  EXPECT_EQ(Seen(figure, far + Point(2, 0, 2)), QColor(Qt::white));
-  EXPECT_NE(Seen(figure, far + Point(2, 4, 2)), QColor(Qt::white));
+  EXPECT_EQ(AtPoint(figure, far + Point(2, 0, 2)), QColor(Qt::white));
+  EXPECT_NE(AtPoint(figure, far + Point(2, 4, 2)), QColor(Qt::white));
   plot.Tubes(1);
   Draw(figure);
-  EXPECT_NE(Seen(figure, far + Point(2, 4.4, 2)), QColor(Qt::white));
-  EXPECT_EQ(Seen(figure, far + Point(2, 3.4, 2)), QColor(Qt::white));
+  EXPECT_NE(AtPoint(figure, far + Point(2, 4.4, 2)), QColor(Qt::white));
+  EXPECT_EQ(AtPoint(figure, far + Point(2, 3.4, 2)), QColor(Qt::white));
 }
 
 /// A segment that passes the eye is cut at the near plane, not mirrored.
 TEST_F(LinesPlotPixels, LinesPassTheEye) {
   Figure figure;
-  figure.Lines(Positions{{0, 0, -50}, {0, 0, 50}}).Color(Qt::blue).Width(5);
+  figure.Lines(Points{{0, 0, -50}, {0, 0, 50}}).Color(Qt::blue).Width(5);
   figure.SetAspect(1, 1, 1);
   Camera camera;
   camera.azimuth = 0;

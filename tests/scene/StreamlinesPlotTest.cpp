@@ -1,27 +1,18 @@
-#include "tests/support/ErrorOf.h"
-#include "tests/support/FigureFixtures.h"
+#include "scene/Figure.h"
 
-#include <cmath>
-#include <functional>
-
-using namespace Vek::Chart::Scene;
-using namespace Vek::Test;
+#include "tests/support/Figures.h"
 
 namespace {
 
+using Points = std::vector<Point>;
+using Bytes = std::vector<std::size_t>;
+
 using Vector = VectorField::Vector;
 
-Numbers Evenly(std::size_t p_count, double p_first, double p_last) {
-  Numbers numbers(p_count);
-  for (std::size_t i = 0; i < p_count; ++i)
-    numbers[i] = p_first + (p_last - p_first) * static_cast<double>(i) / static_cast<double>(p_count - 1);
-  return numbers;
-}
-
 /// A flow along x over [0, 4] x [0, 2], ten times as fast at the upper edge as at the lower one.
-const Numbers X = Evenly(9, 0, 4), Y = Evenly(5, 0, 2);
-Positions Shear(double p_factor = 1) {
-  Positions vectors;
+const Doubles X = Ascending(9, 0, 0.5), Y = Ascending(5, 0, 0.5);
+Points Shear(double p_factor = 1) {
+  Points vectors;
   for (const double y : Y)
     for (std::size_t i = 0; i < X.size(); ++i)
       vectors.emplace_back(p_factor * (1 + 4.5 * y), 0, 0);
@@ -33,20 +24,18 @@ using StreamlinesPlotCalls = FigureCallsFixture;
 TEST_F(StreamlinesPlotCalls, RefusesWrongArguments) {
   Figure figure;
   StreamlinesPlot& plot = figure.Streamlines(VectorField::Layer(X, Y, Shear()));
-  const std::vector<std::pair<std::function<void()>, std::string>> cases = {
-      {[&] { figure.Streamlines(VectorField()); }, "Streamlines: expected a field with nodes, got an empty one"},
-      {[&] { plot.Spacing(0.001); }, "Spacing: expected a fraction of 0.005 to 0.5, got 0.001000"},
-      {[&] { plot.Width(0); }, "Width: expected a fraction above 0 and up to 1, got 0.000000"},
-      {[&] { plot.UpdateVectors(Positions(3)); }, "UpdateVectors: expected 45 elements, got 3"},
-      {[&] { plot.ColorBy(Numbers(3)); }, "ColorBy: expected 45 elements, got 3"},
-  };
-  for (const auto& [call, message] : cases)
-    EXPECT_EQ(ErrorOf<std::invalid_argument>(call), message);
+  ExpectErrors({
+      {"Streamlines: expected a field with nodes, got an empty one", [&] { figure.Streamlines(VectorField()); }},
+      {"Spacing: expected a fraction of 0.005 to 0.5, got 0.001000", [&] { plot.Spacing(0.001); }},
+      {"Width: expected a fraction above 0 and up to 1, got 0.000000", [&] { plot.Width(0); }},
+      {"UpdateVectors: expected 45 elements, got 3", [&] { plot.UpdateVectors(Points(3)); }},
+      {"ColorBy: expected 45 elements, got 3", [&] { plot.ColorBy(Doubles(3)); }},
+  });
 }
 
 TEST_F(StreamlinesPlotCalls, NotesWhatIsLeftOut) {
   const auto notes = [](Figure& p_figure) { return p_figure.Layout({0, 0, 600, 400}).notes; };
-  Positions vectors = Shear();
+  Points vectors = Shear();
   vectors[3].x = NaN;
   vectors[5].z = 1;
   Figure figure;
@@ -62,7 +51,7 @@ TEST_F(StreamlinesPlotCalls, NotesWhatIsLeftOut) {
   for (const Vector& vector : {Vector(NaN, 0, 0), Vector(0, 0, 0)}) {
     ReportCapture reports;
     Figure still;
-    still.Streamlines(VectorField::Layer(X, Y, Positions(45, vector)));
+    still.Streamlines(VectorField::Layer(X, Y, Points(45, vector)));
     EXPECT_EQ(notes(still), std::isnan(vector.x) ? Notes{"45 nodes missing"} : Notes());
     EXPECT_EQ(reports.Texts().size(), std::isnan(vector.x) ? 1U : 0U);
   }
@@ -75,7 +64,7 @@ TEST_F(StreamlinesPlotCalls, UploadWhatChanged) {
   EXPECT_GE(all, 8U) << "lines and heads";
   plot.ColorMap("inferno").ColorRange(2, 3).LogScale().SetOpacity(0.5).ColorTitle("Title").MissingColor(Qt::red);
   EXPECT_EQ(UploadsOf(figure), Bytes()) << "settings";
-  plot.ColorBy(Numbers(45, 1));
+  plot.ColorBy(Doubles(45, 1));
   EXPECT_EQ(UploadsOf(figure).size(), 2U) << "values of lines and heads";
   plot.ColorMap("magma");
   EXPECT_EQ(UploadsOf(figure), Bytes());
@@ -98,7 +87,7 @@ TEST_F(StreamlinesPlotCalls, TheBarIsOfTheSpeedUntilThereAreValues) {
     return false;
   };
   EXPECT_TRUE(hasTitle("Speed"));
-  plot.ColorBy(Numbers(45, 1));
+  plot.ColorBy(Doubles(45, 1));
   EXPECT_FALSE(hasTitle("Speed"));
   plot.ColorBySpeed().ColorTitle("Speed in knots");
   EXPECT_TRUE(hasTitle("Speed in knots"));
@@ -134,14 +123,10 @@ TEST_F(StreamlinesPlotPixels, LinesAreWiderWhereTheFlowIsFaster) {
 /// Lines begin and end at the border of the field, and at that of the limits.
 TEST_F(StreamlinesPlotPixels, LinesEndAtTheBorder) {
   const Point far(1e6, -3e6, 0);
-  Numbers x, y;
-  for (const double number : X)
-    x.push_back(far.x + number);
-  for (const double number : Y)
-    y.push_back(far.y + number);
+  const Doubles x = Ascending(9, far.x, 0.5), y = Ascending(5, far.y, 0.5);
   for (const bool isLimited : {false, true}) {
     Figure figure;
-    figure.Scatter(Positions{far + Point(-1, 0, 0), far + Point(5, 2, 0)}).Color(Qt::white);
+    figure.Scatter(Points{far + Point(-1, 0, 0), far + Point(5, 2, 0)}).Color(Qt::white);
     figure.Streamlines(VectorField::Layer(x, y, Shear())).Color(Qt::red).Width(0.5);
     figure.SetLimits(0, far.x + (isLimited ? 1 : -1), far.x + (isLimited ? 3 : 5));
     Draw(figure);
@@ -158,7 +143,7 @@ TEST_F(StreamlinesPlotPixels, LinesEndAtTheBorder) {
 
 /// A scalar of the nodes is blended along the lines, and heads have the colour of their line.
 TEST_F(StreamlinesPlotPixels, ColorsAreThoseOfTheNodes) {
-  Numbers values;
+  Doubles values;
   for (std::size_t i = 0; i < 45; ++i)
     values.push_back(X[i % 9]);
   Figure figure;

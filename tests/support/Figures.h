@@ -89,15 +89,22 @@ protected:
     MakeApplication();
     PixelScopeFixture::SetUp();
   }
-  /// The figure with a grid that does not show, and its colours at points of the data.
-  QColor Drawn(Chart::Scene::Figure& p_figure, const Point& p_data) {
+  /// Draws with a grid that does not show.
+  void Draw(Chart::Scene::Figure& p_figure) {
     p_figure.theme.grid = p_figure.theme.line = Qt::white;
     p_figure.Draw(gl, viewport);
+  }
+  /// Draws, and returns the colour at a point of the data.
+  QColor Drawn(Chart::Scene::Figure& p_figure, const Point& p_data) {
+    Draw(p_figure);
     return AtPoint(p_figure, p_data);
+  }
+  Chart::Scene::Camera::Pixel PixelOf(Chart::Scene::Figure& p_figure, const Point& p_data) {
+    return p_figure.Layout(viewport).camera.Project(p_figure.ToScene(p_data), viewport);
   }
   /// The pixel, moved by some, at which a point of the data must appear in what was drawn.
   QColor AtPoint(Chart::Scene::Figure& p_figure, const Point& p_data, int p_x = 0, int p_y = 0) {
-    const auto pixel = p_figure.Layout(viewport).camera.Project(p_figure.ToScene(p_data), viewport);
+    const auto pixel = PixelOf(p_figure, p_data);
     return At(static_cast<int>(pixel.x) + p_x, static_cast<int>(pixel.y) + p_y);
   }
 };
