@@ -1,12 +1,11 @@
 #include "io/ReadTable.h"
 
 #include "io/FileError.h"
+#include "io/private/Input.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
-#include <cstring>
 #include <deque>
 #include <fstream>
 #include <iterator>
@@ -32,10 +31,6 @@ std::string_view Trimmed(std::string_view p_text) {
                                          : p_text.substr(first, p_text.find_last_not_of(" \t") - first + 1);
 }
 
-bool IsUtf16(std::string_view p_text) {
-  return p_text.substr(0, 2) == "\xFF\xFE" || p_text.substr(0, 2) == "\xFE\xFF";
-}
-
 /// All of a stream, without a byte order mark. A line without end is refused before it fills the memory.
 std::string ReadAll(std::istream& p_stream, const std::string& p_name) {
   std::string text;
@@ -45,7 +40,7 @@ std::string ReadAll(std::istream& p_stream, const std::string& p_name) {
     p_stream.read(block.data(), static_cast<std::streamsize>(block.size()));
     const std::string_view read(block.data(), static_cast<std::size_t>(p_stream.gcount()));
     text += read;
-    if (IsUtf16(text))
+    if (Private::IsUtf16(text))
       throw FileError(p_name, "expected UTF-8, got UTF-16; save the file as UTF-8");
     if (read.find('\0') != std::string_view::npos)
       throw FileError(p_name, "expected a table of text, got binary data");
@@ -298,10 +293,7 @@ Table ReadTable(std::istream& p_stream, const std::string& p_name) {
 }
 
 Table ReadTable(const std::string& p_path) {
-  errno = 0;
-  std::ifstream file(p_path, std::ios::binary);
-  if (!file)
-    throw FileError(p_path, std::string("cannot be opened: ") + std::strerror(errno));
+  std::ifstream file = Private::OpenFile(p_path);
   return ReadTable(file, p_path);
 }
 

@@ -12,8 +12,8 @@ namespace Vek::Chart::Io {
 /// Reads a table of text: CSV and its relatives, in UTF-8 or ASCII.
 ///
 /// - Cells are separated by commas, semicolons, tabs or blanks, whichever gives the first two rows as many cells. A
-///   cell may stand in double quotes, in which a doubled quote is a quote and line breaks are part of the cell. Lines end in
-///   LF, CR LF or CR. Blank lines and lines that start with '#' are skipped.
+///   cell may stand in double quotes, in which a doubled quote is a quote and line breaks are part of the cell. Lines
+///   end in LF, CR LF or CR. Blank lines and lines that start with '#' are skipped.
 /// - The first line has the names of the columns, unless all its cells are numbers or missing; the names are then those
 ///   of the last comment before it if that has as many words ("# lon lat speed"), otherwise "1", "2", ….
 /// - A cell is a number as std::from_chars reads it, with an optional '+'; where the separator is not a comma, with a

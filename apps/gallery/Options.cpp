@@ -1,5 +1,7 @@
 #include "apps/gallery/Options.h"
 
+#include "apps/gallery/FormatHelp.h"
+
 #include <algorithm>
 #include <charconv>
 
@@ -99,7 +101,7 @@ std::string HelpText() {
   text += "\nPictures:\n";
   for (const PictureEntry& entry : Pictures())
     add(entry.name, entry.source);
-  return text;
+  return text + FormatHelp();
 }
 
 } // namespace Vek::Chart::Gallery

@@ -2,6 +2,7 @@
 
 #include "apps/gallery/CommandLine.h"
 #include "apps/gallery/DataFolder.h"
+#include "apps/gallery/FormatHelp.h"
 #include "apps/gallery/TextTable.h"
 #include "apps/viewer/DarkTheme.h"
 #include "apps/viewer/ViewerWindow.h"
@@ -69,7 +70,7 @@ void TellNoDisplay(QtMsgType p_type, const QMessageLogContext&, const QString& p
 int Run(int p_argc, char** p_argv) {
   const Arguments arguments = Parse({p_argv + 1, p_argv + p_argc});
   if (arguments.help) {
-    std::fputs(Help, stdout);
+    std::fputs((Help + Gallery::FormatHelp()).c_str(), stdout);
     return 0;
   }
   const int row = RowOf(arguments.picture);

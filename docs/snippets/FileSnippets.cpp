@@ -1,6 +1,7 @@
 // The examples of the reference for files: what stands between two marks is shown there.
 
 #include "io/FileError.h"
+#include "io/Formats.h"
 #include "io/ReadMesh.h"
 #include "io/ReadTable.h"
 #include "io/ReadVolume.h"
@@ -87,4 +88,14 @@ TEST(FileSnippets, ReadTextArray) {
   const auto& values = std::get<std::vector<std::uint16_t>>(array.values);
   /// [ReadTextArray]
   EXPECT_EQ(values, (std::vector<std::uint16_t>{21845, 43690}));
+}
+
+TEST(FileSnippets, Formats) {
+  /// [Formats]
+  for (const Io::Format& format : Io::Formats())
+    if (format.kind == Io::Format::Meshes && !format.isAvailable)
+      std::cout << format.name << " files need a build with " << format.package << '\n';
+  const std::string patterns = Io::FilePatterns(Io::Format::Meshes); // "*.obj *.ply *.stl", for a file dialog
+  /// [Formats]
+  EXPECT_EQ(patterns.substr(0, 5), "*.obj");
 }

@@ -82,11 +82,6 @@ void Words::Fail(const std::string& p_expected) const {
   throw FileError(_name, line, p_expected, _last);
 }
 
-void Report(const Progress& p_progress, const std::string& p_name, double p_share) {
-  if (p_progress && !p_progress(p_share))
-    throw FileError(p_name, "cancelled");
-}
-
 void AddNormals(Mesh& p_mesh) {
   std::vector<Ogl::Vec3<float>> positions(p_mesh.positions.size() / 3);
   for (std::size_t i = 0; i < positions.size(); ++i)

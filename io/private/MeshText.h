@@ -1,6 +1,7 @@
 #pragma once
 
 #include "io/ReadMesh.h"
+#include "io/private/Input.h"
 
 #include <cstddef>
 #include <string>
@@ -46,9 +47,6 @@ private:
   std::size_t _at;
   std::string_view _last;
 };
-
-/// Calls the progress. Throws FileError if it cancels.
-void Report(const Progress& p_progress, const std::string& p_name, double p_share);
 
 /// Gives a mesh without normals those of its triangles.
 void AddNormals(Mesh& p_mesh);

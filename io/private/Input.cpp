@@ -1,0 +1,58 @@
+#include "io/private/Input.h"
+
+#include "io/FileError.h"
+#include "io/Formats.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <vector>
+
+namespace Vek::Chart::Io::Private {
+
+std::ifstream OpenFile(const std::string& p_path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(p_path, ignored))
+    throw FileError(p_path, "expected a file, got a folder");
+  errno = 0;
+  std::ifstream file(p_path, std::ios::binary);
+  if (!file)
+    throw FileError(p_path, std::string("cannot be opened: ") + std::strerror(errno));
+  return file;
+}
+
+std::string ReadAll(std::istream& p_stream, const std::string& p_name) {
+  std::string text;
+  std::vector<char> block(std::size_t(1) << 20);
+  while (p_stream.read(block.data(), std::streamsize(block.size())) || p_stream.gcount() > 0)
+    text.append(block.data(), std::size_t(p_stream.gcount()));
+  if (p_stream.bad())
+    throw FileError(p_name, "reading failed");
+  return text;
+}
+
+std::string Suffix(const std::string& p_name) {
+  std::string suffix = std::filesystem::path(p_name).extension().string();
+  std::transform(suffix.begin(), suffix.end(), suffix.begin(),
+                 [](unsigned char p_c) { return static_cast<char>(p_c >= 'A' && p_c <= 'Z' ? p_c + 32 : p_c); });
+  return suffix;
+}
+
+bool IsUtf16(std::string_view p_start) {
+  return p_start.substr(0, 2) == "\xFF\xFE" || p_start.substr(0, 2) == "\xFE\xFF";
+}
+
+void Report(const Progress& p_progress, const std::string& p_name, double p_share) {
+  if (p_progress && !p_progress(p_share))
+    throw FileError(p_name, "cancelled");
+}
+
+void FailWithout(std::string_view p_format, const std::string& p_name) {
+  const auto format =
+      std::find_if(Formats().begin(), Formats().end(), [&](const Format& p_row) { return p_row.name == p_format; });
+  throw FileError(p_name, "this build does not read " + std::string(p_format) + " files; build it with the package " +
+                              std::string(format == Formats().end() ? "" : format->package));
+}
+
+} // namespace Vek::Chart::Io::Private

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "io/Progress.h"
+
+#include <fstream>
+#include <istream>
+#include <string>
+#include <string_view>
+
+namespace Vek::Chart::Io::Private {
+
+/// Opens a file as binary. Throws FileError for a folder and for a file that cannot be opened.
+std::ifstream OpenFile(const std::string& p_path);
+/// All that is left of a stream. Throws FileError where reading fails.
+std::string ReadAll(std::istream& p_stream, const std::string& p_name);
+/// The suffix of a name in lower case, with its dot; empty without one.
+std::string Suffix(const std::string& p_name);
+/// Whether a file starts with a byte order mark of UTF-16.
+bool IsUtf16(std::string_view p_start);
+/// Calls the progress, if there is one. Throws FileError ("name: cancelled") if it returns false.
+void Report(const Progress& p_progress, const std::string& p_name, double p_share);
+/// Throws FileError for a file of a format that needs a library which this build lacks, and names the package.
+[[noreturn]] void FailWithout(std::string_view p_format, const std::string& p_name);
+
+} // namespace Vek::Chart::Io::Private

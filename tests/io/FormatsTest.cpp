@@ -1,0 +1,60 @@
+#include "io/Formats.h"
+#include "io/FileError.h"
+#include "io/ReadMesh.h"
+#include "io/ReadTable.h"
+#include "tests/support/ErrorOf.h"
+#include "tests/support/Test.h"
+
+using namespace Vek::Chart::Io;
+
+namespace {
+
+using Folder = TempFolder;
+
+/// For each format, by "Kind Name", a call that reads a file of it and returns how many vertices, voxels, nodes, rows
+/// or pixels that has. Real files lie in data/ or tests/io/files/.
+const std::map<std::string, std::function<std::size_t(const Folder&)>> ReadOne{
+    {"Meshes OBJ",
+     [](const Folder& p_folder) {
+       return ReadMesh(p_folder.Write("a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n")).positions.size();
+     }},
+    {"Meshes PLY",
+     [](const Folder& p_folder) {
+       return ReadMesh(p_folder.Write("a.ply", "ply\nformat ascii 1.0\nelement vertex 1\nproperty float x\n"
+                                               "property float y\nproperty float z\nend_header\n1 2 3\n"))
+           .positions.size();
+     }},
+    {"Meshes STL",
+     [](const Folder& p_folder) {
+       return ReadMesh(p_folder.Write("a.stl", "solid a\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\n"
+                                               "vertex 0 1 0\nendloop\nendfacet\nendsolid a\n"))
+           .positions.size();
+     }},
+    {"Tables CSV", [](const Folder&) { return ReadTable(VEK_SOURCE_DIR "/data/earthquakes.csv").Rows(); }},
+};
+
+} // namespace
+
+TEST(Formats, ReadsAFileOfEveryRow) {
+  std::set<std::string> rows;
+  for (const Format& format : Formats()) {
+    const std::string row = std::string(KindName(format.kind)) + ' ' + std::string(format.name);
+    SCOPED_TRACE(row);
+    EXPECT_TRUE(rows.insert(row).second) << "twice";
+    EXPECT_TRUE(format.isAvailable || !format.package.empty());
+    ASSERT_EQ(ReadOne.count(row), 1u);
+    const Folder folder;
+    std::size_t size = 0;
+    const std::string error = ErrorOf<FileError>([&] { size = ReadOne.at(row)(folder); });
+    if (format.isAvailable)
+      EXPECT_TRUE(error.empty() && size > 0) << error;
+    else
+      EXPECT_NE(error.find(format.package), std::string::npos) << error;
+  }
+  EXPECT_EQ(rows.size(), ReadOne.size());
+}
+
+TEST(Formats, MakesPatternsForFileDialogs) {
+  EXPECT_EQ(FilePatterns(Format::Tables), "*.csv *.tsv *.txt *.dat");
+  EXPECT_EQ(FilePatterns(Format::Meshes).substr(0, 17), "*.obj *.ply *.stl");
+}
