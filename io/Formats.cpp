@@ -4,6 +4,17 @@
 
 namespace Vek::Chart::Io {
 
+namespace {
+
+// One line for each library that a build may have.
+#ifdef VEK_WITH_NETCDF
+constexpr bool HasNetCdf = true;
+#else
+constexpr bool HasNetCdf = false;
+#endif
+
+} // namespace
+
 const std::vector<Format>& Formats() {
   static const std::vector<Format> formats{
       {Format::Meshes, "OBJ", "obj", "Io::ReadMesh",
@@ -22,6 +33,26 @@ const std::vector<Format>& Formats() {
        "names "
        "of solids",
        "normals and colours of triangles", "", true},
+      {Format::Vectors, "NetCDF", "nc cdf", "Io::ReadVectorField",
+       "classic formats, by the CF conventions: winds and flows on regular and rectilinear grids of two or three "
+       "dimensions, in any order of axes; units, scale_factor, add_offset, _FillValue, missing_value, valid ranges, "
+       "steps "
+       "of time",
+       "curvilinear grids", "", true},
+      {Format::Vectors, "NetCDF-4", "nc nc4", "Io::ReadVectorField", "as NetCDF, compressed or not",
+       "groups, structures, curvilinear grids", "libnetcdf-dev", HasNetCdf},
+      {Format::Vectors, "CSV", "csv tsv txt dat", "Io::ReadVectorField",
+       "nodes in any order with columns of positions and components, or of direction and speed; regular grids with a "
+       "first line \"# dims\"",
+       "steps of time", "", true},
+      {Format::Heights, "NetCDF", "nc cdf grd", "Io::ReadHeights",
+       "classic formats: a variable at one time and level, as for vector fields", "curvilinear grids", "", true},
+      {Format::Heights, "NetCDF-4", "nc nc4 grd", "Io::ReadHeights", "as NetCDF, compressed or not",
+       "groups, structures, curvilinear grids", "libnetcdf-dev", HasNetCdf},
+      {Format::Heights, "height grid", "txt", "Io::ReadHeights",
+       "a first line \"nx ny x0 dx y0 dy\", then the heights row by row", "", "", true},
+      {Format::Heights, "CSV", "csv tsv txt dat", "Io::ReadHeights",
+       "nodes in any order with columns of positions and heights", "", "", true},
       {Format::Tables, "CSV", "csv tsv txt dat", "Io::ReadTable",
        "cells separated by commas, semicolons, tabs or blanks; quoted cells, comments, missing cells, names of "
        "columns, "

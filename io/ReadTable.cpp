@@ -79,6 +79,8 @@ public:
   }
 
   const std::vector<std::string_view>& Cells() const { return _cells; }
+  /// The share of the text that was read, 0 to 1.
+  double Share() const { return double(_at) / double(std::max<std::size_t>(_text.size(), 1)); }
   /// The line on which the row starts, from 1.
   std::size_t Line() const { return _row; }
   /// The last comment before the row, without its '#'.
@@ -242,10 +244,13 @@ bool TakeNames(const RowReader& p_reader, bool p_decimalComma, std::vector<Table
 
 /// Reads the cells of all rows: as numbers, and as strings where `p_strings`. Columns with another cell are marked.
 void ReadRows(RowReader& p_reader, bool p_header, const std::string& p_name, bool p_decimalComma, bool p_strings,
-              std::vector<Table::Column>& p_columns) {
+              const Progress& p_progress, std::vector<Table::Column>& p_columns) {
   const std::size_t firstLine = p_reader.Line();
   bool more = !p_header || p_reader.Next();
   for (std::size_t row = 0; more; more = p_reader.Next(), ++row) {
+    constexpr std::size_t Often = 4096;
+    if (row % Often == 0)
+      Private::Report(p_progress, p_name, p_strings ? 1 : p_reader.Share());
     const auto& cells = p_reader.Cells();
     if (cells.size() != p_columns.size())
       throw FileError(p_name, p_reader.Line(),
@@ -269,7 +274,7 @@ void ReadRows(RowReader& p_reader, bool p_header, const std::string& p_name, boo
 
 } // namespace
 
-Table ReadTable(std::istream& p_stream, const std::string& p_name) {
+Table ReadTable(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
   const std::string text = ReadAll(p_stream, p_name);
   const char separator = FindSeparator(text, p_name);
   const bool decimalComma = separator != ',';
@@ -282,7 +287,7 @@ Table ReadTable(std::istream& p_stream, const std::string& p_name) {
     const bool header = TakeNames(reader, decimalComma, names);
     if (columns.empty())
       columns = names;
-    ReadRows(reader, header, p_name, decimalComma, p_strings, columns);
+    ReadRows(reader, header, p_name, decimalComma, p_strings, p_progress, columns);
   };
   read(false);
   // A column may turn out to have strings late; numbers do not keep their spelling.
@@ -292,9 +297,9 @@ Table ReadTable(std::istream& p_stream, const std::string& p_name) {
   return Table(p_name, std::move(columns));
 }
 
-Table ReadTable(const std::string& p_path) {
+Table ReadTable(const std::string& p_path, const Progress& p_progress) {
   std::ifstream file = Private::OpenFile(p_path);
-  return ReadTable(file, p_path);
+  return ReadTable(file, p_path, p_progress);
 }
 
 } // namespace Vek::Chart::Io

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "io/Export.h"
+#include "io/Progress.h"
 #include "io/SampleFile.h"
 #include "io/Table.h"
 
@@ -21,10 +22,12 @@ namespace Vek::Chart::Io {
 ///   cell has strings.
 ///
 /// Throws FileError with path and line for a file that cannot be opened or read, is empty, in UTF-16 or binary, has a
-/// row with more or fewer cells than the first line, a quote that does not end, or a line beyond 16 MiB.
+/// row with more or fewer cells than the first line, a quote that does not end, or a line beyond 16 MiB, and if
+/// p_progress cancels.
 /// \ingroup files
-VEK_IO_API Table ReadTable(const std::string& p_path);
+VEK_IO_API Table ReadTable(const std::string& p_path, const Progress& p_progress = {});
 /// Likewise, from a stream; `p_name` takes the place of the path in messages.
-VEK_IO_API Table ReadTable(std::istream& p_stream, const std::string& p_name);
+/// \ingroup files
+VEK_IO_API Table ReadTable(std::istream& p_stream, const std::string& p_name, const Progress& p_progress = {});
 
 } // namespace Vek::Chart::Io

@@ -2,11 +2,15 @@
 
 #include "io/FileError.h"
 #include "io/Formats.h"
+#include "io/ReadHeights.h"
 #include "io/ReadMesh.h"
 #include "io/ReadTable.h"
+#include "io/ReadVectorField.h"
 #include "io/ReadVolume.h"
 #include "library/ObjScene.h"
 #include "library/ReadTextArray.h"
+#include "scene/Figure.h"
+#include "scene/VectorField.h"
 #include "tests/support/Test.h"
 
 TEST(FileSnippets, ReadTable) {
@@ -98,4 +102,29 @@ TEST(FileSnippets, Formats) {
   const std::string patterns = Io::FilePatterns(Io::Format::Meshes); // "*.obj *.ply *.stl", for a file dialog
   /// [Formats]
   EXPECT_EQ(patterns.substr(0, 5), "*.obj");
+}
+
+TEST(FileSnippets, ReadVectorField) {
+  const std::string path = VEK_SOURCE_DIR "/data/navy_winds_1987.nc";
+  /// [ReadVectorField]
+  Io::VectorField wind = Io::ReadVectorField(path);
+  std::cout << wind.times.size() << " steps, in " << wind.unit << '\n'; // 2 steps, in M/S
+  wind = Io::ReadVectorField(path, {{"UWND", "VWND"}, 1});              // the second one
+  Scene::VectorField field = Scene::VectorField::Rectilinear(wind.axes[0], wind.axes[1], wind.axes[2], wind.vectors);
+  if (wind.period > 0)
+    field.WrapX(wind.period);
+  Scene::Figure figure;
+  figure.Quiver(wind.Positions(), wind.vectors);
+  /// [ReadVectorField]
+  EXPECT_EQ(field.Missing(), 0u);
+}
+
+TEST(FileSnippets, ReadHeights) {
+  const std::string path = VEK_SOURCE_DIR "/data/etopo60.txt";
+  /// [ReadHeights]
+  const Io::HeightGrid relief = Io::ReadHeights(path); // a height grid, NetCDF or a table
+  Scene::Figure figure;
+  figure.Surface(relief.x, relief.y, relief.heights);
+  /// [ReadHeights]
+  EXPECT_EQ(relief.heights.size(), 360u * 180);
 }

@@ -32,6 +32,23 @@ std::string ReadAll(std::istream& p_stream, const std::string& p_name) {
   return text;
 }
 
+Restarted::Restarted(std::istream& p_stream, const std::string& p_name, std::size_t p_startSize)
+    : _stream(p_stream)
+    , _start(p_startSize, '\0') {
+  const std::istream::pos_type at = p_stream.tellg();
+  p_stream.clear();
+  p_stream.read(_start.data(), std::streamsize(p_startSize));
+  _start.resize(std::size_t(p_stream.gcount()));
+  if (p_stream.bad())
+    throw FileError(p_name, "reading failed");
+  p_stream.clear();
+  _seeks = at != std::istream::pos_type(-1) && p_stream.seekg(at);
+  if (_seeks)
+    return;
+  p_stream.clear();
+  _copy.str(_start + ReadAll(p_stream, p_name));
+}
+
 std::string Suffix(const std::string& p_name) {
   std::string suffix = std::filesystem::path(p_name).extension().string();
   std::transform(suffix.begin(), suffix.end(), suffix.begin(),

@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <istream>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,22 @@ namespace Vek::Chart::Io::Private {
 std::ifstream OpenFile(const std::string& p_path);
 /// All that is left of a stream. Throws FileError where reading fails.
 std::string ReadAll(std::istream& p_stream, const std::string& p_name);
+/// Goes back to the start of a stream of which the first bytes are read; a stream that cannot seek is read to the end.
+class Restarted {
+public:
+  /// Reads up to that many bytes of the start.
+  Restarted(std::istream& p_stream, const std::string& p_name, std::size_t p_startSize);
+  const std::string& Start() const { return _start; }
+  /// The whole stream, from where it was.
+  std::istream& Stream() { return _seeks ? _stream : _copy; }
+
+private:
+  std::istream& _stream;
+  std::istringstream _copy;
+  std::string _start;
+  bool _seeks;
+};
+
 /// The suffix of a name in lower case, with its dot; empty without one.
 std::string Suffix(const std::string& p_name);
 /// Whether a file starts with a byte order mark of UTF-16.

@@ -1,7 +1,9 @@
 #include "io/Formats.h"
 #include "io/FileError.h"
+#include "io/ReadHeights.h"
 #include "io/ReadMesh.h"
 #include "io/ReadTable.h"
+#include "io/ReadVectorField.h"
 #include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
@@ -10,6 +12,13 @@ using namespace Vek::Chart::Io;
 namespace {
 
 using Folder = TempFolder;
+
+/// A NetCDF-4 file, made by nccopy of the package netcdf-bin.
+std::string NetCdf4(const Folder& p_folder) {
+  const std::string path = p_folder.File("a.nc");
+  EXPECT_EQ(std::system(("nccopy -k netCDF-4 -d 5 -s " VEK_SOURCE_DIR "/data/navy_winds_1987.nc " + path).c_str()), 0);
+  return path;
+}
 
 /// For each format, by "Kind Name", a call that reads a file of it and returns how many vertices, voxels, nodes, rows
 /// or pixels that has. Real files lie in data/ or tests/io/files/.
@@ -29,6 +38,21 @@ const std::map<std::string, std::function<std::size_t(const Folder&)>> ReadOne{
        return ReadMesh(p_folder.Write("a.stl", "solid a\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\n"
                                                "vertex 0 1 0\nendloop\nendfacet\nendsolid a\n"))
            .positions.size();
+     }},
+    {"Vector fields NetCDF",
+     [](const Folder&) { return ReadVectorField(VEK_SOURCE_DIR "/data/navy_winds_1987.nc").vectors.size(); }},
+    {"Vector fields NetCDF-4",
+     [](const Folder& p_folder) { return ReadVectorField(NetCdf4(p_folder)).vectors.size(); }},
+    {"Vector fields CSV",
+     [](const Folder&) { return ReadVectorField(VEK_SOURCE_DIR "/data/noaa_navy_winds_1987-01.csv").vectors.size(); }},
+    {"Height grids NetCDF",
+     [](const Folder&) { return ReadHeights(VEK_SOURCE_DIR "/data/navy_winds_1987.nc").heights.size(); }},
+    {"Height grids NetCDF-4", [](const Folder& p_folder) { return ReadHeights(NetCdf4(p_folder)).heights.size(); }},
+    {"Height grids height grid",
+     [](const Folder&) { return ReadHeights(VEK_SOURCE_DIR "/data/etopo60.txt").heights.size(); }},
+    {"Height grids CSV",
+     [](const Folder& p_folder) {
+       return ReadHeights(p_folder.Write("a.csv", "x,y,h\n0,0,1\n1,0,2\n")).heights.size();
      }},
     {"Tables CSV", [](const Folder&) { return ReadTable(VEK_SOURCE_DIR "/data/earthquakes.csv").Rows(); }},
 };

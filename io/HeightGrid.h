@@ -1,0 +1,32 @@
+#pragma once
+
+#include "io/Export.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Vek::Chart::Io {
+
+/// Values at the nodes of a rectilinear grid in a plane, with names and units: a relief, a layer of temperatures. What
+/// ReadHeights returns.
+///
+/// Node (i, j), at x[i], y[j], has the index i + nx · j, which is the order of `Scene::Figure::Surface(x, y, heights)`.
+/// Axes ascend or descend. A plain value: any field may be changed.
+///
+/// \snippet FileSnippets.cpp ReadHeights
+/// \ingroup files
+struct VEK_IO_API HeightGrid {
+  std::vector<double> x;          ///< the positions of the columns
+  std::vector<double> y;          ///< the positions of the rows
+  std::vector<double> heights;    ///< one a node; NaN where missing
+  std::string xName, yName;       ///< such as "lon" and "lat"; empty where not known
+  std::string xUnit, yUnit;       ///< such as "degrees_east"; empty where not known
+  std::string name;               ///< of the values, such as "sea surface temperature"; empty where not known
+  std::string unit;               ///< of the values, such as "m"; empty where not known
+  std::vector<std::string> times; ///< all steps of the file; empty for a file without time
+  std::vector<double> levels;     ///< the positions along z of all levels of the file; empty for a file without levels
+  double period = 0;              ///< 360 for longitudes that go around the globe, otherwise 0
+};
+
+} // namespace Vek::Chart::Io

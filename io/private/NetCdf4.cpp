@@ -1,0 +1,208 @@
+// NetCDF-4, by libnetcdf. Only the variables of the root group are read.
+
+#include "io/private/NetCdf.h"
+
+#include "io/FileError.h"
+
+#ifdef VEK_WITH_NETCDF
+
+#include <netcdf.h>
+#include <netcdf_mem.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <mutex>
+
+namespace Vek::Chart::Io::Private {
+
+namespace {
+
+/// libnetcdf and libhdf5 are not thread-safe.
+std::mutex& Mutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+std::uint64_t LittleEndian(std::string_view p_bytes) {
+  std::uint64_t value = 0;
+  for (std::size_t i = p_bytes.size(); i-- > 0;)
+    value = value << 8 | static_cast<unsigned char>(p_bytes[i]);
+  return value;
+}
+
+/// Whether the objects of a global heap fill it. Other metadata have checksums, which HDF5 compares; heaps have none,
+/// and libhdf5 1.10.8 reads out of bounds and loops for ever where one is damaged. The layout is that of the "HDF5 File
+/// Format Specification", III.E.
+bool IsSoundHeap(std::string_view p_heap) {
+  constexpr std::size_t HeaderSize = 16;
+  if (p_heap.size() < HeaderSize || p_heap[4] != 1)
+    return false;
+  const std::uint64_t size = LittleEndian(p_heap.substr(8, 8));
+  if (size < HeaderSize || size > p_heap.size())
+    return false;
+  std::string_view rest = p_heap.substr(HeaderSize, std::size_t(size) - HeaderSize);
+  while (rest.size() >= HeaderSize) {
+    const bool isFree = LittleEndian(rest.substr(0, 2)) == 0; // with a size that includes its header
+    std::uint64_t object = LittleEndian(rest.substr(8, 8));
+    if (object > rest.size() || (isFree && object < HeaderSize))
+      return false;
+    if (!isFree)
+      object = HeaderSize + (object + 7) / 8 * 8;
+    if (object > rest.size())
+      return false;
+    rest.remove_prefix(std::size_t(object));
+  }
+  return true;
+}
+
+void CheckHeaps(std::string_view p_file, const std::string& p_name) {
+  constexpr std::string_view Mark = "GCOL";
+  for (std::size_t at = p_file.find(Mark); at != std::string_view::npos; at = p_file.find(Mark, at + Mark.size()))
+    if (!IsSoundHeap(p_file.substr(at)))
+      throw FileError(p_name, "byte " + std::to_string(at) + ": expected a heap of HDF5, got a damaged one");
+}
+
+NetCdfType TypeOf(nc_type p_type) {
+  return p_type >= NC_BYTE && p_type <= NC_UINT64 ? static_cast<NetCdfType>(p_type) : NetCdfType::Unknown;
+}
+
+class NetCdf4File : public NetCdfFile {
+public:
+  NetCdf4File(std::istream& p_stream, const std::string& p_name)
+      : NetCdfFile(p_name)
+      , _bytes(ReadAll(p_stream, p_name)) {
+    CheckHeaps(_bytes, p_name);
+    const std::lock_guard<std::mutex> lock(Mutex());
+    Check(nc_open_mem(p_name.c_str(), NC_NOWRITE, _bytes.size(), _bytes.data(), &_file));
+    try {
+      ReadMetadata();
+    } catch (...) { // the destructor does not run
+      nc_close(_file);
+      throw;
+    }
+  }
+  ~NetCdf4File() override {
+    const std::lock_guard<std::mutex> lock(Mutex());
+    nc_close(_file);
+  }
+  NetCdf4File(const NetCdf4File&) = delete;
+  NetCdf4File& operator=(const NetCdf4File&) = delete;
+
+private:
+  void Check(int p_status) const {
+    if (p_status != NC_NOERR)
+      throw FileError(_name, std::string("not a sound NetCDF-4 file: ") + nc_strerror(p_status));
+  }
+
+  void ReadMetadata() {
+    int dimensions = 0, variables = 0;
+    Check(nc_inq(_file, &dimensions, &variables, nullptr, nullptr));
+    for (int i = 0; i < dimensions; ++i) {
+      char name[NC_MAX_NAME + 1] = "";
+      NetCdfDimension& dimension = _dimensions.emplace_back();
+      Check(nc_inq_dim(_file, i, name, &dimension.size));
+      dimension.name = name;
+    }
+    for (int i = 0; i < variables; ++i)
+      ReadVariable(i);
+  }
+
+  void ReadVariable(int p_variable) {
+    char name[NC_MAX_NAME + 1] = "";
+    nc_type type = NC_NAT;
+    int dimensions = 0, attributes = 0;
+    Check(nc_inq_var(_file, p_variable, name, &type, &dimensions, nullptr, &attributes));
+    std::vector<int> indices(std::size_t(std::max(dimensions, 0)));
+    Check(nc_inq_vardimid(_file, p_variable, indices.data()));
+    NetCdfVariable& variable = _variables.emplace_back();
+    variable.name = name;
+    variable.type = TypeOf(type);
+    for (const int index : indices) {
+      if (index < 0 || std::size_t(index) >= _dimensions.size())
+        throw FileError(_name, "variable \"" + variable.name + "\": a dimension of another group");
+      variable.dimensions.push_back(std::size_t(index));
+    }
+    for (int i = 0; i < attributes; ++i)
+      ReadAttribute(p_variable, i, variable.attributes.emplace_back());
+  }
+
+  void ReadAttribute(int p_variable, int p_attribute, NetCdfAttribute& p_to) const {
+    char name[NC_MAX_NAME + 1] = "";
+    nc_type type = NC_NAT;
+    std::size_t size = 0;
+    Check(nc_inq_attname(_file, p_variable, p_attribute, name));
+    Check(nc_inq_att(_file, p_variable, name, &type, &size));
+    p_to.name = name;
+    if (size > _bytes.size())
+      throw FileError(_name, "attribute \"" + p_to.name + "\": larger than the file");
+    if (type == NC_CHAR) {
+      p_to.text.resize(size);
+      Check(nc_get_att_text(_file, p_variable, name, p_to.text.data()));
+      p_to.text.resize(p_to.text.find_last_not_of('\0') + 1);
+    } else if (type == NC_STRING && size == 1) {
+      char* text = nullptr;
+      Check(nc_get_att_string(_file, p_variable, name, &text));
+      p_to.text = text == nullptr ? "" : text;
+      nc_free_string(1, &text);
+    } else if (TypeOf(type) != NetCdfType::Unknown) {
+      p_to.numbers.resize(size);
+      Check(nc_get_att_double(_file, p_variable, name, p_to.numbers.data()));
+    }
+  }
+
+  /// Deflate compresses bytes at most to a 1032nd, and values that were never written take no space at all: the bound
+  /// is only one against sizes beyond reason.
+  bool HasRoom(const NetCdfVariable&, std::size_t p_values) const override {
+    constexpr std::size_t Free = std::size_t(1) << 17, Compression = 256;
+    return p_values <= Free || p_values / Compression <= _bytes.size();
+  }
+
+  void ReadBlock(std::size_t p_variable, const std::vector<std::size_t>& p_first,
+                 const std::vector<std::size_t>& p_count, std::vector<double>& p_values,
+                 const Progress& p_progress) const override {
+    // In parts along the first dimension that has several indices, for the progress.
+    constexpr std::size_t Part = std::size_t(1) << 22;
+    std::size_t split = 0;
+    while (split + 1 < p_count.size() && p_count[split] == 1)
+      ++split;
+    std::vector<std::size_t> first = p_first, count = p_count;
+    const std::size_t all = p_count.empty() ? 1 : p_count[split];
+    const std::size_t row = p_values.size() / all;
+    for (std::size_t done = 0; done < all;) {
+      const std::size_t rows = std::min(all - done, std::max<std::size_t>(Part / row, 1));
+      if (!p_count.empty()) {
+        first[split] = p_first[split] + done;
+        count[split] = rows;
+      }
+      {
+        const std::lock_guard<std::mutex> lock(Mutex());
+        Check(nc_get_vara_double(_file, int(p_variable), first.data(), count.data(), p_values.data() + done * row));
+      }
+      done += rows;
+      Report(p_progress, _name, double(done) / double(all));
+    }
+  }
+
+  std::string _bytes;
+  int _file = 0;
+};
+
+} // namespace
+
+std::unique_ptr<NetCdfFile> OpenNetCdf4(std::istream& p_stream, const std::string& p_name) {
+  return std::make_unique<NetCdf4File>(p_stream, p_name);
+}
+
+} // namespace Vek::Chart::Io::Private
+
+#else
+
+namespace Vek::Chart::Io::Private {
+
+std::unique_ptr<NetCdfFile> OpenNetCdf4(std::istream&, const std::string& p_name) {
+  FailWithout("NetCDF-4", p_name);
+}
+
+} // namespace Vek::Chart::Io::Private
+
+#endif

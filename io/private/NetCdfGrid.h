@@ -1,0 +1,47 @@
+#pragma once
+
+#include "io/private/NetCdf.h"
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Vek::Chart::Io::Private {
+
+/// Variables of a NetCDF file on one rectilinear grid at one time, by the CF conventions 1.10.
+struct NetCdfGrid {
+  std::array<std::vector<double>, 3> axes; ///< positions along x, y and z; none is empty
+  std::array<std::string, 3> axisNames;    ///< empty for an axis that the variables do not have
+  std::array<std::string, 3> axisUnits;
+  std::vector<double> levels;              ///< all positions along z; empty without such an axis
+  std::vector<std::vector<double>> values; ///< of each variable, x fastest, then y; NaN where missing
+  std::vector<std::string> times;
+  double period = 0; ///< 360 for longitudes around the globe
+};
+
+constexpr std::size_t AllLevels = ~std::size_t(0);
+
+/// Reads the variables, which must have the same dimensions, at a step of time, with all levels or one of them. Throws
+/// FileError for a variable, step or level that does not exist, and for grids that are not rectilinear.
+NetCdfGrid ReadGrid(const NetCdfFile& p_file, const std::vector<std::string>& p_variables, std::size_t p_time,
+                    std::size_t p_level, const Progress& p_progress);
+
+/// The variables with values on a grid: numbers with two dimensions or more that are no coordinates or bounds of
+/// others.
+std::vector<const NetCdfVariable*> GridVariables(const NetCdfFile& p_file);
+/// The two or three components of the first vector field, by standard names, otherwise by names such as u and v. Throws
+/// FileError if there is none.
+std::vector<std::string> FindComponents(const NetCdfFile& p_file);
+
+/// An axis of a role, recognised by its attributes, otherwise by its name.
+enum class NetCdfRole : int { X, Y, Z, Time, Other, Unknown };
+NetCdfRole RoleOf(const NetCdfVariable& p_coordinate);
+/// Whether a unit is one of pressure.
+bool IsPressure(const std::string& p_unit);
+/// The values of a variable with missing ones as NaN, scaled and offset. In place.
+void Unpack(const NetCdfVariable& p_variable, std::vector<double>& p_values);
+/// Steps of time as "1987-01-17 12:00"; in another calendar than the usual one as "6 hours since 2000-01-01".
+std::vector<std::string> TimeStrings(const NetCdfVariable& p_coordinate, const std::vector<double>& p_values);
+
+} // namespace Vek::Chart::Io::Private
