@@ -1,7 +1,6 @@
 #include "io/ReadVolume.h"
 #include "io/FileError.h"
 #include "tests/support/Damage.h"
-#include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
 using Io::FileError;

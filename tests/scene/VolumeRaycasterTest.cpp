@@ -70,14 +70,14 @@ TEST_F(VolumeRaycasterPixels, AbsorbsByThicknessWhateverTheStep) {
 
 TEST_F(VolumeRaycasterPixels, FollowsUnevenCellsAndDrawsAPart) {
   // Values are 4 + 4 y: their mean between two bounds is that in the middle, wherever the nodes lie.
-  const std::vector<double> x = {-1, 1}, y = {1, 0.9, 0.7, -0.6, -1};
-  std::vector<double> values;
+  const Doubles x = {-1, 1}, y = {1, 0.9, 0.7, -0.6, -1};
+  Doubles values;
   for (int node = 0; node < 20; ++node)
     values.push_back(4 + 4 * y[static_cast<std::size_t>(node / 2 % 5)]);
   const VolumeRaycaster volume(VoxelGrid(values, x, y, x));
   VolumeRaycaster::Settings settings;
   settings.mode = Mode::Average;
-  settings.scale = ScaleOf(0, 8);
+  settings.scale = Between(0, 8);
   settings.opacity = OpacityFunction(1);
   for (const auto& [from, to] : {std::pair(-1.0, 1.0), std::pair(-0.5, 0.7), std::pair(0.75, 5.0)}) {
     settings.part = Box({-1, from, -1}, {1, to, 1});

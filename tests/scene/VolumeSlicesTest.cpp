@@ -41,7 +41,7 @@ TEST_F(VolumeSlicesCalls, UploadsVoxelsOnceForAllCopiesAndColors) {
 
 struct VolumeSlicesPixels : PixelScopeFixture {
   /// Row y of a cut through eight voxels along x, 61 pixels wide, seen from above.
-  std::vector<int> Reds(const VolumeSlices& p_slices, const ValueScale& p_scale, const std::vector<double>& p_at) {
+  std::vector<int> Reds(const VolumeSlices& p_slices, const ValueScale& p_scale, const Doubles& p_at) {
     gl->ClearColor(Qt::black);
     gl->Clear(RGL_COLOR_BUFFER_BIT);
     gl->LoadIdentity();
@@ -82,28 +82,28 @@ TEST_F(VolumeSlicesPixels, ColorsValuesAndLeavesMissingOnesOut) {
 }
 
 TEST_F(VolumeSlicesPixels, DrawsWhatUnevenGridsSample) {
-  const std::vector<double> x = {8, 7.5, 5, 4.9, 1, 0};
+  const Doubles x = {8, 7.5, 5, 4.9, 1, 0};
   for (const auto filter : {VoxelGrid::Filter::Linear, VoxelGrid::Filter::Nearest}) {
-    const VoxelGrid grid(std::vector<float>{10, 20, 60, Nan, 50, 80, 10, 20, 60, Nan, 50, 80,
-                                            10, 20, 60, Nan, 50, 80, 10, 20, 60, Nan, 50, 80},
-                         x, std::vector<double>{0, 1}, std::vector<double>{0, 1}, VoxelGrid::Positions::OfNodes);
-    std::vector<double> at;
+    const VoxelGrid grid(std::vector<float>{10, 20, 60, NAN, 50, 80, 10, 20, 60, NAN, 50, 80,
+                                            10, 20, 60, NAN, 50, 80, 10, 20, 60, NAN, 50, 80},
+                         x, Doubles{0, 1}, Doubles{0, 1}, VoxelGrid::Positions::OfNodes);
+    Doubles at;
     std::vector<int> expected;
     for (double pixel = 0.5; pixel < FrameSize.width; ++pixel) {
       at.push_back(pixel * 8 / FrameSize.width);
       const double value = grid.Sample({at.back(), 0.5, 0.5}, filter);
       expected.push_back(std::isnan(value) ? 0 : static_cast<int>(value / 80 * 255));
     }
-    const std::vector<int> got = Reds(VolumeSlices(grid, filter), ScaleOf(0, 80), at);
+    const std::vector<int> got = Reds(VolumeSlices(grid, filter), Between(0, 80), at);
     for (std::size_t i = 0; i < at.size(); ++i)
       EXPECT_NEAR(got[i], expected[i], 2) << at[i];
   }
 }
 
 TEST_F(VolumeSlicesPixels, FillsMissingWhereAsked) {
-  VolumeSlices slices(VoxelGrid(std::vector<float>{Nan, 1}, {2, 1, 1}, Box({0, 0, 0}, {8, 1, 1})),
+  VolumeSlices slices(VoxelGrid(std::vector<float>{NAN, 1}, {2, 1, 1}, Box({0, 0, 0}, {8, 1, 1})),
                       VoxelGrid::Filter::Nearest);
-  ValueScale scale = ScaleOf(0, 2);
+  ValueScale scale = Between(0, 2);
   scale.missing = QColor(77, 0, 0);
   EXPECT_EQ(Reds(slices, scale, {2}), std::vector<int>{0});
   slices.fillsMissing = true;

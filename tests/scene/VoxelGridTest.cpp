@@ -44,14 +44,14 @@ TEST(VoxelGrid, PlacesVoxelsAsCellsOfTheBox) {
 }
 
 TEST(VoxelGrid, PlacesUnevenCells) {
-  const std::vector<double> depths = {0, -10, -30, -100};
-  const VoxelGrid nodes(Counted(16), std::vector<double>{1e6, 1e6 + 1}, std::vector<double>{0, 2}, depths);
+  const Doubles depths = {0, -10, -30, -100};
+  const VoxelGrid nodes(Counted(16), Doubles{1e6, 1e6 + 1}, Doubles{0, 2}, depths);
   EXPECT_EQ(nodes.Bounds(), Box({1e6, 0, -100}, {1e6 + 1, 2, 0}));
   EXPECT_EQ(nodes.VoxelSize(), Point(1, 2, 10));
-  EXPECT_EQ(nodes.Knots(2), (std::vector<double>{0, 0, -5, -10, -20, -30, -65, -100, -100}));
-  EXPECT_EQ(nodes.Knots(0), (std::vector<double>{1e6, 1e6, 1e6 + 0.5, 1e6 + 1, 1e6 + 1}));
-  const VoxelGrid bounds(Counted(4), std::vector<double>{0, 1}, std::vector<double>{0, 1},
-                         std::vector<double>{0, 1, 10, 20, 30}, VoxelGrid::Positions::OfBounds);
+  EXPECT_EQ(nodes.Knots(2), (Doubles{0, 0, -5, -10, -20, -30, -65, -100, -100}));
+  EXPECT_EQ(nodes.Knots(0), (Doubles{1e6, 1e6, 1e6 + 0.5, 1e6 + 1, 1e6 + 1}));
+  const VoxelGrid bounds(Counted(4), Doubles{0, 1}, Doubles{0, 1}, Doubles{0, 1, 10, 20, 30},
+                         VoxelGrid::Positions::OfBounds);
   struct Case {
     const VoxelGrid& grid;
     Point at;
@@ -67,9 +67,9 @@ TEST(VoxelGrid, PlacesUnevenCells) {
     EXPECT_TRUE(SameOrNear(grid.Sample(at, Filter::Nearest), nearest, 0)) << at.z;
   }
   EXPECT_EQ(nodes.NearestCenter({1e6 + 0.4, 9, -66}), Point(1e6, 2, -100));
-  const VoxelGrid moved = nodes.MovedTo({std::vector<double>{0, 1, 2, 3, 4}, nodes.Knots(1), nodes.Knots(2)});
+  const VoxelGrid moved = nodes.MovedTo({Doubles{0, 1, 2, 3, 4}, nodes.Knots(1), nodes.Knots(2)});
   EXPECT_EQ(moved.Sample({3, 0, 0}), 1);
-  EXPECT_EQ(moved.WithValues(std::vector<double>(16, 7)).Sample({3, 0, 0}), 7);
+  EXPECT_EQ(moved.WithValues(Doubles(16, 7)).Sample({3, 0, 0}), 7);
 }
 
 TEST(VoxelGrid, TakesVolumesOfFilesIntoXYZ) {
@@ -99,10 +99,10 @@ TEST(VoxelGrid, TakesVolumesOfFilesIntoXYZ) {
 }
 
 TEST(VoxelGrid, CoarsensToMeansOfPresentValues) {
-  const VoxelGrid grid(std::vector<float>{1, 3, Nan, 5, 9}, {5, 1, 1}, Box({0, 0, 0}, {5, 1, 1}));
+  const VoxelGrid grid(std::vector<float>{1, 3, NAN, 5, 9}, {5, 1, 1}, Box({0, 0, 0}, {5, 1, 1}));
   const VoxelGrid coarse = grid.Coarsened(2);
   EXPECT_EQ(coarse.Values(), (std::vector<float>{2, 5, 9}));
-  EXPECT_EQ(coarse.Knots(0), (std::vector<double>{0, 1, 2, 3, 4, 4.5, 5}));
+  EXPECT_EQ(coarse.Knots(0), (Doubles{0, 1, 2, 3, 4, 4.5, 5}));
   EXPECT_EQ(grid.Coarsened(3).Values(), (std::vector<float>{2, 7}));
 }
 
@@ -145,12 +145,8 @@ TEST(VoxelGrid, RefusesWhatIsNoGrid) {
       [&] { VoxelGrid(four, box); },
       [&] { VoxelGrid(cut, box); },
       [&] { VoxelGrid(Counted(2), Counted(2), Counted(1), Counted(1)); },
-      [&] {
-        VoxelGrid(Counted(12), Counted(2), Counted(2), std::vector<double>{0, 2, 1});
-      },
-      [&] {
-        VoxelGrid(Counted(8), {2, 2, 2}, box).MovedTo({});
-      },
+      VEK_CALL(VoxelGrid(Counted(12), Counted(2), Counted(2), Doubles{0, 2, 1})),
+      VEK_CALL(VoxelGrid(Counted(8), {2, 2, 2}, box).MovedTo({})),
   };
   for (std::size_t i = 0; i < std::size(cases); ++i)
     EXPECT_THROW(cases[i](), std::invalid_argument) << i;
