@@ -31,6 +31,8 @@ figcaption p { margin: 0 0 .7rem; }
 a.source:hover { color: var(--ink); }
 dialog { width: 100vw; height: 100vh; max-width: none; max-height: none; margin: 0; padding: 0; border: 0;
          background: #05080cf2; color: var(--text); }
+dialog:focus-visible { outline: none; }
+body:has(dialog[open]) { overflow: hidden; }
 dialog[open] { display: grid; grid-template-rows: 1fr auto; }
 dialog img { width: 100%; height: 100%; min-height: 0; object-fit: contain; cursor: zoom-out; }
 dialog p { margin: 0; padding: .6rem 1.5rem .9rem; text-align: center; }
