@@ -166,6 +166,14 @@ Figure& Figure::SetLogAxis(int p_axis, bool p_logarithmic) {
   if (p_logarithmic && limits && limits->min <= 0)
     throw std::invalid_argument("SetLogAxis: expected limits above 0, got " + std::to_string(limits->min));
   _state->rules.logarithmic[axis] = p_logarithmic;
+  _state->rules.dates[axis] = _state->rules.dates[axis] && !p_logarithmic;
+  return *this;
+}
+
+Figure& Figure::SetDateAxis(int p_axis, bool p_dates) {
+  const std::size_t axis = RequireAxis("SetDateAxis", p_axis);
+  _state->rules.dates[axis] = p_dates;
+  _state->rules.logarithmic[axis] = _state->rules.logarithmic[axis] && !p_dates;
   return *this;
 }
 

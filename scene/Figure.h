@@ -113,8 +113,14 @@ public:
   /// The limits of an axis, 0 to 2 for x to z: finite and ascending, above 0 on a logarithmic axis. Points outside are
   /// left out, which is said.
   Figure& SetLimits(int p_axis, double p_low, double p_high);
-  /// Makes an axis logarithmic. Points that are not above 0 are left out, which is said.
+  /// Makes an axis logarithmic, and no axis of dates. Points that are not above 0 are left out, which is said.
   Figure& SetLogAxis(int p_axis, bool p_logarithmic = true);
+  /// Makes an axis one of dates: values are seconds since 1970-01-01 00:00 UTC (see Ticks::Dates). Its unit compares to
+  /// no other one, so that it is stretched without a note. Not logarithmic.
+  ///
+  /// \snippet SceneMapSnippets.cpp Dates
+  /// \image html parts/Dates.png
+  Figure& SetDateAxis(int p_axis, bool p_dates = true);
   /// Lengths of units along the axes relative to each other, above 0; {1, 1, 1} for equal units whatever the spans.
   Figure& SetAspect(double p_x, double p_y, double p_z);
   /// The direction of the own camera, in degrees (see Camera), and a projection; it stays fitted to the data.

@@ -30,23 +30,24 @@ double StretchTo(double p_reference, double p_span) {
 std::array<double, 3> Stretches(const std::array<double, 3>& p_spans, const AxisRules& p_rules) {
   std::array<double, 3> stretch{1, 1, 1};
   const auto length = [&](std::size_t p_axis) { return p_spans[p_axis] * stretch[p_axis]; };
+  const auto hasOwnUnit = [&](std::size_t p_axis) { return p_rules.logarithmic[p_axis] || p_rules.dates[p_axis]; };
   const auto isFree = [&](std::size_t p_axis) { return p_rules.stretch[p_axis] == 0; };
   for (std::size_t axis = 0; axis < 3; ++axis)
     if (!isFree(axis))
       stretch[axis] = p_rules.stretch[axis];
-  // Linear axes first, then logarithmic ones relative to them.
+  // Axes of one unit first, then others relative to them.
   double reference = 0;
-  for (const bool logarithmic : {false, true})
+  for (const bool isOther : {false, true})
     for (std::size_t axis = 0; axis < 3; ++axis) {
-      if (p_rules.logarithmic[axis] != logarithmic || p_spans[axis] <= 0)
+      if (hasOwnUnit(axis) != isOther || p_spans[axis] <= 0)
         continue;
       if (isFree(axis) && reference > 0) {
         // A short first axis is stretched to the second one; everything else to what comes before it.
-        const bool firstIsShorter = !logarithmic && axis == 1 && p_spans[1] > MostRatio * length(0);
+        const bool firstIsShorter = !isOther && axis == 1 && p_spans[1] > MostRatio * length(0);
         if (firstIsShorter && isFree(0))
           stretch[0] = StretchTo(p_spans[1], p_spans[0]);
-        else
-          stretch[axis] = StretchTo(reference, p_spans[axis]);
+        else // time is longer than what it is drawn against, but not higher
+          stretch[axis] = StretchTo(p_rules.dates[axis] && axis < 2 ? 3 * reference : reference, p_spans[axis]);
       }
       reference = std::max(reference, length(axis));
     }
@@ -61,7 +62,7 @@ bool AxisRules::operator==(const AxisRules& p_other) const {
     if (a.has_value() != b.has_value() || (a && (a->min != b->min || a->max != b->max)))
       return false;
   }
-  return logarithmic == p_other.logarithmic && stretch == p_other.stretch;
+  return logarithmic == p_other.logarithmic && dates == p_other.dates && stretch == p_other.stretch;
 }
 
 bool AxisRules::Shows(const Point& p_point) const {

@@ -33,6 +33,7 @@ inline bool IsFinite(const Point& p_point) {
 /// What the user asked of the axes.
 struct AxisRules {
   std::array<bool, 3> logarithmic{};
+  std::array<bool, 3> dates{}; ///< seconds, which no other axis measures
   std::array<std::optional<Range>, 3> limits;
   std::array<double, 3> stretch{}; ///< factors; 0 for automatic ones
   bool operator==(const AxisRules& p_other) const;
@@ -78,8 +79,8 @@ Box Widened(const Box& p_box, const std::array<bool, 3>& p_logarithmic, bool p_i
 /// need not be placed again whenever the box changes a little.
 ///
 /// Units are equal on all axes unless spans differ by more than four: then y is stretched against x, and z against the
-/// longer one of both, by factors of 1, 2 or 5 × 10^n. A logarithmic axis is about half as long as the longest other
-/// one.
+/// longer one of both, by factors of 1, 2 or 5 × 10^n. Logarithmic axes are about half as long as the longest other
+/// one; of dates, x and y are longer than the other ones.
 DataTransform TransformFor(const Box& p_box, const AxisRules& p_rules, const DataTransform& p_previous);
 
 } // namespace Vek::Chart::Scene::Private

@@ -108,6 +108,8 @@ Axes Figure::State::MakeAxes(const Box& p_limits) const {
     axes.axes[axis].low = At(p_limits.Min(), axis);
     axes.axes[axis].high = At(p_limits.Max(), axis);
     axes.axes[axis].scale = rules.logarithmic[axis] ? Axes::Scale::Logarithmic : Axes::Scale::Linear;
+    if (rules.dates[axis] && !ticks[axis])
+      axes.axes[axis].ticks = &Ticks::Dates;
   }
   return axes;
 }
@@ -119,7 +121,7 @@ std::vector<QString> Figure::State::Notes() const {
     for (const QString& note : content->Notes())
       notes.push_back(visible.size() > 1 && !content->label.isEmpty() ? content->label + ": " + note : note);
   for (std::size_t axis = 0; axis < (_isFlat ? 2 : 3); ++axis)
-    if (transform.axes[axis].stretch != 1 && !rules.logarithmic[axis])
+    if (transform.axes[axis].stretch != 1 && !rules.logarithmic[axis] && !rules.dates[axis])
       notes.push_back(QStringLiteral("%1 \u00D7 %2")
                           .arg(axisTitles[axis].isEmpty() ? QString::fromLatin1(AxisNames[axis]) : axisTitles[axis])
                           .arg(transform.axes[axis].stretch));

@@ -97,6 +97,26 @@ TEST_F(FigureTest, SaysWhatTheDataDoNotShow) {
   EXPECT_EQ(reports.Texts(), Lines{"WARNING: Figure: plot 1 has no point to show"});
 }
 
+TEST_F(FigureTest, LabelsDates) {
+  const double day = 86400, first = 18700 * day; // 2021-03-14
+  for (const std::size_t axis : {0, 1, 2}) {
+    Figure figure;
+    Point low(0, 0, 0), high(5, 5, 5);
+    (axis == 0 ? low.x : axis == 1 ? low.y : low.z) = first;
+    (axis == 0 ? high.x : axis == 1 ? high.y : high.z) = first + 20 * day;
+    figure.Scatter(Points{low, high});
+    figure.SetAxisTitles("Time", "Time", "Time").SetLogAxis(static_cast<int>(axis)).SetDateAxis(static_cast<int>(axis));
+    const FigureLayout layout = figure.Layout(wide);
+    EXPECT_EQ(layout.notes, Notes());
+    Notes labels;
+    for (const auto& label : layout.axes.labels)
+      if (label.axis == axis)
+        labels.push_back(label.text);
+    EXPECT_EQ(labels.front(), "Time (2021)");
+    EXPECT_NE(std::find(labels.begin(), labels.end(), "Mar 15"), labels.end()) << axis;
+  }
+}
+
 TEST_F(FigureTest, StretchesUnequalSpansAndSaysSo) {
   const std::vector<std::tuple<Point, Notes, Point>> cases = {
       // half spans, notes, edges of the box of data in the scene relative to the longest
