@@ -11,8 +11,6 @@
 #include "platform/debug/TypeName.h"
 #include "platform/ogl/OffscreenContext.h"
 
-#include <QImageWriter>
-
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
@@ -228,14 +226,6 @@ QImage Figure::Image(Types::Size p_size, int p_samples) {
     Draw(gl, {0, 0, static_cast<float>(p_size.width), static_cast<float>(p_size.height)});
   }
   return context.Image().convertToFormat(QImage::Format_RGB32); // opaque: blending has changed alpha
-}
-
-void Figure::Save(const QString& p_path, Types::Size p_size) {
-  const QImage image = Image(p_size);
-  QImageWriter writer(p_path);
-  if (!writer.write(image))
-    throw std::runtime_error(p_path.toStdString() +
-                             ": the image cannot be written: " + writer.errorString().toStdString());
 }
 
 Types::Vector3_Base<double> Figure::ToScene(const Types::Vector3_Base<double>& p_data) const {

@@ -23,12 +23,15 @@
 #include "platform/utility/Scope.h"
 
 #include <QImage>
+#include <QSizeF>
 #include <QString>
 
 #include <array>
 #include <memory>
 #include <optional>
 #include <vector>
+
+class QPainter;
 
 namespace Vek::Chart::Library {
 class ObjModel;
@@ -142,9 +145,21 @@ public:
   ///
   /// Throws std::invalid_argument for a size that is not positive, std::runtime_error where no context can be made.
   QImage Image(Types::Size p_size = {1200, 800}, int p_samples = 4);
-  /// Writes that image to a file, in the format that its suffix names (PNG and what Qt supports). Throws as `Image`,
-  /// and std::runtime_error with path and reason for a file that cannot be written.
-  void Save(const QString& p_path, Types::Size p_size = {1200, 800});
+  /// Writes that image to a file, in the format that its suffix names (PNG and what Qt supports), or a PDF: one page of
+  /// `p_size` points (1/72 inch) as `Paint` paints it, with the fonts embedded. Throws as `Image`, and
+  /// std::runtime_error with path and reason for a file that cannot be written.
+  ///
+  /// \param p_path ends in ".pdf" for a PDF
+  /// \param p_size in pixels or points
+  /// \param p_resolution of the data in a PDF, in pixels per inch
+  void Save(const QString& p_path, Types::Size p_size = {1200, 800}, double p_resolution = 200);
+  /// Paints a page of `p_size` points by QPainter, for printers and vector formats: the data as an image without
+  /// background, of `p_resolution` pixels per inch; titles, axes, legends and notes as lines and letters. A unit of the
+  /// painter is a point, its origin the upper left corner of the page. Needs a QGuiApplication and no context.
+  ///
+  /// Throws std::invalid_argument for a page that has no pixel or more than 32768 a side, std::runtime_error where no
+  /// context can be made.
+  void Paint(QPainter& p_painter, const QSizeF& p_size, double p_resolution = 200);
 
   /// Where everything lies that `Draw` would draw for the same arguments. Calls no GL. Needs a QGuiApplication.
   FigureLayout Layout(const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);

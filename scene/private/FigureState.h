@@ -45,6 +45,9 @@ struct VEK_HIDDEN Figure::State {
   FigureLayout Arrange(const Figure& p_figure, const Types::Viewport<0>& p_viewport, double p_pixelRatio);
   /// Draws the plots, opaque ones first.
   void DrawPlots(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame);
+  /// The plots alone, on no background.
+  QImage DataImage(const Figure& p_figure, const FigureLayout& p_layout, const Types::Viewport<0>& p_viewport,
+                   double p_pixelRatio);
 
 private:
   void Adopt(std::unique_ptr<Plot> p_plot);
