@@ -28,8 +28,9 @@ public:
       : ShownFixture({1280, 560}) {}
 
 protected:
-  /// A view of what lies in a box, whose corners are empty, on a light background.
-  Camera Show(const Types::BoundingBox_Base<double>& p_bounds, double p_zoom = 0.72) {
+  /// A view of what lies in a box, from `p_zoom` times the distance at which all of the box is seen, on a light
+  /// background.
+  Camera Show(const Types::BoundingBox_Base<double>& p_bounds, double p_zoom) {
     DrawBackground(gl, viewport, Theme());
     Camera camera;
     camera.Look(Camera::StandardView::Chart);
@@ -96,7 +97,7 @@ TEST_F(SceneMeshSnippetPixels, InstancedMesh) {
     const auto light = DirectionalLight().Apply(gl);
     arrows.Draw(gl, colors, {0, 5}); // one call of GL
   };
-  draw(Show(arrows.Bounds()));
+  draw(Show(arrows.Bounds(), 1));
 
   arrows.UpdateValues(speeds); // uploads the values alone when it is drawn again
   //! [InstancedMesh]
@@ -119,7 +120,7 @@ TEST_F(SceneMeshSnippetPixels, TubeMesh) {
   const GpuMesh mesh(tubes.TakeMesh());
   //! [TubeMesh]
   const ColorMap colors = ColorMap::Named("plasma");
-  const auto view = Show(mesh.Bounds()).Apply(gl, viewport);
+  const auto view = Show(mesh.Bounds(), 0.95).Apply(gl, viewport);
   const auto light = DirectionalLight().Apply(gl);
   mesh.Draw(gl, colors);
   Show("TubeMesh");
@@ -147,7 +148,7 @@ TEST_F(SceneMeshSnippetPixels, Picker) {
   const InstancedMesh balls(levels, instances);
   Types::BoundingBox_Base<double> bounds = floor.Bounds();
   bounds += balls.Bounds();
-  const Camera camera = Show(bounds, 1);
+  const Camera camera = Show(bounds, 1.25);
   const ColorMap colors = ColorMap::Named("viridis");
   {
     const auto view = camera.Apply(gl, viewport);
