@@ -2,14 +2,13 @@
 
 #include "scene/Background.h"
 #include "scene/private/FigureState.h"
-#include "scene/private/OffscreenApplication.h"
+#include "scene/private/ImageFile.h"
 #include "scene/private/SceneState.h"
 
 #include "library/ObjModel.h"
 #include "library/ObjScene.h"
 #include "platform/debug/Check.h"
 #include "platform/debug/TypeName.h"
-#include "platform/ogl/OffscreenContext.h"
 
 #include <algorithm>
 #include <cmath>
@@ -216,16 +215,7 @@ void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewpo
 }
 
 QImage Figure::Image(Types::Size p_size, int p_samples) {
-  if (p_size.width <= 0 || p_size.height <= 0)
-    throw std::invalid_argument("Image: expected a size above 0, got " + std::to_string(p_size.width) + " x " +
-                                std::to_string(p_size.height));
-  const Private::OffscreenApplication application;
-  Ogl::OffscreenContext context(p_size, p_samples);
-  {
-    Utility::Scoped<Rgl> gl(context.Handle());
-    Draw(gl, {0, 0, static_cast<float>(p_size.width), static_cast<float>(p_size.height)});
-  }
-  return context.Image().convertToFormat(QImage::Format_RGB32); // opaque: blending has changed alpha
+  return Private::DrawnImage(p_size, p_samples, [this](auto& p_gl, const auto& p_viewport) { Draw(p_gl, p_viewport); });
 }
 
 Types::Vector3_Base<double> Figure::ToScene(const Types::Vector3_Base<double>& p_data) const {

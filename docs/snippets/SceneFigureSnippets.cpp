@@ -93,20 +93,6 @@ TEST_F(SceneFigureSnippetPixels, LinesPlot) {
   Vek::Test::Shown(image, "LinesPlot");
 }
 
-TEST_F(SceneFigureSnippetPixels, Dates) {
-  //! [Dates]
-  const Io::Table quakes = Io::ReadTable(data + "earthquakes.csv");
-  std::vector<double> seconds;
-  for (const double milliseconds : quakes["time_ms"])
-    seconds.push_back(milliseconds / 1000);
-  Figure figure("A week of earthquakes", "Time upwards");
-  figure.SetAxisTitles("Longitude in °", "Latitude in °", "Time").SetDateAxis(2).Look(-60, 20);
-  figure.Scatter({quakes["lon"], quakes["lat"], seconds}).ColorBy(quakes["mag"]).ColorTitle("Magnitude");
-  const QImage image = figure.Image({1200, 800});
-  //! [Dates]
-  Vek::Test::Shown(image, "Dates");
-}
-
 TEST_F(SceneFigureSnippetPixels, QuiverPlot) {
   //! [QuiverPlot]
   std::vector<std::array<double, 3>> positions, velocities;

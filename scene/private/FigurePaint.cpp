@@ -1,12 +1,11 @@
 #include "scene/private/FigureState.h"
+#include "scene/private/ImageFile.h"
 #include "scene/private/OffscreenApplication.h"
 #include "scene/private/PagePainter.h"
 #include "scene/private/PdfFile.h"
 #include "scene/private/SceneState.h"
 
 #include "platform/ogl/OffscreenContext.h"
-
-#include <QImageWriter>
 
 #include <cmath>
 #include <stdexcept>
@@ -52,14 +51,8 @@ QImage Figure::State::DataImage(const Figure& p_figure, const FigureLayout& p_la
 }
 
 void Figure::Save(const QString& p_path, Types::Size p_size, double p_resolution) {
-  if (!Private::IsPdf(p_path)) {
-    const QImage image = Image(p_size);
-    QImageWriter writer(p_path);
-    if (!writer.write(image))
-      throw std::runtime_error(p_path.toStdString() +
-                               ": the image cannot be written: " + writer.errorString().toStdString());
-    return;
-  }
+  if (!Private::IsPdf(p_path))
+    return Private::WriteImage(Image(p_size), p_path);
   const Private::OffscreenApplication application;
   const QSizeF size(p_size.width, p_size.height);
   Private::WritePdf(p_path, _state->title, size, [&](QPainter& p_painter) { Paint(p_painter, size, p_resolution); });

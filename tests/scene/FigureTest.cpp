@@ -113,7 +113,7 @@ TEST_F(FigureTest, LabelsDates) {
       if (label.axis == axis)
         labels.push_back(label.text);
     EXPECT_EQ(labels.front(), "Time (2021)");
-    EXPECT_NE(std::find(labels.begin(), labels.end(), "Mar 15"), labels.end()) << axis;
+    EXPECT_NE(std::find(labels.begin(), labels.end(), "Apr 1"), labels.end()) << axis;
   }
 }
 
