@@ -1,16 +1,13 @@
-// A surface with contour lines: heights over two axes, computed here.
+// A surface with contour lines: heights from a file, over longitudes and latitudes.
+#include <io/ReadHeights.h>
 #include <scene/Figure.h>
 
-#include <cmath>
+using namespace Vek::Chart;
 
-int main() {
-  std::vector<double> axis, heights;
-  for (int i = 0; i <= 200; ++i)
-    axis.push_back(0.03 * i - 3);
-  for (const double y : axis)
-    for (const double x : axis)
-      heights.push_back(std::exp(-0.3 * (x * x + y * y)) * (3 * std::sin(2 * x) - 2 * std::cos(3 * y)));
-  Vek::Chart::Scene::Figure figure("Standing wave", "Amplitude of a membrane");
-  figure.Surface(axis, axis, heights).Contours(12).ColorMap("coolwarm").ColorTitle("Amplitude in mm");
-  figure.SetAxisTitles("x in mm", "y in mm", "Amplitude in mm").Save("surface.png");
+int main(int argc, char** argv) {
+  const auto relief = Io::ReadHeights(argc > 1 ? argv[1] : Io::SampleFile("etopo60.txt"));
+  Scene::Figure figure("Relief of Asia", "Land and sea floor");
+  figure.Surface(relief.x, relief.y, relief.heights).Contours(20).ColorTitle("Height in m");
+  figure.SetLimits(0, 60, 130).SetLimits(1, 0, 50).SetAxisTitles("Longitude in °", "Latitude in °", "Height in m");
+  figure.Save("surface.png");
 }

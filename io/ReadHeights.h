@@ -4,6 +4,7 @@
 #include "io/FieldSelection.h"
 #include "io/HeightGrid.h"
 #include "io/Progress.h"
+#include "io/SampleFile.h"
 
 #include <istream>
 #include <string>

@@ -3,6 +3,7 @@
 #include "io/Export.h"
 #include "io/FieldSelection.h"
 #include "io/Progress.h"
+#include "io/SampleFile.h"
 #include "io/VectorField.h"
 
 #include <istream>

@@ -2,6 +2,7 @@
 
 #include "io/Export.h"
 #include "io/Progress.h"
+#include "io/SampleFile.h"
 #include "io/Volume.h"
 
 #include <array>
