@@ -7,6 +7,11 @@ namespace Vek::Chart::Io {
 namespace {
 
 // One line for each library that a build may have.
+#ifdef VEK_WITH_ASSIMP
+constexpr bool HasAssimp = true;
+#else
+constexpr bool HasAssimp = false;
+#endif
 #ifdef VEK_WITH_NETCDF
 constexpr bool HasNetCdf = true;
 #else
@@ -33,6 +38,11 @@ const std::vector<Format>& Formats() {
        "names "
        "of solids",
        "normals and colours of triangles", "", true},
+      {Format::Meshes, "glTF", "gltf glb", "Io::ReadMesh",
+       "version 2.0, with data in the file or beside it: positions, normals, texture coordinates, vertex colours, "
+       "triangles, lines and points, transforms of nodes, base colours and their textures",
+       "animations, skins, morph targets, cameras, lights, further maps of materials, compressed meshes",
+       "libassimp-dev", HasAssimp},
       {Format::Vectors, "NetCDF", "nc cdf", "Io::ReadVectorField",
        "classic formats, by the CF conventions: winds and flows on regular and rectilinear grids of two or three "
        "dimensions, in any order of axes; units, scale_factor, add_offset, _FillValue, missing_value, valid ranges, "

@@ -15,7 +15,7 @@ namespace Vek::Chart::Io {
 
 namespace {
 
-enum class MeshFormat { Unknown, Obj, Ply, Stl };
+enum class MeshFormat { Unknown, Obj, Ply, Stl, Gltf };
 
 /// Whether the first line that is neither blank nor a comment is one of an OBJ file.
 bool StartsAsObj(std::string_view p_start) {
@@ -31,8 +31,11 @@ bool StartsAsObj(std::string_view p_start) {
 }
 
 MeshFormat FormatByName(const std::string& p_name) {
-  constexpr std::array<std::pair<std::string_view, MeshFormat>, 3> Endings{
-      {{".obj", MeshFormat::Obj}, {".ply", MeshFormat::Ply}, {".stl", MeshFormat::Stl}}};
+  constexpr std::array<std::pair<std::string_view, MeshFormat>, 5> Endings{{{".obj", MeshFormat::Obj},
+                                                                            {".ply", MeshFormat::Ply},
+                                                                            {".stl", MeshFormat::Stl},
+                                                                            {".gltf", MeshFormat::Gltf},
+                                                                            {".glb", MeshFormat::Gltf}}};
   for (const auto& [ending, format] : Endings)
     if (ending == Private::Suffix(p_name))
       return format;
@@ -49,49 +52,66 @@ Mesh ReadObj(std::istream& p_stream, const std::string& p_name, const Progress& 
   }
 }
 
+/// Completes the normals of a file that has none.
+Mesh WithNormals(Mesh p_mesh, double p_creaseAngle) {
+  constexpr double Smooth = 180;
+  if (!p_mesh.normals.empty())
+    return p_mesh;
+  if (p_creaseAngle < Smooth)
+    Private::SplitCreases(p_mesh, p_creaseAngle);
+  Private::AddNormals(p_mesh);
+  return p_mesh;
+}
+
 /// A file of which only the whole, or its name, gives the format away. Binary STL files have no mark but their size.
-Mesh ReadWhole(const std::string& p_file, const std::string& p_name, const Progress& p_progress) {
+Mesh ReadWhole(const std::string& p_file, const std::string& p_name, const MeshOptions& p_options,
+               const Progress& p_progress) {
+  constexpr double StlCreases = 30, PlyCreases = 180;
   if (p_file.empty())
-    throw FileError(p_name, "expected OBJ, PLY or STL, got an empty file");
+    throw FileError(p_name, "expected OBJ, PLY, STL or glTF, got an empty file");
   MeshFormat format = FormatByName(p_name);
   if (Private::IsPly(p_file))
     format = MeshFormat::Ply;
+  else if (Private::IsGltf(p_file))
+    format = MeshFormat::Gltf;
   else if (Private::IsBinaryStl(p_file) || Private::IsTextStl(p_file))
     format = MeshFormat::Stl;
   if (format == MeshFormat::Ply)
-    return Private::ReadPly(p_file, p_name, p_progress);
+    return WithNormals(Private::ReadPly(p_file, p_name, p_progress), p_options.creaseAngle.value_or(PlyCreases));
   if (format == MeshFormat::Stl)
-    return Private::ReadStl(p_file, p_name, p_progress);
+    return WithNormals(Private::ReadStl(p_file, p_name, p_progress), p_options.creaseAngle.value_or(StlCreases));
+  if (format == MeshFormat::Gltf)
+    return Private::ReadGltf(p_file, p_name, p_progress);
   if (format == MeshFormat::Unknown && !Private::IsUtf16(p_file))
-    throw FileError(p_name, 1, "OBJ, PLY or STL", p_file.substr(0, p_file.find_first_of("\n\r")));
+    throw FileError(p_name, 1, "OBJ, PLY, STL or glTF", p_file.substr(0, p_file.find_first_of("\n\r")));
   std::istringstream stream(p_file);
   return ReadObj(stream, p_name, p_progress);
 }
 
 } // namespace
 
-Mesh ReadMesh(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
-  constexpr std::streamsize StartSize = 4096;
-  std::string start(StartSize, '\0');
-  p_stream.read(start.data(), StartSize);
-  start.resize(std::size_t(p_stream.gcount()));
-  if (p_stream.bad())
-    throw FileError(p_name, "reading failed");
+Mesh ReadMesh(std::istream& p_stream, const std::string& p_name, const MeshOptions& p_options,
+              const Progress& p_progress) {
+  constexpr std::size_t StartSize = 4096;
+  Private::Restarted input(p_stream, p_name, StartSize);
+  const std::string& start = input.Start();
   const bool isText = start.find('\0') == std::string::npos && !Private::IsPly(start) && !Private::IsTextStl(start);
   if (!isText || !StartsAsObj(start))
-    return ReadWhole(start + Private::ReadAll(p_stream, p_name), p_name, p_progress);
-  // OBJ files are read in blocks; for that, the stream goes back to its start.
-  p_stream.clear();
-  if (p_stream.seekg(-std::streamoff(start.size()), std::ios::cur))
-    return ReadObj(p_stream, p_name, p_progress);
-  p_stream.clear();
-  std::istringstream whole(start + Private::ReadAll(p_stream, p_name));
-  return ReadObj(whole, p_name, p_progress);
+    return ReadWhole(Private::ReadAll(input.Stream(), p_name), p_name, p_options, p_progress);
+  return ReadObj(input.Stream(), p_name, p_progress); // in blocks
+}
+
+Mesh ReadMesh(const std::string& p_path, const MeshOptions& p_options, const Progress& p_progress) {
+  std::ifstream file = Private::OpenFile(p_path);
+  return ReadMesh(file, p_path, p_options, p_progress);
+}
+
+Mesh ReadMesh(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
+  return ReadMesh(p_stream, p_name, MeshOptions(), p_progress);
 }
 
 Mesh ReadMesh(const std::string& p_path, const Progress& p_progress) {
-  std::ifstream file = Private::OpenFile(p_path);
-  return ReadMesh(file, p_path, p_progress);
+  return ReadMesh(p_path, MeshOptions(), p_progress);
 }
 
 } // namespace Vek::Chart::Io

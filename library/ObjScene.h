@@ -54,6 +54,8 @@ struct VEK_LIBRARY_API ObjScene {
     std::string emissionTexture;                    ///< `map_Ke`
     std::string opacityTexture;                     ///< `map_d`
     std::string bumpTexture;                        ///< `map_Bump`, `bump` or `norm`
+    /// An encoded image (PNG, JPEG) for diffuseTexture, from a format that has images in the file itself.
+    std::vector<std::uint8_t> diffuseImage;
   };
 
   std::vector<float> positions;       ///< x, y, z

@@ -349,8 +349,6 @@ private:
         _mesh.indices.push_back(i);
       AddGroup(Mesh::Points, 0);
     }
-    if (_mesh.normals.empty())
-      AddNormals(_mesh);
     Report(_progress, _name, 1);
   }
 

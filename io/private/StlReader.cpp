@@ -168,7 +168,6 @@ Mesh ReadStl(std::string_view p_file, const std::string& p_name, const Progress&
                                                         : ReadBinary(p_file, p_name, p_progress);
   if (mesh.indices.empty())
     throw FileError(p_name, "expected triangles, got none");
-  AddNormals(mesh);
   Report(p_progress, p_name, 1);
   return mesh;
 }

@@ -39,6 +39,14 @@ const std::map<std::string, std::function<std::size_t(const Folder&)>> ReadOne{
                                                "vertex 0 1 0\nendloop\nendfacet\nendsolid a\n"))
            .positions.size();
      }},
+    {"Meshes glTF",
+     [](const Folder& p_folder) {
+       const std::string path = p_folder.File("a.glb"); // made by assimp-utils
+       EXPECT_EQ(
+           std::system(("assimp export " VEK_SOURCE_DIR "/symbols/Cube.obj " + path + " -fglb2 >/dev/null").c_str()),
+           0);
+       return ReadMesh(path).positions.size();
+     }},
     {"Vector fields NetCDF",
      [](const Folder&) { return ReadVectorField(VEK_SOURCE_DIR "/data/navy_winds_1987.nc").vectors.size(); }},
     {"Vector fields NetCDF-4",

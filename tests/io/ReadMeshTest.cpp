@@ -1,5 +1,6 @@
 #include "io/ReadMesh.h"
 #include "io/FileError.h"
+#include "io/Formats.h"
 #include "tests/support/Damage.h"
 #include "tests/support/Test.h"
 
@@ -106,7 +107,121 @@ std::string BinaryStl(std::string p_header) {
       .Add<std::uint16_t>({0});
 }
 
+bool HasGltf() {
+  return std::any_of(Formats().begin(), Formats().end(),
+                     [](const Format& p_row) { return p_row.name == "glTF" && p_row.isAvailable; });
+}
+
+/// A quad with a material under a node that moves it by 10 in x, and a coloured triangle without normals and indices
+/// under one that mirrors it; with the JSON and the data of a binary file.
+const std::string GltfJson =
+    R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0,1]}],)"
+    R"("nodes":[{"mesh":0,"name":"quad","translation":[10,0,0]},{"mesh":1,"scale":[-2,2,2]}],)"
+    R"("meshes":[{"name":"q","primitives":[{"attributes":{"POSITION":0,"NORMAL":1,"TEXCOORD_0":2},)"
+    R"("indices":3,"material":0}]},{"primitives":[{"attributes":{"POSITION":4,"COLOR_0":5}}]}],)"
+    R"("materials":[{"name":"paint","pbrMetallicRoughness":{"baseColorFactor":[1,0.5,0.25,0.75],)"
+    R"("baseColorTexture":{"index":0}}}],"textures":[{"source":0}],"images":[{"uri":"a b.png"}],)"
+    R"("accessors":[{"bufferView":0,"componentType":5126,"count":4,"type":"VEC3"},)"
+    R"({"bufferView":0,"byteOffset":48,"componentType":5126,"count":4,"type":"VEC3"},)"
+    R"({"bufferView":0,"byteOffset":96,"componentType":5126,"count":4,"type":"VEC2"},)"
+    R"({"bufferView":0,"byteOffset":128,"componentType":5123,"count":6,"type":"SCALAR"},)"
+    R"({"bufferView":0,"byteOffset":140,"componentType":5126,"count":3,"type":"VEC3"},)"
+    R"({"bufferView":0,"byteOffset":176,"componentType":5126,"count":3,"type":"VEC4"}],)"
+    R"("bufferViews":[{"buffer":0,"byteLength":224}],"buffers":[{"byteLength":224}]})";
+const std::string GltfSummary =
+    "v 10 0 0 11 0 0 11 1 0 10 1 0 0 0 0 -4 0 0 0 4 0"
+    " n 0 1 0 0 1 0 0 1 0 0 1 0 0 0 1 0 0 1 0 0 1"
+    " t 0 0 1 0 1 1 0 1 0 0 0 0 0 0 c 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1 0 0 1 0 1 0 1 0 0 1 0.5"
+    " q:f 0 1 2 0 2 3 ";
+
+std::string GltfData() {
+  return Bytes(false)
+      .Add<float>({0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 1, 1, 1, 0, 0, 0})
+      .Add<std::uint16_t>({0, 1, 2, 0, 2, 3})
+      .Add<float>({0, 0, 0, 2, 0, 0, 0, 2, 0, 1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 0.5});
+}
+
+std::string Glb(std::string p_json, const std::string& p_data) {
+  p_json.resize((p_json.size() + 3) / 4 * 4, ' ');
+  const auto sizeOf = [](const std::string& p_part) { return double(p_part.size()); };
+  const std::string json = Bytes(false).Add<std::uint32_t>({sizeOf(p_json)});
+  const std::string data = Bytes(false).Add<std::uint32_t>({sizeOf(p_data)});
+  const std::string head = Bytes(false, "glTF").Add<std::uint32_t>({2, 28 + sizeOf(p_json) + sizeOf(p_data)});
+  return head + json + "JSON" + p_json + data + std::string("BIN\0", 4) + p_data;
+}
+
 } // namespace
+
+TEST(ReadMesh, ReadsGltf) {
+  const std::string binary = Glb(GltfJson, GltfData());
+  if (!HasGltf()) {
+    EXPECT_EQ(ErrorOf<FileError>([&] { Read(binary); }),
+              "mesh: this build does not read glTF files; build it with the package libassimp-dev");
+    return;
+  }
+  const TempFolder folder;
+  folder.Write("a.bin", GltfData());
+  folder.Write("a b.png", "x");
+  const std::string path =
+      folder.Write("a.txt", Replaced(GltfJson, "{\"byteLength\":224}", "{\"byteLength\":224,\"uri\":\"a.bin\"}"));
+  const Mesh text = ReadMesh(path);
+  EXPECT_EQ(Summary(text).substr(0, GltfSummary.size()), GltfSummary);
+  EXPECT_EQ(text.groups[0].object, "quad");
+  EXPECT_EQ(text.materials.at(std::size_t(text.groups[0].material)).diffuseTexture, folder.File("a b.png"));
+  EXPECT_EQ(text.materials[0].diffuse, (std::array<float, 3>{1, 0.5f, 0.25f}));
+  EXPECT_EQ(text.materials[0].opacity, 0.75f);
+  // The mirrored triangle is counter-clockwise around its normal.
+  EXPECT_EQ(std::vector<std::uint32_t>(text.indices.end() - 3, text.indices.end()),
+            (std::vector<std::uint32_t>{6, 5, 4}));
+  const Mesh mesh = Read(binary);
+  EXPECT_EQ(Summary(mesh).substr(0, GltfSummary.size()), GltfSummary);
+  EXPECT_EQ(mesh.warnings, (std::vector<std::string>{"mesh: the texture a b.png is missing"}));
+  const Mesh inside =
+      Read(Glb(Replaced(GltfJson, "{\"uri\":\"a b.png\"}", R"({"bufferView":0,"mimeType":"image/png"})"), GltfData()));
+  EXPECT_EQ(std::string(inside.materials[0].diffuseImage.begin(), inside.materials[0].diffuseImage.end()), GltfData());
+
+  const std::pair<std::string, std::string> faults[] = {
+      {Replaced(binary, "2.0", "1.0"), "mesh: expected glTF of version 2, got \"1.0\""},
+      {binary.substr(0, 100), "mesh: byte 12: expected a chunk of "},
+      {Glb(Replaced(GltfJson, "\"count\":4", "\"count\":4e9"), ""), "mesh: expected accessors within the buffers, got"},
+      {Glb(Replaced(GltfJson, "\"mesh\":1", "\"children\":[1]"), ""), "mesh: expected at most 256 levels of nodes"},
+      {Glb(Replaced(GltfJson, "\"mesh\":1", "\"children\":[2]"), ""), "mesh: node 1: expected children that are nodes"},
+      {Glb(Replaced(GltfJson, "\"scene\":0", "\"extensionsRequired\":[\"KHR_x\"]"), GltfData()),
+       "mesh: needs the extension \"KHR_x\", which is not read"},
+      {GltfJson, "mesh: not a sound glTF file: "},
+      {"{\"a\":}", "mesh: byte 6 of the JSON: "},
+  };
+  for (const auto& [bytes, message] : faults)
+    EXPECT_EQ(ErrorOf<FileError>([&, part = bytes] { Read(part); }).substr(0, message.size()), message);
+}
+
+TEST(ReadMesh, SplitsVerticesAtCreases) {
+  // A roof of two squares with an angle of 60 degrees between them, and a flat square beside it.
+  std::string roof = "solid roof\n";
+  const char* const triangles[] = {"0 0 0 1 0 0 1 1 0", "0 0 0 1 1 0 0 1 0", "0 1 0 1 1 0 1 1.5 0.8660254",
+                                   "0 1 0 1 1.5 0.8660254 0 1.5 0.8660254", "1 0 0 2 0 0 1 1 0"};
+  for (const char* const triangle : triangles) {
+    std::istringstream numbers(triangle);
+    roof += "facet normal 0 0 0 outer loop";
+    for (std::string x, y, z; numbers >> x >> y >> z;)
+      roof += " vertex " + x + ' ' + y + ' ' + z;
+    roof += " endloop endfacet\n";
+  }
+  const auto vertices = [&](std::optional<double> p_angle) {
+    std::istringstream stream(roof + "endsolid roof\n");
+    const Mesh mesh = ReadMesh(stream, "a.stl", MeshOptions{p_angle});
+    EXPECT_EQ(mesh.normals.size(), mesh.positions.size());
+    return mesh.positions.size() / 3;
+  };
+  EXPECT_EQ(vertices({}), 9u) << "two vertices of the ridge twice";
+  EXPECT_EQ(vertices(59), 9u);
+  EXPECT_EQ(vertices(61), 7u);
+  std::istringstream stream(roof + "endsolid roof\n");
+  const Mesh mesh = ReadMesh(stream, "a.stl");
+  const auto normal = [&](std::size_t p_corner) { return &mesh.normals[3 * mesh.indices[p_corner]]; };
+  EXPECT_FLOAT_EQ(normal(2)[2], 1) << "flat on one side of the ridge";
+  EXPECT_FLOAT_EQ(normal(6)[2], 0.5f) << "and sloping on the other one";
+}
 
 TEST(ReadMesh, ReadsEachFormat) {
   const std::string points = TextPly("element vertex 2\n" + Xyz, "1 2 3\n4 5 6");
@@ -176,8 +291,8 @@ TEST(ReadMesh, RecognisesByContentThenByName) {
 TEST(ReadMesh, NamesFileLineAndReason) {
   const std::string square = BinarySquare(false);
   const std::pair<std::string, std::string> rows[] = {
-      {"", "mesh: expected OBJ, PLY or STL, got an empty file"},
-      {"hello\nworld", "mesh:1: expected OBJ, PLY or STL, got \"hello\""},
+      {"", "mesh: expected OBJ, PLY, STL or glTF, got an empty file"},
+      {"hello\nworld", "mesh:1: expected OBJ, PLY, STL or glTF, got \"hello\""},
       {"v 1 2 3\nv 1 2\n", "mesh:2: expected three coordinates, got \"\""},
       {"\xFF\xFEv", "mesh: expected UTF-8, got UTF-16; save the file as UTF-8"},
       {"ply\nformat ebcdic 1.0\n", "mesh:2: expected ascii, binary_little_endian or binary_big_endian, got \"ebcdic\""},
@@ -225,4 +340,10 @@ TEST(ReadMesh, SurvivesDamage) {
   };
   for (const std::string& file : {SquareText, BinarySquare(false), BinarySquare(true), TextStl, BinaryStl("solid")})
     CheckDamage<FileError>(file, read);
+  if (HasGltf())
+    for (const std::string& json : {GltfJson, Replaced(GltfJson, "\"byteLength\":224}]",
+                                                       R"("byteLength":224,"uri":)"
+                                                       R"("data:application/octet-stream;base64,)" +
+                                                           std::string(299, 'A') + "=\"}]")})
+      CheckDamage<FileError>(json == GltfJson ? Glb(json, GltfData()) : json, read);
 }
