@@ -2,6 +2,7 @@
 #include "io/FileError.h"
 #include "io/Formats.h"
 #include "tests/support/Damage.h"
+#include "tests/support/FileText.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Io;
@@ -13,18 +14,11 @@ Mesh Read(const std::string& p_bytes, const std::string& p_name = "mesh") {
   return ReadMesh(stream, p_name);
 }
 
-std::string Numbers(const char* p_name, const std::vector<float>& p_numbers) {
-  std::ostringstream text;
-  for (const float number : p_numbers)
-    text << ' ' << std::round(number * 1000) / 1000 + 0.0;
-  return p_numbers.empty() ? "" : p_name + text.str();
-}
-
 /// What a file yields, without empty items: "v POSITIONS n NORMALS t TEXCOORDS c COLOURS name:INDICES ! WARNINGS".
 std::string Summary(const Mesh& p_mesh) {
   std::ostringstream out;
-  out << Numbers("v", p_mesh.positions) << Numbers(" n", p_mesh.normals) << Numbers(" t", p_mesh.texCoords)
-      << Numbers(" c", p_mesh.colors);
+  out << Rounded("v", p_mesh.positions) << Rounded(" n", p_mesh.normals) << Rounded(" t", p_mesh.texCoords)
+      << Rounded(" c", p_mesh.colors);
   for (const Mesh::Group& group : p_mesh.groups) {
     out << ' ' << group.name << ':' << "flp"[group.primitive];
     for (std::size_t i = 0; i < group.count; ++i)
@@ -35,30 +29,6 @@ std::string Summary(const Mesh& p_mesh) {
   return out.str();
 }
 
-/// The bytes of numbers in one byte order.
-class Bytes {
-public:
-  explicit Bytes(bool p_bigEndian, std::string p_start = {})
-      : _bigEndian(p_bigEndian)
-      , _bytes(std::move(p_start)) {}
-  template <class T>
-  Bytes& Add(std::initializer_list<double> p_values) {
-    for (const double value : p_values) {
-      const T number = static_cast<T>(value);
-      std::string bytes(reinterpret_cast<const char*>(&number), sizeof number);
-      if (_bigEndian)
-        std::reverse(bytes.begin(), bytes.end());
-      _bytes += bytes;
-    }
-    return *this;
-  }
-  operator std::string() const { return _bytes; }
-
-private:
-  bool _bigEndian;
-  std::string _bytes;
-};
-
 const std::string SquareProperties = "element vertex 4\nproperty float x\nproperty float y\nproperty double z\n"
                                      "property uchar red\nproperty uint8 green\nproperty uchar blue\n"
                                      "element face 2\nproperty list uchar int vertex_indices\nend_header\n";
@@ -68,16 +38,15 @@ const std::string SquareSummary = "v 0 0 0 2 0 0 2 1 0 0 1 0 n 0 0 1 0 0 1 0 0 1
                                   " c 1 0 0 1 0 1 0 1 0 0 1 1 0.2 0.2 0.2 1 :f 0 1 2 0 2 3 0 2 1";
 
 std::string BinarySquare(bool p_bigEndian) {
-  Bytes bytes(p_bigEndian, std::string("ply\nformat binary_") + (p_bigEndian ? "big" : "little") + "_endian 1.0\n" +
-                               SquareProperties);
+  std::string bytes =
+      std::string("ply\nformat binary_") + (p_bigEndian ? "big" : "little") + "_endian 1.0\n" + SquareProperties;
   const double vertices[4][6] = {
       {0, 0, 0, 255, 0, 0}, {2, 0, 0, 0, 255, 0}, {2, 1, 0, 0, 0, 255}, {0, 1, 0, 51, 51, 51}};
   for (const auto& v : vertices)
-    bytes.Add<float>({v[0], v[1]}).Add<double>({v[2]}).Add<std::uint8_t>({v[3], v[4], v[5]});
-  return bytes.Add<std::uint8_t>({4})
-      .Add<std::int32_t>({0, 1, 2, 3})
-      .Add<std::uint8_t>({3})
-      .Add<std::int32_t>({0, 2, 1});
+    bytes += BytesOf<float>({v[0], v[1]}, p_bigEndian) + BytesOf<double>({v[2]}, p_bigEndian) +
+             BytesOf<std::uint8_t>({v[3], v[4], v[5]});
+  return bytes + "\4" + BytesOf<std::int32_t>({0, 1, 2, 3}, p_bigEndian) + "\3" +
+         BytesOf<std::int32_t>({0, 2, 1}, p_bigEndian);
 }
 
 std::string Replaced(std::string p_text, const std::string& p_from, const std::string& p_to) {
@@ -99,12 +68,9 @@ const std::string StlSummary = "v 0 0 0 1 0 0 0 1 0 1 1 0 n 0 0 1 0 0 1 0 0 1 0 
 
 std::string BinaryStl(std::string p_header) {
   p_header.resize(80, ' ');
-  return Bytes(false, p_header)
-      .Add<std::uint32_t>({2})
-      .Add<float>({9, 9, 9, 0, 0, 0, 1, 0, 0, 0, 1, 0})
-      .Add<std::uint16_t>({7})
-      .Add<float>({0, 0, 0, 0, 1, -0.0, 1, 0, 0, 1, 1, 0})
-      .Add<std::uint16_t>({0});
+  return p_header + BytesOf<std::uint32_t>({2}) + BytesOf<float>({9, 9, 9, 0, 0, 0, 1, 0, 0, 0, 1, 0}) +
+         BytesOf<std::uint16_t>({7}) + BytesOf<float>({0, 0, 0, 0, 1, -0.0, 1, 0, 0, 1, 1, 0}) +
+         BytesOf<std::uint16_t>({0});
 }
 
 bool HasGltf() {
@@ -233,12 +199,9 @@ TEST(ReadMesh, ReadsEachFormat) {
       {"PLY with bytes behind", BinarySquare(true) + "ab",
        SquareSummary + " ! mesh: 2 bytes behind the last element are left out"},
       {"PLY lists without entries",
-       Bytes(
-           false,
-           Replaced(TextPly("element vertex 1\n" + Xyz + "element face 2\nproperty list uchar int vertex_index\n", ""),
-                    "ascii", "binary_little_endian"))
-           .Add<float>({1, 2, 3})
-           .Add<std::uint8_t>({0, 0}),
+       Replaced(TextPly("element vertex 1\n" + Xyz + "element face 2\nproperty list uchar int vertex_index\n", ""),
+                "ascii", "binary_little_endian") +
+           BytesOf<float>({1, 2, 3}) + BytesOf<std::uint8_t>({0, 0}),
        "v 1 2 3 :p 0 ! mesh: 2 faces of less than three corners are left out"},
       {"PLY points", points, "v 1 2 3 4 5 6 :p 0 1"},
       {"PLY edges",

@@ -1,6 +1,7 @@
 #include "io/ReadVolume.h"
 #include "io/FileError.h"
 #include "tests/support/Damage.h"
+#include "tests/support/FileText.h"
 #include "tests/support/Test.h"
 
 using Io::FileError;
@@ -11,13 +12,6 @@ namespace {
 Volume Read(const std::string& p_bytes, const std::string& p_name = "v", const Io::VolumeOptions& p_options = {}) {
   std::istringstream stream(p_bytes);
   return Io::ReadVolume(stream, p_name, p_options);
-}
-
-std::string Numbers(const std::array<double, 3>& p_numbers) {
-  std::ostringstream text;
-  for (const double number : p_numbers)
-    text << ' ' << std::round(number * 1000) / 1000 + 0.0;
-  return text.str();
 }
 
 /// "TYPE SIZE xCHANNELS: VALUES / spacing / origin / directions where they are not x, y, z / units, space and name".
@@ -36,10 +30,10 @@ std::string Summary(const Volume& p_volume) {
           out << ' ' << double(value);
       },
       p_volume.values);
-  out << " /" << Numbers(p_volume.spacing) << " /" << Numbers(p_volume.origin);
+  out << Rounded(" /", p_volume.spacing) << Rounded(" /", p_volume.origin);
   if (!p_volume.IsAxisAligned())
     for (const Volume::Vector& direction : p_volume.orientation)
-      out << " |" << Numbers(direction);
+      out << Rounded(" |", direction);
   for (const std::string& text : {p_volume.lengthUnit, p_volume.space, p_volume.unit, p_volume.name})
     out << (text.empty() ? "" : " " + text);
   return out.str();
@@ -52,19 +46,6 @@ std::string SummaryOrError(const std::string& p_bytes, const std::string& p_name
   } catch (const FileError& error) {
     return error.what();
   }
-}
-
-template <class T>
-std::string Bytes(std::initializer_list<double> p_values, bool p_bigEndian = false) {
-  std::string bytes;
-  for (const double value : p_values) {
-    const T number = static_cast<T>(value);
-    std::string one(reinterpret_cast<const char*>(&number), sizeof number);
-    if (p_bigEndian)
-      std::reverse(one.begin(), one.end());
-    bytes += one;
-  }
-  return bytes;
 }
 
 std::string Nrrd(const std::string& p_fields, const std::string& p_values) {
@@ -83,11 +64,12 @@ TEST(ReadVolume, NrrdValuesPlaceAndErrors) {
     std::string expected;
   };
   const Case cases[] = {
-      {Nrrd("type: short\n" + four + little, Bytes<std::int16_t>({-1, 2, 3, 400})),
+      {Nrrd("type: short\n" + four + little, BytesOf<std::int16_t>({-1, 2, 3, 400})),
        "i16 2 2 1: -1 2 3 400 / 1 1 1 / 0 0 0"},
-      {Nrrd("type: unsigned int\n" + four + "endian: big\nencoding: raw\n", Bytes<std::uint32_t>({1, 2, 3, 4e9}, true)),
+      {Nrrd("type: unsigned int\n" + four + "endian: big\nencoding: raw\n",
+            BytesOf<std::uint32_t>({1, 2, 3, 4e9}, true)),
        "u32 2 2 1: 1 2 3 4e+09 / 1 1 1 / 0 0 0"},
-      {Nrrd("type: int64\n" + four + little, Bytes<std::int64_t>({-1, 2, 3, 5e9})),
+      {Nrrd("type: int64\n" + four + little, BytesOf<std::int64_t>({-1, 2, 3, 5e9})),
        "d 2 2 1: -1 2 3 5e+09 / 1 1 1 / 0 0 0"},
       {Nrrd("type: float\r\n# x\r\nkey:=value\r\n" + four + "encoding: ascii\r\n", "1.5 nan\n1e-60, -inf"),
        "f 2 2 1: 1.5 nan 0 -inf / 1 1 1 / 0 0 0"},
@@ -201,7 +183,7 @@ struct Nifti {
   }
   template <class T>
   Nifti& Set(std::size_t p_at, std::initializer_list<double> p_values) {
-    const std::string text = Bytes<T>(p_values, bigEndian);
+    const std::string text = BytesOf<T>(p_values, bigEndian);
     bytes.replace(p_at, text.size(), text);
     return *this;
   }
@@ -222,7 +204,7 @@ Nifti Oblique(bool p_second, bool p_bigEndian, int p_quaternion, int p_matrix) {
   file.Codes(p_quaternion, p_matrix).Units(2).Reals(256, 352, {0.5, -0.4, 0.3, 7, 8, 9});
   file.Reals(280, 400, {0.4, 0.1, 0, -10, 0.2, 2, 0.5, 20});
   file.Reals(312, 464, {0, -0.25, 3, 30});
-  file.bytes += Bytes<std::int16_t>({1, -2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 1200}, p_bigEndian);
+  file.bytes += BytesOf<std::int16_t>({1, -2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 1200}, p_bigEndian);
   return file;
 }
 
@@ -237,11 +219,11 @@ TEST(ReadVolume, NiftiValuesAndErrors) {
   const auto four = [](int p_type, int p_bits) { return Nifti(false, false, {2, 2}, p_type, p_bits); };
   const Case cases[] = {
       {four(2, 8).Units(1), "abcd", "u8 2 2 1: 97 98 99 100 / 0.5 2 3 / 0 0 0 m"},
-      {four(512, 16).Reals(112, 0, {0.5, -1}), Bytes<std::uint16_t>({0, 1, 2, 60001}),
+      {four(512, 16).Reals(112, 0, {0.5, -1}), BytesOf<std::uint16_t>({0, 1, 2, 60001}),
        "f 2 2 1: -1 -0.5 0 29999.5 / 0.5 2 3 / 0 0 0"},
-      {Nifti(true, true, {2, 1, 1}, 64, 64), Bytes<double>({1.5, -1e10}, true),
+      {Nifti(true, true, {2, 1, 1}, 64, 64), BytesOf<double>({1.5, -1e10}, true),
        "d 2 1 1: 1.5 -1e+10 / 0.5 2 3 / 0 0 0"},
-      {Nifti(true, false, {2, 1, 1}, 8, 32).Reals(112, 176, {2, 1}), Bytes<std::int32_t>({2147483647, -1}),
+      {Nifti(true, false, {2, 1, 1}, 8, 32).Reals(112, 176, {2, 1}), BytesOf<std::int32_t>({2147483647, -1}),
        "d 2 1 1: 4.29497e+09 -1 / 0.5 2 3 / 0 0 0"},
       {Nifti(false, false, {1, 2, 1}, 128, 24), "abcdef", "u8 1 2 1 x3: 97 98 99 100 101 102 / 0.5 2 3 / 0 0 0"},
       {Nifti(false, false, {2, 1, 1, 1, 2}, 2, 8), "abcd", "u8 2 1 1 x2: 97 99 98 100 / 0.5 2 3 / 0 0 0"},
@@ -296,7 +278,7 @@ TEST(ReadVolume, NrrdAsItsOwnProgramWritesIt) {
   const TempFolder folder;
   std::string values;
   for (int i = 0; i < 24; ++i)
-    values += Bytes<std::int16_t>({1000.0 * i - 12000});
+    values += BytesOf<std::int16_t>({1000.0 * i - 12000});
   folder.Write("v.raw", values);
   const std::string in = "cd " + folder.Path().string() + " && teem-unu ";
   Output(in + "make -t short -s 4 3 2 -i v.raw -en little -spc LPS -orig '(1,2,3)' -dirs '(0,2,0) (0.5,0,0) (0,0,3)' "
@@ -334,7 +316,7 @@ TEST(ReadVolume, RawSizesTypesAndNoData) {
   Io::VolumeOptions options;
   options.raw = Io::RawLayout{{2, 1, 1}, Volume::Float32, 2, true, 3, {1, 1, 2}};
   options.noData = 1e20;
-  const std::string file = "..." + Bytes<float>({-3, 1e20, 2, 0}, true);
+  const std::string file = "..." + BytesOf<float>({-3, 1e20, 2, 0}, true);
   const Volume volume = Read(file, "v", options);
   EXPECT_EQ(Summary(volume), "f 2 1 1 x2: -3 1e+20 2 0 / 1 1 2 / 0 0 0");
   EXPECT_EQ(volume.range, (std::array<double, 2>{-3, 2}));
@@ -359,7 +341,7 @@ TEST(ReadVolume, CancelledAndReported) {
 
 TEST(ReadVolume, SurvivesDamage) {
   const TempFolder folder;
-  folder.Write("v.raw", Bytes<std::int16_t>({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+  folder.Write("v.raw", BytesOf<std::int16_t>({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
   const std::string in = "cd " + folder.Path().string() + " && teem-unu ";
   Output(
       in +

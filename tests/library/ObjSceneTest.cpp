@@ -1,6 +1,7 @@
 #include "library/ObjScene.h"
 #include "library/TriangulatePolygon.h"
 #include "tests/support/Damage.h"
+#include "tests/support/FileText.h"
 #include "tests/support/Test.h"
 
 namespace {
@@ -10,20 +11,13 @@ ObjScene Read(const std::string& p_text) {
   return ReadObjScene(stream, "t.obj");
 }
 
-std::string Numbers(const char* p_name, const std::vector<float>& p_numbers) {
-  std::ostringstream text;
-  for (const float number : p_numbers)
-    text << ' ' << std::round(number * 1000) / 1000 + 0.0;
-  return p_numbers.empty() ? "" : p_name + text.str();
-}
-
 /// What a text yields, without empty items: "v POSITIONS n NORMALS t TEXCOORDS c COLOURS
 /// object/group=material:INDICES".
 std::string Summary(const std::string& p_text, bool p_normals = false) {
   const ObjScene scene = Read(p_text);
   std::ostringstream out;
-  out << Numbers("v", scene.positions) << (p_normals ? Numbers(" n", scene.normals) : "")
-      << Numbers(" t", scene.texCoords) << Numbers(" c", scene.colors);
+  out << Rounded("v", scene.positions) << (p_normals ? Rounded(" n", scene.normals) : "")
+      << Rounded(" t", scene.texCoords) << Rounded(" c", scene.colors);
   for (const ObjScene::Group& group : scene.groups) {
     out << ' ' << group.object << '/' << group.name
         << (group.material < 0 ? "" : '=' + scene.materials[std::size_t(group.material)].name) << ':'
