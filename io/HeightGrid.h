@@ -20,8 +20,10 @@ struct VEK_IO_API HeightGrid {
   std::vector<double> x;          ///< the positions of the columns
   std::vector<double> y;          ///< the positions of the rows
   std::vector<double> heights;    ///< one a node; NaN where missing
-  std::string xName, yName;       ///< such as "lon" and "lat"; empty where not known
-  std::string xUnit, yUnit;       ///< such as "degrees_east"; empty where not known
+  std::string xName;              ///< of the columns, such as "lon"; empty where not known
+  std::string yName;              ///< of the rows, such as "lat"; empty where not known
+  std::string xUnit;              ///< such as "degrees_east"; empty where not known
+  std::string yUnit;              ///< such as "degrees_north"; empty where not known
   std::string name;               ///< of the values, such as "sea surface temperature"; empty where not known
   std::string unit;               ///< of the values, such as "m"; empty where not known
   std::vector<std::string> times; ///< all steps of the file; empty for a file without time

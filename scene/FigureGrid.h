@@ -78,11 +78,13 @@ public:
   void Release(const Utility::Scoped<Rgl>& p_gl) const;
 
 private:
-  /// How a figure was drawn last.
-  struct View {
-    std::optional<Camera> camera; ///< of the figure
-    Camera direction;             ///< its angles and projection
+  // Doxygen would link to a list of nested classes that it does not make when all are private.
+  /// \cond
+  struct View {                   // how a figure was drawn last
+    std::optional<Camera> camera; // of the figure
+    Camera direction;             // its angles and projection
   };
+  /// \endcond
 
   /// Of a cell. Throws as `At`.
   std::size_t IndexOf(std::size_t p_row, std::size_t p_column) const;
