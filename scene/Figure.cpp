@@ -3,6 +3,7 @@
 #include "scene/Background.h"
 #include "scene/private/FigureState.h"
 #include "scene/private/ImageFile.h"
+#include "scene/private/MeshData.h"
 #include "scene/private/SceneState.h"
 
 #include "library/ObjModel.h"
@@ -65,22 +66,11 @@ MeshPlot& Figure::Mesh(const Array3& p_positions, const std::vector<std::array<u
   indices.reserve(3 * p_triangles.size());
   for (const std::array<unsigned, 3>& triangle : p_triangles)
     indices.insert(indices.end(), triangle.begin(), triangle.end());
-  return _state->Add(std::unique_ptr<MeshPlot>(new MeshPlot(Points(p_positions), std::move(indices))));
+  return _state->Add(std::unique_ptr<MeshPlot>(new MeshPlot(Private::DataOf(Points(p_positions), std::move(indices)))));
 }
 
 MeshPlot& Figure::Mesh(const Library::ObjScene& p_mesh) {
-  std::vector<std::uint32_t> indices;
-  for (const Library::ObjScene::Group& group : p_mesh.groups) {
-    const std::size_t count = p_mesh.indices.size();
-    if (group.first > count || group.count > count - group.first)
-      throw std::invalid_argument("groups: expected indices 0 to " + std::to_string(count) + ", got a group from " +
-                                  std::to_string(group.first) + " of " + std::to_string(group.count));
-    const auto first = p_mesh.indices.begin() + static_cast<std::ptrdiff_t>(group.first);
-    if (group.primitive == Library::ObjScene::Triangles)
-      indices.insert(indices.end(), first, first + static_cast<std::ptrdiff_t>(group.count / 3 * 3));
-  }
-  const Array3 positions(p_mesh.positions.data(), p_mesh.positions.size() / 3);
-  return _state->Add(std::unique_ptr<MeshPlot>(new MeshPlot(Points(positions), std::move(indices))));
+  return _state->Add(std::unique_ptr<MeshPlot>(new MeshPlot(Private::DataOf(p_mesh))));
 }
 
 MeshPlot& Figure::Mesh(const Library::ObjModel& p_model) {
@@ -97,7 +87,8 @@ MeshPlot& Figure::Mesh(const Library::ObjModel& p_model) {
       if (group) // incomplete triangles are left out, so that those of further groups stay whole
         indices.insert(indices.end(), group->indices.begin(),
                        group->indices.end() - static_cast<std::ptrdiff_t>(group->indices.size() % 3));
-  return _state->Add(std::unique_ptr<MeshPlot>(new MeshPlot(std::move(positions), std::move(indices))));
+  return _state->Add(
+      std::unique_ptr<MeshPlot>(new MeshPlot(Private::DataOf(std::move(positions), std::move(indices)))));
 }
 
 void Figure::Remove(const Plot& p_plot) {

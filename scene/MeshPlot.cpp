@@ -4,8 +4,13 @@
 
 namespace Vek::Chart::Scene {
 
-MeshPlot::MeshPlot(std::vector<Types::Vector3_Base<double>> p_positions, std::vector<std::uint32_t> p_indices)
-    : ColoredPlot(std::make_unique<Private::MeshContent>(std::move(p_positions), std::move(p_indices))) {}
+MeshPlot::MeshPlot(Private::MeshData p_data)
+    : ColoredPlot(std::make_unique<Private::MeshContent>(std::move(p_data))) {}
+
+MeshPlot& MeshPlot::ColorByFile() {
+  static_cast<Private::MeshContent&>(Content()).ColorByFile();
+  return *this;
+}
 
 MeshPlot& MeshPlot::UpdatePositions(const Array3& p_positions) {
   static_cast<Private::MeshContent&>(Content()).UpdatePositions(p_positions);

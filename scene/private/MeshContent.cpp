@@ -1,59 +1,124 @@
 #include "scene/private/MeshContent.h"
 
-#include <stdexcept>
-#include <string>
 #include <utility>
 
 namespace Vek::Chart::Scene::Private {
 
-MeshContent::MeshContent(std::vector<Point> p_positions, std::vector<std::uint32_t> p_indices)
-    : PointsContent(std::move(p_positions))
-    , _indices(std::move(p_indices))
-    , _isUsed(positions.size()) {
-  for (std::size_t i = 0; i < _indices.size(); ++i) {
-    if (_indices[i] >= positions.size())
-      throw std::invalid_argument("triangles: expected indices below " + std::to_string(positions.size()) + ", got " +
-                                  std::to_string(_indices[i]) + " in triangle " + std::to_string(i / 3));
-    _isUsed[_indices[i]] = true;
-  }
+namespace {
+
+/// What the vertices of a part have of that of the plot's vertices.
+template <class T>
+std::vector<T> OfPart(const MeshPart& p_part, const std::vector<T>& p_all) {
+  std::vector<T> chosen;
+  if (p_all.empty())
+    return chosen;
+  chosen.reserve(p_part.elements.size());
+  for (const std::uint32_t element : p_part.elements)
+    chosen.push_back(p_all[element]);
+  return chosen;
+}
+
+} // namespace
+
+MeshContent::MeshContent(MeshData p_data)
+    : PointsContent(std::move(p_data.positions))
+    , _normals(std::move(p_data.normals))
+    , _parts(std::move(p_data.parts))
+    , _isUsed(positions.size())
+    , _meshes(_parts.size()) {
+  for (const MeshPart& part : _parts)
+    for (const std::uint32_t index : part.indices)
+      _isUsed[part.elements[index]] = true;
+}
+
+void MeshContent::ColorByFile() {
+  _isByFile = true;
+  PointsContent::ValuesChanged();
+}
+
+void MeshContent::ValuesChanged() {
+  _isByFile = false;
+  PointsContent::ValuesChanged();
+}
+
+void MeshContent::UpdatePositions(const Array3& p_positions) {
+  PointsContent::UpdatePositions(p_positions);
+  if (!std::exchange(_normals, {}).empty())
+    _isShown.clear(); // makes meshes anew, whose normals are computed
 }
 
 Box MeshContent::PlaceChanged(const Changes& p_changes) {
   if (p_changes.isMoved)
     PlaceVertices();
-  if (p_changes.values && !_mesh.Empty())
-    _mesh.UpdateValues(coloring.Values());
+  if (p_changes.values)
+    PlaceColors();
   return _box;
 }
 
 void MeshContent::PlaceVertices() {
-  std::vector<Point> placed = PlacedPoints(_box);
+  std::vector<Point> placed = PlacedPoints(_box), normals;
   std::vector<bool> isShown(placed.size());
   for (std::size_t i = 0; i < placed.size(); ++i) {
     isShown[i] = IsFinite(placed[i]);
     if (!isShown[i])
       placed[i] = {}; // no triangle has it
+    if (!_normals.empty())
+      normals.push_back(isShown[i] ? PlacedNormal(placement.transform, positions[i], _normals[i]) : Point());
   }
   const bool isSame = isShown == _isShown;
   _isShown = std::move(isShown);
-  if (isSame && !_mesh.Empty()) {
-    _mesh.UpdatePositions(placed);
-    return;
+  for (std::size_t i = 0; i < _parts.size(); ++i) {
+    const MeshPart& part = _parts[i];
+    GpuMesh& mesh = _meshes[i];
+    const std::vector<Point> ownPositions = OfPart(part, placed), ownNormals = OfPart(part, normals);
+    if (isSame && !mesh.Empty()) {
+      mesh.UpdatePositions(ownPositions);
+      if (!ownNormals.empty())
+        mesh.UpdateNormals(ownNormals);
+      continue;
+    }
+    GpuMesh::Arrays arrays;
+    const auto shows = [&](std::size_t p_corner) { return _isShown[part.elements[part.indices[p_corner]]]; };
+    for (std::size_t corner = 0; corner + 2 < part.indices.size(); corner += 3)
+      if (shows(corner) && shows(corner + 1) && shows(corner + 2))
+        for (std::size_t j = corner; j < corner + 3; ++j)
+          arrays.indices.push_back(part.indices[j]);
+    mesh = {};
+    if (arrays.indices.empty())
+      continue; // without indices, all vertices would be drawn
+    arrays.positions = ownPositions;
+    arrays.normals = ownNormals;
+    mesh = GpuMesh(arrays);
   }
-  GpuMesh::Arrays arrays;
-  for (std::size_t i = 0; i + 2 < _indices.size(); i += 3)
-    if (_isShown[_indices[i]] && _isShown[_indices[i + 1]] && _isShown[_indices[i + 2]])
-      arrays.indices.insert(arrays.indices.end(), {_indices[i], _indices[i + 1], _indices[i + 2]});
-  _mesh = {};
-  if (arrays.indices.empty())
-    return; // without indices, all vertices would be drawn
-  arrays.positions = placed;
-  arrays.values = coloring.Values();
-  _mesh = GpuMesh(arrays);
+  if (!isSame)
+    PlaceColors();
+}
+
+void MeshContent::PlaceColors() {
+  _opacity = opacity;
+  for (std::size_t i = 0; i < _parts.size(); ++i) {
+    if (_meshes[i].Empty())
+      continue;
+    std::vector<GpuMesh::Rgba> colors;
+    if (_isByFile)
+      colors = _parts[i].colors;
+    for (GpuMesh::Rgba& color : colors)
+      color[3] = static_cast<unsigned char>(color[3] * _opacity + 0.5);
+    _meshes[i].UpdateColors(std::move(colors));
+    _meshes[i].UpdateValues(OfPart(_parts[i], coloring.Values()));
+  }
 }
 
 void MeshContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& /*p_frame*/) {
-  _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale());
+  if (_isByFile && _opacity != opacity)
+    PlaceColors();
+  for (const GpuMesh& mesh : _meshes)
+    mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale());
+}
+
+void MeshContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
+  for (const GpuMesh& mesh : _meshes)
+    mesh.Release(p_gl);
 }
 
 } // namespace Vek::Chart::Scene::Private

@@ -101,4 +101,86 @@ TEST_F(MeshPlotPixels, LightFollowsTheStretchedSurface) {
   EXPECT_FALSE(SameColor(color(0.04, 1).rgb(), color(2, 1).rgb(), 20));
 }
 
+/// The square as a file, with a group for each triangle.
+Library::ObjScene SquareFile(const Point& p_normal, const std::array<int, 2>& p_materials) {
+  Library::ObjScene file;
+  for (std::size_t i = 0; i < 4; ++i) {
+    file.positions.insert(file.positions.end(), {float(Square[i].x), float(Square[i].y), float(Square[i].z)});
+    file.normals.insert(file.normals.end(), {float(p_normal.x), float(p_normal.y), float(p_normal.z)});
+  }
+  file.indices = {0, 1, 2, 0, 2, 3};
+  file.materials.resize(2);
+  file.materials[0].diffuse = {1, 0, 0};
+  file.materials[1].diffuse = {0, 0, 1};
+  file.groups.resize(2);
+  for (std::size_t i = 0; i < 2; ++i) {
+    file.groups[i].first = 3 * i;
+    file.groups[i].count = 3;
+    file.groups[i].material = p_materials[i];
+  }
+  return file;
+}
+
+TEST_F(MeshPlotPixels, ColorsOfAFileAreThoseOfVerticesTimesMaterials) {
+  const Point right(1.2, 0.9, 3), left(0.9, 1.2, 3); // on both sides of the diagonal
+  const auto isRed = [](const QColor& p_color) { return p_color.red() > 150 && p_color.blue() < 60; };
+  const auto isBlue = [](const QColor& p_color) { return p_color.blue() > 150 && p_color.red() < 60; };
+  Library::ObjScene file = SquareFile({0, 0, 1}, {0, 1});
+  Figure figure;
+  MeshPlot& plot = figure.Mesh(file);
+  EXPECT_EQ(plot.Count(), 4U) << "vertices that two materials share count once";
+  EXPECT_TRUE(isRed(Drawn(figure, right)));
+  EXPECT_TRUE(isBlue(Drawn(figure, left))) << "no blend at the shared edge";
+  plot.SetOpacity(0.5);
+  EXPECT_NEAR(Drawn(figure, left).red(), 128, 8);
+  plot.SetOpacity(1).ColorBy(Doubles{0, 0, 0, 0}).ColorMap({Qt::green, Qt::green});
+  EXPECT_GT(Drawn(figure, left).green(), 150);
+  plot.Color(Qt::red);
+  EXPECT_TRUE(isRed(Drawn(figure, left)));
+  plot.ColorByFile();
+  EXPECT_TRUE(isBlue(Drawn(figure, left)));
+
+  for (std::size_t i = 0; i < 4; ++i)
+    file.colors.insert(file.colors.end(), {0.0F, 1.0F, 1.0F, 1.0F}); // red times cyan is black
+  Figure dyed;
+  dyed.Mesh(file);
+  EXPECT_LT(Drawn(dyed, right).red(), 60);
+  EXPECT_TRUE(isBlue(Drawn(dyed, left)));
+  Figure plain; // materials without a colour leave the plot its own
+  plain.Mesh(SquareFile({0, 0, 1}, {-1, 7})).Color(Qt::red);
+  EXPECT_TRUE(isRed(Drawn(plain, left)));
+}
+
+/// Normals of a file count until positions change, and lean as the stretched surface does.
+TEST_F(MeshPlotPixels, NormalsAreThoseOfTheFile) {
+  const auto shade = [&](const Point& p_normal, double p_stretch, bool p_moves) {
+    Figure figure;
+    MeshPlot& plot = figure.Mesh(SquareFile(p_normal, {-1, -1})).Color(Qt::green);
+    figure.SetAspect(1, 1, p_stretch).Look(0, 90, Camera::Projection::Parallel);
+    figure.SetLimits(2, 0, 4);
+    if (p_moves)
+      Drawn(figure, {1, 1, 3}), plot.UpdatePositions(Points(Square.begin(), Square.begin() + 4));
+    return Drawn(figure, {1.2, 0.8, 3}).green();
+  };
+  const int upright = shade({0, 0, 1}, 1, false);
+  EXPECT_LT(shade({2, 0, 1}, 1, false), upright - 30);
+  EXPECT_NEAR(shade({2, 0, 1}, 0.01, false), upright, 3) << "of a flattened surface";
+  EXPECT_NEAR(shade({2, 0, 1}, 1, true), upright, 3) << "computed";
+}
+
+class MeshPlotCalls : public FigureCallsFixture {};
+
+TEST_F(MeshPlotCalls, UploadWhatChanged) {
+  using Bytes = std::vector<std::size_t>;
+  Figure figure;
+  MeshPlot& plot = figure.Mesh(SquareFile({0, 0, 1}, {0, 1}));
+  EXPECT_EQ(UploadsOf(figure).size(), 4U) << "positions, normals, colours, indices";
+  plot.SetOpacity(0.5);
+  EXPECT_EQ(UploadsOf(figure), Bytes{4 * 6}) << "colours: two vertices have both materials";
+  plot.ColorBy(Doubles(4, 1));
+  EXPECT_EQ(UploadsOf(figure), Bytes{4 * 6}) << "values";
+  plot.ColorMap("inferno").ColorRange(2, 3).SetOpacity(0.25);
+  EXPECT_EQ(UploadsOf(figure), Bytes()) << "settings";
+}
+
 } // namespace
