@@ -43,6 +43,11 @@ const std::vector<Format>& Formats() {
        "triangles, lines and points, transforms of nodes, base colours and their textures",
        "animations, skins, morph targets, cameras, lights, further maps of materials, compressed meshes",
        "libassimp-dev", HasAssimp},
+      {Format::Volumes, "NetCDF", "nc cdf", "Io::ReadVolume",
+       "classic formats: a variable on a grid with even steps, at one time, as for vector fields",
+       "uneven and curvilinear grids", "", true},
+      {Format::Volumes, "NetCDF-4", "nc nc4", "Io::ReadVolume", "as NetCDF, compressed or not",
+       "groups, structures, uneven and curvilinear grids", "libnetcdf-dev", HasNetCdf},
       {Format::Vectors, "NetCDF", "nc cdf", "Io::ReadVectorField",
        "classic formats, by the CF conventions: winds and flows on regular and rectilinear grids of two or three "
        "dimensions, in any order of axes; units, scale_factor, add_offset, _FillValue, missing_value, valid ranges, "

@@ -106,21 +106,29 @@ private:
   bool SkipToRow() {
     for (; _at < _text.size(); SkipLineEnd()) {
       _start = _at;
-      const std::string_view line = Trimmed(RestOfLine());
-      if (!line.empty() && line.front() != '#')
+      const std::size_t first = std::min(_text.find_first_not_of(" \t", _at), _text.size());
+      const char character = first < _text.size() ? _text[first] : '\n';
+      if (character != '#' && character != '\n' && character != '\r')
         return true;
-      if (!line.empty())
-        _comment = line.substr(1);
-      _at = LineEnd(_at);
+      if (character == '#')
+        _comment = Trimmed(RestOfLine()).substr(1);
+      _at = LineEnd(first);
     }
     return false;
   }
 
   std::string_view Plain() {
-    const std::size_t start = _at;
-    while (!AtLineEnd() && !(_separator == Blanks ? AtBlank() : _text[_at] == _separator))
-      ++_at;
-    return Trimmed(_text.substr(start, _at - start));
+    // Most of the time goes here.
+    const char* const start = _text.data() + _at;
+    const char* const last = _text.data() + _text.size();
+    const char separator = _separator, second = _separator == Blanks ? '\t' : _separator;
+    const char* end = start;
+    while (end != last && *end != separator && *end != second && *end != '\n' && *end != '\r')
+      ++end;
+    _at += static_cast<std::size_t>(end - start);
+    while (end != start && (end[-1] == ' ' || end[-1] == '\t'))
+      --end;
+    return {start, static_cast<std::size_t>(end - start)};
   }
   std::string_view Quoted() {
     const std::size_t line = _line;

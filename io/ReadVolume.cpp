@@ -1,6 +1,7 @@
 #include "io/ReadVolume.h"
 
 #include "io/FileError.h"
+#include "io/private/NetCdf.h"
 #include "io/private/VolumeFormats.h"
 #include "io/private/VolumeValues.h"
 #include "library/ReadTextArray.h"
@@ -162,6 +163,11 @@ void WithFileBeside(const std::string& p_name, const std::string& p_other, const
 
 Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options) {
   try {
+    if (!p_options.raw && p_stream.tellg() != std::istream::pos_type(-1)) {
+      Private::Restarted input(p_stream, p_name, 8);
+      if (Private::IsClassicNetCdf(input.Start()) || Private::IsHdf5(input.Start()))
+        return Private::ReadNetCdfVolume(input.Stream(), p_name, p_options);
+    }
     return Read(p_stream, p_name, p_options);
   } catch (const std::bad_alloc&) {
     throw FileError(p_name, "its values do not fit into memory");

@@ -32,6 +32,8 @@ struct VolumeOptions {
   std::optional<RawLayout> raw;
   /// Which of several time steps is read, from 0.
   std::size_t step = 0;
+  /// The variable of a NetCDF file; empty for the first one with several levels, otherwise the first one on a grid.
+  std::string variable;
   /// The number that means "no data".
   std::optional<double> noData;
   /// Called during the reading.
@@ -50,6 +52,8 @@ struct VolumeOptions {
 /// - NIfTI-1 and NIfTI-2 (.nii, or .hdr with .img; nifti.nimh.nih.gov), compressed or not, with the transform of
 ///   `sform`, else of `qform`, else the spacing alone. Values with `scl_slope` and `scl_inter` are scaled. The fourth
 ///   axis is that of steps, the fifth one that of channels. RGB and RGBA are channels.
+/// - NetCDF: a variable on a grid with even steps along each axis, as ReadVectorField reads it; as floats, or doubles
+///   from types of 32 or more bits. Missing values are NaN.
 /// - Raw values, if `raw` describes them; decompressed if the name ends in ".gz".
 ///
 /// Values keep their type, but for these: 64-bit integers become doubles, and scaled values floats, or doubles from

@@ -132,6 +132,11 @@ std::vector<double> Ordered(std::vector<double> p_block, const std::array<std::s
 
 } // namespace
 
+bool HasLevels(const NetCdfFile& p_file, const NetCdfVariable& p_variable) {
+  const std::size_t axis = FindAxes(p_file, p_variable)[2];
+  return axis != NoDimension && p_file.Dimensions()[p_variable.dimensions[axis]].size > 1;
+}
+
 NetCdfGrid ReadGrid(const NetCdfFile& p_file, const std::vector<std::string>& p_variables, std::size_t p_time,
                     std::size_t p_level, const Progress& p_progress) {
   const NetCdfVariable& variable = Variable(p_file, p_variables.at(0));

@@ -17,6 +17,8 @@ bool IsNifti(std::string_view p_start);
 Volume ReadNrrd(PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options);
 Volume ReadNifti(PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options);
 
+Volume ReadNetCdfVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options);
+
 /// Whether there is a file p_other in the folder of the file p_name.
 bool ExistsBeside(const std::string& p_name, const std::string& p_other);
 /// Calls p_read with that file and its path. Throws FileError if it cannot be opened.

@@ -4,6 +4,7 @@
 #include "io/ReadMesh.h"
 #include "io/ReadTable.h"
 #include "io/ReadVectorField.h"
+#include "io/ReadVolume.h"
 #include "tests/support/ErrorOf.h"
 #include "tests/support/Test.h"
 
@@ -47,6 +48,8 @@ const std::map<std::string, std::function<std::size_t(const Folder&)>> ReadOne{
            0);
        return ReadMesh(path).positions.size();
      }},
+    {"Volumes NetCDF", [](const Folder&) { return ReadVolume(VEK_SOURCE_DIR "/data/navy_winds_1987.nc").Count(); }},
+    {"Volumes NetCDF-4", [](const Folder& p_folder) { return ReadVolume(NetCdf4(p_folder)).Count(); }},
     {"Vector fields NetCDF",
      [](const Folder&) { return ReadVectorField(VEK_SOURCE_DIR "/data/navy_winds_1987.nc").vectors.size(); }},
     {"Vector fields NetCDF-4",

@@ -2,6 +2,7 @@
 #include "io/Formats.h"
 #include "io/ReadHeights.h"
 #include "io/ReadVectorField.h"
+#include "io/ReadVolume.h"
 #include "scene/VectorField.h"
 #include "tests/support/Damage.h"
 #include "tests/support/Test.h"
@@ -171,6 +172,22 @@ TEST(ReadHeights, ReadsEachFormat) {
   EXPECT_EQ(Heights(layers, {{"t"}, 0, 1}), "x[] 0 1 | y[] 0 1 | temperature[K] | 5 6 7 8 | 0 -5");
   EXPECT_EQ(Heights("3 2 10 1 20 -2\n1 nan 3\n4 5 6\n"), "[] 10 11 12 | [] 20 18 | [] | 1 ? 3 4 5 6 | ");
   EXPECT_EQ(Heights("lon lat depth(m)\n1 1 4\n0 1 3\n0 0 1\n"), "lon[] 0 1 | lat[] 0 1 | depth[m] | 1 ? 3 4 | ");
+}
+
+TEST(ReadVolume, ReadsNetCdf) {
+  const std::string text =
+      "dimensions: z = 3 ; y = 1 ; x = 2 ;\nvariables: float z(z) ; z:positive = \"down\" ;\n"
+      "z:units = \"m\" ; short b(y, x) ; short t(z, y, x) ; t:scale_factor = 0.5 ; t:units = \"K\" ;\n"
+      "t:_FillValue = 5s ; data: z = 0, 5, 10 ; t = 1, 2, 3, 4, 5, 6 ;\n";
+  std::istringstream stream(NetCdf(text));
+  const Volume volume = ReadVolume(stream, "f");
+  EXPECT_EQ(volume.size, (std::array<std::size_t, 3>{2, 1, 3}));
+  EXPECT_EQ(volume.Position(1, 0, 2), (Volume::Vector{1, 0, -10}));
+  EXPECT_EQ(volume.range, (std::array<double, 2>{0.5, 3}));
+  EXPECT_TRUE(volume.ValueType() == Volume::Float32 && std::isnan(volume.Value(0, 0, 2)) && volume.unit == "K");
+  std::istringstream uneven(NetCdf(std::regex_replace(text, std::regex("5, 10"), "5, 11")));
+  EXPECT_EQ(ErrorOf<FileError>([&] { ReadVolume(uneven, "f"); }),
+            "f: axis \"z\": expected even steps of a volume, got uneven ones");
 }
 
 TEST(ReadVectorField, NamesFileAndReason) {
