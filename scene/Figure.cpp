@@ -1,6 +1,7 @@
 #include "scene/Figure.h"
 
 #include "scene/Background.h"
+#include "scene/private/FigureCuts.h"
 #include "scene/private/FigureState.h"
 #include "scene/private/ImageFile.h"
 #include "scene/private/MeshData.h"
@@ -153,8 +154,14 @@ Figure& Figure::SetLogAxis(int p_axis, bool p_logarithmic) {
   const auto& limits = _state->rules.limits[axis];
   if (p_logarithmic && limits && limits->min <= 0)
     throw std::invalid_argument("SetLogAxis: expected limits above 0, got " + std::to_string(limits->min));
-  _state->rules.logarithmic[axis] = p_logarithmic;
-  _state->rules.dates[axis] = _state->rules.dates[axis] && !p_logarithmic;
+  Private::AxisRules rules = _state->rules;
+  rules.logarithmic[axis] = p_logarithmic;
+  rules.dates[axis] = rules.dates[axis] && !p_logarithmic;
+  for (const Types::Plane& clip : _state->clips)
+    if (!Private::IsCut(clip, rules))
+      throw std::invalid_argument("SetLogAxis: expected cutting planes above 0, got one at " +
+                                  std::to_string(Private::At(clip.Point(), axis)));
+  _state->rules = rules;
   return *this;
 }
 
@@ -184,8 +191,42 @@ Figure& Figure::Look(double p_azimuth, double p_elevation, Scene::Camera::Projec
   return *this;
 }
 
+Figure& Figure::Clip(const Types::Plane& p_plane) {
+  if (!Private::IsCut(p_plane, _state->rules))
+    throw std::invalid_argument("Clip: expected a finite plane with a normal, above 0 on logarithmic axes");
+  if (_state->clips.size() == Private::MostCuts)
+    throw std::invalid_argument("Clip: expected at most 6 planes, got another one");
+  _state->clips.push_back(p_plane);
+  return *this;
+}
+
+Figure& Figure::Clip(int p_axis, double p_position, Side p_kept) {
+  const std::size_t axis = RequireAxis("Clip", p_axis);
+  Private::Point point, normal;
+  Private::At(point, axis) = p_position;
+  Private::At(normal, axis) = p_kept == Side::Above ? 1 : -1;
+  return Clip(Types::Plane(point, normal));
+}
+
+const std::vector<Types::Plane>& Figure::Clips() const {
+  return _state->clips;
+}
+
+Figure& Figure::RemoveClip(std::size_t p_number) {
+  if (p_number >= _state->clips.size())
+    throw std::invalid_argument("RemoveClip: expected a number below " + std::to_string(_state->clips.size()) +
+                                ", got " + std::to_string(p_number));
+  _state->clips.erase(_state->clips.begin() + static_cast<std::ptrdiff_t>(p_number));
+  return *this;
+}
+
 FigureLayout Figure::Layout(const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
   return _state->Arrange(*this, p_viewport, p_pixelRatio > 0 ? p_pixelRatio : 1);
+}
+
+Figure& Figure::SetMoving(bool p_isMoving) {
+  _state->isMoving = p_isMoving;
+  return *this;
 }
 
 void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
@@ -199,14 +240,30 @@ void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewpo
     Canvas canvas(p_gl, p_viewport, _state->text, ratio);
     Axes::Draw(canvas, layout.axes, theme);
   }
-  _state->DrawPlots(p_gl, {layout.camera, p_viewport, ratio, theme.title});
+  _state->DrawPlots(p_gl, {layout.camera, p_viewport, ratio, theme.title, theme.line});
   Canvas canvas(p_gl, p_viewport, _state->text, ratio);
   for (const FigureLayout::Block& block : layout.blocks)
     block.content.Draw(canvas, block.origin);
 }
 
+std::optional<Figure::Hit> Figure::Pick(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,
+                                        const Types::Pos& p_pixel, double p_pixelRatio) {
+  if (!VEK_ENSURE(p_viewport.width > 0 && p_viewport.height > 0,
+                  "std::optional<Hit> Vek::Chart::Scene::Figure::Pick(...)"))
+    return {};
+  const double ratio = p_pixelRatio > 0 ? p_pixelRatio : 1;
+  return _state->Pick(p_gl, {Layout(p_viewport, ratio).camera, p_viewport, ratio, theme.title, theme.line}, p_pixel);
+}
+
 QImage Figure::Image(Types::Size p_size, int p_samples) {
-  return Private::DrawnImage(p_size, p_samples, [this](auto& p_gl, const auto& p_viewport) { Draw(p_gl, p_viewport); });
+  constexpr int LargestTwice = 4096;
+  const bool isDoubled = _state->HasTransparent() && std::max(p_size.width, p_size.height) <= LargestTwice;
+  const auto draw = [&](Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport) {
+    Draw(p_gl, p_viewport, isDoubled ? 2 : 1);
+  };
+  return isDoubled && p_size.width > 0 && p_size.height > 0
+             ? Private::Halved(Private::DrawnImage({2 * p_size.width, 2 * p_size.height}, p_samples / 8 * 2, draw))
+             : Private::DrawnImage(p_size, p_samples, draw);
 }
 
 Types::Vector3_Base<double> Figure::ToScene(const Types::Vector3_Base<double>& p_data) const {
@@ -221,6 +278,8 @@ void Figure::Release(const Utility::Scoped<Rgl>& p_gl) const {
   for (const State::Entry& entry : _state->entries)
     entry.content->Release(p_gl);
   _state->text.Release(p_gl);
+  _state->peeling.Release(p_gl);
+  _state->picker.Release(p_gl);
 }
 
 } // namespace Vek::Chart::Scene

@@ -17,6 +17,7 @@
 #include "scene/VectorField.h"
 
 #include "platform/ogl/Rgl.h"
+#include "platform/types/Geometry.h"
 #include "platform/types/Size.h"
 #include "platform/types/Vector.h"
 #include "platform/types/Viewport.h"
@@ -27,6 +28,7 @@
 #include <QString>
 
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -60,6 +62,10 @@ namespace Vek::Chart::Scene {
 ///
 /// **Scene units**: the camera's. Differences of data, times the same power of two on all axes times the stretch, so
 /// that the longest edge of the axes is about 1; on a logarithmic axis, of decimal logarithms. See ToScene.
+///
+/// **Half-transparent plots** are seen through each other in the right order, whatever the order of their elements: up
+/// to four layers for each pixel (depth peeling), without samples, behind them what is opaque. Volumes lie behind all
+/// surfaces that are half-transparent.
 ///
 /// **Ownership**: the figure owns its plots; a reference to one is valid until Remove, also when the figure is moved.
 /// GL objects are kept in each context as `Ogl::PerContext` describes, so that figures end before or after contexts.
@@ -116,7 +122,8 @@ public:
   /// The limits of an axis, 0 to 2 for x to z: finite and ascending, above 0 on a logarithmic axis. Points outside are
   /// left out, which is said.
   Figure& SetLimits(int p_axis, double p_low, double p_high);
-  /// Makes an axis logarithmic, and no axis of dates. Points that are not above 0 are left out, which is said.
+  /// Makes an axis logarithmic, and no axis of dates. Points that are not above 0 are left out, which is said. Limits
+  /// and cutting planes must be above 0.
   Figure& SetLogAxis(int p_axis, bool p_logarithmic = true);
   /// Makes an axis one of dates: values are seconds since 1970-01-01 00:00 UTC (see Ticks::Dates). Its unit compares to
   /// no other one, so that it is stretched without a note. Not logarithmic.
@@ -129,7 +136,26 @@ public:
   /// The direction of the own camera, in degrees (see Camera), and a projection; it stays fitted to the data.
   Figure& Look(double p_azimuth, double p_elevation, Camera::Projection p_projection = Camera::Projection::Perspective);
 
-  /// Draws everything into a viewport of the window and clears what was there. All GL state is restored.
+  /// The side of a cutting plane that stays.
+  enum class Side { Below, Above };
+  /// Cuts all plots: only what lies on the side of the plane that its normal points to is drawn and picked. Point and
+  /// normal are in data units; along a logarithmic axis, the normal counts in decades. Limits and axes stay. The
+  /// outline of the cut is drawn, and the figure says that it is cut. Throws std::invalid_argument for a plane that is
+  /// not finite or has no normal, for a number that is not above 0 on a logarithmic axis, and for the seventh plane.
+  Figure& Clip(const Types::Plane& p_plane);
+  /// Likewise, across an axis, 0 to 2 for x to z, at a position in data units.
+  Figure& Clip(int p_axis, double p_position, Side p_kept);
+  /// The cutting planes, in the order of their calls.
+  const std::vector<Types::Plane>& Clips() const;
+  /// Removes the cutting plane of a number, counted from 0. Throws std::invalid_argument for a number past the end.
+  Figure& RemoveClip(std::size_t p_number);
+
+  /// Whether further drawings follow soon, while a user moves the camera, for example. Half-transparent plots then have
+  /// one layer. False at first.
+  Figure& SetMoving(bool p_isMoving);
+
+  /// Draws everything into a viewport of the window and clears what was there. All GL state is restored. With
+  /// half-transparent plots, no GL query of samples may be active.
   ///
   /// Errors: a viewport without area, or a core context, is reported, and nothing is drawn: fixed functions are needed,
   /// of a compatibility profile ("Figure: a compatibility profile is needed, this context has a core profile"). With
@@ -139,9 +165,11 @@ public:
   /// \param p_viewport in pixels of the frame buffer
   /// \param p_pixelRatio pixels of a point, in which letters and lines are measured: the device pixel ratio
   void Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);
-  /// Draws into a new image with `p_samples` samples a pixel, a point being a pixel. Needs no display, no context and
-  /// no application object: where there is none, a QGuiApplication of the platform "offscreen" lives during the call,
-  /// so that a QApplication can be made afterwards. Main thread, where there is no application object.
+  /// Draws into a new image with `p_samples` samples a pixel, a point being a pixel. With half-transparent plots, it is
+  /// drawn at twice the size with a quarter of the samples, and averaged, where no side is longer than 4096 pixels.
+  /// Needs no display, no context and no application object: where there is none, a QGuiApplication of the platform
+  /// "offscreen" lives during the call, so that a QApplication can be made afterwards. Main thread, where there is no
+  /// application object.
   ///
   /// Throws std::invalid_argument for a size that is not positive, std::runtime_error where no context can be made.
   QImage Image(Types::Size p_size = {1200, 800}, int p_samples = 4);
@@ -160,6 +188,29 @@ public:
   /// Throws std::invalid_argument for a page that has no pixel or more than 32768 a side, std::runtime_error where no
   /// context can be made.
   void Paint(QPainter& p_painter, const QSizeF& p_size, double p_resolution = 200);
+
+  /// What lies under a pixel.
+  struct Hit {
+    const Plot* plot = nullptr; ///< valid until Figure::Remove
+    QString label;              ///< of the plot
+    /// The number of the element: a point, an arrow, or the nearest vertex, node or point of a line. Empty for plots
+    /// with 2^24 elements and more, which is reported, and on devices below GL 3.2 for meshes, surfaces and lines.
+    std::optional<std::size_t> element;
+    /// In data units: that of a point or an arrow as it was given, otherwise the position under the pixel.
+    Types::Vector3_Base<double> position;
+    std::optional<double> value; ///< of the element, in a plot with values; NaN if it is missing
+    QString valueTitle;          ///< of the colour bar
+  };
+  /// What `Draw` shows at a pixel of the window, counted from the lower left corner of the frame buffer, for the same
+  /// viewport and ratio: of half-transparent plots, the nearest one. Empty beside the data. What is left out of the
+  /// drawing is not picked.
+  ///
+  /// The first call for a scene draws depths and numbers of elements off-screen, without samples, and reads them (8
+  /// bytes a pixel). Further calls for the same scene make no GL call. All GL state is restored.
+  ///
+  /// Errors: as `Draw`. More than 255 visible plots are reported, and nothing is hit.
+  std::optional<Hit> Pick(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const Types::Pos& p_pixel,
+                          double p_pixelRatio = 1);
 
   /// Where everything lies that `Draw` would draw for the same arguments. Calls no GL. Needs a QGuiApplication.
   FigureLayout Layout(const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);

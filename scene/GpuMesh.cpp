@@ -288,7 +288,8 @@ void main() {
 
 } // namespace
 
-void GpuMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale) const {
+void GpuMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
+                   const PeelPass* p_pass) const {
   p_scale.Check();
   if (Empty())
     return;
@@ -299,7 +300,7 @@ void GpuMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors
     return; // reported by the program
   const auto map = p_colors.Bind(p_gl);
   const auto inUse = lit->Use(p_gl);
-  Private::SetColorUniforms(p_gl, *lit, _colors ? Private::ByColor : Private::ByValue, p_colors, p_scale);
+  Private::SetColorUniforms(p_gl, *lit, _colors ? Private::ByColor : Private::ByValue, p_colors, p_scale, p_pass);
   lit->SetUniform(p_gl, "lighting", Private::LightingOf(*this));
   const auto current = p_gl->PushAttribScope(RGL_CURRENT_BIT);
   p_gl->TexCoord(0, 0); // for a mesh without values

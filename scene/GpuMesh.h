@@ -2,6 +2,7 @@
 
 #include "scene/Array.h"
 #include "scene/Export.h"
+#include "scene/PeelPass.h"
 #include "scene/ValueScale.h"
 
 #include "library/ColorMap.h"
@@ -109,8 +110,10 @@ public:
   void Draw(Utility::Scoped<Rgl>& p_gl) const;
   /// Draws each pixel in the colour of its value, or in its own colour, lit on both sides by GL's light 0 (see
   /// DirectionalLight); lines and points are not lit. A triangle with a missing value has the colour for that. Depth
-  /// test, blending and culling are the caller's. Restores all state.
-  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale = {}) const;
+  /// test, blending and culling are the caller's. With a pass, draws what lies behind its layer alone. Restores all
+  /// state.
+  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale = {},
+            const PeelPass* p_pass = nullptr) const;
 
   /// An attribute of the caller's vertex shader that advances once per instance.
   struct InstanceAttribute {

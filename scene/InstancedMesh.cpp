@@ -312,8 +312,8 @@ void InstancedMesh::DrawLevels(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buff
   }
 }
 
-void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors,
-                         const ValueScale& p_scale) const {
+void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
+                         const PeelPass* p_pass) const {
   p_scale.Check();
   if (Count() == 0 || _levels.empty())
     return;
@@ -323,7 +323,7 @@ void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_
     return;
   const auto map = p_colors.Bind(p_gl);
   const auto inUse = program->Use(p_gl);
-  SetColorUniforms(p_gl, *program, _colors ? ByColor : ByValue, p_colors, p_scale);
+  SetColorUniforms(p_gl, *program, _colors ? ByColor : ByValue, p_colors, p_scale, p_pass);
   DrawLevels(p_gl, buffers, Paint::Colors, *program);
 }
 

@@ -3,6 +3,7 @@
 #include "scene/Array.h"
 #include "scene/Export.h"
 #include "scene/GpuMesh.h"
+#include "scene/PeelPass.h"
 #include "scene/PickPass.h"
 #include "scene/ValueScale.h"
 
@@ -123,8 +124,9 @@ public:
 
   /// Draws each pixel in the colour of its instance, lit on both sides by GL's light 0 (see DirectionalLight); meshes
   /// of lines or points are not lit, and triangles without normals are lit face by face. Depth test,
-  /// blending and culling are the caller's. Restores all state.
-  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale = {}) const;
+  /// blending and culling are the caller's. With a pass, draws what lies behind its layer alone. Restores all state.
+  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale = {},
+            const PeelPass* p_pass = nullptr) const;
   /// Draws the depth of each pixel, packed by DepthCodec, with the levels of the last `Draw` in this context. Belongs
   /// within a DepthPass.
   void DrawDepths(Utility::Scoped<Rgl>& p_gl) const;

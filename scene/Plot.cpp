@@ -30,60 +30,65 @@ Types::MinMax_Base<double> Plot::ColorRange() const {
   return _content->coloring.EffectiveRange();
 }
 
+Private::PlotContent& Plot::Content() {
+  ++_content->revision;
+  return *_content;
+}
+
 void Plot::ChangeVisible(bool p_visible) {
-  _content->isVisible = p_visible;
+  Content().isVisible = p_visible;
 }
 
 void Plot::ChangeOpacity(double p_opacity) {
   if (!(p_opacity >= 0 && p_opacity <= 1))
     throw std::invalid_argument("SetOpacity: expected 0 to 1, got " + std::to_string(p_opacity));
-  _content->opacity = p_opacity;
-  _content->coloring.SetOpacity(p_opacity);
+  Content().opacity = p_opacity;
+  Content().coloring.SetOpacity(p_opacity);
 }
 
 void Plot::ChangeLabel(const QString& p_label) {
-  _content->label = p_label;
+  Content().label = p_label;
 }
 
 void Plot::ChangeColor(const QColor& p_color) {
   if (!p_color.isValid())
     throw std::invalid_argument("Color: expected a valid colour, got an invalid one");
-  _content->coloring.SetColor(p_color);
-  _content->ValuesChanged();
+  Content().coloring.SetColor(p_color);
+  Content().ValuesChanged();
 }
 
 void Plot::ChangeValues(const Array1& p_values) {
   if (p_values.Count() != 0)
-    RequireCount("ColorBy", p_values.Count(), _content->Count());
-  _content->coloring.SetValues(Values(p_values));
-  _content->ValuesChanged();
+    RequireCount("ColorBy", p_values.Count(), Content().Count());
+  Content().coloring.SetValues(Values(p_values));
+  Content().ValuesChanged();
 }
 
 void Plot::ChangeColors(const std::string& p_name) {
   Library::ColorMap::Named(p_name); // throws for an unknown name
-  _content->coloring.SetMap(Library::NamedColors::Colors(p_name));
+  Content().coloring.SetMap(Library::NamedColors::Colors(p_name));
 }
 
 void Plot::ChangeColors(std::vector<QColor> p_colors) {
   if (p_colors.empty())
     throw std::invalid_argument("ColorMap: expected at least one colour, got none");
-  _content->coloring.SetMap(std::move(p_colors));
+  Content().coloring.SetMap(std::move(p_colors));
 }
 
 void Plot::ChangeColorRange(double p_low, double p_high) {
-  _content->coloring.SetRange(p_low, p_high);
+  Content().coloring.SetRange(p_low, p_high);
 }
 
 void Plot::ChangeColorScale(bool p_logarithmic) {
-  _content->coloring.SetLogarithmic(p_logarithmic);
+  Content().coloring.SetLogarithmic(p_logarithmic);
 }
 
 void Plot::ChangeColorTitle(const QString& p_title) {
-  _content->coloring.SetTitle(p_title);
+  Content().coloring.SetTitle(p_title);
 }
 
 void Plot::ChangeMissingColor(const QColor& p_color) {
-  _content->coloring.SetMissing(p_color);
+  Content().coloring.SetMissing(p_color);
 }
 
 } // namespace Vek::Chart::Scene

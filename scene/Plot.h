@@ -43,8 +43,8 @@ public:
 protected:
   /// Takes over what Figure draws.
   explicit Plot(std::unique_ptr<Private::PlotContent> p_content);
-  /// What Figure draws.
-  Private::PlotContent& Content() { return *_content; }
+  /// What Figure draws, to be changed.
+  Private::PlotContent& Content();
 
   ///@{
   /// The settings of ColoredPlot, without the type of the plot.
@@ -84,8 +84,7 @@ public:
 
   /// Shows or hides the plot.
   Derived& SetVisible(bool p_visible) { return ChangeVisible(p_visible), Self(); }
-  /// 0 to 1. Of a half-transparent plot, the surface that is nearest to the viewer is seen, and what other plots have
-  /// behind it.
+  /// 0 to 1, of each surface: of a half-transparent sphere, front and back are seen. See Figure for what is behind.
   Derived& SetOpacity(double p_opacity) { return ChangeOpacity(p_opacity), Self(); }
   /// The name of the plot.
   Derived& Label(const QString& p_label) { return ChangeLabel(p_label), Self(); }

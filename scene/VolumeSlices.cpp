@@ -1,5 +1,6 @@
 #include "scene/VolumeSlices.h"
 
+#include "scene/private/PeelShader.h"
 #include "scene/private/VoxelPlaces.h"
 
 #include "library/DepthCodec.h"
@@ -63,6 +64,8 @@ uniform vec4 above;
 uniform vec4 missing;
 
 void main() {
+  if (IsPeeled())
+    discard;
   if (missing.a > 0.0 && Texel().a < 0.5) {
     gl_FragColor = missing;
     return;
@@ -178,9 +181,11 @@ Slice VolumeSlices::Cut(int p_axis, double p_position) const {
 }
 
 void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices,
-                        const Library::ColorMap& p_colors, const ValueScale& p_scale, double p_lowOpacity) const {
+                        const Library::ColorMap& p_colors, const ValueScale& p_scale, double p_lowOpacity,
+                        const PeelPass* p_pass) const {
   p_scale.Check();
-  const Ogl::ShaderProgram& program = Made(_programs.Get(p_gl).colors, p_gl, _grid, ColorText);
+  const Ogl::ShaderProgram& program =
+      Made(_programs.Get(p_gl).colors, p_gl, _grid, Private::PeelText + std::string(ColorText));
   const Painting painting(p_gl, *this, program);
   if (!painting)
     return;
@@ -199,6 +204,7 @@ void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_
   program.SetUniform(p_gl, "below", p_scale.below.isValid() ? p_scale.below : p_colors.Color(0.0));
   program.SetUniform(p_gl, "above", p_scale.above.isValid() ? p_scale.above : p_colors.Color(1.0));
   program.SetUniform(p_gl, "missing", fillsMissing ? p_scale.missing : QColor(0, 0, 0, 0));
+  Private::SetPeelUniforms(p_gl, program, p_pass);
   for (const Slice& slice : p_slices)
     Fill(p_gl, _grid, slice);
 }

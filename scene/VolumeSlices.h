@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scene/Export.h"
+#include "scene/PeelPass.h"
 #include "scene/PickPass.h"
 #include "scene/ValueScale.h"
 #include "scene/VoxelGrid.h"
@@ -71,9 +72,10 @@ public:
   /// runs from `p_lowOpacity`, 0 to 1, at the lower limit of the scale to 1 at the upper one. Missing values are left
   /// out, whatever colour the scale has for them, unless `fillsMissing` is set.
   ///
-  /// Polygons of fewer than three corners are left out. All GL state is left as it was.
+  /// Polygons of fewer than three corners are left out. With a pass, draws what lies behind its layer alone. All GL
+  /// state is left as it was.
   void Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices, const Library::ColorMap& p_colors,
-            const ValueScale& p_scale, double p_lowOpacity = 1) const;
+            const ValueScale& p_scale, double p_lowOpacity = 1, const PeelPass* p_pass = nullptr) const;
   /// Fills the same pixels with their depths, packed by DepthCodec. Belongs within a DepthPass.
   void DrawDepths(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices) const;
   /// Draws for a Picker: depths, or ids, with the index of the slice as element.

@@ -1,6 +1,5 @@
 #include "widgets/FigureView.h"
 
-#include "library/RenderTexture.h"
 #include "platform/debug/Check.h"
 #include "platform/ogl/PerContext.h"
 #include "scene/Background.h"
@@ -15,6 +14,7 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QOpenGLContext>
+#include <QStringList>
 #include <QToolTip>
 #include <QWheelEvent>
 
@@ -72,6 +72,9 @@ FigureView::FigureView(std::shared_ptr<Scene::Figure> p_figure, QWidget* p_paren
   setFormat(NeededFormat());
   setFocusPolicy(Qt::StrongFocus);
   setContextMenuPolicy(Qt::PreventContextMenu); // the right button pans
+  _wheelTimer.setSingleShot(true);
+  _wheelTimer.setInterval(MovingTime);
+  connect(&_wheelTimer, &QTimer::timeout, this, &FigureView::Rest);
 }
 
 FigureView::~FigureView() {
@@ -105,7 +108,6 @@ void FigureView::SetFigure(std::shared_ptr<Scene::Figure> p_figure) {
       _figure->Release(p_gl);
   });
   _figure = std::move(p_figure);
-  _depths.clear();
   update();
 }
 
@@ -131,10 +133,11 @@ void FigureView::initializeGL() {
 }
 
 void FigureView::paintGL() {
-  _depths.clear(); // the host may have changed the figure
   Utility::Scoped<Rgl> gl(*_gl);
   if (_figure && _hasFixedFunctions) {
+    _figure->SetMoving(_isMoving); // other views may show it as well
     _figure->Draw(gl, Viewport(), devicePixelRatioF());
+    _figure->SetMoving(false);
   } else {
     gl->ClearColor(_figure ? _figure->theme.backgroundTop : Scene::Theme().backgroundTop);
     gl->Clear(RGL_COLOR_BUFFER_BIT);
@@ -213,7 +216,6 @@ void FigureView::LookFrom(const Scene::Camera& p_direction) {
 }
 
 void FigureView::CameraHasMoved() {
-  _depths.clear();
   update();
   emit CameraMoved();
 }
@@ -237,56 +239,43 @@ void FigureView::SetProjection(Scene::Camera::Projection p_projection) {
 
 // Picking
 
-void FigureView::ReadDepths() {
-  WithContext([this](Utility::Scoped<Rgl>& p_gl) {
-    if (!_hasFixedFunctions)
-      return;
-    const Types::Viewport<0> viewport = Viewport();
-    const Library::RenderTexture target({static_cast<int>(viewport.width), static_cast<int>(viewport.height)});
-    {
-      const auto bound = target.BindForDraw(p_gl);
-      if (!target.Complete()) // which is reported
-        return;
-      _figure->Draw(p_gl, viewport, devicePixelRatioF());
-    }
-    _depths = target.ReadDepths(p_gl);
-  });
-}
-
-std::optional<Position> FigureView::SceneAt(const QPointF& p_place) {
+std::optional<Scene::Figure::Hit> FigureView::HitAt(const QPointF& p_place) {
   const Types::Viewport<0> viewport = Viewport();
-  const int columns = static_cast<int>(viewport.width), rows = static_cast<int>(viewport.height);
   const double x = std::floor(p_place.x() * devicePixelRatioF());
-  const double y = rows - 1 - std::floor(p_place.y() * devicePixelRatioF());
-  if (!_figure || !(x >= 0 && y >= 0 && x < columns && y < rows))
-    return {};
-  if (_depths.empty())
-    ReadDepths();
-  const std::size_t pixel =
-      static_cast<std::size_t>(y) * static_cast<std::size_t>(columns) + static_cast<std::size_t>(x);
-  if (pixel >= _depths.size() || !(_depths[pixel] < 1))
-    return {};
-  return Camera().Unproject({x + 0.5, y + 0.5, true}, static_cast<double>(_depths[pixel]), viewport);
+  const double y = static_cast<double>(viewport.height) - 1 - std::floor(p_place.y() * devicePixelRatioF());
+  std::optional<Scene::Figure::Hit> hit;
+  if (_figure && x >= 0 && y >= 0 && x < static_cast<double>(viewport.width) &&
+      y < static_cast<double>(viewport.height))
+    WithContext([&](Utility::Scoped<Rgl>& p_gl) {
+      if (_hasFixedFunctions)
+        hit = _figure->Pick(p_gl, viewport, {static_cast<int>(x), static_cast<int>(y)}, devicePixelRatioF());
+    });
+  return hit;
 }
 
-std::optional<Position> FigureView::PositionAt(const QPointF& p_place) {
-  const std::optional<Position> scene = SceneAt(p_place);
-  if (!scene)
-    return {};
-  return _figure->ToData(*scene);
-}
-
-QString FigureView::ReadOut(const Position& p_scene) const {
-  const double pixel = 1 / Camera().PixelsPerUnit(p_scene, Viewport()); // in scene units
-  const Position shown = _figure->ToData(p_scene);
-  const Position step = _figure->ToData({p_scene.x + pixel, p_scene.y + pixel, p_scene.z + pixel}) - shown;
-  return QStringLiteral("x %1\ny %2\nz %3")
-      .arg(WithDigits(shown.x, step.x), WithDigits(shown.y, step.y), WithDigits(shown.z, step.z));
+QString FigureView::ReadOut(const Scene::Figure::Hit& p_hit) const {
+  QStringList lines;
+  if (!p_hit.label.isEmpty())
+    lines << p_hit.label;
+  if (p_hit.element)
+    lines << tr("element %1").arg(*p_hit.element);
+  const Position scene = _figure->ToScene(p_hit.position);
+  const double pixel = 1 / Camera().PixelsPerUnit(scene, Viewport()); // in scene units
+  const Position step = _figure->ToData({scene.x + pixel, scene.y + pixel, scene.z + pixel}) - p_hit.position;
+  lines << QStringLiteral("x ") + WithDigits(p_hit.position.x, step.x)
+        << QStringLiteral("y ") + WithDigits(p_hit.position.y, step.y)
+        << QStringLiteral("z ") + WithDigits(p_hit.position.z, step.z);
+  if (p_hit.value) {
+    constexpr int Digits = 6; // of single precision
+    const QString title = p_hit.valueTitle.isEmpty() ? tr("value") : p_hit.valueTitle;
+    lines << title + ": " + (std::isnan(*p_hit.value) ? tr("missing") : QString::number(*p_hit.value, 'g', Digits));
+  }
+  return lines.join('\n');
 }
 
 void FigureView::ShowReadOut(const QPointF& p_place, const QPoint& p_global) {
-  const std::optional<Position> scene = SceneAt(p_place);
-  QToolTip::showText(p_global, scene ? ReadOut(*scene) : QString(), this); // hidden without a string
+  const std::optional<Scene::Figure::Hit> hit = HitAt(p_place);
+  QToolTip::showText(p_global, hit ? ReadOut(*hit) : QString(), this); // hidden without a string
 }
 
 // Events
@@ -314,7 +303,7 @@ void FigureView::mouseMoveEvent(QMouseEvent* p_event) {
   const QPointF place = PlaceOf(*p_event);
   if (buttons == Qt::NoButton || (!_isDrag && QLineF(_press, place).length() < ClickDistance))
     return;
-  _isDrag = true;
+  _isDrag = _isMoving = true;
   const QPointF moved = place - std::exchange(_last, place);
   if (buttons == Qt::LeftButton && !p_event->modifiers().testFlag(Qt::ShiftModifier)) {
     Move([&](Scene::OrbitController& p_orbit) { p_orbit.Rotate(moved.x(), -moved.y()); });
@@ -324,12 +313,19 @@ void FigureView::mouseMoveEvent(QMouseEvent* p_event) {
   }
 }
 
+void FigureView::Rest() {
+  if (std::exchange(_isMoving, false))
+    update();
+}
+
 void FigureView::mouseReleaseEvent(QMouseEvent* p_event) {
+  if (p_event->buttons() == Qt::NoButton)
+    Rest();
   if (p_event->button() != Qt::LeftButton || !std::exchange(_isClick, false) || _isDrag)
     return;
   const QPointF place = PlaceOf(*p_event);
   ShowReadOut(place, GlobalPlaceOf(*p_event));
-  emit Picked(PositionAt(place));
+  emit Picked(HitAt(place));
 }
 
 void FigureView::mouseDoubleClickEvent(QMouseEvent* p_event) {
@@ -337,8 +333,8 @@ void FigureView::mouseDoubleClickEvent(QMouseEvent* p_event) {
   _isDrag = _isClick = false;
   if (p_event->button() != Qt::LeftButton)
     return;
-  if (const std::optional<Position> scene = SceneAt(_press))
-    Move([&](Scene::OrbitController& p_orbit) { p_orbit.CenterOn(*scene); });
+  if (const std::optional<Scene::Figure::Hit> hit = HitAt(_press))
+    Move([&](Scene::OrbitController& p_orbit) { p_orbit.CenterOn(_figure->ToScene(hit->position)); });
 }
 
 void FigureView::wheelEvent(QWheelEvent* p_event) {
@@ -346,6 +342,8 @@ void FigureView::wheelEvent(QWheelEvent* p_event) {
   const double notches = p_event->angleDelta().y() / Notch;
   if (notches == 0)
     return;
+  _isMoving = true;
+  _wheelTimer.start();
   const Types::Viewport<0> viewport = Viewport();
   const QPointF pixel = p_event->position() * devicePixelRatioF();
   const Scene::Camera::Pixel cursor{pixel.x(), static_cast<double>(viewport.height) - pixel.y(), true};

@@ -12,10 +12,10 @@
 #include <QImage>
 #include <QOpenGLWidget>
 #include <QPointF>
+#include <QTimer>
 
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace Vek::Chart::Widgets {
 
@@ -33,8 +33,8 @@ namespace Vek::Chart::Widgets {
 /// | drag | rotates as a turntable |
 /// | Shift+drag, middle or right drag | pans |
 /// | wheel | zooms to the cursor |
-/// | click (less than ClickDistance moved) | emits Picked and shows the position of the data there |
-/// | rest | shows the position of the data under the cursor as a tool tip |
+/// | click (less than ClickDistance moved) | emits Picked and shows what lies there |
+/// | rest | shows the plot, the element, the position and the value under the cursor as a tool tip |
 /// | double click on data | moves them into the middle |
 /// | R | fits the figure into the widget |
 /// | 1, 3, 7 | views from the front, the right, the top |
@@ -55,7 +55,8 @@ namespace Vek::Chart::Widgets {
 ///
 /// **Drawing**: only when the widget is exposed or resized, when the camera moves, and after `update()`, which the host
 /// calls after it changed the figure. Four samples a pixel; a point of the figure is a pixel of the screen's logical
-/// coordinates.
+/// coordinates. While the camera moves, and MovingTime after the wheel, half-transparent plots have one layer (see
+/// Scene::Figure::SetMoving).
 ///
 /// **GL**: the constructor requests a compatibility profile, without a version (with one, drivers give a core profile).
 /// A host may change the format before the widget is shown. In a core profile nothing but the background is drawn,
@@ -70,6 +71,7 @@ class VEK_WIDGETS_API FigureView : public QOpenGLWidget {
   Q_OBJECT
 public:
   static constexpr double ClickDistance = 4; ///< logical pixels; a button that moves less is a click
+  static constexpr int MovingTime = 150;     ///< milliseconds after a turn of the wheel
 
   /// Without a figure, an empty background is shown.
   explicit FigureView(std::shared_ptr<Scene::Figure> p_figure = {}, QWidget* p_parent = nullptr);
@@ -92,11 +94,10 @@ public:
   /// Switches between perspective and parallel projection; the target's plane keeps its scale.
   void SetProjection(Scene::Camera::Projection p_projection);
 
-  /// The position of the nearest data at a point of the widget, in data units; empty where there are none, outside the
-  /// widget, and before the widget was shown. `p_place` is in logical pixels from the upper left corner, as mouse
-  /// events have it. The first call for each image draws the figure off-screen, without samples, and reads its depths
-  /// (4 bytes a pixel).
-  std::optional<Types::Vector3_Base<double>> PositionAt(const QPointF& p_place);
+  /// What lies at a point of the widget (see Scene::Figure::Pick); empty where there are no data, outside the widget,
+  /// and before the widget was shown. `p_place` is in logical pixels from the upper left corner, as mouse events have
+  /// it.
+  std::optional<Scene::Figure::Hit> HitAt(const QPointF& p_place);
 
   /// What is shown, in pixels of the device; null before the widget was shown.
   QImage Image();
@@ -107,8 +108,8 @@ public:
   void Copy();
 
 signals:
-  /// A click: the position of the data under the cursor in data units, empty beside them.
-  void Picked(const std::optional<Vek::Chart::Types::Vector3_Base<double>>& p_position);
+  /// A click: what lies under the cursor; empty beside the data.
+  void Picked(const std::optional<Vek::Chart::Scene::Figure::Hit>& p_hit);
   /// The camera of the figure was moved by the view.
   void CameraMoved();
 
@@ -141,10 +142,8 @@ private:
   bool PressKey(int p_key);
   void AskWhereToSave();
 
-  void ReadDepths();
-  /// The position at a point of the widget in scene units.
-  std::optional<Types::Vector3_Base<double>> SceneAt(const QPointF& p_place);
-  QString ReadOut(const Types::Vector3_Base<double>& p_scene) const;
+  void Rest();
+  QString ReadOut(const Scene::Figure::Hit& p_hit) const;
   void ShowReadOut(const QPointF& p_place, const QPoint& p_global);
 
   std::shared_ptr<Scene::Figure> _figure;
@@ -153,10 +152,11 @@ private:
   bool _hadContext = false;
   int _samples = 0; ///< of the format
   Scene::OrbitController _orbit;
-  std::vector<float> _depths; ///< of the image that is shown, bottom row first; empty until they are read
-  QPointF _press, _last;      ///< of the mouse, in logical pixels
-  bool _isDrag = false;       ///< the mouse has moved too far for a click
-  bool _isClick = false;      ///< the button that is down is not that of a double click
+  QTimer _wheelTimer;
+  bool _isMoving = false; ///< the camera, so that another image follows soon
+  QPointF _press, _last;  ///< of the mouse, in logical pixels
+  bool _isDrag = false;   ///< the mouse has moved too far for a click
+  bool _isClick = false;  ///< the button that is down is not that of a double click
 };
 
 } // namespace Vek::Chart::Widgets

@@ -42,6 +42,7 @@ VEK_GL(void, PushAttrib, (GlBitfield p_mask), (p_mask))
 VEK_GL(void, PopAttrib, (), ())
 VEK_GL(void, PushClientAttrib, (GlBitfield p_mask), (p_mask))
 VEK_GL(void, PopClientAttrib, (), ())
+VEK_GL(void, ClipPlane, (GlEnum p_plane, const double* p_equation), (p_plane, p_equation))
 VEK_GL(void, Viewport, (int p_x, int p_y, int p_width, int p_height), (p_x, p_y, p_width, p_height))
 VEK_GL(void, Scissor, (int p_x, int p_y, int p_width, int p_height), (p_x, p_y, p_width, p_height))
 VEK_GL(void, ClearColor, (float p_red, float p_green, float p_blue, float p_alpha), (p_red, p_green, p_blue, p_alpha))
@@ -85,6 +86,14 @@ VEK_GL(void, GetIntegerv, (GlEnum p_name, int* p_values), (p_name, p_values))
 VEK_GL(void, GetFloatv, (GlEnum p_name, float* p_values), (p_name, p_values))
 VEK_GL(void, GetDoublev, (GlEnum p_name, double* p_values), (p_name, p_values))
 VEK_GL(void, Finish, (), ())
+
+// Query objects
+VEK_GL(void, GenQueries, (int p_count, unsigned int* p_names), (p_count, p_names))
+VEK_GL(void, DeleteQueries, (int p_count, const unsigned int* p_names), (p_count, p_names))
+VEK_GL(void, BeginQuery, (GlEnum p_target, unsigned int p_name), (p_target, p_name))
+VEK_GL(void, EndQuery, (GlEnum p_target), (p_target))
+VEK_GL(void, GetQueryObjectuiv, (unsigned int p_name, GlEnum p_what, unsigned int* p_values),
+       (p_name, p_what, p_values))
 
 // Textures and pixels
 VEK_GL(void, ActiveTexture, (GlEnum p_unit), (p_unit))

@@ -51,7 +51,9 @@ constexpr Need Needs[] = {
     // Without MultiTexCoord3d: a version cannot be asked for between Begin and End.
     {"ActiveTexture ClientActiveTexture", 13},
     {"BlendFuncSeparate PointParameterfv", 14},
-    {"GenBuffers DeleteBuffers BindBuffer BufferData BufferSubData GetBufferSubData UnmapBuffer", 15},
+    {"GenBuffers DeleteBuffers BindBuffer BufferData BufferSubData GetBufferSubData UnmapBuffer GenQueries "
+     "DeleteQueries BeginQuery EndQuery GetQueryObjectuiv",
+     15},
     {"EnableVertexAttribArray DisableVertexAttribArray VertexAttribPointer CreateShader DeleteShader ShaderSource "
      "CompileShader GetShaderiv GetShaderInfoLog CreateProgram DeleteProgram AttachShader BindAttribLocation "
      "LinkProgram GetProgramiv GetProgramInfoLog UseProgram GetUniformLocation Uniform1i Uniform1f Uniform3f "

@@ -253,8 +253,22 @@ std::vector<float> BarsContent::VertexValues() const {
   return values;
 }
 
-void BarsContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& /*p_frame*/) {
-  _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale());
+void BarsContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
+  _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
+}
+
+void BarsContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, const PickPass&) {
+  _mesh.Draw(p_gl);
+}
+
+Picked BarsContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
+  constexpr std::size_t Triangles = Faces.size() / 2; // of a bar
+  if (!p_number || *p_number / Triangles >= Count())
+    return PlotContent::Identify({}, p_scene);
+  Picked picked = PickedAt(*p_number / Triangles, positions[*p_number / Triangles]);
+  if (_isByHeight)
+    picked.value = picked.position.z;
+  return picked;
 }
 
 std::vector<QString> BarsContent::Notes() const {

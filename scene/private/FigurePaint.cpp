@@ -42,7 +42,7 @@ QImage Figure::State::DataImage(const Figure& p_figure, const FigureLayout& p_la
         return QImage(1, 1, QImage::Format_RGB32);
       gl->ClearColor(p_background);
       gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT);
-      DrawPlots(gl, {p_layout.camera, p_viewport, p_pixelRatio, p_figure.theme.title});
+      DrawPlots(gl, {p_layout.camera, p_viewport, p_pixelRatio, p_figure.theme.title, p_figure.theme.line});
     }
     return context.Image();
   };

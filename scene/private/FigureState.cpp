@@ -4,6 +4,7 @@
 #include "scene/ColorBar.h"
 #include "scene/DirectionalLight.h"
 #include "scene/SizeLegend.h"
+#include "scene/private/FigureCuts.h"
 #include "scene/private/FigurePage.h"
 #include "scene/private/SceneState.h"
 
@@ -44,12 +45,16 @@ void Figure::State::Adopt(std::unique_ptr<Plot> p_plot) {
   entries.push_back({std::move(p_plot), content});
 }
 
-std::vector<PlotContent*> Figure::State::Visible() const {
-  std::vector<PlotContent*> visible;
+std::vector<PlotContent*> Figure::State::Having(const std::function<bool(const PlotContent&)>& p_isWanted) const {
+  std::vector<PlotContent*> wanted;
   for (const Entry& entry : entries)
-    if (entry.content->isVisible)
-      visible.push_back(entry.content);
-  return visible;
+    if (entry.content->isVisible && p_isWanted(*entry.content))
+      wanted.push_back(entry.content);
+  return wanted;
+}
+
+std::vector<PlotContent*> Figure::State::Visible() const {
+  return Having([](const PlotContent&) { return true; });
 }
 
 Box Figure::State::PlacePlots(const QSizeF& p_size) {
@@ -98,6 +103,10 @@ Box Figure::State::PlacePlots(const QSizeF& p_size) {
   return limited(Box(low, high));
 }
 
+QString Figure::State::AxisName(std::size_t p_axis) const {
+  return axisTitles[p_axis].isEmpty() ? QString::fromLatin1(AxisNames[p_axis]) : axisTitles[p_axis];
+}
+
 Axes Figure::State::MakeAxes(const Box& p_limits) const {
   Axes axes;
   axes.box = transform(p_limits);
@@ -122,9 +131,9 @@ std::vector<QString> Figure::State::Notes() const {
       notes.push_back(visible.size() > 1 && !content->label.isEmpty() ? content->label + ": " + note : note);
   for (std::size_t axis = 0; axis < (_isFlat ? 2 : 3); ++axis)
     if (transform.axes[axis].stretch != 1 && !rules.logarithmic[axis] && !rules.dates[axis])
-      notes.push_back(QStringLiteral("%1 \u00D7 %2")
-                          .arg(axisTitles[axis].isEmpty() ? QString::fromLatin1(AxisNames[axis]) : axisTitles[axis])
-                          .arg(transform.axes[axis].stretch));
+      notes.push_back(QStringLiteral("%1 \u00D7 %2").arg(AxisName(axis)).arg(transform.axes[axis].stretch));
+  for (const QString& note : Private::CutNotes(clips, {AxisName(0), AxisName(1), AxisName(2)}))
+    notes.push_back(note);
   return notes;
 }
 
@@ -211,6 +220,7 @@ FigureLayout Figure::State::Arrange(const Figure& p_figure, const Types::Viewpor
   const QSizeF size(static_cast<double>(p_viewport.width) / p_pixelRatio,
                     static_cast<double>(p_viewport.height) / p_pixelRatio);
   const Axes axes = MakeAxes(PlacePlots(size));
+  _box = axes.box;
   const Axes::Target target{p_viewport, p_pixelRatio, Axes::MeasureIn(p_figure.theme, p_pixelRatio)};
   Private::PageContent page{title, subtitle, Notes(), BarsOf(Visible()), {}};
   View view{p_figure.camera ? *p_figure.camera : OwnCamera(direction, _isFlat), p_viewport};
@@ -245,7 +255,16 @@ FigureLayout Figure::State::Arrange(const Figure& p_figure, const Types::Viewpor
   return layout;
 }
 
-void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame) {
+std::vector<Types::Plane> Figure::State::SceneCuts() const {
+  std::vector<Types::Plane> cuts;
+  for (const Types::Plane& clip : clips)
+    cuts.push_back(Private::SceneCut(clip, transform));
+  return cuts;
+}
+
+void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame) {
+  p_frame.cuts = SceneCuts();
+  p_frame.isMoving = isMoving;
   const auto state = Private::SceneState(p_gl, p_frame.viewport);
   const auto matrices = p_frame.camera.Apply(p_gl, p_frame.viewport);
   DirectionalLight light; // no brighter than the colours of the colour bar, but for faint highlights
@@ -259,28 +278,62 @@ void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, const Private::Frame& 
     light.specular = 0;
   }
   const auto lighting = light.Apply(p_gl);
+  const auto drawOpaque = [&] {
+    DrawContents(p_gl, p_frame, Having([](const PlotContent& p) { return !p.IsTransparent() && !p.IsBlended(); }));
+    if (!clips.empty())
+      Private::DrawOutlines(p_gl, Private::CutOutlines(_box, p_frame.cuts), p_frame.line, p_frame.pixelRatio);
+  };
+  drawOpaque();
+  DrawContents(p_gl, p_frame, Having([](const PlotContent& p) { return p.IsBlended() && p.opacity > 0; }));
+  if (HasTransparent())
+    DrawTransparent(p_gl, p_frame, drawOpaque);
+}
 
-  std::vector<PlotContent*> transparent;
-  for (PlotContent* const content : Visible()) {
-    if (content->opacity < 1)
-      transparent.push_back(content);
-    else
-      content->Draw(p_gl, p_frame);
-  }
-  // Of a half-transparent plot, the nearest surface alone: its depths first.
-  for (PlotContent* const content : transparent) {
-    if (content->opacity <= 0)
-      continue;
-    p_gl->ColorMask(false, false, false, false);
+void Figure::State::DrawContents(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame,
+                                 const std::vector<PlotContent*>& p_contents) {
+  const auto cut = Private::CutScope(p_gl, p_frame.cuts);
+  for (PlotContent* const content : p_contents)
     content->Draw(p_gl, p_frame);
+}
+
+namespace {
+
+bool IsVeil(const PlotContent& p_content) {
+  return p_content.IsTransparent() && !p_content.IsBlended() && p_content.opacity > 0;
+}
+
+} // namespace
+
+bool Figure::State::HasTransparent() const {
+  return !Having(IsVeil).empty();
+}
+
+void Figure::State::DrawTransparent(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame,
+                                    const std::function<void()>& p_drawOpaque) {
+  const std::vector<PlotContent*> peeled = Having([](const PlotContent& p) { return IsVeil(p) && p.IsPeeled(); });
+  // The nearest surface alone: its depths first.
+  const auto drawNearest = [&](const std::vector<PlotContent*>& p_contents) {
+    p_gl->ColorMask(false, false, false, false);
+    DrawContents(p_gl, p_frame, p_contents);
     p_gl->ColorMask(true, true, true, true);
     p_gl->Enable(RGL_BLEND);
     p_gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
     p_gl->DepthFunc(RGL_LEQUAL);
-    content->Draw(p_gl, p_frame);
+    DrawContents(p_gl, p_frame, p_contents);
     p_gl->DepthFunc(RGL_LESS);
     p_gl->Disable(RGL_BLEND);
-  }
+  };
+  const auto drawLayer = [&](const PeelPass* p_layer) {
+    Private::Frame frame = p_frame;
+    frame.layer = p_layer;
+    DrawContents(p_gl, frame, peeled);
+  };
+  const bool isPeeled =
+      !peeled.empty() && !isMoving && peeling.Get(p_gl).Draw(p_gl, p_frame.viewport, p_drawOpaque, drawLayer);
+  if (!isPeeled)
+    drawNearest(peeled);
+  for (PlotContent* const content : Having([](const PlotContent& p) { return IsVeil(p) && !p.IsPeeled(); }))
+    drawNearest({content});
 }
 
 } // namespace Vek::Chart::Scene

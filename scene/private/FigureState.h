@@ -2,10 +2,16 @@
 
 #include "scene/Axes.h"
 #include "scene/Figure.h"
+#include "scene/Picker.h"
 #include "scene/View.h"
+#include "scene/private/DepthPeeling.h"
 #include "scene/private/PlotContent.h"
 
+#include "platform/core/TimeStamp.h"
+#include "platform/ogl/PerContext.h"
+
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -19,17 +25,37 @@ struct VEK_HIDDEN Figure::State {
     std::unique_ptr<Plot> plot;
     Private::PlotContent* content;    ///< of the plot
     bool isEmptinessReported = false; ///< whether it was reported that the plot has no point to show
+    bool isCountReported = false;     ///< whether it was reported that elements are too many for Pick
+  };
+  /// All that a picture for Pick depends on.
+  struct PickedScene {
+    Scene::Camera camera;
+    Types::Viewport<0> viewport;
+    double pixelRatio = 0;
+    Private::DataTransform transform;
+    Private::AxisRules rules;
+    std::vector<Types::Plane> cuts;
+    std::vector<std::pair<const Private::PlotContent*, std::size_t>> plots; ///< with their revisions
+    std::size_t added = 0, left = 0; ///< plots that there have been, and that there are
+
+    bool operator==(const PickedScene& p_other) const;
   };
 
   QString title, subtitle;
   std::array<QString, 3> axisTitles;
   std::array<Axes::TickMaker, 3> ticks; ///< empty for decimal values
   Private::AxisRules rules;
+  std::vector<Types::Plane> clips;        ///< cutting planes, in data units
   std::optional<Scene::Camera> direction; ///< of the own camera; only angles and projection count
   std::vector<Entry> entries;
   std::size_t added = 0; ///< plots that there have been
 
+  bool isMoving = false;
+  Ogl::PerContext<Private::DepthPeeling> peeling;
   Private::DataTransform transform; ///< as of the last layout
+  Picker picker;
+  PickedScene picked;
+  Core::TimeStamp pickedStamp; ///< of that scene
   TextRenderer text;
   Axes::State axesState;
 
@@ -43,22 +69,33 @@ struct VEK_HIDDEN Figure::State {
 
   /// Places plots, axes and legends, and fits the camera.
   FigureLayout Arrange(const Figure& p_figure, const Types::Viewport<0>& p_viewport, double p_pixelRatio);
-  /// Draws the plots, opaque ones first.
-  void DrawPlots(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame);
+  /// Draws the plots, opaque ones first, and the outlines of cuts.
+  void DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame);
   /// The plots alone, on no background.
   QImage DataImage(const Figure& p_figure, const FigureLayout& p_layout, const Types::Viewport<0>& p_viewport,
                    double p_pixelRatio);
+  std::optional<Hit> Pick(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame, const Types::Pos& p_pixel);
+  /// Whether a visible plot is half-transparent.
+  bool HasTransparent() const;
 
 private:
+  void DrawContents(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame,
+                    const std::vector<Private::PlotContent*>& p_contents);
+  void DrawTransparent(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame, const std::function<void()>& p_drawOpaque);
   void Adopt(std::unique_ptr<Plot> p_plot);
+  std::vector<Types::Plane> SceneCuts() const;
   std::vector<Private::PlotContent*> Visible() const;
+  /// Visible plots.
+  std::vector<Private::PlotContent*> Having(const std::function<bool(const Private::PlotContent&)>& p_isWanted) const;
   /// Returns the limits of the axes, in data units.
   Private::Box PlacePlots(const QSizeF& p_size);
+  QString AxisName(std::size_t p_axis) const;
   Axes MakeAxes(const Private::Box& p_limits) const;
   std::vector<QString> Notes() const;
   std::vector<LegendBlock> Keys(const Theme& p_theme, const View& p_view, double p_pixelRatio) const;
 
   bool _isFlat = false;
+  Private::Box _box; ///< of the axes, in scene units, as of the last layout
 };
 
 } // namespace Vek::Chart::Scene

@@ -6,6 +6,7 @@
 
 #include <QImageWriter>
 
+#include <array>
 #include <stdexcept>
 #include <string>
 
@@ -23,6 +24,23 @@ QImage DrawnImage(Types::Size p_size, int p_samples,
     p_draw(gl, {0, 0, static_cast<float>(p_size.width), static_cast<float>(p_size.height)});
   }
   return context.Image().convertToFormat(QImage::Format_RGB32); // opaque: blending has changed alpha
+}
+
+QImage Halved(const QImage& p_image) {
+  QImage half(p_image.width() / 2, p_image.height() / 2, QImage::Format_RGB32);
+  for (int y = 0; y < half.height(); ++y) {
+    const auto* const upper = reinterpret_cast<const QRgb*>(p_image.constScanLine(2 * y));
+    const auto* const lower = reinterpret_cast<const QRgb*>(p_image.constScanLine(2 * y + 1));
+    auto* const row = reinterpret_cast<QRgb*>(half.scanLine(y));
+    for (int x = 0; x < half.width(); ++x) {
+      const std::array<QRgb, 4> four{upper[2 * x], upper[2 * x + 1], lower[2 * x], lower[2 * x + 1]};
+      const auto mean = [&](int (*p_channel)(QRgb)) {
+        return (p_channel(four[0]) + p_channel(four[1]) + p_channel(four[2]) + p_channel(four[3]) + 2) / 4;
+      };
+      row[x] = qRgb(mean(qRed), mean(qGreen), mean(qBlue));
+    }
+  }
+  return half;
 }
 
 void WriteImage(const QImage& p_image, const QString& p_path) {

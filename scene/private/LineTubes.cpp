@@ -1,6 +1,7 @@
 #include "scene/private/LineTubes.h"
 
 #include "scene/Array.h"
+#include "scene/private/MeshArrays.h"
 
 #include <stdexcept>
 #include <string>
@@ -23,13 +24,21 @@ void LineTubes::SetLines(std::vector<std::vector<TubeMesh::Point>> p_lines, cons
   }
   _mesh = {};
   _points.clear();
+  _triangles.clear();
   if (tubes.Empty())
     return;
   const Ogl::VertexData data = tubes.TakeMesh();
   const float* const numbers = data.TexCoords().As<float>();
   _points.assign(numbers, numbers + data.TexCoords().count);
+  const std::vector<std::uint32_t> indices = Indices(data.Indices());
+  for (std::size_t i = 0; i + 2 < indices.size(); i += 3)
+    _triangles.push_back(_points[indices[i]]);
   _mesh = GpuMesh(data);
   SetValues(p_values);
+}
+
+std::optional<std::size_t> LineTubes::PointOf(std::uint32_t p_triangle) const {
+  return p_triangle < _triangles.size() ? std::optional<std::size_t>(_triangles[p_triangle]) : std::nullopt;
 }
 
 void LineTubes::SetValues(const std::vector<float>& p_values) {

@@ -3,7 +3,9 @@
 #include "scene/GpuMesh.h"
 #include "scene/TubeMesh.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace Vek::Chart::Scene::Private {
@@ -17,11 +19,14 @@ public:
   /// Replaces the values.
   void SetValues(const std::vector<float>& p_values);
 
+  /// The point, counted over all lines, that a triangle belongs to; empty past the end.
+  std::optional<std::size_t> PointOf(std::uint32_t p_triangle) const;
   const GpuMesh& Mesh() const { return _mesh; }
 
 private:
   GpuMesh _mesh;
-  std::vector<std::uint32_t> _points; ///< the point of each vertex
+  std::vector<std::uint32_t> _points;    ///< the point of each vertex
+  std::vector<std::uint32_t> _triangles; ///< the point of each triangle
 };
 
 } // namespace Vek::Chart::Scene::Private

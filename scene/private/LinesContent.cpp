@@ -118,9 +118,48 @@ std::vector<float> LinesContent::TubeValues() const {
 
 void LinesContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   if (_diameter > 0)
-    _tubes.Mesh().Draw(p_gl, coloring.Map(p_gl), coloring.Scale());
+    _tubes.Mesh().Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
   else
-    _lines.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), _width * p_frame.pixelRatio);
+    _lines.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), _width * p_frame.pixelRatio, p_frame.layer);
+}
+
+void LinesContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) {
+  if (_diameter > 0)
+    _tubes.Mesh().Draw(p_gl);
+  else
+    _lines.DrawPick(p_gl, _width * p_frame.pixelRatio, p_pass);
+}
+
+/// The point whose ring a triangle begins with, which is counted in the pieces.
+std::optional<std::size_t> LinesContent::PointOfTube(std::uint32_t p_triangle) const {
+  std::optional<std::size_t> number = _tubes.PointOf(p_triangle);
+  for (const Piece& piece : _pieces) {
+    if (number && *number < piece.count)
+      return piece.first + *number;
+    if (number)
+      *number -= piece.count;
+  }
+  return {};
+}
+
+/// The nearer end of a segment, which is counted with the separators.
+std::optional<std::size_t> LinesContent::PointOfSegment(std::uint32_t p_segment, const Point& p_scene) const {
+  std::size_t first = 0, separators = 0;
+  for (const std::size_t length : _lengths) {
+    const std::size_t point = p_segment - separators;
+    if (p_segment < first + length && point + 1 < Count())
+      return Length(_scene[point + 1] - p_scene) < Length(_scene[point] - p_scene) ? point + 1 : point;
+    first += length + 1;
+    ++separators;
+  }
+  return {};
+}
+
+Picked LinesContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
+  std::optional<std::size_t> point;
+  if (p_number)
+    point = _diameter > 0 ? PointOfTube(*p_number) : PointOfSegment(*p_number, p_scene);
+  return point ? PickedAt(*point, placement.transform.Inverse(p_scene)) : PlotContent::Identify({}, p_scene);
 }
 
 void LinesContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {

@@ -18,7 +18,10 @@ public:
   void SetWidth(double p_points);
   void SetDiameter(double p_diameter);
 
+  bool IsPeeled() const override { return true; }
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
+  void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;
+  Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const override;
   std::vector<QString> Notes() const override;
   Legend::Mark Mark() const override { return Legend::Mark::Line; }
 
@@ -34,6 +37,8 @@ private:
   void PlacePoints();
   void PlaceTubes();
   std::vector<float> TubeValues() const;
+  std::optional<std::size_t> PointOfTube(std::uint32_t p_triangle) const;
+  std::optional<std::size_t> PointOfSegment(std::uint32_t p_segment, const Point& p_scene) const;
   template <class T>
   std::vector<T> Separated(const std::vector<T>& p_elements, const T& p_separator) const;
 

@@ -1,5 +1,8 @@
 #include "scene/private/MeshContent.h"
 
+#include "scene/private/NearestCorner.h"
+
+#include <cmath>
 #include <utility>
 
 namespace Vek::Chart::Scene::Private {
@@ -67,6 +70,8 @@ void MeshContent::PlaceVertices() {
   }
   const bool isSame = isShown == _isShown;
   _isShown = std::move(isShown);
+  _scene = placed;
+  _triangles.resize(_parts.size());
   for (std::size_t i = 0; i < _parts.size(); ++i) {
     const MeshPart& part = _parts[i];
     GpuMesh& mesh = _meshes[i];
@@ -83,6 +88,9 @@ void MeshContent::PlaceVertices() {
       if (shows(corner) && shows(corner + 1) && shows(corner + 2))
         for (std::size_t j = corner; j < corner + 3; ++j)
           arrays.indices.push_back(part.indices[j]);
+    _triangles[i].clear();
+    for (const std::uint32_t index : arrays.indices)
+      _triangles[i].push_back(part.elements[index]);
     mesh = {};
     if (arrays.indices.empty())
       continue; // without indices, all vertices would be drawn
@@ -109,11 +117,43 @@ void MeshContent::PlaceColors() {
   }
 }
 
-void MeshContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& /*p_frame*/) {
+void MeshContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   if (_isByFile && _opacity != opacity)
     PlaceColors();
   for (const GpuMesh& mesh : _meshes)
-    mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale());
+    mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
+}
+
+void MeshContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, const PickPass&) {
+  for (const GpuMesh& mesh : _meshes)
+    mesh.Draw(p_gl);
+}
+
+namespace {
+
+double AreaOf(const Point& p_a, const Point& p_b, const Point& p_c) {
+  return Length(Cross(p_b - p_a, p_c - p_a)) / 2;
+}
+
+} // namespace
+
+/// Triangles are counted in each part: of those with the number, the one that the point lies in.
+Picked MeshContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
+  std::optional<std::uint32_t> vertex;
+  double least = HUGE_VAL; // area that the corners and the point take more than the triangle
+  for (const std::vector<std::uint32_t>& triangles : _triangles) {
+    if (!p_number || std::size_t{3} * *p_number + 2 >= triangles.size())
+      continue;
+    const auto corner = [&](std::size_t p_corner) { return _scene[triangles[std::size_t{3} * *p_number + p_corner]]; };
+    const Point a = corner(0), b = corner(1), c = corner(2);
+    const double excess = AreaOf(p_scene, a, b) + AreaOf(p_scene, b, c) + AreaOf(p_scene, c, a) - AreaOf(a, b, c);
+    if (excess < least) {
+      least = excess;
+      vertex = NearestCorner(triangles, p_number,
+                             [&](std::uint32_t p_vertex) { return Length(_scene[p_vertex] - p_scene); });
+    }
+  }
+  return vertex ? PickedAt(*vertex, placement.transform.Inverse(p_scene)) : PlotContent::Identify({}, p_scene);
 }
 
 void MeshContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {

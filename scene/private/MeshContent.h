@@ -16,7 +16,10 @@ public:
   void UpdatePositions(const Array3& p_positions);
 
   void ValuesChanged() override;
+  bool IsPeeled() const override { return true; }
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
+  void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;
+  Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const override;
 
 private:
   bool IsUsed(std::size_t p_index) const override { return _isUsed[p_index]; }
@@ -36,6 +39,9 @@ private:
   Box _box;                     ///< of the vertices in the scene
   double _opacity = 1;          ///< of the colours of the file
   std::vector<GpuMesh> _meshes; ///< one a part
+  std::vector<Point> _scene;    ///< of the vertices
+  /// Of each part, the vertices of its triangles that are shown, three each.
+  std::vector<std::vector<std::uint32_t>> _triangles;
 };
 
 } // namespace Vek::Chart::Scene::Private

@@ -1,5 +1,7 @@
 #include "scene/private/MeshShaders.h"
 
+#include "scene/private/PeelShader.h"
+
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
@@ -21,7 +23,7 @@ float StoredValue(float p_value) {
 }
 
 const std::string& LitColorText() {
-  static const std::string Text = std::string(MeshVaryings) + R"(
+  static const std::string Text = std::string(MeshVaryings) + PeelText + R"(
 uniform sampler2D colors;
 uniform int painting;    // 0: by value, 1: by colour
 uniform int lighting;    // 0: none, 1: by normals, 2: by faces
@@ -58,6 +60,8 @@ void main() {
       gloss = gl_LightSource[0].specular.rgb * pow(max(dot(n, h), 0.0), gl_FrontMaterial.shininess);
   }
   gl_FragColor = vec4(color.rgb * shade + gloss, color.a);
+  if (IsPeeled()) // after the derivatives
+    discard;
 }
 )";
   return Text;
@@ -76,7 +80,7 @@ Lighting LightingOf(const GpuMesh& p_mesh) {
 }
 
 void SetColorUniforms(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_program, Painting p_painting,
-                      const Library::ColorMap& p_colors, const ValueScale& p_scale) {
+                      const Library::ColorMap& p_colors, const ValueScale& p_scale, const PeelPass* p_pass) {
   const double lower = p_scale.logarithmic ? std::log(p_scale.lower) : p_scale.lower;
   const double upper = p_scale.logarithmic ? std::log(p_scale.upper) : p_scale.upper;
   p_program.SetUniform(p_gl, "colors", 0);
@@ -87,6 +91,7 @@ void SetColorUniforms(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_pr
   p_program.SetUniform(p_gl, "below", p_scale.below.isValid() ? p_scale.below : p_colors.Color(0.0));
   p_program.SetUniform(p_gl, "above", p_scale.above.isValid() ? p_scale.above : p_colors.Color(1.0));
   p_program.SetUniform(p_gl, "unknown", p_scale.missing);
+  SetPeelUniforms(p_gl, p_program, p_pass);
 }
 
 } // namespace Private

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scene/GpuMesh.h"
+#include "scene/PeelPass.h"
 #include "scene/ValueScale.h"
 
 #include "library/ColorMap.h"
@@ -40,8 +41,9 @@ enum Lighting : int { Unlit = 0, ByNormals = 1, ByFaces = 2 };
 /// How a mesh is to be lit.
 Lighting LightingOf(const GpuMesh& p_mesh);
 
-/// Sets the uniforms of LitColorText, but for the lighting. The program must be current.
+/// Sets the uniforms of LitColorText, but for the lighting. With a pass, fragments in front of its layer are left out.
+/// The program must be current.
 void SetColorUniforms(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_program, Painting p_painting,
-                      const Library::ColorMap& p_colors, const ValueScale& p_scale);
+                      const Library::ColorMap& p_colors, const ValueScale& p_scale, const PeelPass* p_pass = nullptr);
 
 } // namespace Vek::Chart::Scene::Private

@@ -56,7 +56,6 @@ protected:
   /// What elements are called in the notes.
   virtual Noun Names() const { return {"point", "points"}; }
 
-  Placement placement; ///< of the last placing
   LeftOut leftOut;
 
 private:

@@ -13,10 +13,13 @@
 
 #include "scene/Camera.h"
 #include "scene/Legend.h"
+#include "scene/PeelPass.h"
+#include "scene/PickPass.h"
 #include "scene/private/Coloring.h"
 #include "scene/private/DataTransform.h"
 
 #include "platform/ogl/Rgl.h"
+#include "platform/types/Geometry.h"
 #include "platform/types/Viewport.h"
 #include "platform/utility/Scope.h"
 
@@ -24,6 +27,7 @@
 #include <QString>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -49,6 +53,12 @@ struct Frame {
   Types::Viewport<0> viewport;
   double pixelRatio = 1; ///< pixels of a point
   QColor ink;            ///< of lines whose colour means nothing
+  QColor line;           ///< of axes and frames
+  /// Cutting planes, in scene units. GL's clip planes are set to them, so that only parts that compute their fragments
+  /// otherwise need them.
+  std::vector<Types::Plane> cuts{};
+  bool isMoving = false;           ///< another frame follows soon: coarser may do
+  const PeelPass* layer = nullptr; ///< of half-transparent plots; for the drawings of parts (see PlotContent::IsPeeled)
 };
 
 /// What the length of arrows means (see ArrowKey).
@@ -66,6 +76,13 @@ struct SizeKey {
   double diameter = 0; ///< of the largest value, in scene units
 };
 
+/// What lies under a pixel that shows a plot.
+struct Picked {
+  std::optional<std::size_t> element; ///< empty if unknown
+  Point position;                     ///< in data units
+  std::optional<double> value;        ///< by which it has its colour; NaN if missing
+};
+
 /// What Figure needs of a plot.
 class PlotContent {
 public:
@@ -79,6 +96,7 @@ public:
   double opacity = 1;
   QString label;
   Coloring coloring;
+  std::size_t revision = 0; ///< another one after each change
   /// Called after the values changed.
   virtual void ValuesChanged() {}
 
@@ -90,8 +108,20 @@ public:
   virtual bool LeavesPlane() const { return false; }
   /// Places the data and returns the box around whole glyphs, in scene units.
   virtual Box Place(const Placement& p_placement) = 0;
-  /// Draws. Called for each frame, twice if the plot is half-transparent.
+  /// Whether things behind it are seen.
+  virtual bool IsTransparent() const { return opacity < 1; }
+  /// Whether Draw passes `Frame::layer` on to all parts, so that several layers of a half-transparent plot are seen. Of
+  /// other plots, the nearest surface alone is seen, and none of them through another one.
+  virtual bool IsPeeled() const { return false; }
+  /// Whether Draw blends with what is there and writes no depth: a volume. It is drawn once, after opaque plots and
+  /// before half-transparent ones.
+  virtual bool IsBlended() const { return false; }
+  /// Draws. Called for each frame, several times if the plot is half-transparent.
   virtual void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) = 0;
+  /// Draws for a Picker. Without an implementation, the plot is never picked.
+  virtual void DrawPick(Utility::Scoped<Rgl>& /*p_gl*/, const Frame& /*p_frame*/, const PickPass& /*p_pass*/) {}
+  /// What the number that DrawPick drew stands for, at a point of the scene. By default, numbers are those of elements.
+  virtual Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const;
   /// Frees what the scope's context has.
   virtual void Release(const Utility::Scoped<Rgl>& p_gl) const = 0;
 
@@ -100,6 +130,11 @@ public:
   virtual Legend::Mark Mark() const { return Legend::Mark::Dot; }
   virtual std::optional<LengthKey> Lengths() const { return {}; }
   virtual std::optional<SizeKey> Sizes() const { return {}; }
+
+protected:
+  Placement placement; ///< of the last placing
+  /// An element, at a position in data units.
+  Picked PickedAt(std::size_t p_element, const Point& p_position) const;
 };
 
 } // namespace Vek::Chart::Scene::Private

@@ -122,10 +122,12 @@ Box QuiverContent::PlaceChanged(const Changes& p_changes) {
   const std::vector<Point> drawnPositions = OfDrawn(_scene, _drawn), zeroPositions = OfDrawn(_scene, _zero);
   if (p_changes.isFirst || _drawn != oldDrawn || _zero != oldZero) {
     // Other elements: all arrays are new.
-    const auto positioned = [](const std::vector<Point>& p_positions, const std::vector<std::uint32_t>& p_elements) {
+    const auto positioned = [this](const std::vector<Point>& p_positions,
+                                   const std::vector<std::uint32_t>& p_elements) {
       InstancedMesh::Instances instances;
       instances.positions = p_positions;
-      instances.ids = p_elements;
+      if (Count() <= PickPass::NoElement) // otherwise there are no ids for all
+        instances.ids = p_elements;
       return InstancedMesh(GpuMesh(), instances);
     };
     _arrows = positioned(drawnPositions, _drawn);
@@ -248,10 +250,20 @@ void QuiverContent::SetLevels() {
   _dots.SetLevels(std::move(dots));
 }
 
-void QuiverContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame&) {
+void QuiverContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   const Library::ColorMap& map = coloring.Map(p_gl);
-  _arrows.Draw(p_gl, map, coloring.Scale());
-  _dots.Draw(p_gl, map, coloring.Scale());
+  _arrows.Draw(p_gl, map, coloring.Scale(), p_frame.layer);
+  _dots.Draw(p_gl, map, coloring.Scale(), p_frame.layer);
+}
+
+void QuiverContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, const PickPass& p_pass) {
+  _arrows.Draw(p_gl, p_pass);
+  _dots.Draw(p_gl, p_pass);
+}
+
+Picked QuiverContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
+  return p_number && Count() <= PickPass::NoElement ? PickedAt(*p_number, positions[*p_number])
+                                                    : PlotContent::Identify({}, p_scene);
 }
 
 void QuiverContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {

@@ -23,7 +23,10 @@ public:
 
   void ValuesChanged() override;
   bool LeavesPlane() const override;
+  bool IsPeeled() const override { return true; }
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
+  void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;
+  Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const override;
   std::vector<QString> Notes() const override;
   Legend::Mark Mark() const override { return Legend::Mark::Glyph; }
   std::optional<LengthKey> Lengths() const override;

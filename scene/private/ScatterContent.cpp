@@ -83,10 +83,24 @@ void ScatterContent::SetLevels() {
   _mesh.SetLevels(std::move(levels));
 }
 
-void ScatterContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
+void ScatterContent::SetLeastSize(const Frame& p_frame) {
   constexpr double LeastDiameter = 4; // points
   _mesh.SetLeastPixels(_sizes.empty() ? LeastDiameter * p_frame.pixelRatio / _placedDiameter : 0);
-  _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale());
+}
+
+void ScatterContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) {
+  SetLeastSize(p_frame);
+  _mesh.Draw(p_gl, p_pass);
+}
+
+Picked ScatterContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
+  return p_number && *p_number < Count() ? PickedAt(*p_number, positions[*p_number])
+                                         : PlotContent::Identify({}, p_scene);
+}
+
+void ScatterContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
+  SetLeastSize(p_frame);
+  _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
 }
 
 std::optional<SizeKey> ScatterContent::Sizes() const {

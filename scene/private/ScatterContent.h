@@ -20,7 +20,10 @@ public:
   void SetSizeTitle(const QString& p_title) { _sizeTitle = p_title; }
   void SetSymbol(Model::Symbol::Shape p_shape);
 
+  bool IsPeeled() const override { return true; }
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
+  void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;
+  Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const override;
   std::optional<SizeKey> Sizes() const override;
 
 private:
@@ -28,6 +31,7 @@ private:
   Box PlaceChanged(const Changes& p_changes) override;
   void ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const override { _mesh.Release(p_gl); }
   void SetLevels();
+  void SetLeastSize(const Frame& p_frame);
 
   std::vector<double> _sizes;      ///< values; none for equal sizes
   double _least = 0, _largest = 0; ///< of the sizes above 0

@@ -227,10 +227,35 @@ void StreamlinesContent::PlaceValues() {
   _heads.UpdateValues(ofHeads);
 }
 
-void StreamlinesContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& /*p_frame*/) {
+void StreamlinesContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   const Library::ColorMap& map = coloring.Map(p_gl);
-  _tubes.Mesh().Draw(p_gl, map, coloring.Scale());
-  _heads.Draw(p_gl, map, coloring.Scale());
+  _tubes.Mesh().Draw(p_gl, map, coloring.Scale(), p_frame.layer);
+  _heads.Draw(p_gl, map, coloring.Scale(), p_frame.layer);
+}
+
+void StreamlinesContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, const PickPass& p_pass) {
+  _tubes.Mesh().Draw(p_gl);
+  _heads.Draw(p_gl, p_pass);
+}
+
+/// The nearest line, and the value at its nearest point.
+Picked StreamlinesContent::Identify(std::optional<std::uint32_t> /*p_number*/, const Point& p_scene) const {
+  Picked picked = PlotContent::Identify({}, p_scene);
+  double distance = HUGE_VAL;
+  std::size_t nearest = 0, next = 0;
+  for (std::size_t line = 0; line < _lines.size(); ++line)
+    for (const Point& point : _lines[line]) {
+      if (Length(point - p_scene) < distance) {
+        distance = Length(point - p_scene);
+        picked.element = line;
+        nearest = next;
+      }
+      ++next;
+    }
+  const std::vector<float> values = PointValues();
+  if (nearest < values.size())
+    picked.value = static_cast<double>(values[nearest]);
+  return picked;
 }
 
 void StreamlinesContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {

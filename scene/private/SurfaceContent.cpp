@@ -3,6 +3,7 @@
 #include "scene/Ticks.h"
 #include "scene/private/ContourSegments.h"
 #include "scene/private/GridAxis.h"
+#include "scene/private/NearestCorner.h"
 #include "scene/private/Notes.h"
 
 #include <algorithm>
@@ -177,26 +178,46 @@ void SurfaceContent::PlaceContours() {
 }
 
 void SurfaceContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
-  const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_LINE_BIT | RGL_POLYGON_BIT |
-                                           RGL_DEPTH_BUFFER_BIT | RGL_COLOR_BUFFER_BIT);
+  const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_LINE_BIT | RGL_POLYGON_BIT | RGL_DEPTH_BUFFER_BIT |
+                                           RGL_COLOR_BUFFER_BIT);
   if (!_lines.Empty()) { // behind its lines
     p_gl->Enable(RGL_POLYGON_OFFSET_FILL);
     p_gl->PolygonOffset(1, 1);
   }
-  _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale());
+  _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
   if (_lines.Empty())
     return;
   constexpr double LineOpacity = 0.6;
   QColor color = p_frame.ink;
   color.setAlphaF(LineOpacity * opacity);
-  p_gl->Disable(RGL_LIGHTING);
   p_gl->Enable(RGL_BLEND);
   p_gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
   p_gl->DepthFunc(RGL_LEQUAL);
   p_gl->DepthMask(false); // the surface has the depth of its lines
   p_gl->LineWidth(static_cast<float>(p_frame.pixelRatio));
-  p_gl->Color(color);
-  _lines.Draw(p_gl);
+  ValueScale scale; // values that are not given are 0
+  scale.lower = 1;
+  scale.upper = 2;
+  scale.below = color;
+  _lines.Draw(p_gl, coloring.Map(p_gl), scale, p_frame.layer);
+}
+
+void SurfaceContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, const PickPass&) {
+  _mesh.Draw(p_gl);
+}
+
+Picked SurfaceContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
+  const auto corner = NearestCorner(_indices, p_number, [&](std::uint32_t p_index) {
+    const SurfaceMesh::Vector& node = _positions[p_index];
+    return Length(Point(static_cast<double>(node.x), static_cast<double>(node.y), static_cast<double>(node.z)) -
+                  p_scene);
+  });
+  if (!corner)
+    return PlotContent::Identify({}, p_scene);
+  Picked picked = PickedAt(*corner, placement.transform.Inverse(p_scene));
+  if (_isByHeight)
+    picked.value = _heights[*corner];
+  return picked;
 }
 
 void SurfaceContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {

@@ -1,5 +1,6 @@
 #include "scene/private/WideLines.h"
 
+#include "scene/DepthShader.h"
 #include "scene/private/GpuArray.h"
 #include "scene/private/InstanceArrays.h"
 #include "scene/private/MeshArrays.h"
@@ -21,7 +22,7 @@ constexpr const char* Signature = "void __cdecl Vek::Chart::Scene::Private::Wide
 // Locations that no fixed attribute of a mesh has.
 enum Location : unsigned int { StartLocation = 1, StartValueLocation = 5, EndLocation = 6, EndValueLocation = 7 };
 
-const char* const VertexText = R"(#version 120
+const char* const VertexText = R"(
 attribute vec3 start;
 attribute vec3 end;
 attribute float start_value;
@@ -34,7 +35,13 @@ varying vec3 position;
 varying float value;
 varying float missing;
 varying vec4 own;
+#ifdef NUMBERED
+flat out int number;
+#endif
 void main() {
+#ifdef NUMBERED
+  number = gl_InstanceID;
+#endif
   vec4 a = gl_ModelViewProjectionMatrix * vec4(start, 1.0);
   vec4 b = gl_ModelViewProjectionMatrix * vec4(end, 1.0);
   float from = 0.0; // the part of the segment in front of the near plane
@@ -65,6 +72,30 @@ void main() {
 }
 )";
 
+const char* const NumberText = R"(#version 150 compatibility
+uniform float plot; // (number + 1) / 255
+flat in int number;
+void main() {
+  int shown = min(number, 0xFFFFFF);
+  gl_FragColor = vec4(vec3(shown & 255, (shown >> 8) & 255, shown >> 16) / 255.0, plot);
+}
+)";
+
+const char* const NoNumberText = R"(#version 120
+uniform float plot;
+void main() { gl_FragColor = vec4(1.0, 1.0, 1.0, plot); }
+)";
+
+/// The program for a fragment shader, made if there is none yet; null after a report.
+const Ogl::ShaderProgram* Made(std::optional<Ogl::ShaderProgram>& p_program, Utility::Scoped<Rgl>& p_gl,
+                               const std::string& p_fragmentText, bool p_isNumbered = false) {
+  const std::string head = p_isNumbered ? "#version 150 compatibility\n#define NUMBERED\n" : "#version 120\n";
+  if (!p_program || !p_program->Linked())
+    p_program.emplace(p_gl, head + VertexText, p_fragmentText,
+                      std::vector<std::string>{"", "start", "", "", "", "start_value", "end", "end_value"});
+  return p_program->Linked() ? &*p_program : nullptr;
+}
+
 /// A rectangle between two half discs of radius 1. x is along the segment, y across, z is 0 at the start and 1 at the
 /// end. Half discs have `p_steps` edges; of one edge, they are none.
 GpuMesh Stadium(std::uint32_t p_steps) {
@@ -91,7 +122,7 @@ constexpr std::array<double, 2> LargestRadius{0.75, 2};
 struct WideLines::Buffers {
   GpuArray points, values;
   std::array<GpuMesh, 3> shapes{Stadium(Steps[0]), Stadium(Steps[1]), Stadium(Steps[2])};
-  std::optional<Ogl::ShaderProgram> colored;
+  std::optional<Ogl::ShaderProgram> colored, packed, numbered;
 };
 
 void WideLines::SetPoints(const std::vector<Point>& p_points) {
@@ -103,38 +134,59 @@ void WideLines::SetValues(const std::vector<float>& p_values) {
 }
 
 void WideLines::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
-                     double p_pixels) const {
+                     double p_pixels, const PeelPass* p_pass) const {
   p_scale.Check();
   if (!_points || _points->size() < 2)
     return;
   Buffers& buffers = _buffers.Get(p_gl);
-  if (!buffers.colored || !buffers.colored->Linked())
-    buffers.colored.emplace(p_gl, VertexText, LitColorText(),
-                            std::vector<std::string>{"", "start", "", "", "", "start_value", "end", "end_value"});
-  const Ogl::ShaderProgram& program = *buffers.colored;
-  if (!program.Linked() || !buffers.points.Update(*p_gl, _points, Signature) ||
-      !buffers.values.Update(*p_gl, _values, Signature))
+  const Ogl::ShaderProgram* const program = Made(buffers.colored, p_gl, LitColorText());
+  if (program == nullptr)
+    return;
+  const auto map = p_colors.Bind(p_gl);
+  const auto inUse = program->Use(p_gl);
+  SetColorUniforms(p_gl, *program, ByValue, p_colors, p_scale, p_pass);
+  program->SetUniform(p_gl, "lighting", Unlit);
+  DrawSegments(p_gl, buffers, *program, p_pixels);
+}
+
+void WideLines::DrawPick(Utility::Scoped<Rgl>& p_gl, double p_pixels, const PickPass& p_pass) const {
+  if (!_points || _points->size() < 2)
+    return;
+  Buffers& buffers = _buffers.Get(p_gl);
+  const bool isNumbered = p_gl->GlVersion() >= Utility::VersionNo(3, 2, 0);
+  const Ogl::ShaderProgram* const program =
+      p_pass.kind == PickPass::Depths
+          ? Made(buffers.packed, p_gl, PackedDepthText())
+          : Made(buffers.numbered, p_gl, isNumbered ? NumberText : NoNumberText, isNumbered);
+  if (program == nullptr)
+    return;
+  const auto inUse = program->Use(p_gl);
+  if (p_pass.kind == PickPass::Ids)
+    program->SetUniform(p_gl, "plot", static_cast<float>(p_pass.plot + 1) / 255);
+  DrawSegments(p_gl, buffers, *program, p_pixels);
+}
+
+/// With the program in use.
+void WideLines::DrawSegments(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, const Ogl::ShaderProgram& p_program,
+                             double p_pixels) const {
+  if (!p_buffers.points.Update(*p_gl, _points, Signature) || !p_buffers.values.Update(*p_gl, _values, Signature))
     return;
   std::array<int, 4> viewport{};
   p_gl->GetIntegerv(RGL_VIEWPORT, viewport.data());
-  const auto map = p_colors.Bind(p_gl);
-  const auto inUse = program.Use(p_gl);
-  SetColorUniforms(p_gl, program, ByValue, p_colors, p_scale);
-  program.SetUniform(p_gl, "lighting", Unlit);
-  program.SetUniform(p_gl, "half_size", Point(viewport[2], viewport[3], 0) / 2.0);
-  program.SetUniform(p_gl, "radius", static_cast<float>(p_pixels / 2));
-  program.SetUniform(p_gl, "painted", _values ? 1 : 0);
+  p_program.SetUniform(p_gl, "half_size", Point(viewport[2], viewport[3], 0) / 2.0);
+  p_program.SetUniform(p_gl, "radius", static_cast<float>(p_pixels / 2));
+  p_program.SetUniform(p_gl, "painted", _values ? 1 : 0);
   constexpr unsigned int Record = sizeof(GpuMesh::Record), Value = sizeof(float);
   std::vector<GpuMesh::InstanceAttribute> attributes{
-      {StartLocation, buffers.points.Storage(), 0, Record, 3, false},
-      {EndLocation, buffers.points.Storage(), Record, Record, 3, false},
+      {StartLocation, p_buffers.points.Storage(), 0, Record, 3, false},
+      {EndLocation, p_buffers.points.Storage(), Record, Record, 3, false},
   };
   if (_values) {
-    attributes.push_back({StartValueLocation, buffers.values.Storage(), 0, Value, 1, false});
-    attributes.push_back({EndValueLocation, buffers.values.Storage(), Value, Value, 1, false});
+    attributes.push_back({StartValueLocation, p_buffers.values.Storage(), 0, Value, 1, false});
+    attributes.push_back({EndValueLocation, p_buffers.values.Storage(), Value, Value, 1, false});
   }
   const std::size_t shape = p_pixels / 2 <= LargestRadius[0] ? 0 : p_pixels / 2 <= LargestRadius[1] ? 1 : 2;
-  buffers.shapes[shape].DrawInstanced(p_gl, _points->size() - 1, attributes);
+  p_buffers.shapes[shape].DrawInstanced(p_gl, _points->size() - 1, attributes);
 }
 
 } // namespace Vek::Chart::Scene::Private

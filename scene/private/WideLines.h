@@ -1,12 +1,14 @@
 #pragma once
 
 #include "scene/GpuMesh.h"
+#include "scene/PickPass.h"
 #include "scene/ValueScale.h"
 #include "scene/private/DataTransform.h"
 
 #include "library/ColorMap.h"
 #include "platform/ogl/PerContext.h"
 #include "platform/ogl/Rgl.h"
+#include "platform/ogl/ShaderProgram.h"
 #include "platform/utility/Scope.h"
 
 #include <boost/shared_ptr.hpp>
@@ -26,14 +28,18 @@ public:
   void SetValues(const std::vector<float>& p_values);
 
   /// Draws in the colours of the values, not lit, under the current matrices and viewport.
-  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
-            double p_pixels) const;
+  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale, double p_pixels,
+            const PeelPass* p_pass = nullptr) const;
+  /// Draws depths, or the numbers of the segments, counted over all points.
+  void DrawPick(Utility::Scoped<Rgl>& p_gl, double p_pixels, const PickPass& p_pass) const;
   void Release(const Utility::Scoped<Rgl>& p_gl) const { _buffers.Release(p_gl); }
 
 private:
+  struct Buffers;
+  void DrawSegments(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, const Ogl::ShaderProgram& p_program,
+                    double p_pixels) const;
   template <class T>
   using Shared = boost::shared_ptr<const std::vector<T>>;
-  struct Buffers;
 
   Shared<GpuMesh::Record> _points;
   Shared<float> _values;

@@ -209,8 +209,8 @@ std::string LineWriter::Pointer(const char* p_text) const {
   return "\"" + std::string(p_text) + "\"";
 }
 
-std::string LineWriter::Pointer(const double* p_matrix) const {
-  return List(p_matrix, 16);
+std::string LineWriter::Pointer(const double* p_numbers) const {
+  return List(p_numbers, _signature.name == "ClipPlane" ? 4 : 16);
 }
 
 std::string LineWriter::Pointer(const float* p_values) const {

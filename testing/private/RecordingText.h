@@ -70,7 +70,7 @@ private:
   std::string Pointer(float*) const { return "ptr"; }
   std::string Pointer(double*) const { return "ptr"; }
   std::string Pointer(const char* p_text) const;
-  std::string Pointer(const double* p_matrix) const;
+  std::string Pointer(const double* p_numbers) const;
   std::string Pointer(const float* p_values) const;
   std::string Pointer(const unsigned int* p_names) const;
   std::string Pointer(const unsigned char* p_mask) const;
