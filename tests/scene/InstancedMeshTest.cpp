@@ -196,6 +196,13 @@ TEST_F(InstancedMeshCalls, DrawsLevelsThatMayBeSeen) {
   mesh.UpdateSizes(large); // reaches into the view
   mesh.Draw(gl, colors);
   EXPECT_EQ(counts(), std::vector<int>{10});
+  mesh.UpdateSizes(small);
+  gl->LoadIdentity();
+  gl->Translate({-150, 0, 0}); // into the view, before the projection scales
+  gl->MatrixMode(RGL_PROJECTION);
+  gl->Scale({0.01, 0.01, 0.01});
+  mesh.Draw(gl, colors);
+  EXPECT_EQ(counts(), std::vector<int>{10});
 }
 
 class InstancedMeshPixels : public PixelScopeFixture {
