@@ -3,6 +3,7 @@
 #include "library/HdrImage.h"
 #include "library/VolumeImage.h"
 #include "library/VolumeTexture.h"
+#include "library/VoxelTexture.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Library;
@@ -57,6 +58,19 @@ TEST_F(ImageSnippetPixels, VolumeTexture) {
   volume(gl, RGL_TEXTURE0);                  // uploaded; s runs along the extent that varies fastest
   //! [VolumeTexture]
   EXPECT_EQ(std::pair(volume.SizeS(), volume.SizeR()), std::pair(180, 20));
+}
+
+TEST_F(ImageSnippetPixels, VoxelTexture) {
+  //! [VoxelTexture]
+  const std::vector<std::uint16_t> values{0, 1000, 2000, 65535};
+  VoxelTexture::Voxels voxels;
+  voxels.values = values.data(); // uploaded by the constructor
+  voxels.type = VoxelTexture::UInt16;
+  voxels.size = {2, 2, 1};
+  const VoxelTexture texture(voxels, gl);
+  texture(gl, RGL_TEXTURE0); // a shader reads value = texture3D(...).r * texture.ValueScale()
+  //! [VoxelTexture]
+  EXPECT_EQ(texture.ValueScale(), 65535);
 }
 
 } // namespace
