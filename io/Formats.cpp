@@ -17,6 +17,16 @@ constexpr bool HasNetCdf = true;
 #else
 constexpr bool HasNetCdf = false;
 #endif
+#ifdef VEK_WITH_ZLIB
+constexpr bool HasGzip = true;
+#else
+constexpr bool HasGzip = false;
+#endif
+#ifdef VEK_WITH_OPENEXR
+constexpr bool HasOpenExr = true;
+#else
+constexpr bool HasOpenExr = false;
+#endif
 
 } // namespace
 
@@ -48,6 +58,23 @@ const std::vector<Format>& Formats() {
        "uneven and curvilinear grids", "", true},
       {Format::Volumes, "NetCDF-4", "nc nc4", "Io::ReadVolume", "as NetCDF, compressed or not",
        "groups, structures, uneven and curvilinear grids", "libnetcdf-dev", HasNetCdf},
+      {Format::Volumes, "TextArray", "txt", "Io::ReadVolume", "numbers of all channels as floats, nan and inf", "", "",
+       true},
+      {Format::Volumes, "NRRD", "nrrd nhdr", "Io::ReadVolume",
+       "integers of 8 to 64 bits, float and double, raw, as text or hexadecimal; up to three axes of a grid, channels "
+       "before or behind them, steps; header attached or detached, several files of values; spacing, origin, "
+       "directions",
+       "bzip2, blocks, measurement frames", "", true},
+      {Format::Volumes, "NRRD, compressed", "nrrd nhdr", "Io::ReadVolume", "as NRRD, by gzip", "", "zlib1g-dev",
+       HasGzip},
+      {Format::Volumes, "NIfTI", "nii hdr", "Io::ReadVolume",
+       "NIfTI-1 and NIfTI-2, in one file or two: integers of 8 to 64 bits, float, double, RGB and RGBA; sform and "
+       "qform, scl_slope and scl_inter, steps of time, channels",
+       "complex values, extensions, dimensions 6 and 7", "", true},
+      {Format::Volumes, "NIfTI, compressed", "nii.gz", "Io::ReadVolume", "as NIfTI, by gzip", "", "zlib1g-dev",
+       HasGzip},
+      {Format::Volumes, "raw", "raw", "Io::ReadVolume", "values with size, type, channels and byte order given", "", "",
+       true},
       {Format::Vectors, "NetCDF", "nc cdf", "Io::ReadVectorField",
        "classic formats, by the CF conventions: winds and flows on regular and rectilinear grids of two or three "
        "dimensions, in any order of axes; units, scale_factor, add_offset, _FillValue, missing_value, valid ranges, "
@@ -73,6 +100,15 @@ const std::vector<Format>& Formats() {
        "columns, "
        "decimal commas",
        "UTF-16", "", true},
+      {Format::Images, "Radiance", "hdr pic", "Io::ReadImage",
+       "RGBE and XYZE, all run codes; EXPOSURE, PRIMARIES and all eight orientations on request",
+       "COLORCORR, PIXASPECT", "", true},
+      {Format::Images, "PFM", "pfm", "Io::ReadImage", "one or three channels, either byte order", "", "", true},
+      {Format::Images, "OpenEXR", "exr", "Io::ReadImage",
+       "all channels of the first part as floats; scanlines and tiles, all compressions",
+       "deep images, channels of fewer "
+       "pixels such as chroma",
+       "libopenexr-dev", HasOpenExr},
   };
   return formats;
 }

@@ -1,17 +1,15 @@
 #include "io/ReadVolume.h"
 
 #include "io/FileError.h"
+#include "io/private/Input.h"
 #include "io/private/NetCdf.h"
 #include "io/private/VolumeFormats.h"
 #include "io/private/VolumeValues.h"
 #include "library/ReadTextArray.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <sstream>
 #include <utility>
@@ -21,23 +19,6 @@ namespace Vek::Chart::Io {
 namespace {
 
 constexpr std::size_t StartSize = 600; // more than any header's mark needs
-
-std::ifstream Open(const std::string& p_path) {
-  std::error_code ignored;
-  if (std::filesystem::is_directory(p_path, ignored))
-    throw FileError(p_path, "expected a file, got a folder");
-  errno = 0;
-  std::ifstream file(p_path, std::ios::binary);
-  if (!file)
-    throw FileError(p_path, std::string("cannot be opened: ") + std::strerror(errno));
-  return file;
-}
-
-bool EndsWith(const std::string& p_name, std::string_view p_ending) {
-  const auto same = [](char p_a, char p_b) { return (p_a >= 'A' && p_a <= 'Z' ? p_a + 32 : p_a) == p_b; };
-  return p_name.size() >= p_ending.size() &&
-         std::equal(p_ending.begin(), p_ending.end(), p_name.end() - std::ptrdiff_t(p_ending.size()), same);
-}
 
 Volume ReadRaw(Private::PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options) {
   const RawLayout& raw = *p_options.raw;
@@ -51,7 +32,7 @@ Volume ReadRaw(Private::PeekSource& p_source, const std::string& p_name, const V
   volume.noData = p_options.noData;
   volume.spacing = raw.spacing;
   const std::unique_ptr<Private::ByteSource> unpacked =
-      EndsWith(p_name, ".gz") ? Private::OpenGzip(p_source, p_name) : nullptr;
+      Private::EndsWith(p_name, ".gz") ? Private::OpenGzip(p_source, p_name) : nullptr;
   Private::ByteSource& source = unpacked ? *unpacked : p_source;
   if (!source.Skip(raw.headerBytes))
     throw FileError(p_name,
@@ -80,15 +61,12 @@ Volume ReadTextArray(std::istream& p_stream, const std::string& p_name, const Vo
   return volume;
 }
 
-/// The first line of a file, or what it is instead of a volume.
+/// What a file is instead of a volume.
 std::string Found(std::string_view p_start) {
-  if (p_start.empty())
-    return "an empty file";
   if (p_start.size() > 132 && p_start.substr(128, 4) == "DICM")
     return "a DICOM file; convert it to NIfTI";
-  const std::string_view line = p_start.substr(0, std::min(p_start.find_first_of("\r\n"), std::size_t{40}));
-  const bool text = std::all_of(line.begin(), line.end(), [](char p_c) { return p_c >= ' ' && p_c <= '~'; });
-  return text ? "\"" + std::string(line) + "\"" : "binary data; raw values need their size and type";
+  const std::string found = Private::Description(p_start);
+  return found + (found == "binary data" ? "; raw values need their size and type" : "");
 }
 
 /// Whether a reader of a header's format takes the file; it throws for one that has only the name.
@@ -97,9 +75,9 @@ bool ReadWithHeader(Private::PeekSource& p_source, const std::string& p_name, co
   const std::string_view start = p_source.Peek(StartSize);
   if (Private::IsNifti(start))
     p_volume = Private::ReadNifti(p_source, p_name, p_options);
-  else if (Private::IsNrrd(start) || EndsWith(p_name, ".nrrd") || EndsWith(p_name, ".nhdr"))
+  else if (Private::IsNrrd(start) || Private::EndsWith(p_name, ".nrrd") || Private::EndsWith(p_name, ".nhdr"))
     p_volume = Private::ReadNrrd(p_source, p_name, p_options);
-  else if (EndsWith(p_name, ".nii") || EndsWith(p_name, ".nii.gz"))
+  else if (Private::EndsWith(p_name, ".nii") || Private::EndsWith(p_name, ".nii.gz"))
     p_volume = Private::ReadNifti(p_source, p_name, p_options);
   else
     return false;
@@ -154,7 +132,7 @@ void WithFileBeside(const std::string& p_name, const std::string& p_other, const
   const std::string path = (std::filesystem::path(p_name).parent_path() / p_other).string();
   if (!ExistsBeside(p_name, p_other)) // a pipe or device never ends
     throw FileError(path, "expected a file with the values of " + p_name + ", got none");
-  std::ifstream file = Open(path);
+  std::ifstream file = OpenFile(path);
   StreamSource source(file, path, p_progress);
   p_read(source, path);
 }
@@ -175,7 +153,7 @@ Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const Volum
 }
 
 Volume ReadVolume(const std::string& p_path, const VolumeOptions& p_options) {
-  std::ifstream file = Open(p_path);
+  std::ifstream file = Private::OpenFile(p_path);
   return ReadVolume(file, p_path, p_options);
 }
 

@@ -3,10 +3,12 @@
 #include "io/FileError.h"
 #include "io/Formats.h"
 #include "io/ReadHeights.h"
+#include "io/ReadImage.h"
 #include "io/ReadMesh.h"
 #include "io/ReadTable.h"
 #include "io/ReadVectorField.h"
 #include "io/ReadVolume.h"
+#include "io/SampleFile.h"
 #include "library/ObjScene.h"
 #include "library/ReadTextArray.h"
 #include "scene/Figure.h"
@@ -70,7 +72,7 @@ TEST(FileSnippets, ReadVolume) {
   const Io::Volume head = Io::ReadVolume(path); // TextArray, NRRD or NIfTI
   const auto [least, most] = head.range;
   const double first = head.Value(0, 0, 0);
-  const Io::Volume::Vector position = head.Position(1, 0, 0); // of the second voxel's centre
+  const Io::Volume::Vector position = head.Position(1, 0, 0);                          // of the second voxel's centre
   if (const auto* const values = std::get_if<std::vector<std::int16_t>>(&head.values)) // without a copy
     std::cout << values->size() << " values from " << least << " to " << most << '\n';
 
@@ -127,4 +129,17 @@ TEST(FileSnippets, ReadHeights) {
   figure.Surface(relief.x, relief.y, relief.heights);
   /// [ReadHeights]
   EXPECT_EQ(relief.heights.size(), 360u * 180);
+}
+
+TEST(FileSnippets, ReadImage) {
+  const std::string path = Io::SampleFile("sky.hdr");
+  /// [ReadImage]
+  Io::ImageOptions options;
+  options.applyExposure = true; // radiances
+  options.applyOrientation = true;
+  const Io::Image sky = Io::ReadImage(path, options); // Radiance, PFM or OpenEXR
+  const float* const zenith = &sky.pixels[sky.channels * sky.width * (sky.height - 1)];
+  std::cout << sky.width << " x " << sky.height << ", blue at the top " << zenith[2] << '\n';
+  /// [ReadImage]
+  EXPECT_GT(zenith[2], zenith[0]);
 }

@@ -188,7 +188,7 @@ std::unique_ptr<ByteSource> OpenGzip(ByteSource& p_source, const std::string& p_
 #else
 
 std::unique_ptr<ByteSource> OpenGzip(ByteSource&, const std::string& p_name) {
-  throw FileError(p_name, "compressed by gzip, which this build does not read; build it with zlib1g-dev");
+  throw FileError(p_name, "this build does not read files compressed by gzip; build it with the package zlib1g-dev");
 }
 
 #endif

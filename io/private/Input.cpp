@@ -65,6 +65,20 @@ void Report(const Progress& p_progress, const std::string& p_name, double p_shar
     throw FileError(p_name, "cancelled");
 }
 
+bool EndsWith(std::string_view p_name, std::string_view p_ending) {
+  const auto same = [](char p_a, char p_b) { return (p_a >= 'A' && p_a <= 'Z' ? p_a + 32 : p_a) == p_b; };
+  return p_name.size() >= p_ending.size() &&
+         std::equal(p_ending.begin(), p_ending.end(), p_name.end() - std::ptrdiff_t(p_ending.size()), same);
+}
+
+std::string Description(std::string_view p_start) {
+  if (p_start.empty())
+    return "an empty file";
+  const std::string_view line = p_start.substr(0, std::min(p_start.find_first_of("\r\n"), std::size_t{40}));
+  const bool text = std::all_of(line.begin(), line.end(), [](char p_c) { return p_c >= ' ' && p_c <= '~'; });
+  return text ? "\"" + std::string(line) + "\"" : "binary data";
+}
+
 void FailWithout(std::string_view p_format, const std::string& p_name) {
   const auto format =
       std::find_if(Formats().begin(), Formats().end(), [&](const Format& p_row) { return p_row.name == p_format; });

@@ -32,6 +32,10 @@ private:
 
 /// The suffix of a name in lower case, with its dot; empty without one.
 std::string Suffix(const std::string& p_name);
+/// Whether a name ends so, in any case; the ending has small letters.
+bool EndsWith(std::string_view p_name, std::string_view p_ending);
+/// The first line of a file in quotes, if it is text, or what it is instead.
+std::string Description(std::string_view p_start);
 /// Whether a file starts with a byte order mark of UTF-16.
 bool IsUtf16(std::string_view p_start);
 /// Calls the progress, if there is one. Throws FileError ("name: cancelled") if it returns false.

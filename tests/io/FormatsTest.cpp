@@ -1,11 +1,14 @@
 #include "io/Formats.h"
 #include "io/FileError.h"
 #include "io/ReadHeights.h"
+#include "io/ReadImage.h"
 #include "io/ReadMesh.h"
 #include "io/ReadTable.h"
 #include "io/ReadVectorField.h"
 #include "io/ReadVolume.h"
 #include "tests/support/ErrorOf.h"
+#include "tests/support/FileText.h"
+#include "tests/support/Output.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Io;
@@ -18,6 +21,22 @@ using Folder = TempFolder;
 std::string NetCdf4(const Folder& p_folder) {
   const std::string path = p_folder.File("a.nc");
   EXPECT_EQ(std::system(("nccopy -k netCDF-4 -d 5 -s " VEK_SOURCE_DIR "/data/navy_winds_1987.nc " + path).c_str()), 0);
+  return path;
+}
+
+/// An NRRD file of four voxels, made by teem-unu of the package teem-apps.
+std::string Nrrd(const Folder& p_folder, const std::string& p_encoding) {
+  const std::string values = p_folder.Write("a.raw", "abcd");
+  const std::string path = p_folder.File("a.nrrd");
+  Output("teem-unu make -t uchar -s 2 2 1 -e raw -i " + values + " | teem-unu save -f nrrd -e " + p_encoding + " -o " +
+         path);
+  return path;
+}
+
+/// A NIfTI file, made by nifti_tool of the package nifti-bin.
+std::string Nifti(const Folder& p_folder, const std::string& p_name) {
+  const std::string path = p_folder.File(p_name);
+  Output("nifti_tool -make_im -prefix " + path);
   return path;
 }
 
@@ -50,6 +69,18 @@ const std::map<std::string, std::function<std::size_t(const Folder&)>> ReadOne{
      }},
     {"Volumes NetCDF", [](const Folder&) { return ReadVolume(VEK_SOURCE_DIR "/data/navy_winds_1987.nc").Count(); }},
     {"Volumes NetCDF-4", [](const Folder& p_folder) { return ReadVolume(NetCdf4(p_folder)).Count(); }},
+    {"Volumes TextArray", [](const Folder&) { return ReadVolume(VEK_SOURCE_DIR "/data/ocean_salinity.txt").Count(); }},
+    {"Volumes NRRD", [](const Folder& p_folder) { return ReadVolume(Nrrd(p_folder, "raw")).Count(); }},
+    {"Volumes NRRD, compressed", [](const Folder& p_folder) { return ReadVolume(Nrrd(p_folder, "gzip")).Count(); }},
+    {"Volumes NIfTI", [](const Folder& p_folder) { return ReadVolume(Nifti(p_folder, "a.nii")).Count(); }},
+    {"Volumes NIfTI, compressed",
+     [](const Folder& p_folder) { return ReadVolume(Nifti(p_folder, "a.nii.gz")).Count(); }},
+    {"Volumes raw",
+     [](const Folder& p_folder) {
+       VolumeOptions options;
+       options.raw = RawLayout{{2, 2, 1}, Volume::UInt8};
+       return ReadVolume(p_folder.Write("a.raw", "abcd"), options).Count();
+     }},
     {"Vector fields NetCDF",
      [](const Folder&) { return ReadVectorField(VEK_SOURCE_DIR "/data/navy_winds_1987.nc").vectors.size(); }},
     {"Vector fields NetCDF-4",
@@ -64,6 +95,13 @@ const std::map<std::string, std::function<std::size_t(const Folder&)>> ReadOne{
     {"Height grids CSV",
      [](const Folder& p_folder) {
        return ReadHeights(p_folder.Write("a.csv", "x,y,h\n0,0,1\n1,0,2\n")).heights.size();
+     }},
+    {"Images Radiance", [](const Folder&) { return ReadImage(VEK_SOURCE_DIR "/data/sky.hdr").pixels.size(); }},
+    {"Images PFM",
+     [](const Folder& p_folder) { return ReadImage(p_folder.Write("a.pfm", "Pf\n1 1\n-1\n1234")).pixels.size(); }},
+    {"Images OpenEXR",
+     [](const Folder& p_folder) {
+       return ReadImage(p_folder.Write("a.exr", ExrFile({0, 0, 2, 1}, "BGR"))).pixels.size();
      }},
     {"Tables CSV", [](const Folder&) { return ReadTable(VEK_SOURCE_DIR "/data/earthquakes.csv").Rows(); }},
 };

@@ -1,7 +1,9 @@
 #include "io/ReadVolume.h"
 #include "io/FileError.h"
 #include "tests/support/Damage.h"
+#include "tests/support/ErrorOf.h"
 #include "tests/support/FileText.h"
+#include "tests/support/Output.h"
 #include "tests/support/Test.h"
 
 using Io::FileError;
@@ -143,18 +145,6 @@ TEST(ReadVolume, OthersAndUnknown) {
 
 namespace {
 
-/// What a program prints, and its errors. A program that fails, for example because it is not installed, fails the
-/// test.
-std::string Output(const std::string& p_command) {
-  std::string output;
-  FILE* const pipe = popen((p_command + " 2>&1").c_str(), "r");
-  char block[4096];
-  for (std::size_t count; (count = fread(block, 1, sizeof block, pipe)) != 0;)
-    output.append(block, count);
-  EXPECT_EQ(pclose(pipe), 0) << p_command << '\n' << output;
-  return output;
-}
-
 /// A NIfTI file of a version, with values behind the header.
 struct Nifti {
   bool second = false;
@@ -270,7 +260,7 @@ TEST(ReadVolume, NiftiAsItsOwnToolReadsIt) {
                " && nifti_tool -copy_im -prefix b.nii.gz -infiles a.nii && "
                "nifti_tool -copy_im -prefix c.hdr -infiles a.nii && cp c.hdr d.hdr && gzip -c c.img > d.img.gz");
         for (const char* const copy : {"b.nii.gz", "c.hdr", "d.hdr"})
-          EXPECT_EQ(Summary(Io::ReadVolume(folder.Path().string() + "/" + copy)), Summary(volume)) << copy;
+          EXPECT_EQ(Summary(Io::ReadVolume(folder.File(copy))), Summary(volume)) << copy;
       }
 }
 
@@ -283,7 +273,7 @@ TEST(ReadVolume, NrrdAsItsOwnProgramWritesIt) {
   const std::string in = "cd " + folder.Path().string() + " && teem-unu ";
   Output(in + "make -t short -s 4 3 2 -i v.raw -en little -spc LPS -orig '(1,2,3)' -dirs '(0,2,0) (0.5,0,0) (0,0,3)' "
               "-o raw.nrrd");
-  const std::string expected = Summary(Io::ReadVolume(folder.Path().string() + "/raw.nrrd"));
+  const std::string expected = Summary(Io::ReadVolume(folder.File("raw.nrrd")));
   EXPECT_EQ(expected.substr(0, 30), "i16 4 3 2: -12000 -11000 -1000");
   EXPECT_NE(expected.find("/ 2 0.5 3 / -1 -2 3 | 0 -1 0 | -1 0 0 | 0 0 1 right-anterior-superior"), std::string::npos)
       << expected;
@@ -299,7 +289,7 @@ TEST(ReadVolume, NrrdAsItsOwnProgramWritesIt) {
                                         {"save -f nrrd -e raw", "f.nhdr"},
                                         {"save -f nrrd -e gzip", "g.nhdr"}}) {
     Output(in + arguments + " -i raw.nrrd -o " + file);
-    EXPECT_EQ(Summary(Io::ReadVolume(folder.Path().string() + "/" + file)), expected) << arguments;
+    EXPECT_EQ(Summary(Io::ReadVolume(folder.File(file))), expected) << arguments;
   }
   folder.Write("s1.raw", values.substr(0, 24));
   folder.Write("s2.raw", values.substr(24));
@@ -308,7 +298,7 @@ TEST(ReadVolume, NrrdAsItsOwnProgramWritesIt) {
     folder.Write("s.nhdr", std::string("NRRD0004\ntype: short\ndimension: 3\nsizes: 4 3 2\nendian: little\nencoding: "
                                        "raw\ndata file: ") +
                                files);
-    EXPECT_EQ(Summary(Io::ReadVolume(folder.Path().string() + "/s.nhdr")), plain + "/ 1 1 1 / 0 0 0") << files;
+    EXPECT_EQ(Summary(Io::ReadVolume(folder.File("s.nhdr"))), plain + "/ 1 1 1 / 0 0 0") << files;
   }
 }
 
@@ -354,8 +344,7 @@ TEST(ReadVolume, SurvivesDamage) {
   Output("cd " + folder.Path().string() + " && gzip -k a.nii");
   for (const char* const name :
        {"a.nrrd", "gzip.nrrd", "hex.nrrd", "ascii.nrrd", "a.nii", "b.nii", "a.nii.gz", "v.txt"}) {
-    std::ifstream file(folder.Path().string() + "/" + name, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    const std::string bytes = BytesOfFile(folder.File(name));
     ASSERT_EQ(SummaryOrError(bytes, name).find(std::string(name) + ":"), std::string::npos) << name;
     CheckDamage<FileError>(bytes, [&](const std::string& p_bytes) { Read(p_bytes, name); });
   }
