@@ -302,6 +302,24 @@ TEST(ReadVolume, NrrdAsItsOwnProgramWritesIt) {
   }
 }
 
+TEST(ReadVolume, RealFilesHoldTheValuesOfTheirSource) {
+  const std::string data = VEK_SOURCE_DIR "/data/";
+  const Volume source = Io::ReadVolume(data + "ocean_salinity.txt");
+  EXPECT_EQ(source.size, (std::array<std::size_t, 3>{180, 90, 20}));
+  for (const char* const name : {"pacific_salinity.nrrd", "pacific_salinity.nii.gz"}) {
+    const Volume part = Io::ReadVolume(data + name);
+    ASSERT_EQ(part.size, (std::array<std::size_t, 3>{24, 12, 4})) << name;
+    EXPECT_EQ(part.spacing, (Volume::Vector{2, 2, 1}));
+    EXPECT_EQ(part.Position(0, 0, 0), (Volume::Vector{160.5, -9.5, 0}));
+    EXPECT_NEAR(part.range[0], 34.212, 1e-5);
+    EXPECT_NEAR(part.range[1], 35.832, 1e-5);
+    for (std::size_t i = 0; i < part.Count(); ++i) {
+      const std::size_t x = i % 24, y = i / 24 % 12, z = i / 288;
+      ASSERT_EQ(part.Value(x, y, z), source.Value(70 + x, 40 + y, z)) << name;
+    }
+  }
+}
+
 TEST(ReadVolume, RawSizesTypesAndNoData) {
   Io::VolumeOptions options;
   options.raw = Io::RawLayout{{2, 1, 1}, Volume::Float32, 2, true, 3, {1, 1, 2}};
@@ -342,10 +360,12 @@ TEST(ReadVolume, SurvivesDamage) {
   folder.Write("b.nii", Oblique(true, true, 1, 0).bytes);
   folder.Write("v.txt", "TextArray 3 1 2 2\n1 2.5 -3 4e1 5 nan 7 8 9 10 11 12\n");
   Output("cd " + folder.Path().string() + " && gzip -k a.nii");
-  for (const char* const name :
-       {"a.nrrd", "gzip.nrrd", "hex.nrrd", "ascii.nrrd", "a.nii", "b.nii", "a.nii.gz", "v.txt"}) {
+  for (const std::string name : {"pacific_salinity.nrrd", "pacific_salinity.nii.gz"})
+    folder.Write(name, BytesOfFile(VEK_SOURCE_DIR "/data/" + name));
+  for (const std::string name : {"a.nrrd", "gzip.nrrd", "hex.nrrd", "ascii.nrrd", "a.nii", "b.nii", "a.nii.gz", "v.txt",
+                                 "pacific_salinity.nrrd", "pacific_salinity.nii.gz"}) {
     const std::string bytes = BytesOfFile(folder.File(name));
-    ASSERT_EQ(SummaryOrError(bytes, name).find(std::string(name) + ":"), std::string::npos) << name;
+    ASSERT_EQ(SummaryOrError(bytes, name).find(name + ":"), std::string::npos) << name;
     CheckDamage<FileError>(bytes, [&](const std::string& p_bytes) { Read(p_bytes, name); });
   }
 }
