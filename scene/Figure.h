@@ -103,7 +103,7 @@ public:
   StreamlinesPlot& Streamlines(const VectorField& p_field);
   SurfacePlot& Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights);
   MeshPlot& Mesh(const Array3& p_positions, const std::vector<std::array<unsigned, 3>>& p_triangles);
-  /// The triangles of an `Io::Mesh` with their normals and colours, without its lines, points and textures.
+  /// The triangles of an `Io::Mesh` with their normals, colours and textures, without its lines and points.
   MeshPlot& Mesh(const Library::ObjScene& p_mesh);
   /// The triangles of all groups of a model.
   MeshPlot& Mesh(const Library::ObjModel& p_model);

@@ -4,6 +4,7 @@
 #include "scene/private/MeshArrays.h"
 #include "scene/private/MeshDraw.h"
 #include "scene/private/MeshShaders.h"
+#include "scene/private/PeelShader.h"
 
 #include "library/ComputeNormals.h"
 #include "platform/debug/Check.h"
@@ -33,6 +34,7 @@ namespace Signature {
 constexpr const char* Draw = VEK_METHOD "Draw(" VEK_SCOPE ") const";
 constexpr const char* DrawColors = VEK_METHOD "Draw(" VEK_SCOPE ",const class Vek::Chart::Library::ColorMap &,"
                                               "const struct Vek::Chart::Scene::ValueScale &) const";
+constexpr const char* DrawTextured = VEK_METHOD "DrawTextured(" VEK_SCOPE ",const class QColor &) const";
 constexpr const char* DrawInstanced =
     VEK_METHOD "DrawInstanced(" VEK_SCOPE ",unsigned __int64,const class std::vector<struct "
                "Vek::Chart::Scene::GpuMesh::InstanceAttribute,class std::allocator<struct "
@@ -189,6 +191,16 @@ void GpuMesh::UpdateValues(const Array1& p_values) {
   _texCoords = Share(StoredValues(FloatValues(p_values)));
 }
 
+void GpuMesh::UpdateTexCoords(const std::vector<TexCoord>& p_texCoords) {
+  RequireLength("texture coordinates", p_texCoords.size());
+  std::vector<float> scalars;
+  scalars.reserve(2 * p_texCoords.size());
+  for (const TexCoord& texCoord : p_texCoords)
+    scalars.insert(scalars.end(), texCoord.begin(), texCoord.end());
+  _texCoordSize = 2;
+  _texCoords = Share(std::move(scalars));
+}
+
 void GpuMesh::UpdateColors(std::vector<Rgba> p_colors) {
   RequireLength("colours", p_colors.size());
   _colors = Share(std::move(p_colors));
@@ -274,13 +286,14 @@ void GpuMesh::Draw(Utility::Scoped<Rgl>& p_gl, std::size_t p_instances,
 namespace {
 
 const char* const VertexText = R"(
+uniform int painting;
 void main() {
   vec4 eye = gl_ModelViewMatrix * gl_Vertex;
   position = eye.xyz;
   normal = gl_NormalMatrix * gl_Normal;
   missing = gl_MultiTexCoord0.x > 3.2e38 ? 1.0 : 0.0;
   value = missing > 0.0 ? 0.0 : gl_MultiTexCoord0.x;
-  own = gl_Color;
+  own = painting == 2 ? gl_MultiTexCoord0 : gl_Color;
   gl_ClipVertex = eye;
   gl_Position = gl_ProjectionMatrix * eye;
 }
@@ -288,25 +301,44 @@ void main() {
 
 } // namespace
 
-void GpuMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
-                   const PeelPass* p_pass) const {
-  p_scale.Check();
-  if (Empty())
-    return;
+/// The program that lights colours; null, after a report, without one.
+const Ogl::ShaderProgram* GpuMesh::LitProgram(Utility::Scoped<Rgl>& p_gl) const {
   std::optional<Ogl::ShaderProgram>& lit = _buffers.Get(p_gl).lit;
   if (!lit || !lit->Linked())
     lit.emplace(p_gl, Private::MeshVaryings + std::string(VertexText), Private::LitColorText());
-  if (!lit->Linked())
-    return; // reported by the program
-  const auto map = p_colors.Bind(p_gl);
-  const auto inUse = lit->Use(p_gl);
-  Private::SetColorUniforms(p_gl, *lit, _colors ? Private::ByColor : Private::ByValue, p_colors, p_scale, p_pass);
-  lit->SetUniform(p_gl, "lighting", Private::LightingOf(*this));
+  return lit->Linked() ? &*lit : nullptr;
+}
+
+void GpuMesh::DrawLit(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_lit, const char* p_signature) const {
+  p_lit.SetUniform(p_gl, "lighting", Private::LightingOf(*this));
   const auto current = p_gl->PushAttribScope(RGL_CURRENT_BIT);
   p_gl->TexCoord(0, 0); // for a mesh without values
   const auto arrays = ArrayScope(*p_gl);
   p_gl->ClientActiveTexture(RGL_TEXTURE0);
-  Draw(p_gl, 0, {}, Signature::DrawColors);
+  Draw(p_gl, 0, {}, p_signature);
+}
+
+void GpuMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
+                   const PeelPass* p_pass) const {
+  p_scale.Check();
+  const Ogl::ShaderProgram* const lit = Empty() ? nullptr : LitProgram(p_gl);
+  if (lit == nullptr)
+    return;
+  const auto map = p_colors.Bind(p_gl);
+  const auto inUse = lit->Use(p_gl);
+  Private::SetColorUniforms(p_gl, *lit, _colors ? Private::ByColor : Private::ByValue, p_colors, p_scale, p_pass);
+  DrawLit(p_gl, *lit, Signature::DrawColors);
+}
+
+void GpuMesh::DrawTextured(Utility::Scoped<Rgl>& p_gl, const QColor& p_tint, const PeelPass* p_pass) const {
+  const Ogl::ShaderProgram* const lit = Empty() ? nullptr : LitProgram(p_gl);
+  if (lit == nullptr)
+    return;
+  const auto inUse = lit->Use(p_gl);
+  lit->SetUniform(p_gl, "painting", Private::ByTexture);
+  lit->SetUniform(p_gl, "tint", p_tint);
+  Private::SetPeelUniforms(p_gl, *lit, p_pass);
+  DrawLit(p_gl, *lit, Signature::DrawTextured);
 }
 
 void GpuMesh::Release(const Utility::Scoped<Rgl>& p_gl) const {

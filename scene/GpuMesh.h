@@ -13,6 +13,7 @@
 #include "platform/ogl/BufferPool.h"
 #include "platform/ogl/PerContext.h"
 #include "platform/ogl/Rgl.h"
+#include "platform/ogl/ShaderProgram.h"
 #include "platform/ogl/Vec.h"
 #include "platform/ogl/VertexBuffer.h"
 #include "platform/ogl/VertexData.h"
@@ -21,6 +22,8 @@
 #include "platform/utility/Scope.h"
 
 #include <boost/shared_ptr.hpp>
+
+#include <QColor>
 
 #include <array>
 #include <cstddef>
@@ -53,6 +56,8 @@ class VEK_SCENE_API GpuMesh {
 public:
   /// Red, green, blue, alpha.
   using Rgba = std::array<unsigned char, 4>;
+  /// u and v of a texture; (0, 0) is the lower left of its image.
+  using TexCoord = std::array<float, 2>;
   /// A position or a normal.
   using Record = Ogl::Vec3<float>;
 
@@ -89,6 +94,8 @@ public:
   void UpdateNormals(const Array3& p_normals);
   void UpdateValues(const Array1& p_values);
   void UpdateColors(std::vector<Rgba> p_colors);
+  /// Texture coordinates take the place of values, and values that of texture coordinates.
+  void UpdateTexCoords(const std::vector<TexCoord>& p_texCoords);
   ///@}
 
   /// True if there is nothing to draw.
@@ -115,6 +122,9 @@ public:
   void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale = {},
             const PeelPass* p_pass = nullptr) const;
 
+  /// Likewise in the colours of the 2-D texture that is bound to unit 0, at the texture coordinates, times a tint.
+  void DrawTextured(Utility::Scoped<Rgl>& p_gl, const QColor& p_tint, const PeelPass* p_pass = nullptr) const;
+
   /// An attribute of the caller's vertex shader that advances once per instance.
   struct InstanceAttribute {
     unsigned int location = 0;                     ///< of the attribute in the shader; not that of a fixed attribute
@@ -137,6 +147,8 @@ private:
   using Shared = boost::shared_ptr<const std::vector<T>>;
   struct Buffers;
 
+  const Ogl::ShaderProgram* LitProgram(Utility::Scoped<Rgl>& p_gl) const;
+  void DrawLit(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_lit, const char* p_signature) const;
   void Complete();
   void CompleteNormals();
   void RequireLength(const char* p_name, std::size_t p_count) const;

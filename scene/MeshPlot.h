@@ -19,8 +19,9 @@ struct MeshData;
 /// one position.
 ///
 /// Colours of a file: those of its vertices times the diffuse ones of its materials, where any of them is not the
-/// default, until `ColorBy` or `Color` is called. Opacities of materials are not drawn. Other triangles have one colour
-/// of the plot.
+/// default; and diffuse textures, repeated and with mip levels, times the diffuse colour. Both count until `ColorBy` or
+/// `Color` is called. A texture that cannot be read is noted. Opacities of materials are not drawn. Other triangles
+/// have one colour of the plot.
 ///
 /// A triangle with a vertex that is not finite, outside of the figure's limits or not above 0 on a logarithmic axis is
 /// left out; the figure notes those vertices.

@@ -27,8 +27,11 @@ MeshContent::MeshContent(MeshData p_data)
     : PointsContent(std::move(p_data.positions))
     , _normals(std::move(p_data.normals))
     , _parts(std::move(p_data.parts))
+    , _unreadTextures(p_data.unreadTextures)
     , _isUsed(positions.size())
     , _meshes(_parts.size()) {
+  for (const MeshPart& part : _parts)
+    _textures.emplace_back(part.texture);
   for (const MeshPart& part : _parts)
     for (const std::uint32_t index : part.indices)
       _isUsed[part.elements[index]] = true;
@@ -113,15 +116,26 @@ void MeshContent::PlaceColors() {
     for (GpuMesh::Rgba& color : colors)
       color[3] = static_cast<unsigned char>(color[3] * _opacity + 0.5);
     _meshes[i].UpdateColors(std::move(colors));
-    _meshes[i].UpdateValues(OfPart(_parts[i], coloring.Values()));
+    if (_isByFile && !_parts[i].texture.isNull())
+      _meshes[i].UpdateTexCoords(_parts[i].texCoords);
+    else
+      _meshes[i].UpdateValues(OfPart(_parts[i], coloring.Values()));
   }
 }
 
 void MeshContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   if (_isByFile && _opacity != opacity)
     PlaceColors();
-  for (const GpuMesh& mesh : _meshes)
-    mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
+  for (std::size_t i = 0; i < _parts.size(); ++i) {
+    if (!_isByFile || _parts[i].texture.isNull()) {
+      _meshes[i].Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
+      continue;
+    }
+    QColor tint = _parts[i].tint;
+    tint.setAlphaF(opacity);
+    const auto bound = _textures[i].Bind(p_gl);
+    _meshes[i].DrawTextured(p_gl, tint, p_frame.layer);
+  }
 }
 
 void MeshContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, const PickPass&) {
@@ -159,6 +173,15 @@ Picked MeshContent::Identify(std::optional<std::uint32_t> p_number, const Point&
 void MeshContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
   for (const GpuMesh& mesh : _meshes)
     mesh.Release(p_gl);
+  for (const ModelTexture& texture : _textures)
+    texture.Release(p_gl);
+}
+
+std::vector<QString> MeshContent::Notes() const {
+  std::vector<QString> notes = PointsContent::Notes();
+  if (_isByFile)
+    AddCount(notes, _unreadTextures, {"texture", "textures"}, "not read");
+  return notes;
 }
 
 } // namespace Vek::Chart::Scene::Private

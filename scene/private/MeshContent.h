@@ -2,6 +2,7 @@
 
 #include "scene/GpuMesh.h"
 #include "scene/private/MeshData.h"
+#include "scene/private/ModelTexture.h"
 #include "scene/private/PlacedContent.h"
 
 #include <vector>
@@ -20,6 +21,7 @@ public:
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
   void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;
   Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const override;
+  std::vector<QString> Notes() const override;
 
 private:
   bool IsUsed(std::size_t p_index) const override { return _isUsed[p_index]; }
@@ -31,6 +33,8 @@ private:
 
   std::vector<Point> _normals; ///< of the file; none to compute them
   std::vector<MeshPart> _parts;
+  std::vector<ModelTexture> _textures; ///< one a part
+  std::size_t _unreadTextures = 0;
   std::vector<bool> _isUsed; ///< whether a triangle has the vertex
   bool _isByFile = true;     ///< whether the colours of the file count
 

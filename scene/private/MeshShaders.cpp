@@ -25,7 +25,7 @@ float StoredValue(float p_value) {
 const std::string& LitColorText() {
   static const std::string Text = std::string(MeshVaryings) + PeelText + R"(
 uniform sampler2D colors;
-uniform int painting;    // 0: by value, 1: by colour
+uniform int painting;    // 0: by value, 1: by colour, 2: by texture
 uniform int lighting;    // 0: none, 1: by normals, 2: by faces
 uniform int logarithmic;
 uniform float lower;     // the value of the first colour, or its logarithm
@@ -33,6 +33,7 @@ uniform float factor;    // 1 / (upper - lower)
 uniform vec4 below;
 uniform vec4 above;
 uniform vec4 unknown;    // the colour of missing values
+uniform vec4 tint;       // of the texture
 
 vec4 ColorOfValue() {
   if (missing > 0.0)
@@ -44,7 +45,9 @@ vec4 ColorOfValue() {
 }
 
 void main() {
-  vec4 color = painting == 1 ? own : ColorOfValue();
+  vec4 color = painting == 1   ? own
+               : painting == 2 ? texture2D(colors, own.xy) * tint
+                               : ColorOfValue();
   if (color.a == 0.0)
     discard;
   vec3 shade = vec3(1.0);

@@ -27,14 +27,14 @@ varying vec3 normal;   // in eye coordinates
 varying vec3 position; // in eye coordinates
 varying float value;
 varying float missing; // above 0 for a missing value
-varying vec4 own;      // the colour, where it does not come from the map
+varying vec4 own;      // the colour, or the texture coordinates, where it does not come from the map
 )";
 
 /// A fragment shader that lights the colours of a map by GL's light 0.
 const std::string& LitColorText();
 
 /// How LitColorText finds colours.
-enum Painting : int { ByValue = 0, ByColor = 1 };
+enum Painting : int { ByValue = 0, ByColor = 1, ByTexture = 2 };
 /// How LitColorText lights a primitive.
 enum Lighting : int { Unlit = 0, ByNormals = 1, ByFaces = 2 };
 

@@ -168,6 +168,42 @@ TEST_F(MeshPlotPixels, NormalsAreThoseOfTheFile) {
   EXPECT_NEAR(shade({2, 0, 1}, 1, true), upright, 3) << "computed";
 }
 
+/// The lower left of the image is at (0, 0); it is repeated; one that cannot be read leaves the material's colour.
+TEST_F(MeshPlotPixels, TexturesOfAFileAreRepeated) {
+  TempFolder folder;
+  QImage image(2, 2, QImage::Format_RGB32); // red and green above blue and white
+  image.setPixel(0, 0, 0xFFFF0000), image.setPixel(1, 0, 0xFF00FF00);
+  image.setPixel(0, 1, 0xFF0000FF), image.setPixel(1, 1, 0xFFFFFFFF);
+  image = image.scaled(64, 64); // so that texels do not blend where tests look
+  ASSERT_TRUE(image.save(QString::fromStdString(folder.File("texture.png"))));
+  Library::ObjScene file = SquareFile({0, 0, 1}, {0, 0});
+  file.texCoords = {0, 0, 2, 0, 2, 2, 0, 2}; // twice along both edges
+  file.materials[0].diffuse = {1, 1, 0.5F};
+  file.materials[0].diffuseTexture = folder.File("texture.png");
+  Figure figure;
+  MeshPlot& plot = figure.Mesh(file);
+  for (const double shift : {0.0, 1.0}) {
+    const QColor blue = Drawn(figure, {0.25 + shift, 0.25, 3}), red = Drawn(figure, {0.25, 0.75 + shift, 3}),
+                 green = Drawn(figure, {0.75 + shift, 0.75, 3});
+    EXPECT_GT(red.red(), 180);
+    EXPECT_LT(red.green() + red.blue(), 60);
+    EXPECT_GT(green.green(), 180);
+    EXPECT_NEAR(blue.blue(), 0.5 * red.red(), 15) << "times the colour of the material";
+  }
+  plot.SetOpacity(0.5);
+  EXPECT_NEAR(Drawn(figure, {0.25, 0.75, 3}).green(), 128, 8);
+  plot.SetOpacity(1).ColorBy(Doubles(4, 1)).ColorMap({Qt::cyan, Qt::cyan});
+  EXPECT_LT(Drawn(figure, {0.25, 0.75, 3}).red(), 60);
+  plot.ColorByFile();
+  EXPECT_GT(Drawn(figure, {0.25, 0.75, 3}).red(), 180);
+
+  file.materials[0].diffuseTexture = folder.File("none.png");
+  Figure unread;
+  unread.Mesh(file);
+  EXPECT_EQ(unread.Layout(viewport).notes, Notes{"1 texture not read"});
+  EXPECT_GT(Drawn(unread, {0.25, 0.75, 3}).green(), 150) << "yellow";
+}
+
 class MeshPlotCalls : public FigureCallsFixture {};
 
 TEST_F(MeshPlotCalls, UploadWhatChanged) {
