@@ -16,6 +16,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -56,6 +57,54 @@ std::uint32_t Number(std::string_view p_bytes) {
   return number;
 }
 
+/// The bytes of the values of types that always have as many. The library reads that many, whatever the file claims.
+struct TypeSize {
+  std::string_view type;
+  std::size_t bytes;
+};
+constexpr TypeSize TypeSizes[] = {
+    {"box2f", 16},
+    {"box2i", 16},
+    {"chromaticities", 32},
+    {"compression", 1},
+    {"deepImageState", 1},
+    {"double", 8},
+    {"envmap", 1},
+    {"float", 4},
+    {"int", 4},
+    {"keycode", 28},
+    {"lineOrder", 1},
+    {"m33d", 72},
+    {"m33f", 36},
+    {"m44d", 128},
+    {"m44f", 64},
+    {"rational", 8},
+    {"tiledesc", 9},
+    {"timecode", 8},
+    {"v2d", 16},
+    {"v2f", 8},
+    {"v2i", 8},
+    {"v3d", 24},
+    {"v3f", 12},
+    {"v3i", 12},
+};
+
+/// Whether a value has the size that its type or its content need.
+bool HasItsSize(std::string_view p_type, std::string_view p_value) {
+  if (p_type == "preview")
+    return p_value.size() >= 8 &&
+           p_value.size() == 8 + 4 * std::uint64_t{Number(p_value)} * std::uint64_t{Number(p_value.substr(4))};
+  if (p_type == "chlist") { // names, each with 16 bytes behind its zero, and a zero
+    std::size_t at = 0;
+    while (at < p_value.size() && p_value[at] != '\0')
+      at = std::min(p_value.find('\0', at), p_value.size()) + 17;
+    return at + 1 == p_value.size();
+  }
+  const auto row = std::find_if(std::begin(TypeSizes), std::end(TypeSizes),
+                                [&](const TypeSize& p_row) { return p_row.type == p_type; });
+  return row == std::end(TypeSizes) || row->bytes == p_value.size();
+}
+
 /// Compares the sizes that the first header claims with that of the file, since the library believes them: it takes
 /// memory for the positions of all blocks, and for a block.
 void CheckClaims(std::string_view p_file, const std::string& p_name) {
@@ -68,12 +117,15 @@ void CheckClaims(std::string_view p_file, const std::string& p_name) {
   };
   std::uint64_t width = 1, height = 1, channels = 1, tileWidth = 0, tileHeight = 0;
   for (std::string_view name; !(name = word()).empty();) {
-    word(); // the type
+    const std::string_view type = word();
     const std::size_t size = rest.size() < 4 ? SIZE_MAX : Number(rest);
     if (size > rest.size() - std::min<std::size_t>(4, rest.size()))
       throw FileError(p_name, "the file ends within its header");
     const std::string_view value = rest.substr(4, size);
     rest.remove_prefix(4 + size);
+    if (!HasItsSize(type, value))
+      throw FileError(p_name, "the value \"" + std::string(name.substr(0, 40)) + "\" of the header has " +
+                                  std::to_string(size) + " bytes, which its type does not have");
     const auto extent = [&](std::size_t p_first) { // of a window, modulo 2^32
       return std::uint64_t{Number(value.substr(p_first + 8)) - Number(value.substr(p_first))} + 1;
     };
