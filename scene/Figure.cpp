@@ -1,7 +1,9 @@
 #include "scene/Figure.h"
 
 #include "scene/Background.h"
+#include "scene/Graticule.h"
 #include "scene/private/FigureCuts.h"
+#include "scene/private/FigureMap.h"
 #include "scene/private/FigureState.h"
 #include "scene/private/ImageFile.h"
 #include "scene/private/MeshData.h"
@@ -26,6 +28,19 @@ std::size_t RequireAxis(const char* p_function, int p_axis) {
     throw std::invalid_argument(std::string(p_function) + ": expected an axis of 0 to 2, got " +
                                 std::to_string(p_axis));
   return static_cast<std::size_t>(p_axis);
+}
+
+/// Throws if there is a map with limits that are not those of one.
+void RequireMap(const char* p_function, const Private::AxisRules& p_rules) {
+  const auto require = [&](std::size_t p_axis, double p_least, double p_most, const char* p_expected) {
+    const auto& limits = p_rules.limits[p_axis];
+    if (p_rules.isMap && limits &&
+        !(limits->min >= p_least && limits->max <= p_most && limits->max - limits->min <= Graticule::Turn))
+      throw std::invalid_argument(std::string(p_function) + ": expected " + p_expected + ", got " +
+                                  std::to_string(limits->min) + " to " + std::to_string(limits->max));
+  };
+  require(0, -Graticule::Turn, 2 * Graticule::Turn, "longitudes from -360 to 720, up to 360 apart");
+  require(1, -Graticule::Pole, Graticule::Pole, "latitudes from -90 to 90");
 }
 
 } // namespace
@@ -145,7 +160,10 @@ Figure& Figure::SetLimits(int p_axis, double p_low, double p_high) {
     throw std::invalid_argument(std::string("SetLimits: expected finite, ascending limits") +
                                 (isLogarithmic ? " above 0" : "") + ", got " + std::to_string(p_low) + " and " +
                                 std::to_string(p_high));
-  _state->rules.limits[axis] = Private::Range(p_low, p_high);
+  Private::AxisRules rules = _state->rules;
+  rules.limits[axis] = Private::Range(p_low, p_high);
+  RequireMap("SetLimits", rules);
+  _state->rules = rules;
   return *this;
 }
 
@@ -157,6 +175,7 @@ Figure& Figure::SetLogAxis(int p_axis, bool p_logarithmic) {
   Private::AxisRules rules = _state->rules;
   rules.logarithmic[axis] = p_logarithmic;
   rules.dates[axis] = rules.dates[axis] && !p_logarithmic;
+  rules.isMap = rules.isMap && !(p_logarithmic && axis < 2);
   for (const Types::Plane& clip : _state->clips)
     if (!Private::IsCut(clip, rules))
       throw std::invalid_argument("SetLogAxis: expected cutting planes above 0, got one at " +
@@ -169,6 +188,22 @@ Figure& Figure::SetDateAxis(int p_axis, bool p_dates) {
   const std::size_t axis = RequireAxis("SetDateAxis", p_axis);
   _state->rules.dates[axis] = p_dates;
   _state->rules.logarithmic[axis] = _state->rules.logarithmic[axis] && !p_dates;
+  _state->rules.isMap = _state->rules.isMap && !(p_dates && axis < 2);
+  return *this;
+}
+
+Figure& Figure::SetMap(bool p_isMap) {
+  Private::AxisRules rules = _state->rules;
+  rules.isMap = p_isMap;
+  for (const std::size_t axis : {0, 1}) {
+    rules.logarithmic[axis] = rules.logarithmic[axis] && !p_isMap;
+    rules.dates[axis] = rules.dates[axis] && !p_isMap;
+  }
+  RequireMap("SetMap", rules);
+  if (p_isMap && _state->clips.size() > Private::MostCuts - Private::MapBorderCount)
+    throw std::invalid_argument("SetMap: expected at most 2 cutting planes, got " +
+                                std::to_string(_state->clips.size()));
+  _state->rules = rules;
   return *this;
 }
 
@@ -194,8 +229,9 @@ Figure& Figure::Look(double p_azimuth, double p_elevation, Scene::Camera::Projec
 Figure& Figure::Clip(const Types::Plane& p_plane) {
   if (!Private::IsCut(p_plane, _state->rules))
     throw std::invalid_argument("Clip: expected a finite plane with a normal, above 0 on logarithmic axes");
-  if (_state->clips.size() == Private::MostCuts)
-    throw std::invalid_argument("Clip: expected at most 6 planes, got another one");
+  const std::size_t most = Private::MostCuts - (_state->rules.isMap ? Private::MapBorderCount : 0);
+  if (_state->clips.size() >= most)
+    throw std::invalid_argument("Clip: expected at most " + std::to_string(most) + " planes, got another one");
   _state->clips.push_back(p_plane);
   return *this;
 }
@@ -256,14 +292,13 @@ std::optional<Figure::Hit> Figure::Pick(Utility::Scoped<Rgl>& p_gl, const Types:
 }
 
 QImage Figure::Image(Types::Size p_size, int p_samples) {
-  constexpr int LargestTwice = 4096;
-  const bool isDoubled = _state->HasTransparent() && std::max(p_size.width, p_size.height) <= LargestTwice;
-  const auto draw = [&](Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport) {
-    Draw(p_gl, p_viewport, isDoubled ? 2 : 1);
-  };
-  return isDoubled && p_size.width > 0 && p_size.height > 0
-             ? Private::Halved(Private::DrawnImage({2 * p_size.width, 2 * p_size.height}, p_samples / 8 * 2, draw))
-             : Private::DrawnImage(p_size, p_samples, draw);
+  return Private::DrawnImage(
+      p_size, p_samples, HasTransparent(),
+      [this](auto& p_gl, const auto& p_viewport, double p_pixelRatio) { Draw(p_gl, p_viewport, p_pixelRatio); });
+}
+
+bool Figure::HasTransparent() const {
+  return _state->HasTransparent();
 }
 
 Types::Vector3_Base<double> Figure::ToScene(const Types::Vector3_Base<double>& p_data) const {

@@ -119,18 +119,33 @@ public:
   Figure& SetAxisNames(int p_axis, const std::vector<QString>& p_names);
   /// The ticks of an axis, 0 to 2 for x to z: `&Ticks::Dates`, for example. By default decimal values.
   Figure& SetTicks(int p_axis, Axes::TickMaker p_ticks);
-  /// The limits of an axis, 0 to 2 for x to z: finite and ascending, above 0 on a logarithmic axis. Points outside are
-  /// left out, which is said.
+  /// The limits of an axis, 0 to 2 for x to z: finite and ascending, above 0 on a logarithmic axis; of a map, latitudes
+  /// from −90 to 90, longitudes from −360 to 720 up to 360 apart. Points outside are left out, which is said.
   Figure& SetLimits(int p_axis, double p_low, double p_high);
-  /// Makes an axis logarithmic, and no axis of dates. Points that are not above 0 are left out, which is said. Limits
-  /// and cutting planes must be above 0.
+  /// Makes an axis logarithmic, and no axis of dates or of a map. Points that are not above 0 are left out, which is
+  /// said. Limits and cutting planes must be above 0.
   Figure& SetLogAxis(int p_axis, bool p_logarithmic = true);
   /// Makes an axis one of dates: values are seconds since 1970-01-01 00:00 UTC (see Ticks::Dates). Its unit compares to
-  /// no other one, so that it is stretched without a note. Not logarithmic.
+  /// no other one, so that it is stretched without a note. Not logarithmic, and not of a map.
   ///
   /// \snippet SceneMapSnippets.cpp Dates
   /// \image html parts/Dates.png
   Figure& SetDateAxis(int p_axis, bool p_dates = true);
+  /// Makes x a longitude and y a latitude, both in degrees, on an equirectangular map: meridians and parallels have
+  /// their names ("30° N"), and degrees of longitude their true length in the middle of a map that is narrower than
+  /// half the world (see Graticule). Neither x nor y is logarithmic or a date then; z has a unit of its own.
+  ///
+  /// Longitudes from −360 to 720 are drawn wherever the map has them, and what leaves it at one border enters at the
+  /// other. Nothing is drawn beyond the borders. Points beyond a pole are left out, which is said. The borders are
+  /// round limits around the data, or the whole world for data wider than 300°: 0 to 360 without negative longitudes,
+  /// else −180 to 180. SetLimits(0, 150, 240) makes a map across the date line.
+  ///
+  /// Throws std::invalid_argument for limits that are no map (see SetLimits) and for more than two cutting planes, as
+  /// the borders take four.
+  ///
+  /// \snippet SceneMapSnippets.cpp Map
+  /// \image html parts/Map.png
+  Figure& SetMap(bool p_isMap = true);
   /// Lengths of units along the axes relative to each other, above 0; {1, 1, 1} for equal units whatever the spans.
   Figure& SetAspect(double p_x, double p_y, double p_z);
   /// The direction of the own camera, in degrees (see Camera), and a projection; it stays fitted to the data.
@@ -141,7 +156,7 @@ public:
   /// Cuts all plots: only what lies on the side of the plane that its normal points to is drawn and picked. Point and
   /// normal are in data units; along a logarithmic axis, the normal counts in decades. Limits and axes stay. The
   /// outline of the cut is drawn, and the figure says that it is cut. Throws std::invalid_argument for a plane that is
-  /// not finite or has no normal, for a number that is not above 0 on a logarithmic axis, and for the seventh plane.
+  /// not finite or has no normal, for a number that is not above 0 on a logarithmic axis, and for the seventh plane, on a map the third.
   Figure& Clip(const Types::Plane& p_plane);
   /// Likewise, across an axis, 0 to 2 for x to z, at a position in data units.
   Figure& Clip(int p_axis, double p_position, Side p_kept);
@@ -224,6 +239,10 @@ public:
   void Release(const Utility::Scoped<Rgl>& p_gl) const;
 
 private:
+  friend class FigureGrid;
+  /// Whether a visible plot is half-transparent.
+  bool HasTransparent() const;
+
   struct State;
   std::unique_ptr<State> _state;
 };

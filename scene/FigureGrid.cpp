@@ -209,7 +209,11 @@ void FigureGrid::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_vi
 }
 
 QImage FigureGrid::Image(Types::Size p_size, int p_samples) {
-  return Private::DrawnImage(p_size, p_samples, [this](auto& p_gl, const auto& p_viewport) { Draw(p_gl, p_viewport); });
+  const bool hasTransparent =
+      std::any_of(_figures.begin(), _figures.end(), [](const Figure& p_figure) { return p_figure.HasTransparent(); });
+  return Private::DrawnImage(
+      p_size, p_samples, hasTransparent,
+      [this](auto& p_gl, const auto& p_viewport, double p_pixelRatio) { Draw(p_gl, p_viewport, p_pixelRatio); });
 }
 
 void FigureGrid::Save(const QString& p_path, Types::Size p_size, double p_resolution) {

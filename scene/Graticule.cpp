@@ -12,11 +12,9 @@ namespace Vek::Chart::Scene {
 
 namespace {
 
-constexpr double Turn = 360;
-
 void Check(const Graticule& p_map) {
   const double width = p_map.east - p_map.west;
-  if (!(std::isfinite(p_map.west) && width > 0 && width <= Turn))
+  if (!(std::isfinite(p_map.west) && width > 0 && width <= Graticule::Turn))
     throw std::invalid_argument("Graticule: expected borders up to 360 degrees apart, got " +
                                 std::to_string(p_map.west) + " to " + std::to_string(p_map.east));
   if (!(p_map.south >= -90 && p_map.north <= 90 && p_map.south < p_map.north))
@@ -24,16 +22,27 @@ void Check(const Graticule& p_map) {
                                 " to " + std::to_string(p_map.north));
 }
 
+/// The standard parallel of a map.
+double ParallelOf(double p_width, double p_south, double p_north) {
+  return p_width > Graticule::Turn / 2 ? 0 : p_south / 2 + p_north / 2;
+}
+
 } // namespace
 
 double Graticule::StandardParallel() const {
   Check(*this);
-  return east - west > Turn / 2 ? 0 : south / 2 + north / 2;
+  return ParallelOf(east - west, south, north);
 }
 
 double Graticule::LongitudeScale() const {
+  Check(*this);
+  return LongitudeScale(east - west, south, north);
+}
+
+double Graticule::LongitudeScale(double p_width, double p_south, double p_north) {
   constexpr double Least = 0.01; // a map around a pole stays a map
-  return std::max(Least, std::cos(Types::Angle::FromDegrees(StandardParallel()).Radians()));
+  const double parallel = std::clamp(ParallelOf(p_width, p_south, p_north), -Pole, Pole);
+  return std::max(Least, std::cos(Types::Angle::FromDegrees(parallel).Radians()));
 }
 
 double Graticule::Wrapped(double p_longitude) const {

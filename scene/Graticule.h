@@ -23,6 +23,9 @@ namespace Vek::Chart::Scene {
 /// \image html parts/Graticule.png
 /// \ingroup legends
 struct VEK_SCENE_API Graticule {
+  static constexpr double Turn = 360; ///< degrees of longitude around the world
+  static constexpr double Pole = 90;  ///< the latitude of the north pole
+
   double west = -180; ///< the western border in degrees
   double east = 180;  ///< the eastern border, more than `west`, by 360 at most
   double south = -90; ///< the southern border, −90 at least
@@ -32,6 +35,8 @@ struct VEK_SCENE_API Graticule {
   double StandardParallel() const;
   /// The units of a degree of longitude: the cosine of the standard parallel, 0.01 at least.
   double LongitudeScale() const;
+  /// That of a map with other borders in degrees, which need not be those of a map.
+  static double LongitudeScale(double p_width, double p_south, double p_north);
   /// The longitude plus the full turns for which it is `west` at least and less than `west` + 360; one between the
   /// borders as it is. NaN for numbers that are not finite.
   double Wrapped(double p_longitude) const;

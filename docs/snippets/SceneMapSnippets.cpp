@@ -60,6 +60,17 @@ TEST_F(SceneMapSnippetPixels, Graticule) {
   Show("Graticule");
 }
 
+TEST_F(SceneMapSnippetPixels, Map) {
+  //! [Map]
+  const Io::Table wind = Io::ReadTable(data + "noaa_navy_winds_1987-01.csv"); // longitudes from 20 to 380
+  Figure figure("Winds of the world", "Monthly mean at the surface, January 1987");
+  figure.SetMap().SetLimits(0, -180, 180);
+  figure.Quiver(wind.Points("lon", "lat"), wind.Vectors("u", "v")).ColorByLength().ColorTitle("Speed in m/s");
+  const QImage image = figure.Image({1200, 680});
+  //! [Map]
+  Vek::Test::Shown(image, "Map");
+}
+
 TEST_F(SceneMapSnippetPixels, Dates) {
   //! [Dates]
   const Io::Table quakes = Io::ReadTable(data + "earthquakes.csv");

@@ -1,5 +1,7 @@
 #include "scene/private/DataTransform.h"
 
+#include "scene/Graticule.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -30,7 +32,6 @@ double StretchTo(double p_reference, double p_span) {
 std::array<double, 3> Stretches(const std::array<double, 3>& p_spans, const AxisRules& p_rules) {
   std::array<double, 3> stretch{1, 1, 1};
   const auto length = [&](std::size_t p_axis) { return p_spans[p_axis] * stretch[p_axis]; };
-  const auto hasOwnUnit = [&](std::size_t p_axis) { return p_rules.logarithmic[p_axis] || p_rules.dates[p_axis]; };
   const auto isFree = [&](std::size_t p_axis) { return p_rules.stretch[p_axis] == 0; };
   for (std::size_t axis = 0; axis < 3; ++axis)
     if (!isFree(axis))
@@ -39,7 +40,7 @@ std::array<double, 3> Stretches(const std::array<double, 3>& p_spans, const Axis
   double reference = 0;
   for (const bool isOther : {false, true})
     for (std::size_t axis = 0; axis < 3; ++axis) {
-      if (hasOwnUnit(axis) != isOther || p_spans[axis] <= 0)
+      if (p_rules.HasOwnUnit(axis) != isOther || p_spans[axis] <= 0)
         continue;
       if (isFree(axis) && reference > 0) {
         // A short first axis is stretched to the second one; everything else to what comes before it.
@@ -54,6 +55,14 @@ std::array<double, 3> Stretches(const std::array<double, 3>& p_spans, const Axis
   return stretch;
 }
 
+/// Whether a longitude of any turn lies within limits.
+bool IsWithin(const Range& p_limits, double p_longitude) {
+  if (p_limits.min <= p_longitude && p_longitude <= p_limits.max)
+    return true;
+  const double beyond = std::fmod(p_longitude - p_limits.min, Graticule::Turn);
+  return p_limits.min + beyond + (beyond < 0 ? Graticule::Turn : 0) <= p_limits.max;
+}
+
 } // namespace
 
 bool AxisRules::operator==(const AxisRules& p_other) const {
@@ -62,14 +71,23 @@ bool AxisRules::operator==(const AxisRules& p_other) const {
     if (a.has_value() != b.has_value() || (a && (a->min != b->min || a->max != b->max)))
       return false;
   }
-  return logarithmic == p_other.logarithmic && dates == p_other.dates && stretch == p_other.stretch;
+  return logarithmic == p_other.logarithmic && dates == p_other.dates && isMap == p_other.isMap &&
+         stretch == p_other.stretch;
 }
 
 bool AxisRules::Shows(const Point& p_point) const {
+  if (isMap &&
+      !(p_point.x >= -Graticule::Turn && p_point.x <= 2 * Graticule::Turn && std::abs(p_point.y) <= Graticule::Pole))
+    return false;
   for (std::size_t axis = 0; axis < 3; ++axis) {
     const double number = At(p_point, axis);
     if (!std::isfinite(number) || (logarithmic[axis] && number <= 0))
       return false;
+    if (isMap && axis == 0) {
+      if (limits[0] && !IsWithin(*limits[0], number))
+        return false;
+      continue;
+    }
     if (limits[axis] && !(limits[axis]->min <= number && number <= limits[axis]->max))
       return false;
   }
@@ -149,7 +167,10 @@ DataTransform TransformFor(const Box& p_box, const AxisRules& p_rules, const Dat
     spans[axis] = std::min(high - low, 1e300);
     centers[axis] = low / 2 + high / 2;
   }
-  const std::array<double, 3> stretch = Stretches(spans, p_rules);
+  AxisRules rules = p_rules;
+  if (rules.isMap && rules.stretch[0] == 0)
+    rules.stretch = {Graticule::LongitudeScale(spans[0], std::round(p_box.Min().y), std::round(p_box.Max().y)), 1, 0};
+  const std::array<double, 3> stretch = Stretches(spans, rules);
   double longest = 0;
   for (std::size_t axis = 0; axis < 3; ++axis)
     longest = std::max(longest, spans[axis] * stretch[axis]);

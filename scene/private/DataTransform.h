@@ -34,11 +34,15 @@ inline bool IsFinite(const Point& p_point) {
 struct AxisRules {
   std::array<bool, 3> logarithmic{};
   std::array<bool, 3> dates{}; ///< seconds, which no other axis measures
+  bool isMap = false;          ///< whether x is a longitude and y a latitude, in degrees
   std::array<std::optional<Range>, 3> limits;
   std::array<double, 3> stretch{}; ///< factors; 0 for automatic ones
   bool operator==(const AxisRules& p_other) const;
   bool operator!=(const AxisRules& p_other) const { return !(*this == p_other); }
-  /// Whether a point is finite, within the limits, and above 0 on logarithmic axes.
+  /// Whether an axis measures what no other one does: logarithms, seconds, heights above a map.
+  bool HasOwnUnit(std::size_t p_axis) const { return logarithmic[p_axis] || dates[p_axis] || isMap; }
+  /// Whether a point is finite, within the limits, and above 0 on logarithmic axes. Longitudes of a map may be of any
+  /// turn from −360 to 720 degrees.
   bool Shows(const Point& p_point) const;
 };
 
@@ -80,7 +84,8 @@ Box Widened(const Box& p_box, const std::array<bool, 3>& p_logarithmic, bool p_i
 ///
 /// Units are equal on all axes unless spans differ by more than four: then y is stretched against x, and z against the
 /// longer one of both, by factors of 1, 2 or 5 × 10^n. Logarithmic axes are about half as long as the longest other
-/// one; of dates, x and y are longer than the other ones.
+/// one; of dates, x and y are longer than the other ones. On
+/// maps, degrees of longitude have their true length (see Graticule).
 DataTransform TransformFor(const Box& p_box, const AxisRules& p_rules, const DataTransform& p_previous);
 
 } // namespace Vek::Chart::Scene::Private

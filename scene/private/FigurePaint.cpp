@@ -33,8 +33,8 @@ void Figure::Paint(QPainter& p_painter, const QSizeF& p_size, double p_resolutio
 
 QImage Figure::State::DataImage(const Figure& p_figure, const FigureLayout& p_layout,
                                 const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
-  constexpr int Samples = 4;
-  Ogl::OffscreenContext context({static_cast<int>(p_viewport.width), static_cast<int>(p_viewport.height)}, Samples);
+  const int samples = HasTransparent() ? 0 : 4; // layers of half-transparent plots have single samples
+  Ogl::OffscreenContext context({static_cast<int>(p_viewport.width), static_cast<int>(p_viewport.height)}, samples);
   const auto imageOn = [&](const QColor& p_background) {
     {
       Utility::Scoped<Rgl> gl(context.Handle());

@@ -45,9 +45,10 @@ std::optional<Figure::Hit> Figure::State::Pick(Utility::Scoped<Rgl>& p_gl, Priva
   std::vector<Picker::DrawPlot> drawings;
   for (Entry* const entry : plots) {
     scene.plots.emplace_back(entry->content, entry->content->revision);
-    drawings.emplace_back([&p_frame, content = entry->content](Utility::Scoped<Rgl>& p_scope, const PickPass& p_pass) {
-      const auto cut = Private::CutScope(p_scope, p_frame.cuts);
-      content->DrawPick(p_scope, p_frame, p_pass);
+    drawings.emplace_back([&, content = entry->content](Utility::Scoped<Rgl>& p_scope, const PickPass& p_pass) {
+      const auto cut = CutScope(p_scope, p_frame);
+      ForEachCopy(p_scope, p_frame, *content,
+                  [&](const Private::Frame& p_copy) { content->DrawPick(p_scope, p_copy, p_pass); });
     });
   }
   if (!(scene == picked)) {
@@ -62,7 +63,12 @@ std::optional<Figure::Hit> Figure::State::Pick(Utility::Scoped<Rgl>& p_gl, Priva
   if (!hit->element && entry.content->Count() >= PickPass::NoElement && !std::exchange(entry.isCountReported, true))
     vekdebug::warn("Figure: Pick: expected fewer than 2^24 elements in a plot, got " +
                    std::to_string(entry.content->Count()));
-  const Private::Picked found = entry.content->Identify(hit->element, hit->position);
+  Private::Point position = hit->position;
+  for (const double shift : ShiftsOf(*entry.content))
+    if (const double x = hit->position.x - shift;
+        entry.content->placedBox.Min().x <= x && x <= entry.content->placedBox.Max().x)
+      position.x = x;
+  const Private::Picked found = entry.content->Identify(hit->element, position);
   const auto key = entry.content->coloring.Key();
   return Hit{entry.plot.get(), entry.content->label, found.element,
              found.position,   found.value,          key ? key->title : QString()};

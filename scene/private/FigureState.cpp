@@ -3,8 +3,10 @@
 #include "scene/ArrowKey.h"
 #include "scene/ColorBar.h"
 #include "scene/DirectionalLight.h"
+#include "scene/Graticule.h"
 #include "scene/SizeLegend.h"
 #include "scene/private/FigureCuts.h"
+#include "scene/private/FigureMap.h"
 #include "scene/private/FigurePage.h"
 #include "scene/private/SceneState.h"
 
@@ -90,9 +92,10 @@ Box Figure::State::PlacePlots(const QSizeF& p_size) {
   placement.most = RoomForGlyphs(p_size, _isFlat);
   Box scene = transform(data);
   for (PlotContent* const content : Visible())
-    scene += content->Place(placement);
+    scene += content->placedBox = content->Place(placement);
 
   // Round limits around whole glyphs.
+  const Box bare = data;
   data = transform.Inverse(scene);
   constexpr int Steps = 40;
   Point low = data.Min(), high = data.Max();
@@ -100,7 +103,7 @@ Box Figure::State::PlacePlots(const QSizeF& p_size) {
     const Range round = Private::RoundOutward(Private::Along(data, axis), rules.logarithmic[axis], Steps);
     At(low, axis) = round.min, At(high, axis) = round.max;
   }
-  return limited(Box(low, high));
+  return limited(rules.isMap ? Private::MapLimits(Box(low, high), bare) : Box(low, high));
 }
 
 QString Figure::State::AxisName(std::size_t p_axis) const {
@@ -112,13 +115,16 @@ Axes Figure::State::MakeAxes(const Box& p_limits) const {
   axes.box = transform(p_limits);
   const bool isUntitled = axisTitles[0].isEmpty() && axisTitles[1].isEmpty() && axisTitles[2].isEmpty();
   for (std::size_t axis = 0; axis < 3; ++axis) {
-    axes.axes[axis].title = isUntitled && !_isFlat ? QString::fromLatin1(AxisNames[axis]) : axisTitles[axis];
+    axes.axes[axis].title =
+        isUntitled && !_isFlat && !(rules.isMap && axis < 2) ? QString::fromLatin1(AxisNames[axis]) : axisTitles[axis];
     axes.axes[axis].ticks = ticks[axis];
     axes.axes[axis].low = At(p_limits.Min(), axis);
     axes.axes[axis].high = At(p_limits.Max(), axis);
     axes.axes[axis].scale = rules.logarithmic[axis] ? Axes::Scale::Logarithmic : Axes::Scale::Linear;
-    if (rules.dates[axis] && !ticks[axis])
-      axes.axes[axis].ticks = &Ticks::Dates;
+    if (!ticks[axis] && (rules.dates[axis] || (rules.isMap && axis < 2)))
+      axes.axes[axis].ticks = rules.dates[axis] ? &Ticks::Dates
+                              : axis == 0       ? &Graticule::Meridians
+                                                : &Graticule::Parallels;
   }
   return axes;
 }
@@ -130,7 +136,7 @@ std::vector<QString> Figure::State::Notes() const {
     for (const QString& note : content->Notes())
       notes.push_back(visible.size() > 1 && !content->label.isEmpty() ? content->label + ": " + note : note);
   for (std::size_t axis = 0; axis < (_isFlat ? 2 : 3); ++axis)
-    if (transform.axes[axis].stretch != 1 && !rules.logarithmic[axis] && !rules.dates[axis])
+    if (transform.axes[axis].stretch != 1 && !rules.HasOwnUnit(axis))
       notes.push_back(QStringLiteral("%1 \u00D7 %2").arg(AxisName(axis)).arg(transform.axes[axis].stretch));
   for (const QString& note : Private::CutNotes(clips, {AxisName(0), AxisName(1), AxisName(2)}))
     notes.push_back(note);
@@ -291,9 +297,9 @@ void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame
 
 void Figure::State::DrawContents(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame,
                                  const std::vector<PlotContent*>& p_contents) {
-  const auto cut = Private::CutScope(p_gl, p_frame.cuts);
+  const auto cut = CutScope(p_gl, p_frame);
   for (PlotContent* const content : p_contents)
-    content->Draw(p_gl, p_frame);
+    ForEachCopy(p_gl, p_frame, *content, [&](const Private::Frame& p_copy) { content->Draw(p_gl, p_copy); });
 }
 
 namespace {

@@ -6,26 +6,16 @@
 
 #include <QImageWriter>
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <string>
 
 namespace Vek::Chart::Scene::Private {
 
-QImage DrawnImage(Types::Size p_size, int p_samples,
-                  const std::function<void(Utility::Scoped<Rgl>&, const Types::Viewport<0>&)>& p_draw) {
-  if (p_size.width <= 0 || p_size.height <= 0)
-    throw std::invalid_argument("Image: expected a size above 0, got " + std::to_string(p_size.width) + " x " +
-                                std::to_string(p_size.height));
-  const OffscreenApplication application;
-  Ogl::OffscreenContext context(p_size, p_samples);
-  {
-    Utility::Scoped<Rgl> gl(context.Handle());
-    p_draw(gl, {0, 0, static_cast<float>(p_size.width), static_cast<float>(p_size.height)});
-  }
-  return context.Image().convertToFormat(QImage::Format_RGB32); // opaque: blending has changed alpha
-}
+namespace {
 
+/// The mean of each four pixels.
 QImage Halved(const QImage& p_image) {
   QImage half(p_image.width() / 2, p_image.height() / 2, QImage::Format_RGB32);
   for (int y = 0; y < half.height(); ++y) {
@@ -41,6 +31,26 @@ QImage Halved(const QImage& p_image) {
     }
   }
   return half;
+}
+
+} // namespace
+
+QImage DrawnImage(Types::Size p_size, int p_samples, bool p_hasTransparent, const DrawPage& p_draw) {
+  if (p_size.width <= 0 || p_size.height <= 0)
+    throw std::invalid_argument("Image: expected a size above 0, got " + std::to_string(p_size.width) + " x " +
+                                std::to_string(p_size.height));
+  constexpr int LargestTwice = 4096;
+  const bool isDoubled = p_hasTransparent && std::max(p_size.width, p_size.height) <= LargestTwice;
+  const int factor = isDoubled ? 2 : 1;
+  const Types::Size size(factor * p_size.width, factor * p_size.height);
+  const OffscreenApplication application;
+  Ogl::OffscreenContext context(size, isDoubled ? p_samples / 8 * 2 : p_samples);
+  {
+    Utility::Scoped<Rgl> gl(context.Handle());
+    p_draw(gl, {0, 0, static_cast<float>(size.width), static_cast<float>(size.height)}, factor);
+  }
+  const QImage image = context.Image().convertToFormat(QImage::Format_RGB32); // opaque: blending has changed alpha
+  return isDoubled ? Halved(image) : image;
 }
 
 void WriteImage(const QImage& p_image, const QString& p_path) {

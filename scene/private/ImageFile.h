@@ -12,12 +12,12 @@
 
 namespace Vek::Chart::Scene::Private {
 
-/// An opaque image of what is drawn off-screen, with or without an application object (see Figure::Image).
-QImage DrawnImage(Types::Size p_size, int p_samples,
-                  const std::function<void(Utility::Scoped<Rgl>&, const Types::Viewport<0>&)>& p_draw);
+/// Draws into a viewport with so many pixels a point.
+using DrawPage = std::function<void(Utility::Scoped<Rgl>&, const Types::Viewport<0>&, double)>;
 
-/// Each pixel is the mean of four of an opaque image.
-QImage Halved(const QImage& p_image);
+/// An opaque image of what is drawn off-screen, with or without an application object (see Figure::Image). Layers of
+/// half-transparent things have single samples, so that such images are drawn at twice the size where they can.
+QImage DrawnImage(Types::Size p_size, int p_samples, bool p_hasTransparent, const DrawPage& p_draw);
 
 /// Writes an image in the format that the path's suffix names. Throws std::runtime_error with path and reason.
 void WriteImage(const QImage& p_image, const QString& p_path);

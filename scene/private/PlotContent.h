@@ -97,6 +97,7 @@ public:
   QString label;
   Coloring coloring;
   std::size_t revision = 0; ///< another one after each change
+  Box placedBox;            ///< what Place returned last, kept by Figure
   /// Called after the values changed.
   virtual void ValuesChanged() {}
 

@@ -78,7 +78,7 @@ TEST_F(FigurePdfTest, PaintsWhatIsDrawn) {
   painted.fill(Qt::green);
   {
     QPainter painter(&painted);
-    figure.Paint(painter, {300, 200}, 72);
+    figure.Paint(painter, {300, 200}, 144); // as images with half-transparent plots are drawn
   }
   int different = 0;
   for (int y = 0; y < 200; ++y)
