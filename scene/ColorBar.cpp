@@ -69,6 +69,10 @@ struct Frame {
   Canvas::Rect Rect(double p_from, double p_to) const {
     return isVertical ? Canvas::Rect{0, p_from, thickness, p_to} : Canvas::Rect{p_from, 0, p_to, thickness};
   }
+  /// Half of the colours, away from the ticks.
+  Canvas::Rect OuterHalf() const {
+    return isVertical ? Canvas::Rect{0, 0, thickness / 2, length} : Canvas::Rect{0, thickness / 2, length, thickness};
+  }
   String TickString(const QString& p_text, double p_along, double p_gap, const TextStyle& p_style) const {
     return {p_text, At(p_along, p_gap), isVertical ? TextRenderer::Anchor{0, 0.5} : TextRenderer::Anchor{0.5, 1},
             p_style};
@@ -120,6 +124,27 @@ Ticks ColorBar::TicksFor(std::size_t p_most) const {
                         : Ticks::Linear(_bounds.front(), _bounds.back(), p_most);
 }
 
+namespace {
+
+/// The colours in their opacities over a background.
+QImage Blended(const QImage& p_colors, const std::vector<double>& p_opacities, const QColor& p_background) {
+  const int count = std::max(p_colors.width(), static_cast<int>(p_opacities.size()));
+  QImage blended(count, 1, QImage::Format_ARGB32);
+  for (int i = 0; i < count; ++i) {
+    const QColor color = p_colors.pixelColor(i * p_colors.width() / count, 0);
+    const double opacity =
+        p_opacities[static_cast<std::size_t>(i) * p_opacities.size() / static_cast<std::size_t>(count)];
+    const auto mix = [&](double p_of, double p_over) { return p_of * opacity + p_over * (1 - opacity); };
+    blended.setPixelColor(i, 0,
+                          QColor::fromRgbF(mix(color.redF(), p_background.redF()),
+                                           mix(color.greenF(), p_background.greenF()),
+                                           mix(color.blueF(), p_background.blueF())));
+  }
+  return blended;
+}
+
+} // namespace
+
 /// A layout in the making.
 struct ColorBar::Builder {
   Builder(const ColorBar& p_bar, double p_length, const Theme& p_theme, double p_pointSize)
@@ -140,6 +165,9 @@ struct ColorBar::Builder {
 
   void AddColors() {
     block.Add(LegendBlock::Gradient{frame.Rect(0, frame.length), bar._colors, frame.isVertical});
+    if (!bar.opacities.empty() && !bar._colors.isNull())
+      block.Add(LegendBlock::Gradient{frame.OuterHalf(), Blended(bar._colors, bar.opacities, theme.backgroundBottom),
+                                      frame.isVertical});
     const double low = -before, high = frame.length + after;
     if (before > 0)
       block.Add(LegendBlock::Shape{frame.Point(-metrics.pointGap, low), bar._below});

@@ -73,6 +73,9 @@ public:
   double least = std::numeric_limits<double>::quiet_NaN();   ///< of the data; NaN if unknown
   double largest = std::numeric_limits<double>::quiet_NaN(); ///< of the data; NaN if unknown
   bool hasMissing = false;                                   ///< whether values are missing
+  /// Opacities at even distances along the colours, 0 to 1: half of the bar's thickness, away from the ticks, shows the
+  /// colours in these over the background. Empty for opaque colours.
+  std::vector<double> opacities;
   QString missingName = QLatin1String("no data");            ///< beside the colour of missing values
   std::optional<Ticks> ticks;                                ///< own ticks; the strings that fit are drawn
   Metrics metrics;                                           ///< lengths

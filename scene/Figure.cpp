@@ -107,6 +107,22 @@ MeshPlot& Figure::Mesh(const Library::ObjModel& p_model) {
       std::unique_ptr<MeshPlot>(new MeshPlot(Private::DataOf(std::move(positions), std::move(indices)))));
 }
 
+SlicesPlot& Figure::Slices(const VoxelGrid& p_volume) {
+  return _state->Add(std::unique_ptr<SlicesPlot>(new SlicesPlot(p_volume))).ColorByValue();
+}
+
+VolumePlot& Figure::Volume(const VoxelGrid& p_volume) {
+  return _state->Add(std::unique_ptr<VolumePlot>(new VolumePlot(p_volume))).ColorByValue();
+}
+
+IsosurfacePlot& Figure::Isosurface(const VoxelGrid& p_volume, double p_level) {
+  return Isosurface(p_volume, std::vector<double>{p_level});
+}
+
+IsosurfacePlot& Figure::Isosurface(const VoxelGrid& p_volume, const std::vector<double>& p_levels) {
+  return _state->Add(std::unique_ptr<IsosurfacePlot>(new IsosurfacePlot(p_volume, p_levels))).ColorByLevel();
+}
+
 void Figure::Remove(const Plot& p_plot) {
   auto& entries = _state->entries;
   const auto entry =

@@ -6,15 +6,18 @@
 #include "scene/Camera.h"
 #include "scene/Export.h"
 #include "scene/FigureLayout.h"
+#include "scene/IsosurfacePlot.h"
 #include "scene/LinesPlot.h"
 #include "scene/MeshPlot.h"
 #include "scene/Plot.h"
 #include "scene/QuiverPlot.h"
 #include "scene/ScatterPlot.h"
+#include "scene/SlicesPlot.h"
 #include "scene/StreamlinesPlot.h"
 #include "scene/SurfacePlot.h"
 #include "scene/Theme.h"
 #include "scene/VectorField.h"
+#include "scene/VolumePlot.h"
 
 #include "platform/ogl/Rgl.h"
 #include "platform/types/Geometry.h"
@@ -107,6 +110,14 @@ public:
   MeshPlot& Mesh(const Library::ObjScene& p_mesh);
   /// The triangles of all groups of a model.
   MeshPlot& Mesh(const Library::ObjModel& p_model);
+  /// Slices through a volume: an `Io::Volume`, or numbers with their place.
+  SlicesPlot& Slices(const VoxelGrid& p_volume);
+  /// A volume that is looked through.
+  VolumePlot& Volume(const VoxelGrid& p_volume);
+  /// The surface on which the values of a volume equal a level.
+  IsosurfacePlot& Isosurface(const VoxelGrid& p_volume, double p_level);
+  /// The surfaces of several levels, one at least.
+  IsosurfacePlot& Isosurface(const VoxelGrid& p_volume, const std::vector<double>& p_levels);
   ///@}
   /// Removes a plot and frees its GL objects. Throws std::invalid_argument for a plot of another figure.
   void Remove(const Plot& p_plot);

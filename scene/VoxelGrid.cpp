@@ -124,6 +124,15 @@ VoxelGrid VoxelGrid::WithValues(const Array1& p_values) const {
   return other;
 }
 
+VoxelGrid VoxelGrid::MovedTo(const VoxelGrid& p_places) const {
+  if (Size() != p_places.Size())
+    throw std::invalid_argument("VoxelGrid: expected places of " + std::to_string(Count()) + " voxels, got " +
+                                std::to_string(p_places.Count()) + ", or others along the axes");
+  VoxelGrid other = *this;
+  other._places = p_places._places;
+  return other;
+}
+
 VoxelGrid VoxelGrid::MovedTo(const std::array<std::vector<double>, 3>& p_knots) const {
   for (std::size_t axis = 0; axis < 3; ++axis) {
     RequireCount("VoxelGrid: knots", p_knots[axis].size(), 2 * static_cast<std::size_t>(Size()[axis]) + 1);

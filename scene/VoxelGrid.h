@@ -100,9 +100,10 @@ public:
   static Box CubicBounds(const Sizes& p_sizes, double p_longest);
 
   ///@{
-  /// Other values at the same places, or the same voxels at other places: bounds and centres of the cells along each
-  /// axis, as `Knots` returns them. Voxels share their texture wherever they are.
+  /// Other values at the same places, or the same voxels at other places: those of a grid of the same sizes, or bounds
+  /// and centres of the cells along each axis, as `Knots` returns them. Voxels share their texture wherever they are.
   VoxelGrid WithValues(const Array1& p_values) const;
+  VoxelGrid MovedTo(const VoxelGrid& p_places) const;
   VoxelGrid MovedTo(const std::array<std::vector<double>, 3>& p_knots) const;
   ///@}
   /// Means of the present values of blocks of `p_factor`³ voxels, at the upper ends of less; missing where there are

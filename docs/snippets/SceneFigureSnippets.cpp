@@ -1,6 +1,7 @@
 // Examples of the reference for figures; it shows the lines between two marks.
 
 #include "io/ReadTable.h"
+#include "io/ReadVolume.h"
 #include "scene/Figure.h"
 #include "tests/support/Shown.h"
 #include "tests/support/Test.h"
@@ -171,6 +172,75 @@ TEST_F(SceneFigureSnippetPixels, MeshPlot) {
   const QImage image = figure.Image({1200, 800});
   //! [MeshPlot]
   Vek::Test::Shown(image, "MeshPlot");
+}
+
+TEST_F(SceneFigureSnippetPixels, SlicesPlot) {
+  //! [SlicesPlot]
+  Io::Volume ocean = Io::ReadVolume(data + "ocean_salinity.txt"); // land and sea floor are 0
+  ocean.noData = 0;
+  std::vector<double> lon, lat;
+  for (std::size_t i = 0; i < ocean.size[0]; ++i)
+    lon.push_back(20.5 + 2.0 * static_cast<double>(i));
+  for (std::size_t j = 0; j < ocean.size[1]; ++j)
+    lat.push_back(-89.5 + 2.0 * static_cast<double>(j));
+  const std::vector<double> heights = {0,    -10,  -20,  -30,   -50,   -75,   -100,  -150,  -200,  -300,
+                                       -400, -600, -800, -1000, -1200, -1500, -2000, -3000, -4000, -5000};
+  Figure figure("Salinity of the ocean", "Mean of all years");
+  figure.SetAxisTitles("Longitude in °", "Latitude in °", "Height in m");
+  figure.Slices({ocean.Floats(), lon, lat, heights})
+      .At(0, 330)
+      .At(1, 0)
+      .At(2, -1000)
+      .ColorRange(34, 37)
+      .ColorTitle("Salinity in g/kg");
+  const QImage image = figure.Image({1200, 800});
+  //! [SlicesPlot]
+  Vek::Test::Shown(image, "SlicesPlot");
+}
+
+TEST_F(SceneFigureSnippetPixels, VolumePlot) {
+  //! [VolumePlot]
+  // The wave function of the orbital 4f(xyz) of a hydrogen atom, 1 at most, without its constant factor.
+  constexpr int N = 64;
+  std::vector<double> wave;
+  const auto at = [](int p_i) { return 50.0 * (p_i + 0.5) / N - 25; };
+  for (int i = 0; i < N * N * N; ++i) {
+    const double x = at(i % N), y = at(i / N % N), z = at(i / N / N);
+    wave.push_back(x * y * z * std::exp(3 - std::hypot(x, y, z) / 4) * std::sqrt(27.0) / (12 * 12 * 12));
+  }
+  Figure figure("Orbital 4f(xyz)", "Wave function of a hydrogen atom");
+  figure.theme = Theme::Dark();
+  figure.Volume({wave, {N, N, N}, {{-25, -25, -25}, {25, 25, 25}}})
+      .ColorMap("coolwarm")
+      .ColorRange(-1, 1)
+      .OpacityBy({{-1, 0.9}, {-0.1, 0}, {0.1, 0}, {1, 0.9}})
+      .ColorTitle("Relative amplitude");
+  figure.SetAxisTitles("x in Bohr radii", "y in Bohr radii", "z in Bohr radii");
+  const QImage image = figure.Image({1200, 800});
+  //! [VolumePlot]
+  Vek::Test::Shown(image, "VolumePlot");
+}
+
+TEST_F(SceneFigureSnippetPixels, IsosurfacePlot) {
+  //! [IsosurfacePlot]
+  // The potential of two charges.
+  constexpr int N = 60;
+  std::vector<double> axis, potential;
+  for (int i = 0; i < N; ++i)
+    axis.push_back(6.0 * i / (N - 1) - 3);
+  for (const double z : axis)
+    for (const double y : axis)
+      for (const double x : axis)
+        potential.push_back(2 / std::hypot(x + 1.1, y, z) - 1 / std::hypot(x - 1.1, y, z));
+  Figure figure("Potential of two charges", "+2 and −1");
+  figure.Isosurface({potential, axis, axis, axis}, {-0.5, 0, 0.7, 1, 1.6})
+      .ColorMap("coolwarm")
+      .ColorRange(-1.6, 1.6)
+      .ColorTitle("Potential in V")
+      .SetOpacity(0.5);
+  const QImage image = figure.Image({1200, 800});
+  //! [IsosurfacePlot]
+  Vek::Test::Shown(image, "IsosurfacePlot");
 }
 
 } // namespace

@@ -22,6 +22,13 @@ void RequireRange(double p_low, double p_high, bool p_logarithmic) {
   throw std::invalid_argument(message.str());
 }
 
+/// The value at a share of the colours.
+double ValueAt(const ValueScale& p_scale, double p_share) {
+  if (p_scale.logarithmic)
+    return std::exp(std::log(p_scale.lower) * (1 - p_share) + std::log(p_scale.upper) * p_share);
+  return p_scale.lower * (1 - p_share) + p_scale.upper * p_share;
+}
+
 QColor Faded(QColor p_color, double p_opacity) {
   p_color.setAlphaF(p_color.alphaF() * p_opacity);
   return p_color;
@@ -31,7 +38,8 @@ QColor Faded(QColor p_color, double p_opacity) {
 
 bool ColorKey::Matches(const ColorKey& p_other) const {
   return title == p_other.title && colors == p_other.colors && range.min == p_other.range.min &&
-         range.max == p_other.range.max && logarithmic == p_other.logarithmic;
+         range.max == p_other.range.max && logarithmic == p_other.logarithmic && levels == p_other.levels &&
+         opacities == p_other.opacities;
 }
 
 void ColorKey::Merge(const ColorKey& p_other) {
@@ -51,11 +59,21 @@ void Coloring::SetColor(const QColor& p_color) {
 }
 
 void Coloring::SetValues(const std::vector<double>& p_values) {
-  if (_values.empty() != p_values.empty())
+  if (_hasValues == p_values.empty())
     _map.Reset();
   _linear = Summarize(p_values, false);
   _positive = Summarize(p_values, true);
   _values.assign(p_values.begin(), p_values.end());
+  _hasValues = !p_values.empty();
+}
+
+void Coloring::SetSummaries(const ValueSummary& p_all, const ValueSummary& p_positive) {
+  if (!_hasValues)
+    _map.Reset();
+  _linear = p_all;
+  _positive = p_positive;
+  _values = {};
+  _hasValues = true;
 }
 
 void Coloring::SetMap(std::vector<QColor> p_colors) {
@@ -81,7 +99,7 @@ void Coloring::SetOpacity(double p_opacity) {
 
 ValueScale Coloring::Scale() const {
   ValueScale scale;
-  if (_values.empty())
+  if (!_hasValues)
     return scale; // elements without values have the value 0: the only colour
   const Range range = EffectiveRange();
   scale.lower = range.min;
@@ -94,7 +112,7 @@ ValueScale Coloring::Scale() const {
 const Library::ColorMap& Coloring::Map(Utility::Scoped<Rgl>& p_gl) const {
   return _map.Get(p_gl, [&] {
     std::vector<QColor> colors{_color};
-    if (!_values.empty())
+    if (_hasValues)
       colors = _colors.empty() ? Library::NamedColors::Colors("viridis") : _colors;
     for (QColor& color : colors)
       color = Faded(color, _opacity);
@@ -103,7 +121,7 @@ const Library::ColorMap& Coloring::Map(Utility::Scoped<Rgl>& p_gl) const {
 }
 
 std::optional<ColorKey> Coloring::Key() const {
-  if (_values.empty())
+  if (!_hasValues)
     return {};
   ColorKey key;
   key.title = _title.isEmpty() ? _defaultTitle : _title;
@@ -113,13 +131,22 @@ std::optional<ColorKey> Coloring::Key() const {
   key.all = Summary().all;
   key.hasBelow = Summary().hasBelow || Summary().all.min < key.range.min;
   key.hasAbove = Summary().hasAbove || Summary().all.max > key.range.max;
-  key.hasMissing = Summary().missing != 0;
+  key.hasMissing = Summary().missing != 0 && _missing.alpha() != 0;
   key.missing = _missing;
+  key.levels = _levels;
+  if (_opacities) {
+    constexpr int Count = 256;
+    const ValueScale scale = Scale();
+    std::vector<double> values;
+    for (int i = 0; i < Count; ++i)
+      values.push_back(ValueAt(scale, (i + 0.5) / Count));
+    key.opacities = _opacities(values, scale);
+  }
   return key;
 }
 
 QColor Coloring::Sample() const {
-  if (_values.empty())
+  if (!_hasValues)
     return _color;
   const std::vector<QColor> colors = _colors.empty() ? Library::NamedColors::Colors("viridis") : _colors;
   return colors[colors.size() / 2];

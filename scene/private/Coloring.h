@@ -12,8 +12,10 @@
 #include <QColor>
 #include <QString>
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Vek::Chart::Scene::Private {
@@ -24,13 +26,15 @@ struct ColorKey {
   std::vector<QColor> colors; ///< from low to high, opaque
   Range range;
   bool logarithmic = false;
-  Range all;             ///< true extremes; empty if there are no values
-  bool hasBelow = false; ///< values below the range
-  bool hasAbove = false; ///< values above it
-  bool hasMissing = false;
+  Range all;               ///< true extremes; empty if there are no values
+  bool hasBelow = false;   ///< values below the range
+  bool hasAbove = false;   ///< values above it
+  bool hasMissing = false; ///< and they have a colour
   QColor missing;
+  std::vector<double> levels;    ///< all values that there are; empty for a whole range
+  std::vector<double> opacities; ///< along the colours; empty if opaque
 
-  /// Whether both can share a colour bar: title, map and range are equal.
+  /// Whether both can share a colour bar: title, map, range, levels and opacities are equal.
   bool Matches(const ColorKey& p_other) const;
   /// Takes in what only the other one has: extremes and missing values.
   void Merge(const ColorKey& p_other);
@@ -39,8 +43,16 @@ struct ColorKey {
 /// How a plot gets its colours: by values and a colour map, or one colour for all.
 class Coloring {
 public:
+  using Opacities = std::function<std::vector<double>(const std::vector<double>&, const ValueScale&)>;
+
   void SetColor(const QColor& p_color);
   void SetValues(const std::vector<double>& p_values);
+  /// For values that the plot keeps itself: all in brief, and the positive ones.
+  void SetSummaries(const ValueSummary& p_all, const ValueSummary& p_positive);
+  /// The only values that there are, which the ticks of the colour bar name; none for a whole range.
+  void SetLevels(std::vector<double> p_levels) { _levels = std::move(p_levels); }
+  /// The opacities of values on a scale, for the colour bar.
+  void SetOpacities(Opacities p_opacity) { _opacities = std::move(p_opacity); }
   void SetMap(std::vector<QColor> p_colors);
   void SetRange(double p_low, double p_high);
   void SetLogarithmic(bool p_logarithmic);
@@ -58,6 +70,7 @@ public:
   ValueScale Scale() const;
   /// The colour map of the scope's context.
   const Library::ColorMap& Map(Utility::Scoped<Rgl>& p_gl) const;
+  bool HasValues() const { return _hasValues; }
   /// For a colour bar; empty without values.
   std::optional<ColorKey> Key() const;
   /// The colour of a plot without values, opaque; of others the middle of the map.
@@ -67,7 +80,10 @@ public:
 private:
   const ValueSummary& Summary() const { return _logarithmic ? _positive : _linear; }
 
+  bool _hasValues = false;
   std::vector<float> _values;
+  std::vector<double> _levels;
+  Opacities _opacities;
   ValueSummary _linear, _positive; ///< of the values before they are rounded to float
   QColor _color;
   std::vector<QColor> _colors; ///< of the map; viridis if empty

@@ -167,6 +167,9 @@ std::vector<ColorBar> BarsOf(const std::vector<PlotContent*>& p_contents) {
     ColorBar bar(Library::ColorMap(key.colors, Library::ColorMap::Interpolated), scale);
     bar.title = key.title;
     bar.hasMissing = key.hasMissing;
+    bar.opacities = key.opacities;
+    if (!key.levels.empty())
+      bar.ticks = Ticks::OfBounds(key.levels, key.levels.size());
     if (key.hasBelow)
       bar.least = key.all.Empty() ? -HUGE_VAL : std::min(key.all.min, key.range.min);
     if (key.hasAbove)

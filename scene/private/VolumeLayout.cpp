@@ -82,6 +82,9 @@ VolumeLayout LayOut(const Io::Volume& p_volume, std::size_t p_channel) {
   layout.values = Reordered(p_volume.Floats(p_channel), size, order);
   const bool hasNames = p_channel < p_volume.channelNames.size();
   layout.name = QString::fromStdString(hasNames ? p_volume.channelNames[p_channel] : p_volume.name);
+  if (p_volume.channels > 1 && !hasNames)
+    layout.name += (layout.name.isEmpty() ? QString() : QStringLiteral(", ")) +
+                   QStringLiteral("channel %1 of %2").arg(p_channel + 1).arg(p_volume.channels);
   layout.unit = QString::fromStdString(p_volume.unit);
   layout.lengthUnit = QString::fromStdString(p_volume.lengthUnit);
   return layout;

@@ -1,0 +1,66 @@
+#include "scene/SlicesPlot.h"
+
+#include "scene/private/SlicesContent.h"
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+namespace Vek::Chart::Scene {
+
+namespace {
+
+Private::SlicesContent& Slices(Private::PlotContent& p_content) {
+  return static_cast<Private::SlicesContent&>(p_content);
+}
+
+void RequireFinite(const char* p_function, double p_position) {
+  if (!std::isfinite(p_position))
+    throw std::invalid_argument(std::string(p_function) + ": expected a finite position, got " +
+                                std::to_string(p_position));
+}
+
+} // namespace
+
+SlicesPlot::SlicesPlot(const VoxelGrid& p_volume)
+    : ColoredPlot(std::make_unique<Private::SlicesContent>(p_volume)) {}
+
+SlicesPlot& SlicesPlot::At(int p_axis, double p_position) {
+  if (p_axis < 0 || p_axis > 2)
+    throw std::invalid_argument("At: expected an axis of 0 to 2, got " + std::to_string(p_axis));
+  RequireFinite("At", p_position);
+  Slices(Content()).Add({static_cast<std::size_t>(p_axis), p_position});
+  return *this;
+}
+
+SlicesPlot& SlicesPlot::Move(std::size_t p_slice, double p_position) {
+  RequireFinite("Move", p_position);
+  Slices(Content()).Move(p_slice, p_position);
+  return *this;
+}
+
+SlicesPlot& SlicesPlot::Clear() {
+  Slices(Content()).Clear();
+  return *this;
+}
+
+std::size_t SlicesPlot::SliceCount() const {
+  return Slices(const_cast<SlicesPlot*>(this)->Content()).Slices().size();
+}
+
+SlicesPlot& SlicesPlot::Filter(VoxelGrid::Filter p_filter) {
+  Slices(Content()).SetFilter(p_filter);
+  return *this;
+}
+
+SlicesPlot& SlicesPlot::ColorByValue() {
+  Slices(Content()).ColorByValue();
+  return *this;
+}
+
+SlicesPlot& SlicesPlot::UpdateValues(const Array1& p_values) {
+  Slices(Content()).UpdateValues(p_values);
+  return *this;
+}
+
+} // namespace Vek::Chart::Scene

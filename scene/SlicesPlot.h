@@ -1,0 +1,58 @@
+#pragma once
+
+#include "scene/Array.h"
+#include "scene/Export.h"
+#include "scene/Plot.h"
+#include "scene/VoxelGrid.h"
+
+#include <cstddef>
+
+namespace Vek::Chart::Scene {
+
+/// Plane slices through a volume, perpendicular to the axes, in the colours of its values. Made by `Figure::Slices`.
+///
+///     figure.Slices(Io::ReadVolume("ocean.nc")).At(2, -500).At(0, 330).ColorMap("cividis").ColorTitle("Salinity");
+///
+/// Slices: one through the middle of each axis, until `At` or `Clear` is called. Their positions are in data units;
+/// cells of different widths are drawn to scale. The figure notes all positions, and slices that lie outside of the
+/// axes or of the volume. The edges of the volume behind the slices are drawn, and the outlines of the slices.
+///
+/// Values: those of `VoxelGrid::Sample` at each pixel, linear between the centres of voxels by default, constant beyond
+/// the outermost ones. (On a logarithmic axis, linear in the logarithm of the position.) Missing voxels are transparent
+/// unless `MissingColor` gives them a colour; the figure notes their number. Elements are voxels, in the order of the
+/// grid; `ColorBy` replaces their values.
+///
+/// Large volumes: of more than 2048 voxels along an axis, or 2^27 in all, means of cubes of voxels are drawn, which the
+/// figure notes. The range of the colours is that of all voxels; quantiles are those of a million at most.
+///
+/// A pick gives the nearest voxel and the value at the point. Other positions, colours and ranges upload no voxel.
+///
+/// \snippet SceneFigureSnippets.cpp SlicesPlot
+/// \image html parts/SlicesPlot.png
+/// \ingroup plots
+class VEK_SCENE_API SlicesPlot : public ColoredPlot<SlicesPlot> {
+public:
+  /// Adds a slice perpendicular to an axis, 0 to 2 for x to z. The first one replaces the default slices. Throws
+  /// std::invalid_argument for another axis and a position that is not finite.
+  SlicesPlot& At(int p_axis, double p_position);
+  /// Moves a slice along its axis, by its number in the order of adding; the default ones are 0 to 2 for x to z. Throws
+  /// std::invalid_argument for a slice that does not exist and a position that is not finite.
+  SlicesPlot& Move(std::size_t p_slice, double p_position);
+  /// Removes all slices.
+  SlicesPlot& Clear();
+  /// How many slices there are.
+  std::size_t SliceCount() const;
+
+  /// How values between the centres of voxels are found; VoxelGrid::Filter::Nearest shows the voxels.
+  SlicesPlot& Filter(VoxelGrid::Filter p_filter);
+  /// Colours by the values of the volume again, the default.
+  SlicesPlot& ColorByValue();
+  /// Replaces the values by as many others, NaN for missing ones. Uploads them alone.
+  SlicesPlot& UpdateValues(const Array1& p_values);
+
+private:
+  friend class Figure;
+  explicit SlicesPlot(const VoxelGrid& p_volume);
+};
+
+} // namespace Vek::Chart::Scene
