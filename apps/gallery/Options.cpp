@@ -53,8 +53,12 @@ constexpr Option AllOptions[] = {
      [](Options& p_options, const std::string& p_value) { p_options.size = ParseSize(p_value); }},
     {"data", "FOLDER", "the folder with data/, symbols/ and sprites/ (found from the program's own place)",
      [](Options& p_options, const std::string& p_value) { p_options.data = p_value; }},
-    {"winds", "FILE", "winds of your own: columns lon,lat,u,v or longitude,latitude,dir,speed (dir: where from)",
+    {"winds", "FILE",
+     "winds of your own: columns lon,lat,u,v or longitude,latitude,dir,speed (dir: where from), or "
+     "NetCDF",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.winds = p_value; }},
+    {"time", "STEP", "the step of time in a NetCDF file of winds, from 0",
+     [](Options& p_options, const std::string& p_value) { p_options.inputs.time = ParseTime(p_value); }},
     {"quakes", "FILE", "earthquakes of your own: a table with the columns lon,lat,depth_km,mag",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.quakes = p_value; }},
     {"relief", "FILE", "a height grid for the maps: \"nx ny x0 dx y0 dy\", then ny rows of nx metres",
@@ -72,6 +76,14 @@ constexpr Option AllOptions[] = {
 };
 
 } // namespace
+
+std::size_t ParseTime(const std::string& p_text) {
+  std::size_t time = 0;
+  const auto [end, error] = std::from_chars(p_text.data(), p_text.data() + p_text.size(), time);
+  if (error != std::errc() || end != p_text.data() + p_text.size())
+    throw UsageError("--time takes a step from 0, not '" + p_text + "'");
+  return time;
+}
 
 Options ParseOptions(const std::vector<std::string>& p_arguments, const Options& p_defaults) {
   std::vector<CommandLine::Option> known;

@@ -22,6 +22,8 @@ struct Options {
 
 /// Reads the arguments after the program's name; `p_defaults` holds what they do not set. Throws UsageError.
 Options ParseOptions(const std::vector<std::string>& p_arguments, const Options& p_defaults);
+/// A step of time, from 0. Throws UsageError.
+std::size_t ParseTime(const std::string& p_text);
 /// The text that --help prints.
 std::string HelpText();
 

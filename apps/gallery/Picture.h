@@ -30,6 +30,7 @@ struct Inputs {
   std::string sprites;  ///< the folder of the point sprites
   std::string model;    ///< an OBJ file of the user's; may be empty
   std::string flow;     ///< a vector grid of the user's; may be empty
+  std::size_t time = 0; ///< the step of winds in a file with several
 };
 
 /// One picture: it has read and computed what it shows when it is made, without any GL, and draws it as often as asked.

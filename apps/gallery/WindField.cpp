@@ -1,6 +1,7 @@
 #include "apps/gallery/WindField.h"
 
 #include "apps/gallery/TextTable.h"
+#include "io/ReadVectorField.h"
 
 #include "platform/types/Angle.h"
 
@@ -20,6 +21,36 @@ void KeepDistinct(std::vector<double>& p_values) {
 
 std::size_t IndexOf(const std::vector<double>& p_sorted, double p_value) {
   return static_cast<std::size_t>(std::lower_bound(p_sorted.begin(), p_sorted.end(), p_value) - p_sorted.begin());
+}
+
+void Complete(WindField& p_field, const std::string& p_name) {
+  KeepDistinct(p_field.lons);
+  KeepDistinct(p_field.lats);
+  if (p_field.lons.size() < 2 || p_field.lats.size() < 2)
+    throw InputError(p_name + ": expected winds at two longitudes and two latitudes at least, got " +
+                     std::to_string(p_field.winds.size()) + " rows");
+}
+
+/// The lowest layer of a NetCDF file.
+WindField ReadNetCdf(std::istream& p_stream, const std::string& p_name, std::size_t p_time) {
+  const Io::VectorField read = Io::ReadVectorField(p_stream, p_name, {{}, p_time});
+  const std::vector<double>&lons = read.axes[0], &lats = read.axes[1];
+  const auto isWithin = [](const std::vector<double>& p_degrees, double p_low, double p_high) {
+    return std::all_of(p_degrees.begin(), p_degrees.end(), [&](double p_x) { return p_x >= p_low && p_x <= p_high; });
+  };
+  if (!isWithin(lons, -360, 720) || !isWithin(lats, -90, 90))
+    throw InputError(p_name + ": expected longitudes and latitudes in degrees along the axes");
+  WindField field;
+  for (std::size_t i = 0; i < lons.size() * lats.size(); ++i) {
+    const Wind wind{lons[i % lons.size()], lats[i / lons.size()], read.vectors[i][0], read.vectors[i][1]};
+    if (!std::isfinite(wind.u) || !std::isfinite(wind.v))
+      continue;
+    field.winds.push_back(wind);
+    field.lons.push_back(wind.lon);
+    field.lats.push_back(wind.lat);
+  }
+  Complete(field, p_name);
+  return field;
 }
 
 } // namespace
@@ -51,16 +82,17 @@ WindField WindField::Read(std::istream& p_stream, const std::string& p_name) {
     field.lons.push_back(wind.lon);
     field.lats.push_back(wind.lat);
   }
-  KeepDistinct(field.lons);
-  KeepDistinct(field.lats);
-  if (field.lons.size() < 2 || field.lats.size() < 2)
-    throw InputError(p_name + ": expected winds at two longitudes and two latitudes at least, got " +
-                     std::to_string(field.winds.size()) + " rows");
+  Complete(field, p_name);
   return field;
 }
 
-WindField WindField::ReadFile(const std::string& p_path, Loading& p_loading) {
-  return Read(*p_loading.Open(p_path), p_path);
+WindField WindField::ReadFile(const std::string& p_path, Loading& p_loading, std::size_t p_time) {
+  const auto stream = p_loading.Open(p_path);
+  const int first = stream->peek(); // of "CDF" or HDF5's mark, which no table begins with
+  constexpr int Hdf5 = 0x89;
+  if (first == 'C' || first == Hdf5)
+    return ReadNetCdf(*stream, p_path, p_time);
+  return Read(*stream, p_path);
 }
 
 bool WindField::IsGlobal() const {

@@ -31,7 +31,9 @@ struct WindField {
   ///   as weather reports give it.
   /// Throws InputError when the text is neither, or holds no wind at all.
   static WindField Read(std::istream& p_stream, const std::string& p_name);
-  static WindField ReadFile(const std::string& p_path, Loading& p_loading);
+  /// Reads such a table, or a NetCDF file with degrees along its axes at a step of time (see Io::ReadVectorField), of
+  /// which missing winds are left out.
+  static WindField ReadFile(const std::string& p_path, Loading& p_loading, std::size_t p_time = 0);
 
   /// True when the longitudes go around the globe.
   bool IsGlobal() const;

@@ -24,7 +24,7 @@ MapFrame FrameOf(const WindField& p_field, double p_south, double p_north) {
 } // namespace
 
 WindMap::WindMap(const Inputs& p_inputs, Loading& p_loading, double p_south, double p_north)
-    : _field(WindField::ReadFile(p_inputs.winds, p_loading.Stage(0.4)))
+    : _field(WindField::ReadFile(p_inputs.winds, p_loading.Stage(0.4), p_inputs.time))
     , _map(FrameOf(_field, p_south, p_north))
     , _relief(HeightField::ReadFile(p_inputs.relief, p_loading.Stage(0.5)), _map, 4.5e-4)
     , _file(QString::fromStdString(FileName(p_inputs.winds)))

@@ -3,6 +3,7 @@
 #include "apps/gallery/Files.h"
 #include "apps/gallery/TextTable.h"
 #include "apps/viewer/ModelPicture.h"
+#include "io/Formats.h"
 
 #include <algorithm>
 #include <cctype>
@@ -23,9 +24,10 @@ struct Kind {
 
 constexpr Kind Kinds[] = {
     {FileKind::Model, "An OBJ model", nullptr, nullptr, "*.obj"},
+    {FileKind::Mesh, "A mesh", nullptr, nullptr, "*.ply *.stl *.gltf *.glb"},
     {FileKind::Picture, "A panorama with a high dynamic range", "hdr", &Gallery::Inputs::hdr, "*.hdr *.pic *.rgbe"},
     {FileKind::Volume, "A volume, cut by three planes", "volume", &Gallery::Inputs::volume, "*.txt *.vol"},
-    {FileKind::Wind, "Wind above the relief", "wind", &Gallery::Inputs::winds, "*.csv"},
+    {FileKind::Wind, "Wind above the relief", "wind", &Gallery::Inputs::winds, "*.csv *.nc *.nc4 *.cdf"},
     {FileKind::Quakes, "Earthquakes below the surface", "earthquakes", &Gallery::Inputs::quakes, "*.csv"},
     {FileKind::Flow, "A flow in space", "flow", &Gallery::Inputs::flow, "*.csv *.txt"},
 };
@@ -87,6 +89,11 @@ FileKind KindOf(const std::string& p_name, const std::string& p_begin) {
     return FileKind::Picture;
   if (StartsWith(begin, "TextArray"))
     return FileKind::Volume;
+  if (StartsWith(begin, "CDF") || StartsWith(begin, "\x89HDF"))
+    return FileKind::Wind;
+  if (StartsWith(begin, "ply\n") || StartsWith(begin, "ply\r") || StartsWith(begin, "solid ") ||
+      StartsWith(begin, "glTF") || StartsWith(begin, "{"))
+    return FileKind::Mesh;
   if (StartsWith(begin, "# dims"))
     return FileKind::Flow;
   const FileKind table = KindOfTable(begin.substr(0, begin.find('\n')));
@@ -109,8 +116,11 @@ ShownPicture FilePicture(const std::string& p_path, const Gallery::Inputs& p_inp
   if (kind == std::end(Kinds))
     throw Gallery::InputError(p_path +
                               ": expected an OBJ model, a Radiance picture, a TextArray volume, a table of winds "
-                              "or earthquakes, or a flow on a grid, got something else");
+                              "or earthquakes, or a flow on a grid, a mesh (PLY, STL, glTF) or NetCDF, got something "
+                              "else");
   const std::string caption = std::string(kind->caption) + ": " + p_path;
+  if (kind->kind == FileKind::Mesh)
+    return {name, caption, false, [p_path](Gallery::Loading& p_to) { return LoadMeshPicture(p_path, p_to); }};
   if (kind->picture == nullptr)
     return {name, caption, false, [p_path](Gallery::Loading& p_to) { return LoadModelPicture(p_path, p_to); }};
   Gallery::Inputs inputs = p_inputs;
@@ -130,8 +140,11 @@ QStringList FileFilters() {
   QStringList all;
   QStringList filters;
   for (const Kind& kind : Kinds) {
-    all += QString(kind.extensions).split(' ');
-    filters << QString("%1 (%2)").arg(kind.caption, kind.extensions);
+    const QString patterns = kind.kind == FileKind::Mesh
+                                 ? QString::fromStdString(Io::FilePatterns(Io::Format::Meshes)).remove("*.obj ")
+                                 : QString(kind.extensions); // of meshes, those that this build reads
+    all += patterns.split(' ');
+    filters << QString("%1 (%2)").arg(kind.caption, patterns);
   }
   all.removeDuplicates();
   filters.push_front(QString("All that can be shown (%1)").arg(all.join(' ')));

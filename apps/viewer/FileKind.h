@@ -11,7 +11,7 @@
 namespace Vek::Chart::Viewer {
 
 /// The kinds of files that can be shown, told apart by how they begin and, where that says nothing, by their names.
-enum class FileKind : int { Model, Picture, Volume, Wind, Quakes, Flow, Unknown };
+enum class FileKind : int { Model, Mesh, Picture, Volume, Wind, Quakes, Flow, Unknown };
 
 /// The kind of a file of that name that begins with these bytes.
 FileKind KindOf(const std::string& p_name, const std::string& p_begin);

@@ -4,6 +4,7 @@
 
 #include "apps/gallery/Files.h"
 #include "apps/gallery/TextTable.h"
+#include "io/ReadMesh.h"
 #include "scene/Canvas.h"
 #include "scene/DirectionalLight.h"
 #include "scene/GpuMesh.h"
@@ -14,6 +15,7 @@
 #include "library/ObjModel.h"
 
 #include "platform/ogl/VertexData.h"
+#include "platform/utility/GetLogger.h"
 
 #include <boost/lexical_cast.hpp>
 
@@ -63,22 +65,79 @@ std::vector<Record> Normals(const ObjModel& p_model) {
   return normals;
 }
 
+/// What is drawn of a file, with z up.
+struct Shape {
+  bool lines = false;
+  std::vector<Record> positions;
+  std::vector<Record> normals; ///< (0, 0, 0) for one to be computed
+  std::vector<unsigned int> indices;
+};
+
+boost::shared_ptr<const ObjModel> ReadObj(std::istream& p_stream, const std::string& p_path) {
+  try {
+    return Library::LoadPolygonObj(p_stream);
+  } catch (const boost::bad_lexical_cast&) {
+    throw Gallery::InputError(p_path + ": expected an OBJ model, got words where its numbers should be");
+  }
+}
+
+Shape ReadModel(std::istream& p_stream, const std::string& p_path) {
+  const boost::shared_ptr<const ObjModel> model = ReadObj(p_stream, p_path);
+  Shape shape;
+  shape.lines = model->PrimitiveType() == Ogl::VertexBuffer::LineSegments;
+  shape.indices = SoundIndices(*model, shape.lines ? 2 : 3);
+  for (const Record& vertex : *model->Vertices())
+    shape.positions.push_back(Upright(vertex));
+  shape.normals = Normals(*model);
+  return shape;
+}
+
+std::vector<Record> Records(const std::vector<float>& p_numbers, bool p_upright) {
+  std::vector<Record> records;
+  for (std::size_t i = 0; i + 3 <= p_numbers.size(); i += 3) {
+    const Record record{p_numbers[i], p_numbers[i + 1], p_numbers[i + 2]};
+    records.push_back(p_upright ? Upright(record) : record);
+  }
+  return records;
+}
+
+Shape ReadMesh(std::istream& p_stream, const std::string& p_path) {
+  const Io::Mesh mesh = Io::ReadMesh(p_stream, p_path);
+  for (const std::string& warning : mesh.warnings)
+    Utility::GetLogger().error("WARNING: " + warning);
+  const std::string name = Gallery::FileName(p_path);
+  const bool isGltf = name.find(".gl") != std::string::npos;
+  Shape shape;
+  shape.positions = Records(mesh.positions, isGltf);
+  shape.normals = Records(mesh.normals, isGltf);
+  const auto has = [&](Io::Mesh::Primitive p_kind) {
+    return std::any_of(mesh.groups.begin(), mesh.groups.end(),
+                       [&](const Io::Mesh::Group& p_group) { return p_group.primitive == p_kind; });
+  };
+  shape.lines = !has(Io::Mesh::Triangles);
+  for (const Io::Mesh::Group& group : mesh.groups)
+    if (group.primitive == (shape.lines ? Io::Mesh::Lines : Io::Mesh::Triangles))
+      shape.indices.insert(shape.indices.end(), mesh.indices.begin() + static_cast<std::ptrdiff_t>(group.first),
+                           mesh.indices.begin() + static_cast<std::ptrdiff_t>(group.first + group.count));
+  return shape;
+}
+
 class ModelPicture : public Gallery::Picture {
 public:
-  ModelPicture(const std::string& p_path, Gallery::Loading& p_loading)
+  ModelPicture(const std::string& p_path, Gallery::Loading& p_loading,
+               Shape (*p_read)(std::istream&, const std::string&))
       : _file(QString::fromStdString(Gallery::FileName(p_path))) {
     const auto stream = p_loading.Stage(0.8).Open(p_path);
-    const boost::shared_ptr<const ObjModel> model = Read(*stream, p_path);
+    Shape shape = p_read(*stream, p_path);
     p_loading.CheckCancelled(); // which the reader may take for the end of the file
-    _lines = model->PrimitiveType() == Ogl::VertexBuffer::LineSegments;
-    const std::vector<unsigned int> indices = SoundIndices(*model, _lines ? 2 : 3);
-    for (const unsigned int index : indices)
-      _box += ToPoint(Upright((*model->Vertices())[index]));
-    if (indices.empty() || !std::isfinite(Length(_box.Extent())))
+    _lines = shape.lines;
+    for (const unsigned int index : shape.indices)
+      _box += ToPoint(shape.positions[index]);
+    if (shape.indices.empty() || !std::isfinite(Length(_box.Extent())))
       throw Gallery::InputError(p_path + ": expected an OBJ model of triangles or lines, got nothing to draw");
-    _primitives = indices.size() / (_lines ? 2 : 3);
+    _primitives = shape.indices.size() / (_lines ? 2 : 3);
     p_loading.Stage(1);
-    Build(*model, indices);
+    Build(std::move(shape));
   }
 
   Scene::Camera StartCamera() const override {
@@ -127,30 +186,20 @@ public:
   }
 
 private:
-  static boost::shared_ptr<const ObjModel> Read(std::istream& p_stream, const std::string& p_path) {
-    try {
-      return Library::LoadPolygonObj(p_stream);
-    } catch (const boost::bad_lexical_cast&) {
-      throw Gallery::InputError(p_path + ": expected an OBJ model, got words where its numbers should be");
-    }
-  }
-
   static ColorMap OwnColors() { return {NamedColors::Colors("viridis", 256, 0.2, 1), ColorMap::Interpolated}; }
 
-  void Build(const ObjModel& p_model, std::vector<unsigned int> p_indices) {
-    std::vector<Record> positions;
+  void Build(Shape p_shape) {
     std::vector<float> heights;
-    for (const Record& vertex : *p_model.Vertices()) {
-      positions.push_back(Upright(vertex));
-      const double height = (ToPoint(positions.back()).z - _box.Min().z) / std::max(_box.Extent().z, 1e-12);
+    for (const Record& position : p_shape.positions) {
+      const double height = (ToPoint(position).z - _box.Min().z) / std::max(_box.Extent().z, 1e-12);
       heights.push_back(static_cast<float>(std::clamp(height, 0.0, 1.0)));
     }
     Ogl::VertexData data;
     if (!_lines)
-      data.SetNormals(Normals(p_model));
-    data.SetVertices(std::move(positions));
+      data.SetNormals(std::move(p_shape.normals));
+    data.SetVertices(std::move(p_shape.positions));
     data.SetTexCoords(std::move(heights));
-    data.SetIndices(std::move(p_indices));
+    data.SetIndices(std::move(p_shape.indices));
     data.PrimitiveType() = _lines ? Ogl::VertexBuffer::LineSegments : Ogl::VertexBuffer::Triangles;
     _mesh = Scene::GpuMesh(data);
   }
@@ -167,7 +216,11 @@ private:
 } // namespace
 
 std::unique_ptr<Gallery::Picture> LoadModelPicture(const std::string& p_path, Gallery::Loading& p_loading) {
-  return std::make_unique<ModelPicture>(p_path, p_loading);
+  return std::make_unique<ModelPicture>(p_path, p_loading, ReadModel);
+}
+
+std::unique_ptr<Gallery::Picture> LoadMeshPicture(const std::string& p_path, Gallery::Loading& p_loading) {
+  return std::make_unique<ModelPicture>(p_path, p_loading, ReadMesh);
 }
 
 } // namespace Vek::Chart::Viewer

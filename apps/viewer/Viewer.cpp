@@ -3,6 +3,7 @@
 #include "apps/gallery/CommandLine.h"
 #include "apps/gallery/DataFolder.h"
 #include "apps/gallery/FormatHelp.h"
+#include "apps/gallery/Options.h"
 #include "apps/gallery/TextTable.h"
 #include "apps/viewer/DarkTheme.h"
 #include "apps/viewer/ViewerWindow.h"
@@ -21,11 +22,12 @@ constexpr int ExitInput = 1;
 constexpr int ExitUsage = 2;
 
 constexpr const char* Help =
-    "Usage: vek-viewer [--scene NAME] [--data FOLDER] [file]\n"
-    "Shows the scenes of the gallery in a window, or a file of your own: an OBJ model, a Radiance image, a volume,\n"
-    "a table of winds or earthquakes, or a flow on a grid.\n\n"
+    "Usage: vek-viewer [--scene NAME] [--data FOLDER] [--time STEP] [file]\n"
+    "Shows the scenes of the gallery in a window, or a file of your own: a mesh, a Radiance image, a volume, winds in\n"
+    "NetCDF or a table, earthquakes, or a flow on a grid.\n\n"
     "  --scene NAME    the first scene\n"
     "  --data FOLDER   the folder with data/, symbols/ and sprites/ (found from the program's own place)\n"
+    "  --time STEP     the step of time in a NetCDF file, from 0\n"
     "  --help          this text\n\n"
     "Drag to rotate. Middle-drag or Shift+drag to pan. Right-drag or scroll to zoom. R or Home resets the view.\n";
 
@@ -33,15 +35,16 @@ struct Arguments {
   bool help = false;
   std::string picture;
   std::string data;
+  std::string time;
   std::string file;
 };
 
 Arguments Parse(const std::vector<std::string>& p_arguments) {
-  const Gallery::CommandLine line(p_arguments, {{"scene", ""}, {"data", ""}}, "argument");
+  const Gallery::CommandLine line(p_arguments, {{"scene", ""}, {"data", ""}, {"time", ""}}, "argument");
   const std::vector<std::string> files = line.Files();
   if (files.size() > 1)
     throw Gallery::UsageError("unknown argument '" + files[1] + "'; --help lists what there is");
-  return {line.Help(), line.Value("scene"), line.Value("data"), files.empty() ? "" : files.front()};
+  return {line.Help(), line.Value("scene"), line.Value("data"), line.Value("time"), files.empty() ? "" : files.front()};
 }
 
 /// The number of a picture in the gallery.
@@ -76,6 +79,9 @@ int Run(int p_argc, char** p_argv) {
   const int row = RowOf(arguments.picture);
   Gallery::Inputs inputs;
   Gallery::FillFromFolder(inputs, Gallery::DataFolder(arguments.data, Gallery::ThisProgram()));
+
+  if (!arguments.time.empty())
+    inputs.time = Gallery::ParseTime(arguments.time);
 
   QSurfaceFormat::setDefaultFormat(Viewer::PictureView::Format());
   const QtMessageHandler usual = qInstallMessageHandler(TellNoDisplay);

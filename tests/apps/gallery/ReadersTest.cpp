@@ -118,7 +118,16 @@ TEST(WindField, DirectionIsWhereTheWindComesFrom) {
 }
 
 TEST(WindField, TheWorldsWindsBlowAsTheyDoAndThinEvenly) {
-  const WindField field = FromFile(WindField::ReadFile, "noaa_navy_winds_1987-01.csv");
+  const auto read = [](std::size_t p_time) {
+    return [p_time](const std::string& p_path, Loading& p_loading) {
+      return WindField::ReadFile(p_path, p_loading, p_time);
+    };
+  };
+  const WindField field = FromFile(read(0), "noaa_navy_winds_1987-01.csv");
+  const WindField sameInNetCdf = FromFile(read(0), "navy_winds_1987.nc");
+  EXPECT_TRUE(sameInNetCdf.lons == field.lons && sameInNetCdf.lats == field.lats);
+  EXPECT_FLOAT_EQ(float(sameInNetCdf.SpeedQuantile(1)), float(field.SpeedQuantile(1)));
+  EXPECT_NE(FromFile(read(1), "navy_winds_1987.nc").SpeedQuantile(1), field.SpeedQuantile(1));
   EXPECT_EQ(field.winds.size(), 144u * 73u);
   EXPECT_TRUE(field.IsGlobal());
   double westerlies = 0, trades = 0;

@@ -313,7 +313,7 @@ TEST_F(ViewerTest, KeepsThePictureOnBrokenFiles) {
     EXPECT_EQ(Reports().Lines().last().endsWith("got words where its numbers should be"),
               name == std::string("words.obj"));
     const QString expected = "expected an OBJ model, a Radiance picture, a TextArray volume, a table of winds or "
-                             "earthquakes, or a flow on a grid";
+                             "earthquakes, or a flow on a grid, a mesh (PLY, STL, glTF) or NetCDF";
     EXPECT_EQ(Reports().Lines().last().contains(expected), name == std::string("notes.doc") || *text == 0) << name;
     EXPECT_EQ(_window->List().currentRow(), row) << name;
     EXPECT_EQ(View().Image(), before) << name;
