@@ -101,18 +101,19 @@ const std::string GltfSummary =
     " q:f 0 1 2 0 2 3 ";
 
 std::string GltfData() {
-  return Bytes(false)
-      .Add<float>({0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 1, 1, 1, 0, 0, 0})
-      .Add<std::uint16_t>({0, 1, 2, 0, 2, 3})
-      .Add<float>({0, 0, 0, 2, 0, 0, 0, 2, 0, 1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 0.5});
+  // Normals along y, which triangles would not give.
+  return BytesOf<float>(
+             {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 1, 1, 1, 0, 0, 0}) +
+         BytesOf<std::uint16_t>({0, 1, 2, 0, 2, 3}) +
+         BytesOf<float>({0, 0, 0, 2, 0, 0, 0, 2, 0, 1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 0.5});
 }
 
 std::string Glb(std::string p_json, const std::string& p_data) {
   p_json.resize((p_json.size() + 3) / 4 * 4, ' ');
   const auto sizeOf = [](const std::string& p_part) { return double(p_part.size()); };
-  const std::string json = Bytes(false).Add<std::uint32_t>({sizeOf(p_json)});
-  const std::string data = Bytes(false).Add<std::uint32_t>({sizeOf(p_data)});
-  const std::string head = Bytes(false, "glTF").Add<std::uint32_t>({2, 28 + sizeOf(p_json) + sizeOf(p_data)});
+  const std::string json = BytesOf<std::uint32_t>({sizeOf(p_json)});
+  const std::string data = BytesOf<std::uint32_t>({sizeOf(p_data)});
+  const std::string head = "glTF" + BytesOf<std::uint32_t>({2, 28 + sizeOf(p_json) + sizeOf(p_data)});
   return head + json + "JSON" + p_json + data + std::string("BIN\0", 4) + p_data;
 }
 
