@@ -163,7 +163,10 @@ public:
   Figure& Look(double p_azimuth, double p_elevation, Camera::Projection p_projection = Camera::Projection::Perspective);
 
   /// The side of a cutting plane that stays.
-  enum class Side { Below, Above };
+  enum class Side {
+    Below, ///< smaller positions
+    Above, ///< larger positions
+  };
   /// Cuts all plots: only what lies on the side of the plane that its normal points to is drawn and picked. Point and
   /// normal are in data units; along a logarithmic axis, the normal counts in decades. Limits and axes stay. The
   /// outline of the cut is drawn, and the figure says that it is cut. Throws std::invalid_argument for a plane that is
