@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
   auto quakes = Io::ReadTable(argc > 1 ? argv[1] : Io::SampleFile("earthquakes.csv"));
   Chart chart;
   chart.figure.Scatter(quakes.Points("lon", "lat")).ColorBy(quakes["depth_km"]).ColorTitle("Depth in km");
-  chart.resize(1200, 680);
+  chart.resize(1200, 640);
   chart.show();
   return application.exec();
 }

@@ -14,14 +14,15 @@ struct Particle {
 
 int main() {
   std::vector<Particle> particles;
-  for (int i = 0; i < 600; ++i) {
-    const float angle = 0.1F * i, x = std::cos(angle), y = std::sin(angle), radius = 2 + std::sin(0.04F * i);
-    particles.push_back({i, {radius * x, radius * y, 0.01F * i}, {-y, x, 0.1F}, 20 + 10 * std::sin(0.04 * i)});
+  for (int i = 0; i < 240; ++i) {
+    const float angle = 0.25F * i, x = std::cos(angle), y = std::sin(angle), radius = 2 + std::sin(0.1F * i);
+    particles.push_back({i, {radius * x, radius * y, 0.025F * i}, {-y, x, 0.1F}, 20 + 10 * std::sin(0.1 * i)});
   }
   const std::size_t count = particles.size(), stride = sizeof(Particle);
   const Array3 positions(particles[0].position, count, stride), velocities(particles[0].velocity, count, stride);
 
   Figure figure("Particles in a vortex");
-  figure.Quiver(positions, velocities).ColorBy({particles, &Particle::temperature}).ColorTitle("Temperature in °C");
+  auto& quiver = figure.Quiver(positions, velocities).LengthTitle("Velocity in mm/s");
+  quiver.ColorBy({particles, &Particle::temperature}, "Temperature in °C");
   figure.SetAxisTitles("x in mm", "y in mm", "z in mm").Save("records.png");
 }

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
   figure->Quiver(wind.Points("lon", "lat"), wind.Vectors("u", "v")).ColorByLength().ColorTitle("Speed in m/s");
   figure->SetAxisTitles("Longitude in °", "Latitude in °");
   Vek::Chart::Widgets::FigureView view(figure);
-  view.resize(1200, 800);
+  view.resize(1200, 680);
   view.show();
   return application.exec();
 }

@@ -23,8 +23,8 @@ public:
   /// 0 and at most 1.
   ScatterPlot& Diameter(double p_fraction);
   /// A value for each point, to which the area of its symbol is proportional; the largest value has `Diameter`, by
-  /// default 4 %. Symbols of values that are missing or not above 0 are left out. The figure gets a key. An empty array
-  /// makes all symbols equal again.
+  /// default 4 %, of more than 250 points less, down to 1.5 %. Symbols of values that are missing or not above 0 are
+  /// left out. The figure gets a key. An empty array makes all symbols equal again.
   ScatterPlot& SizeBy(const Array1& p_values);
   /// Likewise, with the title of the key.
   ScatterPlot& SizeBy(const Array1& p_values, const QString& p_title) { return SizeBy(p_values).SizeTitle(p_title); }

@@ -17,6 +17,14 @@ void ScatterContent::SetDiameter(double p_fraction) {
   SettingsChanged();
 }
 
+double ScatterContent::Fraction() const {
+  if (_diameter > 0)
+    return _diameter;
+  constexpr double Equal = 0.01, Largest = 0.04, Least = 0.015, FewPoints = 250; // many large symbols overlap
+  return _sizes.empty() ? Equal
+                        : std::clamp(Largest * std::sqrt(FewPoints / static_cast<double>(Count())), Least, Largest);
+}
+
 void ScatterContent::SetSizes(std::vector<double> p_values) {
   _sizes = std::move(p_values);
   Range positive;

@@ -27,7 +27,7 @@ public:
   std::optional<SizeKey> Sizes() const override;
 
 private:
-  double Fraction() const { return _diameter > 0 ? _diameter : _sizes.empty() ? 0.01 : 0.04; }
+  double Fraction() const;
   Box PlaceChanged(const Changes& p_changes) override;
   void ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const override { _mesh.Release(p_gl); }
   void SetLevels();
