@@ -82,7 +82,15 @@ MeshPlot& Figure::Mesh(const Array3& p_positions, const std::vector<std::array<u
   indices.reserve(3 * p_triangles.size());
   for (const std::array<unsigned, 3>& triangle : p_triangles)
     indices.insert(indices.end(), triangle.begin(), triangle.end());
-  return _state->Add(std::unique_ptr<MeshPlot>(new MeshPlot(Private::DataOf(Points(p_positions), std::move(indices)))));
+  return IndexedMesh(p_positions, std::move(indices));
+}
+
+MeshPlot& Figure::IndexedMesh(const Array3& p_positions, std::vector<std::uint32_t> p_indices) {
+  if (p_indices.size() % 3 != 0)
+    throw std::invalid_argument("Mesh: expected three indices for each triangle, got " +
+                                std::to_string(p_indices.size()) + " indices");
+  return _state->Add(
+      std::unique_ptr<MeshPlot>(new MeshPlot(Private::DataOf(Points(p_positions), std::move(p_indices)))));
 }
 
 MeshPlot& Figure::Mesh(const Library::ObjScene& p_mesh) {

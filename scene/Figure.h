@@ -32,8 +32,10 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
 class QPainter;
@@ -106,6 +108,12 @@ public:
   StreamlinesPlot& Streamlines(const VectorField& p_field);
   SurfacePlot& Surface(const Array1& p_x, const Array1& p_y, const Array1& p_heights);
   MeshPlot& Mesh(const Array3& p_positions, const std::vector<std::array<unsigned, 3>>& p_triangles);
+  /// Likewise, with three indices for each triangle one after the other. (A template, so that lists in braces are not
+  /// ambiguous.) Throws std::invalid_argument for a number of indices that is no multiple of three.
+  template <class Index, std::enable_if_t<std::is_same_v<Index, std::uint32_t>, int> = 0>
+  MeshPlot& Mesh(const Array3& p_positions, const std::vector<Index>& p_indices) {
+    return IndexedMesh(p_positions, p_indices);
+  }
   /// The triangles of an `Io::Mesh` with their normals, colours and textures, without its lines and points.
   MeshPlot& Mesh(const Library::ObjScene& p_mesh);
   /// The triangles of all groups of a model.
@@ -256,6 +264,7 @@ private:
   friend class FigureGrid;
   /// Whether a visible plot is half-transparent.
   bool HasTransparent() const;
+  MeshPlot& IndexedMesh(const Array3& p_positions, std::vector<std::uint32_t> p_indices);
 
   struct State;
   std::unique_ptr<State> _state;

@@ -83,6 +83,8 @@ TEST_F(MeshPlotPixels, RefusesWrongArguments) {
   ExpectErrors({
       {"triangles: expected indices below 5, got 5 in triangle 1",
        VEK_CALL(figure.Mesh(Square, Triangles{{0, 1, 2}, {0, 2, 5}}))},
+      {"Mesh: expected three indices for each triangle, got 4 indices",
+       VEK_CALL(figure.Mesh(Square, std::vector<std::uint32_t>{0, 1, 2, 0}))},
       {"UpdatePositions: expected 5 elements, got 4", [&] { plot.UpdatePositions(Points(4)); }},
       {"ColorBy: expected 5 elements, got 2", [&] { plot.ColorBy(Doubles(2)); }},
       {"groups: expected indices 0 to 3, got a group from 0 of 4", [&] { figure.Mesh(file); }},
