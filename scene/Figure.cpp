@@ -325,6 +325,14 @@ bool Figure::HasTransparent() const {
   return _state->HasTransparent();
 }
 
+std::optional<Figure::Hit> Figure::Pick(const Types::Pos& p_pixel, Types::Size p_size) {
+  std::optional<Hit> hit;
+  Private::DrawnImage(p_size, 0, [&](auto& p_gl, const auto& p_viewport) {
+    hit = Pick(p_gl, p_viewport, {p_pixel.x, p_size.height - 1 - p_pixel.y});
+  });
+  return hit;
+}
+
 Types::Vector3_Base<double> Figure::ToScene(const Types::Vector3_Base<double>& p_data) const {
   return _state->transform(p_data);
 }

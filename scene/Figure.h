@@ -248,6 +248,9 @@ public:
   /// Errors: as `Draw`. More than 255 visible plots are reported, and nothing is hit.
   std::optional<Hit> Pick(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const Types::Pos& p_pixel,
                           double p_pixelRatio = 1);
+  /// What `Image` shows at a pixel of an image of that size, counted from its upper left corner. Makes a context for
+  /// the call, as `Image` does, and throws as it does.
+  std::optional<Hit> Pick(const Types::Pos& p_pixel, Types::Size p_size = {1200, 800});
 
   /// Where everything lies that `Draw` would draw for the same arguments. Calls no GL. Needs a QGuiApplication.
   FigureLayout Layout(const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);

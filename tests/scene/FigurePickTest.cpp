@@ -21,6 +21,18 @@ protected:
   }
 };
 
+/// Off-screen, pixels are counted as in images: from the upper left corner.
+TEST_F(FigurePickPixels, PicksInImages) {
+  Figure figure = FromAbove();
+  figure.Scatter(std::vector<Point>{{0, 0, 0}, {4, 0, 0}, {0, 4, 0}}).Diameter(0.2);
+  const Types::Size size(300, 200); // of the viewport
+  const auto pixel = figure.Layout(viewport).camera.Project(figure.ToScene({0, 4, 0}), viewport);
+  const Hit hit = figure.Pick({static_cast<int>(pixel.x), size.height - 1 - static_cast<int>(pixel.y)}, size);
+  ASSERT_TRUE(hit);
+  EXPECT_EQ(hit->element, 2U);
+  EXPECT_FALSE(figure.Pick({0, 0}, size));
+}
+
 /// All plots, far from zero, with their elements, positions and values.
 TEST_F(FigurePickPixels, NamesPlotElementPositionAndValue) {
   const Point origin(3e6, -2e6, 1e5);
