@@ -327,8 +327,8 @@ bool Figure::HasTransparent() const {
 
 std::optional<Figure::Hit> Figure::Pick(const Types::Pos& p_pixel, Types::Size p_size) {
   std::optional<Hit> hit;
-  Private::DrawnImage(p_size, 0, [&](auto& p_gl, const auto& p_viewport) {
-    hit = Pick(p_gl, p_viewport, {p_pixel.x, p_size.height - 1 - p_pixel.y});
+  Private::DrawnImage(p_size, 0, false, [&](auto& p_gl, const auto& p_viewport, double p_pixelRatio) {
+    hit = Pick(p_gl, p_viewport, {p_pixel.x, p_size.height - 1 - p_pixel.y}, p_pixelRatio);
   });
   return hit;
 }

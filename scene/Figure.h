@@ -178,7 +178,8 @@ public:
   /// Cuts all plots: only what lies on the side of the plane that its normal points to is drawn and picked. Point and
   /// normal are in data units; along a logarithmic axis, the normal counts in decades. Limits and axes stay. The
   /// outline of the cut is drawn, and the figure says that it is cut. Throws std::invalid_argument for a plane that is
-  /// not finite or has no normal, for a number that is not above 0 on a logarithmic axis, and for the seventh plane, on a map the third.
+  /// not finite or has no normal, for a number that is not above 0 on a logarithmic axis, and for the seventh plane, on
+  /// a map the third.
   Figure& Clip(const Types::Plane& p_plane);
   /// Likewise, across an axis, 0 to 2 for x to z, at a position in data units.
   Figure& Clip(int p_axis, double p_position, Side p_kept);
