@@ -291,6 +291,10 @@ TEST(ReadVolume, NrrdAsItsOwnProgramWritesIt) {
     Output(in + arguments + " -i raw.nrrd -o " + file);
     EXPECT_EQ(Summary(Io::ReadVolume(folder.File(file))), expected) << arguments;
   }
+  std::string gzip = BytesOfFile(folder.File("a.nrrd"));
+  gzip[gzip.size() - 8] ^= 1; // of the check sum
+  EXPECT_EQ(SummaryOrError(gzip), "v: the compressed data are damaged: incorrect data check");
+  EXPECT_EQ(SummaryOrError(gzip.substr(0, gzip.size() - 8)), "v: the compressed data end early");
   folder.Write("s1.raw", values.substr(0, 24));
   folder.Write("s2.raw", values.substr(24));
   const std::string plain = expected.substr(0, expected.find('/'));
