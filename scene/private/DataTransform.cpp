@@ -72,7 +72,7 @@ bool AxisRules::operator==(const AxisRules& p_other) const {
       return false;
   }
   return logarithmic == p_other.logarithmic && dates == p_other.dates && isMap == p_other.isMap &&
-         stretch == p_other.stretch;
+         stretch == p_other.stretch && cutsSurfaces == p_other.cutsSurfaces;
 }
 
 bool AxisRules::Shows(const Point& p_point) const {
@@ -92,6 +92,13 @@ bool AxisRules::Shows(const Point& p_point) const {
       return false;
   }
   return true;
+}
+
+bool AxisRules::HasVertex(const Point& p_point) const {
+  AxisRules rules = *this;
+  if (cutsSurfaces)
+    rules.limits = {};
+  return rules.Shows(p_point);
 }
 
 Point DataTransform::operator()(const Point& p_data) const {

@@ -41,9 +41,13 @@ struct AxisRules {
   bool operator!=(const AxisRules& p_other) const { return !(*this == p_other); }
   /// Whether an axis measures what no other one does: logarithms, seconds, heights above a map.
   bool HasOwnUnit(std::size_t p_axis) const { return logarithmic[p_axis] || dates[p_axis] || isMap; }
+  /// Whether surfaces are cut at the limits. Otherwise they end at the last vertices within.
+  bool cutsSurfaces = false;
   /// Whether a point is finite, within the limits, and above 0 on logarithmic axes. Longitudes of a map may be of any
   /// turn from −360 to 720 degrees.
   bool Shows(const Point& p_point) const;
+  /// Whether a surface has a vertex there.
+  bool HasVertex(const Point& p_point) const;
 };
 
 /// From data to scene units, axis by axis: logarithm where the axis is logarithmic, minus an origin, times a factor,

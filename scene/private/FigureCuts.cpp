@@ -26,6 +26,20 @@ Types::Plane SceneCut(const Types::Plane& p_plane, const DataTransform& p_transf
   return {point, normal / Length(normal)};
 }
 
+std::vector<Types::Plane> LimitCuts(const AxisRules& p_rules, const DataTransform& p_transform) {
+  constexpr double Tolerance = 1e-6; // of single precision, for what lies in a limit
+  std::vector<Types::Plane> cuts;
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    if (const auto& limits = p_rules.limits[axis])
+      for (const double side : {1.0, -1.0}) {
+        Point point(1, 1, 1), normal;
+        At(point, axis) = side > 0 ? limits->min : limits->max;
+        At(normal, axis) = side;
+        cuts.emplace_back(p_transform(point) - normal * Tolerance, normal);
+      }
+  return cuts;
+}
+
 boost::shared_ptr<void> CutScope(const Utility::Scoped<Rgl>& p_gl, const std::vector<Types::Plane>& p_cuts) {
   const boost::shared_ptr<void> guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TRANSFORM_BIT);
   for (std::size_t i = 0; i < p_cuts.size(); ++i) {

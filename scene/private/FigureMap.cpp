@@ -71,11 +71,15 @@ void Figure::State::ForEachCopy(Utility::Scoped<Rgl>& p_gl, const Private::Frame
   }
 }
 
-boost::shared_ptr<void> Figure::State::CutScope(const Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame) const {
+boost::shared_ptr<void> Figure::State::CutScope(const Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame,
+                                                const Private::PlotContent& p_content) const {
   std::vector<Types::Plane> cuts = p_frame.cuts;
   if (rules.isMap)
     for (const Types::Plane& border : Private::MapBorders(_box))
       cuts.push_back(border);
+  if (p_content.IsSurface() && CutsSurfaces())
+    for (const Types::Plane& limit : Private::LimitCuts(rules, transform))
+      cuts.push_back(limit);
   return Private::CutScope(p_gl, cuts);
 }
 

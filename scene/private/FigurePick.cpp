@@ -46,7 +46,7 @@ std::optional<Figure::Hit> Figure::State::Pick(Utility::Scoped<Rgl>& p_gl, Priva
   for (Entry* const entry : plots) {
     scene.plots.emplace_back(entry->content, entry->content->revision);
     drawings.emplace_back([&, content = entry->content](Utility::Scoped<Rgl>& p_scope, const PickPass& p_pass) {
-      const auto cut = CutScope(p_scope, p_frame);
+      const auto cut = CutScope(p_scope, p_frame, *content);
       ForEachCopy(p_scope, p_frame, *content,
                   [&](const Private::Frame& p_copy) { content->DrawPick(p_scope, p_copy, p_pass); });
     });

@@ -87,6 +87,7 @@ Box Figure::State::PlacePlots(const QSizeF& p_size) {
   Private::Placement placement;
   placement.transform = transform;
   placement.rules = rules;
+  placement.rules.cutsSurfaces = CutsSurfaces();
   placement.diagonal = Length(transform(data).Extent());
   placement.isFlat = _isFlat;
   placement.most = RoomForGlyphs(p_size, _isFlat);
@@ -264,6 +265,14 @@ FigureLayout Figure::State::Arrange(const Figure& p_figure, const Types::Viewpor
   return layout;
 }
 
+/// There are GL clip planes enough for the limits; those of a map have copies of the data.
+bool Figure::State::CutsSurfaces() const {
+  std::size_t planes = clips.size();
+  for (const auto& limits : rules.limits)
+    planes += limits ? 2 : 0;
+  return !rules.isMap && planes > clips.size() && planes <= Private::MostCuts;
+}
+
 std::vector<Types::Plane> Figure::State::SceneCuts() const {
   std::vector<Types::Plane> cuts;
   for (const Types::Plane& clip : clips)
@@ -300,9 +309,10 @@ void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame
 
 void Figure::State::DrawContents(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame,
                                  const std::vector<PlotContent*>& p_contents) {
-  const auto cut = CutScope(p_gl, p_frame);
-  for (PlotContent* const content : p_contents)
+  for (PlotContent* const content : p_contents) {
+    const auto cut = CutScope(p_gl, p_frame, *content);
     ForEachCopy(p_gl, p_frame, *content, [&](const Private::Frame& p_copy) { content->Draw(p_gl, p_copy); });
+  }
 }
 
 namespace {

@@ -87,10 +87,12 @@ private:
   /// The distances in the scene by which copies of a plot are moved.
   std::vector<double> ShiftsOf(const Private::PlotContent& p_content) const;
   /// Cuts at the planes of a frame and at the borders of a map.
-  boost::shared_ptr<void> CutScope(const Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame) const;
+  boost::shared_ptr<void> CutScope(const Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame,
+                                   const Private::PlotContent& p_content) const;
   void DrawTransparent(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame, const std::function<void()>& p_drawOpaque);
   void Adopt(std::unique_ptr<Plot> p_plot);
   std::vector<Types::Plane> SceneCuts() const;
+  bool CutsSurfaces() const;
   std::vector<Private::PlotContent*> Visible() const;
   /// Visible plots.
   std::vector<Private::PlotContent*> Having(const std::function<bool(const Private::PlotContent&)>& p_isWanted) const;

@@ -1,5 +1,6 @@
 #include "scene/private/MeshContent.h"
 
+#include "scene/private/FigureCuts.h"
 #include "scene/private/NearestCorner.h"
 
 #include <cmath>
@@ -62,7 +63,7 @@ Box MeshContent::PlaceChanged(const Changes& p_changes) {
 }
 
 void MeshContent::PlaceVertices() {
-  std::vector<Point> placed = PlacedPoints(_box), normals;
+  std::vector<Point> placed = PlacedPoints(_box, true), normals;
   std::vector<bool> isShown(placed.size());
   for (std::size_t i = 0; i < placed.size(); ++i) {
     isShown[i] = IsFinite(placed[i]);
@@ -101,6 +102,11 @@ void MeshContent::PlaceVertices() {
     arrays.normals = ownNormals;
     mesh = GpuMesh(arrays);
   }
+  if (placement.rules.cutsSurfaces)
+    for (const std::vector<std::uint32_t>& triangles : _triangles)
+      _box += CutBounds(
+          triangles, [&](std::uint32_t p_vertex) { return _scene[p_vertex]; },
+          LimitCuts(placement.rules, placement.transform));
   if (!isSame)
     PlaceColors();
 }

@@ -17,6 +17,7 @@ public:
   void UpdatePositions(const Array3& p_positions);
 
   void ValuesChanged() override;
+  bool IsSurface() const override { return true; }
   bool IsPeeled() const override { return true; }
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
   void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;

@@ -56,13 +56,18 @@ Box PointsContent::BoundsOf(const AxisRules& p_rules) const {
   return box;
 }
 
-std::vector<Point> PointsContent::PlacedPoints(Box& p_box) {
+std::vector<Point> PointsContent::PlacedPoints(Box& p_box, bool p_isSurface) {
   std::vector<Point> placed(positions.size(), Point(NAN, NAN, NAN));
   p_box = {};
   leftOut = {};
   for (std::size_t i = 0; i < positions.size(); ++i)
-    if (IsUsed(i) && leftOut.Shows(placement.rules, positions[i]))
-      p_box += placed[i] = placement.transform(positions[i]);
+    if (IsUsed(i)) {
+      const bool isShown = leftOut.Shows(placement.rules, positions[i]);
+      if (isShown || (p_isSurface && placement.rules.HasVertex(positions[i])))
+        placed[i] = placement.transform(positions[i]);
+      if (isShown)
+        p_box += placed[i];
+    }
   return placed;
 }
 

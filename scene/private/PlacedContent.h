@@ -81,7 +81,7 @@ protected:
   virtual bool IsUsed(std::size_t /*p_index*/) const { return true; }
   /// The points in the scene, NaN for those that are left out, which are counted, and those that are not used. `p_box`
   /// becomes the box around them.
-  std::vector<Point> PlacedPoints(Box& p_box);
+  std::vector<Point> PlacedPoints(Box& p_box, bool p_isSurface = false);
 
   std::vector<Point> positions;
 };

@@ -109,6 +109,8 @@ public:
   virtual bool LeavesPlane() const { return false; }
   /// Places the data and returns the box around whole glyphs, in scene units.
   virtual Box Place(const Placement& p_placement) = 0;
+  /// Whether it is cut at the limits of the axes where the rules say so. Others leave out what lies beyond.
+  virtual bool IsSurface() const { return false; }
   /// Whether things behind it are seen.
   virtual bool IsTransparent() const { return opacity < 1; }
   /// Whether Draw passes `Frame::layer` on to all parts, so that several layers of a half-transparent plot are seen. Of

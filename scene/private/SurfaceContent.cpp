@@ -2,6 +2,7 @@
 
 #include "scene/Ticks.h"
 #include "scene/private/ContourSegments.h"
+#include "scene/private/FigureCuts.h"
 #include "scene/private/GridAxis.h"
 #include "scene/private/NearestCorner.h"
 #include "scene/private/Notes.h"
@@ -127,11 +128,12 @@ void SurfaceContent::PlaceNodes() {
   _shown = {};
   for (std::size_t i = 0; i < _heights.size(); ++i) {
     const Point node = Node(i);
-    holes[i] = !leftOut.Shows(placement.rules, node);
-    if (!holes[i]) {
+    const bool isShown = leftOut.Shows(placement.rules, node);
+    holes[i] = !isShown && !placement.rules.HasVertex(node);
+    if (!holes[i])
       z[i] = placement.transform(node).z;
+    if (isShown)
       _shown += node.z;
-    }
   }
   SurfaceMesh surface(SceneNodes(_x, placement.transform, 0), SceneNodes(_y, placement.transform, 1), z);
   _box = surface.bounds;
@@ -141,9 +143,11 @@ void SurfaceContent::PlaceNodes() {
   if (areHolesKept && !_mesh.Empty()) {
     _mesh.UpdatePositions(_positions);
     _mesh.UpdateNormals(surface.normals);
+    Measure();
     return;
   }
   _indices = std::move(surface.indices.front());
+  Measure();
   _mesh = {};
   if (_indices.empty())
     return; // without indices, all vertices would be drawn
@@ -154,6 +158,21 @@ void SurfaceContent::PlaceNodes() {
   arrays.values = values;
   arrays.indices = _indices;
   _mesh = GpuMesh(arrays);
+}
+
+Point SurfaceContent::PlacedNode(std::uint32_t p_index) const {
+  const SurfaceMesh::Vector& node = _positions[p_index];
+  return {static_cast<double>(node.x), static_cast<double>(node.y), static_cast<double>(node.z)};
+}
+
+/// The box and the heights of a surface that the limits cut.
+void SurfaceContent::Measure() {
+  if (!placement.rules.cutsSurfaces)
+    return;
+  _box = CutBounds(
+      _indices, [this](std::uint32_t p_index) { return PlacedNode(p_index); },
+      LimitCuts(placement.rules, placement.transform));
+  _shown = _box.Empty() ? Range() : Along(placement.transform.Inverse(_box), 2);
 }
 
 std::vector<double> SurfaceContent::ContourLevels() const {
@@ -191,7 +210,7 @@ void SurfaceContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   QColor color = p_frame.ink;
   color.setAlphaF(LineOpacity * opacity);
   p_gl->Enable(RGL_BLEND);
-  p_gl->BlendFunc(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA);
+  p_gl->BlendFuncSeparate(RGL_SRC_ALPHA, RGL_ONE_MINUS_SRC_ALPHA, RGL_ONE, RGL_ONE_MINUS_SRC_ALPHA);
   p_gl->DepthFunc(RGL_LEQUAL);
   p_gl->DepthMask(false); // the surface has the depth of its lines
   p_gl->LineWidth(static_cast<float>(p_frame.pixelRatio));
@@ -207,11 +226,8 @@ void SurfaceContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, const Pi
 }
 
 Picked SurfaceContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
-  const auto corner = NearestCorner(_indices, p_number, [&](std::uint32_t p_index) {
-    const SurfaceMesh::Vector& node = _positions[p_index];
-    return Length(Point(static_cast<double>(node.x), static_cast<double>(node.y), static_cast<double>(node.z)) -
-                  p_scene);
-  });
+  const auto corner =
+      NearestCorner(_indices, p_number, [&](std::uint32_t p_index) { return Length(PlacedNode(p_index) - p_scene); });
   if (!corner)
     return PlotContent::Identify({}, p_scene);
   Picked picked = PickedAt(*corner, placement.transform.Inverse(p_scene));

@@ -20,6 +20,7 @@ public:
 
   void ValuesChanged() override;
   std::size_t Count() const override { return _heights.size(); }
+  bool IsSurface() const override { return true; }
   bool IsPeeled() const override { return true; }
   void Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) override;
   void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;
@@ -37,6 +38,8 @@ private:
   std::vector<double> ContourLevels() const;
   std::vector<float> VertexValues() const;
   void PlaceNodes();
+  Point PlacedNode(std::uint32_t p_index) const;
+  void Measure();
   void PlaceContours();
 
   std::vector<double> _x, _y, _heights;

@@ -112,4 +112,32 @@ TEST_F(FigureClipPixels, FramesTheCut) {
   EXPECT_FALSE(isFramed({8, 6, 10}));
 }
 
+/// Between vertices on both sides, and through triangles without a vertex inside; not where planes run out.
+TEST_F(FigureClipPixels, CutsSurfacesAtLimits) {
+  const std::vector<std::function<void(Figure&)>> plots{
+      [](Figure& p_figure) {
+        p_figure.Mesh(Points{{-9, -9, 1}, {20, -9, 1}, {-9, 20, 1}}, {{0, 1, 2}}).Color(Qt::red);
+      },
+      [](Figure& p_figure) {
+        p_figure.Surface(Doubles{-9, 20}, Doubles{-9, 20}, Doubles(4, 1.0)).Color(Qt::red).Contours({1});
+      }};
+  for (const auto& add : plots) {
+    Figure figure = Bare();
+    figure.Scatter(Points{{2.2, -2, 1}, {4.8, 5, 1}}).Diameter(0.001);
+    add(figure);
+    figure.SetLimits(0, 2, 5);
+    figure.Draw(gl, viewport);
+    EXPECT_LT(AtPoint(figure, {2.3, 2, 1}).green(), 150);
+    EXPECT_LT(AtPoint(figure, {4.7, 2, 1}).green(), 150);
+    EXPECT_EQ(AtPoint(figure, {1.7, 2, 1}), QColor(Qt::white));
+    EXPECT_EQ(AtPoint(figure, {5.3, 2, 1}), QColor(Qt::white));
+    const auto pixel = figure.Layout(viewport).camera.Project(figure.ToScene({3, 3, 1}), viewport);
+    EXPECT_TRUE(figure.Pick(gl, viewport, {static_cast<int>(pixel.x), static_cast<int>(pixel.y)}));
+    for (int i = 0; i < 5; ++i)
+      figure.Clip(2, -1 - i, Side::Above);
+    figure.Draw(gl, viewport);
+    EXPECT_EQ(AtPoint(figure, {3, 2, 1}), QColor(Qt::white));
+  }
+}
+
 } // namespace
