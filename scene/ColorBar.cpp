@@ -256,9 +256,15 @@ struct ColorBar::Builder {
           frame.TickString(precision.Format(bar.largest, {}, 1), frame.length + after, metrics.stringGap, small));
 
     std::vector<String> strings = StringsOf(shown);
-    if (DropOverlaps(strings, extremes) == 0 && !bar._bounds.empty() && !bar.ticks)
-      vekdebug::warn("ColorBar: no room for two ticks along " + std::to_string(static_cast<long>(frame.length)) +
-                     " points (\"" + bar.title.toStdString() + "\")");
+    if (DropOverlaps(strings, extremes) == 0 && !bar._bounds.empty() && !bar.ticks) {
+      const std::string text = "ColorBar: no room for two ticks along " +
+                               std::to_string(static_cast<long>(frame.length)) + " points (\"" +
+                               bar.title.toStdString() + "\")";
+      if (bar.report)
+        bar.report(text);
+      else
+        vekdebug::warn(text);
+    }
     for (std::size_t i = 0; i < strings.size(); ++i) {
       const double along = frame.length * bar.PositionOf(shown.Values()[i]);
       if (!(along >= 0 && along <= frame.length))

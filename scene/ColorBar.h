@@ -15,8 +15,10 @@
 #include <QString>
 
 #include <cstddef>
+#include <functional>
 #include <limits>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace Vek::Chart::Scene {
@@ -30,7 +32,8 @@ namespace Vek::Chart::Scene {
 ///
 /// Letters have the sizes of the theme at every size of the bar. A short bar has fewer ticks, at least two or none; of
 /// two strings that would overlap, the tick's gives way to that of an extreme. A bar without strings at its ticks is
-/// reported with each layout: "WARNING: ColorBar: no room for two ticks along 20 points ("Speed in m/s")".
+/// reported with each layout: "WARNING: ColorBar: no room for two ticks along 20 points ("Speed in m/s")", or passed to
+/// `report` without the first word.
 ///
 /// Values are positioned by the classes: value v of class i of n lies at the share (i + (v - Bounds()[i]) / (width of
 /// the class)) / n of the colours; on a map with a logarithmic scale, at the share of logarithms.
@@ -79,6 +82,7 @@ public:
   QString missingName = QLatin1String("no data");            ///< beside the colour of missing values
   std::optional<Ticks> ticks;                                ///< own ticks; the strings that fit are drawn
   Metrics metrics;                                           ///< lengths
+  std::function<void(const std::string&)> report{};          ///< takes reports; empty for vekdebug::warn
 
   /// The shapes of a bar of a length from end to end: points and the square of missing values included, strings that
   /// reach beyond excluded. The origin is the lower left corner of the colours.

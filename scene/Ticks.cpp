@@ -231,12 +231,12 @@ bool Has(const LogarithmicStep& p_step, const Decimal& p_tick) {
   return p_tick.exponent % p_step.decades == 0 && std::strchr(p_step.digits, static_cast<int>('0' + p_tick.mantissa));
 }
 
-/// All 1 to 9 times a power of ten in a range above 0.
-std::vector<Decimal> LogarithmicTicks(double p_low, double p_high) {
+/// All 1 to `p_mostDigit` times a power of ten in a range above 0.
+std::vector<Decimal> LogarithmicTicks(double p_low, double p_high, std::int64_t p_mostDigit) {
   std::vector<Decimal> ticks;
   const int last = static_cast<int>(std::floor(std::log10(p_high))) + 1;
   for (int decade = static_cast<int>(std::floor(std::log10(p_low))) - 1; decade <= last; ++decade)
-    for (std::int64_t digit = 1; digit < 10; ++digit) {
+    for (std::int64_t digit = 1; digit <= p_mostDigit; ++digit) {
       const double value = ValueOf({digit, decade});
       if (value >= p_low && value <= p_high)
         ticks.push_back({digit, decade});
@@ -270,8 +270,12 @@ Ticks Ticks::Logarithmic(double p_low, double p_high, std::size_t p_most) {
   if (decades < 1)
     return Linear(p_low, p_high, p_most);
 
-  const std::vector<Decimal> all = LogarithmicTicks(low, high);
-  const LogarithmicStep step = StepOf(all, decades < 2, std::min(p_most, MostLabelled));
+  // There may be hundreds of decades, of which the powers of ten suffice.
+  const bool isShort = decades < 2;
+  std::vector<Decimal> all = LogarithmicTicks(low, high, isShort ? 9 : 1);
+  const LogarithmicStep step = StepOf(all, isShort, std::min(p_most, MostLabelled));
+  if (!isShort && step.decades == 1)
+    all = LogarithmicTicks(low, high, 9);
   const bool needsPower = std::any_of(
       all.begin(), all.end(), [&](const Decimal& p_tick) { return Has(step, p_tick) && NeedsPower(p_tick.exponent); });
   Ticks ticks;

@@ -1,7 +1,5 @@
 #include "scene/private/FigurePage.h"
 
-#include "platform/debug/Check.h"
-
 #include <QStringList>
 
 #include <algorithm>
@@ -40,9 +38,11 @@ QString Wrapped(const QString& p_text, const TextStyle& p_style, double p_width,
 /// Takes places from the borders of a page, until the scene is left.
 class Page {
 public:
-  Page(const QSizeF& p_size, const Theme& p_theme, double p_pointSize)
+  Page(const QSizeF& p_size, const Theme& p_theme, double p_pointSize,
+       const std::function<void(const std::string&)>& p_report)
       : _theme(p_theme)
-      , _pointSize(p_pointSize) {
+      , _pointSize(p_pointSize)
+      , _report(p_report) {
     const double margin = std::min(Margin, std::min(p_size.width(), p_size.height()) / 20);
     _layout.size = p_size;
     _layout.scene = {margin, margin, p_size.width() - margin, p_size.height() - margin};
@@ -116,9 +116,9 @@ private:
   double FreeWidth() const { return Free().right - Free().left; }
   double FreeHeight() const { return Free().top - Free().bottom; }
 
-  static void ReportNoRoom(const LegendBlock& p_block) {
+  void ReportNoRoom(const LegendBlock& p_block) const {
     const QString first = p_block.Strings().empty() ? QString() : p_block.Strings().front().text;
-    vekdebug::warn("Figure: no room for the legend \"" + first.toStdString() + '"');
+    _report("Figure: no room for the legend \"" + first.toStdString() + '"');
   }
 
   bool HasRoom(const LegendBlock& p_block) const {
@@ -192,6 +192,7 @@ private:
 
   const Theme& _theme;
   double _pointSize;
+  const std::function<void(const std::string&)>& _report;
   FigureLayout _layout;
 };
 
@@ -199,7 +200,7 @@ private:
 
 FigureLayout LayOutPage(const QSizeF& p_size, const PageContent& p_content, const Theme& p_theme, double p_pointSize) {
   constexpr double TallRatio = 1.15; // of height to width
-  Page page(p_size, p_theme, p_pointSize);
+  Page page(p_size, p_theme, p_pointSize, p_content.report);
   page.TakeTop(p_content.title, p_theme.TitleStyle(), p_content.subtitle.isEmpty() ? Gap / 2 : 0);
   page.TakeTop(p_content.subtitle, p_theme.BodyStyle(), Gap / 2);
   TextStyle faint = p_theme.SmallStyle();

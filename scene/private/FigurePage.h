@@ -7,6 +7,8 @@
 #include <QSizeF>
 #include <QString>
 
+#include <functional>
+#include <string>
 #include <vector>
 
 namespace Vek::Chart::Scene::Private {
@@ -15,8 +17,9 @@ namespace Vek::Chart::Scene::Private {
 struct PageContent {
   QString title, subtitle;
   std::vector<QString> notes;
-  std::vector<ColorBar> bars;    ///< any orientation
-  std::vector<LegendBlock> keys; ///< below the bars
+  std::vector<ColorBar> bars;                     ///< any orientation
+  std::vector<LegendBlock> keys;                  ///< below the bars
+  std::function<void(const std::string&)> report; ///< takes what there is no room for
 };
 
 /// Places titles at the top, notes at the bottom, bars and keys on the right, or below the scene where the view is

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace Vek::Chart::Scene {
 
@@ -226,13 +227,24 @@ std::vector<LegendBlock> Figure::State::Keys(const Theme& p_theme, const View& p
   return keys;
 }
 
+/// Layouts are made for each drawing.
+void Figure::State::ReportOnce(const std::string& p_text) {
+  std::string kind; // without lengths, which change with the size of a window
+  std::copy_if(p_text.begin(), p_text.end(), std::back_inserter(kind), [](char p_c) { return p_c < '0' || p_c > '9'; });
+  if (_reported.insert(kind).second)
+    vekdebug::warn(p_text);
+}
+
 FigureLayout Figure::State::Arrange(const Figure& p_figure, const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
   const QSizeF size(static_cast<double>(p_viewport.width) / p_pixelRatio,
                     static_cast<double>(p_viewport.height) / p_pixelRatio);
   const Axes axes = MakeAxes(PlacePlots(size));
   _box = axes.box;
   const Axes::Target target{p_viewport, p_pixelRatio, Axes::MeasureIn(p_figure.theme, p_pixelRatio)};
-  Private::PageContent page{title, subtitle, Notes(), BarsOf(Visible()), {}};
+  const auto report = [this](const std::string& p_text) { ReportOnce(p_text); };
+  Private::PageContent page{title, subtitle, Notes(), BarsOf(Visible()), {}, report};
+  for (ColorBar& bar : page.bars)
+    bar.report = report;
   View view{p_figure.camera ? *p_figure.camera : OwnCamera(direction, _isFlat), p_viewport};
   const auto lay = [&] {
     page.keys = Keys(p_figure.theme, view, p_pixelRatio);

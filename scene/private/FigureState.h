@@ -14,6 +14,8 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -103,8 +105,11 @@ private:
   std::vector<QString> Notes() const;
   std::vector<LegendBlock> Keys(const Theme& p_theme, const View& p_view, double p_pixelRatio) const;
 
+  void ReportOnce(const std::string& p_text);
+
   bool _isFlat = false;
-  Private::Box _box; ///< of the axes, in scene units, as of the last layout
+  std::set<std::string> _reported; ///< of layouts, without digits
+  Private::Box _box;               ///< of the axes, in scene units, as of the last layout
 };
 
 } // namespace Vek::Chart::Scene

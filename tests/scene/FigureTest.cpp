@@ -218,6 +218,18 @@ TEST_F(FigureTest, EqualColorsShareABar) {
     EXPECT_EQ(std::count(strings.begin(), strings.end(), name), 1) << name;
 }
 
+/// Layouts are made for each frame, and several for one.
+TEST_F(FigureTest, ReportsAMissingLegendOnce) {
+  Figure figure("A title that has no room in a small image");
+  figure.Scatter(Cloud(3)).ColorBy(Ascending(3)).ColorTitle("Temperature");
+  ReportCapture reports;
+  for (const float width : {60.0F, 61.0F, 62.0F})
+    figure.Layout(Viewport(0, 0, width, 60));
+  const auto texts = reports.Texts();
+  EXPECT_FALSE(texts.empty());
+  EXPECT_EQ(std::set<std::string>(texts.begin(), texts.end()).size(), texts.size());
+}
+
 TEST_F(FigureTest, KeepsAllStringsApartAndInside) {
   std::mt19937 generator(11);
   std::uniform_real_distribution<double> share(0, 1);
@@ -251,6 +263,12 @@ TEST_F(FigureTest, KeepsAllStringsApartAndInside) {
           EXPECT_LT(AreaOf(polygons[i].intersected(polygons[j])), 1)
               << "view " << view << ", strings " << i << ", " << j;
       }
+      for (const Point& point : points) // no label over data
+        if (std::isfinite(point.x)) {
+          const Camera::Pixel pixel = layout.camera.Project(figure.ToScene(point), viewport);
+          for (const QPolygonF& polygon : polygons)
+            EXPECT_FALSE(polygon.containsPoint({pixel.x, pixel.y}, Qt::WindingFill)) << "view " << view;
+        }
       for (std::size_t i = 0; i < layout.blocks.size(); ++i) // no legend over data
         for (const auto& [x, y] : layout.axes.corners)
           EXPECT_FALSE(polygons[i].boundingRect().contains(QPointF(x, y)))
@@ -261,18 +279,54 @@ TEST_F(FigureTest, KeepsAllStringsApartAndInside) {
   EXPECT_GE(blocks, 600U * 5);
 }
 
-TEST_F(FigureCalls, AreAsManyForTenTimesAsManyElements) {
-  std::vector<std::size_t> calls;
-  for (const std::size_t count : {1000, 100000}) {
-    Points corners = Cloud(count, {0.9, 0.9, 0});
-    corners[0] = {-1, -1, 0}, corners[1] = {1, 1, 0}; // equal limits
-    Figure figure;
-    figure.Scatter(corners).ColorBy(Ascending(count)).ColorRange(0, 1);
-    figure.Quiver(corners, Points(count, Point(1e-6, 0, 0))).Most(count).UnitLength(1e-6);
-    CallsOf(figure);
-    calls.push_back(CallsOf(figure).size()); // the second frame uploads nothing
-  }
-  EXPECT_EQ(calls[0], calls[1]);
+/// Of each kind of plot alone, opaque and half-transparent; the second frame uploads nothing.
+TEST_F(FigureCalls, AreAsManyForAHundredTimesAsManyElements) {
+  struct Kind {
+    const char* name;
+    std::function<void(Figure&, const Points&, double)> add;
+  };
+  const auto flat = [](const Points& p_points) { return Points(p_points.size(), Point(1e-6, 0, 0)); };
+  const std::vector<Kind> kinds = {
+      {"scatter",
+       [](Figure& p_figure, const Points& p_points, double p_opacity) {
+         p_figure.Scatter(p_points).ColorBy(Ascending(p_points.size())).ColorRange(0, 1).SetOpacity(p_opacity);
+       }},
+      {"quiver",
+       [&](Figure& p_figure, const Points& p_points, double p_opacity) {
+         p_figure.Quiver(p_points, flat(p_points)).Most(p_points.size()).UnitLength(1e-6).SetOpacity(p_opacity);
+       }},
+      {"mesh",
+       [](Figure& p_figure, const Points& p_points, double p_opacity) {
+         std::vector<std::array<unsigned, 3>> triangles;
+         for (unsigned i = 0; i + 2 < p_points.size(); ++i)
+           triangles.push_back({i, i + 1, i + 2});
+         p_figure.Mesh(p_points, triangles).SetOpacity(p_opacity);
+       }},
+      {"lines", [](Figure& p_figure, const Points& p_points,
+                   double p_opacity) { p_figure.Lines(p_points).SetOpacity(p_opacity); }},
+      {"bars",
+       [](Figure& p_figure, const Points& p_points, double p_opacity) {
+         Doubles x, y, heights(p_points.size(), 1);
+         for (const Point& point : p_points)
+           x.push_back(point.x), y.push_back(point.y);
+         p_figure.Bars(x, y, heights).Width(1e-3).SetOpacity(p_opacity);
+       }},
+  };
+  for (const Kind& kind : kinds)
+    for (const double opacity : {1.0, 0.5}) {
+      std::vector<std::size_t> calls;
+      for (const std::size_t count : {1000, 100000}) {
+        Points points = Cloud(count, {0.9, 0.9, 0});
+        points[0] = {-1, -1, 0}, points[1] = {1, 1, 0};
+        Figure figure;
+        for (int axis = 0; axis < 3; ++axis)
+          figure.SetLimits(axis, -2, 2);
+        kind.add(figure, points, opacity);
+        CallsOf(figure);
+        calls.push_back(CallsOf(figure).size());
+      }
+      EXPECT_EQ(calls[0], calls[1]) << kind.name << ", " << opacity;
+    }
 }
 
 TEST_F(FigureCalls, UploadWhatChanged) {
