@@ -98,7 +98,7 @@ struct Lattice {
 };
 
 bool IsLattice(const std::string& p_start) {
-  std::istringstream words(p_start);
+  std::istringstream words(p_start.substr(0, p_start.find_first_of("\n\r")));
   std::string mark, word;
   return words >> mark >> word && mark == "#" && word == "dims";
 }
