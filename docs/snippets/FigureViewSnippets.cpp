@@ -32,8 +32,8 @@ TEST(FigureViewSnippets, FigureView) {
   figure->Quiver(positions, vectors).ColorBy(speed).ColorTitle("Speed in m/s");
   auto* const view = new Widgets::FigureView(figure);
   layout.addWidget(view);
-  QObject::connect(view, &Widgets::FigureView::Picked, [&](const auto& p_position) {
-    label.setText(p_position ? QString("%1 m above ground").arg(p_position->z) : "nothing here");
+  QObject::connect(view, &Widgets::FigureView::Picked, [&](const auto& p_hit) {
+    label.setText(p_hit ? QString("%1 m above ground").arg(p_hit->position.z) : "nothing here");
   });
   figure->SetTitle("An updraft", "Measured at noon"); // figures change at any time,
   view->update();                                     // and are drawn on request
