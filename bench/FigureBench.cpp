@@ -113,7 +113,7 @@ void NeedFonts() {
   static char name[] = "FigureBench", option[] = "-platform", platform[] = "offscreen";
   static char* arguments[] = {name, option, platform, nullptr};
   static int count = 3;
-  static const QGuiApplication application(count, arguments);
+  static const QGuiApplication Application(count, arguments);
 }
 
 Points Cloud(std::size_t p_count) {

@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t Columns = 5;
 
 const std::string& Path() {
-  static const std::string path = [] {
+  static const std::string Path = [] {
     const std::string to = (std::filesystem::temp_directory_path() / "vek-table-bench.csv").string();
     std::ofstream file(to, std::ios::binary);
     file << "lon,lat,u,v,speed\n";
@@ -31,7 +31,7 @@ const std::string& Path() {
     }
     return to;
   }();
-  return path;
+  return Path;
 }
 
 void Plain(benchmark::State& p_state) {

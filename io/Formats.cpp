@@ -31,7 +31,7 @@ constexpr bool HasOpenExr = false;
 } // namespace
 
 const std::vector<Format>& Formats() {
-  static const std::vector<Format> formats{
+  static const std::vector<Format> Formats{
       {Format::Meshes, "OBJ", "obj", "Io::ReadMesh",
        "positions, vertex colours, normals, texture coordinates, faces of any number of corners, lines, points, "
        "groups, "
@@ -110,7 +110,7 @@ const std::vector<Format>& Formats() {
        "pixels such as chroma",
        "libopenexr-dev", HasOpenExr},
   };
-  return formats;
+  return Formats;
 }
 
 std::string_view KindName(Format::Kind p_kind) {

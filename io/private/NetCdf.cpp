@@ -17,15 +17,15 @@ const NetCdfAttribute* Find(const std::vector<NetCdfAttribute>& p_attributes, st
 } // namespace
 
 const std::string& NetCdfVariable::Text(std::string_view p_attribute) const {
-  static const std::string none;
+  static const std::string None;
   const NetCdfAttribute* const found = Private::Find(attributes, p_attribute);
-  return found == nullptr ? none : found->text;
+  return found == nullptr ? None : found->text;
 }
 
 const std::vector<double>& NetCdfVariable::Numbers(std::string_view p_attribute) const {
-  static const std::vector<double> none;
+  static const std::vector<double> None;
   const NetCdfAttribute* const found = Private::Find(attributes, p_attribute);
-  return found == nullptr ? none : found->numbers;
+  return found == nullptr ? None : found->numbers;
 }
 
 const NetCdfVariable* NetCdfFile::Find(std::string_view p_variable) const {

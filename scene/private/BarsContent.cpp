@@ -85,7 +85,7 @@ BarsContent::BarsContent(const Array1& p_x, const Array1& p_y, const Array1& p_h
 
 void BarsContent::ColorByHeight() {
   std::vector<double> heights; // bars without a height are not drawn, so they are no missing values of the colour bar
-  for (const Point& bar : positions)
+  for (const Point& bar : _positions)
     if (IsFinite(bar))
       heights.push_back(bar.z);
   coloring.SetValues(heights);
@@ -102,7 +102,7 @@ void BarsContent::UpdateHeights(const Array1& p_heights) {
   RequireCount("UpdateHeights", p_heights.Count(), Count());
   const std::vector<double> heights = Values(p_heights);
   for (std::size_t i = 0; i < heights.size(); ++i)
-    positions[i].z = heights[i];
+    _positions[i].z = heights[i];
   DataChanged();
   if (_isByHeight)
     ColorByHeight();
@@ -122,18 +122,18 @@ double BarsContent::BaseOf(const AxisRules& p_rules) const {
   if (limits)
     return limits->min;
   double least = HUGE_VAL;
-  for (const Point& bar : positions)
+  for (const Point& bar : _positions)
     if (IsFinite(bar) && bar.z > 0)
       least = std::min(least, bar.z);
   return std::isfinite(least) ? std::pow(10, std::ceil(std::log10(least) - 1e-9) - 1) : 1;
 }
 
 BarsContent::Span BarsContent::SpanOf(std::size_t p_index, const AxisRules& p_rules, double p_base) const {
-  Point place = positions[p_index];
+  Point place = _positions[p_index];
   const double height = place.z;
   place.z = p_base;
   Span span{p_base, height};
-  if (!IsFinite(positions[p_index]) || !p_rules.Shows(place) || (p_rules.logarithmic[2] && height <= 0))
+  if (!IsFinite(_positions[p_index]) || !p_rules.Shows(place) || (p_rules.logarithmic[2] && height <= 0))
     return span;
   if (const auto& limits = p_rules.limits[2]) {
     // A bar may have only its base at the limit, where the limits leave out 0.
@@ -150,10 +150,10 @@ BarsContent::Span BarsContent::SpanOf(std::size_t p_index, const AxisRules& p_ru
 Box BarsContent::BoundsOf(const AxisRules& p_rules) const {
   const double base = BaseOf(p_rules);
   Box box;
-  for (std::size_t i = 0; i < positions.size(); ++i)
+  for (std::size_t i = 0; i < _positions.size(); ++i)
     if (const Span span = SpanOf(i, p_rules, base); span.isShown) {
-      box += Point(positions[i].x, positions[i].y, span.from);
-      box += Point(positions[i].x, positions[i].y, span.to);
+      box += Point(_positions[i].x, _positions[i].y, span.from);
+      box += Point(_positions[i].x, _positions[i].y, span.to);
     }
   if (box.Empty())
     return box;
@@ -161,7 +161,7 @@ Box BarsContent::BoundsOf(const AxisRules& p_rules) const {
   Point low = box.Min(), high = box.Max();
   for (const std::size_t axis : {0, 1})
     if (At(low, axis) == At(high, axis) && !p_rules.logarithmic[axis] && !p_rules.limits[axis]) {
-      const double half = LeastGap(Distinct(positions, 1 - axis)) * _width / 2;
+      const double half = LeastGap(Distinct(_positions, 1 - axis)) * _width / 2;
       At(low, axis) -= half, At(high, axis) += half;
     }
   return {low, high};
@@ -179,8 +179,8 @@ Box BarsContent::PlaceChanged(const Changes& p_changes) {
 Point BarsContent::HalfWidth() const {
   std::vector<Point> feet;
   std::vector<std::uint32_t> all;
-  for (const Point& bar : positions) {
-    const Point foot = placement.transform({bar.x, bar.y, placement.rules.logarithmic[2] ? 1.0 : 0.0});
+  for (const Point& bar : _positions) {
+    const Point foot = _placement.transform({bar.x, bar.y, _placement.rules.logarithmic[2] ? 1.0 : 0.0});
     if (!IsFinite(foot))
       continue;
     all.push_back(static_cast<std::uint32_t>(feet.size()));
@@ -193,7 +193,7 @@ Point BarsContent::HalfWidth() const {
     gapX = gapY = MedianSpacing(feet, all) / std::sqrt(2.0);
   constexpr double Alone = 0.1; // of the diagonal, for a single bar
   if (gapX <= 0)
-    gapX = gapY > 0 ? gapY : Alone * placement.diagonal;
+    gapX = gapY > 0 ? gapY : Alone * _placement.diagonal;
   if (gapY <= 0)
     gapY = gapX;
   return Point(gapX, gapY, 0) * (_width / 2);
@@ -201,23 +201,23 @@ Point BarsContent::HalfWidth() const {
 
 void BarsContent::PlaceBars() {
   const Point half = HalfWidth();
-  _base = BaseOf(placement.rules);
+  _base = BaseOf(_placement.rules);
   _box = {};
   _cut = 0;
-  leftOut = {};
+  _leftOut = {};
   std::vector<Point> corners;
-  corners.reserve(Faces.size() * positions.size());
-  for (std::size_t i = 0; i < positions.size(); ++i) {
-    const Span span = SpanOf(i, placement.rules, _base);
+  corners.reserve(Faces.size() * _positions.size());
+  for (std::size_t i = 0; i < _positions.size(); ++i) {
+    const Span span = SpanOf(i, _placement.rules, _base);
     if (!span.isShown) {
-      ++(IsFinite(positions[i]) ? leftOut.hidden : leftOut.missing);
+      ++(IsFinite(_positions[i]) ? _leftOut.hidden : _leftOut.missing);
       corners.insert(corners.end(), Faces.size(), Point()); // triangles without area
       continue;
     }
     _cut += span.isCut ? 1 : 0;
-    const Point& bar = positions[i];
-    const Box box(placement.transform({bar.x, bar.y, std::min(span.from, span.to)}) - half,
-                  placement.transform({bar.x, bar.y, std::max(span.from, span.to)}) + half);
+    const Point& bar = _positions[i];
+    const Box box(_placement.transform({bar.x, bar.y, std::min(span.from, span.to)}) - half,
+                  _placement.transform({bar.x, bar.y, std::max(span.from, span.to)}) + half);
     for (const Vertex& vertex : Faces)
       corners.emplace_back(vertex.corner[0] != 0 ? box.Max().x : box.Min().x,
                            vertex.corner[1] != 0 ? box.Max().y : box.Min().y,
@@ -247,9 +247,9 @@ std::vector<float> BarsContent::VertexValues() const {
   std::vector<float> values;
   if (_mesh.Empty() || (!_isByHeight && coloring.Values().empty()))
     return values;
-  values.reserve(Faces.size() * positions.size());
-  for (std::size_t i = 0; i < positions.size(); ++i)
-    values.insert(values.end(), Faces.size(), _isByHeight ? static_cast<float>(positions[i].z) : coloring.Values()[i]);
+  values.reserve(Faces.size() * _positions.size());
+  for (std::size_t i = 0; i < _positions.size(); ++i)
+    values.insert(values.end(), Faces.size(), _isByHeight ? static_cast<float>(_positions[i].z) : coloring.Values()[i]);
   return values;
 }
 
@@ -265,7 +265,7 @@ Picked BarsContent::Identify(std::optional<std::uint32_t> p_number, const Point&
   constexpr std::size_t Triangles = Faces.size() / 2; // of a bar
   if (!p_number || *p_number / Triangles >= Count())
     return PlotContent::Identify({}, p_scene);
-  Picked picked = PickedAt(*p_number / Triangles, positions[*p_number / Triangles]);
+  Picked picked = PickedAt(*p_number / Triangles, _positions[*p_number / Triangles]);
   if (_isByHeight)
     picked.value = picked.position.z;
   return picked;

@@ -309,12 +309,12 @@ void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame
   }
   const auto lighting = light.Apply(p_gl);
   const auto drawOpaque = [&] {
-    DrawContents(p_gl, p_frame, Having([](const PlotContent& p) { return !p.IsTransparent() && !p.IsBlended(); }));
+    DrawContents(p_gl, p_frame, Having([](const PlotContent& p_p) { return !p_p.IsTransparent() && !p_p.IsBlended(); }));
     if (!clips.empty())
       Private::DrawOutlines(p_gl, Private::CutOutlines(_box, p_frame.cuts), p_frame.line, p_frame.pixelRatio);
   };
   drawOpaque();
-  DrawContents(p_gl, p_frame, Having([](const PlotContent& p) { return p.IsBlended() && p.opacity > 0; }));
+  DrawContents(p_gl, p_frame, Having([](const PlotContent& p_p) { return p_p.IsBlended() && p_p.opacity > 0; }));
   if (HasTransparent())
     DrawTransparent(p_gl, p_frame, drawOpaque);
 }
@@ -341,7 +341,7 @@ bool Figure::State::HasTransparent() const {
 
 void Figure::State::DrawTransparent(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame,
                                     const std::function<void()>& p_drawOpaque) {
-  const std::vector<PlotContent*> peeled = Having([](const PlotContent& p) { return IsVeil(p) && p.IsPeeled(); });
+  const std::vector<PlotContent*> peeled = Having([](const PlotContent& p_p) { return IsVeil(p_p) && p_p.IsPeeled(); });
   // The nearest surface alone: its depths first.
   const auto drawNearest = [&](const std::vector<PlotContent*>& p_contents) {
     p_gl->ColorMask(false, false, false, false);
@@ -363,7 +363,7 @@ void Figure::State::DrawTransparent(Utility::Scoped<Rgl>& p_gl, Private::Frame p
       !peeled.empty() && !isMoving && peeling.Get(p_gl).Draw(p_gl, p_frame.viewport, p_drawOpaque, drawLayer);
   if (!isPeeled)
     drawNearest(peeled);
-  for (PlotContent* const content : Having([](const PlotContent& p) { return IsVeil(p) && !p.IsPeeled(); }))
+  for (PlotContent* const content : Having([](const PlotContent& p_p) { return IsVeil(p_p) && !p_p.IsPeeled(); }))
     drawNearest({content});
 }
 

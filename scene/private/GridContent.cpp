@@ -79,18 +79,18 @@ std::vector<double> SceneKnots(const std::vector<double>& p_knots, const DataTra
 } // namespace
 
 GridContent::GridContent(VoxelGrid p_grid, bool p_isTexture)
-    : grid(p_grid)
-    , placed(p_grid)
+    : _grid(p_grid)
+    , _placed(p_grid)
     , _isTexture(p_isTexture) {
   Replace(std::move(p_grid));
   coloring.SetMissing(Qt::transparent);
-  coloring.SetTitle(grid.name + (grid.name.isEmpty() || grid.unit.isEmpty() ? QString() : QStringLiteral(" in ")) +
-                    grid.unit);
+  coloring.SetTitle(_grid.name + (_grid.name.isEmpty() || _grid.unit.isEmpty() ? QString() : QStringLiteral(" in ")) +
+                    _grid.unit);
 }
 
 void GridContent::Replace(VoxelGrid p_grid) {
-  grid = std::move(p_grid);
-  const std::vector<float> values = grid.Values();
+  _grid = std::move(p_grid);
+  const std::vector<float> values = _grid.Values();
   _all = Summarize(values, false);
   _positive = Summarize(values, true);
   _drawn.reset();
@@ -103,24 +103,24 @@ void GridContent::ColorByValue() {
 
 void GridContent::UpdateValues(const Array1& p_values) {
   RequireCount("UpdateValues", p_values.Count(), Count());
-  Replace(grid.WithValues(p_values));
+  Replace(_grid.WithValues(p_values));
   ValuesUpdated();
 }
 
 void GridContent::TakeColorValues() {
   if (coloring.Values().empty())
     return; // one colour
-  Replace(grid.WithValues(coloring.Values()));
+  Replace(_grid.WithValues(coloring.Values()));
   ColorByValue();
 }
 
 void GridContent::SetFilter(VoxelGrid::Filter p_filter) {
-  filter = p_filter;
+  _filter = p_filter;
   SettingsChanged();
 }
 
 Box GridContent::BoundsOf(const AxisRules& p_rules) const {
-  Point low = grid.Bounds().Min(), high = grid.Bounds().Max();
+  Point low = _grid.Bounds().Min(), high = _grid.Bounds().Max();
   for (std::size_t axis = 0; axis < 3; ++axis) {
     if (const auto& limits = p_rules.limits[axis]) {
       At(low, axis) = std::max(At(low, axis), limits->min);
@@ -129,7 +129,7 @@ Box GridContent::BoundsOf(const AxisRules& p_rules) const {
     if (!p_rules.logarithmic[axis] || At(low, axis) > 0)
       continue;
     double least = HUGE_VAL; // no position between the smallest one above 0 and 0 is shown
-    for (const double knot : grid.Knots(static_cast<int>(axis)))
+    for (const double knot : _grid.Knots(static_cast<int>(axis)))
       least = knot > 0 ? std::min(least, knot) : least;
     At(low, axis) = least;
   }
@@ -140,14 +140,14 @@ Box GridContent::BoundsOf(const AxisRules& p_rules) const {
 
 void GridContent::PlaceGrid(const Changes& p_changes) {
   if (!_drawn) {
-    _factor = _isTexture ? FactorFor(grid.Size()) : 1;
-    _drawn = _factor > 1 ? grid.Coarsened(_factor) : grid;
+    _factor = _isTexture ? FactorFor(_grid.Size()) : 1;
+    _drawn = _factor > 1 ? _grid.Coarsened(_factor) : _grid;
   }
   const auto knots = [&](std::size_t p_axis) {
-    return SceneKnots(_drawn->Knots(static_cast<int>(p_axis)), placement.transform, p_axis);
+    return SceneKnots(_drawn->Knots(static_cast<int>(p_axis)), _placement.transform, p_axis);
   };
-  placed = p_changes.isBent ? _drawn->MovedTo({knots(0), knots(1), knots(2)}) : _drawn->MovedTo(placed);
-  part = placement.transform(BoundsOf(placement.rules));
+  _placed = p_changes.isBent ? _drawn->MovedTo({knots(0), knots(1), knots(2)}) : _drawn->MovedTo(_placed);
+  _region = _placement.transform(BoundsOf(_placement.rules));
 }
 
 ValueScale GridContent::Scale() const {
@@ -162,42 +162,42 @@ ValueScale GridContent::Scale() const {
 
 QString GridContent::Text(std::size_t p_axis, double p_position) const {
   constexpr std::size_t Steps = 6;
-  const double low = At(grid.Bounds().Min(), p_axis), high = At(grid.Bounds().Max(), p_axis);
-  if (placement.rules.dates[p_axis])
+  const double low = At(_grid.Bounds().Min(), p_axis), high = At(_grid.Bounds().Max(), p_axis);
+  if (_placement.rules.dates[p_axis])
     return Ticks::Dates(low, high, Steps).Format(p_position, {}, 1);
-  return Ticks::Linear(low, high, Steps).Format(p_position, grid.lengthUnit, 1);
+  return Ticks::Linear(low, high, Steps).Format(p_position, _grid.lengthUnit, 1);
 }
 
 std::vector<QString> GridContent::Notes() const {
   std::vector<QString> notes;
-  if (grid.MissingCount() == grid.Count())
-    notes.push_back(QStringLiteral("all %1 voxels missing").arg(Grouped(grid.Count())));
+  if (_grid.MissingCount() == _grid.Count())
+    notes.push_back(QStringLiteral("all %1 voxels missing").arg(Grouped(_grid.Count())));
   else
-    AddCount(notes, grid.MissingCount(), Names(), "missing");
-  if (part.Empty())
+    AddCount(notes, _grid.MissingCount(), Names(), "missing");
+  if (_region.Empty())
     notes.push_back(QStringLiteral("the volume lies outside of the axes"));
-  else if (!(BoundsOf(placement.rules) == grid.Bounds()))
+  else if (!(BoundsOf(_placement.rules) == _grid.Bounds()))
     notes.push_back(QStringLiteral("the volume is cut at the axes"));
   if (_factor > 1)
     notes.push_back(QStringLiteral("drawn as means of %1 \u00D7 %1 \u00D7 %1 voxels").arg(_factor));
-  if (grid.Tilt() > 0)
+  if (_grid.Tilt() > 0)
     notes.push_back(QStringLiteral("drawn along its own axes, which are tilted by up to %1\u00B0")
-                        .arg(grid.Tilt(), 0, 'f', grid.Tilt() < 1 ? 2 : 0));
+                        .arg(_grid.Tilt(), 0, 'f', _grid.Tilt() < 1 ? 2 : 0));
   return notes;
 }
 
 Picked GridContent::VoxelAt(const Point& p_scene) const {
   Point within; // depths are rounded
   for (std::size_t axis = 0; axis < 3; ++axis)
-    At(within, axis) = std::clamp(At(p_scene, axis), At(part.Min(), axis), At(part.Max(), axis));
-  const Point position = placement.transform.Inverse(within), coordinate = grid.TexCoord(position);
+    At(within, axis) = std::clamp(At(p_scene, axis), At(_region.Min(), axis), At(_region.Max(), axis));
+  const Point position = _placement.transform.Inverse(within), coordinate = _grid.TexCoord(position);
   std::size_t voxel = 0;
   for (std::size_t axis = 3; axis-- > 0;) {
-    const double count = grid.Size()[axis];
+    const double count = _grid.Size()[axis];
     const double index = std::clamp(std::floor(At(coordinate, axis) * count), 0.0, count - 1);
     voxel = voxel * static_cast<std::size_t>(count) + static_cast<std::size_t>(index);
   }
-  return {voxel, position, placed.Sample(within, filter)};
+  return {voxel, position, _placed.Sample(within, _filter)};
 }
 
 void GridContent::DrawEdges(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) const {
@@ -212,7 +212,7 @@ void GridContent::DrawEdges(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) co
   QColor color = p_frame.ink;
   color.setAlphaF(LineOpacity);
   p_gl->Color(color);
-  const BoxView view(part, p_frame.camera, p_frame.viewport, p_frame.pixelRatio);
+  const BoxView view(_region, p_frame.camera, p_frame.viewport, p_frame.pixelRatio);
   p_gl->Begin(RGL_LINES);
   for (std::size_t axis = 0; axis < 3; ++axis)
     for (unsigned int edge = 0; edge < 4; ++edge)

@@ -21,8 +21,8 @@ public:
   /// Throws std::invalid_argument for another number of values.
   void UpdateValues(const Array1& p_values);
   void SetFilter(VoxelGrid::Filter p_filter);
-  std::size_t Count() const override { return grid.Count(); }
-  Types::MinMax_Base<double> ValueRange() const { return grid.Range(); }
+  std::size_t Count() const override { return _grid.Count(); }
+  Types::MinMax_Base<double> ValueRange() const { return _grid.Range(); }
   std::vector<QString> Notes() const override;
 
 protected:
@@ -42,10 +42,10 @@ protected:
   /// The edges of the part behind it.
   void DrawEdges(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) const;
 
-  VoxelGrid grid;   ///< in data units
-  VoxelGrid placed; ///< in the scene, of larger voxels where there are too many
-  Box part;         ///< of the placed grid, in the scene; empty if the axes show nothing of it
-  VoxelGrid::Filter filter = VoxelGrid::Filter::Linear;
+  VoxelGrid _grid;   ///< in data units
+  VoxelGrid _placed; ///< in the scene, of larger voxels where there are too many
+  Box _region;       ///< of the placed grid, in the scene; empty if the axes show nothing of it
+  VoxelGrid::Filter _filter = VoxelGrid::Filter::Linear;
 
 private:
   void Replace(VoxelGrid p_grid);

@@ -91,15 +91,15 @@ Box IsosurfaceContent::PlaceChanged(const Changes& p_changes) {
     PlaceSurfaces();
   else if (p_changes.values)
     PlaceValues();
-  return part;
+  return _region;
 }
 
 void IsosurfaceContent::PlaceSurfaces() {
   _levelsChanged = false;
   _surfaces.clear();
-  if (part.Empty())
+  if (_region.Empty())
     return;
-  const Nodes nodes = NodesIn(placed, part);
+  const Nodes nodes = NodesIn(_placed, _region);
   if (nodes.axes[0].size() < 2 || nodes.axes[1].size() < 2 || nodes.axes[2].size() < 2)
     return;
   for (const double level : _levels) {
@@ -122,7 +122,7 @@ void IsosurfaceContent::PlaceValues() {
       surface.mesh.UpdateValues(std::vector<float>(surface.vertices.size(), static_cast<float>(surface.level)));
     return;
   }
-  const VoxelGrid other = placed.WithValues(coloring.Values());
+  const VoxelGrid other = _placed.WithValues(coloring.Values());
   for (Surface& surface : _surfaces) {
     std::vector<float> values(surface.vertices.size());
     std::transform(surface.vertices.begin(), surface.vertices.end(), values.begin(),
@@ -145,7 +145,7 @@ void IsosurfaceContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& /*p_fr
 Picked IsosurfaceContent::Identify(std::optional<std::uint32_t> /*p_number*/, const Point& p_scene) const {
   Picked picked = VoxelAt(p_scene);
   if (!coloring.Values().empty() && !_isByLevel) {
-    picked.value = placed.WithValues(coloring.Values()).Sample(p_scene);
+    picked.value = _placed.WithValues(coloring.Values()).Sample(p_scene);
   } else if (picked.value && !_surfaces.empty()) {
     const auto distance = [&](const Surface& p_surface) { return std::abs(p_surface.level - *picked.value); };
     picked.value = std::min_element(_surfaces.begin(), _surfaces.end(), [&](const Surface& p_a, const Surface& p_b) {
@@ -168,7 +168,7 @@ std::vector<QString> IsosurfaceContent::Notes() const {
                                      [&](const Surface& p_surface) { return p_surface.level == level; });
     (isShown ? shown : missing).push_back(Number(level));
   }
-  const QString unit = grid.unit.isEmpty() ? QString() : ' ' + grid.unit;
+  const QString unit = _grid.unit.isEmpty() ? QString() : ' ' + _grid.unit;
   if (!shown.empty() && !(_isByLevel && _levels.size() > 1))
     notes.push_back(QLatin1String(shown.size() == 1 ? "surface at " : "surfaces at ") +
                     shown.join(QStringLiteral(", ")) + unit);

@@ -13,20 +13,20 @@ LinesContent::LinesContent(std::vector<Point> p_positions, std::vector<std::size
     : PointsContent(std::move(p_positions))
     , _lengths(std::move(p_lengths)) {
   constexpr std::size_t Most = std::numeric_limits<int>::max() / 2; // with an end of each line
-  if (positions.size() > Most || _lengths.size() > Most)
+  if (_positions.size() > Most || _lengths.size() > Most)
     throw std::invalid_argument("Lines: expected at most " + std::to_string(Most) + " points and lines");
   if (_lengths.empty())
-    _lengths = {positions.size()};
-  std::size_t left = positions.size();
+    _lengths = {_positions.size()};
+  std::size_t left = _positions.size();
   for (const std::size_t length : _lengths) {
     if (length > left)
-      throw std::invalid_argument("lengths: expected " + std::to_string(positions.size()) +
+      throw std::invalid_argument("lengths: expected " + std::to_string(_positions.size()) +
                                   " points in all lines, got more");
     left -= length;
   }
   if (left != 0)
-    throw std::invalid_argument("lengths: expected " + std::to_string(positions.size()) + " points in all lines, got " +
-                                std::to_string(positions.size() - left));
+    throw std::invalid_argument("lengths: expected " + std::to_string(_positions.size()) + " points in all lines, got " +
+                                std::to_string(_positions.size() - left));
 }
 
 void LinesContent::SetWidth(double p_points) {
@@ -58,7 +58,7 @@ Box LinesContent::PlaceChanged(const Changes& p_changes) {
   if (_box.Empty() || !isTubes)
     return _box;
   const double radius = SceneDiameter() / 2;
-  const Point half(radius, radius, placement.isFlat ? 0 : radius);
+  const Point half(radius, radius, _placement.isFlat ? 0 : radius);
   return {_box.Min() - half, _box.Max() + half};
 }
 
@@ -103,7 +103,7 @@ void LinesContent::PlaceTubes() {
     for (std::uint32_t i = 0; i < piece.count; ++i)
       lines.back().push_back({_scene[piece.first + i], SceneDiameter(), 0});
   }
-  _tubes.SetLines(std::move(lines), TubeValues(), placement.isFlat);
+  _tubes.SetLines(std::move(lines), TubeValues(), _placement.isFlat);
 }
 
 /// The values of the points of all pieces.
@@ -159,7 +159,7 @@ Picked LinesContent::Identify(std::optional<std::uint32_t> p_number, const Point
   std::optional<std::size_t> point;
   if (p_number)
     point = _diameter > 0 ? PointOfTube(*p_number) : PointOfSegment(*p_number, p_scene);
-  return point ? PickedAt(*point, placement.transform.Inverse(p_scene)) : PlotContent::Identify({}, p_scene);
+  return point ? PickedAt(*point, _placement.transform.Inverse(p_scene)) : PlotContent::Identify({}, p_scene);
 }
 
 void LinesContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {

@@ -33,7 +33,7 @@ private:
     std::uint32_t first = 0, count = 0;
   };
   /// The diameter of tubes in scene units.
-  double SceneDiameter() const { return _diameter * placement.transform.Unit(); }
+  double SceneDiameter() const { return _diameter * _placement.transform.Unit(); }
   void PlacePoints();
   void PlaceTubes();
   std::vector<float> TubeValues() const;

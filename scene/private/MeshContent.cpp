@@ -29,7 +29,7 @@ MeshContent::MeshContent(MeshData p_data)
     , _normals(std::move(p_data.normals))
     , _parts(std::move(p_data.parts))
     , _unreadTextures(p_data.unreadTextures)
-    , _isUsed(positions.size())
+    , _isUsed(_positions.size())
     , _meshes(_parts.size()) {
   for (const MeshPart& part : _parts)
     _textures.emplace_back(part.texture);
@@ -70,7 +70,7 @@ void MeshContent::PlaceVertices() {
     if (!isShown[i])
       placed[i] = {}; // no triangle has it
     if (!_normals.empty())
-      normals.push_back(isShown[i] ? PlacedNormal(placement.transform, positions[i], _normals[i]) : Point());
+      normals.push_back(isShown[i] ? PlacedNormal(_placement.transform, _positions[i], _normals[i]) : Point());
   }
   const bool isSame = isShown == _isShown;
   _isShown = std::move(isShown);
@@ -102,11 +102,11 @@ void MeshContent::PlaceVertices() {
     arrays.normals = ownNormals;
     mesh = GpuMesh(arrays);
   }
-  if (placement.rules.cutsSurfaces)
+  if (_placement.rules.cutsSurfaces)
     for (const std::vector<std::uint32_t>& triangles : _triangles)
       _box += CutBounds(
           triangles, [&](std::uint32_t p_vertex) { return _scene[p_vertex]; },
-          LimitCuts(placement.rules, placement.transform));
+          LimitCuts(_placement.rules, _placement.transform));
   if (!isSame)
     PlaceColors();
 }
@@ -173,7 +173,7 @@ Picked MeshContent::Identify(std::optional<std::uint32_t> p_number, const Point&
                              [&](std::uint32_t p_vertex) { return Length(_scene[p_vertex] - p_scene); });
     }
   }
-  return vertex ? PickedAt(*vertex, placement.transform.Inverse(p_scene)) : PlotContent::Identify({}, p_scene);
+  return vertex ? PickedAt(*vertex, _placement.transform.Inverse(p_scene)) : PlotContent::Identify({}, p_scene);
 }
 
 void MeshContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {

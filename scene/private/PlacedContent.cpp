@@ -14,12 +14,12 @@ Box PlacedContent::Bounds(const AxisRules& p_rules) {
 Box PlacedContent::Place(const Placement& p_placement) {
   Changes changes;
   changes.isFirst = !_isPlaced;
-  changes.isBent = !_isPlaced || placement.transform != p_placement.transform;
-  changes.isMoved = changes.isBent || _dataChanged || placement.rules != p_placement.rules;
+  changes.isBent = !_isPlaced || _placement.transform != p_placement.transform;
+  changes.isMoved = changes.isBent || _dataChanged || _placement.rules != p_placement.rules;
   changes.values = _valuesChanged;
-  if (!changes.isMoved && !changes.values && !_settingsChanged && placement == p_placement)
+  if (!changes.isMoved && !changes.values && !_settingsChanged && _placement == p_placement)
     return _box;
-  placement = p_placement;
+  _placement = p_placement;
   _box = PlaceChanged(changes);
   _isPlaced = true;
   if (_dataChanged)
@@ -36,35 +36,35 @@ void PlacedContent::Release(const Utility::Scoped<Rgl>& p_gl) const {
 std::vector<QString> PlacedContent::Notes() const {
   const Noun names = Names();
   std::vector<QString> notes;
-  AddCount(notes, leftOut.missing, names, "missing");
-  AddCount(notes, leftOut.hidden, names, "outside of the axes");
+  AddCount(notes, _leftOut.missing, names, "missing");
+  AddCount(notes, _leftOut.hidden, names, "outside of the axes");
   AddCount(notes, coloring.MissingCount(), {"value", "values"}, "missing");
   return notes;
 }
 
 void PointsContent::UpdatePositions(const Array3& p_positions) {
   RequireCount("UpdatePositions", p_positions.Count(), Count());
-  positions = Points(p_positions);
+  _positions = Points(p_positions);
   DataChanged();
 }
 
 Box PointsContent::BoundsOf(const AxisRules& p_rules) const {
   Box box;
-  for (std::size_t i = 0; i < positions.size(); ++i)
-    if (IsUsed(i) && p_rules.Shows(positions[i]))
-      box += positions[i];
+  for (std::size_t i = 0; i < _positions.size(); ++i)
+    if (IsUsed(i) && p_rules.Shows(_positions[i]))
+      box += _positions[i];
   return box;
 }
 
 std::vector<Point> PointsContent::PlacedPoints(Box& p_box, bool p_isSurface) {
-  std::vector<Point> placed(positions.size(), Point(NAN, NAN, NAN));
+  std::vector<Point> placed(_positions.size(), Point(NAN, NAN, NAN));
   p_box = {};
-  leftOut = {};
-  for (std::size_t i = 0; i < positions.size(); ++i)
+  _leftOut = {};
+  for (std::size_t i = 0; i < _positions.size(); ++i)
     if (IsUsed(i)) {
-      const bool isShown = leftOut.Shows(placement.rules, positions[i]);
-      if (isShown || (p_isSurface && placement.rules.HasVertex(positions[i])))
-        placed[i] = placement.transform(positions[i]);
+      const bool isShown = _leftOut.Shows(_placement.rules, _positions[i]);
+      if (isShown || (p_isSurface && _placement.rules.HasVertex(_positions[i])))
+        placed[i] = _placement.transform(_positions[i]);
       if (isShown)
         p_box += placed[i];
     }

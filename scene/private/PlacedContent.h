@@ -56,7 +56,7 @@ protected:
   /// What elements are called in the notes.
   virtual Noun Names() const { return {"point", "points"}; }
 
-  LeftOut leftOut;
+  LeftOut _leftOut;
 
 private:
   bool _isPlaced = false, _dataChanged = true, _settingsChanged = true, _valuesChanged = true;
@@ -69,11 +69,11 @@ private:
 class PointsContent : public PlacedContent {
 public:
   explicit PointsContent(std::vector<Point> p_positions)
-      : positions(std::move(p_positions)) {}
+      : _positions(std::move(p_positions)) {}
 
   /// Throws std::invalid_argument for another number of points.
   void UpdatePositions(const Array3& p_positions);
-  std::size_t Count() const override { return positions.size(); }
+  std::size_t Count() const override { return _positions.size(); }
 
 protected:
   Box BoundsOf(const AxisRules& p_rules) const override;
@@ -83,7 +83,7 @@ protected:
   /// becomes the box around them.
   std::vector<Point> PlacedPoints(Box& p_box, bool p_isSurface = false);
 
-  std::vector<Point> positions;
+  std::vector<Point> _positions;
 };
 
 } // namespace Vek::Chart::Scene::Private

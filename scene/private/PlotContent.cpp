@@ -3,7 +3,7 @@
 namespace Vek::Chart::Scene::Private {
 
 Picked PlotContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
-  const Point position = placement.transform.Inverse(p_scene);
+  const Point position = _placement.transform.Inverse(p_scene);
   return p_number && *p_number < Count() ? PickedAt(*p_number, position) : Picked{{}, position, {}};
 }
 

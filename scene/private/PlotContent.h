@@ -135,7 +135,7 @@ public:
   virtual std::optional<SizeKey> Sizes() const { return {}; }
 
 protected:
-  Placement placement; ///< of the last placing
+  Placement _placement; ///< of the last placing
   /// An element, at a position in data units.
   Picked PickedAt(std::size_t p_element, const Point& p_position) const;
 };

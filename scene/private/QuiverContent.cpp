@@ -114,7 +114,7 @@ std::vector<double> QuiverContent::LengthsOf(const std::vector<std::uint32_t>& p
 }
 
 Box QuiverContent::PlaceChanged(const Changes& p_changes) {
-  const std::size_t room = _most != 0 ? _most : std::min(MostArrows, placement.most);
+  const std::size_t room = _most != 0 ? _most : std::min(MostArrows, _placement.most);
   const std::vector<Point> oldPositions = OfDrawn(_scene, _drawn);
   const std::vector<std::uint32_t> oldDrawn = _drawn, oldZero = _zero;
   if (p_changes.isMoved || room != _room)
@@ -136,7 +136,7 @@ Box QuiverContent::PlaceChanged(const Changes& p_changes) {
     PlaceValues();
     _scale = 0;
   } else {
-    const bool isTurned = p_changes.isBent || (p_changes.isMoved && placement.transform.IsLogarithmic());
+    const bool isTurned = p_changes.isBent || (p_changes.isMoved && _placement.transform.IsLogarithmic());
     if (drawnPositions != oldPositions) {
       _arrows.UpdatePositions(drawnPositions);
       _dots.UpdatePositions(zeroPositions);
@@ -148,10 +148,10 @@ Box QuiverContent::PlaceChanged(const Changes& p_changes) {
   }
   _vectorsChanged = false;
 
-  const double scale = _unitLength > 0 ? _unitLength * placement.diagonal : _typical > 0 ? _spacing / _typical : 1;
-  if (scale != _scale || _isFlat != placement.isFlat) {
+  const double scale = _unitLength > 0 ? _unitLength * _placement.diagonal : _typical > 0 ? _spacing / _typical : 1;
+  if (scale != _scale || _isFlat != _placement.isFlat) {
     _scale = scale;
-    _isFlat = placement.isFlat;
+    _isFlat = _placement.isFlat;
     SetLevels();
   }
   return BoxOfArrows();
@@ -159,13 +159,13 @@ Box QuiverContent::PlaceChanged(const Changes& p_changes) {
 
 /// Around whole arrows: both ends, with a disc as wide as the head across the direction.
 Box QuiverContent::BoxOfArrows() const {
-  const double head = placement.isFlat ? FlatHead : 1.0 / 9;
+  const double head = _placement.isFlat ? FlatHead : 1.0 / 9;
   Box box;
   for (const std::uint32_t index : _drawn) {
-    const Point direction = Normalize(placement.transform.Direction(positions[index], _vectors[index]));
+    const Point direction = Normalize(_placement.transform.Direction(_positions[index], _vectors[index]));
     const double length = Length(_vectors[index]) * _scale;
     const auto across = [&](double p_along) { return head * length * std::sqrt(std::max(0.0, 1 - p_along * p_along)); };
-    const Point disc(across(direction.x), across(direction.y), placement.isFlat ? 0 : across(direction.z));
+    const Point disc(across(direction.x), across(direction.y), _placement.isFlat ? 0 : across(direction.z));
     box += _scene[index] - disc;
     box += _scene[index] + disc;
     box += _scene[index] + direction * length - disc;
@@ -183,7 +183,7 @@ void QuiverContent::Choose(std::size_t p_room) {
     if (IsFinite(_scene[i]))
       candidates.push_back(static_cast<std::uint32_t>(i));
     else if (!IsUsed(i))
-      ++leftOut.missing;
+      ++_leftOut.missing;
   }
   _candidates = candidates.size();
   _drawn = Thinned(_scene, candidates, p_room);
@@ -199,7 +199,7 @@ void QuiverContent::Choose(std::size_t p_room) {
   }
   constexpr double LoneSpacing = 0.15; // of the diagonal, for a single arrow
   const double spacing = MedianSpacing(_scene, _drawn);
-  _spacing = spacing > 0 ? spacing : LoneSpacing * placement.diagonal;
+  _spacing = spacing > 0 ? spacing : LoneSpacing * _placement.diagonal;
   _typical = 0;
   if (!lengths.empty()) {
     const auto at = static_cast<std::ptrdiff_t>(std::ceil(0.98 * static_cast<double>(lengths.size() - 1)));
@@ -211,7 +211,7 @@ void QuiverContent::Choose(std::size_t p_room) {
 void QuiverContent::PlaceVectors() {
   std::vector<Point> directions;
   for (const std::uint32_t index : _drawn)
-    directions.push_back(Normalize(placement.transform.Direction(positions[index], _vectors[index])));
+    directions.push_back(Normalize(_placement.transform.Direction(_positions[index], _vectors[index])));
   _arrows.UpdateDirections(directions);
   _arrows.UpdateSizes(LengthsOf(_drawn));
 }
@@ -240,7 +240,7 @@ void QuiverContent::PlaceValues() {
 
 void QuiverContent::SetLevels() {
   // Lengths of the data are scaled by the level, so that another scale uploads no instance.
-  _arrows.SetLevels({ArrowLevel(placement.isFlat, _scale)});
+  _arrows.SetLevels({ArrowLevel(_placement.isFlat, _scale)});
   constexpr double DotShare = 0.12; // of the distance between neighbours
   std::vector<InstancedMesh::Level> dots = InstancedMesh::Spheres();
   for (InstancedMesh::Level& level : dots) {
@@ -262,7 +262,7 @@ void QuiverContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, const Pic
 }
 
 Picked QuiverContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
-  return p_number && Count() <= PickPass::NoElement ? PickedAt(*p_number, positions[*p_number])
+  return p_number && Count() <= PickPass::NoElement ? PickedAt(*p_number, _positions[*p_number])
                                                     : PlotContent::Identify({}, p_scene);
 }
 

@@ -70,14 +70,14 @@ Box ScatterContent::PlaceChanged(const Changes& p_changes) {
   }
   if (p_changes.values)
     _mesh.UpdateValues(coloring.Values());
-  const double diameter = Fraction() * placement.diagonal;
+  const double diameter = Fraction() * _placement.diagonal;
   if (diameter != _placedDiameter) {
     _placedDiameter = diameter;
     SetLevels();
   }
   if (_box.Empty())
     return _box;
-  const Point half(diameter / 2, diameter / 2, placement.isFlat ? 0 : diameter / 2);
+  const Point half(diameter / 2, diameter / 2, _placement.isFlat ? 0 : diameter / 2);
   return {_box.Min() - half, _box.Max() + half};
 }
 
@@ -102,7 +102,7 @@ void ScatterContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, 
 }
 
 Picked ScatterContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
-  return p_number && *p_number < Count() ? PickedAt(*p_number, positions[*p_number])
+  return p_number && *p_number < Count() ? PickedAt(*p_number, _positions[*p_number])
                                          : PlotContent::Identify({}, p_scene);
 }
 
@@ -114,7 +114,7 @@ void ScatterContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
 std::optional<SizeKey> ScatterContent::Sizes() const {
   if (_sizes.empty() || _largest <= 0)
     return {};
-  return SizeKey{_sizeTitle, _least, _largest, Fraction() * placement.diagonal};
+  return SizeKey{_sizeTitle, _least, _largest, Fraction() * _placement.diagonal};
 }
 
 } // namespace Vek::Chart::Scene::Private

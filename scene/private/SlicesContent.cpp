@@ -28,8 +28,8 @@ Slice RectangleOf(const Box& p_box, const AxisSlice& p_slice) {
 
 SlicesContent::SlicesContent(VoxelGrid p_grid)
     : GridContent(std::move(p_grid))
-    , _part(grid) {
-  const Point middle = grid.Bounds().Center();
+    , _part(_grid) {
+  const Point middle = _grid.Bounds().Center();
   for (std::size_t axis = 0; axis < 3; ++axis)
     _slices.push_back({axis, At(middle, axis)});
 }
@@ -67,17 +67,17 @@ void SlicesContent::ValuesUpdated() {
 Box SlicesContent::PlaceChanged(const Changes& p_changes) {
   if (p_changes.isMoved)
     PlaceGrid(p_changes);
-  _part.SetGrid(placed, filter);
+  _part.SetGrid(_placed, _filter);
   _shown.clear();
   _outlines.clear();
   for (const AxisSlice& slice : _slices) {
     Point point(1, 1, 1);
     At(point, slice.axis) = slice.position;
-    const double position = At(placement.transform(point), slice.axis);
-    if (!(At(part.Min(), slice.axis) <= position && position <= At(part.Max(), slice.axis)))
+    const double position = At(_placement.transform(point), slice.axis);
+    if (!(At(_region.Min(), slice.axis) <= position && position <= At(_region.Max(), slice.axis)))
       continue;
     _shown.push_back({slice.axis, position});
-    _outlines.push_back(RectangleOf(part, _shown.back()));
+    _outlines.push_back(RectangleOf(_region, _shown.back()));
   }
   std::vector<Point> ends;
   for (const Slice& outline : _outlines)
@@ -87,11 +87,11 @@ Box SlicesContent::PlaceChanged(const Changes& p_changes) {
   lines.positions = ends;
   lines.primitive = Ogl::VertexBuffer::LineSegments;
   _lines = GpuMesh(lines);
-  return part;
+  return _region;
 }
 
 void SlicesContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
-  if (part.Empty())
+  if (_region.Empty())
     return;
   if (p_frame.layer == nullptr)
     DrawEdges(p_gl, p_frame);
@@ -118,7 +118,7 @@ void SlicesContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
 }
 
 void SlicesContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& /*p_frame*/, const PickPass& p_pass) {
-  if (!part.Empty())
+  if (!_region.Empty())
     _part.Draw(p_gl, _outlines, p_pass);
 }
 
@@ -132,7 +132,7 @@ Picked SlicesContent::Identify(std::optional<std::uint32_t> p_number, const Poin
 void SlicesContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
   _part.Release(p_gl);
   _lines.Release(p_gl);
-  placed.Release(p_gl);
+  _placed.Release(p_gl);
 }
 
 std::vector<QString> SlicesContent::Notes() const {

@@ -140,29 +140,29 @@ Box StreamlinesContent::PlaceChanged(const Changes& p_changes) {
     PlaceValues();
   }
   _areLinesChanged = false;
-  return placement.transform(RegionOf(_field, placement.rules));
+  return _placement.transform(RegionOf(_field, _placement.rules));
 }
 
 void StreamlinesContent::Trace() {
   _tracedSpacing = Spacing();
-  const Box region = RegionOf(_field, placement.rules);
-  _lines = TracedLines(_field, region, placement.transform, _tracedSpacing, Shortest);
-  _distance = _tracedSpacing * Length(placement.transform(region).Extent());
+  const Box region = RegionOf(_field, _placement.rules);
+  _lines = TracedLines(_field, region, _placement.transform, _tracedSpacing, Shortest);
+  _distance = _tracedSpacing * Length(_placement.transform(region).Extent());
   _fast = _field.SpeedQuantile(0.98);
   _areLinesChanged = true;
   _speeds.clear();
   for (const Streamline& line : _lines)
     for (const Point& point : line) {
       Point vector;
-      const bool isInside = SampleAt(_field, placement.transform, point, vector);
+      const bool isInside = SampleAt(_field, _placement.transform, point, vector);
       _speeds.push_back(isInside ? Length(vector) : 0);
     }
-  leftOut = {};
+  _leftOut = {};
   ForNodes(_field, [&](const Point& p_position, const Point& p_vector) {
     if (IsFinite(p_vector))
-      leftOut.Shows(placement.rules, p_position);
+      _leftOut.Shows(_placement.rules, p_position);
     else
-      ++leftOut.missing;
+      ++_leftOut.missing;
   });
 }
 
@@ -174,7 +174,7 @@ void StreamlinesContent::PlaceLines() {
     for (const Point& point : line)
       tubes.back().push_back({point, WidthAt(_speeds[next++]), 0});
   }
-  _tubes.SetLines(std::move(tubes), {}, placement.isFlat);
+  _tubes.SetLines(std::move(tubes), {}, _placement.isFlat);
 }
 
 void StreamlinesContent::PlaceHeads() {
@@ -197,7 +197,7 @@ void StreamlinesContent::PlaceHeads() {
   instances.positions = bases;
   instances.directions = directions;
   instances.sizes = lengths;
-  _heads = InstancedMesh(HeadLevel(placement.isFlat), instances);
+  _heads = InstancedMesh(HeadLevel(_placement.isFlat), instances);
 }
 
 /// The values of the points of all lines; none in one colour.
@@ -211,7 +211,7 @@ std::vector<float> StreamlinesContent::PointValues() const {
   for (const Streamline& line : _lines)
     for (const Point& point : line) {
       Point sample;
-      const bool isInside = SampleAt(scalars, placement.transform, point, sample);
+      const bool isInside = SampleAt(scalars, _placement.transform, point, sample);
       values.push_back(isInside ? static_cast<float>(sample.x) : std::nanf(""));
     }
   return values;

@@ -124,18 +124,18 @@ std::vector<float> SurfaceContent::VertexValues() const {
 void SurfaceContent::PlaceNodes() {
   std::vector<double> z(_heights.size(), NAN);
   std::vector<bool> holes(_heights.size());
-  leftOut = {};
+  _leftOut = {};
   _shown = {};
   for (std::size_t i = 0; i < _heights.size(); ++i) {
     const Point node = Node(i);
-    const bool isShown = leftOut.Shows(placement.rules, node);
-    holes[i] = !isShown && !placement.rules.HasVertex(node);
+    const bool isShown = _leftOut.Shows(_placement.rules, node);
+    holes[i] = !isShown && !_placement.rules.HasVertex(node);
     if (!holes[i])
-      z[i] = placement.transform(node).z;
+      z[i] = _placement.transform(node).z;
     if (isShown)
       _shown += node.z;
   }
-  SurfaceMesh surface(SceneNodes(_x, placement.transform, 0), SceneNodes(_y, placement.transform, 1), z);
+  SurfaceMesh surface(SceneNodes(_x, _placement.transform, 0), SceneNodes(_y, _placement.transform, 1), z);
   _box = surface.bounds;
   _positions = std::move(surface.positions);
   const bool areHolesKept = holes == _holes;
@@ -167,12 +167,12 @@ Point SurfaceContent::PlacedNode(std::uint32_t p_index) const {
 
 /// The box and the heights of a surface that the limits cut.
 void SurfaceContent::Measure() {
-  if (!placement.rules.cutsSurfaces)
+  if (!_placement.rules.cutsSurfaces)
     return;
   _box = CutBounds(
       _indices, [this](std::uint32_t p_index) { return PlacedNode(p_index); },
-      LimitCuts(placement.rules, placement.transform));
-  _shown = _box.Empty() ? Range() : Along(placement.transform.Inverse(_box), 2);
+      LimitCuts(_placement.rules, _placement.transform));
+  _shown = _box.Empty() ? Range() : Along(_placement.transform.Inverse(_box), 2);
 }
 
 std::vector<double> SurfaceContent::ContourLevels() const {
@@ -180,14 +180,14 @@ std::vector<double> SurfaceContent::ContourLevels() const {
     return _givenLevels;
   if (_shown.Empty())
     return {};
-  return placement.rules.logarithmic[2] ? Ticks::Logarithmic(_shown.min, _shown.max, _mostContours).Values()
+  return _placement.rules.logarithmic[2] ? Ticks::Logarithmic(_shown.min, _shown.max, _mostContours).Values()
                                         : Ticks::Linear(_shown.min, _shown.max, _mostContours).Values();
 }
 
 void SurfaceContent::PlaceContours() {
   std::vector<float> levels;
   for (const double level : ContourLevels())
-    if (const double z = placement.transform({1, 1, level}).z; std::isfinite(z))
+    if (const double z = _placement.transform({1, 1, level}).z; std::isfinite(z))
       levels.push_back(static_cast<float>(z));
   GpuMesh::Arrays arrays;
   const std::vector<SurfaceMesh::Vector> points = ContourSegments(_positions, _indices, std::move(levels));
@@ -230,7 +230,7 @@ Picked SurfaceContent::Identify(std::optional<std::uint32_t> p_number, const Poi
       NearestCorner(_indices, p_number, [&](std::uint32_t p_index) { return Length(PlacedNode(p_index) - p_scene); });
   if (!corner)
     return PlotContent::Identify({}, p_scene);
-  Picked picked = PickedAt(*corner, placement.transform.Inverse(p_scene));
+  Picked picked = PickedAt(*corner, _placement.transform.Inverse(p_scene));
   if (_isByHeight)
     picked.value = _heights[*corner];
   return picked;
@@ -243,13 +243,13 @@ void SurfaceContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
 
 std::vector<QString> SurfaceContent::Notes() const {
   std::vector<QString> notes = PlacedContent::Notes();
-  if (_isByHeight && leftOut.missing != 0) { // the heights are the values
+  if (_isByHeight && _leftOut.missing != 0) { // the heights are the values
     notes.erase(notes.begin());
-    AddCount(notes, leftOut.missing, {"value", "values"}, "missing");
+    AddCount(notes, _leftOut.missing, {"value", "values"}, "missing");
     std::rotate(notes.begin(), notes.end() - 1, notes.end());
   }
   const std::vector<double> levels = ContourLevels();
-  if (_mostContours != 0 && levels.size() > 1 && !placement.rules.logarithmic[2])
+  if (_mostContours != 0 && levels.size() > 1 && !_placement.rules.logarithmic[2])
     notes.push_back(QStringLiteral("contours every %1").arg(levels[1] - levels[0]));
   return notes;
 }

@@ -33,7 +33,7 @@ OpacityFunction DefaultOpacities(VolumeRaycaster::Mode p_mode, const ValueScale&
 
 VolumeContent::VolumeContent(VoxelGrid p_grid)
     : GridContent(std::move(p_grid))
-    , _part(grid) {
+    , _part(_grid) {
   coloring.SetOpacities([this](const std::vector<double>& p_values, const ValueScale& p_scale) {
     const OpacityFunction function = Opacities(p_scale);
     std::vector<double> opacities;
@@ -55,9 +55,9 @@ void VolumeContent::ValuesUpdated() {
 Box VolumeContent::PlaceChanged(const Changes& p_changes) {
   if (p_changes.isMoved) {
     PlaceGrid(p_changes);
-    _part.SetGrid(placed);
+    _part.SetGrid(_placed);
   }
-  return part;
+  return _region;
 }
 
 OpacityFunction VolumeContent::Opacities(const ValueScale& p_scale) const {
@@ -69,13 +69,13 @@ VolumeRaycaster::Settings VolumeContent::Settings() const {
   settings.mode = _mode;
   settings.scale = Scale();
   settings.opacity = Opacities(settings.scale);
-  const double diagonal = Length(placed.Bounds().Extent());
+  const double diagonal = Length(_placed.Bounds().Extent());
   settings.unitLength = _layer * diagonal;
   settings.shading = _shading;
   settings.samplesPerVoxel = _samples;
   settings.leastStep = diagonal / MostSamples;
-  settings.filter = filter;
-  settings.part = part;
+  settings.filter = _filter;
+  settings.part = _region;
   return settings;
 }
 
@@ -88,20 +88,20 @@ VolumeRaycaster::Settings VolumeContent::Settings(const Frame& p_frame) const {
 }
 
 void VolumeContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
-  if (part.Empty())
+  if (_region.Empty())
     return;
   DrawEdges(p_gl, p_frame);
   _part.Draw(p_gl, coloring.Map(p_gl), Settings(p_frame));
 }
 
 void VolumeContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) {
-  if (!part.Empty())
+  if (!_region.Empty())
     _part.Draw(p_gl, Settings(p_frame), p_pass);
 }
 
 void VolumeContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
   _part.Release(p_gl);
-  placed.Release(p_gl);
+  _placed.Release(p_gl);
 }
 
 std::vector<QString> VolumeContent::Notes() const {
@@ -113,7 +113,7 @@ std::vector<QString> VolumeContent::Notes() const {
   else
     notes.push_back(QStringLiteral("outer half of the colour bar: in the opacity of a layer of %1 % of the diagonal")
                         .arg(_layer * 100));
-  const Point voxel = placed.VoxelSize();
+  const Point voxel = _placed.VoxelSize();
   const double step = _part.SamplingDistance(Settings()) / std::min({voxel.x, voxel.y, voxel.z});
   if (step > 1)
     notes.push_back(QStringLiteral("sampled every %1 voxels").arg(step, 0, 'g', 2));

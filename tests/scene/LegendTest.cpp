@@ -19,7 +19,7 @@ using Mark = Legend::Mark;
 class LegendTest : public ::testing::Test {
 protected:
   void SetUp() override { Vek::Test::MakeApplication(); }
-  const Theme theme;
+  Theme theme;
 };
 
 /// The strings, columns from left to right: "a b | c".
