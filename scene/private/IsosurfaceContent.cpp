@@ -106,10 +106,11 @@ void IsosurfaceContent::PlaceSurfaces() {
     const Scene::Isosurface mesh(nodes.axes[0], nodes.axes[1], nodes.axes[2], nodes.values, level);
     if (mesh.indices.empty())
       continue;
+    const std::vector<float> values(mesh.positions.size()); // set below
     GpuMesh::Arrays arrays;
     arrays.positions = mesh.positions;
     arrays.normals = mesh.normals;
-    arrays.values = std::vector<float>(mesh.positions.size());
+    arrays.values = values;
     arrays.indices.assign(mesh.indices.begin(), mesh.indices.end());
     _surfaces.push_back({level, Points(mesh.positions), GpuMesh(arrays)});
   }
