@@ -289,7 +289,7 @@ TEST_F(FigureCalls, AreAsManyForAHundredTimesAsManyElements) {
   const std::vector<Kind> kinds = {
       {"scatter",
        [](Figure& p_figure, const Points& p_points, double p_opacity) {
-         p_figure.Scatter(p_points).ColorBy(Ascending(p_points.size())).ColorRange(0, 1).SetOpacity(p_opacity);
+         p_figure.Scatter(p_points).ColorBy(Doubles(p_points.size(), 0.5)).ColorRange(0, 1).SetOpacity(p_opacity);
        }},
       {"quiver",
        [&](Figure& p_figure, const Points& p_points, double p_opacity) {

@@ -90,9 +90,11 @@ TEST_F(LinesPlotPixels, LinesHaveTheirWidthAndColors) {
   const auto width = [&] {
     Draw(figure);
     const Camera::Pixel middle = PixelOf(figure, far + Point(2, 0, 2));
-    double covered = 0; // white pixels around a blue line have all of red
-    for (int dy = -12; dy <= 12; ++dy)
-      covered += 1 - At(static_cast<int>(middle.x), static_cast<int>(middle.y) + dy).redF();
+    double covered = 0; // blue pixels have no red, white and grey ones as much as blue
+    for (int dy = -12; dy <= 12; ++dy) {
+      const QColor color = At(static_cast<int>(middle.x), static_cast<int>(middle.y) + dy);
+      covered += color.blueF() - color.redF();
+    }
     return covered;
   };
   for (const double wanted : {1.0, 3.0, 9.0}) {
