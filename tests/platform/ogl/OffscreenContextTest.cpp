@@ -22,9 +22,9 @@ std::string ErrorOf(const Types::Size& p_size) {
 }
 
 int Integer(const Rgl& p_gl, Ogl::GlEnum p_name) {
-  int value = -1;
-  p_gl.GetIntegerv(p_name, &value);
-  return value;
+  int values[4] = {-1, -1, -1, -1}; // colours have four
+  p_gl.GetIntegerv(p_name, values);
+  return values[0];
 }
 
 TEST(OffscreenContextPixels, ImageHasTheFrame) {
