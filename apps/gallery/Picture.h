@@ -1,13 +1,16 @@
 #pragma once
 
 #include "apps/gallery/Loading.h"
+#include "scene/Figure.h"
 #include "scene/View.h"
 
 #include "platform/ogl/Rgl.h"
+#include "platform/types/Size.h"
 #include "platform/types/Viewport.h"
 #include "platform/utility/Scope.h"
 
 #include <QColor>
+#include <QImage>
 
 #include <cstddef>
 #include <memory>
@@ -81,9 +84,13 @@ struct PictureEntry {
   std::string source;  ///< the file that makes it, from the root of the project
   /// Reads and computes what the picture shows; on any thread, since it needs no GL. Throws InputError when an input is
   /// not what the picture needs, and Cancelled.
-  std::unique_ptr<Picture> (*load)(const Inputs& p_inputs, Loading& p_loading);
+  std::unique_ptr<Picture> (*load)(const Inputs& p_inputs, Loading& p_loading) = nullptr;
   /// Whether a picture shows single pixels, such as those of stipples, and must not be smoothed.
   bool truePixels = false;
+  /// The figure of a picture that is one. Throws as `load`.
+  Scene::Figure (*figure)(const Inputs& p_inputs) = nullptr;
+  /// A picture that is made of parts or of several figures, at a size. Throws as `load`.
+  QImage (*image)(const Inputs& p_inputs, Types::Size p_size) = nullptr;
 };
 
 /// All pictures, in the order of the gallery.

@@ -21,6 +21,10 @@ int Samples(const PictureEntry& p_entry, Types::Size p_size) {
 } // namespace
 
 QImage RenderPicture(const PictureEntry& p_entry, const Inputs& p_inputs, Types::Size p_size) {
+  if (p_entry.figure)
+    return p_entry.figure(p_inputs).Image(p_size).convertToFormat(QImage::Format_RGB32);
+  if (p_entry.image)
+    return p_entry.image(p_inputs, p_size).convertToFormat(QImage::Format_RGB32);
   const int scale = Oversampling(p_entry);
   const Types::Size large(p_size.width * scale, p_size.height * scale);
   Ogl::OffscreenContext context(large, Samples(p_entry, p_size));

@@ -52,6 +52,8 @@ int RowOf(const std::string& p_picture) {
   int row = 0;
   std::string names;
   for (const Gallery::PictureEntry& entry : Gallery::Pictures()) {
+    if (!entry.load)
+      continue;
     if (p_picture.empty() || entry.name == p_picture)
       return row;
     names += (row++ == 0 ? "" : ", ") + entry.name;

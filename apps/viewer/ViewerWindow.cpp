@@ -26,7 +26,8 @@ ViewerWindow::ViewerWindow(const Gallery::Inputs& p_inputs, const Utility::Unsco
     , _choosers(new Choosers(this))
     , _point(new QLabel(this)) {
   for (const Gallery::PictureEntry& entry : Gallery::Pictures())
-    _list->Add(GalleryPicture(entry, _inputs));
+    if (entry.load)
+      _list->Add(GalleryPicture(entry, _inputs));
 
   setCentralWidget(_view);
   auto* const pictures = new QDockWidget("Scenes", this);

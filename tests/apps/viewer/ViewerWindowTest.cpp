@@ -178,6 +178,8 @@ double DifferenceFromOffScreen(PictureView& p_view) {
 
 TEST_F(ViewerTest, EveryPictureMatchesOffScreenAndLeaksNothing) {
   for (const Gallery::PictureEntry& entry : Gallery::Pictures()) {
+    if (!entry.load)
+      continue;
     ASSERT_TRUE(Show(entry.name)) << entry.name;
     EXPECT_EQ(View().About().name, entry.name);
     EXPECT_LT(DifferenceFromOffScreen(View()), 0.005) << entry.name;
@@ -187,6 +189,8 @@ TEST_F(ViewerTest, EveryPictureMatchesOffScreenAndLeaksNothing) {
   std::map<std::string, int> first;
   for (int round = 0; round < 2; ++round)
     for (const Gallery::PictureEntry& entry : Gallery::Pictures()) {
+      if (!entry.load)
+        continue;
       ASSERT_TRUE(Show(entry.name)) << entry.name;
       View().SurfaceAt(View().rect().center());
       EXPECT_EQ(first.try_emplace(entry.name, live).first->second, live) << entry.name;
