@@ -1,6 +1,7 @@
 // Ten million values into colours of four bytes, by 256 classes: evenly and logarithmically, random and smooth values,
 // float and double; beside the limit of moving as many bytes and, where VTK is installed, its own look-up table.
 
+#include "bench/SideBySide.h"
 #include "library/ColorScale.h"
 #include "library/NamedColors.h"
 
@@ -149,6 +150,21 @@ VEK_BENCH_PAIR(MapFloats, log_random, Random, ByMagnitude);
 VEK_BENCH_PAIR(MapFloats, log_waves, Waves, ByMagnitude);
 VEK_BENCH_PAIR(MapDoubles, linear_random, Random, Even);
 VEK_BENCH_PAIR(MapDoubles, log_random, Random, ByMagnitude);
+
+/// On several threads, beside one; asked: 1.8 times as fast with two threads, 3 times with four.
+void MapOnThreads(benchmark::State& p_state, Data p_data, Spread p_spread) {
+  const std::vector<float>& values = Values<float>(p_data, p_spread);
+  const ColorScale scale(NamedColors::Colors("viridis"), Lower, Upper,
+                         p_spread == ByMagnitude ? ColorScale::Logarithmic : ColorScale::Linear);
+  const auto map = [&](int p_threads) {
+    scale.Map(values.data(), Count, Target(), Vek::Chart::Utility::Threads(p_threads));
+    benchmark::ClobberMemory();
+  };
+  Vek::Bench::SideBySide(
+      p_state, "of_one_thread", [&] { map(static_cast<int>(p_state.range(0))); }, [&] { map(1); });
+}
+BENCHMARK_CAPTURE(MapOnThreads, linear_random, Random, Even)->Apply(Vek::Bench::OnThreads);
+BENCHMARK_CAPTURE(MapOnThreads, log_waves, Waves, ByMagnitude)->Apply(Vek::Bench::OnThreads);
 
 /// What making a scale costs.
 void Make(benchmark::State& p_state, Spread p_spread) {

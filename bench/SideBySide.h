@@ -32,4 +32,9 @@ void SideBySide(benchmark::State& p_state, const std::string& p_counter, const S
   p_state.counters[p_counter] = rival / subject;
 }
 
+/// A benchmark whose argument is a number of threads, run side by side with one thread.
+inline void OnThreads(benchmark::internal::Benchmark* p_benchmark) {
+  p_benchmark->ArgName("threads")->Arg(2)->Arg(4)->Unit(benchmark::kMillisecond)->UseManualTime();
+}
+
 } // namespace Vek::Bench

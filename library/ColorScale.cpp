@@ -156,13 +156,23 @@ ColorScale::ColorScale(const std::vector<QColor>& p_colors, const std::vector<do
 ColorScale::~ColorScale() = default;
 
 void ColorScale::Map(const float* p_values, std::size_t p_count, unsigned char* p_rgba) const {
-  if (VEK_ENSURE(p_count == 0 || (p_values != nullptr && p_rgba != nullptr), Signature::MapFloats))
-    _tables->floats.Map(p_values, p_count, p_rgba);
+  Map(p_values, p_count, p_rgba, Utility::Threads());
 }
 
 void ColorScale::Map(const double* p_values, std::size_t p_count, unsigned char* p_rgba) const {
+  Map(p_values, p_count, p_rgba, Utility::Threads());
+}
+
+void ColorScale::Map(const float* p_values, std::size_t p_count, unsigned char* p_rgba,
+                     Utility::Threads p_threads) const {
+  if (VEK_ENSURE(p_count == 0 || (p_values != nullptr && p_rgba != nullptr), Signature::MapFloats))
+    _tables->floats.Map(p_values, p_count, p_rgba, p_threads);
+}
+
+void ColorScale::Map(const double* p_values, std::size_t p_count, unsigned char* p_rgba,
+                     Utility::Threads p_threads) const {
   if (VEK_ENSURE(p_count == 0 || (p_values != nullptr && p_rgba != nullptr), Signature::MapDoubles))
-    _tables->doubles.Map(p_values, p_count, p_rgba);
+    _tables->doubles.Map(p_values, p_count, p_rgba, p_threads);
 }
 
 QColor ColorScale::Color(double p_value) const {

@@ -3,6 +3,7 @@
 #include "algorithms/Array.h"
 #include "library/ColorMap.h"
 #include "library/Export.h"
+#include "platform/utility/Threads.h"
 
 #include <QColor>
 
@@ -78,6 +79,15 @@ public:
   void Map(const DataInterface::Array<T, 0>& p_values, unsigned char* p_rgba) const {
     Map(p_values.begin(), static_cast<std::size_t>(p_values.size()), p_rgba);
   }
+  ///@{
+  /// As above, on several threads. Fewer than 100,000 values start none.
+  void Map(const float* p_values, std::size_t p_count, unsigned char* p_rgba, Utility::Threads p_threads) const;
+  void Map(const double* p_values, std::size_t p_count, unsigned char* p_rgba, Utility::Threads p_threads) const;
+  template <class T>
+  void Map(const DataInterface::Array<T, 0>& p_values, unsigned char* p_rgba, Utility::Threads p_threads) const {
+    Map(p_values.begin(), static_cast<std::size_t>(p_values.size()), p_rgba, p_threads);
+  }
+  ///@}
 
   /// The colour of one value, by the same rule.
   QColor Color(double p_value) const;

@@ -8,6 +8,7 @@
 #include "platform/ogl/PerContext.h"
 #include "platform/ogl/ShaderProgram.h"
 #include "platform/ogl/VertexData.h"
+#include "platform/utility/Threads.h"
 #include "testing/RecordingGl.h"
 #include "testing/Surface.h"
 #include "tests/support/Test.h"
@@ -65,6 +66,17 @@ TEST(HostSnippets, Check) {
   const int none = half(-3); // reports "p_size > 0" - int __cdecl Half(int)
   //! [Check]
   EXPECT_TRUE(none == 0 && reports.Texts() == Texts{"\"p_size > 0\" - int __cdecl Half(int)"});
+}
+
+TEST(HostSnippets, Threads) {
+  //! [Threads]
+  std::vector<float> values(1000000, 2.0f);
+  Utility::RunRanges(Utility::Threads::All(), values.size(), 65536, [&](std::size_t p_first, std::size_t p_last) {
+    for (std::size_t i = p_first; i < p_last; ++i)
+      values[i] = std::sqrt(values[i]);
+  });
+  //! [Threads]
+  EXPECT_EQ(std::count(values.begin(), values.end(), std::sqrt(2.0f)), 1000000);
 }
 
 TEST(HostSnippetCalls, RecordingGl) {

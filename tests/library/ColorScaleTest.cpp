@@ -202,12 +202,18 @@ TEST(ColorScale, WritesFourBytesAValue) {
   Bytes oneByOne(4 * many.size());
   for (std::size_t i = 0; i < many.size(); ++i)
     scale.Map(many.data() + i, 1, oneByOne.data() + 4 * i);
-  for (const std::size_t count : std::initializer_list<std::size_t>{0, 1, 15, 37, many.size() - 3})
+  for (const std::size_t count : std::initializer_list<std::size_t>{0, 1, 15, 37, 131080, many.size() - 3})
     for (const std::size_t offset : {0, 1, 4, 12}) {
-      Bytes rgba(offset + 4 * count + 64, 0xAB), framed = rgba;
+      const Bytes empty(offset + 4 * count + 64, 0xAB);
+      Bytes rgba = empty, framed = empty;
       std::copy_n(oneByOne.begin() + 12, 4 * count, framed.begin() + static_cast<std::ptrdiff_t>(offset));
       scale.Map(many.data() + 3, count, rgba.data() + offset);
       EXPECT_TRUE(rgba == framed) << count << " at " << offset;
+      for (const int threads : {1, 2, 3, 7}) {
+        rgba = empty;
+        scale.Map(many.data() + 3, count, rgba.data() + offset, Vek::Chart::Utility::Threads(threads));
+        EXPECT_TRUE(rgba == framed) << count << " at " << offset << " on " << threads << " threads";
+      }
     }
 }
 

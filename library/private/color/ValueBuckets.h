@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/private/color/ValueKeys.h"
+#include "platform/utility/Threads.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -34,10 +35,14 @@ public:
   }
 
   /// Writes one colour of four bytes for each value.
-  void Map(const T* p_values, std::size_t p_count, unsigned char* p_rgba) const {
-    if (_limits.empty())
-      return MapOneByOne(p_values, p_count, p_rgba, [this](T p_value) { return Color(p_value); });
-    std::visit([&](const auto& p_key) { MapByKey(p_key, p_values, p_count, p_rgba); }, _key);
+  void Map(const T* p_values, std::size_t p_count, unsigned char* p_rgba, Utility::Threads p_threads) const {
+    constexpr std::size_t BlockSize = std::size_t(1) << 16;
+    const bool pastCaches = p_count > CachedBytes / 4;
+    if (p_threads.Count() == 1)
+      return MapBlock(p_values, p_count, p_rgba, pastCaches);
+    Utility::RunRanges(p_threads, p_count, BlockSize, [&](std::size_t p_first, std::size_t p_last) {
+      MapBlock(p_values + p_first, p_last - p_first, p_rgba + 4 * p_first, pastCaches);
+    });
   }
 
 private:
@@ -105,9 +110,16 @@ private:
     return next == _thresholds.size();
   }
 
+  void MapBlock(const T* p_values, std::size_t p_count, unsigned char* p_rgba, bool p_pastCaches) const {
+    if (_limits.empty())
+      return MapOneByOne(p_values, p_count, p_rgba, [this](T p_value) { return Color(p_value); });
+    std::visit([&](const auto& p_key) { MapByKey(p_key, p_values, p_count, p_rgba, p_pastCaches); }, _key);
+  }
+
   /// Takes the key by value: the compiler then need not read it again after each write.
   template <class Key>
-  void MapByKey(const Key p_key, const T* p_values, std::size_t p_count, unsigned char* p_rgba) const {
+  void MapByKey(const Key p_key, const T* p_values, std::size_t p_count, unsigned char* p_rgba,
+                bool p_pastCaches) const {
     const T* const limits = _limits.data();
     const std::uint32_t* const colorsBelow = _colorsBelow.data();
     const auto color = [limits, colorsBelow](std::uint32_t p_bucket, T p_value) {
@@ -140,8 +152,8 @@ private:
       }
     };
     const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(p_rgba) % Line;
-    if (p_count > CachedBytes / 4 && misaligned % 4 == 0) {
-      done = (Line - misaligned) % Line / 4;
+    if (p_pastCaches && misaligned % 4 == 0) {
+      done = std::min((Line - misaligned) % Line / 4, p_count);
       MapOneByOne(p_values, done, p_rgba, one);
       mapSixteens([](__m128i* p_target, __m128i p_colors) { _mm_stream_si128(p_target, p_colors); });
       _mm_sfence(); // orders the streamed writes before all later ones
