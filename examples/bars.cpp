@@ -2,8 +2,8 @@
 #include <io/ReadTable.h>
 #include <scene/Figure.h>
 
-int main(int argc, char** argv) {
-  auto quakes = Vek::Chart::Io::ReadTable(argc > 1 ? argv[1] : Vek::Chart::Io::SampleFile("earthquakes.csv"));
+int main() {
+  auto quakes = Vek::Chart::Io::ReadTable(Vek::Chart::Io::SampleFile("earthquakes.csv"));
   std::vector<double> hours{1.5, 4.5, 7.5, 10.5, 13.5, 16.5, 19.5, 22.5}, days{0, 1, 2, 3, 4, 5, 6}, counts(8 * 7);
   for (const double time : quakes["time_ms"]) // since 1970; the file starts on 31 January 2018
     if (const auto slot = static_cast<std::size_t>((time - 1517356800000) / 10800000); slot < counts.size())

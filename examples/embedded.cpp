@@ -37,7 +37,7 @@ private:
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  auto quakes = Io::ReadTable(argc > 1 ? argv[1] : Io::SampleFile("earthquakes.csv"));
+  auto quakes = Io::ReadTable(Io::SampleFile("earthquakes.csv"));
   Chart chart;
   chart.figure.Scatter(quakes.Points("lon", "lat")).ColorBy(quakes["depth_km"]).ColorTitle("Depth in km");
   chart.resize(1200, 640);

@@ -4,8 +4,8 @@
 
 using namespace Vek::Chart;
 
-int main(int argc, char** argv) {
-  const auto wind = Io::ReadVectorField(argc > 1 ? argv[1] : Io::SampleFile("navy_winds_1987.nc"));
+int main() {
+  const auto wind = Io::ReadVectorField(Io::SampleFile("navy_winds_1987.nc"));
   const auto field = Scene::VectorField::Rectilinear(wind.axes[0], wind.axes[1], wind.axes[2], wind.vectors);
   Scene::Figure figure("Winds of the world", QString::fromStdString(wind.times.at(wind.time)));
   figure.Streamlines(field).ColorTitle("Speed in m/s");

@@ -4,8 +4,8 @@
 
 using namespace Vek::Chart;
 
-int main(int argc, char** argv) {
-  const auto relief = Io::ReadHeights(argc > 1 ? argv[1] : Io::SampleFile("etopo60.txt"));
+int main() {
+  const auto relief = Io::ReadHeights(Io::SampleFile("etopo60.txt"));
   Scene::Figure figure("Relief of Asia", "Land and sea floor");
   figure.Surface(relief.x, relief.y, relief.heights).Contours(20).ColorTitle("Height in m");
   figure.SetLimits(0, 60, 130).SetLimits(1, 0, 50).SetAxisTitles("Longitude in °", "Latitude in °", "Height in m");

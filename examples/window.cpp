@@ -6,7 +6,7 @@
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  auto wind = Vek::Chart::Io::ReadTable(argc > 1 ? argv[1] : Vek::Chart::Io::SampleFile("noaa_navy_winds_1987-01.csv"));
+  auto wind = Vek::Chart::Io::ReadTable(Vek::Chart::Io::SampleFile("noaa_navy_winds_1987-01.csv"));
   auto figure = std::make_shared<Vek::Chart::Scene::Figure>("Winds of the world", "January 1987");
   figure->Quiver(wind.Points("lon", "lat"), wind.Vectors("u", "v")).ColorByLength().ColorTitle("Speed in m/s");
   figure->SetAxisTitles("Longitude in °", "Latitude in °");
