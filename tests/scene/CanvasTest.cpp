@@ -62,7 +62,9 @@ TEST_F(CanvasPixels, DrawsInPoints) {
 
 TEST_F(CanvasPixels, LimitsMiters) {
   // A hairpin, whose miter would reach to x = 49 points.
-  const std::string drawn = Drawn([&](Canvas& c) { c.Polyline({{1, 1.9}, {4, 2}, {1, 2.1}}, 1, Qt::white); });
+  const std::string drawn = Drawn([&](Canvas& p_canvas) {
+    p_canvas.Polyline({{1, 1.9}, {4, 2}, {1, 2.1}}, 1, Qt::white);
+  });
   const QImage image = Image();
   EXPECT_EQ(QColor(image.pixel(20 + 6, FrameSize.height - 14)), QColor(Qt::white));
   for (int x = 20 + 11; x < 34; ++x)
@@ -76,19 +78,19 @@ TEST_F(CanvasPixels, DrawsImagesUpright) {
   image.setPixelColor(1, 0, Qt::green);
   image.setPixelColor(0, 1, Qt::blue);
   image.setPixelColor(1, 1, QColor(255, 255, 255, 0)); // transparent
-  Drawn([&](Canvas& c) { c.Image({1, 1, 2, 2}, image); });
+  Drawn([&](Canvas& p_canvas) { p_canvas.Image({1, 1, 2, 2}, image); });
   EXPECT_EQ(At(22, 13), QColor(Qt::red));
   EXPECT_EQ(At(23, 13), QColor(Qt::green));
   EXPECT_EQ(At(22, 12), QColor(Qt::blue));
   EXPECT_EQ(At(23, 12), QColor(Qt::black));
   Library::Texture texture(image, gl);
   texture.environment = Library::Texture::Modulate;
-  Drawn([&](Canvas& c) {
-    c.Fill({0, 0, 1, 1}, Qt::green);
-    c.Image({1, 1, 2, 2}, texture);
+  Drawn([&](Canvas& p_canvas) {
+    p_canvas.Fill({0, 0, 1, 1}, Qt::green);
+    p_canvas.Image({1, 1, 2, 2}, texture);
   });
   EXPECT_EQ(At(22, 13), QColor(Qt::red)) << "its colours, whatever was drawn before";
-  Drawn([&](Canvas& c) { c.Fill({0, 0, 7, 4}, Qt::black, Qt::white); });
+  Drawn([&](Canvas& p_canvas) { p_canvas.Fill({0, 0, 7, 4}, Qt::black, Qt::white); });
   for (int y = 0; y < 8; ++y)
     EXPECT_NEAR(At(25, 10 + y).red(), (y + 0.5) * 255 / 8, 1.5) << "a gradient upwards";
 }
@@ -101,11 +103,15 @@ TEST_F(CanvasPixels, PutsStringsAtPointsOfTheScene) {
   const Camera::Pixel pixel = view.Project(point);
   ASSERT_TRUE(pixel.visible);
   const TextStyle style{4, Qt::white};
-  Drawn([&](Canvas& c) { c.TextAt("x", view, point, {0.5, -0.5}, {0.5, 0.5}, style); });
+  Drawn([&](Canvas& p_canvas) { p_canvas.TextAt("x", view, point, {0.5, -0.5}, {0.5, 0.5}, style); });
   const QImage projected = Image();
-  Drawn([&](Canvas& c) { c.Text("x", {(pixel.x - 20) / 2 + 0.5, (pixel.y - 10) / 2 - 0.5}, {0.5, 0.5}, style); });
+  Drawn([&](Canvas& p_canvas) {
+    p_canvas.Text("x", {(pixel.x - 20) / 2 + 0.5, (pixel.y - 10) / 2 - 0.5}, {0.5, 0.5}, style);
+  });
   EXPECT_EQ(Image(), projected);
-  const auto behind = [&](Canvas& c) { c.TextAt("x", view, view.camera.Eye() * 2.0, {12, 6}, {0.5, 0.5}, style); };
+  const auto behind = [&](Canvas& p_canvas) {
+    p_canvas.TextAt("x", view, view.camera.Eye() * 2.0, {12, 6}, {0.5, 0.5}, style);
+  };
   EXPECT_EQ(Drawn(behind), "nothing") << "behind the camera";
   EXPECT_NE(Image(), projected);
 }

@@ -78,7 +78,7 @@ TEST_F(FigureTest, SaysWhatTheDataDoNotShow) {
   EXPECT_EQ(NotesOf(figure).at(0), "5 of 18 arrows drawn");
   quiver.Most(100);
   figure.SetLimits(0, 0, 2).SetAxisTitles("Width", "Length", "Height");
-  const auto outside = std::count_if(points.begin(), points.end(), [](const Point& p) { return p.x < 0; });
+  const auto outside = std::count_if(points.begin(), points.end(), [](const Point& p_point) { return p_point.x < 0; });
   EXPECT_EQ(NotesOf(figure).at(1), QString("%1 arrows outside of the axes").arg(outside - (points[4].x < 0 ? 1 : 0)));
   figure.Remove(quiver);
   EXPECT_EQ(NotesOf(figure), Notes());

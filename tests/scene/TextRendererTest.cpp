@@ -18,14 +18,6 @@ QRect Drawn(const QImage& p_image) {
   return drawn;
 }
 
-int Count(const QImage& p_image, const QColor& p_color) {
-  int count = 0;
-  for (int y = 0; y < p_image.height(); ++y)
-    for (int x = 0; x < p_image.width(); ++x)
-      count += p_image.pixel(x, y) == p_color.rgba();
-  return count;
-}
-
 class TextRendererPixels : public PixelScopeFixture {
 public:
   static constexpr int Side = 101;
@@ -118,8 +110,8 @@ TEST_F(TextRendererPixels, SurroundsLettersWithTheHalo) {
   style.halo = Qt::blue;
   style.haloWidth = 3;
   const QImage haloed = Draw("II", {0.5, 0.5});
-  EXPECT_EQ(Count(haloed, Qt::white), Count(plain, Qt::white)) << "the letters are not covered";
-  EXPECT_GT(Count(haloed, Qt::blue), 50);
+  EXPECT_EQ(CountPixels(haloed, Qt::white), CountPixels(plain, Qt::white)) << "the letters are not covered";
+  EXPECT_GT(CountPixels(haloed, Qt::blue), 50);
   const QRect inner = Drawn(plain), outer = Drawn(haloed);
   for (const int reach : {inner.left() - outer.left(), outer.right() - inner.right(), inner.top() - outer.top(),
                           outer.bottom() - inner.bottom()}) {

@@ -90,9 +90,9 @@ TEST_F(VolumeRaycasterPixels, FollowsUnevenCellsAndDrawsAPart) {
 TEST_F(VolumeRaycasterPixels, ShowsTheMaximumAndTheMean) {
   // A bright voxel in the middle, at an index off the diagonal of the sizes.
   const VolumeRaycaster bright(
-      GridOf({9, 5, 7}, Cube, [](int i, int j, int k) { return i == 4 && j == 1 && k == 3 ? 8 : 2; }));
+      GridOf({9, 5, 7}, Cube, [](int p_i, int p_j, int p_k) { return p_i == 4 && p_j == 1 && p_k == 3 ? 8 : 2; }));
   // Along the ray 0, 1, 2, … 9; across it constant.
-  const VolumeRaycaster ramp(GridOf({4, 10, 3}, Cube, [](int, int j, int) { return j; }));
+  const VolumeRaycaster ramp(GridOf({4, 10, 3}, Cube, [](int, int p_j, int) { return p_j; }));
   VolumeRaycaster::Settings settings;
   settings.opacity = OpacityFunction(1);
   settings.samplesPerVoxel = 32;
@@ -143,8 +143,9 @@ TEST_F(VolumeRaycasterPixels, StartsAtTheCameraInside) {
 }
 
 TEST_F(VolumeRaycasterPixels, DrawsTheSameInBothProjectionsFromAfar) {
-  const VolumeRaycaster volume(
-      GridOf({16, 16, 16}, Cube, [](int i, int j, int k) { return std::sin(0.5 * i) * std::cos(0.4 * j + 0.3 * k); }));
+  const VolumeRaycaster volume(GridOf({16, 16, 16}, Cube, [](int p_i, int p_j, int p_k) {
+    return std::sin(0.5 * p_i) * std::cos(0.4 * p_j + 0.3 * p_k);
+  }));
   VolumeRaycaster::Settings settings;
   settings.scale = Between(-1, 1);
   Camera camera = Front(Camera::Projection::Parallel, 2000);
@@ -228,7 +229,7 @@ TEST_F(VolumeRaycasterPixels, ClipsByPlanesAndLeavesMissingOut) {
   }
   settings.clips.clear();
   settings.samplesPerVoxel = 16;
-  const VolumeRaycaster gap(GridOf({1, 4, 1}, Cube, [](int, int j, int) { return j == 1 ? NAN : 1; }));
+  const VolumeRaycaster gap(GridOf({1, 4, 1}, Cube, [](int, int p_j, int) { return p_j == 1 ? NAN : 1; }));
   EXPECT_NEAR(Drawn(gap, settings, Front()).redF(), 1 - std::exp(-0.5 * 1.5), 0.01);
   for (const Mode mode : {Mode::Average, Mode::Maximum}) {
     settings.mode = mode;
@@ -256,9 +257,9 @@ TEST_F(VolumeRaycasterPixels, RunsLayersDownwards) {
 
 TEST_F(VolumeRaycasterPixels, LightsIsosurfacesFromTheirFront) {
   // Spheres around the middle; the surface of radius 0.7 is seen from outside, lit along the view.
-  const VolumeRaycaster volume(GridOf({32, 32, 32}, Cube, [](int i, int j, int k) {
-    const auto at = [](int p_i) { return (p_i + 0.5) / 16 - 1; };
-    return std::sqrt(at(i) * at(i) + at(j) * at(j) + at(k) * at(k));
+  const VolumeRaycaster volume(GridOf({32, 32, 32}, Cube, [](int p_i, int p_j, int p_k) {
+    const auto at = [](int p_index) { return (p_index + 0.5) / 16 - 1; };
+    return std::sqrt(at(p_i) * at(p_i) + at(p_j) * at(p_j) + at(p_k) * at(p_k));
   }));
   VolumeRaycaster::Settings settings;
   settings.mode = Mode::Isosurface;
@@ -279,7 +280,7 @@ TEST_F(VolumeRaycasterPixels, LightsIsosurfacesFromTheirFront) {
 }
 
 TEST_F(VolumeRaycasterPixels, PicksTheDepthOfWhatIsSeen) {
-  const VolumeRaycaster ramp(GridOf({2, 20, 2}, Cube, [](int, int j, int) { return j; }));
+  const VolumeRaycaster ramp(GridOf({2, 20, 2}, Cube, [](int, int p_j, int) { return p_j; }));
   const VolumeRaycaster flat(GridOf({2, 20, 2}, Cube, [](int, int, int) { return 1; }));
   VolumeRaycaster::Settings settings;
   settings.samplesPerVoxel = 8;
@@ -321,7 +322,7 @@ TEST_F(VolumeRaycasterPixels, PicksTheDepthOfWhatIsSeen) {
 }
 
 TEST_F(VolumeRaycasterPixels, LeavesTheStateAlone) {
-  const VoxelGrid grid = GridOf({4, 4, 4}, Cube, [](int i, int, int) { return i; });
+  const VoxelGrid grid = GridOf({4, 4, 4}, Cube, [](int p_i, int, int) { return p_i; });
   const VolumeRaycaster volume(grid);
   const VolumeSlices slices(grid);
   gl->Enable(RGL_DEPTH_TEST);

@@ -4,6 +4,9 @@
 #include "testing/RecordingFixture.h"
 #include "tests/support/ErrorOf.h"
 
+#include <QColor>
+#include <QImage>
+
 #include <array>
 #include <functional>
 #include <limits>
@@ -123,6 +126,15 @@ inline void DrawTexturedSquare(const Scope& p_gl, double p_repeats = 1) {
     p_gl->Vertex(2 * s - 1, 2 * t - 1, 0);
   }
   p_gl->End();
+}
+
+/// How many pixels of an image have a colour.
+inline int CountPixels(const QImage& p_image, const QColor& p_color) {
+  int count = 0;
+  for (int y = 0; y < p_image.height(); ++y)
+    for (int x = 0; x < p_image.width(); ++x)
+      count += p_image.pixel(x, y) == p_color.rgba();
+  return count;
 }
 
 } // namespace Vek::Test

@@ -9,15 +9,6 @@ namespace {
 using TextCalls = RecordingScopeFixture;
 using TextPixels = PixelScopeFixture;
 
-/// How many pixels of an image have that colour.
-int Count(const QImage& p_image, const QColor& p_color) {
-  int count = 0;
-  for (int y = 0; y < p_image.height(); ++y)
-    for (int x = 0; x < p_image.width(); ++x)
-      count += p_image.pixel(x, y) == p_color.rgba();
-  return count;
-}
-
 } // namespace
 
 // In a process of its own: the other tests make an application, which stays.
@@ -48,13 +39,13 @@ TEST(Text, PaintsWhatItsPropertiesSay) {
   text.firstColor = QColor(Qt::red);
   text.secondColor = QColor(Qt::transparent);
   const QImage plain = text.Image();
-  EXPECT_GT(Count(plain, Qt::red), 100);
+  EXPECT_GT(CountPixels(plain, Qt::red), 100);
   EXPECT_EQ(qAlpha(plain.pixel(0, 0)), 0);
 
   text.secondColor = QColor(Qt::blue);
   const QImage outlined = text.Image();
-  EXPECT_GT(Count(outlined, Qt::blue), 100);
-  EXPECT_EQ(Count(outlined, Qt::red), Count(plain, Qt::red)) << "the outline lies behind the letters";
+  EXPECT_GT(CountPixels(outlined, Qt::blue), 100);
+  EXPECT_EQ(CountPixels(outlined, Qt::red), CountPixels(plain, Qt::red)) << "the outline lies behind the letters";
   EXPECT_EQ(qAlpha(outlined.pixel(0, 0)), 0);
   for (int x = 0; x < outlined.width(); ++x) {
     EXPECT_LT(qAlpha(outlined.pixel(x, 0)), 255) << "cut off at the top";
@@ -65,11 +56,11 @@ TEST(Text, PaintsWhatItsPropertiesSay) {
   const QImage boxed = text.Image();
   EXPECT_EQ(boxed.pixel(0, 0), QColor(Qt::blue).rgba());
   EXPECT_EQ(boxed.size(), plain.size());
-  EXPECT_EQ(Count(boxed, Qt::red), Count(plain, Qt::red));
+  EXPECT_EQ(CountPixels(boxed, Qt::red), CountPixels(plain, Qt::red));
 
   text.text = "HH\nHH";
   EXPECT_EQ(text.Image().width(), plain.width());
-  EXPECT_NEAR(Count(text.Image(), Qt::red), 2 * Count(plain, Qt::red), 10);
+  EXPECT_NEAR(CountPixels(text.Image(), Qt::red), 2 * CountPixels(plain, Qt::red), 10);
 }
 
 TEST(TextImage, IsAsLargeAsItsLettersAndMargin) {
@@ -79,7 +70,7 @@ TEST(TextImage, IsAsLargeAsItsLettersAndMargin) {
   const QSize plain = Ogl::TextImageSize("Ag", format);
   const QImage image = Ogl::TextImage("Ag", format);
   EXPECT_EQ(image.size(), plain);
-  EXPECT_GT(Count(image, Qt::black), 20);
+  EXPECT_GT(CountPixels(image, Qt::black), 20);
   format.margin = {3, 5};
   const QImage wide = Ogl::TextImage("Ag", format);
   EXPECT_EQ(wide.size(), plain + QSize(6, 10));
