@@ -4,32 +4,6 @@
 
 namespace Vek::Chart::Io {
 
-namespace {
-
-// One line for each library that a build may have.
-#ifdef VEK_WITH_ASSIMP
-constexpr bool HasAssimp = true;
-#else
-constexpr bool HasAssimp = false;
-#endif
-#ifdef VEK_WITH_NETCDF
-constexpr bool HasNetCdf = true;
-#else
-constexpr bool HasNetCdf = false;
-#endif
-#ifdef VEK_WITH_ZLIB
-constexpr bool HasGzip = true;
-#else
-constexpr bool HasGzip = false;
-#endif
-#ifdef VEK_WITH_OPENEXR
-constexpr bool HasOpenExr = true;
-#else
-constexpr bool HasOpenExr = false;
-#endif
-
-} // namespace
-
 const std::vector<Format>& Formats() {
   static const std::vector<Format> Formats{
       {Format::Meshes, "OBJ", "obj", "Io::ReadMesh",
@@ -52,12 +26,12 @@ const std::vector<Format>& Formats() {
        "version 2.0, with data in the file or beside it: positions, normals, texture coordinates, vertex colours, "
        "triangles, lines and points, transforms of nodes, base colours and their textures",
        "animations, skins, morph targets, cameras, lights, further maps of materials, compressed meshes",
-       "libassimp-dev", HasAssimp},
+       "libassimp-dev", VEK_WITH_ASSIMP != 0},
       {Format::Volumes, "NetCDF", "nc cdf", "Io::ReadVolume",
        "classic formats: a variable on a grid with even steps, at one time, as for vector fields",
        "uneven and curvilinear grids", "", true},
       {Format::Volumes, "NetCDF-4", "nc nc4", "Io::ReadVolume", "as NetCDF, compressed or not",
-       "groups, structures, uneven and curvilinear grids", "libnetcdf-dev", HasNetCdf},
+       "groups, structures, uneven and curvilinear grids", "libnetcdf-dev", VEK_WITH_NETCDF != 0},
       {Format::Volumes, "TextArray", "txt", "Io::ReadVolume", "numbers of all channels as floats, nan and inf", "", "",
        true},
       {Format::Volumes, "NRRD", "nrrd nhdr", "Io::ReadVolume",
@@ -66,13 +40,13 @@ const std::vector<Format>& Formats() {
        "directions",
        "bzip2, blocks, measurement frames", "", true},
       {Format::Volumes, "NRRD, compressed", "nrrd nhdr", "Io::ReadVolume", "as NRRD, by gzip", "", "zlib1g-dev",
-       HasGzip},
+       VEK_WITH_ZLIB != 0},
       {Format::Volumes, "NIfTI", "nii hdr", "Io::ReadVolume",
        "NIfTI-1 and NIfTI-2, in one file or two: integers of 8 to 64 bits, float, double, RGB and RGBA; sform and "
        "qform, scl_slope and scl_inter, steps of time, channels",
        "complex values, extensions, dimensions 6 and 7", "", true},
       {Format::Volumes, "NIfTI, compressed", "nii.gz", "Io::ReadVolume", "as NIfTI, by gzip", "", "zlib1g-dev",
-       HasGzip},
+       VEK_WITH_ZLIB != 0},
       {Format::Volumes, "raw", "raw", "Io::ReadVolume", "values with size, type, channels and byte order given", "", "",
        true},
       {Format::Vectors, "NetCDF", "nc cdf", "Io::ReadVectorField",
@@ -82,7 +56,7 @@ const std::vector<Format>& Formats() {
        "of time",
        "curvilinear grids", "", true},
       {Format::Vectors, "NetCDF-4", "nc nc4", "Io::ReadVectorField", "as NetCDF, compressed or not",
-       "groups, structures, curvilinear grids", "libnetcdf-dev", HasNetCdf},
+       "groups, structures, curvilinear grids", "libnetcdf-dev", VEK_WITH_NETCDF != 0},
       {Format::Vectors, "CSV", "csv tsv txt dat", "Io::ReadVectorField",
        "nodes in any order with columns of positions and components, or of direction and speed; regular grids with a "
        "first line \"# dims\"",
@@ -90,7 +64,7 @@ const std::vector<Format>& Formats() {
       {Format::Heights, "NetCDF", "nc cdf grd", "Io::ReadHeights",
        "classic formats: a variable at one time and level, as for vector fields", "curvilinear grids", "", true},
       {Format::Heights, "NetCDF-4", "nc nc4 grd", "Io::ReadHeights", "as NetCDF, compressed or not",
-       "groups, structures, curvilinear grids", "libnetcdf-dev", HasNetCdf},
+       "groups, structures, curvilinear grids", "libnetcdf-dev", VEK_WITH_NETCDF != 0},
       {Format::Heights, "height grid", "txt", "Io::ReadHeights",
        "a first line \"nx ny x0 dx y0 dy\", then the heights row by row", "", "", true},
       {Format::Heights, "CSV", "csv tsv txt dat", "Io::ReadHeights",
@@ -108,7 +82,7 @@ const std::vector<Format>& Formats() {
        "all channels of the first part as floats; scanlines and tiles, all compressions",
        "deep images, channels of fewer "
        "pixels such as chroma",
-       "libopenexr-dev", HasOpenExr},
+       "libopenexr-dev", VEK_WITH_OPENEXR != 0},
   };
   return Formats;
 }

@@ -14,6 +14,20 @@ namespace Vek::Chart::Io {
 
 namespace {
 
+/// The layer of the first values of a grid, without the name and unit of the values.
+HeightGrid LayerOf(Private::RectilinearGrid&& p_grid) {
+  HeightGrid layer;
+  layer.x = std::move(p_grid.axes[0]);
+  layer.y = std::move(p_grid.axes[1]);
+  layer.heights = std::move(p_grid.values[0]);
+  layer.xName = p_grid.axisNames[0];
+  layer.yName = p_grid.axisNames[1];
+  layer.xUnit = p_grid.axisUnits[0];
+  layer.yUnit = p_grid.axisUnits[1];
+  layer.period = p_grid.period;
+  return layer;
+}
+
 HeightGrid ReadNetCdf(std::istream& p_stream, const std::string& p_name, const FieldSelection& p_selection,
                       const Progress& p_progress) {
   const auto file = Private::OpenNetCdf(p_stream, p_name);
@@ -24,19 +38,11 @@ HeightGrid ReadNetCdf(std::istream& p_stream, const std::string& p_name, const F
     throw FileError(p_name, "expected a variable with two dimensions, got none");
   Private::NetCdfGrid read = ReadGrid(*file, names, p_selection.time, p_selection.level, p_progress);
   const Private::NetCdfVariable& variable = *file->Find(names[0]);
-  HeightGrid grid;
-  grid.x = std::move(read.axes[0]);
-  grid.y = std::move(read.axes[1]);
-  grid.heights = std::move(read.values[0]);
-  grid.xName = read.axisNames[0];
-  grid.yName = read.axisNames[1];
-  grid.xUnit = read.axisUnits[0];
-  grid.yUnit = read.axisUnits[1];
+  HeightGrid grid = LayerOf(std::move(read));
   grid.name = variable.Text("long_name").empty() ? variable.name : variable.Text("long_name");
   grid.unit = variable.Text("units");
   grid.times = std::move(read.times);
   grid.levels = std::move(read.levels);
-  grid.period = read.period;
   return grid;
 }
 
@@ -99,20 +105,11 @@ HeightGrid ReadColumns(const Table& p_table, const std::string& p_name, const Fi
     column = Private::SelectColumn(p_table, p_name, p_selection.variables[0]);
   if (column < 0)
     throw FileError(p_name, "expected a column of heights beside the positions");
-  Private::TableGrid read =
-      Private::GridOf(p_table, p_name, {Private::Numbers(p_table, p_name, column)}, {axes[0], axes[1], -1});
-  HeightGrid grid;
+  HeightGrid grid =
+      LayerOf(Private::GridOf(p_table, p_name, {Private::Numbers(p_table, p_name, column)}, {axes[0], axes[1], -1}));
   const std::string& name = p_table.Columns()[static_cast<std::size_t>(column)].name;
-  grid.x = std::move(read.axes[0]);
-  grid.y = std::move(read.axes[1]);
-  grid.heights = std::move(read.values[0]);
-  grid.xName = read.axisNames[0];
-  grid.yName = read.axisNames[1];
-  grid.xUnit = read.axisUnits[0];
-  grid.yUnit = read.axisUnits[1];
   grid.name = name.substr(0, name.find_first_of(" \t(["));
   grid.unit = Private::UnitOf(name);
-  grid.period = Private::PeriodOf(grid.x, grid.xName.compare(0, 3, "lon") == 0);
   return grid;
 }
 

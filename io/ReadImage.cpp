@@ -1,12 +1,12 @@
 #include "io/ReadImage.h"
 
 #include "io/FileError.h"
-#include "io/private/Input.h"
 #include "io/private/ImageFormats.h"
+#include "io/private/Input.h"
 
 #include <fstream>
 #include <new>
-#include <vector>
+#include <utility>
 
 namespace Vek::Chart::Io {
 
@@ -31,27 +31,17 @@ Format FormatOf(std::string_view p_start, const std::string& p_name) {
   return Format::Unknown;
 }
 
-std::string ReadAll(Private::ByteSource& p_source) {
-  std::string bytes;
-  std::vector<char> block(std::size_t{1} << 20);
-  for (std::size_t count = block.size(); count == block.size();) {
-    count = p_source.Read(block.data(), block.size());
-    bytes.append(block.data(), count);
-  }
-  return bytes;
-}
-
 Image Read(std::istream& p_stream, const std::string& p_name, const ImageOptions& p_options) {
   Private::StreamSource file(p_stream, p_name, p_options.progress);
   Private::PeekSource source(file);
   const std::string start(source.Peek(40));
   switch (FormatOf(start, p_name)) {
   case Format::Radiance:
-    return Private::ReadRadiance(ReadAll(source), p_name, p_options);
+    return Private::ReadRadiance(source.ReadAll(), p_name, p_options);
   case Format::Pfm:
     return Private::ReadPfm(source, p_name);
   case Format::OpenExr:
-    return Private::ReadOpenExr(ReadAll(source), p_name, p_options);
+    return Private::ReadOpenExr(source.ReadAll(), p_name, p_options);
   case Format::Unknown:
     break;
   }

@@ -24,6 +24,17 @@ std::vector<VectorField::Vector> Joined(const std::vector<std::vector<double>>& 
   return vectors;
 }
 
+/// The field whose components are the values of a grid, without their names and unit.
+VectorField FieldOf(Private::RectilinearGrid&& p_grid) {
+  VectorField field;
+  field.vectors = Joined(p_grid.values);
+  field.axes = std::move(p_grid.axes);
+  field.axisNames = std::move(p_grid.axisNames);
+  field.axisUnits = std::move(p_grid.axisUnits);
+  field.period = p_grid.period;
+  return field;
+}
+
 void CheckSelection(const FieldSelection& p_selection, const std::string& p_name) {
   const std::size_t count = p_selection.variables.size();
   if (count == 1 || count > 3)
@@ -36,16 +47,11 @@ VectorField ReadNetCdf(std::istream& p_stream, const std::string& p_name, const 
   const std::vector<std::string> names =
       p_selection.variables.empty() ? Private::FindComponents(*file) : p_selection.variables;
   Private::NetCdfGrid grid = ReadGrid(*file, names, p_selection.time, Private::AllLevels, p_progress);
-  VectorField field;
-  field.axes = std::move(grid.axes);
-  field.axisNames = std::move(grid.axisNames);
-  field.axisUnits = std::move(grid.axisUnits);
-  field.vectors = Joined(grid.values);
+  VectorField field = FieldOf(std::move(grid));
   std::copy(names.begin(), names.end(), field.names.begin());
   field.unit = file->Find(names[0])->Text("units");
   field.times = std::move(grid.times);
   field.time = p_selection.time;
-  field.period = grid.period;
   return field;
 }
 
@@ -141,15 +147,9 @@ VectorField ReadLatticeTable(const Table& p_table, const std::string& p_name, co
 
 VectorField ReadScattered(const Table& p_table, const std::string& p_name, const FieldSelection& p_selection) {
   const Components components = FindComponents(p_table, p_name, p_selection);
-  Private::TableGrid grid = Private::GridOf(p_table, p_name, components.values, Private::AxisColumns(p_table));
-  VectorField field;
+  VectorField field = FieldOf(Private::GridOf(p_table, p_name, components.values, Private::AxisColumns(p_table)));
   field.names = components.names;
   field.unit = components.unit;
-  field.vectors = Joined(grid.values);
-  field.axes = std::move(grid.axes);
-  field.axisNames = std::move(grid.axisNames);
-  field.axisUnits = std::move(grid.axisUnits);
-  field.period = Private::PeriodOf(field.axes[0], field.axisNames[0].compare(0, 3, "lon") == 0);
   return field;
 }
 

@@ -108,13 +108,7 @@ Volume Read(std::istream& p_stream, const std::string& p_name, const VolumeOptio
   if (begin != std::istream::pos_type(-1) && p_stream.seekg(begin))
     return ReadTextArray(p_stream, p_name, p_options);
   p_stream.clear();
-  std::string bytes;
-  std::vector<char> block(std::size_t{1} << 20);
-  for (std::size_t count = block.size(); count == block.size();) {
-    count = source.Read(block.data(), block.size());
-    bytes.append(block.data(), count);
-  }
-  std::istringstream whole(bytes);
+  std::istringstream whole(source.ReadAll());
   return ReadTextArray(whole, p_name, p_options);
 }
 

@@ -2,6 +2,7 @@
 
 #include "library/private/io/ByteSource.h"
 #include "library/private/io/ObjSceneReader.h"
+#include "library/private/io/Printable.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -15,15 +16,6 @@ namespace Vek::Chart::Library {
 namespace {
 
 using Private::ByteSource;
-
-/// Without control characters, which would change the line that the message is printed in.
-std::string Printable(std::string_view p_found) {
-  constexpr std::size_t Longest = 40;
-  std::string text(p_found.substr(0, Longest));
-  std::replace_if(
-      text.begin(), text.end(), [](unsigned char p_c) { return p_c < ' '; }, ' ');
-  return p_found.size() <= Longest ? text : text + "...";
-}
 
 bool IsLineEnd(char p_character) {
   return p_character == '\n' || p_character == '\r';
@@ -87,11 +79,11 @@ ObjError::ObjError(const std::string& p_path, const std::string& p_reason)
 ObjError::ObjError(const std::string& p_path, std::uint64_t p_line, const std::string& p_expected,
                    std::string_view p_found)
     : std::runtime_error(p_path + ':' + std::to_string(p_line) + ": expected " + p_expected + ", got \"" +
-                         Printable(p_found) + '"')
+                         Private::Printable(p_found) + '"')
     , _line(p_line)
-    , _reason("expected " + p_expected + ", got \"" + Printable(p_found) + '"')
+    , _reason("expected " + p_expected + ", got \"" + Private::Printable(p_found) + '"')
     , _expected(p_expected)
-    , _found(Printable(p_found)) {}
+    , _found(Private::Printable(p_found)) {}
 
 ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name, const ObjProgress& p_progress) {
   ByteSource source(p_stream, p_name);

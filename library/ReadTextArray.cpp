@@ -1,5 +1,6 @@
 #include "library/ReadTextArray.h"
 
+#include "library/private/io/Printable.h"
 #include "library/private/io/TextArraySource.h"
 
 #include <algorithm>
@@ -15,15 +16,6 @@ namespace Vek::Chart::Library {
 namespace {
 
 using Private::TextSource;
-
-/// Without control characters, which would change the line that the message is printed in.
-std::string Printable(std::string_view p_found) {
-  constexpr std::size_t Longest = 40;
-  std::string text(p_found.substr(0, Longest));
-  std::replace_if(
-      text.begin(), text.end(), [](unsigned char p_c) { return p_c < ' '; }, ' ');
-  return p_found.size() <= Longest ? text : text + "...";
-}
 
 /// The word in front, as "nan" or "inf" with any sign and in any case.
 std::optional<float> Unusual(std::string_view p_word) {
@@ -238,7 +230,7 @@ TextArrayError::TextArrayError(const std::string& p_path, const std::string& p_r
 TextArrayError::TextArrayError(const std::string& p_path, std::uint64_t p_line, const std::string& p_expected,
                                std::string_view p_found)
     : std::runtime_error(p_path + ":" + std::to_string(p_line) + ": expected " + p_expected + ", got \"" +
-                         Printable(p_found) + "\"") {}
+                         Private::Printable(p_found) + "\"") {}
 
 bool IsTextArray(std::string_view p_start) {
   constexpr std::string_view Word = "TextArray";

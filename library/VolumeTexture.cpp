@@ -88,12 +88,7 @@ void VolumeTexture::operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) 
       return;
     _handle = texture;
   }
-  Private::SetOneLevel(*p_gl, RGL_TEXTURE_3D);
-  Private::UseWrap(*p_gl, RGL_TEXTURE_3D, *this);
-  Private::SetWrap(*p_gl, RGL_TEXTURE_3D, RGL_TEXTURE_WRAP_R, wrapR);
-  Private::UseFilter(*p_gl, RGL_TEXTURE_3D, *this);
-  Private::SetEnvironment(*p_gl, environment);
-  p_gl->Enable(RGL_TEXTURE_3D);
+  Private::Use3D(*p_gl, *this, wrapR);
 }
 
 bool VolumeTexture::Upload(Utility::Scoped<Rgl>& p_gl) const {

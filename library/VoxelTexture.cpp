@@ -81,12 +81,7 @@ bool VoxelTexture::operator()(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) c
     return false;
   p_gl->ActiveTexture(p_unit);
   p_gl->Bind(_handle, Rgl::Sampler3D);
-  Private::SetOneLevel(*p_gl, RGL_TEXTURE_3D);
-  Private::UseWrap(*p_gl, RGL_TEXTURE_3D, *this);
-  Private::SetWrap(*p_gl, RGL_TEXTURE_3D, RGL_TEXTURE_WRAP_R, wrapR);
-  Private::UseFilter(*p_gl, RGL_TEXTURE_3D, *this);
-  Private::SetEnvironment(*p_gl, environment);
-  p_gl->Enable(RGL_TEXTURE_3D);
+  Private::Use3D(*p_gl, *this, wrapR);
   return true;
 }
 

@@ -4,8 +4,9 @@
 
 #include <array>
 #include <cstring>
+#include <vector>
 
-#ifdef VEK_WITH_ZLIB
+#if VEK_WITH_ZLIB
 #include <zlib.h>
 #endif
 
@@ -38,6 +39,16 @@ bool ByteSource::Skip(std::uint64_t p_count) {
     p_count -= wanted;
   }
   return true;
+}
+
+std::string ByteSource::ReadAll() {
+  std::string bytes;
+  std::vector<char> block(std::size_t{1} << 20);
+  for (std::size_t count = block.size(); count == block.size();) {
+    count = Read(block.data(), block.size());
+    bytes.append(block.data(), count);
+  }
+  return bytes;
 }
 
 StreamSource::StreamSource(std::istream& p_stream, const std::string& p_name, const Progress& p_progress)
@@ -107,7 +118,7 @@ bool IsGzip(std::string_view p_start) {
   return p_start.substr(0, 2) == "\x1F\x8B";
 }
 
-#ifdef VEK_WITH_ZLIB
+#if VEK_WITH_ZLIB
 
 namespace {
 

@@ -29,6 +29,8 @@ public:
 
   /// Reads and drops bytes; false where there are fewer.
   bool Skip(std::uint64_t p_count);
+  /// All bytes that are left.
+  std::string ReadAll();
 };
 
 /// The bytes of a stream, with progress. Throws FileError where reading fails or the progress cancels.

@@ -3,8 +3,9 @@
 #include "io/private/MeshText.h"
 
 #include "io/FileError.h"
+#include "io/private/Bytes.h"
 
-#ifdef VEK_WITH_ASSIMP
+#if VEK_WITH_ASSIMP
 
 #include <assimp/BaseImporter.h>
 #include <assimp/GltfMaterial.h>
@@ -29,22 +30,15 @@ namespace {
 
 constexpr std::size_t GlbHeaderSize = 12, ChunkHeaderSize = 8;
 
-std::uint32_t LittleEndian(std::string_view p_bytes) {
-  std::uint32_t value = 0;
-  for (std::size_t i = 4; i-- > 0;)
-    value = value << 8 | static_cast<unsigned char>(p_bytes[i]);
-  return value;
-}
-
 /// The JSON of a file. In a binary one all chunks must lie within the file: Assimp takes memory for what they claim.
 std::string_view JsonOf(std::string_view p_file, const std::string& p_name) {
   if (p_file.substr(0, 4) != "glTF")
     return p_file;
-  if (p_file.size() < GlbHeaderSize + ChunkHeaderSize || LittleEndian(p_file.substr(4)) != 2)
+  if (p_file.size() < GlbHeaderSize + ChunkHeaderSize || LoadLittle<std::uint32_t>(p_file.substr(4)) != 2)
     throw FileError(p_name, "expected binary glTF of version 2, got another version");
   std::string_view json;
   for (std::size_t at = GlbHeaderSize; at + ChunkHeaderSize <= p_file.size();) {
-    const std::size_t size = LittleEndian(p_file.substr(at)), left = p_file.size() - at - ChunkHeaderSize;
+    const std::size_t size = LoadLittle<std::uint32_t>(p_file.substr(at)), left = p_file.size() - at - ChunkHeaderSize;
     if (size > left)
       throw FileError(p_name, "byte " + std::to_string(at) + ": expected a chunk of " + std::to_string(size) +
                                   " bytes, got " + std::to_string(left));

@@ -3,8 +3,9 @@
 #include "io/private/NetCdf.h"
 
 #include "io/FileError.h"
+#include "io/private/Bytes.h"
 
-#ifdef VEK_WITH_NETCDF
+#if VEK_WITH_NETCDF
 
 #include <netcdf.h>
 #include <netcdf_mem.h>
@@ -23,13 +24,6 @@ std::mutex& Mutex() {
   return mutex;
 }
 
-std::uint64_t LittleEndian(std::string_view p_bytes) {
-  std::uint64_t value = 0;
-  for (std::size_t i = p_bytes.size(); i-- > 0;)
-    value = value << 8 | static_cast<unsigned char>(p_bytes[i]);
-  return value;
-}
-
 /// Whether the objects of a global heap fill it. Other metadata have checksums, which HDF5 compares; heaps have none,
 /// and libhdf5 1.10.8 reads out of bounds and loops for ever where one is damaged. The layout is that of the "HDF5 File
 /// Format Specification", III.E.
@@ -37,13 +31,13 @@ bool IsSoundHeap(std::string_view p_heap) {
   constexpr std::size_t HeaderSize = 16;
   if (p_heap.size() < HeaderSize || p_heap[4] != 1)
     return false;
-  const std::uint64_t size = LittleEndian(p_heap.substr(8, 8));
+  const std::uint64_t size = LoadLittle<std::uint64_t>(p_heap.substr(8));
   if (size < HeaderSize || size > p_heap.size())
     return false;
   std::string_view rest = p_heap.substr(HeaderSize, std::size_t(size) - HeaderSize);
   while (rest.size() >= HeaderSize) {
-    const bool isFree = LittleEndian(rest.substr(0, 2)) == 0; // with a size that includes its header
-    std::uint64_t object = LittleEndian(rest.substr(8, 8));
+    const bool isFree = LoadLittle<std::uint16_t>(rest) == 0; // with a size that includes its header
+    std::uint64_t object = LoadLittle<std::uint64_t>(rest.substr(8));
     if (object > rest.size() || (isFree && object < HeaderSize))
       return false;
     if (!isFree)

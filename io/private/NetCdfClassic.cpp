@@ -4,11 +4,11 @@
 #include "io/private/NetCdf.h"
 
 #include "io/FileError.h"
+#include "io/private/Bytes.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 
 namespace Vek::Chart::Io::Private {
 
@@ -20,50 +20,35 @@ std::size_t SizeOf(NetCdfType p_type) {
   return TypeSizes[static_cast<std::size_t>(p_type)];
 }
 
-std::uint64_t BigEndian(const char* p_bytes, std::size_t p_size) {
-  std::uint64_t value = 0;
-  for (std::size_t i = 0; i < p_size; ++i)
-    value = value << 8 | static_cast<unsigned char>(p_bytes[i]);
-  return value;
-}
-
-template <class Number, class Bits>
-double Reinterpret(std::uint64_t p_value) {
-  const Bits bits = static_cast<Bits>(p_value);
-  Number number;
-  std::memcpy(&number, &bits, sizeof number);
-  return static_cast<double>(number);
-}
-
-template <class Number, class Bits>
+template <class Number>
 void Convert(const char* p_bytes, std::size_t p_count, double* p_values) {
   for (std::size_t i = 0; i < p_count; ++i)
-    p_values[i] = Reinterpret<Number, Bits>(BigEndian(p_bytes + i * sizeof(Bits), sizeof(Bits)));
+    p_values[i] = static_cast<double>(Load<Number>(p_bytes + i * sizeof(Number), true));
 }
 
 /// Numbers of a file, which has them in big-endian order.
 void Convert(NetCdfType p_type, const char* p_bytes, std::size_t p_count, double* p_values) {
   switch (p_type) {
   case NetCdfType::Byte:
-    return Convert<std::int8_t, std::uint8_t>(p_bytes, p_count, p_values);
+    return Convert<std::int8_t>(p_bytes, p_count, p_values);
   case NetCdfType::Short:
-    return Convert<std::int16_t, std::uint16_t>(p_bytes, p_count, p_values);
+    return Convert<std::int16_t>(p_bytes, p_count, p_values);
   case NetCdfType::Int:
-    return Convert<std::int32_t, std::uint32_t>(p_bytes, p_count, p_values);
+    return Convert<std::int32_t>(p_bytes, p_count, p_values);
   case NetCdfType::Float:
-    return Convert<float, std::uint32_t>(p_bytes, p_count, p_values);
+    return Convert<float>(p_bytes, p_count, p_values);
   case NetCdfType::Double:
-    return Convert<double, std::uint64_t>(p_bytes, p_count, p_values);
+    return Convert<double>(p_bytes, p_count, p_values);
   case NetCdfType::UByte:
-    return Convert<std::uint8_t, std::uint8_t>(p_bytes, p_count, p_values);
+    return Convert<std::uint8_t>(p_bytes, p_count, p_values);
   case NetCdfType::UShort:
-    return Convert<std::uint16_t, std::uint16_t>(p_bytes, p_count, p_values);
+    return Convert<std::uint16_t>(p_bytes, p_count, p_values);
   case NetCdfType::UInt:
-    return Convert<std::uint32_t, std::uint32_t>(p_bytes, p_count, p_values);
+    return Convert<std::uint32_t>(p_bytes, p_count, p_values);
   case NetCdfType::Int64:
-    return Convert<std::int64_t, std::uint64_t>(p_bytes, p_count, p_values);
+    return Convert<std::int64_t>(p_bytes, p_count, p_values);
   case NetCdfType::UInt64:
-    return Convert<std::uint64_t, std::uint64_t>(p_bytes, p_count, p_values);
+    return Convert<std::uint64_t>(p_bytes, p_count, p_values);
   case NetCdfType::Char:
   case NetCdfType::Unknown:
     break;
@@ -105,9 +90,13 @@ private:
     _at += p_count;
     return bytes;
   }
-  std::uint64_t Number(std::size_t p_size) { return BigEndian(Bytes(p_size).data(), p_size); }
-  /// A count, of 4 bytes, or 8 in CDF-5.
-  std::uint64_t Count() { return Number(_countSize); }
+  template <class T>
+  T Number() {
+    return Load<T>(Bytes(sizeof(T)).data(), true);
+  }
+  /// A count or a position, of 4 or 8 bytes.
+  std::uint64_t Count(bool p_isLong) { return p_isLong ? Number<std::uint64_t>() : Number<std::uint32_t>(); }
+  std::uint64_t Count() { return Count(_version == 5); }
   void SkipPadding() { Bytes(std::min((4 - _at % 4) % 4, _size - _at)); }
   std::string String() {
     std::string string = Bytes(Count());
@@ -120,14 +109,14 @@ private:
   }
   /// The number of elements of a list with that tag; an absent one has none.
   std::uint64_t ListSize(std::uint64_t p_tag, const char* p_what) {
-    const std::uint64_t tag = Number(4);
+    const std::uint32_t tag = Number<std::uint32_t>();
     const std::uint64_t count = Count();
     if (tag != p_tag && (tag != 0 || count != 0))
       Fail(std::string("a list of ") + p_what, tag);
     return count;
   }
   NetCdfType Type() {
-    const std::uint64_t type = Number(4);
+    const std::uint32_t type = Number<std::uint32_t>();
     if (type < 1 || type > (_version == 5 ? 11u : 6u))
       Fail("a type of values", type);
     return static_cast<NetCdfType>(type);
@@ -170,7 +159,7 @@ private:
     variable.attributes = Attributes();
     variable.type = Type();
     Count(); // the size, which large variables do not have: it is computed instead
-    place.begin = Number(_version == 1 ? 4 : 8);
+    place.begin = Count(_version != 1);
   }
 
   void ReadHeader() {
@@ -178,7 +167,6 @@ private:
     if (!IsClassicNetCdf(magic))
       throw FileError(_name, "expected a NetCDF file, got another one");
     _version = magic[3];
-    _countSize = _version == 5 ? 8 : 4;
     _records = Count();
     for (std::uint64_t left = ListSize(10, "dimensions"); left != 0; --left) {
       std::string name = String();
@@ -221,7 +209,7 @@ private:
       for (std::size_t i = 0; i < _variables.size(); ++i)
         if (_places[i].hasRecords)
           _recordSize = ValuesOf(i) * SizeOf(_variables[i].type);
-    const std::uint64_t streaming = _countSize == 4 ? 0xFFFFFFFFu : ~std::uint64_t(0);
+    const std::uint64_t streaming = _version == 5 ? ~std::uint64_t(0) : 0xFFFFFFFFu;
     if (_records == streaming)
       _records = _recordSize == 0 ? 0 : (_size - first) / _recordSize;
     else if (_recordSize != 0 && _records > _size / _recordSize)
@@ -299,7 +287,6 @@ private:
   std::uint64_t _size = 0; // of the file in bytes
   std::uint64_t _at = 0;   // in the header
   int _version = 1;
-  std::size_t _countSize = 4;
   std::uint64_t _records = 0;
   std::uint64_t _recordSize = 0;
   std::size_t _recordDimension = None;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "io/private/NetCdf.h"
+#include "io/private/RectilinearGrid.h"
 
-#include <array>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -10,14 +10,9 @@
 namespace Vek::Chart::Io::Private {
 
 /// Variables of a NetCDF file on one rectilinear grid at one time, by the CF conventions 1.10.
-struct NetCdfGrid {
-  std::array<std::vector<double>, 3> axes; ///< positions along x, y and z; none is empty
-  std::array<std::string, 3> axisNames;    ///< empty for an axis that the variables do not have
-  std::array<std::string, 3> axisUnits;
-  std::vector<double> levels;              ///< all positions along z; empty without such an axis
-  std::vector<std::vector<double>> values; ///< of each variable, x fastest, then y; NaN where missing
+struct NetCdfGrid : RectilinearGrid {
+  std::vector<double> levels; ///< all positions along z; empty without such an axis
   std::vector<std::string> times;
-  double period = 0; ///< 360 for longitudes around the globe
 };
 
 constexpr std::size_t AllLevels = ~std::size_t(0);

@@ -1,14 +1,12 @@
 #include "io/private/VolumeFormats.h"
 
 #include "io/FileError.h"
+#include "io/private/Bytes.h"
 #include "io/private/Grid.h"
 #include "io/private/VolumeValues.h"
 
-#include <boost/endian/conversion.hpp>
-
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -30,13 +28,7 @@ public:
 
   template <class T>
   T Get(std::size_t p_at) const {
-    unsigned char bytes[sizeof(T)];
-    std::memcpy(bytes, _bytes.data() + p_at, sizeof bytes);
-    if (_bigEndian != (boost::endian::order::native == boost::endian::order::big))
-      std::reverse(std::begin(bytes), std::end(bytes));
-    T value;
-    std::memcpy(&value, bytes, sizeof value);
-    return value;
+    return Load<T>(_bytes.data() + p_at, _bigEndian);
   }
   /// A float of the first version is a double of the second one.
   double Real(bool p_second, std::size_t p_at1, std::size_t p_at2) const {

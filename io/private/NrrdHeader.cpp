@@ -1,12 +1,11 @@
 #include "io/private/NrrdHeader.h"
 
 #include "io/FileError.h"
+#include "io/private/NrrdWords.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <string_view>
-#include <utility>
 
 namespace Vek::Chart::Io::Private {
 
@@ -17,127 +16,6 @@ using Header = NrrdHeader;
 constexpr std::size_t MostAxes = 16;
 constexpr std::size_t MostFiles = 65536;
 constexpr std::size_t LongestLine = std::size_t{1} << 20;
-
-std::string_view Trimmed(std::string_view p_text) {
-  constexpr const char* Blanks = " \t\r";
-  const std::size_t first = p_text.find_first_not_of(Blanks);
-  return first == std::string_view::npos ? std::string_view()
-                                         : p_text.substr(first, p_text.find_last_not_of(Blanks) - first + 1);
-}
-
-/// In small letters, without blanks: fields are also written without theirs.
-std::string Keyword(std::string_view p_text) {
-  std::string word;
-  for (const char c : p_text)
-    if (c != ' ' && c != '\t')
-      word += static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
-  return word;
-}
-
-/// The next word of a text, which it takes: up to a blank, or in double quotes, or a vector in parentheses.
-std::string_view TakeWord(std::string_view& p_text) {
-  p_text = Trimmed(p_text);
-  if (p_text.empty())
-    return {};
-  const char closing = p_text.front() == '"' ? '"' : p_text.front() == '(' ? ')' : ' ';
-  std::size_t end = closing == ' ' ? p_text.find_first_of(" \t") : p_text.find(closing, 1);
-  end = end == std::string_view::npos ? p_text.size() : end + (closing == ' ' ? 0 : 1);
-  const std::string_view word = p_text.substr(0, end);
-  p_text.remove_prefix(end);
-  return word;
-}
-
-std::string Unquoted(std::string_view p_word) {
-  const bool quoted = p_word.size() >= 2 && p_word.front() == '"' && p_word.back() == '"';
-  return std::string(quoted ? p_word.substr(1, p_word.size() - 2) : p_word);
-}
-
-template <class T>
-std::optional<T> Parsed(std::string_view p_word) {
-  T value{};
-  const char* const last = p_word.data() + p_word.size();
-  const auto [end, error] = std::from_chars(p_word.data(), last, value);
-  return end == last && error == std::errc() ? std::optional(value) : std::nullopt;
-}
-
-struct TypeName {
-  std::string_view name;
-  Stored type;
-};
-// Without blanks.
-constexpr TypeName TypeNames[] = {
-    {"signedchar", Stored::Int8},
-    {"int8", Stored::Int8},
-    {"int8_t", Stored::Int8},
-    {"uchar", Stored::UInt8},
-    {"unsignedchar", Stored::UInt8},
-    {"uint8", Stored::UInt8},
-    {"uint8_t", Stored::UInt8},
-    {"short", Stored::Int16},
-    {"shortint", Stored::Int16},
-    {"signedshort", Stored::Int16},
-    {"signedshortint", Stored::Int16},
-    {"int16", Stored::Int16},
-    {"int16_t", Stored::Int16},
-    {"ushort", Stored::UInt16},
-    {"unsignedshort", Stored::UInt16},
-    {"unsignedshortint", Stored::UInt16},
-    {"uint16", Stored::UInt16},
-    {"uint16_t", Stored::UInt16},
-    {"int", Stored::Int32},
-    {"signedint", Stored::Int32},
-    {"int32", Stored::Int32},
-    {"int32_t", Stored::Int32},
-    {"uint", Stored::UInt32},
-    {"unsignedint", Stored::UInt32},
-    {"uint32", Stored::UInt32},
-    {"uint32_t", Stored::UInt32},
-    {"longlong", Stored::Int64},
-    {"longlongint", Stored::Int64},
-    {"signedlonglong", Stored::Int64},
-    {"signedlonglongint", Stored::Int64},
-    {"int64", Stored::Int64},
-    {"int64_t", Stored::Int64},
-    {"ulonglong", Stored::UInt64},
-    {"unsignedlonglong", Stored::UInt64},
-    {"unsignedlonglongint", Stored::UInt64},
-    {"uint64", Stored::UInt64},
-    {"uint64_t", Stored::UInt64},
-    {"float", Stored::Float32},
-    {"double", Stored::Float64},
-};
-
-struct SpaceName {
-  std::string_view shortName;
-  std::string_view name;
-  std::size_t dimension;
-};
-constexpr SpaceName SpaceNames[] = {
-    {"ras", "right-anterior-superior", 3},
-    {"las", "left-anterior-superior", 3},
-    {"lps", "left-posterior-superior", 3},
-    {"rast", "right-anterior-superior-time", 4},
-    {"last", "left-anterior-superior-time", 4},
-    {"lpst", "left-posterior-superior-time", 4},
-    {"", "scanner-xyz", 3},
-    {"", "scanner-xyz-time", 4},
-    {"", "3d-right-handed", 3},
-    {"", "3d-left-handed", 3},
-    {"", "3d-right-handed-time", 4},
-    {"", "3d-left-handed-time", 4},
-};
-
-Header::Role RoleOf(const std::string& p_kind) {
-  constexpr std::string_view Steps[] = {"time", "list"};
-  constexpr std::string_view Nothing[] = {"???", "none", "stub", "scalar"};
-  if (p_kind == "domain" || p_kind == "space")
-    return Header::Role::Grid;
-  if (std::find(std::begin(Steps), std::end(Steps), p_kind) != std::end(Steps))
-    return Header::Role::Steps;
-  if (std::find(std::begin(Nothing), std::end(Nothing), p_kind) != std::end(Nothing))
-    return Header::Role::Unknown;
-  return Header::Role::Components; // vectors, colours, matrices
-}
 
 /// Reads the lines of a header, each by a function of its own.
 class Parser {
@@ -309,12 +187,10 @@ void Parser::Dimension() {
 }
 
 void Parser::Type() {
-  const std::string name = Keyword(_value);
-  const auto row = std::find_if(std::begin(TypeNames), std::end(TypeNames),
-                                [&](const TypeName& p_row) { return p_row.name == name; });
-  if (row == std::end(TypeNames))
+  const std::optional<Stored> type = NrrdType(Keyword(_value));
+  if (!type)
     Fail("a type of integers or floats", _value);
-  _header.format.type = row->type;
+  _header.format.type = *type;
   _hasType = true;
 }
 
@@ -335,17 +211,10 @@ void Parser::Endian() {
 }
 
 void Parser::Encoding() {
-  constexpr std::pair<std::string_view, Header::Encoding> Names[] = {
-      {"raw", Header::Encoding::Raw},  {"ascii", Header::Encoding::Text}, {"text", Header::Encoding::Text},
-      {"txt", Header::Encoding::Text}, {"hex", Header::Encoding::Hex},    {"gzip", Header::Encoding::Gzip},
-      {"gz", Header::Encoding::Gzip},
-  };
-  const std::string name = Keyword(_value);
-  const auto row =
-      std::find_if(std::begin(Names), std::end(Names), [&](const auto& p_row) { return p_row.first == name; });
-  if (row == std::end(Names))
+  const std::optional<Header::Encoding> encoding = NrrdEncoding(Keyword(_value));
+  if (!encoding)
     Fail("the encoding raw, ascii, hex or gzip", _value);
-  _header.encoding = row->second;
+  _header.encoding = *encoding;
   _hasEncoding = true;
 }
 
@@ -370,7 +239,7 @@ void Parser::Centers() {
 }
 
 void Parser::Kinds() {
-  EachAxis([&](Header::Axis& p_axis, std::string_view p_word) { p_axis.role = RoleOf(Keyword(p_word)); });
+  EachAxis([&](Header::Axis& p_axis, std::string_view p_word) { p_axis.role = NrrdRole(Keyword(p_word)); });
 }
 
 void Parser::Units() {
@@ -384,14 +253,11 @@ void Parser::ByteSkip() {
 }
 
 void Parser::Space() {
-  const std::string name = Keyword(_value);
-  const auto row = std::find_if(std::begin(SpaceNames), std::end(SpaceNames), [&](const SpaceName& p_row) {
-    return p_row.name == name || (!p_row.shortName.empty() && p_row.shortName == name);
-  });
-  if (row == std::end(SpaceNames))
+  const std::optional<NrrdSpace> space = FindNrrdSpace(Keyword(_value));
+  if (!space)
     Fail("a space", _value);
-  _header.space = row->name;
-  _header.spaceDimension = row->dimension;
+  _header.space = space->name;
+  _header.spaceDimension = space->dimension;
 }
 
 void Parser::SpaceDimension() {

@@ -1,9 +1,10 @@
 #include "io/private/ImageFormats.h"
 
 #include "io/FileError.h"
+#include "io/private/Bytes.h"
 #include "io/private/Input.h"
 
-#ifdef VEK_WITH_OPENEXR
+#if VEK_WITH_OPENEXR
 #include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfCompression.h>
 #include <OpenEXR/ImfFrameBuffer.h>
@@ -22,7 +23,7 @@
 
 namespace Vek::Chart::Io::Private {
 
-#ifdef VEK_WITH_OPENEXR
+#if VEK_WITH_OPENEXR
 
 namespace {
 
@@ -48,14 +49,6 @@ private:
   std::string_view _bytes;
   std::size_t _at = 0;
 };
-
-/// Little endian, as all numbers of the format.
-std::uint32_t Number(std::string_view p_bytes) {
-  std::uint32_t number = 0;
-  for (std::size_t i = 0; i < 4; ++i)
-    number |= std::uint32_t{static_cast<unsigned char>(p_bytes[i])} << (8 * i);
-  return number;
-}
 
 /// The bytes of the values of types that always have as many. The library reads that many, whatever the file claims.
 struct TypeSize {
@@ -92,8 +85,8 @@ constexpr TypeSize TypeSizes[] = {
 /// Whether a value has the size that its type or its content need.
 bool HasItsSize(std::string_view p_type, std::string_view p_value) {
   if (p_type == "preview")
-    return p_value.size() >= 8 &&
-           p_value.size() == 8 + 4 * std::uint64_t{Number(p_value)} * std::uint64_t{Number(p_value.substr(4))};
+    return p_value.size() >= 8 && p_value.size() == 8 + 4 * std::uint64_t{LoadLittle<std::uint32_t>(p_value)} *
+                                                            std::uint64_t{LoadLittle<std::uint32_t>(p_value.substr(4))};
   if (p_type == "chlist") { // names, each with 16 bytes behind its zero, and a zero
     std::size_t at = 0;
     while (at < p_value.size() && p_value[at] != '\0')
@@ -118,7 +111,7 @@ void CheckClaims(std::string_view p_file, const std::string& p_name) {
   std::uint64_t width = 1, height = 1, channels = 1, tileWidth = 0, tileHeight = 0;
   for (std::string_view name; !(name = word()).empty();) {
     const std::string_view type = word();
-    const std::size_t size = rest.size() < 4 ? SIZE_MAX : Number(rest);
+    const std::size_t size = rest.size() < 4 ? SIZE_MAX : LoadLittle<std::uint32_t>(rest);
     if (size > rest.size() - std::min<std::size_t>(4, rest.size()))
       throw FileError(p_name, "the file ends within its header");
     const std::string_view value = rest.substr(4, size);
@@ -127,14 +120,16 @@ void CheckClaims(std::string_view p_file, const std::string& p_name) {
       throw FileError(p_name, "the value \"" + std::string(name.substr(0, 40)) + "\" of the header has " +
                                   std::to_string(size) + " bytes, which its type does not have");
     const auto extent = [&](std::size_t p_first) { // of a window, modulo 2^32
-      return std::uint64_t{Number(value.substr(p_first + 8)) - Number(value.substr(p_first))} + 1;
+      return std::uint64_t{LoadLittle<std::uint32_t>(value.substr(p_first + 8)) -
+                           LoadLittle<std::uint32_t>(value.substr(p_first))} +
+             1;
     };
     if (name == "dataWindow" && size == 16) {
       width = extent(0);
       height = extent(4);
     } else if (name == "tiles" && size == 9) {
-      tileWidth = Number(value);
-      tileHeight = Number(value.substr(4));
+      tileWidth = LoadLittle<std::uint32_t>(value);
+      tileHeight = LoadLittle<std::uint32_t>(value.substr(4));
     } else if (name == "channels") {
       channels = size / 18 + 1; // each has 18 bytes or more
     }

@@ -1,4 +1,5 @@
 #include "io/FileError.h"
+#include "io/private/Bytes.h"
 #include "io/private/MeshText.h"
 #include "io/private/PlyHeader.h"
 #include "library/TriangulatePolygon.h"
@@ -6,9 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <filesystem>
 #include <limits>
+#include <type_traits>
 
 namespace Vek::Chart::Io::Private {
 
@@ -29,15 +30,19 @@ public:
       return _words.Number();
     if (p_type.size > _file.size() - _at)
       Fail("a number", "the end of the file");
-    unsigned char bytes[8];
-    std::memcpy(bytes, _file.data() + _at, p_type.size);
+    const char* const bytes = _file.data() + _at;
     _at += p_type.size;
-    if (_encoding == PlyHeader::BigEndian)
-      std::reverse(bytes, bytes + p_type.size);
-    std::uint64_t bits = 0;
-    for (std::size_t i = p_type.size; i-- > 0;)
-      bits = bits << 8 | bytes[i];
-    return Value(p_type, bits);
+    switch (p_type.size) {
+    case 1:
+      return Value<std::int8_t>(p_type, bytes);
+    case 2:
+      return Value<std::int16_t>(p_type, bytes);
+    case 4:
+      return p_type.kind == PlyType::Float ? double(Load<float>(bytes, IsBigEndian()))
+                                           : Value<std::int32_t>(p_type, bytes);
+    default:
+      return p_type.kind == PlyType::Float ? Load<double>(bytes, IsBigEndian()) : Value<std::int64_t>(p_type, bytes);
+    }
   }
 
   /// An integer from 0 to below a limit.
@@ -60,22 +65,11 @@ public:
   bool IsText() const { return _encoding == PlyHeader::Text; }
 
 private:
-  static double Value(const PlyType& p_type, std::uint64_t p_bits) {
-    if (p_type.kind == PlyType::Unsigned)
-      return double(p_bits);
-    if (p_type.kind == PlyType::Signed) {
-      const std::uint64_t sign = std::uint64_t(1) << (8 * p_type.size - 1);
-      return double(static_cast<std::int64_t>((p_bits ^ sign) - sign));
-    }
-    if (p_type.size == sizeof(double)) {
-      double value = 0;
-      std::memcpy(&value, &p_bits, sizeof value);
-      return value;
-    }
-    const auto half = static_cast<std::uint32_t>(p_bits);
-    float value = 0;
-    std::memcpy(&value, &half, sizeof value);
-    return value;
+  bool IsBigEndian() const { return _encoding == PlyHeader::BigEndian; }
+  template <class T>
+  double Value(const PlyType& p_type, const char* p_bytes) const {
+    const T value = Load<T>(p_bytes, IsBigEndian());
+    return p_type.kind == PlyType::Signed ? double(value) : double(static_cast<std::make_unsigned_t<T>>(value));
   }
   [[noreturn]] void Fail(const std::string& p_expected, const std::string& p_found) const {
     throw FileError(_name, "byte " + std::to_string(_at) + ": expected " + p_expected + ", got " + p_found);

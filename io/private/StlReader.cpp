@@ -1,4 +1,5 @@
 #include "io/FileError.h"
+#include "io/private/Bytes.h"
 #include "io/private/MeshText.h"
 #include "library/TriangulatePolygon.h"
 
@@ -16,15 +17,8 @@ constexpr std::size_t HeaderSize = 80;
 constexpr std::size_t FirstTriangle = 84;
 constexpr std::size_t TriangleSize = 50;
 
-std::uint32_t LittleEndian(const char* p_bytes) {
-  std::uint32_t value = 0;
-  for (int i = 3; i >= 0; --i)
-    value = value << 8 | static_cast<unsigned char>(p_bytes[i]);
-  return value;
-}
-
 std::uint64_t ClaimedSize(std::string_view p_file) {
-  return FirstTriangle + TriangleSize * std::uint64_t(LittleEndian(p_file.data() + HeaderSize));
+  return FirstTriangle + TriangleSize * std::uint64_t(LoadLittle<std::uint32_t>(p_file.substr(HeaderSize)));
 }
 
 /// Vertices by position: corners with equal coordinates are one vertex.
@@ -83,7 +77,7 @@ Mesh ReadBinary(std::string_view p_file, const std::string& p_name, const Progre
     mesh.warnings.push_back(p_name + ": " + std::to_string(p_file.size() - size) +
                             " bytes behind the last triangle are left out");
   MergedVertices vertices(mesh.positions);
-  const std::size_t count = LittleEndian(p_file.data() + HeaderSize);
+  const std::size_t count = LoadLittle<std::uint32_t>(p_file.substr(HeaderSize));
   mesh.indices.reserve(3 * count);
   constexpr std::size_t NormalSize = 12;
   for (std::size_t triangle = 0; triangle < count; ++triangle) {
@@ -93,9 +87,8 @@ Mesh ReadBinary(std::string_view p_file, const std::string& p_name, const Progre
     for (int corner = 0; corner < 3; ++corner) {
       std::array<float, 3> position;
       for (float& coordinate : position) {
-        const std::uint32_t bits = LittleEndian(at);
-        std::memcpy(&coordinate, &bits, sizeof bits);
-        at += sizeof bits;
+        coordinate = Load<float>(at, false);
+        at += sizeof coordinate;
       }
       mesh.indices.push_back(vertices.Vertex(position));
     }

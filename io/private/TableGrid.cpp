@@ -80,11 +80,11 @@ double PeriodOf(const std::vector<double>& p_positions, bool p_areDegrees) {
   return std::abs(length + step - 360) < 0.01 * step ? 360 : 0;
 }
 
-TableGrid GridOf(const Table& p_table, const std::string& p_name, const std::vector<std::vector<double>>& p_values,
-                 const std::array<int, 3>& p_axes) {
+RectilinearGrid GridOf(const Table& p_table, const std::string& p_name,
+                       const std::vector<std::vector<double>>& p_values, const std::array<int, 3>& p_axes) {
   if (p_axes[0] < 0 || p_axes[1] < 0)
     throw FileError(p_name, "expected columns of positions, such as x and y or lon and lat");
-  TableGrid grid;
+  RectilinearGrid grid;
   std::size_t nodes = 1;
   for (std::size_t axis = 0; axis < 3; ++axis) {
     grid.axes[axis] = {0};
@@ -102,6 +102,7 @@ TableGrid GridOf(const Table& p_table, const std::string& p_name, const std::vec
                                   " rows for a grid of four times as many nodes or more");
     nodes *= count;
   }
+  grid.period = PeriodOf(grid.axes[0], Key(grid.axisNames[0]).compare(0, 3, "lon") == 0);
   grid.values.assign(p_values.size(), std::vector<double>(nodes, std::numeric_limits<double>::quiet_NaN()));
   for (std::size_t row = 0; row < p_table.Rows(); ++row) {
     std::size_t node = 0;

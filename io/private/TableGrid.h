@@ -2,6 +2,7 @@
 
 #include "io/Table.h"
 #include "io/private/Input.h"
+#include "io/private/RectilinearGrid.h"
 
 #include <array>
 #include <string>
@@ -9,14 +10,6 @@
 #include <vector>
 
 namespace Vek::Chart::Io::Private {
-
-/// Columns of a table on a rectilinear grid.
-struct TableGrid {
-  std::array<std::vector<double>, 3> axes; ///< none is empty
-  std::array<std::string, 3> axisNames;    ///< empty for an axis without a column
-  std::array<std::string, 3> axisUnits;
-  std::vector<std::vector<double>> values; ///< of each column, x fastest, then y; NaN where missing
-};
 
 /// The index of the first column with one of the names, in any case and without a unit behind it; -1 without any.
 int FindColumn(const Table& p_table, std::initializer_list<std::string_view> p_names);
@@ -30,8 +23,8 @@ const std::vector<double>& Numbers(const Table& p_table, const std::string& p_fi
 std::array<int, 3> AxisColumns(const Table& p_table);
 /// Values of the rows on the grid of the distinct positions along each axis. Throws FileError for a table without
 /// columns of x and y, and where fewer than a quarter of the nodes have a row.
-TableGrid GridOf(const Table& p_table, const std::string& p_name, const std::vector<std::vector<double>>& p_values,
-                 const std::array<int, 3>& p_axes);
+RectilinearGrid GridOf(const Table& p_table, const std::string& p_name,
+                       const std::vector<std::vector<double>>& p_values, const std::array<int, 3>& p_axes);
 /// 360 for positions that are degrees and evenly go around the globe, otherwise 0.
 double PeriodOf(const std::vector<double>& p_positions, bool p_areDegrees);
 

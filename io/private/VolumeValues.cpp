@@ -1,9 +1,8 @@
 #include "io/private/VolumeValues.h"
 
 #include "io/FileError.h"
+#include "io/private/Bytes.h"
 #include "io/private/ValueRange.h"
-
-#include <boost/endian/conversion.hpp>
 
 #include <algorithm>
 #include <charconv>
@@ -18,20 +17,6 @@ namespace Vek::Chart::Io::Private {
 namespace {
 
 constexpr std::size_t BlockBytes = std::size_t{1} << 18; // stays in the cache
-
-template <std::size_t Bytes>
-using Unsigned = std::conditional_t<
-    Bytes == 1, std::uint8_t,
-    std::conditional_t<Bytes == 2, std::uint16_t, std::conditional_t<Bytes == 4, std::uint32_t, std::uint64_t>>>;
-
-template <class T>
-T Reversed(T p_value) {
-  Unsigned<sizeof(T)> bits;
-  std::memcpy(&bits, &p_value, sizeof bits);
-  bits = boost::endian::endian_reverse(bits);
-  std::memcpy(&p_value, &bits, sizeof bits);
-  return p_value;
-}
 
 /// Calls p_call with a value of the type.
 template <class Call>
@@ -66,7 +51,7 @@ class BinaryValues {
 public:
   BinaryValues(ByteSource& p_source, const ValueFormat& p_format, const std::string& p_name)
       : _source(p_source)
-      , _reverse(p_format.bigEndian != (boost::endian::order::native == boost::endian::order::big))
+      , _reverse(IsForeign(p_format.bigEndian))
       , _name(p_name) {}
 
   /// No more values than this follow.

@@ -45,6 +45,15 @@ void SetOneLevel(const Rgl& p_gl, Ogl::GlEnum p_target) {
   p_gl.TexParameteri(p_target, RGL_TEXTURE_MAX_LEVEL, 0);
 }
 
+void Use3D(const Rgl& p_gl, const TextureSettings& p_settings, std::uint32_t p_wrapR) {
+  SetOneLevel(p_gl, RGL_TEXTURE_3D);
+  UseWrap(p_gl, RGL_TEXTURE_3D, p_settings);
+  SetWrap(p_gl, RGL_TEXTURE_3D, RGL_TEXTURE_WRAP_R, p_wrapR);
+  UseFilter(p_gl, RGL_TEXTURE_3D, p_settings);
+  SetEnvironment(p_gl, p_settings.environment);
+  p_gl.Enable(RGL_TEXTURE_3D);
+}
+
 void Enable2D(const Rgl& p_gl) {
   if (p_gl.IsEnabled(RGL_TEXTURE_3D) != 0)
     p_gl.Disable(RGL_TEXTURE_3D);

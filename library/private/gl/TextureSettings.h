@@ -20,6 +20,8 @@ void SetWrap(const Rgl& p_gl, Ogl::GlEnum p_target, Ogl::GlEnum p_name, std::uin
 void SetEnvironment(const Rgl& p_gl, std::uint32_t p_environment);
 /// Restricts a texture to its level 0.
 void SetOneLevel(const Rgl& p_gl, Ogl::GlEnum p_target);
+/// Sets all of the above for the bound 3-D texture, of one level, and enables 3-D texturing.
+void Use3D(const Rgl& p_gl, const TextureSettings& p_settings, std::uint32_t p_wrapR);
 /// Enables 2-D texturing, and disables the 3-D texturing that would hide it.
 void Enable2D(const Rgl& p_gl);
 
