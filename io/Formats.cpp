@@ -8,19 +8,16 @@ const std::vector<Format>& Formats() {
   static const std::vector<Format> Formats{
       {Format::Meshes, "OBJ", "obj", "Io::ReadMesh",
        "positions, vertex colours, normals, texture coordinates, faces of any number of corners, lines, points, "
-       "groups, "
-       "smoothing groups, materials and the names of their textures",
+       "groups, smoothing groups, materials and the names of their textures",
        "curves and surfaces, texture coordinates of lines", "", true},
       {Format::Meshes, "PLY", "ply", "Io::ReadMesh",
        "text and binary of either byte order: positions, normals, texture coordinates and colours of vertices; faces "
-       "of "
-       "any number of corners, triangle strips, edges, points; lists of any integer type; the texture named in a "
+       "of any number of corners, triangle strips, edges, points; lists of any integer type; the texture named in a "
        "comment",
        "colours and texture coordinates of faces, other elements", "", true},
       {Format::Meshes, "STL", "stl", "Io::ReadMesh",
        "text, and binary also with \"solid\" at its start: triangles, with corners at one position as one vertex; "
-       "names "
-       "of solids",
+       "names of solids",
        "normals and colours of triangles", "", true},
       {Format::Meshes, "glTF", "gltf glb", "Io::ReadMesh",
        "version 2.0, with data in the file or beside it: positions, normals, texture coordinates, vertex colours, "
@@ -52,8 +49,7 @@ const std::vector<Format>& Formats() {
       {Format::Vectors, "NetCDF", "nc cdf", "Io::ReadVectorField",
        "classic formats, by the CF conventions: winds and flows on regular and rectilinear grids of two or three "
        "dimensions, in any order of axes; units, scale_factor, add_offset, _FillValue, missing_value, valid ranges, "
-       "steps "
-       "of time",
+       "steps of time",
        "curvilinear grids", "", true},
       {Format::Vectors, "NetCDF-4", "nc nc4", "Io::ReadVectorField", "as NetCDF, compressed or not",
        "groups, structures, curvilinear grids", "libnetcdf-dev", VEK_WITH_NETCDF != 0},
@@ -70,9 +66,8 @@ const std::vector<Format>& Formats() {
       {Format::Heights, "CSV", "csv tsv txt dat", "Io::ReadHeights",
        "nodes in any order with columns of positions and heights", "", "", true},
       {Format::Tables, "CSV", "csv tsv txt dat", "Io::ReadTable",
-       "cells separated by commas, semicolons, tabs or blanks; quoted cells, comments, missing cells, names of "
-       "columns, "
-       "decimal commas",
+       "cells separated by commas, semicolons, tabs, bars or blanks; quoted cells, comments, missing cells, names of "
+       "columns, decimal commas",
        "UTF-16", "", true},
       {Format::Images, "Radiance", "hdr pic", "Io::ReadImage",
        "RGBE and XYZE, all run codes; EXPOSURE, PRIMARIES and all eight orientations on request",
@@ -80,9 +75,7 @@ const std::vector<Format>& Formats() {
       {Format::Images, "PFM", "pfm", "Io::ReadImage", "one or three channels, either byte order", "", "", true},
       {Format::Images, "OpenEXR", "exr", "Io::ReadImage",
        "all channels of the first part as floats; scanlines and tiles, all compressions",
-       "deep images, channels of fewer "
-       "pixels such as chroma",
-       "libopenexr-dev", VEK_WITH_OPENEXR != 0},
+       "deep images, channels of fewer pixels such as chroma", "libopenexr-dev", VEK_WITH_OPENEXR != 0},
   };
   return Formats;
 }

@@ -2,9 +2,9 @@
 
 #include "io/FileError.h"
 #include "io/ReadTable.h"
-#include "io/private/MeshText.h"
 #include "io/private/NetCdfGrid.h"
 #include "io/private/TableGrid.h"
+#include "io/private/Words.h"
 
 #include <algorithm>
 #include <array>

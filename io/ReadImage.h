@@ -24,9 +24,8 @@ struct ImageOptions {
 ///   says about exposure, colour space and orientation is applied if the options want it. Red, green and blue are those
 ///   of Radiance, or of the file's PRIMARIES. The values are those of the header, except that EXPOSURE is the product
 ///   of all.
-/// - Portable float map (.pfm; P. Debevec): one channel or three, either byte order. Its scale is a value, "scale", and
-/// is
-///   not applied.
+/// - Portable float map (.pfm; P. Debevec): one channel or three, either byte order, comments. Its scale is a value,
+///   "scale", and is not applied.
 /// - OpenEXR (.exr; openexr.com), in builds with its library: the channels of the first part, as floats: R, G, B and A
 ///   first, others behind them in alphabetical order. The image is the data window. Deep images and those with
 ///   luminance and chroma are not read.

@@ -2,8 +2,9 @@
 
 #include "io/FileError.h"
 #include "io/private/Input.h"
-#include "io/private/MeshText.h"
+#include "io/private/MeshFormats.h"
 #include "io/private/PlyHeader.h"
+#include "io/private/Words.h"
 
 #include <algorithm>
 #include <array>
@@ -19,10 +20,8 @@ enum class MeshFormat { Unknown, Obj, Ply, Stl, Gltf };
 
 /// Whether the first line that is neither blank nor a comment is one of an OBJ file.
 bool StartsAsObj(std::string_view p_start) {
-  if (p_start.substr(0, 3) == "\xEF\xBB\xBF")
-    p_start.remove_prefix(3);
   const std::string noName;
-  Private::Words words(p_start, noName);
+  Private::Words words(p_start, noName, Private::MarkSize(p_start));
   std::string_view word = words.Next();
   for (; !word.empty() && word.front() == '#'; word = words.Next())
     words.RestOfLine();

@@ -33,7 +33,7 @@ struct MeshOptions {
 ///   normals, texture coordinates and colours of vertices; faces of any number of corners, divided by
 ///   Library::TriangulatePolygon; triangle strips; edges as lines. Numbers and lists may be of any type. Colours of
 ///   integers are divided by the largest one of their type. A comment "TextureFile NAME" becomes a material. Vertices
-///   without faces and edges are points. Colours and texture coordinates of faces are not read.
+///   without faces and edges are points. Colours and texture coordinates of faces are not read, which is a warning.
 /// - STL, as text or binary, also binary files that start with "solid": the triangles, whose corners at one position
 ///   become one vertex. Each "solid" is a group. Normals and colours of the file are not read.
 ///

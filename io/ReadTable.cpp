@@ -2,16 +2,14 @@
 
 #include "io/FileError.h"
 #include "io/private/Input.h"
+#include "io/private/Words.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <deque>
 #include <fstream>
-#include <iterator>
 #include <limits>
 #include <optional>
-#include <sstream>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -24,12 +22,6 @@ constexpr std::size_t LongestLine = 16u << 20;
 // Separators that are no single character.
 constexpr char Blanks = ' ';     // one or more blanks or tabs
 constexpr char OneColumn = '\n'; // no cell contains it
-
-std::string_view Trimmed(std::string_view p_text) {
-  const std::size_t first = p_text.find_first_not_of(" \t");
-  return first == std::string_view::npos ? std::string_view()
-                                         : p_text.substr(first, p_text.find_last_not_of(" \t") - first + 1);
-}
 
 /// All of a stream, without a byte order mark. A line without end is refused before it fills the memory.
 std::string ReadAll(std::istream& p_stream, const std::string& p_name) {
@@ -51,8 +43,7 @@ std::string ReadAll(std::istream& p_stream, const std::string& p_name) {
   }
   if (p_stream.bad())
     throw FileError(p_name, "reading failed");
-  if (text.compare(0, 3, "\xEF\xBB\xBF") == 0)
-    text.erase(0, 3);
+  text.erase(0, Private::MarkSize(text));
   return text;
 }
 
@@ -111,7 +102,7 @@ private:
       if (character != '#' && character != '\n' && character != '\r')
         return true;
       if (character == '#')
-        _comment = Trimmed(RestOfLine()).substr(1);
+        _comment = Private::Trimmed(RestOfLine()).substr(1);
       _at = LineEnd(first);
     }
     return false;
@@ -175,21 +166,14 @@ private:
 };
 
 bool IsMissing(std::string_view p_cell) {
-  constexpr std::array<std::string_view, 8> Missing{"", "NA", "N/A", "na", "n/a", "null", "-", "--"};
-  return std::find(Missing.begin(), Missing.end(), p_cell) != Missing.end();
+  constexpr std::array<std::string_view, 8> Missing{"", "na", "n/a", "#n/a", "null", "none", "-", "--"};
+  return std::any_of(Missing.begin(), Missing.end(),
+                     [&](std::string_view p_word) { return Private::IsSameWord(p_cell, p_word); });
 }
 
 /// A number or NaN for a missing one; none for other cells.
 std::optional<double> Number(std::string_view p_cell, bool p_decimalComma) {
-  if (!p_cell.empty() && p_cell.front() == '+')
-    p_cell.remove_prefix(1);
-  const auto parse = [](std::string_view p_text, double& p_number) {
-    const char* const last = p_text.data() + p_text.size();
-    const auto [end, error] = std::from_chars(p_text.data(), last, p_number);
-    return end == last && (error == std::errc() || error == std::errc::result_out_of_range) && !p_text.empty();
-  };
-  double number = 0;
-  if (parse(p_cell, number))
+  if (const std::optional<double> number = Private::ParseNumber(p_cell))
     return number;
   if (IsMissing(p_cell))
     return std::numeric_limits<double>::quiet_NaN();
@@ -197,7 +181,7 @@ std::optional<double> Number(std::string_view p_cell, bool p_decimalComma) {
     return {};
   std::string point(p_cell);
   std::replace(point.begin(), point.end(), ',', '.');
-  return parse(point, number) ? std::optional(number) : std::nullopt;
+  return Private::ParseNumber(point);
 }
 
 /// The number of cells in the first two rows when they are split by a separator.
@@ -219,7 +203,7 @@ char FindSeparator(const std::string& p_text, const std::string& p_name) {
   char separator = OneColumn;
   std::size_t most = 1;
   for (const bool equal : {true, false})
-    for (const char candidate : {'\t', ';', ',', Blanks}) {
+    for (const char candidate : {'\t', ';', ',', '|', Blanks}) {
       const auto [first, second] = CountCells(p_text, p_name, candidate);
       if (first <= most || (candidate == Blanks && (!equal || separator != OneColumn)) || (equal && first != second))
         continue;
@@ -229,23 +213,41 @@ char FindSeparator(const std::string& p_text, const std::string& p_name) {
   return separator;
 }
 
-std::vector<std::string> Words(std::string_view p_text) {
-  std::istringstream stream{std::string(p_text)};
-  return {std::istream_iterator<std::string>(stream), {}};
+/// The separator of a first line "sep=;", which spreadsheets write; 0 without one.
+char NamedSeparator(const std::string& p_text) {
+  const bool isNamed =
+      p_text.compare(0, 4, "sep=") == 0 && p_text.size() > 5 && (p_text[5] == '\r' || p_text[5] == '\n');
+  return isNamed ? p_text[4] : '\0';
+}
+
+/// What the separators of the rows, or else blanks, divide a comment into: as many names as there are cells, or none.
+std::vector<std::string> NamesOf(std::string_view p_comment, char p_separator, std::size_t p_count) {
+  std::vector<std::string> names = Private::SplitWords(p_comment);
+  if (p_separator != Blanks &&
+      std::size_t(std::count(p_comment.begin(), p_comment.end(), p_separator)) + 1 == p_count) {
+    names.clear();
+    for (std::size_t i = 0; i < p_count; ++i) {
+      const std::size_t end = std::min(p_comment.find(p_separator), p_comment.size());
+      names.emplace_back(Private::Trimmed(p_comment.substr(0, end)));
+      p_comment.remove_prefix(std::min(end + 1, p_comment.size()));
+    }
+  }
+  return names.size() == p_count ? names : std::vector<std::string>();
 }
 
 /// The names of the columns, and whether the first row has them.
-bool TakeNames(const RowReader& p_reader, bool p_decimalComma, std::vector<Table::Column>& p_columns) {
+bool TakeNames(const RowReader& p_reader, char p_separator, bool p_decimalComma,
+               std::vector<Table::Column>& p_columns) {
   const auto& cells = p_reader.Cells();
   const bool header =
       std::any_of(cells.begin(), cells.end(), [&](std::string_view p_cell) { return !Number(p_cell, p_decimalComma); });
-  const std::vector<std::string> comment = Words(p_reader.Comment());
+  const std::vector<std::string> comment = NamesOf(p_reader.Comment(), p_separator, cells.size());
   for (std::size_t i = 0; i < cells.size(); ++i) {
     p_columns.emplace_back();
     if (header)
       p_columns[i].name = std::string(cells[i]);
     else
-      p_columns[i].name = comment.size() == cells.size() ? comment[i] : std::to_string(i + 1);
+      p_columns[i].name = comment.empty() ? std::to_string(i + 1) : comment[i];
   }
   return header;
 }
@@ -284,15 +286,16 @@ void ReadRows(RowReader& p_reader, bool p_header, const std::string& p_name, boo
 
 Table ReadTable(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
   const std::string text = ReadAll(p_stream, p_name);
-  const char separator = FindSeparator(text, p_name);
+  const char named = NamedSeparator(text);
+  const char separator = named != '\0' ? named : FindSeparator(text, p_name);
   const bool decimalComma = separator != ',';
   std::vector<Table::Column> columns;
   const auto read = [&](bool p_strings) {
     RowReader reader(text, p_name, separator);
-    if (!reader.Next())
+    if ((named != '\0' && !reader.Next()) || !reader.Next())
       throw FileError(p_name, "expected a table, got no rows");
     std::vector<Table::Column> names;
-    const bool header = TakeNames(reader, decimalComma, names);
+    const bool header = TakeNames(reader, separator, decimalComma, names);
     if (columns.empty())
       columns = names;
     ReadRows(reader, header, p_name, decimalComma, p_strings, p_progress, columns);

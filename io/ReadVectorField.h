@@ -19,8 +19,9 @@ namespace Vek::Chart::Io {
 ///   they may come in any order. Without a coordinate variable, positions are 0, 1, 2, …. Positions that are positive
 ///   downwards become negative, except for pressures. Longitudes that start again behind the date line go on. Values
 ///   are multiplied by scale_factor and moved by add_offset; _FillValue, missing_value and values outside of valid_min,
-///   valid_max and valid_range are NaN. Of further dimensions, the first index is read. Curvilinear grids, groups and
-///   structures are not read.
+///   valid_max and valid_range are NaN. Steps of time are dates in UTC; the standard calendar is the Julian one before
+///   1582-10-15. Steps of other calendars and of months and years are numbers with their unit. Of further dimensions,
+///   the first index is read. Curvilinear grids, groups and structures are not read.
 /// - A table (see ReadTable) of nodes in any order: columns x, y and perhaps z (or lon, lat, depth, …), and u, v and
 ///   perhaps w; or dir and speed, the direction in degrees clockwise from north where a wind comes from. A unit may
 ///   stand behind a name: "u (m/s)". Nodes without a row are missing; of repeated nodes the last one counts.

@@ -1,6 +1,7 @@
 #include "io/ReadVolume.h"
 
 #include "io/FileError.h"
+#include "io/private/Bytes.h"
 #include "io/private/Input.h"
 #include "io/private/NetCdf.h"
 #include "io/private/VolumeFormats.h"
@@ -65,6 +66,10 @@ Volume ReadTextArray(std::istream& p_stream, const std::string& p_name, const Vo
 std::string Found(std::string_view p_start) {
   if (p_start.size() > 132 && p_start.substr(128, 4) == "DICM")
     return "a DICOM file; convert it to NIfTI";
+  constexpr std::size_t AnalyzeSize = 348;
+  if (p_start.size() >= AnalyzeSize && (Private::Load<std::int32_t>(p_start.data(), false) == AnalyzeSize ||
+                                        Private::Load<std::int32_t>(p_start.data(), true) == AnalyzeSize))
+    return "the header of an Analyze file; convert it to NIfTI";
   const std::string found = Private::Description(p_start);
   return found + (found == "binary data" ? "; raw values need their size and type" : "");
 }

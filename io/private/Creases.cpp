@@ -1,4 +1,4 @@
-#include "io/private/MeshText.h"
+#include "io/private/MeshFormats.h"
 
 #include <algorithm>
 #include <array>

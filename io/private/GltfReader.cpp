@@ -1,9 +1,10 @@
 // glTF 2.0 ("glTF 2.0 Specification", Khronos Group, 2021) by Assimp, of which no other reader is used.
 
-#include "io/private/MeshText.h"
+#include "io/private/MeshFormats.h"
 
 #include "io/FileError.h"
 #include "io/private/Bytes.h"
+#include "io/private/Input.h"
 
 #if VEK_WITH_ASSIMP
 

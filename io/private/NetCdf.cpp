@@ -28,6 +28,11 @@ const std::vector<double>& NetCdfVariable::Numbers(std::string_view p_attribute)
   return found == nullptr ? None : found->numbers;
 }
 
+NetCdfType NetCdfVariable::Type(std::string_view p_attribute) const {
+  const NetCdfAttribute* const found = Private::Find(attributes, p_attribute);
+  return found == nullptr ? NetCdfType::Unknown : found->type;
+}
+
 const NetCdfVariable* NetCdfFile::Find(std::string_view p_variable) const {
   const auto found = std::find_if(_variables.begin(), _variables.end(),
                                   [&](const NetCdfVariable& p_row) { return p_row.name == p_variable; });

@@ -12,13 +12,6 @@
 
 namespace Vek::Chart::Io::Private {
 
-/// An attribute: a string, or numbers.
-struct NetCdfAttribute {
-  std::string name;
-  std::string text;
-  std::vector<double> numbers;
-};
-
 /// Types of values, with their numbers in files. Others, such as strings and structures, are not read.
 enum class NetCdfType : int {
   Byte = 1,
@@ -33,6 +26,14 @@ enum class NetCdfType : int {
   Int64,
   UInt64,
   Unknown,
+};
+
+/// An attribute: a string, or numbers.
+struct NetCdfAttribute {
+  std::string name;
+  NetCdfType type = NetCdfType::Unknown;
+  std::string text;
+  std::vector<double> numbers;
 };
 
 struct NetCdfDimension {
@@ -50,6 +51,8 @@ struct NetCdfVariable {
   const std::string& Text(std::string_view p_attribute) const;
   /// The numbers of an attribute; empty where it does not exist or is a string.
   const std::vector<double>& Numbers(std::string_view p_attribute) const;
+  /// The type of an attribute; Unknown where it does not exist.
+  NetCdfType Type(std::string_view p_attribute) const;
 };
 
 /// The dimensions and variables of a NetCDF file, and their values on request.

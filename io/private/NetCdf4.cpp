@@ -99,6 +99,10 @@ private:
     }
     for (int i = 0; i < variables; ++i)
       ReadVariable(i);
+    int groups = 0;
+    Check(nc_inq_grps(_file, &groups, nullptr));
+    if (variables == 0 && groups != 0)
+      throw FileError(_name, "expected variables, got only groups, which are not read");
   }
 
   void ReadVariable(int p_variable) {
@@ -127,6 +131,7 @@ private:
     Check(nc_inq_attname(_file, p_variable, p_attribute, name));
     Check(nc_inq_att(_file, p_variable, name, &type, &size));
     p_to.name = name;
+    p_to.type = TypeOf(type);
     if (size > _bytes.size())
       throw FileError(_name, "attribute \"" + p_to.name + "\": larger than the file");
     if (type == NC_CHAR) {

@@ -127,7 +127,7 @@ private:
     for (std::uint64_t left = ListSize(12, "attributes"); left != 0; --left) {
       NetCdfAttribute& attribute = attributes.emplace_back();
       attribute.name = String();
-      const NetCdfType type = Type();
+      const NetCdfType type = attribute.type = Type();
       const std::uint64_t count = Count();
       if (count > _size) // so that the product below does not wrap
         Fail("an attribute within the file", count);

@@ -36,7 +36,8 @@ std::array<std::size_t, 4> FindAxes(const NetCdfFile& p_file, const NetCdfVariab
   std::vector<std::size_t> unknown;
   for (std::size_t i = p_variable.dimensions.size(); i-- > 0;) {
     const NetCdfVariable* const coordinate = Coordinate(p_file, p_variable.dimensions[i]);
-    const NetCdfRole role = coordinate == nullptr ? NetCdfRole::Unknown : RoleOf(*coordinate);
+    const NetCdfRole role =
+        coordinate == nullptr ? RoleOfName(p_file.Dimensions()[p_variable.dimensions[i]].name) : RoleOf(*coordinate);
     if (role == NetCdfRole::Unknown)
       unknown.push_back(i);
     else if (role != NetCdfRole::Other && axes[std::size_t(role)] == NoDimension)
@@ -48,14 +49,34 @@ std::array<std::size_t, 4> FindAxes(const NetCdfFile& p_file, const NetCdfVariab
   return axes;
 }
 
-/// Throws if the positions of the nodes are in variables of two dimensions.
+/// Throws if the positions of the nodes are in variables of two dimensions or more.
 void CheckRectilinear(const NetCdfFile& p_file, const NetCdfVariable& p_variable, std::size_t p_dimension) {
   const std::string coordinates = ' ' + p_variable.Text("coordinates") + ' ';
   for (const NetCdfVariable& other : p_file.Variables())
-    if (other.dimensions.size() == 2 && coordinates.find(' ' + other.name + ' ') != std::string::npos &&
+    if (other.dimensions.size() >= 2 && coordinates.find(' ' + other.name + ' ') != std::string::npos &&
         std::count(other.dimensions.begin(), other.dimensions.end(), p_dimension) != 0)
       throw FileError(p_file.Name(), "expected a rectilinear grid, got a curvilinear one: the positions of \"" +
-                                         p_variable.name + "\" are in \"" + other.name + "\" of two dimensions");
+                                         p_variable.name + "\" are in \"" + other.name + "\" of " +
+                                         std::to_string(other.dimensions.size()) + " dimensions");
+}
+
+/// Adds or subtracts 360 degrees behind the one place where longitudes start again.
+void Unwrap(std::vector<double>& p_longitudes) {
+  std::array<std::size_t, 2> steps{}; // down and up
+  std::array<std::size_t, 2> last{};
+  for (std::size_t i = 1; i < p_longitudes.size(); ++i) {
+    const bool up = p_longitudes[i] > p_longitudes[i - 1];
+    ++steps[up];
+    last[up] = i;
+  }
+  for (const bool up : {false, true}) {
+    const std::size_t at = last[up];
+    if (steps[up] != 1 || steps[!up] == 0 || !(std::abs(p_longitudes[at] - p_longitudes[at - 1]) > 180))
+      continue;
+    for (std::size_t i = at; i < p_longitudes.size(); ++i)
+      p_longitudes[i] += up ? -360 : 360;
+    return;
+  }
 }
 
 /// Positions along an axis. Longitudes that start again behind the date line go on.
@@ -63,16 +84,8 @@ std::vector<double> Positions(const NetCdfFile& p_file, const NetCdfVariable& p_
   std::vector<double> positions = p_file.Read(p_coordinate);
   Unpack(p_coordinate, positions);
   const std::string& unit = p_coordinate.Text("units");
-  if (p_role == NetCdfRole::X && unit.compare(0, 6, "degree") == 0) {
-    double turn = 0;
-    for (std::size_t i = 1; i < positions.size(); ++i) {
-      positions[i] += turn;
-      if (positions.size() > 2 && positions[i] < positions[i - 1] && positions[1] > positions[0] && turn == 0) {
-        turn = 360;
-        positions[i] += turn;
-      }
-    }
-  }
+  if (p_role == NetCdfRole::X && unit.compare(0, 6, "degree") == 0)
+    Unwrap(positions);
   const bool descends = positions.size() > 1 && positions[1] < positions[0];
   for (std::size_t i = 0; i < positions.size(); ++i)
     if (!std::isfinite(positions[i]) ||

@@ -34,11 +34,14 @@ std::vector<std::string> FindComponents(const NetCdfFile& p_file);
 /// An axis of a role, recognised by its attributes, otherwise by its name.
 enum class NetCdfRole : int { X, Y, Z, Time, Other, Unknown };
 NetCdfRole RoleOf(const NetCdfVariable& p_coordinate);
+/// Likewise, of an axis of which only the name is known.
+NetCdfRole RoleOfName(const std::string& p_name);
 /// Whether a unit is one of pressure.
 bool IsPressure(const std::string& p_unit);
 /// The values of a variable with missing ones as NaN, scaled and offset. In place.
 void Unpack(const NetCdfVariable& p_variable, std::vector<double>& p_values);
-/// Steps of time as "1987-01-17 12:00"; in another calendar than the usual one as "6 hours since 2000-01-01".
+/// Steps of time as "1987-01-17 12:00" (UTC), with seconds where they are not 0; in another calendar than the usual one
+/// as "6 hours since 2000-01-01". The standard calendar is the Julian one before 1582-10-15.
 std::vector<std::string> TimeStrings(const NetCdfVariable& p_coordinate, const std::vector<double>& p_values);
 
 } // namespace Vek::Chart::Io::Private

@@ -81,13 +81,6 @@ constexpr SpaceName SpaceNames[] = {
 
 } // namespace
 
-std::string_view Trimmed(std::string_view p_text) {
-  constexpr const char* Blanks = " \t\r";
-  const std::size_t first = p_text.find_first_not_of(Blanks);
-  return first == std::string_view::npos ? std::string_view()
-                                         : p_text.substr(first, p_text.find_last_not_of(Blanks) - first + 1);
-}
-
 std::string Keyword(std::string_view p_text) {
   std::string word;
   for (const char c : p_text)

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "io/private/NrrdHeader.h"
+#include "io/private/Words.h"
 
-#include <charconv>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,22 +11,11 @@
 
 namespace Vek::Chart::Io::Private {
 
-/// Without blanks at both ends.
-std::string_view Trimmed(std::string_view p_text);
 /// In small letters, without blanks: fields are also written without theirs.
 std::string Keyword(std::string_view p_text);
 /// The next word of a text, which it takes: up to a blank, or in double quotes, or a vector in parentheses.
 std::string_view TakeWord(std::string_view& p_text);
 std::string Unquoted(std::string_view p_word);
-
-/// A whole word as a number.
-template <class T>
-std::optional<T> Parsed(std::string_view p_word) {
-  T value{};
-  const char* const last = p_word.data() + p_word.size();
-  const auto [end, error] = std::from_chars(p_word.data(), last, value);
-  return end == last && error == std::errc() ? std::optional(value) : std::nullopt;
-}
 
 /// What the keyword of a type, an encoding or a space means; none for another keyword.
 std::optional<Stored> NrrdType(const std::string& p_keyword);

@@ -2,8 +2,8 @@
 
 #include "io/FileError.h"
 #include "io/private/VolumeValues.h"
+#include "io/private/Words.h"
 
-#include <charconv>
 #include <cmath>
 #include <utility>
 
@@ -11,7 +11,8 @@ namespace Vek::Chart::Io::Private {
 
 namespace {
 
-/// The words of a header of text, each with one blank behind it that belongs to the header.
+/// The words of a header of text, each with one blank behind it that belongs to the header, or two in lines that end in
+/// CR LF. Comments behind '#' are no words.
 class HeaderWords {
 public:
   HeaderWords(PeekSource& p_source, const std::string& p_name)
@@ -23,12 +24,18 @@ public:
     std::string word;
     for (char c = 0; word.size() < Longest && _source.Read(&c, 1) == 1;) {
       const bool blank = c == ' ' || (c >= '\t' && c <= '\r');
-      _line += c == '\n' ? 1 : 0;
       if (blank && !word.empty()) {
-        _wordLine = _line - (c == '\n' ? 1 : 0);
-        return word;
+        _wordLine = _line;
+        _isCrLf |= _line == 1 && c == '\r' && _source.Peek(1) == "\n";
+        if (c == '\r' && _isCrLf && _source.Peek(1) == "\n")
+          _source.Read(&c, 1);
       }
-      if (!blank)
+      _line += c == '\n' ? 1 : 0;
+      if (blank && !word.empty())
+        return word;
+      if (word.empty() && c == '#')
+        SkipLine();
+      else if (!blank)
         word += c;
     }
     throw FileError(_name, _line, "a header of words", word);
@@ -36,19 +43,23 @@ public:
   template <class T>
   T Number(const char* p_expected) {
     const std::string word = Next();
-    T number{};
-    const char* const last = word.data() + word.size();
-    const auto [end, error] = std::from_chars(word.data() + (word.front() == '+' ? 1 : 0), last, number);
-    if (end != last || error != std::errc() || number == 0)
+    const std::optional<T> number = Parsed<T>(std::string_view(word).substr(word.front() == '+' ? 1 : 0));
+    if (!number || *number == 0)
       throw FileError(_name, _wordLine, p_expected, word);
-    return number;
+    return *number;
   }
 
 private:
+  void SkipLine() {
+    for (char c = 0; c != '\n' && _source.Read(&c, 1) == 1;)
+      _line += c == '\n' ? 1 : 0;
+  }
+
   PeekSource& _source;
   const std::string& _name;
   std::size_t _line = 1;
   std::size_t _wordLine = 1;
+  bool _isCrLf = false; ///< the first line ends so
 };
 
 } // namespace
@@ -77,7 +88,7 @@ Image ReadPfm(PeekSource& p_source, const std::string& p_name) {
   else
     image.channelNames = {"Y"};
   image.pixels = std::get<std::vector<float>>(std::move(volume.values));
-  image.values["scale"] = std::to_string(std::abs(scale));
+  image.values["scale"] = NumberText(std::abs(scale));
   return image;
 }
 

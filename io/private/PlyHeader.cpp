@@ -1,9 +1,8 @@
 #include "io/private/PlyHeader.h"
 
-#include "io/private/MeshText.h"
+#include "io/private/Words.h"
 
 #include <algorithm>
-#include <charconv>
 
 namespace Vek::Chart::Io::Private {
 
@@ -40,13 +39,10 @@ PlyHeader::Encoding ReadEncoding(Words& p_words) {
 }
 
 std::uint64_t ReadCount(Words& p_words) {
-  const std::string_view word = p_words.Next();
-  std::uint64_t count = 0;
-  const char* const last = word.data() + word.size();
-  const auto [end, error] = std::from_chars(word.data(), last, count);
-  if (word.empty() || end != last || error != std::errc())
+  const std::optional<std::uint64_t> count = Parsed<std::uint64_t>(p_words.Next());
+  if (!count)
     p_words.Fail("a number of elements");
-  return count;
+  return *count;
 }
 
 PlyProperty ReadProperty(Words& p_words) {
@@ -61,6 +57,18 @@ PlyProperty ReadProperty(Words& p_words) {
   property.type = ReadType(p_words);
   property.name = p_words.Next();
   return property;
+}
+
+bool IsComment(std::string_view p_keyword) {
+  return p_keyword == "comment" || p_keyword == "obj_info";
+}
+
+void ReadComment(Words& p_words, PlyHeader& p_header) {
+  p_words.Next();
+  const std::string_view rest = p_words.RestOfLine();
+  constexpr std::string_view TextureFile = "TextureFile ";
+  if (rest.substr(0, TextureFile.size()) == TextureFile)
+    p_header.textureFile = rest.substr(TextureFile.size());
 }
 
 /// Moves behind the line end of the last line of the header: what is read as one elsewhere may be data.
@@ -81,27 +89,30 @@ PlyHeader ReadPlyHeader(std::string_view p_file, const std::string& p_name) {
   PlyHeader header;
   Words words(p_file, p_name);
   words.Take("ply");
+  while (IsComment(words.Peek()))
+    ReadComment(words, header);
   words.Take("format");
   header.encoding = ReadEncoding(words);
-  for (;;) {
-    const std::string_view keyword = words.Next();
-    if (keyword == "end_header")
-      break;
-    if (keyword == "comment" || keyword == "obj_info") {
-      const std::string_view rest = words.RestOfLine();
-      constexpr std::string_view TextureFile = "TextureFile ";
-      if (rest.substr(0, TextureFile.size()) == TextureFile)
-        header.textureFile = rest.substr(TextureFile.size());
-    } else if (keyword == "element") {
+  for (std::string_view keyword; (keyword = words.Peek()) != "end_header";) {
+    if (IsComment(keyword)) {
+      ReadComment(words, header);
+      continue;
+    }
+    words.Next();
+    if (keyword == "element") {
       PlyElement& element = header.elements.emplace_back();
       element.name = words.Next();
       element.count = ReadCount(words);
     } else if (keyword == "property" && !header.elements.empty()) {
       header.elements.back().properties.push_back(ReadProperty(words));
+    } else if (header.elements.empty() && keyword != "property" && !keyword.empty()) {
+      words.RestOfLine(); // a comment of old versions of Blender, which left the word out
+      ++header.skippedLines;
     } else {
       words.Fail("element, property, comment, obj_info or end_header");
     }
   }
+  words.Next();
   header.size = DataStart(p_file, words.Position());
   return header;
 }

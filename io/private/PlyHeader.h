@@ -33,8 +33,9 @@ struct PlyHeader {
   enum Encoding { Text, LittleEndian, BigEndian };
   Encoding encoding = Text;
   std::vector<PlyElement> elements;
-  std::string textureFile; ///< of a comment "TextureFile NAME"
-  std::size_t size = 0;    ///< in bytes, up to the data
+  std::string textureFile;      ///< of a comment "TextureFile NAME"
+  std::size_t skippedLines = 0; ///< in front of all elements, of unknown keywords
+  std::size_t size = 0;         ///< in bytes, up to the data
 };
 
 /// Whether a file starts as PLY files do.

@@ -1,7 +1,9 @@
 #include "io/FileError.h"
 #include "io/private/Bytes.h"
-#include "io/private/MeshText.h"
+#include "io/private/Input.h"
+#include "io/private/MeshFormats.h"
 #include "io/private/PlyHeader.h"
+#include "io/private/Words.h"
 #include "library/TriangulatePolygon.h"
 
 #include <algorithm>
@@ -146,6 +148,8 @@ public:
       throw FileError(_name, "expected vertices, got none");
     if (_vertexCount > std::numeric_limits<std::uint32_t>::max())
       throw FileError(_name, "expected at most 2^32 - 1 vertices, got " + std::to_string(_vertexCount));
+    if (_header.skippedLines != 0)
+      Warn(std::to_string(_header.skippedLines) + " lines of the header are left out");
     for (const PlyElement& element : _header.elements)
       ReadElement(element);
     if (!_values.IsText() && _values.Left() != 0)
@@ -169,6 +173,9 @@ private:
       Warn("elements \"" + p_element.name.substr(0, 40) + "\" are not read");
     if (p_element.properties.empty())
       return;
+    for (const PlyProperty& property : p_element.properties)
+      if (faces && (RoleOf(property) == Red || property.name == "texcoord"))
+        Warn((property.isList ? "texture coordinates" : "colours") + std::string(" of faces are not read"));
     for (std::uint64_t row = 0; row < p_element.count; ++row) {
       ReportRow(row);
       std::array<std::uint32_t, 2> edge{};

@@ -1,11 +1,11 @@
 #include "io/private/ImageFormats.h"
 
 #include "io/FileError.h"
+#include "io/private/Words.h"
 #include "library/HdrImage.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <exception>
@@ -16,22 +16,6 @@
 namespace Vek::Chart::Io::Private {
 
 namespace {
-
-/// Splits words at blanks.
-std::vector<std::string> Words(std::string_view p_text) {
-  std::istringstream stream{std::string(p_text)};
-  std::vector<std::string> words;
-  for (std::string word; stream >> word;)
-    words.push_back(word);
-  return words;
-}
-
-template <class T>
-bool Parse(std::string_view p_word, T& p_number) {
-  const char* const last = p_word.data() + p_word.size();
-  const auto [end, error] = std::from_chars(p_word.data(), last, p_number);
-  return end == last && error == std::errc() && !p_word.empty();
-}
 
 /// The lines in front of the pixels.
 class Header {
@@ -88,14 +72,14 @@ void Header::ReadValue(std::string_view p_line) {
     return;
   const std::string name(p_line.substr(0, sign));
   const std::string_view value = p_line.substr(sign + 1);
-  const std::vector<std::string> words = Words(value);
+  const std::vector<std::string> words = SplitWords(value);
   values[name] = value;
   if (name == "EXPOSURE") {
-    double factor = 0;
-    if (words.size() != 1 || !Parse(words.front(), factor) || !(factor > 0) || !std::isfinite(factor))
+    const std::optional<double> factor = words.size() == 1 ? Parsed<double>(words.front()) : std::nullopt;
+    if (!factor || !(*factor > 0) || !std::isfinite(*factor))
       throw FileError(_name, _line, "an exposure above 0", value);
-    exposure *= factor;
-    values[name] = std::to_string(exposure);
+    exposure *= *factor;
+    values[name] = NumberText(exposure);
   } else if (name == "FORMAT") {
     xyz = words.size() == 1 && words.front() == "32-bit_rle_xyze";
     if (!xyz && !(words.size() == 1 && words.front() == "32-bit_rle_rgbe"))
@@ -103,23 +87,25 @@ void Header::ReadValue(std::string_view p_line) {
   } else if (name == "PRIMARIES" && words.size() == primaries.size()) {
     std::array<double, 8> numbers{};
     bool valid = true;
-    for (std::size_t i = 0; i < numbers.size(); ++i)
-      valid =
-          valid && Parse(words[i], numbers[i]) && numbers[i] >= 0 && numbers[i] <= 1 && (i % 2 == 0 || numbers[i] > 0);
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+      numbers[i] = Parsed<double>(words[i]).value_or(-1);
+      valid = valid && numbers[i] >= 0 && numbers[i] <= 1 && (i % 2 == 0 || numbers[i] > 0);
+    }
     primaries = valid ? numbers : primaries;
   }
 }
 
 /// "-Y 512 +X 1024": the signs are the directions in which rows and columns follow each other.
 void Header::ReadResolution(std::string_view p_line) {
-  const std::vector<std::string> words = Words(p_line);
+  const std::vector<std::string> words = SplitWords(p_line);
   const auto isAxis = [&](std::size_t p_index, char p_axis) {
     const std::string& word = words[p_index];
     return word.size() == 2 && (word[0] == '+' || word[0] == '-') && word[1] == p_axis;
   };
-  const bool valid = words.size() == 4 && ((isAxis(0, 'Y') && isAxis(2, 'X')) || (isAxis(0, 'X') && isAxis(2, 'Y'))) &&
-                     Parse(words[1], scanlines) && Parse(words[3], length);
-  if (!valid || scanlines == 0 || length == 0)
+  const bool valid = words.size() == 4 && ((isAxis(0, 'Y') && isAxis(2, 'X')) || (isAxis(0, 'X') && isAxis(2, 'Y')));
+  scanlines = valid ? Parsed<std::size_t>(words[1]).value_or(0) : 0;
+  length = valid ? Parsed<std::size_t>(words[3]).value_or(0) : 0;
+  if (scanlines == 0 || length == 0)
     throw FileError(_name, _line, "a resolution such as -Y 512 +X 1024", p_line);
   constexpr std::size_t Most = std::numeric_limits<std::int32_t>::max();
   if (length > Most / scanlines)

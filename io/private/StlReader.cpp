@@ -1,8 +1,11 @@
 #include "io/FileError.h"
 #include "io/private/Bytes.h"
-#include "io/private/MeshText.h"
+#include "io/private/Input.h"
+#include "io/private/MeshFormats.h"
+#include "io/private/Words.h"
 #include "library/TriangulatePolygon.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -124,10 +127,14 @@ void ReadFacet(Words& p_words, MergedVertices& p_vertices, std::vector<std::uint
 Mesh ReadText(std::string_view p_file, const std::string& p_name, const Progress& p_progress) {
   Mesh mesh;
   MergedVertices vertices(mesh.positions);
-  Words words(p_file, p_name);
+  Words words(p_file, p_name, MarkSize(p_file));
   while (!words.AtEnd()) {
     words.Take("solid");
     std::string_view name = words.RestOfLine();
+    if (IsSameWord(words.Peek(), "color")) {
+      words.Next();
+      words.RestOfLine();
+    }
     std::size_t facets = 0;
     while (IsSameWord(words.Peek(), "facet")) {
       if (facets++ % 4096 == 0)
@@ -149,11 +156,13 @@ bool IsBinaryStl(std::string_view p_file) {
 
 bool IsTextStl(std::string_view p_file) {
   const std::string noName;
-  Words words(p_file, noName);
+  Words words(p_file, noName, MarkSize(p_file));
   if (!IsSameWord(words.Next(), "solid"))
     return false;
   words.RestOfLine();
-  return IsSameWord(words.Peek(), "facet") || IsSameWord(words.Peek(), "endsolid");
+  constexpr std::string_view Following[] = {"facet", "endsolid", "color"};
+  return std::any_of(std::begin(Following), std::end(Following),
+                     [&](std::string_view p_word) { return IsSameWord(words.Peek(), p_word); });
 }
 
 Mesh ReadStl(std::string_view p_file, const std::string& p_name, const Progress& p_progress) {

@@ -3,9 +3,9 @@
 #include "io/FileError.h"
 #include "io/private/Bytes.h"
 #include "io/private/ValueRange.h"
+#include "io/private/Words.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -82,18 +82,6 @@ private:
 };
 
 /// Converts a word; false unless all of it is a number of the type. Numbers next to 0 are rounded.
-template <class T>
-bool Parse(std::string_view p_word, T& p_value) {
-  const char* const last = p_word.data() + p_word.size();
-  const auto [end, error] = std::from_chars(p_word.data(), last, p_value);
-  if constexpr (std::is_same_v<T, float>)
-    if (double wide = 0; error == std::errc::result_out_of_range && Parse(p_word, wide)) {
-      p_value = static_cast<float>(wide);
-      return std::isfinite(p_value);
-    }
-  return end == last && error == std::errc();
-}
-
 /// The blocks of values that are written as text.
 template <class T>
 class TextValues {
@@ -137,12 +125,15 @@ private:
     return _word;
   }
   T Number(std::string_view p_word) const {
-    T value{};
     if (p_word.empty())
       throw FileError(_name, _line, "a number", "the end of the file");
-    if (!Parse(p_word.substr(p_word.front() == '+' ? 1 : 0), value))
-      throw FileError(_name, _line, std::is_integral_v<T> ? "an integer of the file's type" : "a number", p_word);
-    return value;
+    const std::string_view digits = p_word.substr(p_word.front() == '+' ? 1 : 0);
+    if (const std::optional<T> value = Parsed<T>(digits))
+      return *value;
+    if constexpr (std::is_same_v<T, float>) // below the range of floats
+      if (const std::optional<double> wide = Parsed<double>(digits); wide && std::abs(*wide) < 1)
+        return static_cast<float>(*wide);
+    throw FileError(_name, _line, std::is_integral_v<T> ? "an integer of the file's type" : "a number", p_word);
   }
 
   PeekSource _source;

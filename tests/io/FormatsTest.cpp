@@ -28,8 +28,8 @@ std::string NetCdf4(const Folder& p_folder) {
 std::string Nrrd(const Folder& p_folder, const std::string& p_encoding) {
   const std::string values = p_folder.Write("a.raw", "abcd");
   const std::string path = p_folder.File("a.nrrd");
-  Output("teem-unu make -t uchar -s 2 2 1 -e raw -i " + values + " 2> /dev/null | teem-unu save -f nrrd -e " + p_encoding + " -o " +
-         path);
+  Output("teem-unu make -t uchar -s 2 2 1 -e raw -i " + values + " 2> /dev/null | teem-unu save -f nrrd -e " +
+         p_encoding + " -o " + path);
   return path;
 }
 

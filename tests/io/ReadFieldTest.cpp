@@ -120,12 +120,26 @@ TEST(ReadVectorField, FollowsTheConventions) {
               "float taux(lat, lon) ; float tauy(lat, lon) ;\n"
               "data: lon = 90, 180, -90, 0 ; taux = 1, 2, 3, 4 ; tauy = 0, 0, 0, 0 ;\n"),
        "lon[degreesE] 90 180 270 360 | lat[] 0 | taux tauy [] | 1 0 2 0 3 0 4 0 | period"},
+      {"longitudes that start again at once, and none beside them",
+       NetCdf("dimensions: X = 3 ; Y = 1 ;\nvariables: float X(X) ; X:units = \"degree_east\" ;\n"
+              "float u(Y, X) ; float v(Y, X) ;\ndata: X = 350, 0, 10 ; u = 1, 2, 3 ; v = 0, 0, 0 ;\n"),
+       "X[degree_east] 350 360 370 | Y[] 0 | u v [] | 1 0 2 0 3 0"},
+      {"longitudes westwards",
+       NetCdf("dimensions: x = 3 ; y = 1 ;\nvariables: float x(x) ; x:units = \"degrees_east\" ;\n"
+              "float u(y, x) ; float v(y, x) ;\ndata: x = 10, 0, 350 ; u = 1, 2, 3 ; v = 0, 0, 0 ;\n"),
+       "x[degrees_east] 10 0 -10 | y[] 0 | u v [] | 1 0 2 0 3 0"},
+      {"dimensions without variables, by their names",
+       NetCdf("dimensions: lon = 2 ; Time = 2 ; lat = 1 ;\nvariables: float u(lon, Time, lat) ;\n"
+              "float v(lon, Time, lat) ;\ndata: u = 1, 2, 3, 4 ; v = 0, 0, 0, 0 ;\n"),
+       "lon[] 0 1 | lat[] 0 | u v [] | 1 0 3 0"},
       {"_Unsigned", Row("byte", "u:_Unsigned = \"true\" ; u:_FillValue = -1b ;", "-2, -1, 1"),
        RowStart + "254 0 ? 0 1 0"},
       {"the default of what was not written", Row("float", "", "1, _, 3"), RowStart + "1 0 ? 0 3 0"},
       {"several missing values", Row("int", "u:missing_value = 7, 8 ;", "7, 8, 9"), RowStart + "? 0 ? 0 9 0"},
       {"a valid range, as it is stored", Row("short", "u:valid_range = 1s, 2s ; u:scale_factor = 10. ;", "0, 1, 3"),
        RowStart + "? 0 10 0 ? 0"},
+      {"a valid range of unpacked values, by its type",
+       Row("short", "u:valid_range = 0.f, 50.f ; u:scale_factor = 0.5f ;", "2, 101, 99"), RowStart + "1 0 ? 0 49.5 0"},
       {"valid_min, valid_max", Row("double", "u:valid_min = 1. ; u:valid_max = 2. ;", "0, 1, 3"),
        RowStart + "? 0 1 0 ? 0"},
       {"types of CDF-5", Row("uint64", "", "4294967296, 2, 3"), RowStart + "4.29497e+09 0 2 0 3 0"},
@@ -142,6 +156,29 @@ TEST(ReadVectorField, FollowsTheConventions) {
     std::string summary;
     const std::string error = ErrorOf<FileError>([&, file = bytes] { summary = Vectors(file); });
     EXPECT_EQ(error + summary, expected) << name;
+  }
+}
+
+TEST(ReadVectorField, PrintsTimes) {
+  // Of reference times at steps 0 and 1.5, and of those of an archive that counts from the year 1.
+  const std::array<std::string, 4> rows[] = {
+      {"days since 1970-01-01T00:00:00Z", "0, 1.5", "1970-01-01 00:00", "1970-01-02 12:00"},
+      {"seconds since 2000-2-28 23:59", "0, 86460", "2000-02-28 23:59", "2000-03-01 00:00"},
+      {"Minutes  since 2000-01-01 00:00 UTC", "0, 1.5", "2000-01-01 00:00", "2000-01-01 00:01:30"},
+      {"days since 2000-01-01 00:00:00 -6:30", "0, 1.5", "2000-01-01 06:30", "2000-01-02 18:30"},
+      {"hours since 2000-01-01 12:00:00.0+0100", "0, 1.5", "2000-01-01 11:00", "2000-01-01 12:30"},
+      {"hours since 1-1-1 00:00:0.0", "17067072, 17067816", "1948-01-01 00:00", "1948-02-01 00:00"},
+      {"days since 1582-10-04", "0, 1", "1582-10-04 00:00", "1582-10-15 00:00"},
+      {"days since -4712-01-01 12:00", "1, 2451545", "-4712-01-02 12:00", "2000-01-01 12:00"},
+      {"weeks since 2000", "0, 1.5", "2000-01-01 00:00", "2000-01-11 12:00"},
+      {"days since 20000101", "0, 1.5", "0 days since 20000101", "1.5 days since 20000101"},
+      {"months since 2000-01-01", "0, 1.5", "0 months since 2000-01-01", "1.5 months since 2000-01-01"},
+  };
+  for (const auto& [unit, steps, first, second] : rows) {
+    const std::string text = "dimensions: t = 2 ; y = 1 ; x = 1 ;\nvariables: double t(t) ; t:units = \"" + unit +
+                             "\" ;\nfloat u(t, y, x) ; float v(t, y, x) ; data: t = " + steps + " ;\n";
+    std::istringstream stream(NetCdf(text));
+    EXPECT_EQ(ReadVectorField(stream, "f").times, (std::vector<std::string>{first, second})) << unit;
   }
 }
 
@@ -170,6 +207,9 @@ TEST(ReadHeights, ReadsEachFormat) {
              "data: z = 0, 5 ; b = 9, 9, 9, 9 ; t = 1, 2, 3, 4, 5, 6, 7, 8 ;\n");
   EXPECT_EQ(Heights(layers), "x[] 0 1 | y[] 0 1 | b[] | 9 9 9 9 | ");
   EXPECT_EQ(Heights(layers, {{"t"}, 0, 1}), "x[] 0 1 | y[] 0 1 | temperature[K] | 5 6 7 8 | 0 -5");
+  EXPECT_EQ(Heights(NetCdf("dimensions: y = 1 ; x = 2 ;\nvariables: float t(y, x) ; t:units = \"degrees C\" ;\n"
+                           "data: t = 1, 2 ;\n")),
+            "x[] 0 1 | y[] 0 | t[degrees C] | 1 2 | ");
   EXPECT_EQ(Heights("3 2 10 1 20 -2\n1 nan 3\n4 5 6\n"), "[] 10 11 12 | [] 20 18 | [] | 1 ? 3 4 5 6 | ");
   EXPECT_EQ(Heights("lon lat depth(m)\n1 1 4\n0 1 3\n0 0 1\n"), "lon[] 0 1 | lat[] 0 1 | depth[m] | 1 ? 3 4 | ");
 }
@@ -216,7 +256,7 @@ TEST(ReadVectorField, NamesFileAndReason) {
       {wind, "f: expected components on one grid, got \"u\" and \"lat\" with different dimensions", {{"u", "lat"}}},
       {NetCdf("dimensions: x = 2 ; y = 2 ;\nvariables: float l(y, x) ; float u(y, x) ; u:coordinates = \"l m\" ;\n"
               "float v(y, x) ;\n"),
-       "f: expected a rectilinear grid, got a curvilinear one: the positions of \"u\" are in \"l\" of two dimensions",
+       "f: expected a rectilinear grid, got a curvilinear one: the positions of \"u\" are in \"l\" of 2 dimensions",
        {}},
       {wind.substr(0, 100), "f: byte 96: expected ", {}},
       {wind.substr(0, wind.size() - 40), "f: variable \"time\": byte 620: expected 1 values,", {}},
@@ -276,9 +316,13 @@ TEST(ReadVectorField, SurvivesDamage) {
 }
 
 TEST(ReadVectorField, SurvivesDamageOfNetCdf4) {
-  if (HasNetCdf4())
-    CheckDamage<FileError>(NetCdf("dimensions: x = 2 ; y = 1 ;\nvariables: float x(x) ; float h(y, x) ;\n"
-                                  "data: x = 1, 2 ; h = 3, 4 ;\n",
-                                  "netCDF-4"),
-                           [](const std::string& p_bytes) { Heights(p_bytes); });
+  if (!HasNetCdf4())
+    GTEST_SKIP() << "without libnetcdf";
+  EXPECT_EQ(ErrorOf<FileError>(
+                [] { Heights(NetCdf("group: g { dimensions: x = 2 ;\nvariables: float u(x) ; }\n", "netCDF-4")); }),
+            "f: expected variables, got only groups, which are not read");
+  CheckDamage<FileError>(NetCdf("dimensions: x = 2 ; y = 1 ;\nvariables: float x(x) ; float h(y, x) ;\n"
+                                "data: x = 1, 2 ; h = 3, 4 ;\n",
+                                "netCDF-4"),
+                         [](const std::string& p_bytes) { Heights(p_bytes); });
 }

@@ -73,6 +73,8 @@ TEST(ReadImage, RadianceWithWhatItsHeaderWants) {
   EXPECT_EQ(Summary(Hdr("EXPOSURE=2\nno value\nEXPOSURE= 0.25\n", "-Y 1 +X 1", one), "i", exposure),
             "1 x 1 RGB: 2 1 0.5");
   EXPECT_EQ(Summary(Hdr("EXPOSURE=2\n", "-Y 1 +X 1", one)), "1 x 1 RGB: 1 0.5 0.25");
+  EXPECT_EQ(Read(Hdr("EXPOSURE=1e-7\nEXPOSURE=3\n", "-Y 1 +X 1", one)).values.at("EXPOSURE"), "3e-07");
+  EXPECT_EQ(Read("Pf\n1 1\n-1e-7\n1234").values.at("scale"), "1e-07");
   // Equal energy is white. Yellow of X and Y alone, by Radiance's primaries and by others.
   const std::string format = "FORMAT=32-bit_rle_xyze\n";
   EXPECT_EQ(Summary(Hdr(format, "-Y 1 +X 1", Pixel(128, 128, 128)), "i", xyz), "1 x 1 RGB: 1 1 1");
@@ -105,6 +107,9 @@ TEST(ReadImage, ValuesAndErrors) {
   const Case cases[] = {
       {"Pf 2 1\n-1.0\n" + BytesOf<float>({1.5, -2}), "2 x 1 Y: 1.5 -2"},
       {"PF\n1 2\r\n1\n" + BytesOf<float>({1, 2, 3, 4, 5, 6}, true), "1 x 2 RGB: 1 2 3 4 5 6"},
+      {"PF\n# a comment\n1 1\n# 2 2\n-1\n" + BytesOf<float>({1, 2, 3}), "1 x 1 RGB: 1 2 3"},
+      {"Pf\r\n2 1\r\n-1\r\n" + BytesOf<float>({1, 2}), "2 x 1 Y: 1 2"},
+      {"Pf\n1 1\n-1\r" + std::string("\n\0\x80\x3F", 4), "1 x 1 Y: 1"}, // a value that starts with a line feed
       {"PF\n1 x\n-1\n", "i:2: expected a height, got \"x\""},
       {"PF\n1 1\n0\n", "i:3: expected a scale other than 0, got \"0\""},
       {"Pf\n1000000 1000000\n-1\n1234", "i: expected 1 × 1000000000000 values, got a file that holds at most 1"},

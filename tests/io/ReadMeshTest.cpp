@@ -199,6 +199,17 @@ TEST(ReadMesh, ReadsEachFormat) {
       {"PLY big endian", BinarySquare(true), SquareSummary},
       {"PLY with bytes behind", BinarySquare(true) + "ab",
        SquareSummary + " ! mesh: 2 bytes behind the last element are left out"},
+      {"PLY with comments in front of the format, and without the word",
+       TextPly("Created by a program, element face 3\nelement vertex 1\n" + Xyz, "1 2 3")
+           .replace(4, 0, "comment x\nobj_info y\n"),
+       "v 1 2 3 :p 0 ! mesh: 1 lines of the header are left out"},
+      {"PLY with colours of faces",
+       TextPly("element vertex 3\n" + Xyz +
+                   "element face 1\nproperty uchar red\nproperty list uchar int vertex_index\n"
+                   "property list uchar float texcoord\n",
+               "0 0 0 1 0 0 0 1 0 255 3 0 1 2 0"),
+       "v 0 0 0 1 0 0 0 1 0 n 0 0 1 0 0 1 0 0 1 :f 0 1 2 ! mesh: colours of faces are not read"
+       " ! mesh: texture coordinates of faces are not read"},
       {"PLY lists without entries",
        Replaced(TextPly("element vertex 1\n" + Xyz + "element face 2\nproperty list uchar int vertex_index\n", ""),
                 "ascii", "binary_little_endian") +
@@ -225,6 +236,9 @@ TEST(ReadMesh, ReadsEachFormat) {
                "2 7 8 1 2 3 0 1 0 .5 +.25 9"),
        "v 1 2 3 n 0 1 0 t 0.5 0.25 :p 0 ! mesh: elements \"statement\" are not read"},
       {"STL text", TextStl, StlSummary + " first one:f 0 1 2 :f 2 1 3"},
+      {"STL text with a byte order mark and a colour",
+       "\xEF\xBB\xBF" + Replaced(TextStl, "solid first one", "solid first one\ncolor 0.5 0.5 0.5"),
+       StlSummary + " first one:f 0 1 2 :f 2 1 3"},
       {"STL binary", BinaryStl("made by hand"), StlSummary + " :f 0 1 2 2 1 3"},
       {"STL binary, solid", BinaryStl("solid facet normal"), StlSummary + " :f 0 1 2 2 1 3"},
       {"OBJ", "# c\n\n# v\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n", "v 0 0 0 1 0 0 0 1 0 n 0 0 1 0 0 1 0 0 1 :f 0 1 2"},

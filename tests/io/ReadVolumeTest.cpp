@@ -135,6 +135,8 @@ TEST(ReadVolume, OthersAndUnknown) {
       {"hello\nx", "v: expected TextArray, NRRD or NIfTI, got \"hello\""},
       {std::string(128, '\0') + "DICM 12345",
        "v: expected TextArray, NRRD or NIfTI, got a DICOM file; convert it to NIfTI"},
+      {BytesOf<std::int32_t>({348}) + std::string(344, '\0'),
+       "v: expected TextArray, NRRD or NIfTI, got the header of an Analyze file; convert it to NIfTI"},
       {"\x01\x02", "v: expected TextArray, NRRD or NIfTI, got binary data; raw values need their size and type"},
       {"hello", "a.nrrd:1: expected NRRD0001 to NRRD0005, got \"hello\"", "a.nrrd"},
       {"hello", "a.nii: expected the header of a NIfTI file, got 5 bytes of something else", "a.nii"},

@@ -1,20 +1,45 @@
 #pragma once
 
-#include "io/ReadMesh.h"
-#include "io/private/Input.h"
-
+#include <charconv>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <vector>
 
 namespace Vek::Chart::Io::Private {
+
+/// The size of a byte order mark of UTF-8 at the start of a text.
+inline std::size_t MarkSize(std::string_view p_text) {
+  return p_text.substr(0, 3) == "\xEF\xBB\xBF" ? 3 : 0;
+}
 
 inline bool IsBlank(char p_character) {
   return p_character == ' ' || (p_character >= '\t' && p_character <= '\r');
 }
 
+/// Without blanks at both ends.
+std::string_view Trimmed(std::string_view p_text);
+/// The words between blanks.
+std::vector<std::string> SplitWords(std::string_view p_text);
 /// Whether words are equal, whatever their case.
 bool IsSameWord(std::string_view p_a, std::string_view p_b);
+
+/// A whole word as a number that its type can have. None for another word.
+template <class T>
+std::optional<T> Parsed(std::string_view p_word) {
+  T value{};
+  const char* const last = p_word.data() + p_word.size();
+  const auto [end, error] = std::from_chars(p_word.data(), last, value);
+  return end == last && error == std::errc() ? std::optional(value) : std::nullopt;
+}
+/// Likewise, with an optional '+'; infinite or 0 where a double has too little range. None for another
+/// word.
+std::optional<double> ParseNumber(std::string_view p_word);
+
+/// The shortest text that reads back as the same number.
+std::string NumberText(double p_number);
 
 /// The words of a text one by one, and where they are.
 class Words {
@@ -47,22 +72,5 @@ private:
   std::size_t _at;
   std::string_view _last;
 };
-
-/// Gives a mesh without normals those of its triangles.
-void AddNormals(Mesh& p_mesh);
-
-/// Gives each side of an edge vertices of its own where the triangles beside it differ by more than an angle, so that
-/// AddNormals smooths only within the sides. Colours and texture coordinates are repeated.
-void SplitCreases(Mesh& p_mesh, double p_degrees);
-
-/// Readers of whole files in memory; see ReadMesh.
-Mesh ReadPly(std::string_view p_file, const std::string& p_name, const Progress& p_progress);
-Mesh ReadStl(std::string_view p_file, const std::string& p_name, const Progress& p_progress);
-Mesh ReadGltf(std::string_view p_file, const std::string& p_name, const Progress& p_progress);
-/// Whether a file starts as binary glTF or as JSON.
-bool IsGltf(std::string_view p_start);
-/// Whether a file is binary STL by its size, or text STL by its words.
-bool IsBinaryStl(std::string_view p_file);
-bool IsTextStl(std::string_view p_file);
 
 } // namespace Vek::Chart::Io::Private

@@ -1,12 +1,11 @@
-#include "io/private/MeshText.h"
+#include "io/private/Words.h"
 
 #include "io/FileError.h"
-#include "library/ComputeNormals.h"
 
 #include <algorithm>
-#include <charconv>
+#include <iterator>
 #include <limits>
-#include <vector>
+#include <sstream>
 
 namespace Vek::Chart::Io::Private {
 
@@ -18,9 +17,43 @@ char Lower(char p_character) {
 
 } // namespace
 
+std::string_view Trimmed(std::string_view p_text) {
+  constexpr const char* Blanks = " \t\r";
+  const std::size_t first = p_text.find_first_not_of(Blanks);
+  return first == std::string_view::npos ? std::string_view()
+                                         : p_text.substr(first, p_text.find_last_not_of(Blanks) - first + 1);
+}
+
+std::vector<std::string> SplitWords(std::string_view p_text) {
+  std::istringstream stream{std::string(p_text)};
+  return {std::istream_iterator<std::string>(stream), {}};
+}
+
 bool IsSameWord(std::string_view p_a, std::string_view p_b) {
   return std::equal(p_a.begin(), p_a.end(), p_b.begin(), p_b.end(),
                     [](char p_x, char p_y) { return Lower(p_x) == Lower(p_y); });
+}
+
+std::optional<double> ParseNumber(std::string_view p_word) {
+  if (!p_word.empty() && p_word.front() == '+')
+    p_word.remove_prefix(1);
+  double number = 0;
+  const char* const last = p_word.data() + p_word.size();
+  const auto [end, error] = std::from_chars(p_word.data(), last, number);
+  if (p_word.empty() || end != last || error == std::errc::invalid_argument)
+    return {};
+  if (error == std::errc::result_out_of_range) {
+    const bool tiny = p_word.find("e-") != std::string_view::npos || p_word.find("E-") != std::string_view::npos;
+    number = tiny                    ? 0
+             : p_word.front() == '-' ? -std::numeric_limits<double>::infinity()
+                                     : std::numeric_limits<double>::infinity();
+  }
+  return number;
+}
+
+std::string NumberText(double p_number) {
+  char text[64];
+  return std::string(text, std::to_chars(text, text + sizeof text, p_number).ptr);
 }
 
 std::string_view Words::Peek() {
@@ -55,21 +88,10 @@ std::string_view Words::RestOfLine() {
 }
 
 double Words::Number() {
-  std::string_view word = Next();
-  if (!word.empty() && word.front() == '+')
-    word.remove_prefix(1);
-  double number = 0;
-  const char* const last = word.data() + word.size();
-  const auto [end, error] = std::from_chars(word.data(), last, number);
-  if (word.empty() || end != last || error == std::errc::invalid_argument)
+  const std::optional<double> number = ParseNumber(Next());
+  if (!number)
     Fail("a number");
-  if (error == std::errc::result_out_of_range) {
-    const bool tiny = word.find("e-") != std::string_view::npos || word.find("E-") != std::string_view::npos;
-    number = tiny                  ? 0
-             : word.front() == '-' ? -std::numeric_limits<double>::infinity()
-                                   : std::numeric_limits<double>::infinity();
-  }
-  return number;
+  return *number;
 }
 
 void Words::Fail(const std::string& p_expected) const {
@@ -80,23 +102,6 @@ void Words::Fail(const std::string& p_expected) const {
   if (_last.empty())
     throw FileError(_name, line, p_expected, "the end of the file");
   throw FileError(_name, line, p_expected, _last);
-}
-
-void AddNormals(Mesh& p_mesh) {
-  std::vector<Ogl::Vec3<float>> positions(p_mesh.positions.size() / 3);
-  for (std::size_t i = 0; i < positions.size(); ++i)
-    positions[i] = {p_mesh.positions[3 * i], p_mesh.positions[3 * i + 1], p_mesh.positions[3 * i + 2]};
-  std::vector<std::uint32_t> triangles;
-  for (const Mesh::Group& group : p_mesh.groups)
-    if (group.primitive == Mesh::Triangles)
-      triangles.insert(triangles.end(), p_mesh.indices.begin() + std::ptrdiff_t(group.first),
-                       p_mesh.indices.begin() + std::ptrdiff_t(group.first + group.count));
-  if (triangles.empty())
-    return;
-  p_mesh.normals.reserve(3 * positions.size());
-  for (const Ogl::Vec3<float>& normal :
-       Library::ComputeNormals(positions.data(), positions.size(), triangles.data(), triangles.size()))
-    p_mesh.normals.insert(p_mesh.normals.end(), {normal.x, normal.y, normal.z});
 }
 
 } // namespace Vek::Chart::Io::Private
