@@ -341,6 +341,23 @@ Types::Vector3_Base<double> Figure::ToData(const Types::Vector3_Base<double>& p_
   return _state->transform.Inverse(p_scene);
 }
 
+Types::BoundingBox_Base<double> Figure::Limits() const {
+  return _state->Limits();
+}
+
+QString Figure::AxisTitle(int p_axis) const {
+  return _state->AxisName(RequireAxis("AxisTitle", p_axis));
+}
+
+QString Figure::Format(int p_axis, double p_position, double p_step) const {
+  constexpr std::size_t Steps = 10;
+  const Axes::TickMaker maker = _state->TicksOf(RequireAxis("Format", p_axis));
+  const double half = (p_step != 0 && std::isfinite(p_step) ? std::abs(p_step) : 1) * Steps / 2;
+  return (maker ? maker(p_position - half, p_position + half, Steps)
+                : Ticks::Linear(p_position - half, p_position + half, Steps))
+      .Format(p_position);
+}
+
 void Figure::Release(const Utility::Scoped<Rgl>& p_gl) const {
   for (const State::Entry& entry : _state->entries)
     entry.content->Release(p_gl);

@@ -263,6 +263,14 @@ public:
   Types::Vector3_Base<double> ToData(const Types::Vector3_Base<double>& p_scene) const;
   ///@}
 
+  /// The limits of the axes in data units, as of the last drawing or layout; empty before.
+  Types::BoundingBox_Base<double> Limits() const;
+  /// The title of an axis, 0 to 2 for x to z: as set, otherwise "x", "y" and "z", of a map "longitude" and "latitude".
+  QString AxisTitle(int p_axis) const;
+  /// A position along an axis, 0 to 2 for x to z, as a string of its own: "12.5"; in degrees on a map, "30.5° W"; or a
+  /// date. It has as many digits as `p_step` is worth, of which 0 is taken as 1.
+  QString Format(int p_axis, double p_position, double p_step) const;
+
   /// Frees the GL objects of the scope's context.
   void Release(const Utility::Scoped<Rgl>& p_gl) const;
 

@@ -79,6 +79,10 @@ void Plot::ChangeColorRange(double p_low, double p_high) {
   Content().coloring.SetRange(p_low, p_high);
 }
 
+void Plot::FindColorRange() {
+  Content().coloring.FindRange();
+}
+
 void Plot::ChangeColorScale(bool p_logarithmic) {
   Content().coloring.SetLogarithmic(p_logarithmic);
 }

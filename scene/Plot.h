@@ -56,6 +56,7 @@ protected:
   void ChangeColors(const std::string& p_name);
   void ChangeColors(std::vector<QColor> p_colors);
   void ChangeColorRange(double p_low, double p_high);
+  void FindColorRange();
   void ChangeColorScale(bool p_logarithmic);
   void ChangeColorTitle(const QString& p_title);
   void ChangeMissingColor(const QColor& p_color);
@@ -106,6 +107,8 @@ public:
   /// rounded outward; where their span exceeds four times that of the quantiles of 2 % and 98 %, those quantiles, and
   /// the colour bar has pointed ends and the true extremes.
   Derived& ColorRange(double p_low, double p_high) { return ChangeColorRange(p_low, p_high), Self(); }
+  /// Chooses the range by the values again, the default (see ColorRange).
+  Derived& AutoColorRange() { return FindColorRange(), Self(); }
   /// Equal ratios of values take equal parts of the colour map. Values that are not above 0 have the first colour.
   Derived& LogScale(bool p_logarithmic = true) { return ChangeColorScale(p_logarithmic), Self(); }
   /// The title of the colour bar: what the values are, and their unit. Plots with equal title, map and range share a

@@ -57,13 +57,6 @@ QSurfaceFormat NeededFormat() {
   return format;
 }
 
-/// A value with as many digits as a step of it is worth.
-QString WithDigits(double p_value, double p_step) {
-  constexpr int Steps = 10;
-  const double half = std::abs(p_step) * Steps / 2;
-  return Scene::Ticks::Linear(p_value - half, p_value + half, Steps).Format(p_value);
-}
-
 } // namespace
 
 FigureView::FigureView(std::shared_ptr<Scene::Figure> p_figure, QWidget* p_parent)
@@ -75,6 +68,8 @@ FigureView::FigureView(std::shared_ptr<Scene::Figure> p_figure, QWidget* p_paren
   _wheelTimer.setSingleShot(true);
   _wheelTimer.setInterval(MovingTime);
   connect(&_wheelTimer, &QTimer::timeout, this, &FigureView::Rest);
+  _pointTimer.setSingleShot(true);
+  connect(&_pointTimer, &QTimer::timeout, this, [this] { emit Pointed(HitAt(_pointer)); });
 }
 
 FigureView::~FigureView() {
@@ -253,7 +248,7 @@ std::optional<Scene::Figure::Hit> FigureView::HitAt(const QPointF& p_place) {
   return hit;
 }
 
-QString FigureView::ReadOut(const Scene::Figure::Hit& p_hit) const {
+QString FigureView::Describe(const Scene::Figure::Hit& p_hit) const {
   QStringList lines;
   if (!p_hit.label.isEmpty())
     lines << p_hit.label;
@@ -262,9 +257,13 @@ QString FigureView::ReadOut(const Scene::Figure::Hit& p_hit) const {
   const Position scene = _figure->ToScene(p_hit.position);
   const double pixel = 1 / Camera().PixelsPerUnit(scene, Viewport()); // in scene units
   const Position step = _figure->ToData({scene.x + pixel, scene.y + pixel, scene.z + pixel}) - p_hit.position;
-  lines << QStringLiteral("x ") + WithDigits(p_hit.position.x, step.x)
-        << QStringLiteral("y ") + WithDigits(p_hit.position.y, step.y)
-        << QStringLiteral("z ") + WithDigits(p_hit.position.z, step.z);
+  const auto add = [&](int p_axis, double p_position, double p_step) {
+    const QString title = _figure->AxisTitle(p_axis);
+    lines << title + (title.size() > 1 ? ": " : " ") + _figure->Format(p_axis, p_position, p_step);
+  };
+  add(0, p_hit.position.x, step.x);
+  add(1, p_hit.position.y, step.y);
+  add(2, p_hit.position.z, step.z);
   if (p_hit.value) {
     constexpr int Digits = 6; // of single precision
     const QString title = p_hit.valueTitle.isEmpty() ? tr("value") : p_hit.valueTitle;
@@ -275,7 +274,7 @@ QString FigureView::ReadOut(const Scene::Figure::Hit& p_hit) const {
 
 void FigureView::ShowReadOut(const QPointF& p_place, const QPoint& p_global) {
   const std::optional<Scene::Figure::Hit> hit = HitAt(p_place);
-  QToolTip::showText(p_global, hit ? ReadOut(*hit) : QString(), this); // hidden without a string
+  QToolTip::showText(p_global, hit ? Describe(*hit) : QString(), this); // hidden without a string
 }
 
 // Events
@@ -301,7 +300,12 @@ void FigureView::mousePressEvent(QMouseEvent* p_event) {
 void FigureView::mouseMoveEvent(QMouseEvent* p_event) {
   const Qt::MouseButtons buttons = p_event->buttons();
   const QPointF place = PlaceOf(*p_event);
-  if (buttons == Qt::NoButton || (!_isDrag && QLineF(_press, place).length() < ClickDistance))
+  if (buttons == Qt::NoButton) {
+    _pointer = place;
+    _pointTimer.start();
+    return;
+  }
+  if (!_isDrag && QLineF(_press, place).length() < ClickDistance)
     return;
   _isDrag = _isMoving = true;
   const QPointF moved = place - std::exchange(_last, place);
@@ -348,6 +352,13 @@ void FigureView::wheelEvent(QWheelEvent* p_event) {
   const QPointF pixel = p_event->position() * devicePixelRatioF();
   const Scene::Camera::Pixel cursor{pixel.x(), static_cast<double>(viewport.height) - pixel.y(), true};
   Move([&](Scene::OrbitController& p_orbit) { p_orbit.Zoom(notches, cursor, viewport); });
+}
+
+void FigureView::leaveEvent(QEvent* p_event) {
+  QOpenGLWidget::leaveEvent(p_event);
+  _pointTimer.stop();
+  if (hasMouseTracking())
+    emit Pointed({});
 }
 
 bool FigureView::PressKey(int p_key) {

@@ -34,7 +34,8 @@ namespace Vek::Chart::Widgets {
 /// | Shift+drag, middle or right drag | pans |
 /// | wheel | zooms to the cursor |
 /// | click (less than ClickDistance moved) | emits Picked and shows what lies there |
-/// | rest | shows the plot, the element, the position and the value under the cursor as a tool tip |
+/// | move, after `setMouseTracking(true)` | emits Pointed |
+/// | rest | shows what Describe returns for what lies under the cursor as a tool tip |
 /// | double click on data | moves them into the middle |
 /// | R | fits the figure into the widget |
 /// | 1, 3, 7 | views from the front, the right, the top |
@@ -99,6 +100,11 @@ public:
   /// it.
   std::optional<Scene::Figure::Hit> HitAt(const QPointF& p_place);
 
+  /// The label of the plot, the element, the position and the value of a hit, a line each. Positions have the titles of
+  /// their axes and as many digits as a pixel is worth, in degrees on a map; values have six digits and the title of
+  /// their colour bar.
+  QString Describe(const Scene::Figure::Hit& p_hit) const;
+
   /// What is shown, in pixels of the device; null before the widget was shown.
   QImage Image();
   /// Writes that image to a file, in the format that its suffix names (PNG and what Qt supports). Throws
@@ -110,6 +116,9 @@ public:
 signals:
   /// A click: what lies under the cursor; empty beside the data.
   void Picked(const std::optional<Vek::Chart::Scene::Figure::Hit>& p_hit);
+  /// What lies under the cursor, which moved without a button; empty beside the data, and when the cursor leaves. With
+  /// mouse tracking alone. Moves that wait for a drawing are skipped.
+  void Pointed(const std::optional<Vek::Chart::Scene::Figure::Hit>& p_hit);
   /// The camera of the figure was moved by the view.
   void CameraMoved();
 
@@ -124,6 +133,7 @@ protected:
   void mouseReleaseEvent(QMouseEvent* p_event) override;
   void mouseDoubleClickEvent(QMouseEvent* p_event) override;
   void wheelEvent(QWheelEvent* p_event) override;
+  void leaveEvent(QEvent* p_event) override;
   void keyPressEvent(QKeyEvent* p_event) override;
   ///@}
 
@@ -143,7 +153,6 @@ private:
   void AskWhereToSave();
 
   void Rest();
-  QString ReadOut(const Scene::Figure::Hit& p_hit) const;
   void ShowReadOut(const QPointF& p_place, const QPoint& p_global);
 
   std::shared_ptr<Scene::Figure> _figure;
@@ -153,6 +162,8 @@ private:
   int _samples = 0; ///< of the format
   Scene::OrbitController _orbit;
   QTimer _wheelTimer;
+  QTimer _pointTimer;     ///< once for all moves that wait in the queue
+  QPointF _pointer;       ///< the last of them
   bool _isMoving = false; ///< the camera, so that another image follows soon
   QPointF _press, _last;  ///< of the mouse, in logical pixels
   bool _isDrag = false;   ///< the mouse has moved too far for a click

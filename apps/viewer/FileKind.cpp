@@ -1,39 +1,22 @@
-#include "apps/viewer/FileKind.h"
-
-#include "apps/gallery/Files.h"
-#include "apps/gallery/TextTable.h"
-#include "apps/viewer/ModelPicture.h"
-#include "io/Formats.h"
+#include "apps/viewer/Document.h"
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
+#include <cstdint>
+#include <cstring>
+#include <locale>
 #include <sstream>
+#include <string_view>
 
 namespace Vek::Chart::Viewer {
 
+using Kind = Io::Format::Kind;
+using Kinds = std::vector<Kind>;
+
 namespace {
 
-struct Kind {
-  FileKind kind;
-  const char* caption;
-  const char* picture;                 ///< the gallery's picture that shows such a file, and
-  std::string Gallery::Inputs::*input; ///< takes it as this input
-  const char* extensions;
-};
-
-constexpr Kind Kinds[] = {
-    {FileKind::Model, "An OBJ model", nullptr, nullptr, "*.obj"},
-    {FileKind::Mesh, "A mesh", nullptr, nullptr, "*.ply *.stl *.gltf *.glb"},
-    {FileKind::Picture, "A panorama with a high dynamic range", "hdr", &Gallery::Inputs::hdr, "*.hdr *.pic *.rgbe"},
-    {FileKind::Volume, "A volume, cut by three planes", "volume", &Gallery::Inputs::volume, "*.txt *.vol"},
-    {FileKind::Wind, "Wind above the relief", "wind", &Gallery::Inputs::winds, "*.csv *.nc *.nc4 *.cdf"},
-    {FileKind::Quakes, "Earthquakes below the surface", "earthquakes", &Gallery::Inputs::quakes, "*.csv"},
-    {FileKind::Flow, "A flow in space", "flow", &Gallery::Inputs::flow, "*.csv *.txt"},
-};
-
-bool StartsWith(const std::string& p_text, const std::string& p_start) {
-  return p_text.compare(0, p_start.size(), p_start) == 0;
+bool StartsWith(std::string_view p_text, std::string_view p_start, std::size_t p_offset = 0) {
+  return p_text.size() >= p_offset && p_text.substr(p_offset, p_start.size()) == p_start;
 }
 
 std::string Lower(std::string p_text) {
@@ -42,113 +25,143 @@ std::string Lower(std::string p_text) {
   return p_text;
 }
 
-/// The kind of a table of comma-separated values that has these columns.
-FileKind KindOfTable(const std::string& p_header) {
-  std::istringstream text(p_header + '\n');
-  try {
-    const Gallery::TextTable table(text, {});
-    const auto has = [&](std::initializer_list<const char*> p_titles) {
-      return std::all_of(p_titles.begin(), p_titles.end(),
-                         [&](const char* p_title) { return table.HasColumn(p_title); });
-    };
-    if (has({"depth_km"}) || has({"mag"}))
-      return FileKind::Quakes;
-    if (has({"u", "v"}) || has({"dir", "speed"}))
-      return FileKind::Wind;
-  } catch (const Gallery::InputError&) { // no header
-  }
-  return FileKind::Unknown;
+/// Formats that begin with certain bytes.
+struct Magic {
+  std::string_view bytes;
+  Kinds kinds;
+  std::size_t offset = 0;
+};
+
+const std::vector<Magic>& Magics() {
+  const Kinds grids{Kind::Vectors, Kind::Volumes, Kind::Heights};
+  static const std::vector<Magic> Magics{
+      {"#?", {Kind::Images}},
+      {"PF\n", {Kind::Images}},
+      {"Pf\n", {Kind::Images}},
+      {"\x76\x2f\x31\x01", {Kind::Images}},
+      {"TextArray", {Kind::Volumes}},
+      {"NRRD0", {Kind::Volumes}},
+      {"\x1f\x8b", {Kind::Volumes}},
+      {std::string_view("n+1\0", 4), {Kind::Volumes}, 344},
+      {std::string_view("ni1\0", 4), {Kind::Volumes}, 344},
+      {std::string_view("n+2\0", 4), {Kind::Volumes}, 4},
+      {std::string_view("ni2\0", 4), {Kind::Volumes}, 4},
+      {"CDF", grids},
+      {"\x89HDF", grids},
+      {"ply\n", {Kind::Meshes}},
+      {"ply\r", {Kind::Meshes}},
+      {"glTF", {Kind::Meshes}},
+      {"# dims", {Kind::Vectors}},
+  };
+  return Magics;
 }
 
-/// Whether some line is a statement that every OBJ file has.
-bool LooksLikeModel(const std::string& p_begin) {
-  std::istringstream text(p_begin);
-  for (std::string line; std::getline(text, line);)
-    if (StartsWith(line, "v ") || StartsWith(line, "f ") || StartsWith(line, "vn "))
-      return true;
-  return false;
+/// A header of 80 bytes, a number of triangles, and 50 bytes for each of them.
+bool IsBinaryStl(const std::string& p_begin, std::uintmax_t p_size) {
+  constexpr std::size_t Header = 80, Triangle = 50;
+  std::uint32_t count = 0;
+  if (p_begin.size() < Header + sizeof count)
+    return false;
+  std::memcpy(&count, p_begin.data() + Header, sizeof count); // on machines with little-endian integers
+  return count > 0 && p_size == Header + sizeof count + std::uintmax_t{Triangle} * count;
 }
 
-FileKind KindOfName(const std::string& p_name) {
-  const std::string extension = Lower(std::filesystem::path(p_name).extension().string());
-  for (const Kind& kind : Kinds) {
-    std::istringstream patterns(kind.extensions);
-    for (std::string pattern; patterns >> pattern;)
-      if (!extension.empty() && pattern == "*" + extension && pattern != "*.txt")
-        return kind.kind;
+/// The first line that is no comment, which ends in LF or CR.
+std::string FirstLine(const std::string& p_begin) {
+  for (std::size_t at = 0; at < p_begin.size();) {
+    const std::size_t end = std::min(p_begin.find_first_of("\r\n", at), p_begin.size());
+    const std::string line = p_begin.substr(at, end - at);
+    const std::size_t first = line.find_first_not_of(" \t");
+    if (first != std::string::npos && line[first] != '#')
+      return line.substr(first);
+    at = end + 1;
   }
-  return FileKind::Unknown;
+  return {};
+}
+
+/// Whether a line is a statement that OBJ files have.
+bool LooksLikeObj(const std::string& p_line) {
+  static const std::vector<std::string> Statements{"v", "vn", "vt", "f", "o", "g", "s", "l", "mtllib", "usemtl", "p"};
+  std::istringstream words(p_line);
+  std::string word;
+  words >> word;
+  return std::find(Statements.begin(), Statements.end(), word) != Statements.end();
+}
+
+/// "nx ny x0 dx y0 dy".
+bool LooksLikeHeights(const std::string& p_line) {
+  std::istringstream line(p_line);
+  line.imbue(std::locale::classic());
+  int columns = 0, rows = 0;
+  double number = 0;
+  std::string rest;
+  return line >> columns >> rows >> number >> number >> number >> number && !(line >> rest) && columns > 0 && rows > 0;
+}
+
+/// Words of the first line of a table, without units.
+std::vector<std::string> ColumnsOf(std::string p_line) {
+  for (char& letter : p_line)
+    letter = letter == ',' || letter == ';' || letter == '\t' || letter == '"' ? ' ' : letter;
+  std::istringstream words(Lower(p_line));
+  std::vector<std::string> columns;
+  for (std::string word; words >> word;)
+    columns.push_back(word);
+  return columns;
+}
+
+bool HasVectors(const std::vector<std::string>& p_columns) {
+  const auto has = [&](const char* p_name) {
+    return std::find(p_columns.begin(), p_columns.end(), p_name) != p_columns.end();
+  };
+  return (has("u") && has("v")) || (has("dir") && has("speed"));
+}
+
+/// By the longest suffix of the formats that the name ends with.
+Kinds KindsOfName(const std::string& p_path) {
+  const std::string path = Lower(p_path);
+  Kinds kinds;
+  std::size_t longest = 0;
+  for (const Io::Format& format : Io::Formats()) {
+    std::istringstream suffixes{std::string(format.suffixes)};
+    for (std::string suffix; suffixes >> suffix;) {
+      const std::string ending = "." + suffix;
+      if (path.size() <= ending.size() || path.compare(path.size() - ending.size(), ending.size(), ending) != 0 ||
+          ending.size() < longest)
+        continue;
+      if (ending.size() > longest)
+        kinds.clear();
+      longest = ending.size();
+      if (std::find(kinds.begin(), kinds.end(), format.kind) == kinds.end())
+        kinds.push_back(format.kind);
+    }
+  }
+  return kinds;
+}
+
+bool IsText(const std::string& p_begin) {
+  return !p_begin.empty() && p_begin.find('\0') == std::string::npos;
 }
 
 } // namespace
 
-FileKind KindOf(const std::string& p_name, const std::string& p_begin) {
-  const std::size_t first = p_begin.find_first_not_of(" \t\r\n");
-  const std::string begin = first == std::string::npos ? std::string() : p_begin.substr(first);
-  if (StartsWith(begin, "#?"))
-    return FileKind::Picture;
-  if (StartsWith(begin, "TextArray"))
-    return FileKind::Volume;
-  if (StartsWith(begin, "CDF") || StartsWith(begin, "\x89HDF"))
-    return FileKind::Wind;
-  if (StartsWith(begin, "ply\n") || StartsWith(begin, "ply\r") || StartsWith(begin, "solid ") ||
-      StartsWith(begin, "glTF") || StartsWith(begin, "{"))
-    return FileKind::Mesh;
-  if (StartsWith(begin, "# dims"))
-    return FileKind::Flow;
-  const FileKind table = KindOfTable(begin.substr(0, begin.find('\n')));
-  if (table != FileKind::Unknown)
-    return table;
-  return LooksLikeModel(begin) ? FileKind::Model : KindOfName(p_name);
-}
-
-ShownPicture FilePicture(const std::string& p_path, const Gallery::Inputs& p_inputs, Gallery::Loading& p_loading) {
-  std::string begin(4096, '\0');
-  {
-    const auto stream = p_loading.Open(p_path);
-    stream->read(begin.data(), static_cast<std::streamsize>(begin.size()));
-    begin.resize(static_cast<std::size_t>(stream->gcount()));
-  }
-  const std::string name = Gallery::FileName(p_path);
-  const FileKind found = KindOf(name, begin);
-  const auto kind =
-      std::find_if(std::begin(Kinds), std::end(Kinds), [&](const Kind& p_kind) { return p_kind.kind == found; });
-  if (kind == std::end(Kinds))
-    throw Gallery::InputError(p_path +
-                              ": expected an OBJ model, a Radiance picture, a TextArray volume, a table of winds "
-                              "or earthquakes, or a flow on a grid, a mesh (PLY, STL, glTF) or NetCDF, got something "
-                              "else");
-  const std::string caption = std::string(kind->caption) + ": " + p_path;
-  if (kind->kind == FileKind::Mesh)
-    return {name, caption, false, [p_path](Gallery::Loading& p_to) { return LoadMeshPicture(p_path, p_to); }};
-  if (kind->picture == nullptr)
-    return {name, caption, false, [p_path](Gallery::Loading& p_to) { return LoadModelPicture(p_path, p_to); }};
-  Gallery::Inputs inputs = p_inputs;
-  inputs.*(kind->input) = p_path;
-  const auto& pictures = Gallery::Pictures();
-  const auto entry = std::find_if(pictures.begin(), pictures.end(),
-                                  [&](const Gallery::PictureEntry& p_entry) { return p_entry.name == kind->picture; });
-  if (entry == pictures.end())
-    throw std::logic_error(std::string("There is no scene ") + kind->picture);
-  ShownPicture picture = GalleryPicture(*entry, inputs);
-  picture.name = name;
-  picture.caption = caption;
-  return picture;
-}
-
-QStringList FileFilters() {
-  QStringList all;
-  QStringList filters;
-  for (const Kind& kind : Kinds) {
-    const QString patterns = kind.kind == FileKind::Mesh
-                                 ? QString::fromStdString(Io::FilePatterns(Io::Format::Meshes)).remove("*.obj ")
-                                 : QString(kind.extensions); // of meshes, those that this build reads
-    all += patterns.split(' ');
-    filters << QString("%1 (%2)").arg(kind.caption, patterns);
-  }
-  all.removeDuplicates();
-  filters.push_front(QString("All that can be shown (%1)").arg(all.join(' ')));
-  return filters << "All files (*)";
+std::vector<Kind> KindsOf(const std::string& p_path, const std::string& p_begin, std::uintmax_t p_size) {
+  const std::string begin = p_begin.substr(std::min(p_begin.find_first_not_of(" \t\r\n"), p_begin.size()));
+  for (const Magic& magic : Magics())
+    if (StartsWith(begin, magic.bytes, magic.offset))
+      return magic.kinds;
+  const std::string line = FirstLine(begin);
+  if (IsBinaryStl(p_begin, p_size) || (StartsWith(begin, "solid") && begin.find("facet") != std::string::npos) ||
+      (StartsWith(begin, "{") && KindsOfName(p_path) == Kinds{Kind::Meshes}) || LooksLikeObj(line))
+    return {Kind::Meshes};
+  const Kinds named = KindsOfName(p_path);
+  if (!IsText(p_begin) || StartsWith(begin, "{"))
+    return named;
+  if (LooksLikeHeights(line))
+    return {Kind::Heights};
+  if (HasVectors(ColumnsOf(line)))
+    return {Kind::Vectors, Kind::Tables};
+  const bool isTable = std::find(named.begin(), named.end(), Kind::Tables) != named.end();
+  return isTable ? Kinds{Kind::Tables} : named;
 }
 
 } // namespace Vek::Chart::Viewer

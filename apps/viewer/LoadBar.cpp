@@ -5,7 +5,7 @@
 
 namespace Vek::Chart::Viewer {
 
-LoadBar::LoadBar(PictureLoader& p_loader, QWidget* p_parent)
+LoadBar::LoadBar(Loader& p_loader, QWidget* p_parent)
     : QWidget(p_parent)
     , _bar(new QProgressBar(this)) {
   constexpr int Moment = 150; // ms
@@ -23,20 +23,19 @@ LoadBar::LoadBar(PictureLoader& p_loader, QWidget* p_parent)
   _appear.setSingleShot(true);
   _appear.setInterval(Moment);
   connect(&_appear, &QTimer::timeout, this, &QWidget::show);
-  connect(cancel, &QPushButton::clicked, &p_loader, &PictureLoader::Cancel);
-  connect(&p_loader, &PictureLoader::Started, this, [this] {
+  connect(cancel, &QPushButton::clicked, &p_loader, &Loader::Cancel);
+  connect(&p_loader, &Loader::Started, this, [this] {
     _bar->setValue(0);
     _appear.start();
   });
-  connect(&p_loader, &PictureLoader::Progressed, _bar,
-          [this](double p_part) { _bar->setValue(qRound(p_part * Fineness)); });
+  connect(&p_loader, &Loader::Progressed, _bar, [this](double p_part) { _bar->setValue(qRound(p_part * Fineness)); });
   const auto end = [this] {
     _appear.stop();
     hide();
   };
-  connect(&p_loader, &PictureLoader::Loaded, this, end);
-  connect(&p_loader, &PictureLoader::Failed, this, end);
-  connect(&p_loader, &PictureLoader::Dropped, this, end);
+  connect(&p_loader, &Loader::Loaded, this, end);
+  connect(&p_loader, &Loader::Failed, this, end);
+  connect(&p_loader, &Loader::Dropped, this, end);
 }
 
 } // namespace Vek::Chart::Viewer

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "apps/viewer/PictureLoader.h"
+#include "apps/viewer/Loader.h"
 
 #include <QProgressBar>
 #include <QTimer>
@@ -12,7 +12,7 @@ namespace Vek::Chart::Viewer {
 class LoadBar : public QWidget {
   Q_OBJECT
 public:
-  explicit LoadBar(PictureLoader& p_loader, QWidget* p_parent = nullptr);
+  explicit LoadBar(Loader& p_loader, QWidget* p_parent = nullptr);
 
 private:
   QProgressBar* _bar;

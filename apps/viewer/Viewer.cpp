@@ -1,10 +1,9 @@
-// vek-viewer: shows the pictures of the gallery, and files of the user's, in a window.
+// vek-viewer: shows files of the user's, and figures of the gallery, in a window.
 
 #include "apps/gallery/CommandLine.h"
 #include "apps/gallery/DataFolder.h"
 #include "apps/gallery/FormatHelp.h"
 #include "apps/gallery/Options.h"
-#include "apps/gallery/TextTable.h"
 #include "apps/viewer/DarkTheme.h"
 #include "apps/viewer/ViewerWindow.h"
 
@@ -22,43 +21,44 @@ constexpr int ExitInput = 1;
 constexpr int ExitUsage = 2;
 
 constexpr const char* Help =
-    "Usage: vek-viewer [--scene NAME] [--data FOLDER] [--time STEP] [file]\n"
-    "Shows the scenes of the gallery in a window, or a file of your own: a mesh, a Radiance image, a volume, winds in\n"
-    "NetCDF or a table, earthquakes, or a flow on a grid.\n\n"
-    "  --scene NAME    the first scene\n"
+    "Usage: vek-viewer [--scene NAME] [--data FOLDER] [--time STEP] [file...]\n"
+    "Shows files in a window: meshes, volumes, winds and flows, heights, tables, images with a high dynamic range; or "
+    "an\n"
+    "example.\n\n"
+    "  --scene NAME    an example: a figure of the gallery\n"
     "  --data FOLDER   the folder with data/, symbols/ and sprites/ (found from the program's own place)\n"
     "  --time STEP     the step of time in a NetCDF file, from 0\n"
     "  --help          this text\n\n"
-    "Drag to rotate. Middle-drag or Shift+drag to pan. Right-drag or scroll to zoom. R or Home resets the view.\n";
+    "Drag to rotate. Middle-drag, right-drag or Shift+drag to pan. Scroll to zoom. R or Home fits the view. F1 lists "
+    "all\n"
+    "keys.\n";
 
 struct Arguments {
   bool help = false;
-  std::string picture;
+  std::string scene;
   std::string data;
   std::string time;
-  std::string file;
+  std::vector<std::string> files;
 };
 
 Arguments Parse(const std::vector<std::string>& p_arguments) {
   const Gallery::CommandLine line(p_arguments, {{"scene", ""}, {"data", ""}, {"time", ""}}, "argument");
-  const std::vector<std::string> files = line.Files();
-  if (files.size() > 1)
-    throw Gallery::UsageError("unknown argument '" + files[1] + "'; --help lists what there is");
-  return {line.Help(), line.Value("scene"), line.Value("data"), line.Value("time"), files.empty() ? "" : files.front()};
+  return {line.Help(), line.Value("scene"), line.Value("data"), line.Value("time"), line.Files()};
 }
 
-/// The number of a picture in the gallery.
-int RowOf(const std::string& p_picture) {
-  int row = 0;
+/// Throws UsageError for an example that does not exist or is no figure.
+void RequireScene(const std::string& p_name) {
   std::string names;
   for (const Gallery::PictureEntry& entry : Gallery::Pictures()) {
-    if (!entry.load)
-      continue;
-    if (p_picture.empty() || entry.name == p_picture)
-      return row;
-    names += (row++ == 0 ? "" : ", ") + entry.name;
+    if (entry.name == p_name && entry.figure != nullptr)
+      return;
+    if (entry.name == p_name)
+      throw Gallery::UsageError("the scene '" + p_name + "' is an image, not a figure; vek-gallery --only " + p_name +
+                                " draws it");
+    if (entry.figure != nullptr)
+      names += (names.empty() ? "" : ", ") + entry.name;
   }
-  throw Gallery::UsageError("there is no scene '" + p_picture + "'; there are: " + names);
+  throw Gallery::UsageError("there is no scene '" + p_name + "'; there are: " + names);
 }
 
 /// Instead of the core dump that Qt makes when it finds no display.
@@ -78,14 +78,14 @@ int Run(int p_argc, char** p_argv) {
     std::fputs((Help + Gallery::FormatHelp()).c_str(), stdout);
     return 0;
   }
-  const int row = RowOf(arguments.picture);
+  if (!arguments.scene.empty())
+    RequireScene(arguments.scene);
   Gallery::Inputs inputs;
   Gallery::FillFromFolder(inputs, Gallery::DataFolder(arguments.data, Gallery::ThisProgram()));
 
   if (!arguments.time.empty())
     inputs.time = Gallery::ParseTime(arguments.time);
 
-  QSurfaceFormat::setDefaultFormat(Viewer::PictureView::Format());
   const QtMessageHandler usual = qInstallMessageHandler(TellNoDisplay);
   int argc = 1; // the rest is not Qt's
   QApplication application(argc, p_argv);
@@ -93,10 +93,10 @@ int Run(int p_argc, char** p_argv) {
   Viewer::ApplyDarkTheme(application);
   Viewer::ViewerWindow window(inputs);
   window.show();
-  if (arguments.file.empty())
-    window.ShowRow(row);
-  else
-    window.OpenFile(QString::fromStdString(arguments.file));
+  if (!arguments.scene.empty())
+    window.OpenExample(QString::fromStdString(arguments.scene));
+  for (const std::string& file : arguments.files)
+    window.OpenFile(QString::fromStdString(file), inputs.time);
   return QApplication::exec();
 }
 

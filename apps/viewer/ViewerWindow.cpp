@@ -1,189 +1,222 @@
 #include "apps/viewer/ViewerWindow.h"
 
-#include "apps/viewer/FileKind.h"
 #include "apps/viewer/LoadBar.h"
+#include "apps/viewer/Welcome.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QDragEnterEvent>
-#include <QFileDialog>
 #include <QFileInfo>
-#include <QMenuBar>
 #include <QMimeData>
-#include <QStatusBar>
-#include <QToolButton>
+#include <QUrl>
 
+#include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace Vek::Chart::Viewer {
 
-ViewerWindow::ViewerWindow(const Gallery::Inputs& p_inputs, const Utility::Unscoped<Rgl>& p_gl)
+ViewerWindow::ViewerWindow(const Gallery::Inputs& p_inputs)
     : _inputs(p_inputs)
-    , _loader(new PictureLoader(this))
-    , _view(new PictureView(p_gl, this))
-    , _list(new PictureList(this))
+    , _loader(new Viewer::Loader(this))
+    , _stack(new QStackedWidget(this))
+    , _view(new Widgets::FigureView({}, _stack))
+    , _list(new QListWidget(this))
     , _reports(new ReportPanel(this))
-    , _choosers(new Choosers(this))
+    , _settings(new SettingsPanel(this))
     , _point(new QLabel(this)) {
-  for (const Gallery::PictureEntry& entry : Gallery::Pictures())
-    if (entry.load)
-      _list->Add(GalleryPicture(entry, _inputs));
+  _stack->addWidget(new Welcome(_stack));
+  _stack->addWidget(_view);
+  setCentralWidget(_stack);
+  _view->setMouseTracking(true);
 
-  setCentralWidget(_view);
-  auto* const pictures = new QDockWidget("Scenes", this);
-  pictures->setObjectName("scenes");
-  pictures->setWidget(_list);
-  pictures->setFeatures(QDockWidget::NoDockWidgetFeatures);
-  addDockWidget(Qt::LeftDockWidgetArea, pictures);
+  auto* const files = new QDockWidget("Files", this);
+  files->setObjectName("files");
+  files->setWidget(_list);
+  files->setFeatures(QDockWidget::NoDockWidgetFeatures);
+  addDockWidget(Qt::LeftDockWidgetArea, files);
+  addDockWidget(Qt::RightDockWidgetArea, _settings);
   addDockWidget(Qt::BottomDockWidgetArea, _reports);
   setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
-  resizeDocks({pictures}, {300}, Qt::Horizontal);
-  resizeDocks({_reports}, {100}, Qt::Vertical);
+  setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+  resizeDocks({files, _settings}, {190, 290}, Qt::Horizontal);
+  resizeDocks({_reports}, {120}, Qt::Vertical);
   setAcceptDrops(true);
   resize(1400, 900);
 
-  AddActions();
+  AddMenus();
   AddStatusBar();
   Connect();
   setWindowTitle("Vek viewer");
 }
 
-ViewerWindow::~ViewerWindow() = default;
+ViewerWindow::~ViewerWindow() {
+  _view->SetFigure({});
+}
 
 void ViewerWindow::Connect() {
-  connect(_list, &PictureList::Chosen, this, &ViewerWindow::ShowRow);
-  connect(_loader, &PictureLoader::Loaded, this,
-          [this] { _view->Show(std::move(_arrival->picture), _arrival->shown); });
-  connect(_loader, &PictureLoader::Failed, this, [this](const QString& p_reason) {
-    Fail(p_reason.contains(_loading) ? p_reason : _loading + ": " + p_reason);
+  connect(_list, &QListWidget::currentRowChanged, this, &ViewerWindow::ShowRow);
+  connect(_loader, &Loader::Loaded, this, [this] {
+    Take(std::exchange(_loading, {}));
+    StartNext();
   });
-  connect(_loader, &PictureLoader::Dropped, this, [this] { _list->Mark(_shownRow); });
-  connect(_view, &PictureView::Shown, this, &ViewerWindow::TellShown);
-  connect(_view, &PictureView::Rejected, this, &ViewerWindow::Fail);
-  connect(_view, &PictureView::Pointed, this, &ViewerWindow::TellPoint);
-  connect(_choosers, &Choosers::ColorsChosen, _view, &PictureView::SetColors);
-  connect(_choosers, &Choosers::ShapeChosen, _view, &PictureView::SetShape);
+  connect(_loader, &Loader::Failed, this, [this](const QString& p_reason) {
+    const QString path = std::exchange(_loading, {})->entry.path;
+    _reports->AddFailure(p_reason.contains(path) ? p_reason : path + ": " + p_reason);
+    StartNext();
+  });
+  connect(_loader, &Loader::Dropped, this, [this] {
+    _loading.reset();
+    _waiting.clear();
+    _settings->Refresh(); // the step that is shown
+  });
+  connect(_view, &Widgets::FigureView::Pointed, this, &ViewerWindow::ShowPoint);
+  connect(_settings, &SettingsPanel::Changed, this, [this](const QString& p_group, const QString& p_name) {
+    const Setting* const setting = Chart()->Find(p_group, p_name);
+    if (setting->reading != Setting::Reading::None)
+      Reread(*setting);
+    else
+      _view->update();
+  });
+  connect(_settings, &SettingsPanel::Refused, this, [this](const QString& p_reason) {
+    _reports->SetFile(_shown >= 0 ? _entries[static_cast<std::size_t>(_shown)].path : QString());
+    _reports->AddFailure(p_reason);
+  });
 }
 
-void ViewerWindow::AddActions() {
-  const auto add = [this](QMenu* p_menu, const QString& p_text, const QList<QKeySequence>& p_keys,
-                          const std::function<void()>& p_do) {
-    QAction* const action = p_menu->addAction(p_text);
-    action->setShortcuts(p_keys);
-    connect(action, &QAction::triggered, this, p_do);
-    return action;
-  };
-  QMenu* const file = menuBar()->addMenu("&File");
-  QAction* const open = add(file, "&Open…", {QKeySequence::Open}, [this] { AskForFile(); });
-  QAction* const save = add(file, "&Save picture…", {QKeySequence::Save}, [this] { AskWhereToSave(); });
-  file->addSeparator();
-  add(file, "&Quit", {QKeySequence("Ctrl+Q")}, [this] { close(); });
-  QMenu* const show = menuBar()->addMenu("&View");
-  QAction* const reset =
-      add(show, "&Reset view", {QKeySequence("R"), QKeySequence("Home")}, [this] { _view->ResetCamera(); });
-  add(show, "&Cancel loading", {QKeySequence("Esc")}, [this] { _loader->Cancel(); });
-  show->addSeparator();
-  QAction* const reports = _reports->toggleViewAction();
-  reports->setText("R&eports");
-  show->addAction(reports);
-
-  _choosers->setMovable(false);
-  _choosers->setContextMenuPolicy(Qt::PreventContextMenu);
-  auto* const spacer = new QWidget(_choosers);
-  spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-  _choosers->addWidget(spacer);
-  _choosers->addActions({open, save, reset});
-  addToolBar(_choosers);
+Chart* ViewerWindow::Chart() {
+  return _shown < 0 ? nullptr : _entries[static_cast<std::size_t>(_shown)].chart.get();
 }
 
-void ViewerWindow::AddStatusBar() {
-  _point->setObjectName("point");
-  statusBar()->addWidget(_point, 1);
-  statusBar()->addPermanentWidget(new LoadBar(*_loader, this));
-  auto* const count = new QToolButton(this);
-  count->setAutoRaise(true);
-  count->setDefaultAction(_reports->toggleViewAction());
-  const auto tell = [this](std::size_t p_count) {
-    _reports->toggleViewAction()->setText(QString("Reports: %1").arg(p_count));
-    if (p_count > 0)
-      _reports->show();
-  };
-  connect(_reports, &ReportPanel::CountChanged, this, tell);
-  tell(_reports->Count());
-  _reports->hide(); // until there is something to read
-  statusBar()->addPermanentWidget(count);
+// Loading
+
+void ViewerWindow::OpenFile(const QString& p_path, std::size_t p_time) {
+  const QString path = QFileInfo(p_path).absoluteFilePath();
+  Part part;
+  part.time = p_time;
+  Load(path, part, [](Arrival& p_arrival, const Io::Progress& p_progress) {
+    const auto document =
+        std::make_shared<Document>(ReadDocument(p_arrival.entry.path.toStdString(), p_arrival.entry.part, p_progress));
+    if (const auto* const mesh = std::get_if<Io::Mesh>(&document->data))
+      p_arrival.warnings = mesh->warnings;
+    p_arrival.entry.chart = MakeChart(document);
+  });
 }
+
+QStringList ViewerWindow::ExampleNames() {
+  QStringList names;
+  for (const Gallery::PictureEntry& entry : Gallery::Pictures())
+    if (entry.figure != nullptr)
+      names << QString::fromStdString(entry.name);
+  return names;
+}
+
+void ViewerWindow::OpenExample(const QString& p_name) {
+  for (const Gallery::PictureEntry& entry : Gallery::Pictures())
+    if (entry.figure != nullptr && entry.name == p_name.toStdString())
+      Load(':' + p_name, {}, [make = entry.figure, inputs = _inputs](Arrival& p_arrival, const Io::Progress&) {
+        p_arrival.entry.chart = std::make_shared<Viewer::Chart>(make(inputs));
+      });
+}
+
+void ViewerWindow::Load(const QString& p_path, const Part& p_part, Make p_make) {
+  const auto arrival = std::make_shared<Arrival>();
+  arrival->entry.path = p_path;
+  arrival->entry.part = p_part;
+  _waiting.push_back({arrival, std::move(p_make)});
+  if (!_loader->IsLoading())
+    StartNext();
+}
+
+void ViewerWindow::StartNext() {
+  if (_waiting.empty())
+    return;
+  const Request request = std::move(_waiting.front());
+  _waiting.pop_front();
+  _loading = request.arrival;
+  _reports->SetFile(request.arrival->entry.path);
+  _loader->Start([request](const Io::Progress& p_progress) { request.make(*request.arrival, p_progress); });
+}
+
+void ViewerWindow::Reread(const Setting& p_setting) {
+  Entry& entry = _entries[static_cast<std::size_t>(_shown)];
+  Part part = entry.part;
+  (p_setting.reading == Setting::Reading::Time ? part.time : part.level) =
+      static_cast<std::size_t>(std::get<int>(p_setting.value));
+  _waiting.clear(); // of a slider, the last position counts
+  if (_loader->IsLoading())
+    _loader->Cancel();
+  OpenFile(entry.path, part.time);
+  _loading->entry.part = part;
+}
+
+void ViewerWindow::Take(const std::shared_ptr<Arrival>& p_arrival) {
+  Entry& arrived = p_arrival->entry;
+  for (const std::string& warning : p_arrival->warnings)
+    _reports->Add(QString::fromStdString(warning));
+  arrived.chart->AddCut();
+  if (!arrived.path.startsWith(':'))
+    _recent.Add(arrived.path);
+  const auto same = std::find_if(_entries.begin(), _entries.end(),
+                                 [&](const Entry& p_entry) { return p_entry.path == arrived.path; });
+  int row = static_cast<int>(same - _entries.begin());
+  if (same == _entries.end()) {
+    _entries.push_back(arrived);
+    const bool isExample = arrived.path.startsWith(':');
+    auto* const item = new QListWidgetItem(isExample ? arrived.path.mid(1) : QFileInfo(arrived.path).fileName());
+    item->setToolTip(isExample ? "Example" : arrived.path);
+    _list->addItem(item);
+  } else {
+    arrived.chart->Adopt(*same->chart);
+    arrived.chart->figure->camera = same->chart->figure->camera;
+    *same = arrived;
+  }
+  _shown = -1; // its chart may have been replaced
+  if (_list->currentRow() == row)
+    ShowRow(row);
+  else
+    _list->setCurrentRow(row);
+}
+
+// What is shown
 
 void ViewerWindow::ShowRow(int p_row) {
-  const ShownPicture shown = _list->At(p_row);
-  Load(QString::fromStdString(shown.name), [shown](Gallery::Loading&) { return shown; });
-  _list->Mark(p_row);
+  if (p_row == _shown)
+    return;
+  _shown = p_row >= 0 && p_row < static_cast<int>(_entries.size()) ? p_row : -1;
+  _settings->Show(Chart());
+  _view->SetFigure(Chart() != nullptr ? Chart()->figure : nullptr);
+  _stack->setCurrentIndex(Chart() != nullptr ? 1 : 0);
+  _point->clear();
+  if (Chart() != nullptr) {
+    setWindowTitle(_list->item(_shown)->text() + " – Vek viewer");
+    _view->setFocus();
+    emit Shown();
+  } else {
+    setWindowTitle("Vek viewer");
+  }
 }
 
-void ViewerWindow::OpenFile(const QString& p_path) {
-  Load(p_path, [path = p_path.toStdString(), inputs = _inputs](Gallery::Loading& p_loading) {
-    return FilePicture(path, inputs, p_loading);
-  });
+void ViewerWindow::CloseRow(int p_row) {
+  if (p_row < 0 || p_row >= static_cast<int>(_entries.size()))
+    return;
+  ShowRow(-1);
+  _entries.erase(_entries.begin() + p_row);
+  {
+    const QSignalBlocker silent(_list);
+    delete _list->takeItem(p_row);
+  }
+  ShowRow(_list->currentRow());
 }
 
-void ViewerWindow::Load(const QString& p_name, std::function<ShownPicture(Gallery::Loading&)> p_describe) {
-  const auto arrival = std::make_shared<Arrival>();
-  _loader->Start([arrival, describe = std::move(p_describe)](Gallery::Loading& p_loading) {
-    arrival->shown = describe(p_loading);
-    arrival->picture = arrival->shown.load(p_loading);
-  });
-  _arrival = arrival;
-  _loading = p_name;
+void ViewerWindow::ShowPoint(const std::optional<Scene::Figure::Hit>& p_hit) {
+  if (!p_hit || Chart() == nullptr) {
+    _point->clear();
+    return;
+  }
+  QStringList lines = _view->Describe(*p_hit).split('\n') + Chart()->Details(*p_hit);
+  _point->setText("  " + lines.join("    "));
 }
 
-void ViewerWindow::TellShown() {
-  const ShownPicture& shown = _view->About();
-  const int row = _list->Find(shown.caption);
-  _shownRow = row >= 0 ? row : _list->Add(shown);
-  if (!_loader->IsLoading())
-    _list->Mark(_shownRow);
-  _choosers->Offer(_view->Picture());
-  setWindowTitle(QString::fromStdString(shown.name) + " – Vek viewer");
-}
-
-void ViewerWindow::Fail(const QString& p_reason) {
-  _reports->AddFailure(p_reason);
-  _list->Mark(_shownRow);
-  if (_view->Picture() == nullptr)
-    _choosers->Offer(nullptr);
-}
-
-void ViewerWindow::AskForFile() {
-  auto* const dialog = new QFileDialog(this, "Open", QString(), FileFilters().join(";;"));
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setFileMode(QFileDialog::ExistingFile);
-  connect(dialog, &QFileDialog::fileSelected, this, &ViewerWindow::OpenFile);
-  dialog->open();
-}
-
-void ViewerWindow::AskWhereToSave() {
-  auto* const dialog = new QFileDialog(this, "Save picture", "picture.png", "Pictures (*.png)");
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setAcceptMode(QFileDialog::AcceptSave);
-  dialog->setDefaultSuffix("png");
-  if (_shownRow >= 0)
-    dialog->selectFile(QFileInfo(QString::fromStdString(_list->At(_shownRow).name)).completeBaseName() + ".png");
-  connect(dialog, &QFileDialog::fileSelected, this, &ViewerWindow::SavePicture);
-  dialog->open();
-}
-
-void ViewerWindow::SavePicture(const QString& p_path) {
-  if (!_view->Image().save(p_path, "PNG"))
-    _reports->AddFailure(p_path + ": cannot be written");
-}
-
-void ViewerWindow::TellPoint(const std::optional<SurfacePoint>& p_point) {
-  const auto number = [](double p_value) { return QString::number(p_value, 'f', 3); };
-  _point->setText(p_point ? QString("  Depth %1    x %2   y %3   z %4")
-                                .arg(number(p_point->depth), number(p_point->position.x), number(p_point->position.y),
-                                     number(p_point->position.z))
-                          : QString());
-}
+// Drag and drop
 
 void ViewerWindow::dragEnterEvent(QDragEnterEvent* p_event) {
   for (const QUrl& url : p_event->mimeData()->urls())
@@ -192,12 +225,10 @@ void ViewerWindow::dragEnterEvent(QDragEnterEvent* p_event) {
 }
 
 void ViewerWindow::dropEvent(QDropEvent* p_event) {
+  p_event->acceptProposedAction();
   for (const QUrl& url : p_event->mimeData()->urls())
-    if (url.isLocalFile()) {
-      p_event->acceptProposedAction();
+    if (url.isLocalFile())
       OpenFile(url.toLocalFile());
-      return; // one picture at a time
-    }
 }
 
 } // namespace Vek::Chart::Viewer

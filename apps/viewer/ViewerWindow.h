@@ -1,72 +1,113 @@
 #pragma once
 
-#include "apps/viewer/Choosers.h"
-#include "apps/viewer/PictureList.h"
-#include "apps/viewer/PictureLoader.h"
-#include "apps/viewer/PictureView.h"
+#include "apps/viewer/Charts.h"
+#include "apps/viewer/Loader.h"
+#include "apps/viewer/RecentFiles.h"
 #include "apps/viewer/ReportPanel.h"
+#include "apps/viewer/SettingsPanel.h"
+
+#include "apps/gallery/Picture.h"
+#include "widgets/FigureView.h"
 
 #include <QLabel>
+#include <QListWidget>
 #include <QMainWindow>
+#include <QStackedWidget>
 
+#include <deque>
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace Vek::Chart::Viewer {
 
-/// The window of the viewer: a list of what can be shown, the picture, choices, and a panel with reports. What is
-/// chosen or opened is loaded on a thread; until it is there, and when it fails, the picture before stays.
+/// The window of the viewer: a list of open files, the chart of one of them, its settings, and a panel with reports.
+/// Files are read on a thread, one after the other; until one is there, and when it fails, the chart before stays.
 class ViewerWindow : public QMainWindow {
   Q_OBJECT
 public:
-  /// `p_inputs`: the files of the gallery's pictures. `p_gl`: see PictureView.
-  explicit ViewerWindow(const Gallery::Inputs& p_inputs, const Utility::Unscoped<Rgl>& p_gl = Rgl::OnCurrentContext());
+  /// `p_inputs`: the files that the examples read.
+  explicit ViewerWindow(const Gallery::Inputs& p_inputs);
   ~ViewerWindow() override;
 
-  /// Loads a row of the list.
-  void ShowRow(int p_row);
-  /// Loads a file of the user's, of any kind that can be shown; it gets a row of the list when it is there.
-  void OpenFile(const QString& p_path);
-  /// Writes the picture as it is shown. The panel tells when that fails.
-  void SavePicture(const QString& p_path);
+  /// Reads a file of any kind that can be shown; it gets a row of the list when it is there, or takes that of the same
+  /// path. With a step of time, if it has several.
+  void OpenFile(const QString& p_path, std::size_t p_time = 0);
+  /// Makes a figure of the gallery, by its name.
+  void OpenExample(const QString& p_name);
+  /// The names of those figures.
+  static QStringList ExampleNames();
 
-  PictureList& List() { return *_list; }
-  PictureView& View() { return *_view; }
+  /// Shows a row of the list, −1 for none.
+  void ShowRow(int p_row);
+  /// Removes a row of the list.
+  void CloseRow(int p_row);
+  /// Draws the chart with a size of its own and writes it. The panel tells when that fails.
+  void SaveImage(const QString& p_path, Types::Size p_size, bool p_isTransparent = false);
+
+  /// The chart that is shown; null without one.
+  Viewer::Chart* Chart();
+  QListWidget& List() { return *_list; }
+  Widgets::FigureView& View() { return *_view; }
   ReportPanel& Reports() { return *_reports; }
-  PictureLoader& Loader() { return *_loader; }
+  SettingsPanel& Settings() { return *_settings; }
+  Viewer::Loader& Loader() { return *_loader; }
+
+signals:
+  /// A chart has come to be shown.
+  void Shown();
 
 protected:
   void dragEnterEvent(QDragEnterEvent* p_event) override;
   void dropEvent(QDropEvent* p_event) override;
 
 private:
+  /// A row of the list.
+  struct Entry {
+    QString path; ///< of a file, or ":name" of an example
+    Part part;
+    std::shared_ptr<Viewer::Chart> chart;
+  };
   /// What a load brings: filled on its thread, taken when it has ended.
   struct Arrival {
-    ShownPicture shown;
-    std::unique_ptr<Gallery::Picture> picture;
+    Entry entry;
+    std::vector<std::string> warnings;
+  };
+  using Make = std::function<void(Arrival&, const Io::Progress&)>;
+  struct Request {
+    std::shared_ptr<Arrival> arrival;
+    Make make;
   };
 
   void Connect();
-  void AddActions();
+  void AddMenus();
+  void AddViews();
   void AddStatusBar();
-  /// `p_describe` gives what is to be shown; it runs on the thread too.
-  void Load(const QString& p_name, std::function<ShownPicture(Gallery::Loading&)> p_describe);
-  void TellShown();
-  void Fail(const QString& p_reason);
-  void AskForFile();
+  void Load(const QString& p_path, const Part& p_part, Make p_make);
+  void StartNext();
+  void Take(const std::shared_ptr<Arrival>& p_arrival);
+  void Reread(const Setting& p_setting);
+  void ShowPoint(const std::optional<Scene::Figure::Hit>& p_hit);
+  void AskForFiles();
   void AskWhereToSave();
-  void TellPoint(const std::optional<SurfacePoint>& p_point);
+  void ShowHelp();
+  void ShowAbout();
 
   Gallery::Inputs _inputs;
   // Ends from top to bottom: no load is under way when the view goes, and the panel takes the last reports.
-  PictureLoader* _loader;
-  PictureView* _view;
-  PictureList* _list;
+  Viewer::Loader* _loader;
+  QStackedWidget* _stack;
+  Widgets::FigureView* _view;
+  QListWidget* _list;
   ReportPanel* _reports;
-  Choosers* _choosers;
+  SettingsPanel* _settings;
   QLabel* _point;
-  std::shared_ptr<Arrival> _arrival; ///< of the load that was started last
-  QString _loading;                  ///< its name
-  int _shownRow = -1;
+  RecentFiles _recent;
+  QMenu* _recentMenu = nullptr;
+  std::vector<Entry> _entries;
+  std::deque<Request> _waiting;
+  std::shared_ptr<Arrival> _loading; ///< that is under way
+  int _shown = -1;
 };
 
 } // namespace Vek::Chart::Viewer

@@ -55,6 +55,7 @@ public:
   void SetOpacities(Opacities p_opacity) { _opacities = std::move(p_opacity); }
   void SetMap(std::vector<QColor> p_colors);
   void SetRange(double p_low, double p_high);
+  void FindRange() { _range.reset(); }
   void SetLogarithmic(bool p_logarithmic);
   void SetTitle(const QString& p_title) { _title = p_title; }
   /// Of what the values are until SetTitle is called with a title.

@@ -109,7 +109,18 @@ Box Figure::State::PlacePlots(const QSizeF& p_size) {
 }
 
 QString Figure::State::AxisName(std::size_t p_axis) const {
-  return axisTitles[p_axis].isEmpty() ? QString::fromLatin1(AxisNames[p_axis]) : axisTitles[p_axis];
+  constexpr std::array<const char*, 2> MapNames{"longitude", "latitude"};
+  const bool isAngle = rules.isMap && p_axis < MapNames.size();
+  return axisTitles[p_axis].isEmpty() ? QString::fromLatin1(isAngle ? MapNames[p_axis] : AxisNames[p_axis])
+                                      : axisTitles[p_axis];
+}
+
+Axes::TickMaker Figure::State::TicksOf(std::size_t p_axis) const {
+  if (ticks[p_axis])
+    return ticks[p_axis];
+  if (rules.dates[p_axis])
+    return &Ticks::Dates;
+  return !rules.isMap || p_axis == 2 ? Axes::TickMaker() : p_axis == 0 ? &Graticule::Meridians : &Graticule::Parallels;
 }
 
 Axes Figure::State::MakeAxes(const Box& p_limits) const {
@@ -119,14 +130,10 @@ Axes Figure::State::MakeAxes(const Box& p_limits) const {
   for (std::size_t axis = 0; axis < 3; ++axis) {
     axes.axes[axis].title =
         isUntitled && !_isFlat && !(rules.isMap && axis < 2) ? QString::fromLatin1(AxisNames[axis]) : axisTitles[axis];
-    axes.axes[axis].ticks = ticks[axis];
+    axes.axes[axis].ticks = TicksOf(axis);
     axes.axes[axis].low = At(p_limits.Min(), axis);
     axes.axes[axis].high = At(p_limits.Max(), axis);
     axes.axes[axis].scale = rules.logarithmic[axis] ? Axes::Scale::Logarithmic : Axes::Scale::Linear;
-    if (!ticks[axis] && (rules.dates[axis] || (rules.isMap && axis < 2)))
-      axes.axes[axis].ticks = rules.dates[axis] ? &Ticks::Dates
-                              : axis == 0       ? &Graticule::Meridians
-                                                : &Graticule::Parallels;
   }
   return axes;
 }
@@ -309,7 +316,8 @@ void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame
   }
   const auto lighting = light.Apply(p_gl);
   const auto drawOpaque = [&] {
-    DrawContents(p_gl, p_frame, Having([](const PlotContent& p_p) { return !p_p.IsTransparent() && !p_p.IsBlended(); }));
+    DrawContents(p_gl, p_frame,
+                 Having([](const PlotContent& p_p) { return !p_p.IsTransparent() && !p_p.IsBlended(); }));
     if (!clips.empty())
       Private::DrawOutlines(p_gl, Private::CutOutlines(_box, p_frame.cuts), p_frame.line, p_frame.pixelRatio);
   };

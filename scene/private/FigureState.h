@@ -79,6 +79,11 @@ struct VEK_HIDDEN Figure::State {
   std::optional<Hit> Pick(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame, const Types::Pos& p_pixel);
   /// Whether a visible plot is half-transparent.
   bool HasTransparent() const;
+  QString AxisName(std::size_t p_axis) const;
+  /// Empty for decimal values.
+  Axes::TickMaker TicksOf(std::size_t p_axis) const;
+  /// Of the axes, in data units.
+  Private::Box Limits() const { return _box.Empty() ? Private::Box() : transform.Inverse(_box); }
 
 private:
   void DrawContents(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame,
@@ -100,7 +105,6 @@ private:
   std::vector<Private::PlotContent*> Having(const std::function<bool(const Private::PlotContent&)>& p_isWanted) const;
   /// Returns the limits of the axes, in data units.
   Private::Box PlacePlots(const QSizeF& p_size);
-  QString AxisName(std::size_t p_axis) const;
   Axes MakeAxes(const Private::Box& p_limits) const;
   std::vector<QString> Notes() const;
   std::vector<LegendBlock> Keys(const Theme& p_theme, const View& p_view, double p_pixelRatio) const;

@@ -1,0 +1,161 @@
+#include "apps/viewer/Chart.h"
+
+#include "library/NamedColors.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace Vek::Chart::Viewer {
+
+Chart::Chart(const QString& p_title)
+    : figure(std::make_shared<Scene::Figure>(p_title)) {
+  figure->theme = Scene::Theme::Dark();
+}
+
+Chart::Chart(Scene::Figure p_figure)
+    : figure(std::make_shared<Scene::Figure>(std::move(p_figure))) {}
+
+Setting* Chart::FindOwn(const QString& p_group, const QString& p_name) {
+  const auto found = std::find_if(_settings.begin(), _settings.end(), [&](const Setting& p_setting) {
+    return p_setting.group == p_group && p_setting.name == p_name;
+  });
+  return found == _settings.end() ? nullptr : &*found;
+}
+
+const Setting* Chart::Find(const QString& p_group, const QString& p_name) const {
+  return const_cast<Chart*>(this)->FindOwn(p_group, p_name);
+}
+
+void Chart::Set(const QString& p_group, const QString& p_name, const Setting::Value& p_value) {
+  Setting* const setting = FindOwn(p_group, p_name);
+  if (setting == nullptr || setting->value.index() != p_value.index())
+    throw std::invalid_argument("No setting of that type: " + (p_group + " " + p_name).toStdString());
+  if (setting->apply)
+    setting->apply(p_value);
+  setting->value = p_value;
+  if (!setting->rebuilds)
+    return;
+  for (const Setting& other : _settings)
+    if (!other.rebuilds && other.apply)
+      other.apply(other.value);
+}
+
+void Chart::Adopt(const Chart& p_other) {
+  for (const Setting& other : p_other._settings) {
+    const Setting* const own = Find(other.group, other.name);
+    if (own == nullptr || own->reading != Setting::Reading::None || own->value.index() != other.value.index() ||
+        own->choices != other.choices)
+      continue;
+    try {
+      Set(other.group, other.name, other.value);
+    } catch (const std::invalid_argument&) { // a range that other data do not have
+    }
+  }
+}
+
+Setting& Chart::Add(Setting p_setting) {
+  if (p_setting.apply)
+    p_setting.apply(p_setting.value);
+  _settings.push_back(std::move(p_setting));
+  return _settings.back();
+}
+
+Setting& Chart::AddSwitch(const QString& p_group, const QString& p_name, bool p_isOn,
+                          std::function<void(bool)> p_apply) {
+  return Add({p_group, p_name, p_isOn,
+              [apply = std::move(p_apply)](const Setting::Value& p_value) { apply(std::get<bool>(p_value)); }});
+}
+
+Setting& Chart::AddChoice(const QString& p_group, const QString& p_name, const QStringList& p_choices, int p_chosen,
+                          std::function<void(int)> p_apply) {
+  return Add({p_group, p_name, p_chosen,
+              [apply = std::move(p_apply)](const Setting::Value& p_value) { apply(std::get<int>(p_value)); },
+              p_choices});
+}
+
+Setting& Chart::AddNumber(const QString& p_group, const QString& p_name, double p_number,
+                          const Setting::Range& p_limits, std::function<void(double)> p_apply) {
+  return Add({p_group,
+              p_name,
+              p_number,
+              [apply = std::move(p_apply)](const Setting::Value& p_value) { apply(std::get<double>(p_value)); },
+              {},
+              p_limits.min,
+              p_limits.max});
+}
+
+namespace {
+
+double Along(const Types::Vector3_Base<double>& p_point, int p_axis) {
+  return p_axis == 0 ? p_point.x : p_axis == 1 ? p_point.y : p_point.z;
+}
+
+} // namespace
+
+void Chart::AddCut() {
+  figure->Layout({0, 0, 800, 600}); // which finds the limits
+  AddChoice("Cut", "Across", {"–", figure->AxisTitle(0), figure->AxisTitle(1), figure->AxisTitle(2)}, 0,
+            [this](int p_axis) {
+              _cutAxis = p_axis - 1;
+              const Setting::Range limits = CutLimits();
+              _cutAt = (limits.min + limits.max) / 2;
+              if (Setting* const position = FindOwn("Cut", "At"))
+                position->value = _cutAt;
+              Cut();
+            });
+  const auto isCut = [this] { return _cutAxis >= 0; };
+  Setting& at = AddNumber("Cut", "At", 0, {}, [this](double p_position) {
+    _cutAt = p_position;
+    Cut();
+  });
+  at.limits = [this] { return CutLimits(); };
+  at.isOffered = isCut;
+  AddChoice("Cut", "Keep", {"below", "above"}, 0, [this](int p_side) {
+    _keepsAbove = p_side == 1;
+    Cut();
+  }).isOffered = isCut;
+}
+
+Setting::Range Chart::CutLimits() const {
+  const auto limits = figure->Limits();
+  return limits.Empty() || _cutAxis < 0 ? Setting::Range(0, 1)
+                                        : Setting::Range(Along(limits.Min(), _cutAxis), Along(limits.Max(), _cutAxis));
+}
+
+void Chart::Cut() {
+  if (std::exchange(_isCut, false))
+    figure->RemoveClip(figure->Clips().size() - 1);
+  if (_cutAxis < 0)
+    return;
+  figure->Clip(_cutAxis, _cutAt, _keepsAbove ? Scene::Figure::Side::Above : Scene::Figure::Side::Below);
+  _isCut = true;
+}
+
+void Chart::AddColors(const std::vector<Colored>& p_plots, const Offered& p_isOffered, const std::string& p_map) {
+  const auto forAll = [p_plots](const auto& p_function) {
+    for (const Colored& plot : p_plots)
+      p_function(plot);
+  };
+  QStringList names;
+  for (const std::string& name : Library::NamedColors::Names())
+    names << QString::fromStdString(name);
+  AddChoice("Colours", "Map", names, names.indexOf(QString::fromStdString(p_map)), [=](int p_index) {
+    forAll([&](const Colored& p_plot) { p_plot.map(names.value(p_index).toStdString()); });
+  }).isOffered = p_isOffered;
+  Setting& range =
+      Add({"Colours", "Range", std::optional<Setting::Range>(), [=](const Setting::Value& p_value) {
+             forAll([&](const Colored& p_plot) { p_plot.range(std::get<std::optional<Setting::Range>>(p_value)); });
+           }});
+  range.isOffered = p_isOffered;
+  range.current = [=] {
+    Setting::Range shown;
+    forAll([&](const Colored& p_plot) { shown = shown.Empty() ? p_plot.current() : shown; });
+    return shown;
+  };
+  AddSwitch("Colours", "Logarithmic", false, [=](bool p_isOn) {
+    forAll([&](const Colored& p_plot) { p_plot.logarithmic(p_isOn); });
+  }).isOffered = p_isOffered;
+}
+
+} // namespace Vek::Chart::Viewer

@@ -1,0 +1,175 @@
+#include "apps/viewer/Charts.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <initializer_list>
+#include <stdexcept>
+
+namespace Vek::Chart::Viewer {
+
+namespace {
+
+/// The name of a column without the unit behind it, in lower case: "depth" of "depth_km" and "Depth (km)".
+QString Bare(const std::string& p_name) {
+  QString name = QString::fromStdString(p_name).toLower().trimmed();
+  name = name.left(name.indexOf('(')).trimmed();
+  for (const char* unit : {"_km", "_m", "_deg"})
+    if (name.endsWith(unit))
+      name.chop(static_cast<int>(QString(unit).size()));
+  return name;
+}
+
+class TableChart : public Chart {
+public:
+  TableChart(const std::shared_ptr<const Document>& p_document, const Io::Table& p_table)
+      : Chart(QString::fromStdString(p_document->Name()))
+      , _document(p_document) {
+    _names << "–";
+    for (const Io::Table::Column& column : p_table.Columns())
+      if (column.strings.empty())
+        _columns.push_back(&column), _names << QString::fromStdString(column.name);
+    _rows = p_table.Rows();
+    if (_columns.size() < 2)
+      throw std::invalid_argument(p_document->path + ": expected two columns of numbers, got " +
+                                  std::to_string(_columns.size()));
+    Guess();
+    AddColumns();
+    _isReady = true;
+    Build();
+    AddNumber("Symbols", "Diameter", 0.01, {0.001, 0.1}, [this](double p_share) {
+      if (_points != nullptr)
+        _points->Diameter(_size == 0 ? p_share : 4 * p_share);
+    });
+    const auto hasValues = [this] { return _color > 0; };
+    AddColors({ColoredOf(_points), ColoredOf(_arrows)}, hasValues);
+    AddNumber("Colours", "Opacity", 1, {0, 1}, [this](double p_opacity) {
+      if (_points != nullptr)
+        _points->SetOpacity(p_opacity);
+      if (_arrows != nullptr)
+        _arrows->SetOpacity(p_opacity);
+    });
+  }
+
+  QStringList Details(const Scene::Figure::Hit& p_hit) const override {
+    QStringList cells;
+    if (p_hit.element)
+      for (const Io::Table::Column* column : _columns)
+        cells << QString::fromStdString(column->name) + ' ' + QString::number(column->numbers.at(*p_hit.element));
+    return cells;
+  }
+
+private:
+  /// The number of the first column of one of these names that has no use yet, from 1; 0 without one.
+  int Find(std::initializer_list<const char*> p_names) const {
+    for (const char* name : p_names)
+      for (std::size_t i = 0; i < _columns.size(); ++i)
+        if (Bare(_columns[i]->name) == name)
+          return static_cast<int>(i + 1);
+    return 0;
+  }
+  /// What columns mean, by their names; otherwise the first ones are positions.
+  void Guess() {
+    _place = {Find({"lon", "long", "longitude", "lng", "x"}), Find({"lat", "latitude", "y"}),
+              Find({"depth", "z", "height", "altitude", "elevation"})};
+    if (_place[0] == 0 || _place[1] == 0)
+      _place = {1, 2, _columns.size() > 2 ? 3 : 0};
+    _vector = {Find({"u", "vx"}), Find({"v", "vy"}), Find({"w", "vz"})};
+    _isDown = _place[2] != 0 && Bare(_columns[static_cast<std::size_t>(_place[2] - 1)]->name) == "depth";
+    _size = Find({"mag", "magnitude", "size"});
+    _color = _place[2];
+    for (std::size_t i = 0; i < _columns.size() && _color == 0; ++i)
+      if (const int column = static_cast<int>(i + 1); column != _place[0] && column != _place[1] && column != _size)
+        _color = column;
+  }
+
+  void AddColumns() {
+    const auto add = [&](const char* p_group, const char* p_name, int& p_column) {
+      AddChoice(p_group, p_name, _names, p_column, [this, &p_column](int p_index) {
+        p_column = p_index;
+        Build();
+      }).rebuilds = true;
+    };
+    add("Columns", "x", _place[0]);
+    add("Columns", "y", _place[1]);
+    add("Columns", "z", _place[2]);
+    AddSwitch("Columns", "z downwards", _isDown, [this](bool p_isOn) {
+      _isDown = p_isOn;
+      Build();
+    }).rebuilds = true;
+    add("Columns", "Colour", _color);
+    add("Columns", "Size", _size);
+    for (int axis = 0; axis < 3; ++axis)
+      add("Arrows", std::array<const char*, 3>{"along x", "along y", "along z"}[static_cast<std::size_t>(axis)],
+          _vector[static_cast<std::size_t>(axis)]);
+  }
+
+  const Io::Table::Column* Column(int p_index) const {
+    return p_index > 0 ? _columns.at(static_cast<std::size_t>(p_index - 1)) : nullptr;
+  }
+  /// Three columns as points; those that are not there are 0.
+  std::vector<std::array<double, 3>> Points(const std::array<int, 3>& p_columns, bool p_isDown) const {
+    std::vector<std::array<double, 3>> points(_rows);
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      if (const Io::Table::Column* column = Column(p_columns[axis]))
+        for (std::size_t i = 0; i < _rows; ++i)
+          points[i][axis] = p_isDown && axis == 2 ? -column->numbers[i] : column->numbers[i];
+    return points;
+  }
+
+  void Build() {
+    if (!_isReady)
+      return;
+    if (_points != nullptr)
+      figure->Remove(*_points);
+    if (_arrows != nullptr)
+      figure->Remove(*_arrows);
+    _points = nullptr, _arrows = nullptr;
+    DescribeAxes();
+    const auto points = Points(_place, _isDown);
+    const Io::Table::Column* const color = Column(_color);
+    if (_vector[0] != 0 && _vector[1] != 0) {
+      _arrows = &figure->Quiver(points, Points(_vector, _isDown));
+      if (color != nullptr)
+        _arrows->ColorBy(color->numbers, QString::fromStdString(color->name));
+    } else {
+      _points = &figure->Scatter(points);
+      if (color != nullptr)
+        _points->ColorBy(color->numbers, QString::fromStdString(color->name));
+      if (const Io::Table::Column* size = Column(_size))
+        _points->SizeBy(size->numbers, QString::fromStdString(size->name));
+    }
+    figure->camera.reset();
+  }
+
+  void DescribeAxes() {
+    const auto name = [this](int p_column) {
+      return Column(p_column) != nullptr ? Column(p_column)->name : std::string();
+    };
+    const bool isMap = AngleOf(Bare(name(_place[0])).toStdString(), {}) == 'x' &&
+                       AngleOf(Bare(name(_place[1])).toStdString(), {}) == 'y';
+    figure->SetMap(isMap);
+    figure->SetAxisTitles(QString::fromStdString(name(_place[0])), QString::fromStdString(name(_place[1])),
+                          (_isDown ? QString(QChar(0x2212)) : QString()) + QString::fromStdString(name(_place[2])));
+    figure->SetTitle(QString::fromStdString(_document->Name()), QString("%L1 rows").arg(_rows));
+  }
+
+  std::shared_ptr<const Document> _document;
+  std::vector<const Io::Table::Column*> _columns; ///< those of numbers
+  QStringList _names;                             ///< "–", then their names
+  std::size_t _rows = 0;
+  std::array<int, 3> _place{}, _vector{}; ///< columns, from 1; 0 for none
+  int _color = 0, _size = 0;              ///< likewise
+  bool _isDown = false;                   ///< whether z points downwards
+  bool _isReady = false;                  ///< whether all columns are chosen
+  Scene::ScatterPlot* _points = nullptr;
+  Scene::QuiverPlot* _arrows = nullptr;
+};
+
+} // namespace
+
+std::unique_ptr<Chart> MakeTableChart(const std::shared_ptr<const Document>& p_document, const Io::Table& p_table) {
+  return std::make_unique<TableChart>(p_document, p_table);
+}
+
+} // namespace Vek::Chart::Viewer

@@ -1,0 +1,175 @@
+#include "apps/viewer/LoadBar.h"
+#include "apps/viewer/ViewerWindow.h"
+
+#include "io/Formats.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QToolButton>
+
+#include <functional>
+
+namespace Vek::Chart::Viewer {
+
+namespace {
+
+QAction* Add(QMenu* p_menu, const QString& p_text, const QList<QKeySequence>& p_keys,
+             const std::function<void()>& p_do) {
+  QAction* const action = p_menu->addAction(p_text);
+  action->setShortcuts(p_keys);
+  QObject::connect(action, &QAction::triggered, p_menu, p_do);
+  return action;
+}
+
+/// What a dialog that opens files offers: what this build reads.
+QStringList FileFilters() {
+  using Kind = Io::Format::Kind;
+  QStringList all, filters;
+  for (const Kind kind : {Kind::Meshes, Kind::Volumes, Kind::Vectors, Kind::Heights, Kind::Tables, Kind::Images}) {
+    const QString patterns = QString::fromStdString(Io::FilePatterns(kind));
+    const auto name = Io::KindName(kind);
+    filters << QString("%1 (%2)").arg(QString::fromUtf8(name.data(), static_cast<int>(name.size())), patterns);
+    all += patterns.split(' ');
+  }
+  all.removeDuplicates();
+  filters.push_front(QString("All that can be shown (%1)").arg(all.join(' ')));
+  return filters << "All files (*)";
+}
+
+} // namespace
+
+void ViewerWindow::AddMenus() {
+  QMenu* const file = menuBar()->addMenu("&File");
+  Add(file, "&Open…", {QKeySequence::Open}, [this] { AskForFiles(); });
+  _recentMenu = file->addMenu("Open &recent");
+  connect(_recentMenu, &QMenu::aboutToShow, this, [this] {
+    _recentMenu->clear();
+    for (const QString& path : _recent.Paths())
+      Add(_recentMenu, QString(path).replace('&', "&&"), {}, [this, path] { OpenFile(path); });
+    _recentMenu->addSeparator();
+    Add(_recentMenu, "&Clear", {}, [this] { _recent.Clear(); })->setEnabled(!_recent.Paths().isEmpty());
+  });
+  Add(file, "Re&load", {QKeySequence("F5")}, [this] {
+    if (Chart() != nullptr && !_entries[static_cast<std::size_t>(_shown)].path.startsWith(':'))
+      OpenFile(_entries[static_cast<std::size_t>(_shown)].path, _entries[static_cast<std::size_t>(_shown)].part.time);
+  });
+  Add(file, "&Save image…", {QKeySequence::Save}, [this] { AskWhereToSave(); });
+  Add(file, "&Copy image", {QKeySequence::Copy}, [this] { _view->Copy(); });
+  Add(file, "C&lose", {QKeySequence("Ctrl+W")}, [this] { CloseRow(_shown); });
+  file->addSeparator();
+  Add(file, "&Quit", {QKeySequence("Ctrl+Q")}, [this] { close(); });
+  AddViews();
+  QMenu* const examples = menuBar()->addMenu("&Examples");
+  for (const Gallery::PictureEntry& entry : Gallery::Pictures())
+    if (entry.figure != nullptr)
+      Add(examples, QString::fromStdString(entry.title), {},
+          [this, name = QString::fromStdString(entry.name)] { OpenExample(name); });
+  examples->menuAction()->setVisible(!examples->isEmpty());
+  QMenu* const help = menuBar()->addMenu("&Help");
+  Add(help, "&Mouse and keys", {QKeySequence("F1")}, [this] { ShowHelp(); });
+  Add(help, "&About", {}, [this] { ShowAbout(); });
+}
+
+void ViewerWindow::AddViews() {
+  using View = Scene::Camera::StandardView;
+  using Projection = Scene::Camera::Projection;
+  QMenu* const menu = menuBar()->addMenu("&View");
+  Add(menu, "&Fit", {QKeySequence("R"), QKeySequence("Home")}, [this] { _view->Fit(); });
+  menu->addSeparator();
+  struct Named {
+    const char* name;
+    const char* key;
+    View view;
+  };
+  for (const auto& [name, key, view] : {Named{"F&ront", "1", View::Front},
+                                        {"Bac&k", "Ctrl+1", View::Back},
+                                        {"Ri&ght", "3", View::Right},
+                                        {"&Left", "Ctrl+3", View::Left},
+                                        {"&Top", "7", View::Top},
+                                        {"&Bottom", "Ctrl+7", View::Bottom},
+                                        {"&Isometric", "9", View::Isometric},
+                                        {"&Oblique", "0", View::Chart}})
+    Add(menu, name, {QKeySequence(key)}, [this, view = view] { _view->Look(view); });
+  menu->addSeparator();
+  Add(menu, "Switch &projection", {QKeySequence("5")}, [this] {
+    _view->SetProjection(_view->Camera().projection == Projection::Parallel ? Projection::Perspective
+                                                                            : Projection::Parallel);
+  });
+  menu->addSeparator();
+  Add(menu, "&Cancel loading", {QKeySequence("Esc")}, [this] { _loader->Cancel(); });
+  menu->addSeparator();
+  _settings->toggleViewAction()->setText("&Settings");
+  _settings->toggleViewAction()->setShortcut(QKeySequence("F9"));
+  menu->addAction(_settings->toggleViewAction());
+  _reports->toggleViewAction()->setText("R&eports");
+  menu->addAction(_reports->toggleViewAction());
+}
+
+void ViewerWindow::AddStatusBar() {
+  _point->setObjectName("point");
+  _point->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long string widens no window
+  statusBar()->addWidget(_point, 1);
+  statusBar()->addPermanentWidget(new LoadBar(*_loader, this));
+  auto* const count = new QToolButton(this);
+  count->setAutoRaise(true);
+  count->setDefaultAction(_reports->toggleViewAction());
+  const auto show = [this](std::size_t p_count) {
+    _reports->toggleViewAction()->setText(QString("Reports: %1").arg(p_count));
+    if (p_count > 0)
+      _reports->show();
+  };
+  connect(_reports, &ReportPanel::CountChanged, this, show);
+  show(_reports->Count());
+  _reports->hide(); // until there is something to read
+  statusBar()->addPermanentWidget(count);
+}
+
+void ViewerWindow::AskForFiles() {
+  auto* const dialog = new QFileDialog(this, "Open", QString(), FileFilters().join(";;"));
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setFileMode(QFileDialog::ExistingFiles);
+  connect(dialog, &QFileDialog::filesSelected, this, [this](const QStringList& p_paths) {
+    for (const QString& path : p_paths)
+      OpenFile(path);
+  });
+  dialog->open();
+}
+
+void ViewerWindow::AskWhereToSave() {
+  if (Chart() == nullptr)
+    return;
+  auto* const dialog = new QFileDialog(this, "Save image", QString(), "Images (*.png *.jpg *.bmp);;PDF (*.pdf)");
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setAcceptMode(QFileDialog::AcceptSave);
+  dialog->setDefaultSuffix("png");
+  dialog->selectFile(QFileInfo(_list->item(_shown)->text()).completeBaseName() + ".png");
+  connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& p_path) {
+    SaveImage(p_path, {_view->width(), _view->height()});
+  });
+  dialog->open();
+}
+
+void ViewerWindow::SaveImage(const QString& p_path, Types::Size p_size, bool /*p_isTransparent*/) {
+  if (Chart() == nullptr)
+    return;
+  try {
+    Chart()->figure->Save(p_path, p_size);
+  } catch (const std::exception& error) {
+    _reports->SetFile(p_path);
+    _reports->AddFailure(QString::fromUtf8(error.what()));
+  }
+}
+
+void ViewerWindow::ShowHelp() {
+  QMessageBox::information(this, "Mouse and keys", "");
+}
+
+void ViewerWindow::ShowAbout() {
+  QMessageBox::about(this, "About the viewer", "");
+}
+
+} // namespace Vek::Chart::Viewer
