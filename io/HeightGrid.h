@@ -29,6 +29,11 @@ struct VEK_IO_API HeightGrid {
   std::vector<std::string> times; ///< all steps of the file; empty for a file without time
   std::vector<double> levels;     ///< the positions along z of all levels of the file; empty for a file without levels
   double period = 0;              ///< 360 for longitudes that go around the globe, otherwise 0
+
+  /// The same with the first column once more behind the last one, where columns of equal distances fill `p_period`:
+  /// the 360° of a map, on which a surface of the columns alone has a gap of one cell. Otherwise an equal copy. Throws
+  /// std::invalid_argument for a period that is not finite and above 0.
+  HeightGrid Closed(double p_period = 360) const;
 };
 
 } // namespace Vek::Chart::Io

@@ -62,8 +62,8 @@ namespace Vek::Chart::Scene {
 /// round factor, which the figure says ("z × 50").
 ///
 /// **View**: a perspective of 30° from azimuth −30° (matplotlib's −60°) and elevation 30°, z up; data in one plane z =
-/// const with vectors in it are seen from above, in parallel projection. The camera is fitted so that axes and all
-/// strings lie in the image.
+/// const with vectors in it are seen from above, in parallel projection, later plots above earlier ones. The camera is
+/// fitted so that axes and all strings lie in the image.
 ///
 /// **Scene units**: the camera's. Differences of data, times the same power of two on all axes times the stretch, so
 /// that the longest edge of the axes is about 1; on a logarithmic axis, of decimal logarithms. See ToScene.

@@ -2,6 +2,7 @@
 
 #include "scene/private/ScatterContent.h"
 
+#include <cmath>
 #include <stdexcept>
 
 namespace Vek::Chart::Scene {
@@ -28,6 +29,13 @@ ScatterPlot& ScatterPlot::SizeBy(const Array1& p_values) {
   if (p_values.Count() != 0)
     RequireCount("SizeBy", p_values.Count(), Count());
   Scatter(Content()).SetSizes(Values(p_values));
+  return *this;
+}
+
+ScatterPlot& ScatterPlot::SizeGrowth(double p_factor) {
+  if (p_factor != 0 && !(p_factor > 1 && std::isfinite(p_factor)))
+    throw std::invalid_argument("SizeGrowth: expected a factor above 1, or 0, got " + std::to_string(p_factor));
+  Scatter(Content()).SetSizeGrowth(p_factor);
   return *this;
 }
 

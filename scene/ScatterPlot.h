@@ -28,6 +28,10 @@ public:
   ScatterPlot& SizeBy(const Array1& p_values);
   /// Likewise, with the title of the key.
   ScatterPlot& SizeBy(const Array1& p_values, const QString& p_title) { return SizeBy(p_values).SizeTitle(p_title); }
+  /// Diameters of `SizeBy` grow by this factor, finite and above 1, with each unit of the value, so that the largest
+  /// value has `Diameter`: for magnitudes, decibels and other logarithms. All finite values have symbols then. 0 makes
+  /// areas proportional again.
+  ScatterPlot& SizeGrowth(double p_factor);
   /// The title of the key of the sizes: what the values are, and their unit.
   ScatterPlot& SizeTitle(const QString& p_title);
   /// The shape of the symbols. Throws std::invalid_argument for ShapeCustom and unknown shapes.

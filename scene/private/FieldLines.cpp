@@ -1,5 +1,7 @@
 #include "scene/private/FieldLines.h"
 
+#include "scene/Graticule.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -22,6 +24,25 @@ double CellOf(const VectorField& p_field, const Point& p_extent) {
   return cell;
 }
 
+Range Common(const Range& p_a, const Range& p_b) {
+  return {std::max(p_a.min, p_b.min), std::min(p_a.max, p_b.max)};
+}
+
+/// The longitudes of a field that lie on a map in any turn: as the map has them if the field goes around the world.
+Range OnMap(const Range& p_field, const Range& p_map, bool p_goesAround) {
+  if (p_goesAround)
+    return p_map;
+  constexpr int MostTurns = 3; // longitudes go from -360 to 720
+  Range common;
+  for (int turn = -MostTurns; turn <= MostTurns; ++turn) {
+    const double shift = turn * Graticule::Turn;
+    const Range part = Common(p_field, {p_map.min + shift, p_map.max + shift});
+    if (part.min <= part.max)
+      common += part.min, common += part.max;
+  }
+  return common;
+}
+
 } // namespace
 
 Box RegionOf(const VectorField& p_field, const AxisRules& p_rules) {
@@ -36,10 +57,8 @@ Box RegionOf(const VectorField& p_field, const AxisRules& p_rules) {
         range += node;
     if (!range.Empty() && axis == 0 && p_field.Period() > 0 && nodes.size() > 1)
       range.max = std::max(range.max, std::min(nodes.front(), nodes.back()) + p_field.Period());
-    if (const auto& limits = p_rules.limits[axis]) {
-      range.min = std::max(range.min, limits->min);
-      range.max = std::min(range.max, limits->max);
-    }
+    if (const auto& limits = p_rules.limits[axis])
+      range = axis == 0 && p_rules.isMap ? OnMap(range, *limits, p_field.Period() > 0) : Common(range, *limits);
     if (!(range.min <= range.max))
       return {};
     At(low, axis) = range.min, At(high, axis) = range.max;

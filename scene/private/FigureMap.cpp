@@ -43,11 +43,11 @@ std::vector<double> MapShifts(const Box& p_placed, const Box& p_map, double p_tu
   return shifts;
 }
 
-Frame ShiftedFrame(const Frame& p_frame, double p_shift) {
+Frame ShiftedFrame(const Frame& p_frame, const Point& p_shift) {
   Frame frame = p_frame;
-  frame.camera.target.x -= p_shift;
+  frame.camera.target = frame.camera.target - p_shift;
   for (Types::Plane& cut : frame.cuts)
-    cut = {cut.Point() - Point(p_shift, 0, 0), cut.Normal()};
+    cut = {cut.Point() - p_shift, cut.Normal()};
   return frame;
 }
 
@@ -59,13 +59,23 @@ std::vector<double> Figure::State::ShiftsOf(const Private::PlotContent& p_conten
   return Private::MapShifts(p_content.placedBox, _box, Graticule::Turn * transform.axes[0].factor);
 }
 
+double Figure::State::LiftOf(const Private::PlotContent& p_content) const {
+  constexpr double Lift = 1e-4; // of the scene: more than depths are rounded, less than is seen
+  if (!_isFlat)
+    return 0;
+  const auto entry =
+      std::find_if(entries.begin(), entries.end(), [&](const Entry& p_entry) { return p_entry.content == &p_content; });
+  return Lift * static_cast<double>(entry - entries.begin());
+}
+
 void Figure::State::ForEachCopy(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame,
                                 const Private::PlotContent& p_content,
                                 const std::function<void(const Private::Frame&)>& p_draw) const {
-  if (!rules.isMap)
+  const double lift = LiftOf(p_content);
+  if (!rules.isMap && lift == 0)
     return p_draw(p_frame);
   for (const double shift : ShiftsOf(p_content)) {
-    const Private::Frame copy = Private::ShiftedFrame(p_frame, shift);
+    const Private::Frame copy = Private::ShiftedFrame(p_frame, {shift, 0, lift});
     const auto matrices = copy.camera.Apply(p_gl, copy.viewport);
     p_draw(copy);
   }

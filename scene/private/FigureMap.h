@@ -20,7 +20,7 @@ Box MapLimits(const Box& p_limits, const Box& p_data);
 std::vector<Types::Plane> MapBorders(const Box& p_map);
 /// The distances along x by which copies of what was placed in a box have parts on the map. All in scene units.
 std::vector<double> MapShifts(const Box& p_placed, const Box& p_map, double p_turn);
-/// The frame for a copy that is moved by such a distance.
-Frame ShiftedFrame(const Frame& p_frame, double p_shift);
+/// The frame for a copy that is moved by a vector, in scene units.
+Frame ShiftedFrame(const Frame& p_frame, const Point& p_shift);
 
 } // namespace Vek::Chart::Scene::Private

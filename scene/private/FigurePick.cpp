@@ -65,7 +65,7 @@ std::optional<Figure::Hit> Figure::State::Pick(Utility::Scoped<Rgl>& p_gl, Priva
   if (!hit->element && entry.content->Count() >= PickPass::NoElement && !std::exchange(entry.isCountReported, true))
     vekdebug::warn("Figure: Pick: expected fewer than 2^24 elements in a plot, got " +
                    std::to_string(entry.content->Count()));
-  Private::Point position = hit->position;
+  Private::Point position = hit->position - Private::Point(0, 0, LiftOf(*entry.content));
   for (const double shift : ShiftsOf(*entry.content))
     if (const double x = hit->position.x - shift;
         entry.content->placedBox.Min().x <= x && x <= entry.content->placedBox.Max().x)

@@ -225,7 +225,7 @@ std::vector<LegendBlock> Figure::State::Keys(const Theme& p_theme, const View& p
                          .Layout(p_theme, p_pixelRatio));
     if (const auto sizes = content->Sizes()) {
       SizeLegend legend{sizes->title, sizes->least, sizes->largest};
-      legend.diameter = [&](double p_value) { return std::sqrt(p_value / sizes->largest) * sizes->diameter * points; };
+      legend.diameter = [&](double p_value) { return sizes->Factor(p_value) * sizes->diameter * points; };
       keys.push_back(legend.Layout(p_theme, p_pixelRatio));
     }
   }

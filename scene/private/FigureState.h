@@ -88,9 +88,11 @@ struct VEK_HIDDEN Figure::State {
 private:
   void DrawContents(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame,
                     const std::vector<Private::PlotContent*>& p_contents);
-  /// Draws a plot with a frame; on a map, each part of it that is on the map.
+  /// Draws a plot with a frame, lifted; on a map, each part of it that is on the map.
   void ForEachCopy(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame, const Private::PlotContent& p_content,
                    const std::function<void(const Private::Frame&)>& p_draw) const;
+  /// How far a plot is drawn above the plane of a flat figure: later ones cover earlier ones.
+  double LiftOf(const Private::PlotContent& p_content) const;
   /// The distances in the scene by which copies of a plot are moved.
   std::vector<double> ShiftsOf(const Private::PlotContent& p_content) const;
   /// Cuts at the planes of a frame and at the borders of a map.

@@ -26,6 +26,7 @@
 #include <QColor>
 #include <QString>
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -68,12 +69,18 @@ struct LengthKey {
   double typical = 0; ///< length of a long arrow, in scene units
   QColor color;       ///< invalid where colours mean values
 };
-/// What the size of symbols means (see SizeLegend): areas are in proportion to values.
+/// What the size of symbols means (see SizeLegend).
 struct SizeKey {
   QString title;
-  double least = 0;    ///< the smallest value above 0
+  double least = 0;    ///< the smallest value that has a symbol
   double largest = 0;  ///< the largest value
   double diameter = 0; ///< of the largest value, in scene units
+  double growth = 0;   ///< of diameters for each unit of a value; 0 where areas are in proportion to values
+
+  /// The diameter of the symbol of a value, relative to that of the largest one.
+  double Factor(double p_value) const {
+    return growth > 0 ? std::pow(growth, p_value - largest) : p_value > 0 ? std::sqrt(p_value / largest) : 0;
+  }
 };
 
 /// What lies under a pixel that shows a plot.

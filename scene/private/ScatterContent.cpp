@@ -27,12 +27,21 @@ double ScatterContent::Fraction() const {
 
 void ScatterContent::SetSizes(std::vector<double> p_values) {
   _sizes = std::move(p_values);
-  Range positive;
+  FindSizeRange();
+}
+
+void ScatterContent::SetSizeGrowth(double p_factor) {
+  _growth = p_factor;
+  FindSizeRange();
+}
+
+void ScatterContent::FindSizeRange() {
+  Range seen;
   for (const double value : _sizes)
-    if (std::isfinite(value) && value > 0)
-      positive += value;
-  _least = positive.min;
-  _largest = positive.max; // below 0 if there is none
+    if (std::isfinite(value) && (_growth > 0 || value > 0))
+      seen += value;
+  _least = seen.Empty() ? NAN : seen.min;
+  _largest = seen.Empty() ? NAN : seen.max;
   _sizesChanged = true;
   SettingsChanged();
 }
@@ -63,9 +72,10 @@ Box ScatterContent::PlaceChanged(const Changes& p_changes) {
     _mesh.UpdatePositions(PlacedPoints(_box));
   }
   if (std::exchange(_sizesChanged, false)) {
-    std::vector<double> factors(_sizes.size()); // areas in proportion to values
+    std::vector<double> factors(_sizes.size());
+    const SizeKey key{{}, _least, _largest, 1, _growth};
     std::transform(_sizes.begin(), _sizes.end(), factors.begin(),
-                   [&](double p_value) { return p_value > 0 ? std::sqrt(p_value / _largest) : 0; });
+                   [&](double p_value) { return std::isfinite(p_value) ? key.Factor(p_value) : 0; });
     _mesh.UpdateSizes(factors);
   }
   if (p_changes.values)
@@ -112,9 +122,9 @@ void ScatterContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
 }
 
 std::optional<SizeKey> ScatterContent::Sizes() const {
-  if (_sizes.empty() || _largest <= 0)
+  if (_sizes.empty() || std::isnan(_largest))
     return {};
-  return SizeKey{_sizeTitle, _least, _largest, Fraction() * _placement.diagonal};
+  return SizeKey{_sizeTitle, _least, _largest, Fraction() * _placement.diagonal, _growth};
 }
 
 } // namespace Vek::Chart::Scene::Private

@@ -17,6 +17,7 @@ public:
 
   void SetDiameter(double p_fraction);
   void SetSizes(std::vector<double> p_values);
+  void SetSizeGrowth(double p_factor);
   void SetSizeTitle(const QString& p_title) { _sizeTitle = p_title; }
   void SetSymbol(Model::Symbol::Shape p_shape);
 
@@ -28,13 +29,15 @@ public:
 
 private:
   double Fraction() const;
+  void FindSizeRange();
   Box PlaceChanged(const Changes& p_changes) override;
   void ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const override { _mesh.Release(p_gl); }
   void SetLevels();
   void SetLeastSize(const Frame& p_frame);
 
   std::vector<double> _sizes;      ///< values; none for equal sizes
-  double _least = 0, _largest = 0; ///< of the sizes above 0
+  double _growth = 0;              ///< of diameters for each unit; 0 for areas in proportion
+  double _least = 0, _largest = 0; ///< of the sizes with a symbol; NaN without any
   QString _sizeTitle;
   double _diameter = 0; ///< fraction of the diagonal; 0 for the default
   std::vector<InstancedMesh::Level> _levels = InstancedMesh::Spheres();

@@ -214,6 +214,20 @@ TEST(ReadHeights, ReadsEachFormat) {
   EXPECT_EQ(Heights("lon lat depth(m)\n1 1 4\n0 1 3\n0 0 1\n"), "lon[] 0 1 | lat[] 0 1 | depth[m] | 1 ? 3 4 | ");
 }
 
+TEST(HeightGrid, ClosesWhatGoesAround) {
+  HeightGrid world;
+  world.x = {5, 95, 185, 275}, world.y = {0, 10}, world.heights = {1, 2, 3, 4, 5, 6, 7, 8};
+  const HeightGrid closed = world.Closed();
+  EXPECT_EQ(closed.x, (std::vector<double>{5, 95, 185, 275, 365}));
+  EXPECT_EQ(closed.heights, (std::vector<double>{1, 2, 3, 4, 1, 5, 6, 7, 8, 5}));
+  EXPECT_EQ(closed.Closed().x, closed.x); // once
+  EXPECT_EQ(world.Closed(10).x, world.x);
+  std::reverse(world.x.begin(), world.x.end());
+  EXPECT_EQ(world.Closed().x.back(), -85);
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { world.Closed(0); }),
+            "Closed: expected a period above 0, got 0.000000");
+}
+
 TEST(ReadVolume, ReadsNetCdf) {
   const std::string text =
       "dimensions: z = 3 ; y = 1 ; x = 2 ;\nvariables: float z(z) ; z:positive = \"down\" ;\n"

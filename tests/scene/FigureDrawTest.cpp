@@ -156,6 +156,49 @@ TEST_F(FigurePixels, TransparentPlotsShowWhatIsBehindThem) {
   EXPECT_EQ(Drawn(figure, corners[0]), QColor(Qt::white));
 }
 
+TEST_F(FigurePixels, SizesGrowByAFactorOrInProportion) {
+  const auto widthOf = [](const QImage& p_image, int p_from, int p_to) {
+    int most = 0;
+    for (int y = 0; y < p_image.height(); ++y) {
+      int red = 0;
+      for (int x = p_from; x < p_to; ++x)
+        red += p_image.pixelColor(x, y).red() > p_image.pixelColor(x, y).green() + 60;
+      most = std::max(most, red);
+    }
+    return most;
+  };
+  for (const auto& [growth, ratio] : {std::pair(0.0, 1.0), {2.0, 8.0}}) { // 3 units apart
+    Figure figure;
+    figure.Scatter(Points{{0, 0, 0}, {10, 0, 0}})
+        .Color(Qt::red)
+        .SizeBy(Doubles{-1, 2})
+        .SizeGrowth(growth)
+        .Diameter(0.4);
+    const QImage image = figure.Image({600, 400});
+    const int small = widthOf(image, 0, 300), large = widthOf(image, 300, 600);
+    EXPECT_GT(large, 100);
+    if (growth == 0)
+      EXPECT_EQ(small, 0); // a value below 0 has no area
+    else
+      EXPECT_NEAR(large / ratio, small, 2);
+  }
+}
+
+TEST_F(FigurePixels, LaterPlotsOfAPlaneLieAbove) {
+  Figure figure;
+  const Doubles axis{0, 5, 10};
+  figure.Surface(axis, axis, Doubles(9)).Color(Qt::blue);
+  figure.Quiver(Points{{2, 2, 0}}, Points{{6, 6, 0}}).Color(Qt::red).UnitLength(0.1);
+  const QColor above = Drawn(figure, {4, 4, 0}), beside = AtPoint(figure, {8, 2, 0});
+  EXPECT_GT(above.red(), above.blue() + 60) << above.name().toStdString();
+  EXPECT_GT(beside.blue(), beside.red() + 60) << beside.name().toStdString();
+  const auto hit = figure.Pick(
+      gl, viewport,
+      Types::Pos(static_cast<int>(PixelOf(figure, {8, 2, 0}).x), static_cast<int>(PixelOf(figure, {8, 2, 0}).y)));
+  ASSERT_TRUE(hit);
+  EXPECT_NEAR(hit->position.z, 0, 1e-6);
+}
+
 TEST_F(FigurePixels, DataAreReadDuringTheCall) {
   Points points = Cloud(40), vectors = Cloud(40);
   Doubles values = Ascending(40);

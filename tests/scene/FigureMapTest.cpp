@@ -105,6 +105,39 @@ TEST_F(FigureMapTest, DrawsWhereTheMapHasIt) {
   EXPECT_EQ(red, 0);
 }
 
+TEST_F(FigureMapTest, StreamlinesOfAnyTurn) {
+  struct Case {
+    double first, last, wrap; // longitudes of the field
+    Doubles with, without;    // on the map
+  };
+  for (const auto& [first, last, wrap, with, without] : {Case{20, 350, 360, {-90, 90}, {}},
+                                                         {190, 260, 0, {-160, -110}, {-60, 100}},
+                                                         {140, 220, 0, {-150, 150}, {0, 60}}}) {
+    Doubles longitudes;
+    for (double longitude = first; longitude <= last; longitude += 10)
+      longitudes.push_back(longitude);
+    const Doubles latitudes{-80, 0, 80};
+    VectorField field = VectorField::Layer(longitudes, latitudes, PointList(3 * longitudes.size(), {1, 0, 0}));
+    if (wrap > 0)
+      field.WrapX(wrap);
+    Figure figure;
+    figure.SetMap().SetLimits(0, -180, 180).SetLimits(1, -90, 90);
+    figure.Streamlines(field).Color(Qt::red).Width(0.5);
+    const QImage image = figure.Image({600, 400});
+    const auto hasLines = [&](double p_longitude) {
+      const int x = PixelOf(figure, {p_longitude, 0, 0}, wide).x();
+      int red = 0;
+      for (int y = 0; y < image.height(); ++y)
+        red += image.pixelColor(x, y).red() > image.pixelColor(x, y).green() + 60;
+      return red > 20;
+    };
+    for (const double longitude : with)
+      EXPECT_TRUE(hasLines(longitude)) << first << ": " << longitude;
+    for (const double longitude : without)
+      EXPECT_FALSE(hasLines(longitude)) << first << ": " << longitude;
+  }
+}
+
 TEST_F(FigureMapTest, RefusesWhatIsNoMap) {
   Figure figure;
   figure.SetMap();

@@ -23,6 +23,7 @@ TEST_F(FigureTest, RefusesWrongArguments) {
       {"Color: expected a valid colour, got an invalid one", [&] { plot.Color({}); }},
       {"SetOpacity: expected 0 to 1, got 2.000000", [&] { plot.SetOpacity(2); }},
       {"Diameter: expected a fraction above 0 and up to 1, got 0.000000", [&] { plot.Diameter(0); }},
+      {"SizeGrowth: expected a factor above 1, or 0, got 1.000000", [&] { plot.SizeGrowth(1); }},
       {"Symbol: expected a built-in shape, got 15", [&] { plot.Symbol(Model::Symbol::ShapeCustom); }},
       {"SetLimits: expected finite, ascending limits, got 1.000000 and nan", [&] { figure.SetLimits(0, 1, NaN); }},
       {"SetLimits: expected an axis of 0 to 2, got 3", [&] { figure.SetLimits(3, 0, 1); }},
