@@ -61,6 +61,7 @@ fs::path ThisProgram() {
 }
 
 void FillFromFolder(Inputs& p_inputs, const fs::path& p_folder) {
+  p_inputs.folder = (p_folder / "").string();
   for (const auto& [input, file] : ShippedFiles)
     if ((p_inputs.*input).empty())
       p_inputs.*input = (p_folder / file).string();

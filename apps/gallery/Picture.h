@@ -34,6 +34,12 @@ struct Inputs {
   std::string model;    ///< an OBJ file of the user's; may be empty
   std::string flow;     ///< a vector grid of the user's; may be empty
   std::size_t time = 0; ///< the step of winds in a file with several
+  std::string folder;   ///< the gallery's own, with data/, symbols/ and sprites/
+
+  /// Whether a file is the gallery's own, so that its contents are known.
+  bool IsOwn(const std::string& p_path) const {
+    return !folder.empty() && p_path.compare(0, folder.size(), folder) == 0;
+  }
 };
 
 /// One picture: it has read and computed what it shows when it is made, without any GL, and draws it as often as asked.
