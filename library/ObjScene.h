@@ -109,7 +109,7 @@ using ObjProgress = std::function<bool(double p_share)>;
 /// - Corners without normal get one from ComputeNormals, shared by the faces around a position that have the same
 ///   smoothing group. With `s off` or `s 0`, a face has its own Newell normal. Faces in front of the first `s` are
 ///   smooth.
-/// - `g`, `o` and `usemtl` begin a group. `mtllib` names a file with materials, in the folder of the file; of several
+/// - `g`, `o` and `usemtl` with another name begin a group. `mtllib` names a file with materials, in the folder of the file; of several
 ///   materials of one name the first one counts. Paths may have backslashes; of an absolute path that does not exist,
 ///   the name is looked for in the folder as well.
 ///

@@ -136,9 +136,9 @@ void Header::ReadSizes() {
   layout.size = {sizes[1], sizes[2], sizes[3]};
   layout.steps = sizes[4];
   layout.channels = sizes[5];
-  layout.planar = true;
-  if (sizes[6] * sizes[7] != 1 || (sizes[4] > 1 && sizes[5] > 1))
-    Fail(at, "three dimensions, and steps or channels",
+  layout.planar = layout.stepsWithinChannels = true;
+  if (sizes[6] != 1 || sizes[7] != 1)
+    Fail(at, "three dimensions, steps and channels",
          "sizes of " + std::to_string(sizes[4]) + " x " + std::to_string(sizes[5]) + " x " + std::to_string(sizes[6]) +
              " x " + std::to_string(sizes[7]) + " behind them");
 }
@@ -155,7 +155,7 @@ void Header::ReadType() {
     if (layout.channels != 1)
       Fail(at, "numbers as channels", "colours");
     layout.channels = row->channels;
-    layout.planar = false;
+    layout.planar = layout.stepsWithinChannels = false;
     return;
   }
   const double slope = _fields.Real(_second, 112, 176);

@@ -146,8 +146,6 @@ private:
 template <class T, class Kept, class Source>
 void Append(Source& p_source, std::uint64_t p_count, const ValueFormat& p_format, ValueRange& p_range,
             std::vector<Kept>& p_kept) {
-  if (const std::uint64_t most = p_source.Most(); most != ByteSource::Unknown)
-    p_kept.reserve(std::size_t(std::min(p_count, most)));
   std::vector<T> block(std::size_t(std::min<std::uint64_t>(p_count, BlockBytes / sizeof(T))));
   while (p_count != 0) {
     const std::size_t count = std::size_t(std::min<std::uint64_t>(p_count, block.size()));
@@ -187,10 +185,16 @@ void Read(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_la
   if (most / p_layout.steps < count)
     throw FileError(p_name, "expected " + std::to_string(p_layout.steps) + " × " + std::to_string(count) +
                                 " values, got a file that holds at most " + std::to_string(most));
-  p_source.Skip(p_step * count);
   ValueRange range(p_volume.noData);
   std::vector<Kept> values;
-  Append<T>(p_source, count, p_format, range, values);
+  const std::uint64_t parts = p_layout.stepsWithinChannels ? p_layout.channels : 1;
+  const std::uint64_t partCount = count / parts;
+  if (most != ByteSource::Unknown)
+    values.reserve(std::size_t(count));
+  for (std::uint64_t part = 0; part < parts; ++part) {
+    p_source.Skip((part == 0 ? p_step : p_layout.steps - 1) * partCount);
+    Append<T>(p_source, partCount, p_format, range, values);
+  }
   if (p_layout.planar && p_layout.channels > 1)
     values = Interleaved(values, std::size_t(p_layout.channels));
   for (std::size_t axis = 0; axis < 3; ++axis)

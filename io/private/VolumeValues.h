@@ -30,6 +30,7 @@ struct ValueLayout {
   std::uint64_t channels = 1;
   bool planar = false; ///< channel by channel, instead of voxel by voxel
   std::uint64_t steps = 1;
+  bool stepsWithinChannels = false; ///< the first channel of all steps comes first, then the second one
 };
 
 /// The number of values of one step. Throws FileError where it exceeds any memory.

@@ -250,6 +250,24 @@ TEST(ReadMesh, ReadsEachFormat) {
   }
 }
 
+TEST(ReadMesh, ReadsFilesOfOtherPrograms) {
+  // Their numbers as Python's struct and an editor show them. The fan of the glTF file has the indices 0 3 2 1.
+  const std::pair<std::string, std::string> rows[] = {
+      {"cube_binary.ply", "v 0 0 0 0 0 1 0 1 1 0 1 0 1 0 0 1 0 1 1 1 1 1 1 0 | :f 0 1 2 0 2 3 7 6 5 7 5 4 0 4 5 0 5 1 "
+                          "1 5 6 1 6 2 2 6 7 2 7 3 3 7 4 3 4 0"},
+      {"triangle_with_two_solids.stl",
+       "v 1 1 0 -1 1 0 0 -1 0 3 3 0 2 3 0 0 2 0 | testTriangle_1:f 0 1 2 testTriangle_2:f 3 4 5"},
+      {"Mesh_PrimitiveMode_12.gltf", "v 0.5 -0.5 0 -0.5 -0.5 0 -0.5 0.5 0 0.5 0.5 0 | meshes[0]:f 0 3 2 0 2 1"},
+  };
+  for (const auto& [name, expected] : rows) {
+    if (name.find(".gltf") != std::string::npos && !HasGltf())
+      continue;
+    std::string summary = Summary(ReadMesh(VEK_SOURCE_DIR "/tests/io/files/" + name));
+    const std::size_t normals = summary.find(" n "), groups = summary.find_first_not_of(" n0123456789.-", normals);
+    EXPECT_EQ(summary.replace(normals, summary.rfind(' ', groups) - normals, " |"), expected);
+  }
+}
+
 TEST(ReadMesh, RecognisesByContentThenByName) {
   const TempFolder folder;
   EXPECT_EQ(Summary(ReadMesh(folder.Write("a.stl", SquareText))), SquareSummary);

@@ -220,6 +220,9 @@ TEST(ReadVolume, NiftiValuesAndErrors) {
       {Nifti(false, false, {1, 2, 1}, 128, 24), "abcdef", "u8 1 2 1 x3: 97 98 99 100 101 102 / 0.5 2 3 / 0 0 0"},
       {Nifti(false, false, {2, 1, 1, 1, 2}, 2, 8), "abcd", "u8 2 1 1 x2: 97 99 98 100 / 0.5 2 3 / 0 0 0"},
       {Nifti(false, false, {2, 1, 1, 2}, 2, 8), "abcd", "u8 2 1 1: 97 98 / 0.5 2 3 / 0 0 0"},
+      {Nifti(false, false, {1, 2, 1, 3, 2}, 2, 8), "abcdefABCDEF", "u8 1 2 1 x2: 97 65 98 66 / 0.5 2 3 / 0 0 0"},
+      {Nifti(false, false, {1, 1, 1, 1, 1, 2}, 2, 8), "ab",
+       "v: byte 40: expected three dimensions, steps and channels, got sizes of 1 x 1 x 2 x 1 behind them"},
       {four(32, 64), "", "v: byte 70: expected values that are integers, floats or colours, got type 32"},
       {four(2, 8), "abc", "v: expected 1 × 4 values, got a file that holds at most 3"},
       {Nifti(false, false, {2, -1}, 2, 8), "", "v: byte 44: expected a size of 1 or more, got -1"},
@@ -233,6 +236,8 @@ TEST(ReadVolume, NiftiValuesAndErrors) {
   second.step = 1;
   EXPECT_EQ(SummaryOrError(Nifti(false, false, {2, 1, 1, 2}, 2, 8).bytes + "abcd", "v", second),
             "u8 2 1 1: 99 100 / 0.5 2 3 / 0 0 0");
+  EXPECT_EQ(SummaryOrError(Nifti(false, false, {1, 2, 1, 3, 2}, 2, 8).bytes + "abcdefABCDEF", "v", second),
+            "u8 1 2 1 x2: 99 67 100 68 / 0.5 2 3 / 0 0 0");
   second.step = 2;
   EXPECT_EQ(SummaryOrError(Nifti(false, false, {2, 1, 1, 2}, 2, 8).bytes + "abcd", "v", second),
             "v: expected a step below 2, got 2");

@@ -77,8 +77,14 @@ void ObjSceneReader::SetSmoothing(std::string_view p_name) {
 
 void ObjSceneReader::BeginGroup(ObjScene::Primitive p_primitive) {
   std::vector<ObjScene::Group>& groups = _scene.groups;
-  if (!_groupChanged && !groups.empty() && groups.back().primitive == p_primitive)
+  const bool sameKind = !groups.empty() && groups.back().primitive == p_primitive;
+  if (sameKind && !_groupChanged)
     return;
+  if (sameKind && groups.back().material == _group.material && groups.back().name == _group.name &&
+      groups.back().object == _group.object) { // named once more
+    _groupChanged = false;
+    return;
+  }
   CheckSize();
   constexpr std::uint64_t MostNameBytes = std::uint64_t(1) << 20; // beyond them, names are a share of the file
   _nameBytes += _group.name.size() + _group.object.size();
