@@ -14,6 +14,9 @@
 #ifdef VEK_BENCH_TINYOBJLOADER
 #include <tiny_obj_loader.h>
 #endif
+#ifdef VEK_BENCH_ASSIMP
+#include <assimp/Importer.hpp>
+#endif
 
 #include <cmath>
 #include <cstdio>
@@ -194,6 +197,18 @@ void TinyObjLoader(benchmark::State& p_state) {
   CountBytes(p_state);
 }
 BENCHMARK(TinyObjLoader)->Unit(benchmark::kMillisecond)->UseRealTime();
+#endif
+
+#ifdef VEK_BENCH_ASSIMP
+void AssimpObj(benchmark::State& p_state) {
+  TorusPath();
+  for (auto _ : p_state) {
+    Assimp::Importer importer;
+    benchmark::DoNotOptimize(importer.ReadFile(TorusPath(), 0));
+  }
+  CountBytes(p_state);
+}
+BENCHMARK(AssimpObj)->Unit(benchmark::kMillisecond)->UseRealTime();
 #endif
 
 } // namespace

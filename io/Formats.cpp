@@ -22,7 +22,8 @@ const std::vector<Format>& Formats() {
       {Format::Meshes, "glTF", "gltf glb", "Io::ReadMesh",
        "version 2.0, with data in the file or beside it: positions, normals, texture coordinates, vertex colours, "
        "triangles, lines and points, transforms of nodes, base colours and their textures",
-       "animations, skins, morph targets, cameras, lights, further maps of materials, compressed meshes",
+       "animations, skins, morph targets, cameras, lights, further maps of materials, transforms of textures, "
+       "compressed meshes",
        "libassimp-dev", VEK_WITH_ASSIMP != 0},
       {Format::Volumes, "NetCDF", "nc cdf", "Io::ReadVolume",
        "classic formats: a variable on a grid with even steps, at one time, as for vector fields",

@@ -180,6 +180,9 @@ private:
     material.emission = {emission.r, emission.g, emission.b};
     if (p_material.GetTexture(AI_MATKEY_BASE_COLOR_TEXTURE, &text) == aiReturn_SUCCESS)
       FindTexture(text.C_Str(), material);
+    if (aiUVTransform transform; p_material.Get(AI_MATKEY_UVTRANSFORM_DIFFUSE(0), transform) == aiReturn_SUCCESS)
+      _mesh.warnings.push_back(_name + ": the texture transform of material \"" + material.name.substr(0, 255) +
+                               "\" is not read");
     return material;
   }
 

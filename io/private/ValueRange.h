@@ -48,7 +48,7 @@ private:
   /// Skips NaN. In lanes, since the compiler vectorises no reduction of floats that may be NaN.
   template <class T>
   static std::array<T, 2> Extremes(const T* p_values, std::size_t p_count) {
-    constexpr std::size_t Lanes = 64 / sizeof(T);
+    constexpr std::size_t Lanes = 64; // a shorter loop is unrolled before it is vectorised
     using Limits = std::numeric_limits<T>;
     std::array<T, Lanes> least;
     std::array<T, Lanes> most;

@@ -1,20 +1,15 @@
 #include "io/FileError.h"
-#include "io/Formats.h"
 #include "io/ReadHeights.h"
 #include "io/ReadVectorField.h"
 #include "io/ReadVolume.h"
 #include "scene/VectorField.h"
 #include "tests/support/Damage.h"
+#include "tests/support/Formats.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Io;
 
 namespace {
-
-bool HasNetCdf4() {
-  return std::any_of(Formats().begin(), Formats().end(),
-                     [](const Format& p_row) { return p_row.name == "NetCDF-4" && p_row.isAvailable; });
-}
 
 /// The bytes of a NetCDF file that ncgen, of the package netcdf-bin, makes of a text.
 std::string NetCdf(const std::string& p_text, const std::string& p_kind = "classic") {
@@ -88,7 +83,7 @@ TEST(ReadVectorField, ReadsEachKindOfNetCdf) {
       first = Vectors(bytes);
       second = Vectors(bytes, {{"v", "u"}, 1});
     });
-    if (kind[0] == 'n' && !HasNetCdf4()) {
+    if (kind[0] == 'n' && !Reads("NetCDF-4")) {
       EXPECT_EQ(error, "f: this build does not read NetCDF-4 files; build it with the package libnetcdf-dev");
       continue;
     }
@@ -330,7 +325,7 @@ TEST(ReadVectorField, SurvivesDamage) {
 }
 
 TEST(ReadVectorField, SurvivesDamageOfNetCdf4) {
-  if (!HasNetCdf4())
+  if (!Reads("NetCDF-4"))
     GTEST_SKIP() << "without libnetcdf";
   EXPECT_EQ(ErrorOf<FileError>(
                 [] { Heights(NetCdf("group: g { dimensions: x = 2 ;\nvariables: float u(x) ; }\n", "netCDF-4")); }),

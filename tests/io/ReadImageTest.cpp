@@ -4,6 +4,7 @@
 #include "tests/support/Damage.h"
 #include "tests/support/ErrorOf.h"
 #include "tests/support/FileText.h"
+#include "tests/support/Formats.h"
 #include "tests/support/Output.h"
 #include "tests/support/Test.h"
 
@@ -126,14 +127,19 @@ TEST(ReadImage, ValuesAndErrors) {
       {Hdr("", "-Y 1 +X 9", eight), "i: scanline 1: expected 9 pixels, got 8"},
       {Hdr("", "-Y 1 +X 8", eight + "\x89x"), "i: scanline 1: a run of 9 at position 0"},
       {Hdr("", "-Y 1 +X 8", eight + std::string(1, '\0')), "i: scanline 1: a run of 0 at position 0"},
-      {ExrFile({0, 0, 2, 1}, "BGR"), "3 x 2 RGB: 23 13 3 24 14 4 25 15 5 20 10 0 21 11 1 22 12 2"},
-      {ExrFile({-5, 7, -3, 8}, "AZ"), "3 x 2 AZ: 3 13 4 14 5 15 0 10 1 11 2 12"},
   };
   for (const auto& [file, expected, name] : cases)
     EXPECT_EQ(Summary(file, name), expected);
 }
 
 TEST(ReadImage, OpenExrAsItsOwnProgramCompressesIt) {
+  if (!Reads("OpenEXR")) {
+    EXPECT_EQ(Summary(ExrFile({0, 0, 2, 1}, "BGR")),
+              "i: this build does not read OpenEXR files; build it with the package libopenexr-dev");
+    GTEST_SKIP() << "without OpenEXR";
+  }
+  EXPECT_EQ(Summary(ExrFile({0, 0, 2, 1}, "BGR")), "3 x 2 RGB: 23 13 3 24 14 4 25 15 5 20 10 0 21 11 1 22 12 2");
+  EXPECT_EQ(Summary(ExrFile({-5, 7, -3, 8}, "AZ")), "3 x 2 AZ: 3 13 4 14 5 15 0 10 1 11 2 12");
   const TempFolder folder;
   const std::string file = folder.Write("a.exr", ExrFile({0, 0, 2, 1}, "ABGR"));
   const std::string expected = Summary(ExrFile({0, 0, 2, 1}, "ABGR"));
@@ -157,7 +163,8 @@ TEST(ReadImage, SurvivesDamage) {
        {Hdr("EXPOSURE=2\nFORMAT=32-bit_rle_xyze\n", "+Y 2 -X 8", line + line),
         Hdr("", "-Y 1 +X 6", Pixel(128, 0, 0) + "\1\1\1\4" + Pixel(1, 2, 3)), "PF 2 2\n-1.0\n" + std::string(48, 'x'),
         ExrFile({0, 0, 2, 1}, "BGR"), BytesOfFile(folder.File("zip.exr")), BytesOfFile(folder.File("piz.exr"))}) {
-    EXPECT_EQ(Summary(bytes).find("i:"), std::string::npos) << Summary(bytes);
+    const bool isRead = bytes.substr(1, 3) != "/1\1" || Reads("OpenEXR");
+    EXPECT_EQ(Summary(bytes).find("i:") == std::string::npos, isRead) << Summary(bytes);
     Io::ImageOptions all;
     all.applyOrientation = all.convertXyz = all.applyExposure = true;
     CheckDamage<FileError>(bytes, [&](const std::string& p_bytes) { Read(p_bytes, "i", all); });
