@@ -3,6 +3,7 @@
 #include "library/HdrImage.h"
 #include "tests/support/Damage.h"
 #include "tests/support/ErrorOf.h"
+#include "tests/support/FileCases.h"
 #include "tests/support/FileText.h"
 #include "tests/support/Formats.h"
 #include "tests/support/Output.h"
@@ -99,13 +100,8 @@ TEST(ReadImage, RadianceAsHdrImage) {
 }
 
 TEST(ReadImage, ValuesAndErrors) {
-  struct Case {
-    std::string file;
-    std::string expected;
-    std::string name = "i";
-  };
   const std::string eight = std::string("\2\2\0\10", 4);
-  const Case cases[] = {
+  const std::vector<FileCase> cases = {
       {"Pf 2 1\n-1.0\n" + BytesOf<float>({1.5, -2}), "2 x 1 Y: 1.5 -2"},
       {"PF\n1 2\r\n1\n" + BytesOf<float>({1, 2, 3, 4, 5, 6}, true), "1 x 2 RGB: 1 2 3 4 5 6"},
       {"PF\n# a comment\n1 1\n# 2 2\n-1\n" + BytesOf<float>({1, 2, 3}), "1 x 1 RGB: 1 2 3"},
@@ -128,8 +124,7 @@ TEST(ReadImage, ValuesAndErrors) {
       {Hdr("", "-Y 1 +X 8", eight + "\x89x"), "i: scanline 1: a run of 9 at position 0"},
       {Hdr("", "-Y 1 +X 8", eight + std::string(1, '\0')), "i: scanline 1: a run of 0 at position 0"},
   };
-  for (const auto& [file, expected, name] : cases)
-    EXPECT_EQ(Summary(file, name), expected);
+  CheckFiles(cases, "i", [](const auto& p_file, const auto& p_name) { return Summary(p_file, p_name); });
 }
 
 TEST(ReadImage, OpenExrAsItsOwnProgramCompressesIt) {

@@ -2,6 +2,7 @@
 #include "io/FileError.h"
 #include "tests/support/Damage.h"
 #include "tests/support/ErrorOf.h"
+#include "tests/support/FileCases.h"
 #include "tests/support/FileText.h"
 #include "tests/support/Formats.h"
 #include "tests/support/Output.h"
@@ -68,11 +69,7 @@ TEST(ReadVolume, NrrdValuesPlaceAndErrors) {
   const std::string little = "endian: little\nencoding: raw\n";
   const std::string bytes = "type: uchar\nencoding: raw\n";
   const std::string lps = "space: left-posterior-superior\nspace directions: (0,2,0) (0.5,0,0) (0,0,3)\n";
-  struct Case {
-    std::string file;
-    std::string expected;
-  };
-  const Case cases[] = {
+  const std::vector<FileCase> cases = {
       {Nrrd("type: short\n" + four + little, BytesOf<std::int16_t>({-1, 2, 3, 400})),
        "i16 2 2 1: -1 2 3 400 / 1 1 1 / 0 0 0"},
       {Nrrd("type: unsigned int\n" + four + "endian: big\nencoding: raw\n",
@@ -125,17 +122,11 @@ TEST(ReadVolume, NrrdValuesPlaceAndErrors) {
       {Nrrd(bytes + four + "data file: nowhere.raw\n", ""),
        "nowhere.raw: expected a file with the values of v, got none"},
   };
-  for (const auto& [file, expected] : cases)
-    EXPECT_EQ(SummaryOrError(file), expected) << file.substr(0, 200);
+  CheckFiles(cases, "v", [](const auto& p_file, const auto& p_name) { return SummaryOrError(p_file, p_name); });
 }
 
 TEST(ReadVolume, OthersAndUnknown) {
-  struct Case {
-    std::string file;
-    std::string expected;
-    std::string name = "v";
-  };
-  const Case cases[] = {
+  const std::vector<FileCase> cases = {
       {"TextArray 2 2 1 1\n1.25 2\nnan 4", "f 2 1 1 x2: 1.25 2 nan 4 / 1 1 1 / 0 0 0"},
       {"TextArray 2 1 1 1\n1 x", "v:2: expected number 2 of 2, got \"x\""},
       {"", "v: expected TextArray, NRRD or NIfTI, got an empty file"},
@@ -148,8 +139,7 @@ TEST(ReadVolume, OthersAndUnknown) {
       {"hello", "a.nrrd:1: expected NRRD0001 to NRRD0005, got \"hello\"", "a.nrrd"},
       {"hello", "a.nii: expected the header of a NIfTI file, got 5 bytes of something else", "a.nii"},
   };
-  for (const auto& [file, expected, name] : cases)
-    EXPECT_EQ(SummaryOrError(file, name), expected) << file;
+  CheckFiles(cases, "v", [](const auto& p_file, const auto& p_name) { return SummaryOrError(p_file, p_name); });
 }
 
 namespace {
