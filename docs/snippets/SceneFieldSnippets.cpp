@@ -42,7 +42,7 @@ public:
         heights.push_back(Terrain(ax, ay));
   }
 
-protected:
+public:
   std::vector<double> x, y, heights;
 };
 

@@ -24,7 +24,7 @@ public:
   SceneMapSnippetPixels()
       : ShownFixture({1280, 720}) {}
 
-protected:
+public:
   const std::string data = std::string(VEK_SOURCE_DIR) + "/data/";
 };
 

@@ -175,7 +175,7 @@ TEST_F(GpuMeshCalls, RefusesTooFewInstances) {
 }
 
 class GpuMeshPixels : public PixelScopeFixture {
-protected:
+public:
   /// The middle of the frame after the square was drawn in full ambient light.
   QColor Middle(const GpuMesh& p_mesh, const ValueScale& p_scale) {
     gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);

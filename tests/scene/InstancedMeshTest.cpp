@@ -112,7 +112,7 @@ TEST(InstancedMesh, SpheresAreFineEnough) {
 }
 
 class InstancedMeshCalls : public RecordingScopeFixture {
-protected:
+public:
   void SetUp() override { recorder.SetVersion("3.3"); }
   void TearDown() override {
     colors = ColorMap({Qt::red}, ColorMap::Discrete); // releases the texture
@@ -206,7 +206,7 @@ TEST_F(InstancedMeshCalls, DrawsLevelsThatMayBeSeen) {
 }
 
 class InstancedMeshPixels : public PixelScopeFixture {
-protected:
+public:
   /// 100 x 100 pixels: a pixel is 0.02 units wide under identity matrices.
   InstancedMeshPixels()
       : PixelScopeFixture({100, 100}) {}

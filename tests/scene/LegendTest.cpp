@@ -17,7 +17,7 @@ namespace {
 using Mark = Legend::Mark;
 
 class LegendTest : public ::testing::Test {
-protected:
+public:
   void SetUp() override { Vek::Test::MakeApplication(); }
   Theme theme;
 };

@@ -65,7 +65,7 @@ Types::Pos PixelOf(double p_x, double p_z, const Types::Viewport<0>& p_viewport)
 } // namespace
 
 class PickerPixels : public PixelScopeFixture {
-protected:
+public:
   std::optional<Hit> Pick(double p_x, double p_z) {
     return picker.Pick(gl, scene.camera, viewport, PixelOf(p_x, p_z, viewport), stamp, scene.plots);
   }

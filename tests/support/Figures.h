@@ -52,14 +52,14 @@ inline double AreaOf(const QPolygonF& p_polygon) {
 
 /// Looks at layouts, without GL.
 class FigureFixture : public ::testing::Test {
-protected:
+public:
   const Viewport wide{0, 0, 600, 400};
   void SetUp() override { MakeApplication(); }
   Notes NotesOf(Chart::Scene::Figure& p_figure) { return p_figure.Layout(wide).notes; }
 };
 
 class FigureCallsFixture : public Chart::Testing::RecordingScopeFixture {
-protected:
+public:
   static constexpr Chart::Ogl::GlEnum ProfileMask = 0x9126;
   void SetUp() override {
     MakeApplication();
@@ -80,7 +80,7 @@ protected:
 };
 
 class FigurePixelsFixture : public Chart::Testing::PixelScopeFixture {
-protected:
+public:
   static constexpr Chart::Types::Size ImageSize{300, 200};
   FigurePixelsFixture()
       : PixelScopeFixture(ImageSize) {}

@@ -45,7 +45,7 @@ struct PaintedView : FigureView {
 };
 
 class FigureViewTest : public testing::Test {
-protected:
+public:
   void SetUp() override {
     StartApplication();
     Open();
