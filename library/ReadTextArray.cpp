@@ -1,7 +1,9 @@
 #include "library/ReadTextArray.h"
 
+#include "library/private/io/ConvertFloats.h"
 #include "library/private/io/Printable.h"
 #include "library/private/io/TextArraySource.h"
+#include "library/private/memory/HugePages.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -17,28 +19,17 @@ namespace {
 
 using Private::TextSource;
 
-/// The word in front, as "nan" or "inf" with any sign and in any case.
-std::optional<float> Unusual(std::string_view p_word) {
-  std::string word(p_word);
-  std::transform(word.begin(), word.end(), word.begin(),
-                 [](char p_c) { return static_cast<char>(p_c >= 'A' && p_c <= 'Z' ? p_c + 32 : p_c); });
-  const bool negative = !word.empty() && word.front() == '-';
-  if (!word.empty() && (negative || word.front() == '+'))
-    word.erase(0, 1);
-  using Limits = std::numeric_limits<float>;
-  if (word == "nan")
-    return Limits::quiet_NaN();
-  if (word == "inf" || word == "infinity")
-    return negative ? -Limits::infinity() : Limits::infinity();
-  return {};
-}
+constexpr std::size_t LongestWord = 40; // of a message
+constexpr Private::Words Words = Private::Words::NumbersOrNaN;
 
 class Reader {
 public:
-  Reader(std::istream& p_stream, const std::string& p_name, const TextArrayOptions& p_options)
+  Reader(std::istream& p_stream, const std::string& p_name, const TextArrayOptions& p_options,
+         Utility::Threads p_threads)
       : _source(p_stream)
       , _name(p_name)
       , _options(p_options)
+      , _threads(p_threads)
       , _bytes(_source.RemainingByClaim()) {}
 
   TextArray Read();
@@ -51,34 +42,31 @@ private:
   void ReportProgress();
   void FindRange();
   template <class T>
-  std::vector<T> Integers() const;
+  std::vector<T> TakeIntegers();
   [[noreturn]] void Fail(const std::string& p_expected, std::string_view p_found) const {
     if (_source.Failed())
       throw TextArrayError(_name, "reading failed");
     throw TextArrayError(_name, _source.Line(), p_expected, p_found);
   }
   std::string NextWord();
-  /// Keeps a number if its channel is one that is kept.
-  void Append(float p_number) {
-    _voxel[_channel] = p_number;
-    if (++_channel < _voxel.size())
-      return;
-    _channel = 0;
-    for (const std::size_t kept : _kept)
-      _numbers.push_back(_voxel[kept]);
-  }
+  void Add(const float* p_numbers, std::size_t p_count);
 
   TextSource _source;
   const std::string& _name;
   const TextArrayOptions& _options;
+  const Utility::Threads _threads;
   const std::uint64_t _bytes; ///< of the file
   TextArray _array;
   std::uint64_t _count = 0;
   std::uint64_t _read = 0;
+  std::uint64_t _reported = 0;
   std::vector<std::size_t> _kept;
+  bool _keepsAll = false;
   std::vector<float> _voxel; ///< of all channels
   std::size_t _channel = 0;
   std::vector<float> _numbers;
+  float _least = std::numeric_limits<float>::infinity(); ///< of the finite numbers that are kept
+  float _most = -std::numeric_limits<float>::infinity();
 };
 
 void Reader::ReadHeader() {
@@ -104,38 +92,67 @@ void Reader::ReadHeader() {
   for (std::size_t i = 0; _options.channels.empty() && i < _voxel.size(); ++i)
     _kept.push_back(i);
   _array.channels = _kept.size();
+  _keepsAll = _options.channels.empty();
 }
 
-/// Reads plain numbers up to the first other one, or to the end of the window.
-void Reader::ReadPlain() {
-  const std::string_view text = _source.Prepare(0);
-  const char* const last = text.data() + text.size();
-  const char* at = text.data();
-  std::uint64_t read = _read;
-  for (; read < _count; ++read) {
-    float value = 0;
-    const char* const end = Private::PlainNumber(Private::SkipBlanks(at, last), last, value);
-    if (end == nullptr || end == last || !Private::Scan::IsBlank(*end))
-      break;
-    Append(value);
-    at = end;
+/// Keeps those numbers whose channels are kept.
+void Reader::Add(const float* p_numbers, std::size_t p_count) {
+  const std::size_t before = _numbers.size();
+  if (_keepsAll)
+    _numbers.insert(_numbers.end(), p_numbers, p_numbers + p_count);
+  else
+    for (std::size_t i = 0; i < p_count; ++i) {
+      _voxel[_channel] = p_numbers[i];
+      _channel = _channel + 1 == _voxel.size() ? 0 : _channel + 1;
+      if (_channel == 0)
+        for (const std::size_t kept : _kept)
+          _numbers.push_back(_voxel[kept]);
+    }
+  for (std::size_t i = before; i < _numbers.size(); ++i)
+    if (std::isfinite(_numbers[i])) {
+      _least = std::min(_least, _numbers[i]);
+      _most = std::max(_most, _numbers[i]);
+    }
+  constexpr std::uint64_t ReportEvery = std::uint64_t{1} << 18;
+  const bool isFirst = _read == 0;
+  _read += p_count;
+  if (isFirst || _read - _reported >= ReportEvery) {
+    ReportProgress();
+    _reported = _read;
   }
-  _read = read;
+}
+
+/// Reads numbers up to the first word that is none, or to the end of the window.
+void Reader::ReadPlain() {
+  std::array<float, 4096> numbers;
+  const std::string_view text = _source.Prepare(0);
+  const char* at = text.data();
+  for (std::size_t count = numbers.size(); count == numbers.size();) {
+    const std::uint64_t most = std::min<std::uint64_t>(numbers.size(), _count - _read);
+    const Private::FloatTexts read =
+        Private::ReadFloatTexts(at, text.data() + text.size(), numbers.data(), std::size_t(most), Words);
+    count = read.count;
+    at = read.end;
+    if (count != 0)
+      Add(numbers.data(), count);
+  }
   _source.Take(static_cast<std::size_t>(at - text.data()));
 }
 
-/// The characters up to the next blank, at most 40. Takes blanks in front.
+/// The characters up to the next blank, at most LongestWord. Takes blanks in front.
 std::string Reader::NextWord() {
   _source.TakeBlanks();
-  const std::string_view text = _source.Prepare(64).substr(0, 40);
+  const std::string_view text = _source.Prepare(64).substr(0, LongestWord);
   return std::string(text.begin(), std::find_if(text.begin(), text.end(), Private::Scan::IsBlank));
 }
 
 void Reader::ReadAny() {
   const std::string word = NextWord();
   float number = 0;
-  if (const std::optional<float> unusual = Unusual(word)) {
-    number = *unusual;
+  // At the end of a window or of the file.
+  const std::string ended = word + ' ' + std::string(Private::FloatTextsSlack, ' ');
+  const char* const last = ended.data() + word.size() + 1;
+  if (word.size() < LongestWord && Private::ReadFloatTexts(ended.data(), last, &number, 1, Words).count == 1) {
     _source.Take(word.size());
   } else if (std::string failed; !Private::ReadNumber(_source, number, failed)) {
     Fail("number " + std::to_string(_read + 1) + " of " + std::to_string(_count),
@@ -143,8 +160,7 @@ void Reader::ReadAny() {
   } else if (const std::string_view next = _source.Prepare(1); !next.empty() && !Private::Scan::IsBlank(next.front())) {
     Fail("a blank behind a number", word);
   }
-  Append(number);
-  ++_read;
+  Add(&number, 1);
 }
 
 void Reader::ReportProgress() {
@@ -154,16 +170,13 @@ void Reader::ReportProgress() {
 }
 
 void Reader::ReadNumbers() {
-  _numbers.reserve(std::size_t(_count) / _voxel.size() * _kept.size());
-  constexpr std::uint64_t ReportEvery = std::uint64_t{1} << 18;
-  for (std::uint64_t reported = 0; _read < _count;) {
+  Private::ReserveLarge(_numbers, std::size_t(_count) / _voxel.size() * _kept.size());
+  _source.TakeFloats(_threads, _count, Words,
+                     [this](const float* p_numbers, std::size_t p_count) { Add(p_numbers, p_count); });
+  while (_read < _count) {
     ReadPlain();
     if (_read < _count)
       ReadAny();
-    if (_read - reported >= ReportEvery || reported == 0) {
-      ReportProgress();
-      reported = _read;
-    }
   }
   if (const std::string word = NextWord(); !word.empty())
     Fail("the end of the file behind " + std::to_string(_count) + " numbers", word);
@@ -171,14 +184,7 @@ void Reader::ReadNumbers() {
 
 /// The range of the options, or that of the finite numbers; {0, 0} without any.
 void Reader::FindRange() {
-  float least = std::numeric_limits<float>::infinity();
-  float most = -least;
-  for (const float number : _numbers)
-    if (std::isfinite(number)) {
-      least = std::min(least, number);
-      most = std::max(most, number);
-    }
-  _array.range = least <= most ? std::array<float, 2>{least, most} : std::array<float, 2>{0, 0};
+  _array.range = _least <= _most ? std::array<float, 2>{_least, _most} : std::array<float, 2>{0, 0};
   if (!_options.range)
     return;
   const auto [low, high] = *_options.range;
@@ -191,17 +197,18 @@ void Reader::FindRange() {
   _array.range = {std::clamp(_array.range[0], low, high), std::clamp(_array.range[1], low, high)};
 }
 
+/// Uses the numbers up.
 template <class T>
-std::vector<T> Reader::Integers() const {
+std::vector<T> Reader::TakeIntegers() {
   constexpr double Most = std::numeric_limits<T>::max();
   const double low = _array.range[0];
   const double extent = double(_array.range[1]) - low;
   std::vector<T> integers;
-  integers.reserve(_numbers.size());
-  for (const float number : _numbers) {
-    const double scaled = extent > 0 ? (double(number) - low) / extent * Most : 0;
-    integers.push_back(static_cast<T>(scaled > 0 ? std::min(scaled, Most) + 0.5 : 0)); // NaN: 0
-  }
+  Private::ReserveLarge(integers, _numbers.size());
+  Private::ConvertFloats(_numbers.data(), _numbers.size(), 1, _threads, integers, [=](float p_number) {
+    const double scaled = extent > 0 ? (double(p_number) - low) / extent * Most : 0;
+    return static_cast<T>(scaled > 0 ? std::min(scaled, Most) + 0.5 : 0); // NaN: 0
+  });
   return integers;
 }
 
@@ -214,9 +221,9 @@ TextArray Reader::Read() {
   ReadNumbers();
   FindRange();
   if (_options.precision == TextArrayOptions::Bits8)
-    _array.values = Integers<std::uint8_t>();
+    _array.values = TakeIntegers<std::uint8_t>();
   else if (_options.precision == TextArrayOptions::Bits16)
-    _array.values = Integers<std::uint16_t>();
+    _array.values = TakeIntegers<std::uint16_t>();
   else
     _array.values = std::move(_numbers);
   return std::move(_array);
@@ -240,16 +247,17 @@ bool IsTextArray(std::string_view p_start) {
          (p_start.size() == Word.size() || Private::Scan::IsBlank(p_start[Word.size()]));
 }
 
-TextArray ReadTextArray(std::istream& p_stream, const std::string& p_name, const TextArrayOptions& p_options) {
-  return Reader(p_stream, p_name, p_options).Read();
+TextArray ReadTextArray(std::istream& p_stream, const std::string& p_name, const TextArrayOptions& p_options,
+                        Utility::Threads p_threads) {
+  return Reader(p_stream, p_name, p_options, p_threads).Read();
 }
 
-TextArray ReadTextArray(const std::string& p_path, const TextArrayOptions& p_options) {
+TextArray ReadTextArray(const std::string& p_path, const TextArrayOptions& p_options, Utility::Threads p_threads) {
   errno = 0;
   std::ifstream file(p_path, std::ios::binary);
   if (!file)
     throw TextArrayError(p_path, std::string("cannot be opened: ") + std::strerror(errno));
-  return ReadTextArray(file, p_path, p_options);
+  return ReadTextArray(file, p_path, p_options, p_threads);
 }
 
 } // namespace Vek::Chart::Library

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/Export.h"
+#include "platform/utility/Threads.h"
 
 #include <array>
 #include <cstddef>
@@ -68,12 +69,15 @@ VEK_LIBRARY_API bool IsTextArray(std::string_view p_start);
 /// numbers than the sizes need, and if the progress cancels; std::invalid_argument for a channel that the file does not
 /// have, and for a range that is empty or not finite.
 ///
+/// The result does not depend on the number of threads; files below 1 MiB start none.
+///
 /// \snippet FileSnippets.cpp ReadTextArray
 /// \ingroup files
-VEK_LIBRARY_API TextArray ReadTextArray(const std::string& p_path, const TextArrayOptions& p_options = {});
+VEK_LIBRARY_API TextArray ReadTextArray(const std::string& p_path, const TextArrayOptions& p_options = {},
+                                        Utility::Threads p_threads = {});
 /// Likewise, from a stream; `p_name` takes the place of the path in messages.
 /// \ingroup files
 VEK_LIBRARY_API TextArray ReadTextArray(std::istream& p_stream, const std::string& p_name,
-                                        const TextArrayOptions& p_options = {});
+                                        const TextArrayOptions& p_options = {}, Utility::Threads p_threads = {});
 
 } // namespace Vek::Chart::Library

@@ -6,7 +6,9 @@
 #include <boost/make_shared.hpp>
 
 #include <array>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace Vek::Chart::Library {
 
@@ -50,7 +52,7 @@ bool HasVoxel(const VolumeImageData& p_data, std::uint64_t p_index, const char* 
 
 /// Calls the loader of the file type, which takes the source and a function that makes the volume.
 template <class Source>
-boost::shared_ptr<VolumeImage> Load(Source& p_source, VolumeImage::FileType p_type) {
+boost::shared_ptr<VolumeImage> Load(Source& p_source, VolumeImage::FileType p_type, Utility::Threads p_threads) {
   if (p_type != VolumeImage::TextArray) {
     vekdebug::detail where;
     where.value = p_type;
@@ -58,11 +60,12 @@ boost::shared_ptr<VolumeImage> Load(Source& p_source, VolumeImage::FileType p_ty
     VEK_ENSURE_AT(false, "loader", Signature::LoadFromFile, where);
     return {};
   }
-  boost::shared_ptr<VolumeImage> volume;
-  Private::LoadTextArray(p_source, [&volume](std::uint64_t p_size0, std::uint64_t p_size1, std::uint64_t p_size2) {
-    volume = boost::make_shared<VolumeImage>(VolumeImage::Byte1, p_size0, p_size1, p_size2);
-    return volume->Bytes().data();
-  });
+  std::optional<Private::TextVolume> file = Private::LoadTextArray(p_source, p_threads);
+  if (!file)
+    return {};
+  const auto volume = boost::make_shared<VolumeImage>();
+  volume->Bytes() = std::move(file->voxels);
+  volume->Initialize(VolumeImage::Byte1, file->sizes[0], file->sizes[1], file->sizes[2]);
   return volume;
 }
 
@@ -129,11 +132,21 @@ void VolumeImage::Clear() {
 }
 
 boost::shared_ptr<VolumeImage> VolumeImage::LoadFromFile(const vekfile::filepath& p_path, FileType p_type) {
-  return Load(p_path, p_type);
+  return Load(p_path, p_type, Utility::Threads());
 }
 
 boost::shared_ptr<VolumeImage> VolumeImage::LoadFromStream(std::istream& p_stream, FileType p_type) {
-  return Load(p_stream, p_type);
+  return Load(p_stream, p_type, Utility::Threads());
+}
+
+boost::shared_ptr<VolumeImage> VolumeImage::LoadFromFile(const vekfile::filepath& p_path, FileType p_type,
+                                                         Utility::Threads p_threads) {
+  return Load(p_path, p_type, p_threads);
+}
+
+boost::shared_ptr<VolumeImage> VolumeImage::LoadFromStream(std::istream& p_stream, FileType p_type,
+                                                           Utility::Threads p_threads) {
+  return Load(p_stream, p_type, p_threads);
 }
 
 } // namespace Vek::Chart::Library

@@ -5,6 +5,7 @@
 #include "platform/debug/TypeName.h"
 #include "platform/file/FilePath.h"
 #include "platform/types/Property.h"
+#include "platform/utility/Threads.h"
 
 #include <boost/shared_ptr.hpp>
 
@@ -154,6 +155,13 @@ public:
   static boost::shared_ptr<VolumeImage> LoadFromFile(const vekfile::filepath& p_path, FileType p_type);
   /// LoadFromFile for a stream.
   static boost::shared_ptr<VolumeImage> LoadFromStream(std::istream& p_stream, FileType p_type);
+  ///@{
+  /// As above, on several threads, with the same voxels and reports. Files below 1 MiB start none.
+  static boost::shared_ptr<VolumeImage> LoadFromFile(const vekfile::filepath& p_path, FileType p_type,
+                                                     Utility::Threads p_threads);
+  static boost::shared_ptr<VolumeImage> LoadFromStream(std::istream& p_stream, FileType p_type,
+                                                       Utility::Threads p_threads);
+  ///@}
 
 private:
   Types::Property<VoxelFormat> _format;

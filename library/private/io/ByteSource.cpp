@@ -39,20 +39,47 @@ std::size_t ByteSource::Refill(std::size_t p_count) {
   _end -= _next;
   _next = 0;
   while (_end < p_count && !_ended) {
-    const std::size_t got = ReadOn();
+    const std::size_t got = ReadOn(_window.get() + _end, _size - _end);
     _end += got;
     _ended = got == 0;
   }
   return _end;
 }
 
-/// Reads behind the end of the window and returns the number of new bytes. Errors (for example on a directory) are
-/// reported, so that the stream is not taken for a short one.
-std::size_t ByteSource::ReadOn() {
+std::size_t ByteSource::Read(unsigned char* p_target, std::size_t p_count) {
+  const std::size_t available = std::min(_end - _next, p_count);
+  std::memcpy(p_target, Data(), available);
+  Take(available);
+  std::size_t count = available;
+  while (count < p_count && !_ended) {
+    const std::size_t got = ReadOn(p_target + count, p_count - count);
+    count += got;
+    _passed += got;
+    _ended = got == 0;
+  }
+  return count;
+}
+
+void ByteSource::Unread(const unsigned char* p_bytes, std::size_t p_count) {
+  const std::size_t available = _end - _next;
+  const std::size_t size = std::max(WindowSize, p_count + available);
+  std::unique_ptr<unsigned char[]> window(new unsigned char[size + Slack]);
+  std::memcpy(window.get(), p_bytes, p_count);
+  std::memcpy(window.get() + p_count, Data(), available);
+  _passed = Position() - p_count;
+  _window = std::move(window);
+  _size = size;
+  _next = 0;
+  _end = p_count + available;
+}
+
+/// Reads more bytes of the stream and returns their number. Errors (for example on a directory) are reported, so that
+/// the stream is not taken for a short one.
+std::size_t ByteSource::ReadOn(unsigned char* p_target, std::size_t p_count) {
   const vekdebug::detail where{_path};
   try {
-    const std::streamsize got = _stream.rdbuf()->sgetn(reinterpret_cast<char*>(_window.get() + _end),
-                                                       static_cast<std::streamsize>(_size - _end));
+    const std::streamsize got =
+        _stream.rdbuf()->sgetn(reinterpret_cast<char*>(p_target), static_cast<std::streamsize>(p_count));
     return got < 0 ? 0 : static_cast<std::size_t>(got);
   } catch (const std::exception& failure) {
     if ((_stream.exceptions() & std::ios_base::badbit) != 0) // as operations of the stream itself would

@@ -43,6 +43,10 @@ public:
   const unsigned char* Data() const { return _window.get() + _next; }
   /// Takes bytes that are available.
   void Take(std::size_t p_count) { _next += p_count; }
+  /// Takes up to `p_count` bytes into memory of the caller, fewer only at the end, and returns their number.
+  std::size_t Read(unsigned char* p_target, std::size_t p_count);
+  /// Gives bytes back that were taken last.
+  void Unread(const unsigned char* p_bytes, std::size_t p_count);
   /// The number of bytes taken so far.
   std::uint64_t Position() const { return _passed + _next; }
 
@@ -57,7 +61,7 @@ public:
 
 private:
   std::size_t Refill(std::size_t p_count);
-  std::size_t ReadOn();
+  std::size_t ReadOn(unsigned char* p_target, std::size_t p_count);
 
   std::istream& _stream;
   std::string_view _path;

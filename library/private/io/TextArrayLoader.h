@@ -1,21 +1,27 @@
 #pragma once
 
 #include "platform/file/FilePath.h"
+#include "platform/utility/Threads.h"
 
+#include <array>
 #include <cstdint>
-#include <functional>
 #include <iosfwd>
+#include <optional>
+#include <vector>
 
 namespace Vek::Chart::Library::Private {
 
 // The loader of TextArray files; VolumeImage::LoadFromFile describes the format and the reports.
 
-/// Makes a volume of these extents and returns its voxels, one byte each, which stay valid during the load.
-using NewVolume = std::function<unsigned char*(std::uint64_t p_size0, std::uint64_t p_size1, std::uint64_t p_size2)>;
+/// Voxels of one byte each.
+struct TextVolume {
+  std::array<std::uint64_t, 3> sizes{};
+  std::vector<unsigned char> voxels;
+};
 
-/// Calls `p_newVolume` once the extents are accepted, and not at all when they are refused.
-void LoadTextArray(const vekfile::filepath& p_filename, const NewVolume& p_newVolume);
+/// None when the extents are refused.
+std::optional<TextVolume> LoadTextArray(const vekfile::filepath& p_filename, Utility::Threads p_threads);
 /// As above, from a stream.
-void LoadTextArray(std::istream& p_stream, const NewVolume& p_newVolume);
+std::optional<TextVolume> LoadTextArray(std::istream& p_stream, Utility::Threads p_threads);
 
 } // namespace Vek::Chart::Library::Private

@@ -1,9 +1,13 @@
 #include "library/private/io/TextArraySource.h"
 
+#include "library/private/io/BlockSizes.h"
+
 #include <algorithm>
 #include <limits>
 #include <locale>
+#include <memory>
 #include <sstream>
+#include <vector>
 
 namespace Vek::Chart::Library::Private {
 
@@ -41,6 +45,69 @@ void TextSource::TakeBlanks() {
     if (blanks < text.size())
       break;
   }
+}
+
+namespace {
+
+/// A block of text that ends with a blank, and its numbers.
+struct FloatBlock {
+  std::unique_ptr<unsigned char[]> text; // neither is initialised
+  std::unique_ptr<float[]> numbers;
+  std::size_t size = 0;
+  std::size_t count = 0;
+  std::uint64_t lines = 0;
+  bool isWhole = false; ///< all words are numbers
+
+  void Work(Words p_words) {
+    const char* const first = reinterpret_cast<const char*>(text.get());
+    const FloatTexts read = ReadFloatTexts(first, first + size, numbers.get(), size, p_words);
+    count = read.count;
+    isWhole = SkipBlanks(read.end, first + size) == first + size;
+    lines = CountLineFeeds(text.get(), size);
+  }
+};
+
+} // namespace
+
+void TextSource::TakeFloats(Utility::Threads p_threads, std::uint64_t p_most, Words p_words,
+                            const std::function<void(const float*, std::size_t)>& p_numbers) {
+  const auto threads = static_cast<std::size_t>(p_threads.Count());
+  if (threads == 1 || RemainingByClaim() < WorthThreads)
+    return;
+  std::vector<FloatBlock> blocks(2 * threads);
+  std::basic_string<unsigned char> rest;   // of the last block: the word that goes on in the next one
+  std::basic_string<unsigned char> unread; // blocks that are given back
+  bool stopped = false;
+  Utility::BlockSteps steps;
+  steps.fill = [&](std::size_t p_slot) {
+    FloatBlock& block = blocks[p_slot];
+    if (!block.text) {
+      block.text.reset(new unsigned char[BlockBytes + FloatTextsSlack]);
+      block.numbers.reset(new float[BlockBytes]);
+    }
+    std::copy(rest.begin(), rest.end(), block.text.get());
+    const std::size_t got = stopped ? 0 : _bytes.Read(block.text.get() + rest.size(), BlockBytes - rest.size());
+    const std::size_t size = rest.size() + got;
+    for (block.size = size; block.size != 0 && !Scan::IsBlank(static_cast<char>(block.text[block.size - 1]));)
+      --block.size;
+    rest.assign(block.text.get() + block.size, block.text.get() + size);
+    return block.size != 0 && got != 0;
+  };
+  steps.work = [&](std::size_t p_slot) { blocks[p_slot].Work(p_words); };
+  steps.join = [&](std::size_t p_slot) {
+    const FloatBlock& block = blocks[p_slot];
+    stopped = stopped || !block.isWhole || block.count > p_most;
+    if (stopped) {
+      unread.append(block.text.get(), block.size);
+      return;
+    }
+    p_numbers(block.numbers.get(), block.count);
+    p_most -= block.count;
+    _line += block.lines;
+  };
+  Utility::RunBlocks(p_threads, blocks.size(), steps);
+  unread += rest;
+  _bytes.Unread(unread.data(), unread.size());
 }
 
 TextArrayHeader::TextArrayHeader(TextSource& p_source) {

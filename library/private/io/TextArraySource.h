@@ -1,10 +1,13 @@
 #pragma once
 
 #include "library/private/io/ByteSource.h"
+#include "library/private/io/FloatTexts.h"
 #include "library/private/io/NumberText.h"
+#include "platform/utility/Threads.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <istream>
 #include <string>
 #include <string_view>
@@ -26,6 +29,12 @@ public:
   }
   void Take(std::size_t p_count);
   void TakeBlanks();
+  /// Takes words and the blanks behind them on several threads, and calls p_numbers with those of each block in the
+  /// calling thread, in order. Ends in front of the first word that is no number, in front of a block that has more
+  /// than are left of `p_most`, at a word longer than a block, and in front of the last word of the file if there is no
+  /// blank behind it. A short file is left alone.
+  void TakeFloats(Utility::Threads p_threads, std::uint64_t p_most, Words p_words,
+                  const std::function<void(const float*, std::size_t)>& p_numbers);
   std::uint64_t Remaining(std::uint64_t p_limit) { return _bytes.Remaining(p_limit); }
   std::uint64_t RemainingByClaim() const { return _bytes.RemainingByClaim(); }
   std::uint64_t Position() const { return _bytes.Position(); }
@@ -58,15 +67,6 @@ inline const char* SkipBlanks(const char* p_first, const char* p_last) {
   while (p_first != p_last && Scan::IsBlank(*p_first))
     ++p_first;
   return p_first;
-}
-
-/// Reads a plain number that ends within the text; returns the position after it, or null.
-inline const char* PlainNumber(const char* p_first, const char* p_last, float& p_value) {
-  if (p_last - p_first >= 8)
-    if (const char* const end = Scan::TinyFloat(p_first, p_value))
-      return end;
-  const char* const end = Scan::ShortFloat(p_first, p_last, p_value);
-  return end == nullptr || end == p_last || *end == 'e' || *end == 'E' ? nullptr : end;
 }
 
 /// Takes a number of any kind, as a stream does. False when it fails, with the start of what was found.

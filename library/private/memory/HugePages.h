@@ -9,6 +9,9 @@ namespace Vek::Chart::Library::Private {
 /// hint: it has no effect below a few megabytes and on systems without huge pages.
 void AdviseHugePages(void* p_memory, std::size_t p_bytes);
 
+/// Gives the whole pages of memory back that is not read again, before it is freed.
+void ReleasePages(void* p_memory, std::size_t p_bytes);
+
 /// Sets memory to 0 without writing to what is 0 already: fresh memory is 0 and takes no pages until it is written.
 void ClearMemory(void* p_memory, std::size_t p_bytes);
 
