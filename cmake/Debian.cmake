@@ -66,7 +66,7 @@ vek_debian_package(development libvek-chart-dev libdevel
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libvek-chart-doc)
 vek_debian_package(data vek-chart-data science ""
   "Models and data.\n Models of the built-in glyphs, point sprites, and the gallery's data sets.")
-vek_debian_package(programs vek-chart-apps science "${runtime} ${version}, vek-chart-data ${version}, libegl-mesa0"
+vek_debian_package(programs vek-chart-apps science "${runtime} ${version}, ${widgets} ${version}, vek-chart-data ${version}, libegl-mesa0"
   "Gallery and viewer.\n Programs that draw charts of data off-screen or in a window.")
 # The name of the package before.
 foreach(relation REPLACES CONFLICTS)

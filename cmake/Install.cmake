@@ -33,6 +33,12 @@ foreach(program vek-gallery vek-viewer)
   endif()
 endforeach()
 
+if(TARGET vek-viewer) # in menus of desktops
+  install(FILES apps/viewer/vek-viewer.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT programs)
+  install(FILES apps/viewer/vek-viewer.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps
+    COMPONENT programs)
+endif()
+
 install(DIRECTORY platform algorithms library io scene DESTINATION ${header_dir} COMPONENT development
   FILES_MATCHING PATTERN "*.h" PATTERN private EXCLUDE)
 if(TARGET vek-gallery) # its page shows them

@@ -54,6 +54,7 @@ struct VEK_IO_API Volume {
   std::optional<double> noData;      ///< the value that means "no data"; NaN and infinities always do
   std::string unit;                  ///< of the values, or empty
   std::string name;                  ///< of the volume, as the file has it, or empty
+  std::size_t steps = 1;             ///< of time in the file, one of which was read
 
   /// The type of the values.
   Type ValueType() const { return Type(values.index()); }

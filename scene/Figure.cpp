@@ -284,6 +284,11 @@ FigureLayout Figure::Layout(const Types::Viewport<0>& p_viewport, double p_pixel
   return _state->Arrange(*this, p_viewport, p_pixelRatio > 0 ? p_pixelRatio : 1);
 }
 
+Figure& Figure::SetTriad(bool p_isShown) {
+  _state->hasTriad = p_isShown;
+  return *this;
+}
+
 Figure& Figure::SetMoving(bool p_isMoving) {
   _state->isMoving = p_isMoving;
   return *this;
@@ -304,6 +309,7 @@ void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewpo
   Canvas canvas(p_gl, p_viewport, _state->text, ratio);
   for (const FigureLayout::Block& block : layout.blocks)
     block.content.Draw(canvas, block.origin);
+  _state->DrawTriad(canvas, layout, theme);
 }
 
 std::optional<Figure::Hit> Figure::Pick(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,

@@ -190,6 +190,10 @@ public:
   /// Removes the cutting plane of a number, counted from 0. Throws std::invalid_argument for a number past the end.
   Figure& RemoveClip(std::size_t p_number);
 
+  /// Shows which way the axes point by an OrientationTriad in the lower left corner of the scene, in figures that are
+  /// not flat; by default not. `Paint` and PDFs have none.
+  Figure& SetTriad(bool p_isShown = true);
+
   /// Whether further drawings follow soon, while a user moves the camera, for example. Half-transparent plots then have
   /// one layer. False at first.
   Figure& SetMoving(bool p_isMoving);
@@ -213,8 +217,11 @@ public:
   ///
   /// Throws std::invalid_argument for a size that is not positive, std::runtime_error where no context can be made.
   QImage Image(Types::Size p_size = {1200, 800}, int p_samples = 4);
-  /// Writes that image to a file, in the format that its suffix names (PNG and what Qt supports), or a PDF: one page of
-  /// `p_size` points (1/72 inch) as `Paint` paints it, with the fonts embedded. Throws as `Image`, and
+  /// The same without background: drawn on black and on white, it has the opacity by which both differ. Throws as
+  /// `Image`.
+  QImage ImageWithoutBackground(Types::Size p_size = {1200, 800}, int p_samples = 4);
+  /// Writes what `Image` draws to a file, in the format that its suffix names (PNG and what Qt supports), or a PDF: one
+  /// page of `p_size` points (1/72 inch) as `Paint` paints it, with the fonts embedded. Throws as `Image`, and
   /// std::runtime_error with path and reason for a file that cannot be written.
   ///
   /// \param p_path ends in ".pdf" for a PDF

@@ -48,6 +48,14 @@ std::size_t SlicesPlot::SliceCount() const {
   return Slices(const_cast<SlicesPlot*>(this)->Content()).Slices().size();
 }
 
+SlicesPlot::Slice SlicesPlot::SliceAt(std::size_t p_slice) const {
+  const auto& slices = Slices(const_cast<SlicesPlot*>(this)->Content()).Slices();
+  if (p_slice >= slices.size())
+    throw std::invalid_argument("SliceAt: expected a number below " + std::to_string(slices.size()) + ", got " +
+                                std::to_string(p_slice));
+  return {static_cast<int>(slices[p_slice].axis), slices[p_slice].position};
+}
+
 SlicesPlot& SlicesPlot::Filter(VoxelGrid::Filter p_filter) {
   Slices(Content()).SetFilter(p_filter);
   return *this;

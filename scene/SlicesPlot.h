@@ -40,8 +40,15 @@ public:
   SlicesPlot& Move(std::size_t p_slice, double p_position);
   /// Removes all slices.
   SlicesPlot& Clear();
+  /// A slice: the axis that it is perpendicular to, 0 to 2 for x to z, and its position in data units.
+  struct Slice {
+    int axis = 0;        ///< 0 to 2
+    double position = 0; ///< in data units
+  };
   /// How many slices there are.
   std::size_t SliceCount() const;
+  /// A slice by its number. Throws std::invalid_argument for one that does not exist.
+  Slice SliceAt(std::size_t p_slice) const;
 
   /// How values between the centres of voxels are found; VoxelGrid::Filter::Nearest shows the voxels.
   SlicesPlot& Filter(VoxelGrid::Filter p_filter);

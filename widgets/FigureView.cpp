@@ -3,7 +3,6 @@
 #include "platform/debug/Check.h"
 #include "platform/ogl/PerContext.h"
 #include "scene/Background.h"
-#include "scene/Ticks.h"
 
 #include <QClipboard>
 #include <QFileDialog>
@@ -98,6 +97,7 @@ void FigureView::Release() {
 void FigureView::SetFigure(std::shared_ptr<Scene::Figure> p_figure) {
   if (_figure == p_figure)
     return;
+  _slice.reset();
   WithContext([this](const Utility::Scoped<Rgl>& p_gl) {
     if (_figure)
       _figure->Release(p_gl);
@@ -295,6 +295,58 @@ void FigureView::mousePressEvent(QMouseEvent* p_event) {
   _press = _last = PlaceOf(*p_event);
   _isDrag = false;
   _isClick = true;
+  _slice.reset();
+  if (p_event->button() == Qt::LeftButton && p_event->modifiers() == Qt::ControlModifier)
+    BeginSlice(_press);
+}
+
+namespace {
+
+double& At(Position& p_position, int p_axis) {
+  return p_axis == 0 ? p_position.x : p_axis == 1 ? p_position.y : p_position.z;
+}
+
+} // namespace
+
+/// Of the slices that meet at the place, the one whose plane is nearest to the hit.
+void FigureView::BeginSlice(const QPointF& p_place) {
+  const std::optional<Scene::Figure::Hit> hit = HitAt(p_place);
+  // The figure is the view's to change, as are its plots.
+  auto* const plot = hit ? const_cast<Scene::SlicesPlot*>(dynamic_cast<const Scene::SlicesPlot*>(hit->plot)) : nullptr;
+  if (plot == nullptr)
+    return;
+  const Position scene = _figure->ToScene(hit->position);
+  double nearest = HUGE_VAL;
+  for (std::size_t i = 0; i < plot->SliceCount(); ++i) {
+    const Scene::SlicesPlot::Slice slice = plot->SliceAt(i);
+    Position on = hit->position;
+    At(on, slice.axis) = slice.position;
+    const Position offset = _figure->ToScene(on) - scene;
+    const double distance = Length(offset);
+    if (distance < nearest)
+      nearest = distance, _slice = DraggedSlice{plot, i, slice.axis, scene, p_place};
+  }
+}
+
+/// Along the axis as it is seen at the hit, within the limits of the axes.
+void FigureView::DragSlice(const QPointF& p_place) {
+  const Scene::Camera camera = Camera();
+  const Types::Viewport<0> viewport = Viewport();
+  constexpr double Step = 1e-3; // of the scene, whose longest edge is about 1
+  Position further = _slice->scene;
+  At(further, _slice->axis) += Step;
+  const Scene::Camera::Pixel from = camera.Project(_slice->scene, viewport), to = camera.Project(further, viewport);
+  const double x = (to.x - from.x) / Step, y = (to.y - from.y) / Step;
+  const QPointF moved = (p_place - _slice->place) * devicePixelRatioF();
+  constexpr double LeastSquare = 100; // an axis that is seen end-on
+  Position scene = _slice->scene;
+  At(scene, _slice->axis) += (moved.x() * x - moved.y() * y) / std::fmax(x * x + y * y, LeastSquare);
+  const auto limits = _figure->Limits();
+  Position place = _figure->ToData(scene), low = limits.Min(), high = limits.Max();
+  const double position = std::clamp(At(place, _slice->axis), At(low, _slice->axis), At(high, _slice->axis));
+  _slice->plot->Move(_slice->number, position);
+  update();
+  emit SliceMoved(_slice->plot, _slice->number, position);
 }
 
 void FigureView::mouseMoveEvent(QMouseEvent* p_event) {
@@ -309,7 +361,9 @@ void FigureView::mouseMoveEvent(QMouseEvent* p_event) {
     return;
   _isDrag = _isMoving = true;
   const QPointF moved = place - std::exchange(_last, place);
-  if (buttons == Qt::LeftButton && !p_event->modifiers().testFlag(Qt::ShiftModifier)) {
+  if (_slice) {
+    DragSlice(place);
+  } else if (buttons == Qt::LeftButton && !p_event->modifiers().testFlag(Qt::ShiftModifier)) {
     Move([&](Scene::OrbitController& p_orbit) { p_orbit.Rotate(moved.x(), -moved.y()); });
   } else {
     const QPointF pixels = moved * devicePixelRatioF();
@@ -323,8 +377,10 @@ void FigureView::Rest() {
 }
 
 void FigureView::mouseReleaseEvent(QMouseEvent* p_event) {
-  if (p_event->buttons() == Qt::NoButton)
+  if (p_event->buttons() == Qt::NoButton) {
     Rest();
+    _slice.reset();
+  }
   if (p_event->button() != Qt::LeftButton || !std::exchange(_isClick, false) || _isDrag)
     return;
   const QPointF place = PlaceOf(*p_event);

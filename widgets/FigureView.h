@@ -31,6 +31,7 @@ namespace Vek::Chart::Widgets {
 /// | Input | Effect |
 /// |---|---|
 /// | drag | rotates as a turntable |
+/// | Ctrl+drag on a slice | moves the slice (see Scene::SlicesPlot) and emits SliceMoved |
 /// | Shift+drag, middle or right drag | pans |
 /// | wheel | zooms to the cursor |
 /// | click (less than ClickDistance moved) | emits Picked and shows what lies there |
@@ -119,6 +120,8 @@ signals:
   /// What lies under the cursor, which moved without a button; empty beside the data, and when the cursor leaves. With
   /// mouse tracking alone. Moves that wait for a drawing are skipped.
   void Pointed(const std::optional<Vek::Chart::Scene::Figure::Hit>& p_hit);
+  /// A slice was dragged to a position along its axis, in data units.
+  void SliceMoved(const Vek::Chart::Scene::SlicesPlot* p_plot, std::size_t p_slice, double p_position);
   /// The camera of the figure was moved by the view.
   void CameraMoved();
 
@@ -153,6 +156,8 @@ private:
   void AskWhereToSave();
 
   void Rest();
+  void BeginSlice(const QPointF& p_place);
+  void DragSlice(const QPointF& p_place);
   void ShowReadOut(const QPointF& p_place, const QPoint& p_global);
 
   std::shared_ptr<Scene::Figure> _figure;
@@ -166,8 +171,17 @@ private:
   QPointF _pointer;       ///< the last of them
   bool _isMoving = false; ///< the camera, so that another image follows soon
   QPointF _press, _last;  ///< of the mouse, in logical pixels
-  bool _isDrag = false;   ///< the mouse has moved too far for a click
-  bool _isClick = false;  ///< the button that is down is not that of a double click
+  /// A slice that is dragged, from where the cursor met it.
+  struct DraggedSlice {
+    Scene::SlicesPlot* plot;
+    std::size_t number;
+    int axis;
+    Types::Vector3_Base<double> scene; ///< where the cursor met it
+    QPointF place;                     ///< of the cursor then
+  };
+  std::optional<DraggedSlice> _slice;
+  bool _isDrag = false;  ///< the mouse has moved too far for a click
+  bool _isClick = false; ///< the button that is down is not that of a double click
 };
 
 } // namespace Vek::Chart::Widgets

@@ -14,7 +14,8 @@ Chart::Chart(const QString& p_title)
 }
 
 Chart::Chart(Scene::Figure p_figure)
-    : figure(std::make_shared<Scene::Figure>(std::move(p_figure))) {}
+    : figure(std::make_shared<Scene::Figure>(std::move(p_figure)))
+    , _hasOwnTheme(true) {}
 
 Setting* Chart::FindOwn(const QString& p_group, const QString& p_name) {
   const auto found = std::find_if(_settings.begin(), _settings.end(), [&](const Setting& p_setting) {
@@ -93,8 +94,23 @@ double Along(const Types::Vector3_Base<double>& p_point, int p_axis) {
 
 } // namespace
 
-void Chart::AddCut() {
+void Chart::AddCommon() {
   figure->Layout({0, 0, 800, 600}); // which finds the limits
+  AddCut();
+  QStringList themes{"dark", "light", "print"};
+  if (_hasOwnTheme)
+    themes.push_front("its own");
+  AddChoice("Figure", "Theme", themes, 0, [this, themes, own = figure->theme](int p_index) {
+    const QString name = themes.value(p_index);
+    figure->theme = name == "light"   ? Scene::Theme::Light()
+                    : name == "print" ? Scene::Theme::Print()
+                    : name == "dark"  ? Scene::Theme::Dark()
+                                      : own;
+  });
+  AddSwitch("Figure", "Triad", hasTriad && !_hasOwnTheme, [this](bool p_isOn) { figure->SetTriad(p_isOn); });
+}
+
+void Chart::AddCut() {
   AddChoice("Cut", "Across", {"–", figure->AxisTitle(0), figure->AxisTitle(1), figure->AxisTitle(2)}, 0,
             [this](int p_axis) {
               _cutAxis = p_axis - 1;

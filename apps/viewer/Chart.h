@@ -33,13 +33,17 @@ public:
   /// Sets all settings that another chart has as well to its values; those that do not fit stay.
   void Adopt(const Chart& p_other);
 
-  /// Adds the settings of a cutting plane. On the thread of the windows.
-  void AddCut();
+  /// Adds the settings that all figures have: theme, triad, and a cutting plane. On the thread of the windows.
+  void AddCommon();
+  /// A slice of a plot was dragged.
+  virtual void SliceMoved(const Scene::SlicesPlot* /*p_plot*/, std::size_t /*p_slice*/, double /*p_position*/) {}
 
   /// What the data have at a hit, beside what the figure shows there: a line each.
   virtual QStringList Details(const Scene::Figure::Hit& /*p_hit*/) const { return {}; }
 
 protected:
+  bool hasTriad = true; ///< at first
+
   using Offered = std::function<bool()>;
   ///@{
   /// Adds a setting and applies its value. Those that make plots anew come first. The result may be completed.
@@ -84,10 +88,12 @@ protected:
 
 private:
   Setting* FindOwn(const QString& p_group, const QString& p_name);
+  void AddCut();
   void Cut();
   Setting::Range CutLimits() const;
 
   std::vector<Setting> _settings;
+  bool _hasOwnTheme = false;
   int _cutAxis = -1; ///< 0 to 2; −1 for none
   double _cutAt = 0;
   bool _keepsAbove = false;

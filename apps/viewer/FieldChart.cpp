@@ -36,12 +36,13 @@ private:
 
   void DescribeAxes() {
     const auto& axes = _field.axes;
-    figure->SetAxisTitles(TitleOf(_field.axisNames[0], _field.axisUnits[0]),
-                          TitleOf(_field.axisNames[1], _field.axisUnits[1]),
-                          TitleOf(_field.axisNames[2], _field.axisUnits[2]));
-    if (AngleOf(_field.axisNames[0], _field.axisUnits[0]) == 'x' &&
-        AngleOf(_field.axisNames[1], _field.axisUnits[1]) == 'y')
-      figure->SetMap();
+    const auto title = [this](std::size_t p_axis) {
+      return TitleOf(_field.axisNames[p_axis], _field.axisUnits[p_axis]);
+    };
+    const bool isMap = AngleOf(_field.axisNames[0], _field.axisUnits[0]) == 'x' &&
+                       AngleOf(_field.axisNames[1], _field.axisUnits[1]) == 'y';
+    figure->SetMap(isMap);
+    isMap ? figure->SetAxisTitles({}, {}, title(2)) : figure->SetAxisTitles(title(0), title(1), title(2));
     QStringList parts{QString("%L1 × %L2").arg(axes[0].size()).arg(axes[1].size()) +
                       (axes[2].size() > 1 ? QString(" × %L1 vectors").arg(axes[2].size()) : QString(" vectors"))};
     QStringList names;

@@ -17,9 +17,10 @@ class HeightChart : public Chart {
 public:
   HeightChart(const std::shared_ptr<const Document>& p_document, const Io::HeightGrid& p_grid)
       : Chart(QString::fromStdString(p_document->Name()))
-      , _grid(p_grid) {
-    const bool isMap = AngleOf(p_grid.xName, p_grid.xUnit) == 'x' && AngleOf(p_grid.yName, p_grid.yUnit) == 'y';
-    figure->SetMap(isMap);
+      , _document(p_document)
+      , _grid(p_grid)
+      , _isMap(AngleOf(p_grid.xName, p_grid.xUnit) == 'x' && AngleOf(p_grid.yName, p_grid.yUnit) == 'y') {
+    figure->SetMap(_isMap);
     QStringList parts{QString("%L1 × %L2 values").arg(p_grid.x.size()).arg(p_grid.y.size()),
                       QString::fromStdString(p_grid.name)};
     if (p_document->part.time < p_grid.times.size())
@@ -29,7 +30,7 @@ public:
     parts.removeAll(QString());
     figure->SetTitle(QString::fromStdString(p_document->Name()), parts.join(" · "));
     AddSteps(*p_document);
-    AddChoice("Surface", "Shape", {"relief", "flat"}, isMap && !AreLengths(p_grid.unit) ? 1 : 0, [this](int p_shape) {
+    AddChoice("Surface", "Shape", {"relief", "flat"}, _isMap && !AreLengths(p_grid.unit) ? 1 : 0, [this](int p_shape) {
       Build(p_shape == 1);
     }).rebuilds = true;
     Setting& lines = AddNumber("Surface", "Contour lines", 0, {0, 40},
@@ -60,7 +61,10 @@ private:
     if (_surface != nullptr)
       figure->Remove(*_surface);
     const QString title = TitleOf(_grid.name.empty() ? "Height" : _grid.name, _grid.unit);
-    figure->SetAxisTitles(TitleOf(_grid.xName, _grid.xUnit), TitleOf(_grid.yName, _grid.yUnit), title);
+    if (_isMap)
+      figure->SetAxisTitles({}, {}, title);
+    else
+      figure->SetAxisTitles(TitleOf(_grid.xName, _grid.xUnit), TitleOf(_grid.yName, _grid.yUnit), title);
     if (p_isFlat) {
       std::vector<double> heights(_grid.heights.size());
       std::transform(_grid.heights.begin(), _grid.heights.end(), heights.begin(),
@@ -73,7 +77,9 @@ private:
     figure->camera.reset();
   }
 
+  std::shared_ptr<const Document> _document;
   const Io::HeightGrid& _grid; ///< of the document
+  const bool _isMap;
   Scene::SurfacePlot* _surface = nullptr;
 };
 

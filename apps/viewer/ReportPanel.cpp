@@ -6,6 +6,7 @@
 #include <QClipboard>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QHeaderView>
 
 namespace Vek::Chart::Viewer {
 
@@ -27,7 +28,9 @@ ReportPanel::ReportPanel(QWidget* p_parent)
   _soon.setInterval(50);
   connect(&_soon, &QTimer::timeout, this, &ReportPanel::TakeReports);
   _lines->setHeaderHidden(true);
-  _lines->setWordWrap(true);
+  _lines->setTextElideMode(Qt::ElideNone); // long lines are scrolled
+  _lines->header()->setStretchLastSection(false);
+  _lines->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   _lines->setSelectionMode(QAbstractItemView::ExtendedSelection);
   _lines->setContextMenuPolicy(Qt::ActionsContextMenu);
   setWidget(_lines);
@@ -73,8 +76,9 @@ void ReportPanel::AddFailure(const QString& p_text) {
   ++_count;
   QTreeWidgetItem* const line = AddLine(p_text, FailureColor);
   line->parent()->setExpanded(true);
-  _lines->scrollToItem(line);
   ShowCount();
+  show();
+  _lines->scrollToItem(line);
 }
 
 void ReportPanel::Clear() {

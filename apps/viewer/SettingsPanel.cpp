@@ -44,7 +44,7 @@ QWidget* Together(const std::vector<QWidget*>& p_widgets) {
   auto* const row = new QHBoxLayout(widget);
   row->setContentsMargins(0, 0, 0, 0);
   for (QWidget* field : p_widgets)
-    row->addWidget(field);
+    row->addWidget(field, qobject_cast<QLabel*>(field) != nullptr ? 0 : 1);
   return widget;
 }
 
@@ -152,7 +152,8 @@ SettingsPanel::Row SettingsPanel::MakeChoice(const Setting& p_setting) {
   connect(box, QOverload<int>::of(&QComboBox::activated), this,
           [this, group = p_setting.group, name = p_setting.name](int p_index) { Change(group, name, p_index); });
   auto* const label = new QLabel(p_setting.name);
-  label->setMinimumWidth(70);
+  constexpr int LabelWidth = 70;
+  label->setMinimumWidth(LabelWidth);
   Row row{{}, {}, {}, {Together({label, box})}};
   QSlider* slider = nullptr;
   if (p_setting.reading != Setting::Reading::None) {
@@ -259,7 +260,7 @@ SettingsPanel::Row SettingsPanel::MakeRange(const Setting& p_setting) {
     if (!high->isModified())
       high->setText(Shown(range.max));
   };
-  return {{}, {}, show, {Together({new QLabel(p_setting.name), automatic}), Together({low, new QLabel("to"), high})}};
+  return {{}, {}, show, {Together({new QLabel(p_setting.name), automatic}), Together({low, high})}};
 }
 
 } // namespace Vek::Chart::Viewer

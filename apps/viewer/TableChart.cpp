@@ -37,7 +37,8 @@ public:
     AddColumns();
     _isReady = true;
     Build();
-    AddNumber("Symbols", "Diameter", 0.01, {0.001, 0.1}, [this](double p_share) {
+    const double diameter = std::clamp(0.1 / std::sqrt(static_cast<double>(_rows) + 1), 0.01, 0.03);
+    AddNumber("Symbols", "Diameter", diameter, {0.001, 0.1}, [this](double p_share) {
       if (_points != nullptr)
         _points->Diameter(_size == 0 ? p_share : 4 * p_share);
     });
@@ -53,13 +54,17 @@ public:
 
   QStringList Details(const Scene::Figure::Hit& p_hit) const override {
     QStringList cells;
-    if (p_hit.element)
-      for (const Io::Table::Column* column : _columns)
-        cells << QString::fromStdString(column->name) + ' ' + QString::number(column->numbers.at(*p_hit.element));
+    for (std::size_t i = 0; p_hit.element && i < _columns.size(); ++i)
+      if (const int column = static_cast<int>(i + 1); column != _color && !Has(_place, column))
+        cells << QString::fromStdString(_columns[i]->name) + ": " +
+                     QString::number(_columns[i]->numbers.at(*p_hit.element), 'g', 10);
     return cells;
   }
 
 private:
+  static bool Has(const std::array<int, 3>& p_columns, int p_column) {
+    return std::find(p_columns.begin(), p_columns.end(), p_column) != p_columns.end();
+  }
   /// The number of the first column of one of these names that has no use yet, from 1; 0 without one.
   int Find(std::initializer_list<const char*> p_names) const {
     for (const char* name : p_names)
@@ -77,10 +82,10 @@ private:
     _vector = {Find({"u", "vx"}), Find({"v", "vy"}), Find({"w", "vz"})};
     _isDown = _place[2] != 0 && Bare(_columns[static_cast<std::size_t>(_place[2] - 1)]->name) == "depth";
     _size = Find({"mag", "magnitude", "size"});
-    _color = _place[2];
     for (std::size_t i = 0; i < _columns.size() && _color == 0; ++i)
-      if (const int column = static_cast<int>(i + 1); column != _place[0] && column != _place[1] && column != _size)
+      if (const int column = static_cast<int>(i + 1); !Has(_place, column) && !Has(_vector, column) && column != _size)
         _color = column;
+    _color = _color == 0 ? _place[2] : _color;
   }
 
   void AddColumns() {
@@ -127,6 +132,8 @@ private:
     _points = nullptr, _arrows = nullptr;
     DescribeAxes();
     const auto points = Points(_place, _isDown);
+    if (_isMap)
+      ScaleHeights(points);
     const Io::Table::Column* const color = Column(_color);
     if (_vector[0] != 0 && _vector[1] != 0) {
       _arrows = &figure->Quiver(points, Points(_vector, _isDown));
@@ -142,14 +149,27 @@ private:
     figure->camera.reset();
   }
 
+  /// On a map, heights are up to a third as long as the map.
+  void ScaleHeights(const std::vector<std::array<double, 3>>& p_points) {
+    Types::BoundingBox_Base<double> box;
+    for (const auto& [x, y, z] : p_points)
+      if (std::isfinite(x) && std::isfinite(y) && std::isfinite(z))
+        box += Types::Vector3_Base<double>(x, y, z);
+    const auto extent = box.Empty() ? Types::Vector3_Base<double>() : box.Extent();
+    const double longest = std::fmax(extent.x, extent.y);
+    if (longest > 0 && extent.z > 0)
+      figure->SetAspect(1, 1, longest / extent.z / 3);
+  }
+
   void DescribeAxes() {
     const auto name = [this](int p_column) {
       return Column(p_column) != nullptr ? Column(p_column)->name : std::string();
     };
-    const bool isMap = AngleOf(Bare(name(_place[0])).toStdString(), {}) == 'x' &&
-                       AngleOf(Bare(name(_place[1])).toStdString(), {}) == 'y';
-    figure->SetMap(isMap);
-    figure->SetAxisTitles(QString::fromStdString(name(_place[0])), QString::fromStdString(name(_place[1])),
+    _isMap = AngleOf(Bare(name(_place[0])).toStdString(), {}) == 'x' &&
+             AngleOf(Bare(name(_place[1])).toStdString(), {}) == 'y';
+    figure->SetMap(_isMap);
+    figure->SetAxisTitles(_isMap ? QString() : QString::fromStdString(name(_place[0])),
+                          _isMap ? QString() : QString::fromStdString(name(_place[1])),
                           (_isDown ? QString(QChar(0x2212)) : QString()) + QString::fromStdString(name(_place[2])));
     figure->SetTitle(QString::fromStdString(_document->Name()), QString("%L1 rows").arg(_rows));
   }
@@ -161,7 +181,8 @@ private:
   std::array<int, 3> _place{}, _vector{}; ///< columns, from 1; 0 for none
   int _color = 0, _size = 0;              ///< likewise
   bool _isDown = false;                   ///< whether z points downwards
-  bool _isReady = false;                  ///< whether all columns are chosen
+  bool _isMap = false;
+  bool _isReady = false; ///< whether all columns are chosen
   Scene::ScatterPlot* _points = nullptr;
   Scene::QuiverPlot* _arrows = nullptr;
 };

@@ -90,6 +90,8 @@ int Run(int p_argc, char** p_argv) {
   int argc = 1; // the rest is not Qt's
   QApplication application(argc, p_argv);
   qInstallMessageHandler(usual);
+  QApplication::setApplicationName("vek-viewer");
+  QApplication::setDesktopFileName("vek-viewer");
   Viewer::ApplyDarkTheme(application);
   Viewer::ViewerWindow window(inputs);
   window.show();

@@ -2,6 +2,7 @@
 
 #include "apps/viewer/LoadBar.h"
 #include "apps/viewer/Welcome.h"
+#include "apps/viewer/WindowIcon.h"
 
 #include <QDragEnterEvent>
 #include <QFileInfo>
@@ -31,6 +32,8 @@ ViewerWindow::ViewerWindow(const Gallery::Inputs& p_inputs)
   auto* const files = new QDockWidget("Files", this);
   files->setObjectName("files");
   files->setWidget(_list);
+  _list->setTextElideMode(Qt::ElideMiddle);
+  _list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   files->setFeatures(QDockWidget::NoDockWidgetFeatures);
   addDockWidget(Qt::LeftDockWidgetArea, files);
   addDockWidget(Qt::RightDockWidgetArea, _settings);
@@ -46,6 +49,7 @@ ViewerWindow::ViewerWindow(const Gallery::Inputs& p_inputs)
   AddStatusBar();
   Connect();
   setWindowTitle("Vek viewer");
+  setWindowIcon(WindowIcon());
 }
 
 ViewerWindow::~ViewerWindow() {
@@ -69,6 +73,11 @@ void ViewerWindow::Connect() {
     _settings->Refresh(); // the step that is shown
   });
   connect(_view, &Widgets::FigureView::Pointed, this, &ViewerWindow::ShowPoint);
+  connect(_view, &Widgets::FigureView::SliceMoved, this,
+          [this](const Scene::SlicesPlot* p_plot, std::size_t p_slice, double p_position) {
+            Chart()->SliceMoved(p_plot, p_slice, p_position);
+            _settings->Refresh();
+          });
   connect(_settings, &SettingsPanel::Changed, this, [this](const QString& p_group, const QString& p_name) {
     const Setting* const setting = Chart()->Find(p_group, p_name);
     if (setting->reading != Setting::Reading::None)
@@ -152,7 +161,7 @@ void ViewerWindow::Take(const std::shared_ptr<Arrival>& p_arrival) {
   Entry& arrived = p_arrival->entry;
   for (const std::string& warning : p_arrival->warnings)
     _reports->Add(QString::fromStdString(warning));
-  arrived.chart->AddCut();
+  arrived.chart->AddCommon();
   if (!arrived.path.startsWith(':'))
     _recent.Add(arrived.path);
   const auto same = std::find_if(_entries.begin(), _entries.end(),
@@ -166,6 +175,10 @@ void ViewerWindow::Take(const std::shared_ptr<Arrival>& p_arrival) {
     _list->addItem(item);
   } else {
     arrived.chart->Adopt(*same->chart);
+    if (row == _shown) { // seen from where it was
+      const Scene::Camera camera = _view->Camera();
+      arrived.chart->figure->Look(camera.azimuth, camera.elevation, camera.projection);
+    }
     arrived.chart->figure->camera = same->chart->figure->camera;
     *same = arrived;
   }

@@ -45,6 +45,9 @@ public:
   /// Draws the chart with a size of its own and writes it. The panel tells when that fails.
   void SaveImage(const QString& p_path, Types::Size p_size, bool p_isTransparent = false);
 
+  /// All keys and what the mouse does, as rich text.
+  QString HelpText() const;
+
   /// The chart that is shown; null without one.
   Viewer::Chart* Chart();
   QListWidget& List() { return *_list; }
@@ -90,6 +93,7 @@ private:
   void ShowPoint(const std::optional<Scene::Figure::Hit>& p_hit);
   void AskForFiles();
   void AskWhereToSave();
+  void AskForImage(Types::Size p_size, bool p_isTransparent);
   void ShowHelp();
   void ShowAbout();
 

@@ -26,6 +26,13 @@ public:
       , _document(p_document)
       , _volume(p_volume)
       , _grid(p_volume, 0) {
+    if (p_volume.steps > 1) {
+      QStringList steps;
+      for (std::size_t i = 0; i < p_volume.steps; ++i)
+        steps << QString::number(i);
+      AddChoice("Volume", "Step", steps, static_cast<int>(p_document->part.time), [](int) {}).reading =
+          Setting::Reading::Time;
+    }
     if (p_volume.channels > 1) {
       QStringList names;
       for (std::size_t i = 0; i < p_volume.channels; ++i)
@@ -47,6 +54,11 @@ public:
       if (_surface != nullptr)
         _surface->SetOpacity(p_opacity);
     }).isOffered = [this] { return Show() >= IsosurfaceShown; };
+  }
+
+  void SliceMoved(const Scene::SlicesPlot* p_plot, std::size_t p_slice, double p_position) override {
+    if (p_plot == _slices)
+      Set("Slices", QString("At ") + Axes[_slices->SliceAt(p_slice).axis], p_position);
   }
 
 private:
@@ -195,18 +207,13 @@ private:
     level.isOffered = [this] { return Show() >= IsosurfaceShown; };
     level.unit = _grid.unit;
   }
-  /// density · s^1.5 from the clear value to the largest one.
+  /// Grows evenly from the clear value to the largest one.
   void SetOpacities() {
     if (_rays == nullptr)
       return;
     const Setting::Range range = ValueRange();
-    constexpr int Steps = 12;
-    std::vector<Scene::OpacityFunction::Point> points;
-    for (int i = 0; i <= Steps; ++i) {
-      const double share = static_cast<double>(i) / Steps;
-      points.push_back({_clear + (std::max(range.max, _clear) - _clear) * share, _density * std::pow(share, 1.5)});
-    }
-    _rays->OpacityBy(points);
+    const double top = std::max(range.max, _clear);
+    _rays->OpacityBy({{_clear, 0}, {top, _density}});
   }
 
   std::shared_ptr<const Document> _document;

@@ -1,4 +1,5 @@
 #include "apps/viewer/LoadBar.h"
+#include "apps/viewer/SaveDialog.h"
 #include "apps/viewer/ViewerWindow.h"
 
 #include "io/Formats.h"
@@ -6,12 +7,14 @@
 #include <QAction>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QImageWriter>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QStatusBar>
 #include <QToolButton>
 
 #include <functional>
+#include <stdexcept>
 
 namespace Vek::Chart::Viewer {
 
@@ -119,12 +122,10 @@ void ViewerWindow::AddStatusBar() {
   count->setDefaultAction(_reports->toggleViewAction());
   const auto show = [this](std::size_t p_count) {
     _reports->toggleViewAction()->setText(QString("Reports: %1").arg(p_count));
-    if (p_count > 0)
-      _reports->show();
   };
   connect(_reports, &ReportPanel::CountChanged, this, show);
   show(_reports->Count());
-  _reports->hide(); // until there is something to read
+  _reports->hide(); // until something fails
   statusBar()->addPermanentWidget(count);
 }
 
@@ -142,34 +143,89 @@ void ViewerWindow::AskForFiles() {
 void ViewerWindow::AskWhereToSave() {
   if (Chart() == nullptr)
     return;
-  auto* const dialog = new QFileDialog(this, "Save image", QString(), "Images (*.png *.jpg *.bmp);;PDF (*.pdf)");
+  auto* const how = new SaveDialog({_view->width(), _view->height()}, this);
+  how->setAttribute(Qt::WA_DeleteOnClose);
+  connect(how, &QDialog::accepted, this, [this, how] { AskForImage(how->Size(), how->IsTransparent()); });
+  how->open();
+}
+
+void ViewerWindow::AskForImage(Types::Size p_size, bool p_isTransparent) {
+  auto* const dialog = new QFileDialog(this, "Save image", QString(),
+                                       p_isTransparent ? "Images (*.png)" : "Images (*.png *.jpg *.bmp);;PDF (*.pdf)");
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->setAcceptMode(QFileDialog::AcceptSave);
   dialog->setDefaultSuffix("png");
   dialog->selectFile(QFileInfo(_list->item(_shown)->text()).completeBaseName() + ".png");
-  connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& p_path) {
-    SaveImage(p_path, {_view->width(), _view->height()});
-  });
+  connect(dialog, &QFileDialog::fileSelected, this,
+          [=](const QString& p_path) { SaveImage(p_path, p_size, p_isTransparent); });
   dialog->open();
 }
 
-void ViewerWindow::SaveImage(const QString& p_path, Types::Size p_size, bool /*p_isTransparent*/) {
+void ViewerWindow::SaveImage(const QString& p_path, Types::Size p_size, bool p_isTransparent) {
   if (Chart() == nullptr)
     return;
   try {
-    Chart()->figure->Save(p_path, p_size);
+    if (!p_isTransparent) {
+      Chart()->figure->Save(p_path, p_size);
+    } else if (QImageWriter writer(p_path); !writer.write(Chart()->figure->ImageWithoutBackground(p_size))) {
+      throw std::runtime_error((p_path + ": the image cannot be written: " + writer.errorString()).toStdString());
+    }
   } catch (const std::exception& error) {
     _reports->SetFile(p_path);
     _reports->AddFailure(QString::fromUtf8(error.what()));
   }
 }
 
+namespace {
+
+/// What the mouse does in the view; keys are those of the menus.
+constexpr const char* MouseActions[][2] = {
+    {"Drag", "rotates"},
+    {"Middle-drag, right-drag, Shift+drag", "pan"},
+    {"Scroll", "zooms to the cursor"},
+    {"Ctrl+drag on a slice", "moves the slice"},
+    {"Double click", "moves what is there into the middle"},
+    {"Move", "shows position and value in the status bar"},
+};
+
+} // namespace
+
+QString ViewerWindow::HelpText() const {
+  QString rows;
+  const auto add = [&](const QString& p_input, const QString& p_effect) {
+    rows += QString("<tr><td><b>%1</b>&nbsp;&nbsp;</td><td>%2</td></tr>").arg(p_input.toHtmlEscaped(), p_effect);
+  };
+  for (const auto& [input, effect] : MouseActions)
+    add(input, effect);
+  for (const QAction* menu : menuBar()->actions())
+    for (const QAction* action : menu->menu()->actions()) {
+      QStringList keys;
+      for (const QKeySequence& key : action->shortcuts())
+        keys << key.toString(QKeySequence::NativeText);
+      if (!keys.isEmpty())
+        add(keys.join(", "), action->text().remove('&').remove(QChar(0x2026)));
+    }
+  return "<table>" + rows + "</table>";
+}
+
 void ViewerWindow::ShowHelp() {
-  QMessageBox::information(this, "Mouse and keys", "");
+  auto* const box = new QMessageBox(QMessageBox::NoIcon, "Mouse and keys", HelpText(), QMessageBox::Close, this);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->open();
 }
 
 void ViewerWindow::ShowAbout() {
-  QMessageBox::about(this, "About the viewer", "");
+  std::string formats;
+  for (const Io::Format& format : Io::Formats())
+    if (const std::string name(format.name); formats.find(name) == std::string::npos && format.isAvailable)
+      formats += (formats.empty() ? "" : ", ") + name;
+  const QString text = QString("<h3>Vek viewer %1</h3><p>Shows files as charts, by the library Vek.Chart.Library.</p>"
+                               "<p>Reads %2.</p><p>With Qt %3.</p>")
+                           .arg(VEK_VERSION, QString::fromStdString(formats).toHtmlEscaped(), qVersion());
+  auto* const box = new QMessageBox(QMessageBox::NoIcon, "About the viewer", text, QMessageBox::Close, this);
+  box->setIconPixmap(windowIcon().pixmap(64));
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->open();
 }
 
 } // namespace Vek::Chart::Viewer

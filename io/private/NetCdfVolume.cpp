@@ -56,6 +56,7 @@ Volume ReadNetCdfVolume(std::istream& p_stream, const std::string& p_name, const
   volume.range = volume.FindRange();
   const auto& units = grid.axisUnits;
   volume.lengthUnit = units[0] == units[1] && units[1] == units[2] ? units[0] : "";
+  volume.steps = std::max<std::size_t>(grid.times.size(), 1);
   volume.unit = variable.Text("units");
   volume.name = variable.Text("long_name").empty() ? variable.name : variable.Text("long_name");
   return volume;

@@ -242,6 +242,7 @@ std::uint64_t CountValues(const ValueLayout& p_layout, const std::string& p_name
 
 void ReadValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
                 const std::string& p_name, Volume& p_volume) {
+  p_volume.steps = p_layout.steps;
   WithType(p_format.type, [&](auto p_value) {
     BinaryValues<decltype(p_value)> values(p_source, p_format, p_name);
     ReadAs<decltype(p_value)>(values, p_format, p_layout, p_step, p_name, p_volume);
@@ -250,6 +251,7 @@ void ReadValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLa
 
 void ReadTextValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
                     const std::string& p_name, std::size_t p_line, Volume& p_volume) {
+  p_volume.steps = p_layout.steps;
   WithType(p_format.type, [&](auto p_value) {
     TextValues<decltype(p_value)> values(p_source, p_name, p_line);
     ReadAs<decltype(p_value)>(values, p_format, p_layout, p_step, p_name, p_volume);

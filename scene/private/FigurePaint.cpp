@@ -7,6 +7,8 @@
 
 #include "platform/ogl/OffscreenContext.h"
 
+#include <boost/shared_ptr.hpp>
+
 #include <cmath>
 #include <stdexcept>
 #include <string>
@@ -45,6 +47,16 @@ QImage Figure::State::DataImage(const Figure& p_figure, const FigureLayout& p_la
       DrawPlots(gl, {p_layout.camera, p_viewport, p_pixelRatio, p_figure.theme.title, p_figure.theme.line});
     }
     return context.Image();
+  };
+  const QImage onBlack = imageOn(Qt::black);
+  return Private::WithoutBackground(onBlack, imageOn(Qt::white));
+}
+
+QImage Figure::ImageWithoutBackground(Types::Size p_size, int p_samples) {
+  const auto kept = boost::shared_ptr<void>(nullptr, [this, before = theme](void*) { theme = before; });
+  const auto imageOn = [&](const QColor& p_background) {
+    theme.backgroundTop = theme.backgroundBottom = p_background;
+    return Image(p_size, p_samples);
   };
   const QImage onBlack = imageOn(Qt::black);
   return Private::WithoutBackground(onBlack, imageOn(Qt::white));

@@ -4,6 +4,7 @@
 #include "scene/ColorBar.h"
 #include "scene/DirectionalLight.h"
 #include "scene/Graticule.h"
+#include "scene/OrientationTriad.h"
 #include "scene/SizeLegend.h"
 #include "scene/private/FigureCuts.h"
 #include "scene/private/FigureMap.h"
@@ -282,6 +283,17 @@ FigureLayout Figure::State::Arrange(const Figure& p_figure, const Types::Viewpor
   }
   Private::CloseUp(layout);
   return layout;
+}
+
+void Figure::State::DrawTriad(Canvas& p_canvas, const FigureLayout& p_layout, const Theme& p_theme) const {
+  if (!hasTriad || _isFlat)
+    return;
+  OrientationTriad triad;
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    if (const QString name = AxisName(axis); name.size() == 1)
+      triad.names[axis] = name;
+  const double room = triad.length + triad.radius;
+  triad.Draw(p_canvas, p_layout.camera, {p_layout.scene.left + room, p_layout.scene.bottom + room}, p_theme);
 }
 
 /// There are GL clip planes enough for the limits; those of a map have copies of the data.

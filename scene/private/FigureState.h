@@ -53,6 +53,7 @@ struct VEK_HIDDEN Figure::State {
   std::size_t added = 0; ///< plots that there have been
 
   bool isMoving = false;
+  bool hasTriad = false;
   Ogl::PerContext<Private::DepthPeeling> peeling;
   Private::DataTransform transform; ///< as of the last layout
   Picker picker;
@@ -82,6 +83,8 @@ struct VEK_HIDDEN Figure::State {
   QString AxisName(std::size_t p_axis) const;
   /// Empty for decimal values.
   Axes::TickMaker TicksOf(std::size_t p_axis) const;
+  /// The triad, in the lower left corner of the scene, if there is to be one.
+  void DrawTriad(Canvas& p_canvas, const FigureLayout& p_layout, const Theme& p_theme) const;
   /// Of the axes, in data units.
   Private::Box Limits() const { return _box.Empty() ? Private::Box() : transform.Inverse(_box); }
 

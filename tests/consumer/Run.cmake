@@ -19,12 +19,13 @@ file(RENAME ${WORK_DIR}/installed ${prefix})
 
 # Installed files, and files that must not be.
 foreach(file bin/vek-gallery share/man/man1/vek-gallery.1.gz
+    share/applications/vek-viewer.desktop share/icons/hicolor/scalable/apps/vek-viewer.svg
     ${LIB_DIR}/libvek-platform.so.1 ${LIB_DIR}/libvek-chart-library.so.1
     include/vek-chart/library/ColorMap.h include/vek-chart/algorithms/Array.h include/vek-chart/testing/RecordingGl.h share/vek-chart-library/symbols/Cone.obj
     share/vek-chart-library/sprites/symbol_star.png share/vek-chart-library/data/README.md
     share/doc/vek-chart-library/LICENSE share/doc/vek-chart-library/docs/images/wind.png
     share/doc/vek-chart-library/html/index.html)
-  if(NOT EXISTS ${prefix}/${file} AND (APPS OR NOT file MATCHES "vek-gallery"))
+  if(NOT EXISTS ${prefix}/${file} AND (APPS OR NOT file MATCHES "vek-gallery|vek-viewer"))
     message(SEND_ERROR "not installed: ${file}")
   endif()
 endforeach()

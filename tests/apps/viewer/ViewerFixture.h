@@ -89,12 +89,19 @@ protected:
     const QStringList lines = _window->Reports().Lines();
     return lines.isEmpty() ? std::string() : lines.last().toStdString();
   }
-  /// All that a figure says around its data: titles, keys and notes.
-  std::string Notes() {
-    std::string notes;
-    for (const QString& note : _window->Chart()->figure->Layout(View().Viewport()).notes)
-      notes += note.toStdString() + "; ";
-    return notes;
+  /// All that a figure says around its data: titles, keys, notes.
+  std::string Words() {
+    std::string words;
+    for (const auto& block : _window->Chart()->figure->Layout(View().Viewport()).blocks)
+      for (const auto& string : block.content.Strings())
+        words += string.text.toStdString() + "|";
+    return words;
+  }
+  /// Sets a setting as the panel does.
+  void Set(const char* p_group, const char* p_name, const Setting::Value& p_value) {
+    _window->Chart()->Set(p_group, p_name, p_value);
+    View().update();
+    QApplication::processEvents();
   }
 
   TempFolder _folder;
