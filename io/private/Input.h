@@ -10,7 +10,7 @@
 
 namespace Vek::Chart::Io::Private {
 
-/// Opens a file as binary. Throws FileError for a folder and for a file that cannot be opened.
+/// Opens a file as binary. Throws FileError for a folder, a device and a file that cannot be opened.
 std::ifstream OpenFile(const std::string& p_path);
 /// All that is left of a stream. Throws FileError where reading fails.
 std::string ReadAll(std::istream& p_stream, const std::string& p_name);
