@@ -321,10 +321,11 @@ std::optional<Figure::Hit> Figure::Pick(Utility::Scoped<Rgl>& p_gl, const Types:
   return _state->Pick(p_gl, {Layout(p_viewport, ratio).camera, p_viewport, ratio, theme.title, theme.line}, p_pixel);
 }
 
-QImage Figure::Image(Types::Size p_size, int p_samples) {
+QImage Figure::Image(Types::Size p_size, int p_samples, double p_pixelRatio) {
+  const double ratio = p_pixelRatio > 0 ? p_pixelRatio : 1;
   return Private::DrawnImage(
       p_size, p_samples, HasTransparent(),
-      [this](auto& p_gl, const auto& p_viewport, double p_pixelRatio) { Draw(p_gl, p_viewport, p_pixelRatio); });
+      [&](auto& p_gl, const auto& p_viewport, double p_factor) { Draw(p_gl, p_viewport, p_factor * ratio); });
 }
 
 bool Figure::HasTransparent() const {

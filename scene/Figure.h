@@ -209,14 +209,14 @@ public:
   /// \param p_viewport in pixels of the frame buffer
   /// \param p_pixelRatio pixels of a point, in which letters and lines are measured: the device pixel ratio
   void Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);
-  /// Draws into a new image with `p_samples` samples a pixel, a point being a pixel. With half-transparent plots, it is
+  /// Draws into a new image with `p_samples` samples a pixel and `p_pixelRatio` pixels a point. With half-transparent plots, it is
   /// drawn at twice the size with a quarter of the samples, and averaged, where no side is longer than 4096 pixels.
   /// Needs no display, no context and no application object: where there is none, a QGuiApplication of the platform
   /// "offscreen" lives during the call, so that a QApplication can be made afterwards. Main thread, where there is no
   /// application object.
   ///
   /// Throws std::invalid_argument for a size that is not positive, std::runtime_error where no context can be made.
-  QImage Image(Types::Size p_size = {1200, 800}, int p_samples = 4);
+  QImage Image(Types::Size p_size = {1200, 800}, int p_samples = 4, double p_pixelRatio = 1);
   /// The same without background: drawn on black and on white, it has the opacity by which both differ. Throws as
   /// `Image`.
   QImage ImageWithoutBackground(Types::Size p_size = {1200, 800}, int p_samples = 4);

@@ -208,12 +208,13 @@ void FigureGrid::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_vi
   TitleBlock(ratio).Draw(canvas, {Margin, canvas.Height() - Margin});
 }
 
-QImage FigureGrid::Image(Types::Size p_size, int p_samples) {
+QImage FigureGrid::Image(Types::Size p_size, int p_samples, double p_pixelRatio) {
+  const double ratio = p_pixelRatio > 0 ? p_pixelRatio : 1;
   const bool hasTransparent =
       std::any_of(_figures.begin(), _figures.end(), [](const Figure& p_figure) { return p_figure.HasTransparent(); });
   return Private::DrawnImage(
       p_size, p_samples, hasTransparent,
-      [this](auto& p_gl, const auto& p_viewport, double p_pixelRatio) { Draw(p_gl, p_viewport, p_pixelRatio); });
+      [&](auto& p_gl, const auto& p_viewport, double p_factor) { Draw(p_gl, p_viewport, p_factor * ratio); });
 }
 
 void FigureGrid::Save(const QString& p_path, Types::Size p_size, double p_resolution) {

@@ -69,7 +69,7 @@ public:
   /// Draws all figures; see Figure::Draw.
   void Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);
   /// Draws into a new image; see Figure::Image.
-  QImage Image(Types::Size p_size = {1600, 1000}, int p_samples = 4);
+  QImage Image(Types::Size p_size = {1600, 1000}, int p_samples = 4, double p_pixelRatio = 1);
   /// Writes an image or a PDF; see Figure::Save.
   void Save(const QString& p_path, Types::Size p_size = {1600, 1000}, double p_resolution = 200);
   /// Paints a page of `p_size` points; see Figure::Paint.

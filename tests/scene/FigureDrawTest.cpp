@@ -216,6 +216,15 @@ TEST_F(FigurePixels, DataAreReadDuringTheCall) {
   EXPECT_EQ(changed.Image(ImageSize), expected);
 }
 
+/// An image with more pixels a point is what is drawn with them.
+TEST_F(FigurePixels, ImagesTakeThePixelsOfAPoint) {
+  Figure figure("Title");
+  figure.Scatter(Cloud(10));
+  figure.Draw(gl, viewport, 2);
+  const Types::Size size(static_cast<int>(viewport.width), static_cast<int>(viewport.height));
+  EXPECT_TRUE(SameImage(figure.Image(size, 0, 2), Image().convertToFormat(QImage::Format_RGB32)));
+}
+
 /// In whatever state a host draws, the image is the same, and its state stays.
 TEST_F(FigurePixels, HostStateChangesNothing) {
   Figure figure("Title");
