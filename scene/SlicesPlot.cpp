@@ -33,6 +33,15 @@ SlicesPlot& SlicesPlot::At(int p_axis, double p_position) {
   return *this;
 }
 
+SlicesPlot& SlicesPlot::At(const Types::Plane& p_plane) {
+  const Private::Point point = p_plane.Point(), normal = p_plane.Normal();
+  const double length = Length(normal);
+  if (!std::isfinite(point.x + point.y + point.z) || !std::isfinite(length) || !(length > 0))
+    throw std::invalid_argument("At: expected a finite plane with a normal");
+  Slices(Content()).Add({0, 0, p_plane});
+  return *this;
+}
+
 SlicesPlot& SlicesPlot::Move(std::size_t p_slice, double p_position) {
   RequireFinite("Move", p_position);
   Slices(Content()).Move(p_slice, p_position);
@@ -58,6 +67,14 @@ SlicesPlot::Slice SlicesPlot::SliceAt(std::size_t p_slice) const {
 
 SlicesPlot& SlicesPlot::Filter(VoxelGrid::Filter p_filter) {
   Slices(Content()).SetFilter(p_filter);
+  return *this;
+}
+
+SlicesPlot& SlicesPlot::Show(double p_low, double p_high) {
+  if (!(p_low <= p_high))
+    throw std::invalid_argument("Show: expected ascending limits, got " + std::to_string(p_low) + " and " +
+                                std::to_string(p_high));
+  Slices(Content()).Show({p_low, p_high});
   return *this;
 }
 

@@ -5,11 +5,14 @@
 #include "scene/Plot.h"
 #include "scene/VoxelGrid.h"
 
+#include "platform/types/Geometry.h"
+
 #include <cstddef>
 
 namespace Vek::Chart::Scene {
 
-/// Plane slices through a volume, perpendicular to the axes, in the colours of its values. Made by `Figure::Slices`.
+/// Plane slices through a volume, perpendicular to the axes or oblique, in the colours of its values. Made by
+/// `Figure::Slices`.
 ///
 ///     figure.Slices(Io::ReadVolume("ocean.nc")).At(2, -500).At(0, 330).ColorMap("cividis").ColorTitle("Salinity");
 ///
@@ -35,8 +38,14 @@ public:
   /// Adds a slice perpendicular to an axis, 0 to 2 for x to z. The first one replaces the default slices. Throws
   /// std::invalid_argument for another axis and a position that is not finite.
   SlicesPlot& At(int p_axis, double p_position);
+  /// Adds a slice in any plane, with point and normal in data units (on a logarithmic axis, the normal counts in
+  /// decades, as in `Figure::Clip`); the figure notes the number of such slices. The first one replaces the default
+  /// slices. Throws std::invalid_argument for a plane that is not finite or has no normal.
+  ///
+  ///     figure.Slices(head).At({{0, 0, 20}, {0, 1, 1}}); // tilted by 45 degrees about x
+  SlicesPlot& At(const Types::Plane& p_plane);
   /// Moves a slice along its axis, by its number in the order of adding; the default ones are 0 to 2 for x to z. Throws
-  /// std::invalid_argument for a slice that does not exist and a position that is not finite.
+  /// std::invalid_argument for a slice that does not exist or is oblique, and for a position that is not finite.
   SlicesPlot& Move(std::size_t p_slice, double p_position);
   /// Removes all slices.
   SlicesPlot& Clear();
@@ -52,6 +61,9 @@ public:
 
   /// How values between the centres of voxels are found; VoxelGrid::Filter::Nearest shows the voxels.
   SlicesPlot& Filter(VoxelGrid::Filter p_filter);
+  /// Leaves out values below `p_low` and above `p_high`, pixel by pixel; infinite for no limit. Throws
+  /// std::invalid_argument for limits that are NaN or descend.
+  SlicesPlot& Show(double p_low, double p_high);
   /// Colours by the values of the volume again, the default.
   SlicesPlot& ColorByValue();
   /// Replaces the values by as many others, NaN for missing ones. Uploads them alone.

@@ -1,5 +1,9 @@
 #include "scene/private/SlicesContent.h"
 
+#include "scene/private/FigureCuts.h"
+
+#include "library/Intersect.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -13,14 +17,22 @@ namespace Vek::Chart::Scene::Private {
 
 namespace {
 
-/// A slice through a box.
-Slice RectangleOf(const Box& p_box, const AxisSlice& p_slice) {
+/// A slice through a box perpendicular to an axis.
+Slice RectangleOf(const Box& p_box, const PlaneSlice& p_slice) {
   const std::size_t u = (p_slice.axis + 1) % 3, v = (p_slice.axis + 2) % 3;
   Slice corners(4, p_box.Min());
   for (Point& corner : corners)
     At(corner, p_slice.axis) = p_slice.position;
   At(corners[1], u) = At(corners[2], u) = At(p_box.Max(), u);
   At(corners[2], v) = At(corners[3], v) = At(p_box.Max(), v);
+  return corners;
+}
+
+/// A slice through a box by any plane; empty where they do not meet.
+Slice PolygonOf(const Box& p_box, const Types::Plane& p_plane) {
+  Slice corners;
+  if (IsFinite(p_plane.Point()) && IsFinite(p_plane.Normal())) // else through a 0 of a logarithmic axis
+    Library::Intersect::Intersection(p_box, p_plane, corners);
   return corners;
 }
 
@@ -34,7 +46,7 @@ SlicesContent::SlicesContent(VoxelGrid p_grid)
     _slices.push_back({axis, At(middle, axis)});
 }
 
-void SlicesContent::Add(const AxisSlice& p_slice) {
+void SlicesContent::Add(const PlaneSlice& p_slice) {
   if (std::exchange(_areDefault, false))
     _slices.clear();
   _slices.push_back(p_slice);
@@ -45,6 +57,8 @@ void SlicesContent::Move(std::size_t p_slice, double p_position) {
   if (p_slice >= _slices.size())
     throw std::invalid_argument("Move: expected a slice below " + std::to_string(_slices.size()) + ", got " +
                                 std::to_string(p_slice));
+  if (_slices[p_slice].plane)
+    throw std::invalid_argument("Move: expected a slice perpendicular to an axis, got an oblique one");
   _slices[p_slice].position = p_position;
   SettingsChanged();
 }
@@ -52,6 +66,11 @@ void SlicesContent::Move(std::size_t p_slice, double p_position) {
 void SlicesContent::Clear() {
   _areDefault = false;
   _slices.clear();
+  SettingsChanged();
+}
+
+void SlicesContent::Show(const Types::MinMax_Base<double>& p_values) {
+  _part.shown = p_values;
   SettingsChanged();
 }
 
@@ -70,7 +89,15 @@ Box SlicesContent::PlaceChanged(const Changes& p_changes) {
   _part.SetGrid(_placed, _filter);
   _shown.clear();
   _outlines.clear();
-  for (const AxisSlice& slice : _slices) {
+  for (const PlaneSlice& slice : _slices) {
+    if (slice.plane) {
+      const Slice polygon = PolygonOf(_region, SceneCut(*slice.plane, _placement.transform));
+      if (polygon.size() < 3)
+        continue;
+      _shown.push_back(slice);
+      _outlines.push_back(polygon);
+      continue;
+    }
     Point point(1, 1, 1);
     At(point, slice.axis) = slice.position;
     const double position = At(_placement.transform(point), slice.axis);
@@ -124,7 +151,7 @@ void SlicesContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& /*p_frame*
 
 Picked SlicesContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
   Point position = p_scene; // on the slice, from which the depth buffer rounds
-  if (p_number && *p_number < _shown.size())
+  if (p_number && *p_number < _shown.size() && !_shown[*p_number].plane)
     At(position, _shown[*p_number].axis) = _shown[*p_number].position;
   return VoxelAt(position);
 }
@@ -140,15 +167,24 @@ std::vector<QString> SlicesContent::Notes() const {
   std::vector<QString> notes;
   QStringList positions;
   constexpr std::size_t MostNamed = 12;
+  std::size_t oblique = 0;
   for (std::size_t i = 0; i < _slices.size() && i < MostNamed; ++i)
-    positions.push_back(QString(QLatin1Char(Names[_slices[i].axis])) + QStringLiteral(" = ") +
-                        Text(_slices[i].axis, _slices[i].position));
+    if (_slices[i].plane)
+      ++oblique;
+    else
+      positions.push_back(QString(QLatin1Char(Names[_slices[i].axis])) + QStringLiteral(" = ") +
+                          Text(_slices[i].axis, _slices[i].position));
   if (_slices.size() > MostNamed)
     positions.push_back(QStringLiteral("%1 more").arg(_slices.size() - MostNamed));
   if (!positions.empty())
-    notes.push_back(QLatin1String(_slices.size() == 1 ? "slice at " : "slices at ") +
+    notes.push_back(QLatin1String(positions.size() == 1 ? "slice at " : "slices at ") +
                     positions.join(QStringLiteral(", ")));
+  AddCount(notes, oblique, {"oblique slice", "oblique slices"}, "through the volume");
   AddCount(notes, _slices.size() - _shown.size(), {"slice", "slices"}, "outside of the axes or the volume");
+  for (const auto& [limit, side] : {std::pair(_part.shown.min, "below"), {_part.shown.max, "above"}})
+    if (std::isfinite(limit))
+      notes.push_back(QStringLiteral("values %1 %2 left out")
+                          .arg(QLatin1String(side), QString::number(limit, 'g', 5).replace('-', QChar(0x2212))));
   const std::vector<QString> others = GridContent::Notes();
   notes.insert(notes.end(), others.begin(), others.end());
   return notes;

@@ -5,14 +5,16 @@
 #include "scene/private/GridContent.h"
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 namespace Vek::Chart::Scene::Private {
 
-/// A plane perpendicular to an axis.
-struct AxisSlice {
+/// A plane perpendicular to an axis, or any other one.
+struct PlaneSlice {
   std::size_t axis = 0;
   double position = 0;
+  std::optional<Types::Plane> plane{}; ///< takes the place of axis and position
 };
 
 class SlicesContent : public GridContent {
@@ -20,10 +22,12 @@ public:
   explicit SlicesContent(VoxelGrid p_grid);
 
   /// Adds a slice; the first one replaces the default ones.
-  void Add(const AxisSlice& p_slice);
+  void Add(const PlaneSlice& p_slice);
   void Move(std::size_t p_slice, double p_position);
   void Clear();
-  const std::vector<AxisSlice>& Slices() const { return _slices; }
+  /// Leaves out values outside of a range.
+  void Show(const Types::MinMax_Base<double>& p_values);
+  const std::vector<PlaneSlice>& Slices() const { return _slices; }
 
   void ValuesChanged() override;
   bool IsPeeled() const override { return true; }
@@ -37,11 +41,11 @@ private:
   void ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const override;
   void ValuesUpdated() override;
 
-  std::vector<AxisSlice> _slices;
+  std::vector<PlaneSlice> _slices;
   bool _areDefault = true;
 
   // What was placed.
-  std::vector<AxisSlice> _shown; ///< within the part, in the scene
+  std::vector<PlaneSlice> _shown; ///< within the part; positions are those of the scene
   std::vector<Slice> _outlines;
   GpuMesh _lines; ///< along the outlines
   VolumeSlices _part;

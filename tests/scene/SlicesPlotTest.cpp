@@ -25,7 +25,12 @@ TEST_F(SlicesPlotTest, NotesSayWhereSlicesAreAndWhatIsNotDrawn) {
   plot.Clear().At(2, 1);
   figure.SetLimits(0, 1, 9);
   EXPECT_EQ(NotesOf(figure), (Notes{"slice at z = 1.00", "2 voxels missing", "the volume is cut at the axes"}));
-  plot.UpdateValues(Doubles(24, NaN));
+  plot.At(Types::Plane({2, 1, 1}, {1, 1, 1})).At(Types::Plane({9, 9, 9}, {1, 1, 1}));
+  EXPECT_EQ(NotesOf(figure).at(1), "2 oblique slices through the volume");
+  EXPECT_EQ(NotesOf(figure).at(2), "1 slice outside of the axes or the volume");
+  plot.Clear().At(2, 1).Show(-2, INFINITY);
+  EXPECT_EQ(NotesOf(figure).at(1), "values below \u22122 left out");
+  plot.Show(-INFINITY, INFINITY).UpdateValues(Doubles(24, NaN));
   EXPECT_EQ(NotesOf(figure).at(1), "all 24 voxels missing");
 
   Figure large;
@@ -51,6 +56,15 @@ TEST_F(SlicesPlotTest, RefusesWrongArguments) {
       {"At: expected an axis of 0 to 2, got 3", [&] { plot.At(3, 0); }},
       {"At: expected a finite position, got nan", [&] { plot.At(0, NaN); }},
       {"Move: expected a slice below 3, got 3", [&] { plot.Move(3, 0); }},
+      {"At: expected a finite plane with a normal",
+       [&] {
+         plot.At(Types::Plane({0, 0, 0}, {0, 0, 0}));
+       }},
+      {"Move: expected a slice perpendicular to an axis, got an oblique one",
+       [&] {
+         plot.At(Types::Plane({0, 0, 0}, {1, 1, 0})).Move(0, 0);
+       }},
+      {"Show: expected ascending limits, got 2.000000 and 1.000000", [&] { plot.Show(2, 1); }},
       {"UpdateValues: expected 8 elements, got 7", [&] { plot.UpdateValues(Doubles(7)); }},
       {"ColorBy: expected 8 elements, got 9", [&] { plot.ColorBy(Doubles(9)); }},
   });
@@ -129,6 +143,34 @@ TEST_F(SlicesPlotPixels, ColorsLieToScale) {
               << name << ' ' << i << ' ' << color.red() << ' ' << 255 * value / 60;
       }
     }
+}
+
+/// On stretched axes far from the origin, an oblique slice shows and picks the values of its plane.
+TEST_F(SlicesPlotPixels, ObliqueSlicesLieInTheirPlane) {
+  const VoxelGrid grid(Ascending(60), {5, 4, 3}, Box({1e6, 0, -30}, {1e6 + 100, 4, 30}));
+  const Types::Plane plane({1e6 + 50, 2, 0}, {0.01, -0.1, 0.02});
+  Figure figure;
+  figure.theme.grid = figure.theme.line = figure.theme.title = Qt::white;
+  figure.Look(0, 90, Camera::Projection::Parallel);
+  SlicesPlot& slices = figure.Slices(grid).At(plane).ColorMap({Qt::black, Qt::red}).ColorRange(0, 60);
+  figure.Draw(gl, viewport);
+  for (int i = 0; i < 20; ++i) {
+    Point at(1e6 + 30 + 40 * std::fmod(0.377 * i, 1), 1 + 2 * i / 19.0, 0);
+    at.z = -((at.x - plane.Point().x) * plane.Normal().x + (at.y - 2) * plane.Normal().y) / plane.Normal().z;
+    EXPECT_NEAR(AtPoint(figure, at).red(), 255 * grid.Sample(at) / 60, 6) << i;
+    const auto pixel = figure.Layout(viewport).camera.Project(figure.ToScene(at), viewport);
+    const auto hit = figure.Pick(gl, viewport, {static_cast<int>(pixel.x), static_cast<int>(pixel.y)});
+    ASSERT_TRUE(hit) << i;
+    EXPECT_NEAR(hit->position.z, at.z, 1) << i;
+    EXPECT_NEAR(*hit->value, grid.Sample(at), 1) << i;
+  }
+  const double middle = grid.Sample(plane.Point());
+  for (const auto& [low, high, isShown] :
+       {std::tuple(middle - 5, middle + 5, true), {middle + 1, 60.0, false}, {0.0, middle - 1, false}}) {
+    slices.Show(low, high);
+    figure.Draw(gl, viewport);
+    EXPECT_EQ(AtPoint(figure, plane.Point()) != QColor(Qt::white), isShown) << low;
+  }
 }
 
 TEST_F(SlicesPlotPixels, PicksVoxelsAndValuesBetweenThem) {
