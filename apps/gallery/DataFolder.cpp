@@ -27,7 +27,8 @@ constexpr Shipped ShippedFiles[] = {
     {&Inputs::relief, "data/etopo60.txt"},
     {&Inputs::quakes, "data/earthquakes.csv"},
     {&Inputs::salinity, "data/ocean_salinity.txt"},
-    {&Inputs::hdr, "data/sky.hdr"},
+    {&Inputs::head, "data/ct_head.nrrd"},
+    {&Inputs::hdr, "data/venice_sunset.hdr"},
     {&Inputs::symbols, "symbols"},
     {&Inputs::sprites, "sprites"},
 };

@@ -28,7 +28,8 @@ struct Inputs {
   std::string quakes;
   std::string symbols;  ///< the folder of the built-in glyph models
   std::string salinity; ///< of the ocean, a TextArray volume
-  std::string volume;   ///< a TextArray volume of the user's; may be empty
+  std::string head;     ///< a CT of a head, NRRD
+  std::string volume;   ///< a volume of the user's; may be empty
   std::string hdr;      ///< a panorama, Radiance HDR
   std::string sprites;  ///< the folder of the point sprites
   std::string model;    ///< an OBJ file of the user's; may be empty

@@ -1,3 +1,4 @@
+#include "apps/gallery/PictureFunctions.h"
 #include "apps/gallery/PictureLoaders.h"
 
 namespace Vek::Chart::Gallery {
@@ -9,47 +10,52 @@ const std::vector<PictureEntry>& Pictures() {
        "speed. Glyphs by VectorSymbol, colours by two ColorMaps bound as textures.",
        "apps/gallery/pictures/Wind.cpp", LoadWind},
       {"symbols", "Glyph models",
-       "The fourteen built-in glyph models of the SymbolRegistry, drawn from their GPU buffers: one instanced call for "
-       "a model and all its copies.",
-       "apps/gallery/pictures/Symbols.cpp", LoadSymbols},
+       "The fourteen built-in glyph models of the SymbolRegistry in GPU buffers. One instanced call of InstancedMesh "
+       "draws a model and all its copies. A mesh given with --model joins them.",
+       "apps/gallery/pictures/Symbols.cpp", nullptr, false, nullptr, SymbolsImage},
       {"earthquakes", "A week of earthquakes",
        "A week of earthquakes where they lie below the surface: each a sphere, sized by magnitude and coloured by "
        "depth, all of them instances of one model.",
        "apps/gallery/pictures/Earthquakes.cpp", LoadEarthquakes},
       {"atlas", "Colour atlas",
-       "A chart in the colours of one texture: drawn three times from the same vertices, once in the atlas's own "
-       "colours and twice moved onto instances with replaced colours. Below, the ColorAtlas itself, enlarged.",
-       "apps/gallery/pictures/Atlas.cpp", LoadAtlas},
+       "A chart in the colours of one texture, drawn three times from the same vertices: in the colours of the "
+       "ColorAtlas itself, and moved onto two instances with other colours. Below, the texels of the atlas.",
+       "apps/gallery/pictures/Atlas.cpp", nullptr, false, nullptr, AtlasImage},
       {"colors", "Colour maps and scales",
-       "All maps of NamedColors, blended and in classes, above the lightness of their colours. Below, real fields that "
-       "ColorScale turned into colours, each in one call: on a linear and a logarithmic range and in classes of given "
-       "bounds, with colours of their own for values below, above and not a number.",
-       "apps/gallery/pictures/Colors.cpp", LoadColors},
+       "All maps of NamedColors, blended and in classes, with the lightness of their colours. Below, depths and "
+       "salinities of the sea that ColorScale turned into colours, each in one call: on a linear and a logarithmic "
+       "range, and in classes of given bounds. Values below, above and not a number have colours of their own.",
+       "apps/gallery/pictures/Colors.cpp", nullptr, false, nullptr, ColorsImage},
       {"hdr", "High dynamic range",
-       "A panorama with a high dynamic range, read by HdrImage, at five exposures, and the luminance along the row "
-       "that is marked: what one exposure burns out or drowns, another shows.",
-       "apps/gallery/pictures/Hdr.cpp", LoadHdr},
-      {"volume", "Salinity of the ocean",
-       "The salinity of the ocean as a volume, cut by three planes: Intersect makes the slices, a VolumeTexture fills "
-       "them, and land is transparent.",
-       "apps/gallery/pictures/Volume.cpp", LoadVolume},
+       "Spheres of five finishes in the light of an image with high dynamic range (Venice at sunset, from Poly Haven, "
+       "or a file given with --hdr), which ReadImage reads. The second row has the light that a screen can show: "
+       "without the sun, highlights and warm light are gone. Below, the image at five exposures; on the right, the "
+       "luminance along one row.",
+       "apps/gallery/pictures/Hdr.cpp", nullptr, false, nullptr, HdrImage},
+      {"volume", "Slices through a volume",
+       "The salinity of the ocean on a map and at the true depths of its twenty layers; land is left "
+       "out. A SlicesPlot of a VoxelGrid with uneven layers, or of a volume given with --volume.",
+       "apps/gallery/pictures/Volume.cpp", nullptr, false, VolumeFigure},
+      {"head", "Ray-cast volume",
+       "A computed tomography of a head, from the data of VTK: skin and bone in a VolumePlot, which adds up colours "
+       "and opacities along each line of sight. A volume given with --volume takes its place.",
+       "apps/gallery/pictures/Head.cpp", nullptr, false, HeadFigure},
       {"cuts", "Planes and rays",
-       "Everything that Intersect computes: a volume cut by five planes, filled by a VolumeTexture; the line of two "
-       "planes; and rays that meet a plane, end on it, lie in it or stop short. The volume is a formula that the scene "
-       "computes itself, or one given with --volume.",
-       "apps/gallery/pictures/Cuts.cpp", LoadCuts},
+       "Oblique slices of a SlicesPlot through a volume: a formula, or a file given with --volume. On the right, "
+       "results of Intersect: the line of two planes, and rays that meet a plane, end on it, lie in it or stop short.",
+       "apps/gallery/pictures/Cuts.cpp", nullptr, false, nullptr, CutsImage},
       {"picking", "Depth picking",
-       "Places in the world under seven pixels, read from one drawing by a TopMostFragmentDepthBuffer. On the right, "
-       "all the depths that DepthCodec unpacks from that drawing's colours, beside the true depth buffer.",
-       "apps/gallery/pictures/Picking.cpp", LoadPicking},
+       "Positions under seven pixels, which a Picker finds from the depths of one drawing. On the right, all depths "
+       "that DepthCodec decodes from colours, and the depth buffer of the same drawing.",
+       "apps/gallery/pictures/Picking.cpp", nullptr, false, nullptr, PickingImage},
       {"styles", "Styles and patterns",
-       "All patterns that lines, areas and points can have, pixel by pixel, and texts from 2 to 96 pixels: Style and "
-       "Pattern at work.",
-       "apps/gallery/pictures/Styles.cpp", LoadStyles, true},
+       "All patterns of lines, areas and points, pixel by pixel, and texts from 2 to 96 pixels, drawn with Style and "
+       "Pattern.",
+       "apps/gallery/pictures/Styles.cpp", nullptr, false, nullptr, StylesImage},
       {"shapes", "Shapes",
-       "Everything that draws itself: the unit shapes of Geometry from display lists, solids filled and outlined, "
-       "boxes, nine-patch panels and layered textures.",
-       "apps/gallery/pictures/Shapes.cpp", LoadShapes},
+       "The unit shapes of Geometry from display lists, solids filled and outlined, boxes, nine-patch panels and "
+       "layers of textures.",
+       "apps/gallery/pictures/Shapes.cpp", nullptr, false, nullptr, ShapesImage},
       {"streamlines", "Streamlines of the wind",
        "The same wind as evenly spaced streamlines above the relief, coloured by speed: fast winds as tubes, calm ones "
        "as ribbons, swept from the cross-sections of StreamLineShape without twist.",

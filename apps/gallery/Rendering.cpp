@@ -1,5 +1,7 @@
 #include "apps/gallery/Rendering.h"
 
+#include "apps/gallery/Sheet.h"
+
 #include "platform/ogl/OffscreenContext.h"
 
 namespace Vek::Chart::Gallery {
@@ -21,10 +23,13 @@ int Samples(const PictureEntry& p_entry, Types::Size p_size) {
 } // namespace
 
 QImage RenderPicture(const PictureEntry& p_entry, const Inputs& p_inputs, Types::Size p_size) {
-  if (p_entry.figure)
-    return p_entry.figure(p_inputs).Image(p_size).convertToFormat(QImage::Format_RGB32);
+  if (p_entry.figure) {
+    Figure figure = p_entry.figure(p_inputs);
+    figure.theme = FigureTheme();
+    return figure.Image(p_size, 4, FigurePoint * p_size.height / 1000);
+  }
   if (p_entry.image)
-    return p_entry.image(p_inputs, p_size).convertToFormat(QImage::Format_RGB32);
+    return p_entry.image(p_inputs, p_size);
   const int scale = Oversampling(p_entry);
   const Types::Size large(p_size.width * scale, p_size.height * scale);
   Ogl::OffscreenContext context(large, Samples(p_entry, p_size));

@@ -1,248 +1,279 @@
-// A picture with a high dynamic range at five exposures. Shows how HdrImage reads a file, what its pixels are, and how
-// they become textures that a screen can show.
+// An image with high dynamic range as light: spheres that reflect all of it, and spheres that reflect what a screen can
+// show of it. Below, the image at five exposures, and the luminance along one of its rows.
 
-#include "apps/gallery/PictureLoaders.h"
+#include "apps/gallery/PictureFunctions.h"
+#include "apps/gallery/Sheet.h"
 
-#include "apps/gallery/Files.h"
-#include "apps/gallery/GalleryTheme.h"
-#include "apps/gallery/ReportCounter.h"
-#include "apps/gallery/TextTable.h"
-#include "scene/Canvas.h"
-#include "scene/TextRenderer.h"
+#include "io/ReadImage.h"
 
-#include "library/HdrImage.h"
-#include "library/Texture.h"
-#include "library/TexturedQuad.h"
+#include "platform/ogl/VertexData.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
+#include <numeric>
 
 namespace Vek::Chart::Gallery {
 
-using namespace Scene;
-
 namespace {
 
-using Library::HdrImage;
-using Rgb = HdrImage::Rgb32F;
+using Direction = Types::Vector3_Base<double>;
+using Color = std::array<double, 3>; ///< linear red, green, blue
 
-HdrImage ReadPanorama(const std::string& p_path, Loading& p_loading) {
-  const std::unique_ptr<std::istream> stream = p_loading.Open(p_path);
-  const ReportCounter reports;
-  try {
-    HdrImage image(*stream);
-    p_loading.CheckCancelled(); // which the reader takes for the end of the file
-    if (image.Pixels().empty())
-      throw InputError(p_path + ": expected a Radiance picture (#?RADIANCE), got something else");
-    if (reports.Others() != 0)
-      throw InputError(p_path + ": expected a whole Radiance picture (-Y … +X …), got one that is cut or turned");
-    return image;
-  } catch (const std::logic_error& error) { // runs over the end of a scanline, sizes that cannot be
-    throw InputError(p_path + ": cannot be read as a Radiance picture: " + error.what());
-  }
+double Luminance(const Color& p_color) {
+  return 0.265 * p_color[0] + 0.670 * p_color[1] + 0.065 * p_color[2];
 }
 
-/// A picture of at most that width, each pixel the mean of a square block.
-struct Reduced {
-  Reduced(const HdrImage& p_image, int p_most)
-      : step((p_image.Width() + p_most - 1) / p_most)
-      , width(std::max(p_image.Width() / step, 1))
-      , height(std::max(p_image.Height() / step, 1))
-      , pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {
-    const int columns = std::min(step, p_image.Width());
-    const int rows = std::min(step, p_image.Height());
-    for (int y = 0; y < height; ++y)
-      for (int x = 0; x < width; ++x) {
-        Rgb& mean = pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
-        for (int i = 0; i < rows * columns; ++i) {
-          const Rgb& pixel = p_image.Pixel(x * step + i % columns, y * step + i / columns);
-          mean.red += pixel.red / static_cast<float>(rows * columns);
-          mean.green += pixel.green / static_cast<float>(rows * columns);
-          mean.blue += pixel.blue / static_cast<float>(rows * columns);
-        }
-      }
+/// What comes from all directions: longitudes from left to right, latitudes from the bottom row to the top one.
+struct Panorama {
+  int width = 0, height = 0;
+  std::vector<Color> pixels;
+
+  Color& At(int p_x, int p_y) { return pixels[static_cast<std::size_t>(p_y) * std::size_t(width) + std::size_t(p_x)]; }
+  const Color& At(int p_x, int p_y) const { return const_cast<Panorama*>(this)->At(p_x, p_y); }
+  Direction DirectionOf(int p_x, int p_y) const {
+    const double lon = 2 * M_PI * (p_x + 0.5) / width, lat = M_PI * ((p_y + 0.5) / height - 0.5);
+    return {std::cos(lat) * std::sin(lon), std::cos(lat) * std::cos(lon), std::sin(lat)};
   }
-  int step;
-  int width;
-  int height;
-  std::vector<Rgb> pixels; ///< the bottom row first
+  /// The solid angle of a pixel of a row.
+  double SolidAngle(int p_y) const {
+    return 2 * M_PI / width *
+           (std::sin(M_PI * ((p_y + 1.0) / height - 0.5)) - std::sin(M_PI * (double(p_y) / height - 0.5)));
+  }
+  /// Linear between the centres of pixels.
+  Color In(const Direction& p_direction) const {
+    const double lon = std::atan2(p_direction.x, p_direction.y) / (2 * M_PI);
+    const double x = (lon - std::floor(lon)) * width - 0.5;
+    const double y = (std::asin(std::clamp(p_direction.z, -1.0, 1.0)) / M_PI + 0.5) * height - 0.5;
+    const int left = int(std::floor(x)), lower = int(std::floor(y));
+    Color color{};
+    for (const int i : {0, 1})
+      for (const int j : {0, 1}) {
+        const double weight = (1 - std::abs(x - left - i)) * (1 - std::abs(y - lower - j));
+        const Color& pixel = At((left + i + width) % width, std::clamp(lower + j, 0, height - 1));
+        for (std::size_t c = 0; c < 3; ++c)
+          color[c] += weight * pixel[c];
+      }
+    return color;
+  }
 };
 
-/// A linear value as sRGB, 0 to 255.
-int Developed(float p_value) {
-  const double v = std::clamp(static_cast<double>(p_value), 0.0, 1.0);
-  return static_cast<int>(std::lround(255 * (v <= 0.0031308 ? 12.92 * v : 1.055 * std::pow(v, 1 / 2.4) - 0.055)));
+Panorama ReadPanorama(const std::string& p_path) {
+  const Io::Image image = Io::ReadImage(p_path, {true, true, true, {}});
+  Panorama panorama{int(image.width), int(image.height), {}};
+  for (std::size_t i = 0; i < image.width * image.height; ++i) {
+    Color color{};
+    for (std::size_t c = 0; c < 3; ++c) {
+      const auto value = static_cast<double>(image.pixels[i * image.channels + (image.channels < 3 ? 0 : c)]);
+      color[c] = std::isfinite(value) ? std::max(value, 0.0) : 0;
+    }
+    panorama.pixels.push_back(color);
+  }
+  return panorama;
 }
 
-QImage Exposed(const Reduced& p_picture, double p_gain) {
-  QImage image(p_picture.width, p_picture.height, QImage::Format_RGB32);
-  const float gain = static_cast<float>(p_gain);
-  for (int y = 0; y < p_picture.height; ++y) {
-    QRgb* const line = reinterpret_cast<QRgb*>(image.scanLine(p_picture.height - 1 - y));
-    const Rgb* const row = p_picture.pixels.data() + static_cast<std::ptrdiff_t>(y) * p_picture.width;
-    for (int x = 0; x < p_picture.width; ++x)
-      line[x] = qRgb(Developed(row[x].red * gain), Developed(row[x].green * gain), Developed(row[x].blue * gain));
+/// Each pixel the mean of a block, so that at most so many are left in a row.
+Panorama Reduced(const Panorama& p_panorama, int p_most) {
+  const int step = (std::max(p_panorama.width, p_panorama.height) + p_most - 1) / p_most;
+  Panorama reduced{std::max(p_panorama.width / step, 1), std::max(p_panorama.height / step, 1), {}};
+  reduced.pixels.resize(std::size_t(reduced.width) * std::size_t(reduced.height));
+  const int columns = std::min(step, p_panorama.width), rows = std::min(step, p_panorama.height);
+  for (int y = 0; y < reduced.height; ++y)
+    for (int x = 0; x < reduced.width; ++x)
+      for (int i = 0; i < rows * columns; ++i)
+        for (std::size_t c = 0; c < 3; ++c)
+          reduced.At(x, y)[c] += p_panorama.At(x * step + i % columns, y * step + i / columns)[c] / (rows * columns);
+  return reduced;
+}
+
+Panorama Exposed(Panorama p_panorama, double p_gain, double p_most) {
+  for (Color& pixel : p_panorama.pixels)
+    for (double& channel : pixel)
+      channel = std::min(channel * p_gain, p_most);
+  return p_panorama;
+}
+
+/// What a surface reflects towards each direction: the mean of the panorama weighted by the cosine of the angle, to the
+/// power of `p_exponent` (Phong's lobe; 1 is a matte surface, see Ramamoorthi and Hanrahan, "An Efficient
+/// Representation for Irradiance Environment Maps", 2001).
+Panorama Blurred(const Panorama& p_panorama, double p_exponent) {
+  const Panorama light = Reduced(p_panorama, p_exponent > 100 ? 128 : 64);
+  std::vector<Direction> directions;
+  for (int y = 0; y < light.height; ++y)
+    for (int x = 0; x < light.width; ++x)
+      directions.push_back(light.DirectionOf(x, y));
+  const double least = std::pow(1e-3, 1 / p_exponent); // weights below a thousandth are left out
+  Panorama blurred{light.width, light.height, {}};
+  for (const Direction& towards : directions) {
+    Color sum{};
+    double weights = 0;
+    for (std::size_t i = 0; i < directions.size(); ++i) {
+      const double cosine = Dot(towards, directions[i]);
+      if (cosine < least)
+        continue;
+      const double weight = std::pow(cosine, p_exponent) * light.SolidAngle(int(i) / light.width);
+      for (std::size_t c = 0; c < 3; ++c)
+        sum[c] += weight * light.pixels[i][c];
+      weights += weight;
+    }
+    for (double& channel : sum)
+      channel /= weights;
+    blurred.pixels.push_back(sum);
   }
+  return blurred;
+}
+
+/// A linear value as sRGB, 0 to 255.
+int Encoded(double p_value) {
+  const double v = std::clamp(p_value, 0.0, 1.0);
+  return int(std::lround(255 * (v <= 0.0031308 ? 12.92 * v : 1.055 * std::pow(v, 1 / 2.4) - 0.055)));
+}
+
+QColor Encoded(const Color& p_color) {
+  return {Encoded(p_color[0]), Encoded(p_color[1]), Encoded(p_color[2])};
+}
+
+QImage ImageOf(const Panorama& p_panorama) {
+  QImage image(p_panorama.width, p_panorama.height, QImage::Format_RGB32);
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x)
+      image.setPixelColor(x, image.height() - 1 - y, Encoded(p_panorama.At(x, y)));
   return image;
 }
 
-class HdrPicture : public Picture {
-public:
-  HdrPicture(const Inputs& p_inputs, Loading& p_loading)
-      : _file(FileName(p_inputs.hdr))
-      , _image(ReadPanorama(p_inputs.hdr, p_loading.Stage(0.7))) {
-    FindRow();
-    const double gain = MiddleGain();
-    ChooseStops(gain);
-    const Reduced picture(_image, 1024);
-    for (std::size_t i = 0; i < _stops.size(); ++i)
-      _exposed[i] = Exposed(picture, gain * std::exp2(_stops[i]));
+/// The front of a unit sphere, seen along +y, in the colours that `p_colorAt` gives its normals.
+template <class ColorAt>
+void DrawSphere(Sheet& p_sheet, const Canvas::Position& p_center, double p_radius, const ColorAt& p_colorAt) {
+  constexpr int Rings = 96, Sectors = 192;
+  const double point = p_sheet.canvas.PointSize();
+  const auto vertex = [&](int p_ring, int p_sector) {
+    const double radius = std::sin(M_PI / 2 * p_ring / Rings), angle = 2 * M_PI * p_sector / Sectors;
+    const Direction normal(radius * std::cos(angle), -std::sqrt(1 - radius * radius), radius * std::sin(angle));
+    p_sheet.gl->Color(Encoded(p_colorAt(normal)));
+    p_sheet.gl->Vertex((p_center.x + p_radius * normal.x) * point, (p_center.y + p_radius * normal.z) * point, 0.0);
+  };
+  for (int ring = 0; ring < Rings; ++ring) {
+    p_sheet.gl->Begin(RGL_QUAD_STRIP);
+    for (int sector = 0; sector <= Sectors; ++sector) {
+      vertex(ring, sector);
+      vertex(ring + 1, sector);
+    }
+    p_sheet.gl->End();
   }
+}
 
-  Camera StartCamera() const override { return {}; }
+struct Finish {
+  const char* name;
+  double exponent; ///< of the lobe; 0 for a mirror
+};
+constexpr Finish Finishes[] = {{"mirror", 0}, {"polished", 800}, {"satin", 60}, {"rough", 10}, {"matte", 1}};
 
-  void Draw(Utility::Scoped<Rgl>& p_gl, const View& p_view) override {
-    DrawBackground(p_gl, p_view);
-    for (std::size_t i = 0; i < _stops.size(); ++i)
-      if (!_exposures[i])
-        _exposures[i] = std::make_unique<Library::Texture>(_exposed[i], p_gl);
-    Canvas canvas(p_gl, p_view.viewport, _text, PointSize(p_view));
-    DrawTitle(canvas, "High dynamic range",
-              QString("%1, %2 × %3 pixels, at five exposures")
-                  .arg(QString::fromStdString(_file))
-                  .arg(_image.Width())
-                  .arg(_image.Height()));
-    for (std::size_t i = 0; i < _stops.size(); ++i)
-      DrawExposure(p_gl, canvas, i);
-    DrawPlot(canvas, Cell(canvas, _stops.size()));
+/// A row of spheres under one light. `p_back` is the longitude behind the viewer.
+void DrawSpheres(Sheet& p_sheet, const Panorama& p_light, double p_back, const Canvas::Position& p_first) {
+  constexpr double Pitch = 208, Radius = 100, Albedo = 0.9;
+  const double sine = std::sin(p_back), cosine = std::cos(p_back);
+  for (std::size_t i = 0; i < std::size(Finishes); ++i) {
+    const bool isMatte = Finishes[i].exponent == 1;
+    const Panorama light = Finishes[i].exponent == 0 ? p_light : Blurred(p_light, Finishes[i].exponent);
+    DrawSphere(p_sheet, {p_first.x + Pitch * double(i), p_first.y}, Radius, [&](const Direction& p_normal) {
+      // A matte surface faces its normal, the others the mirrored line of sight, which runs along +y.
+      const Direction out = isMatte ? p_normal : Direction(0, 1, 0) - p_normal * (2 * p_normal.y);
+      Color color = light.In({-out.x * cosine - out.y * sine, out.x * sine - out.y * cosine, out.z});
+      for (double& channel : color)
+        channel *= Albedo;
+      return color;
+    });
   }
+}
 
-private:
-  static constexpr std::size_t Middle = 1;
-  static constexpr double Gap = 32;
-
-  /// What maps the geometric mean of all pixels that are not black to a middle grey.
-  double MiddleGain() const {
-    double sum = 0;
-    double count = 0;
-    for (const Rgb& pixel : _image.Pixels()) {
-      const double value = static_cast<double>(_image.Luminance(pixel)) / 179.0;
-      if (!(value > 0) || std::isinf(value))
-        continue;
-      sum += std::log(value);
+/// The factor by which the geometric mean of all luminances above 0 becomes a middle grey.
+double MiddleGain(const Panorama& p_panorama) {
+  double sum = 0, count = 0;
+  for (const Color& pixel : p_panorama.pixels)
+    if (const double luminance = Luminance(pixel); luminance > 0) {
+      sum += std::log(luminance);
       ++count;
     }
-    return count > 0 ? 0.18 / std::exp(sum / count) : 1.0;
+  return count > 0 ? 0.18 / std::exp(sum / count) : 1;
+}
+
+/// From one that shows the shadows to one that shows only the brightest thousandth of all pixels, which is dark in it.
+std::array<int, 5> Stops(const Panorama& p_panorama, double p_gain) {
+  std::vector<double> luminances;
+  for (const Color& pixel : p_panorama.pixels)
+    luminances.push_back(Luminance(pixel));
+  const auto bright = luminances.begin() + static_cast<std::ptrdiff_t>(luminances.size() * 999 / 1000);
+  std::nth_element(luminances.begin(), bright, luminances.end());
+  const double least = std::clamp(std::log2(std::max(*bright * p_gain, 1e-9) / 0.03), 3.0, 40.0);
+  return {2, 0, -int(std::lround(least / 3)), -int(std::lround(least * 2 / 3)), -int(std::lround(least))};
+}
+
+/// The luminance along the row of the brightest pixel, and the largest one that a screen shows.
+Figure LuminanceAlong(const Panorama& p_panorama, int p_row) {
+  std::vector<double> x, y;
+  for (int i = 0; i < p_panorama.width; ++i) {
+    x.push_back(360 * (i + 0.5) / p_panorama.width - 180);
+    y.push_back(std::max(Luminance(p_panorama.At(i, p_row)), 1e-6));
   }
-
-  /// From the one that burns out what is bright to one that shows nothing but the brightest pixel.
-  void ChooseStops(double p_gain) {
-    const double brightest = static_cast<double>(_brightest) / 179.0 * p_gain;
-    const double most = std::clamp(std::isfinite(brightest) ? std::log2(brightest) : 0.0, 4.0, 40.0);
-    for (std::size_t i = 2; i < _stops.size(); ++i)
-      _stops[i] = -static_cast<int>(std::lround(most * std::array{0.2, 0.4, 0.8}[i - 2]));
-  }
-
-  /// The row of the brightest pixel is the one that the plot shows.
-  void FindRow() {
-    for (std::size_t i = 0; i < _image.Pixels().size(); ++i) {
-      const float luminance = _image.Luminance(_image.Pixels()[i]);
-      if (!(luminance > _brightest))
-        continue;
-      _brightest = luminance;
-      _row = static_cast<int>(i / static_cast<std::size_t>(_image.Width()));
-    }
-  }
-
-  /// Six places of equal size, row by row from the upper left.
-  static Canvas::Rect Cell(const Canvas& p_canvas, std::size_t p_index) {
-    const double width = (p_canvas.Width() - 2 * 48 - 2 * Gap) / 3;
-    const double height = std::min(width / 2, 330.0);
-    const double left = 48 + static_cast<double>(p_index % 3) * (width + Gap);
-    const double top = p_index < 3 ? 800 : 800 - height - 140;
-    return {left, top - height, left + width, top};
-  }
-
-  /// The largest part of a cell that has the picture's form, in its upper left.
-  Canvas::Rect PictureIn(const Canvas::Rect& p_cell) const {
-    const double aspect = static_cast<double>(_image.Width()) / _image.Height();
-    const double width = std::min(p_cell.right - p_cell.left, (p_cell.top - p_cell.bottom) * aspect);
-    return {p_cell.left, p_cell.top - width / aspect, p_cell.left + width, p_cell.top};
-  }
-
-  void DrawExposure(Utility::Scoped<Rgl>& p_gl, Canvas& p_canvas, std::size_t p_index) const {
-    const Canvas::Rect place = PictureIn(Cell(p_canvas, p_index));
-    const double point = p_canvas.PointSize();
-    Library::TexturedQuad quad;
-    quad.rect = {static_cast<float>(place.left * point), static_cast<float>(place.bottom * point),
-                 static_cast<float>((place.right - place.left) * point),
-                 static_cast<float>((place.top - place.bottom) * point)};
-    quad(p_gl.Handle(), *_exposures[p_index]);
-    const int stops = _stops[p_index];
-    const QString name = stops == 0  ? QString("mean as middle grey")
-                         : stops > 0 ? QString("%1 stops more: × %2").arg(stops).arg(1 << stops)
-                                     : QString("%1 stops less: ÷ %2").arg(-stops).arg(1 << -stops);
-    p_canvas.Text(name, {place.left, place.bottom - 8}, {0, 1}, {GalleryTheme::SmallSize, GalleryTheme::Text, false});
-    if (p_index == Middle) {
-      const double y = place.bottom + (place.top - place.bottom) * (_row + 0.5) / _image.Height();
-      p_canvas.Line({place.left, y}, {place.right, y}, 1.5, QColor(255, 255, 255, 150));
-    }
-  }
-
-  /// Luminance along the row on a logarithmic scale.
-  void DrawPlot(Canvas& p_canvas, const Canvas::Rect& p_cell) const {
-    const Canvas::Rect frame{p_cell.left + 74, p_cell.bottom, p_cell.right, p_cell.top};
-    std::vector<double> logs;
-    for (int x = 0; x < _image.Width(); ++x)
-      logs.push_back(std::log10(std::max(static_cast<double>(_image.Luminance(_image.Pixel(x, _row))), 1e-6)));
-    const auto [least, most] = std::minmax_element(logs.begin(), logs.end());
-    const int first = static_cast<int>(std::floor(*least));
-    const int last = std::max(static_cast<int>(std::ceil(std::min(*most, 12.0))), first + 1);
-
-    const TextRenderer::Style text{GalleryTheme::SmallSize, GalleryTheme::Text, false};
-    const auto yOf = [&](double p_log) {
-      return frame.bottom +
-             (frame.top - frame.bottom) * (std::clamp(p_log, double(first), double(last)) - first) / (last - first);
-    };
-    const int every = (last - first) / 7 + 1; // so that the labels have room
-    for (int decade = first; decade <= last; decade += every) {
-      p_canvas.Line({frame.left, yOf(decade)}, {frame.right, yOf(decade)}, 1, GalleryTheme::Line);
-      p_canvas.Text(PowerOfTen(decade), {frame.left - 10, yOf(decade)}, {1, 0.5}, text);
-    }
-    const double columns = static_cast<double>(std::max<std::size_t>(logs.size() - 1, 1));
-    const auto xOf = [&](std::size_t p_column) {
-      return frame.left + (frame.right - frame.left) * static_cast<double>(p_column) / columns;
-    };
-    for (std::size_t x = 0; x + 1 < logs.size(); ++x)
-      p_canvas.Line({xOf(x), yOf(logs[x])}, {xOf(x + 1), yOf(logs[x + 1])}, 2, QColor(0xF6B44B));
-    p_canvas.Text("Luminance along the marked row in cd/m²", {frame.left, frame.bottom - 8}, {0, 1}, text);
-  }
-
-  static QString PowerOfTen(int p_exponent) {
-    constexpr const char* Digits[] = {"⁰", "¹", "²", "³", "⁴", "⁵", "⁶", "⁷", "⁸", "⁹"};
-    QString text = QString::fromUtf8(p_exponent < 0 ? "10⁻" : "10");
-    for (const QChar digit : QString::number(std::abs(p_exponent)))
-      text += QString::fromUtf8(Digits[digit.digitValue()]);
-    return text;
-  }
-
-  std::string _file;
-  HdrImage _image;
-  float _brightest = 0;
-  int _row = 0; ///< of the brightest pixel
-  /// Exposures relative to the one that makes the picture's mean a middle grey, in powers of two.
-  std::array<int, 5> _stops = {2, 0, 0, 0, 0};
-  std::array<QImage, 5> _exposed;
-  std::array<std::unique_ptr<Library::Texture>, 5> _exposures;
-  TextRenderer _text;
-};
+  const std::vector<double> flat(x.size(), 0);
+  Figure figure;
+  figure.SetLogAxis(1).SetAxisTitles("Degrees from the middle", "Luminance").SetLimits(0, -180, 180);
+  figure.SetTicks(0, [](double p_low, double p_high, std::size_t p_most) {
+    return Ticks::Degrees(p_low, p_high, std::min<std::size_t>(p_most, 5));
+  });
+  figure.Lines(Array3(x, y, flat)).Color(QColor(0xF2B04B));
+  figure.Lines(std::vector<Types::Vector3_Base<double>>{{-180, 1, 0}, {180, 1, 0}}).Color(QColor(0x8FA3B8)).Width(1);
+  // Four fifths as high as it is wide.
+  const auto [least, most] = std::minmax_element(y.begin(), y.end());
+  figure.SetAspect(1, 290 / std::max(std::log10(*most / *least), 1.0), 1);
+  return figure;
+}
 
 } // namespace
 
-std::unique_ptr<Picture> LoadHdr(const Inputs& p_inputs, Loading& p_loading) {
-  return std::make_unique<HdrPicture>(p_inputs, p_loading);
+QImage HdrImage(const Inputs& p_inputs, Types::Size p_size) {
+  const Panorama file = ReadPanorama(p_inputs.hdr);
+  const double gain = MiddleGain(file);
+  const std::array<int, 5> stops = Stops(file, gain);
+  const Panorama light = Reduced(Exposed(file, gain, std::numeric_limits<double>::max()), 1024);
+  const auto brightest =
+      std::max_element(light.pixels.begin(), light.pixels.end(),
+                       [](const Color& p_a, const Color& p_b) { return Luminance(p_a) < Luminance(p_b); });
+  const int index = int(brightest - light.pixels.begin());
+  const int column = index % light.width, row = index / light.width;
+  const QString size = QString("%1, %2 × %3 pixels").arg(NameOfFile(p_inputs.hdr)).arg(file.width).arg(file.height);
+  return DrawSheet("High dynamic range", size, p_size, [&](Sheet& p_sheet) {
+    // The brightest pixel shines over the left shoulder of the viewer.
+    const double back = 2 * M_PI * (column + 0.5) / light.width - M_PI / 3;
+    p_sheet.Heading("Lit by the image", 48, 848);
+    DrawSpheres(p_sheet, light, back, {148, 726});
+    p_sheet.Heading("Lit by what a screen shows of it", 48, 596);
+    DrawSpheres(p_sheet, Exposed(light, 1, 1), back, {148, 474});
+    for (std::size_t i = 0; i < std::size(Finishes); ++i)
+      p_sheet.Label(Finishes[i].name, 148 + 208 * double(i), 350, {0.5, 0.5});
+
+    Figure plot = LuminanceAlong(light, row);
+    p_sheet.Heading("Luminance along the marked row", 1110, 848);
+    p_sheet.Label("1 is the most that a screen shows", 1110, 820);
+    p_sheet.Draw(plot, {1090, 330, 1590, 800});
+
+    p_sheet.Heading("Five exposures", 48, 294);
+    constexpr double Width = 288, Gap = 16;
+    const double height = std::min(Width * light.height / light.width, 200.0);
+    for (std::size_t i = 0; i < stops.size(); ++i) {
+      const double left = 48 + (Width + Gap) * double(i);
+      p_sheet.canvas.Image({left, 266 - height, left + height * light.width / light.height, 266},
+                           ImageOf(Exposed(light, std::exp2(stops[i]), 1)));
+      p_sheet.Label(stops[i] == 0  ? QString("mean as middle grey")
+                    : stops[i] > 0 ? QString("%1 stops more: × %2").arg(stops[i]).arg(1L << stops[i])
+                                   : QString("%1 stops less: ÷ %2").arg(-stops[i]).arg(1L << -stops[i]),
+                    left, 266 - height - 22);
+      if (stops[i] == 0) {
+        const double y = 266 - height + height * (row + 0.5) / light.height;
+        p_sheet.canvas.Line({left, y}, {left + Width, y}, 1.5, QColor(0xF2B04B));
+      }
+    }
+  });
 }
 
 } // namespace Vek::Chart::Gallery

@@ -1,37 +1,30 @@
-// Picking by depth. A Picker draws the picture once with its depths as colours, and finds the position of the surface
+// Picking by depth. A Picker draws the models once with their depths as colours, and finds the position of the surface
 // under a pixel. The panels show all decoded depths and the depth buffer of the same drawing.
 
-#include "apps/gallery/PictureLoaders.h"
+#include "apps/gallery/PictureFunctions.h"
+#include "apps/gallery/Sheet.h"
 
-#include "apps/gallery/DepthImages.h"
-#include "apps/gallery/GalleryTheme.h"
-#include "apps/gallery/SpacePicture.h"
-#include "scene/Canvas.h"
+#include "scene/ColorBar.h"
 #include "scene/DepthShader.h"
 #include "scene/DirectionalLight.h"
 #include "scene/Picker.h"
 
+#include "library/DepthCodec.h"
 #include "library/RenderTexture.h"
-#include "library/Texture.h"
 #include "library/VectorSymbol.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <map>
 #include <optional>
-#include <tuple>
-#include <utility>
 
 namespace Vek::Chart::Gallery {
-
-using namespace Scene;
 
 namespace {
 
 using Library::RenderTexture;
-using Library::VectorSymbol;
 using Point = Types::Vector3_Base<double>;
+using Rect = Sheet::Rect;
 
 /// A glyph's mesh: scaled, rotated about z, and moved to its position.
 struct Item {
@@ -66,54 +59,30 @@ const std::vector<Item>& Items() {
   return Items;
 }
 
-/// The positions to pick, as the image shows them; the last one lies beside all surfaces.
-constexpr std::array<Point, 7> Targets = {{{-3.2, 1.4, 1.9},
-                                           {0.6, 2.4, 2.2},
-                                           {3.7, 0.9, 1.4},
-                                           {-0.6, -0.6, 2.4},
-                                           {-3.3, -2.25, 1.5},
-                                           {4.6, -2.6, 0.7},
-                                           {5.4, 3.5, 4.2}}};
+/// A point whose pixel is picked; the last one lies beside all surfaces.
+struct Target {
+  const char* name;
+  Point point;
+};
+constexpr Target Targets[] = {{"sphere", {-3.2, 1.4, 1.9}},       {"cube", {0.6, 2.4, 2.2}},
+                              {"cone", {3.7, 0.9, 1.4}},          {"arrow", {-0.6, -0.6, 2.4}},
+                              {"small cube", {-3.3, -2.25, 1.5}}, {"small sphere", {4.6, -2.6, 0.7}},
+                              {"beside them", {5.4, 3.5, 4.2}}};
 
-class PickingPicture : public SpacePicture {
+constexpr Rect MainPart{0, 30, 1090, 870};
+constexpr double PanelWidth = 460, PanelHeight = PanelWidth * 840 / 1090;
+constexpr Rect DecodedPart{1092, 926 - PanelHeight, 1092 + PanelWidth, 926};
+constexpr Rect TruePart{1092, 520 - PanelHeight, 1092 + PanelWidth, 520};
+
+class Scene3D {
 public:
-  PickingPicture() {
+  Scene3D() {
     for (const Item& item : Items())
       if (_meshes.find(item.shape) == _meshes.end())
-        VectorSymbol(item.shape, 64).BuildShape(_meshes[item.shape]);
+        Library::VectorSymbol(item.shape, 64).BuildShape(_meshes[item.shape]);
   }
 
-  Camera StartCamera() const override {
-    Camera camera;
-    camera.target = {0, 0, 0.75};
-    camera.azimuth = 24;
-    camera.elevation = 30;
-    camera.fieldOfView = 23;
-    camera.distance = 31;
-    camera.radius = 8.5;
-    return camera;
-  }
-
-  Types::Viewport<0> SurfaceViewport(const View& p_view) const override { return PartOf(p_view, MainPart); }
-
-protected:
-  void Prepare(Utility::Scoped<Rgl>& p_gl) override { _shader.emplace(p_gl); }
-
-  void DrawWorld(Utility::Scoped<Rgl>& p_gl, const View& p_world) override {
-    const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT);
-    {
-      const auto light = DirectionalLight().Apply(p_gl);
-      p_gl->Enable(RGL_COLOR_MATERIAL);
-      DrawDepths(p_gl);
-    }
-    if (_shown && _shown->camera == p_world.camera && _shown->viewport == p_world.viewport)
-      return;
-    _picks = PickAll(p_gl, p_world);
-    ReadAll(p_gl, p_world);
-    _shown = p_world;
-  }
-
-  void DrawDepths(Utility::Scoped<Rgl>& p_gl) override {
+  void Draw(Utility::Scoped<Rgl>& p_gl) const {
     for (const Item& item : Items()) {
       p_gl->PushMatrix();
       p_gl->Translate(item.position);
@@ -125,127 +94,138 @@ protected:
     }
   }
 
-  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const View& p_view, Canvas& p_canvas) override {
-    DrawTitle(p_canvas, "Picking", "World positions from depth");
-    DrawPanel(p_gl, p_canvas, _decoded, DecodedPart, "Depths unpacked from the colours of the image");
-    DrawPanel(p_gl, p_canvas, _truth, TruePart, "The true depth buffer");
-    p_canvas.Text("Largest difference: " + QString::number(_largestError * 1e6, 'f', 2) + " millionths",
-                  {TruePart.left, TruePart.bottom - 18}, {0, 1}, {GalleryTheme::SmallSize, GalleryTheme::Title, false});
-    p_canvas.Text("Depths run from 0, nearest, to 1, farthest.", {TruePart.left, TruePart.bottom - 44}, {0, 1},
-                  {GalleryTheme::SmallSize, GalleryTheme::Faint, false});
-    for (const Pick& pick : _picks)
-      DrawPick(p_canvas, p_view, pick);
-  }
-
 private:
-  /// A picked pixel and the position found there.
-  struct Pick {
-    Camera::Pixel pixel;
-    std::optional<Picker::Hit> hit;
-  };
-
-  static bool Contains(const Types::Viewport<0>& p_viewport, const Types::Pos& p_pixel) {
-    const int x = p_pixel.x - static_cast<int>(p_viewport.x), y = p_pixel.y - static_cast<int>(p_viewport.y);
-    return x >= 0 && y >= 0 && x < static_cast<int>(p_viewport.width) && y < static_cast<int>(p_viewport.height);
-  }
-
-  static constexpr Canvas::Rect MainPart{0, 30, 1090, 930};
-  static constexpr Canvas::Rect DecodedPart{1112, 545, 1552, 545 + 440 * 900.0 / 1090};
-  static constexpr Canvas::Rect TruePart{1112, 115, 1552, 115 + 440 * 900.0 / 1090};
-
-  std::vector<Pick> PickAll(Utility::Scoped<Rgl>& p_gl, const View& p_picture) {
-    const Core::TimeStamp stamp; // of the current view: all picks share one drawing
-    std::vector<Pick> picks;
-    for (const Point& target : Targets) {
-      Pick pick;
-      pick.pixel = p_picture.Project(target);
-      const Types::Pos pixel(static_cast<int>(std::floor(pick.pixel.x)), static_cast<int>(std::floor(pick.pixel.y)));
-      if (!pick.pixel.visible || !Contains(p_picture.viewport, pixel))
-        continue;
-      pick.hit = _picker.PickSurface(p_gl, p_picture.camera, p_picture.viewport, pixel, stamp,
-                                     [this](Utility::Scoped<Rgl>& p_scope, const PickPass&) { DrawDepths(p_scope); });
-      picks.push_back(pick);
-    }
-    return picks;
-  }
-
-  /// Draws once more in the size of a panel, for the decoded colours and the depth buffer.
-  void ReadAll(Utility::Scoped<Rgl>& p_gl, const View& p_picture) {
-    // The panels have the aspect ratio of the main part.
-    const double scale = (DecodedPart.right - DecodedPart.left) / (MainPart.right - MainPart.left);
-    const Types::Size size(static_cast<int>(static_cast<double>(p_picture.viewport.width) * scale),
-                           static_cast<int>(static_cast<double>(p_picture.viewport.height) * scale));
-    _decoded.reset();
-    _truth.reset();
-    if (size.width < 1 || size.height < 1)
-      return;
-    if (!_target || _target->Size() != size)
-      _target.emplace(size);
-    {
-      const auto bound = _target->BindForDraw(p_gl);
-      _shader->Draw(p_gl, [&] { DrawSurfaces(p_gl, p_picture); });
-    }
-    const DepthImages images(_target->ToImage(p_gl), _target->ReadDepths(p_gl));
-    _decoded.emplace(images.decoded, p_gl);
-    _truth.emplace(images.truth, p_gl);
-    _largestError = images.largestError;
-  }
-
-  static void DrawPanel(Utility::Scoped<Rgl>& p_gl, Canvas& p_canvas, const std::optional<Library::Texture>& p_image,
-                        const Canvas::Rect& p_rect, const QString& p_title) {
-    p_canvas.Fill(p_rect, GalleryTheme::BackgroundBottom);
-    const double point = p_canvas.PointSize();
-    if (p_image) {
-      const auto guard = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-      (*p_image)(p_gl, RGL_TEXTURE0);
-      p_gl->Begin(RGL_QUADS);
-      for (const auto& [s, t] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}}) {
-        p_gl->TexCoord(s, t);
-        p_gl->Vertex((s == 0 ? p_rect.left : p_rect.right) * point, (t == 0 ? p_rect.bottom : p_rect.top) * point, 0.0);
-      }
-      p_gl->End();
-    }
-    DrawEdge(p_canvas, p_rect);
-    p_canvas.Text(p_title, {p_rect.left, p_rect.top + 8}, {0, 0}, {GalleryTheme::SmallSize, GalleryTheme::Text, false});
-  }
-
-  static void DrawPick(Canvas& p_canvas, const View& p_view, const Pick& p_pick) {
-    const double x = (p_pick.pixel.x - static_cast<double>(p_view.viewport.x)) / PointSize(p_view);
-    const double y = (p_pick.pixel.y - static_cast<double>(p_view.viewport.y)) / PointSize(p_view);
-    const QColor dark(10, 14, 20, 230);
-    for (const auto& [width, length, color] : {std::tuple(5.0, 15.0, dark), {2.0, 13.5, QColor(Qt::white)}}) {
-      p_canvas.Line({x - length, y}, {x + length, y}, width, color);
-      p_canvas.Line({x, y - length}, {x, y + length}, width, color);
-    }
-    const auto number = [](double p_value) { return QString::number(p_value, 'f', 2).replace('-', QChar(0x2212)); };
-    const QString text = p_pick.hit ? number(p_pick.hit->position.x) + ", " + number(p_pick.hit->position.y) + ", " +
-                                          number(p_pick.hit->position.z)
-                                    : QString("nothing here");
-    const bool nearPanels = x > MainPart.right - 200;
-    const double textX = nearPanels ? x : x + 12;
-    const double textY = nearPanels ? y + 58 : y + 18;
-    const TextRenderer::Anchor anchor{nearPanels ? 0.5 : 0.0, 0.5};
-    for (const auto& [dx, dy] : {std::pair(-1.5, 0.0), {1.5, 0.0}, {0.0, -1.5}, {0.0, 1.5}})
-      p_canvas.Text(text, {textX + dx, textY + dy}, anchor, {GalleryTheme::SmallSize, dark, true});
-    p_canvas.Text(text, {textX, textY}, anchor, {GalleryTheme::SmallSize, GalleryTheme::Title, true});
-  }
-
   std::map<Model::Symbol::Shape, Ogl::VertexData> _meshes;
-  std::optional<DepthShader> _shader;
-  // Of the last view shown.
-  std::optional<View> _shown;
-  std::vector<Pick> _picks;
-  std::optional<RenderTexture> _target;
-  std::optional<Library::Texture> _decoded;
-  std::optional<Library::Texture> _truth;
-  double _largestError = 0;
-  Picker _picker;
 };
+
+/// Depths of a drawing in the size of a panel: as decoded from colours, and as the depth buffer has them.
+struct Depths {
+  Types::Size size;
+  std::vector<double> decoded, truth; ///< row by row from the bottom; 1 where nothing was drawn
+  double nearest = 1, farthest = 0, largestError = 0;
+
+  Depths(Utility::Scoped<Rgl>& p_gl, const Scene3D& p_scene, const View& p_view, const Types::Size& p_size)
+      : size(p_size) {
+    const DepthShader shader(p_gl);
+    RenderTexture target(size);
+    {
+      const auto bound = target.BindForDraw(p_gl);
+      const auto camera = p_view.camera.Apply(p_gl, p_view.viewport);
+      shader.Draw(p_gl, [&] { p_scene.Draw(p_gl); });
+    }
+    const QImage packed = target.ToImage(p_gl).convertToFormat(QImage::Format_RGBA8888);
+    const std::vector<float> buffer = target.ReadDepths(p_gl);
+    for (int y = 0; y < packed.height(); ++y)
+      for (int x = 0; x < packed.width(); ++x) {
+        const uchar* const pixel = packed.constScanLine(packed.height() - 1 - y) + 4 * x;
+        decoded.push_back(static_cast<double>(Library::DepthCodec::Decode({{pixel[0], pixel[1], pixel[2], pixel[3]}})));
+        truth.push_back(static_cast<double>(buffer.at(truth.size())));
+        largestError = std::max(largestError, std::abs(decoded.back() - truth.back()));
+        if (truth.back() < 1) {
+          nearest = std::min(nearest, truth.back());
+          farthest = std::max(farthest, truth.back());
+        }
+      }
+  }
+
+  Library::ColorMap Colors() const {
+    return Library::ColorMap({QColor(0xF5F5F5), QColor(0x2D2D2D)}, Library::ColorMap::Interpolated);
+  }
+
+  QImage ImageOf(const std::vector<double>& p_depths) const {
+    const Library::ColorMap colors = Colors();
+    QImage image(size.width, size.height, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    for (int y = 0; y < size.height; ++y)
+      for (int x = 0; x < size.width; ++x)
+        if (const double depth = p_depths[std::size_t(y) * std::size_t(size.width) + std::size_t(x)]; depth < 1)
+          image.setPixelColor(x, size.height - 1 - y, colors.Color((depth - nearest) / (farthest - nearest)));
+    return image;
+  }
+};
+
+void DrawPanel(Sheet& p_sheet, const QImage& p_image, const Rect& p_rect, const QString& p_title) {
+  p_sheet.canvas.Fill(p_rect, p_sheet.theme.backgroundBottom);
+  p_sheet.canvas.Image(p_rect, p_image);
+  p_sheet.canvas.Frame(p_rect, 1, p_sheet.theme.line);
+  p_sheet.Label(p_title, p_rect.left, p_rect.top + 18);
+}
+
+/// Which depths the greys of the panels are.
+void DrawKey(Sheet& p_sheet, const Depths& p_depths) {
+  ValueScale scale;
+  scale.lower = p_depths.nearest;
+  scale.upper = p_depths.farthest;
+  ColorBar bar(p_depths.Colors(), scale);
+  bar.orientation = ColorBar::Orientation::Horizontal;
+  bar.title = "Depth, from 0 (near plane) to 1 (far plane)";
+  bar.Layout(PanelWidth, p_sheet.theme, p_sheet.canvas.PointSize()).Draw(p_sheet.canvas, {TruePart.left, 88});
+  p_sheet.Label("Largest difference: " + QString::number(p_depths.largestError * 1e6, 'f', 2) + " millionths",
+                TruePart.left, 32);
+}
+
+QString Coordinates(const Point& p_point) {
+  QString text;
+  for (const double part : {p_point.x, p_point.y, p_point.z})
+    text += (text.isEmpty() ? "" : ", ") + QString::number(part, 'f', 2).replace('-', QChar(0x2212));
+  return text;
+}
+
+/// Picks all targets, marks their pixels, and lists the positions found there.
+void DrawPicks(Sheet& p_sheet, const Scene3D& p_scene, const View& p_view) {
+  Picker picker;
+  const Core::TimeStamp stamp; // all picks share one drawing
+  int number = 0;
+  p_sheet.Heading("Picked positions", 48, 836);
+  for (const Target& target : Targets) {
+    const Camera::Pixel pixel = p_view.Project(target.point);
+    const auto hit = picker.PickSurface(p_sheet.gl, p_view.camera, p_view.viewport,
+                                        {int(std::floor(pixel.x)), int(std::floor(pixel.y))}, stamp,
+                                        [&](Utility::Scoped<Rgl>& p_gl, const PickPass&) { p_scene.Draw(p_gl); });
+    const Canvas::Position at = p_sheet.canvas.PositionOf(pixel);
+    const QColor dark(10, 14, 20, 230);
+    for (const auto& [width, length, color] : {std::tuple(5.0, 13.0, dark), {2.0, 11.5, QColor(Qt::white)}}) {
+      p_sheet.canvas.Line({at.x - length, at.y}, {at.x + length, at.y}, width, color);
+      p_sheet.canvas.Line({at.x, at.y - length}, {at.x, at.y + length}, width, color);
+    }
+    const QString name = QString::number(++number);
+    TextStyle style = p_sheet.theme.WithHalo(p_sheet.theme.SmallStyle());
+    style.color = p_sheet.theme.title;
+    style.bold = true;
+    p_sheet.canvas.Text(name, {at.x + 8, at.y + 16}, {0, 0.5}, style);
+    const double y = 836 - 28.0 * number;
+    p_sheet.Label(name + "  " + target.name, 48, y);
+    p_sheet.Label(hit ? Coordinates(hit->position) : QString("nothing"), 212, y);
+  }
+}
 
 } // namespace
 
-std::unique_ptr<Picture> LoadPicking(const Inputs&, Loading&) {
-  return std::make_unique<PickingPicture>();
+QImage PickingImage(const Inputs&, Types::Size p_size) {
+  return DrawSheet("Picking", "Positions of surfaces under seven pixels, from the depths of one drawing", p_size,
+                   [](Sheet& p_sheet) {
+                     const Scene3D scene;
+                     Camera camera;
+                     camera.target = {0, 0, 0.75};
+                     camera.azimuth = 24;
+                     camera.elevation = 30;
+                     camera.fieldOfView = 22;
+                     camera.distance = 31;
+                     camera.radius = 8.5;
+                     p_sheet.Draw(camera, MainPart, [&](const View&) {
+                       const auto light = DirectionalLight().Apply(p_sheet.gl);
+                       p_sheet.gl->Enable(RGL_COLOR_MATERIAL);
+                       scene.Draw(p_sheet.gl);
+                     });
+                     const View view{camera, p_sheet.canvas.Part(MainPart)};
+                     const double point = p_sheet.canvas.PointSize();
+                     const Depths depths(p_sheet.gl, scene, view,
+                                         {std::max(1, int(PanelWidth * point)), std::max(1, int(PanelHeight * point))});
+                     DrawPanel(p_sheet, depths.ImageOf(depths.decoded), DecodedPart, "Depths decoded from colours");
+                     DrawPanel(p_sheet, depths.ImageOf(depths.truth), TruePart, "The depth buffer");
+                     DrawKey(p_sheet, depths);
+                     DrawPicks(p_sheet, scene, view);
+                   });
 }
 
 } // namespace Vek::Chart::Gallery
