@@ -1,6 +1,7 @@
 #include "library/ObjModel.h"
 
 #include "library/private/io/ByteSource.h"
+#include "library/private/io/LineBlocks.h"
 #include "library/private/io/ObjReader.h"
 #include "platform/debug/Check.h"
 
@@ -16,10 +17,28 @@ namespace Vek::Chart::Library {
 
 namespace {
 
+/// Scans lines on several threads, up to the last line feed or one longer than a block, and adds them in order.
+void ScanBlocks(Private::ByteSource& p_source, Utility::Threads p_threads, Private::ObjReader& p_reader) {
+  struct Block {
+    Private::LineBlock lines;
+    Private::ObjPlain::Block scanned;
+  };
+  const std::uint64_t bytes = p_source.RemainingByClaim();
+  std::uint64_t bytesRead = 0;
+  Private::RunLineBlocks<Block>(
+      p_source, p_threads, [](Block& p_block) { p_block.scanned.Scan(p_block.lines.First(), p_block.lines.Last()); },
+      [&](const Block& p_block) {
+        bytesRead += p_block.lines.size;
+        p_reader.AddBlock(p_block.scanned, p_block.lines.size, p_block.lines.Last(),
+                          bytes > bytesRead ? bytes - bytesRead : 0);
+      });
+}
+
 /// Reads all lines. A line that a failure may have cut off is dropped.
-Private::ObjReader::Result ReadLines(std::istream& p_stream, std::string_view p_path) {
+Private::ObjReader::Result ReadLines(std::istream& p_stream, std::string_view p_path, Utility::Threads p_threads) {
   Private::ByteSource source(p_stream, p_path);
   Private::ObjReader reader(p_path);
+  ScanBlocks(source, p_threads, reader);
   const std::uint64_t bytes = source.RemainingByClaim();
   std::uint64_t bytesRead = 0;
   while (const std::size_t size = source.PrepareLines()) {
@@ -40,8 +59,8 @@ Private::ObjReader::Result ReadLines(std::istream& p_stream, std::string_view p_
   return reader.Finish();
 }
 
-boost::shared_ptr<ObjModel> Load(std::istream& p_stream, std::string_view p_path) {
-  Private::ObjReader::Result result = ReadLines(p_stream, p_path);
+boost::shared_ptr<ObjModel> Load(std::istream& p_stream, std::string_view p_path, Utility::Threads p_threads) {
+  Private::ObjReader::Result result = ReadLines(p_stream, p_path, p_threads);
   const auto model = boost::make_shared<ObjModel>();
   model->SetPrimitiveType(result.primitiveType);
   model->SetBoundingBox(result.bounds);
@@ -79,16 +98,24 @@ boost::shared_ptr<ObjModel::ObjGroup> ObjModel::DefaultGroup() const {
 }
 
 boost::shared_ptr<ObjModel> LoadPolygonObjFile(const vekfile::filepath& p_path) {
+  return LoadPolygonObjFile(p_path, Utility::Threads());
+}
+
+boost::shared_ptr<ObjModel> LoadPolygonObj(std::istream& p_stream) {
+  return Load(p_stream, {}, Utility::Threads());
+}
+
+boost::shared_ptr<ObjModel> LoadPolygonObjFile(const vekfile::filepath& p_path, Utility::Threads p_threads) {
   std::ifstream file;
   file.imbue(std::locale::classic());
   file.open(p_path.str());
   if (!file.is_open())
     vekdebug::warn("LoadPolygonObjFile: cannot open the file", {p_path.str()});
-  return Load(file, p_path.str());
+  return Load(file, p_path.str(), p_threads);
 }
 
-boost::shared_ptr<ObjModel> LoadPolygonObj(std::istream& p_stream) {
-  return Load(p_stream, {});
+boost::shared_ptr<ObjModel> LoadPolygonObj(std::istream& p_stream, Utility::Threads p_threads) {
+  return Load(p_stream, {}, p_threads);
 }
 
 } // namespace Vek::Chart::Library

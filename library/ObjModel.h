@@ -5,6 +5,7 @@
 #include "platform/ogl/Vec.h"
 #include "platform/ogl/VertexBuffer.h"
 #include "platform/types/Geometry.h"
+#include "platform/utility/Threads.h"
 
 #include <boost/shared_ptr.hpp>
 
@@ -121,5 +122,15 @@ VEK_LIBRARY_API boost::shared_ptr<ObjModel> LoadPolygonObjFile(const vekfile::fi
 ///
 /// \ingroup glyphs
 VEK_LIBRARY_API boost::shared_ptr<ObjModel> LoadPolygonObj(std::istream& p_stream);
+
+///@{
+/// As above, on several threads, with the same model, reports and exceptions; only a stream that fails may be reported
+/// before lines in front of the failure. Files below 1 MiB start no thread.
+///
+/// \ingroup glyphs
+VEK_LIBRARY_API boost::shared_ptr<ObjModel> LoadPolygonObjFile(const vekfile::filepath& p_path,
+                                                               Utility::Threads p_threads);
+VEK_LIBRARY_API boost::shared_ptr<ObjModel> LoadPolygonObj(std::istream& p_stream, Utility::Threads p_threads);
+///@}
 
 } // namespace Vek::Chart::Library

@@ -10,7 +10,7 @@ namespace Vek::Chart::Library::Private {
 constexpr std::size_t BlockBytes = 61;
 constexpr std::uint64_t WorthThreads = 0;
 #else
-constexpr std::size_t BlockBytes = std::size_t{1} << 17;
+constexpr std::size_t BlockBytes = std::size_t{1} << 16;
 /// Files of fewer bytes are read on one thread.
 constexpr std::uint64_t WorthThreads = std::uint64_t{1} << 20;
 #endif

@@ -74,58 +74,6 @@ Ogl::Vec3<float> Narrowed(const Types::Vector3_Base<double>& p_vector) {
   return {static_cast<float>(p_vector.x), static_cast<float>(p_vector.y), static_cast<float>(p_vector.z)};
 }
 
-// Scanners for plain lines. Every line ends in a line feed, which no number contains, so the character behind a number
-// can always be read.
-
-/// The rest of a line that has all the parts it needs.
-struct LineRest {
-  const char* next = nullptr; // the start of the next line; null when the line must be read in the general way
-  bool hasMoreParts = false;
-};
-
-LineRest ScanLineRest(const char* p_first, const char* p_last) {
-  if (*p_first == '\n')
-    return {p_first + 1};
-  if (p_first[0] == '\r' && p_first[1] == '\n')
-    return {p_first + 2};
-  if (*p_first != ' ')
-    return {};
-  const auto* lineFeed = static_cast<const char*>(std::memchr(p_first, '\n', std::size_t(p_last - p_first)));
-  const char* const end = lineFeed[-1] == '\r' ? lineFeed - 1 : lineFeed;
-  return Scan::IsBlank(end[-1]) ? LineRest() : LineRest{lineFeed + 1, true}; // blanks at the end are no parts
-}
-
-LineRest ScanVector(const char* p_first, const char* p_last, Types::Vector3_Base<double>& p_vector) {
-  p_first = Scan::ShortDouble(p_first, p_last, p_vector.x);
-  if (p_first == nullptr || *p_first != ' ')
-    return {};
-  p_first = Scan::ShortDouble(p_first + 1, p_last, p_vector.y);
-  if (p_first == nullptr || *p_first != ' ')
-    return {};
-  p_first = Scan::ShortDouble(p_first + 1, p_last, p_vector.z);
-  return p_first == nullptr ? LineRest() : ScanLineRest(p_first, p_last);
-}
-
-struct Corner {
-  int vertexNumber = 0;
-  int normalNumber = 0;
-  bool hasNormal = false;
-};
-
-const char* ScanCorner(const char* p_first, const char* p_last, Corner& p_corner) {
-  p_first = Scan::ShortInt(p_first, p_last, p_corner.vertexNumber);
-  if (p_first == nullptr || *p_first != '/')
-    return p_first;
-  if (*++p_first != '/') {
-    int textureNumber = 0;
-    p_first = Scan::ShortInt(p_first, p_last, textureNumber);
-    if (p_first == nullptr || *p_first != '/')
-      return p_first;
-  }
-  p_corner.hasNormal = true;
-  return Scan::ShortInt(p_first + 1, p_last, p_corner.normalNumber);
-}
-
 } // namespace
 
 struct ObjReader::Keyword {
@@ -163,19 +111,101 @@ ObjReader::ObjReader(std::string_view p_path)
 
 void ObjReader::ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft) {
   const std::size_t indicesBefore = _indices.size();
-  const char* line = p_first;
-  while (line != p_last) {
-    ++_line;
-    const char* next = ReadPlainLine(line, p_last);
-    if (next == nullptr) {
-      const auto* end = static_cast<const char*>(std::memchr(line, '\n', std::size_t(p_last - line)));
-      ReadLine(Trimmed({line, std::size_t(end - line)}));
-      next = end + 1;
-    }
-    line = next;
-  }
+  for (const char* line = p_first; line != p_last;)
+    line = ReadNextLine(line, p_last);
   if (_indices.size() > indicesBefore)
     ReserveIndices(_indices.size() - indicesBefore, double(p_bytesLeft) / double(p_last - p_first));
+}
+
+const char* ObjReader::ReadNextLine(const char* p_line, const char* p_last) {
+  ++_line;
+  if (const char* const next = ReadPlainLine(p_line, p_last))
+    return next;
+  const auto* const end = static_cast<const char*>(std::memchr(p_line, '\n', std::size_t(p_last - p_line)));
+  ReadLine(Trimmed({p_line, std::size_t(end - p_line)}));
+  return end + 1;
+}
+
+void ObjReader::AddBlock(const ObjPlain::Block& p_block, std::size_t p_bytes, const char* p_last,
+                         std::uint64_t p_bytesLeft) {
+  const std::size_t indicesBefore = _indices.size();
+  const Attribute* position = p_block.positions.data();
+  const Attribute* normal = p_block.normals.data();
+  const ObjPlain::Corner* corner = p_block.corners.data();
+  auto bounds = p_block.bounds.begin();
+  auto other = p_block.others.begin();
+  for (const ObjPlain::Block::Run& run : p_block.runs) {
+    switch (run.kind) {
+    case ObjPlain::Block::Positions:
+      _vertices.Append(position, run.count);
+      position += run.count;
+      AddBounds(*bounds++);
+      _line += run.count;
+      break;
+    case ObjPlain::Block::Normals:
+      _sourceNormals.Append(normal, run.count);
+      normal += run.count;
+      _line += run.count;
+      break;
+    case ObjPlain::Block::Triangles:
+      AddTriangles(corner, run.count);
+      corner += 3 * run.count;
+      break;
+    case ObjPlain::Block::Other:
+      for (std::size_t i = 0; i < run.count; ++i)
+        ReadNextLine(*other++, p_last);
+      break;
+    }
+  }
+  if (_indices.size() > indicesBefore)
+    ReserveIndices(_indices.size() - indicesBefore, double(p_bytesLeft) / double(p_bytes));
+}
+
+/// As if the positions were added one after the other: a component is empty if all its numbers are NaN.
+void ObjReader::AddBounds(const Types::BoundingBox_Base<double>& p_bounds) {
+  const auto smaller = [](double p_a, double p_b) { return p_b < p_a ? p_b : p_a; };
+  const auto larger = [](double p_a, double p_b) { return p_b > p_a ? p_b : p_a; };
+  const Vector min = _result.bounds.Min(), max = _result.bounds.Max(), low = p_bounds.Min(), high = p_bounds.Max();
+  _result.bounds = {{smaller(min.x, low.x), smaller(min.y, low.y), smaller(min.z, low.z)},
+                    {larger(max.x, high.x), larger(max.y, high.y), larger(max.z, high.z)}};
+}
+
+/// Triangles in a row, most of which have normals, all of elements that exist.
+void ObjReader::AddTriangles(const ObjPlain::Corner* p_corners, std::size_t p_count) {
+  const std::size_t vertexCount = _vertices.Size(), normalCount = _sourceNormals.Size();
+  const auto isPlain = [&](const ObjPlain::Corner& p_corner) {
+    return p_corner.hasNormal && static_cast<std::uint32_t>(p_corner.vertexNumber) - 1u < vertexCount &&
+           static_cast<std::uint32_t>(p_corner.normalNumber) - 1u < normalCount;
+  };
+  DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
+  for (const ObjPlain::Corner* at = p_corners; at != p_corners + 3 * p_count; at += 3) {
+    ++_line;
+    if (_settledCorners != _indices.size() || !isPlain(at[0]) || !isPlain(at[1]) || !isPlain(at[2])) {
+      AddTriangle(at);
+      continue;
+    }
+    if (_hasNormal.size() < vertexCount)
+      SizeNormals();
+    std::uint32_t indices[3];
+    for (std::size_t i = 0; i < 3; ++i) {
+      indices[i] = static_cast<std::uint32_t>(at[i].vertexNumber) - 1u;
+      if (!_hasNormal[indices[i]]) {
+        _hasNormal[indices[i]] = true;
+        _result.normals[indices[i]] = _sourceNormals[static_cast<std::uint32_t>(at[i].normalNumber) - 1u];
+      }
+    }
+    _indices.insert(_indices.end(), indices, indices + 3);
+    _settledCorners += 3;
+  }
+}
+
+void ObjReader::AddTriangle(const ObjPlain::Corner* p_corners) {
+  DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
+  for (std::size_t i = 0; i < 3; ++i) {
+    AddCorner(p_corners[i].vertexNumber);
+    if (p_corners[i].hasNormal)
+      AddCornerNormal(p_corners[i].normalNumber);
+  }
 }
 
 /// When the next block's indices will not fit, makes room for those of all blocks to come, assuming they resemble the
@@ -199,7 +229,8 @@ const char* ObjReader::ReadPlainVector(const char* p_line, const char* p_last) {
   const bool isNormal = p_line[1] == 'n';
   const char* const blank = p_line + (isNormal ? 2 : 1);
   Vector vector;
-  const LineRest rest = *blank == ' ' ? ScanVector(blank + 1, p_last, vector) : LineRest();
+  const ObjPlain::LineRest rest =
+      *blank == ' ' ? ObjPlain::ScanVector(blank + 1, p_last, vector) : ObjPlain::LineRest();
   if (rest.next == nullptr)
     return nullptr;
   if (rest.hasMoreParts)
@@ -209,26 +240,14 @@ const char* ObjReader::ReadPlainVector(const char* p_line, const char* p_last) {
 }
 
 const char* ObjReader::ReadPlainTriangle(const char* p_line, const char* p_last) {
-  std::array<Corner, 3> corners;
-  const char* next = p_line + 1;
-  for (Corner& corner : corners) {
-    if (*next != ' ')
-      return nullptr;
-    next = ScanCorner(next + 1, p_last, corner);
-    if (next == nullptr)
-      return nullptr;
-  }
-  const LineRest rest = ScanLineRest(next, p_last);
+  ObjPlain::Corner corners[3];
+  const ObjPlain::LineRest rest = ObjPlain::ScanTriangle(p_line + 1, p_last, corners);
   if (rest.next == nullptr)
     return nullptr;
   DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
   if (rest.hasMoreParts)
     ReportSize(FourParts, {p_line, std::size_t(rest.next - p_line)});
-  for (const Corner& corner : corners) {
-    AddCorner(corner.vertexNumber);
-    if (corner.hasNormal)
-      AddCornerNormal(corner.normalNumber);
-  }
+  AddTriangle(corners);
   return rest.next;
 }
 
@@ -384,7 +403,7 @@ ObjReader::Result ObjReader::Finish() {
   SettlePendingNormals();
   if (_sourceNormals.Size() != 0)
     SizeNormals();
-  _sourceNormals = {}; // before the last arrays are copied, to keep the peak low
+  _sourceNormals.Clear(); // before the last arrays are copied, to keep the peak low
   FinishGroup();
   _result.vertices = _vertices.MoveOut();
   return std::move(_result);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/private/io/ObjBlock.h"
 #include "library/private/memory/ChunkedArray.h"
 #include "platform/debug/Logger.h"
 #include "platform/ogl/Vec.h"
@@ -36,6 +37,8 @@ public:
   /// Reads the next lines: [p_first, p_last) ends in a line feed. About p_bytesLeft bytes follow later, 0 where that is
   /// not known; it serves only to choose how much memory to take in advance.
   void ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft);
+  /// Likewise, of a block that was scanned: `p_bytes` of lines, whose characters end at `p_last`.
+  void AddBlock(const ObjPlain::Block& p_block, std::size_t p_bytes, const char* p_last, std::uint64_t p_bytesLeft);
   /// The arrays, after the last line. The reader is used up.
   Result Finish();
 
@@ -50,6 +53,7 @@ private:
 
   // One pass over plain lines, the bulk of any file. Each returns the start of the next line, or null, without any
   // effect, when the line must be read in the general way.
+  const char* ReadNextLine(const char* p_line, const char* p_last);
   const char* ReadPlainLine(const char* p_first, const char* p_last);
   const char* ReadPlainVector(const char* p_line, const char* p_last);
   const char* ReadPlainTriangle(const char* p_line, const char* p_last);
@@ -68,6 +72,9 @@ private:
   void ReportNormalIndex(std::uint32_t p_index) const;
 
   void AddPosition(const Vector& p_position);
+  void AddBounds(const Types::BoundingBox_Base<double>& p_bounds);
+  void AddTriangles(const ObjPlain::Corner* p_corners, std::size_t p_count);
+  void AddTriangle(const ObjPlain::Corner* p_corners);
   void AddNormal(const Vector& p_normal);
   void DecidePrimitiveType(Ogl::VertexBuffer::PrimitiveType p_type);
   void AddCorner(int p_vertexNumber);

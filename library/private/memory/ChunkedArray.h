@@ -2,6 +2,7 @@
 
 #include "library/private/memory/HugePages.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -22,21 +23,46 @@ public:
     ++_size;
   }
 
+  void Append(const T* p_first, std::size_t p_count) {
+    for (std::size_t done = 0; done < p_count;) {
+      if (_size % ChunkSize == 0)
+        AddChunk();
+      const std::size_t part = std::min(ChunkSize - _size % ChunkSize, p_count - done);
+      _chunks.back().insert(_chunks.back().end(), p_first + done, p_first + done + part);
+      _size += part;
+      done += part;
+    }
+  }
+
   /// Returns all elements and empties the array. Each chunk is freed as soon as it is copied.
   std::vector<T> MoveOut() {
     std::vector<T> all;
     ReserveLarge(all, _size);
     for (std::vector<T>& chunk : _chunks) {
       all.insert(all.end(), chunk.begin(), chunk.end());
-      std::vector<T>().swap(chunk);
+      Free(chunk);
     }
     _chunks.clear();
     _size = 0;
     return all;
   }
 
+  /// Empties the array.
+  void Clear() {
+    for (std::vector<T>& chunk : _chunks)
+      Free(chunk);
+    _chunks.clear();
+    _size = 0;
+  }
+
 private:
   static constexpr std::size_t ChunkSize = std::size_t(1) << 16;
+
+  // The allocator may keep the memory: the peak counts what it keeps.
+  static void Free(std::vector<T>& p_chunk) {
+    ReleasePages(p_chunk.data(), p_chunk.capacity() * sizeof(T));
+    std::vector<T>().swap(p_chunk);
+  }
 
   // The first chunk grows like any vector, since many arrays stay small.
   void AddChunk() {
