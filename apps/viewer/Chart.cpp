@@ -3,6 +3,7 @@
 #include "library/NamedColors.h"
 
 #include <algorithm>
+#include <array>
 #include <stdexcept>
 #include <utility>
 
@@ -42,11 +43,34 @@ void Chart::Set(const QString& p_group, const QString& p_name, const Setting::Va
       other.apply(other.value);
 }
 
+namespace {
+
+/// A value as numbers, to be compared.
+struct Numbers {
+  using Three = std::array<double, 3>;
+  Three operator()(double p_number) const { return {p_number, 0, 0}; }
+  Three operator()(const std::optional<Setting::Range>& p_range) const {
+    return p_range ? Three{1, p_range->min, p_range->max} : Three{};
+  }
+};
+
+bool AreEqual(const Setting::Value& p_a, const Setting::Value& p_b) {
+  return p_a.index() == p_b.index() && std::visit(Numbers(), p_a) == std::visit(Numbers(), p_b);
+}
+
+} // namespace
+
+void Chart::ShowPart(std::size_t p_time, std::size_t p_level) {
+  for (Setting& setting : _settings)
+    if (setting.reading != Setting::Reading::None)
+      setting.value = static_cast<int>(setting.reading == Setting::Reading::Time ? p_time : p_level);
+}
+
 void Chart::Adopt(const Chart& p_other) {
   for (const Setting& other : p_other._settings) {
     const Setting* const own = Find(other.group, other.name);
     if (own == nullptr || own->reading != Setting::Reading::None || own->value.index() != other.value.index() ||
-        own->choices != other.choices)
+        own->choices != other.choices || AreEqual(own->value, other.value))
       continue;
     try {
       Set(other.group, other.name, other.value);

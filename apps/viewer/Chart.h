@@ -33,6 +33,8 @@ public:
   /// Sets all settings that another chart has as well to its values; those that do not fit stay.
   void Adopt(const Chart& p_other);
 
+  /// Shows which step and level of the file there are, where another one could not be read.
+  void ShowPart(std::size_t p_time, std::size_t p_level);
   /// Adds the settings that all figures have: theme, triad, and a cutting plane. On the thread of the windows.
   void AddCommon();
   /// A slice of a plot was dragged.

@@ -51,6 +51,7 @@ decltype(Document::data) Read(Kind p_kind, const std::string& p_path, const Part
   case Kind::Volumes: {
     Io::VolumeOptions options;
     options.step = p_part.time;
+    options.raw = p_part.raw;
     options.progress = p_progress;
     return Io::ReadVolume(p_path, options);
   }
@@ -94,7 +95,8 @@ std::string Document::Name() const {
 Document ReadDocument(const std::string& p_path, const Part& p_part, const Io::Progress& p_progress) {
   const std::string begin = BeginOf(p_path);
   std::error_code error;
-  const std::vector<Kind> kinds = KindsOf(p_path, begin, std::filesystem::file_size(p_path, error));
+  const std::vector<Kind> kinds =
+      p_part.raw ? std::vector<Kind>{Kind::Volumes} : KindsOf(p_path, begin, std::filesystem::file_size(p_path, error));
   bool isCancelled = false;
   const Io::Progress progress = [&](double p_share) {
     isCancelled = isCancelled || (p_progress && !p_progress(p_share));

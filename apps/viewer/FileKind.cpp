@@ -144,6 +144,14 @@ bool IsText(const std::string& p_begin) {
 
 } // namespace
 
+bool IsRaw(const std::string& p_path) {
+  const std::string path = Lower(p_path);
+  const auto endsWith = [&](std::string_view p_ending) {
+    return path.size() > p_ending.size() && path.compare(path.size() - p_ending.size(), p_ending.size(), p_ending) == 0;
+  };
+  return endsWith(".raw") || endsWith(".raw.gz");
+}
+
 std::vector<Kind> KindsOf(const std::string& p_path, const std::string& p_begin, std::uintmax_t p_size) {
   const std::string begin = p_begin.substr(std::min(p_begin.find_first_not_of(" \t\r\n"), p_begin.size()));
   for (const Magic& magic : Magics())

@@ -82,8 +82,10 @@ private:
     _vector = {Find({"u", "vx"}), Find({"v", "vy"}), Find({"w", "vz"})};
     _isDown = _place[2] != 0 && Bare(_columns[static_cast<std::size_t>(_place[2] - 1)]->name) == "depth";
     _size = Find({"mag", "magnitude", "size"});
+    _color = _isDown ? _place[2] : 0;
     for (std::size_t i = 0; i < _columns.size() && _color == 0; ++i)
-      if (const int column = static_cast<int>(i + 1); !Has(_place, column) && !Has(_vector, column) && column != _size)
+      if (const int column = static_cast<int>(i + 1); !Has(_place, column) && !Has(_vector, column) &&
+                                                      column != _size && !Bare(_columns[i]->name).startsWith("time"))
         _color = column;
     _color = _color == 0 ? _place[2] : _color;
   }

@@ -1,6 +1,7 @@
 #include "apps/viewer/ViewerWindow.h"
 
 #include "apps/viewer/LoadBar.h"
+#include "apps/viewer/RawDialog.h"
 #include "apps/viewer/Welcome.h"
 #include "apps/viewer/WindowIcon.h"
 
@@ -65,12 +66,13 @@ void ViewerWindow::Connect() {
   connect(_loader, &Loader::Failed, this, [this](const QString& p_reason) {
     const QString path = std::exchange(_loading, {})->entry.path;
     _reports->AddFailure(p_reason.contains(path) ? p_reason : path + ": " + p_reason);
+    ShowPart();
     StartNext();
   });
   connect(_loader, &Loader::Dropped, this, [this] {
     _loading.reset();
     _waiting.clear();
-    _settings->Refresh(); // the step that is shown
+    ShowPart();
   });
   connect(_view, &Widgets::FigureView::Pointed, this, &ViewerWindow::ShowPoint);
   connect(_view, &Widgets::FigureView::SliceMoved, this,
@@ -101,21 +103,25 @@ void ViewerWindow::OpenFile(const QString& p_path, std::size_t p_time) {
   const QString path = QFileInfo(p_path).absoluteFilePath();
   Part part;
   part.time = p_time;
-  Load(path, part, [](Arrival& p_arrival, const Io::Progress& p_progress) {
+  if (!IsRaw(path.toStdString()) || !QFileInfo(path).isFile())
+    return OpenPart(path, part);
+  auto* const dialog = new RawDialog(path, this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  connect(dialog, &QDialog::accepted, this, [=]() mutable {
+    part.raw = dialog->Layout();
+    OpenPart(path, part);
+  });
+  dialog->open();
+}
+
+void ViewerWindow::OpenPart(const QString& p_path, const Part& p_part) {
+  Load(p_path, p_part, [](Arrival& p_arrival, const Io::Progress& p_progress) {
     const auto document =
         std::make_shared<Document>(ReadDocument(p_arrival.entry.path.toStdString(), p_arrival.entry.part, p_progress));
     if (const auto* const mesh = std::get_if<Io::Mesh>(&document->data))
       p_arrival.warnings = mesh->warnings;
     p_arrival.entry.chart = MakeChart(document);
   });
-}
-
-QStringList ViewerWindow::ExampleNames() {
-  QStringList names;
-  for (const Gallery::PictureEntry& entry : Gallery::Pictures())
-    if (entry.figure != nullptr)
-      names << QString::fromStdString(entry.name);
-  return names;
 }
 
 void ViewerWindow::OpenExample(const QString& p_name) {
@@ -150,11 +156,19 @@ void ViewerWindow::Reread(const Setting& p_setting) {
   Part part = entry.part;
   (p_setting.reading == Setting::Reading::Time ? part.time : part.level) =
       static_cast<std::size_t>(std::get<int>(p_setting.value));
-  _waiting.clear(); // of a slider, the last position counts
   if (_loader->IsLoading())
-    _loader->Cancel();
-  OpenFile(entry.path, part.time);
-  _loading->entry.part = part;
+    _loader->Cancel(); // of a slider, the last position counts
+  Chart()->ShowPart(part.time, part.level);
+  _settings->Refresh();
+  OpenPart(entry.path, part);
+}
+
+void ViewerWindow::ShowPart() {
+  if (Chart() == nullptr)
+    return;
+  const Part& part = _entries[static_cast<std::size_t>(_shown)].part;
+  Chart()->ShowPart(part.time, part.level);
+  _settings->Refresh();
 }
 
 void ViewerWindow::Take(const std::shared_ptr<Arrival>& p_arrival) {

@@ -31,12 +31,10 @@ public:
   ~ViewerWindow() override;
 
   /// Reads a file of any kind that can be shown; it gets a row of the list when it is there, or takes that of the same
-  /// path. With a step of time, if it has several.
+  /// path. With a step of time, if it has several. Asks for the layout of raw values.
   void OpenFile(const QString& p_path, std::size_t p_time = 0);
   /// Makes a figure of the gallery, by its name.
   void OpenExample(const QString& p_name);
-  /// The names of those figures.
-  static QStringList ExampleNames();
 
   /// Shows a row of the list, −1 for none.
   void ShowRow(int p_row);
@@ -86,9 +84,11 @@ private:
   void AddMenus();
   void AddViews();
   void AddStatusBar();
+  void OpenPart(const QString& p_path, const Part& p_part);
   void Load(const QString& p_path, const Part& p_part, Make p_make);
   void StartNext();
   void Take(const std::shared_ptr<Arrival>& p_arrival);
+  void ShowPart();
   void Reread(const Setting& p_setting);
   void ShowPoint(const std::optional<Scene::Figure::Hit>& p_hit);
   void AskForFiles();

@@ -58,7 +58,7 @@ void ViewerWindow::AddMenus() {
   });
   Add(file, "Re&load", {QKeySequence("F5")}, [this] {
     if (Chart() != nullptr && !_entries[static_cast<std::size_t>(_shown)].path.startsWith(':'))
-      OpenFile(_entries[static_cast<std::size_t>(_shown)].path, _entries[static_cast<std::size_t>(_shown)].part.time);
+      OpenPart(_entries[static_cast<std::size_t>(_shown)].path, _entries[static_cast<std::size_t>(_shown)].part);
   });
   Add(file, "&Save image…", {QKeySequence::Save}, [this] { AskWhereToSave(); });
   Add(file, "&Copy image", {QKeySequence::Copy}, [this] { _view->Copy(); });

@@ -232,6 +232,37 @@ TEST_F(FigureViewTest, ClicksPickAndDoubleClicksCenter) {
   EXPECT_FALSE(view->HitAt({600, 5}));
 }
 
+TEST_F(FigureViewTest, PointsAndDragsSlices) {
+  std::vector<Hit> points;
+  QObject::connect(view, &FigureView::Pointed, [&](const Hit& p_hit) { points.push_back(p_hit); });
+  const auto move = [&](const QPointF& p_place) {
+    SendMouse(*view, QEvent::MouseMove, p_place, Qt::NoButton, Qt::NoButton);
+    QApplication::processEvents();
+  };
+  view->setMouseTracking(true);
+  move(PlaceOf({0, 0, 0}));
+  ASSERT_EQ(points.size(), 1U);
+  ASSERT_TRUE(points[0]);
+  EXPECT_EQ(points[0]->label, "Sun");
+  move({3, 3});
+  EXPECT_FALSE(points.back());
+
+  figure = std::make_shared<Scene::Figure>();
+  std::vector<float> values(1000);
+  std::iota(values.begin(), values.end(), 0.0f);
+  Scene::SlicesPlot& slices = figure->Slices(VoxelGrid(values, {10, 10, 10}, {{0, 0, 0}, {10, 10, 10}}));
+  slices.Clear().At(2, 5).At(0, 5);
+  view->SetFigure(figure);
+  view->Image();
+  const QPointF from = PlaceOf({8, 2, 5}), to = PlaceOf({8, 2, 7});
+  SendDrag(*view, from, to - from, Qt::LeftButton, Qt::ControlModifier);
+  EXPECT_NEAR(slices.SliceAt(0).position, 7, 0.2);
+  EXPECT_EQ(slices.SliceAt(1).position, 5);
+  EXPECT_EQ(moves, 0) << "the camera stays";
+  SendDrag(*view, to, QPointF(0, -2000), Qt::LeftButton, Qt::ControlModifier);
+  EXPECT_EQ(slices.SliceAt(0).position, figure->Limits().Max().z) << "within the axes";
+}
+
 TEST_F(FigureViewTest, SavesAndCopies) {
   const TempFolder folder;
   Drag(Qt::LeftButton, {60, 20});

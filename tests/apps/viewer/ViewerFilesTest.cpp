@@ -1,5 +1,7 @@
 #include "tests/apps/viewer/ViewerFixture.h"
 
+#include "apps/viewer/RawDialog.h"
+
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QMimeData>
@@ -100,6 +102,29 @@ TEST_F(ViewerFiles, KeepsTheChartOnBrokenFiles) {
   }
   EXPECT_EQ(_window->Reports().Count(), std::size(cases));
   EXPECT_TRUE(_window->Reports().isVisible());
+}
+
+TEST_F(ViewerFiles, AsksForTheLayoutOfRawValues) {
+  std::string bytes(4, 'h');
+  for (int i = 0; i < 3 * 2 * 2; ++i)
+    bytes += {'\0', static_cast<char>(i)};
+  _window->OpenFile(QString::fromStdString(_folder.Write("a.raw", bytes)));
+  auto* const dialog = _window->findChild<RawDialog*>();
+  ASSERT_NE(dialog, nullptr);
+  dialog->findChild<QSpinBox*>("x")->setValue(3);
+  dialog->findChild<QSpinBox*>("y")->setValue(2);
+  dialog->findChild<QSpinBox*>("z")->setValue(2);
+  dialog->findChild<QComboBox*>("type")->setCurrentIndex(Io::Volume::UInt16);
+  auto& header = *dialog->findChild<QSpinBox*>("header");
+  auto& open = *dialog->findChild<QPushButton*>("open");
+  header.setValue(5);
+  EXPECT_FALSE(open.isEnabled()) << "a byte too many";
+  header.setValue(4);
+  EXPECT_TRUE(open.isEnabled());
+  dialog->findChild<QCheckBox*>("bigEndian")->setChecked(true);
+  dialog->accept();
+  ASSERT_TRUE(WaitFor([&] { return _shown == 1; }, 5000)) << LastReport();
+  EXPECT_NE(Words().find("3 × 2 × 2 voxels, 0 to 11"), std::string::npos) << Words();
 }
 
 TEST_F(ViewerFiles, CancelsLoading) {
