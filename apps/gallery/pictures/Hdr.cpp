@@ -144,7 +144,7 @@ QImage ImageOf(const Panorama& p_panorama) {
 /// The front of a unit sphere, seen along +y, in the colours that `p_colorAt` gives its normals.
 template <class ColorAt>
 void DrawSphere(Sheet& p_sheet, const Canvas::Position& p_center, double p_radius, const ColorAt& p_colorAt) {
-  constexpr int Rings = 96, Sectors = 192;
+  constexpr int Rings = 64, Sectors = 128;
   const double point = p_sheet.canvas.PointSize();
   const auto vertex = [&](int p_ring, int p_sector) {
     const double radius = std::sin(M_PI / 2 * p_ring / Rings), angle = 2 * M_PI * p_sector / Sectors;
