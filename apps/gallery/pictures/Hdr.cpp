@@ -197,6 +197,15 @@ double MiddleGain(const Panorama& p_panorama) {
   return count > 0 ? 0.18 / std::exp(sum / count) : 1;
 }
 
+/// The factor that keeps a matte surface from being brighter than white wherever it faces; at most 1.
+double MatteGain(const Panorama& p_light) {
+  double most = 1;
+  for (const Color& color : Blurred(p_light, 1).pixels)
+    for (const double channel : color)
+      most = std::max(most, channel);
+  return 1 / most;
+}
+
 /// From one that shows the shadows to one that shows only the brightest thousandth of all pixels, which is dark in it.
 std::array<int, 5> Stops(const Panorama& p_panorama, double p_gain) {
   std::vector<double> luminances;
@@ -245,10 +254,11 @@ QImage HdrImage(const Inputs& p_inputs, Types::Size p_size) {
   return DrawSheet("High dynamic range", size, p_size, [&](Sheet& p_sheet) {
     // The brightest pixel shines over the left shoulder of the viewer.
     const double back = 2 * M_PI * (column + 0.5) / light.width - M_PI / 3;
+    const double matte = MatteGain(light);
     p_sheet.Heading("Lit by the image", 48, 848);
-    DrawSpheres(p_sheet, light, back, {148, 726});
+    DrawSpheres(p_sheet, Exposed(light, matte, std::numeric_limits<double>::max()), back, {148, 726});
     p_sheet.Heading("Lit by what a screen shows of it", 48, 596);
-    DrawSpheres(p_sheet, Exposed(light, 1, 1), back, {148, 474});
+    DrawSpheres(p_sheet, Exposed(light, matte, 1), back, {148, 474});
     for (std::size_t i = 0; i < std::size(Finishes); ++i)
       p_sheet.Label(Finishes[i].name, 148 + 208 * double(i), 350, {0.5, 0.5});
 
