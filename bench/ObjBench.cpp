@@ -167,6 +167,16 @@ void LoadOnThreads(benchmark::State& p_state) {
 }
 BENCHMARK(LoadOnThreads)->Apply(Vek::Bench::OnThreads);
 
+void ReadSceneOnThreads(benchmark::State& p_state) {
+  const std::string path = TorusPath();
+  const auto read = [&](int p_threads) {
+    benchmark::DoNotOptimize(ReadObjScene(path, {}, Vek::Chart::Utility::Threads(p_threads)));
+  };
+  Vek::Bench::SideBySide(
+      p_state, "of_one_thread", [&] { read(static_cast<int>(p_state.range(0))); }, [&] { read(1); });
+}
+BENCHMARK(ReadSceneOnThreads)->Apply(Vek::Bench::OnThreads);
+
 struct SilentSink : vekdebug::sink {
   void write(const vekdebug::report&) override {}
 };

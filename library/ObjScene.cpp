@@ -1,6 +1,7 @@
 #include "library/ObjScene.h"
 
 #include "library/private/io/ByteSource.h"
+#include "library/private/io/LineBlocks.h"
 #include "library/private/io/ObjSceneReader.h"
 #include "library/private/io/Printable.h"
 
@@ -85,7 +86,8 @@ ObjError::ObjError(const std::string& p_path, std::uint64_t p_line, const std::s
     , _expected(p_expected)
     , _found(Private::Printable(p_found)) {}
 
-ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name, const ObjProgress& p_progress) {
+ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name, const ObjProgress& p_progress,
+                      Utility::Threads p_threads) {
   ByteSource source(p_stream, p_name);
   Private::ObjSceneReader reader(p_name);
   const std::uint64_t bytes = source.RemainingByClaim();
@@ -98,6 +100,19 @@ ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name, const O
   if (start == "\xEF\xBB\xBF" || start.substr(0, 3) == "\xEF\xBB\xBF")
     source.Take(3);
   progress(0);
+  struct Block {
+    Private::LineBlock lines;
+    Private::ObjSceneBlock scanned;
+  };
+  std::uint64_t bytesRead = 0;
+  Private::RunLineBlocks<Block>(
+      source, p_threads, [](Block& p_block) { p_block.scanned.Scan(p_block.lines.First(), p_block.lines.Last()); },
+      [&](const Block& p_block) {
+        bytesRead += p_block.lines.size;
+        reader.AddBlock(p_block.scanned, p_block.lines.size, bytes > bytesRead ? bytes - bytesRead : 0);
+        progress(bytes == 0 ? 1 : std::min(1.0, double(bytesRead) / double(bytes)));
+      },
+      &WholeStatements);
   while (const std::size_t size = PrepareStatements(source, reader, p_name)) {
     const std::string_view text = Available(source, size);
     if (IsLineEnd(text.back())) {
@@ -113,7 +128,7 @@ ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name, const O
   return reader.Finish();
 }
 
-ObjScene ReadObjScene(const std::string& p_path, const ObjProgress& p_progress) {
+ObjScene ReadObjScene(const std::string& p_path, const ObjProgress& p_progress, Utility::Threads p_threads) {
   std::error_code ignored;
   if (std::filesystem::is_directory(p_path, ignored))
     throw ObjError(p_path, "expected a file, got a folder");
@@ -121,7 +136,7 @@ ObjScene ReadObjScene(const std::string& p_path, const ObjProgress& p_progress) 
   std::ifstream file(p_path, std::ios::binary);
   if (!file)
     throw ObjError(p_path, std::string("cannot be opened: ") + std::strerror(errno));
-  return ReadObjScene(file, p_path, p_progress);
+  return ReadObjScene(file, p_path, p_progress, p_threads);
 }
 
 } // namespace Vek::Chart::Library

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/Export.h"
+#include "platform/utility/Threads.h"
 
 #include <array>
 #include <cstddef>
@@ -109,7 +110,8 @@ using ObjProgress = std::function<bool(double p_share)>;
 /// - Corners without normal get one from ComputeNormals, shared by the faces around a position that have the same
 ///   smoothing group. With `s off` or `s 0`, a face has its own Newell normal. Faces in front of the first `s` are
 ///   smooth.
-/// - `g`, `o` and `usemtl` with another name begin a group. `mtllib` names a file with materials, in the folder of the file; of several
+/// - `g`, `o` and `usemtl` with another name begin a group. `mtllib` names a file with materials, in the folder of the
+/// file; of several
 ///   materials of one name the first one counts. Paths may have backslashes; of an absolute path that does not exist,
 ///   the name is looked for in the folder as well.
 ///
@@ -119,12 +121,15 @@ using ObjProgress = std::function<bool(double p_share)>;
 /// statements, and materials and textures that cannot be read are warnings; the rest is read. Memory stays below 16 MB
 /// and 64 times the file; names of groups that would exceed that throw.
 ///
+/// The scene, its warnings and errors do not depend on the number of threads; files below 1 MiB start none.
+///
 /// \ingroup files
-VEK_LIBRARY_API ObjScene ReadObjScene(const std::string& p_path, const ObjProgress& p_progress = {});
+VEK_LIBRARY_API ObjScene ReadObjScene(const std::string& p_path, const ObjProgress& p_progress = {},
+                                      Utility::Threads p_threads = {});
 /// Likewise, from a stream; `p_name` takes the place of the path in messages and in the search for materials.
 ///
 /// \ingroup files
 VEK_LIBRARY_API ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name,
-                                      const ObjProgress& p_progress = {});
+                                      const ObjProgress& p_progress = {}, Utility::Threads p_threads = {});
 
 } // namespace Vek::Chart::Library

@@ -18,11 +18,14 @@ std::string File(unsigned int p_seed, const std::string& p_fault = {}, const std
     std::snprintf(digits, sizeof digits, random() % 5 == 0 ? "%.9e" : "%.6f", (double(random()) - 2e9) / 1e9);
     return " " + std::string(random() % 40 == 0 ? random() % 2 == 0 ? "-0.0" : "0" : digits);
   };
-  int positions = 0, normals = 0;
+  int positions = 0, normals = 0;       // at least: a scene begins with some
+  const auto index = [&](int p_count) { // sometimes one that a model reports
+    const bool isWrong = p_seed < 20 && random() % 100 == 0;
+    return std::to_string(isWrong ? p_count + 1 : 1 + int(random() % unsigned(std::max(p_count, 1))));
+  };
   const auto corner = [&] {
-    const std::string position = std::to_string(1 + int(random()) % std::max(positions, 1));
-    const std::string normal = std::to_string(1 + int(random()) % std::max(normals, 1));
-    return " " + (p_seed % 2 == 0 || random() % 50 == 0 ? position : position + "//" + normal);
+    const std::string position = " " + index(positions);
+    return p_seed % 2 == 0 || random() % 50 == 0 ? position : position + "//" + index(normals);
   };
   const std::size_t size = std::size_t(1300000);
   for (bool isFaulty = p_fault.empty(); text.size() < size || !isFaulty;) {
@@ -80,6 +83,26 @@ std::string Model(const std::string& p_file, int p_threads) {
   return all;
 }
 
+/// All bytes of the scene, or the error.
+std::string SceneBytes(const std::string& p_file, int p_threads) {
+  std::string all;
+  try {
+    std::istringstream stream(p_file);
+    const ObjScene scene = ReadObjScene(stream, "x.obj", {}, Threads(p_threads));
+    for (const auto* array : {&scene.positions, &scene.normals, &scene.texCoords, &scene.colors})
+      AddBytes(all, *array);
+    AddBytes(all, scene.indices);
+    for (const ObjScene::Group& group : scene.groups)
+      all += group.name + '/' + group.object + ' ' + std::to_string(group.material) + ' ' +
+             std::to_string(group.first) + ' ' + std::to_string(group.count) + '\n';
+    for (const std::string& warning : scene.warnings)
+      all += warning + '\n';
+  } catch (const ObjError& error) {
+    all = error.what();
+  }
+  return all;
+}
+
 } // namespace
 
 TEST(ObjThreads, ModelsDoNotDependOnTheirNumber) {
@@ -95,5 +118,29 @@ TEST(ObjThreads, ModelsDoNotDependOnTheirNumber) {
     EXPECT_EQ(throws, fault == "g" || fault == "v 1 x 2") << fault;
     for (const int threads : {2, 3, 7})
       EXPECT_TRUE(Model(file + end, threads) == expected) << fault << ' ' << threads;
+  }
+}
+
+TEST(ObjThreads, ScenesDoNotDependOnTheirNumber) {
+  // What is in the middle of the file, and whether it is refused.
+  const std::tuple<std::string, std::string, bool> cases[] = {
+      {"", "\n", false},
+      {"", "\r\n", false},
+      {"", "\r", false},
+      {"f 1 2 99999999", "\n", true},
+      {"v 1 x 2", "\r\n", true},
+      {"v 1 2 3 0.5 0.25 1", "\n", false},
+      {"vt 0.5\nvt 0.25 0.75\nvt 1 2 3\nf 1/1/1 2/2/2 -1/-1/-1\nf 1/2 2/3 3/1 4/1 5/1", "\n", false},
+      {"f 1 \\\n 2 \\\n\\\n 3\nunknown\\\nv 1 2 3\n# no more \\\n", "\n", false},
+      {"s off\nusemtl red\n" + std::string(70, ' ') + "f 1 2 3 # here\nl 1 2 3\np 1\nf 1 2\ng", "\n", false},
+      {"# " + std::string(100000, '-'), "\r", false}};
+  unsigned int seed = 20;
+  for (const auto& [fault, lineEnd, isRefused] : cases) {
+    const std::string file =
+        "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 1 1 0\nv 1 2 0\nvn 0 0 1\nvn 1 0 0\n" + File(++seed, fault, lineEnd);
+    const std::string expected = SceneBytes(file, 1);
+    EXPECT_EQ(expected.size() < 1000, isRefused) << fault << expected.substr(0, 200);
+    for (const int threads : {2, 3, 7})
+      EXPECT_TRUE(SceneBytes(file, threads) == expected) << fault << ' ' << threads;
   }
 }

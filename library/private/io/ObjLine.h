@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/private/io/NumberText.h"
+#include "library/private/io/ObjSceneBlock.h"
 
 #include <boost/lexical_cast.hpp>
 
@@ -129,6 +130,13 @@ inline const char* ScanNextIndex(const char* p_at, const char* p_last, int& p_va
     return p_at;
   p_at = ScanIndex(p_at, p_last, p_value);
   return p_value == 0 ? nullptr : p_at;
+}
+
+/// A corner: all but the first number may be missing, and with them the slashes behind.
+[[gnu::always_inline]] inline const char* ScanCorner(const char* p_at, const char* p_last, ObjCorner& p_corner) {
+  p_at = ScanIndex(p_at, p_last, p_corner.position);
+  p_at = ScanNextIndex(p_at, p_last, p_corner.texCoord);
+  return ScanNextIndex(p_at, p_last, p_corner.normal);
 }
 
 } // namespace Vek::Chart::Library::Private::ObjLine

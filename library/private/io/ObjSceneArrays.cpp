@@ -59,6 +59,51 @@ void ObjSceneReader::ReadBlock(const char* p_first, const char* p_last, std::uin
   ReserveFor(_scene.indices, _scene.indices.size() - indices, double(p_bytesLeft) / double(p_last - p_first));
 }
 
+void ObjSceneReader::AddBlock(const ObjSceneBlock& p_block, std::size_t p_bytes, std::uint64_t p_bytesLeft) {
+  const std::size_t indices = _scene.indices.size();
+  const char* at = p_block.first;
+  const float* position = p_block.positions.data();
+  const float* normal = p_block.normals.data();
+  const float* texCoord = p_block.texCoords.data();
+  const ObjCorner* corner = p_block.corners.data();
+  auto cornerEnd = p_block.cornerEnds.begin();
+  const auto append = [](std::vector<float>& p_array, const float*& p_from, std::size_t p_count) {
+    p_array.insert(p_array.end(), p_from, p_from + p_count);
+    p_from += p_count;
+  };
+  for (const ObjSceneBlock::Run& run : p_block.runs) {
+    if (run.kind == ObjSceneBlock::Other) {
+      ReadLines(at, at + run.bytes);
+      at += run.bytes;
+      continue;
+    }
+    if (run.kind == ObjSceneBlock::Positions)
+      for (std::size_t i = 0; i < run.count; ++i) {
+        append(_scene.positions, position, 3);
+        _vertices.AddPosition();
+        if (!_scene.colors.empty())
+          AddColor(3);
+      }
+    else if (run.kind == ObjSceneBlock::Normals)
+      append(_normals, normal, 3 * run.count);
+    else if (run.kind == ObjSceneBlock::TexCoords)
+      append(_texCoords, texCoord, 2 * run.count);
+    const std::uint64_t line = _line;
+    if (run.kind == ObjSceneBlock::Faces)
+      for (std::size_t i = 0; i < run.count; ++i) {
+        ++_line;
+        const ObjCorner* const end = p_block.corners.data() + *cornerEnd++;
+        _corners.assign(corner, end);
+        corner = end;
+        AddFace();
+      }
+    _line = line + run.count;
+    _bytes += run.bytes;
+    at += run.bytes;
+  }
+  ReserveFor(_scene.indices, _scene.indices.size() - indices, double(p_bytesLeft) / double(p_bytes));
+}
+
 void ObjSceneReader::AddColor(int p_count) {
   _scene.colors.resize(4 * (_vertices.Positions() - 1), 1.0f); // positions without one
   float color[4] = {1, 1, 1, 1};
@@ -118,7 +163,7 @@ std::uint32_t ObjSceneReader::AddFaceNormal() {
   return FaceNormals + static_cast<std::uint32_t>(_faceNormals.size() / 3 - 1);
 }
 
-std::uint32_t ObjSceneReader::NormalKey(const Corner& p_corner, std::uint32_t& p_faceNormal) {
+std::uint32_t ObjSceneReader::NormalKey(const ObjCorner& p_corner, std::uint32_t& p_faceNormal) {
   if (p_corner.normal != 0)
     return Resolved(p_corner.normal, _normals.size() / 3, "normal");
   if (_smoothing != FaceNormals) {
@@ -139,7 +184,7 @@ void ObjSceneReader::AddFace() {
   std::uint32_t faceNormal = CornerVertices::None;
   _cornerVertices.resize(_corners.size());
   for (std::size_t i = 0; i < _corners.size(); ++i) {
-    const Corner& corner = _corners[i];
+    const ObjCorner& corner = _corners[i];
     std::uint32_t texCoord = CornerVertices::None;
     if (corner.texCoord != 0) {
       texCoord = Resolved(corner.texCoord, _texCoords.size() / 2, "texture coordinate");

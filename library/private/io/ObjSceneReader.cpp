@@ -61,11 +61,13 @@ const ObjSceneReader::Keyword ObjSceneReader::Keywords[] = {
 };
 
 void ObjSceneReader::ReadLines(const char* p_first, const char* p_last) {
-  _bytes += std::uint64_t(p_last - p_first);
   for (const char* line = p_first; line < p_last;) {
     ++_line;
-    const char* const next = ReadStatement(line, p_last);
-    line = next != nullptr ? next : ReadOtherLine(line, p_last);
+    const char* next = ReadStatement(line, p_last);
+    if (next == nullptr)
+      next = ReadOtherLine(line, p_last);
+    _bytes += std::uint64_t(next - line);
+    line = next;
   }
 }
 
@@ -134,14 +136,6 @@ const char* ObjSceneReader::ReadTexCoord(const char* p_at, const char* p_last) {
   return next;
 }
 
-/// A corner: all but the first number may be missing, and with them the slashes behind.
-[[gnu::always_inline]] inline const char* ObjSceneReader::ScanCorner(const char* p_at, const char* p_last,
-                                                                     Corner& p_corner) {
-  p_at = ScanIndex(p_at, p_last, p_corner.position);
-  p_at = ScanNextIndex(p_at, p_last, p_corner.texCoord);
-  return ScanNextIndex(p_at, p_last, p_corner.normal);
-}
-
 const char* ObjSceneReader::ReadCorners(const char* p_at, const char* p_last) {
   _corners.clear();
   for (;;) {
@@ -152,7 +146,7 @@ const char* ObjSceneReader::ReadCorners(const char* p_at, const char* p_last) {
     } else {
       ++p_at;
     }
-    Corner corner;
+    ObjCorner corner;
     const char* const end = ScanCorner(p_at, p_last, corner);
     if (end == nullptr || !Scan::IsBlank(*end))
       return Fault(AnyCorner, p_at);
@@ -179,7 +173,7 @@ const char* ObjSceneReader::ReadPolyline(const char* p_at, const char* p_last) {
   else
     BeginGroup(ObjScene::Lines);
   for (std::size_t i = 0; i + 1 < _corners.size(); ++i)
-    for (const Corner& corner : {_corners[i], _corners[i + 1]})
+    for (const ObjCorner& corner : {_corners[i], _corners[i + 1]})
       _scene.indices.push_back(Resolved(corner.position, _vertices.Positions(), "position"));
   return next;
 }
@@ -189,7 +183,7 @@ const char* ObjSceneReader::ReadPoints(const char* p_at, const char* p_last) {
   if (next == nullptr || _corners.empty())
     return next;
   BeginGroup(ObjScene::Points);
-  for (const Corner& corner : _corners)
+  for (const ObjCorner& corner : _corners)
     _scene.indices.push_back(Resolved(corner.position, _vertices.Positions(), "position"));
   return next;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/ObjScene.h"
+#include "library/private/io/ObjSceneBlock.h"
 #include "library/private/mesh/CornerVertices.h"
 #include "platform/types/Vector.h"
 
@@ -37,6 +38,8 @@ public:
   /// it may be read. About p_bytesLeft bytes follow later, 0 where that is not known; it serves only to choose how much
   /// memory to take in advance.
   void ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft);
+  /// Likewise, of a block that was scanned: `p_bytes` of lines.
+  void AddBlock(const ObjSceneBlock& p_block, std::size_t p_bytes, std::uint64_t p_bytesLeft);
   /// The scene, after the last line. The reader is used up.
   ObjScene Finish();
 
@@ -44,12 +47,6 @@ public:
 
 private:
   using Vector = Types::Vector3_Base<double>;
-  /// A corner as in the file: numbers from 1, or negative ones; 0 where it has none.
-  struct Corner {
-    int position = 0;
-    int texCoord = 0;
-    int normal = 0;
-  };
   struct Keyword;
   static const Keyword Keywords[];
 
@@ -65,7 +62,6 @@ private:
   const char* ReadPolyline(const char* p_at, const char* p_last);
   const char* ReadPoints(const char* p_at, const char* p_last);
   const char* ReadCorners(const char* p_at, const char* p_last);
-  static const char* ScanCorner(const char* p_at, const char* p_last, Corner& p_corner);
   const char* Fault(const char* p_expected, const char* p_at);
 
   // The general way: continued lines, and one function for each other keyword.
@@ -91,7 +87,7 @@ private:
     return static_cast<std::uint32_t>(index);
   }
   [[noreturn]] void RefuseIndex(int p_number, std::size_t p_count, const char* p_what) const;
-  std::uint32_t NormalKey(const Corner& p_corner, std::uint32_t& p_faceNormal);
+  std::uint32_t NormalKey(const ObjCorner& p_corner, std::uint32_t& p_faceNormal);
   std::uint32_t AddFaceNormal();
   void BeginGroup(ObjScene::Primitive p_primitive);
   Vector Position(std::uint32_t p_index) const;
@@ -104,7 +100,7 @@ private:
 
   const std::string& _path;
   std::uint64_t _line = 0;
-  std::uint64_t _bytes = 0;     // read
+  std::uint64_t _bytes = 0;     // of the lines that were read
   std::uint64_t _nameBytes = 0; // of all groups
   ObjScene _scene;
   ObjWarnings _warnings;
@@ -119,7 +115,7 @@ private:
 
   double _numbers[8];
   int _numberCount = 0;
-  std::vector<Corner> _corners; // of the current statement, as are the next three
+  std::vector<ObjCorner> _corners; // of the current statement, as are the next three
   std::vector<std::uint32_t> _positions;
   std::vector<std::uint32_t> _cornerVertices;
   std::vector<Vector> _outline;
