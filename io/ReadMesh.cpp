@@ -43,7 +43,7 @@ MeshFormat FormatByName(const std::string& p_name) {
 
 Mesh ReadObj(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
   try {
-    return Library::ReadObjScene(p_stream, p_name, p_progress);
+    return Library::ReadObjScene(p_stream, p_name, p_progress, Utility::Threads::All());
   } catch (const Library::ObjError& error) {
     if (error.Line() != 0)
       throw FileError(p_name, error.Line(), error.Expected(), error.Found());

@@ -49,7 +49,7 @@ Volume ReadTextArray(std::istream& p_stream, const std::string& p_name, const Vo
   options.progress = p_options.progress;
   Library::TextArray array;
   try {
-    array = Library::ReadTextArray(p_stream, p_name, options);
+    array = Library::ReadTextArray(p_stream, p_name, options, Utility::Threads::All());
   } catch (const Library::TextArrayError& error) {
     throw FileError(error);
   }
