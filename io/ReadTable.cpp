@@ -215,15 +215,16 @@ char FindSeparator(const std::string& p_text, const std::string& p_name) {
 
 /// The separator of a first line "sep=;", which spreadsheets write; 0 without one.
 char NamedSeparator(const std::string& p_text) {
-  const bool isNamed =
-      p_text.compare(0, 4, "sep=") == 0 && p_text.size() > 5 && (p_text[5] == '\r' || p_text[5] == '\n');
-  return isNamed ? p_text[4] : '\0';
+  constexpr std::string_view Separators = "\t;,|";
+  const std::string_view line = std::string_view(p_text).substr(0, p_text.find_first_of("\r\n"));
+  const bool isNamed = line.size() == 5 && line.substr(0, 4) == "sep=" && Separators.find(line[4]) < Separators.size();
+  return isNamed ? line[4] : '\0';
 }
 
 /// What the separators of the rows, or else blanks, divide a comment into: as many names as there are cells, or none.
 std::vector<std::string> NamesOf(std::string_view p_comment, char p_separator, std::size_t p_count) {
   std::vector<std::string> names = Private::SplitWords(p_comment);
-  if (p_separator != Blanks &&
+  if (p_separator != Blanks && p_separator != OneColumn &&
       std::size_t(std::count(p_comment.begin(), p_comment.end(), p_separator)) + 1 == p_count) {
     names.clear();
     for (std::size_t i = 0; i < p_count; ++i) {

@@ -51,6 +51,7 @@ TEST(ReadTable, TakesTheDialectsOfTables) {
       {"strings that come late keep the spelling", "a,b\n1.50,1\nx,2\n,3\n", "a: '1.50' 'x' ''\nb: 1 2 3\n"},
       {"one column with a blank in its name", "wind speed\n1\n2\n", "wind speed: 1 2\n"},
       {"commas within cells of semicolons", "a, b;c\nx, y;2\n", "a, b: 'x, y'\nc: 2\n"},
+      {"one column below a comment", "# made by a program\n1\n2\n", "1: 1 2\n"},
       {"one column", "depth\n1\n2\n", "depth: 1 2\n"},
       {"names alone", "a,b\n", "a:\nb:\n"},
   };
