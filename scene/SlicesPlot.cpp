@@ -62,7 +62,8 @@ SlicesPlot::Slice SlicesPlot::SliceAt(std::size_t p_slice) const {
   if (p_slice >= slices.size())
     throw std::invalid_argument("SliceAt: expected a number below " + std::to_string(slices.size()) + ", got " +
                                 std::to_string(p_slice));
-  return {static_cast<int>(slices[p_slice].axis), slices[p_slice].position};
+  const Private::PlaneSlice& slice = slices[p_slice];
+  return slice.plane ? Slice{-1, 0} : Slice{static_cast<int>(slice.axis), slice.position};
 }
 
 SlicesPlot& SlicesPlot::Filter(VoxelGrid::Filter p_filter) {

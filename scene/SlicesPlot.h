@@ -49,10 +49,10 @@ public:
   SlicesPlot& Move(std::size_t p_slice, double p_position);
   /// Removes all slices.
   SlicesPlot& Clear();
-  /// A slice: the axis that it is perpendicular to, 0 to 2 for x to z, and its position in data units.
+  /// A slice: the axis that it is perpendicular to, and its position.
   struct Slice {
-    int axis = 0;        ///< 0 to 2
-    double position = 0; ///< in data units
+    int axis = 0;        ///< 0 to 2 for x to z; −1 for an oblique slice
+    double position = 0; ///< in data units; 0 for an oblique slice
   };
   /// How many slices there are.
   std::size_t SliceCount() const;

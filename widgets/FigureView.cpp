@@ -319,6 +319,8 @@ void FigureView::BeginSlice(const QPointF& p_place) {
   double nearest = HUGE_VAL;
   for (std::size_t i = 0; i < plot->SliceCount(); ++i) {
     const Scene::SlicesPlot::Slice slice = plot->SliceAt(i);
+    if (slice.axis < 0) // oblique
+      continue;
     Position on = hit->position;
     At(on, slice.axis) = slice.position;
     const Position offset = _figure->ToScene(on) - scene;

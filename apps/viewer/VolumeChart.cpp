@@ -47,6 +47,7 @@ public:
     AddShown();
     AddNoData();
     AddSlices();
+    AddClipping();
     AddRays();
     AddColors({ColoredOf(_slices), ColoredOf(_rays), ColoredOf(_surface)},
               [this] { return Show() != IsosurfaceShown; });
@@ -174,6 +175,25 @@ private:
         _slices->Filter(filter);
     }).isOffered = offered;
   }
+  /// Values outside of a range are left out.
+  void AddClipping() {
+    const auto add = [this](const char* p_name, double p_value, double& p_limit) {
+      Setting& setting = AddNumber("Slices", p_name, p_value, ValueRange(), [this, &p_limit](double p_number) {
+        p_limit = p_number;
+        Clip();
+      });
+      setting.isOffered = [this] { return ShowsSlices(); };
+      setting.unit = _grid.unit;
+    };
+    add("Values from", ValueRange().min, _shownRange.min);
+    add("Values to", ValueRange().max, _shownRange.max);
+  }
+  void Clip() {
+    const Setting::Range all = ValueRange();
+    if (_slices != nullptr && _shownRange.min <= _shownRange.max) // rounded, at the ends nothing is left out
+      _slices->Show(_shownRange.min > all.min ? _shownRange.min : -HUGE_VAL,
+                    _shownRange.max < all.max ? _shownRange.max : HUGE_VAL);
+  }
   void Cut() {
     if (_slices == nullptr)
       return;
@@ -225,6 +245,7 @@ private:
   double _left = 0;
   bool _has[3] = {true, true, true};
   double _at[3] = {0, 0, 0};
+  Setting::Range _shownRange{-HUGE_VAL, HUGE_VAL}; ///< of slices
   double _clear = 0, _density = 1;
   Scene::SlicesPlot* _slices = nullptr;
   Scene::VolumePlot* _rays = nullptr;

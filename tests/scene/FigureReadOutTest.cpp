@@ -76,7 +76,9 @@ TEST(FigureReadOut, SlicesHavePositions) {
   slices.At(2, 3.5);
   EXPECT_EQ(slices.SliceAt(0).axis, 2);
   EXPECT_EQ(slices.SliceAt(0).position, 3.5);
-  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { slices.SliceAt(1); }), "SliceAt: expected a number below 1, got 1");
+  slices.At(Types::Plane({2, 2, 2}, {0, 1, 1}));
+  EXPECT_EQ(slices.SliceAt(1).axis, -1);
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { slices.SliceAt(2); }), "SliceAt: expected a number below 2, got 2");
 }
 
 TEST(FigureReadOut, RangesBecomeAutomaticAgain) {

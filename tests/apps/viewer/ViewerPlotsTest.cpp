@@ -69,6 +69,10 @@ TEST_F(ViewerPlots, SlicesMoveByNumberSliderAndDrag) {
 TEST_F(ViewerPlots, RaysSurfacesAndValuesLeftOut) {
   ASSERT_NE(OpenText("ramp.txt", RampText()), nullptr);
   const QImage slices = View().Image();
+  Set("Slices", "Values from", 60.0);
+  EXPECT_GT(Difference(View().Image(), slices), 0.02) << "half of the values are left out";
+  Set("Slices", "Values from", 0.0);
+  EXPECT_EQ(View().Image(), slices);
   for (const int shown : {1, 2, 3, 4, 5}) {
     Set("Volume", "Show", shown);
     EXPECT_GT(Difference(View().Image(), slices), 0.02) << shown;
