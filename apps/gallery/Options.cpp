@@ -61,7 +61,9 @@ constexpr Option AllOptions[] = {
      [](Options& p_options, const std::string& p_value) { p_options.inputs.time = ParseTime(p_value); }},
     {"quakes", "FILE", "earthquakes of your own: a table with the columns lon,lat,depth_km,mag",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.quakes = p_value; }},
-    {"relief", "FILE", "a height grid for the maps: \"nx ny x0 dx y0 dy\", then ny rows of nx metres",
+    {"relief", "FILE",
+     "heights for the maps and the surface: \"nx ny x0 dx y0 dy\", then ny rows of nx metres; a table with the columns "
+     "lon,lat,height; or NetCDF",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.relief = p_value; }},
     {"hdr", "FILE", "a panorama of your own: Radiance, PFM or OpenEXR",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.hdr = p_value; }},
@@ -70,8 +72,8 @@ constexpr Option AllOptions[] = {
     {"model", "FILE", "a mesh of your own, shown among the symbols: OBJ, PLY, STL or glTF",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.model = p_value; }},
     {"flow", "FILE",
-     "a flow in space of your own: \"# dims nx ny nz origin x y z spacing dx dy dz\", then a table with the columns "
-     "u,v,w, x fastest",
+     "a flow in space of your own: a table with the columns x,y,z,u,v,w; \"# dims nx ny nz origin x y z spacing dx dy "
+     "dz\", then a table with the columns u,v,w, x fastest; or NetCDF",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.flow = p_value; }},
 };
 

@@ -8,7 +8,13 @@
 
 namespace Vek::Chart::Gallery {
 
-// One function for each picture, in the source file of that name. See PictureEntry.
+// One function for each picture, in the source file of that name, or in Winds.cpp. See PictureEntry.
+Figure WindFigure(const Inputs& p_inputs);
+Figure StreamlinesFigure(const Inputs& p_inputs);
+Figure EarthquakesFigure(const Inputs& p_inputs);
+Figure BarsFigure(const Inputs& p_inputs);
+Figure FlowFigure(const Inputs& p_inputs);
+Figure SurfaceFigure(const Inputs& p_inputs);
 Figure VolumeFigure(const Inputs& p_inputs);
 Figure HeadFigure(const Inputs& p_inputs);
 QImage AtlasImage(const Inputs& p_inputs, Types::Size p_size);

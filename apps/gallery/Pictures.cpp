@@ -1,22 +1,29 @@
 #include "apps/gallery/PictureFunctions.h"
-#include "apps/gallery/PictureLoaders.h"
 
 namespace Vek::Chart::Gallery {
 
 const std::vector<PictureEntry>& Pictures() {
   static const std::vector<PictureEntry> Pictures = {
-      {"wind", "Winds of the world",
-       "The monthly mean wind of the world in January 1987 as arrows above the relief: length and colour tell the "
-       "speed. Glyphs by VectorSymbol, colours by two ColorMaps bound as textures.",
-       "apps/gallery/pictures/Wind.cpp", LoadWind},
+      {"wind", "Wind as arrows",
+       "A wind above the relief of land and sea floor. Length and colour of an arrow are the speed; it points where "
+       "the "
+       "air goes on the map, and its key holds everywhere. One arrow stands for several nodes of the grid, as the note "
+       "below the map says. A Figure with a map, a SurfacePlot and a QuiverPlot.",
+       "apps/gallery/pictures/Winds.cpp", nullptr, false, WindFigure},
       {"symbols", "Glyph models",
        "The fourteen built-in glyph models of the SymbolRegistry in GPU buffers. One instanced call of InstancedMesh "
        "draws a model and all its copies. A mesh given with --model joins them.",
        "apps/gallery/pictures/Symbols.cpp", nullptr, false, nullptr, SymbolsImage},
-      {"earthquakes", "A week of earthquakes",
-       "A week of earthquakes where they lie below the surface: each a sphere, sized by magnitude and coloured by "
-       "depth, all of them instances of one model.",
-       "apps/gallery/pictures/Earthquakes.cpp", LoadEarthquakes},
+      {"earthquakes", "Earthquakes",
+       "Earthquakes where they lie below the coasts of the world: spheres whose diameters grow with the magnitude and "
+       "whose colours are depths, with stems from deep ones up to the surface; the subtitle says how much deeper than "
+       "true they are drawn. A ScatterPlot and two LinesPlots; the "
+       "coasts are Isolines of a relief.",
+       "apps/gallery/pictures/Earthquakes.cpp", nullptr, false, EarthquakesFigure},
+      {"bars", "Earthquakes in classes",
+       "The number of earthquakes of each magnitude and depth as a BarsPlot on a logarithmic axis. Classes without any "
+       "have no bar.",
+       "apps/gallery/pictures/Bars.cpp", nullptr, false, BarsFigure},
       {"atlas", "Colour atlas",
        "A chart in the colours of one texture, drawn three times from the same vertices: in the colours of the "
        "ColorAtlas itself, and moved onto two instances with other colours. Below, the texels of the atlas.",
@@ -56,14 +63,18 @@ const std::vector<PictureEntry>& Pictures() {
        "The unit shapes of Geometry from display lists, solids filled and outlined, boxes, nine-patch panels and "
        "layers of textures.",
        "apps/gallery/pictures/Shapes.cpp", nullptr, false, nullptr, ShapesImage},
-      {"streamlines", "Streamlines of the wind",
-       "The same wind as evenly spaced streamlines above the relief, coloured by speed: fast winds as tubes, calm ones "
-       "as ribbons, swept from the cross-sections of StreamLineShape without twist.",
-       "apps/gallery/pictures/Streamlines.cpp", LoadStreamlines},
-      {"flow", "Flow in a vortex",
-       "A flow in space as tubes from where it enters its box, with glyphs of VectorSymbol along them: a Burgers "
-       "vortex that the scene computes itself, or a grid given with --flow.",
-       "apps/gallery/pictures/Flow.cpp", LoadFlow},
+      {"streamlines", "Streamlines of a wind",
+       "The same wind as evenly spaced lines, as wide as it is fast, with heads downstream: a StreamlinesPlot on a "
+       "map.",
+       "apps/gallery/pictures/Winds.cpp", nullptr, false, StreamlinesFigure},
+      {"flow", "Flow in space",
+       "Evenly spaced streamlines in a box with units: a Burgers vortex in water, which is computed, or a vector field "
+       "given with --flow. A StreamlinesPlot.",
+       "apps/gallery/pictures/Flow.cpp", nullptr, false, FlowFigure},
+      {"surface", "Relief as a surface",
+       "Heights as a SurfacePlot with contour lines at round heights: land and sea floor of southern Asia, or all of a "
+       "grid given with --relief. The subtitle says how much steeper than true slopes are.",
+       "apps/gallery/pictures/Surface.cpp", nullptr, false, SurfaceFigure},
   };
   return Pictures;
 }

@@ -1,7 +1,6 @@
 #include "apps/gallery/HeightField.h"
 #include "apps/gallery/Quakes.h"
 #include "apps/gallery/TextTable.h"
-#include "apps/gallery/WindField.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;
@@ -45,18 +44,6 @@ TEST(TextTable, ReadsColumnsByNameAndQuotedCells) {
 }
 
 TEST(Readers, BadFilesAreNamedWithTheirLine) {
-  ExpectErrors(WindField::Read,
-               {{"", ": expected a header line with the names of the columns, got nothing"},
-                {"lon,lat,x\n", ":1: expected a column named \"u\", got \"lon,lat,x\""},
-                {"lon,lat,u,v\n1,2,3,4\n1,2,3\n", ":3: expected 4 cells, got \"1,2,3\""},
-                {"lon,lat,u,v\n\n1,2,fast,4\n", ":3: expected a number for \"u\", got \"fast\""},
-                {"lon,lat,u,v\n1,2,3,nan\n", ":2: expected a number for \"v\", got \"nan\""},
-                {"lon,lat,u,v\n1 2,2,3,4\n", ":2: expected a number for \"lon\", got \"1 2\""},
-                {"lon,lat,u,v\n1,90.5,3,4\n", ":2: expected \"lat\" from -90 to 90, got \"90.5\""},
-                {"lon,lat,u,v\n", ": expected winds at two longitudes and two latitudes at least, got 0 rows"},
-                {"longitude,latitude,dir,speed\n1,2,90,-1\n", ":2: expected \"speed\" from 0 to 1000, got \"-1\""},
-                {"lon,lat,u,v\n1,2,aaaaaaaaaabbbbbbbbbbccccccccccdddddddddde,4\n",
-                 ":2: expected a number for \"u\", got \"aaaaaaaaaabbbbbbbbbbccccccccccdddddddddd...\""}});
   const std::string head = ":1: expected \"nx ny x0 dx y0 dy\"";
   const std::string rules = " with whole nx, ny from 2 to 65536 and steps that are not 0, got ";
   ExpectErrors(
@@ -74,7 +61,7 @@ TEST(Readers, BadFilesAreNamedWithTheirLine) {
 
 TEST(Readers, MissingFilesAndFoldersAreNamed) {
   Loading loading;
-  EXPECT_EQ(ErrorOf<InputError>([&] { WindField::ReadFile("no/such.csv", loading); }), "no/such.csv: no such file");
+  EXPECT_EQ(ErrorOf<InputError>([&] { ReadQuakesFile("no/such.csv", loading); }), "no/such.csv: no such file");
   EXPECT_EQ(ErrorOf<InputError>([&] { HeightField::ReadFile(VEK_SOURCE_DIR, loading); }),
             std::string(VEK_SOURCE_DIR) + ": expected a file, got a folder");
 }
@@ -103,50 +90,6 @@ TEST(HeightField, TheEarthIsWhereItBelongs) {
   EXPECT_GT(earth.At(-40, 72), 2000) << "Greenland";
   EXPECT_LT(earth.At(-160, 30), -4000) << "North Pacific";
   EXPECT_LT(earth.At(160, -38), -2500) << "Tasman Sea";
-}
-
-TEST(WindField, DirectionIsWhereTheWindComesFrom) {
-  const WindField field = ReadText(WindField::Read, "longitude,latitude,dir,dirCat,speed\n"
-                                                    "1,50,270,270,4\n2,50,0,0,3\n1,51,225,225,2\n2,51,90,90,0\n");
-  const double diagonal = std::sqrt(2.0);
-  std::size_t i = 0;
-  for (const auto& [u, v] : {std::pair(4.0, 0.0), {0, -3}, {diagonal, diagonal}, {0, 0}}) {
-    EXPECT_NEAR(field.winds.at(i).u, u, 1e-12) << i;
-    EXPECT_NEAR(field.winds.at(i++).v, v, 1e-12);
-  }
-  EXPECT_FALSE(field.IsGlobal());
-}
-
-TEST(WindField, TheWorldsWindsBlowAsTheyDoAndThinEvenly) {
-  const auto read = [](std::size_t p_time) {
-    return [p_time](const std::string& p_path, Loading& p_loading) {
-      return WindField::ReadFile(p_path, p_loading, p_time);
-    };
-  };
-  const WindField field = FromFile(read(0), "noaa_navy_winds_1987-01.csv");
-  const WindField sameInNetCdf = FromFile(read(0), "navy_winds_1987.nc");
-  EXPECT_TRUE(sameInNetCdf.lons == field.lons && sameInNetCdf.lats == field.lats);
-  EXPECT_FLOAT_EQ(float(sameInNetCdf.SpeedQuantile(1)), float(field.SpeedQuantile(1)));
-  EXPECT_NE(FromFile(read(1), "navy_winds_1987.nc").SpeedQuantile(1), field.SpeedQuantile(1));
-  EXPECT_EQ(field.winds.size(), 144u * 73u);
-  EXPECT_TRUE(field.IsGlobal());
-  double westerlies = 0, trades = 0;
-  for (const Wind& wind : field.winds) {
-    westerlies += wind.lat == -50 ? wind.u / 144 : 0;
-    trades += wind.lat == 15 ? wind.u / 144 : 0;
-  }
-  EXPECT_GT(westerlies, 5) << "towards the east";
-  EXPECT_LT(trades, -3) << "towards the west";
-  EXPECT_LT(field.SpeedQuantile(0.5), field.SpeedQuantile(0.95));
-  EXPECT_NEAR(field.SpeedQuantile(1), 21.298, 0.001);
-
-  std::size_t atEquator = 0, nearPole = 0;
-  for (const Wind& wind : field.Thinned(48)) {
-    atEquator += std::abs(wind.lat) < 4 ? 1 : 0;
-    nearPole += wind.lat > 76 && wind.lat < 80 ? 1 : 0;
-  }
-  EXPECT_EQ(atEquator, 48u);
-  EXPECT_TRUE(nearPole > 8 && nearPole < 30) << nearPole;
 }
 
 TEST(Quakes, ReadsEventsAndSkipsUnknownMagnitudes) {
