@@ -140,8 +140,8 @@ public:
   Figure& SetTicks(int p_axis, Axes::TickMaker p_ticks);
   /// The limits of an axis, 0 to 2 for x to z: finite and ascending, above 0 on a logarithmic axis; of a map, latitudes
   /// from −90 to 90, longitudes from −360 to 720 up to 360 apart. Points outside are left out, which is said. Surfaces
-  /// and meshes are cut at the limits, but not on a map, nor where limits and cutting planes are more than six; there
-  /// they end at the last vertices within.
+  /// and meshes are cut at the limits. On a map this holds for its borders alone; beyond other limits of a map, and
+  /// where limits and cutting planes are more than six, they end at the last vertices within.
   Figure& SetLimits(int p_axis, double p_low, double p_high);
   /// Makes an axis logarithmic, and no axis of dates or of a map. Points that are not above 0 are left out, which is
   /// said. Limits and cutting planes must be above 0.

@@ -98,6 +98,8 @@ bool AxisRules::HasVertex(const Point& p_point) const {
   AxisRules rules = *this;
   if (cutsSurfaces)
     rules.limits = {};
+  else if (isMap)
+    rules.limits[0] = rules.limits[1] = {};
   return rules.Shows(p_point);
 }
 

@@ -41,7 +41,8 @@ struct AxisRules {
   bool operator!=(const AxisRules& p_other) const { return !(*this == p_other); }
   /// Whether an axis measures what no other one does: logarithms, seconds, heights above a map.
   bool HasOwnUnit(std::size_t p_axis) const { return logarithmic[p_axis] || dates[p_axis] || isMap; }
-  /// Whether surfaces are cut at the limits. Otherwise they end at the last vertices within.
+  /// Whether surfaces are cut at the limits. Otherwise they end at the last vertices within, but are always cut at the
+  /// borders of a map.
   bool cutsSurfaces = false;
   /// Whether a point is finite, within the limits, and above 0 on logarithmic axes. Longitudes of a map may be of any
   /// turn from −360 to 720 degrees.

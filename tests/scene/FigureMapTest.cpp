@@ -138,6 +138,18 @@ TEST_F(FigureMapTest, StreamlinesOfAnyTurn) {
   }
 }
 
+TEST_F(FigureMapTest, CutsSurfacesAtItsBorders) {
+  Figure figure;
+  figure.SetMap().SetLimits(0, 364, 376).SetLimits(1, 4, 16); // one turn further, between the nodes
+  figure.Surface(Doubles{0, 10, 20}, Doubles{0, 10, 20}, Doubles(9)).Color(Qt::red);
+  const QImage image = figure.Image({600, 400});
+  for (const double longitude : {364.5, 375.5})
+    for (const double latitude : {4.5, 15.5}) {
+      const QColor color = image.pixelColor(PixelOf(figure, {longitude, latitude, 0}, wide));
+      EXPECT_GT(color.red(), color.green() + 60) << longitude << ' ' << latitude;
+    }
+}
+
 TEST_F(FigureMapTest, RefusesWhatIsNoMap) {
   Figure figure;
   figure.SetMap();
