@@ -1,8 +1,8 @@
 #include "apps/gallery/DataFolder.h"
 
-#include "apps/gallery/TextTable.h"
-
 #include <sys/auxv.h>
+
+#include <stdexcept>
 
 namespace Vek::Chart::Gallery {
 
@@ -39,7 +39,7 @@ fs::path DataFolder(const fs::path& p_chosen, const fs::path& p_program) {
   constexpr const char* Needed = "no folder with data/, symbols/ and sprites/";
   if (!p_chosen.empty()) {
     if (!IsDataFolder(p_chosen))
-      throw InputError(p_chosen.string() + ": " + Needed);
+      throw std::runtime_error(p_chosen.string() + ": " + Needed);
     return p_chosen;
   }
   std::error_code error;
@@ -52,7 +52,8 @@ fs::path DataFolder(const fs::path& p_chosen, const fs::path& p_program) {
       return candidate;
     places += (places.empty() ? "" : ", ") + candidate.string();
   }
-  throw InputError(std::string(Needed) + " was found; looked at " + places + "; --data FOLDER names one elsewhere");
+  throw std::runtime_error(std::string(Needed) + " was found; looked at " + places +
+                           "; --data FOLDER names one elsewhere");
 }
 
 fs::path ThisProgram() {

@@ -9,7 +9,7 @@ namespace Vek::Chart::Gallery {
 /// The folder with the files that the pictures show: data/, symbols/ and sprites/. It is `p_chosen` where that is not
 /// empty. Otherwise it is share/vek-chart-library below the nearest folder above the program `p_program` that has it:
 /// <prefix>/share/vek-chart-library for an installed program, and a link in the build tree for one just built, so that
-/// both may be moved. Throws InputError with all the places that it looked at.
+/// both may be moved. Throws std::runtime_error with all the places that it looked at.
 std::filesystem::path DataFolder(const std::filesystem::path& p_chosen, const std::filesystem::path& p_program);
 
 /// The program that runs, as it was started.

@@ -1,5 +1,4 @@
 #include "apps/gallery/DataFolder.h"
-#include "apps/gallery/TextTable.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Gallery;
@@ -34,7 +33,7 @@ TEST(DataFolder, IsTheNearestAboveTheProgram) {
     for (const std::string& place : filled)
       prefix.Fill(place);
     fs::path found;
-    ErrorOf<InputError>([&, &program = program] { found = DataFolder("", prefix.path / program); });
+    ErrorOf<std::runtime_error>([&, &program = program] { found = DataFolder("", prefix.path / program); });
     EXPECT_EQ(found, expected.empty() ? fs::path() : prefix.path / expected) << program;
   }
 }
@@ -54,7 +53,7 @@ TEST(DataFolder, ErrorsSayWhereItLooked) {
   prefix.Fill("partial", "sprites");
   EXPECT_EQ(DataFolder(prefix.path / "mine", "/nowhere/vek-gallery"), prefix.path / "mine");
   const auto errorOf = [](const fs::path& p_chosen, const fs::path& p_program) {
-    return ErrorOf<InputError>([&] { DataFolder(p_chosen, p_program); });
+    return ErrorOf<std::runtime_error>([&] { DataFolder(p_chosen, p_program); });
   };
   EXPECT_EQ(errorOf(prefix.path / "partial", "/nowhere/vek-gallery"),
             (prefix.path / "partial").string() + ": no folder with data/, symbols/ and sprites/");

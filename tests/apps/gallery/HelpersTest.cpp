@@ -1,7 +1,5 @@
 #include "apps/gallery/IndexPage.h"
-#include "apps/gallery/MapFrame.h"
 #include "apps/gallery/Options.h"
-#include "apps/gallery/Palettes.h"
 #include "apps/gallery/Rendering.h"
 #include "tests/support/Test.h"
 
@@ -14,45 +12,6 @@ std::string UsageErrorOf(const std::vector<std::string>& p_arguments) {
 }
 
 } // namespace
-
-TEST(MapFrame, WrapsLongitudesIntoTheMap) {
-  const MapFrame world(-180, 180, -80, 84);
-  EXPECT_TRUE(world.IsGlobal());
-  EXPECT_EQ(world.Place(377.5, 2).x, 17.5);
-  EXPECT_EQ(world.Place(190, 2).x, -170);
-  EXPECT_EQ(world.Place(180, 2).x, 180) << "the eastern border is not folded onto the western one";
-  EXPECT_FALSE(world.Contains(0, 85));
-
-  const MapFrame part(350, 370, 50, 70);
-  EXPECT_FALSE(part.IsGlobal());
-  EXPECT_NEAR(part.Place(-5, 60).x, -90, 1e-9);
-  EXPECT_NEAR(part.Place(0, 61).y, 36, 1e-9) << "at 60 degrees a degree of latitude is twice one of longitude";
-  EXPECT_TRUE(part.Contains(5, 60));
-  EXPECT_FALSE(part.Contains(15, 60));
-}
-
-TEST(Palettes, RunFromEndToEndAndGrowLighter) {
-  EXPECT_EQ(Palettes::Viridis().front(), QColor(0x440154));
-  EXPECT_EQ(Palettes::Magma(1, 0).front(), QColor(0xFCFDBF));
-  const auto lightness = [](const QColor& p_color) {
-    return 0.2126 * p_color.redF() + 0.7152 * p_color.greenF() + 0.0722 * p_color.blueF();
-  };
-  for (const auto& colors : {Palettes::Viridis(), Palettes::Inferno(), Palettes::Magma(), Palettes::Plasma()})
-    for (std::size_t i = 16; i < colors.size(); i += 16)
-      EXPECT_GT(lightness(colors[i]), lightness(colors[i - 16])) << i;
-  const std::vector<QColor> sampled =
-      Palettes::Sampled({{0, 0x000000}, {1, 0x640000}, {1, 0x00FE00}, {2, 0x0000FE}}, 5);
-  EXPECT_EQ(sampled, (std::vector<QColor>{{0, 0, 0}, {50, 0, 0}, {100, 0, 0}, {0, 127, 127}, {0, 0, 254}}));
-}
-
-TEST(Palettes, LightnessIsThatOfCie) {
-  const std::pair<QColor, double> cases[] = {
-      {Qt::black, 0},     {QColor(1, 1, 1), 0.2742}, {QColor(119, 119, 119), 50.0344},
-      {Qt::red, 53.2408}, {Qt::green, 87.7347},      {Qt::blue, 32.2970},
-      {Qt::white, 100}};
-  for (const auto& [color, lightness] : cases)
-    EXPECT_NEAR(Palettes::Lightness(color), lightness, 0.01) << color.name().toStdString();
-}
 
 TEST(Options, TakesValuesAndRefusesTheRest) {
   const Options options =
