@@ -310,6 +310,8 @@ void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewpo
   for (const FigureLayout::Block& block : layout.blocks)
     block.content.Draw(canvas, block.origin);
   _state->DrawTriad(canvas, layout, theme);
+  if (_state->isMoving)
+    canvas.Text(_state->Shortages(p_gl), {layout.scene.left, layout.scene.top}, {0, 1}, theme.SmallStyle());
 }
 
 std::optional<Figure::Hit> Figure::Pick(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,

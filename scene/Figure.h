@@ -195,7 +195,8 @@ public:
   Figure& SetTriad(bool p_isShown = true);
 
   /// Whether further drawings follow soon, while a user moves the camera, for example. Half-transparent plots then have
-  /// one layer. False at first.
+  /// one layer, volumes fewer samples, and glyphs and lines coarser levels. Of many glyphs or segments, every k-th is
+  /// drawn, which the upper left corner says. False at first.
   Figure& SetMoving(bool p_isMoving);
 
   /// Draws everything into a viewport of the window and clears what was there. All GL state is restored. With

@@ -206,6 +206,37 @@ void GpuMesh::UpdateColors(std::vector<Rgba> p_colors) {
   _colors = Share(std::move(p_colors));
 }
 
+GpuMesh GpuMesh::Repeated(std::size_t p_copies) const {
+  using Vertices = Ogl::VertexBuffer;
+  const bool isList = _primitive == Vertices::Triangles || _primitive == Vertices::LineSegments ||
+                      _primitive == Vertices::Points || _primitive == Vertices::Quads;
+  if (!isList || !_positions || p_copies < 2)
+    return *this;
+  const auto repeated = [&](const auto& p_shared, const auto& p_change) {
+    auto elements = *p_shared;
+    elements.reserve(p_copies * p_shared->size());
+    for (std::size_t copy = 1; copy < p_copies; ++copy)
+      for (const auto& element : *p_shared)
+        elements.push_back(p_change(element, copy));
+    return Share(std::move(elements));
+  };
+  const auto same = [](const auto& p_element, std::size_t) { return p_element; };
+  GpuMesh mesh;
+  mesh._primitive = _primitive;
+  mesh._bounds = _bounds;
+  mesh._positions = repeated(_positions, same);
+  if (_normals)
+    mesh._normals = mesh._givenNormals = repeated(_normals, same);
+  const auto vertices = static_cast<std::uint32_t>(_positions->size());
+  if (_indices)
+    mesh._indices = repeated(_indices, [&](std::uint32_t p_index, std::size_t p_copy) {
+      return p_index + static_cast<std::uint32_t>(p_copy) * vertices;
+    });
+  const auto numbers = Share(std::vector<float>(vertices, 0));
+  mesh._texCoords = repeated(numbers, [](float, std::size_t p_copy) { return static_cast<float>(p_copy); });
+  return mesh;
+}
+
 bool GpuMesh::Empty() const {
   return VertexCount() == 0 || !IsDrawable(_primitive);
 }
@@ -305,7 +336,7 @@ void main() {
 const Ogl::ShaderProgram* GpuMesh::LitProgram(Utility::Scoped<Rgl>& p_gl) const {
   std::optional<Ogl::ShaderProgram>& lit = _buffers.Get(p_gl).lit;
   if (!lit || !lit->Linked())
-    lit.emplace(p_gl, Private::MeshVaryings + std::string(VertexText), Private::LitColorText());
+    lit.emplace(p_gl, "#version 120\n" + std::string(Private::MeshVaryings) + VertexText, Private::LitColorText());
   return lit->Linked() ? &*lit : nullptr;
 }
 

@@ -143,10 +143,13 @@ public:
   void Release(const Utility::Scoped<Rgl>& p_gl) const;
 
 private:
+  friend class InstancedMesh;
   template <class T>
   using Shared = boost::shared_ptr<const std::vector<T>>;
   struct Buffers;
 
+  /// The mesh several times, with the number of the copy as value, from 0 on; the mesh itself if it cannot be repeated.
+  GpuMesh Repeated(std::size_t p_copies) const;
   const Ogl::ShaderProgram* LitProgram(Utility::Scoped<Rgl>& p_gl) const;
   void DrawLit(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_lit, const char* p_signature) const;
   void Complete();

@@ -3,14 +3,17 @@
 #include "scene/DepthShader.h"
 #include "scene/private/GpuArray.h"
 #include "scene/private/InstanceArrays.h"
-#include "scene/private/InstanceSorting.h"
+#include "scene/private/InstanceSelection.h"
+#include "scene/private/InstanceShaders.h"
 #include "scene/private/MeshArrays.h"
 #include "scene/private/MeshShaders.h"
 
-#include "library/Icosphere.h"
+#include "platform/debug/Check.h"
+#include "platform/ogl/Guard.h"
 #include "platform/ogl/ShaderProgram.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 #include <stdexcept>
@@ -40,42 +43,6 @@ enum Location : unsigned int {
   PaintLocation = 9
 };
 
-const char* const VertexText = R"(
-attribute vec3 place;   // of the instance's origin
-attribute float size;
-attribute vec3 axis_x;  // of the rotated mesh
-attribute vec3 axis_y;
-attribute vec4 paint;   // a value, a colour or an id
-uniform vec3 center;    // of the mesh
-uniform float fit;      // scale of the mesh for an instance of size 1
-uniform float least;    // least size at a distance of 1
-uniform int sized;      // whether there are sizes
-uniform int oriented;   // whether there are axes
-uniform int painted;    // whether there are values, colours or ids
-void main() {
-  mat3 turn = oriented != 0 ? mat3(axis_x, axis_y, cross(axis_x, axis_y)) : mat3(1.0);
-  float factor = sized != 0 ? size : 1.0;
-  bool shown = place.x < 3.2e38 && factor > 0.0 && (oriented == 0 || dot(axis_x, axis_x) > 0.0);
-  if (least > 0.0)
-    factor = max(factor, least * (gl_ModelViewProjectionMatrix * vec4(place, 1.0)).w);
-  vec4 world = vec4(place + turn * (gl_Vertex.xyz - center) * (fit * factor), 1.0);
-  vec4 eye = gl_ModelViewMatrix * world;
-  position = eye.xyz;
-  normal = gl_NormalMatrix * (turn * gl_Normal);
-  own = painted != 0 ? paint : vec4(0.0);
-  missing = own.x > 3.2e38 ? 1.0 : 0.0;
-  value = missing > 0.0 ? 0.0 : own.x;
-  gl_ClipVertex = eye;
-  gl_Position = shown ? gl_ProjectionMatrix * eye : vec4(2.0, 2.0, 2.0, 1.0); // all vertices beyond the far plane
-}
-)";
-
-const char* const IdText = R"(#version 120
-uniform float plot; // (number + 1) / 255
-varying vec4 own;
-void main() { gl_FragColor = vec4(own.rgb, plot); }
-)";
-
 Point ToPoint(const Record& p_record) {
   return {static_cast<double>(p_record.x), static_cast<double>(p_record.y), static_cast<double>(p_record.z)};
 }
@@ -104,15 +71,19 @@ double Reach(const std::vector<InstancedMesh::Level>& p_levels) {
 
 /// The buffers and shaders of one context.
 struct InstancedMesh::Buffers {
+  /// For meshes and for spheres.
+  using Programs = std::array<std::optional<Ogl::ShaderProgram>, 2>;
+
   GpuArray positions;
   GpuArray sizes;
   GpuArray axes;
   GpuArray paint;
   GpuArray ids;
-  InstanceSorting sorting;
-  std::optional<Ogl::ShaderProgram> colored;
-  std::optional<Ogl::ShaderProgram> packed;
-  std::optional<Ogl::ShaderProgram> numbered;
+  Shared<Rgba> numbers; ///< ids for devices without levels, if the caller gave none
+  InstanceSelection selection;
+  Ogl::Buffer<std::uint32_t> order;
+  std::array<boost::shared_ptr<Ogl::Texture>, 5> textures;
+  std::array<Programs, 3> programs; ///< by what is painted
 };
 
 InstancedMesh::Level InstancedMesh::Level::Centered(GpuMesh p_mesh) {
@@ -122,27 +93,6 @@ InstancedMesh::Level InstancedMesh::Level::Centered(GpuMesh p_mesh) {
   level.origin = box.Center();
   level.scale = diagonal > 0 ? 1 / diagonal : 0;
   return level;
-}
-
-std::vector<InstancedMesh::Level> InstancedMesh::Spheres() {
-  constexpr double Error = 0.2; // pixels
-  constexpr unsigned int Divisions = 3;
-  std::vector<Level> levels;
-  for (unsigned int divisions = 0; divisions <= Divisions; ++divisions) {
-    const Library::Icosphere sphere(divisions);
-    GpuMesh::Arrays arrays;
-    arrays.positions = sphere.positions;
-    arrays.normals = sphere.positions;
-    arrays.indices = sphere.indices;
-    Level level{GpuMesh(arrays)};
-    level.scale = 0.5;
-    // The largest distance of an edge from the sphere, for a radius of 1.
-    constexpr double Flatness[] = {0.1493, 0.0489, 0.0133};
-    if (divisions < Divisions)
-      level.mostPixels = 2 * Error / Flatness[divisions];
-    levels.push_back(std::move(level));
-  }
-  return levels;
 }
 
 InstancedMesh::InstancedMesh(GpuMesh p_mesh, const Instances& p_instances) {
@@ -164,11 +114,30 @@ InstancedMesh::InstancedMesh(std::vector<Level> p_levels, const Instances& p_ins
   UpdateValues(p_instances.values);
   UpdateColors(p_instances.colors);
   RequireLength("ids", p_instances.ids.size());
-  _ids = Share(StoredIds(p_instances.ids, Count()));
+  if (!p_instances.ids.empty())
+    _ids = Share(StoredIds(p_instances.ids, Count()));
+  CompleteLevels();
 }
 
 void InstancedMesh::SetLevels(std::vector<Level> p_levels) {
   _levels = std::move(p_levels);
+  CompleteLevels();
+}
+
+/// Small meshes are repeated: GL draws a few large instances faster than many small ones.
+void InstancedMesh::CompleteLevels() {
+  constexpr std::size_t Vertices = 256; // of what is drawn as one instance
+  if (_levels.size() > InstanceSelection::MostLevels)
+    throw std::invalid_argument("InstancedMesh: levels: expected at most " +
+                                std::to_string(InstanceSelection::MostLevels) + ", got " +
+                                std::to_string(_levels.size()));
+  _repeated.clear();
+  _copies.clear();
+  for (const Level& level : _levels) {
+    const std::size_t vertices = std::max<std::size_t>(level.mesh.VertexCount(), 1);
+    _repeated.push_back(level.mesh.Repeated(Vertices / vertices));
+    _copies.push_back(std::max<std::size_t>(_repeated.back().VertexCount() / vertices, 1));
+  }
 }
 
 void InstancedMesh::RequireLength(const char* p_name, std::size_t p_count) const {
@@ -188,13 +157,18 @@ void InstancedMesh::UpdateSizes(const Array1& p_sizes) {
 
 void InstancedMesh::UpdateDirections(const Array3& p_directions, const Point& p_up) {
   RequireLength("directions", p_directions.Count());
-  _axes = Share(StoredDirections(p_directions, p_up));
-  _undirected = CountUndirected(p_directions);
+  std::vector<float> directions = StoredDirections(p_directions);
+  _undirected = CountUndirected(directions);
+  _axes = Share(std::move(directions));
+  _axisFloats = DirectionFloats;
+  const double length = Length(p_up);
+  _up = length > 0 && std::isfinite(length) ? p_up / length : Point();
 }
 
 void InstancedMesh::UpdateRotations(const std::vector<Matrix3>& p_rotations) {
   RequireLength("rotations", p_rotations.size());
   _axes = Share(StoredRotations(p_rotations));
+  _axisFloats = RotationFloats;
   _undirected = 0;
 }
 
@@ -214,7 +188,9 @@ Types::BoundingBox_Base<double> InstancedMesh::Bounds() const {
   for (std::size_t i = 0; i < Count(); ++i) {
     const Point position = ToPoint((*_positions)[i]);
     const double size = _sizes ? static_cast<double>((*_sizes)[i]) : 1;
-    if ((*_positions)[i].x == MissingValue || !(size > 0) || (_axes && (*_axes)[i] == Axes{}))
+    const float* const axis = _axes ? _axes->data() + i * _axisFloats : nullptr;
+    if ((*_positions)[i].x == MissingValue || !(size > 0) ||
+        (axis != nullptr && axis[0] == 0 && axis[1] == 0 && axis[2] == 0))
       continue;
     bounds += position - Point(1, 1, 1) * (reach * size);
     bounds += position + Point(1, 1, 1) * (reach * size);
@@ -222,93 +198,211 @@ Types::BoundingBox_Base<double> InstancedMesh::Bounds() const {
   return bounds;
 }
 
-namespace {
-
-/// The program that places instances and colours fragments by `p_fragmentText`; null, after a report, without one.
-const Ogl::ShaderProgram* Made(std::optional<Ogl::ShaderProgram>& p_program, Utility::Scoped<Rgl>& p_gl,
-                               const std::string& p_fragmentText) {
-  if (!p_program || !p_program->Linked())
-    p_program.emplace(p_gl, Private::MeshVaryings + std::string(VertexText), p_fragmentText,
-                      std::vector<std::string>{"", "place", "", "", "", "size", "axis_x", "axis_y", "", "paint"});
-  return p_program->Linked() ? &*p_program : nullptr;
+std::size_t InstancedMesh::Step(const Utility::Scoped<Rgl>& p_gl) const {
+  const Buffers* const buffers = _buffers.Find(p_gl);
+  return buffers != nullptr ? buffers->selection.Step() : 1;
 }
 
-/// Uploads an array in the order of the levels.
-template <class T>
-bool Upload(GpuArray& p_buffer, const Rgl& p_gl, const boost::shared_ptr<const std::vector<T>>& p_source,
-            const std::vector<std::uint32_t>& p_order) {
-  if (p_order.empty())
-    return p_buffer.Update(p_gl, p_source, Signature);
-  const auto gather = [&](void* p_to) {
-    std::transform(p_order.begin(), p_order.end(), static_cast<T*>(p_to),
-                   [&](std::uint32_t p_index) { return (*p_source)[p_index]; });
-  };
-  return p_buffer.Update(p_gl, p_source, gather, Signature);
+namespace {
+
+/// Whether a device draws levels of that many instances.
+bool HasLevels(const Utility::Scoped<Rgl>& p_gl, std::size_t p_count) {
+  if (!(p_gl->GlVersion() >= Utility::VersionNo(4, 0, 0)))
+    return false;
+  int most = 0;
+  p_gl->GetIntegerv(RGL_MAX_TEXTURE_BUFFER_SIZE, &most);
+  return 2 * p_count <= static_cast<std::size_t>(std::max(most, 0)); // rotations have two texels
 }
 
 } // namespace
 
-/// Finds the levels, if asked for or not yet known, and uploads what changed and what `p_paint` paints with. False if
-/// there is nothing to draw.
-bool InstancedMesh::Prepare(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const {
-  InstanceSorting& sorting = p_buffers.sorting;
-  if (p_paint == Paint::Colors || !sorting.Fits(_positions, _sizes, _levels.size())) {
-    std::vector<double> mostPixels(_levels.size());
-    std::transform(_levels.begin(), _levels.end(), mostPixels.begin(), [](const Level& p_l) { return p_l.mostPixels; });
-    if (sorting.Update({_positions, _sizes, std::move(mostPixels), Projection::Of(p_gl)}))
-      for (GpuArray* const buffer :
-           {&p_buffers.positions, &p_buffers.sizes, &p_buffers.axes, &p_buffers.paint, &p_buffers.ids})
-        buffer->Forget();
-  }
-  const std::vector<std::uint32_t>& order = sorting.Order();
-  return Upload(p_buffers.positions, *p_gl, _positions, order) && Upload(p_buffers.sizes, *p_gl, _sizes, order) &&
-         Upload(p_buffers.axes, *p_gl, _axes, order) &&
-         (p_paint != Paint::Colors || (_colors ? Upload(p_buffers.paint, *p_gl, _colors, order)
-                                               : Upload(p_buffers.paint, *p_gl, _values, order))) &&
-         (p_paint != Paint::Ids || Upload(p_buffers.ids, *p_gl, _ids, order));
+/// Uploads what changed and what `p_paint` paints with.
+bool InstancedMesh::Upload(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const {
+  return p_buffers.positions.Update(*p_gl, _positions, Signature) && p_buffers.sizes.Update(*p_gl, _sizes, Signature) &&
+         p_buffers.axes.Update(*p_gl, _axes, Signature) &&
+         (p_paint != Paint::Colors || (_colors ? p_buffers.paint.Update(*p_gl, _colors, Signature)
+                                               : p_buffers.paint.Update(*p_gl, _values, Signature))) &&
+         (p_paint != Paint::Ids || p_buffers.ids.Update(*p_gl, _ids, Signature));
 }
 
-/// Draws the instances of each level that may be seen, with the program in use.
-void InstancedMesh::DrawLevels(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, Paint p_paint,
-                               const Ogl::ShaderProgram& p_program) const {
-  const Projection projection = Projection::Of(p_gl);
-  const GpuArray* const paint = p_paint == Paint::Colors ? &p_buffers.paint
-                                : p_paint == Paint::Ids  ? &p_buffers.ids
-                                                         : nullptr;
-  const bool painted = paint != nullptr && *paint;
+/// Finds the levels, if asked for or not yet known, and uploads the order of the instances.
+bool InstancedMesh::Select(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const {
+  InstanceSelection& selection = p_buffers.selection;
+  InstanceSelection::Input input{_positions, _sizes, _axes, {}, Reach(_levels), _leastPixels, _mostVertices, {}, {}};
+  for (const Level& level : _levels)
+    input.levels.push_back({level.mostPixels, level.mesh.VertexCount()});
+  input.view = input.sizing = Projection::Of(p_gl);
+  if (p_paint != Paint::Colors && selection.Fits(_positions, _sizes, _levels.size()))
+    input.sizing = selection.Sizing();
+  if (!selection.Update(std::move(input)) && p_buffers.order.Count() != 0)
+    return true;
+  if (p_buffers.order.Count() != Count())
+    p_buffers.order = p_gl->GetBufferPool().CreateBuffer<std::uint32_t>(Count(), Ogl::BufferUsage::Dynamic);
+  if (p_buffers.order.Count() == 0)
+    return false; // reported by the pool
+  if (selection.Count() == 0)
+    return true;
+  const Ogl::Buffer<std::uint32_t> order = std::exchange(p_buffers.order, {});
+  {
+    const Ogl::BufferPool::WriteArray<std::uint32_t> mapped(order, 0, selection.Count(), RGL_ARRAY_BUFFER);
+    if (!VEK_ENSURE_TEXT(mapped.Count() == selection.Count(), "mapped.Count() == selection.Count()", Signature))
+      return false;
+    selection.WriteOrder(mapped.Data());
+  }
+  if (order.Storage()->ContentsLost())
+    return false; // reported by the mapping
+  p_buffers.order = order;
+  return true;
+}
+
+/// Draws all instances with the last level, with the program in use.
+void InstancedMesh::DrawLast(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, Paint p_paint,
+                             const Ogl::ShaderProgram& p_program) const {
+  const Level& level = _levels.back();
+  p_program.SetUniform(p_gl, "center", level.origin);
+  p_program.SetUniform(p_gl, "fit", static_cast<float>(level.scale));
+  p_program.SetUniform(p_gl, "facing", 0);
+  p_program.SetUniform(p_gl, "lighting", LightingOf(level.mesh));
+  std::vector<GpuMesh::InstanceAttribute> attributes;
+  const auto add = [&](unsigned int p_location, const GpuArray& p_array, std::size_t p_record, std::size_t p_offset,
+                       unsigned int p_components, bool p_bytes) {
+    if (p_array)
+      attributes.push_back(
+          {p_location, p_array.Storage(), p_offset, static_cast<unsigned int>(p_record), p_components, p_bytes});
+  };
+  const std::size_t axes = _axisFloats * sizeof(float);
+  add(PlaceLocation, p_buffers.positions, sizeof(Record), 0, 3, false);
+  add(SizeLocation, p_buffers.sizes, sizeof(float), 0, 1, false);
+  add(AxisXLocation, p_buffers.axes, axes, 0, 3, false);
+  if (_axisFloats == RotationFloats)
+    add(AxisYLocation, p_buffers.axes, axes, axes / 2, 3, false);
   const bool paintsBytes = p_paint == Paint::Ids || _colors != nullptr;
-  p_program.SetUniform(p_gl, "sized", p_buffers.sizes ? 1 : 0);
-  p_program.SetUniform(p_gl, "oriented", p_buffers.axes ? 1 : 0);
-  p_program.SetUniform(p_gl, "painted", painted ? 1 : 0);
-  p_program.SetUniform(p_gl, "least", static_cast<float>(projection.pixels > 0 ? _leastPixels / projection.pixels : 0));
-  for (std::size_t i = 0; i < _levels.size(); ++i) {
-    const Level& level = _levels[i];
-    const InstanceSorting::Range& range = p_buffers.sorting.Ranges()[i];
-    const Point reach = Point(1, 1, 1) * (Reach(level) * range.largest);
-    if (range.count == 0 || range.box.Empty())
+  if (p_paint != Paint::Depths)
+    add(PaintLocation, p_paint == Paint::Ids ? p_buffers.ids : p_buffers.paint, sizeof(float), 0, paintsBytes ? 4 : 1,
+        paintsBytes);
+  level.mesh.DrawInstanced(p_gl, Count(), attributes);
+}
+
+namespace {
+
+// Units that neither colour maps nor layers use.
+constexpr std::array<const char*, 5> TextureNames{"order", "places", "sizes", "axes", "paints"};
+constexpr int FirstUnit = 4;
+
+/// Clip planes that are enabled, as bits.
+int EnabledCuts(const Utility::Scoped<Rgl>& p_gl) {
+  constexpr unsigned int Planes = 6;
+  int cuts = 0;
+  for (unsigned int i = 0; i < Planes; ++i)
+    cuts |= p_gl->IsEnabled(RGL_CLIP_PLANE0 + i) != 0 ? 1 << i : 0;
+  return cuts;
+}
+
+/// Disables clip planes, which would cut the polygon instead of the sphere. Releasing the guard enables them again.
+boost::shared_ptr<void> WithoutCuts(const Utility::Scoped<Rgl>& p_gl, int p_cuts) {
+  const auto each = [p_cuts](const auto& p_call) {
+    for (unsigned int i = 0; p_cuts >> i != 0; ++i)
+      if ((p_cuts >> i & 1) != 0)
+        p_call(RGL_CLIP_PLANE0 + i);
+  };
+  each([&](Ogl::GlEnum p_plane) { p_gl->Disable(p_plane); });
+  return Ogl::MakeGuard([gl = p_gl->Functions(), each] { each([&](Ogl::GlEnum p_plane) { gl->Enable(p_plane); }); });
+}
+
+} // namespace
+
+/// Draws the instances of a level, with the program in use.
+void InstancedMesh::DrawLevel(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, std::size_t p_level,
+                              const Ogl::ShaderProgram& p_program) const {
+  const Level& level = _levels[p_level];
+  const InstanceSelection::Range& range = p_buffers.selection.Ranges()[p_level];
+  const std::size_t copies = _copies[p_level];
+  p_program.SetUniform(p_gl, "center", level.origin);
+  p_program.SetUniform(p_gl, "fit", static_cast<float>(level.scale));
+  p_program.SetUniform(p_gl, "facing", level.facing == Level::Facing::Rotated ? 0 : 1);
+  p_program.SetUniform(p_gl, "lighting",
+                       level.facing == Level::Facing::Rotated   ? LightingOf(level.mesh)
+                       : level.facing == Level::Facing::Outline ? ByShade
+                                                                : ByOneNormal);
+  p_program.SetUniform(p_gl, "first", static_cast<int>(range.first));
+  p_program.SetUniform(p_gl, "count", static_cast<int>(range.count));
+  p_program.SetUniform(p_gl, "copies", static_cast<int>(copies));
+  _repeated[p_level].DrawInstanced(p_gl, (range.count + copies - 1) / copies, {});
+}
+
+/// Draws all levels with fragment shaders of the same body.
+void InstancedMesh::DrawLevels(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint, const std::string& p_body,
+                               const std::function<void(const Ogl::ShaderProgram&)>& p_setUniforms) const {
+  const bool hasLevels = HasLevels(p_gl, Count());
+  if (p_paint == Paint::Ids && !hasLevels && !_ids && !p_buffers.numbers)
+    p_buffers.numbers = Share(StoredIds({}, Count()));
+  if (!Upload(p_gl, p_buffers, p_paint) || (hasLevels && !Select(p_gl, p_buffers, p_paint)))
+    return;
+  if (p_buffers.numbers && !p_buffers.ids.Update(*p_gl, p_buffers.numbers, Signature))
+    return;
+  const Projection projection = Projection::Of(p_gl);
+  const auto with = [&](Fragments p_fragments, const auto& p_draw) {
+    std::optional<Ogl::ShaderProgram>& program =
+        p_buffers.programs[static_cast<std::size_t>(p_paint)][static_cast<std::size_t>(p_fragments)];
+    const Fetch fetch = hasLevels ? Fetch::Textures : Fetch::Attributes;
+    if (!program || !program->Linked())
+      program.emplace(p_gl, InstanceVertexText(fetch, p_fragments), InstanceFragmentText(p_body, fetch, p_fragments),
+                      hasLevels
+                          ? std::vector<std::string>()
+                          : std::vector<std::string>{"", "place", "", "", "", "size", "axis_x", "axis_y", "", "paint"});
+    if (!program->Linked())
+      return; // reported
+    const auto inUse = program->Use(p_gl);
+    p_setUniforms(*program);
+    const bool painted = p_paint == Paint::Ids || (p_paint == Paint::Colors && p_buffers.paint);
+    program->SetUniform(p_gl, "sized", p_buffers.sizes ? 1 : 0);
+    program->SetUniform(p_gl, "oriented", !p_buffers.axes ? 0 : _axisFloats == DirectionFloats ? 1 : 2);
+    program->SetUniform(p_gl, "painted", painted ? 1 : 0);
+    program->SetUniform(p_gl, "numbered", p_paint == Paint::Ids && !p_buffers.ids ? 1 : 0);
+    program->SetUniform(p_gl, "up", _up);
+    program->SetUniform(p_gl, "least",
+                        static_cast<float>(projection.pixels > 0 ? _leastPixels / projection.pixels : 0));
+    p_draw(*program);
+  };
+  if (!hasLevels)
+    return with(Fragments::Mesh,
+                [&](const Ogl::ShaderProgram& p_program) { DrawLast(p_gl, p_buffers, p_paint, p_program); });
+
+  const auto state = p_gl->PushAttribScope(RGL_TEXTURE_BIT);
+  const GpuArray& paint = p_paint == Paint::Ids ? p_buffers.ids : p_buffers.paint;
+  const std::array<std::pair<Ogl::GlEnum, unsigned int>, 5> sources{
+      {{RGL_R32UI, p_buffers.order.Name()},
+       {RGL_RGB32F, p_buffers.positions.Name()},
+       {RGL_R32F, p_buffers.sizes.Name()},
+       {RGL_RGB32F, p_buffers.axes.Name()},
+       {p_paint == Paint::Ids || _colors ? RGL_RGBA8 : RGL_R32F, paint.Name()}}};
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    if (!p_buffers.textures[i])
+      p_buffers.textures[i] = p_gl->GenTexture();
+    if (!p_buffers.textures[i])
+      return; // reported
+    p_gl->ActiveTexture(RGL_TEXTURE0 + static_cast<unsigned int>(FirstUnit) + static_cast<unsigned int>(i));
+    p_gl->BindTexture(RGL_TEXTURE_BUFFER, p_buffers.textures[i]->Name());
+    p_gl->TexBuffer(RGL_TEXTURE_BUFFER, sources[i].first, sources[i].second);
+  }
+  p_gl->ActiveTexture(RGL_TEXTURE0);
+  for (const Fragments fragments : {Fragments::Mesh, Fragments::Spheres}) {
+    std::vector<std::size_t> levels;
+    for (std::size_t level = 0; level < _levels.size(); ++level)
+      if ((_levels[level].facing == Level::Facing::Sphere) == (fragments == Fragments::Spheres) &&
+          p_buffers.selection.Ranges()[level].count != 0)
+        levels.push_back(level);
+    if (levels.empty())
       continue;
-    Types::BoundingBox_Base<double> box = range.box;
-    box += range.box.Min() - reach;
-    box += range.box.Max() + reach;
-    if (!(_leastPixels > 0) && !projection.MayShow(box))
-      continue;
-    p_program.SetUniform(p_gl, "center", level.origin);
-    p_program.SetUniform(p_gl, "fit", static_cast<float>(level.scale));
-    p_program.SetUniform(p_gl, "lighting", LightingOf(level.mesh));
-    std::vector<GpuMesh::InstanceAttribute> attributes;
-    const auto add = [&](unsigned int p_location, const GpuArray& p_array, std::size_t p_record, std::size_t p_offset,
-                         unsigned int p_components, bool p_bytes) {
-      if (p_array)
-        attributes.push_back({p_location, p_array.Storage(), range.first * p_record + p_offset,
-                              static_cast<unsigned int>(p_record), p_components, p_bytes});
-    };
-    add(PlaceLocation, p_buffers.positions, sizeof(Record), 0, 3, false);
-    add(SizeLocation, p_buffers.sizes, sizeof(float), 0, 1, false);
-    add(AxisXLocation, p_buffers.axes, sizeof(Axes), 0, 3, false);
-    add(AxisYLocation, p_buffers.axes, sizeof(Axes), sizeof(Axes) / 2, 3, false);
-    if (painted)
-      add(PaintLocation, *paint, sizeof(float), 0, paintsBytes ? 4 : 1, paintsBytes);
-    level.mesh.DrawInstanced(p_gl, range.count, attributes);
+    with(fragments, [&](const Ogl::ShaderProgram& p_program) {
+      for (std::size_t i = 0; i < TextureNames.size(); ++i)
+        p_program.SetUniform(p_gl, TextureNames[i], FirstUnit + static_cast<int>(i));
+      const int cuts = fragments == Fragments::Spheres ? EnabledCuts(p_gl) : 0;
+      p_program.SetUniform(p_gl, "cuts", cuts);
+      const auto uncut = WithoutCuts(p_gl, cuts);
+      for (const std::size_t level : levels)
+        DrawLevel(p_gl, p_buffers, level, p_program);
+    });
   }
 }
 
@@ -317,40 +411,25 @@ void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_
   p_scale.Check();
   if (Count() == 0 || _levels.empty())
     return;
-  Buffers& buffers = _buffers.Get(p_gl);
-  const Ogl::ShaderProgram* const program = Made(buffers.colored, p_gl, LitColorText());
-  if (program == nullptr || !Prepare(p_gl, buffers, Paint::Colors))
-    return;
   const auto map = p_colors.Bind(p_gl);
-  const auto inUse = program->Use(p_gl);
-  SetColorUniforms(p_gl, *program, _colors ? ByColor : ByValue, p_colors, p_scale, p_pass);
-  DrawLevels(p_gl, buffers, Paint::Colors, *program);
+  DrawLevels(p_gl, _buffers.Get(p_gl), Paint::Colors, LitColorBody(), [&](const Ogl::ShaderProgram& p_program) {
+    SetColorUniforms(p_gl, p_program, _colors ? ByColor : ByValue, p_colors, p_scale, p_pass);
+  });
 }
 
 void InstancedMesh::DrawDepths(Utility::Scoped<Rgl>& p_gl) const {
-  if (Count() == 0 || _levels.empty())
-    return;
-  Buffers& buffers = _buffers.Get(p_gl);
-  const Ogl::ShaderProgram* const program = Made(buffers.packed, p_gl, PackedDepthText());
-  if (program == nullptr || !Prepare(p_gl, buffers, Paint::Depths))
-    return;
-  const auto inUse = program->Use(p_gl);
-  DrawLevels(p_gl, buffers, Paint::Depths, *program);
+  if (Count() != 0 && !_levels.empty())
+    DrawLevels(p_gl, _buffers.Get(p_gl), Paint::Depths, PackedDepthText(), [](const Ogl::ShaderProgram&) {});
 }
 
 void InstancedMesh::DrawIds(Utility::Scoped<Rgl>& p_gl, unsigned int p_plot) const {
   if (p_plot >= PickPass::MostPlots)
     throw std::invalid_argument("InstancedMesh: expected a plot below " + std::to_string(PickPass::MostPlots) +
                                 ", got " + std::to_string(p_plot));
-  if (Count() == 0 || _levels.empty())
-    return;
-  Buffers& buffers = _buffers.Get(p_gl);
-  const Ogl::ShaderProgram* const program = Made(buffers.numbered, p_gl, IdText);
-  if (program == nullptr || !Prepare(p_gl, buffers, Paint::Ids))
-    return;
-  const auto inUse = program->Use(p_gl);
-  program->SetUniform(p_gl, "plot", static_cast<float>(p_plot + 1) / 255);
-  DrawLevels(p_gl, buffers, Paint::Ids, *program);
+  if (Count() != 0 && !_levels.empty())
+    DrawLevels(p_gl, _buffers.Get(p_gl), Paint::Ids, InstanceIdBody, [&](const Ogl::ShaderProgram& p_program) {
+      p_program.SetUniform(p_gl, "plot", static_cast<float>(p_plot + 1) / 255);
+    });
 }
 
 void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const PickPass& p_pass) const {
@@ -363,6 +442,8 @@ void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const PickPass& p_pass) con
 void InstancedMesh::Release(const Utility::Scoped<Rgl>& p_gl) const {
   for (const Level& level : _levels)
     level.mesh.Release(p_gl);
+  for (const GpuMesh& mesh : _repeated)
+    mesh.Release(p_gl);
   _buffers.Release(p_gl);
 }
 

@@ -19,10 +19,11 @@
 
 #include <boost/shared_ptr.hpp>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -32,15 +33,16 @@ namespace Vek::Chart::Scene {
 /// direction, a value or a colour, and an id.
 ///
 /// Levels of detail: each level is a mesh that suits instances up to a size in pixels; larger ones take the next level,
-/// and the last level takes all others. A drawing is one call of GL for each level that has instances in the view
-/// frustum. The number of GL calls does not depend on the number of instances.
+/// and the last level takes all others. Instances outside of the view frustum are left out. A drawing is one call of GL
+/// for each level that has instances. The number of GL calls does not depend on the number of instances.
+///
+/// Levels need GL 4.0, for buffer textures. Other devices with instancing draw all instances with the last level.
 ///
 /// Instances lie in GPU buffers of each context, made at the first drawing there and freed as `Ogl::PerContext`
-/// describes: 12 bytes for a position, 4 for a size, 24 for a rotation or direction, 4 for a value or a colour, and 4
-/// for an id once ids are drawn. Arrays that are not given take none. `Update…` replaces one array, and the next
-/// drawing uploads that array alone. Another colour map, scale or level uploads nothing. A copy shares the arrays in
-/// CPU memory and has its own buffers. With several levels, all arrays are sorted by level, and uploaded again when an
-/// instance changes its level.
+/// describes: 12 bytes for a position, 4 for a size, 12 for a direction or 24 for a rotation, 4 for a value or a
+/// colour, 4 for an id of the caller's once ids are drawn, and 4 for the order of levels. Arrays that are not given
+/// take none. `Update…` replaces one array, and the next drawing uploads that array alone. Another colour map or scale
+/// uploads nothing, another view the order. A copy shares the arrays in CPU memory and has its own buffers.
 ///
 /// Left out are instances with a position that is not finite, a size that is not above 0, or a direction that is zero
 /// or not finite. `Undirected` counts the last ones.
@@ -82,20 +84,40 @@ public:
     /// diagonal of its box.
     static Level Centered(GpuMesh p_mesh);
 
+    /// How the mesh is placed and lit.
+    enum class Facing {
+      Rotated, ///< by the rotation or direction of the instance
+      /// Rotated about the instance's z axis until it faces the eye, as the outline of a body around that axis. x is
+      /// across, z along the axis. y is added along the projection of the axis, as far as the axis points to the eye
+      /// or away from it. x and z of the normals are those of the body; y is the least z that the projection has.
+      /// The light is the mean of what is seen of the body.
+      Outline,
+      /// A polygon around the unit circle in the plane z = 0, through which a sphere of radius 1 is seen: fragments
+      /// have its depth and normal.
+      Sphere
+    };
+
     GpuMesh mesh;                       ///< drawn without its values and colours
     Types::Vector3_Base<double> origin; ///< the point of the mesh that lies at an instance's position
     double scale = 1;                   ///< instance units in a unit of the mesh
     double mostPixels = std::numeric_limits<double>::infinity(); ///< the largest size × pixels per unit
+    Facing facing = Facing::Rotated;                             ///< the last level is rotated
   };
 
-  /// Spheres of 20, 80 and 320 triangles, each up to the size at which its outline leaves the circle by a fifth of a
-  /// pixel, and one of 1280 triangles for all larger ones. The size of an instance is the diameter of its sphere.
+  /// Discs of 3 to 64 corners through which spheres are seen, each up to the size at which its outline leaves the
+  /// circle by a fifth of a pixel, and a mesh of 1280 triangles for all larger ones. The size of an instance is the
+  /// diameter of its sphere.
   static std::vector<Level> Spheres();
+  /// Solid arrows along +z from 0 to 1 with a shaft of 2/3 of the length, as those of `Model::Symbol::ShapeArrow3D`: a
+  /// triangle, outlines of 2 and 4 triangles, and meshes of 4 and 8 segments, each up to the length at which its
+  /// outline is wrong by a fifth of a pixel, and a mesh of `p_segments`, a multiple of 4, for all longer ones. The size
+  /// of an instance is the length of its arrow.
+  static std::vector<Level> Arrows(unsigned int p_segments = 16);
 
   InstancedMesh() = default; ///< no instances
   /// Instances of one mesh, around its origin.
   InstancedMesh(GpuMesh p_mesh, const Instances& p_instances);
-  /// Instances with levels of detail, from coarse to fine.
+  /// Instances with levels of detail, from coarse to fine, at most 16.
   InstancedMesh(std::vector<Level> p_levels, const Instances& p_instances);
 
   /// Replaces the meshes; the instances stay.
@@ -114,6 +136,12 @@ public:
   ///@}
   /// Instances smaller than that are drawn as large as that, in pixels of their size; 0 by default. Uploads nothing.
   void SetLeastPixels(double p_pixels) { _leastPixels = p_pixels; }
+  /// Draws about that many vertices at most, 0 by default for any number: with levels for sizes up to a quarter, and
+  /// then, if they are still too many, every k-th instance, where k is a power of two. Uploads no array. Has no effect
+  /// on devices without levels.
+  void SetMostVertices(std::size_t p_count) { _mostVertices = p_count; }
+  /// Every how many-th instance the last drawing in this context showed; 1 for all.
+  std::size_t Step(const Utility::Scoped<Rgl>& p_gl) const;
 
   /// The number of instances, those left out included.
   std::size_t Count() const { return _positions ? _positions->size() : 0; }
@@ -141,25 +169,36 @@ public:
 private:
   template <class T>
   using Shared = boost::shared_ptr<const std::vector<T>>;
-  using Axes = std::array<float, 6>; ///< x and y of the rotated mesh
   struct Buffers;
   /// What a drawing writes to each pixel.
   enum class Paint { Colors, Depths, Ids };
 
   void RequireLength(const char* p_name, std::size_t p_count) const;
+  void CompleteLevels();
+  bool Upload(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const;
+  bool Select(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const;
   bool Prepare(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const;
-  void DrawLevels(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, Paint p_paint,
-                  const Ogl::ShaderProgram& p_program) const;
+  void DrawLast(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, Paint p_paint,
+                const Ogl::ShaderProgram& p_program) const;
+  void DrawLevel(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, std::size_t p_level,
+                 const Ogl::ShaderProgram& p_program) const;
+  void DrawLevels(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint, const std::string& p_body,
+                  const std::function<void(const Ogl::ShaderProgram&)>& p_setUniforms) const;
 
   std::vector<Level> _levels;
+  std::vector<GpuMesh> _repeated;   ///< the mesh of each level, several times if it is small
+  std::vector<std::size_t> _copies; ///< how many times
   Shared<Ogl::Vec3<float>> _positions;
   Shared<float> _sizes;
-  Shared<Axes> _axes;
+  Shared<float> _axes; ///< directions or rotations
+  std::size_t _axisFloats = 0;
+  Types::Vector3_Base<double> _up;
   Shared<float> _values;
   Shared<Rgba> _colors;
-  Shared<Rgba> _ids;
+  Shared<Rgba> _ids; ///< of the caller's
   std::size_t _undirected = 0;
   double _leastPixels = 0;
+  std::size_t _mostVertices = 0;
   Ogl::PerContext<Buffers> _buffers;
 };
 

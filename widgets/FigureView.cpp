@@ -362,6 +362,7 @@ void FigureView::mouseMoveEvent(QMouseEvent* p_event) {
   if (!_isDrag && QLineF(_press, place).length() < ClickDistance)
     return;
   _isDrag = _isMoving = true;
+  _wheelTimer.start(); // the hand may rest with a button down
   const QPointF moved = place - std::exchange(_last, place);
   if (_slice) {
     DragSlice(place);

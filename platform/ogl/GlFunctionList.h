@@ -113,6 +113,8 @@ VEK_GL(void, TexImage3D,
        (GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_depth, int p_border,
         GlEnum p_format, GlEnum p_type, const void* p_pixels),
        (p_target, p_level, p_internalFormat, p_width, p_height, p_depth, p_border, p_format, p_type, p_pixels))
+VEK_GL(void, TexBuffer, (GlEnum p_target, GlEnum p_internalFormat, unsigned int p_buffer),
+       (p_target, p_internalFormat, p_buffer))
 VEK_GL(void, GetTexImage, (GlEnum p_target, int p_level, GlEnum p_format, GlEnum p_type, void* p_pixels),
        (p_target, p_level, p_format, p_type, p_pixels))
 VEK_GL(void, GetTexLevelParameteriv, (GlEnum p_target, int p_level, GlEnum p_name, int* p_values),

@@ -64,6 +64,7 @@ constexpr Need Needs[] = {
      "CheckFramebufferStatus BlitFramebuffer GenRenderbuffers DeleteRenderbuffers BindRenderbuffer "
      "RenderbufferStorageMultisample GenerateMipmap",
      30, "GL_ARB_framebuffer_object"},
+    {"TexBuffer", 31, "GL_ARB_texture_buffer_object"},
     {"DrawArraysInstanced DrawElementsInstanced", 31, "GL_ARB_draw_instanced"},
     {"VertexAttribDivisor", 33, "GL_ARB_instanced_arrays"},
 };

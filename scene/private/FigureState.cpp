@@ -13,6 +13,8 @@
 
 #include "platform/debug/Check.h"
 
+#include <QStringList>
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -311,9 +313,35 @@ std::vector<Types::Plane> Figure::State::SceneCuts() const {
   return cuts;
 }
 
+namespace {
+
+/// Vertices of all plots of a frame that takes less than 60 ms: of a rasteriser in software on four cores, or of a
+/// device.
+std::size_t VerticesInTime(const Rgl& p_gl) {
+  constexpr std::size_t InSoftware = 120'000, OnDevices = 10'000'000;
+  const auto* const name = reinterpret_cast<const char*>(p_gl.GetString(RGL_RENDERER)); // NOLINT: bytes of a string
+  const std::string renderer = name != nullptr ? name : "";
+  for (const char* const software : {"llvmpipe", "softpipe", "SWR", "Software", "GDI"})
+    if (renderer.find(software) != std::string::npos)
+      return InSoftware;
+  return OnDevices;
+}
+
+} // namespace
+
+QString Figure::State::Shortages(const Utility::Scoped<Rgl>& p_gl) const {
+  QStringList lines;
+  for (const PlotContent* const content : Visible())
+    lines.push_back(content->Shortage(p_gl));
+  lines.removeAll({});
+  lines.removeDuplicates();
+  return lines.join('\n');
+}
+
 void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame) {
   p_frame.cuts = SceneCuts();
   p_frame.isMoving = isMoving;
+  p_frame.mostVertices = isMoving ? VerticesInTime(*p_gl) / std::max<std::size_t>(1, Visible().size()) : 0;
   const auto state = Private::SceneState(p_gl, p_frame.viewport);
   const auto matrices = p_frame.camera.Apply(p_gl, p_frame.viewport);
   DirectionalLight light; // no brighter than the colours of the colour bar, but for faint highlights

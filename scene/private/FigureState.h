@@ -80,6 +80,8 @@ struct VEK_HIDDEN Figure::State {
   std::optional<Hit> Pick(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame, const Types::Pos& p_pixel);
   /// Whether a visible plot is half-transparent.
   bool HasTransparent() const;
+  /// What the last drawing in this context left out since there was no time for it, line by line.
+  QString Shortages(const Utility::Scoped<Rgl>& p_gl) const;
   QString AxisName(std::size_t p_axis) const;
   /// Empty for decimal values.
   Axes::TickMaker TicksOf(std::size_t p_axis) const;

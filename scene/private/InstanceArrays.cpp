@@ -20,16 +20,10 @@ bool IsFinite(const Point& p_point) {
   return std::isfinite(p_point.x) && std::isfinite(p_point.y) && std::isfinite(p_point.z);
 }
 
-Axes AxesOf(const Matrix3& p_rotation) {
-  const Point x = p_rotation * Point(1, 0, 0), y = p_rotation * Point(0, 1, 0);
-  if (!IsFinite(x) || !IsFinite(y))
-    return {};
-  return {static_cast<float>(x.x), static_cast<float>(x.y), static_cast<float>(x.z),
-          static_cast<float>(y.x), static_cast<float>(y.y), static_cast<float>(y.z)};
-}
-
-bool HasDirection(const Point& p_direction) {
-  return IsFinite(p_direction) && !(p_direction == Point());
+/// A vector of length 1; zero for those that are zero or not finite.
+Point UnitOrZero(const Point& p_direction) {
+  const double largest = std::max({std::abs(p_direction.x), std::abs(p_direction.y), std::abs(p_direction.z)});
+  return IsFinite(p_direction) && largest > 0 ? Normalize(p_direction / largest) : Point();
 }
 
 } // namespace
@@ -57,18 +51,34 @@ std::vector<float> StoredValues(const Array1& p_values) {
   return values;
 }
 
-std::vector<Axes> StoredDirections(const Array3& p_directions, const Point& p_up) {
-  std::vector<Axes> axes;
-  axes.reserve(p_directions.Count());
-  for (const Point& direction : Points(p_directions))
-    axes.push_back(HasDirection(direction) ? AxesOf(Matrix3::FromAxis(direction, p_up)) : Axes{});
-  return axes;
+std::vector<float> StoredDirections(const Array3& p_directions) {
+  std::vector<float> stored;
+  stored.reserve(DirectionFloats * p_directions.Count());
+  for (const Point& direction : Points(p_directions)) {
+    const Point unit = UnitOrZero(direction);
+    for (const double number : {unit.x, unit.y, unit.z})
+      stored.push_back(static_cast<float>(number));
+  }
+  return stored;
 }
 
-std::vector<Axes> StoredRotations(const std::vector<Matrix3>& p_rotations) {
-  std::vector<Axes> axes(p_rotations.size());
-  std::transform(p_rotations.begin(), p_rotations.end(), axes.begin(), AxesOf);
-  return axes;
+std::size_t CountUndirected(const std::vector<float>& p_directions) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i + 2 < p_directions.size(); i += DirectionFloats)
+    count += p_directions[i] == 0 && p_directions[i + 1] == 0 && p_directions[i + 2] == 0 ? 1 : 0;
+  return count;
+}
+
+std::vector<float> StoredRotations(const std::vector<Matrix3>& p_rotations) {
+  std::vector<float> stored;
+  stored.reserve(RotationFloats * p_rotations.size());
+  for (const Matrix3& rotation : p_rotations) {
+    const Point x = rotation * Point(1, 0, 0), y = rotation * Point(0, 1, 0);
+    const bool isFinite = IsFinite(x) && IsFinite(y);
+    for (const double number : {x.x, x.y, x.z, y.x, y.y, y.z})
+      stored.push_back(isFinite ? static_cast<float>(number) : 0);
+  }
+  return stored;
 }
 
 std::vector<GpuMesh::Rgba> StoredIds(const std::vector<std::uint32_t>& p_ids, std::size_t p_count) {
@@ -82,12 +92,6 @@ std::vector<GpuMesh::Rgba> StoredIds(const std::vector<std::uint32_t>& p_ids, st
                 static_cast<unsigned char>(id >> 16 & 255), 255};
   }
   return bytes;
-}
-
-std::size_t CountUndirected(const Array3& p_directions) {
-  const std::vector<Point> directions = Points(p_directions);
-  return static_cast<std::size_t>(
-      std::count_if(directions.begin(), directions.end(), [](const Point& p_d) { return !HasDirection(p_d); }));
 }
 
 } // namespace Vek::Chart::Scene::Private

@@ -7,7 +7,6 @@
 #include "platform/types/Matrix.h"
 #include "platform/types/Vector.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -16,8 +15,8 @@ namespace Vek::Chart::Scene::Private {
 
 // The arrays of instances as they lie in GPU buffers.
 
-/// The x and y axes of a rotation; zeros for an instance that is left out.
-using Axes = std::array<float, 6>;
+constexpr std::size_t DirectionFloats = 3; ///< of an instance
+constexpr std::size_t RotationFloats = 6;  ///< likewise
 
 /// Positions relative to an origin; (MissingValue, 0, 0) for missing ones.
 std::vector<Ogl::Vec3<float>> StoredPositions(const Array3& p_positions, const Types::Vector3_Base<double>& p_origin);
@@ -25,12 +24,12 @@ std::vector<Ogl::Vec3<float>> StoredPositions(const Array3& p_positions, const T
 std::vector<float> StoredSizes(const Array1& p_sizes);
 /// Values; MissingValue for NaN.
 std::vector<float> StoredValues(const Array1& p_values);
-/// The rotations of the axis +z into directions.
-std::vector<Axes> StoredDirections(const Array3& p_directions, const Types::Vector3_Base<double>& p_up);
-/// How many directions are zero or not finite.
-std::size_t CountUndirected(const Array3& p_directions);
-/// The axes of rotations.
-std::vector<Axes> StoredRotations(const std::vector<Types::Matrix3>& p_rotations);
+/// Unit vectors; zeros for directions that are zero or not finite.
+std::vector<float> StoredDirections(const Array3& p_directions);
+/// How many of them are zero.
+std::size_t CountUndirected(const std::vector<float>& p_directions);
+/// The x and y axes of rotations; zeros for those that are not finite.
+std::vector<float> StoredRotations(const std::vector<Types::Matrix3>& p_rotations);
 /// The ids of `p_count` instances as colours, lowest byte first; 0, 1, 2, … if there are none. Throws
 /// std::invalid_argument for an id from PickPass::NoElement on.
 std::vector<GpuMesh::Rgba> StoredIds(const std::vector<std::uint32_t>& p_ids, std::size_t p_count);

@@ -23,10 +23,19 @@ float StoredValue(float p_value) {
 }
 
 const std::string& LitColorText() {
-  static const std::string Text = std::string(MeshVaryings) + PeelText + R"(
+  static const std::string Text = "#version 120\n" + std::string(MeshVaryings) + LitColorBody();
+  return Text;
+}
+
+const std::string& LitColorBody() {
+  static const std::string Text = std::string(PeelText) + R"(
+#ifndef POSITION
+#define POSITION position
+#define NORMAL normal
+#endif
 uniform sampler2D colors;
 uniform int painting;    // 0: by value, 1: by colour, 2: by texture
-uniform int lighting;    // 0: none, 1: by normals, 2: by faces
+uniform int lighting;    // 0: none, 1: by normals, 2: by faces, 3: light is given, 4: by normals towards the eye
 uniform int logarithmic;
 uniform float lower;     // the value of the first colour, or its logarithm
 uniform float factor;    // 1 / (upper - lower)
@@ -52,11 +61,14 @@ void main() {
     discard;
   vec3 shade = vec3(1.0);
   vec3 gloss = vec3(0.0);
-  if (lighting != 0) {
-    vec3 face = cross(dFdx(position), dFdy(position)); // towards the eye
-    vec3 n = normalize(lighting == 2 ? face : gl_FrontFacing ? normal : -normal);
+  if (lighting == 3) {
+    shade = gl_LightModel.ambient.rgb + gl_LightSource[0].diffuse.rgb * normal.x;
+    gloss = gl_LightSource[0].specular.rgb * normal.y;
+  } else if (lighting != 0) {
+    vec3 face = cross(dFdx(POSITION), dFdy(POSITION)); // towards the eye
+    vec3 n = normalize(lighting == 2 ? face : lighting == 4 || gl_FrontFacing ? NORMAL : -NORMAL);
     vec3 l = normalize(gl_LightSource[0].position.xyz);
-    vec3 h = normalize(l - normalize(position));
+    vec3 h = normalize(l - normalize(POSITION));
     float facing = max(dot(n, l), 0.0);
     shade = gl_LightModel.ambient.rgb + gl_LightSource[0].diffuse.rgb * facing;
     if (facing > 0.0)

@@ -21,8 +21,8 @@ constexpr float LargestValue = 3e38F;
 /// A value as it is stored in GPU memory.
 float StoredValue(float p_value);
 
-/// The start of shaders of meshes: the version, and what a vertex shader writes for LitColorText.
-constexpr const char* MeshVaryings = R"(#version 120
+/// What a vertex shader writes for LitColorText; comes behind the version.
+constexpr const char* MeshVaryings = R"(
 varying vec3 normal;   // in eye coordinates
 varying vec3 position; // in eye coordinates
 varying float value;
@@ -32,11 +32,19 @@ varying vec4 own;      // the colour, or the texture coordinates, where it does 
 
 /// A fragment shader that lights the colours of a map by GL's light 0.
 const std::string& LitColorText();
+/// Likewise, without the version and MeshVaryings.
+const std::string& LitColorBody();
 
 /// How LitColorText finds colours.
 enum Painting : int { ByValue = 0, ByColor = 1, ByTexture = 2 };
 /// How LitColorText lights a primitive.
-enum Lighting : int { Unlit = 0, ByNormals = 1, ByFaces = 2 };
+enum Lighting : int {
+  Unlit = 0,
+  ByNormals = 1,   ///< on both sides
+  ByFaces = 2,     ///< likewise
+  ByShade = 3,     ///< x and y of the normal are diffuse and specular light
+  ByOneNormal = 4, ///< which points to the eye
+};
 
 /// How a mesh is to be lit.
 Lighting LightingOf(const GpuMesh& p_mesh);

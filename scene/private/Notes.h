@@ -28,4 +28,17 @@ inline void AddCount(std::vector<QString>& p_notes, std::size_t p_count, const N
                       QLatin1String(p_state));
 }
 
+/// "every 8th arrow is drawn while moving"; empty for every one.
+inline QString StepNote(std::size_t p_step, const Noun& p_noun) {
+  if (p_step < 2)
+    return {};
+  const bool isTeen = p_step % 100 / 10 == 1; // 512th
+  const QLatin1String ending(isTeen             ? "th"
+                             : p_step % 10 == 1 ? "st"
+                             : p_step % 10 == 2 ? "nd"
+                             : p_step % 10 == 3 ? "rd"
+                                                : "th");
+  return "every " + Grouped(p_step) + ending + ' ' + QLatin1String(p_noun.one) + " is drawn while moving";
+}
+
 } // namespace Vek::Chart::Scene::Private

@@ -59,6 +59,7 @@ struct Frame {
   /// otherwise need them.
   std::vector<Types::Plane> cuts{};
   bool isMoving = false;           ///< another frame follows soon: coarser may do
+  std::size_t mostVertices = 0;    ///< about, of glyphs or lines; 0 for any number
   const PeelPass* layer = nullptr; ///< of half-transparent plots; for the drawings of parts (see PlotContent::IsPeeled)
 };
 
@@ -134,6 +135,9 @@ public:
   virtual Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const;
   /// Frees what the scope's context has.
   virtual void Release(const Utility::Scoped<Rgl>& p_gl) const = 0;
+
+  /// What the last drawing in this context left out since there was no time for it; empty for nothing.
+  virtual QString Shortage(const Utility::Scoped<Rgl>& /*p_gl*/) const { return {}; }
 
   // What the figure must say.
   virtual std::vector<QString> Notes() const { return {}; }

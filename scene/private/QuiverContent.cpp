@@ -2,9 +2,6 @@
 
 #include "scene/private/Thinning.h"
 
-#include "library/VectorSymbol.h"
-#include "platform/ogl/VertexData.h"
-
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -34,19 +31,42 @@ GpuMesh FlatArrow() {
   return GpuMesh(arrays);
 }
 
-InstancedMesh::Level ArrowLevel(bool p_isFlat, double p_scale) {
-  if (p_isFlat) {
-    InstancedMesh::Level level{FlatArrow()};
-    level.scale = p_scale;
-    return level;
-  }
-  constexpr unsigned int Segments = 16;
-  const Library::VectorSymbol symbol(Model::Symbol::ShapeArrow3D, Segments);
-  Ogl::VertexData data;
-  symbol.BuildShape(data);
-  InstancedMesh::Level level{GpuMesh(data)};
-  level.scale = p_scale / symbol.Length();
+/// The area of a flat arrow, for sizes at which no corner of it is wrong by a fifth of a pixel.
+///
+///     1---2   z
+///      \ /    |
+///       0     +-- x
+InstancedMesh::Level FlatTriangle() {
+  constexpr double Far = 0.9, Half = 0.17, Error = 0.13;
+  const std::vector<Point> positions{{0, 0, 0}, {-Half, 0, Far}, {Half, 0, Far}}, normals(3, Point(0, 1, 0));
+  GpuMesh::Arrays arrays;
+  arrays.positions = positions;
+  arrays.normals = normals;
+  InstancedMesh::Level level{GpuMesh(arrays)};
+  level.mostPixels = 0.2 / Error;
   return level;
+}
+
+/// Arrows of length 1. Solid ones have a front and a back in all levels.
+std::vector<InstancedMesh::Level> ArrowLevels(bool p_isFlat, bool p_isSolid) {
+  if (p_isFlat)
+    return {FlatTriangle(), InstancedMesh::Level(FlatArrow())};
+  std::vector<InstancedMesh::Level> levels = InstancedMesh::Arrows();
+  const auto isOutline = [](const InstancedMesh::Level& p_level) {
+    return p_level.facing == InstancedMesh::Level::Facing::Outline;
+  };
+  if (p_isSolid)
+    levels.erase(std::remove_if(levels.begin(), levels.end(), isOutline), levels.end());
+  return levels;
+}
+
+/// Levels at another scale.
+std::vector<InstancedMesh::Level> Scaled(std::vector<InstancedMesh::Level> p_levels, double p_scale) {
+  for (InstancedMesh::Level& level : p_levels) {
+    level.scale *= p_scale;
+    level.mostPixels /= p_scale;
+  }
+  return p_levels;
 }
 
 } // namespace
@@ -240,18 +260,18 @@ void QuiverContent::PlaceValues() {
 
 void QuiverContent::SetLevels() {
   // Lengths of the data are scaled by the level, so that another scale uploads no instance.
-  _arrows.SetLevels({ArrowLevel(_placement.isFlat, _scale)});
+  _arrows.SetLevels(Scaled(ArrowLevels(_placement.isFlat, _isSolid), _scale));
   constexpr double DotShare = 0.12; // of the distance between neighbours
-  std::vector<InstancedMesh::Level> dots = InstancedMesh::Spheres();
-  for (InstancedMesh::Level& level : dots) {
-    level.scale *= DotShare * _spacing;
-    level.mostPixels /= DotShare * _spacing;
-  }
-  _dots.SetLevels(std::move(dots));
+  _dots.SetLevels(Scaled(InstancedMesh::Spheres(), DotShare * _spacing));
 }
 
 void QuiverContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   const Library::ColorMap& map = coloring.Map(p_gl);
+  // Fronts and backs are seen through one another.
+  if (const bool isSolid = IsTransparent() && !p_frame.isMoving; std::exchange(_isSolid, isSolid) != isSolid)
+    SetLevels();
+  _arrows.SetMostVertices(p_frame.mostVertices);
+  _dots.SetMostVertices(p_frame.mostVertices);
   _arrows.Draw(p_gl, map, coloring.Scale(), p_frame.layer);
   _dots.Draw(p_gl, map, coloring.Scale(), p_frame.layer);
 }
@@ -259,6 +279,10 @@ void QuiverContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
 void QuiverContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, const PickPass& p_pass) {
   _arrows.Draw(p_gl, p_pass);
   _dots.Draw(p_gl, p_pass);
+}
+
+QString QuiverContent::Shortage(const Utility::Scoped<Rgl>& p_gl) const {
+  return StepNote(std::max(_arrows.Step(p_gl), _dots.Step(p_gl)), Names());
 }
 
 Picked QuiverContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {

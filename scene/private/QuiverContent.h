@@ -28,6 +28,7 @@ public:
   void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;
   Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const override;
   std::vector<QString> Notes() const override;
+  QString Shortage(const Utility::Scoped<Rgl>& p_gl) const override;
   Legend::Mark Mark() const override { return Legend::Mark::Glyph; }
   std::optional<LengthKey> Lengths() const override;
 
@@ -54,6 +55,7 @@ private:
   // What was placed.
   bool _vectorsChanged = true;
   bool _isFlat = false;
+  bool _isSolid = false;             ///< whether all levels have a front and a back
   std::size_t _room = 0;             ///< for arrows
   std::vector<Point> _scene;         ///< positions of all elements; NaN where there is none
   std::vector<std::uint32_t> _drawn; ///< elements with an arrow or a dot

@@ -118,6 +118,7 @@ Picked ScatterContent::Identify(std::optional<std::uint32_t> p_number, const Poi
 
 void ScatterContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   SetLeastSize(p_frame);
+  _mesh.SetMostVertices(p_frame.mostVertices);
   _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
 }
 

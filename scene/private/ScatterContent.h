@@ -26,6 +26,7 @@ public:
   void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;
   Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const override;
   std::optional<SizeKey> Sizes() const override;
+  QString Shortage(const Utility::Scoped<Rgl>& p_gl) const override { return StepNote(_mesh.Step(p_gl), Names()); }
 
 private:
   double Fraction() const;

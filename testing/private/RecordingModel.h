@@ -90,6 +90,7 @@ public:
                   GlEnum p_format, GlEnum p_type, const void* p_pixels);
   void TexImage3D(GlEnum p_target, int p_level, int p_internalFormat, int p_width, int p_height, int p_depth,
                   int p_border, GlEnum p_format, GlEnum p_type, const void* p_pixels);
+  void TexBuffer(GlEnum p_target, GlEnum p_internalFormat, unsigned int p_buffer);
   void GetTexLevelParameteriv(GlEnum p_target, int p_level, GlEnum p_name, int* p_values);
   void GenerateMipmap(GlEnum p_target);
   void ReadPixels(int p_x, int p_y, int p_width, int p_height, GlEnum p_format, GlEnum p_type, void* p_pixels);

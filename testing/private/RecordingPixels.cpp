@@ -38,6 +38,8 @@ GlEnum BindingOf(GlEnum p_target) {
     return RGL_TEXTURE_BINDING_2D;
   case RGL_TEXTURE_3D:
     return RGL_TEXTURE_BINDING_3D;
+  case RGL_TEXTURE_BUFFER:
+    return RGL_TEXTURE_BINDING_BUFFER;
   default:
     return 0;
   }
@@ -82,7 +84,8 @@ void Model::DeleteTextures(int p_count, const unsigned int* p_names) {
     if (!Remove("DeleteTextures", "texture", p_names[i]))
       continue;
     textures.erase(p_names[i]);
-    for (const GlEnum binding : {RGL_TEXTURE_BINDING_1D, RGL_TEXTURE_BINDING_2D, RGL_TEXTURE_BINDING_3D})
+    for (const GlEnum binding :
+         {RGL_TEXTURE_BINDING_1D, RGL_TEXTURE_BINDING_2D, RGL_TEXTURE_BINDING_3D, RGL_TEXTURE_BINDING_BUFFER})
       Unbind(binding, p_names[i]);
   }
 }
@@ -178,6 +181,13 @@ void Model::TexImage3D(GlEnum p_target, int p_level, int p_internalFormat, int p
   TexImage("TexImage3D", p_target, p_level,
            {static_cast<GlEnum>(p_internalFormat), p_width, p_height, p_depth, p_format, p_type, {}}, p_border,
            p_pixels);
+}
+
+void Model::TexBuffer(GlEnum p_target, GlEnum /*p_internalFormat*/, unsigned int p_buffer) {
+  if (p_target != RGL_TEXTURE_BUFFER)
+    return Complain("TexBuffer: " + Name(p_target) + " is no target");
+  if (p_buffer == 0 || Need("TexBuffer", "buffer", p_buffer))
+    BoundTexture("TexBuffer", p_target);
 }
 
 void Model::TexImage(const std::string& p_call, GlEnum p_target, int p_level, RecordingGl::TextureLevel p_image,

@@ -91,6 +91,7 @@ constexpr StateVariable Variables[] = {
     Unit(RGL_TEXTURE_BINDING_1D),
     Unit(RGL_TEXTURE_BINDING_2D),
     Unit(RGL_TEXTURE_BINDING_3D),
+    Unit(RGL_TEXTURE_BINDING_BUFFER),
     One(RGL_MAP_COLOR, RGL_PIXEL_MODE_BIT, 0),
     One(RGL_RED_SCALE, RGL_PIXEL_MODE_BIT, 1),
     One(RGL_RED_BIAS, RGL_PIXEL_MODE_BIT, 0),
@@ -128,6 +129,7 @@ constexpr StateVariable Variables[] = {
     One(RGL_CURRENT_PROGRAM, 0, 0),
     // Limits
     One(RGL_MAX_TEXTURE_SIZE, 0, 4096),
+    One(RGL_MAX_TEXTURE_BUFFER_SIZE, 0, 1 << 27),
     One(RGL_MAX_3D_TEXTURE_SIZE, 0, 512),
     One(RGL_MAX_TEXTURE_UNITS, 0, 8),
     One(RGL_MAX_SAMPLES, 0, 8),

@@ -1,5 +1,6 @@
 #include "scene/InstancedMesh.h"
 
+#include "scene/Camera.h"
 #include "scene/DirectionalLight.h"
 
 #include "library/DepthPass.h"
@@ -22,6 +23,16 @@ GpuMesh Bar(const Point& p_along = {0, 0, 1}) {
 
 GpuMesh FlatBar() {
   return Bar({0, 1, 0});
+}
+
+/// So many vertices that it is drawn for one instance at a time.
+GpuMesh LargeBar() {
+  std::vector<Point> positions = {{-0.1, 0, 0}, {0.1, 0, 0}, {0.1, 0, 1}};
+  positions.resize(200);
+  GpuMesh::Arrays arrays;
+  arrays.positions = positions;
+  arrays.indices = {0, 1, 2};
+  return GpuMesh(arrays);
 }
 
 InstancedMesh Many(std::size_t p_count, bool p_complete) {
@@ -93,22 +104,21 @@ TEST(InstancedMesh, CountsAndBoundsWhatIsShown) {
   EXPECT_TRUE(InstancedMesh().Bounds().Empty());
 }
 
-TEST(InstancedMesh, SpheresAreFineEnough) {
+TEST(InstancedMesh, OutlinesOfSpheresAreWithinAFifthOfAPixel) {
   const std::vector<InstancedMesh::Level> levels = InstancedMesh::Spheres();
-  ASSERT_EQ(levels.size(), 4U);
-  for (std::size_t i = 0; i < levels.size(); ++i) {
-    EXPECT_EQ(levels[i].mesh.IndexCount(), 60U << (2 * i));
-    if (i + 1 == levels.size())
-      break;
-    // The outline of the largest sphere leaves the circle by a fifth of a pixel.
-    const Icosphere sphere(static_cast<unsigned int>(i));
-    double longest = 0;
-    for (std::size_t k = 0; k < sphere.indices.size(); k += 3)
-      longest =
-          std::max(longest, Length(sphere.positions[sphere.indices[k + 1]] - sphere.positions[sphere.indices[k]]));
-    const double flatness = 1 - std::sqrt(1 - longest * longest / 4);
-    EXPECT_NEAR(levels[i].mostPixels / 2 * flatness, 0.2, 1e-3) << i;
+  ASSERT_EQ(levels.size(), 7U);
+  std::size_t last = 0;
+  for (std::size_t i = 0; i + 1 < levels.size(); ++i) {
+    const std::size_t corners = levels[i].mesh.VertexCount();
+    EXPECT_GT(corners, last);
+    last = corners;
+    EXPECT_EQ(levels[i].mesh.IndexCount(), 3 * (corners - 2)); // whole
+    EXPECT_EQ(levels[i].facing, InstancedMesh::Level::Facing::Sphere);
+    const double radius = levels[i].mesh.Bounds().Max().x,
+                 inner = radius * std::cos(M_PI / static_cast<double>(corners));
+    EXPECT_NEAR(levels[i].mostPixels / 2 * std::max(radius - 1, 1 - inner), 0.2, 1e-3) << corners;
   }
+  EXPECT_EQ(levels.back().mesh.IndexCount(), 3U * 1280);
 }
 
 class InstancedMeshCalls : public RecordingScopeFixture {
@@ -121,26 +131,40 @@ public:
   ColorMap colors{{Qt::red, Qt::blue}, ColorMap::Interpolated};
 };
 
+/// With levels, meshes are repeated: 64 bars with their numbers. Without, the caller's ids are not needed.
 TEST_F(InstancedMeshCalls, UploadsWhatChanged) {
+  constexpr std::size_t N = 100;
+  const std::tuple<const char*, Bytes, Bytes> devices[] = {
+      {"3.3", {24, 48, 48, 4 * N, 4 * N, 12 * N, 12 * N}, {4 * N}},
+      {"4.0", {4 * N, 4 * N, 4 * N, 64 * 16, 12 * N, 12 * N, 64 * 24, 64 * 48, 64 * 48}, {}}};
+  for (const auto& [version, first, ids] : devices) {
+    recorder.SetVersion(version);
+    InstancedMesh mesh = Many(N, true);
+    mesh.Draw(gl, colors);
+    Bytes all = UploadsOf(recorder);
+    std::sort(all.begin(), all.end());
+    EXPECT_EQ(all, first) << version;
+    mesh.Draw(gl, colors, {-5, 5, false});
+    mesh.Draw(gl, ColorMap({Qt::white}, ColorMap::Discrete), {1, 5, true});
+    mesh.DrawDepths(gl);
+    EXPECT_EQ(UploadsOf(recorder), Bytes());
+    mesh.DrawIds(gl, 0);
+    EXPECT_EQ(UploadsOf(recorder), ids); // at most 48 bytes an instance in all
+  }
+}
+
+TEST_F(InstancedMeshCalls, UploadsOneArrayAtAnUpdate) {
   constexpr std::size_t N = 100;
   InstancedMesh mesh = Many(N, true);
   mesh.Draw(gl, colors);
-  Bytes all = UploadsOf(recorder);
-  std::sort(all.begin(), all.end());
-  EXPECT_EQ(all, (Bytes{24, 48, 48, 4 * N, 4 * N, 12 * N, 24 * N}));
-  mesh.Draw(gl, colors, {-5, 5, false});
-  mesh.Draw(gl, ColorMap({Qt::white}, ColorMap::Discrete), {1, 5, true});
-  mesh.DrawDepths(gl);
-  EXPECT_EQ(UploadsOf(recorder), Bytes());
-  mesh.DrawIds(gl, 0);
-  EXPECT_EQ(UploadsOf(recorder), Bytes{4 * N}); // at most 48 bytes an instance in all
+  UploadsOf(recorder);
   const std::vector<float> numbers(N, 2);
   const std::vector<Point> points(N, Point(1, 2, 3));
   const std::pair<std::function<void()>, std::size_t> updates[] = {
       {[&] { mesh.UpdateValues(numbers); }, 4 * N},
       {[&] { mesh.UpdateSizes(numbers); }, 4 * N},
       {[&] { mesh.UpdatePositions(points); }, 12 * N},
-      {[&] { mesh.UpdateDirections(points); }, 24 * N},
+      {[&] { mesh.UpdateDirections(points); }, 12 * N},
       {[&] { mesh.UpdateRotations(std::vector<Types::Matrix3>(N)); }, 24 * N},
       {[&] { mesh.UpdateColors(std::vector<GpuMesh::Rgba>(N)); }, 4 * N},
   };
@@ -155,11 +179,29 @@ TEST_F(InstancedMeshCalls, UploadsWhatChanged) {
   EXPECT_EQ(few, (Bytes{24, 48, 48, 12 * N}));
 }
 
+TEST_F(InstancedMeshCalls, AreAsManyForAHundredTimesAsManyInstances) {
+  recorder.SetVersion("4.0");
+  std::vector<std::size_t> calls;
+  for (const std::size_t count : {1000, 100000}) {
+    const std::vector<Point> points(count);
+    Instances instances;
+    instances.positions = points;
+    const InstancedMesh mesh(InstancedMesh::Arrows(), instances);
+    mesh.Draw(gl, colors);
+    recorder.Clear();
+    mesh.Draw(gl, colors);
+    calls.push_back(recorder.Lines().size());
+    recorder.Clear();
+  }
+  EXPECT_EQ(calls[0], calls[1]);
+}
+
 TEST_F(InstancedMeshCalls, DrawsLevelsThatMayBeSeen) {
+  recorder.SetVersion("4.0");
   gl->Viewport(0, 0, 100, 100); // under identity matrices, a unit has 50 pixels
   std::vector<InstancedMesh::Level> levels;
   for (const double most : {10.0, 100.0, 1000.0}) {
-    levels.emplace_back(Bar());
+    levels.emplace_back(LargeBar());
     levels.back().mostPixels = most;
   }
   std::vector<Point> positions(10);
@@ -176,12 +218,12 @@ TEST_F(InstancedMeshCalls, DrawsLevelsThatMayBeSeen) {
     return result;
   };
   mesh.Draw(gl, colors);
-  EXPECT_EQ(counts(), (std::vector<int>{4, 3, 3}));
+  EXPECT_EQ(counts(), (std::vector<int>{3, 3, 3}));
   gl->Scale({0.01, 0.01, 0.01});
   mesh.DrawDepths(gl); // the levels of the last drawing
-  EXPECT_EQ(counts(), (std::vector<int>{4, 3, 3}));
+  EXPECT_EQ(counts(), (std::vector<int>{3, 3, 3}));
   mesh.Draw(gl, colors);
-  EXPECT_EQ(counts(), (std::vector<int>{9, 1}));
+  EXPECT_EQ(counts(), (std::vector<int>{8, 1}));
   UploadsOf(recorder);
   mesh.Draw(gl, colors);
   EXPECT_EQ(UploadsOf(recorder), Bytes());
@@ -330,4 +372,127 @@ TEST_F(InstancedMeshPixels, IdsAreWrittenByteByByte) {
   }
   EXPECT_EQ(Color(0.5, 0.5), QColor(2, 0, 0, 7));
   EXPECT_THROW(mesh.DrawIds(gl, 255), std::invalid_argument);
+}
+
+TEST_F(InstancedMeshPixels, DrawsEveryKthOfTooManyVertices) {
+  std::vector<Point> positions;
+  for (int i = 0; i < 64; ++i)
+    positions.emplace_back(-0.99 + i / 32.0, -0.5, 0);
+  Instances instances;
+  instances.positions = positions;
+  const std::vector<double> sizes(64, 0.15); // bars are wider than pixels
+  instances.sizes = sizes;
+  InstancedMesh mesh(FlatBar(), instances); // of four vertices
+  for (const auto& [vertices, step] : {std::pair(0, 1), {256, 1}, {255, 2}, {64, 4}, {1, 64}}) {
+    mesh.SetMostVertices(static_cast<std::size_t>(vertices));
+    Draw(mesh);
+    EXPECT_EQ(mesh.Step(gl), static_cast<std::size_t>(step));
+    for (int i = 0; i < 64; ++i)
+      EXPECT_EQ(Color(positions[static_cast<std::size_t>(i)].x, -0.45) != nothing, i % step == 0)
+          << i << " of " << step;
+  }
+}
+
+namespace {
+
+/// What a mesh looks like in a view of 1600 x 1000 pixels, without background.
+class LevelsImage {
+public:
+  explicit LevelsImage(int p_samples)
+      : _context({1600, 1000}, p_samples)
+      , gl(_context.Handle()) {}
+  QImage Of(const InstancedMesh& p_mesh, bool p_isCentral, const std::function<void()>& p_prepare) {
+    gl->ClearColor(Qt::white);
+    gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+    Camera camera;
+    camera.Look(Camera::StandardView::Top);
+    camera.projection = p_isCentral ? Camera::Projection::Perspective : Camera::Projection::Parallel;
+    camera.Fit({{0, 0, 0}, {1600, 1000, 0}}, _viewport);
+    const auto matrices = camera.Apply(gl, _viewport);
+    const auto lit = DirectionalLight().Apply(gl);
+    const auto state = gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TRANSFORM_BIT);
+    gl->Enable(RGL_DEPTH_TEST);
+    if (p_prepare)
+      p_prepare();
+    p_mesh.Draw(gl, _colors);
+    return _context.Image();
+  }
+
+private:
+  Ogl::OffscreenContext _context;
+  const ColorMap _colors{{Qt::red, Qt::yellow, Qt::blue}, ColorMap::Interpolated};
+  const Types::Viewport<0> _viewport{0, 0, 1600, 1000};
+
+public:
+  Scope gl;
+};
+
+/// The share of pixels that differ by more than 32 in a channel.
+double Different(const QImage& p_a, const QImage& p_b) {
+  int count = 0;
+  for (int y = 0; y < p_a.height(); ++y)
+    for (int x = 0; x < p_a.width(); ++x) {
+      const QRgb a = p_a.pixel(x, y), b = p_b.pixel(x, y);
+      count +=
+          std::abs(qRed(a) - qRed(b)) > 32 || std::abs(qGreen(a) - qGreen(b)) > 32 || std::abs(qBlue(a) - qBlue(b)) > 32
+              ? 1
+              : 0;
+    }
+  return static_cast<double>(count) / (p_a.width() * p_a.height());
+}
+
+double Inked(const QImage& p_image) {
+  QImage white = p_image;
+  white.fill(Qt::white);
+  return Different(p_image, white);
+}
+
+} // namespace
+
+/// Ten thousand glyphs of 2 to 60 pixels, most of them small, beside those of the last level alone.
+TEST(InstancedMeshLevelsPixels, LookLikeWholeMeshes) {
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> number(-1, 1);
+  std::vector<Point> positions, directions;
+  std::vector<double> sizes, values;
+  for (int i = 0; i < 10000; ++i) {
+    positions.emplace_back(800 + 760 * number(random), 500 + 460 * number(random), 0);
+    directions.emplace_back(number(random), number(random), number(random));
+    sizes.push_back(2 + (i % 100 == 0 ? 58 : 12) * std::abs(number(random)));
+    values.push_back(0.5 + 0.5 * number(random));
+  }
+  Instances instances;
+  LevelsImage view(4);
+  const auto cut = [&] { // the front half of each glyph
+    constexpr double Below[] = {0, 0, -1, 0};
+    view.gl->ClipPlane(RGL_CLIP_PLANE0, Below);
+    view.gl->Enable(RGL_CLIP_PLANE0);
+  };
+  struct Case {
+    const char* name;
+    std::vector<InstancedMesh::Level> levels;
+    bool isCentral, isCut;
+    double leastInk;
+  };
+  const Case cases[] = {{"arrows", InstancedMesh::Arrows(), false, false, 0.05},
+                        {"cut arrows in perspective", InstancedMesh::Arrows(), true, true, 0.03},
+                        {"spheres", InstancedMesh::Spheres(), false, false, 0.03},
+                        {"cut spheres in perspective", InstancedMesh::Spheres(), true, true, 0.03}};
+  for (const Case& item : cases) {
+    const bool areSpheres = item.levels[0].facing == InstancedMesh::Level::Facing::Sphere;
+    if (areSpheres) // fewer, so that few pixels are those where spheres meet
+      for (std::vector<double>* const numbers : {&sizes, &values})
+        numbers->resize(1000);
+    positions.resize(sizes.size());
+    instances.positions = positions;
+    instances.directions = areSpheres ? Array3() : Array3(directions);
+    instances.sizes = sizes;
+    instances.values = values;
+    const auto imageOf = [&](const std::vector<InstancedMesh::Level>& p_levels) {
+      return view.Of(InstancedMesh(p_levels, instances), item.isCentral, item.isCut ? cut : std::function<void()>());
+    };
+    const QImage image = imageOf(item.levels), expected = imageOf({item.levels.back()});
+    EXPECT_LE(Different(image, expected), 0.01) << item.name;
+    EXPECT_GT(Inked(image), item.leastInk) << item.name;
+  }
 }

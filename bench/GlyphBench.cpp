@@ -1,0 +1,196 @@
+// Ten thousand to a million glyphs on a grid that fills 1600 x 1000 pixels, with levels of detail and as whole meshes.
+// `of_full` is the CPU time of a frame of whole meshes over that of one with levels; it is asked to be 5 at least for
+// 10^5 arrows and 10 for 10^6. `different` is the share of pixels that differ by more than 32 of 255 in a channel
+// (asked: 0.01 at most for 10^4 arrows), `mean` the mean difference of a channel at a quarter of the size (asked: 4 at
+// most for 10^6). `select_ns` is the CPU time that an instance takes when the view changes, without that of GL.
+// GLYPH_IMAGES=FOLDER in the environment keeps the images.
+
+#include "library/ColorMap.h"
+#include "library/VectorSymbol.h"
+#include "platform/ogl/OffscreenContext.h"
+#include "platform/ogl/VertexData.h"
+#include "scene/Camera.h"
+#include "scene/DirectionalLight.h"
+#include "scene/InstancedMesh.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QImage>
+
+#include <sys/resource.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <random>
+
+using namespace Vek::Chart;
+using Scene::InstancedMesh;
+
+namespace {
+
+using Points = std::vector<std::array<double, 3>>;
+constexpr int Width = 1600, Height = 1000;
+
+/// CPU time of the process, of all threads.
+double CpuSeconds() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  const auto seconds = [](const timeval& p_time) {
+    return static_cast<double>(p_time.tv_sec) + 1e-6 * static_cast<double>(p_time.tv_usec);
+  };
+  return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+enum Kind { Arrows, Spheres };
+
+/// Glyphs in pixels of a plane that fills the view. The longest arrow, and each sphere, is as large as the spacing.
+struct Field {
+  Field(Kind p_kind, std::size_t p_count)
+      : columns(static_cast<std::size_t>(std::round(std::sqrt(static_cast<double>(p_count) * Width / Height))))
+      , rows((p_count + columns - 1) / columns)
+      , spacing(static_cast<double>(Width) / static_cast<double>(columns)) {
+    std::mt19937 random(1);
+    std::uniform_real_distribution<double> number(-1, 1);
+    for (std::size_t i = 0; i < columns * rows; ++i) {
+      positions.push_back(
+          {(static_cast<double>(i % columns) + 0.5) * spacing, (static_cast<double>(i / columns) + 0.5) * spacing, 0});
+      directions.push_back({number(random), number(random), number(random)});
+      sizes.push_back(p_kind == Arrows ? spacing * (0.6 + 0.4 * number(random)) : 0.9 * spacing);
+      values.push_back(0.5 + 0.5 * number(random));
+    }
+  }
+  InstancedMesh Mesh(std::vector<InstancedMesh::Level> p_levels, Kind p_kind) const {
+    InstancedMesh::Instances instances;
+    instances.positions = positions;
+    if (p_kind == Arrows)
+      instances.directions = directions;
+    instances.sizes = sizes;
+    instances.values = values;
+    return {std::move(p_levels), instances};
+  }
+  std::size_t columns, rows;
+  double spacing;
+  Points positions, directions;
+  std::vector<double> sizes, values;
+};
+
+/// An arrow of 57 vertices, or a sphere of 162.
+std::vector<InstancedMesh::Level> FullLevel(Kind p_kind) {
+  constexpr unsigned int Segments = 8;
+  if (p_kind == Spheres)
+    return {InstancedMesh::Spheres().back()};
+  Ogl::VertexData data;
+  const Library::VectorSymbol arrow(Model::Symbol::ShapeArrow3D, Segments);
+  arrow.BuildShape(data);
+  InstancedMesh::Level level{Scene::GpuMesh(data)};
+  level.scale = 1 / arrow.Length();
+  return {std::move(level)};
+}
+
+class Target {
+public:
+  explicit Target(int p_samples)
+      : context({Width, Height}, p_samples)
+      , gl(context.Handle())
+      , map(Library::ColorMap::Named("viridis")) {}
+  /// The CPU time of a frame.
+  double Draw(const InstancedMesh& p_mesh, double p_shift = 0) {
+    gl->Finish();
+    const double start = CpuSeconds();
+    gl->ClearColor(Qt::white);
+    gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+    gl->Enable(RGL_DEPTH_TEST);
+    gl->MatrixMode(RGL_PROJECTION);
+    gl->LoadIdentity();
+    gl->Ortho(0, Width, 0, Height, -Width, Width);
+    gl->MatrixMode(RGL_MODELVIEW);
+    gl->LoadIdentity();
+    gl->Translate({p_shift, 0, 0});
+    const auto lit = Scene::DirectionalLight().Apply(gl);
+    p_mesh.Draw(gl, map);
+    gl->Finish();
+    return CpuSeconds() - start;
+  }
+  Ogl::OffscreenContext context;
+  Utility::Scoped<Rgl> gl;
+  Library::ColorMap map;
+};
+
+double ShareOfDifferent(const QImage& p_a, const QImage& p_b) {
+  std::size_t count = 0;
+  for (int y = 0; y < p_a.height(); ++y)
+    for (int x = 0; x < p_a.width(); ++x) {
+      const QRgb a = p_a.pixel(x, y), b = p_b.pixel(x, y);
+      constexpr int Visible = 32;
+      count += std::abs(qRed(a) - qRed(b)) > Visible || std::abs(qGreen(a) - qGreen(b)) > Visible ||
+               std::abs(qBlue(a) - qBlue(b)) > Visible;
+    }
+  return static_cast<double>(count) / (p_a.width() * p_a.height());
+}
+
+double MeanOfQuarter(const QImage& p_a, const QImage& p_b) {
+  const auto small = [](const QImage& p_image) {
+    return p_image.scaled(p_image.width() / 4, p_image.height() / 4, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  };
+  const QImage a = small(p_a), b = small(p_b);
+  double sum = 0;
+  for (int y = 0; y < a.height(); ++y)
+    for (int x = 0; x < a.width(); ++x) {
+      const QRgb one = a.pixel(x, y), other = b.pixel(x, y);
+      sum += std::abs(qRed(one) - qRed(other)) + std::abs(qGreen(one) - qGreen(other)) +
+             std::abs(qBlue(one) - qBlue(other));
+    }
+  return sum / (3.0 * a.width() * a.height());
+}
+
+void Glyphs(benchmark::State& p_state, Kind p_kind) {
+  const auto count = static_cast<std::size_t>(p_state.range(0));
+  Target target(static_cast<int>(p_state.range(1)));
+  const Field field(p_kind, count);
+  const InstancedMesh full = field.Mesh(FullLevel(p_kind), p_kind);
+  const InstancedMesh levels =
+      field.Mesh(p_kind == Arrows ? InstancedMesh::Arrows() : InstancedMesh::Spheres(), p_kind);
+  target.Draw(full);
+  const QImage fullImage = target.context.Image();
+  target.Draw(levels);
+  const QImage levelsImage = target.context.Image();
+  if (const char* const folder = std::getenv("GLYPH_IMAGES")) {
+    const QString name = QStringLiteral("%1/%2-%3-%4").arg(folder, p_kind == Arrows ? "arrows" : "spheres");
+    fullImage.save(name.arg(count).arg("full") + ".png");
+    levelsImage.save(name.arg(count).arg("levels") + ".png");
+  }
+  double leastFull = std::numeric_limits<double>::infinity(), leastMoved = leastFull, least = leastFull;
+  double shift = 0;
+  for (auto _ : p_state) {
+    if (leastFull > 1e3 || count < 1000000) // once: it takes seconds
+      leastFull = std::min(leastFull, target.Draw(full));
+    const double seconds = target.Draw(levels, shift);
+    leastMoved = std::min(leastMoved, target.Draw(levels, shift += 1e-3));
+    least = std::min(least, seconds);
+    p_state.SetIterationTime(seconds);
+  }
+  p_state.counters["full_ms"] = 1e3 * leastFull;
+  p_state.counters["of_full"] = leastFull / leastMoved;
+  p_state.counters["different"] = ShareOfDifferent(fullImage, levelsImage);
+  p_state.counters["mean"] = MeanOfQuarter(fullImage, levelsImage);
+  p_state.counters["select_ns"] = 1e9 * std::max(0.0, leastMoved - least) / static_cast<double>(count);
+}
+BENCHMARK_CAPTURE(Glyphs, Arrows, Arrows)
+    ->Args({10000, 4})
+    ->Args({100000, 4})
+    ->Args({1000000, 4})
+    ->Args({100000, 0})
+    ->Args({1000000, 0})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
+BENCHMARK_CAPTURE(Glyphs, Spheres, Spheres)
+    ->Args({10000, 4})
+    ->Args({100000, 4})
+    ->Args({1000000, 4})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
+
+} // namespace

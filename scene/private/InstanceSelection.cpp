@@ -1,0 +1,168 @@
+#include "scene/private/InstanceSelection.h"
+
+#include "scene/private/Matrix4.h"
+#include "scene/private/MeshShaders.h"
+
+#include "platform/types/Vector.h"
+#include "platform/utility/Threads.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace Vek::Chart::Scene::Private {
+
+namespace {
+
+using Point = Types::Vector3_Base<double>;
+constexpr std::size_t BlockSize = 8192;
+constexpr std::uint8_t LeftOut = 255;
+
+/// The factor by which a matrix scales lengths, of all directions in the mean.
+double ScaleOf(const Matrix4& p_m) {
+  const Point x(p_m[0], p_m[1], p_m[2]), y(p_m[4], p_m[5], p_m[6]), z(p_m[8], p_m[9], p_m[10]);
+  return std::cbrt(std::abs(Dot(Cross(x, y), z)));
+}
+
+/// x · p.x + y · p.y + z · p.z + w
+struct Linear {
+  float x = 0, y = 0, z = 0, w = 0;
+  float operator()(const Ogl::Vec3<float>& p_p) const { return x * p_p.x + y * p_p.y + z * p_p.z + w; }
+};
+
+/// A row of a matrix, times a number, plus another row.
+Linear Combined(const Matrix4& p_m, std::size_t p_row, double p_factor, std::size_t p_other, double p_scale) {
+  const auto at = [&](std::size_t p_column) {
+    return static_cast<float>((p_factor * p_m[4 * p_column + p_row] + p_m[4 * p_column + p_other]) * p_scale);
+  };
+  return {at(0), at(1), at(2), at(3)};
+}
+
+/// The distance from a side of the view frustum, positive inside. `p_side` is 1 or −1.
+Linear Side(const Matrix4& p_clip, std::size_t p_axis, double p_side) {
+  const Linear plane = Combined(p_clip, p_axis, p_side, 3, 1);
+  const double x = static_cast<double>(plane.x), y = static_cast<double>(plane.y), z = static_cast<double>(plane.z);
+  const double length = std::sqrt(x * x + y * y + z * z);
+  return Combined(p_clip, p_axis, p_side, 3, length > 0 ? 1 / length : 1);
+}
+
+} // namespace
+
+Projection Projection::Of(const Utility::Scoped<Ogl::Rgl>& p_gl) {
+  Matrix4 view{}, projection{};
+  std::array<int, 4> viewport{};
+  p_gl->GetDoublev(RGL_MODELVIEW_MATRIX, view.data());
+  p_gl->GetDoublev(RGL_PROJECTION_MATRIX, projection.data());
+  p_gl->GetIntegerv(RGL_VIEWPORT, viewport.data());
+  return {Product(projection, view), std::abs(projection[5]) * ScaleOf(view) * viewport[3] / 2.0};
+}
+
+/// The input as the loop over all instances needs it.
+struct InstanceSelection::Rules {
+  Rules(const Input& p_input, double p_coarseness)
+      : depth(Combined(p_input.sizing.clip, 3, 0, 3, 1))
+      , sides{Side(p_input.view.clip, 0, 1),  Side(p_input.view.clip, 0, -1), Side(p_input.view.clip, 1, 1),
+              Side(p_input.view.clip, 1, -1), Side(p_input.view.clip, 2, 1),  Side(p_input.view.clip, 2, -1)}
+      , pixels(static_cast<float>(p_input.sizing.pixels))
+      , least(static_cast<float>(p_input.sizing.pixels > 0 ? p_input.leastPixels / p_input.sizing.pixels : 0))
+      , reach(static_cast<float>(p_input.reach * 1.001))
+      , bounds(p_input.levels.size() - 1) {
+    for (std::size_t level = 0; level < bounds; ++level)
+      mostPixels[level] =
+          static_cast<float>(std::min(p_input.levels[level].mostPixels * p_coarseness, double{LargestValue}));
+  }
+
+  std::uint8_t LevelOf(const Ogl::Vec3<float>& p_position, float p_size) const {
+    const float w = depth(p_position);
+    const float size = std::max(p_size, least * w);
+    const float radius = -reach * size;
+    bool isSeen = true;
+    for (const Linear& side : sides)
+      isSeen &= side(p_position) >= radius;
+    if (!isSeen || !(p_size > 0) || p_position.x > 3.2e38F)
+      return LeftOut;
+    const float extent = size * pixels;
+    unsigned int level = 0;
+    for (std::size_t i = 0; i < bounds; ++i)
+      level += extent > mostPixels[i] * w ? 1U : 0U; // behind the eye, where it may reach into the view: the finest one
+    return static_cast<std::uint8_t>(level);
+  }
+
+  Linear depth; ///< clip coordinate w
+  std::array<Linear, 6> sides;
+  float pixels, least, reach;
+  std::size_t bounds;
+  std::array<float, MostLevels> mostPixels{};
+};
+
+bool InstanceSelection::Update(Input p_input) {
+  const bool isSame = !_ranges.empty() && p_input.positions == _input.positions && p_input.sizes == _input.sizes &&
+                      p_input.axes == _input.axes && p_input.levels == _input.levels && p_input.reach == _input.reach &&
+                      p_input.leastPixels == _input.leastPixels && p_input.mostVertices == _input.mostVertices &&
+                      p_input.sizing == _input.sizing && p_input.view == _input.view;
+  if (isSame)
+    return false;
+  _input = std::move(p_input);
+  constexpr double Coarseness = 4; // errors of four fifths of a pixel
+  Choose(1, 1);
+  if (_input.mostVertices != 0 && Vertices() > _input.mostVertices)
+    Choose(Coarseness, 1);
+  while (_input.mostVertices != 0 && Vertices() > _input.mostVertices && _step < _input.positions->size())
+    Choose(Coarseness, 2 * _step);
+  return true;
+}
+
+std::size_t InstanceSelection::Vertices() const {
+  std::size_t vertices = 0;
+  for (std::size_t level = 0; level < _ranges.size(); ++level)
+    vertices += _ranges[level].count * _input.levels[level].vertices;
+  return vertices;
+}
+
+/// Finds levels and ranges of every how many-th instance. `p_coarseness` multiplies the sizes of levels.
+void InstanceSelection::Choose(double p_coarseness, std::size_t p_step) {
+  const std::vector<Ogl::Vec3<float>>& positions = *_input.positions;
+  const std::size_t count = positions.size();
+  const float* const sizes = _input.sizes ? _input.sizes->data() : nullptr;
+  const std::size_t axes = _input.axes ? _input.axes->size() / count : 0; // numbers of an instance
+  const Rules rules(_input, p_coarseness);
+  _step = p_step;
+  _levelOf.resize(count);
+  _firstOf.assign((count + BlockSize - 1) / BlockSize, {});
+  Utility::RunRanges(Utility::Threads::All(), count, BlockSize, [&](std::size_t p_begin, std::size_t p_end) {
+    std::array<std::uint32_t, 256> counts{};
+    if (p_step > 1)
+      std::fill(_levelOf.begin() + static_cast<std::ptrdiff_t>(p_begin),
+                _levelOf.begin() + static_cast<std::ptrdiff_t>(p_end), LeftOut);
+    for (std::size_t i = (p_begin + p_step - 1) / p_step * p_step; i < p_end; i += p_step) {
+      std::uint8_t level = rules.LevelOf(positions[i], sizes != nullptr ? sizes[i] : 1);
+      if (axes != 0) {
+        const float* const axis = _input.axes->data() + i * axes;
+        level = axis[0] == 0 && axis[1] == 0 && axis[2] == 0 ? LeftOut : level;
+      }
+      _levelOf[i] = level;
+      ++counts[level];
+    }
+    std::copy_n(counts.begin(), MostLevels, _firstOf[p_begin / BlockSize].begin());
+  });
+
+  _ranges.assign(_input.levels.size(), {});
+  std::uint32_t next = 0;
+  for (std::size_t level = 0; level < _ranges.size(); ++level) {
+    _ranges[level].first = next;
+    for (auto& firsts : _firstOf)
+      next += std::exchange(firsts[level], next);
+    _ranges[level].count = next - _ranges[level].first;
+  }
+}
+
+void InstanceSelection::WriteOrder(std::uint32_t* p_order) const {
+  Utility::RunRanges(Utility::Threads::All(), _levelOf.size(), BlockSize, [&](std::size_t p_begin, std::size_t p_end) {
+    std::array<std::uint32_t, MostLevels> next = _firstOf[p_begin / BlockSize];
+    for (std::size_t i = p_begin; i < p_end; ++i)
+      if (const std::uint8_t level = _levelOf[i]; level != LeftOut)
+        p_order[next[level]++] = static_cast<std::uint32_t>(i);
+  });
+}
+
+} // namespace Vek::Chart::Scene::Private

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "platform/ogl/Rgl.h"
+#include "platform/ogl/Vec.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace Vek::Chart::Scene::Private {
+
+/// How a scope shows points: its matrices and the height of its viewport.
+struct Projection {
+  std::array<double, 16> clip{}; ///< from model to clip coordinates, column by column
+  double pixels = 0;             ///< of a unit at a clip w of 1
+
+  static Projection Of(const Utility::Scoped<Ogl::Rgl>& p_gl);
+
+  friend bool operator==(const Projection& p_a, const Projection& p_b) {
+    return p_a.clip == p_b.clip && p_a.pixels == p_b.pixels;
+  }
+};
+
+/// Which instances are drawn, and with which level of detail: those that the view frustum may show.
+///
+/// Instances are looked at in blocks of a fixed size, so that the order does not depend on the number of threads.
+class InstanceSelection {
+public:
+  template <class T>
+  using Shared = boost::shared_ptr<const std::vector<T>>;
+  /// What a level asks for.
+  struct Level {
+    double mostPixels = 0;    ///< the largest size × pixels per unit; ascending
+    std::size_t vertices = 0; ///< of an instance
+
+    friend bool operator==(const Level& p_a, const Level& p_b) {
+      return p_a.mostPixels == p_b.mostPixels && p_a.vertices == p_b.vertices;
+    }
+  };
+  /// What decides.
+  struct Input {
+    Shared<Ogl::Vec3<float>> positions; ///< x above 3.2e38: left out
+    Shared<float> sizes;                ///< 1 if there are none; 0: left out
+    Shared<float> axes;                 ///< any numbers of each instance, all of them 0: left out
+    std::vector<Level> levels;          ///< at most MostLevels
+    double reach = 0;                   ///< of an instance of size 1 from its position
+    double leastPixels = 0;             ///< of sizes
+    std::size_t mostVertices = 0;       ///< of all instances together, about; 0 for any number
+    Projection sizing;                  ///< decides on levels
+    Projection view;                    ///< decides on what may be seen
+  };
+  static constexpr std::size_t MostLevels = 16;
+  /// The instances of a level, as a range of the order.
+  struct Range {
+    std::size_t first = 0;
+    std::size_t count = 0;
+  };
+
+  /// Finds the levels anew if the input changed; true if it did.
+  bool Update(Input p_input);
+  /// Whether the levels of these instances are known.
+  bool Fits(const Shared<Ogl::Vec3<float>>& p_positions, const Shared<float>& p_sizes, std::size_t p_levels) const {
+    return _input.positions == p_positions && _input.sizes == p_sizes && _ranges.size() == p_levels;
+  }
+  /// The projection that decided on the levels.
+  const Projection& Sizing() const { return _input.sizing; }
+  /// One for each level.
+  const std::vector<Range>& Ranges() const { return _ranges; }
+  /// The number of instances that are drawn.
+  std::size_t Count() const { return _ranges.empty() ? 0 : _ranges.back().first + _ranges.back().count; }
+  /// Every how many-th instance is drawn.
+  std::size_t Step() const { return _step; }
+  /// Writes the instances level by level: `Count` numbers.
+  void WriteOrder(std::uint32_t* p_order) const;
+
+private:
+  struct Rules;
+  void Choose(double p_coarseness, std::size_t p_step);
+  std::size_t Vertices() const;
+
+  Input _input;
+  std::size_t _step = 1;
+  std::vector<std::uint8_t> _levelOf;
+  std::vector<std::array<std::uint32_t, MostLevels>> _firstOf; ///< of each block and level, in the order
+  std::vector<Range> _ranges;
+};
+
+} // namespace Vek::Chart::Scene::Private
