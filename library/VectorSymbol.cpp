@@ -280,6 +280,16 @@ Private::GlyphLayer VectorSymbol::MakeLayer(const Instances& p_instances, double
 
 std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
                                        VertexData& p_vertexData) const {
+  return OrientShapes(p_instances, p_anchor, p_scale, p_vertexData, Utility::Threads());
+}
+
+std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
+                                       const LayerMemory& p_memory) const {
+  return OrientShapes(p_instances, p_anchor, p_scale, p_memory, Utility::Threads());
+}
+
+std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
+                                       VertexData& p_vertexData, Utility::Threads p_threads) const {
   if (_vertices.empty() || !HasArrays(p_instances))
     return 0;
   const Private::GlyphLayer layer = MakeLayer(p_instances, p_anchor, p_scale);
@@ -288,7 +298,7 @@ std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_an
     return 0;
   const GlyphArrays arrays(shown * _vertices.size(), shown * _indices.size(), p_instances.texCoords != nullptr,
                            p_vertexData);
-  layer.Write({arrays.vertices.data, arrays.normals.data, arrays.texCoords.data, arrays.indices.data, 0});
+  layer.Write({arrays.vertices.data, arrays.normals.data, arrays.texCoords.data, arrays.indices.data, 0}, p_threads);
 
   p_vertexData.SetIndices(nullptr, 0, VertexData::UnsignedInt);
   p_vertexData.SetTexCoords(nullptr, 0, 1, VertexData::Float);
@@ -297,7 +307,7 @@ std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_an
 }
 
 std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
-                                       const LayerMemory& p_memory) const {
+                                       const LayerMemory& p_memory, Utility::Threads p_threads) const {
   if (_vertices.empty() || !HasArrays(p_instances))
     return 0;
   const Private::GlyphLayer layer = MakeLayer(p_instances, p_anchor, p_scale);
@@ -313,7 +323,8 @@ std::size_t VectorSymbol::OrientShapes(const Instances& p_instances, double p_an
       !hasRoom(p_memory.indices, shown * _indices.size(), "p_memory.indices.count >= indices"))
     return 0;
   layer.Write({p_memory.vertices.data, p_memory.normals.data, p_memory.texCoords.data, p_memory.indices.data,
-               p_memory.firstVertex});
+               p_memory.firstVertex},
+              p_threads);
   return shown;
 }
 

@@ -6,6 +6,7 @@
 #include "platform/ogl/VertexData.h"
 #include "platform/types/Matrix.h"
 #include "platform/types/Vector.h"
+#include "platform/utility/Threads.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -158,6 +159,14 @@ public:
   /// \snippet GlyphSnippets.cpp MappedLayer
   std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale,
                            const LayerMemory& p_memory) const;
+  ///@{
+  /// As above, on several threads, with the same bits. Memory is filled block by block, each from front to back. Fewer
+  /// than 100,000 vertices start no thread.
+  std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale, Ogl::VertexData& p_vertexData,
+                           Utility::Threads p_threads) const;
+  std::size_t OrientShapes(const Instances& p_instances, double p_anchor, double p_scale, const LayerMemory& p_memory,
+                           Utility::Threads p_threads) const;
+  ///@}
 
   /// The glyphs of a layer by direction: arrays of the caller with one element per instance.
   struct DirectedInstances {

@@ -33,6 +33,8 @@ struct Layer {
       positions[4].z = NAN;
       rotations[5] = Matrix3({1, 0, 0}, {0, NAN, 0}, {0, 0, 1});
       positions[7].x = INFINITY;
+      if (p_count > 3000)
+        sizes[1024] = sizes[3000] = NAN;
       rotations[8] = Matrix3({INFINITY, 0, 0}, {0, 1, 0}, {0, 0, 1}); // NaN normals of a cube, no NaN vertices
     }
   }
@@ -106,7 +108,7 @@ const std::string OrientShapes = "unsigned __int64 __cdecl " + Class + "OrientSh
 TEST(VectorSymbolLayer, HasTheBitsOfInstanceByInstance) {
   // From one instance to layers that are written past the caches; spheres larger than the buffer in between.
   std::vector<std::tuple<int, unsigned int, std::size_t>> rows = {
-      {ShapeSphere, 64, 60}, {ShapeArrow3D, 8, 2000}, {ShapePoint, 8, 50000}};
+      {ShapeSphere, 64, 60}, {ShapeArrow3D, 8, 4000}, {ShapePoint, 8, 120000}};
   for (int shape = ShapePoint; shape <= ShapeSphere; ++shape)
     for (const std::size_t count : {1, 7, 100})
       rows.emplace_back(shape, 12, count);
@@ -122,6 +124,12 @@ TEST(VectorSymbolLayer, HasTheBitsOfInstanceByInstance) {
     EXPECT_EQ(reports.Texts(), Texts(count > 8, "\"notANumber == 0\" - " + Signature::CountShown));
     EXPECT_EQ(reports.Details(), Texts(count > 8, "index 2, count " + std::to_string(expected.leftOut)));
     EXPECT_TRUE(WordsOf(data) == expected.arrays);
+    for (const int threads : {2, 3, 7}) {
+      VertexData threaded;
+      const Vek::Chart::Utility::Threads number(threads);
+      EXPECT_EQ(symbol.OrientShapes(layer.View(), 0.3, 1.7, threaded, number), expected.written);
+      EXPECT_TRUE(WordsOf(threaded) == expected.arrays) << threads;
+    }
     symbol.BuildShape(single);
     EXPECT_EQ(data.PrimitiveType().Value(), single.PrimitiveType().Value());
   }
@@ -215,8 +223,8 @@ TEST(VectorSymbolLayer, FollowsDirections) {
   const VectorSymbol arrow(ShapeArrow2D, 8);
   const Vector3_Base<double> up(1, 2, 3);
   // Without direction are numbers 1, 3 and 4; number 5 has no size, number 6 no position.
-  const std::vector<Vector3_Base<double>> directions = {{3, 4, 0}, {},         {0, 0, -2}, {NAN, 1, 1},   {0, Infinity, 0},
-                                                        {1, 1, 1}, {-1, 0, 5}, {2, 4, 6},  {1e-300, 0, 0}};
+  const std::vector<Vector3_Base<double>> directions = {
+      {3, 4, 0}, {}, {0, 0, -2}, {NAN, 1, 1}, {0, Infinity, 0}, {1, 1, 1}, {-1, 0, 5}, {2, 4, 6}, {1e-300, 0, 0}};
   const std::vector<double> sizes = {1, 2, 3, 4, 5, 0, 7, 8, 9}, values = {0, 1, 2, 3, 4, 5, 6, 7, 8};
   std::vector<double> lengths;
   std::vector<Vector3_Base<double>> positions;

@@ -9,8 +9,27 @@
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
+#if defined(__linux__)
+#include <unistd.h>
+#endif
 
 namespace Vek::Chart::Library::Private {
+
+/// The size of the processor's last cache; 1 MiB where that is not known. Arrays that exceed it are written past it:
+/// smaller ones stay in it until they are read. A test defines VEK_CACHE_BYTES.
+inline std::size_t CacheBytes() {
+#if defined(VEK_CACHE_BYTES)
+  return VEK_CACHE_BYTES;
+#else
+  constexpr std::size_t Least = std::size_t{1} << 20;
+#if defined(_SC_LEVEL3_CACHE_SIZE)
+  static const long Known = std::max(sysconf(_SC_LEVEL2_CACHE_SIZE), sysconf(_SC_LEVEL3_CACHE_SIZE));
+  return Known > 0 ? std::max(Least, static_cast<std::size_t>(Known)) : Least;
+#else
+  return Least;
+#endif
+#endif
+}
 
 /// Fills an array from front to back. An array that is too large for the caches is filled through a small buffer, which
 /// is written by non-temporal stores of whole cache lines; this triples the rate.

@@ -30,16 +30,13 @@ Bits BitsOf(const Vector3_Base<double>& p_vector) {
   return bits;
 }
 
-/// Larger arrays are written past the caches.
-constexpr std::size_t CachedBytes = std::size_t(1) << 20;
-
 /// One array of the target; none if it is null.
 template <class T>
 class Output {
 public:
-  Output(T* p_data, std::size_t p_count) {
+  Output(T* p_data, bool p_pastCaches) {
     if (p_data != nullptr)
-      _stream.emplace(p_data, p_count * sizeof(T) > CachedBytes);
+      _stream.emplace(p_data, p_pastCaches);
   }
   explicit operator bool() const { return _stream.has_value(); }
 
@@ -109,6 +106,8 @@ GlyphLayer::GlyphLayer(const std::vector<Vector3_Base<double>>& p_vertices,
     , _instances(p_instances) {
   const bool isShiftModerate = IsModerate(_instances.shift);
   for (std::size_t k = 0; k < _instances.count; ++k) {
+    if (k % BlockSize == 0)
+      _writtenBefore.push_back(_count);
     const double factor = _instances.sizes[k] * _instances.scale;
     if (factor <= 0.0)
       continue;
@@ -132,18 +131,37 @@ bool GlyphLayer::GivesNaN(std::size_t p_instance, double p_factor) const {
   return HasNaN(records, _directions.indexOf);
 }
 
-void GlyphLayer::Write(const GlyphTarget& p_target) const {
-  const std::size_t all = _count * VertexCount();
+void GlyphLayer::Write(const GlyphTarget& p_target, Utility::Threads p_threads) const {
+  const std::size_t floats = (p_target.vertices != nullptr ? 3 : 0) + (p_target.normals != nullptr ? 3 : 0);
+  const std::size_t bytes = _count * (floats * VertexCount() + _indices.size()) * sizeof(float);
+  const bool pastCaches = bytes > CacheBytes();
+  if (p_threads.Count() == 1 || _count * VertexCount() < WorthThreads)
+    return WriteRange(0, _instances.count, p_target, pastCaches);
+  Utility::RunBlocks(p_threads, _writtenBefore.size(), [&](std::size_t p_block) {
+    const std::size_t first = p_block * BlockSize, vertices = _writtenBefore[p_block] * VertexCount();
+    const auto from = [](auto* p_array, std::size_t p_scalars) {
+      return p_array == nullptr ? nullptr : p_array + p_scalars;
+    };
+    WriteRange(first, std::min(first + BlockSize, _instances.count),
+               {from(p_target.vertices, 3 * vertices), from(p_target.normals, 3 * vertices),
+                from(p_target.texCoords, vertices), from(p_target.indices, _writtenBefore[p_block] * _indices.size()),
+                p_target.firstVertex + static_cast<unsigned int>(vertices)},
+               pastCaches);
+  });
+}
+
+void GlyphLayer::WriteRange(std::size_t p_begin, std::size_t p_end, const GlyphTarget& p_target,
+                            bool p_pastCaches) const {
   std::vector<float> placed(4 * _points.vectors.Count());
   std::vector<float> rotated(4 * _directions.vectors.Count());
-  Output<float> vertices(p_target.vertices, 3 * all);
-  Output<float> normals(p_target.normals, 3 * all);
-  Output<float> texCoords(_instances.texCoords == nullptr ? nullptr : p_target.texCoords, all);
-  Output<unsigned int> indices(p_target.indices, _count * _indices.size());
+  Output<float> vertices(p_target.vertices, p_pastCaches);
+  Output<float> normals(p_target.normals, p_pastCaches);
+  Output<float> texCoords(_instances.texCoords == nullptr ? nullptr : p_target.texCoords, p_pastCaches);
+  Output<unsigned int> indices(p_target.indices, p_pastCaches);
   unsigned int base = p_target.firstVertex;
-  auto skipped = _notANumber.begin();
+  auto skipped = std::lower_bound(_notANumber.begin(), _notANumber.end(), p_begin);
 
-  for (std::size_t k = 0; k < _instances.count; ++k) {
+  for (std::size_t k = p_begin; k < p_end; ++k) {
     const double factor = _instances.sizes[k] * _instances.scale;
     if (skipped != _notANumber.end() && *skipped == k) {
       ++skipped;

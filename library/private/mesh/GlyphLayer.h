@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/private/mesh/GlyphTransform.h"
+#include "platform/utility/Threads.h"
 
 #include <cstddef>
 #include <vector>
@@ -49,18 +50,23 @@ public:
   /// The instances left out because they give a NaN, in ascending order.
   const std::vector<std::size_t>& NotANumber() const { return _notANumber; }
 
-  /// Writes `Count()` instances. The arrays must have room for them.
-  void Write(const GlyphTarget& p_target) const;
+  /// Writes `Count()` instances. The arrays must have room for them. Fewer than 100,000 vertices start no thread.
+  void Write(const GlyphTarget& p_target, Utility::Threads p_threads) const;
 
 private:
   std::size_t VertexCount() const { return _points.indexOf.size(); }
   bool GivesNaN(std::size_t p_instance, double p_factor) const;
+  /// Writes some of the instances, to the memory of the first of them.
+  void WriteRange(std::size_t p_begin, std::size_t p_end, const GlyphTarget& p_target, bool p_pastCaches) const;
+  static constexpr std::size_t BlockSize = 1024; // instances
+  static constexpr std::size_t WorthThreads = 100000;
 
   DistinctVectors _points;
   DistinctVectors _directions;
   const std::vector<unsigned int>& _indices;
   GlyphInstances _instances;
   std::size_t _count = 0;
+  std::vector<std::size_t> _writtenBefore; ///< instances that are written in front of each block
   std::vector<std::size_t> _notANumber;
 };
 
