@@ -171,17 +171,19 @@ private:
   QPointF _pointer;       ///< the last of them
   bool _isMoving = false; ///< the camera, so that another image follows soon
   QPointF _press, _last;  ///< of the mouse, in logical pixels
-  /// A slice that is dragged, from where the cursor met it.
+  // Doxygen would link to a list of nested classes that it does not make when all are private.
+  /// \cond
   struct DraggedSlice {
     Scene::SlicesPlot* plot;
     std::size_t number;
     int axis;
-    Types::Vector3_Base<double> scene; ///< where the cursor met it
-    QPointF place;                     ///< of the cursor then
+    Types::Vector3_Base<double> scene; // where the cursor met it
+    QPointF place;                     // of the cursor then
   };
-  std::optional<DraggedSlice> _slice;
-  bool _isDrag = false;  ///< the mouse has moved too far for a click
-  bool _isClick = false; ///< the button that is down is not that of a double click
+  /// \endcond
+  std::optional<DraggedSlice> _slice; ///< that is dragged
+  bool _isDrag = false;               ///< the mouse has moved too far for a click
+  bool _isClick = false;              ///< the button that is down is not that of a double click
 };
 
 } // namespace Vek::Chart::Widgets

@@ -24,8 +24,10 @@ namespace {
 
 constexpr int Fineness = 1000; ///< steps of a slider
 
-QString Shown(double p_number) {
-  return QString::number(p_number, 'g', 6);
+/// Six digits; 0 for what is nothing beside a span.
+QString Shown(double p_number, double p_span = 0) {
+  constexpr double Nothing = 1e-9;
+  return QString::number(std::abs(p_number) < Nothing * p_span ? 0 : p_number, 'g', 6);
 }
 
 /// The colours of a map from left to right.
@@ -210,7 +212,7 @@ SettingsPanel::Row SettingsPanel::MakeNumber(const Setting& p_setting) {
     const double number = std::get<double>(p_now.value);
     const Setting::Range limits = p_now.Limits();
     if (!field->isModified())
-      field->setText(Shown(number));
+      field->setText(Shown(number, limits.max - limits.min));
     if (!slider->isSliderDown() && limits.max > limits.min)
       slider->setValue(qRound((number - limits.min) / (limits.max - limits.min) * Fineness));
   };

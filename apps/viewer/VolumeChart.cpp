@@ -212,6 +212,13 @@ private:
         });
     clear.isOffered = casts;
     clear.unit = _grid.unit;
+    Setting& dense = AddNumber("Ray casting", "Densest from", (ValueRange().min + ValueRange().max) / 2, ValueRange(),
+                               [this](double p_value) {
+                                 _dense = p_value;
+                                 SetOpacities();
+                               });
+    dense.isOffered = casts;
+    dense.unit = _grid.unit;
     AddNumber("Ray casting", "Density", 0.9, {0.01, 1}, [this](double p_density) {
       _density = p_density;
       SetOpacities();
@@ -227,13 +234,11 @@ private:
     level.isOffered = [this] { return Show() >= IsosurfaceShown; };
     level.unit = _grid.unit;
   }
-  /// Grows evenly from the clear value to the largest one.
+  /// Grows evenly from the clear value to the dense one.
   void SetOpacities() {
     if (_rays == nullptr)
       return;
-    const Setting::Range range = ValueRange();
-    const double top = std::max(range.max, _clear);
-    _rays->OpacityBy({{_clear, 0}, {top, _density}});
+    _rays->OpacityBy({{_clear, 0}, {std::max(_dense, _clear), _density}});
   }
 
   std::shared_ptr<const Document> _document;
@@ -246,7 +251,7 @@ private:
   bool _has[3] = {true, true, true};
   double _at[3] = {0, 0, 0};
   Setting::Range _shownRange{-HUGE_VAL, HUGE_VAL}; ///< of slices
-  double _clear = 0, _density = 1;
+  double _clear = 0, _dense = 0, _density = 1;
   Scene::SlicesPlot* _slices = nullptr;
   Scene::VolumePlot* _rays = nullptr;
   Scene::IsosurfacePlot* _surface = nullptr;
