@@ -1,5 +1,6 @@
 #include "apps/gallery/IndexPage.h"
 
+#include <QRegularExpression>
 #include <QString>
 
 namespace Vek::Chart::Gallery {
@@ -27,6 +28,7 @@ a:focus-visible { outline: 3px solid #6db3f2; outline-offset: -3px; }
 figcaption { padding: .9rem 1.1rem 1.1rem; display: flex; flex-direction: column; flex: 1; }
 h2 { margin: 0 0 .3rem; color: var(--ink); font-size: 1.1rem; font-weight: 600; }
 figcaption p { margin: 0 0 .7rem; }
+figcaption code { white-space: nowrap; }
 .source { margin-top: auto; color: var(--dim); font: .85rem/1.4 ui-monospace, "DejaVu Sans Mono", monospace; }
 a.source:hover { color: var(--ink); }
 dialog { width: 100vw; height: 100vh; max-width: none; max-height: none; margin: 0; padding: 0; border: 0;
@@ -42,7 +44,7 @@ dialog b { color: var(--ink); }
 <body>
 <header>
 <h1>Gallery of Vek.Chart.Library</h1>
-<p>Each picture is drawn by the program <code>vek-gallery</code> from the data named in its caption.</p>
+<p>Pictures that the program <code>vek-gallery</code> draws. A click shows one in its full size; its source is linked below.</p>
 </header>
 <main>
 )";
@@ -84,6 +86,12 @@ std::string Escaped(const std::string& p_text) {
   return QString::fromStdString(p_text).toHtmlEscaped().toStdString();
 }
 
+/// A caption whose options are not broken at the end of a line.
+std::string CaptionOf(const PictureEntry& p_entry) {
+  const QString caption = QString::fromStdString(p_entry.caption).toHtmlEscaped();
+  return QString(caption).replace(QRegularExpression("(--\\w+)"), "<code>\\1</code>").toStdString();
+}
+
 } // namespace
 
 std::string IndexPage(const std::vector<PictureEntry>& p_entries, bool p_hasSources) {
@@ -93,7 +101,7 @@ std::string IndexPage(const std::vector<PictureEntry>& p_entries, bool p_hasSour
     const std::string title = Escaped(entry.title);
     const std::string source = Escaped(entry.source);
     page += "<figure id=\"" + name + "\">\n<a href=\"" + name + ".png\"><img src=\"" + name + ".png\" alt=\"" + title +
-            "\" loading=\"lazy\"></a>\n<figcaption><h2>" + title + "</h2><p>" + Escaped(entry.caption) + "</p>";
+            "\" loading=\"lazy\"></a>\n<figcaption><h2>" + title + "</h2><p>" + CaptionOf(entry) + "</p>";
     if (p_hasSources)
       page += "<a class=\"source\" href=\"sources/" + source.substr(source.rfind('/') + 1) + "\">" + source + "</a>";
     else

@@ -23,9 +23,9 @@ struct Inputs {
   std::string salinity; ///< of the ocean, a TextArray volume
   std::string head;     ///< a CT of a head, NRRD
   std::string volume;   ///< a volume of the user's; may be empty
-  std::string hdr;      ///< a panorama, Radiance HDR
+  std::string hdr;      ///< an image with high dynamic range
   std::string sprites;  ///< the folder of the point sprites
-  std::string model;    ///< an OBJ file of the user's; may be empty
+  std::string model;    ///< a mesh of the user's; may be empty
   std::string flow;     ///< a vector grid of the user's; may be empty
   std::size_t time = 0; ///< the step of winds in a file with several
   std::string folder;   ///< the gallery's own, with data/, symbols/ and sprites/

@@ -30,12 +30,12 @@ TEST(Options, TakesValuesAndRefusesTheRest) {
 }
 
 TEST(IndexPage, ShowsEachPictureWithTitleCaptionAndSource) {
-  const std::vector<PictureEntry> entries = {{"a", "A & B", "x < y & \"z\"", "apps/gallery/pictures/A.cpp", nullptr}};
+  const std::vector<PictureEntry> entries = {{"a", "A & B", "x < y & \"z\" --hdr", "apps/gallery/pictures/A.cpp", nullptr}};
   const TempFolder folder;
   EXPECT_FALSE(CopySources(entries, folder.File("data"), folder.File("out")));
   const std::string page = IndexPage(entries, false);
   EXPECT_NE(page.find("<a href=\"a.png\"><img src=\"a.png\" alt=\"A &amp; B\""), std::string::npos);
-  EXPECT_NE(page.find("<p>x &lt; y &amp; &quot;z&quot;</p>"), std::string::npos);
+  EXPECT_NE(page.find("<p>x &lt; y &amp; &quot;z&quot; <code>--hdr</code></p>"), std::string::npos);
   EXPECT_EQ(page.find("href=\"sources"), std::string::npos);
 
   std::filesystem::create_directories(folder.File("data/apps/gallery/pictures"));
