@@ -247,6 +247,7 @@ VEK_AVX2_INLINE std::uint64_t Blanks(const char* p_first) {
 VEK_AVX2 FloatTexts ReadByAvx2(const char* p_first, const char* p_last, float* p_numbers, std::size_t p_most,
                                Words p_words) {
   constexpr std::size_t PieceSize = 2048;
+  constexpr std::uint64_t LastBit = std::uint64_t(1) << 63;
   std::uint32_t borders[PieceSize + 16]; // starts and ends of words in turn, from p_first on
   FloatTexts read{p_first, 0};
   const std::size_t size = std::size_t(p_last - p_first);
@@ -262,10 +263,11 @@ VEK_AVX2 FloatTexts ReadByAvx2(const char* p_first, const char* p_last, float* p
         changes &= (std::uint64_t(1) << (pieceEnd - at)) - 1;
       const std::size_t changeCount = std::size_t(__builtin_popcountll(changes));
       // Mostly in whole eights, since the processor predicts their number better; what is too many is overwritten.
+      // The zeros of 0 cannot be counted: its last bit is set.
       for (std::size_t i = 0; i < changeCount; i += 8)
         for (std::size_t j = 0; j < 8; ++j) {
           borders[count + i + j] =
-              static_cast<std::uint32_t>(at) + static_cast<std::uint32_t>(__builtin_ctzll(changes));
+              static_cast<std::uint32_t>(at) + static_cast<std::uint32_t>(__builtin_ctzll(changes | LastBit));
           changes &= changes - 1;
         }
       count += changeCount;
