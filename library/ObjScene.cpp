@@ -125,7 +125,7 @@ ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name, const O
     source.Take(size);
     progress(bytes == 0 ? 1 : std::min(1.0, double(source.Position()) / double(bytes)));
   }
-  return reader.Finish();
+  return reader.Finish(p_threads);
 }
 
 ObjScene ReadObjScene(const std::string& p_path, const ObjProgress& p_progress, Utility::Threads p_threads) {

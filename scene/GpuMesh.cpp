@@ -164,8 +164,8 @@ void GpuMesh::CompleteNormals() {
       inOrder[i] = static_cast<std::uint32_t>(i);
   }
   const std::vector<std::uint32_t>& indices = _indices ? *_indices : inOrder;
-  std::vector<Record> normals =
-      Library::ComputeNormals(_positions->data(), _positions->size(), indices.data(), indices.size());
+  std::vector<Record> normals = Library::ComputeNormals(_positions->data(), _positions->size(), indices.data(),
+                                                        indices.size(), Utility::Threads::All());
   for (std::size_t i = 0; i < CountOf(_givenNormals); ++i)
     if (!isZero((*_givenNormals)[i]))
       normals[i] = (*_givenNormals)[i];

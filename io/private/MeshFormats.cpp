@@ -20,8 +20,8 @@ void AddNormals(Mesh& p_mesh) {
   if (triangles.empty())
     return;
   p_mesh.normals.reserve(3 * positions.size());
-  for (const Ogl::Vec3<float>& normal :
-       Library::ComputeNormals(positions.data(), positions.size(), triangles.data(), triangles.size()))
+  for (const Ogl::Vec3<float>& normal : Library::ComputeNormals(positions.data(), positions.size(), triangles.data(),
+                                                                triangles.size(), Utility::Threads::All()))
     p_mesh.normals.insert(p_mesh.normals.end(), {normal.x, normal.y, normal.z});
 }
 

@@ -106,3 +106,21 @@ TEST(ComputeNormals, OfFloatsAndOfModels) {
   EXPECT_TRUE(ComputeNormals(*model));
   EXPECT_TRUE(model->Normals()->empty());
 }
+
+TEST(ComputeNormals, AreTheSameOnAnyNumberOfThreads) {
+  std::mt19937 random(5);
+  std::uniform_real_distribution<double> any(-1, 1);
+  std::vector<Point> points;
+  for (int i = 0; i < 20000; ++i)
+    points.emplace_back(any(random), any(random), i % 100 == 0 ? NAN : any(random));
+  Indices indices;
+  for (int i = 0; i < 3 * 120000; ++i)
+    indices.push_back(static_cast<std::uint32_t>(random() % (points.size() + 1)));
+  const auto normals = [&](int p_threads) {
+    return ComputeNormals(points.data(), points.size(), indices.data(), indices.size(),
+                          Vek::Chart::Utility::Threads(p_threads));
+  };
+  const std::vector<Point> expected = normals(1);
+  for (const int threads : {2, 3, 7})
+    EXPECT_TRUE(normals(threads) == expected) << threads;
+}

@@ -222,7 +222,7 @@ void ObjSceneReader::CheckSize() const {
       throw ObjError(_path, "expected at most 2^30 elements of a kind");
 }
 
-ObjScene ObjSceneReader::Finish() {
+ObjScene ObjSceneReader::Finish(Utility::Threads p_threads) {
   CheckSize();
   if (_vertices.Positions() == 0)
     throw ObjError(_path, "expected positions (v), got none");
@@ -239,7 +239,7 @@ ObjScene ObjSceneReader::Finish() {
   FinishIndices();
   FinishColors();
   if (_hasTriangles)
-    FinishNormals();
+    FinishNormals(p_threads);
   return std::move(_scene);
 }
 
@@ -270,10 +270,10 @@ void ObjSceneReader::FinishIndices() {
   _texCoords = {};
 }
 
-void ObjSceneReader::FinishNormals() {
+void ObjSceneReader::FinishNormals(Utility::Threads p_threads) {
   const std::vector<CornerVertices::Copy>& copies = _vertices.Copies();
   const std::size_t positions = _vertices.Positions();
-  const std::vector<float> smooth = _hasSmooth ? SmoothNormals() : std::vector<float>();
+  const std::vector<float> smooth = _hasSmooth ? SmoothNormals(p_threads) : std::vector<float>();
   ReserveLarge(_scene.normals, 3 * (positions + copies.size()));
   constexpr float Unused[] = {0, 0, 1};
   const auto append = [&](std::uint32_t p_normal) {
@@ -293,7 +293,7 @@ void ObjSceneReader::FinishNormals() {
 }
 
 /// Normals of all vertices, those of one position and smoothing group together, whatever their texture coordinates.
-std::vector<float> ObjSceneReader::SmoothNormals() const {
+std::vector<float> ObjSceneReader::SmoothNormals(Utility::Threads p_threads) const {
   const std::size_t positions = _vertices.Positions();
   CornerVertices shared;
   std::vector<std::uint32_t> numbers; // of the shared vertex of each vertex
@@ -322,7 +322,7 @@ std::vector<float> ObjSceneReader::SmoothNormals() const {
       for (std::size_t i = group.first; i < group.first + group.count; ++i)
         triangles.push_back(shared.Number(numbers[_scene.indices[i]]));
   const std::vector<Ogl::Vec3<float>> normals =
-      ComputeNormals(points.data(), points.size(), triangles.data(), triangles.size());
+      ComputeNormals(points.data(), points.size(), triangles.data(), triangles.size(), p_threads);
 
   std::vector<float> all;
   all.reserve(3 * numbers.size());

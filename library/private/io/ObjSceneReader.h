@@ -4,6 +4,7 @@
 #include "library/private/io/ObjSceneBlock.h"
 #include "library/private/mesh/CornerVertices.h"
 #include "platform/types/Vector.h"
+#include "platform/utility/Threads.h"
 
 #include <cstdint>
 #include <map>
@@ -41,7 +42,7 @@ public:
   /// Likewise, of a block that was scanned: `p_bytes` of lines.
   void AddBlock(const ObjSceneBlock& p_block, std::size_t p_bytes, std::uint64_t p_bytesLeft);
   /// The scene, after the last line. The reader is used up.
-  ObjScene Finish();
+  ObjScene Finish(Utility::Threads p_threads);
 
   std::uint64_t Line() const { return _line; } ///< the number of lines read
 
@@ -94,8 +95,8 @@ private:
   void CheckSize() const;
 
   void FinishIndices();
-  void FinishNormals();
-  std::vector<float> SmoothNormals() const;
+  void FinishNormals(Utility::Threads p_threads);
+  std::vector<float> SmoothNormals(Utility::Threads p_threads) const;
   void FinishColors();
 
   const std::string& _path;
