@@ -318,7 +318,7 @@ namespace {
 /// Vertices of all plots of a frame that takes less than 60 ms: of a rasteriser in software on four cores, or of a
 /// device.
 std::size_t VerticesInTime(const Rgl& p_gl) {
-  constexpr std::size_t InSoftware = 120'000, OnDevices = 10'000'000;
+  constexpr std::size_t InSoftware = 80'000, OnDevices = 10'000'000;
   const auto* const name = reinterpret_cast<const char*>(p_gl.GetString(RGL_RENDERER)); // NOLINT: bytes of a string
   const std::string renderer = name != nullptr ? name : "";
   for (const char* const software : {"llvmpipe", "softpipe", "SWR", "Software", "GDI"})

@@ -103,12 +103,25 @@ bool InstanceSelection::Update(Input p_input) {
   if (isSame)
     return false;
   _input = std::move(p_input);
+  const std::size_t most = _input.mostVertices;
+  if (most == 0) {
+    Choose(1, 1);
+    return true;
+  }
+  // Of many instances, a sample decides.
   constexpr double Coarseness = 4; // errors of four fifths of a pixel
-  Choose(1, 1);
-  if (_input.mostVertices != 0 && Vertices() > _input.mostVertices)
-    Choose(Coarseness, 1);
-  while (_input.mostVertices != 0 && Vertices() > _input.mostVertices && _step < _input.positions->size())
-    Choose(Coarseness, 2 * _step);
+  const std::size_t sample = _input.positions->size() < 8 * BlockSize ? 1 : 64;
+  Choose(1, sample);
+  double coarseness = 1;
+  if (sample * Vertices() > most)
+    Choose(coarseness = Coarseness, sample);
+  std::size_t step = 1;
+  while (sample * Vertices() / step > most && step < _input.positions->size())
+    step *= 2;
+  if (step != sample)
+    Choose(coarseness, step);
+  while (sample == 1 && Vertices() > most && step < _input.positions->size())
+    Choose(coarseness, step *= 2);
   return true;
 }
 
@@ -131,9 +144,6 @@ void InstanceSelection::Choose(double p_coarseness, std::size_t p_step) {
   _firstOf.assign((count + BlockSize - 1) / BlockSize, {});
   Utility::RunRanges(Utility::Threads::All(), count, BlockSize, [&](std::size_t p_begin, std::size_t p_end) {
     std::array<std::uint32_t, 256> counts{};
-    if (p_step > 1)
-      std::fill(_levelOf.begin() + static_cast<std::ptrdiff_t>(p_begin),
-                _levelOf.begin() + static_cast<std::ptrdiff_t>(p_end), LeftOut);
     for (std::size_t i = (p_begin + p_step - 1) / p_step * p_step; i < p_end; i += p_step) {
       std::uint8_t level = rules.LevelOf(positions[i], sizes != nullptr ? sizes[i] : 1);
       if (axes != 0) {
@@ -159,7 +169,7 @@ void InstanceSelection::Choose(double p_coarseness, std::size_t p_step) {
 void InstanceSelection::WriteOrder(std::uint32_t* p_order) const {
   Utility::RunRanges(Utility::Threads::All(), _levelOf.size(), BlockSize, [&](std::size_t p_begin, std::size_t p_end) {
     std::array<std::uint32_t, MostLevels> next = _firstOf[p_begin / BlockSize];
-    for (std::size_t i = p_begin; i < p_end; ++i)
+    for (std::size_t i = (p_begin + _step - 1) / _step * _step; i < p_end; i += _step)
       if (const std::uint8_t level = _levelOf[i]; level != LeftOut)
         p_order[next[level]++] = static_cast<std::uint32_t>(i);
   });

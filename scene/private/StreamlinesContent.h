@@ -28,6 +28,7 @@ public:
   void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;
   Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const override;
   std::vector<QString> Notes() const override;
+  QString Shortage(const Utility::Scoped<Rgl>& p_gl) const override;
   Legend::Mark Mark() const override { return Legend::Mark::Line; }
 
 private:
@@ -43,6 +44,8 @@ private:
   void PlaceHeads();
   void PlaceValues();
   std::vector<float> PointValues() const;
+  void PlaceThinLines(std::size_t p_step);
+  void DrawThinLines(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const Library::ColorMap& p_map);
 
   VectorField _field;
   bool _isBySpeed = true;
@@ -61,6 +64,9 @@ private:
   std::vector<std::size_t> _headPoints; ///< the point that each head has its colour from
   LineTubes _tubes;
   InstancedMesh _heads;
+  GpuMesh _thin;              ///< lines without width through every how many-th point, in place of the tubes
+  std::size_t _thinStep = 0;  ///< 0 if there are none
+  std::size_t _drawnStep = 1; ///< of the last drawing
 };
 
 } // namespace Vek::Chart::Scene::Private

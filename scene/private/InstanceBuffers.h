@@ -1,0 +1,43 @@
+#pragma once
+
+#include "scene/InstancedMesh.h"
+#include "scene/private/GpuArray.h"
+#include "scene/private/InstanceSelection.h"
+
+#include "platform/ogl/BufferPool.h"
+#include "platform/ogl/Objects.h"
+#include "platform/ogl/ShaderProgram.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace Vek::Chart::Scene {
+
+/// The buffers and shaders of one context.
+struct InstancedMesh::Buffers {
+  /// For meshes and for spheres.
+  using Programs = std::array<std::optional<Ogl::ShaderProgram>, 2>;
+
+  Private::GpuArray positions;
+  Private::GpuArray sizes;
+  Private::GpuArray axes;
+  Private::GpuArray paint;
+  Private::GpuArray ids;
+  Shared<Rgba> numbers; ///< ids for devices without levels, if the caller gave none
+  Private::InstanceSelection selection;
+  Ogl::Buffer<std::uint32_t> order;
+  std::array<boost::shared_ptr<Ogl::Texture>, 5> textures;
+  std::array<Programs, 3> programs; ///< by what is painted
+};
+
+namespace Private {
+
+/// How far meshes reach from the position of an instance of size 1.
+double Reach(const std::vector<InstancedMesh::Level>& p_levels);
+
+} // namespace Private
+} // namespace Vek::Chart::Scene
