@@ -192,8 +192,7 @@ BENCHMARK_CAPTURE(Glyphs, Arrows, Arrows)
     ->Iterations(3);
 BENCHMARK_CAPTURE(Glyphs, Spheres, Spheres)
     ->Args({10000, 4})
-    ->Args({100000, 4})
-    ->Args({1000000, 4})
+    ->Args({100000, 0})
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(3);
