@@ -26,16 +26,16 @@ QString TitleOf(const std::string& p_name, const std::string& p_unit) {
 
 char AngleOf(const std::string& p_name, const std::string& p_unit) {
   const QString name = QString::fromStdString(p_name).toLower(), unit = QString::fromStdString(p_unit).toLower();
-  if (unit.startsWith("degree") && (unit.endsWith('e') || unit.endsWith("east")) && unit != "degree")
-    return 'x';
-  if (unit.startsWith("degree") && (unit.endsWith("_n") || unit.endsWith("north")))
-    return 'y';
-  const auto isOneOf = [&](std::initializer_list<const char*> p_names) {
-    return std::any_of(p_names.begin(), p_names.end(), [&](const char* p_one) { return name == p_one; });
+  const auto isOneOf = [](const QString& p_word, std::initializer_list<const char*> p_words) {
+    return std::any_of(p_words.begin(), p_words.end(), [&](const char* p_one) { return p_word == p_one; });
   };
+  if (isOneOf(unit, {"degrees_east", "degree_east", "degrees_e", "degree_e", "degreese", "degreee"}))
+    return 'x';
+  if (isOneOf(unit, {"degrees_north", "degree_north", "degrees_n", "degree_n", "degreesn", "degreen"}))
+    return 'y';
   if (!unit.isEmpty() && !unit.startsWith("degree"))
     return 0;
-  return isOneOf({"lon", "long", "longitude", "lng"}) ? 'x' : isOneOf({"lat", "latitude"}) ? 'y' : '\0';
+  return isOneOf(name, {"lon", "long", "longitude", "lng"}) ? 'x' : isOneOf(name, {"lat", "latitude"}) ? 'y' : '\0';
 }
 
 } // namespace Vek::Chart::Viewer

@@ -61,7 +61,9 @@ void ViewerWindow::AddMenus() {
       OpenPart(_entries[static_cast<std::size_t>(_shown)].path, _entries[static_cast<std::size_t>(_shown)].part);
   });
   Add(file, "&Save image…", {QKeySequence::Save}, [this] { AskWhereToSave(); });
-  Add(file, "&Copy image", {QKeySequence::Copy}, [this] { _view->Copy(); });
+  QAction* const copy = Add(file, "&Copy image", {QKeySequence::Copy}, [this] { _view->Copy(); });
+  copy->setShortcutContext(Qt::WidgetWithChildrenShortcut); // reports are copied as well
+  _stack->addAction(copy);
   Add(file, "C&lose", {QKeySequence("Ctrl+W")}, [this] { CloseRow(_shown); });
   file->addSeparator();
   Add(file, "&Quit", {QKeySequence("Ctrl+Q")}, [this] { close(); });
