@@ -2,10 +2,28 @@
 
 #include "platform/ogl/Guard.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
 namespace Vek::Chart::Scene {
+
+namespace {
+
+/// On all units of the fixed functions; the first one is active afterwards.
+void DisableTextures(const Rgl& p_gl) {
+  int units = 0;
+  p_gl.GetIntegerv(RGL_MAX_TEXTURE_UNITS, &units);
+  for (int unit = std::max(units, 1) - 1; unit >= 0; --unit) {
+    p_gl.ActiveTexture(RGL_TEXTURE0 + static_cast<Ogl::GlEnum>(unit));
+    for (const Ogl::GlEnum off : {RGL_TEXTURE_1D, RGL_TEXTURE_2D, RGL_TEXTURE_3D})
+      p_gl.Disable(off);
+    if (p_gl.GlVersion() >= Utility::VersionNo(1, 3, 0))
+      p_gl.Disable(RGL_TEXTURE_CUBE_MAP);
+  }
+}
+
+} // namespace
 
 boost::shared_ptr<void> PlainState(Utility::Scoped<Rgl>& p_gl, unsigned int p_more) {
   const Rgl& gl = *p_gl;
@@ -21,10 +39,9 @@ boost::shared_ptr<void> PlainState(Utility::Scoped<Rgl>& p_gl, unsigned int p_mo
     gl.GetIntegerv(RGL_CURRENT_PROGRAM, &program);
     gl.UseProgram(0);
   }
-  gl.ActiveTexture(RGL_TEXTURE0);
-  for (const Ogl::GlEnum off :
-       {RGL_FOG, RGL_STENCIL_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_COLOR_LOGIC_OP, RGL_TEXTURE_1D, RGL_TEXTURE_2D,
-        RGL_TEXTURE_3D, RGL_TEXTURE_GEN_S, RGL_TEXTURE_GEN_T, RGL_POLYGON_STIPPLE, RGL_POLYGON_SMOOTH})
+  DisableTextures(gl);
+  for (const Ogl::GlEnum off : {RGL_FOG, RGL_STENCIL_TEST, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_COLOR_LOGIC_OP,
+                                RGL_TEXTURE_GEN_S, RGL_TEXTURE_GEN_T, RGL_POLYGON_STIPPLE, RGL_POLYGON_SMOOTH})
     gl.Disable(off);
   for (Ogl::GlEnum plane = 0; plane < 6; ++plane)
     gl.Disable(RGL_CLIP_PLANE0 + plane);

@@ -241,6 +241,10 @@ TEST_F(FigurePixels, HostStateChangesNothing) {
   gl->PolygonMode(RGL_FRONT_AND_BACK, RGL_LINE);
   gl->Enable(RGL_FOG);
   gl->MatrixMode(RGL_TEXTURE);
+  QImage dark(1, 1, QImage::Format_ARGB32);
+  dark.fill(Qt::black);
+  const Texture texture(dark, gl);
+  texture(gl, RGL_TEXTURE1);
   const auto state = StateOf(gl);
   figure.Draw(gl, viewport);
   EXPECT_TRUE(SameImage(Image(), expected));
