@@ -76,7 +76,7 @@ TEST_F(FigureCalls, UploadWhatChanged) {
   scatter.ColorBy(Doubles(Count, 2));
   EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count})) << "values";
   quiver.UpdateVectors(Points(Count, Point(0, 0.01, 0)));
-  EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count, 24 * Count})) << "vectors: lengths and directions";
+  EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count, 12 * Count})) << "vectors: lengths and directions";
   std::swap(points[0], points[1]);
   scatter.UpdatePositions(points);
   EXPECT_EQ(UploadsOf(figure), (Bytes{12 * Count})) << "positions";
@@ -85,10 +85,10 @@ TEST_F(FigureCalls, UploadWhatChanged) {
   quiver.ColorByLength();
   EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count})) << "lengths as values";
   quiver.UpdateVectors(Points(Count, Point(0, 0.015, 0)));
-  EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count, 24 * Count, 4 * Count})) << "vectors, and their lengths as values";
+  EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count, 12 * Count, 4 * Count})) << "vectors, and their lengths as values";
   EXPECT_GE(quiver.ColorRange().max, 0.015);
   quiver.Color(Qt::red).UpdateVectors(Points(Count, Point(0, 0.01, 0)));
-  EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count, 24 * Count})) << "lengths are no values any more";
+  EXPECT_EQ(UploadsOf(figure), (Bytes{4 * Count, 12 * Count})) << "lengths are no values any more";
   scatter.SetVisible(false);
   EXPECT_EQ(UploadsOf(figure), Bytes());
 }
