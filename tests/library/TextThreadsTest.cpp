@@ -60,7 +60,8 @@ std::vector<float> ByStream(const std::string& p_file) {
 }
 
 bool BitsEqual(const std::vector<float>& p_a, const std::vector<float>& p_b) {
-  return p_a.size() == p_b.size() && std::memcmp(p_a.data(), p_b.data(), sizeof(float) * p_a.size()) == 0;
+  return p_a.size() == p_b.size() &&
+         (p_a.empty() || std::memcmp(p_a.data(), p_b.data(), sizeof(float) * p_a.size()) == 0);
 }
 
 /// The floats, or the error.

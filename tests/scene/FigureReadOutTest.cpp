@@ -1,10 +1,11 @@
 #include "scene/Figure.h"
 
-#include "tests/support/Test.h"
+#include "tests/support/Figures.h"
 
 namespace {
 
 using Places = std::vector<std::array<double, 3>>;
+using FigureReadOutPixels = FigureFixture;
 
 /// A figure of two points, laid out for an image.
 Figure TwoPoints(const std::array<double, 3>& p_a, const std::array<double, 3>& p_b) {
@@ -15,7 +16,7 @@ Figure TwoPoints(const std::array<double, 3>& p_a, const std::array<double, 3>& 
 
 } // namespace
 
-TEST(FigureReadOutPixels, FormatsPositionsAsTheAxesDo) {
+TEST_F(FigureReadOutPixels, FormatsPositionsAsTheAxesDo) {
   Figure figure = TwoPoints({10, -20, 0}, {40, 30, 5});
   EXPECT_TRUE(figure.Limits().Empty());
   figure.Image({200, 150});
@@ -36,7 +37,7 @@ TEST(FigureReadOutPixels, FormatsPositionsAsTheAxesDo) {
             "AxisTitle: expected an axis of 0 to 2, got 3");
 }
 
-TEST(FigureReadOutPixels, ImageWithoutBackgroundKeepsColors) {
+TEST_F(FigureReadOutPixels, ImageWithoutBackgroundKeepsColors) {
   Figure figure = TwoPoints({0, 0, 0}, {1, 1, 1});
   const QColor before = figure.theme.backgroundTop;
   const QImage image = figure.ImageWithoutBackground({200, 150});
@@ -53,7 +54,7 @@ TEST(FigureReadOutPixels, ImageWithoutBackgroundKeepsColors) {
   EXPECT_GT(solid, 20) << "the symbols";
 }
 
-TEST(FigureReadOutPixels, TriadIsInTheLowerLeftCornerOfSpatialFigures) {
+TEST_F(FigureReadOutPixels, TriadIsInTheLowerLeftCornerOfSpatialFigures) {
   for (const double z : {1.0, 0.0}) {
     Figure figure = TwoPoints({0, 0, 0}, {1, 1, z});
     const QImage without = figure.Image({400, 300});
