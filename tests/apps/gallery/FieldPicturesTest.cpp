@@ -161,7 +161,7 @@ TEST(StreamlinesPixels, NothingOverhangsTheWorld) {
   const QPoint lower = world.At(-180, -90), upper = world.At(180, 90);
   int inside = 0, outside = 0;
   for (int y = 0; y < world.image.height(); ++y)
-    for (int x = 0; x < upper.x() + 40; ++x) { // colour bars are further right
+    for (int x = 0; x < upper.x() + 20; ++x) { // colour bars are further right
       const bool isOutside = x < lower.x() - 2 || x > upper.x() + 2 || y > lower.y() + 2 || y < upper.y() - 2;
       (isOutside ? outside : inside) += IsBright(world.image, {x, y}) && world.image.pixelColor(x, y).green() < 215;
     }
