@@ -131,7 +131,7 @@ void Chart::AddCommon() {
                     : name == "dark"  ? Scene::Theme::Dark()
                                       : own;
   });
-  AddSwitch("Figure", "Triad", hasTriad && !_hasOwnTheme, [this](bool p_isOn) { figure->SetTriad(p_isOn); });
+  AddSwitch("Figure", "Triad", _hasTriad && !_hasOwnTheme, [this](bool p_isOn) { figure->SetTriad(p_isOn); });
 }
 
 void Chart::AddCut() {

@@ -44,7 +44,7 @@ public:
   virtual QStringList Details(const Scene::Figure::Hit& /*p_hit*/) const { return {}; }
 
 protected:
-  bool hasTriad = true; ///< at first
+  bool _hasTriad = true; ///< at first
 
   using Offered = std::function<bool()>;
   ///@{

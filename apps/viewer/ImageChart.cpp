@@ -32,7 +32,7 @@ public:
       , _document(p_document)
       , _image(p_image)
       , _hasColors(p_image.channels >= 3) {
-    hasTriad = false;
+    _hasTriad = false;
     figure->SetAspect(1, 1, 1).SetAxisTitles("column", "row from below");
     figure->SetLimits(0, 0, static_cast<double>(p_image.width)).SetLimits(1, 0, static_cast<double>(p_image.height));
     figure->Look(0, 90, Scene::Camera::Projection::Parallel);
