@@ -5,6 +5,7 @@
 // ReadObjScene reads the same files: triangles at the speed of LoadModel, quads, in bytes of the file, at 1/1.3 of that
 // of triangles or more. Speeds are compared within one run.
 
+#include "bench/Memory.h"
 #include "bench/SideBySide.h"
 #include "library/ObjModel.h"
 #include "library/ObjScene.h"
@@ -98,18 +99,6 @@ void CountBytes(benchmark::State& p_state) {
   p_state.SetBytesProcessed(std::int64_t(p_state.iterations()) * std::int64_t(std::filesystem::file_size(TorusPath())));
 }
 
-/// A line of /proc/self/status in bytes; 0 where there is none.
-double MemoryBytes(const std::string& p_name) {
-  std::ifstream status("/proc/self/status");
-  std::string name;
-  double kibibytes = 0.0;
-  while (status >> name) {
-    if (name == p_name + ":" && status >> kibibytes)
-      return 1024.0 * kibibytes;
-  }
-  return 0.0;
-}
-
 std::size_t ResultBytes(const ObjModel& p_model) {
   std::size_t bytes = 12 * (p_model.Vertices()->size() + p_model.Normals()->size());
   for (const auto& group : *p_model.Groups())
@@ -145,9 +134,9 @@ void LoadModel(benchmark::State& p_state) {
     malloc_trim(0); // free memory that stays resident would hide what the load takes
 #endif
     std::ofstream("/proc/self/clear_refs") << 5; // resets the high-water mark
-    const double before = MemoryBytes("VmRSS");
+    const double before = Vek::Bench::MemoryBytes("VmRSS");
     const auto model = LoadPolygonObjFile(TorusPath());
-    return (MemoryBytes("VmHWM") - before) / double(ResultBytes(*model));
+    return (Vek::Bench::MemoryBytes("VmHWM") - before) / double(ResultBytes(*model));
   };
   static const double FirstPeak = peak();
   for (auto _ : p_state)

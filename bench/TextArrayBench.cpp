@@ -3,6 +3,7 @@
 // slower for %.7e and %.17g; with two threads 1.8 times as fast as with one, with four 3.2 times; a peak of memory of
 // at most 4.2 times the volume.
 
+#include "bench/Memory.h"
 #include "bench/SideBySide.h"
 #include "library/VolumeImage.h"
 
@@ -89,27 +90,15 @@ void Load(const std::string& p_path, Threads p_threads = {}) {
   benchmark::DoNotOptimize(VolumeImage::LoadFromFile(vekfile::filepath(p_path), VolumeImage::TextArray, p_threads));
 }
 
-/// A line of /proc/self/status in bytes; 0 where there is none.
-double MemoryBytes(const std::string& p_name) {
-  std::ifstream status("/proc/self/status");
-  std::string name;
-  double kibibytes = 0.0;
-  while (status >> name) {
-    if (name == p_name + ":" && status >> kibibytes)
-      return 1024.0 * kibibytes;
-  }
-  return 0.0;
-}
-
 /// The peak of resident memory of a load, as a multiple of the voxels.
 double Peak(const std::string& p_path, Threads p_threads) {
 #ifdef __GLIBC__
   malloc_trim(0); // free memory that stays resident would hide what the load takes
 #endif
   std::ofstream("/proc/self/clear_refs") << 5; // resets the high-water mark
-  const double before = MemoryBytes("VmRSS");
+  const double before = Vek::Bench::MemoryBytes("VmRSS");
   Load(p_path, p_threads);
-  return (MemoryBytes("VmHWM") - before) / double(Count);
+  return (Vek::Bench::MemoryBytes("VmHWM") - before) / double(Count);
 }
 
 void LoadVolume(benchmark::State& p_state) {

@@ -57,7 +57,7 @@ void Loader::Start(Load p_load) {
       job->progress = p_share;
       return !job->isCancelled;
     });
-    const auto tell = [this, job, reason] {
+    const auto report = [this, job, reason] {
       if (!End(job)) // it was dropped
         return;
       if (reason.isEmpty())
@@ -65,7 +65,7 @@ void Loader::Start(Load p_load) {
       else
         emit Failed(reason);
     };
-    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, report, Qt::QueuedConnection);
   }));
 }
 

@@ -40,7 +40,7 @@ public:
   void ShowRow(int p_row);
   /// Removes a row of the list.
   void CloseRow(int p_row);
-  /// Draws the chart with a size of its own and writes it. The panel tells when that fails.
+  /// Draws the chart with a size of its own and writes it. A failure is listed in the panel of reports.
   void SaveImage(const QString& p_path, Types::Size p_size, bool p_isTransparent = false);
 
   /// All keys and what the mouse does, as rich text.

@@ -1,26 +1,11 @@
-#include "apps/gallery/DataFolder.h"
-#include "apps/gallery/OffscreenQt.h"
 #include "apps/gallery/Picture.h"
 #include "library/NamedColors.h"
 
-#include "tests/support/Test.h"
+#include "tests/apps/gallery/PictureTest.h"
 
 using namespace Vek::Chart::Gallery;
 
 namespace {
-
-/// Text on pictures needs Qt's fonts.
-class QtEnvironment : public testing::Environment {
-public:
-  void SetUp() override { StartOffscreenQt(); }
-};
-const testing::Environment* const Qt = testing::AddGlobalTestEnvironment(new QtEnvironment);
-
-Inputs DataInputs() {
-  Inputs inputs;
-  FillFromFolder(inputs, VEK_SOURCE_DIR);
-  return inputs;
-}
 
 Scene::Figure FigureOf(const std::string& p_name, const Inputs& p_inputs) {
   for (const PictureEntry& entry : Pictures())

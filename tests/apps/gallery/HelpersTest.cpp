@@ -30,7 +30,8 @@ TEST(Options, TakesValuesAndRefusesTheRest) {
 }
 
 TEST(IndexPage, ShowsEachPictureWithTitleCaptionAndSource) {
-  const std::vector<PictureEntry> entries = {{"a", "A & B", "x < y & \"z\" --hdr", "apps/gallery/pictures/A.cpp", nullptr}};
+  const std::vector<PictureEntry> entries = {
+      {"a", "A & B", "x < y & \"z\" --hdr", "apps/gallery/pictures/A.cpp", nullptr}};
   const TempFolder folder;
   EXPECT_FALSE(CopySources(entries, folder.File("data"), folder.File("out")));
   const std::string page = IndexPage(entries, false);
