@@ -28,7 +28,8 @@ struct VEK_IO_API HeightGrid {
   std::string unit;               ///< of the values, such as "m"; empty where not known
   std::vector<std::string> times; ///< all steps of the file; empty for a file without time
   std::vector<double> levels;     ///< the positions along z of all levels of the file; empty for a file without levels
-  double period = 0;              ///< 360 for longitudes that go around the globe, otherwise 0
+  std::vector<std::string> variables; ///< all of a file that has several, each of which can be read
+  double period = 0;                  ///< 360 for longitudes that go around the globe, otherwise 0
 
   /// The same with the first column once more behind the last one, where columns of equal distances fill `p_period`:
   /// the 360° of a map, on which a surface of the columns alone has a gap of one cell. Otherwise an equal copy. Throws

@@ -9,6 +9,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
+#include <optional>
+#include <string_view>
 
 namespace Vek::Chart::Io {
 
@@ -41,6 +44,7 @@ HeightGrid ReadNetCdf(std::istream& p_stream, const std::string& p_name, const F
   HeightGrid grid = LayerOf(std::move(read));
   grid.name = variable.Text("long_name").empty() ? variable.name : variable.Text("long_name");
   grid.unit = variable.Text("units");
+  grid.variables = Private::NamesOfGrids(*file);
   grid.times = std::move(read.times);
   grid.levels = std::move(read.levels);
   return grid;
@@ -61,38 +65,108 @@ bool IsHeightText(const std::string& p_start) {
   return count == 6;
 }
 
-HeightGrid ReadText(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
-  const std::string text = Private::ReadAll(p_stream, p_name);
-  Private::Words words(text, p_name);
-  std::array<double, 6> layout{};
-  for (double& number : layout)
-    number = words.Number();
-  const auto isCount = [](double p_value) { return p_value >= 1 && p_value <= 1e6 && p_value == std::floor(p_value); };
-  const bool steps = std::isnormal(layout[3]) && std::isnormal(layout[5]);
-  if (!isCount(layout[0]) || !isCount(layout[1]) || !steps || !std::isfinite(layout[2]) || !std::isfinite(layout[4]))
-    throw FileError(p_name, 1, "\"nx ny x0 dx y0 dy\" with whole nx and ny from 1 to 1000000 and steps that are not 0",
-                    text.substr(0, text.find_first_of("\n\r")));
-  const auto columns = static_cast<std::size_t>(layout[0]), rows = static_cast<std::size_t>(layout[1]);
-  if (columns * rows > text.size() / 2) // a digit and a blank each
+/// What the first line or lines of a text describe: the centre of the first cell, and steps to the next column and row.
+struct TextLayout {
+  double columns = 0, rows = 0;
+  double x = 0, xStep = 0;
+  double y = 0, yStep = 0;
+  double noData = std::numeric_limits<double>::quiet_NaN();
+};
+
+/// The heights of a text, row by row, to its end.
+HeightGrid ReadRows(Private::Words& p_words, const TextLayout& p_layout, std::size_t p_size, const std::string& p_name,
+                    const Progress& p_progress) {
+  const auto columns = static_cast<std::size_t>(p_layout.columns), rows = static_cast<std::size_t>(p_layout.rows);
+  if (columns * rows > p_size / 2) // a digit and a blank each
     throw FileError(p_name, "expected " + std::to_string(columns * rows) + " heights, got a file of " +
-                                std::to_string(text.size()) + " bytes");
+                                std::to_string(p_size) + " bytes");
   HeightGrid grid;
   for (std::size_t i = 0; i < columns; ++i)
-    grid.x.push_back(layout[2] + double(i) * layout[3]);
+    grid.x.push_back(p_layout.x + double(i) * p_layout.xStep);
   for (std::size_t i = 0; i < rows; ++i)
-    grid.y.push_back(layout[4] + double(i) * layout[5]);
+    grid.y.push_back(p_layout.y + double(i) * p_layout.yStep);
   grid.heights.reserve(columns * rows);
+  constexpr double FloatDigits =
+      2e-7; // of a float that one program writes with seven digits and another with seventeen
   for (std::size_t row = 0; row < rows; ++row) {
     Private::Report(p_progress, p_name, double(row) / double(rows));
-    for (std::size_t column = 0; column < columns; ++column)
-      grid.heights.push_back(words.Number());
+    for (std::size_t column = 0; column < columns; ++column) {
+      const double height = p_words.Number();
+      const bool isMissing = std::abs(height - p_layout.noData) <= FloatDigits * std::abs(p_layout.noData);
+      grid.heights.push_back(isMissing ? std::numeric_limits<double>::quiet_NaN() : height);
+    }
   }
-  if (!words.AtEnd()) {
-    words.Next();
-    words.Fail("the end of the file after " + std::to_string(columns * rows) + " heights");
+  if (!p_words.AtEnd()) {
+    p_words.Next();
+    p_words.Fail("the end of the file after " + std::to_string(columns * rows) + " heights");
   }
   Private::Report(p_progress, p_name, 1);
   return grid;
+}
+
+bool IsCount(double p_value) {
+  return p_value >= 1 && p_value <= 1e6 && p_value == std::floor(p_value);
+}
+
+HeightGrid ReadText(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
+  const std::string text = Private::ReadAll(p_stream, p_name);
+  Private::Words words(text, p_name);
+  TextLayout layout;
+  for (double* const number : {&layout.columns, &layout.rows, &layout.x, &layout.xStep, &layout.y, &layout.yStep})
+    *number = words.Number();
+  const bool steps = std::isnormal(layout.xStep) && std::isnormal(layout.yStep);
+  if (!IsCount(layout.columns) || !IsCount(layout.rows) || !steps || !std::isfinite(layout.x) ||
+      !std::isfinite(layout.y))
+    throw FileError(p_name, 1, "\"nx ny x0 dx y0 dy\" with whole nx and ny from 1 to 1000000 and steps that are not 0",
+                    text.substr(0, text.find_first_of("\n\r")));
+  return ReadRows(words, layout, text.size(), p_name, p_progress);
+}
+
+/// The lines of the header of an ESRI ASCII grid, in any order and any case: a word and a number each.
+constexpr std::array<std::string_view, 10> EsriWords{"ncols",     "nrows",    "xllcorner", "xllcenter", "yllcorner",
+                                                     "yllcenter", "cellsize", "dx",        "dy",        "nodata_value"};
+
+/// The index of a word of the header; its size for another word.
+std::size_t EsriWord(std::string_view p_word) {
+  std::size_t i = 0;
+  while (i < EsriWords.size() && !Private::IsSameWord(p_word, EsriWords[i]))
+    ++i;
+  return i;
+}
+
+/// Whether a text starts as an ESRI ASCII grid does: a word of the header and a number.
+bool IsEsriGrid(const std::string& p_start) {
+  const std::string noName;
+  Private::Words words(p_start, noName);
+  return EsriWord(words.Next()) < EsriWords.size() && Private::ParseNumber(words.Next()).has_value();
+}
+
+HeightGrid ReadEsriGrid(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
+  const std::string text = Private::ReadAll(p_stream, p_name);
+  Private::Words words(text, p_name);
+  std::array<std::optional<double>, EsriWords.size()> found;
+  for (std::size_t word = 0; (word = EsriWord(words.Peek())) < EsriWords.size();) {
+    words.Next();
+    found[word] = words.Number();
+    if (word < 2 ? !IsCount(*found[word]) : word < 9 && !std::isfinite(*found[word]))
+      words.Fail(word < 2 ? "a whole number from 1 to 1000000" : "a finite number");
+    if (word >= 6 && word < 9 && !(std::isnormal(*found[word]) && *found[word] > 0))
+      words.Fail("a size above 0");
+  }
+  const auto [columns, rows, left, leftCentre, bottom, bottomCentre, size, width, height, noData] = found;
+  const bool isPlaced = (left || leftCentre) && (bottom || bottomCentre);
+  if (!columns || !rows || !isPlaced || !(size || (width && height)))
+    words.Next(), words.Fail("ncols, nrows, xllcorner, yllcorner and cellsize in front of the heights");
+  TextLayout layout;
+  layout.columns = *columns;
+  layout.rows = *rows;
+  layout.xStep = width ? *width : *size;
+  layout.yStep = -(height ? *height : *size); // the first row is the northernmost one
+  layout.x = leftCentre ? *leftCentre : *left + layout.xStep / 2;
+  layout.y = (bottomCentre ? *bottomCentre : *bottom - layout.yStep / 2) - (layout.rows - 1) * layout.yStep;
+  constexpr double UsualNoData = -9999;
+  layout.noData = noData.value_or(UsualNoData);
+  return ReadRows(words, layout, text.size(), p_name, p_progress);
 }
 
 HeightGrid ReadColumns(const Table& p_table, const std::string& p_name, const FieldSelection& p_selection) {
@@ -126,6 +200,8 @@ HeightGrid ReadHeights(std::istream& p_stream, const std::string& p_name, const 
     return ReadNetCdf(input.Stream(), p_name, p_selection, p_progress);
   if (p_selection.time != 0 || p_selection.level != 0)
     throw FileError(p_name, "expected step 0 and level 0 of a file without time and levels");
+  if (IsEsriGrid(input.Start()))
+    return ReadEsriGrid(input.Stream(), p_name, p_progress);
   if (IsHeightText(input.Start()))
     return ReadText(input.Stream(), p_name, p_progress);
   return ReadColumns(ReadTable(input.Stream(), p_name, p_progress), p_name, p_selection);

@@ -15,13 +15,14 @@ namespace Vek::Chart::Io {
 /// content.
 ///
 /// - NetCDF, as ReadVectorField does: the selected variable, or the first one with two dimensions or more, at one step
-/// of
-///   time and one level.
+///   of time and one level.
 /// - A height grid: a text whose first line is "nx ny x0 dx y0 dy", the numbers of columns and rows, then the centre of
 ///   the first cell and the step in x and in y; then nx · ny heights, row by row. Heights may be "nan".
+/// - An ESRI ASCII grid: lines "ncols N", "nrows N", "xllcorner X" or "xllcenter X", likewise for y, "cellsize S" (or
+///   "dx" and "dy"), and perhaps "NODATA_value V", in any order and case; then the heights, northernmost row first, so
+///   that y descends. Heights that equal V to seven digits are missing; without such a line, V is -9999.
 /// - A table of nodes in any order: columns x and y (or lon and lat), and the selected column, otherwise the first
-/// further
-///   one.
+///   further one.
 ///
 /// Throws FileError as ReadVectorField does.
 ///

@@ -50,6 +50,7 @@ VectorField ReadNetCdf(std::istream& p_stream, const std::string& p_name, const 
   VectorField field = FieldOf(std::move(grid));
   std::copy(names.begin(), names.end(), field.names.begin());
   field.unit = file->Find(names[0])->Text("units");
+  field.variables = Private::NamesOfGrids(*file);
   field.times = std::move(grid.times);
   field.time = p_selection.time;
   return field;

@@ -108,7 +108,7 @@ Volume Read(std::istream& p_stream, const std::string& p_name, const VolumeOptio
   if (ReadWithHeader(source, p_name, p_options, volume))
     return volume;
   if (!Library::IsTextArray(start))
-    throw FileError(p_name, "expected TextArray, NRRD or NIfTI, got " + Found(start));
+    throw FileError(p_name, "expected TextArray, NRRD, NIfTI or NetCDF, got " + Found(start));
   p_stream.clear();
   if (begin != std::istream::pos_type(-1) && p_stream.seekg(begin))
     return ReadTextArray(p_stream, p_name, p_options);
@@ -138,6 +138,22 @@ void WithFileBeside(const std::string& p_name, const std::string& p_other, const
 
 } // namespace Private
 
+namespace {
+
+/// The header beside the values of a NIfTI pair, each compressed or not; otherwise the path itself.
+std::string HeaderOf(const std::string& p_path) {
+  for (const std::string_view values : {".img", ".img.gz"})
+    for (const char* const header : {".hdr", ".hdr.gz"})
+      if (Private::EndsWith(p_path, values)) {
+        const std::string path = p_path.substr(0, p_path.size() - values.size()) + header;
+        if (Private::ExistsBeside(p_path, std::filesystem::path(path).filename().string()))
+          return path;
+      }
+  return p_path;
+}
+
+} // namespace
+
 Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options) {
   try {
     if (!p_options.raw && p_stream.tellg() != std::istream::pos_type(-1)) {
@@ -152,8 +168,9 @@ Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const Volum
 }
 
 Volume ReadVolume(const std::string& p_path, const VolumeOptions& p_options) {
-  std::ifstream file = Private::OpenFile(p_path);
-  return ReadVolume(file, p_path, p_options);
+  const std::string path = p_options.raw ? p_path : HeaderOf(p_path);
+  std::ifstream file = Private::OpenFile(path);
+  return ReadVolume(file, path, p_options);
 }
 
 } // namespace Vek::Chart::Io

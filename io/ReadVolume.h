@@ -51,9 +51,10 @@ struct VolumeOptions {
 ///   samples in front of three others is that of the channels.
 /// - NIfTI-1 and NIfTI-2 (.nii, or .hdr with .img; nifti.nimh.nih.gov), compressed or not, with the transform of
 ///   `sform`, else of `qform`, else the spacing alone. Values with `scl_slope` and `scl_inter` are scaled. The fourth
-///   axis is that of steps, the fifth one that of channels. RGB and RGBA are channels.
-/// - NetCDF: a variable on a grid with even steps along each axis, as ReadVectorField reads it; as floats, or doubles
-///   from types of 32 or more bits. Missing values are NaN.
+///   axis is that of steps, the fifth one that of channels. RGB and RGBA are channels. `cal_min` and
+///   `cal_max` are the range for display. The name of the .img file means that of the .hdr file beside it.
+/// - NetCDF: a variable on a regular or rectilinear grid, as ReadVectorField reads it; as floats, or doubles from types
+///   of 32 or more bits. Missing values are NaN.
 /// - Raw values, if `raw` describes them; decompressed if the name ends in ".gz".
 ///
 /// Values keep their type, but for these: 64-bit integers become doubles, and scaled values floats, or doubles from

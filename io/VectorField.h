@@ -30,6 +30,7 @@ struct VEK_IO_API VectorField {
   std::string unit;                        ///< of the vectors, such as "m s-1"; empty where not known
   std::vector<std::string> times;          ///< all steps of the file: "1987-01-17 12:00"; empty for a file without time
   std::size_t time = 0;                    ///< the step that was read
+  std::vector<std::string> variables;      ///< all of a file that has several, each of which is a grid of numbers
   double period = 0;                       ///< 360 for longitudes that go around the globe, otherwise 0
 
   /// The positions of all nodes, in the order of the vectors.

@@ -2,6 +2,7 @@
 
 #include "io/private/ValueRange.h"
 
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 
@@ -39,12 +40,21 @@ bool Volume::IsAxisAligned() const {
   return orientation == std::array<Vector, 3>{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 }
 
+double Volume::Offset(std::size_t p_axis, double p_index) const {
+  const std::vector<double>& uneven = offsets[p_axis];
+  if (uneven.size() < 2)
+    return p_index * spacing[p_axis];
+  const double last = static_cast<double>(uneven.size() - 2);
+  const auto before = static_cast<std::size_t>(std::fmin(std::fmax(std::floor(p_index), 0), last));
+  return uneven[before] + (p_index - static_cast<double>(before)) * (uneven[before + 1] - uneven[before]);
+}
+
 Volume::Vector Volume::Position(double p_i, double p_j, double p_k) const {
   const Vector index{p_i, p_j, p_k};
   Vector position = origin;
   for (std::size_t axis = 0; axis < 3; ++axis)
     for (std::size_t i = 0; i < 3; ++i)
-      position[i] += index[axis] * spacing[axis] * orientation[axis][i];
+      position[i] += Offset(axis, index[axis]) * orientation[axis][i];
   return position;
 }
 

@@ -12,12 +12,13 @@
 
 namespace Vek::Chart::Io {
 
-/// A volume: values on a regular grid of voxels, in the type of the file, with the place of the grid in the world. What
+/// A volume: values on a grid of voxels, in the type of the file, with the place of the grid in the world. What
 /// `ReadVolume` returns.
 ///
 /// Layout: the value of channel c of voxel (i, j, k) has the index c + channels · (i + size[0] · (j + size[1] · k)), so
 /// that the channels of a voxel are adjacent and i varies fastest. The centre of the voxel lies at origin + i ·
-/// spacing[0] · orientation[0] + j · spacing[1] · orientation[1] + k · spacing[2] · orientation[2].
+/// spacing[0] · orientation[0] + j · spacing[1] · orientation[1] + k · spacing[2] · orientation[2]. Along an axis with
+/// uneven steps, such as the depths of an ocean, offsets take the place of index · spacing.
 ///
 /// A plain value: any field may be changed. Its functions expect as many values as sizes and channels need.
 ///
@@ -45,16 +46,24 @@ struct VEK_IO_API Volume {
   std::size_t channels = 1;              ///< values of a voxel: 3 for a vector, for example
   std::vector<std::string> channelNames; ///< one for each channel, or empty
   Vector spacing{1, 1, 1};               ///< distance between neighbouring centres along each axis; above 0
-  Vector origin{0, 0, 0};                ///< the centre of voxel (0, 0, 0)
+  /// For an axis with uneven steps, the distance of each centre from the first one: ascending from 0, with the mean
+  /// step in `spacing`. Empty for even steps.
+  std::array<std::vector<double>, 3> offsets;
+  Vector origin{0, 0, 0}; ///< the centre of voxel (0, 0, 0)
   /// For each axis, the direction in which its index grows: unit vectors, not necessarily perpendicular.
   std::array<Vector, 3> orientation{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
-  std::string lengthUnit;            ///< of spacing and origin: "mm", for example; empty where not known
-  std::string space;                 ///< what x, y and z are: "right-anterior-superior", for example, or empty
-  std::array<double, 2> range{0, 0}; ///< smallest and largest present value of all channels; 0, 0 without any
-  std::optional<double> noData;      ///< the value that means "no data"; NaN and infinities always do
-  std::string unit;                  ///< of the values, or empty
-  std::string name;                  ///< of the volume, as the file has it, or empty
-  std::size_t steps = 1;             ///< of time in the file, one of which was read
+  std::array<std::string, 3> axisNames; ///< such as "lon", "lat", "depth"; empty where not known
+  std::array<std::string, 3> axisUnits; ///< such as "degrees_east"; empty where not known or the same as `lengthUnit`
+  std::string lengthUnit;               ///< of spacing and origin: "mm", for example; empty where not known
+  std::string space;                    ///< what x, y and z are: "right-anterior-superior", for example, or empty
+  std::array<double, 2> range{0, 0};    ///< smallest and largest present value of all channels; 0, 0 without any
+  std::optional<std::array<double, 2>> displayRange; ///< the range that the file suggests for display
+  std::optional<double> noData;                      ///< the value that means "no data"; NaN and infinities always do
+  std::string unit;                                  ///< of the values, or empty
+  std::string name;                                  ///< of the volume, as the file has it, or empty
+  std::size_t steps = 1;                             ///< of time in the file, one of which was read
+  std::vector<std::string> times;     ///< of all steps: "1987-01-17 12:00"; empty for a file without dates
+  std::vector<std::string> variables; ///< all of a file that has several, each of which can be read as a grid
 
   /// The type of the values.
   Type ValueType() const { return Type(values.index()); }
@@ -66,6 +75,8 @@ struct VEK_IO_API Volume {
   std::size_t ValueBytes() const;
   /// Whether the axes run along x, y and z.
   bool IsAxisAligned() const;
+  /// The distance of an index along an axis from the first centre: between centres by linear interpolation.
+  double Offset(std::size_t p_axis, double p_index) const;
   /// The centre of a voxel; fractions and positions outside of the grid are allowed.
   Vector Position(double p_i, double p_j, double p_k) const;
   /// A value as a number, NaN where there is no data. Throws std::invalid_argument for a voxel or channel that does not

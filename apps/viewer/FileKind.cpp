@@ -98,6 +98,17 @@ bool LooksLikeHeights(const std::string& p_line) {
   return line >> columns >> rows >> number >> number >> number >> number && !(line >> rest) && columns > 0 && rows > 0;
 }
 
+/// The first line of an ESRI ASCII grid: "ncols 5", in any case, or another line of its header.
+bool LooksLikeEsriGrid(const std::string& p_line) {
+  std::istringstream line(Lower(p_line));
+  line.imbue(std::locale::classic());
+  std::string word, rest;
+  double number = 0;
+  line >> word;
+  return (word == "ncols" || word == "nrows" || word.rfind("xll", 0) == 0 || word.rfind("yll", 0) == 0) &&
+         line >> number && !(line >> rest);
+}
+
 /// Words of the first line of a table, without units.
 std::vector<std::string> ColumnsOf(std::string p_line) {
   for (char& letter : p_line)
@@ -164,7 +175,7 @@ std::vector<Kind> KindsOf(const std::string& p_path, const std::string& p_begin,
   const Kinds named = KindsOfName(p_path);
   if (!IsText(p_begin) || StartsWith(begin, "{"))
     return named;
-  if (LooksLikeHeights(line))
+  if (LooksLikeHeights(line) || LooksLikeEsriGrid(line))
     return {Kind::Heights};
   if (HasVectors(ColumnsOf(line)))
     return {Kind::Vectors, Kind::Tables};

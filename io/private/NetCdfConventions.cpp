@@ -174,6 +174,13 @@ std::vector<const NetCdfVariable*> GridVariables(const NetCdfFile& p_file) {
   return found;
 }
 
+std::vector<std::string> NamesOfGrids(const NetCdfFile& p_file) {
+  std::vector<std::string> names;
+  for (const NetCdfVariable* const variable : GridVariables(p_file))
+    names.push_back(variable->name);
+  return names;
+}
+
 namespace {
 
 /// The other components of a variable on the same grid, if there is a second one: those whose name differs by the word.

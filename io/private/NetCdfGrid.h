@@ -25,6 +25,8 @@ NetCdfGrid ReadGrid(const NetCdfFile& p_file, const std::vector<std::string>& p_
 /// The variables with values on a grid: numbers with two dimensions or more that are no coordinates or bounds of
 /// others.
 std::vector<const NetCdfVariable*> GridVariables(const NetCdfFile& p_file);
+/// Their names.
+std::vector<std::string> NamesOfGrids(const NetCdfFile& p_file);
 /// Whether a variable has several positions along z.
 bool HasLevels(const NetCdfFile& p_file, const NetCdfVariable& p_variable);
 /// The two or three components of the first vector field, by standard names, otherwise by names such as u and v. Throws

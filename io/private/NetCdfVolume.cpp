@@ -20,18 +20,22 @@ std::string FindVariable(const NetCdfFile& p_file) {
   return (found == all.end() ? all.front() : *found)->name;
 }
 
-/// Places the voxels along an axis, whose positions must have even steps.
-void Place(const NetCdfGrid& p_grid, std::size_t p_axis, const std::string& p_name, Volume& p_volume) {
+/// Places the voxels along an axis.
+void Place(const NetCdfGrid& p_grid, std::size_t p_axis, Volume& p_volume) {
   const std::vector<double>& positions = p_grid.axes[p_axis];
   p_volume.size[p_axis] = positions.size();
   p_volume.origin[p_axis] = positions[0];
   if (positions.size() < 2)
     return;
   const double step = (positions.back() - positions[0]) / double(positions.size() - 1);
-  for (std::size_t i = 1; i < positions.size(); ++i)
-    if (!(std::abs(positions[i] - positions[0] - double(i) * step) <= 0.01 * std::abs(step)))
-      throw FileError(p_name,
-                      "axis \"" + p_grid.axisNames[p_axis] + "\": expected even steps of a volume, got uneven ones");
+  std::vector<double> offsets;
+  bool isEven = true;
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    offsets.push_back(std::abs(positions[i] - positions[0]));
+    isEven = isEven && std::abs(offsets[i] - double(i) * std::abs(step)) <= 0.01 * std::abs(step);
+  }
+  if (!isEven)
+    p_volume.offsets[p_axis] = std::move(offsets);
   p_volume.spacing[p_axis] = std::abs(step);
   p_volume.orientation[p_axis][p_axis] = step < 0 ? -1 : 1;
 }
@@ -45,7 +49,7 @@ Volume ReadNetCdfVolume(std::istream& p_stream, const std::string& p_name, const
   const NetCdfVariable& variable = *file->Find(name);
   Volume volume;
   for (std::size_t axis = 0; axis < 3; ++axis)
-    Place(grid, axis, p_name, volume);
+    Place(grid, axis, volume);
   const bool fitsFloat = variable.type != NetCdfType::Double && variable.type != NetCdfType::Int &&
                          variable.type != NetCdfType::UInt && variable.type < NetCdfType::Int64;
   if (fitsFloat)
@@ -56,6 +60,11 @@ Volume ReadNetCdfVolume(std::istream& p_stream, const std::string& p_name, const
   volume.range = volume.FindRange();
   const auto& units = grid.axisUnits;
   volume.lengthUnit = units[0] == units[1] && units[1] == units[2] ? units[0] : "";
+  volume.axisNames = grid.axisNames;
+  if (volume.lengthUnit.empty())
+    volume.axisUnits = units;
+  volume.times = grid.times;
+  volume.variables = NamesOfGrids(*file);
   volume.steps = std::max<std::size_t>(grid.times.size(), 1);
   volume.unit = variable.Text("units");
   volume.name = variable.Text("long_name").empty() ? variable.name : variable.Text("long_name");

@@ -240,6 +240,9 @@ void Header::Describe(Volume& p_volume) const {
     p_volume.space = "right-anterior-superior";
   else
     PlaceBySize(p_volume);
+  const double most = _fields.Real(_second, 124, 192), least = _fields.Real(_second, 128, 200); // cal_max, cal_min
+  if (std::isfinite(least) && std::isfinite(most) && least < most)
+    p_volume.displayRange = {{least, most}};
   constexpr const char* Units[] = {"", "m", "mm", "µm"};
   const int unit = (_second ? _fields.Get<std::int32_t>(500) : _fields.Get<std::uint8_t>(123)) & 7;
   p_volume.lengthUnit = unit < 4 ? Units[unit] : "";

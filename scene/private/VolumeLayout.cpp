@@ -45,6 +45,13 @@ void Require(const Io::Volume& p_volume) {
     const std::size_t size = p_volume.size[axis];
     if (size < 1 || size > static_cast<std::size_t>(std::numeric_limits<int>::max() / 2))
       throw std::invalid_argument("VoxelGrid: expected sizes from 1 to 2^30, got " + std::to_string(size));
+    const std::vector<double>& offsets = p_volume.offsets[axis];
+    const bool isOrdered =
+        offsets.empty() || (offsets.size() == size && std::is_sorted(offsets.begin(), offsets.end()) &&
+                            std::all_of(offsets.begin(), offsets.end(), [](double p_x) { return std::isfinite(p_x); }));
+    if (!isOrdered)
+      throw std::invalid_argument("VoxelGrid: expected offsets that ascend, one for each of " + std::to_string(size) +
+                                  " voxels along the axis");
     if (!(p_volume.spacing[axis] > 0 && std::isfinite(p_volume.spacing[axis])))
       throw std::invalid_argument("VoxelGrid: expected a spacing above 0, got " +
                                   std::to_string(p_volume.spacing[axis]));
@@ -55,6 +62,14 @@ void Require(const Io::Volume& p_volume) {
                                 std::to_string(p_volume.size[1]) + " x " + std::to_string(p_volume.size[2]) +
                                 " voxels, got " + std::to_string(p_volume.Count()) + " values of " +
                                 std::to_string(p_volume.channels) + " channels");
+}
+
+/// The centres of an uneven axis, whose middle lies at p_center.
+std::vector<double> Nodes(const std::vector<double>& p_offsets, double p_center, double p_middle, double p_along) {
+  std::vector<double> nodes;
+  for (const double offset : p_offsets)
+    nodes.push_back(p_center + std::copysign(1.0, p_along) * (offset - p_middle));
+  return nodes;
 }
 
 } // namespace
@@ -70,6 +85,9 @@ VolumeLayout LayOut(const Io::Volume& p_volume, std::size_t p_channel) {
     const std::size_t from = order[p_axis];
     const double along = p_volume.orientation[from][p_axis];
     worst = std::min(worst, std::abs(along));
+    if (const std::vector<double>& offsets = p_volume.offsets[from]; !offsets.empty())
+      return VoxelAxis::OfNodes(
+          Nodes(offsets, center[p_axis], p_volume.Offset(from, double(size[from] - 1) / 2), along));
     const double half = p_volume.spacing[from] * static_cast<double>(size[from]) / 2;
     return VoxelAxis(static_cast<int>(size[from]), center[p_axis] - half, center[p_axis] + half, along < 0);
   };

@@ -92,6 +92,11 @@ const std::map<std::string, std::function<std::size_t(const Folder&)>> ReadOne{
     {"Height grids NetCDF-4", [](const Folder& p_folder) { return ReadHeights(NetCdf4(p_folder)).heights.size(); }},
     {"Height grids height grid",
      [](const Folder&) { return ReadHeights(VEK_SOURCE_DIR "/data/etopo60.txt").heights.size(); }},
+    {"Height grids ESRI ASCII grid",
+     [](const Folder& p_folder) {
+       return ReadHeights(p_folder.Write("a.asc", "ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n5\n"))
+           .heights.size();
+     }},
     {"Height grids CSV",
      [](const Folder& p_folder) {
        return ReadHeights(p_folder.Write("a.csv", "x,y,h\n0,0,1\n1,0,2\n")).heights.size();

@@ -3,6 +3,7 @@
 #include "io/ReadVectorField.h"
 #include "io/ReadVolume.h"
 #include "scene/VectorField.h"
+#include "scene/VoxelGrid.h"
 #include "tests/support/Damage.h"
 #include "tests/support/Formats.h"
 #include "tests/support/Test.h"
@@ -209,6 +210,31 @@ TEST(ReadHeights, ReadsEachFormat) {
   EXPECT_EQ(Heights("lon lat depth(m)\n1 1 4\n0 1 3\n0 0 1\n"), "lon[] 0 1 | lat[] 0 1 | depth[m] | 1 ? 3 4 | ");
 }
 
+TEST(ReadHeights, ReadsEsriGrids) {
+  const std::array<std::string, 2> rows[] = {
+      {"ncols 3\nnrows 2\nxllcorner 10\nyllcorner 20\ncellsize 2\nNODATA_value -1\n1 -1 3\n4 5 6\n",
+       "[] 11 13 15 | [] 23 21 | [] | 1 ? 3 4 5 6 | "},
+      {"NROWS 1\r\nNCOLS 2\r\nXLLCENTER 1e1\r\nYLLCENTER 20\r\nDX 0.5\r\nDY 2\r\n-9999 3\r\n",
+       "[] 10 10.5 | [] 20 | [] | ? 3 | "},
+      {"ncols 2\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\nNODATA_value -3.402823e+38\n-3.4028234663852886e+38 "
+       "-9999\n",
+       "[] 0.5 1.5 | [] 0.5 | [] | ? -9999 | "},
+  };
+  for (const auto& [text, expected] : rows)
+    EXPECT_EQ(Heights(text), expected);
+  const std::string start = "ncols 2\nnrows 1\nxllcorner 0\nyllcorner 0\n";
+  const std::array<std::string, 2> errors[] = {
+      {start + "1 2\n",
+       "f:5: expected ncols, nrows, xllcorner, yllcorner and cellsize in front of the heights, got \"1\""},
+      {start + "cellsize 0\n1 2\n", "f:5: expected a size above 0, got \"0\""},
+      {start + "cellsize 1\n1\n", "f:7: expected a number, got \"the end of the file\""},
+      {start + "cellsize 1\n1 2 3\n", "f:6: expected the end of the file after 2 heights, got \"3\""},
+      {"ncols 1.5\n", "f:1: expected a whole number from 1 to 1000000, got \"1.5\""},
+  };
+  for (const auto& [text, expected] : errors)
+    EXPECT_EQ(ErrorOf<FileError>([&, t = text] { Heights(t); }), expected);
+}
+
 TEST(HeightGrid, ClosesWhatGoesAround) {
   HeightGrid world;
   world.x = {5, 95, 185, 275}, world.y = {0, 10}, world.heights = {1, 2, 3, 4, 5, 6, 7, 8};
@@ -234,9 +260,13 @@ TEST(ReadVolume, ReadsNetCdf) {
   EXPECT_EQ(volume.Position(1, 0, 2), (Volume::Vector{1, 0, -10}));
   EXPECT_EQ(volume.range, (std::array<double, 2>{0.5, 3}));
   EXPECT_TRUE(volume.ValueType() == Volume::Float32 && std::isnan(volume.Value(0, 0, 2)) && volume.unit == "K");
-  std::istringstream uneven(NetCdf(std::regex_replace(text, std::regex("5, 10"), "5, 11")));
-  EXPECT_EQ(ErrorOf<FileError>([&] { ReadVolume(uneven, "f"); }),
-            "f: axis \"z\": expected even steps of a volume, got uneven ones");
+  EXPECT_EQ(volume.variables, (std::vector<std::string>{"b", "t"}));
+  std::istringstream other(NetCdf(std::regex_replace(text, std::regex("5, 10"), "5, 15")));
+  const Volume uneven = ReadVolume(other, "f");
+  EXPECT_EQ(uneven.offsets, (std::array<std::vector<double>, 3>{{{}, {}, {0, 5, 15}}}));
+  EXPECT_EQ(uneven.Position(1, 0, 1.5), (Volume::Vector{1, 0, -10}));
+  EXPECT_EQ(uneven.Position(0, 0, 3)[2], -25);
+  EXPECT_EQ(Scene::VoxelGrid(uneven).Knots(2), (std::vector<double>{0, 0, -2.5, -5, -10, -15, -15}));
 }
 
 TEST(ReadVectorField, NamesFileAndReason) {
@@ -321,6 +351,8 @@ TEST(ReadVectorField, SurvivesDamage) {
     CheckDamage<FileError>(NetCdf(Wind, kind), read);
   for (const char* const table : {"lon,lat,u,v\n0,0,1,2\n1,0,3,4\n0,1,5,6\n", "# dims 2 1 1\nu,v\n1,2\n3,4\n"})
     CheckDamage<FileError>(table, read);
+  CheckDamage<FileError>("ncols 2\nnrows 2\nxllcorner 0\nyllcenter 0\ncellsize 1\nnodata_value 1\n1 2\n3 4\n",
+                         [](const std::string& p_bytes) { Heights(p_bytes); });
   CheckDamage<FileError>("2 2 0 1 0 1\n1 2\n3 4\n", [](const std::string& p_bytes) { Heights(p_bytes); });
 }
 

@@ -129,13 +129,14 @@ TEST(ReadVolume, OthersAndUnknown) {
   const std::vector<FileCase> cases = {
       {"TextArray 2 2 1 1\n1.25 2\nnan 4", "f 2 1 1 x2: 1.25 2 nan 4 / 1 1 1 / 0 0 0"},
       {"TextArray 2 1 1 1\n1 x", "v:2: expected number 2 of 2, got \"x\""},
-      {"", "v: expected TextArray, NRRD or NIfTI, got an empty file"},
-      {"hello\nx", "v: expected TextArray, NRRD or NIfTI, got \"hello\""},
+      {"", "v: expected TextArray, NRRD, NIfTI or NetCDF, got an empty file"},
+      {"hello\nx", "v: expected TextArray, NRRD, NIfTI or NetCDF, got \"hello\""},
       {std::string(128, '\0') + "DICM 12345",
-       "v: expected TextArray, NRRD or NIfTI, got a DICOM file; convert it to NIfTI"},
+       "v: expected TextArray, NRRD, NIfTI or NetCDF, got a DICOM file; convert it to NIfTI"},
       {BytesOf<std::int32_t>({348}) + std::string(344, '\0'),
-       "v: expected TextArray, NRRD or NIfTI, got the header of an Analyze file; convert it to NIfTI"},
-      {"\x01\x02", "v: expected TextArray, NRRD or NIfTI, got binary data; raw values need their size and type"},
+       "v: expected TextArray, NRRD, NIfTI or NetCDF, got the header of an Analyze file; convert it to NIfTI"},
+      {"\x01\x02",
+       "v: expected TextArray, NRRD, NIfTI or NetCDF, got binary data; raw values need their size and type"},
       {"hello", "a.nrrd:1: expected NRRD0001 to NRRD0005, got \"hello\"", "a.nrrd"},
       {"hello", "a.nii: expected the header of a NIfTI file, got 5 bytes of something else", "a.nii"},
   };
@@ -233,6 +234,12 @@ TEST(ReadVolume, NiftiValuesAndErrors) {
   second.step = 1;
   EXPECT_EQ(SummaryOrError(Nifti(false, false, {2, 1, 1, 2}, 2, 8).bytes + "abcd", "v", second),
             "u8 2 1 1: 99 100 / 0.5 2 3 / 0 0 0");
+  for (const bool isSecond : {false, true})
+    for (const auto& [least, most] : {std::pair(-3.0, 7.0), std::pair(0.0, 0.0), std::pair(7.0, -3.0)}) {
+      std::istringstream stream(Nifti(isSecond, true, {2, 1}, 2, 8).Reals(124, 192, {most, least}).bytes + "ab");
+      const auto range = Io::ReadVolume(stream, "v").displayRange;
+      EXPECT_EQ(range.value_or(std::array<double, 2>{}), (least < 0 ? std::array{least, most} : std::array{0., 0.}));
+    }
   EXPECT_EQ(SummaryOrError(Nifti(false, false, {1, 2, 1, 3, 2}, 2, 8).bytes + "abcdefABCDEF", "v", second),
             "u8 1 2 1 x2: 99 67 100 68 / 0.5 2 3 / 0 0 0");
   second.step = 2;
@@ -263,8 +270,8 @@ TEST(ReadVolume, NiftiAsItsOwnToolReadsIt) {
         Output("cd " + folder.Path().string() +
                " && nifti_tool -copy_im -prefix b.nii.gz -infiles a.nii && "
                "nifti_tool -copy_im -prefix c.hdr -infiles a.nii && cp c.hdr d.hdr && gzip -c c.img > d.img.gz");
-        for (const std::string copy : {"c.hdr", "b.nii.gz", "d.hdr"}) {
-          if (copy != "c.hdr" && !ReadsGzip())
+        for (const std::string copy : {"c.hdr", "c.img", "b.nii.gz", "d.hdr", "d.img.gz"}) {
+          if (copy[0] != 'c' && !ReadsGzip())
             break;
           EXPECT_EQ(Summary(Io::ReadVolume(folder.File(copy))), Summary(volume)) << copy;
         }
