@@ -56,8 +56,6 @@ struct VEK_HIDDEN TopMostFragmentDepthBuffer::State {
 
   boost::shared_ptr<RenderTexture> target;
   Core::TimeStamp stamp; ///< of the scene that the target holds
-  DepthImage snapshot;
-  Core::TimeStamp snapshotStamp; ///< of the scene that the snapshot holds
 
   Bound BindScene(Utility::Scoped<Rgl>& p_gl, Types::Size p_size, const Core::TimeStamp& p_stamp,
                   const RenderFunction& p_render);
@@ -141,27 +139,24 @@ DepthImage TopMostFragmentDepthBuffer::State::Read(const Rgl& p_gl, Types::Pos p
   return {p_corner, p_size, std::move(depths)};
 }
 
-/// Null unless the snapshot is of that scene and size.
-const DepthImage* TopMostFragmentDepthBuffer::KeptSnapshot(const Types::Viewport<0>& p_viewport,
-                                                           const Core::TimeStamp& p_stamp) const {
-  const bool kept = _state->snapshotStamp == p_stamp && _state->snapshot.Size() == SizeOf(p_viewport);
-  return kept ? &_state->snapshot : nullptr;
-}
-
+/// The snapshot of that scene and size. It is made unless there is one.
 const DepthImage& TopMostFragmentDepthBuffer::MakeSnapshot(Utility::Scoped<Rgl>& p_gl,
                                                            const Types::Viewport<0>& p_viewport,
                                                            const Core::TimeStamp& p_stamp,
                                                            const RenderFunction& p_render) {
-  _state->snapshotStamp = Core::TimeStamp(); // even if drawing throws
-  _state->snapshot = {};
   const Types::Size size = SizeOf(p_viewport);
+  _snapshotViewport = p_viewport;
+  if (_snapshotStamp == p_stamp && _snapshot.Size() == size)
+    return _snapshot;                 // another viewport of the same size
+  _snapshotStamp = Core::TimeStamp(); // even if drawing throws
+  _snapshot = {};
   const State::Bound bound = _state->BindScene(p_gl, size, p_stamp, p_render);
   if (!bound.target)
-    return _state->snapshot;
-  _state->snapshot = _state->Read(*p_gl, {0, 0}, size, Signature::MakeSnapshot);
-  if (!_state->snapshot.Empty())
-    _state->snapshotStamp = p_stamp;
-  return _state->snapshot;
+    return _snapshot;
+  _snapshot = _state->Read(*p_gl, {0, 0}, size, Signature::MakeSnapshot);
+  if (!_snapshot.Empty())
+    _snapshotStamp = p_stamp;
+  return _snapshot;
 }
 
 DepthImage TopMostFragmentDepthBuffer::ReadRectangle(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,

@@ -62,8 +62,10 @@ public:
   template <class Render>
   const DepthImage& Snapshot(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,
                              const Core::TimeStamp& p_stamp, Render&& p_render) {
-    const DepthImage* const kept = KeptSnapshot(p_viewport, p_stamp);
-    return kept != nullptr ? *kept : MakeSnapshot(p_gl, p_viewport, p_stamp, Reference(p_render));
+    // Here, and not behind a call: this is all that a pick of an unchanged scene costs, but for its look-up.
+    if (_snapshotStamp == p_stamp && _snapshotViewport == p_viewport)
+      return _snapshot;
+    return MakeSnapshot(p_gl, p_viewport, p_stamp, Reference(p_render));
   }
   /// The depths of a rectangle of the target, as far as it lies within: `p_corner` is its lower left pixel. Everything
   /// else as for `Snapshot`, but that nothing is kept. An empty image, without any call, for a rectangle outside.
@@ -86,7 +88,6 @@ private:
         p_render();
     };
   }
-  const DepthImage* KeptSnapshot(const Types::Viewport<0>& p_viewport, const Core::TimeStamp& p_stamp) const;
   const DepthImage& MakeSnapshot(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,
                                  const Core::TimeStamp& p_stamp, const RenderFunction& p_render);
   DepthImage ReadRectangle(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const Types::Pos& p_corner,
@@ -94,6 +95,9 @@ private:
 
   struct State;
   std::unique_ptr<State> _state;
+  DepthImage _snapshot;
+  Core::TimeStamp _snapshotStamp;       ///< of the scene that the snapshot holds
+  Types::Viewport<0> _snapshotViewport; ///< the last one that it was asked for with
 };
 
 } // namespace Vek::Chart::Library
