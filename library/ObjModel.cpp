@@ -23,15 +23,9 @@ void ScanBlocks(Private::ByteSource& p_source, Utility::Threads p_threads, Priva
     Private::LineBlock lines;
     Private::ObjPlain::Block scanned;
   };
-  const std::uint64_t bytes = p_source.RemainingByClaim();
-  std::uint64_t bytesRead = 0;
   Private::RunLineBlocks<Block>(
       p_source, p_threads, [](Block& p_block) { p_block.scanned.Scan(p_block.lines.First(), p_block.lines.Last()); },
-      [&](const Block& p_block) {
-        bytesRead += p_block.lines.size;
-        p_reader.AddBlock(p_block.scanned, p_block.lines.size, p_block.lines.Last(),
-                          bytes > bytesRead ? bytes - bytesRead : 0);
-      });
+      [&](const Block& p_block) { p_reader.AddBlock(p_block.scanned, p_block.lines.Last()); });
 }
 
 /// Reads all lines. A line that a failure may have cut off is dropped.
@@ -39,12 +33,9 @@ Private::ObjReader::Result ReadLines(std::istream& p_stream, std::string_view p_
   Private::ByteSource source(p_stream, p_path);
   Private::ObjReader reader(p_path);
   ScanBlocks(source, p_threads, reader);
-  const std::uint64_t bytes = source.RemainingByClaim();
-  std::uint64_t bytesRead = 0;
   while (const std::size_t size = source.PrepareLines()) {
     const auto* const lines = reinterpret_cast<const char*>(source.Data());
-    bytesRead += size;
-    reader.ReadBlock(lines, lines + size, bytes > bytesRead ? bytes - bytesRead : 0);
+    reader.ReadBlock(lines, lines + size);
     source.Take(size);
   }
   const std::size_t rest = source.Prepare(1);
@@ -54,7 +45,7 @@ Private::ObjReader::Result ReadLines(std::istream& p_stream, std::string_view p_
     vekdebug::warn("LoadPolygonObjFile: reading ends at a line longer than 64 MiB", where);
   } else if (rest != 0 && !source.Failed()) {
     const std::string line = std::string(reinterpret_cast<const char*>(source.Data()), rest) + '\n';
-    reader.ReadBlock(line.data(), line.data() + line.size(), 0);
+    reader.ReadBlock(line.data(), line.data() + line.size());
   }
   return reader.Finish();
 }

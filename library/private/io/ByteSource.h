@@ -21,7 +21,7 @@ public:
   ByteSource(const ByteSource&) = delete;
   ByteSource& operator=(const ByteSource&) = delete;
 
-  static constexpr std::size_t WindowSize = std::size_t{1} << 20;
+  static constexpr std::size_t WindowSize = std::size_t{1} << 18;
   static constexpr std::size_t Slack = 128;
   /// Longer than any line of a real file: a source without line feeds must not take all memory.
   static constexpr std::size_t LongestLine = std::size_t{64} << 20;

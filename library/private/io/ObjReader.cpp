@@ -1,7 +1,6 @@
 #include "library/private/io/ObjReader.h"
 
 #include "library/private/io/NumberText.h"
-#include "library/private/memory/HugePages.h"
 #include "platform/debug/Check.h"
 
 #include <boost/lexical_cast.hpp>
@@ -109,12 +108,9 @@ private:
 ObjReader::ObjReader(std::string_view p_path)
     : _path(p_path) {}
 
-void ObjReader::ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft) {
-  const std::size_t indicesBefore = _indices.size();
+void ObjReader::ReadBlock(const char* p_first, const char* p_last) {
   for (const char* line = p_first; line != p_last;)
     line = ReadNextLine(line, p_last);
-  if (_indices.size() > indicesBefore)
-    ReserveIndices(_indices.size() - indicesBefore, double(p_bytesLeft) / double(p_last - p_first));
 }
 
 const char* ObjReader::ReadNextLine(const char* p_line, const char* p_last) {
@@ -126,9 +122,7 @@ const char* ObjReader::ReadNextLine(const char* p_line, const char* p_last) {
   return end + 1;
 }
 
-void ObjReader::AddBlock(const ObjPlain::Block& p_block, std::size_t p_bytes, const char* p_last,
-                         std::uint64_t p_bytesLeft) {
-  const std::size_t indicesBefore = _indices.size();
+void ObjReader::AddBlock(const ObjPlain::Block& p_block, const char* p_last) {
   const Attribute* position = p_block.positions.data();
   const Attribute* normal = p_block.normals.data();
   const ObjPlain::Corner* corner = p_block.corners.data();
@@ -143,13 +137,15 @@ void ObjReader::AddBlock(const ObjPlain::Block& p_block, std::size_t p_bytes, co
       _line += run.count;
       break;
     case ObjPlain::Block::Normals:
-      _sourceNormals.Append(normal, run.count);
+      _normals.Append(normal, run.count);
       normal += run.count;
       _line += run.count;
       break;
     case ObjPlain::Block::Triangles:
-      AddTriangles(corner, run.count);
-      corner += 3 * run.count;
+      for (std::size_t i = 0; i < run.count; ++i, corner += 3) {
+        ++_line;
+        AddTriangle(corner);
+      }
       break;
     case ObjPlain::Block::Other:
       for (std::size_t i = 0; i < run.count; ++i)
@@ -157,8 +153,6 @@ void ObjReader::AddBlock(const ObjPlain::Block& p_block, std::size_t p_bytes, co
       break;
     }
   }
-  if (_indices.size() > indicesBefore)
-    ReserveIndices(_indices.size() - indicesBefore, double(p_bytesLeft) / double(p_bytes));
 }
 
 /// As if the positions were added one after the other: a component is empty if all its numbers are NaN.
@@ -170,53 +164,30 @@ void ObjReader::AddBounds(const Types::BoundingBox_Base<double>& p_bounds) {
                     {larger(max.x, high.x), larger(max.y, high.y), larger(max.z, high.z)}};
 }
 
-/// Triangles in a row, most of which have normals, all of elements that exist.
-void ObjReader::AddTriangles(const ObjPlain::Corner* p_corners, std::size_t p_count) {
-  const std::size_t vertexCount = _vertices.Size(), normalCount = _sourceNormals.Size();
+/// Most triangles have normals, all of elements that exist.
+void ObjReader::AddTriangle(const ObjPlain::Corner* p_corners) {
   const auto isPlain = [&](const ObjPlain::Corner& p_corner) {
-    return p_corner.hasNormal && static_cast<std::uint32_t>(p_corner.vertexNumber) - 1u < vertexCount &&
-           static_cast<std::uint32_t>(p_corner.normalNumber) - 1u < normalCount;
+    return p_corner.hasNormal && static_cast<std::uint32_t>(p_corner.vertexNumber) - 1u < _vertices.Size() &&
+           static_cast<std::uint32_t>(p_corner.normalNumber) - 1u < _normals.Size();
   };
   DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
-  for (const ObjPlain::Corner* at = p_corners; at != p_corners + 3 * p_count; at += 3) {
-    ++_line;
-    if (_settledCorners != _indices.size() || !isPlain(at[0]) || !isPlain(at[1]) || !isPlain(at[2])) {
-      AddTriangle(at);
-      continue;
-    }
-    if (_hasNormal.size() < vertexCount)
-      SizeNormals();
-    std::uint32_t indices[3];
-    for (std::size_t i = 0; i < 3; ++i) {
-      indices[i] = static_cast<std::uint32_t>(at[i].vertexNumber) - 1u;
-      if (!_hasNormal[indices[i]]) {
-        _hasNormal[indices[i]] = true;
-        _result.normals[indices[i]] = _sourceNormals[static_cast<std::uint32_t>(at[i].normalNumber) - 1u];
-      }
-    }
-    _indices.insert(_indices.end(), indices, indices + 3);
-    _settledCorners += 3;
+  if (_settledCorners != _indices.Size() || !isPlain(p_corners[0]) || !isPlain(p_corners[1]) || !isPlain(p_corners[2]))
+    return AddCorners(p_corners);
+  std::uint32_t indices[3];
+  for (std::size_t i = 0; i < 3; ++i) {
+    indices[i] = static_cast<std::uint32_t>(p_corners[i].vertexNumber) - 1u;
+    _normals.Give(indices[i], static_cast<std::uint32_t>(p_corners[i].normalNumber) - 1u, _vertices.Size());
   }
+  _indices.Append(indices, 3);
+  _settledCorners += 3;
 }
 
-void ObjReader::AddTriangle(const ObjPlain::Corner* p_corners) {
-  DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
+void ObjReader::AddCorners(const ObjPlain::Corner* p_corners) {
   for (std::size_t i = 0; i < 3; ++i) {
     AddCorner(p_corners[i].vertexNumber);
     if (p_corners[i].hasNormal)
       AddCornerNormal(p_corners[i].normalNumber);
   }
-}
-
-/// When the next block's indices will not fit, makes room for those of all blocks to come, assuming they resemble the
-/// last one: a list of many megabytes should not move again and again. The file's size is only a claim, so the growth
-/// is bounded.
-void ObjReader::ReserveIndices(std::size_t p_gained, double p_blocksLeft) {
-  constexpr double Margin = 1.02;
-  constexpr double MostGrowth = 64.0;
-  const double size = double(_indices.size());
-  if (_indices.size() + p_gained > _indices.capacity())
-    ReserveLarge(_indices, std::size_t(std::min(size + Margin * double(p_gained) * p_blocksLeft, MostGrowth * size)));
 }
 
 const char* ObjReader::ReadPlainLine(const char* p_line, const char* p_last) {
@@ -320,8 +291,7 @@ ObjReader::Vector ObjReader::VectorFrom(const Parts& p_parts) const {
 }
 
 [[gnu::noinline]] void ObjReader::ReportNormalIndex(std::uint32_t p_index) const {
-  VEK_CHECK_RANGE_AT(p_index, _sourceNormals.Size(), "0 <= normalIndex < sourceNormals->size()", Signature::Load,
-                     Where());
+  VEK_CHECK_RANGE_AT(p_index, _normals.Size(), "0 <= normalIndex < sourceNormals->size()", Signature::Load, Where());
 }
 
 void ObjReader::AddPosition(const Vector& p_position) {
@@ -330,7 +300,7 @@ void ObjReader::AddPosition(const Vector& p_position) {
 }
 
 void ObjReader::AddNormal(const Vector& p_normal) {
-  _sourceNormals.Append(Narrowed(p_normal));
+  _normals.Append(Narrowed(p_normal));
 }
 
 void ObjReader::DecidePrimitiveType(Ogl::VertexBuffer::PrimitiveType p_type) {
@@ -342,14 +312,14 @@ void ObjReader::AddCorner(int p_vertexNumber) {
   const std::uint32_t vertexIndex = static_cast<std::uint32_t>(p_vertexNumber) - 1u;
   if (vertexIndex >= _vertices.Size())
     ReportVertexIndex(vertexIndex);
-  _indices.push_back(vertexIndex);
+  _indices.Append(vertexIndex);
 }
 
 void ObjReader::AddCornerNormal(int p_normalNumber) {
   const std::uint32_t normalIndex = static_cast<std::uint32_t>(p_normalNumber) - 1u;
-  if (normalIndex >= _sourceNormals.Size())
+  if (normalIndex >= _normals.Size())
     ReportNormalIndex(normalIndex);
-  if (_settledCorners + 1 == _indices.size() && GiveNormal(_indices.back(), normalIndex))
+  if (_settledCorners + 1 == _indices.Size() && GiveNormal(_indices[_settledCorners], normalIndex))
     ++_settledCorners;
   else
     _pendingNormals.push_back(normalIndex);
@@ -357,26 +327,10 @@ void ObjReader::AddCornerNormal(int p_normalNumber) {
 
 /// Gives the vertex that normal unless it has one. False when either does not exist (yet).
 bool ObjReader::GiveNormal(std::uint32_t p_vertexIndex, std::uint32_t p_normalIndex) {
-  if (p_normalIndex >= _sourceNormals.Size())
+  if (p_vertexIndex >= _vertices.Size() || p_normalIndex >= _normals.Size())
     return false;
-  if (p_vertexIndex >= _hasNormal.size()) {
-    if (p_vertexIndex >= _vertices.Size())
-      return false;
-    SizeNormals();
-  }
-  if (!_hasNormal[p_vertexIndex]) {
-    _hasNormal[p_vertexIndex] = true;
-    _result.normals[p_vertexIndex] = _sourceNormals[p_normalIndex];
-  }
+  _normals.Give(p_vertexIndex, p_normalIndex, _vertices.Size());
   return true;
-}
-
-/// In a file with normals every vertex has one, if only a zero vector.
-void ObjReader::SizeNormals() {
-  if (_result.normals.empty())
-    ReserveLarge(_result.normals, _vertices.Size());
-  _result.normals.resize(_vertices.Size());
-  _hasNormal.resize(_vertices.Size());
 }
 
 void ObjReader::SettlePendingNormals() {
@@ -388,22 +342,12 @@ void ObjReader::SettlePendingNormals() {
 
 void ObjReader::FinishGroup() {
   SettlePendingNormals();
-  std::vector<std::uint32_t>& indices = _result.groups.back().indices;
-  // A long list in memory of about its size is moved; a copy would double the peak. Any other is copied: its memory
-  // serves the next group.
-  constexpr std::size_t LongList = std::size_t(1) << 18;
-  if (_indices.size() >= LongList && _indices.capacity() - _indices.size() <= _indices.size() / 8)
-    indices = std::exchange(_indices, {});
-  else
-    indices = _indices;
-  _indices.clear();
+  _result.groups.back().indices = _indices.MoveOut();
 }
 
 ObjReader::Result ObjReader::Finish() {
   SettlePendingNormals();
-  if (_sourceNormals.Size() != 0)
-    SizeNormals();
-  _sourceNormals.Clear(); // before the last arrays are copied, to keep the peak low
+  _result.normals = _normals.MoveOut(_vertices.Size()); // first, since it frees memory
   FinishGroup();
   _result.vertices = _vertices.MoveOut();
   return std::move(_result);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/private/io/ObjBlock.h"
+#include "library/private/io/ObjNormals.h"
 #include "library/private/memory/ChunkedArray.h"
 #include "platform/debug/Logger.h"
 #include "platform/ogl/Vec.h"
@@ -34,11 +35,10 @@ public:
   /// Reports show the path, whose characters must outlive the reader.
   explicit ObjReader(std::string_view p_path);
 
-  /// Reads the next lines: [p_first, p_last) ends in a line feed. About p_bytesLeft bytes follow later, 0 where that is
-  /// not known; it serves only to choose how much memory to take in advance.
-  void ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft);
-  /// Likewise, of a block that was scanned: `p_bytes` of lines, whose characters end at `p_last`.
-  void AddBlock(const ObjPlain::Block& p_block, std::size_t p_bytes, const char* p_last, std::uint64_t p_bytesLeft);
+  /// Reads the next lines: [p_first, p_last) ends in a line feed.
+  void ReadBlock(const char* p_first, const char* p_last);
+  /// Likewise, of a block that was scanned, whose characters end at `p_last`.
+  void AddBlock(const ObjPlain::Block& p_block, const char* p_last);
   /// The arrays, after the last line. The reader is used up.
   Result Finish();
 
@@ -73,26 +73,23 @@ private:
 
   void AddPosition(const Vector& p_position);
   void AddBounds(const Types::BoundingBox_Base<double>& p_bounds);
-  void AddTriangles(const ObjPlain::Corner* p_corners, std::size_t p_count);
   void AddTriangle(const ObjPlain::Corner* p_corners);
+  void AddCorners(const ObjPlain::Corner* p_corners);
   void AddNormal(const Vector& p_normal);
   void DecidePrimitiveType(Ogl::VertexBuffer::PrimitiveType p_type);
   void AddCorner(int p_vertexNumber);
   void AddCornerNormal(int p_normalNumber);
   bool GiveNormal(std::uint32_t p_vertexIndex, std::uint32_t p_normalIndex);
-  void SizeNormals();
   void SettlePendingNormals();
-  void ReserveIndices(std::size_t p_gained, double p_blocksLeft);
   void FinishGroup();
 
   std::string_view _path;
   std::uint64_t _line = 0; // from 1
   Result _result;
   ChunkedArray<Attribute> _vertices;
-  ChunkedArray<Attribute> _sourceNormals;
-  std::vector<bool> _hasNormal; // a bit for each element of _result.normals
+  ObjNormals _normals;
 
-  std::vector<std::uint32_t> _indices; // of the current group, the last one
+  ChunkedArray<std::uint32_t> _indices; // of the current group, the last one
   // The group's k-th normal index belongs to its k-th vertex index. A vertex takes its normal at once as long as both
   // exist. From the first pair of which one does not, normal indices wait for the end of the group.
   std::size_t _settledCorners = 0;

@@ -15,9 +15,10 @@ class ChunkedArray {
 public:
   std::size_t Size() const { return _size; }
   const T& operator[](std::size_t p_index) const { return _chunks[p_index / ChunkSize][p_index % ChunkSize]; }
+  T& operator[](std::size_t p_index) { return _chunks[p_index / ChunkSize][p_index % ChunkSize]; }
 
   void Append(const T& p_element) {
-    if (_size % ChunkSize == 0)
+    if (_size == _capacity)
       AddChunk();
     _chunks.back().push_back(p_element);
     ++_size;
@@ -25,7 +26,7 @@ public:
 
   void Append(const T* p_first, std::size_t p_count) {
     for (std::size_t done = 0; done < p_count;) {
-      if (_size % ChunkSize == 0)
+      if (_size == _capacity)
         AddChunk();
       const std::size_t part = std::min(ChunkSize - _size % ChunkSize, p_count - done);
       _chunks.back().insert(_chunks.back().end(), p_first + done, p_first + done + part);
@@ -34,15 +35,31 @@ public:
     }
   }
 
-  /// Returns all elements and empties the array. Each chunk is freed as soon as it is copied.
-  std::vector<T> MoveOut() {
+  /// Appends elements of the value T() up to that size.
+  void Grow(std::size_t p_size) {
+    while (_size < p_size) {
+      if (_size == _capacity)
+        AddChunk();
+      const std::size_t part = std::min(ChunkSize - _size % ChunkSize, p_size - _size);
+      _chunks.back().resize(_chunks.back().size() + part);
+      _size += part;
+    }
+  }
+
+  /// Returns all elements, in memory of at least `p_capacity` of them, and empties the array. Each chunk is freed as
+  /// soon as it is copied; a single one is kept for the next elements.
+  std::vector<T> MoveOut(std::size_t p_capacity = 0) {
     std::vector<T> all;
-    ReserveLarge(all, _size);
+    ReserveLarge(all, std::max(_size, p_capacity));
     for (std::vector<T>& chunk : _chunks) {
       all.insert(all.end(), chunk.begin(), chunk.end());
-      Free(chunk);
+      if (_chunks.size() > 1)
+        Free(chunk);
+      else
+        chunk.clear();
     }
-    _chunks.clear();
+    if (_chunks.size() > 1)
+      Clear();
     _size = 0;
     return all;
   }
@@ -52,7 +69,7 @@ public:
     for (std::vector<T>& chunk : _chunks)
       Free(chunk);
     _chunks.clear();
-    _size = 0;
+    _size = _capacity = 0;
   }
 
 private:
@@ -67,12 +84,14 @@ private:
   // The first chunk grows like any vector, since many arrays stay small.
   void AddChunk() {
     _chunks.emplace_back();
+    _capacity += ChunkSize;
     if (_chunks.size() > 1)
       _chunks.back().reserve(ChunkSize);
   }
 
   std::vector<std::vector<T>> _chunks;
   std::size_t _size = 0;
+  std::size_t _capacity = 0; // of all chunks, once they are full
 };
 
 } // namespace Vek::Chart::Library::Private
