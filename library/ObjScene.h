@@ -111,9 +111,8 @@ using ObjProgress = std::function<bool(double p_share)>;
 ///   smoothing group. With `s off` or `s 0`, a face has its own Newell normal. Faces in front of the first `s` are
 ///   smooth.
 /// - `g`, `o` and `usemtl` with another name begin a group. `mtllib` names a file with materials, in the folder of the
-/// file; of several
-///   materials of one name the first one counts. Paths may have backslashes; of an absolute path that does not exist,
-///   the name is looked for in the folder as well.
+///   file; of several materials of one name the first one counts. Paths may have backslashes; of an absolute path that
+///   does not exist, the name is looked for in the folder as well.
 ///
 /// Throws ObjError with path and line for a number or index that is none, an index of something that is not above it in
 /// the file, too few numbers, and a line that is too long; without a line for a file that cannot be opened or read, is
@@ -121,7 +120,11 @@ using ObjProgress = std::function<bool(double p_share)>;
 /// statements, and materials and textures that cannot be read are warnings; the rest is read. Memory stays below 16 MB
 /// and 64 times the file; names of groups that would exceed that throw.
 ///
-/// The scene, its warnings and errors do not depend on the number of threads; files below 1 MiB start none.
+/// Of several faulty lines the first one is thrown. A stream that fails throws "reading failed", which may hide faults
+/// in the last MiB of lines in front of the failure: how many of them are read before depends on the number of threads.
+/// Cancelling takes effect between blocks of lines.
+///
+/// The scene, its warnings and other errors do not depend on the number of threads; files below 1 MiB start none.
 ///
 /// \ingroup files
 VEK_LIBRARY_API ObjScene ReadObjScene(const std::string& p_path, const ObjProgress& p_progress = {},

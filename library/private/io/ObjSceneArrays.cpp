@@ -33,6 +33,14 @@ void ReserveFor(std::vector<T>& p_array, std::size_t p_gained, double p_blocksLe
     ReserveLarge(p_array, std::size_t(std::min(size + Margin * double(p_gained) * p_blocksLeft, MostGrowth * size)));
 }
 
+/// Doubles the room where another block like the last one will not fit, as the elements themselves would, but with huge
+/// pages.
+template <class T>
+void DoubleFor(std::vector<T>& p_array, std::size_t p_gained) {
+  if (p_array.size() + p_gained > p_array.capacity())
+    ReserveLarge(p_array, std::max(2 * p_array.capacity(), p_array.size() + p_gained));
+}
+
 /// Whether the diagonal between the first and the third corner is the inner one of a quad.
 template <class Vector>
 bool IsSplitByFirst(const Vector& p_a, const Vector& p_b, const Vector& p_c, const Vector& p_d) {
@@ -54,13 +62,21 @@ ObjSceneReader::Vector ObjSceneReader::Position(std::uint32_t p_index) const {
 }
 
 void ObjSceneReader::ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft) {
-  const std::size_t indices = _scene.indices.size();
+  const Sizes sizes = ArraySizes();
   ReadLines(p_first, p_last);
-  ReserveFor(_scene.indices, _scene.indices.size() - indices, double(p_bytesLeft) / double(p_last - p_first));
+  ReserveNext(sizes, double(p_bytesLeft) / double(p_last - p_first));
+}
+
+void ObjSceneReader::ReserveNext(const Sizes& p_before, double p_blocksLeft) {
+  const Sizes sizes = ArraySizes();
+  ReserveFor(_scene.indices, sizes[0] - p_before[0], p_blocksLeft);
+  DoubleFor(_scene.positions, sizes[1] - p_before[1]);
+  DoubleFor(_normals, sizes[2] - p_before[2]);
+  DoubleFor(_texCoords, sizes[3] - p_before[3]);
 }
 
 void ObjSceneReader::AddBlock(const ObjSceneBlock& p_block, std::size_t p_bytes, std::uint64_t p_bytesLeft) {
-  const std::size_t indices = _scene.indices.size();
+  const Sizes sizes = ArraySizes();
   const char* at = p_block.first;
   const float* position = p_block.positions.data();
   const float* normal = p_block.normals.data();
@@ -101,7 +117,7 @@ void ObjSceneReader::AddBlock(const ObjSceneBlock& p_block, std::size_t p_bytes,
     _bytes += run.bytes;
     at += run.bytes;
   }
-  ReserveFor(_scene.indices, _scene.indices.size() - indices, double(p_bytesLeft) / double(p_bytes));
+  ReserveNext(sizes, double(p_bytesLeft) / double(p_bytes));
 }
 
 void ObjSceneReader::AddColor(int p_count) {
@@ -120,11 +136,9 @@ void ObjSceneReader::SetSmoothing(std::string_view p_name) {
     _smoothing = SmoothNormalsOf + _smoothings.try_emplace(std::string(p_name), number).first->second;
 }
 
-void ObjSceneReader::BeginGroup(ObjScene::Primitive p_primitive) {
+void ObjSceneReader::ChangeGroup(ObjScene::Primitive p_primitive) {
   std::vector<ObjScene::Group>& groups = _scene.groups;
   const bool sameKind = !groups.empty() && groups.back().primitive == p_primitive;
-  if (sameKind && !_groupChanged)
-    return;
   if (sameKind && groups.back().material == _group.material && groups.back().name == _group.name &&
       groups.back().object == _group.object) { // named once more
     _groupChanged = false;

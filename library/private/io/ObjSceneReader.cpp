@@ -4,7 +4,6 @@
 #include "library/private/io/ObjMaterials.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 
 namespace Vek::Chart::Library::Private {
@@ -16,10 +15,10 @@ namespace {
 constexpr const char* Number = "a number";
 constexpr const char* AnyCorner = "a corner such as 1, 1/2, 1//3 or 1/2/3";
 
+/// One by one: a range of so few is inserted by calls that take longer.
 void AppendFloats(std::vector<float>& p_array, const double* p_first, const double* p_last) {
-  std::array<float, 3> floats;
-  const auto end = std::transform(p_first, p_last, floats.begin(), [](double p_x) { return static_cast<float>(p_x); });
-  p_array.insert(p_array.end(), floats.begin(), end);
+  for (; p_first != p_last; ++p_first)
+    p_array.push_back(static_cast<float>(*p_first));
 }
 
 } // namespace
@@ -146,11 +145,9 @@ const char* ObjSceneReader::ReadCorners(const char* p_at, const char* p_last) {
     } else {
       ++p_at;
     }
-    ObjCorner corner;
-    const char* const end = ScanCorner(p_at, p_last, corner);
+    const char* const end = ScanCorner(p_at, p_last, _corners.emplace_back());
     if (end == nullptr || !Scan::IsBlank(*end))
       return Fault(AnyCorner, p_at);
-    _corners.push_back(corner);
     p_at = end;
   }
 }

@@ -6,6 +6,7 @@
 #include "platform/types/Vector.h"
 #include "platform/utility/Threads.h"
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <set>
@@ -90,8 +91,18 @@ private:
   [[noreturn]] void RefuseIndex(int p_number, std::size_t p_count, const char* p_what) const;
   std::uint32_t NormalKey(const ObjCorner& p_corner, std::uint32_t& p_faceNormal);
   std::uint32_t AddFaceNormal();
-  void BeginGroup(ObjScene::Primitive p_primitive);
+  void BeginGroup(ObjScene::Primitive p_primitive) {
+    if (_groupChanged || _scene.groups.empty() || _scene.groups.back().primitive != p_primitive)
+      ChangeGroup(p_primitive);
+  }
+  void ChangeGroup(ObjScene::Primitive p_primitive);
   Vector Position(std::uint32_t p_index) const;
+  using Sizes = std::array<std::size_t, 4>; // of indices, positions, normals, texture coordinates
+  Sizes ArraySizes() const {
+    return {_scene.indices.size(), _scene.positions.size(), _normals.size(), _texCoords.size()};
+  }
+  /// Makes room for what follows a block, before which the arrays had these sizes.
+  void ReserveNext(const Sizes& p_before, double p_blocksLeft);
   void CheckSize() const;
 
   void FinishIndices();
