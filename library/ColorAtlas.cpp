@@ -154,19 +154,20 @@ boost::shared_ptr<Library::Texture> ColorAtlas::Texture() const {
 void ColorAtlas::BuildAtlas(Utility::Scoped<Rgl>& p_gl) {
   const Private::AtlasTree tree = Tree();
   Private::ColorAtlasImpl impl(tree);
-  impl.NumberColors();
+  const std::size_t count = impl.NumberColors();
   VEK_ENSURE_TEXT(!tree.plainRoots.empty() || !tree.instancedRoots.empty(), "_spans.size() != 0",
                   Signature::BuildAtlas);
 
   const int size = p_gl->GetMaxTextureSize();
   Private::ImageBuilder builder(size, size);
+  builder.Reserve(count); // copies of instances take more
   const Private::AtlasLayout layout = impl.MapColors(builder);
-  QImage image = builder.CreateImage(QColor(Qt::red).rgba());
+  QImage image = builder.TakeImage(QColor(Qt::red).rgba());
   boost::shared_ptr<Library::Texture> map = Upload(image, p_gl);
 
   // Nothing below throws: a build that failed before has changed nothing.
   for (std::size_t slot = 0; slot < _nodes.size(); ++slot)
-    _nodes[slot].coords = layout.runs[slot] ? ColorCoords(*layout.runs[slot], builder.MaxWidth()) : ColorCoords();
+    _nodes[slot].coords = ColorCoords(layout.runs[slot], layout.HasTexels(layout.runs[slot]) ? builder.MaxWidth() : 0);
   for (std::size_t i = 0; i < layout.offsets.size(); ++i)
     if (layout.offsets[i])
       _instances.find(tree.instances[i].id)->second.offset = *layout.offsets[i];
@@ -180,24 +181,23 @@ Private::AtlasTree ColorAtlas::Tree() {
   Private::AtlasTree tree;
   tree.slotById = &_slots;
   tree.findSlot = [this](unsigned int p_id) { return FindSlot(p_id, Signature::ColorAt); };
-  for (const unsigned int child : ColorAt(_rootId).children)
+  tree.nodes = &_nodes;
+  tree.rootId = _rootId;
+  const std::vector<unsigned int>& children = ColorAt(_rootId).children;
+  tree.plainRoots.reserve(children.size()); // most are: it would grow to twice their number
+  for (const unsigned int child : children)
     (ColorAt(child).instanceCount > 0 ? tree.instancedRoots : tree.plainRoots).push_back(child);
 
-  tree.colors.resize(_nodes.size());
-  for (std::size_t slot = 0; slot < _nodes.size(); ++slot) {
-    const ColorNode& node = _nodes[slot];
-    tree.colors[slot] = {&node.children, node.color.rgba(), node.parent == _rootId, node.instanceCount > 0, 0, 0};
-  }
   for (const auto& [instanceOf, ids] : _instanceData) {
     const std::uint32_t slot = SlotOf(instanceOf);
     if (slot == NoSlot)
       continue;
-    tree.colors[slot].firstInstance = tree.instances.size();
+    const std::size_t first = tree.instances.size();
     for (const unsigned int id : ids) {
       const Instance& instance = _instances.find(id)->second;
       tree.instances.push_back({id, &instance.colors, instance.offset.Defined()});
     }
-    tree.colors[slot].endInstance = tree.instances.size();
+    tree.copies.push_back({slot, first, tree.instances.size()});
   }
   return tree;
 }

@@ -246,6 +246,18 @@ TEST_F(ColorAtlasCalls, ReportsErrorsAndGoesOn) {
       {"replacements that are not below the instanced colour",
        built("a0 b0 c" + notLaidOut, 8, {{2, {{1, Qt::black}, {3, Qt::black}, {99, Qt::black}}}}),
        {"\"subcolor.first >= base\"" + Signature::Process, undefined, undefined}},
+      {"a replacement of another instanced colour",
+       built("a0 b0", 8, {{1, {}}, {2, {{1, Qt::black}}}}),
+       {"\"subcolor.first >= base\"" + Signature::Process}},
+      {"an instance inside an instanced colour, which moves the colours behind it",
+       [this](ColorAtlas& p_a) {
+         Add(p_a, "a0 b1 c1", {{2, {}}, {1, {{3, Numbered(8)}}}}), Build(p_a, 8);
+         EXPECT_EQ(Rows(p_a.AtlasImage()), "abbcbx.. ");
+       },
+       {"\"instanceOf.parent == _rootId\"" + Signature::AddInstance,
+        "\"current.parent == _atlas.RootAtlasId()\"" + Signature::Instances + "operator ()(" + Signature::Traversal +
+            "&," + Signature::Traversal + "*)",
+        "\"!pixelEntryAlreadyExists && \"Error: coordinate has already been written to!\"\"" + Signature::WritePixel}},
       {"a second build",
        [&](ColorAtlas& p_a) {
          Add(p_a, "a0", {{1, {}}}), Build(p_a, 8), Build(p_a, 8);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Vek::Chart::Library::Private {
 
@@ -39,6 +40,8 @@ Pixel PixelOf(std::uint64_t p_index, const ImageBuilder& p_image) {
           static_cast<unsigned int>(p_index / p_image.MaxWidth())};
 }
 
+constexpr IndexSpan NoSpan(1, 0);
+
 unsigned int LengthOf(const IndexSpan& p_span) {
   return p_span.last - p_span.first + 1;
 }
@@ -56,23 +59,34 @@ std::uint32_t ColorAtlasImpl::SlotOf(unsigned int p_id) const {
 template <class Visitor>
 void ColorAtlasImpl::Walk(const std::vector<unsigned int>& p_roots, Visitor& p_visitor) const {
   struct Level {
-    const std::vector<unsigned int>* ids;
-    std::size_t next;
-    std::uint32_t owner; ///< the slot whose children these are
+    std::uint32_t owner; ///< the slot whose children these are; NoSlot for the roots
+    std::uint32_t next;  ///< the child to visit next
   };
-  std::vector<Level> levels{{&p_roots, 0, AtlasTree::NoSlot}};
-  while (!levels.empty()) {
-    Level& level = levels.back();
-    if (level.next == level.ids->size()) {
-      const std::uint32_t owner = level.owner;
-      levels.pop_back();
-      if (owner != AtlasTree::NoSlot)
-        p_visitor.Leave(owner);
+  const auto idsOf = [&](const Level& p_level) {
+    return p_level.owner == AtlasTree::NoSlot ? &p_roots : &(*_tree.nodes)[p_level.owner].children;
+  };
+  std::deque<Level> above; // does not move: the stack may be as long as the tree
+  Level level{AtlasTree::NoSlot, 0};
+  for (const std::vector<unsigned int>* ids = &p_roots;;) {
+    if (level.next == ids->size()) {
+      if (above.empty())
+        return;
+      p_visitor.Leave(level.owner);
+      level = above.back();
+      above.pop_back();
+      ids = idsOf(level);
       continue;
     }
-    const std::uint32_t slot = SlotOf((*level.ids)[level.next++]);
-    if (slot != AtlasTree::NoSlot && p_visitor.Enter(slot))
-      levels.push_back({_tree.colors[slot].children, 0, slot});
+    const std::uint32_t slot = SlotOf((*ids)[level.next++]);
+    if (slot == AtlasTree::NoSlot || !p_visitor.Enter(slot))
+      continue;
+    if ((*_tree.nodes)[slot].children.empty()) {
+      p_visitor.Leave(slot);
+      continue;
+    }
+    above.push_back(level);
+    level = {slot, 0};
+    ids = idsOf(level);
   }
 }
 
@@ -84,30 +98,31 @@ public:
 
   bool Enter(std::uint32_t p_slot) {
     // A colour that was numbered already is in the tree twice, or above itself.
-    if (!VEK_ENSURE_TEXT(!_spans[p_slot], "query.second", Signature::SpanBuilderCall))
+    if (!VEK_ENSURE_TEXT(!AtlasLayout::HasTexels(_spans[p_slot]), "query.second", Signature::SpanBuilderCall))
       return false;
     _spans[p_slot] = IndexSpan(_next, _next);
     ++_next;
     return true;
   }
 
-  void Leave(std::uint32_t p_slot) { _spans[p_slot]->last = _next - 1; }
+  void Leave(std::uint32_t p_slot) { _spans[p_slot].last = _next - 1; }
+  std::size_t Count() const { return _next; }
 
 private:
-  std::vector<std::optional<IndexSpan>>& _spans;
+  std::vector<IndexSpan>& _spans;
   unsigned int _next = 0;
 };
 
-/// Writes each colour at the texel of its index.
+/// Writes each colour at the texel of its index. The indices of the placed colours become their texels.
 class ColorAtlasImpl::CoordinateMapper {
 public:
-  CoordinateMapper(const ColorAtlasImpl& p_impl, ImageBuilder& p_image, AtlasLayout& p_layout)
-      : _tree(p_impl._tree)
-      , _spans(p_impl._spans)
+  CoordinateMapper(const AtlasTree& p_tree, ImageBuilder& p_image, AtlasLayout& p_layout, std::vector<bool>& p_placed)
+      : _tree(p_tree)
       , _image(p_image)
-      , _layout(p_layout) {}
+      , _layout(p_layout)
+      , _placed(p_placed) {}
 
-  bool Enter(std::uint32_t p_slot) { return Place(p_slot, *_spans[p_slot]); }
+  bool Enter(std::uint32_t p_slot) { return Place(p_slot, _layout.runs[p_slot]); }
   void Leave(std::uint32_t) {}
 
 protected:
@@ -116,18 +131,19 @@ protected:
     const Pixel pixelCoordFirst = PixelOf(p_span.first, _image);
     if (VEK_ENSURE_TEXT(pixelCoordFirst.y < _image.MaxHeight(), "pixelCoordFirst.y < _image.MaxHeight()",
                         Signature::WriteColor))
-      _image.WriteUniquePixel(pixelCoordFirst, _tree.colors[p_slot].color);
-    if (!VEK_ENSURE_TEXT(!_layout.runs[p_slot],
-                         "query.second && \"Coordinate p_spans must not have already been added\"", Signature::MapSpan))
+      _image.WriteUniquePixel(pixelCoordFirst, (*_tree.nodes)[p_slot].color.rgba());
+    if (!VEK_ENSURE_TEXT(!_placed[p_slot], "query.second && \"Coordinate p_spans must not have already been added\"",
+                         Signature::MapSpan))
       return false;
+    _placed[p_slot] = true;
     _layout.runs[p_slot] = p_span;
     return true;
   }
 
   const AtlasTree& _tree;
-  const std::vector<std::optional<IndexSpan>>& _spans;
   ImageBuilder& _image;
   AtlasLayout& _layout;
+  std::vector<bool>& _placed; ///< by slot
 };
 
 /// Writes colours as CoordinateMapper does, and after the sub-tree of an instanced colour its copies. Copies take
@@ -137,21 +153,48 @@ public:
   using CoordinateMapper::CoordinateMapper;
 
   bool Enter(std::uint32_t p_slot) {
-    const AtlasTree::Color& current = _tree.colors[p_slot];
-    IndexSpan span(_spans[p_slot]->first + _shift, _spans[p_slot]->last + _shift);
-    if (current.instanced) {
-      VEK_ENSURE_TEXT(current.topLevel, "current.parent == _atlas.RootAtlasId()", Signature::InstanceMapperCall);
+    const ColorAtlas::ColorNode& current = (*_tree.nodes)[p_slot];
+    IndexSpan span = Unshifted(p_slot);
+    span = {span.first + _shift, span.last + _shift};
+    if (current.instanceCount > 0) {
+      VEK_ENSURE_TEXT(current.parent == _tree.rootId, "current.parent == _atlas.RootAtlasId()",
+                      Signature::InstanceMapperCall);
       MoveToNextRow(span);
     }
-    return Place(p_slot, span);
+    if (!Place(p_slot, span))
+      return false;
+    if (_shifts.empty() || _shifts.back().shift != _shift)
+      _shifts.push_back({span.first, _shift});
+    return true;
   }
 
   void Leave(std::uint32_t p_slot) {
-    if (_tree.colors[p_slot].instanced)
-      ProcessInstances(p_slot, *_layout.runs[p_slot]);
+    if ((*_tree.nodes)[p_slot].instanceCount > 0)
+      ProcessInstances(p_slot, _layout.runs[p_slot]);
   }
 
 private:
+  /// The shift of all colours that were placed from a texel on.
+  struct Shift {
+    unsigned int first;
+    unsigned int shift;
+  };
+
+  /// The indices of a colour, before they were shifted.
+  IndexSpan Unshifted(std::uint32_t p_slot) const {
+    const IndexSpan& run = _layout.runs[p_slot];
+    if (!_placed[p_slot] || _shifts.empty())
+      return run;
+    auto found = _shifts.end() - 1; // most often that of the current sub-tree
+    if (run.first < found->first)
+      found = std::upper_bound(_shifts.begin(), found, run.first,
+                               [](unsigned int p_first, const Shift& p_shift) { return p_first < p_shift.first; });
+    else
+      ++found;
+    const unsigned int shift = found == _shifts.begin() ? 0 : (found - 1)->shift;
+    return {run.first - shift, run.last - shift};
+  }
+
   /// A span of at most half a row that would be broken over two rows starts on the next one.
   void MoveToNextRow(IndexSpan& p_span) {
     const Pixel first = PixelOf(p_span.first, _image);
@@ -170,6 +213,7 @@ private:
   void OverwritePixelSpan(std::uint64_t p_start, QRgb p_color, std::uint64_t p_count);
 
   unsigned int _shift = 0;
+  std::vector<Shift> _shifts; ///< in ascending order, as colours are placed in the order of their indices
 };
 
 void ColorAtlasImpl::InstanceCoordinateMapper::ProcessInstances(std::uint32_t p_slot, const IndexSpan& p_span) {
@@ -181,13 +225,16 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ProcessInstances(std::uint32_t p_
   // Half a row is not short enough here, although MoveToNextRow moves spans of exactly half a row: both are meant.
   const bool oneRow = first.y == last.y && length < width / 2;
 
-  const AtlasTree::Color& color = _tree.colors[p_slot];
-  if (!VEK_ENSURE_TEXT(color.firstInstance < color.endInstance, "dataIt != _instanceData.end()",
+  const auto copies = std::lower_bound(
+      _tree.copies.begin(), _tree.copies.end(), p_slot,
+      [](const AtlasTree::Copies& p_copies, std::uint32_t p_other) { return p_copies.slot < p_other; });
+  if (!VEK_ENSURE_TEXT(copies != _tree.copies.end() && copies->slot == p_slot, "dataIt != _instanceData.end()",
                        Signature::ProcessInstances))
     return;
+  const IndexSpan unshifted = Unshifted(p_slot);
   std::int64_t dx = 0;
   std::int64_t dy = 0;
-  for (std::size_t i = color.firstInstance; i < color.endInstance; ++i) {
+  for (std::size_t i = copies->first; i < copies->end; ++i) {
     if (!oneRow) { // as many rows lower, in the same columns
       _shift += static_cast<unsigned int>(width * rows);
       dy += rows;
@@ -201,7 +248,7 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ProcessInstances(std::uint32_t p_
     }
     const std::uint64_t start = static_cast<std::uint64_t>((first.y + dy) * width + first.x + dx);
     CopyColors(p_span, start);
-    ReplaceColors(_tree.instances[i], *_spans[p_slot], start);
+    ReplaceColors(_tree.instances[i], unshifted, start);
     VEK_ENSURE_TEXT(!_tree.instances[i].placed, "!instance.Defined()", Signature::ProcessInstances);
     _layout.offsets[i] = {static_cast<unsigned int>(dx), static_cast<unsigned int>(dy)};
   }
@@ -228,10 +275,10 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const AtlasTree::In
   const unsigned int base = p_unshifted.first;
   for (const auto& [id, color] : *p_instance.replacements) {
     const std::uint32_t slot = _tree.ColorSlot(id);
-    const bool placed = slot != AtlasTree::NoSlot && _layout.runs[slot];
+    const bool placed = slot != AtlasTree::NoSlot && _placed[slot];
     if (!VEK_ENSURE_TEXT(placed, "node.coords.Defined()", Signature::ProcessInstances))
       continue;
-    const IndexSpan subcolor = *_spans[slot];
+    const IndexSpan subcolor = Unshifted(slot);
     if (VEK_ENSURE(subcolor.first >= base, Signature::ProcessInstances) &&
         VEK_ENSURE_TEXT(subcolor.last <= p_unshifted.last, "subcolor.last <= last", Signature::ProcessInstances))
       runs.push_back({subcolor.first - base, std::uint64_t{subcolor.last} - base + 1, color.rgba()});
@@ -267,20 +314,22 @@ void ColorAtlasImpl::InstanceCoordinateMapper::OverwritePixelSpan(std::uint64_t 
   }
 }
 
-void ColorAtlasImpl::NumberColors() {
-  _spans.assign(_tree.colors.size(), std::nullopt);
+std::size_t ColorAtlasImpl::NumberColors() {
+  _spans.assign(_tree.nodes->size(), NoSpan);
   SpanBuilder builder(*this);
   Walk(_tree.plainRoots, builder);
   Walk(_tree.instancedRoots, builder);
+  return builder.Count();
 }
 
-AtlasLayout ColorAtlasImpl::MapColors(ImageBuilder& p_image) const {
+AtlasLayout ColorAtlasImpl::MapColors(ImageBuilder& p_image) {
   AtlasLayout layout;
-  layout.runs.resize(_tree.colors.size());
+  layout.runs = std::move(_spans);
   layout.offsets.resize(_tree.instances.size());
-  CoordinateMapper plain(*this, p_image, layout);
+  std::vector<bool> placed(_tree.nodes->size());
+  CoordinateMapper plain(_tree, p_image, layout, placed);
   Walk(_tree.plainRoots, plain);
-  InstanceCoordinateMapper instanced(*this, p_image, layout);
+  InstanceCoordinateMapper instanced(_tree, p_image, layout, placed);
   Walk(_tree.instancedRoots, instanced);
   return layout;
 }

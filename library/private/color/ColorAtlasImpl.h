@@ -1,12 +1,14 @@
 #pragma once
 
+#include "library/ColorAtlas.h"
 #include "platform/ogl/Vec.h"
 #include "platform/types/Range.h"
 
 #include <QColor>
-#include <QImage>
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
@@ -17,30 +19,29 @@ namespace Vek::Chart::Library::Private {
 class ImageBuilder;
 
 /// A tree of colours and their instances, as the layout reads it. A colour is addressed by its slot, which is its
-/// position in `colors`. Ids are the numbers by which the tree itself refers to its colours.
+/// position in `nodes`. Ids are the numbers by which the tree itself refers to its colours.
 struct AtlasTree {
   /// No colour.
   static constexpr std::uint32_t NoSlot = 0xFFFFFFFF;
 
-  struct Color {
-    const std::vector<unsigned int>* children = nullptr; ///< ids
-    QRgb color = 0;
-    bool topLevel = false;         ///< whether it lies under the root
-    bool instanced = false;        ///< whether its sub-tree is followed by copies
-    std::size_t firstInstance = 0; ///< its instances in `instances`
-    std::size_t endInstance = 0;   ///< one past the last of them
-  };
   struct Instance {
     unsigned int id = 0;
     const std::map<unsigned int, QColor>* replacements = nullptr; ///< by the id of the colour replaced
     bool placed = false;                                          ///< whether an earlier layout gave it an offset
   };
+  /// The instances of one colour, in `instances`.
+  struct Copies {
+    std::uint32_t slot = NoSlot;
+    std::size_t first = 0;
+    std::size_t end = 0; ///< one past the last of them
+  };
 
-  std::vector<Color> colors;
+  const std::deque<ColorAtlas::ColorNode>* nodes = nullptr;
+  unsigned int rootId = 0;
   std::vector<unsigned int> plainRoots;     ///< the ids of the top-level colours without instances
   std::vector<unsigned int> instancedRoots; ///< the ids of those with instances
-  /// The instances of one colour after those of another; those of one colour in the order of their ids.
-  std::vector<Instance> instances;
+  std::vector<Copies> copies;               ///< by slot, in ascending order
+  std::vector<Instance> instances;          ///< those of one colour in the order of their ids
   /// By id; NoSlot where the id is not that of a colour.
   const std::vector<std::uint32_t>* slotById = nullptr;
   /// The slot that an id stands for that is not in `slotById`. Reports unknown ids, and returns NoSlot for them.
@@ -52,8 +53,12 @@ struct AtlasTree {
 
 /// Where a tree lies in the image.
 struct AtlasLayout {
+  using Run = Span<unsigned int>;
+  /// Whether a run has texels; that of a colour outside of the tree has none.
+  static bool HasTexels(const Run& p_run) { return p_run.first <= p_run.last; }
+
   /// By slot: the texels of the colour and of its sub-tree, counted row by row.
-  std::vector<std::optional<Span<unsigned int>>> runs;
+  std::vector<Run> runs;
   /// By position in `instances`: from the colour to the copy, in texels; components are to be read as signed numbers.
   std::vector<std::optional<Ogl::Vec2<unsigned int>>> offsets;
 };
@@ -66,10 +71,11 @@ public:
   explicit ColorAtlasImpl(const AtlasTree& p_tree)
       : _tree(p_tree) {}
 
-  /// Numbers the sub-trees of the plain top-level colours, then those of the instanced ones.
-  void NumberColors();
-  /// Writes the texels of every numbered colour and of every instance's copy.
-  AtlasLayout MapColors(ImageBuilder& p_image) const;
+  /// Numbers the sub-trees of the plain top-level colours, then those of the instanced ones. Returns how many colours
+  /// there are in them.
+  std::size_t NumberColors();
+  /// Writes the texels of every numbered colour and of every instance's copy. Called once, after NumberColors.
+  AtlasLayout MapColors(ImageBuilder& p_image);
 
 private:
   class SpanBuilder;
@@ -81,7 +87,7 @@ private:
   std::uint32_t SlotOf(unsigned int p_id) const;
 
   const AtlasTree& _tree;
-  std::vector<std::optional<Span<unsigned int>>> _spans; ///< by slot: the indices of the sub-tree
+  std::vector<Span<unsigned int>> _spans; ///< by slot: the indices of the sub-tree, until they are mapped to texels
 };
 
 } // namespace Vek::Chart::Library::Private

@@ -35,6 +35,12 @@ std::size_t ImageBuilder::IndexOf(Pixel p_pixel) const {
   return static_cast<std::size_t>(p_pixel.y) * _maxWidth + p_pixel.x;
 }
 
+void ImageBuilder::Reserve(std::size_t p_texels) {
+  const std::size_t most = std::size_t{_maxWidth} * _maxHeight;
+  _texels.reserve(std::min(p_texels, most));
+  _written.reserve(std::min(p_texels, most));
+}
+
 void ImageBuilder::Grow(Pixel p_pixel) {
   const std::size_t index = IndexOf(p_pixel);
   if (index >= _texels.size()) {
@@ -71,7 +77,7 @@ QRgb ImageBuilder::ColorOf(Pixel p_pixel) const {
   return _texels[index];
 }
 
-QImage ImageBuilder::CreateImage(QRgb p_background) const {
+QImage ImageBuilder::TakeImage(QRgb p_background) {
   QImage image(PaddedSize(_extentX + 1, _maxWidth), PaddedSize(_extentY + 1, _maxHeight), QImage::Format_ARGB32);
   if (image.isNull())
     throw std::bad_alloc();
@@ -84,6 +90,8 @@ QImage ImageBuilder::CreateImage(QRgb p_background) const {
       if (_written[index])
         row[index - start] = _texels[index];
   }
+  _texels = {};
+  _written = {};
   return image;
 }
 

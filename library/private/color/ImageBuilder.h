@@ -23,6 +23,8 @@ public:
   unsigned int MaxWidth() const { return _maxWidth; }
   unsigned int MaxHeight() const { return _maxHeight; }
 
+  /// Takes memory for that many texels in advance, as far as the largest image has them.
+  void Reserve(std::size_t p_texels);
   /// Writes a texel. One that was written before is reported and keeps its colour.
   void WriteUniquePixel(Pixel p_pixel, QRgb p_color);
   /// Writes a texel, whether it was written before or not.
@@ -31,8 +33,8 @@ public:
   QRgb ColorOf(Pixel p_pixel) const;
 
   /// The image: as large as the texels used, rounded up to powers of two and capped at the largest size. Throws
-  /// std::bad_alloc where there is no memory for it.
-  QImage CreateImage(QRgb p_background) const;
+  /// std::bad_alloc where there is no memory for it. Frees the texels: the builder is used up.
+  QImage TakeImage(QRgb p_background);
 
 private:
   std::size_t IndexOf(Pixel p_pixel) const;
