@@ -204,7 +204,7 @@ std::vector<T> Reader::TakeIntegers() {
   const double low = _array.range[0];
   const double extent = double(_array.range[1]) - low;
   std::vector<T> integers;
-  Private::ReserveLarge(integers, _numbers.size());
+  Private::ReserveConverted(integers, _numbers.size());
   Private::ConvertFloats(_numbers.data(), _numbers.size(), 1, _threads, integers, [=](float p_number) {
     const double scaled = extent > 0 ? (double(p_number) - low) / extent * Most : 0;
     return static_cast<T>(scaled > 0 ? std::min(scaled, Most) + 0.5 : 0); // NaN: 0

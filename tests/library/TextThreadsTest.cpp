@@ -29,6 +29,8 @@ std::string NumberText(std::mt19937& p_random, const std::string& p_format) {
     const std::string exponent = p_random() % 3 == 0 ? "e" + std::to_string(int(p_random() % 53) - 50) : "";
     return (p_random() % 2 == 0 ? "-" : "") + digits + exponent;
   } else {
+    if (p_format == "%.7e") // up to the smallest and the largest floats
+      value = std::ldexp(value, int(p_random() % 215) - 120);
     std::snprintf(text, sizeof text, p_format.c_str(), p_format == "%.0f" ? std::fmod(value, 4096.0) : value);
   }
   return text;
@@ -126,6 +128,15 @@ TEST(TextThreads, ErrorsAndReportsDoNotDependOnTheirNumber) {
                                                 {"1e", false},
                                                 {"0x10", false},
                                                 {".", false},
+                                                {"-.", false},
+                                                {"-.e+05", false},
+                                                {"-e+05", false},
+                                                {"1e+0:", false},
+                                                {"1e,05", false},
+                                                {"-0e+00", true},
+                                                {"1.E-05", true},
+                                                {".5e+38", true},
+                                                {"3.4028236e+38", false},
                                                 {std::string(300, '1'), false},
                                                 {std::string(300, '0') + "7", true}};
   for (const auto& [word, isNumber] : cases)

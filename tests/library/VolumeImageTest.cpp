@@ -167,6 +167,14 @@ TEST(VolumeImage, LoadsTextArrays) {
   Check("TextArray 2 1 1 1 -4 -2", "2x1x1 255 255");
   Check("TextArray 2 1 1 1 0 -1", "2x1x1 0 0");
   Check("TextArray 3 1 1 1 -0 0 -1", "3x1x1 0 0 255");
+  for (const bool negative : {true, false}) { // the sign of the first zero
+    std::string numbers, voxels;
+    for (int i = 0; i < 70; ++i) {
+      numbers += i == 5 ? (negative ? " -0" : " 0") : i == 34 ? (negative ? " 0" : " -0") : " -1";
+      voxels += i != 5 && i != 34 && negative ? " 255" : " 0";
+    }
+    Check("TextArray 70 1 1 1" + numbers, "70x1x1" + voxels);
+  }
   Check("TextArray 2 1 1 1 41 0", "2x1x1 254 0");
   Check("TextArray 1 1 1 1", "1x1x1 0", {Failed});
   // Numbers that cannot be read end the reading.

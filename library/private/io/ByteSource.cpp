@@ -27,11 +27,11 @@ ByteSource::~ByteSource() {
 
 /// Moves the available bytes to the front of the window, or of a larger one, and reads more behind them.
 std::size_t ByteSource::Refill(std::size_t p_count) {
-  if (_size < p_count) {
-    std::unique_ptr<unsigned char[]> larger(new unsigned char[p_count + Slack]);
-    std::memcpy(larger.get(), Data(), _end - _next);
+  if (_size < p_count || !_window) {
+    _size = std::max(_size, p_count);
+    std::unique_ptr<unsigned char[]> larger(new unsigned char[_size + Slack]);
+    std::copy_n(Data(), _end - _next, larger.get());
     _window = std::move(larger);
-    _size = p_count;
   } else {
     std::memmove(_window.get(), Data(), _end - _next);
   }
@@ -48,8 +48,14 @@ std::size_t ByteSource::Refill(std::size_t p_count) {
 
 std::size_t ByteSource::Read(unsigned char* p_target, std::size_t p_count) {
   const std::size_t available = std::min(_end - _next, p_count);
-  std::memcpy(p_target, Data(), available);
+  std::copy_n(Data(), available, p_target);
   Take(available);
+  if (_next == _end) { // no window is needed as long as bytes are taken here
+    _passed += _next;
+    _next = _end = 0;
+    _window.reset();
+    _size = WindowSize;
+  }
   std::size_t count = available;
   while (count < p_count && !_ended) {
     const std::size_t got = ReadOn(p_target + count, p_count - count);
@@ -65,7 +71,7 @@ void ByteSource::Unread(const unsigned char* p_bytes, std::size_t p_count) {
   const std::size_t size = std::max(WindowSize, p_count + available);
   std::unique_ptr<unsigned char[]> window(new unsigned char[size + Slack]);
   std::memcpy(window.get(), p_bytes, p_count);
-  std::memcpy(window.get() + p_count, Data(), available);
+  std::copy_n(Data(), available, window.get() + p_count);
   _passed = Position() - p_count;
   _window = std::move(window);
   _size = size;

@@ -97,16 +97,34 @@ constexpr Moves MakeMoves() {
 }
 constexpr Moves DigitMoves = MakeMoves();
 
-/// Powers of ten, each the nearest double.
-constexpr int LargestPower = 60;
-const std::array<double, 2 * LargestPower + 1> PowersOfTen = [] {
-  std::array<double, 2 * LargestPower + 1> powers{};
-  for (int i = -LargestPower; i <= LargestPower; ++i) {
+VEK_AVX2_INLINE __m128i MovesOf(int p_size, int p_point) {
+  return _mm_load_si128(reinterpret_cast<const __m128i*>(DigitMoves.of[p_size][p_point]));
+}
+
+/// Powers of ten, each the nearest double. Times an integer of up to 16 digits they are 0 or normal floats.
+constexpr int LeastPower = -37;
+constexpr int MostPower = 22;
+const std::array<double, MostPower - LeastPower + 1> PowersOfTen = [] {
+  std::array<double, MostPower - LeastPower + 1> powers{};
+  for (int i = LeastPower; i <= MostPower; ++i) {
     const std::string text = "1e" + std::to_string(i);
-    std::from_chars(text.data(), text.data() + text.size(), powers[std::size_t(i + LargestPower)]);
+    std::from_chars(text.data(), text.data() + text.size(), powers[std::size_t(i - LeastPower)]);
   }
   return powers;
 }();
+
+/// 'E' to 'e'.
+VEK_AVX2_INLINE __m128i Small(__m128i p_text) {
+  return _mm_or_si128(p_text, _mm_set1_epi8('a' - 'A'));
+}
+
+constexpr bool IsNormal(int p_power) {
+  return p_power >= LeastPower && p_power <= MostPower;
+}
+
+VEK_AVX2_INLINE std::uint32_t Equal(__m128i p_text, char p_character) {
+  return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(p_text, _mm_set1_epi8(p_character))));
+}
 
 /// The integer of sixteen digits, the first of them in the first byte.
 VEK_AVX2_INLINE std::uint64_t Joined(__m128i p_digits) {
@@ -119,60 +137,48 @@ VEK_AVX2_INLINE std::uint64_t Joined(__m128i p_digits) {
 }
 
 /// The float of a number between p_low and p_high times a power of ten. False where rounding leaves it open.
-VEK_AVX2_INLINE bool RoundedFloat(std::uint64_t p_low, std::uint64_t p_high, int p_power, bool p_negative,
+VEK_AVX2_INLINE bool BoundedFloat(std::uint64_t p_low, std::uint64_t p_high, int p_power, bool p_negative,
                                   float& p_value) {
   constexpr double Error = 4 * std::numeric_limits<double>::epsilon(); // of three roundings, and some more
-  if (p_power < -LargestPower || p_power > LargestPower)
+  if (!IsNormal(p_power))
     return false;
-  const double power = PowersOfTen[std::size_t(p_power + LargestPower)];
+  const double power = PowersOfTen[std::size_t(p_power - LeastPower)];
   const double low = static_cast<double>(static_cast<std::int64_t>(p_low)) * power * (1 - Error);
   const double high = static_cast<double>(static_cast<std::int64_t>(p_high)) * power * (1 + Error);
-  const float value = static_cast<float>(low);
-  p_value = p_negative ? -value : value;
-  const bool normal =
-      low > double(std::numeric_limits<float>::min()) && high < double(std::numeric_limits<float>::max());
-  return value == static_cast<float>(high) && (normal || p_high == 0);
+  p_value = static_cast<float>(Scan::Signs[p_negative] * low);
+  return static_cast<float>(low) == static_cast<float>(high);
 }
 
 /// The number behind the 'e' of a word. False where it is none, or is long.
 VEK_AVX2_INLINE bool ReadExponent(const char* p_first, const char* p_last, int& p_exponent) {
-  const bool negative = *p_first == '-';
-  const char* const digits = p_first + (negative || *p_first == '+' ? 1 : 0);
-  if (digits >= p_last || p_last - digits > 3)
-    return false;
-  int exponent = 0;
-  for (const char* at = digits; at != p_last; ++at) {
-    if (*at < '0' || *at > '9')
-      return false;
-    exponent = 10 * exponent + (*at - '0');
-  }
-  p_exponent = negative ? -exponent : exponent;
-  return true;
+  const int sign = ',' - *p_first; // 1 for '+', -1 for '-'
+  const unsigned int tens = static_cast<unsigned char>(p_first[1]) - unsigned('0');
+  const unsigned int ones = static_cast<unsigned char>(p_first[2]) - unsigned('0');
+  p_exponent = sign * static_cast<int>(10 * tens + ones);
+  return p_last - p_first == 3 && sign * sign == 1 && tens <= 9 && ones <= 9;
 }
 
-/// A word of at most 16 or 32 characters without sign: digits, a point and an exponent. Digits beyond the sixteenth
-/// only bound the value.
-template <bool IsLong>
-VEK_AVX2_INLINE bool ExponentFloat(const char* p_first, const char* p_last, bool p_negative, float& p_value) {
+/// A word of 17 to 32 characters without sign: digits, a point and an exponent. Digits beyond the sixteenth only bound
+/// the value.
+VEK_AVX2_INLINE bool LongFloat(const char* p_first, const char* p_last, bool p_negative, float& p_value) {
   const std::size_t size = std::size_t(p_last - p_first);
   const auto load = [&](std::size_t p_at)
                         VEK_AVX2 { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p_first + p_at)); };
-  const __m128i front = load(0), back = IsLong ? load(16) : _mm_setzero_si128();
+  const __m128i front = load(0), back = load(16);
   const auto bits = [](__m128i p_front, __m128i p_back) VEK_AVX2 {
-    const auto low = static_cast<std::uint32_t>(_mm_movemask_epi8(p_front));
-    return IsLong ? low | static_cast<std::uint32_t>(_mm_movemask_epi8(p_back)) << 16 : low;
+    return std::uint64_t(static_cast<std::uint32_t>(_mm_movemask_epi8(p_front))) |
+           std::uint64_t(static_cast<std::uint32_t>(_mm_movemask_epi8(p_back))) << 16;
   };
   const auto equal = [&](char p_character, __m128i p_front, __m128i p_back) VEK_AVX2 {
     const __m128i wanted = _mm_set1_epi8(p_character);
     return bits(_mm_cmpeq_epi8(p_front, wanted), _mm_cmpeq_epi8(p_back, wanted));
   };
-  const auto small = [](__m128i p_text) VEK_AVX2 { return _mm_or_si128(p_text, _mm_set1_epi8('a' - 'A')); };
   const auto aboveNine = [](__m128i p_digits)
                              VEK_AVX2 { return _mm_cmpeq_epi8(_mm_max_epu8(p_digits, _mm_set1_epi8(10)), p_digits); };
   const __m128i frontDigits = _mm_sub_epi8(front, _mm_set1_epi8('0'));
   const __m128i backDigits = _mm_sub_epi8(back, _mm_set1_epi8('0'));
   // Characters in front of the exponent.
-  const int mantissa = __builtin_ctzll(equal('e', small(front), small(back)) | std::uint64_t(1) << size);
+  const int mantissa = __builtin_ctzll(equal('e', Small(front), Small(back)) | std::uint64_t(1) << size);
   const std::uint64_t inside = (std::uint64_t(1) << mantissa) - 1;
   const std::uint64_t points = equal('.', front, back) & inside;
   const int point = __builtin_ctzll(points | std::uint64_t(1) << mantissa);
@@ -182,11 +188,9 @@ VEK_AVX2_INLINE bool ExponentFloat(const char* p_first, const char* p_last, bool
       (std::size_t(mantissa) < size && !ReadExponent(p_first + mantissa + 1, p_last, exponent)))
     return false;
   const int taken = std::min(mantissa, 16);
-  const unsigned char* const moves = DigitMoves.of[taken][std::min(point, taken)];
-  const std::uint64_t digits =
-      Joined(_mm_shuffle_epi8(frontDigits, _mm_load_si128(reinterpret_cast<const __m128i*>(moves))));
+  const std::uint64_t digits = Joined(_mm_shuffle_epi8(frontDigits, MovesOf(taken, std::min(point, taken))));
   const int power = point < taken ? point + 1 - taken : point - taken;
-  return RoundedFloat(digits, mantissa > taken ? digits + 1 : digits, power + exponent, p_negative, p_value);
+  return BoundedFloat(digits, mantissa > taken ? digits + 1 : digits, power + exponent, p_negative, p_value);
 }
 
 /// What is neither short nor plain.
@@ -194,40 +198,56 @@ VEK_AVX2 __attribute__((noinline)) bool OtherFloat(const char* p_first, const ch
                                                    float& p_value) {
   const bool negative = *p_first == '-';
   const char* const first = p_first + negative;
-  return (p_last - first <= 16 ? ExponentFloat<false>(first, p_last, negative, p_value)
-                               : p_last - first <= 32 && ExponentFloat<true>(first, p_last, negative, p_value)) ||
+  return (p_last - first > 16 && p_last - first <= 32 && LongFloat(first, p_last, negative, p_value)) ||
          AnyFloat({p_first, std::size_t(p_last - p_first)}, p_words, p_value);
 }
 
-/// A word of at most 15 digits and a point without sign; others in the general way.
-VEK_AVX2_INLINE bool WordFloat(const char* p_first, const char* p_last, Words p_words, float& p_value) {
+/// The first characters of a text as an integer times a power of ten. `p_values` are the digits, and 0 for each of
+/// `p_signs` characters in front. False where there are others than digits and a point, or no digits.
+VEK_AVX2_INLINE bool ReadDigits(__m128i p_text, __m128i p_values, int p_signs, int p_size, std::uint64_t& p_digits,
+                                int& p_power) {
+  const int point = __builtin_ctz(Equal(p_text, '.') | 1U << p_size);
+  const __m128i digits = _mm_shuffle_epi8(p_values, MovesOf(p_size, point));
+  const __m128i others = _mm_subs_epu8(digits, _mm_set1_epi8(9));
+  const int hasPoint = point < p_size ? 1 : 0;
+  p_digits = Joined(digits);
+  p_power = point + hasPoint - p_size;
+  return _mm_testz_si128(others, others) != 0 && p_size > p_signs + hasPoint;
+}
+
+/// The float of an integer times a power of ten. False where rounding leaves it open.
+VEK_AVX2_INLINE bool RoundedFloat(std::uint64_t p_digits, int p_power, bool p_negative, float& p_value) {
   constexpr std::uint64_t LostBits = (std::uint64_t(1) << 29) - 1;
   constexpr std::uint64_t Middle = std::uint64_t(1) << 28;
-  constexpr std::uint64_t Error = 4; // units of the last place of double
-  const bool negative = *p_first == '-';
-  const char* const first = p_first + negative;
-  const std::size_t size = std::size_t(p_last - first);
-  if (size <= 16) {
-    const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first));
-    const auto points = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(text, _mm_set1_epi8('.'))));
-    const auto point = std::size_t(__builtin_ctz(points | 1U << size));
-    const __m128i digits =
-        _mm_shuffle_epi8(_mm_sub_epi8(text, _mm_set1_epi8('0')),
-                         _mm_load_si128(reinterpret_cast<const __m128i*>(DigitMoves.of[size][point])));
-    const __m128i others = _mm_subs_epu8(digits, _mm_set1_epi8(9));
-    const std::size_t hasPoint = point < size ? 1 : 0;
-    if (_mm_testz_si128(others, others) != 0 && size > hasPoint) {
-      const double value =
-          static_cast<double>(static_cast<std::int64_t>(Joined(digits))) / Scan::PowersOfTen[size - point - hasPoint];
-      std::uint64_t bits;
-      std::memcpy(&bits, &value, sizeof bits);
-      p_value = static_cast<float>(Scan::Signs[negative] * value);
-      // Nearer to the middle of two floats the double may be on the wrong side.
-      if (((bits + Error - Middle) & LostBits) > 2 * Error)
-        return true;
-    }
-  }
-  return OtherFloat(p_first, p_last, p_words, p_value);
+  constexpr std::uint64_t Error = 4; // units of the last place of double: three roundings, of half to one unit each
+  const double value =
+      static_cast<double>(static_cast<std::int64_t>(p_digits)) * PowersOfTen[std::size_t(p_power - LeastPower)];
+  std::uint64_t bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  p_value = static_cast<float>(Scan::Signs[p_negative] * value);
+  // Nearer to the middle of two floats the double may be on the wrong side.
+  return ((bits + Error - Middle) & LostBits) > 2 * Error;
+}
+
+/// A word of at most 16 characters: digits, a point and an exponent.
+VEK_AVX2_INLINE bool WordFloat(const char* p_first, const char* p_last, float& p_value) {
+  const std::size_t size = std::size_t(p_last - p_first);
+  if (size > 16)
+    return false;
+  const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p_first));
+  // A minus is a leading 0. Found without comparing a character, which would set a part of a register only, and wait
+  // for the word before, whose value may be in the other parts.
+  const __m128i minus = _mm_and_si128(_mm_cmpeq_epi8(text, _mm_set1_epi8('-')), _mm_cvtsi32_si128(255));
+  const int negative = _mm_cvtsi128_si32(minus) & 1;
+  const __m128i values = _mm_andnot_si128(minus, _mm_sub_epi8(text, _mm_set1_epi8('0')));
+  std::uint64_t digits = 0;
+  int power = 0, exponent = 0;
+  if (ReadDigits(text, values, negative, static_cast<int>(size), digits, power))
+    return RoundedFloat(digits, power, negative != 0, p_value);
+  const int mantissa = __builtin_ctz(Equal(Small(text), 'e') | 1U << size);
+  return ReadDigits(text, values, negative, mantissa, digits, power) &&
+         ReadExponent(p_first + mantissa + 1, p_last, exponent) && IsNormal(power + exponent) &&
+         RoundedFloat(digits, power + exponent, negative != 0, p_value);
 }
 
 /// A bit for each of 64 characters that is a blank.
@@ -273,9 +293,13 @@ VEK_AVX2 FloatTexts ReadByAvx2(const char* p_first, const char* p_last, float* p
       count += changeCount;
     }
     const std::size_t words = std::min(count / 2, p_most - read.count);
-    for (std::size_t i = 0; i < words; ++i)
-      if (!WordFloat(p_first + borders[2 * i], p_first + borders[2 * i + 1], p_words, p_numbers[read.count + i]))
+    for (std::size_t i = 0; i < words; ++i) {
+      const char* const first = p_first + borders[2 * i];
+      const char* const last = p_first + borders[2 * i + 1];
+      float& number = p_numbers[read.count + i];
+      if (!WordFloat(first, last, number) && !OtherFloat(first, last, p_words, number))
         return {i == 0 ? read.end : p_first + borders[2 * i - 1], read.count + i};
+    }
     read.count += words;
     if (words != 0)
       read.end = p_first + borders[2 * words - 1];

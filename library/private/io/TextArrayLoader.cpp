@@ -6,6 +6,7 @@
 #include "platform/debug/Check.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
@@ -30,7 +31,21 @@ constexpr int FileTooShort = 221;
 
 unsigned char ToByte(float p_value, float p_scale) {
   const double scaled = static_cast<double>(p_value * p_scale) * 255.0;
-  return static_cast<unsigned char>(scaled > 0.0 ? std::min(scaled, 255.0) : 0.0); // not a number: 0
+  return static_cast<unsigned char>(std::min(std::max(0.0, scaled), 255.0)); // not a number: 0
+}
+
+/// The largest of numbers, and of -1e10. In several lanes, since a comparison waits for the one before.
+float Largest(const float* p_numbers, std::size_t p_count) {
+  std::array<float, 32> lanes;
+  lanes.fill(-1e10f);
+  const std::size_t whole = p_count / lanes.size() * lanes.size();
+  for (std::size_t i = 0; i < whole; i += lanes.size())
+    for (std::size_t lane = 0; lane < lanes.size(); ++lane)
+      lanes[lane] = std::max(lanes[lane], p_numbers[i + lane]);
+  float largest = *std::max_element(lanes.begin(), lanes.end());
+  for (std::size_t i = whole; i < p_count; ++i)
+    largest = std::max(largest, p_numbers[i]);
+  return largest;
 }
 
 /// Memory that takes pages when it is written, aligned to huge pages.
@@ -70,10 +85,8 @@ private:
   /// Counts numbers that were written behind the others.
   void Add(std::size_t p_count) {
     const float* const first = _numbers.get() + _read;
-    float maximum = _maximum;
-    for (std::size_t i = 0; i < p_count; ++i)
-      maximum = first[i] > maximum ? first[i] : maximum;
-    _maximum = maximum;
+    if (const float maximum = Largest(first, p_count); maximum > _maximum)
+      _maximum = *std::find(first, first + p_count, maximum); // the first one: zeros differ in sign
     _read += p_count;
   }
 
@@ -165,7 +178,7 @@ std::optional<TextVolume> Load(std::istream& p_stream, std::string_view p_path, 
   TextVolume volume{
       {static_cast<std::uint64_t>(file.s0), static_cast<std::uint64_t>(file.s1), static_cast<std::uint64_t>(file.s2)},
       {}};
-  ReserveLarge(volume.voxels, voxels);
+  ReserveConverted(volume.voxels, voxels);
   {
     NumberReader numbers(source, static_cast<std::size_t>(count), channels, p_threads);
     numbers.Read(p_path);

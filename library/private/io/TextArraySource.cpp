@@ -49,6 +49,9 @@ void TextSource::TakeBlanks() {
 
 namespace {
 
+/// Smaller than those of other files: numbers take as much memory besides.
+constexpr std::size_t FloatBlockBytes = std::min(BlockBytes, std::size_t{1} << 15);
+
 /// A block of text that ends with a blank, and its numbers.
 struct FloatBlock {
   std::unique_ptr<unsigned char[]> text; // neither is initialised
@@ -82,11 +85,11 @@ void TextSource::TakeFloats(Utility::Threads p_threads, std::uint64_t p_most, Wo
   steps.fill = [&](std::size_t p_slot) {
     FloatBlock& block = blocks[p_slot];
     if (!block.text) {
-      block.text.reset(new unsigned char[BlockBytes + FloatTextsSlack]);
-      block.numbers.reset(new float[BlockBytes]);
+      block.text.reset(new unsigned char[FloatBlockBytes + FloatTextsSlack]);
+      block.numbers.reset(new float[FloatBlockBytes]);
     }
     std::copy(rest.begin(), rest.end(), block.text.get());
-    const std::size_t got = stopped ? 0 : _bytes.Read(block.text.get() + rest.size(), BlockBytes - rest.size());
+    const std::size_t got = stopped ? 0 : _bytes.Read(block.text.get() + rest.size(), FloatBlockBytes - rest.size());
     const std::size_t size = rest.size() + got;
     for (block.size = size; block.size != 0 && !Scan::IsBlank(static_cast<char>(block.text[block.size - 1]));)
       --block.size;

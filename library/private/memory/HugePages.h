@@ -15,13 +15,15 @@ void ReleasePages(void* p_memory, std::size_t p_bytes);
 /// Sets memory to 0 without writing to what is 0 already: fresh memory is 0 and takes no pages until it is written.
 void ClearMemory(void* p_memory, std::size_t p_bytes);
 
-/// Reserves memory for p_count elements, with huge pages where that helps.
+/// Reserves memory for p_count elements, with huge pages where that helps. The first `p_small` elements keep small
+/// ones, which take memory only as they are written.
 template <class T>
-void ReserveLarge(std::vector<T>& p_vector, std::size_t p_count) {
+void ReserveLarge(std::vector<T>& p_vector, std::size_t p_count, std::size_t p_small = 0) {
   if (p_count <= p_vector.capacity())
     return;
   p_vector.reserve(p_count);
-  AdviseHugePages(p_vector.data(), p_count * sizeof(T));
+  if (p_small < p_count)
+    AdviseHugePages(p_vector.data() + p_small, (p_count - p_small) * sizeof(T));
 }
 
 } // namespace Vek::Chart::Library::Private
