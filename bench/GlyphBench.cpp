@@ -13,6 +13,10 @@
 #include "scene/DirectionalLight.h"
 #include "scene/InstancedMesh.h"
 
+#ifdef VEK_BENCH_VTK
+#include "VtkGlyphs.h"
+#endif
+
 #include <benchmark/benchmark.h>
 
 #include <QImage>
@@ -181,6 +185,101 @@ void Glyphs(benchmark::State& p_state, Kind p_kind) {
   p_state.counters["mean"] = MeanOfQuarter(fullImage, levelsImage);
   p_state.counters["select_ns"] = 1e9 * std::max(0.0, leastCulled - leastEmpty) / static_cast<double>(count);
 }
+/// Frames alone, each from another place: the CPU time, and that of choosing levels.
+void Frames(benchmark::State& p_state, Kind p_kind) {
+  Target target(static_cast<int>(p_state.range(1)));
+  const Field field(p_kind, static_cast<std::size_t>(p_state.range(0)));
+  const InstancedMesh mesh = field.Mesh(p_kind == Arrows ? InstancedMesh::Arrows() : InstancedMesh::Spheres(), p_kind);
+  target.Draw(mesh);
+  const InstancedMesh none;
+  double least = std::numeric_limits<double>::infinity(), leastSame = least, empty = least, shift = 0;
+  for (auto _ : p_state) {
+    const double seconds = target.Draw(mesh, shift += 1e-3);
+    p_state.SetIterationTime(seconds);
+    least = std::min(least, seconds);
+    leastSame = std::min(leastSame, target.Draw(mesh, shift));
+    empty = std::min(empty, target.Draw(none));
+  }
+  p_state.counters["least_ms"] = 1e3 * least;
+  p_state.counters["same_ms"] = 1e3 * leastSame;
+  p_state.counters["empty_ms"] = 1e3 * empty;
+}
+BENCHMARK_CAPTURE(Frames, Arrows, Arrows)
+    ->ArgsProduct({{10000, 100000, 1000000}, {0, 4}})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(10);
+BENCHMARK_CAPTURE(Frames, Spheres, Spheres)
+    ->ArgsProduct({{10000, 100000, 1000000}, {0, 4}})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(10);
+
+#ifdef VEK_BENCH_VTK
+/// The CPU time of a frame of vtkGlyph3DMapper, before our context is made: a thread has one current at a time.
+struct PeerFrames {
+  double least = std::numeric_limits<double>::infinity();
+  std::string renderer;
+  std::size_t vertices = 0; ///< of a glyph
+};
+
+PeerFrames DrawPeer(const Field& p_field, Kind p_kind, int p_samples) {
+  Vek::Bench::VtkGlyphs vtk(Width, Height, p_samples, p_field.positions,
+                            p_kind == Arrows ? p_field.directions : Points(), p_field.sizes, p_field.values);
+  vtk.Draw(0);
+  PeerFrames frames;
+  frames.renderer = vtk.Renderer();
+  frames.vertices = vtk.Vertices();
+  for (int i = 1; i < 4; ++i) {
+    const double start = CpuSeconds();
+    vtk.Draw(1e-3 * i);
+    frames.least = std::min(frames.least, CpuSeconds() - start);
+  }
+  if (const char* const folder = std::getenv("GLYPH_IMAGES"))
+    vtk.Save(std::string(folder) + (p_kind == Arrows ? "/arrows-" : "/spheres-") +
+             std::to_string(p_field.positions.size()) + "-vtk.png");
+  return frames;
+}
+
+void Peer(benchmark::State& p_state, Kind p_kind) {
+  if (std::getenv("DISPLAY") == nullptr)
+    return p_state.SkipWithError("VTK needs an X server: run with tests/support/with-display");
+  const Field field(p_kind, static_cast<std::size_t>(p_state.range(0)));
+  const auto samples = static_cast<int>(p_state.range(1));
+  const PeerFrames peer = DrawPeer(field, p_kind, samples);
+  Target target(samples);
+  if (peer.renderer.find(target.context.Renderer()) == std::string::npos)
+    return p_state.SkipWithError(("VTK draws with another renderer:" + peer.renderer).c_str());
+  const InstancedMesh mesh = field.Mesh(p_kind == Arrows ? InstancedMesh::Arrows() : InstancedMesh::Spheres(), p_kind);
+  target.Draw(mesh);
+  double least = std::numeric_limits<double>::infinity(), shift = 0;
+  for (auto _ : p_state) {
+    const double seconds = target.Draw(mesh, shift += 1e-3);
+    least = std::min(least, seconds);
+    p_state.SetIterationTime(seconds);
+  }
+  p_state.counters["vtk_ms"] = 1e3 * peer.least;
+  p_state.counters["vtk_vertices"] = static_cast<double>(peer.vertices);
+  p_state.counters["of_vtk"] = peer.least / least;
+}
+BENCHMARK_CAPTURE(Peer, Arrows, Arrows)
+    ->Args({10000, 0})
+    ->Args({100000, 0})
+    ->Args({1000000, 0})
+    ->Args({100000, 4})
+    ->Args({1000000, 4})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
+BENCHMARK_CAPTURE(Peer, Spheres, Spheres)
+    ->Args({10000, 0})
+    ->Args({100000, 0})
+    ->Args({1000000, 0})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
+#endif
+
 BENCHMARK_CAPTURE(Glyphs, Arrows, Arrows)
     ->Args({10000, 4})
     ->Args({100000, 4})
