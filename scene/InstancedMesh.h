@@ -10,7 +10,6 @@
 #include "library/ColorMap.h"
 #include "platform/ogl/PerContext.h"
 #include "platform/ogl/Rgl.h"
-#include "platform/ogl/ShaderProgram.h"
 #include "platform/ogl/Vec.h"
 #include "platform/types/Geometry.h"
 #include "platform/types/Matrix.h"
@@ -21,9 +20,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <limits>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -170,20 +167,10 @@ private:
   template <class T>
   using Shared = boost::shared_ptr<const std::vector<T>>;
   struct Buffers;
-  /// What a drawing writes to each pixel.
-  enum class Paint { Colors, Depths, Ids };
+  struct Drawing;
 
   void RequireLength(const char* p_name, std::size_t p_count) const;
   void CompleteLevels();
-  bool Upload(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const;
-  bool Select(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const;
-  bool Prepare(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const;
-  void DrawLast(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, Paint p_paint,
-                const Ogl::ShaderProgram& p_program) const;
-  void DrawLevel(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, std::size_t p_level,
-                 const Ogl::ShaderProgram& p_program) const;
-  void DrawLevels(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint, const std::string& p_body,
-                  const std::function<void(const Ogl::ShaderProgram&)>& p_setUniforms) const;
 
   std::vector<Level> _levels;
   std::vector<GpuMesh> _repeated;   ///< the mesh of each level, several times if it is small

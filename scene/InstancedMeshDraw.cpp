@@ -11,7 +11,8 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
+#include <functional>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -57,33 +58,55 @@ bool HasLevels(const Utility::Scoped<Rgl>& p_gl, std::size_t p_count) {
 
 } // namespace
 
-/// Uploads what changed and what `p_paint` paints with.
-bool InstancedMesh::Upload(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const {
-  return p_buffers.positions.Update(*p_gl, _positions, Signature) && p_buffers.sizes.Update(*p_gl, _sizes, Signature) &&
-         p_buffers.axes.Update(*p_gl, _axes, Signature) &&
-         (p_paint != Paint::Colors || (_colors ? p_buffers.paint.Update(*p_gl, _colors, Signature)
-                                               : p_buffers.paint.Update(*p_gl, _values, Signature))) &&
-         (p_paint != Paint::Ids || p_buffers.ids.Update(*p_gl, _ids, Signature));
+/// A drawing of a mesh with what it draws into.
+struct InstancedMesh::Drawing {
+  using SetUniforms = std::function<void(const Ogl::ShaderProgram&)>;
+
+  bool Upload();
+  bool Select();
+  void Draw(const std::map<std::string, int>& p_constants, const SetUniforms& p_setUniforms);
+  InstanceShaders ShadersOf(const std::map<std::string, int>& p_constants) const;
+  bool BindTextures();
+  void DrawLast(InstanceShaders p_shaders);
+  void DrawLevel(std::size_t p_level, InstanceShaders p_shaders);
+  void DrawWith(const InstanceShaders& p_shaders, const Level& p_level, const SetUniforms& p_draw);
+
+  Utility::Scoped<Rgl>& gl;
+  const InstancedMesh& mesh;
+  Paint paint;
+  Buffers& buffers = mesh._buffers.Get(gl);
+  bool hasLevels = HasLevels(gl, mesh.Count());
+  SetUniforms setUniforms{};
+};
+
+/// Uploads what changed and what `paint` paints with.
+bool InstancedMesh::Drawing::Upload() {
+  return buffers.positions.Update(*gl, mesh._positions, Signature) &&
+         buffers.sizes.Update(*gl, mesh._sizes, Signature) && buffers.axes.Update(*gl, mesh._axes, Signature) &&
+         (paint != Paint::Colors || (mesh._colors ? buffers.paint.Update(*gl, mesh._colors, Signature)
+                                                  : buffers.paint.Update(*gl, mesh._values, Signature))) &&
+         (paint != Paint::Ids || buffers.ids.Update(*gl, mesh._ids, Signature));
 }
 
 /// Finds the levels, if asked for or not yet known, and uploads the order of the instances.
-bool InstancedMesh::Select(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint) const {
-  InstanceSelection& selection = p_buffers.selection;
-  InstanceSelection::Input input{_positions, _sizes, _axes, {}, Reach(_levels), _leastPixels, _mostVertices, {}, {}};
-  for (const Level& level : _levels)
+bool InstancedMesh::Drawing::Select() {
+  InstanceSelection& selection = buffers.selection;
+  InstanceSelection::Input input{mesh._positions,   mesh._sizes,        mesh._axes, {}, Reach(mesh._levels),
+                                 mesh._leastPixels, mesh._mostVertices, {},         {}};
+  for (const Level& level : mesh._levels)
     input.levels.push_back({level.mostPixels, level.mesh.VertexCount()});
-  input.view = input.sizing = Projection::Of(p_gl);
-  if (p_paint != Paint::Colors && selection.Fits(_positions, _sizes, _levels.size()))
+  input.view = input.sizing = Projection::Of(gl);
+  if (paint != Paint::Colors && selection.Fits(mesh._positions, mesh._sizes, mesh._levels.size()))
     input.sizing = selection.Sizing();
-  if (!selection.Update(std::move(input)) && p_buffers.order.Count() != 0)
+  if (!selection.Update(std::move(input)) && buffers.order.Count() != 0)
     return true;
-  if (p_buffers.order.Count() != Count())
-    p_buffers.order = p_gl->GetBufferPool().CreateBuffer<std::uint32_t>(Count(), Ogl::BufferUsage::Dynamic);
-  if (p_buffers.order.Count() == 0)
+  if (buffers.order.Count() != mesh.Count())
+    buffers.order = gl->GetBufferPool().CreateBuffer<std::uint32_t>(mesh.Count(), Ogl::BufferUsage::Dynamic);
+  if (buffers.order.Count() == 0)
     return false; // reported by the pool
   if (selection.Count() == 0)
     return true;
-  const Ogl::Buffer<std::uint32_t> order = std::exchange(p_buffers.order, {});
+  const Ogl::Buffer<std::uint32_t> order = std::exchange(buffers.order, {});
   {
     const Ogl::BufferPool::WriteArray<std::uint32_t> mapped(order, 0, selection.Count(), RGL_ARRAY_BUFFER);
     if (!VEK_ENSURE_TEXT(mapped.Count() == selection.Count(), "mapped.Count() == selection.Count()", Signature))
@@ -92,18 +115,50 @@ bool InstancedMesh::Select(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint
   }
   if (order.Storage()->ContentsLost())
     return false; // reported by the mapping
-  p_buffers.order = order;
+  buffers.order = order;
   return true;
 }
 
-/// Draws all instances with the last level, with the program in use.
-void InstancedMesh::DrawLast(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, Paint p_paint,
-                             const Ogl::ShaderProgram& p_program) const {
-  const Level& level = _levels.back();
-  p_program.SetUniform(p_gl, "center", level.origin);
-  p_program.SetUniform(p_gl, "fit", static_cast<float>(level.scale));
-  p_program.SetUniform(p_gl, "facing", 0);
-  p_program.SetUniform(p_gl, "lighting", LightingOf(level.mesh));
+/// What all levels have in common.
+InstanceShaders InstancedMesh::Drawing::ShadersOf(const std::map<std::string, int>& p_constants) const {
+  InstanceShaders shaders{hasLevels ? Fetch::Textures : Fetch::Attributes, Fragments::Mesh, paint, p_constants};
+  std::map<std::string, int>& constants = shaders.constants;
+  constants["sized"] = buffers.sizes ? 1 : 0;
+  constants["oriented"] = !buffers.axes ? 0 : mesh._axisFloats == DirectionFloats ? 1 : 2;
+  constants["painted"] = paint == Paint::Ids || (paint == Paint::Colors && buffers.paint) ? 1 : 0;
+  constants["numbered"] = paint == Paint::Ids && !buffers.ids ? 1 : 0;
+  constants["widened"] = mesh._leastPixels > 0 ? 1 : 0;
+  return shaders;
+}
+
+/// Calls `p_draw` with the program of the shaders, its uniforms set.
+void InstancedMesh::Drawing::DrawWith(const InstanceShaders& p_shaders, const Level& p_level,
+                                      const SetUniforms& p_draw) {
+  auto found = buffers.programs.find(p_shaders);
+  if (found == buffers.programs.end()) {
+    const std::vector<std::string> attributes{"", "place", "", "", "", "size", "axis_x", "axis_y", "", "paint"};
+    const Ogl::ShaderProgram program(gl, p_shaders.VertexText(), p_shaders.FragmentText(),
+                                     hasLevels ? std::vector<std::string>() : attributes);
+    if (!program.Linked())
+      return; // reported
+    found = buffers.programs.emplace(p_shaders, program).first;
+  }
+  const Ogl::ShaderProgram& program = found->second;
+  const auto inUse = program.Use(gl);
+  setUniforms(program);
+  const double pixels = Projection::Of(gl).pixels;
+  program.SetUniform(gl, "up", mesh._up);
+  program.SetUniform(gl, "least", static_cast<float>(pixels > 0 ? mesh._leastPixels / pixels : 0));
+  program.SetUniform(gl, "center", p_level.origin);
+  program.SetUniform(gl, "fit", static_cast<float>(p_level.scale));
+  p_draw(program);
+}
+
+/// Draws all instances with the last level, where there are no levels.
+void InstancedMesh::Drawing::DrawLast(InstanceShaders p_shaders) {
+  const Level& level = mesh._levels.back();
+  p_shaders.constants["facing"] = 0;
+  p_shaders.constants["lighting"] = LightingOf(level.mesh);
   std::vector<GpuMesh::InstanceAttribute> attributes;
   const auto add = [&](unsigned int p_location, const GpuArray& p_array, std::size_t p_record, std::size_t p_offset,
                        unsigned int p_components, bool p_bytes) {
@@ -111,17 +166,18 @@ void InstancedMesh::DrawLast(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffer
       attributes.push_back(
           {p_location, p_array.Storage(), p_offset, static_cast<unsigned int>(p_record), p_components, p_bytes});
   };
-  const std::size_t axes = _axisFloats * sizeof(float);
-  add(PlaceLocation, p_buffers.positions, sizeof(Record), 0, 3, false);
-  add(SizeLocation, p_buffers.sizes, sizeof(float), 0, 1, false);
-  add(AxisXLocation, p_buffers.axes, axes, 0, 3, false);
-  if (_axisFloats == RotationFloats)
-    add(AxisYLocation, p_buffers.axes, axes, axes / 2, 3, false);
-  const bool paintsBytes = p_paint == Paint::Ids || _colors != nullptr;
-  if (p_paint != Paint::Depths)
-    add(PaintLocation, p_paint == Paint::Ids ? p_buffers.ids : p_buffers.paint, sizeof(float), 0, paintsBytes ? 4 : 1,
+  const std::size_t axes = mesh._axisFloats * sizeof(float);
+  add(PlaceLocation, buffers.positions, sizeof(Record), 0, 3, false);
+  add(SizeLocation, buffers.sizes, sizeof(float), 0, 1, false);
+  add(AxisXLocation, buffers.axes, axes, 0, 3, false);
+  if (mesh._axisFloats == RotationFloats)
+    add(AxisYLocation, buffers.axes, axes, axes / 2, 3, false);
+  const bool paintsBytes = paint == Paint::Ids || mesh._colors != nullptr;
+  if (paint != Paint::Depths)
+    add(PaintLocation, paint == Paint::Ids ? buffers.ids : buffers.paint, sizeof(float), 0, paintsBytes ? 4 : 1,
         paintsBytes);
-  level.mesh.DrawInstanced(p_gl, Count(), attributes);
+  DrawWith(p_shaders, level,
+           [&](const Ogl::ShaderProgram&) { level.mesh.DrawInstanced(gl, mesh.Count(), attributes); });
 }
 
 namespace {
@@ -152,99 +208,68 @@ boost::shared_ptr<void> WithoutCuts(const Utility::Scoped<Rgl>& p_gl, int p_cuts
 
 } // namespace
 
-/// Draws the instances of a level, with the program in use.
-void InstancedMesh::DrawLevel(Utility::Scoped<Rgl>& p_gl, const Buffers& p_buffers, std::size_t p_level,
-                              const Ogl::ShaderProgram& p_program) const {
-  const Level& level = _levels[p_level];
-  const InstanceSelection::Range& range = p_buffers.selection.Ranges()[p_level];
-  const std::size_t copies = _copies[p_level];
-  p_program.SetUniform(p_gl, "center", level.origin);
-  p_program.SetUniform(p_gl, "fit", static_cast<float>(level.scale));
-  p_program.SetUniform(p_gl, "facing", level.facing == Level::Facing::Rotated ? 0 : 1);
-  p_program.SetUniform(p_gl, "lighting",
-                       level.facing == Level::Facing::Rotated   ? LightingOf(level.mesh)
-                       : level.facing == Level::Facing::Outline ? ByShade
-                                                                : ByOneNormal);
-  p_program.SetUniform(p_gl, "first", static_cast<int>(range.first));
-  p_program.SetUniform(p_gl, "count", static_cast<int>(range.count));
-  p_program.SetUniform(p_gl, "copies", static_cast<int>(copies));
-  _repeated[p_level].DrawInstanced(p_gl, (range.count + copies - 1) / copies, {});
+bool InstancedMesh::Drawing::BindTextures() {
+  const GpuArray& paints = paint == Paint::Ids ? buffers.ids : buffers.paint;
+  const std::array<std::pair<Ogl::GlEnum, unsigned int>, 5> sources{
+      {{RGL_R32UI, buffers.order.Name()},
+       {RGL_RGB32F, buffers.positions.Name()},
+       {RGL_R32F, buffers.sizes.Name()},
+       {RGL_RGB32F, buffers.axes.Name()},
+       {paint == Paint::Ids || mesh._colors ? RGL_RGBA8 : RGL_R32F, paints.Name()}}};
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    if (!buffers.textures[i])
+      buffers.textures[i] = gl->GenTexture();
+    if (!buffers.textures[i])
+      return false; // reported
+    gl->ActiveTexture(RGL_TEXTURE0 + static_cast<unsigned int>(FirstUnit) + static_cast<unsigned int>(i));
+    gl->BindTexture(RGL_TEXTURE_BUFFER, buffers.textures[i]->Name());
+    gl->TexBuffer(RGL_TEXTURE_BUFFER, sources[i].first, sources[i].second);
+  }
+  gl->ActiveTexture(RGL_TEXTURE0);
+  return true;
 }
 
-/// Draws all levels with fragment shaders of the same body.
-void InstancedMesh::DrawLevels(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, Paint p_paint, const std::string& p_body,
-                               const std::function<void(const Ogl::ShaderProgram&)>& p_setUniforms) const {
-  const bool hasLevels = HasLevels(p_gl, Count());
-  if (p_paint == Paint::Ids && !hasLevels && !_ids && !p_buffers.numbers)
-    p_buffers.numbers = Share(StoredIds({}, Count()));
-  if (!Upload(p_gl, p_buffers, p_paint) || (hasLevels && !Select(p_gl, p_buffers, p_paint)))
-    return;
-  if (p_buffers.numbers && !p_buffers.ids.Update(*p_gl, p_buffers.numbers, Signature))
-    return;
-  const Projection projection = Projection::Of(p_gl);
-  const auto with = [&](Fragments p_fragments, const auto& p_draw) {
-    std::optional<Ogl::ShaderProgram>& program =
-        p_buffers.programs[static_cast<std::size_t>(p_paint)][static_cast<std::size_t>(p_fragments)];
-    const Fetch fetch = hasLevels ? Fetch::Textures : Fetch::Attributes;
-    if (!program || !program->Linked())
-      program.emplace(p_gl, InstanceVertexText(fetch, p_fragments), InstanceFragmentText(p_body, fetch, p_fragments),
-                      hasLevels
-                          ? std::vector<std::string>()
-                          : std::vector<std::string>{"", "place", "", "", "", "size", "axis_x", "axis_y", "", "paint"});
-    if (!program->Linked())
-      return; // reported
-    const auto inUse = program->Use(p_gl);
-    p_setUniforms(*program);
-    const bool painted = p_paint == Paint::Ids || (p_paint == Paint::Colors && p_buffers.paint);
-    program->SetUniform(p_gl, "sized", p_buffers.sizes ? 1 : 0);
-    program->SetUniform(p_gl, "oriented", !p_buffers.axes ? 0 : _axisFloats == DirectionFloats ? 1 : 2);
-    program->SetUniform(p_gl, "painted", painted ? 1 : 0);
-    program->SetUniform(p_gl, "numbered", p_paint == Paint::Ids && !p_buffers.ids ? 1 : 0);
-    program->SetUniform(p_gl, "up", _up);
-    program->SetUniform(p_gl, "least",
-                        static_cast<float>(projection.pixels > 0 ? _leastPixels / projection.pixels : 0));
-    p_draw(*program);
-  };
-  if (!hasLevels)
-    return with(Fragments::Mesh,
-                [&](const Ogl::ShaderProgram& p_program) { DrawLast(p_gl, p_buffers, p_paint, p_program); });
+/// Draws the instances of a level.
+void InstancedMesh::Drawing::DrawLevel(std::size_t p_level, InstanceShaders p_shaders) {
+  const Level& level = mesh._levels[p_level];
+  const InstanceSelection::Range& range = buffers.selection.Ranges()[p_level];
+  const std::size_t copies = mesh._copies[p_level];
+  const bool isSphere = level.facing == Level::Facing::Sphere, isOutline = level.facing == Level::Facing::Outline;
+  const int cuts = isSphere ? EnabledCuts(gl) : 0;
+  p_shaders.fragments = isSphere ? Fragments::Spheres : Fragments::Mesh;
+  p_shaders.constants["facing"] = isOutline ? 1 : 0;
+  p_shaders.constants["lighting"] = isOutline ? ByShade : isSphere ? ByOneNormal : LightingOf(level.mesh);
+  p_shaders.constants["repeated"] = copies > 1 ? 1 : 0;
+  p_shaders.constants["cuts"] = cuts;
+  DrawWith(p_shaders, level, [&](const Ogl::ShaderProgram& p_program) {
+    for (std::size_t i = 0; i < TextureNames.size(); ++i)
+      p_program.SetUniform(gl, TextureNames[i], FirstUnit + static_cast<int>(i));
+    p_program.SetUniform(gl, "first", static_cast<int>(range.first));
+    p_program.SetUniform(gl, "count", static_cast<int>(range.count));
+    p_program.SetUniform(gl, "copies", static_cast<int>(copies));
+    const auto uncut = WithoutCuts(gl, cuts);
+    mesh._repeated[p_level].DrawInstanced(gl, (range.count + copies - 1) / copies, {});
+  });
+}
 
-  const auto state = p_gl->PushAttribScope(RGL_TEXTURE_BIT);
-  const GpuArray& paint = p_paint == Paint::Ids ? p_buffers.ids : p_buffers.paint;
-  const std::array<std::pair<Ogl::GlEnum, unsigned int>, 5> sources{
-      {{RGL_R32UI, p_buffers.order.Name()},
-       {RGL_RGB32F, p_buffers.positions.Name()},
-       {RGL_R32F, p_buffers.sizes.Name()},
-       {RGL_RGB32F, p_buffers.axes.Name()},
-       {p_paint == Paint::Ids || _colors ? RGL_RGBA8 : RGL_R32F, paint.Name()}}};
-  for (std::size_t i = 0; i < sources.size(); ++i) {
-    if (!p_buffers.textures[i])
-      p_buffers.textures[i] = p_gl->GenTexture();
-    if (!p_buffers.textures[i])
-      return; // reported
-    p_gl->ActiveTexture(RGL_TEXTURE0 + static_cast<unsigned int>(FirstUnit) + static_cast<unsigned int>(i));
-    p_gl->BindTexture(RGL_TEXTURE_BUFFER, p_buffers.textures[i]->Name());
-    p_gl->TexBuffer(RGL_TEXTURE_BUFFER, sources[i].first, sources[i].second);
-  }
-  p_gl->ActiveTexture(RGL_TEXTURE0);
-  for (const Fragments fragments : {Fragments::Mesh, Fragments::Spheres}) {
-    std::vector<std::size_t> levels;
-    for (std::size_t level = 0; level < _levels.size(); ++level)
-      if ((_levels[level].facing == Level::Facing::Sphere) == (fragments == Fragments::Spheres) &&
-          p_buffers.selection.Ranges()[level].count != 0)
-        levels.push_back(level);
-    if (levels.empty())
-      continue;
-    with(fragments, [&](const Ogl::ShaderProgram& p_program) {
-      for (std::size_t i = 0; i < TextureNames.size(); ++i)
-        p_program.SetUniform(p_gl, TextureNames[i], FirstUnit + static_cast<int>(i));
-      const int cuts = fragments == Fragments::Spheres ? EnabledCuts(p_gl) : 0;
-      p_program.SetUniform(p_gl, "cuts", cuts);
-      const auto uncut = WithoutCuts(p_gl, cuts);
-      for (const std::size_t level : levels)
-        DrawLevel(p_gl, p_buffers, level, p_program);
-    });
-  }
+/// Draws all levels. The constants and uniforms are those of the painting.
+void InstancedMesh::Drawing::Draw(const std::map<std::string, int>& p_constants, const SetUniforms& p_setUniforms) {
+  setUniforms = p_setUniforms;
+  if (paint == Paint::Ids && !hasLevels && !mesh._ids && !buffers.numbers)
+    buffers.numbers = Share(StoredIds({}, mesh.Count()));
+  if (!Upload() || (hasLevels && !Select()))
+    return;
+  if (buffers.numbers && !buffers.ids.Update(*gl, buffers.numbers, Signature))
+    return;
+  const InstanceShaders shaders = ShadersOf(p_constants);
+  if (!hasLevels)
+    return DrawLast(shaders);
+  const auto state = gl->PushAttribScope(RGL_TEXTURE_BIT);
+  if (!BindTextures())
+    return;
+  for (std::size_t level = 0; level < mesh._levels.size(); ++level)
+    if (buffers.selection.Ranges()[level].count != 0)
+      DrawLevel(level, shaders);
 }
 
 void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
@@ -253,14 +278,17 @@ void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_
   if (Count() == 0 || _levels.empty())
     return;
   const auto map = p_colors.Bind(p_gl);
-  DrawLevels(p_gl, _buffers.Get(p_gl), Paint::Colors, LitColorBody(), [&](const Ogl::ShaderProgram& p_program) {
-    SetColorUniforms(p_gl, p_program, _colors ? ByColor : ByValue, p_colors, p_scale, p_pass);
-  });
+  const Painting painting = _colors ? ByColor : ByValue;
+  Drawing{p_gl, *this, Paint::Colors}.Draw(
+      {{"painting", painting}, {"logarithmic", p_scale.logarithmic ? 1 : 0}, {"peeled", p_pass != nullptr ? 1 : 0}},
+      [&](const Ogl::ShaderProgram& p_program) {
+        SetColorUniforms(p_gl, p_program, painting, p_colors, p_scale, p_pass);
+      });
 }
 
 void InstancedMesh::DrawDepths(Utility::Scoped<Rgl>& p_gl) const {
   if (Count() != 0 && !_levels.empty())
-    DrawLevels(p_gl, _buffers.Get(p_gl), Paint::Depths, PackedDepthText(), [](const Ogl::ShaderProgram&) {});
+    Drawing{p_gl, *this, Paint::Depths}.Draw({{"peeled", 0}}, [](const Ogl::ShaderProgram&) {});
 }
 
 void InstancedMesh::DrawIds(Utility::Scoped<Rgl>& p_gl, unsigned int p_plot) const {
@@ -268,7 +296,7 @@ void InstancedMesh::DrawIds(Utility::Scoped<Rgl>& p_gl, unsigned int p_plot) con
     throw std::invalid_argument("InstancedMesh: expected a plot below " + std::to_string(PickPass::MostPlots) +
                                 ", got " + std::to_string(p_plot));
   if (Count() != 0 && !_levels.empty())
-    DrawLevels(p_gl, _buffers.Get(p_gl), Paint::Ids, InstanceIdBody, [&](const Ogl::ShaderProgram& p_program) {
+    Drawing{p_gl, *this, Paint::Ids}.Draw({{"peeled", 0}}, [&](const Ogl::ShaderProgram& p_program) {
       p_program.SetUniform(p_gl, "plot", static_cast<float>(p_plot + 1) / 255);
     });
 }

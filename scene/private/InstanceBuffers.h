@@ -3,6 +3,7 @@
 #include "scene/InstancedMesh.h"
 #include "scene/private/GpuArray.h"
 #include "scene/private/InstanceSelection.h"
+#include "scene/private/InstanceShaders.h"
 
 #include "platform/ogl/BufferPool.h"
 #include "platform/ogl/Objects.h"
@@ -12,16 +13,13 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
+#include <map>
 #include <vector>
 
 namespace Vek::Chart::Scene {
 
 /// The buffers and shaders of one context.
 struct InstancedMesh::Buffers {
-  /// For meshes and for spheres.
-  using Programs = std::array<std::optional<Ogl::ShaderProgram>, 2>;
-
   Private::GpuArray positions;
   Private::GpuArray sizes;
   Private::GpuArray axes;
@@ -31,7 +29,7 @@ struct InstancedMesh::Buffers {
   Private::InstanceSelection selection;
   Ogl::Buffer<std::uint32_t> order;
   std::array<boost::shared_ptr<Ogl::Texture>, 5> textures;
-  std::array<Programs, 3> programs; ///< by what is painted
+  std::map<Private::InstanceShaders, Ogl::ShaderProgram> programs;
 };
 
 namespace Private {

@@ -1,6 +1,8 @@
 #include "scene/private/InstanceShaders.h"
 
+#include "scene/DepthShader.h"
 #include "scene/private/MeshShaders.h"
+#include "scene/private/PeelShader.h"
 
 namespace Vek::Chart::Scene::Private {
 
@@ -25,6 +27,7 @@ uniform samplerBuffer paints;
 uniform int first;             // of the level
 uniform int count;
 uniform int copies;            // of the mesh, each for another instance
+uniform int repeated;          // whether there are several
 uniform int numbered;          // whether instances are painted with their own numbers
 vec3 place;
 float size = 1.0;
@@ -33,7 +36,7 @@ vec3 axis_y;
 vec4 paint;
 int number;
 void Fetch() {
-  number = copies > 1 ? gl_InstanceID * copies + int(gl_MultiTexCoord0.x + 0.5) : gl_InstanceID;
+  number = repeated != 0 ? gl_InstanceID * copies + int(gl_MultiTexCoord0.x + 0.5) : gl_InstanceID;
   int i = int(texelFetch(order, first + min(number, count - 1)).r);
   place = texelFetch(places, i).xyz;
   if (sized != 0)
@@ -54,6 +57,7 @@ const char* const PlacingText = R"(
 uniform vec3 center;    // of the mesh
 uniform float fit;      // scale of the mesh for an instance of size 1
 uniform float least;    // least size at a distance of 1
+uniform int widened;    // whether there is one
 uniform vec3 up;        // where the mesh's +y points, as far as the direction permits
 uniform int facing;     // 0: by rotation, 1: rotated about z to face the eye
 uniform int sized;      // whether there are sizes
@@ -75,6 +79,8 @@ vec3 SightOf(vec3 point) { return gl_ProjectionMatrix[3][3] == 0.0 ? normalize(p
 )";
 
 const char* const MeshText = R"(
+vec2 shade; // diffuse and specular light on an outline
+
 // The light on a body around an axis, in the mean of what is seen: diffuse and specular. `toward` and `side` are at
 // right angles to the axis. `slant` has the parts of the normals that point away from the axis and along it.
 vec2 MeanLight(vec3 axis, vec3 toward, vec3 side, vec2 slant, vec3 sight) {
@@ -112,7 +118,7 @@ vec4 Facing(vec3 z, float scale) {
   vec3 toward = cross(side, along); // at right angles to the projection of the axis
   toward = normalize(toward - dot(toward, axis) * axis);
   vec2 light = MeanLight(axis, toward, side, gl_Normal.xz, sight);
-  normal = vec3(light, 0.0);
+  shade = light;
   return vec4(eye + size * (side * v.x + along * far + sight * (away * v.z)), 1.0);
 }
 
@@ -134,7 +140,7 @@ vec4 EyePosition(float factor) {
 
 // A polygon in the plane of the sphere's outline.
 const char* const SphereVertexText = R"(
-varying vec4 ball; // centre in eye coordinates and radius
+const vec2 shade = vec2(0.0);
 vec4 EyePosition(float factor) {
   vec3 eye = (gl_ModelViewMatrix * vec4(place, 1.0)).xyz;
   float radius = fit * factor * length(gl_ModelViewMatrix[0].xyz);
@@ -152,22 +158,45 @@ const char* const VertexMain = R"(
 void main() {
   Fetch();
   float factor = sized != 0 ? size : 1.0;
-  if (least > 0.0)
+  if (widened != 0)
     factor = max(factor, least * (gl_ModelViewProjectionMatrix * vec4(place, 1.0)).w);
   vec4 eye = EyePosition(factor);
   position = eye.xyz;
+  bool isShown = Paint() && IsOne();
+  gl_ClipVertex = eye;
+  gl_Position = isShown ? gl_ProjectionMatrix * eye : vec4(2.0, 2.0, 2.0, 1.0); // all vertices beyond the far plane
+}
+)";
+
+// Colours are the same in all of an instance, so that fragments need not find them.
+const char* const ColoringHead = R"(
+vec4 own;
+float missing;
+float value;
+)";
+const char* const ColoringText = R"(
+uniform int lighting;
+bool Paint() {
   own = painted != 0 ? paint : vec4(0.0);
   missing = own.x > 3.2e38 ? 1.0 : 0.0;
   value = missing > 0.0 ? 0.0 : own.x;
-  gl_ClipVertex = eye;
-  gl_Position = IsOne() ? gl_ProjectionMatrix * eye : vec4(2.0, 2.0, 2.0, 1.0); // all vertices beyond the far plane
+  color = PlainColor();
+  if (lighting == 3)
+    color.rgb = color.rgb * (gl_LightModel.ambient.rgb + gl_LightSource[0].diffuse.rgb * shade.x) +
+                gl_LightSource[0].specular.rgb * shade.y;
+  return color.a > 0.0;
+}
+)";
+const char* const NumberingText = R"(
+bool Paint() {
+  color = painted != 0 ? paint : vec4(0.0);
+  return true;
 }
 )";
 
 // Replaces position, normal and depth by those of the sphere: of its front, or of its back where planes cut the front
 // or an earlier layer shows it.
 const char* const SphereFragmentText = R"(
-varying vec4 ball;
 uniform int cuts; // a bit for each clip plane
 vec3 hit;
 vec3 outward;
@@ -193,11 +222,8 @@ void Meet(vec3 point, vec3 sight) {
 
 const char* const SphereFragmentMain = R"(
 #undef main
-#ifdef PEELED
-bool IsHidden() { return IsCut(hit) || IsPeeled(); }
-#else
-bool IsHidden() { return IsCut(hit); }
-#endif
+uniform int peeled; // whether a layer in front is left out
+bool IsHidden() { return IsCut(hit) || (peeled != 0 && IsPeeled()); }
 void main() {
   bool central = gl_ProjectionMatrix[3][3] == 0.0;
   vec3 start = central ? vec3(0.0) : position;
@@ -207,7 +233,7 @@ void main() {
   vec3 nearest = from + middle * sight; // of the ray, seen from the centre
   float reach = sqrt(max(ball.w * ball.w - dot(nearest, nearest), 0.0));
   Meet(start + (middle - reach) * sight, sight);
-  if (IsHidden()) {
+  if ((cuts != 0 || peeled != 0) && IsHidden()) {
     Meet(start + (middle + reach) * sight, sight);
     if (IsHidden())
       discard;
@@ -223,28 +249,65 @@ std::string Replaced(std::string p_text, const std::string& p_from, const std::s
   return p_text;
 }
 
-std::string Head(Fetch p_fetch) {
-  const std::string version = p_fetch == Fetch::Textures ? "#version 150 compatibility\n" : "#version 120\n";
-  return version + MeshVaryings;
+/// The version and what a vertex shader writes for a fragment shader.
+std::string Head(const InstanceShaders& p_shaders, bool p_isVertex) {
+  const bool hasFlat = p_shaders.fetch == Fetch::Textures;
+  const std::string link = !hasFlat ? "varying " : p_isVertex ? "out " : "in ", flat = hasFlat ? "flat " : "";
+  std::string text = hasFlat ? "#version 150 compatibility\n" : "#version 120\n";
+  text += link + "vec3 normal;\n" + link + "vec3 position;\n"; // in eye coordinates
+  text += flat + link + "vec4 color;\n";                       // or the id
+  if (p_shaders.fragments == Fragments::Spheres)
+    text += flat + link + "vec4 ball;\n"; // centre in eye coordinates and radius
+  return text;
+}
+
+/// Writes constants in place of uniforms.
+std::string WithConstants(std::string p_text, const InstanceShaders& p_shaders) {
+  for (const auto& [name, number] : p_shaders.constants)
+    p_text = Replaced(std::move(p_text), "uniform int " + name + ';',
+                      "const int " + name + " = " + std::to_string(number) + ';');
+  return p_text;
+}
+
+const char* const LitFragmentMain = R"(
+uniform int peeled; // whether a layer in front is left out
+void main() {
+  gl_FragColor = lighting == 3 ? color : Lit(color);
+  if (peeled != 0 && IsPeeled()) // after the derivatives
+    discard;
+}
+)";
+const char* const LitSphereMain = R"(
+void main() { gl_FragColor = Lit(color); }
+)";
+
+std::string FragmentBody(const InstanceShaders& p_shaders) {
+  const bool areSpheres = p_shaders.fragments == Fragments::Spheres;
+  switch (p_shaders.paint) {
+  case Paint::Depths:
+    return PackedDepthText();
+  case Paint::Ids:
+    return "uniform float plot;\nvoid main() { gl_FragColor = vec4(color.rgb, plot); }\n";
+  default:
+    return std::string(LightText) + (areSpheres ? LitSphereMain : LitFragmentMain);
+  }
 }
 
 } // namespace
 
-const char* const InstanceIdBody = R"(
-uniform float plot;
-void main() { gl_FragColor = vec4(own.rgb, plot); }
-)";
-
-std::string InstanceVertexText(Fetch p_fetch, Fragments p_fragments) {
-  return Head(p_fetch) + PlacingText + (p_fetch == Fetch::Textures ? TextureText : AttributeText) +
-         (p_fragments == Fragments::Spheres ? SphereVertexText : MeshText) + VertexMain;
+std::string InstanceShaders::VertexText() const {
+  const std::string painting =
+      paint == Paint::Colors ? std::string(ColoringHead) + ColorText + ColoringText : std::string(NumberingText);
+  return WithConstants(Head(*this, true) + PlacingText + (fetch == Fetch::Textures ? TextureText : AttributeText) +
+                           (fragments == Fragments::Spheres ? SphereVertexText : MeshText) + painting + VertexMain,
+                       *this);
 }
 
-std::string InstanceFragmentText(const std::string& p_body, Fetch p_fetch, Fragments p_fragments) {
-  if (p_fragments == Fragments::Mesh)
-    return Head(p_fetch) + p_body;
-  const char* const peeled = p_body.find("bool IsPeeled()") != std::string::npos ? "#define PEELED\n" : "";
-  return Head(p_fetch) + peeled + SphereFragmentText + Replaced(p_body, "gl_FragCoord.z", "depth") + SphereFragmentMain;
+std::string InstanceShaders::FragmentText() const {
+  const bool areSpheres = fragments == Fragments::Spheres;
+  const std::string text = (areSpheres ? SphereFragmentText : std::string()) + PeelText + FragmentBody(*this) +
+                           (areSpheres ? SphereFragmentMain : "");
+  return WithConstants(Head(*this, false) + (areSpheres ? Replaced(text, "gl_FragCoord.z", "depth") : text), *this);
 }
 
 } // namespace Vek::Chart::Scene::Private

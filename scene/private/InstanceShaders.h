@@ -1,6 +1,8 @@
 #pragma once
 
+#include <map>
 #include <string>
+#include <tuple>
 
 namespace Vek::Chart::Scene::Private {
 
@@ -14,13 +16,31 @@ enum class Fragments {
   Mesh,
   Spheres, ///< seen through polygons, each around the outline of one
 };
+/// What a drawing writes to each pixel.
+enum class Paint {
+  Colors,
+  Depths, ///< packed
+  Ids,    ///< and `plot`, (number + 1) / 255
+};
 
-/// A vertex shader that places instances and writes what LitColorText reads.
-std::string InstanceVertexText(Fetch p_fetch, Fragments p_fragments);
-/// The body of a fragment shader, which starts behind the version and may use MeshVaryings, as the shader of instances.
-std::string InstanceFragmentText(const std::string& p_body, Fetch p_fetch, Fragments p_fragments);
+/// The shaders of a drawing of instances.
+///
+/// What all instances have in common lies in their texts as constants: rasterisers in software work through both sides
+/// of each branch on a uniform, which is most of the time of a million small arrows.
+struct InstanceShaders {
+  Fetch fetch = Fetch::Textures;
+  Fragments fragments = Fragments::Mesh;
+  Paint paint = Paint::Colors;
+  std::map<std::string, int> constants; ///< by the names of the uniforms that they replace
 
-/// The body of a fragment shader that writes the id of an instance and `plot`, (number + 1) / 255.
-extern const char* const InstanceIdBody;
+  /// Places instances.
+  std::string VertexText() const;
+  std::string FragmentText() const;
+
+  friend bool operator<(const InstanceShaders& p_a, const InstanceShaders& p_b) {
+    return std::tie(p_a.fetch, p_a.fragments, p_a.paint, p_a.constants) <
+           std::tie(p_b.fetch, p_b.fragments, p_b.paint, p_b.constants);
+  }
+};
 
 } // namespace Vek::Chart::Scene::Private

@@ -28,14 +28,22 @@ const std::string& LitColorText() {
 }
 
 const std::string& LitColorBody() {
-  static const std::string Text = std::string(PeelText) + R"(
-#ifndef POSITION
-#define POSITION position
-#define NORMAL normal
-#endif
+  static const std::string Text = std::string(PeelText) + ColorText + LightText + R"(
+void main() {
+  vec4 color = PlainColor();
+  if (color.a == 0.0)
+    discard;
+  gl_FragColor = Lit(color);
+  if (IsPeeled()) // after the derivatives
+    discard;
+}
+)";
+  return Text;
+}
+
+const char* const ColorText = R"(
 uniform sampler2D colors;
 uniform int painting;    // 0: by value, 1: by colour, 2: by texture
-uniform int lighting;    // 0: none, 1: by normals, 2: by faces, 3: light is given, 4: by normals towards the eye
 uniform int logarithmic;
 uniform float lower;     // the value of the first colour, or its logarithm
 uniform float factor;    // 1 / (upper - lower)
@@ -53,34 +61,33 @@ vec4 ColorOfValue() {
   return share < 0.0 ? below : share > 1.0 ? above : texture2D(colors, vec2(share, 0.5));
 }
 
-void main() {
-  vec4 color = painting == 1   ? own
-               : painting == 2 ? texture2D(colors, own.xy) * tint
-                               : ColorOfValue();
-  if (color.a == 0.0)
-    discard;
-  vec3 shade = vec3(1.0);
-  vec3 gloss = vec3(0.0);
-  if (lighting == 3) {
-    shade = gl_LightModel.ambient.rgb + gl_LightSource[0].diffuse.rgb * normal.x;
-    gloss = gl_LightSource[0].specular.rgb * normal.y;
-  } else if (lighting != 0) {
-    vec3 face = cross(dFdx(POSITION), dFdy(POSITION)); // towards the eye
-    vec3 n = normalize(lighting == 2 ? face : lighting == 4 || gl_FrontFacing ? NORMAL : -NORMAL);
-    vec3 l = normalize(gl_LightSource[0].position.xyz);
-    vec3 h = normalize(l - normalize(POSITION));
-    float facing = max(dot(n, l), 0.0);
-    shade = gl_LightModel.ambient.rgb + gl_LightSource[0].diffuse.rgb * facing;
-    if (facing > 0.0)
-      gloss = gl_LightSource[0].specular.rgb * pow(max(dot(n, h), 0.0), gl_FrontMaterial.shininess);
-  }
-  gl_FragColor = vec4(color.rgb * shade + gloss, color.a);
-  if (IsPeeled()) // after the derivatives
-    discard;
+vec4 PlainColor() {
+  return painting == 1 ? own : painting == 2 ? texture2D(colors, own.xy) * tint : ColorOfValue();
 }
 )";
-  return Text;
+
+const char* const LightText = R"(
+#ifndef POSITION
+#define POSITION position
+#define NORMAL normal
+#endif
+uniform int lighting;    // 0: none, 1: by normals, 2: by faces, 4: by normals towards the eye
+
+vec4 Lit(vec4 color) {
+  if (lighting == 0)
+    return color;
+  vec3 face = cross(dFdx(POSITION), dFdy(POSITION)); // towards the eye
+  vec3 n = normalize(lighting == 2 ? face : lighting == 4 || gl_FrontFacing ? NORMAL : -NORMAL);
+  vec3 l = normalize(gl_LightSource[0].position.xyz);
+  vec3 h = normalize(l - normalize(POSITION));
+  float facing = max(dot(n, l), 0.0);
+  vec3 gloss = vec3(0.0);
+  if (facing > 0.0)
+    gloss = gl_LightSource[0].specular.rgb * pow(max(dot(n, h), 0.0), gl_FrontMaterial.shininess);
+  vec3 shade = gl_LightModel.ambient.rgb + gl_LightSource[0].diffuse.rgb * facing;
+  return vec4(color.rgb * shade + gloss, color.a);
 }
+)";
 
 Lighting LightingOf(const GpuMesh& p_mesh) {
   switch (p_mesh.Primitive()) {

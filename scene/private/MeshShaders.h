@@ -34,6 +34,10 @@ varying vec4 own;      // the colour, or the texture coordinates, where it does 
 const std::string& LitColorText();
 /// Likewise, without the version and MeshVaryings.
 const std::string& LitColorBody();
+/// Part of LitColorText: `vec4 PlainColor()` of `value`, `missing` and `own`.
+extern const char* const ColorText;
+/// Part of LitColorText: `vec4 Lit(vec4 color)` by the macros POSITION and NORMAL, or `position` and `normal`.
+extern const char* const LightText;
 
 /// How LitColorText finds colours.
 enum Painting : int { ByValue = 0, ByColor = 1, ByTexture = 2 };
@@ -42,7 +46,7 @@ enum Lighting : int {
   Unlit = 0,
   ByNormals = 1,   ///< on both sides
   ByFaces = 2,     ///< likewise
-  ByShade = 3,     ///< x and y of the normal are diffuse and specular light
+  ByShade = 3,     ///< vertices are lit; in InstanceShaders alone
   ByOneNormal = 4, ///< which points to the eye
 };
 
