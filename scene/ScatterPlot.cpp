@@ -2,6 +2,7 @@
 
 #include "scene/private/ScatterContent.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 
@@ -41,6 +42,16 @@ ScatterPlot& ScatterPlot::SizeGrowth(double p_factor) {
 
 ScatterPlot& ScatterPlot::SizeTitle(const QString& p_title) {
   Scatter(Content()).SetSizeTitle(p_title);
+  return *this;
+}
+
+ScatterPlot& ScatterPlot::ColorEach(const std::vector<QColor>& p_colors) {
+  if (!p_colors.empty())
+    RequireCount("ColorEach", p_colors.size(), Count());
+  if (!std::all_of(p_colors.begin(), p_colors.end(), [](const QColor& p_color) { return p_color.isValid(); }))
+    throw std::invalid_argument("ColorEach: expected valid colours");
+  ChangeValues(Array1());
+  Scatter(Content()).SetColors(p_colors);
   return *this;
 }
 

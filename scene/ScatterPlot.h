@@ -6,6 +6,10 @@
 
 #include "platform/model/Symbol.h"
 
+#include <QColor>
+
+#include <vector>
+
 namespace Vek::Chart::Scene {
 
 /// Symbols at points: spheres, unless another shape is chosen. Made by `Figure::Scatter`.
@@ -34,6 +38,9 @@ public:
   ScatterPlot& SizeGrowth(double p_factor);
   /// The title of the key of the sizes: what the values are, and their unit.
   ScatterPlot& SizeTitle(const QString& p_title);
+  /// A colour for each point, as scanners measure them, until `Color` or `ColorBy` is called. Removes the values.
+  /// Opacities are multiplied by that of the plot. An empty list removes the colours.
+  ScatterPlot& ColorEach(const std::vector<QColor>& p_colors);
   /// The shape of the symbols. Throws std::invalid_argument for ShapeCustom and unknown shapes.
   ScatterPlot& Symbol(Model::Symbol::Shape p_shape);
 

@@ -60,10 +60,36 @@ bool AreEqual(const Setting::Value& p_a, const Setting::Value& p_b) {
 
 } // namespace
 
-void Chart::ShowPart(std::size_t p_time, std::size_t p_level) {
+void Chart::ShowPart(const Part& p_part) {
   for (Setting& setting : _settings)
-    if (setting.reading != Setting::Reading::None)
-      setting.value = static_cast<int>(setting.reading == Setting::Reading::Time ? p_time : p_level);
+    if (setting.reading == Setting::Reading::Time)
+      setting.value = static_cast<int>(p_part.time);
+    else if (setting.reading == Setting::Reading::Level)
+      setting.value = static_cast<int>(p_part.level);
+    else if (setting.reading == Setting::Reading::Variable)
+      setting.value = p_part.variable.empty() ? 0 : setting.choices.indexOf(QString::fromStdString(p_part.variable));
+}
+
+void Chart::AddParts(const QString& p_group, const Part& p_part, const std::vector<std::string>& p_times,
+                     const std::vector<std::string>& p_variables, const std::vector<double>& p_levels) {
+  const auto add = [&](const char* p_name, const QStringList& p_choices, Setting::Reading p_reading) {
+    if (p_choices.size() > 1)
+      AddChoice(p_group, p_name, p_choices, 0, [](int) {}).reading = p_reading;
+  };
+  const auto strings = [](const std::vector<std::string>& p_strings) {
+    QStringList list;
+    for (const std::string& string : p_strings)
+      list << QString::fromStdString(string);
+    return list;
+  };
+  if (p_variables.size() > 1)
+    add("Variable", QStringList("first of the file") + strings(p_variables), Setting::Reading::Variable);
+  add("Time", strings(p_times), Setting::Reading::Time);
+  QStringList levels;
+  for (const double level : p_levels)
+    levels << QString::number(level);
+  add("Level", levels, Setting::Reading::Level);
+  ShowPart(p_part);
 }
 
 void Chart::Adopt(const Chart& p_other) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "apps/viewer/Document.h"
 #include "apps/viewer/Setting.h"
 
 #include "scene/Figure.h"
@@ -33,8 +34,8 @@ public:
   /// Sets all settings that another chart has as well to its values; those that do not fit stay.
   void Adopt(const Chart& p_other);
 
-  /// Shows which step and level of the file there are, where another one could not be read.
-  void ShowPart(std::size_t p_time, std::size_t p_level);
+  /// Shows which part of the file there is, where another one could not be read.
+  void ShowPart(const Part& p_part);
   /// Adds the settings that all figures have: theme, triad, and a cutting plane. On the thread of the windows.
   void AddCommon();
   /// A slice of a plot was dragged.
@@ -56,6 +57,9 @@ protected:
   Setting& AddNumber(const QString& p_group, const QString& p_name, double p_number, const Setting::Range& p_limits,
                      std::function<void(double)> p_apply);
   ///@}
+  /// The choices among the steps, levels and variables of a file, where it has several of them.
+  void AddParts(const QString& p_group, const Part& p_part, const std::vector<std::string>& p_times,
+                const std::vector<std::string>& p_variables, const std::vector<double>& p_levels = {});
 
   /// What colours need of a plot.
   struct Colored {

@@ -45,12 +45,15 @@ decltype(Document::data) Read(Kind p_kind, const std::string& p_path, const Part
   Io::FieldSelection selection;
   selection.time = p_part.time;
   selection.level = p_part.level;
+  if (!p_part.variable.empty())
+    selection.variables = {p_part.variable};
   switch (p_kind) {
   case Kind::Meshes:
     return Io::ReadMesh(p_path, p_progress);
   case Kind::Volumes: {
     Io::VolumeOptions options;
     options.step = p_part.time;
+    options.variable = p_part.variable;
     options.raw = p_part.raw;
     options.progress = p_progress;
     return Io::ReadVolume(p_path, options);
@@ -103,7 +106,9 @@ Document ReadDocument(const std::string& p_path, const Part& p_part, const Io::P
     return !isCancelled;
   };
   std::exception_ptr first;
-  for (const Kind kind : kinds)
+  for (const Kind kind : kinds) {
+    if (kind == Kind::Vectors && kinds.size() > 1 && !p_part.variable.empty()) // which is no component
+      continue;
     try {
       Document document{p_path, p_part, Read(kind, p_path, p_part, progress)};
       if (!IsLayer(document.data, kinds))
@@ -113,6 +118,7 @@ Document ReadDocument(const std::string& p_path, const Part& p_part, const Io::P
         throw;
       first = first ? first : std::current_exception();
     }
+  }
   if (first)
     std::rethrow_exception(first);
   throw Io::FileError(p_path, begin.empty() ? "expected data, got an empty file"

@@ -23,6 +23,7 @@ namespace Vek::Chart::Viewer {
 struct Part {
   std::size_t time = 0;  ///< the step of time
   std::size_t level = 0; ///< of heights
+  std::string variable;  ///< of a NetCDF file; empty for the first ones
   /// What a file of raw values holds; such a file has no header, whatever it looks like.
   std::optional<Io::RawLayout> raw;
 };

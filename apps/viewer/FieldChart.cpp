@@ -16,7 +16,7 @@ public:
       , _document(p_document)
       , _field(p_field) {
     DescribeAxes();
-    AddTime();
+    AddParts("Field", p_document->part, p_field.times, p_field.variables);
     AddChoice("Field", "Show", {"arrows", "streamlines", "arrows and streamlines"}, 0, [this](int p_shown) {
       Apply(p_shown);
     }).rebuilds = true;
@@ -60,15 +60,6 @@ private:
                                                                  .prepend(' ');
     parts.removeAll(QString());
     figure->SetTitle(QString::fromStdString(_document->Name()), parts.join(" · "));
-  }
-
-  void AddTime() {
-    if (_field.times.size() < 2)
-      return;
-    QStringList times;
-    for (const std::string& time : _field.times)
-      times << QString::fromStdString(time);
-    AddChoice("Field", "Time", times, static_cast<int>(_field.time), [](int) {}).reading = Setting::Reading::Time;
   }
 
   void Apply(int p_shown) {

@@ -29,7 +29,7 @@ public:
       parts << QString("level %1").arg(p_grid.levels[p_document->part.level]);
     parts.removeAll(QString());
     figure->SetTitle(QString::fromStdString(p_document->Name()), parts.join(" · "));
-    AddSteps(*p_document);
+    AddParts("Surface", p_document->part, p_grid.times, p_grid.variables, p_grid.levels);
     AddChoice("Surface", "Shape", {"relief", "flat"}, _isMap && !AreLengths(p_grid.unit) ? 1 : 0, [this](int p_shape) {
       Build(p_shape == 1);
     }).rebuilds = true;
@@ -43,20 +43,6 @@ public:
   }
 
 private:
-  void AddSteps(const Document& p_document) {
-    QStringList times, levels;
-    for (const std::string& time : _grid.times)
-      times << QString::fromStdString(time);
-    for (const double level : _grid.levels)
-      levels << QString::number(level);
-    if (times.size() > 1)
-      AddChoice("Surface", "Time", times, static_cast<int>(p_document.part.time), [](int) {}).reading =
-          Setting::Reading::Time;
-    if (levels.size() > 1)
-      AddChoice("Surface", "Level", levels, static_cast<int>(p_document.part.level), [](int) {}).reading =
-          Setting::Reading::Level;
-  }
-
   void Build(bool p_isFlat) {
     if (_surface != nullptr)
       figure->Remove(*_surface);

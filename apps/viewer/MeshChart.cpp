@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 
 namespace Vek::Chart::Viewer {
 
@@ -29,14 +30,32 @@ std::size_t CountOf(const Io::Mesh& p_mesh, Io::Mesh::Primitive p_primitive) {
   return count;
 }
 
+/// The vertices of all groups of a kind, in their order.
+std::vector<std::size_t> VerticesOf(const Io::Mesh& p_mesh, Io::Mesh::Primitive p_primitive) {
+  std::vector<std::size_t> vertices;
+  for (const Group& group : p_mesh.groups)
+    for (std::size_t i = 0; group.primitive == p_primitive && i < group.count; ++i)
+      vertices.push_back(p_mesh.indices[group.first + i]);
+  return vertices;
+}
+
 Points PointsOf(const Io::Mesh& p_mesh, Io::Mesh::Primitive p_primitive) {
   Points points;
-  for (const Group& group : p_mesh.groups)
-    for (std::size_t i = 0; group.primitive == p_primitive && i < group.count; ++i) {
-      const float* const at = &p_mesh.positions[3 * std::size_t{p_mesh.indices[group.first + i]}];
-      points.push_back({double(at[0]), double(at[1]), double(at[2])});
-    }
+  for (const std::size_t vertex : VerticesOf(p_mesh, p_primitive)) {
+    const float* const at = &p_mesh.positions[3 * vertex];
+    points.push_back({double(at[0]), double(at[1]), double(at[2])});
+  }
   return points;
+}
+
+/// The colours of the points of a file.
+std::vector<QColor> PointColors(const Io::Mesh& p_mesh) {
+  std::vector<QColor> colors;
+  for (const std::size_t vertex : VerticesOf(p_mesh, Io::Mesh::Points)) {
+    const auto part = [&](std::size_t p_i) { return std::min(std::max(p_mesh.colors[4 * vertex + p_i], 0.0f), 1.0f); };
+    colors.push_back(QColor::fromRgbF(part(0), part(1), part(2), part(3)));
+  }
+  return colors;
 }
 
 bool HasColors(const Io::Mesh& p_mesh) {
@@ -66,17 +85,19 @@ public:
     QStringList colors{"one", "by x", "by y", "by z"};
     if (HasColors(p_mesh))
       colors.push_front("of the file");
-    const auto hasTriangles = [this] { return _mesh != nullptr; };
+    const auto hasColors = [this] { return _mesh != nullptr || _points != nullptr; };
     AddChoice("Colours", "Colour", colors, 0, [this, colors](int p_index) {
       ColorBy(colors.value(p_index));
-    }).isOffered = hasTriangles;
-    AddColors({ColoredOf(_mesh)}, [this, colors] {
-      return _mesh != nullptr && colors.value(Get<int>("Colours", "Colour")).startsWith("by");
+    }).isOffered = hasColors;
+    AddColors({ColoredOf(_mesh), ColoredOf(_points)}, [this, colors, hasColors] {
+      return hasColors() && colors.value(Get<int>("Colours", "Colour")).startsWith("by");
     });
     AddNumber("Colours", "Opacity", 1, {0, 1}, [this](double p_opacity) {
       if (_mesh != nullptr)
         _mesh->SetOpacity(p_opacity);
-    }).isOffered = hasTriangles;
+      if (_points != nullptr)
+        _points->SetOpacity(p_opacity);
+    }).isOffered = hasColors;
   }
 
 private:
@@ -110,19 +131,31 @@ private:
   }
 
   void ColorBy(const QString& p_what) {
-    if (_mesh == nullptr)
-      return;
     if (p_what == "of the file") {
-      _mesh->ColorByFile();
-    } else if (p_what == "one") {
-      _mesh->Color(QColor(0x9F, 0xB4, 0xC8));
-    } else {
-      const auto axis = static_cast<std::size_t>(p_what.back().unicode() - u'x');
-      std::vector<float> values;
-      for (std::size_t i = axis; i < _file.positions.size(); i += 3)
-        values.push_back(_file.positions[i]);
-      _mesh->ColorBy(values, QString(p_what.back()));
+      if (_mesh != nullptr)
+        _mesh->ColorByFile();
+      if (_points != nullptr && !_file.colors.empty())
+        _points->ColorEach(PointColors(_file));
+      return;
     }
+    const QColor one(0x9F, 0xB4, 0xC8);
+    const auto axis = static_cast<std::size_t>(p_what.back().unicode() - u'x');
+    const auto color = [&](auto* p_plot, const std::vector<std::size_t>& p_vertices) {
+      if (p_plot == nullptr)
+        return;
+      if (p_what == "one") {
+        p_plot->Color(one);
+        return;
+      }
+      std::vector<float> values;
+      for (const std::size_t vertex : p_vertices)
+        values.push_back(_file.positions[3 * vertex + axis]);
+      p_plot->ColorBy(values, QString(p_what.back()));
+    };
+    std::vector<std::size_t> all(_file.positions.size() / 3);
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    color(_mesh, all);
+    color(_points, VerticesOf(_file, Io::Mesh::Points));
   }
 
   std::shared_ptr<const Document> _document;

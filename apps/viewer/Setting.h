@@ -30,8 +30,8 @@ struct Setting {
   std::function<Range()> current{};        ///< of a range: what the automatic one is
   std::function<bool()> isOffered{};       ///< whether it has an effect at present; empty for always
   bool rebuilds = false;                   ///< whether plots are made anew, which need all other settings again
-  /// Whether the file has to be read again, with the value as the step or level.
-  enum class Reading { None, Time, Level } reading = Reading::None;
+  /// Whether the file has to be read again, with the value as the step or level, or for another variable.
+  enum class Reading { None, Time, Level, Variable } reading = Reading::None;
 
   /// The least and the largest number.
   Range Limits() const { return limits ? limits() : Range(low, high); }

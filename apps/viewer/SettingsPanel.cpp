@@ -158,7 +158,7 @@ SettingsPanel::Row SettingsPanel::MakeChoice(const Setting& p_setting) {
   label->setMinimumWidth(LabelWidth);
   Row row{{}, {}, {}, {Together({label, box})}};
   QSlider* slider = nullptr;
-  if (p_setting.reading != Setting::Reading::None) {
+  if (p_setting.reading == Setting::Reading::Time || p_setting.reading == Setting::Reading::Level) {
     slider = new QSlider(Qt::Horizontal);
     slider->setObjectName(p_setting.group + '/' + p_setting.name + "/slider");
     slider->setRange(0, static_cast<int>(p_setting.choices.size()) - 1);

@@ -21,13 +21,14 @@ constexpr int ExitInput = 1;
 constexpr int ExitUsage = 2;
 
 constexpr const char* Help =
-    "Usage: vek-viewer [--scene NAME] [--data FOLDER] [--time STEP] [file...]\n"
+    "Usage: vek-viewer [--scene NAME] [--data FOLDER] [--time STEP] [--variable NAME] [file...]\n"
     "Shows files in a window: meshes, volumes, winds and flows, heights, tables, images with a high dynamic range; or "
     "an\n"
     "example.\n\n"
     "  --scene NAME    an example: a figure of the gallery\n"
     "  --data FOLDER   the folder with data/, symbols/ and sprites/ (found from the program's own place)\n"
     "  --time STEP     the step of time in a NetCDF file, from 0\n"
+    "  --variable NAME the variable of a NetCDF file, or the column of heights of a table\n"
     "  --help          this text\n\n"
     "Drag to rotate. Middle-drag, right-drag or Shift+drag to pan. Scroll to zoom. R or Home fits the view. F1 lists "
     "all\n"
@@ -38,12 +39,15 @@ struct Arguments {
   std::string scene;
   std::string data;
   std::string time;
+  std::string variable;
   std::vector<std::string> files;
 };
 
 Arguments Parse(const std::vector<std::string>& p_arguments) {
-  const Gallery::CommandLine line(p_arguments, {{"scene", ""}, {"data", ""}, {"time", ""}}, "argument");
-  return {line.Help(), line.Value("scene"), line.Value("data"), line.Value("time"), line.Files()};
+  const Gallery::CommandLine line(p_arguments, {{"scene", ""}, {"data", ""}, {"time", ""}, {"variable", ""}},
+                                  "argument");
+  return {line.Help(),        line.Value("scene"),    line.Value("data"),
+          line.Value("time"), line.Value("variable"), line.Files()};
 }
 
 /// Throws UsageError for an example that does not exist or is no figure.
@@ -98,7 +102,7 @@ int Run(int p_argc, char** p_argv) {
   if (!arguments.scene.empty())
     window.OpenExample(QString::fromStdString(arguments.scene));
   for (const std::string& file : arguments.files)
-    window.OpenFile(QString::fromStdString(file), inputs.time);
+    window.OpenFile(QString::fromStdString(file), inputs.time, QString::fromStdString(arguments.variable));
   return QApplication::exec();
 }
 

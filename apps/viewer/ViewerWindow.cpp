@@ -99,10 +99,11 @@ Chart* ViewerWindow::Chart() {
 
 // Loading
 
-void ViewerWindow::OpenFile(const QString& p_path, std::size_t p_time) {
+void ViewerWindow::OpenFile(const QString& p_path, std::size_t p_time, const QString& p_variable) {
   const QString path = QFileInfo(p_path).absoluteFilePath();
   Part part;
   part.time = p_time;
+  part.variable = p_variable.toStdString();
   if (!IsRaw(path.toStdString()) || !QFileInfo(path).isFile())
     return OpenPart(path, part);
   auto* const dialog = new RawDialog(path, this);
@@ -154,11 +155,16 @@ void ViewerWindow::StartNext() {
 void ViewerWindow::Reread(const Setting& p_setting) {
   Entry& entry = _entries[static_cast<std::size_t>(_shown)];
   Part part = entry.part;
-  (p_setting.reading == Setting::Reading::Time ? part.time : part.level) =
-      static_cast<std::size_t>(std::get<int>(p_setting.value));
+  const int chosen = std::get<int>(p_setting.value);
+  if (p_setting.reading == Setting::Reading::Variable) {
+    part.variable = chosen == 0 ? std::string() : p_setting.choices.value(chosen).toStdString();
+    part.level = 0;
+  } else {
+    (p_setting.reading == Setting::Reading::Time ? part.time : part.level) = static_cast<std::size_t>(chosen);
+  }
   if (_loader->IsLoading())
     _loader->Cancel(); // of a slider, the last position counts
-  Chart()->ShowPart(part.time, part.level);
+  Chart()->ShowPart(part);
   _settings->Refresh();
   OpenPart(entry.path, part);
 }
@@ -166,8 +172,7 @@ void ViewerWindow::Reread(const Setting& p_setting) {
 void ViewerWindow::ShowPart() {
   if (Chart() == nullptr)
     return;
-  const Part& part = _entries[static_cast<std::size_t>(_shown)].part;
-  Chart()->ShowPart(part.time, part.level);
+  Chart()->ShowPart(_entries[static_cast<std::size_t>(_shown)].part);
   _settings->Refresh();
 }
 
@@ -188,12 +193,14 @@ void ViewerWindow::Take(const std::shared_ptr<Arrival>& p_arrival) {
     item->setToolTip(isExample ? "Example" : arrived.path);
     _list->addItem(item);
   } else {
-    arrived.chart->Adopt(*same->chart);
-    if (row == _shown) { // seen from where it was
-      const Scene::Camera camera = _view->Camera();
-      arrived.chart->figure->Look(camera.azimuth, camera.elevation, camera.projection);
+    if (arrived.part.variable == same->part.variable) {
+      arrived.chart->Adopt(*same->chart);
+      if (row == _shown) { // seen from where it was
+        const Scene::Camera camera = _view->Camera();
+        arrived.chart->figure->Look(camera.azimuth, camera.elevation, camera.projection);
+      }
+      arrived.chart->figure->camera = same->chart->figure->camera;
     }
-    arrived.chart->figure->camera = same->chart->figure->camera;
     *same = arrived;
   }
   _shown = -1; // its chart may have been replaced

@@ -32,7 +32,7 @@ public:
 
   /// Reads a file of any kind that can be shown; it gets a row of the list when it is there, or takes that of the same
   /// path. With a step of time, if it has several. Asks for the layout of raw values.
-  void OpenFile(const QString& p_path, std::size_t p_time = 0);
+  void OpenFile(const QString& p_path, std::size_t p_time = 0, const QString& p_variable = {});
   /// Makes a figure of the gallery, by its name.
   void OpenExample(const QString& p_name);
 

@@ -26,13 +26,10 @@ public:
       , _document(p_document)
       , _volume(p_volume)
       , _grid(p_volume, 0) {
-    if (p_volume.steps > 1) {
-      QStringList steps;
-      for (std::size_t i = 0; i < p_volume.steps; ++i)
-        steps << QString::number(i);
-      AddChoice("Volume", "Step", steps, static_cast<int>(p_document->part.time), [](int) {}).reading =
-          Setting::Reading::Time;
-    }
+    std::vector<std::string> steps = p_volume.times;
+    for (std::size_t i = steps.size(); i < p_volume.steps; ++i)
+      steps.push_back(std::to_string(i));
+    AddParts("Volume", p_document->part, steps, p_volume.variables);
     if (p_volume.channels > 1) {
       QStringList names;
       for (std::size_t i = 0; i < p_volume.channels; ++i)
@@ -51,6 +48,9 @@ public:
     AddRays();
     AddColors({ColoredOf(_slices), ColoredOf(_rays), ColoredOf(_surface)},
               [this] { return Show() != IsosurfaceShown; });
+    if (p_volume.displayRange)
+      Set("Colours", "Range",
+          std::optional<Setting::Range>(Setting::Range((*p_volume.displayRange)[0], (*p_volume.displayRange)[1])));
     AddNumber("Colours", "Opacity", 1, {0, 1}, [this](double p_opacity) {
       if (_surface != nullptr)
         _surface->SetOpacity(p_opacity);
@@ -80,18 +80,33 @@ private:
     }
     _channel = p_channel;
     _noData = p_noData;
-    const QString unit = _grid.lengthUnit.isEmpty() ? QString() : " in " + _grid.lengthUnit;
-    figure->SetAxisTitles("x" + unit, "y" + unit, "z" + unit);
+    DescribeAxes();
     const auto& size = _grid.Size();
     const auto& range = _grid.Range();
     const QString values = range.Empty() ? QString("no values")
                                          : QString("%1 to %2 %3").arg(Number(range.min), Number(range.max), _grid.unit);
     QString subtitle =
         QString("%L1 × %L2 × %L3 voxels, %4").arg(size[0]).arg(size[1]).arg(size[2]).arg(values.trimmed());
+    if (!_volume.variables.empty()) // otherwise the names of programs and patients
+      subtitle = _grid.name + " · " + subtitle;
+    if (_document->part.time < _volume.times.size())
+      subtitle += " · " + QString::fromStdString(_volume.times[_document->part.time]);
     if (_grid.HasMissing())
       subtitle += QString(", %L1 without data").arg(_grid.MissingCount());
     figure->SetTitle(QString::fromStdString(_document->Name()), subtitle);
     Apply(Show());
+  }
+
+  void DescribeAxes() {
+    const auto title = [this](std::size_t p_axis) {
+      const std::string& name = _volume.axisNames[p_axis];
+      const std::string& unit = _volume.axisUnits[p_axis];
+      return TitleOf(name.empty() ? std::string(Axes[p_axis]) : name, unit.empty() ? _volume.lengthUnit : unit);
+    };
+    const bool isMap = AngleOf(_volume.axisNames[0], _volume.axisUnits[0]) == 'x' &&
+                       AngleOf(_volume.axisNames[1], _volume.axisUnits[1]) == 'y';
+    figure->SetMap(isMap);
+    isMap ? figure->SetAxisTitles({}, {}, title(2)) : figure->SetAxisTitles(title(0), title(1), title(2));
   }
 
   void AddShown() {

@@ -189,8 +189,9 @@ TEST_F(SceneFigureSnippetPixels, SlicesPlot) {
   figure.SetAxisTitles("Longitude in °", "Latitude in °", "Height in m");
   figure.Slices({ocean.Floats(), lon, lat, heights})
       .At(0, 330)
-      .At(1, 0)
+      .At({{180, 0, 0}, {1, 1, 0}}) // oblique, and upright
       .At(2, -1000)
+      .Show(33, 40) // without the fresh water of estuaries and ice
       .ColorRange(34, 37)
       .ColorTitle("Salinity in g/kg");
   const QImage image = figure.Image({1200, 800});

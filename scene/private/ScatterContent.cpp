@@ -46,6 +46,19 @@ void ScatterContent::FindSizeRange() {
   SettingsChanged();
 }
 
+void ScatterContent::SetColors(const std::vector<QColor>& p_colors) {
+  _colors.clear();
+  for (const QColor& color : p_colors)
+    _colors.push_back({static_cast<unsigned char>(color.red()), static_cast<unsigned char>(color.green()),
+                       static_cast<unsigned char>(color.blue()), static_cast<unsigned char>(color.alpha())});
+  PointsContent::ValuesChanged();
+}
+
+void ScatterContent::ValuesChanged() {
+  _colors.clear();
+  PointsContent::ValuesChanged();
+}
+
 void ScatterContent::SetSymbol(Model::Symbol::Shape p_shape) {
   constexpr unsigned int Segments = 24;
   if (p_shape == Model::Symbol::ShapeSphere) {
@@ -78,8 +91,10 @@ Box ScatterContent::PlaceChanged(const Changes& p_changes) {
                    [&](double p_value) { return std::isfinite(p_value) ? key.Factor(p_value) : 0; });
     _mesh.UpdateSizes(factors);
   }
-  if (p_changes.values)
+  if (p_changes.values) {
     _mesh.UpdateValues(coloring.Values());
+    PlaceColors();
+  }
   const double diameter = Fraction() * _placement.diagonal;
   if (diameter != _placedDiameter) {
     _placedDiameter = diameter;
@@ -89,6 +104,14 @@ Box ScatterContent::PlaceChanged(const Changes& p_changes) {
     return _box;
   const Point half(diameter / 2, diameter / 2, _placement.isFlat ? 0 : diameter / 2);
   return {_box.Min() - half, _box.Max() + half};
+}
+
+void ScatterContent::PlaceColors() {
+  _placedOpacity = opacity;
+  std::vector<InstancedMesh::Rgba> colors = _colors;
+  for (InstancedMesh::Rgba& color : colors)
+    color[3] = static_cast<unsigned char>(color[3] * opacity + 0.5);
+  _mesh.UpdateColors(std::move(colors));
 }
 
 void ScatterContent::SetLevels() {
@@ -117,6 +140,8 @@ Picked ScatterContent::Identify(std::optional<std::uint32_t> p_number, const Poi
 }
 
 void ScatterContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
+  if (!_colors.empty() && _placedOpacity != opacity)
+    PlaceColors();
   SetLeastSize(p_frame);
   _mesh.SetMostVertices(p_frame.mostVertices);
   _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);

@@ -19,6 +19,8 @@ public:
   void SetSizes(std::vector<double> p_values);
   void SetSizeGrowth(double p_factor);
   void SetSizeTitle(const QString& p_title) { _sizeTitle = p_title; }
+  void SetColors(const std::vector<QColor>& p_colors);
+  void ValuesChanged() override;
   void SetSymbol(Model::Symbol::Shape p_shape);
 
   bool IsPeeled() const override { return true; }
@@ -34,18 +36,21 @@ private:
   Box PlaceChanged(const Changes& p_changes) override;
   void ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const override { _mesh.Release(p_gl); }
   void SetLevels();
+  void PlaceColors();
   void SetLeastSize(const Frame& p_frame);
 
   std::vector<double> _sizes;      ///< values; none for equal sizes
   double _growth = 0;              ///< of diameters for each unit; 0 for areas in proportion
   double _least = 0, _largest = 0; ///< of the sizes with a symbol; NaN without any
   QString _sizeTitle;
-  double _diameter = 0; ///< fraction of the diagonal; 0 for the default
+  double _diameter = 0;                     ///< fraction of the diagonal; 0 for the default
+  std::vector<InstancedMesh::Rgba> _colors; ///< of the points; none for those of the plot
   std::vector<InstancedMesh::Level> _levels = InstancedMesh::Spheres();
 
   // What was placed.
   bool _sizesChanged = true;
   double _placedDiameter = 0; ///< in scene units; 0 to set levels anew
+  double _placedOpacity = 1;  ///< in the colours of the points
   Box _box;                   ///< of the points in the scene
   InstancedMesh _mesh;
 };

@@ -1,5 +1,6 @@
 #include "scene/Figure.h"
 
+#include "tests/support/ErrorOf.h"
 #include "tests/support/Figures.h"
 
 namespace {
@@ -154,6 +155,20 @@ TEST_F(FigurePixels, TransparentPlotsShowWhatIsBehindThem) {
   frame.SetVisible(false);
   figure.Scatter(corners).SetOpacity(0);
   EXPECT_EQ(Drawn(figure, corners[0]), QColor(Qt::white));
+}
+
+TEST_F(FigurePixels, PointsHaveColorsOfTheirOwn) {
+  Figure figure;
+  ScatterPlot& plot = figure.Scatter(Points{{0, 0, 0}, {10, 10, 0}}).Diameter(0.1).ColorBy(Doubles{1, 2});
+  plot.ColorEach({Qt::red, Qt::blue});
+  figure.Look(0, 90, Camera::Projection::Parallel);
+  const QColor red = Drawn(figure, {0, 0, 0}), blue = Drawn(figure, {10, 10, 0});
+  EXPECT_TRUE(red.red() > 100 && red.blue() < 50 && blue.blue() > 100 && blue.red() < 50);
+  plot.SetOpacity(0);
+  EXPECT_EQ(Drawn(figure, {0, 0, 0}), QColor(Qt::white));
+  const QColor green = (plot.SetOpacity(1).Color(Qt::green), Drawn(figure, {0, 0, 0}));
+  EXPECT_TRUE(green.green() > 100 && green.red() < 50);
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { plot.ColorEach({Qt::red}); }), "ColorEach: expected 2 elements, got 1");
 }
 
 TEST_F(FigurePixels, SizesGrowByAFactorOrInProportion) {

@@ -39,6 +39,8 @@ TEST_F(ViewerFiles, RecognisesContentBeforeNames) {
       {"a.stl", std::string(80, ' ') + std::string("\1\0\0\0", 4) + std::string(50, 'x'), {Kind::Meshes}},
       {"a.xyz", "# made by hand\rv\t1 2 3\rv 1 2 4\r", {Kind::Meshes}},
       {"a.csv", "4 3 0.5 1 0.5 1\n1 2 3", {Kind::Heights}},
+      {"a.asc", "NCOLS 4\r\nnrows 3\r\n", {Kind::Heights}},
+      {"a.csv", "ncols nrows\n4 3\n", {Kind::Tables}},
       {"a.csv", "# winds\n\"Lon\";\"U (m/s)\";V\n", {Kind::Vectors, Kind::Tables}},
       {"a.csv", "x,y,z\n1,2,3\n", {Kind::Tables}},
       {"a.nii.gz", "\x1f\x8b", {Kind::Volumes}},

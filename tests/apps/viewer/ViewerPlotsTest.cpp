@@ -5,6 +5,8 @@
 #include <QLineEdit>
 #include <QSlider>
 
+#include <cstring>
+
 namespace {
 
 class ViewerPlots : public ViewerFixture {
@@ -100,6 +102,55 @@ TEST_F(ViewerPlots, MeshesHaveColorsUpAndCuts) {
   EXPECT_TRUE(_window->Chart()->figure->Clips().empty());
   Set("Colours", "Colour", 2);
   EXPECT_NE(ReadOutAt({1, 0.5, 0.25}).find("y: 1"), std::string::npos) << "of a corner: " << ReadOutAt({1, 0.5, 0.25});
+}
+
+TEST_F(ViewerPlots, PointsHaveTheColorsOfTheFile) {
+  ASSERT_NE(OpenText("a.ply", "ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\n"
+                              "property float z\nproperty uchar red\nproperty uchar green\nproperty uchar blue\n"
+                              "end_header\n0 0 0 255 0 0\n1 1 1 0 0 255\n"),
+            nullptr);
+  const auto redOf = [&](const QImage& p_image) {
+    int red = 0;
+    for (int y = 0; y < p_image.height(); ++y)
+      for (int x = 0; x < p_image.width(); ++x)
+        red += p_image.pixelColor(x, y).red() > 100 && p_image.pixelColor(x, y).blue() < 60;
+    return red;
+  };
+  Set("Figure", "Triad", false);
+  EXPECT_GT(redOf(View().Image()), 20);
+  Set("Colours", "Colour", 1); // one
+  EXPECT_EQ(redOf(View().Image()), 0);
+  Set("Colours", "Colour", 0);
+  EXPECT_GT(redOf(View().Image()), 20);
+}
+
+TEST_F(ViewerPlots, ChoosesAmongTheVariablesOfAFile) {
+  ASSERT_NE(Open(DataFile("navy_winds_1987.nc")), nullptr);
+  for (const auto& [from, to, index, word] :
+       {std::tuple("Field", "Surface", 2, "MERIDIONAL WIND"), std::tuple("Surface", "Surface", 1, "ZONAL WIND"),
+        std::tuple("Surface", "Field", 0, "UWND, VWND")}) {
+    const int before = _shown;
+    emit Find<QComboBox>((from + std::string("/Variable")).c_str()).activated(index);
+    ASSERT_TRUE(WaitFor([&, b = before] { return _shown > b; }, 20000)) << word;
+    EXPECT_NE(Words().find(word), std::string::npos) << Words();
+    EXPECT_EQ(std::get<int>(_window->Chart()->Find(to, "Variable")->value), index);
+  }
+}
+
+TEST_F(ViewerPlots, VolumesHaveTheRangeOfTheFile) {
+  std::string nifti(352, '\0');
+  const auto put = [&](std::size_t p_at, auto p_value) { std::memcpy(&nifti[p_at], &p_value, sizeof p_value); };
+  put(0, std::int32_t{348});
+  for (const std::int16_t axis : {0, 1, 2, 3})
+    put(40 + 2 * static_cast<std::size_t>(axis), std::int16_t(axis == 0 ? 3 : 2));
+  put(70, std::int16_t{2});
+  put(72, std::int16_t{8});
+  put(108, 352.0f);
+  put(124, 7.0f);
+  put(128, 1.0f);
+  nifti.replace(344, 4, std::string("n+1\0", 4));
+  ASSERT_NE(OpenText("a.nii", nifti + "\1\2\3\4\5\6\7\x9"), nullptr);
+  EXPECT_EQ(TextOf("Colours/Range/low") + " " + TextOf("Colours/Range/high"), "1 7");
 }
 
 TEST_F(ViewerPlots, TimeStepsKeepSettingsAndView) {
