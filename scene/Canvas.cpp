@@ -1,13 +1,16 @@
 #include "scene/Canvas.h"
 
 #include "platform/ogl/PixelStore.h"
+#include "scene/private/FlatBatch.h"
 #include "scene/private/FlatState.h"
+#include "scene/private/VertexStream.h"
 
 #include <QTransform>
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
+#include <memory>
+#include <vector>
 
 namespace Vek::Chart::Scene {
 
@@ -28,9 +31,31 @@ Canvas::Canvas(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,
     , _text(p_text)
     , _viewport(p_viewport)
     , _point(p_pointSize > 0 ? p_pointSize : 1)
+    , _batch(std::make_unique<Private::FlatBatch>())
     , _viewportGuard(ViewportScope(p_gl, p_viewport))
     , _flatGuard(FlatState(p_gl))
     , _projectionGuard(p_gl->PixelProjection(p_viewport)) {}
+
+Canvas::~Canvas() {
+  try {
+    Flush();
+  } catch (...) { // of a sink: nothing may leave a destructor
+  }
+}
+
+void Canvas::Flush() {
+  if (_batch->Size() == 0)
+    return;
+  const boost::shared_ptr<void> state = FlatState(_gl); // the host may have drawn since the constructor
+  _batch->Draw(_gl);
+}
+
+/// Bounds the memory of the batch, to some megabytes.
+void Canvas::FlushIfLarge() {
+  constexpr std::size_t MostVertices = 1U << 16;
+  if (_batch->Size() > MostVertices)
+    Flush();
+}
 
 Types::Viewport<0> Canvas::Part(const Rect& p_rect) const {
   const auto pixels = [&](double p_points) { return static_cast<float>(std::floor(p_points * _point)); };
@@ -38,8 +63,10 @@ Types::Viewport<0> Canvas::Part(const Rect& p_rect) const {
           pixels(p_rect.top - p_rect.bottom)};
 }
 
-void Canvas::Vertex(double p_x, double p_y) {
-  _gl->Vertex(p_x * _point, p_y * _point, 0.0);
+/// In pixels, from the lower left one on.
+std::array<Canvas::Position, 4> Canvas::Corners(const Rect& p_rect) const {
+  return {Pixel({p_rect.left, p_rect.bottom}), Pixel({p_rect.right, p_rect.bottom}), Pixel({p_rect.right, p_rect.top}),
+          Pixel({p_rect.left, p_rect.top})};
 }
 
 double Canvas::LineWidth(double p_width) const {
@@ -47,14 +74,8 @@ double Canvas::LineWidth(double p_width) const {
 }
 
 void Canvas::Fill(const Rect& p_rect, const QColor& p_lower, const QColor& p_upper) {
-  _gl->Begin(RGL_QUADS);
-  _gl->Color(p_lower);
-  Vertex(p_rect.left, p_rect.bottom);
-  Vertex(p_rect.right, p_rect.bottom);
-  _gl->Color(p_upper);
-  Vertex(p_rect.right, p_rect.top);
-  Vertex(p_rect.left, p_rect.top);
-  _gl->End();
+  FlushIfLarge();
+  _batch->Add(Corners(p_rect), p_lower, p_upper);
 }
 
 void Canvas::Frame(const Rect& p_rect, double p_width, const QColor& p_color) {
@@ -75,13 +96,10 @@ void Canvas::Line(const Position& p_from, const Position& p_to, double p_width, 
   const double width = LineWidth(p_width);
   const double nx = -(p_to.y - p_from.y) / length * width / 2;
   const double ny = (p_to.x - p_from.x) / length * width / 2;
-  _gl->Color(p_color);
-  _gl->Begin(RGL_QUADS);
-  Vertex(p_from.x - nx, p_from.y - ny);
-  Vertex(p_to.x - nx, p_to.y - ny);
-  Vertex(p_to.x + nx, p_to.y + ny);
-  Vertex(p_from.x + nx, p_from.y + ny);
-  _gl->End();
+  FlushIfLarge();
+  _batch->Add({Pixel({p_from.x - nx, p_from.y - ny}), Pixel({p_to.x - nx, p_to.y - ny}),
+               Pixel({p_to.x + nx, p_to.y + ny}), Pixel({p_from.x + nx, p_from.y + ny})},
+              p_color, p_color);
 }
 
 namespace {
@@ -126,14 +144,13 @@ std::vector<Position> StripOf(const std::vector<Position>& p_line, double p_half
 } // namespace
 
 void Canvas::Polyline(const std::vector<Position>& p_positions, double p_width, const QColor& p_color) {
-  _gl->Color(p_color);
   std::vector<Position> line;
   const auto draw = [&] {
     if (line.size() > 1) {
-      _gl->Begin(RGL_TRIANGLE_STRIP);
-      for (const Position& corner : StripOf(line, LineWidth(p_width) / 2))
-        Vertex(corner.x, corner.y);
-      _gl->End();
+      FlushIfLarge();
+      const std::vector<Position> strip = StripOf(line, LineWidth(p_width) / 2);
+      for (std::size_t i = 0; i + 2 < strip.size(); ++i)
+        _batch->Add(Pixel(strip[i]), Pixel(strip[i + 1]), Pixel(strip[i + 2]), p_color);
     }
     line.clear();
   };
@@ -153,16 +170,15 @@ void Canvas::Triangle(const Position& p_a, const Position& p_b, const Position& 
 void Canvas::Polygon(const std::vector<Position>& p_corners, const QColor& p_color) {
   if (p_corners.size() < 3)
     return;
-  _gl->Color(p_color);
-  _gl->Begin(RGL_TRIANGLE_FAN);
-  for (const Position& corner : p_corners)
-    Vertex(corner.x, corner.y);
-  _gl->End();
+  FlushIfLarge();
+  for (std::size_t i = 2; i < p_corners.size(); ++i)
+    _batch->Add(Pixel(p_corners[0]), Pixel(p_corners[i - 1]), Pixel(p_corners[i]), p_color);
 }
 
 void Canvas::Text(const QString& p_text, const Position& p_position, TextRenderer::Anchor p_anchor,
                   const TextRenderer::Style& p_style, double p_rotation) {
-  _text.Draw(_gl, p_text, {p_position.x * _point, p_position.y * _point}, p_anchor, p_style, _point, p_rotation);
+  FlushIfLarge();
+  _text.Add(*_batch, _gl, p_text, Pixel(p_position), p_anchor, p_style, _point, p_rotation);
 }
 
 void Canvas::TextAt(const QString& p_text, const View& p_view, const Types::Vector3_Base<double>& p_point,
@@ -192,23 +208,23 @@ void Canvas::Image(const Rect& p_rect, const QImage& p_image) {
 }
 
 void Canvas::Image(const Rect& p_rect, const Library::Texture& p_texture) {
+  Flush();
   const auto guard = _gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
-  const auto unpacking = Ogl::UnpackScope(*_gl); // an upload changes it
-  p_texture(_gl, RGL_TEXTURE0);
+  {
+    const auto unpacking = p_texture.Handle() ? nullptr : Ogl::UnpackScope(*_gl); // an upload changes it
+    p_texture(_gl, RGL_TEXTURE0);
+  }
   if (!p_texture.Handle()) // reported
     return;
-  _gl->Color(QColor(Qt::white));
-  Quad(p_rect);
-}
-
-/// Texture coordinates from 0 to 1 in both directions.
-void Canvas::Quad(const Rect& p_rect) {
-  _gl->Begin(RGL_QUADS);
-  for (const auto& [s, t] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}}) {
-    _gl->TexCoord(s, t);
-    Vertex(s == 0 ? p_rect.left : p_rect.right, t == 0 ? p_rect.bottom : p_rect.top);
+  const std::array<Position, 4> corners = Corners(p_rect);
+  std::vector<Private::VertexStream::Vertex> quad(corners.size());
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    quad[i].position = {static_cast<float>(corners[i].x), static_cast<float>(corners[i].y), 0};
+    quad[i].texCoord = {i == 1 || i == 2 ? 1.0F : 0.0F, i >= 2 ? 1.0F : 0.0F, 0};
+    quad[i].color = {1, 1, 1, 1};
   }
-  _gl->End();
+  using Stream = Private::VertexStream;
+  Stream(*_gl, quad, Stream::TexCoords | Stream::Colors).Draw(RGL_QUADS);
 }
 
 } // namespace Vek::Chart::Scene

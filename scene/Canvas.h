@@ -18,6 +18,8 @@
 #include <QSizeF>
 #include <QString>
 
+#include <array>
+#include <memory>
 #include <vector>
 
 namespace Vek::Chart::Scene {
@@ -28,15 +30,19 @@ namespace Vek::Chart::Scene {
 /// point takes as many pixels as the caller states: the device pixel ratio, so that letters keep their size when the
 /// window grows, or `ThousandthOfHeight`, so that they grow with it. Lines are at least one pixel wide.
 ///
+/// Order: figures are collected, and are drawn together in the order of the calls, in few calls of GL: by `Flush`,
+/// before an image, and at the end of the canvas. Whoever draws by other means in between calls `Flush` first.
+///
 /// State: the constructor sets GL's viewport, a projection to its pixels and the state to draw over what is there (no
 /// depth, light, clip planes or shader; blending by alpha; the scissor is the host's). The destructor restores all GL
 /// state. Calls of the host's between both must not change it for longer than they draw.
 ///
 /// Ownership: one canvas lives within one rendering scope, and refers to the scope and the text renderer. It keeps no
-/// GL objects.
+/// GL objects. GL needs buffer objects that can be mapped.
 ///
 /// Errors: a viewport without width or height is reported ("p_viewport.width > 0 && p_viewport.height > 0"), and
-/// nothing appears. Images and strings that cannot be drawn are reported by Library::Texture and TextRenderer.
+/// nothing appears. Images and strings that cannot be drawn are reported by Library::Texture and TextRenderer. The
+/// destructor draws what is left and throws nothing: call `Flush` before where exceptions of a report's sink matter.
 ///
 /// \snippet SceneTextSnippets.cpp Canvas
 /// \image html parts/Canvas.png
@@ -61,8 +67,13 @@ public:
   /// Begins to draw over a viewport of the window; a point takes `p_pointSize` pixels.
   Canvas(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const TextRenderer& p_text,
          double p_pointSize = 1);
+  /// Draws what was collected and restores GL's state.
+  ~Canvas();
   Canvas(const Canvas&) = delete;
   Canvas& operator=(const Canvas&) = delete;
+
+  /// Draws what was collected since the last time.
+  void Flush();
 
   /// The width of the viewport in points.
   double Width() const { return static_cast<double>(_viewport.width) / _point; }
@@ -116,14 +127,16 @@ public:
   void Image(const Rect& p_rect, const Library::Texture& p_texture);
 
 private:
-  void Vertex(double p_x, double p_y);
-  void Quad(const Rect& p_rect);
+  Position Pixel(const Position& p_position) const { return {p_position.x * _point, p_position.y * _point}; }
+  std::array<Position, 4> Corners(const Rect& p_rect) const;
   double LineWidth(double p_width) const;
+  void FlushIfLarge();
 
   Utility::Scoped<Rgl>& _gl;
   const TextRenderer& _text;
   Types::Viewport<0> _viewport;
   double _point;
+  std::unique_ptr<Private::FlatBatch> _batch;
   // Guards, released in reverse.
   boost::shared_ptr<void> _viewportGuard;
   boost::shared_ptr<void> _flatGuard;

@@ -17,6 +17,11 @@
 
 namespace Vek::Chart::Scene {
 
+namespace Private {
+class FlatBatch;
+class LetterCache;
+} // namespace Private
+
 /// Draws strings at window pixels, upright or rotated, with a halo that keeps them legible over data.
 ///
 /// Box: as high as the lines of the font, as wide as the longest line and an eighth of the font's height to the left
@@ -26,23 +31,27 @@ namespace Vek::Chart::Scene {
 ///
 /// The letters are those of `Ogl::Text`. Superscripts and signs are plain Unicode ("×10⁻³ m²").
 ///
-/// Ownership: the shapes of the letters are kept as textures, one set per context (`Ogl::PerContext`): a renderer draws
-/// in any number of contexts, and ends before or after them. The colours are not part of the textures. A set holds at
-/// most MostTextures textures with MostTexels texels together; those that were not drawn for the longest time are freed
-/// first. A copy starts without textures.
+/// Ownership: the shapes of the strings are kept on pages, textures of one byte a texel that many strings share, one
+/// set per context (`Ogl::PerContext`): a renderer draws in any number of contexts, and ends before or after them. The
+/// colours are not part of the pages. A set has at most MostTexels texels, or one page; the page that was not drawn for
+/// the longest time is freed first. A copy starts without pages.
+///
+/// Cost: a string is painted and uploaded when it is drawn for the first time. `Draw` is one upload of vertices and one
+/// draw call for each string; many strings are better drawn on a Canvas, which draws all of them together. GL needs
+/// buffer objects that can be mapped.
 ///
 /// Errors: Qt needs a QGuiApplication for fonts (platform "offscreen" will do). Without one, `Size` is empty and
 /// nothing is drawn; both report "qGuiApp != nullptr && "Text needs a QGuiApplication."". A string whose image is
-/// larger than the device's textures is reported and not drawn (see Library::Texture), as is one that there is no
-/// memory for. A position or rotation that is not finite draws nothing. Rendering thread only.
+/// larger than the device's textures is reported ("largest <= GL_MAX_TEXTURE_SIZE && "600 x 30 texels, the limit is
+/// 512"") and not drawn, as is one that there is no memory for. A position or rotation that is not finite draws
+/// nothing. Rendering thread only.
 ///
 /// \snippet SceneTextSnippets.cpp TextRenderer
 /// \image html parts/TextRenderer.png
 /// \ingroup legends
 class VEK_SCENE_API TextRenderer {
 public:
-  static constexpr std::size_t MostTextures = 512;    ///< textures per context
-  static constexpr std::size_t MostTexels = 1U << 22; ///< their texels together; 16 MiB
+  static constexpr std::size_t MostTexels = 1U << 24; ///< of all pages of a context; 16 MiB
   static constexpr int MaxSize = 1024; ///< the largest height of a font in pixels; larger ones are drawn so
 
   using Style = Scene::TextStyle; ///< the appearance of a string
@@ -70,12 +79,18 @@ public:
             Anchor p_anchor, const Style& p_style, double p_pointSize = 1, double p_rotation = 0) const;
 
   /// Frees the textures of the scope's context.
-  void Release(const Utility::Scoped<Rgl>& p_gl) const { _textures.Release(p_gl); }
+  void Release(const Utility::Scoped<Rgl>& p_gl) const { _letters.Release(p_gl); }
 
 private:
-  struct Textures;
+  friend class Canvas;
+
+  /// Likewise, later: adds what `Draw` would draw to a batch.
+  void Add(Private::FlatBatch& p_batch, const Utility::Scoped<Rgl>& p_gl, const QString& p_text,
+           const Types::Vector2_Base<double>& p_position, Anchor p_anchor, const Style& p_style, double p_pointSize,
+           double p_rotation) const;
+
   // Behind a pointer, since its type is private; a shared one, since that is what PerContext can copy.
-  Ogl::PerContext<boost::shared_ptr<Textures>> _textures;
+  Ogl::PerContext<boost::shared_ptr<Private::LetterCache>> _letters;
 };
 
 } // namespace Vek::Chart::Scene

@@ -36,6 +36,11 @@ void DrawAll(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, c
 
 } // namespace
 
+Utility::Scoped<Rgl>& Sheet::Gl() {
+  canvas.Flush();
+  return scope;
+}
+
 void Sheet::Draw(Figure& p_figure, const Rect& p_rect) {
   // The background goes on.
   const auto background = [&](double p_y) {
@@ -48,11 +53,12 @@ void Sheet::Draw(Figure& p_figure, const Rect& p_rect) {
   p_figure.theme = FigureTheme();
   p_figure.theme.backgroundTop = background(p_rect.top);
   p_figure.theme.backgroundBottom = background(p_rect.bottom);
-  p_figure.Draw(gl, canvas.Part(p_rect), FigurePoint * canvas.PointSize());
+  p_figure.Draw(Gl(), canvas.Part(p_rect), FigurePoint * canvas.PointSize());
 }
 
 void Sheet::Draw(const Camera& p_camera, const Rect& p_rect, const std::function<void(const View&)>& p_draw) {
   const View view{p_camera, canvas.Part(p_rect)};
+  Utility::Scoped<Rgl>& gl = Gl();
   const auto state = gl->PushAttribScope(RGL_ALL_ATTRIB_BITS);
   gl->Viewport(view.viewport);
   const auto camera = p_camera.Apply(gl, view.viewport);

@@ -30,11 +30,13 @@ constexpr double FigurePoint = 1.5;
 struct Sheet {
   using Rect = Canvas::Rect;
 
-  Utility::Scoped<Rgl>& gl;
+  Utility::Scoped<Rgl>& scope; ///< for drawing beside what is on the canvas, in any order
   Types::Viewport<0> viewport; ///< of the whole image, in pixels
   Theme theme;                 ///< FigureTheme in the lengths of the sheet
   Canvas canvas;               ///< over the whole image
 
+  /// For drawing over what was drawn on the canvas so far.
+  Utility::Scoped<Rgl>& Gl();
   /// Draws a figure into a part, without the gap between figures and their borders.
   void Draw(Figure& p_figure, const Rect& p_rect);
   /// Draws into a part under a camera.

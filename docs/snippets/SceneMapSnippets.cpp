@@ -56,6 +56,7 @@ TEST_F(SceneMapSnippetPixels, Graticule) {
       const auto [x, y] = canvas.PositionOf(pixel);
       canvas.Fill({x - 1.5, y - 1.5, x + 1.5, y + 1.5}, QColor(0xFFB347));
     }
+  canvas.Flush();
   //! [Graticule]
   Show("Graticule");
 }

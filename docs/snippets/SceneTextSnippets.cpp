@@ -49,6 +49,7 @@ TEST_F(SceneTextSnippetPixels, TextRenderer) {
     for (int j = 0; j < 28; ++j)
       canvas.Fill({10.0 * i, 10.0 * j, 10.0 * (i + 1), 10.0 * (j + 1)},
                   colors.Color(0.5 + 0.25 * std::sin(0.17 * i + 0.1 * j) + 0.25 * std::sin(0.4 * j - 0.06 * i)));
+  canvas.Flush();
   //! [TextRenderer]
   const TextRenderer text; // keeps the letters of all contexts that it draws in
   const auto pixels = gl->PixelProjection(viewport);
@@ -89,6 +90,7 @@ TEST_F(SceneTextSnippetPixels, Canvas) {
   canvas.Image(map, image);
   canvas.Triangle({560, 180}, {540, 150}, {530, 164}, theme.title);
   canvas.Text("Centre", {536, 146}, {1, 0.5}, theme.WithHalo(theme.BodyStyle()));
+  canvas.Flush(); // or the end of the canvas: draws all of it
   //! [Canvas]
   Show("Canvas");
 }

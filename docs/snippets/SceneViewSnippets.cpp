@@ -158,6 +158,7 @@ TEST_F(SceneViewSnippetPixels, OrientationTriad) {
   //! [OrientationTriad]
   camera.Look(Camera::StandardView::Top);
   OrientationTriad().Draw(canvas, camera, {500, 80}, Theme::Light());
+  canvas.Flush();
   Show("OrientationTriad");
 }
 

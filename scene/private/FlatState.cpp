@@ -12,15 +12,25 @@ namespace {
 
 /// On all units of the fixed functions; the first one is active afterwards.
 void DisableTextures(const Rgl& p_gl) {
+  const bool hasCubeMaps = p_gl.GlVersion() >= Utility::VersionNo(1, 3, 0);
   int units = 0;
   p_gl.GetIntegerv(RGL_MAX_TEXTURE_UNITS, &units);
   for (int unit = std::max(units, 1) - 1; unit >= 0; --unit) {
     p_gl.ActiveTexture(RGL_TEXTURE0 + static_cast<Ogl::GlEnum>(unit));
     for (const Ogl::GlEnum off : {RGL_TEXTURE_1D, RGL_TEXTURE_2D, RGL_TEXTURE_3D})
       p_gl.Disable(off);
-    if (p_gl.GlVersion() >= Utility::VersionNo(1, 3, 0))
+    if (hasCubeMaps)
       p_gl.Disable(RGL_TEXTURE_CUBE_MAP);
   }
+}
+
+/// Arrays of generic attributes would replace those of the fixed functions.
+boost::shared_ptr<void> FixedArrayScope(const Rgl& p_gl) {
+  constexpr unsigned int Count = 16; // as many as every device has
+  p_gl.PushClientAttrib(RGL_CLIENT_VERTEX_ARRAY_BIT);
+  for (unsigned int attribute = 0; attribute < Count; ++attribute)
+    p_gl.DisableVertexAttribArray(attribute);
+  return Ogl::MakeGuard([gl = p_gl.Functions()] { gl->PopClientAttrib(); });
 }
 
 } // namespace
@@ -35,7 +45,9 @@ boost::shared_ptr<void> PlainState(Utility::Scoped<Rgl>& p_gl, unsigned int p_mo
                          RGL_LIGHTING_BIT | RGL_POLYGON_BIT | RGL_TEXTURE_BIT | p_more);
   int program = 0;
   const bool programs = gl.GlVersion() >= Utility::VersionNo(2, 0, 0);
+  boost::shared_ptr<void> arrays;
   if (programs) {
+    arrays = FixedArrayScope(gl);
     gl.GetIntegerv(RGL_CURRENT_PROGRAM, &program);
     gl.UseProgram(0);
   }
@@ -47,9 +59,11 @@ boost::shared_ptr<void> PlainState(Utility::Scoped<Rgl>& p_gl, unsigned int p_mo
     gl.Disable(RGL_CLIP_PLANE0 + plane);
   gl.PolygonMode(RGL_FRONT_AND_BACK, RGL_FILL);
   gl.ShadeModel(RGL_SMOOTH);
-  return Ogl::MakeGuard([gl = gl.Functions(), attributes = std::move(attributes), color, programs, program]() mutable {
+  return Ogl::MakeGuard([gl = gl.Functions(), attributes = std::move(attributes), arrays = std::move(arrays), color,
+                         programs, program]() mutable {
     if (programs)
       gl->UseProgram(static_cast<unsigned int>(program));
+    arrays.reset();
     attributes.reset();
     gl->Color4d(color[0], color[1], color[2], color[3]);
   });

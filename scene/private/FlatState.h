@@ -8,8 +8,8 @@
 namespace Vek::Chart::Scene {
 
 /// What drawing starts from, whatever the host's state: fixed functions, unit 0 without a texture, both sides of filled
-/// polygons, smooth colours, no fog, stencil, alpha test, logic operation or clip plane. Releasing the guard restores
-/// it, the depth test, blending, lights, and the state of `p_more`, bits of PushAttrib.
+/// polygons, smooth colours, no fog, stencil, alpha test, logic operation, clip plane or array of a generic attribute.
+/// Releasing the guard restores it, the depth test, blending, lights, and the state of `p_more`, bits of PushAttrib.
 boost::shared_ptr<void> PlainState(Utility::Scoped<Rgl>& p_gl, unsigned int p_more = 0);
 
 /// The state for drawing in window pixels over what is there: fixed functions, plain filled polygons, smooth colours,

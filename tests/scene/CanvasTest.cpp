@@ -1,4 +1,5 @@
 #include "scene/Canvas.h"
+#include "platform/ogl/BufferPool.h"
 #include "scene/Background.h"
 #include "tests/support/Test.h"
 
@@ -165,9 +166,15 @@ TEST_F(CanvasPixels, NeitherChangesNorTakesTheHostsState) {
   gl->MatrixMode(RGL_TEXTURE);
   gl->Viewport({1, 2, 3, 4});
   gl->Color(Qt::green);
+  const auto zeros = gl->GetBufferPool().CreateBuffer<float>(3000, Ogl::BufferUsage::Default);
+  gl->BindBuffer(RGL_ARRAY_BUFFER, zeros.Name());
+  gl->EnableVertexAttribArray(0); // instead of gl_Vertex
+  gl->VertexAttribPointer(0, 3, RGL_FLOAT, 0, 0, nullptr);
   const auto before = StateOf(gl);
   draw();
   EXPECT_EQ(StateOf(gl), before);
+  gl->DisableVertexAttribArray(0);
+  gl->BindBuffer(RGL_ARRAY_BUFFER, 0);
   gl->PixelStorei(RGL_UNPACK_SKIP_ROWS, 0);
   gl->MatrixMode(RGL_MODELVIEW);
   for (int x = 2; x < 42; ++x)
@@ -210,4 +217,35 @@ TEST_F(CanvasCalls, LeavesNothingBehind) {
   const ReportCapture reports;
   { const Canvas empty(gl, {0, 0, 0, 20}, text); }
   EXPECT_EQ(reports.Texts().size(), 1U);
+}
+
+TEST_F(CanvasCalls, DrawsInTheOrderOfItsCallsWithFewDrawCalls) {
+  MakeApplication();
+  const TextRenderer text;
+  const auto drawn = [&] { return recorder.LinesOf({"DrawArrays", "Begin"}); };
+  {
+    Canvas canvas(gl, {0, 0, 30, 20}, text, 2);
+    recorder.Clear();
+    canvas.Frame({0, 0, 9, 9}, 1, Qt::red);
+    canvas.Text("a", {1, 1}, {}, Theme().WithHalo(Theme().SmallStyle()));
+    canvas.Polyline({{0, 0}, {4, 4}, {8, 0}}, 1, Qt::red);
+    EXPECT_EQ(drawn(), Lines());
+    canvas.Flush();
+    EXPECT_EQ(drawn(), Calls("DrawArrays(GL_TRIANGLES, 0, 48)")) << "frame, halo, letter and line";
+    EXPECT_EQ(recorder.LinesOf({"TexImage2D"}).size(), 1U) << "halo and letter";
+    recorder.Clear();
+    canvas.Flush();
+    EXPECT_EQ(recorder.Lines(), Lines());
+    // "W" has a page of its own.
+    for (const auto& [string, size] : {std::pair("a", 9), {"W", 600}, {"a", 9}}) {
+      canvas.Text(string, {1, 1}, {}, {static_cast<double>(size)});
+      canvas.Fill({0, 0, 1, 1}, Qt::red);
+    }
+    canvas.Image({0, 0, 1, 1}, QImage(3, 3, QImage::Format_ARGB32));
+    EXPECT_EQ(drawn(), Calls("DrawArrays(GL_TRIANGLES, 0, 12); DrawArrays(GL_TRIANGLES, 12, 12); "
+                             "DrawArrays(GL_TRIANGLES, 24, 12); DrawArrays(GL_QUADS, 0, 4)"));
+    recorder.Clear();
+    canvas.Fill({0, 0, 1, 1}, Qt::red);
+  }
+  EXPECT_EQ(drawn(), Lines{"DrawArrays(GL_TRIANGLES, 0, 6)"}) << "at its end";
 }

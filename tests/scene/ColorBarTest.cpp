@@ -116,6 +116,7 @@ TEST_F(ColorBarPixels, ColorsGrowUpwardsAndRightwards) {
   bar.Layout(300, Theme()).Draw(canvas, {100, 100});
   bar.orientation = ColorBar::Orientation::Horizontal;
   bar.Layout(300, Theme()).Draw(canvas, {300, 100});
+  canvas.Flush();
   const QImage image = context.Image();
   const auto at = [&](int p_x, int p_y) { return image.pixelColor(p_x, image.height() - 1 - p_y); };
   const int length = 300 - 34; // without both points

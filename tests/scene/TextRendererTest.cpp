@@ -124,33 +124,26 @@ TEST_F(TextRendererCalls, KeepsWhatWasDrawnLast) {
   MakeApplication();
   const TextRenderer text;
   const auto draw = [&](const QString& p_text, double p_size = 8) {
-    const std::size_t before = recorder.LinesOf({"TexImage2D"}).size();
+    recorder.Clear();
     text.Draw(gl, p_text, {0, 0}, {}, {p_size});
-    return recorder.LinesOf({"TexImage2D"}).size() - before;
+    EXPECT_EQ(recorder.LinesOf({"DrawArrays"}), Lines{"DrawArrays(GL_TRIANGLES, 0, 6)"});
+    return recorder.LinesOf({"TexImage2D"}).size();
   };
-  const auto kept = [&] {
-    return recorder.LinesOf({"GenTextures"}).size() - recorder.LinesOf({"DeleteTextures"}).size();
-  };
-  draw("!");
-  const int most = static_cast<int>(TextRenderer::MostTextures);
-  for (int i = 0; i < most + 50; ++i) {
-    ASSERT_EQ(draw(QString::number(i)), 1U) << i;
-    ASSERT_EQ(draw("!"), 0U) << i;
-    ASSERT_LE(kept(), TextRenderer::MostTextures);
-  }
-  EXPECT_EQ(kept(), TextRenderer::MostTextures);
-  EXPECT_EQ(draw(QString::number(most + 49)), 0U) << "the last one";
-  EXPECT_EQ(draw("0"), 1U) << "the first one";
+  for (int i = 0; i < 100; ++i)
+    EXPECT_EQ(draw(QString::number(i)), 1U) << i;
+  EXPECT_EQ(draw("0") + draw("99"), 0U);
+  EXPECT_NE(recorder.FindTexture(1001), nullptr);
+  EXPECT_EQ(recorder.FindTexture(1002), nullptr) << "one page for all of them";
 
-  const QSizeF size = TextRenderer::Size("MMMM", {512});
-  const double fit = static_cast<double>(TextRenderer::MostTexels) / (size.width() * (size.height() + 2));
-  for (const char* const large : {"MMMM", "MMMN", "MMNN", "MNNN", "NNNN", "NNNM"})
-    EXPECT_EQ(draw(large, 512), 1U);
-  EXPECT_LE(kept(), static_cast<std::size_t>(fit) + 2) << "by their texels";
-  EXPECT_EQ(draw("NNNM", 512) + draw("NNNN", 512), 0U) << "as many as fit";
-  draw("small");
-  draw("other");
-  EXPECT_EQ(draw("small"), 0U);
+  const QStringList large = {"MMMM", "MMMN", "MMNN", "MNNN", "NNNN", "NNNM", "NNMM", "NMMM", "MNMN"};
+  const std::size_t pages = TextRenderer::MostTexels / (2048 * 1024); // of as many texels each
+  ASSERT_EQ(static_cast<int>(pages) + 1, large.size());
+  for (const QString& string : large)
+    EXPECT_EQ(draw(string, 512), 1U);
+  EXPECT_EQ(recorder.FindTexture(1001), nullptr) << "not drawn for the longest time";
+  for (int i = 1; i < large.size(); ++i)
+    EXPECT_EQ(draw(large[i], 512), 0U) << "as many as fit";
+  EXPECT_EQ(draw(large[0], 512), 1U);
 }
 
 TEST_F(TextRendererCalls, ReportsWhatCannotBeDrawn) {
@@ -164,15 +157,18 @@ TEST_F(TextRendererCalls, ReportsWhatCannotBeDrawn) {
             std::string::npos)
       << reports.Texts()[0];
   recorder.SetInteger(RGL_MAX_TEXTURE_SIZE, {4096});
-  recorder.Fail("TexImage2D");
-  text.Draw(gl, "text", {0, 0}, {}, {12});
-  EXPECT_EQ(reports.Texts().size(), 2U);
+  for (const char* const failing : {"GenTextures", "TexImage2D", "GenBuffers", "MapBufferRange"}) {
+    const std::size_t before = reports.Texts().size();
+    recorder.Fail(failing);
+    text.Draw(gl, "text", {0, 0}, {}, {12});
+    EXPECT_GT(reports.Texts().size(), before) << failing;
+  }
   for (const double bad : {NaN, Infinity}) {
     text.Draw(gl, "text", {bad, 0}, {}, {12});
     text.Draw(gl, "text", {0, 0}, {}, {12}, 1, bad);
   }
   text.Draw(gl, "", {0, 0}, {}, {12});
-  EXPECT_EQ(recorder.LinesOf({"Begin"}), Lines());
+  EXPECT_EQ(recorder.LinesOf({"DrawArrays"}), Lines());
   text.Draw(gl, "text", {0, 0}, {}, {12});
-  EXPECT_EQ(recorder.LinesOf({"Begin"}).size(), 1U) << "tried again";
+  EXPECT_EQ(recorder.LinesOf({"DrawArrays"}).size(), 1U) << "tried again";
 }

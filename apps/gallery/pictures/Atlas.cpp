@@ -146,7 +146,7 @@ public:
   }
 
   void Draw(Sheet& p_sheet) {
-    _atlas.BuildAtlas(p_sheet.gl);
+    _atlas.BuildAtlas(p_sheet.Gl());
     BuildBars(); // which show where the atlas has put its colours
     const QString picked = QString::fromStdString(_regions[PickedRegion()].name);
     const QString titles[][2] = {{"Own colours", "a hue for each region, darker with magnitude"},
@@ -216,18 +216,19 @@ private:
     const double width = height * (p_rect.right - p_rect.left) / (p_rect.top - p_rect.bottom);
     camera.target = {width / 2 - 0.25, 0, RowPitch / 2 - height / 2};
     p_sheet.Draw(camera, p_rect, [&](const View&) {
-      const auto light = DirectionalLight().Apply(p_sheet.gl);
-      (*_atlas.Texture())(p_sheet.gl, RGL_TEXTURE0);
-      p_sheet.gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, RGL_MODULATE); // the light shades the atlas's colours
+      const auto light = DirectionalLight().Apply(p_sheet.Gl());
+      (*_atlas.Texture())(p_sheet.Gl(), RGL_TEXTURE0);
+      p_sheet.Gl()->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE,
+                            RGL_MODULATE); // the light shades the atlas's colours
       const Ogl::Vec2<float> offset = p_panel > 0 ? _atlas.InstanceOffset(_instances[p_panel - 1]) : Ogl::Vec2<float>{};
-      p_sheet.gl->MatrixMode(RGL_TEXTURE);
-      p_sheet.gl->PushMatrix();
-      p_sheet.gl->Translate({offset.x, offset.y, 0});
-      p_sheet.gl->MatrixMode(RGL_MODELVIEW);
-      _bars.Draw(p_sheet.gl);
-      p_sheet.gl->MatrixMode(RGL_TEXTURE);
-      p_sheet.gl->PopMatrix();
-      p_sheet.gl->MatrixMode(RGL_MODELVIEW);
+      p_sheet.Gl()->MatrixMode(RGL_TEXTURE);
+      p_sheet.Gl()->PushMatrix();
+      p_sheet.Gl()->Translate({offset.x, offset.y, 0});
+      p_sheet.Gl()->MatrixMode(RGL_MODELVIEW);
+      _bars.Draw(p_sheet.Gl());
+      p_sheet.Gl()->MatrixMode(RGL_TEXTURE);
+      p_sheet.Gl()->PopMatrix();
+      p_sheet.Gl()->MatrixMode(RGL_MODELVIEW);
     });
     const View view{camera, p_sheet.canvas.Part(p_rect)};
     const TextStyle style = p_sheet.theme.SmallStyle();

@@ -250,7 +250,7 @@ void DrawPanels(Sheet& p_sheet, const std::vector<Panel>& p_panels) {
   double left = Margin;
   for (const Panel& panel : p_panels) {
     p_sheet.Heading(panel.title, left - 2, Top + 24);
-    Library::Texture texture(panel.image, p_sheet.gl);
+    Library::Texture texture(panel.image, p_sheet.Gl());
     texture.magFilter = Library::Texture::Nearest;
     p_sheet.canvas.Image({left, Top - height, left + 2 * height, Top}, texture);
     const LegendBlock bar = panel.bar.Layout(width - 12, p_sheet.theme, p_sheet.canvas.PointSize());

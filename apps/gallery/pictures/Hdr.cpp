@@ -149,16 +149,16 @@ void DrawSphere(Sheet& p_sheet, const Canvas::Position& p_center, double p_radiu
   const auto vertex = [&](int p_ring, int p_sector) {
     const double radius = std::sin(M_PI / 2 * p_ring / Rings), angle = 2 * M_PI * p_sector / Sectors;
     const Direction normal(radius * std::cos(angle), -std::sqrt(1 - radius * radius), radius * std::sin(angle));
-    p_sheet.gl->Color(Encoded(p_colorAt(normal)));
-    p_sheet.gl->Vertex((p_center.x + p_radius * normal.x) * point, (p_center.y + p_radius * normal.z) * point, 0.0);
+    p_sheet.Gl()->Color(Encoded(p_colorAt(normal)));
+    p_sheet.Gl()->Vertex((p_center.x + p_radius * normal.x) * point, (p_center.y + p_radius * normal.z) * point, 0.0);
   };
   for (int ring = 0; ring < Rings; ++ring) {
-    p_sheet.gl->Begin(RGL_QUAD_STRIP);
+    p_sheet.Gl()->Begin(RGL_QUAD_STRIP);
     for (int sector = 0; sector <= Sectors; ++sector) {
       vertex(ring, sector);
       vertex(ring + 1, sector);
     }
-    p_sheet.gl->End();
+    p_sheet.Gl()->End();
   }
 }
 

@@ -179,7 +179,7 @@ void DrawPicks(Sheet& p_sheet, const Scene3D& p_scene, const View& p_view) {
   p_sheet.Heading("Picked positions", 48, 836);
   for (const Target& target : Targets) {
     const Camera::Pixel pixel = p_view.Project(target.point);
-    const auto hit = picker.PickSurface(p_sheet.gl, p_view.camera, p_view.viewport,
+    const auto hit = picker.PickSurface(p_sheet.Gl(), p_view.camera, p_view.viewport,
                                         {int(std::floor(pixel.x)), int(std::floor(pixel.y))}, stamp,
                                         [&](Utility::Scoped<Rgl>& p_gl, const PickPass&) { p_scene.Draw(p_gl); });
     const Canvas::Position at = p_sheet.canvas.PositionOf(pixel);
@@ -213,13 +213,13 @@ QImage PickingImage(const Inputs&, Types::Size p_size) {
                      camera.distance = 31;
                      camera.radius = 8.5;
                      p_sheet.Draw(camera, MainPart, [&](const View&) {
-                       const auto light = DirectionalLight().Apply(p_sheet.gl);
-                       p_sheet.gl->Enable(RGL_COLOR_MATERIAL);
-                       scene.Draw(p_sheet.gl);
+                       const auto light = DirectionalLight().Apply(p_sheet.Gl());
+                       p_sheet.Gl()->Enable(RGL_COLOR_MATERIAL);
+                       scene.Draw(p_sheet.Gl());
                      });
                      const View view{camera, p_sheet.canvas.Part(MainPart)};
                      const double point = p_sheet.canvas.PointSize();
-                     const Depths depths(p_sheet.gl, scene, view,
+                     const Depths depths(p_sheet.Gl(), scene, view,
                                          {std::max(1, int(PanelWidth * point)), std::max(1, int(PanelHeight * point))});
                      DrawPanel(p_sheet, depths.ImageOf(depths.decoded), DecodedPart, "Depths decoded from colours");
                      DrawPanel(p_sheet, depths.ImageOf(depths.truth), TruePart, "The depth buffer");

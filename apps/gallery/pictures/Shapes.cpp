@@ -309,13 +309,13 @@ Types::Viewport<0> Pixels(const Canvas& p_canvas, const Rect& p_rect) {
 constexpr double LabelRow = 70;
 
 void DrawBoxes(Sheet& p_sheet) {
-  const auto lines = p_sheet.gl->PushAttribScope(RGL_LINE_BIT);
-  p_sheet.gl->LineWidth(static_cast<float>(std::max(1.0, 2 * p_sheet.canvas.PointSize())));
+  const auto lines = p_sheet.Gl()->PushAttribScope(RGL_LINE_BIT);
+  p_sheet.Gl()->LineWidth(static_cast<float>(std::max(1.0, 2 * p_sheet.canvas.PointSize())));
   Library::Box box;
   box.rect = Pixels(p_sheet.canvas, {50, 100, 160, 240});
   box.fillColor = ColumnColor(1).darker(160);
   box.lineColor = ColumnColor(1).lighter(140);
-  box(p_sheet.gl.Handle());
+  box(p_sheet.Gl().Handle());
   p_sheet.Label("Box", 105, LabelRow, {0.5, 0.5});
 
   Library::FilledBox filled;
@@ -323,20 +323,20 @@ void DrawBoxes(Sheet& p_sheet) {
   filled.outer = Pixels(p_sheet.canvas, {190, 100, 300, 240});
   filled.fillColor = ColumnColor(3).darker(160);
   filled.lineColor = ColumnColor(3).lighter(130);
-  filled(p_sheet.gl.Handle());
+  filled(p_sheet.Gl().Handle());
   p_sheet.Label("FilledBox, inner", 245, LabelRow, {0.5, 0.5});
 
   filled.mode = Library::FilledBox::FillFrame;
   filled.inner = Pixels(p_sheet.canvas, {364, 126, 430, 214});
   filled.outer = Pixels(p_sheet.canvas, {342, 100, 452, 240});
-  filled(p_sheet.gl.Handle());
+  filled(p_sheet.Gl().Handle());
   p_sheet.Label("frame", 397, LabelRow, {0.5, 0.5});
 }
 
 void DrawPanels(Sheet& p_sheet) {
   constexpr double Border = 20;
   const int border = std::max(1, static_cast<int>(std::lround(Border * p_sheet.canvas.PointSize())));
-  const Library::Texture panel(PanelImage(border), p_sheet.gl);
+  const Library::Texture panel(PanelImage(border), p_sheet.Gl());
   const struct {
     Rect rect;
     bool patched;
@@ -350,25 +350,25 @@ void DrawPanels(Sheet& p_sheet) {
     Library::TexturedQuad quad;
     quad.rect = Pixels(p_sheet.canvas, rect);
     quad.border = patched ? static_cast<std::uint32_t>(border) : 0;
-    quad(p_sheet.gl.Handle(), panel);
+    quad(p_sheet.Gl().Handle(), panel);
     p_sheet.Label(text, (rect.left + rect.right) / 2, (rect.bottom + rect.top) / 2, {0.5, 0.5});
   }
   p_sheet.Label("Corners keep their size, edges and middle stretch", 500, LabelRow);
 }
 
 void DrawLayers(Sheet& p_sheet) {
-  const auto ground = boost::make_shared<Library::Texture>(GroundImage(), p_sheet.gl);
+  const auto ground = boost::make_shared<Library::Texture>(GroundImage(), p_sheet.Gl());
   const std::pair<std::uint32_t, const char*> layers[] = {{Library::Texture::Replace, "2: off"},
                                                           {Library::Texture::Decal, "1: alpha"},
                                                           {Library::Texture::Modulate, "0: multiply"}};
   double left = 1110;
   for (const auto& [environment, name] : layers) {
-    const auto disk = boost::make_shared<Library::Texture>(DiskImage(), p_sheet.gl);
+    const auto disk = boost::make_shared<Library::Texture>(DiskImage(), p_sheet.Gl());
     disk->environment = environment;
-    const auto state = p_sheet.gl->PushAttribScope(RGL_COLOR_BUFFER_BIT); // the layers leave their blend function
+    const auto state = p_sheet.Gl()->PushAttribScope(RGL_COLOR_BUFFER_BIT); // the layers leave their blend function
     Library::TexturedQuad quad;
     quad.rect = Pixels(p_sheet.canvas, {left, 100, left + 140, 240});
-    quad(p_sheet.gl.Handle(), {ground, disk});
+    quad(p_sheet.Gl().Handle(), {ground, disk});
     p_sheet.Label(name, left + 70, LabelRow, {0.5, 0.5});
     left += 152;
   }
@@ -381,10 +381,10 @@ QImage ShapesImage(const Inputs&, Types::Size p_size) {
                    [](Sheet& p_sheet) {
                      const Rect whole{0, 0, p_sheet.canvas.Width(), p_sheet.canvas.Height()};
                      p_sheet.Draw(WallCamera(), whole, [&](const View&) {
-                       const Geometry geometry(p_sheet.gl.Handle());
-                       p_sheet.gl->LineWidth(static_cast<float>(std::max(1.0, 1.2 * p_sheet.canvas.PointSize())));
-                       DrawSolids(p_sheet.gl, geometry);
-                       DrawVoxel(p_sheet.gl, geometry);
+                       const Geometry geometry(p_sheet.Gl().Handle());
+                       p_sheet.Gl()->LineWidth(static_cast<float>(std::max(1.0, 1.2 * p_sheet.canvas.PointSize())));
+                       DrawSolids(p_sheet.Gl(), geometry);
+                       DrawVoxel(p_sheet.Gl(), geometry);
                      });
                      DrawLabels(p_sheet, {WallCamera(), p_sheet.viewport});
                      DrawBoxes(p_sheet);

@@ -111,7 +111,7 @@ void DrawLines(Sheet& p_sheet) {
     for (const auto& column : columns) {
       style.width.Set(column.width);
       style.secondColor.Set(column.under);
-      DrawLine(p_sheet.gl, style, Rounded(column.left * point), Rounded(column.right * point), Rounded(y * point));
+      DrawLine(p_sheet.scope, style, Rounded(column.left * point), Rounded(column.right * point), Rounded(y * point));
     }
   }
 }
@@ -124,9 +124,9 @@ void DrawSwatch(Sheet& p_sheet, const Rect& p_rect, std::uint32_t p_pattern, con
   Types::FillStyle style;
   style.pattern.Set(p_pattern);
   style.color.Set(p_color);
-  DrawFill(p_sheet.gl, style, left, Rounded(p_rect.bottom * point), right, Rounded((p_rect.bottom + 16) * point));
+  DrawFill(p_sheet.scope, style, left, Rounded(p_rect.bottom * point), right, Rounded((p_rect.bottom + 16) * point));
   style.secondColor.Set(UnderFills);
-  DrawFill(p_sheet.gl, style, left, Rounded((p_rect.bottom + 20) * point), right, Rounded(p_rect.top * point));
+  DrawFill(p_sheet.scope, style, left, Rounded((p_rect.bottom + 20) * point), right, Rounded(p_rect.top * point));
 
   constexpr int Shown = 12;
   const double pixel = (p_rect.top - p_rect.bottom) / Shown;
@@ -166,7 +166,7 @@ void DrawSprites(Sheet& p_sheet, const Assets::Resource& p_folder) {
   Assets::ImageCache cache;
   for (std::size_t i = 0; i < std::size(PointNames); ++i) {
     const auto sprite =
-        Pattern::PointSpritePattern(static_cast<Pattern::PointPattern>(i + 1), p_folder, cache, p_sheet.gl);
+        Pattern::PointSpritePattern(static_cast<Pattern::PointPattern>(i + 1), p_folder, cache, p_sheet.scope);
     const double x = Left + 36 + Pitch * static_cast<double>(i);
     Library::TexturedQuad quad;
     quad.color = colors[i * (colors.size() - 1) / (std::size(PointNames) - 1)];
@@ -174,7 +174,7 @@ void DrawSprites(Sheet& p_sheet, const Assets::Resource& p_folder) {
       const auto side = static_cast<float>(pixels(size));
       quad.rect = {static_cast<float>(Rounded((x - size / 2) * point)),
                    static_cast<float>(Rounded((y - size / 2) * point)), side, side};
-      quad(p_sheet.gl.Handle(), *sprite);
+      quad(p_sheet.scope.Handle(), *sprite);
     }
     p_sheet.Label(QString::number(i + 1), x, 92, {0.5, 0.5});
     p_sheet.canvas.Text(PointNames[i], {x, 66}, {0.5, 0.5}, {15, p_sheet.theme.text});
@@ -203,7 +203,7 @@ void DrawTexts(Sheet& p_sheet) {
     style.size.Set(static_cast<std::uint32_t>(std::max(1, Rounded(size * point))));
     Library::Style::ApplyStyle(text, style);
     text->text = QString::number(text->size);
-    x += DrawOnBaseLine(p_sheet.gl, *text, x, 200 * point) + 16 * point;
+    x += DrawOnBaseLine(p_sheet.scope, *text, x, 200 * point) + 16 * point;
   }
   const struct {
     const char* text;
@@ -220,7 +220,7 @@ void DrawTexts(Sheet& p_sheet) {
     style.secondColor.Set(kind.second);
     style.flag.Set(kind.flag);
     Library::Style::ApplyStyle(text, style);
-    DrawOnBaseLine(p_sheet.gl, *text, left * point, 106 * point);
+    DrawOnBaseLine(p_sheet.scope, *text, left * point, 106 * point);
     p_sheet.Label(kind.note, left, 66);
     left += 266;
   }

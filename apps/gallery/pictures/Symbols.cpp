@@ -141,7 +141,7 @@ std::vector<Symbol> Symbols(Utility::Scoped<Rgl>& p_gl, const Inputs& p_inputs) 
 QImage SymbolsImage(const Inputs& p_inputs, Types::Size p_size) {
   return DrawSheet("Symbols", "The built-in glyph models, each with all its copies in one draw call", p_size,
                    [&](Sheet& p_sheet) {
-                     const std::vector<Symbol> symbols = Symbols(p_sheet.gl, p_inputs);
+                     const std::vector<Symbol> symbols = Symbols(p_sheet.Gl(), p_inputs);
                      const Library::ColorMap colors(Library::NamedColors::Colors("plasma", 256, 0.25, 0.95),
                                                     Library::ColorMap::Interpolated);
                      Camera camera;
@@ -155,10 +155,10 @@ QImage SymbolsImage(const Inputs& p_inputs, Types::Size p_size) {
                      p_sheet.Draw(camera, part, [&](const View&) {
                        DirectionalLight bright;
                        bright.ambient = 0.5;
-                       const auto light = bright.Apply(p_sheet.gl);
-                       p_sheet.gl->LineWidth(static_cast<float>(3 * p_sheet.canvas.PointSize()));
+                       const auto light = bright.Apply(p_sheet.Gl());
+                       p_sheet.Gl()->LineWidth(static_cast<float>(3 * p_sheet.canvas.PointSize()));
                        for (const Symbol& symbol : symbols)
-                         symbol.mesh.Draw(p_sheet.gl, colors);
+                         symbol.mesh.Draw(p_sheet.Gl(), colors);
                      });
                      const View view{camera, p_sheet.canvas.Part(part)};
                      const auto label = [&](int p_cell, const QString& p_text, const QColor& p_color) {
