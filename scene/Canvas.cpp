@@ -209,22 +209,18 @@ void Canvas::Image(const Rect& p_rect, const QImage& p_image) {
 
 void Canvas::Image(const Rect& p_rect, const Library::Texture& p_texture) {
   Flush();
-  const auto guard = _gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT);
+  const auto guard = _gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT);
   {
     const auto unpacking = p_texture.Handle() ? nullptr : Ogl::UnpackScope(*_gl); // an upload changes it
     p_texture(_gl, RGL_TEXTURE0);
   }
   if (!p_texture.Handle()) // reported
     return;
-  const std::array<Position, 4> corners = Corners(p_rect);
-  std::vector<Private::VertexStream::Vertex> quad(corners.size());
-  for (std::size_t i = 0; i < corners.size(); ++i) {
-    quad[i].position = {static_cast<float>(corners[i].x), static_cast<float>(corners[i].y), 0};
-    quad[i].texCoord = {i == 1 || i == 2 ? 1.0F : 0.0F, i >= 2 ? 1.0F : 0.0F, 0};
-    quad[i].color = {1, 1, 1, 1};
-  }
+  const auto [left, bottom] = Pixel({p_rect.left, p_rect.bottom});
+  const auto [right, top] = Pixel({p_rect.right, p_rect.top});
+  _gl->Color(QColor(Qt::white));
   using Stream = Private::VertexStream;
-  Stream(*_gl, quad, Stream::TexCoords | Stream::Colors).Draw(RGL_QUADS);
+  Stream(*_gl, Stream::Rectangle(left, bottom, right, top), Stream::TexCoords).Draw(RGL_QUADS);
 }
 
 } // namespace Vek::Chart::Scene

@@ -5,6 +5,7 @@
 #include "scene/private/FrameDepths.h"
 #include "scene/private/Matrix4.h"
 #include "scene/private/RayShaders.h"
+#include "scene/private/VertexStream.h"
 
 #include "platform/debug/Check.h"
 #include "platform/ogl/PixelStore.h"
@@ -294,12 +295,9 @@ void SetRays(const Uniforms& p_set, const VoxelGrid& p_grid, const Settings& p_s
 }
 
 void DrawRectangle(Utility::Scoped<Rgl>& p_gl, const Covered& p_covered) {
-  p_gl->Begin(RGL_QUADS);
-  p_gl->Vertex(p_covered.left, p_covered.bottom, 0);
-  p_gl->Vertex(p_covered.right, p_covered.bottom, 0);
-  p_gl->Vertex(p_covered.right, p_covered.top, 0);
-  p_gl->Vertex(p_covered.left, p_covered.top, 0);
-  p_gl->End();
+  using Stream = Private::VertexStream;
+  Stream(*p_gl, Stream::Rectangle(p_covered.left, p_covered.bottom, p_covered.right, p_covered.top), Stream::Positions)
+      .Draw(RGL_QUADS);
 }
 
 double UnitLength(const Settings& p_settings, const VoxelGrid& p_grid) {

@@ -1,6 +1,7 @@
 #include "scene/VolumeSlices.h"
 
 #include "scene/private/PeelShader.h"
+#include "scene/private/VertexStream.h"
 #include "scene/private/VoxelPlaces.h"
 
 #include "library/DepthCodec.h"
@@ -109,15 +110,50 @@ const Ogl::ShaderProgram& Made(Pair& p_programs, Utility::Scoped<Rgl>& p_gl, con
   return *program;
 }
 
-void Fill(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const Slice& p_slice) {
-  if (p_slice.size() < 3)
-    return;
-  p_gl->Begin(RGL_POLYGON);
-  for (const Point& corner : p_slice) {
-    p_gl->MultiTexCoord(RGL_TEXTURE0, p_grid.IsEven() ? p_grid.TexCoord(corner) : p_grid.Share(corner));
-    p_gl->Vertex(corner);
+using Stream = Private::VertexStream;
+
+/// The vertices of all polygons, one after the other.
+std::vector<Stream::Vertex> Vertices(const std::vector<Slice>& p_slices) {
+  std::vector<Stream::Vertex> vertices;
+  for (const Slice& slice : p_slices)
+    for (const Point& corner : slice)
+      vertices.emplace_back(corner);
+  return vertices;
+}
+
+/// Likewise, with the coordinates of a volume.
+std::vector<Stream::Vertex> Vertices(const std::vector<Slice>& p_slices, const VoxelGrid& p_grid) {
+  std::vector<Stream::Vertex> vertices = Vertices(p_slices);
+  auto vertex = vertices.begin();
+  for (const Slice& slice : p_slices)
+    for (const Point& corner : slice) {
+      const Point place = p_grid.IsEven() ? p_grid.TexCoord(corner) : p_grid.Share(corner);
+      (vertex++)->texCoord = Stream::Vertex(place).position;
+    }
+  return vertices;
+}
+
+/// Draws the polygons of a stream of at least that many corners, each after `p_before` with its number.
+template <class Before>
+void DrawEach(const Stream& p_stream, Ogl::GlEnum p_mode, const std::vector<Slice>& p_slices, std::size_t p_corners,
+              Before&& p_before) {
+  std::size_t first = 0;
+  for (std::size_t i = 0; i < p_slices.size(); ++i) {
+    if (p_slices[i].size() >= p_corners) {
+      p_before(i);
+      p_stream.Draw(p_mode, first, p_slices[i].size());
+    }
+    first += p_slices[i].size();
   }
-  p_gl->End();
+}
+
+/// Fills the polygons, each after `p_before` with its number.
+template <class Before>
+void Fill(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const std::vector<Slice>& p_slices, Before&& p_before) {
+  DrawEach(Stream(*p_gl, Vertices(p_slices, p_grid), Stream::TexCoords), RGL_POLYGON, p_slices, 3, p_before);
+}
+void Fill(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const std::vector<Slice>& p_slices) {
+  Fill(p_gl, p_grid, p_slices, [](std::size_t) {});
 }
 
 } // namespace
@@ -205,15 +241,14 @@ void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_
   program.SetUniform(p_gl, "above", p_scale.above.isValid() ? p_scale.above : p_colors.Color(1.0));
   program.SetUniform(p_gl, "missing", fillsMissing ? p_scale.missing : QColor(0, 0, 0, 0));
   Private::SetPeelUniforms(p_gl, program, p_pass);
-  for (const Slice& slice : p_slices)
-    Fill(p_gl, _grid, slice);
+  Fill(p_gl, _grid, p_slices);
 }
 
 void VolumeSlices::DrawDepths(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices) const {
   const Painting painting(
       p_gl, *this, Made(_programs.Get(p_gl).depths, p_gl, _grid, Library::DepthCodec::PreciseGlsl() + DepthText));
-  for (std::size_t i = 0; painting && i < p_slices.size(); ++i)
-    Fill(p_gl, _grid, p_slices[i]);
+  if (painting)
+    Fill(p_gl, _grid, p_slices);
 }
 
 void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices, const PickPass& p_pass) const {
@@ -224,12 +259,13 @@ void VolumeSlices::Draw(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_
                                 ", got " + std::to_string(p_pass.plot));
   const Ogl::ShaderProgram& program = Made(_programs.Get(p_gl).ids, p_gl, _grid, IdText);
   const Painting painting(p_gl, *this, program);
-  for (std::size_t i = 0; painting && i < p_slices.size(); ++i) {
-    const auto element = static_cast<unsigned int>(std::min<std::size_t>(i, PickPass::NoElement));
+  if (!painting)
+    return;
+  Fill(p_gl, _grid, p_slices, [&](std::size_t p_number) {
+    const auto element = static_cast<unsigned int>(std::min<std::size_t>(p_number, PickPass::NoElement));
     const auto byte = [&](unsigned int p_shift) { return static_cast<int>((element >> p_shift) & 0xFF); };
     program.SetUniform(p_gl, "id", QColor(byte(0), byte(8), byte(16), static_cast<int>(p_pass.plot + 1)));
-    Fill(p_gl, _grid, p_slices[i]);
-  }
+  });
 }
 
 std::array<std::array<Point, 2>, 12> Edges(const Box& p_box) {
@@ -248,20 +284,14 @@ std::array<std::array<Point, 2>, 12> Edges(const Box& p_box) {
 }
 
 void DrawOutlines(Utility::Scoped<Rgl>& p_gl, const std::vector<Slice>& p_slices) {
-  for (const Slice& slice : p_slices) {
-    p_gl->Begin(RGL_LINE_LOOP);
-    for (const Point& corner : slice)
-      p_gl->Vertex(corner);
-    p_gl->End();
-  }
+  DrawEach(Stream(*p_gl, Vertices(p_slices), Stream::Positions), RGL_LINE_LOOP, p_slices, 1, [](std::size_t) {});
 }
 
 void DrawEdges(Utility::Scoped<Rgl>& p_gl, const Box& p_box) {
-  p_gl->Begin(RGL_LINES);
+  std::vector<Slice> edges;
   for (const auto& edge : Edges(p_box))
-    for (const Point& end : edge)
-      p_gl->Vertex(end);
-  p_gl->End();
+    edges.emplace_back(edge.begin(), edge.end());
+  Stream(*p_gl, Vertices(edges), Stream::Positions).Draw(RGL_LINES);
 }
 
 } // namespace Vek::Chart::Scene

@@ -1,6 +1,7 @@
 #include "scene/private/DepthPeeling.h"
 
 #include "scene/private/FlatState.h"
+#include "scene/private/VertexStream.h"
 
 #include "platform/ogl/Guard.h"
 
@@ -101,15 +102,12 @@ bool DepthPeeling::DrawLayer(Utility::Scoped<Rgl>& p_gl, std::size_t p_layer,
 void DepthPeeling::Blend(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, std::size_t p_count) const {
   const auto state = FlatState(p_gl);
   const auto matrices = p_gl->PixelProjection(p_viewport);
+  const VertexStream rectangle(*p_gl, VertexStream::Rectangle(0, 0, _size.width, _size.height),
+                               VertexStream::TexCoords);
   for (std::size_t layer = p_count; layer-- > 0;) {
     _targets[layer + 1].BindColor(p_gl, RGL_TEXTURE0);
     p_gl->TexEnvi(RGL_TEXTURE_ENV, RGL_TEXTURE_ENV_MODE, static_cast<int>(RGL_REPLACE));
-    p_gl->Begin(RGL_QUADS);
-    for (const auto& [x, y] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
-      p_gl->TexCoord(x, y);
-      p_gl->Pixel(x * _size.width, y * _size.height);
-    }
-    p_gl->End();
+    rectangle.Draw(RGL_QUADS);
   }
 }
 

@@ -1,5 +1,7 @@
 #include "scene/private/FigureCuts.h"
 
+#include "scene/private/VertexStream.h"
+
 #include "library/Intersect.h"
 
 #include <cmath>
@@ -82,16 +84,12 @@ void DrawOutlines(Utility::Scoped<Rgl>& p_gl, const std::vector<std::vector<Poin
   p_gl->Disable(RGL_LIGHTING);
   p_gl->LineWidth(static_cast<float>(p_width));
   p_gl->Color(p_color);
-  for (const std::vector<Point>& outline : p_outlines) {
-    if (outline.size() < 2)
-      continue;
-    p_gl->Begin(RGL_LINE_STRIP);
-    for (std::size_t i = 0; i <= outline.size(); ++i) {
-      const Point& corner = outline[i % outline.size()];
-      p_gl->Vertex(corner.x, corner.y, corner.z);
-    }
-    p_gl->End();
-  }
+  std::vector<VertexStream::Vertex> ends;
+  for (const std::vector<Point>& outline : p_outlines)
+    for (std::size_t i = 0; i < outline.size() && outline.size() > 1; ++i)
+      for (const std::size_t end : {i, (i + 1) % outline.size()})
+        ends.emplace_back(outline[end]);
+  VertexStream(*p_gl, ends, VertexStream::Positions).Draw(RGL_LINES);
 }
 
 namespace {

@@ -10,8 +10,7 @@ namespace {
 
 VertexStream::Vertex VertexAt(const FlatBatch::Position& p_position, const QColor& p_color) {
   const auto [red, green, blue, alpha] = Types::ColorChannels(p_color);
-  VertexStream::Vertex vertex;
-  vertex.position = {static_cast<float>(p_position.x), static_cast<float>(p_position.y), 0};
+  VertexStream::Vertex vertex(p_position.x, p_position.y, 0);
   vertex.color = {static_cast<float>(red), static_cast<float>(green), static_cast<float>(blue),
                   static_cast<float>(alpha)};
   return vertex;

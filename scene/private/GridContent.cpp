@@ -2,6 +2,7 @@
 
 #include "scene/Ticks.h"
 #include "scene/private/BoxView.h"
+#include "scene/private/VertexStream.h"
 
 #include <algorithm>
 #include <cmath>
@@ -213,13 +214,13 @@ void GridContent::DrawEdges(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) co
   color.setAlphaF(LineOpacity);
   p_gl->Color(color);
   const BoxView view(_region, p_frame.camera, p_frame.viewport, p_frame.pixelRatio);
-  p_gl->Begin(RGL_LINES);
+  std::vector<VertexStream::Vertex> ends;
   for (std::size_t axis = 0; axis < 3; ++axis)
     for (unsigned int edge = 0; edge < 4; ++edge)
       if (view.SeenFacesAt(axis, edge) < 2) // not in front of the inside
         for (const double end : {0.0, 1.0})
-          p_gl->Vertex(view.PointAt(axis, edge, end));
-  p_gl->End();
+          ends.emplace_back(view.PointAt(axis, edge, end));
+  VertexStream(*p_gl, ends, VertexStream::Positions).Draw(RGL_LINES);
 }
 
 } // namespace Vek::Chart::Scene::Private

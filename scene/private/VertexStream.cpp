@@ -61,6 +61,15 @@ void Bind(const Rgl& p_gl, unsigned int p_buffer, unsigned int p_attributes) {
 
 } // namespace
 
+std::vector<Vertex> VertexStream::Rectangle(double p_left, double p_bottom, double p_right, double p_top) {
+  std::vector<Vertex> corners = {
+      {p_left, p_bottom, 0}, {p_right, p_bottom, 0}, {p_right, p_top, 0}, {p_left, p_top, 0}};
+  corners[1].texCoord = {1, 0, 0};
+  corners[2].texCoord = {1, 1, 0};
+  corners[3].texCoord = {0, 1, 0};
+  return corners;
+}
+
 VertexStream::VertexStream(const Rgl& p_gl, const std::vector<Vertex>& p_vertices, unsigned int p_attributes)
     : _gl(p_gl)
     , _buffer(Uploaded(p_gl, p_vertices)) {

@@ -60,6 +60,55 @@ TEST_F(FigureCalls, AreAsManyForAHundredTimesAsManyElements) {
     }
 }
 
+/// The calls that draw vertex by vertex, or from memory of the process.
+Lines DrawnFromMemory(const Lines& p_calls) {
+  Lines found;
+  std::map<std::string, bool> isBound; // by target
+  for (const std::string& call : p_calls) {
+    const auto is = [&](const char* p_text) { return call.find(p_text) != std::string::npos; };
+    if (call.rfind("BindBuffer(", 0) == 0)
+      isBound[call.substr(11, call.find(',') - 11)] = !is(", 0)");
+    else if (call.rfind("Begin(", 0) == 0 || call.rfind("CallList(", 0) == 0 ||
+             (is("Pointer(") && !isBound["GL_ARRAY_BUFFER"]) ||
+             (call.rfind("DrawElements", 0) == 0 && !isBound["GL_ELEMENT_ARRAY_BUFFER"]))
+      found.push_back(call);
+  }
+  return found;
+}
+
+TEST_F(FigureCalls, DrawFromBuffersAlone) {
+  recorder.SetInteger(RGL_SAMPLE_BUFFERS, {0});
+  const Points points = Cloud(20);
+  const VoxelGrid volume(std::vector<float>{0, 1, 2, 3, 4, 5, 6, 7}, {2, 2, 2}, {{-1, -1, -1}, {1, 1, 1}});
+  const Doubles uneven = {0, 1, 3};
+  const Doubles axis = {-1, 0, 1};
+  for (const double opacity : {1.0, 0.5})
+    for (const bool isMoving : {false, true}) {
+      Figure figure("Title", "Subtitle");
+      figure.SetTriad(true).SetMoving(isMoving);
+      figure.Scatter(points).ColorBy(Ascending(20)).ColorTitle("Value").SizeBy(Ascending(20)).SetOpacity(opacity);
+      figure.Quiver(points, points).ColorByLength().Label("arrows").SetOpacity(opacity);
+      figure.Mesh(points, std::vector<std::array<unsigned, 3>>{{0, 1, 2}}).Label("mesh").SetOpacity(opacity);
+      figure.Lines(points).SetOpacity(opacity);
+      figure.Bars(axis, axis, axis).SetOpacity(opacity);
+      figure.Surface(axis, axis, Ascending(9)).Contours(5).SetOpacity(opacity);
+      figure.Streamlines(VectorField::Rectilinear(axis, axis, axis, Points(27, Point(1, 0, 0)))).SetOpacity(opacity);
+      figure.Slices(volume).SetOpacity(opacity);
+      figure.Slices(VoxelGrid(std::vector<float>(27, 1), uneven, uneven, uneven));
+      figure.Volume(volume);
+      figure.Isosurface(volume, 3.5).SetOpacity(opacity);
+      figure.Clip(0, 0.2, Figure::Side::Above);
+      EXPECT_EQ(DrawnFromMemory(CallsOf(figure)), Lines());
+      EXPECT_EQ(DrawnFromMemory(CallsOf(figure)), Lines()) << "a second time";
+      CallsOf(figure);
+      EXPECT_GT(recorder.LinesOf({"DrawArrays", "DrawElements", "DrawArraysInstanced", "DrawElementsInstanced"}).size(),
+                12U);
+      recorder.Clear();
+      figure.Pick(gl, {0, 0, 600, 400}, {300, 200});
+      EXPECT_EQ(DrawnFromMemory(recorder.Lines()), Lines()) << "a pick";
+    }
+}
+
 TEST_F(FigureCalls, UploadWhatChanged) {
   constexpr std::size_t Count = 100;
   using Bytes = std::vector<std::size_t>;
