@@ -14,6 +14,7 @@
 #include <QPointF>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -148,8 +149,7 @@ private:
   /// Qt forgets the samples of the format when the view gets another window.
   void KeepSamples();
   /// Moves the camera of the figure by a function of an OrbitController.
-  template <class Function>
-  void Move(const Function& p_function);
+  void Move(const std::function<void(Scene::OrbitController&)>& p_function);
   void LookFrom(const Scene::Camera& p_direction);
   void CameraHasMoved();
   bool PressKey(int p_key);
