@@ -129,6 +129,8 @@ std::optional<ColorKey> Coloring::Key() const {
   key.range = EffectiveRange();
   key.logarithmic = _logarithmic;
   key.all = Summary().all;
+  if (_logarithmic && Summary().hasBelow)
+    key.all += _linear.all.min; // with those that are not above 0
   key.hasBelow = Summary().hasBelow || Summary().all.min < key.range.min;
   key.hasAbove = Summary().hasAbove || Summary().all.max > key.range.max;
   key.hasMissing = Summary().missing != 0 && _missing.alpha() != 0;

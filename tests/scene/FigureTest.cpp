@@ -197,6 +197,13 @@ TEST_F(FigureTest, KeysAreTrueToTheData) {
   EXPECT_EQ(std::count(strings.begin(), strings.end(), "m/s"), 1);
 }
 
+TEST_F(FigureTest, LogarithmicBarsHaveTrueExtremes) {
+  Figure figure;
+  figure.Scatter(Cloud(4)).ColorBy(Doubles{-3, 0.5, 20, 70}).LogScale().ColorRange(1, 50);
+  const std::vector<QString> strings = StringsOf(figure.Layout(wide));
+  EXPECT_EQ(QStringList(strings.begin(), strings.end()).join(' ').toStdString(), "1 2 5 10 20 50 \u22123 70");
+}
+
 TEST_F(FigureTest, EqualColorsShareABar) {
   const auto bars = [&](Figure& p_figure) {
     std::size_t count = 0;

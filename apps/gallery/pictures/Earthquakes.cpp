@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace Vek::Chart::Gallery {
@@ -30,16 +31,38 @@ Ticks DepthTicks(double p_low, double p_high, std::size_t p_most) {
   return {heights, depths.Strings(), depths.Note()};
 }
 
-/// Where land and sea meet.
-void AddCoasts(Scene::Figure& p_figure, const std::string& p_relief) {
+/// What a map shows, in degrees, and how much longer depths are drawn than distances on it.
+struct Map {
+  double west, east, south, north;
+  double factor;
+
+  /// Longitudes may be whole turns off.
+  bool Shows(const Types::Vector3_Base<double>& p_point) const {
+    const double eastward = p_point.x - west;
+    return eastward - 360 * std::floor(eastward / 360) <= east - west && p_point.y >= south && p_point.y <= north;
+  }
+};
+
+/// Where land and sea meet, on the map: what lies outside would be counted as missing.
+void AddCoasts(Scene::Figure& p_figure, const std::string& p_relief, const Map& p_map) {
   const Io::HeightGrid relief = Io::ReadHeights(p_relief).Closed();
   std::vector<Types::Vector3_Base<double>> points;
   std::vector<std::size_t> lengths;
   for (const Isolines::Line& line : Isolines(relief.x, relief.y, relief.heights).At(0, 0)) {
-    points.insert(points.end(), line.points.begin(), line.points.end());
-    lengths.push_back(line.points.size());
+    bool goesOn = false;
+    for (const Types::Vector3_Base<double>& point : line.points) {
+      if (!p_map.Shows(point)) {
+        goesOn = false;
+        continue;
+      }
+      if (!std::exchange(goesOn, true))
+        lengths.push_back(0);
+      points.push_back(point);
+      ++lengths.back();
+    }
   }
-  p_figure.Lines(points, lengths).Color(0x7E93A6).Width(1.3);
+  if (!points.empty())
+    p_figure.Lines(points, lengths).Color(0x7E93A6).Width(1.3);
 }
 
 /// From each deep earthquake up to the surface.
@@ -56,24 +79,21 @@ void AddStems(Scene::Figure& p_figure, const std::vector<Point>& p_quakes) {
 }
 
 /// Sets the map: the world with the Pacific, and its rim of earthquakes, in the middle; or the part of it that has
-/// earthquakes. Returns how much longer depths are drawn than distances on the map.
-double LimitMap(Scene::Figure& p_figure, const Types::BoundingBox_Base<double>& p_quakes) {
+/// earthquakes.
+Map LimitMap(Scene::Figure& p_figure, const Types::BoundingBox_Base<double>& p_quakes) {
   constexpr double Wide = 180, Margin = 3, Pole = 90; // degrees
   constexpr double KilometresOfDegree = 111.195;      // of latitude
   const Types::Vector3_Base<double> low = p_quakes.Min(), high = p_quakes.Max();
   const bool isWorld = high.x - low.x > Wide;
   const double south = isWorld ? -Pole : std::max(low.y - Margin, -Pole);
   const double north = isWorld ? Pole : std::min(high.y + Margin, Pole);
-  if (isWorld)
-    p_figure.SetLimits(0, -30, 330);
-  else
-    p_figure.SetLimits(0, low.x - Margin, high.x + Margin);
+  const double west = isWorld ? -30 : low.x - Margin, east = isWorld ? 330 : high.x + Margin;
   // About as deep as a third of the map is high.
   const double deepest = std::max({high.z, -low.z, 1.0});
   const double factor = std::max(1.0, std::round((north - south) / 3 * KilometresOfDegree / deepest));
   const double eastward = isWorld ? 0.8 : std::cos((south + north) / 2 * M_PI / 180);
-  p_figure.SetLimits(1, south, north).SetAspect(eastward, 1, factor / KilometresOfDegree);
-  return factor;
+  p_figure.SetLimits(0, west, east).SetLimits(1, south, north).SetAspect(eastward, 1, factor / KilometresOfDegree);
+  return {west, east, south, north, factor};
 }
 
 } // namespace
@@ -93,9 +113,10 @@ Scene::Figure EarthquakesFigure(const Inputs& p_inputs) {
   figure.theme = Theme::Dark();
   figure.SetMap().SetAxisTitles({}, {}, "Depth in km").SetTicks(2, DepthTicks).Look(-12, 46);
   const QString origin = isOwn ? QString("31 January to 7 February 2018") : NameOfFile(p_inputs.quakes);
+  const Map map = LimitMap(figure, box);
   figure.SetTitle(isOwn ? "A week of earthquakes" : "Earthquakes",
-                  origin + QString(", depths \u00D7 %1").arg(LimitMap(figure, box)));
-  AddCoasts(figure, p_inputs.relief);
+                  origin + QString(", depths \u00D7 %1").arg(map.factor));
+  AddCoasts(figure, p_inputs.relief, map);
   AddStems(figure, quakes);
   figure.Scatter(quakes)
       .SizeBy(table["mag"], "Magnitude")

@@ -232,9 +232,9 @@ Figure LuminanceAlong(const Panorama& p_panorama, int p_row) {
   });
   figure.Lines(Array3(x, y, flat)).Color(QColor(0xF2B04B));
   figure.Lines(std::vector<Types::Vector3_Base<double>>{{-180, 1, 0}, {180, 1, 0}}).Color(QColor(0x8FA3B8)).Width(1);
-  // Four fifths as high as it is wide.
+  // As high as it is wide.
   const auto [least, most] = std::minmax_element(y.begin(), y.end());
-  figure.SetAspect(1, 290 / std::max(std::log10(*most / *least), 1.0), 1);
+  figure.SetAspect(1, 360 / std::max(std::log10(*most / *least), 1.0), 1);
   return figure;
 }
 
@@ -255,31 +255,31 @@ QImage HdrImage(const Inputs& p_inputs, Types::Size p_size) {
     // The brightest pixel shines over the left shoulder of the viewer.
     const double back = 2 * M_PI * (column + 0.5) / light.width - M_PI / 3;
     const double matte = MatteGain(light);
-    p_sheet.Heading("Lit by the image", 48, 848);
-    DrawSpheres(p_sheet, Exposed(light, matte, std::numeric_limits<double>::max()), back, {148, 726});
-    p_sheet.Heading("Lit by what a screen shows of it", 48, 596);
-    DrawSpheres(p_sheet, Exposed(light, matte, 1), back, {148, 474});
+    p_sheet.Heading("Lit by the image", 48, 838);
+    DrawSpheres(p_sheet, Exposed(light, matte, std::numeric_limits<double>::max()), back, {148, 714});
+    p_sheet.Heading("Lit by what a screen shows of it", 48, 576);
+    DrawSpheres(p_sheet, Exposed(light, matte, 1), back, {148, 452});
     for (std::size_t i = 0; i < std::size(Finishes); ++i)
-      p_sheet.Label(Finishes[i].name, 148 + 208 * double(i), 350, {0.5, 0.5});
+      p_sheet.Label(Finishes[i].name, 148 + 208 * double(i), 326, {0.5, 0.5});
 
     Figure plot = LuminanceAlong(light, row);
-    p_sheet.Heading("Luminance along the marked row", 1110, 848);
-    p_sheet.Label("1 is the most that a screen shows", 1110, 820);
-    p_sheet.Draw(plot, {1090, 330, 1590, 800});
+    p_sheet.Heading("Luminance along the marked row", 1110, 838);
+    p_sheet.Label("1 is the most that a screen shows", 1110, 810);
+    p_sheet.Draw(plot, {1090, 306, 1590, 790});
 
-    p_sheet.Heading("Five exposures", 48, 294);
-    constexpr double Width = 288, Gap = 16;
+    p_sheet.Heading("Five exposures", 48, 252);
+    constexpr double Width = 288, Gap = 16, Top = 224;
     const double height = std::min(Width * light.height / light.width, 200.0);
     for (std::size_t i = 0; i < stops.size(); ++i) {
       const double left = 48 + (Width + Gap) * double(i);
-      p_sheet.canvas.Image({left, 266 - height, left + height * light.width / light.height, 266},
+      p_sheet.canvas.Image({left, Top - height, left + height * light.width / light.height, Top},
                            ImageOf(Exposed(light, std::exp2(stops[i]), 1)));
       p_sheet.Label(stops[i] == 0  ? QString("mean as middle grey")
                     : stops[i] > 0 ? QString("%1 stops more: × %2").arg(stops[i]).arg(1L << stops[i])
                                    : QString("%1 stops less: ÷ %2").arg(-stops[i]).arg(1L << -stops[i]),
-                    left, 266 - height - 22);
+                    left, Top - height - 22);
       if (stops[i] == 0) {
-        const double y = 266 - height + height * (row + 0.5) / light.height;
+        const double y = Top - height + height * (row + 0.5) / light.height;
         p_sheet.canvas.Line({left, y}, {left + Width, y}, 1.5, QColor(0xF2B04B));
       }
     }

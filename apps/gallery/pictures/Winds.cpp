@@ -122,7 +122,10 @@ Scene::Figure WindFigure(const Inputs& p_inputs) {
   positions.resize(wind.vectors.size());
   for (Point& position : positions)
     position[2] = 0;
-  ColorWind(figure.Quiver(positions, OnMap(wind)).ColorByLength().Most(1200), p_inputs, wind);
+  Scene::QuiverPlot& arrows = figure.Quiver(positions, OnMap(wind)).ColorByLength().Most(1200);
+  if (p_inputs.IsOwn(p_inputs.winds))
+    arrows.UnitLength(0.00115); // the fastest ones end in front of the next
+  ColorWind(arrows, p_inputs, wind);
   return figure;
 }
 
