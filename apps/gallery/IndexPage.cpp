@@ -32,7 +32,7 @@ figcaption code { white-space: nowrap; }
 .source { margin-top: auto; color: var(--dim); font: .85rem/1.4 ui-monospace, "DejaVu Sans Mono", monospace; }
 a.source:hover { color: var(--ink); }
 dialog { width: 100vw; height: 100vh; max-width: none; max-height: none; margin: 0; padding: 0; border: 0;
-         background: #05080cf2; color: var(--text); }
+         background: #05080c; color: var(--text); }
 dialog:focus-visible { outline: none; }
 body:has(dialog[open]) { overflow: hidden; }
 dialog[open] { display: grid; grid-template-rows: 1fr auto; }

@@ -145,6 +145,23 @@ TEST(ReadImage, OpenExrAsItsOwnProgramCompressesIt) {
   }
 }
 
+TEST(ReadImage, ReadsFilesOfOtherPrograms) {
+  // Written by pfstools, whose own reader converted the colours to X, Y, Z and back.
+  const Io::Image part = Io::ReadImage(VEK_SOURCE_DIR "/tests/io/files/basic_dark_part.pfm");
+  ASSERT_TRUE(part.width == 24 && part.height == 16 && part.channels == 3);
+  EXPECT_NEAR(part.pixels[0], 0.0704956, 1e-7); // as Python's struct shows it
+  if (!Reads("OpenEXR"))
+    GTEST_SKIP() << "without OpenEXR";
+  const Io::Image whole = Io::ReadImage(VEK_SOURCE_DIR "/tests/io/files/basic_dark.exr");
+  ASSERT_TRUE(whole.width == 512 && whole.height == 512 && whole.channels == 3);
+  constexpr std::size_t Left = 128, Top = 96;
+  for (std::size_t y = 0; y < part.height; ++y)
+    for (std::size_t x = 0; x < 3 * part.width; ++x)
+      ASSERT_NEAR(whole.pixels[3 * (Left + 512 * (512 - Top - part.height + y)) + x],
+                  part.pixels[x + 3 * part.width * y], 1e-6)
+          << x << ' ' << y;
+}
+
 TEST(ReadImage, SurvivesDamage) {
   const TempFolder folder;
   const std::string exr = folder.Write("a.exr", ExrFile({0, 0, 2, 1}, "BGR"));

@@ -252,6 +252,22 @@ TEST(ReadMesh, ReadsEachFormat) {
   }
 }
 
+/// A ring as one face that goes around both its edges, from x = -1.146, with two corners at each end of the seam.
+TEST(ReadMesh, DividesARingOfAModellingProgram) {
+  const Mesh mesh = ReadMesh(VEK_SOURCE_DIR "/tests/io/files/concave_polygon.obj");
+  ASSERT_EQ(mesh.indices.size(), 3u * 64);
+  ASSERT_EQ(mesh.materials.size(), 1u);
+  EXPECT_FLOAT_EQ(mesh.materials[0].diffuse[2], 0.411765f);
+  double area = 0;
+  for (std::size_t i = 0; i < mesh.indices.size(); i += 3) {
+    const auto at = [&](std::size_t p_corner, std::size_t p_axis) {
+      return double(mesh.positions[3 * std::size_t{mesh.indices[i + p_corner]} + p_axis]);
+    };
+    area += std::abs((at(1, 1) - at(0, 1)) * (at(2, 2) - at(0, 2)) - (at(2, 1) - at(0, 1)) * (at(1, 2) - at(0, 2))) / 2;
+  }
+  EXPECT_NEAR(area, 0.245497, 1e-5); // by Python: no triangle overlaps another
+}
+
 TEST(ReadMesh, ReadsFilesOfOtherPrograms) {
   // Their numbers as Python's struct and an editor show them. The fan of the glTF file has the indices 0 3 2 1.
   const std::pair<std::string, std::string> rows[] = {
