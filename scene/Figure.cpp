@@ -294,6 +294,23 @@ Figure& Figure::SetMoving(bool p_isMoving) {
   return *this;
 }
 
+namespace {
+
+/// Lines in the upper left corner, on plates, since tick labels may lie below them.
+void DrawSigns(Canvas& p_canvas, const QStringList& p_lines, const Canvas::Rect& p_scene, const Theme& p_theme) {
+  constexpr double Pad = 2;
+  Canvas::Position place(p_scene.left, p_scene.top);
+  for (const QString& line : p_lines) {
+    const QSizeF size = p_canvas.TextSize(line, p_theme.SmallStyle());
+    p_canvas.Fill({place.x - Pad, place.y - size.height() - Pad, place.x + size.width() + Pad, place.y + Pad},
+                  p_theme.backgroundTop);
+    p_canvas.Text(line, place, {0, 1}, p_theme.SmallStyle());
+    place.y -= size.height() + 2 * Pad;
+  }
+}
+
+} // namespace
+
 void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
   if (!VEK_ENSURE(p_viewport.width > 0 && p_viewport.height > 0, "void Vek::Chart::Scene::Figure::Draw(...)") ||
       !Private::HasFixedFunctions(p_gl))
@@ -311,7 +328,7 @@ void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewpo
     block.content.Draw(canvas, block.origin);
   _state->DrawTriad(canvas, layout, theme);
   if (_state->isMoving)
-    canvas.Text(_state->Shortages(p_gl), {layout.scene.left, layout.scene.top}, {0, 1}, theme.SmallStyle());
+    DrawSigns(canvas, _state->Shortages(p_gl), layout.scene, theme);
 }
 
 std::optional<Figure::Hit> Figure::Pick(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,

@@ -94,7 +94,8 @@ bool InstancedMesh::Drawing::Select() {
   InstanceSelection::Input input{mesh._positions,   mesh._sizes,        mesh._axes, {}, Reach(mesh._levels),
                                  mesh._leastPixels, mesh._mostVertices, {},         {}};
   for (const Level& level : mesh._levels)
-    input.levels.push_back({level.mostPixels, level.mesh.VertexCount()});
+    input.levels.push_back(
+        {level.mostPixels, level.mesh.VertexCount(), level.facing == Level::Facing::Sphere ? 2 * level.scale : 0});
   input.view = input.sizing = Projection::Of(gl);
   if (paint != Paint::Colors && selection.Fits(mesh._positions, mesh._sizes, mesh._levels.size()))
     input.sizing = selection.Sizing();
@@ -128,6 +129,7 @@ InstanceShaders InstancedMesh::Drawing::ShadersOf(const std::map<std::string, in
   constants["painted"] = paint == Paint::Ids || (paint == Paint::Colors && buffers.paint) ? 1 : 0;
   constants["numbered"] = paint == Paint::Ids && !buffers.ids ? 1 : 0;
   constants["widened"] = mesh._leastPixels > 0 ? 1 : 0;
+  constants["central"] = Projection::Of(gl).isCentral ? 1 : 0;
   return shaders;
 }
 

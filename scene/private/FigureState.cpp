@@ -329,13 +329,13 @@ std::size_t VerticesInTime(const Rgl& p_gl) {
 
 } // namespace
 
-QString Figure::State::Shortages(const Utility::Scoped<Rgl>& p_gl) const {
+QStringList Figure::State::Shortages(const Utility::Scoped<Rgl>& p_gl) const {
   QStringList lines;
   for (const PlotContent* const content : Visible())
-    lines.push_back(content->Shortage(p_gl));
+    lines += content->Shortage(p_gl).split('\n');
   lines.removeAll({});
   lines.removeDuplicates();
-  return lines.join('\n');
+  return lines;
 }
 
 void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame) {

@@ -10,8 +10,10 @@
 #include "platform/core/TimeStamp.h"
 #include "platform/ogl/PerContext.h"
 
+#include <QStringList>
 #include <array>
 #include <functional>
+
 #include <memory>
 #include <optional>
 #include <set>
@@ -81,7 +83,7 @@ struct VEK_HIDDEN Figure::State {
   /// Whether a visible plot is half-transparent.
   bool HasTransparent() const;
   /// What the last drawing in this context left out since there was no time for it, line by line.
-  QString Shortages(const Utility::Scoped<Rgl>& p_gl) const;
+  QStringList Shortages(const Utility::Scoped<Rgl>& p_gl) const;
   QString AxisName(std::size_t p_axis) const;
   /// Empty for decimal values.
   Axes::TickMaker TicksOf(std::size_t p_axis) const;

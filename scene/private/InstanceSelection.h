@@ -17,6 +17,7 @@ namespace Vek::Chart::Scene::Private {
 struct Projection {
   std::array<double, 16> clip{}; ///< from model to clip coordinates, column by column
   double pixels = 0;             ///< of a unit at a clip w of 1
+  bool isCentral = false;        ///< perspective
 
   static Projection Of(const Utility::Scoped<Ogl::Rgl>& p_gl);
 
@@ -36,9 +37,10 @@ public:
   struct Level {
     double mostPixels = 0;    ///< the largest size × pixels per unit; ascending
     std::size_t vertices = 0; ///< of an instance
+    double diameter = 0;      ///< of an instance of size 1, if it is a ray-cast sphere
 
     friend bool operator==(const Level& p_a, const Level& p_b) {
-      return p_a.mostPixels == p_b.mostPixels && p_a.vertices == p_b.vertices;
+      return p_a.mostPixels == p_b.mostPixels && p_a.vertices == p_b.vertices && p_a.diameter == p_b.diameter;
     }
   };
   /// What decides.
@@ -80,7 +82,7 @@ public:
 private:
   struct Rules;
   void Choose(double p_coarseness, std::size_t p_step);
-  std::size_t Vertices() const;
+  double Cost() const;
 
   Input _input;
   std::size_t _step = 1;

@@ -75,7 +75,8 @@ mat3 ByDirection(vec3 z) {
 }
 
 // Where the eye looks at a point, in eye coordinates.
-vec3 SightOf(vec3 point) { return gl_ProjectionMatrix[3][3] == 0.0 ? normalize(point) : vec3(0.0, 0.0, -1.0); }
+uniform int central; // whether the projection is perspective
+vec3 SightOf(vec3 point) { return central != 0 ? normalize(point) : vec3(0.0, 0.0, -1.0); }
 )";
 
 const char* const MeshText = R"(
@@ -145,7 +146,7 @@ vec4 EyePosition(float factor) {
   vec3 eye = (gl_ModelViewMatrix * vec4(place, 1.0)).xyz;
   float radius = fit * factor * length(gl_ModelViewMatrix[0].xyz);
   vec3 sight = SightOf(eye);
-  float share = gl_ProjectionMatrix[3][3] == 0.0 ? min(radius * radius / max(dot(eye, eye), 1.0e-30), 0.99) : 0.0;
+  float share = central != 0 ? min(radius * radius / max(dot(eye, eye), 1.0e-30), 0.99) : 0.0;
   vec3 upward = normalize(cross(abs(sight.x) < 0.8 ? vec3(1.0, 0.0, 0.0) : vec3(0.0, 1.0, 0.0), sight));
   vec3 right = cross(sight, upward);
   ball = vec4(eye, radius);
@@ -222,12 +223,12 @@ void Meet(vec3 point, vec3 sight) {
 
 const char* const SphereFragmentMain = R"(
 #undef main
-uniform int peeled; // whether a layer in front is left out
+uniform int peeled;  // whether a layer in front is left out
+uniform int central; // whether the projection is perspective
 bool IsHidden() { return IsCut(hit) || (peeled != 0 && IsPeeled()); }
 void main() {
-  bool central = gl_ProjectionMatrix[3][3] == 0.0;
-  vec3 start = central ? vec3(0.0) : position;
-  vec3 sight = central ? normalize(position) : vec3(0.0, 0.0, -1.0);
+  vec3 start = central != 0 ? vec3(0.0) : position;
+  vec3 sight = central != 0 ? normalize(position) : vec3(0.0, 0.0, -1.0);
   vec3 from = start - ball.xyz;
   float middle = -dot(from, sight);
   vec3 nearest = from + middle * sight; // of the ray, seen from the centre

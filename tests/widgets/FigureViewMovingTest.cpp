@@ -1,0 +1,102 @@
+// Frames of many glyphs and segments while a mouse moves the camera, and after it rests. Needs an X server.
+
+#include "widgets/FigureView.h"
+
+#include "tests/support/Test.h"
+#include "tests/support/Windows.h"
+
+#include <QApplication>
+#include <QOpenGLContext>
+#include <QOpenGLExtraFunctions>
+
+using namespace Vek::Chart::Widgets;
+
+namespace {
+
+/// Counts the triangles, lines and points of its last frame.
+struct CountedView : FigureView {
+  using FigureView::FigureView;
+  unsigned int primitives = 0;
+  void paintGL() override {
+    QOpenGLExtraFunctions& gl = *context()->extraFunctions();
+    constexpr unsigned int Generated = 0x8C87; // GL_PRIMITIVES_GENERATED
+    unsigned int query = 0;
+    gl.glGenQueries(1, &query);
+    gl.glBeginQuery(Generated, query);
+    FigureView::paintGL();
+    gl.glEndQuery(Generated);
+    gl.glGetQueryObjectuiv(query, 0x8866, &primitives); // GL_QUERY_RESULT
+    gl.glDeleteQueries(1, &query);
+  }
+};
+
+constexpr int Side = 250; // of a grid of 62,500 glyphs
+
+std::vector<Point> Grid() {
+  std::vector<Point> points;
+  for (int i = 0; i < Side * Side; ++i)
+    points.emplace_back(i % Side, i / Side, 0);
+  return points;
+}
+
+std::vector<Point> Flow() {
+  std::vector<Point> vectors;
+  for (const Point& point : Grid())
+    vectors.emplace_back(std::sin(point.y / 40), std::cos(point.x / 40), 0);
+  return vectors;
+}
+
+void AddArrows(Scene::Figure& p_figure) {
+  p_figure.Quiver(Grid(), Flow()).Most(Side * Side).ColorByLength();
+}
+void AddPoints(Scene::Figure& p_figure) {
+  p_figure.Scatter(Grid());
+}
+void AddStreamlines(Scene::Figure& p_figure) {
+  std::vector<double> axis(Side);
+  std::iota(axis.begin(), axis.end(), 0.0);
+  p_figure.Streamlines(VectorField::Rectilinear(axis, axis, std::vector<double>{0}, Flow())).Spacing(0.005);
+}
+
+/// How many pixels in the upper left corner of the scene are dark.
+int Ink(const QImage& p_image, const FigureView& p_view) {
+  const auto scene = p_view.Figure()->Layout(p_view.Viewport(), p_view.devicePixelRatioF()).scene;
+  const int left = static_cast<int>(scene.left),
+            top = static_cast<int>(static_cast<double>(p_image.height()) - static_cast<double>(scene.top));
+  int ink = 0;
+  for (int y = std::max(0, top); y < top + 14; ++y)
+    for (int x = left; x < left + 150; ++x)
+      ink += qGray(p_image.pixel(x, y)) < 128 ? 1 : 0;
+  return ink;
+}
+
+} // namespace
+
+TEST(FigureViewMovingTest, DrawsFewerWithASignUntilTheHandRests) {
+  StartApplication();
+  struct Case {
+    const char* name;
+    void (*add)(Scene::Figure&);
+  };
+  for (const Case& item : {Case{"arrows", AddArrows}, {"points", AddPoints}, {"streamlines", AddStreamlines}}) {
+    const auto figure = std::make_shared<Scene::Figure>();
+    item.add(*figure);
+    CountedView view(figure);
+    view.resize(600, 400);
+    view.show();
+    ASSERT_TRUE(WaitFor([&] { return view.isValid() && view.primitives > 0; }));
+    const QImage full = view.Image();
+    const unsigned int all = view.primitives;
+    const QPointF from(300, 200), away(340, 200);
+    SendMouse(view, QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+    for (const QPointF& place : {away, from})
+      SendMouse(view, QEvent::MouseMove, place, Qt::NoButton, Qt::LeftButton);
+    const QImage moving = view.Image(); // before the event loop sees that the hand rests
+    EXPECT_LT(view.primitives, all / 2) << item.name;
+    EXPECT_GT(Ink(moving, view), Ink(full, view) + 100) << item.name << ": the sign";
+    EXPECT_TRUE(WaitFor([&] { return view.primitives == all; })) << item.name << ", with the button down";
+    EXPECT_LT(Difference(view.Image(), full), 0.001) << item.name;
+    SendMouse(view, QEvent::MouseButtonRelease, from, Qt::LeftButton, Qt::NoButton);
+    EXPECT_LT(Difference(view.Image(), full), 0.001) << item.name;
+  }
+}
