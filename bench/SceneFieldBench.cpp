@@ -155,11 +155,28 @@ void SphereSurface(benchmark::State& p_state) {
   p_state.SetItemsProcessed(p_state.iterations() * static_cast<std::int64_t>(values.size()));
 }
 
+void SurfaceOnThreads(benchmark::State& p_state) {
+  const Utility::Threads threads(static_cast<int>(p_state.range(0)));
+  const std::vector<double> axis = Axis(160);
+  std::vector<float> values;
+  for (const double z : axis)
+    for (const double y : axis)
+      for (const double x : axis)
+        values.push_back(static_cast<float>(std::sin(0.2 * x) + std::sin(0.21 * y) + std::sin(0.19 * z)));
+  const auto extract = [&](Utility::Threads p_threads) {
+    const Scene::Isosurface surface(axis, axis, axis, values, std::vector<double>{0.3}, {}, p_threads);
+    benchmark::DoNotOptimize(surface.indices.data());
+  };
+  Vek::Bench::SideBySide(
+      p_state, "of_one_thread", [&] { extract(threads); }, [&] { extract(Utility::Threads()); });
+}
+
 BENCHMARK(SampleEven)->UseManualTime();
 BENCHMARK(SampleUneven)->UseManualTime();
 BENCHMARK(Streamlines)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(Surface)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(ContourLines)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(SphereSurface)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(SurfaceOnThreads)->Apply(Vek::Bench::OnThreads);
 
 } // namespace

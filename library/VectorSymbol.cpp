@@ -7,6 +7,7 @@
 #include "platform/types/Geometry.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <iterator>
 #include <limits>
@@ -340,7 +341,8 @@ bool HasDirection(const Vector3_Base<double>& p_vector) {
 
 template <class Memory>
 VectorSymbol::DirectedCounts VectorSymbol::OrientAlongInto(const DirectedInstances& p_instances, double p_anchor,
-                                                           double p_scale, Memory& p_target) const {
+                                                           double p_scale, Memory& p_target,
+                                                           Utility::Threads p_threads) const {
   DirectedCounts counts;
   if (_vertices.empty() || p_instances.count == 0 ||
       !VEK_CHECK_POINTER(p_instances.positions, Signature::OrientAlong) ||
@@ -348,29 +350,37 @@ VectorSymbol::DirectedCounts VectorSymbol::OrientAlongInto(const DirectedInstanc
     return counts;
   std::vector<Types::Matrix3> rotations(p_instances.count);
   std::vector<double> sizes(p_instances.count, 0.0); // a size of 0 leaves an instance out
-  for (std::size_t i = 0; i < p_instances.count; ++i) {
-    const Vector3_Base<double>& direction = p_instances.directions[i];
-    if (!HasDirection(direction)) {
-      ++counts.undirected;
-      continue;
+  constexpr std::size_t BlockSize = 4096;
+  std::atomic<std::size_t> undirected = 0;
+  Utility::RunRanges(p_threads, p_instances.count, BlockSize, [&](std::size_t p_first, std::size_t p_last) {
+    for (std::size_t i = p_first; i < p_last; ++i) {
+      const Vector3_Base<double>& direction = p_instances.directions[i];
+      if (!HasDirection(direction)) {
+        ++undirected;
+        continue;
+      }
+      rotations[i] = Types::Matrix3::FromAxis(direction, p_instances.up);
+      sizes[i] =
+          p_instances.sizes != nullptr ? p_instances.sizes[i] : std::hypot(direction.x, direction.y, direction.z);
     }
-    rotations[i] = Types::Matrix3::FromAxis(direction, p_instances.up);
-    sizes[i] = p_instances.sizes != nullptr ? p_instances.sizes[i] : std::hypot(direction.x, direction.y, direction.z);
-  }
+  });
+  counts.undirected = undirected;
   const Instances rotated{p_instances.count, p_instances.positions, rotations.data(), sizes.data(),
                           p_instances.texCoords};
-  counts.written = OrientShapes(rotated, p_anchor, p_scale, p_target);
+  counts.written = OrientShapes(rotated, p_anchor, p_scale, p_target, p_threads);
   return counts;
 }
 
 VectorSymbol::DirectedCounts VectorSymbol::OrientAlong(const DirectedInstances& p_instances, double p_anchor,
-                                                       double p_scale, VertexData& p_vertexData) const {
-  return OrientAlongInto(p_instances, p_anchor, p_scale, p_vertexData);
+                                                       double p_scale, VertexData& p_vertexData,
+                                                       Utility::Threads p_threads) const {
+  return OrientAlongInto(p_instances, p_anchor, p_scale, p_vertexData, p_threads);
 }
 
 VectorSymbol::DirectedCounts VectorSymbol::OrientAlong(const DirectedInstances& p_instances, double p_anchor,
-                                                       double p_scale, const LayerMemory& p_memory) const {
-  return OrientAlongInto(p_instances, p_anchor, p_scale, p_memory);
+                                                       double p_scale, const LayerMemory& p_memory,
+                                                       Utility::Threads p_threads) const {
+  return OrientAlongInto(p_instances, p_anchor, p_scale, p_memory, p_threads);
 }
 
 } // namespace Vek::Chart::Library

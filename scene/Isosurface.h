@@ -6,6 +6,7 @@
 #include "platform/ogl/VertexData.h"
 #include "platform/types/Geometry.h"
 #include "platform/types/Vector.h"
+#include "platform/utility/Threads.h"
 
 #include <vector>
 
@@ -50,9 +51,10 @@ struct VEK_SCENE_API Isosurface {
   /// One level, in units of the axes.
   Isosurface(const Array1& p_x, const Array1& p_y, const Array1& p_z, const Array1& p_values, double p_level)
       : Isosurface(p_x, p_y, p_z, p_values, Array1::Constant(p_level, 1), Options()) {}
-  /// Several levels, one after another in the arrays.
+  /// Several levels, one after another in the arrays. The result does not depend on the number of threads; fewer than
+  /// 100,000 nodes start none.
   Isosurface(const Array1& p_x, const Array1& p_y, const Array1& p_z, const Array1& p_values, const Array1& p_levels,
-             const Options& p_options);
+             const Options& p_options, Utility::Threads p_threads = {});
 
   std::vector<Vector> positions;          ///< in units of the scene
   std::vector<Vector> normals;            ///< one for each position

@@ -103,7 +103,8 @@ void IsosurfaceContent::PlaceSurfaces() {
   if (nodes.axes[0].size() < 2 || nodes.axes[1].size() < 2 || nodes.axes[2].size() < 2)
     return;
   for (const double level : _levels) {
-    const Scene::Isosurface mesh(nodes.axes[0], nodes.axes[1], nodes.axes[2], nodes.values, level);
+    const Scene::Isosurface mesh(nodes.axes[0], nodes.axes[1], nodes.axes[2], nodes.values, Array1::Constant(level, 1),
+                                 {}, Utility::Threads::All());
     if (mesh.indices.empty())
       continue;
     const std::vector<float> values(mesh.positions.size()); // set below

@@ -265,6 +265,28 @@ TEST(VectorSymbolLayer, FollowsDirections) {
   EXPECT_EQ(VectorSymbol(ShapeCustom, 8).OrientAlong({9}, 0, 1, data).written, 0u);
 }
 
+TEST(VectorSymbolLayer, FollowsDirectionsEquallyOnAnyNumberOfThreads) {
+  const VectorSymbol lines(ShapeArrow2D, 4);
+  constexpr std::size_t Count = 120001;
+  std::vector<Vector3_Base<double>> positions(Count), directions(Count);
+  for (std::size_t i = 0; i < Count; ++i) {
+    positions[i] = {i % 5000 == 7 ? NAN : double(i), 1, 2};
+    directions[i] = {i % 1000 < 2 ? 0.0 : std::sin(double(i)), 0, i % 1000 == 0 ? NAN : i % 1000 == 1 ? 0.0 : 1.0};
+  }
+  const VectorSymbol::DirectedInstances instances{Count, positions.data(), directions.data()};
+  const auto along = [&](int p_threads) {
+    VertexData data;
+    const ReportCapture reports;
+    const auto counts = lines.OrientAlong(instances, 0.5, 2, data, Vek::Chart::Utility::Threads(p_threads));
+    return std::tuple(counts.written, counts.undirected, WordsOf(data), reports.Details());
+  };
+  const auto expected = along(1);
+  EXPECT_EQ(std::get<1>(expected), 241u);
+  EXPECT_EQ(std::get<3>(expected), Texts{"index 7, count 24"});
+  for (const int threads : {2, 3, 7})
+    EXPECT_TRUE(along(threads) == expected) << threads;
+}
+
 TEST(VectorSymbolLayer, RefusesMemoryThatIsTooSmall) {
   const VectorSymbol cone(ShapeCone, 4); // 8 vertices, 12 indices
   const Layer layer(3);

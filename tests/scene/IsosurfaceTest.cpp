@@ -133,6 +133,30 @@ TEST(Isosurface, LiesInTheSceneAndTakesSeveralLevels) {
   EXPECT_TRUE(taken.positions.empty() && taken.indices.empty());
 }
 
+// Nodes are random and some are missing, so that planes between slabs have vertices of one slab, of the other, and of
+// both.
+TEST(Isosurface, ResultsDoNotDependOnThreads) {
+  const Doubles x = Even(41, 0, 1), y = Even(43, 0, 1), z = Even(60, 1, 0); // 105,780 nodes
+  for (const unsigned int missing : {0U, 1U, 30U}) {
+    std::mt19937 random(missing);
+    const auto values = AtNodes(
+        x, y, z, [&](const Point&) { return random() % 100 < missing ? NaN : static_cast<double>(random() % 1000); });
+    const auto made = [&](int p_threads) {
+      return Isosurface(x, y, z, values, Doubles{500, 900, 2000}, {}, Utility::Threads(p_threads));
+    };
+    const Isosurface expected = made(1);
+    EXPECT_GT(expected.positions.size(), 10000U);
+    for (const int threads : {2, 3, 7}) {
+      const Isosurface surface = made(threads);
+      EXPECT_TRUE(surface.positions == expected.positions) << threads << ' ' << missing;
+      EXPECT_TRUE(surface.normals == expected.normals) << threads << ' ' << missing;
+      EXPECT_EQ(surface.values, expected.values) << threads << ' ' << missing;
+      EXPECT_EQ(surface.indices, expected.indices) << threads << ' ' << missing;
+      EXPECT_TRUE(surface.bounds == expected.bounds) << threads << ' ' << missing;
+    }
+  }
+}
+
 TEST(Isosurface, HasABorderAtMissingNodes) {
   const Doubles axis = Even(21, -1.5, 1.5);
   auto values = AtNodes(axis, axis, axis, [](const Point& p_at) {
