@@ -1,13 +1,15 @@
 #include "io/ReadTable.h"
 
 #include "io/FileError.h"
+#include "io/private/ByteSource.h"
 #include "io/private/Input.h"
+#include "io/private/RowReader.h"
 #include "io/private/Words.h"
 
 #include <algorithm>
 #include <array>
-#include <deque>
 #include <fstream>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <string_view>
@@ -18,14 +20,19 @@ namespace Vek::Chart::Io {
 
 namespace {
 
+using Private::Blanks;
+using Private::OneColumn;
+using Private::Place;
+using Private::RowReader;
+
 constexpr std::size_t LongestLine = 16u << 20;
-// Separators that are no single character.
-constexpr char Blanks = ' ';     // one or more blanks or tabs
-constexpr char OneColumn = '\n'; // no cell contains it
 
 /// All of a stream, without a byte order mark. A line without end is refused before it fills the memory.
 std::string ReadAll(std::istream& p_stream, const std::string& p_name) {
+  constexpr std::uint64_t MostReserved = std::uint64_t{1} << 30; // a claim may be wrong
   std::string text;
+  if (const std::uint64_t size = p_stream ? Private::SizeOf(p_stream) : 0; size != Private::ByteSource::Unknown)
+    text.reserve(std::size_t(std::min(size, MostReserved)));
   std::vector<char> block(1u << 20);
   std::size_t lineStart = 0;
   while (p_stream) {
@@ -46,124 +53,6 @@ std::string ReadAll(std::istream& p_stream, const std::string& p_name) {
   text.erase(0, Private::MarkSize(text));
   return text;
 }
-
-/// The rows of a text, one at a time, as cells.
-class RowReader {
-public:
-  RowReader(std::string_view p_text, const std::string& p_name, char p_separator)
-      : _text(p_text)
-      , _name(p_name)
-      , _separator(p_separator) {}
-
-  /// Moves to the next row that is neither blank nor a comment; false at the end.
-  bool Next() {
-    if (!SkipToRow())
-      return false;
-    _row = _line;
-    _cells.clear();
-    _unquoted.clear();
-    do {
-      SkipBlanks();
-      _cells.push_back(_at < _text.size() && _text[_at] == '"' ? Quoted() : Plain());
-    } while (SkipSeparator());
-    return true;
-  }
-
-  const std::vector<std::string_view>& Cells() const { return _cells; }
-  /// The share of the text that was read, 0 to 1.
-  double Share() const { return double(_at) / double(std::max<std::size_t>(_text.size(), 1)); }
-  /// The line on which the row starts, from 1.
-  std::size_t Line() const { return _row; }
-  /// The last comment before the row, without its '#'.
-  std::string_view Comment() const { return _comment; }
-  /// The text from the start of the current row to the end of its line.
-  std::string_view RestOfLine() const { return _text.substr(_start, LineEnd(_start) - _start); }
-
-private:
-  std::size_t LineEnd(std::size_t p_from) const { return std::min(_text.find_first_of("\n\r", p_from), _text.size()); }
-  bool AtLineEnd() const { return _at >= _text.size() || _text[_at] == '\n' || _text[_at] == '\r'; }
-  bool AtBlank() const {
-    return _at < _text.size() && (_text[_at] == ' ' || (_text[_at] == '\t' && _separator != '\t'));
-  }
-  void SkipBlanks() {
-    while (AtBlank())
-      ++_at;
-  }
-  void SkipLineEnd() {
-    if (_at < _text.size())
-      _at += _text.compare(_at, 2, "\r\n") == 0 ? 2 : 1;
-    ++_line;
-  }
-  bool SkipToRow() {
-    for (; _at < _text.size(); SkipLineEnd()) {
-      _start = _at;
-      const std::size_t first = std::min(_text.find_first_not_of(" \t", _at), _text.size());
-      const char character = first < _text.size() ? _text[first] : '\n';
-      if (character != '#' && character != '\n' && character != '\r')
-        return true;
-      if (character == '#')
-        _comment = Private::Trimmed(RestOfLine()).substr(1);
-      _at = LineEnd(first);
-    }
-    return false;
-  }
-
-  std::string_view Plain() {
-    // Most of the time goes here.
-    const char* const start = _text.data() + _at;
-    const char* const last = _text.data() + _text.size();
-    const char separator = _separator, second = _separator == Blanks ? '\t' : _separator;
-    const char* end = start;
-    while (end != last && *end != separator && *end != second && *end != '\n' && *end != '\r')
-      ++end;
-    _at += static_cast<std::size_t>(end - start);
-    while (end != start && (end[-1] == ' ' || end[-1] == '\t'))
-      --end;
-    return {start, static_cast<std::size_t>(end - start)};
-  }
-  std::string_view Quoted() {
-    const std::size_t line = _line;
-    std::string& cell = _unquoted.emplace_back();
-    for (++_at;; ++_at) {
-      if (_at >= _text.size())
-        throw FileError(_name, line, "a quote that ends", _text.substr(_start));
-      if (_text[_at] == '"' && _text.compare(_at, 2, "\"\"") != 0)
-        break;
-      if (_text[_at] == '"')
-        ++_at;
-      if (_text[_at] == '\n' || (_text[_at] == '\r' && _text.compare(_at, 2, "\r\n") != 0))
-        ++_line;
-      cell += _text[_at];
-    }
-    ++_at;
-    return cell;
-  }
-  /// Whether another cell follows; otherwise moves to the next line.
-  bool SkipSeparator() {
-    const std::size_t end = _at;
-    SkipBlanks();
-    if (AtLineEnd()) {
-      SkipLineEnd();
-      return false;
-    }
-    if (_separator == Blanks ? _at > end : _text[_at] == _separator) {
-      _at += _separator == Blanks ? 0 : 1;
-      return true;
-    }
-    throw FileError(_name, _line, "a separator after a quote", _text.substr(_at, LineEnd(_at) - _at));
-  }
-
-  std::string_view _text;
-  const std::string& _name;
-  char _separator;
-  std::size_t _at = 0;
-  std::size_t _start = 0;
-  std::size_t _line = 1;
-  std::size_t _row = 0;
-  std::string_view _comment;
-  std::vector<std::string_view> _cells;
-  std::deque<std::string> _unquoted; // whose strings stay where they are
-};
 
 bool IsMissing(std::string_view p_cell) {
   constexpr std::array<std::string_view, 8> Missing{"", "na", "n/a", "#n/a", "null", "none", "-", "--"};
@@ -253,39 +142,160 @@ bool TakeNames(const RowReader& p_reader, char p_separator, bool p_decimalComma,
   return header;
 }
 
-/// Reads the cells of all rows: as numbers, and as strings where `p_strings`. Columns with another cell are marked.
-void ReadRows(RowReader& p_reader, bool p_header, const std::string& p_name, bool p_decimalComma, bool p_strings,
-              const Progress& p_progress, std::vector<Table::Column>& p_columns) {
-  const std::size_t firstLine = p_reader.Line();
-  bool more = !p_header || p_reader.Next();
-  for (std::size_t row = 0; more; more = p_reader.Next(), ++row) {
-    constexpr std::size_t Often = 4096;
-    if (row % Often == 0)
-      Private::Report(p_progress, p_name, p_strings ? 1 : p_reader.Share());
-    const auto& cells = p_reader.Cells();
-    if (cells.size() != p_columns.size())
-      throw FileError(p_name, p_reader.Line(),
-                      std::to_string(p_columns.size()) + " cells as in line " + std::to_string(firstLine),
-                      p_reader.RestOfLine());
+/// The rows that start in a part of the text. They are read before it is certain that a row starts where the part does.
+struct RowBlock {
+  Place first; ///< with line 1 as long as the line is unknown
+  std::size_t last = 0;
+  std::vector<Table::Column> columns; ///< rows and lines of strings count from the block
+  std::size_t rows = 0;
+  Place end; ///< where the next block starts
+  bool failed = false;
+};
+
+/// Reads the cells of all rows: as numbers, and as strings those of columns that are marked to have strings.
+class CellReader {
+public:
+  CellReader(std::string_view p_text, const std::string& p_name, char p_separator, std::size_t p_firstLine,
+             std::vector<Table::Column>& p_columns)
+      : _text(p_text)
+      , _name(p_name)
+      , _separator(p_separator)
+      , _firstLine(p_firstLine)
+      , _columns(p_columns) {}
+
+  /// Reads the rows behind a place. Without `p_strings`, columns with a cell that is no number are marked.
+  void Read(Place p_first, bool p_strings, const Progress& p_progress, Utility::Threads p_threads);
+
+private:
+  void Clear(RowBlock& p_block) const;
+  void ReadBlock(RowBlock& p_block, bool p_strings) const;
+  void Reserve(const RowBlock& p_first);
+  void Append(RowBlock& p_block, std::size_t p_row, std::size_t p_line);
+  std::size_t LineAfter(std::size_t p_at) const;
+
+  std::string_view _text;
+  const std::string& _name;
+  const char _separator;
+  const std::size_t _firstLine; ///< of the table
+  std::vector<Table::Column>& _columns;
+};
+
+/// The start of a line near to a position, or the end of the text.
+std::size_t CellReader::LineAfter(std::size_t p_at) const {
+  const std::size_t end = _text.find_first_of("\n\r", p_at);
+  return end == std::string_view::npos ? _text.size() : end + (_text.compare(end, 2, "\r\n") == 0 ? 2 : 1);
+}
+
+/// Empties the columns and marks those that are known to have strings.
+void CellReader::Clear(RowBlock& p_block) const {
+  p_block.columns.resize(_columns.size());
+  for (std::size_t i = 0; i < _columns.size(); ++i) {
+    Table::Column& column = p_block.columns[i];
+    column.numbers.clear();
+    column.strings.clear();
+    column.stringLine = _columns[i].stringLine;
+  }
+}
+
+void CellReader::ReadBlock(RowBlock& p_block, bool p_strings) const {
+  RowReader reader(_text, _name, _separator, p_block.first, p_block.last);
+  const bool decimalComma = _separator != ',';
+  for (p_block.rows = 0; reader.Next(); ++p_block.rows) {
+    const auto& cells = reader.Cells();
+    if (cells.size() != _columns.size())
+      throw FileError(_name, reader.Line(),
+                      std::to_string(_columns.size()) + " cells as in line " + std::to_string(_firstLine),
+                      reader.RestOfLine());
     for (std::size_t i = 0; i < cells.size(); ++i) {
-      Table::Column& column = p_columns[i];
-      if (column.stringLine != 0) {
-        if (p_strings)
+      Table::Column& column = p_block.columns[i];
+      if (p_strings) {
+        if (column.stringLine != 0)
           column.strings.emplace_back(cells[i]);
-      } else if (const std::optional<double> number = Number(cells[i], p_decimalComma); !p_strings && number) {
+      } else if (column.stringLine != 0) {
+        continue;
+      } else if (const std::optional<double> number = Number(cells[i], decimalComma)) {
         column.numbers.push_back(*number);
-      } else if (!p_strings) {
-        column.stringRow = row;
-        column.stringLine = p_reader.Line();
-        column.numbers = {};
+      } else {
+        column.stringRow = p_block.rows;
+        column.stringLine = reader.Line();
       }
+    }
+  }
+  p_block.end = reader.End();
+}
+
+/// Reserves memory for columns of numbers, supposing that all rows are as long as those of the first block.
+void CellReader::Reserve(const RowBlock& p_first) {
+  const double blocks = double(_text.size() - p_first.first.at) / double(p_first.end.at - p_first.first.at);
+  for (Table::Column& column : _columns)
+    if (column.stringLine == 0)
+      column.numbers.reserve(static_cast<std::size_t>(double(p_first.rows) * blocks * 1.05) + 1);
+}
+
+/// Appends the cells of a block, given the row and the number of lines in front of it.
+void CellReader::Append(RowBlock& p_block, std::size_t p_row, std::size_t p_line) {
+  for (std::size_t i = 0; i < _columns.size(); ++i) {
+    Table::Column& column = _columns[i];
+    Table::Column& more = p_block.columns[i];
+    if (column.stringLine != 0) {
+      std::move(more.strings.begin(), more.strings.end(), std::back_inserter(column.strings));
+    } else if (more.stringLine != 0) {
+      column.stringRow = p_row + more.stringRow;
+      column.stringLine = p_line + more.stringLine;
+      column.numbers = {};
+    } else {
+      column.numbers.insert(column.numbers.end(), more.numbers.begin(), more.numbers.end());
     }
   }
 }
 
+void CellReader::Read(Place p_first, bool p_strings, const Progress& p_progress, Utility::Threads p_threads) {
+  constexpr std::size_t BlockBytes = std::size_t{1} << 17, WorthThreads = std::size_t{1} << 20;
+  const Utility::Threads threads = _text.size() < WorthThreads ? Utility::Threads() : p_threads;
+  std::vector<RowBlock> blocks(2 * std::size_t(threads.Count()));
+  const auto report = [&](std::size_t p_at) {
+    Private::Report(p_progress, _name, p_strings ? 1 : double(p_at) / double(_text.size()));
+  };
+  report(p_first.at);
+  std::size_t next = p_first.at, row = 0;
+  Place at = p_first;
+  Utility::BlockSteps steps;
+  steps.fill = [&](std::size_t p_slot) {
+    RowBlock& block = blocks[p_slot];
+    block.first = {next, 1};
+    block.last = next = LineAfter(std::min(next + BlockBytes, _text.size()));
+    Clear(block);
+    return block.first.at < _text.size();
+  };
+  steps.work = [&](std::size_t p_slot) {
+    try {
+      ReadBlock(blocks[p_slot], p_strings);
+      blocks[p_slot].failed = false;
+    } catch (const FileError&) {
+      blocks[p_slot].failed = true;
+    }
+  };
+  steps.join = [&](std::size_t p_slot) {
+    RowBlock& block = blocks[p_slot];
+    if (block.failed || block.first.at != at.at) { // a cell in quotes went on, or the line of an error is missing
+      Clear(block);
+      block.first = at;
+      ReadBlock(block, p_strings);
+    }
+    if (row == 0 && block.rows != 0)
+      Reserve(block);
+    Append(block, row, at.line - block.first.line);
+    row += block.rows;
+    at = {block.end.at, at.line + block.end.line - block.first.line};
+    report(at.at);
+  };
+  Utility::RunBlocks(threads, blocks.size(), steps);
+}
+
 } // namespace
 
-Table ReadTable(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
+Table ReadTable(std::istream& p_stream, const std::string& p_name, const Progress& p_progress,
+                Utility::Threads p_threads) {
   const std::string text = ReadAll(p_stream, p_name);
   const char named = NamedSeparator(text);
   const char separator = named != '\0' ? named : FindSeparator(text, p_name);
@@ -299,7 +309,8 @@ Table ReadTable(std::istream& p_stream, const std::string& p_name, const Progres
     const bool header = TakeNames(reader, separator, decimalComma, names);
     if (columns.empty())
       columns = names;
-    ReadRows(reader, header, p_name, decimalComma, p_strings, p_progress, columns);
+    CellReader(text, p_name, separator, reader.Line(), columns)
+        .Read(header ? reader.End() : reader.Start(), p_strings, p_progress, p_threads);
   };
   read(false);
   // A column may turn out to have strings late; numbers do not keep their spelling.
@@ -309,9 +320,9 @@ Table ReadTable(std::istream& p_stream, const std::string& p_name, const Progres
   return Table(p_name, std::move(columns));
 }
 
-Table ReadTable(const std::string& p_path, const Progress& p_progress) {
+Table ReadTable(const std::string& p_path, const Progress& p_progress, Utility::Threads p_threads) {
   std::ifstream file = Private::OpenFile(p_path);
-  return ReadTable(file, p_path, p_progress);
+  return ReadTable(file, p_path, p_progress, p_threads);
 }
 
 } // namespace Vek::Chart::Io

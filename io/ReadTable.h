@@ -4,6 +4,7 @@
 #include "io/Progress.h"
 #include "io/SampleFile.h"
 #include "io/Table.h"
+#include "platform/utility/Threads.h"
 
 #include <istream>
 #include <string>
@@ -24,11 +25,13 @@ namespace Vek::Chart::Io {
 ///
 /// Throws FileError with path and line for a file that cannot be opened or read, is empty, in UTF-16 or binary, has a
 /// row with more or fewer cells than the first line, a quote that does not end, or a line beyond 16 MiB, and if
-/// p_progress cancels.
+/// p_progress cancels. Neither result nor errors depend on the number of threads; tables below 1 MiB start none.
 /// \ingroup files
-VEK_IO_API Table ReadTable(const std::string& p_path, const Progress& p_progress = {});
+VEK_IO_API Table ReadTable(const std::string& p_path, const Progress& p_progress = {},
+                           Utility::Threads p_threads = Utility::Threads::All());
 /// Likewise, from a stream; `p_name` takes the place of the path in messages.
 /// \ingroup files
-VEK_IO_API Table ReadTable(std::istream& p_stream, const std::string& p_name, const Progress& p_progress = {});
+VEK_IO_API Table ReadTable(std::istream& p_stream, const std::string& p_name, const Progress& p_progress = {},
+                           Utility::Threads p_threads = Utility::Threads::All());
 
 } // namespace Vek::Chart::Io

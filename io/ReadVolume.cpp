@@ -21,7 +21,8 @@ namespace {
 
 constexpr std::size_t StartSize = 600; // more than any header's mark needs
 
-Volume ReadRaw(Private::PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options) {
+Volume ReadRaw(Private::PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options,
+               Utility::Threads p_threads) {
   const RawLayout& raw = *p_options.raw;
   Private::ValueFormat format;
   format.type = static_cast<Private::Stored>(raw.type);
@@ -38,18 +39,19 @@ Volume ReadRaw(Private::PeekSource& p_source, const std::string& p_name, const V
   if (!source.Skip(raw.headerBytes))
     throw FileError(p_name,
                     "expected values from byte " + std::to_string(raw.headerBytes) + ", got the end of the file");
-  Private::ReadValues(source, format, layout, 0, p_name, volume);
+  Private::ReadValues(source, format, layout, 0, p_name, p_threads, volume);
   if (char further = 0; source.Read(&further, 1) != 0)
     throw FileError(p_name, "expected " + std::to_string(volume.Count()) + " values, got more");
   return volume;
 }
 
-Volume ReadTextArray(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options) {
+Volume ReadTextArray(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options,
+                     Utility::Threads p_threads) {
   Library::TextArrayOptions options;
   options.progress = p_options.progress;
   Library::TextArray array;
   try {
-    array = Library::ReadTextArray(p_stream, p_name, options, Utility::Threads::All());
+    array = Library::ReadTextArray(p_stream, p_name, options, p_threads);
   } catch (const Library::TextArrayError& error) {
     throw FileError(error);
   }
@@ -76,45 +78,46 @@ std::string Found(std::string_view p_start) {
 
 /// Whether a reader of a header's format takes the file; it throws for one that has only the name.
 bool ReadWithHeader(Private::PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options,
-                    Volume& p_volume) {
+                    Utility::Threads p_threads, Volume& p_volume) {
   const std::string_view start = p_source.Peek(StartSize);
   if (Private::IsNifti(start))
-    p_volume = Private::ReadNifti(p_source, p_name, p_options);
+    p_volume = Private::ReadNifti(p_source, p_name, p_options, p_threads);
   else if (Private::IsNrrd(start) || Private::EndsWith(p_name, ".nrrd") || Private::EndsWith(p_name, ".nhdr"))
-    p_volume = Private::ReadNrrd(p_source, p_name, p_options);
+    p_volume = Private::ReadNrrd(p_source, p_name, p_options, p_threads);
   else if (Private::EndsWith(p_name, ".nii") || Private::EndsWith(p_name, ".nii.gz"))
-    p_volume = Private::ReadNifti(p_source, p_name, p_options);
+    p_volume = Private::ReadNifti(p_source, p_name, p_options, p_threads);
   else
     return false;
   return true;
 }
 
-Volume Read(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options) {
+Volume Read(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options,
+            Utility::Threads p_threads) {
   const std::istream::pos_type begin = p_stream.tellg();
   p_stream.clear(p_stream.rdstate() & ~std::ios::failbit); // where it has no position
   Private::StreamSource file(p_stream, p_name, p_options.progress);
   Private::PeekSource source(file);
   if (p_options.raw)
-    return ReadRaw(source, p_name, p_options);
+    return ReadRaw(source, p_name, p_options, p_threads);
   const std::string start(source.Peek(StartSize));
   Volume volume;
   if (Private::IsGzip(start)) {
     const std::unique_ptr<Private::ByteSource> unpacked = Private::OpenGzip(source, p_name);
     Private::PeekSource contents(*unpacked);
-    if (ReadWithHeader(contents, p_name, p_options, volume))
+    if (ReadWithHeader(contents, p_name, p_options, p_threads, volume))
       return volume;
     throw FileError(p_name, "expected a compressed NIfTI or NRRD file, got " + Found(contents.Peek(StartSize)));
   }
-  if (ReadWithHeader(source, p_name, p_options, volume))
+  if (ReadWithHeader(source, p_name, p_options, p_threads, volume))
     return volume;
   if (!Library::IsTextArray(start))
     throw FileError(p_name, "expected TextArray, NRRD, NIfTI or NetCDF, got " + Found(start));
   p_stream.clear();
   if (begin != std::istream::pos_type(-1) && p_stream.seekg(begin))
-    return ReadTextArray(p_stream, p_name, p_options);
+    return ReadTextArray(p_stream, p_name, p_options, p_threads);
   p_stream.clear();
   std::istringstream whole(source.ReadAll());
-  return ReadTextArray(whole, p_name, p_options);
+  return ReadTextArray(whole, p_name, p_options, p_threads);
 }
 
 } // namespace
@@ -154,23 +157,24 @@ std::string HeaderOf(const std::string& p_path) {
 
 } // namespace
 
-Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options) {
+Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options,
+                  Utility::Threads p_threads) {
   try {
     if (!p_options.raw && p_stream.tellg() != std::istream::pos_type(-1)) {
       Private::Restarted input(p_stream, p_name, 8);
       if (Private::IsClassicNetCdf(input.Start()) || Private::IsHdf5(input.Start()))
         return Private::ReadNetCdfVolume(input.Stream(), p_name, p_options);
     }
-    return Read(p_stream, p_name, p_options);
+    return Read(p_stream, p_name, p_options, p_threads);
   } catch (const std::bad_alloc&) {
     throw FileError(p_name, "its values do not fit into memory");
   }
 }
 
-Volume ReadVolume(const std::string& p_path, const VolumeOptions& p_options) {
+Volume ReadVolume(const std::string& p_path, const VolumeOptions& p_options, Utility::Threads p_threads) {
   const std::string path = p_options.raw ? p_path : HeaderOf(p_path);
   std::ifstream file = Private::OpenFile(path);
-  return ReadVolume(file, path, p_options);
+  return ReadVolume(file, path, p_options, p_threads);
 }
 
 } // namespace Vek::Chart::Io

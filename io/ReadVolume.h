@@ -4,6 +4,7 @@
 #include "io/Progress.h"
 #include "io/SampleFile.h"
 #include "io/Volume.h"
+#include "platform/utility/Threads.h"
 
 #include <array>
 #include <cstddef>
@@ -66,14 +67,17 @@ struct VolumeOptions {
 ///
 /// Throws FileError for a file that cannot be opened or read, is of no known format, ends too early, claims more values
 /// than it has, or has something other than expected; its text names the line, or the byte of a binary header. Also if
-/// the progress cancels. Memory: the values, and 1 MiB; before it is taken, the claimed size is compared with the size
-/// of the file.
+/// the progress cancels. Memory: the values, 1 MiB, and 1 MiB for each thread; before it is taken, the claimed size is
+/// compared with the size of the file. Neither result nor errors depend on the number of threads; values below 1 MiB
+/// start none.
 ///
 /// \snippet FileSnippets.cpp ReadVolume
 /// \ingroup files
-VEK_IO_API Volume ReadVolume(const std::string& p_path, const VolumeOptions& p_options = {});
+VEK_IO_API Volume ReadVolume(const std::string& p_path, const VolumeOptions& p_options = {},
+                             Utility::Threads p_threads = Utility::Threads::All());
 /// Likewise, from a stream.
 /// \ingroup files
-VEK_IO_API Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options = {});
+VEK_IO_API Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options = {},
+                             Utility::Threads p_threads = Utility::Threads::All());
 
 } // namespace Vek::Chart::Io

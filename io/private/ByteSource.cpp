@@ -16,7 +16,8 @@ namespace {
 
 constexpr std::size_t BlockSize = std::size_t{1} << 16;
 
-/// The bytes from the stream's position to its end; Unknown where it cannot seek.
+} // namespace
+
 std::uint64_t SizeOf(std::istream& p_stream) {
   const std::istream::pos_type start = p_stream.tellg();
   if (start == std::istream::pos_type(-1) || !p_stream.seekg(0, std::ios::end)) {
@@ -27,8 +28,6 @@ std::uint64_t SizeOf(std::istream& p_stream) {
   p_stream.seekg(start);
   return size < 0 ? ByteSource::Unknown : std::uint64_t(size);
 }
-
-} // namespace
 
 bool ByteSource::Skip(std::uint64_t p_count) {
   std::array<char, 16384> block;

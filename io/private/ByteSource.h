@@ -33,6 +33,9 @@ public:
   std::string ReadAll();
 };
 
+/// The bytes from a stream's position to its end, as it claims; ByteSource::Unknown where it cannot seek.
+std::uint64_t SizeOf(std::istream& p_stream);
+
 /// The bytes of a stream, with progress. Throws FileError where reading fails or the progress cancels.
 class StreamSource : public ByteSource {
 public:

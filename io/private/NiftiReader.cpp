@@ -264,7 +264,8 @@ bool IsNifti(std::string_view p_start) {
   return VersionOf(p_start, bigEndian) != 0;
 }
 
-Volume ReadNifti(PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options) {
+Volume ReadNifti(PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options,
+                 Utility::Threads p_threads) {
   std::string bytes(p_source.Peek(HeaderBytes2));
   bool bigEndian = false;
   const int version = VersionOf(bytes, bigEndian);
@@ -281,7 +282,7 @@ Volume ReadNifti(PeekSource& p_source, const std::string& p_name, const VolumeOp
     if (!p_values.Skip(header.offset))
       throw FileError(p_path,
                       "expected values from byte " + std::to_string(header.offset) + ", got the end of the file");
-    ReadValues(p_values, header.format, header.layout, p_options.step, p_path, volume);
+    ReadValues(p_values, header.format, header.layout, p_options.step, p_path, p_threads, volume);
     char last = 0; // behind the values, gzip has a check sum
     if (p_options.step + 1 == header.layout.steps)
       p_values.Read(&last, 1);

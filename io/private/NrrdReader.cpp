@@ -236,7 +236,8 @@ bool IsNrrd(std::string_view p_start) {
   return p_start.substr(0, 7) == "NRRD000";
 }
 
-Volume ReadNrrd(PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options) {
+Volume ReadNrrd(PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options,
+                Utility::Threads p_threads) {
   NrrdHeader header(p_source, p_name);
   SettleRoles(header.axes);
   std::vector<NrrdHeader::Axis> grid;
@@ -253,7 +254,7 @@ Volume ReadNrrd(PeekSource& p_source, const std::string& p_name, const VolumeOpt
     if (text)
       ReadTextValues(p_values, header.format, layout, p_options.step, p_path, p_line, volume);
     else
-      ReadValues(p_values, header.format, layout, p_options.step, p_path, volume);
+      ReadValues(p_values, header.format, layout, p_options.step, p_path, p_threads, volume);
     char last = 0; // behind the values, gzip has a check sum
     if (header.encoding == NrrdHeader::Encoding::Gzip && p_options.step + 1 == layout.steps)
       p_values.Read(&last, 1);
@@ -274,7 +275,7 @@ Volume ReadNrrd(PeekSource& p_source, const std::string& p_name, const VolumeOpt
     if (text || bytes % files != 0)
       throw FileError(p_name, "expected binary values that " + std::to_string(files) + " files have in equal parts");
     FilesSource source(header, p_name, p_options.progress, bytes / files);
-    ReadValues(source, header.format, layout, p_options.step, p_name, volume);
+    ReadValues(source, header.format, layout, p_options.step, p_name, p_threads, volume);
   }
   return volume;
 }

@@ -78,7 +78,7 @@ Image ReadPfm(PeekSource& p_source, const std::string& p_name) {
   format.type = Stored::Float32;
   format.bigEndian = scale > 0;
   Volume volume;
-  ReadValues(p_source, format, layout, 0, p_name, volume);
+  ReadValues(p_source, format, layout, 0, p_name, Utility::Threads::All(), volume);
   Image image;
   image.width = volume.size[0];
   image.height = volume.size[1];

@@ -39,6 +39,13 @@ public:
         Include(double(p_values[i]));
   }
 
+  /// The numbers of another range.
+  void Add(const ValueRange& p_other) {
+    _limits = {std::min(_limits[0], p_other._limits[0]), std::max(_limits[1], p_other._limits[1])};
+  }
+  /// A range without numbers, with the same number for "no data".
+  ValueRange None() const { return ValueRange(_noData); }
+
   /// {0, 0} without any number.
   std::array<double, 2> Limits() const { return _limits[0] <= _limits[1] ? _limits : std::array<double, 2>{0, 0}; }
 

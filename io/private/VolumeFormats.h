@@ -14,8 +14,10 @@ namespace Vek::Chart::Io::Private {
 bool IsNrrd(std::string_view p_start);
 bool IsNifti(std::string_view p_start);
 
-Volume ReadNrrd(PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options);
-Volume ReadNifti(PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options);
+Volume ReadNrrd(PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options,
+                Utility::Threads p_threads);
+Volume ReadNifti(PeekSource& p_source, const std::string& p_name, const VolumeOptions& p_options,
+                 Utility::Threads p_threads);
 
 Volume ReadNetCdfVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options);
 

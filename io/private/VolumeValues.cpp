@@ -69,9 +69,12 @@ public:
       throw FileError(_name, "expected " + std::to_string(_read + p_count) +
                                  " values or more, got the end of the file after " +
                                  std::to_string(_read + bytes / sizeof(T)));
+    _read += p_count;
+  }
+  /// Makes numbers of what was read; in any thread.
+  void Arrange(T* p_values, std::size_t p_count) const {
     if (_reverse && sizeof(T) > 1)
       std::transform(p_values, p_values + p_count, p_values, Reversed<T>);
-    _read += p_count;
   }
 
 private:
@@ -103,6 +106,7 @@ public:
   void Read(T* p_values, std::size_t p_count) {
     std::generate(p_values, p_values + p_count, [&] { return Number(Word()); });
   }
+  void Arrange(T*, std::size_t) const {}
 
 private:
   static constexpr std::size_t LongestWord = 1024;
@@ -142,24 +146,58 @@ private:
   std::string _word;
 };
 
-/// Reads p_count values and appends them as numbers of the type Kept.
+/// A block of values, and the numbers that are kept of it if they are not the values themselves.
+template <class T, class Kept>
+struct ValueBlock {
+  std::vector<T> values;
+  std::vector<Kept> numbers;
+  std::size_t count = 0;
+  ValueRange range;
+};
+
+/// Reads p_count values and appends them as numbers of the type Kept. The source is read in the calling thread.
 template <class T, class Kept, class Source>
-void Append(Source& p_source, std::uint64_t p_count, const ValueFormat& p_format, ValueRange& p_range,
-            std::vector<Kept>& p_kept) {
-  std::vector<T> block(std::size_t(std::min<std::uint64_t>(p_count, BlockBytes / sizeof(T))));
-  while (p_count != 0) {
-    const std::size_t count = std::size_t(std::min<std::uint64_t>(p_count, block.size()));
-    p_source.Read(block.data(), count);
-    const std::size_t start = p_kept.size();
+void Append(Source& p_source, std::uint64_t p_count, const ValueFormat& p_format, Utility::Threads p_threads,
+            ValueRange& p_range, std::vector<Kept>& p_kept) {
+  constexpr std::uint64_t WorthThreads = std::uint64_t{1} << 20; // bytes
+  const bool converts = !std::is_same_v<T, Kept> || p_format.Scaled();
+  const Utility::Threads threads = p_count < WorthThreads / sizeof(T) ? Utility::Threads() : p_threads;
+  const ValueRange none = p_range.None();
+  std::vector<ValueBlock<T, Kept>> blocks(2 * std::size_t(threads.Count()), ValueBlock<T, Kept>{{}, {}, 0, none});
+  Utility::BlockSteps steps;
+  steps.fill = [&](std::size_t p_slot) {
+    ValueBlock<T, Kept>& block = blocks[p_slot];
+    block.count = std::size_t(std::min<std::uint64_t>(p_count, BlockBytes / sizeof(T)));
+    p_count -= block.count;
+    block.values.resize(std::max(block.values.size(), block.count));
+    p_source.Read(block.values.data(), block.count);
+    return block.count != 0;
+  };
+  steps.work = [&](std::size_t p_slot) {
+    ValueBlock<T, Kept>& block = blocks[p_slot];
+    p_source.Arrange(block.values.data(), block.count);
+    block.range = none;
+    if (converts) {
+      block.numbers.resize(block.count);
+      std::transform(block.values.data(), block.values.data() + block.count, block.numbers.data(), [&](T p_value) {
+        return static_cast<Kept>(p_format.slope * double(p_value) + p_format.intercept);
+      });
+      block.range.Add(block.numbers.data(), block.count);
+    } else {
+      block.range.Add(block.values.data(), block.count);
+    }
+  };
+  steps.join = [&](std::size_t p_slot) {
+    const ValueBlock<T, Kept>& block = blocks[p_slot];
+    p_range.Add(block.range);
+    if (converts) {
+      p_kept.insert(p_kept.end(), block.numbers.begin(), block.numbers.end());
+      return;
+    }
     if constexpr (std::is_same_v<T, Kept>)
-      if (!p_format.Scaled())
-        p_kept.insert(p_kept.end(), block.data(), block.data() + count);
-    if (p_kept.size() == start)
-      for (std::size_t i = 0; i < count; ++i)
-        p_kept.push_back(static_cast<Kept>(p_format.slope * double(block[i]) + p_format.intercept));
-    p_range.Add(p_kept.data() + start, count);
-    p_count -= count;
-  }
+      p_kept.insert(p_kept.end(), block.values.data(), block.values.data() + block.count);
+  };
+  Utility::RunBlocks(threads, blocks.size(), steps);
 }
 
 /// Values of channel after channel to values of voxel after voxel.
@@ -175,7 +213,7 @@ std::vector<T> Interleaved(const std::vector<T>& p_planes, std::size_t p_channel
 
 template <class T, class Kept, class Source>
 void Read(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
-          const std::string& p_name, Volume& p_volume) {
+          const std::string& p_name, Utility::Threads p_threads, Volume& p_volume) {
   const std::uint64_t count = CountValues(p_layout, p_name);
   if (p_step >= p_layout.steps)
     throw FileError(p_name,
@@ -193,7 +231,7 @@ void Read(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_la
     values.reserve(std::size_t(count));
   for (std::uint64_t part = 0; part < parts; ++part) {
     p_source.Skip((part == 0 ? p_step : p_layout.steps - 1) * partCount);
-    Append<T>(p_source, partCount, p_format, range, values);
+    Append<T>(p_source, partCount, p_format, p_threads, range, values);
   }
   if (p_layout.planar && p_layout.channels > 1)
     values = Interleaved(values, std::size_t(p_layout.channels));
@@ -207,14 +245,14 @@ void Read(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_la
 /// Reads values of type T from the source as the format wants them kept.
 template <class T, class Source>
 void ReadAs(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
-            const std::string& p_name, Volume& p_volume) {
+            const std::string& p_name, Utility::Threads p_threads, Volume& p_volume) {
   constexpr bool Wide = sizeof(T) > 4 || (sizeof(T) == 4 && std::is_integral_v<T>);
   using Scaled = std::conditional_t<Wide, double, float>;
   using Kept = std::conditional_t<sizeof(T) == 8, double, T>;
   if (p_format.Scaled())
-    Read<T, Scaled>(p_source, p_format, p_layout, p_step, p_name, p_volume);
+    Read<T, Scaled>(p_source, p_format, p_layout, p_step, p_name, p_threads, p_volume);
   else
-    Read<T, Kept>(p_source, p_format, p_layout, p_step, p_name, p_volume);
+    Read<T, Kept>(p_source, p_format, p_layout, p_step, p_name, p_threads, p_volume);
 }
 
 } // namespace
@@ -241,11 +279,11 @@ std::uint64_t CountValues(const ValueLayout& p_layout, const std::string& p_name
 }
 
 void ReadValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
-                const std::string& p_name, Volume& p_volume) {
+                const std::string& p_name, Utility::Threads p_threads, Volume& p_volume) {
   p_volume.steps = p_layout.steps;
   WithType(p_format.type, [&](auto p_value) {
     BinaryValues<decltype(p_value)> values(p_source, p_format, p_name);
-    ReadAs<decltype(p_value)>(values, p_format, p_layout, p_step, p_name, p_volume);
+    ReadAs<decltype(p_value)>(values, p_format, p_layout, p_step, p_name, p_threads, p_volume);
   });
 }
 
@@ -254,7 +292,7 @@ void ReadTextValues(ByteSource& p_source, const ValueFormat& p_format, const Val
   p_volume.steps = p_layout.steps;
   WithType(p_format.type, [&](auto p_value) {
     TextValues<decltype(p_value)> values(p_source, p_name, p_line);
-    ReadAs<decltype(p_value)>(values, p_format, p_layout, p_step, p_name, p_volume);
+    ReadAs<decltype(p_value)>(values, p_format, p_layout, p_step, p_name, Utility::Threads(), p_volume);
   });
 }
 

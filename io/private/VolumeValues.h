@@ -2,6 +2,7 @@
 
 #include "io/Volume.h"
 #include "io/private/ByteSource.h"
+#include "platform/utility/Threads.h"
 
 #include <cstdint>
 #include <optional>
@@ -41,10 +42,10 @@ std::uint64_t CountValues(const ValueLayout& p_layout, const std::string& p_name
 ///
 /// Throws FileError where the source has fewer values, before memory is taken if that is known then.
 void ReadValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
-                const std::string& p_name, Volume& p_volume);
+                const std::string& p_name, Utility::Threads p_threads, Volume& p_volume);
 
-/// Likewise, of numbers that are written as text, separated by white space and commas. `p_line` is the first one's
-/// line.
+/// Likewise, on one thread, of numbers that are written as text, separated by white space and commas. `p_line` is the
+/// first one's line.
 void ReadTextValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
                     const std::string& p_name, std::size_t p_line, Volume& p_volume);
 

@@ -104,3 +104,47 @@ TEST(Table, GivesColumnsAndPoints) {
   EXPECT_EQ(error([&] { table.Strings("x"); }), "t.csv: column \"x\": expected strings, got numbers");
   EXPECT_EQ(error([] { Table("t", {{"a", {1}, {}}, {"b", {1, 2}, {}}}); }), "t: column \"b\": expected 1 cells, got 2");
 }
+
+// Cells in quotes go on over the borders of blocks, and over whole blocks.
+TEST(ReadTable, NeitherResultNorErrorsDependOnThreads) {
+  std::string text = "# by hand\na,b,c\n";
+  for (int row = 0; row < 60000; ++row) {
+    if (row % 7000 == 6999)
+      text += "# comment\n\n";
+    const std::string number = std::to_string(row * 0.37);
+    const std::string quoted = '"' +
+                               std::string(row == 30000      ? 300000
+                                           : row % 2000 == 5 ? 9000
+                                                             : 3,
+                                           'x') +
+                               ",\n\"\"1\n\"";
+    text += number + ',' + (row % 500 == 77 ? quoted : number) + ',' + (row == 50000 ? "late" : "3") +
+            (row % 3 == 0 ? "\r\n" : "\n");
+  }
+  const auto read = [](const std::string& p_text, int p_threads) {
+    std::vector<double> shares;
+    const auto progress = [&](double p_share) { return shares.push_back(p_share), true; };
+    try {
+      std::istringstream stream(p_text);
+      const Table table = ReadTable(stream, "t.csv", progress, Vek::Chart::Utility::Threads(p_threads));
+      std::string all = Text(table);
+      for (const Table::Column& column : table.Columns())
+        all += ' ' + std::to_string(column.stringRow) + '/' + std::to_string(column.stringLine);
+      return std::pair(all, shares);
+    } catch (const FileError& error) {
+      return std::pair(std::string(error.what()), shares);
+    }
+  };
+  std::string cut = text, unequal = text;
+  cut.insert(text.rfind("\n", text.size() * 4 / 5) + 1, "1,\"2,3\n");
+  unequal.insert(text.rfind("\n", text.size() / 2) + 1, "1,2\n");
+  for (const std::string& table : {text, cut, unequal}) {
+    const auto expected = read(table, 1);
+    EXPECT_EQ(expected.first.find("t.csv:") == 0, table.size() != text.size()) << expected.first.substr(0, 200);
+    for (const int threads : {2, 3, 7})
+      EXPECT_TRUE(read(table, threads) == expected) << threads;
+  }
+  const std::string all = read(text, 3).first;
+  const auto late = std::count(text.begin(), text.begin() + std::ptrdiff_t(text.find(",late")), '\n') + 1;
+  EXPECT_EQ(all.substr(all.rfind('\n') + 1), " 0/0 77/80 50000/" + std::to_string(late));
+}

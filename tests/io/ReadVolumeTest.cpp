@@ -361,6 +361,55 @@ TEST(ReadVolume, RawSizesTypesAndNoData) {
   EXPECT_EQ(SummaryOrError(file.substr(1), "v", options), "v: expected 1 × 4 values, got a file that holds at most 3");
 }
 
+TEST(ReadVolume, NeitherValuesNorErrorsDependOnThreads) {
+  std::mt19937 random(1);
+  std::string bytes(1600000, ' '); // with NaN and infinities among the floats
+  for (char& byte : bytes)
+    byte = static_cast<char>(random() % 4 == 0 ? 0xFF : random());
+  std::vector<std::string> files;
+  std::vector<Io::VolumeOptions> options;
+  for (const bool big : {false, true})
+    for (const Volume::Type type : {Volume::UInt8, Volume::Int16, Volume::Float32, Volume::Float64}) {
+      const std::size_t size = std::array<std::size_t, 8>{1, 1, 2, 2, 4, 4, 4, 8}[std::size_t(type)];
+      files.push_back(bytes);
+      options.emplace_back();
+      options.back().raw = Io::RawLayout{{bytes.size() / size, 1, 1}, type, 1, big, 0, {1, 1, 1}};
+      options.back().noData = -1;
+    }
+  for (const int type : {4, 512, 1024, 64}) { // 16 bits, signed or not, 64 bits, double
+    const int size = type == 4 || type == 512 ? 2 : 8;
+    Nifti file(true, true, {double(bytes.size()) / size / 10, 10}, type, 8 * size);
+    files.push_back(file.Reals(112, 176, {0.5, -1}).bytes + bytes);
+    options.emplace_back();
+  }
+  for (std::size_t i = 0; i < 12; ++i) {
+    files.push_back(files[i].substr(0, files[i].size() - 300001));
+    options.push_back(options[i]);
+  }
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    const auto read = [&](int p_threads) {
+      std::vector<double> shares;
+      options[i].progress = [&](double p_share) { return shares.push_back(p_share), true; };
+      std::istringstream stream(files[i]);
+      try {
+        const Volume volume = Io::ReadVolume(stream, "v", options[i], Vek::Chart::Utility::Threads(p_threads));
+        const std::string values = std::visit(
+            [](const auto& p_values) {
+              return std::string(reinterpret_cast<const char*>(p_values.data()), sizeof p_values[0] * p_values.size());
+            },
+            volume.values);
+        return std::tuple(values, volume.range, shares, std::string());
+      } catch (const FileError& error) {
+        return std::tuple(std::string(), std::array<double, 2>{}, shares, std::string(error.what()));
+      }
+    };
+    const auto expected = read(1);
+    EXPECT_EQ(std::get<3>(expected).empty(), i < 12) << i << std::get<3>(expected);
+    for (const int threads : {2, 3, 7})
+      EXPECT_TRUE(read(threads) == expected) << i << ' ' << threads;
+  }
+}
+
 TEST(ReadVolume, CancelledAndReported) {
   std::vector<double> shares;
   Io::VolumeOptions options;
