@@ -1,5 +1,6 @@
 // The examples of the reference for glyphs and models: what stands between two marks is shown there.
 
+#include "library/ColorMap.h"
 #include "library/ComputeNormals.h"
 #include "library/Icosphere.h"
 #include "library/ModelCache.h"
@@ -125,27 +126,47 @@ TEST(GlyphSnippets, Icosphere) {
 }
 
 TEST_F(GlyphSnippetPixels, MappedLayer) {
-  const std::vector<Point> positions(3);
+  const std::vector<Point> positions = {{-0.6, 0, 0}, {0, 0, 0}, {0.6, 0, 0}};
   const std::vector<Matrix3> rotations(3);
-  const std::vector<double> sizes(3, 1.0);
+  const std::vector<double> sizes(3, 0.5), values = {0, 0.5, 1};
   VectorSymbol::Instances instances;
   instances.count = 3;
   instances.positions = positions.data();
   instances.rotations = rotations.data();
   instances.sizes = sizes.data();
-  const VectorSymbol arrow(Model::Symbol::ShapeArrow3D, 8);
+  instances.texCoords = values.data();
+  const VectorSymbol glyph(Model::Symbol::ShapePlane, 8);
+  const ColorMap colors({Qt::red, Qt::green, Qt::blue}, ColorMap::Discrete);
   std::size_t written = 0;
   //! [MappedLayer]
-  const std::size_t vertices = instances.count * arrow.VertexCount();
-  const auto buffer = gl->GetBufferPool().CreateBuffer<Ogl::Vec3<float>>(vertices, Ogl::BufferUsage::Stream);
+  const std::size_t vertices = instances.count * glyph.VertexCount(), indices = instances.count * glyph.IndexCount();
+  Ogl::BufferDraw draw;
+  draw.type = Ogl::VertexBuffer::Triangles;
+  draw.attributes = Ogl::BufferDraw::Positions | Ogl::BufferDraw::TexCoords; // normals are not wanted here
+  draw.texCoordOffset = static_cast<unsigned int>(3 * vertices * sizeof(float));
+  using Record = Ogl::Attribute<Ogl::Vec3<float>>;
+  using Index = Ogl::Attribute<Ogl::Vec1<unsigned int>>;
+  draw.vertices = gl->GetBufferPool().CreateBuffer<Record>((4 * vertices + 2) / 3, Ogl::BufferUsage::Stream);
+  draw.indices = gl->GetBufferPool().CreateBuffer<Index>(indices, Ogl::BufferUsage::Stream);
   {
-    const Ogl::BufferPool::WriteArray<Ogl::Vec3<float>> mapped(buffer, 0, vertices, RGL_ARRAY_BUFFER);
+    using Ogl::BufferPool;
+    const BufferPool::WriteArray<Record> mapped(draw.vertices, 0, draw.vertices.Count(), RGL_ARRAY_BUFFER);
+    const BufferPool::WriteArray<Index> mappedIndices(draw.indices, 0, indices, RGL_ELEMENT_ARRAY_BUFFER);
     VectorSymbol::LayerMemory memory;
-    memory.vertices = mapped; // normals and indices are not wanted here
-    written = arrow.OrientShapes(instances, 0.5, 1, memory);
-  } // unmapped: the buffer may be drawn from
+    memory.indices = mappedIndices;
+    if (mapped.Count() != 0) {
+      memory.vertices = {&mapped.Data()->x, 3 * vertices};
+      memory.texCoords = {&mapped.Data()->x + 3 * vertices, vertices};
+      written = glyph.OrientShapes(instances, 0.5, 1, memory);
+    }
+  } // unmapped: the buffers may be drawn from
+  colors(gl, RGL_TEXTURE0);
+  if (written == instances.count)
+    draw.Draw(gl);
   //! [MappedLayer]
-  EXPECT_EQ(written, 3U);
+  const auto at = [&](int p_x) { return At(p_x, FrameSize.height / 2); };
+  EXPECT_EQ(std::tuple(at(FrameSize.width / 5), at(FrameSize.width / 2), at(FrameSize.width * 4 / 5)),
+            std::tuple(QColor(Qt::red), QColor(Qt::green), QColor(Qt::blue)));
 }
 
 TEST(GlyphSnippets, StreamLineShape) {

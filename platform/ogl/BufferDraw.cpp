@@ -17,10 +17,11 @@ constexpr const char* DrawInstances = VEK_DRAW_SIGNATURE("BufferDraw", ",unsigne
 constexpr std::size_t RecordBytes = 3 * sizeof(float);
 constexpr std::size_t Most = static_cast<std::size_t>(std::numeric_limits<int>::max());
 
-/// True if at least one record lies at the offset, and GL takes the stride.
-bool Fits(const BufferDraw::RecordBuffer& p_buffer, unsigned int p_offset, unsigned int p_stride) {
+/// True if at least one record of that many floats lies at the offset, and GL takes the stride.
+bool Fits(const BufferDraw::RecordBuffer& p_buffer, unsigned int p_offset, unsigned int p_stride,
+          std::size_t p_floats = 3) {
   const std::size_t bytes = p_buffer.Count() * RecordBytes;
-  return p_offset <= bytes && RecordBytes <= bytes - p_offset && p_stride <= Most;
+  return p_offset <= bytes && p_floats * sizeof(float) <= bytes - p_offset && p_stride <= Most;
 }
 
 /// True if the buffer holds `p_count` records or more.
@@ -38,6 +39,8 @@ bool HasContents(const Buffer<T>& p_buffer) {
 bool CheckBuffers(const BufferDraw& p_draw, std::size_t p_instances, const char* p_signature) {
   const DrawCheck check{p_signature};
   const bool withNormals = (p_draw.attributes & BufferDraw::Normals) != 0;
+  const bool withTexCoords = (p_draw.attributes & BufferDraw::TexCoords) != 0;
+  const unsigned int components = p_draw.texCoordComponents;
   const auto& instanced = p_draw.instanceAttributes;
   return check(PrimitiveToken(p_draw.type).has_value(), "type != VertexBuffer::Undecided") &&
          check(Holds(p_draw.indices, 1) && p_draw.indices.Count() <= Most, "indices.Count() != 0") &&
@@ -48,6 +51,9 @@ bool CheckBuffers(const BufferDraw& p_draw, std::size_t p_instances, const char*
                "positionOffset + 12 <= vertices bytes") &&
          check(!withNormals || Fits(p_draw.vertices, p_draw.normalOffset, p_draw.normalStride),
                "normalOffset + 12 <= vertices bytes") &&
+         check(!withTexCoords || (components >= 1 && components <= 4), "1 <= texCoordComponents <= 4") &&
+         check(!withTexCoords || Fits(p_draw.vertices, p_draw.texCoordOffset, p_draw.texCoordStride, components),
+               "texCoordOffset + 4 * texCoordComponents <= vertices bytes") &&
          check(p_instances <= Most, "instances <= INT_MAX") &&
          check(std::all_of(instanced.begin(), instanced.end(),
                            [p_instances](const BufferDraw::InstanceAttribute& p_attribute) {
@@ -65,12 +71,16 @@ void SetPointers(const Rgl& p_gl, const BufferDraw& p_draw) {
   const bool withNormals = (p_draw.attributes & BufferDraw::Normals) != 0;
   EnableArray(p_gl, RGL_VERTEX_ARRAY, true);
   EnableArray(p_gl, RGL_NORMAL_ARRAY, withNormals);
-  EnableArray(p_gl, RGL_TEXTURE_COORD_ARRAY, false);
+  const bool withTexCoords = (p_draw.attributes & BufferDraw::TexCoords) != 0;
+  EnableArray(p_gl, RGL_TEXTURE_COORD_ARRAY, withTexCoords);
   p_gl.BindBuffer(RGL_ELEMENT_ARRAY_BUFFER, p_draw.indices.Name());
   p_gl.BindBuffer(RGL_ARRAY_BUFFER, p_draw.vertices.Name());
   p_gl.VertexPointer(3, RGL_FLOAT, static_cast<int>(p_draw.positionStride), Offset(p_draw.positionOffset));
   if (withNormals)
     p_gl.NormalPointer(RGL_FLOAT, static_cast<int>(p_draw.normalStride), Offset(p_draw.normalOffset));
+  if (withTexCoords)
+    p_gl.TexCoordPointer(static_cast<int>(p_draw.texCoordComponents), RGL_FLOAT,
+                         static_cast<int>(p_draw.texCoordStride), Offset(p_draw.texCoordOffset));
 }
 
 void SetInstancePointers(const Rgl& p_gl, const std::vector<BufferDraw::InstanceAttribute>& p_attributes) {

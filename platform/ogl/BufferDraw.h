@@ -13,8 +13,9 @@ namespace Vek::Chart::Ogl {
 
 /// Draws indexed primitives from GPU buffers, once or many times in one call.
 ///
-/// Positions and normals go to GL's fixed vertex attributes (`gl_Vertex` and `gl_Normal` in a shader). A vertex shader
-/// distinguishes instances by `gl_InstanceID` or by attributes that advance once per instance.
+/// Positions, normals and texture coordinates go to GL's fixed vertex attributes (`gl_Vertex`, `gl_Normal` and
+/// `gl_MultiTexCoord0` in a shader), the last ones on the active client texture unit. A vertex shader distinguishes
+/// instances by `gl_InstanceID` or by attributes that advance once per instance.
 ///
 /// \snippet GlyphSnippets.cpp BufferDraw
 /// \image html symbols.jpg
@@ -29,6 +30,7 @@ struct VEK_PLATFORM_API BufferDraw {
   enum AttributeBits : unsigned int {
     Positions = 1, ///< required
     Normals = 2,   ///< optional
+    TexCoords = 4, ///< optional
   };
 
   /// A vertex attribute of three floats that advances once per instance.
@@ -39,12 +41,15 @@ struct VEK_PLATFORM_API BufferDraw {
 
   VertexBuffer::PrimitiveType type = VertexBuffer::Undecided; ///< the kind of primitive
   IndexBuffer indices;                                        ///< all are drawn
-  RecordBuffer vertices;                                      ///< positions and normals
+  RecordBuffer vertices;                                      ///< positions, normals and texture coordinates
   unsigned int attributes = Positions;                        ///< bits of AttributeBits
-  unsigned int positionStride = 0;                   ///< bytes from one position to the next; 0 if tightly packed
-  unsigned int normalStride = 0;                     ///< bytes from one normal to the next; 0 if tightly packed
-  unsigned int positionOffset = 0;                   ///< bytes before the first position
-  unsigned int normalOffset = 0;                     ///< bytes before the first normal
+  unsigned int positionStride = 0;     ///< bytes from one position to the next; 0 if tightly packed
+  unsigned int normalStride = 0;       ///< bytes from one normal to the next; 0 if tightly packed
+  unsigned int positionOffset = 0;     ///< bytes before the first position
+  unsigned int normalOffset = 0;       ///< bytes before the first normal
+  unsigned int texCoordComponents = 1; ///< floats of a texture coordinate, 1 to 4; a glyph layer has one
+  unsigned int texCoordStride = 0;     ///< bytes from one texture coordinate to the next; 0 if tightly packed
+  unsigned int texCoordOffset = 0;     ///< bytes before the first texture coordinate
   std::vector<InstanceAttribute> instanceAttributes; ///< for the instanced `Draw`
 
   /// Draws all indices. Restores the client state that it changes.

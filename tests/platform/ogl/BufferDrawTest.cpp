@@ -73,6 +73,19 @@ TEST_F(BufferDrawCalls, DrawsFromItsBuffersAndRestoresTheBindings) {
                 end);
 }
 
+TEST_F(BufferDrawCalls, BindsTextureCoordinates) {
+  BufferDraw draw = Square(*gl);
+  draw.attributes |= BufferDraw::TexCoords;
+  draw.texCoordComponents = 2;
+  draw.texCoordStride = 24;
+  draw.texCoordOffset = 16;
+  recorder.Clear();
+  draw.Draw(gl);
+  EXPECT_EQ(recorder.LinesOf({"EnableClientState", "DisableClientState", "TexCoordPointer"}),
+            Calls("EnableClientState(GL_VERTEX_ARRAY); EnableClientState(GL_NORMAL_ARRAY); "
+                  "EnableClientState(GL_TEXTURE_COORD_ARRAY); TexCoordPointer(2, GL_FLOAT, 24, ptr)"));
+}
+
 TEST_F(BufferDrawCalls, UndrawableBuffersAreReported) {
   const std::pair<const char*, std::function<void(BufferDraw&)>> cases[] = {
       {"type != VertexBuffer::Undecided", [](BufferDraw& p_draw) { p_draw.type = Ogl::VertexBuffer::Undecided; }},
@@ -81,6 +94,10 @@ TEST_F(BufferDrawCalls, UndrawableBuffersAreReported) {
       {"positionOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.positionOffset = 85; }},
       {"positionOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.positionOffset = 0xFFFFFFFF; }},
       {"normalOffset + 12 <= vertices bytes", [](BufferDraw& p_draw) { p_draw.normalStride = 0x80000000; }},
+      {"1 <= texCoordComponents <= 4",
+       [](BufferDraw& p_draw) { p_draw.attributes |= BufferDraw::TexCoords, p_draw.texCoordComponents = 5; }},
+      {"texCoordOffset + 4 * texCoordComponents <= vertices bytes",
+       [](BufferDraw& p_draw) { p_draw.attributes |= BufferDraw::TexCoords, p_draw.texCoordOffset = 93; }},
       {"instanceAttribute.records.Count() >= instances",
        [](BufferDraw& p_draw) { p_draw.instanceAttributes.resize(1); }},
       {"indices.Count() != 0", [](BufferDraw& p_draw) { p_draw.indices = Ogl::Buffer<Index>(nullptr, 6); }},
