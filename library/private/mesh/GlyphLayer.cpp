@@ -134,9 +134,9 @@ bool GlyphLayer::GivesNaN(std::size_t p_instance, double p_factor) const {
 void GlyphLayer::Write(const GlyphTarget& p_target, Utility::Threads p_threads) const {
   const std::size_t floats = (p_target.vertices != nullptr ? 3 : 0) + (p_target.normals != nullptr ? 3 : 0);
   const std::size_t bytes = _count * (floats * VertexCount() + _indices.size()) * sizeof(float);
-  const bool pastCaches = bytes > CacheBytes();
   if (p_threads.Count() == 1 || _count * VertexCount() < WorthThreads)
-    return WriteRange(0, _instances.count, p_target, pastCaches);
+    return WriteRange(0, _instances.count, p_target, IsWorthStreaming(bytes, 1));
+  const bool pastCaches = IsWorthStreaming(bytes, p_threads.Count());
   Utility::RunBlocks(p_threads, _writtenBefore.size(), [&](std::size_t p_block) {
     const std::size_t first = p_block * BlockSize, vertices = _writtenBefore[p_block] * VertexCount();
     const auto from = [](auto* p_array, std::size_t p_scalars) {
