@@ -18,7 +18,7 @@ public:
   HeightChart(const std::shared_ptr<const Document>& p_document, const Io::HeightGrid& p_grid)
       : Chart(QString::fromStdString(p_document->Name()))
       , _document(p_document)
-      , _grid(p_grid)
+      , _grid(p_grid.period > 0 ? p_grid.Closed(p_grid.period) : p_grid)
       , _isMap(AngleOf(p_grid.xName, p_grid.xUnit) == 'x' && AngleOf(p_grid.yName, p_grid.yUnit) == 'y') {
     figure->SetMap(_isMap);
     QStringList parts{QString("%L1 × %L2 values").arg(p_grid.x.size()).arg(p_grid.y.size()),
@@ -64,7 +64,7 @@ private:
   }
 
   std::shared_ptr<const Document> _document;
-  const Io::HeightGrid& _grid; ///< of the document
+  const Io::HeightGrid _grid; ///< without a gap where longitudes start again
   const bool _isMap;
   Scene::SurfacePlot* _surface = nullptr;
 };

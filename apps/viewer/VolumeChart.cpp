@@ -106,6 +106,10 @@ private:
     const bool isMap = AngleOf(_volume.axisNames[0], _volume.axisUnits[0]) == 'x' &&
                        AngleOf(_volume.axisNames[1], _volume.axisUnits[1]) == 'y';
     figure->SetMap(isMap);
+    const auto extent = _grid.Bounds().Max() - _grid.Bounds().Min();
+    constexpr double Height = 0.4; // of the map's width: degrees and metres have no common scale
+    if (isMap && _grid.Size()[2] > 1)
+      figure->SetAspect(1, 1, Height * extent.x / extent.z);
     isMap ? figure->SetAxisTitles({}, {}, title(2)) : figure->SetAxisTitles(title(0), title(1), title(2));
   }
 
