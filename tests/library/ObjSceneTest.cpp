@@ -74,9 +74,16 @@ TEST(ObjScene, TakesTheDialectsOfFiles) {
 TEST(ObjScene, GivesNormals) {
   const std::string roof =
       "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nv 0 0 1\nv 0 1 1\n"; // two squares with an edge at x = 0
+  const std::string four = "vn 1 0 0\nvn 0 1 0\nvn 0 0 1\nvn 0 -1 0\n";
   const std::array<std::string, 3> rows[] = {
       {"of the file", Square + "vn 0 0 1\nvn 1 0 0\nf 1//1 2//1 3//2\nf 1//1 3//1 4//-1\n",
        SquareV + " 1 1 0 n 0 0 1 0 0 1 1 0 0 1 0 0 0 0 1 /:f 0 1 2 0 4 3"},
+      {"of the vertices, one of which is not used", Square + four + "f 1//1 2//2 3//3\n",
+       SquareV + " n 1 0 0 0 1 0 0 0 1 0 0 1 /:f 0 1 2"},
+      {"in another order", Square + four + "f 1//4 2//3 3//2\nf 1//4 3//2 4//1\n",
+       SquareV + " n 0 -1 0 0 0 1 0 1 0 1 0 0 /:f 0 1 2 0 2 3"},
+      {"of the vertices, and a copy", Square + four + "f 1//1 2//2 3//3\nf 1//2 3//3 4//4\n",
+       SquareV + " 0 0 0 n 1 0 0 0 1 0 0 0 1 0 -1 0 0 1 0 /:f 0 1 2 4 2 3"},
       {"some", Square + "vn 1 0 0\nf 1//1 2 3\n", SquareV + " n 1 0 0 0 0 1 0 0 1 0 0 1 /:f 0 1 2"},
       {"smooth", roof + "f 1 2 3 4\nf 1 4 6 5\n",
        "v 0 0 0 1 0 0 1 1 0 0 1 0 0 0 1 0 1 1 n 0.707 0 0.707 0 0 1 0 0 1 0.707 0 0.707 1 0 0 1 0 0"

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace Vek::Chart::Library::Private {
@@ -17,6 +18,8 @@ namespace {
 constexpr std::uint32_t MostElements = std::uint32_t(1) << 30;
 constexpr std::uint32_t FaceNormals = MostElements;
 constexpr std::uint32_t SmoothNormalsOf = std::uint32_t(1) << 31;
+
+constexpr float Unused[] = {0, 0, 1}; // the normal of a vertex that no corner uses
 
 bool IsSmooth(std::uint32_t p_normal) {
   return p_normal >= SmoothNormalsOf && p_normal != CornerVertices::None;
@@ -69,7 +72,9 @@ void ObjSceneReader::ReadBlock(const char* p_first, const char* p_last, std::uin
 
 void ObjSceneReader::ReserveNext(const Sizes& p_before, double p_blocksLeft) {
   const Sizes sizes = ArraySizes();
-  ReserveFor(_scene.indices, sizes[0] - p_before[0], p_blocksLeft);
+  const std::size_t gained = sizes[0] - p_before[0];
+  if (std::exchange(_gainedIndices, gained) != 0) // the first block with faces has others above them
+    ReserveFor(_scene.indices, gained, p_blocksLeft);
   DoubleFor(_scene.positions, sizes[1] - p_before[1]);
   DoubleFor(_normals, sizes[2] - p_before[2]);
   DoubleFor(_texCoords, sizes[3] - p_before[3]);
@@ -284,12 +289,27 @@ void ObjSceneReader::FinishIndices() {
   _texCoords = {};
 }
 
+/// Whether the normals of the file are those of the vertices: each vertex that is used takes the one of its own number.
+bool ObjSceneReader::IsNormalOfEachVertex() const {
+  const std::size_t positions = _vertices.Positions();
+  bool is = _vertices.Copies().empty() && _normals.size() == 3 * positions;
+  for (std::size_t i = 0; is && i < positions; ++i)
+    is = _vertices[i].normal == i || _vertices[i].normal == CornerVertices::None;
+  return is;
+}
+
 void ObjSceneReader::FinishNormals(Utility::Threads p_threads) {
   const std::vector<CornerVertices::Copy>& copies = _vertices.Copies();
   const std::size_t positions = _vertices.Positions();
+  if (IsNormalOfEachVertex()) {
+    for (std::size_t i = 0; i < positions; ++i)
+      if (_vertices[i].normal == CornerVertices::None)
+        std::copy(std::begin(Unused), std::end(Unused), &_normals[3 * i]);
+    _scene.normals = std::move(_normals);
+    return;
+  }
   const std::vector<float> smooth = _hasSmooth ? SmoothNormals(p_threads) : std::vector<float>();
   ReserveLarge(_scene.normals, 3 * (positions + copies.size()));
-  constexpr float Unused[] = {0, 0, 1};
   const auto append = [&](std::uint32_t p_normal) {
     const float* from = Unused;
     if (IsSmooth(p_normal))

@@ -106,6 +106,7 @@ private:
   void CheckSize() const;
 
   void FinishIndices();
+  bool IsNormalOfEachVertex() const;
   void FinishNormals(Utility::Threads p_threads);
   std::vector<float> SmoothNormals(Utility::Threads p_threads) const;
   void FinishColors();
@@ -125,6 +126,7 @@ private:
   bool _hasTriangles = false;
   bool _hasSmooth = false; // corners whose normals are to be made
 
+  std::size_t _gainedIndices = 0; // by the last block
   double _numbers[8];
   int _numberCount = 0;
   std::vector<ObjCorner> _corners; // of the current statement, as are the next three
