@@ -6,10 +6,22 @@
 
 #include <boost/array.hpp>
 
+#if defined(VEK_BENCH_VTK)
+#include <vtkActor.h>
+#include <vtkAutoInit.h>
+#include <vtkHardwareSelector.h>
+#include <vtkNew.h>
+#include <vtkPlaneSource.h>
+#include <vtkPolyDataMapper.h>
+#include <vtkRenderWindow.h>
+#include <vtkRenderer.h>
+#endif
+
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
 #include <random>
 #include <vector>
 
@@ -18,6 +30,12 @@
 // target first and the host's frame buffer after, by bare calls, which no pick can do without; `pick/calls` over all
 // the GL calls that a pick makes, bare: state is saved and restored, too. `renders` counts the drawings of the scene
 // for all the picks.
+//
+// Beside picks of a kept snapshot stand, where VTK is installed, those of the buffers that its hardware selector keeps.
+
+#if defined(VEK_BENCH_VTK)
+VTK_MODULE_INIT(vtkRenderingOpenGL2)
+#endif
 
 using namespace Vek::Chart;
 using Library::DepthCodec;
@@ -134,6 +152,14 @@ void Picks(benchmark::State& p_state) {
 }
 BENCHMARK(Picks)->UseManualTime()->Iterations(4000);
 
+std::vector<Types::Pos> RandomPositions() {
+  std::mt19937 random(1);
+  std::vector<Types::Pos> positions(1 << 16);
+  for (Types::Pos& position : positions)
+    position = {static_cast<int>(random() % unsigned(Size.width)), static_cast<int>(random() % unsigned(Size.height))};
+  return positions;
+}
+
 /// Picks at random pixels of an unchanged scene by the public call: the snapshot of the scene, and a depth of it.
 void SnapshotPicks(benchmark::State& p_state) {
   Ogl::OffscreenContext context(Size);
@@ -141,10 +167,7 @@ void SnapshotPicks(benchmark::State& p_state) {
   Library::TopMostFragmentDepthBuffer picker;
   const Core::TimeStamp stamp;
   const Types::Viewport<0> viewport(0, 0, Size.width, Size.height);
-  std::mt19937 random(1);
-  std::vector<Types::Pos> positions(1 << 16);
-  for (Types::Pos& position : positions)
-    position = {static_cast<int>(random() % unsigned(Size.width)), static_cast<int>(random() % unsigned(Size.height))};
+  const std::vector<Types::Pos> positions = RandomPositions();
   int renders = 0;
   std::int64_t hits = 0;
   for (auto _ : p_state)
@@ -161,6 +184,46 @@ void SnapshotPicks(benchmark::State& p_state) {
   p_state.SetItemsProcessed(picks);
 }
 BENCHMARK(SnapshotPicks);
+
+#if defined(VEK_BENCH_VTK)
+/// The same pixels of the buffers that a hardware selector has captured of a plane that fills the window.
+void SnapshotPicksByVtk(benchmark::State& p_state) {
+  if (std::getenv("DISPLAY") == nullptr)
+    return p_state.SkipWithError("VTK needs an X server: run with tests/support/with-display");
+  const vtkNew<vtkPlaneSource> plane;
+  const vtkNew<vtkPolyDataMapper> mapper;
+  mapper->SetInputConnection(plane->GetOutputPort());
+  const vtkNew<vtkActor> actor;
+  actor->SetMapper(mapper);
+  actor->SetScale(100);
+  const vtkNew<vtkRenderer> renderer;
+  renderer->AddActor(actor);
+  const vtkNew<vtkRenderWindow> window;
+  window->SetOffScreenRendering(1);
+  window->SetMultiSamples(0);
+  window->SetSize(Size.width, Size.height);
+  window->AddRenderer(renderer);
+  renderer->ResetCamera(-1, 1, -1, 1, 0, 0);
+  window->Render();
+  const vtkNew<vtkHardwareSelector> selector;
+  selector->SetRenderer(renderer);
+  selector->SetArea(0, 0, unsigned(Size.width) - 1, unsigned(Size.height) - 1);
+  selector->SetFieldAssociation(vtkDataObject::FIELD_ASSOCIATION_CELLS);
+  selector->CaptureBuffers();
+  const std::vector<Types::Pos> positions = RandomPositions();
+  std::int64_t hits = 0;
+  for (auto _ : p_state)
+    for (const Types::Pos& position : positions) {
+      unsigned int pixel[] = {static_cast<unsigned int>(position.x), static_cast<unsigned int>(position.y)};
+      hits += selector->GetPixelInformation(pixel).Valid ? 1 : 0;
+    }
+  const auto picks = static_cast<std::int64_t>(p_state.iterations()) * static_cast<std::int64_t>(positions.size());
+  if (hits != picks)
+    p_state.SkipWithError("a pick missed");
+  p_state.SetItemsProcessed(picks);
+}
+BENCHMARK(SnapshotPicksByVtk);
+#endif
 
 /// The first snapshot of a scene: drawn, and read as a whole.
 void NewSnapshot(benchmark::State& p_state) {
