@@ -2,7 +2,7 @@
 // `of_full` is the CPU time of a frame of whole meshes over that of one with levels; it is asked to be 5 at least for
 // 10^5 arrows and 10 for 10^6. `different` is the share of pixels that differ by more than 32 of 255 in a channel
 // (asked: 0.01 at most for 10^4 arrows), `mean` the mean difference of a channel at a quarter of the size (asked: 4 at
-// most for 10^6). `select_ns` is the CPU time of an instance in a frame that shows none of them; it is asked to be 10.
+// most for 10^6).
 // GLYPH_IMAGES=FOLDER in the environment keeps the images.
 
 #include "library/ColorMap.h"
@@ -13,6 +13,7 @@
 #include "scene/DirectionalLight.h"
 #include "scene/InstancedMesh.h"
 
+#include "LiveMemory.h"
 #ifdef VEK_BENCH_VTK
 #include "VtkGlyphs.h"
 #endif
@@ -173,36 +174,67 @@ void Glyphs(benchmark::State& p_state, Kind p_kind) {
     leastMoved = std::min(leastMoved, target.Draw(levels, shift += 1e-3));
     p_state.SetIterationTime(seconds);
   }
-  const InstancedMesh none;
-  double leastCulled = leastMoved, leastEmpty = leastMoved;
-  for (int i = 0; i < 5; ++i) {
-    leastCulled = std::min(leastCulled, target.Draw(levels, 4 * Width + i));
-    leastEmpty = std::min(leastEmpty, target.Draw(none));
-  }
   p_state.counters["full_ms"] = 1e3 * leastFull;
   p_state.counters["of_full"] = leastFull / leastMoved;
   p_state.counters["different"] = ShareOfDifferent(fullImage, levelsImage);
   p_state.counters["mean"] = MeanOfQuarter(fullImage, levelsImage);
-  p_state.counters["select_ns"] = 1e9 * std::max(0.0, leastCulled - leastEmpty) / static_cast<double>(count);
 }
-/// Frames alone, each from another place: the CPU time, and that of choosing levels.
+/// Host memory at its peak, in bytes an instance beside the caller's arrays; asked to be 64 at most.
+void Memory(benchmark::State& p_state) {
+  constexpr std::size_t Count = 1000000;
+  Target target(0);
+  const Field field(Arrows, Count);
+  const std::vector<double> values(field.positions.size(), 1);
+  InstancedMesh mesh;
+  target.Draw(field.Mesh(InstancedMesh::Arrows(), Arrows)); // compiles
+  const auto bytes = [&](const auto& p_call) {
+    return Vek::Bench::LiveMemory::PeakOf(p_call) / static_cast<double>(field.positions.size());
+  };
+  for (auto _ : p_state) {
+    const std::size_t before = Vek::Bench::LiveMemory::present;
+    p_state.counters["made"] = bytes([&] { mesh = field.Mesh(InstancedMesh::Arrows(), Arrows); });
+    const auto since = [&](const auto& p_call) {
+      const double kept =
+          static_cast<double>(Vek::Bench::LiveMemory::present - before) / static_cast<double>(field.positions.size());
+      return kept + bytes(p_call);
+    };
+    p_state.counters["drawn"] = since([&] { target.Draw(mesh); });
+    p_state.counters["values"] = since([&] {
+      mesh.UpdateValues(values);
+      target.Draw(mesh);
+    });
+    p_state.counters["directions"] = since([&] {
+      mesh.UpdateDirections(field.directions);
+      target.Draw(mesh);
+    });
+    p_state.counters["positions"] = since([&] {
+      mesh.UpdatePositions(field.positions);
+      target.Draw(mesh);
+    });
+  }
+}
+BENCHMARK(Memory)->Iterations(1);
+
+/// Frames alone, each from another place: the least CPU time. `same_ms` is that of the same view once more. `select_ns`
+/// is the CPU time for an instance in a frame that shows none of them; it is asked to be 10 at most.
 void Frames(benchmark::State& p_state, Kind p_kind) {
   Target target(static_cast<int>(p_state.range(1)));
   const Field field(p_kind, static_cast<std::size_t>(p_state.range(0)));
   const InstancedMesh mesh = field.Mesh(p_kind == Arrows ? InstancedMesh::Arrows() : InstancedMesh::Spheres(), p_kind);
   target.Draw(mesh);
   const InstancedMesh none;
-  double least = std::numeric_limits<double>::infinity(), leastSame = least, empty = least, shift = 0;
+  double least = std::numeric_limits<double>::infinity(), leastSame = least, culled = least, empty = least, shift = 0;
   for (auto _ : p_state) {
     const double seconds = target.Draw(mesh, shift += 1e-3);
     p_state.SetIterationTime(seconds);
     least = std::min(least, seconds);
     leastSame = std::min(leastSame, target.Draw(mesh, shift));
     empty = std::min(empty, target.Draw(none));
+    culled = std::min(culled, target.Draw(mesh, 4 * Width + shift));
   }
   p_state.counters["least_ms"] = 1e3 * least;
   p_state.counters["same_ms"] = 1e3 * leastSame;
-  p_state.counters["empty_ms"] = 1e3 * empty;
+  p_state.counters["select_ns"] = 1e9 * std::max(0.0, culled - empty) / static_cast<double>(field.positions.size());
 }
 BENCHMARK_CAPTURE(Frames, Arrows, Arrows)
     ->ArgsProduct({{10000, 100000, 1000000}, {0, 4}})

@@ -29,6 +29,13 @@ Array1 Array1::Constant(double p_number, std::size_t p_count) {
   return {number.get(), p_count, 0, NumberType::Double, number};
 }
 
+Array1 Array1::Part(std::size_t p_first, std::size_t p_count) const {
+  if (p_first >= _count)
+    return {};
+  const char* const first = static_cast<const char*>(_data) + static_cast<std::ptrdiff_t>(p_first) * _stride;
+  return {first, std::min(p_count, _count - p_first), _stride, _type, _owner};
+}
+
 Array3::Array3(const Array1& p_x, const Array1& p_y, const Array1& p_z)
     : _x(p_x)
     , _y(p_y)

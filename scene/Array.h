@@ -57,6 +57,8 @@ public:
   /// The same number, `p_count` times.
   static Array1 Constant(double p_number, std::size_t p_count);
 
+  /// The numbers from `p_first` on, `p_count` of them or as many as there are.
+  Array1 Part(std::size_t p_first, std::size_t p_count) const;
   /// The number of numbers.
   std::size_t Count() const { return _count; }
   /// The address of the first number; null if there is none.
@@ -119,6 +121,10 @@ public:
   Array3(const Array1& p_x, const Array1& p_y, double p_z)
       : Array3(p_x, p_y, Array1::Constant(p_z, p_x.Count())) {}
 
+  /// The points from `p_first` on, `p_count` of them or as many as there are.
+  Array3 Part(std::size_t p_first, std::size_t p_count) const {
+    return {_x.Part(p_first, p_count), _y.Part(p_first, p_count), _z.Part(p_first, p_count)};
+  }
   /// The number of points.
   std::size_t Count() const { return _x.Count(); }
   ///@{

@@ -26,15 +26,25 @@ Point UnitOrZero(const Point& p_direction) {
   return IsFinite(p_direction) && largest > 0 ? Normalize(p_direction / largest) : Point();
 }
 
+/// Calls with the points in parts, so that copies of a part are all the memory that it takes.
+template <class Call>
+void ForParts(const Array3& p_points, const Call& p_call) {
+  constexpr std::size_t Part = 8192;
+  for (std::size_t first = 0; first < p_points.Count(); first += Part)
+    p_call(p_points.Part(first, Part));
+}
+
 } // namespace
 
 std::vector<Record> StoredPositions(const Array3& p_positions, const Point& p_origin) {
   std::vector<Record> records;
   records.reserve(p_positions.Count());
-  for (const auto& point : FloatPoints(p_positions, p_origin)) {
-    const bool isFinite = std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-    records.push_back(isFinite ? Record{point.x, point.y, point.z} : Record{MissingValue, 0, 0});
-  }
+  ForParts(p_positions, [&](const Array3& p_part) {
+    for (const auto& point : FloatPoints(p_part, p_origin)) {
+      const bool isFinite = std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+      records.push_back(isFinite ? Record{point.x, point.y, point.z} : Record{MissingValue, 0, 0});
+    }
+  });
   return records;
 }
 
@@ -54,11 +64,13 @@ std::vector<float> StoredValues(const Array1& p_values) {
 std::vector<float> StoredDirections(const Array3& p_directions) {
   std::vector<float> stored;
   stored.reserve(DirectionFloats * p_directions.Count());
-  for (const Point& direction : Points(p_directions)) {
-    const Point unit = UnitOrZero(direction);
-    for (const double number : {unit.x, unit.y, unit.z})
-      stored.push_back(static_cast<float>(number));
-  }
+  ForParts(p_directions, [&](const Array3& p_part) {
+    for (const Point& direction : Points(p_part)) {
+      const Point unit = UnitOrZero(direction);
+      for (const double number : {unit.x, unit.y, unit.z})
+        stored.push_back(static_cast<float>(number));
+    }
+  });
   return stored;
 }
 
