@@ -83,9 +83,11 @@ private:
   struct Rules;
   void Choose(double p_coarseness, std::size_t p_step);
   double Cost() const;
+  void FindDirected(const Input& p_input);
 
   Input _input;
   std::size_t _step = 1;
+  std::vector<std::uint8_t> _isDirected; ///< 0 for axes that are zero; empty without axes
   std::vector<std::uint8_t> _levelOf;
   std::vector<std::array<std::uint32_t, MostLevels>> _firstOf; ///< of each block and level, in the order
   std::vector<Range> _ranges;

@@ -194,6 +194,14 @@ TEST(Array, NumbersNeedNotBeAligned) {
   EXPECT_EQ(Flat(Array3(first, 2)), numbers);
 }
 
+TEST(Array, PartsEndWithTheArray) {
+  const std::vector<Point> points{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
+  EXPECT_EQ(Flat(Array3(points).Part(1, 1)), (Doubles{4, 5, 6}));
+  EXPECT_EQ(Flat(Array3(points).Part(1, 9)), (Doubles{4, 5, 6, 7, 8, 9}));
+  EXPECT_EQ(Array3(points).Part(3, 1).Count(), 0U);
+  EXPECT_EQ(Values(Array1::Constant(5, 3).Part(2, 7)), Doubles{5});
+}
+
 TEST(Array, SubtractsTheOriginInDouble) {
   const std::vector<Point> points{{4e6 + 0.125, -5e6 - 0.25, 1e9}, {4e6 + 0.25, -5e6, 1e9 + 0.5}};
   const std::vector<Types::Vector3_Base<float>> near = FloatPoints(points, {4e6, -5e6, 1e9});
