@@ -22,14 +22,18 @@ foreach(target IN LISTS libraries widgets)
 endforeach()
 install(TARGETS ${libraries} EXPORT VekChartLibraryTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
-foreach(program vek-gallery vek-viewer)
+foreach(program vek-gallery vek-viewer vek-parallel)
   if(TARGET ${program})
+    set(component programs)
+    if(program STREQUAL vek-parallel)
+      set(component parallel)
+    endif()
     set_target_properties(${program} PROPERTIES INSTALL_RPATH $ORIGIN/${lib_from_bin})
-    install(TARGETS ${program} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+    install(TARGETS ${program} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component})
     set(page ${CMAKE_CURRENT_BINARY_DIR}/${program}.1)
     configure_file(docs/man/${program}.1 ${page} COPYONLY)
     execute_process(COMMAND gzip -9nkf ${page} COMMAND_ERROR_IS_FATAL ANY)
-    install(FILES ${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)
+    install(FILES ${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
   endif()
 endforeach()
 
@@ -80,6 +84,24 @@ if(TARGET vek-chart-widgets)
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT widgets NAMELINK_COMPONENT development)
   install(DIRECTORY widgets DESTINATION ${header_dir} COMPONENT development FILES_MATCHING PATTERN "*.h")
   install(EXPORT VekChartWidgetsTargets NAMESPACE Vek:: DESTINATION ${package_dir} COMPONENT development)
+endif()
+
+# The library for several processes has a component of its own with its program, since it needs MPI and IceT, and targets
+# in a file of its own.
+if(TARGET vek-chart-parallel)
+  set_target_properties(vek-chart-parallel PROPERTIES INSTALL_RPATH $ORIGIN)
+  target_include_directories(vek-chart-parallel INTERFACE $<INSTALL_INTERFACE:${header_dir}>)
+  install(TARGETS vek-chart-parallel EXPORT VekChartParallelTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT parallel NAMELINK_COMPONENT development)
+  install(DIRECTORY parallel DESTINATION ${header_dir} COMPONENT development
+    FILES_MATCHING PATTERN "*.h" PATTERN private EXCLUDE)
+  install(EXPORT VekChartParallelTargets NAMESPACE Vek:: DESTINATION ${package_dir} COMPONENT development)
+  list(TRANSFORM MPI_CXX_INCLUDE_DIRS PREPEND -I OUTPUT_VARIABLE parallel_cflags)
+  list(JOIN parallel_cflags " " parallel_cflags)
+  string(APPEND parallel_cflags " -DOMPI_SKIP_MPICXX")
+  list(JOIN MPI_CXX_LIBRARIES " " parallel_libs)
+  configure_file(cmake/vek-chart-parallel.pc.in ${CMAKE_CURRENT_BINARY_DIR}/vek-chart-parallel.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek-chart-parallel.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
 endif()
 
 # The test support is a component of its own, with targets in a file of its own: VekChartLibraryConfig.cmake reads it where

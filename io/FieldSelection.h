@@ -1,8 +1,10 @@
 #pragma once
 
 #include "io/Export.h"
+#include "io/GridRegion.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +18,9 @@ struct VEK_IO_API FieldSelection {
   std::vector<std::string> variables;
   std::size_t time = 0;  ///< the step of time, from 0
   std::size_t level = 0; ///< the level of heights, from 0; vector fields have all levels
+  /// The part of a vector field in a NetCDF file that is read, alone (of NetCDF-4, the file is read as a whole). Other
+  /// files are refused.
+  std::optional<GridRegion> region{};
 };
 
 } // namespace Vek::Chart::Io

@@ -33,6 +33,8 @@ HeightGrid LayerOf(Private::RectilinearGrid&& p_grid) {
 
 HeightGrid ReadNetCdf(std::istream& p_stream, const std::string& p_name, const FieldSelection& p_selection,
                       const Progress& p_progress) {
+  if (p_selection.region)
+    throw FileError(p_name, "expected no region of heights");
   const auto file = Private::OpenNetCdf(p_stream, p_name);
   std::vector<std::string> names = p_selection.variables;
   if (const auto all = Private::GridVariables(*file); names.empty() && !all.empty())

@@ -46,12 +46,14 @@ VectorField ReadNetCdf(std::istream& p_stream, const std::string& p_name, const 
   const auto file = Private::OpenNetCdf(p_stream, p_name);
   const std::vector<std::string> names =
       p_selection.variables.empty() ? Private::FindComponents(*file) : p_selection.variables;
-  Private::NetCdfGrid grid = ReadGrid(*file, names, p_selection.time, Private::AllLevels, p_progress);
+  Private::NetCdfGrid grid =
+      ReadGrid(*file, names, p_selection.time, Private::AllLevels, p_progress, p_selection.region);
   VectorField field = FieldOf(std::move(grid));
   std::copy(names.begin(), names.end(), field.names.begin());
   field.unit = file->Find(names[0])->Text("units");
   field.variables = Private::NamesOfGrids(*file);
   field.times = std::move(grid.times);
+  field.wholeAxes = std::move(grid.wholeAxes);
   field.time = p_selection.time;
   return field;
 }
@@ -172,6 +174,8 @@ VectorField ReadVectorField(std::istream& p_stream, const std::string& p_name, c
   Private::Restarted input(p_stream, p_name, StartSize);
   if (Private::IsClassicNetCdf(input.Start()) || Private::IsHdf5(input.Start()))
     return ReadNetCdf(input.Stream(), p_name, p_selection, p_progress);
+  if (p_selection.region)
+    throw FileError(p_name, "expected a NetCDF file to read a region of, got another format");
   if (p_selection.time != 0)
     throw FileError(p_name, "expected a step of time below 1, got " + std::to_string(p_selection.time));
   const Table table = ReadTable(input.Stream(), p_name, p_progress);

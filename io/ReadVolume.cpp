@@ -165,6 +165,8 @@ Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const Volum
       if (Private::IsClassicNetCdf(input.Start()) || Private::IsHdf5(input.Start()))
         return Private::ReadNetCdfVolume(input.Stream(), p_name, p_options);
     }
+    if (p_options.region)
+      throw FileError(p_name, "expected a NetCDF file to read a region of, got another format");
     return Read(p_stream, p_name, p_options, p_threads);
   } catch (const std::bad_alloc&) {
     throw FileError(p_name, "its values do not fit into memory");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "io/Export.h"
+#include "io/GridRegion.h"
 #include "io/Progress.h"
 #include "io/SampleFile.h"
 #include "io/Volume.h"
@@ -35,6 +36,9 @@ struct VolumeOptions {
   std::size_t step = 0;
   /// The variable of a NetCDF file; empty for the first one with several levels, otherwise the first one on a grid.
   std::string variable;
+  /// The part of a volume in a NetCDF file that is read, alone (of NetCDF-4, the file is read as a whole). Other files
+  /// are refused.
+  std::optional<GridRegion> region{};
   /// The number that means "no data".
   std::optional<double> noData;
   /// Called during the reading.

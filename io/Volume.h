@@ -52,6 +52,8 @@ struct VEK_IO_API Volume {
   Vector origin{0, 0, 0}; ///< the centre of voxel (0, 0, 0)
   /// For each axis, the direction in which its index grows: unit vectors, not necessarily perpendicular.
   std::array<Vector, 3> orientation{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+  /// The positions along the axes of the whole grid, where this is a region of it; otherwise empty.
+  std::array<std::vector<double>, 3> wholeAxes;
   std::array<std::string, 3> axisNames; ///< such as "lon", "lat", "depth"; empty where not known
   std::array<std::string, 3> axisUnits; ///< such as "degrees_east"; empty where not known or the same as `lengthUnit`
   std::string lengthUnit;               ///< of spacing and origin: "mm", for example; empty where not known

@@ -231,6 +231,18 @@ Figure& Figure::SetMap(bool p_isMap) {
   return *this;
 }
 
+Figure& Figure::SetExtent(const Types::BoundingBox_Base<double>& p_box) {
+  if (!p_box.Empty() && !(Private::IsFinite(p_box.Min()) && Private::IsFinite(p_box.Max())))
+    throw std::invalid_argument("SetExtent: expected a finite box, got another one");
+  _state->extent = p_box;
+  return *this;
+}
+
+Figure& Figure::SetNotes(const std::vector<QString>& p_notes) {
+  _state->notes = p_notes;
+  return *this;
+}
+
 Figure& Figure::SetAspect(double p_x, double p_y, double p_z) {
   for (const double factor : {p_x, p_y, p_z})
     if (!(std::isfinite(factor) && factor > 0))
@@ -312,23 +324,51 @@ void DrawSigns(Canvas& p_canvas, const QStringList& p_lines, const Canvas::Rect&
 } // namespace
 
 void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
-  if (!VEK_ENSURE(p_viewport.width > 0 && p_viewport.height > 0, "void Vek::Chart::Scene::Figure::Draw(...)") ||
-      !Private::HasFixedFunctions(p_gl))
+  if (!CanDraw(p_gl, p_viewport))
     return;
   const double ratio = p_pixelRatio > 0 ? p_pixelRatio : 1;
   const FigureLayout layout = Layout(p_viewport, ratio);
-  DrawBackground(p_gl, p_viewport, theme);
-  {
-    Canvas canvas(p_gl, p_viewport, _state->text, ratio);
-    Axes::Draw(canvas, layout.axes, theme);
-  }
+  DrawAxes(p_gl, p_viewport, layout, ratio);
   _state->DrawPlots(p_gl, {layout.camera, p_viewport, ratio, theme.title, theme.line});
-  Canvas canvas(p_gl, p_viewport, _state->text, ratio);
-  for (const FigureLayout::Block& block : layout.blocks)
+  DrawLegends(p_gl, p_viewport, layout, ratio);
+}
+
+void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const FigureLayout& p_layout,
+                  Layer p_layer, double p_pixelRatio) {
+  if (!CanDraw(p_gl, p_viewport))
+    return;
+  const double ratio = p_pixelRatio > 0 ? p_pixelRatio : 1;
+  switch (p_layer) {
+  case Layer::Background:
+    return DrawAxes(p_gl, p_viewport, p_layout, ratio);
+  case Layer::Legends:
+    return DrawLegends(p_gl, p_viewport, p_layout, ratio);
+  case Layer::Opaque:
+  case Layer::Transparent:
+    return _state->DrawPlots(p_gl, {p_layout.camera, p_viewport, ratio, theme.title, theme.line}, p_layer);
+  }
+}
+
+bool Figure::CanDraw(const Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport) {
+  return VEK_ENSURE(p_viewport.width > 0 && p_viewport.height > 0, "void Vek::Chart::Scene::Figure::Draw(...)") &&
+         Private::HasFixedFunctions(p_gl);
+}
+
+void Figure::DrawAxes(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const FigureLayout& p_layout,
+                      double p_pixelRatio) {
+  DrawBackground(p_gl, p_viewport, theme);
+  Canvas canvas(p_gl, p_viewport, _state->text, p_pixelRatio);
+  Axes::Draw(canvas, p_layout.axes, theme);
+}
+
+void Figure::DrawLegends(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const FigureLayout& p_layout,
+                         double p_pixelRatio) {
+  Canvas canvas(p_gl, p_viewport, _state->text, p_pixelRatio);
+  for (const FigureLayout::Block& block : p_layout.blocks)
     block.content.Draw(canvas, block.origin);
-  _state->DrawTriad(canvas, layout, theme);
+  _state->DrawTriad(canvas, p_layout, theme);
   if (_state->isMoving)
-    DrawSigns(canvas, _state->Shortages(p_gl), layout.scene, theme);
+    DrawSigns(canvas, _state->Shortages(p_gl), p_layout.scene, theme);
 }
 
 std::optional<Figure::Hit> Figure::Pick(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,
@@ -349,6 +389,10 @@ QImage Figure::Image(Types::Size p_size, int p_samples, double p_pixelRatio) {
 
 bool Figure::HasTransparent() const {
   return _state->HasTransparent();
+}
+
+bool Figure::HasVolume() const {
+  return !_state->Having([](const Private::PlotContent& p_plot) { return p_plot.IsBlended(); }).empty();
 }
 
 std::optional<Figure::Hit> Figure::Pick(const Types::Pos& p_pixel, Types::Size p_size) {

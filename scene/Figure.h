@@ -167,6 +167,12 @@ public:
   /// \snippet SceneMapSnippets.cpp Map
   /// \image html parts/Map.png
   Figure& SetMap(bool p_isMap = true);
+  /// Makes the axes for a box in data units, as if it were the one around all data with their whole glyphs: for figures
+  /// that have a share of the data each and the same axes. A box that is flat along z makes the figure flat. An empty
+  /// box stands for the own data again, as at first. Throws std::invalid_argument for a box that is not finite.
+  Figure& SetExtent(const Types::BoundingBox_Base<double>& p_box);
+  /// Replaces what the figure notes about its data, for a figure with a share of them.
+  Figure& SetNotes(const std::vector<QString>& p_notes);
   /// Lengths of units along the axes relative to each other, above 0; {1, 1, 1} for equal units whatever the spans.
   Figure& SetAspect(double p_x, double p_y, double p_z);
   /// The direction of the own camera, in degrees (see Camera), and a projection; it stays fitted to the data.
@@ -210,11 +216,30 @@ public:
   /// \param p_viewport in pixels of the frame buffer
   /// \param p_pixelRatio pixels of a point, in which letters and lines are measured: the device pixel ratio
   void Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);
-  /// Draws into a new image with `p_samples` samples a pixel and `p_pixelRatio` pixels a point. With half-transparent plots, it is
-  /// drawn at twice the size with a quarter of the samples, and averaged, where no side is longer than 4096 pixels.
-  /// Needs no display, no context and no application object: where there is none, a QGuiApplication of the platform
-  /// "offscreen" lives during the call, so that a QApplication can be made afterwards. Main thread, where there is no
-  /// application object.
+  /// A part of what `Draw` draws. All of them in this order, with one layout, make the same image.
+  enum class Layer {
+    Background,  ///< the background, which clears what was there, and the axes
+    Opaque,      ///< opaque plots, which write depths, and the outlines of cuts
+    Transparent, ///< volumes and half-transparent plots, blended with what is there
+    Legends,     ///< titles, colour bars, keys, notes and the triad
+  };
+  /// Draws one layer, for images that are composited of the drawings of several figures: each with its share of the
+  /// data (see SetExtent), and the axes and legends of one of them. The depths of opaque plots are compared with those
+  /// that the frame buffer has, and clearing these is up to the caller. Errors: as `Draw`.
+  ///
+  /// \param p_layout of this viewport and ratio; another camera may be set in it
+  void Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const FigureLayout& p_layout,
+            Layer p_layer, double p_pixelRatio = 1);
+  /// Whether a visible plot is half-transparent. Volumes do not count.
+  bool HasTransparent() const;
+  /// Whether a visible plot is a volume that is looked through.
+  bool HasVolume() const;
+
+  /// Draws into a new image with `p_samples` samples a pixel and `p_pixelRatio` pixels a point. With half-transparent
+  /// plots, it is drawn at twice the size with a quarter of the samples, and averaged, where no side is longer than
+  /// 4096 pixels. Needs no display, no context and no application object: where there is none, a QGuiApplication of the
+  /// platform "offscreen" lives during the call, so that a QApplication can be made afterwards. Main thread, where
+  /// there is no application object.
   ///
   /// Throws std::invalid_argument for a size that is not positive, std::runtime_error where no context can be made.
   QImage Image(Types::Size p_size = {1200, 800}, int p_samples = 4, double p_pixelRatio = 1);
@@ -284,8 +309,11 @@ public:
 
 private:
   friend class FigureGrid;
-  /// Whether a visible plot is half-transparent.
-  bool HasTransparent() const;
+  static bool CanDraw(const Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport);
+  void DrawAxes(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const FigureLayout& p_layout,
+                double p_pixelRatio);
+  void DrawLegends(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const FigureLayout& p_layout,
+                   double p_pixelRatio);
   MeshPlot& IndexedMesh(const Array3& p_positions, std::vector<std::uint32_t> p_indices);
 
   struct State;

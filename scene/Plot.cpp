@@ -5,6 +5,7 @@
 #include "library/ColorMap.h"
 #include "library/NamedColors.h"
 
+#include <cmath>
 #include <stdexcept>
 #include <utility>
 
@@ -77,6 +78,13 @@ void Plot::ChangeColors(std::vector<QColor> p_colors) {
 
 void Plot::ChangeColorRange(double p_low, double p_high) {
   Content().coloring.SetRange(p_low, p_high);
+}
+
+void Plot::ChangeColorExtremes(double p_least, double p_largest) {
+  if (!(std::isfinite(p_least) && std::isfinite(p_largest) && p_least <= p_largest))
+    throw std::invalid_argument("ColorExtremes: expected finite, ascending values, got " + std::to_string(p_least) +
+                                " and " + std::to_string(p_largest));
+  Content().coloring.SetExtremes({p_least, p_largest});
 }
 
 void Plot::FindColorRange() {

@@ -56,6 +56,7 @@ protected:
   void ChangeColors(const std::string& p_name);
   void ChangeColors(std::vector<QColor> p_colors);
   void ChangeColorRange(double p_low, double p_high);
+  void ChangeColorExtremes(double p_least, double p_largest);
   void FindColorRange();
   void ChangeColorScale(bool p_logarithmic);
   void ChangeColorTitle(const QString& p_title);
@@ -107,6 +108,10 @@ public:
   /// rounded outward; where their span exceeds four times that of the quantiles of 2 % and 98 %, those quantiles, and
   /// the colour bar has pointed ends and the true extremes.
   Derived& ColorRange(double p_low, double p_high) { return ChangeColorRange(p_low, p_high), Self(); }
+  /// The smallest and the largest of all values, for a plot that has a share of them: the default range of the colours
+  /// goes from one to the other, and the ends of the colour bar show them. The plot has a colour bar then even without
+  /// a value of its own. Finite and ascending or equal. Removed by `Color`.
+  Derived& ColorExtremes(double p_least, double p_largest) { return ChangeColorExtremes(p_least, p_largest), Self(); }
   /// Chooses the range by the values again, the default (see ColorRange).
   Derived& AutoColorRange() { return FindColorRange(), Self(); }
   /// Equal ratios of values take equal parts of the colour map. Values that are not above 0 have the first colour.

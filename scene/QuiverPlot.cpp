@@ -30,6 +30,14 @@ QuiverPlot& QuiverPlot::UnitLength(double p_fraction) {
   return *this;
 }
 
+QuiverPlot& QuiverPlot::Typical(double p_length, double p_fraction) {
+  for (const double number : {p_length, p_fraction})
+    if (!(number > 0 && std::isfinite(number)))
+      throw std::invalid_argument("Typical: expected finite numbers above 0, got " + std::to_string(number));
+  Quiver(Content()).SetTypical(p_length, p_fraction);
+  return *this;
+}
+
 QuiverPlot& QuiverPlot::LengthTitle(const QString& p_title) {
   Quiver(Content()).SetLengthTitle(p_title);
   return *this;

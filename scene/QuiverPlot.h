@@ -31,6 +31,10 @@ public:
   /// The length of an arrow, as a fraction of the diagonal of the data, for each unit of a vector's length; above 0. By
   /// default, the vector longer than 98 % of all gets the median distance between neighbouring arrows.
   QuiverPlot& UnitLength(double p_fraction);
+  /// The length of a typical long vector, above 0, and of its arrow as a fraction of the diagonal of the data: instead
+  /// of the vector longer than 98 % of all and the median distance between neighbours. For a plot that has a share of
+  /// the arrows, since the key, the lengths of arrows and the sizes of dots follow from both.
+  QuiverPlot& Typical(double p_length, double p_fraction);
   /// The title of the key: what the vectors are. By default that of the colours.
   QuiverPlot& LengthTitle(const QString& p_title);
   /// The most arrows that are drawn, at least 1, whatever the size of the image.

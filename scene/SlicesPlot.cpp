@@ -79,6 +79,12 @@ SlicesPlot& SlicesPlot::Show(double p_low, double p_high) {
   return *this;
 }
 
+SlicesPlot& SlicesPlot::Block(const Types::BoundingBox_Base<double>& p_part,
+                              const Types::BoundingBox_Base<double>& p_whole) {
+  Slices(Content()).SetBlock(p_part, p_whole);
+  return *this;
+}
+
 SlicesPlot& SlicesPlot::ColorByValue() {
   Slices(Content()).ColorByValue();
   return *this;

@@ -64,6 +64,11 @@ public:
   /// Leaves out values below `p_low` and above `p_high`, pixel by pixel; infinite for no limit. Throws
   /// std::invalid_argument for limits that are NaN or descend.
   SlicesPlot& Show(double p_low, double p_high);
+  /// The volume is a block of a larger one, of which another figure may have the others: the plot draws the part of it
+  /// that lies in the box `p_part`, without edges of the volume and outlines of slices. Boxes
+  /// are in data units; voxels beyond the part, of which two around it suffice, make values continue from one block to
+  /// the next. Throws std::invalid_argument for an empty box.
+  SlicesPlot& Block(const Types::BoundingBox_Base<double>& p_part, const Types::BoundingBox_Base<double>& p_whole);
   /// Colours by the values of the volume again, the default.
   SlicesPlot& ColorByValue();
   /// Replaces the values by as many others, NaN for missing ones. Uploads them alone.

@@ -68,6 +68,12 @@ VolumePlot& VolumePlot::Filter(VoxelGrid::Filter p_filter) {
   return *this;
 }
 
+VolumePlot& VolumePlot::Block(const Types::BoundingBox_Base<double>& p_part,
+                              const Types::BoundingBox_Base<double>& p_whole) {
+  Volume(Content()).SetBlock(p_part, p_whole);
+  return *this;
+}
+
 VolumePlot& VolumePlot::ColorByValue() {
   Volume(Content()).ColorByValue();
   return *this;

@@ -6,6 +6,8 @@
 #include "scene/Plot.h"
 #include "scene/VoxelGrid.h"
 
+#include "platform/types/Geometry.h"
+
 #include <vector>
 
 namespace Vek::Chart::Scene {
@@ -32,9 +34,9 @@ namespace Vek::Chart::Scene {
 /// Large volumes: of more than 2048 voxels along an axis, or 2^27 in all, means of cubes of voxels are drawn, which the
 /// figure notes. The range of the colours is that of all voxels; quantiles are those of a million at most.
 ///
-/// A pick gives the nearest voxel and its value where a ray reaches half of its opacity, or its maximum. Half-transparent
-/// plots are drawn over the whole volume. While the figure moves, a quarter of the samples is taken. Settings upload no
-/// voxel.
+/// A pick gives the nearest voxel and its value where a ray reaches half of its opacity, or its maximum.
+/// Half-transparent plots are drawn over the whole volume. While the figure moves, a quarter of the samples is taken.
+/// Settings upload no voxel.
 ///
 /// \snippet SceneFigureSnippets.cpp VolumePlot
 /// \image html parts/VolumePlot.png
@@ -61,6 +63,11 @@ public:
 
   /// How values between the centres of voxels are found.
   VolumePlot& Filter(VoxelGrid::Filter p_filter);
+  /// The volume is a block of a larger one, of which another figure may have the others: the plot draws the part of it
+  /// that lies in the box `p_part`, without edges of the volume, with opacities and samples for a diagonal of
+  /// `p_whole`. Boxes are in data units; voxels beyond the part, of which two around it suffice, make values continue
+  /// from one block to the next. Throws std::invalid_argument for an empty box.
+  VolumePlot& Block(const Types::BoundingBox_Base<double>& p_part, const Types::BoundingBox_Base<double>& p_whole);
   /// Colours by the values of the volume again, the default.
   VolumePlot& ColorByValue();
   /// Replaces the values by as many others, NaN for missing ones. Uploads them alone.

@@ -333,6 +333,7 @@ void VolumeRaycaster::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& 
   if (!program.Linked() || !programs.BindTable(p_gl, RGL_TEXTURE1, table) || !Bind(p_gl, _grid, p_settings))
     return;
   p_gl->BlendFunc(RGL_ONE, RGL_ONE_MINUS_SRC_ALPHA);
+  p_gl->Disable(RGL_MULTISAMPLE); // a ray is that of all samples of its pixel, also at the face of a block
   const auto used = program.Use(p_gl);
   const Uniforms set(p_gl, program);
   SetRays(set, _grid, p_settings, placed);

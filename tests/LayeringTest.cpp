@@ -5,11 +5,12 @@
 
 namespace {
 
-const std::set<std::string> Roots{"platform", "algorithms", "library", "io",    "scene", "widgets", "testing",
-                                  "apps",     "examples",   "tests",   "bench", "fuzz",  "tools",   "docs"};
+const std::set<std::string> Roots{"platform", "algorithms", "library", "io",    "scene",
+                                  "parallel", "widgets",    "testing", "apps",  "examples",
+                                  "tests",    "bench",      "fuzz",    "tools", "docs"};
 
 /// The libraries, lowest layer first.
-constexpr std::array<const char*, 6> Layers{"platform", "algorithms", "library", "io", "scene", "widgets"};
+constexpr std::array<const char*, 7> Layers{"platform", "algorithms", "library", "io", "scene", "parallel", "widgets"};
 /// The folders of platform/, top layer first: each includes itself and those to its right.
 constexpr std::array<const char*, 10> PlatformLayers{"data", "ogl",   "assets",    "file",  "utility",
                                                      "core", "model", "interface", "types", "debug"};
@@ -52,6 +53,8 @@ std::string Fault(const std::string& p_from, const std::string& p_to) {
     return to[0] == "testing" || to[0] == "platform" ? "" : "is not the platform";
   const auto fromLayer = std::find(Layers.begin(), Layers.end(), from[0]);
   const auto toLayer = std::find(Layers.begin(), Layers.end(), to[0]);
+  if (from[0] == "widgets" && to[0] == "parallel")
+    return "belongs to another library";
   if (fromLayer != Layers.end())
     return toLayer <= fromLayer ? "" : "points upwards";
   if (from[0] == "apps" && to[0] == "apps" && to[1] != "gallery" && from[1] != to[1])
@@ -101,6 +104,8 @@ const Row Rows[] = {
     {"apps/gallery/Options.cpp", "apps/viewer/Document.h", "belongs to another program"},
     {"io/ReadTable.h", "scene/Camera.h", "points upwards"},
     {"scene/Figure.cpp", "widgets/FigureView.h", "points upwards"},
+    {"scene/Figure.cpp", "parallel/Compositor.h", "points upwards"},
+    {"widgets/FigureView.cpp", "parallel/Compositor.h", "belongs to another library"},
     {"examples/quiver.cpp", "apps/gallery/Options.h", "belongs to another program"},
     {"library/ColorMap.cpp", "../library/ColorMap.h", "does not start at the root"},
     {"platform/ogl/Rgl.h", "<epoxy/gl.h", "bypasses the GL abstraction"},

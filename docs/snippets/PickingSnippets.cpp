@@ -5,6 +5,7 @@
 #include "library/DepthPass.h"
 #include "library/MipInfo.h"
 #include "library/RenderTexture.h"
+#include "library/SampledTarget.h"
 #include "library/TopMostFragmentDepthBuffer.h"
 #include "platform/ogl/ShaderProgram.h"
 #include "tests/support/Test.h"
@@ -61,6 +62,22 @@ TEST_F(PickingSnippetPixels, TopMostFragmentDepthBuffer) {
   //! [Snapshot]
   EXPECT_EQ(under, nearest);
   EXPECT_TRUE(hit && std::abs(nearest - 0.75F) < 1.0F / 128);
+}
+
+TEST_F(PickingSnippetPixels, SampledTarget) {
+  //! [SampledTarget]
+  const SampledTarget target(gl, {32, 16}, 4), composited(gl, {32, 16}, 4);
+  {
+    const auto bound = target.BindForDraw(gl);
+    gl->ClearColor(Qt::darkGray);
+    gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+    DrawScene();
+  }
+  for (int sample = 0; sample < target.Count(); ++sample) // or what was read in another process
+    composited.Write(gl, sample, target.Read(gl, sample), SampledTarget::Written::Colors);
+  const QImage image = composited.Image(gl);
+  //! [SampledTarget]
+  EXPECT_EQ(image.size(), QSize(32, 16));
 }
 
 TEST_F(PickingSnippetPixels, RenderTexture) {

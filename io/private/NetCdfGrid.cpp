@@ -151,7 +151,7 @@ bool HasLevels(const NetCdfFile& p_file, const NetCdfVariable& p_variable) {
 }
 
 NetCdfGrid ReadGrid(const NetCdfFile& p_file, const std::vector<std::string>& p_variables, std::size_t p_time,
-                    std::size_t p_level, const Progress& p_progress) {
+                    std::size_t p_level, const Progress& p_progress, const std::optional<GridRegion>& p_region) {
   const NetCdfVariable& variable = Variable(p_file, p_variables.at(0));
   for (const std::string& name : p_variables)
     if (Variable(p_file, name).dimensions != variable.dimensions)
@@ -188,6 +188,23 @@ NetCdfGrid ReadGrid(const NetCdfFile& p_file, const std::vector<std::string>& p_
   if (p_level != AllLevels) {
     select(2, p_level, "level");
     grid.axes[2] = {grid.axes[2].at(p_level)};
+  }
+  if (p_region) {
+    grid.wholeAxes = grid.axes;
+    grid.period = 0; // a part does not go around
+  }
+  for (std::size_t axis = 0; axis < 3 && p_region; ++axis) {
+    const std::size_t from = p_region->first[axis], length = p_region->count[axis];
+    std::vector<double>& positions = grid.axes[axis];
+    if (from > positions.size() || length > positions.size() - from)
+      throw FileError(p_file.Name(), "region: expected an end of at most " + std::to_string(positions.size()) +
+                                         " along axis " + std::to_string(axis) + ", got " + std::to_string(length) +
+                                         " nodes from " + std::to_string(from) + " on");
+    positions = {positions.begin() + std::ptrdiff_t(from), positions.begin() + std::ptrdiff_t(from + length)};
+    if (dimensions[axis] == NoDimension)
+      continue;
+    first[dimensions[axis]] = from;
+    count[dimensions[axis]] = length;
   }
   std::array<std::size_t, 3> size{}, steps{1, 1, 1};
   for (std::size_t axis = 0; axis < 3; ++axis) {

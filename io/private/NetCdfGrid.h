@@ -1,9 +1,11 @@
 #pragma once
 
+#include "io/GridRegion.h"
 #include "io/private/NetCdf.h"
 #include "io/private/RectilinearGrid.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,16 +13,18 @@ namespace Vek::Chart::Io::Private {
 
 /// Variables of a NetCDF file on one rectilinear grid at one time, by the CF conventions 1.10.
 struct NetCdfGrid : RectilinearGrid {
-  std::vector<double> levels; ///< all positions along z; empty without such an axis
+  std::array<std::vector<double>, 3> wholeAxes; ///< where a region is read
+  std::vector<double> levels;                   ///< all positions along z; empty without such an axis
   std::vector<std::string> times;
 };
 
 constexpr std::size_t AllLevels = ~std::size_t(0);
 
-/// Reads the variables, which must have the same dimensions, at a step of time, with all levels or one of them. Throws
-/// FileError for a variable, step or level that does not exist, and for grids that are not rectilinear.
+/// Reads the variables, which must have the same dimensions, at a step of time, with all levels or one of them, or a
+/// region with all levels of it. Throws FileError for a variable, step, level or region that does not exist, and for
+/// grids that are not rectilinear.
 NetCdfGrid ReadGrid(const NetCdfFile& p_file, const std::vector<std::string>& p_variables, std::size_t p_time,
-                    std::size_t p_level, const Progress& p_progress);
+                    std::size_t p_level, const Progress& p_progress, const std::optional<GridRegion>& p_region = {});
 
 /// The variables with values on a grid: numbers with two dimensions or more that are no coordinates or bounds of
 /// others.

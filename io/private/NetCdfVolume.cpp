@@ -45,7 +45,7 @@ void Place(const NetCdfGrid& p_grid, std::size_t p_axis, Volume& p_volume) {
 Volume ReadNetCdfVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options) {
   const auto file = OpenNetCdf(p_stream, p_name);
   const std::string name = p_options.variable.empty() ? FindVariable(*file) : p_options.variable;
-  NetCdfGrid grid = ReadGrid(*file, {name}, p_options.step, AllLevels, p_options.progress);
+  NetCdfGrid grid = ReadGrid(*file, {name}, p_options.step, AllLevels, p_options.progress, p_options.region);
   const NetCdfVariable& variable = *file->Find(name);
   Volume volume;
   for (std::size_t axis = 0; axis < 3; ++axis)
@@ -64,6 +64,7 @@ Volume ReadNetCdfVolume(std::istream& p_stream, const std::string& p_name, const
   if (volume.lengthUnit.empty())
     volume.axisUnits = units;
   volume.times = grid.times;
+  volume.wholeAxes = std::move(grid.wholeAxes);
   volume.variables = NamesOfGrids(*file);
   volume.steps = std::max<std::size_t>(grid.times.size(), 1);
   volume.unit = variable.Text("units");

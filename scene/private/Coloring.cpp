@@ -53,27 +53,38 @@ void ColorKey::Merge(const ColorKey& p_other) {
 }
 
 void Coloring::SetColor(const QColor& p_color) {
+  _extremes.reset();
   SetValues({});
   _color = p_color;
   _map.Reset();
 }
 
 void Coloring::SetValues(const std::vector<double>& p_values) {
-  if (_hasValues == p_values.empty())
-    _map.Reset();
-  _linear = Summarize(p_values, false);
-  _positive = Summarize(p_values, true);
+  SetSummaries(Summarize(p_values, false), Summarize(p_values, true), !p_values.empty());
   _values.assign(p_values.begin(), p_values.end());
-  _hasValues = !p_values.empty();
 }
 
 void Coloring::SetSummaries(const ValueSummary& p_all, const ValueSummary& p_positive) {
-  if (!_hasValues)
-    _map.Reset();
-  _linear = p_all;
-  _positive = p_positive;
+  SetSummaries(p_all, p_positive, true);
   _values = {};
-  _hasValues = true;
+}
+
+void Coloring::SetSummaries(ValueSummary p_linear, ValueSummary p_positive, bool p_hasValues) {
+  const bool hasValues = p_hasValues || _extremes;
+  if (std::exchange(_hasValues, hasValues) != hasValues)
+    _map.Reset();
+  _linear = std::move(p_linear);
+  _positive = std::move(p_positive);
+  if (!_extremes)
+    return;
+  _linear.all = _linear.most = *_extremes;
+  if (_extremes->min > 0)
+    _positive.all = _positive.most = *_extremes;
+}
+
+void Coloring::SetExtremes(const Range& p_all) {
+  _extremes = p_all;
+  SetSummaries(_linear, _positive, _hasValues);
 }
 
 void Coloring::SetMap(std::vector<QColor> p_colors) {

@@ -55,6 +55,8 @@ public:
   void SetOpacities(Opacities p_opacity) { _opacities = std::move(p_opacity); }
   void SetMap(std::vector<QColor> p_colors);
   void SetRange(double p_low, double p_high);
+  /// The extremes of all values, of which those here are a share. Until SetColor.
+  void SetExtremes(const Range& p_all);
   void FindRange() { _range.reset(); }
   void SetLogarithmic(bool p_logarithmic);
   void SetTitle(const QString& p_title) { _title = p_title; }
@@ -80,11 +82,13 @@ public:
 
 private:
   const ValueSummary& Summary() const { return _logarithmic ? _positive : _linear; }
+  void SetSummaries(ValueSummary p_linear, ValueSummary p_positive, bool p_hasValues);
 
   bool _hasValues = false;
   std::vector<float> _values;
   std::vector<double> _levels;
   Opacities _opacities;
+  std::optional<Range> _extremes;  ///< of all values, where these are a share
   ValueSummary _linear, _positive; ///< of the values before they are rounded to float
   QColor _color;
   std::vector<QColor> _colors; ///< of the map; viridis if empty

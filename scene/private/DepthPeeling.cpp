@@ -49,6 +49,17 @@ bool HasFragments(const Rgl& p_gl, const std::function<void()>& p_draw) {
 
 } // namespace
 
+void CopyDepths(const Rgl& p_gl, unsigned int p_from, const Types::Viewport<0>& p_viewport) {
+  int read = 0;
+  p_gl.GetIntegerv(RGL_READ_FRAMEBUFFER_BINDING, &read);
+  p_gl.BindFramebuffer(RGL_READ_FRAMEBUFFER, p_from);
+  const int left = static_cast<int>(p_viewport.x), bottom = static_cast<int>(p_viewport.y);
+  const int width = static_cast<int>(p_viewport.width), height = static_cast<int>(p_viewport.height);
+  p_gl.BlitFramebuffer(left, bottom, left + width, bottom + height, 0, 0, width, height, RGL_DEPTH_BUFFER_BIT,
+                       RGL_NEAREST);
+  p_gl.BindFramebuffer(RGL_READ_FRAMEBUFFER, static_cast<unsigned int>(read));
+}
+
 bool DepthPeeling::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport,
                         const std::function<void()>& p_drawOpaque, const std::function<void(const PeelPass*)>& p_draw) {
   const Types::Size size(static_cast<int>(p_viewport.width), static_cast<int>(p_viewport.height));

@@ -12,6 +12,10 @@
 
 namespace Vek::Chart::Scene::Private {
 
+/// Copies the depths of a viewport of another frame buffer to the lower left corner of the current one. Samples are
+/// resolved.
+void CopyDepths(const Rgl& p_gl, unsigned int p_from, const Types::Viewport<0>& p_viewport);
+
 /// Draws half-transparent things in the right order, whatever the order of their primitives, by depth peeling: the
 /// nearest fragments of all pixels, then the nearest ones behind these, and so on, each layer in a target of its own
 /// without samples. Then the layers are drawn over the frame buffer, from far to near.

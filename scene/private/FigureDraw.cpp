@@ -66,7 +66,7 @@ QStringList Figure::State::Shortages(const Utility::Scoped<Rgl>& p_gl) const {
   return lines;
 }
 
-void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame) {
+void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame, std::optional<Layer> p_layer) {
   p_frame.cuts = SceneCuts();
   p_frame.isMoving = isMoving;
   p_frame.mostVertices = isMoving ? VerticesInTime(*p_gl) / std::max<std::size_t>(1, Visible().size()) : 0;
@@ -89,10 +89,20 @@ void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame
     if (!clips.empty())
       Private::DrawOutlines(p_gl, Private::CutOutlines(_box, p_frame.cuts), p_frame.line, p_frame.pixelRatio);
   };
-  drawOpaque();
+  if (p_layer != Layer::Transparent)
+    drawOpaque();
+  if (p_layer == Layer::Opaque)
+    return;
   DrawContents(p_gl, p_frame, Having([](const PlotContent& p_p) { return p_p.IsBlended() && p_p.opacity > 0; }));
-  if (HasTransparent())
-    DrawTransparent(p_gl, p_frame, drawOpaque);
+  if (!HasTransparent())
+    return;
+  if (!p_layer)
+    return DrawTransparent(p_gl, p_frame, drawOpaque);
+  // What is opaque is in the frame buffer, also that of other figures.
+  int frame = 0;
+  p_gl->GetIntegerv(RGL_DRAW_FRAMEBUFFER_BINDING, &frame);
+  DrawTransparent(p_gl, p_frame,
+                  [&] { Private::CopyDepths(*p_gl, static_cast<unsigned int>(frame), p_frame.viewport); });
 }
 
 void Figure::State::DrawContents(Utility::Scoped<Rgl>& p_gl, const Private::Frame& p_frame,

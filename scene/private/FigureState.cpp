@@ -68,8 +68,12 @@ Box Figure::State::PlacePlots(const QSizeF& p_size) {
     const Box bounds = entry.content->Bounds(rules);
     data += bounds;
     leavesPlane = leavesPlane || entry.content->LeavesPlane();
-    if (bounds.Empty() && !std::exchange(entry.isEmptinessReported, bounds.Empty()))
+    if (bounds.Empty() && extent.Empty() && !std::exchange(entry.isEmptinessReported, bounds.Empty()))
       vekdebug::warn("Figure: plot " + std::to_string(i + 1) + " has no point to show");
+  }
+  if (!extent.Empty()) {
+    data = extent;
+    leavesPlane = rules.limits[2].has_value();
   }
   _isFlat = !leavesPlane && data.Extent().z == 0;
 
@@ -93,6 +97,8 @@ Box Figure::State::PlacePlots(const QSizeF& p_size) {
   Box scene = transform(data);
   for (PlotContent* const content : Visible())
     scene += content->placedBox = content->Place(placement);
+  if (!extent.Empty())
+    scene = transform(data);
 
   // Round limits around whole glyphs.
   const Box bare = data;
@@ -137,17 +143,19 @@ Axes Figure::State::MakeAxes(const Box& p_limits) const {
 }
 
 std::vector<QString> Figure::State::Notes() const {
-  std::vector<QString> notes;
+  if (notes)
+    return *notes;
+  std::vector<QString> found;
   const std::vector<PlotContent*> visible = Visible();
   for (const PlotContent* const content : visible)
     for (const QString& note : content->Notes())
-      notes.push_back(visible.size() > 1 && !content->label.isEmpty() ? content->label + ": " + note : note);
+      found.push_back(visible.size() > 1 && !content->label.isEmpty() ? content->label + ": " + note : note);
   for (std::size_t axis = 0; axis < (_isFlat ? 2 : 3); ++axis)
     if (transform.axes[axis].stretch != 1 && !rules.HasOwnUnit(axis))
-      notes.push_back(QStringLiteral("%1 \u00D7 %2").arg(AxisName(axis)).arg(transform.axes[axis].stretch));
+      found.push_back(QStringLiteral("%1 \u00D7 %2").arg(AxisName(axis)).arg(transform.axes[axis].stretch));
   for (const QString& note : Private::CutNotes(clips, {AxisName(0), AxisName(1), AxisName(2)}))
-    notes.push_back(note);
-  return notes;
+    found.push_back(note);
+  return found;
 }
 
 namespace {

@@ -49,8 +49,10 @@ struct VEK_HIDDEN Figure::State {
   std::array<QString, 3> axisTitles;
   std::array<Axes::TickMaker, 3> ticks; ///< empty for decimal values
   Private::AxisRules rules;
-  std::vector<Types::Plane> clips;        ///< cutting planes, in data units
-  std::optional<Scene::Camera> direction; ///< of the own camera; only angles and projection count
+  Private::Box extent;                       ///< of all data with their glyphs, where it is given; empty otherwise
+  std::optional<std::vector<QString>> notes; ///< where they are given
+  std::vector<Types::Plane> clips;           ///< cutting planes, in data units
+  std::optional<Scene::Camera> direction;    ///< of the own camera; only angles and projection count
   std::vector<Entry> entries;
   std::size_t added = 0; ///< plots that there have been
 
@@ -74,14 +76,16 @@ struct VEK_HIDDEN Figure::State {
 
   /// Places plots, axes and legends, and fits the camera.
   FigureLayout Arrange(const Figure& p_figure, const Types::Viewport<0>& p_viewport, double p_pixelRatio);
-  /// Draws the plots, opaque ones first, and the outlines of cuts.
-  void DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame);
+  /// Draws the plots, opaque ones first, and the outlines of cuts; or one layer of them.
+  void DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame, std::optional<Layer> p_layer = {});
   /// The plots alone, on no background.
   QImage DataImage(const Figure& p_figure, const FigureLayout& p_layout, const Types::Viewport<0>& p_viewport,
                    double p_pixelRatio);
   std::optional<Hit> Pick(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame, const Types::Pos& p_pixel);
   /// Whether a visible plot is half-transparent.
   bool HasTransparent() const;
+  /// Visible plots of a kind.
+  std::vector<Private::PlotContent*> Having(const std::function<bool(const Private::PlotContent&)>& p_isWanted) const;
   /// What the last drawing in this context left out since there was no time for it, line by line.
   QStringList Shortages(const Utility::Scoped<Rgl>& p_gl) const;
   QString AxisName(std::size_t p_axis) const;
@@ -110,8 +114,6 @@ private:
   std::vector<Types::Plane> SceneCuts() const;
   bool CutsSurfaces() const;
   std::vector<Private::PlotContent*> Visible() const;
-  /// Visible plots.
-  std::vector<Private::PlotContent*> Having(const std::function<bool(const Private::PlotContent&)>& p_isWanted) const;
   /// Returns the limits of the axes, in data units.
   Private::Box PlacePlots(const QSizeF& p_size);
   Axes MakeAxes(const Private::Box& p_limits) const;

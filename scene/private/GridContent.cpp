@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <utility>
 
 namespace Vek::Chart::Scene::Private {
@@ -115,6 +116,18 @@ void GridContent::TakeColorValues() {
   ColorByValue();
 }
 
+void GridContent::SetBlock(const Box& p_part, const Box& p_whole) {
+  if (p_part.Empty() || p_whole.Empty())
+    throw std::invalid_argument("Block: expected boxes of a part and of the whole volume, got an empty one");
+  _block = p_part;
+  _whole = p_whole;
+  DataChanged();
+}
+
+double GridContent::Diagonal() const {
+  return Length((IsBlock() ? _placement.transform(_whole) : _placed.Bounds()).Extent());
+}
+
 void GridContent::SetFilter(VoxelGrid::Filter p_filter) {
   _filter = p_filter;
   SettingsChanged();
@@ -123,6 +136,10 @@ void GridContent::SetFilter(VoxelGrid::Filter p_filter) {
 Box GridContent::BoundsOf(const AxisRules& p_rules) const {
   Point low = _grid.Bounds().Min(), high = _grid.Bounds().Max();
   for (std::size_t axis = 0; axis < 3; ++axis) {
+    if (IsBlock()) {
+      At(low, axis) = std::max(At(low, axis), At(_block.Min(), axis));
+      At(high, axis) = std::min(At(high, axis), At(_block.Max(), axis));
+    }
     if (const auto& limits = p_rules.limits[axis]) {
       At(low, axis) = std::max(At(low, axis), limits->min);
       At(high, axis) = std::min(At(high, axis), limits->max);
@@ -202,6 +219,8 @@ Picked GridContent::VoxelAt(const Point& p_scene) const {
 }
 
 void GridContent::DrawEdges(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) const {
+  if (IsBlock())
+    return;
   constexpr double LineOpacity = 0.45;
   const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_CURRENT_BIT | RGL_LINE_BIT | RGL_DEPTH_BUFFER_BIT |
                                            RGL_COLOR_BUFFER_BIT);

@@ -21,6 +21,9 @@ public:
   /// Throws std::invalid_argument for another number of values.
   void UpdateValues(const Array1& p_values);
   void SetFilter(VoxelGrid::Filter p_filter);
+  /// The part that is drawn, and the box of the volume that the grid is a block of, in data units. Throws
+  /// std::invalid_argument for an empty box.
+  void SetBlock(const Box& p_part, const Box& p_whole);
   std::size_t Count() const override { return _grid.Count(); }
   Types::MinMax_Base<double> ValueRange() const { return _grid.Range(); }
   std::vector<QString> Notes() const override;
@@ -39,7 +42,10 @@ protected:
   QString Text(std::size_t p_axis, double p_position) const;
   /// What lies at a point of the scene: the nearest voxel, and the value there as it is drawn.
   Picked VoxelAt(const Point& p_scene) const;
-  /// The edges of the part behind it.
+  /// The diagonal of the volume in the scene.
+  double Diagonal() const;
+  bool IsBlock() const { return !_whole.Empty(); }
+  /// The edges of the part behind it; none for a block.
   void DrawEdges(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) const;
 
   VoxelGrid _grid;   ///< in data units
@@ -51,6 +57,7 @@ private:
   void Replace(VoxelGrid p_grid);
 
   bool _isTexture;
+  Box _block, _whole;              ///< see SetBlock; empty otherwise
   ValueSummary _all, _positive;    ///< of the values
   std::optional<VoxelGrid> _drawn; ///< in data units, of larger voxels where there are too many; none after a change
   int _factor = 1;                 ///< voxels along the edge of a larger one

@@ -82,6 +82,12 @@ void QuiverContent::SetUnitLength(double p_fraction) {
   SettingsChanged();
 }
 
+void QuiverContent::SetTypical(double p_length, double p_fraction) {
+  _givenTypical = p_length;
+  _givenSpacing = p_fraction;
+  SettingsChanged();
+}
+
 void QuiverContent::SetMost(std::size_t p_count) {
   _most = p_count;
   SettingsChanged();
@@ -168,8 +174,13 @@ Box QuiverContent::PlaceChanged(const Changes& p_changes) {
   }
   _vectorsChanged = false;
 
+  const double dots = _spacing;
+  if (_givenTypical > 0) {
+    _typical = _givenTypical;
+    _spacing = _givenSpacing * _placement.diagonal;
+  }
   const double scale = _unitLength > 0 ? _unitLength * _placement.diagonal : _typical > 0 ? _spacing / _typical : 1;
-  if (scale != _scale || _isFlat != _placement.isFlat) {
+  if (scale != _scale || _spacing != dots || _isFlat != _placement.isFlat) {
     _scale = scale;
     _isFlat = _placement.isFlat;
     SetLevels();

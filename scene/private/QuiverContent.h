@@ -16,6 +16,7 @@ public:
   QuiverContent(const Array3& p_positions, const Array3& p_vectors);
 
   void SetUnitLength(double p_fraction);
+  void SetTypical(double p_length, double p_fraction);
   void SetLengthTitle(const QString& p_title) { _lengthTitle = p_title; }
   void SetMost(std::size_t p_count);
   void ColorByLength();
@@ -47,7 +48,8 @@ private:
   std::vector<double> LengthsOf(const std::vector<std::uint32_t>& p_indices) const;
 
   std::vector<Point> _vectors;
-  double _unitLength = 0; ///< fraction of the diagonal; 0 for the default
+  double _unitLength = 0;                      ///< fraction of the diagonal; 0 for the default
+  double _givenTypical = 0, _givenSpacing = 0; ///< a length, and a fraction of the diagonal; 0 for those of the data
   QString _lengthTitle;
   std::size_t _most = 0;    ///< 0 for what the image has room for
   bool _isByLength = false; ///< whether the values are the lengths

@@ -107,7 +107,7 @@ Box SlicesContent::PlaceChanged(const Changes& p_changes) {
     _outlines.push_back(RectangleOf(_region, _shown.back()));
   }
   std::vector<Point> ends;
-  for (const Slice& outline : _outlines)
+  for (const Slice& outline : IsBlock() ? std::vector<Slice>() : _outlines)
     for (std::size_t i = 0; i < outline.size(); ++i)
       ends.insert(ends.end(), {outline[i], outline[(i + 1) % outline.size()]});
   GpuMesh::Arrays lines;

@@ -69,7 +69,7 @@ VolumeRaycaster::Settings VolumeContent::Settings() const {
   settings.mode = _mode;
   settings.scale = Scale();
   settings.opacity = Opacities(settings.scale);
-  const double diagonal = Length(_placed.Bounds().Extent());
+  const double diagonal = Diagonal();
   settings.unitLength = _layer * diagonal;
   settings.shading = _shading;
   settings.samplesPerVoxel = _samples;

@@ -95,6 +95,38 @@ TEST(ReadVectorField, ReadsEachKindOfNetCdf) {
   }
 }
 
+TEST(ReadVectorField, ReadsARegion) {
+  // Node (i, j, k) has the value i + 10 j + 100 k, whatever the order of the axes in the file.
+  const std::string text = "dimensions: z = 2 ; y = 3 ; x = 4 ;\nvariables: byte x(x) ; byte y(y) ; byte z(z) ;\n"
+                           "short u(y, z, x) ; short b(y, z, x) ; data: x = 0, 1, 2, 3 ; y = 7, 5, 1 ;\n"
+                           "z = 4, 6 ; u = 0, 1, 2, 3, 100, 101, 102, 103, 10, 11, 12, 13, 110, 111, 112, 113, "
+                           "20, 21, 22, 23, 120, 121, 122, 123 ; b = 1 ;\n";
+  for (const std::string kind : {"classic", "netCDF-4"}) {
+    if (kind != "classic" && !Reads("NetCDF-4"))
+      continue;
+    const std::string bytes = NetCdf(text, kind);
+    const auto read = [&](const Io::GridRegion& p_region) {
+      std::istringstream stream(bytes);
+      return ReadVectorField(stream, "f", {{"u", "u"}, 0, 0, p_region});
+    };
+    const Io::VectorField field = read({{1, 1, 1}, {3, 2, 1}});
+    EXPECT_EQ(Summary(field).substr(0, 60), "x[] 1 2 3 | y[] 5 1 | z[] 6 | u u [] | 111 111 112 112 113 1") << kind;
+    EXPECT_EQ(field.wholeAxes, (std::array<std::vector<double>, 3>{{{0, 1, 2, 3}, {7, 5, 1}, {4, 6}}}));
+    EXPECT_EQ(ErrorOf<FileError>([&] {
+                read({{1, 2, 0}, {3, 2, 1}});
+              }),
+              "f: region: expected an end of at most 3 along axis 1, got 2 nodes from 2 on");
+    VolumeOptions options;
+    options.variable = "u";
+    options.region = Io::GridRegion{{0, 2, 0}, {2, 1, 2}};
+    std::istringstream stream(bytes);
+    EXPECT_EQ(ReadVolume(stream, "f", options).Floats(), (std::vector<float>{20, 21, 120, 121})) << kind;
+  }
+  const Io::FieldSelection selection{{}, 0, 0, Io::GridRegion{{}, {1, 1, 1}}};
+  EXPECT_EQ(ErrorOf<FileError>([&] { Vectors("x,y,u,v\n0,0,1,1\n", selection); }),
+            "f: expected a NetCDF file to read a region of, got another format");
+}
+
 TEST(ReadVectorField, FollowsTheConventions) {
   const std::array<std::string, 3> rows[] = {
       {"any order of axes, depths, three components, standard names",

@@ -1,0 +1,73 @@
+// vek-parallel: one image of a field that is larger than the memory of a process. Exit codes: 0, 1 for a failure, 2 for
+// wrong arguments.
+
+#include "apps/parallel/FieldImage.h"
+#include "apps/parallel/FieldOptions.h"
+
+#include "parallel/Processes.h"
+
+#include <QGuiApplication>
+
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using namespace Vek::Chart;
+
+int Draw(const Parallel::Processes& p_all, const QStringList& p_arguments) {
+  const bool isFirst = p_all.Rank() == 0;
+  Apps::FieldOptions options;
+  try {
+    options = Apps::ParseOptions(p_arguments);
+  } catch (const std::invalid_argument& error) { // the same in all processes
+    if (isFirst)
+      std::cerr << "vek-parallel: " << error.what() << '\n';
+    return 2;
+  }
+  if (options.isHelp) {
+    if (isFirst)
+      std::cout << Apps::HelpText().toStdString();
+    return 0;
+  }
+  try {
+    const Parallel::Compositor compositor(p_all);
+    const QImage image = Apps::DrawField(compositor, options);
+    p_all.Together([&] {
+      if (isFirst && !image.save(options.image))
+        throw std::runtime_error(options.image.toStdString() + ": the image cannot be written");
+    });
+    return 0;
+  } catch (const Parallel::ProcessError& error) { // the same in all processes
+    if (isFirst)
+      std::cerr << "vek-parallel: " << error.what() << std::endl;
+    p_all.Any(true); // no process ends before the report, as mpirun then ends all
+    return 1;
+  }
+}
+
+} // namespace
+
+int main(int p_count, char** p_arguments) {
+  MPI_Init(&p_count, &p_arguments);
+  int code = 1;
+  try {
+    char name[] = "vek-parallel", option[] = "-platform", platform[] = "offscreen";
+    char* qtArguments[] = {name, option, platform, nullptr};
+    int qtCount = 3;
+    const QGuiApplication application(qtCount, qtArguments);
+    QStringList arguments;
+    for (int i = 0; i < p_count; ++i)
+      arguments.push_back(QString::fromLocal8Bit(p_arguments[i]));
+    code = Draw(Parallel::Processes(MPI_COMM_WORLD), arguments);
+  } catch (const std::exception& error) { // outside of a common step, where the other processes would wait
+    int rank = 0;
+    MPI_Comm_rank(MPI_COMM_WORLD, &rank);
+    std::cerr << "vek-parallel: process " << rank << ": " << error.what() << std::endl;
+    MPI_Abort(MPI_COMM_WORLD, 1);
+  }
+  MPI_Finalize();
+  return code;
+}

@@ -1,0 +1,221 @@
+#include "parallel/Compositor.h"
+
+#include "library/SampledTarget.h"
+#include "platform/ogl/OffscreenContext.h"
+#include "scene/VisibilityOrder.h"
+
+#include <IceT.h>
+#include <IceTMPI.h>
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace Vek::Chart::Parallel {
+
+namespace {
+
+using Library::SampledTarget;
+using Samples = SampledTarget::Samples;
+using Written = SampledTarget::Written;
+using Scene::Figure;
+using Scene::FigureLayout;
+
+/// The mean of each four pixels.
+QImage Halved(const QImage& p_image) {
+  QImage half(p_image.width() / 2, p_image.height() / 2, QImage::Format_RGB32);
+  for (int y = 0; y < half.height(); ++y)
+    for (int x = 0; x < half.width(); ++x) {
+      const auto mean = [&](int (*p_channel)(QRgb)) {
+        int sum = 2;
+        for (const auto& [dx, dy] : {std::pair(0, 0), std::pair(1, 0), std::pair(0, 1), std::pair(1, 1)})
+          sum += p_channel(p_image.pixel(2 * x + dx, 2 * y + dy));
+        return sum / 4;
+      };
+      half.setPixel(x, y, qRgb(mean(qRed), mean(qGreen), mean(qBlue)));
+    }
+  return half;
+}
+
+} // namespace
+
+/// IceT's context. Its functions work on the context that was set last.
+struct VEK_HIDDEN Compositor::Engine {
+  explicit Engine(MPI_Comm p_communicator) {
+    const IceTCommunicator communicator = icetCreateMPICommunicator(p_communicator);
+    context = icetCreateContext(communicator);
+    icetDestroyMPICommunicator(communicator); // the context has a copy
+    icetDiagnostics(ICET_DIAG_OFF);
+    icetStrategy(ICET_STRATEGY_SEQUENTIAL);
+    icetSetColorFormat(ICET_IMAGE_COLOR_RGBA_UBYTE);
+    icetDisable(ICET_COMPOSITE_ONE_BUFFER); // depths as well
+  }
+  ~Engine() { icetDestroyContext(context); }
+  Engine(const Engine&) = delete;
+  Engine& operator=(const Engine&) = delete;
+
+  void SetSize(Types::Size p_size) const {
+    icetSetContext(context);
+    icetResetTiles();
+    icetAddTile(0, 0, p_size.width, p_size.height, 0);
+  }
+  /// Nearer samples hide farther ones.
+  void ByDepth() const {
+    icetCompositeMode(ICET_COMPOSITE_MODE_Z_BUFFER);
+    icetSetDepthFormat(ICET_IMAGE_DEPTH_FLOAT);
+    icetDisable(ICET_ORDERED_COMPOSITE);
+  }
+  /// Premultiplied colours are blended, those of the first process before the others.
+  void InOrder(const std::vector<std::size_t>& p_processes) const {
+    const std::vector<IceTInt> order(p_processes.begin(), p_processes.end());
+    icetCompositeMode(ICET_COMPOSITE_MODE_BLEND);
+    icetSetDepthFormat(ICET_IMAGE_DEPTH_NONE);
+    icetEnable(ICET_ORDERED_COMPOSITE);
+    icetCompositeOrder(order.data());
+  }
+  /// Collective. Replaces the image in process 0 by the composited one.
+  void Composite(Samples& p_image, bool p_byDepth, bool p_isFirst) const {
+    constexpr IceTFloat Nothing[4] = {0, 0, 0, 0};
+    const IceTImage whole = icetCompositeImage(p_image.colors.data(), p_byDepth ? p_image.depths.data() : nullptr,
+                                               nullptr, nullptr, nullptr, Nothing);
+    error = icetGetError();
+    if (error != ICET_NO_ERROR || !p_isFirst)
+      return;
+    std::memcpy(p_image.colors.data(), icetImageGetColorcub(whole), p_image.colors.size());
+    if (p_byDepth)
+      std::memcpy(p_image.depths.data(), icetImageGetDepthcf(whole), p_image.depths.size() * sizeof(float));
+  }
+  void Check() const {
+    if (error != ICET_NO_ERROR)
+      throw std::runtime_error("IceT reports error " + std::to_string(error));
+  }
+
+  IceTContext context;
+  mutable IceTEnum error = ICET_NO_ERROR;
+};
+
+namespace {
+
+/// The GL of a process. Ends with its context.
+struct Canvas {
+  Canvas(Types::Size p_size, int p_samples)
+      : context({1, 1})
+      , gl(context.Handle())
+      , target(gl, p_size, p_samples) {}
+
+  void Clear(Ogl::GlBitfield p_buffers) {
+    const auto bound = target.BindForDraw(gl);
+    gl->ClearColor(0, 0, 0, 0);
+    gl->ClearDepth(1);
+    gl->Clear(p_buffers);
+  }
+
+  Ogl::OffscreenContext context;
+  Utility::Scoped<Rgl> gl;
+  SampledTarget target;
+};
+
+} // namespace
+
+Compositor::Compositor(const Processes& p_processes)
+    : _processes(p_processes)
+    , _engine(std::make_unique<Engine>(p_processes.Communicator())) {}
+
+Compositor::~Compositor() = default;
+
+QImage Compositor::Image(Figure& p_figure, const Types::BoundingBox_Base<double>& p_block, Types::Size p_size,
+                         int p_samples) const {
+  const Processes& all = _processes;
+  const bool isFirst = all.Rank() == 0;
+  constexpr int LargestTwice = 4096;
+  const bool isTransparent = all.Any(p_figure.HasTransparent()), hasVolume = all.Any(p_figure.HasVolume());
+  const bool isDoubled = isTransparent && std::max(p_size.width, p_size.height) <= LargestTwice;
+  const int factor = isDoubled ? 2 : 1;
+  const Types::Size size(factor * p_size.width, factor * p_size.height);
+  const int samples = isDoubled ? p_samples / 8 * 2 : p_samples;
+
+  std::optional<Canvas> canvas;
+  FigureLayout layout;
+  QImage page;
+  const bool isBlended = isTransparent || hasVolume;
+  const Types::Viewport<0> viewport(0, 0, static_cast<float>(size.width), static_cast<float>(size.height));
+  all.Together([&] {
+    layout = p_figure.Layout(viewport, factor); // before GL takes memory
+    canvas.emplace(size, samples);
+  });
+  static_assert(std::is_trivially_copyable_v<Scene::Camera>);
+  QByteArray camera(reinterpret_cast<const char*>(&layout.camera), sizeof(layout.camera)); // NOLINT: its bytes
+  camera = all.Broadcast(camera);
+  std::memcpy(&layout.camera, camera.constData(), sizeof(layout.camera));
+
+  const auto draw = [&](Figure::Layer p_layer) {
+    const auto bound = canvas->target.BindForDraw(canvas->gl);
+    p_figure.Draw(canvas->gl, viewport, layout, p_layer, factor);
+  };
+  all.Together([&] {
+    canvas->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT);
+    draw(Figure::Layer::Opaque);
+    if (!isBlended) // memory for the images of the others
+      p_figure.Release(canvas->gl);
+  });
+  _engine->SetSize(size);
+  _engine->ByDepth();
+  const auto count = static_cast<std::size_t>(canvas->target.Count());
+  std::vector<Samples> opaque(count), blended(isBlended ? count : 0); // composited; kept in process 0
+  for (std::size_t sample = 0; sample < count; ++sample) {
+    Samples& image = opaque[sample];
+    all.Together([&] { image = canvas->target.Read(canvas->gl, static_cast<int>(sample)); });
+    _engine->Composite(image, true, isFirst);
+    all.Together([&] { _engine->Check(); });
+    if (isBlended) {
+      MPI_Bcast(image.depths.data(), static_cast<int>(image.depths.size()), MPI_FLOAT, 0, all.Communicator());
+      all.Together([&] { canvas->target.Write(canvas->gl, static_cast<int>(sample), image, Written::Depths); });
+    }
+    if (!isFirst)
+      image = {};
+  }
+
+  if (isBlended) {
+    Processes::Box box;
+    if (!p_block.Empty())
+      box = {p_figure.ToScene(p_block.Min()), p_figure.ToScene(p_block.Max())};
+    _engine->InOrder(Scene::VisibilityOrder(all.Gather(box), layout.camera));
+    all.Together([&] {
+      canvas->Clear(RGL_COLOR_BUFFER_BIT);
+      draw(Figure::Layer::Transparent);
+      p_figure.Release(canvas->gl);
+    });
+    for (std::size_t sample = 0; sample < count; ++sample) {
+      Samples& image = blended[sample];
+      all.Together([&] { image = canvas->target.Read(canvas->gl, static_cast<int>(sample)); });
+      _engine->Composite(image, false, isFirst);
+      all.Together([&] { _engine->Check(); });
+      if (!isFirst)
+        image = {};
+    }
+  }
+
+  all.Together([&] {
+    if (!isFirst)
+      return;
+    canvas->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT);
+    draw(Figure::Layer::Background);
+    for (std::size_t sample = 0; sample < count; ++sample) {
+      canvas->target.Write(canvas->gl, static_cast<int>(sample), opaque[sample], Written::Colors);
+      if (isBlended)
+        canvas->target.Write(canvas->gl, static_cast<int>(sample), blended[sample], Written::Blended);
+      opaque[sample] = {};
+    }
+    draw(Figure::Layer::Legends);
+    page = canvas->target.Image(canvas->gl).convertToFormat(QImage::Format_RGB32); // blending has changed alpha
+    p_figure.Release(canvas->gl);
+  });
+  return isDoubled && isFirst ? Halved(page) : page;
+}
+
+} // namespace Vek::Chart::Parallel
