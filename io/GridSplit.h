@@ -16,7 +16,7 @@ namespace Vek::Chart::Io {
 /// \ingroup files
 class VEK_IO_API GridSplit {
 public:
-  using Sizes = std::array<std::size_t, 3>;
+  using Sizes = std::array<std::size_t, 3>; ///< along x, y and z
 
   /// Cells from `first` on along each axis.
   struct Block {

@@ -47,6 +47,7 @@ public:
     Blended ///< colours that are multiplied by their alpha, over those that are there
   };
 
+  /// \param p_gl an open scope of the context
   /// \param p_size in pixels
   /// \param p_samples samples of a pixel, 0 for none; limited to the maximum of the device
   SampledTarget(Utility::Scoped<Rgl>& p_gl, Types::Size p_size, int p_samples);

@@ -45,6 +45,8 @@ public:
   /// \param p_figure with the share of this process; released afterwards
   /// \param p_block the box of that share in data units, which others may touch but not overlap; empty for none. Only
   ///   the order of half-transparent plots depends on it.
+  /// \param p_size in pixels
+  /// \param p_samples of a pixel
   /// \return the image in process 0, a null image in the others
   QImage Image(Scene::Figure& p_figure, const Types::BoundingBox_Base<double>& p_block,
                Types::Size p_size = {1200, 800}, int p_samples = 4) const;

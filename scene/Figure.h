@@ -227,7 +227,11 @@ public:
   /// data (see SetExtent), and the axes and legends of one of them. The depths of opaque plots are compared with those
   /// that the frame buffer has, and clearing these is up to the caller. Errors: as `Draw`.
   ///
+  /// \param p_gl an open scope of the context
+  /// \param p_viewport in pixels of the frame buffer
   /// \param p_layout of this viewport and ratio; another camera may be set in it
+  /// \param p_layer what is drawn
+  /// \param p_pixelRatio pixels of a point
   void Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const FigureLayout& p_layout,
             Layer p_layer, double p_pixelRatio = 1);
   /// Whether a visible plot is half-transparent. Volumes do not count.
