@@ -62,8 +62,8 @@ constexpr Option AllOptions[] = {
     {"quakes", "FILE", "earthquakes of your own: a table with the columns lon,lat,depth_km,mag",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.quakes = p_value; }},
     {"relief", "FILE",
-     "heights for the maps and the surface: \"nx ny x0 dx y0 dy\", then ny rows of nx metres; a table with the columns "
-     "lon,lat,height; or NetCDF",
+     "heights for the maps and the surface: \"nx ny x0 dx y0 dy\", then ny rows of nx metres; an ESRI ASCII grid; a "
+     "table with the columns lon,lat,height; or NetCDF",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.relief = p_value; }},
     {"hdr", "FILE", "a panorama of your own: Radiance, PFM or OpenEXR",
      [](Options& p_options, const std::string& p_value) { p_options.inputs.hdr = p_value; }},
