@@ -28,6 +28,8 @@
 #include "library/VolumeTexture.h"
 #include "platform/ogl/ShaderProgram.h"
 #include "platform/ogl/Text.h"
+#include "scene/Canvas.h"
+#include "scene/Theme.h"
 #include "tests/support/FaultyGl.h"
 #include "tests/support/OperatorNew.h"
 #include "tests/support/Test.h"
@@ -153,6 +155,18 @@ const std::vector<Subject>& Subjects() {
        [](const Handle&) -> Use {
          const auto text = boost::make_shared<Ogl::Text>("abc");
          return [text](Scope& p_gl) { (*text)(p_gl); };
+       }},
+      {"Canvas",
+       [](const Handle&) -> Use {
+         const auto text = boost::make_shared<TextRenderer>();
+         return [text](Scope& p_gl) {
+           Canvas canvas(p_gl, Window, *text);
+           canvas.Fill({2, 2, 20, 20}, Qt::red);
+           canvas.Text("abc", {5, 10}, {}, Theme().WithHalo(Theme().SmallStyle()));
+           canvas.Image({20, 2, 30, 12}, Checks());
+           canvas.Polyline({{1, 1}, {5, 9}, {9, 1}}, 1, Qt::red);
+           canvas.Flush();
+         };
        }},
       {"TexturedQuad",
        [](const Handle& p_handle) -> Use {

@@ -20,20 +20,21 @@ VertexStream::Vertex VertexAt(const FlatBatch::Position& p_position, const QColo
 
 FlatBatch::Run& FlatBatch::LastRun() {
   if (_runs.empty())
-    _runs.push_back({nullptr, 0});
+    _runs.push_back({nullptr, _vertices.size()});
   return _runs.back();
 }
 
 void FlatBatch::Add(const Position& p_a, const Position& p_b, const Position& p_c, const QColor& p_color) {
-  for (const Position& corner : {p_a, p_b, p_c})
-    _vertices.push_back(VertexAt(corner, p_color));
-  LastRun().end = _vertices.size();
+  Run& run = LastRun();
+  _vertices.insert(_vertices.end(), {VertexAt(p_a, p_color), VertexAt(p_b, p_color), VertexAt(p_c, p_color)});
+  run.end = _vertices.size();
 }
 
 void FlatBatch::Add(const std::array<Vertex, 4>& p_quad) {
-  for (const std::size_t corner : {0, 1, 3, 1, 2, 3})
-    _vertices.push_back(p_quad[corner]);
-  LastRun().end = _vertices.size();
+  Run& run = LastRun();
+  const auto& [a, b, c, d] = p_quad;
+  _vertices.insert(_vertices.end(), {a, b, d, b, c, d});
+  run.end = _vertices.size();
 }
 
 void FlatBatch::Add(const Quad& p_quad, const QColor& p_first, const QColor& p_last) {
@@ -47,7 +48,7 @@ void FlatBatch::Add(const Quad& p_quad, const QColor& p_color, const boost::shar
   if (!run.page) // what was only filled so far lies on any page
     run.page = p_page;
   else if (run.page != p_page)
-    _runs.push_back({p_page, 0});
+    _runs.push_back({p_page, _vertices.size()});
   std::array<Vertex, 4> quad;
   for (std::size_t i = 0; i < quad.size(); ++i) {
     const bool isRight = i == 1 || i == 2, isUpper = i >= 2;

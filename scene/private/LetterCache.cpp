@@ -43,7 +43,7 @@ const LetterCache::Entry* LetterCache::Insert(const Utility::Scoped<Rgl>& p_gl, 
     if (const auto corner = page.page->Add(image))
       return insert(page.page, *corner);
   const auto corner = newPage->Add(image);
-  if (!corner) // an image of another size than promised
+  if (!VEK_ENSURE_TEXT(corner.has_value(), "corner.has_value()", p_signature)) // no memory for a second image
     return nullptr;
   MakeRoom(newPage->MostTexels());
   _pages.push_back({newPage, 0});

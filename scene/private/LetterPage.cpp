@@ -54,18 +54,19 @@ LetterPage::Shelf* LetterPage::ShelfFor(const QSize& p_size) {
 }
 
 std::optional<QPoint> LetterPage::Add(const QImage& p_image) {
-  Shelf* const shelf = ShelfFor(p_image.size());
+  const QImage image = p_image.convertToFormat(QImage::Format_ARGB32);
+  Shelf* const shelf = image.isNull() ? nullptr : ShelfFor(image.size());
   if (shelf == nullptr)
     return {};
   const auto width = static_cast<std::size_t>(_width);
   if (shelf->bottom + shelf->height > _height) {
-    _height = std::min(PowerOfTwo(LeastHeight, shelf->bottom + shelf->height), _mostHeight);
-    _texels.resize(width * static_cast<std::size_t>(_height));
+    const int height = std::min(PowerOfTwo(LeastHeight, shelf->bottom + shelf->height), _mostHeight);
+    _texels.resize(width * static_cast<std::size_t>(height));
+    _height = height; // last, since there may be no memory
     for (std::size_t row = 0; row < Covered; ++row)
       std::fill_n(_texels.begin() + static_cast<std::ptrdiff_t>(row * width), Covered, 0xFF);
   }
   const QPoint place(shelf->used, shelf->bottom);
-  const QImage image = p_image.convertToFormat(QImage::Format_ARGB32);
   for (int y = 0; y < image.height(); ++y) {
     const auto* const from = reinterpret_cast<const QRgb*>(image.constScanLine(image.height() - 1 - y));
     unsigned char* const to =
