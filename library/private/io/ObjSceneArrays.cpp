@@ -28,12 +28,14 @@ bool IsSmooth(std::uint32_t p_normal) {
 /// Makes room for all elements to come when those of the next block will not fit, assuming that it resembles the last
 /// one. The file's size is only a claim, so the growth is bounded.
 template <class T>
-void ReserveFor(std::vector<T>& p_array, std::size_t p_gained, double p_blocksLeft) {
+bool ReserveFor(std::vector<T>& p_array, std::size_t p_gained, double p_blocksLeft) {
   constexpr double Margin = 1.02;
   constexpr double MostGrowth = 64.0;
   const double size = double(p_array.size());
-  if (p_gained != 0 && p_array.size() + p_gained > p_array.capacity())
-    ReserveLarge(p_array, std::size_t(std::min(size + Margin * double(p_gained) * p_blocksLeft, MostGrowth * size)));
+  if (p_gained == 0 || p_array.size() + p_gained <= p_array.capacity())
+    return false;
+  ReserveLarge(p_array, std::size_t(std::min(size + Margin * double(p_gained) * p_blocksLeft, MostGrowth * size)));
+  return true;
 }
 
 /// Doubles the room where another block like the last one will not fit, as the elements themselves would, but with huge
@@ -73,11 +75,19 @@ void ObjSceneReader::ReadBlock(const char* p_first, const char* p_last, std::uin
 void ObjSceneReader::ReserveNext(const Sizes& p_before, double p_blocksLeft) {
   const Sizes sizes = ArraySizes();
   const std::size_t gained = sizes[0] - p_before[0];
-  if (std::exchange(_gainedIndices, gained) != 0) // the first block with faces has others above them
-    ReserveFor(_scene.indices, gained, p_blocksLeft);
+  if (std::exchange(_gainedIndices, gained) != 0 && // the first block with faces has others above them
+      ReserveFor(_scene.indices, gained, p_blocksLeft))
+    ReleaseRests(); // most files have their faces at the end
   DoubleFor(_scene.positions, sizes[1] - p_before[1]);
   DoubleFor(_normals, sizes[2] - p_before[2]);
   DoubleFor(_texCoords, sizes[3] - p_before[3]);
+}
+
+void ObjSceneReader::ReleaseRests() {
+  ReleaseRest(_scene.indices);
+  for (std::vector<float>* const array :
+       {&_scene.positions, &_scene.normals, &_scene.texCoords, &_scene.colors, &_normals, &_texCoords})
+    ReleaseRest(*array);
 }
 
 void ObjSceneReader::AddBlock(const ObjSceneBlock& p_block, std::size_t p_bytes, std::uint64_t p_bytesLeft) {
@@ -259,6 +269,7 @@ ObjScene ObjSceneReader::Finish(Utility::Threads p_threads) {
   FinishColors();
   if (_hasTriangles)
     FinishNormals(p_threads);
+  ReleaseRests();
   return std::move(_scene);
 }
 

@@ -103,6 +103,7 @@ private:
   }
   /// Makes room for what follows a block, before which the arrays had these sizes.
   void ReserveNext(const Sizes& p_before, double p_blocksLeft);
+  void ReleaseRests();
   void CheckSize() const;
 
   void FinishIndices();

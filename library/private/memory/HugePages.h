@@ -12,6 +12,13 @@ void AdviseHugePages(void* p_memory, std::size_t p_bytes);
 /// Gives the whole pages of memory back that is not read again, before it is freed.
 void ReleasePages(void* p_memory, std::size_t p_bytes);
 
+/// Gives the whole pages behind the elements of a vector back, which a huge page may have taken with them. The memory
+/// stays reserved.
+template <class T>
+void ReleaseRest(std::vector<T>& p_vector) {
+  ReleasePages(p_vector.data() + p_vector.size(), (p_vector.capacity() - p_vector.size()) * sizeof(T));
+}
+
 /// Sets memory to 0 without writing to what is 0 already: fresh memory is 0 and takes no pages until it is written.
 void ClearMemory(void* p_memory, std::size_t p_bytes);
 
