@@ -143,14 +143,23 @@ double Peak(const Read& p_read) {
   return (Vek::Bench::MemoryBytes("VmHWM") - before) / double(ResultBytes(*mesh));
 }
 
-/// Also counts the peak of memory of the first load; asked: at most 1.3 times the arrays.
+struct Peaks {
+  double scene = Peak([] { return std::make_unique<ObjScene>(ReadObjScene(TorusPath())); });
+  double model = Peak([] { return LoadPolygonObjFile(TorusPath()); });
+};
+
+/// Of the first loads in the process: the allocator has kept nothing that others left behind. Asked: at most 1.3.
+const Peaks& FirstPeaks() {
+  static const Peaks First;
+  return First;
+}
+
 void LoadModel(benchmark::State& p_state) {
   TorusPath();
-  static const double FirstPeak = Peak([] { return LoadPolygonObjFile(TorusPath()); });
+  p_state.counters["peak/result"] = FirstPeaks().model;
   for (auto _ : p_state)
     benchmark::DoNotOptimize(LoadPolygonObjFile(TorusPath()));
   CountBytes(p_state);
-  p_state.counters["peak/result"] = FirstPeak;
 }
 BENCHMARK(LoadModel)->Unit(benchmark::kMillisecond)->UseRealTime();
 
@@ -192,10 +201,10 @@ BENCHMARK_CAPTURE(LoadFaces, QuadsSilentSink, Faces::Quad, std::make_shared<Sile
     ->UseRealTime();
 BENCHMARK_CAPTURE(LoadFaces, QuadsDefaultSink, Faces::Quad, nullptr)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-/// Also counts the peak of memory, which includes what earlier calls left behind.
 void ReadScene(benchmark::State& p_state, Faces p_faces) {
   const std::string path = TorusPath(p_faces);
-  p_state.counters["peak/result"] = Peak([&] { return std::make_unique<ObjScene>(ReadObjScene(path)); });
+  if (p_faces == Faces::TwoTriangles)
+    p_state.counters["peak/result"] = FirstPeaks().scene;
   for (auto _ : p_state)
     benchmark::DoNotOptimize(ReadObjScene(path));
   p_state.SetBytesProcessed(std::int64_t(p_state.iterations()) * std::int64_t(std::filesystem::file_size(path)));
