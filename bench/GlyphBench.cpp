@@ -1,8 +1,10 @@
-// Ten thousand to a million glyphs on a grid that fills 1600 x 1000 pixels, with levels of detail and as whole meshes.
-// `of_full` is the CPU time of a frame of whole meshes over that of one with levels; it is asked to be 5 at least for
-// 10^5 arrows and 10 for 10^6. `different` is the share of pixels that differ by more than 32 of 255 in a channel
-// (asked: 0.01 at most for 10^4 arrows), `mean` the mean difference of a channel at a quarter of the size (asked: 4 at
-// most for 10^6).
+// Ten thousand to a million glyphs on a grid that fills 1600 x 1000 pixels, with levels of detail, and segments of
+// streamlines. All times are CPU times of all threads.
+// Glyphs: `of_full` is the time of a frame of whole meshes over that of one with levels. `different` is the share of
+// pixels that differ by more than 32 of 255 in a channel (asked: 0.01 at most for 10^4 arrows), `mean` the mean
+// difference of a channel at a quarter of the size (asked: 4 at most for 10^6).
+// Peer: `of_vtk` is the time of a frame of vtkGlyph3DMapper over that of one with levels; it is asked to be 5 at least
+// for 10^5 arrows and 10 for 10^6.
 // GLYPH_IMAGES=FOLDER in the environment keeps the images.
 
 #include "library/ColorMap.h"
@@ -12,6 +14,7 @@
 #include "scene/Camera.h"
 #include "scene/DirectionalLight.h"
 #include "scene/InstancedMesh.h"
+#include "scene/TubeMesh.h"
 
 #include "LiveMemory.h"
 #ifdef VEK_BENCH_VTK
@@ -100,7 +103,8 @@ public:
       , gl(context.Handle())
       , map(Library::ColorMap::Named("viridis")) {}
   /// The CPU time of a frame.
-  double Draw(const InstancedMesh& p_mesh, double p_shift = 0) {
+  template <class Mesh>
+  double Draw(const Mesh& p_mesh, double p_shift = 0) {
     gl->Finish();
     const double start = CpuSeconds();
     gl->ClearColor(Qt::white);
@@ -246,6 +250,61 @@ BENCHMARK_CAPTURE(Frames, Spheres, Spheres)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(10);
+
+/// Streamlines of 100 segments: as tubes, or as the lines without width that are drawn while the camera moves.
+Scene::GpuMesh Curves(std::size_t p_segments, bool p_areTubes) {
+  constexpr std::size_t Length = 100;
+  Scene::TubeMesh tubes{Library::StreamLineShape(Library::StreamLineShape::ShapeTube, {})};
+  std::vector<Types::Vector3_Base<double>> points;
+  std::vector<double> values;
+  Scene::GpuMesh::Arrays arrays;
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> number(0, 1);
+  for (std::size_t line = 0; line < p_segments / Length; ++line) {
+    const double x = Width * number(random), y = Height * number(random), phase = 6.28 * number(random);
+    std::vector<Scene::TubeMesh::Point> curve;
+    for (std::size_t i = 0; i <= Length; ++i) {
+      const double t = 0.05 * static_cast<double>(i);
+      curve.push_back({{x + 40 * std::cos(t + phase), y + 40 * std::sin(t + phase), 8 * t}, 1.5, number(random)});
+      if (i != 0)
+        for (const std::size_t end : {points.size() - 1, points.size()})
+          arrays.indices.push_back(static_cast<std::uint32_t>(end));
+      points.push_back(curve.back().position);
+      values.push_back(curve.back().value);
+    }
+    if (p_areTubes)
+      tubes.Add(curve);
+  }
+  if (p_areTubes)
+    return Scene::GpuMesh(tubes.TakeMesh());
+  arrays.positions = points;
+  arrays.values = values;
+  arrays.primitive = Ogl::VertexBuffer::LineSegments;
+  return Scene::GpuMesh(arrays);
+}
+
+void Streamlines(benchmark::State& p_state, bool p_areTubes) {
+  Target target(static_cast<int>(p_state.range(1)));
+  const Scene::GpuMesh mesh = Curves(static_cast<std::size_t>(p_state.range(0)), p_areTubes);
+  target.Draw(mesh);
+  double least = std::numeric_limits<double>::infinity(), shift = 0;
+  for (auto _ : p_state) {
+    const double seconds = target.Draw(mesh, shift += 1e-3);
+    p_state.SetIterationTime(seconds);
+    least = std::min(least, seconds);
+  }
+  p_state.counters["least_ms"] = 1e3 * least;
+}
+BENCHMARK_CAPTURE(Streamlines, Tubes, true)
+    ->ArgsProduct({{10000, 100000, 1000000}, {0}})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
+BENCHMARK_CAPTURE(Streamlines, ThinLines, false)
+    ->ArgsProduct({{10000, 100000, 1000000}, {0}})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
 
 #ifdef VEK_BENCH_VTK
 /// The CPU time of a frame of vtkGlyph3DMapper, before our context is made: a thread has one current at a time.
