@@ -48,7 +48,7 @@ struct Field {
 
   QImage Colored(const ColorScale& p_scale) const {
     QImage image(Columns, Rows, QImage::Format_RGBA8888);
-    p_scale.Map(values.data(), values.size(), image.bits());
+    p_scale.Map(values.data(), values.size(), image.bits(), Vek::Chart::Utility::Threads::All());
     return image;
   }
 
