@@ -35,6 +35,11 @@ SurfacePlot& SurfacePlot::Contours(const Array1& p_heights) {
   return *this;
 }
 
+SurfacePlot& SurfacePlot::Contours(std::initializer_list<double> p_heights) {
+  Surface(Content()).SetContours(p_heights);
+  return *this;
+}
+
 SurfacePlot& SurfacePlot::UpdateHeights(const Array1& p_heights) {
   Surface(Content()).UpdateHeights(p_heights);
   return *this;

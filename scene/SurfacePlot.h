@@ -4,6 +4,8 @@
 #include "scene/Export.h"
 #include "scene/Plot.h"
 
+#include <initializer_list>
+
 namespace Vek::Chart::Scene {
 
 /// A surface of heights over a grid with even or uneven distances. Made by `Figure::Surface`.
@@ -30,6 +32,7 @@ public:
   SurfacePlot& Contours(int p_most = 10);
   /// Lines at these heights; those that are not finite have none.
   SurfacePlot& Contours(const Array1& p_heights);
+  SurfacePlot& Contours(std::initializer_list<double> p_heights); ///< `{1}` is the height 1
 
   /// Replaces the heights by as many others. Where nodes are missing before and after alike, indices are not uploaded.
   SurfacePlot& UpdateHeights(const Array1& p_heights);

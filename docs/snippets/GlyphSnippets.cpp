@@ -16,7 +16,6 @@
 
 using namespace Vek::Chart::Library;
 using Types::Matrix3;
-using Point = Types::Vector3_Base<double>;
 
 namespace {
 

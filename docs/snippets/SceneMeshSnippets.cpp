@@ -18,7 +18,6 @@
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Scene;
-using Point = Types::Vector3_Base<double>;
 
 namespace {
 

@@ -143,15 +143,15 @@ TEST_F(ColorAtlasCalls, DescribesRunsAndOffsets) {
 }
 
 TEST_F(ColorAtlasCalls, HasTheCoordinateOfEachColorAndCopy) {
-  using Point = Ogl::Vec2<float>;
+  using TexCoord = Ogl::Vec2<float>;
   ColorAtlas atlas; // two rows of eight: a, b c d, and the copies of those three, of which the last is in row 1
   Add(atlas, "a0 b0 c2 d3", {{2, {}}, {2, {{3, Numbered(8)}}}});
   atlas.AddColor(Numbered(5), ColorAtlas::NoParent);
   const ReportCapture reports;
-  EXPECT_EQ(atlas.TexCoord(1), Point()) << "before the first build";
+  EXPECT_EQ(atlas.TexCoord(1), TexCoord()) << "before the first build";
   Build(atlas, 8);
   EXPECT_EQ(Rows(atlas.AtlasImage()), "abcdbcd. bxx..... ");
-  const std::tuple<unsigned int, unsigned int, Point> cases[] = {
+  const std::tuple<unsigned int, unsigned int, TexCoord> cases[] = {
       // colour, instance or 0, coordinate
       {1, 0, {0.0625f, 0.75f}}, {3, 0, {0.3125f, 0.75f}}, {2, 5, {0.5625f, 0.75f}}, {4, 5, {0.8125f, 0.75f}},
       {5, 0, {0.5625f, 0.75f}}, {2, 6, {0.0625f, 0.25f}}, {3, 6, {0.1875f, 0.25f}}, {6, 0, {0.0625f, 0.25f}},
@@ -160,9 +160,9 @@ TEST_F(ColorAtlasCalls, HasTheCoordinateOfEachColorAndCopy) {
     EXPECT_EQ(instance == 0 ? atlas.TexCoord(color) : atlas.TexCoord(color, instance), expected)
         << color << ' ' << instance;
   const std::string signature = " - class Vek::Chart::Ogl::Vec2<float> __cdecl Vek::Chart::Library::ColorAtlas::";
-  EXPECT_EQ(atlas.TexCoord(7), Point()) << "not laid out";
-  EXPECT_EQ(atlas.TexCoord(99), Point());
-  EXPECT_EQ(atlas.TexCoord(7, 5), Point());
+  EXPECT_EQ(atlas.TexCoord(7), TexCoord()) << "not laid out";
+  EXPECT_EQ(atlas.TexCoord(99), TexCoord());
+  EXPECT_EQ(atlas.TexCoord(7, 5), TexCoord());
   EXPECT_EQ(atlas.TexCoord(1, 5), atlas.TexCoord(1)) << "not in that copy";
   EXPECT_EQ(atlas.TexCoord(2, 3), atlas.TexCoord(2)) << "not an instance";
   const std::string undefined = "\"coords.Defined()\"" + signature + "TexCoord(unsigned int,unsigned int) const";

@@ -78,7 +78,7 @@ TEST_F(SurfacePlotCalls, UploadWhatChanged) {
   std::swap(heights[0], heights[11]);
   plot.UpdateHeights(heights);
   EXPECT_EQ(UploadsOf(figure), (Bytes{12 * 12, 12 * 12})) << "heights, other values";
-  plot.Contours(Doubles{5.5});
+  plot.Contours({5.5});
   EXPECT_EQ(UploadsOf(figure).size(), 1U) << "lines";
   heights[5] = NaN; // each of the four cells around the node loses one of its two triangles
   plot.Contours(0).UpdateHeights(heights);
