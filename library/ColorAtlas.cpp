@@ -181,8 +181,11 @@ Private::AtlasTree ColorAtlas::Tree() {
   Private::AtlasTree tree;
   tree.slotById = &_slots;
   tree.findSlot = [this](unsigned int p_id) { return FindSlot(p_id, Signature::ColorAt); };
-  tree.nodes = &_nodes;
-  tree.rootId = _rootId;
+  tree.count = _nodes.size();
+  tree.at = [this](std::uint32_t p_slot) {
+    const ColorNode& node = _nodes[p_slot];
+    return Private::AtlasTree::Color{&node.children, node.color.rgba(), node.parent == _rootId, node.instanceCount > 0};
+  };
   const std::vector<unsigned int>& children = ColorAt(_rootId).children;
   tree.plainRoots.reserve(children.size()); // most are: it would grow to twice their number
   for (const unsigned int child : children)

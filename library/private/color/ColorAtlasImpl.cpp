@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <utility>
 
 namespace Vek::Chart::Library::Private {
@@ -63,7 +64,7 @@ void ColorAtlasImpl::Walk(const std::vector<unsigned int>& p_roots, Visitor& p_v
     std::uint32_t next;  ///< the child to visit next
   };
   const auto idsOf = [&](const Level& p_level) {
-    return p_level.owner == AtlasTree::NoSlot ? &p_roots : &(*_tree.nodes)[p_level.owner].children;
+    return p_level.owner == AtlasTree::NoSlot ? &p_roots : _tree.at(p_level.owner).children;
   };
   std::deque<Level> above; // does not move: the stack may be as long as the tree
   Level level{AtlasTree::NoSlot, 0};
@@ -80,7 +81,7 @@ void ColorAtlasImpl::Walk(const std::vector<unsigned int>& p_roots, Visitor& p_v
     const std::uint32_t slot = SlotOf((*ids)[level.next++]);
     if (slot == AtlasTree::NoSlot || !p_visitor.Enter(slot))
       continue;
-    if ((*_tree.nodes)[slot].children.empty()) {
+    if (_tree.at(slot).children->empty()) {
       p_visitor.Leave(slot);
       continue;
     }
@@ -131,7 +132,7 @@ protected:
     const Pixel pixelCoordFirst = PixelOf(p_span.first, _image);
     if (VEK_ENSURE_TEXT(pixelCoordFirst.y < _image.MaxHeight(), "pixelCoordFirst.y < _image.MaxHeight()",
                         Signature::WriteColor))
-      _image.WriteUniquePixel(pixelCoordFirst, (*_tree.nodes)[p_slot].color.rgba());
+      _image.WriteUniquePixel(pixelCoordFirst, _tree.at(p_slot).color);
     if (!VEK_ENSURE_TEXT(!_placed[p_slot], "query.second && \"Coordinate p_spans must not have already been added\"",
                          Signature::MapSpan))
       return false;
@@ -153,12 +154,11 @@ public:
   using CoordinateMapper::CoordinateMapper;
 
   bool Enter(std::uint32_t p_slot) {
-    const ColorAtlas::ColorNode& current = (*_tree.nodes)[p_slot];
+    const AtlasTree::Color current = _tree.at(p_slot);
     IndexSpan span = Unshifted(p_slot);
     span = {span.first + _shift, span.last + _shift};
-    if (current.instanceCount > 0) {
-      VEK_ENSURE_TEXT(current.parent == _tree.rootId, "current.parent == _atlas.RootAtlasId()",
-                      Signature::InstanceMapperCall);
+    if (current.instanced) {
+      VEK_ENSURE_TEXT(current.topLevel, "current.parent == _atlas.RootAtlasId()", Signature::InstanceMapperCall);
       MoveToNextRow(span);
     }
     if (!Place(p_slot, span))
@@ -169,7 +169,7 @@ public:
   }
 
   void Leave(std::uint32_t p_slot) {
-    if ((*_tree.nodes)[p_slot].instanceCount > 0)
+    if (_tree.at(p_slot).instanced)
       ProcessInstances(p_slot, _layout.runs[p_slot]);
   }
 
@@ -315,7 +315,7 @@ void ColorAtlasImpl::InstanceCoordinateMapper::OverwritePixelSpan(std::uint64_t 
 }
 
 std::size_t ColorAtlasImpl::NumberColors() {
-  _spans.assign(_tree.nodes->size(), NoSpan);
+  _spans.assign(_tree.count, NoSpan);
   SpanBuilder builder(*this);
   Walk(_tree.plainRoots, builder);
   Walk(_tree.instancedRoots, builder);
@@ -326,7 +326,7 @@ AtlasLayout ColorAtlasImpl::MapColors(ImageBuilder& p_image) {
   AtlasLayout layout;
   layout.runs = std::move(_spans);
   layout.offsets.resize(_tree.instances.size());
-  std::vector<bool> placed(_tree.nodes->size());
+  std::vector<bool> placed(_tree.count);
   CoordinateMapper plain(_tree, p_image, layout, placed);
   Walk(_tree.plainRoots, plain);
   InstanceCoordinateMapper instanced(_tree, p_image, layout, placed);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "library/ColorAtlas.h"
 #include "platform/ogl/Vec.h"
 #include "platform/types/Range.h"
 
@@ -8,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
@@ -19,11 +17,17 @@ namespace Vek::Chart::Library::Private {
 class ImageBuilder;
 
 /// A tree of colours and their instances, as the layout reads it. A colour is addressed by its slot, which is its
-/// position in `nodes`. Ids are the numbers by which the tree itself refers to its colours.
+/// number from 0 on. Ids are the numbers by which the tree itself refers to its colours.
 struct AtlasTree {
   /// No colour.
   static constexpr std::uint32_t NoSlot = 0xFFFFFFFF;
 
+  struct Color {
+    const std::vector<unsigned int>* children = nullptr; ///< ids
+    QRgb color = 0;
+    bool topLevel = false;  ///< whether it lies under the root
+    bool instanced = false; ///< whether its sub-tree is followed by copies
+  };
   struct Instance {
     unsigned int id = 0;
     const std::map<unsigned int, QColor>* replacements = nullptr; ///< by the id of the colour replaced
@@ -36,8 +40,8 @@ struct AtlasTree {
     std::size_t end = 0; ///< one past the last of them
   };
 
-  const std::deque<ColorAtlas::ColorNode>* nodes = nullptr;
-  unsigned int rootId = 0;
+  std::size_t count = 0;                    ///< of colours
+  std::function<Color(std::uint32_t)> at;   ///< the colour of a slot; not a list, which took as much as the tree
   std::vector<unsigned int> plainRoots;     ///< the ids of the top-level colours without instances
   std::vector<unsigned int> instancedRoots; ///< the ids of those with instances
   std::vector<Copies> copies;               ///< by slot, in ascending order
