@@ -18,7 +18,7 @@
 
 #include "LiveMemory.h"
 #ifdef VEK_BENCH_VTK
-#include "VtkGlyphs.h"
+#include "bench/VtkGlyphs.h"
 #endif
 
 #include <benchmark/benchmark.h>

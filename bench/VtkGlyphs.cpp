@@ -1,4 +1,4 @@
-#include "VtkGlyphs.h"
+#include "bench/VtkGlyphs.h"
 
 #include <vtkActor.h>
 #include <vtkArrowSource.h>
