@@ -67,7 +67,9 @@ void Chart::ShowPart(const Part& p_part) {
     else if (setting.reading == Setting::Reading::Level)
       setting.value = static_cast<int>(p_part.level);
     else if (setting.reading == Setting::Reading::Variable)
-      setting.value = p_part.variable.empty() ? 0 : setting.choices.indexOf(QString::fromStdString(p_part.variable));
+      setting.value = p_part.variable.empty()
+                          ? 0
+                          : static_cast<int>(setting.choices.indexOf(QString::fromStdString(p_part.variable)));
 }
 
 void Chart::AddParts(const QString& p_group, const Part& p_part, const std::vector<std::string>& p_times,
