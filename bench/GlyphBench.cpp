@@ -16,7 +16,7 @@
 #include "scene/InstancedMesh.h"
 #include "scene/TubeMesh.h"
 
-#include "LiveMemory.h"
+#include "bench/LiveMemory.h"
 #ifdef VEK_BENCH_VTK
 #include "bench/VtkGlyphs.h"
 #endif

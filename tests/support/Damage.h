@@ -42,7 +42,7 @@ void CheckDamage(const std::string& p_file, const Read& p_read) {
     const auto start = std::chrono::steady_clock::now();
     ErrorOf<Error>([&] { p_read(p_bytes); });
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << p_name;
-#ifndef __SANITIZE_ADDRESS__ // which keeps freed memory
+#ifndef VEK_SANITIZED // which keeps freed memory
     EXPECT_LT(memory.Grown(), 16e6 + 64.0 * double(p_bytes.size())) << p_name;
 #endif
   };
