@@ -60,10 +60,10 @@ void AddStreamlines(Scene::Figure& p_figure) {
 
 /// How many pixels in the upper left corner of the scene are dark.
 int Ink(const QImage& p_image, const FigureView& p_view) {
-  const auto scene = p_view.Figure()->Layout(p_view.Viewport(), p_view.devicePixelRatioF()).scene;
-  const double ratio = p_view.devicePixelRatioF();
-  const int left = static_cast<int>(scene.left),
-            top = static_cast<int>(static_cast<double>(p_image.height()) - static_cast<double>(scene.top));
+  const double ratio = p_view.devicePixelRatioF(); // scenes are in points
+  const auto scene = p_view.Figure()->Layout(p_view.Viewport(), ratio).scene;
+  const int left = static_cast<int>(ratio * scene.left),
+            top = static_cast<int>(p_image.height() - ratio * static_cast<double>(scene.top));
   int ink = 0;
   for (int y = std::max(0, top); y < top + 14 * ratio; ++y)
     for (int x = left; x < left + 150 * ratio; ++x)
