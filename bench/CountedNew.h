@@ -14,6 +14,15 @@ struct CountedBytes {
   std::atomic<std::size_t> now = 0;
   std::atomic<std::size_t> peak = 0;
   void Reset() { peak = now.load(); }
+
+  /// What `p_call` had at its peak beyond what was there before.
+  template <class Call>
+  double PeakOf(const Call& p_call) {
+    const std::size_t before = now;
+    Reset();
+    p_call();
+    return static_cast<double>(peak - before);
+  }
 };
 inline CountedBytes countedBytes;
 

@@ -16,7 +16,7 @@
 #include "scene/InstancedMesh.h"
 #include "scene/TubeMesh.h"
 
-#include "bench/LiveMemory.h"
+#include "bench/CountedNew.h"
 #ifdef VEK_BENCH_VTK
 #include "bench/VtkGlyphs.h"
 #endif
@@ -192,14 +192,14 @@ void Memory(benchmark::State& p_state) {
   InstancedMesh mesh;
   target.Draw(field.Mesh(InstancedMesh::Arrows(), Arrows)); // compiles
   const auto bytes = [&](const auto& p_call) {
-    return Vek::Bench::LiveMemory::PeakOf(p_call) / static_cast<double>(field.positions.size());
+    return Vek::Bench::countedBytes.PeakOf(p_call) / static_cast<double>(field.positions.size());
   };
   for (auto _ : p_state) {
-    const std::size_t before = Vek::Bench::LiveMemory::present;
+    const std::size_t before = Vek::Bench::countedBytes.now;
     p_state.counters["made"] = bytes([&] { mesh = field.Mesh(InstancedMesh::Arrows(), Arrows); });
     const auto since = [&](const auto& p_call) {
       const double kept =
-          static_cast<double>(Vek::Bench::LiveMemory::present - before) / static_cast<double>(field.positions.size());
+          static_cast<double>(Vek::Bench::countedBytes.now - before) / static_cast<double>(field.positions.size());
       return kept + bytes(p_call);
     };
     p_state.counters["drawn"] = since([&] { target.Draw(mesh); });
@@ -218,6 +218,10 @@ void Memory(benchmark::State& p_state) {
   }
 }
 BENCHMARK(Memory)->Iterations(1);
+
+void ThreeFrames(benchmark::internal::Benchmark* p_benchmark) {
+  p_benchmark->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+}
 
 /// Frames alone, each from another place: the least CPU time. `same_ms` is that of the same view once more. `select_ns`
 /// is the CPU time for an instance in a frame that shows none of them; it is asked to be 10 at most.
@@ -295,16 +299,8 @@ void Streamlines(benchmark::State& p_state, bool p_areTubes) {
   }
   p_state.counters["least_ms"] = 1e3 * least;
 }
-BENCHMARK_CAPTURE(Streamlines, Tubes, true)
-    ->ArgsProduct({{10000, 100000, 1000000}, {0}})
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3);
-BENCHMARK_CAPTURE(Streamlines, ThinLines, false)
-    ->ArgsProduct({{10000, 100000, 1000000}, {0}})
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3);
+BENCHMARK_CAPTURE(Streamlines, Tubes, true)->ArgsProduct({{10000, 100000, 1000000}, {0}})->Apply(ThreeFrames);
+BENCHMARK_CAPTURE(Streamlines, ThinLines, false)->ArgsProduct({{10000, 100000, 1000000}, {0}})->Apply(ThreeFrames);
 
 #ifdef VEK_BENCH_VTK
 /// The CPU time of a frame of vtkGlyph3DMapper, before our context is made: a thread has one current at a time.
@@ -359,16 +355,8 @@ BENCHMARK_CAPTURE(Peer, Arrows, Arrows)
     ->Args({1000000, 0})
     ->Args({100000, 4})
     ->Args({1000000, 4})
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3);
-BENCHMARK_CAPTURE(Peer, Spheres, Spheres)
-    ->Args({10000, 0})
-    ->Args({100000, 0})
-    ->Args({1000000, 0})
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3);
+    ->Apply(ThreeFrames);
+BENCHMARK_CAPTURE(Peer, Spheres, Spheres)->Args({10000, 0})->Args({100000, 0})->Args({1000000, 0})->Apply(ThreeFrames);
 #endif
 
 BENCHMARK_CAPTURE(Glyphs, Arrows, Arrows)
@@ -377,14 +365,7 @@ BENCHMARK_CAPTURE(Glyphs, Arrows, Arrows)
     ->Args({1000000, 4})
     ->Args({100000, 0})
     ->Args({1000000, 0})
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3);
-BENCHMARK_CAPTURE(Glyphs, Spheres, Spheres)
-    ->Args({10000, 4})
-    ->Args({100000, 0})
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3);
+    ->Apply(ThreeFrames);
+BENCHMARK_CAPTURE(Glyphs, Spheres, Spheres)->Args({10000, 4})->Args({100000, 0})->Apply(ThreeFrames);
 
 } // namespace
