@@ -4,59 +4,13 @@
 #include "tests/support/ErrorOf.h"
 #include "tests/support/FileCases.h"
 #include "tests/support/FileText.h"
-#include "tests/support/Formats.h"
 #include "tests/support/Output.h"
 #include "tests/support/Test.h"
+#include "tests/support/VolumeFiles.h"
 
 using Io::FileError;
-using Io::Volume;
 
 namespace {
-
-Volume Read(const std::string& p_bytes, const std::string& p_name = "v", const Io::VolumeOptions& p_options = {}) {
-  std::istringstream stream(p_bytes);
-  return Io::ReadVolume(stream, p_name, p_options);
-}
-
-/// "TYPE SIZE xCHANNELS: VALUES / spacing / origin / directions where they are not x, y, z / units, space and name".
-std::string Summary(const Volume& p_volume) {
-  static const char* const Types[] = {"u8", "i8", "u16", "i16", "u32", "i32", "f", "d"};
-  std::ostringstream out;
-  out << Types[p_volume.ValueType()];
-  for (const std::size_t size : p_volume.size)
-    out << ' ' << size;
-  if (p_volume.channels != 1)
-    out << " x" << p_volume.channels;
-  out << ':';
-  std::visit(
-      [&](const auto& p_values) {
-        for (const auto value : p_values)
-          out << ' ' << double(value);
-      },
-      p_volume.values);
-  out << Rounded(" /", p_volume.spacing) << Rounded(" /", p_volume.origin);
-  if (!p_volume.IsAxisAligned())
-    for (const Volume::Vector& direction : p_volume.orientation)
-      out << Rounded(" |", direction);
-  for (const std::string& text : {p_volume.lengthUnit, p_volume.space, p_volume.unit, p_volume.name})
-    out << (text.empty() ? "" : " " + text);
-  return out.str();
-}
-
-std::string SummaryOrError(const std::string& p_bytes, const std::string& p_name = "v",
-                           const Io::VolumeOptions& p_options = {}) {
-  try {
-    return Summary(Read(p_bytes, p_name, p_options));
-  } catch (const FileError& error) {
-    return error.what();
-  }
-}
-
-/// What is left out where gzip is not read.
-const char* const WithoutGzip = "compressed files are left out: this build is without zlib";
-bool ReadsGzip() {
-  return Reads("NRRD, compressed");
-}
 
 std::string Nrrd(const std::string& p_fields, const std::string& p_values) {
   return "NRRD0004\n" + p_fields + "\n" + p_values;
@@ -141,143 +95,6 @@ TEST(ReadVolume, OthersAndUnknown) {
       {"hello", "a.nii: expected the header of a NIfTI file, got 5 bytes of something else", "a.nii"},
   };
   CheckFiles(cases, "v", [](const auto& p_file, const auto& p_name) { return SummaryOrError(p_file, p_name); });
-}
-
-namespace {
-
-/// A NIfTI file of a version, with values behind the header.
-struct Nifti {
-  bool second = false;
-  bool bigEndian = false;
-  std::string bytes = std::string(544, '\0');
-
-  Nifti(bool p_second, bool p_bigEndian, std::initializer_list<double> p_sizes, int p_type, int p_bits)
-      : second(p_second)
-      , bigEndian(p_bigEndian)
-      , bytes(p_second ? 544 : 352, '\0') {
-    Set<std::int32_t>(0, {p_second ? 540.0 : 348.0});
-    bytes.replace(second ? 4 : 344, 4, second ? std::string("n+2\0", 4) : std::string("n+1\0", 4));
-    if (second) {
-      bytes.replace(8, 4, "\r\n\x1A\n");
-      Set<std::int64_t>(16, {double(p_sizes.size()), 1, 1, 1, 1, 1, 1, 1});
-      Set<std::int64_t>(24, p_sizes);
-      Set<std::int16_t>(12, {double(p_type), double(p_bits)});
-      Set<std::int64_t>(168, {544});
-    } else {
-      Set<std::int16_t>(40, {double(p_sizes.size()), 1, 1, 1, 1, 1, 1, 1});
-      Set<std::int16_t>(42, p_sizes);
-      Set<std::int16_t>(70, {double(p_type), double(p_bits)});
-      Set<float>(108, {352});
-    }
-    Reals(76, 104, {-1, 0.5, 2, 3});
-  }
-  template <class T>
-  Nifti& Set(std::size_t p_at, std::initializer_list<double> p_values) {
-    const std::string text = BytesOf<T>(p_values, bigEndian);
-    bytes.replace(p_at, text.size(), text);
-    return *this;
-  }
-  Nifti& Reals(std::size_t p_at1, std::size_t p_at2, std::initializer_list<double> p_values) {
-    return second ? Set<double>(p_at2, p_values) : Set<float>(p_at1, p_values);
-  }
-  Nifti& Codes(int p_quaternion, int p_matrix) {
-    return second ? Set<std::int32_t>(344, {double(p_quaternion), double(p_matrix)})
-                  : Set<std::int16_t>(252, {double(p_quaternion), double(p_matrix)});
-  }
-  Nifti& Units(int p_units) {
-    return second ? Set<std::int32_t>(500, {double(p_units)}) : Set<std::uint8_t>(123, {double(p_units)});
-  }
-};
-
-Nifti Oblique(bool p_second, bool p_bigEndian, int p_quaternion, int p_matrix) {
-  Nifti file(p_second, p_bigEndian, {3, 2, 2}, 4, 16);
-  file.Codes(p_quaternion, p_matrix).Units(2).Reals(256, 352, {0.5, -0.4, 0.3, 7, 8, 9});
-  file.Reals(280, 400, {0.4, 0.1, 0, -10, 0.2, 2, 0.5, 20});
-  file.Reals(312, 464, {0, -0.25, 3, 30});
-  file.bytes += BytesOf<std::int16_t>({1, -2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 1200}, p_bigEndian);
-  return file;
-}
-
-} // namespace
-
-TEST(ReadVolume, NiftiValuesAndErrors) {
-  struct Case {
-    Nifti file;
-    std::string values;
-    std::string expected;
-  };
-  const auto four = [](int p_type, int p_bits) { return Nifti(false, false, {2, 2}, p_type, p_bits); };
-  const Case cases[] = {
-      {four(2, 8).Units(1), "abcd", "u8 2 2 1: 97 98 99 100 / 0.5 2 3 / 0 0 0 m"},
-      {four(512, 16).Reals(112, 0, {0.5, -1}), BytesOf<std::uint16_t>({0, 1, 2, 60001}),
-       "f 2 2 1: -1 -0.5 0 29999.5 / 0.5 2 3 / 0 0 0"},
-      {Nifti(true, true, {2, 1, 1}, 64, 64), BytesOf<double>({1.5, -1e10}, true),
-       "d 2 1 1: 1.5 -1e+10 / 0.5 2 3 / 0 0 0"},
-      {Nifti(true, false, {2, 1, 1}, 8, 32).Reals(112, 176, {2, 1}), BytesOf<std::int32_t>({2147483647, -1}),
-       "d 2 1 1: 4.29497e+09 -1 / 0.5 2 3 / 0 0 0"},
-      {Nifti(false, false, {1, 2, 1}, 128, 24), "abcdef", "u8 1 2 1 x3: 97 98 99 100 101 102 / 0.5 2 3 / 0 0 0"},
-      {Nifti(false, false, {2, 1, 1, 1, 2}, 2, 8), "abcd", "u8 2 1 1 x2: 97 99 98 100 / 0.5 2 3 / 0 0 0"},
-      {Nifti(false, false, {2, 1, 1, 2}, 2, 8), "abcd", "u8 2 1 1: 97 98 / 0.5 2 3 / 0 0 0"},
-      {Nifti(false, false, {1, 2, 1, 3, 2}, 2, 8), "abcdefABCDEF", "u8 1 2 1 x2: 97 65 98 66 / 0.5 2 3 / 0 0 0"},
-      {Nifti(false, false, {1, 1, 1, 1, 1, 2}, 2, 8), "ab",
-       "v: byte 40: expected three dimensions, steps and channels, got sizes of 1 x 1 x 2 x 1 behind them"},
-      {four(32, 64), "", "v: byte 70: expected values that are integers, floats or colours, got type 32"},
-      {four(2, 8), "abc", "v: expected 1 × 4 values, got a file that holds at most 3"},
-      {Nifti(false, false, {2, -1}, 2, 8), "", "v: byte 44: expected a size of 1 or more, got -1"},
-      {Nifti(false, false, {30000, 30000, 30000, 30000}, 2, 8), "",
-       "v: expected 30000 × 27000000000000 values, got a file that holds at most 0"},
-      {four(2, 8).Reals(108, 0, {1e9}), "abcd", "v: expected values from byte 1000000000, got the end of the file"},
-  };
-  for (const auto& [file, values, expected] : cases)
-    EXPECT_EQ(SummaryOrError(file.bytes + values), expected);
-  Io::VolumeOptions second;
-  second.step = 1;
-  EXPECT_EQ(SummaryOrError(Nifti(false, false, {2, 1, 1, 2}, 2, 8).bytes + "abcd", "v", second),
-            "u8 2 1 1: 99 100 / 0.5 2 3 / 0 0 0");
-  for (const bool isSecond : {false, true})
-    for (const auto& [least, most] : {std::pair(-3.0, 7.0), std::pair(0.0, 0.0), std::pair(7.0, -3.0)}) {
-      std::istringstream stream(Nifti(isSecond, true, {2, 1}, 2, 8).Reals(124, 192, {most, least}).bytes + "ab");
-      const auto range = Io::ReadVolume(stream, "v").displayRange;
-      EXPECT_EQ(range.value_or(std::array<double, 2>{}), (least < 0 ? std::array{least, most} : std::array{0., 0.}));
-    }
-  EXPECT_EQ(SummaryOrError(Nifti(false, false, {1, 2, 1, 3, 2}, 2, 8).bytes + "abcdefABCDEF", "v", second),
-            "u8 1 2 1 x2: 99 67 100 68 / 0.5 2 3 / 0 0 0");
-  second.step = 2;
-  EXPECT_EQ(SummaryOrError(Nifti(false, false, {2, 1, 1, 2}, 2, 8).bytes + "abcd", "v", second),
-            "v: expected a step below 2, got 2");
-}
-
-TEST(ReadVolume, NiftiAsItsOwnToolReadsIt) {
-  for (const bool second : {false, true})
-    for (const bool bigEndian : {false, true})
-      for (const bool matrix : {false, true}) {
-        const TempFolder folder;
-        const std::string path = folder.Write("a.nii", Oblique(second, bigEndian, 1, matrix).bytes);
-        const Volume volume = Io::ReadVolume(path);
-        // The tool prints three lines, and one with 16 numbers, row by row.
-        const char* const field = matrix ? "sto_xyz" : "qto_xyz";
-        std::istringstream output(
-            Output(std::string("nifti_tool -disp_nim -quiet -field ") + field + " -infiles " + path));
-        std::array<double, 12> transform{};
-        for (double& number : transform)
-          output >> number;
-        for (int row = 0; row < 3; ++row) {
-          const double* const m = &transform[4 * row];
-          EXPECT_NEAR(volume.Position(2, 1, 1)[row], 2 * m[0] + m[1] + m[2] + m[3], 2e-5) << field << row;
-        }
-        EXPECT_EQ(Output("nifti_tool -disp_ci 2 1 1 0 0 0 0 -quiet -infiles " + path),
-                  std::to_string(int(volume.Value(2, 1, 1))) + "\n");
-        Output("cd " + folder.Path().string() +
-               " && nifti_tool -copy_im -prefix b.nii.gz -infiles a.nii && "
-               "nifti_tool -copy_im -prefix c.hdr -infiles a.nii && cp c.hdr d.hdr && gzip -c c.img > d.img.gz");
-        for (const std::string copy : {"c.hdr", "c.img", "b.nii.gz", "d.hdr", "d.img.gz"}) {
-          if (copy[0] != 'c' && !ReadsGzip())
-            break;
-          EXPECT_EQ(Summary(Io::ReadVolume(folder.File(copy))), Summary(volume)) << copy;
-        }
-      }
-  if (!ReadsGzip())
-    GTEST_SKIP() << WithoutGzip;
 }
 
 TEST(ReadVolume, NrrdAsItsOwnProgramWritesIt) {
