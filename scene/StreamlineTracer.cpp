@@ -75,7 +75,8 @@ private:
       const bool inside = Try(p_position, p_direction, taken, p_next, k4, error);
       const bool smallest = taken <= _options.smallestStep;
       if (inside && (error <= _options.tolerance || smallest)) {
-        const double growth = error > 0 ? 0.9 * std::cbrt(_options.tolerance / error) : 2.0;
+        // Far below the tolerance, the step doubles; 0.9 times the root is above 2 then.
+        const double growth = error * 12 < _options.tolerance ? 2.0 : 0.9 * std::cbrt(_options.tolerance / error);
         p_step = std::max(_options.smallestStep, taken * std::clamp(growth, 0.2, 2.0));
         p_direction = k4;
         _taken = taken;
@@ -122,12 +123,11 @@ public:
               const StreamlineTracer::Spacing& p_spacing, std::vector<Streamline> p_before)
       : _field(p_field)
       , _options(p_options)
-      , _spacing(p_spacing)
+      , _spacing(Checked(p_spacing))
+      , _seedSquare(SquareOf(p_spacing.seeds))
       , _others(p_spacing.seeds)
+      , _own(p_spacing.lines)
       , _lines(std::move(p_before)) {
-    Require(p_spacing.seeds > 0 && std::isfinite(p_spacing.seeds), "a distance of seeds above 0");
-    Require(p_spacing.lines > 0 && p_spacing.lines <= p_spacing.seeds,
-            "a distance of lines above 0, at most that of seeds");
     for (const Streamline& line : _lines)
       _others.Add(line);
   }
@@ -137,7 +137,7 @@ public:
 
   /// False where the seed is near to a line, or its own line too short.
   bool Add(const Point& p_seed) {
-    if (_others.HasNear(p_seed, _spacing.seeds))
+    if (_others.NearestSquare(p_seed, _seedSquare) < _seedSquare)
       return false;
     Streamline line = Trace(p_seed);
     if (line.size() < 2 || StreamlineTracer::ArcLength(line) < _spacing.shortest || IsCancelled(_options))
@@ -148,25 +148,36 @@ public:
   }
 
 private:
-  Streamline Trace(const Point& p_seed) const {
-    const double nearest = _spacing.lines;
-    OwnTrail upTrail(nearest);
+  static const StreamlineTracer::Spacing& Checked(const StreamlineTracer::Spacing& p_spacing) {
+    Require(p_spacing.seeds > 0 && std::isfinite(p_spacing.seeds), "a distance of seeds above 0");
+    Require(p_spacing.lines > 0 && p_spacing.lines <= p_spacing.seeds,
+            "a distance of lines above 0, at most that of seeds");
+    return p_spacing;
+  }
+
+  Streamline Trace(const Point& p_seed) {
+    Approach upstreamOthers(_others, _spacing.lines), downstreamOthers = upstreamOthers;
+    _own.Clear();
     const Streamline upstream = Integrator(_field, _options, -1).Trace(p_seed, [&](const Point& p_at, double p_arc) {
-      return _others.HasNear(p_at, nearest) || upTrail.IsNear(p_at, p_arc);
+      return upstreamOthers.IsNear(p_at) || _own.IsNear(p_at, p_arc);
     });
     // The way downstream must not run into the one upstream either, but where both begin they are near each other.
     const double beginning = 2 * _spacing.seeds;
-    Neighbourhood passed(_spacing.seeds);
-    Neighbourhood passedFar(_spacing.seeds);
+    _own.Clear();
     double arc = 0;
+    std::size_t near = 1;
     for (std::size_t i = 1; i < upstream.size(); ++i) {
       arc += Length(upstream[i] - upstream[i - 1]);
-      (arc < beginning ? passed : passedFar).Add(upstream[i]);
+      if (arc < beginning)
+        near = i + 1;
+      else
+        _own.Add(upstream[i]);
     }
-    OwnTrail downTrail(nearest);
+    std::size_t next = 1;
     const Streamline downstream = Integrator(_field, _options, 1).Trace(p_seed, [&](const Point& p_at, double p_arc) {
-      return _others.HasNear(p_at, nearest) || passedFar.HasNear(p_at, nearest) ||
-             (p_arc >= beginning && passed.HasNear(p_at, nearest)) || downTrail.IsNear(p_at, p_arc);
+      for (; p_arc >= beginning && next < near; ++next)
+        _own.Add(upstream[next]);
+      return downstreamOthers.IsNear(p_at) || _own.IsNear(p_at, p_arc);
     });
     return Joined(upstream, downstream);
   }
@@ -174,19 +185,26 @@ private:
   const StreamlineTracer::Field& _field;
   const StreamlineTracer::Options& _options;
   const StreamlineTracer::Spacing _spacing;
+  double _seedSquare;
   Neighbourhood _others;
+  OwnTrail _own;
   std::vector<Streamline> _lines;
 };
 
 /// Directions across a line, in which seeds are taken: along the layer, or around the line.
-std::vector<Point> Sides(const Point& p_along, const Point& p_layer) {
-  if (Length(p_layer) > 0) {
+struct Sides {
+  std::array<Point, 4> directions;
+  std::size_t count;
+};
+
+Sides SidesOf(const Point& p_along, const Point& p_layer) {
+  if (p_layer != Point()) {
     const Point side = Normalize(Cross(p_layer, p_along));
-    return {side, -side};
+    return {{side, -side}, 2};
   }
   const Point axis = std::abs(p_along.z) < 0.9 * Length(p_along) ? Point(0, 0, 1) : Point(1, 0, 0);
   const Point side = Normalize(Cross(axis, p_along)), up = Normalize(Cross(p_along, side));
-  return {side, -side, up, -up};
+  return {{side, -side, up, -up}, 4};
 }
 
 /// Seeds beside a line, one set for every half of the distance along it.
@@ -198,8 +216,9 @@ void AddSeedsBeside(const Streamline& p_line, double p_distance, const Point& p_
     if (arc < p_distance / 2)
       continue;
     arc = 0;
-    for (const Point& side : Sides(along, p_layer))
-      p_seeds.push_back(p_line[i] + side * (p_distance * (1 + 1e-6))); // rounding must not bring it nearer
+    const Sides sides = SidesOf(along, p_layer);
+    for (std::size_t side = 0; side < sides.count; ++side) // rounding must not bring it nearer
+      p_seeds.push_back(p_line[i] + sides.directions[side] * (p_distance * (1 + 1e-6)));
   }
 }
 
