@@ -50,15 +50,25 @@ Between Within(const Axis& p_axis, double p_position) {
   const std::vector<double>& nodes = p_axis.nodes;
   if (nodes.size() == 1)
     return {};
-  // Exact on even axes; elsewhere the guess is replaced by a search.
   const double guess = (p_position - nodes.front()) * p_axis.cellsPerUnit, last = static_cast<double>(nodes.size() - 2);
-  std::size_t lower = guess > 0 ? static_cast<std::size_t>(std::min(guess, last)) : 0;
+  auto lower = static_cast<std::size_t>(static_cast<std::int64_t>(guess > 0 ? std::min(guess, last) : 0));
   const bool descends = p_axis.cellsPerUnit < 0;
   const auto liesBefore = [&](double p_node) { return descends ? p_node >= p_position : p_node <= p_position; };
-  if (!liesBefore(nodes[lower]) || liesBefore(nodes[lower + 1])) {
-    const auto next = std::partition_point(nodes.begin() + 1, nodes.end() - 1, liesBefore);
-    lower = static_cast<std::size_t>(next - nodes.begin()) - 1;
+  const auto search = [&](std::size_t p_first, std::size_t p_last) {
+    const double* const first = nodes.data() + p_first + 1;
+    return p_first +
+           static_cast<std::size_t>(std::partition_point(first, nodes.data() + p_last + 1, liesBefore) - first);
+  };
+  if (!p_axis.starts.empty()) {
+    const std::size_t most = p_axis.starts[lower + 1];
+    lower = p_axis.starts[lower];
+    if (most > lower + 1)
+      lower = search(lower, most);
+    else // without a branch that depends on the position
+      lower += static_cast<std::size_t>(most > lower) & static_cast<std::size_t>(liesBefore(nodes[lower + 1]));
   }
+  if (!liesBefore(nodes[lower]) || liesBefore(nodes[lower + 1])) // where the guess was rounded
+    lower = search(0, nodes.size() - 2);
   const double share = (p_position - nodes[lower]) / (nodes[lower + 1] - nodes[lower]);
   // A position on a node depends on that node alone, whatever lies beyond it.
   if (share <= 0)
@@ -68,30 +78,44 @@ Between Within(const Axis& p_axis, double p_position) {
   return {lower, lower + 1, share};
 }
 
-/// False beyond the ends.
+/// False beyond the ends, and where the position is not finite. A period of 0 is none.
 template <class Axis>
-bool Locate(const Axis& p_axis, double p_position, Between& p_between) {
-  if (!(p_position >= p_axis.low - p_axis.slack && p_position <= p_axis.high + p_axis.slack))
+bool Locate(const Axis& p_axis, double p_position, double p_period, Between& p_between) {
+  if (p_period > 0) {
+    p_position -= std::floor((p_position - p_axis.low) / p_period) * p_period;
+    if (!std::isfinite(p_position))
+      return false;
+    const double gap = p_axis.low + p_period - p_axis.high;
+    if (p_position > p_axis.high && gap > 0) {
+      const std::size_t last = p_axis.nodes.size() - 1;
+      p_between = p_axis.cellsPerUnit < 0 ? Between{0, last, 0} : Between{last, 0, 0};
+      p_between.share = std::min((p_position - p_axis.high) / gap, 1.0);
+      return true;
+    }
+  } else if (!(p_position >= p_axis.low - p_axis.slack && p_position <= p_axis.high + p_axis.slack)) {
     return false;
+  }
   p_between = Within(p_axis, std::clamp(p_position, p_axis.low, p_axis.high));
   return true;
 }
 
-/// False where the position is not finite.
-template <class Axis>
-bool LocateWrapped(const Axis& p_axis, double p_position, double p_period, Between& p_between) {
-  const double position = p_position - std::floor((p_position - p_axis.low) / p_period) * p_period;
-  if (!std::isfinite(position))
-    return false;
-  const double gap = p_axis.low + p_period - p_axis.high;
-  if (position <= p_axis.high || !(gap > 0)) {
-    p_between = Within(p_axis, std::clamp(position, p_axis.low, p_axis.high));
-    return true;
+/// For an axis divided into as many even parts as it has cells: the cell in which each part begins, and the last cell.
+/// Empty where the parts are the cells.
+std::vector<std::uint32_t> Starts(const std::vector<double>& p_nodes, double p_cellsPerUnit) {
+  std::vector<std::uint32_t> starts;
+  bool isEven = true;
+  std::uint32_t cell = 0;
+  for (std::uint32_t part = 0; part + 1 < p_nodes.size(); ++part) {
+    const auto parts = [&](std::size_t p_node) { return (p_nodes[p_node] - p_nodes.front()) * p_cellsPerUnit; };
+    while (cell + 2 < p_nodes.size() && parts(cell + 1) <= part)
+      ++cell;
+    isEven = isEven && std::abs(parts(part) - part) < 1e-6;
+    starts.push_back(cell);
   }
-  const std::size_t last = p_axis.nodes.size() - 1;
-  p_between = p_axis.cellsPerUnit < 0 ? Between{0, last, 0} : Between{last, 0, 0};
-  p_between.share = std::min((position - p_axis.high) / gap, 1.0);
-  return true;
+  if (isEven)
+    return {};
+  starts.push_back(static_cast<std::uint32_t>(p_nodes.size() - 2));
+  return starts;
 }
 
 } // namespace
@@ -113,6 +137,7 @@ VectorField::VectorField(std::array<std::vector<double>, 3> p_axes, const Array3
     axis.high = std::max(first, last);
     if (axis.nodes.size() > 1)
       axis.cellsPerUnit = static_cast<double>(axis.nodes.size() - 1) / (last - first);
+    axis.starts = Starts(axis.nodes, axis.cellsPerUnit);
   }
   const double cell = CellSize();
   for (NodeAxis& axis : _axes) {
@@ -183,10 +208,12 @@ void VectorField::WrapX(double p_period) {
 bool VectorField::Sample(const Vector& p_position, Vector& p_vector) const {
   if (_vectors.empty())
     return false;
-  Between x, y, z;
-  if (!(_period > 0 ? LocateWrapped(_axes[0], p_position.x, _period, x) : Locate(_axes[0], p_position.x, x)) ||
-      !Locate(_axes[1], p_position.y, y) || !Locate(_axes[2], p_position.z, z))
-    return false;
+  const std::array<double, 3> position{p_position.x, p_position.y, p_position.z};
+  std::array<Between, 3> cell;
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    if (!Locate(_axes[axis], position[axis], axis == 0 ? _period : 0, cell[axis]))
+      return false;
+  const auto &x = cell[0], &y = cell[1], &z = cell[2];
   const std::size_t columns = _axes[0].nodes.size(), rows = _axes[1].nodes.size();
   const auto alongX = [&](std::size_t p_y, std::size_t p_z) {
     const Vector* const row = _vectors.data() + columns * (p_y + rows * p_z);

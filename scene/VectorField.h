@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace Vek::Chart::Scene {
@@ -102,9 +103,10 @@ private:
   /// \cond
   struct NodeAxis {
     std::vector<double> nodes;
-    double low = 0, high = 0; // the smaller and the larger end
-    double cellsPerUnit = 0;  // mean, negative where the axis descends
-    double slack = 0;         // how far beyond the ends positions count as on the border
+    double low = 0, high = 0;          // the smaller and the larger end
+    double cellsPerUnit = 0;           // mean, negative where the axis descends
+    double slack = 0;                  // how far beyond the ends positions count as on the border
+    std::vector<std::uint32_t> starts; // of an uneven axis: cells by even parts
   };
   /// \endcond
 

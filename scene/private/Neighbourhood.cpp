@@ -9,6 +9,7 @@ namespace {
 
 constexpr double Infinity = std::numeric_limits<double>::infinity();
 constexpr double MostCells = 1e12; // from the origin; beyond, all positions share a cell
+constexpr double Rounding = 1e-3;  // of a position in cells, at most
 
 std::size_t HashOf(const std::array<std::int64_t, 3>& p_cell) {
   std::uint64_t hash = static_cast<std::uint64_t>(p_cell[0]) * 0x9e3779b97f4a7c15 +
@@ -50,7 +51,8 @@ Neighbourhood::Block::Block(const Cell& p_place)
 
 Neighbourhood::Neighbourhood(double p_reach)
     : _reachSquare(SquareOf(p_reach))
-    , _cell(std::max(1.001 * p_reach, 1e-300)) { // more than the rounding of 10^12 cells
+    , _cell(std::clamp((1 + Rounding) * p_reach, 1e-300, 1e300))
+    , _perCell(1 / _cell) {
   Clear();
 }
 
@@ -83,20 +85,24 @@ void Neighbourhood::Add(const Point& p_point) {
 
 double Neighbourhood::NearestSquare(const Point& p_point, double p_enough) const {
   double least = _reachSquare;
-  const Cell own = CellOf(p_point);
-  Cell low, high;
+  Search search{p_point, p_enough, CellOf(p_point), {}, {}, {}};
+  const Cell& own = search.own;
+  const std::array<double, 3> position{p_point.x, p_point.y, p_point.z};
   for (std::size_t i = 0; i < 3; ++i) {
-    low[i] = std::max(own[i] - 1, _low[i]);
-    high[i] = std::min(own[i] + 1, _high[i]);
-    if (low[i] > high[i])
+    search.low[i] = std::max(own[i] - 1, _low[i]);
+    search.high[i] = std::min(own[i] + 1, _high[i]);
+    if (search.low[i] > search.high[i])
       return least;
+    const double share = position[i] * _perCell - static_cast<double>(own[i]);
+    const double below = std::max(0.0, share - Rounding) * _cell, above = std::max(0.0, 1 - Rounding - share) * _cell;
+    search.gaps[i] = {below * below, 0, above * above};
   }
   // Most positions near to a point share its cell.
   const Cell ownPlace = PlaceOf(own);
   const Block* const ownBlock = Find(ownPlace);
   if (ownBlock != nullptr)
     least = NearestIn(ownBlock->chunks[NumberIn(own)], p_point, least);
-  const Cell first = PlaceOf(low), last = PlaceOf(high);
+  const Cell first = PlaceOf(search.low), last = PlaceOf(search.high);
   for (std::int64_t z = first[2]; z <= last[2]; ++z)
     for (std::int64_t y = first[1]; y <= last[1]; ++y)
       for (std::int64_t x = first[0]; x <= last[0]; ++x) {
@@ -104,46 +110,48 @@ double Neighbourhood::NearestSquare(const Point& p_point, double p_enough) const
           return least;
         const Cell place{x, y, z};
         if (const Block* const block = IsSame(place, ownPlace) ? ownBlock : Find(place))
-          least = NearestIn(*block, low, high, p_point, p_enough, least);
+          least = NearestIn(*block, search, least);
       }
   return least;
 }
 
-double Neighbourhood::NearestIn(const Block& p_block, const Cell& p_low, const Cell& p_high, const Point& p_point,
-                                double p_enough, double p_least) const {
+double Neighbourhood::NearestIn(const Block& p_block, const Search& p_search, double p_least) const {
   Cell low, high;
   for (std::size_t i = 0; i < 3; ++i) {
     const std::int64_t first = p_block.place[i] * BlockSide;
-    low[i] = std::max(p_low[i], first);
-    high[i] = std::min(p_high[i], first + BlockSide - 1);
+    low[i] = std::max(p_search.low[i], first);
+    high[i] = std::min(p_search.high[i], first + BlockSide - 1);
   }
-  for (std::int64_t z = low[2]; z <= high[2]; ++z) {
-    const double gapZ = SquaredGap(z, p_point.z);
+  const auto gap = [&](std::size_t p_axis, std::int64_t p_cell) {
+    return p_search.gaps[p_axis][static_cast<std::size_t>(p_cell - p_search.own[p_axis] + 1)];
+  };
+  for (std::int64_t z = low[2]; z <= high[2]; ++z)
     for (std::int64_t y = low[1]; y <= high[1]; ++y) {
-      const double gapYZ = SquaredGap(y, p_point.y) + gapZ;
+      const double gapYZ = gap(1, y) + gap(2, z);
       for (std::int64_t x = low[0]; x <= high[0]; ++x) {
-        const std::uint32_t chunk = p_block.chunks[NumberIn({x, y, z})];
-        if (chunk == None || gapYZ + SquaredGap(x, p_point.x) > p_least)
+        const Cell cell{x, y, z};
+        const std::uint32_t chunk = p_block.chunks[NumberIn(cell)];
+        if (chunk == None || gap(0, x) + gapYZ > p_least || IsSame(cell, p_search.own))
           continue;
-        p_least = NearestIn(chunk, p_point, p_least);
-        if (p_least < p_enough)
+        p_least = NearestIn(chunk, p_search.point, p_least);
+        if (p_least < p_search.enough)
           return p_least;
       }
     }
-  }
   return p_least;
 }
 
 double Neighbourhood::NearestIn(std::uint32_t p_chunk, const Point& p_point, double p_least) const {
-  std::array<double, ChunkSize> least;
+  std::array<double, ChunkSize> least, square;
   least.fill(p_least);
   for (std::uint32_t next = p_chunk; next != None; next = _chunks[next].next) {
     const Chunk& chunk = _chunks[next];
     for (std::size_t i = 0; i < ChunkSize; ++i) {
       const double x = chunk.x[i] - p_point.x, y = chunk.y[i] - p_point.y, z = chunk.z[i] - p_point.z;
-      const double square = x * x + y * y + z * z;
-      least[i] = square < least[i] ? square : least[i];
+      square[i] = x * x + y * y + z * z;
     }
+    for (std::size_t i = 0; i < ChunkSize; ++i)
+      least[i] = square[i] < least[i] ? square[i] : least[i];
   }
   for (std::size_t half = ChunkSize / 2; half > 0; half /= 2)
     for (std::size_t i = 0; i < half; ++i)
@@ -151,21 +159,12 @@ double Neighbourhood::NearestIn(std::uint32_t p_chunk, const Point& p_point, dou
   return least[0];
 }
 
-/// The square of the distance to a cell along one axis, or a bit less.
-double Neighbourhood::SquaredGap(std::int64_t p_cell, double p_position) const {
-  constexpr double Margin = 1e-14; // above the rounding
-  const double low = static_cast<double>(p_cell) * _cell, high = low + _cell;
-  const double gap = std::max(low - p_position, p_position - high) - Margin * (std::abs(low) + std::abs(p_position));
-  return gap > 0 ? gap * gap * (1 - Margin) : 0;
-}
-
-std::int64_t Neighbourhood::CellAt(double p_position) const {
-  const double cells = p_position / _cell; // may be NaN
-  return Floor(cells > -MostCells ? std::min(cells, MostCells) : -MostCells);
-}
-
 Neighbourhood::Cell Neighbourhood::CellOf(const Point& p_point) const {
-  return {CellAt(p_point.x), CellAt(p_point.y), CellAt(p_point.z)};
+  const auto index = [this](double p_position) {
+    const double cells = p_position * _perCell; // may be NaN
+    return Floor(cells > -MostCells ? std::min(cells, MostCells) : -MostCells);
+  };
+  return {index(p_point.x), index(p_point.y), index(p_point.z)};
 }
 
 /// The place of a block in the table, or the free one that it would take.

@@ -36,7 +36,7 @@ public:
 
 private:
   // Points of a cell lie in chains of chunks, coordinate by coordinate, which compilers make vector instructions of.
-  static constexpr std::size_t ChunkSize = 8;
+  static constexpr std::size_t ChunkSize = 4;
   static constexpr std::uint32_t None = std::numeric_limits<std::uint32_t>::max();
   struct Chunk {
     std::array<double, ChunkSize> x, y, z; // unused ones are NaN, near to nothing
@@ -46,7 +46,7 @@ private:
     explicit Chunk(std::uint32_t p_next);
   };
   // Blocks of cells lie in a hash table, so that neighbouring cells are found together.
-  static constexpr int BlockBits = 2;
+  static constexpr int BlockBits = 3;
   static constexpr std::int64_t BlockSide = 1 << BlockBits; // in cells
   using Cell = std::array<std::int64_t, 3>;
   struct Block {
@@ -54,6 +54,14 @@ private:
     std::array<std::uint32_t, std::size_t{1} << (3 * BlockBits)> chunks;
 
     explicit Block(const Cell& p_place);
+  };
+
+  struct Search {
+    const Point& point;
+    double enough;
+    Cell own;
+    Cell low, high;
+    std::array<std::array<double, 3>, 3> gaps; // by axis: squares of the distances to the cells below, here and above
   };
 
   static Cell PlaceOf(const Cell& p_cell) {
@@ -64,20 +72,18 @@ private:
     return static_cast<std::size_t>((((p_cell[2] & Mask) << BlockBits | (p_cell[1] & Mask)) << BlockBits) |
                                     (p_cell[0] & Mask));
   }
-  double SquaredGap(std::int64_t p_cell, double p_position) const;
-  std::int64_t CellAt(double p_position) const;
   Cell CellOf(const Point& p_point) const;
   std::size_t TablePlaceOf(const Cell& p_place) const;
   const Block* Find(const Cell& p_place) const;
   Block& BlockAt(const Cell& p_place);
   void Grow();
   double NearestIn(std::uint32_t p_chunk, const Point& p_point, double p_least) const;
-  double NearestIn(const Block& p_block, const Cell& p_low, const Cell& p_high, const Point& p_point, double p_enough,
-                   double p_least) const;
+  double NearestIn(const Block& p_block, const Search& p_search, double p_least) const;
 
   double _reachSquare;
-  double _cell; // a little larger than the reach: near points lie in the same cell and in those beside it
-  Cell _low{}, _high{}; // cells with points lie between them
+  double _cell; // edge, a little longer than the reach: near points lie in the same cell and in those beside it
+  double _perCell;
+  Cell _low{}, _high{};              // cells with points lie between them
   std::vector<std::uint32_t> _table; // of blocks
   std::vector<Block> _blocks;
   std::uint32_t _last = 0; // block that a point was added to
