@@ -29,6 +29,9 @@ const std::string WriteColor = Mapper + "WriteColor(unsigned int,const " + Node 
 const std::string Process = Instances + "ProcessInstances(unsigned int," + Span + ")";
 const std::string CopyColors = Instances + "CopyColors(" + Span + "," + Pixel + ")";
 const std::string Overwrite = Instances + "OverwritePixelSpan(" + Pixel + "," + Color + ",unsigned int)";
+const std::string Next = " - class Vek::Chart::Ogl::Vec2<unsigned int> __cdecl " + Private +
+                         "ColorAtlasImpl::InstanceCoordinateMapper::NextPixel(" + Pixel +
+                         ",const class Vek::Chart::Types::Size &,unsigned int) const";
 const std::string WritePixel =
     " - void __cdecl " + Private + "ImageBuilder::WriteUniquePixel(" + Pixel + "," + Color + ")";
 } // namespace Signature
@@ -217,6 +220,7 @@ TEST_F(ColorAtlasCalls, ReportsErrorsAndGoesOn) {
   const std::string unknownId = "\"instPos != _instances.end()\" - ";
   const std::string undefined = "\"node.coords.Defined()\"" + Signature::Process;
   const std::string outside = "\"destPixel.y < _image.MaxHeight()\"" + Signature::CopyColors;
+  const std::string next = "\"next.y < _image.MaxHeight()\"";
   using Run = std::function<void(ColorAtlas&)>;
   const auto built = [this](const std::string& p_colors, int p_size, const Instances& p_instances = {}) -> Run {
     return [=](ColorAtlas& p_a) { Add(p_a, p_colors, p_instances), Build(p_a, p_size); };
@@ -277,7 +281,10 @@ TEST_F(ColorAtlasCalls, ReportsErrorsAndGoesOn) {
        {"\"pixelCoordFirst.y < _image.MaxHeight()\"" + Signature::WriteColor}},
       {"a copy one row below the last",
        built("a0 b1", 2, {{1, {}}, {1, {{2, Qt::black}}}}),
-       {outside, outside, "\"next.y < _image.MaxHeight()\"" + Signature::Overwrite}},
+       {outside, outside, next + Signature::Next, next + Signature::Overwrite, next + Signature::Next}},
+      {"two replacements that end with the last texel",
+       built("a0 b1", 2, {{1, {{1, Qt::black}, {2, Qt::black}}}}),
+       {next + Signature::Next, next + Signature::Next}},
   };
   for (const auto& [name, run, texts] : cases) {
     const ReportCapture reports;

@@ -30,6 +30,8 @@ constexpr const char* ProcessInstances =
     "void __cdecl " VEK_ATLAS "InstanceCoordinateMapper::ProcessInstances(unsigned int,const " VEK_SPAN " &)";
 constexpr const char* CopyColors =
     "void __cdecl " VEK_ATLAS "InstanceCoordinateMapper::CopyColors(const " VEK_SPAN " &,const " VEK_PIXEL " &)";
+constexpr const char* NextPixel = VEK_PIXEL " __cdecl " VEK_ATLAS "InstanceCoordinateMapper::NextPixel(const " VEK_PIXEL
+                                            " &,const class Vek::Chart::Types::Size &,unsigned int) const";
 constexpr const char* OverwritePixelSpan =
     "void __cdecl " VEK_ATLAS "InstanceCoordinateMapper::OverwritePixelSpan(const " VEK_PIXEL
     " &,const class QColor &,unsigned int)";
@@ -210,6 +212,7 @@ private:
   void ProcessInstances(std::uint32_t p_slot, const IndexSpan& p_span);
   void CopyColors(const IndexSpan& p_span, std::uint64_t p_start);
   void ReplaceColors(const AtlasTree::Instance& p_instance, const IndexSpan& p_unshifted, std::uint64_t p_start);
+  void ReportOutside(std::uint64_t p_first, std::uint64_t p_end) const;
   void OverwritePixelSpan(std::uint64_t p_start, QRgb p_color, std::uint64_t p_count);
 
   unsigned int _shift = 0;
@@ -280,8 +283,10 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const AtlasTree::In
       continue;
     const IndexSpan subcolor = Unshifted(slot);
     if (VEK_ENSURE(subcolor.first >= base, Signature::ProcessInstances) &&
-        VEK_ENSURE_TEXT(subcolor.last <= p_unshifted.last, "subcolor.last <= last", Signature::ProcessInstances))
+        VEK_ENSURE_TEXT(subcolor.last <= p_unshifted.last, "subcolor.last <= last", Signature::ProcessInstances)) {
       runs.push_back({subcolor.first - base, std::uint64_t{subcolor.last} - base + 1, color.rgba()});
+      ReportOutside(p_start + runs.back().first, p_start + runs.back().end);
+    }
   }
   std::sort(runs.begin(), runs.end(), [](const Run& p_a, const Run& p_b) { return p_a.first < p_b.first; });
 
@@ -305,11 +310,23 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const AtlasTree::In
     sweepTo(open.front().end);
 }
 
+/// Reports the texels of a run that lie below the image. Each texel is checked when it is reached and when it is
+/// written, and so is the one behind the run: a run that ends with the last texel of the image is reported, too.
+void ColorAtlasImpl::InstanceCoordinateMapper::ReportOutside(std::uint64_t p_first, std::uint64_t p_end) const {
+  constexpr const char* Expression = "next.y < _image.MaxHeight()";
+  const std::uint64_t size = std::uint64_t{_image.MaxWidth()} * _image.MaxHeight();
+  for (std::uint64_t next = std::max(p_first, size); next <= p_end; ++next) {
+    vekdebug::fail_ensure(Expression, Signature::NextPixel);
+    if (next != p_end)
+      vekdebug::fail_ensure(Expression, Signature::OverwritePixelSpan);
+  }
+}
+
 void ColorAtlasImpl::InstanceCoordinateMapper::OverwritePixelSpan(std::uint64_t p_start, QRgb p_color,
                                                                   std::uint64_t p_count) {
   for (std::uint64_t i = 0; i < p_count; ++i) {
     const Pixel next = PixelOf(p_start + i, _image);
-    if (VEK_ENSURE_TEXT(next.y < _image.MaxHeight(), "next.y < _image.MaxHeight()", Signature::OverwritePixelSpan))
+    if (next.y < _image.MaxHeight())
       _image.OverwritePixel(next, p_color);
   }
 }
