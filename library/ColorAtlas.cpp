@@ -166,7 +166,7 @@ void ColorAtlas::BuildAtlas(Utility::Scoped<Rgl>& p_gl) {
   boost::shared_ptr<Library::Texture> map = Upload(image, p_gl);
 
   // Nothing below throws: a build that failed before has changed nothing.
-  for (std::size_t slot = 0; slot < _nodes.size(); ++slot)
+  for (std::size_t slot = 0; slot < layout.runs.size(); ++slot)
     _nodes[slot].coords = ColorCoords(layout.runs[slot], layout.HasTexels(layout.runs[slot]) ? builder.MaxWidth() : 0);
   for (std::size_t i = 0; i < layout.offsets.size(); ++i)
     if (layout.offsets[i])

@@ -294,6 +294,27 @@ TEST_F(ColorAtlasCalls, ReportsErrorsAndGoesOn) {
   }
 }
 
+TEST_F(ColorAtlasCalls, LeavesColorsThatASinkAddsToTheNextBuild) {
+  struct Sink : vekdebug::sink {
+    explicit Sink(ColorAtlas& p_atlas)
+        : atlas(p_atlas) {}
+    void write(const vekdebug::report&) override {
+      for (int i = 0; i < 100; ++i)
+        atlas.AddColor(Qt::green, 6);
+    }
+    ColorAtlas& atlas;
+  };
+  ColorAtlas atlas;
+  Add(atlas, "a0 b0 c0 d0 e0 e0");
+  const std::shared_ptr<vekdebug::sink> previous = vekdebug::logger::instance().set_sink(std::make_shared<Sink>(atlas));
+  Build(atlas, 2);
+  vekdebug::logger::instance().set_sink(previous);
+  EXPECT_EQ(atlas.ColorAt(6).children.size(), 200u) << "for each texel outside of the image";
+  EXPECT_FALSE(atlas.ColorAt(7).coords.Defined());
+  Build(atlas, 1024);
+  EXPECT_TRUE(atlas.ColorAt(206).coords.Defined());
+}
+
 TEST_F(ColorAtlasCalls, BuildsChainsOfAnyDepth) {
   ColorAtlas atlas;
   constexpr unsigned int Depth = 100000;

@@ -52,8 +52,9 @@ unsigned int LengthOf(const IndexSpan& p_span) {
 } // namespace
 
 std::uint32_t ColorAtlasImpl::SlotOf(unsigned int p_id) const {
-  const std::uint32_t slot = _tree.ColorSlot(p_id);
-  return slot != AtlasTree::NoSlot ? slot : _tree.findSlot(p_id);
+  const std::uint32_t known = _tree.ColorSlot(p_id);
+  const std::uint32_t slot = known != AtlasTree::NoSlot ? known : _tree.findSlot(p_id);
+  return slot < _tree.count ? slot : AtlasTree::NoSlot; // a sink may add colours meanwhile
 }
 
 /// Visits the colours of the roots' sub-trees depth first, parents before children. `Enter` returns false to leave out
@@ -278,7 +279,7 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const AtlasTree::In
   const unsigned int base = p_unshifted.first;
   for (const auto& [id, color] : *p_instance.replacements) {
     const std::uint32_t slot = _tree.ColorSlot(id);
-    const bool placed = slot != AtlasTree::NoSlot && _placed[slot];
+    const bool placed = slot < _placed.size() && _placed[slot];
     if (!VEK_ENSURE_TEXT(placed, "node.coords.Defined()", Signature::ProcessInstances))
       continue;
     const IndexSpan subcolor = Unshifted(slot);
