@@ -160,7 +160,6 @@ std::size_t ModelCache::Register(const ObjModel& p_model) {
 }
 
 std::size_t ModelCache::Upload(const ObjModel& p_model, Ogl::BufferPool& p_pool) {
-  const std::size_t id = _boundingBoxes.size();
   const Mesh mesh(p_model);
   const std::size_t indexCount = mesh.IndexCount();
   const std::size_t positionCount = mesh.Positions().size();
@@ -181,7 +180,8 @@ std::size_t ModelCache::Upload(const ObjModel& p_model, Ogl::BufferPool& p_pool)
     indices.count = 0; // the buffer could not be made or mapped
   const Types::BoundingBox_Base<double> bounds = BoundsOf(mesh.Positions());
 
-  // After this nothing throws, so that the arrays stay in step.
+  // After this nothing throws or reports, so that the arrays stay in step.
+  const std::size_t id = _boundingBoxes.size();
   MakeRoom(_vertexBuffers);
   MakeRoom(_indexBuffers);
   MakeRoom(_indexDescriptions);

@@ -6,6 +6,7 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace Vek::Chart::Library {
 namespace {
@@ -67,16 +68,11 @@ void SymbolRegistry::InitializeCache(const vekfile::filepath& p_directory) {
 }
 
 void SymbolRegistry::LoadModel(const vekfile::filepath& p_path) {
-  std::vector<HashID>& hashes = _state->hashes;
-  if (FindPath(hashes, p_path.str()) != hashes.end())
+  if (FindPath(_state->hashes, p_path.str()) != _state->hashes.end())
     return;
-  hashes.emplace_back(p_path, 0);
-  try {
-    hashes.back().id = _state->cache->Register(p_path);
-  } catch (...) {
-    hashes.pop_back();
-    throw;
-  }
+  HashID entry(p_path, 0);
+  entry.id = _state->cache->Register(p_path); // a sink of its reports may change the list
+  _state->hashes.push_back(std::move(entry));
 }
 
 bool SymbolRegistry::ReleaseModel(const vekfile::filepath& p_path) {

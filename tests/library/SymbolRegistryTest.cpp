@@ -111,6 +111,24 @@ TEST_F(SymbolRegistryCalls, UnloadedPathsGiveTheFirstModel) {
   EXPECT_EQ(symbols.GetIndexBuffer(path).count, 4u);
 }
 
+TEST_F(SymbolRegistryCalls, SinksMayLoadOtherModels) {
+  struct Sink : vekdebug::sink {
+    void write(const vekdebug::report&) override { symbols->LoadModel(path); }
+    SymbolRegistry* symbols = nullptr;
+    vekfile::filepath path;
+  };
+  SymbolRegistry symbols(cache, BuiltIn);
+  const vekfile::filepath reported = folder.Write("points.obj", "v 0 0 0\nv 1 0 0\n");
+  const auto sink = std::make_shared<Sink>();
+  sink->symbols = &symbols;
+  sink->path = folder.Write("other.obj", Triangles(7));
+  const std::shared_ptr<vekdebug::sink> previous = vekdebug::logger::instance().set_sink(sink);
+  symbols.LoadModel(reported);
+  vekdebug::logger::instance().set_sink(previous);
+  EXPECT_EQ(symbols.GetVertexBuffer(reported).buffer.Count(), 2u);
+  EXPECT_EQ(symbols.GetIndexBuffer(sink->path).count, 7u);
+}
+
 TEST_F(SymbolRegistryCalls, ReleasedPathsAreLoadedAnew) {
   SymbolRegistry symbols(cache, BuiltIn);
   const vekfile::filepath path = folder.Write("ship.obj", Triangles(4));
