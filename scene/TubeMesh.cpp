@@ -1,5 +1,7 @@
 #include "scene/TubeMesh.h"
 
+#include "scene/private/TubePieces.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -11,36 +13,7 @@ namespace {
 using Vector = Types::Vector3_Base<double>;
 using Types::Matrix3;
 using TubePoint = TubeMesh::Point;
-
-bool InRange(double p_number) {
-  return std::abs(p_number) <= 1e30; // false for NaN
-}
-
-bool IsValid(const TubePoint& p_point) {
-  const Vector& position = p_point.position;
-  return InRange(position.x) && InRange(position.y) && InRange(position.z) && InRange(p_point.value) &&
-         InRange(p_point.width) && p_point.width > 0;
-}
-
-/// The valid points of a line.
-std::vector<TubePoint> Cleaned(const std::vector<TubePoint>& p_line) {
-  std::vector<TubePoint> line;
-  for (const TubePoint& point : p_line) {
-    if (!IsValid(point))
-      continue;
-    if (!line.empty()) {
-      const double step = Length(point.position - line.back().position);
-      if (!(step > 0) || step < 1e-6 * line.back().width)
-        continue;
-    }
-    line.push_back(point);
-  }
-  return line;
-}
-
-Vector Direction(const TubePoint& p_from, const TubePoint& p_to) {
-  return Normalize(p_to.position - p_from.position);
-}
+using Private::TubeStation;
 
 Vector ToVector(const Ogl::Vec3<float>& p_record) {
   return {static_cast<double>(p_record.x), static_cast<double>(p_record.y), static_cast<double>(p_record.z)};
@@ -48,15 +21,6 @@ Vector ToVector(const Ogl::Vec3<float>& p_record) {
 
 Vector Column(const Matrix3& p_frame, std::size_t p_index) {
   return p_frame.Transposed().Row(p_index);
-}
-
-/// The frame with z along `p_direction` and −y as close to `p_up` as possible.
-Matrix3 StartFrame(const Vector& p_direction, const Vector& p_up) {
-  Vector side = Cross(p_direction, p_up);
-  if (!(Length(side) > 1e-9 * Length(p_up)))
-    side = std::abs(p_direction.x) < 0.7 ? Cross(p_direction, Vector(1, 0, 0)) : Cross(p_direction, Vector(0, 1, 0));
-  const Vector x = Normalize(side);
-  return Matrix3::FromColumns(x, Cross(p_direction, x), p_direction);
 }
 
 } // namespace
@@ -78,35 +42,18 @@ TubeMesh::TubeMesh(const Library::StreamLineShape& p_shape)
     : _shape(p_shape) {}
 
 void TubeMesh::Add(const std::vector<TubePoint>& p_line, const Vector& p_up) {
-  const std::vector<TubePoint> line = Cleaned(p_line);
-  if (_shape.NumVertices() < 2 || line.size() < 2)
+  if (_shape.NumVertices() < 2)
     return;
-  Matrix3 frame = StartFrame(Direction(line[0], line[1]), p_up);
-  constexpr double CosineOfSharpestTurn = -0.5;
-  std::vector<TubePoint> piece = {line[0]};
-  for (std::size_t i = 1; i < line.size(); ++i) {
-    piece.push_back(line[i]);
-    if (i + 1 == line.size() ||
-        Dot(Direction(line[i - 1], line[i]), Direction(line[i], line[i + 1])) < CosineOfSharpestTurn) {
-      AddPiece(piece, frame);
-      piece = {line[i]};
-    }
-  }
+  for (const std::vector<TubeStation>& piece : Private::TubePieces(p_line, p_up))
+    AddPiece(piece);
 }
 
-void TubeMesh::AddPiece(const std::vector<TubePoint>& p_piece, Matrix3& p_frame) {
-  const std::size_t sides = _shape.NumVertices();
+void TubeMesh::AddPiece(const std::vector<TubeStation>& p_piece) {
   const auto first = static_cast<unsigned int>(_positions.size());
-  const bool closed = sides > 2;
-  p_frame = Transported(p_frame, Direction(p_piece[0], p_piece[1]));
-  for (std::size_t i = 0; i < p_piece.size(); ++i) {
-    // The ring lies in the plane that halves the corner.
-    const Vector before = Direction(p_piece[i == 0 ? 0 : i - 1], p_piece[i == 0 ? 1 : i]);
-    const Vector after = i + 1 < p_piece.size() ? Direction(p_piece[i], p_piece[i + 1]) : before;
-    p_frame = Transported(p_frame, Normalize(before + after));
-    AddRing(p_piece[i], p_frame);
-  }
-  const auto width = static_cast<unsigned int>(sides);
+  const auto width = _shape.NumVertices();
+  const bool closed = width > 2;
+  for (const TubeStation& station : p_piece)
+    AddRing(station.point, station.frame);
   for (unsigned int ring = 0; ring + 1 < p_piece.size(); ++ring)
     for (unsigned int side = 0; side < (closed ? width : width - 1); ++side) {
       const unsigned int a = first + ring * width + side;
@@ -114,8 +61,8 @@ void TubeMesh::AddPiece(const std::vector<TubePoint>& p_piece, Matrix3& p_frame)
       _indices.insert(_indices.end(), {a, b, b + width, a, b + width, a + width});
     }
   if (closed) {
-    AddCap(first, -Direction(p_piece[0], p_piece[1]), false);
-    AddCap(first + width * static_cast<unsigned int>(p_piece.size() - 1), Column(p_frame, 2), true);
+    AddCap(first, -Column(p_piece.front().frame, 2), false);
+    AddCap(first + width * static_cast<unsigned int>(p_piece.size() - 1), Column(p_piece.back().frame, 2), true);
   }
 }
 

@@ -13,6 +13,10 @@
 
 namespace Vek::Chart::Scene {
 
+namespace Private {
+struct TubeStation;
+}
+
 /// A cross-section swept along lines: tubes, ribbons or a custom outline. All lines make one mesh of triangles,
 /// counter-clockwise seen from outside, with positions, unit normals, and one texture coordinate, the value of the
 /// point.
@@ -62,7 +66,7 @@ public:
 private:
   using Record = Ogl::Vec3<float>;
 
-  void AddPiece(const std::vector<Point>& p_piece, Types::Matrix3& p_frame);
+  void AddPiece(const std::vector<Private::TubeStation>& p_piece);
   void AddRing(const Point& p_point, const Types::Matrix3& p_frame);
   void AddCap(unsigned int p_ring, const Types::Vector3_Base<double>& p_normal, bool p_end);
   void AddVertex(const Types::Vector3_Base<double>& p_position, const Types::Vector3_Base<double>& p_normal,

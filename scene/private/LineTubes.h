@@ -1,7 +1,18 @@
 #pragma once
 
 #include "scene/GpuMesh.h"
+#include "scene/PeelPass.h"
+#include "scene/PickPass.h"
 #include "scene/TubeMesh.h"
+#include "scene/ValueScale.h"
+#include "scene/private/TubeLevels.h"
+
+#include "library/ColorMap.h"
+#include "platform/ogl/PerContext.h"
+#include "platform/ogl/Rgl.h"
+#include "platform/utility/Scope.h"
+
+#include <boost/shared_ptr.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -10,23 +21,48 @@
 
 namespace Vek::Chart::Scene::Private {
 
-/// Lines as tubes, or as ribbons in the plane z = const, whose colours change without a new mesh.
+/// Lines as tubes, or as ribbons in the plane z = const, whose colours change without other vertices.
+///
+/// The vertex shader makes the rings of a tube of its stations, with as many vertices and as many rings as are seen
+/// (see TubeSelection). Without buffer textures (GL 3.2), lines are one mesh, as `TubeMesh` makes it.
 class LineTubes {
 public:
+  /// How lines are drawn.
+  struct Quality {
+    bool isOpen = false;          ///< whether insides are seen, behind cuts or through half-transparent walls
+    std::size_t mostVertices = 0; ///< about; 0 for any number
+  };
+
   /// Replaces the lines; `value` of their points is not read. `p_values` has one value for each point of all lines, one
   /// after the other, or none. Throws std::invalid_argument for more than 2^24 points.
-  void SetLines(std::vector<std::vector<TubeMesh::Point>> p_lines, const std::vector<float>& p_values, bool p_isFlat);
+  void SetLines(const std::vector<std::vector<TubeMesh::Point>>& p_lines, const std::vector<float>& p_values,
+                bool p_isFlat);
   /// Replaces the values.
   void SetValues(const std::vector<float>& p_values);
 
-  /// The point, counted over all lines, that a triangle belongs to; empty past the end.
-  std::optional<std::size_t> PointOf(std::uint32_t p_triangle) const;
-  const GpuMesh& Mesh() const { return _mesh; }
+  /// Draws in the colours of the values, lit, as `GpuMesh::Draw` does.
+  void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
+            const Quality& p_quality, const PeelPass* p_pass = nullptr) const;
+  /// Draws depths, or numbers for PointOf, with the levels of the last drawing.
+  void DrawPick(Utility::Scoped<Rgl>& p_gl, const PickPass& p_pass) const;
+  /// Every how many-th line the last drawing had.
+  std::size_t Step(const Utility::Scoped<Rgl>& p_gl) const;
+  void Release(const Utility::Scoped<Rgl>& p_gl) const { _buffers.Release(p_gl); }
+
+  /// The point, counted over all lines, that lies nearest to a position on what was drawn with a number; empty for
+  /// other numbers.
+  std::optional<std::size_t> PointOf(std::uint32_t p_number, const TubeLevels::Vector& p_position) const;
 
 private:
-  GpuMesh _mesh;
-  std::vector<std::uint32_t> _points;    ///< the point of each vertex
-  std::vector<std::uint32_t> _triangles; ///< the point of each triangle
+  struct Buffers;
+  struct Drawing;
+  const GpuMesh& WholeMesh(Buffers& p_buffers) const;
+
+  boost::shared_ptr<const TubeLevels> _lines;                                 ///< null if there are none
+  boost::shared_ptr<const std::vector<float>> _values;                        ///< of stations; null for one colour
+  boost::shared_ptr<const std::vector<TubeLevels::ValueErrors>> _valueErrors; ///< likewise
+  bool _isFlat = false;
+  Ogl::PerContext<Buffers> _buffers;
 };
 
 } // namespace Vek::Chart::Scene::Private

@@ -25,8 +25,8 @@ LinesContent::LinesContent(std::vector<Point> p_positions, std::vector<std::size
     left -= length;
   }
   if (left != 0)
-    throw std::invalid_argument("lengths: expected " + std::to_string(_positions.size()) + " points in all lines, got " +
-                                std::to_string(_positions.size() - left));
+    throw std::invalid_argument("lengths: expected " + std::to_string(_positions.size()) +
+                                " points in all lines, got " + std::to_string(_positions.size() - left));
 }
 
 void LinesContent::SetWidth(double p_points) {
@@ -103,7 +103,7 @@ void LinesContent::PlaceTubes() {
     for (std::uint32_t i = 0; i < piece.count; ++i)
       lines.back().push_back({_scene[piece.first + i], SceneDiameter(), 0});
   }
-  _tubes.SetLines(std::move(lines), TubeValues(), _placement.isFlat);
+  _tubes.SetLines(lines, TubeValues(), _placement.isFlat);
 }
 
 /// The values of the points of all pieces.
@@ -118,21 +118,22 @@ std::vector<float> LinesContent::TubeValues() const {
 
 void LinesContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   if (_diameter > 0)
-    _tubes.Mesh().Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
+    _tubes.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(),
+                {!p_frame.isMoving && (IsTransparent() || !p_frame.cuts.empty()), p_frame.mostVertices}, p_frame.layer);
   else
     _lines.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), _width * p_frame.pixelRatio, p_frame.layer);
 }
 
 void LinesContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) {
   if (_diameter > 0)
-    _tubes.Mesh().Draw(p_gl);
+    _tubes.DrawPick(p_gl, p_pass);
   else
     _lines.DrawPick(p_gl, _width * p_frame.pixelRatio, p_pass);
 }
 
-/// The point whose ring a triangle begins with, which is counted in the pieces.
-std::optional<std::size_t> LinesContent::PointOfTube(std::uint32_t p_triangle) const {
-  std::optional<std::size_t> number = _tubes.PointOf(p_triangle);
+/// The point nearest to a position on a tube; tubes count them in the pieces.
+std::optional<std::size_t> LinesContent::PointOfTube(std::uint32_t p_number, const Point& p_scene) const {
+  std::optional<std::size_t> number = _tubes.PointOf(p_number, p_scene);
   for (const Piece& piece : _pieces) {
     if (number && *number < piece.count)
       return piece.first + *number;
@@ -158,12 +159,12 @@ std::optional<std::size_t> LinesContent::PointOfSegment(std::uint32_t p_segment,
 Picked LinesContent::Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const {
   std::optional<std::size_t> point;
   if (p_number)
-    point = _diameter > 0 ? PointOfTube(*p_number) : PointOfSegment(*p_number, p_scene);
+    point = _diameter > 0 ? PointOfTube(*p_number, p_scene) : PointOfSegment(*p_number, p_scene);
   return point ? PickedAt(*point, _placement.transform.Inverse(p_scene)) : PlotContent::Identify({}, p_scene);
 }
 
 void LinesContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
-  _tubes.Mesh().Release(p_gl);
+  _tubes.Release(p_gl);
   _lines.Release(p_gl);
 }
 

@@ -37,7 +37,7 @@ private:
   void PlacePoints();
   void PlaceTubes();
   std::vector<float> TubeValues() const;
-  std::optional<std::size_t> PointOfTube(std::uint32_t p_triangle) const;
+  std::optional<std::size_t> PointOfTube(std::uint32_t p_number, const Point& p_scene) const;
   std::optional<std::size_t> PointOfSegment(std::uint32_t p_segment, const Point& p_scene) const;
   template <class T>
   std::vector<T> Separated(const std::vector<T>& p_elements, const T& p_separator) const;

@@ -176,7 +176,7 @@ void StreamlinesContent::PlaceLines() {
     for (const Point& point : line)
       tubes.back().push_back({point, WidthAt(_speeds[next++]), 0});
   }
-  _tubes.SetLines(std::move(tubes), {}, _placement.isFlat);
+  _tubes.SetLines(tubes, {}, _placement.isFlat);
 }
 
 void StreamlinesContent::PlaceHeads() {
@@ -219,34 +219,7 @@ std::vector<float> StreamlinesContent::PointValues() const {
   return values;
 }
 
-/// Straight lines between every how many-th point of each line, and its last one.
-void StreamlinesContent::PlaceThinLines(std::size_t p_step) {
-  const std::vector<float> ofPoints = PointValues();
-  std::vector<Point> points;
-  std::vector<float> values;
-  GpuMesh::Arrays arrays;
-  std::size_t first = 0;
-  for (const Streamline& line : _lines) {
-    const std::size_t start = points.size();
-    for (std::size_t i = 0; i < line.size(); i += i + 1 == line.size() ? 1 : std::min(p_step, line.size() - 1 - i)) {
-      if (points.size() > start)
-        for (const std::size_t end : {points.size() - 1, points.size()})
-          arrays.indices.push_back(static_cast<std::uint32_t>(end));
-      points.push_back(line[i]);
-      if (!ofPoints.empty())
-        values.push_back(ofPoints[first + i]);
-    }
-    first += line.size();
-  }
-  arrays.positions = points;
-  arrays.values = values;
-  arrays.primitive = Ogl::VertexBuffer::LineSegments;
-  _thin = GpuMesh(arrays);
-  _thinStep = p_step;
-}
-
 void StreamlinesContent::PlaceValues() {
-  _thinStep = 0;
   const std::vector<float> values = PointValues();
   _tubes.SetValues(values);
   std::vector<float> ofHeads;
@@ -258,36 +231,23 @@ void StreamlinesContent::PlaceValues() {
 
 void StreamlinesContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   const Library::ColorMap& map = coloring.Map(p_gl);
-  _drawnStep = 1;
-  if (p_frame.mostVertices == 0 || _tubes.Mesh().VertexCount() <= p_frame.mostVertices)
-    _tubes.Mesh().Draw(p_gl, map, coloring.Scale(), p_frame.layer);
-  else
-    DrawThinLines(p_gl, p_frame, map);
+  _tubes.Draw(p_gl, map, coloring.Scale(), QualityOf(p_frame), p_frame.layer);
   _heads.SetMostVertices(p_frame.mostVertices);
   _heads.Draw(p_gl, map, coloring.Scale(), p_frame.layer);
 }
 
-void StreamlinesContent::DrawThinLines(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame,
-                                       const Library::ColorMap& p_map) {
-  while (2 * _speeds.size() / _drawnStep > p_frame.mostVertices)
-    _drawnStep *= 2;
-  if (_thinStep != _drawnStep)
-    PlaceThinLines(_drawnStep);
-  const auto state = p_gl->PushAttribScope(RGL_LINE_BIT);
-  const double width = WidthAt(_fast) * p_frame.camera.PixelsPerUnit(p_frame.camera.target, p_frame.viewport);
-  constexpr double Widest = 8; // pixels, as far as devices go
-  p_gl->LineWidth(static_cast<float>(std::clamp(width, 1.0, Widest)));
-  _thin.Draw(p_gl, p_map, coloring.Scale(), p_frame.layer);
+LineTubes::Quality StreamlinesContent::QualityOf(const Frame& p_frame) const {
+  return {!p_frame.isMoving && (IsTransparent() || !p_frame.cuts.empty()), p_frame.mostVertices};
 }
 
 QString StreamlinesContent::Shortage(const Utility::Scoped<Rgl>& p_gl) const {
-  QStringList lines{StepNote(_drawnStep, {"point of lines", ""}), StepNote(_heads.Step(p_gl), {"arrow head", ""})};
+  QStringList lines{StepNote(_tubes.Step(p_gl), {"line", ""}), StepNote(_heads.Step(p_gl), {"arrow head", ""})};
   lines.removeAll({});
   return lines.join('\n');
 }
 
 void StreamlinesContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, const PickPass& p_pass) {
-  _tubes.Mesh().Draw(p_gl);
+  _tubes.DrawPick(p_gl, p_pass);
   _heads.Draw(p_gl, p_pass);
 }
 
@@ -312,8 +272,7 @@ Picked StreamlinesContent::Identify(std::optional<std::uint32_t> /*p_number*/, c
 }
 
 void StreamlinesContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
-  _tubes.Mesh().Release(p_gl);
-  _thin.Release(p_gl);
+  _tubes.Release(p_gl);
   _heads.Release(p_gl);
 }
 

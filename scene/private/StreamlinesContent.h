@@ -44,8 +44,7 @@ private:
   void PlaceHeads();
   void PlaceValues();
   std::vector<float> PointValues() const;
-  void PlaceThinLines(std::size_t p_step);
-  void DrawThinLines(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const Library::ColorMap& p_map);
+  LineTubes::Quality QualityOf(const Frame& p_frame) const;
 
   VectorField _field;
   bool _isBySpeed = true;
@@ -64,9 +63,6 @@ private:
   std::vector<std::size_t> _headPoints; ///< the point that each head has its colour from
   LineTubes _tubes;
   InstancedMesh _heads;
-  GpuMesh _thin;              ///< lines without width through every how many-th point, in place of the tubes
-  std::size_t _thinStep = 0;  ///< 0 if there are none
-  std::size_t _drawnStep = 1; ///< of the last drawing
 };
 
 } // namespace Vek::Chart::Scene::Private

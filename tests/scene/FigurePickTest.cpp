@@ -113,8 +113,8 @@ TEST_F(FigurePickPixels, NamesPlotElementPositionAndValue) {
                      .ColorTitle("Value");
        },
        at(3.9, 0, 0),
-       0,
        1,
+       2,
        {}},
   };
   for (const Case& plot : cases) {

@@ -54,11 +54,11 @@ TEST_F(LinesPlotCalls, UploadWhatChanged) {
   plot.UpdatePositions(points);
   EXPECT_EQ(UploadsOf(figure), Bytes{12 * 5}) << "positions";
   plot.Tubes(0.5);
-  EXPECT_EQ(UploadsOf(figure).size(), 4U) << "positions, normals, values and indices of a mesh";
+  EXPECT_EQ(UploadsOf(figure).size(), 4U) << "stations, values, vertices and indices";
   plot.ColorMap("magma").ColorRange(1, 3);
   EXPECT_EQ(UploadsOf(figure), Bytes()) << "settings of tubes";
   plot.ColorBy(Doubles{4, 3, 2, 2});
-  EXPECT_EQ(UploadsOf(figure), Bytes{4 * 4 * 2}) << "values of ribbons";
+  EXPECT_EQ(UploadsOf(figure), Bytes{4 * 4}) << "values of tubes";
 
   std::vector<std::size_t> calls;
   for (const std::size_t count : {4, 10000}) {
