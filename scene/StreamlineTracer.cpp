@@ -116,6 +116,29 @@ Streamline Joined(Streamline p_upstream, const Streamline& p_downstream) {
   return p_upstream;
 }
 
+/// The lines of seeds, without those after one that was cancelled.
+template <class Trace>
+std::vector<Streamline> LinesOf(const std::vector<Point>& p_seeds, const StreamlineTracer::Options& p_options,
+                                Utility::Threads p_threads, const Trace& p_trace) {
+  constexpr std::size_t BlockSize = 16;
+  std::vector<Streamline> lines(p_seeds.size());
+  std::vector<std::size_t> ends((p_seeds.size() + BlockSize - 1) / BlockSize); // of the lines in each block
+  Utility::RunBlocks(p_threads, ends.size(), [&](std::size_t p_block) {
+    std::size_t& end = ends[p_block];
+    end = p_block * BlockSize;
+    for (const std::size_t last = std::min(end + BlockSize, lines.size()); end < last; ++end) {
+      lines[end] = p_trace(p_seeds[end]);
+      if (IsCancelled(p_options))
+        return;
+    }
+  });
+  std::size_t count = 0;
+  for (std::size_t block = 0; block < ends.size() && count == block * BlockSize; ++block)
+    count = ends[block];
+  lines.resize(count);
+  return lines;
+}
+
 /// Adds lines one by one that keep their distance from all others.
 class SpacedLines {
 public:
@@ -320,6 +343,18 @@ Streamline StreamlineTracer::Downstream(const Vector& p_seed, const TerminationC
 Streamline StreamlineTracer::Through(const Vector& p_seed, const TerminationCriterion& p_terminates) const {
   return Joined(Integrator(_field, _options, -1).Trace(p_seed, p_terminates),
                 Integrator(_field, _options, 1).Trace(p_seed, p_terminates));
+}
+
+std::vector<Streamline> StreamlineTracer::Downstream(const std::vector<Vector>& p_seeds,
+                                                     const TerminationCriterion& p_terminates,
+                                                     Utility::Threads p_threads) const {
+  return LinesOf(p_seeds, _options, p_threads, [&](const Vector& p_seed) { return Downstream(p_seed, p_terminates); });
+}
+
+std::vector<Streamline> StreamlineTracer::Through(const std::vector<Vector>& p_seeds,
+                                                  const TerminationCriterion& p_terminates,
+                                                  Utility::Threads p_threads) const {
+  return LinesOf(p_seeds, _options, p_threads, [&](const Vector& p_seed) { return Through(p_seed, p_terminates); });
 }
 
 std::vector<Streamline> StreamlineTracer::Spaced(const std::vector<Vector>& p_seeds, const Spacing& p_spacing,

@@ -5,6 +5,7 @@
 
 #include "platform/types/Geometry.h"
 #include "platform/types/Vector.h"
+#include "platform/utility/Threads.h"
 
 #include <boost/function.hpp>
 
@@ -92,6 +93,14 @@ public:
   /// the field is too slow there.
   Streamline Downstream(const Vector& p_seed, const TerminationCriterion& p_terminates = {}) const;
   Streamline Through(const Vector& p_seed, const TerminationCriterion& p_terminates = {}) const;
+  ///@}
+  ///@{
+  /// As above for several seeds: one line for each, in their order. The lines do not depend on the number of threads;
+  /// 16 seeds and fewer start none. With more than one, the field and the other functions are called by all at once.
+  std::vector<Streamline> Downstream(const std::vector<Vector>& p_seeds, const TerminationCriterion& p_terminates = {},
+                                     Utility::Threads p_threads = {}) const;
+  std::vector<Streamline> Through(const std::vector<Vector>& p_seeds, const TerminationCriterion& p_terminates = {},
+                                  Utility::Threads p_threads = {}) const;
   ///@}
 
   /// Evenly spaced lines through those seeds that are far enough from all lines before; earlier seeds take precedence.

@@ -188,6 +188,140 @@ TEST(StreamlineTracer, FillsSpaceAndStaysInTheBox) {
   }
 }
 
+// Vortices between uneven axes, sinks beyond the middle, and a hole of missing nodes.
+VectorField Vortices() {
+  std::vector<double> axis;
+  for (int i = 0; i < 60; ++i)
+    axis.push_back(i + 0.4 * std::sin(i) + (i > 50 ? 3 * (i - 50) : 0));
+  std::vector<Point> vectors;
+  for (const double y : axis)
+    for (const double x : axis) {
+      const double sx = std::sin(0.15 * x), cx = std::cos(0.15 * x), sy = std::sin(0.15 * y), cy = std::cos(0.15 * y);
+      const double sink = x > 40 ? 0.15 : 0;
+      vectors.emplace_back(std::hypot(x - 20, y - 35) < 4 ? NaN : -sx * cy - sink * cx * sy, cx * sy - sink * sx * cy,
+                           0);
+    }
+  return VectorField::Layer(axis, axis, vectors);
+}
+
+// A flow in space along helices of several axes, with a ball of missing nodes.
+VectorField Helices() {
+  std::vector<double> axis(24);
+  std::iota(axis.begin(), axis.end(), -12.0);
+  std::vector<Point> vectors;
+  for (const double z : axis)
+    for (const double y : axis)
+      for (const double x : axis)
+        vectors.emplace_back(Length(Point(x - 4, y, z)) < 2 ? NaN : std::sin(0.4 * z) + std::cos(0.34 * y),
+                             std::sin(0.38 * x) + std::cos(0.4 * z), std::sin(0.36 * y) + std::cos(0.42 * x));
+  return VectorField::Rectilinear(axis, axis, axis, vectors);
+}
+
+// Spaced lines by their definition: distances to all points.
+std::vector<Streamline> SpacedByDefinition(const VectorField& p_field, const std::vector<Point>& p_seeds,
+                                           const StreamlineTracer::Spacing& p_spacing) {
+  struct Passed {
+    Point at;
+    double arc;
+  };
+  const auto isNear = [](const auto& p_points, const Point& p_at, double p_distance) {
+    return std::any_of(p_points.begin(), p_points.end(),
+                       [&](const Point& p_point) { return Length(p_point - p_at) < p_distance; });
+  };
+  const auto isNearPassed = [&](const std::vector<Passed>& p_passed, const Point& p_at, double p_arc) {
+    return std::any_of(p_passed.begin(), p_passed.end(), [&](const Passed& p_point) {
+      return p_arc - p_point.arc > 2 * p_spacing.lines && Length(p_point.at - p_at) < p_spacing.lines;
+    });
+  };
+  std::vector<Point> others;
+  std::vector<Streamline> lines;
+  for (const Point& seed : p_seeds) {
+    if (isNear(others, seed, p_spacing.seeds))
+      continue;
+    std::vector<Passed> upstream; // with arcs from the seed
+    const auto traced = [&](double p_sign) {
+      std::vector<Passed> trail;
+      const auto field = [&](const Point& p_at, Point& p_vector) {
+        const bool isInside = p_field.Sample(p_at, p_vector);
+        p_vector = p_vector * p_sign;
+        return isInside;
+      };
+      return StreamlineTracer(field, StreamlineTracer::Options(p_field))
+          .Downstream(seed, [&](const Point& p_at, double p_arc) {
+            if (isNear(others, p_at, p_spacing.lines) || isNearPassed(trail, p_at, p_arc))
+              return true;
+            for (const Passed& passed : upstream)
+              if ((passed.arc >= 2 * p_spacing.seeds || p_arc >= 2 * p_spacing.seeds) &&
+                  Length(passed.at - p_at) < p_spacing.lines)
+                return true;
+            trail.push_back({p_at, p_arc});
+            return false;
+          });
+    };
+    Streamline line = traced(-1);
+    double arc = 0;
+    for (std::size_t i = 1; i < line.size(); ++i) {
+      arc += Length(line[i] - line[i - 1]);
+      upstream.push_back({line[i], arc});
+    }
+    const Streamline downstream = traced(1);
+    std::reverse(line.begin(), line.end());
+    line.insert(line.end(), downstream.begin() + (downstream.empty() ? 0 : 1), downstream.end());
+    if (line.size() < 2 || StreamlineTracer::ArcLength(line) < p_spacing.shortest)
+      continue;
+    others.insert(others.end(), line.begin(), line.end());
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+TEST(StreamlineTracer, KeepsDistancesToTheBit) {
+  const struct {
+    VectorField field;
+    double extent, seeds, lines;
+  } cases[] = {{Vortices(), 80, 4, 2}, {Vortices(), 80, 2.5, 2.5}, {Vortices(), 80, 6, 0.7}, {Helices(), 24, 3, 1.5}};
+  for (const auto& [field, extent, seedDistance, lineDistance] : cases) {
+    std::vector<Point> seeds;
+    for (int i = 0; i < 300; ++i) {
+      const Point at(std::fmod(7.31 * i, extent), std::fmod(3.97 * i, extent), std::fmod(5.23 * i, extent));
+      seeds.push_back(field.Size()[2] == 1 ? Point(at.x, at.y, 0) : at - Point(12, 12, 12));
+    }
+    const StreamlineTracer::Spacing spacing(seedDistance, lineDistance, seedDistance);
+    const std::vector<Streamline> lines = StreamlineTracer(field).Spaced(seeds, spacing);
+    EXPECT_GT(lines.size(), 15U);
+    EXPECT_EQ(lines, SpacedByDefinition(field, seeds, spacing)) << seedDistance << ' ' << lineDistance;
+  }
+}
+
+TEST(StreamlineTracer, ThreadsTraceTheSameLines) {
+  const VectorField field = Vortices();
+  const StreamlineTracer tracer(field);
+  std::vector<Point> seeds{{-1, 0, 0}, {NaN, 0, 0}};
+  for (int i = 0; i < 200; ++i)
+    seeds.emplace_back(std::fmod(7.3 * i, 70), std::fmod(3.9 * i, 70), 0);
+  const auto terminates = [](const Point& p_at, double p_arc) { return p_at.y > 50 && p_arc > 20; };
+  std::vector<Streamline> through, downstream;
+  for (const Point& seed : seeds) {
+    through.push_back(tracer.Through(seed, terminates));
+    downstream.push_back(tracer.Downstream(seed));
+  }
+  for (const int threads : {1, 2, 3, 7}) {
+    EXPECT_EQ(tracer.Through(seeds, terminates, Utility::Threads(threads)), through) << threads;
+    EXPECT_EQ(tracer.Downstream(seeds, {}, Utility::Threads(threads)), downstream) << threads;
+  }
+  // Cancelled, those before remain.
+  StreamlineTracer::Options options(field);
+  std::atomic<int> asked{0};
+  options.isCancelled = [&] { return ++asked > 20000; };
+  for (const int threads : {1, 3}) {
+    asked = 0;
+    const std::vector<Streamline> lines =
+        StreamlineTracer(field, options).Downstream(seeds, {}, Utility::Threads(threads));
+    EXPECT_TRUE(!lines.empty() && lines.size() < seeds.size()) << threads;
+    EXPECT_TRUE(std::equal(lines.begin(), lines.end(), downstream.begin())) << threads;
+  }
+}
+
 TEST(StreamlineTracer, CanBeCancelled) {
   int asked = 0, most = 100;
   StreamlineTracer::Options options = Options(1e9);
