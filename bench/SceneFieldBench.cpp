@@ -1,5 +1,5 @@
 // Parts that read a grid, each beside a simple limit: a copy or a sum of the same numbers, or the same samples by eight
-// plain reads.
+// plain reads. Streamlines also beside VTK's, where it is installed.
 
 #include "bench/SideBySide.h"
 #include "scene/Isolines.h"
@@ -12,6 +12,15 @@
 #include <numeric>
 #include <random>
 #include <vector>
+
+#if defined(VEK_BENCH_VTK)
+#include <vtkDoubleArray.h>
+#include <vtkImageData.h>
+#include <vtkNew.h>
+#include <vtkPointData.h>
+#include <vtkPolyData.h>
+#include <vtkStreamTracer.h>
+#endif
 
 using namespace Vek::Chart;
 
@@ -83,21 +92,45 @@ void SampleUneven(benchmark::State& p_state) {
   Sample(p_state, false);
 }
 
+/// A flow in waves, on a layer.
+constexpr std::size_t FlowSide = 400;
+
+std::vector<Vector> FlowVectors() {
+  std::vector<Vector> vectors;
+  for (std::size_t j = 0; j < FlowSide; ++j)
+    for (std::size_t i = 0; i < FlowSide; ++i)
+      vectors.emplace_back(1 + std::cos(0.032 * static_cast<double>(j)), std::sin(0.035 * static_cast<double>(i)), 0);
+  return vectors;
+}
+
+Scene::VectorField Flow() {
+  return Scene::VectorField::Layer(Axis(FlowSide), Axis(FlowSide), FlowVectors());
+}
+
+const Scene::StreamlineTracer::Spacing FlowSpacing(4, 2, 8); // in cells, as the steps of half a cell
+
+std::vector<Vector> FlowSeeds() {
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> number(0, FlowSide - 1);
+  std::vector<Vector> seeds(200);
+  for (Vector& seed : seeds)
+    seed = {number(random), number(random), 0};
+  return seeds;
+}
+
+std::size_t PointCount(const std::vector<Scene::Streamline>& p_lines) {
+  std::size_t count = 0;
+  for (const Scene::Streamline& line : p_lines)
+    count += line.size();
+  return count;
+}
+
 /// Lines that fill a layer, beside samples of the field at their points.
 void Streamlines(benchmark::State& p_state) {
-  const std::vector<double> axis = Axis(128);
-  std::vector<Vector> vectors;
-  for (const double y : axis)
-    for (const double x : axis)
-      vectors.emplace_back(1 + std::cos(0.1 * y), std::sin(0.11 * x), 0);
-  const Scene::VectorField field = Scene::VectorField::Layer(axis, axis, vectors);
+  const Scene::VectorField field = Flow();
   const Scene::StreamlineTracer tracer(field);
-  const Scene::StreamlineTracer::Spacing spacing(3, 1.5, 6);
-  const std::vector<Scene::Streamline> lines = tracer.Filled(field.Bounds(), spacing);
-  std::size_t points = 0;
-  for (const Scene::Streamline& line : lines)
-    points += line.size();
-  const auto fill = [&] { benchmark::DoNotOptimize(tracer.Filled(field.Bounds(), spacing).size()); };
+  const std::vector<Scene::Streamline> lines = tracer.Filled(field.Bounds(), FlowSpacing);
+  const auto fill = [&] { benchmark::DoNotOptimize(tracer.Filled(field.Bounds(), FlowSpacing).size()); };
   const auto sample = [&] {
     Vector sum, vector;
     for (const Scene::Streamline& line : lines)
@@ -107,8 +140,74 @@ void Streamlines(benchmark::State& p_state) {
     benchmark::DoNotOptimize(sum);
   };
   Vek::Bench::SideBySide(p_state, "of_samples", fill, sample);
-  p_state.SetItemsProcessed(p_state.iterations() * static_cast<std::int64_t>(points));
+  p_state.counters["points"] = static_cast<double>(PointCount(lines));
+  p_state.SetItemsProcessed(p_state.iterations() * static_cast<std::int64_t>(PointCount(lines)));
 }
+
+/// Lines through given seeds.
+void StreamlinesOnThreads(benchmark::State& p_state) {
+  const Utility::Threads threads(static_cast<int>(p_state.range(0)));
+  const Scene::VectorField field = Flow();
+  const Scene::StreamlineTracer tracer(field);
+  const std::vector<Vector> seeds = FlowSeeds();
+  const auto trace = [&](Utility::Threads p_threads) {
+    benchmark::DoNotOptimize(tracer.Through(seeds, {}, p_threads).size());
+  };
+  Vek::Bench::SideBySide(
+      p_state, "of_one_thread", [&] { trace(threads); }, [&] { trace(Utility::Threads()); });
+}
+
+#if defined(VEK_BENCH_VTK)
+
+vtkNew<vtkImageData> FlowOfVtk() {
+  vtkNew<vtkImageData> image;
+  image->SetDimensions(static_cast<int>(FlowSide), static_cast<int>(FlowSide), 1);
+  vtkNew<vtkDoubleArray> array;
+  array->SetName("flow");
+  array->SetNumberOfComponents(3);
+  for (const Vector& vector : FlowVectors())
+    array->InsertNextTuple3(vector.x, vector.y, vector.z);
+  image->GetPointData()->SetVectors(array);
+  return image;
+}
+
+/// Through given seeds, on one thread. VTK follows them by Runge-Kutta of order 4 with the step that ours rarely are
+/// below, so that its points differ: `a_point` compares the time for one.
+void StreamlinesBesideVtk(benchmark::State& p_state) {
+  const Scene::VectorField field = Flow();
+  const Scene::StreamlineTracer tracer(field);
+  const Scene::StreamlineTracer::Options options(field);
+  const std::vector<Vector> seeds = FlowSeeds();
+  vtkNew<vtkPoints> points;
+  for (const Vector& seed : seeds)
+    points->InsertNextPoint(seed.x, seed.y, seed.z);
+  vtkNew<vtkPolyData> source;
+  source->SetPoints(points);
+  const auto image = FlowOfVtk();
+  vtkNew<vtkStreamTracer> vtk;
+  vtk->SetInputData(image);
+  vtk->SetSourceData(source);
+  vtk->SetIntegratorTypeToRungeKutta4();
+  vtk->SetIntegrationDirectionToBoth();
+  vtk->SetIntegrationStepUnit(vtkStreamTracer::LENGTH_UNIT);
+  vtk->SetInitialIntegrationStep(options.largestStep);
+  vtk->SetMaximumPropagation(options.length);
+  vtk->SetMaximumNumberOfSteps(1 << 20);
+  vtk->SetComputeVorticity(false);
+  double ours = 0, theirs = 0;
+  const auto trace = [&] { ours = static_cast<double>(PointCount(tracer.Through(seeds))); };
+  const auto traceByVtk = [&] {
+    vtk->Modified();
+    vtk->Update();
+    theirs = static_cast<double>(vtk->GetOutput()->GetNumberOfPoints());
+  };
+  Vek::Bench::SideBySide(p_state, "times_vtk", trace, traceByVtk);
+  p_state.counters["points"] = ours;
+  p_state.counters["points_vtk"] = theirs;
+  p_state.counters["a_point"] = p_state.counters["times_vtk"] * ours / theirs;
+}
+
+#endif
 
 /// A mesh with normals, beside a copy of as many bytes as are read and written.
 void Surface(benchmark::State& p_state) {
@@ -174,6 +273,10 @@ void SurfaceOnThreads(benchmark::State& p_state) {
 BENCHMARK(SampleEven)->UseManualTime();
 BENCHMARK(SampleUneven)->UseManualTime();
 BENCHMARK(Streamlines)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(StreamlinesOnThreads)->Apply(Vek::Bench::OnThreads);
+#if defined(VEK_BENCH_VTK)
+BENCHMARK(StreamlinesBesideVtk)->UseManualTime()->Unit(benchmark::kMillisecond);
+#endif
 BENCHMARK(Surface)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(ContourLines)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(SphereSurface)->UseManualTime()->Unit(benchmark::kMillisecond);
