@@ -266,6 +266,50 @@ BENCHMARK_CAPTURE(Frames, Spheres, Spheres)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(10);
 
+/// Spheres of `range(1)` pixels in a cube, all in view: many cover each other. `wall_ms` is the time by the clock,
+/// `all_ms` the CPU time of a frame of all instances, `different` the share of pixels that differ from it.
+void Overlapping(benchmark::State& p_state) {
+  Target target(0);
+  const auto count = static_cast<std::size_t>(p_state.range(0));
+  const auto diameter = static_cast<double>(p_state.range(1));
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> number(0, 1);
+  Points positions(count);
+  std::vector<double> values(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    positions[i] = {number(random) * Width, number(random) * Height, (number(random) - 0.5) * Height};
+    values[i] = number(random);
+  }
+  InstancedMesh::Instances instances;
+  instances.positions = positions;
+  instances.values = values;
+  std::vector<InstancedMesh::Level> levels = InstancedMesh::Spheres();
+  for (InstancedMesh::Level& level : levels) {
+    level.scale *= diameter;
+    level.mostPixels /= diameter;
+  }
+  InstancedMesh mesh(std::move(levels), instances);
+  target.Draw(mesh);
+  const QImage image = target.context.Image();
+  double least = std::numeric_limits<double>::infinity(), leastWall = least, shift = 0;
+  for (auto _ : p_state) {
+    const auto start = std::chrono::steady_clock::now();
+    const double seconds = target.Draw(mesh, shift += 1e-3);
+    const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
+    leastWall = std::min(leastWall, wall.count());
+    least = std::min(least, seconds);
+    p_state.SetIterationTime(seconds);
+  }
+  if (count <= 100000) {                                           // otherwise it takes a minute
+    mesh.SetMostVertices(std::numeric_limits<std::size_t>::max()); // any number, without occlusion culling
+    p_state.counters["all_ms"] = 1e3 * target.Draw(mesh);
+    p_state.counters["different"] = ShareOfDifferent(image, target.context.Image());
+  }
+  p_state.counters["least_ms"] = 1e3 * least;
+  p_state.counters["wall_ms"] = 1e3 * leastWall;
+}
+BENCHMARK(Overlapping)->ArgsProduct({{100000, 1000000}, {5, 20, 80}})->Apply(ThreeFrames);
+
 /// Arcs of 100 segments of two units, in front of each other, with values that change along each.
 struct Curves {
   static constexpr std::size_t Length = 100;

@@ -3,6 +3,7 @@
 #include "scene/private/InstanceArrays.h"
 #include "scene/private/InstanceBuffers.h"
 #include "scene/private/MeshArrays.h"
+#include "scene/private/MeshBody.h"
 #include "scene/private/MeshShaders.h"
 
 #include <algorithm>
@@ -24,27 +25,7 @@ Point ToPoint(const Record& p_record) {
   return {static_cast<double>(p_record.x), static_cast<double>(p_record.y), static_cast<double>(p_record.z)};
 }
 
-/// How far a level's mesh reaches from the position of an instance of size 1.
-double ReachOf(const InstancedMesh::Level& p_level) {
-  double reach = 0;
-  const Types::BoundingBox_Base<double>& box = p_level.mesh.Bounds();
-  if (box.Empty())
-    return 0;
-  for (const double x : {box.Min().x, box.Max().x})
-    for (const double y : {box.Min().y, box.Max().y})
-      for (const double z : {box.Min().z, box.Max().z})
-        reach = std::max(reach, Length(Point(x, y, z) - p_level.origin));
-  return reach * std::abs(p_level.scale);
-}
-
 } // namespace
-
-double Private::Reach(const std::vector<InstancedMesh::Level>& p_levels) {
-  double reach = 0;
-  for (const InstancedMesh::Level& level : p_levels)
-    reach = std::max(reach, ReachOf(level));
-  return reach;
-}
 
 InstancedMesh::Level InstancedMesh::Level::Centered(GpuMesh p_mesh) {
   const Types::BoundingBox_Base<double> box = p_mesh.Bounds();
@@ -84,6 +65,22 @@ void InstancedMesh::SetLevels(std::vector<Level> p_levels) {
   CompleteLevels();
 }
 
+InstancedMesh::Body InstancedMesh::BodyOf(const Level& p_level) {
+  const GpuMesh& mesh = p_level.mesh;
+  const double scale = std::abs(p_level.scale);
+  if (!mesh._positions) { // of a cache
+    const Types::BoundingBox_Base<double>& box = mesh.Bounds();
+    return box.Empty() ? Body() : Body{scale * (Length(box.Center() - p_level.origin) + Length(box.Extent()) / 2), 0};
+  }
+  const std::vector<std::uint32_t> none;
+  const Triangles triangles{*mesh._positions, mesh._indices ? *mesh._indices : none, p_level.origin};
+  Body body{scale * OuterRadius(triangles), 0};
+  if (mesh.Primitive() == Ogl::VertexBuffer::Triangles && p_level.facing != Level::Facing::Outline)
+    body.core = p_level.facing == Level::Facing::Rotated ? scale * EnclosedRadius(triangles)
+                                                         : scale * std::min(1.0, CoveredRadius(triangles));
+  return body;
+}
+
 /// Small meshes are repeated: GL draws a few large instances faster than many small ones.
 void InstancedMesh::CompleteLevels() {
   constexpr std::size_t Vertices = 256; // of what is drawn as one instance
@@ -93,7 +90,9 @@ void InstancedMesh::CompleteLevels() {
                                 std::to_string(_levels.size()));
   _repeated.clear();
   _copies.clear();
+  _bodies.clear();
   for (const Level& level : _levels) {
+    _bodies.push_back(BodyOf(level));
     const std::size_t vertices = std::max<std::size_t>(level.mesh.VertexCount(), 1);
     _repeated.push_back(level.mesh.Repeated(Vertices / vertices));
     _copies.push_back(std::max<std::size_t>(_repeated.back().VertexCount() / vertices, 1));
@@ -139,11 +138,16 @@ void InstancedMesh::UpdateValues(const Array1& p_values) {
 
 void InstancedMesh::UpdateColors(std::vector<Rgba> p_colors) {
   RequireLength("colours", p_colors.size());
+  constexpr unsigned char Opaque = 255;
+  _areColorsOpaque =
+      std::all_of(p_colors.begin(), p_colors.end(), [](const Rgba& p_color) { return p_color[3] == Opaque; });
   _colors = Share(std::move(p_colors));
 }
 
 Types::BoundingBox_Base<double> InstancedMesh::Bounds() const {
-  const double reach = Reach(_levels);
+  double reach = 0;
+  for (const Body& body : _bodies)
+    reach = std::max(reach, body.reach);
   Types::BoundingBox_Base<double> bounds;
   for (std::size_t i = 0; i < Count(); ++i) {
     const Point position = ToPoint((*_positions)[i]);

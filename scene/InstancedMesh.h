@@ -33,6 +33,11 @@ namespace Vek::Chart::Scene {
 /// and the last level takes all others. Instances outside of the view frustum are left out. A drawing is one call of GL
 /// for each level that has instances. The number of GL calls does not depend on the number of instances.
 ///
+/// Occlusion culling: where instances are opaque closed surfaces around their positions and cover the viewport several
+/// times, those that are hidden wholly behind another one are left out as well. A coarse depth buffer in CPU memory
+/// finds them. The image stays the same. It takes place under the depth test RGL_LESS or RGL_LEQUAL alone, without
+/// blending, clip planes, culled faces or `SetMostVertices`.
+///
 /// Levels need GL 4.0, for buffer textures. Other devices with instancing draw all instances with the last level.
 ///
 /// Instances lie in GPU buffers of each context, made at the first drawing there and freed as `Ogl::PerContext`
@@ -168,13 +173,20 @@ private:
   using Shared = boost::shared_ptr<const std::vector<T>>;
   struct Buffers;
   struct Drawing;
+  /// What an instance of size 1 surely fills, and what it reaches.
+  struct Body {
+    double reach = 0; ///< from its position
+    double core = 0;  ///< radius of a ball around its position that is hidden from all sides; 0 for none
+  };
 
   void RequireLength(const char* p_name, std::size_t p_count) const;
+  static Body BodyOf(const Level& p_level);
   void CompleteLevels();
 
   std::vector<Level> _levels;
   std::vector<GpuMesh> _repeated;   ///< the mesh of each level, several times if it is small
   std::vector<std::size_t> _copies; ///< how many times
+  std::vector<Body> _bodies;        ///< of the levels
   Shared<Ogl::Vec3<float>> _positions;
   Shared<float> _sizes;
   Shared<float> _axes; ///< directions or rotations
@@ -182,6 +194,7 @@ private:
   Types::Vector3_Base<double> _up;
   Shared<float> _values;
   Shared<Rgba> _colors;
+  bool _areColorsOpaque = false;
   Shared<Rgba> _ids; ///< of the caller's
   std::size_t _undirected = 0;
   double _leastPixels = 0;

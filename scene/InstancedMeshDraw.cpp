@@ -63,6 +63,7 @@ struct InstancedMesh::Drawing {
   using SetUniforms = std::function<void(const Ogl::ShaderProgram&)>;
 
   bool Upload();
+  bool AreSolid() const;
   bool Select();
   void Draw(const std::map<std::string, int>& p_constants, const SetUniforms& p_setUniforms);
   InstanceShaders ShadersOf(const std::map<std::string, int>& p_constants) const;
@@ -75,6 +76,7 @@ struct InstancedMesh::Drawing {
   const InstancedMesh& mesh;
   Paint paint;
   Buffers& buffers = mesh._buffers.Get(gl);
+  bool isOpaque = false; ///< all that is drawn; of colours
   bool hasLevels = HasLevels(gl, mesh.Count());
   SetUniforms setUniforms{};
 };
@@ -88,14 +90,60 @@ bool InstancedMesh::Drawing::Upload() {
          (paint != Paint::Ids || buffers.ids.Update(*gl, mesh._ids, Signature));
 }
 
+namespace {
+
+/// Clip planes that are enabled, as bits.
+int EnabledCuts(const Utility::Scoped<Rgl>& p_gl) {
+  constexpr unsigned int Planes = 6;
+  int cuts = 0;
+  for (unsigned int i = 0; i < Planes; ++i)
+    cuts |= p_gl->IsEnabled(RGL_CLIP_PLANE0 + i) != 0 ? 1 << i : 0;
+  return cuts;
+}
+
+/// Whether the nearest opaque fragment alone is seen, whatever the order of drawing.
+bool ShowsNearest(const Utility::Scoped<Rgl>& p_gl) {
+  constexpr int EnoughBits = 24;
+  if (p_gl->IsEnabled(RGL_DEPTH_TEST) == 0 || EnabledCuts(p_gl) != 0)
+    return false;
+  for (const Ogl::GlEnum capability : {RGL_BLEND, RGL_CULL_FACE, RGL_ALPHA_TEST, RGL_STENCIL_TEST})
+    if (p_gl->IsEnabled(capability) != 0)
+      return false;
+  int function = 0, isWritten = 0, bits = 0;
+  std::array<int, 2> modes{};
+  std::array<double, 2> range{};
+  p_gl->GetIntegerv(RGL_DEPTH_FUNC, &function);
+  p_gl->GetIntegerv(RGL_DEPTH_WRITEMASK, &isWritten);
+  p_gl->GetIntegerv(RGL_DEPTH_BITS, &bits);
+  p_gl->GetIntegerv(RGL_POLYGON_MODE, modes.data());
+  p_gl->GetDoublev(RGL_DEPTH_RANGE, range.data());
+  const int fill = static_cast<int>(RGL_FILL);
+  return (function == static_cast<int>(RGL_LESS) || function == static_cast<int>(RGL_LEQUAL)) && isWritten != 0 &&
+         bits >= EnoughBits && modes[0] == fill && modes[1] == fill && range[0] == 0 && range[1] == 1;
+}
+
+} // namespace
+
+/// Whether instances surely hide what is behind them.
+bool InstancedMesh::Drawing::AreSolid() const {
+  constexpr std::size_t Few = 1000;
+  const bool areBodies =
+      mesh.Count() >= Few && mesh._axisFloats != RotationFloats && // which may be any matrices
+      std::any_of(mesh._bodies.begin(), mesh._bodies.end(), [](const Body& p_body) { return p_body.core > 0; });
+  return areBodies && (paint == Paint::Colors ? isOpaque : buffers.selection.AreSolid()) && ShowsNearest(gl);
+}
+
 /// Finds the levels, if asked for or not yet known, and uploads the order of the instances.
 bool InstancedMesh::Drawing::Select() {
   InstanceSelection& selection = buffers.selection;
-  InstanceSelection::Input input{mesh._positions,   mesh._sizes,        mesh._axes, {}, Reach(mesh._levels),
-                                 mesh._leastPixels, mesh._mostVertices, {},         {}};
-  for (const Level& level : mesh._levels)
-    input.levels.push_back(
-        {level.mostPixels, level.mesh.VertexCount(), level.facing == Level::Facing::Sphere ? 2 * level.scale : 0});
+  InstanceSelection::Input input{mesh._positions,    mesh._sizes, mesh._axes, {}, mesh._leastPixels,
+                                 mesh._mostVertices, AreSolid(),  {},         {}};
+  for (std::size_t i = 0; i < mesh._levels.size(); ++i) {
+    const Level& level = mesh._levels[i];
+    input.levels.push_back({level.mostPixels, level.mesh.VertexCount(),
+                            level.facing == Level::Facing::Sphere ? 2 * level.scale : 0, mesh._bodies[i].reach,
+                            mesh._bodies[i].core});
+  }
   input.view = input.sizing = Projection::Of(gl);
   if (paint != Paint::Colors && selection.Fits(mesh._positions, mesh._sizes, mesh._levels.size()))
     input.sizing = selection.Sizing();
@@ -188,15 +236,6 @@ namespace {
 constexpr std::array<const char*, 5> TextureNames{"order", "places", "sizes", "axes", "paints"};
 constexpr int FirstUnit = 4;
 
-/// Clip planes that are enabled, as bits.
-int EnabledCuts(const Utility::Scoped<Rgl>& p_gl) {
-  constexpr unsigned int Planes = 6;
-  int cuts = 0;
-  for (unsigned int i = 0; i < Planes; ++i)
-    cuts |= p_gl->IsEnabled(RGL_CLIP_PLANE0 + i) != 0 ? 1 << i : 0;
-  return cuts;
-}
-
 /// Disables clip planes, which would cut the polygon instead of the sphere. Releasing the guard enables them again.
 boost::shared_ptr<void> WithoutCuts(const Utility::Scoped<Rgl>& p_gl, int p_cuts) {
   const auto each = [p_cuts](const auto& p_call) {
@@ -274,6 +313,22 @@ void InstancedMesh::Drawing::Draw(const std::map<std::string, int>& p_constants,
       DrawLevel(level, shaders);
 }
 
+namespace {
+
+/// All texels, and the colours of values without one.
+bool AreOpaque(Library::ColorMap p_colors, const ValueScale& p_scale) {
+  for (const QColor& color : {p_scale.below, p_scale.above, p_scale.missing})
+    if (color.isValid() && color.alphaF() < 1)
+      return false;
+  const QImage& image = p_colors.GetImage();
+  const auto* const texels = reinterpret_cast<const QRgb*>(image.constScanLine(0)); // NOLINT: format ARGB32
+  constexpr int Opaque = 255;
+  return p_scale.missing.isValid() && texels != nullptr &&
+         std::all_of(texels, texels + image.width(), [](QRgb p_texel) { return qAlpha(p_texel) == Opaque; });
+}
+
+} // namespace
+
 void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
                          const PeelPass* p_pass) const {
   p_scale.Check();
@@ -281,7 +336,8 @@ void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_
     return;
   const auto map = p_colors.Bind(p_gl);
   const Painting painting = _colors ? ByColor : ByValue;
-  Drawing{p_gl, *this, Paint::Colors}.Draw(
+  const bool isOpaque = p_pass == nullptr && (_colors ? _areColorsOpaque : AreOpaque(p_colors, p_scale));
+  Drawing{p_gl, *this, Paint::Colors, _buffers.Get(p_gl), isOpaque}.Draw(
       {{"painting", painting}, {"logarithmic", p_scale.logarithmic ? 1 : 0}, {"peeled", p_pass != nullptr ? 1 : 0}},
       [&](const Ogl::ShaderProgram& p_program) {
         SetColorUniforms(p_gl, p_program, painting, p_colors, p_scale, p_pass);

@@ -32,10 +32,4 @@ struct InstancedMesh::Buffers {
   std::map<Private::InstanceShaders, Ogl::ShaderProgram> programs;
 };
 
-namespace Private {
-
-/// How far meshes reach from the position of an instance of size 1.
-double Reach(const std::vector<InstancedMesh::Level>& p_levels);
-
-} // namespace Private
 } // namespace Vek::Chart::Scene

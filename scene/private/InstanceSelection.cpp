@@ -1,5 +1,6 @@
 #include "scene/private/InstanceSelection.h"
 
+#include "scene/private/InstanceOcclusion.h"
 #include "scene/private/Matrix4.h"
 #include "scene/private/MeshShaders.h"
 
@@ -63,7 +64,13 @@ Projection Projection::Of(const Utility::Scoped<Ogl::Rgl>& p_gl) {
   p_gl->GetDoublev(RGL_MODELVIEW_MATRIX, view.data());
   p_gl->GetDoublev(RGL_PROJECTION_MATRIX, projection.data());
   p_gl->GetIntegerv(RGL_VIEWPORT, viewport.data());
-  return {Product(projection, view), std::abs(projection[5]) * ScaleOf(view) * viewport[3] / 2.0, projection[15] == 0};
+  return {view,
+          projection,
+          Product(projection, view),
+          viewport[2],
+          viewport[3],
+          std::abs(projection[5]) * ScaleOf(view) * viewport[3] / 2.0,
+          projection[15] == 0};
 }
 
 /// The input as the loop over all instances needs it.
@@ -74,8 +81,9 @@ struct InstanceSelection::Rules {
               Side(p_input.view.clip, 1, -1), Side(p_input.view.clip, 2, 1),  Side(p_input.view.clip, 2, -1)}
       , pixels(static_cast<float>(p_input.sizing.pixels))
       , least(static_cast<float>(p_input.sizing.pixels > 0 ? p_input.leastPixels / p_input.sizing.pixels : 0))
-      , reach(static_cast<float>(p_input.reach * 1.001))
       , bounds(p_input.levels.size() - 1) {
+    for (const Level& level : p_input.levels)
+      reach = std::max(reach, static_cast<float>(level.reach * 1.001));
     for (std::size_t level = 0; level < bounds; ++level)
       mostPixels[level] =
           static_cast<float>(std::min(p_input.levels[level].mostPixels * p_coarseness, double{LargestValue}));
@@ -107,16 +115,17 @@ struct InstanceSelection::Rules {
 
   Linear depth; ///< clip coordinate w
   std::array<Linear, 6> sides;
-  float pixels, least, reach;
+  float pixels, least, reach = 0;
   std::size_t bounds;
   std::array<float, MostLevels> mostPixels{};
 };
 
 bool InstanceSelection::Update(Input p_input) {
   const bool isSame = !_ranges.empty() && p_input.positions == _input.positions && p_input.sizes == _input.sizes &&
-                      p_input.axes == _input.axes && p_input.levels == _input.levels && p_input.reach == _input.reach &&
+                      p_input.axes == _input.axes && p_input.levels == _input.levels &&
                       p_input.leastPixels == _input.leastPixels && p_input.mostVertices == _input.mostVertices &&
-                      p_input.sizing == _input.sizing && p_input.view == _input.view;
+                      p_input.areSolid == _input.areSolid && p_input.sizing == _input.sizing &&
+                      p_input.view == _input.view;
   if (isSame)
     return false;
   if (p_input.axes != _input.axes)
@@ -125,6 +134,8 @@ bool InstanceSelection::Update(Input p_input) {
   const std::size_t most = _input.mostVertices;
   if (most == 0) {
     Choose(1, 1);
+    if (_input.areSolid)
+      HideOccluded();
     return true;
   }
   // Of many instances, a sample decides.
@@ -206,7 +217,11 @@ void InstanceSelection::Choose(double p_coarseness, std::size_t p_step) {
     }
     std::copy_n(counts.begin(), MostLevels, _firstOf[p_begin / BlockSize].begin());
   });
+  FindRanges();
+}
 
+/// Turns the counts of all blocks and levels into places of the order.
+void InstanceSelection::FindRanges() {
   _ranges.assign(_input.levels.size(), {});
   std::uint32_t next = 0;
   for (std::size_t level = 0; level < _ranges.size(); ++level) {
@@ -215,6 +230,116 @@ void InstanceSelection::Choose(double p_coarseness, std::size_t p_step) {
       next += std::exchange(firsts[level], next);
     _ranges[level].count = next - _ranges[level].first;
   }
+}
+
+namespace {
+
+/// A sample of what instances cover of a viewport.
+struct CoverSample {
+  std::size_t count = 0;     ///< of instances that were looked at
+  double pixels = 0;         ///< that all instances together cover, about
+  double pixelsOfOne = 0;    ///< in the mean
+  std::vector<float> depths; ///< of the sample
+};
+
+template <class OutlineOf>
+CoverSample SampleCover(std::size_t p_count, double p_most, const OutlineOf& p_outlineOf) {
+  constexpr std::size_t Stride = 61; // not that of rows of regular grids
+  const std::size_t stride = p_count < 8 * BlockSize ? 1 : Stride;
+  CoverSample sample;
+  for (std::size_t i = 0; i < p_count; i += stride)
+    if (const Outline outline = p_outlineOf(i); outline.halfWidth > 0 && outline.halfHeight > 0) {
+      sample.depths.push_back(outline.depth);
+      sample.pixels += std::min(p_most, M_PI * static_cast<double>(outline.halfWidth * outline.halfHeight));
+    }
+  if (!sample.depths.empty())
+    sample.pixelsOfOne = sample.pixels / static_cast<double>(sample.depths.size());
+  sample.pixels *= static_cast<double>(stride);
+  return sample;
+}
+
+/// Tiles that are small beside instances, so that many of them are covered wholly.
+int TileFor(double p_pixels) {
+  constexpr int Most = 64, TilesOfInstance = 256;
+  int tile = 1;
+  while (tile < Most && tile * tile * TilesOfInstance < p_pixels)
+    tile *= 2;
+  return tile;
+}
+
+} // namespace
+
+/// Draws instances into a coarse depth buffer, and leaves out those that it hides.
+void InstanceSelection::HideOccluded() {
+  const auto view = BallView::Of(_input.view);
+  if (!view)
+    return;
+  const std::vector<Ogl::Vec3<float>>& positions = *_input.positions;
+  const std::size_t count = positions.size();
+  const double pixels = _input.view.pixels;
+  const auto least = static_cast<float>(pixels > 0 ? _input.leastPixels / pixels : 0);
+  std::array<float, 256> cores{}, reaches{}; // of levels; 0 for those left out
+  for (std::size_t level = 0; level < _input.levels.size(); ++level) {
+    cores[level] = static_cast<float>(_input.levels[level].core);
+    reaches[level] = static_cast<float>(_input.levels[level].reach);
+  }
+  const auto sizeOf = [&](std::size_t p_i) {
+    return std::max(_input.sizes ? (*_input.sizes)[p_i] : 1, least * view->W(positions[p_i]));
+  };
+  const auto insideOf = [&](std::size_t p_i) {
+    const std::uint8_t level = _levelOf[p_i];
+    const float size = sizeOf(p_i);
+    return cores[level] > 0 ? view->Inside(positions[p_i], cores[level] * size, reaches[level] * size) : Outline();
+  };
+
+  // Worth it where instances cover the viewport several times.
+  constexpr double LeastCover = 4;
+  const double room = static_cast<double>(_input.view.width) * _input.view.height;
+  CoverSample sample = SampleCover(count, room, insideOf);
+  if (!(sample.pixels > LeastCover * room))
+    return;
+  constexpr std::ptrdiff_t Front = 8;
+  const auto front = sample.depths.begin() + static_cast<std::ptrdiff_t>(sample.depths.size()) / Front;
+  std::nth_element(sample.depths.begin(), front, sample.depths.end());
+
+  const Utility::Threads threads = Utility::Threads::All();
+  const auto shares = static_cast<std::size_t>(threads.Count());
+  std::vector<OcclusionGrid> grids(shares,
+                                   OcclusionGrid(_input.view.width, _input.view.height, TileFor(sample.pixelsOfOne)));
+  const auto cover = [&](const auto& p_isWanted) {
+    Utility::RunBlocks(threads, shares, [&](std::size_t p_share) {
+      for (std::size_t i = p_share * count / shares; i < (p_share + 1) * count / shares; ++i)
+        if (_levelOf[i] != LeftOut)
+          if (const Outline inside = insideOf(i); p_isWanted(i, inside))
+            grids[p_share].Cover(inside);
+    });
+    for (std::size_t share = 1; share < shares; ++share)
+      grids[0].Merge(grids[share]);
+  };
+  const auto isHidden = [&](std::size_t p_i, const OcclusionGrid& p_grid) {
+    const auto around = view->Around(positions[p_i], reaches[_levelOf[p_i]] * sizeOf(p_i));
+    return around && p_grid.Hides(*around);
+  };
+  // Those in front hide most of the others, which larger tiles show quickly.
+  cover([&](std::size_t, const Outline& p_inside) { return p_inside.depth < *front; });
+  const OcclusionGrid coarse = grids[0].Coarser();
+  cover([&](std::size_t p_i, const Outline&) {
+    if (!isHidden(p_i, coarse))
+      return true;
+    _levelOf[p_i] = LeftOut;
+    return false;
+  });
+  Utility::RunRanges(threads, count, BlockSize, [&](std::size_t p_begin, std::size_t p_end) {
+    std::array<std::uint32_t, MostLevels>& counts = _firstOf[p_begin / BlockSize];
+    counts = {};
+    for (std::size_t i = p_begin; i < p_end; ++i) {
+      if (_levelOf[i] != LeftOut && isHidden(i, grids[0]))
+        _levelOf[i] = LeftOut;
+      if (_levelOf[i] != LeftOut)
+        ++counts[_levelOf[i]];
+    }
+  });
+  FindRanges();
 }
 
 void InstanceSelection::WriteOrder(std::uint32_t* p_order) const {

@@ -13,20 +13,25 @@
 
 namespace Vek::Chart::Scene::Private {
 
-/// How a scope shows points: its matrices and the height of its viewport.
+/// How a scope shows points: its matrices and the size of its viewport.
 struct Projection {
-  std::array<double, 16> clip{}; ///< from model to clip coordinates, column by column
-  double pixels = 0;             ///< of a unit at a clip w of 1
-  bool isCentral = false;        ///< perspective
+  std::array<double, 16> model{};      ///< from model to eye coordinates, column by column
+  std::array<double, 16> projection{}; ///< to clip coordinates
+  std::array<double, 16> clip{};       ///< both
+  int width = 0, height = 0;           ///< of the viewport
+  double pixels = 0;                   ///< of a unit at a clip w of 1
+  bool isCentral = false;              ///< perspective
 
   static Projection Of(const Utility::Scoped<Ogl::Rgl>& p_gl);
 
   friend bool operator==(const Projection& p_a, const Projection& p_b) {
-    return p_a.clip == p_b.clip && p_a.pixels == p_b.pixels;
+    return p_a.model == p_b.model && p_a.projection == p_b.projection && p_a.width == p_b.width &&
+           p_a.height == p_b.height;
   }
 };
 
-/// Which instances are drawn, and with which level of detail: those that the view frustum may show.
+/// Which instances are drawn, and with which level of detail: those that the view frustum may show, without those that
+/// are surely hidden if solid instances overlap a lot.
 ///
 /// Instances are looked at in blocks of a fixed size, so that the order does not depend on the number of threads.
 class InstanceSelection {
@@ -38,9 +43,12 @@ public:
     double mostPixels = 0;    ///< the largest size × pixels per unit; ascending
     std::size_t vertices = 0; ///< of an instance
     double diameter = 0;      ///< of an instance of size 1, if it is a ray-cast sphere
+    double reach = 0;         ///< of an instance of size 1 from its position
+    double core = 0;          ///< radius of a ball around the position that an instance of size 1 encloses
 
     friend bool operator==(const Level& p_a, const Level& p_b) {
-      return p_a.mostPixels == p_b.mostPixels && p_a.vertices == p_b.vertices && p_a.diameter == p_b.diameter;
+      return p_a.mostPixels == p_b.mostPixels && p_a.vertices == p_b.vertices && p_a.diameter == p_b.diameter &&
+             p_a.reach == p_b.reach && p_a.core == p_b.core;
     }
   };
   /// What decides.
@@ -49,9 +57,9 @@ public:
     Shared<float> sizes;                ///< 1 if there are none; 0: left out
     Shared<float> axes;                 ///< any numbers of each instance, all of them 0: left out
     std::vector<Level> levels;          ///< at most MostLevels
-    double reach = 0;                   ///< of an instance of size 1 from its position
     double leastPixels = 0;             ///< of sizes
     std::size_t mostVertices = 0;       ///< of all instances together, about; 0 for any number
+    bool areSolid = false;              ///< whether instances hide what is behind them
     Projection sizing;                  ///< decides on levels
     Projection view;                    ///< decides on what may be seen
   };
@@ -70,6 +78,8 @@ public:
   }
   /// The projection that decided on the levels.
   const Projection& Sizing() const { return _input.sizing; }
+  /// Whether hidden instances may have been left out.
+  bool AreSolid() const { return _input.areSolid; }
   /// One for each level.
   const std::vector<Range>& Ranges() const { return _ranges; }
   /// The number of instances that are drawn.
@@ -82,6 +92,8 @@ public:
 private:
   struct Rules;
   void Choose(double p_coarseness, std::size_t p_step);
+  void FindRanges();
+  void HideOccluded();
   double Cost() const;
   void FindDirected(const Input& p_input);
 

@@ -1,0 +1,147 @@
+// Occlusion culling of instances: images stay the same, and fewer instances are drawn.
+
+#include "scene/InstancedMesh.h"
+
+#include "library/VectorSymbol.h"
+#include "platform/ogl/VertexData.h"
+#include "scene/Camera.h"
+#include "scene/DirectionalLight.h"
+
+#include "tests/support/Test.h"
+
+namespace {
+
+constexpr int Width = 240, Height = 150;
+
+/// Symbols of 12 to 40 pixels in a box, drawn with and without culling.
+class InstanceOcclusionPixels : public testing::Test {
+public:
+  InstanceOcclusionPixels() {
+    std::mt19937 random(1);
+    std::uniform_real_distribution<double> number(0, 1);
+    for (int i = 0; i < 4000; ++i) {
+      positions.emplace_back(Width * number(random), Height * number(random), -Height * number(random));
+      sizes.push_back(12 + 28 * number(random) * number(random));
+      values.push_back(i % 2 == 0 ? NAN : number(random));
+      rgba.push_back({static_cast<unsigned char>(i), static_cast<unsigned char>(i / 256), 100, 255});
+    }
+  }
+  InstancedMesh Mesh(std::vector<InstancedMesh::Level> p_levels, bool p_hasColors) const {
+    InstancedMesh::Instances instances;
+    instances.positions = positions;
+    instances.sizes = sizes;
+    instances.values = values;
+    if (p_hasColors)
+      instances.colors = rgba;
+    return {std::move(p_levels), instances};
+  }
+  void TearDown() override { colors = ColorMap({Qt::red}, ColorMap::Discrete); } // releases the texture
+  /// Draws, after `prepare`; returns the number of samples that passed the depth test.
+  unsigned int Draw(const std::function<void()>& p_draw) {
+    gl->ClearColor(Qt::transparent);
+    gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
+    Camera camera;
+    camera.Look(Camera::StandardView::Top);
+    camera.projection = isCentral ? Camera::Projection::Perspective : Camera::Projection::Parallel;
+    const Types::Viewport<0> viewport{0, 0, Width, Height};
+    camera.Fit({{0, 0, -Height}, {Width, Height, 0}}, viewport);
+    const auto matrices = camera.Apply(gl, viewport);
+    const auto lit = DirectionalLight().Apply(gl);
+    const auto state = gl->PushAttribScope(RGL_ENABLE_BIT | RGL_DEPTH_BUFFER_BIT | RGL_COLOR_BUFFER_BIT |
+                                           RGL_TRANSFORM_BIT | RGL_POLYGON_BIT);
+    gl->Enable(RGL_DEPTH_TEST);
+    if (prepare)
+      prepare();
+    unsigned int query = 0, samples = 0;
+    gl->GenQueries(1, &query);
+    gl->BeginQuery(RGL_SAMPLES_PASSED, query);
+    p_draw();
+    gl->EndQuery(RGL_SAMPLES_PASSED);
+    gl->GetQueryObjectuiv(query, RGL_QUERY_RESULT, &samples);
+    gl->DeleteQueries(1, &query);
+    return samples;
+  }
+  /// Draws colours and then ids with culling and without; the images must be equal. Returns how many samples passed
+  /// with culling, in parts of those without.
+  double ShareOfSamples(InstancedMesh p_mesh, const ValueScale& p_scale = {}) {
+    std::array<QImage, 2> images, ids;
+    std::array<unsigned int, 2> samples{};
+    for (const std::size_t all : {0U, 1U}) {
+      p_mesh.SetMostVertices(all == 0 ? 0 : std::numeric_limits<std::size_t>::max()); // any number, without culling
+      samples[all] = Draw([&] { p_mesh.Draw(gl, colors, p_scale); });
+      images[all] = context.Image();
+      Draw([&] { p_mesh.DrawIds(gl, 1); });
+      ids[all] = context.Image();
+    }
+    EXPECT_EQ(images[0], images[1]);
+    EXPECT_EQ(ids[0], ids[1]);
+    return samples[0] / static_cast<double>(samples[1]);
+  }
+
+  std::vector<Point> positions;
+  std::vector<double> sizes, values;
+  std::vector<InstancedMesh::Rgba> rgba;
+  bool isCentral = false;
+  std::function<void()> prepare;
+  ColorMap colors{{Qt::red, Qt::yellow, Qt::blue}, ColorMap::Interpolated};
+  Ogl::OffscreenContext context{{Width, Height}, 4};
+  Scope gl{context.Handle()};
+};
+
+std::vector<InstancedMesh::Level> Symbols(Model::Symbol::Shape p_shape) {
+  Ogl::VertexData data;
+  VectorSymbol(p_shape, 12).BuildShape(data);
+  return {InstancedMesh::Level::Centered(GpuMesh(data))};
+}
+
+} // namespace
+
+TEST_F(InstanceOcclusionPixels, LeavesTheImageAsItIs) {
+  for (const bool isPerspective : {false, true}) {
+    isCentral = isPerspective;
+    EXPECT_LT(ShareOfSamples(Mesh(InstancedMesh::Spheres(), false)), 0.8) << isPerspective;
+    EXPECT_LT(ShareOfSamples(Mesh(InstancedMesh::Spheres(), true)), 0.8) << isPerspective;
+    EXPECT_LT(ShareOfSamples(Mesh(Symbols(Model::Symbol::ShapeCube), true)), 0.98) << isPerspective;
+  }
+}
+
+/// What is behind is seen, or is not what the depth test keeps.
+TEST_F(InstanceOcclusionPixels, LeavesOutNothingThatMayBeSeen) {
+  constexpr std::size_t Count = 1500;
+  positions.resize(Count);
+  for (std::vector<double>* const numbers : {&sizes, &values})
+    numbers->resize(Count);
+  rgba.resize(Count);
+  const InstancedMesh spheres = Mesh(InstancedMesh::Spheres(), false);
+  EXPECT_LT(ShareOfSamples(spheres), 0.95);
+  ValueScale holes;
+  holes.missing = Qt::transparent;
+  EXPECT_EQ(ShareOfSamples(spheres, holes), 1);
+  const std::pair<const char*, std::function<void()>> states[] = {
+      {"blending", [&] { gl->Enable(RGL_BLEND); }},
+      {"last", [&] { gl->DepthFunc(RGL_ALWAYS); }},
+      {"no depths", [&] { gl->DepthMask(false); }},
+      {"no test", [&] { gl->Disable(RGL_DEPTH_TEST); }},
+      {"back faces", [&] { gl->Enable(RGL_CULL_FACE); }},
+      {"cut", [&] {
+         constexpr double Plane[] = {0, 0, -1, -Height / 2.0}; // the front half of the box is cut away
+         gl->ClipPlane(RGL_CLIP_PLANE0, Plane);
+         gl->Enable(RGL_CLIP_PLANE0);
+       }}};
+  for (const auto& [name, set] : states) {
+    SCOPED_TRACE(name);
+    prepare = set;
+    EXPECT_EQ(ShareOfSamples(spheres), 1);
+  }
+  prepare = {};
+  colors = ColorMap({QColor(255, 0, 0, 100), Qt::blue}, ColorMap::Interpolated);
+  EXPECT_EQ(ShareOfSamples(spheres), 1);
+  for (InstancedMesh::Rgba& color : rgba)
+    color[3] = 100;
+  EXPECT_EQ(ShareOfSamples(Mesh(InstancedMesh::Spheres(), true)), 1);
+  // Open meshes, and closed ones that do not surround their positions.
+  EXPECT_EQ(ShareOfSamples(Mesh(Symbols(Model::Symbol::ShapeCone), false)), 1);
+  std::vector<InstancedMesh::Level> aside = Symbols(Model::Symbol::ShapeCube);
+  aside[0].origin += Point(1, 0, 0);
+  EXPECT_EQ(ShareOfSamples(Mesh(aside, false)), 1);
+}
