@@ -47,7 +47,7 @@ Private::ObjReader::Result ReadLines(std::istream& p_stream, std::string_view p_
     const std::string line = std::string(reinterpret_cast<const char*>(source.Data()), rest) + '\n';
     reader.ReadBlock(line.data(), line.data() + line.size());
   }
-  return reader.Finish();
+  return reader.Finish(p_threads);
 }
 
 boost::shared_ptr<ObjModel> Load(std::istream& p_stream, std::string_view p_path, Utility::Threads p_threads) {

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "library/private/io/NumberText.h"
-#include "platform/ogl/Vec.h"
 #include "platform/types/Geometry.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 namespace Vek::Chart::Library::Private {
@@ -16,7 +17,6 @@ namespace Vek::Chart::Library::Private {
 namespace ObjPlain {
 
 using Vector = Types::Vector3_Base<double>;
-using Attribute = Ogl::Attribute<Ogl::Vec3<float>>;
 
 /// The rest of a line that has all the parts it needs.
 struct LineRest {
@@ -24,10 +24,12 @@ struct LineRest {
   bool hasMoreParts = false;
 };
 
+/// Zero-based, modulo 2^32.
 struct Corner {
-  int vertexNumber = 0;
-  int normalNumber = 0;
-  bool hasNormal = false;
+  static constexpr std::uint32_t NoNormal = 0xFFFFFFFE; // no number of a short text minus 1
+
+  std::uint32_t vertex = 0;
+  std::uint32_t normal = NoNormal;
 };
 
 // Scanners: [p_first, p_last) ends in a line feed. Every line does, which no number contains, so the character behind a
@@ -45,8 +47,16 @@ inline LineRest ScanLineRest(const char* p_first, const char* p_last) {
   return Scan::IsBlank(end[-1]) ? LineRest() : LineRest{lineFeed + 1, true}; // blanks at the end are no parts
 }
 
+/// An index from a number from 1.
+inline const char* ScanIndex(const char* p_first, const char* p_last, std::uint32_t& p_index) {
+  int number = 0;
+  const char* const end = Scan::ShortInt(p_first, p_last, number);
+  p_index = static_cast<std::uint32_t>(number) - 1u;
+  return end;
+}
+
 inline const char* ScanCorner(const char* p_first, const char* p_last, Corner& p_corner) {
-  p_first = Scan::ShortInt(p_first, p_last, p_corner.vertexNumber);
+  p_first = ScanIndex(p_first, p_last, p_corner.vertex);
   if (p_first == nullptr || *p_first != '/')
     return p_first;
   if (*++p_first != '/') {
@@ -55,8 +65,7 @@ inline const char* ScanCorner(const char* p_first, const char* p_last, Corner& p
     if (p_first == nullptr || *p_first != '/')
       return p_first;
   }
-  p_corner.hasNormal = true;
-  return Scan::ShortInt(p_first + 1, p_last, p_corner.normalNumber);
+  return ScanIndex(p_first + 1, p_last, p_corner.normal);
 }
 
 /// The three numbers behind a keyword and a blank.
@@ -86,26 +95,54 @@ inline LineRest ScanTriangle(const char* p_first, const char* p_last, Corner (&p
 /// Lines of a file, scanned without those above them.
 class Block {
 public:
-  enum Kind : std::uint8_t { Positions, Normals, Triangles, Other };
   /// Lines of one kind in a row.
   struct Run {
+    enum Kind : std::uint8_t {
+      Positions,
+      Normals,
+      OwnNormals,    ///< triangles: each corner has the normal of its vertex's index
+      Triangles,     ///< others
+      LongTriangles, ///< with more parts, which are reported
+      Other
+    };
     Kind kind;
     std::size_t count;
+    std::uint32_t largest; ///< vertex index of triangles
   };
 
-  /// The lines from `p_first` on up to `p_last`, behind a line feed. They must outlive the block's lists.
-  void Scan(const char* p_first, const char* p_last);
+  Block();
+
+  /// Scans lines of [p_first, p_last), behind a line feed: all that fit, those of BlockBytes in any case. Returns the
+  /// end of the last one. The lines must outlive the block's lists.
+  const char* Scan(const char* p_first, const char* p_last);
 
   std::vector<Run> runs;
-  std::vector<Attribute> positions;
   std::vector<Types::BoundingBox_Base<double>> bounds; ///< of each run of positions, of the numbers as read
-  std::vector<Attribute> normals;
-  std::vector<Corner> corners;     ///< three a triangle
-  std::vector<const char*> others; ///< the starts of lines that are read in the general way
+  std::vector<std::string_view> longLines;             ///< of LongTriangles
+  std::vector<const char*> others; ///< the start of each run of lines that are read in the general way
+
+  // Behind one another over all runs, in memory that is not initialised.
+  const float* Positions() const { return _positions.get(); }
+  const float* Normals() const { return _normals.get(); }
+  const std::uint32_t* VertexIndices() const { return _vertices.get(); }      ///< three a triangle of any kind
+  const std::uint32_t* NormalIndices() const { return _normalIndices.get(); } ///< three a triangle, but for OwnNormals
 
 private:
-  const char* ScanLine(const char* p_line, const char* p_last);
-  void Count(Kind p_kind);
+  const char* ScanPositions(const char* p_line, const char* p_last);
+  const char* ScanNormals(const char* p_line, const char* p_last);
+  const char* ScanTriangles(const char* p_line, const char* p_last);
+  void Add(const Run& p_run);
+
+  std::unique_ptr<float[]> _positions;
+  std::unique_ptr<float[]> _normals;
+  std::unique_ptr<std::uint32_t[]> _vertices;
+  std::unique_ptr<std::uint32_t[]> _normalIndices;
+  std::size_t _plainLines = 0;
+  // The ends of what is in use.
+  float* _position = nullptr;
+  float* _normal = nullptr;
+  std::uint32_t* _vertex = nullptr;
+  std::uint32_t* _normalIndex = nullptr;
 };
 
 } // namespace ObjPlain

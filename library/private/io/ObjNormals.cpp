@@ -4,6 +4,17 @@
 
 namespace Vek::Chart::Library::Private {
 
+void ObjNormals::GiveOwn(const std::uint32_t* p_vertices, std::size_t p_count, std::size_t p_vertexCount) {
+  if (_isSeparate) {
+    for (std::size_t i = 0; i < p_count; ++i)
+      Give(p_vertices[i], p_vertices[i], p_vertexCount);
+    return;
+  }
+  _isGiven.resize(p_vertexCount);
+  for (std::size_t i = 0; i < p_count; ++i)
+    _isGiven[p_vertices[i]] = 1;
+}
+
 void ObjNormals::Store(std::uint32_t p_vertex, std::uint32_t p_normal) {
   if (!_isSeparate)
     Separate();
@@ -16,7 +27,7 @@ void ObjNormals::Separate() {
   _isSeparate = true;
   _ofVertices.Grow(_isGiven.size());
   for (std::size_t i = 0; i < std::min(_isGiven.size(), _ofFile.Size()); ++i)
-    if (_isGiven[i])
+    if (_isGiven[i] != 0)
       _ofVertices[i] = _ofFile[i];
 }
 
@@ -34,7 +45,7 @@ std::vector<ObjNormals::Attribute> ObjNormals::MoveOut(std::size_t p_vertexCount
   std::vector<Attribute> normals = _ofFile.MoveOut(p_vertexCount);
   normals.resize(p_vertexCount);
   for (std::size_t i = 0; i < p_vertexCount; ++i)
-    if (!_isGiven[i])
+    if (_isGiven[i] == 0)
       normals[i] = {};
   return normals;
 }

@@ -47,6 +47,11 @@ T NumberFrom(T (*p_convert)(std::string_view), std::string_view p_text, const ve
   }
 }
 
+/// Zero-based, modulo 2^32, from a number from 1. Throws BadNumber.
+std::uint32_t IndexFrom(std::string_view p_text, const vekdebug::detail& p_where) {
+  return static_cast<std::uint32_t>(NumberFrom(IntFromText, p_text, p_where)) - 1u;
+}
+
 /// Without white space of the classic locale at both ends.
 std::string_view Trimmed(std::string_view p_text) {
   constexpr std::string_view WhiteSpace = " \t\n\v\f\r";
@@ -109,50 +114,83 @@ ObjReader::ObjReader(std::string_view p_path)
     : _path(p_path) {}
 
 void ObjReader::ReadBlock(const char* p_first, const char* p_last) {
-  for (const char* line = p_first; line != p_last;)
-    line = ReadNextLine(line, p_last);
+  for (const char* line = p_first; line != p_last;) {
+    const char* const next = _block.Scan(line, p_last);
+    AddBlock(_block, next);
+    line = next;
+  }
 }
 
-const char* ObjReader::ReadNextLine(const char* p_line, const char* p_last) {
-  ++_line;
-  if (const char* const next = ReadPlainLine(p_line, p_last))
-    return next;
-  const auto* const end = static_cast<const char*>(std::memchr(p_line, '\n', std::size_t(p_last - p_line)));
-  ReadLine(Trimmed({p_line, std::size_t(end - p_line)}));
-  return end + 1;
+void ObjReader::ReadLines(const char* p_line, std::size_t p_count, const char* p_last) {
+  for (std::size_t i = 0; i < p_count; ++i) {
+    ++_line;
+    const auto* const end = static_cast<const char*>(std::memchr(p_line, '\n', std::size_t(p_last - p_line)));
+    ReadLine(Trimmed({p_line, std::size_t(end - p_line)}));
+    p_line = end + 1;
+  }
 }
 
 void ObjReader::AddBlock(const ObjPlain::Block& p_block, const char* p_last) {
-  const Attribute* position = p_block.positions.data();
-  const Attribute* normal = p_block.normals.data();
-  const ObjPlain::Corner* corner = p_block.corners.data();
+  using Run = ObjPlain::Block::Run;
+  const float* position = p_block.Positions();
+  const float* normal = p_block.Normals();
+  const std::uint32_t* vertices = p_block.VertexIndices();
+  const std::uint32_t* normals = p_block.NormalIndices();
   auto bounds = p_block.bounds.begin();
+  auto longLine = p_block.longLines.begin();
   auto other = p_block.others.begin();
-  for (const ObjPlain::Block::Run& run : p_block.runs) {
+  for (const Run& run : p_block.runs) {
     switch (run.kind) {
-    case ObjPlain::Block::Positions:
-      _vertices.Append(position, run.count);
-      position += run.count;
+    case Run::Positions:
+      _vertices.AppendBytes(position, run.count);
+      position += 3 * run.count;
       AddBounds(*bounds++);
       _line += run.count;
       break;
-    case ObjPlain::Block::Normals:
-      _normals.Append(normal, run.count);
-      normal += run.count;
+    case Run::Normals:
+      _normals.AppendBytes(normal, run.count);
+      normal += 3 * run.count;
       _line += run.count;
       break;
-    case ObjPlain::Block::Triangles:
-      for (std::size_t i = 0; i < run.count; ++i, corner += 3) {
+    case Run::OwnNormals:
+      AddOwnNormals(vertices, run);
+      vertices += 3 * run.count;
+      break;
+    case Run::Triangles:
+      for (std::size_t i = 0; i < run.count; ++i, vertices += 3, normals += 3) {
         ++_line;
-        AddTriangle(corner);
+        AddTriangle(vertices, normals);
       }
       break;
-    case ObjPlain::Block::Other:
-      for (std::size_t i = 0; i < run.count; ++i)
-        ReadNextLine(*other++, p_last);
+    case Run::LongTriangles:
+      for (std::size_t i = 0; i < run.count; ++i, vertices += 3, normals += 3) {
+        ++_line;
+        DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
+        ReportSize(FourParts, *longLine++);
+        AddTriangle(vertices, normals);
+      }
+      break;
+    case Run::Other:
+      ReadLines(*other++, run.count, p_last);
       break;
     }
   }
+}
+
+/// Nothing is to be decided corner by corner where all elements exist, as in most files.
+void ObjReader::AddOwnNormals(const std::uint32_t* p_vertices, const ObjPlain::Block::Run& p_run) {
+  if (_settledCorners != _indices.Size() || p_run.largest >= std::min(_vertices.Size(), _normals.Size())) {
+    for (std::size_t i = 0; i < p_run.count; ++i) {
+      ++_line;
+      AddTriangle(p_vertices + 3 * i, p_vertices + 3 * i);
+    }
+    return;
+  }
+  DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
+  _indices.Append(p_vertices, 3 * p_run.count);
+  _normals.GiveOwn(p_vertices, 3 * p_run.count, _vertices.Size());
+  _settledCorners += 3 * p_run.count;
+  _line += p_run.count;
 }
 
 /// As if the positions were added one after the other: a component is empty if all its numbers are NaN.
@@ -165,61 +203,23 @@ void ObjReader::AddBounds(const Types::BoundingBox_Base<double>& p_bounds) {
 }
 
 /// Most triangles have normals, all of elements that exist.
-void ObjReader::AddTriangle(const ObjPlain::Corner* p_corners) {
-  const auto isPlain = [&](const ObjPlain::Corner& p_corner) {
-    return p_corner.hasNormal && static_cast<std::uint32_t>(p_corner.vertexNumber) - 1u < _vertices.Size() &&
-           static_cast<std::uint32_t>(p_corner.normalNumber) - 1u < _normals.Size();
+void ObjReader::AddTriangle(const std::uint32_t* p_vertices, const std::uint32_t* p_normals) {
+  const auto isPlain = [&](std::size_t p_i) {
+    return p_vertices[p_i] < _vertices.Size() && p_normals[p_i] < _normals.Size();
   };
   DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
-  if (_settledCorners != _indices.Size() || !isPlain(p_corners[0]) || !isPlain(p_corners[1]) || !isPlain(p_corners[2]))
-    return AddCorners(p_corners);
-  std::uint32_t indices[3];
-  for (std::size_t i = 0; i < 3; ++i) {
-    indices[i] = static_cast<std::uint32_t>(p_corners[i].vertexNumber) - 1u;
-    _normals.Give(indices[i], static_cast<std::uint32_t>(p_corners[i].normalNumber) - 1u, _vertices.Size());
+  if (_settledCorners == _indices.Size() && isPlain(0) && isPlain(1) && isPlain(2)) {
+    for (std::size_t i = 0; i < 3; ++i)
+      _normals.Give(p_vertices[i], p_normals[i], _vertices.Size());
+    _indices.Append(p_vertices, 3);
+    _settledCorners += 3;
+    return;
   }
-  _indices.Append(indices, 3);
-  _settledCorners += 3;
-}
-
-void ObjReader::AddCorners(const ObjPlain::Corner* p_corners) {
   for (std::size_t i = 0; i < 3; ++i) {
-    AddCorner(p_corners[i].vertexNumber);
-    if (p_corners[i].hasNormal)
-      AddCornerNormal(p_corners[i].normalNumber);
+    AddCorner(p_vertices[i]);
+    if (p_normals[i] != ObjPlain::Corner::NoNormal)
+      AddCornerNormal(p_normals[i]);
   }
-}
-
-const char* ObjReader::ReadPlainLine(const char* p_line, const char* p_last) {
-  if (p_line[0] == 'f' && p_line[1] == ' ')
-    return ReadPlainTriangle(p_line, p_last);
-  return p_line[0] == 'v' ? ReadPlainVector(p_line, p_last) : nullptr;
-}
-
-const char* ObjReader::ReadPlainVector(const char* p_line, const char* p_last) {
-  const bool isNormal = p_line[1] == 'n';
-  const char* const blank = p_line + (isNormal ? 2 : 1);
-  Vector vector;
-  const ObjPlain::LineRest rest =
-      *blank == ' ' ? ObjPlain::ScanVector(blank + 1, p_last, vector) : ObjPlain::LineRest();
-  if (rest.next == nullptr)
-    return nullptr;
-  if (rest.hasMoreParts)
-    ReportSize(FourParts, {p_line, std::size_t(rest.next - p_line)});
-  isNormal ? AddNormal(vector) : AddPosition(vector);
-  return rest.next;
-}
-
-const char* ObjReader::ReadPlainTriangle(const char* p_line, const char* p_last) {
-  ObjPlain::Corner corners[3];
-  const ObjPlain::LineRest rest = ObjPlain::ScanTriangle(p_line + 1, p_last, corners);
-  if (rest.next == nullptr)
-    return nullptr;
-  DecidePrimitiveType(Ogl::VertexBuffer::Triangles);
-  if (rest.hasMoreParts)
-    ReportSize(FourParts, {p_line, std::size_t(rest.next - p_line)});
-  AddTriangle(corners);
-  return rest.next;
 }
 
 void ObjReader::ReadLine(std::string_view p_line) {
@@ -250,9 +250,9 @@ void ObjReader::ReadTriangle(std::string_view p_line) {
   if (parts.Size() != 4)
     ReportSize(FourParts, p_line);
   for (std::size_t i = 1; i < std::min<std::size_t>(parts.Size(), 4); ++i) {
-    AddCorner(NumberFrom(IntFromText, VertexField(parts[i]), Where(parts[i])));
+    AddCorner(IndexFrom(VertexField(parts[i]), Where(parts[i])));
     if (NamesNormal(parts[i]))
-      AddCornerNormal(NumberFrom(IntFromText, NormalField(parts[i]), Where(parts[i])));
+      AddCornerNormal(IndexFrom(NormalField(parts[i]), Where(parts[i])));
   }
 }
 
@@ -262,7 +262,7 @@ void ObjReader::ReadLineSegment(std::string_view p_line) {
   if (parts.Size() != 3)
     ReportSize(ThreeParts, p_line);
   for (std::size_t i = 1; i < std::min<std::size_t>(parts.Size(), 3); ++i)
-    AddCorner(NumberFrom(IntFromText, VertexField(parts[i]), Where(parts[i])));
+    AddCorner(IndexFrom(VertexField(parts[i]), Where(parts[i])));
 }
 
 void ObjReader::ReadGroup(std::string_view p_line) {
@@ -308,21 +308,19 @@ void ObjReader::DecidePrimitiveType(Ogl::VertexBuffer::PrimitiveType p_type) {
     _result.primitiveType = p_type;
 }
 
-void ObjReader::AddCorner(int p_vertexNumber) {
-  const std::uint32_t vertexIndex = static_cast<std::uint32_t>(p_vertexNumber) - 1u;
-  if (vertexIndex >= _vertices.Size())
-    ReportVertexIndex(vertexIndex);
-  _indices.Append(vertexIndex);
+void ObjReader::AddCorner(std::uint32_t p_vertex) {
+  if (p_vertex >= _vertices.Size())
+    ReportVertexIndex(p_vertex);
+  _indices.Append(p_vertex);
 }
 
-void ObjReader::AddCornerNormal(int p_normalNumber) {
-  const std::uint32_t normalIndex = static_cast<std::uint32_t>(p_normalNumber) - 1u;
-  if (normalIndex >= _normals.Size())
-    ReportNormalIndex(normalIndex);
-  if (_settledCorners + 1 == _indices.Size() && GiveNormal(_indices[_settledCorners], normalIndex))
+void ObjReader::AddCornerNormal(std::uint32_t p_normal) {
+  if (p_normal >= _normals.Size())
+    ReportNormalIndex(p_normal);
+  if (_settledCorners + 1 == _indices.Size() && GiveNormal(_indices[_settledCorners], p_normal))
     ++_settledCorners;
   else
-    _pendingNormals.push_back(normalIndex);
+    _pendingNormals.push_back(p_normal);
 }
 
 /// Gives the vertex that normal unless it has one. False when either does not exist (yet).
@@ -345,11 +343,22 @@ void ObjReader::FinishGroup() {
   _result.groups.back().indices = _indices.MoveOut();
 }
 
-ObjReader::Result ObjReader::Finish() {
+ObjReader::Result ObjReader::Finish(Utility::Threads p_threads) {
   SettlePendingNormals();
-  _result.normals = _normals.MoveOut(_vertices.Size()); // first, since it frees memory
-  FinishGroup();
-  _result.vertices = _vertices.MoveOut();
+  const std::size_t vertices = _vertices.Size();
+  _vertices.ReleaseRest();
+  _normals.ReleaseRest();
+  _indices.ReleaseRest();
+  const auto finish = [&](std::size_t p_array) {
+    if (p_array == 0)
+      _result.groups.back().indices = _indices.MoveOut();
+    else if (p_array == 1)
+      _result.normals = _normals.MoveOut(vertices);
+    else
+      _result.vertices = _vertices.MoveOut();
+  };
+  const std::size_t bytes = (vertices + _normals.Size()) * sizeof(Attribute) + _indices.Size() * sizeof(std::uint32_t);
+  Utility::RunBlocks(ThreadsToMoveOut(p_threads, bytes), 3, finish);
   return std::move(_result);
 }
 

@@ -7,6 +7,7 @@
 #include "platform/ogl/Vec.h"
 #include "platform/ogl/VertexBuffer.h"
 #include "platform/types/Geometry.h"
+#include "platform/utility/Threads.h"
 
 #include <cstdint>
 #include <string>
@@ -40,7 +41,7 @@ public:
   /// Likewise, of a block that was scanned, whose characters end at `p_last`.
   void AddBlock(const ObjPlain::Block& p_block, const char* p_last);
   /// The arrays, after the last line. The reader is used up.
-  Result Finish();
+  Result Finish(Utility::Threads p_threads);
 
   /// The place of the line that was read last, for reports.
   vekdebug::detail Where(std::string_view p_found = {}) const { return {_path, _line, p_found}; }
@@ -51,12 +52,8 @@ private:
   struct Keyword;
   static const Keyword Keywords[];
 
-  // One pass over plain lines, the bulk of any file. Each returns the start of the next line, or null, without any
-  // effect, when the line must be read in the general way.
-  const char* ReadNextLine(const char* p_line, const char* p_last);
-  const char* ReadPlainLine(const char* p_first, const char* p_last);
-  const char* ReadPlainVector(const char* p_line, const char* p_last);
-  const char* ReadPlainTriangle(const char* p_line, const char* p_last);
+  /// Reads lines that a block leaves, so many from the first one on.
+  void ReadLines(const char* p_line, std::size_t p_count, const char* p_last);
 
   // The general way: a trimmed line, and one function for each keyword.
   void ReadLine(std::string_view p_line);
@@ -73,12 +70,12 @@ private:
 
   void AddPosition(const Vector& p_position);
   void AddBounds(const Types::BoundingBox_Base<double>& p_bounds);
-  void AddTriangle(const ObjPlain::Corner* p_corners);
-  void AddCorners(const ObjPlain::Corner* p_corners);
+  void AddOwnNormals(const std::uint32_t* p_vertices, const ObjPlain::Block::Run& p_run);
+  void AddTriangle(const std::uint32_t* p_vertices, const std::uint32_t* p_normals);
   void AddNormal(const Vector& p_normal);
   void DecidePrimitiveType(Ogl::VertexBuffer::PrimitiveType p_type);
-  void AddCorner(int p_vertexNumber);
-  void AddCornerNormal(int p_normalNumber);
+  void AddCorner(std::uint32_t p_vertex);
+  void AddCornerNormal(std::uint32_t p_normal);
   bool GiveNormal(std::uint32_t p_vertexIndex, std::uint32_t p_normalIndex);
   void SettlePendingNormals();
   void FinishGroup();
@@ -86,6 +83,7 @@ private:
   std::string_view _path;
   std::uint64_t _line = 0; // from 1
   Result _result;
+  ObjPlain::Block _block;
   ChunkedArray<Attribute> _vertices;
   ObjNormals _normals;
 

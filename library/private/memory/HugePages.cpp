@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <new>
 
 #if defined(__linux__)
 #include <sys/mman.h>
@@ -38,6 +39,45 @@ void ReleasePages([[maybe_unused]] void* p_memory, [[maybe_unused]] std::size_t 
   AdvisePages(p_memory, p_bytes, static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE)), MADV_DONTNEED);
 #endif
 }
+
+#if defined(__linux__)
+PageBlock NewPageBlock() {
+  const auto map = [](std::size_t p_bytes) {
+    void* const memory = mmap(nullptr, p_bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+      throw std::bad_alloc();
+    return static_cast<unsigned char*>(memory);
+  };
+  const auto rest = [](const unsigned char* p_memory) {
+    return reinterpret_cast<std::uintptr_t>(p_memory) % PageBlockBytes;
+  };
+  unsigned char* memory = map(PageBlockBytes);
+  if (rest(memory) != 0) { // not by chance, nor by a recent system: the aligned part of a larger one
+    munmap(memory, PageBlockBytes);
+    unsigned char* const larger = map(2 * PageBlockBytes);
+    const std::size_t head = (PageBlockBytes - rest(larger)) % PageBlockBytes;
+    memory = larger + head;
+    if (head != 0)
+      munmap(larger, head);
+    munmap(memory + PageBlockBytes, PageBlockBytes - head);
+  }
+  PageBlock block(memory);
+  AdviseHugePages(memory, PageBlockBytes);
+  return block;
+}
+
+void FreePageBlock::operator()(void* p_memory) const noexcept {
+  munmap(p_memory, PageBlockBytes);
+}
+#else
+PageBlock NewPageBlock() {
+  return PageBlock(::operator new(PageBlockBytes));
+}
+
+void FreePageBlock::operator()(void* p_memory) const noexcept {
+  ::operator delete(p_memory);
+}
+#endif
 
 void ClearMemory(void* p_memory, std::size_t p_bytes) {
   static constexpr std::array<unsigned char, 4096> Zeros{};

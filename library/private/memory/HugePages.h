@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 namespace Vek::Chart::Library::Private {
@@ -8,6 +9,17 @@ namespace Vek::Chart::Library::Private {
 /// Asks the system for huge pages behind untouched memory, since small pages take longer to fault in than to fill. A
 /// hint: it has no effect below a few megabytes and on systems without huge pages.
 void AdviseHugePages(void* p_memory, std::size_t p_bytes);
+
+/// The size and alignment of a huge page.
+constexpr std::size_t PageBlockBytes = std::size_t{1} << 21;
+
+struct FreePageBlock {
+  void operator()(void* p_memory) const noexcept;
+};
+/// Owns PageBlockBytes of memory that goes back to the system as soon as it is freed: an allocator may keep it.
+using PageBlock = std::unique_ptr<void, FreePageBlock>;
+/// Uninitialised memory, in a huge page where there are any. Throws std::bad_alloc.
+PageBlock NewPageBlock();
 
 /// Gives the whole pages of memory back that is not read again, before it is freed.
 void ReleasePages(void* p_memory, std::size_t p_bytes);
