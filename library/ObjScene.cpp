@@ -109,18 +109,17 @@ ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name, const O
       source, p_threads, [](Block& p_block) { p_block.scanned.Scan(p_block.lines.First(), p_block.lines.Last()); },
       [&](const Block& p_block) {
         bytesRead += p_block.lines.size;
-        reader.AddBlock(p_block.scanned, p_block.lines.size, bytes > bytesRead ? bytes - bytesRead : 0);
+        reader.AddBlock(p_block.scanned);
         progress(bytes == 0 ? 1 : std::min(1.0, double(bytesRead) / double(bytes)));
       },
       &WholeStatements);
   while (const std::size_t size = PrepareStatements(source, reader, p_name)) {
     const std::string_view text = Available(source, size);
     if (IsLineEnd(text.back())) {
-      const std::uint64_t read = source.Position() + size;
-      reader.ReadBlock(text.data(), text.data() + size, bytes > read ? bytes - read : 0);
+      reader.ReadBlock(text.data(), text.data() + size);
     } else {
       const std::string last = std::string(text) + '\n'; // the last line has no end
-      reader.ReadBlock(last.data(), last.data() + last.size(), 0);
+      reader.ReadBlock(last.data(), last.data() + last.size());
     }
     source.Take(size);
     progress(bytes == 0 ? 1 : std::min(1.0, double(source.Position()) / double(bytes)));

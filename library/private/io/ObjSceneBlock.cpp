@@ -1,12 +1,20 @@
 #include "library/private/io/ObjSceneBlock.h"
 
+#include "library/private/io/BlockSizes.h"
 #include "library/private/io/ObjLine.h"
+
+#include <algorithm>
 
 namespace Vek::Chart::Library::Private {
 
 using namespace ObjLine;
 
 namespace {
+
+/// Scanned statements have seven characters or more; the last one may go beyond the block.
+constexpr std::size_t MostStatements = BlockBytes / 7 + 1;
+/// Of a face that is scanned.
+constexpr std::size_t MostCorners = 16;
 
 /// Behind a statement of any kind, with the lines on which it goes on.
 const char* BehindStatement(const char* p_line, const char* p_last) {
@@ -25,25 +33,44 @@ const char* BehindStatement(const char* p_line, const char* p_last) {
 
 } // namespace
 
-void ObjSceneBlock::Scan(const char* p_first, const char* p_last) {
+ObjSceneBlock::ObjSceneBlock()
+    : _positions(new float[3 * MostStatements])
+    , _normals(new float[3 * MostStatements])
+    , _texCoords(new float[2 * MostStatements])
+    , _ownIndices(new std::uint32_t[4 * MostStatements]) {}
+
+const char* ObjSceneBlock::Scan(const char* p_first, const char* p_last) {
   first = p_first;
   runs.clear();
   cornerEnds.clear();
   corners.clear();
-  for (std::vector<float>* array : {&positions, &normals, &texCoords})
-    array->clear();
-  for (const char* line = p_first; line < p_last;) {
+  _position = _positions.get();
+  _normal = _normals.get();
+  _texCoord = _texCoords.get();
+  _ownIndex = _ownIndices.get();
+  const char* const end = std::size_t(p_last - p_first) > BlockBytes ? p_first + BlockBytes : p_last;
+  Run run;
+  const char* line = p_first;
+  while (line < end) {
     const char* next = ScanStatement(line, p_last);
     if (next == nullptr) {
-      _kind = Other;
+      _statement = {};
       next = BehindStatement(line, p_last);
     }
-    if (runs.empty() || runs.back().kind != _kind || _kind == Other)
-      runs.push_back({_kind, 0, 0});
-    ++runs.back().count;
-    runs.back().bytes += std::size_t(next - line);
+    if (_statement.kind != run.kind || _statement.hasTexCoords != run.hasTexCoords ||
+        _statement.hasNormals != run.hasNormals) {
+      if (run.count != 0)
+        runs.push_back(run);
+      run = _statement;
+    }
+    run.largest = std::max(run.largest, _statement.largest);
+    ++run.count;
+    run.bytes += std::size_t(next - line);
     line = next;
   }
+  if (run.count != 0)
+    runs.push_back(run);
+  return line;
 }
 
 /// The start of the next line; null, without any effect, for a statement of another kind or one that is wrong.
@@ -56,60 +83,80 @@ const char* ObjSceneBlock::ScanStatement(const char* p_line, const char* p_last)
     return ScanFace(p_line + 1, p_last);
   if (*p_line != 'v' || (!alone && !Scan::IsBlank(p_line[2])))
     return nullptr;
+  _statement = {};
   if (alone) {
-    _kind = Positions;
-    return ScanVector(p_line + 1, p_last, 3, 5, positions);
+    _statement.kind = Run::Positions;
+    return ScanVector<3>(p_line + 1, p_last, 5, _position);
   }
   if (p_line[1] == 'n') {
-    _kind = Normals;
-    return ScanVector(p_line + 2, p_last, 3, 8, normals);
+    _statement.kind = Run::Normals;
+    return ScanVector<3>(p_line + 2, p_last, 8, _normal);
   }
-  _kind = TexCoords;
-  return p_line[1] == 't' ? ScanVector(p_line + 2, p_last, 2, 8, texCoords) : nullptr;
+  _statement.kind = Run::TexCoords;
+  return p_line[1] == 't' ? ScanVector<2>(p_line + 2, p_last, 8, _texCoord) : nullptr;
 }
 
-/// Keeps three numbers, of texture coordinates two.
-const char* ObjSceneBlock::ScanVector(const char* p_at, const char* p_last, std::size_t p_least, std::size_t p_most,
-                                      std::vector<float>& p_array) {
+/// Keeps the first numbers of up to `p_most`.
+template <std::size_t Count>
+const char* ObjSceneBlock::ScanVector(const char* p_at, const char* p_last, int p_most, float*& p_end) {
   double numbers[8];
   int count = 0;
   const char* const end = ScanNumbers(p_at, p_last, numbers, count);
   const char* const next = SkipRest(end, p_last);
-  if (next == nullptr || std::size_t(count) < p_least || std::size_t(count) > p_most)
+  if (next == nullptr || count < int(Count) || count > p_most)
     return nullptr;
-  float floats[3];
-  for (std::size_t i = 0; i < p_least; ++i)
-    floats[i] = static_cast<float>(numbers[i]);
-  p_array.insert(p_array.end(), floats, floats + p_least);
+  for (std::size_t i = 0; i < Count; ++i)
+    p_end[i] = static_cast<float>(numbers[i]);
+  p_end += Count;
   return next;
 }
 
 const char* ObjSceneBlock::ScanFace(const char* p_at, const char* p_last) {
-  const std::size_t before = corners.size();
-  for (;;) {
+  ObjCorner scanned[MostCorners];
+  std::size_t count = 0;
+  for (;; ++count) {
     if (*p_at != ' ' || p_at[1] < '0' || p_at[1] > '9') // not one blank and a number, which are most common
       p_at = SkipBlanks(p_at);
     else
       ++p_at;
     if (IsLineEnd(*p_at) || *p_at == '#')
       break;
-    ObjCorner corner;
-    const char* const end = ScanCorner(p_at, p_last, corner);
-    if (end == nullptr || !Scan::IsBlank(*end)) {
-      corners.resize(before);
+    if (count == MostCorners)
       return nullptr;
-    }
-    corners.push_back(corner);
-    p_at = end;
+    p_at = ScanCorner(p_at, p_last, scanned[count]);
+    if (p_at == nullptr || !Scan::IsBlank(*p_at))
+      return nullptr;
   }
   const char* const next = SkipRest(p_at, p_last);
-  if (next == nullptr || corners.size() < before + 3) {
-    corners.resize(before);
+  if (next == nullptr || count < 3)
     return nullptr;
-  }
-  cornerEnds.push_back(corners.size());
-  _kind = Faces;
+  AddFace(scanned, count);
   return next;
+}
+
+void ObjSceneBlock::AddFace(const ObjCorner* p_first, std::size_t p_count) {
+  _statement = {};
+  _statement.hasTexCoords = p_first[0].texCoord != 0;
+  _statement.hasNormals = p_first[0].normal != 0;
+  bool isOwn = p_count <= 4;
+  for (std::size_t i = 0; i < p_count && isOwn; ++i) {
+    const int position = p_first[i].position;
+    isOwn = position > 0 && p_first[i].texCoord == (_statement.hasTexCoords ? position : 0) &&
+            p_first[i].normal == (_statement.hasNormals ? position : 0);
+  }
+  if (!isOwn) {
+    _statement = {};
+    _statement.kind = Run::Faces;
+    corners.insert(corners.end(), p_first, p_first + p_count);
+    cornerEnds.push_back(corners.size());
+    return;
+  }
+  _statement.kind = p_count == 3 ? Run::OwnTriangles : Run::OwnQuads;
+  for (std::size_t i = 0; i < p_count; ++i) {
+    const auto index = static_cast<std::uint32_t>(p_first[i].position) - 1u;
+    *_ownIndex++ = index;
+    _statement.largest = std::max(_statement.largest, index);
+  }
 }
 
 } // namespace Vek::Chart::Library::Private

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace Vek::Chart::Library::Private {
@@ -17,32 +18,60 @@ struct ObjCorner {
 /// and faces. Others are found only.
 class ObjSceneBlock {
 public:
-  enum Kind : std::uint8_t { Positions, Normals, TexCoords, Faces, Other };
   /// Statements of one kind in a row, each in a line of its own but for others, which may go on.
   struct Run {
-    Kind kind;
-    std::size_t count;
-    std::size_t bytes;
+    enum Kind : std::uint8_t {
+      Positions,
+      Normals,
+      TexCoords,
+      OwnTriangles, ///< the corners have, if any, the texture coordinates and the normals of their positions' numbers
+      OwnQuads,     ///< likewise
+      Faces,        ///< others
+      Other
+    };
+    Kind kind = Other;
+    bool hasTexCoords = false; // of own faces, whose corners are all alike
+    bool hasNormals = false;
+    std::uint32_t largest = 0; ///< index of own faces
+    std::size_t count = 0;
+    std::size_t bytes = 0;
   };
 
-  /// The statements from `p_first` up to `p_last`, behind the end of a line. They must outlive the block's lists.
-  void Scan(const char* p_first, const char* p_last);
+  ObjSceneBlock();
+
+  /// Scans statements of [p_first, p_last), behind the end of a line: those that begin in the first BlockBytes. Returns
+  /// the end of the last one. The character behind p_last may be read. The statements must outlive the block's lists.
+  const char* Scan(const char* p_first, const char* p_last);
 
   const char* first = nullptr; ///< of all statements
   std::vector<Run> runs;
-  std::vector<float> positions;
-  std::vector<float> normals;
-  std::vector<float> texCoords;
-  std::vector<ObjCorner> corners;      ///< of all faces
-  std::vector<std::size_t> cornerEnds; ///< behind the corners of each face
+  std::vector<ObjCorner> corners;      ///< of all faces that are not own ones
+  std::vector<std::size_t> cornerEnds; ///< behind the corners of each
+
+  // Behind one another over all runs, in memory that is not initialised.
+  const float* Positions() const { return _positions.get(); }           ///< three numbers each
+  const float* Normals() const { return _normals.get(); }               ///< three numbers each
+  const float* TexCoords() const { return _texCoords.get(); }           ///< two numbers each
+  const std::uint32_t* OwnIndices() const { return _ownIndices.get(); } ///< of own faces, zero-based
 
 private:
   const char* ScanStatement(const char* p_line, const char* p_last);
   const char* ScanFace(const char* p_at, const char* p_last);
-  const char* ScanVector(const char* p_at, const char* p_last, std::size_t p_least, std::size_t p_most,
-                         std::vector<float>& p_array);
+  void AddFace(const ObjCorner* p_first, std::size_t p_count);
+  template <std::size_t Count>
+  const char* ScanVector(const char* p_at, const char* p_last, int p_most, float*& p_end);
 
-  Kind _kind = Other; ///< of the last statement
+  Run _statement; ///< the last one
+
+  std::unique_ptr<float[]> _positions;
+  std::unique_ptr<float[]> _normals;
+  std::unique_ptr<float[]> _texCoords;
+  std::unique_ptr<std::uint32_t[]> _ownIndices;
+  // The ends of what is in use.
+  float* _position = nullptr;
+  float* _normal = nullptr;
+  float* _texCoord = nullptr;
+  std::uint32_t* _ownIndex = nullptr;
 };
 
 } // namespace Vek::Chart::Library::Private

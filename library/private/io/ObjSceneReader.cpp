@@ -15,10 +15,9 @@ namespace {
 constexpr const char* Number = "a number";
 constexpr const char* AnyCorner = "a corner such as 1, 1/2, 1//3 or 1/2/3";
 
-/// One by one: a range of so few is inserted by calls that take longer.
-void AppendFloats(std::vector<float>& p_array, const double* p_first, const double* p_last) {
+void AppendFloats(ChunkedArray<float>& p_array, const double* p_first, const double* p_last) {
   for (; p_first != p_last; ++p_first)
-    p_array.push_back(static_cast<float>(*p_first));
+    p_array.Append(static_cast<float>(*p_first));
 }
 
 } // namespace
@@ -108,10 +107,10 @@ const char* ObjSceneReader::ReadPosition(const char* p_at, const char* p_last) {
   const char* const next = SkipRest(end, p_last);
   if (_numberCount < 3 || next == nullptr)
     return Fault(_numberCount < 3 ? "three coordinates" : Number, end);
-  AppendFloats(_scene.positions, _numbers, _numbers + 3);
-  _vertices.AddPosition();
-  if (_numberCount >= 6 || !_scene.colors.empty())
-    AddColor(_numberCount);
+  AppendFloats(_positions, _numbers, _numbers + 3);
+  _vertices.AddPositions(1);
+  if (_numberCount >= 6)
+    AddColor();
   return next;
 }
 
@@ -171,7 +170,7 @@ const char* ObjSceneReader::ReadPolyline(const char* p_at, const char* p_last) {
     BeginGroup(ObjScene::Lines);
   for (std::size_t i = 0; i + 1 < _corners.size(); ++i)
     for (const ObjCorner& corner : {_corners[i], _corners[i + 1]})
-      _scene.indices.push_back(Resolved(corner.position, _vertices.Positions(), "position"));
+      _indices.Append(Resolved(corner.position, _vertices.Positions(), "position"));
   return next;
 }
 
@@ -181,7 +180,7 @@ const char* ObjSceneReader::ReadPoints(const char* p_at, const char* p_last) {
     return next;
   BeginGroup(ObjScene::Points);
   for (const ObjCorner& corner : _corners)
-    _scene.indices.push_back(Resolved(corner.position, _vertices.Positions(), "position"));
+    _indices.Append(Resolved(corner.position, _vertices.Positions(), "position"));
   return next;
 }
 

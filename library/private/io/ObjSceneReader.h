@@ -2,11 +2,11 @@
 
 #include "library/ObjScene.h"
 #include "library/private/io/ObjSceneBlock.h"
+#include "library/private/memory/ChunkedArray.h"
 #include "library/private/mesh/CornerVertices.h"
 #include "platform/types/Vector.h"
 #include "platform/utility/Threads.h"
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <set>
@@ -37,11 +37,10 @@ public:
   explicit ObjSceneReader(const std::string& p_path);
 
   /// Reads the next lines: [p_first, p_last) ends in LF or CR, and no statement goes on behind it. The character behind
-  /// it may be read. About p_bytesLeft bytes follow later, 0 where that is not known; it serves only to choose how much
-  /// memory to take in advance.
-  void ReadBlock(const char* p_first, const char* p_last, std::uint64_t p_bytesLeft);
-  /// Likewise, of a block that was scanned: `p_bytes` of lines.
-  void AddBlock(const ObjSceneBlock& p_block, std::size_t p_bytes, std::uint64_t p_bytesLeft);
+  /// it may be read.
+  void ReadBlock(const char* p_first, const char* p_last);
+  /// Likewise, of a block that was scanned.
+  void AddBlock(const ObjSceneBlock& p_block);
   /// The scene, after the last line. The reader is used up.
   ObjScene Finish(Utility::Threads p_threads);
 
@@ -78,9 +77,23 @@ private:
   void Refuse(std::string_view p_rest);
   std::string GroupName(std::string_view p_name);
 
+  /// What the corners of faces name beside positions: nothing or the texture coordinates of the position's number, and
+  /// the normal of that number (OwnNormal) or one of a smoothing group.
+  struct OwnCorners {
+    bool hasTexCoords = false;
+    std::uint32_t normal = CornerVertices::None;
+  };
+  /// As long as all corners of faces are of one kind, their vertices are the positions, and no table is needed.
+  bool StayOwn(const OwnCorners& p_corners);
+  bool StayOwn(std::uint32_t p_position, const CornerVertices::Attributes& p_attributes);
+  void EndOwn();
+  void AddOwnFaces(const ObjSceneBlock::Run& p_run, const std::uint32_t* p_indices);
+  void AddOwnQuads(const std::uint32_t* p_indices, std::size_t p_count);
+  void SplitQuads(Utility::Threads p_threads);
+
   void AddFace();
   void AddTriangle(std::uint32_t p_a, std::uint32_t p_b, std::uint32_t p_c);
-  void AddColor(int p_count);
+  void AddColor();
   /// The zero-based index of an element by its number in the file.
   std::uint32_t Resolved(int p_number, std::size_t p_count, const char* p_what) const {
     const std::int64_t index = p_number > 0 ? std::int64_t(p_number) - 1 : std::int64_t(p_count) + p_number;
@@ -97,16 +110,12 @@ private:
   }
   void ChangeGroup(ObjScene::Primitive p_primitive);
   Vector Position(std::uint32_t p_index) const;
-  using Sizes = std::array<std::size_t, 4>; // of indices, positions, normals, texture coordinates
-  Sizes ArraySizes() const {
-    return {_scene.indices.size(), _scene.positions.size(), _normals.size(), _texCoords.size()};
-  }
-  /// Makes room for what follows a block, before which the arrays had these sizes.
-  void ReserveNext(const Sizes& p_before, double p_blocksLeft);
-  void ReleaseRests();
   void CheckSize() const;
 
-  void FinishIndices();
+  void FinishArrays(Utility::Threads p_threads);
+  void FinishOwn(Utility::Threads p_threads);
+  std::vector<unsigned char> UsedPositions(Utility::Threads p_threads) const;
+  void FinishTexCoords();
   bool IsNormalOfEachVertex() const;
   void FinishNormals(Utility::Threads p_threads);
   std::vector<float> SmoothNormals(Utility::Threads p_threads) const;
@@ -119,19 +128,30 @@ private:
   ObjScene _scene;
   ObjWarnings _warnings;
 
+  ObjSceneBlock _block;
   CornerVertices _vertices;
-  std::vector<float> _texCoords; // of the file, as are the normals
-  std::vector<float> _normals;
+  ChunkedArray<std::uint32_t> _indices; // of the scene
+  ChunkedArray<float> _positions;       // of the file, as are the next three
+  ChunkedArray<float> _texCoords;
+  ChunkedArray<float> _normals;
+  ChunkedArray<float> _colors; // of the first positions: white follows
   std::vector<float> _faceNormals;
+  struct Quads {
+    std::size_t first; // index
+    std::size_t count;
+  };
+  std::vector<Quads> _quads; // that are not split yet: six indices each
+  OwnCorners _own;           // of all faces so far
+  bool _isOwn = true;
   bool _hasTexCoords = false; // of corners
   bool _hasTriangles = false;
   bool _hasSmooth = false; // corners whose normals are to be made
 
-  std::size_t _gainedIndices = 0; // by the last block
   double _numbers[8];
   int _numberCount = 0;
-  std::vector<ObjCorner> _corners; // of the current statement, as are the next three
-  std::vector<std::uint32_t> _positions;
+  std::vector<ObjCorner> _corners; // of the current statement, as are the next four
+  std::vector<std::uint32_t> _cornerPositions;
+  std::vector<CornerVertices::Attributes> _cornerAttributes;
   std::vector<std::uint32_t> _cornerVertices;
   std::vector<Vector> _outline;
   std::string _expected; // the fault of the current statement

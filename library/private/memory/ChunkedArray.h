@@ -53,12 +53,12 @@ public:
     }
   }
 
-  /// Appends elements of the value T() up to that size.
-  void Grow(std::size_t p_size) {
+  /// Appends elements of a value up to that size.
+  void Grow(std::size_t p_size, const T& p_value = T()) {
     while (_size < p_size) {
       const std::size_t part = Room(p_size - _size);
       T* const first = _chunks.back() + _size % ChunkSize;
-      std::uninitialized_fill(first, first + part, T());
+      std::uninitialized_fill(first, first + part, p_value);
       _size += part;
     }
   }

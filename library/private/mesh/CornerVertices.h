@@ -24,15 +24,19 @@ public:
     Attributes attributes;
   };
 
-  void AddPosition() { _attributes.emplace_back(); }
-  std::size_t Positions() const { return _attributes.size(); }
+  void AddPositions(std::size_t p_count) { _positions += p_count; }
+  std::size_t Positions() const { return _positions; }
   /// The attributes of the first vertex of a position.
-  const Attributes& operator[](std::size_t p_position) const { return _attributes[p_position]; }
+  Attributes operator[](std::size_t p_position) const {
+    return p_position < _attributes.size() ? _attributes[p_position] : Attributes();
+  }
+  /// Sets those of a position without copies.
+  void SetFirst(std::uint32_t p_position, const Attributes& p_attributes) { First(p_position) = p_attributes; }
   const std::vector<Copy>& Copies() const { return _copies; }
 
   /// The vertex of a corner: the number of its position, or that of a copy with CopyBit. The normal is not None.
   std::uint32_t Vertex(std::uint32_t p_position, std::uint32_t p_texCoord, std::uint32_t p_normal) {
-    Attributes& first = _attributes[p_position];
+    Attributes& first = First(p_position);
     if (first.normal == p_normal && first.texCoord == p_texCoord)
       return p_position;
     if (first.normal == None) {
@@ -44,11 +48,16 @@ public:
 
   /// The final number of a vertex.
   std::uint32_t Number(std::uint32_t p_vertex) const {
-    return (p_vertex & CopyBit) == 0 ? p_vertex
-                                     : static_cast<std::uint32_t>(_attributes.size()) + (p_vertex & ~CopyBit);
+    return (p_vertex & CopyBit) == 0 ? p_vertex : static_cast<std::uint32_t>(_positions) + (p_vertex & ~CopyBit);
   }
 
 private:
+  Attributes& First(std::uint32_t p_position) {
+    if (p_position >= _attributes.size())
+      _attributes.resize(_positions);
+    return _attributes[p_position];
+  }
+
   std::size_t Slot(const Copy& p_copy) const {
     std::uint64_t hash = p_copy.position * 0x9E3779B97F4A7C15u;
     hash = (hash ^ (hash >> 29) ^ p_copy.attributes.texCoord) * 0xBF58476D1CE4E5B9u;
@@ -82,7 +91,8 @@ private:
       _slots[Slot(_copies[i])] = static_cast<std::uint32_t>(i);
   }
 
-  std::vector<Attributes> _attributes; ///< of the first vertex of each position
+  std::size_t _positions = 0;
+  std::vector<Attributes> _attributes; ///< of the first vertex of each position that has any
   std::vector<Copy> _copies;
   std::vector<std::uint32_t> _slots; ///< a hash table of copies, a power of two, at most half full
 };
