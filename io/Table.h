@@ -16,7 +16,7 @@ namespace Vek::Chart::Io {
 /// numbers are NaN.
 ///
 /// Errors: std::invalid_argument for a column that does not exist ("wind.csv: no column "w"; there are: lon, lat, u,
-/// v") and for the numbers of a column of strings ("wind.csv:17: column "u": expected a number, got "calm"").
+/// v") and for the numbers of a column of strings ("wind.csv:17: expected a number in column "u", got "calm"").
 ///
 /// \snippet FileSnippets.cpp ReadTable
 /// \ingroup files

@@ -61,7 +61,7 @@ void Plot::ChangeColor(const QColor& p_color) {
 void Plot::ChangeValues(const Array1& p_values) {
   if (p_values.Count() != 0)
     RequireCount("ColorBy", p_values.Count(), Content().Count());
-  Content().coloring.SetValues(Values(p_values));
+  Content().SetColorValues(Values(p_values));
   Content().ValuesChanged();
 }
 

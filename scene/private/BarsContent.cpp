@@ -88,7 +88,7 @@ void BarsContent::ColorByHeight() {
   for (const Point& bar : _positions)
     if (IsFinite(bar))
       heights.push_back(bar.z);
-  coloring.SetValues(heights);
+  coloring.SetPlacedValues(heights);
   PlacedContent::ValuesChanged();
   _isByHeight = true;
 }
@@ -249,7 +249,7 @@ std::vector<float> BarsContent::VertexValues() const {
     return values;
   values.reserve(Faces.size() * _positions.size());
   for (std::size_t i = 0; i < _positions.size(); ++i)
-    values.insert(values.end(), Faces.size(), _isByHeight ? static_cast<float>(_positions[i].z) : coloring.Values()[i]);
+    values.insert(values.end(), Faces.size(), _isByHeight ? coloring.Placed(_positions[i].z) : coloring.Values()[i]);
   return values;
 }
 

@@ -2,6 +2,7 @@
 
 #include "library/NamedColors.h"
 
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 #include <stdexcept>
@@ -61,11 +62,39 @@ void Coloring::SetColor(const QColor& p_color) {
 
 void Coloring::SetValues(const std::vector<double>& p_values) {
   SetSummaries(Summarize(p_values, false), Summarize(p_values, true), !p_values.empty());
+  _middle = 0;
+  _factor = 1;
   _values.assign(p_values.begin(), p_values.end());
+}
+
+void Coloring::SetPlacedValues(const std::vector<double>& p_values) {
+  const ValueSummary all = Summarize(p_values, false);
+  FindPlace(all.all);
+  SetSummaries(all, Summarize(p_values, true), !p_values.empty());
+  _values.resize(p_values.size());
+  std::transform(p_values.begin(), p_values.end(), _values.begin(), [this](double p_value) { return Placed(p_value); });
+}
+
+/// Floats of 24 bits leave 4096 steps for the colours where the middle is 4096 times the span.
+void Coloring::FindPlace(const Range& p_all) {
+  constexpr double MostSpans = 4096, Least = 1e-30, Largest = 1e37;
+  _middle = 0;
+  _factor = 1;
+  if (p_all.Empty())
+    return;
+  const double least = p_all.min, largest = p_all.max;
+  const double middle = least / 2 + largest / 2, span = largest - least;
+  if (span > 0 && std::abs(middle) > MostSpans * span)
+    _middle = middle;
+  const double reach = std::max(std::abs(least - _middle), std::abs(largest - _middle));
+  if (reach > 0 && (reach < Least || reach > Largest))
+    _factor = std::ldexp(1.0, -std::max(std::ilogb(reach), -1000));
 }
 
 void Coloring::SetSummaries(const ValueSummary& p_all, const ValueSummary& p_positive) {
   SetSummaries(p_all, p_positive, true);
+  _middle = 0;
+  _factor = 1;
   _values = {};
 }
 
@@ -113,9 +142,13 @@ ValueScale Coloring::Scale() const {
   if (!_hasValues)
     return scale; // elements without values have the value 0: the only colour
   const Range range = EffectiveRange();
-  scale.lower = range.min;
-  scale.upper = range.max;
-  scale.logarithmic = _logarithmic;
+  // Around a middle far from 0, logarithms are straight; nothing around a negative one is above 0.
+  const auto place = [this](double p_value) {
+    return (!_logarithmic || _middle <= 0 ? p_value - _middle : _middle * std::log(p_value / _middle)) * _factor;
+  };
+  scale.lower = place(range.min);
+  scale.upper = place(range.max);
+  scale.logarithmic = _logarithmic && _middle == 0;
   scale.missing = Faded(_missing, _opacity);
   return scale;
 }

@@ -47,6 +47,9 @@ public:
 
   void SetColor(const QColor& p_color);
   void SetValues(const std::vector<double>& p_values);
+  /// As SetValues, for plots that draw `Values` and `Placed` alone: values that floats would round together, or could
+  /// not hold, are kept relative to the middle of all or to a power of two, as is the scale.
+  void SetPlacedValues(const std::vector<double>& p_values);
   /// For values that the plot keeps itself: all in brief, and the positive ones.
   void SetSummaries(const ValueSummary& p_all, const ValueSummary& p_positive);
   /// The only values that there are, which the ticks of the colour bar name; none for a whole range.
@@ -65,7 +68,12 @@ public:
   void SetMissing(const QColor& p_color) { _missing = p_color; }
   void SetOpacity(double p_opacity);
 
+  /// What is drawn with `Scale`.
   const std::vector<float>& Values() const { return _values; }
+  /// Another value on that scale.
+  float Placed(double p_value) const { return static_cast<float>((p_value - _middle) * _factor); }
+  /// The value that a number on that scale stands for.
+  double ValueOf(float p_placed) const { return static_cast<double>(p_placed) / _factor + _middle; }
   std::size_t MissingCount() const { return _linear.missing; }
   /// The values of the first and the last colour.
   Range EffectiveRange() const { return _range ? *_range : DefaultRange(Summary(), _logarithmic); }
@@ -83,9 +91,11 @@ public:
 private:
   const ValueSummary& Summary() const { return _logarithmic ? _positive : _linear; }
   void SetSummaries(ValueSummary p_linear, ValueSummary p_positive, bool p_hasValues);
+  void FindPlace(const Range& p_all);
 
   bool _hasValues = false;
   std::vector<float> _values;
+  double _middle = 0, _factor = 1; ///< a value is drawn as (value - middle) * factor
   std::vector<double> _levels;
   Opacities _opacities;
   std::optional<Range> _extremes;  ///< of all values, where these are a share

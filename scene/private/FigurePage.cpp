@@ -116,9 +116,13 @@ private:
   double FreeWidth() const { return Free().right - Free().left; }
   double FreeHeight() const { return Free().top - Free().bottom; }
 
+  /// Names a block by its longest string: mostly its title.
   void ReportNoRoom(const LegendBlock& p_block) const {
-    const QString first = p_block.Strings().empty() ? QString() : p_block.Strings().front().text;
-    _report("Figure: no room for the legend \"" + first.toStdString() + '"');
+    QString name;
+    for (const LegendBlock::String& string : p_block.Strings())
+      if (string.text.size() > name.size())
+        name = string.text;
+    _report("Figure: no room for the legend \"" + name.replace('\n', ' ').toStdString() + '"');
   }
 
   bool HasRoom(const LegendBlock& p_block) const {

@@ -24,6 +24,8 @@ public:
   /// The part that is drawn, and the box of the volume that the grid is a block of, in data units. Throws
   /// std::invalid_argument for an empty box.
   void SetBlock(const Box& p_part, const Box& p_whole);
+  /// As they are: they become those of a grid.
+  void SetColorValues(const std::vector<double>& p_values) override { coloring.SetValues(p_values); }
   std::size_t Count() const override { return _grid.Count(); }
   Types::MinMax_Base<double> ValueRange() const { return _grid.Range(); }
   std::vector<QString> Notes() const override;

@@ -10,7 +10,7 @@ Picked PlotContent::Identify(std::optional<std::uint32_t> p_number, const Point&
 Picked PlotContent::PickedAt(std::size_t p_element, const Point& p_position) const {
   Picked picked{p_element, p_position, {}};
   if (p_element < coloring.Values().size())
-    picked.value = static_cast<double>(coloring.Values()[p_element]);
+    picked.value = coloring.ValueOf(coloring.Values()[p_element]);
   return picked;
 }
 

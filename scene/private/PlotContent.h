@@ -106,6 +106,8 @@ public:
   Coloring coloring;
   std::size_t revision = 0; ///< another one after each change
   Box placedBox;            ///< what Place returned last, kept by Figure
+  /// Sets the values of `ColorBy`.
+  virtual void SetColorValues(const std::vector<double>& p_values) { coloring.SetPlacedValues(p_values); }
   /// Called after the values changed.
   virtual void ValuesChanged() {}
 

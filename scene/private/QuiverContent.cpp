@@ -262,8 +262,8 @@ void QuiverContent::PlaceValues() {
   }
   const std::vector<float> values = OfDrawn(coloring.Values(), _drawn);
   constexpr double Same = 1e-3; // of a length
-  _valuesAreLengths = std::equal(values.begin(), values.end(), lengths.begin(), [](float p_value, double p_length) {
-    return std::abs(static_cast<double>(p_value) - p_length) <= Same * p_length;
+  _valuesAreLengths = std::equal(values.begin(), values.end(), lengths.begin(), [this](float p_value, double p_length) {
+    return std::abs(coloring.ValueOf(p_value) - p_length) <= Same * p_length;
   });
   _arrows.UpdateValues(values);
   _dots.UpdateValues(OfDrawn(coloring.Values(), _zero));

@@ -267,7 +267,7 @@ Picked StreamlinesContent::Identify(std::optional<std::uint32_t> /*p_number*/, c
     }
   const std::vector<float> values = PointValues();
   if (nearest < values.size())
-    picked.value = static_cast<double>(values[nearest]);
+    picked.value = coloring.ValueOf(values[nearest]);
   return picked;
 }
 

@@ -63,7 +63,7 @@ void SurfaceContent::ColorByHeight() {
   std::vector<double> heights; // holes are not drawn, so they are no missing values of the colour bar
   std::copy_if(_heights.begin(), _heights.end(), std::back_inserter(heights),
                [](double p_height) { return std::isfinite(p_height); });
-  coloring.SetValues(heights);
+  coloring.SetPlacedValues(heights);
   PlacedContent::ValuesChanged();
   _isByHeight = true;
 }
@@ -117,7 +117,9 @@ Box SurfaceContent::PlaceChanged(const Changes& p_changes) {
 std::vector<float> SurfaceContent::VertexValues() const {
   if (!_isByHeight)
     return coloring.Values();
-  std::vector<float> values(_heights.begin(), _heights.end());
+  std::vector<float> values(_heights.size());
+  std::transform(_heights.begin(), _heights.end(), values.begin(),
+                 [this](double p_height) { return coloring.Placed(p_height); });
   return values;
 }
 
@@ -181,7 +183,7 @@ std::vector<double> SurfaceContent::ContourLevels() const {
   if (_shown.Empty())
     return {};
   return _placement.rules.logarithmic[2] ? Ticks::Logarithmic(_shown.min, _shown.max, _mostContours).Values()
-                                        : Ticks::Linear(_shown.min, _shown.max, _mostContours).Values();
+                                         : Ticks::Linear(_shown.min, _shown.max, _mostContours).Values();
 }
 
 void SurfaceContent::PlaceContours() {

@@ -217,7 +217,46 @@ TEST_F(FigurePixels, PointsHaveColorsOfTheirOwn) {
   EXPECT_EQ(Drawn(figure, {0, 0, 0}), QColor(Qt::white));
   const QColor green = (plot.SetOpacity(1).Color(Qt::green), Drawn(figure, {0, 0, 0}));
   EXPECT_TRUE(green.green() > 100 && green.red() < 50);
-  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { plot.ColorEach({Qt::red}); }), "ColorEach: expected 2 elements, got 1");
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { plot.ColorEach({Qt::red}); }),
+            "ColorEach: expected 2 elements, got 1");
+}
+
+/// Floats have too few digits for seconds since 1970, and too small a range for some units.
+TEST_F(FigurePixels, ColorsTellNumbersOfAnySizeApart) {
+  struct Case {
+    double first, step;
+    bool isLogarithmic;
+  };
+  for (const auto& [first, step, isLogarithmic] : {Case{0, 1, false},
+                                                   {1.7e9, 1, false},
+                                                   {1.7e9, 1, true},
+                                                   {-1e15, 1, false},
+                                                   {1e39, 1e39, false},
+                                                   {2e-300, 1e-300, true},
+                                                   {-5e307, 5e307, false}}) {
+    const Doubles values = Ascending(3, first, step);
+    Figure points, surface;
+    points.Scatter(Points{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}})
+        .Diameter(0.2)
+        .ColorBy(values)
+        .LogScale(isLogarithmic)
+        .ColorRange(values[0], values[2]);
+    surface.Surface(Doubles{0, 1, 2}, Doubles{0, 1}, Doubles(6))
+        .ColorBy(Doubles{values[0], values[1], values[2], values[0], values[1], values[2]})
+        .LogScale(isLogarithmic)
+        .ColorRange(values[0], values[2]);
+    for (const auto& [figure, y] : {std::pair(&points, 0.0), std::pair(&surface, 0.5)}) {
+      const auto lightness = [&, figure = figure, y = y](double p_x) {
+        return Drawn(*figure, {p_x, y, 0}).lightnessF();
+      };
+      EXPECT_GT(lightness(1), lightness(0.01) + 0.05) << first << " + " << step;
+      EXPECT_GT(lightness(1.99), lightness(1) + 0.05) << first << " + " << step;
+      const auto pixel = PixelOf(*figure, {1.98, y, 0});
+      const auto hit = figure->Pick(gl, viewport, {static_cast<int>(pixel.x), static_cast<int>(pixel.y)});
+      ASSERT_TRUE(hit && hit->value);
+      EXPECT_NEAR(*hit->value, values[2], 1e-6 * step);
+    }
+  }
 }
 
 TEST_F(FigurePixels, SizesGrowByAFactorOrInProportion) {
