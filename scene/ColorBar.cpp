@@ -1,5 +1,7 @@
 #include "scene/ColorBar.h"
 
+#include "scene/private/Wrapped.h"
+
 #include "platform/debug/Check.h"
 
 #include <algorithm>
@@ -151,7 +153,9 @@ struct ColorBar::Builder {
       : bar(p_bar)
       , theme(p_theme)
       , small(p_theme.SmallStyle())
-      , block(p_pointSize) {
+      , block(p_pointSize)
+      , wholeLength(p_length)
+      , pointSize(p_pointSize) {
     const double point = metrics.pointLength + metrics.pointGap;
     before = bar.IsPointedBelow() ? point : 0;
     after = bar.IsPointedAbove() ? point : 0;
@@ -277,13 +281,17 @@ struct ColorBar::Builder {
       block.Add(std::move(string));
   }
 
-  /// Above, or to the right of all strings of a vertical bar where it is wider than those and fits along the bar.
+  /// Above, or along a vertical bar, to the right of all strings, where it is wider than those: in lines that are as
+  /// long as the bar, or as a few words where that is shorter.
   void AddTitle() {
     const QString text = bar.title + (bar.title.isEmpty() || note.isEmpty() ? QString() : QString(" ")) + note;
     String label{text, {metrics.titleShift, block.Bounds().top + metrics.titleGap}, {0, 0}, theme.BodyStyle()};
     const Canvas::Rect box = block.BoxOf(label);
     constexpr double Wide = 8; // times the height of the letters
-    if (frame.isVertical && box.right > std::max(block.Bounds().right, Wide * theme.textSize)) {
+    const bool isAlong = frame.isVertical && box.right > std::max(block.Bounds().right, Wide * theme.textSize);
+    if (isAlong || !frame.isVertical)
+      label.text = Private::Wrapped(text, label.style, std::max(wholeLength, Wide * theme.textSize), pointSize);
+    if (isAlong) {
       label.position = {block.Bounds().right + metrics.titleGap, frame.length / 2};
       label.anchor = {0.5, 1};
       label.rotation = 90;
@@ -297,6 +305,8 @@ struct ColorBar::Builder {
   const Theme& theme;
   TextStyle small;
   LegendBlock block;
+  double wholeLength; ///< with pointed ends and what is missing
+  double pointSize;
   const Metrics& metrics = bar.metrics;
   Frame frame{bar.orientation == Orientation::Vertical, bar.metrics.thickness, 0};
   String missing;

@@ -26,9 +26,10 @@ namespace Vek::Chart::Scene {
 /// A colour bar: the colours of a range of values with ticks and a title.
 ///
 /// Shape: a vertical bar has its ticks on the right; its title stands above, or along the ticks if it is wide. A
-/// horizontal bar has its ticks below and its title above. Where the data go beyond the range (`least`, `largest`), the
-/// bar ends in a point of the colour of those values, with the extreme beside its tip; where values are missing, a
-/// square of their colour is named. Classes of a ColorScale have equal widths and ticks at their bounds.
+/// horizontal bar has its ticks below and its title above. Titles longer than the bar have several lines. Where the
+/// data go beyond the range (`least`, `largest`), the bar ends in a point of the colour of those values, with the
+/// extreme beside its tip; where values are missing, a square of their colour is named. Classes of a ColorScale have
+/// equal widths and ticks at their bounds.
 ///
 /// Letters have the sizes of the theme at every size of the bar. A short bar has fewer ticks, at least two or none; of
 /// two strings that would overlap, the tick's gives way to that of an extreme. A bar without strings at its ticks is

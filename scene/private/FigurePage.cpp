@@ -1,5 +1,7 @@
 #include "scene/private/FigurePage.h"
 
+#include "scene/private/Wrapped.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -19,21 +21,6 @@ namespace {
 
 constexpr double Margin = 12; // points around everything
 constexpr double Gap = 16;    // between blocks
-
-/// Breaks a string at blanks into lines that are at most `p_width` wide, where words are not wider.
-QString Wrapped(const QString& p_text, const TextStyle& p_style, double p_width, double p_pointSize) {
-  QString lines, line;
-  for (const QString& word : p_text.split(' ')) {
-    const QString longer = line.isEmpty() ? word : line + ' ' + word;
-    if (!line.isEmpty() && TextRenderer::Size(longer, p_style, p_pointSize).width() > p_width) {
-      lines += line + '\n';
-      line = word;
-    } else {
-      line = longer;
-    }
-  }
-  return lines + line;
-}
 
 /// Takes places from the borders of a page, until the scene is left.
 class Page {
