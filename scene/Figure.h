@@ -134,7 +134,8 @@ public:
   Figure& SetTitle(const QString& p_title, const QString& p_subtitle = {});
   /// What the axes measure, with units; by default x, y and z for spatial data, nothing for flat data.
   Figure& SetAxisTitles(const QString& p_x, const QString& p_y, const QString& p_z = {});
-  /// Names in place of values on an axis, 0 to 2 for x to z: at 0, 1, 2, …
+  /// Names in place of values on an axis, 0 to 2 for x to z: at 0, 1, 2, … Of more than Axes::MostTicks, and of those
+  /// that have no room beside each other, every second, third, … is shown.
   Figure& SetAxisNames(int p_axis, const std::vector<QString>& p_names);
   /// The ticks of an axis, 0 to 2 for x to z: `&Ticks::Dates`, for example. By default decimal values.
   Figure& SetTicks(int p_axis, Axes::TickMaker p_ticks);

@@ -45,6 +45,7 @@ Figure& Figure::SetAxisTitles(const QString& p_x, const QString& p_y, const QStr
 }
 
 Figure& Figure::SetAxisNames(int p_axis, const std::vector<QString>& p_names) {
+  RequireAxis("SetAxisNames", p_axis);
   return SetTicks(p_axis, [p_names](double p_low, double p_high, std::size_t p_most) {
     std::vector<double> values; // with at most so many strings
     std::vector<QString> strings;

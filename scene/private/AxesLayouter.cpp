@@ -133,7 +133,12 @@ private:
     return {made.Note(), std::move(ticks)};
   }
 
-  /// Takes as many ticks as fit along an edge; none where two do not fit.
+  /// Whether two values have room beside each other.
+  bool AreApart(const LabelledAxis& p_axis, const Tick& p_a, const Tick& p_b) const {
+    return Length(p_b.place - p_a.place) >= WidthAlong((p_a.size + p_b.size) / 2, p_axis.along) + _axes.lengths.gap;
+  }
+
+  /// Takes as many ticks as fit along an edge, or the first and the last one of the fewest; none where two do not fit.
   void Measure(std::size_t p_axis, unsigned int p_edge) {
     LabelledAxis axis;
     axis.from = _view.PositionOf(_view.PointAt(p_axis, p_edge, 0));
@@ -143,28 +148,38 @@ private:
       return;
     axis.along = (axis.to - axis.from) / length;
     axis.outward = Outward(axis);
+    LabelledAxis fewest;
     for (int most = Axes::MostTicks; most >= 2; --most) {
       std::tie(axis.note, axis.ticks) = TicksOf(p_axis, most);
       axis.values.clear();
       axis.widest = QSizeF(0, 0);
-      double closest = std::numeric_limits<double>::infinity();
+      bool isFit = true;
       for (Tick& tick : axis.ticks) {
         tick.place = _view.PositionOf(_view.PointAt(p_axis, p_edge, tick.fraction));
         if (tick.label.isEmpty())
           continue;
         tick.size = SizeOf(tick.label, AxesLayout::Font::Tick);
-        if (!axis.values.empty())
-          closest = std::min(closest, Length(tick.place - axis.values.back().place));
+        isFit = isFit && (axis.values.empty() || AreApart(axis, axis.values.back(), tick));
         axis.widest = axis.widest.expandedTo(tick.size);
         axis.values.push_back(tick);
       }
-      const bool isFit = closest >= WidthAlong(axis.widest, axis.along) + _axes.lengths.gap;
-      if (isFit && axis.values.size() >= 2) {
+      if (axis.values.size() < 2)
+        continue;
+      if (isFit) {
         _gridTicks[p_axis] = axis.values;
         _labelled[p_axis] = std::move(axis);
         return;
       }
+      fewest = axis;
     }
+    if (fewest.values.empty() || !AreApart(fewest, fewest.values.front(), fewest.values.back()))
+      return;
+    _gridTicks[p_axis] = fewest.values;
+    fewest.values = {fewest.values.front(), fewest.values.back()};
+    for (Tick& tick : fewest.ticks)
+      if (tick.fraction != fewest.values.front().fraction && tick.fraction != fewest.values.back().fraction)
+        tick.label.clear();
+    _labelled[p_axis] = std::move(fewest);
   }
 
   QSizeF SizeOf(const QString& p_text, AxesLayout::Font p_font) const {

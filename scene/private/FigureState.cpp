@@ -286,7 +286,8 @@ FigureLayout Figure::State::Arrange(const Figure& p_figure, const Types::Viewpor
       break;
     view.camera = layout.camera;
   }
-  Private::CloseUp(layout);
+  if (!hasTriad || _isFlat) // the triad is below the axes
+    Private::CloseUp(layout);
   return layout;
 }
 

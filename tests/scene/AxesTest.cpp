@@ -243,6 +243,33 @@ TEST(Axes, PlacesValuesByScaleAndKeepsNotes) {
   EXPECT_GT(labels["200"].center.y, labels["400"].center.y) << "reversed";
 }
 
+TEST(Axes, NamesAllTheyHaveRoomForAndAtLeastBothEnds) {
+  const auto labelsOf = [](const Axes& p_axes, const Viewport& p_viewport) {
+    Camera camera;
+    camera.Look(Standard::Chart);
+    return p_axes.Fit(camera, TargetOf(p_viewport), {});
+  };
+  Axes axes = Example(Box({0, 0, 0}, {0.8, 1, 2.4})); // of three values that are too many, the ends remain
+  axes.axes = {{{"x", "", -10.2, 10.2}, {"y", "", -15.2, 15.2}, {"z", "", -30, 30}}};
+  for (const float size : {250.0F, 300.0F, 350.0F, 400.0F, 600.0F})
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      EXPECT_GE(Values(labelsOf(axes, {0, 0, size, size}), axis), 2U) << size << ", axis " << axis;
+
+  axes = Example({{0, 0, 0}, {4, 1, 1}}); // one long name takes no room of the others
+  axes.axes[0] = {"", "", 0, 6, Axes::Scale::Linear, [](double, double, std::size_t p_most) {
+                    const QString names[] = {
+                        "Mali", "Peru", "Chad", "Fiji", "Laos", "Cuba", "United States of America"};
+                    std::vector<double> values;
+                    std::vector<QString> strings;
+                    for (std::size_t i = 0, step = 6 / p_most + 1; i < 7; i += step) {
+                      values.push_back(static_cast<double>(i));
+                      strings.push_back(names[i]);
+                    }
+                    return Ticks(values, strings);
+                  }};
+  EXPECT_EQ(Values(labelsOf(axes, {0, 0, 800, 600}), 0), 7U);
+}
+
 TEST(Axes, GivesNothingWhereThereIsNothingToLabel) {
   Axes::State state;
   Camera inside;

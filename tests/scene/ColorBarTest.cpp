@@ -90,6 +90,17 @@ TEST(ColorBar, StringsAndEnds) {
     }
 }
 
+TEST(ColorBar, LongTitlesTakeLines) {
+  MakeApplication();
+  ColorBar bar(ColorMap::Named("viridis"), {0, 15});
+  bar.title = "The speed of the wind at the surface, a monthly mean in metres per second";
+  for (const auto orientation : {ColorBar::Orientation::Vertical, ColorBar::Orientation::Horizontal}) {
+    bar.orientation = orientation;
+    const LegendBlock block = bar.Layout(200, Theme());
+    EXPECT_LT(orientation == ColorBar::Orientation::Vertical ? block.Height() : block.Width(), 230);
+  }
+}
+
 TEST(ColorBar, TooShortForTicksIsReported) {
   MakeApplication();
   ColorBar bar(ColorMap::Named("viridis"), {0, 15});

@@ -236,6 +236,18 @@ TEST_F(FigureTest, ReportsAMissingLegendOnce) {
   EXPECT_EQ(std::set<std::string>(texts.begin(), texts.end()).size(), texts.size());
 }
 
+/// Legends below a tall scene move up to its axes, but not over the triad.
+TEST_F(FigureTest, LegendsLeaveTheTriadItsCorner) {
+  for (const bool hasTriad : {false, true}) {
+    Figure figure;
+    figure.Scatter(Cloud(9)).ColorBy(Ascending(9), "Temperature");
+    figure.SetTriad(hasTriad);
+    const FigureLayout layout = figure.Layout({0, 0, 300, 1200});
+    ASSERT_EQ(layout.blocks.size(), 1U);
+    EXPECT_EQ(layout.blocks[0].Rect().bottom < layout.scene.bottom, hasTriad);
+  }
+}
+
 TEST_F(FigureTest, KeepsAllStringsApartAndInside) {
   std::mt19937 generator(11);
   std::uniform_real_distribution<double> share(0, 1);
