@@ -6,8 +6,6 @@
 
 #include "io/ReadImage.h"
 
-#include "platform/ogl/VertexData.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -143,23 +141,19 @@ QImage ImageOf(const Panorama& p_panorama) {
 
 /// The front of a unit sphere, seen along +y, in the colours that `p_colorAt` gives its normals.
 template <class ColorAt>
-void DrawSphere(Sheet& p_sheet, const Canvas::Position& p_center, double p_radius, const ColorAt& p_colorAt) {
-  constexpr int Rings = 64, Sectors = 128;
-  const double point = p_sheet.canvas.PointSize();
-  const auto vertex = [&](int p_ring, int p_sector) {
-    const double radius = std::sin(M_PI / 2 * p_ring / Rings), angle = 2 * M_PI * p_sector / Sectors;
-    const Direction normal(radius * std::cos(angle), -std::sqrt(1 - radius * radius), radius * std::sin(angle));
-    p_sheet.Gl()->Color(Encoded(p_colorAt(normal)));
-    p_sheet.Gl()->Vertex((p_center.x + p_radius * normal.x) * point, (p_center.y + p_radius * normal.z) * point, 0.0);
-  };
-  for (int ring = 0; ring < Rings; ++ring) {
-    p_sheet.Gl()->Begin(RGL_QUAD_STRIP);
-    for (int sector = 0; sector <= Sectors; ++sector) {
-      vertex(ring, sector);
-      vertex(ring + 1, sector);
+QImage SphereImage(int p_pixels, const ColorAt& p_colorAt) {
+  constexpr double MostRadius = 1 - 1e-9; // pixels at the rim, whose centres are outside, have the colour of the rim
+  QImage image(p_pixels, p_pixels, QImage::Format_ARGB32);
+  for (int row = 0; row < p_pixels; ++row)
+    for (int column = 0; column < p_pixels; ++column) {
+      const double x = (2 * column + 1.0) / p_pixels - 1, z = 1 - (2 * row + 1.0) / p_pixels;
+      const double radius = std::hypot(x, z), inside = std::min(1.0, MostRadius / radius);
+      const Direction normal(x * inside, -std::sqrt(1 - std::pow(radius * inside, 2)), z * inside);
+      QColor color = Encoded(p_colorAt(normal));
+      color.setAlphaF(std::clamp((1 - radius) * p_pixels / 2 + 0.5, 0.0, 1.0));
+      image.setPixelColor(column, row, color);
     }
-    p_sheet.Gl()->End();
-  }
+  return image;
 }
 
 struct Finish {
@@ -172,10 +166,11 @@ constexpr Finish Finishes[] = {{"mirror", 0}, {"polished", 800}, {"satin", 60}, 
 void DrawSpheres(Sheet& p_sheet, const Panorama& p_light, double p_back, const Canvas::Position& p_first) {
   constexpr double Pitch = 208, Radius = 100, Albedo = 0.9;
   const double sine = std::sin(p_back), cosine = std::cos(p_back);
+  const int pixels = int(std::ceil(2 * Radius * p_sheet.canvas.PointSize()));
   for (std::size_t i = 0; i < std::size(Finishes); ++i) {
     const bool isMatte = Finishes[i].exponent == 1;
     const Panorama light = Finishes[i].exponent == 0 ? p_light : Blurred(p_light, Finishes[i].exponent);
-    DrawSphere(p_sheet, {p_first.x + Pitch * double(i), p_first.y}, Radius, [&](const Direction& p_normal) {
+    const QImage sphere = SphereImage(pixels, [&](const Direction& p_normal) {
       // A matte surface faces its normal, the others the mirrored line of sight, which runs along +y.
       const Direction out = isMatte ? p_normal : Direction(0, 1, 0) - p_normal * (2 * p_normal.y);
       Color color = light.In({-out.x * cosine - out.y * sine, out.x * sine - out.y * cosine, out.z});
@@ -183,6 +178,8 @@ void DrawSpheres(Sheet& p_sheet, const Panorama& p_light, double p_back, const C
         channel *= Albedo;
       return color;
     });
+    const double x = p_first.x + Pitch * double(i);
+    p_sheet.canvas.Image({x - Radius, p_first.y - Radius, x + Radius, p_first.y + Radius}, sphere);
   }
 }
 
