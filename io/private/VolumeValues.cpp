@@ -45,25 +45,37 @@ void WithType(Stored p_type, const Call& p_call) {
   }
 }
 
-/// The blocks of the values of a type, in the machine's byte order.
+/// Where values of a type come from, block by block.
 template <class T>
-class BinaryValues {
+class Values {
+public:
+  virtual ~Values() = default;
+  /// No more values than this follow.
+  virtual std::uint64_t Most() const = 0;
+  virtual void Skip(std::uint64_t p_count) = 0;
+  virtual void Read(T* p_values, std::size_t p_count) = 0;
+  /// Makes numbers of what was read; in any thread.
+  virtual void Arrange(T* p_values, std::size_t p_count) const = 0;
+};
+
+/// Values as they lie in memory, in either byte order.
+template <class T>
+class BinaryValues final : public Values<T> {
 public:
   BinaryValues(ByteSource& p_source, const ValueFormat& p_format, const std::string& p_name)
       : _source(p_source)
       , _reverse(IsForeign(p_format.bigEndian))
       , _name(p_name) {}
 
-  /// No more values than this follow.
-  std::uint64_t Most() const {
+  std::uint64_t Most() const override {
     const std::uint64_t bytes = _source.MostLeft();
     return bytes == ByteSource::Unknown ? bytes : bytes / sizeof(T);
   }
-  void Skip(std::uint64_t p_count) {
+  void Skip(std::uint64_t p_count) override {
     if (!_source.Skip(p_count * sizeof(T)))
       throw FileError(_name, "the file ends within its values");
   }
-  void Read(T* p_values, std::size_t p_count) {
+  void Read(T* p_values, std::size_t p_count) override {
     const std::size_t bytes = _source.Read(reinterpret_cast<char*>(p_values), p_count * sizeof(T));
     if (bytes < p_count * sizeof(T))
       throw FileError(_name, "expected " + std::to_string(_read + p_count) +
@@ -71,8 +83,7 @@ public:
                                  std::to_string(_read + bytes / sizeof(T)));
     _read += p_count;
   }
-  /// Makes numbers of what was read; in any thread.
-  void Arrange(T* p_values, std::size_t p_count) const {
+  void Arrange(T* p_values, std::size_t p_count) const override {
     if (_reverse && sizeof(T) > 1)
       std::transform(p_values, p_values + p_count, p_values, Reversed<T>);
   }
@@ -84,10 +95,9 @@ private:
   std::uint64_t _read = 0;
 };
 
-/// Converts a word; false unless all of it is a number of the type. Numbers next to 0 are rounded.
-/// The blocks of values that are written as text.
+/// Values that are written as text. Those next to 0 are rounded.
 template <class T>
-class TextValues {
+class TextValues final : public Values<T> {
 public:
   TextValues(ByteSource& p_source, const std::string& p_name, std::size_t p_line)
       : _source(p_source)
@@ -95,18 +105,18 @@ public:
       , _line(p_line) {}
 
   /// A digit and a separator each, but for the last one.
-  std::uint64_t Most() const {
+  std::uint64_t Most() const override {
     const std::uint64_t bytes = _source.MostLeft();
     return bytes == ByteSource::Unknown ? bytes : bytes / 2 + 1;
   }
-  void Skip(std::uint64_t p_count) {
+  void Skip(std::uint64_t p_count) override {
     for (T value; p_count != 0; --p_count)
       Read(&value, 1);
   }
-  void Read(T* p_values, std::size_t p_count) {
+  void Read(T* p_values, std::size_t p_count) override {
     std::generate(p_values, p_values + p_count, [&] { return Number(Word()); });
   }
-  void Arrange(T*, std::size_t) const {}
+  void Arrange(T*, std::size_t) const override {}
 
 private:
   static constexpr std::size_t LongestWord = 1024;
@@ -156,8 +166,8 @@ struct ValueBlock {
 };
 
 /// Reads p_count values and appends them as numbers of the type Kept. The source is read in the calling thread.
-template <class T, class Kept, class Source>
-void Append(Source& p_source, std::uint64_t p_count, const ValueFormat& p_format, Utility::Threads p_threads,
+template <class T, class Kept>
+void Append(Values<T>& p_source, std::uint64_t p_count, const ValueFormat& p_format, Utility::Threads p_threads,
             ValueRange& p_range, std::vector<Kept>& p_kept) {
   constexpr std::uint64_t WorthThreads = std::uint64_t{1} << 20; // bytes
   const bool converts = !std::is_same_v<T, Kept> || p_format.Scaled();
@@ -211,8 +221,8 @@ std::vector<T> Interleaved(const std::vector<T>& p_planes, std::size_t p_channel
   return voxels;
 }
 
-template <class T, class Kept, class Source>
-void Read(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
+template <class T, class Kept>
+void Read(Values<T>& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
           const std::string& p_name, Utility::Threads p_threads, Volume& p_volume) {
   const std::uint64_t count = CountValues(p_layout, p_name);
   if (p_step >= p_layout.steps)
@@ -231,7 +241,7 @@ void Read(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_la
     values.reserve(std::size_t(count));
   for (std::uint64_t part = 0; part < parts; ++part) {
     p_source.Skip((part == 0 ? p_step : p_layout.steps - 1) * partCount);
-    Append<T>(p_source, partCount, p_format, p_threads, range, values);
+    Append(p_source, partCount, p_format, p_threads, range, values);
   }
   if (p_layout.planar && p_layout.channels > 1)
     values = Interleaved(values, std::size_t(p_layout.channels));
@@ -243,8 +253,8 @@ void Read(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_la
 }
 
 /// Reads values of type T from the source as the format wants them kept.
-template <class T, class Source>
-void ReadAs(Source& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
+template <class T>
+void ReadAs(Values<T>& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
             const std::string& p_name, Utility::Threads p_threads, Volume& p_volume) {
   constexpr bool Wide = sizeof(T) > 4 || (sizeof(T) == 4 && std::is_integral_v<T>);
   using Scaled = std::conditional_t<Wide, double, float>;
@@ -283,7 +293,7 @@ void ReadValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLa
   p_volume.steps = p_layout.steps;
   WithType(p_format.type, [&](auto p_value) {
     BinaryValues<decltype(p_value)> values(p_source, p_format, p_name);
-    ReadAs<decltype(p_value)>(values, p_format, p_layout, p_step, p_name, p_threads, p_volume);
+    ReadAs(values, p_format, p_layout, p_step, p_name, p_threads, p_volume);
   });
 }
 
@@ -292,7 +302,7 @@ void ReadTextValues(ByteSource& p_source, const ValueFormat& p_format, const Val
   p_volume.steps = p_layout.steps;
   WithType(p_format.type, [&](auto p_value) {
     TextValues<decltype(p_value)> values(p_source, p_name, p_line);
-    ReadAs<decltype(p_value)>(values, p_format, p_layout, p_step, p_name, Utility::Threads(), p_volume);
+    ReadAs(values, p_format, p_layout, p_step, p_name, Utility::Threads(), p_volume);
   });
 }
 

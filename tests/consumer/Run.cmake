@@ -1,5 +1,5 @@
 # Installs the build in BUILD_DIR below WORK_DIR, moves the installation, checks it, and builds and runs a program against
-# it with CMake and with pkg-config. Installed programs run from another folder.
+# it with CMake and with pkg-config, without optimisation. Installed programs run from another folder.
 file(REMOVE_RECURSE ${WORK_DIR})
 file(MAKE_DIRECTORY ${WORK_DIR}/make)
 set(prefix ${WORK_DIR}/moved)
@@ -109,7 +109,7 @@ file(MAKE_DIRECTORY ${WORK_DIR}/tests)
 file(CREATE_LINK ${SOURCE_DIR}/tests ${WORK_DIR}/tests/tests SYMBOLIC)
 run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${WORK_DIR}/build -G ${GENERATOR} -DQT=${QT} -DWIDGETS=${WIDGETS}
   -DSOURCE_DIR=${SOURCE_DIR} -DTESTS=${WORK_DIR}/tests
-  -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCMAKE_PREFIX_PATH=${prefix})
+  -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_PREFIX_PATH=${prefix})
 set(programs consumer host-checks)
 if(WIDGETS)
   list(APPEND programs window)
@@ -143,7 +143,7 @@ if(NOT SANITIZE)
   file(GLOB examples ${SOURCE_DIR}/examples/*)
   file(COPY ${examples} DESTINATION ${WORK_DIR}/examples)
   run(${CMAKE_COMMAND} -S ${WORK_DIR}/examples -B ${WORK_DIR}/examples/build -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${COMPILER}
-    -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DCMAKE_PREFIX_PATH=${prefix})
+    -DCMAKE_PREFIX_PATH=${prefix})
   run(${CMAKE_COMMAND} --build ${WORK_DIR}/examples/build)
   if(WIDGETS)
     set(grab ${WORK_DIR}/build/examples/libgrab-window.so)
