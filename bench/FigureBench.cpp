@@ -155,6 +155,28 @@ void Frame(benchmark::State& p_state, Kind p_kind) {
 BENCHMARK_CAPTURE(Frame, Arrows, Arrows)->RangeMultiplier(10)->Range(1000, 1000000)->UseManualTime();
 BENCHMARK_CAPTURE(Frame, Symbols, Symbols)->RangeMultiplier(10)->Range(1000, 1000000)->UseManualTime();
 
+/// A pick at another pixel of a figure in which nothing changed, as a view makes for a pointer that moves over it. It
+/// is asked to take 0.5 ms at most. `layout_ms` is the time of a layout after a change.
+void Hover(benchmark::State& p_state) {
+  NeedFonts();
+  Target target(true);
+  Scene::Figure figure("Title", "Subtitle");
+  Add(figure, Symbols, static_cast<std::size_t>(p_state.range(0)));
+  figure.Draw(target.gl, target.viewport);
+  int x = 0;
+  while (x < 1600 && !figure.Pick(target.gl, target.viewport, {x, 500}))
+    ++x; // the first hit draws numbers of elements
+  std::size_t hits = 0;
+  for (auto _ : p_state)
+    hits += figure.Pick(target.gl, target.viewport, {x = (x + 7) % 1600, 500}) ? 1 : 0;
+  p_state.counters["hits"] = static_cast<double>(hits) / static_cast<double>(p_state.iterations());
+  p_state.counters["layout_ms"] = 1e3 * target.Seconds([&] {
+    figure.SetTitle("Another title");
+    figure.Layout(target.viewport);
+  });
+}
+BENCHMARK(Hover)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+
 /// A frame while the camera moves, with all that GL draws, by the clock. It is asked to take 60 ms at most on four idle
 /// cores; `resting_ms` is a frame of all glyphs.
 void Moving(benchmark::State& p_state, Kind p_kind) {

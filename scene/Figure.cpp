@@ -167,7 +167,7 @@ Figure& Figure::RemoveClip(std::size_t p_number) {
 }
 
 FigureLayout Figure::Layout(const Types::Viewport<0>& p_viewport, double p_pixelRatio) {
-  return _state->Arrange(*this, p_viewport, p_pixelRatio > 0 ? p_pixelRatio : 1);
+  return *_state->LayoutFor(*this, p_viewport, p_pixelRatio > 0 ? p_pixelRatio : 1);
 }
 
 Figure& Figure::SetTriad(bool p_isShown) {
@@ -201,10 +201,10 @@ void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewpo
   if (!CanDraw(p_gl, p_viewport))
     return;
   const double ratio = p_pixelRatio > 0 ? p_pixelRatio : 1;
-  const FigureLayout layout = Layout(p_viewport, ratio);
-  DrawAxes(p_gl, p_viewport, layout, ratio);
-  _state->DrawPlots(p_gl, {layout.camera, p_viewport, ratio, theme.title, theme.line});
-  DrawLegends(p_gl, p_viewport, layout, ratio);
+  const std::shared_ptr<const FigureLayout> layout = _state->LayoutFor(*this, p_viewport, ratio);
+  DrawAxes(p_gl, p_viewport, *layout, ratio);
+  _state->DrawPlots(p_gl, {layout->camera, p_viewport, ratio, theme.title, theme.line});
+  DrawLegends(p_gl, p_viewport, *layout, ratio);
 }
 
 void Figure::Draw(Utility::Scoped<Rgl>& p_gl, const Types::Viewport<0>& p_viewport, const FigureLayout& p_layout,
@@ -251,7 +251,8 @@ std::optional<Figure::Hit> Figure::Pick(Utility::Scoped<Rgl>& p_gl, const Types:
                   "std::optional<Hit> Vek::Chart::Scene::Figure::Pick(...)"))
     return {};
   const double ratio = p_pixelRatio > 0 ? p_pixelRatio : 1;
-  return _state->Pick(p_gl, {Layout(p_viewport, ratio).camera, p_viewport, ratio, theme.title, theme.line}, p_pixel);
+  const Scene::Camera seen = _state->LayoutFor(*this, p_viewport, ratio, true)->camera;
+  return _state->Pick(p_gl, {seen, p_viewport, ratio, theme.title, theme.line}, p_pixel);
 }
 
 QImage Figure::Image(Types::Size p_size, int p_samples, double p_pixelRatio) {

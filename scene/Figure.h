@@ -293,7 +293,8 @@ public:
   /// the call, as `Image` does, and throws as it does.
   std::optional<Hit> Pick(const Types::Pos& p_pixel, Types::Size p_size = {1200, 800});
 
-  /// Where everything lies that `Draw` would draw for the same arguments. Calls no GL. Needs a QGuiApplication.
+  /// Where everything lies that `Draw` would draw for the same arguments. Calls no GL. Needs a QGuiApplication. The last
+  /// layout is kept until something changes that it depends on. With functions for ticks, each call makes another one.
   FigureLayout Layout(const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);
   ///@{
   /// Between data and scene units, as of the last drawing or layout.

@@ -68,6 +68,7 @@ Figure& Figure::SetAxisNames(int p_axis, const std::vector<QString>& p_names) {
 
 Figure& Figure::SetTicks(int p_axis, Axes::TickMaker p_ticks) {
   _state->ticks[RequireAxis("SetTicks", p_axis)] = std::move(p_ticks);
+  ++_state->ticksSet;
   return *this;
 }
 

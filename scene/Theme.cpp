@@ -1,5 +1,7 @@
 #include "scene/Theme.h"
 
+#include <tuple>
+
 namespace Vek::Chart::Scene {
 
 Theme Theme::Light() {
@@ -33,6 +35,14 @@ TextStyle Theme::WithHalo(TextStyle p_style) const {
   p_style.halo = halo;
   p_style.haloWidth = p_style.size / 8;
   return p_style;
+}
+
+bool operator==(const Theme& p_a, const Theme& p_b) {
+  const auto all = [](const Theme& p_t) {
+    return std::tie(p_t.backgroundTop, p_t.backgroundBottom, p_t.title, p_t.text, p_t.faint, p_t.line, p_t.grid,
+                    p_t.halo, p_t.titleSize, p_t.textSize, p_t.smallSize, p_t.family);
+  };
+  return all(p_a) == all(p_b);
 }
 
 } // namespace Vek::Chart::Scene

@@ -51,4 +51,7 @@ struct VEK_SCENE_API Theme {
   TextStyle WithHalo(TextStyle p_style) const;
 };
 
+/// Whether all fields are equal.
+VEK_SCENE_API bool operator==(const Theme& p_a, const Theme& p_b);
+
 } // namespace Vek::Chart::Scene

@@ -18,6 +18,13 @@ bool IsCut(const Types::Plane& p_plane, const AxisRules& p_rules) {
   return isCut;
 }
 
+bool Equal(const std::vector<Types::Plane>& p_a, const std::vector<Types::Plane>& p_b) {
+  return std::equal(p_a.begin(), p_a.end(), p_b.begin(), p_b.end(),
+                    [](const Types::Plane& p_one, const Types::Plane& p_other) {
+                      return p_one.Point() == p_other.Point() && p_one.Normal() == p_other.Normal();
+                    });
+}
+
 Types::Plane SceneCut(const Types::Plane& p_plane, const DataTransform& p_transform) {
   Point point = p_transform(p_plane.Point()), normal = p_plane.Normal() / Length(p_plane.Normal());
   for (std::size_t axis = 0; axis < 3; ++axis) {

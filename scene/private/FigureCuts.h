@@ -23,6 +23,8 @@ constexpr std::size_t MostCuts = 6; ///< as many clip planes as all devices have
 /// Whether a plane can cut axes by these rules: finite, with a normal, and through numbers above 0 along logarithmic
 /// axes that it is not parallel to.
 bool IsCut(const Types::Plane& p_plane, const AxisRules& p_rules);
+/// Whether planes have equal points and normals.
+bool Equal(const std::vector<Types::Plane>& p_a, const std::vector<Types::Plane>& p_b);
 /// A plane of the data in scene units, with a normal of length 1.
 Types::Plane SceneCut(const Types::Plane& p_plane, const DataTransform& p_transform);
 

@@ -10,23 +10,12 @@
 
 namespace Vek::Chart::Scene {
 
-namespace {
-
-bool Equal(const std::vector<Types::Plane>& p_a, const std::vector<Types::Plane>& p_b) {
-  return std::equal(p_a.begin(), p_a.end(), p_b.begin(), p_b.end(),
-                    [](const Types::Plane& p_one, const Types::Plane& p_other) {
-                      return p_one.Point() == p_other.Point() && p_one.Normal() == p_other.Normal();
-                    });
-}
-
-} // namespace
-
 bool Figure::State::PickedScene::operator==(const PickedScene& p_other) const {
   const auto all = [](const PickedScene& p_scene) {
     return std::tie(p_scene.camera, p_scene.viewport, p_scene.pixelRatio, p_scene.transform, p_scene.rules,
                     p_scene.plots, p_scene.added, p_scene.left);
   };
-  return all(*this) == all(p_other) && Equal(cuts, p_other.cuts);
+  return all(*this) == all(p_other) && Private::Equal(cuts, p_other.cuts);
 }
 
 std::optional<Figure::Hit> Figure::State::Pick(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame,

@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <tuple>
+#include <utility>
 
 namespace Vek::Chart::Scene {
 
@@ -289,6 +291,31 @@ FigureLayout Figure::State::Arrange(const Figure& p_figure, const Types::Viewpor
   if (!hasTriad || _isFlat) // the triad is below the axes
     Private::CloseUp(layout);
   return layout;
+}
+
+bool Figure::State::LayoutKey::operator==(const LayoutKey& p_other) const {
+  const auto all = [](const LayoutKey& p_key) {
+    return std::tie(p_key.viewport, p_key.pixelRatio, p_key.theme, p_key.camera, p_key.direction, p_key.title,
+                    p_key.subtitle, p_key.axisTitles, p_key.rules, p_key.extent, p_key.notes, p_key.plots, p_key.added,
+                    p_key.ticksSet);
+  };
+  return all(*this) == all(p_other) && Private::Equal(clips, p_other.clips);
+}
+
+std::shared_ptr<const FigureLayout> Figure::State::LayoutFor(const Figure& p_figure,
+                                                             const Types::Viewport<0>& p_viewport, double p_pixelRatio,
+                                                             bool p_hasOldTicks) {
+  LayoutKey key{p_viewport, p_pixelRatio, p_figure.theme, p_figure.camera, direction, title, subtitle, axisTitles,
+                rules,      extent,       notes,          clips,           {},        added, ticksSet};
+  for (const Entry& entry : entries)
+    key.plots.emplace_back(entry.content, entry.content->revision);
+  const bool isHosts = std::any_of(ticks.begin(), ticks.end(), [](const auto& p_ticks) { return p_ticks != nullptr; });
+  if (!keptLayout || !(key == keptKey) || (isHosts && !p_hasOldTicks)) {
+    keptLayout.reset(); // none if the host's ticks throw
+    keptLayout = std::make_shared<const FigureLayout>(Arrange(p_figure, p_viewport, p_pixelRatio));
+    keptKey = std::move(key);
+  }
+  return keptLayout;
 }
 
 } // namespace Vek::Chart::Scene

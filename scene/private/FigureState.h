@@ -31,6 +31,23 @@ struct VEK_HIDDEN Figure::State {
     bool isEmptinessReported = false; ///< whether it was reported that the plot has no point to show
     bool isCountReported = false;     ///< whether it was reported that elements are too many for Pick
   };
+  /// All that a layout depends on, but for what the ticks of the host return.
+  struct LayoutKey {
+    Types::Viewport<0> viewport;
+    double pixelRatio = 0;
+    Scene::Theme theme;
+    std::optional<Scene::Camera> camera, direction;
+    QString title, subtitle;
+    std::array<QString, 3> axisTitles;
+    Private::AxisRules rules;
+    Private::Box extent;
+    std::optional<std::vector<QString>> notes;
+    std::vector<Types::Plane> clips;
+    std::vector<std::pair<const Private::PlotContent*, std::size_t>> plots; ///< with their revisions
+    std::size_t added = 0, ticksSet = 0;
+
+    bool operator==(const LayoutKey& p_other) const;
+  };
   /// All that a picture for Pick depends on.
   struct PickedScene {
     Scene::Camera camera;
@@ -48,6 +65,7 @@ struct VEK_HIDDEN Figure::State {
   QString title, subtitle;
   std::array<QString, 3> axisTitles;
   std::array<Axes::TickMaker, 3> ticks; ///< empty for decimal values
+  std::size_t ticksSet = 0;             ///< how often
   Private::AxisRules rules;
   Private::Box extent;                       ///< of all data with their glyphs, where it is given; empty otherwise
   std::optional<std::vector<QString>> notes; ///< where they are given
@@ -60,6 +78,8 @@ struct VEK_HIDDEN Figure::State {
   bool hasTriad = false;
   Ogl::PerContext<Private::DepthPeeling> peeling;
   Private::DataTransform transform; ///< as of the last layout
+  LayoutKey keptKey;
+  std::shared_ptr<const FigureLayout> keptLayout; ///< the last one, of that key
   Picker picker;
   PickedScene picked;
   Core::TimeStamp pickedStamp; ///< of that scene
@@ -76,6 +96,10 @@ struct VEK_HIDDEN Figure::State {
 
   /// Places plots, axes and legends, and fits the camera.
   FigureLayout Arrange(const Figure& p_figure, const Types::Viewport<0>& p_viewport, double p_pixelRatio);
+  /// The last layout, as long as nothing changed that it depends on; otherwise another one. `p_hasOldTicks` permits one
+  /// from before functions of the host returned other ticks.
+  std::shared_ptr<const FigureLayout> LayoutFor(const Figure& p_figure, const Types::Viewport<0>& p_viewport,
+                                                double p_pixelRatio, bool p_hasOldTicks = false);
   /// Draws the plots, opaque ones first, and the outlines of cuts; or one layer of them.
   void DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame, std::optional<Layer> p_layer = {});
   /// The plots alone, on no background.
