@@ -70,9 +70,14 @@ TEST_F(FigureLayouts, FollowEachChange) {
       {"hidden plot", [&] { plot->SetVisible(false); }},
       {"plot shown again", [&] { plot->SetVisible(true); }},
       {"removed plot", [&] { figure.Remove(*other); }},
-      {"ticks", [&] { figure.SetAxisNames(1, {"zero"}); }},
+      {"ticks",
+       [&] {
+         figure.SetAxisNames(0, {"zero", "first", "second"});
+       }},
       {"ticks of the host",
-       [&] { figure.SetTicks(1, [&](double, double, std::size_t) { return Ticks({0}, {name}); }); }},
+       [&] { figure.SetTicks(0, [&](double, double, std::size_t) {
+               return Ticks({-2, 0, 2}, {name, "b", "c"});
+             }); }},
       {"what they return", [&] { name = "two"; }}};
   std::string last;
   for (const auto& [what, change] : changes) {
