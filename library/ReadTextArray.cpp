@@ -24,9 +24,9 @@ constexpr Private::Words Words = Private::Words::NumbersOrNaN;
 
 class Reader {
 public:
-  Reader(std::istream& p_stream, const std::string& p_name, const TextArrayOptions& p_options,
-         Utility::Threads p_threads)
-      : _source(p_stream)
+  Reader(std::istream& p_stream, const Private::PositionedFile* p_file, const std::string& p_name,
+         const TextArrayOptions& p_options, Utility::Threads p_threads)
+      : _source(p_stream, p_file)
       , _name(p_name)
       , _options(p_options)
       , _threads(p_threads)
@@ -171,8 +171,12 @@ void Reader::ReportProgress() {
 
 void Reader::ReadNumbers() {
   Private::ReserveLarge(_numbers, std::size_t(_count) / _voxel.size() * _kept.size());
-  _source.TakeFloats(_threads, _count, Words,
-                     [this](const float* p_numbers, std::size_t p_count) { Add(p_numbers, p_count); });
+  std::vector<std::vector<float>> blocks(TextSource::FloatSlots(_threads));
+  const auto take = [&](std::size_t p_slot, const float* p_numbers, std::size_t p_count) {
+    blocks[p_slot].assign(p_numbers, p_numbers + p_count);
+  };
+  const auto join = [&](std::size_t p_slot) { Add(blocks[p_slot].data(), blocks[p_slot].size()); };
+  _source.TakeFloats(_threads, _count, Words, {take, join});
   while (_read < _count) {
     ReadPlain();
     if (_read < _count)
@@ -205,10 +209,13 @@ std::vector<T> Reader::TakeIntegers() {
   const double extent = double(_array.range[1]) - low;
   std::vector<T> integers;
   Private::ReserveConverted(integers, _numbers.size());
-  Private::ConvertFloats(_numbers.data(), _numbers.size(), 1, _threads, integers, [=](float p_number) {
-    const double scaled = extent > 0 ? (double(p_number) - low) / extent * Most : 0;
-    return static_cast<T>(scaled > 0 ? std::min(scaled, Most) + 0.5 : 0); // NaN: 0
-  });
+  const auto convert = [=](const float* p_numbers, std::size_t p_count, T* p_integers) {
+    std::transform(p_numbers, p_numbers + p_count, p_integers, [=](float p_number) {
+      const double scaled = extent > 0 ? (double(p_number) - low) / extent * Most : 0;
+      return static_cast<T>(scaled > 0 ? std::min(scaled, Most) + 0.5 : 0); // NaN: 0
+    });
+  };
+  Private::ConvertFloats({{_numbers.data(), 0, _numbers.size()}}, 1, _threads, integers, convert);
   return integers;
 }
 
@@ -249,7 +256,7 @@ bool IsTextArray(std::string_view p_start) {
 
 TextArray ReadTextArray(std::istream& p_stream, const std::string& p_name, const TextArrayOptions& p_options,
                         Utility::Threads p_threads) {
-  return Reader(p_stream, p_name, p_options, p_threads).Read();
+  return Reader(p_stream, nullptr, p_name, p_options, p_threads).Read();
 }
 
 TextArray ReadTextArray(const std::string& p_path, const TextArrayOptions& p_options, Utility::Threads p_threads) {
@@ -257,7 +264,8 @@ TextArray ReadTextArray(const std::string& p_path, const TextArrayOptions& p_opt
   std::ifstream file(p_path, std::ios::binary);
   if (!file)
     throw TextArrayError(p_path, std::string("cannot be opened: ") + std::strerror(errno));
-  return ReadTextArray(file, p_path, p_options, p_threads);
+  const Private::PositionedFile positioned(p_path);
+  return Reader(file, &positioned, p_path, p_options, p_threads).Read();
 }
 
 } // namespace Vek::Chart::Library

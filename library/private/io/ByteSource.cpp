@@ -46,16 +46,33 @@ std::size_t ByteSource::Refill(std::size_t p_count) {
   return _end;
 }
 
+/// Frees the window, of which all bytes were taken.
+void ByteSource::DropWindow() {
+  _passed += _next;
+  _next = _end = 0;
+  _window.reset();
+  _size = WindowSize;
+}
+
+void ByteSource::Skip(std::uint64_t p_count) {
+  const std::uint64_t available = std::min<std::uint64_t>(_end - _next, p_count);
+  Take(static_cast<std::size_t>(available));
+  const std::uint64_t behind = p_count - available;
+  if (behind == 0)
+    return;
+  DropWindow();
+  _passed += behind;
+  const std::streamoff there =
+      _stream.rdbuf()->pubseekoff(static_cast<std::streamoff>(behind), std::ios::cur, std::ios::in);
+  _ended = _ended || there < 0;
+}
+
 std::size_t ByteSource::Read(unsigned char* p_target, std::size_t p_count) {
   const std::size_t available = std::min(_end - _next, p_count);
   std::copy_n(Data(), available, p_target);
   Take(available);
-  if (_next == _end) { // no window is needed as long as bytes are taken here
-    _passed += _next;
-    _next = _end = 0;
-    _window.reset();
-    _size = WindowSize;
-  }
+  if (_next == _end) // no window is needed as long as bytes are taken here
+    DropWindow();
   std::size_t count = available;
   while (count < p_count && !_ended) {
     const std::size_t got = ReadOn(p_target + count, p_count - count);

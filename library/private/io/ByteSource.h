@@ -45,6 +45,8 @@ public:
   void Take(std::size_t p_count) { _next += p_count; }
   /// Takes up to `p_count` bytes into memory of the caller, fewer only at the end, and returns their number.
   std::size_t Read(unsigned char* p_target, std::size_t p_count);
+  /// Takes bytes, also those behind the window of a stream that can seek.
+  void Skip(std::uint64_t p_count);
   /// Gives bytes back that were taken last.
   void Unread(const unsigned char* p_bytes, std::size_t p_count);
   /// The number of bytes taken so far.
@@ -60,6 +62,7 @@ public:
   bool Failed() const { return _failed; }
 
 private:
+  void DropWindow();
   std::size_t Refill(std::size_t p_count);
   std::size_t ReadOn(unsigned char* p_target, std::size_t p_count);
 

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
+#include <functional>
 #include <vector>
 
 namespace Vek::Chart::Library::Private {
@@ -17,48 +17,63 @@ void ReserveConverted(std::vector<T>& p_target, std::size_t p_count) {
   ReserveLarge(p_target, p_count, std::size_t{1} << 20);
 }
 
-/// Appends p_convert(number) of every `p_stride`-th of the numbers to a vector, which has the room. The memory of the
-/// numbers is given back piece by piece; they are lost.
+/// Numbers in memory.
+struct FloatPiece {
+  float* numbers;
+  std::size_t first; ///< the index of the first of them
+  std::size_t count;
+};
+
+/// Appends what p_convert(numbers, count, results) makes of every `p_stride`-th of the numbers to a vector, which has
+/// the room and is empty. The pieces are parts of one block of memory, in any order, which is given back bit by bit;
+/// the numbers are lost.
 template <class T, class Convert>
-void ConvertFloats(float* p_numbers, std::size_t p_count, std::size_t p_stride, Utility::Threads p_threads,
+void ConvertFloats(std::vector<FloatPiece> p_pieces, std::size_t p_stride, Utility::Threads p_threads,
                    std::vector<T>& p_target, Convert p_convert) {
-  constexpr std::size_t BlockSize = std::size_t{1} << 15;
-  constexpr std::size_t ReleaseSize = std::size_t{1} << 17; // numbers; giving back less costs more than it saves
+  constexpr std::size_t BlockSize = std::size_t{1} << 14;
+  constexpr std::size_t PageFloats = PageBlockBytes / sizeof(float);
   constexpr std::size_t WorthThreads = 100000;
-  const std::size_t converted = (p_count + p_stride - 1) / p_stride;
-  const Utility::Threads threads = p_count < WorthThreads ? Utility::Threads() : p_threads;
-  struct Block {
-    std::unique_ptr<T[]> results; // not initialised
-    std::size_t first = 0;
-    std::size_t last = 0;
-  };
-  std::vector<Block> blocks(2 * static_cast<std::size_t>(threads.Count()));
-  std::size_t next = 0, released = 0;
+  std::size_t all = 0;
+  for (const FloatPiece& piece : p_pieces)
+    all += piece.count;
+  std::sort(p_pieces.begin(), p_pieces.end(),
+            [](const FloatPiece& p_a, const FloatPiece& p_b) { return std::less<float*>()(p_a.numbers, p_b.numbers); });
+  const Utility::Threads threads = all < WorthThreads ? Utility::Threads() : p_threads;
+  const auto converted = [p_stride](std::size_t p_index) { return (p_index + p_stride - 1) / p_stride; };
+  std::vector<FloatPiece> blocks(2 * static_cast<std::size_t>(threads.Count()));
+  T* const target = p_target.data();
+  auto piece = p_pieces.begin();
+  float* released = p_pieces.empty() ? nullptr : piece->numbers;
   Utility::BlockSteps steps;
   steps.fill = [&](std::size_t p_slot) {
-    Block& block = blocks[p_slot];
-    if (!block.results)
-      block.results.reset(new T[std::min(BlockSize, converted)]);
-    block.first = next;
-    next = block.last = std::min(next + BlockSize, converted);
-    return block.first < block.last;
+    while (piece != p_pieces.end() && piece->count == 0)
+      ++piece;
+    if (piece == p_pieces.end())
+      return false;
+    FloatPiece& block = blocks[p_slot] = {piece->numbers, piece->first, std::min(piece->count, BlockSize)};
+    *piece = {piece->numbers + block.count, piece->first + block.count, piece->count - block.count};
+    p_target.resize(std::max(p_target.size(), converted(block.first + block.count)));
+    return true;
   };
   steps.work = [&](std::size_t p_slot) {
-    const Block& block = blocks[p_slot];
-    if (p_stride == 1)
-      std::transform(p_numbers + block.first, p_numbers + block.last, block.results.get(), p_convert);
-    else
-      for (std::size_t i = block.first; i < block.last; ++i)
-        block.results[i - block.first] = p_convert(p_numbers[i * p_stride]);
+    const FloatPiece& block = blocks[p_slot];
+    if (p_stride == 1) {
+      p_convert(block.numbers, block.count, target + block.first);
+      return;
+    }
+    const std::size_t first = converted(block.first);
+    const std::size_t count = converted(block.first + block.count) - first;
+    for (std::size_t i = 0; i < count; ++i) // the numbers in front are lost already
+      block.numbers[i] = block.numbers[(first + i) * p_stride - block.first];
+    p_convert(block.numbers, count, target + first);
   };
   steps.join = [&](std::size_t p_slot) {
-    const Block& block = blocks[p_slot];
-    const std::size_t used = std::min(block.last * p_stride, p_count);
-    if (used - released >= ReleaseSize || used == p_count) {
-      ReleasePages(p_numbers + released, (used - released) * sizeof(float));
-      released = used;
+    // Whole huge pages only: to give back a part of one costs more than it saves.
+    const std::size_t done = static_cast<std::size_t>(blocks[p_slot].numbers + blocks[p_slot].count - released);
+    if (const std::size_t whole = done / PageFloats * PageFloats; whole != 0) {
+      ReleasePages(released, whole * sizeof(float));
+      released += whole;
     }
-    p_target.insert(p_target.end(), block.results.get(), block.results.get() + (block.last - block.first));
   };
   Utility::RunBlocks(threads, blocks.size(), steps);
 }

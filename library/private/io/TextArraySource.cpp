@@ -3,10 +3,12 @@
 #include "library/private/io/BlockSizes.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <locale>
 #include <memory>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace Vek::Chart::Library::Private {
@@ -17,17 +19,18 @@ namespace {
 constexpr std::size_t LongestHeader = std::size_t{1} << 16;
 constexpr std::size_t LongestNumber = std::size_t{1} << 22;
 
-/// The number of line feeds. Counts in bytes, block by block, since the compiler vectorises that best.
+/// The number of line feeds. Counts in bytes, by blocks of constant size, since the compiler vectorises that best.
 std::uint64_t CountLineFeeds(const unsigned char* p_bytes, std::size_t p_count) {
   constexpr std::size_t Block = 192; // below 256
+  const unsigned char* const end = p_bytes + p_count;
   std::uint64_t all = 0;
-  for (std::size_t first = 0; first < p_count; first += Block) {
+  for (; static_cast<std::size_t>(end - p_bytes) >= Block; p_bytes += Block) {
     unsigned char count = 0;
-    for (std::size_t i = first; i < std::min(first + Block, p_count); ++i)
+    for (std::size_t i = 0; i < Block; ++i)
       count = static_cast<unsigned char>(count + (p_bytes[i] == '\n' ? 1 : 0));
     all += count;
   }
-  return all;
+  return all + static_cast<std::uint64_t>(std::count(p_bytes, end, '\n'));
 }
 
 } // namespace
@@ -51,43 +54,118 @@ namespace {
 
 /// Smaller than those of other files: numbers take as much memory besides.
 constexpr std::size_t FloatBlockBytes = std::min(BlockBytes, std::size_t{1} << 15);
+/// Of a word that goes on behind its block.
+constexpr std::size_t LongestEnd = 128;
+constexpr std::size_t MostInBlock = (FloatBlockBytes + LongestEnd) / 2 + 1; // a digit and a blank each
 
-/// A block of text that ends with a blank, and its numbers.
+/// What was found in a block of text.
 struct FloatBlock {
-  std::unique_ptr<unsigned char[]> text; // neither is initialised
-  std::unique_ptr<float[]> numbers;
+  std::uint64_t offset = 0;              ///< in the file
+  std::unique_ptr<unsigned char[]> text; ///< of a stream; not initialised
   std::size_t size = 0;
-  std::size_t count = 0;
+  std::size_t count = 0; ///< of numbers
   std::uint64_t lines = 0;
   bool isWhole = false; ///< all words are numbers
 
-  void Work(Words p_words) {
-    const char* const first = reinterpret_cast<const char*>(text.get());
-    const FloatTexts read = ReadFloatTexts(first, first + size, numbers.get(), size, p_words);
+  /// Reads the numbers of [p_first, p_last), which starts with a word or a blank.
+  template <class Take>
+  void Read(const unsigned char* p_first, const unsigned char* p_last, Words p_words, const Take& p_take) {
+    std::array<float, MostInBlock> numbers; // not initialised
+    const char* const first = reinterpret_cast<const char*>(p_first);
+    const char* const last = reinterpret_cast<const char*>(p_last);
+    const FloatTexts read = ReadFloatTexts(first, last, numbers.data(), numbers.size(), p_words);
     count = read.count;
-    isWhole = SkipBlanks(read.end, first + size) == first + size;
-    lines = CountLineFeeds(text.get(), size);
+    isWhole = SkipBlanks(read.end, last) == last;
+    p_take(numbers.data(), count);
+  }
+
+  /// Reads the words of a file that start in the block.
+  template <class Take>
+  void ReadFile(const PositionedFile& p_file, bool p_isFirst, Words p_words, const Take& p_take) {
+    // With the character in front, which decides where the first word starts.
+    std::array<unsigned char, 1 + FloatBlockBytes + LongestEnd + FloatTextsSlack> bytes; // not initialised
+    bytes[0] = ' ';
+    const std::size_t front = p_isFirst ? 0 : 1;
+    const std::size_t got = p_file.Read(offset - front, bytes.data() + 1 - front, size + LongestEnd + front);
+    const unsigned char* const start = bytes.data() + 1;
+    const unsigned char* const end = bytes.data() + 1 - front + got;
+    const auto nextBlank = [end](const unsigned char* p_at) {
+      return std::find_if(p_at, end, [](unsigned char p_c) { return Scan::IsBlank(static_cast<char>(p_c)); });
+    };
+    isWhole = false;
+    if (start + size > end) // the file has become shorter
+      return;
+    const unsigned char* const first = nextBlank(start - 1);
+    const unsigned char* const last = nextBlank(start + size - 1);
+    if (last == end || first == end)
+      return;
+    lines = CountLineFeeds(start, size);
+    size = std::max(size, static_cast<std::size_t>(last - start));
+    Read(first, last + 1, p_words, p_take);
   }
 };
 
 } // namespace
 
+const std::size_t TextSource::MostFloats = MostInBlock;
+
 void TextSource::TakeFloats(Utility::Threads p_threads, std::uint64_t p_most, Words p_words,
-                            const std::function<void(const float*, std::size_t)>& p_numbers) {
-  const auto threads = static_cast<std::size_t>(p_threads.Count());
-  if (threads == 1 || RemainingByClaim() < WorthThreads)
+                            const FloatSteps& p_steps) {
+  if (p_threads.Count() == 1 || RemainingByClaim() < WorthThreads)
     return;
-  std::vector<FloatBlock> blocks(2 * threads);
+  if (_file != nullptr && _file->IsOpen())
+    TakeFromFile(p_threads, p_most, p_words, p_steps);
+  else
+    TakeFromStream(p_threads, p_most, p_words, p_steps);
+}
+
+/// Each thread reads its own blocks of the file.
+void TextSource::TakeFromFile(Utility::Threads p_threads, std::uint64_t p_most, Words p_words,
+                              const FloatSteps& p_steps) {
+  std::vector<FloatBlock> blocks(FloatSlots(p_threads));
+  const std::uint64_t first = Position();
+  const std::uint64_t last = first + RemainingByClaim();
+  std::uint64_t next = first;
+  bool stopped = false;
+  Utility::BlockSteps steps;
+  steps.fill = [&](std::size_t p_slot) {
+    FloatBlock& block = blocks[p_slot];
+    block.offset = next;
+    block.size = stopped ? 0 : static_cast<std::size_t>(std::min<std::uint64_t>(last - next, FloatBlockBytes));
+    next += block.size;
+    return block.size != 0;
+  };
+  steps.work = [&](std::size_t p_slot) {
+    FloatBlock& block = blocks[p_slot];
+    block.ReadFile(*_file, block.offset == first, p_words,
+                   [&](const float* p_numbers, std::size_t p_count) { p_steps.take(p_slot, p_numbers, p_count); });
+  };
+  steps.join = [&](std::size_t p_slot) {
+    const FloatBlock& block = blocks[p_slot];
+    stopped = stopped || !block.isWhole || block.count > p_most;
+    if (stopped)
+      return;
+    _ahead = block.offset + block.size - first;
+    p_most -= block.count;
+    _line += block.lines;
+    p_steps.join(p_slot);
+  };
+  Utility::RunBlocks(p_threads, blocks.size(), steps);
+  _bytes.Skip(std::exchange(_ahead, 0));
+}
+
+/// The calling thread reads the stream.
+void TextSource::TakeFromStream(Utility::Threads p_threads, std::uint64_t p_most, Words p_words,
+                                const FloatSteps& p_steps) {
+  std::vector<FloatBlock> blocks(FloatSlots(p_threads));
   std::basic_string<unsigned char> rest;   // of the last block: the word that goes on in the next one
   std::basic_string<unsigned char> unread; // blocks that are given back
   bool stopped = false;
   Utility::BlockSteps steps;
   steps.fill = [&](std::size_t p_slot) {
     FloatBlock& block = blocks[p_slot];
-    if (!block.text) {
+    if (!block.text)
       block.text.reset(new unsigned char[FloatBlockBytes + FloatTextsSlack]);
-      block.numbers.reset(new float[FloatBlockBytes]);
-    }
     std::copy(rest.begin(), rest.end(), block.text.get());
     const std::size_t got = stopped ? 0 : _bytes.Read(block.text.get() + rest.size(), FloatBlockBytes - rest.size());
     const std::size_t size = rest.size() + got;
@@ -96,7 +174,12 @@ void TextSource::TakeFloats(Utility::Threads p_threads, std::uint64_t p_most, Wo
     rest.assign(block.text.get() + block.size, block.text.get() + size);
     return block.size != 0 && got != 0;
   };
-  steps.work = [&](std::size_t p_slot) { blocks[p_slot].Work(p_words); };
+  steps.work = [&](std::size_t p_slot) {
+    FloatBlock& block = blocks[p_slot];
+    block.lines = CountLineFeeds(block.text.get(), block.size);
+    block.Read(block.text.get(), block.text.get() + block.size, p_words,
+               [&](const float* p_numbers, std::size_t p_count) { p_steps.take(p_slot, p_numbers, p_count); });
+  };
   steps.join = [&](std::size_t p_slot) {
     const FloatBlock& block = blocks[p_slot];
     stopped = stopped || !block.isWhole || block.count > p_most;
@@ -104,9 +187,9 @@ void TextSource::TakeFloats(Utility::Threads p_threads, std::uint64_t p_most, Wo
       unread.append(block.text.get(), block.size);
       return;
     }
-    p_numbers(block.numbers.get(), block.count);
     p_most -= block.count;
     _line += block.lines;
+    p_steps.join(p_slot);
   };
   Utility::RunBlocks(p_threads, blocks.size(), steps);
   unread += rest;

@@ -30,7 +30,13 @@ void AdvisePages(void* p_memory, std::size_t p_bytes, std::uintptr_t p_pageSize,
 
 void AdviseHugePages([[maybe_unused]] void* p_memory, [[maybe_unused]] std::size_t p_bytes) {
 #if defined(__linux__)
-  AdvisePages(p_memory, p_bytes, std::uintptr_t(1) << 21, MADV_HUGEPAGE);
+  AdvisePages(p_memory, p_bytes, PageBlockBytes, MADV_HUGEPAGE);
+#endif
+}
+
+void PopulatePages([[maybe_unused]] void* p_memory, [[maybe_unused]] std::size_t p_bytes) {
+#if defined(__linux__) && defined(MADV_POPULATE_WRITE)
+  AdvisePages(p_memory, p_bytes, static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE)), MADV_POPULATE_WRITE);
 #endif
 }
 

@@ -21,6 +21,10 @@ using PageBlock = std::unique_ptr<void, FreePageBlock>;
 /// Uninitialised memory, in a huge page where there are any. Throws std::bad_alloc.
 PageBlock NewPageBlock();
 
+/// Takes the whole pages of memory now, as they are, so that several threads that write next do not all prepare the
+/// same page. A hint; it has no effect on systems without such a call.
+void PopulatePages(void* p_memory, std::size_t p_bytes);
+
 /// Gives the whole pages of memory back that is not read again, before it is freed.
 void ReleasePages(void* p_memory, std::size_t p_bytes);
 
