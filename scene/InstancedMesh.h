@@ -111,7 +111,7 @@ public:
   /// diameter of its sphere.
   static std::vector<Level> Spheres();
   /// Solid arrows along +z from 0 to 1 with a shaft of 2/3 of the length, as those of `Model::Symbol::ShapeArrow3D`: a
-  /// triangle, outlines of 2 and 4 triangles, and meshes of 4 and 8 segments, each up to the length at which its
+  /// triangle, outlines of 2, 4 and 10 triangles, and meshes of 4 and 8 segments, each up to the length at which its
   /// outline is wrong by a fifth of a pixel, and a mesh of `p_segments`, a multiple of 4, for all longer ones. The size
   /// of an instance is the length of its arrow.
   static std::vector<Level> Arrows(unsigned int p_segments = 16);

@@ -110,6 +110,28 @@ GpuMesh FlatArrow() {
                  {0, 1, 2, 1, 3, 2, 4, 5, 6, 4, 6, 7});
 }
 
+/// A head with an octagon in place of the round base, and a shaft of three triangles.
+GpuMesh RoundArrow() {
+  constexpr int Corners = 8;
+  std::vector<OutlineVertex> vertices{{{0, Head, 1}, Neck, true}};
+  std::vector<std::uint32_t> indices;
+  for (std::uint32_t i = 0; i < Corners; ++i) {
+    const double angle = 2 * M_PI * i / Corners;
+    const double along = Head * std::sin(angle);
+    vertices.push_back({{Head * std::cos(angle), along, Neck}, along > 0 ? Neck : -1000, true});
+    if (i >= 2)
+      indices.insert(indices.end(), {1, i, i + 1});
+  }
+  indices.insert(indices.end(), {0, 1, 1 + Corners / 2});
+  const auto shaft = static_cast<std::uint32_t>(vertices.size());
+  for (const auto& [side, end] : {std::pair(-1, 0.0), {1, 0.0}, {1, Neck}, {-1, Neck}})
+    vertices.push_back({{side * Shaft, 0, end}});
+  vertices.push_back({{0, -Shaft, 0}});
+  indices.insert(indices.end(),
+                 {shaft, shaft + 1, shaft + 2, shaft, shaft + 2, shaft + 3, shaft + 4, shaft + 1, shaft});
+  return Outline(vertices, std::move(indices));
+}
+
 GpuMesh SolidArrow(unsigned int p_segments) {
   Ogl::VertexData data;
   Library::VectorSymbol(Model::Symbol::ShapeArrow3D, p_segments).BuildShape(data);
@@ -147,7 +169,8 @@ std::vector<Level> InstancedMesh::Arrows(unsigned int p_segments) {
   std::vector<Level> levels;
   levels.push_back(OutlineLevel(ArrowTriangle(), Error / 0.1));
   levels.push_back(OutlineLevel(SlimArrow(), Error / (Head / 2)));
-  levels.push_back(OutlineLevel(FlatArrow(), Error / (0.3 * Head))); // a square in place of the base
+  levels.push_back(OutlineLevel(FlatArrow(), Error / (0.3 * Head)));   // a square in place of the base
+  levels.push_back(OutlineLevel(RoundArrow(), Error / (0.3 * Shaft))); // a corner in place of the end
   for (const unsigned int segments : {4U, 8U, p_segments}) {
     if (segments > p_segments)
       continue;
