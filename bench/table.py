@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Prints the table of bench/asked.txt from results of benchmarks.
 
-    bench/table.py asked.txt folder     reads folder/PROGRAM.json, which PROGRAM wrote by --benchmark_out
+    bench/table.py asked.txt folder              reads folder/PROGRAM.json, which PROGRAM wrote by --benchmark_out
+    bench/table.py --filter PROGRAM asked.txt    prints a --benchmark_filter for the benchmarks that the table needs
 
 Ends with 0, also if a ratio is missed: times vary too much to fail for them.
 """
@@ -92,13 +93,24 @@ def row_of(line, results, processors):
     return [job, f"{number:.3g}", asked, verdict, *others]
 
 
+def rows_in(asked):
+    lines = pathlib.Path(asked).read_text().splitlines()
+    return [line for line in lines if line.strip() and not line.startswith("#")]
+
+
+def print_filter(program, asked):
+    terms = [match.group(1, 2) for line in rows_in(asked) for match in TERM.finditer(line)]
+    names = sorted({benchmark for owner, benchmark in terms if owner == program})
+    if not names:
+        raise SystemExit(f"table.py: expected a program of {asked}, got \"{program}\"")
+    print("^(" + "|".join(re.sub(r"([\\^$.*+?()\[\]{}|])", r"\\\1", name) for name in names) + ")(/|$)")
+
+
 def main(asked, folder):
     results = read_results(folder)
     processors = len(os.sched_getaffinity(0)) if hasattr(os, "sched_getaffinity") else os.cpu_count() or 1
     rows = [["job", "measured", "asked", "", "times the limit", "times as fast as the peer"]]
-    for line in pathlib.Path(asked).read_text().splitlines():
-        if line.strip() and not line.startswith("#"):
-            rows.append(row_of(line, results, processors))
+    rows += [row_of(line, results, processors) for line in rows_in(asked)]
     widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
     for row in rows:
         print("  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip())
@@ -107,6 +119,9 @@ def main(asked, folder):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 3:
-        raise SystemExit("usage: table.py asked.txt folder")
-    main(*sys.argv[1:])
+    if len(sys.argv) == 4 and sys.argv[1] == "--filter":
+        print_filter(*sys.argv[2:])
+    elif len(sys.argv) == 3:
+        main(*sys.argv[1:])
+    else:
+        raise SystemExit("usage: table.py asked.txt folder, or table.py --filter program asked.txt")
