@@ -232,7 +232,8 @@ double DecisiveDistance(const Box& p_box, double p_d) {
 
 // Whether the box lies on one side of the plane, farther off than all rounding errors of the rule, which are bounded by
 // the products that it sums. Most misses end here, without the square root and the divisions of the unit normal. The
-// limits on the scale exclude overflow and underflow in the rule.
+// limits exclude overflow, and underflow that matters, in the rule: the unit normal's components may underflow by
+// 2^-1074 each, times coordinates of at most 2^300.
 bool PassesBy(const Box& p_box, const Types::Plane& p_plane) {
   const Products n = ProductsOf(p_plane.Normal(), p_box);
   const Vector3& normal = p_plane.Normal();
@@ -243,7 +244,11 @@ bool PassesBy(const Box& p_box, const Types::Plane& p_plane) {
   const double scale = (std::abs(normal.x * point.x) + std::abs(n.x0) + std::abs(n.x1)) +
                        (std::abs(normal.y * point.y) + std::abs(n.y0) + std::abs(n.y1)) +
                        (std::abs(normal.z * point.z) + std::abs(n.z0) + std::abs(n.z1));
-  return std::max(lowest, -highest) > 0x1p-45 * scale && scale > 0x1p-400 && scale < 0x1p+400;
+  const auto sum = [](const Vector3& p_vector) {
+    return std::abs(p_vector.x) + std::abs(p_vector.y) + std::abs(p_vector.z);
+  };
+  const double most = sum(p_box.Min()) + sum(p_box.Max()) + sum(point) + sum(normal);
+  return std::max(lowest, -highest) > 0x1p-45 * scale && scale > 0x1p-200 && most < 0x1p+300;
 }
 
 } // namespace

@@ -270,6 +270,16 @@ CutCase TermsThatCancel(Dice& p_d) {
   const Vector3 normal(p_d.OneOf({1, -1}), p_d.OneOf({1, -1}), p_d.OneOf({1, -1, 1e-3}));
   return {box, {p_d.CornerOf(box) + Cross(normal, p_d.Reals(-1, 1)), normal}};
 }
+// The unit normal loses a part of its y component, which huge coordinates make matter.
+CutCase UnderflowingNormal(Dice& p_d) {
+  const double small = p_d.Power(-56, -46), far = p_d.Power(1017, 1021);
+  const Vector3 min(p_d.Real(-1, 1) * small, p_d.Real(-1, 1) * far, p_d.Real(-1, 1) * small);
+  const Box box(min, min + Vector3(p_d.Real(0, 1) * small, p_d.Real(0, 1) * far, p_d.Real(0, 1) * small));
+  const Vector3 normal(p_d.Real(-3, 3), 5e-324 * p_d.Integer(-2, 2), p_d.Real(-3, 3));
+  Vector3 point = box.Center() + p_d.Reals(-1, 1) * small;
+  point.y = p_d.Real(-2, 2) * far;
+  return {box, {point, normal}};
+}
 CutCase SpecialNumbers(Dice& p_d) {
   const Box box{p_d.Specials(), p_d.Specials()};
   return {box, {p_d.Specials(), p_d.Integer(0, 1) == 0 ? p_d.Specials() : p_d.Reals(-1, 1)}};
@@ -278,9 +288,12 @@ CutCase EmptyBox(Dice& p_d) {
   return {Box(), {{}, p_d.Reals(-1, 1)}};
 }
 
-CutCase (*const Families[])(Dice&) = {ProperCut,   NearACorner,   ThroughThreeCorners, AlmostAlongAnAxis, OnALattice,
-                                      InvertedBox, TinyBox,       TinyBoxFarOut,       HugeBox,           ExtremeNormal,
-                                      SignedZeros, BarelyMissing, TermsThatCancel,     SpecialNumbers,    EmptyBox};
+CutCase (*const Families[])(Dice&) = {ProperCut,         NearACorner,        ThroughThreeCorners,
+                                      AlmostAlongAnAxis, OnALattice,         InvertedBox,
+                                      TinyBox,           TinyBoxFarOut,      HugeBox,
+                                      ExtremeNormal,     SignedZeros,        BarelyMissing,
+                                      TermsThatCancel,   UnderflowingNormal, SpecialNumbers,
+                                      EmptyBox};
 
 TEST(IntersectBox, EqualsThePlainRuleBitForBit) {
   std::vector<Vector3> points, expected;
