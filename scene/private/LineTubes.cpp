@@ -60,8 +60,7 @@ void LineTubes::SetLines(const std::vector<std::vector<TubeMesh::Point>>& p_line
   if (count > Most)
     throw std::invalid_argument("tubes: expected at most " + std::to_string(Most) + " points");
   const auto lines = boost::make_shared<TubeLevels>();
-  for (const std::vector<TubeMesh::Point>& line : p_lines)
-    lines->Add(line);
+  lines->Add(p_lines);
   _isFlat = p_isFlat;
   _lines.reset();
   if (!lines->Stations().empty())
@@ -249,6 +248,7 @@ void LineTubes::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colo
   input.span = p_scale.logarithmic ? std::log(p_scale.upper / p_scale.lower) : p_scale.upper - p_scale.lower;
   input.isLogarithmic = p_scale.logarithmic;
   input.isOpen = p_quality.isOpen;
+  input.isOnScreen = p_quality.pixels > 0;
   input.mostVertices = p_quality.mostVertices;
   input.view = input.sizing = Projection::Of(p_gl);
   if (!drawing.Select(std::move(input)))
@@ -259,6 +259,12 @@ void LineTubes::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colo
   shaders.isPeeled = p_pass != nullptr;
   drawing.Draw(shaders, [&](const Ogl::ShaderProgram& p_program) {
     SetColorUniforms(p_gl, p_program, ByValue, p_colors, p_scale, p_pass);
+    if (p_quality.pixels > 0) {
+      std::array<int, 4> viewport{};
+      p_gl->GetIntegerv(RGL_VIEWPORT, viewport.data());
+      p_program.SetUniform(p_gl, "half_size", TubeLevels::Vector(viewport[2], viewport[3], 0) / 2.0);
+      p_program.SetUniform(p_gl, "pixels", static_cast<float>(p_quality.pixels / 2));
+    }
   });
 }
 
@@ -295,7 +301,6 @@ void LineTubes::DrawPick(Utility::Scoped<Rgl>& p_gl, const PickPass& p_pass) con
   drawing.Draw(shaders, setPlot);
 }
 
-/// Made anew where it is not of the lines and values.
 const GpuMesh& LineTubes::WholeMesh(Buffers& p_buffers) const {
   if (p_buffers.meshLines == _lines && p_buffers.meshValues == _values)
     return p_buffers.mesh;

@@ -31,6 +31,7 @@ public:
   struct Quality {
     bool isOpen = false;          ///< whether insides are seen, behind cuts or through half-transparent walls
     std::size_t mostVertices = 0; ///< about; 0 for any number
+    double pixels = 0;            ///< the width of lines on the screen, not lit; 0 for tubes
   };
 
   /// Replaces the lines; `value` of their points is not read. `p_values` has one value for each point of all lines, one
@@ -56,6 +57,7 @@ public:
 private:
   struct Buffers;
   struct Drawing;
+  /// Made anew where it is not of the lines and values.
   const GpuMesh& WholeMesh(Buffers& p_buffers) const;
 
   boost::shared_ptr<const TubeLevels> _lines;                                 ///< null if there are none

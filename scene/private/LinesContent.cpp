@@ -1,5 +1,7 @@
 #include "scene/private/LinesContent.h"
 
+#include "scene/private/Notes.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -43,6 +45,8 @@ void LinesContent::SetDiameter(double p_diameter) {
 Box LinesContent::PlaceChanged(const Changes& p_changes) {
   if (p_changes.isMoved)
     PlacePoints();
+  if (p_changes.isMoved || p_changes.values || _diameter > 0)
+    _hasCoarse = false;
   const bool isShaped = p_changes.isMoved || _isShapeChanged;
   const bool isTubes = _diameter > 0;
   if (isShaped && isTubes)
@@ -97,13 +101,19 @@ void LinesContent::PlacePoints() {
 }
 
 void LinesContent::PlaceTubes() {
+  _tubes.SetLines(PiecesOf(SceneDiameter()), TubeValues(), _placement.isFlat);
+}
+
+std::vector<std::vector<TubeMesh::Point>> LinesContent::PiecesOf(double p_width) const {
   std::vector<std::vector<TubeMesh::Point>> lines;
+  lines.reserve(_pieces.size());
   for (const Piece& piece : _pieces) {
     lines.emplace_back();
+    lines.back().reserve(piece.count);
     for (std::uint32_t i = 0; i < piece.count; ++i)
-      lines.back().push_back({_scene[piece.first + i], SceneDiameter(), 0});
+      lines.back().push_back({_scene[piece.first + i], p_width, 0});
   }
-  _tubes.SetLines(lines, TubeValues(), _placement.isFlat);
+  return lines;
 }
 
 /// The values of the points of all pieces.
@@ -117,11 +127,31 @@ std::vector<float> LinesContent::TubeValues() const {
 }
 
 void LinesContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
-  if (_diameter > 0)
-    _tubes.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(),
-                {!p_frame.isMoving && (IsTransparent() || !p_frame.cuts.empty()), p_frame.mostVertices}, p_frame.layer);
+  const Library::ColorMap& map = coloring.Map(p_gl);
+  _isCoarse = DrawsCoarse(p_frame);
+  if (_isCoarse && !std::exchange(_hasCoarse, true)) {
+    constexpr double Thin = 1e-9; // in diagonals; their width is one on the screen
+    _coarse.SetLines(PiecesOf(Thin * _placement.diagonal), TubeValues(), _placement.isFlat);
+  }
+  if (_diameter > 0 || _isCoarse)
+    (_isCoarse ? _coarse : _tubes).Draw(p_gl, map, coloring.Scale(), QualityOf(p_frame), p_frame.layer);
   else
-    _lines.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), _width * p_frame.pixelRatio, p_frame.layer);
+    _lines.Draw(p_gl, map, coloring.Scale(), _width * p_frame.pixelRatio, p_frame.layer);
+}
+
+/// Whether lines are drawn without round joints, and with fewer segments: there is no time for more.
+bool LinesContent::DrawsCoarse(const Frame& p_frame) const {
+  constexpr std::size_t Vertices = 4; // of a segment
+  return _diameter == 0 && p_frame.mostVertices != 0 && Vertices * Count() > p_frame.mostVertices;
+}
+
+LineTubes::Quality LinesContent::QualityOf(const Frame& p_frame) const {
+  const bool isOpen = !p_frame.isMoving && (IsTransparent() || !p_frame.cuts.empty());
+  return {isOpen, p_frame.mostVertices, _isCoarse ? _width * p_frame.pixelRatio : 0};
+}
+
+QString LinesContent::Shortage(const Utility::Scoped<Rgl>& p_gl) const {
+  return _isCoarse || _diameter > 0 ? StepNote((_isCoarse ? _coarse : _tubes).Step(p_gl), {"line", ""}) : QString();
 }
 
 void LinesContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) {
@@ -165,6 +195,7 @@ Picked LinesContent::Identify(std::optional<std::uint32_t> p_number, const Point
 
 void LinesContent::ReleaseParts(const Utility::Scoped<Rgl>& p_gl) const {
   _tubes.Release(p_gl);
+  _coarse.Release(p_gl);
   _lines.Release(p_gl);
 }
 

@@ -23,6 +23,7 @@ public:
   void DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame, const PickPass& p_pass) override;
   Picked Identify(std::optional<std::uint32_t> p_number, const Point& p_scene) const override;
   std::vector<QString> Notes() const override;
+  QString Shortage(const Utility::Scoped<Rgl>& p_gl) const override;
   Legend::Mark Mark() const override { return Legend::Mark::Line; }
 
 private:
@@ -36,6 +37,9 @@ private:
   double SceneDiameter() const { return _diameter * _placement.transform.Unit(); }
   void PlacePoints();
   void PlaceTubes();
+  std::vector<std::vector<TubeMesh::Point>> PiecesOf(double p_width) const;
+  LineTubes::Quality QualityOf(const Frame& p_frame) const;
+  bool DrawsCoarse(const Frame& p_frame) const;
   std::vector<float> TubeValues() const;
   std::optional<std::size_t> PointOfTube(std::uint32_t p_number, const Point& p_scene) const;
   std::optional<std::size_t> PointOfSegment(std::uint32_t p_segment, const Point& p_scene) const;
@@ -53,6 +57,9 @@ private:
   std::vector<Piece> _pieces;
   WideLines _lines;
   LineTubes _tubes;
+  LineTubes _coarse;       ///< thin lines while the camera moves
+  bool _hasCoarse = false; ///< whether they are placed
+  bool _isCoarse = false;  ///< whether they were drawn last
 };
 
 } // namespace Vek::Chart::Scene::Private

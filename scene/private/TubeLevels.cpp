@@ -63,7 +63,7 @@ double Deviation(const Station& p_from, const Station& p_to, const Station& p_be
 template <class Call>
 void ForLeftOut(std::uint32_t p_first, std::uint32_t p_segments, Call&& p_call) {
   for (std::size_t level = 0; level < TubeLevels::Coarser; ++level) {
-    const std::uint32_t step = 2U << level, end = p_first + p_segments;
+    const std::uint32_t step = TubeLevels::Steps[level + 1], end = p_first + p_segments;
     for (std::uint32_t from = p_first; from < end; from += step) {
       const std::uint32_t to = std::min(from + step, end);
       for (std::uint32_t between = from + 1; between < to; ++between)
@@ -94,6 +94,41 @@ void TubeLevels::Add(const std::vector<TubeMesh::Point>& p_line) {
     _caps.push_back({first + segments, _lines, false});
   }
   ++_lines;
+}
+
+void TubeLevels::Add(const std::vector<std::vector<TubeMesh::Point>>& p_lines) {
+  constexpr std::size_t AtOnce = 64; // lines
+  std::vector<TubeLevels> parts((p_lines.size() + AtOnce - 1) / AtOnce);
+  Utility::RunBlocks(Utility::Threads::All(), parts.size(), [&](std::size_t p_part) {
+    for (std::size_t i = p_part * AtOnce; i < std::min((p_part + 1) * AtOnce, p_lines.size()); ++i)
+      parts[p_part].Add(p_lines[i]);
+  });
+  std::size_t stations = _stations.size();
+  for (const TubeLevels& part : parts)
+    stations += part._stations.size();
+  _stations.reserve(stations);
+  _points.reserve(stations);
+  for (TubeLevels& part : parts) {
+    Append(part);
+    part = {};
+  }
+}
+
+/// Adds the lines of another object behind those here.
+void TubeLevels::Append(const TubeLevels& p_lines) {
+  const auto stations = static_cast<std::uint32_t>(_stations.size());
+  _stations.insert(_stations.end(), p_lines._stations.begin(), p_lines._stations.end());
+  for (const std::uint32_t point : p_lines._points)
+    _points.push_back(_pointCount + point);
+  for (Block block : p_lines._blocks) {
+    block.first += stations;
+    block.line += _lines;
+    _blocks.push_back(block);
+  }
+  for (const Cap& cap : p_lines._caps)
+    _caps.push_back({cap.station + stations, cap.line + _lines, cap.isStart});
+  _lines += p_lines._lines;
+  _pointCount += p_lines._pointCount;
 }
 
 void TubeLevels::AddBlock(std::uint32_t p_first, std::uint32_t p_segments) {

@@ -10,14 +10,16 @@
 namespace Vek::Chart::Scene::Private {
 
 /// The stations of lines, which shaders make tubes or ribbons of, in blocks of segments. A block is drawn with each
-/// segment, or with longer ones in place of 2, 4, 8, 16 or 32; it has the error of each of these levels.
+/// segment, or with longer ones in place of several; it has the error of each of these levels.
 ///
-/// Memory: 32 bytes a station, and about 4 for the blocks.
+/// Memory: 36 bytes a station, and about 6 for the blocks.
 class TubeLevels {
 public:
   using Vector = Types::Vector3_Base<double>;
   static constexpr std::size_t BlockSize = 32; ///< segments
-  static constexpr std::size_t Coarser = 5;    ///< levels with longer segments
+  static constexpr std::size_t Coarser = 9;    ///< levels with longer segments
+  /// The segments that one of each level takes the place of.
+  static constexpr std::array<std::uint32_t, Coarser + 1> Steps{1, 2, 3, 4, 6, 8, 12, 16, 24, 32};
   /// An error for each of them.
   using Errors = std::array<float, Coarser>;
 
@@ -53,10 +55,13 @@ public:
 
   /// Adds a line; its points are counted in all lines. Those that a tube leaves out (see `TubeMesh`) have no station.
   void Add(const std::vector<TubeMesh::Point>& p_line);
+  /// Adds all of these, on all cores; the number of threads does not change the result.
+  void Add(const std::vector<std::vector<TubeMesh::Point>>& p_lines);
 
   const std::vector<Station>& Stations() const { return _stations; }
   const std::vector<Block>& Blocks() const { return _blocks; }
   const std::vector<Cap>& Caps() const { return _caps; }
+  std::uint32_t LineCount() const { return _lines; }
   /// The point of each station.
   const std::vector<std::uint32_t>& Points() const { return _points; }
 
@@ -67,6 +72,7 @@ public:
   std::uint32_t Nearest(std::uint32_t p_station, const Vector& p_position) const;
 
 private:
+  void Append(const TubeLevels& p_lines);
   void AddBlock(std::uint32_t p_first, std::uint32_t p_segments);
 
   std::vector<Station> _stations;

@@ -14,7 +14,7 @@ namespace {
 
 using Vector = TubeLevels::Vector;
 
-constexpr double Error = 0.1;            // pixels
+constexpr double Error = 0.1;            // pixels: where many lines cross, a fifth shows
 constexpr double ValueError = 1.0 / 128; // of the span of the colours
 
 /// Dot(normal, p) + offset
@@ -79,8 +79,8 @@ struct TubeSelection::Rules {
   }
   std::uint8_t SectionFor(const TubeLevels::Block& p_block, double p_pixelsPerUnit) const {
     const double pixels = 2 * p_block.radius * p_pixelsPerUnit;
-    if (input.isFlat)
-      return SectionOf(TubeSection::Ribbon, pixels);
+    if (input.isOnScreen || input.isFlat)
+      return SectionOf(input.isOnScreen ? TubeSection::Screen : TubeSection::Ribbon, pixels);
     constexpr double MostFacing = TubeSections[2].mostPixels;
     const bool isThin = pixels <= TubeSections[0].mostPixels * coarseness;
     if (input.isOpen || pixels > MostFacing * coarseness || (!isThin && IsEndOn(p_block)))
@@ -93,7 +93,7 @@ struct TubeSelection::Rules {
     for (std::size_t level = TubeLevels::Coarser; level > 0; --level) {
       if (static_cast<double>(block.errors[level - 1]) > most)
         continue;
-      const double length = static_cast<double>(block.length) * static_cast<double>(1U << level) / block.segments;
+      const double length = static_cast<double>(block.length) * TubeLevels::Steps[level] / block.segments;
       if (!input.values || length * p_pixelsPerUnit <= coarseness)
         return static_cast<std::uint8_t>(level);
       const TubeLevels::ValueErrors& errors = (*input.values)[p_block];
@@ -115,8 +115,9 @@ struct TubeSelection::Rules {
 bool TubeSelection::Update(Input p_input) {
   const bool isSame = p_input.lines == _input.lines && p_input.values == _input.values && p_input.span == _input.span &&
                       p_input.isLogarithmic == _input.isLogarithmic && p_input.isFlat == _input.isFlat &&
-                      p_input.isOpen == _input.isOpen && p_input.mostVertices == _input.mostVertices &&
-                      p_input.sizing == _input.sizing && p_input.view == _input.view;
+                      p_input.isOnScreen == _input.isOnScreen && p_input.isOpen == _input.isOpen &&
+                      p_input.mostVertices == _input.mostVertices && p_input.sizing == _input.sizing &&
+                      p_input.view == _input.view;
   if (isSame)
     return false;
   const bool isOther = p_input.lines != _input.lines;
@@ -126,10 +127,15 @@ bool TubeSelection::Update(Input p_input) {
   const auto room = static_cast<double>(_input.mostVertices);
   Choose(1);
   if (_input.mostVertices != 0 && Cost() > room) {
-    constexpr double Coarseness = 4; // errors of four fifths of a pixel
-    Choose(Coarseness);
+    double coarseness = 8; // errors of four fifths of a pixel
+    Choose(coarseness);
+    constexpr std::uint32_t Few = 64; // lines: each of them is missed
+    constexpr double Coarsest = 1024;
+    while (_input.lines->LineCount() < Few && Cost() > room && coarseness < Coarsest)
+      Choose(coarseness *= 2);
     const double cost = Cost();
-    while (cost / static_cast<double>(_step) > room && _step < _choices.size())
+    while (_input.lines->LineCount() >= Few && cost / static_cast<double>(_step) > room &&
+           _step < _input.lines->LineCount())
       _step *= 2;
     for (std::size_t i = 0; i < _choices.size(); ++i)
       if (LineOf(i) % _step != 0)
@@ -158,7 +164,7 @@ void TubeSelection::Choose(double p_coarseness) {
     const double pixels = rules.PixelsAt(block.center, block.reach);
     _choices[i] = {rules.SectionFor(block, pixels), rules.LevelFor(i, pixels)};
   }
-  if (_input.isFlat)
+  if (_input.isFlat || _input.isOnScreen)
     return;
   for (std::size_t i = 0; i < caps.size(); ++i) {
     const auto& [position, radius, rotation] = _input.lines->Stations()[caps[i].station];
@@ -184,7 +190,7 @@ bool TubeSelection::Overlaps(std::size_t p_block, bool p_isBefore) const {
 }
 
 std::size_t TubeSelection::RingsOf(std::size_t p_block) const {
-  const std::size_t step = std::size_t{1} << _choices[p_block].level;
+  const std::size_t step = TubeLevels::Steps[_choices[p_block].level];
   return (_input.lines->Blocks()[p_block].segments + step - 1) / step + 1;
 }
 
@@ -233,7 +239,7 @@ TubeVertex VertexOf(std::size_t p_station, std::size_t p_code) {
 void TubeSelection::WriteBlock(std::size_t p_block, TubeVertex* p_vertices, std::uint32_t* p_indices) const {
   const TubeLevels::Block& block = _input.lines->Blocks()[p_block];
   const TubeSection& section = TubeSections[_choices[p_block].section];
-  const std::uint32_t around = section.Vertices(), step = 1U << _choices[p_block].level;
+  const std::uint32_t around = section.Vertices(), step = TubeLevels::Steps[_choices[p_block].level];
   TubeVertex* vertex = p_vertices + _firstVertex[p_block];
   std::uint32_t* index = p_indices + _firstIndex[p_block];
   const std::uint32_t before = Overlaps(p_block, true) ? 1 : 0, after = Overlaps(p_block, false) ? 1 : 0;

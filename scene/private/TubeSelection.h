@@ -19,6 +19,7 @@ struct TubeSection {
     Facing, ///< the half that faces the eye, round in its fragments
     Closed, ///< all around, with caps
     Ribbon, ///< flat
+    Screen, ///< of a width in pixels, facing the eye
   };
   Kind kind = Facing;
   unsigned int strips = 1;                                     ///< between two rings
@@ -29,14 +30,15 @@ struct TubeSection {
 
 /// The sections, those of a kind from the coarsest to the finest. Half tubes have a round outline at any number of
 /// strips, and depths that are wrong by a pixel at most. The outline of closed ones is wrong by a fifth of a pixel.
-constexpr std::array<TubeSection, 8> TubeSections{{{TubeSection::Facing, 1, 2.6},
+constexpr std::array<TubeSection, 9> TubeSections{{{TubeSection::Facing, 1, 2.6},
                                                    {TubeSection::Facing, 2, 7},
                                                    {TubeSection::Facing, 4, 26},
                                                    {TubeSection::Closed, 4, 1.4},
                                                    {TubeSection::Closed, 6, 3},
                                                    {TubeSection::Closed, 12, 12},
                                                    {TubeSection::Closed, 24},
-                                                   {TubeSection::Ribbon, 1}}};
+                                                   {TubeSection::Ribbon, 1},
+                                                   {TubeSection::Screen, 1}}};
 
 /// A vertex as shaders get it: the number of its station, lowest byte first, and a code.
 using TubeVertex = std::array<std::uint8_t, 4>;
@@ -56,6 +58,7 @@ public:
     double span = 1; ///< of values between the first and the last colour, or of their logarithms
     bool isLogarithmic = false;
     bool isFlat = false;          ///< ribbons
+    bool isOnScreen = false;      ///< of a width in pixels
     bool isOpen = false;          ///< whether insides are seen
     std::size_t mostVertices = 0; ///< about; 0 for any number
     Projection sizing;            ///< decides on levels
@@ -83,7 +86,7 @@ public:
 private:
   static constexpr std::uint8_t LeftOut = 255;
   struct Choice {
-    std::uint8_t section = LeftOut, level = 0; ///< a segment in place of 2^level
+    std::uint8_t section = LeftOut, level = 0; ///< see TubeLevels::Steps
 
     friend bool operator==(const Choice& p_a, const Choice& p_b) {
       return p_a.section == p_b.section && p_a.level == p_b.level;

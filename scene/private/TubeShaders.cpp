@@ -26,6 +26,8 @@ uniform samplerBuffer values;
 uniform float start; // the angle of the first vertex of a ring
 uniform float turn;  // the angle between two of them
 uniform float lift;  // of all towards the eye, in radii
+uniform vec3 half_size; // of the viewport in pixels
+uniform float pixels;   // half the width of lines on the screen
 
 vec3 Turned(vec4 q, vec3 v) { return v + 2.0 * cross(q.xyz, cross(q.xyz, v) + q.w * v); }
 
@@ -53,18 +55,26 @@ void main() {
     vec3 x = view * Turned(rotation, vec3(1.0, 0.0, 0.0));
     vec3 y = cross(z, x);
     offset = across * x + up * y;
-    normal = kind == 2 ? -y : (code & 32) == 0 ? offset : (code & 64) == 0 ? z : -z;
+    normal = kind >= 2 ? -y : (code & 32) == 0 ? offset : (code & 64) == 0 ? z : -z;
     if ((code & 128) != 0)
       offset = vec3(0.0);
   }
-  eye.xyz += place.w * scale * offset;
+  if (kind != 3)
+    eye.xyz += place.w * scale * offset;
   float fetched = painted != 0 ? texelFetch(values, station).r : 0.0;
   missing = fetched > 3.2e38 ? 1.0 : 0.0;
   value = missing > 0.0 ? 0.0 : fetched;
   number = min(station, 0xFFFFFF);
   position = eye.xyz;
   gl_ClipVertex = eye;
-  gl_Position = gl_ProjectionMatrix * eye;
+  vec4 clip = gl_ProjectionMatrix * eye;
+  if (kind == 3) { // across the direction on the screen
+    vec4 ahead = gl_ProjectionMatrix * vec4(z, 0.0);
+    vec2 way = (ahead.xy * clip.w - clip.xy * ahead.w) * half_size.xy;
+    way = dot(way, way) > 0.0 ? normalize(way) : vec2(1.0, 0.0);
+    clip.xy += (code == 0 ? 1.0 : -1.0) * pixels * vec2(-way.y, way.x) / half_size.xy * clip.w;
+  }
+  gl_Position = clip;
 }
 )";
 
@@ -122,7 +132,7 @@ std::string TubeShaders::FragmentText() const {
   default:
     break;
   }
-  const int lighting = kind == TubeSection::Facing ? ByOneNormal : ByNormals;
+  const int lighting = kind == TubeSection::Facing ? ByOneNormal : kind == TubeSection::Screen ? Unlit : ByNormals;
   const std::string coloring = WithConstant(WithConstant(ColorText, "painting", ByValue), "logarithmic", isLogarithmic);
   return Head(*this, "in") + NormalText + PeelText + coloring + WithConstant(LightText, "lighting", lighting) +
          ColorMain;
