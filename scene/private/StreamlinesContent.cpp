@@ -220,12 +220,12 @@ std::vector<float> StreamlinesContent::PointValues() const {
 }
 
 void StreamlinesContent::PlaceValues() {
-  const std::vector<float> values = PointValues();
-  _tubes.SetValues(values);
+  _values = PointValues();
+  _tubes.SetValues(_values);
   std::vector<float> ofHeads;
-  if (!values.empty())
+  if (!_values.empty())
     for (const std::size_t point : _headPoints)
-      ofHeads.push_back(values[point]);
+      ofHeads.push_back(_values[point]);
   _heads.UpdateValues(ofHeads);
 }
 
@@ -265,9 +265,8 @@ Picked StreamlinesContent::Identify(std::optional<std::uint32_t> /*p_number*/, c
       }
       ++next;
     }
-  const std::vector<float> values = PointValues();
-  if (nearest < values.size())
-    picked.value = coloring.ValueOf(values[nearest]);
+  if (nearest < _values.size())
+    picked.value = coloring.ValueOf(_values[nearest]);
   return picked;
 }
 

@@ -60,6 +60,7 @@ private:
   double _distance = 0;                 ///< of neighbouring lines in the scene
   double _fast = 0;                     ///< the speed of the widest lines
   std::vector<double> _speeds;          ///< one a point of all lines, one after the other
+  std::vector<float> _values;           ///< likewise; none in one colour
   std::vector<std::size_t> _headPoints; ///< the point that each head has its colour from
   LineTubes _tubes;
   InstancedMesh _heads;
