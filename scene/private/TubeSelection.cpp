@@ -181,7 +181,7 @@ void TubeSelection::Choose(double p_coarseness) {
 /// different sections do not meet everywhere.
 bool TubeSelection::Overlaps(std::size_t p_block, bool p_isBefore) const {
   const std::vector<TubeLevels::Block>& blocks = _input.lines->Blocks();
-  if (p_block == 0 ? p_isBefore : p_block + 1 == blocks.size() && !p_isBefore)
+  if (p_isBefore ? p_block == 0 : p_block + 1 == blocks.size())
     return false;
   const std::size_t other = p_isBefore ? p_block - 1 : p_block + 1;
   const TubeLevels::Block& before = blocks[std::min(p_block, other)];
