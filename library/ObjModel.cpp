@@ -2,6 +2,7 @@
 
 #include "library/private/io/ByteSource.h"
 #include "library/private/io/LineBlocks.h"
+#include "library/private/io/NumberText.h"
 #include "library/private/io/ObjReader.h"
 #include "platform/debug/Check.h"
 
@@ -44,8 +45,9 @@ Private::ObjReader::Result ReadLines(std::istream& p_stream, std::string_view p_
     ++where.line;
     vekdebug::warn("LoadPolygonObjFile: reading ends at a line longer than 64 MiB", where);
   } else if (rest != 0 && !source.Failed()) {
-    const std::string line = std::string(reinterpret_cast<const char*>(source.Data()), rest) + '\n';
-    reader.ReadBlock(line.data(), line.data() + line.size());
+    std::string line = std::string(reinterpret_cast<const char*>(source.Data()), rest) + '\n';
+    line.append(Private::Scan::DigitsSlack, '\0');
+    reader.ReadBlock(line.data(), line.data() + rest + 1);
   }
   return reader.Finish(p_threads);
 }

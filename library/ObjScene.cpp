@@ -2,6 +2,7 @@
 
 #include "library/private/io/ByteSource.h"
 #include "library/private/io/LineBlocks.h"
+#include "library/private/io/NumberText.h"
 #include "library/private/io/ObjSceneReader.h"
 #include "library/private/io/Printable.h"
 
@@ -118,8 +119,9 @@ ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name, const O
     if (IsLineEnd(text.back())) {
       reader.ReadBlock(text.data(), text.data() + size);
     } else {
-      const std::string last = std::string(text) + '\n'; // the last line has no end
-      reader.ReadBlock(last.data(), last.data() + last.size());
+      std::string last = std::string(text) + '\n'; // the last line has no end
+      last.append(Private::Scan::DigitsSlack, '\0');
+      reader.ReadBlock(last.data(), last.data() + text.size() + 1);
     }
     source.Take(size);
     progress(bytes == 0 ? 1 : std::min(1.0, double(source.Position()) / double(bytes)));

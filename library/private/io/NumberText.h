@@ -56,6 +56,21 @@ inline const char* ShortInt(const char* p_first, const char* p_last, int& p_valu
   return end;
 }
 
+/// How many characters behind a text SameDigits may read: they have no meaning, but must be readable.
+inline constexpr std::size_t DigitsSlack = 16;
+
+/// Whether the p_length digits at p_first, at most nine, stand at p_other as well, and no further one. Faster than a
+/// second conversion.
+inline bool SameDigits(const char* p_first, std::size_t p_length, const char* p_other) {
+  const auto load = [](const char* p_text) {
+    return boost::endian::load_little_u64(reinterpret_cast<const unsigned char*>(p_text));
+  };
+  const std::uint64_t differences = load(p_first) ^ load(p_other);
+  const std::uint64_t counted = p_length >= 8 ? ~std::uint64_t(0) : (std::uint64_t(1) << (8 * p_length)) - 1;
+  const char next = p_other[p_length];
+  return (differences & counted) == 0 && (p_length <= 8 || p_first[8] == p_other[8]) && (next < '0' || next > '9');
+}
+
 /// A decimal number without exponent whose digits, as an integer, are an exact double. Its value is the quotient of
 /// that integer and an exact power of ten, hence correctly rounded.
 inline const char* ShortDouble(const char* p_first, const char* p_last, double& p_value) {

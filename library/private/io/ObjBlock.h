@@ -56,16 +56,22 @@ inline const char* ScanIndex(const char* p_first, const char* p_last, std::uint3
 }
 
 inline const char* ScanCorner(const char* p_first, const char* p_last, Corner& p_corner) {
+  const char* const vertex = p_first;
   p_first = ScanIndex(p_first, p_last, p_corner.vertex);
   if (p_first == nullptr || *p_first != '/')
     return p_first;
+  const auto length = std::size_t(p_first - vertex);
   if (*++p_first != '/') {
     int textureNumber = 0;
     p_first = Scan::ShortInt(p_first, p_last, textureNumber);
     if (p_first == nullptr || *p_first != '/')
       return p_first;
   }
-  return ScanIndex(p_first + 1, p_last, p_corner.normal);
+  ++p_first;
+  if (!Scan::SameDigits(vertex, length, p_first))
+    return ScanIndex(p_first, p_last, p_corner.normal);
+  p_corner.normal = p_corner.vertex;
+  return p_first + length;
 }
 
 /// The three numbers behind a keyword and a blank.
@@ -113,7 +119,8 @@ public:
   Block();
 
   /// Scans lines of [p_first, p_last), behind a line feed: all that fit, those of BlockBytes in any case. Returns the
-  /// end of the last one. The lines must outlive the block's lists.
+  /// end of the last one. The lines must outlive the block's lists; Scan::DigitsSlack characters behind p_last are
+  /// readable.
   const char* Scan(const char* p_first, const char* p_last);
 
   std::vector<Run> runs;

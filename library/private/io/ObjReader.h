@@ -36,7 +36,7 @@ public:
   /// Reports show the path, whose characters must outlive the reader.
   explicit ObjReader(std::string_view p_path);
 
-  /// Reads the next lines: [p_first, p_last) ends in a line feed.
+  /// Reads the next lines: [p_first, p_last) ends in a line feed. Scan::DigitsSlack characters behind it are readable.
   void ReadBlock(const char* p_first, const char* p_last);
   /// Likewise, of a block that was scanned, whose characters end at `p_last`.
   void AddBlock(const ObjPlain::Block& p_block, const char* p_last);

@@ -79,8 +79,10 @@ const char* ObjSceneBlock::ScanStatement(const char* p_line, const char* p_last)
   if (IsLineEnd(*p_line))
     return nullptr;
   const bool alone = Scan::IsBlank(p_line[1]); // a keyword of one character
-  if (*p_line == 'f' && alone)
-    return ScanFace(p_line + 1, p_last);
+  if (*p_line == 'f' && alone) {
+    const char* const next = _statement.kind != Run::Faces ? ScanOwnFace(p_line + 1, p_last) : nullptr;
+    return next != nullptr ? next : ScanFace(p_line + 1, p_last);
+  }
   if (*p_line != 'v' || (!alone && !Scan::IsBlank(p_line[2])))
     return nullptr;
   _statement = {};
@@ -109,6 +111,45 @@ const char* ObjSceneBlock::ScanVector(const char* p_at, const char* p_last, int 
     p_end[i] = static_cast<float>(numbers[i]);
   p_end += Count;
   return next;
+}
+
+/// Triangles and quads of own corners as most files have them: one blank between corners, and nothing behind.
+const char* ObjSceneBlock::ScanOwnFace(const char* p_at, const char* p_last) {
+  std::size_t count = 0;
+  bool hasTexCoords = false;
+  bool hasNormals = false;
+  std::uint32_t largest = 0;
+  for (; *p_at == ' '; ++count) {
+    int number = 0;
+    const char* const digits = p_at + 1;
+    p_at = Scan::ShortInt(digits, p_last, number);
+    if (p_at == nullptr || number == 0 || count == 4)
+      return nullptr;
+    const auto length = std::size_t(p_at - digits);
+    const auto skipSame = [&](std::size_t p_slashes) {
+      const bool same = Scan::SameDigits(digits, length, p_at + p_slashes);
+      p_at += same ? p_slashes + length : 0;
+      return same;
+    };
+    const bool texCoord = *p_at == '/' && skipSame(1);
+    const bool normal = *p_at == '/' && (texCoord ? skipSame(1) : p_at[1] == '/' && skipSame(2));
+    if (count == 0) {
+      hasTexCoords = texCoord;
+      hasNormals = normal;
+    }
+    if (texCoord != hasTexCoords || normal != hasNormals || !Scan::IsBlank(*p_at))
+      return nullptr;
+    _ownIndex[count] = static_cast<std::uint32_t>(number) - 1u;
+    largest = std::max(largest, _ownIndex[count]);
+  }
+  if (count < 3 || !IsLineEnd(*p_at))
+    return nullptr;
+  _statement.kind = count == 3 ? Run::OwnTriangles : Run::OwnQuads;
+  _statement.hasTexCoords = hasTexCoords;
+  _statement.hasNormals = hasNormals;
+  _statement.largest = largest;
+  _ownIndex += count;
+  return BehindLineEnd(p_at);
 }
 
 const char* ObjSceneBlock::ScanFace(const char* p_at, const char* p_last) {

@@ -40,7 +40,8 @@ public:
   ObjSceneBlock();
 
   /// Scans statements of [p_first, p_last), behind the end of a line: those that begin in the first BlockBytes. Returns
-  /// the end of the last one. The character behind p_last may be read. The statements must outlive the block's lists.
+  /// the end of the last one. The statements must outlive the block's lists; Scan::DigitsSlack characters behind p_last
+  /// are readable.
   const char* Scan(const char* p_first, const char* p_last);
 
   const char* first = nullptr; ///< of all statements
@@ -56,6 +57,7 @@ public:
 
 private:
   const char* ScanStatement(const char* p_line, const char* p_last);
+  const char* ScanOwnFace(const char* p_at, const char* p_last);
   const char* ScanFace(const char* p_at, const char* p_last);
   void AddFace(const ObjCorner* p_first, std::size_t p_count);
   template <std::size_t Count>

@@ -36,8 +36,8 @@ public:
   /// The path must outlive the reader.
   explicit ObjSceneReader(const std::string& p_path);
 
-  /// Reads the next lines: [p_first, p_last) ends in LF or CR, and no statement goes on behind it. The character behind
-  /// it may be read.
+  /// Reads the next lines: [p_first, p_last) ends in LF or CR, and no statement goes on behind it.
+  /// Scan::DigitsSlack characters behind it are readable.
   void ReadBlock(const char* p_first, const char* p_last);
   /// Likewise, of a block that was scanned.
   void AddBlock(const ObjSceneBlock& p_block);
