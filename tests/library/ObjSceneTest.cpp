@@ -286,3 +286,67 @@ TEST(TriangulatePolygon, EndsOnDegeneratePolygons) {
     point = {double(random() % 1000), double(random() % 1000), 0};
   EXPECT_EQ(TriangulatePolygon(tangle.data(), tangle.size()).size(), 3 * (tangle.size() - 2));
 }
+
+TEST(ObjScene, CornersOfEqualNumbersMayBeMixedWithOthers) {
+  using Corner = std::array<int, 3>; // numbers of position, texture coordinates and normal; 0 for none
+  constexpr int Positions = 40, Used = 35, Corners = 90; // of triangles
+  const auto at = [](int p_number, int p_k) { return float((p_number * 7 + p_k * 5) % 11) / 8; };
+  const Corner own[] = {{1, 0, 0}, {1, 1, 0}, {1, 0, 1}, {1, 1, 1}}; // times the number
+  for (int row = 0; row < 4 * 4 * 2; ++row) {
+    const int foreign = row / 4 % 4 * 15; // after so many faces; 45: none
+    const int others = row < 16 ? Used : Positions + 5;
+    std::mt19937 random(static_cast<unsigned int>(row));
+    std::vector<std::vector<Corner>> faces;
+    for (int i = 0; i < 44; ++i) {
+      std::vector<Corner>& face = faces.emplace_back();
+      if (i == foreign)
+        face = {{1, 2, 3}, {2, 2, 3}, {3, 3, 2}};
+      while (face.size() < (i < 30 ? 3 : 4)) {
+        const int number = 1 + int(random() % Used);
+        face.push_back({number, number * own[row % 4][1], number * own[row % 4][2]});
+      }
+    }
+    std::string text, relative;
+    for (int i = 1; i <= std::max(Positions, others); ++i)
+      for (const auto& [keyword, count] : {std::pair("v", Positions), std::pair("vt", others), std::pair("vn", others)})
+        if (i <= count)
+          text += keyword + Rounded("", std::vector<float>{at(i, 0), at(i, 1), at(i, 2) + 1}) + '\n';
+    relative = text;
+    for (const std::vector<Corner>& face : faces) {
+      for (std::string* const target : {&text, &relative}) {
+        *target += 'f';
+        for (const auto& [position, texCoord, normal] : face) {
+          const int by = target == &relative ? Positions + 1 : 0;
+          *target += ' ' + std::to_string(position - by);
+          *target += (texCoord != 0 ? '/' + std::to_string(texCoord) : normal != 0 ? "/" : "");
+          *target += normal != 0 ? '/' + std::to_string(normal) : "";
+        }
+        *target += '\n';
+      }
+    }
+    const ObjScene scene = Read(text), oneByOne = Read(relative);
+    EXPECT_TRUE(scene.positions == oneByOne.positions && scene.normals == oneByOne.normals &&
+                scene.texCoords == oneByOne.texCoords && scene.indices == oneByOne.indices)
+        << row;
+    ASSERT_EQ(scene.indices.size(), std::size_t(Corners + 14 * 6));
+    for (std::size_t i = 0; i < Corners; ++i) {
+      const auto [position, texCoord, normal] = faces[i / 3][i % 3];
+      const std::size_t vertex = scene.indices[i];
+      const auto expect = [&](const std::vector<float>& p_array, int p_size, int p_number) {
+        for (int k = 0; k < p_size; ++k)
+          EXPECT_EQ(p_array[std::size_t(p_size) * vertex + std::size_t(k)],
+                    p_number == 0 ? 0 : at(p_number, k) + (k == 2 ? 1 : 0))
+              << row << ' ' << i;
+      };
+      expect(scene.positions, 3, position);
+      if (!scene.texCoords.empty())
+        expect(scene.texCoords, 2, texCoord);
+      if (normal != 0)
+        expect(scene.normals, 3, normal);
+    }
+    EXPECT_EQ(scene.texCoords.empty(), own[row % 4][1] == 0 && foreign >= 44) << row;
+    const std::size_t unused = 3 * (Positions - 1);
+    EXPECT_EQ(std::vector<float>(&scene.normals[unused], &scene.normals[unused] + 3), (std::vector<float>{0, 0, 1}));
+    EXPECT_LE(scene.positions.size() / 3, Positions + (foreign < 44 ? 3u : 0u)) << row;
+  }
+}

@@ -52,9 +52,12 @@ const char* ObjSceneBlock::Scan(const char* p_first, const char* p_last) {
   Run run;
   const char* line = p_first;
   while (line < end) {
-    const char* next = ScanStatement(line, p_last);
+    const char* next = ScanPlainVectors(line, end, p_last);
+    if (next == nullptr)
+      next = ScanStatement(line, p_last);
     if (next == nullptr) {
       _statement = {};
+      _statement.count = 1;
       next = BehindStatement(line, p_last);
     }
     if (_statement.kind != run.kind || _statement.hasTexCoords != run.hasTexCoords ||
@@ -62,14 +65,41 @@ const char* ObjSceneBlock::Scan(const char* p_first, const char* p_last) {
       if (run.count != 0)
         runs.push_back(run);
       run = _statement;
+      run.count = 0;
     }
     run.largest = std::max(run.largest, _statement.largest);
-    ++run.count;
+    run.count += _statement.count;
     run.bytes += std::size_t(next - line);
     line = next;
   }
   if (run.count != 0)
     runs.push_back(run);
+  return line;
+}
+
+/// Positions or normals in a row, the first of which begins at p_line, others in front of p_end: three numbers behind
+/// one blank each. Returns the start of the first other line; null where there is none.
+const char* ObjSceneBlock::ScanPlainVectors(const char* p_line, const char* p_end, const char* p_last) {
+  const bool isNormal = p_line[0] == 'v' && p_line[1] == 'n';
+  const std::size_t keyword = isNormal ? 2 : 1;
+  float*& floats = isNormal ? _normal : _position;
+  float* at = floats;
+  const char* line = p_line;
+  while (line < p_end && line[0] == 'v' && (!isNormal || line[1] == 'n')) {
+    double numbers[3];
+    const char* const end = ScanPlainVector(line + keyword, p_last, numbers);
+    if (end == nullptr)
+      break;
+    for (const double number : numbers)
+      *at++ = static_cast<float>(number);
+    line = BehindLineEnd(end);
+  }
+  if (line == p_line)
+    return nullptr;
+  _statement = {};
+  _statement.kind = isNormal ? Run::Normals : Run::Positions;
+  _statement.count = std::size_t(at - floats) / 3;
+  floats = at;
   return line;
 }
 
@@ -86,6 +116,7 @@ const char* ObjSceneBlock::ScanStatement(const char* p_line, const char* p_last)
   if (*p_line != 'v' || (!alone && !Scan::IsBlank(p_line[2])))
     return nullptr;
   _statement = {};
+  _statement.count = 1;
   if (alone) {
     _statement.kind = Run::Positions;
     return ScanVector<3>(p_line + 1, p_last, 5, _position);
@@ -145,6 +176,7 @@ const char* ObjSceneBlock::ScanOwnFace(const char* p_at, const char* p_last) {
   if (count < 3 || !IsLineEnd(*p_at))
     return nullptr;
   _statement.kind = count == 3 ? Run::OwnTriangles : Run::OwnQuads;
+  _statement.count = 1;
   _statement.hasTexCoords = hasTexCoords;
   _statement.hasNormals = hasNormals;
   _statement.largest = largest;
@@ -177,6 +209,7 @@ const char* ObjSceneBlock::ScanFace(const char* p_at, const char* p_last) {
 
 void ObjSceneBlock::AddFace(const ObjCorner* p_first, std::size_t p_count) {
   _statement = {};
+  _statement.count = 1;
   _statement.hasTexCoords = p_first[0].texCoord != 0;
   _statement.hasNormals = p_first[0].normal != 0;
   bool isOwn = p_count <= 4;
@@ -187,6 +220,7 @@ void ObjSceneBlock::AddFace(const ObjCorner* p_first, std::size_t p_count) {
   }
   if (!isOwn) {
     _statement = {};
+    _statement.count = 1;
     _statement.kind = Run::Faces;
     corners.insert(corners.end(), p_first, p_first + p_count);
     cornerEnds.push_back(corners.size());

@@ -56,6 +56,7 @@ public:
   const std::uint32_t* OwnIndices() const { return _ownIndices.get(); } ///< of own faces, zero-based
 
 private:
+  const char* ScanPlainVectors(const char* p_line, const char* p_end, const char* p_last);
   const char* ScanStatement(const char* p_line, const char* p_last);
   const char* ScanOwnFace(const char* p_at, const char* p_last);
   const char* ScanFace(const char* p_at, const char* p_last);
@@ -63,7 +64,7 @@ private:
   template <std::size_t Count>
   const char* ScanVector(const char* p_at, const char* p_last, int p_most, float*& p_end);
 
-  Run _statement; ///< the last one
+  Run _statement; ///< the last ones that were scanned
 
   std::unique_ptr<float[]> _positions;
   std::unique_ptr<float[]> _normals;
