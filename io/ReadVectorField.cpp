@@ -43,7 +43,7 @@ void CheckSelection(const FieldSelection& p_selection, const std::string& p_name
 
 VectorField ReadNetCdf(std::istream& p_stream, const std::string& p_name, const FieldSelection& p_selection,
                        const Progress& p_progress) {
-  const auto file = Private::OpenNetCdf(p_stream, p_name);
+  const auto file = Private::OpenNetCdf(p_stream, p_name, p_selection.region.has_value());
   const std::vector<std::string> names =
       p_selection.variables.empty() ? Private::FindComponents(*file) : p_selection.variables;
   Private::NetCdfGrid grid =
@@ -184,7 +184,7 @@ VectorField ReadVectorField(std::istream& p_stream, const std::string& p_name, c
 }
 
 VectorField ReadVectorField(const std::string& p_path, const FieldSelection& p_selection, const Progress& p_progress) {
-  std::ifstream file = Private::OpenFile(p_path);
+  Private::FileStream file = Private::OpenFile(p_path);
   return ReadVectorField(file, p_path, p_selection, p_progress);
 }
 

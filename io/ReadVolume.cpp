@@ -175,7 +175,7 @@ Volume ReadVolume(std::istream& p_stream, const std::string& p_name, const Volum
 
 Volume ReadVolume(const std::string& p_path, const VolumeOptions& p_options, Utility::Threads p_threads) {
   const std::string path = p_options.raw ? p_path : HeaderOf(p_path);
-  std::ifstream file = Private::OpenFile(path);
+  Private::FileStream file = Private::OpenFile(path);
   return ReadVolume(file, path, p_options, p_threads);
 }
 

@@ -80,8 +80,8 @@ SlicesPlot& SlicesPlot::Show(double p_low, double p_high) {
 }
 
 SlicesPlot& SlicesPlot::Block(const Types::BoundingBox_Base<double>& p_part,
-                              const Types::BoundingBox_Base<double>& p_whole) {
-  Slices(Content()).SetBlock(p_part, p_whole);
+                              const std::array<std::vector<double>, 3>& p_knots) {
+  Slices(Content()).SetBlock(p_part, p_knots);
   return *this;
 }
 

@@ -7,7 +7,9 @@
 
 #include "platform/types/Geometry.h"
 
+#include <array>
 #include <cstddef>
+#include <vector>
 
 namespace Vek::Chart::Scene {
 
@@ -65,10 +67,12 @@ public:
   /// std::invalid_argument for limits that are NaN or descend.
   SlicesPlot& Show(double p_low, double p_high);
   /// The volume is a block of a larger one, of which another figure may have the others: the plot draws the part of it
-  /// that lies in the box `p_part`, without edges of the volume and outlines of slices. Boxes
-  /// are in data units; voxels beyond the part, of which two around it suffice, make values continue from one block to
-  /// the next. Throws std::invalid_argument for an empty box.
-  SlicesPlot& Block(const Types::BoundingBox_Base<double>& p_part, const Types::BoundingBox_Base<double>& p_whole);
+  /// that lies in the box `p_part`, without edges of the volume and outlines of slices. `p_knots` are those of the
+  /// larger volume (see VoxelGrid::KnotsOf), so that the pixels of all blocks together are those of one plot; both are
+  /// in data units. Values at the faces need a voxel of the neighbours. Throws std::invalid_argument for an empty box
+  /// and for a volume that is no block of the larger one.
+  SlicesPlot& Block(const Types::BoundingBox_Base<double>& p_part,
+                    const std::array<std::vector<double>, 3>& p_knots);
   /// Colours by the values of the volume again, the default.
   SlicesPlot& ColorByValue();
   /// Replaces the values by as many others, NaN for missing ones. Uploads them alone.

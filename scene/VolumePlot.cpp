@@ -69,8 +69,8 @@ VolumePlot& VolumePlot::Filter(VoxelGrid::Filter p_filter) {
 }
 
 VolumePlot& VolumePlot::Block(const Types::BoundingBox_Base<double>& p_part,
-                              const Types::BoundingBox_Base<double>& p_whole) {
-  Volume(Content()).SetBlock(p_part, p_whole);
+                              const std::array<std::vector<double>, 3>& p_knots) {
+  Volume(Content()).SetBlock(p_part, p_knots);
   return *this;
 }
 

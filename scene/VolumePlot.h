@@ -8,6 +8,7 @@
 
 #include "platform/types/Geometry.h"
 
+#include <array>
 #include <vector>
 
 namespace Vek::Chart::Scene {
@@ -64,10 +65,12 @@ public:
   /// How values between the centres of voxels are found.
   VolumePlot& Filter(VoxelGrid::Filter p_filter);
   /// The volume is a block of a larger one, of which another figure may have the others: the plot draws the part of it
-  /// that lies in the box `p_part`, without edges of the volume, with opacities and samples for a diagonal of
-  /// `p_whole`. Boxes are in data units; voxels beyond the part, of which two around it suffice, make values continue
-  /// from one block to the next. Throws std::invalid_argument for an empty box.
-  VolumePlot& Block(const Types::BoundingBox_Base<double>& p_part, const Types::BoundingBox_Base<double>& p_whole);
+  /// that lies in the box `p_part`, without edges of the volume. `p_knots` are those of the larger volume (see
+  /// VoxelGrid::KnotsOf), from which opacities and samples follow: rays have the samples of one plot, each of them in
+  /// one block. Both are in data units. Values and gradients at the faces need two voxels of the neighbours. Throws
+  /// std::invalid_argument for an empty box and for a volume that is no block of the larger one.
+  VolumePlot& Block(const Types::BoundingBox_Base<double>& p_part,
+                    const std::array<std::vector<double>, 3>& p_knots);
   /// Colours by the values of the volume again, the default.
   VolumePlot& ColorByValue();
   /// Replaces the values by as many others, NaN for missing ones. Uploads them alone.

@@ -1,6 +1,7 @@
 #include "scene/VolumeRaycaster.h"
 
 #include "scene/private/DataTransform.h"
+#include "scene/private/DrawnPlaces.h"
 #include "scene/private/FlatState.h"
 #include "scene/private/FrameDepths.h"
 #include "scene/private/Matrix4.h"
@@ -218,35 +219,47 @@ struct Placed {
   Point size;   ///< from there to the coordinate 1; negative where voxels descend
   Point low;    ///< the coordinates that are drawn
   Point high;
+  Point wholeLow; ///< those that rays run through
+  Point wholeHigh;
   Matrix4 toClip; ///< from coordinates: those of the texture, or shares of the box where cells are uneven
   Matrix4 fromClip{};
   Covered covered;
+  double nearest = 1, farthest = -1; ///< of the rays, in normalised device coordinates
   bool visible = false;
 
-  Placed(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const Box& p_part) {
-    const Box& box = p_grid.Bounds();
-    const auto coordinate = [&](const Point& p_point) {
-      return p_grid.IsEven() ? p_grid.TexCoord(p_point) : p_grid.Share(p_point);
-    };
-    const Point first = coordinate(box.Min()), last = coordinate(box.Max());
-    const bool isPart = !p_part.Empty();
-    const Point from = isPart ? coordinate(p_part.Min()) : first, to = isPart ? coordinate(p_part.Max()) : last;
+  Placed(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const Settings& p_settings) {
+    const Private::DrawnPlaces drawn(p_grid);
+    const Box& box = drawn.places.Bounds();
+    const Box& part = p_settings.part.Empty() ? p_grid.Bounds() : p_settings.part;
+    const Box& whole = p_settings.whole.Empty() ? part : p_settings.whole;
+    const Point first = drawn.Coordinate(box.Min()), last = drawn.Coordinate(box.Max());
     for (std::size_t axis = 0; axis < 3; ++axis) {
       using Private::At;
       const double a = At(first, axis), b = At(last, axis), extent = At(box.Max(), axis) - At(box.Min(), axis);
       At(size, axis) = extent / (b - a);
       At(corner, axis) = a == 1 && b == 0 ? At(box.Max(), axis) : At(box.Min(), axis) - a * At(size, axis);
-      At(low, axis) = std::max(std::min(At(from, axis), At(to, axis)), std::min(a, b));
-      At(high, axis) = std::min(std::max(At(from, axis), At(to, axis)), std::max(a, b));
+      const auto range = [&](const Box& p_part, Point& p_low, Point& p_high) {
+        const double from = At(drawn.Coordinate(p_part.Min()), axis), to = At(drawn.Coordinate(p_part.Max()), axis);
+        At(p_low, axis) = std::max(std::min(from, to), std::min(a, b));
+        At(p_high, axis) = std::min(std::max(from, to), std::max(a, b));
+      };
+      range(part, low, high);
+      range(whole, wholeLow, wholeHigh);
     }
     Matrix4 view{}, projection{};
     p_gl->GetDoublev(RGL_MODELVIEW_MATRIX, view.data());
     p_gl->GetDoublev(RGL_PROJECTION_MATRIX, projection.data());
     const Matrix4 model = {size.x, 0, 0, 0, 0, size.y, 0, 0, 0, 0, size.z, 0, corner.x, corner.y, corner.z, 1};
     toClip = Private::Product(projection, Private::Product(view, model));
-    const Point extent = high - low;
-    const Matrix4 toCoordinate = {extent.x, 0, 0, 0, 0, extent.y, 0, 0, 0, 0, extent.z, 0, low.x, low.y, low.z, 1};
-    covered = CoveredBy(Private::Product(toClip, toCoordinate));
+    const auto coveredBy = [&](const Point& p_low, const Point& p_high) {
+      const Point extent = p_high - p_low;
+      return CoveredBy(Private::Product(toClip, {extent.x, 0, 0, 0, 0, extent.y, 0, 0, 0, 0, extent.z, 0, p_low.x,
+                                                 p_low.y, p_low.z, 1}));
+    };
+    covered = coveredBy(low, high);
+    const Covered rays = coveredBy(wholeLow, wholeHigh);
+    nearest = rays.nearest;
+    farthest = rays.farthest;
     visible = !covered.Empty() && Private::Invert(toClip, fromClip);
   }
 
@@ -258,32 +271,38 @@ struct Placed {
 };
 
 double StepOf(const Settings& p_settings, const VoxelGrid& p_grid) {
-  const Point voxel = p_grid.VoxelSize();
+  const Point voxel = Private::DrawnPlaces(p_grid).ShortestVoxel();
   const double step = std::min({voxel.x, voxel.y, voxel.z}) / p_settings.samplesPerVoxel;
   return std::max(step, p_settings.leastStep) / p_settings.quality;
 }
 
 /// Binds what rays read; false after a report.
 bool Bind(Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid, const Settings& p_settings) {
-  return (p_grid.IsEven() || p_grid.BindPlaces(p_gl, RGL_TEXTURE3)) &&
+  const Private::VoxelPlaces& places = Private::DrawnPlaces(p_grid).places;
+  return (places.AreEven() || places.BindTable(p_gl, RGL_TEXTURE3)) &&
          p_grid.Bind(p_gl, RGL_TEXTURE0, p_settings.filter);
 }
 
 void SetRays(const Uniforms& p_set, const VoxelGrid& p_grid, const Settings& p_settings, const Placed& p_placed) {
-  const Point voxel = p_grid.MeanVoxelSize(), &size = p_placed.size;
+  const Private::DrawnPlaces drawn(p_grid);
+  const Point voxel = drawn.MeanVoxel(), &size = p_placed.size;
   p_set.Set("volume", 0);
   p_set.Set("table", 1);
   p_set.Set("depths", 2);
-  if (!p_grid.IsEven())
+  if (!drawn.places.AreEven())
     p_set.Set("places", 3);
+  p_set.Set("texelScale", drawn.scale);
+  p_set.Set("texelShift", drawn.shift);
   p_set.Set("fromClip", p_placed.fromClip);
   p_set.Set("toClip", p_placed.toClip);
-  p_set.Set("nearest", p_placed.covered.nearest);
-  p_set.Set("farthest", p_placed.covered.farthest);
+  p_set.Set("nearest", p_placed.nearest);
+  p_set.Set("farthest", p_placed.farthest);
   p_set.Set("corner", p_placed.corner);
   p_set.Set("size", size);
   p_set.Set("low", p_placed.low);
   p_set.Set("high", p_placed.high);
+  p_set.Set("wholeLow", p_placed.wholeLow);
+  p_set.Set("wholeHigh", p_placed.wholeHigh);
   p_set.Set("voxel", Point(voxel.x / std::abs(size.x), voxel.y / std::abs(size.y), voxel.z / std::abs(size.z)));
   p_set.Set("spacing", StepOf(p_settings, p_grid));
   p_set.Set("jitter", p_settings.jitter ? 1 : 0);
@@ -321,11 +340,11 @@ double VolumeRaycaster::SamplingDistance(const Settings& p_settings) const {
 void VolumeRaycaster::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors,
                            const Settings& p_settings) const {
   Check(p_settings);
-  const Placed placed(p_gl, _grid, p_settings.part);
+  const Placed placed(p_gl, _grid, p_settings);
   if (!placed.visible)
     return;
   Programs& programs = _programs.Get(p_gl);
-  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, RayOutput::Color, _grid.IsEven());
+  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, RayOutput::Color, Private::DrawnPlaces(_grid).places.AreEven());
   const bool testsDepth = p_gl->IsEnabled(RGL_DEPTH_TEST) != 0;
   const auto state = FlatState(p_gl);
   const Table table = Baked(p_settings, p_colors, UnitLength(p_settings, _grid));
@@ -352,12 +371,12 @@ void VolumeRaycaster::Draw(Utility::Scoped<Rgl>& p_gl, const Settings& p_setting
   if (p_pass.plot >= PickPass::MostPlots)
     throw std::invalid_argument("VolumeRaycaster: expected a plot below " + std::to_string(PickPass::MostPlots) +
                                 ", got " + std::to_string(p_pass.plot));
-  const Placed placed(p_gl, _grid, p_settings.part);
+  const Placed placed(p_gl, _grid, p_settings);
   if (!placed.visible)
     return;
   Programs& programs = _programs.Get(p_gl);
   const RayOutput output = p_pass.kind == PickPass::Ids ? RayOutput::Id : RayOutput::Depth;
-  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, output, _grid.IsEven());
+  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, output, Private::DrawnPlaces(_grid).places.AreEven());
   const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT);
   for (unsigned int plane = 0; plane < MostClips; ++plane)
     p_gl->Disable(RGL_CLIP_PLANE0 + plane);

@@ -85,6 +85,9 @@ public:
     std::vector<Types::Plane> clips;
     /// The part of the box that is drawn; empty for all of it.
     Types::BoundingBox_Base<double> part;
+    /// A larger part, of which others draw the rest: samples lie where they do on rays through it, each in one part
+    /// alone. Empty for `part`.
+    Types::BoundingBox_Base<double> whole;
   };
 
   /// Draws that grid.

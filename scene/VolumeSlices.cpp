@@ -1,5 +1,7 @@
 #include "scene/VolumeSlices.h"
 
+#include "scene/private/DataTransform.h"
+#include "scene/private/DrawnPlaces.h"
 #include "scene/private/PeelShader.h"
 #include "scene/private/VertexStream.h"
 #include "scene/private/VoxelPlaces.h"
@@ -36,13 +38,19 @@ const char* const SampleText = R"(
 uniform sampler3D volume;
 uniform float least; // of the values that are shown
 uniform float most;
+uniform vec3 partLow; // the coordinates that are filled
+uniform vec3 partHigh;
+uniform vec3 texelScale; // to coordinates of the texture
+uniform vec3 texelShift;
 
 vec4 Texel() { // see VoxelGrid::Bind
+  vec3 at = gl_TexCoord[0].xyz;
+  if (any(lessThan(at, partLow)) || any(greaterThanEqual(at, partHigh)))
+    discard;
 #ifdef UNEVEN
-  return texture3D(volume, TexelAt(gl_TexCoord[0].xyz));
-#else
-  return texture3D(volume, gl_TexCoord[0].xyz);
+  at = TexelAt(at);
 #endif
+  return texture3D(volume, at * texelScale + texelShift);
 }
 
 float Value() {
@@ -100,7 +108,7 @@ using Pair = std::array<std::optional<Ogl::ShaderProgram>, 2>;
 /// The program, made if there is none yet.
 const Ogl::ShaderProgram& Made(Pair& p_programs, Utility::Scoped<Rgl>& p_gl, const VoxelGrid& p_grid,
                                const std::string& p_text) {
-  const bool isEven = p_grid.IsEven();
+  const bool isEven = Private::DrawnPlaces(p_grid).places.AreEven();
   std::optional<Ogl::ShaderProgram>& program = p_programs[isEven ? 0 : 1];
   if (!program)
     program.emplace(
@@ -123,13 +131,12 @@ std::vector<Stream::Vertex> Vertices(const std::vector<Slice>& p_slices) {
 
 /// Likewise, with the coordinates of a volume.
 std::vector<Stream::Vertex> Vertices(const std::vector<Slice>& p_slices, const VoxelGrid& p_grid) {
+  const Private::DrawnPlaces drawn(p_grid);
   std::vector<Stream::Vertex> vertices = Vertices(p_slices);
   auto vertex = vertices.begin();
   for (const Slice& slice : p_slices)
-    for (const Point& corner : slice) {
-      const Point place = p_grid.IsEven() ? p_grid.TexCoord(corner) : p_grid.Share(corner);
-      (vertex++)->texCoord = Stream::Vertex(place).position;
-    }
+    for (const Point& corner : slice)
+      (vertex++)->texCoord = Stream::Vertex(drawn.Coordinate(corner)).position;
   return vertices;
 }
 
@@ -174,8 +181,22 @@ public:
     _used = p_program.Use(p_gl);
     const auto limit = [](double p_limit) { return static_cast<float>(std::clamp(p_limit, -3.4e38, 3.4e38)); };
     p_program.SetUniform(p_gl, "volume", 0);
-    if (!p_slices._grid.IsEven())
+    const Private::DrawnPlaces drawn(p_slices._grid);
+    if (!drawn.places.AreEven())
       p_program.SetUniform(p_gl, "places", 2);
+    constexpr double Far = 1e30;
+    Point low(-Far, -Far, -Far), high(Far, Far, Far);
+    for (std::size_t axis = 0; axis < 3 && !p_slices.part.Empty(); ++axis) {
+      using Private::At;
+      const double a = At(drawn.Coordinate(p_slices.part.Min()), axis);
+      const double b = At(drawn.Coordinate(p_slices.part.Max()), axis);
+      At(low, axis) = std::min(a, b);
+      At(high, axis) = std::max(a, b);
+    }
+    p_program.SetUniform(p_gl, "partLow", low);
+    p_program.SetUniform(p_gl, "partHigh", high);
+    p_program.SetUniform(p_gl, "texelScale", drawn.scale);
+    p_program.SetUniform(p_gl, "texelShift", drawn.shift);
     p_program.SetUniform(p_gl, "least", limit(p_slices.shown.min));
     p_program.SetUniform(p_gl, "most", limit(p_slices.shown.max));
   }
@@ -184,7 +205,8 @@ public:
 private:
   static bool Bind(Utility::Scoped<Rgl>& p_gl, const VolumeSlices& p_slices) {
     const VoxelGrid& grid = p_slices._grid;
-    return (grid.IsEven() || grid.BindPlaces(p_gl, RGL_TEXTURE2)) && grid.Bind(p_gl, RGL_TEXTURE0, p_slices._filter);
+    const Private::VoxelPlaces& places = Private::DrawnPlaces(grid).places;
+    return (places.AreEven() || places.BindTable(p_gl, RGL_TEXTURE2)) && grid.Bind(p_gl, RGL_TEXTURE0, p_slices._filter);
   }
 
   boost::shared_ptr<void> _state;

@@ -54,6 +54,9 @@ public:
   /// Whether missing values have the colour that the scale has for them, unless it is transparent.
   bool fillsMissing = false;
 
+  /// The part of the box that is filled; empty for all of it. A pixel belongs to one of two parts with a common face.
+  Types::BoundingBox_Base<double> part;
+
   /// Cuts of that grid. With Filter::Nearest each voxel has one colour.
   explicit VolumeSlices(VoxelGrid p_grid, VoxelGrid::Filter p_filter = VoxelGrid::Filter::Linear);
 

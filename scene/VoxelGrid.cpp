@@ -3,6 +3,7 @@
 #include "scene/private/DataTransform.h"
 #include "scene/private/GridAxis.h"
 #include "scene/private/VolumeLayout.h"
+#include "scene/private/DrawnPlaces.h"
 #include "scene/private/VoxelPlaces.h"
 #include "scene/private/VoxelValues.h"
 
@@ -130,6 +131,8 @@ VoxelGrid VoxelGrid::MovedTo(const VoxelGrid& p_places) const {
                                 std::to_string(p_places.Count()) + ", or others along the axes");
   VoxelGrid other = *this;
   other._places = p_places._places;
+  other._whole = p_places._whole;
+  other._first = p_places._first;
   return other;
 }
 
@@ -142,6 +145,36 @@ VoxelGrid VoxelGrid::MovedTo(const std::array<std::vector<double>, 3>& p_knots) 
       throw std::invalid_argument("VoxelGrid: expected ascending or descending finite knots");
   }
   return Named(VoxelGrid(_voxels, {VoxelAxis(p_knots[0]), VoxelAxis(p_knots[1]), VoxelAxis(p_knots[2])}));
+}
+
+VoxelGrid VoxelGrid::BlockOf(const std::array<std::vector<double>, 3>& p_knots) const {
+  constexpr double Tolerance = 0.25; // of a cell
+  VoxelGrid block = *this;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    const std::vector<double>&whole = p_knots[axis], own = Knots(static_cast<int>(axis));
+    const std::size_t size = own.size() / 2;
+    std::size_t first = 0;
+    const auto distance = [&](std::size_t p_whole, std::size_t p_own) {
+      return std::abs(whole[2 * p_whole + 1] - own[2 * p_own + 1]);
+    };
+    for (std::size_t i = 1; 2 * (i + size) < whole.size(); ++i)
+      if (distance(i, 0) < distance(first, 0))
+        first = i;
+    const double cell = std::abs(own.back() - own.front()) / static_cast<double>(size);
+    if (2 * size >= whole.size() || !(distance(first, 0) <= Tolerance * cell) ||
+        !(distance(first + size - 1, size - 1) <= Tolerance * cell))
+      throw std::invalid_argument("VoxelGrid: expected a block of the larger grid along axis " + std::to_string(axis));
+    block._first[axis] = static_cast<int>(first);
+  }
+  const Axes axes{VoxelAxis(p_knots[0]), VoxelAxis(p_knots[1]), VoxelAxis(p_knots[2])};
+  block._whole = boost::make_shared<const VoxelPlaces>(axes);
+  return block;
+}
+
+std::array<std::vector<double>, 3> VoxelGrid::KnotsOf(const Array1& p_x, const Array1& p_y, const Array1& p_z,
+                                                      Positions p_positions) {
+  return {AxisOf("VoxelGrid: x", p_x, p_positions).Knots(), AxisOf("VoxelGrid: y", p_y, p_positions).Knots(),
+          AxisOf("VoxelGrid: z", p_z, p_positions).Knots()};
 }
 
 VoxelGrid VoxelGrid::Coarsened(int p_factor) const {
@@ -279,6 +312,17 @@ bool VoxelGrid::BindPlaces(Utility::Scoped<Rgl>& p_gl, unsigned int p_unit) cons
 void VoxelGrid::Release(const Utility::Scoped<Rgl>& p_gl) const {
   _voxels->Release(p_gl);
   _places->Release(p_gl);
+  if (_whole)
+    _whole->Release(p_gl);
+}
+
+Private::DrawnPlaces::DrawnPlaces(const VoxelGrid& p_grid)
+    : places(p_grid._whole ? *p_grid._whole : *p_grid._places) {
+  for (std::size_t axis = 0; axis < 3 && p_grid._whole; ++axis) {
+    const double size = p_grid.Size()[axis];
+    At(scale, axis) = places.Axis(axis).Size() / size;
+    At(shift, axis) = -p_grid._first[axis] / size;
+  }
 }
 
 } // namespace Vek::Chart::Scene

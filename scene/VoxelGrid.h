@@ -28,6 +28,7 @@ namespace Vek::Chart::Scene {
 namespace Private {
 class VoxelAxis;
 class VoxelPlaces;
+struct DrawnPlaces;
 class VoxelValues;
 } // namespace Private
 
@@ -109,6 +110,13 @@ public:
   /// Means of the present values of blocks of `p_factor`³ voxels, at the upper ends of less; missing where there are
   /// none.
   VoxelGrid Coarsened(int p_factor) const;
+  /// The same voxels as a block of a larger grid, all of whose knots are given. VolumeRaycaster and VolumeSlices then
+  /// take positions and samples where the larger grid has them, so that blocks continue each other; all else remains
+  /// that of the block. Throws std::invalid_argument for a grid of which these voxels are no block.
+  VoxelGrid BlockOf(const std::array<std::vector<double>, 3>& p_knots) const;
+  /// Bounds and centres of the cells of positions along x, y and z, as `Knots` returns them.
+  static std::array<std::vector<double>, 3> KnotsOf(const Array1& p_x, const Array1& p_y, const Array1& p_z,
+                                                    Positions p_positions = Positions::OfNodes);
   /// Bounds and centres of the cells along an axis, 0 to 2: bound, centre, bound, …, 2 n + 1 positions by the index.
   std::vector<double> Knots(int p_axis) const;
 
@@ -167,12 +175,15 @@ public:
   void Release(const Utility::Scoped<Rgl>& p_gl) const;
 
 private:
+  friend struct Private::DrawnPlaces;
   using Axes = std::array<Private::VoxelAxis, 3>;
   VoxelGrid(boost::shared_ptr<const Private::VoxelValues> p_voxels, const Axes& p_axes);
   VoxelGrid Named(VoxelGrid p_other) const;
 
   boost::shared_ptr<const Private::VoxelValues> _voxels;
   boost::shared_ptr<const Private::VoxelPlaces> _places;
+  boost::shared_ptr<const Private::VoxelPlaces> _whole; ///< of which this is a block; null for none
+  Sizes _first{};                                       ///< in it, the first voxel
   double _tilt = 0;
 };
 

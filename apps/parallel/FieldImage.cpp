@@ -72,7 +72,7 @@ double StepOf(const std::vector<double>& p_axis) {
 struct Arrows {
   std::vector<Point> positions;
   std::vector<Io::VectorField::Vector> vectors;
-  double nodes = 0, missing = 0; ///< that there are, and that have no vector
+  double missing = 0; ///< nodes that have no vector
   Processes::Range lengths;
   bool leavesPlane = false;
 };
@@ -88,7 +88,15 @@ Arrows ArrowsOf(const Io::VectorField& p_field, const Sizes& p_first, std::size_
     const std::size_t every = std::min(p_every, p_field.wholeAxes[p_axis].size());
     return (p_first[p_axis] + p_index) % every == every / 2;
   };
-  std::size_t node = 0;
+  std::size_t node = 0, most = 1;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    std::size_t drawn = 0;
+    for (std::size_t i = 0; i < p_field.axes[axis].size(); ++i)
+      drawn += isDrawn(axis, i) ? 1 : 0;
+    most *= drawn;
+  }
+  arrows.positions.reserve(most);
+  arrows.vectors.reserve(most);
   for (std::size_t k = 0; k < p_field.axes[2].size(); ++k)
     for (std::size_t j = 0; j < p_field.axes[1].size(); ++j)
       for (std::size_t i = 0; i < p_field.axes[0].size(); ++i, ++node) {
@@ -218,6 +226,7 @@ QImage DrawVolume(const Parallel::Compositor& p_compositor, const FieldOptions& 
   std::optional<Scene::VoxelGrid> grid;
   Processes::Range values;
   Box part, whole;
+  WholeAxes knots;
   all.Together([&] {
     volume = Io::ReadVolume(p_options.path, options);
     const WholeAxes axes = volume.wholeAxes;
@@ -228,6 +237,7 @@ QImage DrawVolume(const Parallel::Compositor& p_compositor, const FieldOptions& 
       last[axis] = cells[axis] = axes[axis].size() - 1;
     }
     whole = BoxBetween(axes, {0, 0, 0}, last);
+    knots = Scene::VoxelGrid::KnotsOf(axes[0], axes[1], axes[2]);
     const GridSplit::Block block = GridSplit(cells, all.Count()).At(all.Rank());
     if (block.Empty())
       return;
@@ -267,19 +277,21 @@ QImage DrawVolume(const Parallel::Compositor& p_compositor, const FieldOptions& 
   if (slices.empty())
     slices = {{0, middle.x}, {1, middle.y}, {2, middle.z}};
 
+  WholeAxes first; // the first cell
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    first[axis] = {volume.wholeAxes[axis][0], volume.wholeAxes[axis][1]};
   std::optional<Figure> figure;
   all.Together([&] {
     figure = description.MakeFigure();
     // Process 0 has the colour bar even if it has no voxel.
-    const Scene::VoxelGrid voxels =
-        grid ? *grid : Scene::VoxelGrid(std::vector<float>(8, NAN), Scene::VoxelGrid::Sizes{2, 2, 2}, whole);
+    const Scene::VoxelGrid voxels = grid ? *grid : Scene::VoxelGrid(std::vector<float>(8, NAN), first[0], first[1], first[2]);
     grid.reset();
-    const Box drawn = part.Empty() ? whole : part;
+    const Box drawn = part.Empty() ? BoxBetween(first, {0, 0, 0}, {1, 1, 1}) : part;
     if (p_options.kind == FieldOptions::Kind::Volume) {
-      description.Apply(figure->Volume(voxels).Block(drawn, whole));
+      description.Apply(figure->Volume(voxels).Block(drawn, knots));
       return;
     }
-    auto& plot = description.Apply(figure->Slices(voxels).Block(drawn, whole));
+    auto& plot = description.Apply(figure->Slices(voxels).Block(drawn, knots));
     for (const auto& [axis, position] : slices)
       plot.At(axis, position);
   });

@@ -48,10 +48,23 @@ int Draw(const Parallel::Processes& p_all, const QStringList& p_arguments) {
   }
 }
 
+/// Processes on one machine share its cores. Mesa's software rasteriser takes a thread for each core by default, which
+/// also keep what is still to be rasterised: hundreds of megabytes. 0 stands for none beside the process's own.
+void ShareCores() {
+  MPI_Comm machine = MPI_COMM_NULL;
+  MPI_Comm_split_type(MPI_COMM_WORLD, MPI_COMM_TYPE_SHARED, 0, MPI_INFO_NULL, &machine);
+  int count = 1;
+  MPI_Comm_size(machine, &count);
+  MPI_Comm_free(&machine);
+  if (count > 1 && !qEnvironmentVariableIsSet("LP_NUM_THREADS"))
+    qputenv("LP_NUM_THREADS", "0");
+}
+
 } // namespace
 
 int main(int p_count, char** p_arguments) {
   MPI_Init(&p_count, &p_arguments);
+  ShareCores();
   int code = 1;
   try {
     char name[] = "vek-parallel", option[] = "-platform", platform[] = "offscreen";

@@ -11,14 +11,14 @@
 
 namespace Vek::Chart::Io::Private {
 
-std::ifstream OpenFile(const std::string& p_path) {
+FileStream OpenFile(const std::string& p_path) {
   std::error_code ignored;
   if (std::filesystem::is_directory(p_path, ignored))
     throw FileError(p_path, "expected a file, got a folder");
   if (std::filesystem::is_character_file(p_path, ignored)) // may never end
     throw FileError(p_path, "expected a file, got a device");
   errno = 0;
-  std::ifstream file(p_path, std::ios::binary);
+  FileStream file(p_path);
   if (!file)
     throw FileError(p_path, std::string("cannot be opened: ") + std::strerror(errno));
   return file;

@@ -7,11 +7,24 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace Vek::Chart::Io::Private {
 
+/// A stream of a file, with its path for libraries that open it themselves.
+struct FileStream : std::ifstream {
+  explicit FileStream(const std::string& p_path)
+      : std::ifstream(p_path, std::ios::binary)
+      , path(p_path) {}
+  FileStream(FileStream&& p_other)
+      : std::ifstream(std::move(p_other))
+      , path(std::move(p_other.path)) {}
+
+  std::string path;
+};
+
 /// Opens a file as binary. Throws FileError for a folder, a device and a file that cannot be opened.
-std::ifstream OpenFile(const std::string& p_path);
+FileStream OpenFile(const std::string& p_path);
 /// All that is left of a stream. Throws FileError where reading fails.
 std::string ReadAll(std::istream& p_stream, const std::string& p_name);
 /// Goes back to the start of a stream of which the first bytes are read; a stream that cannot seek is read to the end.

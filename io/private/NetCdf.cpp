@@ -82,15 +82,17 @@ bool IsHdf5(std::string_view p_start) {
   return p_start.substr(0, 8) == "\x89HDF\r\n\x1A\n";
 }
 
-std::unique_ptr<NetCdfFile> OpenNetCdf(std::istream& p_stream, const std::string& p_name) {
+std::unique_ptr<NetCdfFile> OpenNetCdf(std::istream& p_stream, const std::string& p_name, bool p_inParts) {
   std::string start(8, '\0');
   const std::istream::pos_type at = p_stream.tellg();
   p_stream.read(start.data(), std::streamsize(start.size()));
   start.resize(std::size_t(p_stream.gcount()));
   p_stream.clear();
   p_stream.seekg(at);
+  const auto* const file =
+      p_inParts && at == std::istream::pos_type(0) ? dynamic_cast<FileStream*>(&p_stream) : nullptr;
   if (IsHdf5(start))
-    return OpenNetCdf4(p_stream, p_name);
+    return OpenNetCdf4(p_stream, p_name, file != nullptr ? file->path : std::string());
   return OpenClassicNetCdf(p_stream, p_name);
 }
 

@@ -94,9 +94,10 @@ protected:
 bool IsClassicNetCdf(std::string_view p_start);
 bool IsHdf5(std::string_view p_start);
 
-/// Opens a file of those formats. The stream must be one that seeks, and outlive the file. Throws FileError.
-std::unique_ptr<NetCdfFile> OpenNetCdf(std::istream& p_stream, const std::string& p_name);
+/// Opens a file of those formats. The stream must be one that seeks, and outlive the file. With `p_inParts`, NetCDF-4
+/// files that OpenFile has opened are not taken into memory as a whole. Throws FileError.
+std::unique_ptr<NetCdfFile> OpenNetCdf(std::istream& p_stream, const std::string& p_name, bool p_inParts = false);
 std::unique_ptr<NetCdfFile> OpenClassicNetCdf(std::istream& p_stream, const std::string& p_name);
-std::unique_ptr<NetCdfFile> OpenNetCdf4(std::istream& p_stream, const std::string& p_name);
+std::unique_ptr<NetCdfFile> OpenNetCdf4(std::istream& p_stream, const std::string& p_name, const std::string& p_path);
 
 } // namespace Vek::Chart::Io::Private

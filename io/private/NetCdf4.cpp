@@ -3,6 +3,7 @@
 #include "io/private/NetCdf.h"
 
 #include "io/FileError.h"
+#include "io/private/ByteSource.h"
 #include "io/private/Bytes.h"
 
 #if VEK_WITH_NETCDF
@@ -12,6 +13,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
+#include <functional>
 #include <mutex>
 
 namespace Vek::Chart::Io::Private {
@@ -24,36 +27,75 @@ std::mutex& Mutex() {
   return mutex;
 }
 
+/// The bytes of a file from a position on: as many as asked for or more, fewer only at its end.
+using Bytes = std::function<std::string_view(std::uint64_t p_at, std::size_t p_count)>;
+
+/// Those of a stream, of which a window is kept.
+Bytes BytesOf(std::istream& p_stream, const std::string& p_name) {
+  return [&p_stream, &p_name, window = std::string(), first = std::uint64_t(0)](std::uint64_t p_at,
+                                                                                std::size_t p_count) mutable {
+    constexpr std::size_t Size = std::size_t(1) << 20;
+    if (p_at < first || p_at - first > window.size() || window.size() - (p_at - first) < p_count) {
+      first = p_at;
+      window.resize(std::max(Size, p_count));
+      p_stream.clear();
+      p_stream.seekg(std::streamoff(p_at));
+      p_stream.read(window.data(), std::streamsize(window.size()));
+      if (p_stream.bad())
+        throw FileError(p_name, "reading failed");
+      window.resize(std::size_t(p_stream.gcount()));
+    }
+    return std::string_view(window).substr(std::size_t(p_at - first));
+  };
+}
+
 /// Whether the objects of a global heap fill it. Other metadata have checksums, which HDF5 compares; heaps have none,
 /// and libhdf5 1.10.8 reads out of bounds and loops for ever where one is damaged. The layout is that of the "HDF5 File
-/// Format Specification", III.E.
-bool IsSoundHeap(std::string_view p_heap) {
-  constexpr std::size_t HeaderSize = 16;
-  if (p_heap.size() < HeaderSize || p_heap[4] != 1)
+/// Format Specification", III.E. Bytes that look like a heap of another version, which compressed values may contain,
+/// are sound: libhdf5 refuses them as a heap.
+bool IsSoundHeap(const Bytes& p_bytes, std::uint64_t p_at, std::uint64_t p_fileSize) {
+  constexpr std::size_t HeaderSize = 16, VersionAt = 4, SizeAt = 8;
+  std::string_view header = p_bytes(p_at, HeaderSize);
+  if (header.size() < HeaderSize)
     return false;
-  const std::uint64_t size = LoadLittle<std::uint64_t>(p_heap.substr(8));
-  if (size < HeaderSize || size > p_heap.size())
+  if (header[VersionAt] != 1)
+    return true;
+  const auto size = LoadLittle<std::uint64_t>(header.substr(SizeAt));
+  if (size < HeaderSize || size > p_fileSize - p_at)
     return false;
-  std::string_view rest = p_heap.substr(HeaderSize, std::size_t(size) - HeaderSize);
-  while (rest.size() >= HeaderSize) {
-    const bool isFree = LoadLittle<std::uint16_t>(rest) == 0; // with a size that includes its header
-    std::uint64_t object = LoadLittle<std::uint64_t>(rest.substr(8));
-    if (object > rest.size() || (isFree && object < HeaderSize))
+  const std::uint64_t end = p_at + size;
+  for (std::uint64_t at = p_at + HeaderSize; end - at >= HeaderSize;) {
+    header = p_bytes(at, HeaderSize);
+    if (header.size() < HeaderSize)
+      return false;
+    const bool isFree = LoadLittle<std::uint16_t>(header) == 0; // with a size that includes its header
+    auto object = LoadLittle<std::uint64_t>(header.substr(SizeAt));
+    if (object > end - at || (isFree && object < HeaderSize))
       return false;
     if (!isFree)
       object = HeaderSize + (object + 7) / 8 * 8;
-    if (object > rest.size())
+    if (object > end - at)
       return false;
-    rest.remove_prefix(std::size_t(object));
+    at += object;
   }
   return true;
 }
 
-void CheckHeaps(std::string_view p_file, const std::string& p_name) {
+void CheckHeaps(const Bytes& p_bytes, std::uint64_t p_fileSize, const std::string& p_name) {
   constexpr std::string_view Mark = "GCOL";
-  for (std::size_t at = p_file.find(Mark); at != std::string_view::npos; at = p_file.find(Mark, at + Mark.size()))
-    if (!IsSoundHeap(p_file.substr(at)))
-      throw FileError(p_name, "byte " + std::to_string(at) + ": expected a heap of HDF5, got a damaged one");
+  for (std::uint64_t at = 0; at < p_fileSize;) {
+    const std::string_view bytes = p_bytes(at, Mark.size());
+    const std::size_t found = bytes.find(Mark);
+    if (bytes.size() < Mark.size())
+      return;
+    if (found == std::string_view::npos) {
+      at += bytes.size() - (Mark.size() - 1);
+      continue;
+    }
+    if (!IsSoundHeap(p_bytes, at + found, p_fileSize))
+      throw FileError(p_name, "byte " + std::to_string(at + found) + ": expected a heap of HDF5, got a damaged one");
+    at += found + Mark.size();
+  }
 }
 
 NetCdfType TypeOf(nc_type p_type) {
@@ -62,12 +104,20 @@ NetCdfType TypeOf(nc_type p_type) {
 
 class NetCdf4File : public NetCdfFile {
 public:
-  NetCdf4File(std::istream& p_stream, const std::string& p_name)
+  /// With a path, values are read from the file of that path when they are asked for; otherwise all bytes at once.
+  NetCdf4File(std::istream& p_stream, const std::string& p_name, const std::string& p_path)
       : NetCdfFile(p_name)
-      , _bytes(ReadAll(p_stream, p_name)) {
-    CheckHeaps(_bytes, p_name);
+      , _bytes(p_path.empty() ? ReadAll(p_stream, p_name) : std::string())
+      , _size(p_path.empty() ? _bytes.size() : SizeOf(p_stream)) {
+    const auto inMemory = [this](std::uint64_t p_at, std::size_t) {
+      return std::string_view(_bytes).substr(std::size_t(p_at));
+    };
+    CheckHeaps(p_path.empty() ? Bytes(inMemory) : BytesOf(p_stream, p_name), _size, p_name);
     const std::lock_guard<std::mutex> lock(Mutex());
-    Check(nc_open_mem(p_name.c_str(), NC_NOWRITE, _bytes.size(), _bytes.data(), &_file));
+    if (p_path.empty())
+      Check(nc_open_mem(p_name.c_str(), NC_NOWRITE, _bytes.size(), _bytes.data(), &_file));
+    else // absolute, so that it is no address of a server
+      Check(nc_open(std::filesystem::absolute(p_path).string().c_str(), NC_NOWRITE, &_file));
     try {
       ReadMetadata();
     } catch (...) { // the destructor does not run
@@ -132,7 +182,7 @@ private:
     Check(nc_inq_att(_file, p_variable, name, &type, &size));
     p_to.name = name;
     p_to.type = TypeOf(type);
-    if (size > _bytes.size())
+    if (size > _size)
       throw FileError(_name, "attribute \"" + p_to.name + "\": larger than the file");
     if (type == NC_CHAR) {
       p_to.text.resize(size);
@@ -153,7 +203,7 @@ private:
   /// is only one against sizes beyond reason.
   bool HasRoom(const NetCdfVariable&, std::size_t p_values) const override {
     constexpr std::size_t Free = std::size_t(1) << 17, Compression = 256;
-    return p_values <= Free || p_values / Compression <= _bytes.size();
+    return p_values <= Free || p_values / Compression <= _size;
   }
 
   void ReadBlock(std::size_t p_variable, const std::vector<std::size_t>& p_first,
@@ -182,14 +232,15 @@ private:
     }
   }
 
-  std::string _bytes;
+  std::string _bytes;  ///< of the file, unless it is read in parts
+  std::uint64_t _size; ///< of the file in bytes
   int _file = 0;
 };
 
 } // namespace
 
-std::unique_ptr<NetCdfFile> OpenNetCdf4(std::istream& p_stream, const std::string& p_name) {
-  return std::make_unique<NetCdf4File>(p_stream, p_name);
+std::unique_ptr<NetCdfFile> OpenNetCdf4(std::istream& p_stream, const std::string& p_name, const std::string& p_path) {
+  return std::make_unique<NetCdf4File>(p_stream, p_name, p_path);
 }
 
 } // namespace Vek::Chart::Io::Private
@@ -198,7 +249,7 @@ std::unique_ptr<NetCdfFile> OpenNetCdf4(std::istream& p_stream, const std::strin
 
 namespace Vek::Chart::Io::Private {
 
-std::unique_ptr<NetCdfFile> OpenNetCdf4(std::istream&, const std::string& p_name) {
+std::unique_ptr<NetCdfFile> OpenNetCdf4(std::istream&, const std::string& p_name, const std::string&) {
   FailWithout("NetCDF-4", p_name);
 }
 

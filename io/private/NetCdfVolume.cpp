@@ -43,7 +43,7 @@ void Place(const NetCdfGrid& p_grid, std::size_t p_axis, Volume& p_volume) {
 } // namespace
 
 Volume ReadNetCdfVolume(std::istream& p_stream, const std::string& p_name, const VolumeOptions& p_options) {
-  const auto file = OpenNetCdf(p_stream, p_name);
+  const auto file = OpenNetCdf(p_stream, p_name, p_options.region.has_value());
   const std::string name = p_options.variable.empty() ? FindVariable(*file) : p_options.variable;
   NetCdfGrid grid = ReadGrid(*file, {name}, p_options.step, AllLevels, p_options.progress, p_options.region);
   const NetCdfVariable& variable = *file->Find(name);

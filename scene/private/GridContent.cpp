@@ -116,11 +116,19 @@ void GridContent::TakeColorValues() {
   ColorByValue();
 }
 
-void GridContent::SetBlock(const Box& p_part, const Box& p_whole) {
-  if (p_part.Empty() || p_whole.Empty())
-    throw std::invalid_argument("Block: expected boxes of a part and of the whole volume, got an empty one");
+void GridContent::SetBlock(const Box& p_part, const std::array<std::vector<double>, 3>& p_knots) {
+  if (p_part.Empty())
+    throw std::invalid_argument("Block: expected the box of a part, got an empty one");
+  for (const std::vector<double>& knots : p_knots)
+    if (knots.size() < 3)
+      throw std::invalid_argument("Block: expected three knots and more along an axis, got " +
+                                  std::to_string(knots.size()));
+  _grid.BlockOf(p_knots); // checks
   _block = p_part;
-  _whole = p_whole;
+  _wholeKnots = p_knots;
+  _whole = {};
+  _whole += Point(p_knots[0].front(), p_knots[1].front(), p_knots[2].front());
+  _whole += Point(p_knots[0].back(), p_knots[1].back(), p_knots[2].back());
   DataChanged();
 }
 
@@ -135,11 +143,17 @@ void GridContent::SetFilter(VoxelGrid::Filter p_filter) {
 
 Box GridContent::BoundsOf(const AxisRules& p_rules) const {
   Point low = _grid.Bounds().Min(), high = _grid.Bounds().Max();
+  for (std::size_t axis = 0; axis < 3 && IsBlock(); ++axis) {
+    At(low, axis) = std::max(At(low, axis), At(_block.Min(), axis));
+    At(high, axis) = std::min(At(high, axis), At(_block.Max(), axis));
+  }
+  const bool isEmpty = !(low.x < high.x && low.y < high.y && low.z < high.z);
+  return isEmpty ? Box() : Shown(Box(low, high), p_rules);
+}
+
+Box GridContent::Shown(const Box& p_box, const AxisRules& p_rules) const {
+  Point low = p_box.Min(), high = p_box.Max();
   for (std::size_t axis = 0; axis < 3; ++axis) {
-    if (IsBlock()) {
-      At(low, axis) = std::max(At(low, axis), At(_block.Min(), axis));
-      At(high, axis) = std::min(At(high, axis), At(_block.Max(), axis));
-    }
     if (const auto& limits = p_rules.limits[axis]) {
       At(low, axis) = std::max(At(low, axis), limits->min);
       At(high, axis) = std::min(At(high, axis), limits->max);
@@ -147,13 +161,11 @@ Box GridContent::BoundsOf(const AxisRules& p_rules) const {
     if (!p_rules.logarithmic[axis] || At(low, axis) > 0)
       continue;
     double least = HUGE_VAL; // no position between the smallest one above 0 and 0 is shown
-    for (const double knot : _grid.Knots(static_cast<int>(axis)))
+    for (const double knot : IsBlock() ? _wholeKnots[axis] : _grid.Knots(static_cast<int>(axis)))
       least = knot > 0 ? std::min(least, knot) : least;
-    At(low, axis) = least;
+    At(low, axis) = std::max(At(low, axis), least);
   }
-  const Box box(low, high);
-  const Point extent = box.Extent();
-  return extent.x > 0 && extent.y > 0 && extent.z > 0 ? box : Box();
+  return low.x < high.x && low.y < high.y && low.z < high.z ? Box(low, high) : Box();
 }
 
 void GridContent::PlaceGrid(const Changes& p_changes) {
@@ -165,7 +177,14 @@ void GridContent::PlaceGrid(const Changes& p_changes) {
     return SceneKnots(_drawn->Knots(static_cast<int>(p_axis)), _placement.transform, p_axis);
   };
   _placed = p_changes.isBent ? _drawn->MovedTo({knots(0), knots(1), knots(2)}) : _drawn->MovedTo(_placed);
+  if (IsBlock() && p_changes.isBent && _factor == 1) {
+    std::array<std::vector<double>, 3> whole;
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      whole[axis] = SceneKnots(_wholeKnots[axis], _placement.transform, axis);
+    _placed = _placed.BlockOf(whole);
+  }
   _region = _placement.transform(BoundsOf(_placement.rules));
+  _wholeRegion = IsBlock() ? _placement.transform(Shown(_whole, _placement.rules)) : _region;
 }
 
 ValueScale GridContent::Scale() const {

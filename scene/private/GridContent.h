@@ -4,6 +4,7 @@
 #include "scene/VoxelGrid.h"
 #include "scene/private/PlacedContent.h"
 
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -21,9 +22,9 @@ public:
   /// Throws std::invalid_argument for another number of values.
   void UpdateValues(const Array1& p_values);
   void SetFilter(VoxelGrid::Filter p_filter);
-  /// The part that is drawn, and the box of the volume that the grid is a block of, in data units. Throws
-  /// std::invalid_argument for an empty box.
-  void SetBlock(const Box& p_part, const Box& p_whole);
+  /// The part that is drawn, and the knots of the volume that the grid is a block of, in data units. Throws
+  /// std::invalid_argument for an empty box and for a grid that is no such block.
+  void SetBlock(const Box& p_part, const std::array<std::vector<double>, 3>& p_knots);
   /// As they are: they become those of a grid.
   void SetColorValues(const std::vector<double>& p_values) override { coloring.SetValues(p_values); }
   std::size_t Count() const override { return _grid.Count(); }
@@ -33,6 +34,8 @@ public:
 protected:
   Noun Names() const override { return {"voxel", "voxels"}; }
   Box BoundsOf(const AxisRules& p_rules) const override;
+  /// A box without what the axes do not show; empty if that is all of it.
+  Box Shown(const Box& p_box, const AxisRules& p_rules) const;
   /// Places the grid by `placement`.
   void PlaceGrid(const Changes& p_changes);
   /// Takes values that `ColorBy` gave.
@@ -53,6 +56,7 @@ protected:
   VoxelGrid _grid;   ///< in data units
   VoxelGrid _placed; ///< in the scene, of larger voxels where there are too many
   Box _region;       ///< of the placed grid, in the scene; empty if the axes show nothing of it
+  Box _wholeRegion;  ///< likewise, of the volume that the grid is a block of; otherwise the same
   VoxelGrid::Filter _filter = VoxelGrid::Filter::Linear;
 
 private:
@@ -60,6 +64,7 @@ private:
 
   bool _isTexture;
   Box _block, _whole;              ///< see SetBlock; empty otherwise
+  std::array<std::vector<double>, 3> _wholeKnots;
   ValueSummary _all, _positive;    ///< of the values
   std::optional<VoxelGrid> _drawn; ///< in data units, of larger voxels where there are too many; none after a change
   int _factor = 1;                 ///< voxels along the edge of a larger one

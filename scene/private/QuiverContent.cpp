@@ -104,6 +104,7 @@ void QuiverContent::UpdateVectors(const Array3& p_vectors) {
 
 void QuiverContent::ColorByLength() {
   std::vector<double> lengths; // missing vectors are not drawn, so they are no missing values of the colour bar
+  lengths.reserve(_vectors.size());
   for (const Point& vector : _vectors)
     if (IsFinite(vector))
       lengths.push_back(Length(vector));
@@ -210,6 +211,7 @@ void QuiverContent::Choose(std::size_t p_room) {
   Box box;
   _scene = PlacedPoints(box);
   std::vector<std::uint32_t> candidates;
+  candidates.reserve(_scene.size());
   for (std::size_t i = 0; i < _scene.size(); ++i) {
     if (IsFinite(_scene[i]))
       candidates.push_back(static_cast<std::uint32_t>(i));
@@ -221,6 +223,7 @@ void QuiverContent::Choose(std::size_t p_room) {
 
   _zero.clear();
   std::vector<double> lengths;
+  lengths.reserve(_drawn.size());
   for (const std::uint32_t index : _drawn) {
     const double length = Length(_vectors[index]);
     if (length > 0)
@@ -241,6 +244,7 @@ void QuiverContent::Choose(std::size_t p_room) {
 
 void QuiverContent::PlaceVectors() {
   std::vector<Point> directions;
+  directions.reserve(_drawn.size());
   for (const std::uint32_t index : _drawn)
     directions.push_back(Normalize(_placement.transform.Direction(_positions[index], _vectors[index])));
   _arrows.UpdateDirections(directions);

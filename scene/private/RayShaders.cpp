@@ -31,6 +31,10 @@ uniform vec3 corner;        // the point at the position 0
 uniform vec3 size;          // from there to the position 1
 uniform vec3 low;           // the positions that are drawn
 uniform vec3 high;
+uniform vec3 wholeLow;      // those that rays run through, of which others draw the rest
+uniform vec3 wholeHigh;
+uniform vec3 texelScale;    // from positions, or what a table makes of them, to coordinates of the texture
+uniform vec3 texelShift;
 uniform vec3 voxel;         // the mean size of the voxels
 uniform float spacing;      // of samples, in units of the scene
 uniform int jitter;
@@ -44,9 +48,10 @@ uniform vec4 id;
 varying vec2 pixel;
 
 struct Ray {
-  vec3 start;  // the first sample
+  vec3 start;  // the sample 0
   vec3 step;
-  float count; // of samples
+  float first; // the first sample of the part that is drawn
+  float end;   // the first one behind it
   float width; // of a step, in units of the scene
 };
 
@@ -55,7 +60,17 @@ vec3 Unproject(float z) {
   return position.xyz / position.w;
 }
 
-// The part of the pixel's ray that is in the box, before opaque things, and within the clipping planes.
+// Where a ray is in a box.
+vec2 Within(vec3 lowest, vec3 highest, vec3 origin, vec3 along) {
+  vec3 a = (lowest - origin) / along;
+  vec3 b = (highest - origin) / along;
+  vec3 first = min(a, b);
+  vec3 last = max(a, b);
+  return vec2(max(first.x, max(first.y, first.z)), min(last.x, min(last.y, last.z)));
+}
+
+// The part of the pixel's ray that is in the box, before opaque things, and within the clipping planes. Parts of a box
+// compute the same samples, and share them out: a sample on a face belongs to the part behind.
 Ray CastRay() {
   vec3 origin = Unproject(nearest);
   vec3 reach = Unproject(farthest) - origin;
@@ -68,12 +83,9 @@ Ray CastRay() {
       leave = dot(Unproject(z) - origin, reach) / dot(reach, reach);
   }
   vec3 along = mix(reach, vec3(1e-20), vec3(lessThan(abs(reach), vec3(1e-20))));
-  vec3 a = (low - origin) / along;
-  vec3 b = (high - origin) / along;
-  vec3 first = min(a, b);
-  vec3 last = max(a, b);
-  enter = max(enter, max(first.x, max(first.y, first.z)));
-  leave = min(leave, min(last.x, min(last.y, last.z)));
+  vec2 whole = Within(wholeLow, wholeHigh, origin, along);
+  enter = max(enter, whole.x);
+  leave = min(leave, whole.y);
   for (int i = 0; i < 6; ++i)
     if (i < clipCount) {
       float side = dot(clips[i].xyz, origin) + clips[i].w;
@@ -89,21 +101,26 @@ Ray CastRay() {
     discard;
   Ray ray;
   float length = length(reach * size) * (leave - enter);
-  ray.count = clamp(ceil(length / spacing), 1.0, 8192.0);
-  ray.width = length / ray.count;
-  ray.step = reach * ((leave - enter) / ray.count);
+  float count = clamp(ceil(length / spacing), 1.0, 8192.0);
+  ray.width = length / count;
+  ray.step = reach * ((leave - enter) / count);
   // Interleaved gradient noise (Jimenez, "Next Generation Post Processing in Call of Duty: Advanced Warfare", 2014).
   float offset = jitter == 0 ? 0.5 : fract(52.9829189 * fract(dot(gl_FragCoord.xy, vec2(0.06711056, 0.00583715))));
   ray.start = origin + reach * enter + ray.step * offset;
+  vec2 part = (Within(low, high, origin, along) - enter) * (count / (leave - enter));
+  ray.first = max(ceil(part.x - offset), 0.0);
+  ray.end = min(ceil(part.y - offset), count);
+  if (!(ray.first < ray.end))
+    discard;
   return ray;
 }
 
 // The value in x, and in y whether it is present.
 vec2 ValueAt(vec3 position) {
 #ifdef UNEVEN
-  vec4 texel = texture3D(volume, TexelAt(position));
+  vec4 texel = texture3D(volume, TexelAt(position) * texelScale + texelShift);
 #else
-  vec4 texel = texture3D(volume, position);
+  vec4 texel = texture3D(volume, position * texelScale + texelShift);
 #endif
   return vec2(texel.r / max(texel.a, 1e-6), texel.a - 0.5);
 }
@@ -149,7 +166,7 @@ const char* const CompositeText = R"(
 vec4 Show(Ray ray, out vec3 seen) {
   vec4 sum = vec4(0.0);
   seen = ray.start;
-  for (float i = 0.0; i < ray.count; i += 1.0) {
+  for (float i = ray.first; i < ray.end; i += 1.0) {
     vec3 position = ray.start + i * ray.step;
     vec2 value = ValueAt(position);
     if (value.y < 0.0)
@@ -167,7 +184,7 @@ vec4 Show(Ray ray, out vec3 seen) {
   }
 #ifdef PICKING
   float opacity = 0.0;
-  for (float i = 0.0; i < ray.count && opacity < 0.5 * sum.a; i += 1.0) {
+  for (float i = ray.first; i < ray.end && opacity < 0.5 * sum.a; i += 1.0) {
     seen = ray.start + i * ray.step;
     vec2 value = ValueAt(seen);
     if (value.y >= 0.0)
@@ -182,7 +199,7 @@ const char* const MaximumText = R"(
 vec4 Show(Ray ray, out vec3 seen) {
   float largest = 0.0;
   float where = -1.0;
-  for (float i = 0.0; i < ray.count; i += 1.0) {
+  for (float i = ray.first; i < ray.end; i += 1.0) {
     vec2 value = ValueAt(ray.start + i * ray.step);
     if (value.y >= 0.0 && (where < 0.0 || value.x > largest)) {
       largest = value.x;
@@ -199,14 +216,14 @@ const char* const AverageText = R"(
 vec4 Show(Ray ray, out vec3 seen) {
   float sum = 0.0;
   float present = 0.0;
-  for (float i = 0.0; i < ray.count; i += 1.0) {
+  for (float i = ray.first; i < ray.end; i += 1.0) {
     vec2 value = ValueAt(ray.start + i * ray.step);
     if (value.y >= 0.0) {
       sum += value.x;
       present += 1.0;
     }
   }
-  seen = ray.start + 0.5 * ray.count * ray.step;
+  seen = ray.start + 0.5 * (ray.first + ray.end) * ray.step;
   vec4 color = present == 0.0 ? vec4(0.0) : ColorOf(sum / present);
   return vec4(color.rgb * color.a, color.a);
 }
@@ -217,7 +234,7 @@ const char* const IsosurfaceText = R"(
 vec4 Show(Ray ray, out vec3 seen) {
   vec2 last = vec2(0.0, -1.0);
   float high = -1.0;
-  for (float i = 0.0; i < ray.count; i += 1.0) {
+  for (float i = ray.first; i < ray.end; i += 1.0) {
     vec2 value = ValueAt(ray.start + i * ray.step);
     if (value.y >= 0.0 && last.y >= 0.0 && (last.x < isovalue) != (value.x < isovalue)) {
       high = i;

@@ -36,6 +36,19 @@ Slice PolygonOf(const Box& p_box, const Types::Plane& p_plane) {
   return corners;
 }
 
+/// A part without bounds where those of the whole are: there, pixels may lie beyond by rounding.
+Box OpenAt(const Box& p_part, const Box& p_whole) {
+  Point low = p_part.Min(), high = p_part.Max();
+  for (std::size_t axis = 0; axis < 3 && !p_part.Empty(); ++axis) {
+    const double extent = At(p_whole.Max(), axis) - At(p_whole.Min(), axis);
+    if (At(low, axis) <= At(p_whole.Min(), axis))
+      At(low, axis) -= extent;
+    if (At(high, axis) >= At(p_whole.Max(), axis))
+      At(high, axis) += extent;
+  }
+  return p_part.Empty() ? Box() : Box(low, high);
+}
+
 } // namespace
 
 SlicesContent::SlicesContent(VoxelGrid p_grid)
@@ -87,11 +100,12 @@ Box SlicesContent::PlaceChanged(const Changes& p_changes) {
   if (p_changes.isMoved)
     PlaceGrid(p_changes);
   _part.SetGrid(_placed, _filter);
+  _part.part = IsBlock() ? OpenAt(_region, _wholeRegion) : Box();
   _shown.clear();
   _outlines.clear();
   for (const PlaneSlice& slice : _slices) {
     if (slice.plane) {
-      const Slice polygon = PolygonOf(_region, SceneCut(*slice.plane, _placement.transform));
+      const Slice polygon = PolygonOf(_wholeRegion, SceneCut(*slice.plane, _placement.transform));
       if (polygon.size() < 3)
         continue;
       _shown.push_back(slice);
@@ -101,10 +115,10 @@ Box SlicesContent::PlaceChanged(const Changes& p_changes) {
     Point point(1, 1, 1);
     At(point, slice.axis) = slice.position;
     const double position = At(_placement.transform(point), slice.axis);
-    if (!(At(_region.Min(), slice.axis) <= position && position <= At(_region.Max(), slice.axis)))
+    if (!(At(_wholeRegion.Min(), slice.axis) <= position && position <= At(_wholeRegion.Max(), slice.axis)))
       continue;
     _shown.push_back({slice.axis, position});
-    _outlines.push_back(RectangleOf(_region, _shown.back()));
+    _outlines.push_back(RectangleOf(_wholeRegion, _shown.back()));
   }
   std::vector<Point> ends;
   for (const Slice& outline : IsBlock() ? std::vector<Slice>() : _outlines)

@@ -76,6 +76,7 @@ VolumeRaycaster::Settings VolumeContent::Settings() const {
   settings.leastStep = diagonal / MostSamples;
   settings.filter = _filter;
   settings.part = _region;
+  settings.whole = _wholeRegion;
   return settings;
 }
 

@@ -120,7 +120,16 @@ TEST(ReadVectorField, ReadsARegion) {
     options.variable = "u";
     options.region = Io::GridRegion{{0, 2, 0}, {2, 1, 2}};
     std::istringstream stream(bytes);
-    EXPECT_EQ(ReadVolume(stream, "f", options).Floats(), (std::vector<float>{20, 21, 120, 121})) << kind;
+    const std::vector<float> values{20, 21, 120, 121};
+    EXPECT_EQ(ReadVolume(stream, "f", options).Floats(), values) << kind;
+    // A file of half a gigabyte takes little memory.
+    const TempFolder folder;
+    const std::string path = folder.Write("f.nc", bytes);
+    fs::resize_file(path, 1 << 29);
+    const PeakMemory memory;
+    EXPECT_EQ(ReadVolume(path, options).Floats(), values) << kind;
+    EXPECT_EQ(Summary(ReadVectorField(path, {{"u", "u"}, 0, 0, Io::GridRegion{{1, 1, 1}, {3, 2, 1}}})), Summary(field));
+    EXPECT_LT(memory.Grown(), 32e6) << kind;
   }
   const Io::FieldSelection selection{{}, 0, 0, Io::GridRegion{{}, {1, 1, 1}}};
   EXPECT_EQ(ErrorOf<FileError>([&] { Vectors("x,y,u,v\n0,0,1,1\n", selection); }),
