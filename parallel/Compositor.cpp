@@ -52,7 +52,6 @@ struct VEK_HIDDEN Compositor::Engine {
     icetDestroyMPICommunicator(communicator); // the context has a copy
     icetDiagnostics(ICET_DIAG_OFF);
     icetStrategy(ICET_STRATEGY_SEQUENTIAL);
-    icetSetColorFormat(ICET_IMAGE_COLOR_RGBA_UBYTE);
     icetDisable(ICET_COMPOSITE_ONE_BUFFER); // depths as well
   }
   ~Engine() { icetDestroyContext(context); }
@@ -66,6 +65,7 @@ struct VEK_HIDDEN Compositor::Engine {
   }
   /// Nearer samples hide farther ones.
   void ByDepth() const {
+    icetSetColorFormat(ICET_IMAGE_COLOR_RGBA_UBYTE);
     icetCompositeMode(ICET_COMPOSITE_MODE_Z_BUFFER);
     icetSetDepthFormat(ICET_IMAGE_DEPTH_FLOAT);
     icetDisable(ICET_ORDERED_COMPOSITE);
@@ -73,22 +73,34 @@ struct VEK_HIDDEN Compositor::Engine {
   /// Premultiplied colours are blended, those of the first process before the others.
   void InOrder(const std::vector<std::size_t>& p_processes) const {
     const std::vector<IceTInt> order(p_processes.begin(), p_processes.end());
+    icetSetColorFormat(ICET_IMAGE_COLOR_RGBA_FLOAT); // IceT rounds bytes down, once a process
     icetCompositeMode(ICET_COMPOSITE_MODE_BLEND);
     icetSetDepthFormat(ICET_IMAGE_DEPTH_NONE);
     icetEnable(ICET_ORDERED_COMPOSITE);
     icetCompositeOrder(order.data());
   }
-  /// Collective. Replaces the image in process 0 by the composited one.
-  void Composite(Samples& p_image, bool p_byDepth, bool p_isFirst) const {
-    constexpr IceTFloat Nothing[4] = {0, 0, 0, 0};
-    const IceTImage whole = icetCompositeImage(p_image.colors.data(), p_byDepth ? p_image.depths.data() : nullptr,
-                                               nullptr, nullptr, nullptr, Nothing);
-    error = icetGetError();
+  /// Collective. Replaces the image in process 0 by the composited one, by depth or blended in order.
+  void Composite(Samples& p_image, bool p_isFirst) const {
+    const IceTImage whole = Whole(p_image.colors.data(), p_image.depths.data());
     if (error != ICET_NO_ERROR || !p_isFirst)
       return;
     std::memcpy(p_image.colors.data(), icetImageGetColorcub(whole), p_image.colors.size());
-    if (p_byDepth)
-      std::memcpy(p_image.depths.data(), icetImageGetDepthcf(whole), p_image.depths.size() * sizeof(float));
+    std::memcpy(p_image.depths.data(), icetImageGetDepthcf(whole), p_image.depths.size() * sizeof(float));
+  }
+  void Blend(Samples& p_image, std::vector<float>& p_colors, bool p_isFirst) const {
+    const IceTImage whole = Whole(p_colors.data(), nullptr);
+    if (error != ICET_NO_ERROR || !p_isFirst)
+      return;
+    const IceTFloat* const colors = icetImageGetColorcf(whole);
+    std::transform(colors, colors + p_image.colors.size(), p_image.colors.begin(), [](float p_share) {
+      return static_cast<unsigned char>(std::clamp(255 * p_share + 0.5F, 0.0F, 255.0F));
+    });
+  }
+  IceTImage Whole(const void* p_colors, const float* p_depths) const {
+    constexpr IceTFloat Nothing[4] = {0, 0, 0, 0};
+    const IceTImage whole = icetCompositeImage(p_colors, p_depths, nullptr, nullptr, nullptr, Nothing);
+    error = icetGetError();
+    return whole;
   }
   void Check() const {
     if (error != ICET_NO_ERROR)
@@ -170,7 +182,7 @@ QImage Compositor::Image(Figure& p_figure, const Types::BoundingBox_Base<double>
   for (std::size_t sample = 0; sample < count; ++sample) {
     Samples& image = opaque[sample];
     all.Together([&] { image = canvas->target.Read(canvas->gl, static_cast<int>(sample)); });
-    _engine->Composite(image, true, isFirst);
+    _engine->Composite(image, isFirst);
     all.Together([&] { _engine->Check(); });
     if (isBlended) {
       MPI_Bcast(image.depths.data(), static_cast<int>(image.depths.size()), MPI_FLOAT, 0, all.Communicator());
@@ -192,8 +204,14 @@ QImage Compositor::Image(Figure& p_figure, const Types::BoundingBox_Base<double>
     });
     for (std::size_t sample = 0; sample < count; ++sample) {
       Samples& image = blended[sample];
-      all.Together([&] { image = canvas->target.Read(canvas->gl, static_cast<int>(sample)); });
-      _engine->Composite(image, false, isFirst);
+      std::vector<float> colors;
+      all.Together([&] {
+        image = canvas->target.Read(canvas->gl, static_cast<int>(sample));
+        colors.resize(image.colors.size());
+        std::transform(image.colors.begin(), image.colors.end(), colors.begin(),
+                       [](unsigned char p_color) { return static_cast<float>(p_color) / 255; });
+      });
+      _engine->Blend(image, colors, isFirst);
       all.Together([&] { _engine->Check(); });
       if (!isFirst)
         image = {};

@@ -105,6 +105,7 @@ public:
     const QImage expected = p_whole().Image(PageSize);
     const auto [count, most] = Differences(image, expected, p_tolerance);
     EXPECT_LE(count, p_most) << p_name << ": largest difference " << most;
+    EXPECT_LE(most, 8) << p_name;
     if (const char* const folder = std::getenv("VEK_SHOWN_PARALLEL"); folder != nullptr) {
       const QString path = QString("%1/%2-%3").arg(folder, QString::fromStdString(p_name)).arg(all.Count());
       image.save(path + ".png");
@@ -194,12 +195,13 @@ TEST_F(ParallelPixels, VolumesInOrderFromEverySide) {
     description.isParallel = isParallel;
     Figure figure = VolumeFigure(description, own);
     const std::string name = "volume" + std::to_string(static_cast<int>(azimuth));
+    // Lit samples at silhouettes turn with the last bits of their gradient.
     Expect(
         figure, BoxOf(own),
         [&] {
           return VolumeFigure(description, {{}, VolumeGrid});
         },
-        2, 0, name);
+        2, 200, name);
   }
 }
 
