@@ -71,8 +71,7 @@ public:
   /// larger volume (see VoxelGrid::KnotsOf), so that the pixels of all blocks together are those of one plot; both are
   /// in data units. Values at the faces need a voxel of the neighbours. Throws std::invalid_argument for an empty box
   /// and for a volume that is no block of the larger one.
-  SlicesPlot& Block(const Types::BoundingBox_Base<double>& p_part,
-                    const std::array<std::vector<double>, 3>& p_knots);
+  SlicesPlot& Block(const Types::BoundingBox_Base<double>& p_part, const std::array<std::vector<double>, 3>& p_knots);
   /// Colours by the values of the volume again, the default.
   SlicesPlot& ColorByValue();
   /// Replaces the values by as many others, NaN for missing ones. Uploads them alone.

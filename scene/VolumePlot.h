@@ -69,8 +69,7 @@ public:
   /// VoxelGrid::KnotsOf), from which opacities and samples follow: rays have the samples of one plot, each of them in
   /// one block. Both are in data units. Values and gradients at the faces need two voxels of the neighbours. Throws
   /// std::invalid_argument for an empty box and for a volume that is no block of the larger one.
-  VolumePlot& Block(const Types::BoundingBox_Base<double>& p_part,
-                    const std::array<std::vector<double>, 3>& p_knots);
+  VolumePlot& Block(const Types::BoundingBox_Base<double>& p_part, const std::array<std::vector<double>, 3>& p_knots);
   /// Colours by the values of the volume again, the default.
   VolumePlot& ColorByValue();
   /// Replaces the values by as many others, NaN for missing ones. Uploads them alone.

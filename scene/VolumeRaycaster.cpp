@@ -253,8 +253,8 @@ struct Placed {
     toClip = Private::Product(projection, Private::Product(view, model));
     const auto coveredBy = [&](const Point& p_low, const Point& p_high) {
       const Point extent = p_high - p_low;
-      return CoveredBy(Private::Product(toClip, {extent.x, 0, 0, 0, 0, extent.y, 0, 0, 0, 0, extent.z, 0, p_low.x,
-                                                 p_low.y, p_low.z, 1}));
+      return CoveredBy(Private::Product(
+          toClip, {extent.x, 0, 0, 0, 0, extent.y, 0, 0, 0, 0, extent.z, 0, p_low.x, p_low.y, p_low.z, 1}));
     };
     covered = coveredBy(low, high);
     const Covered rays = coveredBy(wholeLow, wholeHigh);
@@ -344,7 +344,8 @@ void VolumeRaycaster::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& 
   if (!placed.visible)
     return;
   Programs& programs = _programs.Get(p_gl);
-  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, RayOutput::Color, Private::DrawnPlaces(_grid).places.AreEven());
+  const Ogl::ShaderProgram& program =
+      programs.Of(p_gl, p_settings, RayOutput::Color, Private::DrawnPlaces(_grid).places.AreEven());
   const bool testsDepth = p_gl->IsEnabled(RGL_DEPTH_TEST) != 0;
   const auto state = FlatState(p_gl);
   const Table table = Baked(p_settings, p_colors, UnitLength(p_settings, _grid));
@@ -376,7 +377,8 @@ void VolumeRaycaster::Draw(Utility::Scoped<Rgl>& p_gl, const Settings& p_setting
     return;
   Programs& programs = _programs.Get(p_gl);
   const RayOutput output = p_pass.kind == PickPass::Ids ? RayOutput::Id : RayOutput::Depth;
-  const Ogl::ShaderProgram& program = programs.Of(p_gl, p_settings, output, Private::DrawnPlaces(_grid).places.AreEven());
+  const Ogl::ShaderProgram& program =
+      programs.Of(p_gl, p_settings, output, Private::DrawnPlaces(_grid).places.AreEven());
   const auto state = p_gl->PushAttribScope(RGL_ENABLE_BIT | RGL_TEXTURE_BIT | RGL_CURRENT_BIT);
   for (unsigned int plane = 0; plane < MostClips; ++plane)
     p_gl->Disable(RGL_CLIP_PLANE0 + plane);

@@ -206,7 +206,8 @@ private:
   static bool Bind(Utility::Scoped<Rgl>& p_gl, const VolumeSlices& p_slices) {
     const VoxelGrid& grid = p_slices._grid;
     const Private::VoxelPlaces& places = Private::DrawnPlaces(grid).places;
-    return (places.AreEven() || places.BindTable(p_gl, RGL_TEXTURE2)) && grid.Bind(p_gl, RGL_TEXTURE0, p_slices._filter);
+    return (places.AreEven() || places.BindTable(p_gl, RGL_TEXTURE2)) &&
+           grid.Bind(p_gl, RGL_TEXTURE0, p_slices._filter);
   }
 
   boost::shared_ptr<void> _state;

@@ -1,9 +1,9 @@
 #include "scene/VoxelGrid.h"
 
 #include "scene/private/DataTransform.h"
+#include "scene/private/DrawnPlaces.h"
 #include "scene/private/GridAxis.h"
 #include "scene/private/VolumeLayout.h"
-#include "scene/private/DrawnPlaces.h"
 #include "scene/private/VoxelPlaces.h"
 #include "scene/private/VoxelValues.h"
 

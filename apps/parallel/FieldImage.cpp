@@ -39,8 +39,10 @@ QString TitleOf(const std::string& p_name, const std::string& p_unit) {
   return QString::fromStdString(p_unit.empty() ? p_name : p_name + " in " + p_unit);
 }
 
-FigureDescription DescriptionOf(const FieldOptions& p_options) {
+FigureDescription DescriptionOf(const FieldOptions& p_options, const std::vector<std::string>& p_times) {
   FigureDescription description;
+  if (p_options.time < p_times.size())
+    description.subtitle = QString::fromStdString(p_times[p_options.time]);
   description.title =
       p_options.title.isEmpty() ? QFileInfo(QString::fromStdString(p_options.path)).fileName() : p_options.title;
   description.colorMap = p_options.colorMap;
@@ -163,7 +165,7 @@ QImage DrawArrows(const Parallel::Compositor& p_compositor, const FieldOptions& 
     field.vectors = {};
   });
 
-  FigureDescription description = DescriptionOf(p_options);
+  FigureDescription description = DescriptionOf(p_options, field.times);
   description.values = all.Union(arrows.lengths);
   const double longest = description.values.Empty() ? 0 : description.values.max;
   const double typical = TypicalLength(all, arrows, longest);
@@ -264,7 +266,7 @@ QImage DrawVolume(const Parallel::Compositor& p_compositor, const FieldOptions& 
     grid.emplace(numbers, own[0], own[1], own[2]);
   });
 
-  FigureDescription description = DescriptionOf(p_options);
+  FigureDescription description = DescriptionOf(p_options, volume.times);
   description.values = all.Union(values);
   description.extent = whole;
   for (std::size_t axis = 0; axis < 3; ++axis)
@@ -284,7 +286,8 @@ QImage DrawVolume(const Parallel::Compositor& p_compositor, const FieldOptions& 
   all.Together([&] {
     figure = description.MakeFigure();
     // Process 0 has the colour bar even if it has no voxel.
-    const Scene::VoxelGrid voxels = grid ? *grid : Scene::VoxelGrid(std::vector<float>(8, NAN), first[0], first[1], first[2]);
+    const Scene::VoxelGrid voxels =
+        grid ? *grid : Scene::VoxelGrid(std::vector<float>(8, NAN), first[0], first[1], first[2]);
     grid.reset();
     const Box drawn = part.Empty() ? BoxBetween(first, {0, 0, 0}, {1, 1, 1}) : part;
     if (p_options.kind == FieldOptions::Kind::Volume) {

@@ -13,6 +13,10 @@
 #include <stdexcept>
 #include <string>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 namespace {
 
 using namespace Vek::Chart;
@@ -60,9 +64,18 @@ void ShareCores() {
     qputenv("LP_NUM_THREADS", "0");
 }
 
+/// Freed arrays go back to the system, also after larger ones, which glibc would take as a reason to keep them.
+void ReturnFreedMemory() {
+#if defined(__GLIBC__)
+  constexpr int Least = 1 << 20;
+  mallopt(M_MMAP_THRESHOLD, Least);
+#endif
+}
+
 } // namespace
 
 int main(int p_count, char** p_arguments) {
+  ReturnFreedMemory();
   MPI_Init(&p_count, &p_arguments);
   ShareCores();
   int code = 1;

@@ -19,9 +19,7 @@ struct DrawnPlaces {
   Point ShortestVoxel() const {
     return {places.Axis(0).ShortestCell(), places.Axis(1).ShortestCell(), places.Axis(2).ShortestCell()};
   }
-  Point MeanVoxel() const {
-    return {places.Axis(0).MeanCell(), places.Axis(1).MeanCell(), places.Axis(2).MeanCell()};
-  }
+  Point MeanVoxel() const { return {places.Axis(0).MeanCell(), places.Axis(1).MeanCell(), places.Axis(2).MeanCell()}; }
 
   const VoxelPlaces& places;
   Point scale{1, 1, 1}, shift{0, 0, 0};

@@ -63,7 +63,7 @@ private:
   void Replace(VoxelGrid p_grid);
 
   bool _isTexture;
-  Box _block, _whole;              ///< see SetBlock; empty otherwise
+  Box _block, _whole; ///< see SetBlock; empty otherwise
   std::array<std::vector<double>, 3> _wholeKnots;
   ValueSummary _all, _positive;    ///< of the values
   std::optional<VoxelGrid> _drawn; ///< in data units, of larger voxels where there are too many; none after a change

@@ -241,7 +241,11 @@ Figure SlicesFigure(const GridSplit::Block& p_block) {
 TEST_F(ParallelPixels, SlicesOfOneFigure) {
   Figure figure = SlicesFigure(OwnOf(VolumeGrid));
   Expect(
-      figure, Box(), [&] { return SlicesFigure({{}, VolumeGrid}); }, 1, 0, "slices");
+      figure, Box(),
+      [&] {
+        return SlicesFigure({{}, VolumeGrid});
+      },
+      1, 0, "slices");
 }
 
 /// A veil in each of the first four processes, since a figure blends four layers, one behind the other, and something
