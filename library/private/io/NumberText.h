@@ -1,5 +1,7 @@
 #pragma once
 
+#include <boost/endian/conversion.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
