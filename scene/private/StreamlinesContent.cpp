@@ -251,20 +251,38 @@ void StreamlinesContent::DrawPick(Utility::Scoped<Rgl>& p_gl, const Frame&, cons
   _heads.Draw(p_gl, p_pass);
 }
 
-/// The nearest line, and the value at its nearest point.
+/// The node that is nearest along each axis.
+std::size_t StreamlinesContent::NearestNode(const Point& p_position) const {
+  std::size_t node = 0, stride = 1;
+  for (const std::size_t axis : {0, 1, 2}) {
+    const std::vector<double>& nodes = _field.Axis(axis);
+    const double position = At(p_position, axis), period = axis == 0 ? _field.Period() : 0;
+    const auto distance = [&](double p_node) {
+      return std::abs(period > 0 ? std::remainder(p_node - position, period) : p_node - position);
+    };
+    const auto nearest = std::min_element(nodes.begin(), nodes.end(),
+                                          [&](double p_a, double p_b) { return distance(p_a) < distance(p_b); });
+    node += stride * static_cast<std::size_t>(nearest - nodes.begin());
+    stride *= nodes.size();
+  }
+  return node;
+}
+
+/// The nearest node, and the value at the nearest point of a line.
 Picked StreamlinesContent::Identify(std::optional<std::uint32_t> /*p_number*/, const Point& p_scene) const {
   Picked picked = PlotContent::Identify({}, p_scene);
   double distance = HUGE_VAL;
   std::size_t nearest = 0, next = 0;
-  for (std::size_t line = 0; line < _lines.size(); ++line)
-    for (const Point& point : _lines[line]) {
+  for (const Streamline& line : _lines)
+    for (const Point& point : line) {
       if (Length(point - p_scene) < distance) {
         distance = Length(point - p_scene);
-        picked.element = line;
         nearest = next;
       }
       ++next;
     }
+  if (next != 0)
+    picked.element = NearestNode(picked.position);
   if (nearest < _values.size())
     picked.value = coloring.ValueOf(_values[nearest]);
   return picked;

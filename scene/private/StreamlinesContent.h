@@ -44,6 +44,7 @@ private:
   void PlaceHeads();
   void PlaceValues();
   std::vector<float> PointValues() const;
+  std::size_t NearestNode(const Point& p_position) const;
   LineTubes::Quality QualityOf(const Frame& p_frame) const;
 
   VectorField _field;

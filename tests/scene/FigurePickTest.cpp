@@ -116,6 +116,22 @@ TEST_F(FigurePickPixels, NamesPlotElementPositionAndValue) {
        1,
        2,
        {}},
+      {"streamlines",
+       [&](Figure& p_figure) {
+         const VectorField field =
+             VectorField::Rectilinear(Doubles{origin.x + 4, origin.x}, Doubles{origin.y, origin.y + 3, origin.y + 4},
+                                      Doubles{origin.z}, std::vector<Point>(6, {1, 0, 0}));
+         return &p_figure.Streamlines(field)
+                     .Spacing(0.1)
+                     .Width(1)
+                     .ColorBy(Doubles(6, 3))
+                     .Label("Plot")
+                     .ColorTitle("Value");
+       },
+       at(1, 2, 0),
+       3,
+       3,
+       {}},
   };
   for (const Case& plot : cases) {
     Figure figure = FromAbove();

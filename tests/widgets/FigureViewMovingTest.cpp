@@ -53,9 +53,15 @@ void AddPoints(Scene::Figure& p_figure) {
   p_figure.Scatter(Grid());
 }
 void AddStreamlines(Scene::Figure& p_figure) {
-  std::vector<double> axis(Side);
+  constexpr int Cells = 20;
+  std::vector<double> axis(Cells);
   std::iota(axis.begin(), axis.end(), 0.0);
-  p_figure.Streamlines(VectorField::Rectilinear(axis, axis, std::vector<double>{0}, Flow())).Spacing(0.005);
+  std::vector<Point> vectors;
+  for (int i = 0; i < Cells * Cells * Cells; ++i) {
+    const double x = i % Cells, y = i / Cells % Cells, z = i / (Cells * Cells);
+    vectors.emplace_back(std::sin(y) + 0.3, std::sin(z) + 0.3, std::sin(x) + 0.3);
+  }
+  p_figure.Streamlines(VectorField::Rectilinear(axis, axis, axis, vectors)).Spacing(0.02).Width(0.8);
 }
 
 /// How many pixels in the upper left corner of the scene are dark.
