@@ -104,7 +104,6 @@ private:
   void WriteCap(std::size_t p_cap, TubeVertex* p_vertices, std::uint32_t* p_indices) const;
 
   Input _input;
-  double _coarseness = 1;
   std::size_t _step = 1, _vertices = 0, _indices = 0;
   std::vector<Choice> _choices;                         ///< of the blocks, and then of the caps
   std::vector<std::uint32_t> _firstVertex, _firstIndex; ///< of each of them
