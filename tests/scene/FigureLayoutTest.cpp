@@ -72,10 +72,10 @@ TEST_F(FigureLayouts, FollowEachChange) {
       {"removed plot", [&] { figure.Remove(*other); }},
       {"ticks",
        [&] {
-         figure.SetAxisNames(0, {"zero", "first", "second"});
+         figure.SetAxisNames(2, {"zero", "first", "second"});
        }},
       {"ticks of the host",
-       [&] { figure.SetTicks(0, [&](double, double, std::size_t) {
+       [&] { figure.SetTicks(2, [&](double, double, std::size_t) {
                return Ticks({-2, 0, 2}, {name, "b", "c"});
              }); }},
       {"what they return", [&] { name = "two"; }}};
