@@ -1,7 +1,7 @@
 // Building a colour atlas: colours in trees of several forms, and instances of one sub-tree. The limit beside it fills
 // the same number of texels of an image. `peak_bytes` is what adding and building a tree takes at its peak for each
-// colour, of all that is allocated by new: the image (4 bytes a texel) and the copies of GL are not. It is asked to be
-// 100 at most.
+// colour, of all that is allocated by new, as malloc rounds it: the image (4 bytes a texel) and the copies of GL are
+// not. It is asked to be 100 at most.
 
 #include "bench/CountedNew.h"
 #include "library/ColorAtlas.h"

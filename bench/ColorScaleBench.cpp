@@ -9,10 +9,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <random>
+#include <thread>
 #include <type_traits>
 #include <vector>
 
@@ -150,6 +152,29 @@ VEK_BENCH_PAIR(MapFloats, log_random, Random, ByMagnitude);
 VEK_BENCH_PAIR(MapFloats, log_waves, Waves, ByMagnitude);
 VEK_BENCH_PAIR(MapDoubles, linear_random, Random, Even);
 VEK_BENCH_PAIR(MapDoubles, log_random, Random, ByMagnitude);
+
+/// Not the library: what several threads gain where they share no memory. Less than their number where the machine has
+/// other work.
+void ComputeOnThreads(benchmark::State& p_state) {
+  const auto compute = [](int p_threads) {
+    const auto step = [](int p_steps) {
+      std::uint64_t values[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+      for (int i = 0; i < p_steps; ++i)
+        for (std::uint64_t& value : values)
+          value = value * 6364136223846793005u + (value >> 7);
+      benchmark::DoNotOptimize(values);
+    };
+    std::vector<std::thread> threads;
+    for (int i = 1; i < p_threads; ++i)
+      threads.emplace_back(step, 2'000'000 / p_threads);
+    step(2'000'000 / p_threads);
+    for (std::thread& thread : threads)
+      thread.join();
+  };
+  Vek::Bench::SideBySide(
+      p_state, "of_one_thread", [&] { compute(static_cast<int>(p_state.range(0))); }, [&] { compute(1); });
+}
+BENCHMARK(ComputeOnThreads)->Apply(Vek::Bench::OnThreads);
 
 /// On several threads, beside one; asked: 1.8 times as fast with two threads, 3 times with four.
 void MapOnThreads(benchmark::State& p_state, Data p_data, Spread p_spread) {

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <new>
 
-// Replaces operator new and delete of a program by those that count the bytes asked for. To be included once.
+// Replaces operator new and delete of a program by those that count the bytes that they take. To be included once.
 
 namespace Vek::Bench {
 
@@ -26,6 +26,11 @@ struct CountedBytes {
 };
 inline CountedBytes countedBytes;
 
+/// What malloc of glibc takes for a block: a size before it, and whole units of 16 bytes, two at least.
+constexpr std::size_t BytesOfBlock(std::size_t p_size) {
+  return p_size <= 24 ? 32 : (p_size + 8 + 15) / 16 * 16;
+}
+
 } // namespace Vek::Bench
 
 void* operator new(std::size_t p_size) {
@@ -34,7 +39,7 @@ void* operator new(std::size_t p_size) {
     throw std::bad_alloc();
   *reinterpret_cast<std::size_t*>(block) = p_size;
   Vek::Bench::CountedBytes& counted = Vek::Bench::countedBytes;
-  const std::size_t now = counted.now += p_size;
+  const std::size_t now = counted.now += Vek::Bench::BytesOfBlock(p_size);
   for (std::size_t peak = counted.peak; now > peak && !counted.peak.compare_exchange_weak(peak, now);) {
   }
   return block + 1;
@@ -43,7 +48,7 @@ void operator delete(void* p_memory) noexcept {
   if (p_memory == nullptr)
     return;
   auto* const block = static_cast<std::max_align_t*>(p_memory) - 1;
-  Vek::Bench::countedBytes.now -= *reinterpret_cast<std::size_t*>(block);
+  Vek::Bench::countedBytes.now -= Vek::Bench::BytesOfBlock(*reinterpret_cast<std::size_t*>(block));
   std::free(block);
 }
 void* operator new[](std::size_t p_size) {

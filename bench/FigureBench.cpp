@@ -3,6 +3,7 @@
 // draw are left out, since the rasteriser takes most of the time.
 
 #include "platform/ogl/OffscreenContext.h"
+#include "platform/ogl/Text.h"
 #include "scene/Figure.h"
 #include "scene/InstancedMesh.h"
 
@@ -11,6 +12,8 @@
 #include <boost/make_shared.hpp>
 
 #include <QGuiApplication>
+
+#include <time.h>
 
 #include <algorithm>
 #include <chrono>
@@ -34,6 +37,7 @@ double SecondsSince(Clock::time_point p_start) {
 struct Meter {
   double calls = 0, seconds = 0, uploaded = 0;
   bool draws = true; ///< whether functions that draw are called
+  bool times = true; ///< whether `seconds` is measured
   void Reset() { calls = seconds = uploaded = 0; }
 } meter;
 
@@ -42,11 +46,13 @@ struct Metered;
 template <class R, class... A, R (*GlFunctions::*Member)(A...)>
 struct Metered<Member> {
   static R Call(A... p_arguments) {
+    ++meter.calls;
+    if (!meter.times)
+      return (Ogl::NativeGl().*Member)(p_arguments...);
     struct Timer {
       Clock::time_point start = Clock::now();
       ~Timer() { meter.seconds += SecondsSince(start); }
     } const timer;
-    ++meter.calls;
     return (Ogl::NativeGl().*Member)(p_arguments...);
   }
   static R Draw(A... p_arguments) {
@@ -86,6 +92,7 @@ public:
       , _handle(boost::make_shared<Rgl>(MeteredGl()))
       , gl(_handle) {
     meter.draws = p_draws;
+    meter.times = true;
   }
   ~Target() { Ogl::Release(gl); }
   /// The seconds of a function, until GL has done all of it.
@@ -96,6 +103,21 @@ public:
     p_function();
     gl->Finish();
     return SecondsSince(start);
+  }
+
+  /// Likewise, CPU time of all threads, or of the calling one.
+  template <class Function>
+  double CpuSeconds(const Function& p_function, clockid_t p_clock = CLOCK_PROCESS_CPUTIME_ID) {
+    const auto now = [&] {
+      timespec time{};
+      clock_gettime(p_clock, &time);
+      return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+    };
+    gl->Finish();
+    const double start = now();
+    p_function();
+    gl->Finish();
+    return now() - start;
   }
 
 private:
@@ -177,40 +199,6 @@ void Hover(benchmark::State& p_state) {
 }
 BENCHMARK(Hover)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 
-/// A frame while the camera moves, with all that GL draws, by the clock. It is asked to take 60 ms at most on four idle
-/// cores; `resting_ms` is a frame of all glyphs.
-void Moving(benchmark::State& p_state, Kind p_kind) {
-  NeedFonts();
-  Target target(true);
-  Scene::Figure figure("Title", "Subtitle");
-  Add(figure, p_kind, static_cast<std::size_t>(p_state.range(0)));
-  const auto draw = [&] { figure.Draw(target.gl, target.viewport); };
-  draw();
-  Scene::Camera camera = figure.Layout(target.viewport).camera;
-  const auto turned = [&] {
-    camera.azimuth += 1;
-    figure.camera = camera;
-    return 1e3 * target.Seconds(draw);
-  };
-  p_state.counters["resting_ms"] = turned();
-  figure.SetMoving(true);
-  turned();
-  for (auto _ : p_state)
-    p_state.SetIterationTime(1e-3 * turned());
-}
-BENCHMARK_CAPTURE(Moving, Arrows, Arrows)
-    ->Arg(10000)
-    ->Arg(1000000)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(5);
-BENCHMARK_CAPTURE(Moving, Symbols, Symbols)
-    ->Arg(10000)
-    ->Arg(1000000)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(5);
-
 /// All arrays of a million arrows, beside a plain upload of as many bytes into a new buffer. `of_plain` is asked to be
 /// 1.5 at most.
 void Upload(benchmark::State& p_state) {
@@ -286,5 +274,64 @@ void Text(benchmark::State& p_state) {
   p_state.counters["share"] = letters / frame;
 }
 BENCHMARK(Text)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// Strings on a canvas, beside the same strings by Ogl::Text, one after the other in immediate mode. `of_immediate` is
+/// the CPU time of all threads for these over that for the canvas; it is asked to be 1 at least. `caller` is that of
+/// the calling thread alone, `of_single` that of `TextRenderer::Draw` for each string, of all threads.
+void Letters(benchmark::State& p_state) {
+  NeedFonts();
+  Target target(true);
+  meter.times = false;
+  const Scene::TextStyle style;
+  const Scene::TextRenderer text;
+  struct Label {
+    QString string;
+    Types::Vector2_Base<double> position;
+  };
+  std::vector<Label> labels;
+  std::vector<Ogl::Text> immediate;
+  for (int i = 0; i < p_state.range(0); ++i) {
+    labels.push_back({QStringLiteral("%1 m").arg(1000 + i), {20.0 + 80 * (i % 19), 20.0 + 20 * (i / 19 % 48)}});
+    Ogl::Text& one = immediate.emplace_back(labels.back().string);
+    one.size = static_cast<unsigned int>(style.size);
+    one.position = {static_cast<int>(labels.back().position.x), static_cast<int>(labels.back().position.y)};
+  }
+  const auto onCanvas = [&] {
+    Scene::Canvas canvas(target.gl, target.viewport, text);
+    for (const Label& label : labels)
+      canvas.Text(label.string, label.position, {}, style);
+  };
+  const auto byText = [&] {
+    const auto projection = target.gl->PixelProjection(target.viewport);
+    for (Ogl::Text& one : immediate)
+      one(target.gl);
+  };
+  const auto bySingleDraws = [&] {
+    const auto projection = target.gl->PixelProjection(target.viewport);
+    for (const Label& label : labels)
+      text.Draw(target.gl, label.string, label.position, {}, style);
+  };
+  const auto least = [&](const auto& p_draw, clockid_t p_clock = CLOCK_PROCESS_CPUTIME_ID) {
+    double seconds = std::numeric_limits<double>::infinity();
+    for (int i = 0; i < 20; ++i)
+      seconds = std::min(seconds, target.CpuSeconds(p_draw, p_clock));
+    return seconds;
+  };
+  onCanvas();
+  byText();
+  for (auto _ : p_state)
+    p_state.SetIterationTime(target.CpuSeconds(onCanvas));
+  meter.Reset();
+  onCanvas();
+  p_state.counters["gl_calls"] = meter.calls;
+  meter.Reset();
+  byText();
+  p_state.counters["immediate_calls"] = meter.calls;
+  const double canvas = least(onCanvas);
+  p_state.counters["of_immediate"] = least(byText) / canvas;
+  p_state.counters["of_single"] = least(bySingleDraws) / canvas;
+  p_state.counters["caller"] = least(byText, CLOCK_THREAD_CPUTIME_ID) / least(onCanvas, CLOCK_THREAD_CPUTIME_ID);
+}
+BENCHMARK(Letters)->Arg(20)->Arg(200)->Arg(900)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace

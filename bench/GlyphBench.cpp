@@ -1,5 +1,5 @@
-// Ten thousand to a million glyphs on a grid that fills 1600 x 1000 pixels, with levels of detail, and segments of
-// streamlines. All times are CPU times of all threads.
+// Ten thousand to a million glyphs on a grid that fills 1600 x 1000 pixels, with levels of detail. All times are CPU
+// times of all threads.
 // Glyphs: `of_full` is the time of a frame of whole meshes over that of one with levels. `different` is the share of
 // pixels that differ by more than 32 of 255 in a channel (asked: 0.01 at most for 10^4 arrows), `mean` the mean
 // difference of a channel at a quarter of the size (asked: 4 at most for 10^6).
@@ -7,27 +7,19 @@
 // for 10^5 arrows and 10 for 10^6.
 // GLYPH_IMAGES=FOLDER in the environment keeps the images.
 
-#include "library/ColorMap.h"
 #include "library/VectorSymbol.h"
-#include "platform/ogl/OffscreenContext.h"
 #include "platform/ogl/VertexData.h"
-#include "scene/Camera.h"
-#include "scene/DirectionalLight.h"
-#include "scene/Figure.h"
 #include "scene/InstancedMesh.h"
-#include "scene/TubeMesh.h"
 
 #include "bench/CountedNew.h"
+#include "bench/FramePixels.h"
 #ifdef VEK_BENCH_VTK
 #include "bench/VtkGlyphs.h"
 #endif
 
 #include <benchmark/benchmark.h>
 
-#include <QGuiApplication>
 #include <QImage>
-
-#include <sys/resource.h>
 
 #include <chrono>
 #include <cmath>
@@ -36,30 +28,10 @@
 #include <random>
 
 using namespace Vek::Chart;
+using namespace Vek::Bench;
 using Scene::InstancedMesh;
 
 namespace {
-
-using Points = std::vector<std::array<double, 3>>;
-constexpr int Width = 1600, Height = 1000;
-
-/// Qt needs it for fonts.
-void NeedFonts() {
-  static char name[] = "GlyphBench", option[] = "-platform", platform[] = "offscreen";
-  static char* arguments[] = {name, option, platform, nullptr};
-  static int count = 3;
-  static const QGuiApplication Application(count, arguments);
-}
-
-/// CPU time of the process, of all threads.
-double CpuSeconds() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  const auto seconds = [](const timeval& p_time) {
-    return static_cast<double>(p_time.tv_sec) + 1e-6 * static_cast<double>(p_time.tv_usec);
-  };
-  return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
 
 enum Kind { Arrows, Spheres };
 
@@ -107,63 +79,6 @@ std::vector<InstancedMesh::Level> FullLevel(Kind p_kind) {
   return {std::move(level)};
 }
 
-class Target {
-public:
-  explicit Target(int p_samples)
-      : context({Width, Height}, p_samples)
-      , gl(context.Handle())
-      , map(Library::ColorMap::Named("viridis")) {}
-  /// The CPU time of a frame.
-  template <class Mesh>
-  double Draw(const Mesh& p_mesh, double p_shift = 0) {
-    gl->Finish();
-    const double start = CpuSeconds();
-    gl->ClearColor(Qt::white);
-    gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
-    gl->Enable(RGL_DEPTH_TEST);
-    gl->MatrixMode(RGL_PROJECTION);
-    gl->LoadIdentity();
-    gl->Ortho(0, Width, 0, Height, -Width, Width);
-    gl->MatrixMode(RGL_MODELVIEW);
-    gl->LoadIdentity();
-    gl->Translate({p_shift, 0, 0});
-    const auto lit = Scene::DirectionalLight().Apply(gl);
-    p_mesh.Draw(gl, map);
-    gl->Finish();
-    return CpuSeconds() - start;
-  }
-  Ogl::OffscreenContext context;
-  Utility::Scoped<Rgl> gl;
-  Library::ColorMap map;
-};
-
-double ShareOfDifferent(const QImage& p_a, const QImage& p_b) {
-  std::size_t count = 0;
-  for (int y = 0; y < p_a.height(); ++y)
-    for (int x = 0; x < p_a.width(); ++x) {
-      const QRgb a = p_a.pixel(x, y), b = p_b.pixel(x, y);
-      constexpr int Visible = 32;
-      count += std::abs(qRed(a) - qRed(b)) > Visible || std::abs(qGreen(a) - qGreen(b)) > Visible ||
-               std::abs(qBlue(a) - qBlue(b)) > Visible;
-    }
-  return static_cast<double>(count) / (p_a.width() * p_a.height());
-}
-
-double MeanOfQuarter(const QImage& p_a, const QImage& p_b) {
-  const auto small = [](const QImage& p_image) {
-    return p_image.scaled(p_image.width() / 4, p_image.height() / 4, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-  };
-  const QImage a = small(p_a), b = small(p_b);
-  double sum = 0;
-  for (int y = 0; y < a.height(); ++y)
-    for (int x = 0; x < a.width(); ++x) {
-      const QRgb one = a.pixel(x, y), other = b.pixel(x, y);
-      sum += std::abs(qRed(one) - qRed(other)) + std::abs(qGreen(one) - qGreen(other)) +
-             std::abs(qBlue(one) - qBlue(other));
-    }
-  return sum / (3.0 * a.width() * a.height());
-}
-
 void Glyphs(benchmark::State& p_state, Kind p_kind) {
   const auto count = static_cast<std::size_t>(p_state.range(0));
   Target target(static_cast<int>(p_state.range(1)));
@@ -194,6 +109,7 @@ void Glyphs(benchmark::State& p_state, Kind p_kind) {
   p_state.counters["different"] = ShareOfDifferent(fullImage, levelsImage);
   p_state.counters["mean"] = MeanOfQuarter(fullImage, levelsImage);
 }
+
 /// Host memory at its peak, in bytes an instance beside the caller's arrays; asked to be 64 at most.
 void Memory(benchmark::State& p_state) {
   constexpr std::size_t Count = 1000000;
@@ -203,14 +119,13 @@ void Memory(benchmark::State& p_state) {
   InstancedMesh mesh;
   target.Draw(field.Mesh(InstancedMesh::Arrows(), Arrows)); // compiles
   const auto bytes = [&](const auto& p_call) {
-    return Vek::Bench::countedBytes.PeakOf(p_call) / static_cast<double>(field.positions.size());
+    return countedBytes.PeakOf(p_call) / static_cast<double>(field.positions.size());
   };
   for (auto _ : p_state) {
-    const std::size_t before = Vek::Bench::countedBytes.now;
+    const std::size_t before = countedBytes.now;
     p_state.counters["made"] = bytes([&] { mesh = field.Mesh(InstancedMesh::Arrows(), Arrows); });
     const auto since = [&](const auto& p_call) {
-      const double kept =
-          static_cast<double>(Vek::Bench::countedBytes.now - before) / static_cast<double>(field.positions.size());
+      const double kept = static_cast<double>(countedBytes.now - before) / static_cast<double>(field.positions.size());
       return kept + bytes(p_call);
     };
     p_state.counters["drawn"] = since([&] { target.Draw(mesh); });
@@ -229,10 +144,6 @@ void Memory(benchmark::State& p_state) {
   }
 }
 BENCHMARK(Memory)->Iterations(1);
-
-void ThreeFrames(benchmark::internal::Benchmark* p_benchmark) {
-  p_benchmark->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
-}
 
 /// Frames alone, each from another place: the least CPU time. `same_ms` is that of the same view once more. `select_ns`
 /// is the CPU time for an instance in a frame that shows none of them; it is asked to be 10 at most.
@@ -310,140 +221,6 @@ void Overlapping(benchmark::State& p_state) {
 }
 BENCHMARK(Overlapping)->ArgsProduct({{100000, 1000000}, {5, 20, 80}})->Apply(ThreeFrames);
 
-/// Arcs of 100 segments of two units, in front of each other, with values that change along each.
-struct Curves {
-  static constexpr std::size_t Length = 100;
-  explicit Curves(std::size_t p_segments)
-      : lengths(p_segments / Length, Length + 1) {
-    std::mt19937 random(1);
-    std::uniform_real_distribution<double> number(0, 1);
-    for (std::size_t line = 0; line < lengths.size(); ++line) {
-      const double x = Width * number(random), y = Height * number(random), phase = 6.28 * number(random);
-      for (std::size_t i = 0; i <= Length; ++i) {
-        const double t = 0.05 * static_cast<double>(i);
-        points.push_back({x + 40 * std::cos(t + phase), y + 40 * std::sin(t + phase), 8 * t});
-        values.push_back(0.5 + 0.5 * std::sin(t + 2 * phase));
-      }
-    }
-  }
-  /// Whole tubes around the points as `p_placed` moves them.
-  template <class Place>
-  Scene::GpuMesh Tubes(double p_width, Place&& p_placed) const {
-    Scene::TubeMesh tubes{Library::StreamLineShape(Library::StreamLineShape::ShapeTube, {})};
-    for (std::size_t first = 0; first < points.size(); first += Length + 1) {
-      std::vector<Scene::TubeMesh::Point> line;
-      for (std::size_t i = first; i <= first + Length; ++i)
-        line.push_back(
-            {p_placed(Types::Vector3_Base<double>(points[i][0], points[i][1], points[i][2])), p_width, values[i]});
-      tubes.Add(line);
-    }
-    return Scene::GpuMesh(tubes.TakeMesh());
-  }
-  Points points;
-  std::vector<double> values;
-  std::vector<std::size_t> lengths;
-};
-
-enum LineKind { Tubes, ThinLines };
-
-/// A figure of lines, about a pixel and a half wide.
-struct LinesFigure {
-  static constexpr double TubeWidth = 2; // in the data, which are a little larger than their image
-  LinesFigure(const Curves& p_curves, LineKind p_kind)
-      : lines(figure.Lines(p_curves.points, p_curves.lengths).ColorBy(p_curves.values).ColorRange(0, 1)) {
-    figure.Look(0, 90, Scene::Camera::Projection::Parallel).SetAspect(1, 1, 1);
-    if (p_kind == Tubes)
-      lines.Tubes(TubeWidth);
-    else
-      lines.Width(1.5);
-    camera = figure.Layout(viewport).camera;
-  }
-  double Draw(Target& p_target, double p_shift = 0) {
-    figure.camera = camera;
-    figure.camera->target.x += p_shift;
-    p_target.gl->Finish();
-    const double start = CpuSeconds();
-    figure.Draw(p_target.gl, viewport);
-    p_target.gl->Finish();
-    return CpuSeconds() - start;
-  }
-  /// Whole tubes in place of the lines; the CPU time of their drawing.
-  double DrawWhole(Target& p_target, const Curves& p_curves) {
-    figure.camera = camera;
-    const double unit = Types::Length(figure.ToScene({1, 0, 0}) - figure.ToScene({}));
-    const Scene::GpuMesh mesh =
-        p_curves.Tubes(TubeWidth * unit, [&](const auto& p_point) { return figure.ToScene(p_point); });
-    lines.SetOpacity(0);
-    figure.Draw(p_target.gl, viewport);
-    lines.SetOpacity(1);
-    const auto matrices = figure.camera->Apply(p_target.gl, viewport);
-    Scene::DirectionalLight light;
-    light.ambient = 0.45, light.diffuse = 0.55, light.specular = 0.08;
-    const auto lit = light.Apply(p_target.gl);
-    p_target.gl->Clear(RGL_DEPTH_BUFFER_BIT);
-    p_target.gl->Enable(RGL_DEPTH_TEST);
-    double seconds = 0;
-    for (int i = 0; i < 2; ++i) { // uploads first
-      p_target.gl->Finish();
-      const double start = CpuSeconds();
-      mesh.Draw(p_target.gl, p_target.map);
-      p_target.gl->Finish();
-      seconds = CpuSeconds() - start;
-    }
-    return seconds;
-  }
-  const Types::Viewport<0> viewport{0, 0, Width, Height};
-  Scene::Figure figure;
-  Scene::LinesPlot& lines;
-  Scene::Camera camera;
-};
-
-/// Frames of lines. `of_full` is the time of whole tubes over that of those that are drawn; it is asked to be 10 at
-/// least for 10^6 segments. `different` and `mean` as for glyphs.
-void Streamlines(benchmark::State& p_state, LineKind p_kind, bool p_isMoving) {
-  NeedFonts();
-  Target target(static_cast<int>(p_state.range(1)));
-  const Curves curves(static_cast<std::size_t>(p_state.range(0)));
-  LinesFigure figure(curves, p_kind);
-  figure.figure.SetMoving(p_isMoving);
-  const double first = figure.Draw(target);
-  const QImage image = target.context.Image();
-  double least = std::numeric_limits<double>::infinity(), leastWall = least, shift = 0;
-  for (auto _ : p_state) {
-    const auto start = std::chrono::steady_clock::now();
-    const double seconds = figure.Draw(target, shift += 1e-3);
-    leastWall = std::min(leastWall, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-    p_state.SetIterationTime(seconds);
-    least = std::min(least, seconds);
-  }
-  p_state.counters["first_ms"] = 1e3 * first;
-  p_state.counters["least_ms"] = 1e3 * least;
-  p_state.counters["wall_ms"] = 1e3 * leastWall;
-  if (p_kind != Tubes || p_isMoving)
-    return;
-  const double full = figure.DrawWhole(target, curves);
-  const QImage fullImage = target.context.Image();
-  if (const char* const folder = std::getenv("GLYPH_IMAGES")) {
-    const QString name = QStringLiteral("%1/tubes-%2-%3.png").arg(folder).arg(p_state.range(0));
-    image.save(name.arg("levels"));
-    fullImage.save(name.arg("full"));
-  }
-  p_state.counters["full_ms"] = 1e3 * full;
-  p_state.counters["of_full"] = full / least;
-  p_state.counters["different"] = ShareOfDifferent(image, fullImage);
-  p_state.counters["mean"] = MeanOfQuarter(image, fullImage);
-}
-BENCHMARK_CAPTURE(Streamlines, Tubes, Tubes, false)
-    ->ArgsProduct({{10000, 100000, 1000000}, {0, 4}})
-    ->Apply(ThreeFrames);
-BENCHMARK_CAPTURE(Streamlines, MovingTubes, Tubes, true)->ArgsProduct({{10000, 1000000}, {0, 4}})->Apply(ThreeFrames);
-BENCHMARK_CAPTURE(Streamlines, ThinLines, ThinLines, false)
-    ->ArgsProduct({{10000, 100000, 1000000}, {0}})
-    ->Apply(ThreeFrames);
-BENCHMARK_CAPTURE(Streamlines, MovingThinLines, ThinLines, true)
-    ->ArgsProduct({{10000, 1000000}, {0, 4}})
-    ->Apply(ThreeFrames);
-
 #ifdef VEK_BENCH_VTK
 /// The CPU time of a frame of vtkGlyph3DMapper, before our context is made: a thread has one current at a time.
 struct PeerFrames {
@@ -453,8 +230,8 @@ struct PeerFrames {
 };
 
 PeerFrames DrawPeer(const Field& p_field, Kind p_kind, int p_samples) {
-  Vek::Bench::VtkGlyphs vtk(Width, Height, p_samples, p_field.positions,
-                            p_kind == Arrows ? p_field.directions : Points(), p_field.sizes, p_field.values);
+  VtkGlyphs vtk(Width, Height, p_samples, p_field.positions, p_kind == Arrows ? p_field.directions : Points(),
+                p_field.sizes, p_field.values);
   vtk.Draw(0);
   PeerFrames frames;
   frames.renderer = vtk.Renderer();

@@ -197,33 +197,43 @@ struct SilentSink : vekdebug::sink {
   void write(const vekdebug::report&) override {}
 };
 
-/// Loads the first three corners of the torus's quads: from triangles, or from quads, of which each is reported.
-void LoadFaces(benchmark::State& p_state, Faces p_faces, const std::shared_ptr<vekdebug::sink>& p_sink) {
-  const std::string path = TorusPath(p_faces);
+/// Loads the first three corners of the torus's quads from quads, of which each is reported, beside triangles.
+void LoadReportedFaces(benchmark::State& p_state, const std::shared_ptr<vekdebug::sink>& p_sink) {
+  const auto load = [](Faces p_faces) { benchmark::DoNotOptimize(LoadPolygonObjFile(TorusPath(p_faces))); };
+  TorusPath(Faces::HalfQuad);
+  TorusPath(Faces::Quad);
   const auto before = vekdebug::logger::instance().set_sink(p_sink);
-  for (auto _ : p_state)
-    benchmark::DoNotOptimize(LoadPolygonObjFile(path));
+  Vek::Bench::SideBySide(
+      p_state, "of_triangles", [&] { load(Faces::Quad); }, [&] { load(Faces::HalfQuad); });
   vekdebug::logger::instance().set_sink(before);
 }
-BENCHMARK_CAPTURE(LoadFaces, Triangles, Faces::HalfQuad, nullptr)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(LoadFaces, QuadsSilentSink, Faces::Quad, std::make_shared<SilentSink>())
+BENCHMARK_CAPTURE(LoadReportedFaces, SilentSink, std::make_shared<SilentSink>())
     ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
-BENCHMARK_CAPTURE(LoadFaces, QuadsDefaultSink, Faces::Quad, nullptr)->Unit(benchmark::kMillisecond)->UseRealTime();
+    ->UseManualTime();
+BENCHMARK_CAPTURE(LoadReportedFaces, DefaultSink, nullptr)->Unit(benchmark::kMillisecond)->UseManualTime();
 
-void ReadScene(benchmark::State& p_state, Faces p_faces) {
-  const std::string path = TorusPath(p_faces);
-  if (p_faces == Faces::TwoTriangles) {
-    p_state.counters["peak/result"] = FirstPeaks().scene;
-    p_state.counters["peak_again/result"] = FirstPeaks().sceneAgain;
-    p_state.counters["peak_on_threads/result"] = FirstPeaks().sceneOnThreads;
-  }
+void ReadScene(benchmark::State& p_state) {
+  const std::string path = TorusPath();
+  p_state.counters["peak/result"] = FirstPeaks().scene;
+  p_state.counters["peak_again/result"] = FirstPeaks().sceneAgain;
+  p_state.counters["peak_on_threads/result"] = FirstPeaks().sceneOnThreads;
   for (auto _ : p_state)
     benchmark::DoNotOptimize(ReadObjScene(path));
-  p_state.SetBytesProcessed(std::int64_t(p_state.iterations()) * std::int64_t(std::filesystem::file_size(path)));
+  CountBytes(p_state);
 }
-BENCHMARK_CAPTURE(ReadScene, Triangles, Faces::TwoTriangles)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(ReadScene, Quads, Faces::Quad)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(ReadScene)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// Beside triangles; the counter compares bytes of the files.
+void ReadSceneOfQuads(benchmark::State& p_state) {
+  const std::string quads = TorusPath(Faces::Quad), triangles = TorusPath();
+  constexpr const char* Counter = "of_triangles_a_byte";
+  Vek::Bench::SideBySide(
+      p_state, Counter, [&] { benchmark::DoNotOptimize(ReadObjScene(quads)); },
+      [&] { benchmark::DoNotOptimize(ReadObjScene(triangles)); });
+  p_state.counters[Counter] = p_state.counters[Counter] * double(std::filesystem::file_size(quads)) /
+                              double(std::filesystem::file_size(triangles));
+}
+BENCHMARK(ReadSceneOfQuads)->Unit(benchmark::kMillisecond)->UseManualTime();
 
 #ifdef VEK_BENCH_TINYOBJLOADER
 void TinyObjLoader(benchmark::State& p_state) {

@@ -5,6 +5,7 @@
 
 #include "bench/Memory.h"
 #include "bench/SideBySide.h"
+#include "library/ReadTextArray.h"
 #include "library/VolumeImage.h"
 
 #include <benchmark/benchmark.h>
@@ -120,5 +121,15 @@ void LoadOnThreads(benchmark::State& p_state) {
   p_state.counters["peak/result"] = Peak(path, threads);
 }
 BENCHMARK(LoadOnThreads)->Apply(Vek::Bench::OnThreads);
+
+/// As floats, which are joined in the file's order.
+void ReadFloatsOnThreads(benchmark::State& p_state) {
+  const Threads threads(static_cast<int>(p_state.range(0)));
+  const std::string path = NumbersPath(Kinds[1]);
+  Vek::Bench::SideBySide(
+      p_state, "of_one_thread", [&] { benchmark::DoNotOptimize(ReadTextArray(path, {}, threads)); },
+      [&] { benchmark::DoNotOptimize(ReadTextArray(path)); });
+}
+BENCHMARK(ReadFloatsOnThreads)->Apply(Vek::Bench::OnThreads);
 
 } // namespace

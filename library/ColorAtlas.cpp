@@ -7,6 +7,8 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <limits>
+#include <stdexcept>
 
 namespace Vek::Chart::Library {
 
@@ -56,6 +58,19 @@ std::vector<std::pair<ColorCoords::Pixel, ColorCoords::Pixel>> ColorCoords::Pixe
     index = next;
   }
   return pieces;
+}
+
+void ColorAtlas::ChildIds::push_back(unsigned int p_id) {
+  if (_count == std::numeric_limits<std::uint32_t>::max())
+    throw std::length_error("list<T> too long");
+  const bool isPowerOfTwo = (_count & (_count - 1)) == 0;
+  if (_count != 0 && isPowerOfTwo) { // there is no room
+    std::unique_ptr<unsigned int[]> ids(new unsigned int[std::size_t{2} * _count]);
+    std::copy(begin(), end(), ids.get());
+    _ids = std::move(ids);
+  }
+  (_count == 0 ? _single : _ids[_count]) = p_id;
+  ++_count;
 }
 
 ColorAtlas::ColorAtlas()
@@ -186,9 +201,7 @@ Private::AtlasTree ColorAtlas::Tree() {
     const ColorNode& node = _nodes[p_slot];
     return Private::AtlasTree::Color{&node.children, node.color.rgba(), node.parent == _rootId, node.instanceCount > 0};
   };
-  const std::vector<unsigned int>& children = ColorAt(_rootId).children;
-  tree.plainRoots.reserve(children.size()); // most are: it would grow to twice their number
-  for (const unsigned int child : children)
+  for (const unsigned int child : ColorAt(_rootId).children)
     (ColorAt(child).instanceCount > 0 ? tree.instancedRoots : tree.plainRoots).push_back(child);
 
   for (const auto& [instanceOf, ids] : _instanceData) {

@@ -13,9 +13,11 @@
 #include <QColor>
 #include <QImage>
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <utility>
@@ -89,13 +91,56 @@ public:
   /// The parent of a colour that has none.
   static constexpr unsigned int NoParent = 0xFFFFFFFF;
 
+  /// A list of ids. A single one lies in the list itself, since a million lists with memory of their own would take 32
+  /// megabytes more.
+  class ChildIds {
+  public:
+    ChildIds() = default;
+    /// Copies the ids.
+    ChildIds(const ChildIds& p_other) {
+      for (const unsigned int id : p_other)
+        push_back(id);
+    }
+    /// Leaves an empty list.
+    ChildIds(ChildIds&& p_other) noexcept { Swap(p_other); }
+    /// Copies or moves the ids.
+    ChildIds& operator=(ChildIds p_other) noexcept {
+      Swap(p_other);
+      return *this;
+    }
+
+    /// The number of ids.
+    std::size_t size() const { return _count; }
+    /// Whether there are none.
+    bool empty() const { return _count == 0; }
+    /// The first id.
+    const unsigned int* begin() const { return _count == 1 ? &_single : _ids.get(); }
+    /// Behind the last id.
+    const unsigned int* end() const { return begin() + _count; }
+    /// An id by its number, which must be below `size()`.
+    unsigned int operator[](std::size_t p_i) const { return begin()[p_i]; }
+    /// Appends an id. Throws std::length_error for more than 2^32 - 1.
+    void push_back(unsigned int p_id);
+
+  private:
+    void Swap(ChildIds& p_other) noexcept {
+      std::swap(_count, p_other._count);
+      std::swap(_single, p_other._single);
+      _ids.swap(p_other._ids);
+    }
+
+    std::uint32_t _count = 0;
+    unsigned int _single = 0;             ///< of one
+    std::unique_ptr<unsigned int[]> _ids; ///< of several; room for the next power of two
+  };
+
   /// A colour of the tree, as it was added.
   struct ColorNode {
-    unsigned int parent = NoParent;     ///< id of the parent
-    std::vector<unsigned int> children; ///< ids, in the order in which they were added
-    QColor color = Qt::white;           ///< its own, before any replacement
-    ColorCoords coords;                 ///< set by BuildAtlas
-    unsigned int instanceCount = 0;     ///< number of instances of this colour
+    unsigned int parent = NoParent; ///< id of the parent
+    ChildIds children;              ///< in the order in which they were added
+    QColor color = Qt::white;       ///< its own, before any replacement
+    ColorCoords coords;             ///< set by BuildAtlas
+    unsigned int instanceCount = 0; ///< number of instances of this colour
   };
 
   /// Converts pixels of the atlas image to texture coordinates: s = x × texel.x + centre.x,

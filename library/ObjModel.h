@@ -86,9 +86,9 @@ private:
 /// Reads a model from a Wavefront OBJ file: positions (v), normals (vn), triangles (f), line segments (l) and groups
 /// (g); other keywords are ignored.
 ///
-/// - Lines are trimmed of white space and split at every single blank. Tabs do not split. Two blanks in a row enclose
-/// an
-///   empty part: common exporters write doubled blanks behind the keyword (`v  1 2 3`), and such a file throws.
+/// - Lines are trimmed of white space and split at every single blank. Tabs do not split. Two blanks in a row have
+///   an empty part between them: a file with doubled blanks behind the keyword (`v  1 2 3`), as common exporters
+///   write them, throws.
 /// - A corner is a, a/b, a//c or a/b/c: position a and normal c, counted from 1. Texture coordinates are not read.
 /// - Faces are not triangulated: of a larger face the first three corners are read. Relative (negative) indices are not
 ///   resolved.
@@ -97,9 +97,8 @@ private:
 ///   k-th corner of a group takes the group's k-th normal, so either all corners of a group should have normals, or
 ///   none.
 /// - Bounds grow by the numbers as read, in double precision; the arrays hold them narrowed to float.
-/// - Every g line begins a new group, even if its name was used before. Indices above the first g line go to the
-/// default
-///   group.
+/// - Every g line begins a new group, even if its name was used before. Indices above the first g line go to
+///   the default group.
 ///
 /// Reports, with path and line in their details:
 /// - A line with too few or too many parts ("parts.size() == 4", for l "parts.size() == 3"): missing coordinates are 0,
@@ -107,9 +106,8 @@ private:
 /// - An index outside the elements read so far ("0 <= vertexIndex < vertices->size()", "0 <= normalIndex <
 ///   sourceNormals->size()"): it is stored as read, minus 1, as unsigned number. It takes part in the choice of normals
 ///   only if its element exists at the end of the group.
-/// - A warning for a file that cannot be opened, which gives an empty model; for a read error and for a line longer
-/// than
-///   64 MiB, which both end the model with the lines before.
+/// - A warning for a file that cannot be opened, which gives an empty model; for a read error and for a line
+///   longer than 64 MiB, which both end the model with the lines before.
 ///
 /// Throws an exception derived from boost::bad_lexical_cast for a part that is no number, by the rules of
 /// boost::lexical_cast to double and int under the classic locale, whatever the process's locale is. Throws

@@ -6,6 +6,7 @@
 #include "library/private/memory/HugePages.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
@@ -21,6 +22,41 @@ using Private::TextSource;
 
 constexpr std::size_t LongestWord = 40; // of a message
 constexpr Private::Words Words = Private::Words::NumbersOrNaN;
+
+/// The range of the finite numbers of a list; empty without any. Of zeros, which differ in sign, the first one counts.
+struct FiniteRange {
+  float least = std::numeric_limits<float>::infinity();
+  float most = -std::numeric_limits<float>::infinity();
+
+  void Add(const FiniteRange& p_next) {
+    least = std::min(least, p_next.least);
+    most = std::max(most, p_next.most);
+  }
+
+  /// In several lanes, since a comparison waits for the one before.
+  void Add(const float* p_numbers, std::size_t p_count) {
+    constexpr float Largest = std::numeric_limits<float>::max(), Infinity = std::numeric_limits<float>::infinity();
+    std::array<float, 16> lows, highs;
+    lows.fill(Infinity);
+    highs.fill(-Infinity);
+    const auto add = [&](std::size_t p_lane, float p_number) {
+      const float low = p_number < -Largest ? Infinity : p_number; // NaN is below and above nothing
+      const float high = p_number > Largest ? -Infinity : p_number;
+      lows[p_lane] = low < lows[p_lane] ? low : lows[p_lane];
+      highs[p_lane] = high > highs[p_lane] ? high : highs[p_lane];
+    };
+    const std::size_t whole = p_count / lows.size() * lows.size();
+    for (std::size_t i = 0; i < whole; i += lows.size())
+      for (std::size_t lane = 0; lane < lows.size(); ++lane)
+        add(lane, p_numbers[i + lane]);
+    for (std::size_t i = whole; i < p_count; ++i)
+      add(0, p_numbers[i]);
+    const auto first = [&](float p_value) {
+      return p_value == 0.0f ? *std::find(p_numbers, p_numbers + p_count, p_value) : p_value;
+    };
+    Add({first(*std::min_element(lows.begin(), lows.end())), first(*std::max_element(highs.begin(), highs.end()))});
+  }
+};
 
 class Reader {
 public:
@@ -49,7 +85,7 @@ private:
     throw TextArrayError(_name, _source.Line(), p_expected, p_found);
   }
   std::string NextWord();
-  void Add(const float* p_numbers, std::size_t p_count);
+  void Add(const float* p_numbers, std::size_t p_count, const FiniteRange* p_range = nullptr);
 
   TextSource _source;
   const std::string& _name;
@@ -65,8 +101,7 @@ private:
   std::vector<float> _voxel; ///< of all channels
   std::size_t _channel = 0;
   std::vector<float> _numbers;
-  float _least = std::numeric_limits<float>::infinity(); ///< of the finite numbers that are kept
-  float _most = -std::numeric_limits<float>::infinity();
+  FiniteRange _range; ///< of the numbers that are kept
 };
 
 void Reader::ReadHeader() {
@@ -95,8 +130,8 @@ void Reader::ReadHeader() {
   _keepsAll = _options.channels.empty();
 }
 
-/// Keeps those numbers whose channels are kept.
-void Reader::Add(const float* p_numbers, std::size_t p_count) {
+/// Keeps those numbers whose channels are kept. `p_range` is that of all numbers, where it is known.
+void Reader::Add(const float* p_numbers, std::size_t p_count, const FiniteRange* p_range) {
   const std::size_t before = _numbers.size();
   if (_keepsAll)
     _numbers.insert(_numbers.end(), p_numbers, p_numbers + p_count);
@@ -108,11 +143,10 @@ void Reader::Add(const float* p_numbers, std::size_t p_count) {
         for (const std::size_t kept : _kept)
           _numbers.push_back(_voxel[kept]);
     }
-  for (std::size_t i = before; i < _numbers.size(); ++i)
-    if (std::isfinite(_numbers[i])) {
-      _least = std::min(_least, _numbers[i]);
-      _most = std::max(_most, _numbers[i]);
-    }
+  if (_keepsAll && p_range != nullptr)
+    _range.Add(*p_range);
+  else
+    _range.Add(_numbers.data() + before, _numbers.size() - before);
   constexpr std::uint64_t ReportEvery = std::uint64_t{1} << 18;
   const bool isFirst = _read == 0;
   _read += p_count;
@@ -171,11 +205,22 @@ void Reader::ReportProgress() {
 
 void Reader::ReadNumbers() {
   Private::ReserveLarge(_numbers, std::size_t(_count) / _voxel.size() * _kept.size());
-  std::vector<std::vector<float>> blocks(TextSource::FloatSlots(_threads));
-  const auto take = [&](std::size_t p_slot, const float* p_numbers, std::size_t p_count) {
-    blocks[p_slot].assign(p_numbers, p_numbers + p_count);
+  struct Block {
+    std::vector<float> numbers;
+    FiniteRange range;
   };
-  const auto join = [&](std::size_t p_slot) { Add(blocks[p_slot].data(), blocks[p_slot].size()); };
+  std::vector<Block> blocks(TextSource::FloatSlots(_threads));
+  const auto take = [&](std::size_t p_slot, const float* p_numbers, std::size_t p_count) {
+    Block& block = blocks[p_slot];
+    block.numbers.assign(p_numbers, p_numbers + p_count);
+    block.range = {};
+    if (_keepsAll)
+      block.range.Add(p_numbers, p_count);
+  };
+  const auto join = [&](std::size_t p_slot) {
+    const Block& block = blocks[p_slot];
+    Add(block.numbers.data(), block.numbers.size(), &block.range);
+  };
   _source.TakeFloats(_threads, _count, Words, {take, join});
   while (_read < _count) {
     ReadPlain();
@@ -188,16 +233,20 @@ void Reader::ReadNumbers() {
 
 /// The range of the options, or that of the finite numbers; {0, 0} without any.
 void Reader::FindRange() {
-  _array.range = _least <= _most ? std::array<float, 2>{_least, _most} : std::array<float, 2>{0, 0};
+  const auto [least, most] = _range;
+  _array.range = least <= most ? std::array<float, 2>{least, most} : std::array<float, 2>{0, 0};
   if (!_options.range)
     return;
-  const auto [low, high] = *_options.range;
+  const float low = (*_options.range)[0], high = (*_options.range)[1];
   if (_options.precision != TextArrayOptions::Float32) {
     _array.range = *_options.range;
     return;
   }
-  for (float& number : _numbers)
-    number = number < low ? low : number > high ? high : number;
+  constexpr std::size_t BlockSize = std::size_t{1} << 15;
+  Utility::RunRanges(_threads, _numbers.size(), BlockSize, [&](std::size_t p_first, std::size_t p_last) {
+    for (std::size_t i = p_first; i < p_last; ++i)
+      _numbers[i] = _numbers[i] < low ? low : _numbers[i] > high ? high : _numbers[i];
+  });
   _array.range = {std::clamp(_array.range[0], low, high), std::clamp(_array.range[1], low, high)};
 }
 

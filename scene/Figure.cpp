@@ -177,6 +177,7 @@ Figure& Figure::SetTriad(bool p_isShown) {
 
 Figure& Figure::SetMoving(bool p_isMoving) {
   _state->isMoving = p_isMoving;
+  _state->mayMove = true;
   return *this;
 }
 

@@ -203,7 +203,8 @@ public:
 
   /// Whether further drawings follow soon, while a user moves the camera, for example. Half-transparent plots then have
   /// one layer, volumes fewer samples, and glyphs and lines coarser levels. Of many glyphs or segments, every k-th is
-  /// drawn, which the upper left corner says. False at first.
+  /// drawn, which the upper left corner says. False at first. From the first call on, with either value, drawings at
+  /// rest prepare what moving ones need.
   Figure& SetMoving(bool p_isMoving);
 
   /// Draws everything into a viewport of the window and clears what was there. All GL state is restored. With
@@ -293,8 +294,9 @@ public:
   /// the call, as `Image` does, and throws as it does.
   std::optional<Hit> Pick(const Types::Pos& p_pixel, Types::Size p_size = {1200, 800});
 
-  /// Where everything lies that `Draw` would draw for the same arguments. Calls no GL. Needs a QGuiApplication. The last
-  /// layout is kept until something changes that it depends on. With functions for ticks, each call makes another one.
+  /// Where everything lies that `Draw` would draw for the same arguments. Calls no GL. Needs a QGuiApplication. The
+  /// last layout is kept until something changes that it depends on. With functions for ticks, each call makes another
+  /// one.
   FigureLayout Layout(const Types::Viewport<0>& p_viewport, double p_pixelRatio = 1);
   ///@{
   /// Between data and scene units, as of the last drawing or layout.

@@ -5,6 +5,7 @@
 #include "scene/private/MeshDraw.h"
 #include "scene/private/MeshShaders.h"
 #include "scene/private/PeelShader.h"
+#include "scene/private/Programs.h"
 
 #include "library/ComputeNormals.h"
 #include "platform/debug/Check.h"
@@ -13,7 +14,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -55,14 +55,14 @@ std::size_t CountOf(const boost::shared_ptr<const std::vector<T>>& p_array) {
 
 } // namespace
 
-/// The buffers of one context, and the shader that draws values in colour.
+/// The buffers of one context, and the shaders that draw in colours.
 struct GpuMesh::Buffers {
   GpuArray positions;
   GpuArray normals;
   GpuArray texCoords;
   GpuArray colors;
   GpuArray indices;
-  std::optional<Ogl::ShaderProgram> lit;
+  Programs<MeshShading> lit;
 };
 
 GpuMesh::GpuMesh(const Arrays& p_arrays)
@@ -317,14 +317,14 @@ void GpuMesh::Draw(Utility::Scoped<Rgl>& p_gl, std::size_t p_instances,
 namespace {
 
 const char* const VertexText = R"(
-uniform int painting;
+uniform int textured; // by the texture coordinates
 void main() {
   vec4 eye = gl_ModelViewMatrix * gl_Vertex;
   position = eye.xyz;
   normal = gl_NormalMatrix * gl_Normal;
   missing = gl_MultiTexCoord0.x > 3.2e38 ? 1.0 : 0.0;
   value = missing > 0.0 ? 0.0 : gl_MultiTexCoord0.x;
-  own = painting == 2 ? gl_MultiTexCoord0 : gl_Color;
+  own = textured != 0 ? gl_MultiTexCoord0 : gl_Color;
   gl_ClipVertex = eye;
   gl_Position = gl_ProjectionMatrix * eye;
 }
@@ -332,16 +332,18 @@ void main() {
 
 } // namespace
 
-/// The program that lights colours; null, after a report, without one.
-const Ogl::ShaderProgram* GpuMesh::LitProgram(Utility::Scoped<Rgl>& p_gl) const {
-  std::optional<Ogl::ShaderProgram>& lit = _buffers.Get(p_gl).lit;
-  if (!lit || !lit->Linked())
-    lit.emplace(p_gl, "#version 120\n" + std::string(Private::MeshVaryings) + VertexText, Private::LitColorText());
-  return lit->Linked() ? &*lit : nullptr;
-}
-
-void GpuMesh::DrawLit(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_lit, const char* p_signature) const {
-  p_lit.SetUniform(p_gl, "lighting", Private::LightingOf(*this));
+/// Draws with a program that was made for the shading, whose uniforms `p_setUniforms` sets.
+void GpuMesh::DrawLit(Utility::Scoped<Rgl>& p_gl, const MeshShading& p_shading, const char* p_signature,
+                      const SetUniforms& p_setUniforms) const {
+  const Ogl::ShaderProgram* const lit = ProgramOf(_buffers.Get(p_gl).lit, p_shading, [&] {
+    const std::string vertexText = "#version 120\n" + std::string(MeshVaryings) +
+                                   WithConstant(VertexText, "textured", p_shading.painting == ByTexture);
+    return Ogl::ShaderProgram(p_gl, vertexText, LitColorText(p_shading));
+  });
+  if (lit == nullptr)
+    return;
+  const auto inUse = lit->Use(p_gl);
+  p_setUniforms(*lit);
   const auto current = p_gl->PushAttribScope(RGL_CURRENT_BIT);
   p_gl->TexCoord(0, 0); // for a mesh without values
   const auto arrays = ArrayScope(*p_gl);
@@ -352,24 +354,23 @@ void GpuMesh::DrawLit(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_li
 void GpuMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
                    const PeelPass* p_pass) const {
   p_scale.Check();
-  const Ogl::ShaderProgram* const lit = Empty() ? nullptr : LitProgram(p_gl);
-  if (lit == nullptr)
+  if (Empty())
     return;
   const auto map = p_colors.Bind(p_gl);
-  const auto inUse = lit->Use(p_gl);
-  Private::SetColorUniforms(p_gl, *lit, _colors ? Private::ByColor : Private::ByValue, p_colors, p_scale, p_pass);
-  DrawLit(p_gl, *lit, Signature::DrawColors);
+  const MeshShading shading{_colors ? ByColor : ByValue, p_scale.logarithmic, LightingOf(*this), p_pass != nullptr};
+  DrawLit(p_gl, shading, Signature::DrawColors, [&](const Ogl::ShaderProgram& p_lit) {
+    SetColorUniforms(p_gl, p_lit, shading.painting, p_colors, p_scale, p_pass);
+  });
 }
 
 void GpuMesh::DrawTextured(Utility::Scoped<Rgl>& p_gl, const QColor& p_tint, const PeelPass* p_pass) const {
-  const Ogl::ShaderProgram* const lit = Empty() ? nullptr : LitProgram(p_gl);
-  if (lit == nullptr)
+  if (Empty())
     return;
-  const auto inUse = lit->Use(p_gl);
-  lit->SetUniform(p_gl, "painting", Private::ByTexture);
-  lit->SetUniform(p_gl, "tint", p_tint);
-  Private::SetPeelUniforms(p_gl, *lit, p_pass);
-  DrawLit(p_gl, *lit, Signature::DrawTextured);
+  const MeshShading shading{ByTexture, false, LightingOf(*this), p_pass != nullptr};
+  DrawLit(p_gl, shading, Signature::DrawTextured, [&](const Ogl::ShaderProgram& p_lit) {
+    p_lit.SetUniform(p_gl, "tint", p_tint);
+    SetPeelUniforms(p_gl, p_lit, p_pass);
+  });
 }
 
 void GpuMesh::Release(const Utility::Scoped<Rgl>& p_gl) const {

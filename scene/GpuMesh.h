@@ -28,9 +28,14 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace Vek::Chart::Scene {
+
+namespace Private {
+struct MeshShading;
+} // namespace Private
 
 /// A mesh in GPU buffers: positions, normals, texture coordinates or values, colours, indices, and their bounds.
 ///
@@ -150,8 +155,9 @@ private:
 
   /// The mesh several times, with the number of the copy as value, from 0 on; the mesh itself if it cannot be repeated.
   GpuMesh Repeated(std::size_t p_copies) const;
-  const Ogl::ShaderProgram* LitProgram(Utility::Scoped<Rgl>& p_gl) const;
-  void DrawLit(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_lit, const char* p_signature) const;
+  using SetUniforms = std::function<void(const Ogl::ShaderProgram&)>;
+  void DrawLit(Utility::Scoped<Rgl>& p_gl, const Private::MeshShading& p_shading, const char* p_signature,
+               const SetUniforms& p_setUniforms) const;
   void Complete();
   void CompleteNormals();
   void RequireLength(const char* p_name, std::size_t p_count) const;

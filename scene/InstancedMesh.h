@@ -142,6 +142,10 @@ public:
   /// then, if they are still too many, every k-th instance, where k is a power of two. Uploads no array. Has no effect
   /// on devices without levels.
   void SetMostVertices(std::size_t p_count) { _mostVertices = p_count; }
+  /// Draws so many instances and waits for them before the next ones; 0, the default, draws all at once. For little
+  /// memory: a rasteriser in software keeps the triangles that it has not drawn yet, hundreds of bytes each. Has no
+  /// effect on devices without levels.
+  void SetMostAtOnce(std::size_t p_count) { _mostAtOnce = p_count; }
   /// Every how many-th instance the last drawing in this context showed; 1 for all.
   std::size_t Step(const Utility::Scoped<Rgl>& p_gl) const;
 
@@ -199,6 +203,7 @@ private:
   std::size_t _undirected = 0;
   double _leastPixels = 0;
   std::size_t _mostVertices = 0;
+  std::size_t _mostAtOnce = 0;
   Ogl::PerContext<Buffers> _buffers;
 };
 

@@ -184,16 +184,14 @@ InstanceShaders InstancedMesh::Drawing::ShadersOf(const std::map<std::string, in
 /// Calls `p_draw` with the program of the shaders, its uniforms set.
 void InstancedMesh::Drawing::DrawWith(const InstanceShaders& p_shaders, const Level& p_level,
                                       const SetUniforms& p_draw) {
-  auto found = buffers.programs.find(p_shaders);
-  if (found == buffers.programs.end()) {
+  const Ogl::ShaderProgram* const found = Private::ProgramOf(buffers.programs, p_shaders, [&] {
     const std::vector<std::string> attributes{"", "place", "", "", "", "size", "axis_x", "axis_y", "", "paint"};
-    const Ogl::ShaderProgram program(gl, p_shaders.VertexText(), p_shaders.FragmentText(),
-                                     hasLevels ? std::vector<std::string>() : attributes);
-    if (!program.Linked())
-      return; // reported
-    found = buffers.programs.emplace(p_shaders, program).first;
-  }
-  const Ogl::ShaderProgram& program = found->second;
+    return Ogl::ShaderProgram(gl, p_shaders.VertexText(), p_shaders.FragmentText(),
+                              hasLevels ? std::vector<std::string>() : attributes);
+  });
+  if (found == nullptr)
+    return;
+  const Ogl::ShaderProgram& program = *found;
   const auto inUse = program.Use(gl);
   setUniforms(program);
   const double pixels = Projection::Of(gl).pixels;
@@ -234,7 +232,7 @@ namespace {
 
 // Units that neither colour maps nor layers use.
 constexpr std::array<const char*, 5> TextureNames{"order", "places", "sizes", "axes", "paints"};
-constexpr int FirstUnit = 4;
+constexpr int FirstUnit = Private::BufferTextures<5>::FirstUnit;
 
 /// Disables clip planes, which would cut the polygon instead of the sphere. Releasing the guard enables them again.
 boost::shared_ptr<void> WithoutCuts(const Utility::Scoped<Rgl>& p_gl, int p_cuts) {
@@ -251,23 +249,11 @@ boost::shared_ptr<void> WithoutCuts(const Utility::Scoped<Rgl>& p_gl, int p_cuts
 
 bool InstancedMesh::Drawing::BindTextures() {
   const GpuArray& paints = paint == Paint::Ids ? buffers.ids : buffers.paint;
-  const std::array<std::pair<Ogl::GlEnum, unsigned int>, 5> sources{
-      {{RGL_R32UI, buffers.order.Name()},
-       {RGL_RGB32F, buffers.positions.Name()},
-       {RGL_R32F, buffers.sizes.Name()},
-       {RGL_RGB32F, buffers.axes.Name()},
-       {paint == Paint::Ids || mesh._colors ? RGL_RGBA8 : RGL_R32F, paints.Name()}}};
-  for (std::size_t i = 0; i < sources.size(); ++i) {
-    if (!buffers.textures[i])
-      buffers.textures[i] = gl->GenTexture();
-    if (!buffers.textures[i])
-      return false; // reported
-    gl->ActiveTexture(RGL_TEXTURE0 + static_cast<unsigned int>(FirstUnit) + static_cast<unsigned int>(i));
-    gl->BindTexture(RGL_TEXTURE_BUFFER, buffers.textures[i]->Name());
-    gl->TexBuffer(RGL_TEXTURE_BUFFER, sources[i].first, sources[i].second);
-  }
-  gl->ActiveTexture(RGL_TEXTURE0);
-  return true;
+  return buffers.textures.Bind(*gl, {{{RGL_R32UI, buffers.order.Name()},
+                                      {RGL_RGB32F, buffers.positions.Name()},
+                                      {RGL_R32F, buffers.sizes.Name()},
+                                      {RGL_RGB32F, buffers.axes.Name()},
+                                      {paint == Paint::Ids || mesh._colors ? RGL_RGBA8 : RGL_R32F, paints.Name()}}});
 }
 
 /// Draws the instances of a level.
@@ -285,11 +271,17 @@ void InstancedMesh::Drawing::DrawLevel(std::size_t p_level, InstanceShaders p_sh
   DrawWith(p_shaders, level, [&](const Ogl::ShaderProgram& p_program) {
     for (std::size_t i = 0; i < TextureNames.size(); ++i)
       p_program.SetUniform(gl, TextureNames[i], FirstUnit + static_cast<int>(i));
-    p_program.SetUniform(gl, "first", static_cast<int>(range.first));
-    p_program.SetUniform(gl, "count", static_cast<int>(range.count));
     p_program.SetUniform(gl, "copies", static_cast<int>(copies));
     const auto uncut = WithoutCuts(gl, cuts);
-    mesh._repeated[p_level].DrawInstanced(gl, (range.count + copies - 1) / copies, {});
+    const std::size_t most = mesh._mostAtOnce != 0 ? mesh._mostAtOnce : range.count;
+    for (std::size_t begin = 0; begin < range.count; begin += most) {
+      if (begin != 0)
+        gl->Finish();
+      const std::size_t count = std::min(range.count - begin, most);
+      p_program.SetUniform(gl, "first", static_cast<int>(range.first + begin));
+      p_program.SetUniform(gl, "count", static_cast<int>(count));
+      mesh._repeated[p_level].DrawInstanced(gl, (count + copies - 1) / copies, {});
+    }
   });
 }
 

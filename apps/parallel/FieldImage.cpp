@@ -162,7 +162,7 @@ QImage DrawArrows(const Parallel::Compositor& p_compositor, const FieldOptions& 
     selection.region = Io::GridRegion{block.first, block.count};
     field = Io::ReadVectorField(p_options.path, selection);
     arrows = ArrowsOf(field, block.first, every);
-    field.vectors = {};
+    decltype(field.vectors)().swap(field.vectors); // frees them, which `= {}` does not
   });
 
   FigureDescription description = DescriptionOf(p_options, field.times);
@@ -239,6 +239,10 @@ QImage DrawVolume(const Parallel::Compositor& p_compositor, const FieldOptions& 
       last[axis] = cells[axis] = axes[axis].size() - 1;
     }
     whole = BoxBetween(axes, {0, 0, 0}, last);
+    for (const auto& [axis, position] : p_options.slices)
+      if (const double low = (&whole.Min().x)[axis], high = (&whole.Max().x)[axis]; position < low || position > high)
+        throw std::invalid_argument("--slice: expected " + std::to_string(low) + " to " + std::to_string(high) +
+                                    ", got " + std::to_string(position));
     knots = Scene::VoxelGrid::KnotsOf(axes[0], axes[1], axes[2]);
     const GridSplit::Block block = GridSplit(cells, all.Count()).At(all.Rank());
     if (block.Empty())

@@ -6,7 +6,9 @@
 
 #include "parallel/Processes.h"
 
+#include <QByteArray>
 #include <QGuiApplication>
+#include <QImageWriter>
 
 #include <iostream>
 #include <memory>
@@ -21,15 +23,41 @@ namespace {
 
 using namespace Vek::Chart;
 
+/// All arguments but the value of --field, of which processes may have different copies.
+QByteArray CommonArguments(QStringList p_arguments) {
+  p_arguments.removeFirst(); // the program
+  if (const int field = p_arguments.indexOf(QStringLiteral("--field")); field >= 0 && field + 1 < p_arguments.size())
+    p_arguments.removeAt(field + 1);
+  return p_arguments.join('\n').toUtf8();
+}
+
+void WriteImage(const QImage& p_image, const QString& p_path) {
+  QImageWriter writer(p_path);
+  if (!writer.write(p_image))
+    throw std::runtime_error(p_path.toStdString() +
+                             ": the image cannot be written: " + writer.errorString().toStdString());
+}
+
+/// Reports an error, which is the same in all processes, once.
+int Ended(const Parallel::Processes& p_all, const Parallel::ProcessError& p_error, int p_code) {
+  if (p_all.Rank() == 0)
+    std::cerr << "vek-parallel: " << p_error.what() << std::endl;
+  p_all.Any(true); // no process ends before the report, as mpirun then ends all
+  return p_code;
+}
+
 int Draw(const Parallel::Processes& p_all, const QStringList& p_arguments) {
   const bool isFirst = p_all.Rank() == 0;
   Apps::FieldOptions options;
+  const QByteArray own = CommonArguments(p_arguments), first = p_all.Broadcast(own);
   try {
-    options = Apps::ParseOptions(p_arguments);
-  } catch (const std::invalid_argument& error) { // the same in all processes
-    if (isFirst)
-      std::cerr << "vek-parallel: " << error.what() << '\n';
-    return 2;
+    p_all.Together([&] {
+      if (own != first) // otherwise processes would wait for each other
+        throw std::invalid_argument("expected the options of process 0, but for the path of the field");
+      options = Apps::ParseOptions(p_arguments);
+    });
+  } catch (const Parallel::ProcessError& error) {
+    return Ended(p_all, error, 2);
   }
   if (options.isHelp) {
     if (isFirst)
@@ -40,15 +68,12 @@ int Draw(const Parallel::Processes& p_all, const QStringList& p_arguments) {
     const Parallel::Compositor compositor(p_all);
     const QImage image = Apps::DrawField(compositor, options);
     p_all.Together([&] {
-      if (isFirst && !image.save(options.image))
-        throw std::runtime_error(options.image.toStdString() + ": the image cannot be written");
+      if (isFirst)
+        WriteImage(image, options.image);
     });
     return 0;
-  } catch (const Parallel::ProcessError& error) { // the same in all processes
-    if (isFirst)
-      std::cerr << "vek-parallel: " << error.what() << std::endl;
-    p_all.Any(true); // no process ends before the report, as mpirun then ends all
-    return 1;
+  } catch (const Parallel::ProcessError& error) {
+    return Ended(p_all, error, 1);
   }
 }
 

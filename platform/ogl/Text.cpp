@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 
 #include <algorithm>
+#include <limits>
 #include <string>
 
 namespace Vek::Chart::Ogl {
@@ -129,7 +130,10 @@ void Text::operator()(Utility::Scoped<Rgl>& p_gl) {
   p_gl->Enable(RGL_BLEND);
   p_gl->BlendFunc(RGL_ONE, RGL_ONE_MINUS_SRC_ALPHA); // the image's colours are premultiplied
 
-  const int x0 = position.x, y0 = position.y, x1 = x0 + image.width(), y1 = y0 + image.height();
+  const auto sum = [](int p_position, int p_extent) { // beyond any viewport, but within an int
+    return static_cast<int>(std::min<qint64>(qint64{p_position} + p_extent, std::numeric_limits<int>::max()));
+  };
+  const int x0 = position.x, y0 = position.y, x1 = sum(x0, image.width()), y1 = sum(y0, image.height());
   p_gl->Begin(RGL_QUADS);
   p_gl->TexCoord(0, 0);
   p_gl->Pixel(x0, y0);

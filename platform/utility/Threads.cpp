@@ -5,6 +5,7 @@
 #include <tbb/task_group.h>
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <exception>
@@ -18,8 +19,9 @@ namespace {
 /// Blocks on their way from `fill` to `join`.
 class BlockRun {
 public:
-  BlockRun(std::size_t p_slots, const BlockSteps& p_steps)
+  BlockRun(std::size_t p_threads, std::size_t p_slots, const BlockSteps& p_steps)
       : _steps(p_steps)
+      , _mostWorkers(p_threads - 1)
       , _slots(p_slots) {}
 
   /// Fills first, so that no thread waits for a block; works where there is nothing to fill or to join.
@@ -44,8 +46,8 @@ public:
 
 private:
   struct Slot {
-    bool done = false;
-    std::exception_ptr failure;
+    std::atomic<bool> done = false;
+    std::exception_ptr failure; ///< once it is done
   };
 
   Slot& SlotOf(std::size_t p_block) { return _slots[p_block % _slots.size()]; }
@@ -60,45 +62,57 @@ private:
     }
     if (!_mayFill)
       return;
+    bool wantsWorker = false;
     {
       const std::lock_guard<std::mutex> lock(_mutex);
-      SlotOf(_filled) = {};
+      SlotOf(_filled).done = false;
       _waiting.push_back(_filled);
+      wantsWorker = _workers < _mostWorkers;
+      _workers += wantsWorker ? 1 : 0;
     }
     ++_filled;
-    _tasks.run([this] { WorkOnOne(); });
+    if (wantsWorker)
+      _tasks.run([this] { Work(); });
+  }
+
+  /// Works in another thread until nothing waits. A task for each block would cost more than small blocks do.
+  void Work() {
+    std::unique_lock<std::mutex> lock(_mutex);
+    while (!_waiting.empty())
+      WorkOnFirst(lock);
+    --_workers;
   }
 
   /// Works on the first block that nobody works on. False where there is none.
   bool WorkOnOne() {
-    std::size_t block = 0;
-    {
-      const std::lock_guard<std::mutex> lock(_mutex);
-      if (_waiting.empty())
-        return false;
-      block = _waiting.front();
-      _waiting.pop_front();
-    }
+    std::unique_lock<std::mutex> lock(_mutex);
+    if (_waiting.empty())
+      return false;
+    WorkOnFirst(lock);
+    return true;
+  }
+
+  void WorkOnFirst(std::unique_lock<std::mutex>& p_lock) {
+    const std::size_t block = _waiting.front();
+    _waiting.pop_front();
+    p_lock.unlock();
     std::exception_ptr failure;
     try {
       _steps.work(block % _slots.size());
     } catch (...) {
       failure = std::current_exception();
     }
-    const std::lock_guard<std::mutex> lock(_mutex);
-    SlotOf(block) = {true, failure};
+    p_lock.lock();
+    SlotOf(block).failure = failure;
+    SlotOf(block).done = true;
     _someDone.notify_one();
-    return true;
   }
 
-  bool IsDone(std::size_t p_block) {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    return SlotOf(p_block).done;
-  }
+  bool IsDone(std::size_t p_block) { return SlotOf(p_block).done; }
 
   void WaitFor(std::size_t p_block) {
     std::unique_lock<std::mutex> lock(_mutex);
-    _someDone.wait(lock, [&] { return SlotOf(p_block).done; });
+    _someDone.wait(lock, [&] { return IsDone(p_block); });
   }
 
   void Join() {
@@ -117,6 +131,7 @@ private:
   }
 
   const BlockSteps& _steps;
+  const std::size_t _mostWorkers; ///< beside the calling thread
   // Of the calling thread.
   std::size_t _filled = 0;
   std::size_t _joined = 0;
@@ -126,6 +141,7 @@ private:
   std::mutex _mutex; // of what follows
   std::condition_variable _someDone;
   std::deque<std::size_t> _waiting;
+  std::size_t _workers = 0;
   std::vector<Slot> _slots;
 
   tbb::task_group _tasks;
@@ -147,7 +163,7 @@ void RunBlocks(Threads p_threads, std::size_t p_slots, const BlockSteps& p_steps
     return;
   }
   tbb::task_arena arena(std::min(threads, tbb::info::default_concurrency())); // more would be warned of
-  arena.execute([&] { BlockRun(p_slots, p_steps).Run(); });
+  arena.execute([&] { BlockRun(static_cast<std::size_t>(threads), p_slots, p_steps).Run(); });
 }
 
 void RunBlocks(Threads p_threads, std::size_t p_count, const std::function<void(std::size_t)>& p_work) {

@@ -55,6 +55,10 @@ std::size_t VerticesInTime(const Rgl& p_gl) {
   return OnDevices;
 }
 
+bool IsVeil(const PlotContent& p_content) {
+  return p_content.IsTransparent() && !p_content.IsBlended() && p_content.opacity > 0;
+}
+
 } // namespace
 
 QStringList Figure::State::Shortages(const Utility::Scoped<Rgl>& p_gl) const {
@@ -69,7 +73,12 @@ QStringList Figure::State::Shortages(const Utility::Scoped<Rgl>& p_gl) const {
 void Figure::State::DrawPlots(Utility::Scoped<Rgl>& p_gl, Private::Frame p_frame, std::optional<Layer> p_layer) {
   p_frame.cuts = SceneCuts();
   p_frame.isMoving = isMoving;
-  p_frame.mostVertices = isMoving ? VerticesInTime(*p_gl) / std::max<std::size_t>(1, Visible().size()) : 0;
+  // Half-transparent plots are drawn twice.
+  const std::size_t drawings = Visible().size() + Having(IsVeil).size();
+  p_frame.mostMoving = mayMove ? VerticesInTime(*p_gl) / std::max<std::size_t>(1, drawings) : 0;
+  p_frame.mostVertices = isMoving ? p_frame.mostMoving : 0;
+  constexpr std::size_t AtOnce = 1 << 15; // about 11 MB of triangles, where processes share the memory of a machine
+  p_frame.mostAtOnce = p_layer ? AtOnce : 0;
   const auto state = Private::SceneState(p_gl, p_frame.viewport);
   const auto matrices = p_frame.camera.Apply(p_gl, p_frame.viewport);
   DirectionalLight light; // no brighter than the colours of the colour bar, but for faint highlights
@@ -112,14 +121,6 @@ void Figure::State::DrawContents(Utility::Scoped<Rgl>& p_gl, const Private::Fram
     ForEachCopy(p_gl, p_frame, *content, [&](const Private::Frame& p_copy) { content->Draw(p_gl, p_copy); });
   }
 }
-
-namespace {
-
-bool IsVeil(const PlotContent& p_content) {
-  return p_content.IsTransparent() && !p_content.IsBlended() && p_content.opacity > 0;
-}
-
-} // namespace
 
 bool Figure::State::HasTransparent() const {
   return !Having(IsVeil).empty();

@@ -75,6 +75,7 @@ struct VEK_HIDDEN Figure::State {
   std::size_t added = 0; ///< plots that there have been
 
   bool isMoving = false;
+  bool mayMove = false; ///< whether the host ever said that it moves or rests
   bool hasTriad = false;
   Ogl::PerContext<Private::DepthPeeling> peeling;
   Private::DataTransform transform; ///< as of the last layout

@@ -1,19 +1,18 @@
 #pragma once
 
 #include "scene/InstancedMesh.h"
+#include "scene/private/BufferTextures.h"
 #include "scene/private/GpuArray.h"
 #include "scene/private/InstanceSelection.h"
 #include "scene/private/InstanceShaders.h"
+#include "scene/private/Programs.h"
 
 #include "platform/ogl/BufferPool.h"
 #include "platform/ogl/Objects.h"
-#include "platform/ogl/ShaderProgram.h"
 
 #include <boost/shared_ptr.hpp>
 
-#include <array>
 #include <cstdint>
-#include <map>
 #include <vector>
 
 namespace Vek::Chart::Scene {
@@ -28,8 +27,8 @@ struct InstancedMesh::Buffers {
   Shared<Rgba> numbers; ///< ids for devices without levels, if the caller gave none
   Private::InstanceSelection selection;
   Ogl::Buffer<std::uint32_t> order;
-  std::array<boost::shared_ptr<Ogl::Texture>, 5> textures;
-  std::map<Private::InstanceShaders, Ogl::ShaderProgram> programs;
+  Private::BufferTextures<5> textures;
+  Private::Programs<Private::InstanceShaders> programs;
 };
 
 } // namespace Vek::Chart::Scene

@@ -1,5 +1,6 @@
 #include "scene/private/LineTubes.h"
 
+#include "scene/private/BufferTextures.h"
 #include "scene/private/GpuArray.h"
 #include "scene/private/MeshArrays.h"
 #include "scene/private/MeshDraw.h"
@@ -42,7 +43,7 @@ struct LineTubes::Buffers {
   Ogl::Buffer<unsigned char> vertices;      ///< none until they are what the selection chose
   Ogl::Buffer<unsigned char> spareVertices; ///< of an earlier choice, to be written again
   Ogl::Buffer<std::uint32_t> indices;
-  std::array<boost::shared_ptr<Ogl::Texture>, 2> textures;
+  BufferTextures<2> textures;
   std::map<TubeShaders, Ogl::ShaderProgram> programs;
 
   // Without buffer textures.
@@ -97,9 +98,9 @@ struct LineTubes::Drawing {
   using SetUniforms = std::function<void(const Ogl::ShaderProgram&)>;
 
   bool HasTextures() const;
+  bool Upload();
   bool Select(TubeSelection::Input p_input);
   bool Write();
-  bool BindTextures();
   void Draw(TubeShaders p_shaders, const SetUniforms& p_setUniforms);
   void DrawSection(const TubeSection& p_section, const TubeSelection::Range& p_range, const TubeShaders& p_shaders,
                    const SetUniforms& p_setUniforms);
@@ -117,6 +118,11 @@ bool LineTubes::Drawing::HasTextures() const {
   return 2 * lines._lines->Stations().size() <= static_cast<std::size_t>(std::max(most, 0));
 }
 
+bool LineTubes::Drawing::Upload() {
+  return buffers.stations.Update(*gl, StationsOf(lines._lines), Signature) &&
+         buffers.values.Update(*gl, lines._values, Signature);
+}
+
 /// Finds what is drawn, and uploads what changed.
 bool LineTubes::Drawing::Select(TubeSelection::Input p_input) {
   p_input.lines = lines._lines;
@@ -124,9 +130,7 @@ bool LineTubes::Drawing::Select(TubeSelection::Input p_input) {
   p_input.isFlat = lines._isFlat;
   if (buffers.selection.Update(std::move(p_input)))
     buffers.vertices = {};
-  return buffers.stations.Update(*gl, StationsOf(lines._lines), Signature) &&
-         buffers.values.Update(*gl, lines._values, Signature) &&
-         (buffers.vertices.Count() != 0 || buffers.selection.IndexCount() == 0 || Write());
+  return Upload() && (buffers.vertices.Count() != 0 || buffers.selection.IndexCount() == 0 || Write());
 }
 
 namespace {
@@ -169,31 +173,16 @@ bool LineTubes::Drawing::Write() {
 namespace {
 
 constexpr std::array<const char*, 2> TextureNames{"stations", "values"};
-constexpr int FirstUnit = 4; // behind those of colour maps and layers
 
 } // namespace
-
-bool LineTubes::Drawing::BindTextures() {
-  const std::array<std::pair<Ogl::GlEnum, unsigned int>, 2> sources{
-      {{RGL_RGBA32F, buffers.stations.Name()}, {RGL_R32F, buffers.values.Name()}}};
-  for (std::size_t i = 0; i < sources.size(); ++i) {
-    if (!buffers.textures[i])
-      buffers.textures[i] = gl->GenTexture();
-    if (!buffers.textures[i])
-      return false; // reported
-    gl->ActiveTexture(RGL_TEXTURE0 + static_cast<unsigned int>(FirstUnit) + static_cast<unsigned int>(i));
-    gl->BindTexture(RGL_TEXTURE_BUFFER, buffers.textures[i]->Name());
-    gl->TexBuffer(RGL_TEXTURE_BUFFER, sources[i].first, sources[i].second);
-  }
-  gl->ActiveTexture(RGL_TEXTURE0);
-  return true;
-}
 
 void LineTubes::Drawing::Draw(TubeShaders p_shaders, const SetUniforms& p_setUniforms) {
   if (buffers.selection.IndexCount() == 0)
     return;
-  const auto state = gl->PushAttribScope(RGL_TEXTURE_BIT | RGL_CURRENT_BIT);
-  if (!BindTextures())
+  const auto state = gl->PushAttribScope(RGL_TEXTURE_BIT | RGL_CURRENT_BIT | RGL_MULTISAMPLE_BIT);
+  if (buffers.selection.IsShort())
+    gl->Disable(RGL_MULTISAMPLE);
+  if (!buffers.textures.Bind(*gl, {{{RGL_RGBA32F, buffers.stations.Name()}, {RGL_R32F, buffers.values.Name()}}}))
     return;
   const auto arrays = ArrayScope(*gl);
   for (const Ogl::GlEnum array : {RGL_VERTEX_ARRAY, RGL_NORMAL_ARRAY, RGL_COLOR_ARRAY})
@@ -224,7 +213,7 @@ void LineTubes::Drawing::DrawSection(const TubeSection& p_section, const TubeSel
   const auto inUse = program.Use(gl);
   p_setUniforms(program);
   for (std::size_t i = 0; i < TextureNames.size(); ++i)
-    program.SetUniform(gl, TextureNames[i], FirstUnit + static_cast<int>(i));
+    program.SetUniform(gl, TextureNames[i], BufferTextures<2>::FirstUnit + static_cast<int>(i));
   const bool isClosed = p_section.kind == TubeSection::Closed;
   // A flat strip in place of half a tube has its mean distance from the eye.
   const bool isLifted = p_section.kind == TubeSection::Facing && p_section.strips == 1;
@@ -235,6 +224,16 @@ void LineTubes::Drawing::DrawSection(const TubeSection& p_section, const TubeSel
   gl->DrawElements(RGL_TRIANGLES, static_cast<int>(p_range.count), RGL_UNSIGNED_INT,
                    reinterpret_cast<const void*>(offset)); // NOLINT: GL takes the offset as a pointer
 }
+
+namespace {
+
+bool HasSamples(const Utility::Scoped<Rgl>& p_gl) {
+  int buffers = 0;
+  p_gl->GetIntegerv(RGL_SAMPLE_BUFFERS, &buffers);
+  return buffers != 0;
+}
+
+} // namespace
 
 void LineTubes::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
                      const Quality& p_quality, const PeelPass* p_pass) const {
@@ -250,6 +249,7 @@ void LineTubes::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colo
   input.isOpen = p_quality.isOpen;
   input.isOnScreen = p_quality.pixels > 0;
   input.mostVertices = p_quality.mostVertices;
+  input.hasSamples = p_quality.mostVertices != 0 && HasSamples(p_gl);
   input.view = input.sizing = Projection::Of(p_gl);
   if (!drawing.Select(std::move(input)))
     return;
@@ -266,6 +266,13 @@ void LineTubes::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colo
       p_program.SetUniform(p_gl, "pixels", static_cast<float>(p_quality.pixels / 2));
     }
   });
+}
+
+void LineTubes::Upload(Utility::Scoped<Rgl>& p_gl) const {
+  if (!_lines)
+    return;
+  if (Drawing drawing{p_gl, *this}; drawing.HasTextures())
+    drawing.Upload();
 }
 
 void LineTubes::DrawPick(Utility::Scoped<Rgl>& p_gl, const PickPass& p_pass) const {

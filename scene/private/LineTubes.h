@@ -44,6 +44,8 @@ public:
   /// Draws in the colours of the values, lit, as `GpuMesh::Draw` does.
   void Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_colors, const ValueScale& p_scale,
             const Quality& p_quality, const PeelPass* p_pass = nullptr) const;
+  /// Uploads what the first drawing would upload.
+  void Upload(Utility::Scoped<Rgl>& p_gl) const;
   /// Draws depths, or numbers for PointOf, with the levels of the last drawing.
   void DrawPick(Utility::Scoped<Rgl>& p_gl, const PickPass& p_pass) const;
   /// Every how many-th line the last drawing had.

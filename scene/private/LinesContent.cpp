@@ -45,8 +45,10 @@ void LinesContent::SetDiameter(double p_diameter) {
 Box LinesContent::PlaceChanged(const Changes& p_changes) {
   if (p_changes.isMoved)
     PlacePoints();
-  if (p_changes.isMoved || p_changes.values || _diameter > 0)
+  if (p_changes.isMoved || _diameter > 0)
     _hasCoarse = false;
+  else if (_hasCoarse && p_changes.values)
+    _coarse.SetValues(TubeValues());
   const bool isShaped = p_changes.isMoved || _isShapeChanged;
   const bool isTubes = _diameter > 0;
   if (isShaped && isTubes)
@@ -128,21 +130,27 @@ std::vector<float> LinesContent::TubeValues() const {
 
 void LinesContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   const Library::ColorMap& map = coloring.Map(p_gl);
-  _isCoarse = DrawsCoarse(p_frame);
-  if (_isCoarse && !std::exchange(_hasCoarse, true)) {
-    constexpr double Thin = 1e-9; // in diagonals; their width is one on the screen
-    _coarse.SetLines(PiecesOf(Thin * _placement.diagonal), TubeValues(), _placement.isFlat);
-  }
+  if (IsCoarse(p_frame.mostMoving))
+    PlaceCoarse(p_gl);
+  _isCoarse = IsCoarse(p_frame.mostVertices);
   if (_diameter > 0 || _isCoarse)
     (_isCoarse ? _coarse : _tubes).Draw(p_gl, map, coloring.Scale(), QualityOf(p_frame), p_frame.layer);
   else
     _lines.Draw(p_gl, map, coloring.Scale(), _width * p_frame.pixelRatio, p_frame.layer);
 }
 
-/// Whether lines are drawn without round joints, and with fewer segments: there is no time for more.
-bool LinesContent::DrawsCoarse(const Frame& p_frame) const {
+/// Whether there is only time to draw lines without round joints, and with fewer segments.
+bool LinesContent::IsCoarse(std::size_t p_mostVertices) const {
   constexpr std::size_t Vertices = 4; // of a segment
-  return _diameter == 0 && p_frame.mostVertices != 0 && Vertices * Count() > p_frame.mostVertices;
+  return _diameter == 0 && p_mostVertices != 0 && Vertices * Count() > p_mostVertices;
+}
+
+/// In a frame at rest, which takes longer, so that the first one of a moving camera does not wait.
+void LinesContent::PlaceCoarse(Utility::Scoped<Rgl>& p_gl) {
+  constexpr double Thin = 1e-9; // in diagonals; their width is one on the screen
+  if (!std::exchange(_hasCoarse, true))
+    _coarse.SetLines(PiecesOf(Thin * _placement.diagonal), TubeValues(), _placement.isFlat);
+  _coarse.Upload(p_gl);
 }
 
 LineTubes::Quality LinesContent::QualityOf(const Frame& p_frame) const {

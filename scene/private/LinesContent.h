@@ -39,7 +39,8 @@ private:
   void PlaceTubes();
   std::vector<std::vector<TubeMesh::Point>> PiecesOf(double p_width) const;
   LineTubes::Quality QualityOf(const Frame& p_frame) const;
-  bool DrawsCoarse(const Frame& p_frame) const;
+  bool IsCoarse(std::size_t p_mostVertices) const;
+  void PlaceCoarse(Utility::Scoped<Rgl>& p_gl);
   std::vector<float> TubeValues() const;
   std::optional<std::size_t> PointOfTube(std::uint32_t p_number, const Point& p_scene) const;
   std::optional<std::size_t> PointOfSegment(std::uint32_t p_segment, const Point& p_scene) const;

@@ -40,10 +40,6 @@ GlEnum Token(VertexBuffer::PrimitiveType p_type) {
   return Tokens[p_type];
 }
 
-const void* Offset(std::size_t p_bytes) {
-  return reinterpret_cast<const void*>(p_bytes); // NOLINT: GL takes the offset as a pointer
-}
-
 void SetPointers(const Rgl& p_gl, const FixedArrays& p_arrays) {
   const auto& [positions, normals, texCoords, colors, indices] = p_arrays;
   const auto enable = [&](GlEnum p_array, const FixedArray& p_source) {

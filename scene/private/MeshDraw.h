@@ -33,6 +33,10 @@ struct FixedArrays {
 inline bool IsDrawable(Ogl::VertexBuffer::PrimitiveType p_type) {
   return static_cast<unsigned int>(p_type) < Ogl::VertexBuffer::Undecided;
 }
+/// An offset in a buffer, which GL takes as a pointer.
+inline const void* Offset(std::size_t p_bytes) {
+  return reinterpret_cast<const void*>(p_bytes); // NOLINT: see above
+}
 /// Whether an attribute has that many records, one or more.
 bool Suffices(const GpuMesh::InstanceAttribute& p_attribute, std::size_t p_count);
 

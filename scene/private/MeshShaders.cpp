@@ -22,25 +22,6 @@ float StoredValue(float p_value) {
   return std::isnan(p_value) ? MissingValue : std::clamp(p_value, -LargestValue, LargestValue);
 }
 
-const std::string& LitColorText() {
-  static const std::string Text = "#version 120\n" + std::string(MeshVaryings) + LitColorBody();
-  return Text;
-}
-
-const std::string& LitColorBody() {
-  static const std::string Text = std::string(PeelText) + ColorText + LightText + R"(
-void main() {
-  vec4 color = PlainColor();
-  if (color.a == 0.0)
-    discard;
-  gl_FragColor = Lit(color);
-  if (IsPeeled()) // after the derivatives
-    discard;
-}
-)";
-  return Text;
-}
-
 const char* const ColorText = R"(
 uniform sampler2D colors;
 uniform int painting;    // 0: by value, 1: by colour, 2: by texture
@@ -88,6 +69,31 @@ vec4 Lit(vec4 color) {
   return vec4(color.rgb * shade + gloss, color.a);
 }
 )";
+
+std::string LitColorText(const MeshShading& p_shading) {
+  constexpr const char* Main = R"(
+void main() {
+  vec4 color = PlainColor();
+  if (color.a == 0.0)
+    discard;
+  gl_FragColor = Lit(color);
+  if (peeled != 0 && IsPeeled()) // after the derivatives
+    discard;
+}
+)";
+  const std::string coloring =
+      WithConstant(WithConstant(ColorText, "painting", p_shading.painting), "logarithmic", p_shading.isLogarithmic);
+  return "#version 120\n" + std::string(MeshVaryings) + PeelText + coloring +
+         WithConstant(LightText, "lighting", p_shading.lighting) +
+         "const int peeled = " + std::to_string(p_shading.isPeeled ? 1 : 0) + ";\n" + Main;
+}
+
+std::string WithConstant(std::string p_text, const std::string& p_uniform, int p_number) {
+  const std::string declaration = "uniform int " + p_uniform + ';';
+  if (const std::size_t at = p_text.find(declaration); at != std::string::npos)
+    p_text.replace(at, declaration.size(), "const int " + p_uniform + " = " + std::to_string(p_number) + ';');
+  return p_text;
+}
 
 Lighting LightingOf(const GpuMesh& p_mesh) {
   switch (p_mesh.Primitive()) {

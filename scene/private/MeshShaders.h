@@ -10,6 +10,7 @@
 #include "platform/utility/Scope.h"
 
 #include <string>
+#include <tuple>
 
 namespace Vek::Chart::Scene::Private {
 
@@ -30,10 +31,6 @@ varying float missing; // above 0 for a missing value
 varying vec4 own;      // the colour, or the texture coordinates, where it does not come from the map
 )";
 
-/// A fragment shader that lights the colours of a map by GL's light 0.
-const std::string& LitColorText();
-/// Likewise, without the version and MeshVaryings.
-const std::string& LitColorBody();
 /// Part of LitColorText: `vec4 PlainColor()` of `value`, `missing` and `own`.
 extern const char* const ColorText;
 /// Part of LitColorText: `vec4 Lit(vec4 color)` by the macros POSITION and NORMAL, or `position` and `normal`.
@@ -50,10 +47,30 @@ enum Lighting : int {
   ByOneNormal = 4, ///< which points to the eye
 };
 
+/// What the fragments of a drawing have in common. It lies in the texts of shaders as constants, since rasterisers in
+/// software work through both sides of each branch on a uniform.
+struct MeshShading {
+  Painting painting = ByValue;
+  bool isLogarithmic = false; ///< the scale of values
+  Lighting lighting = Unlit;
+  bool isPeeled = false; ///< a layer in front is left out
+
+  friend bool operator<(const MeshShading& p_a, const MeshShading& p_b) {
+    return std::tie(p_a.painting, p_a.isLogarithmic, p_a.lighting, p_a.isPeeled) <
+           std::tie(p_b.painting, p_b.isLogarithmic, p_b.lighting, p_b.isPeeled);
+  }
+};
+
+/// A fragment shader that lights the colours of a map by GL's light 0.
+std::string LitColorText(const MeshShading& p_shading);
+
+/// A text with a constant in place of a uniform of type int.
+std::string WithConstant(std::string p_text, const std::string& p_uniform, int p_number);
+
 /// How a mesh is to be lit.
 Lighting LightingOf(const GpuMesh& p_mesh);
 
-/// Sets the uniforms of LitColorText, but for the lighting. With a pass, fragments in front of its layer are left out.
+/// Sets the uniforms of LitColorText. With a pass, fragments in front of its layer are left out.
 /// The program must be current.
 void SetColorUniforms(Utility::Scoped<Rgl>& p_gl, const Ogl::ShaderProgram& p_program, Painting p_painting,
                       const Library::ColorMap& p_colors, const ValueScale& p_scale, const PeelPass* p_pass = nullptr);

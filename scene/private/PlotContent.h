@@ -60,6 +60,8 @@ struct Frame {
   std::vector<Types::Plane> cuts{};
   bool isMoving = false;           ///< another frame follows soon: coarser may do
   std::size_t mostVertices = 0;    ///< about, of glyphs or lines; 0 for any number
+  std::size_t mostMoving = 0;      ///< the same in moving frames; 0 also where there will be none
+  std::size_t mostAtOnce = 0;      ///< glyphs that are drawn before others, to save memory; 0 for any number
   const PeelPass* layer = nullptr; ///< of half-transparent plots; for the drawings of parts (see PlotContent::IsPeeled)
 };
 

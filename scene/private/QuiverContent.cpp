@@ -287,6 +287,8 @@ void QuiverContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
     SetLevels();
   _arrows.SetMostVertices(p_frame.mostVertices);
   _dots.SetMostVertices(p_frame.mostVertices);
+  _arrows.SetMostAtOnce(p_frame.mostAtOnce);
+  _dots.SetMostAtOnce(p_frame.mostAtOnce);
   _arrows.Draw(p_gl, map, coloring.Scale(), p_frame.layer);
   _dots.Draw(p_gl, map, coloring.Scale(), p_frame.layer);
 }

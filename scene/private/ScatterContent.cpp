@@ -144,6 +144,7 @@ void ScatterContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
     PlaceColors();
   SetLeastSize(p_frame);
   _mesh.SetMostVertices(p_frame.mostVertices);
+  _mesh.SetMostAtOnce(p_frame.mostAtOnce);
   _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
 }
 

@@ -104,6 +104,24 @@ struct TubeSelection::Rules {
     return 0;
   }
 
+  Choice OfBlock(std::size_t p_block) const {
+    const TubeLevels::Block& block = input.lines->Blocks()[p_block];
+    if (!MaySee(block.center, block.reach))
+      return {};
+    const double pixels = PixelsAt(block.center, block.reach);
+    return {SectionFor(block, pixels), LevelFor(p_block, pixels)};
+  }
+  Choice OfCap(std::size_t p_cap) const {
+    const auto& [position, radius, rotation] = input.lines->Stations()[input.lines->Caps()[p_cap].station];
+    const Vector center(static_cast<double>(position[0]), static_cast<double>(position[1]),
+                        static_cast<double>(position[2]));
+    const auto reach = static_cast<double>(radius);
+    const double pixels = 2 * reach * PixelsAt(center, reach);
+    if (!MaySee(center, reach) || pixels <= TubeSections[0].mostPixels * coarseness)
+      return {};
+    return {SectionOf(TubeSection::Closed, pixels / coarseness), 0};
+  }
+
   const Input& input;
   double coarseness;
   Plane depth; ///< clip coordinate w
@@ -116,17 +134,19 @@ bool TubeSelection::Update(Input p_input) {
   const bool isSame = p_input.lines == _input.lines && p_input.values == _input.values && p_input.span == _input.span &&
                       p_input.isLogarithmic == _input.isLogarithmic && p_input.isFlat == _input.isFlat &&
                       p_input.isOnScreen == _input.isOnScreen && p_input.isOpen == _input.isOpen &&
-                      p_input.mostVertices == _input.mostVertices && p_input.sizing == _input.sizing &&
-                      p_input.view == _input.view;
+                      p_input.mostVertices == _input.mostVertices && p_input.hasSamples == _input.hasSamples &&
+                      p_input.sizing == _input.sizing && p_input.view == _input.view;
   if (isSame)
     return false;
   const bool isOther = p_input.lines != _input.lines;
   _input = std::move(p_input);
   const std::vector<Choice> before = std::exchange(_choices, {});
   _step = 1;
+  _isShort = false;
   const auto room = static_cast<double>(_input.mostVertices);
   Choose(1);
-  if (_input.mostVertices != 0 && Cost() > room) {
+  _isShort = _input.mostVertices != 0 && Cost() > room;
+  if (_isShort) {
     double coarseness = 8; // errors of four fifths of a pixel
     Choose(coarseness);
     constexpr std::uint32_t Few = 64; // lines: each of them is missed
@@ -154,27 +174,15 @@ std::size_t TubeSelection::LineOf(std::size_t p_item) const {
 
 void TubeSelection::Choose(double p_coarseness) {
   const Rules rules(_input, p_coarseness);
-  const std::vector<TubeLevels::Block>& blocks = _input.lines->Blocks();
-  const std::vector<TubeLevels::Cap>& caps = _input.lines->Caps();
-  _choices.assign(blocks.size() + caps.size(), {});
-  for (std::size_t i = 0; i < blocks.size(); ++i) {
-    const TubeLevels::Block& block = blocks[i];
-    if (!rules.MaySee(block.center, block.reach))
-      continue;
-    const double pixels = rules.PixelsAt(block.center, block.reach);
-    _choices[i] = {rules.SectionFor(block, pixels), rules.LevelFor(i, pixels)};
-  }
-  if (_input.isFlat || _input.isOnScreen)
-    return;
-  for (std::size_t i = 0; i < caps.size(); ++i) {
-    const auto& [position, radius, rotation] = _input.lines->Stations()[caps[i].station];
-    const Vector center(static_cast<double>(position[0]), static_cast<double>(position[1]),
-                        static_cast<double>(position[2]));
-    const auto reach = static_cast<double>(radius);
-    const double pixels = 2 * reach * rules.PixelsAt(center, reach);
-    if (rules.MaySee(center, reach) && pixels > TubeSections[0].mostPixels * p_coarseness)
-      _choices[blocks.size() + i].section = Rules::SectionOf(TubeSection::Closed, pixels / p_coarseness);
-  }
+  const std::size_t blocks = _input.lines->Blocks().size();
+  const bool hasCaps = !_input.isFlat && !_input.isOnScreen;
+  _choices.assign(blocks + _input.lines->Caps().size(), {});
+  constexpr std::size_t AtOnce = 2048;
+  const std::size_t count = hasCaps ? _choices.size() : blocks;
+  Utility::RunBlocks(Utility::Threads::All(), (count + AtOnce - 1) / AtOnce, [&](std::size_t p_part) {
+    for (std::size_t i = p_part * AtOnce; i < std::min((p_part + 1) * AtOnce, count); ++i)
+      _choices[i] = i < blocks ? rules.OfBlock(i) : rules.OfCap(i - blocks);
+  });
 }
 
 /// Whether a block goes on by a segment in its neighbour before or behind, which has a coarser section: rings of
@@ -196,12 +204,12 @@ std::size_t TubeSelection::RingsOf(std::size_t p_block) const {
 
 /// The time that drawing takes, in vertices of glyphs.
 double TubeSelection::Cost() const {
-  constexpr double OfVertex = 0.5; // triangles of tubes share theirs
+  constexpr double OfVertex = 0.6, WithSamples = 2; // triangles of tubes share theirs, but most of them are longer
   double vertices = 0;
   for (std::size_t i = 0; i < _input.lines->Blocks().size(); ++i)
     if (_choices[i].section != LeftOut)
       vertices += static_cast<double>(RingsOf(i) * TubeSections[_choices[i].section].Vertices());
-  return OfVertex * vertices;
+  return (_input.hasSamples && !_isShort ? WithSamples : OfVertex) * vertices;
 }
 
 /// Finds where each block and cap is written.
@@ -210,21 +218,27 @@ void TubeSelection::Count() {
   _firstVertex.assign(_choices.size(), 0);
   _firstIndex.assign(_choices.size(), 0);
   _vertices = _indices = 0;
-  for (std::size_t section = 0; section < TubeSections.size(); ++section) {
-    _ranges[section].first = _indices;
-    const std::size_t around = TubeSections[section].Vertices(), strips = TubeSections[section].strips;
-    for (std::size_t i = 0; i < _choices.size(); ++i) {
-      if (_choices[i].section != section)
-        continue;
-      _firstVertex[i] = static_cast<std::uint32_t>(_vertices);
-      _firstIndex[i] = static_cast<std::uint32_t>(_indices);
-      const bool isCap = i >= blocks;
-      const std::size_t rings = isCap ? 0 : RingsOf(i) + (Overlaps(i, true) ? 1U : 0U) + (Overlaps(i, false) ? 1U : 0U);
-      _vertices += isCap ? around + 1 : rings * around;
-      _indices += isCap ? 3 * around : 6 * strips * (rings - 1);
-    }
-    _ranges[section].count = _indices - _ranges[section].first;
+  _ranges = {};
+  for (std::size_t i = 0; i < _choices.size(); ++i) {
+    if (_choices[i].section == LeftOut)
+      continue;
+    const std::size_t around = TubeSections[_choices[i].section].Vertices(),
+                      strips = TubeSections[_choices[i].section].strips;
+    const bool isCap = i >= blocks;
+    const std::size_t rings = isCap ? 0 : RingsOf(i) + (Overlaps(i, true) ? 1U : 0U) + (Overlaps(i, false) ? 1U : 0U);
+    const std::size_t indices = isCap ? 3 * around : 6 * strips * (rings - 1);
+    _firstVertex[i] = static_cast<std::uint32_t>(_vertices);
+    _firstIndex[i] = static_cast<std::uint32_t>(_ranges[_choices[i].section].count); // in its section
+    _vertices += isCap ? around + 1 : rings * around;
+    _ranges[_choices[i].section].count += indices;
   }
+  for (Range& range : _ranges) {
+    range.first = _indices;
+    _indices += range.count;
+  }
+  for (std::size_t i = 0; i < _choices.size(); ++i)
+    if (_choices[i].section != LeftOut)
+      _firstIndex[i] += static_cast<std::uint32_t>(_ranges[_choices[i].section].first);
 }
 
 namespace {

@@ -61,6 +61,7 @@ public:
     bool isOnScreen = false;      ///< of a width in pixels
     bool isOpen = false;          ///< whether insides are seen
     std::size_t mostVertices = 0; ///< about; 0 for any number
+    bool hasSamples = false;      ///< whether pixels have several samples
     Projection sizing;            ///< decides on levels
     Projection view;              ///< decides on what may be seen
   };
@@ -76,6 +77,8 @@ public:
   const Input& Last() const { return _input; }
   /// Every how many-th line is drawn.
   std::size_t Step() const { return _step; }
+  /// Whether there is no time for errors below a fifth of a pixel, nor for several samples.
+  bool IsShort() const { return _isShort; }
 
   std::size_t VertexCount() const { return _vertices; }
   std::size_t IndexCount() const { return _indices; }
@@ -104,6 +107,7 @@ private:
   void WriteCap(std::size_t p_cap, TubeVertex* p_vertices, std::uint32_t* p_indices) const;
 
   Input _input;
+  bool _isShort = false;
   std::size_t _step = 1, _vertices = 0, _indices = 0;
   std::vector<Choice> _choices;                         ///< of the blocks, and then of the caps
   std::vector<std::uint32_t> _firstVertex, _firstIndex; ///< of each of them

@@ -101,13 +101,6 @@ uniform float plot; // (number + 1) / 255
 void main() { gl_FragColor = vec4(vec3(number & 255, (number >> 8) & 255, number >> 16) / 255.0, plot); }
 )";
 
-std::string WithConstant(std::string p_text, const std::string& p_name, int p_number) {
-  const std::string uniform = "uniform int " + p_name + ';';
-  if (const std::size_t at = p_text.find(uniform); at != std::string::npos)
-    p_text.replace(at, uniform.size(), "const int " + p_name + " = " + std::to_string(p_number) + ';');
-  return p_text;
-}
-
 std::string Head(const TubeShaders& p_shaders, const char* p_link) {
   const auto constant = [](const char* p_name, int p_number) {
     return std::string("const int ") + p_name + " = " + std::to_string(p_number) + ";\n";

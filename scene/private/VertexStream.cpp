@@ -34,10 +34,6 @@ Ogl::Buffer<unsigned char> Uploaded(const Rgl& p_gl, const std::vector<Vertex>& 
   return buffer.Storage()->ContentsLost() ? Ogl::Buffer<unsigned char>() : buffer; // reported by the mapping
 }
 
-const void* Offset(std::size_t p_bytes) {
-  return reinterpret_cast<const void*>(p_bytes); // NOLINT: GL takes the offset as a pointer
-}
-
 void Bind(const Rgl& p_gl, unsigned int p_buffer, unsigned int p_attributes) {
   const auto enable = [&](Ogl::GlEnum p_array, unsigned int p_attribute) {
     const bool isRead = (p_attributes & p_attribute) != 0;

@@ -13,9 +13,12 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <functional>
 #include <vector>
 
 namespace Vek::Chart::Scene::Private {
+
+struct WideLineShading;
 
 /// Polylines of a constant width on the screen, with round joints and ends, in one draw call. GL's own wide lines have
 /// neither, and end at a width that each driver chooses. Each segment is an instance of a stadium shape, which the
@@ -36,8 +39,13 @@ public:
 
 private:
   struct Buffers;
-  void DrawSegments(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, const Ogl::ShaderProgram& p_program,
-                    double p_pixels) const;
+  using SetUniforms = std::function<void(const Ogl::ShaderProgram&)>;
+  void DrawSegments(Utility::Scoped<Rgl>& p_gl, const WideLineShading& p_shading, double p_pixels,
+                    const SetUniforms& p_setUniforms) const;
+  bool CanFetch(const Utility::Scoped<Rgl>& p_gl) const;
+  void DrawAttributes(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, bool p_hasValues, double p_pixels) const;
+  void DrawFetched(Utility::Scoped<Rgl>& p_gl, Buffers& p_buffers, const Ogl::ShaderProgram& p_program,
+                   double p_pixels) const;
   template <class T>
   using Shared = boost::shared_ptr<const std::vector<T>>;
 

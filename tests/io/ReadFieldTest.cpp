@@ -1,32 +1,16 @@
 #include "io/FileError.h"
-#include "io/ReadHeights.h"
 #include "io/ReadVectorField.h"
 #include "io/ReadVolume.h"
 #include "scene/VectorField.h"
 #include "scene/VoxelGrid.h"
 #include "tests/support/Damage.h"
 #include "tests/support/Formats.h"
+#include "tests/support/NetCdf.h"
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Io;
 
 namespace {
-
-/// The bytes of a NetCDF file that ncgen, of the package netcdf-bin, makes of a text.
-std::string NetCdf(const std::string& p_text, const std::string& p_kind = "classic") {
-  const TempFolder folder;
-  const std::string from = folder.Write("a.cdl", "netcdf a {\n" + p_text + "}\n"), to = folder.File("a.nc");
-  EXPECT_EQ(std::system(("ncgen -k '" + p_kind + "' -o " + to + " " + from).c_str()), 0) << p_text;
-  std::ostringstream bytes;
-  bytes << std::ifstream(to, std::ios::binary).rdbuf();
-  return bytes.str();
-}
-
-std::ostream& operator<<(std::ostream& p_out, const std::vector<double>& p_numbers) {
-  for (std::size_t i = 0; i < p_numbers.size(); ++i)
-    (std::isnan(p_numbers[i]) ? p_out << (i ? " ?" : "?") : p_out << (i ? " " : "") << p_numbers[i]);
-  return p_out;
-}
 
 /// "x NAME[UNIT] POSITIONS … | NAMES [UNIT] | VECTORS | TIMES"; without what is empty.
 std::string Summary(const Io::VectorField& p_field) {
@@ -45,15 +29,6 @@ std::string Vectors(const std::string& p_bytes, const FieldSelection& p_selectio
   std::istringstream stream(p_bytes);
   return Summary(ReadVectorField(stream, "f", p_selection));
 }
-std::string Heights(const std::string& p_bytes, const FieldSelection& p_selection = {}) {
-  std::istringstream stream(p_bytes);
-  const HeightGrid grid = ReadHeights(stream, "f", p_selection);
-  std::ostringstream out;
-  out << grid.xName << '[' << grid.xUnit << "] " << grid.x << " | " << grid.yName << '[' << grid.yUnit << "] " << grid.y
-      << " | " << grid.name << '[' << grid.unit << "] | " << grid.heights << " | " << grid.levels;
-  return out.str();
-}
-
 const std::string Wind =
     "dimensions: lon = 2 ; lat = 2 ; time = UNLIMITED ;\nvariables:\n"
     "float lat(lat) ; lat:units = \"degrees_north\" ;\nint time(time) ;\n"
@@ -237,59 +212,6 @@ TEST(ReadVectorField, ReadsTables) {
   }
 }
 
-TEST(ReadHeights, ReadsEachFormat) {
-  const std::string layers =
-      NetCdf("dimensions: z = 2 ; y = 2 ; x = 2 ;\nvariables: float z(z) ; z:positive = \"down\" ; float b(y, x) ;\n"
-             "float t(z, y, x) ; t:long_name = \"temperature\" ; t:units = \"K\" ;\n"
-             "data: z = 0, 5 ; b = 9, 9, 9, 9 ; t = 1, 2, 3, 4, 5, 6, 7, 8 ;\n");
-  EXPECT_EQ(Heights(layers), "x[] 0 1 | y[] 0 1 | b[] | 9 9 9 9 | ");
-  EXPECT_EQ(Heights(layers, {{"t"}, 0, 1}), "x[] 0 1 | y[] 0 1 | temperature[K] | 5 6 7 8 | 0 -5");
-  EXPECT_EQ(Heights(NetCdf("dimensions: y = 1 ; x = 2 ;\nvariables: float t(y, x) ; t:units = \"degrees C\" ;\n"
-                           "data: t = 1, 2 ;\n")),
-            "x[] 0 1 | y[] 0 | t[degrees C] | 1 2 | ");
-  EXPECT_EQ(Heights("3 2 10 1 20 -2\n1 nan 3\n4 5 6\n"), "[] 10 11 12 | [] 20 18 | [] | 1 ? 3 4 5 6 | ");
-  EXPECT_EQ(Heights("lon lat depth(m)\n1 1 4\n0 1 3\n0 0 1\n"), "lon[] 0 1 | lat[] 0 1 | depth[m] | 1 ? 3 4 | ");
-}
-
-TEST(ReadHeights, ReadsEsriGrids) {
-  const std::array<std::string, 2> rows[] = {
-      {"ncols 3\nnrows 2\nxllcorner 10\nyllcorner 20\ncellsize 2\nNODATA_value -1\n1 -1 3\n4 5 6\n",
-       "[] 11 13 15 | [] 23 21 | [] | 1 ? 3 4 5 6 | "},
-      {"NROWS 1\r\nNCOLS 2\r\nXLLCENTER 1e1\r\nYLLCENTER 20\r\nDX 0.5\r\nDY 2\r\n-9999 3\r\n",
-       "[] 10 10.5 | [] 20 | [] | ? 3 | "},
-      {"ncols 2\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\nNODATA_value -3.402823e+38\n-3.4028234663852886e+38 "
-       "-9999\n",
-       "[] 0.5 1.5 | [] 0.5 | [] | ? -9999 | "},
-  };
-  for (const auto& [text, expected] : rows)
-    EXPECT_EQ(Heights(text), expected);
-  const std::string start = "ncols 2\nnrows 1\nxllcorner 0\nyllcorner 0\n";
-  const std::array<std::string, 2> errors[] = {
-      {start + "1 2\n",
-       "f:5: expected ncols, nrows, xllcorner, yllcorner and cellsize in front of the heights, got \"1\""},
-      {start + "cellsize 0\n1 2\n", "f:5: expected a size above 0, got \"0\""},
-      {start + "cellsize 1\n1\n", "f:7: expected a number, got \"the end of the file\""},
-      {start + "cellsize 1\n1 2 3\n", "f:6: expected the end of the file after 2 heights, got \"3\""},
-      {"ncols 1.5\n", "f:1: expected a whole number from 1 to 1000000, got \"1.5\""},
-  };
-  for (const auto& [text, expected] : errors)
-    EXPECT_EQ(ErrorOf<FileError>([&, t = text] { Heights(t); }), expected);
-}
-
-TEST(HeightGrid, ClosesWhatGoesAround) {
-  HeightGrid world;
-  world.x = {5, 95, 185, 275}, world.y = {0, 10}, world.heights = {1, 2, 3, 4, 5, 6, 7, 8};
-  const HeightGrid closed = world.Closed();
-  EXPECT_EQ(closed.x, (std::vector<double>{5, 95, 185, 275, 365}));
-  EXPECT_EQ(closed.heights, (std::vector<double>{1, 2, 3, 4, 1, 5, 6, 7, 8, 5}));
-  EXPECT_EQ(closed.Closed().x, closed.x); // once
-  EXPECT_EQ(world.Closed(10).x, world.x);
-  std::reverse(world.x.begin(), world.x.end());
-  EXPECT_EQ(world.Closed().x.back(), -85);
-  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { world.Closed(0); }),
-            "Closed: expected a period above 0, got 0.000000");
-}
-
 TEST(ReadVolume, ReadsNetCdf) {
   const std::string text =
       "dimensions: z = 3 ; y = 1 ; x = 2 ;\nvariables: float z(z) ; z:positive = \"down\" ;\n"
@@ -348,10 +270,6 @@ TEST(ReadVectorField, NamesFileAndReason) {
   };
   for (const auto& [bytes, message, selection] : rows)
     EXPECT_EQ(ErrorOf<FileError>([&, b = bytes, s = selection] { Vectors(b, s); }).substr(0, message.size()), message);
-  EXPECT_EQ(ErrorOf<FileError>([] { Heights("2 2 0 1 0 1\n1 2 3\n"); }),
-            "f:3: expected a number, got \"the end of the file\"");
-  EXPECT_EQ(ErrorOf<FileError>([] { Heights("99999 99999 0 1 0 1\n1 2 3\n"); }),
-            "f: expected 9999800001 heights, got a file of 26 bytes");
   std::istringstream stream(wind);
   EXPECT_EQ(ErrorOf<FileError>([&] { ReadVectorField(stream, "f", {}, [](double) { return false; }); }),
             "f: cancelled");
@@ -392,19 +310,4 @@ TEST(ReadVectorField, SurvivesDamage) {
     CheckDamage<FileError>(NetCdf(Wind, kind), read);
   for (const char* const table : {"lon,lat,u,v\n0,0,1,2\n1,0,3,4\n0,1,5,6\n", "# dims 2 1 1\nu,v\n1,2\n3,4\n"})
     CheckDamage<FileError>(table, read);
-  CheckDamage<FileError>("ncols 2\nnrows 2\nxllcorner 0\nyllcenter 0\ncellsize 1\nnodata_value 1\n1 2\n3 4\n",
-                         [](const std::string& p_bytes) { Heights(p_bytes); });
-  CheckDamage<FileError>("2 2 0 1 0 1\n1 2\n3 4\n", [](const std::string& p_bytes) { Heights(p_bytes); });
-}
-
-TEST(ReadVectorField, SurvivesDamageOfNetCdf4) {
-  if (!Reads("NetCDF-4"))
-    GTEST_SKIP() << "without libnetcdf";
-  EXPECT_EQ(ErrorOf<FileError>(
-                [] { Heights(NetCdf("group: g { dimensions: x = 2 ;\nvariables: float u(x) ; }\n", "netCDF-4")); }),
-            "f: expected variables, got only groups, which are not read");
-  CheckDamage<FileError>(NetCdf("dimensions: x = 2 ; y = 1 ;\nvariables: float x(x) ; float h(y, x) ;\n"
-                                "data: x = 1, 2 ; h = 3, 4 ;\n",
-                                "netCDF-4"),
-                         [](const std::string& p_bytes) { Heights(p_bytes); });
 }

@@ -9,7 +9,7 @@ namespace {
 
 using Vek::Chart::Utility::Threads;
 
-/// Lines of all kinds, at random, in more than 1 MiB; `p_fault` in the middle, with `p_lineEnd`.
+/// Lines of all kinds, at random, enough for threads; `p_fault` in the middle, with `p_lineEnd`.
 std::string File(unsigned int p_seed, const std::string& p_fault = {}, const std::string& p_lineEnd = "\n") {
   std::mt19937 random(p_seed);
   std::string text;
@@ -27,7 +27,11 @@ std::string File(unsigned int p_seed, const std::string& p_fault = {}, const std
     const std::string position = " " + index(positions);
     return p_seed % 2 == 0 || random() % 50 == 0 ? position : position + "//" + index(normals);
   };
-  const std::size_t size = std::size_t(1300000);
+#ifdef VEK_TINY_BLOCKS // then files of any size are read on threads
+  const std::size_t size = 300000;
+#else
+  const std::size_t size = 1300000;
+#endif
   for (bool isFaulty = p_fault.empty(); text.size() < size || !isFaulty;) {
     if (!isFaulty && text.size() > size / 2) {
       text += p_fault + p_lineEnd;

@@ -11,7 +11,7 @@ using Vek::Chart::Utility::Threads;
 
 constexpr std::array<int, 4> Counts{1, 2, 3, 7};
 #ifdef VEK_TINY_BLOCKS
-constexpr std::size_t MostNumbers = 20000;
+constexpr std::size_t MostNumbers = 8000;
 #else
 constexpr std::size_t MostNumbers = 120000; // in more than 1 MiB
 #endif
@@ -139,6 +139,27 @@ TEST(TextThreads, ResultsDoNotDependOnTheirNumber) {
         }
     }
   }
+}
+
+TEST(TextThreads, RangesAreOfFiniteNumbersInTheirOrder) {
+  const std::array<std::string, 7> words{"nan", "0", "-0", "inf", "-Infinity", "-0", "2"};
+  for (std::size_t first = 0; first < words.size(); ++first)
+    for (const std::string sign : {"", "-"}) {
+      std::string file = "TextArray 350000 1 1 1\n"; // in more than 1 MiB
+      std::array<float, 2> expected{INFINITY, -INFINITY};
+      for (std::size_t i = first; i < first + 350000; ++i) {
+        const std::string& word = words[i % words.size()];
+        file += (word == "2" ? sign : "") + word + '\n';
+        const float number = word == "2" ? std::stof(sign + word) : std::stof(word);
+        if (std::isfinite(number))
+          expected = {std::min(expected[0], number), std::max(expected[1], number)};
+      }
+      for (const int threads : Counts) {
+        std::istringstream stream(file);
+        const std::array<float, 2> range = ReadTextArray(stream, "x", {}, Threads(threads)).range;
+        EXPECT_EQ(std::memcmp(range.data(), expected.data(), sizeof range), 0) << first << sign << threads;
+      }
+    }
 }
 
 TEST(TextThreads, ErrorsAndReportsDoNotDependOnTheirNumber) {

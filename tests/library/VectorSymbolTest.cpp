@@ -115,6 +115,10 @@ TEST(VectorSymbol, UnknownShapesAreReportedAndEmpty) {
   }
 }
 
+TEST(VectorSymbol, NoMemoryHoldsTheLargestSphere) {
+  EXPECT_THROW(VectorSymbol(ShapeSphere, 2000000000), std::bad_alloc);
+}
+
 TEST(VectorSymbolOrient, FloatsOfTheFormula) {
   const VectorSymbol arrow(ShapeArrow2D, 12);
   constexpr double Long = 3, T = 0.3333333333333333, N = 0.1111111111111111;

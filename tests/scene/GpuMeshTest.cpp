@@ -215,15 +215,18 @@ TEST_F(GpuMeshPixels, ColorsFollowTheScale) {
       {-5, powers, Qt::cyan},
       {1e5, powers, Qt::white},
       {NAN, powers, Qt::yellow},
+      {0.3, ones, Qt::green},
   };
-  for (const auto& [value, scale, color] : cases)
-    EXPECT_EQ(Middle(GpuMesh(Colored(std::vector<double>(4, value))), scale), color) << value << ' ' << scale.upper;
+  GpuMesh mesh(Square());
+  for (const auto& [value, scale, color] : cases) {
+    mesh.UpdateValues(std::vector<double>(4, value));
+    EXPECT_EQ(Middle(mesh, scale), color) << value << ' ' << scale.upper;
+  }
   EXPECT_EQ(Middle(GpuMesh(Colored({0.1, 0.1, NAN, 0.1})), ones), QColor(Qt::black));
   EXPECT_EQ(Middle(GpuMesh(Colored(std::vector<double>(4, NAN))), {0, 1, false, {}, {}, Qt::transparent}),
             QColor(Qt::transparent));
-  GpuMesh::Arrays painted = Square();
-  painted.colors.assign(4, {255, 0, 255, 255});
-  EXPECT_EQ(Middle(GpuMesh(painted), ones), QColor(Qt::magenta));
+  mesh.UpdateColors(std::vector<GpuMesh::Rgba>(4, {255, 0, 255, 255}));
+  EXPECT_EQ(Middle(mesh, ones), QColor(Qt::magenta));
   EXPECT_EQ(Middle(GpuMesh(Square()), ones), QColor(Qt::red)); // no values count as 0
   for (const ValueScale& scale : {ValueScale{1, 1}, ValueScale{2, 1}, ValueScale{0, NAN}, ValueScale{0, 1, true}})
     EXPECT_THROW(GpuMesh(Square()).Draw(gl, colors, scale), std::invalid_argument) << scale.lower;

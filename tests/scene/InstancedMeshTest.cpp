@@ -157,11 +157,16 @@ TEST_F(InstancedMeshCalls, AreAsManyForAHundredTimesAsManyInstances) {
     const std::vector<Point> points(count);
     Instances instances;
     instances.positions = points;
-    const InstancedMesh mesh(InstancedMesh::Arrows(), instances);
+    InstancedMesh mesh(InstancedMesh::Arrows(), instances);
     mesh.Draw(gl, colors);
     recorder.Clear();
     mesh.Draw(gl, colors);
     calls.push_back(recorder.Lines().size());
+    recorder.Clear();
+    mesh.SetMostAtOnce(40000);
+    mesh.Draw(gl, colors);
+    const std::vector<std::string> lines = recorder.Lines();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "Finish()"), static_cast<int>(count / 40000));
     recorder.Clear();
   }
   EXPECT_EQ(calls[0], calls[1]);
@@ -199,7 +204,7 @@ TEST_F(InstancedMeshPixels, DirectionsSizesAndValues) {
   instances.directions = directions;
   instances.sizes = sizes;
   instances.values = values;
-  Draw(InstancedMesh(Bar(), instances));
+  InstancedMesh mesh(Bar(), instances);
   const std::tuple<double, double, QColor> cases[] = {
       {-0.87, 0, Qt::green},
       {0.07, 0, Qt::green},
@@ -216,8 +221,12 @@ TEST_F(InstancedMeshPixels, DirectionsSizesAndValues) {
       {0.03, 0.87, nothing},
       {0.5, -0.9, nothing},
   };
-  for (const auto& [x, y, color] : cases)
-    EXPECT_EQ(Color(x, y), color) << x << ' ' << y;
+  for (const std::size_t atOnce : {0, 1, 2}) {
+    mesh.SetMostAtOnce(atOnce);
+    Draw(mesh);
+    for (const auto& [x, y, color] : cases)
+      EXPECT_EQ(Color(x, y), color) << x << ' ' << y << ", at once " << atOnce;
+  }
 }
 
 TEST_F(InstancedMeshPixels, DotsWithoutDirectionAreLeftOut) {

@@ -61,7 +61,7 @@ std::uint32_t ColorAtlasImpl::SlotOf(unsigned int p_id) const {
 /// what lies below a slot; otherwise `Leave` runs after the slot's whole sub-tree. The levels are kept on a stack of
 /// our own, since a tree may be a million levels deep.
 template <class Visitor>
-void ColorAtlasImpl::Walk(const std::vector<unsigned int>& p_roots, Visitor& p_visitor) const {
+void ColorAtlasImpl::Walk(const ColorAtlas::ChildIds& p_roots, Visitor& p_visitor) const {
   struct Level {
     std::uint32_t owner; ///< the slot whose children these are; NoSlot for the roots
     std::uint32_t next;  ///< the child to visit next
@@ -71,7 +71,7 @@ void ColorAtlasImpl::Walk(const std::vector<unsigned int>& p_roots, Visitor& p_v
   };
   std::deque<Level> above; // does not move: the stack may be as long as the tree
   Level level{AtlasTree::NoSlot, 0};
-  for (const std::vector<unsigned int>* ids = &p_roots;;) {
+  for (const ColorAtlas::ChildIds* ids = &p_roots;;) {
     if (level.next == ids->size()) {
       if (above.empty())
         return;

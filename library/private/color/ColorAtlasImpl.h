@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/ColorAtlas.h"
 #include "platform/ogl/Vec.h"
 #include "platform/types/Range.h"
 
@@ -23,7 +24,7 @@ struct AtlasTree {
   static constexpr std::uint32_t NoSlot = 0xFFFFFFFF;
 
   struct Color {
-    const std::vector<unsigned int>* children = nullptr; ///< ids
+    const ColorAtlas::ChildIds* children = nullptr;
     QRgb color = 0;
     bool topLevel = false;  ///< whether it lies under the root
     bool instanced = false; ///< whether its sub-tree is followed by copies
@@ -40,12 +41,12 @@ struct AtlasTree {
     std::size_t end = 0; ///< one past the last of them
   };
 
-  std::size_t count = 0;                    ///< of colours
-  std::function<Color(std::uint32_t)> at;   ///< the colour of a slot; not a list, which took as much as the tree
-  std::vector<unsigned int> plainRoots;     ///< the ids of the top-level colours without instances
-  std::vector<unsigned int> instancedRoots; ///< the ids of those with instances
-  std::vector<Copies> copies;               ///< by slot, in ascending order
-  std::vector<Instance> instances;          ///< those of one colour in the order of their ids
+  std::size_t count = 0;                  ///< of colours
+  std::function<Color(std::uint32_t)> at; ///< the colour of a slot; not a list, which took as much as the tree
+  ColorAtlas::ChildIds plainRoots;        ///< the ids of the top-level colours without instances
+  ColorAtlas::ChildIds instancedRoots;    ///< the ids of those with instances
+  std::vector<Copies> copies;             ///< by slot, in ascending order
+  std::vector<Instance> instances;        ///< those of one colour in the order of their ids
   /// By id; NoSlot where the id is not that of a colour.
   const std::vector<std::uint32_t>* slotById = nullptr;
   /// The slot that an id stands for that is not in `slotById`. Reports unknown ids, and returns NoSlot for them.
@@ -87,7 +88,7 @@ private:
   class InstanceCoordinateMapper;
 
   template <class Visitor>
-  void Walk(const std::vector<unsigned int>& p_roots, Visitor& p_visitor) const;
+  void Walk(const ColorAtlas::ChildIds& p_roots, Visitor& p_visitor) const;
   std::uint32_t SlotOf(unsigned int p_id) const;
 
   const AtlasTree& _tree;

@@ -30,7 +30,7 @@ struct FloatPiece {
 template <class T, class Convert>
 void ConvertFloats(std::vector<FloatPiece> p_pieces, std::size_t p_stride, Utility::Threads p_threads,
                    std::vector<T>& p_target, Convert p_convert) {
-  constexpr std::size_t BlockSize = std::size_t{1} << 14;
+  constexpr std::size_t BlockSize = std::size_t{1} << 15;
   constexpr std::size_t PageFloats = PageBlockBytes / sizeof(float);
   constexpr std::size_t WorthThreads = 100000;
   std::size_t all = 0;
@@ -40,36 +40,40 @@ void ConvertFloats(std::vector<FloatPiece> p_pieces, std::size_t p_stride, Utili
             [](const FloatPiece& p_a, const FloatPiece& p_b) { return std::less<float*>()(p_a.numbers, p_b.numbers); });
   const Utility::Threads threads = all < WorthThreads ? Utility::Threads() : p_threads;
   const auto converted = [p_stride](std::size_t p_index) { return (p_index + p_stride - 1) / p_stride; };
-  std::vector<FloatPiece> blocks(2 * static_cast<std::size_t>(threads.Count()));
+  std::vector<std::vector<FloatPiece>> blocks(2 * static_cast<std::size_t>(threads.Count()));
   T* const target = p_target.data();
   auto piece = p_pieces.begin();
   float* released = p_pieces.empty() ? nullptr : piece->numbers;
   Utility::BlockSteps steps;
   steps.fill = [&](std::size_t p_slot) {
-    while (piece != p_pieces.end() && piece->count == 0)
-      ++piece;
-    if (piece == p_pieces.end())
-      return false;
-    FloatPiece& block = blocks[p_slot] = {piece->numbers, piece->first, std::min(piece->count, BlockSize)};
-    *piece = {piece->numbers + block.count, piece->first + block.count, piece->count - block.count};
-    p_target.resize(std::max(p_target.size(), converted(block.first + block.count)));
-    return true;
+    std::vector<FloatPiece>& block = blocks[p_slot];
+    block.clear();
+    for (std::size_t left = BlockSize; left != 0 && piece != p_pieces.end();) {
+      const std::size_t count = std::min(piece->count, left);
+      block.push_back({piece->numbers, piece->first, count});
+      p_target.resize(std::max(p_target.size(), converted(piece->first + count)));
+      *piece = {piece->numbers + count, piece->first + count, piece->count - count};
+      piece += piece->count == 0 ? 1 : 0;
+      left -= count;
+    }
+    return !block.empty();
   };
-  steps.work = [&](std::size_t p_slot) {
-    const FloatPiece& block = blocks[p_slot];
+  const auto convert = [&](const FloatPiece& p_piece) {
     if (p_stride == 1) {
-      p_convert(block.numbers, block.count, target + block.first);
+      p_convert(p_piece.numbers, p_piece.count, target + p_piece.first);
       return;
     }
-    const std::size_t first = converted(block.first);
-    const std::size_t count = converted(block.first + block.count) - first;
+    const std::size_t first = converted(p_piece.first);
+    const std::size_t count = converted(p_piece.first + p_piece.count) - first;
     for (std::size_t i = 0; i < count; ++i) // the numbers in front are lost already
-      block.numbers[i] = block.numbers[(first + i) * p_stride - block.first];
-    p_convert(block.numbers, count, target + first);
+      p_piece.numbers[i] = p_piece.numbers[(first + i) * p_stride - p_piece.first];
+    p_convert(p_piece.numbers, count, target + first);
   };
+  steps.work = [&](std::size_t p_slot) { std::for_each(blocks[p_slot].begin(), blocks[p_slot].end(), convert); };
   steps.join = [&](std::size_t p_slot) {
     // Whole huge pages only: to give back a part of one costs more than it saves.
-    const std::size_t done = static_cast<std::size_t>(blocks[p_slot].numbers + blocks[p_slot].count - released);
+    const FloatPiece& last = blocks[p_slot].back();
+    const std::size_t done = static_cast<std::size_t>(last.numbers + last.count - released);
     if (const std::size_t whole = done / PageFloats * PageFloats; whole != 0) {
       ReleasePages(released, whole * sizeof(float));
       released += whole;

@@ -41,8 +41,8 @@ public:
   void Take(std::size_t p_count);
   void TakeBlanks();
   /// The number of slots, which is also the largest number of blocks that are not joined, and the largest number of
-  /// numbers in one.
-  static std::size_t FloatSlots(Utility::Threads p_threads) { return 4 * static_cast<std::size_t>(p_threads.Count()); }
+  /// numbers in one. There are enough to go on while one thread takes a huge page, which lasts as long as a few blocks.
+  static std::size_t FloatSlots(Utility::Threads p_threads) { return 8 * static_cast<std::size_t>(p_threads.Count()); }
   static const std::size_t MostFloats;
   /// Takes words and the blanks around them on several threads. Ends in front of the first word that is no number, in
   /// front of a block that has more than are left of `p_most`, at a very long word, and in front of the last word of

@@ -3,6 +3,7 @@
 #include "platform/types/Vector.h"
 
 #include <cstddef>
+#include <new>
 #include <vector>
 
 namespace Vek::Chart::Library::Private {
@@ -15,8 +16,10 @@ struct GlyphMesh {
   std::vector<Point> normals; ///< empty, or one per vertex
   std::vector<unsigned int> indices;
 
-  /// Reserves memory for a mesh of known size.
+  /// Reserves memory for a mesh of known size. Throws std::bad_alloc also for one that no memory can hold.
   void Reserve(std::size_t p_vertices, std::size_t p_indices) {
+    if (p_vertices > vertices.max_size() || p_indices > indices.max_size())
+      throw std::bad_alloc(); // vectors throw std::length_error
     vertices.reserve(p_vertices);
     indices.reserve(p_indices);
   }

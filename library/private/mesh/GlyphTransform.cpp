@@ -1,14 +1,6 @@
 #include "library/private/mesh/GlyphTransform.h"
 
-// The loops are compiled for the baseline processor and again for AVX2, chosen at run time, which gains a third. Both
-// give the same bits: the operations are the same, and products are not fused. A test defines VEK_WITHOUT_AVX2 to run
-// the code of other processors.
-#if defined(__GNUC__) && defined(__x86_64__) && !defined(VEK_WITHOUT_AVX2)
-#define VEK_INLINE inline __attribute__((always_inline))
-#define VEK_AVX2 __attribute__((target("avx2")))
-#else
-#define VEK_INLINE inline
-#endif
+#include "library/private/Avx2.h"
 
 namespace Vek::Chart::Library::Private {
 

@@ -126,6 +126,11 @@ TEST_F(TextCalls, UploadsAfterAChangeOnly) {
   recorder.Clear();
   text(gl);
   EXPECT_EQ(recorder.LinesOf({"BindTexture"}), Lines{"BindTexture(GL_TEXTURE_2D, 1001)"}) << "and no more than that";
+
+  text.position = {std::numeric_limits<int>::max(), 0}; // beyond any viewport
+  recorder.Clear();
+  text(gl);
+  EXPECT_EQ(recorder.LinesOf({"Vertex2i"})[1], "Vertex2i(2147483647, 0)");
 }
 
 TEST_F(TextCalls, AnImageThatCannotBeUploadedIsReported) {
