@@ -42,12 +42,33 @@ QImage Halved(const QImage& p_image) {
   return half;
 }
 
+/// The GL of a process. Ends with its context.
+struct Canvas {
+  Canvas(Types::Size p_size, int p_samples)
+      : context({1, 1})
+      , gl(context.Handle())
+      , target(gl, p_size, p_samples) {}
+
+  std::size_t Count() const { return static_cast<std::size_t>(target.Count()); }
+  void Clear(Ogl::GlBitfield p_buffers) {
+    const auto bound = target.BindForDraw(gl);
+    gl->ClearColor(0, 0, 0, 0);
+    gl->ClearDepth(1);
+    gl->Clear(p_buffers);
+  }
+
+  Ogl::OffscreenContext context;
+  Utility::Scoped<Rgl> gl;
+  SampledTarget target;
+};
+
 } // namespace
 
 /// IceT's context. Its functions work on the context that was set last.
 struct VEK_HIDDEN Compositor::Engine {
-  explicit Engine(MPI_Comm p_communicator) {
-    const IceTCommunicator communicator = icetCreateMPICommunicator(p_communicator);
+  explicit Engine(const Processes& p_all)
+      : all(p_all) {
+    const IceTCommunicator communicator = icetCreateMPICommunicator(all.Communicator());
     context = icetCreateContext(communicator);
     icetDestroyMPICommunicator(communicator); // the context has a copy
     icetDiagnostics(ICET_DIAG_OFF);
@@ -80,63 +101,75 @@ struct VEK_HIDDEN Compositor::Engine {
     icetCompositeOrder(order.data());
   }
   /// Collective. Replaces the image in process 0 by the composited one, by depth or blended in order.
-  void Composite(Samples& p_image, bool p_isFirst) const {
+  void Composite(Samples& p_image) const {
     const IceTImage whole = Whole(p_image.colors.data(), p_image.depths.data());
-    if (error != ICET_NO_ERROR || !p_isFirst)
+    if (all.Rank() != 0)
       return;
     std::memcpy(p_image.colors.data(), icetImageGetColorcub(whole), p_image.colors.size());
     std::memcpy(p_image.depths.data(), icetImageGetDepthcf(whole), p_image.depths.size() * sizeof(float));
   }
-  void Blend(Samples& p_image, std::vector<float>& p_colors, bool p_isFirst) const {
+  void Blend(Samples& p_image, std::vector<float>& p_colors) const {
     const IceTImage whole = Whole(p_colors.data(), nullptr);
-    if (error != ICET_NO_ERROR || !p_isFirst)
+    if (all.Rank() != 0)
       return;
     const IceTFloat* const colors = icetImageGetColorcf(whole);
     std::transform(colors, colors + p_image.colors.size(), p_image.colors.begin(), [](float p_share) {
       return static_cast<unsigned char>(std::clamp(255 * p_share + 0.5F, 0.0F, 255.0F));
     });
   }
+  /// Collective. What the canvases show by depth, kept in process 0. The canvases get the common depths if asked for.
+  std::vector<Samples> Opaque(Canvas& p_canvas, bool p_givesDepths) const {
+    ByDepth();
+    std::vector<Samples> samples(p_canvas.Count());
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+      Samples& image = samples[i];
+      all.Together([&] { image = p_canvas.target.Read(p_canvas.gl, static_cast<int>(i)); });
+      Composite(image);
+      if (p_givesDepths) {
+        MPI_Bcast(image.depths.data(), static_cast<int>(image.depths.size()), MPI_FLOAT, 0, all.Communicator());
+        all.Together([&] { p_canvas.target.Write(p_canvas.gl, static_cast<int>(i), image, Written::Depths); });
+      }
+      if (all.Rank() != 0)
+        image = {};
+    }
+    return samples;
+  }
+  /// Collective. What the canvases show, blended in the order of the processes, kept in process 0.
+  std::vector<Samples> Transparent(Canvas& p_canvas, const std::vector<std::size_t>& p_processes) const {
+    InOrder(p_processes);
+    std::vector<Samples> samples(p_canvas.Count());
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+      Samples& image = samples[i];
+      std::vector<float> colors;
+      all.Together([&] {
+        image = p_canvas.target.Read(p_canvas.gl, static_cast<int>(i));
+        colors.resize(image.colors.size());
+        std::transform(image.colors.begin(), image.colors.end(), colors.begin(),
+                       [](unsigned char p_color) { return static_cast<float>(p_color) / 255; });
+      });
+      Blend(image, colors);
+      if (all.Rank() != 0)
+        image = {};
+    }
+    return samples;
+  }
   IceTImage Whole(const void* p_colors, const float* p_depths) const {
     constexpr IceTFloat Nothing[4] = {0, 0, 0, 0};
     const IceTImage whole = icetCompositeImage(p_colors, p_depths, nullptr, nullptr, nullptr, Nothing);
-    error = icetGetError();
+    all.Together([error = icetGetError()] {
+      if (error != ICET_NO_ERROR)
+        throw std::runtime_error("IceT reports error " + std::to_string(error));
+    });
     return whole;
   }
-  void Check() const {
-    if (error != ICET_NO_ERROR)
-      throw std::runtime_error("IceT reports error " + std::to_string(error));
-  }
 
+  Processes all;
   IceTContext context;
-  mutable IceTEnum error = ICET_NO_ERROR;
 };
-
-namespace {
-
-/// The GL of a process. Ends with its context.
-struct Canvas {
-  Canvas(Types::Size p_size, int p_samples)
-      : context({1, 1})
-      , gl(context.Handle())
-      , target(gl, p_size, p_samples) {}
-
-  void Clear(Ogl::GlBitfield p_buffers) {
-    const auto bound = target.BindForDraw(gl);
-    gl->ClearColor(0, 0, 0, 0);
-    gl->ClearDepth(1);
-    gl->Clear(p_buffers);
-  }
-
-  Ogl::OffscreenContext context;
-  Utility::Scoped<Rgl> gl;
-  SampledTarget target;
-};
-
-} // namespace
 
 Compositor::Compositor(const Processes& p_processes)
     : _processes(p_processes)
-    , _engine(std::make_unique<Engine>(p_processes.Communicator())) {}
+    , _engine(std::make_unique<Engine>(p_processes)) {}
 
 Compositor::~Compositor() = default;
 
@@ -176,46 +209,18 @@ QImage Compositor::Image(Figure& p_figure, const Types::BoundingBox_Base<double>
       p_figure.Release(canvas->gl);
   });
   _engine->SetSize(size);
-  _engine->ByDepth();
-  const auto count = static_cast<std::size_t>(canvas->target.Count());
-  std::vector<Samples> opaque(count), blended(isBlended ? count : 0); // composited; kept in process 0
-  for (std::size_t sample = 0; sample < count; ++sample) {
-    Samples& image = opaque[sample];
-    all.Together([&] { image = canvas->target.Read(canvas->gl, static_cast<int>(sample)); });
-    _engine->Composite(image, isFirst);
-    all.Together([&] { _engine->Check(); });
-    if (isBlended) {
-      MPI_Bcast(image.depths.data(), static_cast<int>(image.depths.size()), MPI_FLOAT, 0, all.Communicator());
-      all.Together([&] { canvas->target.Write(canvas->gl, static_cast<int>(sample), image, Written::Depths); });
-    }
-    if (!isFirst)
-      image = {};
-  }
-
+  std::vector<Samples> opaque = _engine->Opaque(*canvas, isBlended), blended;
   if (isBlended) {
     Processes::Box box;
     if (!p_block.Empty())
       box = {p_figure.ToScene(p_block.Min()), p_figure.ToScene(p_block.Max())};
-    _engine->InOrder(Scene::VisibilityOrder(all.Gather(box), layout.camera));
+    const std::vector<std::size_t> order = Scene::VisibilityOrder(all.Gather(box), layout.camera);
     all.Together([&] {
       canvas->Clear(RGL_COLOR_BUFFER_BIT);
       draw(Figure::Layer::Transparent);
       p_figure.Release(canvas->gl);
     });
-    for (std::size_t sample = 0; sample < count; ++sample) {
-      Samples& image = blended[sample];
-      std::vector<float> colors;
-      all.Together([&] {
-        image = canvas->target.Read(canvas->gl, static_cast<int>(sample));
-        colors.resize(image.colors.size());
-        std::transform(image.colors.begin(), image.colors.end(), colors.begin(),
-                       [](unsigned char p_color) { return static_cast<float>(p_color) / 255; });
-      });
-      _engine->Blend(image, colors, isFirst);
-      all.Together([&] { _engine->Check(); });
-      if (!isFirst)
-        image = {};
-    }
+    blended = _engine->Transparent(*canvas, order);
   }
 
   all.Together([&] {
@@ -223,7 +228,7 @@ QImage Compositor::Image(Figure& p_figure, const Types::BoundingBox_Base<double>
       return;
     canvas->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT | RGL_STENCIL_BUFFER_BIT);
     draw(Figure::Layer::Background);
-    for (std::size_t sample = 0; sample < count; ++sample) {
+    for (std::size_t sample = 0; sample < opaque.size(); ++sample) {
       canvas->target.Write(canvas->gl, static_cast<int>(sample), opaque[sample], Written::Colors);
       if (isBlended)
         canvas->target.Write(canvas->gl, static_cast<int>(sample), blended[sample], Written::Blended);
