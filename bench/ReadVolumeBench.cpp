@@ -1,6 +1,8 @@
 // Reads volumes of 256 MiB: NRRD and NIfTI with raw values in the machine's byte order, beside the bound: read() into
-// fresh memory. Bytes per second, to be compared as a share of the bound.
+// fresh memory. Bytes per second, to be compared as a share of the bound. NRRD as text is read beside a plain loop of
+// std::from_chars over the text in memory.
 
+#include "bench/SideBySide.h"
 #include "io/ReadVolume.h"
 
 #include <benchmark/benchmark.h>
@@ -8,7 +10,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <charconv>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -114,5 +118,70 @@ BENCHMARK_CAPTURE(ReadVolume, NrrdShorts, true, false)->UseRealTime()->Unit(benc
 BENCHMARK_CAPTURE(ReadVolume, NrrdFloats, true, true)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ReadVolume, NiftiShorts, false, false)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ReadVolume, NiftiFloats, false, true)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+constexpr std::size_t TextCount = 128 * 128 * 256;
+
+/// A file of text, written once and removed at the end.
+class TextFile {
+public:
+  TextFile() {
+    std::ofstream file(_path, std::ios::binary);
+    file << "NRRD0004\ntype: float\ndimension: 3\nsizes: 128 128 256\nencoding: ascii\n\n";
+    std::uint64_t random = 1;
+    char text[32];
+    for (std::size_t i = 0; i < TextCount; ++i) {
+      random = random * 6364136223846793005u + 1442695040888963407u;
+      const double share = double(random >> 11) / double(std::uint64_t(1) << 53);
+      std::snprintf(text, sizeof text, "%.6g%c", 1000 * share * share * share, i % 128 == 127 ? '\n' : ' ');
+      file << text;
+    }
+    if (!file.flush())
+      std::exit(1);
+  }
+  ~TextFile() { std::filesystem::remove(_path); }
+  const std::string& Path() const { return _path; }
+
+private:
+  const std::string _path = (std::filesystem::temp_directory_path() / "vek-bench-text.nrrd").string();
+};
+
+const std::string& TextPath() {
+  static const TextFile Made;
+  return Made.Path();
+}
+
+void FromChars() {
+  std::ifstream file(TextPath(), std::ios::binary);
+  std::string text(std::filesystem::file_size(TextPath()), '\0');
+  file.read(text.data(), std::streamsize(text.size()));
+  std::vector<float> values;
+  values.reserve(TextCount);
+  const char* at = text.data() + text.find("\n\n") + 1;
+  for (const char* const end = text.data() + text.size(); ++at < end;) { // one separator between two numbers
+    float value = 0;
+    at = std::from_chars(at, end, value).ptr;
+    values.push_back(value);
+  }
+  benchmark::DoNotOptimize(values.data());
+}
+
+void ReadText(Utility::Threads p_threads) {
+  if (Io::ReadVolume(TextPath(), {}, p_threads).Count() != TextCount)
+    std::abort();
+}
+
+void NrrdText(benchmark::State& p_state) {
+  TextPath();
+  Vek::Bench::SideBySide(
+      p_state, "of_from_chars", [] { ReadText({}); }, FromChars);
+}
+BENCHMARK(NrrdText)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void NrrdTextOnThreads(benchmark::State& p_state) {
+  const Utility::Threads threads(static_cast<int>(p_state.range(0)));
+  Vek::Bench::SideBySide(
+      p_state, "of_one_thread", [&] { ReadText(threads); }, [] { ReadText({}); });
+}
+BENCHMARK(NrrdTextOnThreads)->Apply(Vek::Bench::OnThreads);
 
 } // namespace

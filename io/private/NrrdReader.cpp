@@ -252,7 +252,7 @@ Volume ReadNrrd(PeekSource& p_source, const std::string& p_name, const VolumeOpt
   const bool text = header.encoding == NrrdHeader::Encoding::Text;
   const auto readValues = [&](ByteSource& p_values, const std::string& p_path, std::size_t p_line) {
     if (text)
-      ReadTextValues(p_values, header.format, layout, p_options.step, p_path, p_line, volume);
+      ReadTextValues(p_values, header.format, layout, p_options.step, p_path, p_line, p_threads, volume);
     else
       ReadValues(p_values, header.format, layout, p_options.step, p_path, p_threads, volume);
     char last = 0; // behind the values, gzip has a check sum

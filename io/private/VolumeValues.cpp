@@ -2,8 +2,8 @@
 
 #include "io/FileError.h"
 #include "io/private/Bytes.h"
+#include "io/private/TextValues.h"
 #include "io/private/ValueRange.h"
-#include "io/private/Words.h"
 
 #include <algorithm>
 #include <cmath>
@@ -45,37 +45,25 @@ void WithType(Stored p_type, const Call& p_call) {
   }
 }
 
-/// Where values of a type come from, block by block.
-template <class T>
-class Values {
-public:
-  virtual ~Values() = default;
-  /// No more values than this follow.
-  virtual std::uint64_t Most() const = 0;
-  virtual void Skip(std::uint64_t p_count) = 0;
-  virtual void Read(T* p_values, std::size_t p_count) = 0;
-  /// Makes numbers of what was read; in any thread.
-  virtual void Arrange(T* p_values, std::size_t p_count) const = 0;
-};
-
 /// Values as they lie in memory, in either byte order.
 template <class T>
-class BinaryValues final : public Values<T> {
+class BinaryValues {
 public:
   BinaryValues(ByteSource& p_source, const ValueFormat& p_format, const std::string& p_name)
       : _source(p_source)
       , _reverse(IsForeign(p_format.bigEndian))
       , _name(p_name) {}
 
-  std::uint64_t Most() const override {
+  /// No more values than this follow.
+  std::uint64_t Most() const {
     const std::uint64_t bytes = _source.MostLeft();
     return bytes == ByteSource::Unknown ? bytes : bytes / sizeof(T);
   }
-  void Skip(std::uint64_t p_count) override {
+  void Skip(std::uint64_t p_count) {
     if (!_source.Skip(p_count * sizeof(T)))
       throw FileError(_name, "the file ends within its values");
   }
-  void Read(T* p_values, std::size_t p_count) override {
+  void Read(T* p_values, std::size_t p_count) {
     const std::size_t bytes = _source.Read(reinterpret_cast<char*>(p_values), p_count * sizeof(T));
     if (bytes < p_count * sizeof(T))
       throw FileError(_name, "expected " + std::to_string(_read + p_count) +
@@ -83,7 +71,8 @@ public:
                                  std::to_string(_read + bytes / sizeof(T)));
     _read += p_count;
   }
-  void Arrange(T* p_values, std::size_t p_count) const override {
+  /// Makes numbers of what was read; in any thread.
+  void Arrange(T* p_values, std::size_t p_count) const {
     if (_reverse && sizeof(T) > 1)
       std::transform(p_values, p_values + p_count, p_values, Reversed<T>);
   }
@@ -93,67 +82,6 @@ private:
   const bool _reverse;
   const std::string& _name;
   std::uint64_t _read = 0;
-};
-
-/// Values that are written as text. Those next to 0 are rounded.
-template <class T>
-class TextValues final : public Values<T> {
-public:
-  TextValues(ByteSource& p_source, const std::string& p_name, std::size_t p_line)
-      : _source(p_source)
-      , _name(p_name)
-      , _line(p_line) {}
-
-  /// A digit and a separator each, but for the last one.
-  std::uint64_t Most() const override {
-    const std::uint64_t bytes = _source.MostLeft();
-    return bytes == ByteSource::Unknown ? bytes : bytes / 2 + 1;
-  }
-  void Skip(std::uint64_t p_count) override {
-    for (T value; p_count != 0; --p_count)
-      Read(&value, 1);
-  }
-  void Read(T* p_values, std::size_t p_count) override {
-    std::generate(p_values, p_values + p_count, [&] { return Number(Word()); });
-  }
-  void Arrange(T*, std::size_t) const override {}
-
-private:
-  static constexpr std::size_t LongestWord = 1024;
-
-  static bool IsSeparator(char p_character) {
-    return p_character == ' ' || (p_character >= '\t' && p_character <= '\r') || p_character == ',';
-  }
-  std::string_view Word() {
-    for (;;) {
-      const std::string_view text = _source.Peek(1);
-      if (text.empty() || !IsSeparator(text.front()))
-        break;
-      _line += text.front() == '\n' ? 1 : 0;
-      _source.Skip(1);
-    }
-    const std::string_view text = _source.Peek(LongestWord);
-    const std::size_t end = std::size_t(std::find_if(text.begin(), text.end(), IsSeparator) - text.begin());
-    _word.assign(text, 0, end);
-    _source.Skip(end);
-    return _word;
-  }
-  T Number(std::string_view p_word) const {
-    if (p_word.empty())
-      throw FileError(_name, _line, "a number", "the end of the file");
-    const std::string_view digits = p_word.substr(p_word.front() == '+' ? 1 : 0);
-    if (const std::optional<T> value = Parsed<T>(digits))
-      return *value;
-    if constexpr (std::is_same_v<T, float>) // below the range of floats
-      if (const std::optional<double> wide = Parsed<double>(digits); wide && std::abs(*wide) < 1)
-        return static_cast<float>(*wide);
-    throw FileError(_name, _line, std::is_integral_v<T> ? "an integer of the file's type" : "a number", p_word);
-  }
-
-  PeekSource _source;
-  const std::string& _name;
-  std::size_t _line;
-  std::string _word;
 };
 
 /// A block of values, and the numbers that are kept of it if they are not the values themselves.
@@ -167,7 +95,7 @@ struct ValueBlock {
 
 /// Reads p_count values and appends them as numbers of the type Kept. The source is read in the calling thread.
 template <class T, class Kept>
-void Append(Values<T>& p_source, std::uint64_t p_count, const ValueFormat& p_format, Utility::Threads p_threads,
+void Append(BinaryValues<T>& p_source, std::uint64_t p_count, const ValueFormat& p_format, Utility::Threads p_threads,
             ValueRange& p_range, std::vector<Kept>& p_kept) {
   constexpr std::uint64_t WorthThreads = std::uint64_t{1} << 20; // bytes
   const bool converts = !std::is_same_v<T, Kept> || p_format.Scaled();
@@ -221,48 +149,69 @@ std::vector<T> Interleaved(const std::vector<T>& p_planes, std::size_t p_channel
   return voxels;
 }
 
-template <class T, class Kept>
-void Read(Values<T>& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
-          const std::string& p_name, Utility::Threads p_threads, Volume& p_volume) {
+/// The values that are read of a file, in parts that lie evenly among all: the channels, or a single part.
+struct Parts {
+  Parts(const ValueLayout& p_layout, std::size_t p_step, std::uint64_t p_most, const std::string& p_name);
+
+  std::uint64_t parts = 1;
+  std::uint64_t size = 0;  ///< values of a part
+  std::uint64_t first = 0; ///< the first value of the first part
+  std::uint64_t stride = 0;
+
+  std::uint64_t Count() const { return parts * size; }
+  std::uint64_t End() const { return first + (parts - 1) * stride + size; }
+};
+
+Parts::Parts(const ValueLayout& p_layout, std::size_t p_step, std::uint64_t p_most, const std::string& p_name) {
   const std::uint64_t count = CountValues(p_layout, p_name);
   if (p_step >= p_layout.steps)
     throw FileError(p_name,
                     "expected a step below " + std::to_string(p_layout.steps) + ", got " + std::to_string(p_step));
   // Products of more than any memory are beyond any file as well.
-  const std::uint64_t most = p_source.Most();
-  if (most / p_layout.steps < count)
+  if (p_most / p_layout.steps < count)
     throw FileError(p_name, "expected " + std::to_string(p_layout.steps) + " × " + std::to_string(count) +
-                                " values, got a file that holds at most " + std::to_string(most));
-  ValueRange range(p_volume.noData);
-  std::vector<Kept> values;
-  const std::uint64_t parts = p_layout.stepsWithinChannels ? p_layout.channels : 1;
-  const std::uint64_t partCount = count / parts;
-  if (most != ByteSource::Unknown)
-    values.reserve(std::size_t(count));
-  for (std::uint64_t part = 0; part < parts; ++part) {
-    p_source.Skip((part == 0 ? p_step : p_layout.steps - 1) * partCount);
-    Append(p_source, partCount, p_format, p_threads, range, values);
+                                " values, got a file that holds at most " + std::to_string(p_most));
+  parts = p_layout.stepsWithinChannels ? p_layout.channels : 1;
+  size = count / parts;
+  first = p_step * size;
+  stride = p_layout.steps * size;
+}
+
+/// Calls p_call(first, last) for what parts have of some values, counted from these.
+template <class Call>
+void ForEachShared(const Parts& p_parts, std::uint64_t p_first, std::size_t p_count, const Call& p_call) {
+  const std::uint64_t last = p_first + p_count;
+  std::uint64_t part = p_first < p_parts.first ? 0 : (p_first - p_parts.first) / p_parts.stride;
+  for (; part < p_parts.parts; ++part) {
+    const std::uint64_t begin = p_parts.first + part * p_parts.stride;
+    const std::uint64_t from = std::max(begin, p_first), to = std::min(begin + p_parts.size, last);
+    if (begin >= last)
+      return;
+    if (from < to)
+      p_call(std::size_t(from - p_first), std::size_t(to - p_first));
   }
+}
+
+/// Gives the values to the volume.
+template <class Kept>
+void Finish(std::vector<Kept> p_values, const ValueRange& p_range, const ValueLayout& p_layout, Volume& p_volume) {
   if (p_layout.planar && p_layout.channels > 1)
-    values = Interleaved(values, std::size_t(p_layout.channels));
+    p_values = Interleaved(p_values, std::size_t(p_layout.channels));
   for (std::size_t axis = 0; axis < 3; ++axis)
     p_volume.size[axis] = std::size_t(p_layout.size[axis]);
   p_volume.channels = std::size_t(p_layout.channels);
-  p_volume.range = range.Limits();
-  p_volume.values = std::move(values);
+  p_volume.range = p_range.Limits();
+  p_volume.values = std::move(p_values);
 }
 
-/// Reads values of type T from the source as the format wants them kept.
-template <class T>
-void ReadAs(Values<T>& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
-            const std::string& p_name, Utility::Threads p_threads, Volume& p_volume) {
+/// Calls p_read with a value of the type of the numbers that are kept.
+template <class T, class Read>
+void WithKept(const ValueFormat& p_format, const Read& p_read) {
   constexpr bool Wide = sizeof(T) > 4 || (sizeof(T) == 4 && std::is_integral_v<T>);
-  using Scaled = std::conditional_t<Wide, double, float>;
-  using Kept = std::conditional_t<sizeof(T) == 8, double, T>;
   if (p_format.Scaled())
-    Read<T, Scaled>(p_source, p_format, p_layout, p_step, p_name, p_threads, p_volume);
+    p_read(std::conditional_t<Wide, double, float>());
   else
-    Read<T, Kept>(p_source, p_format, p_layout, p_step, p_name, p_threads, p_volume);
+    p_read(std::conditional_t<sizeof(T) == 8, double, T>());
 }
 
 } // namespace
@@ -291,19 +240,51 @@ std::uint64_t CountValues(const ValueLayout& p_layout, const std::string& p_name
 void ReadValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
                 const std::string& p_name, Utility::Threads p_threads, Volume& p_volume) {
   p_volume.steps = p_layout.steps;
-  WithType(p_format.type, [&](auto p_value) {
-    BinaryValues<decltype(p_value)> values(p_source, p_format, p_name);
-    ReadAs(values, p_format, p_layout, p_step, p_name, p_threads, p_volume);
-  });
+  const auto read = [&](auto p_value, auto p_kept) {
+    BinaryValues<decltype(p_value)> source(p_source, p_format, p_name);
+    const Parts parts(p_layout, p_step, source.Most(), p_name);
+    ValueRange range(p_volume.noData);
+    std::vector<decltype(p_kept)> values;
+    if (source.Most() != ByteSource::Unknown)
+      values.reserve(std::size_t(parts.Count()));
+    source.Skip(parts.first);
+    for (std::uint64_t part = 0; part < parts.parts; ++part) {
+      if (part != 0)
+        source.Skip(parts.stride - parts.size);
+      Append(source, parts.size, p_format, p_threads, range, values);
+    }
+    Finish(std::move(values), range, p_layout, p_volume);
+  };
+  WithType(p_format.type,
+           [&](auto p_value) { WithKept<decltype(p_value)>(p_format, [&](auto p_kept) { read(p_value, p_kept); }); });
 }
 
 void ReadTextValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
-                    const std::string& p_name, std::size_t p_line, Volume& p_volume) {
+                    const std::string& p_name, std::size_t p_line, Utility::Threads p_threads, Volume& p_volume) {
   p_volume.steps = p_layout.steps;
-  WithType(p_format.type, [&](auto p_value) {
-    TextValues<decltype(p_value)> values(p_source, p_name, p_line);
-    ReadAs(values, p_format, p_layout, p_step, p_name, Utility::Threads(), p_volume);
-  });
+  const auto read = [&](auto p_value, auto p_kept) {
+    using T = decltype(p_value);
+    using Kept = decltype(p_kept);
+    TextValues<T> source(p_source, p_name, p_line);
+    const Parts parts(p_layout, p_step, source.Most(), p_name);
+    ValueRange range(p_volume.noData);
+    std::vector<Kept> values;
+    if (source.Most() != ByteSource::Unknown)
+      values.reserve(std::size_t(parts.Count()));
+    source.ForEach(parts.End(), p_threads, [&](const T* p_values, std::size_t p_count, std::uint64_t p_first) {
+      ForEachShared(parts, p_first, p_count, [&](std::size_t p_from, std::size_t p_to) {
+        const std::size_t before = values.size();
+        std::transform(p_values + p_from, p_values + p_to, std::back_inserter(values), [&](T p_number) {
+          return p_format.Scaled() ? static_cast<Kept>(p_format.slope * double(p_number) + p_format.intercept)
+                                   : static_cast<Kept>(p_number);
+        });
+        range.Add(values.data() + before, values.size() - before);
+      });
+    });
+    Finish(std::move(values), range, p_layout, p_volume);
+  };
+  WithType(p_format.type,
+           [&](auto p_value) { WithKept<decltype(p_value)>(p_format, [&](auto p_kept) { read(p_value, p_kept); }); });
 }
 
 } // namespace Vek::Chart::Io::Private

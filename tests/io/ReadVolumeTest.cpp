@@ -79,6 +79,56 @@ TEST(ReadVolume, NrrdValuesPlaceAndErrors) {
   CheckFiles(cases, "v", [](const auto& p_file, const auto& p_name) { return SummaryOrError(p_file, p_name); });
 }
 
+TEST(ReadVolume, LongTextsOnThreads) {
+  // Of two steps, of which the second one is read: words of all lengths at the borders of blocks.
+  constexpr std::size_t Count = 150000;
+  const std::string header =
+      Nrrd("type: float\nencoding: ascii\ndimension: 2\nsizes: 150000 2\nkinds: domain time\n", "");
+  std::vector<std::string> words;
+  std::uint32_t random = 1;
+  for (std::size_t i = 0; i < 2 * Count; ++i) {
+    random = random * 1664525U + 1013904223U;
+    char word[40];
+    std::snprintf(word, sizeof word, "%.*g", static_cast<int>(1 + (random >> 24) % 14), double(random) / 3e5 - 7e3);
+    words.emplace_back(word);
+  }
+  const auto text = [&] {
+    std::string joined = header;
+    for (std::size_t i = 0; i < words.size(); ++i)
+      joined += words[i] + (i % 100 == 99 ? "\r\n" : i % 7 == 0 ? " , " : " ");
+    return joined;
+  };
+  const auto read = [](const std::string& p_bytes, Utility::Threads p_threads, std::size_t p_step) {
+    std::istringstream stream(p_bytes);
+    Io::VolumeOptions options;
+    options.step = p_step;
+    return Io::ReadVolume(stream, "v", options, p_threads);
+  };
+  const std::string whole = text();
+  ASSERT_GT(whole.size(), std::size_t{5} << 19); // some threads' blocks
+  for (const std::size_t step : {std::size_t{0}, std::size_t{1}}) {
+    std::vector<float> expected;
+    for (std::size_t i = 0; i < Count; ++i)
+      expected.push_back(std::strtof(words[step * Count + i].c_str(), nullptr));
+    for (const Utility::Threads threads : {Utility::Threads(), Utility::Threads(3)})
+      EXPECT_EQ(std::get<std::vector<float>>(read(whole, threads, step).values), expected) << step;
+  }
+
+  // The first fault counts, also one of the step that is left out, but none behind the values.
+  const auto errorOf = [&](const std::string& p_bytes, std::size_t p_step) {
+    return ErrorOf<FileError>([&] { read(p_bytes, Utility::Threads(3), p_step); });
+  };
+  words[2 * Count - 1] = "last";
+  EXPECT_EQ(errorOf(text(), 1), "v:3007: expected a number, got \"last\"");
+  EXPECT_EQ(errorOf(text(), 0), "");
+  words[Count - 1] = "first";
+  EXPECT_EQ(errorOf(text(), 1), "v:1507: expected a number, got \"first\"");
+  words[100] = std::string(200000, '1');
+  EXPECT_EQ(errorOf(text(), 1), "v:9: expected a number, got \"" + std::string(40, '1') + "...\"");
+  words[100] = "1";
+  EXPECT_EQ(errorOf(whole.substr(0, 1 << 20), 0), "v:1011: expected a number, got \"the end of the file\"");
+}
+
 TEST(ReadVolume, OthersAndUnknown) {
   const std::vector<FileCase> cases = {
       {"TextArray 2 2 1 1\n1.25 2\nnan 4", "f 2 1 1 x2: 1.25 2 nan 4 / 1 1 1 / 0 0 0"},
