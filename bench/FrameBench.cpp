@@ -196,7 +196,7 @@ BENCHMARK_CAPTURE(Moving, ThinLines, ThinLines)->Apply(MovingFrames);
 BENCHMARK_CAPTURE(Rest, Arrows, Arrows)->Apply(RestingFrames);
 BENCHMARK_CAPTURE(Rest, Spheres, Spheres)->Apply(RestingFrames);
 BENCHMARK_CAPTURE(Rest, SmallSpheres, SmallSpheres)->Apply(RestingFrames);
-BENCHMARK_CAPTURE(Rest, ClearSpheres, ClearSpheres)->Apply(SlowFrames);
+BENCHMARK_CAPTURE(Rest, ClearSpheres, ClearSpheres)->Apply(RestingFrames);
 BENCHMARK_CAPTURE(Rest, Cubes, Cubes)->Apply(RestingFrames);
 BENCHMARK_CAPTURE(Rest, ClearCubes, ClearCubes)->Apply(SlowFrames);
 BENCHMARK_CAPTURE(Rest, Tubes, Tubes)->Apply(RestingFrames);

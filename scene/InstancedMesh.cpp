@@ -138,9 +138,9 @@ void InstancedMesh::UpdateValues(const Array1& p_values) {
 
 void InstancedMesh::UpdateColors(std::vector<Rgba> p_colors) {
   RequireLength("colours", p_colors.size());
-  constexpr unsigned char Opaque = 255;
-  _areColorsOpaque =
-      std::all_of(p_colors.begin(), p_colors.end(), [](const Rgba& p_color) { return p_color[3] == Opaque; });
+  _leastAlpha = 255;
+  for (const Rgba& color : p_colors)
+    _leastAlpha = std::min(_leastAlpha, color[3]);
   _colors = Share(std::move(p_colors));
 }
 

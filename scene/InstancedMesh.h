@@ -33,10 +33,10 @@ namespace Vek::Chart::Scene {
 /// and the last level takes all others. Instances outside of the view frustum are left out. A drawing is one call of GL
 /// for each level that has instances. The number of GL calls does not depend on the number of instances.
 ///
-/// Occlusion culling: where instances are opaque closed surfaces around their positions and cover the viewport several
+/// Occlusion culling: where instances are opaque closed surfaces around their positions and cover what they span several
 /// times, those that are hidden wholly behind another one are left out as well. A coarse depth buffer in CPU memory
 /// finds them. The image stays the same. It takes place under the depth test RGL_LESS or RGL_LEQUAL alone, without
-/// blending, clip planes, culled faces or `SetMostVertices`.
+/// blending, clip planes, culled faces or `SetMostVertices`. For depth peeling, see `SetMostLayers`.
 ///
 /// Levels need GL 4.0, for buffer textures. Other devices with instancing draw all instances with the last level.
 ///
@@ -146,6 +146,10 @@ public:
   /// memory: a rasteriser in software keeps the triangles that it has not drawn yet, hundreds of bytes each. Has no
   /// effect on devices without levels.
   void SetMostAtOnce(std::size_t p_count) { _mostAtOnce = p_count; }
+  /// The number of layers of a depth peeling, for all of its drawings: what lies behind so many surfaces is not seen,
+  /// and instances that are hidden so by others are left out, half-transparent ones as well. 0, the default, is for
+  /// drawings of other kinds.
+  void SetMostLayers(std::size_t p_count) { _mostLayers = p_count; }
   /// Every how many-th instance the last drawing in this context showed; 1 for all.
   std::size_t Step(const Utility::Scoped<Rgl>& p_gl) const;
 
@@ -198,12 +202,13 @@ private:
   Types::Vector3_Base<double> _up;
   Shared<float> _values;
   Shared<Rgba> _colors;
-  bool _areColorsOpaque = false;
-  Shared<Rgba> _ids; ///< of the caller's
+  unsigned char _leastAlpha = 0; ///< of the colours
+  Shared<Rgba> _ids;             ///< of the caller's
   std::size_t _undirected = 0;
   double _leastPixels = 0;
   std::size_t _mostVertices = 0;
   std::size_t _mostAtOnce = 0;
+  std::size_t _mostLayers = 0;
   Ogl::PerContext<Buffers> _buffers;
 };
 

@@ -2,6 +2,7 @@
 #include "scene/InstancedMesh.h"
 #include "scene/private/InstanceArrays.h"
 #include "scene/private/InstanceBuffers.h"
+#include "scene/private/InstanceOcclusion.h"
 #include "scene/private/InstanceShaders.h"
 #include "scene/private/MeshArrays.h"
 #include "scene/private/MeshShaders.h"
@@ -63,7 +64,7 @@ struct InstancedMesh::Drawing {
   using SetUniforms = std::function<void(const Ogl::ShaderProgram&)>;
 
   bool Upload();
-  bool AreSolid() const;
+  std::size_t Hiding() const;
   bool Select();
   void Draw(const std::map<std::string, int>& p_constants, const SetUniforms& p_setUniforms);
   InstanceShaders ShadersOf(const std::map<std::string, int>& p_constants) const;
@@ -76,7 +77,7 @@ struct InstancedMesh::Drawing {
   const InstancedMesh& mesh;
   Paint paint;
   Buffers& buffers = mesh._buffers.Get(gl);
-  bool isOpaque = false; ///< all that is drawn; of colours
+  int leastAlpha = 0; ///< of all that is drawn, from 0 to 255; of colours
   bool hasLevels = HasLevels(gl, mesh.Count());
   SetUniforms setUniforms{};
 };
@@ -124,20 +125,40 @@ bool ShowsNearest(const Utility::Scoped<Rgl>& p_gl) {
 
 } // namespace
 
-/// Whether instances surely hide what is behind them.
-bool InstancedMesh::Drawing::AreSolid() const {
+/// How many instances surely hide what is behind them; 0 for any number.
+std::size_t InstancedMesh::Drawing::Hiding() const {
   constexpr std::size_t Few = 1000;
   const bool areBodies =
       mesh.Count() >= Few && mesh._axisFloats != RotationFloats && // which may be any matrices
       std::any_of(mesh._bodies.begin(), mesh._bodies.end(), [](const Body& p_body) { return p_body.core > 0; });
-  return areBodies && (paint == Paint::Colors ? isOpaque : buffers.selection.AreSolid()) && ShowsNearest(gl);
+  if (!areBodies || !ShowsNearest(gl))
+    return 0;
+  if (paint != Paint::Colors)
+    return buffers.selection.Hiding();
+  constexpr int Opaque = 255;
+  if (mesh._mostLayers == 0)
+    return leastAlpha == Opaque ? 1 : 0;
+  const std::size_t bodies = (mesh._mostLayers + 1) / 2; // each has two surfaces
+  return leastAlpha > 0 && bodies <= OcclusionGrid::MostBodies ? OcclusionGrid::MostBodies : 0;
 }
+
+namespace {
+
+bool HasOneSample(const Utility::Scoped<Rgl>& p_gl) {
+  int buffers = 1;
+  p_gl->GetIntegerv(RGL_SAMPLE_BUFFERS, &buffers);
+  return buffers == 0;
+}
+
+} // namespace
 
 /// Finds the levels, if asked for or not yet known, and uploads the order of the instances.
 bool InstancedMesh::Drawing::Select() {
   InstanceSelection& selection = buffers.selection;
   InstanceSelection::Input input{mesh._positions,    mesh._sizes, mesh._axes, {}, mesh._leastPixels,
-                                 mesh._mostVertices, AreSolid(),  {},         {}};
+                                 mesh._mostVertices, Hiding(),    false,      {}, {}};
+  if (input.hiding != 0)
+    input.hasOneSample = HasOneSample(gl) && (paint == Paint::Colors || selection.HasOneSample());
   for (std::size_t i = 0; i < mesh._levels.size(); ++i) {
     const Level& level = mesh._levels[i];
     input.levels.push_back({level.mostPixels, level.mesh.VertexCount(),
@@ -307,16 +328,19 @@ void InstancedMesh::Drawing::Draw(const std::map<std::string, int>& p_constants,
 
 namespace {
 
-/// All texels, and the colours of values without one.
-bool AreOpaque(Library::ColorMap p_colors, const ValueScale& p_scale) {
-  for (const QColor& color : {p_scale.below, p_scale.above, p_scale.missing})
-    if (color.isValid() && color.alphaF() < 1)
-      return false;
+/// Of all texels, and of the colours of values without one.
+int LeastAlpha(Library::ColorMap p_colors, const ValueScale& p_scale) {
   const QImage& image = p_colors.GetImage();
   const auto* const texels = reinterpret_cast<const QRgb*>(image.constScanLine(0)); // NOLINT: format ARGB32
-  constexpr int Opaque = 255;
-  return p_scale.missing.isValid() && texels != nullptr &&
-         std::all_of(texels, texels + image.width(), [](QRgb p_texel) { return qAlpha(p_texel) == Opaque; });
+  if (!p_scale.missing.isValid() || texels == nullptr)
+    return 0;
+  int least = p_scale.missing.alpha();
+  for (const QColor& color : {p_scale.below, p_scale.above})
+    if (color.isValid())
+      least = std::min(least, color.alpha());
+  for (int i = 0; i < image.width(); ++i)
+    least = std::min(least, qAlpha(texels[i]));
+  return least;
 }
 
 } // namespace
@@ -328,8 +352,9 @@ void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_
     return;
   const auto map = p_colors.Bind(p_gl);
   const Painting painting = _colors ? ByColor : ByValue;
-  const bool isOpaque = p_pass == nullptr && (_colors ? _areColorsOpaque : AreOpaque(p_colors, p_scale));
-  Drawing{p_gl, *this, Paint::Colors, _buffers.Get(p_gl), isOpaque}.Draw(
+  const bool mayHide = p_pass == nullptr || _mostLayers != 0;
+  const int leastAlpha = !mayHide ? 0 : _colors ? _leastAlpha : LeastAlpha(p_colors, p_scale);
+  Drawing{p_gl, *this, Paint::Colors, _buffers.Get(p_gl), leastAlpha}.Draw(
       {{"painting", painting}, {"logarithmic", p_scale.logarithmic ? 1 : 0}, {"peeled", p_pass != nullptr ? 1 : 0}},
       [&](const Ogl::ShaderProgram& p_program) {
         SetColorUniforms(p_gl, p_program, painting, p_colors, p_scale, p_pass);

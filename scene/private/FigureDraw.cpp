@@ -144,6 +144,7 @@ void Figure::State::DrawTransparent(Utility::Scoped<Rgl>& p_gl, Private::Frame p
   const auto drawLayer = [&](const PeelPass* p_layer) {
     Private::Frame frame = p_frame;
     frame.layer = p_layer;
+    frame.mostLayers = Private::DepthPeeling::MostLayers;
     DrawContents(p_gl, frame, peeled);
   };
   const bool isPeeled =

@@ -13,8 +13,10 @@ namespace {
 
 constexpr float Nothing = 2;         // farther than all depths
 constexpr float MostPixels = 1e6F;   // beyond, conversions to int are not safe
-constexpr float PixelMargin = 0.5F;  // polygons stay within a fifth of a pixel of their outlines
+constexpr float PixelMargin = 0.05F; // several steps of a rasteriser, which rounds corners
+constexpr float Rounding = 1e-6F;    // several steps of the terms of a sum
 constexpr float DepthMargin = 2e-6F; // several steps of a depth buffer of 24 bits
+constexpr float LeastDepth = 1e-5F;  // of bodies whose front and back have different depths
 
 /// Whether a matrix rotates and scales all directions alike.
 bool KeepsBalls(const Matrix4& p_m) {
@@ -67,8 +69,14 @@ Outline BallView::Inside(const Ogl::Vec3<float>& p_position, float p_radius, flo
     return {};
   // The disc through the centre at right angles to the eye's axis: all rays that hit it enter the ball before.
   const float share = _isCentral ? 1 / away : 1, radius = _scale * p_radius * share;
-  return {_left + _width * share * _right(p_position), _bottom + _height * share * _up(p_position),
-          std::abs(_width) * radius - PixelMargin, std::abs(_height) * radius - PixelMargin, DeviceDepth(away)};
+  const float margin = Margin(p_position, share);
+  return {_left + _width * share * _right(p_position),
+          _bottom + _height * share * _up(p_position),
+          std::abs(_width) * radius - margin,
+          std::abs(_height) * radius - margin,
+          DeviceDepth(away),
+          DeviceDepth(nearest),
+          DeviceDepth(away + reach)};
 }
 
 std::optional<Outline> BallView::Around(const Ogl::Vec3<float>& p_position, float p_radius) const {
@@ -79,17 +87,35 @@ std::optional<Outline> BallView::Around(const Ogl::Vec3<float>& p_position, floa
   const float x = share * _right(p_position), y = share * _up(p_position);
   // A point of the ball, d from its centre c, is seen |d.xy - c.xy / c.z d.z| / (c.z + d.z) from the centre.
   const float seen = _isCentral ? radius * std::sqrt(1 + x * x + y * y) / nearest : radius;
-  return Outline{_left + _width * x, _bottom + _height * y, std::abs(_width) * seen + PixelMargin,
-                 std::abs(_height) * seen + PixelMargin, DeviceDepth(nearest) - DepthMargin};
+  const float margin = Margin(p_position, share);
+  return Outline{_left + _width * x, _bottom + _height * y, std::abs(_width) * seen + margin,
+                 std::abs(_height) * seen + margin, DeviceDepth(nearest) - DepthMargin};
 }
 
-OcclusionGrid::OcclusionGrid(int p_width, int p_height, int p_tile)
+float BallView::Margin(const Ogl::Vec3<float>& p_position, float p_share) const {
+  const float terms = std::max(_right.Terms(p_position), _up.Terms(p_position)) + _away.Terms(p_position);
+  return PixelMargin + Rounding * std::max(std::abs(_width), std::abs(_height)) * p_share * terms;
+}
+
+OcclusionGrid::OcclusionGrid(int p_width, int p_height, float p_tile, Tiles p_tiles, std::size_t p_bodies)
     : _width(p_width)
     , _height(p_height)
-    , _tile(static_cast<float>(p_tile))
-    , _columns((p_width + p_tile - 1) / p_tile)
-    , _rows((p_height + p_tile - 1) / p_tile)
-    , _depths(static_cast<std::size_t>(_columns) * static_cast<std::size_t>(_rows), Nothing) {}
+    , _tile(p_tile)
+    , _inset(p_tiles == Tiles::Centers ? 0.5F / p_tile : 0)
+    , _columns(static_cast<int>(std::ceil(static_cast<float>(p_width) / p_tile)))
+    , _rows(static_cast<int>(std::ceil(static_cast<float>(p_height) / p_tile)))
+    , _depths(static_cast<std::size_t>(_columns) * static_cast<std::size_t>(_rows), Nothing)
+    , _firsts(p_bodies == MostBodies ? _depths.size() : 0, Extent{Nothing, Nothing}) {}
+
+void OcclusionGrid::AddBody(std::size_t p_tile, const Extent& p_body) {
+  Extent& first = _firsts[p_tile];
+  const bool isFirst = p_body.back < first.back;
+  const Extent& other = isFirst ? first : p_body;
+  if (other.front > (isFirst ? p_body.back : first.back) + DepthMargin)
+    _depths[p_tile] = std::min(_depths[p_tile], other.back);
+  if (isFirst)
+    first = p_body;
+}
 
 void OcclusionGrid::Cover(const Outline& p_outline) {
   const bool isInRange = p_outline.halfWidth > 0 && p_outline.halfHeight > 0 &&
@@ -97,31 +123,43 @@ void OcclusionGrid::Cover(const Outline& p_outline) {
                          std::abs(p_outline.y) + p_outline.halfHeight < MostPixels;
   if (!isInRange)
     return;
-  // In tiles from here on: tile i is from i to i + 1.
+  const Extent body{p_outline.front, p_outline.back};
+  if (!_firsts.empty() && !(body.back - body.front > LeastDepth))
+    return;
+  // In tiles from here on: tile i is from i + inset to i + 1 - inset.
   const float x = p_outline.x / _tile, y = p_outline.y / _tile;
   const float halfWidth = p_outline.halfWidth / _tile, halfHeight = p_outline.halfHeight / _tile;
-  const int first = std::max(0, static_cast<int>(std::ceil(y - halfHeight)));
-  const int end = std::min(_rows, static_cast<int>(std::floor(y + halfHeight)));
+  const int first = std::max(0, static_cast<int>(std::ceil(y - halfHeight - _inset)));
+  const int end = std::min(_rows, static_cast<int>(std::floor(y + halfHeight + _inset)));
   for (int row = first; row < end; ++row) {
-    const float below = y - static_cast<float>(row), above = 1 - below;
+    const float below = y - static_cast<float>(row) - _inset, above = 1 - 2 * _inset - below;
     const float share = std::max(std::abs(below), std::abs(above)) / halfHeight;
-    const float half = halfWidth * std::sqrt(std::max(0.0F, 1 - share * share));
+    if (share > 1)
+      continue;
+    const float half = halfWidth * std::sqrt(1 - share * share) + _inset;
     const int left = std::max(0, static_cast<int>(std::ceil(x - half)));
     const int right = std::min(_columns, static_cast<int>(std::floor(x + half)));
-    float* const depths = _depths.data() + static_cast<std::ptrdiff_t>(row) * _columns;
-    for (int column = left; column < right; ++column)
-      depths[column] = std::min(depths[column], p_outline.depth);
+    const auto tiles = static_cast<std::ptrdiff_t>(row) * _columns;
+    if (_firsts.empty())
+      for (int column = left; column < right; ++column)
+        _depths[tiles + column] = std::min(_depths[tiles + column], p_outline.depth);
+    else
+      for (int column = left; column < right; ++column)
+        AddBody(static_cast<std::size_t>(tiles + column), body);
   }
 }
 
 void OcclusionGrid::Merge(const OcclusionGrid& p_other) {
+  for (std::size_t i = 0; i < _firsts.size(); ++i)
+    if (p_other._firsts[i].back < Nothing)
+      AddBody(i, p_other._firsts[i]);
   for (std::size_t i = 0; i < _depths.size(); ++i)
     _depths[i] = std::min(_depths[i], p_other._depths[i]);
 }
 
 OcclusionGrid OcclusionGrid::Coarser() const {
   constexpr int Factor = 4;
-  OcclusionGrid coarser(_width, _height, Factor * static_cast<int>(_tile));
+  OcclusionGrid coarser(_width, _height, Factor * _tile, _inset > 0 ? Tiles::Centers : Tiles::Areas);
   std::fill(coarser._depths.begin(), coarser._depths.end(), -Nothing);
   for (int row = 0; row < _rows; ++row)
     for (int column = 0; column < _columns; ++column) {
@@ -138,12 +176,12 @@ bool OcclusionGrid::Hides(const Outline& p_outline) const {
     return false;
   const float x = p_outline.x / _tile, y = p_outline.y / _tile;
   const float halfWidth = p_outline.halfWidth / _tile, halfHeight = p_outline.halfHeight / _tile;
-  const int first = std::max(0, static_cast<int>(std::floor(y - halfHeight)));
-  const int end = std::min(_rows, static_cast<int>(std::floor(y + halfHeight)) + 1);
+  const int first = std::max(0, static_cast<int>(std::floor(y - halfHeight + _inset)));
+  const int end = std::min(_rows, static_cast<int>(std::floor(y + halfHeight - _inset)) + 1);
   for (int row = first; row < end; ++row) {
-    const float below = y - static_cast<float>(row); // 0 to 1 within the row
-    const float share = std::max({0.0F, -below, below - 1}) / halfHeight;
-    const float half = halfWidth * std::sqrt(std::max(0.0F, 1 - share * share));
+    const float below = y - static_cast<float>(row) - _inset; // 0 to 1 - 2 inset within the row
+    const float share = std::max({0.0F, -below, below - 1 + 2 * _inset}) / halfHeight;
+    const float half = halfWidth * std::sqrt(std::max(0.0F, 1 - share * share)) - _inset;
     const int left = std::max(0, static_cast<int>(std::floor(x - half)));
     const int right = std::min(_columns, static_cast<int>(std::floor(x + half)) + 1);
     const float* const depths = _depths.data() + static_cast<std::ptrdiff_t>(row) * _columns;

@@ -124,8 +124,8 @@ bool InstanceSelection::Update(Input p_input) {
   const bool isSame = !_ranges.empty() && p_input.positions == _input.positions && p_input.sizes == _input.sizes &&
                       p_input.axes == _input.axes && p_input.levels == _input.levels &&
                       p_input.leastPixels == _input.leastPixels && p_input.mostVertices == _input.mostVertices &&
-                      p_input.areSolid == _input.areSolid && p_input.sizing == _input.sizing &&
-                      p_input.view == _input.view;
+                      p_input.hiding == _input.hiding && p_input.hasOneSample == _input.hasOneSample &&
+                      p_input.sizing == _input.sizing && p_input.view == _input.view;
   if (isSame)
     return false;
   if (p_input.axes != _input.axes)
@@ -134,7 +134,7 @@ bool InstanceSelection::Update(Input p_input) {
   const std::size_t most = _input.mostVertices;
   if (most == 0) {
     Choose(1, 1);
-    if (_input.areSolid)
+    if (_input.hiding != 0)
       HideOccluded();
     return true;
   }
@@ -238,33 +238,44 @@ namespace {
 struct CoverSample {
   std::size_t count = 0;     ///< of instances that were looked at
   double pixels = 0;         ///< that all instances together cover, about
+  double room = 0;           ///< pixels of the rectangle around their positions
   double pixelsOfOne = 0;    ///< in the mean
   std::vector<float> depths; ///< of the sample
 };
 
 template <class OutlineOf>
-CoverSample SampleCover(std::size_t p_count, double p_most, const OutlineOf& p_outlineOf) {
+CoverSample SampleCover(std::size_t p_count, const Projection& p_view, const OutlineOf& p_outlineOf) {
   constexpr std::size_t Stride = 61; // not that of rows of regular grids
   const std::size_t stride = p_count < 8 * BlockSize ? 1 : Stride;
+  const double most = static_cast<double>(p_view.width) * p_view.height;
+  const auto width = static_cast<float>(p_view.width), height = static_cast<float>(p_view.height);
+  float left = width, right = 0, bottom = height, top = 0;
   CoverSample sample;
   for (std::size_t i = 0; i < p_count; i += stride)
     if (const Outline outline = p_outlineOf(i); outline.halfWidth > 0 && outline.halfHeight > 0) {
       sample.depths.push_back(outline.depth);
-      sample.pixels += std::min(p_most, M_PI * static_cast<double>(outline.halfWidth * outline.halfHeight));
+      sample.pixels += std::min(most, M_PI * static_cast<double>(outline.halfWidth * outline.halfHeight));
+      left = std::min(left, outline.x), right = std::max(right, outline.x);
+      bottom = std::min(bottom, outline.y), top = std::max(top, outline.y);
     }
+  const auto span = [](float p_from, float p_to, float p_most) {
+    return static_cast<double>(std::max(0.0F, std::min(p_to, p_most) - std::max(p_from, 0.0F)));
+  };
+  sample.room = span(left, right, width) * span(bottom, top, height);
   if (!sample.depths.empty())
     sample.pixelsOfOne = sample.pixels / static_cast<double>(sample.depths.size());
   sample.pixels *= static_cast<double>(stride);
   return sample;
 }
 
-/// Tiles that are small beside instances, so that many of them are covered wholly.
-int TileFor(double p_pixels) {
-  constexpr int Most = 64, TilesOfInstance = 256;
-  int tile = 1;
+/// A grid of tiles that are small beside instances, so that many of them are covered wholly.
+OcclusionGrid GridFor(const InstanceSelection::Input& p_input, double p_pixels) {
+  constexpr double Most = 64, TilesOfInstance = 100;
+  double tile = p_input.hasOneSample ? 1 : 0.5;
   while (tile < Most && tile * tile * TilesOfInstance < p_pixels)
     tile *= 2;
-  return tile;
+  return {p_input.view.width, p_input.view.height, static_cast<float>(tile),
+          p_input.hasOneSample ? OcclusionGrid::Tiles::Centers : OcclusionGrid::Tiles::Areas, p_input.hiding};
 }
 
 } // namespace
@@ -292,11 +303,10 @@ void InstanceSelection::HideOccluded() {
     return cores[level] > 0 ? view->Inside(positions[p_i], cores[level] * size, reaches[level] * size) : Outline();
   };
 
-  // Worth it where instances cover the viewport several times.
+  // Worth it where instances cover what they span several times.
   constexpr double LeastCover = 4;
-  const double room = static_cast<double>(_input.view.width) * _input.view.height;
-  CoverSample sample = SampleCover(count, room, insideOf);
-  if (!(sample.pixels > LeastCover * room))
+  CoverSample sample = SampleCover(count, _input.view, insideOf);
+  if (!(sample.pixels > LeastCover * static_cast<double>(_input.hiding) * sample.room))
     return;
   constexpr std::ptrdiff_t Front = 8;
   const auto front = sample.depths.begin() + static_cast<std::ptrdiff_t>(sample.depths.size()) / Front;
@@ -304,8 +314,7 @@ void InstanceSelection::HideOccluded() {
 
   const Utility::Threads threads = Utility::Threads::All();
   const auto shares = static_cast<std::size_t>(threads.Count());
-  std::vector<OcclusionGrid> grids(shares,
-                                   OcclusionGrid(_input.view.width, _input.view.height, TileFor(sample.pixelsOfOne)));
+  std::vector<OcclusionGrid> grids(shares, GridFor(_input, sample.pixelsOfOne));
   const auto cover = [&](const auto& p_isWanted) {
     Utility::RunBlocks(threads, shares, [&](std::size_t p_share) {
       for (std::size_t i = p_share * count / shares; i < (p_share + 1) * count / shares; ++i)

@@ -31,7 +31,7 @@ struct Projection {
 };
 
 /// Which instances are drawn, and with which level of detail: those that the view frustum may show, without those that
-/// are surely hidden if solid instances overlap a lot.
+/// are surely hidden if instances overlap a lot.
 ///
 /// Instances are looked at in blocks of a fixed size, so that the order does not depend on the number of threads.
 class InstanceSelection {
@@ -59,7 +59,8 @@ public:
     std::vector<Level> levels;          ///< at most MostLevels
     double leastPixels = 0;             ///< of sizes
     std::size_t mostVertices = 0;       ///< of all instances together, about; 0 for any number
-    bool areSolid = false;              ///< whether instances hide what is behind them
+    std::size_t hiding = 0;             ///< how many instances hide what is behind them, 1 or 2; 0 for any number
+    bool hasOneSample = false;          ///< whether pixels are sampled at their centres
     Projection sizing;                  ///< decides on levels
     Projection view;                    ///< decides on what may be seen
   };
@@ -78,8 +79,10 @@ public:
   }
   /// The projection that decided on the levels.
   const Projection& Sizing() const { return _input.sizing; }
-  /// Whether hidden instances may have been left out.
-  bool AreSolid() const { return _input.areSolid; }
+  /// How many instances hide what is behind them.
+  std::size_t Hiding() const { return _input.hiding; }
+  /// Whether that holds at the centres of pixels alone.
+  bool HasOneSample() const { return _input.hasOneSample; }
   /// One for each level.
   const std::vector<Range>& Ranges() const { return _ranges; }
   /// The number of instances that are drawn.

@@ -62,6 +62,7 @@ struct Frame {
   std::size_t mostVertices = 0;    ///< about, of glyphs or lines; 0 for any number
   std::size_t mostMoving = 0;      ///< the same in moving frames; 0 also where there will be none
   std::size_t mostAtOnce = 0;      ///< glyphs that are drawn before others, to save memory; 0 for any number
+  std::size_t mostLayers = 0;      ///< of the depth peeling that the drawing belongs to; 0 without one
   const PeelPass* layer = nullptr; ///< of half-transparent plots; for the drawings of parts (see PlotContent::IsPeeled)
 };
 

@@ -145,6 +145,7 @@ void ScatterContent::Draw(Utility::Scoped<Rgl>& p_gl, const Frame& p_frame) {
   SetLeastSize(p_frame);
   _mesh.SetMostVertices(p_frame.mostVertices);
   _mesh.SetMostAtOnce(p_frame.mostAtOnce);
+  _mesh.SetMostLayers(p_frame.mostLayers);
   _mesh.Draw(p_gl, coloring.Map(p_gl), coloring.Scale(), p_frame.layer);
 }
 

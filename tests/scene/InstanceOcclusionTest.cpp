@@ -2,10 +2,12 @@
 
 #include "scene/InstancedMesh.h"
 
+#include "library/RenderTexture.h"
 #include "library/VectorSymbol.h"
 #include "platform/ogl/VertexData.h"
 #include "scene/Camera.h"
 #include "scene/DirectionalLight.h"
+#include "scene/PeelPass.h"
 
 #include "tests/support/Test.h"
 
@@ -16,12 +18,15 @@ constexpr int Width = 240, Height = 150;
 /// Symbols of 12 to 40 pixels in a box, drawn with and without culling.
 class InstanceOcclusionPixels : public testing::Test {
 public:
-  InstanceOcclusionPixels() {
+  InstanceOcclusionPixels() { Fill(4000, 12, 40); }
+  /// Replaces the symbols by others of random sizes.
+  void Fill(int p_count, double p_least, double p_most) {
     std::mt19937 random(1);
     std::uniform_real_distribution<double> number(0, 1);
-    for (int i = 0; i < 4000; ++i) {
+    positions.clear(), sizes.clear(), values.clear(), rgba.clear();
+    for (int i = 0; i < p_count; ++i) {
       positions.emplace_back(Width * number(random), Height * number(random), -Height * number(random));
-      sizes.push_back(12 + 28 * number(random) * number(random));
+      sizes.push_back(p_least + (p_most - p_least) * number(random) * number(random));
       values.push_back(i % 2 == 0 ? NAN : number(random));
       rgba.push_back({static_cast<unsigned char>(i), static_cast<unsigned char>(i / 256), 100, 255});
     }
@@ -78,6 +83,36 @@ public:
     return samples[0] / static_cast<double>(samples[1]);
   }
 
+  /// Peels layers with culling and without; their images must be equal. Returns how many samples passed with culling,
+  /// in parts of those without.
+  double ShareOfPeeledSamples(InstancedMesh p_mesh, const ValueScale& p_scale = {}) {
+    constexpr std::size_t Layers = 4;
+    std::array<std::vector<QImage>, 2> images;
+    std::array<double, 2> samples{};
+    p_mesh.SetMostLayers(Layers);
+    for (const std::size_t all : {0U, 1U}) {
+      p_mesh.SetMostVertices(all == 0 ? 0 : std::numeric_limits<std::size_t>::max());
+      const PeelPass pass{Types::Size(Width, Height)};
+      boost::shared_ptr<Ogl::Texture> depths;
+      for (std::size_t layer = 0; layer < Layers; ++layer) {
+        const RenderTexture target(pass.size);
+        {
+          const auto bound = target.BindForDraw(gl);
+          gl->ActiveTexture(PeelPass::Unit);
+          if (depths)
+            gl->Bind(depths, Rgl::Sampler2D);
+          gl->ActiveTexture(RGL_TEXTURE0);
+          samples[all] += Draw([&] { p_mesh.Draw(gl, colors, p_scale, layer == 0 ? nullptr : &pass); });
+        }
+        depths = target.DepthTexture(gl);
+        images[all].push_back(target.ToImage(gl));
+      }
+    }
+    for (std::size_t layer = 0; layer < Layers; ++layer)
+      EXPECT_EQ(images[0][layer], images[1][layer]) << layer;
+    return samples[0] / samples[1];
+  }
+
   std::vector<Point> positions;
   std::vector<double> sizes, values;
   std::vector<InstancedMesh::Rgba> rgba;
@@ -102,6 +137,47 @@ TEST_F(InstanceOcclusionPixels, LeavesTheImageAsItIs) {
     EXPECT_LT(ShareOfSamples(Mesh(InstancedMesh::Spheres(), false)), 0.8) << isPerspective;
     EXPECT_LT(ShareOfSamples(Mesh(InstancedMesh::Spheres(), true)), 0.8) << isPerspective;
     EXPECT_LT(ShareOfSamples(Mesh(Symbols(Model::Symbol::ShapeCube), true)), 0.98) << isPerspective;
+  }
+}
+
+TEST_F(InstanceOcclusionPixels, LeavesTheLayersOfAPeelingAsTheyAre) {
+  colors = ColorMap({QColor(255, 0, 0, 100), QColor(0, 0, 255, 50)}, ColorMap::Interpolated);
+  ValueScale holes;
+  holes.missing = Qt::transparent;
+  for (const bool isPerspective : {false, true}) {
+    isCentral = isPerspective;
+    EXPECT_LT(ShareOfPeeledSamples(Mesh(InstancedMesh::Spheres(), false)), 0.95) << isPerspective;
+    EXPECT_EQ(ShareOfPeeledSamples(Mesh(InstancedMesh::Spheres(), false), holes), 1) << isPerspective;
+  }
+}
+
+/// Surfaces at equal depths are one layer.
+TEST_F(InstanceOcclusionPixels, CountsSurfacesAtEqualDepthsOnce) {
+  colors = ColorMap({QColor(255, 0, 0, 100)}, ColorMap::Discrete);
+  constexpr double Edge = 16, Away = 30;
+  positions.clear();
+  for (int twice = 0; twice < 2; ++twice)
+    for (double z = Away / 2 - Height; z < 0; z += Away) // from far to near
+      for (double y = 0; y < Height; y += Edge / 2)
+        for (double x = 0; x < Width; x += Edge / 2)
+          positions.emplace_back(x, y, z);
+  sizes.assign(positions.size(), Edge * std::sqrt(3.0));
+  values.assign(positions.size(), 0.5);
+  for (const bool isPerspective : {false, true}) {
+    isCentral = isPerspective;
+    EXPECT_LT(ShareOfPeeledSamples(Mesh(Symbols(Model::Symbol::ShapeCube), false)), 0.9) << isPerspective;
+    EXPECT_LT(ShareOfPeeledSamples(Mesh(InstancedMesh::Spheres(), false)), 0.9) << isPerspective;
+  }
+}
+
+/// As wide as a few pixels.
+TEST_F(InstanceOcclusionPixels, HidesSmallSymbols) {
+  Fill(60000, 3, 6);
+  colors = ColorMap({QColor(255, 0, 0, 100), QColor(0, 0, 255, 50)}, ColorMap::Interpolated);
+  for (const bool isPerspective : {false, true}) {
+    isCentral = isPerspective;
+    EXPECT_LT(ShareOfSamples(Mesh(InstancedMesh::Spheres(), true)), 0.9) << isPerspective;
+    EXPECT_LT(ShareOfPeeledSamples(Mesh(InstancedMesh::Spheres(), false)), 0.98) << isPerspective;
   }
 }
 
