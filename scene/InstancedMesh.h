@@ -33,10 +33,10 @@ namespace Vek::Chart::Scene {
 /// and the last level takes all others. Instances outside of the view frustum are left out. A drawing is one call of GL
 /// for each level that has instances. The number of GL calls does not depend on the number of instances.
 ///
-/// Occlusion culling: where instances are opaque closed surfaces around their positions and cover what they span several
-/// times, those that are hidden wholly behind another one are left out as well. A coarse depth buffer in CPU memory
-/// finds them. The image stays the same. It takes place under the depth test RGL_LESS or RGL_LEQUAL alone, without
-/// blending, clip planes, culled faces or `SetMostVertices`. For depth peeling, see `SetMostLayers`.
+/// Occlusion culling: where instances are opaque closed surfaces around their positions and cover what they span
+/// several times, those that are hidden wholly behind another one are left out as well. A coarse depth buffer in CPU
+/// memory finds them. The image stays the same. It takes place under the depth test RGL_LESS or RGL_LEQUAL alone,
+/// without blending, clip planes, culled faces or `SetMostVertices`. For depth peeling, see `SetMostLayers`.
 ///
 /// Levels need GL 4.0, for buffer textures. Other devices with instancing draw all instances with the last level.
 ///

@@ -77,7 +77,8 @@ struct InstancedMesh::Drawing {
   const InstancedMesh& mesh;
   Paint paint;
   Buffers& buffers = mesh._buffers.Get(gl);
-  int leastAlpha = 0; ///< of all that is drawn, from 0 to 255; of colours
+  int leastAlpha = 0;     ///< of all that is drawn, from 0 to 255; of colours
+  bool isNearest = false; ///< what one other instance hides is not seen
   bool hasLevels = HasLevels(gl, mesh.Count());
   SetUniforms setUniforms{};
 };
@@ -294,11 +295,12 @@ void InstancedMesh::Drawing::DrawLevel(std::size_t p_level, InstanceShaders p_sh
       p_program.SetUniform(gl, TextureNames[i], FirstUnit + static_cast<int>(i));
     p_program.SetUniform(gl, "copies", static_cast<int>(copies));
     const auto uncut = WithoutCuts(gl, cuts);
-    const std::size_t most = mesh._mostAtOnce != 0 ? mesh._mostAtOnce : range.count;
-    for (std::size_t begin = 0; begin < range.count; begin += most) {
+    const std::size_t end = isNearest ? range.nearer : range.count;
+    const std::size_t most = mesh._mostAtOnce != 0 ? mesh._mostAtOnce : end;
+    for (std::size_t begin = 0; begin < end; begin += most) {
       if (begin != 0)
         gl->Finish();
-      const std::size_t count = std::min(range.count - begin, most);
+      const std::size_t count = std::min(end - begin, most);
       p_program.SetUniform(gl, "first", static_cast<int>(range.first + begin));
       p_program.SetUniform(gl, "count", static_cast<int>(count));
       mesh._repeated[p_level].DrawInstanced(gl, (count + copies - 1) / copies, {});
@@ -354,7 +356,9 @@ void InstancedMesh::Draw(Utility::Scoped<Rgl>& p_gl, const Library::ColorMap& p_
   const Painting painting = _colors ? ByColor : ByValue;
   const bool mayHide = p_pass == nullptr || _mostLayers != 0;
   const int leastAlpha = !mayHide ? 0 : _colors ? _leastAlpha : LeastAlpha(p_colors, p_scale);
-  Drawing{p_gl, *this, Paint::Colors, _buffers.Get(p_gl), leastAlpha}.Draw(
+  // One instance has the surfaces of two layers.
+  const bool isNearest = _mostLayers != 0 && (p_pass == nullptr || p_pass->front == 1);
+  Drawing{p_gl, *this, Paint::Colors, _buffers.Get(p_gl), leastAlpha, isNearest}.Draw(
       {{"painting", painting}, {"logarithmic", p_scale.logarithmic ? 1 : 0}, {"peeled", p_pass != nullptr ? 1 : 0}},
       [&](const Ogl::ShaderProgram& p_program) {
         SetColorUniforms(p_gl, p_program, painting, p_colors, p_scale, p_pass);

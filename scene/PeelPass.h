@@ -5,6 +5,8 @@
 #include "platform/ogl/Rgl.h"
 #include "platform/types/Size.h"
 
+#include <cstddef>
+
 namespace Vek::Chart::Scene {
 
 /// A drawing of what lies behind a layer of half-transparent things, without that layer: the second and all further
@@ -18,7 +20,8 @@ namespace Vek::Chart::Scene {
 struct VEK_SCENE_API PeelPass {
   /// The texture unit where the depths of the layer in front are bound, as a 2-D texture.
   static constexpr Ogl::GlEnum Unit = RGL_TEXTURE3;
-  Types::Size size; ///< of that texture
+  Types::Size size;      ///< of that texture
+  std::size_t front = 0; ///< how many layers lie in front; 0 where it is not known
 };
 
 } // namespace Vek::Chart::Scene

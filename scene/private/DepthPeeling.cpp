@@ -101,7 +101,7 @@ bool DepthPeeling::DrawLayer(Utility::Scoped<Rgl>& p_gl, std::size_t p_layer,
     return false;
   Clear(*p_gl);
   CopyDepths(p_gl, _targets[0], _size);
-  const PeelPass pass{_size};
+  const PeelPass pass{_size, p_layer};
   if (p_layer > 0) {
     p_gl->ActiveTexture(PeelPass::Unit);
     p_gl->Bind(_targets[p_layer].DepthTexture(p_gl), Rgl::Sampler2D);

@@ -169,7 +169,14 @@ OcclusionGrid OcclusionGrid::Coarser() const {
   return coarser;
 }
 
-bool OcclusionGrid::Hides(const Outline& p_outline) const {
+bool OcclusionGrid::Hides(const Outline& p_outline, std::size_t p_bodies) const {
+  if (p_bodies == 1 && !_firsts.empty())
+    return Hides(p_outline, [this](std::size_t p_tile) { return _firsts[p_tile].back; });
+  return Hides(p_outline, [this](std::size_t p_tile) { return _depths[p_tile]; });
+}
+
+template <class DepthOf>
+bool OcclusionGrid::Hides(const Outline& p_outline, const DepthOf& p_depthOf) const {
   const bool isInRange = std::abs(p_outline.x) + p_outline.halfWidth < MostPixels &&
                          std::abs(p_outline.y) + p_outline.halfHeight < MostPixels;
   if (!isInRange)
@@ -184,9 +191,9 @@ bool OcclusionGrid::Hides(const Outline& p_outline) const {
     const float half = halfWidth * std::sqrt(std::max(0.0F, 1 - share * share)) - _inset;
     const int left = std::max(0, static_cast<int>(std::floor(x - half)));
     const int right = std::min(_columns, static_cast<int>(std::floor(x + half)) + 1);
-    const float* const depths = _depths.data() + static_cast<std::ptrdiff_t>(row) * _columns;
+    const std::ptrdiff_t tiles = static_cast<std::ptrdiff_t>(row) * _columns;
     for (int column = left; column < right; ++column)
-      if (depths[column] >= p_outline.depth)
+      if (p_depthOf(static_cast<std::size_t>(tiles + column)) >= p_outline.depth)
         return false;
   }
   return true;

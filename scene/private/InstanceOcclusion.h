@@ -75,8 +75,8 @@ public:
   void Merge(const OcclusionGrid& p_other);
   /// A grid of tiles four times as wide and high that hides no more.
   OcclusionGrid Coarser() const;
-  /// Whether an outline is hidden wholly.
-  bool Hides(const Outline& p_outline) const;
+  /// Whether an outline is hidden wholly, by so many bodies, at most those of the grid.
+  bool Hides(const Outline& p_outline, std::size_t p_bodies = 1) const;
 
 private:
   /// The depths of a body.
@@ -84,6 +84,8 @@ private:
     float front, back;
   };
   void AddBody(std::size_t p_tile, const Extent& p_body);
+  template <class DepthOf>
+  bool Hides(const Outline& p_outline, const DepthOf& p_depthOf) const;
 
   int _width, _height;
   float _tile, _inset; ///< the latter in tiles

@@ -224,10 +224,15 @@ void InstanceSelection::Choose(double p_coarseness, std::size_t p_step) {
 void InstanceSelection::FindRanges() {
   _ranges.assign(_input.levels.size(), {});
   std::uint32_t next = 0;
+  const auto place = [&](std::size_t p_level) {
+    for (auto& firsts : _firstOf)
+      next += std::exchange(firsts[p_level], next);
+  };
   for (std::size_t level = 0; level < _ranges.size(); ++level) {
     _ranges[level].first = next;
-    for (auto& firsts : _firstOf)
-      next += std::exchange(firsts[level], next);
+    place(level);
+    _ranges[level].nearer = next - _ranges[level].first;
+    place(level + MostLevels);
     _ranges[level].count = next - _ranges[level].first;
   }
 }
@@ -325,25 +330,27 @@ void InstanceSelection::HideOccluded() {
     for (std::size_t share = 1; share < shares; ++share)
       grids[0].Merge(grids[share]);
   };
-  const auto isHidden = [&](std::size_t p_i, const OcclusionGrid& p_grid) {
+  const auto isHidden = [&](std::size_t p_i, const OcclusionGrid& p_grid, std::size_t p_bodies) {
     const auto around = view->Around(positions[p_i], reaches[_levelOf[p_i]] * sizeOf(p_i));
-    return around && p_grid.Hides(*around);
+    return around && p_grid.Hides(*around, p_bodies);
   };
   // Those in front hide most of the others, which larger tiles show quickly.
   cover([&](std::size_t, const Outline& p_inside) { return p_inside.depth < *front; });
   const OcclusionGrid coarse = grids[0].Coarser();
   cover([&](std::size_t p_i, const Outline&) {
-    if (!isHidden(p_i, coarse))
+    if (!isHidden(p_i, coarse, _input.hiding))
       return true;
     _levelOf[p_i] = LeftOut;
     return false;
   });
   Utility::RunRanges(threads, count, BlockSize, [&](std::size_t p_begin, std::size_t p_end) {
-    std::array<std::uint32_t, MostLevels>& counts = _firstOf[p_begin / BlockSize];
+    auto& counts = _firstOf[p_begin / BlockSize];
     counts = {};
     for (std::size_t i = p_begin; i < p_end; ++i) {
-      if (_levelOf[i] != LeftOut && isHidden(i, grids[0]))
-        _levelOf[i] = LeftOut;
+      if (_levelOf[i] != LeftOut && isHidden(i, grids[0], 1))
+        _levelOf[i] = _input.hiding == 1 || isHidden(i, grids[0], _input.hiding)
+                          ? LeftOut
+                          : static_cast<std::uint8_t>(_levelOf[i] + MostLevels);
       if (_levelOf[i] != LeftOut)
         ++counts[_levelOf[i]];
     }
@@ -353,7 +360,7 @@ void InstanceSelection::HideOccluded() {
 
 void InstanceSelection::WriteOrder(std::uint32_t* p_order) const {
   Utility::RunRanges(Utility::Threads::All(), _levelOf.size(), BlockSize, [&](std::size_t p_begin, std::size_t p_end) {
-    std::array<std::uint32_t, MostLevels> next = _firstOf[p_begin / BlockSize];
+    auto next = _firstOf[p_begin / BlockSize];
     for (std::size_t i = (p_begin + _step - 1) / _step * _step; i < p_end; i += _step)
       if (const std::uint8_t level = _levelOf[i]; level != LeftOut)
         p_order[next[level]++] = static_cast<std::uint32_t>(i);

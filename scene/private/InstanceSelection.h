@@ -69,6 +69,7 @@ public:
   struct Range {
     std::size_t first = 0;
     std::size_t count = 0;
+    std::size_t nearer = 0; ///< so many of them from the first are not hidden by one other instance
   };
 
   /// Finds the levels anew if the input changed; true if it did.
@@ -103,8 +104,8 @@ private:
   Input _input;
   std::size_t _step = 1;
   std::vector<std::uint8_t> _isDirected; ///< 0 for axes that are zero; empty without axes
-  std::vector<std::uint8_t> _levelOf;
-  std::vector<std::array<std::uint32_t, MostLevels>> _firstOf; ///< of each block and level, in the order
+  std::vector<std::uint8_t> _levelOf;    ///< plus MostLevels for those hidden by one other instance
+  std::vector<std::array<std::uint32_t, 2 * MostLevels>> _firstOf; ///< of each block and level, in the order
   std::vector<Range> _ranges;
 };
 

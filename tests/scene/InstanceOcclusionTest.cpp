@@ -92,10 +92,11 @@ public:
     p_mesh.SetMostLayers(Layers);
     for (const std::size_t all : {0U, 1U}) {
       p_mesh.SetMostVertices(all == 0 ? 0 : std::numeric_limits<std::size_t>::max());
-      const PeelPass pass{Types::Size(Width, Height)};
+      PeelPass pass{Types::Size(Width, Height), 0};
       boost::shared_ptr<Ogl::Texture> depths;
       for (std::size_t layer = 0; layer < Layers; ++layer) {
         const RenderTexture target(pass.size);
+        pass.front = layer;
         {
           const auto bound = target.BindForDraw(gl);
           gl->ActiveTexture(PeelPass::Unit);
