@@ -81,6 +81,19 @@ InstancedMesh::Body InstancedMesh::BodyOf(const Level& p_level) {
   return body;
 }
 
+namespace {
+
+GpuMesh Square() {
+  const std::vector<Point> corners{{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}}, normals(4, Point(0, 0, 1));
+  GpuMesh::Arrays arrays;
+  arrays.positions = corners;
+  arrays.normals = normals;
+  arrays.indices = {0, 1, 2, 0, 2, 3};
+  return GpuMesh(arrays);
+}
+
+} // namespace
+
 /// Small meshes are repeated: GL draws a few large instances faster than many small ones.
 void InstancedMesh::CompleteLevels() {
   constexpr std::size_t Vertices = 256; // of what is drawn as one instance
@@ -88,6 +101,9 @@ void InstancedMesh::CompleteLevels() {
     throw std::invalid_argument("InstancedMesh: levels: expected at most " +
                                 std::to_string(InstanceSelection::MostLevels) + ", got " +
                                 std::to_string(_levels.size()));
+  if (std::any_of(_levels.begin(), _levels.end(),
+                  [](const Level& p_level) { return p_level.facing == Level::Facing::Sphere; }))
+    _squares = Square().Repeated(SquareCopies);
   _repeated.clear();
   _copies.clear();
   _bodies.clear();
@@ -167,6 +183,7 @@ void InstancedMesh::Release(const Utility::Scoped<Rgl>& p_gl) const {
     level.mesh.Release(p_gl);
   for (const GpuMesh& mesh : _repeated)
     mesh.Release(p_gl);
+  _squares.Release(p_gl);
   _buffers.Release(p_gl);
 }
 

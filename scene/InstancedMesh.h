@@ -108,7 +108,7 @@ public:
 
   /// Discs of 3 to 64 corners through which spheres are seen, each up to the size at which its outline leaves the
   /// circle by a fifth of a pixel, and a mesh of 1280 triangles for all larger ones. The size of an instance is the
-  /// diameter of its sphere.
+  /// diameter of its sphere. With `SetMostLayers`, targets with one sample a pixel show exact outlines.
   static std::vector<Level> Spheres();
   /// Solid arrows along +z from 0 to 1 with a shaft of 2/3 of the length, as those of `Model::Symbol::ShapeArrow3D`: a
   /// triangle, outlines of 2, 4 and 10 triangles, and meshes of 4 and 8 segments, each up to the length at which its
@@ -187,6 +187,7 @@ private:
     double core = 0;  ///< radius of a ball around its position that is hidden from all sides; 0 for none
   };
 
+  static constexpr std::size_t SquareCopies = 64;
   void RequireLength(const char* p_name, std::size_t p_count) const;
   static Body BodyOf(const Level& p_level);
   void CompleteLevels();
@@ -194,6 +195,7 @@ private:
   std::vector<Level> _levels;
   std::vector<GpuMesh> _repeated;   ///< the mesh of each level, several times if it is small
   std::vector<std::size_t> _copies; ///< how many times
+  GpuMesh _squares;                 ///< around the outlines of spheres, for targets with one sample
   std::vector<Body> _bodies;        ///< of the levels
   Shared<Ogl::Vec3<float>> _positions;
   Shared<float> _sizes;

@@ -282,14 +282,20 @@ bool InstancedMesh::Drawing::BindTextures() {
 void InstancedMesh::Drawing::DrawLevel(std::size_t p_level, InstanceShaders p_shaders) {
   const Level& level = mesh._levels[p_level];
   const InstanceSelection::Range& range = buffers.selection.Ranges()[p_level];
-  const std::size_t copies = mesh._copies[p_level];
   const bool isSphere = level.facing == Level::Facing::Sphere, isOutline = level.facing == Level::Facing::Outline;
+  // Samples between the centres of pixels need polygons.
+  constexpr std::size_t SquareVertices = 4;
+  const bool isExact =
+      isSphere && mesh._mostLayers != 0 && level.mesh.VertexCount() > SquareVertices && HasOneSample(gl);
+  const GpuMesh& repeated = isExact ? mesh._squares : mesh._repeated[p_level];
+  const std::size_t copies = isExact ? SquareCopies : mesh._copies[p_level];
   const int cuts = isSphere ? EnabledCuts(gl) : 0;
   p_shaders.fragments = isSphere ? Fragments::Spheres : Fragments::Mesh;
   p_shaders.constants["facing"] = isOutline ? 1 : 0;
   p_shaders.constants["lighting"] = isOutline ? ByShade : isSphere ? ByOneNormal : LightingOf(level.mesh);
   p_shaders.constants["repeated"] = copies > 1 ? 1 : 0;
   p_shaders.constants["cuts"] = cuts;
+  p_shaders.constants["exact"] = isExact ? 1 : 0;
   DrawWith(p_shaders, level, [&](const Ogl::ShaderProgram& p_program) {
     for (std::size_t i = 0; i < TextureNames.size(); ++i)
       p_program.SetUniform(gl, TextureNames[i], FirstUnit + static_cast<int>(i));
@@ -303,7 +309,7 @@ void InstancedMesh::Drawing::DrawLevel(std::size_t p_level, InstanceShaders p_sh
       const std::size_t count = std::min(end - begin, most);
       p_program.SetUniform(gl, "first", static_cast<int>(range.first + begin));
       p_program.SetUniform(gl, "count", static_cast<int>(count));
-      mesh._repeated[p_level].DrawInstanced(gl, (count + copies - 1) / copies, {});
+      repeated.DrawInstanced(gl, (count + copies - 1) / copies, {});
     }
   });
 }

@@ -225,6 +225,7 @@ const char* const SphereFragmentMain = R"(
 #undef main
 uniform int peeled;  // whether a layer in front is left out
 uniform int central; // whether the projection is perspective
+uniform int exact;   // whether the polygon is larger than the outline
 bool IsHidden() { return IsCut(hit) || (peeled != 0 && IsPeeled()); }
 void main() {
   vec3 start = central != 0 ? vec3(0.0) : position;
@@ -232,7 +233,10 @@ void main() {
   vec3 from = start - ball.xyz;
   float middle = -dot(from, sight);
   vec3 nearest = from + middle * sight; // of the ray, seen from the centre
-  float reach = sqrt(max(ball.w * ball.w - dot(nearest, nearest), 0.0));
+  float square = ball.w * ball.w - dot(nearest, nearest);
+  if (exact != 0 && square < 0.0)
+    discard;
+  float reach = sqrt(max(square, 0.0));
   Meet(start + (middle - reach) * sight, sight);
   if ((cuts != 0 || peeled != 0) && IsHidden()) {
     Meet(start + (middle + reach) * sight, sight);

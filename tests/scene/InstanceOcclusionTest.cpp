@@ -83,37 +83,43 @@ public:
     return samples[0] / static_cast<double>(samples[1]);
   }
 
+  /// The layers of a peeling and the number of samples that passed the depth test.
+  struct Peeled {
+    std::vector<QImage> layers;
+    double samples = 0;
+  };
+  Peeled Peel(const InstancedMesh& p_mesh, const ValueScale& p_scale = {}) {
+    Peeled peeled;
+    PeelPass pass{Types::Size(Width, Height), 0};
+    boost::shared_ptr<Ogl::Texture> depths;
+    for (; pass.front < Layers; ++pass.front) {
+      const RenderTexture target(pass.size);
+      {
+        const auto bound = target.BindForDraw(gl);
+        gl->ActiveTexture(PeelPass::Unit);
+        if (depths)
+          gl->Bind(depths, Rgl::Sampler2D);
+        gl->ActiveTexture(RGL_TEXTURE0);
+        peeled.samples += Draw([&] { p_mesh.Draw(gl, colors, p_scale, pass.front == 0 ? nullptr : &pass); });
+      }
+      depths = target.DepthTexture(gl);
+      peeled.layers.push_back(target.ToImage(gl));
+    }
+    return peeled;
+  }
   /// Peels layers with culling and without; their images must be equal. Returns how many samples passed with culling,
   /// in parts of those without.
   double ShareOfPeeledSamples(InstancedMesh p_mesh, const ValueScale& p_scale = {}) {
-    constexpr std::size_t Layers = 4;
-    std::array<std::vector<QImage>, 2> images;
-    std::array<double, 2> samples{};
     p_mesh.SetMostLayers(Layers);
-    for (const std::size_t all : {0U, 1U}) {
-      p_mesh.SetMostVertices(all == 0 ? 0 : std::numeric_limits<std::size_t>::max());
-      PeelPass pass{Types::Size(Width, Height), 0};
-      boost::shared_ptr<Ogl::Texture> depths;
-      for (std::size_t layer = 0; layer < Layers; ++layer) {
-        const RenderTexture target(pass.size);
-        pass.front = layer;
-        {
-          const auto bound = target.BindForDraw(gl);
-          gl->ActiveTexture(PeelPass::Unit);
-          if (depths)
-            gl->Bind(depths, Rgl::Sampler2D);
-          gl->ActiveTexture(RGL_TEXTURE0);
-          samples[all] += Draw([&] { p_mesh.Draw(gl, colors, p_scale, layer == 0 ? nullptr : &pass); });
-        }
-        depths = target.DepthTexture(gl);
-        images[all].push_back(target.ToImage(gl));
-      }
-    }
+    const Peeled culled = Peel(p_mesh, p_scale);
+    p_mesh.SetMostVertices(std::numeric_limits<std::size_t>::max());
+    const Peeled all = Peel(p_mesh, p_scale);
     for (std::size_t layer = 0; layer < Layers; ++layer)
-      EXPECT_EQ(images[0][layer], images[1][layer]) << layer;
-    return samples[0] / samples[1];
+      EXPECT_EQ(culled.layers[layer], all.layers[layer]) << layer;
+    return culled.samples / all.samples;
   }
 
+  static constexpr std::size_t Layers = 4;
   std::vector<Point> positions;
   std::vector<double> sizes, values;
   std::vector<InstancedMesh::Rgba> rgba;
@@ -149,6 +155,34 @@ TEST_F(InstanceOcclusionPixels, LeavesTheLayersOfAPeelingAsTheyAre) {
     isCentral = isPerspective;
     EXPECT_LT(ShareOfPeeledSamples(Mesh(InstancedMesh::Spheres(), false)), 0.95) << isPerspective;
     EXPECT_EQ(ShareOfPeeledSamples(Mesh(InstancedMesh::Spheres(), false), holes), 1) << isPerspective;
+  }
+}
+
+/// The outlines of peeled spheres are those of polygons of 64 corners, but for pixels whose centres lie on them.
+TEST_F(InstanceOcclusionPixels, PeelsRoundSpheres) {
+  colors = ColorMap({QColor(255, 0, 0, 100), QColor(0, 0, 255, 50)}, ColorMap::Interpolated);
+  Fill(200, 3, 40);
+  for (const bool isPerspective : {false, true}) {
+    isCentral = isPerspective;
+    InstancedMesh spheres = Mesh(InstancedMesh::Spheres(), false);
+    spheres.SetMostLayers(Layers);
+    const Peeled round = Peel(spheres);
+    std::vector<InstancedMesh::Level> finest = InstancedMesh::Spheres();
+    finest.erase(finest.begin(), finest.end() - 2);
+    spheres.SetLevels(std::move(finest));
+    spheres.SetMostLayers(0);
+    const Peeled polygons = Peel(spheres);
+    for (std::size_t layer = 0; layer < Layers; ++layer) {
+      int seen = 0, different = 0;
+      for (int y = 0; y < Height; ++y)
+        for (int x = 0; x < Width; ++x) {
+          const QRgb pixel = polygons.layers[layer].pixel(x, y);
+          seen += qAlpha(pixel) != 0 ? 1 : 0;
+          different += pixel != round.layers[layer].pixel(x, y) ? 1 : 0;
+        }
+      EXPECT_LE(different, seen / 300) << layer << ' ' << isPerspective;
+      EXPECT_GT(seen, 0) << layer;
+    }
   }
 }
 
