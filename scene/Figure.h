@@ -254,7 +254,7 @@ public:
   QImage ImageWithoutBackground(Types::Size p_size = {1200, 800}, int p_samples = 4);
   /// Writes what `Image` draws to a file, in the format that its suffix names (PNG and what Qt supports), or a PDF: one
   /// page of `p_size` points (1/72 inch) as `Paint` paints it, with the fonts embedded. Throws as `Image`, and
-  /// std::runtime_error with path and reason for a file that cannot be written.
+  /// std::runtime_error with path and reason for a file that cannot be written whole; an older one stays then.
   ///
   /// \param p_path ends in ".pdf" for a PDF
   /// \param p_size in pixels or points

@@ -2,6 +2,7 @@
 
 #include "scene/Background.h"
 #include "scene/Canvas.h"
+#include "scene/SaveImage.h"
 #include "scene/private/ImageFile.h"
 #include "scene/private/OffscreenApplication.h"
 #include "scene/private/PagePainter.h"
@@ -219,7 +220,7 @@ QImage FigureGrid::Image(Types::Size p_size, int p_samples, double p_pixelRatio)
 
 void FigureGrid::Save(const QString& p_path, Types::Size p_size, double p_resolution) {
   if (!Private::IsPdf(p_path))
-    return Private::WriteImage(Image(p_size), p_path);
+    return SaveImage(Image(p_size), p_path);
   const Private::OffscreenApplication application;
   const QSizeF size(p_size.width, p_size.height);
   Private::WritePdf(p_path, _title, size, [&](QPainter& p_painter) { Paint(p_painter, size, p_resolution); });

@@ -3,11 +3,11 @@
 #include "platform/debug/Check.h"
 #include "platform/ogl/PerContext.h"
 #include "scene/Background.h"
+#include "scene/SaveImage.h"
 
 #include <QClipboard>
 #include <QFileDialog>
 #include <QGuiApplication>
-#include <QImageWriter>
 #include <QMessageBox>
 #include <QOpenGLContext>
 #include <QStringList>
@@ -134,10 +134,7 @@ void FigureView::Save(const QString& p_path) {
   const QImage image = Image();
   if (image.isNull())
     throw std::runtime_error(p_path.toStdString() + ": the image cannot be written: nothing has been drawn");
-  QImageWriter writer(p_path);
-  if (!writer.write(image))
-    throw std::runtime_error(p_path.toStdString() +
-                             ": the image cannot be written: " + writer.errorString().toStdString());
+  Scene::SaveImage(image, p_path);
 }
 
 void FigureView::Copy() {

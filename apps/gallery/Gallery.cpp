@@ -7,6 +7,8 @@
 #include "apps/gallery/Picture.h"
 #include "apps/gallery/Rendering.h"
 
+#include "scene/SaveImage.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -27,9 +29,7 @@ void MakePicture(const PictureEntry& p_entry, const Options& p_options) {
   const Clock::time_point start = Clock::now();
   try {
     const QImage image = RenderPicture(p_entry, p_options.inputs, p_options.size);
-    const std::string path = p_options.out + "/" + p_entry.name + ".png";
-    if (!image.save(QString::fromStdString(path)))
-      throw std::runtime_error(path + ": cannot be written");
+    Vek::Chart::Scene::SaveImage(image, QString::fromStdString(p_options.out + "/" + p_entry.name + ".png"));
   } catch (...) {
     std::puts("failed"); // ends the line, before the reason is told
     throw;

@@ -5,10 +5,10 @@
 #include "apps/parallel/FieldOptions.h"
 
 #include "parallel/Processes.h"
+#include "scene/SaveImage.h"
 
 #include <QByteArray>
 #include <QGuiApplication>
-#include <QImageWriter>
 
 #include <iostream>
 #include <memory>
@@ -29,13 +29,6 @@ QByteArray CommonArguments(QStringList p_arguments) {
   if (const int field = p_arguments.indexOf(QStringLiteral("--field")); field >= 0 && field + 1 < p_arguments.size())
     p_arguments.removeAt(field + 1);
   return p_arguments.join('\n').toUtf8();
-}
-
-void WriteImage(const QImage& p_image, const QString& p_path) {
-  QImageWriter writer(p_path);
-  if (!writer.write(p_image))
-    throw std::runtime_error(p_path.toStdString() +
-                             ": the image cannot be written: " + writer.errorString().toStdString());
 }
 
 /// Reports an error, which is the same in all processes, once.
@@ -69,7 +62,7 @@ int Draw(const Parallel::Processes& p_all, const QStringList& p_arguments) {
     const QImage image = Apps::DrawField(compositor, options);
     p_all.Together([&] {
       if (isFirst)
-        WriteImage(image, options.image);
+        Scene::SaveImage(image, options.image);
     });
     return 0;
   } catch (const Parallel::ProcessError& error) {

@@ -3,11 +3,11 @@
 #include "apps/viewer/ViewerWindow.h"
 
 #include "io/Formats.h"
+#include "scene/SaveImage.h"
 
 #include <QAction>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QImageWriter>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QStatusBar>
@@ -167,11 +167,10 @@ void ViewerWindow::SaveImage(const QString& p_path, Types::Size p_size, bool p_i
   if (Chart() == nullptr)
     return;
   try {
-    if (!p_isTransparent) {
+    if (p_isTransparent)
+      Scene::SaveImage(Chart()->figure->ImageWithoutBackground(p_size), p_path);
+    else
       Chart()->figure->Save(p_path, p_size);
-    } else if (QImageWriter writer(p_path); !writer.write(Chart()->figure->ImageWithoutBackground(p_size))) {
-      throw std::runtime_error((p_path + ": the image cannot be written: " + writer.errorString()).toStdString());
-    }
   } catch (const std::exception& error) {
     _reports->SetFile(p_path);
     _reports->AddFailure(QString::fromUtf8(error.what()));

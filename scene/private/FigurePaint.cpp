@@ -1,3 +1,4 @@
+#include "scene/SaveImage.h"
 #include "scene/private/FigureState.h"
 #include "scene/private/ImageFile.h"
 #include "scene/private/OffscreenApplication.h"
@@ -64,7 +65,7 @@ QImage Figure::ImageWithoutBackground(Types::Size p_size, int p_samples) {
 
 void Figure::Save(const QString& p_path, Types::Size p_size, double p_resolution) {
   if (!Private::IsPdf(p_path))
-    return Private::WriteImage(Image(p_size), p_path);
+    return SaveImage(Image(p_size), p_path);
   const Private::OffscreenApplication application;
   const QSizeF size(p_size.width, p_size.height);
   Private::WritePdf(p_path, _state->title, size, [&](QPainter& p_painter) { Paint(p_painter, size, p_resolution); });

@@ -4,8 +4,6 @@
 
 #include "platform/ogl/OffscreenContext.h"
 
-#include <QImageWriter>
-
 #include <algorithm>
 #include <array>
 #include <stdexcept>
@@ -51,13 +49,6 @@ QImage DrawnImage(Types::Size p_size, int p_samples, bool p_hasTransparent, cons
   }
   const QImage image = context.Image().convertToFormat(QImage::Format_RGB32); // opaque: blending has changed alpha
   return isDoubled ? Halved(image) : image;
-}
-
-void WriteImage(const QImage& p_image, const QString& p_path) {
-  QImageWriter writer(p_path);
-  if (!writer.write(p_image))
-    throw std::runtime_error(p_path.toStdString() +
-                             ": the image cannot be written: " + writer.errorString().toStdString());
 }
 
 } // namespace Vek::Chart::Scene::Private

@@ -6,7 +6,6 @@
 #include "platform/utility/Scope.h"
 
 #include <QImage>
-#include <QString>
 
 #include <functional>
 
@@ -18,8 +17,5 @@ using DrawPage = std::function<void(Utility::Scoped<Rgl>&, const Types::Viewport
 /// An opaque image of what is drawn off-screen, with or without an application object (see Figure::Image). Layers of
 /// half-transparent things have single samples, so that such images are drawn at twice the size where they can.
 QImage DrawnImage(Types::Size p_size, int p_samples, bool p_hasTransparent, const DrawPage& p_draw);
-
-/// Writes an image in the format that the path's suffix names. Throws std::runtime_error with path and reason.
-void WriteImage(const QImage& p_image, const QString& p_path);
 
 } // namespace Vek::Chart::Scene::Private

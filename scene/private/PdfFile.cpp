@@ -1,7 +1,8 @@
 #include "scene/private/PdfFile.h"
 
+#include "scene/private/WriteFile.h"
+
 #include <QBuffer>
-#include <QFile>
 #include <QMarginsF>
 #include <QPageSize>
 #include <QPdfWriter>
@@ -30,11 +31,8 @@ void WritePdf(const QString& p_path, const QString& p_title, const QSizeF& p_siz
     painter.scale(Resolution / PointsPerInch, Resolution / PointsPerInch);
     p_paint(painter);
   }
-  QFile file(p_path);
-  const bool isWritten =
-      file.open(QIODevice::WriteOnly) && file.write(bytes.data()) == bytes.data().size() && file.flush();
-  if (!isWritten)
-    throw std::runtime_error(p_path.toStdString() + ": the PDF cannot be written: " + file.errorString().toStdString());
+  if (const QString error = WriteFile(p_path, bytes.data()); !error.isEmpty())
+    throw std::runtime_error((p_path + QStringLiteral(": the PDF cannot be written: ") + error).toStdString());
 }
 
 } // namespace Vek::Chart::Scene::Private
