@@ -18,6 +18,9 @@ namespace Vek::Chart::Scene {
 /// height continue in further columns. Letters have the sizes of the theme, whatever the height; each column has one
 /// entry at least. Entries without a name are left out. Without entries the block is empty.
 ///
+/// Where a width is given, names too long for their column have an ellipsis in the middle, down to eight heights of
+/// letters. Entries that still have no room are left out, and the last line has their number: "… 12 more".
+///
 /// \snippet SceneLegendSnippets.cpp Legend
 /// \image html parts/Legend.png
 /// \ingroup legends
@@ -47,6 +50,8 @@ struct VEK_SCENE_API Legend {
   /// The shapes; the origin is the upper left corner. Columns are at most `p_height` points high if entries are lower.
   /// Throws std::invalid_argument unless the height is above 0.
   LegendBlock Layout(double p_height, const Theme& p_theme, double p_pointSize = 1) const;
+  /// Likewise, at most `p_width` points wide if a mark and a short name are narrower.
+  LegendBlock Layout(double p_height, double p_width, const Theme& p_theme, double p_pointSize) const;
 };
 
 } // namespace Vek::Chart::Scene

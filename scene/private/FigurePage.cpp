@@ -19,8 +19,19 @@ namespace Private {
 
 namespace {
 
-constexpr double Margin = 12; // points around everything
-constexpr double Gap = 16;    // between blocks
+constexpr double Margin = 12;      // points around everything
+constexpr double Gap = 16;         // between blocks
+constexpr double MostShare = 0.45; // of the width, for what stands on the right
+
+double MarginOf(const QSizeF& p_size) {
+  return std::min(Margin, std::min(p_size.width(), p_size.height()) / 20);
+}
+
+/// Whether keys stand below the scene.
+bool IsTall(const QSizeF& p_size) {
+  constexpr double TallRatio = 1.15; // of height to width
+  return p_size.height() > TallRatio * p_size.width();
+}
 
 /// Takes places from the borders of a page, until the scene is left.
 class Page {
@@ -30,7 +41,7 @@ public:
       : _theme(p_theme)
       , _pointSize(p_pointSize)
       , _report(p_report) {
-    const double margin = std::min(Margin, std::min(p_size.width(), p_size.height()) / 20);
+    const double margin = MarginOf(p_size);
     _layout.size = p_size;
     _layout.scene = {margin, margin, p_size.width() - margin, p_size.height() - margin};
   }
@@ -132,7 +143,6 @@ private:
   }
 
   void TakeColumn(const std::vector<LegendBlock>& p_blocks) {
-    constexpr double MostShare = 0.45; // of the width
     double width = 0, height = -Gap;
     std::vector<const LegendBlock*> fitting;
     for (const LegendBlock& block : p_blocks) {
@@ -190,20 +200,28 @@ private:
 } // namespace
 
 FigureLayout LayOutPage(const QSizeF& p_size, const PageContent& p_content, const Theme& p_theme, double p_pointSize) {
-  constexpr double TallRatio = 1.15; // of height to width
   Page page(p_size, p_theme, p_pointSize, p_content.report);
   page.TakeTop(p_content.title, p_theme.TitleStyle(), p_content.subtitle.isEmpty() ? Gap / 2 : 0);
   page.TakeTop(p_content.subtitle, p_theme.BodyStyle(), Gap / 2);
   TextStyle faint = p_theme.SmallStyle();
   faint.color = p_theme.faint;
   page.TakeBottom(QStringList(p_content.notes.begin(), p_content.notes.end()).join(QStringLiteral(" \u00B7 ")), faint);
-  if (p_size.height() > TallRatio * p_size.width())
+  if (IsTall(p_size))
     page.TakeBelow(p_content.bars, p_content.keys);
   else
     page.TakeRight(p_content.bars, p_content.keys);
   FigureLayout layout = std::move(page).Result();
   layout.notes = p_content.notes;
   return layout;
+}
+
+double RoomForKey(const QSizeF& p_size, const std::vector<LegendBlock>& p_others) {
+  double width = p_size.width() - 2 * MarginOf(p_size);
+  if (!IsTall(p_size))
+    return MostShare * width;
+  for (const LegendBlock& other : p_others)
+    width -= other.Width() + Gap;
+  return width;
 }
 
 void CloseUp(FigureLayout& p_layout) {

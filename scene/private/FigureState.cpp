@@ -221,8 +221,6 @@ std::vector<LegendBlock> Figure::State::Keys(const Theme& p_theme, const View& p
     names.entries.push_back({content->label, content->Mark(), content->coloring.Sample()});
   }
   const bool isOneColored = named == 1 && Visible().size() == 1 && !Visible()[0]->coloring.Key();
-  if (named > 1 || isOneColored)
-    keys.push_back(names.Layout(static_cast<double>(p_view.viewport.height) / p_pixelRatio / 2, p_theme, p_pixelRatio));
   for (const PlotContent* const content : Visible()) {
     if (const auto lengths = content->Lengths(); lengths && lengths->scale * points > 0)
       keys.push_back(ArrowKey{lengths->scale * points,
@@ -239,6 +237,12 @@ std::vector<LegendBlock> Figure::State::Keys(const Theme& p_theme, const View& p
   }
   keys.erase(std::remove_if(keys.begin(), keys.end(), [](const LegendBlock& p_key) { return p_key.Width() <= 0; }),
              keys.end());
+  if (named > 1 || isOneColored) {
+    const double width = static_cast<double>(p_view.viewport.width) / p_pixelRatio;
+    const double height = static_cast<double>(p_view.viewport.height) / p_pixelRatio;
+    keys.insert(keys.begin(),
+                names.Layout(height / 2, Private::RoomForKey({width, height}, keys), p_theme, p_pixelRatio));
+  }
   return keys;
 }
 

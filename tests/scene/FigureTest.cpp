@@ -236,6 +236,25 @@ TEST_F(FigureTest, ReportsAMissingLegendOnce) {
   EXPECT_EQ(std::set<std::string>(texts.begin(), texts.end()).size(), texts.size());
 }
 
+/// The names of plots are shortened, or counted, instead of being left out as a whole.
+TEST_F(FigureTest, LongLegendsStay) {
+  Figure figure;
+  for (int i = 0; i < 60; ++i)
+    figure.Lines(Cloud(3)).Label(QString("A long name of a measuring station of the coast, number %1").arg(i));
+  figure.Scatter(Cloud(3)).SizeBy(Ascending(3), "Magnitude");
+  const ReportCapture reports;
+  for (const Viewport& viewport : {Viewport(0, 0, 1000, 600), Viewport(0, 0, 500, 900), Viewport(0, 0, 400, 300)}) {
+    const std::vector<QString> strings = StringsOf(figure.Layout(viewport));
+    const auto count = [&](const char* p_end) {
+      return std::count_if(strings.begin(), strings.end(), [&](const QString& p_s) { return p_s.endsWith(p_end); });
+    };
+    EXPECT_EQ(count(" more"), 1) << viewport.width;
+    EXPECT_EQ(count("mber 0"), 1) << viewport.width;
+    EXPECT_EQ(count("Magnitude"), 1) << viewport.width;
+  }
+  EXPECT_EQ(reports.Texts(), std::vector<std::string>{});
+}
+
 /// Legends below a tall scene move up to its axes, but not over the triad.
 TEST_F(FigureTest, LegendsLeaveTheTriadItsCorner) {
   for (const bool hasTriad : {false, true}) {

@@ -83,6 +83,49 @@ TEST_F(LegendTest, NamesInColumns) {
   ExpectErrors({{"A legend needs a height above 0, got nan", VEK_CALL(titled.Layout(NaN, theme))}});
 }
 
+TEST_F(LegendTest, NarrowColumns) {
+  const TextStyle style = theme.SmallStyle();
+  const double row = std::max(TextRenderer::Size("a", style).height(), style.size) * 1.25;
+  const double place = style.size * (1.6 + 0.5); // of a mark
+  const double longest = TextRenderer::Size("station number 11 of the coast", style).width();
+  const auto laidOut = [&](const QStringList& p_names, double p_rows, double p_width) {
+    Legend legend;
+    for (const QString& name : p_names)
+      legend.entries.push_back({name});
+    LegendBlock block = legend.Layout(p_rows * row, p_width, theme, 1);
+    EXPECT_LE(block.Width(), p_width);
+    ExpectNoOverlap(block);
+    return block;
+  };
+  // As wide as all need: nothing changes.
+  EXPECT_EQ(Columns(laidOut({"a", "bb", "c"}, 2.1, 500)), "a bb | c");
+  // Long names are shortened in their middle, down to the width, and short ones beside them are not.
+  const LegendBlock two = laidOut({"station number 11 of the coast", "b"}, 1.1, place + longest);
+  ASSERT_EQ(two.Strings().size(), 2U);
+  EXPECT_TRUE(two.Strings()[0].text.startsWith("station") && two.Strings()[0].text.endsWith("coast"));
+  EXPECT_EQ(two.Strings()[0].text.count(u'…'), 1);
+  EXPECT_EQ(two.Strings()[1].text, "b");
+  EXPECT_GT(two.Width(), place + longest - style.size);
+  // No half of a character that takes two units.
+  const QString note = QString::fromUtf8("\xF0\x9D\x84\x9E");
+  for (const double letters : {8.0, 8.5, 9.0, 9.5}) {
+    const LegendBlock block = laidOut({note.repeated(40)}, 1.1, place + letters * style.size);
+    const QString& shortened = block.Strings()[0].text;
+    EXPECT_EQ(QString(shortened).remove(note), QString(u'…')) << letters;
+  }
+  // What has no room is counted in place of the last entry.
+  QStringList names;
+  for (int i = 0; i < 40; ++i)
+    names << QString("station number %1 of the coast").arg(i);
+  const LegendBlock many = laidOut(names, 5.1, 2.5 * longest);
+  const QString last = many.Strings().back().text;
+  const int more = static_cast<int>(many.Shapes().size());
+  EXPECT_EQ(last, QString("… %1 more").arg(40 - more));
+  EXPECT_EQ(many.Strings().size(), many.Shapes().size() + 1); // no mark beside the number
+  EXPECT_EQ((many.Strings().size()) % 5, 0U);
+  EXPECT_GE(more, 9);
+}
+
 TEST_F(LegendTest, MarksOfPlots) {
   const std::vector<std::vector<Canvas::Position>> square = {{{-0.5, -0.5}, {0.5, -0.5}, {0.5, 0.5}, {-0.5, 0.5}}};
   const std::tuple<Mark, std::vector<std::vector<Canvas::Position>>, std::size_t, std::size_t> cases[] = {
