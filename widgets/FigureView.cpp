@@ -238,7 +238,8 @@ QString FigureView::Describe(const Scene::Figure::Hit& p_hit) const {
   };
   add(0, p_hit.position.x, step.x);
   add(1, p_hit.position.y, step.y);
-  add(2, p_hit.position.z, step.z);
+  if (const auto limits = _figure->Limits(); limits.Min().z < limits.Max().z) // not in flat figures
+    add(2, p_hit.position.z, step.z);
   if (p_hit.value) {
     constexpr int Digits = 6; // of single precision
     const QString title = p_hit.valueTitle.isEmpty() ? tr("value") : p_hit.valueTitle;

@@ -9,6 +9,7 @@
 #include <QClipboard>
 #include <QFileDialog>
 #include <QOpenGLContext>
+#include <QRegularExpression>
 #include <QToolTip>
 #include <QVBoxLayout>
 
@@ -191,6 +192,17 @@ TEST_F(FigureViewTest, KeysChooseViews) {
   EXPECT_FALSE(Press(Qt::Key_R, Qt::ControlModifier));
   EXPECT_FALSE(Press(Qt::Key_2));
   EXPECT_EQ(moves, before);
+}
+
+TEST_F(FigureViewTest, FlatFiguresReadNoHeight) {
+  figure = std::make_shared<Scene::Figure>();
+  figure->Scatter(std::vector<Point>{{0, 0, 0}, {1, 1, 0}}).Diameter(0.3).ColorBy(std::vector<double>{7.5, 8});
+  figure->SetAxisTitles("x", "y", "Heat");
+  view->SetFigure(figure);
+  view->Image();
+  Click(PlaceOf({0, 0, 0}));
+  const QString text = QToolTip::text().remove(QRegularExpression("\\.0+(?=\n)")); // as many digits as pixels can show
+  EXPECT_EQ(text.toStdString(), "element 0\nx 0\ny 0\nvalue: 7.5");
 }
 
 TEST_F(FigureViewTest, ClicksPickAndDoubleClicksCenter) {
