@@ -1,5 +1,6 @@
 #include "scene/InstancedMesh.h"
 
+#include "scene/private/FlatNormals.h"
 #include "scene/private/InstanceArrays.h"
 #include "scene/private/InstanceBuffers.h"
 #include "scene/private/MeshArrays.h"
@@ -94,6 +95,25 @@ GpuMesh Square() {
 
 } // namespace
 
+/// The mesh with the normals of triangles at their last vertices; empty if it does not have fewer vertices so.
+GpuMesh InstancedMesh::FlatMesh(const Level& p_level) {
+  constexpr std::size_t Most = 1024; // vertices of symbols
+  const GpuMesh& mesh = p_level.mesh;
+  GpuMesh flat;
+  if (p_level.facing != Level::Facing::Rotated || mesh.Primitive() != Ogl::VertexBuffer::Triangles ||
+      !mesh._positions || !mesh._normals || mesh.VertexCount() > Most)
+    return flat;
+  FlatTriangles triangles = FlatTriangles::Of(*mesh._positions, *mesh._normals,
+                                              mesh._indices ? *mesh._indices : std::vector<std::uint32_t>());
+  if (triangles.positions.empty() || triangles.positions.size() >= mesh.VertexCount())
+    return flat;
+  flat._bounds = mesh._bounds;
+  flat._positions = Share(std::move(triangles.positions));
+  flat._normals = flat._givenNormals = Share(std::move(triangles.normals));
+  flat._indices = Share(std::move(triangles.indices));
+  return flat;
+}
+
 /// Small meshes are repeated: GL draws a few large instances faster than many small ones.
 void InstancedMesh::CompleteLevels() {
   constexpr std::size_t Vertices = 256; // of what is drawn as one instance
@@ -105,12 +125,15 @@ void InstancedMesh::CompleteLevels() {
                   [](const Level& p_level) { return p_level.facing == Level::Facing::Sphere; }))
     _squares = Square().Repeated(SquareCopies);
   _repeated.clear();
+  _areFlat.clear();
   _copies.clear();
   _bodies.clear();
   for (const Level& level : _levels) {
     _bodies.push_back(BodyOf(level));
-    const std::size_t vertices = std::max<std::size_t>(level.mesh.VertexCount(), 1);
-    _repeated.push_back(level.mesh.Repeated(Vertices / vertices));
+    const GpuMesh flat = FlatMesh(level), &mesh = flat.Empty() ? level.mesh : flat;
+    const std::size_t vertices = std::max<std::size_t>(mesh.VertexCount(), 1);
+    _areFlat.push_back(!flat.Empty());
+    _repeated.push_back(mesh.Repeated(Vertices / vertices));
     _copies.push_back(std::max<std::size_t>(_repeated.back().VertexCount() / vertices, 1));
   }
 }

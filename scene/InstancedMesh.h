@@ -49,8 +49,9 @@ namespace Vek::Chart::Scene {
 /// Left out are instances with a position that is not finite, a size that is not above 0, or a direction that is zero
 /// or not finite. `Undirected` counts the last ones.
 ///
-/// The matrices and the viewport of the scope are used: positions are in model units. Far from zero, subtract an origin
-/// and load a matrix for positions relative to it.
+/// Meshes whose triangles are flat are drawn with fewer vertices, with normals of the provoking vertex, which is the
+/// last one as by default. The matrices and the viewport of the scope are used: positions are in model units. Far from
+/// zero, subtract an origin and load a matrix for positions relative to it.
 ///
 /// Errors: std::invalid_argument for arrays of different lengths, for directions beside rotations, and for ids from
 /// PickPass::NoElement on. A device without instancing is reported.
@@ -190,10 +191,12 @@ private:
   static constexpr std::size_t SquareCopies = 64;
   void RequireLength(const char* p_name, std::size_t p_count) const;
   static Body BodyOf(const Level& p_level);
+  static GpuMesh FlatMesh(const Level& p_level);
   void CompleteLevels();
 
   std::vector<Level> _levels;
   std::vector<GpuMesh> _repeated;   ///< the mesh of each level, several times if it is small
+  std::vector<bool> _areFlat;       ///< whether triangles there have the normal of their last vertex
   std::vector<std::size_t> _copies; ///< how many times
   GpuMesh _squares;                 ///< around the outlines of spheres, for targets with one sample
   std::vector<Body> _bodies;        ///< of the levels

@@ -296,6 +296,7 @@ void InstancedMesh::Drawing::DrawLevel(std::size_t p_level, InstanceShaders p_sh
   p_shaders.constants["repeated"] = copies > 1 ? 1 : 0;
   p_shaders.constants["cuts"] = cuts;
   p_shaders.constants["exact"] = isExact ? 1 : 0;
+  p_shaders.constants[FlatNormals] = mesh._areFlat[p_level] ? 1 : 0;
   DrawWith(p_shaders, level, [&](const Ogl::ShaderProgram& p_program) {
     for (std::size_t i = 0; i < TextureNames.size(); ++i)
       p_program.SetUniform(gl, TextureNames[i], FirstUnit + static_cast<int>(i));

@@ -259,8 +259,10 @@ std::string Head(const InstanceShaders& p_shaders, bool p_isVertex) {
   const bool hasFlat = p_shaders.fetch == Fetch::Textures;
   const std::string link = !hasFlat ? "varying " : p_isVertex ? "out " : "in ", flat = hasFlat ? "flat " : "";
   std::string text = hasFlat ? "#version 150 compatibility\n" : "#version 120\n";
-  text += link + "vec3 normal;\n" + link + "vec3 position;\n"; // in eye coordinates
-  text += flat + link + "vec4 color;\n";                       // or the id
+  const auto flatNormals = p_shaders.constants.find(FlatNormals);
+  text += (flatNormals != p_shaders.constants.end() && flatNormals->second != 0 ? flat : "") + link + "vec3 normal;\n" +
+          link + "vec3 position;\n";     // in eye coordinates
+  text += flat + link + "vec4 color;\n"; // or the id
   if (p_shaders.fragments == Fragments::Spheres)
     text += flat + link + "vec4 ball;\n"; // centre in eye coordinates and radius
   return text;

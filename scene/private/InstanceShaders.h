@@ -23,6 +23,9 @@ enum class Paint {
   Ids,    ///< and `plot`, (number + 1) / 255
 };
 
+/// A constant of shaders: whether the normals of triangles are those of their last vertices.
+constexpr const char* FlatNormals = "flatNormals";
+
 /// The shaders of a drawing of instances.
 ///
 /// What all instances have in common lies in their texts as constants: rasterisers in software work through both sides

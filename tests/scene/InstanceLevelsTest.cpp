@@ -15,8 +15,11 @@ using Instances = InstancedMesh::Instances;
 GpuMesh LargeBar() {
   std::vector<Point> positions = {{-0.1, 0, 0}, {0.1, 0, 0}, {0.1, 0, 1}};
   positions.resize(200);
+  std::vector<Point> normals(positions.size(), Point(0, 0, 1));
+  normals[1] = {0, 1, 0}; // flat triangles would have three vertices
   GpuMesh::Arrays arrays;
   arrays.positions = positions;
+  arrays.normals = normals;
   arrays.indices = {0, 1, 2};
   return GpuMesh(arrays);
 }
@@ -245,5 +248,61 @@ TEST(InstanceLevelImagesPixels, LookLikeWholeMeshes) {
     const QImage image = imageOf(item.levels), expected = imageOf({item.levels.back()});
     EXPECT_LE(Different(image, expected), 0.01) << item.name;
     EXPECT_GT(Inked(image), item.leastInk) << item.name;
+  }
+}
+
+namespace {
+
+/// A cube or an octahedron around 0, with a normal for each face. Its lengths grow from corner to corner by `p_growth`.
+GpuMesh FlatBody(bool p_isCube, double p_growth) {
+  std::vector<Point> positions, normals;
+  const auto add = [&](const std::array<Point, 3>& p_corners, const Point& p_normal) {
+    for (std::size_t i = 0; i < 3; ++i) {
+      positions.push_back(p_corners[i]);
+      normals.push_back(p_normal * (1 + p_growth * static_cast<double>(i)));
+    }
+  };
+  for (const double x : {-1, 1})
+    for (const double y : {-1, 1})
+      for (const double z : {-1, 1})
+        if (!p_isCube) {
+          const Point a(0, y, 0), b(0, 0, z);
+          const bool isEven = x * y * z > 0; // so that all wind one way
+          add({{{x, 0, 0}, isEven ? a : b, isEven ? b : a}}, {x, y, z});
+        } else if (z == y) {
+          add({{{x, -1, -1}, {x, x * y, -x * y}, {x, 1, 1}}}, {x, 0, 0});
+          add({{{-1, x, -1}, {-x * y, x, x * y}, {1, x, 1}}}, {0, x, 0});
+          add({{{-1, -1, x}, {x * y, -x * y, x}, {1, 1, x}}}, {0, 0, x});
+        }
+  GpuMesh::Arrays arrays;
+  arrays.positions = positions;
+  arrays.normals = normals;
+  return GpuMesh(arrays);
+}
+
+} // namespace
+
+/// Normals of several lengths in a triangle change no light, but are interpolated.
+TEST(InstanceLevelImagesPixels, FlatFacesKeepTheirNormals) {
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> number(-1, 1);
+  std::vector<Point> positions, directions;
+  for (int i = 0; i < 300; ++i) {
+    positions.emplace_back(800 + 700 * number(random), 500 + 400 * number(random), 0);
+    directions.emplace_back(number(random), number(random), number(random));
+  }
+  Instances instances;
+  instances.positions = positions;
+  instances.directions = directions;
+  LevelsImage view(4);
+  for (const bool isCube : {false, true}) {
+    const auto imageOf = [&](double p_growth) {
+      InstancedMesh::Level level(FlatBody(isCube, p_growth));
+      level.scale = 30;
+      return view.Of(InstancedMesh({level}, instances), true, {});
+    };
+    const QImage flat = imageOf(0);
+    EXPECT_LE(Different(flat, imageOf(0.1)), 1e-4) << isCube;
+    EXPECT_GT(Inked(flat), 0.1) << isCube;
   }
 }
