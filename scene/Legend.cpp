@@ -1,5 +1,6 @@
 #include "scene/Legend.h"
 
+#include "scene/private/Elided.h"
 #include "scene/private/LegendShapes.h"
 
 #include <algorithm>
@@ -43,29 +44,6 @@ void AddMark(LegendBlock& p_block, const Legend::Entry& p_entry, const Position&
       Private::AddArrow(p_block, {p_middle.x - half, p_middle.y}, 2 * half, p_size * 0.7, p_entry.color);
     break;
   }
-}
-
-/// The string, if wider than `p_width`, with an ellipsis in its middle: names often differ at their ends.
-QString Elided(const QString& p_text, double p_width, const TextStyle& p_style, double p_pointSize) {
-  const auto fits = [&](const QString& p_string) {
-    return TextRenderer::Size(p_string, p_style, p_pointSize).width() <= p_width;
-  };
-  const auto shortened = [&](int p_kept) {
-    QString left = p_text.left((p_kept + 1) / 2), right = p_text.right(p_kept / 2);
-    if (!left.isEmpty() && left.at(left.size() - 1).isHighSurrogate())
-      left.chop(1);
-    if (!right.isEmpty() && right.at(0).isLowSurrogate())
-      right.remove(0, 1);
-    return left + QStringLiteral("\u2026") + right;
-  };
-  if (fits(p_text))
-    return p_text;
-  int kept = 0;
-  for (int above = static_cast<int>(p_text.size()); above - kept > 1;) {
-    const int middle = (kept + above) / 2;
-    (fits(shortened(middle)) ? kept : above) = middle;
-  }
-  return shortened(kept);
 }
 
 /// An entry in a column.
@@ -127,7 +105,7 @@ LegendBlock Legend::Layout(double p_height, double p_width, const Theme& p_theme
   block.Add(LegendBlock::String{title, {0, 0}, {0, 1}, p_theme.BodyStyle()});
   const double top = title.isEmpty() ? 0 : block.Bounds().bottom - gap / 2;
   std::vector<Column> columns;
-  double bottom = top;
+  double bottom = top, overhang = 0;
   for (const Entry& entry : entries) {
     if (entry.name.isEmpty())
       continue;
@@ -140,9 +118,11 @@ LegendBlock Legend::Layout(double p_height, double p_width, const Theme& p_theme
     columns.back().rows.push_back({&entry, entry.name, height});
     columns.back().width = std::max(columns.back().width, size.width());
     bottom -= height;
+    if (entry.mark == Mark::Line) // half of the width beyond its ends
+      overhang = std::max(overhang, entry.width / 2);
   }
   if (!columns.empty())
-    Narrow(columns, p_width - mark, 2 * gap + mark, LeastWidth * style.size);
+    Narrow(columns, p_width - mark - overhang, 2 * gap + mark, LeastWidth * style.size);
   double left = 0;
   for (const Column& column : columns) {
     double y = top;
@@ -150,7 +130,8 @@ LegendBlock Legend::Layout(double p_height, double p_width, const Theme& p_theme
       const double middle = y - row.height / 2;
       if (row.entry != nullptr)
         AddMark(block, *row.entry, {left + MarkWidth * style.size / 2, middle}, style.size);
-      const QString text = row.entry != nullptr ? Elided(row.text, column.width, style, p_pointSize) : row.text;
+      const QString text =
+          row.entry != nullptr ? Private::Elided(row.text, column.width, style, p_pointSize) : row.text;
       block.Add(LegendBlock::String{text, {left + mark, middle}, {0, 0.5}, style});
       y -= row.height;
     }

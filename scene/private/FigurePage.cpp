@@ -1,5 +1,6 @@
 #include "scene/private/FigurePage.h"
 
+#include "scene/private/Elided.h"
 #include "scene/private/Wrapped.h"
 
 #include <QStringList>
@@ -133,8 +134,11 @@ private:
   }
 
   LegendBlock StringBlock(const QString& p_text, const TextStyle& p_style) const {
+    QStringList lines = Wrapped(p_text, p_style, FreeWidth(), _pointSize).split('\n');
+    for (QString& line : lines) // of one word, such as the name of a file
+      line = Elided(line, FreeWidth(), p_style, _pointSize);
     LegendBlock block(_pointSize);
-    block.Add(LegendBlock::String{Wrapped(p_text, p_style, FreeWidth(), _pointSize), {0, 0}, {0, 0}, p_style, 0});
+    block.Add(LegendBlock::String{lines.join('\n'), {0, 0}, {0, 0}, p_style, 0});
     return block;
   }
 
@@ -215,13 +219,18 @@ FigureLayout LayOutPage(const QSizeF& p_size, const PageContent& p_content, cons
   return layout;
 }
 
-double RoomForKey(const QSizeF& p_size, const std::vector<LegendBlock>& p_others) {
-  double width = p_size.width() - 2 * MarginOf(p_size);
-  if (!IsTall(p_size))
-    return MostShare * width;
+QSizeF RoomForKey(const QSizeF& p_size, const std::vector<LegendBlock>& p_others) {
+  constexpr double ShareOfHeight = 0.5, LeastShare = 0.1, Untitled = 0.8; // of the height
+  double width = p_size.width() - 2 * MarginOf(p_size), height = ShareOfHeight * p_size.height();
+  if (IsTall(p_size)) { // side by side
+    for (const LegendBlock& other : p_others)
+      width -= other.Width() + Gap;
+    return {width, height};
+  }
+  double left = Untitled * p_size.height();
   for (const LegendBlock& other : p_others)
-    width -= other.Width() + Gap;
-  return width;
+    left -= other.Height() + Gap;
+  return {MostShare * width, std::clamp(left, LeastShare * p_size.height(), height)};
 }
 
 void CloseUp(FigureLayout& p_layout) {

@@ -26,8 +26,8 @@ struct PageContent {
 /// tall, and leaves the rest to the scene. What there is no room for is left out and reported.
 FigureLayout LayOutPage(const QSizeF& p_size, const PageContent& p_content, const Theme& p_theme, double p_pointSize);
 
-/// The largest width of a key that has room on a page with other keys.
-double RoomForKey(const QSizeF& p_size, const std::vector<LegendBlock>& p_others);
+/// The largest size of a key that has room on a page with other keys.
+QSizeF RoomForKey(const QSizeF& p_size, const std::vector<LegendBlock>& p_others);
 
 /// Moves legends below the scene up to the axes, which may leave room below them.
 void CloseUp(FigureLayout& p_layout);

@@ -238,10 +238,10 @@ std::vector<LegendBlock> Figure::State::Keys(const Theme& p_theme, const View& p
   keys.erase(std::remove_if(keys.begin(), keys.end(), [](const LegendBlock& p_key) { return p_key.Width() <= 0; }),
              keys.end());
   if (named > 1 || isOneColored) {
-    const double width = static_cast<double>(p_view.viewport.width) / p_pixelRatio;
-    const double height = static_cast<double>(p_view.viewport.height) / p_pixelRatio;
-    keys.insert(keys.begin(),
-                names.Layout(height / 2, Private::RoomForKey({width, height}, keys), p_theme, p_pixelRatio));
+    const QSizeF page(static_cast<double>(p_view.viewport.width) / p_pixelRatio,
+                      static_cast<double>(p_view.viewport.height) / p_pixelRatio);
+    const QSizeF room = Private::RoomForKey(page, keys);
+    keys.insert(keys.begin(), names.Layout(room.height(), room.width(), p_theme, p_pixelRatio));
   }
   return keys;
 }

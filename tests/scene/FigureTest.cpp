@@ -236,6 +236,19 @@ TEST_F(FigureTest, ReportsAMissingLegendOnce) {
   EXPECT_EQ(std::set<std::string>(texts.begin(), texts.end()).size(), texts.size());
 }
 
+/// A title of one long word is shortened as well.
+TEST_F(FigureTest, LongTitlesStay) {
+  Figure figure("temperature_of_the_surface_of_the_sea_monthly_mean_1987.nc");
+  figure.Scatter(Cloud(3));
+  const ReportCapture reports;
+  const FigureLayout layout = figure.Layout({0, 0, 400, 300});
+  ASSERT_FALSE(layout.blocks.empty());
+  const QString title = layout.blocks[0].content.Strings()[0].text;
+  EXPECT_TRUE(title.startsWith("temperature_of") && title.contains(u'…') && title.endsWith("mean_1987.nc"));
+  EXPECT_LE(layout.blocks[0].Rect().right, 400);
+  EXPECT_EQ(reports.Texts(), std::vector<std::string>{});
+}
+
 /// The names of plots are shortened, or counted, instead of being left out as a whole.
 TEST_F(FigureTest, LongLegendsStay) {
   Figure figure;

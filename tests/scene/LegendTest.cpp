@@ -113,6 +113,10 @@ TEST_F(LegendTest, NarrowColumns) {
     const QString& shortened = block.Strings()[0].text;
     EXPECT_EQ(QString(shortened).remove(note), QString(u'…')) << letters;
   }
+  // Marks of lines are wider by half of their width.
+  Legend lines;
+  lines.entries.push_back({"station number 11 of the coast", Mark::Line, Qt::red, 6});
+  EXPECT_LE(lines.Layout(row, longest, theme, 1).Width(), longest);
   // What has no room is counted in place of the last entry.
   QStringList names;
   for (int i = 0; i < 40; ++i)
