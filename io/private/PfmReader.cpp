@@ -43,7 +43,7 @@ public:
   template <class T>
   T Number(const char* p_expected) {
     const std::string word = Next();
-    const std::optional<T> number = Parsed<T>(std::string_view(word).substr(word.front() == '+' ? 1 : 0));
+    const std::optional<T> number = Parsed<T>(WithoutPlus(word));
     if (!number || *number == 0)
       throw FileError(_name, _wordLine, p_expected, word);
     return *number;

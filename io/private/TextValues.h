@@ -108,7 +108,7 @@ private:
 
     void Parse();
   };
-  static bool ParseValue(std::string_view p_digits, T& p_value);
+  static bool ParseValue(std::string_view p_word, T& p_value);
   [[noreturn]] void Fail(std::string_view p_word) const {
     throw FileError(_name, _line, std::is_integral_v<T> ? "an integer of the file's type" : "a number", p_word);
   }
@@ -136,7 +136,7 @@ void TextValues<T>::Piece::Parse() {
       ++at;
     const std::string_view word(first, std::size_t(at - first));
     T value{};
-    if (word.size() > LongestWord || !ParseValue(word.substr(word.front() == '+' ? 1 : 0), value)) {
+    if (word.size() > LongestWord || !ParseValue(word, value)) {
       failed = word;
       return;
     }
@@ -145,13 +145,13 @@ void TextValues<T>::Piece::Parse() {
 }
 
 template <class T>
-bool TextValues<T>::ParseValue(std::string_view p_digits, T& p_value) {
-  const std::optional<T> value = Parsed<T>(p_digits);
+bool TextValues<T>::ParseValue(std::string_view p_word, T& p_value) {
+  const std::optional<T> value = Parsed<T>(WithoutPlus(p_word));
   p_value = value.value_or(T());
-  if constexpr (std::is_same_v<T, float>) // below the range of floats
+  if constexpr (std::is_floating_point_v<T>) // below the range of the type
     if (!value)
-      if (const std::optional<double> wide = Parsed<double>(p_digits); wide && std::abs(*wide) < 1) {
-        p_value = static_cast<float>(*wide);
+      if (const std::optional<double> wide = ParseNumber(p_word); wide && std::abs(*wide) < 1) {
+        p_value = static_cast<T>(*wide);
         return true;
       }
   return value.has_value();

@@ -3,8 +3,10 @@
 #include "io/FileError.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <limits>
+#include <locale>
 #include <sstream>
 
 namespace Vek::Chart::Io::Private {
@@ -35,18 +37,18 @@ bool IsSameWord(std::string_view p_a, std::string_view p_b) {
 }
 
 std::optional<double> ParseNumber(std::string_view p_word) {
-  if (!p_word.empty() && p_word.front() == '+')
-    p_word.remove_prefix(1);
+  p_word = WithoutPlus(p_word);
   double number = 0;
   const char* const last = p_word.data() + p_word.size();
   const auto [end, error] = std::from_chars(p_word.data(), last, number);
   if (p_word.empty() || end != last || error == std::errc::invalid_argument)
     return {};
   if (error == std::errc::result_out_of_range) {
-    const bool tiny = p_word.find("e-") != std::string_view::npos || p_word.find("E-") != std::string_view::npos;
-    number = tiny                    ? 0
-             : p_word.front() == '-' ? -std::numeric_limits<double>::infinity()
-                                     : std::numeric_limits<double>::infinity();
+    std::istringstream stream{std::string(p_word)}; // stores 0 or the largest double, with the sign
+    stream.imbue(std::locale::classic());
+    stream >> number;
+    if (std::abs(number) > 1)
+      number = std::copysign(std::numeric_limits<double>::infinity(), number);
   }
   return number;
 }

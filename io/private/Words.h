@@ -34,6 +34,11 @@ std::optional<T> Parsed(std::string_view p_word) {
   const auto [end, error] = std::from_chars(p_word.data(), last, value);
   return end == last && error == std::errc() ? std::optional(value) : std::nullopt;
 }
+/// Without a '+' in front, which std::from_chars does not take. A sign behind it stays refused.
+inline std::string_view WithoutPlus(std::string_view p_word) {
+  const bool isPlus = p_word.substr(0, 1) == "+" && p_word.substr(1, 1) != "-";
+  return p_word.substr(isPlus ? 1 : 0);
+}
 /// Likewise, with an optional '+'; infinite or 0 where a double has too little range. None for another
 /// word.
 std::optional<double> ParseNumber(std::string_view p_word);
