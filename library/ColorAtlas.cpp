@@ -199,7 +199,8 @@ Private::AtlasTree ColorAtlas::Tree() {
   tree.count = _nodes.size();
   tree.at = [this](std::uint32_t p_slot) {
     const ColorNode& node = _nodes[p_slot];
-    return Private::AtlasTree::Color{&node.children, node.color.rgba(), node.parent == _rootId, node.instanceCount > 0};
+    return Private::AtlasTree::Color{&node.children, node.color.rgba(), node.parent, node.parent == _rootId,
+                                     node.instanceCount > 0};
   };
   for (const unsigned int child : ColorAt(_rootId).children)
     (ColorAt(child).instanceCount > 0 ? tree.instancedRoots : tree.plainRoots).push_back(child);

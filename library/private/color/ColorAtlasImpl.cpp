@@ -177,6 +177,11 @@ public:
   }
 
 private:
+  /// A colour of a copy that is replaced, with its sub-tree.
+  struct Replacement {
+    std::uint32_t slot;
+    QRgb color;
+  };
   /// The shift of all colours that were placed from a texel on.
   struct Shift {
     unsigned int first;
@@ -212,6 +217,9 @@ private:
 
   void ProcessInstances(std::uint32_t p_slot, const IndexSpan& p_span);
   void CopyColors(const IndexSpan& p_span, std::uint64_t p_start);
+  std::size_t DepthOf(std::uint32_t p_slot) const;
+  std::vector<Replacement> ReplacementsOf(const AtlasTree::Instance& p_instance, const IndexSpan& p_unshifted,
+                                          std::uint64_t p_start) const;
   void ReplaceColors(const AtlasTree::Instance& p_instance, const IndexSpan& p_unshifted, std::uint64_t p_start);
   void ReportOutside(std::uint64_t p_first, std::uint64_t p_end) const;
   void OverwritePixelSpan(std::uint64_t p_start, QRgb p_color, std::uint64_t p_count);
@@ -266,6 +274,41 @@ void ColorAtlasImpl::InstanceCoordinateMapper::CopyColors(const IndexSpan& p_spa
   }
 }
 
+/// How far a colour lies below a top-level one.
+std::size_t ColorAtlasImpl::InstanceCoordinateMapper::DepthOf(std::uint32_t p_slot) const {
+  std::size_t depth = 0; // a host may have made circles of parents
+  for (; p_slot < _tree.count && !_tree.at(p_slot).topLevel && depth < _tree.count; ++depth)
+    p_slot = _tree.ColorSlot(_tree.at(p_slot).parent);
+  return depth;
+}
+
+/// The replacements of an instance. Those of deeper colours come last, where something is to be reported: the order of
+/// others is not seen.
+std::vector<ColorAtlasImpl::InstanceCoordinateMapper::Replacement>
+ColorAtlasImpl::InstanceCoordinateMapper::ReplacementsOf(const AtlasTree::Instance& p_instance,
+                                                         const IndexSpan& p_unshifted, std::uint64_t p_start) const {
+  std::vector<Replacement> replacements;
+  replacements.reserve(p_instance.replacements->size());
+  const std::uint64_t end = p_start + LengthOf(p_unshifted);
+  bool isReported = end >= std::uint64_t{_image.MaxWidth()} * _image.MaxHeight();
+  for (const auto& [id, color] : *p_instance.replacements) {
+    const std::uint32_t slot = _tree.ColorSlot(id);
+    replacements.push_back({slot, color.rgba()});
+    if (slot >= _placed.size() || !_placed[slot])
+      isReported = true;
+    else if (const IndexSpan span = Unshifted(slot); span.first < p_unshifted.first || span.last > p_unshifted.last)
+      isReported = true;
+  }
+  if (!isReported)
+    return replacements;
+  std::vector<std::pair<std::size_t, Replacement>> deep;
+  for (const Replacement& replacement : replacements)
+    deep.emplace_back(DepthOf(replacement.slot), replacement);
+  std::stable_sort(deep.begin(), deep.end(), [](const auto& p_a, const auto& p_b) { return p_a.first < p_b.first; });
+  std::transform(deep.begin(), deep.end(), replacements.begin(), [](const auto& p_deep) { return p_deep.second; });
+  return replacements;
+}
+
 /// Paints the runs of the replaced colours over a copy. Sub-trees are nested or apart, so a sweep over the runs in the
 /// order of their starts paints each texel once, with the deepest replacement that covers it.
 void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const AtlasTree::Instance& p_instance,
@@ -277,15 +320,14 @@ void ColorAtlasImpl::InstanceCoordinateMapper::ReplaceColors(const AtlasTree::In
   };
   std::vector<Run> runs;
   const unsigned int base = p_unshifted.first;
-  for (const auto& [id, color] : *p_instance.replacements) {
-    const std::uint32_t slot = _tree.ColorSlot(id);
+  for (const auto& [slot, color] : ReplacementsOf(p_instance, p_unshifted, p_start)) {
     const bool placed = slot < _placed.size() && _placed[slot];
     if (!VEK_ENSURE_TEXT(placed, "node.coords.Defined()", Signature::ProcessInstances))
       continue;
     const IndexSpan subcolor = Unshifted(slot);
     if (VEK_ENSURE(subcolor.first >= base, Signature::ProcessInstances) &&
         VEK_ENSURE_TEXT(subcolor.last <= p_unshifted.last, "subcolor.last <= last", Signature::ProcessInstances)) {
-      runs.push_back({subcolor.first - base, std::uint64_t{subcolor.last} - base + 1, color.rgba()});
+      runs.push_back({subcolor.first - base, std::uint64_t{subcolor.last} - base + 1, color});
       ReportOutside(p_start + runs.back().first, p_start + runs.back().end);
     }
   }

@@ -26,8 +26,9 @@ struct AtlasTree {
   struct Color {
     const ColorAtlas::ChildIds* children = nullptr;
     QRgb color = 0;
-    bool topLevel = false;  ///< whether it lies under the root
-    bool instanced = false; ///< whether its sub-tree is followed by copies
+    unsigned int parent = 0; ///< its id
+    bool topLevel = false;   ///< whether it lies under the root
+    bool instanced = false;  ///< whether its sub-tree is followed by copies
   };
   struct Instance {
     unsigned int id = 0;
