@@ -1,5 +1,6 @@
 // Reads a generated table of five columns, compared with a plain loop of std::from_chars over the file in memory.
 
+#include "bench/SideBySide.h"
 #include "io/ReadTable.h"
 
 #include <benchmark/benchmark.h>
@@ -58,7 +59,19 @@ void Table(benchmark::State& p_state) {
     benchmark::DoNotOptimize(Vek::Chart::Io::ReadTable(Path()).Rows());
 }
 
+void TableOnThreads(benchmark::State& p_state) {
+  using Vek::Chart::Utility::Threads;
+  const auto read = [](Threads p_threads) {
+    benchmark::DoNotOptimize(Vek::Chart::Io::ReadTable(Path(), {}, p_threads).Rows());
+  };
+  Path();
+  const Threads threads(static_cast<int>(p_state.range(0)));
+  Vek::Bench::SideBySide(
+      p_state, "of_one_thread", [&] { read(threads); }, [&] { read({}); });
+}
+
 BENCHMARK(Plain)->Unit(benchmark::kMillisecond);
 BENCHMARK(Table)->Unit(benchmark::kMillisecond);
+BENCHMARK(TableOnThreads)->Apply(Vek::Bench::OnThreads);
 
 } // namespace
