@@ -1,5 +1,7 @@
 #include "library/ComputeNormals.h"
 
+#include "library/private/mesh/FloatNormals.h"
+
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
@@ -25,6 +27,15 @@ void Narrow(const Vector& p_from, Vector& p_to) {
 void Narrow(const Vector& p_from, Ogl::Vec3<float>& p_to) {
   p_to = {static_cast<float>(p_from.x), static_cast<float>(p_from.y), static_cast<float>(p_from.z)};
 }
+
+/// Floats, three for a vector, in the place of a pointer to vectors.
+struct Triples {
+  const float* floats;
+  Vector operator[](std::size_t p_index) const {
+    const float* const at = floats + 3 * p_index;
+    return {at[0], at[1], at[2]};
+  }
+};
 
 double LargestComponent(const Vector& p_vector) {
   return std::max({std::abs(p_vector.x), std::abs(p_vector.y), std::abs(p_vector.z)});
@@ -68,8 +79,8 @@ Share ShareOf(const std::array<Vector, 3>& p_corners) {
 }
 
 /// Adds the shares of triangles to the sums of their corners: computed block by block, added in the triangles' order.
-template <class Position>
-void AddTriangles(const Position* p_positions, const std::uint32_t* p_indices, std::size_t p_indexCount,
+template <class Positions>
+void AddTriangles(const Positions& p_positions, const std::uint32_t* p_indices, std::size_t p_indexCount,
                   Utility::Threads p_threads, std::vector<Vector>& p_sums) {
   constexpr std::size_t BlockSize = 4096; // triangles
   constexpr std::size_t WorthThreads = 100000;
@@ -115,10 +126,11 @@ void AddTriangles(const Position* p_positions, const std::uint32_t* p_indices, s
   Utility::RunBlocks(threads, blocks.size(), steps);
 }
 
-/// ComputeNormals of any kind of positions. Calls p_forIndices(add), which calls add(indices, count) for each part.
-template <class Position, class ForIndices>
-void Compute(const Position* p_positions, std::size_t p_positionCount, ForIndices p_forIndices,
-             Utility::Threads p_threads, Position* p_normals) {
+/// ComputeNormals of any kind of positions. Calls p_forIndices(add), which calls add(indices, count) for each part, and
+/// in the end p_setNormal(i, normal), in any thread.
+template <class Positions, class ForIndices, class SetNormal>
+void Compute(const Positions& p_positions, std::size_t p_positionCount, ForIndices p_forIndices,
+             Utility::Threads p_threads, SetNormal p_setNormal) {
   std::vector<Vector> sums(p_positionCount);
   p_forIndices([&](const std::uint32_t* p_indices, std::size_t p_indexCount) {
     AddTriangles(p_positions, p_indices, p_indexCount, p_threads, sums);
@@ -127,7 +139,7 @@ void Compute(const Position* p_positions, std::size_t p_positionCount, ForIndice
   constexpr double Cancelled = 1e-12;
   Utility::RunRanges(p_threads, p_positionCount, 8192, [&](std::size_t p_first, std::size_t p_last) {
     for (std::size_t i = p_first; i < p_last; ++i)
-      Narrow(Length(sums[i]) > Cancelled ? Normalize(sums[i]) : Vector(0, 0, 1), p_normals[i]);
+      p_setNormal(i, Length(sums[i]) > Cancelled ? Normalize(sums[i]) : Vector(0, 0, 1));
   });
 }
 
@@ -136,7 +148,8 @@ std::vector<Position> Computed(const Position* p_positions, std::size_t p_positi
                                std::size_t p_indexCount, Utility::Threads p_threads) {
   std::vector<Position> normals(p_positions == nullptr ? 0 : p_positionCount);
   const auto forIndices = [&](const auto& p_add) { p_add(p_indices, p_indices == nullptr ? 0 : p_indexCount); };
-  Compute(p_positions, normals.size(), forIndices, p_threads, normals.data());
+  Compute(p_positions, normals.size(), forIndices, p_threads,
+          [&](std::size_t p_index, const Vector& p_normal) { Narrow(p_normal, normals[p_index]); });
   return normals;
 }
 
@@ -165,9 +178,26 @@ bool ComputeNormals(ObjModel& p_model, Utility::Threads p_threads) {
         if (group)
           p_add(group->indices.data(), group->indices.size());
   };
-  Compute(positions ? positions->data() : nullptr, normals->size(), forIndices, p_threads, normals->data());
+  Compute(positions ? positions->data() : nullptr, normals->size(), forIndices, p_threads,
+          [&](std::size_t p_index, const Vector& p_normal) { Narrow(p_normal, (*normals)[p_index]); });
   p_model.SetNormals(normals);
   return true;
 }
+
+namespace Private {
+
+void ComputeFloatNormals(const float* p_positions, std::size_t p_positionCount, const std::uint32_t* p_indices,
+                         std::size_t p_indexCount, Utility::Threads p_threads, float* p_normals) {
+  Compute(
+      Triples{p_positions}, p_positionCount, [&](const auto& p_add) { p_add(p_indices, p_indexCount); }, p_threads,
+      [&](std::size_t p_index, const Vector& p_normal) {
+        float* const at = p_normals + 3 * p_index;
+        at[0] = static_cast<float>(p_normal.x);
+        at[1] = static_cast<float>(p_normal.y);
+        at[2] = static_cast<float>(p_normal.z);
+      });
+}
+
+} // namespace Private
 
 } // namespace Vek::Chart::Library

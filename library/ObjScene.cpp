@@ -90,8 +90,8 @@ ObjError::ObjError(const std::string& p_path, std::uint64_t p_line, const std::s
 ObjScene ReadObjScene(std::istream& p_stream, const std::string& p_name, const ObjProgress& p_progress,
                       Utility::Threads p_threads) {
   ByteSource source(p_stream, p_name);
-  Private::ObjSceneReader reader(p_name);
   const std::uint64_t bytes = source.RemainingByClaim();
+  Private::ObjSceneReader reader(p_name, bytes);
   const auto progress = [&](double p_share) {
     if (p_progress && !p_progress(p_share))
       throw ObjError(p_name, "cancelled");

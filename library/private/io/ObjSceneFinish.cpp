@@ -4,6 +4,7 @@
 #include "library/private/io/ObjSceneKeys.h"
 #include "library/private/io/ObjSceneReader.h"
 #include "library/private/memory/HugePages.h"
+#include "library/private/mesh/FloatNormals.h"
 
 #include <algorithm>
 #include <atomic>
@@ -113,7 +114,7 @@ std::vector<unsigned char> ObjSceneReader::UsedPositions(Utility::Threads p_thre
 void ObjSceneReader::FinishOwn(Utility::Threads p_threads) {
   const std::size_t positions = _vertices.Positions();
   if (IsSmooth(_own.normal) && _own.normal != OwnNormal)
-    _scene.normals = SmoothNormals(p_threads);
+    _scene.normals = OwnSmoothNormals(p_threads);
   if (!_own.hasTexCoords && _own.normal != OwnNormal)
     return;
   const std::vector<unsigned char> used = UsedPositions(p_threads);
@@ -188,6 +189,18 @@ void ObjSceneReader::FinishNormals(Utility::Threads p_threads) {
     append(_vertices[i].normal);
   for (const CornerVertices::Copy& copy : copies)
     append(copy.attributes.normal);
+}
+
+/// SmoothNormals where each vertex is a position, and all are smoothed together.
+std::vector<float> ObjSceneReader::OwnSmoothNormals(Utility::Threads p_threads) const {
+  const std::vector<ObjScene::Group>& groups = _scene.groups;
+  if (std::any_of(groups.begin(), groups.end(),
+                  [](const ObjScene::Group& p_group) { return p_group.primitive != ObjScene::Triangles; }))
+    return SmoothNormals(p_threads);
+  std::vector<float> normals(_scene.positions.size());
+  ComputeFloatNormals(_scene.positions.data(), _vertices.Positions(), _scene.indices.data(), _scene.indices.size(),
+                      p_threads, normals.data());
+  return normals;
 }
 
 /// Normals of all vertices, those of one position and smoothing group together, whatever their texture coordinates.

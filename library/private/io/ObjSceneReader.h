@@ -33,8 +33,8 @@ private:
 /// Reads the text of an OBJ file into a scene; see ReadObjScene for the format and its errors.
 class ObjSceneReader {
 public:
-  /// The path must outlive the reader.
-  explicit ObjSceneReader(const std::string& p_path);
+  /// The path must outlive the reader. `p_bytes` of the file are expected, 0 if unknown; any number is right.
+  explicit ObjSceneReader(const std::string& p_path, std::uint64_t p_bytes = 0);
 
   /// Reads the next lines: [p_first, p_last) ends in LF or CR, and no statement goes on behind it.
   /// Scan::DigitsSlack characters behind it are readable.
@@ -91,6 +91,7 @@ private:
   void AddOwnQuads(const std::uint32_t* p_indices, std::size_t p_count);
   void SplitQuads(Utility::Threads p_threads);
 
+  void GatherArrays();
   void AddFace();
   void AddTriangle(std::uint32_t p_a, std::uint32_t p_b, std::uint32_t p_c);
   void AddColor();
@@ -118,6 +119,7 @@ private:
   void FinishTexCoords();
   bool IsNormalOfEachVertex() const;
   void FinishNormals(Utility::Threads p_threads);
+  std::vector<float> OwnSmoothNormals(Utility::Threads p_threads) const;
   std::vector<float> SmoothNormals(Utility::Threads p_threads) const;
   void FinishColors();
 
@@ -125,6 +127,14 @@ private:
   std::uint64_t _line = 0;
   std::uint64_t _bytes = 0;     // of the lines that were read
   std::uint64_t _nameBytes = 0; // of all groups
+  const std::uint64_t _fileBytes;
+  // Where the numbers of indices are looked at, to estimate that of the whole file.
+  struct {
+    int passed = 0;
+    std::uint64_t next = 0;
+    std::uint64_t bytes = 0;
+    std::size_t indices = 0;
+  } _marks;
   ObjScene _scene;
   ObjWarnings _warnings;
 
