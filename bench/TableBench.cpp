@@ -1,15 +1,19 @@
-// Reads a generated table of five columns, compared with a plain loop of std::from_chars over the file in memory.
+// Reads a generated table of five columns, compared with a plain loop of std::from_chars over the file in memory, and
+// an ESRI ASCII grid of the same numbers.
 
 #include "bench/SideBySide.h"
+#include "io/ReadHeights.h"
 #include "io/ReadTable.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -70,8 +74,34 @@ void TableOnThreads(benchmark::State& p_state) {
       p_state, "of_one_thread", [&] { read(threads); }, [&] { read({}); });
 }
 
+/// The cells of the table, as a grid.
+const std::string& GridPath() {
+  static const std::string To = [] {
+    const std::string to = (std::filesystem::temp_directory_path() / "vek-grid-bench.asc").string();
+    std::ifstream table(Path(), std::ios::binary);
+    std::string text((std::istreambuf_iterator<char>(table)), {});
+    text.erase(0, text.find('\n') + 1);
+    std::replace(text.begin(), text.end(), ',', ' ');
+    std::ofstream(to, std::ios::binary) << "ncols 5\nnrows 500000\nxllcorner 0\nyllcorner 0\ncellsize 1\n" << text;
+    return to;
+  }();
+  return To;
+}
+
+void GridOnThreads(benchmark::State& p_state) {
+  using Vek::Chart::Utility::Threads;
+  const auto read = [](Threads p_threads) {
+    benchmark::DoNotOptimize(Vek::Chart::Io::ReadHeights(GridPath(), {}, {}, p_threads).heights.data());
+  };
+  GridPath();
+  const Threads threads(static_cast<int>(p_state.range(0)));
+  Vek::Bench::SideBySide(
+      p_state, "of_one_thread", [&] { read(threads); }, [&] { read({}); });
+}
+
 BENCHMARK(Plain)->Unit(benchmark::kMillisecond);
 BENCHMARK(Table)->Unit(benchmark::kMillisecond);
 BENCHMARK(TableOnThreads)->Apply(Vek::Bench::OnThreads);
+BENCHMARK(GridOnThreads)->Apply(Vek::Bench::OnThreads);
 
 } // namespace

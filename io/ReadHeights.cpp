@@ -75,32 +75,129 @@ struct TextLayout {
   double noData = std::numeric_limits<double>::quiet_NaN();
 };
 
+/// Takes the heights of a text one after the other, on several threads.
+class HeightReader {
+public:
+  HeightReader(std::string_view p_text, const std::string& p_name, const TextLayout& p_layout,
+               const Progress& p_progress, std::vector<double>& p_heights)
+      : _text(p_text)
+      , _name(p_name)
+      , _columns(static_cast<std::size_t>(p_layout.columns))
+      , _count(_columns * static_cast<std::size_t>(p_layout.rows))
+      , _noData(p_layout.noData)
+      , _progress(p_progress)
+      , _heights(p_heights) {}
+
+  /// Reads all heights, from a position on, which ends up behind them.
+  void Read(std::size_t& p_at, Utility::Threads p_threads);
+
+private:
+  struct Block {
+    std::size_t first = 0, last = 0;
+    std::vector<double> heights;
+    bool whole = false; ///< whether it has nothing but numbers
+  };
+
+  void ReadBlocks(std::size_t& p_at, Utility::Threads p_threads);
+  void ReadBlock(Block& p_block) const;
+  double Height(double p_number) const;
+  void ReportRow() {
+    if (_heights.size() % _columns == 0)
+      Private::Report(_progress, _name, double(_heights.size() / _columns) / double(_count / _columns));
+  }
+
+  std::string_view _text;
+  const std::string& _name;
+  const std::size_t _columns, _count;
+  const double _noData;
+  const Progress& _progress;
+  std::vector<double>& _heights;
+};
+
+double HeightReader::Height(double p_number) const {
+  constexpr double FloatDigits =
+      2e-7; // of a float that one program writes with seven digits and another with seventeen
+  const bool isMissing = std::abs(p_number - _noData) <= FloatDigits * std::abs(_noData);
+  return isMissing ? std::numeric_limits<double>::quiet_NaN() : p_number;
+}
+
+void HeightReader::ReadBlock(Block& p_block) const {
+  p_block.heights.clear();
+  p_block.whole = false;
+  Private::Words words(_text.substr(0, p_block.last), _name, p_block.first);
+  for (std::string_view word = words.Next(); !word.empty(); word = words.Next()) {
+    const std::optional<double> number = Private::ParseNumber(word);
+    if (!number)
+      return;
+    p_block.heights.push_back(Height(*number));
+  }
+  p_block.whole = true;
+}
+
+/// Reads whole blocks as far as they have nothing but heights.
+void HeightReader::ReadBlocks(std::size_t& p_at, Utility::Threads p_threads) {
+  constexpr std::size_t BlockBytes = std::size_t{1} << 16;
+  std::vector<Block> blocks(2 * static_cast<std::size_t>(p_threads.Count()));
+  std::size_t next = p_at;
+  bool ended = false;
+  Utility::BlockSteps steps;
+  steps.fill = [&](std::size_t p_slot) {
+    Block& block = blocks[p_slot];
+    block.first = next;
+    next = std::min(next + BlockBytes, _text.size());
+    while (next < _text.size() && !Private::IsBlank(_text[next]))
+      ++next;
+    block.last = next;
+    return !ended && block.first < block.last;
+  };
+  steps.work = [&](std::size_t p_slot) { ReadBlock(blocks[p_slot]); };
+  steps.join = [&](std::size_t p_slot) {
+    const Block& block = blocks[p_slot];
+    ended = ended || !block.whole || block.heights.size() > _count - _heights.size();
+    if (ended)
+      return;
+    for (auto from = block.heights.begin(); from != block.heights.end();) {
+      ReportRow();
+      const auto left = static_cast<std::ptrdiff_t>(_columns - _heights.size() % _columns);
+      const auto to = from + std::min(left, block.heights.end() - from);
+      _heights.insert(_heights.end(), from, to);
+      from = to;
+    }
+    p_at = block.last;
+  };
+  Utility::RunBlocks(p_threads, blocks.size(), steps);
+}
+
+void HeightReader::Read(std::size_t& p_at, Utility::Threads p_threads) {
+  constexpr std::size_t WorthThreads = std::size_t{1} << 20;
+  if (p_threads.Count() > 1 && _text.size() >= WorthThreads)
+    ReadBlocks(p_at, p_threads);
+  Private::Words words(_text, _name, p_at);
+  while (_heights.size() < _count) {
+    ReportRow();
+    _heights.push_back(Height(words.Number()));
+  }
+  p_at = words.Position();
+}
+
 /// The heights of a text, row by row, to its end.
-HeightGrid ReadRows(Private::Words& p_words, const TextLayout& p_layout, std::size_t p_size, const std::string& p_name,
-                    const Progress& p_progress) {
+HeightGrid ReadRows(std::string_view p_text, std::size_t p_at, const TextLayout& p_layout, const std::string& p_name,
+                    const Progress& p_progress, Utility::Threads p_threads) {
   const auto columns = static_cast<std::size_t>(p_layout.columns), rows = static_cast<std::size_t>(p_layout.rows);
-  if (columns * rows > p_size / 2) // a digit and a blank each
+  if (columns * rows > p_text.size() / 2) // a digit and a blank each
     throw FileError(p_name, "expected " + std::to_string(columns * rows) + " heights, got a file of " +
-                                std::to_string(p_size) + " bytes");
+                                std::to_string(p_text.size()) + " bytes");
   HeightGrid grid;
   for (std::size_t i = 0; i < columns; ++i)
     grid.x.push_back(p_layout.x + double(i) * p_layout.xStep);
   for (std::size_t i = 0; i < rows; ++i)
     grid.y.push_back(p_layout.y + double(i) * p_layout.yStep);
   grid.heights.reserve(columns * rows);
-  constexpr double FloatDigits =
-      2e-7; // of a float that one program writes with seven digits and another with seventeen
-  for (std::size_t row = 0; row < rows; ++row) {
-    Private::Report(p_progress, p_name, double(row) / double(rows));
-    for (std::size_t column = 0; column < columns; ++column) {
-      const double height = p_words.Number();
-      const bool isMissing = std::abs(height - p_layout.noData) <= FloatDigits * std::abs(p_layout.noData);
-      grid.heights.push_back(isMissing ? std::numeric_limits<double>::quiet_NaN() : height);
-    }
-  }
-  if (!p_words.AtEnd()) {
-    p_words.Next();
-    p_words.Fail("the end of the file after " + std::to_string(columns * rows) + " heights");
+  HeightReader(p_text, p_name, p_layout, p_progress, grid.heights).Read(p_at, p_threads);
+  Private::Words words(p_text, p_name, p_at);
+  if (!words.AtEnd()) {
+    words.Next();
+    words.Fail("the end of the file after " + std::to_string(columns * rows) + " heights");
   }
   Private::Report(p_progress, p_name, 1);
   return grid;
@@ -110,7 +207,8 @@ bool IsCount(double p_value) {
   return p_value >= 1 && p_value <= 1e6 && p_value == std::floor(p_value);
 }
 
-HeightGrid ReadText(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
+HeightGrid ReadText(std::istream& p_stream, const std::string& p_name, const Progress& p_progress,
+                    Utility::Threads p_threads) {
   const std::string text = Private::ReadAll(p_stream, p_name);
   Private::Words words(text, p_name);
   TextLayout layout;
@@ -121,7 +219,7 @@ HeightGrid ReadText(std::istream& p_stream, const std::string& p_name, const Pro
       !std::isfinite(layout.y))
     throw FileError(p_name, 1, "\"nx ny x0 dx y0 dy\" with whole nx and ny from 1 to 1000000 and steps that are not 0",
                     text.substr(0, text.find_first_of("\n\r")));
-  return ReadRows(words, layout, text.size(), p_name, p_progress);
+  return ReadRows(text, words.Position(), layout, p_name, p_progress, p_threads);
 }
 
 /// The lines of the header of an ESRI ASCII grid, in any order and any case: a word and a number each.
@@ -143,7 +241,8 @@ bool IsEsriGrid(const std::string& p_start) {
   return EsriWord(words.Next()) < EsriWords.size() && Private::ParseNumber(words.Next()).has_value();
 }
 
-HeightGrid ReadEsriGrid(std::istream& p_stream, const std::string& p_name, const Progress& p_progress) {
+HeightGrid ReadEsriGrid(std::istream& p_stream, const std::string& p_name, const Progress& p_progress,
+                        Utility::Threads p_threads) {
   const std::string text = Private::ReadAll(p_stream, p_name);
   Private::Words words(text, p_name);
   std::array<std::optional<double>, EsriWords.size()> found;
@@ -168,7 +267,7 @@ HeightGrid ReadEsriGrid(std::istream& p_stream, const std::string& p_name, const
   layout.y = (bottomCentre ? *bottomCentre : *bottom - layout.yStep / 2) - (layout.rows - 1) * layout.yStep;
   constexpr double UsualNoData = -9999;
   layout.noData = noData.value_or(UsualNoData);
-  return ReadRows(words, layout, text.size(), p_name, p_progress);
+  return ReadRows(text, words.Position(), layout, p_name, p_progress, p_threads);
 }
 
 HeightGrid ReadColumns(const Table& p_table, const std::string& p_name, const FieldSelection& p_selection) {
@@ -192,7 +291,7 @@ HeightGrid ReadColumns(const Table& p_table, const std::string& p_name, const Fi
 } // namespace
 
 HeightGrid ReadHeights(std::istream& p_stream, const std::string& p_name, const FieldSelection& p_selection,
-                       const Progress& p_progress) {
+                       const Progress& p_progress, Utility::Threads p_threads) {
   if (p_selection.variables.size() > 1)
     throw FileError(p_name,
                     "expected one variable to be selected, got " + std::to_string(p_selection.variables.size()));
@@ -203,15 +302,16 @@ HeightGrid ReadHeights(std::istream& p_stream, const std::string& p_name, const 
   if (p_selection.time != 0 || p_selection.level != 0)
     throw FileError(p_name, "expected step 0 and level 0 of a file without time and levels");
   if (IsEsriGrid(input.Start()))
-    return ReadEsriGrid(input.Stream(), p_name, p_progress);
+    return ReadEsriGrid(input.Stream(), p_name, p_progress, p_threads);
   if (IsHeightText(input.Start()))
-    return ReadText(input.Stream(), p_name, p_progress);
-  return ReadColumns(ReadTable(input.Stream(), p_name, p_progress), p_name, p_selection);
+    return ReadText(input.Stream(), p_name, p_progress, p_threads);
+  return ReadColumns(ReadTable(input.Stream(), p_name, p_progress, p_threads), p_name, p_selection);
 }
 
-HeightGrid ReadHeights(const std::string& p_path, const FieldSelection& p_selection, const Progress& p_progress) {
+HeightGrid ReadHeights(const std::string& p_path, const FieldSelection& p_selection, const Progress& p_progress,
+                       Utility::Threads p_threads) {
   std::ifstream file = Private::OpenFile(p_path);
-  return ReadHeights(file, p_path, p_selection, p_progress);
+  return ReadHeights(file, p_path, p_selection, p_progress, p_threads);
 }
 
 } // namespace Vek::Chart::Io

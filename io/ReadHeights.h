@@ -5,6 +5,7 @@
 #include "io/HeightGrid.h"
 #include "io/Progress.h"
 #include "io/SampleFile.h"
+#include "platform/utility/Threads.h"
 
 #include <istream>
 #include <string>
@@ -24,15 +25,18 @@ namespace Vek::Chart::Io {
 /// - A table of nodes in any order: columns x and y (or lon and lat), and the selected column, otherwise the first
 ///   further one.
 ///
-/// Throws FileError as ReadVectorField does.
+/// Throws FileError as ReadVectorField does. Neither result nor errors depend on the number of threads; texts below
+/// 1 MiB start none.
 ///
 /// \snippet FileSnippets.cpp ReadHeights
 /// \ingroup files
 VEK_IO_API HeightGrid ReadHeights(const std::string& p_path, const FieldSelection& p_selection = {},
-                                  const Progress& p_progress = {});
+                                  const Progress& p_progress = {},
+                                  Utility::Threads p_threads = Utility::Threads::All());
 /// Likewise, from a stream; `p_name` takes the place of the path in messages.
 /// \ingroup files
 VEK_IO_API HeightGrid ReadHeights(std::istream& p_stream, const std::string& p_name,
-                                  const FieldSelection& p_selection = {}, const Progress& p_progress = {});
+                                  const FieldSelection& p_selection = {}, const Progress& p_progress = {},
+                                  Utility::Threads p_threads = Utility::Threads::All());
 
 } // namespace Vek::Chart::Io

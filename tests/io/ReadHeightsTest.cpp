@@ -6,6 +6,7 @@
 #include "tests/support/Test.h"
 
 using namespace Vek::Chart::Io;
+using Vek::Chart::Utility::Threads;
 
 namespace {
 
@@ -63,6 +64,75 @@ TEST(ReadHeights, ReadsEsriGridsAndNamesReasons) {
   };
   for (const auto& [text, expected] : errors)
     EXPECT_EQ(ErrorOf<FileError>([&, t = text] { Heights(t); }), expected);
+}
+
+// Heights, shares of progress and errors do not depend on the number of threads.
+TEST(ReadHeights, LongTextsOnThreads) {
+  constexpr std::size_t Columns = 700, Rows = 400;
+  const std::string start = "ncols 700\nnrows 400\nxllcorner 0\nyllcorner 0\ncellsize 1\nNODATA_value -9\n";
+  std::vector<std::string> words;
+  std::uint32_t random = 1;
+  for (std::size_t i = 0; i < Columns * Rows; ++i) {
+    random = random * 1664525u + 1013904223u;
+    char word[40];
+    std::snprintf(word, sizeof word, "%.*g", static_cast<int>(1 + (random >> 24) % 14), double(random) / 3e5 - 7e3);
+    words.emplace_back(random % 50 == 0 ? "-9" : random % 61 == 0 ? "1e-400" : random % 67 == 0 ? "+1e400" : word);
+  }
+  const auto textOf = [&] {
+    std::string text = start;
+    for (std::size_t i = 0; i < words.size(); ++i)
+      text += words[i] + (i % Columns == Columns - 1 ? "\r\n" : i % 7 == 0 ? "\t  " : " ");
+    return text;
+  };
+  const auto read = [&](const std::string& p_end, std::size_t p_cut, Threads p_threads, double p_cancel) {
+    std::istringstream stream((textOf() + p_end).substr(0, p_cut));
+    std::ostringstream out;
+    const auto progress = [&](double p_share) {
+      out << p_share << ' ';
+      return p_share < p_cancel;
+    };
+    try {
+      const HeightGrid grid = ReadHeights(stream, "f", {}, progress, p_threads);
+      for (const double height : grid.heights)
+        out << height << ' ';
+    } catch (const FileError& error) {
+      out << error.what();
+    }
+    return out.str();
+  };
+  const auto check = [&](const std::string& p_expected, const std::string& p_end = {}, std::size_t p_cut = ~0u,
+                         double p_cancel = 2) {
+    const std::string one = read(p_end, p_cut, Threads(), p_cancel);
+    EXPECT_EQ(one.substr(one.size() - std::min(one.size(), p_expected.size())), p_expected);
+    for (const int threads : {2, 3, 7})
+      EXPECT_TRUE(read(p_end, p_cut, Threads(threads), p_cancel) == one) << p_expected << threads;
+  };
+  const std::string behind = "the end of the file after 280000 heights, got ";
+  check("");
+  const std::string one = read({}, ~0u, Threads(3), 2); // also right
+  std::istringstream parts(one);
+  std::string part;
+  for (std::size_t i = 0; i <= Rows; ++i)
+    parts >> part; // of progress
+  EXPECT_EQ(part, "1");
+  for (const std::string& word : words) {
+    std::ostringstream expected;
+    expected << (word == "-9" ? NAN : word == "+1e400" ? INFINITY : std::strtod(word.c_str(), nullptr));
+    parts >> part;
+    ASSERT_EQ(part, expected.str());
+  }
+  check(behind + "\"5\"", " 5");
+  check(behind + "\"x\"", std::string(300000, ' ') + "x 5");
+  constexpr std::size_t Cut = 1500000;
+  const std::string whole = textOf();
+  const auto line = 1 + std::count(whole.begin(), whole.begin() + Cut, '\n');
+  check("f:" + std::to_string(line) + ": expected a number, got \"the end of the file\"", {}, Cut);
+  check("f: cancelled", {}, ~0u, 0.6);
+  words[Columns * 300 + 5] = "here";
+  check("f:307: expected a number, got \"here\"");
+  check("f: cancelled", {}, ~0u, 0.6);
+  words[Columns * 200] = std::string(200000, '1');
+  check("f:307: expected a number, got \"here\"");
 }
 
 TEST(HeightGrid, ClosesWhatGoesAround) {
