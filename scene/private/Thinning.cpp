@@ -66,7 +66,14 @@ std::optional<Indices> ThinnedGrid(const std::vector<Point>& p_points, const Ind
   }
 }
 
-/// The first point in each cell of a lattice.
+/// A number that looks random for each index (A. Appleby, the finalizer of MurmurHash3, public domain).
+std::uint32_t Scrambled(std::uint32_t p_index) {
+  p_index = (p_index ^ p_index >> 16) * 0x85EBCA6BU;
+  p_index = (p_index ^ p_index >> 13) * 0xC2B2AE35U;
+  return p_index ^ p_index >> 16;
+}
+
+/// The first candidate in each cell of a lattice.
 Indices FirstOfCells(const std::vector<Point>& p_points, const Indices& p_candidates, const Point& p_origin,
                      double p_cell) {
   constexpr std::uint64_t Bits = 21; // of a cell's number along an axis
@@ -97,13 +104,16 @@ std::vector<std::uint32_t> Thinned(const std::vector<Point>& p_points, const std
     return {p_candidates.front()};
   if (auto chosen = ThinnedGrid(p_points, p_candidates, p_most, longest))
     return *chosen;
+  Indices shuffled = p_candidates;
+  std::sort(shuffled.begin(), shuffled.end(),
+            [](std::uint32_t p_a, std::uint32_t p_b) { return Scrambled(p_a) < Scrambled(p_b); });
   // Bisects the size of the cells, from one cell to two million along the longest axis.
   constexpr int Halvings = 24;
   double small = longest / (1 << 20), large = 2 * longest;
   Indices best{p_candidates.front()};
   for (int i = 0; i < Halvings; ++i) {
     const double cell = std::sqrt(small * large);
-    Indices chosen = FirstOfCells(p_points, p_candidates, box.Min(), cell);
+    Indices chosen = FirstOfCells(p_points, shuffled, box.Min(), cell);
     const bool fits = chosen.size() <= p_most;
     (fits ? large : small) = cell;
     if (fits && chosen.size() > best.size())
@@ -111,6 +121,7 @@ std::vector<std::uint32_t> Thinned(const std::vector<Point>& p_points, const std
     if (best.size() * 20 >= p_most * 19)
       break;
   }
+  std::sort(best.begin(), best.end());
   return best;
 }
 
