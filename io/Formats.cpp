@@ -70,7 +70,7 @@ const std::vector<Format>& Formats() {
        "nodes in any order with columns of positions and heights", "", "", true},
       {Format::Tables, "CSV", "csv tsv txt dat", "Io::ReadTable",
        "cells separated by commas, semicolons, tabs, bars or blanks; quoted cells, comments, missing cells, names of "
-       "columns, decimal commas",
+       "columns, decimal commas, times by ISO 8601",
        "UTF-16", "", true},
       {Format::Images, "Radiance", "hdr pic", "Io::ReadImage",
        "RGBE and XYZE, all run codes; EXPOSURE, PRIMARIES and all eight orientations on request",

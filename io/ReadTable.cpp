@@ -54,17 +54,11 @@ std::string ReadAll(std::istream& p_stream, const std::string& p_name) {
   return text;
 }
 
-bool IsMissing(std::string_view p_cell) {
-  constexpr std::array<std::string_view, 8> Missing{"", "na", "n/a", "#n/a", "null", "none", "-", "--"};
-  return std::any_of(Missing.begin(), Missing.end(),
-                     [&](std::string_view p_word) { return Private::IsSameWord(p_cell, p_word); });
-}
-
 /// A number or NaN for a missing one; none for other cells.
 std::optional<double> Number(std::string_view p_cell, bool p_decimalComma) {
   if (const std::optional<double> number = Private::ParseNumber(p_cell))
     return number;
-  if (IsMissing(p_cell))
+  if (Private::IsMissing(p_cell))
     return std::numeric_limits<double>::quiet_NaN();
   if (!p_decimalComma || std::count(p_cell.begin(), p_cell.end(), ',') != 1)
     return {};

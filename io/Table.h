@@ -16,7 +16,8 @@ namespace Vek::Chart::Io {
 /// numbers are NaN.
 ///
 /// Errors: std::invalid_argument for a column that does not exist ("wind.csv: no column "w"; there are: lon, lat, u,
-/// v") and for the numbers of a column of strings ("wind.csv:17: expected a number in column "u", got "calm"").
+/// v"), for the numbers of a column of strings ("wind.csv:17: expected a number in column "u", got "calm""), and for
+/// times that are none ("wind.csv: column "day", row 3: expected a time such as 2024-05-01T12:30, got "Monday"").
 ///
 /// \snippet FileSnippets.cpp ReadTable
 /// \ingroup files
@@ -51,6 +52,19 @@ public:
   const std::vector<double>& operator[](const char* p_name) const { return (*this)[std::string_view(p_name)]; }
   /// The cells of a column as strings. The numbers of a column of numbers are not kept as strings: it throws.
   const std::vector<std::string>& Strings(std::string_view p_name) const;
+  ///@{
+  /// A column of strings as times, by its name or its position from 0: seconds since 1970-01-01 00:00 UTC, as
+  /// Scene::Figure::SetDateAxis takes them; NaN where missing, which "NaT" and "nan" are as well. Cells have the
+  /// extended format of ISO 8601: "2024-05", "2024-05-01", "2024-05-01T12:30", "2024-05-01 12:30:15.25+02:00"; without
+  /// a zone they are in UTC.
+  std::vector<double> Times(std::string_view p_name) const { return Times(Find(p_name)); }
+  std::vector<double> Times(std::size_t p_index) const { return Times(Find(p_index)); }
+  ///@}
+  ///@{
+  /// Whether a column has times alone, of which not all are missing.
+  bool HasTimes(std::string_view p_name) const { return HasTimes(Find(p_name)); }
+  bool HasTimes(std::size_t p_index) const { return HasTimes(Find(p_index)); }
+  ///@}
 
   ///@{
   /// Two or three columns as points or vectors, one a row; without the third name, z is 0.
@@ -64,6 +78,9 @@ public:
 
 private:
   const Column& Find(std::string_view p_name) const;
+  const Column& Find(std::size_t p_index) const;
+  std::vector<double> Times(const Column& p_column) const;
+  static bool HasTimes(const Column& p_column);
   const std::vector<double>& Numbers(const Column& p_column) const;
 
   std::string _name;

@@ -147,8 +147,9 @@ public:
   /// Makes an axis logarithmic, and no axis of dates or of a map. Points that are not above 0 are left out, which is
   /// said. Limits and cutting planes must be above 0.
   Figure& SetLogAxis(int p_axis, bool p_logarithmic = true);
-  /// Makes an axis one of dates: values are seconds since 1970-01-01 00:00 UTC (see Ticks::Dates). Its unit compares to
-  /// no other one, so that it is stretched without a note. Not logarithmic, and not of a map.
+  /// Makes an axis one of dates: values are seconds since 1970-01-01 00:00 UTC (see Ticks::Dates), which
+  /// Io::Table::Times makes of the cells of a table. Its unit compares to no other one, so that it is stretched without
+  /// a note. Not logarithmic, and not of a map.
   ///
   /// \snippet SceneMapSnippets.cpp Dates
   /// \image html parts/Dates.png

@@ -4,6 +4,8 @@
 
 #include "io/private/Words.h"
 
+#include "platform/utility/Calendar.h"
+
 #include <cmath>
 #include <cstdio>
 
@@ -16,20 +18,7 @@ constexpr long long FirstGregorianDay = -141427; // 1582-10-15
 constexpr long long FirstJulianDay = -2440588;   // of the Julian period
 constexpr double Minute = 60, Hour = 3600, Day = 86400;
 
-struct Date {
-  long long year = 0;
-  int month = 1;
-  int day = 1;
-};
-
-/// The day of a date of the Gregorian calendar (H. Hinnant, "chrono-Compatible Low-Level Date Algorithms").
-long long GregorianDay(const Date& p_date) {
-  const long long year = p_date.year - (p_date.month <= 2);
-  const long long era = (year >= 0 ? year : year - 399) / 400;
-  const long long yearOfEra = year - era * 400;
-  const long long dayOfYear = (153 * (p_date.month + (p_date.month > 2 ? -3 : 9)) + 2) / 5 + p_date.day - 1;
-  return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
-}
+using Utility::Date;
 
 /// The day of a date of the Julian calendar after the year -4800 (E. G. Richards, "Mapping Time", 1998).
 long long JulianDay(const Date& p_date) {
@@ -38,28 +27,15 @@ long long JulianDay(const Date& p_date) {
   return p_date.day + (153 * month + 2) / 5 + 365 * year + year / 4 - 32083 + FirstJulianDay;
 }
 
-/// The month and day of a year that begins in March.
-Date DateOf(long long p_yearFromMarch, long long p_dayOfYear) {
-  const long long month = (5 * p_dayOfYear + 2) / 153;
-  Date date;
-  date.month = static_cast<int>(month < 10 ? month + 3 : month - 9);
-  date.year = p_yearFromMarch + (date.month <= 2);
-  date.day = static_cast<int>(p_dayOfYear - (153 * month + 2) / 5 + 1);
-  return date;
-}
-
-Date GregorianDate(long long p_day) {
-  const long long shifted = p_day + 719468;
-  const long long era = (shifted >= 0 ? shifted : shifted - 146096) / 146097;
-  const long long dayOfEra = shifted - era * 146097;
-  const long long yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  return DateOf(yearOfEra + era * 400, dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100));
-}
-
 Date JulianDate(long long p_day) {
   const long long shifted = p_day - FirstJulianDay + 32082;
-  const long long year = (4 * shifted + 3) / 1461;
-  return DateOf(year - 4800, shifted - 1461 * year / 4);
+  const long long yearFromMarch = (4 * shifted + 3) / 1461, dayOfYear = shifted - 1461 * yearFromMarch / 4;
+  const long long month = (5 * dayOfYear + 2) / 153;
+  Date date;
+  date.month = static_cast<int>(month < 10 ? month + 3 : month - 9);
+  date.year = yearFromMarch - 4800 + (date.month <= 2);
+  date.day = static_cast<int>(dayOfYear - (153 * month + 2) / 5 + 1);
+  return date;
 }
 
 /// What dates count in; days without a date, such as those of years of 360 days, are none of these.
@@ -141,8 +117,10 @@ private:
 bool ReadTime(const std::string& p_text, Calendar p_calendar, double& p_seconds) {
   Scanner scanner(p_text.c_str());
   Date date;
-  if (!scanner.Take("%5lld", date.year))
+  long long year = 0;
+  if (!scanner.Take("%5lld", year))
     return false;
+  date.year = year;
   if (scanner.Take("-%2d", date.month))
     scanner.Take("-%2d", date.day);
   if (date.month < 1 || date.month > 12 || date.day < 1 || date.day > 31 || scanner.AtDigit())
@@ -159,8 +137,8 @@ bool ReadTime(const std::string& p_text, Calendar p_calendar, double& p_seconds)
     scanner.Take("%2d", zoneMinute);
   if (const std::string_view rest = scanner.Rest(); !rest.empty() && rest != "Z" && rest != "UTC" && rest != "GMT")
     return false;
-  const bool isJulian = p_calendar == Calendar::Mixed && GregorianDay(date) < FirstGregorianDay;
-  const long long day = isJulian ? JulianDay(date) : GregorianDay(date);
+  const bool isJulian = p_calendar == Calendar::Mixed && Utility::DayOf(date) < FirstGregorianDay;
+  const long long day = isJulian ? JulianDay(date) : Utility::DayOf(date);
   const double zone = zoneHour * Hour + (isWest ? -zoneMinute : zoneMinute) * Minute;
   p_seconds = double(day) * Day + hour * Hour + minute * Minute + second - zone;
   return true;
@@ -172,10 +150,10 @@ std::string TimeString(double p_seconds, Calendar p_calendar) {
   const long long day = static_cast<long long>(std::floor(seconds / Day));
   const int ofDay = static_cast<int>(seconds - double(day) * Day);
   const bool isJulian = p_calendar == Calendar::Mixed && day < FirstGregorianDay;
-  const Date date = isJulian ? JulianDate(day) : GregorianDate(day);
+  const Date date = isJulian ? JulianDate(day) : Utility::DateOf(day);
   char text[64];
-  int length = std::snprintf(text, sizeof text, "%04lld-%02d-%02d %02d:%02d", date.year, date.month, date.day,
-                             ofDay / 3600, ofDay / 60 % 60);
+  int length = std::snprintf(text, sizeof text, "%04lld-%02d-%02d %02d:%02d", static_cast<long long>(date.year),
+                             date.month, date.day, ofDay / 3600, ofDay / 60 % 60);
   if (ofDay % 60 != 0)
     length += std::snprintf(text + length, sizeof text - std::size_t(length), ":%02d", ofDay % 60);
   return std::string(text, std::size_t(length));

@@ -3,6 +3,7 @@
 #include "io/FileError.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <iterator>
 #include <limits>
@@ -34,6 +35,21 @@ std::vector<std::string> SplitWords(std::string_view p_text) {
 bool IsSameWord(std::string_view p_a, std::string_view p_b) {
   return std::equal(p_a.begin(), p_a.end(), p_b.begin(), p_b.end(),
                     [](char p_x, char p_y) { return Lower(p_x) == Lower(p_y); });
+}
+
+std::string Printable(std::string_view p_text) {
+  constexpr std::size_t Longest = 40;
+  std::string text(p_text.substr(0, Longest));
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) < ' ')
+      c = ' ';
+  return p_text.size() <= Longest ? text : text + "...";
+}
+
+bool IsMissing(std::string_view p_cell) {
+  constexpr std::array<std::string_view, 8> Missing{"", "na", "n/a", "#n/a", "null", "none", "-", "--"};
+  return std::any_of(Missing.begin(), Missing.end(),
+                     [&](std::string_view p_word) { return IsSameWord(p_cell, p_word); });
 }
 
 std::optional<double> ParseNumber(std::string_view p_word) {

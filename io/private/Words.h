@@ -26,6 +26,12 @@ std::vector<std::string> SplitWords(std::string_view p_text);
 /// Whether words are equal, whatever their case.
 bool IsSameWord(std::string_view p_a, std::string_view p_b);
 
+/// The start of a text, without control characters, which would change the line of a message.
+std::string Printable(std::string_view p_text);
+
+/// Whether a cell of a table says that there is no value.
+bool IsMissing(std::string_view p_cell);
+
 /// A whole word as a number that its type can have. None for another word.
 template <class T>
 std::optional<T> Parsed(std::string_view p_word) {

@@ -1,7 +1,8 @@
 #include "scene/private/DateTicks.h"
 
-#include "scene/private/Calendar.h"
 #include "scene/private/Decimal.h"
+
+#include "platform/utility/Calendar.h"
 
 #include <QLocale>
 
@@ -14,6 +15,13 @@
 namespace Vek::Chart::Scene::Private {
 
 namespace {
+
+using Utility::Date;
+using Utility::DateOf;
+using Utility::DayOfMonth;
+using Utility::DaySeconds;
+using Utility::FloorDivided;
+using Utility::MonthOf;
 
 /// The unit in which a time ends, or which all times have in common.
 enum Unit { None = -1, Year, Month, Day, Minute, Second, Fraction };

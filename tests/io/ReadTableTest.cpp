@@ -108,6 +108,67 @@ TEST(Table, GivesColumnsAndPoints) {
   EXPECT_EQ(error([] { Table("t", {{"a", {1}, {}}, {"b", {1, 2}, {}}}); }), "t: column \"b\": expected 1 cells, got 2");
 }
 
+TEST(Table, TurnsTimesIntoSeconds) {
+  const std::pair<const char*, double> cells[] = {
+      {"2024-05", 1714521600},
+      {"2024-05-01", 1714521600},
+      {"2024-05-01T12:30Z", 1714566600},
+      {"2024-02-29 23:59:59 UTC", 1709251199},
+      {"2024-05-01T00:30+02:00", 1714516200},
+      {"2024-05-01 12:30:15 -0630", 1714590015},
+      {"2024-05-01T00:30+02", 1714516200},
+      {"1969-12-31T23:59:58.75", -1.25},
+      {"2016-12-31T23:59:60Z", 1483228800}, // a leap second
+      {"0000-03-01", -62162035200},
+      {"9999-12-31T23:59:59Z", 253402300799},
+      {"NaT", std::nan("")},
+      {"nan", std::nan("")},
+      {"--", std::nan("")},
+  };
+  std::string text = "t,n\n";
+  for (const auto& cell : cells)
+    text += std::string(cell.first) + ",1\n";
+  const Table table = Read(text);
+  const std::vector<double> times = table.Times("t");
+  ASSERT_EQ(times.size(), std::size(cells));
+  for (std::size_t i = 0; i < times.size(); ++i)
+    EXPECT_TRUE(times[i] == cells[i].second || (std::isnan(times[i]) && std::isnan(cells[i].second)))
+        << cells[i].first << ": " << times[i];
+  EXPECT_TRUE(table.HasTimes("t"));
+  EXPECT_FALSE(table.HasTimes("n"));
+  EXPECT_EQ(Read("t,t\n2024-05-01,2024-05-02\n").Times(1), std::vector<double>{1714608000}) << "of one name";
+  EXPECT_FALSE(Read("t,n\nNaT,1\n").HasTimes("t")) << "all missing";
+  for (const char* none : {"2023-02-29",
+                           "2024-13-01",
+                           "2024-00",
+                           "2024-04-31",
+                           "2024-05-00",
+                           "2024-5-1",
+                           "24-05-01",
+                           "2024-05T12:30",
+                           "2024-05-01T",
+                           "2024-05-01T12",
+                           "2024-05-01T24:00",
+                           "2024-05-01T12:60",
+                           "2024-05-01T12:30:61",
+                           "2024-05-01T12:30:15.",
+                           "2024-05-01T12:30+",
+                           "2024-05-01T12:30+02:",
+                           "2024-05-01T12:30Zx",
+                           "2024-05-01x",
+                           "2024-05-01T12:30+24:00",
+                           "+024-05-01",
+                           "2024-+5-01",
+                           "yesterday"}) {
+    const Table other = Read(std::string("t,n\n2024-05-01,1\n") + none + ",2\n");
+    EXPECT_FALSE(other.HasTimes("t")) << none;
+    EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { other.Times("t"); }),
+              std::string("t.csv: column \"t\", row 2: expected a time such as 2024-05-01T12:30, got \"") + none + '"');
+  }
+  EXPECT_EQ(ErrorOf<std::invalid_argument>([&] { table.Times("n"); }),
+            "t.csv: column \"n\": expected times such as 2024-05-01T12:30, got numbers");
+}
+
 // Cells in quotes go on over the borders of blocks, and over whole blocks.
 TEST(ReadTable, NeitherResultNorErrorsDependOnThreads) {
   std::string text = "# by hand\na,b,c\n";

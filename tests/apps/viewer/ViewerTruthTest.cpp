@@ -25,6 +25,17 @@ TEST_F(ViewerTruth, TitlesAndUnitsAreThoseOfTheFile) {
   EXPECT_EQ(Words().find("urface"), std::string::npos);
 }
 
+TEST_F(ViewerTruth, TablesOfTimesHaveAnAxisOfDates) {
+  ASSERT_NE(OpenText("tide.csv", "station,when,level,wind\nA,2024-05-01T00:00,1.5,3\nB,2024-05-03T12:00,-0.5,4\n"
+                                 "C,,2,5\n"),
+            nullptr)
+      << LastReport();
+  ExpectWords({"tide.csv|", "3 rows|", "1 point missing|", "wind|"});
+  const std::string readOut = ReadOutAt({1714737600, -0.5, 4});
+  EXPECT_NE(readOut.find("when: 2024-05-03"), std::string::npos) << readOut;
+  EXPECT_NE(readOut.find("station: B"), std::string::npos) << readOut;
+}
+
 TEST_F(ViewerTruth, FlowsKeepUnevenPositionsAndMissingCells) {
   std::string text = "x,y,z,u,v,w\n";
   for (const int z : {0, 1, 10})

@@ -1,6 +1,6 @@
-#include "scene/private/Calendar.h"
+#include "platform/utility/Calendar.h"
 
-namespace Vek::Chart::Scene::Private {
+namespace Vek::Chart::Utility {
 
 namespace {
 
@@ -37,4 +37,4 @@ Date DateOf(std::int64_t p_day) {
           static_cast<int>(dayOfYear - DaysBefore(month) + 1)};
 }
 
-} // namespace Vek::Chart::Scene::Private
+} // namespace Vek::Chart::Utility
