@@ -1,29 +1,22 @@
 #include "platform/debug/Check.h"
 
-#include <mutex>
 #include <utility>
 
 namespace vekdebug {
 
 namespace {
 
-/// A message in memory that the next message uses again. A message that is built while another one is reported takes
-/// memory of its own.
+/// A message in memory that the thread's next message uses again. A message that is built while another one is
+/// reported, or by destructors at the end of a thread, takes memory of its own.
 class Message {
 public:
   Message(std::initializer_list<std::string_view> p_parts) {
-    {
-      const std::lock_guard<std::mutex> lock(Spare().mutex);
-      _text.swap(Spare().text);
-    }
+    Exchange();
     _text.clear();
     for (const std::string_view part : p_parts)
       _text += part;
   }
-  ~Message() {
-    const std::lock_guard<std::mutex> lock(Spare().mutex);
-    _text.swap(Spare().text);
-  }
+  ~Message() { Exchange(); }
   Message(const Message&) = delete;
   Message& operator=(const Message&) = delete;
 
@@ -31,13 +24,16 @@ public:
 
 private:
   struct Memory {
-    std::mutex mutex;
+    bool& isGone;
     std::string text;
+    ~Memory() { isGone = true; }
   };
-  /// Never destroyed: destructors of static objects may still report.
-  static Memory& Spare() {
-    static auto* const TheSpare = new Memory;
-    return *TheSpare;
+  void Exchange() {
+    thread_local bool isGone = false;
+    if (isGone)
+      return;
+    thread_local Memory memory{isGone, {}};
+    _text.swap(memory.text);
   }
 
   std::string _text;
