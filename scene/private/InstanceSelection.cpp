@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 namespace Vek::Chart::Scene::Private {
@@ -275,7 +276,7 @@ CoverSample SampleCover(std::size_t p_count, const Projection& p_view, const Out
 
 /// A grid of tiles that are small beside instances, so that many of them are covered wholly.
 OcclusionGrid GridFor(const InstanceSelection::Input& p_input, double p_pixels) {
-  constexpr double Most = 64, TilesOfInstance = 100;
+  constexpr double Most = 64, TilesOfInstance = 50;
   double tile = p_input.hasOneSample ? 1 : 0.5;
   while (tile < Most && tile * tile * TilesOfInstance < p_pixels)
     tile *= 2;
@@ -358,13 +359,51 @@ void InstanceSelection::HideOccluded() {
   FindRanges();
 }
 
+namespace {
+
+/// Writes instances from near to far, roughly.
+void WriteFromNear(const std::uint32_t* p_begin, const std::uint32_t* p_end, const Linear& p_depth,
+                   const std::vector<Ogl::Vec3<float>>& p_positions, std::uint32_t* p_order) {
+  constexpr std::size_t Bins = 256;
+  if (p_begin == p_end)
+    return;
+  std::vector<float> depths(static_cast<std::size_t>(p_end - p_begin));
+  std::transform(p_begin, p_end, depths.begin(), [&](std::uint32_t p_i) {
+    return p_depth(p_positions[p_i].x, p_positions[p_i].y, p_positions[p_i].z);
+  });
+  const auto [least, most] = std::minmax_element(depths.begin(), depths.end());
+  const float start = *least, scale = *most > start ? static_cast<float>(Bins) / (*most - start) : 0;
+  const auto binOf = [&](float p_depthOf) { // 0 for NaN
+    const float bin = (p_depthOf - start) * scale;
+    return bin > 0 ? static_cast<std::size_t>(std::min(bin, static_cast<float>(Bins - 1))) : 0;
+  };
+  std::array<std::size_t, Bins + 1> firsts{};
+  for (const float depth : depths)
+    ++firsts[binOf(depth) + 1];
+  std::partial_sum(firsts.begin(), firsts.end(), firsts.begin());
+  for (std::size_t i = 0; i < depths.size(); ++i)
+    p_order[firsts[binOf(depths[i])]++] = p_begin[i];
+}
+
+} // namespace
+
 void InstanceSelection::WriteOrder(std::uint32_t* p_order) const {
+  std::vector<std::uint32_t> byNumber(_input.hiding > 1 ? Count() : 0);
+  std::uint32_t* const order = byNumber.empty() ? p_order : byNumber.data();
   Utility::RunRanges(Utility::Threads::All(), _levelOf.size(), BlockSize, [&](std::size_t p_begin, std::size_t p_end) {
     auto next = _firstOf[p_begin / BlockSize];
     for (std::size_t i = (p_begin + _step - 1) / _step * _step; i < p_end; i += _step)
       if (const std::uint8_t level = _levelOf[i]; level != LeftOut)
-        p_order[next[level]++] = static_cast<std::uint32_t>(i);
+        order[next[level]++] = static_cast<std::uint32_t>(i);
   });
+  if (byNumber.empty())
+    return;
+  // Of half-transparent instances, each of which is shaded in several layers, near ones keep the shader from far ones.
+  const Linear depth = Combined(_input.view.clip, 2, 0, 2, 1);
+  for (const Range& range : _ranges)
+    for (const auto& [first, end] : {std::pair(range.first, range.first + range.nearer),
+                                     std::pair(range.first + range.nearer, range.first + range.count)})
+      WriteFromNear(order + first, order + end, depth, *_input.positions, p_order + first);
 }
 
 } // namespace Vek::Chart::Scene::Private

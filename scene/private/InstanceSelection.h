@@ -90,7 +90,8 @@ public:
   std::size_t Count() const { return _ranges.empty() ? 0 : _ranges.back().first + _ranges.back().count; }
   /// Every how many-th instance is drawn.
   std::size_t Step() const { return _step; }
-  /// Writes the instances level by level: `Count` numbers.
+  /// Writes the instances level by level: `Count` numbers. Where two hide what is behind them, they go roughly from
+  /// near to far in each part of a range.
   void WriteOrder(std::uint32_t* p_order) const;
 
 private:

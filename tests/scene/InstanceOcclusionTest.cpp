@@ -14,6 +14,7 @@
 namespace {
 
 constexpr int Width = 240, Height = 150;
+constexpr unsigned int PrimitivesGenerated = 0x8C87; // a query of OpenGL 3.0
 
 /// Symbols of 12 to 40 pixels in a box, drawn with and without culling.
 class InstanceOcclusionPixels : public testing::Test {
@@ -41,7 +42,7 @@ public:
     return {std::move(p_levels), instances};
   }
   void TearDown() override { colors = ColorMap({Qt::red}, ColorMap::Discrete); } // releases the texture
-  /// Draws, after `prepare`; returns the number of samples that passed the depth test.
+  /// Draws, after `prepare`; returns the number of what is `counted`.
   unsigned int Draw(const std::function<void()>& p_draw) {
     gl->ClearColor(Qt::transparent);
     gl->Clear(RGL_COLOR_BUFFER_BIT | RGL_DEPTH_BUFFER_BIT);
@@ -57,36 +58,36 @@ public:
     gl->Enable(RGL_DEPTH_TEST);
     if (prepare)
       prepare();
-    unsigned int query = 0, samples = 0;
+    unsigned int query = 0, count = 0;
     gl->GenQueries(1, &query);
-    gl->BeginQuery(RGL_SAMPLES_PASSED, query);
+    gl->BeginQuery(counted, query);
     p_draw();
-    gl->EndQuery(RGL_SAMPLES_PASSED);
-    gl->GetQueryObjectuiv(query, RGL_QUERY_RESULT, &samples);
+    gl->EndQuery(counted);
+    gl->GetQueryObjectuiv(query, RGL_QUERY_RESULT, &count);
     gl->DeleteQueries(1, &query);
-    return samples;
+    return count;
   }
-  /// Draws colours and then ids with culling and without; the images must be equal. Returns how many samples passed
-  /// with culling, in parts of those without.
-  double ShareOfSamples(InstancedMesh p_mesh, const ValueScale& p_scale = {}) {
+  /// Draws colours and then ids with culling and without; the images must be equal. Returns how many primitives are
+  /// drawn with culling, in parts of those without.
+  double ShareOfDrawn(InstancedMesh p_mesh, const ValueScale& p_scale = {}) {
     std::array<QImage, 2> images, ids;
-    std::array<unsigned int, 2> samples{};
+    std::array<unsigned int, 2> counts{};
     for (const std::size_t all : {0U, 1U}) {
       p_mesh.SetMostVertices(all == 0 ? 0 : std::numeric_limits<std::size_t>::max()); // any number, without culling
-      samples[all] = Draw([&] { p_mesh.Draw(gl, colors, p_scale); });
+      counts[all] = Draw([&] { p_mesh.Draw(gl, colors, p_scale); });
       images[all] = context.Image();
       Draw([&] { p_mesh.DrawIds(gl, 1); });
       ids[all] = context.Image();
     }
     EXPECT_EQ(images[0], images[1]);
     EXPECT_EQ(ids[0], ids[1]);
-    return samples[0] / static_cast<double>(samples[1]);
+    return counts[0] / static_cast<double>(counts[1]);
   }
 
-  /// The layers of a peeling and the number of samples that passed the depth test.
+  /// The layers of a peeling and the number of what is `counted`.
   struct Peeled {
     std::vector<QImage> layers;
-    double samples = 0;
+    double count = 0;
   };
   Peeled Peel(const InstancedMesh& p_mesh, const ValueScale& p_scale = {}) {
     Peeled peeled;
@@ -100,23 +101,23 @@ public:
         if (depths)
           gl->Bind(depths, Rgl::Sampler2D);
         gl->ActiveTexture(RGL_TEXTURE0);
-        peeled.samples += Draw([&] { p_mesh.Draw(gl, colors, p_scale, pass.front == 0 ? nullptr : &pass); });
+        peeled.count += Draw([&] { p_mesh.Draw(gl, colors, p_scale, pass.front == 0 ? nullptr : &pass); });
       }
       depths = target.DepthTexture(gl);
       peeled.layers.push_back(target.ToImage(gl));
     }
     return peeled;
   }
-  /// Peels layers with culling and without; their images must be equal. Returns how many samples passed with culling,
-  /// in parts of those without.
-  double ShareOfPeeledSamples(InstancedMesh p_mesh, const ValueScale& p_scale = {}) {
+  /// Peels layers with culling and without; their images must be equal. Returns how many primitives are drawn with
+  /// culling, in parts of those without.
+  double ShareOfPeeled(InstancedMesh p_mesh, const ValueScale& p_scale = {}) {
     p_mesh.SetMostLayers(Layers);
     const Peeled culled = Peel(p_mesh, p_scale);
     p_mesh.SetMostVertices(std::numeric_limits<std::size_t>::max());
     const Peeled all = Peel(p_mesh, p_scale);
     for (std::size_t layer = 0; layer < Layers; ++layer)
       EXPECT_EQ(culled.layers[layer], all.layers[layer]) << layer;
-    return culled.samples / all.samples;
+    return culled.count / all.count;
   }
 
   static constexpr std::size_t Layers = 4;
@@ -124,6 +125,7 @@ public:
   std::vector<double> sizes, values;
   std::vector<InstancedMesh::Rgba> rgba;
   bool isCentral = false;
+  unsigned int counted = PrimitivesGenerated;
   std::function<void()> prepare;
   ColorMap colors{{Qt::red, Qt::yellow, Qt::blue}, ColorMap::Interpolated};
   Ogl::OffscreenContext context{{Width, Height}, 4};
@@ -141,9 +143,9 @@ std::vector<InstancedMesh::Level> Symbols(Model::Symbol::Shape p_shape) {
 TEST_F(InstanceOcclusionPixels, LeavesTheImageAsItIs) {
   for (const bool isPerspective : {false, true}) {
     isCentral = isPerspective;
-    EXPECT_LT(ShareOfSamples(Mesh(InstancedMesh::Spheres(), false)), 0.8) << isPerspective;
-    EXPECT_LT(ShareOfSamples(Mesh(InstancedMesh::Spheres(), true)), 0.8) << isPerspective;
-    EXPECT_LT(ShareOfSamples(Mesh(Symbols(Model::Symbol::ShapeCube), true)), 0.98) << isPerspective;
+    EXPECT_LT(ShareOfDrawn(Mesh(InstancedMesh::Spheres(), false)), 0.8) << isPerspective;
+    EXPECT_LT(ShareOfDrawn(Mesh(InstancedMesh::Spheres(), true)), 0.8) << isPerspective;
+    EXPECT_LT(ShareOfDrawn(Mesh(Symbols(Model::Symbol::ShapeCube), true)), 0.98) << isPerspective;
   }
 }
 
@@ -153,8 +155,21 @@ TEST_F(InstanceOcclusionPixels, LeavesTheLayersOfAPeelingAsTheyAre) {
   holes.missing = Qt::transparent;
   for (const bool isPerspective : {false, true}) {
     isCentral = isPerspective;
-    EXPECT_LT(ShareOfPeeledSamples(Mesh(InstancedMesh::Spheres(), false)), 0.95) << isPerspective;
-    EXPECT_EQ(ShareOfPeeledSamples(Mesh(InstancedMesh::Spheres(), false), holes), 1) << isPerspective;
+    EXPECT_LT(ShareOfPeeled(Mesh(InstancedMesh::Spheres(), false)), 0.95) << isPerspective;
+    EXPECT_EQ(ShareOfPeeled(Mesh(InstancedMesh::Spheres(), false), holes), 1) << isPerspective;
+  }
+}
+
+/// Near ones keep the shader from far ones.
+TEST_F(InstanceOcclusionPixels, PeelsFromNearToFar) {
+  counted = RGL_SAMPLES_PASSED;
+  for (const bool isPerspective : {false, true}) {
+    isCentral = isPerspective;
+    InstancedMesh cubes = Mesh(Symbols(Model::Symbol::ShapeCube), false);
+    cubes.SetMostVertices(std::numeric_limits<std::size_t>::max());
+    const double byNumber = Peel(cubes).count;
+    cubes.SetMostLayers(Layers);
+    EXPECT_LT(Peel(cubes).count, 0.8 * byNumber) << isPerspective;
   }
 }
 
@@ -200,8 +215,8 @@ TEST_F(InstanceOcclusionPixels, CountsSurfacesAtEqualDepthsOnce) {
   values.assign(positions.size(), 0.5);
   for (const bool isPerspective : {false, true}) {
     isCentral = isPerspective;
-    EXPECT_LT(ShareOfPeeledSamples(Mesh(Symbols(Model::Symbol::ShapeCube), false)), 0.9) << isPerspective;
-    EXPECT_LT(ShareOfPeeledSamples(Mesh(InstancedMesh::Spheres(), false)), 0.9) << isPerspective;
+    EXPECT_LT(ShareOfPeeled(Mesh(Symbols(Model::Symbol::ShapeCube), false)), 0.9) << isPerspective;
+    EXPECT_LT(ShareOfPeeled(Mesh(InstancedMesh::Spheres(), false)), 0.9) << isPerspective;
   }
 }
 
@@ -211,8 +226,8 @@ TEST_F(InstanceOcclusionPixels, HidesSmallSymbols) {
   colors = ColorMap({QColor(255, 0, 0, 100), QColor(0, 0, 255, 50)}, ColorMap::Interpolated);
   for (const bool isPerspective : {false, true}) {
     isCentral = isPerspective;
-    EXPECT_LT(ShareOfSamples(Mesh(InstancedMesh::Spheres(), true)), 0.9) << isPerspective;
-    EXPECT_LT(ShareOfPeeledSamples(Mesh(InstancedMesh::Spheres(), false)), 0.98) << isPerspective;
+    EXPECT_LT(ShareOfDrawn(Mesh(InstancedMesh::Spheres(), true)), 0.9) << isPerspective;
+    EXPECT_LT(ShareOfPeeled(Mesh(InstancedMesh::Spheres(), false)), 0.98) << isPerspective;
   }
 }
 
@@ -224,10 +239,10 @@ TEST_F(InstanceOcclusionPixels, LeavesOutNothingThatMayBeSeen) {
     numbers->resize(Count);
   rgba.resize(Count);
   const InstancedMesh spheres = Mesh(InstancedMesh::Spheres(), false);
-  EXPECT_LT(ShareOfSamples(spheres), 0.95);
+  EXPECT_LT(ShareOfDrawn(spheres), 0.95);
   ValueScale holes;
   holes.missing = Qt::transparent;
-  EXPECT_EQ(ShareOfSamples(spheres, holes), 1);
+  EXPECT_EQ(ShareOfDrawn(spheres, holes), 1);
   const std::pair<const char*, std::function<void()>> states[] = {
       {"blending", [&] { gl->Enable(RGL_BLEND); }},
       {"last", [&] { gl->DepthFunc(RGL_ALWAYS); }},
@@ -242,17 +257,17 @@ TEST_F(InstanceOcclusionPixels, LeavesOutNothingThatMayBeSeen) {
   for (const auto& [name, set] : states) {
     SCOPED_TRACE(name);
     prepare = set;
-    EXPECT_EQ(ShareOfSamples(spheres), 1);
+    EXPECT_EQ(ShareOfDrawn(spheres), 1);
   }
   prepare = {};
   colors = ColorMap({QColor(255, 0, 0, 100), Qt::blue}, ColorMap::Interpolated);
-  EXPECT_EQ(ShareOfSamples(spheres), 1);
+  EXPECT_EQ(ShareOfDrawn(spheres), 1);
   for (InstancedMesh::Rgba& color : rgba)
     color[3] = 100;
-  EXPECT_EQ(ShareOfSamples(Mesh(InstancedMesh::Spheres(), true)), 1);
+  EXPECT_EQ(ShareOfDrawn(Mesh(InstancedMesh::Spheres(), true)), 1);
   // Open meshes, and closed ones that do not surround their positions.
-  EXPECT_EQ(ShareOfSamples(Mesh(Symbols(Model::Symbol::ShapeCone), false)), 1);
+  EXPECT_EQ(ShareOfDrawn(Mesh(Symbols(Model::Symbol::ShapeCone), false)), 1);
   std::vector<InstancedMesh::Level> aside = Symbols(Model::Symbol::ShapeCube);
   aside[0].origin += Point(1, 0, 0);
-  EXPECT_EQ(ShareOfSamples(Mesh(aside, false)), 1);
+  EXPECT_EQ(ShareOfDrawn(Mesh(aside, false)), 1);
 }
