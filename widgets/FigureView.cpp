@@ -4,6 +4,7 @@
 #include "platform/ogl/PerContext.h"
 #include "scene/Background.h"
 #include "scene/SaveImage.h"
+#include "scene/SurfacePlot.h"
 
 #include <QClipboard>
 #include <QFileDialog>
@@ -238,10 +239,14 @@ QString FigureView::Describe(const Scene::Figure::Hit& p_hit) const {
   };
   add(0, p_hit.position.x, step.x);
   add(1, p_hit.position.y, step.y);
-  if (const auto limits = _figure->Limits(); limits.Min().z < limits.Max().z) // not in flat figures
+  const auto limits = _figure->Limits();
+  const bool hasHeight = limits.Min().z < limits.Max().z; // not in flat figures
+  if (hasHeight)
     add(2, p_hit.position.z, step.z);
-  if (p_hit.value) {
-    constexpr int Digits = 6; // of single precision
+  const bool isRelief = hasHeight && p_hit.valueTitle == _figure->AxisTitle(2) &&
+                        dynamic_cast<const Scene::SurfacePlot*>(p_hit.plot) != nullptr;
+  if (p_hit.value && !isRelief) { // whose value is its height
+    constexpr int Digits = 6;     // of single precision
     const QString title = p_hit.valueTitle.isEmpty() ? tr("value") : p_hit.valueTitle;
     lines << title + ": " + (std::isnan(*p_hit.value) ? tr("missing") : QString::number(*p_hit.value, 'g', Digits));
   }

@@ -56,6 +56,17 @@ TEST_F(ViewerTruth, FlowsKeepUnevenPositionsAndMissingCells) {
   EXPECT_NE(ReadOutAt({3.9, 2.2, 0}).find("element 1 x 3.9"), std::string::npos) << ReadOutAt({3.9, 2.2, 0});
 }
 
+TEST_F(ViewerTruth, HeightsAreSaidOnce) {
+  ASSERT_NE(OpenText("hill.txt", "3 3 0 1 0 1\n1 2 3\n2 3 4\n3 4 5\n"), nullptr);
+  Set("Surface", "Contour lines", 0.0);
+  std::string readOut = ReadOutAt({1.1, 1.1, 3.2});
+  EXPECT_NE(readOut.find("Height: 3.2"), std::string::npos) << readOut;
+  EXPECT_EQ(readOut.find("Height"), readOut.rfind("Height")) << readOut;
+  Set("Surface", "Shape", 1);
+  readOut = ReadOutAt({1.1, 1.1, 0});
+  EXPECT_NE(readOut.find("Height: 3"), std::string::npos) << readOut;
+}
+
 TEST_F(ViewerTruth, VolumesSayRangeAndMissingValues) {
   ASSERT_NE(OpenText("ramp.txt", "TextArray 4 1 3 2\n0 1 2 3 4 5 6 7 8 9 10 nan\n"
                                  "12 13 14 15 16 17 18 19 20 21 22 -99\n"),
