@@ -1,5 +1,5 @@
 // Reads a generated table of five columns, compared with a plain loop of std::from_chars over the file in memory, and
-// an ESRI ASCII grid of the same numbers.
+// an ESRI ASCII grid of the same numbers. Times of cells are compared with reading their characters and with strptime.
 
 #include "bench/SideBySide.h"
 #include "io/ReadHeights.h"
@@ -11,9 +11,11 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -99,6 +101,56 @@ void GridOnThreads(benchmark::State& p_state) {
       p_state, "of_one_thread", [&] { read(threads); }, [&] { read({}); });
 }
 
+/// A million cells such as "2024-03-01T07:05:09".
+const Vek::Chart::Io::Table& TableOfTimes() {
+  static const Vek::Chart::Io::Table Times = [] {
+    Vek::Chart::Io::Table::Column column{"time", {}, {}};
+    std::uint32_t random = 1;
+    char text[32];
+    for (std::size_t cell = 0; cell < 1000000; ++cell) {
+      random = random * 1664525u + 1013904223u;
+      std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u:%02u", 1900 + random % 200, 1 + random / 256 % 12,
+                    1 + random / 4096 % 28, random / 65536 % 24, random / 1048576 % 60, random / 16777216 % 60);
+      column.strings.emplace_back(text);
+    }
+    return Vek::Chart::Io::Table("bench", {column});
+  }();
+  return Times;
+}
+
+void Times(benchmark::State& p_state) {
+  TableOfTimes();
+  for (auto _ : p_state)
+    benchmark::DoNotOptimize(TableOfTimes().Times(0).data());
+}
+
+void CharactersOfTimes(benchmark::State& p_state) {
+  const std::vector<std::string>& cells = TableOfTimes().Strings("time");
+  for (auto _ : p_state) {
+    std::vector<double> sums(cells.size());
+    std::transform(cells.begin(), cells.end(), sums.begin(), [](const std::string& p_cell) {
+      return static_cast<double>(std::accumulate(p_cell.begin(), p_cell.end(), 0));
+    });
+    benchmark::DoNotOptimize(sums.data());
+  }
+}
+
+void TimesByStrptime(benchmark::State& p_state) {
+  const std::vector<std::string>& cells = TableOfTimes().Strings("time");
+  for (auto _ : p_state) {
+    std::vector<double> times(cells.size());
+    std::transform(cells.begin(), cells.end(), times.begin(), [](const std::string& p_cell) {
+      std::tm time{};
+      strptime(p_cell.c_str(), "%Y-%m-%dT%H:%M:%S", &time);
+      return static_cast<double>(timegm(&time));
+    });
+    benchmark::DoNotOptimize(times.data());
+  }
+}
+
+BENCHMARK(Times)->Unit(benchmark::kMillisecond);
+BENCHMARK(CharactersOfTimes)->Unit(benchmark::kMillisecond);
+BENCHMARK(TimesByStrptime)->Unit(benchmark::kMillisecond);
 BENCHMARK(Plain)->Unit(benchmark::kMillisecond);
 BENCHMARK(Table)->Unit(benchmark::kMillisecond);
 BENCHMARK(TableOnThreads)->Apply(Vek::Bench::OnThreads);

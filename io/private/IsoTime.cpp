@@ -4,7 +4,7 @@
 
 #include "platform/utility/Calendar.h"
 
-#include <algorithm>
+#include <cstdint>
 
 namespace Vek::Chart::Io::Private {
 
@@ -29,11 +29,15 @@ public:
   }
   /// A number of so many digits, within bounds; none otherwise.
   std::optional<int> Take(std::size_t p_digits, int p_least, int p_most) {
-    const std::string_view digits = _rest.substr(0, p_digits);
-    if (digits.size() != p_digits || !std::all_of(digits.begin(), digits.end(), IsDigit))
+    if (_rest.size() < p_digits)
       return {};
-    const std::optional<int> number = Parsed<int>(digits);
-    if (!number || *number < p_least || *number > p_most)
+    int number = 0;
+    for (const char digit : _rest.substr(0, p_digits)) {
+      if (!IsDigit(digit))
+        return {};
+      number = 10 * number + (digit - '0');
+    }
+    if (number < p_least || number > p_most)
       return {};
     _rest.remove_prefix(p_digits);
     return number;
