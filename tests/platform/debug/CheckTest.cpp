@@ -70,6 +70,24 @@ TEST(Check, KeepsAMessageWhileItsSinkReports) {
   EXPECT_EQ(sink->texts, (Texts{"\"inner\" - F", "\"outer\" - F"}));
 }
 
+TEST(Check, ReportsFromDestructorsAtTheEndOfAThread) {
+  struct Last {
+    int reports = 0;
+    ~Last() {
+      for (int i = 0; i < reports; ++i)
+        vekdebug::fail_ensure("late, longer than texts that strings keep without memory", "F");
+    }
+  };
+  const ReportCapture reports;
+  std::thread([] {
+    thread_local Last last; // made before the memory of messages, so destroyed after it
+    last.reports = 2;
+    vekdebug::fail_ensure("early, longer than texts that strings keep without memory", "F");
+  }).join();
+  const std::string late = "\"late, longer than texts that strings keep without memory\" - F";
+  EXPECT_EQ(reports.Texts(), (Texts{"\"early, longer than texts that strings keep without memory\" - F", late, late}));
+}
+
 TEST(TypeName, WritesTypesAsTheHostPlatform) {
   EXPECT_EQ(vekdebug::TypeName<std::size_t>::Text(), "unsigned __int64");
   EXPECT_EQ(vekdebug::TypeName<unsigned long long>::Text(), "unsigned __int64");
