@@ -243,10 +243,15 @@ QString FigureView::Describe(const Scene::Figure::Hit& p_hit) const {
   const bool hasHeight = limits.Min().z < limits.Max().z; // not in flat figures
   if (hasHeight)
     add(2, p_hit.position.z, step.z);
-  const bool isRelief = hasHeight && p_hit.valueTitle == _figure->AxisTitle(2) &&
-                        dynamic_cast<const Scene::SurfacePlot*>(p_hit.plot) != nullptr;
-  if (p_hit.value && !isRelief) { // whose value is its height
-    constexpr int Digits = 6;     // of single precision
+  // Points may have the position along an axis as their value, reliefs their height.
+  const bool isRelief = dynamic_cast<const Scene::SurfacePlot*>(p_hit.plot) != nullptr;
+  const auto isValue = [&](int p_axis, double p_position) {
+    return p_hit.valueTitle == _figure->AxisTitle(p_axis) &&
+           (static_cast<float>(p_position) == static_cast<float>(*p_hit.value) || (isRelief && p_axis == 2));
+  };
+  const Position& at = p_hit.position;
+  if (p_hit.value && !isValue(0, at.x) && !isValue(1, at.y) && !(hasHeight && isValue(2, at.z))) {
+    constexpr int Digits = 6; // of single precision
     const QString title = p_hit.valueTitle.isEmpty() ? tr("value") : p_hit.valueTitle;
     lines << title + ": " + (std::isnan(*p_hit.value) ? tr("missing") : QString::number(*p_hit.value, 'g', Digits));
   }

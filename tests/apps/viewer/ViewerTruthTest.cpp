@@ -34,6 +34,7 @@ TEST_F(ViewerTruth, TablesOfTimesHaveAnAxisOfDates) {
   const std::string readOut = ReadOutAt({1714737600, -0.5, 4});
   EXPECT_NE(readOut.find("when: 2024-05-03"), std::string::npos) << readOut;
   EXPECT_NE(readOut.find("station: B"), std::string::npos) << readOut;
+  EXPECT_EQ(readOut.find("wind: 4"), readOut.rfind("wind")) << "z and colour: " << readOut;
 }
 
 TEST_F(ViewerTruth, FlowsKeepUnevenPositionsAndMissingCells) {
