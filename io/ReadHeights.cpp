@@ -115,8 +115,8 @@ private:
 };
 
 double HeightReader::Height(double p_number) const {
-  constexpr double FloatDigits =
-      2e-7; // of a float that one program writes with seven digits and another with seventeen
+  // One program writes a float with seven digits, and another one with seventeen.
+  constexpr double FloatDigits = 2e-7;
   const bool isMissing = std::abs(p_number - _noData) <= FloatDigits * std::abs(_noData);
   return isMissing ? std::numeric_limits<double>::quiet_NaN() : p_number;
 }

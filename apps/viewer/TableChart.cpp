@@ -21,6 +21,13 @@ QString Bare(const std::string& p_name) {
   return name;
 }
 
+/// A cell in one line, with an ellipsis at the end of a long one.
+QString Short(const std::string& p_cell) {
+  constexpr int Most = 40;
+  const QString text = QString::fromStdString(p_cell).simplified();
+  return text.size() <= Most ? text : text.left(Most - 1) + QChar(0x2026);
+}
+
 class TableChart : public Chart {
 public:
   TableChart(const std::shared_ptr<const Document>& p_document, const Io::Table& p_table)
@@ -56,7 +63,7 @@ public:
                      QString::number(Column(column)->numbers.at(*p_hit.element), 'g', 10);
     for (const Text& text : _texts)
       if (!Has(_place, text.time))
-        cells << QString::fromStdString(text.cells->name + ": " + text.cells->strings.at(*p_hit.element));
+        cells << QString::fromStdString(text.cells->name) + ": " + Short(text.cells->strings.at(*p_hit.element));
     return cells;
   }
 
@@ -223,7 +230,7 @@ private:
 
   std::shared_ptr<const Document> _document;
   std::vector<const Io::Table::Column*> _columns; ///< those of numbers, then those of times
-  int _numberCount = 0;                           ///< of the first
+  int _numberCount = 0;                           ///< how many have numbers
   std::deque<Io::Table::Column> _times;           ///< in seconds
   std::vector<Text> _texts;
   std::size_t _rows = 0;

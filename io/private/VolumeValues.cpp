@@ -204,14 +204,17 @@ void Finish(std::vector<Kept> p_values, const ValueRange& p_range, const ValueLa
   p_volume.values = std::move(p_values);
 }
 
-/// Calls p_read with a value of the type of the numbers that are kept.
-template <class T, class Read>
-void WithKept(const ValueFormat& p_format, const Read& p_read) {
-  constexpr bool Wide = sizeof(T) > 4 || (sizeof(T) == 4 && std::is_integral_v<T>);
-  if (p_format.Scaled())
-    p_read(std::conditional_t<Wide, double, float>());
-  else
-    p_read(std::conditional_t<sizeof(T) == 8, double, T>());
+/// Calls p_read with a value of the type of the file and one of the type of the numbers that are kept.
+template <class Read>
+void WithTypes(const ValueFormat& p_format, const Read& p_read) {
+  WithType(p_format.type, [&](auto p_value) {
+    using T = decltype(p_value);
+    constexpr bool Wide = sizeof(T) > 4 || (sizeof(T) == 4 && std::is_integral_v<T>);
+    if (p_format.Scaled())
+      p_read(p_value, std::conditional_t<Wide, double, float>());
+    else
+      p_read(p_value, std::conditional_t<sizeof(T) == 8, double, T>());
+  });
 }
 
 } // namespace
@@ -240,7 +243,7 @@ std::uint64_t CountValues(const ValueLayout& p_layout, const std::string& p_name
 void ReadValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
                 const std::string& p_name, Utility::Threads p_threads, Volume& p_volume) {
   p_volume.steps = p_layout.steps;
-  const auto read = [&](auto p_value, auto p_kept) {
+  WithTypes(p_format, [&](auto p_value, auto p_kept) {
     BinaryValues<decltype(p_value)> source(p_source, p_format, p_name);
     const Parts parts(p_layout, p_step, source.Most(), p_name);
     ValueRange range(p_volume.noData);
@@ -254,15 +257,13 @@ void ReadValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLa
       Append(source, parts.size, p_format, p_threads, range, values);
     }
     Finish(std::move(values), range, p_layout, p_volume);
-  };
-  WithType(p_format.type,
-           [&](auto p_value) { WithKept<decltype(p_value)>(p_format, [&](auto p_kept) { read(p_value, p_kept); }); });
+  });
 }
 
 void ReadTextValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
                     const std::string& p_name, std::size_t p_line, Utility::Threads p_threads, Volume& p_volume) {
   p_volume.steps = p_layout.steps;
-  const auto read = [&](auto p_value, auto p_kept) {
+  WithTypes(p_format, [&](auto p_value, auto p_kept) {
     using T = decltype(p_value);
     using Kept = decltype(p_kept);
     TextValues<T> source(p_source, p_name, p_line);
@@ -282,9 +283,7 @@ void ReadTextValues(ByteSource& p_source, const ValueFormat& p_format, const Val
       });
     });
     Finish(std::move(values), range, p_layout, p_volume);
-  };
-  WithType(p_format.type,
-           [&](auto p_value) { WithKept<decltype(p_value)>(p_format, [&](auto p_kept) { read(p_value, p_kept); }); });
+  });
 }
 
 } // namespace Vek::Chart::Io::Private

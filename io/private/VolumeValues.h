@@ -44,8 +44,8 @@ std::uint64_t CountValues(const ValueLayout& p_layout, const std::string& p_name
 void ReadValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
                 const std::string& p_name, Utility::Threads p_threads, Volume& p_volume);
 
-/// Likewise, of numbers that are written as text, separated by white space and commas. `p_line` is the
-/// first one's line.
+/// Likewise, of numbers that are written as text, separated by white space and commas. `p_line` is the first one's
+/// line.
 void ReadTextValues(ByteSource& p_source, const ValueFormat& p_format, const ValueLayout& p_layout, std::size_t p_step,
                     const std::string& p_name, std::size_t p_line, Utility::Threads p_threads, Volume& p_volume);
 

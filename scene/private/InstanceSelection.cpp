@@ -1,6 +1,5 @@
 #include "scene/private/InstanceSelection.h"
 
-#include "scene/private/InstanceOcclusion.h"
 #include "scene/private/Matrix4.h"
 #include "scene/private/MeshShaders.h"
 
@@ -17,8 +16,6 @@ namespace Vek::Chart::Scene::Private {
 namespace {
 
 using Point = Types::Vector3_Base<double>;
-constexpr std::size_t BlockSize = 8192;
-constexpr std::uint8_t LeftOut = 255;
 
 /// The factor by which a matrix scales lengths, of all directions in the mean.
 double ScaleOf(const Matrix4& p_m) {
@@ -236,127 +233,6 @@ void InstanceSelection::FindRanges() {
     place(level + MostLevels);
     _ranges[level].count = next - _ranges[level].first;
   }
-}
-
-namespace {
-
-/// A sample of what instances cover of a viewport.
-struct CoverSample {
-  std::size_t count = 0;     ///< of instances that were looked at
-  double pixels = 0;         ///< that all instances together cover, about
-  double room = 0;           ///< pixels of the rectangle around their positions
-  double pixelsOfOne = 0;    ///< in the mean
-  std::vector<float> depths; ///< of the sample
-};
-
-template <class OutlineOf>
-CoverSample SampleCover(std::size_t p_count, const Projection& p_view, const OutlineOf& p_outlineOf) {
-  constexpr std::size_t Stride = 61; // not that of rows of regular grids
-  const std::size_t stride = p_count < 8 * BlockSize ? 1 : Stride;
-  const double most = static_cast<double>(p_view.width) * p_view.height;
-  const auto width = static_cast<float>(p_view.width), height = static_cast<float>(p_view.height);
-  float left = width, right = 0, bottom = height, top = 0;
-  CoverSample sample;
-  for (std::size_t i = 0; i < p_count; i += stride)
-    if (const Outline outline = p_outlineOf(i); outline.halfWidth > 0 && outline.halfHeight > 0) {
-      sample.depths.push_back(outline.depth);
-      sample.pixels += std::min(most, M_PI * static_cast<double>(outline.halfWidth * outline.halfHeight));
-      left = std::min(left, outline.x), right = std::max(right, outline.x);
-      bottom = std::min(bottom, outline.y), top = std::max(top, outline.y);
-    }
-  const auto span = [](float p_from, float p_to, float p_most) {
-    return static_cast<double>(std::max(0.0F, std::min(p_to, p_most) - std::max(p_from, 0.0F)));
-  };
-  sample.room = span(left, right, width) * span(bottom, top, height);
-  if (!sample.depths.empty())
-    sample.pixelsOfOne = sample.pixels / static_cast<double>(sample.depths.size());
-  sample.pixels *= static_cast<double>(stride);
-  return sample;
-}
-
-/// A grid of tiles that are small beside instances, so that many of them are covered wholly.
-OcclusionGrid GridFor(const InstanceSelection::Input& p_input, double p_pixels) {
-  constexpr double Most = 64, TilesOfInstance = 50;
-  double tile = p_input.hasOneSample ? 1 : 0.5;
-  while (tile < Most && tile * tile * TilesOfInstance < p_pixels)
-    tile *= 2;
-  return {p_input.view.width, p_input.view.height, static_cast<float>(tile),
-          p_input.hasOneSample ? OcclusionGrid::Tiles::Centers : OcclusionGrid::Tiles::Areas, p_input.hiding};
-}
-
-} // namespace
-
-/// Draws instances into a coarse depth buffer, and leaves out those that it hides.
-void InstanceSelection::HideOccluded() {
-  const auto view = BallView::Of(_input.view);
-  if (!view)
-    return;
-  const std::vector<Ogl::Vec3<float>>& positions = *_input.positions;
-  const std::size_t count = positions.size();
-  const double pixels = _input.view.pixels;
-  const auto least = static_cast<float>(pixels > 0 ? _input.leastPixels / pixels : 0);
-  std::array<float, 256> cores{}, reaches{}; // of levels; 0 for those left out
-  for (std::size_t level = 0; level < _input.levels.size(); ++level) {
-    cores[level] = static_cast<float>(_input.levels[level].core);
-    reaches[level] = static_cast<float>(_input.levels[level].reach);
-  }
-  const auto sizeOf = [&](std::size_t p_i) {
-    return std::max(_input.sizes ? (*_input.sizes)[p_i] : 1, least * view->W(positions[p_i]));
-  };
-  const auto insideOf = [&](std::size_t p_i) {
-    const std::uint8_t level = _levelOf[p_i];
-    const float size = sizeOf(p_i);
-    return cores[level] > 0 ? view->Inside(positions[p_i], cores[level] * size, reaches[level] * size) : Outline();
-  };
-
-  // Worth it where instances cover what they span several times.
-  constexpr double LeastCover = 4;
-  CoverSample sample = SampleCover(count, _input.view, insideOf);
-  if (!(sample.pixels > LeastCover * static_cast<double>(_input.hiding) * sample.room))
-    return;
-  constexpr std::ptrdiff_t Front = 8;
-  const auto front = sample.depths.begin() + static_cast<std::ptrdiff_t>(sample.depths.size()) / Front;
-  std::nth_element(sample.depths.begin(), front, sample.depths.end());
-
-  const Utility::Threads threads = Utility::Threads::All();
-  const auto shares = static_cast<std::size_t>(threads.Count());
-  std::vector<OcclusionGrid> grids(shares, GridFor(_input, sample.pixelsOfOne));
-  const auto cover = [&](const auto& p_isWanted) {
-    Utility::RunBlocks(threads, shares, [&](std::size_t p_share) {
-      for (std::size_t i = p_share * count / shares; i < (p_share + 1) * count / shares; ++i)
-        if (_levelOf[i] != LeftOut)
-          if (const Outline inside = insideOf(i); p_isWanted(i, inside))
-            grids[p_share].Cover(inside);
-    });
-    for (std::size_t share = 1; share < shares; ++share)
-      grids[0].Merge(grids[share]);
-  };
-  const auto isHidden = [&](std::size_t p_i, const OcclusionGrid& p_grid, std::size_t p_bodies) {
-    const auto around = view->Around(positions[p_i], reaches[_levelOf[p_i]] * sizeOf(p_i));
-    return around && p_grid.Hides(*around, p_bodies);
-  };
-  // Those in front hide most of the others, which larger tiles show quickly.
-  cover([&](std::size_t, const Outline& p_inside) { return p_inside.depth < *front; });
-  const OcclusionGrid coarse = grids[0].Coarser();
-  cover([&](std::size_t p_i, const Outline&) {
-    if (!isHidden(p_i, coarse, _input.hiding))
-      return true;
-    _levelOf[p_i] = LeftOut;
-    return false;
-  });
-  Utility::RunRanges(threads, count, BlockSize, [&](std::size_t p_begin, std::size_t p_end) {
-    auto& counts = _firstOf[p_begin / BlockSize];
-    counts = {};
-    for (std::size_t i = p_begin; i < p_end; ++i) {
-      if (_levelOf[i] != LeftOut && isHidden(i, grids[0], 1))
-        _levelOf[i] = _input.hiding == 1 || isHidden(i, grids[0], _input.hiding)
-                          ? LeftOut
-                          : static_cast<std::uint8_t>(_levelOf[i] + MostLevels);
-      if (_levelOf[i] != LeftOut)
-        ++counts[_levelOf[i]];
-    }
-  });
-  FindRanges();
 }
 
 namespace {

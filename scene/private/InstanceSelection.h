@@ -95,6 +95,9 @@ public:
   void WriteOrder(std::uint32_t* p_order) const;
 
 private:
+  static constexpr std::size_t BlockSize = 8192;
+  static constexpr std::uint8_t LeftOut = 255;
+
   struct Rules;
   void Choose(double p_coarseness, std::size_t p_step);
   void FindRanges();

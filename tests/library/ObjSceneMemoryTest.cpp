@@ -1,6 +1,3 @@
-// Files of which the number of indices is estimated before their end: rightly, too many, too few, and with positions
-// behind the estimate.
-
 #include "library/ComputeNormals.h"
 #include "library/ObjScene.h"
 #include "tests/support/Test.h"
